@@ -1,0 +1,28 @@
+# The libraries that tools/setup built, as imported targets. Each exposes its own prefix only.
+#   dep::gtest   GoogleTest and its mocks (tests only)
+#   dep::boost   Boost's headers
+#   dep::zlib    zlib, static
+#   dep::lzma    liblzma, static
+#   dep::libzip  libzip, static, with what it needs
+if(NOT EXISTS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
+    message(FATAL_ERROR "Run tools/setup first: it builds the libraries and says where they are.")
+endif()
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
+include("${CMAKE_SOURCE_DIR}/build/setup.cmake")
+
+function(ob_imported name prefix)
+    cmake_parse_arguments(arg "" "" "ARCHIVES;LIBS;DEFINITIONS" ${ARGN})
+    add_library(dep::${name} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(dep::${name} SYSTEM INTERFACE "${prefix}/include")
+    foreach(archive ${arg_ARCHIVES})
+        target_link_libraries(dep::${name} INTERFACE "${prefix}/lib/${archive}")
+    endforeach()
+    target_link_libraries(dep::${name} INTERFACE ${arg_LIBS})
+    target_compile_definitions(dep::${name} INTERFACE ${arg_DEFINITIONS})
+endfunction()
+
+ob_imported(gtest "${OB_PREFIX_GOOGLETEST}" ARCHIVES libgmock.a libgtest.a)
+ob_imported(boost "${OB_PREFIX_BOOST}")
+ob_imported(zlib "${OB_PREFIX_ZLIB}" ARCHIVES libz.a)
+ob_imported(lzma "${OB_PREFIX_LZMA}" ARCHIVES liblzma.a DEFINITIONS LZMA_API_STATIC)
+ob_imported(libzip "${OB_PREFIX_LIBZIP}" ARCHIVES libzip.a LIBS dep::zlib dep::lzma bcrypt advapi32)
