@@ -1,0 +1,25 @@
+// The temporary folders of a run and the copies that it works on.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace obcore {
+
+// The user's temporary folder with its trailing backslash, in its long form if the system gives it.
+// False when it can't be had in 258 characters.
+bool GetTemporaryFolder(std::wstring& folder);
+
+// Makes a new folder below `folder` and puts its path, with a trailing backslash, in its place. The
+// name is the time since the machine started in hexadecimal milliseconds, counted on while it is
+// taken. False when the base doesn't exist; whether the folder could be made isn't tested.
+bool CreateUniqueTempFolder(std::wstring& folder);
+
+namespace CompressUtils {
+
+// Copies each file into `folder` (with its trailing backslash) under its own name, over an existing
+// one. `files` then holds the copies that succeeded, in order. The sources are only read.
+void CopyFilesToFolder(const std::wstring& folder, std::vector<std::wstring>& files);
+
+}  // namespace CompressUtils
+}  // namespace obcore

@@ -1,0 +1,55 @@
+// The provider manager, bound at run time, and the typed call of a slot of its objects.
+#pragma once
+
+#include <windows.h>
+
+#include "contracts/ProviderManager.h"
+
+namespace obcore {
+
+// Binds PVXManager64.dll from this library's own folder on first need, so that a browser process
+// never loads it. False when the file or one of its 32 entries is missing; nothing stays loaded
+// then. Host side and configuration entry only, on their one thread.
+bool LoadProviderManager();
+
+// The bound entries. Valid only after LoadProviderManager() has answered true in this process.
+const ProviderManagerEntries& ProviderManager() noexcept;
+
+// Process detach only.
+void FreeProviderManager() noexcept;
+
+// A slot of an object: its number, its name, its signature. `Call` passes the object first, as the
+// platform's convention has it.
+template <class Object, std::size_t Number, class Signature>
+struct ObjectSlot;
+
+template <class Object, std::size_t Number, class Result, class... Arguments>
+struct ObjectSlot<Object, Number, Result(Arguments...)> {
+    static constexpr std::size_t kNumber = Number;
+
+    static Result Call(Object* object, Arguments... arguments) {
+        using Function = Result (*)(Object*, Arguments...);
+        return reinterpret_cast<Function>(object->table[Number])(object, arguments...);
+    }
+};
+
+// The slots of the contract by name: slots::OnCloudProvider::GetProviderId::Call(provider).
+namespace slots {
+
+#define OB_NAME_SLOT(object, number, name, result, arguments)                                      \
+    using name = ObjectSlot<::obcore::object, number, result arguments>;
+
+struct OnDownloadList {
+    OB_DOWNLOAD_LIST_SLOTS(OB_NAME_SLOT)
+};
+struct OnUploadList {
+    OB_UPLOAD_LIST_SLOTS(OB_NAME_SLOT)
+};
+struct OnCloudProvider {
+    OB_PROVIDER_SLOTS(OB_NAME_SLOT)
+};
+
+#undef OB_NAME_SLOT
+
+} // namespace slots
+} // namespace obcore

@@ -1,0 +1,43 @@
+// Preparing the owner window of the host's dialog for one run, and undoing it at the run's end.
+//
+// Both objects live on the stack of the calling browser thread and work on the same owner field.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+namespace obwmv {
+
+// Puts the browser's main window, found by its class names on the whole desktop, in the owner
+// field; at its end the field gets its old value back, whatever stands in it then.
+class BrowserWindowFinder {
+public:
+    // Tries the `count` class names in order; zero or less searches nothing.
+    BrowserWindowFinder(HWND* owner, const wchar_t* const* classNames, std::int32_t count);
+    BrowserWindowFinder(const BrowserWindowFinder&) = delete;
+    BrowserWindowFinder& operator=(const BrowserWindowFinder&) = delete;
+    ~BrowserWindowFinder();
+
+private:
+    HWND* window_;
+    HWND old_window_;
+};
+
+// Makes sure that the owner is a place on the monitor under the mouse pointer: moves a hidden owner
+// there, or makes a hidden fake owner when there is none.
+class ParentWindowAdjuster {
+public:
+    explicit ParentWindowAdjuster(HWND* owner);
+    ParentWindowAdjuster(const ParentWindowAdjuster&) = delete;
+    ParentWindowAdjuster& operator=(const ParentWindowAdjuster&) = delete;
+    ~ParentWindowAdjuster();
+
+private:
+    HWND* window_;
+    HWND old_window_;
+    HWND new_window_ = nullptr;
+    RECT saved_{};
+};
+
+}  // namespace obwmv

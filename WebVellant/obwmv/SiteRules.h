@@ -1,0 +1,17 @@
+// Whether the picker applies to a page: the whole of that decision.
+//
+// Every test is an exact, case-sensitive search for a substring.
+#pragma once
+
+namespace obwmv {
+
+// True when the call goes to the browser's own dialog. False only on a page of a known web mail,
+// and only if the archive service can be bound now: that is also the point at which a browser
+// process first loads it. `url` is the page's URL, not null.
+bool UsesBrowserDialog(const wchar_t* url);
+
+// Whether this request must not be answered with a cloud link. `filter` is the request's
+// lpstrFilter list and may be null.
+bool IsLinkForbidden(const wchar_t* url, const wchar_t* filter);
+
+}  // namespace obwmv
