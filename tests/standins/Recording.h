@@ -1,0 +1,36 @@
+// What every stand-in of a sister module shares: calls are appended to a file beside the running
+// program, and answers are read from another, so that a test sees the calls of a host process too.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace obtest {
+
+inline constexpr wchar_t kCallsFileName[] = L"standin-calls.txt";
+inline constexpr wchar_t kScriptFileName[] = L"standin-script.txt";
+
+// Full path of a file in the running program's folder.
+std::wstring BesideProgram(const wchar_t* fileName);
+
+// Appends one line, as UTF-8, in one write: calls of several processes keep their order.
+void RecordCall(const std::wstring& line);
+
+// The text that the test's script gives for `call`, or nothing. A later line of the same call wins.
+std::optional<std::wstring> ScriptedAnswer(const wchar_t* call);
+
+// The same as a decimal number (a leading minus is allowed).
+std::uint64_t ScriptedNumber(const wchar_t* call, std::uint64_t otherwise);
+
+// Forms of arguments in a recorded line.
+std::wstring Quoted(const wchar_t* text); // null is the word null
+std::wstring WindowText(HWND window);     // the handle as a decimal number
+
+// UTF-8 files, whole. A file that can't be read is empty.
+std::wstring ReadUtf8File(const std::wstring& path);
+void AppendUtf8File(const std::wstring& path, const std::wstring& text);
+
+} // namespace obtest
