@@ -18,17 +18,17 @@ namespace {
 constinit char g_runningTest[512] = "none yet";
 
 class RunningTestRecorder final : public testing::EmptyTestEventListener {
-    void OnTestStart(const testing::TestInfo &test) override {
+    void OnTestStart(const testing::TestInfo& test) override {
         snprintf(g_runningTest, sizeof g_runningTest, "%s.%s", test.test_suite_name(), test.name());
     }
-    void OnTestEnd(const testing::TestInfo &test) override {
+    void OnTestEnd(const testing::TestInfo& test) override {
         snprintf(g_runningTest, sizeof g_runningTest, "none (the last was %s.%s)",
                  test.test_suite_name(), test.name());
     }
 };
 
 // Runs on a thread of its own. Takes no lock of the program: the main thread may hold it for ever.
-DWORD WINAPI Watch(void *limit) {
+DWORD WINAPI Watch(void* limit) {
     Sleep(static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(limit)));
     char text[640];
     const int length =
@@ -41,21 +41,21 @@ DWORD WINAPI Watch(void *limit) {
 
 // The limit is that of the launcher, less what it takes to start and to say so.
 void StartWatchdog() {
-    const char *const text = getenv("OB_TEST_TIMEOUT");
+    const char* const text = getenv("OB_TEST_TIMEOUT");
     const long seconds = text != nullptr ? strtol(text, nullptr, 10) : 0;
     if (seconds <= 0) {
         return;
     }
     const ULONG_PTR limit = seconds > 10 ? (seconds - 5) * 1000 : seconds * 500;
     const HANDLE thread =
-        CreateThread(nullptr, 0, &Watch, reinterpret_cast<void *>(limit), 0, nullptr);
+        CreateThread(nullptr, 0, &Watch, reinterpret_cast<void*>(limit), 0, nullptr);
     if (thread != nullptr) {
         CloseHandle(thread);
     }
 }
 
 // "Prefix/Suite/0" and "Suite/0" belong to the entry of "Suite".
-bool IsKnown(const std::string &known, const char *suite) {
+bool IsKnown(const std::string& known, const char* suite) {
     const std::string full = suite;
     for (size_t begin = 0; begin <= known.size();) {
         const size_t end =
@@ -70,7 +70,7 @@ bool IsKnown(const std::string &known, const char *suite) {
 }
 
 // Every suite of the program must have a ctest entry, or its tests would never run.
-bool AllSuitesKnown(int argc, char **argv) {
+bool AllSuitesKnown(int argc, char** argv) {
     static constexpr char option[] = "--known-suites=";
     bool all = true;
     for (int index = 1; index < argc; ++index) {
@@ -78,9 +78,9 @@ bool AllSuitesKnown(int argc, char **argv) {
             continue;
         }
         const std::string known = argv[index] + sizeof option - 1;
-        const testing::UnitTest &tests = *testing::UnitTest::GetInstance();
+        const testing::UnitTest& tests = *testing::UnitTest::GetInstance();
         for (int suite = 0; suite < tests.total_test_suite_count(); ++suite) {
-            const char *const name = tests.GetTestSuite(suite)->name();
+            const char* const name = tests.GetTestSuite(suite)->name();
             if (!IsKnown(known, name)) {
                 printf("No ctest entry runs the suite %s: name it under SUITES.\n", name);
                 all = false;
@@ -92,7 +92,7 @@ bool AllSuitesKnown(int argc, char **argv) {
 
 } // namespace
 
-int wmain(int argc, wchar_t **argv) {
+int wmain(int argc, wchar_t** argv) {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     // A pipe is fully buffered here, and what a crashed test had printed would be lost.
     setvbuf(stdout, nullptr, _IONBF, 0);
@@ -102,7 +102,7 @@ int wmain(int argc, wchar_t **argv) {
     if (!AllSuitesKnown(__argc, __argv)) {
         return ObTestUnknownSuite;
     }
-    testing::UnitTest &tests = *testing::UnitTest::GetInstance();
+    testing::UnitTest& tests = *testing::UnitTest::GetInstance();
     tests.listeners().Append(new RunningTestRecorder);
     if (g_obTestModuleAttach != nullptr) {
         g_obTestModuleAttach(GetModuleHandleW(nullptr));

@@ -12,7 +12,7 @@ namespace {
 
 // Returns the rest of a command line behind its first argument, blanks skipped. The program's own
 // command line is handed on as it stands, so that no argument is quoted twice.
-wchar_t *SkipArgument(wchar_t *text) {
+wchar_t* SkipArgument(wchar_t* text) {
     bool quoted = false;
     for (; *text != L'\0' && (quoted || (*text != L' ' && *text != L'\t')); ++text) {
         if (*text == L'"') {
@@ -25,7 +25,7 @@ wchar_t *SkipArgument(wchar_t *text) {
     return text;
 }
 
-bool WriteCode(const wchar_t *path, DWORD code) {
+bool WriteCode(const wchar_t* path, DWORD code) {
     char text[16];
     const int length = snprintf(text, sizeof text, "%lu", code);
     const HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
@@ -39,7 +39,7 @@ bool WriteCode(const wchar_t *path, DWORD code) {
 }
 
 // A program that can't be started reads as exit code 125 and a line on stderr.
-DWORD RunAndWait(wchar_t *commandLine) {
+DWORD RunAndWait(wchar_t* commandLine) {
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process = {};
@@ -59,13 +59,13 @@ DWORD RunAndWait(wchar_t *commandLine) {
 
 } // namespace
 
-int wmain(int argc, wchar_t **argv) {
+int wmain(int argc, wchar_t** argv) {
     if (argc < 3) {
         fprintf(stderr, "usage: winlaunch CODE-FILE PROGRAM [ARGUMENT...]\n");
         return 125;
     }
     // A crash ends the program at once with its own code; nobody is there to click a box away.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-    wchar_t *const program = SkipArgument(SkipArgument(GetCommandLineW()));
+    wchar_t* const program = SkipArgument(SkipArgument(GetCommandLineW()));
     return WriteCode(argv[1], RunAndWait(program)) ? 0 : 125;
 }
