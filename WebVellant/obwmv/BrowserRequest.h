@@ -1,4 +1,7 @@
 // The browser side of one request: block written, host run, answer delivered.
+//
+// Both run on the calling browser thread and hold it, with its messages pumped, until the host has
+// ended. Neither falls back to the browser's own dialog.
 #pragma once
 
 #include <windows.h>
@@ -10,12 +13,16 @@
 
 namespace obwmv {
 
+// HRESULT_FROM_WIN32(ERROR_CANCELLED): a cancel by the user and a failure of the host alike.
 inline constexpr HRESULT kCancelled = static_cast<HRESULT>(0x800704C7);
 
-// Open-file-name road. FALSE on every failure: the page sees a cancelled dialog.
+// Open-file-name road. Of `request` only lpstrFile is written, as long as the host's list is: the
+// host kept to nMaxFile. FALSE on every failure: the page sees a cancelled dialog. Throws
+// std::bad_alloc only.
 BOOL RunOpenFileNameRequest(OPENFILENAMEW* request, BrowserContext* context);
 
-// Dialog road. 0x800704C7 on every failure. Empties the result map first.
+// Dialog road. Empties the result map first, and keeps what was picked there under `dialog`, of
+// which only GetOptions is called. 0x800704C7 on every failure. Throws std::bad_alloc only.
 HRESULT RunDialogRequest(IFileDialog* dialog, HWND owner, BrowserContext* context);
 
-}  // namespace obwmv
+} // namespace obwmv

@@ -12,4 +12,4 @@ namespace obwmv {
 // unmapped: the exit of the process does that.
 int HostEntry(HWND owner, std::uint32_t id);
 
-}  // namespace obwmv
+} // namespace obwmv

@@ -1,4 +1,7 @@
 // Starting the host process for one request and waiting for it with the browser's messages pumped.
+//
+// All of it runs on the calling browser thread, which is held until the host has ended; no other
+// thread is made. The host's exit is the only signal between the two.
 #pragma once
 
 #include <windows.h>
@@ -7,17 +10,20 @@
 
 namespace obwmv {
 
-// All run on the calling browser thread, which is held until the host has ended.
+// The exit code that stands for a host that couldn't be started.
+inline constexpr std::uint32_t kHostNotStarted = static_cast<std::uint32_t>(-1);
 
-// Covers the owner's root window with a transparent layer window that owns the host's dialog, holds
-// the root window disabled meanwhile, and answers LaunchHost's exit code.
+// Covers `owner`'s root window with a transparent layer window that owns the host's dialog, holds
+// the root window disabled meanwhile, and answers LaunchHost's result. Without a layer the host
+// gets `owner` itself and nothing is disabled.
 std::uint32_t ShowWithLayer(std::uint32_t id, HWND owner);
 
-// Starts obwmvapp.exe beside this library and answers its exit code, or -1 (as unsigned) when it
-// can't be started.
+// Starts obwmvapp.exe beside this library for the block `id`, with `owner` as its dialog's owner,
+// and answers its exit code, or kHostNotStarted.
 std::uint32_t LaunchHost(std::uint32_t id, HWND owner);
 
-// Dispatches this thread's messages until `process` has ended; a WM_QUIT is posted again afterwards.
+// Dispatches this thread's messages until `process` has ended. A WM_QUIT doesn't end the wait; it
+// is posted again afterwards with its exit value.
 void PumpUntilSignalled(HANDLE process);
 
-}  // namespace obwmv
+} // namespace obwmv

@@ -1,6 +1,7 @@
 // Whether the picker applies to a page: the whole of that decision.
 //
-// Every test is an exact, case-sensitive search for a substring.
+// Every test is an exact, case-sensitive search for a substring. Called on the browser thread that
+// made the request.
 #pragma once
 
 namespace obwmv {
@@ -10,8 +11,8 @@ namespace obwmv {
 // process first loads it. `url` is the page's URL, not null.
 bool UsesBrowserDialog(const wchar_t* url);
 
-// Whether this request must not be answered with a cloud link. `filter` is the request's
-// lpstrFilter list and may be null.
+// Whether this request must not be answered with a cloud link; asked on the open-file-name road
+// only. `url` is not null. `filter` is the request's lpstrFilter list and may be null.
 bool IsLinkForbidden(const wchar_t* url, const wchar_t* filter);
 
-}  // namespace obwmv
+} // namespace obwmv

@@ -22,4 +22,4 @@ MappedExchangeBlock CreateExchangeBlock(std::uint32_t id, ObLib::UniqueKernelHan
 // Host side. Null, with an empty `mapping`, when there is no block of that id.
 MappedExchangeBlock OpenExchangeBlock(std::uint32_t id, ObLib::UniqueKernelHandle& mapping);
 
-}  // namespace obcore
+} // namespace obcore

@@ -17,4 +17,4 @@ void WriteOpenFileNameRequest(ExchangeBlock& block, const OPENFILENAMEW& request
 // everything that isn't carried left null. Offsets outside the block count as absent.
 OPENFILENAMEW ReadOpenFileNameRequest(ExchangeBlock& block, HWND owner);
 
-}  // namespace obcore
+} // namespace obcore

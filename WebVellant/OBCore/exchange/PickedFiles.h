@@ -11,9 +11,9 @@
 namespace obcore {
 
 struct PickedFiles {
-    std::uint8_t flag = 0;            // carried along, nothing reads it
-    std::wstring folder;              // always empty as the host writes it today
-    std::vector<std::wstring> paths;  // full paths in the order of the block
+    std::uint8_t flag = 0;           // carried along, nothing reads it
+    std::wstring folder;             // always empty as the host writes it today
+    std::vector<std::wstring> paths; // full paths in the order of the block
 };
 
 // From the caller's dialog object, compared as an unsigned number, to what was picked in it. The
@@ -28,4 +28,4 @@ inline std::uint64_t ResultKey(const IFileDialog* dialog) noexcept {
 // most one result. No lock: a browser shows one such dialog at a time per process.
 ResultMap& Results() noexcept;
 
-}  // namespace obcore
+} // namespace obcore
