@@ -5,14 +5,18 @@
 #include <cwchar>
 
 namespace ObLib {
+namespace {
+
+constexpr unsigned kStackCookieCheckFailure = 2;
+
+} // namespace
 
 void FailFast() noexcept {
-    EXCEPTION_RECORD record{};
-    record.ExceptionCode = 0xC0000409; // STATUS_STACK_BUFFER_OVERRUN
-    record.ExceptionFlags = EXCEPTION_NONCONTINUABLE;
-    RaiseFailFastException(&record, nullptr, 0);
-    // A system without that call comes back from it.
-    TerminateProcess(GetCurrentProcess(), record.ExceptionCode);
+    // The fail-fast interrupt of the platform, with its reason code for a stack buffer overrun: no
+    // handler of the process is run.
+    asm volatile("int $0x29" : : "c"(kStackCookieCheckFailure));
+    // A system that doesn't know the interrupt comes back from it.
+    TerminateProcess(GetCurrentProcess(), 0xC0000409);
     for (;;) Sleep(INFINITE);
 }
 

@@ -16,6 +16,10 @@ void ShowStringWarning(HWND window, UINT id) {
     ShowMessage(window, LoadText(id).c_str(), MB_ICONEXCLAMATION);
 }
 
+void ShowStringBox(HWND window, TextId id) { ShowStringBox(window, static_cast<UINT>(id)); }
+
+void ShowStringWarning(HWND window, TextId id) { ShowStringWarning(window, static_cast<UINT>(id)); }
+
 void ShowAssertion(const char* expression, const char* source, int line) {
     char text[4096];
     std::snprintf(text, sizeof(text), "Pid: %d Tid: %d\nExpr: %s\nFile: %s\nLine: %d",
@@ -24,4 +28,4 @@ void ShowAssertion(const char* expression, const char* source, int line) {
     MessageBoxA(nullptr, text, "Assert Error", MB_ICONEXCLAMATION);
 }
 
-} // namespace obcore
+}  // namespace obcore

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include "OBCore/modules/TextIds.h"
+
 namespace obcore {
 
 inline constexpr wchar_t kMessageCaption[] = L"Ombrix Vellant";
@@ -12,6 +14,8 @@ inline constexpr wchar_t kMessageCaption[] = L"Ombrix Vellant";
 void ShowMessage(HWND window, const wchar_t* text, UINT style = MB_OK);
 
 // Loads a text of up to 512 characters and shows it in a plain box, or with the warning icon.
+void ShowStringBox(HWND window, TextId id);
+void ShowStringWarning(HWND window, TextId id);
 void ShowStringBox(HWND window, UINT id);
 void ShowStringWarning(HWND window, UINT id);
 
@@ -26,4 +30,4 @@ inline bool Check(bool holds, const char* expression, const char* source, int li
     return holds;
 }
 
-} // namespace obcore
+}  // namespace obcore

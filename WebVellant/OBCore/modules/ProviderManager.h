@@ -51,5 +51,5 @@ struct OnCloudProvider {
 
 #undef OB_NAME_SLOT
 
-} // namespace slots
-} // namespace obcore
+}  // namespace slots
+}  // namespace obcore

@@ -12,7 +12,7 @@ namespace {
 // the order.
 HMODULE boundModule = nullptr;
 
-} // namespace
+}  // namespace
 
 bool BindResourceModule() {
     if (boundModule) return true;
@@ -36,4 +36,8 @@ std::wstring LoadText(UINT id, int capacity) {
     return std::wstring(buffer.data(), static_cast<std::size_t>(length));
 }
 
-} // namespace obcore
+std::wstring LoadText(TextId id, int capacity) {
+    return LoadText(static_cast<UINT>(id), capacity);
+}
+
+}  // namespace obcore

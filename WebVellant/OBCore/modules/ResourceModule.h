@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "OBCore/modules/TextIds.h"
+
 namespace obcore {
 
 // Binds the module if it isn't bound yet. False when the own path can't be had whole or the file
@@ -21,6 +23,9 @@ void FreeResourceModule() noexcept;
 
 // The text `id`, cut to `capacity` - 1 wide characters; empty when the module isn't bound or has no
 // such text.
+std::wstring LoadText(TextId id, int capacity = 512);
+
+// Older form of the same: takes the number.
 std::wstring LoadText(UINT id, int capacity = 512);
 
-} // namespace obcore
+}  // namespace obcore

@@ -1,0 +1,39 @@
+// The texts that the code loads, by id. A test loads every one of them.
+#pragma once
+
+#include <windows.h>
+
+namespace obcore {
+
+#define OB_TEXT_IDS(TEXT)                                                                          \
+    TEXT(ChoiceZip, 101)                                                                           \
+    TEXT(ChoiceZipAndEncrypt, 102)                                                                 \
+    TEXT(ChoiceNoZip, 103)                                                                         \
+    TEXT(OneFileOnly, 104)                                                                         \
+    TEXT(ZipFailed, 129)                                                                           \
+    TEXT(AllFiles, 140)                                                                            \
+    TEXT(TransformProgress, 141)                                                                   \
+    TEXT(PublicKeyUnusable, 161)                                                                   \
+    TEXT(ConvertPdf, 180)                                                                          \
+    TEXT(Watermark, 181)                                                                           \
+    TEXT(ResizeImages, 182)                                                                        \
+    TEXT(CloudButton, 183)                                                                         \
+    TEXT(ConvertPhotos, 184)                                                                       \
+    TEXT(RemoveInfo, 185)                                                                          \
+    TEXT(CombinePdfs, 186)                                                                         \
+    TEXT(SignPdfs, 187)                                                                            \
+    TEXT(ConvertFromPdf, 188)
+
+enum class TextId : UINT {
+#define OB_NAME_TEXT(name, id) name = id,
+    OB_TEXT_IDS(OB_NAME_TEXT)
+#undef OB_NAME_TEXT
+};
+
+inline constexpr TextId kAllTextIds[] = {
+#define OB_LIST_TEXT(name, id) TextId::name,
+    OB_TEXT_IDS(OB_LIST_TEXT)
+#undef OB_LIST_TEXT
+};
+
+}  // namespace obcore
