@@ -18,4 +18,4 @@ BOOL OpenFileNameDriver(OPENFILENAMEW* request, ExchangeBlock& block);
 // Dialog road: the HRESULT for ExchangeBlock::Result. COM is initialised by the host.
 HRESULT DialogDriver(HWND owner, ExchangeBlock& block);
 
-}  // namespace obcore
+} // namespace obcore

@@ -1,0 +1,49 @@
+// What is put into the dialog past its customisation interface: the button beside the file types
+// that picks from the cloud, and the picture in the bottom strip.
+//
+// In this version neither window hook has a procedure, so neither is installed: each says so as a
+// hook does that the system refused, and the dialog shows without the two.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/ProviderManager.h"
+
+namespace obcore {
+
+// The record of the cloud button: an object on the driver's stack, for the one thread that shows
+// the dialog. The windows belong to the dialog. The field order is fixed.
+struct CloudButtonHook {
+    ObLib::UniqueWindowHook hook; // empty once it has fired or been removed
+    ProviderManagerHandle providerManager = nullptr;
+    HWND button = nullptr;
+    HWND dialog = nullptr;
+    HWND ok_button_ = nullptr; // the dialog's first child of class "Button"
+    HWND combobox_ = nullptr;  // the file name box
+    std::int32_t minimumWidth = 0;
+    std::wstring linkText; // output: what the cloud picker produced
+};
+
+// Both hooks of one dialog. Installed just before Show and removed right after it, on the same
+// thread, also when an exception passes.
+class PickerHooks {
+public:
+    // A hook that can't be installed is only traced.
+    explicit PickerHooks(ProviderManagerHandle manager);
+    PickerHooks(const PickerHooks&) = delete;
+    PickerHooks& operator=(const PickerHooks&) = delete;
+    ~PickerHooks() = default;
+
+    // Moves the link text of the cloud button, if it has any, to `text`.
+    void MoveLinkText(std::wstring& text);
+
+private:
+    ObLib::UniqueWindowHook logo_;
+    CloudButtonHook cloud_;
+};
+
+} // namespace obcore
