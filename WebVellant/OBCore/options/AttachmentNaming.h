@@ -17,5 +17,5 @@ namespace CompressUtils {
 // than 300 characters that has to give its own name ends the process.
 bool BuildAttachmentName(const OBAttachJob& job, std::wstring& name);
 
-}  // namespace CompressUtils
-}  // namespace obcore
+} // namespace CompressUtils
+} // namespace obcore

@@ -31,46 +31,46 @@ struct OBOptions {
     bool AutoConvertPDF = false;
     bool AutoCombinePDFs = false;
     bool AutoWatermark = false;
-    bool AlwaysEncrypt = false;  // machine policy only
+    bool AlwaysEncrypt = false; // machine policy only
     bool AutoEncrypt = false;
-    bool SendItemLocked = false;  // AdminSendItem fixed SendItem
-    std::uint32_t EncryptionMethod = kEncryptionMethodAes128;  // a bit of AllowedEncryptMethods
+    bool SendItemLocked = false;                              // AdminSendItem fixed SendItem
+    std::uint32_t EncryptionMethod = kEncryptionMethodAes128; // a bit of AllowedEncryptMethods
     bool AutoResizeImages = false;
     bool AutoConvertPhotos = false;
     bool AutoRemoveInfo = false;
     bool AutoSignPDFs = false;
     bool AutoConvertFromPDF = false;
-    std::wstring DefaultZipName = kDefaultZipName;  // base name of a zip of several files
+    std::wstring DefaultZipName = kDefaultZipName; // base name of a zip of several files
     bool UseAltExt = false;
-    std::wstring AltExt;       // without a leading point
-    std::wstring ExcludedExt;  // semicolon-separated; loaded and saved, read by nobody
+    std::wstring AltExt;      // without a leading point
+    std::wstring ExcludedExt; // semicolon-separated; loaded and saved, read by nobody
     std::uint32_t CompressionMethod = kCompressionDeflate;
     bool DuplicateReferences = false;
     NameAppendKind NameAppend = NameAppendKind::None;
     bool SingleAttachFileName = true;
-    bool SingleAttachConversion = false;  // the loader's default is on
+    bool SingleAttachConversion = false; // the loader's default is on
     bool UpdateCheckEnabled = true;
-    std::uint32_t UpdateCheckIntervalDays = 1;  // 1 or 7
-    std::wstring LastUpdateCheck;               // "%d/%d/%d": month, day, year; nobody writes it
+    std::uint32_t UpdateCheckIntervalDays = 1; // 1 or 7
+    std::wstring LastUpdateCheck;              // "%d/%d/%d": month, day, year; nobody writes it
     bool DisableMsgEditZipOption = false;
     bool DisableCloudServices = false;
     bool NoEncryption = false;
     bool NoUpdateChecking = false;
     bool DisableWebVellant = false;
-    std::uint16_t AllowedEncryptMethods = 0;  // 0: no encryption is possible
+    std::uint16_t AllowedEncryptMethods = 0; // 0: no encryption is possible
     AdminSendItemKind AdminSendItem = AdminSendItemKind::None;
     bool HasEntCertificate = false;
-    std::uint32_t PublicKeyResult = 0;  // 1 is success
-    std::wstring PublicKeyText;         // empty unless PublicKeyResult is 1
+    std::uint32_t PublicKeyResult = 0; // 1 is success
+    std::wstring PublicKeyText;        // empty unless PublicKeyResult is 1
     SendSettingKind SendSetting = SendSettingKind::WhenLarger;
-    std::uint32_t MinimumSize = 5;              // megabytes
-    std::uint32_t MinimumSizeBytes = 0x500000;  // MinimumSize << 20, computed, never stored
-    std::uint32_t ServiceId = 2;                // carried and saved, not interpreted
+    std::uint32_t MinimumSize = 5;             // megabytes
+    std::uint32_t MinimumSizeBytes = 0x500000; // MinimumSize << 20, computed, never stored
+    std::uint32_t ServiceId = 2;               // carried and saved, not interpreted
     bool ExpireFilesAvailable = false;
     bool ExpireFiles = false;
     std::uint32_t S4DelExpireDays = 30;
-    LANGID UILanguage = 0;                          // 0: none is set
-    ProviderManagerHandle ProviderManager = nullptr;  // not owned; set before Load
+    LANGID UILanguage = 0;                           // 0: none is set
+    ProviderManagerHandle ProviderManager = nullptr; // not owned; set before Load
 
     // Fills the record from the registry of machine and user and repairs it. LoadArchiveService()
     // must have succeeded. Transforms count only when ProviderManager is set and initialised.
@@ -95,4 +95,4 @@ struct OBOptions {
     bool CloudServicesUnavailable();
 };
 
-}  // namespace obcore
+} // namespace obcore

@@ -19,4 +19,4 @@ void ReportUsage(const OBAttachJob& job);
 // Sends "feature.cloud" with a provider's display name.
 void ReportCloudUse(const std::wstring& displayName);
 
-}  // namespace obcore
+} // namespace obcore

@@ -1,0 +1,51 @@
+#include "OBCore/options/OBAttachJob.h"
+
+#include <psapi.h>
+
+#include "OBCore/modules/ProviderManager.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+
+namespace obcore {
+namespace {
+
+constexpr DWORD kImagePathCapacity = 260; // wide characters
+
+// The parent is the picker's own window; the browser is behind the window that owns it.
+DWORD BrowserProcess(HWND parent) {
+    const HWND owner = GetWindow(parent, GW_OWNER);
+    DWORD process = 0;
+    GetWindowThreadProcessId(owner ? owner : parent, &process);
+    return process;
+}
+
+// Empty when the browser's process can't be opened.
+std::wstring BrowserImage(HWND parent) {
+    const ObLib::UniqueKernelHandle process(
+        OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, BrowserProcess(parent)));
+    if (!process) return {};
+    wchar_t path[kImagePathCapacity] = {};
+    const DWORD length = K32GetProcessImageFileNameW(process.Get(), path, kImagePathCapacity);
+    return std::wstring(path, length);
+}
+
+} // namespace
+
+// The manager comes last, when nothing can throw any more that would leave it behind.
+OBAttachJob::OBAttachJob(const OBOptions& options, HWND parent)
+    : OBOptions(options), ParentWindow(parent), BrowserImagePath(BrowserImage(parent)) {
+    OwnedProviderManager = obcore::ProviderManager().CreateObExtensionsManager();
+    ProviderManager = OwnedProviderManager;
+}
+
+OBAttachJob::~OBAttachJob() {
+    if (OwnedProviderManager) {
+        obcore::ProviderManager().DeleteObExtensionsManager(OwnedProviderManager);
+    }
+}
+
+OBAttachJob& OBAttachJob::operator=(const OBOptions& options) {
+    OBOptions::operator=(options);
+    return *this;
+}
+
+} // namespace obcore

@@ -1,0 +1,42 @@
+#include "OBCore/options/TransformOptions.h"
+
+#include <io.h>
+
+#include "OBCore/modules/OwnModule.h"
+#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/options/SettingsStore.h"
+
+namespace obcore {
+namespace {
+
+// A path that can't be had counts as a file that isn't there.
+bool LiesBesideThisLibrary(const wchar_t* fileName) {
+    constexpr int kExists = 0;
+    const auto path = PathBesideOwnModule(fileName);
+    return path && _waccess(path->c_str(), kExists) == 0;
+}
+
+bool IsAvailable(const TransformOption& transform, ProviderManagerHandle manager) {
+    if (transform.extraFile && !LiesBesideThisLibrary(transform.extraFile)) return false;
+    if (!manager) return false;
+    const auto id = static_cast<std::uint32_t>(transform.provider);
+    return ProviderManager().IsProviderSupport(manager, id, ProviderKind::Transform) != 0;
+}
+
+} // namespace
+
+void LoadTransformOptions(HKEY userKey, OBOptions& options) {
+    for (const TransformOption& transform : kTransformOptions) {
+        bool wanted = false;
+        if (!ReadSwitch(userKey, transform.value, wanted)) continue;
+        options.*transform.field = wanted && IsAvailable(transform, options.ProviderManager);
+    }
+}
+
+void SaveTransformOptions(HKEY userKey, const OBOptions& options) {
+    for (const TransformOption& transform : kTransformOptions) {
+        WriteSwitch(userKey, transform.value, options.*transform.field);
+    }
+}
+
+} // namespace obcore
