@@ -1,0 +1,57 @@
+#include "OBCore/files/WorkingCopy.h"
+
+#include <windows.h>
+
+#include "OBCore/files/Paths.h"
+#include "OBCore/files/Wipe.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+
+namespace obcore {
+namespace {
+
+bool IsSelfOrParent(const wchar_t* name) {
+    const std::wstring_view entry = name;
+    return entry == L"." || entry == L"..";
+}
+
+// A copy inherits the mark of a write-protected source, and such a file can't be deleted.
+void DeleteCopy(const std::wstring& file) {
+    if (DeleteFileW(file.c_str()) || GetLastError() != ERROR_ACCESS_DENIED) return;
+    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+    DeleteFileW(file.c_str());
+}
+
+} // namespace
+
+namespace CompressUtils {
+
+void CollectFolderFiles(const std::wstring& folder, std::vector<std::wstring>& files) {
+    WIN32_FIND_DATAW entry;
+    const ObLib::UniqueFindHandle search(FindFirstFileW(CombinePath(folder, L"*").c_str(), &entry));
+    if (!search) return;
+    do {
+        const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        if (isFolder && IsSelfOrParent(entry.cFileName)) continue;
+        const std::wstring path = CombinePath(folder, entry.cFileName);
+        if (isFolder) {
+            CollectFolderFiles(path, files);
+        } else {
+            files.push_back(path);
+        }
+    } while (FindNextFileW(search.Get(), &entry));
+}
+
+void CleanupWorkingCopy(const WorkingCopy& copy) {
+    if (!copy.HasFolder) return;
+    std::vector<std::wstring> files;
+    CollectFolderFiles(copy.Folder, files);
+    std::vector<std::wstring> folders = {copy.Folder};
+    WipeFiles(files, folders);
+    for (const std::wstring& file : files) DeleteCopy(file);
+    // Fails while a wipe program that was just started still has files in it, and removes the
+    // folder itself then.
+    RemoveDirectoryW(copy.Folder.c_str());
+}
+
+} // namespace CompressUtils
+} // namespace obcore

@@ -1,0 +1,28 @@
+// The copies that a run works on, and how they go away again.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace obcore {
+
+// A run's local record of what it copied.
+struct WorkingCopy {
+    bool HasFolder = false;          // the run has a temporary folder of its own
+    std::wstring Folder;             // that folder, with its trailing backslash
+    std::vector<std::wstring> Files; // the picked paths, then their copies
+};
+
+namespace CompressUtils {
+
+// Adds every file below `folder`, subfolders included, in the order of the file system. A folder
+// that can't be searched adds nothing.
+void CollectFolderFiles(const std::wstring& folder, std::vector<std::wstring>& files);
+
+// Clears a run's temporary folder: by the wipe program, which works on after this call, or by plain
+// deletion, which leaves subfolders. Without a folder nothing is searched and nothing is deleted.
+// What can't be removed stays, without a message.
+void CleanupWorkingCopy(const WorkingCopy& copy);
+
+} // namespace CompressUtils
+} // namespace obcore
