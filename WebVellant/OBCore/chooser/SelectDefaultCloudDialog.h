@@ -11,4 +11,4 @@ namespace obcore {
 // then stands in job.SelectedStorageProvider. False leaves that record as it was.
 bool ShowSelectDefaultCloudDialog(HWND owner, OBAttachJob& job);
 
-}  // namespace obcore
+} // namespace obcore

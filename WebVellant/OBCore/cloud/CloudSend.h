@@ -15,4 +15,4 @@ namespace obcore {
 bool RunCloudSend(OBAttachJob& job, std::wstring& linkText, std::int64_t totalSize,
                   ProviderProfile& profile);
 
-}  // namespace obcore
+} // namespace obcore

@@ -17,4 +17,4 @@ bool RunTransforms(OBAttachJob& job, std::vector<std::wstring>& files, const std
 // True when the copy stands, false to stop.
 bool TransformSingleFile(OBAttachJob& job, const std::vector<std::wstring>& files);
 
-}  // namespace obcore::CompressUtils
+} // namespace obcore::CompressUtils

@@ -1,0 +1,42 @@
+// What the exports share: exceptions end here, and a manager without a session has one answer.
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+
+#include "contracts/ProviderManager.h"
+#include "services/providers/Manager.h"
+
+// A row of the contract's table against the function of that name: the compiler refuses an export
+// whose signature isn't the contract's.
+#define PROVIDERS_CHECK_ENTRY(name, result, arguments)                                             \
+    static_assert(std::is_same_v<decltype(&name), decltype(obcore::ProviderManagerEntries::name)>);
+
+namespace providers {
+
+// Runs an export's work; `otherwise` is what the caller gets when it throws.
+template <class Result, class Work>
+Result Guarded(Result otherwise, Work work) noexcept {
+    try {
+        return work();
+    } catch (...) {
+        return otherwise;
+    }
+}
+
+// The same on the session of a manager, and `otherwise` also for a null manager and outside Init
+// and Deinit.
+template <class Result, class Work>
+Result InSession(obcore::ProviderManagerHandle manager, Result otherwise, Work work) noexcept {
+    Session* session = manager ? manager->Session() : nullptr;
+    if (!session) return otherwise;
+    return Guarded(otherwise, [&] { return static_cast<Result>(work(*session)); });
+}
+
+// Makes the caller's place for a text an empty text.
+template <class Capacity>
+void ClearText(wchar_t* buffer, const Capacity* capacity) noexcept {
+    if (buffer && capacity && *capacity > 0) buffer[0] = L'\0';
+}
+
+} // namespace providers
