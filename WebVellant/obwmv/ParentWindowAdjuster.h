@@ -34,10 +34,15 @@ public:
     ~ParentWindowAdjuster();
 
 private:
+    void BeginMoved();
+    void EndMoved();
+    void BeginFake();
+    void EndFake();
+
     HWND* window_;
-    HWND old_window_;
-    HWND new_window_ = nullptr;
-    RECT saved_{};
+    HWND old_window_;           // null: the owner is a fake, which this object destroys
+    HWND new_window_ = nullptr; // what was moved or made; null when nothing was
+    RECT saved_{};              // where the moved window stood
 };
 
-}  // namespace obwmv
+} // namespace obwmv

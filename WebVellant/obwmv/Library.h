@@ -1,0 +1,36 @@
+// The library's own life in a process, and the activation context in which its windows are made.
+#pragma once
+
+#include <windows.h>
+
+namespace obwmv {
+
+// On process attach, under the loader's lock: keeps the activation context that is current while
+// the library loads, which carries its manifest (common controls of version 6), and enters the
+// module in AppGlobals(). Nothing else happens at that point.
+void OnProcessAttach(HMODULE module);
+
+// On process detach: frees the sister modules that are bound, then the resource module.
+void OnProcessDetach() noexcept;
+
+// The context that OnProcessAttach kept; null stands for the one of the process.
+HANDLE LibraryActivationContext() noexcept;
+
+// Runs a scope in the library's activation context. Lives on the stack of one thread, and scopes
+// of a thread nest. What was done in the scope isn't undone by it but for the context.
+class [[nodiscard]] ActivationScope {
+public:
+    ActivationScope() noexcept;
+    ActivationScope(const ActivationScope&) = delete;
+    ActivationScope& operator=(const ActivationScope&) = delete;
+    ~ActivationScope();
+
+    // False when the context couldn't be activated; the scope then ends without a step.
+    explicit operator bool() const noexcept { return active_; }
+
+private:
+    ULONG_PTR cookie_ = 0;
+    bool active_;
+};
+
+} // namespace obwmv

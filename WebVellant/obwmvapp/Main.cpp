@@ -1,0 +1,50 @@
+// The host process: serves one request of one browser with the library that lies beside it, and
+// ends with that library's result.
+#include <windows.h>
+
+#include <objbase.h>
+#include <shlwapi.h>
+
+#include "ObLib/Src/Win32/ScopeExit.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "obwmv/Exports.h"
+#include "obwmvapp/HostCommandLine.h"
+
+namespace {
+
+constexpr int kFailed = -1;
+constexpr wchar_t kLibraryName[] = L"obwmcore64.dll";
+
+// From this program's own folder and by its full path, never from a search path.
+ObLib::UniqueModule LoadLibraryBesideProgram() {
+    wchar_t path[MAX_PATH];
+    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    if (length == 0 || length == MAX_PATH) return {};
+    if (!PathRemoveFileSpecW(path) || !PathAppendW(path, kLibraryName)) return {};
+    return ObLib::UniqueModule(LoadLibraryW(path));
+}
+
+int Serve(const obwmvapp::HostRequest& request) {
+    ObLib::UniqueModule library = LoadLibraryBesideProgram();
+    if (!library) return kFailed;
+    using Show = decltype(&ShowFileOpenDialogInProcess);
+    const FARPROC entry = GetProcAddress(library.Get(), "ShowFileOpenDialogInProcess");
+    // The library stays until the process ends: the shell may hold on to threads and windows whose
+    // code lies in it, and the answer stands whatever they do.
+    static_cast<void>(library.Release());
+    if (!entry) return kFailed;
+    return reinterpret_cast<Show>(reinterpret_cast<void*>(entry))(request.owner, request.id);
+}
+
+} // namespace
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, wchar_t*, int) {
+    const auto request = obwmvapp::ParseHostCommandLine(GetCommandLineW());
+    if (!request) return kFailed;
+    // The dialog road makes its dialog first thing and expects COM on this thread.
+    if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {
+        return kFailed;
+    }
+    const ObLib::ScopeExit uninitialise([] { CoUninitialize(); });
+    return Serve(*request);
+}
