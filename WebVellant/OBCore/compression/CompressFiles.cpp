@@ -1,0 +1,79 @@
+#include "OBCore/compression/CompressFiles.h"
+
+#include "OBCore/compression/UniqueZipContext.h"
+#include "OBCore/compression/ZipEncryption.h"
+#include "OBCore/files/Paths.h"
+#include "OBCore/files/TemporaryFolders.h"
+#include "OBCore/modules/Messages.h"
+#include "OBCore/modules/ObTrace.h"
+#include "OBCore/options/AttachmentNaming.h"
+
+namespace obcore {
+namespace {
+
+constexpr std::uint32_t kZipStands = 0;
+
+// Where the zip is to lie.
+struct ZipTarget {
+    std::wstring Name;   // file name
+    std::wstring Folder; // its own folder, with its trailing backslash
+    std::wstring Path;   // full path
+};
+
+UniqueZipContext MakeContext(const std::vector<std::wstring>& files) {
+    UniqueZipContext context(ArchiveService().CreateZipContext());
+    for (const std::wstring& file : files) ArchiveService().AddFileW(context.Get(), file.c_str());
+    return context;
+}
+
+void NameZip(const UniqueZipContext& context, ZipTarget& target) {
+    target.Path = CombinePath(target.Folder, target.Name);
+    ObTrace("SetZipName: %S", target.Path.c_str());
+    ArchiveService().SetZipNameW(context.Get(), target.Path.c_str());
+    ObTrace("SetTempFolder: %S", target.Folder.c_str());
+    ArchiveService().SetTempFolderW(context.Get(), target.Folder.c_str());
+}
+
+// Ends the context in both cases. A failed run leaves the folder.
+bool RunEngine(const OBAttachJob& job, UniqueZipContext context) {
+    ArchiveService().SetCompression(context.Get(), job.CompressionMethod);
+    ArchiveService().SetDuplicateReferences(context.Get(), job.DuplicateReferences ? 1 : 0);
+    const bool stands = ArchiveService().Zip(job.ParentWindow, context.Get()) == kZipStands;
+    context.Reset();
+    if (!stands) ShowStringBox(job.ParentWindow, TextId::ZipFailed);
+    return stands;
+}
+
+void NoteResult(OBAttachJob& job, const ZipTarget& target) {
+    job.CleanupFile = target.Path;
+    job.CleanupFolder = target.Folder;
+    job.ResultFolder = target.Folder;
+    job.ResultName = target.Name;
+    job.ResultPath = target.Path;
+    ObTrace("ZipResult: %S", job.ResultPath.c_str());
+    job.ResultIsArchive = true;
+    job.Usage.UsageZipx = job.CompressionMethod == kCompressionZipx;
+}
+
+} // namespace
+
+namespace CompressUtils {
+
+bool CompressFiles(OBAttachJob& job) {
+    ZipTarget target;
+    if (!BuildAttachmentName(job, target.Name)) return false;
+    if (!GetTemporaryFolder(target.Folder)) return false;
+    if (!job.SendItem && !job.AutoEncrypt) return true;
+    job.Usage.UsageZipped = true;
+    // Where no folder can be made, the engine fails to write and tells so.
+    CreateUniqueTempFolder(target.Folder);
+    UniqueZipContext context = MakeContext(job.Files);
+    NameZip(context, target);
+    if (!SetUpEncryption(job, context, target.Folder)) return false;
+    if (!RunEngine(job, std::move(context))) return false;
+    NoteResult(job, target);
+    return true;
+}
+
+} // namespace CompressUtils
+} // namespace obcore
