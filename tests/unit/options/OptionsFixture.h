@@ -1,0 +1,44 @@
+// What the suites of the options share: an empty registry, silent stand-ins, both modules bound.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ServiceLibrary.h"
+#include "OBCore/options/OBOptions.h"
+#include "tests/support/ProductRegistry.h"
+#include "tests/support/StandIns.h"
+
+class OptionsFixture : public testing::Test {
+protected:
+    void SetUp() override {
+        obtest::ClearProductRegistry();
+        obtest::StandIns::Reset();
+        ASSERT_TRUE(obcore::LoadArchiveService());
+        ASSERT_TRUE(obcore::LoadProviderManager());
+    }
+
+    static obcore::OBOptions Loaded(obcore::ProviderManagerHandle manager = nullptr) {
+        obcore::OBOptions options;
+        options.ProviderManager = manager;
+        options.Load();
+        return options;
+    }
+};
+
+// A manager of the stand-in, ready to be asked.
+class TestManager {
+public:
+    TestManager() : handle_(obcore::ProviderManager().CreateObExtensionsManager()) {
+        const auto hive = reinterpret_cast<std::int64_t>(HKEY_CURRENT_USER);
+        obcore::ProviderManager().Init(handle_, hive, obcore::kProviderManagerKey);
+    }
+    ~TestManager() { obcore::ProviderManager().DeleteObExtensionsManager(handle_); }
+    TestManager(const TestManager&) = delete;
+    TestManager& operator=(const TestManager&) = delete;
+
+    obcore::ProviderManagerHandle Get() const { return handle_; }
+
+private:
+    obcore::ProviderManagerHandle handle_;
+};

@@ -1,0 +1,169 @@
+#include "OBCore/usage/UsageEvents.h"
+
+#include <gtest/gtest.h>
+
+#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ServiceLibrary.h"
+#include "tests/support/StandIns.h"
+#include "tests/support/TestFolder.h"
+
+namespace {
+
+using obcore::OBAttachJob;
+using obcore::ReportFileSend;
+using obcore::UsageFlags;
+using obtest::StandIns;
+
+using Calls = std::vector<std::wstring>;
+
+std::wstring Event(const std::wstring& feature, const std::wstring& text) {
+    return L"LogAppletFeature(\"" + feature + L"\", \"" + text + L"\")";
+}
+
+bool IsFailFast(int code) { return static_cast<DWORD>(code) == 0xC0000409; }
+
+class UsageEvents : public testing::Test {
+protected:
+    void SetUp() override {
+        StandIns::Reset();
+        ASSERT_TRUE(obcore::LoadProviderManager());
+    }
+
+    // The events of a job whose browser has this image.
+    static Calls EventsOfJob(const std::wstring& image) {
+        OBAttachJob job(obcore::OBOptions{}, nullptr);
+        job.BrowserImagePath = image;
+        StandIns::ForgetCalls();
+        obcore::ReportUsage(job);
+        return StandIns::Calls();
+    }
+};
+
+TEST_F(UsageEvents, TellEverySendByItsFlags) {
+    struct Row {
+        UsageFlags flags;
+        const wchar_t* text;
+    };
+    const Row rows[] = {
+        {{}, L"file-send.type=attachment|file-send.expiry=no"},
+        {{.UsageLink = true}, L"file-send.type=link|file-send.expiry=no"},
+        {{.UsageExpiry = true, .UsageLink = true}, L"file-send.type=link|file-send.expiry=yes"},
+        {{.UsageZipped = true},
+         L"file-send.type=attachment|file-send.encryption=no|file-send.compression=zip|"
+         L"file-send.expiry=no"},
+        {{.UsageZipped = true, .UsageEncrypted = true},
+         L"file-send.type=attachment|file-send.encryption=yes|file-send.compression=zip|"
+         L"file-send.expiry=no"},
+        {{.UsageZipped = true, .UsageZipx = true},
+         L"file-send.type=attachment|file-send.encryption=no|file-send.compression=zipx|"
+         L"file-send.expiry=no"},
+        {{.UsageZipped = true,
+          .UsageZipx = true,
+          .UsageExpiry = true,
+          .UsageEncrypted = true,
+          .UsageLink = true},
+         L"file-send.type=link|file-send.encryption=yes|file-send.compression=zipx|"
+         L"file-send.expiry=yes"},
+        // Without a zip nothing is told of its kind.
+        {{.UsageZipx = true, .UsageEncrypted = true},
+         L"file-send.type=attachment|file-send.expiry=no"},
+    };
+    for (const Row& row : rows) {
+        StandIns::ForgetCalls();
+        ReportFileSend(row.flags, L"");
+        EXPECT_EQ(Calls({Event(L"feature.file-send", row.text)}), StandIns::Calls());
+    }
+}
+
+TEST_F(UsageEvents, TellTheSourceBehindTheSend) {
+    ReportFileSend({}, L"\\Device\\HarddiskVolume1\\b\\chrome.exe");
+    EXPECT_EQ(Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.expiry=no"),
+                     Event(L"feature.email-share",
+                           L"email-share.source=\\Device\\HarddiskVolume1\\b\\chrome.exe")}),
+              StandIns::Calls());
+}
+
+TEST_F(UsageEvents, TellTheShortNameOfAJobsBrowser) {
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
+        {L"\\Device\\HarddiskVolume1\\b\\chrome.exe", L"chrome"},
+        {L"C:\\a.b\\my.browser.exe", L"my.browser"},
+        {L"\\x.", L"x"},
+    };
+    for (const auto& [image, source] : rows) {
+        const Calls calls = EventsOfJob(image);
+        ASSERT_EQ(2u, calls.size());
+        EXPECT_EQ(Event(L"feature.email-share", std::wstring(L"email-share.source=") + source),
+                  calls[1]);
+    }
+}
+
+TEST_F(UsageEvents, TellNoSourceWhenTheBrowserHasNoShortName) {
+    for (const wchar_t* image :
+         {L"", L"C:\\programs\\firefox", L"C:\\a.b\\firefox", L"chrome.exe", L"C:\\a\\.exe"}) {
+        EXPECT_EQ(1u, EventsOfJob(image).size()) << image;
+    }
+}
+
+TEST_F(UsageEvents, TellAJobsOwnFlags) {
+    OBAttachJob job(obcore::OBOptions{}, nullptr);
+    job.Usage.UsageZipped = true;
+    job.Usage.UsageZipx = true;
+    StandIns::ForgetCalls();
+    obcore::ReportUsage(job);
+    EXPECT_EQ(
+        Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.encryption=no|"
+                                           L"file-send.compression=zipx|file-send.expiry=no")}),
+        StandIns::Calls());
+}
+
+TEST_F(UsageEvents, TellTheCloudServiceByItsName) {
+    obcore::ReportCloudUse(L"My Cloud");
+    obcore::ReportCloudUse(L"");
+    EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud"),
+                     Event(L"feature.cloud", L"cloud.name=")}),
+              StandIns::Calls());
+}
+
+TEST_F(UsageEvents, TellAPickFromTheCloudInTwoEvents) {
+    obcore::ReportCloudUse(L"My Cloud");
+    ReportFileSend({.UsageLink = true}, L"");
+    EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud"),
+                     Event(L"feature.file-send", L"file-send.type=link|file-send.expiry=no")}),
+              StandIns::Calls());
+}
+
+// A text has 259 characters at most; the key of a source takes 19, that of a service 11.
+TEST_F(UsageEvents, HoldTextsThatJustFit) {
+    ReportFileSend({}, std::wstring(240, L's'));
+    obcore::ReportCloudUse(std::wstring(248, L'n'));
+    EXPECT_EQ(3u, StandIns::Calls().size());
+}
+
+TEST_F(UsageEvents, EndTheProcessAtASourceOfOneCharacterMore) {
+    EXPECT_EXIT(ReportFileSend({}, std::wstring(241, L's')), IsFailFast, "");
+}
+
+TEST_F(UsageEvents, EndTheProcessAtAServiceNameOfOneCharacterMore) {
+    EXPECT_EXIT(obcore::ReportCloudUse(std::wstring(249, L'n')), IsFailFast, "");
+}
+
+// The archive service lies where no event finds it, as in a broken installation.
+class UsageEventsWithoutService : public testing::Test {};
+
+TEST_F(UsageEventsWithoutService, ArentSentAndComeBackWithTheService) {
+    StandIns::Reset();
+    ASSERT_TRUE(MoveFileW(L"C:\\app\\obofcsvc64.dll", L"C:\\app\\away.dll"));
+    ASSERT_TRUE(obcore::LoadProviderManager());
+    OBAttachJob job(obcore::OBOptions{}, nullptr);
+    StandIns::ForgetCalls();
+    ReportFileSend({}, L"source");
+    obcore::ReportUsage(job);
+    obcore::ReportCloudUse(L"My Cloud");
+    EXPECT_TRUE(StandIns::Calls().empty());
+
+    ASSERT_TRUE(MoveFileW(L"C:\\app\\away.dll", L"C:\\app\\obofcsvc64.dll"));
+    obcore::ReportCloudUse(L"My Cloud");
+    EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud")}), StandIns::Calls());
+}
+
+} // namespace
