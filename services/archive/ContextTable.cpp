@@ -1,0 +1,23 @@
+#include "services/archive/ContextTable.h"
+
+namespace obarchive {
+
+obcore::ZipContext ContextTable::Create() {
+    const std::lock_guard guard(lock_);
+    jobs_.try_emplace(last_ + 1);
+    return ++last_;
+}
+
+void ContextTable::Destroy(obcore::ZipContext context) {
+    const std::lock_guard guard(lock_);
+    jobs_.erase(context);
+}
+
+std::optional<ZipJob> ContextTable::Copy(obcore::ZipContext context) const {
+    const std::lock_guard guard(lock_);
+    const auto found = jobs_.find(context);
+    if (found == jobs_.end()) return std::nullopt;
+    return found->second;
+}
+
+} // namespace obarchive

@@ -1,0 +1,38 @@
+// The contexts that callers hold: numbers in a table, never addresses, so that a stale or invented
+// one is refused instead of followed.
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <optional>
+
+#include "contracts/ArchiveService.h"
+#include "services/archive/ZipJob.h"
+
+namespace obarchive {
+
+// Any thread. A number is never given twice in a process, and 0 never.
+class ContextTable {
+public:
+    obcore::ZipContext Create();
+
+    // Wipes the password with the job. Unknown contexts are ignored.
+    void Destroy(obcore::ZipContext context);
+
+    // Runs `action(job)` under the table's lock; unknown contexts are ignored.
+    template <class Action>
+    void Change(obcore::ZipContext context, Action action) {
+        const std::lock_guard guard(lock_);
+        if (const auto found = jobs_.find(context); found != jobs_.end()) action(found->second);
+    }
+
+    // The job as it stands now, so that a run is not disturbed by calls from other threads.
+    std::optional<ZipJob> Copy(obcore::ZipContext context) const;
+
+private:
+    mutable std::mutex lock_;
+    std::map<obcore::ZipContext, ZipJob> jobs_;
+    obcore::ZipContext last_ = 0;
+};
+
+} // namespace obarchive

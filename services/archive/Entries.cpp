@@ -1,0 +1,149 @@
+// The 28 entries, each a thin door to what stands behind it. Declared from the contract's own
+// table, so that an entry with other arguments doesn't compile. No exception passes a door.
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+#include "contracts/ArchiveService.h"
+#include "services/archive/ContextTable.h"
+#include "services/archive/FileNameRules.h"
+#include "services/archive/PasswordPrompt.h"
+#include "services/archive/ZipRun.h"
+
+namespace {
+
+using obarchive::ZipJob;
+using obarchive::ZipResult;
+
+obarchive::ContextTable contexts;
+
+template <class Result, class Action>
+Result Guarded(Result onException, Action action) noexcept {
+    try {
+        return action();
+    } catch (...) {
+        return onException;
+    }
+}
+
+// A setting that can't be kept makes the run impossible: the context is dropped, so that Zip
+// refuses rather than runs without it.
+template <class Action>
+void Set(obcore::ZipContext context, Action action) noexcept {
+    try {
+        contexts.Change(context, action);
+    } catch (...) {
+        contexts.Destroy(context);
+    }
+}
+
+std::wstring TextOf(const wchar_t* text) { return text ? text : L""; }
+
+} // namespace
+
+extern "C" {
+using namespace obcore;
+#define OB_DECLARE_EXPORT(name, result, arguments) result name arguments;
+OB_ARCHIVE_SERVICE_ENTRIES(OB_DECLARE_EXPORT)
+#undef OB_DECLARE_EXPORT
+
+ZipContext CreateZipContext() {
+    return Guarded(ZipContext{0}, [] { return contexts.Create(); });
+}
+
+void DestroyZipContext(ZipContext context) { contexts.Destroy(context); }
+
+// The method is chosen before the prompt and not in it.
+std::uint32_t PasswordNewDlg_C(HWND owner, std::uint32_t*, char* password, std::uint32_t capacity) {
+    const auto result = Guarded(obarchive::PromptResult::NotShown, [=] {
+        return obarchive::AskNewPassword(owner, password, capacity);
+    });
+    return static_cast<std::uint32_t>(result);
+}
+
+void SetZipNameW(ZipContext context, const wchar_t* path) {
+    Set(context, [path](ZipJob& job) { job.target = TextOf(path); });
+}
+
+void SetEncrypt(ZipContext context, std::uint32_t method) {
+    Set(context, [method](ZipJob& job) { job.encryptionMethod = method; });
+}
+
+void SetTempFolderW(ZipContext context, const wchar_t* folder) {
+    Set(context, [folder](ZipJob& job) { job.temporaryFolder = TextOf(folder); });
+}
+
+void AddFileW(ZipContext context, const wchar_t* path) {
+    Set(context, [path](ZipJob& job) { job.files.push_back(TextOf(path)); });
+}
+
+void SetPassword(ZipContext context, const char* password) {
+    Set(context, [password](ZipJob& job) { job.password = obarchive::Secret(password); });
+}
+
+void SetCompression(ZipContext context, std::uint32_t method) {
+    Set(context, [method](ZipJob& job) { job.compressionMethod = method; });
+}
+
+void SetDuplicateReferences(ZipContext context, std::uint8_t enabled) {
+    Set(context, [enabled](ZipJob& job) { job.duplicateReferences = enabled != 0; });
+}
+
+// The owner is for what a later version shows while it runs; this one shows nothing.
+std::uint32_t Zip(HWND, ZipContext context) {
+    const auto result = Guarded(ZipResult::Unexpected, [context] {
+        const std::optional<ZipJob> job = contexts.Copy(context);
+        return job ? obarchive::RunZip(*job, {}) : ZipResult::BadContext;
+    });
+    return static_cast<std::uint32_t>(result);
+}
+
+// There is no update service to ask, so nothing is asked and nothing is claimed.
+void CheckForUpdates_VB(HWND, std::uint32_t) {}
+
+// There is no help to show yet.
+void WebHelpW(HWND, const wchar_t*, const wchar_t*) {}
+
+std::uint32_t GetOmbrixFIPSSetting() { return 0; }
+
+std::uint16_t AllowedEncryptMethods() { return kEncryptionMethodAes128 | kEncryptionMethodAes256; }
+
+// Who didn't choose gets the stronger one: it costs a few per cent of the time.
+std::uint16_t DefaultEncryptionMethod() { return kEncryptionMethodAes256; }
+
+// Nothing forbids encryption yet, so there is nothing to warn of.
+std::uint32_t TryToShowWarningOrErrorMessage(HWND, std::uint32_t, std::uint8_t) { return 0; }
+
+// No success: recovery by an administrator's key isn't there yet, and callers then stop with a
+// message of their own.
+std::uint32_t GetPublicKeyResult(char* buffer, std::uint32_t capacity) {
+    if (buffer && capacity != 0) buffer[0] = '\0';
+    return 0;
+}
+
+// Success or a key means that the caller counts on recovery, which Zip then has to refuse.
+void SetPublicKeyResult(ZipContext context, std::uint32_t result) {
+    Set(context, [result](ZipJob& job) { job.recoveryAsked = job.recoveryAsked || result == 1; });
+}
+
+void SetPublicKeyW(ZipContext context, const wchar_t*) {
+    Set(context, [](ZipJob& job) { job.recoveryAsked = true; });
+}
+
+std::uint32_t ValidateFilespecW(const wchar_t* text, std::uint32_t mode) {
+    return static_cast<std::uint32_t>(obarchive::CheckFilespec(text, mode));
+}
+
+// No usage record is kept yet.
+void LogLaunch() {}
+void LogExit() {}
+void LogAppletFeature(const wchar_t*, const wchar_t*) {}
+
+// Bound by callers, never called.
+std::uint32_t PasswordDlg_C() { return 0; }
+void SetImageResize() {}
+void Encrypt_String_VB() {}
+void Decrypt_String_VB() {}
+
+} // extern "C"

@@ -1,0 +1,15 @@
+// Ids of the password prompt, for its template and its code.
+#pragma once
+
+#define OB_PASSWORD_PROMPT 200
+
+#define OB_PASSWORD_INTRO 201
+#define OB_PASSWORD_LABEL 202
+#define OB_PASSWORD_FIRST 203
+#define OB_PASSWORD_REPEAT_LABEL 204
+#define OB_PASSWORD_REPEAT 205
+#define OB_PASSWORD_HINT 206
+
+#define OB_TEXT_PASSWORDS_DIFFER 210
+#define OB_TEXT_PASSWORD_TOO_LONG 211
+#define OB_TEXT_PASSWORD_UNWRITABLE 212

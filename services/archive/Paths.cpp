@@ -1,0 +1,76 @@
+#include "services/archive/Paths.h"
+
+#include <windows.h>
+
+namespace obarchive {
+namespace {
+
+constexpr std::wstring_view kLongPrefix = L"\\\\?\\";
+constexpr std::wstring_view kLongSharePrefix = L"\\\\?\\UNC\\";
+// Folders end earlier than files; the lower of the two limits serves both.
+constexpr std::size_t kLongestPlainPath = MAX_PATH - 13;
+
+bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+int CompareOrdinal(std::wstring_view first, std::wstring_view second) {
+    return CompareStringOrdinal(first.data(), static_cast<int>(first.size()), second.data(),
+                                static_cast<int>(second.size()), TRUE);
+}
+
+} // namespace
+
+std::wstring FullPath(const std::wstring& path) {
+    if (path.empty() || path.starts_with(kLongPrefix)) return path;
+    const DWORD capacity = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
+    if (capacity == 0) return {};
+    std::wstring full(capacity, L'\0');
+    const DWORD length = GetFullPathNameW(path.c_str(), capacity, full.data(), nullptr);
+    if (length == 0 || length >= capacity) return {};
+    full.resize(length);
+    if (length <= kLongestPlainPath) return full;
+    if (full.starts_with(L"\\\\")) return std::wstring(kLongSharePrefix) + full.substr(2);
+    return std::wstring(kLongPrefix) + full;
+}
+
+std::wstring_view FileName(std::wstring_view path) {
+    const std::size_t separator = path.find_last_of(L"\\/");
+    return separator == std::wstring_view::npos ? path : path.substr(separator + 1);
+}
+
+std::wstring_view FolderOf(std::wstring_view path) {
+    return path.substr(0, path.size() - FileName(path).size());
+}
+
+bool EqualIgnoringCase(std::wstring_view first, std::wstring_view second) {
+    return CompareOrdinal(first, second) == CSTR_EQUAL;
+}
+
+bool LessIgnoringCase::operator()(std::wstring_view first, std::wstring_view second) const {
+    return CompareOrdinal(first, second) == CSTR_LESS_THAN;
+}
+
+std::wstring WithoutLoneSurrogates(std::wstring_view text) {
+    std::wstring clean(text);
+    for (std::size_t at = 0; at < clean.size(); ++at) {
+        const bool pair =
+            IsHighSurrogate(clean[at]) && at + 1 < clean.size() && IsLowSurrogate(clean[at + 1]);
+        if (pair) {
+            ++at;
+        } else if (IsHighSurrogate(clean[at]) || IsLowSurrogate(clean[at])) {
+            clean[at] = 0xFFFD;
+        }
+    }
+    return clean;
+}
+
+std::string ToUtf8(std::wstring_view text) {
+    const int units = static_cast<int>(text.size());
+    const int bytes =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+    std::string utf8(static_cast<std::size_t>(bytes), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, utf8.data(), bytes, nullptr, nullptr);
+    return utf8;
+}
+
+} // namespace obarchive

@@ -1,0 +1,32 @@
+// Paths as the system takes them at any length, and their parts.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace obarchive {
+
+// The absolute form, with the prefix that lifts the length limit when the path needs it. Empty when
+// the system can't make one.
+std::wstring FullPath(const std::wstring& path);
+
+// What stands behind the last backslash or slash.
+std::wstring_view FileName(std::wstring_view path);
+
+// What stands before it, with the backslash.
+std::wstring_view FolderOf(std::wstring_view path);
+
+// Equal to the file system's eye: ordinal, without regard to case.
+bool EqualIgnoringCase(std::wstring_view first, std::wstring_view second);
+
+// Less-than for ordered containers in the same order of things.
+struct LessIgnoringCase {
+    bool operator()(std::wstring_view first, std::wstring_view second) const;
+};
+
+// Halves of surrogate pairs, which a file name may hold and UTF-8 can't, become U+FFFD.
+std::wstring WithoutLoneSurrogates(std::wstring_view text);
+
+std::string ToUtf8(std::wstring_view text);
+
+} // namespace obarchive

@@ -1,0 +1,46 @@
+// A password in memory that is wiped when it is no longer needed.
+#pragma once
+
+#include <windows.h>
+
+#include <cstring>
+#include <vector>
+
+namespace obarchive {
+
+// NUL-terminated bytes, UTF-8 by this service's prompt. Each copy wipes itself.
+class Secret {
+public:
+    Secret() = default;
+    explicit Secret(const char* text) {
+        if (text && *text) bytes_.assign(text, text + std::strlen(text) + 1);
+    }
+    Secret(const Secret&) = default;
+    Secret(Secret&& other) noexcept { bytes_.swap(other.bytes_); }
+    Secret& operator=(Secret other) noexcept {
+        bytes_.swap(other.bytes_);
+        return *this;
+    }
+    ~Secret() {
+        if (!bytes_.empty()) SecureZeroMemory(bytes_.data(), bytes_.size());
+    }
+
+    bool Empty() const noexcept { return bytes_.empty(); }
+    const char* Text() const noexcept { return bytes_.empty() ? "" : bytes_.data(); }
+
+private:
+    std::vector<char> bytes_; // empty, or with its NUL; never grown in place
+};
+
+// Wipes a stack buffer when its scope is left.
+template <class Element, std::size_t Count>
+struct WipedBuffer {
+    WipedBuffer() = default;
+    WipedBuffer(const WipedBuffer&) = delete;
+    WipedBuffer& operator=(const WipedBuffer&) = delete;
+    ~WipedBuffer() { SecureZeroMemory(data, sizeof data); }
+
+    Element data[Count] = {};
+};
+
+} // namespace obarchive

@@ -1,0 +1,60 @@
+#include "services/archive/Paths.h"
+
+#include <windows.h>
+#include <gtest/gtest.h>
+
+#include "services/archive/SourceList.h"
+#include "tests/support/TestFolder.h"
+
+namespace {
+
+using namespace obarchive;
+
+TEST(PathsTest, ShortPathsOnlyBecomeAbsolute) {
+    EXPECT_EQ(FullPath(L"C:\\a\\..\\b.txt"), L"C:\\b.txt");
+    EXPECT_EQ(FullPath(L"C:/a/b.txt"), L"C:\\a\\b.txt");
+    EXPECT_EQ(FullPath(L""), L"");
+}
+
+TEST(PathsTest, LongPathsGetThePrefixThatLiftsTheLimit) {
+    const std::wstring tail = std::wstring(150, L'a') + L"\\" + std::wstring(150, L'b');
+    EXPECT_EQ(FullPath(L"C:\\" + tail), L"\\\\?\\C:\\" + tail);
+    EXPECT_EQ(FullPath(L"\\\\server\\share\\" + tail), L"\\\\?\\UNC\\server\\share\\" + tail);
+    EXPECT_EQ(FullPath(L"\\\\?\\C:\\" + tail + L"."), L"\\\\?\\C:\\" + tail + L".");
+}
+
+TEST(PathsTest, SplitsAtTheLastSeparatorOfEitherKind) {
+    EXPECT_EQ(FileName(L"C:\\a/b.txt"), L"b.txt");
+    EXPECT_EQ(FolderOf(L"C:\\a/b.txt"), L"C:\\a/");
+    EXPECT_EQ(FileName(L"b.txt"), L"b.txt");
+    EXPECT_EQ(FolderOf(L"b.txt"), L"");
+}
+
+TEST(PathsTest, WritesUtf8) {
+    EXPECT_EQ(ToUtf8(L"\u00E4\u0308\U0001F600"), "\xC3\xA4\xCC\x88\xF0\x9F\x98\x80");
+    EXPECT_EQ(ToUtf8(L""), "");
+}
+
+TEST(SourceListTest, TheSamePathTwiceIsOneSource) {
+    obtest::TestFolder folder;
+    const std::wstring one = folder.File(L"one.txt");
+    const std::wstring two = folder.File(L"two.txt");
+    std::wstring upper = one;
+    CharUpperW(upper.data());
+    const std::wstring detour = folder.Path() + L"\\.\\one.txt";
+    EXPECT_EQ(DistinctSources({one, two, one, upper, detour}), (std::vector{one, two}));
+}
+
+TEST(SourceListTest, EqualContentUnderTwoNamesIsTwoSources) {
+    obtest::TestFolder folder;
+    const std::wstring one = folder.File(L"one.txt", "same");
+    const std::wstring two = folder.File(L"two.txt", "same");
+    EXPECT_EQ(DistinctSources({one, two}).size(), 2U);
+}
+
+TEST(SourceListTest, AMissingFileIsKeptForTheRunToReport) {
+    EXPECT_EQ(DistinctSources({L"C:\\no\\such.txt", L"c:\\NO\\such.txt"}),
+              (std::vector<std::wstring>{L"C:\\no\\such.txt"}));
+}
+
+} // namespace
