@@ -25,14 +25,14 @@ public:
     virtual int ShowPickerDialog() = 0;
 
     // Decides what becomes of the picked files and carries it out. 1: the page receives ResultPath
-    // if ResultIsArchive is on, else Files. 0 with an empty LinkText: the user stopped the run or it
-    // failed, and was told where it happened. 0 with a LinkText: the page receives that text.
+    // if ResultIsArchive is on, else Files. 0 with an empty LinkText: the user stopped the run or
+    // it failed, and was told where it happened. 0 with a LinkText: the page receives that text.
     int ProcessPickedFiles(const std::vector<std::wstring>& picked);
 
-    std::wstring LinkText;       // output
-    OPENFILENAMEW* Request;      // null on the dialog road
-    OBAttachJob* Options;        // the record, read as options
-    OBAttachJob* AttachRecord;   // the same record
+    std::wstring LinkText;     // output
+    OPENFILENAMEW* Request;    // null on the dialog road
+    OBAttachJob* Options;      // the record, read as options
+    OBAttachJob* AttachRecord; // the same record
 };
 
 namespace CompressUtils {
@@ -45,5 +45,5 @@ bool IsAlreadyArchive(OBAttachJob& job, const std::wstring& path);
 // nMaxFile. Never writes past `end`, the end of the memory that lpstrFile points into.
 int FillOpenFileNameBuffer(const OBAttachJob& job, OPENFILENAMEW& request, const wchar_t* end);
 
-}  // namespace CompressUtils
-}  // namespace obcore
+} // namespace CompressUtils
+} // namespace obcore

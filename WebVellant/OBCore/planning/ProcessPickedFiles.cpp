@@ -1,0 +1,89 @@
+#include <new>
+
+#include "OBCore/compression/CompressFiles.h"
+#include "OBCore/files/TemporaryFolders.h"
+#include "OBCore/files/WorkingCopy.h"
+#include "OBCore/planning/CloudRoute.h"
+#include "OBCore/planning/OBOpenFileNameDlg.h"
+#include "OBCore/transforms/Transforms.h"
+#include "OBCore/usage/UsageEvents.h"
+#include "ObLib/Src/Win32/ScopeExit.h"
+
+namespace obcore {
+namespace {
+
+bool MakesArchive(const OBAttachJob& job) { return job.SendItem || job.AutoEncrypt; }
+
+// AutoCombinePDFs isn't asked: it means nothing for one file.
+bool WantsTransformOfOneFile(const OBAttachJob& job) {
+    return job.AutoConvertPDF || job.AutoResizeImages || job.AutoWatermark ||
+           job.AutoConvertPhotos || job.AutoRemoveInfo || job.AutoSignPDFs ||
+           job.AutoConvertFromPDF;
+}
+
+bool ConvertsSingleFile(const OBAttachJob& job, const std::vector<std::wstring>& picked) {
+    return picked.size() == 1 && !MakesArchive(job) && job.SingleAttachConversion &&
+           WantsTransformOfOneFile(job);
+}
+
+int AttachAsPicked(OBAttachJob& job, const std::vector<std::wstring>& picked) {
+    job.Usage = UsageFlags{};
+    ReportUsage(job);
+    job.Files = picked;
+    return 1;
+}
+
+// Without a temporary folder at all the picked paths stand. Where one is named and no folder can be
+// made in it, nothing can be copied: the list ends empty, and so does the run.
+WorkingCopy CopyPickedFiles(const std::vector<std::wstring>& picked) {
+    WorkingCopy copy;
+    copy.Files = picked;
+    if (!GetTemporaryFolder(copy.Folder)) return copy;
+    // From here on the folder is this run's own; before, it is everybody's and is never cleared.
+    copy.HasFolder = CreateUniqueTempFolder(copy.Folder);
+    if (copy.HasFolder) {
+        CompressUtils::CopyFilesToFolder(copy.Folder, copy.Files);
+    } else {
+        copy.Files.clear();
+    }
+    return copy;
+}
+
+void EndWorkingCopy(const WorkingCopy& copy) noexcept {
+    try {
+        CompressUtils::CleanupWorkingCopy(copy);
+    } catch (const std::bad_alloc&) {
+        // The copies stay in the temporary folder; the run itself isn't undone for it.
+    }
+}
+
+// Transforms and zips copies of the picked files, which go away again on every way out; the zip
+// lies in a folder of its own.
+bool ArchivePickedFiles(OBAttachJob& job, const std::vector<std::wstring>& picked,
+                        std::wstring& linkText) {
+    WorkingCopy copy = CopyPickedFiles(picked);
+    const ObLib::ScopeExit cleanup([&copy]() noexcept { EndWorkingCopy(copy); });
+    job.TransformsBeforeArchive = true;
+    if (!CompressUtils::RunTransforms(job, copy.Files, copy.Folder)) return false;
+    linkText.clear();
+    job.Files = copy.Files;
+    return CompressUtils::CompressFiles(job);
+}
+
+} // namespace
+
+int OBOpenFileNameDlg::ProcessPickedFiles(const std::vector<std::wstring>& picked) {
+    OBAttachJob& job = *AttachRecord;
+    const std::vector<std::wstring> files = picked; // the caller's list may be one of the job's
+    if (ConvertsSingleFile(job, files)) return CompressUtils::TransformSingleFile(job, files);
+    if (!MakesArchive(job)) return AttachAsPicked(job, files);
+    const bool isArchive = files.size() == 1 && CompressUtils::IsAlreadyArchive(job, files.front());
+    if (!isArchive && !ArchivePickedFiles(job, files, LinkText)) return 0;
+    if (!job.ResultIsArchive) {
+        ReportUsage(job);
+        return 1;
+    }
+    return RouteArchive(job, LinkText);
+}
+
+} // namespace obcore
