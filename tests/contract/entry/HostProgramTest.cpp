@@ -1,0 +1,108 @@
+// The real host program with the real library; the sister modules are stand-ins.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/ExchangeBlock.h"
+#include "tests/standins/Recording.h"
+#include "tests/support/StandIns.h"
+
+namespace {
+
+using obtest::BesideProgram;
+using obtest::StandIns;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr DWORD kMinusOne = 0xFFFFFFFF;
+constexpr DWORD kNotEnded = 0xDEAD;
+
+DWORD RunHost(const std::wstring& arguments) {
+    const std::wstring path = BesideProgram(L"obwmvapp.exe");
+    std::wstring line = L"\"" + path + L"\"" + arguments;
+    STARTUPINFOW startup{.cb = sizeof(STARTUPINFOW)};
+    PROCESS_INFORMATION info{};
+    if (!CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                        &startup, &info)) {
+        return kNotEnded;
+    }
+    const ObLib::UniqueKernelHandle process(info.hProcess);
+    const ObLib::UniqueKernelHandle thread(info.hThread);
+    if (WaitForSingleObject(process.Get(), 30000) != WAIT_OBJECT_0) {
+        TerminateProcess(process.Get(), kNotEnded);
+        return kNotEnded;
+    }
+    DWORD code = kNotEnded;
+    GetExitCodeProcess(process.Get(), &code);
+    return code;
+}
+
+// A neighbour of the host that isn't there for a scope.
+class Absent {
+public:
+    explicit Absent(const wchar_t* name) : path_(BesideProgram(name)) {
+        EXPECT_TRUE(MoveFileW(path_.c_str(), (path_ + L".away").c_str()));
+    }
+    ~Absent() { MoveFileW((path_ + L".away").c_str(), path_.c_str()); }
+
+private:
+    std::wstring path_;
+};
+
+class HostProgram : public testing::Test {
+protected:
+    void SetUp() override { StandIns::Reset(); }
+
+    static std::vector<std::wstring> Log() { return StandIns::CallsOf({L"LogLaunch", L"LogExit"}); }
+};
+
+TEST_F(HostProgram, EndsWithMinusOneWithoutItsTwoNumbers) {
+    for (const wchar_t* arguments : {L"", L" 5", L" five 0", L" 5 zero", L" 5 0 0"}) {
+        EXPECT_EQ(RunHost(arguments), kMinusOne);
+    }
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(HostProgram, EndsWithMinusOneWithoutTheLibrary) {
+    const Absent library(L"obwmcore64.dll");
+    EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(HostProgram, EndsWithMinusOneWithoutTheProviderManager) {
+    const Absent manager(L"PVXManager64.dll");
+    EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(HostProgram, EndsWithMinusOneWithoutTheArchiveService) {
+    const Absent service(L"obofcsvc64.dll");
+    EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(HostProgram, EndsWithMinusOneWithoutABlockAndLogsTheRun) {
+    EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
+    EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));
+}
+
+TEST_F(HostProgram, FindsTheBlockOfItsNumberAndLeavesAnUnknownOneAlone) {
+    const ObLib::UniqueKernelHandle mapping(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0,
+                           obcore::kExchangeBlockSize, L"WEBVELLANT_SM_-7"));
+    ASSERT_TRUE(mapping);
+    const ObLib::UniqueMappedView<BYTE> block(
+        static_cast<BYTE*>(MapViewOfFile(mapping.Get(), FILE_MAP_WRITE, 0, 0, 0)));
+    ASSERT_TRUE(block);
+    std::memset(block.Get(), 0x5A, obcore::kExchangeBlockSize);
+    EXPECT_EQ(RunHost(L" -7 0"), kMinusOne);
+    for (std::uint32_t at = 0; at < obcore::kExchangeBlockSize; ++at) {
+        ASSERT_EQ(block.Get()[at], 0x5A) << at;
+    }
+    EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));
+}
+
+} // namespace

@@ -1,0 +1,142 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "tests/contract/entry/LoadedLibrary.h"
+#include "tests/contract/entry/PageContext.h"
+#include "tests/standins/Recording.h"
+#include "tests/standins/host/HostScript.h"
+#include "tests/support/ImportDouble.h"
+
+namespace {
+
+using obtest::HostScript;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class OpenFileNameContract : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(library_.module);
+        HostScript::Play(L"exit 0");
+        request_.lpstrFile = files_;
+        request_.nMaxFile = 1000;
+    }
+
+    BOOL Ask() { return library_.getOpenFileName(&request_, &context_); }
+
+    static bool BlockStands() {
+        wchar_t name[32];
+        _snwprintf(name, 32, L"WEBVELLANT_SM_%d", static_cast<int>(GetCurrentThreadId()));
+        return static_cast<bool>(
+            ObLib::UniqueKernelHandle(OpenFileMappingW(FILE_MAP_READ, FALSE, name)));
+    }
+
+    const obtest::LoadedLibrary library_;
+    obtest::PageContext context_;
+    wchar_t files_[1000] = L"untouched";
+    OPENFILENAMEW request_{.lStructSize = sizeof(OPENFILENAMEW)};
+};
+
+TEST_F(OpenFileNameContract, GivesThePageThePathThatTheHostAnswered) {
+    HostScript::Play(L"status 3\nslot \"C:\\temp\\mail.zip\"\nresult 1");
+    EXPECT_EQ(Ask(), 1);
+    EXPECT_STREQ(files_, L"C:\\temp\\mail.zip");
+    EXPECT_THAT(context_.asked, IsEmpty());
+    EXPECT_FALSE(BlockStands());
+    EXPECT_EQ(request_.hwndOwner, nullptr);
+}
+
+TEST_F(OpenFileNameContract, GivesThePageALinkText) {
+    HostScript::Play(L"text 76 \"https://cloud.example/1\"\npoke32 24 76\nstatus 2\nresult 0");
+    EXPECT_EQ(Ask(), 0);
+    EXPECT_THAT(context_.links, ElementsAre(L"https://cloud.example/1"));
+    EXPECT_STREQ(files_, L"untouched");
+}
+
+TEST_F(OpenFileNameContract, RestoresTheOwnerAfterAHostFailure) {
+    HostScript::Play(L"exit 3");
+    EXPECT_EQ(Ask(), 0);
+    EXPECT_EQ(request_.hwndOwner, nullptr);
+    EXPECT_STREQ(files_, L"untouched");
+    EXPECT_THAT(context_.asked, IsEmpty());
+}
+
+TEST_F(OpenFileNameContract, ReadsAsACancelWhenTheHostIsMissing) {
+    const std::wstring host = obtest::BesideProgram(L"obwmvapp.exe");
+    ASSERT_TRUE(MoveFileW(host.c_str(), (host + L".away").c_str()));
+    EXPECT_EQ(Ask(), 0);
+    MoveFileW((host + L".away").c_str(), host.c_str());
+    EXPECT_THAT(context_.asked, IsEmpty());
+    EXPECT_EQ(request_.hwndOwner, nullptr);
+}
+
+TEST_F(OpenFileNameContract, MakesNoBlockAndNoHostForAVetoedRequest) {
+    context_.wanted = 0;
+    bool block = true;
+    context_.onBrowserDialog = [&] { block = BlockStands(); };
+    EXPECT_EQ(Ask(), 9);
+    EXPECT_FALSE(block);
+    EXPECT_THAT(HostScript::Record(), IsEmpty());
+}
+
+TEST_F(OpenFileNameContract, LeavesOtherPagesToTheBrowser) {
+    context_.url = L"https://www.example.com/upload";
+    EXPECT_EQ(Ask(), 9);
+    EXPECT_THAT(context_.asked, ElementsAre("CallGetOpenFileName"));
+    EXPECT_EQ(GetModuleHandleW(L"obofcsvc64.dll"), nullptr);
+}
+
+TEST_F(OpenFileNameContract, LeavesMailPagesToTheBrowserWithoutTheArchiveService) {
+    const std::wstring service = obtest::BesideProgram(L"obofcsvc64.dll");
+    ASSERT_TRUE(MoveFileW(service.c_str(), (service + L".away").c_str()));
+    EXPECT_EQ(Ask(), 9);
+    MoveFileW((service + L".away").c_str(), service.c_str());
+    EXPECT_THAT(context_.asked, ElementsAre("CallGetOpenFileName"));
+}
+
+TEST_F(OpenFileNameContract, NeverLoadsTheProviderManagerInTheBrowser) {
+    HostScript::Play(L"status 3\nslot \"C:\\a.txt\"\nresult 1");
+    EXPECT_EQ(Ask(), 1);
+    EXPECT_EQ(GetModuleHandleW(L"PVXManager64.dll"), nullptr);
+    const std::wstring manager = obtest::BesideProgram(L"PVXManager64.dll");
+    ASSERT_TRUE(MoveFileW(manager.c_str(), (manager + L".away").c_str()));
+    EXPECT_EQ(Ask(), 1);
+    MoveFileW((manager + L".away").c_str(), manager.c_str());
+}
+
+DWORD WINAPI FillTheBuffer(HMODULE, LPWSTR path, DWORD capacity) {
+    for (DWORD index = 0; index < capacity; ++index) path[index] = L'x';
+    return capacity;
+}
+
+TEST_F(OpenFileNameContract, AsksTheBrowserWhenItsOwnPathFillsTheBuffer) {
+    const obtest::ImportDouble<decltype(&GetModuleFileNameW)> name(
+        "kernel32.dll", "GetModuleFileNameW", &FillTheBuffer, library_.module.Get());
+    ASSERT_TRUE(name.Stands());
+    EXPECT_EQ(Ask(), 9);
+    EXPECT_THAT(HostScript::Record(), IsEmpty());
+}
+
+// Whether a push button that is made now is one of version 6 of the common controls.
+bool ButtonIsThemed() {
+    const ObLib::UniqueWindow button(CreateWindowExW(0, L"Button", L"Attach", WS_POPUP, 0, 0, 90,
+                                                     30, nullptr, nullptr, nullptr, nullptr));
+    SIZE ideal{};
+    return SendMessageW(button.Get(), BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&ideal)) != 0;
+}
+
+TEST_F(OpenFileNameContract, RunsInTheContextOfItsOwnManifest) {
+    context_.wanted = 0;
+    bool themed = false;
+    context_.onBrowserDialog = [&] { themed = ButtonIsThemed(); };
+    ASSERT_FALSE(ButtonIsThemed());
+    Ask();
+    EXPECT_TRUE(themed);
+    EXPECT_FALSE(ButtonIsThemed());
+}
+
+} // namespace
