@@ -1,0 +1,287 @@
+// What every provider manager has to answer, the real one and the double alike: this program runs
+// once with each beside it. No provider exists in any of these cases.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "OBCore/modules/ProviderManager.h"
+#include "tests/support/ProductRegistry.h"
+#include "tests/support/StandIns.h"
+
+namespace {
+
+using namespace obcore;
+
+constexpr auto kCurrentUser = static_cast<std::int64_t>(static_cast<std::int32_t>(0x80000001));
+constexpr TransformId kTransformIds[] = {TransformId::ResizeImages, TransformId::ConvertPdf,
+                                         TransformId::Watermark,    TransformId::ConvertPhotos,
+                                         TransformId::RemoveInfo,   TransformId::CombinePdfs,
+                                         TransformId::SignPdfs,     TransformId::ConvertFromPdf};
+constexpr std::uint32_t kStorageId = 7;
+
+ProviderProfile FilledProfile() {
+    ProviderProfile profile{};
+    profile.providerId = 0x89ABCDEF;
+    std::fill_n(profile.accountLabel, 50, L'\u00e9');
+    std::fill_n(profile.accountKey, 999, L'\u4e2d');
+    return profile;
+}
+
+// Every byte set, so that a place that isn't filled shows.
+ProviderProfile DirtyProfile() {
+    ProviderProfile profile;
+    std::memset(&profile, 0xCC, sizeof(profile));
+    return profile;
+}
+
+bool SameBytes(const ProviderProfile& one, const ProviderProfile& other) {
+    return std::memcmp(&one, &other, sizeof(one)) == 0;
+}
+
+// Each answer of a manager that isn't in a session, and of one that has no provider, has to be no.
+void ExpectOnlyNo(ProviderManagerHandle manager) {
+    const auto& entries = ProviderManager();
+    entries.EnumProvidersReset(manager);
+    EXPECT_EQ(entries.EnumStorageProviders(manager), nullptr);
+    EXPECT_EQ(entries.GetProviderInstance(manager, kStorageId, ProviderKind::Storage), nullptr);
+    EXPECT_EQ(entries.GetProviderInstance(manager, 3, ProviderKind::Transform), nullptr);
+    EXPECT_FALSE(entries.IsProviderSupport(manager, kStorageId, ProviderKind::Storage));
+    EXPECT_FALSE(entries.IsProviderSupport(manager, 3, ProviderKind::Transform));
+    wchar_t key[1000] = L"";
+    wchar_t label[51] = L"";
+    EXPECT_FALSE(entries.Login2(manager, nullptr, key, label, nullptr));
+    entries.Logout2(manager, nullptr, L"key", nullptr);
+    EXPECT_FALSE(entries.IsAuthorized2(manager, nullptr, L"key", nullptr));
+    EXPECT_FALSE(entries.GetSharedListFromOpenPicker(manager, nullptr, nullptr, nullptr));
+    entries.DeleteDownloadList(nullptr, nullptr);
+    EXPECT_FALSE(entries.ShowProviderOptionsWhenNoOptionsSet(manager, 3, ProviderKind::Transform,
+                                                             nullptr, nullptr));
+    EXPECT_FALSE(entries.GetReadyForConvert(nullptr, manager, 3, ProviderKind::Transform));
+    EXPECT_FALSE(entries.SelectProviders(manager, kSelectUse, 3, ProviderKind::Transform));
+    EXPECT_FALSE(entries.SelectProviders(manager, kSelectLeaveOut, 70, ProviderKind::Transform));
+    EXPECT_FALSE(entries.IsProviderTypeSelected(manager, ProviderKind::Transform));
+}
+
+class ProviderManagerContract : public testing::Test {
+protected:
+    void SetUp() override {
+        obtest::StandIns::Reset();
+        obtest::ClearProductRegistry();
+        ASSERT_TRUE(LoadProviderManager());
+        manager_ = Entries().CreateObExtensionsManager();
+        ASSERT_NE(manager_, nullptr);
+    }
+    void TearDown() override {
+        if (manager_) Entries().DeleteObExtensionsManager(manager_);
+    }
+
+    static const ProviderManagerEntries& Entries() { return ProviderManager(); }
+    void Init() { Entries().Init(manager_, kCurrentUser, kProviderManagerKey); }
+
+    ProviderManagerHandle manager_ = nullptr;
+};
+
+TEST_F(ProviderManagerContract, ProfilesAndItemsHaveTheirFixedSizes) {
+    EXPECT_EQ(sizeof(ProviderProfile), 2108u);
+    EXPECT_EQ(sizeof(CloudItem), 10064u);
+    EXPECT_EQ(sizeof(ProviderProfile::accountLabel), 102u);
+    EXPECT_EQ(sizeof(ProviderProfile::accountKey), 2000u);
+    EXPECT_EQ(sizeof(CloudItem::link), 4818u);
+    EXPECT_EQ(sizeof(CloudItem::name), 3138u);
+}
+
+TEST_F(ProviderManagerContract, BindsEachOfThe32Entries) {
+    void* pointers[32];
+    std::memcpy(pointers, &Entries(), sizeof(pointers));
+    for (void* pointer : pointers) EXPECT_NE(pointer, nullptr);
+}
+
+TEST_F(ProviderManagerContract, LivesFromCreateToDelete) {
+    Init();
+    Entries().Deinit(manager_);
+    Entries().DeleteObExtensionsManager(manager_);
+    manager_ = Entries().CreateObExtensionsManager();
+    EXPECT_NE(manager_, nullptr);
+}
+
+TEST_F(ProviderManagerContract, CanBeDeletedInsideItsSession) {
+    Init();
+    Entries().DeleteObExtensionsManager(manager_);
+    manager_ = Entries().CreateObExtensionsManager();
+    ASSERT_NE(manager_, nullptr);
+    ExpectOnlyNo(manager_); // nothing of the ended session is left
+}
+
+TEST_F(ProviderManagerContract, AnswersNoToANullManager) {
+    Entries().Init(nullptr, kCurrentUser, kProviderManagerKey);
+    ExpectOnlyNo(nullptr);
+    Entries().Deinit(nullptr);
+    Entries().DeleteObExtensionsManager(nullptr);
+}
+
+TEST_F(ProviderManagerContract, AnswersNoBeforeInit) { ExpectOnlyNo(manager_); }
+
+TEST_F(ProviderManagerContract, AnswersNoAfterDeinit) {
+    Init();
+    Entries().Deinit(manager_);
+    ExpectOnlyNo(manager_);
+}
+
+TEST_F(ProviderManagerContract, AnswersNoWhenItHasNoProvider) {
+    Init();
+    ExpectOnlyNo(manager_);
+}
+
+TEST_F(ProviderManagerContract, SupportsNoneOfTheTransforms) {
+    Init();
+    for (TransformId id : kTransformIds) {
+        EXPECT_FALSE(Entries().IsProviderSupport(manager_, static_cast<std::uint32_t>(id),
+                                                 ProviderKind::Transform));
+    }
+}
+
+TEST_F(ProviderManagerContract, EndsTheWalkAgainAfterAReset) {
+    Init();
+    EXPECT_EQ(Entries().EnumStorageProviders(manager_), nullptr);
+    Entries().EnumProvidersReset(manager_);
+    EXPECT_EQ(Entries().EnumStorageProviders(manager_), nullptr);
+    EXPECT_EQ(Entries().EnumStorageProviders(manager_), nullptr);
+}
+
+TEST_F(ProviderManagerContract, HasNoInstanceForTheEmptyProfilesProvider) {
+    Init();
+    EXPECT_EQ(Entries().GetProviderInstance(manager_, kNoProvider, ProviderKind::Storage), nullptr);
+}
+
+TEST_F(ProviderManagerContract, FillsAnEmptyProfileWhenThereIsNoDefault) {
+    Init();
+    ProviderProfile profile = DirtyProfile();
+    Entries().GetDefaultStorageProvider(manager_, &profile);
+    EXPECT_TRUE(SameBytes(profile, ProviderProfile{}));
+}
+
+TEST_F(ProviderManagerContract, FillsAnEmptyProfileOutsideASession) {
+    ProviderProfile profile = DirtyProfile();
+    Entries().GetDefaultStorageProvider(manager_, &profile);
+    EXPECT_TRUE(SameBytes(profile, ProviderProfile{}));
+    profile = DirtyProfile();
+    Entries().GetDefaultStorageProvider(nullptr, &profile);
+    EXPECT_TRUE(SameBytes(profile, ProviderProfile{}));
+}
+
+TEST_F(ProviderManagerContract, ReturnsTheDefaultProfileByteByByte) {
+    Init();
+    const ProviderProfile saved = FilledProfile();
+    ASSERT_TRUE(Entries().SetDefaultStorageProvider(manager_, &saved));
+    ProviderProfile read = DirtyProfile();
+    Entries().GetDefaultStorageProvider(manager_, &read);
+    EXPECT_TRUE(SameBytes(read, saved));
+}
+
+TEST_F(ProviderManagerContract, ReplacesTheDefaultProfile) {
+    Init();
+    const ProviderProfile first = FilledProfile();
+    ProviderProfile second{};
+    second.providerId = kStorageId;
+    ASSERT_TRUE(Entries().SetDefaultStorageProvider(manager_, &first));
+    ASSERT_TRUE(Entries().SetDefaultStorageProvider(manager_, &second));
+    ProviderProfile read = DirtyProfile();
+    Entries().GetDefaultStorageProvider(manager_, &read);
+    EXPECT_TRUE(SameBytes(read, second));
+}
+
+TEST_F(ProviderManagerContract, SavesNoDefaultProfileOutsideASession) {
+    const ProviderProfile profile = FilledProfile();
+    EXPECT_FALSE(Entries().SetDefaultStorageProvider(manager_, &profile));
+    EXPECT_FALSE(Entries().SetDefaultStorageProvider(nullptr, &profile));
+    Init();
+    ProviderProfile read = DirtyProfile();
+    Entries().GetDefaultStorageProvider(manager_, &read);
+    EXPECT_EQ(read.providerId, kNoProvider);
+}
+
+TEST_F(ProviderManagerContract, TakesNullInPlaceOfAProfile) {
+    Init();
+    EXPECT_FALSE(Entries().SetDefaultStorageProvider(manager_, nullptr));
+    Entries().GetDefaultStorageProvider(manager_, nullptr);
+}
+
+TEST_F(ProviderManagerContract, EmptiesTheTextsOfANullProvider) {
+    wchar_t text[128] = L"left over";
+    std::uint32_t capacity = 128;
+    Entries().GetShortDescription(nullptr, 1, text, &capacity);
+    EXPECT_STREQ(text, L"");
+
+    wchar_t error[2048] = L"left over";
+    std::uint64_t errorCapacity = 2048;
+    Entries().GetLastErrorOfProvider(nullptr, L"key", L"a.zip", error, &errorCapacity);
+    EXPECT_STREQ(error, L"");
+
+    error[0] = L'x';
+    EXPECT_EQ(Entries().GetLastErrorCodeOfProvider(manager_, nullptr, L"", error, &errorCapacity),
+              0);
+    EXPECT_STREQ(error, L"");
+}
+
+TEST_F(ProviderManagerContract, HasNoBitmapForANullProvider) {
+    for (std::uint32_t size = 0; size < 4; ++size) {
+        EXPECT_EQ(Entries().GetBitmap(nullptr, 1, size), nullptr);
+    }
+}
+
+TEST_F(ProviderManagerContract, SchedulesNoDeletionOfANullItem) {
+    EXPECT_FALSE(Entries().AddFileToDeletionSchedule(nullptr, 30));
+}
+
+TEST_F(ProviderManagerContract, CountsNoTransformsInAnyStage) {
+    for (const bool initialised : {false, true}) {
+        if (initialised) Init();
+        std::int32_t counts[] = {-1, -1, -1, -1};
+        Entries().GetSelectedTransformSummary(manager_, &counts[0], &counts[1], &counts[2],
+                                              &counts[3]);
+        for (std::int32_t count : counts) EXPECT_EQ(count, 0);
+    }
+}
+
+TEST_F(ProviderManagerContract, HandsOutNoTargetFilesWhenNoStageRan) {
+    Init();
+    std::uint32_t count = 99;
+    Entries().GetTargetFile(manager_, nullptr, &count, 514);
+    EXPECT_EQ(count, 0u);
+}
+
+TEST_F(ProviderManagerContract, ReturnsTheTargetThatNoTransformChanged) {
+    Init();
+    std::wstring path = L"C:\\folder\\report \u00e9.docx";
+    Entries().SetProviderTarget(manager_, path.c_str());
+    path.assign(path.size(), L'x'); // the manager keeps a copy
+    EXPECT_STREQ(Entries().GetProviderTarget(manager_), L"C:\\folder\\report \u00e9.docx");
+}
+
+TEST_F(ProviderManagerContract, HasAnEmptyTargetOutsideASession) {
+    Entries().SetProviderTarget(manager_, L"C:\\a.docx");
+    EXPECT_STREQ(Entries().GetProviderTarget(manager_), L"");
+    EXPECT_STREQ(Entries().GetProviderTarget(nullptr), L"");
+}
+
+TEST_F(ProviderManagerContract, FailsToTransformOutsideASession) {
+    EXPECT_FALSE(Entries().ExecuteTransforms(manager_, nullptr, nullptr, L"C:\\t\\", 1, 3, nullptr,
+                                             nullptr));
+    const wchar_t* const paths[] = {L"C:\\a.pdf", L"C:\\b.pdf"};
+    std::uint32_t count = 2;
+    EXPECT_FALSE(
+        Entries().ExecutePostTransforms(manager_, nullptr, paths, &count, 1, nullptr, nullptr));
+    EXPECT_EQ(count, 2u);
+    EXPECT_FALSE(
+        Entries().ExecuteFinalTransforms(manager_, nullptr, paths, 2, 1, nullptr, nullptr));
+}
+
+TEST_F(ProviderManagerContract, ShowsNoSettingsWithoutAProvider) {
+    Init();
+    Entries().ShowProviderOptions(manager_, 3, ProviderKind::Transform, nullptr, nullptr);
+    EXPECT_EQ(FindWindowW(L"#32770", nullptr), nullptr);
+}
+
+} // namespace
