@@ -4,6 +4,7 @@
 
 #include "OBCore/files/TemporaryFolders.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "tests/support/ImportDouble.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -110,6 +111,22 @@ TEST_F(CopyFiles, CopiesOutOfAFolderWithAPathOfMoreThan260Characters) {
     EXPECT_EQ(Copy({picked}), Files{copies_ / L"deep.txt"});
     EXPECT_EQ(ReadFileContent(copies_ / L"deep.txt"), "deep");
     EXPECT_EQ(ReadFileContent(L"\\\\?\\" + picked), "deep");
+}
+
+std::vector<std::wstring> copiedSources;
+
+BOOL WINAPI NotedCopy(LPCWSTR source, LPCWSTR, BOOL) {
+    copiedSources.push_back(source);
+    return TRUE;
+}
+
+TEST_F(CopyFiles, HandsTheSystemALongPathInItsExtendedForm) {
+    obtest::ImportDouble<decltype(&CopyFileW)> copy("kernel32.dll", "CopyFileW", &NotedCopy);
+    ASSERT_TRUE(copy.Stands());
+    const std::wstring picked = L"C:\\" + std::wstring(250, L'd') + L"\\deep.txt";
+    EXPECT_EQ(Copy({picked, L"C:\\short.txt"}),
+              (Files{copies_ / L"deep.txt", copies_ / L"short.txt"}));
+    EXPECT_EQ(copiedSources, (Files{L"\\\\?\\" + picked, L"C:\\short.txt"}));
 }
 
 TEST_F(CopyFiles, KeepsNamesWithEveryLegalOddity) {
