@@ -20,10 +20,17 @@ obtest::HostRun RunFromCommandLine() {
     return run;
 }
 
+// A crash ends the process with the exception's code at once, whatever debugger the system has.
+LONG WINAPI EndAtOnce(EXCEPTION_POINTERS* info) {
+    TerminateProcess(GetCurrentProcess(), info->ExceptionRecord->ExceptionCode);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
 } // namespace
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, wchar_t*, int) {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    SetUnhandledExceptionFilter(&EndAtOnce);
     obtest::RecordHostLine(std::wstring(L"start ") + GetCommandLineW());
     obtest::HostRun run = RunFromCommandLine();
     const std::wstring script =
