@@ -90,13 +90,17 @@ bool AddTimes(zip_t* archive, zip_uint64_t index, const SourceFacts& facts) {
                                     sizeof unixTime, ZIP_FL_CENTRAL | ZIP_FL_LOCAL) == 0;
 }
 
-bool SetMethods(zip_t* archive, zip_uint64_t index, const ZipJob& job, std::uint64_t size) {
+bool SetCompression(zip_t* archive, zip_uint64_t index, const ZipJob& job, std::uint64_t size) {
     constexpr zip_uint32_t kDeflateLevel = 6;
-    const bool xz = job.compressionMethod == obcore::kCompressionZipx;
-    if (zip_set_file_compression(archive, index, xz ? ZIP_CM_XZ : ZIP_CM_DEFLATE,
-                                 xz ? XzLevel(size) : kDeflateLevel) != 0) {
-        return false;
+    // Nothing can't be made smaller, and some readers stumble over an empty xz stream.
+    if (size == 0) return zip_set_file_compression(archive, index, ZIP_CM_STORE, 0) == 0;
+    if (job.compressionMethod == obcore::kCompressionZipx) {
+        return zip_set_file_compression(archive, index, ZIP_CM_XZ, XzLevel(size)) == 0;
     }
+    return zip_set_file_compression(archive, index, ZIP_CM_DEFLATE, kDeflateLevel) == 0;
+}
+
+bool SetEncryption(zip_t* archive, zip_uint64_t index, const ZipJob& job) {
     const EncryptionRow* encryption = FindEncryption(job.encryptionMethod);
     if (encryption->engine == ZIP_EM_NONE) return true;
     return zip_file_set_encryption(archive, index, encryption->engine, job.password.Text()) == 0;
@@ -116,7 +120,8 @@ bool AddEntry(zip_t* archive, const std::wstring& path, const std::wstring& name
         return false;
     }
     const auto place = static_cast<zip_uint64_t>(index);
-    return SetMethods(archive, place, job, facts.size) && AddTimes(archive, place, facts);
+    return SetCompression(archive, place, job, facts.size) && SetEncryption(archive, place, job) &&
+           AddTimes(archive, place, facts);
 }
 
 UniqueArchive OpenArchive(OutputFile& output, RunState& run) {

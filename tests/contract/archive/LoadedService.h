@@ -1,0 +1,24 @@
+// The archive service that lies beside the program, bound by hand as any caller would.
+#pragma once
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/ArchiveService.h"
+
+namespace obtest {
+
+class LoadedService {
+public:
+    LoadedService();
+
+    // The file was found and has every entry.
+    bool IsComplete() const { return complete_; }
+    HMODULE Module() const { return module_.Get(); }
+    const obcore::ArchiveServiceEntries* operator->() const { return &entries_; }
+
+private:
+    ObLib::UniqueModule module_;
+    obcore::ArchiveServiceEntries entries_{};
+    bool complete_ = false;
+};
+
+} // namespace obtest

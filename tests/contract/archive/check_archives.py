@@ -1,0 +1,226 @@
+#!/usr/bin/env python3
+"""Has the archive service write zips under Wine and opens them with other people's tools.
+
+Each tool must give back every file byte for byte under its name, refuse a wrong password, and notice
+a flipped bit. A tool that can't read a form at all is named in CANNOT with the reason, and the check
+makes sure that it still can't, so that no case goes missing unseen.
+"""
+import argparse
+import os
+import random
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import unicodedata
+import zipfile
+
+PASSWORD = "pässwörd 7"
+ARCHIVES = {  # name: encryption strength (of the 0x9901 field), method behind it
+    "plain.zip": (0, 8),
+    "plain.zipx": (0, 95),
+    "aes128.zip": (1, 8),
+    "aes256.zip": (3, 8),
+    "aes256.zipx": (3, 95),
+}
+CANNOT = {
+    ("unzip", "plain.zipx"): "knows no xz",
+    ("unzip", "aes128.zip"): "knows no AES",
+    ("unzip", "aes256.zip"): "knows no AES",
+    ("unzip", "aes256.zipx"): "knows neither",
+    ("bsdtar", "aes256.zipx"): "does not decrypt what is compressed with xz",
+    ("python", "plain.zipx"): "knows no xz in a zip",
+    ("python", "aes128.zip"): "knows no AES",
+    ("python", "aes256.zip"): "knows no AES",
+    ("python", "aes256.zipx"): "knows neither",
+}
+ENV = dict(os.environ, LC_ALL="C.UTF-8", TZ="UTC")
+OLD = 1551675968  # 2019-03-04 05:06:08 UTC
+
+failures = []
+
+
+def check(condition, text):
+    if not condition:
+        failures.append(text)
+        print(f"FAILED: {text}", flush=True)
+
+
+def run(*command, **options):
+    return subprocess.run(command, env=ENV, stdin=subprocess.DEVNULL, capture_output=True, check=False, **options)
+
+
+def make_sources(folder):
+    """Writes the tree and returns what each zip must hold: name -> content."""
+    noise = random.Random(7)
+    expected = {}
+
+    def add(path, content, name=None):
+        full = os.path.join(folder, path)
+        os.makedirs(os.path.dirname(full), exist_ok=True)
+        with open(full, "wb") as file:
+            file.write(content)
+        os.utime(full, (OLD, OLD))
+        expected[name or os.path.basename(path)] = content
+
+    add("a/text.txt", b"The quick brown fox. " * 20000)
+    add("a/empty.bin", b"")
+    for size in (1, 15, 16, 17, 18, 19, 20, 8191, 8192, 8193, 65535, 65536, 65537, 300000):
+        add(f"a/noise{size}.bin", noise.randbytes(size))
+    add("n/Übergröße ñ.txt", "umlauts".encode())
+    add("n/e\u0301 combining.txt", b"combining")
+    add("n/\U0001F600\U0001F468\u200D\U0001F469.txt", b"emoji")
+    add("n/\u05E9\u05DC\u05D5\u05DD.txt", b"right to left")
+    add("n/\u65E5\u672C.txt", b"ideographs")
+    add("n/" + "l" * 200 + ".txt", b"long name")
+    add("o/same.txt", b"first of the name")
+    add("p/same.txt", b"second of the name", "same (2).txt")
+    add("/".join(["q"] + ["d" * 90] * 4) + "/deep.txt", b"deep")
+    # Two files to this side; whoever unpacks where case makes no difference needs two names.
+    add("t/TWIN.txt", b"upper twin")
+    add("t/twin.txt", b"lower twin", "twin (2).txt")
+    return expected
+
+
+def make_archives(options, work):
+    expected = make_sources(os.path.join(work, "in"))
+    kept = os.path.join(work, "kept")
+    done = run(options.wine_run, "--timeout", "100", "--stage", os.path.join(work, "in"), "--stage", options.service,
+               "--env", f"OB_PASSWORD={PASSWORD}", "--env", "TZ=UTC", "--keep", kept, "--", options.maker)
+    sys.stdout.write(done.stdout.decode(errors="replace"))
+    sys.stderr.write(done.stderr.decode(errors="replace"))
+    check(done.returncode == 0, f"the service wrote every zip (exit code {done.returncode})")
+    out = os.path.join(kept, "out")
+    check(sorted(os.listdir(out)) == sorted(ARCHIVES), f"nothing but the zips is left: {os.listdir(out)}")
+    return out, expected
+
+
+def unpack(tool, archive, target, password):
+    """Unpacks with one tool and returns its success."""
+    os.makedirs(target)
+    if tool == "7z":
+        return run("7z", "x", "-y", f"-p{password}", f"-o{target}", archive).returncode == 0
+    if tool == "unzip":
+        return run("unzip", "-q", "-o", "-P", password, archive, "-d", target).returncode == 0
+    if tool == "bsdtar":
+        return run("bsdtar", "-x", "--passphrase", password, "-f", archive, "-C", target).returncode == 0
+    try:
+        with zipfile.ZipFile(archive) as file:
+            file.extractall(target, pwd=password.encode())
+        return True
+    except (NotImplementedError, RuntimeError, zipfile.BadZipFile):
+        return False
+
+
+def same_tree(folder, expected, tool=""):
+    # bsdtar composes letters and their marks, whatever the zip holds.
+    if tool == "bsdtar":
+        expected = {unicodedata.normalize("NFC", name): content for name, content in expected.items()}
+    names = sorted(os.listdir(folder))
+    if names != sorted(expected):
+        return f"names {sorted(set(names) ^ set(expected))}"
+    for name, content in expected.items():
+        with open(os.path.join(folder, name), "rb") as file:
+            if file.read() != content:
+                return f"content of {name}"
+    return ""
+
+
+def check_tool(tool, archive, expected, work):
+    name = os.path.basename(archive)
+    target = os.path.join(work, f"{tool}-{name}")
+    done = unpack(tool, archive, target, PASSWORD)
+    if (tool, name) in CANNOT:
+        check(not done, f"{tool} reads {name} now: take it out of CANNOT ({CANNOT[tool, name]})")
+        print(f"{tool} {name}: passed over, it {CANNOT[tool, name]}", flush=True)
+        return
+    check(done, f"{tool} unpacks {name}")
+    difference = same_tree(target, expected, tool)
+    check(not difference, f"{tool} gives back {name}: {difference}")
+    if ARCHIVES[name][0]:
+        wrong = os.path.join(work, f"wrong-{tool}-{name}")
+        refused = not unpack(tool, archive, wrong, PASSWORD + "x")
+        check(refused and same_tree(wrong, expected, tool), f"{tool} refuses a wrong password for {name}")
+    print(f"{tool} {name}: ok", flush=True)
+
+
+def check_times(work):
+    """7z, unzip and bsdtar set the times that the zip holds."""
+    for tool in ("7z", "unzip", "bsdtar"):
+        path = os.path.join(work, f"{tool}-plain.zip", "text.txt")
+        check(os.path.exists(path) and int(os.stat(path).st_mtime) == OLD, f"{tool} restores the time")
+
+
+def entries(data):
+    """Offset of each central header, with its local one."""
+    end = data.rfind(b"PK\5\6")
+    count, _, at = struct.unpack_from("<HII", data, end + 10)
+    for _ in range(count):
+        name, extra, comment = struct.unpack_from("<HHH", data, at + 28)
+        yield at, struct.unpack_from("<I", data, at + 42)[0], data[at + 46 + name:at + 46 + name + extra]
+        at += 46 + name + extra + comment
+
+
+def check_headers(archive):
+    name = os.path.basename(archive)
+    strength, method = ARCHIVES[name]
+    with open(archive, "rb") as file:
+        data = file.read()
+    for at, local, extra in entries(data):
+        flags, stored, checksum, size = struct.unpack_from("<HH4xI4xI", data, at + 8)
+        check(bool(flags & 1) == bool(strength), f"{name}: encryption flag")
+        if not strength:
+            check(stored == (method if size else 0), f"{name}: method {stored}")
+            continue
+        field = struct.pack("<HHH2sBH", 0x9901, 7, 2, b"AE", strength, method if size else 0)
+        check(stored == 99 and field in extra, f"{name}: AE-2 field")
+        check(checksum == 0 and data[local + 14:local + 18] == bytes(4), f"{name}: no checksum of the plain data")
+
+
+def check_flipped_bits(archive, work):
+    """One bit in salt, password verifier, data and authentication code of the largest entry."""
+    with open(archive, "rb") as file:
+        data = file.read()
+    at, local, _ = max(entries(data), key=lambda entry: struct.unpack_from("<I", data, entry[0] + 20))
+    size = struct.unpack_from("<I", data, at + 20)[0]
+    name, extra = struct.unpack_from("<HH", data, local + 26)
+    start = local + 30 + name + extra
+    salt = {1: 8, 3: 16}[ARCHIVES[os.path.basename(archive)][0]]
+    places = {"salt": 0, "verifier": salt, "data": salt + 2 + 5, "code": size - 1}
+    for place, offset in places.items():
+        broken = bytearray(data)
+        broken[start + offset] ^= 1
+        path = os.path.join(work, f"flipped-{place}.zip")
+        with open(path, "wb") as file:
+            file.write(broken)
+        refused = run("7z", "t", f"-p{PASSWORD}", path).returncode != 0
+        check(refused, f"{os.path.basename(archive)}: a flipped bit in the {place} is refused")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--wine-run", required=True)
+    parser.add_argument("--maker", required=True)
+    parser.add_argument("--service", required=True)
+    parser.add_argument("--keep", help="copy the zips there")
+    options = parser.parse_args()
+    with tempfile.TemporaryDirectory(prefix="webvellant-archives-") as work:
+        out, expected = make_archives(options, work)
+        if not failures:
+            for name in ARCHIVES:
+                archive = os.path.join(out, name)
+                for tool in ("7z", "unzip", "bsdtar", "python"):
+                    check_tool(tool, archive, expected, work)
+                check_headers(archive)
+            check_times(work)
+            for name in ("aes128.zip", "aes256.zip"):
+                check_flipped_bits(os.path.join(out, name), work)
+        if options.keep:
+            shutil.copytree(out, options.keep, dirs_exist_ok=True)
+    print(f"{len(failures)} failures")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
