@@ -116,6 +116,13 @@ TEST_F(OptionsOfUser, KeepAnEncryptionMethodThatIsAllowed) {
     EXPECT_EQ(4u, Loaded().EncryptionMethod);
 }
 
+TEST_F(OptionsOfUser, FallBackToTheStandardEncryptionMethodWhenTheValueIsAbsent) {
+    OBOptions options;
+    options.EncryptionMethod = 8;
+    options.Load();
+    EXPECT_EQ(4u, options.EncryptionMethod);
+}
+
 TEST_F(OptionsOfUser, KnowTwoCompressionMethods) {
     const std::pair<const wchar_t*, std::uint32_t> rows[] = {
         {L"8", 8}, {L"-1", 0xFFFFFFFF}, {L"12", 8}, {L"0", 8}, {L"", 8}, {L"zipx", 8},
