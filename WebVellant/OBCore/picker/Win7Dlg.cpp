@@ -65,7 +65,6 @@ int Win7Dlg::ConfirmRun(IFileOpenDialog& dialog) {
     std::vector<std::wstring> picked;
     CollectPickedPaths(dialog, picked); // without results the pipeline gets an empty list
     if (ProcessPickedFiles(picked) == 0) return 0;
-    if (!Request->lpstrFile) return 0;
     if (AttachRecord->ResultIsArchive) return WriteArchivePath();
     return CompressUtils::FillOpenFileNameBuffer(*AttachRecord, *Request, end_);
 }
@@ -76,7 +75,7 @@ int Win7Dlg::WriteArchivePath() {
     if (Request->nMaxFile <= needed) return 0;
     // nMaxFile is the page's own number and may promise more than the block holds.
     wchar_t* const slot = Request->lpstrFile;
-    if (end_ < slot || static_cast<std::size_t>(end_ - slot) < needed) return 0;
+    if (!slot || slot > end_ || static_cast<std::size_t>(end_ - slot) < needed) return 0;
     std::fill_n(std::copy(path.begin(), path.end(), slot), 2, L'\0');
     return 1;
 }
