@@ -1,0 +1,71 @@
+// Whole requests while a file of the product isn't there.
+#include "tests/e2e/RealRequest.h"
+
+namespace obtest {
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+// Moves a file of C:\app away for a scope.
+class Missing {
+public:
+    explicit Missing(const std::wstring& name)
+        : path_(L"C:\\app\\" + name), moved_(path_ + L".away") {
+        EXPECT_TRUE(MoveFileW(path_.c_str(), moved_.c_str())) << "error " << GetLastError();
+    }
+    ~Missing() { MoveFileW(moved_.c_str(), path_.c_str()); }
+    Missing(const Missing&) = delete;
+    Missing& operator=(const Missing&) = delete;
+
+private:
+    std::wstring path_;
+    std::wstring moved_;
+};
+
+// A suite of its own: a service that was bound once stays bound, as this platform keeps a library
+// loaded that has opened itself as a resource.
+class MissingArchiveService : public RealRequest {};
+
+TEST_F(MissingArchiveService, LetsTheBrowserAskItself) {
+    const Missing service(L"obofcsvc64.dll");
+    EXPECT_EQ(AskOpen().result, 7);
+    EXPECT_EQ(AskShow(), S_OK);
+    EXPECT_EQ(browser_.ownDialogs, (Texts{L"open", L"show"}));
+    EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
+}
+
+TEST_F(MissingArchiveService, IsFoundByTheNextRequestWhenItIsBack) {
+    {
+        const Missing service(L"obofcsvc64.dll");
+        EXPECT_EQ(AskOpen().result, 7);
+    }
+    const std::wstring file = files_.File(L"back.txt");
+    PickerPerson person(Pick(Choice::None, {file}));
+    EXPECT_EQ(AskOpen().given, Texts{file});
+    EXPECT_TRUE(person.Done());
+}
+
+class MissingModules : public RealRequest {};
+
+TEST_F(MissingModules, WithoutTheProviderManagerThePageReadsACancel) {
+    const Missing manager(L"PVXManager64.dll");
+    const OpenAnswer answer = AskOpen();
+    EXPECT_EQ(answer.result, FALSE);
+    EXPECT_EQ(answer.given, Texts{});
+    EXPECT_EQ(answer.ownerAfterwards, Owner());
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_EQ(browser_.ownDialogs, Texts{});
+}
+
+TEST_F(MissingModules, WithoutTheHostThePageReadsACancel) {
+    const Missing host(L"obwmvapp.exe");
+    const OpenAnswer answer = AskOpen();
+    EXPECT_EQ(answer.result, FALSE);
+    EXPECT_EQ(answer.given, Texts{});
+    EXPECT_EQ(answer.ownerAfterwards, Owner());
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_EQ(browser_.ownDialogs, Texts{});
+}
+
+} // namespace
+} // namespace obtest

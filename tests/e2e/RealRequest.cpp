@@ -1,0 +1,206 @@
+#include "tests/e2e/RealRequest.h"
+
+#include <algorithm>
+
+#include "tests/support/PasswordPerson.h"
+#include "tests/support/ProductRegistry.h"
+
+namespace obtest {
+namespace {
+
+constexpr wchar_t kLibrary[] = L"C:\\app\\obwmcore64.dll";
+constexpr DWORD kRequestBuffer = 4096; // wide characters, as browsers give
+constexpr DWORD kPersonLimit = 10000;  // milliseconds
+
+using OpenDoor = BOOL(OPENFILENAMEW*, BrowserContext*);
+using ShowDoor = HRESULT(IFileDialog*, HWND, BrowserContext*);
+using ResultDoor = HRESULT(IFileDialog*, IShellItem**, BrowserContext*);
+using ResultsDoor = HRESULT(IFileDialog*, IShellItemArray**, BrowserContext*);
+
+std::wstring PathOf(IShellItem* item) {
+    ObLib::UniqueCoTaskMemory<wchar_t> path;
+    if (FAILED(item->GetDisplayName(SIGDN_FILESYSPATH, path.Put()))) return {};
+    return path.Get();
+}
+
+// A multi-string: items up to the first empty one.
+std::vector<std::wstring> Items(const wchar_t* list) {
+    std::vector<std::wstring> items;
+    for (; *list; list += items.back().size() + 1) items.emplace_back(list);
+    return items;
+}
+
+void Choose(const OpenPicker& picker, const std::wstring& text) {
+    ASSERT_TRUE(picker.Click(text)) << "the choice takes no click";
+    ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(text); }, kPersonLimit));
+}
+
+} // namespace
+
+BOOL FakeBrowser::CallGetOpenFileName(OPENFILENAMEW*) {
+    ownDialogs.push_back(L"open");
+    return 7;
+}
+
+HRESULT FakeBrowser::CallShow(IFileDialog*, HWND) {
+    ownDialogs.push_back(L"show");
+    return S_OK;
+}
+
+HRESULT FakeBrowser::CallGetResult(IFileDialog*, IShellItem**) {
+    ownDialogs.push_back(L"result");
+    return E_FAIL;
+}
+
+HRESULT FakeBrowser::CallGetResults(IFileDialog*, IShellItemArray**) {
+    ownDialogs.push_back(L"results");
+    return E_FAIL;
+}
+
+std::uint8_t FakeBrowser::IsPickerWanted() {
+    ++timesAskedWhetherWanted;
+    return pickerWanted ? 1 : 0;
+}
+
+void FakeBrowser::NoteCleanupFiles(const wchar_t* folder, const wchar_t* file) {
+    cleanupFolder = folder;
+    if (file) cleanupFile = file;
+}
+
+void RealRequest::SetUp() {
+    ASSERT_HRESULT_SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
+    ClearProductRegistry();
+    library_.Reset(LoadLibraryW(kLibrary));
+    ASSERT_TRUE(library_) << "error " << GetLastError();
+    owner_.Reset(CreateWindowExW(0, L"Static", L"browser", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 20, 20,
+                                 640, 480, nullptr, nullptr, nullptr, nullptr));
+    ASSERT_TRUE(owner_);
+    tempBefore_ = ListTree(TempFolder());
+}
+
+void RealRequest::TearDown() {
+    EXPECT_TRUE(IsWindowEnabled(Owner())) << "the browser's window stays disabled";
+    dialog_.Reset();
+    owner_.Reset();
+    library_.Reset();
+    CoUninitialize();
+}
+
+template <class Door>
+Door* RealRequest::Find(const char* name) const {
+    const FARPROC door = GetProcAddress(library_.Get(), name);
+    EXPECT_TRUE(door) << name << " isn't exported";
+    return reinterpret_cast<Door*>(reinterpret_cast<void*>(door));
+}
+
+RealRequest::Use RealRequest::Pick(Choice choice, std::vector<std::wstring> paths) const {
+    return [text = Text(static_cast<UINT>(choice)), paths](OpenPicker& picker) {
+        Choose(picker, text);
+        const std::wstring names =
+            paths.size() == 1 ? paths.front() : OpenPicker::QuotedNames(paths);
+        EXPECT_TRUE(picker.TypeNames(names));
+        picker.PressOk();
+    };
+}
+
+RealRequest::Use RealRequest::PickAndEncrypt(std::vector<std::wstring> paths,
+                                             std::wstring password) const {
+    return [pick = Pick(Choice::Encrypt, paths), password](OpenPicker& picker) {
+        pick(picker);
+        const OpenPasswordPrompt prompt = OpenPasswordPrompt::Await();
+        ASSERT_TRUE(prompt.Window()) << "no password prompt";
+        EXPECT_TRUE(prompt.Type(password, password));
+        EXPECT_TRUE(prompt.PressOk());
+        EXPECT_TRUE(prompt.WaitUntilClosed());
+    };
+}
+
+RealRequest::OpenAnswer RealRequest::AskOpen(DWORD flags) {
+    std::vector<wchar_t> buffer(kRequestBuffer, L'\0');
+    OPENFILENAMEW request{};
+    request.lStructSize = sizeof request;
+    request.hwndOwner = Owner();
+    request.lpstrFilter = L"All files\0*.*\0";
+    request.lpstrFile = buffer.data();
+    request.nMaxFile = kRequestBuffer;
+    request.Flags = flags;
+    auto* const door = Find<OpenDoor>("GetOpenFileNameInBrowser");
+    if (!door) return {};
+    const BOOL result = door(&request, &browser_);
+    return {result, Items(buffer.data()), request.hwndOwner};
+}
+
+HRESULT RealRequest::AskShow(FILEOPENDIALOGOPTIONS options) {
+    auto* const door = Find<ShowDoor>("FileOpenDialog_ShowInBrowser");
+    if (!door) return E_FAIL;
+    const HRESULT made =
+        CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, IID_IFileOpenDialog,
+                         reinterpret_cast<void**>(dialog_.Put()));
+    if (FAILED(made)) return made;
+    dialog_->SetOptions(options);
+    return door(dialog_.Get(), Owner(), &browser_);
+}
+
+HRESULT RealRequest::GetResult(std::wstring& path) {
+    auto* const door = Find<ResultDoor>("FileOpenDialog_GetResultInBrowser");
+    if (!door) return E_FAIL;
+    ObLib::ComPtr<IShellItem> item;
+    const HRESULT result = door(dialog_.Get(), item.Put(), &browser_);
+    if (item) path = PathOf(item.Get());
+    return result;
+}
+
+HRESULT RealRequest::GetResults(std::vector<std::wstring>& paths) {
+    auto* const door = Find<ResultsDoor>("FileOpenDialog_GetResultsInBrowser");
+    if (!door) return E_FAIL;
+    ObLib::ComPtr<IShellItemArray> items;
+    const HRESULT result = door(dialog_.Get(), items.Put(), &browser_);
+    DWORD count = 0;
+    if (items) items->GetCount(&count);
+    for (DWORD index = 0; index < count; ++index) {
+        ObLib::ComPtr<IShellItem> item;
+        if (SUCCEEDED(items->GetItemAt(index, item.Put()))) paths.push_back(PathOf(item.Get()));
+    }
+    return result;
+}
+
+std::wstring RealRequest::Text(UINT id) const {
+    wchar_t text[512] = {};
+    EXPECT_GT(LoadStringW(library_.Get(), id, text, 512), 0) << "no text " << id;
+    return text;
+}
+
+std::wstring RealRequest::TempFolder() {
+    wchar_t given[MAX_PATH] = {};
+    GetTempPathW(MAX_PATH, given);
+    wchar_t folder[MAX_PATH] = {};
+    GetLongPathNameW(given, folder, MAX_PATH);
+    std::wstring path = folder;
+    if (path.ends_with(L'\\')) path.pop_back();
+    return path;
+}
+
+std::vector<std::wstring> RealRequest::LeftInTemp() const {
+    const std::wstring own = NameOf(files_.Path()) + L"\\";
+    std::vector<std::wstring> left;
+    for (const std::wstring& item : ListTree(TempFolder())) {
+        const bool before = std::ranges::find(tempBefore_, item) != tempBefore_.end();
+        if (!before && !item.starts_with(own)) left.push_back(item);
+    }
+    return left;
+}
+
+std::string Utf8(const std::wstring& text) {
+    std::string bytes(text.size() * 3, '\0');
+    const int count =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+                            static_cast<int>(bytes.size()), nullptr, nullptr);
+    bytes.resize(static_cast<std::size_t>(count));
+    return bytes;
+}
+
+std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.rfind(L'\\') + 1); }
+
+std::wstring NameOf(const std::wstring& path) { return path.substr(path.rfind(L'\\') + 1); }
+
+} // namespace obtest

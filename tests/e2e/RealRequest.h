@@ -1,0 +1,101 @@
+// Everything of one request but the page: the real library, loaded as a browser's hook would.
+#pragma once
+
+#include <windows.h>
+
+#include <commdlg.h>
+#include <gtest/gtest.h>
+#include <shobjidl.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/BrowserContext.h"
+#include "tests/support/PickerPerson.h"
+#include "tests/support/TestFolder.h"
+
+namespace obtest {
+
+inline constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
+
+// The product's choices, by their text ids.
+enum class Choice : UINT { Zip = 101, Encrypt = 102, None = 103 };
+
+// A browser with a mail page, which notes what it is asked and told.
+class FakeBrowser final : public BrowserContext {
+public:
+    BOOL CallGetOpenFileName(OPENFILENAMEW* request) override;
+    HRESULT CallShow(IFileDialog* dialog, HWND owner) override;
+    HRESULT CallGetResult(IFileDialog* dialog, IShellItem** out) override;
+    HRESULT CallGetResults(IFileDialog* dialog, IShellItemArray** out) override;
+    const wchar_t* GetPageUrl() override { return url.c_str(); }
+    const wchar_t* const* GetBrowserWindowClasses() override { return nullptr; }
+    std::int32_t GetBrowserWindowClassCount() override { return 0; }
+    std::uint8_t IsPickerWanted() override;
+    void InsertLinkText(const wchar_t* text) override { links.push_back(text); }
+    void NoteCleanupFiles(const wchar_t* folder, const wchar_t* file) override;
+
+    std::wstring url = L"https://mail.google.com/mail/u/0/#inbox?compose=new";
+    bool pickerWanted = true;
+
+    int timesAskedWhetherWanted = 0;
+    std::vector<std::wstring> ownDialogs; // "open", "show", "result", "results"
+    std::vector<std::wstring> links;
+    std::optional<std::wstring> cleanupFolder;
+    std::optional<std::wstring> cleanupFile;
+};
+
+// The library is loaded anew for each test and unloaded after it.
+class RealRequest : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // What a person does in the picker, on a thread of its own.
+    using Use = std::function<void(OpenPicker&)>;
+    Use Pick(Choice choice, std::vector<std::wstring> paths) const;
+    Use PickAndEncrypt(std::vector<std::wstring> paths, std::wstring password) const;
+
+    // A page that calls GetOpenFileNameW. The answer's list is in `given` without NULs.
+    struct OpenAnswer {
+        BOOL result = FALSE;
+        std::vector<std::wstring> given;
+        HWND ownerAfterwards = nullptr;
+    };
+    OpenAnswer AskOpen(DWORD flags = OFN_ALLOWMULTISELECT | OFN_EXPLORER);
+
+    // A page that calls IFileDialog; the results are asked for only after a success.
+    HRESULT AskShow(FILEOPENDIALOGOPTIONS options = FOS_ALLOWMULTISELECT | FOS_FORCEFILESYSTEM);
+    HRESULT GetResult(std::wstring& path);
+    HRESULT GetResults(std::vector<std::wstring>& paths);
+
+    std::wstring Text(UINT id) const;
+    HWND Owner() const { return owner_.Get(); }
+
+    // What was made in the temporary folder since the test began, but for the test's own files.
+    std::vector<std::wstring> LeftInTemp() const;
+    static std::wstring TempFolder();
+
+    FakeBrowser browser_;
+    TestFolder files_;
+
+private:
+    template <class Door>
+    Door* Find(const char* name) const;
+
+    ObLib::UniqueModule library_;
+    ObLib::UniqueWindow owner_;
+    ObLib::ComPtr<IFileOpenDialog> dialog_;
+    std::vector<std::wstring> tempBefore_;
+};
+
+std::string Utf8(const std::wstring& text);
+
+// The folder in which a file lies, with its last backslash, and its name.
+std::wstring FolderOf(const std::wstring& path);
+std::wstring NameOf(const std::wstring& path);
+
+} // namespace obtest

@@ -1,0 +1,40 @@
+// A person at the password prompt: finds it and types as people do.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace obtest {
+
+// An open password prompt: a dialog with two fields that hide what is typed. Used from a thread
+// that doesn't show it.
+class OpenPasswordPrompt {
+public:
+    static constexpr DWORD kLimit = 20000; // milliseconds
+
+    // Waits for a visible prompt of the process, or of any process for 0. Window() is null when
+    // none came.
+    static OpenPasswordPrompt Await(DWORD processId = 0, DWORD limit = kLimit);
+
+    // The one that is open now; its Window() may be null.
+    static OpenPasswordPrompt Find(DWORD processId = 0);
+
+    explicit OpenPasswordPrompt(HWND window) : window_(window) {}
+
+    HWND Window() const { return window_; }
+
+    // Types into both fields, character by character. False when there aren't two fields.
+    bool Type(const std::wstring& password, const std::wstring& repetition) const;
+
+    // Waits until OK takes a press, then presses it. False after the limit.
+    bool PressOk(DWORD limit = kLimit) const;
+    void PressCancel() const;
+
+    bool WaitUntilClosed(DWORD limit = kLimit) const;
+
+private:
+    HWND window_;
+};
+
+} // namespace obtest
