@@ -1,7 +1,6 @@
 #include "services/archive/ZipRun.h"
 
 #include <cstring>
-#include <utility>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/ArchiveTarget.h"
