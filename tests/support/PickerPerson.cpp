@@ -138,7 +138,7 @@ std::vector<std::wstring> OpenPicker::ChoiceTexts() const {
     };
     std::vector<Placed> placed;
     FindDescendant(window_, [&](HWND child) {
-        if (!IsChoice(child)) return false;
+        if (!IsChoice(child) || !IsWindowVisible(child)) return false;
         Placed entry{{}, WithoutMarks(TextOf(child))};
         GetWindowRect(child, &entry.place);
         placed.push_back(entry);

@@ -25,7 +25,7 @@ public:
     HWND Window() const { return window_; }
     bool IsOpen() const;
 
-    // The texts of the picker's own buttons (radio buttons and check boxes), without marks for
+    // The texts of the visible radio buttons and check boxes, without marks for
     // keys, from top to bottom and from left to right.
     std::vector<std::wstring> ChoiceTexts() const;
 
