@@ -13,7 +13,7 @@ void CopyFilesToFolder(const std::wstring& folder, std::vector<std::wstring>& fi
     std::vector<std::wstring> copies;
     for (const std::wstring& source : files) {
         std::wstring copy = folder + PathFindFileNameW(source.c_str());
-        if (CopyFileW(ExtendedPath(source).c_str(), copy.c_str(), FALSE)) {
+        if (CopyFileW(ExtendedPath(source).c_str(), ExtendedPath(copy).c_str(), FALSE)) {
             copies.push_back(std::move(copy));
         }
     }

@@ -65,8 +65,10 @@ std::optional<std::wstring> FindWipeProgram() {
     return std::nullopt;
 }
 
-std::wstring FolderOf(const std::wstring& program) {
-    return program.substr(0, program.rfind(L'\\'));
+// The root of a drive keeps its backslash: without it the name means the drive's current folder.
+std::wstring FolderOf(std::wstring program) {
+    PathRemoveFileSpecW(program.data());
+    return program.c_str();
 }
 
 } // namespace

@@ -15,7 +15,8 @@ bool IsSelfOrParent(const wchar_t* name) {
 }
 
 // A copy inherits the mark of a write-protected source, and such a file can't be deleted.
-void DeleteCopy(const std::wstring& file) {
+void DeleteCopy(const std::wstring& path) {
+    const std::wstring file = ExtendedPath(path);
     if (DeleteFileW(file.c_str()) || GetLastError() != ERROR_ACCESS_DENIED) return;
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
     DeleteFileW(file.c_str());
@@ -27,7 +28,8 @@ namespace CompressUtils {
 
 void CollectFolderFiles(const std::wstring& folder, std::vector<std::wstring>& files) {
     WIN32_FIND_DATAW entry;
-    const ObLib::UniqueFindHandle search(FindFirstFileW(CombinePath(folder, L"*").c_str(), &entry));
+    const std::wstring pattern = ExtendedPath(CombinePath(folder, L"*"));
+    const ObLib::UniqueFindHandle search(FindFirstFileW(pattern.c_str(), &entry));
     if (!search) return;
     do {
         const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;

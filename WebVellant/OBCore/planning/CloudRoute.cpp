@@ -4,6 +4,7 @@
 
 #include "OBCore/chooser/SelectDefaultCloudDialog.h"
 #include "OBCore/cloud/CloudSend.h"
+#include "OBCore/files/Paths.h"
 #include "OBCore/modules/ProviderManager.h"
 #include "OBCore/usage/UsageEvents.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -15,8 +16,9 @@ constexpr DWORD kSizeQueryAccess = FILE_READ_EA; // 8: enough to ask for the siz
 
 // A file that vanished or can't be opened counts as empty: by size alone it is never uploaded.
 std::int64_t FileSize(const std::wstring& path) {
-    const ObLib::UniqueKernelHandle file(CreateFileW(
-        path.c_str(), kSizeQueryAccess, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+    const ObLib::UniqueKernelHandle file(CreateFileW(ExtendedPath(path).c_str(), kSizeQueryAccess,
+                                                     FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
+                                                     nullptr));
     LARGE_INTEGER size = {};
     if (!file || !GetFileSizeEx(file.Get(), &size)) return 0;
     return size.QuadPart;

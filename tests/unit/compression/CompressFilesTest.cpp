@@ -2,6 +2,7 @@
 
 #include "OBCore/modules/TextIds.h"
 #include "tests/unit/compression/RunFixture.h"
+#include "tests/unit/entry/RecordedTrace.h"
 
 namespace {
 
@@ -66,6 +67,22 @@ TEST_F(Compression, NamesTheZipAsResultAndForCleanUp) {
     EXPECT_EQ(job_.CleanupFolder, RunFolder());
     EXPECT_EQ(Left(), (Lines{L"1000\\", std::wstring(L"1000\\") + kZipName}));
     EXPECT_EQ(job_.Files, (Lines{first_, second_}));
+}
+
+std::string Narrow(const std::wstring& ascii) {
+    std::string text;
+    for (const wchar_t character : ascii) text += static_cast<char>(character);
+    return text;
+}
+
+TEST_F(Compression, TracesWhereTheZipLies) {
+    obtest::ForgetTrace();
+    EXPECT_TRUE(CompressFiles(job_));
+    const std::string folder = Narrow(RunFolder());
+    const std::string zip = folder + Narrow(kZipName);
+    EXPECT_EQ(obtest::TraceLines(),
+              (std::vector<std::string>{"SetZipName: " + zip, "SetTempFolder: " + folder,
+                                        "ZipResult: " + zip}));
 }
 
 TEST_F(Compression, NotesAPlainZipForTheUsageReport) {

@@ -3,6 +3,7 @@
 
 #include "OBCore/compression/CompressFiles.h"
 #include "tests/unit/compression/RunFixture.h"
+#include "tests/unit/entry/RecordedTrace.h"
 
 namespace {
 
@@ -69,6 +70,16 @@ TEST_F(Encryption, SetsTheMethodAndHandsThePasswordOver) {
     EXPECT_EQ(job_.ResultPath, RunFolder() + kZipName);
     EXPECT_TRUE(job_.Usage.UsageZipped);
     EXPECT_TRUE(job_.Usage.UsageEncrypted);
+}
+
+TEST_F(Encryption, KeepsThePasswordOutOfTheTrace) {
+    StandIns::Answer(L"Password", L"open sesame");
+    obtest::ForgetTrace();
+    EXPECT_TRUE(CompressFiles(job_));
+    ASSERT_EQ(obtest::TraceLines().size(), 3u);
+    for (const std::string& line : obtest::TraceLines()) {
+        EXPECT_EQ(line.find("sesame"), std::string::npos) << line;
+    }
 }
 
 TEST_F(Encryption, WorksBesideSendItemToo) {

@@ -113,20 +113,32 @@ TEST_F(CopyFiles, CopiesOutOfAFolderWithAPathOfMoreThan260Characters) {
     EXPECT_EQ(ReadFileContent(L"\\\\?\\" + picked), "deep");
 }
 
-std::vector<std::wstring> copiedSources;
+struct CopyCall {
+    std::wstring source;
+    std::wstring target;
+    bool operator==(const CopyCall&) const = default;
+};
+std::vector<CopyCall> copyCalls;
+BOOL keepsExisting = FALSE;
 
-BOOL WINAPI NotedCopy(LPCWSTR source, LPCWSTR, BOOL) {
-    copiedSources.push_back(source);
+BOOL WINAPI NotedCopy(LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
+    copyCalls.push_back({source, target});
+    keepsExisting |= failIfExists;
     return TRUE;
 }
 
-TEST_F(CopyFiles, HandsTheSystemALongPathInItsExtendedForm) {
+TEST_F(CopyFiles, HandsTheSystemLongPathsInTheirExtendedForm) {
     obtest::ImportDouble<decltype(&CopyFileW)> copy("kernel32.dll", "CopyFileW", &NotedCopy);
     ASSERT_TRUE(copy.Stands());
     const std::wstring picked = L"C:\\" + std::wstring(250, L'd') + L"\\deep.txt";
-    EXPECT_EQ(Copy({picked, L"C:\\short.txt"}),
-              (Files{copies_ / L"deep.txt", copies_ / L"short.txt"}));
-    EXPECT_EQ(copiedSources, (Files{L"\\\\?\\" + picked, L"C:\\short.txt"}));
+    const std::wstring longName(250, L'n');
+    EXPECT_EQ(Copy({picked, L"C:\\short.txt", L"C:\\" + longName}),
+              (Files{copies_ / L"deep.txt", copies_ / L"short.txt", copies_ / longName}));
+    EXPECT_EQ(copyCalls,
+              (std::vector<CopyCall>{{L"\\\\?\\" + picked, copies_ / L"deep.txt"},
+                                     {L"C:\\short.txt", copies_ / L"short.txt"},
+                                     {L"C:\\" + longName, L"\\\\?\\" + (copies_ / longName)}}));
+    EXPECT_FALSE(keepsExisting);
 }
 
 TEST_F(CopyFiles, KeepsNamesWithEveryLegalOddity) {

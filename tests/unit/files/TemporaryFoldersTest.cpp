@@ -6,6 +6,7 @@
 
 #include "tests/support/ImportDouble.h"
 #include "tests/support/TestFolder.h"
+#include "tests/unit/entry/RecordedTrace.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ DWORD WINAPI LongPathDouble(LPCWSTR path, LPWSTR buffer, DWORD capacity) {
     longPathAsked = path;
     longPathCapacity = capacity;
     if (longPathResult != 0 && longPathResult < capacity) wcscpy(buffer, longPath.c_str());
+    if (longPathResult == 0) SetLastError(ERROR_PATH_NOT_FOUND);
     return longPathResult;
 }
 
@@ -65,6 +67,7 @@ protected:
         ASSERT_TRUE(tempPathDouble_.Stands());
         ASSERT_TRUE(longPathDouble_.Stands());
         AnswerLong(L"", 0);
+        obtest::ForgetTrace();
     }
 
     std::wstring folder_ = L"untouched";
@@ -84,6 +87,7 @@ TEST_F(TemporaryFolder, IsTheLongFormOfTheUsersFolder) {
     EXPECT_EQ(tempPathCapacity, 260u);
     EXPECT_EQ(longPathCapacity, 520u);
     EXPECT_EQ(longPathAsked, L"C:\\LONGNA~1\\");
+    EXPECT_TRUE(obtest::TraceLines().empty());
 }
 
 TEST_F(TemporaryFolder, TakesALongFormOf519Characters) {
@@ -94,10 +98,11 @@ TEST_F(TemporaryFolder, TakesALongFormOf519Characters) {
     EXPECT_EQ(folder_, path);
 }
 
-TEST_F(TemporaryFolder, StaysShortWithoutALongForm) {
+TEST_F(TemporaryFolder, StaysShortWithoutALongFormAndTracesWhy) {
     Answer(L"C:\\LONGNA~1\\", 12);
     EXPECT_TRUE(GetTemporaryFolder(folder_));
     EXPECT_EQ(folder_, L"C:\\LONGNA~1\\");
+    EXPECT_EQ(obtest::TraceLines(), std::vector<std::string>{"Long Path not Get, 3"});
 }
 
 TEST_F(TemporaryFolder, StaysShortWhenTheLongFormDoesNotFit) {

@@ -111,6 +111,15 @@ TEST_F(WipeStart, TakesTheRegisteredFolderUpToTheLastBackslash) {
     ExpectNothingStarts();
 }
 
+TEST_F(WipeStart, RunsInTheRootOfADriveWhereTheProductLiesThere) {
+    Register(L"C:\\ombrix.exe");
+    const PlacedWipeProgram program(L"C:");
+    ASSERT_TRUE(program.Stands());
+    ASSERT_TRUE(RunsToItsEnd(StartWipeProcess(L"x")));
+    ASSERT_EQ(program.Runs().size(), 1u);
+    EXPECT_EQ(program.Runs()[0].currentDirectory, L"C:\\");
+}
+
 TEST_F(WipeStart, TakesTextOnly) {
     const std::wstring path = product_ / L"ombrix.exe";
     RegisterRaw(REG_EXPAND_SZ, path + L'\0', Bytes(path) + 2);

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/ImportDouble.h"
+#include "tests/unit/entry/RecordedTrace.h"
 #include "tests/unit/files/WipeProgram.h"
 
 namespace {
@@ -14,8 +16,16 @@ using obtest::PlacedWipeProgram;
 using obtest::ProgramFolder;
 using Items = std::vector<std::wstring>;
 
+BOOL WINAPI RefusedStart(LPCWSTR, LPWSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL, DWORD,
+                         LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION) {
+    SetLastError(0x123);
+    return FALSE;
+}
+
 class Wipe : public testing::Test {
 protected:
+    void SetUp() override { obtest::ForgetTrace(); }
+
     static std::wstring OnlyCommandLine(const PlacedWipeProgram& program) {
         const auto runs = program.WaitForRuns(1);
         return runs.size() == 1 ? runs[0].commandLine : L"(runs: not one)";
@@ -28,6 +38,19 @@ TEST_F(Wipe, HandsTheItemsOverInOrderAndEmptiesTheList) {
     LaunchWipe(items);
     EXPECT_TRUE(items.empty());
     EXPECT_EQ(OnlyCommandLine(program), L"\"\" /timeout:120 \"C:\\b c\\2.txt\" \"C:\\a\\1.txt\"");
+    EXPECT_EQ(obtest::TraceLines(), std::vector<std::string>{"CreateProcess ObWipe success"});
+}
+
+TEST_F(Wipe, LeavesTheListAndTracesTheErrorWhenTheProgramIsRefused) {
+    const PlacedWipeProgram program(ProgramFolder());
+    obtest::ImportDouble<decltype(&CreateProcessW)> start("kernel32.dll", "CreateProcessW",
+                                                          &RefusedStart);
+    ASSERT_TRUE(start.Stands());
+    Items items = {L"C:\\a.txt"};
+    LaunchWipe(items);
+    EXPECT_EQ(items, Items{L"C:\\a.txt"});
+    EXPECT_EQ(obtest::TraceLines(),
+              std::vector<std::string>{"CreateProcess ObWipe failed 0000000000000123"});
 }
 
 TEST_F(Wipe, LeavesTheListWithoutTheProgram) {

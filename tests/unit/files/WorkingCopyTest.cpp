@@ -21,17 +21,21 @@ using Files = std::vector<std::wstring>;
 int filesDeleted = 0;
 int searches = 0;
 int foldersRemoved = 0;
+std::wstring lastDeleted;
+std::wstring lastSearched;
 decltype(&DeleteFileW) realDeleteFile = nullptr;
 decltype(&FindFirstFileW) realFindFirstFile = nullptr;
 decltype(&RemoveDirectoryW) realRemoveDirectory = nullptr;
 
 BOOL WINAPI CountedDelete(LPCWSTR path) {
     ++filesDeleted;
+    lastDeleted = path;
     return realDeleteFile(path);
 }
 
 HANDLE WINAPI CountedSearch(LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
     ++searches;
+    lastSearched = pattern;
     return realFindFirstFile(pattern, data);
 }
 
@@ -107,6 +111,37 @@ TEST_F(CleanedWorkingCopy, LeavesEverythingOutsideItsFolderAlone) {
     File(L"a.txt");
     CleanupWorkingCopy(Copy());
     EXPECT_EQ(Left(), (Files{L"1a2b3d\\", L"1a2b3d\\other run.txt", L"neighbour.txt"}));
+}
+
+TEST_F(CleanedWorkingCopy, LosesACopyWithTheLongestName) {
+    home_.Folder(L"1a2b3c\\" + std::wstring(100, L's'));
+    const std::wstring subfolder = L"1a2b3c\\" + std::wstring(100, L's') + L"\\";
+    const std::wstring path = home_ / (subfolder + std::wstring(255, L'n'));
+    ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + path, "content"));
+    CleanupWorkingCopy(Copy());
+    EXPECT_EQ(Left(), (Files{L"1a2b3c\\", subfolder}));
+}
+
+TEST_F(CleanedWorkingCopy, IsSearchedAndDeletedByExtendedPathsWhereTheyAreLong) {
+    const std::wstring subfolder = L"1a2b3c\\" + std::wstring(240, L's');
+    ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + (home_ / subfolder)).c_str(), nullptr));
+    const std::wstring file = L"\\\\?\\" + (home_ / subfolder) + L"\\a.txt";
+    ASSERT_TRUE(obtest::WriteFileContent(file, "content"));
+    const CallCounts counts;
+    ASSERT_TRUE(counts.Stand());
+    CleanupWorkingCopy(Copy());
+    EXPECT_EQ(lastSearched, L"\\\\?\\" + (home_ / subfolder) + L"\\*");
+    EXPECT_EQ(lastDeleted, file);
+    EXPECT_EQ(Left(), (Files{L"1a2b3c\\", subfolder + L"\\"}));
+}
+
+TEST_F(CleanedWorkingCopy, IsDeletedPlainlyWhenTheWipeProgramDoesNotStart) {
+    File(L"a.txt");
+    const std::wstring program = ProgramFolder() + L"\\obwipe64.exe";
+    ASSERT_TRUE(obtest::WriteFileContent(program, "no program"));
+    CleanupWorkingCopy(Copy());
+    EXPECT_TRUE(DeleteFileW(program.c_str()));
+    EXPECT_TRUE(Left().empty());
 }
 
 TEST_F(CleanedWorkingCopy, IsLeftToTheWipeProgramWhereThereIsOne) {

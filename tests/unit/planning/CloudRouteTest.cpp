@@ -104,6 +104,7 @@ TEST_F(CloudRoute, CountsAnArchiveThatVanishedAsEmpty) {
 }
 
 struct OpenCall {
+    std::wstring path;
     DWORD access = 0;
     DWORD share = 0;
     DWORD disposition = 0;
@@ -113,7 +114,8 @@ std::wstring watchedPath;
 
 HANDLE WINAPI NotedOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                         DWORD disposition, DWORD flags, HANDLE model) {
-    if (watchedPath == path) openCall = {access, share, disposition};
+    if (std::wstring_view(path).ends_with(watchedPath))
+        openCall = {path, access, share, disposition};
     return realCreateFile(path, access, share, security, disposition, flags, model);
 }
 
@@ -124,20 +126,41 @@ TEST_F(CloudRoute, AsksForTheSizeWithoutReadingTheFile) {
     watchedPath = sources_.File(L"watched.zip", "12345678901");
     job_.MinimumSizeBytes = 10;
     ExpectSent(watchedPath, L"11");
+    EXPECT_EQ(openCall.path, watchedPath);
     EXPECT_EQ(openCall.access, 8u);
     EXPECT_EQ(openCall.share, static_cast<DWORD>(FILE_SHARE_READ));
     EXPECT_EQ(openCall.disposition, static_cast<DWORD>(OPEN_EXISTING));
 }
 
-TEST_F(CloudRoute, SendsTheZipOfARun) {
+TEST_F(CloudRoute, KnowsTheSizeOfAnArchiveWithAPathOfMoreThan260Characters) {
+    const std::wstring folder = sources_ / std::wstring(240, L'd');
+    ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + folder).c_str(), nullptr));
+    watchedPath = folder + L"\\deep.zip";
+    ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + watchedPath, "12345678901"));
+    obtest::ImportDouble<decltype(&CreateFileW)> open("kernel32.dll", "CreateFileW", &NotedOpen);
+    ASSERT_TRUE(open.Stands());
+    realCreateFile = open.Real();
+    job_.MinimumSizeBytes = 10;
+    ExpectSent(watchedPath, L"11");
+    EXPECT_EQ(openCall.path, L"\\\\?\\" + watchedPath);
+}
+
+TEST_F(CloudRoute, SendsTheZipOfARunWhenItsWorkingCopyIsGone) {
     job_.SendSetting = SendSettingKind::Always;
     StandIns::Answer(L"ZipSize", L"1234");
+    Lines leftAtSending;
+    TheNeighbours().send = [&](auto&, std::wstring& linkText) {
+        leftAtSending = Left();
+        linkText = L"link";
+        return true;
+    };
     EXPECT_EQ(Process({sources_.File(L"one.txt")}), 0);
     EXPECT_EQ(StandIns::CallsOf({L"RunCloudSend"}),
               Lines{SentSize(RunFolder(1) + L"one.zip", L"1234")});
     EXPECT_EQ(UsageReports(), Report(L"type=link|file-send.encryption=no|file-send.compression=zip"
                                      L"|file-send.expiry=no"));
-    EXPECT_EQ(Left(), (Lines{L"1001\\", L"1001\\one.zip"}));
+    EXPECT_EQ(leftAtSending, (Lines{L"1001\\", L"1001\\one.zip"}));
+    EXPECT_EQ(Left(), leftAtSending);
 }
 
 TEST_F(CloudRoute, AttachesWithoutAReportWhenLinksAreForbidden) {

@@ -95,6 +95,21 @@ TEST_F(ZipRoad, ZipsTheFilesAsTheTransformsLeftThem) {
     EXPECT_EQ(job_.Files, Lines{L"C:\\made\\one.pdf"});
 }
 
+TEST_F(ZipRoad, ReportsAndAttachesWhereTheRunMadeNoZip) {
+    job_.SendSetting = obcore::SendSettingKind::Always;
+    TheNeighbours().runTransforms = [](auto& job, auto&) {
+        job.SendItem = false;
+        return true;
+    };
+    EXPECT_EQ(Process({one_}), 1);
+    EXPECT_FALSE(job_.ResultIsArchive);
+    EXPECT_EQ(job_.Files, Lines{RunFolder() + L"one.txt"});
+    Lines expected = {Transformed({L"one.txt"}, RunFolder())};
+    expected.push_back(PlainReport().front());
+    EXPECT_EQ(StandIns::Calls(), expected);
+    EXPECT_TRUE(Left().empty());
+}
+
 TEST_F(ZipRoad, StopsWhenTheTransformsStop) {
     TheNeighbours().runTransforms = [](auto&, auto&) { return false; };
     picker_.LinkText = L"before";

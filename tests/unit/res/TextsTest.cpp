@@ -79,8 +79,30 @@ TEST_F(Texts, WipeProgramHasItsTwelveTextsWithTheirPlaceholders) {
             EXPECT_EQ(placeholders[index], CountOf(text, L'%')) << index;
         }
     }
-    EXPECT_EQ(L"Try again\n%s will try to wipe the file or folder again.", LoadText(62033u));
-    EXPECT_NE(std::wstring::npos, LoadText(62037u).find(L"\"sparse files\""));
+}
+
+TEST_F(Texts, WipeProgramHasItsTextsAsTheyAre) {
+    const struct {
+        UINT id;
+        const wchar_t* text;
+    } texts[] = {
+        {62028, L"%s was unable to wipe a file"},
+        {62029, L"%s could not wipe the file or folder '%s' as requested because it appears to "
+                L"have been already deleted. The file may therefore be subject to recovery."},
+        {62030, L"%s was unable to wipe a temporary file or folder"},
+        {62031, L"%s was unable to wipe the file or folder '%s'. The file may be in use by "
+                L"another program."},
+        {62033, L"Try again\n%s will try to wipe the file or folder again."},
+        {62034, L"Delete anyway\n%s will delete the file or folder without wiping."},
+        {62035, L"Leave it\n%s will leave the file or folder in its current state and open an "
+                L"Explorer window with the item selected."},
+        {62036, L"%s can't wipe '%s'"},
+        {62037, L"Files that are encrypted, compressed, or stored as \"sparse files\" can't be "
+                L"reliably wiped."},
+        {62038, L"Do the same thing for any additional errors (does not apply to \"Try again\")"},
+        {62039, L"Don't show this message again"},
+    };
+    for (const auto& row : texts) EXPECT_EQ(row.text, LoadText(row.id)) << row.id;
 }
 
 TEST_F(Texts, ATextIsCutToTheCapacity) { EXPECT_EQ(L"All", LoadText(obcore::TextId::AllFiles, 4)); }
