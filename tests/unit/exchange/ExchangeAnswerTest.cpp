@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 
 #include "tests/unit/exchange/GuardedBlock.h"
@@ -86,6 +87,8 @@ TEST_F(DialogAnswer, WithoutPathsIsAnEmptyList) {
     WriteDialogAnswer(*block, {});
     EXPECT_EQ(block.I32(0), 4);
     EXPECT_EQ(block.U16(78), 0);
+    EXPECT_TRUE(PathsRead().empty());
+    block.PutUnits(78, Raw(L"\0behind\0\0"));
     EXPECT_TRUE(PathsRead().empty());
 }
 

@@ -131,11 +131,48 @@ TEST_F(ExchangeMapping, AsksForInheritablePagedMemory) {
     EXPECT_EQ(mappingCall.name, L"WEBVELLANT_SM_7");
 }
 
-DWORD viewAccess = 0;
+struct OpenCall {
+    DWORD access = 0;
+    BOOL inherit = TRUE;
+    std::wstring name;
+};
+OpenCall openCall;
 
-LPVOID WINAPI FailMapViewOfFile(HANDLE, DWORD access, DWORD, DWORD, SIZE_T) {
-    viewAccess = access;
+HANDLE WINAPI RecordOpenFileMapping(DWORD access, BOOL inherit, LPCWSTR name) {
+    openCall = {access, inherit, name};
     return nullptr;
+}
+
+TEST_F(ExchangeMapping, IsOpenedByTheHostForWritingAndForItselfAlone) {
+    obtest::ImportDouble patch("kernel32.dll", "OpenFileMappingW", &RecordOpenFileMapping);
+    ASSERT_TRUE(patch.Stands());
+    EXPECT_FALSE(OpenExchangeBlock(0xFFFFFFFE, mapping));
+    EXPECT_FALSE(mapping);
+    EXPECT_EQ(openCall.access, static_cast<DWORD>(FILE_MAP_WRITE));
+    EXPECT_EQ(openCall.inherit, FALSE);
+    EXPECT_EQ(openCall.name, L"WEBVELLANT_SM_-2");
+}
+
+struct ViewCall {
+    DWORD access = 0;
+    DWORD offsetHigh = 1;
+    DWORD offsetLow = 1;
+    SIZE_T bytes = 0;
+};
+ViewCall viewCall;
+
+LPVOID WINAPI FailMapViewOfFile(HANDLE, DWORD access, DWORD offsetHigh, DWORD offsetLow,
+                                SIZE_T bytes) {
+    viewCall = {access, offsetHigh, offsetLow, bytes};
+    return nullptr;
+}
+
+void ExpectWholeViewForWriting() {
+    EXPECT_EQ(viewCall.access, static_cast<DWORD>(FILE_MAP_WRITE));
+    EXPECT_EQ(viewCall.offsetHigh, 0u);
+    EXPECT_EQ(viewCall.offsetLow, 0u);
+    EXPECT_EQ(viewCall.bytes, 65536u);
+    viewCall = {};
 }
 
 TEST_F(ExchangeMapping, ClosesTheHandleWhenTheViewFails) {
@@ -143,7 +180,20 @@ TEST_F(ExchangeMapping, ClosesTheHandleWhenTheViewFails) {
     ASSERT_TRUE(patch.Stands());
     EXPECT_FALSE(CreateExchangeBlock(kId, mapping));
     EXPECT_FALSE(mapping);
-    EXPECT_EQ(viewAccess, static_cast<DWORD>(FILE_MAP_WRITE));
+    ExpectWholeViewForWriting();
+    const UniqueKernelHandle gone(OpenFileMappingW(FILE_MAP_READ, FALSE, L"WEBVELLANT_SM_4711"));
+    EXPECT_FALSE(gone);
+}
+
+TEST_F(ExchangeMapping, ClosesTheHostsHandleWhenItsViewFails) {
+    UniqueKernelHandle section = SectionOf(L"WEBVELLANT_SM_4711", 65536);
+    ASSERT_TRUE(section);
+    obtest::ImportDouble patch("kernel32.dll", "MapViewOfFile", &FailMapViewOfFile);
+    ASSERT_TRUE(patch.Stands());
+    EXPECT_FALSE(OpenExchangeBlock(kId, mapping));
+    EXPECT_FALSE(mapping);
+    ExpectWholeViewForWriting();
+    section.Reset();
     const UniqueKernelHandle gone(OpenFileMappingW(FILE_MAP_READ, FALSE, L"WEBVELLANT_SM_4711"));
     EXPECT_FALSE(gone);
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -136,8 +137,8 @@ TEST_F(DialogRoad, HandsThePageALink) {
 }
 
 TEST_F(DialogRoad, HandsOnNoEmptyLink) {
-    Run(L"status 2\npoke32 24 76");
-    Run(L"status 2\npoke32 24 0\ntext 76 \"l\"");
+    EXPECT_EQ(Run(L"status 2\npoke32 24 76\nresult 1"), S_FALSE);
+    EXPECT_EQ(Run(L"status 2\npoke32 24 0\ntext 76 \"l\"\nresult 1"), S_FALSE);
     EXPECT_TRUE(context.delivered.empty());
 }
 
@@ -152,7 +153,8 @@ TEST_F(DialogRoad, TellsTheHookOfAFolderAloneAndOfNoEmptyOne) {
     Run(L"result -1\ntext 500 \"C:\\t\"\npoke32 16 500");
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] null"});
     context.delivered.clear();
-    Run(L"text 500 \"\"\npoke32 16 500\ntext 600 \"C:\\f\"\npoke32 20 600");
+    EXPECT_EQ(Run(L"text 500 \"\"\npoke32 16 500\ntext 600 \"C:\\f\"\npoke32 20 600\nresult 1"),
+              S_FALSE);
     EXPECT_TRUE(context.delivered.empty());
 }
 
@@ -196,6 +198,36 @@ TEST_F(DialogRoad, CutsPathsThatRunOutOfTheBlock) {
     Run(L"status 4\npoke32 32 65526\nunits 65526 97 0 98 99 100");
     ASSERT_NE(Picked(dialog), nullptr);
     EXPECT_EQ(Picked(dialog)->paths, (Lines{L"a", L"bcd"}));
+}
+
+// The section that the next request on this road will take, made by somebody else before it.
+ObLib::UniqueKernelHandle SectionOfNextRequest(DWORD bytes) {
+    const std::wstring name = L"WEBVELLANT_SM_" + std::to_wstring(obtest::LastHostId() + 1);
+    return ObLib::UniqueKernelHandle(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, bytes, name.c_str()));
+}
+
+TEST_F(DialogRoad, AnswersACancelWhenTheBlockCantBeMapped) {
+    Run(L"exit 0");
+    const ObLib::UniqueKernelHandle small = SectionOfNextRequest(4096);
+    ASSERT_TRUE(small);
+    EXPECT_EQ(Run(L"exit 0"), kCancelled);
+    EXPECT_TRUE(HostScript::Record().empty());
+    EXPECT_EQ(dialog.optionsReads, 1);
+}
+
+TEST_F(DialogRoad, KeepsWhatAnExistingSectionHoldsOutsideItsFields) {
+    Run(L"exit 0");
+    const ObLib::UniqueKernelHandle section = SectionOfNextRequest(65536);
+    const ObLib::UniqueMappedView<std::uint8_t> view(
+        static_cast<std::uint8_t*>(MapViewOfFile(section.Get(), FILE_MAP_WRITE, 0, 0, 0)));
+    ASSERT_TRUE(view);
+    std::memset(view.Get(), 0xA5, 65536);
+    dialog.options = 0x11223344;
+    EXPECT_EQ(Run(L"dump used.bin\nexit 1"), kCancelled);
+    std::string expected(65536, '\xA5');
+    expected.replace(0, 4, "\x01\0\0\0", 4).replace(12, 4, "\x44\x33\x22\x11", 4);
+    EXPECT_EQ(obtest::DumpedBlock(L"used.bin"), expected);
 }
 
 // A process of its own: the numbers begin with it.

@@ -52,6 +52,17 @@ BOOL WINAPI NoteCreateProcess(LPCWSTR application, LPWSTR line, LPSECURITY_ATTRI
     return made;
 }
 
+bool threadClosedAtTheWait = false;
+bool processOpenAtTheWait = false;
+decltype(&MsgWaitForMultipleObjectsEx) realWait = nullptr;
+
+DWORD WINAPI NoteWait(DWORD count, const HANDLE* handles, DWORD milliseconds, DWORD mask,
+                      DWORD flags) {
+    threadClosedAtTheWait = std::count(closed.begin(), closed.end(), created.hThread) == 1;
+    processOpenAtTheWait = std::count(closed.begin(), closed.end(), created.hProcess) == 0;
+    return realWait(count, handles, milliseconds, mask, flags);
+}
+
 BOOL WINAPI NoteCloseHandle(HANDLE handle) {
     closed.push_back(handle);
     return realCloseHandle(handle);
@@ -147,13 +158,17 @@ TEST_F(HostLaunch, AnswersMinusOneWhenItsFolderCantBeHad) {
     EXPECT_TRUE(HostScript::Record().empty());
 }
 
-TEST_F(HostLaunch, ClosesBothHandlesOnce) {
+TEST_F(HostLaunch, ClosesTheThreadBeforeTheWaitAndTheProcessBehindIt) {
     obtest::ImportDouble create("kernel32.dll", "CreateProcessW", &NoteCreateProcess);
     obtest::ImportDouble close("kernel32.dll", "CloseHandle", &NoteCloseHandle);
-    ASSERT_TRUE(create.Stands() && close.Stands());
+    obtest::ImportDouble wait("user32.dll", "MsgWaitForMultipleObjectsEx", &NoteWait);
+    ASSERT_TRUE(create.Stands() && close.Stands() && wait.Stands());
     realCreateProcess = create.Real();
     realCloseHandle = close.Real();
+    realWait = wait.Real();
     EXPECT_EQ(LaunchHost(1, kOwner), 0u);
+    EXPECT_TRUE(threadClosedAtTheWait);
+    EXPECT_TRUE(processOpenAtTheWait);
     EXPECT_EQ(std::count(closed.begin(), closed.end(), created.hThread), 1);
     EXPECT_EQ(std::count(closed.begin(), closed.end(), created.hProcess), 1);
 }

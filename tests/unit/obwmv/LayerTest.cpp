@@ -88,8 +88,10 @@ TEST_F(Layer, GoesWithTheHostAndTheBrowserTakesInputAgain) {
 TEST_F(Layer, IsTheWindowThatTheHostIsHanded) {
     DeleteFileW(obtest::BesideProgram(L"seen").c_str());
     HWND layer = nullptr;
+    BOOL hasAttributes = TRUE;
     browser.OnTick([&] {
         layer = FindWindowW(L"WebVellantLayer", nullptr);
+        hasAttributes = GetLayeredWindowAttributes(layer, nullptr, nullptr, nullptr);
         obtest::WriteFileContent(obtest::BesideProgram(L"seen"), "");
     });
     HostScript::Play(L"wait-file seen");
@@ -98,6 +100,7 @@ TEST_F(Layer, IsTheWindowThatTheHostIsHanded) {
     ASSERT_EQ(starts.size(), 1u);
     ASSERT_NE(layer, nullptr);
     EXPECT_TRUE(starts[0].ends_with(L" 3 " + HandleText(layer))) << starts[0];
+    EXPECT_FALSE(hasAttributes);
     EXPECT_FALSE(IsWindow(layer));
 }
 
@@ -161,6 +164,61 @@ TEST_F(Layer, LeavesTheBrowserEnabledWhenTheHostIsMissing) {
     EXPECT_EQ(ShowWithLayer(3, browser.Root()), obwmv::kHostNotStarted);
     EXPECT_TRUE(browser.Enabled());
     EXPECT_EQ(FindWindowW(L"WebVellantLayer", nullptr), nullptr);
+}
+
+// "enable WINDOW", "disable WINDOW", "start" and "destroy CLASS", in the order of the calls.
+std::vector<std::wstring> steps;
+decltype(&DestroyWindow) realDestroyWindow = nullptr;
+
+BOOL WINAPI NoteEnableWindow(HWND window, BOOL enable) {
+    steps.push_back((enable ? L"enable " : L"disable ") +
+                    std::to_wstring(reinterpret_cast<INT_PTR>(window)));
+    return FALSE;
+}
+
+BOOL WINAPI NoteDestroyWindow(HWND window) {
+    wchar_t className[64] = L"";
+    GetClassNameW(window, className, 64);
+    steps.push_back(std::wstring(L"destroy ") + className);
+    return realDestroyWindow(window);
+}
+
+BOOL WINAPI NoteStart(LPCWSTR, LPWSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL, DWORD,
+                      LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION) {
+    steps.emplace_back(L"start");
+    return FALSE;
+}
+
+class LayerSteps : public Layer {
+protected:
+    void SetUp() override {
+        Layer::SetUp();
+        steps.clear();
+        ASSERT_TRUE(enable.Stands() && destroy.Stands() && start.Stands());
+        realDestroyWindow = destroy.Real();
+    }
+    obtest::ImportDouble<decltype(&EnableWindow)> enable{"user32.dll", "EnableWindow",
+                                                         &NoteEnableWindow};
+    obtest::ImportDouble<decltype(&DestroyWindow)> destroy{"user32.dll", "DestroyWindow",
+                                                           &NoteDestroyWindow};
+    obtest::ImportDouble<decltype(&CreateProcessW)> start{"kernel32.dll", "CreateProcessW",
+                                                          &NoteStart};
+};
+
+TEST_F(LayerSteps, EnableTheRootWindowBeforeTheLayerGoes) {
+    ShowWithLayer(3, browser.Page());
+    const std::wstring root = HandleText(browser.Root());
+    const std::vector<std::wstring> expected = {L"disable " + root, L"start", L"enable " + root,
+                                                L"destroy WebVellantLayer"};
+    EXPECT_EQ(steps, expected);
+}
+
+TEST_F(LayerSteps, DisableAndEnableNothingWithoutALayer) {
+    obtest::ImportDouble patch("user32.dll", "CreateWindowExW", &NoteCreateWindow);
+    ASSERT_TRUE(patch.Stands());
+    layerFails = true;
+    ShowWithLayer(3, browser.Page());
+    EXPECT_EQ(steps, std::vector<std::wstring>{L"start"});
 }
 
 bool disabledAtTheStart = false;

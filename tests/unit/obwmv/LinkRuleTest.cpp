@@ -26,6 +26,7 @@ TEST_F(LinkRule, WantsAllThreeMarks) {
 TEST_F(LinkRule, LooksAtTheWholeUrlNotOnlyAtTheHost) {
     const std::wstring url = L"https://other.example/h?view=amf&from=" + kGmail;
     EXPECT_TRUE(IsLinkForbidden(url.c_str(), nullptr));
+    EXPECT_TRUE(obwmv::UsesBrowserDialog(url.c_str()));
     EXPECT_TRUE(IsLinkForbidden((kGmail + L"/hview=amf").c_str(), nullptr));
 }
 

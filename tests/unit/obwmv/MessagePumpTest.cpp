@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <string>
+#include <algorithm>
 #include <vector>
 
 #include "obwmv/HostLaunch.h"
@@ -80,6 +80,48 @@ TEST_F(MessagePump, PostsNoQuitOfItsOwn) {
     End();
     PumpUntilSignalled(ended.Get());
     EXPECT_EQ(QuitValueInQueue(), -1);
+}
+
+std::vector<UINT> translated;
+std::vector<UINT> dispatched;
+decltype(&DispatchMessageW) realDispatch = nullptr;
+
+BOOL WINAPI NoteTranslate(const MSG* message) {
+    translated.push_back(message->message);
+    return FALSE;
+}
+
+LRESULT WINAPI NoteDispatch(const MSG* message) {
+    dispatched.push_back(message->message);
+    return realDispatch(message);
+}
+
+TEST_F(MessagePump, TranslatesAndDispatchesAQuitLikeTheRest) {
+    obtest::ImportDouble translate("user32.dll", "TranslateMessage", &NoteTranslate);
+    obtest::ImportDouble dispatch("user32.dll", "DispatchMessageW", &NoteDispatch);
+    ASSERT_TRUE(translate.Stands() && dispatch.Stands());
+    realDispatch = dispatch.Real();
+    PostThreadMessageW(GetCurrentThreadId(), WM_QUIT, 4, 0);
+    PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0);
+    End();
+    PumpUntilSignalled(ended.Get());
+    for (const UINT message : {static_cast<UINT>(WM_QUIT), static_cast<UINT>(WM_APP)})
+        EXPECT_EQ(std::count(dispatched.begin(), dispatched.end(), message), 1) << message;
+    EXPECT_EQ(translated, dispatched);
+    EXPECT_EQ(QuitValueInQueue(), 4);
+}
+
+DWORD WINAPI PostAndEnd(DWORD, const HANDLE*, DWORD, DWORD, DWORD) {
+    PostThreadMessageW(GetCurrentThreadId(), WM_APP + 1, 0, 0);
+    return WAIT_OBJECT_0;
+}
+
+TEST_F(MessagePump, LeavesTheBrowserWhatComesWithTheEnd) {
+    obtest::ImportDouble patch("user32.dll", "MsgWaitForMultipleObjectsEx", &PostAndEnd);
+    ASSERT_TRUE(patch.Stands());
+    PumpUntilSignalled(ended.Get());
+    MSG message = {};
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_APP + 1, WM_APP + 1, PM_REMOVE));
 }
 
 struct WaitCall {

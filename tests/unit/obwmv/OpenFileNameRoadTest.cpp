@@ -80,15 +80,15 @@ TEST_F(OpenFileNameRoad, NamesTheBlockByTheCallingThread) {
 
 TEST_F(OpenFileNameRoad, MarksARequestThatMayNotBeAnsweredWithALink) {
     request.lpstrFilter = L"YouSendIt Supported Files\0*.*\0";
-    Run(L"dump upload.bin");
-    EXPECT_EQ(obtest::DumpedBlock(L"upload.bin")[8], 1);
+    Run(L"dump filter.bin");
+    EXPECT_EQ(obtest::DumpedBlock(L"filter.bin")[8], 1);
     request.lpstrFilter = nullptr;
     context.pageUrl = std::wstring(L"https://") + obwmv::kGmailHost + L"/h?view=amf";
-    Run(L"dump upload.bin");
-    EXPECT_EQ(obtest::DumpedBlock(L"upload.bin")[8], 1);
+    Run(L"dump page.bin");
+    EXPECT_EQ(obtest::DumpedBlock(L"page.bin")[8], 1);
     context.pageUrl = std::wstring(L"https://") + obwmv::kGmailHost + L"/";
-    Run(L"dump upload.bin");
-    EXPECT_EQ(obtest::DumpedBlock(L"upload.bin")[8], 0);
+    Run(L"dump neither.bin");
+    EXPECT_EQ(obtest::DumpedBlock(L"neither.bin")[8], 0);
 }
 
 TEST_F(OpenFileNameRoad, KeepsWhatAnExistingSectionHoldsOutsideItsFields) {
@@ -185,8 +185,8 @@ TEST_F(OpenFileNameRoad, AnswersTheDriversResultWithALink) {
 }
 
 TEST_F(OpenFileNameRoad, HandsOnNoEmptyLink) {
-    EXPECT_EQ(Run(L"status 2\ntext 76 \"\"\npoke32 24 76"), 0);
-    EXPECT_EQ(Run(L"status 2\ntext 76 \"l\"\npoke32 24 0"), 0);
+    EXPECT_EQ(Run(L"status 2\ntext 76 \"\"\npoke32 24 76\nresult 1"), 1);
+    EXPECT_EQ(Run(L"status 2\ntext 76 \"l\"\npoke32 24 0\nresult 1"), 1);
     EXPECT_TRUE(context.delivered.empty());
 }
 
@@ -207,8 +207,10 @@ TEST_F(OpenFileNameRoad, HandsOnAnEmptyFileThatIsPresent) {
 }
 
 TEST_F(OpenFileNameRoad, TellsTheHookOfNothingWithoutAFolder) {
-    Run(L"status 3\npoke32 16 0\ntext 1100 \"C:\\f\"\npoke32 20 1100");
-    Run(L"status 3\ntext 1000 \"\"\npoke32 16 1000\ntext 1100 \"C:\\f\"\npoke32 20 1100");
+    const std::wstring file =
+        L"text 1100 \"C:\\f\"\npoke32 20 1100\nslot \"f\"\nresult 1\nstatus 3\n";
+    EXPECT_EQ(Run(file + L"poke32 16 0"), 1);
+    EXPECT_EQ(Run(file + L"text 1000 \"\"\npoke32 16 1000"), 1);
     EXPECT_TRUE(context.delivered.empty());
 }
 
@@ -218,6 +220,32 @@ TEST_F(OpenFileNameRoad, ClearsUpAlsoBehindALinkOrACancel) {
     context.delivered.clear();
     Run(L"status 3\nresult 0\ntext 1000 \"C:\\t\"\npoke32 16 1000");
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] null"});
+}
+
+// Looks, while it is told what to clear up, at what else stands at that moment.
+class WatchingContext : public obtest::DeliveryContext {
+public:
+    std::wstring blockName;
+    const wchar_t* file = nullptr;
+    std::wstring fileThen;
+    bool blockStoodThen = false;
+
+    void NoteCleanupFiles(const wchar_t*, const wchar_t*) override {
+        fileThen = file;
+        const ObLib::UniqueKernelHandle block(
+            OpenFileMappingW(FILE_MAP_READ, FALSE, blockName.c_str()));
+        blockStoodThen = static_cast<bool>(block);
+    }
+};
+
+TEST_F(OpenFileNameRoad, ClearsUpBehindTheFileAndBeforeTheBlockGoes) {
+    WatchingContext watching;
+    watching.blockName = BlockName();
+    watching.file = file;
+    HostScript::Play(L"status 3\nslot \"C:\\f\"\nresult 1\ntext 1000 \"C:\\t\"\npoke32 16 1000");
+    EXPECT_EQ(obwmv::RunOpenFileNameRequest(&request, &watching), 1);
+    EXPECT_EQ(watching.fileThen, L"C:\\f");
+    EXPECT_TRUE(watching.blockStoodThen);
 }
 
 const wchar_t kFullAnswer[] = L"status 3\nslot \"C:\\f\"\nresult 1\ntext 1000 \"C:\\t\"\n"

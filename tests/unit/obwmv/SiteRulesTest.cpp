@@ -86,6 +86,8 @@ TEST_F(SiteRules, LeaveTheSettingsOfGmailToTheBrowser) {
 TEST_F(SiteRules, LeaveThePrintViewOfGmailToTheBrowser) {
     EXPECT_FALSE(Picker(L"https://" + kGmail + L"/mail/?ui=1&view=ap&ov=pr"));
     EXPECT_FALSE(Picker(L"https://" + kGmail + L"/mail/?ov=pr&x=1&view=ap&ui=1"));
+    EXPECT_TRUE(
+        Picker(std::wstring(L"https://") + obwmv::kYahooMailHost + L"/?ui=1&view=ap&ov=pr"));
 }
 
 TEST_F(SiteRules, WantAllThreeKeysOfThePrintView) {
