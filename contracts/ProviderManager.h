@@ -37,10 +37,16 @@ enum class TransformId : std::uint32_t {
     ConvertFromPdf = 70,
 };
 
+// Storage providers that are told apart by their number; all other ids are the manager's business.
 inline constexpr std::uint32_t kNoProvider = 0;
-inline constexpr std::uint32_t kProviderErrorTooLarge = 7;
-inline constexpr std::uint32_t kProviderErrorQuota = 9;
-inline constexpr std::int64_t kSizeUnknown = -2;
+// Stands first in the chooser, is never put on top as the default, and takes only archives.
+inline constexpr std::uint32_t kArchivesOnlyProvider = 21;
+// Enumerated, and not offered for storing.
+inline constexpr std::uint32_t kProvidersNotForStoring[] = {30, 31, 32, 33, 34, 45};
+
+inline constexpr std::uint32_t ProviderErrorTooLarge = 7; // codes of SetLastProviderError
+inline constexpr std::uint32_t ProviderErrorQuota = 9;
+inline constexpr std::int64_t SizeUnknown = -2; // both values of GetAccountSpace: nobody knows
 
 enum class ProviderCapability : std::uint32_t { OpenPicker = 1, FreeSpace = 2, Folders = 1024 };
 
@@ -85,6 +91,11 @@ struct UploadList {
 };
 
 // The slots that are called: object, slot number, name, result, arguments behind the object.
+//
+// Capacities are in wide characters: 128 for GetDisplayName, 2048 for GetAccountRootFolder; 16
+// profiles for GetAccountProfiles, whose newest account is last and whose count of 0 or less means
+// that there is no account. CreateDownloadList and CreateUploadList may answer null. SetCallback
+// lends the object until ClearCallback. All of it on the thread that owns the dialogs.
 #define OB_DOWNLOAD_LIST_SLOTS(SLOT)                                                               \
     SLOT(DownloadList, 0, GetItem, Bool, (std::uint32_t index, CloudItem * item))                  \
     SLOT(DownloadList, 1, AddItem, void, (const CloudItem* item))
@@ -126,6 +137,14 @@ inline constexpr std::size_t kCloudProviderSlotCount = 138;
     SLOT(CloudProvider, 137, ManageAccount, void, (HWND owner, const wchar_t* accountKey))
 
 // The 32 exports: name, result, arguments.
+//
+// Nothing that an export hands out is freed by its caller, but for the bitmap of GetBitmap, which
+// is the caller's to delete. An instance is usable for as long as the manager is initialised; a
+// text behind a returned pointer is copied at once. Capacities are in wide characters: 128 for
+// GetShortDescription, 2048 for the two error texts, 514 for each buffer of GetTargetFile.
+// A manager serves one run, without locks, on the thread that owns the dialogs; while that thread
+// waits, the transform worker calls ExecuteTransforms, ExecutePostTransforms,
+// GetSelectedTransformSummary, SetProviderTarget, GetProviderTarget and SelectProviders.
 #define OB_PROVIDER_MANAGER_LIFE(ENTRY)                                                            \
     ENTRY(CreateObExtensionsManager, ProviderManagerHandle, (void))                                \
     ENTRY(Init, void, (ProviderManagerHandle manager, std::int64_t hive, const wchar_t* key))      \

@@ -21,7 +21,7 @@ bool FetchAllEntries(HMODULE manager) {
     return true;
 }
 
-}  // namespace
+} // namespace
 
 bool LoadProviderManager() {
     if (boundManager) return true;
@@ -43,4 +43,4 @@ void FreeProviderManager() noexcept {
     ObLib::UniqueModule ended(std::exchange(boundManager, nullptr));
 }
 
-}  // namespace obcore
+} // namespace obcore

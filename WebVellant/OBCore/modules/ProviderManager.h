@@ -18,6 +18,22 @@ const ProviderManagerEntries& ProviderManager() noexcept;
 // Process detach only.
 void FreeProviderManager() noexcept;
 
+// Whether a walk over the storage providers that looks for a place to store takes this one.
+constexpr bool IsOfferedForStoring(std::uint32_t providerId) noexcept {
+    for (const std::uint32_t other : kProvidersNotForStoring) {
+        if (providerId == other) return false;
+    }
+    return true;
+}
+
+// The size index that GetBitmap takes, for the system's small icon width in pixels: images of 16,
+// 20, 24 and 32 pixels.
+constexpr std::uint32_t BitmapSizeIndex(int smallIconWidth) noexcept {
+    if (smallIconWidth < 20) return 0;
+    if (smallIconWidth < 24) return 1;
+    return smallIconWidth < 32 ? 2 : 3;
+}
+
 // A slot of an object: its number, its name, its signature. `Call` passes the object first, as the
 // platform's convention has it.
 template <class Object, std::size_t Number, class Signature>
@@ -51,5 +67,5 @@ struct OnCloudProvider {
 
 #undef OB_NAME_SLOT
 
-}  // namespace slots
-}  // namespace obcore
+} // namespace slots
+} // namespace obcore

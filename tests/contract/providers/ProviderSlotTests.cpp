@@ -100,7 +100,7 @@ TEST_F(ProviderSlots, TellAboutAnAccount) {
     std::int64_t freeBytes = 0;
     std::int64_t totalBytes = 0;
     EXPECT_TRUE(OnProvider::GetAccountSpace::Call(provider_, L"key", &freeBytes, &totalBytes));
-    EXPECT_EQ(freeBytes, kSizeUnknown);
+    EXPECT_EQ(freeBytes, SizeUnknown);
     EXPECT_EQ(totalBytes, 5000000000);
     EXPECT_EQ(OnProvider::GetMaxFileSize::Call(provider_, L"key"), 4294967296u);
     wchar_t root[2048];
@@ -182,12 +182,24 @@ TEST_F(ProviderSlots, PassTheArgumentsOfAnUpload) {
 }
 
 TEST_F(ProviderSlots, GiveTheErrorThatWasSet) {
-    OnProvider::SetLastProviderError::Call(provider_, kProviderErrorQuota);
+    OnProvider::SetLastProviderError::Call(provider_, ProviderErrorQuota);
     wchar_t text[2048];
     std::uint64_t capacity = 2048;
     ProviderManager().GetLastErrorOfProvider(provider_, L"key", L"a.zip", text, &capacity);
     EXPECT_STREQ(text, L"error 9");
     OnProvider::SetLastProviderError::Call(provider_, 0);
+}
+
+TEST_F(ProviderSlots, AnswerABoolInTheLowByteOnly) {
+    const auto answer = +[](CloudProvider*) -> std::uint64_t { return 0xFFFFFFFFFFFFFF00; };
+    void* table[kCloudProviderSlotCount] = {};
+    table[OnProvider::HasCapability::kNumber] = reinterpret_cast<void*>(answer);
+    table[OnProvider::RunUpload::kNumber] = reinterpret_cast<void*>(answer);
+    CloudProvider provider{table};
+    EXPECT_FALSE(OnProvider::HasCapability::Call(&provider, ProviderKind::Storage,
+                                                 ProviderCapability::OpenPicker));
+    EXPECT_FALSE(OnProvider::RunUpload::Call(&provider, nullptr, nullptr, L"", L"", true, false,
+                                             true, true, 1, nullptr));
 }
 
 TEST_F(ProviderSlots, WriteDownACallThatNobodyShouldMake) {

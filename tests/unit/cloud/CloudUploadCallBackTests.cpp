@@ -185,6 +185,17 @@ TEST_F(UploadCallback, IsFinishedBySlot18) {
     EXPECT_EQ(AskByte(&callback_, 19), 1);
 }
 
+TEST_F(UploadCallback, LetsNoSlotReachTheSpareByte) {
+    callback_.spare = 0x5A;
+    for (std::size_t number = 1; number <= 23; ++number) {
+        CallSlot<std::uint64_t>(&callback_, number, std::uint64_t{1}, std::uint64_t{1});
+    }
+    EXPECT_EQ(callback_.spare, 0x5A);
+    EXPECT_EQ(callback_.count, 0u);
+    EXPECT_EQ(callback_.countFlag, 0);
+    EXPECT_EQ(callback_.amount, 0u);
+}
+
 TEST_F(UploadCallback, BecomesItsRootAtSlot0) {
     ObPvxCallback root;
     const void* ownTable = TableOf(&callback_);
