@@ -23,4 +23,4 @@ bool FetchEntry(HMODULE module, const char* name, Function*& entry) {
     return true;
 }
 
-}  // namespace obcore
+} // namespace obcore

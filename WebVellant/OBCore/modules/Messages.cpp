@@ -10,15 +10,11 @@ void ShowMessage(HWND window, const wchar_t* text, UINT style) {
     MessageBoxW(window, text, kMessageCaption, style);
 }
 
-void ShowStringBox(HWND window, UINT id) { ShowMessage(window, LoadText(id).c_str()); }
+void ShowStringBox(HWND window, TextId id) { ShowMessage(window, LoadText(id).c_str()); }
 
-void ShowStringWarning(HWND window, UINT id) {
+void ShowStringWarning(HWND window, TextId id) {
     ShowMessage(window, LoadText(id).c_str(), MB_ICONEXCLAMATION);
 }
-
-void ShowStringBox(HWND window, TextId id) { ShowStringBox(window, static_cast<UINT>(id)); }
-
-void ShowStringWarning(HWND window, TextId id) { ShowStringWarning(window, static_cast<UINT>(id)); }
 
 void ShowAssertion(const char* expression, const char* source, int line) {
     char text[4096];
@@ -28,4 +24,4 @@ void ShowAssertion(const char* expression, const char* source, int line) {
     MessageBoxA(nullptr, text, "Assert Error", MB_ICONEXCLAMATION);
 }
 
-}  // namespace obcore
+} // namespace obcore

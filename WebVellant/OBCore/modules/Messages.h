@@ -16,8 +16,6 @@ void ShowMessage(HWND window, const wchar_t* text, UINT style = MB_OK);
 // Loads a text of up to 512 characters and shows it in a plain box, or with the warning icon.
 void ShowStringBox(HWND window, TextId id);
 void ShowStringWarning(HWND window, TextId id);
-void ShowStringBox(HWND window, UINT id);
-void ShowStringWarning(HWND window, UINT id);
 
 // Shows the assertion box and returns: the code behind a failed check runs on, also in released
 // builds. `source` is the name of the source as the product gives it, such as "OBCore\\OBOptions".
@@ -30,4 +28,4 @@ inline bool Check(bool holds, const char* expression, const char* source, int li
     return holds;
 }
 
-}  // namespace obcore
+} // namespace obcore

@@ -4,4 +4,4 @@ namespace obcore {
 
 void ObTrace(const char*, ...) noexcept {}
 
-}  // namespace obcore
+} // namespace obcore

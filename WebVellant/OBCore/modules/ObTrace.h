@@ -8,4 +8,4 @@ namespace obcore {
 // them. Wide arguments are given with %S.
 void ObTrace(const char* format, ...) noexcept;
 
-}  // namespace obcore
+} // namespace obcore

@@ -23,4 +23,4 @@ std::optional<std::wstring> PathBesideOwnModule(const wchar_t* fileName) {
     return std::wstring(path);
 }
 
-}  // namespace obcore
+} // namespace obcore

@@ -22,4 +22,4 @@ std::optional<std::wstring> OwnModulePath();
 // Says nothing about whether the file is there.
 std::optional<std::wstring> PathBesideOwnModule(const wchar_t* fileName);
 
-}  // namespace obcore
+} // namespace obcore

@@ -1,5 +1,6 @@
 #include "OBCore/modules/ResourceModule.h"
 
+#include <utility>
 #include <vector>
 
 #include "OBCore/modules/OwnModule.h"
@@ -12,7 +13,7 @@ namespace {
 // the order.
 HMODULE boundModule = nullptr;
 
-}  // namespace
+} // namespace
 
 bool BindResourceModule() {
     if (boundModule) return true;
@@ -29,15 +30,11 @@ void FreeResourceModule() noexcept {
     ObLib::UniqueModule ended(std::exchange(boundModule, nullptr));
 }
 
-std::wstring LoadText(UINT id, int capacity) {
+std::wstring LoadText(TextId id, int capacity) {
     if (!boundModule) return {};
     std::vector<wchar_t> buffer(static_cast<std::size_t>(capacity));
-    const int length = LoadStringW(boundModule, id, buffer.data(), capacity);
+    const int length = LoadStringW(boundModule, static_cast<UINT>(id), buffer.data(), capacity);
     return std::wstring(buffer.data(), static_cast<std::size_t>(length));
 }
 
-std::wstring LoadText(TextId id, int capacity) {
-    return LoadText(static_cast<UINT>(id), capacity);
-}
-
-}  // namespace obcore
+} // namespace obcore

@@ -25,7 +25,4 @@ void FreeResourceModule() noexcept;
 // such text.
 std::wstring LoadText(TextId id, int capacity = 512);
 
-// Older form of the same: takes the number.
-std::wstring LoadText(UINT id, int capacity = 512);
-
-}  // namespace obcore
+} // namespace obcore

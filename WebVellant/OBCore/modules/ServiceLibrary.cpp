@@ -17,7 +17,7 @@ ArchiveServiceEntries entries{};
 // The path of the service in this library's folder, in a buffer of 260 characters. False when fewer
 // than 16 of them remain behind the last backslash.
 bool MakeServicePath(wchar_t (&path)[kPathCapacity]) {
-    constexpr std::size_t kLeastRoom = 16;  // wide characters
+    constexpr std::size_t kLeastRoom = 16; // wide characters
     const DWORD length = GetModuleFileNameW(OwnModule(), path, kPathCapacity);
     if (length == 0 || length == kPathCapacity) return false;
     wchar_t* separator = std::wcsrchr(path, L'\\');
@@ -36,7 +36,7 @@ bool FetchAllEntries(HMODULE library) {
     return true;
 }
 
-}  // namespace
+} // namespace
 
 bool LoadArchiveService() {
     if (boundLibrary) return true;
@@ -58,4 +58,4 @@ void FreeArchiveService() noexcept {
     ObLib::UniqueModule ended(std::exchange(boundLibrary, nullptr));
 }
 
-}  // namespace obcore
+} // namespace obcore

@@ -19,4 +19,4 @@ const ArchiveServiceEntries& ArchiveService() noexcept;
 // Process detach only: unloads the library if it is bound.
 void FreeArchiveService() noexcept;
 
-}  // namespace obcore
+} // namespace obcore

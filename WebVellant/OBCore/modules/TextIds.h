@@ -36,4 +36,4 @@ inline constexpr TextId kAllTextIds[] = {
 #undef OB_LIST_TEXT
 };
 
-}  // namespace obcore
+} // namespace obcore

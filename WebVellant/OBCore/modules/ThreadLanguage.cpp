@@ -8,9 +8,9 @@
 namespace obcore {
 namespace {
 
-constexpr ULONG kLanguageCapacity = 10;  // wide characters: four digits a language, a list's ends
+constexpr ULONG kLanguageCapacity = 10; // wide characters: four digits a language, a list's ends
 
-}  // namespace
+} // namespace
 
 LANGID GetThreadLanguage() {
     wchar_t languages[kLanguageCapacity] = {};
@@ -31,4 +31,4 @@ void SetThreadLanguage(LANGID language) {
     ObTrace("SetThreadMUILanguage LastError - %d", GetLastError());
 }
 
-}  // namespace obcore
+} // namespace obcore

@@ -27,4 +27,4 @@ private:
     LANGID saved_;
 };
 
-}  // namespace obcore
+} // namespace obcore

@@ -24,7 +24,6 @@
 namespace obcore {
 namespace {
 
-constexpr UINT kAllFilesText = 140;
 constexpr int kAllFilesCapacity = 2048; // wide characters
 constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
 
@@ -117,7 +116,7 @@ HRESULT DialogDriver(HWND owner, ExchangeBlock& block) {
     AttachmentSetup setup(owner, false);
     OBAttachJob& job = setup.Job();
     BindResourceModule();
-    SetFileTypes(dialog, {LoadText(kAllFilesText, kAllFilesCapacity), L"*.*"});
+    SetFileTypes(dialog, {LoadText(TextId::AllFiles, kAllFilesCapacity), L"*.*"});
     dialog.SetOptions(block.DialogOptions);
     const HRESULT result = RunSequence(dialog, owner, job, block);
     WriteCleanupNames(block, job.CleanupFolder.c_str(), job.CleanupFile.c_str());

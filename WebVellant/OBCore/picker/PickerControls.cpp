@@ -17,24 +17,25 @@ constexpr DWORD kConvertGroup = 103;
 constexpr DWORD kPdfGroup = 104;
 constexpr DWORD kTransformGroups[] = {kPictureGroup, kConvertGroup, kPdfGroup};
 
-constexpr UINT kZipText = 101;
-constexpr UINT kZipAndEncryptText = 102;
-constexpr UINT kNoZipText = 103;
-
 using enum TransformId;
 
-// clang-format off
 constexpr TransformControl kTransformControls[] = {
-    {kPictureGroup, kResizeImagesCheck,   182, &OBOptions::AutoResizeImages,   ResizeImages,   false},
-    {kPictureGroup, kConvertPhotosCheck,  184, &OBOptions::AutoConvertPhotos,  ConvertPhotos,  true},
-    {kPictureGroup, kRemoveInfoCheck,     185, &OBOptions::AutoRemoveInfo,     RemoveInfo,     true},
-    {kConvertGroup, kWatermarkCheck,      181, &OBOptions::AutoWatermark,      Watermark,      false},
-    {kConvertGroup, kConvertPdfCheck,     180, &OBOptions::AutoConvertPDF,     ConvertPdf,     true},
-    {kConvertGroup, kConvertFromPdfCheck, 188, &OBOptions::AutoConvertFromPDF, ConvertFromPdf, false},
-    {kPdfGroup,     kCombinePdfsCheck,    186, &OBOptions::AutoCombinePDFs,    CombinePdfs,    false},
-    {kPdfGroup,     kSignPdfsCheck,       187, &OBOptions::AutoSignPDFs,       SignPdfs,       false},
+    {kPictureGroup, kResizeImagesCheck, TextId::ResizeImages, &OBOptions::AutoResizeImages,
+     ResizeImages, false},
+    {kPictureGroup, kConvertPhotosCheck, TextId::ConvertPhotos, &OBOptions::AutoConvertPhotos,
+     ConvertPhotos, true},
+    {kPictureGroup, kRemoveInfoCheck, TextId::RemoveInfo, &OBOptions::AutoRemoveInfo, RemoveInfo,
+     true},
+    {kConvertGroup, kWatermarkCheck, TextId::Watermark, &OBOptions::AutoWatermark, Watermark,
+     false},
+    {kConvertGroup, kConvertPdfCheck, TextId::ConvertPdf, &OBOptions::AutoConvertPDF, ConvertPdf,
+     true},
+    {kConvertGroup, kConvertFromPdfCheck, TextId::ConvertFromPdf, &OBOptions::AutoConvertFromPDF,
+     ConvertFromPdf, false},
+    {kPdfGroup, kCombinePdfsCheck, TextId::CombinePdfs, &OBOptions::AutoCombinePDFs, CombinePdfs,
+     false},
+    {kPdfGroup, kSignPdfsCheck, TextId::SignPdfs, &OBOptions::AutoSignPDFs, SignPdfs, false},
 };
-// clang-format on
 
 // The order in which the states are refreshed is not that in which the controls were added.
 constexpr DWORD kRefreshOrder[] = {
@@ -53,7 +54,7 @@ void DropRefusedEncryption(HWND owner, OBAttachJob& job) {
     if (IsEncryptionRefused(owner)) job.AutoEncrypt = false;
 }
 
-void AddChoice(IFileDialogCustomize& customize, DWORD list, DWORD item, UINT text,
+void AddChoice(IFileDialogCustomize& customize, DWORD list, DWORD item, TextId text,
                CDCONTROLSTATEF state) {
     customize.AddRadioButtonList(list);
     customize.AddControlItem(list, item, LoadText(text).c_str());
@@ -64,10 +65,10 @@ void AddChoice(IFileDialogCustomize& customize, DWORD list, DWORD item, UINT tex
 void AddChoices(IFileDialogCustomize& customize, const OBOptions& options) {
     if (FAILED(customize.StartVisualGroup(kChoiceGroup, L""))) return;
     const ChoiceStates states = ComputeChoiceStates(options);
-    AddChoice(customize, kZipList, kZipItem, kZipText, states.zip);
-    AddChoice(customize, kZipAndEncryptList, kZipAndEncryptItem, kZipAndEncryptText,
+    AddChoice(customize, kZipList, kZipItem, TextId::ChoiceZip, states.zip);
+    AddChoice(customize, kZipAndEncryptList, kZipAndEncryptItem, TextId::ChoiceZipAndEncrypt,
               states.zipAndEncrypt);
-    AddChoice(customize, kNoZipList, kNoZipItem, kNoZipText, states.noZip);
+    AddChoice(customize, kNoZipList, kNoZipItem, TextId::ChoiceNoZip, states.noZip);
     customize.EndVisualGroup();
 }
 

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <span>
 
+#include "OBCore/modules/TextIds.h"
 #include "OBCore/options/OBAttachJob.h"
 #include "contracts/ProviderManager.h"
 
@@ -40,7 +41,7 @@ inline constexpr DWORD kConvertFromPdfCheck = 1012;
 struct TransformControl {
     DWORD group;
     DWORD control;
-    UINT text;
+    TextId text;
     bool OBOptions::*field;
     TransformId transform;
     bool needsReady;

@@ -9,8 +9,6 @@
 namespace obcore {
 namespace {
 
-constexpr UINT kOneFileOnlyText = 104;
-
 // Runs a method's body; an exception ends here and becomes `otherwise`, since the shell can't be
 // thrown through.
 template <class Body>
@@ -197,7 +195,7 @@ HRESULT Win7DlgEvents::OnFileOk(IFileDialog* dialog) {
         results.Reset();
         const bool zipped = AttachRecord->SendItem || AttachRecord->AutoEncrypt;
         if (zipped || AllowMultiSelect || count == 1) return S_OK;
-        ShowStringBox(WindowOf(dialog), kOneFileOnlyText);
+        ShowStringBox(WindowOf(dialog), TextId::OneFileOnly);
         return S_FALSE;
     });
 }

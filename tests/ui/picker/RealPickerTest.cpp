@@ -26,7 +26,7 @@ using Paths = std::vector<std::wstring>;
 
 // A text of the product as a person reads it.
 std::wstring Shown(UINT id) {
-    std::wstring text = LoadText(id);
+    std::wstring text = LoadText(TextId{id});
     std::erase(text, L'&');
     return text;
 }
@@ -174,7 +174,7 @@ TEST_F(RealPicker, StaysOpenWhenAPageOfOneFileIsGivenTwo) {
     EXPECT_TRUE(stayed);
     ASSERT_EQ(boxes.Seen().size(), 1U);
     EXPECT_EQ(boxes.Seen().front().caption, L"Ombrix Vellant");
-    EXPECT_EQ(boxes.Seen().front().text, LoadText(104));
+    EXPECT_EQ(boxes.Seen().front().text, LoadText(TextId::OneFileOnly));
     EXPECT_EQ(boxes.Seen().front().owner, window);
     EXPECT_EQ(picked, files);
     EXPECT_TRUE(sendItem);

@@ -151,7 +151,7 @@ TEST_F(Compression, TellsAFailureOfTheEngineWithoutAnIcon) {
     const auto seen = boxes.Seen();
     ASSERT_EQ(seen.size(), 1u);
     EXPECT_EQ(seen[0].caption, L"Ombrix Vellant");
-    EXPECT_EQ(seen[0].text, obcore::LoadText(129));
+    EXPECT_EQ(seen[0].text, obcore::LoadText(obcore::TextId::ZipFailed));
     EXPECT_FALSE(seen[0].text.empty());
     EXPECT_FALSE(seen[0].hasIcon);
     EXPECT_EQ(seen[0].owner, owner_.Get());

@@ -138,7 +138,7 @@ TEST_F(Encryption, TellsAnUnusablePublicKeyWithTheWarningIcon) {
     const auto seen = boxes.Seen();
     ASSERT_EQ(seen.size(), 1u);
     EXPECT_EQ(seen[0].caption, L"Ombrix Vellant");
-    EXPECT_EQ(seen[0].text, obcore::LoadText(161));
+    EXPECT_EQ(seen[0].text, obcore::LoadText(obcore::TextId::PublicKeyUnusable));
     EXPECT_FALSE(seen[0].text.empty());
     EXPECT_TRUE(seen[0].hasIcon);
     EXPECT_EQ(seen[0].owner, owner_.Get());

@@ -10,7 +10,7 @@ namespace {
 
 using obtest::MessageBoxWatcher;
 
-constexpr UINT kText = 101;
+constexpr obcore::TextId kText = obcore::TextId::ChoiceZip;
 
 class Messages : public BindingFixture {
 protected:

@@ -9,8 +9,8 @@ using obcore::BindResourceModule;
 using obcore::FreeResourceModule;
 using obcore::LoadText;
 
-constexpr UINT kPresentText = 101;
-constexpr UINT kAbsentText = 64000;
+constexpr obcore::TextId kPresentText = obcore::TextId::ChoiceZip;
+constexpr obcore::TextId kAbsentText{64000};
 
 struct LoadCall {
     std::wstring path;

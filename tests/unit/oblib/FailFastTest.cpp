@@ -42,4 +42,4 @@ TEST(FatalCopy, EndsTheProcessWhenAnAppendOverflows) {
     });
 }
 
-}  // namespace
+} // namespace

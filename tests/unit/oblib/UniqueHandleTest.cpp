@@ -106,4 +106,4 @@ TEST(ScopeExit, RunsItsStepAlsoWhenAnExceptionPasses) {
     EXPECT_EQ(2, runs);
 }
 
-}  // namespace
+} // namespace

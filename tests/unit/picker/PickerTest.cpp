@@ -46,7 +46,7 @@ void PickerTest::Initialise(obcore::OBAttachJob& job) {
 }
 
 std::wstring PickerTest::Text(UINT id) {
-    std::wstring text = obcore::LoadText(id, 2048);
+    std::wstring text = obcore::LoadText(obcore::TextId{id}, 2048);
     EXPECT_FALSE(text.empty()) << id;
     return text;
 }

@@ -17,6 +17,13 @@ protected:
     void SetUp() override { ASSERT_TRUE(obcore::BindResourceModule()); }
 };
 
+// A text by its number: also those that only the archive service and the wipe program load.
+std::wstring TextOf(UINT id) {
+    wchar_t text[4096];
+    const int length = LoadStringW(obcore::ResourceModule(), id, text, 4096);
+    return std::wstring(text, static_cast<std::size_t>(length));
+}
+
 int CountOf(const std::wstring& text, wchar_t unit) {
     return static_cast<int>(std::count(text.begin(), text.end(), unit));
 }
@@ -30,7 +37,7 @@ TEST_F(Texts, EveryIdThatTheCodeLoadsHasAText) {
 TEST_F(Texts, EveryLabelOfThePickerHasOneAccessKeyOfItsOwn) {
     std::wstring keys;
     for (const UINT id : {101u, 102u, 103u, 180u, 181u, 182u, 183u, 184u, 185u, 186u, 187u, 188u}) {
-        const std::wstring text = LoadText(id);
+        const std::wstring text = TextOf(id);
         ASSERT_EQ(1, CountOf(text, L'&')) << id;
         const wchar_t key = static_cast<wchar_t>(towlower(text[text.find(L'&') + 1]));
         EXPECT_EQ(std::wstring::npos, keys.find(key)) << id;
@@ -42,7 +49,7 @@ TEST_F(Texts, PasswordPolicyNamesWhatTheIdAsksFor) {
     const std::wstring parts[] = {L"lower case character (a-z)", L"upper case character (A-Z)",
                                   L"number character (0-9)", L"symbol character ("};
     for (UINT mask = 0; mask < 16; ++mask) {
-        const std::wstring text = LoadText(41000 + mask);
+        const std::wstring text = TextOf(41000 + mask);
         EXPECT_TRUE(text.starts_with(L"PASSWORD POLICY: Password must be at least %d characters "
                                      L"long"))
             << mask;
@@ -55,25 +62,25 @@ TEST_F(Texts, PasswordPolicyNamesWhatTheIdAsksFor) {
 
 TEST_F(Texts, SymbolsOfThePolicyStandDoubledWhereFormattingAndDrawingHalveThem) {
     for (UINT mask = 8; mask < 16; ++mask) {
-        EXPECT_NE(std::wstring::npos, LoadText(41000 + mask).find(L"$, %%, ^, &&, *, ...")) << mask;
+        EXPECT_NE(std::wstring::npos, TextOf(41000 + mask).find(L"$, %%, ^, &&, *, ...")) << mask;
     }
 }
 
 TEST_F(Texts, FixedPolicyMessagesStandAsTheyAre) {
-    EXPECT_EQ(L"Password Policy Error", LoadText(41016u));
+    EXPECT_EQ(L"Password Policy Error", TextOf(41016));
     EXPECT_EQ(L"Please modify your password to comply with Password Policy settings.",
-              LoadText(41017u));
+              TextOf(41017));
     EXPECT_EQ(L"Your password does not meet the password policy requirements specified in "
               L"File\\Ombrix Settings\\Encryption.",
-              LoadText(41018u));
+              TextOf(41018));
     EXPECT_EQ(L"The Ombrix encryption feature has been disabled by your administrator.",
-              LoadText(41019u));
+              TextOf(41019));
 }
 
 TEST_F(Texts, WipeProgramHasItsTwelveTextsWithTheirPlaceholders) {
     const int placeholders[] = {1, 2, 1, 2, -1, 1, 1, 1, 2, 0, 0, 0};
     for (UINT index = 0; index < 12; ++index) {
-        const std::wstring text = LoadText(62028 + index, 4096);
+        const std::wstring text = TextOf(62028 + index);
         ASSERT_FALSE(text.empty()) << index;
         if (placeholders[index] >= 0) {
             EXPECT_EQ(placeholders[index], CountOf(text, L'%')) << index;
@@ -102,11 +109,11 @@ TEST_F(Texts, WipeProgramHasItsTextsAsTheyAre) {
         {62038, L"Do the same thing for any additional errors (does not apply to \"Try again\")"},
         {62039, L"Don't show this message again"},
     };
-    for (const auto& row : texts) EXPECT_EQ(row.text, LoadText(row.id)) << row.id;
+    for (const auto& row : texts) EXPECT_EQ(row.text, TextOf(row.id)) << row.id;
 }
 
 TEST_F(Texts, ATextIsCutToTheCapacity) { EXPECT_EQ(L"All", LoadText(obcore::TextId::AllFiles, 4)); }
 
-TEST_F(Texts, AnIdWithoutATextIsEmpty) { EXPECT_EQ(L"", LoadText(9999u)); }
+TEST_F(Texts, AnIdWithoutATextIsEmpty) { EXPECT_EQ(L"", LoadText(obcore::TextId{9999})); }
 
-}  // namespace
+} // namespace
