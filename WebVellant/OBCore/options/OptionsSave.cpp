@@ -10,7 +10,7 @@
 namespace obcore {
 namespace {
 
-// Keeps the alternative extension among those that count as archives.
+// The list only grows: an extension that the user gave up stays in it.
 void ExcludeAltExt(OBOptions& options) {
     if (!options.UseAltExt || options.AltExt.empty()) return;
     if (HasItem(options.ExcludedExt, L';', options.AltExt)) return;

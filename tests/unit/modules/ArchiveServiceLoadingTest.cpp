@@ -111,6 +111,94 @@ TEST_F(ArchiveServiceLoading, UnloadsWhenFreedAndBindsAgain) {
     EXPECT_TRUE(LoadArchiveService());
 }
 
+// The names that were asked for in the library, in order, and the one that it is to lack.
+std::vector<std::string> fetches;
+std::string lackingEntry;
+decltype(&GetProcAddress) realFetch;
+
+FARPROC WINAPI RecordFetch(HMODULE module, LPCSTR name) {
+    if (module != GetModuleHandleW(kFileName.c_str())) return realFetch(module, name);
+    fetches.push_back(name);
+    return name == lackingEntry ? nullptr : realFetch(module, name);
+}
+
+class ArchiveServiceFetching : public ArchiveServiceLoading {
+protected:
+    void SetUp() override {
+        ArchiveServiceLoading::SetUp();
+        ASSERT_TRUE(fetch_.Stands());
+        realFetch = fetch_.Real();
+        fetches.clear();
+        lackingEntry.clear();
+        Put(L"complete.dll", Beside());
+    }
+
+private:
+    obtest::ImportDouble<decltype(GetProcAddress)> fetch_{"kernel32.dll", "GetProcAddress",
+                                                          &RecordFetch};
+};
+
+// First of its suite: the table of a process is empty only once.
+TEST_F(ArchiveServiceFetching, LeavesWhatItHasInTheTableWhenOneEntryIsMissing) {
+    lackingEntry = "PasswordDlg_C";
+    EXPECT_EQ(nullptr, obcore::ArchiveService().DestroyZipContext);
+    EXPECT_FALSE(LoadArchiveService());
+    EXPECT_NE(nullptr, obcore::ArchiveService().CreateZipContext);
+    EXPECT_NE(nullptr, obcore::ArchiveService().DestroyZipContext);
+    EXPECT_EQ(nullptr, obcore::ArchiveService().PasswordDlg_C);
+    EXPECT_EQ(nullptr, obcore::ArchiveService().LogAppletFeature);
+    EXPECT_FALSE(IsLoaded());
+}
+
+TEST_F(ArchiveServiceFetching, GoesThroughAllEntriesInTheirOrder) {
+    ASSERT_TRUE(LoadArchiveService());
+    const std::vector<std::string> expected = {
+        "CreateZipContext",
+        "DestroyZipContext",
+        "PasswordDlg_C",
+        "PasswordNewDlg_C",
+        "SetZipNameW",
+        "SetEncrypt",
+        "SetTempFolderW",
+        "SetImageResize",
+        "AddFileW",
+        "SetPassword",
+        "SetCompression",
+        "SetDuplicateReferences",
+        "Zip",
+        "CheckForUpdates_VB",
+        "WebHelpW",
+        "Encrypt_String_VB",
+        "Decrypt_String_VB",
+        "GetOmbrixFIPSSetting",
+        "AllowedEncryptMethods",
+        "DefaultEncryptionMethod",
+        "TryToShowWarningOrErrorMessage",
+        "GetPublicKeyResult",
+        "SetPublicKeyResult",
+        "SetPublicKeyW",
+        "ValidateFilespecW",
+        "LogLaunch",
+        "LogExit",
+        "LogAppletFeature",
+    };
+    EXPECT_EQ(expected, fetches);
+}
+
+TEST_F(ArchiveServiceFetching, StopsAtTheFirstEntryThatIsMissing) {
+    for (const char* name : {"CreateZipContext", "SetImageResize", "Encrypt_String_VB"}) {
+        SCOPED_TRACE(name);
+        lackingEntry = name;
+        fetches.clear();
+        TraceLines().clear();
+        EXPECT_FALSE(LoadArchiveService());
+        EXPECT_EQ(name, fetches.back());
+        EXPECT_EQ(std::vector<std::string>({std::string("GetProcAddress ") + name + " failed"}),
+                  TraceLines());
+        EXPECT_FALSE(IsLoaded());
+    }
+}
+
 DWORD pathResult;
 
 DWORD WINAPI AnswerPathResult(HMODULE, LPWSTR path, DWORD capacity) {

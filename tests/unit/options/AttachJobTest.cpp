@@ -111,6 +111,8 @@ TEST_F(AttachJob, DeletesNothingWhenNoManagerCouldBeCreated) {
 }
 
 HWND windowAskedFor;
+DWORD processOfWindow; // 0: what the system says
+DWORD processOpened;
 DWORD accessAskedFor;
 DWORD capacityAskedFor;
 bool refusesProcess;
@@ -120,11 +122,14 @@ decltype(&K32GetProcessImageFileNameW) realImageName;
 
 DWORD WINAPI RecordThreadOf(HWND window, LPDWORD process) {
     windowAskedFor = window;
-    return realThreadOf(window, process);
+    const DWORD thread = realThreadOf(window, process);
+    if (processOfWindow != 0) *process = processOfWindow;
+    return thread;
 }
 
 HANDLE WINAPI RecordOpenProcess(DWORD access, BOOL inherit, DWORD process) {
     accessAskedFor = access;
+    processOpened = process;
     if (refusesProcess) {
         SetLastError(ERROR_ACCESS_DENIED);
         return nullptr;
@@ -147,6 +152,7 @@ protected:
         realImageName = image_.Real();
         windowAskedFor = nullptr;
         accessAskedFor = capacityAskedFor = 0;
+        processOfWindow = processOpened = 0;
         refusesProcess = false;
     }
 
@@ -169,6 +175,14 @@ TEST_F(AttachJobBrowser, IsTheProcessBehindTheOwnerOfTheParent) {
     wchar_t own[260] = {};
     ASSERT_NE(0u, realImageName(GetCurrentProcess(), own, 260));
     EXPECT_EQ(own, job.BrowserImagePath);
+}
+
+TEST_F(AttachJobBrowser, IsTheProcessThatTheWindowBelongsTo) {
+    refusesProcess = true; // there is no process of this number
+    processOfWindow = 424242;
+    const ObLib::UniqueWindow parent = MakeWindow();
+    const OBAttachJob job(OBOptions{}, parent.Get());
+    EXPECT_EQ(424242u, processOpened);
 }
 
 TEST_F(AttachJobBrowser, IsTheProcessBehindAParentWithoutOwner) {

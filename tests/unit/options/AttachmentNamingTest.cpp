@@ -215,6 +215,13 @@ TEST_F(AttachmentName, DoesntMeasurePathsThatGiveNoName) {
     EXPECT_EQ(kName + L".zip", NameOf(options, {PathOfLength(301)}));
 }
 
+TEST_F(AttachmentName, KeepsASingleFilesNameThatLeavesNoRoomForTheExtension) {
+    const std::wstring fitting(255, L'n');
+    EXPECT_EQ(fitting + L".zip", NameOf({}, {L"C:\\" + fitting + L".t"}));
+    const std::wstring longer(256, L'n');
+    EXPECT_EQ(longer + L".t", NameOf({}, {L"C:\\" + longer + L".t"}));
+}
+
 TEST_F(AttachmentName, HasRoomForALongExtensionBehindALongPath) {
     OBOptions options;
     options.UseAltExt = true;

@@ -138,6 +138,27 @@ TEST_F(OptionsOfPolicy, ReadTheFiveSwitchesInThePlainViewOnly) {
     EXPECT_FALSE(options.DisableWebVellant);
 }
 
+TEST_F(OptionsOfPolicy, LeaveTheirFieldsWhereTheMachineHasNone) {
+    OBOptions options;
+    options.AlwaysEncrypt = true;
+    options.AdminSendItem = AdminSendItemKind::ForcedOff;
+    options.DisableMsgEditZipOption = true;
+    options.DisableCloudServices = true;
+    options.NoEncryption = true;
+    options.NoUpdateChecking = true;
+    options.DisableWebVellant = true;
+    options.HasEntCertificate = true;
+    options.Load();
+    EXPECT_TRUE(options.AlwaysEncrypt);
+    EXPECT_EQ(AdminSendItemKind::ForcedOff, options.AdminSendItem);
+    EXPECT_TRUE(options.DisableMsgEditZipOption);
+    EXPECT_TRUE(options.DisableCloudServices);
+    EXPECT_TRUE(options.NoEncryption);
+    EXPECT_TRUE(options.NoUpdateChecking);
+    EXPECT_TRUE(options.DisableWebVellant);
+    EXPECT_TRUE(options.HasEntCertificate);
+}
+
 TEST_F(OptionsOfPolicy, SwitchUpdateChecksOffOnceTheyExistUnlessTheySayOtherwise) {
     EXPECT_FALSE(Loaded().NoUpdateChecking);
     EXPECT_TRUE(Loaded().UpdateCheckEnabled);

@@ -1,5 +1,8 @@
+#include <algorithm>
+
 #include "OBCore/modules/OwnModule.h"
 #include "OBCore/options/TransformOptions.h"
+#include "tests/support/ImportDouble.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/options/OptionsFixture.h"
 
@@ -116,7 +119,27 @@ TEST_F(OptionsOfTransforms, AreOffWithoutTheirExtraFile) {
         SCOPED_TRACE(testing::PrintToString(row.value));
         EXPECT_TRUE(Loaded(manager.Get()).*row.field);
         ASSERT_TRUE(DeleteFileW(ExtraFilePath(row.extraFile).c_str()));
+        StandIns::ForgetCalls();
         EXPECT_FALSE(Loaded(manager.Get()).*row.field);
+        const auto calls = StandIns::CallsOf({L"IsProviderSupport"});
+        const std::wstring call =
+            L"IsProviderSupport(manager, " + std::to_wstring(row.provider) + L", 4)";
+        EXPECT_EQ(0, std::ranges::count(calls, call));
+    }
+}
+
+DWORD WINAPI AnswerNoPath(HMODULE, LPWSTR, DWORD) { return 0; }
+
+TEST_F(OptionsOfTransforms, AreOffWhenTheFolderOfTheirExtraFileIsUnknown) {
+    const TestManager manager;
+    SetAll(L"1");
+    const obtest::ImportDouble<decltype(GetModuleFileNameW)> patch(
+        "kernel32.dll", "GetModuleFileNameW", &AnswerNoPath);
+    ASSERT_TRUE(patch.Stands());
+    const OBOptions options = Loaded(manager.Get());
+    for (const Row& row : kRows) {
+        EXPECT_EQ(row.extraFile == nullptr, options.*row.field)
+            << testing::PrintToString(row.value);
     }
 }
 

@@ -218,6 +218,8 @@ TEST_F(OptionsOfUser, LeaveTheirGroupWhenTheKeyDoesntOpen) {
     obtest::SetMachinePolicy(L"AlwaysEncrypt", L"1");
     obtest::SetMachinePolicy(L"AdminSendItem", L"4");
     SetUserValue(L"SendItem", L"0");
+    SetUserValue(L"ExpireFiles", L"1");
+    SetUserValue(L"S4DelExpireDays", L"7");
     RegistryRecorder recorder;
     ASSERT_TRUE(recorder.Stands());
     recorder.Fail(obtest::kUserKey);
@@ -228,6 +230,9 @@ TEST_F(OptionsOfUser, LeaveTheirGroupWhenTheKeyDoesntOpen) {
     EXPECT_FALSE(options.SingleAttachConversion);
     EXPECT_EQ(L"Ombrix Compressed Attachments", options.DefaultZipName);
     EXPECT_TRUE(options.AlwaysEncrypt);
+    EXPECT_TRUE(options.ExpireFilesAvailable);
+    EXPECT_FALSE(options.ExpireFiles);
+    EXPECT_EQ(30u, options.S4DelExpireDays);
 }
 
 TEST_F(OptionsOfUser, TakeTheDaysUntilExpiry) {

@@ -1,5 +1,6 @@
 #include "OBCore/options/SettingsStore.h"
 
+#include "tests/support/ImportDouble.h"
 #include "tests/unit/options/OptionsFixture.h"
 #include "tests/unit/options/RegistryRecorder.h"
 
@@ -71,6 +72,24 @@ TEST_F(SettingsStore, ReadsTextsThatAreStoredWithoutTheirTerminator) {
         Store(REG_SZ, text.data(), length * sizeof(wchar_t));
         EXPECT_EQ(text, Read());
     }
+}
+
+int longReads;
+
+LSTATUS WINAPI GrowWithEveryRead(HKEY, LPCWSTR, LPDWORD, LPDWORD, LPBYTE data, LPDWORD size) {
+    ++longReads;
+    std::fill(data, data + *size, BYTE{'x'});
+    *size += 100;
+    return ERROR_MORE_DATA;
+}
+
+TEST_F(SettingsStore, TakesAValueThatOutgrowsTheSecondReadForAbsent) {
+    const obtest::ImportDouble<decltype(RegQueryValueExW)> patch("advapi32.dll", "RegQueryValueExW",
+                                                                 &GrowWithEveryRead);
+    ASSERT_TRUE(patch.Stands());
+    longReads = 0;
+    EXPECT_EQ(L"", Read());
+    EXPECT_EQ(2, longReads);
 }
 
 TEST_F(SettingsStore, StopsAtTheFirstNul) {

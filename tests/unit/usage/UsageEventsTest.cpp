@@ -134,13 +134,22 @@ TEST_F(UsageEvents, TellAPickFromTheCloudInTwoEvents) {
 
 // A text has 259 characters at most; the key of a source takes 19, that of a service 11.
 TEST_F(UsageEvents, HoldTextsThatJustFit) {
-    ReportFileSend({}, std::wstring(240, L's'));
-    obcore::ReportCloudUse(std::wstring(248, L'n'));
-    EXPECT_EQ(3u, StandIns::Calls().size());
+    const std::wstring source(240, L's');
+    const std::wstring service(248, L'n');
+    ReportFileSend({}, source);
+    obcore::ReportCloudUse(service);
+    EXPECT_EQ(Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.expiry=no"),
+                     Event(L"feature.email-share", L"email-share.source=" + source),
+                     Event(L"feature.cloud", L"cloud.name=" + service)}),
+              StandIns::Calls());
 }
 
 TEST_F(UsageEvents, EndTheProcessAtASourceOfOneCharacterMore) {
     EXPECT_EXIT(ReportFileSend({}, std::wstring(241, L's')), IsFailFast, "");
+    // The event before it had gone out.
+    EXPECT_EQ(
+        Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.expiry=no")}),
+        StandIns::Calls());
 }
 
 TEST_F(UsageEvents, EndTheProcessAtAServiceNameOfOneCharacterMore) {
