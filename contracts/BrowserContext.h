@@ -45,7 +45,7 @@ public:
     virtual void InsertLinkText(const wchar_t* text) = 0;
 
     // Slot 9. The host made temporary output for this attachment: its folder, and its file or
-    // null. The hook removes both after the page has taken the file.
+    // null. When both are removed is the hook's business; the page hasn't taken the file yet.
     virtual void NoteCleanupFiles(const wchar_t* folder, const wchar_t* file) = 0;
 
 protected:

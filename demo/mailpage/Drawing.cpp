@@ -135,7 +135,7 @@ void DrawArrow(HDC dc, const RECT& area, Scale scale, COLORREF ink, bool toTheLe
     glyph.Graphics().DrawLine(&glyph.Pen(), tip, 8.0f, barb, 12.5f);
 }
 
-HICON MakeEnvelopeIcon(int size) {
+UniqueIcon MakeEnvelopeIcon(int size) {
     Gdiplus::Bitmap bitmap(size, size, PixelFormat32bppARGB);
     Gdiplus::Graphics graphics(&bitmap);
     graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
@@ -148,7 +148,7 @@ HICON MakeEnvelopeIcon(int size) {
     graphics.DrawLine(&white, 8.0f, 9.0f, 14.5f, 3.8f);
     HICON icon = nullptr;
     bitmap.GetHICON(&icon);
-    return icon;
+    return UniqueIcon(icon);
 }
 
 } // namespace mailpage

@@ -85,7 +85,12 @@ void DrawPaperClip(HDC dc, const RECT& area, Scale scale, COLORREF ink);
 void DrawLock(HDC dc, const RECT& area, Scale scale, COLORREF ink);
 void DrawArrow(HDC dc, const RECT& area, Scale scale, COLORREF ink, bool toTheLeft);
 
-// An envelope; the caller owns the icon.
-HICON MakeEnvelopeIcon(int size);
+struct IconPolicy : ObLib::NullPolicy<HICON> {
+    static void Close(Handle icon) noexcept { DestroyIcon(icon); }
+};
+using UniqueIcon = ObLib::UniqueResource<IconPolicy>;
+
+// An envelope; empty when it can't be made.
+UniqueIcon MakeEnvelopeIcon(int size);
 
 } // namespace mailpage

@@ -43,6 +43,14 @@ RECT StartPlace(Scale scale) {
     return {left, top, left + width, top + height};
 }
 
+// The answer to a WM_CTLCOLOR message, whose first value is the control's device context.
+LRESULT ColourControl(WPARAM wide, COLORREF ink, COLORREF ground, const ObLib::UniqueBrush& brush) {
+    const auto dc = reinterpret_cast<HDC>(wide);
+    SetTextColor(dc, ink);
+    SetBkColor(dc, ground);
+    return reinterpret_cast<LRESULT>(brush.Get());
+}
+
 std::wstring StatusOf(const AttachAnswer& answer) {
     if (!answer.links.empty()) return L"Links were put into the message.";
     if (answer.paths.empty()) return L"No file was chosen.";
@@ -60,7 +68,6 @@ MailWindow::MailWindow(const Options& options, const HookedLibrary& library)
 MailWindow::~MailWindow() {
     // By hand: the window's last messages still come to this object, which gives the handle away.
     if (window_) DestroyWindow(window_.Get());
-    if (icon_) DestroyIcon(icon_);
     CleanUp();
 }
 
@@ -82,7 +89,7 @@ bool MailWindow::Create() {
     WNDCLASSEXW description{.cbSize = sizeof(WNDCLASSEXW)};
     description.lpfnWndProc = &WindowProcedure;
     description.hInstance = GetModuleHandleW(nullptr);
-    description.hIcon = icon_;
+    description.hIcon = icon_.Get();
     description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     description.lpszClassName = kMailWindowClass;
     if (!RegisterClassExW(&description)) return false;
@@ -131,15 +138,9 @@ LRESULT MailWindow::OnMessage(UINT message, WPARAM wide, LPARAM narrow) {
         return 1;
     case WM_CTLCOLOREDIT:
     case WM_CTLCOLORLISTBOX:
-        SetTextColor(reinterpret_cast<HDC>(wide), colour::kText);
-        SetBkColor(reinterpret_cast<HDC>(wide), colour::kCard);
-        return reinterpret_cast<LRESULT>(cardBrush_.Get());
-    case WM_CTLCOLORSTATIC: {
-        static const ObLib::UniqueBrush page(CreateSolidBrush(colour::kPage));
-        SetTextColor(reinterpret_cast<HDC>(wide), colour::kQuiet);
-        SetBkColor(reinterpret_cast<HDC>(wide), colour::kPage);
-        return reinterpret_cast<LRESULT>(page.Get());
-    }
+        return ColourControl(wide, colour::kText, colour::kCard, cardBrush_);
+    case WM_CTLCOLORSTATIC:
+        return ColourControl(wide, colour::kQuiet, colour::kPage, pageBrush_);
     case WM_DRAWITEM: {
         const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(narrow);
         item.CtlID == kAttachmentList ? PaintAttachment(item) : PaintButton(item);

@@ -63,7 +63,8 @@ private:
     const Options& options_;
     const HookedLibrary& library_;
     ObLib::UniqueBrush cardBrush_{CreateSolidBrush(colour::kCard)};
-    HICON icon_ = nullptr;
+    ObLib::UniqueBrush pageBrush_{CreateSolidBrush(colour::kPage)};
+    UniqueIcon icon_;
     Scale scale_;
     std::optional<Fonts> fonts_;
     Layout layout_;

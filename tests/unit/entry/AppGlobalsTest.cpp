@@ -88,6 +88,14 @@ TEST_F(AppGlobalsTest, TakesTextsOf260Characters) {
     EXPECT_EQ(globals_.secondText, longest);
 }
 
+TEST_F(AppGlobalsTest, EndsTheProcessAtATextThatDoesNotFit) {
+    const auto isFailFast = [](int code) { return static_cast<DWORD>(code) == 0xC0000409; };
+    const std::wstring tooLong(261, L'x');
+    EXPECT_EXIT(globals_.SetModules(kProgram, kLanguage, tooLong.c_str(), L""), isFailFast, "");
+    EXPECT_EXIT(globals_.SetModules(kProgram, kLanguage, L"", tooLong.c_str()), isFailFast, "");
+    EXPECT_EXIT(globals_.SetModule(kProgram, L"", tooLong.c_str()), isFailFast, "");
+}
+
 TEST_F(AppGlobalsTest, IsOneObjectInTheProcess) {
     EXPECT_EQ(&ObLib::AppGlobals(), &ObLib::AppGlobals());
 }

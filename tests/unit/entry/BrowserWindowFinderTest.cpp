@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <thread>
 
 #include "obwmv/ParentWindowAdjuster.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -97,6 +98,27 @@ TEST_F(BrowserWindowFinderTest, TakesTheFirstOfSeveralInTheSystemsOrder) {
     const wchar_t* names[] = {L"MainWindow"};
     const BrowserWindowFinder finder(&owner_, names, 1);
     EXPECT_EQ(owner_, first);
+}
+
+TEST_F(BrowserWindowFinderTest, FindsAWindowOfAnotherThread) {
+    HWND main = nullptr;
+    const ObLib::UniqueKernelHandle made(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const ObLib::UniqueKernelHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::thread other([&] {
+        const auto window = MakeWindow(L"MainWindow", Icon::Application, kShown);
+        main = window.Get();
+        SetEvent(made.Get());
+        WaitForSingleObject(done.Get(), 20000);
+    });
+    EXPECT_EQ(WaitForSingleObject(made.Get(), 20000), WAIT_OBJECT_0);
+    {
+        const wchar_t* names[] = {L"MainWindow"};
+        const BrowserWindowFinder finder(&owner_, names, 1);
+        EXPECT_NE(owner_, asking_.Get());
+        EXPECT_EQ(owner_, main);
+    }
+    SetEvent(done.Get());
+    other.join();
 }
 
 TEST_F(BrowserWindowFinderTest, SearchesNothingWithACountOfZeroOrLess) {

@@ -72,6 +72,51 @@ TEST_F(LibraryLife, KeepsTheCurrentContextOfTheAttachAndReleasesItOnDetach) {
     EXPECT_THAT(released, ElementsAre(reinterpret_cast<HANDLE>(0x77)));
 }
 
+BOOL WINAPI NoContext(HANDLE*) { return FALSE; }
+
+TEST_F(LibraryLife, LoadsAlsoWithoutAContextToKeep) {
+    const obtest::ImportDouble<decltype(&GetCurrentActCtx)> current("kernel32.dll",
+                                                                    "GetCurrentActCtx", &NoContext);
+    ASSERT_TRUE(current.Stands());
+    obwmv::OnProcessAttach(kProgram);
+    EXPECT_EQ(obwmv::LibraryActivationContext(), nullptr);
+    EXPECT_EQ(AppGlobals().programModule, kProgram);
+}
+
+HANDLE activated = nullptr;
+BOOL WINAPI RecordActivate(HANDLE context, ULONG_PTR* cookie) {
+    activated = context;
+    *cookie = 0x99;
+    return TRUE;
+}
+std::vector<std::pair<DWORD, ULONG_PTR>> deactivated;
+BOOL WINAPI RecordDeactivate(DWORD flags, ULONG_PTR cookie) {
+    deactivated.emplace_back(flags, cookie);
+    return TRUE;
+}
+
+TEST_F(LibraryLife, ActivatesTheContextThatItKeptAndGivesTheCookieBack) {
+    const obtest::ImportDouble<decltype(&GetCurrentActCtx)> current(
+        "kernel32.dll", "GetCurrentActCtx", &GivenContext);
+    const obtest::ImportDouble<decltype(&ReleaseActCtx)> release("kernel32.dll", "ReleaseActCtx",
+                                                                 &RecordRelease);
+    const obtest::ImportDouble<decltype(&ActivateActCtx)> activate("kernel32.dll", "ActivateActCtx",
+                                                                   &RecordActivate);
+    const obtest::ImportDouble<decltype(&DeactivateActCtx)> deactivate(
+        "kernel32.dll", "DeactivateActCtx", &RecordDeactivate);
+    ASSERT_TRUE(current.Stands() && release.Stands() && activate.Stands() && deactivate.Stands());
+    deactivated.clear();
+    obwmv::OnProcessAttach(kProgram);
+    {
+        const obwmv::ActivationScope scope;
+        EXPECT_TRUE(scope);
+        EXPECT_EQ(activated, reinterpret_cast<HANDLE>(0x77));
+        EXPECT_TRUE(deactivated.empty());
+    }
+    EXPECT_THAT(deactivated, ElementsAre(std::pair<DWORD, ULONG_PTR>(0, 0x99)));
+    obwmv::OnProcessDetach();
+}
+
 struct {
     std::vector<HMODULE> freed;
     decltype(&FreeLibrary) real = nullptr;

@@ -206,6 +206,20 @@ TEST_F(OpenFileNameExport, ReadsAsACancelWhenTheRunThrows) {
     EXPECT_FALSE(IsWindow(during));
 }
 
+TEST_F(OpenFileNameExport, RestoresAReplacedOwnerWhenTheRunThrows) {
+    const auto asking = MakeWindow(L"AskingWindow", Icon::None, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+    const auto main =
+        MakeWindow(L"MainWindow", Icon::Application, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+    context_.windowClasses = {L"MainWindow"};
+    request_.hwndOwner = asking.Get();
+    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) -> BOOL {
+        EXPECT_EQ(request->hwndOwner, main.Get());
+        throw std::bad_alloc();
+    };
+    EXPECT_EQ(Ask(), FALSE);
+    EXPECT_EQ(request_.hwndOwner, asking.Get());
+}
+
 TEST_F(OpenFileNameExport, AsksTheBrowsersDialogOnceAlsoWhenThatThrows) {
     context_.throwsIn = "CallGetOpenFileName";
     context_.pickerWanted = false;

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <optional>
 
+#include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "obwmv/ParentWindowAdjuster.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -30,7 +32,9 @@ struct Seen {
     std::vector<std::string> foreground;
     HWND foregroundWindow = nullptr;
     std::vector<BOOL> repaints;
+    std::vector<WNDCLASSEXW> registered;
     std::vector<std::wstring> unregistered;
+    HINSTANCE unregisteredModule = nullptr;
     std::vector<HWND> destroyed;
 } seen;
 
@@ -262,9 +266,35 @@ TEST_F(FakeOwnerWindow, CoversTheWorkAreaUnderThePointer) {
     EXPECT_EQ(Rectangle(field), "1924,30,3204,990");
 }
 
-BOOL WINAPI RecordUnregister(LPCWSTR name, HINSTANCE) {
+BOOL WINAPI RecordUnregister(LPCWSTR name, HINSTANCE module) {
     seen.unregistered.emplace_back(name);
+    seen.unregisteredModule = module;
     return FALSE;
+}
+
+ATOM WINAPI RecordRegister(const WNDCLASSEXW* description) {
+    seen.registered.push_back(*description);
+    return 0;
+}
+
+TEST_F(FakeOwnerWindow, HasAPlainClassOfTheLibrarysModule) {
+    const HMODULE module = GetModuleHandleW(L"user32.dll");
+    ObLib::AppGlobals().programModule = module;
+    const ImportDouble announce("user32.dll", "RegisterClassExW", &RecordRegister);
+    const ImportDouble unregister("user32.dll", "UnregisterClassW", &RecordUnregister);
+    ASSERT_TRUE(announce.Stands() && unregister.Stands());
+    obtest::MessageBoxWatcher boxes; // a class that isn't there makes no window
+    HWND field = nullptr;
+    { const ParentWindowAdjuster adjuster(&field); }
+    ObLib::AppGlobals().programModule = nullptr;
+    ASSERT_EQ(seen.registered.size(), 1u);
+    EXPECT_STREQ(seen.registered[0].lpszClassName, kFakeClass);
+    WNDCLASSEXW wanted{.cbSize = sizeof(WNDCLASSEXW)};
+    wanted.lpfnWndProc = DefWindowProcW;
+    wanted.hInstance = module;
+    wanted.lpszClassName = seen.registered[0].lpszClassName;
+    EXPECT_EQ(std::memcmp(&seen.registered[0], &wanted, sizeof(wanted)), 0);
+    EXPECT_EQ(seen.unregisteredModule, module);
 }
 
 TEST_F(FakeOwnerWindow, LeavesItsClassRegisteredForTheNextRun) {

@@ -12,6 +12,7 @@ namespace {
 using ObLib::ComPtr;
 using obtest::Doubles;
 using testing::ElementsAre;
+using testing::UnorderedElementsAreArray;
 
 IFileDialog* const kDialog = reinterpret_cast<IFileDialog*>(0x5550);
 IFileDialog* const kOther = reinterpret_cast<IFileDialog*>(0x6660);
@@ -91,6 +92,51 @@ TEST_F(ResultQueryTest, GivesAllPathsInTheirOrder) {
         paths.push_back(PathOf(item.Get()));
     }
     EXPECT_THAT(paths, ElementsAre(third_, first_, second_));
+}
+
+struct {
+    std::vector<void*> made;
+    std::vector<void*> freed;
+    decltype(&ILCreateFromPathW) realMake = nullptr;
+    decltype(&ILFree) realFree = nullptr;
+} lists;
+
+// A run on the way of the query: it empties the map, as each run does at its start.
+PIDLIST_ABSOLUTE WINAPI MakeListAndEmptyTheMap(LPCWSTR path) {
+    obcore::Results().clear();
+    const PIDLIST_ABSOLUTE list = lists.realMake(path);
+    lists.made.push_back(list);
+    return list;
+}
+
+void WINAPI RecordFreeing(LPITEMIDLIST list) {
+    lists.freed.push_back(list);
+    lists.realFree(list);
+}
+
+TEST_F(ResultQueryTest, WorksOnACopyAndFreesEveryListThatItMade) {
+    const obtest::ImportDouble<decltype(&ILCreateFromPathW)> make(
+        "shell32.dll", "ILCreateFromPathW", &MakeListAndEmptyTheMap);
+    const obtest::ImportDouble<decltype(&ILFree)> free("shell32.dll", "ILFree", &RecordFreeing);
+    ASSERT_TRUE(make.Stands() && free.Stands());
+    lists = {.made = {}, .freed = {}, .realMake = make.Real(), .realFree = free.Real()};
+    Pick({third_, first_, second_});
+    ComPtr<IShellItemArray> items;
+    EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kDialog, items.Put(), &context_), S_OK);
+    DWORD count = 0;
+    if (items) items->GetCount(&count);
+    EXPECT_EQ(count, 3u);
+    EXPECT_EQ(lists.made.size(), 3u);
+    EXPECT_THAT(lists.freed, UnorderedElementsAreArray(lists.made));
+
+    lists.made.clear();
+    lists.freed.clear();
+    Pick({second_});
+    ComPtr<IShellItem> item;
+    EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kDialog, item.Put(), &context_), S_OK);
+    EXPECT_TRUE(item);
+    EXPECT_EQ(lists.made.size(), 1u);
+    EXPECT_EQ(lists.freed, lists.made);
 }
 
 TEST_F(ResultQueryTest, AnswersZeroAlsoForAPathThatHasGone) {
