@@ -200,6 +200,14 @@ bool OpenPicker::SelectInList(const std::vector<int>& rows) const {
     return all;
 }
 
+int OpenPicker::RowCount() const {
+    const HWND list = FileList(window_);
+    DWORD_PTR count = 0;
+    const bool told =
+        list && SendMessageTimeoutW(list, LVM_GETITEMCOUNT, 0, 0, SMTO_NORMAL, 2000, &count);
+    return told ? static_cast<int>(count) : -1;
+}
+
 void OpenPicker::PressOk() const { PostMessageW(window_, WM_COMMAND, IDOK, 0); }
 
 void OpenPicker::PressCancel() const { PostMessageW(window_, WM_COMMAND, IDCANCEL, 0); }

@@ -44,6 +44,9 @@ public:
     // Selects these rows of the file list, and no others.
     bool SelectInList(const std::vector<int>& rows) const;
 
+    // Rows of the file list as it is now; -1 while there is none.
+    int RowCount() const;
+
     void PressOk() const;
     void PressCancel() const;
 

@@ -1,0 +1,135 @@
+// What a person sees of a request isn't blank and grows with the screen's scale. With OB_PICTURES,
+// a folder, the pictures are left there for people to judge.
+#include <cstdlib>
+
+#include "tests/e2e/RealRequest.h"
+#include "tests/support/PasswordPerson.h"
+#include "tests/support/WindowPicture.h"
+
+namespace obtest {
+namespace {
+
+// Well above what a window has whose contents were never painted.
+constexpr std::size_t kLeastColours = 12;
+constexpr DWORD kPageLimit = 30000; // milliseconds
+
+int ExpectedDpi() {
+    const char* const text = std::getenv("OB_EXPECTED_DPI");
+    return text ? std::atoi(text) : 0;
+}
+
+int ScreenDpi() {
+    const HDC screen = GetDC(nullptr);
+    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+    ReleaseDC(nullptr, screen);
+    return dpi;
+}
+
+class Pictures : public RealRequest {
+protected:
+    static void SetUpTestSuite() {
+        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    }
+
+    void SetUp() override {
+        RealRequest::SetUp();
+        ASSERT_EQ(ScreenDpi(), ExpectedDpi());
+    }
+
+    // At least as large as these measures, which are for 96 dpi.
+    static void Look(HWND window, const std::wstring& name, int leastWidth, int leastHeight) {
+        const auto picture = TakeSettledPicture(window, kLeastColours);
+        ASSERT_TRUE(picture) << Utf8(name) << " stays blank or never comes to rest";
+        EXPECT_GE(picture->width, MulDiv(leastWidth, ExpectedDpi(), 96));
+        EXPECT_GE(picture->height, MulDiv(leastHeight, ExpectedDpi(), 96));
+        const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
+        if (!folder) return;
+        const std::wstring file =
+            std::wstring(folder) + L"\\" + name + L"-" + std::to_wstring(ExpectedDpi()) + L".png";
+        EXPECT_TRUE(WritePng(*picture, file)) << Utf8(file);
+    }
+};
+
+// Typing a folder and Open shows it; the list fills when the shell comes to it.
+void OpenFolder(const OpenPicker& picker, const std::wstring& folder, int files) {
+    EXPECT_TRUE(picker.TypeNames(folder));
+    picker.PressOk();
+    EXPECT_TRUE(OpenPicker::WaitFor([&] { return picker.RowCount() == files; }));
+}
+
+TEST_F(Pictures, ThePickerShowsItsChoices) {
+    const std::wstring folder = files_.Folder(L"Thursday");
+    for (const wchar_t* name : {L"Agenda.txt", L"Chart.png", L"Meeting notes.txt", L"Report.pdf"}) {
+        WriteFileContent(folder + L"\\" + name, "content");
+    }
+    PickerPerson person([&](OpenPicker& picker) {
+        OpenFolder(picker, folder, 4);
+        EXPECT_TRUE(picker.SelectInList({0, 2}));
+        Look(picker.Window(), L"picker", 500, 400);
+        picker.PressCancel();
+    });
+    AskOpen();
+    EXPECT_TRUE(person.Done());
+}
+
+TEST_F(Pictures, ThePasswordPromptShowsItsFields) {
+    const std::wstring file = files_.File(L"Meeting notes.txt");
+    PickerPerson person([&](OpenPicker& picker) {
+        Pick(Choice::Encrypt, {file})(picker);
+        const OpenPasswordPrompt prompt = OpenPasswordPrompt::Await();
+        ASSERT_TRUE(prompt.Window());
+        EXPECT_TRUE(prompt.Type(L"Abc123!x", L"Abc123"));
+        Look(prompt.Window(), L"password", 300, 180);
+        prompt.PressCancel();
+    });
+    AskOpen();
+    EXPECT_TRUE(person.Done());
+}
+
+// The window of a process once it shows what was attached.
+HWND PageWindow(DWORD processId) {
+    struct Search {
+        DWORD processId;
+        HWND found;
+    } search{processId, nullptr};
+    EnumWindows(
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto& state = *reinterpret_cast<Search*>(parameter);
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            const bool fits = owner == state.processId && IsWindowVisible(window) &&
+                              !GetWindow(window, GW_OWNER) && GetWindowTextLengthW(window) > 0;
+            if (fits) state.found = window;
+            return !fits;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+TEST_F(Pictures, TheMailPageShowsWhatItWasGiven) {
+    const std::wstring one = files_.File(L"Meeting notes.txt", std::string(20000, 'n'));
+    const std::wstring two = files_.File(L"Chart.png", std::string(3000, 'c'));
+    const std::wstring result = files_.Path() + L"\\answer.txt";
+    std::wstring command = L"C:\\app\\mailpage.exe --auto --keep-open --no-fallback-dialog "
+                           L"--result \"" +
+                           result + L"\"";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                               nullptr, &startup, &started));
+    CloseHandle(started.hThread);
+    const ObLib::UniqueKernelHandle process(started.hProcess);
+    PickerPerson person(Pick(Choice::Zip, {one, two}));
+    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(OpenPicker::WaitFor([&] { return FileExists(result); }, kPageLimit));
+    const HWND window = PageWindow(started.dwProcessId);
+    EXPECT_TRUE(window);
+    Look(window, L"mailpage", 600, 400);
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_EQ(WaitForSingleObject(process.Get(), kPageLimit), WAIT_OBJECT_0);
+    if (WaitForSingleObject(process.Get(), 0) != WAIT_OBJECT_0) TerminateProcess(process.Get(), 1);
+}
+
+} // namespace
+} // namespace obtest
