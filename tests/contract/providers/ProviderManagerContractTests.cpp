@@ -129,6 +129,19 @@ TEST_F(ProviderManagerContract, AnswersNoAfterDeinit) {
     ExpectOnlyNo(manager_);
 }
 
+TEST_F(ProviderManagerContract, KeepsNothingOfTheSessionAfterDeinit) {
+    Init();
+    const ProviderProfile profile = FilledProfile();
+    ASSERT_TRUE(Entries().SetDefaultStorageProvider(manager_, &profile));
+    Entries().SetProviderTarget(manager_, L"C:\\a.docx");
+    Entries().Deinit(manager_);
+    ProviderProfile read = DirtyProfile();
+    Entries().GetDefaultStorageProvider(manager_, &read);
+    EXPECT_TRUE(SameBytes(read, ProviderProfile{}));
+    EXPECT_FALSE(Entries().SetDefaultStorageProvider(manager_, &profile));
+    EXPECT_STREQ(Entries().GetProviderTarget(manager_), L"");
+}
+
 TEST_F(ProviderManagerContract, AnswersNoWhenItHasNoProvider) {
     Init();
     ExpectOnlyNo(manager_);
