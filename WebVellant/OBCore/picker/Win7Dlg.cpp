@@ -18,15 +18,11 @@ constexpr FILEOPENDIALOGOPTIONS kOpenFileNameOptions =
     FOS_FORCEFILESYSTEM | FOS_ALLOWMULTISELECT | FOS_PATHMUSTEXIST | FOS_FILEMUSTEXIST;
 static_assert(kOpenFileNameOptions == 0x1A40);
 
-struct TaskMemoryPolicy : ObLib::NullPolicy<wchar_t*> {
-    static void Close(Handle text) noexcept { CoTaskMemFree(text); }
-};
-
 // Empty for an item that isn't in the file system.
 std::wstring FileSystemPath(IShellItemArray& items, DWORD index) {
     ObLib::ComPtr<IShellItem> item;
     if (FAILED(items.GetItemAt(index, item.Put())) || !item) return {};
-    ObLib::UniqueResource<TaskMemoryPolicy> path;
+    ObLib::UniqueCoTaskMemory<wchar_t> path;
     if (FAILED(item->GetDisplayName(SIGDN_FILESYSPATH, path.Put())) || !path) return {};
     return path.Get();
 }

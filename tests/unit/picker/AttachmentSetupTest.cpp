@@ -1,9 +1,12 @@
 #include "OBCore/picker/AttachmentSetup.h"
 
+#include <memory>
 #include <stdexcept>
 
+#include "OBCore/modules/ProviderManager.h"
 #include "tests/standins/Recording.h"
 #include "tests/support/ImportDouble.h"
+#include "tests/support/ProductRegistry.h"
 #include "tests/support/StandIns.h"
 #include "tests/unit/picker/PickerTest.h"
 
@@ -26,6 +29,10 @@ BOOL WINAPI RecordLanguage(DWORD flags, PCZZWSTR languages, PULONG) {
                Quoted(languages) + L")");
     return TRUE;
 }
+
+struct AttachmentSetupMemory {
+    alignas(AttachmentSetup) std::uint8_t bytes[sizeof(AttachmentSetup)];
+};
 
 class AttachmentSetupRun : public PickerTest {
 protected:
@@ -73,6 +80,37 @@ TEST_F(AttachmentSetupRun, StartsTheRecordOfTheRun) {
         EXPECT_FALSE(job.ResultIsArchive);
         EXPECT_TRUE(job.SingleAttachConversion); // the loader's default, so it was loaded
     }
+}
+
+TEST_F(AttachmentSetupRun, SetsTheLanguageThatWasLoaded) {
+    SetValue(HKEY_LOCAL_MACHINE, kLangsKey, L"InstalledUILangID", L"1036");
+    AttachmentSetup setup(nullptr, false);
+    EXPECT_EQ(StandIns::CallsOf({L"SetThreadPreferredUILanguages"}),
+              Calls{L"SetThreadPreferredUILanguages(4, \"040c\")"});
+}
+
+TEST_F(AttachmentSetupRun, ClearsTheLanguageWhenNoneIsSet) {
+    AttachmentSetup setup(nullptr, false);
+    EXPECT_EQ(StandIns::CallsOf({L"SetThreadPreferredUILanguages"}),
+              Calls{L"SetThreadPreferredUILanguages(4, \"\")"});
+}
+
+// The setup that is being made while the manager's Init looks at it.
+AttachmentSetup* setupInTheMaking = nullptr;
+
+TEST_F(AttachmentSetupRun, KnowsThatUploadsAreBlockedBeforeTheManagerIsInitialised) {
+    const ProviderManagerEntries saved = ProviderManager();
+    auto& entries = const_cast<ProviderManagerEntries&>(ProviderManager());
+    entries.Init = [](ProviderManagerHandle, std::int64_t, const wchar_t*) {
+        RecordCall(setupInTheMaking->Job().UploadBlocked ? L"blocked" : L"free");
+    };
+    const auto memory = std::make_unique<AttachmentSetupMemory>();
+    setupInTheMaking = reinterpret_cast<AttachmentSetup*>(memory->bytes);
+    for (const bool blocked : {true, false}) {
+        std::destroy_at(std::construct_at(setupInTheMaking, nullptr, blocked));
+    }
+    entries = saved;
+    EXPECT_EQ(StandIns::CallsOf({L"blocked", L"free"}), (Calls{L"blocked", L"free"}));
 }
 
 TEST_F(AttachmentSetupRun, PutsEverythingBackWhenAnExceptionPasses) {

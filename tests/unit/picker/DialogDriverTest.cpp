@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "OBCore/exchange/PickedFiles.h"
@@ -7,6 +9,7 @@
 #include "tests/standins/Recording.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/ProductRegistry.h"
 #include "tests/support/StandIns.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/picker/PickerTest.h"
@@ -45,6 +48,8 @@ protected:
         *block = ExchangeBlock{};
         block->Status = ExchangeStatus::DialogRequest;
         block->DialogOptions = options;
+        // What stood there before closes no text in the place of its own NUL.
+        std::fill(std::begin(block->TextArea), std::end(block->TextArea), std::uint8_t{0xAA});
         block->UploadBlocked = 1; // nobody writes it on this road, and nobody reads it
         StandIns::ForgetCalls();
         shown = nullptr;
@@ -112,7 +117,12 @@ TEST_F(DialogRun, AnswersWithFullPathsBytePerByte) {
     EXPECT_EQ(block->Status, ExchangeStatus::DialogAnswer);
     EXPECT_EQ(block->Dialog.FolderOffset, 76);
     EXPECT_EQ(block->Dialog.PathListOffset, 78);
-    EXPECT_EQ(ReadText(*block, 76), L"");
+    // The empty folder text, the paths, the closing NUL; the two empty names to clean up.
+    constexpr std::wstring_view kArea(L"\0C:\\in\\one.txt\0C:\\other\\two.txt\0\0\0\0", 35);
+    const auto* const area = reinterpret_cast<const wchar_t*>(block->TextArea);
+    EXPECT_EQ(std::wstring_view(area, kArea.size()), kArea);
+    EXPECT_EQ(block->CleanupFolderOffset, 76 + 2 * 33);
+    EXPECT_EQ(block->CleanupFileOffset, 76 + 2 * 34);
     EXPECT_EQ(AnsweredFiles(), (Calls{L"C:\\in\\one.txt", L"C:\\other\\two.txt"}));
 }
 
@@ -220,6 +230,12 @@ TEST_F(DialogRun, AllowsSeveralFilesOnlyAsThePageDid) {
     }
 }
 
+TEST_F(DialogRun, AsksTheServiceOnTheOwnerAboutEncryption) {
+    SetUserValue(L"AutoEncrypt", L"1");
+    Run();
+    EXPECT_TRUE(WasCalled(L"TryToShowWarningOrErrorMessage(" + ownerText + L", 0, 1)"));
+}
+
 TEST_F(DialogRun, RunsWithoutItsControlsWhenTheDialogCannotHaveThem) {
     shell.script.failures = {{L"QueryInterface(IFileDialogCustomize)", E_NOINTERFACE}};
     EXPECT_EQ(Run(), S_OK);
@@ -250,8 +266,8 @@ TEST_F(DialogRun, EndsTheManagerWhenAnExceptionPasses) {
         throw std::runtime_error("full");
     };
     EXPECT_THROW(Run(), std::runtime_error);
-    ExpectOrder(
-        {L"ProcessPickedFiles(", L"dialog.Unadvise(42)", L"DeleteObExtensionsManager(manager)"});
+    ExpectOrder({L"ProcessPickedFiles(", L"dialog.Unadvise(42)", L"Deinit(manager)",
+                 L"DeleteObExtensionsManager(manager)"});
     ReleaseWhatTheRunKept();
 }
 
@@ -278,6 +294,13 @@ TEST_F(DialogRunFolder, IsThatOfTheLastFileOfTheRunBefore) {
     EXPECT_TRUE(WasCalled(L"dialog.SetFolder(" + Quoted(folder.Path().c_str()) + L")"));
     Run();
     EXPECT_TRUE(WasCalled(L"dialog.SetFolder(null)"));
+
+    // Of a longer path the first 259 characters count, and of those the folder.
+    shell.script.failures = {};
+    shell.script.results = {folder.File(L"x") + std::wstring(400, L'x')};
+    Run();
+    Run();
+    EXPECT_TRUE(WasCalled(L"dialog.SetFolder(" + Quoted(folder.Path().c_str()) + L")"));
 
     // A folder that is gone counts as none.
     shell.script.failures = {};

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cwchar>
 #include <memory>
 #include <stdexcept>
@@ -6,9 +7,12 @@
 #include "OBCore/exchange/ExchangeRequest.h"
 #include "OBCore/picker/Drivers.h"
 #include "OBCore/picker/Win7Dlg.h"
+#include "tests/standins/Recording.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/ProductRegistry.h"
 #include "tests/support/StandIns.h"
+#include "tests/unit/entry/RecordedTrace.h"
 #include "tests/unit/picker/PickerTest.h"
 #include "tests/unit/picker/PlanningDouble.h"
 
@@ -25,15 +29,20 @@ HRESULT comAnswer = S_OK;
 BOOL WINAPI CountProcess(LPCWSTR, LPWSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL, DWORD,
                          LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION) {
     ++processesStarted;
+    RecordCall(L"CreateProcessW()");
     return FALSE;
 }
 
 HRESULT WINAPI CountInitialise(LPVOID) {
     ++comInitialised;
+    RecordCall(L"CoInitialize()");
     return comAnswer;
 }
 
-void WINAPI CountUninitialise() { ++comUninitialised; }
+void WINAPI CountUninitialise() {
+    ++comUninitialised;
+    RecordCall(L"CoUninitialize()");
+}
 
 // One request of the open-file-name road, as the host has taken it.
 class OpenFileNameRun : public PickerTest {
@@ -144,7 +153,10 @@ TEST_F(OpenFileNameRun, HandsTheBlocksRoomToTheListOfFiles) {
 
 TEST_F(OpenFileNameRun, WritesTheArchiveWithTwoNuls) {
     AnswerWithArchive(L"C:\\out\\a.zip");
-    std::fill(std::begin(block->TextArea), std::end(block->TextArea), std::uint8_t{0xAA});
+    // Nothing that stood in the slot may close the list in the place of the two.
+    shell.script.onShow = [this](RecordingFileDialog&) {
+        std::fill(std::begin(block->TextArea), std::end(block->TextArea), std::uint8_t{0xAA});
+    };
     EXPECT_EQ(Run(), 1);
     EXPECT_EQ(ReadFileList(*block), std::wstring(L"C:\\out\\a.zip\0\0", 14));
     EXPECT_FALSE(WasCalled(L"FillOpenFileNameBuffer"));
@@ -210,9 +222,9 @@ TEST_F(OpenFileNameRun, CutsALinkAtTheBlocksEnd) {
         return 0;
     };
     Run();
-    const std::size_t length = ReadText(*block, 76).size();
-    EXPECT_LE(length, 32730U);
-    EXPECT_GE(length, 32729U);
+    EXPECT_EQ(ReadText(*block, 76), std::wstring(32729, L'l')); // and its NUL
+    EXPECT_EQ(block->TextArea[sizeof(block->TextArea) - 2], 0);
+    EXPECT_EQ(block->TextArea[sizeof(block->TextArea) - 1], 0);
 }
 
 TEST_F(OpenFileNameRun, NotesWhatTheRunLeavesToCleanUp) {
@@ -281,9 +293,24 @@ TEST_F(OpenFileNameRun, HandsTheChoicesOfThePersonToThePipeline) {
     EXPECT_FALSE(zip);
 }
 
-TEST_F(OpenFileNameRun, StartsTheUpdateCheckerFirst) {
+TEST_F(OpenFileNameRun, StartsTheUpdateCheckerEachTimeBeforeTheDialogIsMade) {
+    for (const int runs : {1, 2}) {
+        Run();
+        EXPECT_EQ(processesStarted, runs);
+        ExpectOrder({L"Init(manager, ", L"CreateProcessW()", L"dialog.created()"});
+    }
+}
+
+TEST_F(OpenFileNameRun, AsksTheServiceOnThePagesWindowAboutEncryption) {
+    SetUserValue(L"AutoEncrypt", L"1");
     Run();
-    EXPECT_EQ(processesStarted, 1);
+    EXPECT_TRUE(WasCalled(L"TryToShowWarningOrErrorMessage(" + ownerText + L", 0, 1)"));
+}
+
+TEST_F(OpenFileNameRun, GoesOnWithoutEventsWhenTheDialogDoesNotTakeThem) {
+    shell.script.failures = {{L"Advise", E_FAIL}};
+    EXPECT_EQ(Run(), 1);
+    ExpectOrder({L"dialog.Show(", L"ProcessPickedFiles(", L"dialog.Unadvise(0)"});
 }
 
 TEST_F(OpenFileNameRun, ReleasesEverythingWhenAnExceptionPasses) {
@@ -292,7 +319,7 @@ TEST_F(OpenFileNameRun, ReleasesEverythingWhenAnExceptionPasses) {
     };
     EXPECT_THROW(Run(), std::runtime_error);
     ExpectOrder({L"ProcessPickedFiles(", L"dialog.Unadvise(42)", L"dialog.destroyed()",
-                 L"DeleteObExtensionsManager(manager)"});
+                 L"Deinit(manager)", L"DeleteObExtensionsManager(manager)"});
     EXPECT_EQ(FileDialogDouble::LiveObjects(), 0);
 }
 
@@ -312,9 +339,15 @@ TEST_F(OpenFileNameRun, LeavesComAsItFoundIt) {
     for (const auto& row : rows) {
         comInitialised = comUninitialised = 0;
         comAnswer = row.answer;
+        ForgetTrace();
         Run();
         EXPECT_EQ(comInitialised, 1);
         EXPECT_EQ(comUninitialised, row.balance);
+        EXPECT_EQ(std::ranges::count(TraceLines(), "CoUninitialize and return."), row.balance);
+        ExpectOrder({L"AllowedEncryptMethods()", L"CoInitialize()", L"Deinit(manager)"});
+        if (row.balance == 0) continue;
+        ExpectOrder(
+            {L"Deinit(manager)", L"CoUninitialize()", L"DeleteObExtensionsManager(manager)"});
     }
 }
 

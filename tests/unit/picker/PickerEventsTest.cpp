@@ -3,6 +3,7 @@
 #include "OBCore/modules/ProviderManager.h"
 #include "OBCore/picker/PickerControls.h"
 #include "OBCore/picker/Win7DlgEvents.h"
+#include "tests/support/ImportDouble.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/StandIns.h"
 #include "tests/unit/picker/PickerTest.h"
@@ -478,6 +479,8 @@ TEST_F(PickerEventsFileOk, AcceptsWhenTheResultsCannotBeHad) {
     EXPECT_TRUE(boxes.Seen().empty());
 }
 
+int WINAPI ThrowInsteadOfABox(HWND, LPCWSTR, LPCWSTR, UINT) { throw std::bad_alloc(); }
+
 // A sister module's entry that throws, though none should: nothing may reach the shell.
 class PickerEventsExceptions : public OpenPickerTest {
 protected:
@@ -503,6 +506,15 @@ TEST_F(PickerEventsExceptions, StopAtEachMethod) {
     EXPECT_EQ(dialog->ChooseItem(997, 1000), S_OK);
     EXPECT_EQ(dialog->Select({L"C:\\a"}), S_OK);
     EXPECT_EQ(dialog->Toggle(1003, true), S_OK);
+}
+
+TEST_F(PickerEventsExceptions, KeepTheDialogOpenAtOk) {
+    const ImportDouble<decltype(&MessageBoxW)> box("user32.dll", "MessageBoxW",
+                                                   &ThrowInsteadOfABox);
+    ASSERT_TRUE(box.Stands());
+    Choose(false, false);
+    shell.script.results = {L"C:\\a", L"C:\\b"};
+    EXPECT_EQ(dialog->PressOk(), S_FALSE);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include "OBCore/modules/OwnModule.h"
 #include "tests/support/ImportDouble.h"
+#include "tests/unit/entry/RecordedTrace.h"
 
 namespace {
 
@@ -125,10 +126,13 @@ TEST_F(UpdateCheckStart, StartsTheCheckerBesideTheLibraryUnquotedAndDoesNotWait)
     EXPECT_TRUE(IsClosed(started.handles[1]));
 }
 
-TEST_F(UpdateCheckStart, GoesOnWhenTheCheckerDoesNotStart) {
+TEST_F(UpdateCheckStart, OnlyTracesACheckerThatDoesNotStart) {
     started.fails = true;
+    obtest::ForgetTrace();
     obcore::RunUpdateCheck(options, obcore::CurrentTime());
     EXPECT_EQ(started.count, 1);
+    EXPECT_EQ(obtest::TraceLines(),
+              std::vector<std::string>{"CreateProcess CheckUpdater.exe failed 2"});
 }
 
 TEST_F(UpdateCheckStart, StartsNothingWhenChecksAreOffOrNoneIsDue) {

@@ -1,0 +1,59 @@
+#include "OBCore/picker/PickerHooks.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+#include "tests/unit/entry/RecordedTrace.h"
+
+namespace {
+
+using obcore::CloudButtonHook;
+using obcore::PickerHooks;
+
+TEST(PickerHookRecord, HasItsFieldsInTheirOrder) {
+    const CloudButtonHook record;
+    const auto* const start = reinterpret_cast<const std::uint8_t*>(&record);
+    const auto offset = [&](const auto& field) {
+        return reinterpret_cast<const std::uint8_t*>(&field) - start;
+    };
+    EXPECT_EQ(offset(record.hook), 0);
+    EXPECT_EQ(offset(record.providerManager), 8);
+    EXPECT_EQ(offset(record.button), 16);
+    EXPECT_EQ(offset(record.dialog), 24);
+    EXPECT_EQ(offset(record.ok_button_), 32);
+    EXPECT_EQ(offset(record.combobox_), 40);
+    EXPECT_EQ(offset(record.minimumWidth), 48);
+    EXPECT_EQ(offset(record.linkText), 56);
+}
+
+TEST(PickerHookRecord, BeginsEmpty) {
+    const CloudButtonHook record;
+    EXPECT_FALSE(record.hook);
+    EXPECT_EQ(record.providerManager, nullptr);
+    EXPECT_EQ(record.button, nullptr);
+    EXPECT_EQ(record.dialog, nullptr);
+    EXPECT_EQ(record.ok_button_, nullptr);
+    EXPECT_EQ(record.combobox_, nullptr);
+    EXPECT_EQ(record.minimumWidth, 0);
+    EXPECT_EQ(record.linkText, L"");
+}
+
+TEST(PickerHookInstallation, IsOnlyTracedWhenItFailsTheLogoFirst) {
+    obtest::ForgetTrace();
+    PickerHooks hooks(nullptr);
+    const auto& lines = obtest::TraceLines();
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0], "SetWindowsHookEx for Logo failed 78"); // ERROR_CALL_NOT_IMPLEMENTED
+    EXPECT_EQ(lines[1], "SetWindowsHookEx failed 78");
+}
+
+TEST(PickerHookInstallation, GivesNoLinkTextWhereNoneWasProduced) {
+    PickerHooks hooks(nullptr);
+    std::wstring text = L"before";
+    hooks.MoveLinkText(text);
+    EXPECT_EQ(text, L"before");
+}
+
+} // namespace
