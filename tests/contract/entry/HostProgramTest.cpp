@@ -8,10 +8,12 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "contracts/ExchangeBlock.h"
 #include "tests/standins/Recording.h"
+#include "tests/support/AbsentNeighbour.h"
 #include "tests/support/StandIns.h"
 
 namespace {
 
+using obtest::AbsentNeighbour;
 using obtest::BesideProgram;
 using obtest::StandIns;
 using testing::ElementsAre;
@@ -40,18 +42,6 @@ DWORD RunHost(const std::wstring& arguments) {
     return code;
 }
 
-// A neighbour of the host that isn't there for a scope.
-class Absent {
-public:
-    explicit Absent(const wchar_t* name) : path_(BesideProgram(name)) {
-        EXPECT_TRUE(MoveFileW(path_.c_str(), (path_ + L".away").c_str()));
-    }
-    ~Absent() { MoveFileW((path_ + L".away").c_str(), path_.c_str()); }
-
-private:
-    std::wstring path_;
-};
-
 class HostProgram : public testing::Test {
 protected:
     void SetUp() override { StandIns::Reset(); }
@@ -67,19 +57,22 @@ TEST_F(HostProgram, EndsWithMinusOneWithoutItsTwoNumbers) {
 }
 
 TEST_F(HostProgram, EndsWithMinusOneWithoutTheLibrary) {
-    const Absent library(L"obwmcore64.dll");
+    const AbsentNeighbour library(L"obwmcore64.dll");
+    ASSERT_TRUE(library.Stands());
     EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
     EXPECT_THAT(Log(), IsEmpty());
 }
 
 TEST_F(HostProgram, EndsWithMinusOneWithoutTheProviderManager) {
-    const Absent manager(L"PVXManager64.dll");
+    const AbsentNeighbour manager(L"PVXManager64.dll");
+    ASSERT_TRUE(manager.Stands());
     EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
     EXPECT_THAT(Log(), IsEmpty());
 }
 
 TEST_F(HostProgram, EndsWithMinusOneWithoutTheArchiveService) {
-    const Absent service(L"obofcsvc64.dll");
+    const AbsentNeighbour service(L"obofcsvc64.dll");
+    ASSERT_TRUE(service.Stands());
     EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
     EXPECT_THAT(Log(), IsEmpty());
 }

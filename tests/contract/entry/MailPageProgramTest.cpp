@@ -7,6 +7,7 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/standins/Recording.h"
 #include "tests/standins/host/HostScript.h"
+#include "tests/support/AbsentNeighbour.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -114,10 +115,9 @@ TEST_F(MailPageProgram, IsTheOwnerOfTheHostsDialogAndHeldMeanwhile) {
 }
 
 TEST_F(MailPageProgram, EndsWithItsOwnCodeWithoutTheLibrary) {
-    const std::wstring library = BesideProgram(L"obwmcore64.dll");
-    ASSERT_TRUE(MoveFileW(library.c_str(), (library + L".away").c_str()));
+    const obtest::AbsentNeighbour library(L"obwmcore64.dll");
+    ASSERT_TRUE(library.Stands());
     EXPECT_EQ(Attach(L""), "no result");
-    MoveFileW((library + L".away").c_str(), library.c_str());
     EXPECT_EQ(exitCode_, 3u);
 }
 

@@ -7,15 +7,28 @@
 
 #include "tests/contract/entry/LoadedLibrary.h"
 #include "tests/contract/entry/PageContext.h"
-#include "tests/standins/Recording.h"
 #include "tests/standins/host/HostScript.h"
+#include "tests/support/AbsentNeighbour.h"
 #include "tests/support/ImportDouble.h"
 
 namespace {
 
+using obtest::AbsentNeighbour;
 using obtest::HostScript;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+constexpr wchar_t kMainClass[] = L"BrowsersMainWindow";
+
+ObLib::UniqueWindow MakeMainWindow() {
+    WNDCLASSEXW description{.cbSize = sizeof(WNDCLASSEXW)};
+    description.lpfnWndProc = DefWindowProcW;
+    description.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+    description.lpszClassName = kMainClass;
+    RegisterClassExW(&description);
+    return ObLib::UniqueWindow(CreateWindowExW(0, kMainClass, L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
+                                               0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr));
+}
 
 class OpenFileNameContract : public testing::Test {
 protected:
@@ -65,11 +78,28 @@ TEST_F(OpenFileNameContract, RestoresTheOwnerAfterAHostFailure) {
     EXPECT_THAT(context_.asked, IsEmpty());
 }
 
+TEST_F(OpenFileNameContract, GivesTheCallersOwnerBackAfterEveryEndOfTheHost) {
+    const ObLib::UniqueWindow asking(CreateWindowExW(0, L"Static", L"",
+                                                     WS_OVERLAPPEDWINDOW | WS_VISIBLE, 5, 5, 300,
+                                                     200, nullptr, nullptr, nullptr, nullptr));
+    const ObLib::UniqueWindow main = MakeMainWindow();
+    ASSERT_TRUE(asking && main);
+    context_.windowClasses = {kMainClass};
+    request_.hwndOwner = asking.Get();
+    for (const wchar_t* script : {L"status 3\nslot \"C:\\a.txt\"\nresult 1", L"status 3\nresult 0",
+                                  L"exit 3", L"exit -1"}) {
+        HostScript::Play(script);
+        Ask();
+        EXPECT_EQ(request_.hwndOwner, asking.Get());
+        EXPECT_TRUE(IsWindowEnabled(main.Get()));
+    }
+    EXPECT_THAT(context_.asked, IsEmpty());
+}
+
 TEST_F(OpenFileNameContract, ReadsAsACancelWhenTheHostIsMissing) {
-    const std::wstring host = obtest::BesideProgram(L"obwmvapp.exe");
-    ASSERT_TRUE(MoveFileW(host.c_str(), (host + L".away").c_str()));
+    const AbsentNeighbour host(L"obwmvapp.exe");
+    ASSERT_TRUE(host.Stands());
     EXPECT_EQ(Ask(), 0);
-    MoveFileW((host + L".away").c_str(), host.c_str());
     EXPECT_THAT(context_.asked, IsEmpty());
     EXPECT_EQ(request_.hwndOwner, nullptr);
 }
@@ -91,10 +121,9 @@ TEST_F(OpenFileNameContract, LeavesOtherPagesToTheBrowser) {
 }
 
 TEST_F(OpenFileNameContract, LeavesMailPagesToTheBrowserWithoutTheArchiveService) {
-    const std::wstring service = obtest::BesideProgram(L"obofcsvc64.dll");
-    ASSERT_TRUE(MoveFileW(service.c_str(), (service + L".away").c_str()));
+    const AbsentNeighbour service(L"obofcsvc64.dll");
+    ASSERT_TRUE(service.Stands());
     EXPECT_EQ(Ask(), 9);
-    MoveFileW((service + L".away").c_str(), service.c_str());
     EXPECT_THAT(context_.asked, ElementsAre("CallGetOpenFileName"));
 }
 
@@ -102,10 +131,9 @@ TEST_F(OpenFileNameContract, NeverLoadsTheProviderManagerInTheBrowser) {
     HostScript::Play(L"status 3\nslot \"C:\\a.txt\"\nresult 1");
     EXPECT_EQ(Ask(), 1);
     EXPECT_EQ(GetModuleHandleW(L"PVXManager64.dll"), nullptr);
-    const std::wstring manager = obtest::BesideProgram(L"PVXManager64.dll");
-    ASSERT_TRUE(MoveFileW(manager.c_str(), (manager + L".away").c_str()));
+    const AbsentNeighbour manager(L"PVXManager64.dll");
+    ASSERT_TRUE(manager.Stands());
     EXPECT_EQ(Ask(), 1);
-    MoveFileW((manager + L".away").c_str(), manager.c_str());
 }
 
 DWORD WINAPI FillTheBuffer(HMODULE, LPWSTR path, DWORD capacity) {

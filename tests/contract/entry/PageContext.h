@@ -14,6 +14,7 @@ class PageContext : public BrowserContext {
 public:
     std::wstring url = L"https://mail.google.com/mail/u/0/#inbox?compose=new";
     std::uint8_t wanted = 1;
+    std::vector<const wchar_t*> windowClasses;
     std::vector<std::string> asked; // the browser's own answers that were asked for
     std::vector<std::wstring> links;
     std::vector<std::pair<std::wstring, std::wstring>> cleanup;
@@ -36,8 +37,10 @@ public:
         return 0x00041003;
     }
     const wchar_t* GetPageUrl() override { return url.c_str(); }
-    const wchar_t* const* GetBrowserWindowClasses() override { return nullptr; }
-    std::int32_t GetBrowserWindowClassCount() override { return 0; }
+    const wchar_t* const* GetBrowserWindowClasses() override { return windowClasses.data(); }
+    std::int32_t GetBrowserWindowClassCount() override {
+        return static_cast<std::int32_t>(windowClasses.size());
+    }
     std::uint8_t IsPickerWanted() override { return wanted; }
     void InsertLinkText(const wchar_t* text) override { links.emplace_back(text); }
     void NoteCleanupFiles(const wchar_t* folder, const wchar_t* file) override {

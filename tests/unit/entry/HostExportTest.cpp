@@ -6,6 +6,7 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "obwmv/Exports.h"
 #include "obwmv/Library.h"
+#include "tests/support/AbsentNeighbour.h"
 #include "tests/support/StandIns.h"
 #include "tests/unit/entry/RequestDoubles.h"
 

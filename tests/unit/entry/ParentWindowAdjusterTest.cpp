@@ -216,6 +216,39 @@ TEST_F(ParentWindowAdjusterTest, AssertsWhenTheFieldOfAMovedOwnerWasChangedAndMo
     EXPECT_EQ(Rectangle(owner.Get()), before);
 }
 
+// The adjuster as it lies in memory.
+struct Fields {
+    HWND* window;
+    HWND oldWindow;
+    HWND newWindow;
+    RECT saved;
+};
+static_assert(sizeof(Fields) == sizeof(ParentWindowAdjuster));
+
+TEST_F(ParentWindowAdjusterTest, AssertsWhenTheMovedWindowIsNotTheOwner) {
+    const auto owner =
+        MakeWindow(L"OwnerWindow", Icon::None, WS_OVERLAPPEDWINDOW, {11, 22, 333, 244});
+    RECT old{};
+    GetWindowRect(owner.Get(), &old);
+    obtest::MessageBoxWatcher boxes;
+    HWND field = owner.Get();
+    {
+        ParentWindowAdjuster adjuster(&field);
+        Fields fields;
+        std::memcpy(&fields, static_cast<void*>(&adjuster), sizeof(fields));
+        EXPECT_EQ(fields.window, &field);
+        EXPECT_EQ(fields.oldWindow, owner.Get());
+        EXPECT_EQ(fields.newWindow, owner.Get());
+        EXPECT_TRUE(EqualRect(&fields.saved, &old));
+        fields.oldWindow = reinterpret_cast<HWND>(0x1234);
+        std::memcpy(static_cast<void*>(&adjuster), &fields, sizeof(fields));
+    }
+    EXPECT_THAT(AssertedLines(boxes), ElementsAre(Assertion(L"new_window_ == old_window_", L"55")));
+    RECT after{};
+    GetWindowRect(owner.Get(), &after);
+    EXPECT_TRUE(EqualRect(&after, &old));
+}
+
 TEST_F(ParentWindowAdjusterTest, AssertsThatThereIsAFieldAndRunsOn) {
     obtest::MessageBoxWatcher boxes;
     EXPECT_TRUE(

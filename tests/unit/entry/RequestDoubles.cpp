@@ -3,7 +3,6 @@
 #include "obwmv/BrowserRequest.h"
 #include "obwmv/HostEntry.h"
 #include "obwmv/SiteRules.h"
-#include "tests/standins/Recording.h"
 
 namespace obtest {
 namespace {
@@ -38,14 +37,6 @@ BOOL WINAPI ActivationRecorder::Deactivate(DWORD flags, ULONG_PTR cookie) {
     if (current->onDeactivate) current->onDeactivate();
     NoteStep(flags == 0 ? "deactivate" : "deactivate with flags");
     return current->deactivate_.Real()(flags, cookie);
-}
-
-AbsentNeighbour::AbsentNeighbour(const wchar_t* fileName)
-    : path_(BesideProgram(fileName)),
-      moved_(MoveFileW(path_.c_str(), (path_ + L".away").c_str()) != FALSE) {}
-
-AbsentNeighbour::~AbsentNeighbour() {
-    if (moved_) MoveFileW((path_ + L".away").c_str(), path_.c_str());
 }
 
 } // namespace obtest

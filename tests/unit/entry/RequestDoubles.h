@@ -51,16 +51,4 @@ private:
     bool fails_;
 };
 
-// Moves a file of the program's folder away for a scope.
-class AbsentNeighbour {
-public:
-    explicit AbsentNeighbour(const wchar_t* fileName);
-    ~AbsentNeighbour();
-    bool Stands() const { return moved_; }
-
-private:
-    std::wstring path_;
-    bool moved_;
-};
-
 } // namespace obtest
