@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <string>
 
 #include "services/archive/ZipJob.h"
 #include "services/archive/ZipResults.h"
@@ -17,10 +18,13 @@ struct RunState {
     const ProgressCallback* progress = nullptr; // may be null or empty
     std::uint64_t bytesRead = 0;
     ZipResult failure = ZipResult::Stands;
+    std::wstring failedFile; // the source that the failure concerns; empty when it is none
 
     // The first failure stays: those behind it only follow from it.
-    void Fail(ZipResult result) {
-        if (failure == ZipResult::Stands) failure = result;
+    void Fail(ZipResult result, const std::wstring& source = {}) {
+        if (failure != ZipResult::Stands) return;
+        failure = result;
+        failedFile = source;
     }
 };
 

@@ -61,7 +61,7 @@ private:
 };
 
 zip_int64_t SourceFile::Fail(ZipResult result, int libraryError) {
-    run_.Fail(result);
+    run_.Fail(result, path_);
     zip_error_set(&error_, libraryError, EIO);
     return -1;
 }
@@ -208,11 +208,11 @@ std::int64_t LocalTime(int year, int month, int day, int hour, int minute, int s
 bool ReadSourceFacts(const std::wstring& path, SourceFacts& facts, RunState& run) {
     WIN32_FILE_ATTRIBUTE_DATA found{};
     if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &found)) {
-        run.Fail(SourceFailure(GetLastError()));
+        run.Fail(SourceFailure(GetLastError()), path);
         return false;
     }
     if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-        run.Fail(ZipResult::SourceUnreadable);
+        run.Fail(ZipResult::SourceUnreadable, path);
         return false;
     }
     facts.size = Join(found.nFileSizeHigh, found.nFileSizeLow);

@@ -23,8 +23,9 @@ struct ZipJob {
 };
 
 struct ZipProgress {
-    const std::wstring& file; // the source that is being read
-    std::uint64_t bytesRead;  // of all sources so far
+    const std::wstring& file;     // the source that is being read
+    std::uint64_t bytesRead;      // of all sources so far
+    std::uint64_t totalBytes = 0; // of all sources; 0 while it isn't known
 };
 
 // Called on the thread of the run after each piece that was read from a source. False cancels the

@@ -155,7 +155,8 @@ ZipResult WriteEntries(const ZipJob& job, OutputFile& output, RunState& run) {
 
 } // namespace
 
-ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress) {
+ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress, std::wstring* failedFile) {
+    if (failedFile) failedFile->clear();
     const ZipResult fit = CheckJob(job);
     if (fit != ZipResult::Stands) return fit;
     const std::wstring target = FullPath(job.target);
@@ -166,6 +167,7 @@ ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress) {
     RunState run;
     run.progress = &progress;
     const ZipResult written = WriteEntries(job, output, run);
+    if (written != ZipResult::Stands && failedFile) *failedFile = run.failedFile;
     if (written != ZipResult::Stands) return written;
     if (job.encryptionMethod != 0 && !EraseEncryptedChecksums(output)) {
         const ZipResult failure = output.LastFailure();
