@@ -1,6 +1,7 @@
 // What a person sees of a request isn't blank and grows with the screen's scale. With OB_PICTURES,
 // a folder, the pictures are left there for people to judge.
 #include <cstdlib>
+#include <iterator>
 
 #include "tests/e2e/RealRequest.h"
 #include "tests/support/PasswordPerson.h"
@@ -52,6 +53,7 @@ protected:
 
 // Typing a folder and Open shows it; the list fills when the shell comes to it.
 void OpenFolder(const OpenPicker& picker, const std::wstring& folder, int files) {
+    ASSERT_NE(picker.RowCount(), files) << "the folder couldn't be told from the one before";
     EXPECT_TRUE(picker.TypeNames(folder));
     picker.PressOk();
     EXPECT_TRUE(OpenPicker::WaitFor([&] { return picker.RowCount() == files; }));
@@ -59,11 +61,11 @@ void OpenFolder(const OpenPicker& picker, const std::wstring& folder, int files)
 
 TEST_F(Pictures, ThePickerShowsItsChoices) {
     const std::wstring folder = files_.Folder(L"Thursday");
-    for (const wchar_t* name : {L"Agenda.txt", L"Chart.png", L"Meeting notes.txt", L"Report.pdf"}) {
-        WriteFileContent(folder + L"\\" + name, "content");
-    }
+    constexpr const wchar_t* kNames[] = {L"Agenda.txt", L"Chart.png",  L"Meeting notes.txt",
+                                         L"Plan.txt",   L"Report.pdf", L"Summary.txt"};
+    for (const wchar_t* name : kNames) WriteFileContent(folder + L"\\" + name, "content");
     PickerPerson person([&](OpenPicker& picker) {
-        OpenFolder(picker, folder, 4);
+        OpenFolder(picker, folder, static_cast<int>(std::size(kNames)));
         EXPECT_TRUE(picker.SelectInList({0, 2}));
         Look(picker.Window(), L"picker", 500, 400);
         picker.PressCancel();
