@@ -95,6 +95,27 @@ TEST_F(OpenFileNameExport, SettlesTheOwnerForTheRunAndRestoresIt) {
     EXPECT_EQ(request_.hwndOwner, asking.Get());
 }
 
+TEST_F(OpenFileNameExport, LooksForTheMainWindowBeforeItMovesOrFakesAnOwner) {
+    const auto main =
+        MakeWindow(L"MainWindow", Icon::Application, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+    const auto hidden =
+        MakeWindow(L"AskingWindow", Icon::None, WS_OVERLAPPEDWINDOW, {-900, 5, -800, 55});
+    context_.windowClasses = {L"MainWindow"};
+    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
+        EXPECT_EQ(request->hwndOwner, main.Get());
+        EXPECT_EQ(FindWindowW(L"obwmv_fake_parent_class", nullptr), nullptr);
+        RECT place{};
+        GetWindowRect(hidden.Get(), &place);
+        EXPECT_EQ(place.left, -900);
+        return TRUE;
+    };
+    for (const HWND owner : {HWND(nullptr), hidden.Get()}) {
+        request_.hwndOwner = owner;
+        EXPECT_EQ(Ask(), TRUE);
+        EXPECT_EQ(request_.hwndOwner, owner);
+    }
+}
+
 TEST_F(OpenFileNameExport, MakesAFakeOwnerForANullOneAndRestoresNull) {
     HWND during = nullptr;
     bool stoodAtDeactivation = true;

@@ -70,8 +70,10 @@ TEST_F(ShowExport, RunsWithTheBrowsersMainWindowAsOwner) {
     context_.windowClasses = {L"MainWindow"};
     Doubles().dialog = [&](IFileDialog*, HWND owner, BrowserContext*) {
         EXPECT_EQ(owner, main.Get());
+        EXPECT_EQ(FindWindowW(L"obwmv_fake_parent_class", nullptr), nullptr);
         return S_OK;
     };
+    EXPECT_EQ(Ask(nullptr), S_OK);
     EXPECT_EQ(Ask(asking.Get()), S_OK);
     EXPECT_EQ(Steps().at(6), "RunDialogRequest");
 }
