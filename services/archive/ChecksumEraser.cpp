@@ -10,7 +10,7 @@ namespace {
 
 // Offsets and signatures of the format.
 constexpr std::uint32_t kEndSignature = 0x06054b50;
-constexpr std::size_t kEndSize = 22; // no archive comment is written
+constexpr std::size_t kEndSize = 22; // without the archive's comment behind it
 constexpr std::uint32_t kLocator64Signature = 0x07064b50;
 constexpr std::size_t kLocator64Size = 20;
 constexpr std::uint32_t kEnd64Signature = 0x06064b50;
@@ -47,18 +47,17 @@ std::optional<Span> FindDirectory64(OutputFile& output, std::uint64_t locatorAt)
     return Span{At<std::uint64_t>(end + 48), At<std::uint64_t>(end + 40)};
 }
 
-std::optional<Span> FindDirectory(OutputFile& output) {
-    const std::uint64_t length = output.Length();
+std::optional<Span> FindDirectory(OutputFile& output, std::size_t commentSize) {
     std::uint8_t end[kEndSize];
-    if (length < kEndSize || !output.ReadAt(length - kEndSize, end, sizeof end)) {
-        return std::nullopt;
-    }
+    if (output.Length() < kEndSize + commentSize) return std::nullopt;
+    const std::uint64_t endAt = output.Length() - commentSize - kEndSize;
+    if (!output.ReadAt(endAt, end, sizeof end)) return std::nullopt;
     if (At<std::uint32_t>(end) != kEndSignature) return std::nullopt;
     const bool in64 = At<std::uint16_t>(end + 10) == 0xFFFF ||
                       At<std::uint32_t>(end + 12) == kIn64 || At<std::uint32_t>(end + 16) == kIn64;
     if (!in64) return Span{At<std::uint32_t>(end + 16), At<std::uint32_t>(end + 12)};
-    if (length < kEndSize + kLocator64Size) return std::nullopt;
-    return FindDirectory64(output, length - kEndSize - kLocator64Size);
+    if (endAt < kLocator64Size) return std::nullopt;
+    return FindDirectory64(output, endAt - kLocator64Size);
 }
 
 // Where the entry's own header stands. `extra` is its extra fields.
@@ -109,8 +108,8 @@ bool EraseIn(std::vector<std::uint8_t>& directory, OutputFile& output) {
 
 } // namespace
 
-bool EraseEncryptedChecksums(OutputFile& output) {
-    const std::optional<Span> span = FindDirectory(output);
+bool EraseEncryptedChecksums(OutputFile& output, std::size_t commentSize) {
+    const std::optional<Span> span = FindDirectory(output, commentSize);
     if (!span || span->start > output.Length() || span->size > output.Length() - span->start) {
         return false;
     }

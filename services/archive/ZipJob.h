@@ -18,7 +18,9 @@ struct ZipJob {
     std::uint32_t compressionMethod = obcore::kCompressionDeflate;
     std::uint32_t encryptionMethod = 0; // one method bit, 0 for none
     Secret password;
-    bool recoveryAsked = false;       // a public key was handed over
+    bool recoveryAsked = false; // a public key was handed over; a run that finds it set refuses
+    std::wstring recoveryKey;   // the key's text; empty when none was handed over
+    std::string comment;        // the archive's own, in ASCII; longer than 65,535 bytes fails
     bool duplicateReferences = false; // kept; every file is still compressed on its own
 };
 

@@ -137,10 +137,18 @@ ZipResult LibraryFailure(zip_t* archive) {
     return memory || !archive ? ZipResult::OutOfMemory : ZipResult::EngineFailed;
 }
 
+// False also when it is too long for an archive: what stands in it was asked for.
+bool SetComment(zip_t* archive, const std::string& comment) {
+    if (comment.empty()) return true;
+    if (comment.size() > UINT16_MAX) return false;
+    const auto length = static_cast<zip_uint16_t>(comment.size());
+    return zip_set_archive_comment(archive, comment.data(), length) == 0;
+}
+
 // Writes every entry into `output`; the file has no name yet.
 ZipResult WriteEntries(const ZipJob& job, OutputFile& output, RunState& run) {
     UniqueArchive archive = OpenArchive(output, run);
-    bool done = static_cast<bool>(archive);
+    bool done = archive && SetComment(archive.Get(), job.comment);
     const std::vector<std::wstring> paths = DistinctSources(job.files);
     const std::vector<std::wstring> names = UniqueEntryNames(paths);
     for (std::size_t index = 0; done && index < paths.size(); ++index) {
@@ -169,7 +177,7 @@ ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress, std::wstri
     const ZipResult written = WriteEntries(job, output, run);
     if (written != ZipResult::Stands && failedFile) *failedFile = run.failedFile;
     if (written != ZipResult::Stands) return written;
-    if (job.encryptionMethod != 0 && !EraseEncryptedChecksums(output)) {
+    if (job.encryptionMethod != 0 && !EraseEncryptedChecksums(output, job.comment.size())) {
         const ZipResult failure = output.LastFailure();
         return failure == ZipResult::Stands ? ZipResult::EngineFailed : failure;
     }
