@@ -2,7 +2,7 @@
 
 #include "OBCore/modules/TextIds.h"
 #include "tests/unit/compression/RunFixture.h"
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include "OBCore/compression/CompressFiles.h"
 #include "tests/unit/compression/RunFixture.h"
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "obwmv/ParentWindowAdjuster.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 #include "tests/unit/entry/TestWindow.h"
 
 namespace {

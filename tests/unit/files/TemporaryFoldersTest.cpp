@@ -6,7 +6,7 @@
 
 #include "tests/support/ImportDouble.h"
 #include "tests/support/TestFolder.h"
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/ImportDouble.h"
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 #include "tests/unit/files/WipeProgram.h"
 
 namespace {

@@ -26,13 +26,13 @@ TEST_F(ArchiveServiceLoading, FailsWithoutTheFile) {
     EXPECT_FALSE(LoadArchiveService());
     EXPECT_EQ(std::vector<std::wstring>({Beside()}), Loads());
     EXPECT_EQ(std::vector<std::string>({"LoadLibrary " + Narrow(Beside()) + " failed"}),
-              TraceLines());
+              obtest::TraceLines());
 }
 
 TEST_F(ArchiveServiceLoading, FailsWithAFileThatIsNoModule) {
     ASSERT_TRUE(obtest::WriteFileContent(Beside(), "not a module"));
     EXPECT_FALSE(LoadArchiveService());
-    EXPECT_EQ(1u, TraceLines().size());
+    EXPECT_EQ(1u, obtest::TraceLines().size());
 }
 
 TEST_F(ArchiveServiceLoading, BindsEveryEntryByItsName) {
@@ -47,7 +47,7 @@ TEST_F(ArchiveServiceLoading, BindsEveryEntryByItsName) {
         << #name;
     OB_ARCHIVE_SERVICE_ENTRIES(EXPECT_BOUND)
 #undef EXPECT_BOUND
-    EXPECT_TRUE(TraceLines().empty());
+    EXPECT_TRUE(obtest::TraceLines().empty());
 }
 
 TEST_F(ArchiveServiceLoading, LoadsOnceAndAnswersFromThenOn) {
@@ -61,7 +61,8 @@ TEST_F(ArchiveServiceLoading, FailsWhenAnEntryIsMissingAndUnloadsTheLibrary) {
     Put(L"incomplete.dll", Beside());
     EXPECT_FALSE(LoadArchiveService());
     EXPECT_FALSE(IsLoaded());
-    EXPECT_EQ(std::vector<std::string>({"GetProcAddress LogAppletFeature failed"}), TraceLines());
+    EXPECT_EQ(std::vector<std::string>({"GetProcAddress LogAppletFeature failed"}),
+              obtest::TraceLines());
 }
 
 TEST_F(ArchiveServiceLoading, TriesAgainAfterEveryFailure) {
@@ -90,7 +91,7 @@ TEST_F(ArchiveServiceLoading, AsksForNothingWhenThePathLeavesTooLittleRoom) {
     LiveIn(deep + L"m.dll");
     EXPECT_FALSE(LoadArchiveService());
     EXPECT_TRUE(Loads().empty());
-    EXPECT_TRUE(TraceLines().empty());
+    EXPECT_TRUE(obtest::TraceLines().empty());
 }
 
 TEST_F(ArchiveServiceLoading, BindsWhenThePathLeavesJustEnoughRoom) {
@@ -190,11 +191,11 @@ TEST_F(ArchiveServiceFetching, StopsAtTheFirstEntryThatIsMissing) {
         SCOPED_TRACE(name);
         lackingEntry = name;
         fetches.clear();
-        TraceLines().clear();
+        obtest::ForgetTrace();
         EXPECT_FALSE(LoadArchiveService());
         EXPECT_EQ(name, fetches.back());
         EXPECT_EQ(std::vector<std::string>({std::string("GetProcAddress ") + name + " failed"}),
-                  TraceLines());
+                  obtest::TraceLines());
         EXPECT_FALSE(IsLoaded());
     }
 }

@@ -1,9 +1,5 @@
 #include "tests/unit/modules/BindingFixture.h"
 
-#include <cstdarg>
-#include <cstdio>
-
-#include "OBCore/modules/ObTrace.h"
 #include "OBCore/modules/OwnModule.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "tests/standins/Recording.h"
@@ -20,25 +16,6 @@ HMODULE WINAPI RecordLoad(LPCWSTR path) {
 
 } // namespace
 
-std::vector<std::string>& TraceLines() {
-    static std::vector<std::string> lines;
-    return lines;
-}
-
-namespace obcore {
-
-// Stands before the empty one of the library, which the linker then leaves out.
-void ObTrace(const char* format, ...) noexcept {
-    char line[1024];
-    va_list arguments;
-    va_start(arguments, format);
-    vsnprintf(line, sizeof(line), format, arguments);
-    va_end(arguments);
-    TraceLines().push_back(line);
-}
-
-} // namespace obcore
-
 std::wstring ProgramFolder() { return obtest::BesideProgram(L""); }
 
 BindingFixture::BindingFixture() : load_("kernel32.dll", "LoadLibraryW", &RecordLoad) {
@@ -48,7 +25,7 @@ BindingFixture::BindingFixture() : load_("kernel32.dll", "LoadLibraryW", &Record
 void BindingFixture::SetUp() {
     ASSERT_TRUE(load_.Stands());
     loads.clear();
-    TraceLines().clear();
+    obtest::ForgetTrace();
 }
 
 void BindingFixture::TearDown() { ObLib::AppGlobals().Clear(); }

@@ -11,10 +11,8 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/support/ImportDouble.h"
+#include "tests/support/RecordedTrace.h"
 #include "tests/support/TestFolder.h"
-
-// Trace lines since the fixture began.
-std::vector<std::string>& TraceLines();
 
 // Folder of the test program, with its trailing backslash.
 std::wstring ProgramFolder();

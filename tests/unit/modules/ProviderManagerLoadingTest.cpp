@@ -45,8 +45,8 @@ TEST_F(ProviderManagerLoading, FailsWhenAnEntryIsMissingAndTriesAgain) {
     Put(L"providers_incomplete.dll", Beside());
     EXPECT_FALSE(LoadProviderManager());
     EXPECT_FALSE(IsLoaded());
-    ASSERT_EQ(1u, TraceLines().size());
-    EXPECT_TRUE(TraceLines()[0].starts_with("GetProcAddress ")) << TraceLines()[0];
+    ASSERT_EQ(1u, obtest::TraceLines().size());
+    EXPECT_TRUE(obtest::TraceLines()[0].starts_with("GetProcAddress ")) << obtest::TraceLines()[0];
     Put(L"providers.dll", Beside());
     EXPECT_TRUE(LoadProviderManager());
 }

@@ -78,7 +78,7 @@ TEST_F(ThreadLanguage, IsSetAsAListOfOne) {
     SetThreadLanguage(0x0C04);
     EXPECT_EQ(std::vector<std::wstring>({L"0407", L"0c04"}), setLists);
     EXPECT_EQ(std::vector<DWORD>({4, 4}), flagsOfSet);
-    EXPECT_TRUE(TraceLines().empty());
+    EXPECT_TRUE(obtest::TraceLines().empty());
 }
 
 TEST_F(ThreadLanguage, IsClearedByZero) {
@@ -91,7 +91,7 @@ TEST_F(ThreadLanguage, IsTracedWhenItCantBeSet) {
     SetThreadLanguage(1031);
     EXPECT_EQ(std::vector<std::string>(
                   {"SetThreadMUILanguage - 1031", "SetThreadMUILanguage LastError - 87"}),
-              TraceLines());
+              obtest::TraceLines());
 }
 
 TEST_F(ThreadLanguage, ComesBackAtTheEndOfAScope) {

@@ -1,7 +1,7 @@
 #include "tests/support/ImportDouble.h"
 #include "tests/unit/options/OptionsFixture.h"
 #include "tests/unit/options/RegistryRecorder.h"
-#include "tests/unit/options/TraceRecorder.h"
+#include "tests/support/RecordedTrace.h"
 
 namespace {
 
@@ -64,12 +64,12 @@ TEST_F(OptionsLanguage, IsTaiwanForAThreadOfHongKong) {
 }
 
 TEST_F(OptionsLanguage, StaysWhenTheKeyDoesntOpenAndNothingIsTraced) {
-    TraceLines().clear();
+    obtest::ForgetTrace();
     OBOptions options;
     options.UILanguage = 1040;
     options.LoadLanguage();
     EXPECT_EQ(1040, options.UILanguage);
-    EXPECT_TRUE(TraceLines().empty());
+    EXPECT_TRUE(obtest::TraceLines().empty());
 }
 
 TEST_F(OptionsLanguage, IsReadInThePlainView) {
@@ -79,7 +79,7 @@ TEST_F(OptionsLanguage, IsReadInThePlainView) {
 
 TEST_F(OptionsLanguage, NeedsNothingElse) {
     Install(L"1036");
-    TraceLines().clear();
+    obtest::ForgetTrace();
     RegistryRecorder recorder;
     ASSERT_TRUE(recorder.Stands());
     EXPECT_EQ(1036, LoadedLanguage());

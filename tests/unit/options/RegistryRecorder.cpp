@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "tests/support/RecordedTrace.h"
+
 namespace {
 
 RegistryRecorder* standing = nullptr;
@@ -37,9 +39,13 @@ RegistryRecorder::RegistryRecorder()
       query_("advapi32.dll", "RegQueryValueExW", &Query),
       set_("advapi32.dll", "RegSetValueExW", &Set) {
     standing = this;
+    obtest::ObserveTrace([](const std::string& line) { Note("trace " + line); });
 }
 
-RegistryRecorder::~RegistryRecorder() { standing = nullptr; }
+RegistryRecorder::~RegistryRecorder() {
+    obtest::ObserveTrace(nullptr);
+    standing = nullptr;
+}
 
 bool RegistryRecorder::Stands() const {
     return open_.Stands() && create_.Stands() && query_.Stands() && set_.Stands();

@@ -11,7 +11,7 @@
 // While one stands, registry calls of the program under test go through it. One at a time.
 //
 //   open machine PATH [32|64]   create user PATH
-//   get PATH!NAME SIZE          set PATH!NAME=TEXT
+//   get PATH!NAME SIZE          set PATH!NAME=TEXT         trace LINE
 //
 // An open or create that fails has " fails" behind it.
 class RegistryRecorder {
@@ -29,10 +29,8 @@ public:
     const std::vector<std::string>& Lines() const { return lines_; }
     std::vector<std::string> LinesThatBeginWith(const std::string& start) const;
 
-    // Adds a line of another origin, if a recorder stands.
-    static void Note(const std::string& line);
-
 private:
+    static void Note(const std::string& line);
     static LSTATUS WINAPI Open(HKEY root, LPCWSTR path, DWORD options, REGSAM access, PHKEY key);
     static LSTATUS WINAPI Create(HKEY root, LPCWSTR path, DWORD reserved, LPWSTR keyClass,
                                  DWORD options, REGSAM access, const LPSECURITY_ATTRIBUTES security,

@@ -12,7 +12,7 @@
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/StandIns.h"
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 #include "tests/unit/picker/PickerTest.h"
 #include "tests/unit/picker/PlanningDouble.h"
 

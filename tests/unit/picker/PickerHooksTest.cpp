@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "OBCore/modules/OwnModule.h"
 #include "tests/support/ImportDouble.h"
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/unit/entry/RecordedTrace.h"
+#include "tests/support/RecordedTrace.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -12,17 +12,20 @@ std::vector<std::string>& Lines() {
     return lines;
 }
 
+void (*traceObserver)(const std::string& line) = nullptr;
+
 } // namespace
 
 namespace obcore {
 
 void ObTrace(const char* format, ...) noexcept {
-    char line[512];
+    char line[1024];
     va_list arguments;
     va_start(arguments, format);
     std::vsnprintf(line, sizeof(line), format, arguments);
     va_end(arguments);
     Lines().emplace_back(line);
+    if (traceObserver) traceObserver(Lines().back());
 }
 
 } // namespace obcore
@@ -31,5 +34,6 @@ namespace obtest {
 
 const std::vector<std::string>& TraceLines() { return Lines(); }
 void ForgetTrace() { Lines().clear(); }
+void ObserveTrace(void (*observer)(const std::string& line)) { traceObserver = observer; }
 
 } // namespace obtest
