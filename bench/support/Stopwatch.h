@@ -1,0 +1,34 @@
+// The clock of the benchmarks.
+#pragma once
+
+#include <windows.h>
+
+namespace bench {
+
+// Runs from its construction. One tick of the counter is 100 ns here, so what is shorter than some
+// microseconds is measured in batches.
+class Stopwatch {
+public:
+    Stopwatch() noexcept : began_(Now()) {}
+
+    [[nodiscard]] double Nanoseconds() const noexcept {
+        return static_cast<double>(Now() - began_) * 1e9 / static_cast<double>(Frequency());
+    }
+    [[nodiscard]] double Milliseconds() const noexcept { return Nanoseconds() / 1e6; }
+
+private:
+    static LONGLONG Now() noexcept {
+        LARGE_INTEGER now;
+        QueryPerformanceCounter(&now);
+        return now.QuadPart;
+    }
+    static LONGLONG Frequency() noexcept {
+        LARGE_INTEGER frequency;
+        QueryPerformanceFrequency(&frequency);
+        return frequency.QuadPart;
+    }
+
+    LONGLONG began_;
+};
+
+} // namespace bench
