@@ -297,10 +297,13 @@ TEST_F(DialogRunFolder, IsThatOfTheLastFileOfTheRunBefore) {
 
     // Of a longer path the first 259 characters count, and of those the folder.
     shell.script.failures = {};
-    shell.script.results = {folder.File(L"x") + std::wstring(400, L'x')};
+    const std::wstring deep = folder.Path() + L"\\" + std::wstring(150, L'd');
+    ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
+    ASSERT_LT(deep.size(), 259U);
+    shell.script.results = {deep + L"\\" + std::wstring(400, L'x') + L"\\file"};
     Run();
     Run();
-    EXPECT_TRUE(WasCalled(L"dialog.SetFolder(" + Quoted(folder.Path().c_str()) + L")"));
+    EXPECT_TRUE(WasCalled(L"dialog.SetFolder(" + Quoted(deep.c_str()) + L")"));
 
     // A folder that is gone counts as none.
     shell.script.failures = {};
