@@ -1,0 +1,154 @@
+// What loading the library costs a browser: time and private memory, beside an empty DLL.
+//
+// A module is loaded for the first time only once in a process, so each sample is a child process
+// of its own; the kinds take turns. A child first loads what every browser has.
+//
+//   module_bench                        all samples, as series
+//   module_bench --child PATH [ask]     one sample: nanoseconds and bytes, to stdout
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <string>
+#include <vector>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "bench/support/Library.h"
+#include "bench/support/QuickContext.h"
+#include "bench/support/Series.h"
+#include "bench/support/Stopwatch.h"
+
+namespace {
+
+constexpr int kSamples = 31;
+constexpr wchar_t kEmpty[] = L"C:\\app\\empty.dll";
+constexpr const wchar_t* kBrowsersOwn[] = {
+    L"advapi32.dll", L"bcrypt.dll", L"comctl32.dll", L"comdlg32.dll", L"gdi32.dll",  L"ole32.dll",
+    L"oleaut32.dll", L"psapi.dll",  L"shell32.dll",  L"shlwapi.dll",  L"user32.dll",
+};
+
+struct Sample {
+    double nanoseconds = 0;
+    double privateBytes = 0;
+};
+
+bool IsWritable(DWORD protection) {
+    constexpr DWORD kWritable =
+        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    return (protection & kWritable) != 0;
+}
+
+// What the process has committed for itself: private memory, and the writable parts of images,
+// of which each process gets its own copy. The system's own counter stays 0 under Wine.
+double PrivateBytes() {
+    std::size_t total = 0;
+    MEMORY_BASIC_INFORMATION region{};
+    const std::uint8_t* place = nullptr;
+    while (VirtualQuery(place, &region, sizeof(region)) != 0) {
+        const bool own = region.Type == MEM_PRIVATE || IsWritable(region.Protect);
+        if (region.State == MEM_COMMIT && own) total += region.RegionSize;
+        place = static_cast<const std::uint8_t*>(region.BaseAddress) + region.RegionSize;
+    }
+    return static_cast<double>(total);
+}
+
+void AskOnce() {
+    const bench::Library library(bench::kLibraryPath);
+    if (!library) return;
+    bench::QuickContext page(L"https://www.example.com/upload");
+    OPENFILENAMEW request{};
+    request.lStructSize = sizeof(request);
+    library.getOpenFileName(&request, &page);
+}
+
+int RunChild(const wchar_t* path, bool ask) {
+    for (const wchar_t* name : kBrowsersOwn) {
+        if (!LoadLibraryW(name)) return bench::Fail("a system library doesn't load");
+    }
+    const double before = PrivateBytes();
+    const bench::Stopwatch watch;
+    const HMODULE module = LoadLibraryW(path);
+    const double nanoseconds = watch.Nanoseconds();
+    if (!module) return bench::Fail("the module doesn't load");
+    if (ask) AskOnce();
+    std::printf("%.0f %.0f\n", nanoseconds, PrivateBytes() - before);
+    return 0;
+}
+
+// Whatever the child wrote, up to its end.
+std::string ReadAll(HANDLE pipe) {
+    std::string text;
+    char piece[256];
+    DWORD count = 0;
+    while (ReadFile(pipe, piece, sizeof(piece), &count, nullptr) && count != 0) {
+        text.append(piece, count);
+    }
+    return text;
+}
+
+// Starts this program again with its output in `pipe`.
+bool StartChild(const std::wstring& arguments, HANDLE pipe) {
+    wchar_t self[MAX_PATH];
+    GetModuleFileNameW(nullptr, self, MAX_PATH);
+    std::wstring line = L"\"" + std::wstring(self) + L"\" --child " + arguments;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = pipe;
+    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                        &process)) {
+        return false;
+    }
+    const ObLib::UniqueKernelHandle thread(process.hThread);
+    const ObLib::UniqueKernelHandle child(process.hProcess);
+    return true;
+}
+
+bool Take(const std::wstring& arguments, Sample& sample) {
+    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+    ObLib::UniqueKernelHandle reading;
+    ObLib::UniqueKernelHandle writing;
+    if (!CreatePipe(reading.Put(), writing.Put(), &inherited, 0)) return false;
+    if (!StartChild(arguments, writing.Get())) return false;
+    writing.Reset();
+    const std::string text = ReadAll(reading.Get());
+    return std::sscanf(text.c_str(), "%lf %lf", &sample.nanoseconds, &sample.privateBytes) == 2;
+}
+
+struct Kind {
+    const char* name;
+    std::wstring arguments;
+    std::vector<double> milliseconds;
+    std::vector<double> kilobytes;
+};
+
+bool TakeTurns(std::vector<Kind>& kinds) {
+    for (int round = -1; round < kSamples; ++round) { // the first warms the file cache
+        for (Kind& kind : kinds) {
+            Sample sample;
+            if (!Take(kind.arguments, sample)) return false;
+            if (round < 0) continue;
+            kind.milliseconds.push_back(sample.nanoseconds / 1e6);
+            kind.kilobytes.push_back(sample.privateBytes / 1024);
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv) {
+    if (argc >= 3 && std::wcscmp(argv[1], L"--child") == 0) return RunChild(argv[2], argc > 3);
+    std::vector<Kind> kinds = {{"empty", kEmpty, {}, {}},
+                               {"library", bench::kLibraryPath, {}, {}},
+                               {"asked", std::wstring(bench::kLibraryPath) + L" ask", {}, {}}};
+    if (!TakeTurns(kinds)) return bench::Fail("a child gave no sample");
+    for (const Kind& kind : kinds) {
+        bench::PrintSeries((std::string(kind.name) + " ms").c_str(), kind.milliseconds);
+        bench::PrintSeries((std::string(kind.name) + " kB").c_str(), kind.kilobytes);
+    }
+    return 0;
+}
