@@ -1,8 +1,8 @@
 #include "OBCore/compression/CompressFiles.h"
 
 #include "OBCore/modules/TextIds.h"
-#include "tests/unit/compression/RunFixture.h"
 #include "tests/support/RecordedTrace.h"
+#include "tests/unit/compression/RunFixture.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "OBCore/compression/CompressFiles.h"
-#include "tests/unit/compression/RunFixture.h"
 #include "tests/support/RecordedTrace.h"
+#include "tests/unit/compression/RunFixture.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/ImportDouble.h"
-#include "tests/support/TestFolder.h"
 #include "tests/support/RecordedTrace.h"
+#include "tests/support/TestFolder.h"
 
 namespace {
 

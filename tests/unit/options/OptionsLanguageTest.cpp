@@ -1,7 +1,7 @@
 #include "tests/support/ImportDouble.h"
+#include "tests/support/RecordedTrace.h"
 #include "tests/unit/options/OptionsFixture.h"
 #include "tests/unit/options/RegistryRecorder.h"
-#include "tests/support/RecordedTrace.h"
 
 namespace {
 

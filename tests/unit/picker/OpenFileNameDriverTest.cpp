@@ -11,8 +11,8 @@
 #include "tests/support/ImportDouble.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
 #include "tests/support/RecordedTrace.h"
+#include "tests/support/StandIns.h"
 #include "tests/unit/picker/PickerTest.h"
 #include "tests/unit/picker/PlanningDouble.h"
 
