@@ -16,7 +16,9 @@ namespace obarchive {
 // and the run trusts the note over the library's result. One thread.
 struct RunState {
     const ProgressCallback* progress = nullptr; // may be null or empty
+    std::wstring file;                          // the source that was read last
     std::uint64_t bytesRead = 0;
+    std::uint64_t totalBytes = 0;
     ZipResult failure = ZipResult::Stands;
     std::wstring failedFile; // the source that the failure concerns; empty when it is none
 
@@ -25,6 +27,19 @@ struct RunState {
         if (failure != ZipResult::Stands) return;
         failure = result;
         failedFile = source;
+    }
+
+    // Tells how far the run is. False with the failure noted when it is to end. Doesn't throw, as
+    // nothing may throw through the library's C code.
+    bool Report() noexcept {
+        if (!progress || !*progress) return true;
+        try {
+            if ((*progress)({file, bytesRead, totalBytes})) return true;
+            Fail(ZipResult::Cancelled);
+        } catch (...) {
+            Fail(ZipResult::Unexpected);
+        }
+        return false;
     }
 };
 

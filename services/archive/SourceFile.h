@@ -1,4 +1,4 @@
-// A file of the user as the container library reads it.
+// A file of the user, read once from its beginning to its end.
 #pragma once
 
 #include <windows.h>
@@ -6,13 +6,13 @@
 #include <cstdint>
 #include <string>
 
-#include <zip.h>
-
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/archive/ByteBuffer.h"
 #include "services/archive/RunState.h"
 
 namespace obarchive {
 
-// Size and time of a source when the run began.
+// Size and time of a source when the run began; the time again when its reading begins.
 struct SourceFacts {
     std::uint64_t size = 0;
     FILETIME lastWrite{};
@@ -25,10 +25,32 @@ bool ReadSourceFacts(const std::wstring& path, SourceFacts& facts, RunState& run
 // local time).
 std::int64_t ZipTime(const FILETIME& time);
 
-// A source that opens `path` when its turn comes, for reading only and shared with every other
-// program, and closes it before the next one's. Failures and bytes are noted in `run`, which must
-// outlive the source. Null when there is no memory. The caller owns it until an archive takes it.
-zip_source_t* MakeSource(const std::wstring& path, const SourceFacts& facts, RunState& run,
-                         zip_error_t* error);
+// Opened for reading only and shared with every other program. The thread of the run.
+class SourceFile {
+public:
+    explicit SourceFile(RunState& run) : run_(run) {}
+
+    // False with the run's failure noted; so is a size that isn't the one in `facts`. With `pinned`
+    // the time has to be the same too; otherwise it is taken over.
+    bool Open(const std::wstring& path, SourceFacts& facts, bool pinned);
+
+    // The next bytes, as many as `most` unless the file ends before. Tells how far the run is after
+    // each piece; with `counted`, the bytes count as read. The last ones are given only when the
+    // file is still as it was when it was opened. False with the run's failure noted.
+    bool Read(ByteBuffer& bytes, std::size_t most, bool counted);
+
+    bool IsAtEnd() const noexcept { return total_ == facts_.size; }
+    std::uint64_t Left() const noexcept { return facts_.size - total_; }
+    void Close() noexcept { file_.Reset(); }
+
+private:
+    bool ReadPiece(std::uint8_t* data, std::size_t size, DWORD& read);
+    bool ConfirmEnd();
+
+    RunState& run_;
+    SourceFacts facts_;
+    ObLib::UniqueKernelHandle file_;
+    std::uint64_t total_ = 0;
+};
 
 } // namespace obarchive

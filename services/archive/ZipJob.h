@@ -21,17 +21,18 @@ struct ZipJob {
     bool recoveryAsked = false; // a public key was handed over; a run that finds it set refuses
     std::wstring recoveryKey;   // the key's text; empty when none was handed over
     std::string comment;        // the archive's own, in ASCII; longer than 65,535 bytes fails
-    bool duplicateReferences = false; // kept; every file is still compressed on its own
+    bool duplicateReferences = false; // files with equal content are compressed once
 };
 
 struct ZipProgress {
-    const std::wstring& file;     // the source that is being read
+    const std::wstring& file;     // the source that was read last
     std::uint64_t bytesRead;      // of all sources so far
-    std::uint64_t totalBytes = 0; // of all sources; 0 while it isn't known
+    std::uint64_t totalBytes = 0; // of all sources
 };
 
-// Called on the thread of the run after each piece that was read from a source. False cancels the
-// run. It may throw; the run then ends without a trace.
+// Called on the thread of the run, after each piece that was read from a source and at least every
+// 100 milliseconds while others work. False cancels the run. It may throw; the run then ends
+// without a trace.
 using ProgressCallback = std::function<bool(const ZipProgress&)>;
 
 } // namespace obarchive

@@ -4,12 +4,11 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/ArchiveTarget.h"
-#include "services/archive/ChecksumEraser.h"
 #include "services/archive/EntryNames.h"
+#include "services/archive/EntrySource.h"
 #include "services/archive/OutputFile.h"
 #include "services/archive/Paths.h"
 #include "services/archive/RunState.h"
-#include "services/archive/SourceFile.h"
 #include "services/archive/SourceList.h"
 
 namespace obarchive {
@@ -33,11 +32,12 @@ struct LibraryError {
 struct EncryptionRow {
     std::uint32_t method; // as the contract counts
     zip_uint16_t engine;  // as the library counts
+    std::size_t keySize;  // bytes
 };
 constexpr EncryptionRow kEncryptions[] = {
-    {0, ZIP_EM_NONE},
-    {obcore::kEncryptionMethodAes128, ZIP_EM_AES_128},
-    {obcore::kEncryptionMethodAes256, ZIP_EM_AES_256},
+    {0, ZIP_EM_NONE, 0},
+    {obcore::kEncryptionMethodAes128, ZIP_EM_AES_128, 16},
+    {obcore::kEncryptionMethodAes256, ZIP_EM_AES_256, 32},
 };
 
 const EncryptionRow* FindEncryption(std::uint32_t method) {
@@ -45,16 +45,6 @@ const EncryptionRow* FindEncryption(std::uint32_t method) {
         if (row.method == method) return &row;
     }
     return nullptr;
-}
-
-// The preset's window grows with its number and its match tables with the window: a small file gets
-// the smallest window that holds it, so that a thousand small files don't clear gigabytes.
-zip_uint32_t XzLevel(std::uint64_t size) {
-    constexpr std::uint64_t kMebibyte = 1024 * 1024;
-    if (size <= kMebibyte) return 1;
-    if (size <= 2 * kMebibyte) return 2;
-    if (size <= 4 * kMebibyte) return 3;
-    return 6;
 }
 
 ZipResult CheckJob(const ZipJob& job) {
@@ -89,38 +79,40 @@ bool AddTimes(zip_t* archive, zip_uint64_t index, const SourceFacts& facts) {
                                     sizeof unixTime, ZIP_FL_CENTRAL | ZIP_FL_LOCAL) == 0;
 }
 
-bool SetCompression(zip_t* archive, zip_uint64_t index, const ZipJob& job, std::uint64_t size) {
-    constexpr zip_uint32_t kDeflateLevel = 6;
-    // Nothing can't be made smaller, and some readers stumble over an empty xz stream.
-    if (size == 0) return zip_set_file_compression(archive, index, ZIP_CM_STORE, 0) == 0;
-    if (job.compressionMethod == obcore::kCompressionZipx) {
-        return zip_set_file_compression(archive, index, ZIP_CM_XZ, XzLevel(size)) == 0;
-    }
-    return zip_set_file_compression(archive, index, ZIP_CM_DEFLATE, kDeflateLevel) == 0;
+// The entry's data comes encrypted, so the library gets no password.
+bool SetEncryption(zip_t* archive, zip_uint64_t index, const EncryptionRow& encryption) {
+    if (encryption.engine == ZIP_EM_NONE) return true;
+    return zip_file_set_encryption(archive, index, encryption.engine, nullptr) == 0;
 }
 
-bool SetEncryption(zip_t* archive, zip_uint64_t index, const ZipJob& job) {
-    const EncryptionRow* encryption = FindEncryption(job.encryptionMethod);
-    if (encryption->engine == ZIP_EM_NONE) return true;
-    return zip_file_set_encryption(archive, index, encryption->engine, job.password.Text()) == 0;
-}
-
-// False with the run's failure noted.
-bool AddEntry(zip_t* archive, const std::wstring& path, const std::wstring& name, const ZipJob& job,
-              RunState& run) {
-    SourceFacts facts;
-    if (path.empty()) run.Fail(ZipResult::PathTooLong);
-    if (path.empty() || !ReadSourceFacts(path, facts, run)) return false;
-    zip_source_t* source = MakeSource(path, facts, run, zip_get_error(archive));
+bool AddEntry(zip_t* archive, StreamContext& streams, std::size_t entry,
+              const EncryptionRow& encryption) {
+    zip_source_t* source =
+        MakeEntrySource(streams, entry, encryption.engine, zip_get_error(archive));
     if (!source) return false;
-    const zip_int64_t index = zip_file_add(archive, ToUtf8(name).c_str(), source, ZIP_FL_ENC_UTF_8);
+    const SourceEntry& file = streams.sources[entry];
+    const zip_int64_t index = zip_file_add(archive, file.name.c_str(), source, ZIP_FL_ENC_UTF_8);
     if (index < 0) {
         zip_source_free(source);
         return false;
     }
     const auto place = static_cast<zip_uint64_t>(index);
-    return SetCompression(archive, place, job, facts.size) && SetEncryption(archive, place, job) &&
-           AddTimes(archive, place, facts);
+    return SetEncryption(archive, place, encryption) && AddTimes(archive, place, file.facts);
+}
+
+// What the run stores, with the sizes that say how much there is to do. False with the run's
+// failure noted.
+bool ListSources(const ZipJob& job, std::vector<SourceEntry>& sources, RunState& run) {
+    const std::vector<std::wstring> paths = DistinctSources(job.files);
+    const std::vector<std::wstring> names = UniqueEntryNames(paths);
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        if (paths[index].empty()) run.Fail(ZipResult::PathTooLong);
+        SourceFacts facts;
+        if (paths[index].empty() || !ReadSourceFacts(paths[index], facts, run)) return false;
+        run.totalBytes += facts.size;
+        sources.push_back({paths[index], ToUtf8(names[index]), facts});
+    }
+    return true;
 }
 
 UniqueArchive OpenArchive(OutputFile& output, RunState& run) {
@@ -145,16 +137,35 @@ bool SetComment(zip_t* archive, const std::string& comment) {
     return zip_set_archive_comment(archive, comment.data(), length) == 0;
 }
 
+// Adds every entry and has the library write them, which pulls their data in order.
+bool WriteArchive(zip_t* archive, StreamContext& streams, const EncryptionRow& encryption) {
+    for (std::size_t entry = 0; entry < streams.sources.size(); ++entry) {
+        if (!AddEntry(archive, streams, entry, encryption)) return false;
+    }
+    return zip_close(archive) == 0;
+}
+
 // Writes every entry into `output`; the file has no name yet.
 ZipResult WriteEntries(const ZipJob& job, OutputFile& output, RunState& run) {
+    const EncryptionRow& encryption = *FindEncryption(job.encryptionMethod);
+    std::vector<SourceEntry> sources;
+    if (!ListSources(job, sources, run)) return run.failure;
+    std::optional<Ae2Algorithms> algorithms;
+    if (encryption.keySize != 0 && !algorithms.emplace().IsThere()) return ZipResult::EngineFailed;
+    const PackSettings settings{algorithms ? &*algorithms : nullptr, &job.password};
+    WorkerPool pool;
+    ReadAhead ahead(sources, job, settings, encryption.keySize, run, pool);
+    StreamContext streams{ahead,
+                          output,
+                          run,
+                          settings,
+                          sources,
+                          job.duplicateReferences,
+                          std::vector<EntryRecord>(sources.size())};
+    // Ends before what its entries look at.
     UniqueArchive archive = OpenArchive(output, run);
-    bool done = archive && SetComment(archive.Get(), job.comment);
-    const std::vector<std::wstring> paths = DistinctSources(job.files);
-    const std::vector<std::wstring> names = UniqueEntryNames(paths);
-    for (std::size_t index = 0; done && index < paths.size(); ++index) {
-        done = AddEntry(archive.Get(), paths[index], names[index], job, run);
-    }
-    done = done && zip_close(archive.Get()) == 0;
+    const bool done = archive && SetComment(archive.Get(), job.comment) &&
+                      WriteArchive(archive.Get(), streams, encryption);
     if (!done) run.Fail(LibraryFailure(archive.Get()));
     // A closed archive is gone; one that couldn't be closed is dropped here.
     if (done) static_cast<void>(archive.Release());
@@ -177,10 +188,6 @@ ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress, std::wstri
     const ZipResult written = WriteEntries(job, output, run);
     if (written != ZipResult::Stands && failedFile) *failedFile = run.failedFile;
     if (written != ZipResult::Stands) return written;
-    if (job.encryptionMethod != 0 && !EraseEncryptedChecksums(output, job.comment.size())) {
-        const ZipResult failure = output.LastFailure();
-        return failure == ZipResult::Stands ? ZipResult::EngineFailed : failure;
-    }
     return output.Commit();
 }
 

@@ -87,9 +87,12 @@ std::vector<RawEntry> ReadRawEntries(const std::wstring& path) {
         const std::size_t name = At<std::uint16_t>(bytes, at + 28);
         const std::size_t extra = At<std::uint16_t>(bytes, at + 30);
         const std::size_t local = At<std::uint32_t>(bytes, at + 42);
+        const std::size_t data = local + 30 + At<std::uint16_t>(bytes, local + 26) +
+                                 At<std::uint16_t>(bytes, local + 28);
         entries.push_back({At<std::uint16_t>(bytes, at + 8), At<std::uint16_t>(bytes, at + 10),
                            At<std::uint32_t>(bytes, at + 16), At<std::uint32_t>(bytes, local + 14),
-                           Extras(bytes.substr(at + 46 + name, extra))});
+                           Extras(bytes.substr(at + 46 + name, extra)),
+                           bytes.substr(data, At<std::uint32_t>(bytes, at + 20))});
         at += 46 + name + extra + At<std::uint16_t>(bytes, at + 32);
     }
     return entries;

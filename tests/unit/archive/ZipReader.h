@@ -30,6 +30,7 @@ struct RawEntry {
     std::uint32_t checksum = 0;
     std::uint32_t localChecksum = 0;
     std::map<std::uint16_t, std::string> extras;
+    std::string packed; // the entry's data as it stands, encrypted or not
 };
 
 // For files below 4 GiB without a comment.

@@ -8,6 +8,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/Paths.h"
+#include "services/archive/ReadAhead.h"
 #include "services/archive/SourceFile.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/archive/ZipReader.h"
@@ -43,6 +44,11 @@ protected:
         job_.password = obarchive::Secret("p\xC3\xA4ss w\xC3\xB6rd");
     }
 
+    // What of the content can't be made smaller is to be stored.
+    static bool Shrinks(const std::string& content) {
+        return content.size() > 20 && content.find(Noise(20)) == std::string::npos;
+    }
+
     // Runs the job and compares every entry with what was added.
     void RunAndCompare(std::uint16_t method, std::uint16_t encryption) {
         ASSERT_EQ(RunZip(job_, {}), ZipResult::Stands);
@@ -53,7 +59,7 @@ protected:
             const ReadEntry& entry = (*entries)[index];
             EXPECT_EQ(entry.name, expected_[index].first);
             EXPECT_TRUE(entry.content == expected_[index].second) << entry.name;
-            EXPECT_EQ(entry.method, entry.content.empty() ? ZIP_CM_STORE : method);
+            EXPECT_EQ(entry.method, Shrinks(entry.content) ? method : ZIP_CM_STORE) << entry.name;
             EXPECT_EQ(entry.encryption, encryption);
         }
         EXPECT_EQ(obtest::ListTree(out_.Path()), std::vector<std::wstring>{L"result.zip"});
@@ -74,6 +80,17 @@ protected:
     ZipJob job_;
     std::vector<std::pair<std::string, std::string>> expected_;
 };
+
+// A text of words, which shrinks to about a third.
+std::string Prose(std::size_t size) {
+    std::mt19937 random(7);
+    std::string text;
+    while (text.size() < size) {
+        text += "word" + std::to_string(random() % 3000) + (random() % 9 ? " " : ".\n");
+    }
+    text.resize(size);
+    return text;
+}
 
 TEST_F(ZipRunTest, DeflatesByDefault) {
     AddUsualFiles();
@@ -105,6 +122,106 @@ TEST_F(ZipRunTest, EncryptsXzToo) {
     RunAndCompare(ZIP_CM_XZ, ZIP_EM_AES_256);
 }
 
+class ZipBlocksTest : public ZipRunTest {
+protected:
+    void AddBorders() {
+        constexpr std::size_t kBlock = obarchive::kBlockSize;
+        for (const std::size_t size :
+             {kBlock - 1, kBlock, kBlock + 1, 2 * kBlock, 3 * kBlock + 7}) {
+            Add(L"prose" + std::to_wstring(size), Prose(size));
+            Add(L"noise" + std::to_wstring(size), Noise(size));
+        }
+        Add(L"small", Prose(5000));
+    }
+};
+
+TEST_F(ZipBlocksTest, LargeFilesArePackedInBlocksThatJoin) {
+    AddBorders();
+    RunAndCompare(ZIP_CM_DEFLATE, ZIP_EM_NONE);
+}
+
+TEST_F(ZipBlocksTest, LargeFilesAreEncryptedAcrossTheirBlocks) {
+    Encrypt(8);
+    AddBorders();
+    RunAndCompare(ZIP_CM_DEFLATE, ZIP_EM_AES_256);
+}
+
+TEST_F(ZipBlocksTest, LargeFilesArePackedWithXzInOneStream) {
+    job_.compressionMethod = 0xFFFFFFFF;
+    Encrypt(4);
+    AddBorders();
+    RunAndCompare(ZIP_CM_XZ, ZIP_EM_AES_128);
+}
+
+class ZipTwinsTest : public ZipRunTest {
+protected:
+    void AddTwins() {
+        job_.duplicateReferences = true;
+        for (const wchar_t* folder : {L"one", L"two", L"three"}) {
+            in_.Folder(folder);
+            const std::wstring prefix = folder + std::wstring(L"\\") + folder;
+            Add(prefix + L" large", Prose(5'000'000));
+            Add(prefix + L" small", Prose(70'000));
+            Add(prefix + L" noise", Noise(3'000'000));
+            Add(prefix + L" empty", "");
+            Add(prefix + L" other", Prose(69'990) + std::string(10, static_cast<char>(*folder)));
+        }
+        for (auto& [name, content] : expected_) name = name.substr(name.find('\\') + 1);
+    }
+
+    std::uint64_t ZipSize() { return obtest::ReadFileContent(job_.target).value_or("").size(); }
+};
+
+TEST_F(ZipTwinsTest, FilesWithEqualContentAreWholeAndEqualInTheZip) {
+    AddTwins();
+    RunAndCompare(ZIP_CM_DEFLATE, ZIP_EM_NONE);
+    const auto raw = ReadRawEntries(job_.target);
+    ASSERT_EQ(raw.size(), 15U);
+    for (std::size_t index = 0; index < 4; ++index) {
+        EXPECT_EQ(raw[index].packed, raw[index + 5].packed);
+        EXPECT_EQ(raw[index].packed, raw[index + 10].packed);
+        EXPECT_EQ(raw[index].checksum, raw[index + 5].checksum);
+    }
+}
+
+TEST_F(ZipTwinsTest, EncryptedTwinsDoNotLookAlike) {
+    AddTwins();
+    Encrypt(8);
+    RunAndCompare(ZIP_CM_DEFLATE, ZIP_EM_AES_256);
+    const auto raw = ReadRawEntries(job_.target);
+    ASSERT_EQ(raw.size(), 15U);
+    for (std::size_t index = 0; index < 3; ++index) {
+        EXPECT_EQ(raw[index].packed.size(), raw[index + 5].packed.size());
+        EXPECT_NE(raw[index].packed.substr(0, 16), raw[index + 5].packed.substr(0, 16));
+        EXPECT_NE(raw[index].packed.substr(18, 64), raw[index + 5].packed.substr(18, 64));
+    }
+}
+
+TEST_F(ZipTwinsTest, TwinsOfAZipxAreWhole) {
+    AddTwins();
+    job_.compressionMethod = 0xFFFFFFFF;
+    Encrypt(4);
+    RunAndCompare(ZIP_CM_XZ, ZIP_EM_AES_128);
+}
+
+// Shown by a content that takes long to pack and no time to copy: the progress tells each byte
+// once.
+TEST_F(ZipTwinsTest, ProgressCountsATwinOnce) {
+    AddTwins();
+    std::uint64_t bytes = 0;
+    std::uint64_t total = 0;
+    const auto progress = [&](const obarchive::ZipProgress& now) {
+        EXPECT_GE(now.bytesRead, bytes);
+        EXPECT_LE(now.bytesRead, now.totalBytes);
+        bytes = now.bytesRead;
+        total = now.totalBytes;
+        return true;
+    };
+    ASSERT_EQ(RunZip(job_, progress), ZipResult::Stands);
+    EXPECT_EQ(bytes, total);
+    EXPECT_EQ(total, 3U * (5'000'000U + 70'000U + 3'000'000U + 70'000U));
+}
+
 TEST_F(ZipRunTest, AWrongPasswordOpensNothing) {
     Encrypt(8);
     Add(L"a.txt", "secret content");
@@ -122,7 +239,8 @@ TEST_F(ZipRunTest, EncryptedEntriesAreAe2AndTellNoChecksum) {
     ASSERT_EQ(RunZip(job_, {}), ZipResult::Stands);
     const auto raw = ReadRawEntries(job_.target);
     ASSERT_EQ(raw.size(), 3U);
-    // Vendor version 2, AES-256, and the method behind it: deflate, or none for the empty file.
+    // Vendor version 2, AES-256, and the method behind it: deflate, or none for what doesn't
+    // shrink.
     const std::string field("\2\0AE\3\x08\0", 7);
     const std::string emptyField("\2\0AE\3\0\0", 7);
     for (const auto& entry : raw) {
@@ -131,7 +249,7 @@ TEST_F(ZipRunTest, EncryptedEntriesAreAe2AndTellNoChecksum) {
         EXPECT_EQ(entry.checksum, 0U);
         EXPECT_EQ(entry.localChecksum, 0U);
         ASSERT_EQ(entry.extras.count(0x9901), 1U);
-        EXPECT_EQ(entry.extras.at(0x9901), &entry == &raw.back() ? emptyField : field);
+        EXPECT_EQ(entry.extras.at(0x9901), &entry == &raw.front() ? field : emptyField);
     }
 }
 

@@ -1,0 +1,53 @@
+#include "services/archive/PackTask.h"
+
+#include <stdexcept>
+
+#include "services/archive/XzStream.h"
+
+namespace obarchive {
+namespace {
+
+// Below this, compressing is as quick as looking.
+constexpr std::size_t kWorthALook = 64 * 1024;
+
+} // namespace
+
+void PackTask::PackWhole(BlockCompressor& compressor) {
+    const bool shrinks =
+        raw.Size() != 0 && (raw.Size() <= kWorthALook || DoesShrink(raw.Bytes(), compressor));
+    if (shrinks && order.packing == Packing::Deflate) {
+        packed = compressor.Compress(raw.Bytes(), order.effort, true);
+    }
+    if (shrinks && order.packing == Packing::Xz) packed = PackXz(raw.Bytes());
+    const bool smaller = packed.Size() != 0 && packed.Size() < raw.Size();
+    if (smaller) return;
+    packed = {};
+    order.packing = Packing::Store;
+}
+
+void PackTask::Pack(BlockCompressor& compressor) {
+    if (order.IsWhole() && order.packing != Packing::Store) return PackWhole(compressor);
+    if (order.packing != Packing::Deflate) return;
+    packed = compressor.Compress(raw.Bytes(), order.effort, order.last);
+    if (packed.Size() == 0) throw std::runtime_error("deflate");
+}
+
+void PackTask::Encrypt() {
+    keys = NewAe2Keys(*settings_.algorithms, *settings_.password, order.keySize);
+    if (!order.IsWhole()) return;
+    Ae2Stream stream(*settings_.algorithms, *keys);
+    stream.Encrypt(Body());
+    const auto front = keys->Head();
+    head.assign(front.begin(), front.begin() + static_cast<std::ptrdiff_t>(keys->HeadSize()));
+    const auto code = stream.Code();
+    tail.assign(code.begin(), code.end());
+}
+
+void PackTask::Do(BlockCompressor& compressor) {
+    checksum = libdeflate_crc32(0, raw.Data(), raw.Size());
+    Pack(compressor);
+    if (packed.Size() != 0) raw = {};
+    if (order.keySize != 0 && order.first) Encrypt();
+}
+
+} // namespace obarchive
