@@ -8,8 +8,10 @@
 #include "contracts/ArchiveService.h"
 #include "services/archive/ContextTable.h"
 #include "services/archive/FileNameRules.h"
+#include "services/archive/HelpAndUpdate.h"
 #include "services/archive/PasswordPrompt.h"
-#include "services/archive/ZipRun.h"
+#include "services/archive/UsageRecord.h"
+#include "services/archive/ZipForUser.h"
 
 namespace {
 
@@ -90,20 +92,23 @@ void SetDuplicateReferences(ZipContext context, std::uint8_t enabled) {
     Set(context, [enabled](ZipJob& job) { job.duplicateReferences = enabled != 0; });
 }
 
-// The owner is for what a later version shows while it runs; this one shows nothing.
-std::uint32_t Zip(HWND, ZipContext context) {
-    const auto result = Guarded(ZipResult::Unexpected, [context] {
+std::uint32_t Zip(HWND owner, ZipContext context) {
+    const auto result = Guarded(ZipResult::Unexpected, [=] {
         const std::optional<ZipJob> job = contexts.Copy(context);
-        return job ? obarchive::RunZip(*job, {}) : ZipResult::BadContext;
+        return job ? obarchive::ZipForUser(owner, *job)
+                   : obarchive::RefuseForUser(owner, ZipResult::BadContext);
     });
     return static_cast<std::uint32_t>(result);
 }
 
-// There is no update service to ask, so nothing is asked and nothing is claimed.
-void CheckForUpdates_VB(HWND, std::uint32_t) {}
+void CheckForUpdates_VB(HWND owner, std::uint32_t) {
+    Guarded(0, [owner] { return obarchive::ShowInstalledVersion(owner), 0; });
+}
 
-// There is no help to show yet.
-void WebHelpW(HWND, const wchar_t*, const wchar_t*) {}
+// One page serves every topic.
+void WebHelpW(HWND owner, const wchar_t*, const wchar_t*) {
+    Guarded(0, [owner] { return obarchive::ShowHelp(owner), 0; });
+}
 
 std::uint32_t GetOmbrixFIPSSetting() { return 0; }
 
@@ -135,10 +140,11 @@ std::uint32_t ValidateFilespecW(const wchar_t* text, std::uint32_t mode) {
     return static_cast<std::uint32_t>(obarchive::CheckFilespec(text, mode));
 }
 
-// No usage record is kept yet.
-void LogLaunch() {}
-void LogExit() {}
-void LogAppletFeature(const wchar_t*, const wchar_t*) {}
+void LogLaunch() { obarchive::RecordProcessUsage(L"launch"); }
+void LogExit() { obarchive::RecordProcessUsage(L"exit"); }
+void LogAppletFeature(const wchar_t* feature, const wchar_t* details) {
+    obarchive::RecordUsage(feature, details);
+}
 
 // Bound by callers, never called.
 std::uint32_t PasswordDlg_C() { return 0; }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/contract/archive/LoadedService.h"
+#include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -134,6 +135,7 @@ TEST_F(ArchiveContract, TheUsualNamesAreAccepted) {
 }
 
 TEST_F(ArchiveContract, TheCallsWithoutAResultReturn) {
+    const obtest::MessageBoxWatcher boxes; // the entries may say something
     service_->LogLaunch();
     service_->LogAppletFeature(L"Feature", L"details");
     service_->LogExit();

@@ -7,6 +7,7 @@
 #include "services/archive/PasswordPromptIds.h"
 #include "services/archive/ZipResults.h"
 #include "tests/contract/archive/LoadedService.h"
+#include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/archive/PromptDriver.h"
 
@@ -30,11 +31,14 @@ protected:
     }
 
     void ExpectFailure(ZipContext context, ZipResult expected) {
+        const std::size_t told = boxes_.Seen().size();
         EXPECT_EQ(service_->Zip(nullptr, context), static_cast<std::uint32_t>(expected));
+        EXPECT_EQ(boxes_.Seen().size(), told + 1);
         EXPECT_NE(static_cast<std::uint32_t>(expected), 0U);
         EXPECT_EQ(obtest::ListTree(out_.Path()), Tree{});
     }
 
+    obtest::MessageBoxWatcher boxes_; // each failure is told
     obtest::LoadedService service_;
     obtest::TestFolder in_;
     obtest::TestFolder out_;
