@@ -21,10 +21,20 @@ def built(path):
     return full
 
 
-def run_program(program, *arguments, stage=(), timeout=600):
+def undisturbed(cores):
+    """What to put before a command so that other work of the machine stays out of what it measures,
+    and the words for it: on `cores` only and, where that's allowed, before every ordinary process."""
+    prefix, words = ["taskset", "-c", cores], f"on core {cores}" if cores.isdigit() else f"on cores {cores}"
+    realtime = ["chrt", "--rr", "1"]
+    if subprocess.run([*realtime, "true"], stderr=subprocess.DEVNULL).returncode == 0:
+        return prefix + realtime, words + " before all other work"
+    return prefix, words + " beside other work"
+
+
+def run_program(program, *arguments, stage=(), timeout=600, prefix=()):
     """Runs a bench program in a fresh prefix with its neighbours beside it. It prints one line a
     series: a name, a tab, and numbers with blanks between. Gives name -> numbers."""
-    command = [WINE_RUN, "--timeout", str(timeout)]
+    command = [*prefix, WINE_RUN, "--timeout", str(timeout)]
     for path in stage:
         command += ["--stage", path]
     result = subprocess.run([*command, "--", program, *arguments], stdout=subprocess.PIPE, text=True)
