@@ -21,6 +21,20 @@ std::string ReadBytes(const std::wstring& path) {
     return bytes;
 }
 
+// A call that the script names under "Hold" stays inside until a test has let it go.
+void HoldIfAsked(const std::wstring& line) {
+    constexpr DWORD longest = 60000; // milliseconds
+    const auto held = ScriptedAnswer(L"Hold");
+    if (!held || !line.starts_with(*held + L"(")) return;
+    const std::wstring sign = BesideProgram(kHeldFileName);
+    AppendUtf8File(sign, line);
+    const ULONGLONG begin = GetTickCount64();
+    while (GetFileAttributesW(sign.c_str()) != INVALID_FILE_ATTRIBUTES) {
+        if (GetTickCount64() - begin > longest) return;
+        Sleep(1);
+    }
+}
+
 } // namespace
 
 std::wstring BesideProgram(const wchar_t* fileName) {
@@ -56,6 +70,7 @@ void AppendUtf8File(const std::wstring& path, const std::wstring& text) {
 void RecordCall(const std::wstring& line) {
     const DWORD error = GetLastError();
     AppendUtf8File(BesideProgram(kCallsFileName), line + L"\n");
+    HoldIfAsked(line);
     SetLastError(error);
 }
 

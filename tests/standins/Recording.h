@@ -13,6 +13,9 @@ namespace obtest {
 inline constexpr wchar_t kCallsFileName[] = L"standin-calls.txt";
 inline constexpr wchar_t kScriptFileName[] = L"standin-script.txt";
 
+// There while a call is held (script: Hold=NAME); the call goes on when a test deletes it.
+inline constexpr wchar_t kHeldFileName[] = L"standin-held.txt";
+
 // Full path of a file in the running program's folder.
 std::wstring BesideProgram(const wchar_t* fileName);
 

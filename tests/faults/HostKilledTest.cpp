@@ -1,0 +1,193 @@
+// The host is killed at each step of a request. Whatever it was doing, the page reads a cancel, the
+// person sees nothing, the browser takes input again, and the person's files are as they were.
+#include <algorithm>
+#include <thread>
+
+#include "tests/e2e/RealRequest.h"
+#include "tests/faults/HostProcess.h"
+#include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/ProductRegistry.h"
+#include "tests/support/StandIns.h"
+
+namespace obtest {
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+class HostKilled : public RealRequest {
+protected:
+    void SetUp() override {
+        ReleaseHeldCall();
+        StandIns::Reset();
+        RealRequest::SetUp();
+        SetUserValue(L"DefaultZipName", L"two files");
+        one_ = files_.File(L"one.txt", "first");
+        two_ = files_.File(L"two.txt", "second");
+    }
+
+    void TearDown() override {
+        EXPECT_EQ(ReadFileContent(one_), "first");
+        EXPECT_EQ(ReadFileContent(two_), "second");
+        EXPECT_TRUE(boxes_.Seen().empty()) << "a box: " << Utf8(boxes_.Seen().front().text);
+        EXPECT_EQ(browser_.ownDialogs, Texts{});
+        EXPECT_EQ(browser_.links, Texts{});
+        EXPECT_EQ(browser_.cleanupFolder, std::nullopt);
+        for (const std::wstring& item : LeftInTemp())
+            if (item.find(L'\\') == item.size() - 1)
+                RemoveTree(TempFolder() + L"\\" + item.substr(0, item.size() - 1));
+        RealRequest::TearDown();
+    }
+
+    static void KillAtHeldCall() {
+        EXPECT_TRUE(AwaitHeldCall()) << "the call never came";
+        EXPECT_TRUE(KillHost());
+        ReleaseHeldCall();
+    }
+
+    // The person picks two files for a zip, and the host is killed where the script holds it.
+    Use PickAndKill() const {
+        return [pick = Pick(Choice::Zip, {one_, two_})](OpenPicker& picker) {
+            pick(picker);
+            KillAtHeldCall();
+        };
+    }
+
+    static void ExpectCancel(const OpenAnswer& answer) {
+        EXPECT_EQ(answer.result, FALSE);
+        EXPECT_EQ(answer.given, Texts{});
+    }
+
+    // What is left, with each made folder as its number of the run.
+    Texts Left() const {
+        Texts left = LeftInTemp();
+        Texts folders;
+        for (std::wstring& item : left) {
+            const std::wstring folder = item.substr(0, item.find(L'\\'));
+            if (std::ranges::find(folders, folder) == folders.end()) folders.push_back(folder);
+            const auto number = std::ranges::find(folders, folder) - folders.begin() + 1;
+            item.replace(0, folder.size(), std::to_wstring(number));
+        }
+        return left;
+    }
+
+    static constexpr wchar_t kZipName[] = L"two files.zip";
+
+    // The page is served again at once.
+    void ExpectTheNextRequestIsServed() {
+        StandIns::Reset();
+        PickerPerson person(Pick(Choice::None, {one_}));
+        const OpenAnswer answer = AskOpen();
+        EXPECT_TRUE(person.Done());
+        EXPECT_EQ(answer.result, TRUE);
+        EXPECT_EQ(answer.given, Texts{one_});
+    }
+
+    std::wstring one_;
+    std::wstring two_;
+    MessageBoxWatcher boxes_{MessageBoxWatcher::Scope::AllProcesses};
+};
+
+TEST_F(HostKilled, BeforeItMapsTheBlock) {
+    StandIns::Answer(L"Hold", L"LogLaunch");
+    std::thread person(&KillAtHeldCall);
+    ExpectCancel(AskOpen());
+    person.join();
+    EXPECT_EQ(Left(), Texts{});
+    ExpectTheNextRequestIsServed();
+}
+
+TEST_F(HostKilled, BehindMappingAndBeforeItsDialog) {
+    for (const bool open : {true, false}) {
+        StandIns::Reset();
+        StandIns::Answer(L"Hold", L"AllowedEncryptMethods");
+        std::thread person(&KillAtHeldCall);
+        if (open)
+            ExpectCancel(AskOpen());
+        else
+            EXPECT_EQ(AskShow(), kCancelled);
+        person.join();
+    }
+    EXPECT_EQ(Left(), Texts{});
+    ExpectTheNextRequestIsServed();
+}
+
+TEST_F(HostKilled, WhileItsDialogIsShown) {
+    PickerPerson person([](OpenPicker&) { EXPECT_TRUE(KillHost()); });
+    ExpectCancel(AskOpen());
+    EXPECT_TRUE(person.Done());
+    EXPECT_EQ(Left(), Texts{});
+    ExpectTheNextRequestIsServed();
+}
+
+TEST_F(HostKilled, WhileItsDialogIsShownOnTheDialogRoad) {
+    PickerPerson person([](OpenPicker&) { EXPECT_TRUE(KillHost()); });
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_TRUE(person.Done());
+    EXPECT_EQ(Left(), Texts{});
+}
+
+// The copies that the zip was made from stay: nobody is there any more who knows of them.
+TEST_F(HostKilled, DuringTheZip) {
+    StandIns::Answer(L"Hold", L"Zip");
+    PickerPerson person(PickAndKill());
+    ExpectCancel(AskOpen());
+    EXPECT_TRUE(person.Done());
+    EXPECT_EQ(Left(), (Texts{L"1\\", L"1\\one.txt", L"1\\two.txt", L"2\\"}));
+    ExpectTheNextRequestIsServed();
+}
+
+TEST_F(HostKilled, DuringTheZipOnTheDialogRoad) {
+    StandIns::Answer(L"Hold", L"Zip");
+    PickerPerson person(PickAndKill());
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_TRUE(person.Done());
+    // The dialog gave nothing, so the page's question goes to the browser.
+    std::wstring path;
+    EXPECT_EQ(GetResult(path), E_FAIL);
+    EXPECT_EQ(browser_.ownDialogs, Texts{L"result"});
+    browser_.ownDialogs.clear();
+    EXPECT_EQ(Left(), (Texts{L"1\\", L"1\\one.txt", L"1\\two.txt", L"2\\"}));
+}
+
+TEST_F(HostKilled, WhileItClearsItsCopies) {
+    StandIns::Answer(L"Hold", L"DeleteFileW");
+    PickerPerson person(PickAndKill());
+    ExpectCancel(AskOpen());
+    EXPECT_TRUE(person.Done());
+    const std::wstring zip = std::wstring(L"2\\") + kZipName;
+    EXPECT_EQ(Left(), (Texts{L"1\\", L"1\\one.txt", L"1\\two.txt", L"2\\", zip}));
+}
+
+// The answer stands whole in the block, but a host that didn't end well has no answer.
+TEST_F(HostKilled, BehindItsResult) {
+    StandIns::Answer(L"Hold", L"LogExit");
+    PickerPerson person(PickAndKill());
+    ExpectCancel(AskOpen());
+    EXPECT_TRUE(person.Done());
+    EXPECT_EQ(Left(), (Texts{L"1\\", std::wstring(L"1\\") + kZipName}));
+    ExpectTheNextRequestIsServed();
+}
+
+TEST_F(HostKilled, BehindItsResultOnTheDialogRoad) {
+    StandIns::Answer(L"Hold", L"LogExit");
+    PickerPerson person(PickAndKill());
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_TRUE(person.Done());
+    std::vector<std::wstring> paths;
+    EXPECT_EQ(GetResults(paths), E_FAIL);
+    EXPECT_EQ(paths, Texts{});
+    EXPECT_EQ(browser_.ownDialogs, Texts{L"results"});
+    browser_.ownDialogs.clear();
+}
+
+TEST_F(HostKilled, WhileItsProcessEnds) {
+    StandIns::Answer(L"Hold", L"ProcessEnds");
+    PickerPerson person(PickAndKill());
+    ExpectCancel(AskOpen());
+    EXPECT_TRUE(person.Done());
+    EXPECT_EQ(Left(), (Texts{L"1\\", std::wstring(L"1\\") + kZipName}));
+    ExpectTheNextRequestIsServed();
+}
+
+} // namespace
+} // namespace obtest

@@ -1,0 +1,50 @@
+#include "tests/faults/HostProcess.h"
+
+#include <tlhelp32.h>
+
+#include <string_view>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "tests/standins/Recording.h"
+
+namespace obtest {
+namespace {
+
+constexpr DWORD kLimit = 20000; // milliseconds
+constexpr std::wstring_view kHost = L"obwmvapp.exe";
+
+DWORD HostId() {
+    const ObLib::UniqueKernelHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof(entry);
+    for (BOOL more = Process32FirstW(snapshot.Get(), &entry); more;
+         more = Process32NextW(snapshot.Get(), &entry)) {
+        if (entry.th32ParentProcessID == GetCurrentProcessId() && kHost == entry.szExeFile)
+            return entry.th32ProcessID;
+    }
+    return 0;
+}
+
+} // namespace
+
+bool KillHost(UINT exitCode) {
+    const DWORD id = HostId();
+    const ObLib::UniqueKernelHandle host(
+        id ? OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id) : nullptr);
+    return host && TerminateProcess(host.Get(), exitCode) &&
+           WaitForSingleObject(host.Get(), kLimit) == WAIT_OBJECT_0;
+}
+
+bool AwaitHeldCall() {
+    const std::wstring sign = BesideProgram(kHeldFileName);
+    const ULONGLONG begin = GetTickCount64();
+    while (GetFileAttributesW(sign.c_str()) == INVALID_FILE_ATTRIBUTES) {
+        if (GetTickCount64() - begin > kLimit) return false;
+        Sleep(1);
+    }
+    return true;
+}
+
+void ReleaseHeldCall() { DeleteFileW(BesideProgram(kHeldFileName).c_str()); }
+
+} // namespace obtest

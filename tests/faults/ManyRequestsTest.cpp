@@ -1,0 +1,173 @@
+// A thousand requests in one browser: nothing of any of them is left in its process.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+#include <psapi.h>
+
+#include <string>
+#include <vector>
+
+#include "OBCore/exchange/ExchangeAnswer.h"
+#include "OBCore/exchange/ExchangeMapping.h"
+#include "OBCore/exchange/PickedFiles.h"
+#include "obwmv/BrowserRequest.h"
+#include "tests/standins/Recording.h"
+#include "tests/standins/host/HostScript.h"
+#include "tests/support/ImportDouble.h"
+#include "tests/support/TestFolder.h"
+#include "tests/unit/obwmv/BrowserWindow.h"
+#include "tests/unit/obwmv/RoadSupport.h"
+
+namespace {
+
+using obtest::HostScript;
+
+struct Holdings {
+    DWORD handles = 0;
+    DWORD gdiObjects = 0;
+    DWORD userObjects = 0;
+    std::vector<std::wstring> files;
+    SIZE_T committed = 0;
+
+    static Holdings Now() {
+        Holdings now;
+        GetProcessHandleCount(GetCurrentProcess(), &now.handles);
+        now.gdiObjects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+        now.userObjects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+        now.files = obtest::ListTree(TempFolder());
+        PROCESS_MEMORY_COUNTERS counters = {};
+        counters.cb = sizeof(counters);
+        GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+        now.committed = counters.PagefileUsage;
+        return now;
+    }
+
+    static std::wstring TempFolder() {
+        wchar_t folder[MAX_PATH + 1];
+        GetTempPathW(MAX_PATH + 1, folder);
+        return std::wstring(folder, wcslen(folder) - 1);
+    }
+};
+
+void ExpectNoMore(const Holdings& before) {
+    const Holdings after = Holdings::Now();
+    EXPECT_LE(after.handles, before.handles);
+    EXPECT_LE(after.gdiObjects, before.gdiObjects);
+    EXPECT_LE(after.userObjects, before.userObjects);
+    EXPECT_EQ(after.files, before.files);
+    EXPECT_LE(after.committed, before.committed + (std::size_t{4} << 20));
+}
+
+// A host that has served its request and ended already: starting a thousand programs would take
+// longer than all that is measured. The handles are real ones, so that one kept is one too many.
+BOOL WINAPI ServeAtOnce(LPCWSTR, LPWSTR commandLine, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES,
+                        BOOL, DWORD, LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION info);
+
+class ManyRequests : public testing::Test {
+protected:
+    void SetUp() override {
+        request_.lStructSize = sizeof(request_);
+        request_.hwndOwner = browser_.Page();
+        request_.lpstrFile = file_;
+        request_.nMaxFile = 100;
+    }
+
+    void Ask(int round) {
+        const bool open = round % 2 == 0;
+        if (open)
+            obwmv::RunOpenFileNameRequest(&request_, &context_);
+        else
+            obwmv::RunDialogRequest(&dialog_, browser_.Page(), &context_);
+    }
+
+    // The section of the road's last request.
+    static bool SectionIsLeft(std::uint32_t id) {
+        const ObLib::UniqueKernelHandle section(
+            OpenFileMappingW(FILE_MAP_READ, FALSE, obcore::ExchangeBlockName(id).c_str()));
+        return static_cast<bool>(section);
+    }
+
+    wchar_t file_[100] = {};
+    OPENFILENAMEW request_ = {};
+    obtest::BrowserWindow browser_;
+    obtest::DeliveryContext context_;
+    obtest::CallersDialog dialog_;
+};
+
+// An ended process whose handle is given out again and again.
+HANDLE endedProcess;
+
+void Answer(obcore::ExchangeBlock& block) {
+    if (block.Status == obcore::ExchangeStatus::DialogRequest) {
+        obcore::WriteDialogAnswer(block, {L"C:\\f"});
+        block.Result = S_OK;
+        return;
+    }
+    block.Status = obcore::ExchangeStatus::OpenFileNameTaken;
+    block.Result = 1;
+    std::wmemcpy(reinterpret_cast<wchar_t*>(block.TextArea), L"C:\\f\0", 6);
+    block.Request.FileListOffset = obcore::kTextAreaOffset;
+}
+
+BOOL WINAPI ServeAtOnce(LPCWSTR, LPWSTR commandLine, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES,
+                        BOOL, DWORD, LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION info) {
+    const wchar_t* behindPath = wcschr(commandLine + 1, L'"') + 1;
+    const auto id = static_cast<std::uint32_t>(wcstol(behindPath, nullptr, 10));
+    ObLib::UniqueKernelHandle mapping;
+    const obcore::MappedExchangeBlock block = obcore::OpenExchangeBlock(id, mapping);
+    if (!block) return FALSE;
+    Answer(*block.Get());
+    const HANDLE self = GetCurrentProcess();
+    DuplicateHandle(self, endedProcess, self, &info->hProcess, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    DuplicateHandle(self, endedProcess, self, &info->hThread, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    return TRUE;
+}
+
+ObLib::UniqueKernelHandle RunHostOnce() {
+    HostScript::Play(L"exit 0");
+    STARTUPINFOW startup = {sizeof(startup)};
+    PROCESS_INFORMATION info = {};
+    const std::wstring program = obtest::BesideProgram(L"obwmvapp.exe");
+    EXPECT_TRUE(CreateProcessW(program.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr,
+                               nullptr, &startup, &info));
+    CloseHandle(info.hThread);
+    WaitForSingleObject(info.hProcess, INFINITE);
+    return ObLib::UniqueKernelHandle(info.hProcess);
+}
+
+TEST_F(ManyRequests, LeaveNothingInTheBrowsersProcess) {
+    const ObLib::UniqueKernelHandle ended = RunHostOnce();
+    endedProcess = ended.Get();
+    const obtest::ImportDouble<decltype(&CreateProcessW)> host("kernel32.dll", "CreateProcessW",
+                                                               &ServeAtOnce);
+    ASSERT_TRUE(host.Stands());
+    for (int round = 0; round < 20; ++round) Ask(round); // what is made once
+    const Holdings before = Holdings::Now();
+    for (int round = 0; round < 1000; ++round) Ask(round);
+    ExpectNoMore(before);
+    EXPECT_EQ(std::wstring(file_), L"C:\\f");
+    EXPECT_EQ(obcore::Results().size(), 1u);
+    EXPECT_FALSE(SectionIsLeft(GetCurrentThreadId()));
+    for (std::uint32_t id = 1; id <= 510; ++id) EXPECT_FALSE(SectionIsLeft(id)) << id;
+    EXPECT_TRUE(browser_.Enabled());
+}
+
+TEST_F(ManyRequests, LeaveNothingWhenTheHostIsAProgramOfItsOwn) {
+    HostScript::Play(L"status 3\nresult 1\nslot \"C:\\f\"");
+    for (int round = 0; round < 4; ++round) Ask(round);
+    const Holdings before = Holdings::Now();
+    for (int round = 0; round < 60; ++round) Ask(round);
+    ExpectNoMore(before);
+    EXPECT_EQ(HostScript::RecordOf(L"start").size(), 64u);
+}
+
+TEST_F(ManyRequests, LeaveNothingWhenEveryHostIsMissing) {
+    const obtest::WithoutHost away;
+    for (int round = 0; round < 20; ++round) Ask(round);
+    const Holdings before = Holdings::Now();
+    for (int round = 0; round < 200; ++round) Ask(round);
+    ExpectNoMore(before);
+    EXPECT_FALSE(SectionIsLeft(GetCurrentThreadId()));
+}
+
+} // namespace
