@@ -6,7 +6,8 @@
 namespace obcore {
 
 // `folder` and `name` joined as PathCombineW does it; where the result is too long for that call,
-// both put together as they are, so that the path never comes out empty.
+// both put together as they are, so that the path never comes out empty. So are they where the name
+// begins with two points: a name stays in its folder.
 std::wstring CombinePath(const std::wstring& folder, const std::wstring& name);
 
 // The form in which the system takes a full path of 260 characters and more. A shorter path, and

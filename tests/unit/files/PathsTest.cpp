@@ -16,6 +16,14 @@ TEST(Paths, JoinsWithOneSeparator) {
     EXPECT_EQ(CombinePath(L"C:\\folder", L"a.txt"), L"C:\\folder\\a.txt");
 }
 
+TEST(Paths, KeepsANameThatBeginsWithPointsInItsFolder) {
+    for (const wchar_t* name : {L".one", L"..two.txt", L"...three", L"....", L"a..b", L"a.."}) {
+        const std::wstring path = std::wstring(L"C:\\folder\\run\\") + name;
+        EXPECT_EQ(CombinePath(L"C:\\folder\\run\\", name), path);
+        EXPECT_EQ(CombinePath(L"C:\\folder\\run", name), path);
+    }
+}
+
 TEST(Paths, JoinsUpToTheLimitOfThePlatform) {
     const std::wstring folder = L"C:\\" + std::wstring(200, L'f') + L"\\";
     const std::wstring name(MAX_PATH - 1 - folder.size(), L'n');
