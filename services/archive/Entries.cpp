@@ -7,9 +7,12 @@
 
 #include "contracts/ArchiveService.h"
 #include "services/archive/ContextTable.h"
+#include "services/archive/EncryptionRules.h"
 #include "services/archive/FileNameRules.h"
 #include "services/archive/HelpAndUpdate.h"
 #include "services/archive/PasswordPrompt.h"
+#include "services/archive/RecoveryComment.h"
+#include "services/archive/RecoveryKey.h"
 #include "services/archive/UsageRecord.h"
 #include "services/archive/ZipForUser.h"
 
@@ -94,9 +97,11 @@ void SetDuplicateReferences(ZipContext context, std::uint8_t enabled) {
 
 std::uint32_t Zip(HWND owner, ZipContext context) {
     const auto result = Guarded(ZipResult::Unexpected, [=] {
-        const std::optional<ZipJob> job = contexts.Copy(context);
-        return job ? obarchive::ZipForUser(owner, *job)
-                   : obarchive::RefuseForUser(owner, ZipResult::BadContext);
+        std::optional<ZipJob> job = contexts.Copy(context);
+        if (!job) return obarchive::RefuseForUser(owner, ZipResult::BadContext);
+        // A job whose recovery can't be carried out stays as it is, and the run refuses it.
+        obarchive::AddRecovery(*job);
+        return obarchive::ZipForUser(owner, *job);
     });
     return static_cast<std::uint32_t>(result);
 }
@@ -110,30 +115,44 @@ void WebHelpW(HWND owner, const wchar_t*, const wchar_t*) {
     Guarded(0, [owner] { return obarchive::ShowHelp(owner), 0; });
 }
 
-std::uint32_t GetOmbrixFIPSSetting() { return 0; }
-
-std::uint16_t AllowedEncryptMethods() { return kEncryptionMethodAes128 | kEncryptionMethodAes256; }
-
-// Who didn't choose gets the stronger one: it costs a few per cent of the time.
-std::uint16_t DefaultEncryptionMethod() { return kEncryptionMethodAes256; }
-
-// Nothing forbids encryption yet, so there is nothing to warn of.
-std::uint32_t TryToShowWarningOrErrorMessage(HWND, std::uint32_t, std::uint8_t) { return 0; }
-
-// No success: recovery by an administrator's key isn't there yet, and callers then stop with a
-// message of their own.
-std::uint32_t GetPublicKeyResult(char* buffer, std::uint32_t capacity) {
-    if (buffer && capacity != 0) buffer[0] = '\0';
-    return 0;
+std::uint32_t GetOmbrixFIPSSetting() {
+    const auto setting =
+        Guarded(obarchive::FipsSetting::NotAsked, [] { return obarchive::ReadFipsSetting(); });
+    return static_cast<std::uint32_t>(setting);
 }
 
-// Success or a key means that the caller counts on recovery, which Zip then has to refuse.
+// When the policy can't be read: rather a method that may be forbidden than files in the clear.
+std::uint16_t AllowedEncryptMethods() {
+    constexpr std::uint16_t kEveryMethod = kEncryptionMethodAes128 | kEncryptionMethodAes256;
+    return Guarded(kEveryMethod, [] { return obarchive::AllowedMethods(); });
+}
+
+std::uint16_t DefaultEncryptionMethod() {
+    return Guarded(kEncryptionMethodAes256, [] { return obarchive::DefaultMethod(); });
+}
+
+// There is one thing to tell, so the kind of message and the switch beside it aren't looked at.
+std::uint32_t TryToShowWarningOrErrorMessage(HWND owner, std::uint32_t, std::uint8_t) {
+    const bool off = Guarded(false, [owner] { return obarchive::TellIfEncryptionIsOff(owner); });
+    return off ? kSwitchEncryptionOff : 0;
+}
+
+std::uint32_t GetPublicKeyResult(char* buffer, std::uint32_t capacity) {
+    const auto result = Guarded(obarchive::RecoveryKeyResult::Unexpected,
+                                [=] { return obarchive::ReadRecoveryKey(buffer, capacity); });
+    return static_cast<std::uint32_t>(result);
+}
+
+// Success or a key means that the caller counts on recovery: Zip then carries it out or refuses.
 void SetPublicKeyResult(ZipContext context, std::uint32_t result) {
     Set(context, [result](ZipJob& job) { job.recoveryAsked = job.recoveryAsked || result == 1; });
 }
 
-void SetPublicKeyW(ZipContext context, const wchar_t*) {
-    Set(context, [](ZipJob& job) { job.recoveryAsked = true; });
+void SetPublicKeyW(ZipContext context, const wchar_t* key) {
+    Set(context, [key](ZipJob& job) {
+        job.recoveryAsked = true;
+        job.recoveryKey = TextOf(key);
+    });
 }
 
 std::uint32_t ValidateFilespecW(const wchar_t* text, std::uint32_t mode) {

@@ -1,4 +1,4 @@
-// Ids of the password prompt, for its template and its code.
+// Ids of the password prompt, for its template and its code, and of the texts around encryption.
 #pragma once
 
 #define OB_PASSWORD_PROMPT 200
@@ -9,7 +9,38 @@
 #define OB_PASSWORD_REPEAT_LABEL 204
 #define OB_PASSWORD_REPEAT 205
 #define OB_PASSWORD_HINT 206
+#define OB_PASSWORD_STRENGTH_LABEL 207
+#define OB_PASSWORD_STRENGTH 208
+#define OB_PASSWORD_SHOW 209
+#define OB_PASSWORD_SUGGEST 220
+#define OB_PASSWORD_COPY 221
 
 #define OB_TEXT_PASSWORDS_DIFFER 210
 #define OB_TEXT_PASSWORD_TOO_LONG 211
 #define OB_TEXT_PASSWORD_UNWRITABLE 212
+#define OB_TEXT_CAPS_LOCK 213
+#define OB_TEXT_PHRASE 214
+#define OB_TEXT_NO_PHRASE 215
+#define OB_TEXT_COPIED 216
+#define OB_TEXT_NOT_COPIED 217
+#define OB_TEXT_INTRO_RECOVERY 218
+
+// In the order of StrengthLevel.
+#define OB_TEXT_STRENGTH_NONE 230
+#define OB_TEXT_STRENGTH_VERY_WEAK 231
+#define OB_TEXT_STRENGTH_WEAK 232
+#define OB_TEXT_STRENGTH_FAIR 233
+#define OB_TEXT_STRENGTH_GOOD 234
+#define OB_TEXT_STRENGTH_STRONG 235
+
+#define OB_TEXT_POLICY_LENGTH 240
+#define OB_TEXT_POLICY_CLASSES 241
+#define OB_TEXT_A_LOWER_CASE 242
+#define OB_TEXT_AN_UPPER_CASE 243
+#define OB_TEXT_A_DIGIT 244
+#define OB_TEXT_A_SYMBOL 245
+#define OB_TEXT_LIST_COMMA 246
+
+#define OB_TEXT_POLICY_CAPTION 250
+#define OB_TEXT_POLICY_REQUEST 251
+#define OB_TEXT_ENCRYPTION_OFF 252

@@ -1,11 +1,18 @@
 #include "services/archive/PasswordPrompt.h"
 
+#include <commctrl.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cstring>
+#include <cwctype>
+#include <utility>
+#include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/PasswordPromptIds.h"
+#include "tests/support/ImportDouble.h"
 #include "tests/unit/archive/PromptDriver.h"
 
 namespace {
@@ -155,22 +162,203 @@ TEST_F(PasswordPromptTest, BothFieldsAreMaskedAndTheFirstHasTheFocus) {
     EXPECT_EQ(Ask(person), PromptResult::Cancelled);
 }
 
+// Every visible control of the prompt, in the order of the Tab key.
+std::vector<HWND> Controls(HWND dialog) {
+    std::vector<HWND> controls;
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        controls.push_back(child);
+    }
+    return controls;
+}
+
+RECT PlaceOf(HWND control, HWND dialog) {
+    RECT place;
+    GetWindowRect(control, &place);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
 TEST_F(PasswordPromptTest, NothingIsCutOffAndNothingOverlaps) {
     const auto person = [](const PromptOnScreen& prompt) {
         RECT all;
         GetClientRect(prompt.Window(), &all);
-        RECT last{};
-        for (const int id :
-             {OB_PASSWORD_INTRO, OB_PASSWORD_LABEL, OB_PASSWORD_FIRST, OB_PASSWORD_REPEAT_LABEL,
-              OB_PASSWORD_REPEAT, OB_PASSWORD_HINT, IDOK}) {
-            RECT place;
-            GetWindowRect(prompt.Item(id), &place);
-            MapWindowPoints(nullptr, prompt.Window(), reinterpret_cast<POINT*>(&place), 2);
-            EXPECT_GE(place.top, last.bottom) << id;
-            EXPECT_LE(place.right, all.right) << id;
-            EXPECT_LE(place.bottom, all.bottom) << id;
-            last = place;
+        const std::vector<HWND> controls = Controls(prompt.Window());
+        EXPECT_EQ(controls.size(), 13U);
+        for (std::size_t one = 0; one < controls.size(); ++one) {
+            const RECT place = PlaceOf(controls[one], prompt.Window());
+            EXPECT_TRUE(place.left > 0 && place.top > 0 && place.right < all.right &&
+                        place.bottom < all.bottom)
+                << GetDlgCtrlID(controls[one]);
+            for (std::size_t two = 0; two < one; ++two) {
+                const RECT other = PlaceOf(controls[two], prompt.Window());
+                RECT common;
+                EXPECT_FALSE(IntersectRect(&common, &place, &other))
+                    << GetDlgCtrlID(controls[one]) << " and " << GetDlgCtrlID(controls[two]);
+            }
         }
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, TheTabKeyGoesInTheOrderOfReading) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST); // makes every button fit to be pressed
+        std::vector<int> order;
+        HWND at = prompt.Item(kFirst);
+        do {
+            order.push_back(GetDlgCtrlID(at));
+            at = GetNextDlgTabItem(prompt.Window(), at, FALSE);
+        } while (at != prompt.Item(kFirst) && order.size() < 20);
+        EXPECT_EQ(order, (std::vector<int>{kFirst, kRepeat, OB_PASSWORD_SHOW, OB_PASSWORD_SUGGEST,
+                                           OB_PASSWORD_COPY, IDOK, IDCANCEL}));
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, EachAccessKeyIsUsedOnceAndLabelsStandRightBeforeTheirFields) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        std::wstring keys;
+        for (const HWND control : Controls(prompt.Window())) {
+            const std::wstring text = prompt.Text(GetDlgCtrlID(control));
+            const std::size_t mark = text.find(L'&');
+            if (mark != text.npos) keys += static_cast<wchar_t>(towupper(text[mark + 1]));
+        }
+        EXPECT_EQ(keys, L"PRSUC");
+        const auto before = [&](int id) {
+            return GetDlgCtrlID(GetWindow(prompt.Item(id), GW_HWNDPREV));
+        };
+        EXPECT_EQ(before(kFirst), OB_PASSWORD_LABEL);
+        EXPECT_EQ(before(kRepeat), OB_PASSWORD_REPEAT_LABEL);
+        EXPECT_EQ(before(OB_PASSWORD_STRENGTH), OB_PASSWORD_STRENGTH_LABEL);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, ShowingTakesTheMaskOffBothFieldsAndHidingPutsItBack) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        const auto masks = [&] {
+            return std::pair(SendMessageW(prompt.Item(kFirst), EM_GETPASSWORDCHAR, 0, 0),
+                             SendMessageW(prompt.Item(kRepeat), EM_GETPASSWORDCHAR, 0, 0));
+        };
+        const auto hidden = masks();
+        EXPECT_NE(hidden.first, 0);
+        SendMessageW(prompt.Item(OB_PASSWORD_SHOW), BM_CLICK, 0, 0);
+        EXPECT_EQ(masks(), (std::pair<LRESULT, LRESULT>{0, 0}));
+        SendMessageW(prompt.Item(OB_PASSWORD_SHOW), BM_CLICK, 0, 0);
+        EXPECT_EQ(masks(), hidden);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, TheStrengthIsAWordAndABar) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        const auto bar = [&] {
+            return SendMessageW(prompt.Item(OB_PASSWORD_STRENGTH), PBM_GETPOS, 0, 0);
+        };
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength:");
+        EXPECT_EQ(bar(), 0);
+        prompt.Type(kFirst, L"aaaa");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength: very weak");
+        const LRESULT little = bar();
+        prompt.Type(kFirst, L"tW4!mQz9#Lk2");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength: strong");
+        EXPECT_GT(bar(), little);
+        prompt.Type(kFirst, L"");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength:");
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, ASuggestionFillsBothFieldsIsShownAndTellsHowMuchChanceIsInIt) {
+    std::wstring phrase;
+    const auto person = [&](const PromptOnScreen& prompt) {
+        EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        phrase = prompt.Text(kFirst);
+        EXPECT_EQ(prompt.Text(kRepeat), phrase);
+        EXPECT_EQ(std::count(phrase.begin(), phrase.end(), L'-'), 6);
+        EXPECT_EQ(IsDlgButtonChecked(prompt.Window(), OB_PASSWORD_SHOW), UINT{BST_CHECKED});
+        EXPECT_EQ(SendMessageW(prompt.Item(kFirst), EM_GETPASSWORDCHAR, 0, 0), 0);
+        EXPECT_NE(prompt.Text(OB_PASSWORD_HINT).find(L"2 to the power of 70"), std::wstring::npos);
+        EXPECT_TRUE(prompt.OkIsEnabled());
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        EXPECT_NE(prompt.Text(kFirst), phrase);
+        phrase = prompt.Text(kFirst);
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Given);
+    EXPECT_EQ(std::string(phrase.begin(), phrase.end()), buffer_);
+}
+
+std::wstring ClipboardText() {
+    if (!OpenClipboard(nullptr)) return L"(closed)";
+    const HANDLE data = GetClipboardData(CF_UNICODETEXT);
+    const auto* text = data ? static_cast<const wchar_t*>(GlobalLock(data)) : nullptr;
+    const std::wstring copy = text ? text : L"(none)";
+    if (text) GlobalUnlock(data);
+    CloseClipboard();
+    return copy;
+}
+
+TEST_F(PasswordPromptTest, ASuggestionIsCopiedAndKeptOutOfTheClipboardsHistory) {
+    const auto person = [&](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        EXPECT_TRUE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+        prompt.Press(OB_PASSWORD_COPY);
+        EXPECT_EQ(ClipboardText(), prompt.Text(kFirst));
+        for (const wchar_t* format :
+             {L"ExcludeClipboardContentFromMonitorProcessing", L"CanIncludeInClipboardHistory",
+              L"CanUploadToCloudClipboard"}) {
+            EXPECT_TRUE(IsClipboardFormatAvailable(RegisterClipboardFormatW(format)));
+        }
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT).rfind(L"Copied.", 0), 0U);
+        prompt.Type(kFirst, L"own");
+        EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, CopyingFailsWithASentenceWhileAnotherProgramHoldsTheClipboard) {
+    const auto person = [&](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        const HWND other =
+            CreateWindowW(L"Static", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+        EXPECT_TRUE(OpenClipboard(other));
+        prompt.Press(OB_PASSWORD_COPY);
+        CloseClipboard();
+        DestroyWindow(other);
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                  L"The password could not be copied. Please try again.");
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+std::atomic<bool> capsLockIsOn = false;
+
+SHORT WINAPI KeyStateDouble(int key) {
+    return key == VK_CAPITAL && capsLockIsOn ? SHORT{1} : SHORT{0};
+}
+
+bool WaitForHint(const PromptOnScreen& prompt, const std::wstring& expected) {
+    const ULONGLONG end = GetTickCount64() + 10000;
+    while (prompt.Text(OB_PASSWORD_HINT) != expected && GetTickCount64() < end) Sleep(20);
+    return prompt.Text(OB_PASSWORD_HINT) == expected;
+}
+
+TEST_F(PasswordPromptTest, CapsLockIsToldWhileItIsOn) {
+    // No key's state reaches a window without a real keyboard behind it.
+    const obtest::ImportDouble<decltype(&GetKeyState)> keys("user32.dll", "GetKeyState",
+                                                            &KeyStateDouble);
+    const auto person = [&](const PromptOnScreen& prompt) {
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
+        capsLockIsOn = true;
+        EXPECT_TRUE(WaitForHint(prompt, L"Caps Lock is on."));
+        prompt.Type(kFirst, L"a");
+        prompt.Type(kRepeat, L"b");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                  L"Caps Lock is on.\nThe two passwords are not the same.");
+        capsLockIsOn = false;
+        EXPECT_TRUE(WaitForHint(prompt, L"The two passwords are not the same."));
     };
     EXPECT_EQ(Ask(person), PromptResult::Cancelled);
 }

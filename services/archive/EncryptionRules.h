@@ -1,0 +1,31 @@
+// What the machine's policies say about encryption. docs/policies.md tells administrators the same.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+namespace obarchive {
+
+// Mask of the method bits that may be used; 0 when the administrator has switched encryption off.
+// A mask in both views allows what both allow.
+std::uint16_t AllowedMethods();
+
+// The administrator's choice if it is allowed, else the strongest that is; 0 when none is.
+std::uint16_t DefaultMethod();
+
+enum class FipsSetting : std::uint32_t {
+    NotAsked = 0,
+    AskedByPolicy = 1, // the product's own policy
+    AskedBySystem = 2, // the system's switch for approved algorithms
+};
+
+// Only told, as it changes nothing here: both methods, and everything around them, are made by the
+// system's cryptography out of approved algorithms.
+FipsSetting ReadFipsSetting();
+
+// When encryption is switched off: tells so in a message box, modal to `owner` (null, or a window
+// of any process) on the calling thread, and returns true. Otherwise false, at once.
+bool TellIfEncryptionIsOff(HWND owner);
+
+} // namespace obarchive
