@@ -37,6 +37,9 @@ CANNOT = {
 }
 ENV = dict(os.environ, LC_ALL="C.UTF-8", TZ="UTC")
 OLD = 1551675968  # 2019-03-04 05:06:08 UTC
+FIRST = 315619200  # 1980-01-02, so that no time zone makes it 1979
+LAST = 4354732800  # 2107-12-31
+MANY = 2500
 
 failures = []
 
@@ -51,23 +54,39 @@ def run(*command, **options):
     return subprocess.run(command, env=ENV, stdin=subprocess.DEVNULL, capture_output=True, check=False, **options)
 
 
+def prose(noise, size):
+    """Words in a random order: shrinks to about a third."""
+    words = [f"word{number}" for number in range(2000)]
+    text = " ".join(noise.choices(words, k=size // 5 + 2))
+    return text.encode()[:size]
+
+
 def make_sources(folder):
     """Writes the tree and returns what each zip must hold: name -> content."""
     noise = random.Random(7)
     expected = {}
 
-    def add(path, content, name=None):
+    def add(path, content, name=None, when=OLD):
         full = os.path.join(folder, path)
         os.makedirs(os.path.dirname(full), exist_ok=True)
         with open(full, "wb") as file:
             file.write(content)
-        os.utime(full, (OLD, OLD))
+        os.utime(full, (when, when))
         expected[name or os.path.basename(path)] = content
 
     add("a/text.txt", b"The quick brown fox. " * 20000)
     add("a/empty.bin", b"")
-    for size in (1, 15, 16, 17, 18, 19, 20, 8191, 8192, 8193, 65535, 65536, 65537, 300000):
+    block = 2 * 1024 * 1024  # what the service cuts large files into
+    for size in (1, 15, 16, 17, 18, 19, 20, 8191, 8192, 8193, 65535, 65536, 65537, 300000, block - 1, block, block + 1):
         add(f"a/noise{size}.bin", noise.randbytes(size))
+        add(f"a/prose{size}.txt", prose(noise, size))
+    add("a/blocks.txt", prose(noise, 3 * block + 12345))
+    add("a/noise blocks.bin", noise.randbytes(2 * block + 54321))
+    add("u/1980.txt", b"the first day", when=FIRST)
+    add("u/2107.txt", b"the last day", when=LAST)
+    add("u/1970.txt", b"before all days", when=0)
+    for number in range(MANY):
+        add(f"m/many{number}.txt", f"file {number} of many ".encode() * (number % 50))
     add("n/Übergröße ñ.txt", "umlauts".encode())
     add("n/e\u0301 combining.txt", b"combining")
     add("n/\U0001F600\U0001F468\u200D\U0001F469.txt", b"emoji")
@@ -86,7 +105,7 @@ def make_sources(folder):
 def make_archives(options, work):
     expected = make_sources(os.path.join(work, "in"))
     kept = os.path.join(work, "kept")
-    done = run(options.wine_run, "--timeout", "100", "--stage", os.path.join(work, "in"), "--stage", options.service,
+    done = run(options.wine_run, "--timeout", "200", "--stage", os.path.join(work, "in"), "--stage", options.service,
                "--env", f"OB_PASSWORD={PASSWORD}", "--env", "TZ=UTC", "--keep", kept, "--", options.maker)
     sys.stdout.write(done.stdout.decode(errors="replace"))
     sys.stderr.write(done.stderr.decode(errors="replace"))
@@ -163,19 +182,35 @@ def entries(data):
 
 
 def check_headers(archive):
+    """Encrypted entries tell no sum of what they hide, and what doesn't shrink is stored."""
     name = os.path.basename(archive)
     strength, method = ARCHIVES[name]
+    surplus = {0: 0, 1: 8 + 2 + 10, 3: 16 + 2 + 10}[strength]
     with open(archive, "rb") as file:
         data = file.read()
     for at, local, extra in entries(data):
-        flags, stored, checksum, size = struct.unpack_from("<HH4xI4xI", data, at + 8)
-        check(bool(flags & 1) == bool(strength), f"{name}: encryption flag")
-        if not strength:
-            check(stored == (method if size else 0), f"{name}: method {stored}")
-            continue
-        field = struct.pack("<HHH2sBH", 0x9901, 7, 2, b"AE", strength, method if size else 0)
-        check(stored == 99 and field in extra, f"{name}: AE-2 field")
-        check(checksum == 0 and data[local + 14:local + 18] == bytes(4), f"{name}: no checksum of the plain data")
+        flags, stored, checksum, packed, size, length = struct.unpack_from("<HH4xIIIH", data, at + 8)
+        entry = data[at + 46:at + 46 + length].decode()
+        check(bool(flags & 1) == bool(strength), f"{name}: encryption flag of {entry}")
+        if strength:
+            check(stored == 99, f"{name}: method of {entry}")
+            check(checksum == 0 and data[local + 14:local + 18] == bytes(4), f"{name}: no checksum of {entry}")
+            place = extra.find(struct.pack("<HHH2sB", 0x9901, 7, 2, b"AE", strength))
+            check(place >= 0, f"{name}: AE-2 field of {entry}")
+            stored = struct.unpack_from("<H", extra, place + 9)[0]
+        check(stored in (0, method), f"{name}: method {stored} of {entry}")
+        check(packed == size + surplus if stored == 0 else packed < size + surplus, f"{name}: size of {entry}")
+        if entry.startswith("noise"):
+            check(stored == 0, f"{name}: {entry} doesn't shrink and is stored")
+        if entry.startswith("prose") and size > 1000:
+            check(stored == method, f"{name}: {entry} shrinks")
+
+
+def check_date_fields(archive):
+    """What the zip's own fields can't hold is moved to their ends."""
+    with zipfile.ZipFile(archive) as file:
+        for name, years in (("1980.txt", (1980,)), ("2107.txt", (2107,)), ("1970.txt", (1979, 1980))):
+            check(file.getinfo(name).date_time[0] in years, f"{name}: {file.getinfo(name).date_time}")
 
 
 def check_flipped_bits(archive, work):
@@ -214,6 +249,7 @@ def main():
                     check_tool(tool, archive, expected, work)
                 check_headers(archive)
             check_times(work)
+            check_date_fields(os.path.join(out, "plain.zip"))
             for name in ("aes128.zip", "aes256.zip"):
                 check_flipped_bits(os.path.join(out, name), work)
         if options.keep:

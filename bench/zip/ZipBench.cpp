@@ -1,0 +1,52 @@
+// Zips a folder once with the archive service that lies beside the program, and prints how many
+// seconds the call of Zip took: zip_bench FOLDER ZIP METHOD, where METHOD is 0 or an encryption
+// method of the contract.
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "tests/contract/archive/LoadedService.h"
+
+namespace {
+
+void AddFolder(const obtest::LoadedService& service, obcore::ZipContext context,
+               const std::wstring& folder) {
+    WIN32_FIND_DATAW found;
+    const ObLib::UniqueFindHandle search(FindFirstFileW((folder + L"\\*").c_str(), &found));
+    if (!search) return;
+    do {
+        const std::wstring path = folder + L"\\" + found.cFileName;
+        const bool isFolder = found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY;
+        if (!isFolder) service->AddFileW(context, path.c_str());
+    } while (FindNextFileW(search.Get(), &found));
+}
+
+double Seconds() {
+    LARGE_INTEGER now;
+    LARGE_INTEGER frequency;
+    QueryPerformanceCounter(&now);
+    QueryPerformanceFrequency(&frequency);
+    return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+} // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    const obtest::LoadedService service;
+    if (count != 4 || !service.IsComplete()) return 2;
+    const auto method = static_cast<std::uint32_t>(_wtoi(arguments[3]));
+    const obcore::ZipContext context = service->CreateZipContext();
+    AddFolder(service, context, arguments[1]);
+    service->SetZipNameW(context, arguments[2]);
+    service->SetCompression(context, obcore::kCompressionDeflate);
+    service->SetEncrypt(context, method);
+    if (method != 0) service->SetPassword(context, "a password of the bench");
+    const double before = Seconds();
+    const std::uint32_t result = service->Zip(nullptr, context);
+    std::printf("seconds\t%.6f\n", Seconds() - before);
+    service->DestroyZipContext(context);
+    return static_cast<int>(result);
+}
