@@ -126,6 +126,20 @@ TEST_F(HostKilled, WhileItsDialogIsShownOnTheDialogRoad) {
     EXPECT_EQ(Left(), Texts{});
 }
 
+// Nobody is asked whether to debug it, and nobody waits for an answer.
+TEST_F(HostKilled, ByACrashOfItsOwn) {
+    for (const bool open : {true, false}) {
+        PickerPerson person([](OpenPicker&) { EXPECT_TRUE(CrashHost()); });
+        if (open)
+            ExpectCancel(AskOpen());
+        else
+            EXPECT_EQ(AskShow(), kCancelled);
+        EXPECT_TRUE(person.Done());
+    }
+    EXPECT_EQ(Left(), Texts{});
+    ExpectTheNextRequestIsServed();
+}
+
 // The copies that the zip was made from stay: nobody is there any more who knows of them.
 TEST_F(HostKilled, DuringTheZip) {
     StandIns::Answer(L"Hold", L"Zip");

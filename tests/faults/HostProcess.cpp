@@ -25,14 +25,28 @@ DWORD HostId() {
     return 0;
 }
 
+ObLib::UniqueKernelHandle OpenHost() {
+    const DWORD id = HostId();
+    return ObLib::UniqueKernelHandle(id ? OpenProcess(PROCESS_ALL_ACCESS, FALSE, id) : nullptr);
+}
+
+bool IsGone(const ObLib::UniqueKernelHandle& host) {
+    return WaitForSingleObject(host.Get(), kLimit) == WAIT_OBJECT_0;
+}
+
 } // namespace
 
 bool KillHost(UINT exitCode) {
-    const DWORD id = HostId();
-    const ObLib::UniqueKernelHandle host(
-        id ? OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id) : nullptr);
-    return host && TerminateProcess(host.Get(), exitCode) &&
-           WaitForSingleObject(host.Get(), kLimit) == WAIT_OBJECT_0;
+    const ObLib::UniqueKernelHandle host = OpenHost();
+    return host && TerminateProcess(host.Get(), exitCode) && IsGone(host);
+}
+
+bool CrashHost() {
+    const ObLib::UniqueKernelHandle host = OpenHost();
+    if (!host) return false;
+    const ObLib::UniqueKernelHandle thread(
+        CreateRemoteThread(host.Get(), nullptr, 0, nullptr, nullptr, 0, nullptr));
+    return thread && IsGone(host);
 }
 
 bool AwaitHeldCall() {

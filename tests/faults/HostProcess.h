@@ -12,6 +12,9 @@ inline constexpr UINT kKilled = 1; // the exit code that a task manager gives
 // Called on another thread than that of the request.
 bool KillHost(UINT exitCode = kKilled);
 
+// Makes the host crash, by a thread that begins at address 0, and waits until it is gone.
+bool CrashHost();
+
 // Waits until a call into a stand-in is held (script: Hold=NAME). False after 20 seconds.
 bool AwaitHeldCall();
 
