@@ -137,10 +137,11 @@ void OnSuggest(HWND dialog, Prompt& prompt) {
     prompt.state.copied = false;
     if (prompt.state.phraseBits == 0) return Refuse(dialog, prompt, OB_TEXT_NO_PHRASE);
     prompt.state.problem = 0;
+    // First shown, then filled: a field measures its text while it takes it.
+    ShowPassword(dialog, prompt, true);
     prompt.filling = true;
     for (const int field : kFields) FillSecretField(GetDlgItem(dialog, field), phrase.data);
     prompt.filling = false;
-    ShowPassword(dialog, prompt, true);
     ShowWhatStands(dialog, prompt);
 }
 

@@ -32,7 +32,12 @@ void ReadSecretField(HWND field, FieldText& text) {
     GetWindowTextW(field, text.data, kLongestText + 1);
 }
 
-void FillSecretField(HWND field, const wchar_t* text) { ReplaceAll(field, text, false); }
+void FillSecretField(HWND field, const wchar_t* text) {
+    ReplaceAll(field, text, false);
+    // To its beginning, which else may be scrolled out of sight.
+    SendMessageW(field, EM_SETSEL, 0, 0);
+    SendMessageW(field, EM_SCROLLCARET, 0, 0);
+}
 
 void WipeSecretField(HWND field) { Overwrite(field); }
 

@@ -20,7 +20,7 @@ void PrepareSecretField(HWND field);
 
 void ReadSecretField(HWND field, FieldText& text);
 
-// Replaces the text. Sends EN_CHANGE.
+// Replaces the text and shows it from its beginning. Sends EN_CHANGE.
 void FillSecretField(HWND field, const wchar_t* text);
 
 // Overwrites the text and what the field keeps for undoing, and leaves the field empty. Sends

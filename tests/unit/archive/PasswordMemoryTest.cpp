@@ -172,4 +172,23 @@ TEST_F(PasswordMemory, NothingIsLeftOfARefusedPassword) {
     EXPECT_EQ(TimesInAnyForm(), 0);
 }
 
+TEST_F(PasswordMemory, NothingIsLeftOfASuggestion) {
+    char buffer[260];
+    std::vector<std::uint8_t> masked;
+    const auto person = [&](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        obarchive::WipedBuffer<wchar_t, 260> phrase;
+        GetWindowTextW(prompt.Item(OB_PASSWORD_FIRST), phrase.data, 260);
+        for (const wchar_t* at = phrase.data; *at; ++at) {
+            masked.push_back(static_cast<std::uint8_t>(~*at));
+            masked.push_back(0xFF);
+        }
+        EXPECT_GE(TimesInMemory(masked), 2);
+        prompt.Press(IDOK);
+    };
+    ASSERT_EQ(Ask(person, buffer), PromptResult::Given);
+    EXPECT_EQ(std::strlen(buffer) * 2, masked.size());
+    EXPECT_EQ(TimesInMemory(masked), 0);
+}
+
 } // namespace

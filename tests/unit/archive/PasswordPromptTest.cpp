@@ -279,7 +279,8 @@ TEST_F(PasswordPromptTest, ASuggestionFillsBothFieldsIsShownAndTellsHowMuchChanc
         EXPECT_EQ(std::count(phrase.begin(), phrase.end(), L'-'), 6);
         EXPECT_EQ(IsDlgButtonChecked(prompt.Window(), OB_PASSWORD_SHOW), UINT{BST_CHECKED});
         EXPECT_EQ(SendMessageW(prompt.Item(kFirst), EM_GETPASSWORDCHAR, 0, 0), 0);
-        EXPECT_NE(prompt.Text(OB_PASSWORD_HINT).find(L"2 to the power of 70"), std::wstring::npos);
+        EXPECT_NE(prompt.Text(OB_PASSWORD_HINT).find(L"with 70 bits of randomness"),
+                  std::wstring::npos);
         EXPECT_TRUE(prompt.OkIsEnabled());
         prompt.Press(OB_PASSWORD_SUGGEST);
         EXPECT_NE(prompt.Text(kFirst), phrase);
