@@ -1,0 +1,142 @@
+// A whole encrypting run, from the prompt to the zip, after which the password stands nowhere in
+// the process. The test never holds it in one piece: it knows it under a mask, types it letter by
+// letter and compares byte by byte.
+#include <cstdint>
+#include <thread>
+
+#include "services/archive/PasswordPromptIds.h"
+#include "tests/faults/HostRole.h"
+#include "tests/support/ImportDouble.h"
+#include "tests/support/PasswordPerson.h"
+#include "tests/support/ProductRegistry.h"
+
+namespace obtest {
+namespace {
+
+constexpr std::uint8_t kMask = 0xA5;
+constexpr std::uint8_t kMasked[] = {'Q' ^ kMask, 'z' ^ kMask, '7' ^ kMask, '!' ^ kMask,
+                                    'k' ^ kMask, 'B' ^ kMask, 'V' ^ kMask, 'x' ^ kMask,
+                                    '3' ^ kMask, 'j' ^ kMask, 'w' ^ kMask, 'P' ^ kMask};
+
+// Volatile, or the compiler may put the plain letters together.
+std::uint8_t Letter(std::size_t index) {
+    const volatile std::uint8_t mask = kMask;
+    return kMasked[index] ^ mask;
+}
+
+// Whether the password stands at `at`, each letter `width` bytes wide.
+bool StandsAt(const std::uint8_t* at, std::size_t width) {
+    for (std::size_t index = 0; index < std::size(kMasked); ++index) {
+        if (at[index * width] != Letter(index)) return false;
+        if (width == 2 && at[index * width + 1] != 0) return false;
+    }
+    return true;
+}
+
+bool IsReadable(const MEMORY_BASIC_INFORMATION& region) {
+    constexpr DWORD readable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READ |
+                               PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    return region.State == MEM_COMMIT && (region.Protect & readable) != 0 &&
+           (region.Protect & (PAGE_GUARD | PAGE_NOACCESS)) == 0;
+}
+
+int TimesIn(const MEMORY_BASIC_INFORMATION& region) {
+    if (!IsReadable(region)) return 0;
+    const auto* at = static_cast<const std::uint8_t*>(region.BaseAddress);
+    const std::uint8_t* const end = at + region.RegionSize - 2 * std::size(kMasked);
+    int times = 0;
+    const std::uint8_t first = Letter(0);
+    for (; at <= end; ++at)
+        if (*at == first) times += StandsAt(at, 1) + StandsAt(at, 2);
+    return times;
+}
+
+// As UTF-8 and as UTF-16, in everything that this process can read.
+int TimesInMemory() {
+    int times = 0;
+    const std::uint8_t* at = nullptr;
+    MEMORY_BASIC_INFORMATION region;
+    while (VirtualQuery(at, &region, sizeof(region)) == sizeof(region)) {
+        times += TimesIn(region);
+        at = static_cast<const std::uint8_t*>(region.BaseAddress) + region.RegionSize;
+    }
+    return times;
+}
+
+void TypeInto(HWND field) {
+    for (std::size_t index = 0; index < std::size(kMasked); ++index)
+        SendMessageW(field, WM_CHAR, Letter(index), 1);
+}
+
+class PasswordOfARun : public HostRole {
+protected:
+    void SetUp() override {
+        HostRole::SetUp();
+        SetUserValue(L"AutoEncrypt", L"1");
+        file_ = sources_.File(L"secret.txt", std::string(70000, 's'));
+    }
+
+    // A person who types into both fields, looks what stands in memory meanwhile, and closes the
+    // prompt with this button.
+    std::thread Person(bool confirms) {
+        return std::thread([this, confirms] {
+            const OpenPasswordPrompt prompt = OpenPasswordPrompt::Await(GetCurrentProcessId());
+            ASSERT_TRUE(prompt.Window()) << "no prompt";
+            TypeInto(GetDlgItem(prompt.Window(), OB_PASSWORD_FIRST));
+            TypeInto(GetDlgItem(prompt.Window(), OB_PASSWORD_REPEAT));
+            whileOpen_ = TimesInMemory();
+            if (confirms)
+                EXPECT_TRUE(prompt.PressOk());
+            else
+                prompt.PressCancel();
+        });
+    }
+
+    std::wstring file_;
+    int whileOpen_ = 0;
+};
+
+TEST_F(PasswordOfARun, StandsNowhereOnceTheZipIsThere) {
+    std::thread person = Person(true);
+    const Answer answer = Open({file_});
+    person.join();
+    EXPECT_GE(whileOpen_, 2) << "the search would find it";
+    EXPECT_EQ(TimesInMemory(), 0);
+    ASSERT_EQ(answer.files.size(), 1u);
+    ExpectOnlyTheZipIsLeft(answer);
+    // It is the password of the zip all the same: no byte of the file stands there in the clear.
+    const auto zip = ReadFileContent(answer.files.front());
+    ASSERT_TRUE(zip);
+    EXPECT_EQ(zip->find("ssssssss"), std::string::npos);
+}
+
+TEST_F(PasswordOfARun, StandsNowhereAfterACancel) {
+    std::thread person = Person(false);
+    const Answer answer = Show({file_});
+    person.join();
+    EXPECT_GE(whileOpen_, 2) << "the search would find it";
+    EXPECT_EQ(TimesInMemory(), 0);
+    ExpectNothingGiven(answer);
+    EXPECT_EQ(Left(), Texts{});
+}
+
+BOOL WINAPI WriteToFullDisk(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPED) {
+    if (written) *written = 0;
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+TEST_F(PasswordOfARun, StandsNowhereWhenTheZipFailed) {
+    const ImportDouble<decltype(&WriteFile)> full("kernel32.dll", "WriteFile", &WriteToFullDisk,
+                                                  GetModuleHandleW(L"obofcsvc64.dll"));
+    ASSERT_TRUE(full.Stands());
+    std::thread person = Person(true);
+    const Answer answer = Open({file_});
+    person.join();
+    ExpectNothingGiven(answer);
+    EXPECT_GE(whileOpen_, 2) << "the search would find it";
+    EXPECT_EQ(TimesInMemory(), 0);
+}
+
+} // namespace
+} // namespace obtest
