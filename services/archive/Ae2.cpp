@@ -120,9 +120,19 @@ void Ae2Stream::ApplyKeyStream(std::span<std::uint8_t> data) {
     }
 }
 
+void Ae2Stream::AddToCode(std::span<const std::uint8_t> data) {
+    Check(BCryptHashData(code_.Get(), Mutable(data), static_cast<ULONG>(data.size()), 0));
+}
+
 void Ae2Stream::Encrypt(std::span<std::uint8_t> data) {
     ApplyKeyStream(data);
-    Check(BCryptHashData(code_.Get(), data.data(), static_cast<ULONG>(data.size()), 0));
+    AddToCode(data);
+}
+
+void Ae2Stream::CipherFrom(std::uint64_t offset, std::span<std::uint8_t> data) {
+    counter_ = 1 + offset / kCipherBlock;
+    used_ = keyStream_.size();
+    ApplyKeyStream(data);
 }
 
 std::array<std::uint8_t, kAe2CodeSize> Ae2Stream::Code() {

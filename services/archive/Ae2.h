@@ -76,6 +76,10 @@ public:
 
     // In place, the next bytes of the stream.
     void Encrypt(std::span<std::uint8_t> data);
+    // The same without the code, for bytes that begin at `offset`, a multiple of 16.
+    void CipherFrom(std::uint64_t offset, std::span<std::uint8_t> data);
+    // Adds bytes that are encrypted already to the code.
+    void AddToCode(std::span<const std::uint8_t> data);
     // The reverse; without looking at the code, for data of this run's own.
     void Decrypt(std::span<std::uint8_t> data) { ApplyKeyStream(data); }
     std::array<std::uint8_t, kAe2CodeSize> Code();

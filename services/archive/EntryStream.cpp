@@ -27,7 +27,9 @@ std::vector<std::uint8_t> HeadOf(const Ae2Keys& keys) {
 // Encrypts in place, where that isn't done yet.
 void EntryStream::Add(std::span<std::uint8_t> bytes) {
     if (bytes.empty()) return;
-    if (encryption_) encryption_->Encrypt(bytes);
+    const bool encrypted = task_ && task_->order.keys;
+    if (encryption_ && encrypted) encryption_->AddToCode(bytes);
+    if (encryption_ && !encrypted) encryption_->Encrypt(bytes);
     ready_.push_back(bytes);
     Record().packedSize += bytes.size();
 }

@@ -32,9 +32,7 @@ void PackTask::Pack(BlockCompressor& compressor) {
     if (packed.Size() == 0) throw std::runtime_error("deflate");
 }
 
-void PackTask::Encrypt() {
-    keys = NewAe2Keys(*settings_.algorithms, *settings_.password, order.keySize);
-    if (!order.IsWhole()) return;
+void PackTask::EncryptWhole() {
     Ae2Stream stream(*settings_.algorithms, *keys);
     stream.Encrypt(Body());
     const auto front = keys->Head();
@@ -43,11 +41,21 @@ void PackTask::Encrypt() {
     tail.assign(code.begin(), code.end());
 }
 
+void PackTask::Encrypt() {
+    if (order.keys) {
+        if (order.first) keys = *order.keys;
+        Ae2Stream(*settings_.algorithms, *order.keys).CipherFrom(order.offset, raw.Bytes());
+    } else if (order.first) {
+        keys = NewAe2Keys(*settings_.algorithms, *settings_.password, order.keySize);
+        if (order.IsWhole()) EncryptWhole();
+    }
+}
+
 void PackTask::Do(BlockCompressor& compressor) {
     checksum = libdeflate_crc32(0, raw.Data(), raw.Size());
     Pack(compressor);
     if (packed.Size() != 0) raw = {};
-    if (order.keySize != 0 && order.first) Encrypt();
+    if (order.keySize != 0) Encrypt();
 }
 
 } // namespace obarchive

@@ -18,7 +18,9 @@ struct PackOrder {
     Effort effort = Effort::Quick;
     bool first = true;
     bool last = true;
-    std::size_t keySize = 0; // bytes of the cipher's key, 0 for none
+    std::size_t keySize = 0;             // bytes of the cipher's key, 0 for none
+    std::uint64_t offset = 0;            // of the piece in its file
+    std::shared_ptr<const Ae2Keys> keys; // of a larger file that is only stored
 
     bool IsWhole() const noexcept { return first && last; }
 };
@@ -31,8 +33,9 @@ struct PackSettings {
 
 // A piece that is the whole file comes out complete: stored after all if it didn't shrink, and
 // encrypted. Of a larger file, each piece comes out compressed, the first one with the keys of the
-// entry; encryption needs to know where in the stream a piece begins, so it comes later. Pieces of
-// a larger xz file come out as they were: that stream is made in one.
+// entry; encryption needs to know where in the stream a piece begins, so it comes later. Only of a
+// file that is stored as it is this is known, and its pieces come out encrypted, but for the code.
+// Pieces of a larger xz file come out as they were: that stream is made in one.
 class PackTask : public Task {
 public:
     PackTask(const PackOrder& order, const PackSettings& settings, ByteBuffer raw)
@@ -56,6 +59,7 @@ private:
     void Pack(BlockCompressor& compressor);
     void PackWhole(BlockCompressor& compressor);
     void Encrypt();
+    void EncryptWhole();
 
     PackSettings settings_;
 };

@@ -55,6 +55,7 @@ private:
     void SubmitCopy(std::size_t original);
     void EndSource();
     Packing PackingOf(const ByteBuffer& block);
+    void MakeKeys();
     Effort EffortFor(std::size_t size);
     bool WaitFor(const Piece& piece);
 

@@ -124,6 +124,13 @@ TEST_F(ZipRunTest, EncryptsXzToo) {
 
 class ZipBlocksTest : public ZipRunTest {
 protected:
+    // The library that reads it back takes its time to decrypt: encrypted runs get fewer files.
+    void AddTwoFiles() {
+        Add(L"prose", Prose(obarchive::kBlockSize + 1));
+        Add(L"noise", Noise(obarchive::kBlockSize + 17));
+        Add(L"small", Prose(5000));
+    }
+
     void AddBorders() {
         constexpr std::size_t kBlock = obarchive::kBlockSize;
         for (const std::size_t size :
@@ -142,14 +149,14 @@ TEST_F(ZipBlocksTest, LargeFilesArePackedInBlocksThatJoin) {
 
 TEST_F(ZipBlocksTest, LargeFilesAreEncryptedAcrossTheirBlocks) {
     Encrypt(8);
-    AddBorders();
+    AddTwoFiles();
     RunAndCompare(ZIP_CM_DEFLATE, ZIP_EM_AES_256);
 }
 
 TEST_F(ZipBlocksTest, LargeFilesArePackedWithXzInOneStream) {
     job_.compressionMethod = 0xFFFFFFFF;
     Encrypt(4);
-    AddBorders();
+    AddTwoFiles();
     RunAndCompare(ZIP_CM_XZ, ZIP_EM_AES_128);
 }
 
@@ -160,9 +167,9 @@ protected:
         for (const wchar_t* folder : {L"one", L"two", L"three"}) {
             in_.Folder(folder);
             const std::wstring prefix = folder + std::wstring(L"\\") + folder;
-            Add(prefix + L" large", Prose(5'000'000));
+            Add(prefix + L" large", Prose(2'500'000));
             Add(prefix + L" small", Prose(70'000));
-            Add(prefix + L" noise", Noise(3'000'000));
+            Add(prefix + L" noise", Noise(2'200'000));
             Add(prefix + L" empty", "");
             Add(prefix + L" other", Prose(69'990) + std::string(10, static_cast<char>(*folder)));
         }
@@ -219,7 +226,7 @@ TEST_F(ZipTwinsTest, ProgressCountsATwinOnce) {
     };
     ASSERT_EQ(RunZip(job_, progress), ZipResult::Stands);
     EXPECT_EQ(bytes, total);
-    EXPECT_EQ(total, 3U * (5'000'000U + 70'000U + 3'000'000U + 70'000U));
+    EXPECT_EQ(total, 3U * (2'500'000U + 70'000U + 2'200'000U + 70'000U));
 }
 
 TEST_F(ZipRunTest, AWrongPasswordOpensNothing) {
