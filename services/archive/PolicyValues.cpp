@@ -21,6 +21,8 @@ bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
 
 } // namespace
 
+bool HasPolicies(PolicyView view) { return static_cast<bool>(OpenKey(view)); }
+
 std::wstring PolicyTextIn(PolicyView view, const wchar_t* name) {
     const ObLib::UniqueRegistryKey key = OpenKey(view);
     // RegGetValueW looks at the type and ends the text where the registry doesn't.

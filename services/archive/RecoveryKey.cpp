@@ -15,10 +15,11 @@ constexpr char kKeyPrefix[] = "sha256:";
 constexpr DWORD kLeastKeyBits = 2048;
 constexpr std::size_t kDigestSize = 32;
 
-// Where an administrator's tool or a 32-bit installer has put it.
+// As the product asks for it: once the 64-bit view has policies, it has the last word, also by
+// having no certificate.
 std::wstring CertificateText() {
-    std::wstring text = PolicyTextIn(PolicyView::Bits64, kCertificateValue);
-    return text.empty() ? PolicyTextIn(PolicyView::Bits32, kCertificateValue) : text;
+    const bool in64 = HasPolicies(PolicyView::Bits64);
+    return PolicyTextIn(in64 ? PolicyView::Bits64 : PolicyView::Bits32, kCertificateValue);
 }
 
 // PEM with its two lines, or the Base64 alone; line breaks and blanks may stand anywhere.

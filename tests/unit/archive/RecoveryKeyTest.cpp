@@ -75,11 +75,15 @@ TEST_F(RecoveryKeyTest, EachReasonWhyOneCannotBeUsedHasItsCode) {
     EXPECT_EQ(Read(kWeakCertificate), RecoveryKeyResult::Unsuitable);
 }
 
-TEST_F(RecoveryKeyTest, The64BitViewGoesBeforeThe32BitOne) {
+TEST_F(RecoveryKeyTest, The64BitViewHasTheLastWordOnceItHasPolicies) {
     SetMachinePolicy(kValue, kRecoveryCertificate, 32);
     EXPECT_TRUE(IsRecoverySetUp());
-    EXPECT_EQ(Read(L""), RecoveryKeyResult::Usable);
+    char buffer[1024];
+    EXPECT_EQ(ReadRecoveryKey(buffer, sizeof buffer), RecoveryKeyResult::Usable);
+    EXPECT_STREQ(buffer, kRecoveryKeyText);
     EXPECT_EQ(Read(kWeakCertificate), RecoveryKeyResult::Unsuitable);
+    EXPECT_EQ(Read(L""), RecoveryKeyResult::Absent);
+    EXPECT_FALSE(IsRecoverySetUp());
 }
 
 TEST_F(RecoveryKeyTest, NothingIsWrittenBehindTheBuffer) {
