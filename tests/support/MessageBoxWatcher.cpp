@@ -56,7 +56,12 @@ BOOL CALLBACK SortChild(HWND child, LPARAM parts) {
 
 } // namespace
 
-MessageBoxWatcher::MessageBoxWatcher(Scope scope) : scope_(scope), thread_([this] { Watch(); }) {}
+MessageBoxWatcher::MessageBoxWatcher(Scope scope) : scope_(scope) {
+    // The first look at windows loads the display's driver. On the watching thread that could meet
+    // a module that the test is loading just then, and each would wait for the other.
+    GetDesktopWindow();
+    thread_ = std::thread([this] { Watch(); });
+}
 
 MessageBoxWatcher::~MessageBoxWatcher() {
     stop_ = true;
