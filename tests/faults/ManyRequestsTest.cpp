@@ -156,16 +156,16 @@ TEST_F(ManyRequests, LeaveNothingWhenTheHostIsAProgramOfItsOwn) {
     HostScript::Play(L"status 3\nresult 1\nslot \"C:\\f\"");
     for (int round = 0; round < 4; ++round) Ask(round);
     const Holdings before = Holdings::Now();
-    for (int round = 0; round < 60; ++round) Ask(round);
+    for (int round = 0; round < 40; ++round) Ask(round);
     ExpectNoMore(before);
-    EXPECT_EQ(HostScript::RecordOf(L"start").size(), 64u);
+    EXPECT_EQ(HostScript::RecordOf(L"start").size(), 44u);
 }
 
 TEST_F(ManyRequests, LeaveNothingWhenEveryHostIsMissing) {
     const obtest::WithoutHost away;
-    for (int round = 0; round < 20; ++round) Ask(round);
+    for (int round = 0; round < 5; ++round) Ask(round);
     const Holdings before = Holdings::Now();
-    for (int round = 0; round < 200; ++round) Ask(round);
+    for (int round = 0; round < 50; ++round) Ask(round);
     ExpectNoMore(before);
     EXPECT_FALSE(SectionIsLeft(GetCurrentThreadId()));
 }
