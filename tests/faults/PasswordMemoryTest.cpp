@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <thread>
 
+#include "OBCore/modules/ServiceLibrary.h"
+#include "ObLib/Src/Win32/ScopeExit.h"
 #include "services/archive/PasswordPromptIds.h"
 #include "tests/faults/HostRole.h"
 #include "tests/support/ImportDouble.h"
@@ -136,6 +138,45 @@ TEST_F(PasswordOfARun, StandsNowhereWhenTheZipFailed) {
     ExpectNothingGiven(answer);
     EXPECT_GE(whileOpen_, 2) << "the search would find it";
     EXPECT_EQ(TimesInMemory(), 0);
+}
+
+// Entries of the service that watch the buffer in which the password travels.
+obcore::ArchiveServiceEntries real;
+const char* travelled = nullptr;
+std::size_t lettersLeft = 0;
+
+std::uint32_t GiveLongPassword(HWND, std::uint32_t*, char* password, std::uint32_t capacity) {
+    for (std::uint32_t index = 0; index + 1 < capacity; ++index) password[index] = 'x';
+    password[capacity - 1] = '\0';
+    return 1;
+}
+
+void NotePassword(obcore::ZipContext context, const char* password) {
+    travelled = password;
+    real.SetPassword(context, password);
+}
+
+// The next step of the run: the buffer's place on the stack is looked at before much else of the
+// run can have overwritten it.
+void LookAtPassword(obcore::ZipContext context, std::uint32_t method) {
+    for (std::uint32_t index = 0; index < obcore::kPasswordCapacity; ++index)
+        lettersLeft += static_cast<const volatile char*>(travelled)[index] == 'x';
+    real.SetCompression(context, method);
+}
+
+TEST_F(PasswordOfARun, IsWipedFromItsBufferAsSoonAsTheServiceHasIt) {
+    // The table is one object of the program and not a constant one.
+    auto& entries = const_cast<obcore::ArchiveServiceEntries&>(obcore::ArchiveService());
+    real = entries;
+    const ObLib::ScopeExit restore([&entries]() noexcept { entries = real; });
+    entries.PasswordNewDlg_C = &GiveLongPassword;
+    entries.SetPassword = &NotePassword;
+    entries.SetCompression = &LookAtPassword;
+    travelled = nullptr;
+    lettersLeft = 0;
+    EXPECT_EQ(Open({file_}).result, 1);
+    EXPECT_TRUE(travelled);
+    EXPECT_LT(lettersLeft, 8u);
 }
 
 } // namespace
