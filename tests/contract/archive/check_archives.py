@@ -148,6 +148,8 @@ def same_tree(folder, expected, tool=""):
 
 def check_tool(tool, archive, expected, work):
     name = os.path.basename(archive)
+    if name != "plain.zip":  # only that one holds them
+        expected = {entry: content for entry, content in expected.items() if not entry.startswith("many")}
     target = os.path.join(work, f"{tool}-{name}")
     done = unpack(tool, archive, target, PASSWORD)
     if (tool, name) in CANNOT:
