@@ -1,33 +1,14 @@
 #include "services/archive/MachinePolicy.h"
 
-#include <windows.h>
-
 #include <algorithm>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/Paths.h"
+#include "services/archive/PolicyValues.h"
 
 namespace obarchive {
 namespace {
 
-constexpr wchar_t kPolicyKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Policies";
-constexpr DWORD kCapacity = 2048; // UTF-16 units with the NUL
-
-std::wstring ReadView(const wchar_t* name, REGSAM view) {
-    ObLib::UniqueRegistryKey key;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPolicyKey, 0, KEY_QUERY_VALUE | view, key.Put()) !=
-        ERROR_SUCCESS) {
-        return {};
-    }
-    wchar_t text[kCapacity] = L"";
-    DWORD bytes = sizeof text;
-    // This call ends a text that was written without its NUL.
-    if (RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text, &bytes) !=
-        ERROR_SUCCESS) {
-        return {};
-    }
-    return text;
-}
+constexpr std::size_t kLongestAddress = 2047; // what browsers take
 
 bool MayStandInAddress(wchar_t unit) {
     return unit > L' ' && unit < 0x7F && unit != L'"' && unit != L'<' && unit != L'>';
@@ -36,17 +17,19 @@ bool MayStandInAddress(wchar_t unit) {
 } // namespace
 
 std::wstring PolicyText(const wchar_t* name) {
-    std::wstring text = ReadView(name, KEY_WOW64_64KEY);
-    return text.empty() ? ReadView(name, KEY_WOW64_32KEY) : text;
+    std::wstring text = PolicyTextIn(PolicyView::Bits64, name);
+    return text.empty() ? PolicyTextIn(PolicyView::Bits32, name) : text;
 }
 
 bool PolicyIsOn(const wchar_t* name) {
-    return ReadView(name, KEY_WOW64_64KEY) == L"1" || ReadView(name, KEY_WOW64_32KEY) == L"1";
+    return PolicyTextIn(PolicyView::Bits64, name) == L"1" ||
+           PolicyTextIn(PolicyView::Bits32, name) == L"1";
 }
 
 std::wstring PolicyAddress(const wchar_t* name) {
     constexpr std::wstring_view kSecure = L"https://";
     const std::wstring address = PolicyText(name);
+    if (address.size() > kLongestAddress) return {};
     const bool secure =
         address.size() > kSecure.size() &&
         EqualIgnoringCase(std::wstring_view(address).substr(0, kSecure.size()), kSecure);

@@ -8,14 +8,15 @@
 namespace obarchive {
 
 // The text of a value: that of the 64-bit view, or of the 32-bit one where the first has none.
-// Empty when there is none, when it is of another type or longer than 2047 characters. Any thread.
+// Empty when there is none or it is of another type. Any thread.
 std::wstring PolicyText(const wchar_t* name);
 
 // True when the value is "1" in either view.
 bool PolicyIsOn(const wchar_t* name);
 
 // An address that a policy names, or an empty text when it isn't one that may be opened: it must
-// begin with "https://" and hold nothing but printable ASCII without blanks and quotation marks.
+// begin with "https://", hold nothing but printable ASCII without blanks and quotation marks, and
+// be no longer than 2047 characters.
 std::wstring PolicyAddress(const wchar_t* name);
 
 } // namespace obarchive

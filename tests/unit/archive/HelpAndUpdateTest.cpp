@@ -182,11 +182,17 @@ TEST_F(MachinePolicyTest, OddValuesAreReadSafelyOrNotAtAll) {
     EXPECT_EQ(obarchive::PolicyText(L"Name"), L"open");
     set(REG_SZ, nullptr, 0);
     EXPECT_EQ(obarchive::PolicyText(L"Name"), L"");
-    const std::wstring longest(2047, L'x');
+    const std::wstring lengthy(5000, L'x');
+    SetMachinePolicy(L"Name", lengthy);
+    EXPECT_EQ(obarchive::PolicyText(L"Name"), lengthy);
+}
+
+TEST_F(MachinePolicyTest, AnAddressIsAsLongAsABrowserTakesIt) {
+    const std::wstring longest = L"https://" + std::wstring(2047 - 8, L'x');
     SetMachinePolicy(L"Name", longest);
-    EXPECT_EQ(obarchive::PolicyText(L"Name"), longest);
+    EXPECT_EQ(obarchive::PolicyAddress(L"Name"), longest);
     SetMachinePolicy(L"Name", longest + L"x");
-    EXPECT_EQ(obarchive::PolicyText(L"Name"), L"");
+    EXPECT_EQ(obarchive::PolicyAddress(L"Name"), L"");
 }
 
 } // namespace
