@@ -1,9 +1,6 @@
 #include "OBCore/compression/ZipEncryption.h"
 
-#include <windows.h>
-
 #include "OBCore/modules/Messages.h"
-#include "ObLib/Src/Win32/ScopeExit.h"
 
 namespace obcore {
 namespace {
@@ -25,12 +22,10 @@ bool SetUpPublicKey(const OBAttachJob& job, UniqueZipContext& context) {
 }
 
 // The password exists in this buffer and in the context, nowhere else: no record, no registry, no
-// trace line. The buffer is wiped on every way out.
+// trace line. Nobody clears the buffer: it leaves scope when this returns.
 bool SetUpPassword(const OBAttachJob& job, UniqueZipContext& context, const std::wstring& folder) {
     std::uint32_t method = job.EncryptionMethod; // the dialog's own copy
     char password[kPasswordCapacity] = {};
-    const ObLib::ScopeExit wipe(
-        [&password]() noexcept { SecureZeroMemory(password, sizeof(password)); });
     if (ArchiveService().PasswordNewDlg_C(job.ParentWindow, &method, password, kPasswordCapacity) !=
         kPasswordGiven) {
         RemoveDirectoryW(folder.c_str());
