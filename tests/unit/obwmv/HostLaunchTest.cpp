@@ -191,6 +191,7 @@ TEST_F(HostLaunch, DispatchesTheBrowsersMessagesWhileTheHostRuns) {
 
 TEST_F(HostLaunch, OutlivesAQuitAndPostsItAgain) {
     obtest::BrowserWindow browser;
+    for (const wchar_t* name : {L"posted", L"go-on"}) DeleteFileW(BesideProgram(name).c_str());
     int ticksBehindQuit = 0;
     browser.OnTick([&] {
         // The host has posted before it makes the file, and what is posted comes before timers.
