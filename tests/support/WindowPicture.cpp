@@ -141,4 +141,23 @@ bool WritePng(const Picture& picture, const std::wstring& path) {
            written == bytes.size();
 }
 
+HWND FindMainWindow(DWORD processId) {
+    struct Search {
+        DWORD processId;
+        HWND found;
+    } search{processId, nullptr};
+    EnumWindows(
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto& state = *reinterpret_cast<Search*>(parameter);
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            const bool fits = owner == state.processId && IsWindowVisible(window) &&
+                              !GetWindow(window, GW_OWNER) && GetWindowTextLengthW(window) > 0;
+            if (fits) state.found = window;
+            return !fits;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
 } // namespace obtest

@@ -32,4 +32,7 @@ std::optional<Picture> TakeSettledPicture(HWND window, std::size_t colours = 8,
 // Writes a PNG file, replacing what is there. False when it can't be written.
 bool WritePng(const Picture& picture, const std::wstring& path);
 
+// A process's own window: visible, with a title, and nobody's dialog. Null when it has none yet.
+HWND FindMainWindow(DWORD processId);
+
 } // namespace obtest

@@ -7,30 +7,11 @@
 
 #include "tests/support/PickerPerson.h"
 #include "tests/support/TestFolder.h"
+#include "tests/support/WindowPicture.h"
 #include "tools/pickerperson/Output.h"
 
 namespace pickerperson {
 namespace {
-
-// The page's own window: visible, with a title, and nobody's dialog.
-HWND FindPageWindow(DWORD processId) {
-    struct Search {
-        DWORD processId;
-        HWND found;
-    } search{processId, nullptr};
-    EnumWindows(
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto& state = *reinterpret_cast<Search*>(parameter);
-            DWORD owner = 0;
-            GetWindowThreadProcessId(window, &owner);
-            const bool fits = owner == state.processId && IsWindowVisible(window) &&
-                              !GetWindow(window, GW_OWNER) && GetWindowTextLengthW(window) > 0;
-            if (fits) state.found = window;
-            return !fits;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
 
 // The lines of the page's note, once it is written to its end.
 std::optional<std::vector<std::wstring>> ReadNote(const std::wstring& path) {
@@ -100,7 +81,7 @@ void MailPage::LookAtAnswer(const Task& task) const {
     const std::vector<std::wstring> note = AwaitNote(task.pageResult, Process(), task.limit);
     for (const std::wstring& line : note) Say(L"page: " + line);
     if (!task.keepFolder.empty()) KeepCopies(note, task.keepFolder);
-    const HWND window = FindPageWindow(processId_);
+    const HWND window = obtest::FindMainWindow(processId_);
     if (window) PostMessageW(window, WM_CLOSE, 0, 0);
 }
 

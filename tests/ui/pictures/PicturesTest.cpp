@@ -88,26 +88,6 @@ TEST_F(Pictures, ThePasswordPromptShowsItsFields) {
     EXPECT_TRUE(person.Done());
 }
 
-// The window of a process once it shows what was attached.
-HWND PageWindow(DWORD processId) {
-    struct Search {
-        DWORD processId;
-        HWND found;
-    } search{processId, nullptr};
-    EnumWindows(
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto& state = *reinterpret_cast<Search*>(parameter);
-            DWORD owner = 0;
-            GetWindowThreadProcessId(window, &owner);
-            const bool fits = owner == state.processId && IsWindowVisible(window) &&
-                              !GetWindow(window, GW_OWNER) && GetWindowTextLengthW(window) > 0;
-            if (fits) state.found = window;
-            return !fits;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
-
 TEST_F(Pictures, TheMailPageShowsWhatItWasGiven) {
     const std::wstring one = files_.File(L"Meeting notes.txt", std::string(20000, 'n'));
     const std::wstring two = files_.File(L"Chart.png", std::string(3000, 'c'));
@@ -125,7 +105,7 @@ TEST_F(Pictures, TheMailPageShowsWhatItWasGiven) {
     PickerPerson person(Pick(Choice::Zip, {one, two}));
     EXPECT_TRUE(person.Done());
     EXPECT_TRUE(OpenPicker::WaitFor([&] { return FileExists(result); }, kPageLimit));
-    const HWND window = PageWindow(started.dwProcessId);
+    const HWND window = FindMainWindow(started.dwProcessId);
     EXPECT_TRUE(window);
     Look(window, L"mailpage", 600, 400);
     PostMessageW(window, WM_CLOSE, 0, 0);
