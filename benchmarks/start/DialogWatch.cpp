@@ -1,4 +1,4 @@
-#include "bench/start/DialogWatch.h"
+#include "benchmarks/start/DialogWatch.h"
 
 namespace bench {
 namespace {

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <thread>
 
-#include "bench/support/Stopwatch.h"
+#include "benchmarks/support/Stopwatch.h"
 
 namespace bench {
 

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "bench/support/Library.h"
-#include "bench/support/QuickContext.h"
-#include "bench/support/Series.h"
-#include "bench/support/Stopwatch.h"
+#include "benchmarks/support/Library.h"
+#include "benchmarks/support/QuickContext.h"
+#include "benchmarks/support/Series.h"
+#include "benchmarks/support/Stopwatch.h"
 
 namespace {
 

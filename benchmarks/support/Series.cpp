@@ -1,4 +1,4 @@
-#include "bench/support/Series.h"
+#include "benchmarks/support/Series.h"
 
 #include <windows.h>
 

@@ -14,10 +14,10 @@
 
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "bench/start/DialogWatch.h"
-#include "bench/support/Library.h"
-#include "bench/support/QuickContext.h"
-#include "bench/support/Series.h"
+#include "benchmarks/start/DialogWatch.h"
+#include "benchmarks/support/Library.h"
+#include "benchmarks/support/QuickContext.h"
+#include "benchmarks/support/Series.h"
 
 namespace {
 
