@@ -1,0 +1,14 @@
+// Turns a text into records.
+#pragma once
+
+#include "ObLibX/src/xml/DocumentState.h"
+
+namespace ObLibX {
+
+// Indexes `document.text` from its start, each element linked below the record `parent`. Gives the
+// first element's record, 0 when there is none. Appends what is wrong to `document.result` and sets
+// the flags of the records concerned. Linear in the text, without recursion. Throws std::bad_alloc;
+// the document can then only be set anew or released.
+std::int32_t ParseElements(DocumentState& document, std::int32_t parent);
+
+} // namespace ObLibX

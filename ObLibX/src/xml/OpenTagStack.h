@@ -1,0 +1,37 @@
+// The tags that are open at a place of the text, innermost on top.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ObLibX {
+
+// Names are kept in one run of units, so that pushing a tag allocates nothing as long as the run
+// and the slots suffice: 7 slots at first, doubled when they are full. One thread. Throws
+// std::bad_alloc and leaves the stack as it was.
+//
+// In stream reading each name also stands in one of 23 buckets by the sum of its units, and each
+// entry counts its children by name.
+class OpenTagStack {
+public:
+    struct Entry {
+        std::uint32_t nameOffset; // in Names()
+        std::uint32_t nameLength;
+        std::uint32_t record; // of the element
+    };
+
+    void Push(std::wstring_view name, std::uint32_t record);
+    void Pop();
+    void Clear();
+    std::uint32_t Depth() const { return static_cast<std::uint32_t>(entries_.size()); }
+    const Entry& At(std::uint32_t index) const { return entries_[index]; } // 0 is the outermost
+    std::wstring_view NameAt(std::uint32_t index) const;
+
+private:
+    std::vector<Entry> entries_;
+    std::wstring names_;
+};
+
+} // namespace ObLibX

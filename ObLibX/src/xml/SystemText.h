@@ -1,0 +1,23 @@
+// The few calls of the system that this room makes, behind plain functions: no header of the system
+// is seen here. The Windows side and the one for other platforms are two sources of this header.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace ObLibX {
+
+// MultiByteToWideChar with flags 0. Null `out` counts. Units, 0 on failure.
+std::int32_t SystemToWide(std::uint32_t codePage, const char* in, std::int32_t length, wchar_t* out,
+                          std::int32_t capacity);
+// WideCharToMultiByte with flags 0; `usedDefault` may be null. Bytes, 0 on failure.
+std::int32_t SystemFromWide(std::uint32_t codePage, const wchar_t* in, std::int32_t length,
+                            char* out, std::int32_t capacity, std::int32_t* usedDefault);
+// The ANSI code page of the system.
+std::uint32_t SystemCodePage();
+// The calling thread's last error, and the system's words for it (at most 100 units, inserts
+// ignored, line ends as the system gives them; empty when it has none).
+std::uint32_t SystemLastError();
+std::wstring SystemErrorText(std::uint32_t error);
+
+} // namespace ObLibX

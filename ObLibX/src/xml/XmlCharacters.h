@@ -1,0 +1,40 @@
+// Which characters end what, and how names compare.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace ObLibX {
+
+constexpr bool IsXmlSpace(wchar_t unit) {
+    return unit == L' ' || unit == L'\t' || unit == L'\n' || unit == L'\r';
+}
+// A tag name in a scan.
+constexpr bool EndsTagName(wchar_t unit) {
+    return IsXmlSpace(unit) || unit == L'/' || unit == L'>';
+}
+// A name token: also a keyword, a charset, a processing instruction's target.
+constexpr bool EndsName(wchar_t unit) {
+    return IsXmlSpace(unit) || unit == L'!' || unit == L'"' || unit == L'\'' || unit == L'/' ||
+           unit == L';' || unit == L'<' || unit == L'=' || unit == L'>' || unit == L'?' ||
+           unit == L'\\';
+}
+constexpr bool EndsAttributeName(wchar_t unit) {
+    return IsXmlSpace(unit) || unit == L'/' || unit == L'=' || unit == L'>' || unit == L'?';
+}
+constexpr bool EndsUnquotedValue(wchar_t unit) { return IsXmlSpace(unit) || unit == L'>'; }
+// A name given by the caller, so that a step of a path is compared where it stands.
+constexpr bool EndsCallerName(wchar_t unit) {
+    return unit == L'\0' || unit == L' ' || unit == L'/' || unit == L'=' || unit == L'[' ||
+           unit == L']';
+}
+constexpr wchar_t FoldAscii(wchar_t unit) {
+    return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit + (L'a' - L'A')) : unit;
+}
+
+// Whether the first `length` units of both are equal. With `ignoreCase` only ASCII letters fold,
+// and only up to the first equal character that isn't ASCII: from there on any difference counts.
+// The caller checks that a terminator of its name follows.
+bool SameName(const wchar_t* one, const wchar_t* other, std::size_t length, bool ignoreCase);
+
+} // namespace ObLibX

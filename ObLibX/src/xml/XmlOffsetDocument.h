@@ -1,0 +1,83 @@
+// One XML document: its text and, beside it, an index of where each element lies.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "ObLibX/src/xml/DocumentState.h"
+
+namespace ObLibX {
+
+// Flags of AddElement.
+inline constexpr std::uint32_t kAddCdata = 0x1;        // the value as a CDATA section
+inline constexpr std::uint32_t kAddNoLineEnds = 0x2;   // no line ends around the new element
+inline constexpr std::uint32_t kAddBlankInEmpty = 0x4; // <name /> with the blank
+inline constexpr std::uint32_t kAddKeepReferences =
+    0x8; // in the value, what looks like a reference stays
+inline constexpr std::uint32_t kAddNoEndTag = 0x10; // <name> alone; a value is refused
+inline constexpr std::uint32_t kAddAtStart =
+    0x1000; // at the start of the parent's content, or for the node
+inline constexpr std::uint32_t kAddBefore = 0x2000;  // before the current element, not after it
+inline constexpr std::uint32_t kAddAsChild = 0x4000; // as a child of the current element
+
+// Names, values and data are read out of the text on demand; changes are made in the text, and the
+// numbers behind them move. A position is empty, on an element or on a node. Forgiving: nothing is
+// thrown for bad XML, and what was wrong stands in Result() as XML. Exhausted memory throws
+// std::bad_alloc out of any operation and leaves the object such that it can be set anew or
+// released. Belongs to one thread; no lock.
+class XmlOffsetDocument {
+public:
+    XmlOffsetDocument();
+    ~XmlOffsetDocument(); // closes a file that is open
+    XmlOffsetDocument(const XmlOffsetDocument&) = delete;
+    XmlOffsetDocument& operator=(const XmlOffsetDocument&) = delete;
+
+    // Takes the text, NUL-ended, and indexes it. True when it is well formed with exactly one root
+    // element. Null releases text and records. False in a stream mode, with nothing done, and for a
+    // text of 2^31 units or more.
+    bool SetText(const wchar_t* text);
+    bool SetText(std::wstring_view text);
+    // Indexes the present text anew; the answer is that of SetText.
+    bool ParseText();
+    void ResetPosition(std::int32_t parent, std::int32_t current, std::int32_t child);
+    // In stream mode: flushes, closes the file, moves the channel's report to Result(), empties the
+    // text and ends the mode. In memory mode nothing.
+    void Close();
+
+    // ---- Moving
+    // The next element that matches `path` (null: any) from the current position on.
+    bool FindElement(const wchar_t* path = nullptr);
+    // The next one below the current element, behind the current child; it becomes the child.
+    bool FindChildElement(const wchar_t* path = nullptr);
+    bool IntoElement();
+    bool OutOfElement();
+
+    // ---- Reading. `position` is the index of an element's record.
+    std::wstring GetTagName() const;
+    std::wstring GetAttribute(std::int32_t position, const wchar_t* name) const;
+    std::wstring GetAttributeNameAt(std::int32_t index) const;
+    std::wstring GetData(std::int32_t position);
+
+    // ---- Changing
+    bool AddElement(const wchar_t* name, const wchar_t* value, std::uint32_t flags = 0);
+    bool SetAttribute(std::int32_t position, const wchar_t* name, const wchar_t* value,
+                      std::uint32_t flags = 0);
+
+    const std::wstring& Text() const { return state_.text; }
+    const std::wstring& Result() const { return state_.result; }
+    std::uint32_t Flags() const { return state_.docFlags; }
+    // The case and white space flags; the mode's bits can't be set here.
+    void SetFlags(std::uint32_t flags);
+    std::int32_t CurrentPosition() const { return state_.currentPos; }
+    std::int32_t ChildPosition() const { return state_.childPos; }
+    std::int32_t ParentPosition() const { return state_.parentPos; }
+    const DocumentState& State() const { return state_; }
+    // For the parts of this library and its tests.
+    DocumentState& State() { return state_; }
+
+private:
+    DocumentState state_;
+};
+
+} // namespace ObLibX
