@@ -79,7 +79,7 @@ void RealRequest::SetUp() {
 }
 
 void RealRequest::TearDown() {
-    EXPECT_TRUE(IsWindowEnabled(Owner())) << "the browser's window stays disabled";
+    EXPECT_TRUE(IsWindowEnabled(owner_.Get())) << "the browser's window stays disabled";
     dialog_.Reset();
     owner_.Reset();
     library_.Reset();

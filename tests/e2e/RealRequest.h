@@ -73,7 +73,10 @@ protected:
     HRESULT GetResults(std::vector<std::wstring>& paths);
 
     std::wstring Text(UINT id) const;
-    HWND Owner() const { return owner_.Get(); }
+
+    // The window that asks: the fixture's own, or one that the test has put in its place.
+    HWND Owner() const { return page_ ? page_ : owner_.Get(); }
+    void AskFrom(HWND page) { page_ = page; }
 
     // What was made in the temporary folder since the test began, but for the test's own files.
     std::vector<std::wstring> LeftInTemp() const;
@@ -88,6 +91,7 @@ private:
 
     ObLib::UniqueModule library_;
     ObLib::UniqueWindow owner_;
+    HWND page_ = nullptr;
     ObLib::ComPtr<IFileOpenDialog> dialog_;
     std::vector<std::wstring> tempBefore_;
 };

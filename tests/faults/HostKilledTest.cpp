@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "contracts/ExchangeBlock.h"
 #include "tests/e2e/RealRequest.h"
 #include "tests/faults/HostProcess.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -161,6 +162,90 @@ TEST_F(HostKilled, DuringTheZipOnTheDialogRoad) {
     EXPECT_EQ(browser_.ownDialogs, Texts{L"result"});
     browser_.ownDialogs.clear();
     EXPECT_EQ(Left(), (Texts{L"1\\", L"1\\one.txt", L"1\\two.txt", L"2\\"}));
+}
+
+// The block of a running request, as another process sees it.
+class BlockOf {
+public:
+    explicit BlockOf(int id)
+        : section_(OpenFileMappingW(FILE_MAP_READ, FALSE,
+                                    (L"WEBVELLANT_SM_" + std::to_wstring(id)).c_str())),
+          bytes_(section_ ? static_cast<const std::uint8_t*>(MapViewOfFile(
+                                section_.Get(), FILE_MAP_READ, 0, 0, obcore::kExchangeBlockSize))
+                          : nullptr) {}
+    bool Stands() const { return static_cast<bool>(bytes_); }
+
+    // Whether everything in one of its pages of 4,096 bytes is 0.
+    bool IsEmpty(int page) const {
+        const auto* const begin = bytes_.Get() + page * 4096;
+        return std::all_of(begin, begin + 4096, [](std::uint8_t byte) { return byte == 0; });
+    }
+
+    // What stands in the last character of the first page.
+    wchar_t BeforeSecondPage() const {
+        return *reinterpret_cast<const wchar_t*>(bytes_.Get() + 4094);
+    }
+
+private:
+    ObLib::UniqueKernelHandle section_;
+    ObLib::UniqueMappedView<const std::uint8_t> bytes_;
+};
+
+class HostKilledAsItWrites : public HostKilled {
+protected:
+    void SetUp() override {
+        HostKilled::SetUp();
+        StandIns::Answer(L"Hold", L"WriteSecondPage");
+        // An answer of more than a page on either road; no zip, so that there is no other write.
+        for (int number = 100; number < 180; ++number)
+            many_.push_back(
+                files_.File(std::to_wstring(number) + std::wstring(30, L'n') + L".txt", "many"));
+    }
+
+    // Kills the host as it goes on from the block's first page to its second.
+    Use PickAndKillAsItWrites(std::function<int()> blockId) const {
+        return [pick = Pick(Choice::None, many_), blockId](OpenPicker& picker) {
+            pick(picker);
+            EXPECT_TRUE(AwaitHeldCall()) << "the write never came";
+            const BlockOf block(blockId());
+            EXPECT_TRUE(block.Stands());
+            if (block.Stands()) {
+                EXPECT_NE(block.BeforeSecondPage(), L'\0') << "the first page isn't full";
+                EXPECT_TRUE(block.IsEmpty(1)) << "the answer is further already";
+            }
+            EXPECT_TRUE(KillHost());
+            ReleaseHeldCall();
+        };
+    }
+
+    Texts many_;
+};
+
+TEST_F(HostKilledAsItWrites, TheListOfFilesThePageGetsNoFile) {
+    const int id = static_cast<int>(GetCurrentThreadId());
+    PickerPerson person(PickAndKillAsItWrites([id] { return id; }));
+    ExpectCancel(AskOpen());
+    EXPECT_TRUE(person.Done());
+    EXPECT_EQ(Left(), Texts{});
+    ExpectTheNextRequestIsServed();
+}
+
+TEST_F(HostKilledAsItWrites, ThePathsOfTheDialogRoadThePageGetsNoFile) {
+    // Blocks of this road are counted; the one that stands is the running one.
+    const auto running = [] {
+        int id = 1;
+        while (id < 100 && !BlockOf(id).Stands()) ++id;
+        return id;
+    };
+    PickerPerson person(PickAndKillAsItWrites(running));
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_TRUE(person.Done());
+    Texts paths;
+    EXPECT_EQ(GetResults(paths), E_FAIL);
+    EXPECT_EQ(paths, Texts{});
+    EXPECT_EQ(browser_.ownDialogs, Texts{L"results"});
+    browser_.ownDialogs.clear();
+    EXPECT_EQ(Left(), Texts{});
 }
 
 TEST_F(HostKilled, WhileItClearsItsCopies) {

@@ -36,6 +36,8 @@ bool IsGone(const ObLib::UniqueKernelHandle& host) {
 
 } // namespace
 
+bool HostRuns() { return HostId() != 0; }
+
 bool KillHost(UINT exitCode) {
     const ObLib::UniqueKernelHandle host = OpenHost();
     return host && TerminateProcess(host.Get(), exitCode) && IsGone(host);

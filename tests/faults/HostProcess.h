@@ -8,6 +8,9 @@ namespace obtest {
 
 inline constexpr UINT kKilled = 1; // the exit code that a task manager gives
 
+// Whether a host that this process started is running.
+bool HostRuns();
+
 // Ends the host that this process started and waits until it is gone. False when there is none.
 // Called on another thread than that of the request.
 bool KillHost(UINT exitCode = kKilled);

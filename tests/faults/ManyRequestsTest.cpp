@@ -2,61 +2,24 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
-#include <psapi.h>
 
 #include <string>
-#include <vector>
 
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "OBCore/exchange/ExchangeMapping.h"
 #include "OBCore/exchange/PickedFiles.h"
 #include "obwmv/BrowserRequest.h"
+#include "tests/faults/Holdings.h"
 #include "tests/standins/Recording.h"
 #include "tests/standins/host/HostScript.h"
 #include "tests/support/ImportDouble.h"
-#include "tests/support/TestFolder.h"
 #include "tests/unit/obwmv/BrowserWindow.h"
 #include "tests/unit/obwmv/RoadSupport.h"
 
 namespace {
 
+using obtest::Holdings;
 using obtest::HostScript;
-
-struct Holdings {
-    DWORD handles = 0;
-    DWORD gdiObjects = 0;
-    DWORD userObjects = 0;
-    std::vector<std::wstring> files;
-    SIZE_T committed = 0;
-
-    static Holdings Now() {
-        Holdings now;
-        GetProcessHandleCount(GetCurrentProcess(), &now.handles);
-        now.gdiObjects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-        now.userObjects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-        now.files = obtest::ListTree(TempFolder());
-        PROCESS_MEMORY_COUNTERS counters = {};
-        counters.cb = sizeof(counters);
-        GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
-        now.committed = counters.PagefileUsage;
-        return now;
-    }
-
-    static std::wstring TempFolder() {
-        wchar_t folder[MAX_PATH + 1];
-        GetTempPathW(MAX_PATH + 1, folder);
-        return std::wstring(folder, wcslen(folder) - 1);
-    }
-};
-
-void ExpectNoMore(const Holdings& before) {
-    const Holdings after = Holdings::Now();
-    EXPECT_LE(after.handles, before.handles);
-    EXPECT_LE(after.gdiObjects, before.gdiObjects);
-    EXPECT_LE(after.userObjects, before.userObjects);
-    EXPECT_EQ(after.files, before.files);
-    EXPECT_LE(after.committed, before.committed + (std::size_t{4} << 20));
-}
 
 // A host that has served its request and ended already: starting a thousand programs would take
 // longer than all that is measured. The handles are real ones, so that one kept is one too many.
@@ -144,7 +107,7 @@ TEST_F(ManyRequests, LeaveNothingInTheBrowsersProcess) {
     for (int round = 0; round < 20; ++round) Ask(round); // what is made once
     const Holdings before = Holdings::Now();
     for (int round = 0; round < 1000; ++round) Ask(round);
-    ExpectNoMore(before);
+    obtest::ExpectNoMoreThan(before);
     EXPECT_EQ(std::wstring(file_), L"C:\\f");
     EXPECT_EQ(obcore::Results().size(), 1u);
     EXPECT_FALSE(SectionIsLeft(GetCurrentThreadId()));
@@ -157,7 +120,7 @@ TEST_F(ManyRequests, LeaveNothingWhenTheHostIsAProgramOfItsOwn) {
     for (int round = 0; round < 4; ++round) Ask(round);
     const Holdings before = Holdings::Now();
     for (int round = 0; round < 40; ++round) Ask(round);
-    ExpectNoMore(before);
+    obtest::ExpectNoMoreThan(before);
     EXPECT_EQ(HostScript::RecordOf(L"start").size(), 44u);
 }
 
@@ -166,7 +129,7 @@ TEST_F(ManyRequests, LeaveNothingWhenEveryHostIsMissing) {
     for (int round = 0; round < 5; ++round) Ask(round);
     const Holdings before = Holdings::Now();
     for (int round = 0; round < 50; ++round) Ask(round);
-    ExpectNoMore(before);
+    obtest::ExpectNoMoreThan(before);
     EXPECT_FALSE(SectionIsLeft(GetCurrentThreadId()));
 }
 

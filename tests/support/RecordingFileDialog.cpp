@@ -346,6 +346,11 @@ private:
     FileDialogScript& script_;
 };
 
+HRESULT FileDialogDouble::GiveClassObject(FileDialogScript& script, REFIID iid, void** object) {
+    static Factory factory(script);
+    return factory.QueryInterface(iid, object);
+}
+
 FileDialogDouble::FileDialogDouble() : factory_(std::make_unique<Factory>(script)) {
     liveObjects = 0;
     CoRegisterClassObject(CLSID_FileOpenDialog, factory_.get(), CLSCTX_INPROC_SERVER,

@@ -159,6 +159,10 @@ public:
     // Items and arrays that were handed out and not given back.
     static int LiveObjects();
 
+    // The class object of a module of its own, which gives dialogs of `script`. The caller owns the
+    // reference; `script` and the object last as long as the module.
+    static HRESULT GiveClassObject(FileDialogScript& script, REFIID iid, void** object);
+
 private:
     class Factory;
     std::unique_ptr<Factory> factory_;

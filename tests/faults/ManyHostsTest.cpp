@@ -1,0 +1,119 @@
+// Many requests in one browser, each served by the real library and a real host process: nothing of
+// any of them is left, neither in the browser's process nor in the system. Only the shell's dialog
+// is a double, which confirms at once.
+#include <cstdio>
+#include <cstdlib>
+
+#include "tests/e2e/RealRequest.h"
+#include "tests/faults/Holdings.h"
+#include "tests/faults/HostProcess.h"
+#include "tests/standins/Recording.h"
+#include "tests/support/ProductRegistry.h"
+#include "tests/support/StandIns.h"
+
+namespace obtest {
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+// The shell dialog's class, with the double's module as its server, for a scope.
+class QuickDialogClass {
+public:
+    QuickDialogClass() : before_(Server()) { SetServer(BesideProgram(L"quick_dialog.dll")); }
+    ~QuickDialogClass() { SetServer(before_); }
+    QuickDialogClass(const QuickDialogClass&) = delete;
+    QuickDialogClass& operator=(const QuickDialogClass&) = delete;
+
+private:
+    static constexpr wchar_t kKey[] =
+        L"Software\\Classes\\CLSID\\{DC1C5A9C-E88A-4DDE-A5A1-60F82A20AEF7}\\InprocServer32";
+
+    static std::wstring Server() {
+        return ReadValue(HKEY_LOCAL_MACHINE, kKey, L"").value_or(std::wstring());
+    }
+    static void SetServer(const std::wstring& path) {
+        SetValue(HKEY_LOCAL_MACHINE, kKey, L"", path);
+    }
+
+    std::wstring before_;
+};
+
+bool SectionIsLeft(int id) {
+    const std::wstring name = L"WEBVELLANT_SM_" + std::to_wstring(id);
+    const ObLib::UniqueKernelHandle section(OpenFileMappingW(FILE_MAP_READ, FALSE, name.c_str()));
+    return static_cast<bool>(section);
+}
+
+class ManyHosts : public RealRequest {
+protected:
+    void SetUp() override {
+        StandIns::Reset();
+        RealRequest::SetUp();
+        file_ = files_.File(L"picked.txt", "picked");
+        SetEnvironmentVariableW(L"OB_QUICK_DIALOG_PICKS", file_.c_str());
+        SetUserValue(L"AutoEncrypt", L"0");
+    }
+
+    // Both roads by turns; every tenth request is for a zip, which the page clears up.
+    void Ask(int round) {
+        SetUserValue(L"SendItem", round % 10 == 0 ? L"1" : L"0");
+        const Texts given = round % 2 == 0 ? AskByFileName() : AskByDialog();
+        ASSERT_EQ(given.size(), 1u) << "request " << round;
+        if (round % 10 != 0) {
+            ASSERT_EQ(given.front(), file_) << "request " << round;
+            return;
+        }
+        ASSERT_TRUE(given.front().ends_with(L".zip")) << "request " << round;
+        ASSERT_TRUE(DeleteFileW(given.front().c_str())) << "request " << round;
+        ASSERT_TRUE(RemoveDirectoryW(FolderOf(given.front()).c_str())) << "request " << round;
+    }
+
+    std::wstring file_;
+
+private:
+    Texts AskByFileName() { return AskOpen().given; }
+
+    Texts AskByDialog() {
+        Texts given;
+        EXPECT_EQ(AskShow(), S_OK);
+        EXPECT_EQ(GetResults(given), S_OK);
+        return given;
+    }
+
+    const QuickDialogClass class_;
+};
+
+// A thousand host programs take minutes where starting a program does; so many are for a run that
+// asks for them.
+int Rounds() {
+    const wchar_t* const asked = _wgetenv(L"OB_REQUESTS_IN_A_ROW");
+    constexpr int kRounds = 300;
+    const int rounds = asked ? _wtoi(asked) : kRounds;
+    printf("%d requests in a row, each with a host process of its own; OB_REQUESTS_IN_A_ROW=1000 "
+           "plays as many as it names, and the same thousand with a host that is played run "
+           "always.\n",
+           rounds);
+    return rounds;
+}
+
+TEST_F(ManyHosts, LeaveNothingInTheBrowserAndNothingInTheSystem) {
+    const int rounds = Rounds();
+    ASSERT_GT(rounds, 0);
+    for (int round = 0; round < 20; ++round) ASSERT_NO_FATAL_FAILURE(Ask(round)); // made once
+    StandIns::Reset(); // the dialogs' calls would be a file that grows
+    const Holdings before = Holdings::Now();
+    const ULONGLONG begin = GetTickCount64();
+    for (int round = 0; round < rounds; ++round) {
+        ASSERT_NO_FATAL_FAILURE(Ask(round));
+        if (round % 50 == 49) StandIns::Reset();
+    }
+    printf("%.1f milliseconds a request\n", static_cast<double>(GetTickCount64() - begin) / rounds);
+    ExpectNoMoreThan(before);
+    EXPECT_FALSE(HostRuns());
+    EXPECT_FALSE(SectionIsLeft(static_cast<int>(GetCurrentThreadId())));
+    for (int id = 1; id <= rounds; ++id) EXPECT_FALSE(SectionIsLeft(id)) << id;
+    EXPECT_EQ(browser_.ownDialogs, Texts{});
+}
+
+} // namespace
+} // namespace obtest

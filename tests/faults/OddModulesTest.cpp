@@ -1,0 +1,176 @@
+// Modules of the product's names that aren't the product's: left in folders that a search would
+// pass, lacking entries, or empty. Whole requests, with the real library and host.
+#include "tests/e2e/RealRequest.h"
+#include "tests/standins/Recording.h"
+#include "tests/support/AbsentNeighbour.h"
+#include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/StandIns.h"
+
+namespace obtest {
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+constexpr wchar_t kArchive[] = L"obofcsvc64.dll";
+constexpr wchar_t kManager[] = L"PVXManager64.dll";
+constexpr wchar_t kLibrary[] = L"obwmcore64.dll";
+
+// The current folder and the first of the search path lead to the planted modules, for this process
+// and for the hosts that it starts.
+class PlantedFolder {
+public:
+    PlantedFolder() {
+        GetCurrentDirectoryW(MAX_PATH, currentBefore_);
+        GetEnvironmentVariableW(L"PATH", pathBefore_, kPathCapacity);
+        const std::wstring folder = BesideProgram(L"planted");
+        EXPECT_TRUE(SetCurrentDirectoryW(folder.c_str()));
+        SetEnvironmentVariableW(L"PATH", (folder + L";" + pathBefore_).c_str());
+    }
+    ~PlantedFolder() {
+        SetCurrentDirectoryW(currentBefore_);
+        SetEnvironmentVariableW(L"PATH", pathBefore_);
+    }
+    PlantedFolder(const PlantedFolder&) = delete;
+    PlantedFolder& operator=(const PlantedFolder&) = delete;
+
+private:
+    static constexpr DWORD kPathCapacity = 4096; // wide characters
+
+    wchar_t currentBefore_[MAX_PATH] = {};
+    wchar_t pathBefore_[kPathCapacity] = {};
+};
+
+// Another file in the place of a module, for a scope.
+class InPlaceOf {
+public:
+    InPlaceOf(const wchar_t* module, const wchar_t* other)
+        : absent_(module), path_(BesideProgram(module)) {
+        EXPECT_TRUE(absent_.Stands());
+        EXPECT_TRUE(CopyFileW(BesideProgram(other).c_str(), path_.c_str(), TRUE));
+    }
+    ~InPlaceOf() { DeleteFileW(path_.c_str()); }
+    InPlaceOf(const InPlaceOf&) = delete;
+    InPlaceOf& operator=(const InPlaceOf&) = delete;
+
+private:
+    const AbsentNeighbour absent_; // puts the module back behind the deletion
+    std::wstring path_;
+};
+
+class OddModules : public RealRequest {
+protected:
+    void SetUp() override {
+        StandIns::Reset();
+        RealRequest::SetUp();
+        file_ = files_.File(L"file.txt", "content");
+    }
+
+    void TearDown() override {
+        EXPECT_EQ(StandIns::CallsOf({L"Planted"}), planted_);
+        EXPECT_TRUE(boxes_.Seen().empty());
+        EXPECT_EQ(LeftInTemp(), Texts{});
+        EXPECT_EQ(ReadFileContent(file_), "content");
+        RealRequest::TearDown();
+    }
+
+    void ExpectServed() {
+        PickerPerson person(Pick(Choice::None, {file_}));
+        const OpenAnswer answer = AskOpen();
+        EXPECT_TRUE(person.Done());
+        EXPECT_EQ(answer.result, TRUE);
+        EXPECT_EQ(answer.given, Texts{file_});
+    }
+
+    // A cancel on both roads, and no dialog of anyone's.
+    void ExpectCancels() {
+        const OpenAnswer answer = AskOpen();
+        EXPECT_EQ(answer.result, FALSE);
+        EXPECT_EQ(answer.given, Texts{});
+        EXPECT_EQ(AskShow(), kCancelled);
+        EXPECT_EQ(browser_.ownDialogs, Texts{});
+    }
+
+    std::wstring file_;
+    Texts planted_; // the loads of the planted modules that a test expects
+    MessageBoxWatcher boxes_{MessageBoxWatcher::Scope::AllProcesses};
+};
+
+// They can be loaded: the tests below would see it.
+TEST_F(OddModules, ThatArePlantedShowWhenTheyAreLoaded) {
+    const std::wstring path = BesideProgram(L"planted\\") + kManager;
+    const ObLib::UniqueModule module(LoadLibraryW(path.c_str()));
+    ASSERT_TRUE(module);
+    planted_ = {L"Planted(\"" + path + L"\")"};
+}
+
+TEST_F(OddModules, ThatArePlantedAreNotTakenBesideTheRealOnes) {
+    const PlantedFolder planted;
+    ExpectServed();
+}
+
+TEST_F(OddModules, ThatArePlantedAreNotTakenForAMissingProviderManager) {
+    const PlantedFolder planted;
+    const AbsentNeighbour manager(kManager);
+    ASSERT_TRUE(manager.Stands());
+    ExpectCancels();
+}
+
+TEST_F(OddModules, ThatArePlantedAreNotTakenForAMissingHost) {
+    const PlantedFolder planted;
+    const AbsentNeighbour host(L"obwmvapp.exe");
+    ASSERT_TRUE(host.Stands());
+    ExpectCancels();
+}
+
+TEST_F(OddModules, ThatArePlantedAreNotTakenForTheHostsMissingLibrary) {
+    const PlantedFolder planted;
+    const AbsentNeighbour library(kLibrary);
+    ASSERT_TRUE(library.Stands());
+    ExpectCancels();
+}
+
+TEST_F(OddModules, LackingAnEntryMakeTheProviderManagerAFailureOfTheRunAndNoMore) {
+    {
+        const InPlaceOf manager(kManager, L"odd\\providers_incomplete.dll");
+        ExpectCancels();
+    }
+    ExpectServed();
+}
+
+TEST_F(OddModules, ThatAreNoModuleAtAllMakeThePageReadACancel) {
+    ASSERT_TRUE(WriteFileContent(BesideProgram(L"odd\\text.dll"), "not a module"));
+    const InPlaceOf manager(kManager, L"odd\\text.dll");
+    ExpectCancels();
+}
+
+// The browser has the real one loaded already; its host finds one without the entry.
+TEST_F(OddModules, WithoutTheHostsEntryEndTheHostAndThePageReadsACancel) {
+    const InPlaceOf library(kLibrary, L"planted\\obwmcore64.dll");
+    ExpectCancels();
+    const std::wstring loaded = L"Planted(\"" + BesideProgram(kLibrary) + L"\")";
+    planted_ = {loaded, loaded};
+}
+
+// A suite of its own, as a service that was bound once stays bound in the browser's process.
+class OddArchiveService : public OddModules {};
+
+TEST_F(OddArchiveService, ThatIsPlantedOrLacksAnEntryLeavesTheDialogToTheBrowser) {
+    const PlantedFolder planted;
+    {
+        const AbsentNeighbour service(kArchive);
+        ASSERT_TRUE(service.Stands());
+        EXPECT_EQ(AskOpen().result, 7);
+        EXPECT_EQ(AskShow(), S_OK);
+    }
+    {
+        const InPlaceOf service(kArchive, L"odd\\archive_incomplete.dll");
+        EXPECT_EQ(AskOpen().result, 7);
+        EXPECT_EQ(AskShow(), S_OK);
+    }
+    EXPECT_EQ(browser_.ownDialogs, (Texts{L"open", L"show", L"open", L"show"}));
+    EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
+    ExpectServed();
+}
+
+} // namespace
+} // namespace obtest
