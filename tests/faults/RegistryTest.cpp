@@ -38,14 +38,14 @@ protected:
         two_ = sources_.File(L"two.txt", "second");
     }
 
-    // The same bytes under every name, for the user and for the machine in both views.
-    static void Plant(const Form& form) {
+    // The same bytes under every name, for the user and for the machine in these views.
+    static void Plant(const Form& form, const std::vector<int>& views) {
         const auto size = static_cast<DWORD>(form.bytes.size());
         for (const wchar_t* name : kUserValues)
             SetRawValue(HKEY_CURRENT_USER, kUserKey, name, form.type, form.bytes.data(), size);
         for (const wchar_t* name : kCloudValues)
             SetRawValue(HKEY_CURRENT_USER, kQuilletKey, name, form.type, form.bytes.data(), size);
-        for (const int view : {32, 64}) {
+        for (const int view : views) {
             for (const wchar_t* name : kPolicies)
                 SetRawValue(HKEY_LOCAL_MACHINE, kPolicyKey, name, form.type, form.bytes.data(),
                             size, view);
@@ -56,9 +56,9 @@ protected:
         ChooseZip();
     }
 
-    void ExpectServed(const Form& form) {
+    void ExpectServed(const Form& form, const std::vector<int>& views = {32, 64}) {
         ClearProductRegistry();
-        Plant(form);
+        Plant(form, views);
         const Answer answer = Open({one_, two_});
         EXPECT_EQ(answer.result, 1);
         EXPECT_EQ(ZipOf(answer), (Contents{{"one.txt", "first"}, {"two.txt", "second"}}));
@@ -107,6 +107,17 @@ TEST_F(RegistryFaults, ThatAreHugeDontStopTheRequest) {
 TEST_F(RegistryFaults, ThatAreNumbersBeyondTheirFieldsDontStopTheRequest) {
     for (const wchar_t* number : {L"-1", L"4294967295", L"4294967296", L"-2147483649", L"1e9"})
         ExpectServed({REG_SZ, Bytes(std::wstring(number) + L'\0')});
+}
+
+// A 32-bit installer writes into its own half only, a 64-bit one into the other.
+TEST_F(RegistryFaults, ThatStandInOneOfTheMachinesViewsOnlyDontStopTheRequest) {
+    const std::string number("\xFE\xFF\xFF\x7F", 4);
+    for (const int view : {32, 64}) {
+        ExpectServed({REG_DWORD, number}, {view});
+        ExpectServed({REG_SZ, Bytes(L"value")}, {view});
+        ExpectServed({REG_SZ, ""}, {view});
+        ExpectServed({REG_SZ, Bytes(std::wstring(70000, L'9'))}, {view});
+    }
 }
 
 // A name from the registry stays a name: it never leads out of the run's folder.
