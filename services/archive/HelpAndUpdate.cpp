@@ -44,7 +44,7 @@ void ShowHelp(HWND owner) {
     const std::wstring page = PathBesideModule(kHelpPage);
     if (IsFile(page) && OpenInShell(parent, page)) return;
     const std::wstring& place = address.empty() ? page : address;
-    Show(parent, FilledText(OB_TEXT_HELP_ELSEWHERE, {place}), MB_OK);
+    Show(parent, FilledText(OB_TEXT_HELP_ELSEWHERE, {place}), MB_OK | MB_ICONEXCLAMATION);
 }
 
 void ShowInstalledVersion(HWND owner) {

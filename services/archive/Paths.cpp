@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 namespace obarchive {
 namespace {
 
@@ -9,6 +11,8 @@ constexpr std::wstring_view kLongPrefix = L"\\\\?\\";
 constexpr std::wstring_view kLongSharePrefix = L"\\\\?\\UNC\\";
 // Folders end earlier than files; the lower of the two limits serves both.
 constexpr std::size_t kLongestPlainPath = MAX_PATH - 13;
+constexpr std::size_t kLongestPath = 32766; // with the prefix
+constexpr std::size_t kLongestName = 255;   // of a file or a folder, on every file system
 
 bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowSurrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
@@ -18,9 +22,7 @@ int CompareOrdinal(std::wstring_view first, std::wstring_view second) {
                                 static_cast<int>(second.size()), TRUE);
 }
 
-} // namespace
-
-std::wstring FullPath(const std::wstring& path) {
+std::wstring AbsolutePath(const std::wstring& path) {
     if (path.empty() || path.starts_with(kLongPrefix)) return path;
     const DWORD capacity = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
     if (capacity == 0) return {};
@@ -31,6 +33,24 @@ std::wstring FullPath(const std::wstring& path) {
     if (length <= kLongestPlainPath) return full;
     if (full.starts_with(L"\\\\")) return std::wstring(kLongSharePrefix) + full.substr(2);
     return std::wstring(kLongPrefix) + full;
+}
+
+// Asked beforehand, as the system's own answer to such a path may be that nothing is there.
+bool FitsTheSystem(std::wstring_view path) {
+    if (path.size() > kLongestPath) return false;
+    for (std::size_t at = 0; at < path.size();) {
+        const std::size_t end = std::min(path.find(L'\\', at), path.size());
+        if (end - at > kLongestName) return false;
+        at = end + 1;
+    }
+    return true;
+}
+
+} // namespace
+
+std::wstring FullPath(const std::wstring& path) {
+    const std::wstring full = AbsolutePath(path);
+    return FitsTheSystem(full) ? full : std::wstring();
 }
 
 std::wstring_view FileName(std::wstring_view path) {

@@ -176,6 +176,14 @@ void ShowUntilEnd(HWND owner, SharedRun& run, const RunThread& thread, ProgressC
     } while (!thread.HasEnded(QS_ALLINPUT));
 }
 
+// The first path that the system can't take, which the run then had no file for.
+std::wstring PathThatIsTooLong(const ZipJob& job) {
+    if (FullPath(job.target).empty()) return job.target;
+    const auto found = std::find_if(job.files.begin(), job.files.end(),
+                                    [](const auto& file) { return FullPath(file).empty(); });
+    return found == job.files.end() ? std::wstring() : *found;
+}
+
 ZipResult ZipJobWithProgress(HWND owner, const ZipJob& job, std::wstring& failedFile) {
     bool stands = false;
     const ZipResult result = RunWithProgress(owner, [&](const ProgressCallback& progress) {
@@ -213,6 +221,9 @@ ZipResult ZipForUser(HWND owner, const ZipJob& job) noexcept {
     try {
         std::wstring failedFile;
         const ZipResult result = ZipJobWithProgress(owner, job, failedFile);
+        if (result == ZipResult::PathTooLong && failedFile.empty()) {
+            failedFile = PathThatIsTooLong(job);
+        }
         TellFailure(owner, result, failedFile);
         return result;
     } catch (const std::bad_alloc&) {

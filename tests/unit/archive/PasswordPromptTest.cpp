@@ -1,5 +1,6 @@
 #include "services/archive/PasswordPrompt.h"
 
+#include <bcrypt.h>
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
@@ -289,6 +290,25 @@ TEST_F(PasswordPromptTest, ASuggestionFillsBothFieldsIsShownAndTellsHowMuchChanc
     };
     EXPECT_EQ(Ask(person), PromptResult::Given);
     EXPECT_EQ(std::string(phrase.begin(), phrase.end()), buffer_);
+}
+
+NTSTATUS WINAPI NoRandomNumbers(BCRYPT_ALG_HANDLE, PUCHAR, ULONG, ULONG) { return -1; }
+
+TEST_F(PasswordPromptTest, WithoutRandomNumbersNothingIsSuggested) {
+    const obtest::ImportDouble<decltype(&BCryptGenRandom)> random("bcrypt.dll", "BCryptGenRandom",
+                                                                  &NoRandomNumbers);
+    ASSERT_TRUE(random.Stands());
+    const auto person = [](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                  L"No password could be drawn. Please choose one yourself.");
+        EXPECT_EQ(prompt.Text(kFirst), L"");
+        EXPECT_EQ(prompt.Text(kRepeat), L"");
+        EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+        EXPECT_FALSE(prompt.OkIsEnabled());
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_STREQ(buffer_, "");
 }
 
 std::wstring ClipboardText() {

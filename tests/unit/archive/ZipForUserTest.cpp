@@ -361,6 +361,94 @@ TEST_F(ZipForUserTest, AFailureIsToldInOneSentenceWithItsFile) {
     EXPECT_EQ(obtest::ListTree(out_.Path()), Tree{});
 }
 
+BOOL WINAPI WriteToFullDisk(HANDLE, const void*, DWORD, DWORD* written, OVERLAPPED*) {
+    if (written) *written = 0;
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+// The file that another program writes to while it is read.
+std::wstring changing;
+BOOL WINAPI ReadAndChange(HANDLE file, void* data, DWORD size, DWORD* read, OVERLAPPED* how) {
+    const ObLib::UniqueKernelHandle writer(CreateFileW(changing.c_str(), FILE_APPEND_DATA,
+                                                       FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                       OPEN_EXISTING, 0, nullptr));
+    DWORD written = 0;
+    WriteFile(writer.Get(), "y", 1, &written, nullptr);
+    return realRead(file, data, size, read, how);
+}
+
+class FailureForUser : public ZipForUserTest {
+protected:
+    void ExpectTold(ZipResult result, const std::wstring& sentence) {
+        EXPECT_EQ(ZipForUser(nullptr, job_), result);
+        ASSERT_EQ(boxes_.Seen().size(), 1U);
+        EXPECT_EQ(boxes_.Seen()[0].text, sentence);
+        EXPECT_EQ(obtest::ListTree(out_.Path()), Tree{});
+    }
+};
+
+TEST_F(FailureForUser, ALockedSource) {
+    const ObLib::UniqueKernelHandle lock(
+        CreateFileW(job_.files[1].c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ExpectTold(
+        ZipResult::SourceLocked,
+        L"\u201Cb.txt\u201D is open in another program that doesn't let it be read. Close it "
+        L"there and try again.");
+}
+
+TEST_F(FailureForUser, AVanishedSource) {
+    DeleteFileW(job_.files[1].c_str());
+    ExpectTold(
+        ZipResult::SourceMissing,
+        L"\u201Cb.txt\u201D is no longer there. It may have been moved, renamed or deleted, or "
+        L"its drive may not be connected.");
+}
+
+TEST_F(FailureForUser, ASourceThatIsChangedMeanwhile) {
+    const obtest::ImportDouble<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile",
+                                                          &ReadAndChange);
+    ASSERT_TRUE(patch.Stands());
+    realRead = patch.Real();
+    changing = job_.files[0];
+    ExpectTold(
+        ZipResult::SourceChanged,
+        L"\u201Ca.txt\u201D was changed while it was being read. Wait until the other program "
+        L"has finished with it and try again.");
+}
+
+TEST_F(FailureForUser, APathThatNoSystemTakes) {
+    std::wstring path = in_.Path();
+    while (path.size() < 32'767) path += L"\\folder";
+    job_.files.push_back(path + L"\\c.txt");
+    ExpectTold(ZipResult::PathTooLong,
+               L"\u201Cc.txt\u201D has a longer name or path than the system "
+               L"can take. Shorten it and try again.");
+}
+
+TEST_F(FailureForUser, AZipWithANameThatNoSystemTakes) {
+    job_.target = out_ / (std::wstring(252, L'z') + L".zip");
+    ExpectTold(ZipResult::PathTooLong, L"\u201C" + std::wstring(50, L'z') + L'\u2026' +
+                                           std::wstring(25, L'z') +
+                                           L".zip\u201D has a longer name or path than the system "
+                                           L"can take. Shorten it and try again.");
+}
+
+TEST_F(FailureForUser, AFullDisk) {
+    const obtest::ImportDouble<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile",
+                                                           &WriteToFullDisk);
+    ASSERT_TRUE(patch.Stands());
+    ExpectTold(ZipResult::DiskFull, L"There is not enough free space on the drive for temporary "
+                                    L"files to make the zip.");
+}
+
+TEST_F(FailureForUser, AMissingFolder) {
+    job_.target = out_ / L"missing\\result.zip";
+    ExpectTold(ZipResult::TargetUnwritable,
+               L"The zip could not be written to the folder for temporary files. The folder may be "
+               L"missing or protected.");
+}
+
 TEST_F(ZipForUserTest, ARefusalBeforeTheRunIsToldToo) {
     EXPECT_EQ(obarchive::RefuseForUser(nullptr, ZipResult::BadContext), ZipResult::BadContext);
     ASSERT_EQ(boxes_.Seen().size(), 1U);
