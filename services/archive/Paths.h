@@ -7,7 +7,8 @@
 namespace obarchive {
 
 // The absolute form, with the prefix that lifts the length limit when the path needs it. Empty when
-// the system can't make or take one: no more than 32,766 UTF-16 units, and no name of more than 255.
+// the system can't make or take one: no more than 32,766 UTF-16 units, and no name of more than
+// 255.
 std::wstring FullPath(const std::wstring& path);
 
 // What stands behind the last backslash or slash.
