@@ -5,6 +5,7 @@
 #   dep::lzma    liblzma, static
 #   dep::libzip  libzip, static, with what it needs
 #   dep::libdeflate  libdeflate, static, its compressor only
+#   dep::mbedtls  AES and HMAC by SHA-1, static
 if(NOT EXISTS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
     message(FATAL_ERROR "Run tools/setup first: it builds the libraries and says where they are.")
 endif()
@@ -28,3 +29,4 @@ ob_imported(zlib "${OB_PREFIX_ZLIB}" ARCHIVES libz.a)
 ob_imported(lzma "${OB_PREFIX_LZMA}" ARCHIVES liblzma.a DEFINITIONS LZMA_API_STATIC)
 ob_imported(libzip "${OB_PREFIX_LIBZIP}" ARCHIVES libzip.a LIBS dep::zlib dep::lzma bcrypt advapi32)
 ob_imported(libdeflate "${OB_PREFIX_LIBDEFLATE}" ARCHIVES libdeflate.a)
+ob_imported(mbedtls "${OB_PREFIX_MBEDTLS}" ARCHIVES libmbedcrypto.a)
