@@ -8,6 +8,7 @@
 #include "tests/faults/Holdings.h"
 #include "tests/faults/HostProcess.h"
 #include "tests/standins/Recording.h"
+#include "tests/support/ImportDouble.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/StandIns.h"
 
@@ -44,6 +45,20 @@ bool SectionIsLeft(int id) {
     return static_cast<bool>(section);
 }
 
+int refusedStarts = 0;
+
+// Wine refuses one start of a program in some thousands, whatever program it is. The request is a
+// cancel then, as it should be, and the test asks once more.
+BOOL WINAPI StartAndCountRefusals(LPCWSTR program, LPWSTR line, LPSECURITY_ATTRIBUTES process,
+                                  LPSECURITY_ATTRIBUTES thread, BOOL inherit, DWORD flags,
+                                  LPVOID environment, LPCWSTR folder, LPSTARTUPINFOW startup,
+                                  LPPROCESS_INFORMATION info) {
+    const BOOL started = CreateProcessW(program, line, process, thread, inherit, flags, environment,
+                                        folder, startup, info);
+    if (!started && GetLastError() == ERROR_INTERNAL_ERROR) ++refusedStarts;
+    return started;
+}
+
 class ManyHosts : public RealRequest {
 protected:
     void SetUp() override {
@@ -57,7 +72,12 @@ protected:
     // Both roads by turns; every tenth request is for a zip, which the page clears up.
     void Ask(int round) {
         SetUserValue(L"SendItem", round % 10 == 0 ? L"1" : L"0");
-        const Texts given = round % 2 == 0 ? AskByFileName() : AskByDialog();
+        const int refusedBefore = refusedStarts;
+        Texts given = AskOnce(round);
+        if (refusedStarts > refusedBefore) {
+            EXPECT_EQ(given, Texts{});
+            given = AskOnce(round);
+        }
         ASSERT_EQ(given.size(), 1u) << "request " << round;
         if (round % 10 != 0) {
             ASSERT_EQ(given.front(), file_) << "request " << round;
@@ -71,17 +91,17 @@ protected:
     std::wstring file_;
 
 private:
-    Texts AskByFileName() { return AskOpen().given; }
-
-    Texts AskByDialog() {
+    Texts AskOnce(int round) {
+        if (round % 2 == 0) return AskOpen().given;
         Texts given;
-        EXPECT_EQ(AskShow(), S_OK);
-        EXPECT_EQ(GetResults(given), S_OK);
+        if (SUCCEEDED(AskShow())) GetResults(given);
         return given;
     }
 
     const QuickDialogClass class_;
 };
+
+using Starts = ImportDouble<decltype(&CreateProcessW)>;
 
 // A thousand host programs take minutes where starting a program does; so many are for a run that
 // asks for them.
@@ -99,15 +119,15 @@ int Rounds() {
 TEST_F(ManyHosts, LeaveNothingInTheBrowserAndNothingInTheSystem) {
     const int rounds = Rounds();
     ASSERT_GT(rounds, 0);
+    const Starts starts("kernel32.dll", "CreateProcessW", &StartAndCountRefusals,
+                        GetModuleHandleW(L"obwmcore64.dll"));
+    ASSERT_TRUE(starts.Stands());
     for (int round = 0; round < 20; ++round) ASSERT_NO_FATAL_FAILURE(Ask(round)); // made once
-    StandIns::Reset(); // the dialogs' calls would be a file that grows
     const Holdings before = Holdings::Now();
     const ULONGLONG begin = GetTickCount64();
-    for (int round = 0; round < rounds; ++round) {
-        ASSERT_NO_FATAL_FAILURE(Ask(round));
-        if (round % 50 == 49) StandIns::Reset();
-    }
-    printf("%.1f milliseconds a request\n", static_cast<double>(GetTickCount64() - begin) / rounds);
+    for (int round = 0; round < rounds; ++round) ASSERT_NO_FATAL_FAILURE(Ask(round));
+    printf("%.1f milliseconds a request, %d starts refused\n",
+           static_cast<double>(GetTickCount64() - begin) / rounds, refusedStarts);
     ExpectNoMoreThan(before);
     EXPECT_FALSE(HostRuns());
     EXPECT_FALSE(SectionIsLeft(static_cast<int>(GetCurrentThreadId())));

@@ -12,6 +12,7 @@ constexpr wchar_t kPicked[] = L"OB_QUICK_DIALOG_PICKS"; // one full path
 obtest::FileDialogScript ScriptFromEnvironment() {
     wchar_t path[MAX_PATH] = {};
     obtest::FileDialogScript script;
+    script.written = false;
     if (GetEnvironmentVariableW(kPicked, path, MAX_PATH) != 0) script.results = {path};
     return script;
 }

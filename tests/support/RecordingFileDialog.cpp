@@ -113,7 +113,7 @@ std::wstring PathOf(IShellItem* item) {
 
 // Writes the call down and answers S_OK, or the failure that the script has for it.
 HRESULT RecordingFileDialog::Answer(const wchar_t* call, const std::wstring& arguments) {
-    RecordCall(std::wstring(L"dialog.") + call + L"(" + arguments + L")");
+    if (script_.written) RecordCall(std::wstring(L"dialog.") + call + L"(" + arguments + L")");
     const std::wstring first = arguments.substr(0, arguments.find(L','));
     for (const std::wstring& key : {std::wstring(call), call + (L"(" + first + L")")}) {
         const auto failure = script_.failures.find(key);
@@ -150,7 +150,7 @@ HRESULT RecordingFileDialog::QueryInterface(REFIID iid, void** object) {
 ULONG RecordingFileDialog::Release() {
     const ULONG left = --references_;
     if (left == 0) {
-        RecordCall(L"dialog.destroyed()");
+        if (script_.written) RecordCall(L"dialog.destroyed()");
         delete this;
     }
     return left;
@@ -336,7 +336,7 @@ public:
         *object = nullptr;
         const auto failure = script_.failures.find(L"CoCreateInstance");
         if (failure != script_.failures.end()) return failure->second;
-        RecordCall(L"dialog.created()");
+        if (script_.written) RecordCall(L"dialog.created()");
         const ObLib::ComPtr<RecordingFileDialog> dialog(new RecordingFileDialog(script_));
         return dialog->QueryInterface(iid, object);
     }

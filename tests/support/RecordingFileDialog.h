@@ -29,6 +29,7 @@ struct FileDialogScript {
     HWND window = nullptr;              // the dialog's own window
     std::vector<std::wstring> results;  // an empty text is an item without a file-system path
     std::vector<std::wstring> selected; // what is selected while the dialog is open
+    bool written = true;                // whether calls are written down
 
     // Failing calls, by name: "Advise", "GetResults", "StartVisualGroup(102)",
     // "QueryInterface(IFileDialogCustomize)", "CoCreateInstance" and so on. A bracket names the
