@@ -9,6 +9,12 @@ namespace ObLibX {
 constexpr bool IsXmlSpace(wchar_t unit) {
     return unit == L' ' || unit == L'\t' || unit == L'\n' || unit == L'\r';
 }
+// What a tag name in a scan may begin with: neither digits nor low punctuation.
+constexpr bool StartsTagName(wchar_t unit) {
+    return unit > L'9' && unit != L';' && unit != L'<' && unit != L'=' && unit != L'>' &&
+           unit != L'?' && unit != L'@' && unit != L'[' && unit != L'\\' && unit != L']' &&
+           unit != L'^' && unit != L'`';
+}
 // A tag name in a scan.
 constexpr bool EndsTagName(wchar_t unit) {
     return IsXmlSpace(unit) || unit == L'/' || unit == L'>';

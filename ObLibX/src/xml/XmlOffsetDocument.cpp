@@ -1,0 +1,182 @@
+#include "ObLibX/src/xml/XmlOffsetDocument.h"
+
+#include <limits>
+
+#include "ObLibX/src/xml/DocumentReport.h"
+#include "ObLibX/src/xml/Editing.h"
+#include "ObLibX/src/xml/ElementParser.h"
+#include "ObLibX/src/xml/Navigation.h"
+#include "ObLibX/src/xml/Reading.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr std::uint32_t kClientFlags = kDocIgnoreCase | kDocTrim | kDocCollapse;
+constexpr std::size_t kLongestText = std::numeric_limits<std::int32_t>::max();
+constexpr std::uint32_t kUnitsPerRecord = 64; // of an ordinary document
+constexpr std::uint32_t kRecordsAtLeast = 8;
+
+// The state before anything is indexed, which is also what a failed allocation leaves behind.
+void ForgetElements(DocumentState& document) noexcept {
+    SetPosition(document, 0, 0, 0);
+    if (document.savedPositions) {
+        document.savedPositions->clear();
+    }
+    document.nextFreePos = 1;
+    document.deletedPos = 0;
+    if (document.records->Size() > 0) {
+        (*document.records)[0] = ElementRecord{};
+    }
+}
+
+void IndexElements(DocumentState& document) {
+    const std::int32_t first = ParseElements(document, 0);
+    ElementRecord& root = (*document.records)[0];
+    root.length = static_cast<std::uint32_t>(document.text.size());
+    root.firstChild = static_cast<std::uint32_t>(first);
+    if (first == 0) {
+        Report(document.result, L"no_root_element", nullptr, 0);
+    } else if ((*document.records)[first].next != 0) {
+        Report(document.result, L"root_has_sibling", nullptr, 0);
+    }
+    SetPosition(document, 0, 0, 0);
+}
+
+bool IsWellFormed(const DocumentState& document) {
+    if (document.Has(kDocStreamWrite)) {
+        return true;
+    }
+    const ElementRecordTable& records = *document.records;
+    const ElementRecord& root = records[0];
+    if (document.Has(kDocStreamRead)) {
+        return !root.Has(kRecordBad);
+    }
+    return !root.Has(kRecordBad) && root.firstChild != 0 && records[root.firstChild].next == 0;
+}
+
+} // namespace
+
+XmlOffsetDocument::XmlOffsetDocument() {
+    state_.records = std::make_unique<ElementRecordTable>();
+    state_.savedPositions = std::make_unique<SavedPositionTable>();
+    SetText(nullptr);
+}
+
+XmlOffsetDocument::~XmlOffsetDocument() {
+    try {
+        Close();
+    } catch (...) {
+        // Without memory the file's last text is lost; the members still close the file.
+    }
+}
+
+bool XmlOffsetDocument::SetText(const wchar_t* text) {
+    if (text != nullptr) {
+        return SetText(std::wstring_view(text));
+    }
+    if (state_.Has(kDocStreams)) {
+        return false;
+    }
+    ForgetElements(state_);
+    std::wstring().swap(state_.text);
+    state_.records->Clear();
+    state_.result.clear();
+    state_.docFlags &= ~kDocModified;
+    return ParseText();
+}
+
+bool XmlOffsetDocument::SetText(std::wstring_view text) {
+    if (state_.Has(kDocStreams) || text.size() > kLongestText) {
+        return false;
+    }
+    ForgetElements(state_);
+    state_.text.assign(text);
+    state_.result.clear();
+    state_.docFlags &= ~kDocModified;
+    return ParseText();
+}
+
+bool XmlOffsetDocument::ParseText() {
+    ForgetElements(state_);
+    ElementRecordTable& records = *state_.records;
+    records.Grow(static_cast<std::uint32_t>(state_.text.size()) / kUnitsPerRecord +
+                 kRecordsAtLeast);
+    records[0] = ElementRecord{};
+    if (!state_.text.empty()) {
+        try {
+            IndexElements(state_);
+        } catch (...) {
+            ForgetElements(state_);
+            throw;
+        }
+    }
+    return IsWellFormed(state_);
+}
+
+void XmlOffsetDocument::ResetPosition(std::int32_t parent, std::int32_t current,
+                                      std::int32_t child) {
+    SetPosition(state_, parent, current, child);
+}
+
+void XmlOffsetDocument::Close() {
+    if (!state_.Has(kDocStreams) && state_.channel == nullptr) {
+        return;
+    }
+    // What stands below goes on whether or not the last text reaches the file.
+    const std::unique_ptr<TextFileChannel> channel = std::move(state_.channel);
+    const bool writes = state_.Has(kDocStreamWrite);
+    state_.docFlags &= ~kDocStreams;
+    if (channel == nullptr) {
+        state_.text.clear();
+        return;
+    }
+    if (writes && channel->file) {
+        channel->WriteOut(state_.text.data(), static_cast<std::int32_t>(state_.text.size()), true);
+    }
+    channel->file.reset();
+    if (state_.result.size() < kReportLimit) {
+        state_.result += channel->report;
+    }
+    state_.text.clear();
+}
+
+bool XmlOffsetDocument::FindElement(const wchar_t* path) {
+    return ObLibX::FindElement(state_, path);
+}
+
+bool XmlOffsetDocument::FindChildElement(const wchar_t* path) {
+    return ObLibX::FindChildElement(state_, path);
+}
+
+bool XmlOffsetDocument::IntoElement() { return ObLibX::IntoElement(state_); }
+
+bool XmlOffsetDocument::OutOfElement() { return ObLibX::OutOfElement(state_); }
+
+std::wstring XmlOffsetDocument::GetTagName() const { return ObLibX::GetTagName(state_); }
+
+std::wstring XmlOffsetDocument::GetAttribute(std::int32_t position, const wchar_t* name) const {
+    return ObLibX::GetAttribute(state_, position, name);
+}
+
+std::wstring XmlOffsetDocument::GetAttributeNameAt(std::int32_t index) const {
+    return ObLibX::GetAttributeNameAt(state_, index);
+}
+
+std::wstring XmlOffsetDocument::GetData(std::int32_t position) {
+    return ObLibX::GetData(state_, position);
+}
+
+bool XmlOffsetDocument::AddElement(const wchar_t* name, const wchar_t* value, std::uint32_t flags) {
+    return ObLibX::AddElement(state_, name, value, flags);
+}
+
+bool XmlOffsetDocument::SetAttribute(std::int32_t position, const wchar_t* name,
+                                     const wchar_t* value, std::uint32_t flags) {
+    return ObLibX::SetAttribute(state_, position, name, value, flags);
+}
+
+void XmlOffsetDocument::SetFlags(std::uint32_t flags) {
+    state_.docFlags = (state_.docFlags & ~kClientFlags) | (flags & kClientFlags);
+}
+
+} // namespace ObLibX
