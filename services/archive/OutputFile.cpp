@@ -70,18 +70,17 @@ ZipResult OutputFile::Create(const std::wstring& target, const std::wstring& tem
     target_ = target;
     const std::wstring folder = PartialFolder(target, temporaryFolder);
     folder_ = HoldFolder(folder);
+    buffer_.reserve(kBufferSize);
     DWORD error = ERROR_FILE_EXISTS;
     for (unsigned attempt = 0; attempt < kAttempts && error == ERROR_FILE_EXISTS; ++attempt) {
-        const std::wstring path = FullPath(folder + PartialName(attempt));
-        file_ = ObLib::UniqueKernelHandle(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0,
-                                                      nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
-                                                      nullptr));
-        if (file_) {
-            partial_ = path;
-            buffer_.reserve(kBufferSize);
-            return ZipResult::Stands;
-        }
+        // Known before it is there, so that no shortage of memory in between leaves it.
+        partial_ = FullPath(folder + PartialName(attempt));
+        file_ = ObLib::UniqueKernelHandle(CreateFileW(partial_.c_str(),
+                                                      GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                                      CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (file_) return ZipResult::Stands;
         error = GetLastError();
+        partial_.clear(); // what stands there is another's
     }
     FailWith(error);
     return failure_;

@@ -1,8 +1,8 @@
 #include "services/archive/WorkerPool.h"
 
 #include <algorithm>
+#include <exception>
 #include <new>
-#include <system_error>
 
 namespace obarchive {
 namespace {
@@ -40,8 +40,9 @@ WorkerPool::WorkerPool() {
     workers_.reserve(count);
     try {
         while (workers_.size() < count) workers_.emplace_back([this] { Work(); });
-    } catch (const std::system_error&) {
-        // Fewer are enough.
+    } catch (const std::exception&) {
+        // No thread or no memory for one more: fewer are enough. Let out, it would wait for ever
+        // for those that were made.
         if (workers_.empty()) throw std::bad_alloc();
     }
 }
