@@ -166,6 +166,23 @@ TEST_F(Compression, EndsTheContextAndLeavesTheFolderAfterAFailureOfTheEngine) {
     ExpectNoResult();
 }
 
+// Written down among the calls of the service, so that the order shows.
+int WINAPI NotedBox(HWND, LPCWSTR, LPCWSTR, UINT) {
+    obtest::RecordCall(L"MessageBoxW");
+    return IDOK;
+}
+
+TEST_F(Compression, EndsTheContextBeforeItTellsAFailureOfTheEngine) {
+    StandIns::Answer(L"Zip", L"1");
+    const obtest::ImportDouble<decltype(&MessageBoxW)> box("user32.dll", "MessageBoxW", &NotedBox);
+    ASSERT_TRUE(box.Stands());
+    EXPECT_FALSE(CompressFiles(job_));
+    Lines expected = WholeRun(RunFolder() + kZipName, RunFolder(), L"8", L"0");
+    expected.push_back(L"MessageBoxW");
+    EXPECT_EQ(StandIns::Calls(), expected);
+    EXPECT_TRUE(job_.Usage.UsageZipped);
+}
+
 TEST_F(Compression, TakesEveryOtherAnswerOfTheEngineForAFailure) {
     for (const wchar_t* answer : {L"2", L"256", L"65536", L"2147483648", L"4294967295"}) {
         StandIns::Answer(L"Zip", answer);

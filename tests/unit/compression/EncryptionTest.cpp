@@ -175,6 +175,8 @@ TEST_F(Encryption, RemovesTheFolderAndThenEndsTheContextWhenTheUserGivesNoPasswo
     EXPECT_TRUE(Left().empty());
     EXPECT_FALSE(job_.ResultIsArchive);
     EXPECT_EQ(job_.CleanupFile, L"");
+    EXPECT_EQ(job_.CleanupFolder, L"");
+    EXPECT_TRUE(job_.Usage.UsageEncrypted); // noted when the method is set, before the prompt
 }
 
 TEST_F(Encryption, TakesEveryOtherAnswerThanOneForNoPassword) {
