@@ -1,0 +1,80 @@
+// Where to find an element, as a client writes it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace ObLibX {
+
+// Where a search begins.
+enum class PathType {
+    Any = 0,      // empty or null: the next element, whatever its name
+    Relative = 1, // name/name: from the current level on
+    Absolute = 2, // /name/name: from the root
+    Below = 3,    // //name: anywhere below, depth first; one step only
+};
+
+// What an element must meet besides its name.
+enum class StepTest {
+    None,
+    Count,     // name[N]: it is the N-th match, from 1
+    Attribute, // name[@attribute]: it has the attribute
+    Value,     // name[@attribute=value]: with this value
+    Child,     // name[child]: it has a child of that name
+};
+
+// One step. Views into the caller's path.
+struct PathStep {
+    std::wstring_view name; // "*" is any name
+    StepTest test = StepTest::None;
+    std::uint32_t count = 1;    // of Count; a number too large for it stays at the highest
+    std::wstring_view testName; // of the attribute or the child
+    std::wstring_view value;    // of Value, without its quotes; compared as it stands
+
+    static bool IsAnyName(std::wstring_view name) { return name == L"*"; }
+};
+
+// A path, read once and resolved as often as one likes. It points into the caller's text, which has
+// to outlive it. Allocates only for paths of more than kFewSteps steps; then it may throw
+// std::bad_alloc. One bad step makes the whole path bad: it matches nothing.
+//
+//   path  = "" | steps | "/" steps | "//" step
+//   steps = step *( "/" step ) [ "/@" name ]
+//   step  = name [ "[" test "]" ]
+//   test  = N | "@" name [ "=" value ] | name       N begins with 1 to 9
+//   value = '"' ... '"' | "'" ... "'" | anything up to "]"
+class XmlPath {
+public:
+    static constexpr std::size_t kFewSteps = 4;
+
+    explicit XmlPath(const wchar_t* path);
+
+    bool IsBad() const { return bad_; }
+    PathType Type() const { return type_; }
+    std::size_t StepCount() const { return count_; }
+    const PathStep& operator[](std::size_t index) const {
+        return index < kFewSteps ? few_[index] : more_[index - kFewSteps];
+    }
+    // The attribute that the last step addresses; empty for the path of an element.
+    std::wstring_view Attribute() const { return attribute_; }
+    // Whether a step asks for a child, which a forward reading can't tell.
+    bool HasChildTest() const;
+
+private:
+    void Add(const PathStep& step);
+
+    PathType type_ = PathType::Any;
+    bool bad_ = false;
+    std::size_t count_ = 0;
+    std::array<PathStep, kFewSteps> few_;
+    std::vector<PathStep> more_;
+    std::wstring_view attribute_;
+};
+
+// Units of a name that a caller gives, up to where it ends.
+std::size_t CallerNameLength(const wchar_t* name);
+
+} // namespace ObLibX
