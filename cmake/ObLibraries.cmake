@@ -6,6 +6,8 @@
 #   dep::libzip  libzip, static, with what it needs
 #   dep::libdeflate  libdeflate, static, its compressor only
 #   dep::mbedtls  AES and HMAC by SHA-1, static
+#   dep::pugixml  an XML reader in its wide form, static (tests and measurements only); its source
+#                 lies in ${OB_PREFIX_PUGIXML}/source
 if(NOT EXISTS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
     message(FATAL_ERROR "Run tools/setup first: it builds the libraries and says where they are.")
 endif()
@@ -30,3 +32,4 @@ ob_imported(lzma "${OB_PREFIX_LZMA}" ARCHIVES liblzma.a DEFINITIONS LZMA_API_STA
 ob_imported(libzip "${OB_PREFIX_LIBZIP}" ARCHIVES libzip.a LIBS dep::zlib dep::lzma bcrypt advapi32)
 ob_imported(libdeflate "${OB_PREFIX_LIBDEFLATE}" ARCHIVES libdeflate.a)
 ob_imported(mbedtls "${OB_PREFIX_MBEDTLS}" ARCHIVES libmbedcrypto.a)
+ob_imported(pugixml "${OB_PREFIX_PUGIXML}" ARCHIVES libpugixml.a DEFINITIONS PUGIXML_WCHAR_MODE)
