@@ -5,10 +5,11 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
-#include "services/archive/Ae2.h"
+#include "services/archive/SystemHandles.h"
 
 namespace obarchive {
 

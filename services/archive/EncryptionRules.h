@@ -20,8 +20,8 @@ enum class FipsSetting : std::uint32_t {
     AskedBySystem = 2, // the system's switch for approved algorithms
 };
 
-// Only told, as it changes nothing here: both methods, and everything around them, are made by the
-// system's cryptography out of approved algorithms.
+// The algorithms are approved ones either way. Where it is asked for, they are the system's own,
+// too, which may be certified; otherwise the faster ones that are linked here.
 FipsSetting ReadFipsSetting();
 
 // When encryption is switched off: tells so in a message box, modal to `owner` (null, or a window

@@ -46,7 +46,7 @@ void PackTask::Encrypt() {
         if (order.first) keys = *order.keys;
         Ae2Stream(*settings_.algorithms, *order.keys).CipherFrom(order.offset, raw.Bytes());
     } else if (order.first) {
-        keys = NewAe2Keys(*settings_.algorithms, *settings_.password, order.keySize);
+        keys = settings_.keys->Make();
         if (order.IsWhole()) EncryptWhole();
     }
 }

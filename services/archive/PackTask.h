@@ -25,10 +25,10 @@ struct PackOrder {
     bool IsWhole() const noexcept { return first && last; }
 };
 
-// What every task of a run needs; outlives them. Read only.
+// What every task of a run needs; what it names outlives them.
 struct PackSettings {
-    const Ae2Algorithms* algorithms = nullptr; // null without encryption
-    const Secret* password = nullptr;
+    const Ae2Algorithms* algorithms = nullptr; // both null without encryption
+    Ae2KeyMaker* keys = nullptr;
 };
 
 // A piece that is the whole file comes out complete: stored after all if it didn't shrink, and

@@ -89,8 +89,7 @@ Packing ReadAhead::PackingOf(const ByteBuffer& block) {
 // by the worker that gets it.
 void ReadAhead::MakeKeys() {
     if (keySize_ == 0) return;
-    order_.keys = std::make_shared<const Ae2Keys>(
-        NewAe2Keys(*settings_.algorithms, *settings_.password, keySize_));
+    order_.keys = std::make_shared<const Ae2Keys>(settings_.keys->Make());
 }
 
 Effort ReadAhead::EffortFor(std::size_t size) {

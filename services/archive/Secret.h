@@ -3,7 +3,9 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <cstring>
+#include <span>
 #include <vector>
 
 namespace obarchive {
@@ -27,6 +29,10 @@ public:
 
     bool Empty() const noexcept { return bytes_.empty(); }
     const char* Text() const noexcept { return bytes_.empty() ? "" : bytes_.data(); }
+    // Without the NUL.
+    std::span<const std::uint8_t> Bytes() const noexcept {
+        return {reinterpret_cast<const std::uint8_t*>(Text()), std::strlen(Text())};
+    }
 
 private:
     std::vector<char> bytes_; // empty, or with its NUL; never grown in place

@@ -150,9 +150,14 @@ ZipResult WriteEntries(const ZipJob& job, OutputFile& output, RunState& run) {
     const EncryptionRow& encryption = *FindEncryption(job.encryptionMethod);
     std::vector<SourceEntry> sources;
     if (!ListSources(job, sources, run)) return run.failure;
-    std::optional<Ae2Algorithms> algorithms;
-    if (encryption.keySize != 0 && !algorithms.emplace().IsThere()) return ZipResult::EngineFailed;
-    const PackSettings settings{algorithms ? &*algorithms : nullptr, &job.password};
+    std::unique_ptr<Ae2Algorithms> algorithms;
+    std::optional<Ae2KeyMaker> keys;
+    if (encryption.keySize != 0) {
+        algorithms = MakeAe2Algorithms(CryptographyToUse());
+        if (!algorithms) return ZipResult::EngineFailed;
+        keys.emplace(*algorithms, job.password, encryption.keySize);
+    }
+    const PackSettings settings{algorithms.get(), keys ? &*keys : nullptr};
     WorkerPool pool;
     ReadAhead ahead(sources, job, settings, encryption.keySize, run, pool);
     StreamContext streams{ahead,

@@ -3,18 +3,24 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
+#include <thread>
+
+#include "services/archive/KeyLanes.h"
 
 namespace {
 
 using obarchive::Ae2Algorithms;
+using obarchive::Ae2KeyMaker;
 using obarchive::Ae2Keys;
 using obarchive::Ae2Stream;
+using obarchive::Cryptography;
 using Bytes = std::vector<std::uint8_t>;
 
-class Ae2Test : public testing::Test {
+class Ae2Test : public testing::TestWithParam<Cryptography> {
 protected:
-    void SetUp() override { ASSERT_TRUE(algorithms_.IsThere()); }
+    void SetUp() override { ASSERT_TRUE(made_); }
 
     Ae2Keys Keys(std::size_t size) {
         Bytes salt(size / 2);
@@ -28,8 +34,15 @@ protected:
         return plain;
     }
 
-    Ae2Algorithms algorithms_;
+    const std::unique_ptr<Ae2Algorithms> made_ = MakeAe2Algorithms(GetParam());
+    const Ae2Algorithms& algorithms_ = *made_;
 };
+
+INSTANTIATE_TEST_SUITE_P(EitherMaker, Ae2Test,
+                         testing::Values(Cryptography::System, Cryptography::Library),
+                         [](const testing::TestParamInfo<Cryptography>& maker) {
+                             return maker.param == Cryptography::System ? "System" : "Library";
+                         });
 
 std::string Hex(std::span<const std::uint8_t> bytes) {
     constexpr char kDigits[] = "0123456789abcdef";
@@ -42,7 +55,7 @@ std::string Hex(std::span<const std::uint8_t> bytes) {
 }
 
 // Numbers that an independent implementation made.
-TEST_F(Ae2Test, KeysAndStreamAreThoseOfTheFormat) {
+TEST_P(Ae2Test, KeysAndStreamAreThoseOfTheFormat) {
     Ae2Keys keys = Keys(32);
     EXPECT_EQ(Hex(keys.Head()), "000102030405060708090a0b0c0d0e0f256b");
     Bytes data = Plain(40);
@@ -63,7 +76,7 @@ TEST_F(Ae2Test, KeysAndStreamAreThoseOfTheFormat) {
     EXPECT_EQ(Hex(shorter.Code()), "91c274f579493c1c3c88");
 }
 
-TEST_F(Ae2Test, TheStreamDoesNotDependOnHowItIsCut) {
+TEST_P(Ae2Test, TheStreamDoesNotDependOnHowItIsCut) {
     const Ae2Keys keys = Keys(32);
     Bytes whole = Plain(200'003);
     Ae2Stream one(algorithms_, keys);
@@ -82,7 +95,7 @@ TEST_F(Ae2Test, TheStreamDoesNotDependOnHowItIsCut) {
     }
 }
 
-TEST_F(Ae2Test, APieceCanBeEncryptedByItself) {
+TEST_P(Ae2Test, APieceCanBeEncryptedByItself) {
     const Ae2Keys keys = Keys(16);
     Bytes whole = Plain(100'000);
     Ae2Stream(algorithms_, keys).Encrypt(whole);
@@ -96,12 +109,83 @@ TEST_F(Ae2Test, APieceCanBeEncryptedByItself) {
     EXPECT_TRUE(whole == Plain(100'000));
 }
 
-TEST_F(Ae2Test, EverySaltIsNew) {
+// More than the makers derive at once, so that some come from those left over.
+TEST_P(Ae2Test, EverySaltIsNewAndEveryKeyBelongsToItsSalt) {
     const obarchive::Secret password("password");
-    const Ae2Keys one = NewAe2Keys(algorithms_, password, 32);
-    const Ae2Keys other = NewAe2Keys(algorithms_, password, 32);
-    EXPECT_NE(one.salt, other.salt);
-    EXPECT_NE(one.derived, other.derived);
+    for (const std::size_t size : {std::size_t{16}, std::size_t{32}}) {
+        Ae2KeyMaker maker(algorithms_, password, size);
+        std::set<Bytes> salts;
+        for (int turn = 0; turn < 9; ++turn) {
+            const Ae2Keys keys = maker.Make();
+            const auto salt = std::span(keys.salt).first(keys.SaltSize());
+            EXPECT_TRUE(salts.emplace(salt.begin(), salt.end()).second);
+            const Ae2Keys again = DeriveAe2Keys(algorithms_, password, salt, size);
+            EXPECT_EQ(again.derived, keys.derived);
+        }
+    }
+}
+
+TEST_P(Ae2Test, KeysCanBeMadeOnSeveralThreads) {
+    const obarchive::Secret password("password");
+    Ae2KeyMaker maker(algorithms_, password, 32);
+    std::vector<Ae2Keys> keys(4 * 25);
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([&, thread] {
+                for (std::size_t at = 0; at < 25; ++at) keys[thread * 25 + at] = maker.Make();
+            });
+        }
+    }
+    std::set<std::array<std::uint8_t, 16>> salts;
+    for (const Ae2Keys& one : keys) {
+        EXPECT_TRUE(salts.insert(one.salt).second);
+        EXPECT_EQ(DeriveAe2Keys(algorithms_, password, one.salt, 32).derived, one.derived);
+    }
+}
+
+// Both makers, for passwords on both sides of the hash's block of 64 bytes.
+TEST(Ae2Makers, GiveTheSameBytes) {
+    const auto system = MakeAe2Algorithms(Cryptography::System);
+    const auto library = MakeAe2Algorithms(Cryptography::Library);
+    ASSERT_TRUE(system && library);
+    for (const std::size_t length : {1U, 8U, 55U, 63U, 64U, 65U, 128U, 200U}) {
+        std::string text(length, 'x');
+        for (std::size_t at = 0; at < length; ++at) text[at] = static_cast<char>(0xFF - at);
+        const obarchive::Secret password(text.c_str());
+        for (const std::size_t size : {std::size_t{16}, std::size_t{32}}) {
+            Bytes salt(size / 2, static_cast<std::uint8_t>(length));
+            const Ae2Keys one = DeriveAe2Keys(*system, password, salt, size);
+            const Ae2Keys other = DeriveAe2Keys(*library, password, salt, size);
+            EXPECT_EQ(one.derived, other.derived) << length << " " << size;
+            Bytes first(70'001, 0x5A), second = first;
+            Ae2Stream firstStream(*system, one), secondStream(*library, other);
+            firstStream.Encrypt(first);
+            secondStream.Encrypt(second);
+            EXPECT_TRUE(first == second) << length << " " << size;
+            EXPECT_EQ(firstStream.Code(), secondStream.Code());
+        }
+    }
+}
+
+// Whichever this processor would take: both widths of lanes tell the same.
+TEST(KeyLanes, FourLanesAndEightTellTheSame) {
+    if (!obarchive::HasEightLanes()) GTEST_SKIP() << "this processor has four lanes only";
+    obarchive::KeyLanes four{};
+    four.iterations = 3;
+    for (std::uint32_t word = 0; word < obarchive::kBlockWords; ++word) {
+        four.password[word] = word * 0x9E3779B9U;
+        for (std::uint32_t lane = 0; lane < 8; ++lane) four.begin[lane][word] = word << lane;
+    }
+    obarchive::KeyLanes eight = four;
+    DeriveEightLanes(eight);
+    DeriveFourLanes(four);
+    for (std::size_t lane = 0; lane < 8; ++lane) {
+        const std::span one(four.result[lane]);
+        const std::span other(eight.result[lane]);
+        EXPECT_EQ(std::equal(one.begin(), one.end(), other.begin()), lane < 4) << lane;
+        EXPECT_NE(other[0], 0U);
+    }
 }
 
 } // namespace
