@@ -6,7 +6,8 @@
 
 namespace ObLibX {
 
-// Lengths are in code units of the encoding in question: bytes, or 16- or 32-bit units.
+// Lengths are in code units of the encoding in question: bytes, or 16- or 32-bit units in this
+// machine's byte order. One thread.
 struct TextConverter {
     std::wstring toEncoding;
     std::wstring fromEncoding;
@@ -15,14 +16,29 @@ struct TextConverter {
     std::int32_t destinationCapacity = 0; // destination units; the length written comes back in it
     std::int32_t usedDefault = 0;         // set when a character had to be replaced
 
-    // Converts `source`, which is in fromEncoding, into `destination`; null only counts. Gives the
-    // length in destination units. Names are looked up by LookupCodePage; an unknown one is the
-    // system's default. Never fails visibly, and never writes over the capacity.
+    // Converts `source`, which is in fromEncoding, into `destination`. A null destination, and a
+    // capacity of 0, only count. Gives the length in destination units and leaves it in
+    // destinationCapacity. Names are looked up by LookupCodePage; an unknown one is the system's
+    // default.
+    //
+    // Never fails visibly: a pair that has no conversion, and a page that the system doesn't know,
+    // give the length 0. Never writes over the capacity. When that is too small, the conversions
+    // of this library stop behind the last character that fits; the system's give 0, and for a page
+    // a text that needs just one byte more comes without its last byte. usedDefault is set anew by
+    // each call. Throws std::bad_alloc, and only where it goes from page to page or the capacity is
+    // too small.
     std::int32_t Convert(void* destination, const std::wstring& toEncoding);
 };
 
 // How many bytes at the end of the converter's source must go back so that no character of its
-// fromEncoding is cut in two. True when a boundary was found.
+// fromEncoding is cut in two. True when a boundary was found, false, with 0, when there is none. In
+// UTF-16 half a pair goes back even when it is all there is. Throws std::bad_alloc.
 bool FindCharBoundary(const TextConverter& converter, std::int32_t& outBytesToGiveBack);
+
+// The code page that a name stands for in a conversion: LookupCodePage's, or 0, the system's
+// default, when that doesn't know it.
+std::int32_t ConversionPage(const std::wstring& encoding);
+// Bytes of one code unit in text of that page: 4, 2 or 1.
+std::int32_t CodeUnitSize(std::int32_t page);
 
 } // namespace ObLibX
