@@ -335,6 +335,8 @@ TEST_F(PasswordPromptTest, ASuggestionIsCopiedAndKeptOutOfTheClipboardsHistory) 
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT).rfind(L"Copied.", 0), 0U);
         prompt.Type(kFirst, L"own");
         EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+        prompt.Type(kRepeat, L"own");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
     };
     EXPECT_EQ(Ask(person), PromptResult::Cancelled);
 }
