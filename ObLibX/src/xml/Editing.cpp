@@ -458,17 +458,23 @@ void Adjust(DocumentState& document, std::int32_t position, std::int32_t delta,
     const auto change = static_cast<std::uint32_t>(delta);
     auto at = static_cast<std::uint32_t>(position);
     std::uint32_t next = startAfterChildren ? 0 : records[at].firstChild;
+    std::uint32_t below = next != 0 ? 1 : 0; // levels down from what contains the change
     for (;;) {
         while (next == 0 && records[at].StartTagLength() != 0) {
             next = records[at].next;
             if (next != 0) break;
             at = records[at].parent;
-            records[at].length += change;
+            if (below != 0) {
+                --below; // an element behind the change, which moved with all that it holds
+            } else {
+                records[at].length += change;
+            }
         }
         if (next == 0) return;
         records[next].start += change;
         at = next;
         next = records[at].firstChild;
+        if (next != 0) ++below;
     }
 }
 
