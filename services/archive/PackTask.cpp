@@ -5,20 +5,11 @@
 #include "services/archive/XzStream.h"
 
 namespace obarchive {
-namespace {
-
-// Below this, compressing is as quick as looking.
-constexpr std::size_t kWorthALook = 64 * 1024;
-
-} // namespace
-
 void PackTask::PackWhole(BlockCompressor& compressor) {
-    const bool shrinks =
-        raw.Size() != 0 && (raw.Size() <= kWorthALook || DoesShrink(raw.Bytes(), compressor));
-    if (shrinks && order.packing == Packing::Deflate) {
+    if (raw.Size() != 0 && order.packing == Packing::Deflate) {
         packed = compressor.Compress(raw.Bytes(), order.effort, true);
     }
-    if (shrinks && order.packing == Packing::Xz) packed = PackXz(raw.Bytes());
+    if (raw.Size() != 0 && order.packing == Packing::Xz) packed = PackXz(raw.Bytes());
     const bool smaller = packed.Size() != 0 && packed.Size() < raw.Size();
     if (smaller) return;
     packed = {};

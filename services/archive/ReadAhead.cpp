@@ -9,10 +9,8 @@ namespace {
 constexpr std::size_t kMostPieces = 256;
 constexpr DWORD kTellAfter = 50; // milliseconds
 
-// Half of the bytes are packed thoroughly: that is where the result is about as small as the best
-// of the other programs make it, in less than half of their time.
-constexpr std::uint64_t kThoroughShare = 1;
-constexpr std::uint64_t kThoroughOf = 2;
+// Below this, compressing is as quick as looking.
+constexpr std::size_t kWorthALook = 64 * 1024;
 
 std::vector<std::uint64_t> Sizes(const std::vector<SourceEntry>& sources) {
     std::vector<std::uint64_t> sizes;
@@ -26,7 +24,7 @@ ReadAhead::ReadAhead(std::vector<SourceEntry>& sources, const ZipJob& job,
                      const PackSettings& settings, std::size_t keySize, RunState& run,
                      WorkerPool& pool)
     : sources_(sources), job_(job), settings_(settings), keySize_(keySize), run_(run), pool_(pool),
-      budget_((2 * pool.Size() + 2) * kBlockSize), file_(run) {
+      budget_((2 * pool.Size() + 2) * kBlockSize), file_(run), plan_(Sizes(sources)) {
     if (job.duplicateReferences) twins_.emplace(Sizes(sources));
 }
 
@@ -81,10 +79,6 @@ bool ReadAhead::ReadBlock(ByteBuffer& block) {
     return file_.Read(block, size, true);
 }
 
-Packing ReadAhead::PackingOf(const ByteBuffer& block) {
-    return DoesShrink(block.Bytes(), glances_) ? order_.packing : Packing::Store;
-}
-
 // What is only stored has its place in the stream beforehand, so that each piece can be encrypted
 // by the worker that gets it.
 void ReadAhead::MakeKeys() {
@@ -92,11 +86,14 @@ void ReadAhead::MakeKeys() {
     order_.keys = std::make_shared<const Ae2Keys>(settings_.keys->Make());
 }
 
-Effort ReadAhead::EffortFor(std::size_t size) {
-    const bool thorough = thoroughBytes_ * kThoroughOf <= packedBytes_ * kThoroughShare;
-    packedBytes_ += size;
-    if (thorough) thoroughBytes_ += size;
-    return thorough ? Effort::Thorough : Effort::Quick;
+// What becomes of the block that comes next: the first one of a file tells for all of it.
+void ReadAhead::PlanPiece(const ByteBuffer& block) {
+    const bool look = order_.first && block.Size() > kWorthALook;
+    if (look && !DoesShrink(block.Bytes(), glances_)) order_.packing = Packing::Store;
+    if (order_.packing == Packing::Store) plan_.AddStored(block.Size());
+    if (order_.packing == Packing::Deflate) order_.effort = plan_.Next(block.Size());
+    const bool goesOn = order_.first && !order_.last;
+    if (goesOn && order_.packing == Packing::Store) MakeKeys();
 }
 
 void ReadAhead::EndSource() {
@@ -134,9 +131,7 @@ bool ReadAhead::ReadPiece() {
         const auto original = twins_->FirstOf(block.Size(), hash.Finish(), next_);
         if (original) return SubmitCopy(*original), true;
     }
-    if (order_.first && !order_.last) order_.packing = PackingOf(block);
-    if (order_.first && order_.packing == Packing::Store) MakeKeys();
-    if (order_.packing == Packing::Deflate) order_.effort = EffortFor(block.Size());
+    PlanPiece(block);
     Submit(order_, std::move(block));
     order_.first = false;
     order_.offset += kBlockSize;

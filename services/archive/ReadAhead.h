@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "services/archive/ContentTwins.h"
+#include "services/archive/EffortPlan.h"
 #include "services/archive/PackTask.h"
 #include "services/archive/SourceFile.h"
 
@@ -54,9 +55,8 @@ private:
     void Submit(PackOrder order, ByteBuffer block);
     void SubmitCopy(std::size_t original);
     void EndSource();
-    Packing PackingOf(const ByteBuffer& block);
+    void PlanPiece(const ByteBuffer& block);
     void MakeKeys();
-    Effort EffortFor(std::size_t size);
     bool WaitFor(const Piece& piece);
 
     std::vector<SourceEntry>& sources_;
@@ -75,8 +75,7 @@ private:
     PackOrder order_; // of the next piece of the source that is read
     std::optional<ContentTwins> twins_;
     BlockCompressor glances_;
-    std::uint64_t packedBytes_ = 0;
-    std::uint64_t thoroughBytes_ = 0;
+    EffortPlan plan_;
 };
 
 } // namespace obarchive
