@@ -32,7 +32,6 @@ std::uint32_t ChosenDefault() {
 } // namespace
 
 std::uint16_t AllowedMethods() {
-    if (PolicyIsOn(kNoEncryption)) return 0;
     const std::uint32_t allowed = AllowedIn(PolicyView::Bits64) & AllowedIn(PolicyView::Bits32);
     return static_cast<std::uint16_t>(allowed & kEveryMethod);
 }
@@ -56,7 +55,7 @@ FipsSetting ReadFipsSetting() {
 }
 
 bool TellIfEncryptionIsOff(HWND owner) {
-    if (AllowedMethods() != 0) return false;
+    if (!PolicyIsOn(kNoEncryption) && AllowedMethods() != 0) return false;
     std::wstring text = ProductText(kEncryptionOffMessage);
     if (text.empty()) text = OwnText(OB_TEXT_ENCRYPTION_OFF);
     // An owner that has gone meanwhile would keep the box from being shown.

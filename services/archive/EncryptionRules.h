@@ -7,8 +7,9 @@
 
 namespace obarchive {
 
-// Mask of the method bits that may be used; 0 when the administrator has switched encryption off.
-// A mask in both views allows what both allow.
+// Mask of the method bits that may be used; 0 when the administrator allows none. A mask in both
+// views allows what both allow. The switch for all encryption isn't in it: callers that find the
+// mask empty ask no further, and nobody would read why there is no encryption.
 std::uint16_t AllowedMethods();
 
 // The administrator's choice if it is allowed, else the strongest that is; 0 when none is.
@@ -24,8 +25,9 @@ enum class FipsSetting : std::uint32_t {
 // too, which may be certified; otherwise the faster ones that are linked here.
 FipsSetting ReadFipsSetting();
 
-// When encryption is switched off: tells so in a message box, modal to `owner` (null, or a window
-// of any process) on the calling thread, and returns true. Otherwise false, at once.
+// When encryption is switched off, or no method is allowed: tells so in a message box, modal to
+// `owner` (null, or a window of any process) on the calling thread, and returns true. Otherwise
+// false, at once.
 bool TellIfEncryptionIsOff(HWND owner);
 
 } // namespace obarchive

@@ -51,9 +51,16 @@ protected:
 
 TEST_F(ArchiveEntries, EncryptionThatIsSwitchedOffIsToldAndAnswered) {
     SetMachinePolicy(L"NoEncryption", L"1");
+    EXPECT_EQ(service_->AllowedEncryptMethods(), 12);
+    EXPECT_TRUE(boxes_.Seen().empty());
+    EXPECT_EQ(service_->TryToShowWarningOrErrorMessage(nullptr, 0, 1) & 0xFFFF, 2U);
+    EXPECT_EQ(OnlyBox(), L"The Ombrix encryption feature has been disabled by your administrator.");
+}
+
+TEST_F(ArchiveEntries, AnEmptyMaskIsToldAndAnsweredTheSame) {
+    SetMachinePolicy(L"AllowedEncryptionMethods", L"0");
     EXPECT_EQ(service_->AllowedEncryptMethods(), 0);
     EXPECT_EQ(service_->DefaultEncryptionMethod(), 0);
-    EXPECT_TRUE(boxes_.Seen().empty());
     EXPECT_EQ(service_->TryToShowWarningOrErrorMessage(nullptr, 0, 1) & 0xFFFF, 2U);
     EXPECT_EQ(OnlyBox(), L"The Ombrix encryption feature has been disabled by your administrator.");
 }

@@ -65,15 +65,21 @@ TEST_F(EncryptionRulesTest, TheDefaultIsTheAdministratorsIfItIsAllowed) {
     EXPECT_EQ(DefaultMethod(), 4);
 }
 
-TEST_F(EncryptionRulesTest, EncryptionIsSwitchedOffFromEitherView) {
+// The mask stays, as callers ask only where it isn't empty.
+TEST_F(EncryptionRulesTest, EncryptionIsSwitchedOffFromEitherViewAndTheMaskStays) {
+    const obtest::MessageBoxWatcher boxes;
     for (const int view : {32, 64}) {
         obtest::ClearProductRegistry();
         obtest::SetMachinePolicy(L"NoEncryption", L"1", view);
-        EXPECT_EQ(AllowedMethods(), 0);
-        EXPECT_EQ(DefaultMethod(), 0);
-        obtest::SetMachinePolicy(L"NoEncryption", L"0", view);
         EXPECT_EQ(AllowedMethods(), 12);
+        EXPECT_EQ(DefaultMethod(), 8);
+        EXPECT_TRUE(TellIfEncryptionIsOff(nullptr));
+        obtest::SetMachinePolicy(L"NoEncryption", L"0", view);
+        EXPECT_FALSE(TellIfEncryptionIsOff(nullptr));
+        obtest::SetMachinePolicy(L"AllowedEncryptionMethods", L"0", view);
+        EXPECT_TRUE(TellIfEncryptionIsOff(nullptr));
     }
+    EXPECT_EQ(boxes.Seen().size(), 4U);
 }
 
 TEST_F(EncryptionRulesTest, ThatItIsOffIsToldInTheProductsWords) {
