@@ -50,25 +50,25 @@ std::int32_t Utf16BytesBack(const TextConverter& converter) {
     return last >= 0xD800 && last <= 0xDFFF ? 2 : 0;
 }
 
-// Length of the sequence that the end cuts, by its real lead byte; 0 when it cuts none. Without
-// this the forgiving decoder would take the front of a cut four-byte sequence for characters.
-std::int32_t CutUtf8(const std::uint8_t* bytes, std::int32_t length) {
-    for (std::int32_t back = 1; back <= std::min(length, std::int32_t{3}); ++back) {
-        const std::uint8_t byte = bytes[length - back];
-        if ((byte & 0xC0) != 0x80) {
-            const bool cut = ReadUtf8(bytes + length - back, back).kind == Utf8Sequence::Kind::Cut;
-            return cut ? back : 0;
+// Asks the last real lead byte: true when its sequence reaches the end, with what the end cuts of
+// it (0 for a whole one). The forgiving decoder alone would find characters inside a sequence of
+// four bytes.
+bool EndOfRealSequence(const std::uint8_t* bytes, std::int32_t length, std::int32_t& outCut) {
+    for (std::int32_t back = 1; back <= std::min(length, std::int32_t{4}); ++back) {
+        if ((bytes[length - back] & 0xC0) != 0x80) {
+            const Utf8Sequence sequence = ReadUtf8(bytes + length - back, back);
+            outCut = sequence.kind == Utf8Sequence::Kind::Cut ? back : 0;
+            return sequence.kind != Utf8Sequence::Kind::Bad && sequence.length == back;
         }
     }
-    return 0;
+    return false;
 }
 
 // Walks back to the last place from which a whole character can be read; false when there is none.
 bool Utf8BytesBack(const TextConverter& converter, std::int32_t& outBytes) {
     const auto* bytes = static_cast<const std::uint8_t*>(converter.source);
     const std::int32_t length = converter.sourceLength;
-    outBytes = CutUtf8(bytes, length);
-    if (outBytes > 0) {
+    if (EndOfRealSequence(bytes, length, outBytes)) {
         return outBytes < length;
     }
     for (std::int32_t at = length - 1; at >= 0; --at) {

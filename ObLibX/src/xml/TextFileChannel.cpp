@@ -27,6 +27,10 @@ bool SeekBack(std::FILE* file, std::int64_t bytes) {
 #endif
 }
 
+// Why a read fell short. A stream that can't be read needn't have its error flag set, so the end
+// must be claimed. Leaves the thread's last error alone.
+bool EndedEarly(std::FILE* file) { return std::feof(file) != 0 && std::ferror(file) == 0; }
+
 std::uint32_t Advanced(std::uint32_t offset, std::size_t bytes) {
     return static_cast<std::uint32_t>(
         std::min<std::uint64_t>(std::uint64_t{offset} + bytes, UINT32_MAX));
@@ -106,8 +110,7 @@ bool TextFileChannel::ReadBlockRaw(void* buffer) {
     gaps_.clear();
     const auto wanted = static_cast<std::size_t>(opByteLength);
     const std::size_t got = std::fread(buffer, 1, wanted, file.get());
-    // Nothing may come between the call and its error.
-    const bool good = got == wanted || std::ferror(file.get()) == 0 || ReportFileError();
+    const bool good = got == wanted || EndedEarly(file.get()) || ReportFileError();
     opByteLength = static_cast<std::int32_t>(got);
     opTextLength = opByteLength / unitSize;
     fileOffset = Advanced(fileOffset, got);

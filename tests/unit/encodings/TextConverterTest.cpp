@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "ObLibX/src/xml/SystemText.h"
 #include "ObLibX/src/xml/TextConverter.h"
 #include "ObLibX/src/xml/Utf8Sequence.h"
+#include "tests/unit/encodings/CodePages.h"
 
 namespace {
 
@@ -44,10 +44,8 @@ std::basic_string<To> Convert(const std::wstring& fromEncoding, const std::basic
     return out;
 }
 
-bool HasPage(std::uint32_t page) { return ObLibX::SystemToWide(page, "A", 1, nullptr, 0) == 1; }
-
 #define SKIP_WITHOUT_PAGE(page)                                                                    \
-    if (!HasPage(page)) {                                                                          \
+    if (!obtest::HasPage(page)) {                                                                  \
         GTEST_SKIP() << "this system has no code page " << page                                    \
                      << "; encodings_double_test holds the same rule on a system of its own";      \
     }
@@ -323,7 +321,7 @@ TEST(TextConverter, MakesNothingOfAnyOtherPageForUtf32) {
 }
 
 TEST(TextConverter, GivesNothingForAPageThatTheSystemLacks) {
-    if (HasPage(57002)) {
+    if (obtest::HasPage(57002)) {
         GTEST_SKIP() << "this system has page 57002; encodings_double_test has one that hasn't";
     }
     TextConverter converter = Over(L"x-iscii-de", std::string("text"));
