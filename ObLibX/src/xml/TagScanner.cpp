@@ -4,6 +4,7 @@
 
 #include "ObLibX/src/xml/DocumentState.h"
 #include "ObLibX/src/xml/NodeRules.h"
+#include "ObLibX/src/xml/QuickScan.h"
 #include "ObLibX/src/xml/TextFileChannel.h"
 #include "ObLibX/src/xml/XmlCharacters.h"
 
@@ -101,7 +102,9 @@ bool NextAttributeOfTag(TagScanner& scanner) {
 
 std::int32_t TagScanner::NextNode(NodeScan& scan) {
     scan.report.clear();
-    NodeRules(*this, scan).Run();
+    if (!QuickNode(*this, scan)) {
+        NodeRules(*this, scan).Run();
+    }
     return scan.type;
 }
 

@@ -8,12 +8,14 @@ namespace {
 constexpr std::size_t kNever = std::numeric_limits<std::size_t>::max();
 std::size_t g_allocations = 0;
 std::size_t g_failing = kNever;
+bool g_andLater = false;
 bool g_happened = false;
 
 } // namespace
 
 void* operator new(std::size_t size) {
-    if (g_allocations++ >= g_failing) {
+    const std::size_t number = g_allocations++;
+    if (number == g_failing || (g_andLater && number > g_failing)) {
         g_happened = true;
         throw std::bad_alloc();
     }
@@ -23,8 +25,9 @@ void* operator new(std::size_t size) {
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
-AllocationFailure::AllocationFailure(std::size_t failing) {
+AllocationFailure::AllocationFailure(std::size_t failing, bool andLater) {
     g_allocations = 0;
+    g_andLater = andLater;
     g_happened = false;
     g_failing = failing;
 }

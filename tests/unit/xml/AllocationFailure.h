@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <new>
 
-// While one lives, allocation number `failing` (from 0) of the process and all later ones throw
-// std::bad_alloc. Only one at a time; nothing else may run.
+// While one lives, allocation number `failing` (from 0) of the process and, with `andLater`, all
+// later ones throw std::bad_alloc. Only one at a time; nothing else may run.
 class AllocationFailure {
 public:
-    explicit AllocationFailure(std::size_t failing);
+    explicit AllocationFailure(std::size_t failing, bool andLater = true);
     ~AllocationFailure();
     AllocationFailure(const AllocationFailure&) = delete;
     AllocationFailure& operator=(const AllocationFailure&) = delete;
