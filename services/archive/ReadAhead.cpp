@@ -54,10 +54,26 @@ bool ReadAhead::FindTwin() {
     const std::optional<ContentDigest> digest = HashSource();
     if (!digest) return false;
     const auto original = twins_->FirstOf(source.facts.size, *digest, next_);
-    if (!original) return file_.Open(source.path, source.facts, true);
+    if (!original) {
+        known_ = digest;
+        again_.emplace();
+        return file_.Open(source.path, source.facts, true);
+    }
     run_.bytesRead += source.facts.size;
     SubmitCopy(*original);
     return run_.Report();
+}
+
+// What is stored is what its twins are taken for, even where a file's time is too coarse to tell a
+// change between the two readings.
+bool ReadAhead::IsStillTheSame(const ByteBuffer& block) {
+    if (!again_) return true;
+    again_->Add(block.Bytes());
+    if (!file_.IsAtEnd()) return true;
+    const bool same = again_->Finish() == *known_;
+    again_.reset();
+    if (!same) run_.Fail(ZipResult::SourceChanged, run_.file);
+    return same;
 }
 
 bool ReadAhead::BeginSource() {
@@ -123,7 +139,7 @@ bool ReadAhead::ReadPiece() {
     if (!reading_ && !BeginSource()) return false;
     if (!reading_) return true; // it was a copy
     ByteBuffer block;
-    if (!ReadBlock(block)) return false;
+    if (!ReadBlock(block) || !IsStillTheSame(block)) return false;
     order_.last = file_.IsAtEnd();
     if (order_.IsWhole() && twins_ && twins_->MayHaveTwin(block.Size())) {
         ContentHash hash;

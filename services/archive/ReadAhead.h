@@ -51,6 +51,7 @@ private:
     bool BeginSource();
     bool ReadBlock(ByteBuffer& block);
     bool FindTwin();
+    bool IsStillTheSame(const ByteBuffer& block);
     std::optional<ContentDigest> HashSource();
     void Submit(PackOrder order, ByteBuffer block);
     void SubmitCopy(std::size_t original);
@@ -72,6 +73,9 @@ private:
     std::size_t next_ = 0; // the source that is read, or comes next
     bool reading_ = false;
     SourceFile file_;
+    // Of a larger file that is read again: what it held and, so far, holds.
+    std::optional<ContentDigest> known_;
+    std::optional<ContentHash> again_;
     PackOrder order_; // of the next piece of the source that is read
     std::optional<ContentTwins> twins_;
     BlockCompressor glances_;

@@ -41,6 +41,9 @@ bool Measure(HANDLE file, SourceFacts& now) {
 bool SourceFile::Open(const std::wstring& path, SourceFacts& facts, bool pinned) {
     run_.file = path;
     total_ = 0;
+    // Closed before it is opened again: one that was deleted meanwhile would only go now, and be
+    // told as one that may not be read.
+    file_.Reset();
     file_ = ObLib::UniqueKernelHandle(CreateFileW(
         path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
         OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
