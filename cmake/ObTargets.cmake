@@ -4,6 +4,7 @@
 #   ob_headers(T [LIBS ...])            a floor that is headers only
 #   ob_room(T SOURCES ... [LIBS ...])   a static library: one room or floor
 #   ob_module(T OUTPUT name DEF file SOURCES ... [RESOURCES ...] [LIBS ...])   a DLL
+#   ob_load_late(T library...)          a module's system libraries that are loaded at their first call
 #   ob_program(T [OUTPUT name] [GUI] SOURCES ... [RESOURCES ...] [LIBS ...])   an EXE with wmain
 #   ob_test(T SOURCES ... [LIBS ...] [RESOURCES ...] [STAGE ...] [TIMEOUT s] [ENV ...])
 #
@@ -18,6 +19,10 @@ target_compile_options(ob_base INTERFACE
     $<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Werror;-Wno-missing-field-initializers>)
 target_compile_definitions(ob_base INTERFACE
     UNICODE _UNICODE _WIN32_WINNT=0x0A00 WINVER=0x0A00 NTDDI_VERSION=0x0A000000)
+
+# Sections that begin on pages of the file are mapped by any loader, and read only as far as they are
+# used; ones packed closer are copied whole by some. It takes a few kilobytes of each file.
+set(OB_PAGED_FILE -Wl,--file-alignment,4096)
 
 # For work on a tree that is being written in several places at once: -D OB_PARTIAL=ON leaves out
 # each target that names a source file which isn't there yet, and says so, where an ordinary build
@@ -101,12 +106,46 @@ function(ob_module target)
     add_library(${target} SHARED ${arg_SOURCES} ${arg_DEF})
     set_target_properties(${target} PROPERTIES PREFIX "" IMPORT_PREFIX "" OUTPUT_NAME "${arg_OUTPUT}")
     target_link_libraries(${target} PRIVATE ob_base ${arg_LIBS})
-    target_link_options(${target} PRIVATE -s -Wl,--exclude-all-symbols)
+    target_link_options(${target} PRIVATE -s -Wl,--exclude-all-symbols ${OB_PAGED_FILE})
     if(arg_DEF)
         get_filename_component(def "${arg_DEF}" ABSOLUTE)
         set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${def}")
     endif()
     ob_resources(${target} ${arg_RESOURCES})
+endfunction()
+
+# ob_load_late(<target> <system library>...): a module that is loaded on the way to something visible
+# doesn't bring along what is called later or never. The import libraries that do so are made from the
+# toolchain's own and stand before those in the search. Calls look the same in the sources; a library
+# that isn't there would end the first of them with a system exception, so it is for libraries that
+# every system has.
+function(ob_load_late target)
+    if(NOT TARGET ${target})
+        return() # left out by OB_PARTIAL
+    endif()
+    set(folder "${CMAKE_CURRENT_BINARY_DIR}/${target}-late")
+    file(MAKE_DIRECTORY "${folder}")
+    foreach(library ${ARGN})
+        if(NOT EXISTS "${folder}/lib${library}.a")
+            ob_make_late_library(${library} "${folder}")
+        endif()
+    endforeach()
+    target_link_directories(${target} BEFORE PRIVATE "${folder}")
+endfunction()
+
+function(ob_make_late_library library folder)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=lib${library}.a
+        OUTPUT_VARIABLE ordinary OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND ${CMAKE_NM} "${ordinary}"
+        OUTPUT_VARIABLE symbols ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "__imp_[A-Za-z0-9_]+" entries "${symbols}")
+    list(TRANSFORM entries REPLACE "^__imp_" "    ")
+    list(REMOVE_DUPLICATES entries)
+    list(JOIN entries "\n" names)
+    file(WRITE "${folder}/${library}.def" "LIBRARY ${library}.dll\nEXPORTS\n${names}\n")
+    execute_process(
+        COMMAND ${CMAKE_DLLTOOL} -d ${library}.def -y lib${library}.a
+        WORKING_DIRECTORY "${folder}" COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
 # ob_program(<target> [OUTPUT <file name without .exe>] [GUI] SOURCES ... [RESOURCES <rc>]
@@ -122,7 +161,7 @@ function(ob_program target)
         set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
     endif()
     target_link_libraries(${target} PRIVATE ob_base ${arg_LIBS})
-    target_link_options(${target} PRIVATE -municode -s)
+    target_link_options(${target} PRIVATE -municode -s ${OB_PAGED_FILE})
     ob_resources(${target} ${arg_RESOURCES})
 endfunction()
 
