@@ -11,13 +11,15 @@ using namespace ObLibX;
 
 namespace {
 
+constexpr const wchar_t* kRichStart =
+    L"<?xml version='1.0'?>\r\n<!DOCTYPE r [<!ELEMENT r ANY>]>\r\n<r><!--c--><a x='1'/> t <b y=2/>"
+    L"q<c z>&amp;</c></b></r><!--tail-->";
 constexpr const wchar_t* kStarts[] = {
     L"",
     L"<r/>",
     L"<r>\r\n<a/>\r\n  <b>text</b>\r\n</r>",
-    L"<?xml version='1.0'?>\r\n<!DOCTYPE r [<!ELEMENT r ANY>]>\r\n<r><!--c--><a x='1'/> t <b y=2/>"
-    L"q<c z>&amp;</c></b></r><!--tail-->",
     L"<r><a><b><c><d/></c></b></a><a/><a></a><a>  </a></r>",
+    kRichStart,
 };
 constexpr const wchar_t* kNames[] = {L"a", L"bb", L"c-c", L"d:d", L"_e", L"\xE9g"};
 constexpr const wchar_t* kValues[] = {
