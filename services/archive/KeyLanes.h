@@ -20,10 +20,12 @@ struct KeyLanes {
     std::uint32_t result[kMostLanes][kHashWords];
 };
 
-// Fills the results of the first four or of all eight lanes. The work memory is wiped. The second
-// one only where HasEightLanes says so.
+// Fills the results of the first four or of all eight lanes. The work memory is wiped. Each only
+// where the processor has it; all have four lanes. Rotating ones take about half of the time.
 void DeriveFourLanes(KeyLanes& lanes) noexcept;
 void DeriveEightLanes(KeyLanes& lanes) noexcept;
+void DeriveEightLanesRotating(KeyLanes& lanes) noexcept;
 bool HasEightLanes() noexcept;
+bool HasEightLanesRotating() noexcept;
 
 } // namespace obarchive

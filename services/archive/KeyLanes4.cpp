@@ -8,6 +8,10 @@ void DeriveFourLanes(KeyLanes& lanes) noexcept {
     DeriveLanes<Vector>(lanes);
 }
 
+// The system keeps the wide registers, too, where these say yes.
 bool HasEightLanes() noexcept { return __builtin_cpu_supports("avx2") != 0; }
+bool HasEightLanesRotating() noexcept {
+    return HasEightLanes() && __builtin_cpu_supports("avx512vl") != 0;
+}
 
 } // namespace obarchive

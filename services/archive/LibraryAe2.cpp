@@ -131,11 +131,8 @@ std::size_t BlocksOf(std::size_t keySize) {
 std::size_t Lanes() noexcept { return HasEightLanes() ? 8 : 4; }
 
 void DeriveLanes(KeyLanes& lanes, std::size_t used) {
-    if (used > 4) {
-        DeriveEightLanes(lanes);
-    } else {
-        DeriveFourLanes(lanes);
-    }
+    if (used <= 4) return DeriveFourLanes(lanes);
+    HasEightLanesRotating() ? DeriveEightLanesRotating(lanes) : DeriveEightLanes(lanes);
 }
 
 } // namespace

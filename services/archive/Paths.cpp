@@ -17,7 +17,20 @@ constexpr std::size_t kLongestName = 255;   // of a file or a folder, on every f
 bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowSurrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
+int CompareLengths(std::size_t first, std::size_t second) {
+    if (first == second) return CSTR_EQUAL;
+    return first < second ? CSTR_LESS_THAN : CSTR_GREATER_THAN;
+}
+
+// Unit by unit, so that what stands alike in front of both, which is most of a path, needn't be
+// asked for.
 int CompareOrdinal(std::wstring_view first, std::wstring_view second) {
+    const auto differing =
+        std::mismatch(first.begin(), first.end(), second.begin(), second.end()).first;
+    const auto alike = static_cast<std::size_t>(differing - first.begin());
+    first.remove_prefix(alike);
+    second.remove_prefix(alike);
+    if (first.empty() || second.empty()) return CompareLengths(first.size(), second.size());
     return CompareStringOrdinal(first.data(), static_cast<int>(first.size()), second.data(),
                                 static_cast<int>(second.size()), TRUE);
 }
