@@ -36,11 +36,15 @@ protected:
         return peak.Bytes();
     }
 
-    // Names for one file's content.
+    // Names for one file's content, in folders of some, as a name that is new is looked for in the
+    // whole of its folder.
     void AddLinks(std::size_t count, std::size_t size) {
+        constexpr std::size_t kFolder = 200;
         const std::wstring first = in_.File(L"content", EngineProse(size));
+        std::wstring folder;
         for (std::size_t index = 0; index < count; ++index) {
-            const std::wstring link = in_ / (L"link" + std::to_wstring(index));
+            if (index % kFolder == 0) folder = in_.Folder(L"folder" + std::to_wstring(index));
+            const std::wstring link = folder + L"\\link" + std::to_wstring(index);
             ASSERT_TRUE(CreateHardLinkW(link.c_str(), first.c_str(), nullptr));
             job_.files.push_back(link);
         }
@@ -81,7 +85,7 @@ TEST_F(EngineMemoryTest, ManySmallFilesHoldABoundedNumberAndTheirNotes) {
     constexpr std::size_t kSize = 10'000;
     constexpr std::size_t kFew = 500;
     constexpr std::size_t kMany = 4'000;
-    constexpr std::size_t kNotes = 4'096; // of one file
+    constexpr std::size_t kNotes = 1'500; // of one file
     AddLinks(kMany, kSize);
     const std::vector<std::wstring> all = job_.files;
     job_.files.resize(kFew);

@@ -1,0 +1,265 @@
+#!/usr/bin/env python3
+"""Has the archive service write zips that need the 64-bit form, and reads them with other people's
+tools.
+
+Always: more entries than 16 bits count, each of which every tool must give back byte for byte and in
+order.
+
+With OB_LARGE_ARCHIVES=1: 100,000 entries, and files of 4 GiB minus one and plus one byte, deflated,
+stored, and encrypted, so that sizes, packed sizes and offsets pass 4 GiB, each alone and together.
+The sources have holes; the zips that store them take up to 9 GB of the temporary folder.
+"""
+import argparse
+import hashlib
+import os
+import random
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import zipfile
+
+from check_archives import ENV, PASSWORD, check, failures, run
+
+MANY = 100_000
+ENOUGH = 66_000  # more than 16 bits count
+GIB4 = 1 << 32
+FULL32 = 0xFFFFFFFF
+FULL16 = 0xFFFF
+PIECE = 1 << 20
+NOISE = 3 << 20  # more than the first block, by which the service tells what doesn't shrink
+SALT_CHECK_CODE = 16 + 2 + 10
+TOOLS = ("7z", "unzip", "bsdtar", "python")
+
+
+def write(path, size, head):
+    """A file with a hole between its head and its last bytes."""
+    with open(path, "wb") as file:
+        file.write(head)
+        if size > len(head) + 3:
+            file.seek(size - 3)
+            file.write(b"end")
+
+
+def make(options, folder, archive, encryption):
+    start = time.monotonic()
+    windows = ["Z:" + path.replace("/", "\\") for path in (folder, archive)]
+    done = run(options.wine_run, "--timeout", "900", "--stage", options.service, "--env", f"OB_PASSWORD={PASSWORD}",
+               "--env", "TZ=UTC", "--", options.maker, *windows, str(encryption))
+    sys.stdout.write(f"{os.path.basename(archive)}: {done.stdout.decode(errors='replace')}")
+    sys.stderr.write(done.stderr.decode(errors="replace"))
+    made = done.returncode == 0 and os.path.exists(archive)
+    check(made, f"the service wrote {os.path.basename(archive)} (exit code {done.returncode})")
+    left = sorted(os.listdir(os.path.dirname(archive)))
+    check(left == [os.path.basename(archive)], f"nothing but the zip is left: {left}")
+    if made:
+        print(f"{os.path.basename(archive)}: {os.path.getsize(archive)} bytes, written in "
+              f"{time.monotonic() - start:.1f} s", flush=True)
+    return made
+
+
+def command(tool, archive, name):
+    """What writes one entry, or with no name all of them, to the standard output."""
+    names = [name] if name else []
+    return {
+        "7z": ["7z", "x", "-so", f"-p{PASSWORD}", archive, *names],
+        "unzip": ["unzip", "-p", "-P", PASSWORD, archive, *names],
+        "bsdtar": ["bsdtar", "-x", "-O", "--passphrase", PASSWORD, "-f", archive, *names],
+    }[tool]
+
+
+def digest_of(stream):
+    """Size and SHA-256 of all that comes."""
+    total, digest = 0, hashlib.sha256()
+    while piece := stream.read(PIECE):
+        total += len(piece)
+        digest.update(piece)
+    return total, digest.hexdigest()
+
+
+def digest_of_file(path):
+    with open(path, "rb") as file:
+        return digest_of(file)
+
+
+def read_with(tool, archive, name):
+    """Size and digest of an entry as the tool gives it; nothing when the tool fails."""
+    if tool == "python":
+        with zipfile.ZipFile(archive) as file, file.open(name) as entry:
+            return digest_of(entry)
+    with subprocess.Popen(command(tool, archive, name), env=ENV, stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as process:
+        digest = digest_of(process.stdout)
+    return digest if process.returncode == 0 else None
+
+
+def names_by(tool, archive):
+    if tool == "python":
+        with zipfile.ZipFile(archive) as file:
+            return file.namelist()
+    listing = {
+        "7z": ["7z", "l", "-ba", "-slt", archive],
+        "unzip": ["unzip", "-Z1", archive],
+        "bsdtar": ["bsdtar", "-t", "-f", archive],
+    }[tool]
+    lines = run(*listing).stdout.decode().splitlines()
+    return [line[7:] for line in lines if line.startswith("Path = ")] if tool == "7z" else lines
+
+
+def wide(extra, fields):
+    """The values of a header, those that are full taken from the 64-bit field; that field's size."""
+    at = 0
+    while at + 4 <= len(extra):
+        kind, size = struct.unpack_from("<HH", extra, at)
+        if kind == 1:
+            values = iter(struct.unpack_from(f"<{size // 8}Q", extra, at + 4))
+            return [next(values, None) if field == FULL32 else field for field in fields], size
+        at += 4 + size
+    return fields, 0
+
+
+def central_headers(archive):
+    """The end record's count and, for each entry, name, size, packed size and offset, with what the
+    32-bit fields hold. Read by the 64-bit end record when there is one."""
+    with open(archive, "rb") as file:
+        file.seek(0, os.SEEK_END)
+        length = file.tell()
+        file.seek(max(0, length - 4096))
+        tail = file.read()
+        end = tail.rfind(b"PK\5\6")
+        count, size, at = struct.unpack_from("<HII", tail, end + 10)
+        locator = tail.rfind(b"PK\6\7", 0, end)
+        if locator >= 0:
+            file.seek(struct.unpack_from("<Q", tail, locator + 8)[0])
+            record = file.read(56)
+            check(record[:4] == b"PK\6\6", "the locator leads to the 64-bit end record")
+            here, whole, wide_size, wide_at = struct.unpack_from("<QQQQ", record, 24)
+            check(here == whole, "all entries are on one disk")
+            check(count in (FULL16, whole) and size in (FULL32, wide_size) and at in (FULL32, wide_at),
+                  "the end record says the same as its 64-bit form, or nothing")
+            count, size, at = whole, wide_size, wide_at
+        file.seek(at)
+        data = file.read(size)
+        entries = []
+        at = 0
+        for _ in range(count):
+            packed, plain = struct.unpack_from("<II", data, at + 20)
+            name, extra, comment = struct.unpack_from("<HHH", data, at + 28)
+            offset = struct.unpack_from("<I", data, at + 42)[0]
+            fields, _ = wide(data[at + 46 + name:at + 46 + name + extra], [plain, packed, offset])
+            entries.append((data[at + 46:at + 46 + name].decode(), *fields))
+            at += 46 + name + extra + comment
+        check(at == len(data), "the directory is as long as it says")
+        for entry in entries:
+            check_local_header(file, entry)
+    return locator >= 0, entries
+
+
+def check_local_header(file, entry):
+    """The header in front of the data says the same."""
+    name, plain, packed, offset = entry
+    file.seek(offset)
+    header = file.read(30)
+    check(header[:4] == b"PK\3\4", f"{name}: a header stands at its offset")
+    here_packed, here_plain, length, extra = struct.unpack_from("<IIHH", header, 18)
+    check(file.read(length).decode() == name, f"{name}: the same name in front of the data")
+    fields, _ = wide(file.read(extra), [here_plain, here_packed])
+    check(fields == [plain, packed], f"{name}: the same sizes in front of the data")
+
+
+def check_many(options, work, count):
+    folder, out = os.path.join(work, "many"), os.path.join(work, "many-out")
+    os.mkdir(folder)
+    os.mkdir(out)
+    names = [f"{number:06}.txt" for number in range(count)]
+    whole = hashlib.sha256()
+    total = 0
+    for number, name in enumerate(names):
+        content = f"{number * 7919} ".encode() * (number % 9)
+        with open(os.path.join(folder, name), "wb") as file:
+            file.write(content)
+        whole.update(content)
+        total += len(content)
+    archive = os.path.join(out, "many.zip")
+    if not make(options, folder, archive, 0):
+        return
+    has_wide_end, entries = central_headers(archive)
+    check(has_wide_end, f"{count} entries have a 64-bit end record")
+    check([entry[0] for entry in entries] == names, f"the directory has {count} names in order")
+    for tool in TOOLS:
+        start = time.monotonic()
+        check(names_by(tool, archive) == names, f"{tool} lists {count} names in order")
+        given = read_all(archive) if tool == "python" else read_with(tool, archive, None)
+        check(given == (total, whole.hexdigest()), f"{tool} gives back {count} files byte for byte")
+        print(f"{tool} many.zip: {time.monotonic() - start:.1f} s", flush=True)
+
+
+def read_all(archive):
+    total, digest = 0, hashlib.sha256()
+    with zipfile.ZipFile(archive) as file:
+        for name in file.namelist():
+            content = file.read(name)
+            total += len(content)
+            digest.update(content)
+    return total, digest.hexdigest()
+
+
+def large_cases(noise):
+    """Name, encryption as the service counts, and the sources: name, size, beginning, and whether it
+    is stored as it is."""
+    below, above, tail = GIB4 - 1, GIB4 + 1, 3
+    return (
+        ("deflated.zip", 0, (("below", below, b"", False), ("over", above, b"", False), ("tail", tail, b"end", True))),
+        ("stored.zip", 0, (("below", below, noise, True), ("over", above, noise, True), ("tail", tail, b"end", True))),
+        ("aes256.zip", 8, (("below", below, noise, True), ("over", above, b"", False), ("tail", tail, b"end", True))),
+    )
+
+
+def check_large(options, work, archive_name, encryption, sources):
+    folder, out = os.path.join(work, "in-" + archive_name), os.path.join(work, "out-" + archive_name)
+    os.mkdir(folder)
+    os.mkdir(out)
+    for name, size, head, _ in sources:
+        write(os.path.join(folder, name), size, head)
+    archive = os.path.join(out, archive_name)
+    if not make(options, folder, archive, encryption):
+        return
+    _, entries = central_headers(archive)
+    surplus = SALT_CHECK_CODE if encryption else 0
+    for (name, size, _, stored), entry in zip(sources, entries, strict=True):
+        check(entry[:2] == (name, size), f"{archive_name}: name and size of {entry}")
+        check(entry[2] == size + surplus if stored else entry[2] < size // 100, f"{archive_name}: packed {entry}")
+        print(f"{archive_name} {name}: {entry[1]} bytes, {entry[2]} packed, at {entry[3]}", flush=True)
+    digests = {name: digest_of_file(os.path.join(folder, name)) for name, *_ in sources}
+    for tool in TOOLS:
+        if encryption and tool in ("unzip", "python"):
+            print(f"{tool} {archive_name}: passed over, it knows no AES", flush=True)
+            continue
+        start = time.monotonic()
+        for name, digest in digests.items():
+            check(read_with(tool, archive, name) == digest, f"{tool} gives back {name} of {archive_name}")
+        print(f"{tool} {archive_name}: {time.monotonic() - start:.1f} s", flush=True)
+    os.remove(archive)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--wine-run", required=True)
+    parser.add_argument("--maker", required=True)
+    parser.add_argument("--service", required=True)
+    options = parser.parse_args()
+    with tempfile.TemporaryDirectory(prefix="webvellant-archives-") as work:
+        large = os.environ.get("OB_LARGE_ARCHIVES") == "1"
+        check_many(options, work, MANY if large else ENOUGH)
+        for case in large_cases(random.Random(7).randbytes(NOISE)) if large else ():
+            check_large(options, work, *case)
+        if not large:
+            print(f"{ENOUGH} entries for {MANY}, and files of 4 GiB are passed over: they take a quarter of an hour and "
+                  "9 GB of the temporary folder; OB_LARGE_ARCHIVES=1 ./test -R archive_readers_64bit -V runs them")
+    print(f"{len(failures)} failures")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
