@@ -9,11 +9,11 @@ constexpr std::uint64_t kAllowed = 16;
 constexpr std::uint64_t kQuickLoss = 40;
 constexpr std::uint64_t Packed(std::uint64_t size) { return size * 2 / 5; }
 
-// There is less to be found in a small piece: quick packing loses 24 thousandths. So three in four
+// There is less to be found in a small piece: quick packing loses 24 thousandths. So four in five
 // may be packed so, one like the other, whatever else is in the run.
 constexpr std::uint64_t kSmall = 64 * 1024;
-constexpr std::uint64_t kQuickSmall = 3;
-constexpr std::uint64_t kOfSmall = 4;
+constexpr std::uint64_t kQuickSmall = 4;
+constexpr std::uint64_t kOfSmall = 5;
 
 } // namespace
 

@@ -10,9 +10,9 @@
 namespace obarchive {
 
 // Thorough packing takes about four times as long as quick packing, which loses a few per cent of
-// what comes out. As much is packed quickly as makes the whole zip about 1.6 per cent larger. What
-// can only be stored is as small as it gets and makes room for more, so that time isn't spent on
-// what hardly shows. The same files in the same order always get the same work. One thread.
+// what comes out. As much is packed quickly as makes the whole zip less than two per cent larger.
+// What can only be stored is as small as it gets and makes room for more, so that time isn't spent
+// on what hardly shows. The same files in the same order always get the same work. One thread.
 class EffortPlan {
 public:
     // The sizes of all files of the run.
