@@ -47,12 +47,13 @@ TEST(NativeWide, NumbersHaveTheRangeOfWindows) {
     EXPECT_EQ(0xFFFFFFFFul, std::wcstoul(L"FFFFFFFF", nullptr, 16));
 }
 
-TEST(NativeWide, FormatMeasuresWithoutABufferAndRefusesWhatDoesNotFit) {
+TEST(NativeWide, FormatAnswersTheWholeLengthWhateverTheRoom) {
     EXPECT_EQ(9, Write(nullptr, 0, L"%d %ls %s", 12, L"abc", "de"));
     wchar_t room[10] = {};
     EXPECT_EQ(9, Write(room, 10, L"%d %ls %s", 12, L"abc", "de"));
     EXPECT_STREQ(L"12 abc de", room);
-    EXPECT_LT(Write(room, 9, L"%d %ls %s", 12, L"abc", "de"), 0);
+    EXPECT_EQ(9, Write(room, 5, L"%d %ls %s", 12, L"abc", "de"));
+    EXPECT_STREQ(L"12 a", room);
     EXPECT_EQ(10, Write(nullptr, 0, L"%-4ls|%05X", L"ab", 0xBEEF));
 }
 

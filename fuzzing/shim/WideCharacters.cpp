@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <cwctype>
@@ -124,6 +125,13 @@ unsigned long wcstoul(const wchar_t* text, wchar_t** end, int base) noexcept {
     if (number <= UINT_MAX) return number;
     errno = ERANGE;
     return UINT_MAX;
+}
+
+// For messages, which are ASCII.
+int fputws(const wchar_t* text, std::FILE* file) {
+    for (; *text != L'\0'; ++text)
+        if (std::fputc(*text < 0x80 ? *text : '?', file) == EOF) return -1;
+    return 0;
 }
 
 } // extern "C"

@@ -1,6 +1,6 @@
-// vswprintf for 16 bits, as the Windows build's C library answers it: with no buffer or no room it
-// gives the length that the text would have; a text that doesn't fit is a negative answer. %s is
-// narrow, %ls wide. Each conversion but the texts is done by the narrow library.
+// vswprintf for 16 bits, as the Windows build's C library answers it: always with the length that
+// the whole text has, also without a buffer and where it is cut for want of room. %s is narrow, %ls
+// wide. Each conversion but the texts is done by the narrow library.
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -183,9 +183,8 @@ extern "C" int vswprintf(wchar_t* out, std::size_t capacity, const wchar_t* form
     }
     va_end(arguments.list);
     if (!known) return -1;
-    if (output.capacity == 0) return static_cast<int>(output.used);
-    out[output.used < capacity ? output.used : capacity - 1] = L'\0';
-    return output.used < capacity ? static_cast<int>(output.used) : -1;
+    if (output.capacity != 0) out[output.used < capacity ? output.used : capacity - 1] = L'\0';
+    return static_cast<int>(output.used);
 }
 
 extern "C" int swprintf(wchar_t* out, std::size_t capacity, const wchar_t* format, ...) noexcept {

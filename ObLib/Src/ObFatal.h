@@ -1,0 +1,38 @@
+// The ends of the process where it must not go on, and the check that leads there.
+#pragma once
+
+#include <cstdint>
+
+namespace ObLib {
+
+// Should one be thrown out of a failed check, it ends at that check and execution goes on behind
+// it. Nothing throws one, as a failed check ends the process.
+struct ObFaultRequest {};
+
+// Write a line to the standard output and end the process by exit(999), so that static objects are
+// destroyed. A process without a console shows nothing. `module` is a source path without its
+// suffix, given by name. Any thread.
+[[noreturn]] void FatalAssert(const wchar_t* module, std::uint32_t line);
+// For a call of the system that must not fail.
+[[noreturn]] void FatalApiFailure(const wchar_t* module, std::uint32_t line);
+
+inline constexpr int kFatalExitCode = 999;
+
+// Runs `call`; an ObFaultRequest ends here.
+template <class Call>
+void CatchFaultRequest(Call call) {
+    try {
+        call();
+    } catch (const ObFaultRequest&) {
+    }
+}
+
+// What ObAssert does on failure.
+void AssertFailed(const wchar_t* module, std::uint32_t line);
+
+} // namespace ObLib
+
+// Checks what must hold, in every kind of build. The file that uses it has a wide text kModule in
+// scope.
+#define ObAssert(condition)                                                                        \
+    ((condition) ? static_cast<void>(0) : ::ObLib::AssertFailed(kModule, __LINE__))
