@@ -253,6 +253,8 @@ bool TextFileChannel::ReadMore() {
     if (live + static_cast<std::int64_t>(block.size()) > kMostInt) {
         throw std::bad_alloc();
     }
+    // From here on, what can fail comes before what changes the text.
+    documentText->reserve(static_cast<std::size_t>(live) + block.size());
     if (savedFrom >= 0 && savedFrom < removed) {
         savedText.append(*documentText, static_cast<std::size_t>(savedFrom),
                          static_cast<std::size_t>(removed - savedFrom));

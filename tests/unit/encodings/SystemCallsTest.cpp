@@ -28,6 +28,8 @@ protected:
         return converter;
     }
 
+    static TextConverter FromWide(std::wstring&&) = delete; // gone before the conversion
+
     static std::int32_t Back(const std::wstring& encoding, const std::string& block) {
         TextConverter converter;
         converter.fromEncoding = encoding;
@@ -106,7 +108,8 @@ TEST_F(SystemCalls, GrantOneByteMoreThanTheCapacityAndKeepToItAllTheSame) {
 }
 
 TEST_F(SystemCalls, NameNoCapacityWhenTheyCount) {
-    TextConverter converter = FromWide(L"abcde");
+    const std::wstring text = L"abcde";
+    TextConverter converter = FromWide(text);
     converter.destinationCapacity = 100;
     EXPECT_EQ(converter.Convert(nullptr, L"windows-1252"), 5);
     EXPECT_EQ(g_system.fromWide.at(0).capacity, 0);

@@ -24,6 +24,10 @@ TextConverter Over(const std::wstring& fromEncoding, const std::basic_string<Fro
     return converter;
 }
 
+// It would be gone before the conversion.
+template <typename From>
+TextConverter Over(const std::wstring&, std::basic_string<From>&&) = delete;
+
 // Counts, converts into just that much with guards behind it, and checks that both agree.
 template <typename To, typename From>
 std::basic_string<To> Convert(const std::wstring& fromEncoding, const std::basic_string<From>& text,
@@ -189,7 +193,8 @@ TEST(TextConverter, StopsItsOwnCodersBehindTheLastCharacterThatFits) {
         EXPECT_EQ(place.find_first_not_of('#', static_cast<std::size_t>(fitting)),
                   std::string::npos);
     }
-    TextConverter pair = Over(L"UTF-32", std::u32string(U"\U0001F600"));
+    const std::u32string smile(U"\U0001F600");
+    TextConverter pair = Over(L"UTF-32", smile);
     char16_t unit = u'#';
     pair.destinationCapacity = 1;
     EXPECT_EQ(pair.Convert(&unit, L"UTF-16"), 0);
@@ -250,7 +255,8 @@ TEST(TextConverter, ConvertsUtf16AndUtf8ThroughTheSystem) {
 
 TEST(TextConverter, NeverAsksForUsedDefaultOfUtf8) {
     // The system refuses the whole conversion when it is asked.
-    TextConverter converter = Over(L"UTF-16", std::u16string(u"\x20AC"));
+    const std::u16string euro(u"\x20AC");
+    TextConverter converter = Over(L"UTF-16", euro);
     converter.usedDefault = 7;
     EXPECT_EQ(converter.Convert(nullptr, L"UTF-8"), 3);
     EXPECT_EQ(converter.usedDefault, 0);
@@ -266,7 +272,8 @@ TEST(TextConverter, ConvertsASingleBytePageBothWays) {
 
 TEST(TextConverter, SaysThatACharacterHadToBeReplaced) {
     SKIP_WITHOUT_PAGE(1252);
-    TextConverter lost = Over(L"UTF-16", std::u16string(u"a\x3042"));
+    const std::u16string text(u"a\x3042");
+    TextConverter lost = Over(L"UTF-16", text);
     char place[4] = "###";
     lost.destinationCapacity = 3;
     EXPECT_EQ(lost.Convert(place, L"windows-1252"), 2);
@@ -297,7 +304,8 @@ TEST(TextConverter, GoesFromPageToPageThroughUtf16) {
 
 TEST(TextConverter, SaysFromPageToPageToo) {
     SKIP_WITHOUT_PAGE(1252);
-    TextConverter lost = Over(L"UTF-8", std::string("\xE3\x81\x82"));
+    const std::string text("\xE3\x81\x82");
+    TextConverter lost = Over(L"UTF-8", text);
     EXPECT_EQ(lost.Convert(nullptr, L"windows-1252"), 1);
     EXPECT_NE(lost.usedDefault, 0);
 }
@@ -313,7 +321,8 @@ TEST(TextConverter, ConvertsADoubleBytePage) {
 TEST(TextConverter, MakesNothingOfAnyOtherPageForUtf32) {
     for (const wchar_t* from : {L"windows-1252", L"Shift_JIS", L"", L"no such name", L"utf-7"}) {
         char32_t place = U'#';
-        TextConverter converter = Over(from, std::string("text"));
+        const std::string text("text");
+        TextConverter converter = Over(from, text);
         converter.destinationCapacity = 1;
         EXPECT_EQ(converter.Convert(&place, L"UTF-32"), 0);
         EXPECT_EQ(place, U'#');
@@ -324,9 +333,11 @@ TEST(TextConverter, GivesNothingForAPageThatTheSystemLacks) {
     if (obtest::HasPage(57002)) {
         GTEST_SKIP() << "this system has page 57002; encodings_double_test has one that hasn't";
     }
-    TextConverter converter = Over(L"x-iscii-de", std::string("text"));
+    const std::string text("text");
+    TextConverter converter = Over(L"x-iscii-de", text);
     EXPECT_EQ(converter.Convert(nullptr, L"UTF-16"), 0);
-    TextConverter back = Over(L"UTF-16", std::u16string(u"text"));
+    const std::u16string wide(u"text");
+    TextConverter back = Over(L"UTF-16", wide);
     char place[8] = "unused";
     back.destinationCapacity = 7;
     EXPECT_EQ(back.Convert(place, L"x-iscii-de"), 0);
