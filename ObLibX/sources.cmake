@@ -1,7 +1,7 @@
 # The sources of the XML document library, for both builds: Windows (ObLibX/CMakeLists.txt) and
 # native (fuzzing/CMakeLists.txt). Include it; it sets
 #   OBX_XML_SOURCES          what builds everywhere, the packed name tables among them
-#   OBX_XML_WINDOWS_SOURCES  what stands behind src/xml/SystemText.h on Windows
+#   OBX_XML_WINDOWS_SOURCES  what stands behind src/xml/System*.h on Windows
 set(names
     XmlCharacters
     ElementRecordTable
@@ -15,14 +15,21 @@ set(names
     NameTables
     TextCoding
     XmlPath
+    StepMatch
     Navigation
     Reading
+    NewElement
     Editing
     ElementText
     TextConverter
     CharBoundary
     TextFileChannel
     DeclaredEncoding
+    StreamTagStack
+    StreamRecords
+    StreamReading
+    StreamWriting
+    StreamFile
     XmlOffsetDocument)
 set(OBX_XML_SOURCES "")
 foreach(name ${names})
@@ -37,8 +44,6 @@ include("${CMAKE_CURRENT_LIST_DIR}/../cmake/ObNameTables.cmake")
 ob_name_tables(tables)
 list(APPEND OBX_XML_SOURCES "${tables}")
 
-set(OBX_XML_WINDOWS_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/xml/SystemTextWindows.cpp")
-if(OB_PARTIAL AND NOT EXISTS "${OBX_XML_WINDOWS_SOURCES}")
-    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_CURRENT_LIST_DIR}/src/xml")
-    set(OBX_XML_WINDOWS_SOURCES "")
-endif()
+set(OBX_XML_WINDOWS_SOURCES
+    "${CMAKE_CURRENT_LIST_DIR}/src/xml/SystemFileWindows.cpp"
+    "${CMAKE_CURRENT_LIST_DIR}/src/xml/SystemTextWindows.cpp")

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "ObLibX/src/xml/ElementText.h"
+#include "ObLibX/src/xml/NewElement.h"
 #include "ObLibX/src/xml/TextCoding.h"
 #include "ObLibX/src/xml/XmlCharacters.h"
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
@@ -10,72 +11,13 @@
 namespace ObLibX {
 namespace {
 
-constexpr std::wstring_view kLineEnd = L"\r\n";
-constexpr std::wstring_view kCdataBegin = L"<![CDATA[";
-constexpr std::wstring_view kCdataEnd = L"]]>";
-constexpr std::wstring_view kCdataSplit = L"]]]]><![CDATA[>";
 constexpr std::size_t kLongestText = 0x7FFFFFFF; // offsets and lengths are 32 bits with a sign
-constexpr std::size_t kStartTagMarks = 2;        // < >
-constexpr std::size_t kEndTagMarks = 3;          // </ >
 
 ElementRecord& RecordAt(DocumentState& document, std::int32_t position) {
     return (*document.records)[static_cast<std::uint32_t>(position)];
 }
 const ElementRecord& RecordAt(const DocumentState& document, std::int32_t position) {
     return (*document.records)[static_cast<std::uint32_t>(position)];
-}
-
-// ---- The text of a new element
-
-struct NewElement {
-    std::wstring text;
-    std::uint32_t startTag = 0; // units
-    std::uint32_t endTag = 0;
-    bool ended = true; // false: a start tag alone
-};
-
-void AppendCdata(std::wstring& out, std::wstring_view value) {
-    out += kCdataBegin;
-    for (std::size_t at = 0;;) {
-        const std::size_t end = value.find(kCdataEnd, at);
-        out += value.substr(at, end - at);
-        if (end == std::wstring_view::npos) break;
-        out += kCdataSplit;
-        at = end + kCdataEnd.size();
-    }
-    out += kCdataEnd;
-}
-
-bool WriteWithValue(std::wstring_view name, std::wstring_view value, std::uint32_t flags,
-                    NewElement& element) {
-    if (name.size() + kEndTagMarks > kLongestEndTag) return false;
-    element.startTag = static_cast<std::uint32_t>(name.size() + kStartTagMarks);
-    element.endTag = static_cast<std::uint32_t>(name.size() + kEndTagMarks);
-    element.text.append(L"<").append(name).append(L">");
-    if ((flags & kAddCdata) != 0) {
-        AppendCdata(element.text, value);
-    } else {
-        element.text += EncodeText(value, flags & kEncodeKeepReferences);
-    }
-    element.text.append(L"</").append(name).append(L">");
-    return true;
-}
-
-bool WriteSingleTag(std::wstring_view name, std::uint32_t flags, NewElement& element) {
-    element.ended = (flags & kAddNoEndTag) == 0;
-    const bool blank = (flags & kAddBlankInEmpty) != 0;
-    const wchar_t* const end = !element.ended ? L">" : blank ? L" />" : L"/>";
-    element.text.append(L"<").append(name).append(end);
-    if (element.text.size() > kLongestStartTag) return false;
-    element.startTag = static_cast<std::uint32_t>(element.text.size());
-    return true;
-}
-
-bool WriteElement(const wchar_t* name, const wchar_t* value, std::uint32_t flags,
-                  NewElement& element) {
-    if (name == nullptr || !IsWritableName(name) || !StartsTagName(*name)) return false;
-    if (value == nullptr || *value == L'\0') return WriteSingleTag(name, flags, element);
-    return (flags & kAddNoEndTag) == 0 && WriteWithValue(name, value, flags, element);
 }
 
 // ---- Where it goes
@@ -259,13 +201,6 @@ void Link(DocumentState& document, const Place& place, std::int32_t position) {
     }
 }
 
-void FillRecord(ElementRecord& record, const NewElement& element, std::size_t start) {
-    record.start = static_cast<std::uint32_t>(start);
-    record.length = static_cast<std::uint32_t>(element.text.size());
-    record.SetTagLengths(element.startTag, element.endTag);
-    record.flagsAndLevel = element.ended ? 0 : kRecordUnended;
-}
-
 // The parent's own numbers, once its single tag is two.
 void OpenParent(DocumentState& document, const Place& place, const Insertion& insertion,
                 std::int32_t delta) {
@@ -299,7 +234,7 @@ std::int32_t InsertElement(DocumentState& document, const Place& place, const Ne
     const auto delta =
         static_cast<std::int32_t>(insertion.text.size()) - static_cast<std::int32_t>(place.removed);
     Splice(document, place.offset, place.removed, insertion.text.data(), insertion.text.size());
-    FillRecord(RecordAt(document, position), element, place.offset + insertion.elementAt);
+    element.FillRecord(RecordAt(document, position), place.offset + insertion.elementAt);
     Link(document, place, position);
     if (place.opensParent) {
         OpenParent(document, place, insertion, delta);
@@ -427,8 +362,13 @@ bool AddElement(DocumentState& document, const wchar_t* name, const wchar_t* val
 
 bool SetAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
                   const wchar_t* value, std::uint32_t flags) {
+    return !document.Has(kDocStreams) && EditAttribute(document, position, name, value, flags);
+}
+
+bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
+                   const wchar_t* value, std::uint32_t flags) {
     const bool given = name != nullptr && value != nullptr && IsWritableName(name);
-    if (document.Has(kDocStreams) || !given || !PositionsHold(document)) return false;
+    if (!given || !PositionsHold(document)) return false;
     const std::optional<TagSpan> tag = TagAt(document, position);
     if (!tag) return false;
     const std::wstring encoded =

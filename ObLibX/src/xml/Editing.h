@@ -30,6 +30,10 @@ bool AddElement(DocumentState& document, const wchar_t* name, const wchar_t* val
 bool SetAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
                   const wchar_t* value, std::uint32_t flags);
 
+// As SetAttribute in every mode: for a stream's current element, whose text is still there.
+bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
+                   const wchar_t* value, std::uint32_t flags);
+
 // Whether a tag can hold the name and a client find it again: not empty, none of the units at which
 // a name ends in a tag or in a path. An element's name must also begin as one (StartsTagName).
 bool IsWritableName(const wchar_t* name);

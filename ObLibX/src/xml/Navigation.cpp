@@ -1,9 +1,7 @@
 #include "ObLibX/src/xml/Navigation.h"
 
 #include "ObLibX/src/xml/ElementText.h"
-#include "ObLibX/src/xml/TextCoding.h"
-#include "ObLibX/src/xml/XmlCharacters.h"
-#include "ObLibX/src/xml/XmlPath.h"
+#include "ObLibX/src/xml/StepMatch.h"
 
 namespace ObLibX {
 namespace {
@@ -24,61 +22,10 @@ std::int32_t ParentOf(const DocumentState& document, std::int32_t position) {
 // As NextInDocumentOrder, but 0 when that would leave `top`; 0 is the whole document.
 std::int32_t NextBelow(const DocumentState& document, std::int32_t position, std::int32_t top) {
     if (const std::int32_t child = FirstChild(document, position)) return child;
-    for (; position != top; position = ParentOf(document, position)) {
+    for (; position != top && position != 0; position = ParentOf(document, position)) {
         if (const std::int32_t next = NextSibling(document, position)) return next;
     }
     return 0;
-}
-
-bool IsNamed(const DocumentState& document, std::int32_t position, std::wstring_view name) {
-    if (PathStep::IsAnyName(name)) return true;
-    const std::wstring_view own = ElementName(document, position);
-    return own.size() == name.size() &&
-           SameName(own.data(), name.data(), name.size(), document.IgnoresCase());
-}
-
-bool HasChildNamed(const DocumentState& document, std::int32_t position, std::wstring_view name) {
-    std::int32_t child = FirstChild(document, position);
-    while (child != 0 && !IsNamed(document, child, name)) child = NextSibling(document, child);
-    return child != 0;
-}
-
-bool FindAttributeOf(const DocumentState& document, std::int32_t position, std::wstring_view name,
-                     TagScanner& scanner) {
-    scanner = ScannerBehindName(document, *TagAt(document, position));
-    return scanner.FindAttribute(name.data(), name.size());
-}
-
-bool HasAttribute(const DocumentState& document, std::int32_t position, std::wstring_view name) {
-    TagScanner scanner(nullptr, 0, 0);
-    return FindAttributeOf(document, position, name, scanner);
-}
-
-// Compared as GetAttribute would give it; where nothing can be decoded it is compared in place.
-bool HasValue(const DocumentState& document, std::int32_t position, const PathStep& step) {
-    TagScanner scanner(nullptr, 0, 0);
-    if (!FindAttributeOf(document, position, step.testName, scanner)) return false;
-    const std::wstring_view raw(scanner.Token(), static_cast<std::size_t>(scanner.TokenLength()));
-    const bool asItStands =
-        !document.Has(kDocTrim | kDocCollapse) && raw.find(L'&') == std::wstring_view::npos;
-    return asItStands ? raw == step.value : DecodeText(raw, document.docFlags) == step.value;
-}
-
-bool MeetsTest(const DocumentState& document, std::int32_t position, const PathStep& step) {
-    switch (step.test) {
-    case StepTest::Attribute:
-        return HasAttribute(document, position, step.testName);
-    case StepTest::Value:
-        return HasValue(document, position, step);
-    case StepTest::Child:
-        return HasChildNamed(document, position, step.testName);
-    default:
-        return true;
-    }
-}
-
-bool Matches(const DocumentState& document, std::int32_t position, const PathStep& step) {
-    return IsNamed(document, position, step.name) && MeetsTest(document, position, step);
 }
 
 // The first match (the N-th where the step counts) from `candidate` on; `next` gives the candidate

@@ -344,6 +344,10 @@ bool TextFileChannel::WriteBlockRaw(void* data, std::int32_t units, bool ownsTex
     return good;
 }
 
+bool TextFileChannel::CloseFile() {
+    return !file || std::fclose(file.release()) == 0 || ReportFileError();
+}
+
 bool TextFileChannel::ReportFileError() {
     const std::uint32_t error = SystemLastError();
     std::wstring text = SystemErrorText(error);

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "ObLibX/src/xml/OpenTagStack.h"
+#include "ObLibX/src/xml/StreamTagStack.h"
 
 namespace ObLibX {
 
@@ -17,7 +17,7 @@ namespace ObLibX {
 inline constexpr std::uint32_t kFileUtf16 = 0x1;      // UTF-16, no conversion
 inline constexpr std::uint32_t kFileBigEndian = 0x80; // that UTF-16 is big-endian
 
-struct CloseFile {
+struct FileCloser {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
 
@@ -27,7 +27,7 @@ struct CloseFile {
 // std::bad_alloc only, and can be released afterwards.
 class TextFileChannel {
 public:
-    std::unique_ptr<std::FILE, CloseFile> file; // opened in binary mode
+    std::unique_ptr<std::FILE, FileCloser> file; // opened in binary mode
     std::uint32_t fileFlags = 0;
     std::int32_t opByteLength = 0; // bytes of the current operation
     std::int32_t blockSize = 0;    // bytes asked for in one read
@@ -38,11 +38,24 @@ public:
     std::wstring report;
     std::wstring encoding;                // empty = not yet known
     std::wstring* documentText = nullptr; // the document's, not owned
-    OpenTagStack openTags;
+    StreamTagStack openTags;
     std::int32_t bufferKeepFrom = 0; // before this place of the text nothing is needed any more
     std::int32_t bufferRemoved = 0;  // units that the last ReadMore took from the front
     std::int32_t savedFrom = -1;     // text from here on must survive; -1 = none
     std::wstring savedText;
+
+    // In stream reading: where in the text the scanner goes on, and whether the file's end was
+    // told.
+    std::int32_t cursor = 0;
+    bool ended = false;
+    // In stream writing: the elements that were entered, outermost first, and whether a line end
+    // stands behind the current one.
+    struct OpenElement {
+        bool hasStartTag; // false: still the single tag as which it was added
+        bool lineEndBehind;
+    };
+    std::vector<OpenElement> entered;
+    bool lineEndBehind = false;
 
     // Reads a block of opByteLength bytes (at most the rest of the file) as the text `outText`,
     // detecting UTF-8 as long as no encoding is known, and giving a character back to the file that
@@ -68,6 +81,9 @@ public:
     // Decides the encoding at the first write, writes `length` units of `text`, and on success
     // takes them from the front of *documentText; with `flush` also flushes the file.
     bool WriteOut(const wchar_t* text, std::int32_t length, bool flush);
+    // Closes the file, if it is open. What the C library still held back may fail to reach the disk
+    // here; then false.
+    bool CloseFile();
     // Reports the thread's last error as file_error; always false.
     bool ReportFileError();
 

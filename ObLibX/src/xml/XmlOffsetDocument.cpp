@@ -7,6 +7,8 @@
 #include "ObLibX/src/xml/ElementParser.h"
 #include "ObLibX/src/xml/Navigation.h"
 #include "ObLibX/src/xml/Reading.h"
+#include "ObLibX/src/xml/StreamReading.h"
+#include "ObLibX/src/xml/StreamWriting.h"
 
 namespace ObLibX {
 namespace {
@@ -52,6 +54,20 @@ bool IsWellFormed(const DocumentState& document) {
         return !root.Has(kRecordBad);
     }
     return !root.Has(kRecordBad) && root.firstChild != 0 && records[root.firstChild].next == 0;
+}
+
+// Closes what is open and leaves record 0 alone.
+void PrepareStream(XmlOffsetDocument& document) {
+    document.Close();
+    document.SetText(nullptr);
+}
+
+// Back to memory mode, with nothing left of the stream.
+void LeaveStream(DocumentState& document) noexcept {
+    document.channel.reset();
+    document.docFlags &= ~kDocStreams;
+    document.text.clear();
+    ForgetElements(document);
 }
 
 } // namespace
@@ -118,41 +134,55 @@ void XmlOffsetDocument::ResetPosition(std::int32_t parent, std::int32_t current,
     SetPosition(state_, parent, current, child);
 }
 
-void XmlOffsetDocument::Close() {
-    if (!state_.Has(kDocStreams) && state_.channel == nullptr) {
-        return;
+bool XmlOffsetDocument::OpenForReading(const wchar_t* path, const StreamReadOptions& options) {
+    PrepareStream(*this);
+    return OpenStreamForReading(state_, path, options);
+}
+
+bool XmlOffsetDocument::OpenForWriting(const wchar_t* path, const StreamWriteOptions& options) {
+    PrepareStream(*this);
+    return OpenStreamForWriting(state_, path, options);
+}
+
+bool XmlOffsetDocument::Close() {
+    if (!state_.Has(kDocStreams)) return true;
+    bool written = true;
+    try {
+        if (state_.Has(kDocStreamWrite)) written = FinishStream(state_);
+    } catch (...) {
+        LeaveStream(state_);
+        throw;
     }
-    // What stands below goes on whether or not the last text reaches the file.
-    const std::unique_ptr<TextFileChannel> channel = std::move(state_.channel);
-    const bool writes = state_.Has(kDocStreamWrite);
-    state_.docFlags &= ~kDocStreams;
-    if (channel == nullptr) {
-        state_.text.clear();
-        return;
-    }
-    if (writes && channel->file) {
-        channel->WriteOut(state_.text.data(), static_cast<std::int32_t>(state_.text.size()), true);
-    }
-    channel->file.reset();
-    if (state_.result.size() < kReportLimit) {
-        state_.result += channel->report;
-    }
-    state_.text.clear();
+    written = state_.channel->CloseFile() && written;
+    if (state_.result.size() < kReportLimit) state_.result += state_.channel->report;
+    LeaveStream(state_);
+    return written;
 }
 
 bool XmlOffsetDocument::FindElement(const wchar_t* path) {
-    return ObLibX::FindElement(state_, path);
+    return state_.Has(kDocStreamRead) ? FindElementInStream(state_, path)
+                                      : ObLibX::FindElement(state_, path);
 }
 
 bool XmlOffsetDocument::FindChildElement(const wchar_t* path) {
     return ObLibX::FindChildElement(state_, path);
 }
 
-bool XmlOffsetDocument::IntoElement() { return ObLibX::IntoElement(state_); }
+bool XmlOffsetDocument::IntoElement() {
+    if (state_.Has(kDocStreamRead)) return IntoElementInStream(state_);
+    if (state_.Has(kDocStreamWrite)) return IntoElementInWriting(state_);
+    return ObLibX::IntoElement(state_);
+}
 
-bool XmlOffsetDocument::OutOfElement() { return ObLibX::OutOfElement(state_); }
+bool XmlOffsetDocument::OutOfElement() {
+    if (state_.Has(kDocStreamRead)) return OutOfElementInStream(state_);
+    if (state_.Has(kDocStreamWrite)) return OutOfElementInWriting(state_);
+    return ObLibX::OutOfElement(state_);
+}
 
-std::wstring XmlOffsetDocument::GetTagName() const { return ObLibX::GetTagName(state_); }
+std::wstring XmlOffsetDocument::GetTagName() const {
+    return state_.Has(kDocStreamRead) ? GetTagNameInStream(state_) : ObLibX::GetTagName(state_);
+}
 
 std::wstring XmlOffsetDocument::GetAttribute(std::int32_t position, const wchar_t* name) const {
     return ObLibX::GetAttribute(state_, position, name);
@@ -163,16 +193,19 @@ std::wstring XmlOffsetDocument::GetAttributeNameAt(std::int32_t index) const {
 }
 
 std::wstring XmlOffsetDocument::GetData(std::int32_t position) {
-    return ObLibX::GetData(state_, position);
+    return state_.Has(kDocStreamRead) ? GetDataInStream(state_, position)
+                                      : ObLibX::GetData(state_, position);
 }
 
 bool XmlOffsetDocument::AddElement(const wchar_t* name, const wchar_t* value, std::uint32_t flags) {
-    return ObLibX::AddElement(state_, name, value, flags);
+    return state_.Has(kDocStreamWrite) ? AddElementToStream(state_, name, value, flags)
+                                       : ObLibX::AddElement(state_, name, value, flags);
 }
 
 bool XmlOffsetDocument::SetAttribute(std::int32_t position, const wchar_t* name,
                                      const wchar_t* value, std::uint32_t flags) {
-    return ObLibX::SetAttribute(state_, position, name, value, flags);
+    return state_.Has(kDocStreamWrite) ? SetAttributeInStream(state_, position, name, value, flags)
+                                       : ObLibX::SetAttribute(state_, position, name, value, flags);
 }
 
 void XmlOffsetDocument::SetFlags(std::uint32_t flags) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "ObLibX/src/xml/DocumentState.h"
+#include "ObLibX/src/xml/StreamFile.h"
 
 namespace ObLibX {
 
@@ -41,11 +42,17 @@ public:
     // Indexes the present text anew; the answer is that of SetText.
     bool ParseText();
     void ResetPosition(std::int32_t parent, std::int32_t current, std::int32_t child);
-    // In stream mode: flushes, closes the file, moves the channel's report to Result(), empties the
-    // text and ends the mode. In memory mode nothing.
-    void Close();
 
-    // ---- Moving
+    // ---- Files larger than memory. A document in memory goes, with its positions; flags stay.
+    // StreamFile.h tells what the options mean and when the answer is false.
+    bool OpenForReading(const wchar_t* path, const StreamReadOptions& options = {});
+    bool OpenForWriting(const wchar_t* path, const StreamWriteOptions& options = {});
+    // In stream mode: ends what is open and flushes, closes the file, moves the channel's report to
+    // Result(), empties the text and ends the mode. False when what was written may be lost, which
+    // Result() tells. In memory mode nothing, and true.
+    bool Close();
+
+    // ---- Moving. In a stream as StreamReading.h and StreamWriting.h tell.
     // The next element that matches `path` (null: any) from the current position on.
     bool FindElement(const wchar_t* path = nullptr);
     // The next one below the current element, behind the current child; it becomes the child.

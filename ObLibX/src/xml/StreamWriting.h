@@ -1,0 +1,35 @@
+// The forward form of adding elements, for a file that is written from its start to its end.
+//
+// The text is what hasn't gone to the file yet. It ends with the current element, which can still
+// get attributes and children; everything before it goes as soon as the text would pass the
+// channel's block size. The same calls on a document in memory give the same text.
+#pragma once
+
+#include <cstdint>
+
+#include "ObLibX/src/xml/DocumentState.h"
+
+namespace ObLibX {
+
+// As AddElement, behind the current element. False with kAddAtStart, kAddBefore and kAddAsChild, as
+// there is no way back, and after a file error, which Result() tells; what couldn't be written
+// stays in the text and is tried again.
+bool AddElementToStream(DocumentState& document, const wchar_t* name, const wchar_t* value,
+                        std::uint32_t flags);
+
+// As SetAttribute, for the current element as long as it has no children. False after that.
+bool SetAttributeInStream(DocumentState& document, std::int32_t position, const wchar_t* name,
+                          const wchar_t* value, std::uint32_t flags);
+
+// Into the current element, which is written as a single tag so far and gets its end tag when
+// something is added below it.
+bool IntoElementInWriting(DocumentState& document);
+
+// Writes the parent's end tag, if the parent was given children; it is then the current element and
+// complete.
+bool OutOfElementInWriting(DocumentState& document);
+
+// Ends every element that is open and writes the rest of the text. False after a file error.
+bool FinishStream(DocumentState& document);
+
+} // namespace ObLibX
