@@ -391,3 +391,22 @@ TEST_F(AddElement, KeepsTheDeepestLevelFromTheFlags) {
     EXPECT_EQ((*document_.State().records)[document_.CurrentPosition()].Level(), 0xFFFFu);
     ExpectAsIndexedAnew(document_);
 }
+
+TEST_F(AddElement, MovesATextOfTwoToThe27thUnits) {
+    constexpr std::size_t kLength = std::size_t{1} << 27;
+    std::wstring text(kLength, L'x');
+    text.replace(0, 7, L"<r><a/>");
+    text.replace(kLength - 8, 8, L"<b/></r>");
+    ASSERT_TRUE(document_.SetText(std::wstring_view(text)));
+    std::wstring().swap(text);
+    Stand(1, 2);
+    EXPECT_TRUE(Add(L"n", L"v", kAddNoLineEnds));
+    EXPECT_TRUE(document_.SetAttribute(1, L"k", L"w"));
+    const ElementRecordTable& records = *document_.State().records;
+    EXPECT_EQ(document_.Text().size(), kLength + 14);
+    EXPECT_EQ(records[0].length, kLength + 14);
+    EXPECT_EQ(records[1].length, kLength + 14);
+    EXPECT_EQ(records[3].start, kLength - 8 + 14);
+    EXPECT_TRUE(document_.FindElement(L"b"));
+    EXPECT_EQ(document_.GetTagName(), L"b");
+}

@@ -94,6 +94,24 @@ TEST(OutOfMemory, LeavesAllAsItWasWhenSomethingIsRead) {
     });
 }
 
+TEST(OutOfMemory, LeavesTheDocumentWhenANameIsRead) {
+    const auto prepare = [] {
+        auto document = std::make_unique<XmlOffsetDocument>();
+        document->SetText(L"<a_name_of_many_letters an_attribute_of_many_letters='1'/>");
+        document->FindElement();
+        return document;
+    };
+    const auto work = [](XmlOffsetDocument& document) {
+        EXPECT_EQ(document.GetTagName(), L"a_name_of_many_letters");
+        EXPECT_EQ(document.GetAttributeNameAt(0), L"an_attribute_of_many_letters");
+    };
+    const auto check = [&work](XmlOffsetDocument& document, bool failed) {
+        ASSERT_TRUE(failed);
+        work(document);
+    };
+    EXPECT_EQ(FailEachAllocation(prepare, work, check), 2u);
+}
+
 TEST(OutOfMemory, LeavesThePositionWhenAnElementIsSought) {
     const Snapshot before(*FullDocument());
     for (const wchar_t* path : {L"/r/c/d/e/f/g", L"/r/a[@x='<1234567890']"}) {

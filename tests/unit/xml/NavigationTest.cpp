@@ -352,6 +352,26 @@ TEST_F(Navigation, RefusesPositionsThatAreNoElements) {
     }
 }
 
+TEST_F(Navigation, EndsForPositionsThatDoNotBelongTogether) {
+    Load(kTree);
+    const wchar_t* const paths[] = {nullptr, L"//z", L"/r/z", L"z", L"*/z[2]", L"//*[9]"};
+    for (std::int32_t parent = 0; parent < 9; ++parent) {
+        for (std::int32_t current = 0; current < 9; ++current) {
+            for (std::int32_t child = 0; child < 9; ++child) {
+                for (const wchar_t* path : paths) {
+                    document_.ResetPosition(parent, current, child);
+                    EXPECT_LE(document_.FindElement(path), path == nullptr);
+                    document_.ResetPosition(parent, current, child);
+                    EXPECT_LE(document_.FindChildElement(path), path == nullptr);
+                }
+                document_.ResetPosition(parent, current, child);
+                EXPECT_EQ(document_.IntoElement(), current != 0);
+                EXPECT_EQ(document_.OutOfElement(), current != 0 || parent != 0);
+            }
+        }
+    }
+}
+
 TEST_F(Navigation, FindsAmongElementsThatWereHandedUp) {
     Load(L"<r n='r'><a n='1'><b n='2'/><c n='3'></r>");
     EnterRoot();

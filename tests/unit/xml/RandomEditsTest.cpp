@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <random>
 
+#include "DocumentMaker.h"
 #include "ElementTree.h"
 
 using namespace ObLibX;
@@ -32,6 +33,9 @@ constexpr std::uint32_t kFlags[] = {kAddCdata,          kAddNoLineEnds, kAddBlan
 class RandomEditor {
 public:
     explicit RandomEditor(std::uint32_t seed) : random_(seed) { document_.SetText(Pick(kStarts)); }
+    RandomEditor(std::uint32_t seed, const std::wstring& text) : random_(seed) {
+        document_.SetText(std::wstring_view(text));
+    }
     XmlOffsetDocument& Document() { return document_; }
 
     void Edit() {
@@ -96,7 +100,49 @@ private:
     XmlOffsetDocument document_;
 };
 
+// A document with some of its units lost, doubled or replaced by marks.
+std::wstring DamagedDocument(std::uint32_t seed) {
+    std::mt19937 random(seed);
+    std::wstring text = DocumentMaker(seed).Make();
+    for (std::uint32_t damages = 1 + random() % 5; damages > 0; --damages) {
+        const std::size_t at = random() % text.size();
+        const std::size_t length = random() % 3;
+        const std::wstring mark(random() % 2, L"<>/='\"! ?-]["[random() % 12]);
+        text.replace(at, length, mark);
+        if (text.empty()) text = L"<";
+    }
+    return text;
+}
+
+// Reads everything that can be read, by each means.
+void ReadAll(XmlOffsetDocument& document) {
+    document.ResetPosition(0, 0, 0);
+    while (document.FindElement(L"//*")) {
+        const std::int32_t position = document.CurrentPosition();
+        EXPECT_EQ(document.GetAttribute(position, document.GetTagName().c_str()).find(L'\0'),
+                  std::wstring::npos);
+        std::int32_t attributes = 0;
+        while (!document.GetAttributeNameAt(attributes).empty()) ++attributes;
+        EXPECT_LE(document.GetData(position).size(), document.Text().size());
+        EXPECT_LE(static_cast<std::size_t>(attributes), document.Text().size());
+    }
+}
+
 } // namespace
+
+TEST(RandomEdits, StaySoundInTextsThatAreBadlyFormed) {
+    for (std::uint32_t seed = 0; seed < 3000; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        RandomEditor editor(seed, DamagedDocument(seed));
+        const std::wstring text = editor.Document().Text();
+        for (int edit = 0; edit < 6 && !::testing::Test::HasFailure(); ++edit) {
+            ReadAll(editor.Document());
+            editor.Edit();
+            ExpectSoundLinks(editor.Document().State());
+        }
+        ASSERT_FALSE(HasFailure()) << Narrow(text) << "\n-> " << Narrow(editor.Document().Text());
+    }
+}
 
 TEST(RandomEdits, LeaveTheRecordsOfTheTextIndexedAnew) {
     const auto first = static_cast<std::uint32_t>(
