@@ -24,10 +24,10 @@ void* operator new(std::size_t size) {
 }
 // A sanitizer's own forms for arrays don't come by the one above.
 void* operator new[](std::size_t size) { return operator new(size); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 AllocationFailure::AllocationFailure(std::size_t failing, bool andLater) {
     g_allocations = 0;

@@ -30,6 +30,8 @@ std::string FaultsBelow(const XmlOffsetDocument& document, std::uint32_t parent,
     const std::uint32_t first = records[parent].firstChild;
     std::uint32_t last = first;
     std::uint32_t behind = parent == 0 ? 0 : records[parent].start + 1;
+    const std::size_t limit =
+        parent == 0 ? document.Text().size() : records[parent].start + records[parent].length;
     for (std::uint32_t at = first; at != 0; at = records[at].next) {
         const ElementRecord& record = records[at];
         const std::string where = " at record " + std::to_string(at);
@@ -44,7 +46,7 @@ std::string FaultsBelow(const XmlOffsetDocument& document, std::uint32_t parent,
             return "prev" + where;
         }
         if (record.start < behind || record.length < record.StartTagLength() ||
-            record.start + record.length > document.Text().size()) {
+            record.start + record.length > limit) {
             return "span" + where;
         }
         if (record.Has(kRecordUnended) && !records[0].Has(kRecordBad)) {
