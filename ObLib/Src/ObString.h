@@ -8,6 +8,9 @@
 #include "ObLib/Src/ObSystem.h"
 #include "ObLib/Src/StringCore.h"
 
+// The system's headers make LoadString another word; the method has one name whichever comes first.
+#undef LoadString
+
 namespace ObLib {
 
 // One pointer to a core, which it owns. A copy shares a text of more than 12 units; a change makes
@@ -73,6 +76,7 @@ public:
     // True with the text `id` of the language module's string table, or of the program's. False
     // where neither has one; the string is null then. A negative id ends the process.
     bool LoadString(std::int32_t id);
+    bool LoadStringW(std::int32_t id) { return LoadString(id); } // what that word is
     // By the C library's rule for its locale, as CompareNoCase.
     void ToLower();
     // Blanks (code 32) only.
