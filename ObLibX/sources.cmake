@@ -20,6 +20,8 @@ set(names
     Reading
     NewElement
     Editing
+    AttributeEditing
+    Shifting
     ElementText
     TextConverter
     CharBoundary

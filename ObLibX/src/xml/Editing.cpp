@@ -4,21 +4,12 @@
 
 #include "ObLibX/src/xml/ElementText.h"
 #include "ObLibX/src/xml/NewElement.h"
-#include "ObLibX/src/xml/TextCoding.h"
+#include "ObLibX/src/xml/Shifting.h"
 #include "ObLibX/src/xml/XmlCharacters.h"
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 
 namespace ObLibX {
 namespace {
-
-constexpr std::size_t kLongestText = 0x7FFFFFFF; // offsets and lengths are 32 bits with a sign
-
-ElementRecord& RecordAt(DocumentState& document, std::int32_t position) {
-    return (*document.records)[static_cast<std::uint32_t>(position)];
-}
-const ElementRecord& RecordAt(const DocumentState& document, std::int32_t position) {
-    return (*document.records)[static_cast<std::uint32_t>(position)];
-}
 
 // ---- Where it goes
 
@@ -33,28 +24,6 @@ struct Place {
 
 bool HasTooLongTag(const DocumentState& document, std::int32_t position) {
     return position != 0 && RecordAt(document, position).Has(kRecordBad);
-}
-
-std::int32_t LastChild(const DocumentState& document, std::int32_t parent) {
-    const std::uint32_t first = RecordAt(document, parent).firstChild;
-    return first == 0 ? 0 : static_cast<std::int32_t>((*document.records)[first].prev);
-}
-
-std::int32_t PreviousSibling(const DocumentState& document, std::int32_t position) {
-    const ElementRecord& record = RecordAt(document, position);
-    const bool first = RecordAt(document, static_cast<std::int32_t>(record.parent)).firstChild ==
-                       static_cast<std::uint32_t>(position);
-    return first ? 0 : static_cast<std::int32_t>(record.prev);
-}
-
-// The last child that begins before `offset`, 0 when none does.
-std::int32_t LastChildBefore(const DocumentState& document, std::int32_t parent,
-                             std::size_t offset) {
-    std::int32_t child = LastChild(document, parent);
-    while (child != 0 && RecordAt(document, child).start >= offset) {
-        child = PreviousSibling(document, child);
-    }
-    return child;
 }
 
 void PlaceAtNode(const DocumentState& document, std::uint32_t flags, Place& place) {
@@ -153,15 +122,6 @@ bool WriteInsertion(const DocumentState& document, const Place& place, const New
     return true;
 }
 
-// Changes the text's length by nothing; what follows may splice up to `length` without allocating.
-void MakeRoom(std::wstring& text, std::size_t length) {
-    if (length <= text.capacity()) return;
-    std::wstring larger;
-    larger.reserve(length + length / 2 + 128);
-    larger = text; // within the capacity
-    text.swap(larger);
-}
-
 void LinkAsFirst(DocumentState& document, std::int32_t parent, std::int32_t position) {
     ElementRecord& record = RecordAt(document, position);
     const auto index = static_cast<std::uint32_t>(position);
@@ -211,22 +171,6 @@ void OpenParent(DocumentState& document, const Place& place, const Insertion& in
     parent.length += static_cast<std::uint32_t>(delta);
 }
 
-// Shifts what lies behind a change at `offset` in the parent's content, and grows what contains it.
-void AdjustBehind(DocumentState& document, std::int32_t parent, std::size_t offset,
-                  std::int32_t delta) {
-    const std::int32_t before = LastChildBefore(document, parent, offset);
-    if (before != 0) return Adjust(document, before, delta, true);
-    const auto first = static_cast<std::int32_t>(RecordAt(document, parent).firstChild);
-    ElementRecord& moved = RecordAt(document, first != 0 ? first : parent);
-    if (first != 0) {
-        moved.start += static_cast<std::uint32_t>(delta);
-        Adjust(document, first, delta, false);
-    } else {
-        moved.length += static_cast<std::uint32_t>(delta);
-        Adjust(document, parent, delta, true);
-    }
-}
-
 std::int32_t InsertElement(DocumentState& document, const Place& place, const NewElement& element,
                            const Insertion& insertion) {
     MakeRoom(document.text, document.text.size() - place.removed + insertion.text.size());
@@ -243,93 +187,6 @@ std::int32_t InsertElement(DocumentState& document, const Place& place, const Ne
         Adjust(document, position, delta, true);
     }
     return position;
-}
-
-bool TextStaysInBounds(const DocumentState& document, std::size_t removed, std::size_t added) {
-    return document.text.size() - removed + added <= kLongestText;
-}
-
-// ---- Attributes
-
-struct AttributeChange {
-    std::size_t offset = 0;
-    std::size_t removed = 0;
-    std::wstring text;
-};
-
-// Whether the token that was found is what stands behind a '=', not an attribute's own name.
-bool IsValueToken(const TagScanner& scanner, const TagSpan& tag) {
-    if ((scanner.tokenFlags & kTokenQuoted) != 0) return true;
-    auto at = static_cast<std::size_t>(scanner.tokenStart);
-    while (at > tag.nameEnd && IsXmlSpace(scanner.textPointer[at - 1])) --at;
-    return at > tag.nameEnd && scanner.textPointer[at - 1] == L'=';
-}
-
-void ReplaceValue(const TagScanner& scanner, const TagSpan& tag, AttributeChange& change) {
-    const auto start = static_cast<std::size_t>(scanner.tokenStart);
-    const auto end = static_cast<std::size_t>(scanner.tokenEnd + 1);
-    if (!IsValueToken(scanner, tag)) {
-        change.offset = end;
-        change.text = L"=";
-    } else if ((scanner.tokenFlags & kTokenQuoted) != 0) {
-        change.offset = start - 1;
-        change.removed = static_cast<std::size_t>(scanner.cursor) - change.offset;
-    } else {
-        change.offset = start;
-        change.removed = end - start;
-    }
-}
-
-// Behind the last token of the tag. When that is a '=' which waits for its value, behind the tag's
-// name instead, as the new attribute would be taken for the value.
-std::size_t BehindLastToken(const DocumentState& document, std::int32_t position,
-                            const TagSpan& tag) {
-    std::size_t end = tag.end;
-    if (!IsCurrentNode(document, position)) {
-        const ElementRecord& record = RecordAt(document, position);
-        const bool slash = record.length == record.StartTagLength() && !record.Has(kRecordUnended);
-        end -= slash ? 2 : 1;
-    }
-    while (end > tag.nameEnd && IsXmlSpace(document.text[end - 1])) --end;
-    return end > tag.nameEnd && document.text[end - 1] == L'=' ? tag.nameEnd : end;
-}
-
-AttributeChange WriteAttribute(const DocumentState& document, std::int32_t position,
-                               const TagSpan& tag, std::wstring_view name,
-                               std::wstring_view encoded) {
-    AttributeChange change;
-    TagScanner scanner = ScannerBehindName(document, tag);
-    if (scanner.FindAttribute(name.data(), name.size())) {
-        ReplaceValue(scanner, tag, change);
-    } else {
-        change.offset = BehindLastToken(document, position, tag);
-        change.text.append(L" ").append(name).append(L"=");
-    }
-    change.text.append(L"\"").append(encoded).append(L"\"");
-    return change;
-}
-
-// Whether a start tag can take the change; an instruction has no length field but the text's own.
-bool TagStaysInBounds(const DocumentState& document, std::int32_t position,
-                      const AttributeChange& change) {
-    if (IsCurrentNode(document, position)) return true;
-    const ElementRecord& record = RecordAt(document, position);
-    const std::size_t length = record.StartTagLength() - change.removed + change.text.size();
-    return !record.Has(kRecordBad) && length <= kLongestStartTag;
-}
-
-void ShiftForAttribute(DocumentState& document, std::int32_t position, std::int32_t delta) {
-    if (IsCurrentNode(document, position)) {
-        const auto offset = static_cast<std::size_t>(document.nodeOffset);
-        document.nodeLength += delta;
-        AdjustBehind(document, document.parentPos, offset, delta);
-        return;
-    }
-    ElementRecord& record = RecordAt(document, position);
-    const auto change = static_cast<std::uint32_t>(delta);
-    record.SetTagLengths(record.StartTagLength() + change, record.EndTagLength());
-    record.length += change;
-    Adjust(document, position, delta, false);
 }
 
 } // namespace
@@ -358,64 +215,6 @@ bool AddElement(DocumentState& document, const wchar_t* name, const wchar_t* val
         SetPosition(document, document.parentPos, added, 0);
     }
     return true;
-}
-
-bool SetAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
-                  const wchar_t* value, std::uint32_t flags) {
-    return !document.Has(kDocStreams) && EditAttribute(document, position, name, value, flags);
-}
-
-bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
-                   const wchar_t* value, std::uint32_t flags) {
-    const bool given = name != nullptr && value != nullptr && IsWritableName(name);
-    if (!given || !PositionsHold(document)) return false;
-    const std::optional<TagSpan> tag = TagAt(document, position);
-    if (!tag) return false;
-    const std::wstring encoded =
-        EncodeText(value, (flags & kEncodeKeepReferences) | kEncodeAttribute);
-    const AttributeChange change = WriteAttribute(document, position, *tag, name, encoded);
-    if (!TagStaysInBounds(document, position, change) ||
-        !TextStaysInBounds(document, change.removed, change.text.size())) {
-        return false;
-    }
-    Splice(document, change.offset, change.removed, change.text.data(), change.text.size());
-    ShiftForAttribute(document, position,
-                      static_cast<std::int32_t>(change.text.size()) -
-                          static_cast<std::int32_t>(change.removed));
-    return true;
-}
-
-void Splice(DocumentState& document, std::size_t offset, std::size_t removed, const wchar_t* text,
-            std::size_t length) {
-    MakeRoom(document.text, document.text.size() - removed + length);
-    document.text.replace(offset, removed, text, length);
-    document.docFlags |= kDocModified;
-}
-
-void Adjust(DocumentState& document, std::int32_t position, std::int32_t delta,
-            bool startAfterChildren) {
-    ElementRecordTable& records = *document.records;
-    const auto change = static_cast<std::uint32_t>(delta);
-    auto at = static_cast<std::uint32_t>(position);
-    std::uint32_t next = startAfterChildren ? 0 : records[at].firstChild;
-    std::uint32_t below = next != 0 ? 1 : 0; // levels down from what contains the change
-    for (;;) {
-        while (next == 0 && records[at].StartTagLength() != 0) {
-            next = records[at].next;
-            if (next != 0) break;
-            at = records[at].parent;
-            if (below != 0) {
-                --below; // an element behind the change, which moved with all that it holds
-            } else {
-                records[at].length += change;
-            }
-        }
-        if (next == 0) return;
-        records[next].start += change;
-        at = next;
-        next = records[at].firstChild;
-        if (next != 0) ++below;
-    }
 }
 
 } // namespace ObLibX
