@@ -51,6 +51,30 @@ struct TagNameEnd {
 #endif
 };
 
+struct NameEnd {
+    bool One(wchar_t unit) const { return EndsName(unit); }
+#if defined(__SSE2__)
+    // All that end a name, and '0' to '9' and ':' besides, lie up to '?', but for the backslash.
+    __m128i Eight(__m128i units) const {
+        const __m128i beyond = _mm_subs_epu16(units, _mm_set1_epi16(L'?'));
+        return _mm_or_si128(_mm_cmpeq_epi16(beyond, _mm_setzero_si128()),
+                            EqualTo{L'\\'}.Eight(units));
+    }
+#endif
+};
+
+struct AttributeNameEnd {
+    bool One(wchar_t unit) const { return EndsAttributeName(unit); }
+#if defined(__SSE2__)
+    __m128i Eight(__m128i units) const {
+        const __m128i fromEquals = _mm_sub_epi16(units, _mm_set1_epi16(L'=')); // = > ? are 0 1 2
+        const __m128i beyond = _mm_subs_epu16(fromEquals, _mm_set1_epi16(2));
+        return _mm_or_si128(_mm_or_si128(EightUpToBlank(units), EqualTo{L'/'}.Eight(units)),
+                            _mm_cmpeq_epi16(beyond, _mm_setzero_si128()));
+    }
+#endif
+};
+
 struct UnquotedValueEnd {
     bool One(wchar_t unit) const { return EndsUnquotedValue(unit); }
 #if defined(__SSE2__)

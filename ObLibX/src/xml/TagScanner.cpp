@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "ObLibX/src/xml/DocumentState.h"
+#include "ObLibX/src/xml/FindUnit.h"
 #include "ObLibX/src/xml/NodeRules.h"
 #include "ObLibX/src/xml/QuickScan.h"
 #include "ObLibX/src/xml/TextFileChannel.h"
@@ -23,21 +24,21 @@ void SkipSpace(TagScanner& scanner) {
     }
 }
 
-// A token up to the first unit that `ends` it.
-template <typename Ends>
-void ReadToken(TagScanner& scanner, Ends ends) {
+// A token up to the first unit of the set.
+template <typename Set>
+void ReadToken(TagScanner& scanner, Set set) {
+    const wchar_t* const text = scanner.textPointer;
+    const wchar_t* const end = FindUnit(text + scanner.cursor, text + scanner.textLength, set);
     scanner.tokenStart = scanner.cursor;
-    while (!AtEnd(scanner) && !ends(Unit(scanner))) {
-        ++scanner.cursor;
-    }
+    scanner.cursor = static_cast<std::int32_t>(end - text);
     scanner.tokenEnd = scanner.cursor - 1;
     scanner.tokenFlags &= ~kTokenQuoted;
 }
 
-template <typename Ends>
-bool NextToken(TagScanner& scanner, Ends ends) {
+template <typename Set>
+bool NextToken(TagScanner& scanner, Set set) {
     SkipSpace(scanner);
-    ReadToken(scanner, ends);
+    ReadToken(scanner, set);
     return scanner.TokenLength() > 0;
 }
 
@@ -58,14 +59,14 @@ void SkipEquals(TagScanner& scanner) {
 
 void ReadQuoted(TagScanner& scanner, wchar_t quote) {
     ++scanner.cursor;
-    ReadToken(scanner, [quote](wchar_t unit) { return unit == quote; });
+    ReadToken(scanner, EqualTo{quote});
     scanner.tokenFlags |= kTokenQuoted;
     scanner.cursor += AtEnd(scanner) ? 0 : 1;
 }
 
 // The slash of "x />" and of "x"/>" is the tag's, that of "x/>" the value's, as for the tag itself.
 void ReadUnquoted(TagScanner& scanner) {
-    ReadToken(scanner, EndsUnquotedValue);
+    ReadToken(scanner, UnquotedValueEnd{});
     const std::int32_t end = scanner.tokenEnd;
     if (scanner.TokenLength() > 0 && AtUnit(scanner, L'>') && scanner.textPointer[end] == L'/' &&
         end > 0) {
@@ -130,14 +131,14 @@ bool TagScanner::ReadMore(NodeScan& scan) {
     return false;
 }
 
-bool TagScanner::NextName() { return NextToken(*this, EndsName); }
+bool TagScanner::NextName() { return NextToken(*this, NameEnd{}); }
 
-bool TagScanner::NextAttributeName() { return NextToken(*this, EndsAttributeName); }
+bool TagScanner::NextAttributeName() { return NextToken(*this, AttributeNameEnd{}); }
 
 bool TagScanner::NextValue() {
     SkipEquals(*this);
     if (AtEnd(*this)) {
-        ReadToken(*this, EndsUnquotedValue);
+        ReadToken(*this, UnquotedValueEnd{});
         return false;
     }
     const wchar_t unit = Unit(*this);

@@ -141,6 +141,8 @@ TEST(ScannerQuick, FindsTheUnitsOfASetAndNoOthers) {
     ExpectEachUnitFound(EqualsOrGreater{});
     ExpectEachUnitFound(TagNameEnd{});
     ExpectEachUnitFound(UnquotedValueEnd{});
+    ExpectEachUnitFound(NameEnd{});
+    ExpectEachUnitFound(AttributeNameEnd{});
 }
 
 TEST(ScannerQuick, LooksAtNothingBehindTheEnd) {
