@@ -120,6 +120,8 @@ void PrintMemory(const std::string& name, const std::wstring& text) {
     ParseOurs(document, text);
     const bench::Counted counted = bench::ours;
     bench::PrintSeries((name + " ours kB").c_str(), {IndexBytes(document) / 1024.0});
+    const double used = document.State().nextFreePos * sizeof(ObLibX::ElementRecord) / 1024.0;
+    bench::PrintSeries((name + " ours used kB").c_str(), {used});
     bench::PrintSeries((name + " ours allocations").c_str(), {static_cast<double>(counted.calls)});
     std::wstring copy = text;
     bench::theirs = {};

@@ -4,9 +4,9 @@
 #include <chrono>
 #include <new>
 
-#include "AllocationFailure.h"
-#include "Records.h"
-#include "Scans.h"
+#include "tests/unit/xml/AllocationFailure.h"
+#include "tests/unit/xml/Records.h"
+#include "tests/unit/xml/Scans.h"
 
 namespace ObLibX {
 namespace {

@@ -4,8 +4,8 @@
 #include <random>
 #include <vector>
 
-#include "Records.h"
-#include "Scans.h"
+#include "tests/unit/xml/Records.h"
+#include "tests/unit/xml/Scans.h"
 
 namespace ObLibX {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "Records.h"
-#include "Scans.h"
+#include "tests/unit/xml/Records.h"
+#include "tests/unit/xml/Scans.h"
 
 namespace ObLibX {
 namespace {

@@ -1,7 +1,7 @@
-#include "Records.h"
+#include "tests/unit/xml/Records.h"
 
 #include "ObLibX/src/xml/TagScanner.h"
-#include "Scans.h"
+#include "tests/unit/xml/Scans.h"
 
 namespace ObLibX {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "ObLibX/src/xml/DocumentReport.h"
 #include "ObLibX/src/xml/ReportTexts.h"
-#include "Records.h"
-#include "Scans.h"
+#include "tests/unit/xml/Records.h"
+#include "tests/unit/xml/Scans.h"
 
 namespace ObLibX {
 namespace {

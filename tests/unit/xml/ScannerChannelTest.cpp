@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "ObLibX/src/xml/DocumentState.h"
-#include "Scans.h"
 #include "tests/unit/encodings/ScratchFile.h"
+#include "tests/unit/xml/Scans.h"
 
 namespace ObLibX {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "ObLibX/src/xml/FindUnit.h"
-#include "Scans.h"
+#include "tests/unit/xml/Scans.h"
 
 namespace ObLibX {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "ObLibX/src/xml/DocumentState.h"
 #include "ObLibX/src/xml/XmlCharacters.h"
-#include "Scans.h"
+#include "tests/unit/xml/Scans.h"
 
 namespace ObLibX {
 namespace {

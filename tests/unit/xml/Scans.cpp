@@ -1,4 +1,4 @@
-#include "Scans.h"
+#include "tests/unit/xml/Scans.h"
 
 #include <map>
 
