@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ElementTree.h"
+#include "tests/unit/xml/ElementTree.h"
 
 using namespace ObLibX;
 

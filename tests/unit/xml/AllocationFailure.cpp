@@ -1,4 +1,4 @@
-#include "AllocationFailure.h"
+#include "tests/unit/xml/AllocationFailure.h"
 
 #include <cstdlib>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "DocumentMaker.h"
+#include "tests/unit/xml/DocumentMaker.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "AllocationFailure.h"
-#include "ElementTree.h"
+#include "tests/unit/xml/AllocationFailure.h"
+#include "tests/unit/xml/ElementTree.h"
 
 using namespace ObLibX;
 

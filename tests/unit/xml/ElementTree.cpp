@@ -1,4 +1,4 @@
-#include "ElementTree.h"
+#include "tests/unit/xml/ElementTree.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "ElementTree.h"
 #include "ObLibX/src/xml/Navigation.h"
+#include "tests/unit/xml/ElementTree.h"
 
 using namespace ObLibX;
 

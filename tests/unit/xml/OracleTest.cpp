@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <pugixml.hpp>
 
-#include "DocumentMaker.h"
-#include "ElementTree.h"
 #include "ObLibX/src/xml/Navigation.h"
+#include "tests/unit/xml/DocumentMaker.h"
+#include "tests/unit/xml/ElementTree.h"
 
 using namespace ObLibX;
 

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <random>
 
-#include "DocumentMaker.h"
-#include "ElementTree.h"
+#include "tests/unit/xml/DocumentMaker.h"
+#include "tests/unit/xml/ElementTree.h"
 
 using namespace ObLibX;
 
