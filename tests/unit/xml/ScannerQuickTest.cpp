@@ -4,6 +4,7 @@
 #include <random>
 #include <vector>
 
+#include "ObLibX/src/xml/DocumentState.h"
 #include "ObLibX/src/xml/FindUnit.h"
 #include "tests/unit/xml/Scans.h"
 
@@ -122,6 +123,33 @@ TEST(ScannerQuick, TakesNoUnitForAnotherWithTheSameByte) {
         ASSERT_EQ(Difference(text), "");
         ASSERT_EQ(Difference(std::wstring(20, unit) + text), "");
     }
+}
+
+// Where the walk over the attributes of the first tag ends: at the tag's own '>'.
+std::string AttributesLeave(const std::wstring& text) {
+    TagScanner scanner(text.data(), text.size(), 0);
+    NodeScan scan;
+    if (scanner.NextNode(scan) != kNodeElement) {
+        return "";
+    }
+    scanner.cursor = scanner.tokenEnd + 1;
+    if (scanner.FindAttribute(L"\x2", 1)) {
+        return Narrow(text) + " has an attribute that isn't there";
+    }
+    const std::int32_t end = scan.length - 1;
+    return scanner.cursor == end ? "" : Narrow(text) + " at " + std::to_string(scanner.cursor);
+}
+
+TEST(ScannerAttributes, EndWhereTheTagEnds) {
+    int tags = 0;
+    for (std::uint32_t seed = 1; seed <= 20000; ++seed) {
+        for (const std::wstring& text :
+             {L"<a " + Texts(seed).OfPieces(1 + seed % 20), L"<a " + Texts(seed).OfUnits(20)}) {
+            ASSERT_EQ(AttributesLeave(text), "") << "seed " << seed;
+            tags += text.find(L'>') != std::wstring::npos;
+        }
+    }
+    EXPECT_GT(tags, 10000);
 }
 
 template <typename Set>
