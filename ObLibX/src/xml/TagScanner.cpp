@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "ObLibX/src/xml/AttributeWalk.h"
 #include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/FindUnit.h"
 #include "ObLibX/src/xml/NodeRules.h"
 #include "ObLibX/src/xml/QuickScan.h"
 #include "ObLibX/src/xml/TextFileChannel.h"
@@ -12,91 +12,19 @@
 namespace ObLibX {
 namespace {
 
-bool AtEnd(const TagScanner& scanner) { return scanner.cursor >= scanner.textLength; }
-wchar_t Unit(const TagScanner& scanner) { return scanner.textPointer[scanner.cursor]; }
-bool AtUnit(const TagScanner& scanner, wchar_t unit) {
-    return !AtEnd(scanner) && Unit(scanner) == unit;
-}
-
-void SkipSpace(TagScanner& scanner) {
-    while (!AtEnd(scanner) && IsXmlSpace(Unit(scanner))) {
-        ++scanner.cursor;
-    }
-}
-
-// A token up to the first unit of the set.
-template <typename Set>
-void ReadToken(TagScanner& scanner, Set set) {
+AttributeWalk WalkFrom(const TagScanner& scanner) {
     const wchar_t* const text = scanner.textPointer;
-    const wchar_t* const end = FindUnit(text + scanner.cursor, text + scanner.textLength, set);
-    scanner.tokenStart = scanner.cursor;
-    scanner.cursor = static_cast<std::int32_t>(end - text);
-    scanner.tokenEnd = scanner.cursor - 1;
-    scanner.tokenFlags &= ~kTokenQuoted;
+    return {text, text + scanner.cursor, text + scanner.textLength};
 }
 
-template <typename Set>
-bool NextToken(TagScanner& scanner, Set set) {
-    SkipSpace(scanner);
-    ReadToken(scanner, set);
-    return scanner.TokenLength() > 0;
+void SetToken(TagScanner& scanner, const UnitSpan& token) {
+    scanner.tokenStart = static_cast<std::int32_t>(token.start - scanner.textPointer);
+    scanner.tokenEnd = static_cast<std::int32_t>(token.end - scanner.textPointer) - 1;
+    scanner.tokenFlags = (scanner.tokenFlags & ~kTokenQuoted) | (token.quoted ? kTokenQuoted : 0);
 }
 
-// The '=' in front of a value and the white space around it. A '=' that follows another directly
-// belongs to the value.
-void SkipEquals(TagScanner& scanner) {
-    for (;; ++scanner.cursor) {
-        if (AtEnd(scanner)) {
-            return;
-        }
-        const wchar_t unit = Unit(scanner);
-        const bool doubled = scanner.cursor > 0 && scanner.textPointer[scanner.cursor - 1] == L'=';
-        if (!IsXmlSpace(unit) && (unit != L'=' || doubled)) {
-            return;
-        }
-    }
-}
-
-void ReadQuoted(TagScanner& scanner, wchar_t quote) {
-    ++scanner.cursor;
-    ReadToken(scanner, EqualTo{quote});
-    scanner.tokenFlags |= kTokenQuoted;
-    scanner.cursor += AtEnd(scanner) ? 0 : 1;
-}
-
-// The slash of "x />" and of "x"/>" is the tag's, that of "x/>" the value's, as for the tag itself.
-void ReadUnquoted(TagScanner& scanner) {
-    ReadToken(scanner, UnquotedValueEnd{});
-    const std::int32_t end = scanner.tokenEnd;
-    if (scanner.TokenLength() > 0 && AtUnit(scanner, L'>') && scanner.textPointer[end] == L'/' &&
-        end > 0) {
-        const wchar_t before = scanner.textPointer[end - 1];
-        if (IsXmlSpace(before) || before == L'"' || before == L'\'') {
-            --scanner.tokenEnd;
-        }
-    }
-}
-
-// Whether a value follows; white space before '=' is passed over.
-bool EqualsFollows(TagScanner& scanner) {
-    SkipSpace(scanner);
-    return AtUnit(scanner, L'=');
-}
-
-// The name of the next attribute of the tag; values without a name are passed over with what else
-// is no name.
-bool NextAttributeOfTag(TagScanner& scanner) {
-    while (!scanner.NextAttributeName()) {
-        if (AtEnd(scanner) || Unit(scanner) == L'>') {
-            return false;
-        }
-        if (Unit(scanner) == L'=') {
-            scanner.NextValue();
-        } else {
-            ++scanner.cursor;
-        }
-    }
-    return true;
+void SetCursor(TagScanner& scanner, const wchar_t* at) {
+    scanner.cursor = static_cast<std::int32_t>(at - scanner.textPointer);
 }
 
 } // namespace
@@ -131,23 +59,29 @@ bool TagScanner::ReadMore(NodeScan& scan) {
     return false;
 }
 
-bool TagScanner::NextName() { return NextToken(*this, NameEnd{}); }
+bool TagScanner::NextName() {
+    const wchar_t* const end = textPointer + textLength;
+    const wchar_t* const start = SkipSpace(textPointer + cursor, end);
+    const UnitSpan name{start, FindUnit(start, end, NameEnd{})};
+    SetToken(*this, name);
+    SetCursor(*this, name.end);
+    return name.start != name.end;
+}
 
-bool TagScanner::NextAttributeName() { return NextToken(*this, AttributeNameEnd{}); }
+bool TagScanner::NextAttributeName() {
+    AttributeWalk walk = WalkFrom(*this);
+    const UnitSpan name = walk.Name();
+    SetToken(*this, name);
+    SetCursor(*this, walk.At());
+    return name.start != name.end;
+}
 
 bool TagScanner::NextValue() {
-    SkipEquals(*this);
-    if (AtEnd(*this)) {
-        ReadToken(*this, UnquotedValueEnd{});
-        return false;
-    }
-    const wchar_t unit = Unit(*this);
-    if (unit == L'"' || unit == L'\'') {
-        ReadQuoted(*this, unit);
-        return true;
-    }
-    ReadUnquoted(*this);
-    return TokenLength() > 0;
+    AttributeWalk walk = WalkFrom(*this);
+    const UnitSpan value = walk.Value();
+    SetToken(*this, value);
+    SetCursor(*this, walk.At());
+    return value.quoted || value.start != value.end;
 }
 
 bool TagScanner::TokenIs(const wchar_t* name, std::size_t length) const {
@@ -156,32 +90,34 @@ bool TagScanner::TokenIs(const wchar_t* name, std::size_t length) const {
 }
 
 bool TagScanner::FindAttribute(const wchar_t* name, std::size_t length) {
-    while (NextAttributeOfTag(*this)) {
-        const bool found = TokenIs(name, length);
-        const std::int32_t nameStart = tokenStart;
-        const std::int32_t nameEnd = tokenEnd;
-        if (EqualsFollows(*this)) {
-            NextValue();
-        } else {
-            tokenStart = nameStart;
-            tokenEnd = nameEnd;
-        }
-        if (found) {
+    const bool ignoresCase = (tokenFlags & kDocIgnoreCase) != 0;
+    AttributeWalk walk = WalkFrom(*this);
+    UnitSpan found;
+    UnitSpan value;
+    while (walk.Next(found, value)) {
+        if (static_cast<std::size_t>(found.end - found.start) == length &&
+            SameName(found.start, name, length, ignoresCase)) {
+            SetToken(*this, value);
+            SetCursor(*this, walk.At());
             return true;
         }
     }
+    SetCursor(*this, walk.At());
     return false;
 }
 
 bool TagScanner::FindAttributeAt(std::int32_t index) {
-    for (; NextAttributeOfTag(*this); --index) {
+    AttributeWalk walk = WalkFrom(*this);
+    UnitSpan name;
+    UnitSpan value;
+    for (; walk.Next(name, value); --index) {
         if (index == 0) {
+            SetToken(*this, name);
+            SetCursor(*this, name.end);
             return true;
         }
-        if (EqualsFollows(*this)) {
-            NextValue();
-        }
     }
+    SetCursor(*this, walk.At());
     return false;
 }
 
