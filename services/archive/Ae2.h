@@ -24,8 +24,17 @@ constexpr unsigned kAe2Iterations = 1000; // of a key's derivation
 // What a salt and the password make. Wiped when it ends; a copy wipes itself.
 struct Ae2Keys {
     Ae2Keys() = default;
-    Ae2Keys(const Ae2Keys&) = default;
-    Ae2Keys& operator=(const Ae2Keys&) = default;
+    Ae2Keys(const Ae2Keys& other)
+        : keySize(other.keySize), salt(other.salt), derived(other.derived) {
+        ForgetRegisters();
+    }
+    Ae2Keys& operator=(const Ae2Keys& other) {
+        keySize = other.keySize;
+        salt = other.salt;
+        derived = other.derived;
+        ForgetRegisters();
+        return *this;
+    }
     ~Ae2Keys() { SecureZeroMemory(derived.data(), sizeof derived); }
 
     // What stands in front of the data: the salt, half as long as the key, and the check.

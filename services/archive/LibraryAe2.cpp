@@ -66,7 +66,9 @@ private:
 
 class Primitives : public Ae2Primitives {
 public:
-    explicit Primitives(const Ae2Keys& keys) : cipher_(keys.CipherKey()), code_(keys.CodeKey()) {}
+    explicit Primitives(const Ae2Keys& keys) : cipher_(keys.CipherKey()), code_(keys.CodeKey()) {
+        ForgetRegisters();
+    }
 
     void EncryptBlocks(std::span<std::uint8_t> blocks) override {
         for (std::size_t at = 0; at < blocks.size(); at += kCipherBlock) {
@@ -161,6 +163,7 @@ void LibraryAe2::Derive(const Secret& password, std::span<Ae2Keys> keys) const {
                     std::min(kHashSize, made.DerivedSize() - at));
         }
     }
+    ForgetRegisters();
 }
 
 std::unique_ptr<Ae2Primitives> LibraryAe2::Begin(const Ae2Keys& keys) const {

@@ -38,6 +38,20 @@ private:
     std::vector<char> bytes_; // empty, or with its NUL; never grown in place
 };
 
+// Clears the registers that a copy of a secret went through. They would live on until they are used
+// for something else, and the system may write them down with a thread's state.
+inline void ForgetRegisters() noexcept {
+    asm volatile("pxor %%xmm0, %%xmm0\n\t"
+                 "pxor %%xmm1, %%xmm1\n\t"
+                 "pxor %%xmm2, %%xmm2\n\t"
+                 "pxor %%xmm3, %%xmm3\n\t"
+                 "pxor %%xmm4, %%xmm4\n\t"
+                 "pxor %%xmm5, %%xmm5"
+                 :
+                 :
+                 : "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5");
+}
+
 // Wipes a stack buffer when its scope is left.
 template <class Element, std::size_t Count>
 struct WipedBuffer {
