@@ -65,8 +65,8 @@ struct DocumentState {
     bool IgnoresCase() const { return Has(kDocIgnoreCase); }
 };
 
-// A record to use, all zero: a freed one before a new one. Grows the table by half when it is used up. Throws
-// std::bad_alloc and changes nothing.
+// A record to use, all zero: a freed one before a new one. Grows the table by half when it is used
+// up. Throws std::bad_alloc and changes nothing.
 std::int32_t TakeRecord(DocumentState& document);
 
 // The three positions; clears the node. On an element when `current` isn't 0.
