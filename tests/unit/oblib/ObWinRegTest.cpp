@@ -29,7 +29,9 @@ protected:
     void TearDown() override { obtest::ClearProductRegistry(); }
 
     static void Store(DWORD type, const std::string& bytes) {
-        obtest::SetRawValue(HKEY_CURRENT_USER, kKey, L"value", type, bytes.data(),
+        // The system stores one unit more where a text isn't ended and a NUL follows it in memory.
+        const std::string followed = bytes + "\xFF\xFF";
+        obtest::SetRawValue(HKEY_CURRENT_USER, kKey, L"value", type, followed.data(),
                             static_cast<DWORD>(bytes.size()));
     }
     bool Read(DWORD mask = kAnyType) {

@@ -76,7 +76,7 @@ TEST_F(CompressionSetting, IsATextAndNoOtherType) {
 }
 
 TEST_F(CompressionSetting, NeedsNoNulInTheRegistry) {
-    obtest::SetRawValue(HKEY_CURRENT_USER, kKey, kName, REG_SZ, L"0", 2);
+    obtest::SetRawValue(HKEY_CURRENT_USER, kKey, kName, REG_SZ, L"0x", 2);
     EXPECT_EQ(0, ReadDefaultCompressionMethod());
 }
 
