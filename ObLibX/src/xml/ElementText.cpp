@@ -60,6 +60,8 @@ std::wstring_view ElementName(const DocumentState& document, std::int32_t positi
 std::optional<TagSpan> TagAt(const DocumentState& document, std::int32_t position) {
     if (!IsCurrentNode(document, position)) {
         if (!IsElement(document, position)) return std::nullopt;
+        // A stream has let go of the text of an element that it has passed.
+        if ((*document.records)[position].StartTagLength() == 0) return std::nullopt;
         return StartTagSpan(document, position);
     }
     const auto marks = static_cast<std::int32_t>(kInstructionBegin + kInstructionEnd);
