@@ -63,6 +63,19 @@ std::size_t Sum(const std::wstring& name) {
 
 std::string Narrow(const std::wstring& name) { return {name.begin(), name.end()}; }
 
+// FNV-1a over "name=value" lines in the order of the names; rows of one name keep theirs.
+std::uint64_t Digest(std::vector<Row> rows) {
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](const Row& a, const Row& b) { return a.name < b.name; });
+    std::uint64_t digest = 0xCBF29CE484222325;
+    for (const Row& row : rows) {
+        for (const char each : Narrow(row.name) + "=" + std::to_string(row.value) + "\n") {
+            digest = (digest ^ static_cast<unsigned char>(each)) * 0x100000001B3;
+        }
+    }
+    return digest;
+}
+
 std::wstring Upper(std::wstring name) {
     std::transform(name.begin(), name.end(), name.begin(), [](wchar_t unit) {
         return unit >= L'a' && unit <= L'z' ? static_cast<wchar_t>(unit - 32) : unit;
@@ -91,6 +104,11 @@ TEST(CharsetTable, Has365RowsOf110PagesIn155BucketsOfAtMostSixRows) {
         std::max_element(inBucket.begin(), inBucket.end(),
                          [](const auto& a, const auto& b) { return a.second < b.second; });
     EXPECT_EQ(fullest->second, 6);
+}
+
+// Whoever changes a row on purpose takes the new digest over from the failure.
+TEST(CharsetTable, HoldsTheAgreedRowsAndNoOthers) {
+    EXPECT_EQ(Digest(CharsetRows()), 0x4D1DF5E7E0728A04u);
 }
 
 TEST(CharsetTable, PutsEachRowInTheBucketOfItsSumAndFiveInTheOneBelow) {
@@ -202,6 +220,10 @@ TEST(EntityTable, Has253RowsOf189NamesIn130Buckets) {
     EXPECT_EQ(std::size(ObLibX::kEntityBuckets), 130u);
     EXPECT_EQ(rows.size(), 253u);
     EXPECT_EQ(names.size(), 189u);
+}
+
+TEST(EntityTable, HoldsTheAgreedRowsAndNoOthers) {
+    EXPECT_EQ(Digest(EntityRows()), 0x94D82E3BCCD65D90u);
 }
 
 TEST(EntityTable, WritesRowsWithOneDigitOfLengthAndFourOfCodePoint) {
