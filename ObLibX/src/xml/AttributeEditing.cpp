@@ -1,6 +1,7 @@
 #include <optional>
 #include <string_view>
 
+#include "ObLibX/src/xml/AttributeWalk.h"
 #include "ObLibX/src/xml/Editing.h"
 #include "ObLibX/src/xml/ElementText.h"
 #include "ObLibX/src/xml/Shifting.h"
@@ -39,29 +40,36 @@ void ReplaceValue(const TagScanner& scanner, const TagSpan& tag, AttributeChange
     }
 }
 
-// Behind the last token of the tag. When that is a '=' which waits for its value, behind the tag's
-// name instead, as the new attribute would be taken for the value.
-std::size_t BehindLastToken(const DocumentState& document, std::int32_t position,
-                            const TagSpan& tag) {
-    std::size_t end = tag.end;
-    if (!IsCurrentNode(document, position)) {
-        const ElementRecord& record = RecordAt(document, position);
-        const bool slash = record.length == record.StartTagLength() && !record.Has(kRecordUnended);
-        end -= slash ? 2 : 1;
-    }
-    while (end > tag.nameEnd && IsXmlSpace(document.text[end - 1])) --end;
-    return end > tag.nameEnd && document.text[end - 1] == L'=' ? tag.nameEnd : end;
+// Whether the value waits for what stands behind it: a '=' that nothing follows, or a quote without
+// its other one, which only an instruction can hold.
+bool SwallowsWhatFollows(const UnitSpan& value, const wchar_t* end) {
+    return value.quoted ? value.end == end : value.start == value.end;
 }
 
-AttributeChange WriteAttribute(const DocumentState& document, std::int32_t position,
-                               const TagSpan& tag, std::wstring_view name,
-                               std::wstring_view encoded) {
+// Behind the last token of the tag; behind the tag's name instead when the new attribute would be
+// taken for a part of that token.
+std::size_t BehindLastToken(const DocumentState& document, const TagSpan& tag) {
+    const wchar_t* const text = document.text.data();
+    const wchar_t* const end = text + tag.end;
+    AttributeWalk walk(text, text + tag.nameEnd, end);
+    std::size_t behind = tag.nameEnd;
+    UnitSpan name;
+    UnitSpan value;
+    while (walk.Next(name, value)) {
+        if (SwallowsWhatFollows(value, end)) return tag.nameEnd;
+        behind = static_cast<std::size_t>((value.quoted ? walk.At() : value.end) - text);
+    }
+    return behind;
+}
+
+AttributeChange WriteAttribute(const DocumentState& document, const TagSpan& tag,
+                               std::wstring_view name, std::wstring_view encoded) {
     AttributeChange change;
     TagScanner scanner = ScannerBehindName(document, tag);
     if (scanner.FindAttribute(name.data(), name.size())) {
         ReplaceValue(scanner, tag, change);
     } else {
-        change.offset = BehindLastToken(document, position, tag);
+        change.offset = BehindLastToken(document, tag);
         change.text.append(L" ").append(name).append(L"=");
     }
     change.text.append(L"\"").append(encoded).append(L"\"");
@@ -106,7 +114,7 @@ bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t
     if (!tag) return false;
     const std::wstring encoded =
         EncodeText(value, (flags & kEncodeKeepReferences) | kEncodeAttribute);
-    const AttributeChange change = WriteAttribute(document, position, *tag, name, encoded);
+    const AttributeChange change = WriteAttribute(document, *tag, name, encoded);
     if (!TagStaysInBounds(document, position, change) ||
         !TextStaysInBounds(document, change.removed, change.text.size())) {
         return false;

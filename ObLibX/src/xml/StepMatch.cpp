@@ -29,14 +29,18 @@ bool FindAttributeOf(const DocumentState& document, std::int32_t position, std::
     return scanner.FindAttribute(name.data(), name.size());
 }
 
-// Compared as GetAttribute would give it; where nothing can be decoded it is compared in place.
+// Whether decoding would leave it as it is.
+bool IsPlain(const DocumentState& document, std::wstring_view value) {
+    return !document.Has(kDocTrim | kDocCollapse) && value.find(L'&') == std::wstring_view::npos;
+}
+
+// Both values are compared decoded, as GetAttribute gives one; plain ones where they stand.
 bool HasValue(const DocumentState& document, std::int32_t position, const PathStep& step) {
     TagScanner scanner(nullptr, 0, 0);
     if (!FindAttributeOf(document, position, step.testName, scanner)) return false;
     const std::wstring_view raw(scanner.Token(), static_cast<std::size_t>(scanner.TokenLength()));
-    const bool asItStands =
-        !document.Has(kDocTrim | kDocCollapse) && raw.find(L'&') == std::wstring_view::npos;
-    return asItStands ? raw == step.value : DecodeText(raw, document.docFlags) == step.value;
+    if (IsPlain(document, raw) && IsPlain(document, step.value)) return raw == step.value;
+    return DecodeText(raw, document.docFlags) == DecodeText(step.value, document.docFlags);
 }
 
 bool MeetsTest(const DocumentState& document, std::int32_t position, const PathStep& step) {

@@ -32,7 +32,7 @@ struct PathStep {
     StepTest test = StepTest::None;
     std::uint32_t count = 1;    // of Count; a number too large for it stays at the highest
     std::wstring_view testName; // of the attribute or the child
-    std::wstring_view value;    // of Value, without its quotes; compared as it stands
+    std::wstring_view value;    // of Value, without its quotes, not decoded
 
     static bool IsAnyName(std::wstring_view name) { return name == L"*"; }
 };

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/unit/xml/ElementTree.h"
+#include "tests/unit/xml/StreamFiles.h"
 
 using namespace ObLibX;
 
@@ -296,23 +297,22 @@ TEST_F(AddElement, RefusesPositionsThatDoNotBelongTogether) {
 }
 
 TEST_F(AddElement, RefusesInStreamReading) {
-    Load(L"<r/>");
-    document_.State().docFlags |= kDocStreamRead;
-    Stand(0, 1);
+    const StreamFile file(L"<r><a/></r>", L"UTF-8");
+    ASSERT_TRUE(document_.OpenForReading(file.Path()));
+    ASSERT_TRUE(document_.FindElement());
     ExpectRefused(L"n", nullptr, 0);
     ExpectRefused(L"n", nullptr, kAddAsChild);
+    EXPECT_FALSE(document_.SetAttribute(document_.CurrentPosition(), L"x", L"1"));
     EXPECT_FALSE(document_.FindChildElement());
-    document_.State().docFlags &= ~kDocStreamRead;
 }
 
 TEST_F(AddElement, RefusesAChildInStreamWriting) {
-    Load(L"<r/>");
-    document_.State().docFlags |= kDocStreamWrite;
-    Stand(0, 1);
+    const StreamFile file;
+    ASSERT_TRUE(document_.OpenForWriting(file.Path()));
+    ASSERT_TRUE(Add(L"r", nullptr, 0));
     ExpectRefused(L"n", nullptr, kAddAsChild);
     EXPECT_FALSE(document_.FindElement());
     EXPECT_FALSE(document_.FindChildElement());
-    document_.State().docFlags &= ~kDocStreamWrite;
 }
 
 TEST_F(AddElement, RefusesANameThatTheEndTagCannotHold) {

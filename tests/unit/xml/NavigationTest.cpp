@@ -211,7 +211,10 @@ TEST_F(Navigation, AsksForAttributes) {
 TEST_F(Navigation, ComparesValuesAfterDecoding) {
     Load(kTree);
     EXPECT_EQ(FindFromStart(L"//b[@k=<y]"), L"4");
-    EXPECT_EQ(FindFromStart(L"//b[@k='&lt;y']"), L"-");
+    EXPECT_EQ(FindFromStart(L"//b[@k='&lt;y']"), L"4");
+    EXPECT_EQ(FindFromStart(L"//b[@k='&#60;&#x79;']"), L"4");
+    EXPECT_EQ(FindFromStart(L"//b[@k='&amp;lt;y']"), L"-");
+    EXPECT_EQ(FindFromStart(L"//b[@n='&#52;']"), L"4");
     Load(L"<a n='1' k='  x '/><b n='2' k='p]q' e=''/><c n='3' f/>");
     EXPECT_EQ(FindFromStart(L"a[@k=x]"), L"-");
     EXPECT_EQ(FindFromStart(L"b[@k='p]q']"), L"2");
@@ -219,6 +222,7 @@ TEST_F(Navigation, ComparesValuesAfterDecoding) {
     EXPECT_EQ(FindFromStart(L"c[@f=f]"), L"3");
     document_.SetFlags(kDocTrim);
     EXPECT_EQ(FindFromStart(L"a[@k=x]"), L"1");
+    EXPECT_EQ(FindFromStart(L"a[@k=' x ']"), L"1");
 }
 
 TEST_F(Navigation, AsksForAChild) {

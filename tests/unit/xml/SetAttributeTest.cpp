@@ -61,11 +61,23 @@ TEST_F(SetAttribute, AddsBehindTheLastToken) {
     EXPECT_EQ(Set(L"<a y=2/>t</a>"), L"<a y=2/ x=\"1\">t</a>");
     EXPECT_EQ(Set(L"<a y>t</a>"), L"<a y x=\"1\">t</a>");
     EXPECT_EQ(Set(L"<a xx='2' x2='3'/>"), L"<a xx='2' x2='3' x=\"1\"/>");
+    EXPECT_EQ(Set(L"<a y='2'z=\"3\">t</a>"), L"<a y='2'z=\"3\" x=\"1\">t</a>");
+    EXPECT_EQ(Set(L"<a y='2' / >t</a>"), L"<a y='2' x=\"1\" / >t</a>");
+}
+
+TEST_F(SetAttribute, AddsBehindAnUnquotedValueThatEndsInAnEqualsSign) {
+    EXPECT_EQ(Set(L"<a k=Zm9vYg==>t</a>"), L"<a k=Zm9vYg== x=\"1\">t</a>");
+    EXPECT_EQ(document_.GetAttribute(1, L"k"), L"Zm9vYg==");
+    EXPECT_EQ(Set(L"<a k=b= />"), L"<a k=b= x=\"1\" />");
+    EXPECT_EQ(Set(L"<a k==>t</a>"), L"<a k== x=\"1\">t</a>");
+    EXPECT_EQ(document_.GetAttribute(1, L"k"), L"=");
+    EXPECT_EQ(Set(L"<a k='='>t</a>"), L"<a k='=' x=\"1\">t</a>");
 }
 
 TEST_F(SetAttribute, IsNotTakenForTheValueOfAnother) {
     EXPECT_EQ(Set(L"<a y=>t</a>"), L"<a x=\"1\" y=>t</a>");
     EXPECT_EQ(Set(L"<a y= />"), L"<a x=\"1\" y= />");
+    EXPECT_EQ(Set(L"<a z='2' y = >t</a>"), L"<a x=\"1\" z='2' y = >t</a>");
 }
 
 TEST_F(SetAttribute, AddsToATagThatHasNoEnd) {
@@ -115,6 +127,22 @@ TEST_F(SetAttribute, ChangesTheCurrentProcessingInstruction) {
     EXPECT_EQ(document_.GetAttribute(0, L"version"), L"1.1");
     EXPECT_EQ(document_.GetData(0), L"xml version=\"1.1\" encoding=\"x\"");
     ExpectAsIndexedAnew(document_);
+}
+
+TEST_F(SetAttribute, AddsToAnInstructionWhereItCanBeReadAgain) {
+    const std::pair<const wchar_t*, const wchar_t*> expected[] = {
+        {L"<?p y=?>", L"<?p x=\"1\" y=?>"},
+        {L"<?p y=b=?>", L"<?p y=b= x=\"1\"?>"},
+        {L"<?p y='2?>", L"<?p x=\"1\" y='2?>"},
+        {L"<?p y='2' > z?>", L"<?p y='2' x=\"1\" > z?>"}};
+    for (const auto& [before, after] : expected) {
+        document_.SetText((std::wstring(before) + L"<r/>").c_str());
+        PutOnNode(document_, kNodeInstruction, before);
+        EXPECT_TRUE(document_.SetAttribute(0, L"x", L"1"));
+        EXPECT_EQ(document_.Text(), std::wstring(after) + L"<r/>");
+        EXPECT_EQ(document_.GetAttribute(0, L"x"), L"1");
+        ExpectAsIndexedAnew(document_);
+    }
 }
 
 TEST_F(SetAttribute, ChangesAnInstructionWhereverItStands) {
