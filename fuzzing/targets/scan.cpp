@@ -50,9 +50,11 @@ void ReadTag(TagScanner scanner, const NodeScan& scan) {
     }
 }
 
-void ReadNodes(const wchar_t* text, std::size_t length, std::uint32_t flags) {
+void ReadNodes(const wchar_t* text, std::size_t length, std::uint32_t flags, bool reports) {
     TagScanner quick(text, length, flags);
     TagScanner plain(text, length, flags);
+    quick.reports = reports;
+    plain.reports = reports;
     NodeScan quickScan;
     NodeScan plainScan;
     std::int32_t at = 0;
@@ -86,12 +88,15 @@ void ReadTokens(const wchar_t* text, std::size_t length, std::uint32_t flags) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     FuzzInput input(bytes, size);
-    const std::uint32_t flags = input.Flag() ? kDocIgnoreCase : 0;
+    const std::uint32_t choice = input.Byte();
+    const std::uint32_t flags = choice % 2 != 0 ? kDocIgnoreCase : 0;
+    // Writing a report takes longer than all the rest.
+    const bool reports = choice >= 192;
     const std::wstring rest = input.Rest();
     // Exactly as long, so that a unit behind the end is noticed.
     const auto text = std::make_unique<wchar_t[]>(rest.size());
     rest.copy(text.get(), rest.size());
-    ReadNodes(text.get(), rest.size(), flags);
+    ReadNodes(text.get(), rest.size(), flags, reports);
     ReadTokens(text.get(), rest.size(), flags);
     return 0;
 }
