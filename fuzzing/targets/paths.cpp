@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "ObLibX/src/xml/Navigation.h"
+#include "ObLibX/src/xml/TextCoding.h"
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 #include "ObLibX/src/xml/XmlPath.h"
 #include "fuzzing/support/FuzzInput.h"
@@ -69,7 +70,8 @@ private:
         if (step.test == StepTest::Attribute) return HasAttribute(at, step.testName);
         if (step.test == StepTest::Value) {
             return HasAttribute(at, step.testName) &&
-                   document_.GetAttribute(at, std::wstring(step.testName).c_str()) == step.value;
+                   document_.GetAttribute(at, std::wstring(step.testName).c_str()) ==
+                       DecodeText(step.value, document_.Flags());
         }
         if (step.test != StepTest::Child) return true;
         std::int32_t child = FirstChild(at);
