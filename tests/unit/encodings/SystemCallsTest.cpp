@@ -230,13 +230,13 @@ TEST_F(SystemCalls, FindNoBoundaryWithin40BytesOfTwoByteMode) {
 TEST_F(SystemCalls, FindTheBoundaryJustWithin40Bytes) {
     // From the escape sequence on the tail agrees: three tails are needed within 40 bytes.
     const std::string before = std::string("\x1B$B") + std::string(20, '!') + "\x1B(B";
-    for (const std::size_t pairs : {10u, 16u, 17u, 18u, 30u}) {
-        std::string tail = "a\x1B$B";
-        for (std::size_t i = 0; i < pairs; ++i) {
-            tail += "$\"";
+    for (const std::size_t pairBytes : {20u, 33u, 34u, 35u, 36u, 37u, 60u}) {
+        std::string tail = "\x1B$B";
+        for (std::size_t i = 0; i < pairBytes; ++i) {
+            tail += i % 2 == 0 ? '$' : '"';
         }
         const bool within = tail.size() + 2 <= 40;
-        EXPECT_EQ(Back(L"csiso2022jp", "xyz" + tail) >= 0, within) << pairs;
+        EXPECT_EQ(Back(L"csiso2022jp", "xyza" + tail) >= 0, within) << pairBytes;
     }
     EXPECT_GE(Back(L"csiso2022jp", before + "abc"), 1);
 }
