@@ -18,6 +18,7 @@ set(names
     StepMatch
     Navigation
     Reading
+    AttributeCursor
     NewElement
     Editing
     AttributeEditing

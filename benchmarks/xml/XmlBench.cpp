@@ -20,8 +20,13 @@ using ObLibX::XmlOffsetDocument;
 
 constexpr std::size_t kUnitsPerSample = 400000; // small documents are read several times
 
+// How the attributes of a document are read, once it is parsed.
+enum class Reading { None, ByName, InTurn };
+
 struct Series {
-    std::vector<double> parseOurs, parseTheirs, readOurs, readTheirs, parseRatio, readRatio;
+    std::vector<double> parseOurs, parseTheirs, parseRatio;
+    std::vector<double> readOurs, readTheirs, readRatio; // by name
+    std::vector<double> turnOurs, turnRatio;             // in turn, beside the same of theirs
 };
 
 std::size_t g_seen = 0; // what was read, so that no reading is left out
@@ -35,19 +40,35 @@ bool ParseTheirs(pugi::xml_document& document, const std::wstring& text) {
                                 pugi::encoding_wchar);
 }
 
-// Every attribute's value of the element and of those below it.
-void ReadOurs(XmlOffsetDocument& document) {
+// As clients do it that look for a few: each name by its number, each value by its name.
+void ReadByName(XmlOffsetDocument& document) {
+    for (std::int32_t i = 0;; ++i) {
+        const std::wstring name = document.GetAttributeNameAt(i);
+        if (name.empty()) {
+            break;
+        }
+        g_seen += document.GetAttribute(document.CurrentPosition(), name.c_str()).size();
+    }
+}
+
+void ReadInTurn(XmlOffsetDocument& document, ObLibX::AttributeCursor& attributes) {
+    attributes.Begin(document.CurrentPosition());
+    while (document.GetNextAttribute(attributes)) {
+        g_seen += attributes.Value().size();
+    }
+}
+
+// Every attribute's value of the elements from here on and of those below them.
+void ReadOurs(XmlOffsetDocument& document, Reading reading, ObLibX::AttributeCursor& attributes) {
     while (document.FindElement()) {
-        for (std::int32_t i = 0;; ++i) {
-            const std::wstring name = document.GetAttributeNameAt(i);
-            if (name.empty()) {
-                break;
-            }
-            g_seen += document.GetAttribute(document.CurrentPosition(), name.c_str()).size();
+        if (reading == Reading::ByName) {
+            ReadByName(document);
+        } else {
+            ReadInTurn(document, attributes);
         }
         if (document.State().records->operator[](document.CurrentPosition()).firstChild != 0) {
             document.IntoElement();
-            ReadOurs(document);
+            ReadOurs(document, reading, attributes);
             document.OutOfElement();
         }
     }
@@ -77,10 +98,11 @@ double Measure(const std::wstring& text, Parse parse, Read read) {
     return watch.Milliseconds() / static_cast<double>(times);
 }
 
-double SampleOurs(const std::wstring& text, bool read) {
-    return Measure<XmlOffsetDocument>(text, ParseOurs, [read](XmlOffsetDocument& document) {
-        if (read) {
-            ReadOurs(document);
+double SampleOurs(const std::wstring& text, Reading reading) {
+    return Measure<XmlOffsetDocument>(text, ParseOurs, [reading](XmlOffsetDocument& document) {
+        if (reading != Reading::None) {
+            ObLibX::AttributeCursor attributes;
+            ReadOurs(document, reading, attributes);
         }
     });
 }
@@ -96,12 +118,14 @@ double SampleTheirs(const std::wstring& text, bool read) {
 Series MeasureTimes(const std::wstring& text, int samples) {
     Series series;
     for (int i = 0; i < samples; ++i) {
-        series.parseOurs.push_back(SampleOurs(text, false));
+        series.parseOurs.push_back(SampleOurs(text, Reading::None));
         series.parseTheirs.push_back(SampleTheirs(text, false));
         series.parseRatio.push_back(series.parseOurs.back() / series.parseTheirs.back());
-        series.readOurs.push_back(SampleOurs(text, true));
+        series.readOurs.push_back(SampleOurs(text, Reading::ByName));
         series.readTheirs.push_back(SampleTheirs(text, true));
         series.readRatio.push_back(series.readOurs.back() / series.readTheirs.back());
+        series.turnOurs.push_back(SampleOurs(text, Reading::InTurn));
+        series.turnRatio.push_back(series.turnOurs.back() / series.readTheirs.back());
     }
     return series;
 }
@@ -142,6 +166,9 @@ void Print(const std::string& name, const std::wstring& text, int samples) {
     bench::PrintSeries((name + " read ours").c_str(), series.readOurs);
     bench::PrintSeries((name + " read theirs").c_str(), series.readTheirs);
     bench::PrintSeries((name + " read ratio").c_str(), series.readRatio);
+    bench::PrintSeries((name + " turn ours").c_str(), series.turnOurs);
+    bench::PrintSeries((name + " turn theirs").c_str(), series.readTheirs);
+    bench::PrintSeries((name + " turn ratio").c_str(), series.turnRatio);
     PrintMemory(name, text);
 }
 

@@ -26,12 +26,6 @@ TagSpan SpanFrom(const std::wstring& text, std::size_t start, std::size_t name, 
     return span;
 }
 
-TagSpan StartTagSpan(const DocumentState& document, std::int32_t position) {
-    const ElementRecord& record = (*document.records)[position];
-    return SpanFrom(document.text, record.start, record.start + 1,
-                    record.start + record.StartTagLength(), EndsTagName);
-}
-
 } // namespace
 
 bool IsElement(const DocumentState& document, std::int32_t position) {
@@ -57,19 +51,28 @@ std::wstring_view ElementName(const DocumentState& document, std::int32_t positi
     return {document.text.data() + span.nameStart, span.nameEnd - span.nameStart};
 }
 
-std::optional<TagSpan> TagAt(const DocumentState& document, std::int32_t position) {
+std::optional<TagBounds> TagBoundsAt(const DocumentState& document, std::int32_t position) {
     if (!IsCurrentNode(document, position)) {
         if (!IsElement(document, position)) return std::nullopt;
+        const ElementRecord& record = (*document.records)[position];
         // A stream has let go of the text of an element that it has passed.
-        if ((*document.records)[position].StartTagLength() == 0) return std::nullopt;
-        return StartTagSpan(document, position);
+        if (record.StartTagLength() == 0) return std::nullopt;
+        return TagBounds{record.start, record.start + 1, record.start + record.StartTagLength(),
+                         false};
     }
     const auto marks = static_cast<std::int32_t>(kInstructionBegin + kInstructionEnd);
     if (document.nodeType != kNodeInstruction || document.nodeLength < marks) return std::nullopt;
     const auto start = static_cast<std::size_t>(document.nodeOffset);
     const std::size_t end = start + static_cast<std::size_t>(document.nodeLength);
-    return SpanFrom(document.text, start, start + kInstructionBegin, end - kInstructionEnd,
-                    EndsName);
+    return TagBounds{start, start + kInstructionBegin, end - kInstructionEnd, true};
+}
+
+std::optional<TagSpan> TagAt(const DocumentState& document, std::int32_t position) {
+    const std::optional<TagBounds> tag = TagBoundsAt(document, position);
+    if (!tag) return std::nullopt;
+    return tag->instruction
+               ? SpanFrom(document.text, tag->start, tag->nameFrom, tag->end, EndsName)
+               : SpanFrom(document.text, tag->start, tag->nameFrom, tag->end, EndsTagName);
 }
 
 TagScanner ScannerBehindName(const DocumentState& document, const TagSpan& tag) {

@@ -30,7 +30,16 @@ bool IsCurrentNode(const DocumentState& document, std::int32_t position);
 // The name as it stands behind the '<'. `position` is an element's.
 std::wstring_view ElementName(const DocumentState& document, std::int32_t position);
 
+// A tag as TagSpan tells, but for its name, which isn't looked for.
+struct TagBounds {
+    std::size_t start;
+    std::size_t nameFrom; // behind the marks at its beginning
+    std::size_t end;
+    bool instruction;
+};
+
 // The start tag of the element, or the current processing instruction; none for anything else.
+std::optional<TagBounds> TagBoundsAt(const DocumentState& document, std::int32_t position);
 std::optional<TagSpan> TagAt(const DocumentState& document, std::int32_t position);
 
 // A scanner that stands behind the tag's name and sees nothing behind the tag.

@@ -1,6 +1,7 @@
 #include "ObLibX/src/xml/TextCoding.h"
 
 #include "ObLibX/src/xml/DocumentState.h"
+#include "ObLibX/src/xml/FindUnit.h"
 #include "ObLibX/src/xml/NameTables.h"
 #include "ObLibX/src/xml/XmlCharacters.h"
 
@@ -80,6 +81,36 @@ std::size_t DecodeReference(std::wstring_view text, std::wstring& out) {
     return reference.length + 2;
 }
 
+void DecodeAll(std::wstring_view text, std::wstring& out) {
+    const wchar_t* const end = text.data() + text.size();
+    for (const wchar_t* at = text.data();;) {
+        const wchar_t* const reference = FindUnit(at, end, EqualTo{L'&'});
+        out.append(at, reference);
+        if (reference == end) return;
+        at = reference +
+             DecodeReference({reference, static_cast<std::size_t>(end - reference)}, out);
+    }
+}
+
+void DecodeTrimmed(std::wstring_view text, bool collapse, std::wstring& out) {
+    std::size_t kept = 0; // units of `out` up to the last one that isn't white space
+    for (std::size_t at = 0; at < text.size();) {
+        if (IsXmlSpace(text[at])) {
+            const bool dropped = kept == 0 || (collapse && out.size() > kept);
+            if (!dropped) out.push_back(collapse ? L' ' : text[at]);
+            ++at;
+            continue;
+        }
+        if (text[at] == L'&') {
+            at += DecodeReference(text.substr(at), out);
+        } else {
+            out.push_back(text[at++]);
+        }
+        kept = out.size();
+    }
+    out.resize(kept);
+}
+
 bool IsAsciiLetter(wchar_t unit) { return FoldAscii(unit) >= L'a' && FoldAscii(unit) <= L'z'; }
 
 bool StartsReference(wchar_t unit) {
@@ -121,27 +152,19 @@ const wchar_t* EncodedUnit(wchar_t unit, std::uint32_t flags) {
 
 } // namespace
 
-std::wstring DecodeText(std::wstring_view text, std::uint32_t flags) {
-    const bool trim = (flags & (kDocTrim | kDocCollapse)) != 0;
-    const bool collapse = (flags & kDocCollapse) != 0;
-    std::wstring out;
+void DecodeText(std::wstring_view text, std::uint32_t flags, std::wstring& out) {
+    out.clear();
     out.reserve(text.size());
-    std::size_t kept = 0; // units of `out` up to the last one that isn't white space
-    for (std::size_t at = 0; at < text.size();) {
-        if (trim && IsXmlSpace(text[at])) {
-            const bool dropped = kept == 0 || (collapse && out.size() > kept);
-            if (!dropped) out.push_back(collapse ? L' ' : text[at]);
-            ++at;
-            continue;
-        }
-        if (text[at] == L'&') {
-            at += DecodeReference(text.substr(at), out);
-        } else {
-            out.push_back(text[at++]);
-        }
-        kept = out.size();
+    if ((flags & (kDocTrim | kDocCollapse)) != 0) {
+        DecodeTrimmed(text, (flags & kDocCollapse) != 0, out);
+    } else {
+        DecodeAll(text, out);
     }
-    if (trim) out.resize(kept);
+}
+
+std::wstring DecodeText(std::wstring_view text, std::uint32_t flags) {
+    std::wstring out;
+    DecodeText(text, flags, out);
     return out;
 }
 

@@ -19,6 +19,8 @@ inline constexpr std::uint32_t kEncodeAttribute = 0x100;    // quotes too
 // runs become one blank; white space that is written as a reference is meant, and stays. Linear.
 // Throws std::bad_alloc.
 std::wstring DecodeText(std::wstring_view text, std::uint32_t flags);
+// The same into a string whose memory is used again. `text` isn't part of it.
+void DecodeText(std::wstring_view text, std::uint32_t flags, std::wstring& out);
 
 // Replaces < & > (and with kEncodeAttribute " ') by their references. With kEncodeKeepReferences a
 // & that begins what looks like a reference, known or not, stays as it is together with that.

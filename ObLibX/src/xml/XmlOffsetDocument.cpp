@@ -192,6 +192,10 @@ std::wstring XmlOffsetDocument::GetAttributeNameAt(std::int32_t index) const {
     return ObLibX::GetAttributeNameAt(state_, index);
 }
 
+bool XmlOffsetDocument::GetNextAttribute(AttributeCursor& cursor) const {
+    return ObLibX::GetNextAttribute(state_, cursor);
+}
+
 std::wstring XmlOffsetDocument::GetData(std::int32_t position) {
     return state_.Has(kDocStreamRead) ? GetDataInStream(state_, position)
                                       : ObLibX::GetData(state_, position);

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "ObLibX/src/xml/AttributeCursor.h"
 #include "ObLibX/src/xml/DocumentState.h"
 #include "ObLibX/src/xml/StreamFile.h"
 
@@ -64,6 +65,8 @@ public:
     std::wstring GetTagName() const;
     std::wstring GetAttribute(std::int32_t position, const wchar_t* name) const;
     std::wstring GetAttributeNameAt(std::int32_t index) const;
+    // All attributes of a tag in one reading, for who wants more than a few: AttributeCursor.h.
+    bool GetNextAttribute(AttributeCursor& cursor) const;
     std::wstring GetData(std::int32_t position);
 
     // ---- Changing
