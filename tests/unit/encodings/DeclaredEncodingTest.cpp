@@ -92,6 +92,7 @@ TEST(DeclaredEncoding, IsNoneBehindTheHead) {
     const std::wstring good = L"<meta http-equiv='Content-Type' content='charset=utf-8'>";
     EXPECT_EQ(GetDeclaredEncoding(L"<html><head></head>" + good + L"</html>"), L"");
     EXPECT_EQ(GetDeclaredEncoding(L"<html><head></HEAD>" + good + L"</html>"), L"");
+    EXPECT_EQ(GetDeclaredEncoding(L"</head><html>" + good + L"</html>"), L"");
     EXPECT_EQ(GetDeclaredEncoding(L"<html><title></title>" + good + L"</html>"), L"utf-8");
 }
 

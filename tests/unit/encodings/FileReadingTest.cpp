@@ -151,8 +151,11 @@ TEST(ReadText, TakesBytesWithANulBeforeAnyHighByteForUtf8) {
 }
 
 TEST(ReadText, TakesASequenceThatANulBreaksForNoUtf8) {
-    const Block block(std::string("ab\xC3\0\xA9", 5), 100);
-    EXPECT_EQ(block.channel.encoding, L"");
+    const Block last(std::string("ab\xC3\0\xA9", 5), 100);
+    EXPECT_EQ(last.channel.encoding, L"");
+    // It is the NUL that breaks it here, and not the block's end.
+    const Block followed(std::string("ab\xC3\0\xA9 and more", 14), 5);
+    EXPECT_EQ(followed.channel.encoding, L"");
 }
 
 TEST(ReadText, ForgivesInDetectionASequenceThatTheBlocksEndCuts) {
