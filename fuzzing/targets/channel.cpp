@@ -143,8 +143,11 @@ void WriteAndRead(FuzzInput& input, const FileForm& form, const std::string& blo
 void ReadAnyBytes(FuzzInput& input, const FileForm& form, const std::string& blocks) {
     const std::string bytes(reinterpret_cast<const char*>(input.Bytes()), input.Left());
     if (bytes.empty()) return;
-    Reader(bytes, form).ReadIn(blocks);
+    const Reading inBlocks = Reader(bytes, form).ReadIn(blocks);
     const Reading whole = Reader(bytes, form).ReadWhole();
+    // Halves of pairs come together again, and NULs are dropped wherever they stand.
+    Require((form.flags & kFileUtf16) == 0 || inBlocks.text == whole.text,
+            "UTF-16 of any kind is the same in blocks");
     Require(whole.text.size() <= bytes.size() + 1, "no unit comes of less than a byte");
 }
 
