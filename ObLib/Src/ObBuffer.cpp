@@ -11,7 +11,7 @@
 namespace ObLib {
 namespace {
 
-constexpr wchar_t kModule[] = L"ObLib\\Src\\ObBuffer";
+constexpr wchar_t kModule[] = L"ObLib\\Src\\ObBuffer.cpp";
 
 } // namespace
 

@@ -10,8 +10,8 @@ namespace ObLib {
 struct ObFaultRequest {};
 
 // Write a line to the standard output and end the process by exit(999), so that static objects are
-// destroyed. A process without a console shows nothing. `module` is a source path without its
-// suffix, given by name. Any thread.
+// destroyed. A process without a console shows nothing. `module` is a source path,
+// given by name. Any thread.
 [[noreturn]] void FatalAssert(const wchar_t* module, std::uint32_t line);
 // For a call of the system that must not fail.
 [[noreturn]] void FatalApiFailure(const wchar_t* module, std::uint32_t line);

@@ -10,7 +10,7 @@
 namespace ObLib {
 namespace {
 
-constexpr wchar_t kModule[] = L"ObLib\\Src\\ObString";
+constexpr wchar_t kModule[] = L"ObLib\\Src\\ObString.cpp";
 constexpr std::int32_t kRefusedKind = 2;
 
 static_assert(offsetof(StringCore, length) == 0 && offsetof(StringCore, secure) == 8 &&
@@ -90,8 +90,9 @@ int ObString::CompareNoCase(const ObString& other) const {
 
 void ObString::AppendUnits(const wchar_t* text, std::uint64_t units) {
     const std::uint64_t length = Length();
-    StringCore value(CStr(), length);
+    StringCore value;
     value.SetLength(length + units);
+    std::memcpy(value.text, CStr(), length * sizeof(wchar_t));
     std::memcpy(value.text + length, text, units * sizeof(wchar_t));
     TakeValue(value);
 }

@@ -13,7 +13,7 @@
 namespace ObLib {
 namespace {
 
-constexpr wchar_t kModule[] = L"ObLib\\Src\\StringCore";
+constexpr wchar_t kModule[] = L"ObLib\\Src\\StringCore.cpp";
 
 // The start of a shared block; the text follows it at once.
 struct alignas(4) BlockHead {

@@ -43,23 +43,20 @@ bool IsPooled(std::size_t size) {
     return size == sizeof(StringCore) && !g_poolIsOff.load(std::memory_order_relaxed);
 }
 
-FreeCore* TakeHead(StringPool& pool) {
+// From the list's head, or from the heap when the list is empty; the lock is held for either.
+void* TakeCore(StringPool& pool) {
     const Locked locked(pool.lock);
     FreeCore* const head = pool.head;
-    if (head != nullptr) {
-        pool.head = head->next;
-        --pool.length;
-    }
+    if (head == nullptr) return ::operator new(sizeof(StringCore));
+    pool.head = head->next;
+    --pool.length;
     return head;
 }
 
 } // namespace
 
 void* PoolAllocate(std::size_t size) {
-    if (IsPooled(size)) {
-        if (FreeCore* const core = TakeHead(Pool())) return core;
-    }
-    return ::operator new(size);
+    return IsPooled(size) ? TakeCore(Pool()) : ::operator new(size);
 }
 
 void PoolFree(void* memory, std::size_t size) {

@@ -8,7 +8,7 @@
 namespace ObLib {
 namespace {
 
-constexpr wchar_t kModule[] = L"ObLib\\Src\\Win32\\ObWinGUI";
+constexpr wchar_t kModule[] = L"ObLib\\Src\\Win32\\ObWinGUI.cpp";
 
 } // namespace
 

@@ -1,4 +1,4 @@
-// An operator new that counts, and that fails where a test says.
+// An operator new that counts, that fails where a test says, and that looks at what is released.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +8,24 @@
 // Of the whole process so far: calls of operator new, and blocks that are not released yet.
 std::size_t AllocationCount();
 std::size_t LiveBlocks();
+
+// Runs `call` within the next call of operator new; null takes the order back. What `call`
+// allocates itself is as usual.
+void AtNextAllocation(void (*call)());
+
+// While it lives, released blocks are looked at. One at a time, and no other thread may run.
+class WatchReleased {
+public:
+    // A block "holds" a text when four units `unit` follow each other in it.
+    explicit WatchReleased(wchar_t unit);
+    ~WatchReleased();
+    WatchReleased(const WatchReleased&) = delete;
+    WatchReleased& operator=(const WatchReleased&) = delete;
+
+    // How many blocks were released since, and how many of them held the units.
+    std::size_t Released() const;
+    std::size_t Holding() const;
+};
 
 // While it lives, the allocation number `which` (from 0) of the process throws std::bad_alloc. One
 // at a time, and no other thread may run.

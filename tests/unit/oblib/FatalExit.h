@@ -34,7 +34,7 @@ inline constexpr int kFatalCodeSeen = 999 & 0xFF;
         },                                                                                         \
         testing::ExitedWithCode(kFatalCodeSeen), testing::HasSubstr(text))
 
-// A failed check of a source of the base library.
+// A failed check of a source of the base library; `source` is named without ".cpp".
 #define EXPECT_FATAL_ASSERT(statement, source)                                                     \
     EXPECT_FATAL(statement, std::string("FATAL ERROR: assert failure in Module: ObLib\\Src\\") +   \
-                                (source) + " Line number: ")
+                                (source) + ".cpp Line number: ")

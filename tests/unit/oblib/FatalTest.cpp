@@ -7,17 +7,18 @@
 
 namespace {
 
-constexpr wchar_t kModule[] = L"ObLib\\Src\\Sample";
+constexpr wchar_t kModule[] = L"ObLib\\Src\\Sample.cpp";
 
 TEST(FatalEnd, AnAssertWritesItsLineAndEndsWith999) {
-    EXPECT_FATAL(ObLib::FatalAssert(kModule, 4711),
-                 "\nFATAL ERROR: assert failure in Module: ObLib\\Src\\Sample Line number: 4711\n");
+    EXPECT_FATAL(
+        ObLib::FatalAssert(kModule, 4711),
+        "\nFATAL ERROR: assert failure in Module: ObLib\\Src\\Sample.cpp Line number: 4711\n");
 }
 
 TEST(FatalEnd, AFailureOfTheSystemHasWordsOfItsOwn) {
-    EXPECT_FATAL(
-        ObLib::FatalApiFailure(L"ObLibX\\src\\Sample", 0),
-        "\nFATAL ERROR: unexpected API Failure in Module: ObLibX\\src\\Sample Line number: 0\n");
+    EXPECT_FATAL(ObLib::FatalApiFailure(L"ObLibX\\src\\Sample.cpp", 0),
+                 "\nFATAL ERROR: unexpected API Failure in Module: ObLibX\\src\\Sample.cpp Line "
+                 "number: 0\n");
 }
 
 TEST(FatalEnd, TheLargestLineIsWrittenWhole) {
@@ -25,9 +26,11 @@ TEST(FatalEnd, TheLargestLineIsWrittenWhole) {
                  " Line number: 4294967295\n");
 }
 
-TEST(FatalEnd, AFailedCheckNamesItsModuleAndALine) {
+TEST(FatalEnd, AFailedCheckNamesItsModuleAndItsLine) {
     const int one = 1;
-    EXPECT_FATAL_ASSERT(ObAssert(one == 2), "Sample");
+    const auto check = [&] { ObAssert(one == 2); };
+    const std::string line = std::to_string(__LINE__ - 1);
+    EXPECT_FATAL(check(), "Module: ObLib\\Src\\Sample.cpp Line number: " + line + "\n");
 }
 
 TEST(FatalEnd, ACheckThatHoldsDoesNothing) {
@@ -51,7 +54,7 @@ TEST(CheckedNumber, TakesWhatFitsIn32Bits) {
 }
 
 TEST(CheckedNumber, EndsTheProcessAtOneMoreOrOneLess) {
-    const char* const line = "ObMacro.H Line number: 232\n";
+    const char* const line = "Module: ObLib\\Src\\ObMacro.H Line number: 232\n";
     EXPECT_FATAL(ObLib::CheckedInt32(0x80000000LL), line);
     EXPECT_FATAL(ObLib::CheckedInt32(-2147483649LL), line);
 }

@@ -1,14 +1,19 @@
-// What the pool's kind of lock does when the system refuses what it waits on.
+// What the pool does when the system refuses what its lock waits on.
 #include <windows.h>
 
 #include <boost/thread/exceptions.hpp>
-#include <boost/thread/mutex.hpp>
 
 #include <gtest/gtest.h>
 
+#include "ObLib/Src/StringCore.h"
+#include "ObLib/Src/StringPool.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/support/ImportDouble.h"
+#include "tests/unit/oblib/CountedMemory.h"
 
 namespace {
+
+using ObLib::StringCore;
 
 int g_refused = 0;
 HANDLE WINAPI RefuseEvent(LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCSTR) {
@@ -17,14 +22,41 @@ HANDLE WINAPI RefuseEvent(LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCSTR) {
     return nullptr;
 }
 
+enum class Outcome { kNothing, kGiven, kResourceError };
+Outcome g_outcome = Outcome::kNothing;
+
 // A waiter asks for the event; the owner doesn't, so that the lock is free afterwards.
-TEST(PoolLock, ARefusedEventSurfacesAsBoostsOwnError) {
+DWORD WINAPI AskForACore(void*) {
+    try {
+        throw 1; // what a first exception of a thread needs of the system isn't refused
+    } catch (int) {
+    }
     const obtest::ImportDouble event("kernel32.dll", "CreateEventA", &RefuseEvent);
-    ASSERT_TRUE(event.Stands());
-    boost::mutex lock;
-    lock.lock();
-    EXPECT_THROW(lock.lock(), boost::thread_resource_error);
+    try {
+        ObLib::PoolFree(ObLib::PoolAllocate(sizeof(StringCore)), sizeof(StringCore));
+        g_outcome = Outcome::kGiven;
+    } catch (const boost::thread_resource_error&) {
+        g_outcome = Outcome::kResourceError;
+    }
+    return 0;
+}
+
+void AskOnAnotherThread() {
+    const ObLib::UniqueKernelHandle other(
+        CreateThread(nullptr, 0, &AskForACore, nullptr, 0, nullptr));
+    if (other) WaitForSingleObject(other.Get(), INFINITE);
+}
+
+// The list is empty, so the heap is asked for the core, with the lock held.
+TEST(PoolLock, HeldByAnotherThreadThatAllocatesItSurfacesARefusedEvent) {
+    ObLib::PoolSwitchOff();
+    ObLib::PoolSwitchOn();
+    AtNextAllocation(&AskOnAnotherThread);
+    void* const core = ObLib::PoolAllocate(sizeof(StringCore));
+    EXPECT_EQ(Outcome::kResourceError, g_outcome);
     EXPECT_EQ(1, g_refused);
+    ObLib::PoolFree(core, sizeof(StringCore));
+    EXPECT_EQ(1u, ObLib::PoolLength()) << "the lock serves again";
 }
 
 } // namespace

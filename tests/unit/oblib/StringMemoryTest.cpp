@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 #include <utility>
@@ -126,6 +128,37 @@ TEST_F(StringMemory, SmallStringsAllocateNoTextAndCopiesOfLongOnesNeither) {
     ObLib::PoolSwitchOff();
 }
 
+constexpr wchar_t kSecret[] = L"\x2603\x2603\x2603\x2603 is a secret that is on the heap";
+
+TEST_F(StringMemory, ASecureTextOnTheHeapIsWipedByWhoLetsItGoLast) {
+    auto secret = std::make_unique<ObString>(kSecret);
+    secret->MakeSecure();
+    auto copy = std::make_unique<ObString>(*secret);
+    const WatchReleased watch(L'\x2603');
+    secret.reset();
+    EXPECT_STREQ(kSecret, copy->CStr()) << "the others still read it";
+    copy.reset();
+    EXPECT_EQ(5u, watch.Released()) << "two handles, two cores, one block";
+    EXPECT_EQ(0u, watch.Holding());
+    { const ObString open(kSecret); }
+    EXPECT_EQ(1u, watch.Holding()) << "the test sees what isn't wiped";
+}
+
+TEST_F(StringMemory, NoChangeOfASecureStringLeavesItsTextInReleasedMemory) {
+    for (const NamedChange& row : kChanges) {
+        for (const wchar_t* const text : {L"\x2603\x2603\x2603\x2603", kSecret}) {
+            const WatchReleased watch(L'\x2603');
+            {
+                ObString string(text);
+                string.MakeSecure();
+                row.change(string);
+            }
+            EXPECT_NE(0u, watch.Released()) << row.name;
+            EXPECT_EQ(0u, watch.Holding()) << row.name;
+        }
+    }
+}
+
 TEST(StringThreads, CopiesOfOneTextAreMadeChangedAndReleasedOnSeveralThreads) {
     const ObString shared(kLong);
     std::atomic<int> wrong = 0;
@@ -165,6 +198,13 @@ TEST(StringThreads, TheLimitOfSharersHoldsWhenSeveralThreadsReachIt) {
 
 // Strings of static objects live longer than the pool: this one is made before the pool's list.
 struct Late {
+    ~Late() {
+        if (string.IsNull()) return;
+        const std::size_t live = LiveBlocks();
+        string = ObString();
+        // Core and text go to the heap: the list is gone, and nobody would find them in it.
+        if (LiveBlocks() != live - 2) std::_Exit(1);
+    }
     ObString string;
 };
 Late g_late;
