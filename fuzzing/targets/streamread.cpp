@@ -3,6 +3,7 @@
 #include <string>
 
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
+#include "ObLibX/src/xml/XmlPath.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/MemoryFile.h"
 #include "fuzzing/support/Require.h"
@@ -18,6 +19,7 @@ constexpr const wchar_t* kPaths[] = {nullptr, L"a", L"*",     L"a/b",    L"/r/a"
                                      L"//*",  L"r", L"a[@x]", L"/r/b/c", L"//a[@x='1']", L"a[b]"};
 constexpr int kOneBlock = 1 << 20;
 constexpr int kMostCalls = 64;
+constexpr std::size_t kLongestPath = 48;
 
 enum class Form { Utf8, Utf8Marked, Utf16, Utf16BigEndian };
 
@@ -148,10 +150,29 @@ void CompareBlocks(FuzzInput& calls, int count, std::uint32_t flags, std::int32_
     Require(small.Close() && large.Close(), "a file that was read closes");
 }
 
-void CompareWithMemory(const std::wstring& text, std::uint32_t flags, std::int32_t blockSize) {
+// What a path from the start finds first, which needs no way back. A stream has no child tests.
+void CompareFirstMatch(XmlOffsetDocument& memory, const std::wstring& path, std::uint32_t flags,
+                       std::int32_t blockSize) {
+    if (XmlPath(path.c_str()).HasChildTest()) return;
+    XmlOffsetDocument stream;
+    Open(stream, flags, blockSize);
+    const bool found = memory.FindElement(path.c_str());
+    Require(stream.FindElement(path.c_str()) == found, "a path matches in a stream as in memory");
+    if (found) {
+        const std::int32_t at = stream.CurrentPosition();
+        Require(stream.GetTagName() == memory.GetTagName(), "an element of that name");
+        Require(stream.GetAttributeNameAt(0) == memory.GetAttributeNameAt(0), "and attributes");
+        Require(stream.GetData(at) == memory.GetData(memory.CurrentPosition()), "and data");
+    }
+    memory.ResetPosition(0, 0, 0);
+}
+
+void CompareWithMemory(const std::wstring& text, const std::wstring& path, std::uint32_t flags,
+                       std::int32_t blockSize) {
     XmlOffsetDocument memory;
     memory.SetFlags(flags);
     if (!memory.SetText(std::wstring_view(text))) return;
+    CompareFirstMatch(memory, path, flags, blockSize);
     XmlOffsetDocument stream;
     Open(stream, flags, blockSize);
     Require(WithoutEnds(ReadAll(stream, text.size())) == WithoutEnds(ReadAll(memory, text.size())),
@@ -171,10 +192,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const int count = static_cast<int>(input.Below(kMostCalls));
     FuzzInput calls(input.Bytes(), std::min<std::size_t>(input.Left(), count));
     for (int i = 0; i < count; ++i) input.Byte();
+    const std::wstring path = input.Name(kLongestPath);
     std::wstring text = WithoutNulls(input.Rest());
     if (!IsWide(form)) text = WithWholePairs(text);
     TheFile().Write(BytesOf(text, form));
     CompareBlocks(calls, count, flags, blockSize, text.size());
-    CompareWithMemory(text, flags, blockSize);
+    CompareWithMemory(text, path, flags, blockSize);
     return 0;
 }
