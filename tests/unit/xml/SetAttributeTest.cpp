@@ -60,6 +60,8 @@ TEST_F(SetAttribute, AddsBehindTheLastToken) {
     EXPECT_EQ(Set(L"<a y='2' \r\n>t</a>"), L"<a y='2' x=\"1\" \r\n>t</a>");
     EXPECT_EQ(Set(L"<a y=2/>t</a>"), L"<a y=2/ x=\"1\">t</a>");
     EXPECT_EQ(Set(L"<a y>t</a>"), L"<a y x=\"1\">t</a>");
+    EXPECT_EQ(Set(L"<a y />"), L"<a y x=\"1\" />");
+    EXPECT_EQ(Set(L"<a y=2  >t</a>"), L"<a y=2 x=\"1\"  >t</a>");
     EXPECT_EQ(Set(L"<a xx='2' x2='3'/>"), L"<a xx='2' x2='3' x=\"1\"/>");
     EXPECT_EQ(Set(L"<a y='2'z=\"3\">t</a>"), L"<a y='2'z=\"3\" x=\"1\">t</a>");
     EXPECT_EQ(Set(L"<a y='2' / >t</a>"), L"<a y='2' x=\"1\" / >t</a>");
