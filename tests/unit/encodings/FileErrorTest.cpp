@@ -59,10 +59,12 @@ TEST(FileError, IsReportedForAReadFromAFileThatIsOnlyForWriting) {
     EXPECT_EQ(channel.opByteLength, 0);
 }
 
-// Reads four bytes of 100 and fails the next read behind what the C library holds already.
+// Much more than the C library reads ahead.
+constexpr std::int32_t kLongFile = 100'000;
+
+// Reads four bytes and fails the next read behind what the C library holds already.
 TextFileChannel FailingReader(const ScratchFile& file, std::uint32_t flags) {
-    TextFileChannel channel = obtest::Reader(file, 100);
-    std::setvbuf(channel.file.get(), nullptr, _IOFBF, 32);
+    TextFileChannel channel = obtest::Reader(file, kLongFile);
     channel.encoding = L"UTF-8";
     channel.fileFlags = flags;
     channel.opByteLength = 4;
@@ -75,28 +77,28 @@ TextFileChannel FailingReader(const ScratchFile& file, std::uint32_t flags) {
 TEST(FileError, LeavesWhatWasReadBeforeIt) {
     for (const std::uint32_t flags : {0u, ObLibX::kFileUtf16}) {
         const std::int32_t unit = flags == 0 ? 1 : 2;
-        const ScratchFile file(unit == 1 ? std::string(100, 'a')
-                                         : obtest::Bytes(std::u16string(50, u'a')));
+        const ScratchFile file(unit == 1 ? std::string(kLongFile, 'a')
+                                         : obtest::Bytes(std::u16string(kLongFile / 2, u'a')));
         TextFileChannel channel = FailingReader(file, flags);
-        channel.opByteLength = 60;
+        channel.opByteLength = kLongFile - 4;
         std::wstring text;
         EXPECT_FALSE(channel.ReadText(text));
         EXPECT_GT(channel.opByteLength, 0);
-        EXPECT_LT(channel.opByteLength, 60);
+        EXPECT_LT(channel.opByteLength, kLongFile - 4);
         EXPECT_EQ(text, std::wstring(static_cast<std::size_t>(channel.opByteLength / unit), L'a'));
         EXPECT_EQ(channel.fileOffset, static_cast<std::uint32_t>(4 + channel.opByteLength));
-        EXPECT_EQ(channel.fileLength, 100u);
+        EXPECT_EQ(channel.fileLength, static_cast<std::uint32_t>(kLongFile));
         EXPECT_TRUE(HasFileError(channel));
         EXPECT_NE(channel.report.find(L"<read encoding="), std::wstring::npos);
     }
 }
 
 TEST(FileError, EndsReadingMoreBehindWhatWasReadBeforeIt) {
-    const ScratchFile file(std::string(100, 'a'));
+    const ScratchFile file(std::string(kLongFile, 'a'));
     TextFileChannel channel = FailingReader(file, 0);
     std::wstring text = L"before";
     channel.documentText = &text;
-    channel.blockSize = 60;
+    channel.blockSize = kLongFile;
     EXPECT_TRUE(channel.ReadMore());
     EXPECT_TRUE(HasFileError(channel));
     EXPECT_EQ(text.substr(0, 7), L"beforea");

@@ -64,16 +64,21 @@ std::size_t Sum(const std::wstring& name) {
 std::string Narrow(const std::wstring& name) { return {name.begin(), name.end()}; }
 
 // FNV-1a over "name=value" lines in the order of the names; rows of one name keep theirs.
-std::uint64_t Digest(std::vector<Row> rows) {
-    std::stable_sort(rows.begin(), rows.end(),
-                     [](const Row& a, const Row& b) { return a.name < b.name; });
-    std::uint64_t digest = 0xCBF29CE484222325;
+std::uint64_t Digest(const std::vector<Row>& rows) {
+    std::map<std::wstring, std::vector<std::uint32_t>> values;
     for (const Row& row : rows) {
-        for (const char each : Narrow(row.name) + "=" + std::to_string(row.value) + "\n") {
-            digest = (digest ^ static_cast<unsigned char>(each)) * 0x100000001B3;
+        values[row.name].push_back(row.value);
+    }
+    std::string lines;
+    for (const auto& [name, ofName] : values) {
+        for (const std::uint32_t value : ofName) {
+            lines += Narrow(name) + "=" + std::to_string(value) + "\n";
         }
     }
-    return digest;
+    return std::accumulate(lines.begin(), lines.end(), std::uint64_t{0xCBF29CE484222325},
+                           [](std::uint64_t digest, char each) {
+                               return (digest ^ static_cast<unsigned char>(each)) * 0x100000001B3;
+                           });
 }
 
 std::wstring Upper(std::wstring name) {
