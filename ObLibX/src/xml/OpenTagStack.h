@@ -10,10 +10,8 @@ namespace ObLibX {
 
 // Names are kept in one run of units, so that pushing a tag allocates nothing as long as the run
 // and the slots suffice: 7 slots at first, doubled when they are full. One thread. Throws
-// std::bad_alloc and leaves the stack as it was.
-//
-// In stream reading each name also stands in one of 23 buckets by the sum of its units, and each
-// entry counts its children by name.
+// std::bad_alloc and leaves the stack as it was. A stream, which must count as well, has
+// StreamTagStack.
 class OpenTagStack {
 public:
     struct Entry {

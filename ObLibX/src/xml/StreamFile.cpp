@@ -12,28 +12,59 @@ namespace ObLibX {
 namespace {
 
 constexpr std::int32_t kCodePageUtf16BigEndian = 1201;
+constexpr std::int32_t kCodePageUtf32LittleEndian = 12000; // as the system numbers them
+constexpr std::int32_t kCodePageUtf32BigEndian = 12001;
 constexpr std::size_t kDeclarationSpan = 4096; // bytes in which a file declares its encoding
 constexpr wchar_t kTooLarge[] = L"The file is too large to be read as a stream.";
-constexpr wchar_t kUnknownEncoding[] = L"The encoding isn't known or can't be written.";
+constexpr wchar_t kWrongEncoding[] = L"The encoding isn't known or can't be used for a stream.";
 
 // What a file begins with, and what that says.
 struct Beginning {
     std::string_view bytes;
     std::uint32_t mark; // bytes that aren't text
-    std::uint32_t fileFlags;
     const wchar_t* encoding;
 };
 constexpr Beginning kBeginnings[] = {
-    {std::string_view("\xEF\xBB\xBF", 3), 3, 0, L"UTF-8"},
-    {std::string_view("\xFF\xFE", 2), 2, kFileUtf16, L"UTF-16"},
-    {std::string_view("\xFE\xFF", 2), 2, kFileUtf16 | kFileBigEndian, L"UTF-16BE"},
-    {std::string_view("<\0", 2), 0, kFileUtf16, L"UTF-16"},
-    {std::string_view("\0<", 2), 0, kFileUtf16 | kFileBigEndian, L"UTF-16BE"},
+    {std::string_view("\xEF\xBB\xBF", 3), 3, L"UTF-8"},
+    {std::string_view("\xFF\xFE", 2), 2, L"UTF-16"},
+    {std::string_view("\xFE\xFF", 2), 2, L"UTF-16BE"},
+    {std::string_view("<\0", 2), 0, L"UTF-16"},
+    {std::string_view("\0<", 2), 0, L"UTF-16BE"},
 };
+
+bool IsUtf16(std::int32_t page) {
+    return page == kCodePageUtf16 || page == kCodePageUtf16BigEndian;
+}
+bool IsUtf32(std::int32_t page) {
+    return page == kCodePageUtf32 || page == kCodePageUtf32LittleEndian ||
+           page == kCodePageUtf32BigEndian;
+}
 
 bool Refuse(DocumentState& document, const wchar_t* words) {
     Report(document.result, L"file_error", words, kReportMsg);
     return false;
+}
+
+// What the system said last.
+bool RefuseFile(DocumentState& document, TextFileChannel& channel) {
+    channel.ReportFileError();
+    document.result = channel.report;
+    return false;
+}
+
+void SetEncoding(TextFileChannel& channel, const std::wstring& encoding) {
+    const std::int32_t page = LookupCodePage(encoding);
+    channel.encoding = encoding;
+    if (IsUtf16(page)) channel.fileFlags |= kFileUtf16;
+    if (page == kCodePageUtf16BigEndian) channel.fileFlags |= kFileBigEndian;
+    channel.unitSize = IsUtf16(page) ? 2 : 1;
+}
+
+const Beginning* FindBeginning(std::string_view bytes) {
+    const Beginning* const found =
+        std::find_if(std::begin(kBeginnings), std::end(kBeginnings),
+                     [bytes](const Beginning& each) { return bytes.starts_with(each.bytes); });
+    return found == std::end(kBeginnings) ? nullptr : found;
 }
 
 // The declaration's own letters are ASCII in every encoding that has no mark.
@@ -44,9 +75,7 @@ std::wstring DeclaredIn(std::string_view bytes) {
     std::wstring name = GetDeclaredEncoding(text);
     const std::int32_t page = LookupCodePage(name);
     // One of 16 or 32 bits can't be true of a text that could be read so far.
-    const bool wide = page == kCodePageUtf16 || page == kCodePageUtf16BigEndian ||
-                      page == kCodePageUtf32 || page == 12000 || page == 12001;
-    return page > 0 && !wide ? name : std::wstring();
+    return page > 0 && !IsUtf16(page) && !IsUtf32(page) ? name : std::wstring();
 }
 
 // Settles encoding and mark, and leaves the file behind the mark.
@@ -54,21 +83,13 @@ void LookAtBeginning(TextFileChannel& channel, const StreamReadOptions& options)
     std::array<char, kDeclarationSpan> buffer;
     const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), channel.file.get());
     const std::string_view bytes(buffer.data(), got);
-    channel.encoding = options.encoding;
-    bool settled = false;
-    for (const Beginning& beginning : kBeginnings) {
-        if (settled || bytes.substr(0, beginning.bytes.size()) != beginning.bytes) continue;
-        channel.fileOffset = beginning.mark;
-        channel.fileFlags |= beginning.fileFlags;
-        channel.encoding = beginning.encoding;
-        settled = true;
+    if (const Beginning* const beginning = FindBeginning(bytes)) {
+        channel.fileOffset = beginning->mark;
+        SetEncoding(channel, beginning->encoding);
+    } else {
+        const std::wstring declared = DeclaredIn(bytes);
+        SetEncoding(channel, declared.empty() ? options.encoding : declared);
     }
-    if (!settled) {
-        if (std::wstring declared = DeclaredIn(bytes); !declared.empty()) {
-            channel.encoding = std::move(declared);
-        }
-    }
-    channel.unitSize = (channel.fileFlags & kFileUtf16) != 0 ? 2 : 1;
     std::fseek(channel.file.get(), static_cast<long>(channel.fileOffset), SEEK_SET);
 }
 
@@ -87,15 +108,7 @@ void Enter(DocumentState& document, std::unique_ptr<TextFileChannel> channel, st
 }
 
 const wchar_t* MarkOf(std::int32_t page, bool wanted) {
-    const bool wide = page == kCodePageUtf16 || page == kCodePageUtf16BigEndian;
-    return wide || (page == kCodePageUtf8 && wanted) ? L"\xFEFF" : L"";
-}
-
-void SettleWriting(TextFileChannel& channel, std::int32_t page, const std::wstring& encoding) {
-    channel.encoding = encoding;
-    if (page == kCodePageUtf16) channel.fileFlags |= kFileUtf16;
-    if (page == kCodePageUtf16BigEndian) channel.fileFlags |= kFileUtf16 | kFileBigEndian;
-    channel.unitSize = (channel.fileFlags & kFileUtf16) != 0 ? 2 : 1;
+    return IsUtf16(page) || (page == kCodePageUtf8 && wanted) ? L"\xFEFF" : L"";
 }
 
 std::wstring DeclarationOf(const std::wstring& encoding) {
@@ -106,15 +119,13 @@ std::wstring DeclarationOf(const std::wstring& encoding) {
 
 bool OpenStreamForReading(DocumentState& document, const wchar_t* path,
                           const StreamReadOptions& options) {
+    if (IsUtf32(LookupCodePage(options.encoding))) return Refuse(document, kWrongEncoding);
     auto channel = MakeChannel(document, options.blockSize);
     channel->file.reset(OpenFileStream(path, false));
-    if (!channel->file) {
-        channel->ReportFileError();
-        document.result = channel->report;
-        return false;
-    }
+    if (!channel->file) return RefuseFile(document, *channel);
     const std::int64_t length = FileStreamLength(channel->file.get());
-    if (length < 0 || length > UINT32_MAX) return Refuse(document, kTooLarge);
+    if (length < 0) return RefuseFile(document, *channel);
+    if (length > UINT32_MAX) return Refuse(document, kTooLarge);
     channel->fileLength = static_cast<std::uint32_t>(length);
     LookAtBeginning(*channel, options);
     Enter(document, std::move(channel), kDocStreamRead);
@@ -124,20 +135,14 @@ bool OpenStreamForReading(DocumentState& document, const wchar_t* path,
 bool OpenStreamForWriting(DocumentState& document, const wchar_t* path,
                           const StreamWriteOptions& options) {
     const std::int32_t page = LookupCodePage(options.encoding);
-    if (page <= 0 || page == kCodePageUtf32 || page == 12000 || page == 12001) {
-        return Refuse(document, kUnknownEncoding);
-    }
+    if (page <= 0 || IsUtf32(page)) return Refuse(document, kWrongEncoding);
     auto channel = MakeChannel(document, options.blockSize);
-    SettleWriting(*channel, page, options.encoding);
-    document.text = MarkOf(page, options.byteOrderMark);
-    if (options.declaration) document.text += DeclarationOf(options.encoding);
+    SetEncoding(*channel, options.encoding);
+    std::wstring text = MarkOf(page, options.byteOrderMark);
+    if (options.declaration) text += DeclarationOf(options.encoding);
     channel->file.reset(OpenFileStream(path, true));
-    if (!channel->file) {
-        channel->ReportFileError();
-        document.result = channel->report;
-        document.text.clear();
-        return false;
-    }
+    if (!channel->file) return RefuseFile(document, *channel);
+    document.text.swap(text);
     Enter(document, std::move(channel), kDocStreamWrite);
     return true;
 }

@@ -13,8 +13,8 @@ inline constexpr std::int32_t kDefaultBlock = 64 * 1024;
 
 // How a file is read.
 struct StreamReadOptions {
-    // For a file that says nothing itself: a name that LookupCodePage knows. Empty: it is found out
-    // by looking, UTF-8 if the bytes are that, else the system's code page.
+    // For a file that says nothing itself. Empty: it is found out by looking, UTF-8 if the bytes
+    // are that, else the system's code page, which also stands for a name that nobody knows.
     std::wstring encoding;
     std::int32_t blockSize = kDefaultBlock; // bytes; doubled while a node is longer
 };
@@ -31,7 +31,8 @@ struct StreamWriteOptions {
 // Text, positions and report go. The encoding is that of the byte order mark, which isn't part of
 // the text; else that of UTF-16 which begins with '<'; else what the file's beginning declares;
 // else the one of the options. False, in memory mode with no text and with a file_error in the
-// report, when the file doesn't open or has 4 GiB or more.
+// report, when the file doesn't open or has 4 GiB or more, and when the encoding is UTF-32, whose
+// units a channel can't tell from NULs.
 bool OpenStreamForReading(DocumentState& document, const wchar_t* path,
                           const StreamReadOptions& options);
 

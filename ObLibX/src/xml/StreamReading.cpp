@@ -1,6 +1,7 @@
 #include "ObLibX/src/xml/StreamReading.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "ObLibX/src/xml/DocumentReport.h"
 #include "ObLibX/src/xml/ElementText.h"
@@ -17,9 +18,10 @@ ElementRecord& RecordOf(DocumentState& document, std::uint32_t level) {
     return (*document.records)[level];
 }
 
-TagScanner ScannerOf(DocumentState& document) {
+// A scanner that goes on where the stream stands. Whoever takes it puts the place back.
+TagScanner TakePlace(DocumentState& document) {
     TagScanner scanner(document.text.data(), document.text.size(), document.docFlags);
-    scanner.cursor = document.channel->cursor;
+    scanner.cursor = std::exchange(document.channel->cursor, TextFileChannel::kPlaceLost);
     scanner.channel = document.channel.get();
     scanner.reports = document.result.size() < kReportLimit;
     return scanner;
@@ -27,6 +29,11 @@ TagScanner ScannerOf(DocumentState& document) {
 
 std::wstring_view TokenOf(const TagScanner& scanner) {
     return {scanner.Token(), static_cast<std::size_t>(scanner.TokenLength())};
+}
+
+void TagTooLong(DocumentState& document, const wchar_t* type, std::int32_t offset) {
+    RecordOf(document, 0).flagsAndLevel |= kRecordBad;
+    Report(document.result, L"tag_too_long", type, kReportType, offset);
 }
 
 void WriteRecord(DocumentState& document, std::uint32_t level, const NodeScan& scan) {
@@ -37,8 +44,7 @@ void WriteRecord(DocumentState& document, std::uint32_t level, const NodeScan& s
     record.SetTagLengths(record.length, open ? kStillOpen : 0);
     if (record.length > kLongestStartTag) {
         record.flagsAndLevel |= kRecordBad;
-        RecordOf(document, 0).flagsAndLevel |= kRecordBad;
-        Report(document.result, L"tag_too_long", L"start_tag", kReportType, scan.start);
+        TagTooLong(document, L"start_tag", scan.start);
     }
 }
 
@@ -60,13 +66,17 @@ class StreamSearch {
 public:
     StreamSearch(DocumentState& document, const XmlPath& path)
         : document_(document), channel_(*document.channel), tags_(channel_.openTags), path_(path),
-          entered_(static_cast<std::uint32_t>(document.parentPos)) {}
+          entered_(static_cast<std::uint32_t>(document.parentPos)),
+          behindOther_(document.currentPos != 0 || document.nodeLength != 0),
+          bounded_(path.Type() == PathType::Any || path.Type() == PathType::Relative) {}
 
     bool Run();
 
 private:
     enum class Verdict { GoOn, Found, Over };
 
+    void LetGo();
+    void KeepOpenParent();
     void Begin();
     bool OpenTagMeets(std::uint32_t depth, const PathStep& step) const;
     Verdict Step(TagScanner& scanner);
@@ -83,34 +93,44 @@ private:
     TextFileChannel& channel_;
     StreamTagStack& tags_;
     const XmlPath& path_;
-    const std::uint32_t entered_;  // the level of the parent
-    std::uint32_t base_ = 0;       // the depth below which the path's first step is looked for
-    std::size_t matched_ = 0;      // steps that the open elements from there on meet
-    std::uint32_t countedYet_ = 0; // matches that were there when the search began
+    const std::uint32_t entered_; // the level of the parent
+    const bool behindOther_;      // the search goes on behind an element or a node
+    const bool bounded_;          // by the parent's end tag
+    std::uint32_t base_ = 0;      // the depth below which the path's first step is looked for
+    std::size_t matched_ = 0;     // steps that the open elements from there on meet
+    std::uint32_t passed_ = 0;    // of the first step's name, up to the present element
+    std::uint32_t metBelow_ = 0;  // matches of a search below, so far
 };
 
 bool StreamSearch::Run() {
-    if (tags_.Depth() < entered_) {
-        SetPosition(document_, document_.parentPos, 0, 0);
-        return false;
-    }
+    LetGo();
+    if (channel_.cursor == TextFileChannel::kPlaceLost) return false;
+    if (bounded_ && tags_.Depth() < entered_) return false;
     Begin();
-    TagScanner scanner = ScannerOf(document_);
+    TagScanner scanner = TakePlace(document_);
     Verdict verdict = Verdict::GoOn;
-    while (verdict == Verdict::GoOn) {
-        verdict = Step(scanner);
-        channel_.cursor = scanner.cursor;
-    }
+    while (verdict == Verdict::GoOn) verdict = Step(scanner);
+    channel_.cursor = scanner.cursor;
     return verdict == Verdict::Found;
 }
 
-// Lets go of what was found before: the window moves over it.
-void StreamSearch::Begin() {
-    if (document_.currentPos != 0)
-        BlankStreamRecord(document_, static_cast<std::uint32_t>(document_.currentPos));
-    if (entered_ != 0) BlankStreamRecord(document_, entered_);
-    SetPosition(document_, document_.parentPos, 0, 0);
+// What was found before: the window moves over it.
+void StreamSearch::LetGo() {
+    const std::int32_t last = document_.nextFreePos - 1;
+    if (last > 0) BlankStreamRecord(document_, static_cast<std::uint32_t>(last));
     document_.nextFreePos = document_.parentPos + 1;
+    SetPosition(document_, document_.parentPos, 0, 0);
+    KeepOpenParent();
+}
+
+// A search that leaves the parent leaves the position in what is still open around it.
+void StreamSearch::KeepOpenParent() {
+    if (bounded_) return;
+    document_.parentPos = std::min(document_.parentPos, static_cast<std::int32_t>(tags_.Depth()));
+}
+
+// What the open elements meet of the path already.
+void StreamSearch::Begin() {
     if (path_.Type() == PathType::Absolute) {
         while (matched_ < tags_.Depth() && matched_ + 1 < path_.StepCount() &&
                OpenTagMeets(static_cast<std::uint32_t>(matched_) + 1, path_[matched_])) {
@@ -118,7 +138,7 @@ void StreamSearch::Begin() {
         }
     } else if (path_.Type() == PathType::Relative) {
         base_ = entered_;
-        countedYet_ = CountAt(base_, path_[0].name);
+        if (behindOther_) passed_ = CountAt(base_, path_[0].name);
     }
 }
 
@@ -153,13 +173,14 @@ StreamSearch::Verdict StreamSearch::StartTag(const TagScanner& scanner, const No
     const std::wstring_view name = TokenOf(scanner);
     const std::uint32_t level = tags_.Depth() + 1;
     WriteRecord(document_, level, scan);
-    if (level > 1) BlankStreamRecord(document_, level - 1);
     tags_.Push(name);
     const bool found = IsWanted(level, name);
     if ((scan.flags & kScanEmptyTag) != 0) Ended();
-    if (!found) return Verdict::GoOn;
+    if (!found) {
+        BlankStreamRecord(document_, level);
+        return Verdict::GoOn;
+    }
     const auto position = static_cast<std::int32_t>(level);
-    document_.nextFreePos = position + 1;
     SetPosition(document_, position - 1, position, 0);
     return Verdict::Found;
 }
@@ -171,7 +192,7 @@ bool StreamSearch::IsWanted(std::uint32_t level, std::wstring_view name) {
         return level == entered_ + 1;
     case PathType::Below:
         return Matches(document_, position, path_[0]) &&
-               (path_[0].test != StepTest::Count || ++countedYet_ == path_[0].count);
+               (path_[0].test != StepTest::Count || ++metBelow_ == path_[0].count);
     default:
         break;
     }
@@ -187,11 +208,11 @@ bool StreamSearch::MatchesStep(std::uint32_t level, std::wstring_view name, cons
            (step.test != StepTest::Count || IsTheOneCounted(level, name, step));
 }
 
-// The first step of a relative path counts from where the search began, as there is no way back.
+// The first step of a relative path counts from behind the present element on.
 bool StreamSearch::IsTheOneCounted(std::uint32_t level, std::wstring_view name,
                                    const PathStep& step) {
     const bool fromHere = path_.Type() == PathType::Relative && matched_ == 0;
-    const std::uint32_t yet = fromHere ? countedYet_ : 0;
+    const std::uint32_t yet = fromHere ? passed_ : 0;
     return CountAt(level - 1, PathStep::IsAnyName(step.name) ? step.name : name) - yet ==
            step.count;
 }
@@ -214,8 +235,10 @@ StreamSearch::Verdict StreamSearch::EndTag(const TagScanner& scanner, const Node
         Ended();
     }
     Ended();
-    const bool bounded = path_.Type() == PathType::Any || path_.Type() == PathType::Relative;
-    return bounded && tags_.Depth() < entered_ ? Verdict::Over : Verdict::GoOn;
+    if (scan.length > static_cast<std::int32_t>(kLongestEndTag)) {
+        TagTooLong(document_, L"end_tag", scan.start);
+    }
+    return bounded_ && tags_.Depth() < entered_ ? Verdict::Over : Verdict::GoOn;
 }
 
 // The innermost open element has ended.
@@ -223,14 +246,15 @@ void StreamSearch::Ended() {
     tags_.Pop();
     const std::uint32_t below = tags_.Depth() > base_ ? tags_.Depth() - base_ : 0;
     matched_ = std::min<std::size_t>(matched_, below);
+    KeepOpenParent();
 }
 
 StreamSearch::Verdict StreamSearch::EndOfText(const NodeScan& scan) {
     while (tags_.Depth() != 0) {
         NoteUnended(document_, tags_.NameAt(tags_.Depth()), scan.start);
-        tags_.Pop();
+        Ended();
     }
-    if (!channel_.ended) {
+    if (!channel_.ended && !document_.text.empty()) {
         channel_.ended = true;
         const std::uint32_t roots = tags_.CountAllChildren(0);
         if (roots == 0) Report(document_.result, L"no_root_element", nullptr, 0);
@@ -239,31 +263,50 @@ StreamSearch::Verdict StreamSearch::EndOfText(const NodeScan& scan) {
     return Verdict::Over;
 }
 
-// Reads on to the end tag of the open element `level`, whose start is kept in the window. True when
-// it came, and the record says so.
+// The next node that isn't part of an element's data.
+std::int32_t SkipData(DocumentState& document, TagScanner& scanner, NodeScan& scan) {
+    for (;;) {
+        const std::int32_t type = scanner.NextNode(scan);
+        if (type == kNodeElement || type == kNodeEndTag || type == kNodeEndOfText) return type;
+        if (type != kNodeScanError) continue;
+        RecordOf(document, 0).flagsAndLevel |= kRecordBad;
+        if (document.result.size() < kReportLimit) document.result += scan.report;
+        scanner.reports = document.result.size() < kReportLimit;
+    }
+}
+
+// Reads on to the end tag of the innermost open element, whose start is kept in the window. True
+// when it came, and the record says so.
 bool ReadToEndTag(DocumentState& document, std::uint32_t level) {
     StreamTagStack& tags = document.channel->openTags;
-    TagScanner scanner = ScannerOf(document);
-    scanner.preservedStart = static_cast<std::int32_t>(RecordOf(document, level).start);
+    ElementRecord record = RecordOf(document, level);
+    BlankStreamRecord(document, level); // while the window moves
+    TagScanner scanner = TakePlace(document);
+    scanner.preservedStart = static_cast<std::int32_t>(record.start);
     scanner.preservedLength = 1;
     NodeScan scan;
-    std::int32_t type = kNodeText;
-    do {
-        type = scanner.NextNode(scan);
-        RecordOf(document, level).start = static_cast<std::uint32_t>(scanner.preservedStart);
-        if (type == kNodeScanError) {
-            RecordOf(document, 0).flagsAndLevel |= kRecordBad;
-            if (document.result.size() < kReportLimit) document.result += scan.report;
+    const bool endTag = SkipData(document, scanner, scan) == kNodeEndTag;
+    const bool ended = endTag && tags.IsNamed(level, TokenOf(scanner));
+    record.start = static_cast<std::uint32_t>(scanner.preservedStart);
+    if (ended) {
+        if (scan.length > static_cast<std::int32_t>(kLongestEndTag)) {
+            record.flagsAndLevel |= kRecordBad;
+            TagTooLong(document, L"end_tag", scan.start);
         }
-    } while (type != kNodeElement && type != kNodeEndTag && type != kNodeEndOfText);
-    const bool ended = type == kNodeEndTag && tags.IsNamed(level, TokenOf(scanner));
+        record.length = static_cast<std::uint32_t>(scanner.cursor) - record.start;
+        record.SetTagLengths(record.StartTagLength(), static_cast<std::uint32_t>(scan.length));
+        tags.Pop();
+    }
+    RecordOf(document, level) = record;
     document.channel->cursor = ended ? scanner.cursor : scan.start;
-    if (!ended) return false;
-    ElementRecord& record = RecordOf(document, level);
-    record.length = static_cast<std::uint32_t>(scanner.cursor) - record.start;
-    record.SetTagLengths(record.StartTagLength(), static_cast<std::uint32_t>(scan.length));
-    tags.Pop();
-    return true;
+    return ended;
+}
+
+// Whether what follows the element's start tag hasn't been read yet.
+bool StandsBehindStartTag(const DocumentState& document, std::uint32_t level) {
+    const TextFileChannel& channel = *document.channel;
+    return channel.cursor != TextFileChannel::kPlaceLost && level == channel.openTags.Depth() &&
+           (*document.records)[level].StartTagLength() != 0;
 }
 
 } // namespace
@@ -286,8 +329,6 @@ bool IntoElementInStream(DocumentState& document) {
 
 bool OutOfElementInStream(DocumentState& document) {
     if (!PositionsHold(document) || document.parentPos == 0) return false;
-    if (document.currentPos != 0)
-        BlankStreamRecord(document, static_cast<std::uint32_t>(document.currentPos));
     SetPosition(document, document.parentPos - 1, document.parentPos, document.currentPos);
     return true;
 }
@@ -305,11 +346,9 @@ std::wstring GetDataInStream(DocumentState& document, std::int32_t position) {
         return GetData(document, position);
     }
     const auto level = static_cast<std::uint32_t>(position);
-    const ElementRecord& record = RecordOf(document, level);
-    if (record.EndTagLength() == kStillOpen) {
-        const bool whole =
-            record.StartTagLength() != 0 && level == document.channel->openTags.Depth();
-        if (!whole || !ReadToEndTag(document, level)) return {};
+    if (RecordOf(document, level).EndTagLength() == kStillOpen &&
+        !(StandsBehindStartTag(document, level) && ReadToEndTag(document, level))) {
+        return {};
     }
     return GetData(document, position);
 }

@@ -9,7 +9,7 @@ ElementRecord& MakeStreamRecord(DocumentState& document, std::uint32_t level) {
     while (records.Size() <= level) {
         records.Grow(std::max(level + level / 2, level + 1));
     }
-    document.nextFreePos = std::max(document.nextFreePos, static_cast<std::int32_t>(level) + 1);
+    document.nextFreePos = static_cast<std::int32_t>(level) + 1;
     ElementRecord& record = records[level];
     record = ElementRecord{};
     record.SetLevel(level);

@@ -50,9 +50,12 @@ bool StreamTagStack::IsNamed(std::uint32_t depth, std::wstring_view name) const 
 }
 
 std::uint32_t StreamTagStack::FindOpen(std::wstring_view name) const {
-    std::uint32_t depth = Depth();
-    while (depth != 0 && !IsNamed(depth, name)) --depth;
-    return depth;
+    if (Depth() != 0 && IsNamed(Depth(), name)) return Depth();
+    std::uint32_t slot = buckets_[BucketOf(name)];
+    while (slot != kNone && !(IsOpen(slot) && Same(NameOf(slots_[slot]), name))) {
+        slot = slots_[slot].nextInBucket;
+    }
+    return slot == kNone ? 0 : slots_[slot].level;
 }
 
 std::uint32_t StreamTagStack::CountChildren(std::uint32_t depth, std::wstring_view name) const {
@@ -81,12 +84,19 @@ bool StreamTagStack::Same(std::wstring_view one, std::wstring_view other) const 
            SameName(one.data(), other.data(), one.size(), ignoreCase_);
 }
 
+bool StreamTagStack::IsOpen(std::uint32_t slot) const {
+    const std::uint32_t level = slots_[slot].level;
+    return level <= Depth() && open_[level - 1].slot == slot;
+}
+
+// A bucket's chain leads outwards, so that what lies above the level isn't looked at.
 std::uint32_t StreamTagStack::FindSlot(std::uint32_t level, std::wstring_view name) const {
     std::uint32_t slot = buckets_[BucketOf(name)];
-    while (slot != kNone && !(slots_[slot].level == level && Same(NameOf(slots_[slot]), name))) {
+    while (slot != kNone && slots_[slot].level >= level) {
+        if (slots_[slot].level == level && Same(NameOf(slots_[slot]), name)) return slot;
         slot = slots_[slot].nextInBucket;
     }
-    return slot;
+    return kNone;
 }
 
 std::uint32_t StreamTagStack::AddSlot(std::uint32_t level, std::wstring_view name) {

@@ -13,7 +13,8 @@ namespace ObLibX {
 // Names stand in slots, 7 at first, doubled when they are full. A slot belongs to a name at a level
 // and is used again for the next element of that name at the level; it goes with the element above
 // it. 23 buckets by the sum of a name's units lead to the slots, so that depth and count are known
-// without reading anything twice. One thread. Throws std::bad_alloc and is then only to be cleared.
+// without reading anything twice. What it takes grows with the depth, and with the different names
+// that stand beside each other. One thread. Throws std::bad_alloc and leaves the stack as it was.
 class StreamTagStack {
 public:
     static constexpr std::uint32_t kBuckets = 23;
@@ -46,8 +47,8 @@ private:
         std::uint32_t level; // of the element: 1 for a root element
         std::uint32_t nameOffset;
         std::uint32_t nameLength;
-        std::uint32_t nextInBucket;
-        std::uint32_t count; // elements of this name at this level, the present one included
+        std::uint32_t nextInBucket; // an older one, at this level or above it
+        std::uint32_t count;        // elements of this name at this level, the present one included
     };
     struct Open {
         std::uint32_t slot;
@@ -57,6 +58,7 @@ private:
     std::uint32_t BucketOf(std::wstring_view name) const;
     std::wstring_view NameOf(const Slot& slot) const;
     bool Same(std::wstring_view one, std::wstring_view other) const;
+    bool IsOpen(std::uint32_t slot) const;
     std::uint32_t FindSlot(std::uint32_t level, std::wstring_view name) const;
     std::uint32_t AddSlot(std::uint32_t level, std::wstring_view name);
 

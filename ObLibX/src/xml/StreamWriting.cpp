@@ -1,5 +1,7 @@
 #include "ObLibX/src/xml/StreamWriting.h"
 
+#include <utility>
+
 #include "ObLibX/src/xml/DocumentReport.h"
 #include "ObLibX/src/xml/Editing.h"
 #include "ObLibX/src/xml/ElementText.h"
@@ -10,10 +12,15 @@
 namespace ObLibX {
 namespace {
 
-constexpr std::uint32_t kNoWayBack = kAddAtStart | kAddBefore | kAddAsChild;
-
 ElementRecord& RecordOf(DocumentState& document, std::int32_t position) {
     return (*document.records)[static_cast<std::uint32_t>(position)];
+}
+
+// Whether the position is the one at which the stream writes.
+bool StandsAtEnd(const DocumentState& document) {
+    const auto depth = static_cast<std::int32_t>(document.channel->openTags.Depth());
+    return PositionsHold(document) && document.parentPos == depth &&
+           (document.currentPos == 0 || document.currentPos == depth + 1);
 }
 
 // Whether the current element is still a single tag at the end of the text, so that it can be
@@ -28,24 +35,35 @@ std::size_t LineEndBehind(const DocumentState& document) {
     return document.channel->lineEndBehind ? kLineEnd.size() : 0;
 }
 
-// Sends the first `length` units of the text to the file. False after a file error; they stay.
+// Sends the first `length` units of the text to the file. A failed write isn't tried again, as
+// nobody knows how much of it is in the file.
 bool Send(DocumentState& document, std::size_t length, bool flush) {
     TextFileChannel& channel = *document.channel;
-    if (channel.WriteOut(document.text.data(), static_cast<std::int32_t>(length), flush)) {
-        return true;
+    if (std::exchange(channel.writeFailed, true)) return false;
+    const bool lostBefore = channel.conversionLoss;
+    const bool sent =
+        channel.WriteOut(document.text.data(), static_cast<std::int32_t>(length), flush);
+    channel.writeFailed = !sent;
+    if (!sent) {
+        if (document.result.size() < kReportLimit) document.result += channel.report;
+        channel.report.clear();
+    } else if (channel.conversionLoss && !lostBefore) {
+        // The channel's own report of it goes with its next block.
+        Report(document.result, L"conversion_loss", nullptr, 0);
     }
-    if (document.result.size() < kReportLimit) document.result += channel.report;
-    return false;
+    return sent;
 }
 
-// What stands before the current element is finished.
+// What stands before the current element is finished, and so is that one when it is blank; only its
+// line end may have to make way.
 bool SendWhatIsFinished(DocumentState& document) {
+    const auto blockSize = static_cast<std::size_t>(document.channel->blockSize);
     ElementRecord& current = RecordOf(document, document.currentPos);
-    if (document.text.size() <= static_cast<std::size_t>(document.channel->blockSize) ||
-        current.start == 0) {
-        return true;
-    }
-    if (!Send(document, current.start, false)) return false;
+    const bool complete = current.StartTagLength() == 0;
+    const std::size_t finished =
+        complete ? document.text.size() - LineEndBehind(document) : current.start;
+    if (document.text.size() <= blockSize || finished == 0) return true;
+    if (!Send(document, finished, false)) return false;
     current.start = 0;
     return true;
 }
@@ -85,11 +103,11 @@ void Append(DocumentState& document, std::wstring_view text, bool lineEnd) {
 bool AddElementToStream(DocumentState& document, const wchar_t* name, const wchar_t* value,
                         std::uint32_t flags) {
     NewElement element;
-    if (!PositionsHold(document) || (flags & kNoWayBack) != 0 || !CanBeEnded(document) ||
-        !WriteElement(name, value, flags, element)) {
+    TextFileChannel& channel = *document.channel;
+    if (channel.writeFailed || !StandsAtEnd(document) || (flags & kAddAsChild) != 0 ||
+        !CanBeEnded(document) || !WriteElement(name, value, flags, element)) {
         return false;
     }
-    TextFileChannel& channel = *document.channel;
     const bool lineEnds = (flags & kAddNoLineEnds) == 0;
     const auto level = static_cast<std::uint32_t>(document.parentPos) + 1;
     document.text.reserve(document.text.size() + element.text.size() + 3 * kLineEnd.size());
@@ -103,7 +121,6 @@ bool AddElementToStream(DocumentState& document, const wchar_t* name, const wcha
     element.FillRecord(record, start);
     record.SetLevel(level);
     record.parent = level - 1;
-    document.nextFreePos = static_cast<std::int32_t>(level) + 1;
     document.docFlags |= kDocModified;
     SetPosition(document, document.parentPos, static_cast<std::int32_t>(level), 0);
     return SendWhatIsFinished(document);
@@ -111,16 +128,20 @@ bool AddElementToStream(DocumentState& document, const wchar_t* name, const wcha
 
 bool SetAttributeInStream(DocumentState& document, std::int32_t position, const wchar_t* name,
                           const wchar_t* value, std::uint32_t flags) {
-    const bool current = PositionsHold(document) && position == document.currentPos &&
+    const bool current = StandsAtEnd(document) && position == document.currentPos &&
                          position != 0 && RecordOf(document, position).StartTagLength() != 0;
-    return current && EditAttribute(document, position, name, value, flags);
+    if (!current || !EditAttribute(document, position, name, value, flags)) return false;
+    // The edit grew what is around the element, which has no length here.
+    BlankStreamRecord(document, static_cast<std::uint32_t>(document.parentPos));
+    return true;
 }
 
 bool IntoElementInWriting(DocumentState& document) {
-    if (!PositionsHold(document) || document.currentPos == 0 || !IsSingleTag(document))
-        return false;
+    if (!StandsAtEnd(document) || document.currentPos == 0 || !IsSingleTag(document)) return false;
     TextFileChannel& channel = *document.channel;
-    channel.entered.reserve(channel.entered.size() + 1);
+    if (channel.entered.size() == channel.entered.capacity()) {
+        channel.entered.reserve(2 * channel.entered.size() + 1);
+    }
     channel.openTags.Push(ElementName(document, document.currentPos));
     channel.entered.push_back({false, channel.lineEndBehind});
     SetPosition(document, document.currentPos, 0, 0);
@@ -128,7 +149,7 @@ bool IntoElementInWriting(DocumentState& document) {
 }
 
 bool OutOfElementInWriting(DocumentState& document) {
-    if (!PositionsHold(document) || document.parentPos == 0) return false;
+    if (!StandsAtEnd(document) || document.parentPos == 0) return false;
     TextFileChannel& channel = *document.channel;
     const TextFileChannel::OpenElement open = channel.entered.back();
     if (open.hasStartTag) {
@@ -140,12 +161,17 @@ bool OutOfElementInWriting(DocumentState& document) {
     channel.openTags.Pop();
     channel.entered.pop_back();
     channel.lineEndBehind = open.lineEndBehind;
-    document.nextFreePos = document.parentPos + 1;
-    SetPosition(document, document.parentPos - 1, document.parentPos, 0);
+    const std::int32_t child = document.parentPos + 1;
+    if (child < document.nextFreePos) {
+        BlankStreamRecord(document, static_cast<std::uint32_t>(child));
+    }
+    SetPosition(document, document.parentPos - 1, document.parentPos, document.currentPos);
+    SendWhatIsFinished(document); // a failure is told by what is written next, and by the report
     return true;
 }
 
 bool FinishStream(DocumentState& document) {
+    SetPosition(document, static_cast<std::int32_t>(document.channel->openTags.Depth()), 0, 0);
     while (OutOfElementInWriting(document)) {
     }
     return Send(document, document.text.size(), true);

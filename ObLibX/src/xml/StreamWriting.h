@@ -3,6 +3,10 @@
 // The text is what hasn't gone to the file yet. It ends with the current element, which can still
 // get attributes and children; everything before it goes as soon as the text would pass the
 // channel's block size. The same calls on a document in memory give the same text.
+//
+// Positions are those that these calls leave. Where a client sets others, the calls answer false
+// until it sets the right ones again. After a file error, which Result() tells, and when memory ran
+// out in a write, nothing more is written: the file may end in the middle of something.
 #pragma once
 
 #include <cstdint>
@@ -11,9 +15,8 @@
 
 namespace ObLibX {
 
-// As AddElement, behind the current element. False with kAddAtStart, kAddBefore and kAddAsChild, as
-// there is no way back, and after a file error, which Result() tells; what couldn't be written
-// stays in the text and is tried again.
+// As AddElement, at the end of what is written: kAddAtStart and kAddBefore mean nothing here, as
+// there is no way back. False with kAddAsChild and after a failed write.
 bool AddElementToStream(DocumentState& document, const wchar_t* name, const wchar_t* value,
                         std::uint32_t flags);
 
@@ -29,7 +32,7 @@ bool IntoElementInWriting(DocumentState& document);
 // complete.
 bool OutOfElementInWriting(DocumentState& document);
 
-// Ends every element that is open and writes the rest of the text. False after a file error.
+// Ends every element that is open and writes the rest of the text. False after a failed write.
 bool FinishStream(DocumentState& document);
 
 } // namespace ObLibX

@@ -316,6 +316,7 @@ bool TextFileChannel::WriteConverted(const wchar_t* text, std::int32_t length) {
     const std::int32_t written = converter.Convert(bytes.get(), encoding);
     Report(report, L"converted_from", kUtf16, kReportEncoding | kReportLength, length);
     if (converter.usedDefault != 0) {
+        conversionLoss = true;
         Report(report, L"conversion_loss", nullptr, 0);
     }
     const auto units = std::min<std::size_t>(static_cast<std::size_t>(written) * unit, kMostInt);

@@ -45,17 +45,22 @@ public:
     std::wstring savedText;
 
     // In stream reading: where in the text the scanner goes on, and whether the file's end was
-    // told.
+    // told. While the scanner is on its way the place is lost, and so it stays when memory runs
+    // out: nothing more can be read then.
+    static constexpr std::int32_t kPlaceLost = -1;
     std::int32_t cursor = 0;
     bool ended = false;
-    // In stream writing: the elements that were entered, outermost first, and whether a line end
-    // stands behind the current one.
+    // In stream writing: the elements that were entered, outermost first, whether a line end
+    // stands behind the current one, and whether a write has failed, after which the file may hold
+    // a part of the text and nothing more is written.
     struct OpenElement {
         bool hasStartTag; // false: still the single tag as which it was added
         bool lineEndBehind;
     };
     std::vector<OpenElement> entered;
     bool lineEndBehind = false;
+    bool writeFailed = false;
+    bool conversionLoss = false; // some character of all that was written had no equivalent
 
     // Reads a block of opByteLength bytes (at most the rest of the file) as the text `outText`,
     // detecting UTF-8 as long as no encoding is known, and giving a character back to the file that

@@ -62,6 +62,13 @@ void PrepareStream(XmlOffsetDocument& document) {
     document.SetText(nullptr);
 }
 
+bool FinishAndClose(DocumentState& document) {
+    const bool finished = !document.Has(kDocStreamWrite) || FinishStream(document);
+    const bool closed = document.channel->CloseFile();
+    if (document.result.size() < kReportLimit) document.result += document.channel->report;
+    return finished && closed;
+}
+
 // Back to memory mode, with nothing left of the stream.
 void LeaveStream(DocumentState& document) noexcept {
     document.channel.reset();
@@ -113,6 +120,9 @@ bool XmlOffsetDocument::SetText(std::wstring_view text) {
 }
 
 bool XmlOffsetDocument::ParseText() {
+    if (state_.Has(kDocStreams)) {
+        return IsWellFormed(state_);
+    }
     ForgetElements(state_);
     ElementRecordTable& records = *state_.records;
     records.Grow(static_cast<std::uint32_t>(state_.text.size()) / kUnitsPerRecord +
@@ -146,17 +156,14 @@ bool XmlOffsetDocument::OpenForWriting(const wchar_t* path, const StreamWriteOpt
 
 bool XmlOffsetDocument::Close() {
     if (!state_.Has(kDocStreams)) return true;
-    bool written = true;
     try {
-        if (state_.Has(kDocStreamWrite)) written = FinishStream(state_);
+        const bool written = FinishAndClose(state_);
+        LeaveStream(state_);
+        return written;
     } catch (...) {
         LeaveStream(state_);
         throw;
     }
-    written = state_.channel->CloseFile() && written;
-    if (state_.result.size() < kReportLimit) state_.result += state_.channel->report;
-    LeaveStream(state_);
-    return written;
 }
 
 bool XmlOffsetDocument::FindElement(const wchar_t* path) {

@@ -40,7 +40,8 @@ public:
     // text of 2^31 units or more.
     bool SetText(const wchar_t* text);
     bool SetText(std::wstring_view text);
-    // Indexes the present text anew; the answer is that of SetText.
+    // Indexes the present text anew; the answer is that of SetText. In a stream nothing is indexed:
+    // true in reading as long as nothing bad has come by, and in writing.
     bool ParseText();
     void ResetPosition(std::int32_t parent, std::int32_t current, std::int32_t child);
 
@@ -50,7 +51,8 @@ public:
     bool OpenForWriting(const wchar_t* path, const StreamWriteOptions& options = {});
     // In stream mode: ends what is open and flushes, closes the file, moves the channel's report to
     // Result(), empties the text and ends the mode. False when what was written may be lost, which
-    // Result() tells. In memory mode nothing, and true.
+    // Result() tells, as it does an error of a file that was read. In memory mode nothing, and
+    // true.
     bool Close();
 
     // ---- Moving. In a stream as StreamReading.h and StreamWriting.h tell.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 
 #include "ObLibX/src/xml/TextConverter.h"
 
@@ -25,6 +26,14 @@ std::vector<std::uint8_t> Utf16(std::wstring_view text, bool bigEndian) {
     return bytes;
 }
 
+// Other processes of the same tests may run in the same folder.
+const std::string& OwnPrefix() {
+    static const std::string prefix = "stream-test-" + std::to_string(std::random_device()()) + "-";
+    return prefix;
+}
+
+} // namespace
+
 std::vector<std::uint8_t> Encoded(std::wstring_view text, const std::wstring& encoding) {
     if (encoding == L"UTF-16" || encoding == L"UTF-16BE") return Utf16(text, encoding != L"UTF-16");
     ObLibX::TextConverter converter;
@@ -39,15 +48,34 @@ std::vector<std::uint8_t> Encoded(std::wstring_view text, const std::wstring& en
     return bytes;
 }
 
-} // namespace
+std::wstring Decoded(const std::vector<std::uint8_t>& bytes, const std::wstring& encoding) {
+    std::wstring text;
+    if (encoding == L"UTF-16" || encoding == L"UTF-16BE") {
+        const std::size_t low = encoding == L"UTF-16" ? 0 : 1;
+        for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+            text += static_cast<wchar_t>(bytes[at + low] | bytes[at + 1 - low] << 8);
+        }
+        return text;
+    }
+    ObLibX::TextConverter converter;
+    converter.fromEncoding = encoding;
+    converter.source = bytes.data();
+    converter.sourceLength = static_cast<std::int32_t>(bytes.size());
+    text.resize(static_cast<std::size_t>(converter.Convert(nullptr, L"UTF-16")));
+    converter.destinationCapacity = static_cast<std::int32_t>(text.size());
+    converter.Convert(text.data(), L"UTF-16");
+    return text;
+}
+
+bool IsInstalled(const std::wstring& encoding) { return !Encoded(L"a", encoding).empty(); }
 
 StreamFile::StreamFile() {
     static int number = 0;
-    narrowPath_ = "stream-test-" + std::to_string(++number) + ".xml";
+    narrowPath_ = OwnPrefix() + std::to_string(++number) + ".xml";
     path_.assign(narrowPath_.begin(), narrowPath_.end());
 }
 
-StreamFile::StreamFile(std::wstring_view text, const wchar_t* encoding) : StreamFile() {
+StreamFile::StreamFile(std::wstring_view text, const std::wstring& encoding) : StreamFile() {
     Write(Encoded(text, encoding));
 }
 

@@ -7,12 +7,18 @@
 #include <string_view>
 #include <vector>
 
+// The text in an encoding; "UTF-16" and "UTF-16BE" with a byte order mark.
+std::vector<std::uint8_t> Encoded(std::wstring_view text, const std::wstring& encoding);
+// The text of bytes without a mark.
+std::wstring Decoded(const std::vector<std::uint8_t>& bytes, const std::wstring& encoding);
+// Whether the system knows the encoding's code page.
+bool IsInstalled(const std::wstring& encoding);
+
 // A file that goes with the object. Its name is ASCII and another one for each object.
 class StreamFile {
 public:
     StreamFile(); // a name only; nothing is there
-    // The text in an encoding; "UTF-16" and "UTF-16BE" with a byte order mark.
-    StreamFile(std::wstring_view text, const wchar_t* encoding);
+    StreamFile(std::wstring_view text, const std::wstring& encoding);
     explicit StreamFile(const std::vector<std::uint8_t>& bytes);
     ~StreamFile();
     StreamFile(const StreamFile&) = delete;
