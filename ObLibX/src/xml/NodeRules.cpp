@@ -101,7 +101,7 @@ void NodeRules::Run() {
     Finish();
 }
 
-// Rule 1: at the end of the buffer the channel is asked for more, and everything moves with the
+// At the end of the buffer the channel is asked for more, and everything moves with the
 // text that it dropped in front.
 bool NodeRules::MoreText() { return scanner_.ReadMore(scan_); }
 
@@ -125,7 +125,7 @@ NodeRules::Verdict NodeRules::Apply(wchar_t unit) {
         AtStart(unit);
         return Verdict::GoOn;
     }
-    if (Has(kInSpace)) { // rule 3
+    if (Has(kInSpace)) {
         if (unit == L'<') {
             return Verdict::EndBefore;
         }
@@ -152,7 +152,7 @@ NodeRules::Verdict NodeRules::Apply(wchar_t unit) {
     if (unit == L'>') {
         return AtGreater();
     }
-    // Rule 11: text ends before a tag, and so does a bad tag.
+    // Text ends before a tag, and so does a bad tag.
     if (unit == L'<' && (type_ == kNodeText || type_ == kNodeScanError)) {
         return Verdict::EndBefore;
     }
@@ -160,7 +160,6 @@ NodeRules::Verdict NodeRules::Apply(wchar_t unit) {
     return Verdict::GoOn;
 }
 
-// Rule 2.
 void NodeRules::AtStart(wchar_t unit) {
     states_ |= kStarted;
     if (unit == L'<') {
@@ -173,7 +172,6 @@ void NodeRules::AtStart(wchar_t unit) {
     }
 }
 
-// Rule 4.
 void NodeRules::AfterLess(wchar_t unit) {
     states_ &= ~kAfterLess;
     if (StartsTagName(unit)) {
@@ -192,7 +190,6 @@ void NodeRules::AfterLess(wchar_t unit) {
     }
 }
 
-// Rule 5.
 void NodeRules::AfterExclamation(wchar_t unit) {
     states_ &= ~kAfterExclamation;
     if (unit == L'-') {
@@ -217,7 +214,6 @@ void NodeRules::AfterExclamationInDocType(wchar_t unit) {
     }
 }
 
-// Rule 6.
 void NodeRules::AfterDash(wchar_t unit) {
     states_ &= ~kAfterDash;
     if (unit == L'-') {
@@ -227,7 +223,6 @@ void NodeRules::AfterDash(wchar_t unit) {
     }
 }
 
-// Rule 7.
 void NodeRules::AfterBracket(wchar_t unit) {
     states_ &= ~kAfterBracket;
     if (unit == L'C') {
@@ -237,7 +232,7 @@ void NodeRules::AfterBracket(wchar_t unit) {
     }
 }
 
-// Rule 8: in a document type, between its declarations.
+// In a document type, between its declarations.
 NodeRules::Verdict NodeRules::WithoutTerminator(wchar_t unit) {
     QuotesInDocType(unit);
     if (InQuotes()) {
@@ -252,7 +247,7 @@ NodeRules::Verdict NodeRules::WithoutTerminator(wchar_t unit) {
     return Verdict::GoOn;
 }
 
-// Rule 9: true while the unit belongs to the name. The one that ends it is looked at further.
+// True while the unit belongs to the name. The one that ends it is looked at further.
 bool NodeRules::NameGoesOn(wchar_t unit) {
     if (!Has(kInName)) {
         return false;
@@ -268,7 +263,6 @@ bool NodeRules::NameGoesOn(wchar_t unit) {
     return false;
 }
 
-// Rule 10.
 NodeRules::Verdict NodeRules::AtGreater() {
     if (InQuotes() || !PrecededByTerminator()) {
         return Verdict::GoOn;
@@ -305,7 +299,6 @@ bool NodeRules::SlashEndsTag() const {
                              lastButOne_ == L'\'');
 }
 
-// Rule 12.
 void NodeRules::Quotes(wchar_t unit) {
     if (Has(kInDocType)) {
         if (terminator_ == Terminator::Greater) {

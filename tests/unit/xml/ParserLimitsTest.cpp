@@ -109,6 +109,28 @@ TEST(ParserLimits, AStartTagOneLongerIsIndexedAsBadAndReported) {
     EXPECT_EQ(ReportsOf(document), "<tag_too_long type=\"start_tag\" offset=\"3\"/>");
 }
 
+TEST(ParserLimits, AnEmptyElementsTagOneLongerKeepsItsWholeLength) {
+    XmlOffsetDocument document;
+    const std::wstring tag = L"<a " + std::wstring(4194304 - 5, L' ') + L"/>";
+    EXPECT_FALSE(document.SetText(std::wstring_view(L"<r>" + tag + L"<b/></r>")));
+    EXPECT_EQ(FaultsOf(document), "");
+    const ElementRecordTable& records = *document.State().records;
+    EXPECT_EQ(records[2].length, 4194304u);
+    EXPECT_EQ(records[2].tagLengths, 4194303u);
+    EXPECT_TRUE(records[2].Has(kRecordBad));
+    EXPECT_EQ(records[2].next, 3u);
+    EXPECT_EQ(ReportsOf(document), "<tag_too_long type=\"start_tag\" offset=\"3\"/>");
+}
+
+TEST(ParserLimits, ANameTooLongForATagIsLeftOutOfItsReport) {
+    XmlOffsetDocument document;
+    EXPECT_FALSE(document.SetText(std::wstring_view(L"<a/></" + std::wstring(4194304, L'b'))));
+    EXPECT_EQ(ReportsOf(document), "<unterminated_tag_syntax type=\"end_tag\" offset=\"4\"/>");
+    EXPECT_FALSE(
+        document.SetText(std::wstring_view(L"<a/></" + std::wstring(4194304, L'b') + L">")));
+    EXPECT_EQ(ReportsOf(document), "<lone_end_tag offset=\"4\"/>");
+}
+
 TEST(ParserLimits, AnEndTagMayHaveAsManyUnitsAsItsFieldHolds) {
     XmlOffsetDocument document;
     EXPECT_TRUE(document.SetText(std::wstring_view(L"<a></a" + std::wstring(1019, L' ') + L">")));

@@ -57,6 +57,12 @@ TEST(ScannerEnd, ABadTagThatIsAlsoCutOffHasBothReports) {
                             "<unterminated_tag_syntax type=\"tag\" offset=\"0\"/>}");
 }
 
+TEST(ScannerEnd, ABadDeclarationThatIsAlsoCutOffIsTheDocumentTypes) {
+    EXPECT_EQ(Scans(L"<!DOCTYPE a [<!X"),
+              "error 0+16 {<doctype_tag_syntax offset=\"15\"/>"
+              "<unterminated_tag_syntax type=\"document_type\" offset=\"0\"/>}");
+}
+
 TEST(ScannerEnd, ATagInQuotesIsCutOffWhereverItsEndSeemsToBe) {
     EXPECT_EQ(Scans(L"<a b='>"),
               "error 0+7 {<unterminated_tag_syntax type=\"start_tag\" offset=\"0\"/>}");
@@ -185,6 +191,11 @@ TEST(ScannerDocType, QuotesToggleAndAreIgnoredInsideTheOtherKind) {
     EXPECT_EQ(Scans(L"<!DOCTYPE a 'x>y' \"'>\"><a>"), "doctype 0+23; element 23+3 [a]");
     EXPECT_EQ(Scans(L"<!DOCTYPE a [<!ENTITY b '\">'>]><a>"), "doctype 0+31; element 31+3 [a]");
     EXPECT_EQ(Scans(L"<!DOCTYPE a \"<\"><a>"), "doctype 0+16; element 16+3 [a]");
+}
+
+TEST(ScannerDocType, QuotesInItsCommentsAndInstructionsOpenNothing) {
+    EXPECT_EQ(Scans(L"<!DOCTYPE a [<!-- don't -->]><a>"), "doctype 0+29; element 29+3 [a]");
+    EXPECT_EQ(Scans(L"<!DOCTYPE a [<?p \" ?>]><a>"), "doctype 0+23; element 23+3 [a]");
 }
 
 TEST(ScannerDocType, OtherDeclarationsAreReportedAndTheDocumentTypeIsMalformed) {

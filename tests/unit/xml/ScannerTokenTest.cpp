@@ -151,6 +151,13 @@ TEST(ScannerAttribute, AreNumberedFromZero) {
     EXPECT_EQ(NamesIn(L"<a b c='2' d = 3 e=4/>"), "b,c,d,e,");
 }
 
+TEST(ScannerAttribute, LooksAtNothingBeforeTheText) {
+    const wchar_t units[] = L" />";
+    TagScanner scanner(units + 1, 2, 0);
+    ASSERT_TRUE(scanner.NextValue());
+    EXPECT_EQ(TokenOf(scanner), "/");
+}
+
 TEST(ScannerAttribute, AnUnendedQuoteGoesToTheEndOfTheText) {
     EXPECT_EQ(ValueIn(L"<a b='1 c", L"b"), "'1 c'");
 }
