@@ -46,13 +46,31 @@ void PlaceAtElement(const DocumentState& document, std::int32_t element, std::ui
     place.after = before ? PreviousSibling(document, element) : element;
 }
 
+// Units of the "/>" with which a single tag ends. Further slashes in front of it go with it, as one
+// that is left before the '>' would end the tag again.
+std::size_t EmptyTagMarks(const DocumentState& document, const ElementRecord& record) {
+    std::size_t marks = 2;
+    while (document.text[record.start + record.length - marks - 1] == L'/') ++marks;
+    return marks;
+}
+
+// Units of the "/>" of a single tag, with further slashes before it: one left behind would end the
+// opened tag as a single one again. 0 for a tag that has no end.
+std::size_t SingleTagMarks(const DocumentState& document, const ElementRecord& parent) {
+    if (parent.Has(kRecordUnended)) return 0;
+    const std::size_t end = parent.start + parent.length;
+    std::size_t marks = 1;
+    while (document.text[end - marks - 1] == L'/') ++marks;
+    return marks;
+}
+
 void PlaceInParent(const DocumentState& document, std::uint32_t flags, Place& place) {
     const ElementRecord& parent = RecordAt(document, place.parent);
     const std::uint32_t tags = parent.StartTagLength() + parent.EndTagLength();
     place.opensParent = place.parent != 0 && parent.StartTagLength() == parent.length;
     place.emptyContent = place.parent != 0 && tags == parent.length && !place.opensParent;
     if (place.opensParent) {
-        const std::size_t marks = parent.Has(kRecordUnended) ? 0 : 2; // "/>"
+        const std::size_t marks = parent.Has(kRecordUnended) ? 0 : EmptyTagMarks(document, parent);
         place.offset = parent.start + parent.length - marks;
         place.removed = marks;
     } else if ((flags & (kAddAtStart | kAddBefore)) != 0) {
@@ -165,8 +183,8 @@ void Link(DocumentState& document, const Place& place, std::int32_t position) {
 void OpenParent(DocumentState& document, const Place& place, const Insertion& insertion,
                 std::int32_t delta) {
     ElementRecord& parent = RecordAt(document, place.parent);
-    const std::uint32_t slash = parent.Has(kRecordUnended) ? 0 : 1;
-    parent.SetTagLengths(parent.StartTagLength() - slash, insertion.parentEndTag);
+    const auto slashes = static_cast<std::uint32_t>(place.removed != 0 ? place.removed - 1 : 0);
+    parent.SetTagLengths(parent.StartTagLength() - slashes, insertion.parentEndTag);
     parent.flagsAndLevel &= ~kRecordUnended;
     parent.length += static_cast<std::uint32_t>(delta);
 }

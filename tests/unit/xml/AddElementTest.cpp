@@ -46,6 +46,24 @@ protected:
 
 } // namespace
 
+// One slash that stayed would make an empty tag of what is to hold the new element.
+TEST_F(AddElement, TakesEverySlashFromTheEndOfASingleTagThatItOpens) {
+    const struct {
+        const wchar_t* before;
+        const wchar_t* after;
+    } cases[] = {
+        {L"<r//>", L"<r><n/></r>"},
+        {L"<r ///>", L"<r ><n/></r>"},
+        {L"<r x='1'//>", L"<r x='1'><n/></r>"},
+        {L"<r x=b/ />", L"<r x=b/ ><n/></r>"},
+    };
+    for (const auto& [before, after] : cases) {
+        Load(before);
+        Stand(0, 1);
+        EXPECT_EQ(Added(kAddAsChild | kAddNoLineEnds), after);
+    }
+}
+
 TEST_F(AddElement, WritesAnElementAsItsFlagsSay) {
     EXPECT_EQ(Written(L"a", nullptr), L"<a/>");
     EXPECT_EQ(Written(L"a", L""), L"<a/>");
