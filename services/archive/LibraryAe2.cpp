@@ -74,6 +74,7 @@ public:
         for (std::size_t at = 0; at < blocks.size(); at += kCipherBlock) {
             cipher_.EncryptBlock(blocks.data() + at);
         }
+        ForgetRegisters(); // a round's key, from which a shorter cipher key can be told
     }
     void AddToCode(std::span<const std::uint8_t> data) override { code_.Add(data); }
     std::array<std::uint8_t, 20> Code() override {

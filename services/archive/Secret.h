@@ -39,7 +39,9 @@ private:
 };
 
 // Clears the registers that a copy of a secret went through. They would live on until they are used
-// for something else, and the system may write them down with a thread's state.
+// for something else, and the system may write them down with a thread's state. Those beyond are
+// kept over calls, so whoever uses them puts back what was in them; who works with wider ones
+// clears them itself.
 inline void ForgetRegisters() noexcept {
     asm volatile("pxor %%xmm0, %%xmm0\n\t"
                  "pxor %%xmm1, %%xmm1\n\t"
@@ -49,7 +51,7 @@ inline void ForgetRegisters() noexcept {
                  "pxor %%xmm5, %%xmm5"
                  :
                  :
-                 : "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5");
+                 : "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "memory"); // not before the copy
 }
 
 // Wipes a stack buffer when its scope is left.

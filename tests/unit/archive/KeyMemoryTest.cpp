@@ -3,8 +3,11 @@
 // salts in the zip.
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
+#include "services/archive/Ae2.h"
+#include "services/archive/KeyLanes.h"
 #include "tests/unit/archive/EngineFixture.h"
 #include "tests/unit/archive/MaskedKeys.h"
 #include "tests/unit/archive/ZipReader.h"
@@ -85,6 +88,60 @@ int TimesInMemory(const std::vector<Masked>& wanted) {
 
 const std::vector<Masked> kPassword{Masked(std::begin(kMaskedPassword), std::end(kMaskedPassword))};
 
+std::uint8_t PasswordByteAt(std::size_t at) { return Unmask(kMaskedPassword[at]); }
+
+// The bytes of each word turned round, as words are computed with.
+Masked AsWords(std::span<const std::uint8_t> masked) {
+    Masked words;
+    for (std::size_t at = 0; at + 4 <= masked.size(); at += 4) {
+        for (std::size_t byte = 4; byte-- > 0;) words.push_back(masked[at + byte]);
+    }
+    return words;
+}
+
+// A word in four lanes.
+Masked InLanes(std::span<const std::uint8_t> word) {
+    Masked lanes;
+    for (int lane = 0; lane < 4; ++lane) lanes.insert(lanes.end(), word.begin(), word.end());
+    return lanes;
+}
+
+// What a derivation works with: the password's words and the states that follow from it, one like
+// the other in each lane, and the keys, whose words may stand one behind the other or by lanes.
+std::vector<Masked> LanesOfThePassword() {
+    const Masked password = AsWords(kMaskedPassword);
+    std::vector<Masked> lanes{password};
+    for (std::size_t at = 0; at + 4 <= password.size(); at += 4) {
+        lanes.push_back(InLanes(std::span(password).subspan(at, 4)));
+    }
+    for (const std::uint32_t word : MaskedPads(sizeof kMaskedPassword, PasswordByteAt, kMask)) {
+        std::uint8_t bytes[sizeof word];
+        std::memcpy(bytes, &word, sizeof word);
+        lanes.push_back(InLanes(bytes));
+    }
+    return lanes;
+}
+
+std::vector<Masked> LanesOfTheKeys(const Masked& keys) {
+    constexpr std::size_t kHash = 20;
+    std::vector<Masked> lanes;
+    for (std::size_t at = 0; at + 16 <= keys.size(); at += 16) {
+        lanes.push_back(Masked(keys.begin() + static_cast<std::ptrdiff_t>(at),
+                               keys.begin() + static_cast<std::ptrdiff_t>(at + 16)));
+        lanes.push_back(AsWords(lanes.back()));
+    }
+    const Masked words = AsWords(keys);
+    for (std::size_t word = 0; word < kHash; word += 4) {
+        Masked side;
+        for (std::size_t at = word; at + 4 <= words.size(); at += kHash) {
+            side.insert(side.end(), words.begin() + static_cast<std::ptrdiff_t>(at),
+                        words.begin() + static_cast<std::ptrdiff_t>(at + 4));
+        }
+        if (side.size() >= 8) lanes.push_back(side);
+    }
+    return lanes;
+}
+
 class KeyMemoryTest : public EngineFixture {
 protected:
     void SetUp() override {
@@ -102,9 +159,8 @@ protected:
         for (const RawEntry& entry : ReadRawEntries(job_.target)) {
             const std::span front(reinterpret_cast<const std::uint8_t*>(entry.packed.data()),
                                   keySize / 2 + 2);
-            const Masked made = MaskedKeys(
-                sizeof kMaskedPassword, [](std::size_t at) { return Unmask(kMaskedPassword[at]); },
-                front.first(keySize / 2), 2 * keySize + 2, kMask);
+            const Masked made = MaskedKeys(sizeof kMaskedPassword, PasswordByteAt,
+                                           front.first(keySize / 2), 2 * keySize + 2, kMask);
             // The check behind the salt tells that these are the zip's own.
             EXPECT_EQ(Unmask(made[2 * keySize]), front[keySize / 2]);
             EXPECT_EQ(Unmask(made[2 * keySize + 1]), front[keySize / 2 + 1]);
@@ -143,6 +199,111 @@ TEST_F(KeyMemoryTest, NothingIsLeftAfterARun) {
         ExpectCleanMemory(keySize);
         DeleteFileW(job_.target.c_str());
     }
+}
+
+// Searched at once, on the thread that derived, before its stack is used for anything else.
+class KeyLanesMemoryTest : public testing::Test {
+protected:
+    void ExpectNothingLeftOf(std::size_t keySize, std::size_t count) {
+        std::vector<Masked> wanted = LanesOfThePassword();
+        std::vector<obarchive::Ae2Keys> keys(count);
+        for (obarchive::Ae2Keys& one : keys) {
+            one.keySize = keySize;
+            one.salt.fill(static_cast<std::uint8_t>(&one - keys.data() + 1));
+            const Masked made =
+                MaskedKeys(sizeof kMaskedPassword, PasswordByteAt,
+                           std::span(one.salt).first(one.SaltSize()), one.DerivedSize(), kMask);
+            const std::vector<Masked> lanes = LanesOfTheKeys(made);
+            wanted.insert(wanted.end(), lanes.begin(), lanes.end());
+        }
+        {
+            const Secret password = Password();
+            algorithms_->Derive(password, keys);
+        }
+        EXPECT_GE(TimesInMemory(wanted), 1) << "what is searched for is what was made";
+        keys.clear();
+        EXPECT_EQ(TimesInMemory(wanted), 0) << keySize << " " << count;
+    }
+
+    const std::unique_ptr<obarchive::Ae2Algorithms> algorithms_ =
+        MakeAe2Algorithms(obarchive::Cryptography::Library);
+};
+
+TEST_F(KeyLanesMemoryTest, NothingIsLeftOfOneKey) {
+    ExpectNothingLeftOf(16, 1);
+    ExpectNothingLeftOf(32, 1);
+}
+
+TEST_F(KeyLanesMemoryTest, NothingIsLeftOfAsManyAsAreMadeAtOnce) {
+    ExpectNothingLeftOf(16, algorithms_->KeysAtOnce(16));
+    ExpectNothingLeftOf(32, algorithms_->KeysAtOnce(32));
+}
+
+// The registers that a call may leave something in, as they are at this moment.
+using Registers = std::array<std::array<std::uint8_t, 16>, 6>;
+[[gnu::always_inline]] inline void Look(Registers& registers) {
+    asm volatile("movdqu %%xmm0, (%0)\n\t"
+                 "movdqu %%xmm1, 16(%0)\n\t"
+                 "movdqu %%xmm2, 32(%0)\n\t"
+                 "movdqu %%xmm3, 48(%0)\n\t"
+                 "movdqu %%xmm4, 64(%0)\n\t"
+                 "movdqu %%xmm5, 80(%0)"
+                 :
+                 : "r"(registers.data())
+                 : "memory");
+}
+
+TEST(KeyRegistersTest, NothingIsLeftBehindTheWorkWithKeys) {
+    const Registers empty{};
+    Registers seen;
+    const auto algorithms = MakeAe2Algorithms(obarchive::Cryptography::Library);
+    const Secret password = Password();
+    obarchive::Ae2Keys keys;
+    keys.keySize = 16;
+    algorithms->Derive(password, std::span(&keys, 1));
+    Look(seen);
+    EXPECT_TRUE(seen == empty) << "deriving";
+    const auto primitives = algorithms->Begin(keys);
+    std::array<std::uint8_t, 64> blocks{};
+    primitives->EncryptBlocks(blocks);
+    Look(seen);
+    EXPECT_TRUE(seen == empty) << "the cipher";
+    EXPECT_TRUE((blocks != std::array<std::uint8_t, 64>{}));
+    obarchive::Ae2Keys copy(keys);
+    Look(seen);
+    EXPECT_TRUE(seen == empty) << "a copy";
+    EXPECT_EQ(copy.derived, keys.derived);
+}
+
+// Which only lanes that rotate use.
+TEST(KeyRegistersTest, TheUpperOnesAreClearedToo) {
+    if (!obarchive::HasEightLanesRotating()) GTEST_SKIP() << "this processor has none";
+    obarchive::KeyLanes lanes{};
+    lanes.iterations = 2;
+    lanes.begin[0][0] = 1;
+    std::array<std::array<std::uint8_t, 32>, 16> seen;
+    obarchive::DeriveEightLanesRotating(lanes);
+    asm volatile("vmovdqu32 %%ymm16, (%0)\n\t"
+                 "vmovdqu32 %%ymm17, 32(%0)\n\t"
+                 "vmovdqu32 %%ymm18, 64(%0)\n\t"
+                 "vmovdqu32 %%ymm19, 96(%0)\n\t"
+                 "vmovdqu32 %%ymm20, 128(%0)\n\t"
+                 "vmovdqu32 %%ymm21, 160(%0)\n\t"
+                 "vmovdqu32 %%ymm22, 192(%0)\n\t"
+                 "vmovdqu32 %%ymm23, 224(%0)\n\t"
+                 "vmovdqu32 %%ymm24, 256(%0)\n\t"
+                 "vmovdqu32 %%ymm25, 288(%0)\n\t"
+                 "vmovdqu32 %%ymm26, 320(%0)\n\t"
+                 "vmovdqu32 %%ymm27, 352(%0)\n\t"
+                 "vmovdqu32 %%ymm28, 384(%0)\n\t"
+                 "vmovdqu32 %%ymm29, 416(%0)\n\t"
+                 "vmovdqu32 %%ymm30, 448(%0)\n\t"
+                 "vmovdqu32 %%ymm31, 480(%0)"
+                 :
+                 : "r"(seen.data())
+                 : "memory");
+    EXPECT_TRUE((seen == std::array<std::array<std::uint8_t, 32>, 16>{}));
+    EXPECT_NE(lanes.result[0][0], lanes.result[1][0]);
 }
 
 } // namespace

@@ -100,4 +100,15 @@ std::vector<std::uint8_t> MaskedKeys(std::size_t passwordSize, const PasswordByt
     return keys;
 }
 
+std::vector<std::uint32_t> MaskedPads(std::size_t passwordSize, const PasswordByte& password,
+                                      std::uint8_t mask) {
+    std::vector<std::uint32_t> pads;
+    for (const std::uint8_t with : {std::uint8_t{0x36}, std::uint8_t{0x5C}}) {
+        for (const std::uint32_t word : PadState(passwordSize, password, with)) {
+            pads.push_back(word ^ mask * 0x01010101U);
+        }
+    }
+    return pads;
+}
+
 } // namespace obtest

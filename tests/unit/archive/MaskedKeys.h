@@ -18,4 +18,9 @@ std::vector<std::uint8_t> MaskedKeys(std::size_t passwordSize, const PasswordByt
                                      std::span<const std::uint8_t> salt, std::size_t size,
                                      std::uint8_t mask);
 
+// The ten words of the states behind the password's two pads, by which any of its keys could be
+// made; each is combined with `mask` in every byte.
+std::vector<std::uint32_t> MaskedPads(std::size_t passwordSize, const PasswordByte& password,
+                                      std::uint8_t mask);
+
 } // namespace obtest
