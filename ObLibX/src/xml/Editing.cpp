@@ -54,16 +54,6 @@ std::size_t EmptyTagMarks(const DocumentState& document, const ElementRecord& re
     return marks;
 }
 
-// Units of the "/>" of a single tag, with further slashes before it: one left behind would end the
-// opened tag as a single one again. 0 for a tag that has no end.
-std::size_t SingleTagMarks(const DocumentState& document, const ElementRecord& parent) {
-    if (parent.Has(kRecordUnended)) return 0;
-    const std::size_t end = parent.start + parent.length;
-    std::size_t marks = 1;
-    while (document.text[end - marks - 1] == L'/') ++marks;
-    return marks;
-}
-
 void PlaceInParent(const DocumentState& document, std::uint32_t flags, Place& place) {
     const ElementRecord& parent = RecordAt(document, place.parent);
     const std::uint32_t tags = parent.StartTagLength() + parent.EndTagLength();
