@@ -16,9 +16,13 @@ void ReadElement(XmlOffsetDocument& document) {
     const std::int32_t at = document.CurrentPosition();
     const ElementRecord& record = RecordOf(document, at);
     Require(document.GetTagName().size() < record.StartTagLength(), "a name lies in its tag");
+    AttributeCursor attributes(at);
     for (std::int32_t index = 0;; ++index) {
         const std::wstring name = document.GetAttributeNameAt(index);
+        Require(document.GetNextAttribute(attributes) == !name.empty() && attributes.Name() == name,
+                "a cursor meets the attributes in their order");
         if (name.empty()) break;
+        Require(attributes.Value().size() < record.StartTagLength(), "a value lies in its tag");
         Require(index < static_cast<std::int32_t>(record.StartTagLength()),
                 "a tag has fewer attributes than units");
         Require(document.GetAttribute(at, name.c_str()).size() < record.StartTagLength(),

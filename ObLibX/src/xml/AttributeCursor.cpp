@@ -36,7 +36,7 @@ bool GetNextAttribute(const DocumentState& document, AttributeCursor& cursor) {
     UnitSpan value;
     const bool found = walk.Next(name, value);
     if (found) {
-        cursor.name_.assign(name.start, name.end);
+        cursor.name_.assign(name.start, static_cast<std::size_t>(name.end - name.start));
         DecodeText({value.start, static_cast<std::size_t>(value.end - value.start)},
                    document.docFlags, cursor.value_);
     }

@@ -85,7 +85,7 @@ void DecodeAll(std::wstring_view text, std::wstring& out) {
     const wchar_t* const end = text.data() + text.size();
     for (const wchar_t* at = text.data();;) {
         const wchar_t* const reference = FindUnit(at, end, EqualTo{L'&'});
-        out.append(at, reference);
+        out.append(at, static_cast<std::size_t>(reference - at));
         if (reference == end) return;
         at = reference +
              DecodeReference({reference, static_cast<std::size_t>(end - reference)}, out);

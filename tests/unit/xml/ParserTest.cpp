@@ -241,6 +241,25 @@ TEST_F(Parser, ReportsStopAtTheLimitAndTheIndexGoesOn) {
     EXPECT_EQ(document_.Result().substr(0, 30), L"<first_tag_syntax offset=\"4\"/>");
 }
 
+// As many errors of two kinds as make a report of exactly the limit.
+TEST_F(Parser, AReportOfExactlyTheLimitTakesNoMore) {
+    std::wstring ones = L"<a>";
+    for (int first = 0; first < 35; ++first, ones += L"<1>") {
+        std::wstring text = ones;
+        for (int second = 0; second < 35; ++second, text += L"<!x>") {
+            EXPECT_EQ(document_.SetText(std::wstring_view(text + L"</a>")), first + second == 0);
+            if (document_.Result().size() != 1000) {
+                continue;
+            }
+            const std::wstring full = document_.Result();
+            EXPECT_FALSE(Set(text + L"<1><b></a>"));
+            EXPECT_EQ(document_.Result(), full);
+            return;
+        }
+    }
+    FAIL() << "no such report";
+}
+
 // ---- The document around it
 
 TEST_F(Parser, ClearsEveryPositionAndTheFormerResult) {
