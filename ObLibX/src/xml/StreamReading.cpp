@@ -129,16 +129,17 @@ void StreamSearch::KeepOpenParent() {
     document_.parentPos = std::min(document_.parentPos, static_cast<std::int32_t>(tags_.Depth()));
 }
 
-// What the open elements meet of the path already.
+// What the open elements meet of the path already. From behind an element a relative search has
+// whatever is open in the parent behind it, too.
 void StreamSearch::Begin() {
-    if (path_.Type() == PathType::Absolute) {
-        while (matched_ < tags_.Depth() && matched_ + 1 < path_.StepCount() &&
-               OpenTagMeets(static_cast<std::uint32_t>(matched_) + 1, path_[matched_])) {
-            ++matched_;
-        }
-    } else if (path_.Type() == PathType::Relative) {
+    if (path_.Type() == PathType::Relative) {
         base_ = entered_;
         if (behindOther_) passed_ = CountAt(base_, path_[0].name);
+    }
+    const bool below = path_.Type() == PathType::Relative && !behindOther_;
+    if (path_.Type() != PathType::Absolute && !below) return;
+    for (std::uint32_t depth = base_ + 1; depth <= tags_.Depth(); ++depth, ++matched_) {
+        if (matched_ + 1 >= path_.StepCount() || !OpenTagMeets(depth, path_[matched_])) return;
     }
 }
 

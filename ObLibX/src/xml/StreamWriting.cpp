@@ -40,16 +40,12 @@ std::size_t LineEndBehind(const DocumentState& document) {
 bool Send(DocumentState& document, std::size_t length, bool flush) {
     TextFileChannel& channel = *document.channel;
     if (std::exchange(channel.writeFailed, true)) return false;
-    const bool lostBefore = channel.conversionLoss;
     const bool sent =
         channel.WriteOut(document.text.data(), static_cast<std::int32_t>(length), flush);
     channel.writeFailed = !sent;
     if (!sent) {
         if (document.result.size() < kReportLimit) document.result += channel.report;
         channel.report.clear();
-    } else if (channel.conversionLoss && !lostBefore) {
-        // The channel's own report of it goes with its next block.
-        Report(document.result, L"conversion_loss", nullptr, 0);
     }
     return sent;
 }
@@ -79,6 +75,7 @@ void OpenParent(DocumentState& document, bool lineEnds) {
     }
     if (lineEnds) document.text += kLineEnd;
     open.hasStartTag = true;
+    document.channel->lineEndBehind = false;
     BlankStreamRecord(document, static_cast<std::uint32_t>(document.parentPos));
 }
 
@@ -114,13 +111,11 @@ bool AddElementToStream(DocumentState& document, const wchar_t* name, const wcha
     ElementRecord& record = MakeStreamRecord(document, level);
     if (document.parentPos != 0 && !channel.entered.back().hasStartTag) {
         OpenParent(document, lineEnds);
-        channel.lineEndBehind = false;
     }
     const std::size_t start = document.text.size() - (lineEnds ? 0 : LineEndBehind(document));
     Append(document, element.text, lineEnds);
     element.FillRecord(record, start);
     record.SetLevel(level);
-    record.parent = level - 1;
     document.docFlags |= kDocModified;
     SetPosition(document, document.parentPos, static_cast<std::int32_t>(level), 0);
     return SendWhatIsFinished(document);

@@ -13,6 +13,7 @@
 namespace ObLibX {
 namespace {
 
+constexpr wchar_t kConversionLoss[] = L"conversion_loss";
 constexpr std::uint32_t kClientFlags = kDocIgnoreCase | kDocTrim | kDocCollapse;
 constexpr std::size_t kLongestText = std::numeric_limits<std::int32_t>::max();
 constexpr std::uint32_t kUnitsPerRecord = 64; // of an ordinary document
@@ -64,8 +65,12 @@ void PrepareStream(XmlOffsetDocument& document) {
 
 bool FinishAndClose(DocumentState& document) {
     const bool finished = !document.Has(kDocStreamWrite) || FinishStream(document);
-    const bool closed = document.channel->CloseFile();
-    if (document.result.size() < kReportLimit) document.result += document.channel->report;
+    TextFileChannel& channel = *document.channel;
+    const bool closed = channel.CloseFile();
+    // The channel's report is that of its last block.
+    const bool lossTold = channel.report.find(kConversionLoss) != std::wstring::npos;
+    if (channel.conversionLoss && !lossTold) Report(document.result, kConversionLoss, nullptr, 0);
+    if (document.result.size() < kReportLimit) document.result += channel.report;
     return finished && closed;
 }
 
