@@ -195,6 +195,36 @@ TEST(StreamOutOfMemory, LeavesAStreamOfWritingThatCloses) {
     EXPECT_GT(FailEachAllocation(prepare, work, check), 50u);
 }
 
+// The window lets go of a long comment and takes in the short rest of the file, and then there is
+// no memory to tell the error in it. Where the blocks end depends on the comment.
+TEST(StreamOutOfMemory, LeavesNoRecordOfATextThatMoved) {
+    std::size_t failures = 0;
+    for (std::size_t comment = 40; comment < 400; comment += 9) {
+        const StreamFile file(L"<!--" + std::wstring(comment, L'c') +
+                                  L"--><a x='1'>data that is read <1></a>",
+                              L"UTF-8");
+        const auto prepare = [&] {
+            auto document = std::make_unique<XmlOffsetDocument>();
+            EXPECT_TRUE(document->OpenForReading(file.Path(), {.encoding = {}, .blockSize = 8}));
+            EXPECT_TRUE(document->FindElement(L"a"));
+            return document;
+        };
+        const auto work = [](XmlOffsetDocument& document) {
+            EXPECT_EQ(document.GetData(1), L"data that is read ");
+        };
+        const auto check = [](XmlOffsetDocument& document, bool failed) {
+            ASSERT_TRUE(failed);
+            ExpectWithinText(document);
+            (void)CurrentElement(document);
+            (void)document.FindElement();
+            ExpectWithinText(document);
+            EXPECT_TRUE(document.Close());
+        };
+        failures += FailEachAllocation(prepare, work, check);
+    }
+    EXPECT_GT(failures, 100u);
+}
+
 TEST(StreamOutOfMemory, WritesNothingTwice) {
     const StreamFile file;
     const auto prepare = [&] {
