@@ -111,7 +111,8 @@ bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t
     const bool given = name != nullptr && value != nullptr && IsWritableName(name);
     if (!given || !PositionsHold(document)) return false;
     const std::optional<TagSpan> tag = TagAt(document, position);
-    if (!tag) return false;
+    // The attribute's name would become the target of an instruction that has none.
+    if (!tag || tag->nameStart == tag->nameEnd) return false;
     const std::wstring encoded =
         EncodeText(value, (flags & kEncodeKeepReferences) | kEncodeAttribute);
     const AttributeChange change = WriteAttribute(document, *tag, name, encoded);

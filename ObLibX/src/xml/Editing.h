@@ -26,8 +26,8 @@ bool AddElement(DocumentState& document, const wchar_t* name, const wchar_t* val
 // an element or on the current processing instruction; before the others when the last one is a '='
 // without a value, which would take it for its own. kAddKeepReferences is the one flag that counts.
 // An attribute without '=' gets one. False with nothing changed: in a stream mode, where there is
-// no such tag, for a null or unwritable name, a null value, and when the tag or the text would
-// become too long. Throws std::bad_alloc and changes nothing.
+// no such tag or it has no name, for a null or unwritable name, a null value, and when the tag or
+// the text would become too long. Throws std::bad_alloc and changes nothing.
 bool SetAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
                   const wchar_t* value, std::uint32_t flags);
 

@@ -163,6 +163,15 @@ TEST_F(SetAttribute, ChangesAnInstructionWhereverItStands) {
     EXPECT_EQ((*document_.State().records)[0].length, 11u);
 }
 
+TEST_F(SetAttribute, RefusesAnInstructionWithoutATarget) {
+    for (const wchar_t* node : {L"<? ?>", L"<?=p ='y?>", L"<? /?>"}) {
+        document_.SetText((std::wstring(node) + L"<r/>").c_str());
+        PutOnNode(document_, kNodeInstruction, node);
+        EXPECT_FALSE(document_.SetAttribute(0, L"x", L"1"));
+        EXPECT_EQ(document_.Text(), std::wstring(node) + L"<r/>");
+    }
+}
+
 TEST_F(SetAttribute, RefusesWhatItCannotWrite) {
     document_.SetText(L"<a y='1'/>");
     ExpectRefused(1, nullptr, L"1");
