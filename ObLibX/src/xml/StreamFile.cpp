@@ -1,12 +1,13 @@
 #include "ObLibX/src/xml/StreamFile.h"
 
 #include <algorithm>
-#include <array>
+#include <memory>
 #include <string_view>
 
 #include "ObLibX/src/xml/DocumentReport.h"
 #include "ObLibX/src/xml/NameTables.h"
 #include "ObLibX/src/xml/SystemFile.h"
+#include "ObLibX/src/xml/Utf8Sequence.h"
 
 namespace ObLibX {
 namespace {
@@ -14,7 +15,8 @@ namespace {
 constexpr std::int32_t kCodePageUtf16BigEndian = 1201;
 constexpr std::int32_t kCodePageUtf32LittleEndian = 12000; // as the system numbers them
 constexpr std::int32_t kCodePageUtf32BigEndian = 12001;
-constexpr std::size_t kDeclarationSpan = 4096; // bytes in which a file declares its encoding
+constexpr std::int32_t kDeclarationSpan = 4096;    // bytes in which a file declares its encoding
+constexpr std::int32_t kLongestLook = 1024 * 1024; // bytes that are looked at for UTF-8
 constexpr wchar_t kTooLarge[] = L"The file is too large to be read as a stream.";
 constexpr wchar_t kWrongEncoding[] = L"The encoding isn't known or can't be used for a stream.";
 
@@ -78,17 +80,38 @@ std::wstring DeclaredIn(std::string_view bytes) {
     return page > 0 && !IsUtf16(page) && !IsUtf32(page) ? name : std::wstring();
 }
 
+// Whether the bytes, up to a NUL, hold what is no UTF-8. A character that their end cuts isn't
+// that.
+bool IsNoUtf8(std::string_view bytes) {
+    const auto* const units = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    const auto end = static_cast<std::int32_t>(std::min(bytes.find('\0'), bytes.size()));
+    for (std::int32_t at = 0; at < end;) {
+        const Utf8Sequence sequence = ReadUtf8(units + at, end - at);
+        if (sequence.kind == Utf8Sequence::Kind::Bad) return true;
+        at += sequence.length;
+    }
+    return false;
+}
+
+// The channel looks at each block for itself as long as it knows no encoding. A file that says
+// nothing and whose first block is no UTF-8 is the system's to its end, so that a later block of
+// plain ASCII doesn't make UTF-8 of it.
+std::wstring GuessedFrom(std::string_view bytes) { return IsNoUtf8(bytes) ? L"ANSI" : L""; }
+
 // Settles encoding and mark, and leaves the file behind the mark.
 void LookAtBeginning(TextFileChannel& channel, const StreamReadOptions& options) {
-    std::array<char, kDeclarationSpan> buffer;
-    const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), channel.file.get());
-    const std::string_view bytes(buffer.data(), got);
+    const auto span =
+        static_cast<std::size_t>(std::clamp(channel.blockSize, kDeclarationSpan, kLongestLook));
+    const auto buffer = std::make_unique_for_overwrite<char[]>(span);
+    const std::size_t got = std::fread(buffer.get(), 1, span, channel.file.get());
+    const std::string_view bytes(buffer.get(), got);
     if (const Beginning* const beginning = FindBeginning(bytes)) {
         channel.fileOffset = beginning->mark;
         SetEncoding(channel, beginning->encoding);
     } else {
-        const std::wstring declared = DeclaredIn(bytes);
-        SetEncoding(channel, declared.empty() ? options.encoding : declared);
+        const std::wstring declared = DeclaredIn(bytes.substr(0, kDeclarationSpan));
+        const std::wstring told = declared.empty() ? options.encoding : declared;
+        SetEncoding(channel, told.empty() ? GuessedFrom(bytes) : told);
     }
     std::fseek(channel.file.get(), static_cast<long>(channel.fileOffset), SEEK_SET);
 }

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "ObLibX/src/xml/SystemText.h"
 #include "tests/unit/xml/StreamChecks.h"
 #include "tests/unit/xml/StreamFiles.h"
 
@@ -149,6 +150,18 @@ TEST(StreamMarks, AreNotNeededForUtf16) {
 TEST(StreamEncodings, OfWideUnitsCantBeDeclaredInBytes) {
     const std::wstring text = TextWith(Characters(kSamples[0]), L"UTF-16");
     ExpectForAnyBlock(text, StreamFile(text, L"UTF-8"), {});
+}
+
+TEST(StreamEncodings, OfTheSystemLastToTheFilesEnd) {
+    if (SystemCodePage() != 1252) GTEST_SKIP() << "the system's own page is another one";
+    const std::wstring plain(20000, L' ');
+    const StreamFile file(L"<r><a>\xE9</a>" + plain + L"<b>\xE9</b></r>", L"windows-1252");
+    XmlOffsetDocument document;
+    ASSERT_TRUE(document.OpenForReading(file.Path(), {.encoding = {}, .blockSize = 64}));
+    for (const wchar_t* const path : {L"//a", L"//b"}) {
+        ASSERT_TRUE(document.FindElement(path));
+        EXPECT_EQ(L"\xE9", document.GetData(document.CurrentPosition()));
+    }
 }
 
 TEST(StreamEncodings, AreFoundInHtml) {
