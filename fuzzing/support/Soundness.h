@@ -7,7 +7,7 @@
 // record linked once, the levels those of the links, tags where the records say.
 void RequireSoundRecords(const ObLibX::XmlOffsetDocument& document);
 
-// The report is XML itself, and nothing was begun behind the place where it takes no more.
+// The report is XML itself, and nothing was begun far behind the place where it takes no more.
 void RequireSoundReport(const std::wstring& report);
 
 // The records are those of the text indexed anew, whatever their order.

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "ObLibX/src/xml/DocumentReport.h"
 #include "tests/unit/xml/Records.h"
 #include "tests/unit/xml/Scans.h"
 
@@ -258,6 +259,22 @@ TEST_F(Parser, AReportOfExactlyTheLimitTakesNoMore) {
         }
     }
     FAIL() << "no such report";
+}
+
+// A document type with all its declarations is one step of the scanner, whose reports have a limit
+// of their own.
+TEST_F(Parser, TheReportsOfOneStepGoInWholeAndNothingBehindThem) {
+    std::wstring text = L"<1><2><!D";
+    for (int i = 0; i < 200; ++i) {
+        text += L" <!x>";
+    }
+    EXPECT_FALSE(Set(text + L"><r/>"));
+    const std::wstring full = document_.Result();
+    EXPECT_GT(full.size(), kReportLimit);
+    EXPECT_LT(full.size(), 2 * kReportLimit);
+    EXPECT_NE(full.rfind(L"<doctype_tag_syntax"), full.find(L"<doctype_tag_syntax"));
+    EXPECT_FALSE(Set(text + L"><1><r><b></r>"));
+    EXPECT_EQ(document_.Result(), full);
 }
 
 // ---- The document around it
