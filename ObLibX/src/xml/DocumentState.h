@@ -2,6 +2,7 @@
 // streams) are plain functions over this record; XmlOffsetDocument is the class that clients see.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -43,6 +44,9 @@ struct SavedPosition {
     std::int32_t childPos;
 };
 using SavedPositionTable = std::map<std::wstring, SavedPosition>;
+
+// Units that a text holds at most: offsets and lengths are 32 bits with a sign.
+inline constexpr std::size_t kLongestText = 0x7FFFFFFF;
 
 // Offsets and lengths are UTF-16 units from the start of `text`. Belongs to one thread.
 struct DocumentState {

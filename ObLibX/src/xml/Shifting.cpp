@@ -3,12 +3,6 @@
 #include "ObLibX/src/xml/Editing.h"
 
 namespace ObLibX {
-namespace {
-
-constexpr std::size_t kLongestText = 0x7FFFFFFF;
-
-} // namespace
-
 std::int32_t LastChild(const DocumentState& document, std::int32_t parent) {
     const std::uint32_t first = RecordAt(document, parent).firstChild;
     return first == 0 ? 0 : static_cast<std::int32_t>((*document.records)[first].prev);

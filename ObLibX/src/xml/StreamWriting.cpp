@@ -6,6 +6,7 @@
 #include "ObLibX/src/xml/Editing.h"
 #include "ObLibX/src/xml/ElementText.h"
 #include "ObLibX/src/xml/NewElement.h"
+#include "ObLibX/src/xml/Shifting.h"
 #include "ObLibX/src/xml/StreamRecords.h"
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 
@@ -102,7 +103,8 @@ bool AddElementToStream(DocumentState& document, const wchar_t* name, const wcha
     NewElement element;
     TextFileChannel& channel = *document.channel;
     if (channel.writeFailed || !StandsAtEnd(document) || (flags & kAddAsChild) != 0 ||
-        !CanBeEnded(document) || !WriteElement(name, value, flags, element)) {
+        !CanBeEnded(document) || !WriteElement(name, value, flags, element) ||
+        !TextStaysInBounds(document, 0, element.text.size() + 3 * kLineEnd.size())) {
         return false;
     }
     const bool lineEnds = (flags & kAddNoLineEnds) == 0;

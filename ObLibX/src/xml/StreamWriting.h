@@ -16,7 +16,8 @@
 namespace ObLibX {
 
 // As AddElement, at the end of what is written: kAddAtStart and kAddBefore mean nothing here, as
-// there is no way back. False with kAddAsChild and after a failed write.
+// there is no way back. False with kAddAsChild, after a failed write, and when what isn't in the
+// file yet would pass the longest text.
 bool AddElementToStream(DocumentState& document, const wchar_t* name, const wchar_t* value,
                         std::uint32_t flags);
 

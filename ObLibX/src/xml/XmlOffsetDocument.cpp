@@ -1,7 +1,5 @@
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 
-#include <limits>
-
 #include "ObLibX/src/xml/DocumentReport.h"
 #include "ObLibX/src/xml/Editing.h"
 #include "ObLibX/src/xml/ElementParser.h"
@@ -15,7 +13,6 @@ namespace {
 
 constexpr wchar_t kConversionLoss[] = L"conversion_loss";
 constexpr std::uint32_t kClientFlags = kDocIgnoreCase | kDocTrim | kDocCollapse;
-constexpr std::size_t kLongestText = std::numeric_limits<std::int32_t>::max();
 constexpr std::uint32_t kUnitsPerRecord = 64; // of an ordinary document
 constexpr std::uint32_t kRecordsAtLeast = 8;
 
