@@ -16,6 +16,7 @@
 #include "contracts/BrowserContext.h"
 #include "tests/support/PickerPerson.h"
 #include "tests/support/TestFolder.h"
+#include "tests/support/Utf8.h"
 
 namespace obtest {
 
@@ -95,8 +96,6 @@ private:
     ObLib::ComPtr<IFileOpenDialog> dialog_;
     std::vector<std::wstring> tempBefore_;
 };
-
-std::string Utf8(const std::wstring& text);
 
 // The folder in which a file lies, with its last backslash, and its name.
 std::wstring FolderOf(const std::wstring& path);

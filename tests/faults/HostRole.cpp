@@ -139,13 +139,4 @@ std::size_t HostRole::TimesToldThatTheZipFailed() const {
         std::ranges::count_if(seen, [&](const SeenBox& box) { return box.text == text; }));
 }
 
-std::string Utf8Of(const std::wstring& text) {
-    std::string bytes(text.size() * 3, '\0');
-    const int count =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
-                            static_cast<int>(bytes.size()), nullptr, nullptr);
-    bytes.resize(static_cast<std::size_t>(count));
-    return bytes;
-}
-
 } // namespace obtest

@@ -16,6 +16,7 @@
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/RecordingFileDialog.h"
 #include "tests/support/TestFolder.h"
+#include "tests/support/Utf8.h"
 
 namespace obtest {
 
@@ -77,8 +78,6 @@ protected:
     FileDialogDouble shell_;
     ObLib::UniqueWindow owner_;
 };
-
-std::string Utf8Of(const std::wstring& text);
 
 inline constexpr wchar_t kZipName[] = L"Ombrix Compressed Attachments.zip";
 

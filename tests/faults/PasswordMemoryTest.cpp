@@ -11,6 +11,7 @@
 #include "tests/support/ImportDouble.h"
 #include "tests/support/PasswordPerson.h"
 #include "tests/support/ProductRegistry.h"
+#include "tests/support/ReadableMemory.h"
 
 namespace obtest {
 namespace {
@@ -35,15 +36,7 @@ bool StandsAt(const std::uint8_t* at, std::size_t width) {
     return true;
 }
 
-bool IsReadable(const MEMORY_BASIC_INFORMATION& region) {
-    constexpr DWORD readable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READ |
-                               PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    return region.State == MEM_COMMIT && (region.Protect & readable) != 0 &&
-           (region.Protect & (PAGE_GUARD | PAGE_NOACCESS)) == 0;
-}
-
 int TimesIn(const MEMORY_BASIC_INFORMATION& region) {
-    if (!IsReadable(region)) return 0;
     const auto* at = static_cast<const std::uint8_t*>(region.BaseAddress);
     const std::uint8_t* const end = at + region.RegionSize - 2 * std::size(kMasked);
     int times = 0;
@@ -57,14 +50,11 @@ int TimesIn(const MEMORY_BASIC_INFORMATION& region) {
 // the run's own buffer lay there, and nobody clears that.
 int TimesInMemory() {
     int times = 0;
-    const std::uint8_t* at = nullptr;
-    MEMORY_BASIC_INFORMATION region = {};
-    VirtualQuery(&region, &region, sizeof(region));
-    const void* const stack = region.AllocationBase;
-    while (VirtualQuery(at, &region, sizeof(region)) == sizeof(region)) {
-        if (region.AllocationBase != stack) times += TimesIn(region);
-        at = static_cast<const std::uint8_t*>(region.BaseAddress) + region.RegionSize;
-    }
+    MEMORY_BASIC_INFORMATION own = {};
+    VirtualQuery(&own, &own, sizeof(own));
+    obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
+        if (region.AllocationBase != own.AllocationBase) times += TimesIn(region);
+    });
     return times;
 }
 

@@ -150,9 +150,9 @@ TEST_F(PickedFilesFaults, OnesWithEveryLegalOddityInTheirNamesAreZippedWhole) {
     Texts files;
     Contents expected;
     for (const std::wstring& name : names) {
-        const std::string content = "content of " + Utf8Of(name);
+        const std::string content = "content of " + Utf8(name);
         files.push_back(sources_.File(name, content));
-        expected[Utf8Of(name)] = content;
+        expected[Utf8(name)] = content;
     }
     const Answer answer = Open(files);
     EXPECT_EQ(ZipOf(answer), expected);
@@ -173,7 +173,7 @@ TEST_F(PickedFilesFaults, OneWhoseNameBeginsWithPointsGivesItsNameToTheZip) {
         const Answer answer = Open({file});
         ASSERT_EQ(answer.files.size(), 1u);
         EXPECT_TRUE(answer.files.front().ends_with(std::wstring(L"\\") + name + L".zip"));
-        EXPECT_EQ(ZipOf(answer), (Contents{{Utf8Of(name) + ".txt", "points"}}));
+        EXPECT_EQ(ZipOf(answer), (Contents{{Utf8(name) + ".txt", "points"}}));
         ExpectOnlyTheZipIsLeft(answer);
         EXPECT_EQ(ReadFileContent(file), "points");
         RemoveTree(answer.cleanupFolder.substr(0, answer.cleanupFolder.size() - 1));
@@ -219,7 +219,7 @@ TEST_F(PickedFilesFaults, AThousandAreOneZip) {
     for (int number = 0; number < 1000; ++number) {
         const std::wstring name = L"file " + std::to_wstring(number) + L".txt";
         files.push_back(sources_.File(name, std::to_string(number)));
-        expected[Utf8Of(name)] = std::to_string(number);
+        expected[Utf8(name)] = std::to_string(number);
     }
     const Answer answer = Open(files);
     EXPECT_EQ(ZipOf(answer), expected);

@@ -127,7 +127,7 @@ TEST_F(RegistryFaults, ThatNameTheZipNeverLeadOutOfItsFolder) {
           L"out\\", L"a/b", L"CON", L"out\n", L"*?", L"..", L" "}) {
         SetUserValue(L"DefaultZipName", name);
         const Answer answer = Open({one_, two_});
-        EXPECT_EQ(ZipOf(answer).size(), 2u) << Utf8Of(name);
+        EXPECT_EQ(ZipOf(answer).size(), 2u) << Utf8(name);
         ExpectOnlyTheZipIsLeft(answer);
         RemoveTree(
             answer.cleanupFolder.substr(0, answer.cleanupFolder.find_last_not_of(L'\\') + 1));

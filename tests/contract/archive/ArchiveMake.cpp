@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "tests/contract/archive/LoadedService.h"
+#include "tests/contract/archive/MakerPassword.h"
 
 namespace {
 
@@ -44,14 +45,6 @@ void ListFiles(const std::wstring& folder, std::vector<std::wstring>& files) {
             files.push_back(path);
         }
     } while (FindNextFileW(search.Get(), &found));
-}
-
-std::string Password() {
-    wchar_t wide[260] = L"";
-    GetEnvironmentVariableW(L"OB_PASSWORD", wide, 260);
-    char utf8[780] = "";
-    WideCharToMultiByte(CP_UTF8, 0, wide, -1, utf8, sizeof utf8, nullptr, nullptr);
-    return utf8;
 }
 
 std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.rfind(L'\\')); }
@@ -109,6 +102,6 @@ int MakeOne(const obtest::LoadedService& service, wchar_t** arguments,
 int wmain(int count, wchar_t** arguments) {
     const obtest::LoadedService service;
     if (!service.IsComplete()) return 2;
-    const std::string password = Password();
+    const std::string password = MakerPassword();
     return count == 4 ? MakeOne(service, arguments + 1, password) : MakeTable(service, password);
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/contract/archive/LoadedService.h"
+#include "tests/contract/archive/MakerPassword.h"
 #include "tests/support/MessageBoxWatcher.h"
 
 namespace {
@@ -25,14 +26,6 @@ constexpr Row kRows[] = {
     {L"refused.zip", 8, 8, false},
 };
 
-std::string Password() {
-    wchar_t wide[260] = L"";
-    GetEnvironmentVariableW(L"OB_PASSWORD", wide, 260);
-    char utf8[780] = "";
-    WideCharToMultiByte(CP_UTF8, 0, wide, -1, utf8, sizeof utf8, nullptr, nullptr);
-    return utf8;
-}
-
 std::uint32_t Make(const obtest::LoadedService& service, const Row& row, std::wstring key) {
     if (!row.rightKey) key.back() = key.back() == L'0' ? L'1' : L'0';
     const obcore::ZipContext context = service->CreateZipContext();
@@ -42,7 +35,7 @@ std::uint32_t Make(const obtest::LoadedService& service, const Row& row, std::ws
     service->SetPublicKeyResult(context, 1);
     service->SetPublicKeyW(context, key.c_str());
     service->SetEncrypt(context, row.encryption);
-    service->SetPassword(context, Password().c_str());
+    service->SetPassword(context, MakerPassword().c_str());
     service->SetCompression(context, row.compression);
     const std::uint32_t result = service->Zip(nullptr, context);
     service->DestroyZipContext(context);

@@ -8,6 +8,7 @@
 
 #include "services/archive/Ae2.h"
 #include "services/archive/KeyLanes.h"
+#include "tests/support/ReadableMemory.h"
 #include "tests/unit/archive/EngineFixture.h"
 #include "tests/unit/archive/MaskedKeys.h"
 #include "tests/unit/archive/ZipReader.h"
@@ -48,13 +49,6 @@ bool StandsAt(const std::uint8_t* at, const Masked& masked, std::uint8_t with) {
     return true;
 }
 
-bool IsReadable(const MEMORY_BASIC_INFORMATION& region) {
-    constexpr DWORD kReadable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY |
-                                PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    return region.State == MEM_COMMIT && (region.Protect & kReadable) &&
-           !(region.Protect & (PAGE_GUARD | PAGE_NOACCESS));
-}
-
 int TimesIn(const std::uint8_t* start, const std::uint8_t* end, const std::vector<Masked>& wanted) {
     constexpr std::uint8_t kForms[] = {0, 0x36, 0x5C};
     // By first byte, so that most of the memory is passed over at once.
@@ -76,13 +70,10 @@ int TimesIn(const std::uint8_t* start, const std::uint8_t* end, const std::vecto
 // How often any of them stands in the readable memory of this process, in the clear.
 int TimesInMemory(const std::vector<Masked>& wanted) {
     int times = 0;
-    const std::uint8_t* at = nullptr;
-    MEMORY_BASIC_INFORMATION region;
-    while (VirtualQuery(at, &region, sizeof region) == sizeof region) {
+    obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
         const auto* const start = static_cast<const std::uint8_t*>(region.BaseAddress);
-        at = start + region.RegionSize;
-        if (IsReadable(region)) times += TimesIn(start, at, wanted);
-    }
+        times += TimesIn(start, start + region.RegionSize, wanted);
+    });
     return times;
 }
 

@@ -12,6 +12,7 @@
 #include "services/archive/PasswordPrompt.h"
 #include "services/archive/PasswordPromptIds.h"
 #include "services/archive/Secret.h"
+#include "tests/support/ReadableMemory.h"
 #include "tests/unit/archive/PromptDriver.h"
 
 namespace {
@@ -60,26 +61,14 @@ bool StandsAt(const std::uint8_t* at, const std::vector<std::uint8_t>& masked) {
     return true;
 }
 
-bool IsReadable(const MEMORY_BASIC_INFORMATION& region) {
-    constexpr DWORD kReadable = PAGE_READONLY | PAGE_READWRITE | PAGE_WRITECOPY |
-                                PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    return region.State == MEM_COMMIT && (region.Protect & kReadable) &&
-           !(region.Protect & (PAGE_GUARD | PAGE_NOACCESS));
-}
-
 // How often the masked bytes stand anywhere in the readable memory of this process, in the clear.
 int TimesInMemory(const std::vector<std::uint8_t>& masked) {
     int times = 0;
-    const std::uint8_t* at = nullptr;
-    MEMORY_BASIC_INFORMATION region;
-    while (VirtualQuery(at, &region, sizeof region) == sizeof region) {
-        const auto* const start = static_cast<const std::uint8_t*>(region.BaseAddress);
-        const auto* const end = start + region.RegionSize;
-        for (at = start; IsReadable(region) && at + masked.size() <= end; ++at) {
-            times += StandsAt(at, masked);
-        }
-        at = end;
-    }
+    obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
+        const auto* at = static_cast<const std::uint8_t*>(region.BaseAddress);
+        const auto* const end = at + region.RegionSize;
+        for (; at + masked.size() <= end; ++at) times += StandsAt(at, masked);
+    });
     return times;
 }
 
