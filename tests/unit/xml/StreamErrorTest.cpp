@@ -137,8 +137,11 @@ TEST(StreamFileErrors, TellThatWritingFailedAndWriteNothingMore) {
     EXPECT_EQ(other.Read(), Encoded(L"untouched", L"UTF-8"));
 }
 
-#ifndef _WIN32 // where there is a file that is always full
 TEST(StreamFileErrors, TellThatTheDiskIsFull) {
+#ifdef _WIN32
+    GTEST_SKIP() << "no file is always full here: the native build has one, and "
+                    "TellThatWritingFailedAndWriteNothingMore stands for it";
+#endif
     for (const std::int32_t block : {4, 65536}) {
         XmlOffsetDocument document;
         ASSERT_TRUE(document.OpenForWriting(L"/dev/full", {.blockSize = block}));
@@ -147,7 +150,6 @@ TEST(StreamFileErrors, TellThatTheDiskIsFull) {
         EXPECT_TRUE(ResultHas(document, L"<file_error msg=\""));
     }
 }
-#endif
 
 TEST(StreamOutOfMemory, LeavesAStreamOfReadingThatCloses) {
     const StreamFile file(kText, L"UTF-8");
