@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "contracts/ArchiveService.h"
-#include "services/archive/ZipJob.h"
+#include "services/archive/zip/ZipJob.h"
 
 namespace obarchive {
 

@@ -7,14 +7,14 @@
 
 #include "contracts/ArchiveService.h"
 #include "services/archive/ContextTable.h"
-#include "services/archive/EncryptionRules.h"
-#include "services/archive/FileNameRules.h"
-#include "services/archive/HelpAndUpdate.h"
-#include "services/archive/PasswordPrompt.h"
-#include "services/archive/RecoveryComment.h"
-#include "services/archive/RecoveryKey.h"
-#include "services/archive/UsageRecord.h"
-#include "services/archive/ZipForUser.h"
+#include "services/archive/password/PasswordPrompt.h"
+#include "services/archive/policy/EncryptionRules.h"
+#include "services/archive/recovery/RecoveryComment.h"
+#include "services/archive/recovery/RecoveryKey.h"
+#include "services/archive/ui/HelpAndUpdate.h"
+#include "services/archive/usage/UsageRecord.h"
+#include "services/archive/zip/FileNameRules.h"
+#include "services/archive/zip/ZipForUser.h"
 
 namespace {
 

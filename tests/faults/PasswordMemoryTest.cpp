@@ -6,7 +6,7 @@
 
 #include "OBCore/modules/ServiceLibrary.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
-#include "services/archive/PasswordPromptIds.h"
+#include "services/archive/password/PasswordPromptIds.h"
 #include "tests/faults/HostRole.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/PasswordPerson.h"

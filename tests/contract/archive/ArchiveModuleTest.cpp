@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "services/archive/PasswordPromptIds.h"
-#include "services/archive/ZipResults.h"
+#include "services/archive/password/PasswordPromptIds.h"
+#include "services/archive/zip/ZipResults.h"
 #include "tests/contract/archive/LoadedService.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"

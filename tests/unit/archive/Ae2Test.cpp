@@ -1,4 +1,4 @@
-#include "services/archive/Ae2.h"
+#include "services/archive/crypto/Ae2.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "services/archive/KeyLanes.h"
+#include "services/archive/crypto/KeyLanes.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // once to see whether they are known, and then to be stored.
 #include <functional>
 
-#include "services/archive/ReadAhead.h"
+#include "services/archive/zip/ReadAhead.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/unit/archive/EngineFixture.h"
 #include "tests/unit/archive/ZipReader.h"

@@ -1,11 +1,11 @@
-#include "services/archive/DeflateWalker.h"
+#include "services/archive/compress/DeflateWalker.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
 
 #include <random>
 
-#include "services/archive/BlockCompressor.h"
+#include "services/archive/compress/BlockCompressor.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "services/archive/EffortPlan.h"
+#include "services/archive/compress/EffortPlan.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "services/archive/EncryptionRules.h"
+#include "services/archive/policy/EncryptionRules.h"
 
 #include <bcrypt.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "services/archive/ZipRun.h"
+#include "services/archive/zip/ZipRun.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/archive/EngineSeams.h"
 

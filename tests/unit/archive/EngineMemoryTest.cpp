@@ -1,6 +1,6 @@
 // What a run holds in memory, however much it packs.
-#include "services/archive/ReadAhead.h"
-#include "services/archive/WorkerPool.h"
+#include "services/archive/compress/WorkerPool.h"
+#include "services/archive/zip/ReadAhead.h"
 #include "tests/unit/archive/EngineFixture.h"
 
 namespace obtest {

@@ -1,4 +1,4 @@
-#include "services/archive/EntryNames.h"
+#include "services/archive/zip/EntryNames.h"
 
 #include <gtest/gtest.h>
 

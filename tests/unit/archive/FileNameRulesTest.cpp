@@ -1,4 +1,4 @@
-#include "services/archive/FileNameRules.h"
+#include "services/archive/zip/FileNameRules.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#include "services/archive/HelpAndUpdate.h"
+#include "services/archive/ui/HelpAndUpdate.h"
 
 #include <gtest/gtest.h>
 #include <shellapi.h>
 
 #include "WebVellant/obwmv/Version.h"
-#include "services/archive/MachinePolicy.h"
 #include "services/archive/ThisModule.h"
+#include "services/archive/policy/MachinePolicy.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"

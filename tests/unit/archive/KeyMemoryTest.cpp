@@ -6,8 +6,8 @@
 #include <cstring>
 #include <span>
 
-#include "services/archive/Ae2.h"
-#include "services/archive/KeyLanes.h"
+#include "services/archive/crypto/Ae2.h"
+#include "services/archive/crypto/KeyLanes.h"
 #include "tests/support/ReadableMemory.h"
 #include "tests/unit/archive/EngineFixture.h"
 #include "tests/unit/archive/MaskedKeys.h"

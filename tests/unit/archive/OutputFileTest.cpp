@@ -1,4 +1,4 @@
-#include "services/archive/OutputFile.h"
+#include "services/archive/zip/OutputFile.h"
 
 #include <gtest/gtest.h>
 

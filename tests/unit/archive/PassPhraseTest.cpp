@@ -1,4 +1,4 @@
-#include "services/archive/PassPhrase.h"
+#include "services/archive/password/PassPhrase.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "services/archive/PhraseWords.h"
+#include "services/archive/password/PhraseWords.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 #include <functional>
 #include <vector>
 
-#include "services/archive/PasswordPrompt.h"
-#include "services/archive/PasswordPromptIds.h"
-#include "services/archive/Secret.h"
+#include "services/archive/crypto/Secret.h"
+#include "services/archive/password/PasswordPrompt.h"
+#include "services/archive/password/PasswordPromptIds.h"
 #include "tests/support/ReadableMemory.h"
 #include "tests/unit/archive/PromptDriver.h"
 

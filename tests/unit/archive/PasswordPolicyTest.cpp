@@ -1,14 +1,14 @@
 // The policy, its messages as the product's library beside the program has them, and the prompt
 // under it.
-#include "services/archive/PasswordPolicy.h"
+#include "services/archive/policy/PasswordPolicy.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "services/archive/PasswordPrompt.h"
-#include "services/archive/PasswordPromptIds.h"
+#include "services/archive/password/PasswordPrompt.h"
+#include "services/archive/password/PasswordPromptIds.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/archive/PromptDriver.h"

@@ -1,4 +1,4 @@
-#include "services/archive/PasswordPrompt.h"
+#include "services/archive/password/PasswordPrompt.h"
 
 #include <bcrypt.h>
 #include <commctrl.h>
@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/archive/PasswordPromptIds.h"
+#include "services/archive/password/PasswordPromptIds.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/unit/archive/PromptDriver.h"
 

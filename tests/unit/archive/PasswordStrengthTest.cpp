@@ -1,4 +1,4 @@
-#include "services/archive/PasswordStrength.h"
+#include "services/archive/password/PasswordStrength.h"
 
 #include <gtest/gtest.h>
 

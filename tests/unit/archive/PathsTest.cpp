@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
-#include "services/archive/SourceList.h"
+#include "services/archive/zip/SourceList.h"
 #include "tests/support/TestFolder.h"
 
 namespace {

@@ -1,9 +1,9 @@
 // What is said where the product's library doesn't lie beside the service.
 #include <gtest/gtest.h>
 
-#include "services/archive/EncryptionRules.h"
-#include "services/archive/PasswordPolicy.h"
-#include "services/archive/ProductTexts.h"
+#include "services/archive/policy/EncryptionRules.h"
+#include "services/archive/policy/PasswordPolicy.h"
+#include "services/archive/texts/ProductTexts.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 

@@ -1,6 +1,6 @@
 #include "tests/unit/archive/ProgressPerson.h"
 
-#include "services/archive/ServiceTextIds.h"
+#include "services/archive/texts/ServiceTextIds.h"
 
 namespace obtest {
 namespace {

@@ -7,10 +7,10 @@
 #include <atomic>
 #include <cstdlib>
 
-#include "services/archive/ProgressWindow.h"
-#include "services/archive/ServiceTextIds.h"
-#include "services/archive/TimeLeft.h"
-#include "services/archive/ZipForUser.h"
+#include "services/archive/texts/ServiceTextIds.h"
+#include "services/archive/ui/ProgressWindow.h"
+#include "services/archive/ui/TimeLeft.h"
+#include "services/archive/zip/ZipForUser.h"
 #include "tests/support/WindowPicture.h"
 #include "tests/unit/archive/ProgressPerson.h"
 

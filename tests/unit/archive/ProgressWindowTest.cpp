@@ -1,9 +1,9 @@
-#include "services/archive/ProgressWindow.h"
+#include "services/archive/ui/ProgressWindow.h"
 
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
-#include "services/archive/ServiceTextIds.h"
+#include "services/archive/texts/ServiceTextIds.h"
 #include "tests/unit/archive/ProgressPerson.h"
 
 namespace {

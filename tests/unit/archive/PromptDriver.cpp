@@ -1,6 +1,6 @@
 #include "tests/unit/archive/PromptDriver.h"
 
-#include "services/archive/PasswordPromptIds.h"
+#include "services/archive/password/PasswordPromptIds.h"
 
 namespace obtest {
 namespace {

@@ -6,8 +6,8 @@
 #include <functional>
 #include <string>
 
-#include "services/archive/PasswordPrompt.h"
-#include "services/archive/PasswordPromptIds.h"
+#include "services/archive/password/PasswordPrompt.h"
+#include "services/archive/password/PasswordPromptIds.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/WindowPicture.h"
 #include "tests/unit/archive/PromptDriver.h"

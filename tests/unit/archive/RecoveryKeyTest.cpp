@@ -1,12 +1,12 @@
-#include "services/archive/RecoveryKey.h"
+#include "services/archive/recovery/RecoveryKey.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 
-#include "services/archive/CmsEnvelope.h"
-#include "services/archive/RecoveryComment.h"
+#include "services/archive/recovery/CmsEnvelope.h"
+#include "services/archive/recovery/RecoveryComment.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/archive/RecoveryCertificates.h"
 

@@ -1,4 +1,4 @@
-#include "services/archive/TimeLeft.h"
+#include "services/archive/ui/TimeLeft.h"
 
 #include <gtest/gtest.h>
 

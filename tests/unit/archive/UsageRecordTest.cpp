@@ -1,4 +1,4 @@
-#include "services/archive/UsageRecord.h"
+#include "services/archive/usage/UsageRecord.h"
 
 #include <gtest/gtest.h>
 #include <shlobj.h>

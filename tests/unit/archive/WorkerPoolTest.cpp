@@ -1,4 +1,4 @@
-#include "services/archive/WorkerPool.h"
+#include "services/archive/compress/WorkerPool.h"
 
 #include <gtest/gtest.h>
 

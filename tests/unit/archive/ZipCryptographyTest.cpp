@@ -3,8 +3,8 @@
 #include <bcrypt.h>
 #include <gtest/gtest.h>
 
-#include "services/archive/Ae2Algorithms.h"
-#include "services/archive/ZipRun.h"
+#include "services/archive/crypto/Ae2Algorithms.h"
+#include "services/archive/zip/ZipRun.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"

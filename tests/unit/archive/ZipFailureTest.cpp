@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/archive/RunState.h"
-#include "services/archive/ZipRun.h"
+#include "services/archive/zip/RunState.h"
+#include "services/archive/zip/ZipRun.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/archive/ZipReader.h"

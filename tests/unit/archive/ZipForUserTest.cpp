@@ -1,4 +1,4 @@
-#include "services/archive/ZipForUser.h"
+#include "services/archive/zip/ZipForUser.h"
 
 #include <windows.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/archive/ServiceTextIds.h"
+#include "services/archive/texts/ServiceTextIds.h"
 #include "tests/support/ImportDouble.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"

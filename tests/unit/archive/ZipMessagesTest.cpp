@@ -1,4 +1,4 @@
-#include "services/archive/ZipMessages.h"
+#include "services/archive/zip/ZipMessages.h"
 
 #include <windows.h>
 #include <gtest/gtest.h>
@@ -6,9 +6,9 @@
 #include <set>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/archive/FilledText.h"
-#include "services/archive/ServiceTextIds.h"
-#include "services/archive/ZipRun.h"
+#include "services/archive/texts/FilledText.h"
+#include "services/archive/texts/ServiceTextIds.h"
+#include "services/archive/zip/ZipRun.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
 

@@ -1,4 +1,4 @@
-#include "services/archive/ZipRun.h"
+#include "services/archive/zip/ZipRun.h"
 
 #include <windows.h>
 #include <gtest/gtest.h>
@@ -8,8 +8,8 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/Paths.h"
-#include "services/archive/ReadAhead.h"
-#include "services/archive/SourceFile.h"
+#include "services/archive/zip/ReadAhead.h"
+#include "services/archive/zip/SourceFile.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/archive/ZipReader.h"
 

@@ -1,0 +1,115 @@
+// The encrypted form of an entry's data, "AE-2": salt, two bytes to check the password by, the data
+// in counter mode under AES, and an authentication code of ten bytes.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "services/archive/compress/ByteBuffer.h"
+#include "services/archive/compress/Monitor.h"
+#include "services/archive/crypto/Ae2Algorithms.h"
+#include "services/archive/crypto/Secret.h"
+
+namespace obarchive {
+
+constexpr std::size_t kAe2CodeSize = 10;
+constexpr std::size_t kAe2CheckSize = 2;
+constexpr unsigned kAe2Iterations = 1000; // of a key's derivation
+
+// What a salt and the password make. Wiped when it ends; a copy wipes itself.
+struct Ae2Keys {
+    Ae2Keys() = default;
+    Ae2Keys(const Ae2Keys& other)
+        : keySize(other.keySize), salt(other.salt), derived(other.derived) {
+        ForgetRegisters();
+    }
+    Ae2Keys& operator=(const Ae2Keys& other) {
+        keySize = other.keySize;
+        salt = other.salt;
+        derived = other.derived;
+        ForgetRegisters();
+        return *this;
+    }
+    ~Ae2Keys() { SecureZeroMemory(derived.data(), sizeof derived); }
+
+    // What stands in front of the data: the salt, half as long as the key, and the check.
+    std::array<std::uint8_t, 18> Head() const;
+    std::size_t HeadSize() const noexcept { return SaltSize() + kAe2CheckSize; }
+
+    std::size_t SaltSize() const noexcept { return keySize / 2; }
+    std::size_t DerivedSize() const noexcept { return 2 * keySize + kAe2CheckSize; }
+    std::span<const std::uint8_t> CipherKey() const { return {derived.data(), keySize}; }
+    std::span<const std::uint8_t> CodeKey() const { return {derived.data() + keySize, keySize}; }
+
+    std::size_t keySize = 0; // 16 or 32 bytes
+    std::array<std::uint8_t, 16> salt{};
+    // Cipher key, code key, check: keySize, keySize and 2 bytes.
+    std::array<std::uint8_t, 66> derived{};
+};
+
+// Takes a fraction of a millisecond or more, by design of the format. Throws std::runtime_error
+// when it fails.
+Ae2Keys DeriveAe2Keys(const Ae2Algorithms& algorithms, const Secret& password,
+                      std::span<const std::uint8_t> salt, std::size_t keySize);
+
+// Keys for the entries of a run, each with a salt of its own from the platform's random source. Any
+// thread. Where several are made in the time of one, those left over are kept for the next, and
+// wiped at the end.
+class Ae2KeyMaker {
+public:
+    // Both must outlive it.
+    Ae2KeyMaker(const Ae2Algorithms& algorithms, const Secret& password, std::size_t keySize)
+        : algorithms_(algorithms), password_(password), keySize_(keySize) {}
+
+    // Throws std::runtime_error when it fails.
+    Ae2Keys Make();
+
+private:
+    bool TakeReady(Ae2Keys& keys);
+
+    const Ae2Algorithms& algorithms_;
+    const Secret& password_;
+    const std::size_t keySize_;
+    Lock lock_;
+    std::vector<Ae2Keys> ready_; // under the lock
+};
+
+// One entry's stream, from its beginning on. One thread. Throws std::runtime_error when the
+// cryptography fails.
+class Ae2Stream {
+public:
+    Ae2Stream(const Ae2Algorithms& algorithms, const Ae2Keys& keys)
+        : primitives_(algorithms.Begin(keys)) {}
+    ~Ae2Stream() { SecureZeroMemory(keyStream_.Data(), keyStream_.Capacity()); }
+    Ae2Stream(const Ae2Stream&) = delete;
+    Ae2Stream& operator=(const Ae2Stream&) = delete;
+
+    // In place, the next bytes of the stream.
+    void Encrypt(std::span<std::uint8_t> data);
+    // The same without the code, for bytes that begin at `offset`, a multiple of 16.
+    void CipherFrom(std::uint64_t offset, std::span<std::uint8_t> data);
+    // Adds bytes that are encrypted already to the code.
+    void AddToCode(std::span<const std::uint8_t> data) { primitives_->AddToCode(data); }
+    // The reverse; without looking at the code, for data of this run's own.
+    void Decrypt(std::span<std::uint8_t> data) { ApplyKeyStream(data); }
+    std::array<std::uint8_t, kAe2CodeSize> Code();
+
+private:
+    static constexpr std::size_t kCipherBlock = 16;
+    static constexpr std::size_t kKeyStreamPiece = 16 * 1024; // stays in the nearest memory
+
+    void ApplyKeyStream(std::span<std::uint8_t> data);
+    void MakeKeyStream(std::size_t wanted);
+
+    std::unique_ptr<Ae2Primitives> primitives_;
+    std::uint64_t counter_ = 1;
+    ByteBuffer keyStream_{kKeyStreamPiece};
+    std::size_t used_ = 0; // bytes of the key stream that were used
+};
+
+} // namespace obarchive

@@ -1,0 +1,25 @@
+#include "services/archive/crypto/Ae2Algorithms.h"
+
+#include <mbedtls/aesni.h>
+
+#include "services/archive/crypto/LibraryAe2.h"
+#include "services/archive/crypto/SystemAe2.h"
+#include "services/archive/policy/EncryptionRules.h"
+
+namespace obarchive {
+
+Cryptography CryptographyToUse() {
+    const bool approvedOnly = ReadFipsSetting() != FipsSetting::NotAsked;
+    // Without the instructions, the library's cipher looks into tables, which takes longer and
+    // tells other programs of the machine a little about the key.
+    const bool instructions = mbedtls_aesni_has_support(MBEDTLS_AESNI_AES) != 0;
+    return approvedOnly || !instructions ? Cryptography::System : Cryptography::Library;
+}
+
+std::unique_ptr<Ae2Algorithms> MakeAe2Algorithms(Cryptography maker) {
+    if (maker == Cryptography::Library) return std::make_unique<LibraryAe2>();
+    auto system = std::make_unique<SystemAe2>();
+    return system->IsThere() ? std::move(system) : nullptr;
+}
+
+} // namespace obarchive

@@ -1,0 +1,44 @@
+#include "services/archive/password/SecretField.h"
+
+#include <cwchar>
+
+namespace obarchive {
+namespace {
+
+void ReplaceAll(HWND field, const wchar_t* text, bool keepForUndo) {
+    SendMessageW(field, EM_SETSEL, 0, -1);
+    SendMessageW(field, EM_REPLACESEL, keepForUndo, reinterpret_cast<LPARAM>(text));
+}
+
+// Twice, as the first puts what stood there into the memory for undoing and the second the first's.
+// WM_SETTEXT would let the memory go instead of writing over it.
+void Overwrite(HWND field) {
+    FieldText stars;
+    std::wmemset(stars.data, L'*', kLongestText);
+    ReplaceAll(field, stars.data, true);
+    ReplaceAll(field, stars.data, true);
+    ReplaceAll(field, L"", false);
+    SendMessageW(field, EM_EMPTYUNDOBUFFER, 0, 0);
+}
+
+} // namespace
+
+void PrepareSecretField(HWND field) {
+    SendMessageW(field, EM_LIMITTEXT, kLongestText, 0);
+    Overwrite(field);
+}
+
+void ReadSecretField(HWND field, FieldText& text) {
+    GetWindowTextW(field, text.data, kLongestText + 1);
+}
+
+void FillSecretField(HWND field, const wchar_t* text) {
+    ReplaceAll(field, text, false);
+    // To its beginning, which else may be scrolled out of sight.
+    SendMessageW(field, EM_SETSEL, 0, 0);
+    SendMessageW(field, EM_SCROLLCARET, 0, 0);
+}
+
+void WipeSecretField(HWND field) { Overwrite(field); }
+
+} // namespace obarchive

@@ -1,0 +1,67 @@
+#include "services/archive/policy/EncryptionRules.h"
+
+#include <bcrypt.h>
+
+#include "contracts/ArchiveService.h"
+#include "services/archive/ThisModule.h"
+#include "services/archive/password/PasswordPromptIds.h"
+#include "services/archive/policy/MachinePolicy.h"
+#include "services/archive/policy/PolicyValues.h"
+#include "services/archive/texts/ProductTexts.h"
+
+namespace obarchive {
+namespace {
+
+constexpr wchar_t kNoEncryption[] = L"NoEncryption";
+constexpr wchar_t kAllowedMethods[] = L"AllowedEncryptionMethods";
+constexpr wchar_t kDefaultMethod[] = L"DefaultEncryptionMethod";
+constexpr wchar_t kFipsMode[] = L"FipsMode";
+
+constexpr std::uint32_t kEveryMethod =
+    obcore::kEncryptionMethodAes128 | obcore::kEncryptionMethodAes256;
+
+std::uint32_t AllowedIn(PolicyView view) {
+    return PolicyNumberIn(view, kAllowedMethods).value_or(kEveryMethod);
+}
+
+std::uint32_t ChosenDefault() {
+    const auto chosen = PolicyNumberIn(PolicyView::Bits64, kDefaultMethod);
+    return chosen ? *chosen : PolicyNumberIn(PolicyView::Bits32, kDefaultMethod).value_or(0);
+}
+
+} // namespace
+
+std::uint16_t AllowedMethods() {
+    const std::uint32_t allowed = AllowedIn(PolicyView::Bits64) & AllowedIn(PolicyView::Bits32);
+    return static_cast<std::uint16_t>(allowed & kEveryMethod);
+}
+
+// Who didn't choose gets the stronger one: it costs a few per cent of the time.
+std::uint16_t DefaultMethod() {
+    const std::uint16_t allowed = AllowedMethods();
+    const std::uint32_t chosen = ChosenDefault();
+    for (const std::uint16_t method :
+         {obcore::kEncryptionMethodAes256, obcore::kEncryptionMethodAes128}) {
+        if (chosen == method && (allowed & method)) return method;
+    }
+    return allowed & obcore::kEncryptionMethodAes256 ? obcore::kEncryptionMethodAes256 : allowed;
+}
+
+FipsSetting ReadFipsSetting() {
+    if (PolicyIsOn(kFipsMode)) return FipsSetting::AskedByPolicy;
+    BOOLEAN system = FALSE;
+    const bool asked = BCryptGetFipsAlgorithmMode(&system) == 0 && system;
+    return asked ? FipsSetting::AskedBySystem : FipsSetting::NotAsked;
+}
+
+bool TellIfEncryptionIsOff(HWND owner) {
+    if (!PolicyIsOn(kNoEncryption) && AllowedMethods() != 0) return false;
+    std::wstring text = ProductText(kEncryptionOffMessage);
+    if (text.empty()) text = OwnText(OB_TEXT_ENCRYPTION_OFF);
+    // An owner that has gone meanwhile would keep the box from being shown.
+    const HWND parent = IsWindow(owner) ? owner : nullptr;
+    MessageBoxW(parent, text.c_str(), kProductCaption, MB_OK | MB_ICONEXCLAMATION);
+    return true;
+}
+
+} // namespace obarchive

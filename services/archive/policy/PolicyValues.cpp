@@ -1,0 +1,53 @@
+#include "services/archive/policy/PolicyValues.h"
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+
+namespace obarchive {
+namespace {
+
+constexpr wchar_t kPolicyKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Policies";
+constexpr std::size_t kMostDigits = 9; // always fit 32 bits
+
+ObLib::UniqueRegistryKey OpenKey(PolicyView view) {
+    ObLib::UniqueRegistryKey key;
+    const REGSAM access = KEY_QUERY_VALUE | static_cast<REGSAM>(view);
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPolicyKey, 0, access, key.Put()) != ERROR_SUCCESS) {
+        return {};
+    }
+    return key;
+}
+
+bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
+
+} // namespace
+
+bool HasPolicies(PolicyView view) { return static_cast<bool>(OpenKey(view)); }
+
+std::wstring PolicyTextIn(PolicyView view, const wchar_t* name) {
+    const ObLib::UniqueRegistryKey key = OpenKey(view);
+    // RegGetValueW looks at the type and ends the text where the registry doesn't.
+    const auto read = [&](void* text, DWORD* bytes) {
+        return key && RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text, bytes) ==
+                          ERROR_SUCCESS;
+    };
+    DWORD bytes = 0;
+    if (!read(nullptr, &bytes)) return {};
+    std::wstring text(bytes / sizeof(wchar_t) + 1, L'\0');
+    bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    if (!read(text.data(), &bytes)) return {};
+    text.resize(wcsnlen(text.data(), text.size()));
+    return text;
+}
+
+std::optional<std::uint32_t> PolicyNumberIn(PolicyView view, const wchar_t* name) {
+    const std::wstring text = PolicyTextIn(view, name);
+    if (text.empty() || text.size() > kMostDigits) return std::nullopt;
+    std::uint32_t number = 0;
+    for (const wchar_t unit : text) {
+        if (!IsDigit(unit)) return std::nullopt;
+        number = number * 10 + static_cast<std::uint32_t>(unit - L'0');
+    }
+    return number;
+}
+
+} // namespace obarchive

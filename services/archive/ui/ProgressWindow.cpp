@@ -1,0 +1,108 @@
+#include "services/archive/ui/ProgressWindow.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "services/archive/ThisModule.h"
+#include "services/archive/texts/ServiceTextIds.h"
+
+namespace obarchive {
+namespace {
+
+constexpr int kSteps = 1000; // of the bar
+
+// Without it the bar's class may not be known to the process.
+void RegisterBar() {
+    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_PROGRESS_CLASS};
+    InitCommonControlsEx(&controls);
+}
+
+// The path as people know it, without the prefix that lifts the length limit.
+std::wstring ShownPath(const std::wstring& path) {
+    constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
+    constexpr std::wstring_view kLong = L"\\\\?\\";
+    if (path.starts_with(kShare)) return L"\\\\" + path.substr(kShare.size());
+    return path.starts_with(kLong) ? path.substr(kLong.size()) : path;
+}
+
+int StepOf(const ProgressView& view) {
+    const double share = static_cast<double>(view.bytesRead) / static_cast<double>(view.totalBytes);
+    return static_cast<int>(std::min(share, 1.0) * kSteps);
+}
+
+} // namespace
+
+ProgressWindow::ProgressWindow(HWND owner) {
+    RegisterBar();
+    const HWND living = IsWindow(owner) ? owner : nullptr;
+    window_ =
+        ObLib::UniqueWindow(CreateDialogParamW(ThisModule(), MAKEINTRESOURCEW(OB_PROGRESS_WINDOW),
+                                               living, &Proc, reinterpret_cast<LPARAM>(this)));
+    if (!window_) return;
+    // The call says whether the owner was disabled before; then it isn't ours to enable.
+    if (living && !EnableWindow(living, FALSE)) disabledOwner_ = living;
+    ShowWindow(window_.Get(), SW_SHOW);
+}
+
+ProgressWindow::~ProgressWindow() {
+    // Before the window goes: the system then activates the owner and not some other window.
+    if (disabledOwner_) EnableWindow(disabledOwner_, TRUE);
+    if (window_) SetWindowLongPtrW(window_.Get(), DWLP_USER, 0);
+}
+
+void ProgressWindow::ShowText(int id, std::wstring& shown, const std::wstring& text) {
+    if (text == shown) return;
+    shown = text;
+    SetDlgItemTextW(window_.Get(), id, text.c_str());
+}
+
+void ProgressWindow::ShowBar(const ProgressView& view) {
+    const HWND bar = GetDlgItem(window_.Get(), OB_PROGRESS_BAR);
+    const bool marquee = view.totalBytes == 0;
+    if (marquee != marquee_) {
+        const LONG style = GetWindowLongW(bar, GWL_STYLE);
+        SetWindowLongW(bar, GWL_STYLE, marquee ? style | PBS_MARQUEE : style & ~PBS_MARQUEE);
+        SendMessageW(bar, PBM_SETMARQUEE, marquee, 0);
+        marquee_ = marquee;
+    }
+    const int step = marquee ? 0 : std::max(StepOf(view), shownStep_);
+    if (step == shownStep_) return;
+    shownStep_ = step;
+    SendMessageW(bar, PBM_SETRANGE32, 0, kSteps);
+    SendMessageW(bar, PBM_SETPOS, static_cast<WPARAM>(step), 0);
+}
+
+void ProgressWindow::Show(const ProgressView& view) {
+    if (!window_) return;
+    ShowText(OB_PROGRESS_FILE, shownFile_, ShownPath(view.file));
+    ShowText(OB_PROGRESS_TIME_LEFT, shownTime_, view.timeLeft);
+    ShowBar(view);
+}
+
+void ProgressWindow::OnCancel() {
+    cancelAsked_ = true;
+    EnableWindow(GetDlgItem(window_.Get(), IDCANCEL), FALSE);
+}
+
+// With its owner: the handle is no longer ours.
+void ProgressWindow::OnDestroyed() {
+    cancelAsked_ = true;
+    disabledOwner_ = nullptr;
+    static_cast<void>(window_.Release());
+}
+
+INT_PTR CALLBACK ProgressWindow::Proc(HWND dialog, UINT message, WPARAM wParam,
+                                      LPARAM lParam) noexcept {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+        return TRUE; // the button gets the focus
+    }
+    auto* const self = reinterpret_cast<ProgressWindow*>(GetWindowLongPtrW(dialog, DWLP_USER));
+    if (!self) return FALSE;
+    if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) return self->OnCancel(), TRUE;
+    if (message == WM_DESTROY) self->OnDestroyed();
+    return FALSE;
+}
+
+} // namespace obarchive

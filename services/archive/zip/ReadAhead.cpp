@@ -1,0 +1,187 @@
+#include "services/archive/zip/ReadAhead.h"
+
+#include <algorithm>
+
+namespace obarchive {
+namespace {
+
+// Small files weigh little, and so are bounded by number.
+constexpr std::size_t kMostPieces = 256;
+constexpr DWORD kTellAfter = 50; // milliseconds
+
+// Below this, compressing is as quick as looking.
+constexpr std::size_t kWorthALook = 64 * 1024;
+
+std::vector<std::uint64_t> Sizes(const std::vector<SourceEntry>& sources) {
+    std::vector<std::uint64_t> sizes;
+    for (const SourceEntry& source : sources) sizes.push_back(source.facts.size);
+    return sizes;
+}
+
+} // namespace
+
+ReadAhead::ReadAhead(std::vector<SourceEntry>& sources, const ZipJob& job,
+                     const PackSettings& settings, std::size_t keySize, RunState& run,
+                     WorkerPool& pool)
+    : sources_(sources), job_(job), settings_(settings), keySize_(keySize), run_(run), pool_(pool),
+      budget_((2 * pool.Size() + 2) * kBlockSize), file_(run), plan_(Sizes(sources)) {
+    if (job.duplicateReferences) twins_.emplace(Sizes(sources));
+}
+
+bool ReadAhead::HasRoom() const { return held_ < budget_ && pieces_.size() < kMostPieces; }
+
+bool ReadAhead::Fill() {
+    while (HasRoom() && next_ < sources_.size()) {
+        if (!ReadPiece()) return false;
+    }
+    return true;
+}
+
+std::optional<ContentDigest> ReadAhead::HashSource() {
+    ContentHash hash;
+    ByteBuffer block(kBlockSize);
+    do {
+        if (!file_.Read(block, kBlockSize, false)) return std::nullopt;
+        hash.Add(block.Bytes());
+    } while (!file_.IsAtEnd());
+    return hash.Finish();
+}
+
+// Larger files are read once to see whether they are known, and then again if they aren't. True
+// also when there is nothing to find; `reading_` is over when it was a twin.
+bool ReadAhead::FindTwin() {
+    SourceEntry& source = sources_[next_];
+    const std::optional<ContentDigest> digest = HashSource();
+    if (!digest) return false;
+    const auto original = twins_->FirstOf(source.facts.size, *digest, next_);
+    if (!original) {
+        known_ = digest;
+        again_.emplace();
+        return file_.Open(source.path, source.facts, true);
+    }
+    run_.bytesRead += source.facts.size;
+    SubmitCopy(*original);
+    return run_.Report();
+}
+
+// What is stored is what its twins are taken for, even where a file's time is too coarse to tell a
+// change between the two readings.
+bool ReadAhead::IsStillTheSame(const ByteBuffer& block) {
+    if (!again_) return true;
+    again_->Add(block.Bytes());
+    if (!file_.IsAtEnd()) return true;
+    const bool same = again_->Finish() == *known_;
+    again_.reset();
+    if (!same) run_.Fail(ZipResult::SourceChanged, run_.file);
+    return same;
+}
+
+bool ReadAhead::BeginSource() {
+    SourceEntry& source = sources_[next_];
+    if (!file_.Open(source.path, source.facts, false)) return false;
+    reading_ = true;
+    const bool zipx = job_.compressionMethod == obcore::kCompressionZipx;
+    order_ = {};
+    order_.packing = zipx ? Packing::Xz : Packing::Deflate;
+    order_.keySize = keySize_;
+    const bool hash = twins_ && twins_->MayHaveTwin(source.facts.size);
+    if (source.facts.size == 0) return run_.Report();
+    return !hash || source.facts.size <= kBlockSize || FindTwin();
+}
+
+bool ReadAhead::ReadBlock(ByteBuffer& block) {
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(kBlockSize, file_.Left()));
+    block = ByteBuffer(size);
+    return file_.Read(block, size, true);
+}
+
+// What is only stored has its place in the stream beforehand, so that each piece can be encrypted
+// by the worker that gets it.
+void ReadAhead::MakeKeys() {
+    if (keySize_ == 0) return;
+    order_.keys = std::make_shared<const Ae2Keys>(settings_.keys->Make());
+}
+
+// What becomes of the block that comes next: the first one of a file tells for all of it.
+void ReadAhead::PlanPiece(const ByteBuffer& block) {
+    const bool look = order_.first && block.Size() > kWorthALook;
+    if (look && !DoesShrink(block.Bytes(), glances_)) order_.packing = Packing::Store;
+    if (order_.packing == Packing::Store) plan_.AddStored(block.Size());
+    if (order_.packing == Packing::Deflate) order_.effort = plan_.Next(block.Size());
+    const bool goesOn = order_.first && !order_.last;
+    if (goesOn && order_.packing == Packing::Store) MakeKeys();
+}
+
+void ReadAhead::EndSource() {
+    file_.Close();
+    reading_ = false;
+    ++next_;
+}
+
+void ReadAhead::Submit(PackOrder order, ByteBuffer block) {
+    const std::size_t weight = block.Size();
+    held_ += weight;
+    auto task = std::make_shared<PackTask>(order, settings_, std::move(block));
+    pieces_.push_back({next_, task, pool_.Submit(task), weight, std::nullopt});
+}
+
+void ReadAhead::SubmitCopy(std::size_t original) {
+    PackOrder keysOnly;
+    keysOnly.packing = Packing::Store;
+    keysOnly.last = false;
+    keysOnly.keySize = keySize_;
+    Submit(keysOnly, {});
+    pieces_.back().copyOf = original;
+    EndSource();
+}
+
+bool ReadAhead::ReadPiece() {
+    if (!reading_ && !BeginSource()) return false;
+    if (!reading_) return true; // it was a copy
+    ByteBuffer block;
+    if (!ReadBlock(block) || !IsStillTheSame(block)) return false;
+    order_.last = file_.IsAtEnd();
+    if (order_.IsWhole() && twins_ && twins_->MayHaveTwin(block.Size())) {
+        ContentHash hash;
+        hash.Add(block.Bytes());
+        const auto original = twins_->FirstOf(block.Size(), hash.Finish(), next_);
+        if (original) return SubmitCopy(*original), true;
+    }
+    PlanPiece(block);
+    Submit(order_, std::move(block));
+    order_.first = false;
+    order_.offset += kBlockSize;
+    if (order_.last) EndSource();
+    return true;
+}
+
+bool ReadAhead::WaitFor(const Piece& piece) {
+    for (;;) {
+        switch (pool_.Wait(*piece.ticket, kTellAfter)) {
+        case TaskState::Done:
+            return true;
+        case TaskState::Failed:
+            run_.Fail(ZipResult::EngineFailed);
+            return false;
+        case TaskState::NoMemory:
+            run_.Fail(ZipResult::OutOfMemory);
+            return false;
+        case TaskState::Waiting:
+            if (!run_.Report()) return false;
+        }
+    }
+}
+
+std::optional<Piece> ReadAhead::Take() {
+    if (!Fill() || pieces_.empty()) {
+        run_.Fail(ZipResult::EngineFailed);
+        return std::nullopt;
+    }
+    if (!WaitFor(pieces_.front())) return std::nullopt;
+    held_ -= pieces_.front().weight;
+    Piece piece = std::move(pieces_.front());
+    pieces_.pop_front();
+    return piece;
+}
+
+} // namespace obarchive

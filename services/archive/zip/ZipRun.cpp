@@ -1,0 +1,199 @@
+#include "services/archive/zip/ZipRun.h"
+
+#include <cstring>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/archive/Paths.h"
+#include "services/archive/zip/ArchiveTarget.h"
+#include "services/archive/zip/EntryNames.h"
+#include "services/archive/zip/EntrySource.h"
+#include "services/archive/zip/OutputFile.h"
+#include "services/archive/zip/RunState.h"
+#include "services/archive/zip/SourceList.h"
+
+namespace obarchive {
+namespace {
+
+// An archive that is being written. Ending it without zip_close drops it.
+struct ArchivePolicy : ObLib::NullPolicy<zip_t*> {
+    static void Close(zip_t* archive) noexcept { zip_discard(archive); }
+};
+using UniqueArchive = ObLib::UniqueResource<ArchivePolicy>;
+
+struct LibraryError {
+    LibraryError() { zip_error_init(&value); }
+    ~LibraryError() { zip_error_fini(&value); }
+    LibraryError(const LibraryError&) = delete;
+    LibraryError& operator=(const LibraryError&) = delete;
+
+    zip_error_t value;
+};
+
+struct EncryptionRow {
+    std::uint32_t method; // as the contract counts
+    zip_uint16_t engine;  // as the library counts
+    std::size_t keySize;  // bytes
+};
+constexpr EncryptionRow kEncryptions[] = {
+    {0, ZIP_EM_NONE, 0},
+    {obcore::kEncryptionMethodAes128, ZIP_EM_AES_128, 16},
+    {obcore::kEncryptionMethodAes256, ZIP_EM_AES_256, 32},
+};
+
+const EncryptionRow* FindEncryption(std::uint32_t method) {
+    for (const EncryptionRow& row : kEncryptions) {
+        if (row.method == method) return &row;
+    }
+    return nullptr;
+}
+
+ZipResult CheckJob(const ZipJob& job) {
+    const bool knownCompression = job.compressionMethod == obcore::kCompressionDeflate ||
+                                  job.compressionMethod == obcore::kCompressionZipx;
+    if (job.target.empty()) return ZipResult::NoTarget;
+    if (job.files.empty()) return ZipResult::NoFiles;
+    if (!knownCompression || !FindEncryption(job.encryptionMethod)) return ZipResult::UnknownMethod;
+    if (job.encryptionMethod != 0 && job.password.Empty()) return ZipResult::PasswordMissing;
+    if (job.recoveryAsked) return ZipResult::RecoveryNotThere;
+    return ZipResult::Stands;
+}
+
+// Both fields tell the time of the last change in world time, where the zip's own field tells it as
+// a wall clock of two-second steps.
+bool AddTimes(zip_t* archive, zip_uint64_t index, const SourceFacts& facts) {
+    constexpr zip_uint16_t kNtfsField = 0x000a;
+    zip_uint8_t ntfs[32] = {0, 0, 0, 0, 1, 0, 24, 0}; // reserved, tag 1 of 24 bytes: three times
+    for (std::size_t place = 8; place < sizeof ntfs; place += sizeof(FILETIME)) {
+        std::memcpy(ntfs + place, &facts.lastWrite, sizeof(FILETIME));
+    }
+    if (zip_file_extra_field_set(archive, index, kNtfsField, ZIP_EXTRA_FIELD_NEW, ntfs, sizeof ntfs,
+                                 ZIP_FL_CENTRAL) != 0) {
+        return false;
+    }
+    constexpr zip_uint16_t kUnixField = 0x5455;
+    const std::int64_t seconds = ZipTime(facts.lastWrite);
+    if (seconds > INT32_MAX) return true; // 32 bits: until 2038
+    zip_uint8_t unixTime[5] = {1};        // the last change only
+    std::memcpy(unixTime + 1, &seconds, 4);
+    return zip_file_extra_field_set(archive, index, kUnixField, ZIP_EXTRA_FIELD_NEW, unixTime,
+                                    sizeof unixTime, ZIP_FL_CENTRAL | ZIP_FL_LOCAL) == 0;
+}
+
+// The entry's data comes encrypted, so the library gets no password.
+bool SetEncryption(zip_t* archive, zip_uint64_t index, const EncryptionRow& encryption) {
+    if (encryption.engine == ZIP_EM_NONE) return true;
+    return zip_file_set_encryption(archive, index, encryption.engine, nullptr) == 0;
+}
+
+bool AddEntry(zip_t* archive, StreamContext& streams, std::size_t entry,
+              const EncryptionRow& encryption) {
+    zip_source_t* source =
+        MakeEntrySource(streams, entry, encryption.engine, zip_get_error(archive));
+    if (!source) return false;
+    const SourceEntry& file = streams.sources[entry];
+    const zip_int64_t index = zip_file_add(archive, file.name.c_str(), source, ZIP_FL_ENC_UTF_8);
+    if (index < 0) {
+        zip_source_free(source);
+        return false;
+    }
+    const auto place = static_cast<zip_uint64_t>(index);
+    return SetEncryption(archive, place, encryption) && AddTimes(archive, place, file.facts);
+}
+
+// What the run stores, with the sizes that say how much there is to do. False with the run's
+// failure noted.
+bool ListSources(const ZipJob& job, std::vector<SourceEntry>& sources, RunState& run) {
+    const std::vector<std::wstring> paths = DistinctSources(job.files);
+    const std::vector<std::wstring> names = UniqueEntryNames(paths);
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        if (paths[index].empty()) run.Fail(ZipResult::PathTooLong);
+        SourceFacts facts;
+        if (paths[index].empty() || !ReadSourceFacts(paths[index], facts, run)) return false;
+        run.totalBytes += facts.size;
+        sources.push_back({paths[index], ToUtf8(names[index]), facts});
+    }
+    return true;
+}
+
+UniqueArchive OpenArchive(OutputFile& output, RunState& run) {
+    LibraryError error;
+    zip_source_t* target = MakeArchiveTarget(output, run, &error.value);
+    if (!target) return {};
+    UniqueArchive archive(zip_open_from_source(target, ZIP_CREATE, &error.value));
+    if (!archive) zip_source_free(target);
+    return archive;
+}
+
+ZipResult LibraryFailure(zip_t* archive) {
+    const bool memory = archive && zip_error_code_zip(zip_get_error(archive)) == ZIP_ER_MEMORY;
+    return memory || !archive ? ZipResult::OutOfMemory : ZipResult::EngineFailed;
+}
+
+// False also when it is too long for an archive: what stands in it was asked for.
+bool SetComment(zip_t* archive, const std::string& comment) {
+    if (comment.empty()) return true;
+    if (comment.size() > UINT16_MAX) return false;
+    const auto length = static_cast<zip_uint16_t>(comment.size());
+    return zip_set_archive_comment(archive, comment.data(), length) == 0;
+}
+
+// Adds every entry and has the library write them, which pulls their data in order.
+bool WriteArchive(zip_t* archive, StreamContext& streams, const EncryptionRow& encryption) {
+    for (std::size_t entry = 0; entry < streams.sources.size(); ++entry) {
+        if (!AddEntry(archive, streams, entry, encryption)) return false;
+    }
+    return zip_close(archive) == 0;
+}
+
+// Writes every entry into `output`; the file has no name yet.
+ZipResult WriteEntries(const ZipJob& job, OutputFile& output, RunState& run) {
+    const EncryptionRow& encryption = *FindEncryption(job.encryptionMethod);
+    std::vector<SourceEntry> sources;
+    if (!ListSources(job, sources, run)) return run.failure;
+    std::unique_ptr<Ae2Algorithms> algorithms;
+    std::optional<Ae2KeyMaker> keys;
+    if (encryption.keySize != 0) {
+        algorithms = MakeAe2Algorithms(CryptographyToUse());
+        if (!algorithms) return ZipResult::EngineFailed;
+        keys.emplace(*algorithms, job.password, encryption.keySize);
+    }
+    const PackSettings settings{algorithms.get(), keys ? &*keys : nullptr};
+    WorkerPool pool;
+    ReadAhead ahead(sources, job, settings, encryption.keySize, run, pool);
+    StreamContext streams{ahead,
+                          output,
+                          run,
+                          settings,
+                          sources,
+                          job.duplicateReferences,
+                          std::vector<EntryRecord>(sources.size())};
+    // Ends before what its entries look at.
+    UniqueArchive archive = OpenArchive(output, run);
+    const bool done = archive && SetComment(archive.Get(), job.comment) &&
+                      WriteArchive(archive.Get(), streams, encryption);
+    if (!done) run.Fail(LibraryFailure(archive.Get()));
+    // A closed archive is gone; one that couldn't be closed is dropped here.
+    if (done) static_cast<void>(archive.Release());
+    return run.failure;
+}
+
+} // namespace
+
+ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress, std::wstring* failedFile) {
+    if (failedFile) failedFile->clear();
+    const ZipResult fit = CheckJob(job);
+    if (fit != ZipResult::Stands) return fit;
+    const std::wstring target = FullPath(job.target);
+    if (target.empty()) return ZipResult::PathTooLong;
+    OutputFile output;
+    const ZipResult created = output.Create(target, job.temporaryFolder);
+    if (created != ZipResult::Stands) return created;
+    RunState run;
+    run.progress = &progress;
+    const ZipResult written = WriteEntries(job, output, run);
+    if (written != ZipResult::Stands && failedFile) *failedFile = run.failedFile;
+    if (written != ZipResult::Stands) return written;
+    return output.Commit();
+}
+
+} // namespace obarchive
