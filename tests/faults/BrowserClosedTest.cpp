@@ -3,7 +3,7 @@
 #include "tests/e2e/RealRequest.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/unit/obwmv/BrowserWindow.h"
+#include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 
 namespace obtest {
 namespace {

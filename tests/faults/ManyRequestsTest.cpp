@@ -13,8 +13,8 @@
 #include "tests/standins/Recording.h"
 #include "tests/standins/host/HostScript.h"
 #include "tests/support/ImportDouble.h"
-#include "tests/unit/obwmv/BrowserWindow.h"
-#include "tests/unit/obwmv/RoadSupport.h"
+#include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
+#include "tests/unit/WebVellant/obwmv/RoadSupport.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "obwmv/BrowserRequest.h"
 #include "tests/standins/host/HostScript.h"
-#include "tests/unit/obwmv/BrowserWindow.h"
-#include "tests/unit/obwmv/RoadSupport.h"
+#include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
+#include "tests/unit/WebVellant/obwmv/RoadSupport.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "tests/contract/archive/LoadedService.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
-#include "tests/unit/archive/PromptDriver.h"
+#include "tests/unit/services/archive/password/PromptDriver.h"
 
 namespace {
 

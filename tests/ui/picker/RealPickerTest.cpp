@@ -15,7 +15,7 @@
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/StandIns.h"
 #include "tests/support/TestFolder.h"
-#include "tests/unit/picker/PlanningDouble.h"
+#include "tests/unit/WebVellant/OBCore/picker/PlanningDouble.h"
 
 namespace {
 

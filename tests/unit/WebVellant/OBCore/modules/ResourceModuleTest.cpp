@@ -1,0 +1,100 @@
+#include "OBCore/modules/ResourceModule.h"
+
+#include "OBCore/modules/OwnModule.h"
+#include "tests/unit/WebVellant/OBCore/modules/BindingFixture.h"
+
+namespace {
+
+using obcore::BindResourceModule;
+using obcore::FreeResourceModule;
+using obcore::LoadText;
+
+constexpr obcore::TextId kPresentText = obcore::TextId::ChoiceZip;
+constexpr obcore::TextId kAbsentText{64000};
+
+struct LoadCall {
+    std::wstring path;
+    HANDLE file;
+    DWORD flags;
+};
+std::vector<LoadCall> loadCalls;
+bool refusesLoads;
+decltype(&LoadLibraryExW) realLoadEx;
+
+HMODULE WINAPI RecordLoadEx(LPCWSTR path, HANDLE file, DWORD flags) {
+    loadCalls.push_back({path, file, flags});
+    return refusesLoads ? nullptr : realLoadEx(path, file, flags);
+}
+
+class ResourceModuleBinding : public BindingFixture {
+protected:
+    void SetUp() override {
+        BindingFixture::SetUp();
+        ASSERT_TRUE(load_.Stands());
+        realLoadEx = load_.Real();
+        loadCalls.clear();
+        refusesLoads = false;
+    }
+    void TearDown() override {
+        FreeResourceModule();
+        BindingFixture::TearDown();
+    }
+
+private:
+    obtest::ImportDouble<decltype(LoadLibraryExW)> load_{"kernel32.dll", "LoadLibraryExW",
+                                                         &RecordLoadEx};
+};
+
+TEST_F(ResourceModuleBinding, LoadsTheOwnFileAsDataOnce) {
+    EXPECT_EQ(nullptr, obcore::ResourceModule());
+    EXPECT_TRUE(BindResourceModule());
+    EXPECT_TRUE(BindResourceModule());
+    ASSERT_EQ(1u, loadCalls.size());
+    EXPECT_EQ(obcore::OwnModulePath(), loadCalls[0].path);
+    EXPECT_EQ(nullptr, loadCalls[0].file);
+    EXPECT_EQ(34u, loadCalls[0].flags);
+    EXPECT_NE(nullptr, obcore::ResourceModule());
+}
+
+TEST_F(ResourceModuleBinding, ForgetsAFailureAndTriesAgain) {
+    refusesLoads = true;
+    EXPECT_FALSE(BindResourceModule());
+    EXPECT_EQ(nullptr, obcore::ResourceModule());
+    refusesLoads = false;
+    EXPECT_TRUE(BindResourceModule());
+    EXPECT_EQ(2u, loadCalls.size());
+}
+
+DWORD WINAPI AnswerCutPath(HMODULE, LPWSTR path, DWORD capacity) {
+    path[0] = L'\0';
+    return capacity;
+}
+
+TEST_F(ResourceModuleBinding, LoadsNothingWhenTheOwnPathIsCut) {
+    const obtest::ImportDouble<decltype(GetModuleFileNameW)> patch(
+        "kernel32.dll", "GetModuleFileNameW", &AnswerCutPath);
+    ASSERT_TRUE(patch.Stands());
+    EXPECT_FALSE(BindResourceModule());
+    EXPECT_TRUE(loadCalls.empty());
+}
+
+TEST_F(ResourceModuleBinding, GivesTextsOnlyWhileBound) {
+    EXPECT_EQ(L"", LoadText(kPresentText));
+    ASSERT_TRUE(BindResourceModule());
+    EXPECT_NE(L"", LoadText(kPresentText));
+    EXPECT_EQ(L"", LoadText(kAbsentText));
+    FreeResourceModule();
+    EXPECT_EQ(nullptr, obcore::ResourceModule());
+    EXPECT_EQ(L"", LoadText(kPresentText));
+    EXPECT_TRUE(BindResourceModule());
+    EXPECT_NE(L"", LoadText(kPresentText));
+}
+
+TEST_F(ResourceModuleBinding, CutsATextToItsCapacity) {
+    ASSERT_TRUE(BindResourceModule());
+    const std::wstring whole = LoadText(kPresentText);
+    ASSERT_GT(whole.size(), 3u);
+    EXPECT_EQ(whole.substr(0, 3), LoadText(kPresentText, 4));
+}
+
+} // namespace

@@ -1,0 +1,137 @@
+// To which account an archive goes, and what happens where there is none.
+#include "tests/unit/WebVellant/OBCore/planning/PlanningFixture.h"
+
+namespace {
+
+using obtest::Lines;
+using obtest::StandIns;
+using obtest::TheNeighbours;
+
+constexpr wchar_t kDefaultAsked[] = L"GetDefaultStorageProvider(manager)";
+
+class ProviderChoice : public obtest::PlanningFixture {
+protected:
+    void SetUp() override {
+        PlanningFixture::SetUp();
+        job_.SendSetting = obcore::SendSettingKind::Always;
+        StandIns::Answer(L"Providers", L"7,21");
+    }
+
+    // The calls of the choice, without the walk over the providers, which comes once a process.
+    static Lines Calls() {
+        return StandIns::CallsOf({L"GetDefaultStorageProvider", L"IsProviderSupport",
+                                  L"ShowSelectDefaultCloudDialog", L"RunCloudSend",
+                                  L"LogAppletFeature"});
+    }
+    std::wstring Sent(const std::wstring& profile) const {
+        return L"RunCloudSend(" + Quote(archive_) + L", 7, " + profile + L")";
+    }
+    std::wstring DialogShown() const { return L"ShowSelectDefaultCloudDialog(" + Owner() + L")"; }
+    static std::wstring SupportAsked(const std::wstring& id) {
+        return L"IsProviderSupport(manager, " + id + L", 1)";
+    }
+    static std::wstring LinkReport() { return Report(L"type=link|file-send.expiry=no").front(); }
+    static void Choose(obcore::OBAttachJob& job, std::uint32_t id) {
+        job.SelectedStorageProvider = {};
+        job.SelectedStorageProvider.providerId = id;
+        wcscpy(job.SelectedStorageProvider.accountKey, L"chosen");
+    }
+
+    std::wstring archive_ = sources_.File(L"picked.zip", "content");
+};
+
+TEST_F(ProviderChoice, TakesTheDefaultAccount) {
+    StandIns::Answer(L"GetDefaultStorageProvider", L"7|label|account");
+    EXPECT_EQ(Process({archive_}), 0);
+    EXPECT_EQ(StandIns::Calls(), (Lines{kDefaultAsked, SupportAsked(L"7"), kDefaultAsked,
+                                        Sent(L"7, \"account\""), LinkReport()}));
+    EXPECT_EQ(picker_.LinkText, L"link");
+}
+
+TEST_F(ProviderChoice, PrefersTheAccountThatIsChosenAlready) {
+    StandIns::Answer(L"GetDefaultStorageProvider", L"7|label|account");
+    Choose(job_, 21);
+    EXPECT_EQ(Process({archive_}), 0);
+    EXPECT_EQ(Calls(),
+              (Lines{kDefaultAsked, SupportAsked(L"7"), Sent(L"21, \"chosen\""), LinkReport()}));
+}
+
+TEST_F(ProviderChoice, AsksTheUserWithoutADefaultAccount) {
+    TheNeighbours().chooseProvider = [](auto& job) {
+        Choose(job, 21);
+        return true;
+    };
+    EXPECT_EQ(Process({archive_}), 0);
+    EXPECT_EQ(Calls(), (Lines{kDefaultAsked, DialogShown(), SupportAsked(L"21"),
+                              Sent(L"21, \"chosen\""), LinkReport()}));
+}
+
+TEST_F(ProviderChoice, AsksTheUserWhenTheDefaultIsNotSupported) {
+    StandIns::Answer(L"GetDefaultStorageProvider", L"99|label|account");
+    TheNeighbours().chooseProvider = [](auto& job) {
+        Choose(job, 7);
+        return true;
+    };
+    EXPECT_EQ(Process({archive_}), 0);
+    EXPECT_EQ(Calls(), (Lines{kDefaultAsked, SupportAsked(L"99"), DialogShown(), SupportAsked(L"7"),
+                              Sent(L"7, \"chosen\""), LinkReport()}));
+}
+
+TEST_F(ProviderChoice, StopsWhenTheUserChoosesNothing) {
+    EXPECT_EQ(Process({archive_}), 0);
+    EXPECT_EQ(Calls(), (Lines{kDefaultAsked, DialogShown()}));
+    EXPECT_EQ(picker_.LinkText, L"");
+    EXPECT_FALSE(job_.Usage.UsageLink);
+}
+
+TEST_F(ProviderChoice, StopsWhenTheChosenProviderIsNotSupported) {
+    TheNeighbours().chooseProvider = [](auto& job) {
+        Choose(job, 98);
+        return true;
+    };
+    EXPECT_EQ(Process({archive_}), 0);
+    EXPECT_EQ(Calls(), (Lines{kDefaultAsked, DialogShown(), SupportAsked(L"98")}));
+    EXPECT_EQ(picker_.LinkText, L"");
+}
+
+TEST_F(ProviderChoice, GoesByTheRecordAndNotByTheAnswerOfTheDialog) {
+    TheNeighbours().chooseProvider = [](auto& job) {
+        Choose(job, 7);
+        return false;
+    };
+    EXPECT_EQ(Process({archive_}), 0);
+    EXPECT_EQ(StandIns::CallsOf({L"RunCloudSend"}), Lines{Sent(L"7, \"chosen\"")});
+}
+
+TEST_F(ProviderChoice, LeavesTheZipWhenTheUserChoosesNothing) {
+    EXPECT_EQ(Process({sources_.File(L"one.txt")}), 0);
+    EXPECT_EQ(Left(), (Lines{L"1001\\", L"1001\\one.zip"}));
+    EXPECT_TRUE(UsageReports().empty());
+    EXPECT_EQ(job_.CleanupFolder, RunFolder(1));
+}
+
+TEST_F(ProviderChoice, AttachesWithoutADialogWhenCloudServicesAreForbidden) {
+    job_.DisableCloudServices = true;
+    EXPECT_EQ(Process({archive_}), 1);
+    EXPECT_EQ(StandIns::Calls(), (Lines{kDefaultAsked, PlainReport().front()}));
+    EXPECT_EQ(job_.ResultPath, archive_);
+}
+
+TEST_F(ProviderChoice, UsesTheDefaultAccountAlsoWhenCloudServicesAreForbidden) {
+    StandIns::Answer(L"GetDefaultStorageProvider", L"7|label|account");
+    job_.DisableCloudServices = true;
+    EXPECT_EQ(Process({archive_}), 0);
+    EXPECT_EQ(StandIns::CallsOf({L"RunCloudSend"}), Lines{Sent(L"7, \"account\"")});
+}
+
+// Whether there is any provider is asked once a process, so this stands in a process of its own.
+class NoProviderAtAll : public ProviderChoice {};
+
+TEST_F(NoProviderAtAll, AttachesWithoutADialog) {
+    StandIns::Answer(L"Providers", L"");
+    EXPECT_EQ(Process({archive_}), 1);
+    EXPECT_EQ(StandIns::Calls(), (Lines{kDefaultAsked, L"EnumProvidersReset(manager)",
+                                        L"EnumStorageProviders(manager)", PlainReport().front()}));
+}
+
+} // namespace

@@ -1,0 +1,129 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ResourceModule.h"
+#include "OBCore/modules/ServiceLibrary.h"
+#include "obwmv/Exports.h"
+#include "obwmv/Library.h"
+#include "tests/support/AbsentNeighbour.h"
+#include "tests/support/StandIns.h"
+#include "tests/unit/WebVellant/obwmv/RequestDoubles.h"
+
+namespace {
+
+using obtest::AbsentNeighbour;
+using obtest::Doubles;
+using obtest::StandIns;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr wchar_t kArchiveService[] = L"obofcsvc64.dll";
+constexpr wchar_t kProviderManager[] = L"PVXManager64.dll";
+const HWND kOwner = reinterpret_cast<HWND>(0x1234);
+
+class HostExport : public testing::Test {
+protected:
+    void SetUp() override {
+        obtest::ResetDoubles();
+        StandIns::Reset();
+    }
+    void TearDown() override { obwmv::OnProcessDetach(); }
+
+    // What the stand-ins were asked, without the archive service's other calls.
+    static std::vector<std::wstring> Log() { return StandIns::CallsOf({L"LogLaunch", L"LogExit"}); }
+};
+
+TEST_F(HostExport, RunsOneRequestBetweenLaunchAndExit) {
+    obtest::ActivationRecorder activations;
+    ASSERT_TRUE(activations.Stands());
+    Doubles().host = [](HWND owner, std::uint32_t id) {
+        EXPECT_EQ(owner, kOwner);
+        EXPECT_EQ(id, 17u);
+        EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()"));
+        EXPECT_NE(obcore::ResourceModule(), nullptr);
+        return 0;
+    };
+    std::vector<std::wstring> atDeactivation;
+    activations.onDeactivate = [&] { atDeactivation = Log(); };
+    EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 17), 0);
+    EXPECT_THAT(Doubles().steps, ElementsAre("activate", "HostEntry", "deactivate"));
+    EXPECT_THAT(atDeactivation, ElementsAre(L"LogLaunch()", L"LogExit()"));
+    EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));
+}
+
+TEST_F(HostExport, HandsOnThatTheBlockWasNotServed) {
+    Doubles().host = [](HWND, std::uint32_t id) {
+        EXPECT_EQ(id, 0xFFFFFFFBu);
+        return -1;
+    };
+    EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, -5), -1);
+    EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));
+}
+
+TEST_F(HostExport, AnswersMinusOneWithoutTheArchiveService) {
+    const AbsentNeighbour absent(kArchiveService);
+    ASSERT_TRUE(absent.Stands());
+    EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
+    EXPECT_THAT(Doubles().steps, IsEmpty());
+    EXPECT_EQ(obcore::ResourceModule(), nullptr);
+}
+
+HMODULE WINAPI LoadNothing(LPCWSTR, HANDLE, DWORD) { return nullptr; }
+
+TEST_F(HostExport, AnswersMinusOneWithoutTheTexts) {
+    const obtest::ImportDouble<decltype(&LoadLibraryExW)> load("kernel32.dll", "LoadLibraryExW",
+                                                               &LoadNothing);
+    ASSERT_TRUE(load.Stands());
+    EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
+    EXPECT_THAT(Doubles().steps, IsEmpty());
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(HostExport, AnswersMinusOneWithoutTheProviderManager) {
+    const AbsentNeighbour absent(kProviderManager);
+    ASSERT_TRUE(absent.Stands());
+    EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
+    EXPECT_THAT(Doubles().steps, IsEmpty());
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(HostExport, LeavesOutLogExitWhenTheContextCantBeActivated) {
+    const obtest::ActivationRecorder activations(true);
+    ASSERT_TRUE(activations.Stands());
+    EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
+    EXPECT_THAT(Doubles().steps, ElementsAre("activate"));
+    EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()"));
+}
+
+TEST_F(HostExport, LogsTheExitWhenARequestThrows) {
+    const obtest::ActivationRecorder activations;
+    ASSERT_TRUE(activations.Stands());
+    Doubles().host = [](HWND, std::uint32_t) -> int { throw std::bad_alloc(); };
+    EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
+    EXPECT_THAT(Doubles().steps, ElementsAre("activate", "HostEntry", "deactivate"));
+    EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));
+}
+
+TEST_F(HostExport, AsksForTheHelpPageWithOneTopicTwice) {
+    EXPECT_TRUE(WebHelpApp(kOwner));
+    EXPECT_THAT(StandIns::Calls(),
+                ElementsAre(L"WebHelpW(4660, \"Help About Topic\", \"Help About Topic\")"));
+}
+
+TEST_F(HostExport, AsksForNoHelpPageWithoutTheArchiveService) {
+    const AbsentNeighbour absent(kArchiveService);
+    ASSERT_TRUE(absent.Stands());
+    EXPECT_FALSE(WebHelpApp(kOwner));
+    EXPECT_THAT(StandIns::Calls(), IsEmpty());
+}
+
+TEST_F(HostExport, TriesAgainWhenTheArchiveServiceCameLater) {
+    {
+        const AbsentNeighbour absent(kArchiveService);
+        EXPECT_FALSE(WebHelpApp(kOwner));
+    }
+    EXPECT_TRUE(WebHelpApp(kOwner));
+}
+
+} // namespace

@@ -1,0 +1,415 @@
+#include "services/archive/password/PasswordPrompt.h"
+
+#include <bcrypt.h>
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <cwctype>
+#include <utility>
+#include <vector>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/archive/password/PasswordPromptIds.h"
+#include "tests/support/ImportDouble.h"
+#include "tests/unit/services/archive/password/PromptDriver.h"
+
+namespace {
+
+using obarchive::AskNewPassword;
+using obarchive::PromptResult;
+using obtest::PromptDriver;
+using obtest::PromptOnScreen;
+
+constexpr int kFirst = OB_PASSWORD_FIRST;
+constexpr int kRepeat = OB_PASSWORD_REPEAT;
+
+class PasswordPromptTest : public testing::Test {
+protected:
+    PasswordPromptTest() { std::memset(buffer_, 0x55, sizeof buffer_); }
+
+    PromptResult Ask(const std::function<void(const PromptOnScreen&)>& person,
+                     std::uint32_t capacity = 260) {
+        PromptDriver driver(person);
+        return AskNewPassword(nullptr, buffer_, capacity);
+    }
+
+    char buffer_[512];
+};
+
+TEST_F(PasswordPromptTest, GivesThePasswordAsUtf8) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        prompt.Type(kFirst, L"p\u00E4ss \U0001F511");
+        prompt.Type(kRepeat, L"p\u00E4ss \U0001F511");
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Given);
+    EXPECT_STREQ(buffer_, "p\xC3\xA4ss \xF0\x9F\x94\x91");
+    EXPECT_EQ(buffer_[511], 0x55);
+}
+
+TEST_F(PasswordPromptTest, CancelLeavesAnEmptyBuffer) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        prompt.Type(kFirst, L"secret");
+        prompt.Type(kRepeat, L"secret");
+        prompt.Press(IDCANCEL);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_STREQ(buffer_, "");
+}
+
+TEST_F(PasswordPromptTest, ClosingTheWindowIsACancel) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        SendMessageW(prompt.Window(), WM_SYSCOMMAND, SC_CLOSE, 0);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, OkWantsTwoEqualTexts) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        EXPECT_FALSE(prompt.OkIsEnabled());
+        prompt.Type(kFirst, L"secret");
+        EXPECT_FALSE(prompt.OkIsEnabled());
+        prompt.Type(kRepeat, L"Secret");
+        EXPECT_FALSE(prompt.OkIsEnabled());
+        // The Enter key sends the command all the same.
+        prompt.Press(IDOK);
+        EXPECT_TRUE(IsWindow(prompt.Window()));
+        prompt.Type(kRepeat, L"secret");
+        EXPECT_TRUE(prompt.OkIsEnabled());
+        prompt.Type(kFirst, L"secret!");
+        EXPECT_FALSE(prompt.OkIsEnabled());
+        prompt.Type(kFirst, L"");
+        prompt.Type(kRepeat, L"");
+        EXPECT_FALSE(prompt.OkIsEnabled());
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_STREQ(buffer_, "");
+}
+
+TEST_F(PasswordPromptTest, TellsThatTheTwoDifferOnlyWhenTheRepetitionIsWrong) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        prompt.Type(kFirst, L"secret");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
+        prompt.Type(kRepeat, L"sec");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
+        prompt.Type(kRepeat, L"sex");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"The two passwords are not the same.");
+        prompt.Type(kRepeat, L"secret");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, APasswordThatFillsTheBufferIsTaken) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        const std::wstring text = std::wstring(128, L'\u00E4') + L"abc"; // 259 bytes
+        prompt.Type(kFirst, text);
+        prompt.Type(kRepeat, text);
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Given);
+    EXPECT_EQ(std::strlen(buffer_), 259U);
+    EXPECT_EQ(buffer_[260], 0x55);
+}
+
+TEST_F(PasswordPromptTest, APasswordThatDoesNotFitIsRefusedWithASentence) {
+    for (const std::wstring& text : {std::wstring(130, L'\u00E4'), std::wstring(2000, L'x')}) {
+        const auto person = [&text](const PromptOnScreen& prompt) {
+            prompt.Type(kFirst, text);
+            prompt.Type(kRepeat, text);
+            EXPECT_TRUE(prompt.OkIsEnabled());
+            prompt.Press(IDOK);
+            EXPECT_TRUE(IsWindow(prompt.Window()));
+            EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                      L"This password is too long. Please choose a shorter one.");
+            prompt.Type(kFirst, L"short");
+            prompt.Type(kRepeat, L"short");
+            EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
+            prompt.Press(IDOK);
+        };
+        EXPECT_EQ(Ask(person), PromptResult::Given);
+        EXPECT_STREQ(buffer_, "short");
+    }
+    EXPECT_EQ(buffer_[260], 0x55);
+}
+
+TEST_F(PasswordPromptTest, HalfASurrogatePairIsRefusedWithASentence) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        const std::wstring half = L"a" + std::wstring(1, static_cast<wchar_t>(0xD83D));
+        prompt.Type(kFirst, half);
+        prompt.Type(kRepeat, half);
+        prompt.Press(IDOK);
+        EXPECT_TRUE(IsWindow(prompt.Window()));
+        EXPECT_EQ(
+            prompt.Text(OB_PASSWORD_HINT),
+            L"This password holds a character that can't be used. Please choose another one.");
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_STREQ(buffer_, "");
+}
+
+TEST_F(PasswordPromptTest, BothFieldsAreMaskedAndTheFirstHasTheFocus) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        for (const int field : {kFirst, kRepeat}) {
+            EXPECT_NE(GetWindowLongW(prompt.Item(field), GWL_STYLE) & ES_PASSWORD, 0);
+        }
+        GUITHREADINFO info{sizeof info};
+        GetGUIThreadInfo(GetWindowThreadProcessId(prompt.Window(), nullptr), &info);
+        EXPECT_EQ(info.hwndFocus, prompt.Item(kFirst));
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+// Every visible control of the prompt, in the order of the Tab key.
+std::vector<HWND> Controls(HWND dialog) {
+    std::vector<HWND> controls;
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        controls.push_back(child);
+    }
+    return controls;
+}
+
+RECT PlaceOf(HWND control, HWND dialog) {
+    RECT place;
+    GetWindowRect(control, &place);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+TEST_F(PasswordPromptTest, NothingIsCutOffAndNothingOverlaps) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        RECT all;
+        GetClientRect(prompt.Window(), &all);
+        const std::vector<HWND> controls = Controls(prompt.Window());
+        EXPECT_EQ(controls.size(), 13U);
+        for (std::size_t one = 0; one < controls.size(); ++one) {
+            const RECT place = PlaceOf(controls[one], prompt.Window());
+            EXPECT_TRUE(place.left > 0 && place.top > 0 && place.right < all.right &&
+                        place.bottom < all.bottom)
+                << GetDlgCtrlID(controls[one]);
+            for (std::size_t two = 0; two < one; ++two) {
+                const RECT other = PlaceOf(controls[two], prompt.Window());
+                RECT common;
+                EXPECT_FALSE(IntersectRect(&common, &place, &other))
+                    << GetDlgCtrlID(controls[one]) << " and " << GetDlgCtrlID(controls[two]);
+            }
+        }
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, TheTabKeyGoesInTheOrderOfReading) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST); // makes every button fit to be pressed
+        std::vector<int> order;
+        HWND at = prompt.Item(kFirst);
+        do {
+            order.push_back(GetDlgCtrlID(at));
+            at = GetNextDlgTabItem(prompt.Window(), at, FALSE);
+        } while (at != prompt.Item(kFirst) && order.size() < 20);
+        EXPECT_EQ(order, (std::vector<int>{kFirst, kRepeat, OB_PASSWORD_SHOW, OB_PASSWORD_SUGGEST,
+                                           OB_PASSWORD_COPY, IDOK, IDCANCEL}));
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, EachAccessKeyIsUsedOnceAndLabelsStandRightBeforeTheirFields) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        std::wstring keys;
+        for (const HWND control : Controls(prompt.Window())) {
+            const std::wstring text = prompt.Text(GetDlgCtrlID(control));
+            const std::size_t mark = text.find(L'&');
+            if (mark != text.npos) keys += static_cast<wchar_t>(towupper(text[mark + 1]));
+        }
+        EXPECT_EQ(keys, L"PRSUC");
+        const auto before = [&](int id) {
+            return GetDlgCtrlID(GetWindow(prompt.Item(id), GW_HWNDPREV));
+        };
+        EXPECT_EQ(before(kFirst), OB_PASSWORD_LABEL);
+        EXPECT_EQ(before(kRepeat), OB_PASSWORD_REPEAT_LABEL);
+        EXPECT_EQ(before(OB_PASSWORD_STRENGTH), OB_PASSWORD_STRENGTH_LABEL);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, ShowingTakesTheMaskOffBothFieldsAndHidingPutsItBack) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        const auto masks = [&] {
+            return std::pair(SendMessageW(prompt.Item(kFirst), EM_GETPASSWORDCHAR, 0, 0),
+                             SendMessageW(prompt.Item(kRepeat), EM_GETPASSWORDCHAR, 0, 0));
+        };
+        const auto hidden = masks();
+        EXPECT_NE(hidden.first, 0);
+        SendMessageW(prompt.Item(OB_PASSWORD_SHOW), BM_CLICK, 0, 0);
+        EXPECT_EQ(masks(), (std::pair<LRESULT, LRESULT>{0, 0}));
+        SendMessageW(prompt.Item(OB_PASSWORD_SHOW), BM_CLICK, 0, 0);
+        EXPECT_EQ(masks(), hidden);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, TheStrengthIsAWordAndABar) {
+    const auto person = [](const PromptOnScreen& prompt) {
+        const auto bar = [&] {
+            return SendMessageW(prompt.Item(OB_PASSWORD_STRENGTH), PBM_GETPOS, 0, 0);
+        };
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength:");
+        EXPECT_EQ(bar(), 0);
+        prompt.Type(kFirst, L"aaaa");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength: very weak");
+        const LRESULT little = bar();
+        prompt.Type(kFirst, L"tW4!mQz9#Lk2");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength: strong");
+        EXPECT_GT(bar(), little);
+        prompt.Type(kFirst, L"");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength:");
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, ASuggestionFillsBothFieldsIsShownAndTellsHowMuchChanceIsInIt) {
+    std::wstring phrase;
+    const auto person = [&](const PromptOnScreen& prompt) {
+        EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        phrase = prompt.Text(kFirst);
+        EXPECT_EQ(prompt.Text(kRepeat), phrase);
+        EXPECT_EQ(std::count(phrase.begin(), phrase.end(), L'-'), 6);
+        EXPECT_EQ(IsDlgButtonChecked(prompt.Window(), OB_PASSWORD_SHOW), UINT{BST_CHECKED});
+        EXPECT_EQ(SendMessageW(prompt.Item(kFirst), EM_GETPASSWORDCHAR, 0, 0), 0);
+        EXPECT_NE(prompt.Text(OB_PASSWORD_HINT).find(L"with 70 bits of randomness"),
+                  std::wstring::npos);
+        EXPECT_TRUE(prompt.OkIsEnabled());
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        EXPECT_NE(prompt.Text(kFirst), phrase);
+        phrase = prompt.Text(kFirst);
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Given);
+    EXPECT_EQ(std::string(phrase.begin(), phrase.end()), buffer_);
+}
+
+NTSTATUS WINAPI NoRandomNumbers(BCRYPT_ALG_HANDLE, PUCHAR, ULONG, ULONG) { return -1; }
+
+TEST_F(PasswordPromptTest, WithoutRandomNumbersNothingIsSuggested) {
+    const obtest::ImportDouble<decltype(&BCryptGenRandom)> random("bcrypt.dll", "BCryptGenRandom",
+                                                                  &NoRandomNumbers);
+    ASSERT_TRUE(random.Stands());
+    const auto person = [](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                  L"No password could be drawn. Please choose one yourself.");
+        EXPECT_EQ(prompt.Text(kFirst), L"");
+        EXPECT_EQ(prompt.Text(kRepeat), L"");
+        EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+        EXPECT_FALSE(prompt.OkIsEnabled());
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_STREQ(buffer_, "");
+}
+
+std::wstring ClipboardText() {
+    if (!OpenClipboard(nullptr)) return L"(closed)";
+    const HANDLE data = GetClipboardData(CF_UNICODETEXT);
+    const auto* text = data ? static_cast<const wchar_t*>(GlobalLock(data)) : nullptr;
+    const std::wstring copy = text ? text : L"(none)";
+    if (text) GlobalUnlock(data);
+    CloseClipboard();
+    return copy;
+}
+
+TEST_F(PasswordPromptTest, ASuggestionIsCopiedAndKeptOutOfTheClipboardsHistory) {
+    const auto person = [&](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        EXPECT_TRUE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+        prompt.Press(OB_PASSWORD_COPY);
+        EXPECT_EQ(ClipboardText(), prompt.Text(kFirst));
+        for (const wchar_t* format :
+             {L"ExcludeClipboardContentFromMonitorProcessing", L"CanIncludeInClipboardHistory",
+              L"CanUploadToCloudClipboard"}) {
+            EXPECT_TRUE(IsClipboardFormatAvailable(RegisterClipboardFormatW(format)));
+        }
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT).rfind(L"Copied.", 0), 0U);
+        prompt.Type(kFirst, L"own");
+        EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
+        prompt.Type(kRepeat, L"own");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, CopyingFailsWithASentenceWhileAnotherProgramHoldsTheClipboard) {
+    const auto person = [&](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        const HWND other =
+            CreateWindowW(L"Static", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+        EXPECT_TRUE(OpenClipboard(other));
+        prompt.Press(OB_PASSWORD_COPY);
+        CloseClipboard();
+        DestroyWindow(other);
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                  L"The password could not be copied. Please try again.");
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+std::atomic<bool> capsLockIsOn = false;
+
+SHORT WINAPI KeyStateDouble(int key) {
+    return key == VK_CAPITAL && capsLockIsOn ? SHORT{1} : SHORT{0};
+}
+
+bool WaitForHint(const PromptOnScreen& prompt, const std::wstring& expected) {
+    const ULONGLONG end = GetTickCount64() + 10000;
+    while (prompt.Text(OB_PASSWORD_HINT) != expected && GetTickCount64() < end) Sleep(20);
+    return prompt.Text(OB_PASSWORD_HINT) == expected;
+}
+
+TEST_F(PasswordPromptTest, CapsLockIsToldWhileItIsOn) {
+    // No key's state reaches a window without a real keyboard behind it.
+    const obtest::ImportDouble<decltype(&GetKeyState)> keys("user32.dll", "GetKeyState",
+                                                            &KeyStateDouble);
+    const auto person = [&](const PromptOnScreen& prompt) {
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
+        capsLockIsOn = true;
+        EXPECT_TRUE(WaitForHint(prompt, L"Caps Lock is on."));
+        prompt.Type(kFirst, L"a");
+        prompt.Type(kRepeat, L"b");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                  L"Caps Lock is on.\nThe two passwords are not the same.");
+        capsLockIsOn = false;
+        EXPECT_TRUE(WaitForHint(prompt, L"The two passwords are not the same."));
+    };
+    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, TheOwnerIsDisabledMeanwhileAndEnabledAfterwards) {
+    const ObLib::UniqueWindow owner(CreateWindowW(L"Static", L"owner",
+                                                  WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 200, 200,
+                                                  nullptr, nullptr, nullptr, nullptr));
+    {
+        PromptDriver driver([&](const PromptOnScreen& prompt) {
+            EXPECT_EQ(GetWindow(prompt.Window(), GW_OWNER), owner.Get());
+            EXPECT_FALSE(IsWindowEnabled(owner.Get()));
+        });
+        EXPECT_EQ(AskNewPassword(owner.Get(), buffer_, 260), PromptResult::Cancelled);
+    }
+    EXPECT_TRUE(IsWindowEnabled(owner.Get()));
+}
+
+TEST_F(PasswordPromptTest, AnOwnerThatIsGoneDoesNotKeepThePromptAway) {
+    PromptDriver driver([](const PromptOnScreen& prompt) { prompt.Press(IDCANCEL); });
+    EXPECT_EQ(AskNewPassword(reinterpret_cast<HWND>(0xDEAD), buffer_, 260),
+              PromptResult::Cancelled);
+}
+
+TEST_F(PasswordPromptTest, WithoutABufferThereIsNoPrompt) {
+    EXPECT_EQ(AskNewPassword(nullptr, nullptr, 260), PromptResult::NotShown);
+    EXPECT_EQ(AskNewPassword(nullptr, buffer_, 0), PromptResult::NotShown);
+    EXPECT_EQ(buffer_[0], 0x55);
+}
+
+} // namespace
