@@ -96,7 +96,7 @@ void AskByDialog(const HookedLibrary& library, const Options& options, HWND owne
 AttachAnswer AskForFiles(const HookedLibrary& library, const Options& options, HWND owner) {
     MailPageContext context(options);
     AttachAnswer answer;
-    if (options.road == Road::Dialog) {
+    if (options.entry == Entry::Dialog) {
         AskByDialog(library, options, owner, context, answer);
     } else {
         AskByOpenFileName(library, options, owner, context, answer);

@@ -47,9 +47,9 @@ bool TakeText(Options& options, const std::wstring& name, const std::wstring& va
     return false;
 }
 
-bool TakeRoad(Options& options, const std::wstring& name, const std::wstring& value) {
-    if (name != L"--road" || (value != L"open" && value != L"dialog")) return false;
-    options.road = value == L"dialog" ? Road::Dialog : Road::OpenFileName;
+bool TakeEntry(Options& options, const std::wstring& name, const std::wstring& value) {
+    if (name != L"--entry" || (value != L"open" && value != L"dialog")) return false;
+    options.entry = value == L"dialog" ? Entry::Dialog : Entry::OpenFileName;
     return true;
 }
 
@@ -63,7 +63,7 @@ std::optional<Options> ParseOptions(const std::vector<std::wstring>& arguments,
         if (TakeSwitch(options, name)) continue;
         const bool hasValue = index + 1 < arguments.size();
         if (!hasValue || !(TakeText(options, name, arguments[index + 1]) ||
-                           TakeRoad(options, name, arguments[index + 1]))) {
+                           TakeEntry(options, name, arguments[index + 1]))) {
             problem = L"Unknown or incomplete option: " + name;
             return std::nullopt;
         }

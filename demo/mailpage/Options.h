@@ -1,11 +1,11 @@
 // What the mail page is told on its command line.
 //
-//   mailpage.exe [--url URL] [--road open|dialog] [--single] [--filter TEXT]
+//   mailpage.exe [--url URL] [--entry open|dialog] [--single] [--filter TEXT]
 //                [--no-fallback-dialog] [--auto [--keep-open]] [--result FILE] [--picture FILE]
 //                [--outbox FOLDER]
 //
 //   --url URL             the page's address; a mail page when it isn't given
-//   --road open|dialog    whether the page asks by GetOpenFileNameW or by IFileDialog
+//   --entry open|dialog    whether the page asks by GetOpenFileNameW or by IFileDialog
 //   --single              the page takes one file
 //   --filter TEXT         file types, "Name|patterns|Name|patterns"
 //   --no-fallback-dialog  the browser's own dialog answers a cancel at once and shows nothing
@@ -22,11 +22,11 @@
 
 namespace mailpage {
 
-enum class Road { OpenFileName, Dialog };
+enum class Entry { OpenFileName, Dialog };
 
 struct Options {
     std::wstring url = L"https://mail.google.com/mail/u/0/#inbox?compose=new";
-    Road road = Road::OpenFileName;
+    Entry entry = Entry::OpenFileName;
     bool single = false;
     bool fallbackDialog = true;
     bool automatic = false;

@@ -24,13 +24,13 @@ protected:
     Texts AskAndPick(const std::function<void(OpenPicker&)>& look) {
         const std::wstring file = files_.File(L"letter.txt", "Dear all");
         const MessageBoxWatcher boxes(MessageBoxWatcher::Scope::AllProcesses);
-        PickerPerson person([&](OpenPicker& picker) {
+        PickerUiDriver driver([&](OpenPicker& picker) {
             look(picker);
             EXPECT_TRUE(picker.TypeNames(file));
             picker.PressOk();
         });
         const OpenAnswer answer = AskOpen();
-        EXPECT_TRUE(person.Done());
+        EXPECT_TRUE(driver.Done());
         EXPECT_EQ(answer.result, TRUE);
         EXPECT_EQ(answer.given, Texts{file});
         EXPECT_EQ(LeftInTemp(), Texts{});

@@ -40,9 +40,9 @@ TEST_F(MissingArchiveService, IsFoundByTheNextRequestWhenItIsBack) {
         EXPECT_EQ(AskOpen().result, 7);
     }
     const std::wstring file = files_.File(L"back.txt");
-    PickerPerson person(Pick(Choice::None, {file}));
+    PickerUiDriver driver(Pick(Choice::None, {file}));
     EXPECT_EQ(AskOpen().given, Texts{file});
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
 }
 
 class MissingModules : public RealRequest {};

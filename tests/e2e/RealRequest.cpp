@@ -2,15 +2,15 @@
 
 #include <algorithm>
 
-#include "tests/support/PasswordPerson.h"
+#include "tests/support/PasswordUiDriver.h"
 #include "tests/support/ProductRegistry.h"
 
 namespace obtest {
 namespace {
 
 constexpr wchar_t kLibrary[] = L"C:\\app\\obwmcore64.dll";
-constexpr DWORD kRequestBuffer = 4096; // wide characters, as browsers give
-constexpr DWORD kPersonLimit = 10000;  // milliseconds
+constexpr DWORD kRequestBuffer = 4096;  // wide characters, as browsers give
+constexpr DWORD kUiDriverLimit = 10000; // milliseconds
 
 using OpenDoor = BOOL(OPENFILENAMEW*, BrowserContext*);
 using ShowDoor = HRESULT(IFileDialog*, HWND, BrowserContext*);
@@ -32,7 +32,7 @@ std::vector<std::wstring> Items(const wchar_t* list) {
 
 void Choose(const OpenPicker& picker, const std::wstring& text) {
     ASSERT_TRUE(picker.Click(text)) << "the choice takes no click";
-    ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(text); }, kPersonLimit));
+    ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(text); }, kUiDriverLimit));
 }
 
 } // namespace

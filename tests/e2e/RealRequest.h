@@ -14,7 +14,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "contracts/BrowserContext.h"
-#include "tests/support/PickerPerson.h"
+#include "tests/support/PickerUiDriver.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/Utf8.h"
 

@@ -69,35 +69,35 @@ protected:
 };
 
 TEST_F(BrowserClosed, UnderTheDialogThePageStillGetsThePickedFile) {
-    PickerPerson person(CloseBrowserAnd(Pick(Choice::None, {one_})));
+    PickerUiDriver driver(CloseBrowserAnd(Pick(Choice::None, {one_})));
     const OpenAnswer answer = AskOpen();
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(answer.result, TRUE);
     EXPECT_EQ(answer.given, Texts{one_});
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
 TEST_F(BrowserClosed, UnderTheDialogThePageStillGetsTheZipAndIsToldToClearIt) {
-    PickerPerson person(CloseBrowserAnd(Pick(Choice::Zip, {one_, two_})));
+    PickerUiDriver driver(CloseBrowserAnd(Pick(Choice::Zip, {one_, two_})));
     const OpenAnswer answer = AskOpen();
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(answer.result, TRUE);
     ExpectOnlyTheZipIsLeft(answer.given);
 }
 
 TEST_F(BrowserClosed, UnderTheDialogACancelLeavesNothing) {
-    PickerPerson person(CloseBrowserAnd(Cancel()));
+    PickerUiDriver driver(CloseBrowserAnd(Cancel()));
     const OpenAnswer answer = AskOpen();
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(answer.result, FALSE);
     EXPECT_EQ(answer.given, Texts{});
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
-TEST_F(BrowserClosed, UnderTheDialogOfTheDialogRoadTheResultsStand) {
-    PickerPerson person(CloseBrowserAnd(Pick(Choice::None, {one_, two_})));
+TEST_F(BrowserClosed, UnderTheDialogOfTheDialogPathTheResultsStand) {
+    PickerUiDriver driver(CloseBrowserAnd(Pick(Choice::None, {one_, two_})));
     EXPECT_EQ(AskShow(), S_OK);
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     Texts given;
     EXPECT_EQ(GetResults(given), S_OK);
     EXPECT_EQ(given, (Texts{one_, two_}));
@@ -105,9 +105,9 @@ TEST_F(BrowserClosed, UnderTheDialogOfTheDialogRoadTheResultsStand) {
 }
 
 TEST_F(BrowserClosed, ToldToQuitThePageIsAnsweredFirstAndTheQuitComesBehind) {
-    PickerPerson person(QuitBrowserAnd(Pick(Choice::None, {one_})));
+    PickerUiDriver driver(QuitBrowserAnd(Pick(Choice::None, {one_})));
     const OpenAnswer answer = AskOpen();
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(answer.result, TRUE);
     EXPECT_EQ(answer.given, Texts{one_});
     EXPECT_EQ(QuitValueInQueue(), kQuitValue);
@@ -115,10 +115,10 @@ TEST_F(BrowserClosed, ToldToQuitThePageIsAnsweredFirstAndTheQuitComesBehind) {
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
-TEST_F(BrowserClosed, AndToldToQuitOnTheDialogRoadTheZipIsStillGivenAndTheQuitComesBehind) {
-    PickerPerson person(QuitBrowserAnd(CloseBrowserAnd(Pick(Choice::Zip, {one_, two_}))));
+TEST_F(BrowserClosed, AndToldToQuitOnTheDialogPathTheZipIsStillGivenAndTheQuitComesBehind) {
+    PickerUiDriver driver(QuitBrowserAnd(CloseBrowserAnd(Pick(Choice::Zip, {one_, two_}))));
     EXPECT_EQ(AskShow(), S_OK);
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(QuitValueInQueue(), kQuitValue);
     Texts given;
     EXPECT_EQ(GetResults(given), S_OK);
@@ -126,9 +126,9 @@ TEST_F(BrowserClosed, AndToldToQuitOnTheDialogRoadTheZipIsStillGivenAndTheQuitCo
 }
 
 TEST_F(BrowserClosed, ToldToQuitACancelIsACancelAndTheQuitComesBehind) {
-    PickerPerson person(QuitBrowserAnd(Cancel()));
+    PickerUiDriver driver(QuitBrowserAnd(Cancel()));
     EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(QuitValueInQueue(), kQuitValue);
     EXPECT_TRUE(window_.Enabled());
     EXPECT_EQ(LeftInTemp(), Texts{});

@@ -6,10 +6,10 @@
 
 #include "OBCore/exchange/PickedFiles.h"
 #include "obwmv/BrowserRequest.h"
-#include "tests/standins/Recording.h"
-#include "tests/standins/host/HostScript.h"
+#include "tests/fakes/Recording.h"
+#include "tests/fakes/host/HostScript.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
-#include "tests/unit/WebVellant/obwmv/RoadSupport.h"
+#include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 
@@ -96,7 +96,7 @@ TEST_F(BrowserGone, FinishesTheRequestAndHandsOnAQuit) {
     EXPECT_EQ(obtest::QuitValueInQueue(), 17);
 }
 
-TEST_F(BrowserGone, ClosedAndQuitAtOnceOnTheDialogRoadKeepsTheResult) {
+TEST_F(BrowserGone, ClosedAndQuitAtOnceOnTheDialogPathKeepsTheResult) {
     OnceTheHostRuns([this] {
         DestroyWindow(browser_.Root());
         PostQuitMessage(0);

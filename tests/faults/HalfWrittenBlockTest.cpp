@@ -8,11 +8,11 @@
 
 #include "OBCore/exchange/PickedFiles.h"
 #include "obwmv/BrowserRequest.h"
+#include "tests/fakes/Recording.h"
+#include "tests/fakes/host/HostScript.h"
 #include "tests/faults/HostProcess.h"
-#include "tests/standins/Recording.h"
-#include "tests/standins/host/HostScript.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
-#include "tests/unit/WebVellant/obwmv/RoadSupport.h"
+#include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 
@@ -82,7 +82,7 @@ const wchar_t* const kHalves[] = {
     L"status 4\npoke32 28 76\npoke32 32 78\ntext 78 \"C:\\half.txt\"",
 };
 
-TEST_F(HalfWrittenBlock, GivesThePageNothingOnTheOpenFileNameRoad) {
+TEST_F(HalfWrittenBlock, GivesThePageNothingOnTheOpenFileNamePath) {
     for (const wchar_t* half : kHalves) {
         SCOPED_TRACE(testing::PrintToString(half));
         EXPECT_EQ(Open(half, obtest::kKilled), 0);
@@ -90,7 +90,7 @@ TEST_F(HalfWrittenBlock, GivesThePageNothingOnTheOpenFileNameRoad) {
     }
 }
 
-TEST_F(HalfWrittenBlock, GivesThePageNothingOnTheDialogRoad) {
+TEST_F(HalfWrittenBlock, GivesThePageNothingOnTheDialogPath) {
     for (const wchar_t* half : kHalves) {
         SCOPED_TRACE(testing::PrintToString(half));
         EXPECT_EQ(Show(half, obtest::kKilled), obwmv::kCancelled);

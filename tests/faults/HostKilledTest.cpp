@@ -6,9 +6,9 @@
 #include "contracts/ExchangeBlock.h"
 #include "tests/e2e/RealRequest.h"
 #include "tests/faults/HostProcess.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
 
 namespace obtest {
 namespace {
@@ -19,7 +19,7 @@ class HostKilled : public RealRequest {
 protected:
     void SetUp() override {
         ReleaseHeldCall();
-        StandIns::Reset();
+        FakeModules::Reset();
         RealRequest::SetUp();
         SetUserValue(L"DefaultZipName", L"two files");
         one_ = files_.File(L"one.txt", "first");
@@ -75,10 +75,10 @@ protected:
 
     // The page is served again at once.
     void ExpectTheNextRequestIsServed() {
-        StandIns::Reset();
-        PickerPerson person(Pick(Choice::None, {one_}));
+        FakeModules::Reset();
+        PickerUiDriver driver(Pick(Choice::None, {one_}));
         const OpenAnswer answer = AskOpen();
-        EXPECT_TRUE(person.Done());
+        EXPECT_TRUE(driver.Done());
         EXPECT_EQ(answer.result, TRUE);
         EXPECT_EQ(answer.given, Texts{one_});
     }
@@ -89,53 +89,53 @@ protected:
 };
 
 TEST_F(HostKilled, BeforeItMapsTheBlock) {
-    StandIns::Answer(L"Hold", L"LogLaunch");
-    std::thread person(&KillAtHeldCall);
+    FakeModules::Answer(L"Hold", L"LogLaunch");
+    std::thread driver(&KillAtHeldCall);
     ExpectCancel(AskOpen());
-    person.join();
+    driver.join();
     EXPECT_EQ(Left(), Texts{});
     ExpectTheNextRequestIsServed();
 }
 
 TEST_F(HostKilled, BehindMappingAndBeforeItsDialog) {
     for (const bool open : {true, false}) {
-        StandIns::Reset();
-        StandIns::Answer(L"Hold", L"AllowedEncryptMethods");
-        std::thread person(&KillAtHeldCall);
+        FakeModules::Reset();
+        FakeModules::Answer(L"Hold", L"AllowedEncryptMethods");
+        std::thread driver(&KillAtHeldCall);
         if (open)
             ExpectCancel(AskOpen());
         else
             EXPECT_EQ(AskShow(), kCancelled);
-        person.join();
+        driver.join();
     }
     EXPECT_EQ(Left(), Texts{});
     ExpectTheNextRequestIsServed();
 }
 
 TEST_F(HostKilled, WhileItsDialogIsShown) {
-    PickerPerson person([](OpenPicker&) { EXPECT_TRUE(KillHost()); });
+    PickerUiDriver driver([](OpenPicker&) { EXPECT_TRUE(KillHost()); });
     ExpectCancel(AskOpen());
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(Left(), Texts{});
     ExpectTheNextRequestIsServed();
 }
 
-TEST_F(HostKilled, WhileItsDialogIsShownOnTheDialogRoad) {
-    PickerPerson person([](OpenPicker&) { EXPECT_TRUE(KillHost()); });
+TEST_F(HostKilled, WhileItsDialogIsShownOnTheDialogPath) {
+    PickerUiDriver driver([](OpenPicker&) { EXPECT_TRUE(KillHost()); });
     EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(Left(), Texts{});
 }
 
 // Nobody is asked whether to debug it, and nobody waits for an answer.
 TEST_F(HostKilled, ByACrashOfItsOwn) {
     for (const bool open : {true, false}) {
-        PickerPerson person([](OpenPicker&) { EXPECT_TRUE(CrashHost()); });
+        PickerUiDriver driver([](OpenPicker&) { EXPECT_TRUE(CrashHost()); });
         if (open)
             ExpectCancel(AskOpen());
         else
             EXPECT_EQ(AskShow(), kCancelled);
-        EXPECT_TRUE(person.Done());
+        EXPECT_TRUE(driver.Done());
     }
     EXPECT_EQ(Left(), Texts{});
     ExpectTheNextRequestIsServed();
@@ -143,19 +143,19 @@ TEST_F(HostKilled, ByACrashOfItsOwn) {
 
 // The copies that the zip was made from stay: nobody is there any more who knows of them.
 TEST_F(HostKilled, DuringTheZip) {
-    StandIns::Answer(L"Hold", L"Zip");
-    PickerPerson person(PickAndKill());
+    FakeModules::Answer(L"Hold", L"Zip");
+    PickerUiDriver driver(PickAndKill());
     ExpectCancel(AskOpen());
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(Left(), (Texts{L"1\\", L"1\\one.txt", L"1\\two.txt", L"2\\"}));
     ExpectTheNextRequestIsServed();
 }
 
-TEST_F(HostKilled, DuringTheZipOnTheDialogRoad) {
-    StandIns::Answer(L"Hold", L"Zip");
-    PickerPerson person(PickAndKill());
+TEST_F(HostKilled, DuringTheZipOnTheDialogPath) {
+    FakeModules::Answer(L"Hold", L"Zip");
+    PickerUiDriver driver(PickAndKill());
     EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     // The dialog gave nothing, so the page's question goes to the browser.
     std::wstring path;
     EXPECT_EQ(GetResult(path), E_FAIL);
@@ -173,7 +173,7 @@ public:
           bytes_(section_ ? static_cast<const std::uint8_t*>(MapViewOfFile(
                                 section_.Get(), FILE_MAP_READ, 0, 0, obcore::kExchangeBlockSize))
                           : nullptr) {}
-    bool Stands() const { return static_cast<bool>(bytes_); }
+    bool Ok() const { return static_cast<bool>(bytes_); }
 
     // Whether everything in one of its pages of 4,096 bytes is 0.
     bool IsEmpty(int page) const {
@@ -195,7 +195,7 @@ class HostKilledAsItWrites : public HostKilled {
 protected:
     void SetUp() override {
         HostKilled::SetUp();
-        StandIns::Answer(L"Hold", L"WriteSecondPage");
+        FakeModules::Answer(L"Hold", L"WriteSecondPage");
         // An answer of more than a page on either road; no zip, so that there is no other write.
         for (int number = 100; number < 180; ++number)
             many_.push_back(
@@ -208,8 +208,8 @@ protected:
             pick(picker);
             EXPECT_TRUE(AwaitHeldCall()) << "the write never came";
             const BlockOf block(blockId());
-            EXPECT_TRUE(block.Stands());
-            if (block.Stands()) {
+            EXPECT_TRUE(block.Ok());
+            if (block.Ok()) {
                 EXPECT_NE(block.BeforeSecondPage(), L'\0') << "the first page isn't full";
                 EXPECT_TRUE(block.IsEmpty(1)) << "the answer is further already";
             }
@@ -223,23 +223,23 @@ protected:
 
 TEST_F(HostKilledAsItWrites, TheListOfFilesThePageGetsNoFile) {
     const int id = static_cast<int>(GetCurrentThreadId());
-    PickerPerson person(PickAndKillAsItWrites([id] { return id; }));
+    PickerUiDriver driver(PickAndKillAsItWrites([id] { return id; }));
     ExpectCancel(AskOpen());
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(Left(), Texts{});
     ExpectTheNextRequestIsServed();
 }
 
-TEST_F(HostKilledAsItWrites, ThePathsOfTheDialogRoadThePageGetsNoFile) {
+TEST_F(HostKilledAsItWrites, ThePathsOfTheDialogPathThePageGetsNoFile) {
     // Blocks of this road are counted; the one that stands is the running one.
     const auto running = [] {
         int id = 1;
-        while (id < 100 && !BlockOf(id).Stands()) ++id;
+        while (id < 100 && !BlockOf(id).Ok()) ++id;
         return id;
     };
-    PickerPerson person(PickAndKillAsItWrites(running));
+    PickerUiDriver driver(PickAndKillAsItWrites(running));
     EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     Texts paths;
     EXPECT_EQ(GetResults(paths), E_FAIL);
     EXPECT_EQ(paths, Texts{});
@@ -249,29 +249,29 @@ TEST_F(HostKilledAsItWrites, ThePathsOfTheDialogRoadThePageGetsNoFile) {
 }
 
 TEST_F(HostKilled, WhileItClearsItsCopies) {
-    StandIns::Answer(L"Hold", L"DeleteFileW");
-    PickerPerson person(PickAndKill());
+    FakeModules::Answer(L"Hold", L"DeleteFileW");
+    PickerUiDriver driver(PickAndKill());
     ExpectCancel(AskOpen());
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     const std::wstring zip = std::wstring(L"2\\") + kZipName;
     EXPECT_EQ(Left(), (Texts{L"1\\", L"1\\one.txt", L"1\\two.txt", L"2\\", zip}));
 }
 
 // The answer stands whole in the block, but a host that didn't end well has no answer.
 TEST_F(HostKilled, BehindItsResult) {
-    StandIns::Answer(L"Hold", L"LogExit");
-    PickerPerson person(PickAndKill());
+    FakeModules::Answer(L"Hold", L"LogExit");
+    PickerUiDriver driver(PickAndKill());
     ExpectCancel(AskOpen());
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(Left(), (Texts{L"1\\", std::wstring(L"1\\") + kZipName}));
     ExpectTheNextRequestIsServed();
 }
 
-TEST_F(HostKilled, BehindItsResultOnTheDialogRoad) {
-    StandIns::Answer(L"Hold", L"LogExit");
-    PickerPerson person(PickAndKill());
+TEST_F(HostKilled, BehindItsResultOnTheDialogPath) {
+    FakeModules::Answer(L"Hold", L"LogExit");
+    PickerUiDriver driver(PickAndKill());
     EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     std::vector<std::wstring> paths;
     EXPECT_EQ(GetResults(paths), E_FAIL);
     EXPECT_EQ(paths, Texts{});
@@ -280,10 +280,10 @@ TEST_F(HostKilled, BehindItsResultOnTheDialogRoad) {
 }
 
 TEST_F(HostKilled, WhileItsProcessEnds) {
-    StandIns::Answer(L"Hold", L"ProcessEnds");
-    PickerPerson person(PickAndKill());
+    FakeModules::Answer(L"Hold", L"ProcessEnds");
+    PickerUiDriver driver(PickAndKill());
     ExpectCancel(AskOpen());
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
     EXPECT_EQ(Left(), (Texts{L"1\\", std::wstring(L"1\\") + kZipName}));
     ExpectTheNextRequestIsServed();
 }

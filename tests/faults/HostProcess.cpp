@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/standins/Recording.h"
+#include "tests/fakes/Recording.h"
 
 namespace obtest {
 namespace {

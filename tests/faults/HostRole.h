@@ -75,7 +75,7 @@ private:
     } com_;
 
 protected:
-    FileDialogDouble shell_;
+    FakeFileDialog shell_;
     ObLib::UniqueWindow owner_;
 };
 

@@ -5,12 +5,12 @@
 #include <cstdlib>
 
 #include "tests/e2e/RealRequest.h"
+#include "tests/fakes/Recording.h"
 #include "tests/faults/Holdings.h"
 #include "tests/faults/HostProcess.h"
-#include "tests/standins/Recording.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/FakeModules.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
 
 namespace obtest {
 namespace {
@@ -62,7 +62,7 @@ BOOL WINAPI StartAndCountRefusals(LPCWSTR program, LPWSTR line, LPSECURITY_ATTRI
 class ManyHosts : public RealRequest {
 protected:
     void SetUp() override {
-        StandIns::Reset();
+        FakeModules::Reset();
         RealRequest::SetUp();
         file_ = files_.File(L"picked.txt", "picked");
         SetEnvironmentVariableW(L"OB_QUICK_DIALOG_PICKS", file_.c_str());
@@ -101,7 +101,7 @@ private:
     const QuickDialogClass class_;
 };
 
-using Starts = ImportDouble<decltype(&CreateProcessW)>;
+using Starts = ImportPatch<decltype(&CreateProcessW)>;
 
 // Starting a thousand host programs takes one to some minutes, by what else the machine does. A run
 // that doesn't ask for them plays as many as fit.
@@ -141,7 +141,7 @@ private:
 TEST_F(ManyHosts, LeaveNothingInTheBrowserAndNothingInTheSystem) {
     const Starts starts("kernel32.dll", "CreateProcessW", &StartAndCountRefusals,
                         GetModuleHandleW(L"obwmcore64.dll"));
-    ASSERT_TRUE(starts.Stands());
+    ASSERT_TRUE(starts.Ok());
     for (int round = 0; round < 20; ++round) ASSERT_NO_FATAL_FAILURE(Ask(round)); // made once
     const Holdings before = Holdings::Now();
     Rounds rounds;

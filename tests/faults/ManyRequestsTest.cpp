@@ -9,12 +9,12 @@
 #include "OBCore/exchange/ExchangeMapping.h"
 #include "OBCore/exchange/PickedFiles.h"
 #include "obwmv/BrowserRequest.h"
+#include "tests/fakes/Recording.h"
+#include "tests/fakes/host/HostScript.h"
 #include "tests/faults/Holdings.h"
-#include "tests/standins/Recording.h"
-#include "tests/standins/host/HostScript.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
-#include "tests/unit/WebVellant/obwmv/RoadSupport.h"
+#include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 
@@ -101,9 +101,9 @@ ObLib::UniqueKernelHandle RunHostOnce() {
 TEST_F(ManyRequests, LeaveNothingInTheBrowsersProcess) {
     const ObLib::UniqueKernelHandle ended = RunHostOnce();
     endedProcess = ended.Get();
-    const obtest::ImportDouble<decltype(&CreateProcessW)> host("kernel32.dll", "CreateProcessW",
-                                                               &ServeAtOnce);
-    ASSERT_TRUE(host.Stands());
+    const obtest::ImportPatch<decltype(&CreateProcessW)> host("kernel32.dll", "CreateProcessW",
+                                                              &ServeAtOnce);
+    ASSERT_TRUE(host.Ok());
     for (int round = 0; round < 20; ++round) Ask(round); // what is made once
     const Holdings before = Holdings::Now();
     for (int round = 0; round < 1000; ++round) Ask(round);

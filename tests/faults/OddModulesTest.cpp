@@ -1,10 +1,10 @@
 // Modules of the product's names that aren't the product's: left in folders that a search would
 // pass, lacking entries, or empty. Whole requests, with the real library and host.
 #include "tests/e2e/RealRequest.h"
-#include "tests/standins/Recording.h"
-#include "tests/support/AbsentNeighbour.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/AbsentModule.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/StandIns.h"
 
 namespace obtest {
 namespace {
@@ -45,7 +45,7 @@ class InPlaceOf {
 public:
     InPlaceOf(const wchar_t* module, const wchar_t* other)
         : absent_(module), path_(BesideProgram(module)) {
-        EXPECT_TRUE(absent_.Stands());
+        EXPECT_TRUE(absent_.Ok());
         EXPECT_TRUE(CopyFileW(BesideProgram(other).c_str(), path_.c_str(), TRUE));
     }
     ~InPlaceOf() { DeleteFileW(path_.c_str()); }
@@ -53,20 +53,20 @@ public:
     InPlaceOf& operator=(const InPlaceOf&) = delete;
 
 private:
-    const AbsentNeighbour absent_; // puts the module back behind the deletion
+    const AbsentModule absent_; // puts the module back behind the deletion
     std::wstring path_;
 };
 
 class OddModules : public RealRequest {
 protected:
     void SetUp() override {
-        StandIns::Reset();
+        FakeModules::Reset();
         RealRequest::SetUp();
         file_ = files_.File(L"file.txt", "content");
     }
 
     void TearDown() override {
-        EXPECT_EQ(StandIns::CallsOf({L"Planted"}), planted_);
+        EXPECT_EQ(FakeModules::CallsOf({L"Planted"}), planted_);
         EXPECT_TRUE(boxes_.Seen().empty());
         EXPECT_EQ(LeftInTemp(), Texts{});
         EXPECT_EQ(ReadFileContent(file_), "content");
@@ -74,9 +74,9 @@ protected:
     }
 
     void ExpectServed() {
-        PickerPerson person(Pick(Choice::None, {file_}));
+        PickerUiDriver driver(Pick(Choice::None, {file_}));
         const OpenAnswer answer = AskOpen();
-        EXPECT_TRUE(person.Done());
+        EXPECT_TRUE(driver.Done());
         EXPECT_EQ(answer.result, TRUE);
         EXPECT_EQ(answer.given, Texts{file_});
     }
@@ -110,22 +110,22 @@ TEST_F(OddModules, ThatArePlantedAreNotTakenBesideTheRealOnes) {
 
 TEST_F(OddModules, ThatArePlantedAreNotTakenForAMissingProviderManager) {
     const PlantedFolder planted;
-    const AbsentNeighbour manager(kManager);
-    ASSERT_TRUE(manager.Stands());
+    const AbsentModule manager(kManager);
+    ASSERT_TRUE(manager.Ok());
     ExpectCancels();
 }
 
 TEST_F(OddModules, ThatArePlantedAreNotTakenForAMissingHost) {
     const PlantedFolder planted;
-    const AbsentNeighbour host(L"obwmvapp.exe");
-    ASSERT_TRUE(host.Stands());
+    const AbsentModule host(L"obwmvapp.exe");
+    ASSERT_TRUE(host.Ok());
     ExpectCancels();
 }
 
 TEST_F(OddModules, ThatArePlantedAreNotTakenForTheHostsMissingLibrary) {
     const PlantedFolder planted;
-    const AbsentNeighbour library(kLibrary);
-    ASSERT_TRUE(library.Stands());
+    const AbsentModule library(kLibrary);
+    ASSERT_TRUE(library.Ok());
     ExpectCancels();
 }
 
@@ -157,8 +157,8 @@ class OddArchiveService : public OddModules {};
 TEST_F(OddArchiveService, ThatIsPlantedOrLacksAnEntryLeavesTheDialogToTheBrowser) {
     const PlantedFolder planted;
     {
-        const AbsentNeighbour service(kArchive);
-        ASSERT_TRUE(service.Stands());
+        const AbsentModule service(kArchive);
+        ASSERT_TRUE(service.Ok());
         EXPECT_EQ(AskOpen().result, 7);
         EXPECT_EQ(AskShow(), S_OK);
     }

@@ -8,8 +8,8 @@
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "services/archive/password/PasswordPromptIds.h"
 #include "tests/faults/HostRole.h"
-#include "tests/support/ImportDouble.h"
-#include "tests/support/PasswordPerson.h"
+#include "tests/support/ImportPatch.h"
+#include "tests/support/PasswordUiDriver.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/ReadableMemory.h"
 
@@ -92,9 +92,9 @@ protected:
 };
 
 TEST_F(PasswordOfARun, StandsNowhereOnceTheZipIsThere) {
-    std::thread person = Person(true);
+    std::thread user = Person(true);
     const Answer answer = Open({file_});
-    person.join();
+    user.join();
     EXPECT_GE(whileOpen_, 2) << "the search would find it";
     EXPECT_EQ(TimesInMemory(), 0);
     ASSERT_EQ(answer.files.size(), 1u);
@@ -106,9 +106,9 @@ TEST_F(PasswordOfARun, StandsNowhereOnceTheZipIsThere) {
 }
 
 TEST_F(PasswordOfARun, StandsNowhereAfterACancel) {
-    std::thread person = Person(false);
+    std::thread user = Person(false);
     const Answer answer = Show({file_});
-    person.join();
+    user.join();
     EXPECT_GE(whileOpen_, 2) << "the search would find it";
     EXPECT_EQ(TimesInMemory(), 0);
     ExpectNothingGiven(answer);
@@ -122,12 +122,12 @@ BOOL WINAPI WriteToFullDisk(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPE
 }
 
 TEST_F(PasswordOfARun, StandsNowhereWhenTheZipFailed) {
-    const ImportDouble<decltype(&WriteFile)> full("kernel32.dll", "WriteFile", &WriteToFullDisk,
-                                                  GetModuleHandleW(L"obofcsvc64.dll"));
-    ASSERT_TRUE(full.Stands());
-    std::thread person = Person(true);
+    const ImportPatch<decltype(&WriteFile)> full("kernel32.dll", "WriteFile", &WriteToFullDisk,
+                                                 GetModuleHandleW(L"obofcsvc64.dll"));
+    ASSERT_TRUE(full.Ok());
+    std::thread user = Person(true);
     const Answer answer = Open({file_});
-    person.join();
+    user.join();
     ExpectNothingGiven(answer);
     EXPECT_GE(whileOpen_, 2) << "the search would find it";
     EXPECT_EQ(TimesInMemory(), 0);

@@ -2,7 +2,7 @@
 // was loaded at all is what shows.
 #include <windows.h>
 
-#include "tests/standins/Recording.h"
+#include "tests/fakes/Recording.h"
 
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {

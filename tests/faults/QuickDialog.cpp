@@ -21,7 +21,7 @@ obtest::FileDialogScript ScriptFromEnvironment() {
 
 STDAPI DllGetClassObject(REFCLSID, REFIID iid, void** object) {
     static obtest::FileDialogScript script = ScriptFromEnvironment();
-    return obtest::FileDialogDouble::GiveClassObject(script, iid, object);
+    return obtest::FakeFileDialog::GiveClassObject(script, iid, object);
 }
 
 STDAPI DllCanUnloadNow() { return S_FALSE; }

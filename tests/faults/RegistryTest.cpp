@@ -1,6 +1,6 @@
 // Registry values that nobody of the product wrote. The request is served all the same.
 #include "tests/faults/HostRole.h"
-#include "tests/support/PasswordPerson.h"
+#include "tests/support/PasswordUiDriver.h"
 #include "tests/support/ProductRegistry.h"
 
 namespace obtest {
@@ -138,14 +138,14 @@ TEST_F(RegistryFaults, ThatNameTheZipNeverLeadOutOfItsFolder) {
 TEST_F(RegistryFaults, ThatLeaveEncryptionInDoubtAskForAPassword) {
     const std::string odd("\x31\x00\x00\x00", 4);
     SetRawValue(HKEY_CURRENT_USER, kUserKey, L"AutoEncrypt", REG_DWORD, odd.data(), 4);
-    std::thread person([] {
+    std::thread driver([] {
         const OpenPasswordPrompt prompt = OpenPasswordPrompt::Await(GetCurrentProcessId());
         EXPECT_TRUE(prompt.Window()) << "no prompt";
         prompt.PressCancel();
         EXPECT_TRUE(prompt.WaitUntilClosed());
     });
     const Answer answer = Open({one_, two_});
-    person.join();
+    driver.join();
     ExpectNothingGiven(answer);
     EXPECT_EQ(Left(), Texts{});
 }

@@ -9,9 +9,9 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "obwmv/BrowserRequest.h"
-#include "tests/standins/host/HostScript.h"
+#include "tests/fakes/host/HostScript.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
-#include "tests/unit/WebVellant/obwmv/RoadSupport.h"
+#include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "tests/faults/HostRole.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 
 namespace obtest {
 namespace {
@@ -86,14 +86,14 @@ BOOL WINAPI RefuseFolder(LPCWSTR, LPSECURITY_ATTRIBUTES) {
 // Rights are the system's matter; here they are played, as nobody is kept out of anything in a
 // test.
 TEST_F(TemporaryFolderFaults, ClosedToWritingItGivesThePageNothing) {
-    const ImportDouble<decltype(&CreateDirectoryW)> refused("kernel32.dll", "CreateDirectoryW",
-                                                            &RefuseFolder);
-    ASSERT_TRUE(refused.Stands());
+    const ImportPatch<decltype(&CreateDirectoryW)> refused("kernel32.dll", "CreateDirectoryW",
+                                                           &RefuseFolder);
+    ASSERT_TRUE(refused.Ok());
     ExpectNothingGiven(Open({one_, two_}));
     EXPECT_EQ(Left(), Texts{});
 }
 
-using CopyDouble = ImportDouble<decltype(&CopyFileW)>;
+using FakeCopy = ImportPatch<decltype(&CopyFileW)>;
 
 // The replaced call, as its name leads to the double while that stands.
 decltype(&CopyFileW) realCopy = nullptr;
@@ -106,8 +106,8 @@ BOOL WINAPI CopyUntilFull(LPCWSTR source, LPCWSTR target, BOOL keep) {
 }
 
 TEST_F(TemporaryFolderFaults, FullBeforeTheFirstCopyItGivesThePageNothing) {
-    const CopyDouble full("kernel32.dll", "CopyFileW", &CopyUntilFull);
-    ASSERT_TRUE(full.Stands());
+    const FakeCopy full("kernel32.dll", "CopyFileW", &CopyUntilFull);
+    ASSERT_TRUE(full.Ok());
     realCopy = full.Real();
     copiesThatFit = 0;
     ExpectNothingGiven(Open({one_, two_}));
@@ -116,8 +116,8 @@ TEST_F(TemporaryFolderFaults, FullBeforeTheFirstCopyItGivesThePageNothing) {
 
 // A zip of what could be copied, as with any file that can't be read.
 TEST_F(TemporaryFolderFaults, FullBehindTheFirstCopyItZipsWhatIsThere) {
-    const CopyDouble full("kernel32.dll", "CopyFileW", &CopyUntilFull);
-    ASSERT_TRUE(full.Stands());
+    const FakeCopy full("kernel32.dll", "CopyFileW", &CopyUntilFull);
+    ASSERT_TRUE(full.Ok());
     realCopy = full.Real();
     copiesThatFit = 1;
     const Answer answer = Open({one_, two_});
@@ -137,9 +137,9 @@ BOOL WINAPI WriteToFullDisk(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPE
 // The copies fit, the zip doesn't. The person is told, and of the zip's attempt only its empty
 // folder stays.
 TEST_F(TemporaryFolderFaults, FullForTheZipItIsToldAndLeavesNoHalfZip) {
-    const ImportDouble<decltype(&WriteFile)> full("kernel32.dll", "WriteFile", &WriteToFullDisk,
-                                                  GetModuleHandleW(L"obofcsvc64.dll"));
-    ASSERT_TRUE(full.Stands());
+    const ImportPatch<decltype(&WriteFile)> full("kernel32.dll", "WriteFile", &WriteToFullDisk,
+                                                 GetModuleHandleW(L"obofcsvc64.dll"));
+    ASSERT_TRUE(full.Ok());
     writesRefused = 0;
     ExpectNothingGiven(Open({one_, two_}));
     EXPECT_GT(writesRefused, 0);
@@ -162,8 +162,8 @@ BOOL WINAPI CopyAndSweep(LPCWSTR source, LPCWSTR target, BOOL keep) {
 TEST_F(TemporaryFolderFaults, SweptInTheMiddleItIsToldAndNothingIsGiven) {
     vanishing = temp_.Folder(L"swept");
     UseTemporaryFolder(vanishing);
-    const CopyDouble sweep("kernel32.dll", "CopyFileW", &CopyAndSweep);
-    ASSERT_TRUE(sweep.Stands());
+    const FakeCopy sweep("kernel32.dll", "CopyFileW", &CopyAndSweep);
+    ASSERT_TRUE(sweep.Ok());
     realCopy = sweep.Real();
     ExpectNothingGiven(Open({one_, two_}));
     EXPECT_EQ(TimesToldThatTheZipFailed(), 1u);
@@ -179,8 +179,8 @@ BOOL WINAPI CopyAndSweepCopies(LPCWSTR source, LPCWSTR target, BOOL keep) {
 }
 
 TEST_F(TemporaryFolderFaults, SweptOfItsCopiesItIsToldAndLeavesNoHalfZip) {
-    const CopyDouble sweep("kernel32.dll", "CopyFileW", &CopyAndSweepCopies);
-    ASSERT_TRUE(sweep.Stands());
+    const FakeCopy sweep("kernel32.dll", "CopyFileW", &CopyAndSweepCopies);
+    ASSERT_TRUE(sweep.Ok());
     realCopy = sweep.Real();
     ExpectNothingGiven(Open({one_, two_}));
     EXPECT_EQ(TimesToldThatTheZipFailed(), 1u);

@@ -4,8 +4,8 @@
 #include <windows.h>
 
 #include "contracts/ExchangeBlock.h"
-#include "tests/standins/Recording.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/ImportPatch.h"
 
 namespace {
 

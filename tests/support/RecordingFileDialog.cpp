@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "tests/standins/Recording.h"
-#include "tests/support/StandIns.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/FakeModules.h"
 
 namespace obtest {
 namespace {
@@ -320,7 +320,7 @@ OB_UNEXPECTED(ContextSensitiveHelp, BOOL)
 #undef OB_UNEXPECTED
 
 // Lives as long as its owner; COM's references on it don't count.
-class FileDialogDouble::Factory final : public IClassFactory {
+class FakeFileDialog::Factory final : public IClassFactory {
 public:
     explicit Factory(FileDialogScript& script) : script_(script) {}
     virtual ~Factory() = default;
@@ -346,33 +346,33 @@ private:
     FileDialogScript& script_;
 };
 
-HRESULT FileDialogDouble::GiveClassObject(FileDialogScript& script, REFIID iid, void** object) {
+HRESULT FakeFileDialog::GiveClassObject(FileDialogScript& script, REFIID iid, void** object) {
     static Factory factory(script);
     return factory.QueryInterface(iid, object);
 }
 
-FileDialogDouble::FileDialogDouble() : factory_(std::make_unique<Factory>(script)) {
+FakeFileDialog::FakeFileDialog() : factory_(std::make_unique<Factory>(script)) {
     liveObjects = 0;
     CoRegisterClassObject(CLSID_FileOpenDialog, factory_.get(), CLSCTX_INPROC_SERVER,
                           REGCLS_MULTIPLEUSE, &registration_);
 }
 
-FileDialogDouble::~FileDialogDouble() { CoRevokeClassObject(registration_); }
+FakeFileDialog::~FakeFileDialog() { CoRevokeClassObject(registration_); }
 
-ObLib::ComPtr<RecordingFileDialog> FileDialogDouble::Make() {
+ObLib::ComPtr<RecordingFileDialog> FakeFileDialog::Make() {
     return ObLib::ComPtr<RecordingFileDialog>(new RecordingFileDialog(script));
 }
 
-std::vector<std::wstring> FileDialogDouble::Calls() {
+std::vector<std::wstring> FakeFileDialog::Calls() {
     static constexpr std::wstring_view kPrefix = L"dialog.";
     std::vector<std::wstring> calls;
-    for (const std::wstring& call : StandIns::Calls()) {
+    for (const std::wstring& call : FakeModules::Calls()) {
         if (call.starts_with(kPrefix)) calls.push_back(call.substr(kPrefix.size()));
     }
     return calls;
 }
 
-std::vector<std::wstring> FileDialogDouble::CallsOf(const std::vector<std::wstring>& names) {
+std::vector<std::wstring> FakeFileDialog::CallsOf(const std::vector<std::wstring>& names) {
     std::vector<std::wstring> calls = Calls();
     std::erase_if(calls, [&](const std::wstring& call) {
         const std::wstring name = call.substr(0, call.find(L'('));
@@ -381,6 +381,6 @@ std::vector<std::wstring> FileDialogDouble::CallsOf(const std::vector<std::wstri
     return calls;
 }
 
-int FileDialogDouble::LiveObjects() { return liveObjects; }
+int FakeFileDialog::LiveObjects() { return liveObjects; }
 
 } // namespace obtest

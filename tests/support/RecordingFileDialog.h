@@ -139,12 +139,12 @@ private:
 };
 
 // Puts the double in place of the real dialog for a scope, on a thread that has COM initialised.
-class FileDialogDouble {
+class FakeFileDialog {
 public:
-    FileDialogDouble();
-    ~FileDialogDouble();
-    FileDialogDouble(const FileDialogDouble&) = delete;
-    FileDialogDouble& operator=(const FileDialogDouble&) = delete;
+    FakeFileDialog();
+    ~FakeFileDialog();
+    FakeFileDialog(const FakeFileDialog&) = delete;
+    FakeFileDialog& operator=(const FakeFileDialog&) = delete;
 
     FileDialogScript script;
 

@@ -11,7 +11,7 @@
 namespace obcore {
 namespace {
 
-constexpr std::uint32_t kZipStands = 0;
+constexpr std::uint32_t kZipOk = 0;
 
 // Where the zip is to lie.
 struct ZipTarget {
@@ -38,7 +38,7 @@ void NameZip(const UniqueZipContext& context, ZipTarget& target) {
 bool RunEngine(const OBAttachJob& job, UniqueZipContext context) {
     ArchiveService().SetCompression(context.Get(), job.CompressionMethod);
     ArchiveService().SetDuplicateReferences(context.Get(), job.DuplicateReferences ? 1 : 0);
-    const bool stands = ArchiveService().Zip(job.ParentWindow, context.Get()) == kZipStands;
+    const bool stands = ArchiveService().Zip(job.ParentWindow, context.Get()) == kZipOk;
     context.Reset();
     if (!stands) ShowStringBox(job.ParentWindow, TextId::ZipFailed);
     return stands;

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <new>
 
-#include "services/archive/compress/DeflateWalker.h"
+#include "services/archive/compress/LastDeflateBlock.h"
 
 namespace obarchive {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <mbedtls/aesni.h>
 
-#include "services/archive/crypto/LibraryAe2.h"
-#include "services/archive/crypto/SystemAe2.h"
+#include "services/archive/crypto/CngAe2.h"
+#include "services/archive/crypto/SoftwareAe2.h"
 #include "services/archive/policy/EncryptionRules.h"
 
 namespace obarchive {
@@ -17,8 +17,8 @@ Cryptography CryptographyToUse() {
 }
 
 std::unique_ptr<Ae2Algorithms> MakeAe2Algorithms(Cryptography maker) {
-    if (maker == Cryptography::Library) return std::make_unique<LibraryAe2>();
-    auto system = std::make_unique<SystemAe2>();
+    if (maker == Cryptography::Library) return std::make_unique<SoftwareAe2>();
+    auto system = std::make_unique<CngAe2>();
     return system->IsThere() ? std::move(system) : nullptr;
 }
 

@@ -22,7 +22,7 @@ constexpr double kOtherPool = 100; // letters and signs of one more script
 
 constexpr double kFollowerBits = 1; // a character that follows from the one before it
 
-// Neighbours follow each other here.
+// FakePipeline follow each other here.
 constexpr std::wstring_view kRows[] = {L"abcdefghijklmnopqrstuvwxyz",
                                        L"0123456789",
                                        L"1234567890",

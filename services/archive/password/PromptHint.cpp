@@ -2,7 +2,7 @@
 
 #include "services/archive/ThisModule.h"
 #include "services/archive/password/PasswordPromptIds.h"
-#include "services/archive/texts/FilledText.h"
+#include "services/archive/texts/FormatMessageText.h"
 
 namespace obarchive {
 namespace {
@@ -16,7 +16,7 @@ void AddLine(std::wstring& hint, const std::wstring& line) {
 std::wstring Advice(const PromptState& state) {
     if (state.copied) return OwnText(OB_TEXT_COPIED);
     if (state.phraseBits != 0) {
-        return FilledText(OB_TEXT_PHRASE, {std::to_wstring(state.phraseBits)});
+        return FormatMessageText(OB_TEXT_PHRASE, {std::to_wstring(state.phraseBits)});
     }
     return state.meetsPolicy ? std::wstring() : PolicyHint(state.policy);
 }

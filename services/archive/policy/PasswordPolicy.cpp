@@ -9,7 +9,7 @@
 #include "services/archive/password/PasswordPromptIds.h"
 #include "services/archive/policy/MachinePolicy.h"
 #include "services/archive/policy/PolicyValues.h"
-#include "services/archive/texts/FilledText.h"
+#include "services/archive/texts/FormatMessageText.h"
 #include "services/archive/texts/ProductTexts.h"
 
 namespace obarchive {
@@ -99,7 +99,7 @@ std::wstring PolicyHint(const PasswordPolicy& policy) {
         list += OwnText(row.name);
     }
     const UINT text = list.empty() ? OB_TEXT_POLICY_LENGTH : OB_TEXT_POLICY_CLASSES;
-    return FilledText(text, {std::to_wstring(policy.minimumLength), list});
+    return FormatMessageText(text, {std::to_wstring(policy.minimumLength), list});
 }
 
 } // namespace obarchive

@@ -7,7 +7,7 @@
 
 #include "services/archive/ThisModule.h"
 #include "services/archive/policy/MachinePolicy.h"
-#include "services/archive/texts/FilledText.h"
+#include "services/archive/texts/FormatMessageText.h"
 #include "services/archive/texts/ProductTexts.h"
 #include "services/archive/texts/ServiceTextIds.h"
 
@@ -44,7 +44,7 @@ void ShowHelp(HWND owner) {
     const std::wstring page = PathBesideModule(kHelpPage);
     if (IsFile(page) && OpenInShell(parent, page)) return;
     const std::wstring& place = address.empty() ? page : address;
-    Show(parent, FilledText(OB_TEXT_HELP_ELSEWHERE, {place}), MB_OK | MB_ICONEXCLAMATION);
+    Show(parent, FormatMessageText(OB_TEXT_HELP_ELSEWHERE, {place}), MB_OK | MB_ICONEXCLAMATION);
 }
 
 void ShowInstalledVersion(HWND owner) {
@@ -52,12 +52,14 @@ void ShowInstalledVersion(HWND owner) {
     const std::wstring version = ServiceVersion();
     const std::wstring address = PolicyAddress(kUpdateAddressPolicy);
     if (address.empty()) {
-        Show(parent, FilledText(OB_TEXT_VERSION, {version}), MB_OK);
+        Show(parent, FormatMessageText(OB_TEXT_VERSION, {version}), MB_OK);
         return;
     }
-    const std::wstring question = FilledText(OB_TEXT_VERSION_AND_ADDRESS, {version, address});
+    const std::wstring question =
+        FormatMessageText(OB_TEXT_VERSION_AND_ADDRESS, {version, address});
     if (Show(parent, question, MB_YESNO) != IDYES || OpenInShell(parent, address)) return;
-    Show(parent, FilledText(OB_TEXT_UPDATES_ELSEWHERE, {address}), MB_OK | MB_ICONEXCLAMATION);
+    Show(parent, FormatMessageText(OB_TEXT_UPDATES_ELSEWHERE, {address}),
+         MB_OK | MB_ICONEXCLAMATION);
 }
 
 std::wstring ServiceVersion() {

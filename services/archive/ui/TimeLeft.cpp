@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "services/archive/ThisModule.h"
-#include "services/archive/texts/FilledText.h"
+#include "services/archive/texts/FormatMessageText.h"
 #include "services/archive/texts/ServiceTextIds.h"
 
 namespace obarchive {
@@ -31,13 +31,13 @@ void TimeLeft::Sample(std::uint64_t now, std::uint64_t done) {
 void TimeLeft::Steer(std::uint64_t now, double millisecondsLeft) {
     const double measured = static_cast<double>(now) + millisecondsLeft;
     const double tolerance = std::max(kLeastTolerance, kToleratedShare * millisecondsLeft);
-    const bool onRoad = end_ && std::abs(measured - *end_) <= tolerance;
-    if (onRoad) {
+    const bool onCourse = end_ && std::abs(measured - *end_) <= tolerance;
+    if (onCourse) {
         astray_.reset();
     } else if (end_ && !astray_) {
         astray_ = now;
     }
-    if (end_ && (onRoad || now - *astray_ < kLongestAstray)) return;
+    if (end_ && (onCourse || now - *astray_ < kLongestAstray)) return;
     end_ = measured;
     astray_.reset();
 }
@@ -63,10 +63,11 @@ std::wstring TimeLeftText(std::uint64_t seconds) {
     };
     if (seconds <= kStep) return OwnText(OB_TEXT_PROGRESS_FEW_SECONDS);
     const std::uint64_t steps = (seconds + kStep - 1) / kStep * kStep;
-    if (steps < kMinute) return FilledText(OB_TEXT_PROGRESS_SECONDS, {std::to_wstring(steps)});
+    if (steps < kMinute)
+        return FormatMessageText(OB_TEXT_PROGRESS_SECONDS, {std::to_wstring(steps)});
     if (seconds < kMinute + kMinute / 2) return OwnText(OB_TEXT_PROGRESS_ONE_MINUTE);
-    if (seconds < 2 * kHour) return FilledText(OB_TEXT_PROGRESS_MINUTES, {rounded(kMinute)});
-    return FilledText(OB_TEXT_PROGRESS_HOURS, {rounded(kHour)});
+    if (seconds < 2 * kHour) return FormatMessageText(OB_TEXT_PROGRESS_MINUTES, {rounded(kMinute)});
+    return FormatMessageText(OB_TEXT_PROGRESS_HOURS, {rounded(kHour)});
 }
 
 } // namespace obarchive

@@ -58,7 +58,7 @@ std::wstring PartialName(unsigned attempt) {
 } // namespace
 
 bool OutputFile::FailWith(DWORD error) {
-    if (failure_ == ZipResult::Stands) failure_ = TargetFailure(error);
+    if (failure_ == ZipResult::Ok) failure_ = TargetFailure(error);
     return false;
 }
 
@@ -78,7 +78,7 @@ ZipResult OutputFile::Create(const std::wstring& target, const std::wstring& tem
         file_ = ObLib::UniqueKernelHandle(CreateFileW(partial_.c_str(),
                                                       GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                                       CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
-        if (file_) return ZipResult::Stands;
+        if (file_) return ZipResult::Ok;
         error = GetLastError();
         partial_.clear(); // what stands there is another's
     }
@@ -110,7 +110,7 @@ bool OutputFile::WriteThrough(const void* data, std::size_t length) {
 }
 
 bool OutputFile::Flush() {
-    if (failure_ != ZipResult::Stands) return false;
+    if (failure_ != ZipResult::Ok) return false;
     if (!buffer_.empty()) {
         if (!MoveTo(bufferStart_) || !WriteThrough(buffer_.data(), buffer_.size())) return false;
         flushedLength_ = std::max(flushedLength_, bufferStart_ + buffer_.size());
@@ -122,7 +122,7 @@ bool OutputFile::Flush() {
 }
 
 bool OutputFile::Write(const void* data, std::size_t length) {
-    if (failure_ != ZipResult::Stands) return false;
+    if (failure_ != ZipResult::Ok) return false;
     auto bytes = static_cast<const std::uint8_t*>(data);
     while (length != 0) {
         if (cursor_ == kBufferSize && !Flush()) return false;
@@ -159,7 +159,7 @@ bool OutputFile::ReadAt(std::uint64_t position, void* data, std::size_t length) 
 
 ZipResult OutputFile::Commit() {
     if (!file_ || !Flush())
-        return failure_ == ZipResult::Stands ? ZipResult::TargetUnwritable : failure_;
+        return failure_ == ZipResult::Ok ? ZipResult::TargetUnwritable : failure_;
     file_.Reset();
     // Without leave to replace, and on one volume, this is a single step that can't overwrite.
     if (!MoveFileExW(partial_.c_str(), target_.c_str(), 0)) {
@@ -167,7 +167,7 @@ ZipResult OutputFile::Commit() {
         return failure_;
     }
     partial_.clear();
-    return ZipResult::Stands;
+    return ZipResult::Ok;
 }
 
 void OutputFile::Discard() noexcept {

@@ -56,7 +56,7 @@ private:
     std::size_t cursor_ = 0; // within buffer_
     std::uint64_t bufferStart_ = 0;
     std::uint64_t flushedLength_ = 0;
-    ZipResult failure_ = ZipResult::Stands;
+    ZipResult failure_ = ZipResult::Ok;
 };
 
 } // namespace obarchive

@@ -25,7 +25,7 @@ ReadAhead::ReadAhead(std::vector<SourceEntry>& sources, const ZipJob& job,
                      WorkerPool& pool)
     : sources_(sources), job_(job), settings_(settings), keySize_(keySize), run_(run), pool_(pool),
       budget_((2 * pool.Size() + 2) * kBlockSize), file_(run), plan_(Sizes(sources)) {
-    if (job.duplicateReferences) twins_.emplace(Sizes(sources));
+    if (job.duplicateReferences) duplicates_.emplace(Sizes(sources));
 }
 
 bool ReadAhead::HasRoom() const { return held_ < budget_ && pieces_.size() < kMostPieces; }
@@ -49,11 +49,11 @@ std::optional<ContentDigest> ReadAhead::HashSource() {
 
 // Larger files are read once to see whether they are known, and then again if they aren't. True
 // also when there is nothing to find; `reading_` is over when it was a twin.
-bool ReadAhead::FindTwin() {
+bool ReadAhead::FindDuplicate() {
     SourceEntry& source = sources_[next_];
     const std::optional<ContentDigest> digest = HashSource();
     if (!digest) return false;
-    const auto original = twins_->FirstOf(source.facts.size, *digest, next_);
+    const auto original = duplicates_->FirstOf(source.facts.size, *digest, next_);
     if (!original) {
         known_ = digest;
         again_.emplace();
@@ -84,9 +84,9 @@ bool ReadAhead::BeginSource() {
     order_ = {};
     order_.packing = zipx ? Packing::Xz : Packing::Deflate;
     order_.keySize = keySize_;
-    const bool hash = twins_ && twins_->MayHaveTwin(source.facts.size);
+    const bool hash = duplicates_ && duplicates_->MayHaveDuplicate(source.facts.size);
     if (source.facts.size == 0) return run_.Report();
-    return !hash || source.facts.size <= kBlockSize || FindTwin();
+    return !hash || source.facts.size <= kBlockSize || FindDuplicate();
 }
 
 bool ReadAhead::ReadBlock(ByteBuffer& block) {
@@ -141,10 +141,10 @@ bool ReadAhead::ReadPiece() {
     ByteBuffer block;
     if (!ReadBlock(block) || !IsStillTheSame(block)) return false;
     order_.last = file_.IsAtEnd();
-    if (order_.IsWhole() && twins_ && twins_->MayHaveTwin(block.Size())) {
+    if (order_.IsWhole() && duplicates_ && duplicates_->MayHaveDuplicate(block.Size())) {
         ContentHash hash;
         hash.Add(block.Bytes());
-        const auto original = twins_->FirstOf(block.Size(), hash.Finish(), next_);
+        const auto original = duplicates_->FirstOf(block.Size(), hash.Finish(), next_);
         if (original) return SubmitCopy(*original), true;
     }
     PlanPiece(block);

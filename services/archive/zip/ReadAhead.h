@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "services/archive/compress/EffortPlan.h"
-#include "services/archive/zip/ContentTwins.h"
+#include "services/archive/zip/DuplicateFinder.h"
 #include "services/archive/zip/PackTask.h"
 #include "services/archive/zip/SourceFile.h"
 
@@ -50,7 +50,7 @@ private:
     bool ReadPiece();
     bool BeginSource();
     bool ReadBlock(ByteBuffer& block);
-    bool FindTwin();
+    bool FindDuplicate();
     bool IsStillTheSame(const ByteBuffer& block);
     std::optional<ContentDigest> HashSource();
     void Submit(PackOrder order, ByteBuffer block);
@@ -77,7 +77,7 @@ private:
     std::optional<ContentDigest> known_;
     std::optional<ContentHash> again_;
     PackOrder order_; // of the next piece of the source that is read
-    std::optional<ContentTwins> twins_;
+    std::optional<DuplicateFinder> duplicates_;
     BlockCompressor glances_;
     EffortPlan plan_;
 };

@@ -19,12 +19,12 @@ struct RunState {
     std::wstring file;                          // the source that was read last
     std::uint64_t bytesRead = 0;
     std::uint64_t totalBytes = 0;
-    ZipResult failure = ZipResult::Stands;
+    ZipResult failure = ZipResult::Ok;
     std::wstring failedFile; // the source that the failure concerns; empty when it is none
 
     // The first failure stays: those behind it only follow from it.
     void Fail(ZipResult result, const std::wstring& source = {}) {
-        if (failure != ZipResult::Stands) return;
+        if (failure != ZipResult::Ok) return;
         failure = result;
         failedFile = source;
     }

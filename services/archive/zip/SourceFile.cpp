@@ -59,7 +59,7 @@ bool SourceFile::Open(const std::wstring& path, SourceFacts& facts, bool pinned)
     if (!same || (pinned && !sameTime)) run_.Fail(ZipResult::SourceChanged, run_.file);
     facts.lastWrite = now.lastWrite;
     facts_ = facts;
-    return run_.failure == ZipResult::Stands;
+    return run_.failure == ZipResult::Ok;
 }
 
 bool SourceFile::ConfirmEnd() {

@@ -188,7 +188,7 @@ ZipResult ZipJobWithProgress(HWND owner, const ZipJob& job, std::wstring& failed
     bool stands = false;
     const ZipResult result = RunWithProgress(owner, [&](const ProgressCallback& progress) {
         const ZipResult run = RunZip(job, progress, &failedFile);
-        stands = run == ZipResult::Stands;
+        stands = run == ZipResult::Ok;
         return run;
     });
     // The person was faster than the window's end. The zip is this run's own until it is answered.

@@ -2,7 +2,7 @@
 
 #include "services/archive/Paths.h"
 #include "services/archive/ThisModule.h"
-#include "services/archive/texts/FilledText.h"
+#include "services/archive/texts/FormatMessageText.h"
 #include "services/archive/texts/ProductTexts.h"
 #include "services/archive/texts/ServiceTextIds.h"
 
@@ -36,10 +36,10 @@ std::wstring WithoutName(UINT text) {
 } // namespace
 
 std::wstring FailureSentence(ZipResult result, const std::wstring& failedFile) {
-    if (result == ZipResult::Stands || result == ZipResult::Cancelled) return {};
+    if (result == ZipResult::Ok || result == ZipResult::Cancelled) return {};
     const UINT text = OB_TEXT_ZIP_FAILED + static_cast<UINT>(result);
     const std::wstring name = ShownName(failedFile);
-    return name.empty() ? WithoutName(text) : FilledText(text, {name});
+    return name.empty() ? WithoutName(text) : FormatMessageText(text, {name});
 }
 
 void TellFailure(HWND owner, ZipResult result, const std::wstring& failedFile) {

@@ -7,7 +7,7 @@
 namespace obarchive {
 
 enum class ZipResult : std::uint32_t {
-    Stands = 0,
+    Ok = 0,
 
     // The call was not fit to run; nothing was opened or made.
     BadContext = 1,       // no such context, or a destroyed one

@@ -55,7 +55,7 @@ ZipResult CheckJob(const ZipJob& job) {
     if (!knownCompression || !FindEncryption(job.encryptionMethod)) return ZipResult::UnknownMethod;
     if (job.encryptionMethod != 0 && job.password.Empty()) return ZipResult::PasswordMissing;
     if (job.recoveryAsked) return ZipResult::RecoveryNotThere;
-    return ZipResult::Stands;
+    return ZipResult::Ok;
 }
 
 // Both fields tell the time of the last change in world time, where the zip's own field tells it as
@@ -182,17 +182,17 @@ ZipResult WriteEntries(const ZipJob& job, OutputFile& output, RunState& run) {
 ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress, std::wstring* failedFile) {
     if (failedFile) failedFile->clear();
     const ZipResult fit = CheckJob(job);
-    if (fit != ZipResult::Stands) return fit;
+    if (fit != ZipResult::Ok) return fit;
     const std::wstring target = FullPath(job.target);
     if (target.empty()) return ZipResult::PathTooLong;
     OutputFile output;
     const ZipResult created = output.Create(target, job.temporaryFolder);
-    if (created != ZipResult::Stands) return created;
+    if (created != ZipResult::Ok) return created;
     RunState run;
     run.progress = &progress;
     const ZipResult written = WriteEntries(job, output, run);
-    if (written != ZipResult::Stands && failedFile) *failedFile = run.failedFile;
-    if (written != ZipResult::Stands) return written;
+    if (written != ZipResult::Ok && failedFile) *failedFile = run.failedFile;
+    if (written != ZipResult::Ok) return written;
     return output.Commit();
 }
 

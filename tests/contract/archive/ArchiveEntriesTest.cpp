@@ -11,7 +11,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/contract/archive/LoadedService.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
@@ -131,9 +131,9 @@ HINSTANCE WINAPI NoteOpened(HWND, const wchar_t*, const wchar_t* file, const wch
 }
 
 TEST_F(ArchiveEntries, HelpIsThePageThatTheBuildLaysBesideTheModule) {
-    const obtest::ImportDouble<decltype(&ShellExecuteW)> shell("shell32.dll", "ShellExecuteW",
-                                                               &NoteOpened, service_.Module());
-    ASSERT_TRUE(shell.Stands());
+    const obtest::ImportPatch<decltype(&ShellExecuteW)> shell("shell32.dll", "ShellExecuteW",
+                                                              &NoteOpened, service_.Module());
+    ASSERT_TRUE(shell.Ok());
     opened.clear();
     service_->WebHelpW(nullptr, L"Help About Topic", L"Help About Topic");
     const std::wstring page = BesideProgram(L"help\\index.html");
@@ -161,10 +161,10 @@ NTSTATUS WINAPI CountDigest(BCRYPT_HASH_HANDLE hash, PUCHAR output, ULONG size, 
     return realFinish(hash, output, size, flags);
 }
 
-TEST_F(ArchiveEntries, TwinsAreLookedForWhenAskedAndOnlyThen) {
-    const obtest::ImportDouble<decltype(&BCryptFinishHash)> finish("bcrypt.dll", "BCryptFinishHash",
-                                                                   &CountDigest, service_.Module());
-    ASSERT_TRUE(finish.Stands());
+TEST_F(ArchiveEntries, DuplicatesAreSearchedOnlyWhenAsked) {
+    const obtest::ImportPatch<decltype(&BCryptFinishHash)> finish("bcrypt.dll", "BCryptFinishHash",
+                                                                  &CountDigest, service_.Module());
+    ASSERT_TRUE(finish.Ok());
     realFinish = finish.Real();
     const obtest::TestFolder folder;
     for (const std::uint8_t asked : {std::uint8_t{0}, std::uint8_t{1}}) {

@@ -3,7 +3,7 @@
 
 #include "tests/contract/entry/LoadedLibrary.h"
 #include "tests/contract/entry/PageContext.h"
-#include "tests/standins/host/HostScript.h"
+#include "tests/fakes/host/HostScript.h"
 #include "tests/support/TestFolder.h"
 
 namespace {

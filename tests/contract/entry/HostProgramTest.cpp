@@ -7,15 +7,15 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "contracts/ExchangeBlock.h"
-#include "tests/standins/Recording.h"
-#include "tests/support/AbsentNeighbour.h"
-#include "tests/support/StandIns.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/AbsentModule.h"
+#include "tests/support/FakeModules.h"
 
 namespace {
 
-using obtest::AbsentNeighbour;
+using obtest::AbsentModule;
 using obtest::BesideProgram;
-using obtest::StandIns;
+using obtest::FakeModules;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -44,9 +44,11 @@ DWORD RunHost(const std::wstring& arguments) {
 
 class HostProgram : public testing::Test {
 protected:
-    void SetUp() override { StandIns::Reset(); }
+    void SetUp() override { FakeModules::Reset(); }
 
-    static std::vector<std::wstring> Log() { return StandIns::CallsOf({L"LogLaunch", L"LogExit"}); }
+    static std::vector<std::wstring> Log() {
+        return FakeModules::CallsOf({L"LogLaunch", L"LogExit"});
+    }
 };
 
 TEST_F(HostProgram, EndsWithMinusOneWithoutItsTwoNumbers) {
@@ -57,22 +59,22 @@ TEST_F(HostProgram, EndsWithMinusOneWithoutItsTwoNumbers) {
 }
 
 TEST_F(HostProgram, EndsWithMinusOneWithoutTheLibrary) {
-    const AbsentNeighbour library(L"obwmcore64.dll");
-    ASSERT_TRUE(library.Stands());
+    const AbsentModule library(L"obwmcore64.dll");
+    ASSERT_TRUE(library.Ok());
     EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
     EXPECT_THAT(Log(), IsEmpty());
 }
 
 TEST_F(HostProgram, EndsWithMinusOneWithoutTheProviderManager) {
-    const AbsentNeighbour manager(L"PVXManager64.dll");
-    ASSERT_TRUE(manager.Stands());
+    const AbsentModule manager(L"PVXManager64.dll");
+    ASSERT_TRUE(manager.Ok());
     EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
     EXPECT_THAT(Log(), IsEmpty());
 }
 
 TEST_F(HostProgram, EndsWithMinusOneWithoutTheArchiveService) {
-    const AbsentNeighbour service(L"obofcsvc64.dll");
-    ASSERT_TRUE(service.Stands());
+    const AbsentModule service(L"obofcsvc64.dll");
+    ASSERT_TRUE(service.Ok());
     EXPECT_EQ(RunHost(L" 5 0"), kMinusOne);
     EXPECT_THAT(Log(), IsEmpty());
 }

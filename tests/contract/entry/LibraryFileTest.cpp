@@ -6,7 +6,7 @@
 
 #include "tests/contract/entry/LoadedLibrary.h"
 #include "tests/contract/entry/PageContext.h"
-#include "tests/standins/host/HostScript.h"
+#include "tests/fakes/host/HostScript.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "tests/contract/entry/LoadedLibrary.h"
 
-#include "tests/standins/Recording.h"
+#include "tests/fakes/Recording.h"
 
 namespace obtest {
 

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/standins/Recording.h"
-#include "tests/standins/host/HostScript.h"
-#include "tests/support/AbsentNeighbour.h"
+#include "tests/fakes/Recording.h"
+#include "tests/fakes/host/HostScript.h"
+#include "tests/support/AbsentModule.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -57,24 +57,24 @@ TEST_F(MailPageProgram, TakesFilesFromTheLibraryAndSendsThem) {
     EXPECT_EQ(obtest::ReadFileContent(folder_ / L"outbox\\b.txt"), "second");
 }
 
-TEST_F(MailPageProgram, TakesFilesOnTheDialogRoad) {
+TEST_F(MailPageProgram, TakesFilesOnTheDialogPath) {
     const std::wstring a = folder_.File(L"a.txt");
     const std::wstring b = folder_.File(L"b.txt");
     HostScript::Play(L"poke32 28 76\npoke32 32 78\nlist 78 " + Quoted(a) + L" " + Quoted(b) +
                      L"\nstatus 4\nresult 0");
-    EXPECT_EQ(Attach(L"--road dialog"),
+    EXPECT_EQ(Attach(L"--entry dialog"),
               Narrow(L"answer=0x00000000\npath=" + a + L"\npath=" + b + L"\n"));
 }
 
-TEST_F(MailPageProgram, TakesOneFileOnTheDialogRoad) {
+TEST_F(MailPageProgram, TakesOneFileOnTheDialogPath) {
     const std::wstring a = folder_.File(L"a.txt");
     HostScript::Play(L"poke32 28 76\npoke32 32 78\nlist 78 " + Quoted(a) + L"\nstatus 4\nresult 0");
-    EXPECT_EQ(Attach(L"--road dialog --single"), Narrow(L"answer=0x00000000\npath=" + a + L"\n"));
+    EXPECT_EQ(Attach(L"--entry dialog --single"), Narrow(L"answer=0x00000000\npath=" + a + L"\n"));
 }
 
 TEST_F(MailPageProgram, SaysWhenTheUserCancelled) {
     HostScript::Play(L"result 0x800704C7");
-    EXPECT_EQ(Attach(L"--road dialog"), "answer=0x800704C7\n");
+    EXPECT_EQ(Attach(L"--entry dialog"), "answer=0x800704C7\n");
     HostScript::Play(L"status 3");
     EXPECT_EQ(Attach(L""), "answer=0\n");
 }
@@ -100,7 +100,7 @@ TEST_F(MailPageProgram, IsLeftToItsOwnDialogOnAnotherPage) {
     HostScript::Play(L"exit 0");
     EXPECT_EQ(Attach(L"--url https://www.example.com/ --no-fallback-dialog"),
               "answer=0\nbrowser-dialog=yes\n");
-    EXPECT_EQ(Attach(L"--url https://www.example.com/ --no-fallback-dialog --road dialog"),
+    EXPECT_EQ(Attach(L"--url https://www.example.com/ --no-fallback-dialog --entry dialog"),
               "answer=0x800704C7\nbrowser-dialog=yes\n");
     EXPECT_THAT(HostScript::Record(), IsEmpty());
 }
@@ -115,8 +115,8 @@ TEST_F(MailPageProgram, IsTheOwnerOfTheHostsDialogAndHeldMeanwhile) {
 }
 
 TEST_F(MailPageProgram, EndsWithItsOwnCodeWithoutTheLibrary) {
-    const obtest::AbsentNeighbour library(L"obwmcore64.dll");
-    ASSERT_TRUE(library.Stands());
+    const obtest::AbsentModule library(L"obwmcore64.dll");
+    ASSERT_TRUE(library.Ok());
     EXPECT_EQ(Attach(L""), "no result");
     EXPECT_EQ(exitCode_, 3u);
 }

@@ -7,13 +7,13 @@
 
 #include "tests/contract/entry/LoadedLibrary.h"
 #include "tests/contract/entry/PageContext.h"
-#include "tests/standins/host/HostScript.h"
-#include "tests/support/AbsentNeighbour.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/fakes/host/HostScript.h"
+#include "tests/support/AbsentModule.h"
+#include "tests/support/ImportPatch.h"
 
 namespace {
 
-using obtest::AbsentNeighbour;
+using obtest::AbsentModule;
 using obtest::HostScript;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -97,8 +97,8 @@ TEST_F(OpenFileNameContract, GivesTheCallersOwnerBackAfterEveryEndOfTheHost) {
 }
 
 TEST_F(OpenFileNameContract, ReadsAsACancelWhenTheHostIsMissing) {
-    const AbsentNeighbour host(L"obwmvapp.exe");
-    ASSERT_TRUE(host.Stands());
+    const AbsentModule host(L"obwmvapp.exe");
+    ASSERT_TRUE(host.Ok());
     EXPECT_EQ(Ask(), 0);
     EXPECT_THAT(context_.asked, IsEmpty());
     EXPECT_EQ(request_.hwndOwner, nullptr);
@@ -121,8 +121,8 @@ TEST_F(OpenFileNameContract, LeavesOtherPagesToTheBrowser) {
 }
 
 TEST_F(OpenFileNameContract, LeavesMailPagesToTheBrowserWithoutTheArchiveService) {
-    const AbsentNeighbour service(L"obofcsvc64.dll");
-    ASSERT_TRUE(service.Stands());
+    const AbsentModule service(L"obofcsvc64.dll");
+    ASSERT_TRUE(service.Ok());
     EXPECT_EQ(Ask(), 9);
     EXPECT_THAT(context_.asked, ElementsAre("CallGetOpenFileName"));
 }
@@ -131,8 +131,8 @@ TEST_F(OpenFileNameContract, NeverLoadsTheProviderManagerInTheBrowser) {
     HostScript::Play(L"status 3\nslot \"C:\\a.txt\"\nresult 1");
     EXPECT_EQ(Ask(), 1);
     EXPECT_EQ(GetModuleHandleW(L"PVXManager64.dll"), nullptr);
-    const AbsentNeighbour manager(L"PVXManager64.dll");
-    ASSERT_TRUE(manager.Stands());
+    const AbsentModule manager(L"PVXManager64.dll");
+    ASSERT_TRUE(manager.Ok());
     EXPECT_EQ(Ask(), 1);
 }
 
@@ -142,9 +142,9 @@ DWORD WINAPI FillTheBuffer(HMODULE, LPWSTR path, DWORD capacity) {
 }
 
 TEST_F(OpenFileNameContract, AsksTheBrowserWhenItsOwnPathFillsTheBuffer) {
-    const obtest::ImportDouble<decltype(&GetModuleFileNameW)> name(
+    const obtest::ImportPatch<decltype(&GetModuleFileNameW)> name(
         "kernel32.dll", "GetModuleFileNameW", &FillTheBuffer, library_.module.Get());
-    ASSERT_TRUE(name.Stands());
+    ASSERT_TRUE(name.Ok());
     EXPECT_EQ(Ask(), 9);
     EXPECT_THAT(HostScript::Record(), IsEmpty());
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "OBCore/modules/ProviderManager.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
 
 namespace {
 
@@ -67,7 +67,7 @@ void ExpectOnlyNo(ProviderManagerHandle manager) {
 class ProviderManagerContract : public testing::Test {
 protected:
     void SetUp() override {
-        obtest::StandIns::Reset();
+        obtest::FakeModules::Reset();
         obtest::ClearProductRegistry();
         ASSERT_TRUE(LoadProviderManager());
         manager_ = Entries().CreateObExtensionsManager();

@@ -10,7 +10,7 @@
 
 #include "OBCore/cloud/CloudUploadCallBack.h"
 #include "OBCore/modules/ProviderManager.h"
-#include "tests/support/StandIns.h"
+#include "tests/support/FakeModules.h"
 
 namespace {
 
@@ -25,19 +25,19 @@ HWND Window(std::uintptr_t value) { return reinterpret_cast<HWND>(value); }
 class ProviderSlots : public testing::Test {
 protected:
     void SetUp() override {
-        obtest::StandIns::Reset();
-        obtest::StandIns::Answer(L"Providers", L"7,21");
+        obtest::FakeModules::Reset();
+        obtest::FakeModules::Answer(L"Providers", L"7,21");
         ASSERT_TRUE(LoadProviderManager());
         manager_ = ProviderManager().CreateObExtensionsManager();
         ProviderManager().Init(manager_, -2147483647, kProviderManagerKey);
         provider_ = ProviderManager().GetProviderInstance(manager_, 7, ProviderKind::Storage);
         ASSERT_NE(provider_, nullptr);
-        obtest::StandIns::ForgetCalls();
+        obtest::FakeModules::ForgetCalls();
     }
     void TearDown() override { ProviderManager().DeleteObExtensionsManager(manager_); }
 
     static void Answer(const wchar_t* key, const wchar_t* answer) {
-        obtest::StandIns::Answer(key, answer);
+        obtest::FakeModules::Answer(key, answer);
     }
 
     ProviderManagerHandle manager_ = nullptr;
@@ -86,7 +86,7 @@ TEST_F(ProviderSlots, TellAboutAProvider) {
                                                 ProviderCapability::Folders));
     OnProvider::ManageAccount::Call(provider_, Window(4242), L"key");
     EXPECT_EQ(
-        obtest::StandIns::Calls(),
+        obtest::FakeModules::Calls(),
         (Lines{L"GetProviderId(provider7)", L"GetDisplayName(provider7, 1, 128)",
                L"HasCapability(provider7, 1, 1)", L"HasCapability(provider7, 1, 2)",
                L"HasCapability(provider7, 1, 1024)", L"ManageAccount(provider7, 4242, \"key\")"}));
@@ -107,7 +107,7 @@ TEST_F(ProviderSlots, TellAboutAnAccount) {
     OnProvider::GetAccountRootFolder::Call(provider_, L"key", root, 2048);
     EXPECT_STREQ(root, L"root");
     EXPECT_TRUE(OnProvider::IsAccountLoggedIn::Call(provider_, L"key"));
-    EXPECT_EQ(obtest::StandIns::Calls(),
+    EXPECT_EQ(obtest::FakeModules::Calls(),
               (Lines{L"GetAccountSpace(provider7, \"key\")", L"GetMaxFileSize(provider7, \"key\")",
                      L"GetAccountRootFolder(provider7, \"key\", 2048)",
                      L"IsAccountLoggedIn(provider7, \"key\")"}));
@@ -140,7 +140,7 @@ TEST_F(ProviderSlots, CarryAnUploadListThroughItsLife) {
     OnUpload::ResetList::Call(list, 0);
     EXPECT_FALSE(OnUpload::GetItem::Call(list, 0, &item));
     OnProvider::DestroyUploadList::Call(provider_, list);
-    EXPECT_EQ(obtest::StandIns::Calls(),
+    EXPECT_EQ(obtest::FakeModules::Calls(),
               (Lines{L"CreateUploadList(provider7, \"key\")",
                      L"AddFile(list, \"C:\\t\\a.zip\", \"a.zip\", 0, 0, \"folder\")",
                      L"GetItem(list, 0)", L"GetItem(list, 1)", L"ResetList(list, 0)",
@@ -158,7 +158,7 @@ TEST_F(ProviderSlots, FillTheLinksOfASharedList) {
     EXPECT_STREQ(item.link, L"https://7.example/a.zip");
     EXPECT_FALSE(OnDownload::GetItem::Call(list, 1, &item));
     OnProvider::DestroyDownloadList::Call(provider_, list);
-    EXPECT_EQ(obtest::StandIns::Calls(),
+    EXPECT_EQ(obtest::FakeModules::Calls(),
               (Lines{L"CreateDownloadList(provider7)", L"AddItem(list, item(\"a.zip\", \"\"))",
                      L"ShareItems(provider7, list)", L"GetItem(list, 0)", L"GetItem(list, 1)",
                      L"DestroyDownloadList(provider7, list)"}));
@@ -173,10 +173,10 @@ TEST_F(ProviderSlots, MayHaveNoLists) {
 
 TEST_F(ProviderSlots, PassTheArgumentsOfAnUpload) {
     UploadList* list = OnProvider::CreateUploadList::Call(provider_, L"key");
-    obtest::StandIns::ForgetCalls();
+    obtest::FakeModules::ForgetCalls();
     EXPECT_TRUE(OnProvider::RunUpload::Call(provider_, list, Window(77), L"title", L"body", true,
                                             false, true, true, 1, nullptr));
-    EXPECT_EQ(obtest::StandIns::Calls(),
+    EXPECT_EQ(obtest::FakeModules::Calls(),
               (Lines{L"RunUpload(provider7, list, 77, \"title\", \"body\", 1, 0, 1, 1, 1, null)"}));
     OnProvider::DestroyUploadList::Call(provider_, list);
 }
@@ -206,7 +206,7 @@ TEST_F(ProviderSlots, WriteDownACallThatNobodyShouldMake) {
     using Function = void (*)(CloudProvider*);
     reinterpret_cast<Function>(provider_->table[0])(provider_);
     reinterpret_cast<Function>(provider_->table[135])(provider_);
-    EXPECT_EQ(obtest::StandIns::Calls(), (Lines{L"UnexpectedSlot(0)", L"UnexpectedSlot(135)"}));
+    EXPECT_EQ(obtest::FakeModules::Calls(), (Lines{L"UnexpectedSlot(0)", L"UnexpectedSlot(135)"}));
 }
 
 // An upload whose attempts tell the callback something.
@@ -230,7 +230,7 @@ TEST_F(ProviderCallback, HearsThatTheNameIsTaken) {
     EXPECT_TRUE(Run());
     EXPECT_EQ(callback_.retryWithNewName, 0);
     OnProvider::ClearCallback::Call(provider_);
-    EXPECT_EQ(obtest::StandIns::CallsOf({L"SetCallback", L"ClearCallback"}),
+    EXPECT_EQ(obtest::FakeModules::CallsOf({L"SetCallback", L"ClearCallback"}),
               (Lines{L"SetCallback(provider7, callback)", L"ClearCallback(provider7)"}));
 }
 

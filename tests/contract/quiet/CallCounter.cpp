@@ -8,7 +8,7 @@
 #include <new>
 #include <vector>
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 
 namespace obtest {
 namespace {

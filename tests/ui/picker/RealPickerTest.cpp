@@ -10,12 +10,12 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/picker/Drivers.h"
 #include "OBCore/picker/PickerControls.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/PickerPerson.h"
+#include "tests/support/PickerUiDriver.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
 #include "tests/support/TestFolder.h"
-#include "tests/unit/WebVellant/OBCore/picker/PlanningDouble.h"
+#include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ std::wstring Shown(UINT id) {
 }
 
 bool WasCalled(const std::wstring& start) {
-    return std::ranges::any_of(StandIns::Calls(),
+    return std::ranges::any_of(FakeModules::Calls(),
                                [&](const std::wstring& call) { return call.starts_with(start); });
 }
 
@@ -41,14 +41,14 @@ bool WasCalled(const std::wstring& start) {
 class RealPicker : public testing::Test {
 protected:
     void SetUp() override {
-        StandIns::Reset();
+        FakeModules::Reset();
         ClearProductRegistry();
-        PlanningDouble::Reset();
+        FakePlanning::Reset();
         CoInitialize(nullptr);
         ASSERT_TRUE(LoadArchiveService());
         ASSERT_TRUE(LoadProviderManager());
         ASSERT_TRUE(BindResourceModule());
-        PlanningDouble::process = [this](OBOpenFileNameDlg& dialog, const Paths& paths) {
+        FakePlanning::process = [this](OBOpenFileNameDlg& dialog, const Paths& paths) {
             picked = paths;
             sendItem = dialog.Options->SendItem;
             autoEncrypt = dialog.Options->AutoEncrypt;
@@ -59,16 +59,16 @@ protected:
     void TearDown() override { CoUninitialize(); }
 
     static void Support(std::uint32_t transform) {
-        StandIns::Answer(L"IsProviderSupport." + std::to_wstring(transform) + L".4", L"1");
+        FakeModules::Answer(L"IsProviderSupport." + std::to_wstring(transform) + L".4", L"1");
     }
 
     HRESULT RunDialog(DWORD options, std::function<void(OpenPicker&)> use) {
         *block = ExchangeBlock{};
         block->Status = ExchangeStatus::DialogRequest;
         block->DialogOptions = options;
-        PickerPerson person(std::move(use));
+        PickerUiDriver driver(std::move(use));
         const HRESULT result = DialogDriver(nullptr, *block);
-        EXPECT_TRUE(person.Done()) << "no picker came, or it didn't close";
+        EXPECT_TRUE(driver.Done()) << "no picker came, or it didn't close";
         return result;
     }
 
@@ -82,9 +82,9 @@ protected:
         WriteOpenFileNameRequest(*block, page);
         block->Status = ExchangeStatus::OpenFileNameTaken;
         OPENFILENAMEW request = ReadOpenFileNameRequest(*block, nullptr);
-        PickerPerson person(std::move(use));
+        PickerUiDriver driver(std::move(use));
         const BOOL result = OpenFileNameDriver(&request, *block);
-        EXPECT_TRUE(person.Done()) << "no picker came, or it didn't close";
+        EXPECT_TRUE(driver.Done()) << "no picker came, or it didn't close";
         return result;
     }
 
@@ -129,7 +129,7 @@ TEST_F(RealPicker, ShowsChoicesAndTransformsInTheirStates) {
     EXPECT_EQ(block->Status, ExchangeStatus::DialogRequest);
 }
 
-TEST_F(RealPicker, GivesOneFileOnTheOpenFileNameRoad) {
+TEST_F(RealPicker, GivesOneFileOnTheOpenFileNamePath) {
     const std::wstring file = folder.File(L"one.txt");
     EXPECT_EQ(RunOpenFileName(OFN_EXPLORER,
                               [&](OpenPicker& picker) {
@@ -141,7 +141,7 @@ TEST_F(RealPicker, GivesOneFileOnTheOpenFileNameRoad) {
     EXPECT_TRUE(sendItem);
 }
 
-TEST_F(RealPicker, GivesSeveralFilesOnTheDialogRoad) {
+TEST_F(RealPicker, GivesSeveralFilesOnTheDialogPath) {
     const Paths files = {folder.File(L"one.txt"), folder.File(L"two words.txt"),
                          folder.File(L"\u00e9\u4e2d.txt")};
     const HRESULT result = RunDialog(FOS_FORCEFILESYSTEM, [&](OpenPicker& picker) {
@@ -200,7 +200,7 @@ TEST_F(RealPicker, TakesTheChoiceThatWasClicked) {
 TEST_F(RealPicker, UnticksATransformThatTheManagerRefuses) {
     Support(2);
     Support(5);
-    StandIns::Answer(L"SelectProviders.2", L"0");
+    FakeModules::Answer(L"SelectProviders.2", L"0");
     bool refusedTick = true;
     bool acceptedTick = false;
     RunDialog(FOS_FORCEFILESYSTEM, [&](OpenPicker& picker) {

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "tests/e2e/RealRequest.h"
-#include "tests/support/PasswordPerson.h"
+#include "tests/support/PasswordUiDriver.h"
 #include "tests/support/WindowPicture.h"
 
 namespace obtest {
@@ -64,19 +64,19 @@ TEST_F(Pictures, ThePickerShowsItsChoices) {
     constexpr const wchar_t* kNames[] = {L"Agenda.txt", L"Chart.png",  L"Meeting notes.txt",
                                          L"Plan.txt",   L"Report.pdf", L"Summary.txt"};
     for (const wchar_t* name : kNames) WriteFileContent(folder + L"\\" + name, "content");
-    PickerPerson person([&](OpenPicker& picker) {
+    PickerUiDriver driver([&](OpenPicker& picker) {
         OpenFolder(picker, folder, static_cast<int>(std::size(kNames)));
         EXPECT_TRUE(picker.SelectInList({0, 2}));
         Look(picker.Window(), L"picker", 500, 400);
         picker.PressCancel();
     });
     AskOpen();
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
 }
 
 TEST_F(Pictures, ThePasswordPromptShowsItsFields) {
     const std::wstring file = files_.File(L"Meeting notes.txt");
-    PickerPerson person([&](OpenPicker& picker) {
+    PickerUiDriver driver([&](OpenPicker& picker) {
         Pick(Choice::Encrypt, {file})(picker);
         const OpenPasswordPrompt prompt = OpenPasswordPrompt::Await();
         ASSERT_TRUE(prompt.Window());
@@ -85,7 +85,7 @@ TEST_F(Pictures, ThePasswordPromptShowsItsFields) {
         prompt.PressCancel();
     });
     AskOpen();
-    EXPECT_TRUE(person.Done());
+    EXPECT_TRUE(driver.Done());
 }
 
 TEST_F(Pictures, TheMailPageShowsWhatItWasGiven) {
@@ -102,8 +102,8 @@ TEST_F(Pictures, TheMailPageShowsWhatItWasGiven) {
                                nullptr, &startup, &started));
     CloseHandle(started.hThread);
     const ObLib::UniqueKernelHandle process(started.hProcess);
-    PickerPerson person(Pick(Choice::Zip, {one, two}));
-    EXPECT_TRUE(person.Done());
+    PickerUiDriver driver(Pick(Choice::Zip, {one, two}));
+    EXPECT_TRUE(driver.Done());
     EXPECT_TRUE(OpenPicker::WaitFor([&] { return FileExists(result); }, kPageLimit));
     const HWND window = FindMainWindow(started.dwProcessId);
     EXPECT_TRUE(window);

@@ -8,7 +8,7 @@
 #include "ObLib/Src/StringCore.h"
 #include "ObLib/Src/StringPool.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLib/CountedMemory.h"
 
 namespace {
@@ -31,7 +31,7 @@ DWORD WINAPI AskForACore(void*) {
         throw 1; // what a first exception of a thread needs of the system isn't refused
     } catch (int) {
     }
-    const obtest::ImportDouble event("kernel32.dll", "CreateEventA", &RefuseEvent);
+    const obtest::ImportPatch event("kernel32.dll", "CreateEventA", &RefuseEvent);
     try {
         ObLib::PoolFree(ObLib::PoolAllocate(sizeof(StringCore)), sizeof(StringCore));
         g_outcome = Outcome::kGiven;

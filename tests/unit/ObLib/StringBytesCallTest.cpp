@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "ObLib/Src/ObString.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 
 namespace {
 
@@ -23,8 +23,8 @@ int WINAPI NotePage(UINT page, DWORD flags, LPCCH, int, LPWSTR out, int) {
 }
 
 std::vector<PageAndFlags> AskedFor(std::int32_t kind) {
-    const obtest::ImportDouble convert("kernel32.dll", "MultiByteToWideChar", &NotePage);
-    EXPECT_TRUE(convert.Stands());
+    const obtest::ImportPatch convert("kernel32.dll", "MultiByteToWideChar", &NotePage);
+    EXPECT_TRUE(convert.Ok());
     g_asked.clear();
     const ObString string("bytes", kind);
     EXPECT_STREQ(L"nn", string.CStr());

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
 
 namespace {
@@ -91,8 +91,8 @@ LONG WINAPI NoteClosed(HKEY key) {
 TEST_F(RegistryKey, OpeningAgainClosesTheOldKey) {
     const HKEY before = key_.key;
     {
-        const obtest::ImportDouble closing("advapi32.dll", "RegCloseKey", &NoteClosed);
-        ASSERT_TRUE(closing.Stands());
+        const obtest::ImportPatch closing("advapi32.dll", "RegCloseKey", &NoteClosed);
+        ASSERT_TRUE(closing.Ok());
         EXPECT_TRUE(key_.Open());
         EXPECT_EQ(before, g_closed);
     }
@@ -206,8 +206,8 @@ TEST_F(RegistryKey, AValueThatChangesItsSizeMeanwhileGivesFalse) {
     HKEY writable = nullptr;
     ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_CURRENT_USER, kKey, 0, KEY_ALL_ACCESS, &writable));
     const ObLib::UniqueRegistryKey owner(writable);
-    const obtest::ImportDouble query("advapi32.dll", "RegQueryValueExW", &QueryAndChange);
-    ASSERT_TRUE(query.Stands());
+    const obtest::ImportPatch query("advapi32.dll", "RegQueryValueExW", &QueryAndChange);
+    ASSERT_TRUE(query.Ok());
     g_realQuery = query.Real();
     for (const std::size_t size : {0, 2, 5, 8, 9, 100}) {
         Store(REG_BINARY, "abcd");

@@ -2,12 +2,12 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/utilities/ObUtil.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 
 namespace {
 
 using ObLib::UniqueWindow;
-using obtest::ImportDouble;
+using obtest::ImportPatch;
 
 // The system's answers, as a test wants them.
 BOOL g_answers = TRUE;
@@ -22,8 +22,8 @@ BOOL WINAPI AnswerParameters(UINT action, UINT size, PVOID parameter, UINT) {
 }
 
 TEST(HighContrast, IsTheSystemsFlagOfThatName) {
-    const ImportDouble parameters("user32.dll", "SystemParametersInfoW", &AnswerParameters);
-    ASSERT_TRUE(parameters.Stands());
+    const ImportPatch parameters("user32.dll", "SystemParametersInfoW", &AnswerParameters);
+    ASSERT_TRUE(parameters.Ok());
     g_contrastFlags = HCF_HIGHCONTRASTON;
     EXPECT_TRUE(ObLibX::IsHighContrast());
     EXPECT_EQ(static_cast<UINT>(SPI_GETHIGHCONTRAST), g_asked);
@@ -42,8 +42,8 @@ int WINAPI AnswerCapability(HDC, int index) { return index == BITSPIXEL ? g_bits
 
 TEST(ScreenColors, AreLowBelow32Bits) {
     EXPECT_FALSE(ObLibX::IsLowColor());
-    const ImportDouble capability("gdi32.dll", "GetDeviceCaps", &AnswerCapability);
-    ASSERT_TRUE(capability.Stands());
+    const ImportPatch capability("gdi32.dll", "GetDeviceCaps", &AnswerCapability);
+    ASSERT_TRUE(capability.Ok());
     for (const int bits : {1, 8, 16, 24, 31}) {
         g_bits = bits;
         EXPECT_TRUE(ObLibX::IsLowColor()) << bits;
@@ -63,8 +63,8 @@ TEST(Resolution, Is96HereAndScalesNothing) {
 }
 
 TEST(Resolution, IsNoughtWithoutADeviceContext) {
-    const ImportDouble context("user32.dll", "GetWindowDC", &NoContext);
-    ASSERT_TRUE(context.Stands());
+    const ImportPatch context("user32.dll", "GetWindowDC", &NoContext);
+    ASSERT_TRUE(context.Ok());
     EXPECT_EQ(0, ObLibX::GetDpi());
     EXPECT_EQ(0, ObLibX::Scale(17));
 }

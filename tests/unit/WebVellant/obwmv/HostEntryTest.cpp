@@ -116,7 +116,7 @@ TEST_F(HostEntryTest, RunsTheDialogDriverOnADialogRequest) {
     EXPECT_EQ(Copy(), expected);
 }
 
-TEST_F(HostEntryTest, LeavesTheFilesOfTheDialogRoadByteForByte) {
+TEST_F(HostEntryTest, LeavesTheFilesOfTheDialogPathByteForByte) {
     Poke32(0, 1);
     dialogDriver = [](HWND, obcore::ExchangeBlock& answer) -> HRESULT {
         obcore::WriteDialogAnswer(answer, {L"C:\\a", L"C:\\b"});

@@ -6,15 +6,15 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "obwmv/Exports.h"
 #include "obwmv/Library.h"
-#include "tests/support/AbsentNeighbour.h"
-#include "tests/support/StandIns.h"
-#include "tests/unit/WebVellant/obwmv/RequestDoubles.h"
+#include "tests/support/AbsentModule.h"
+#include "tests/support/FakeModules.h"
+#include "tests/unit/WebVellant/obwmv/RequestFakes.h"
 
 namespace {
 
-using obtest::AbsentNeighbour;
-using obtest::Doubles;
-using obtest::StandIns;
+using obtest::AbsentModule;
+using obtest::FakeModules;
+using obtest::Fakes;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -25,19 +25,21 @@ const HWND kOwner = reinterpret_cast<HWND>(0x1234);
 class HostExport : public testing::Test {
 protected:
     void SetUp() override {
-        obtest::ResetDoubles();
-        StandIns::Reset();
+        obtest::ResetFakes();
+        FakeModules::Reset();
     }
     void TearDown() override { obwmv::OnProcessDetach(); }
 
     // What the stand-ins were asked, without the archive service's other calls.
-    static std::vector<std::wstring> Log() { return StandIns::CallsOf({L"LogLaunch", L"LogExit"}); }
+    static std::vector<std::wstring> Log() {
+        return FakeModules::CallsOf({L"LogLaunch", L"LogExit"});
+    }
 };
 
 TEST_F(HostExport, RunsOneRequestBetweenLaunchAndExit) {
     obtest::ActivationRecorder activations;
-    ASSERT_TRUE(activations.Stands());
-    Doubles().host = [](HWND owner, std::uint32_t id) {
+    ASSERT_TRUE(activations.Ok());
+    Fakes().host = [](HWND owner, std::uint32_t id) {
         EXPECT_EQ(owner, kOwner);
         EXPECT_EQ(id, 17u);
         EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()"));
@@ -47,13 +49,13 @@ TEST_F(HostExport, RunsOneRequestBetweenLaunchAndExit) {
     std::vector<std::wstring> atDeactivation;
     activations.onDeactivate = [&] { atDeactivation = Log(); };
     EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 17), 0);
-    EXPECT_THAT(Doubles().steps, ElementsAre("activate", "HostEntry", "deactivate"));
+    EXPECT_THAT(Fakes().steps, ElementsAre("activate", "HostEntry", "deactivate"));
     EXPECT_THAT(atDeactivation, ElementsAre(L"LogLaunch()", L"LogExit()"));
     EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));
 }
 
 TEST_F(HostExport, HandsOnThatTheBlockWasNotServed) {
-    Doubles().host = [](HWND, std::uint32_t id) {
+    Fakes().host = [](HWND, std::uint32_t id) {
         EXPECT_EQ(id, 0xFFFFFFFBu);
         return -1;
     };
@@ -62,65 +64,65 @@ TEST_F(HostExport, HandsOnThatTheBlockWasNotServed) {
 }
 
 TEST_F(HostExport, AnswersMinusOneWithoutTheArchiveService) {
-    const AbsentNeighbour absent(kArchiveService);
-    ASSERT_TRUE(absent.Stands());
+    const AbsentModule absent(kArchiveService);
+    ASSERT_TRUE(absent.Ok());
     EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
-    EXPECT_THAT(Doubles().steps, IsEmpty());
+    EXPECT_THAT(Fakes().steps, IsEmpty());
     EXPECT_EQ(obcore::ResourceModule(), nullptr);
 }
 
 HMODULE WINAPI LoadNothing(LPCWSTR, HANDLE, DWORD) { return nullptr; }
 
 TEST_F(HostExport, AnswersMinusOneWithoutTheTexts) {
-    const obtest::ImportDouble<decltype(&LoadLibraryExW)> load("kernel32.dll", "LoadLibraryExW",
-                                                               &LoadNothing);
-    ASSERT_TRUE(load.Stands());
+    const obtest::ImportPatch<decltype(&LoadLibraryExW)> load("kernel32.dll", "LoadLibraryExW",
+                                                              &LoadNothing);
+    ASSERT_TRUE(load.Ok());
     EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
-    EXPECT_THAT(Doubles().steps, IsEmpty());
+    EXPECT_THAT(Fakes().steps, IsEmpty());
     EXPECT_THAT(Log(), IsEmpty());
 }
 
 TEST_F(HostExport, AnswersMinusOneWithoutTheProviderManager) {
-    const AbsentNeighbour absent(kProviderManager);
-    ASSERT_TRUE(absent.Stands());
+    const AbsentModule absent(kProviderManager);
+    ASSERT_TRUE(absent.Ok());
     EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
-    EXPECT_THAT(Doubles().steps, IsEmpty());
+    EXPECT_THAT(Fakes().steps, IsEmpty());
     EXPECT_THAT(Log(), IsEmpty());
 }
 
 TEST_F(HostExport, LeavesOutLogExitWhenTheContextCantBeActivated) {
     const obtest::ActivationRecorder activations(true);
-    ASSERT_TRUE(activations.Stands());
+    ASSERT_TRUE(activations.Ok());
     EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
-    EXPECT_THAT(Doubles().steps, ElementsAre("activate"));
+    EXPECT_THAT(Fakes().steps, ElementsAre("activate"));
     EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()"));
 }
 
 TEST_F(HostExport, LogsTheExitWhenARequestThrows) {
     const obtest::ActivationRecorder activations;
-    ASSERT_TRUE(activations.Stands());
-    Doubles().host = [](HWND, std::uint32_t) -> int { throw std::bad_alloc(); };
+    ASSERT_TRUE(activations.Ok());
+    Fakes().host = [](HWND, std::uint32_t) -> int { throw std::bad_alloc(); };
     EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
-    EXPECT_THAT(Doubles().steps, ElementsAre("activate", "HostEntry", "deactivate"));
+    EXPECT_THAT(Fakes().steps, ElementsAre("activate", "HostEntry", "deactivate"));
     EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));
 }
 
 TEST_F(HostExport, AsksForTheHelpPageWithOneTopicTwice) {
     EXPECT_TRUE(WebHelpApp(kOwner));
-    EXPECT_THAT(StandIns::Calls(),
+    EXPECT_THAT(FakeModules::Calls(),
                 ElementsAre(L"WebHelpW(4660, \"Help About Topic\", \"Help About Topic\")"));
 }
 
 TEST_F(HostExport, AsksForNoHelpPageWithoutTheArchiveService) {
-    const AbsentNeighbour absent(kArchiveService);
-    ASSERT_TRUE(absent.Stands());
+    const AbsentModule absent(kArchiveService);
+    ASSERT_TRUE(absent.Ok());
     EXPECT_FALSE(WebHelpApp(kOwner));
-    EXPECT_THAT(StandIns::Calls(), IsEmpty());
+    EXPECT_THAT(FakeModules::Calls(), IsEmpty());
 }
 
 TEST_F(HostExport, TriesAgainWhenTheArchiveServiceCameLater) {
     {
-        const AbsentNeighbour absent(kArchiveService);
+        const AbsentModule absent(kArchiveService);
         EXPECT_FALSE(WebHelpApp(kOwner));
     }
     EXPECT_TRUE(WebHelpApp(kOwner));

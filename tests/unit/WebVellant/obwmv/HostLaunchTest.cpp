@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "tests/standins/Recording.h"
-#include "tests/standins/host/HostScript.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/fakes/Recording.h"
+#include "tests/fakes/host/HostScript.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
-#include "tests/unit/WebVellant/obwmv/RoadSupport.h"
+#include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 
@@ -99,8 +99,8 @@ TEST_F(HostLaunch, KeepsAll64BitsOfTheOwner) {
 }
 
 TEST_F(HostLaunch, StartsTheHostWithInheritedHandlesAndNothingElse) {
-    obtest::ImportDouble patch("kernel32.dll", "CreateProcessW", &NoteCreateProcess);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("kernel32.dll", "CreateProcessW", &NoteCreateProcess);
+    ASSERT_TRUE(patch.Ok());
     createFails = true;
     EXPECT_EQ(LaunchHost(7, kOwner), kHostNotStarted);
     EXPECT_EQ(createCall.application, BesideProgram(L"obwmvapp.exe"));
@@ -151,18 +151,18 @@ DWORD WINAPI DeepPath(HMODULE, LPWSTR path, DWORD) {
 
 TEST_F(HostLaunch, AnswersMinusOneWhenItsFolderCantBeHad) {
     for (const auto double_ : {&CutPath, &NoPath, &DeepPath}) {
-        obtest::ImportDouble patch("kernel32.dll", "GetModuleFileNameW", double_);
-        ASSERT_TRUE(patch.Stands());
+        obtest::ImportPatch patch("kernel32.dll", "GetModuleFileNameW", double_);
+        ASSERT_TRUE(patch.Ok());
         EXPECT_EQ(LaunchHost(1, kOwner), kHostNotStarted);
     }
     EXPECT_TRUE(HostScript::Record().empty());
 }
 
 TEST_F(HostLaunch, ClosesTheThreadBeforeTheWaitAndTheProcessBehindIt) {
-    obtest::ImportDouble create("kernel32.dll", "CreateProcessW", &NoteCreateProcess);
-    obtest::ImportDouble close("kernel32.dll", "CloseHandle", &NoteCloseHandle);
-    obtest::ImportDouble wait("user32.dll", "MsgWaitForMultipleObjectsEx", &NoteWait);
-    ASSERT_TRUE(create.Stands() && close.Stands() && wait.Stands());
+    obtest::ImportPatch create("kernel32.dll", "CreateProcessW", &NoteCreateProcess);
+    obtest::ImportPatch close("kernel32.dll", "CloseHandle", &NoteCloseHandle);
+    obtest::ImportPatch wait("user32.dll", "MsgWaitForMultipleObjectsEx", &NoteWait);
+    ASSERT_TRUE(create.Ok() && close.Ok() && wait.Ok());
     realCreateProcess = create.Real();
     realCloseHandle = close.Real();
     realWait = wait.Real();
@@ -176,8 +176,8 @@ TEST_F(HostLaunch, ClosesTheThreadBeforeTheWaitAndTheProcessBehindIt) {
 BOOL WINAPI NoExitCode(HANDLE, LPDWORD) { return FALSE; }
 
 TEST_F(HostLaunch, AnswersMinusOneWhenTheExitCodeCantBeHad) {
-    obtest::ImportDouble patch("kernel32.dll", "GetExitCodeProcess", &NoExitCode);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("kernel32.dll", "GetExitCodeProcess", &NoExitCode);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_EQ(LaunchHost(1, kOwner), kHostNotStarted);
 }
 

@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "obwmv/HostLaunch.h"
-#include "tests/standins/Recording.h"
-#include "tests/standins/host/HostScript.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/fakes/Recording.h"
+#include "tests/fakes/host/HostScript.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
-#include "tests/unit/WebVellant/obwmv/RoadSupport.h"
+#include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 
@@ -56,8 +56,8 @@ protected:
 };
 
 TEST_F(Layer, IsATransparentPopupOverTheWholeRootWindow) {
-    obtest::ImportDouble patch("user32.dll", "CreateWindowExW", &NoteCreateWindow);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("user32.dll", "CreateWindowExW", &NoteCreateWindow);
+    ASSERT_TRUE(patch.Ok());
     realCreateWindow = patch.Real();
     EXPECT_EQ(ShowWithLayer(3, browser.Page()), 6u);
     EXPECT_EQ(layerCall.className, L"WebVellantLayer");
@@ -132,8 +132,8 @@ ATOM WINAPI NoteRegisterClass(const WNDCLASSEXW* windowClass) {
 
 TEST_F(Layer, TakesAnEarlierClassWhenRegisteringFails) {
     EXPECT_EQ(ShowWithLayer(3, browser.Root()), 6u);
-    obtest::ImportDouble patch("user32.dll", "RegisterClassExW", &NoteRegisterClass);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("user32.dll", "RegisterClassExW", &NoteRegisterClass);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_EQ(ShowWithLayer(3, browser.Root()), 6u);
     EXPECT_EQ(registered.lpfnWndProc, &DefWindowProcW);
     EXPECT_EQ(HostScript::RecordOf(L"owner").size(), 2u);
@@ -141,8 +141,8 @@ TEST_F(Layer, TakesAnEarlierClassWhenRegisteringFails) {
 }
 
 TEST_F(Layer, ThatCantBeMadeLeavesTheOwnerToTheHostAndTheBrowserEnabled) {
-    obtest::ImportDouble patch("user32.dll", "CreateWindowExW", &NoteCreateWindow);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("user32.dll", "CreateWindowExW", &NoteCreateWindow);
+    ASSERT_TRUE(patch.Ok());
     layerFails = true;
     EXPECT_EQ(ShowWithLayer(3, browser.Root()), 6u);
     const auto owners = HostScript::RecordOf(L"owner");
@@ -194,15 +194,15 @@ protected:
     void SetUp() override {
         Layer::SetUp();
         steps.clear();
-        ASSERT_TRUE(enable.Stands() && destroy.Stands() && start.Stands());
+        ASSERT_TRUE(enable.Ok() && destroy.Ok() && start.Ok());
         realDestroyWindow = destroy.Real();
     }
-    obtest::ImportDouble<decltype(&EnableWindow)> enable{"user32.dll", "EnableWindow",
-                                                         &NoteEnableWindow};
-    obtest::ImportDouble<decltype(&DestroyWindow)> destroy{"user32.dll", "DestroyWindow",
-                                                           &NoteDestroyWindow};
-    obtest::ImportDouble<decltype(&CreateProcessW)> start{"kernel32.dll", "CreateProcessW",
-                                                          &NoteStart};
+    obtest::ImportPatch<decltype(&EnableWindow)> enable{"user32.dll", "EnableWindow",
+                                                        &NoteEnableWindow};
+    obtest::ImportPatch<decltype(&DestroyWindow)> destroy{"user32.dll", "DestroyWindow",
+                                                          &NoteDestroyWindow};
+    obtest::ImportPatch<decltype(&CreateProcessW)> start{"kernel32.dll", "CreateProcessW",
+                                                         &NoteStart};
 };
 
 TEST_F(LayerSteps, EnableTheRootWindowBeforeTheLayerGoes) {
@@ -214,8 +214,8 @@ TEST_F(LayerSteps, EnableTheRootWindowBeforeTheLayerGoes) {
 }
 
 TEST_F(LayerSteps, DisableAndEnableNothingWithoutALayer) {
-    obtest::ImportDouble patch("user32.dll", "CreateWindowExW", &NoteCreateWindow);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("user32.dll", "CreateWindowExW", &NoteCreateWindow);
+    ASSERT_TRUE(patch.Ok());
     layerFails = true;
     ShowWithLayer(3, browser.Page());
     EXPECT_EQ(steps, std::vector<std::wstring>{L"start"});
@@ -232,8 +232,8 @@ BOOL WINAPI ThrowFromCreateProcess(LPCWSTR, LPWSTR, LPSECURITY_ATTRIBUTES, LPSEC
 }
 
 TEST_F(Layer, PutsEverythingBackWhenAnExceptionPasses) {
-    obtest::ImportDouble patch("kernel32.dll", "CreateProcessW", &ThrowFromCreateProcess);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("kernel32.dll", "CreateProcessW", &ThrowFromCreateProcess);
+    ASSERT_TRUE(patch.Ok());
     startedFrom = browser.Root();
     EXPECT_THROW(ShowWithLayer(3, browser.Page()), std::bad_alloc);
     EXPECT_TRUE(disabledAtTheStart);

@@ -7,7 +7,7 @@
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 
 namespace {
 
@@ -58,11 +58,11 @@ std::vector<HANDLE> released;
 void WINAPI RecordRelease(HANDLE context) { released.push_back(context); }
 
 TEST_F(LibraryLife, KeepsTheCurrentContextOfTheAttachAndReleasesItOnDetach) {
-    const obtest::ImportDouble<decltype(&GetCurrentActCtx)> current(
+    const obtest::ImportPatch<decltype(&GetCurrentActCtx)> current(
         "kernel32.dll", "GetCurrentActCtx", &GivenContext);
-    const obtest::ImportDouble<decltype(&ReleaseActCtx)> release("kernel32.dll", "ReleaseActCtx",
-                                                                 &RecordRelease);
-    ASSERT_TRUE(current.Stands() && release.Stands());
+    const obtest::ImportPatch<decltype(&ReleaseActCtx)> release("kernel32.dll", "ReleaseActCtx",
+                                                                &RecordRelease);
+    ASSERT_TRUE(current.Ok() && release.Ok());
     released.clear();
     obwmv::OnProcessAttach(kProgram);
     EXPECT_EQ(obwmv::LibraryActivationContext(), reinterpret_cast<HANDLE>(0x77));
@@ -75,9 +75,9 @@ TEST_F(LibraryLife, KeepsTheCurrentContextOfTheAttachAndReleasesItOnDetach) {
 BOOL WINAPI NoContext(HANDLE*) { return FALSE; }
 
 TEST_F(LibraryLife, LoadsAlsoWithoutAContextToKeep) {
-    const obtest::ImportDouble<decltype(&GetCurrentActCtx)> current("kernel32.dll",
-                                                                    "GetCurrentActCtx", &NoContext);
-    ASSERT_TRUE(current.Stands());
+    const obtest::ImportPatch<decltype(&GetCurrentActCtx)> current("kernel32.dll",
+                                                                   "GetCurrentActCtx", &NoContext);
+    ASSERT_TRUE(current.Ok());
     obwmv::OnProcessAttach(kProgram);
     EXPECT_EQ(obwmv::LibraryActivationContext(), nullptr);
     EXPECT_EQ(AppGlobals().programModule, kProgram);
@@ -96,15 +96,15 @@ BOOL WINAPI RecordDeactivate(DWORD flags, ULONG_PTR cookie) {
 }
 
 TEST_F(LibraryLife, ActivatesTheContextThatItKeptAndGivesTheCookieBack) {
-    const obtest::ImportDouble<decltype(&GetCurrentActCtx)> current(
+    const obtest::ImportPatch<decltype(&GetCurrentActCtx)> current(
         "kernel32.dll", "GetCurrentActCtx", &GivenContext);
-    const obtest::ImportDouble<decltype(&ReleaseActCtx)> release("kernel32.dll", "ReleaseActCtx",
-                                                                 &RecordRelease);
-    const obtest::ImportDouble<decltype(&ActivateActCtx)> activate("kernel32.dll", "ActivateActCtx",
-                                                                   &RecordActivate);
-    const obtest::ImportDouble<decltype(&DeactivateActCtx)> deactivate(
+    const obtest::ImportPatch<decltype(&ReleaseActCtx)> release("kernel32.dll", "ReleaseActCtx",
+                                                                &RecordRelease);
+    const obtest::ImportPatch<decltype(&ActivateActCtx)> activate("kernel32.dll", "ActivateActCtx",
+                                                                  &RecordActivate);
+    const obtest::ImportPatch<decltype(&DeactivateActCtx)> deactivate(
         "kernel32.dll", "DeactivateActCtx", &RecordDeactivate);
-    ASSERT_TRUE(current.Stands() && release.Stands() && activate.Stands() && deactivate.Stands());
+    ASSERT_TRUE(current.Ok() && release.Ok() && activate.Ok() && deactivate.Ok());
     deactivated.clear();
     obwmv::OnProcessAttach(kProgram);
     {
@@ -135,9 +135,9 @@ TEST_F(LibraryLife, FreesTheSisterModulesAndThenTheTextsOnDetach) {
     const HMODULE texts = obcore::ResourceModule();
     const HMODULE archive = GetModuleHandleW(L"obofcsvc64.dll");
     const HMODULE providers = GetModuleHandleW(L"PVXManager64.dll");
-    const obtest::ImportDouble<decltype(&FreeLibrary)> free("kernel32.dll", "FreeLibrary",
-                                                            &RecordFree);
-    ASSERT_TRUE(free.Stands());
+    const obtest::ImportPatch<decltype(&FreeLibrary)> free("kernel32.dll", "FreeLibrary",
+                                                           &RecordFree);
+    ASSERT_TRUE(free.Ok());
     freeing = {.freed = {}, .real = free.Real()};
     obwmv::OnProcessDetach();
     EXPECT_THAT(freeing.freed, ElementsAre(providers, archive, texts));

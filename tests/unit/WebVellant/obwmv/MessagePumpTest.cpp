@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "obwmv/HostLaunch.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 
 namespace {
@@ -97,9 +97,9 @@ LRESULT WINAPI NoteDispatch(const MSG* message) {
 }
 
 TEST_F(MessagePump, TranslatesAndDispatchesAQuitLikeTheRest) {
-    obtest::ImportDouble translate("user32.dll", "TranslateMessage", &NoteTranslate);
-    obtest::ImportDouble dispatch("user32.dll", "DispatchMessageW", &NoteDispatch);
-    ASSERT_TRUE(translate.Stands() && dispatch.Stands());
+    obtest::ImportPatch translate("user32.dll", "TranslateMessage", &NoteTranslate);
+    obtest::ImportPatch dispatch("user32.dll", "DispatchMessageW", &NoteDispatch);
+    ASSERT_TRUE(translate.Ok() && dispatch.Ok());
     realDispatch = dispatch.Real();
     PostThreadMessageW(GetCurrentThreadId(), WM_QUIT, 4, 0);
     PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0);
@@ -117,8 +117,8 @@ DWORD WINAPI PostAndEnd(DWORD, const HANDLE*, DWORD, DWORD, DWORD) {
 }
 
 TEST_F(MessagePump, LeavesTheBrowserWhatComesWithTheEnd) {
-    obtest::ImportDouble patch("user32.dll", "MsgWaitForMultipleObjectsEx", &PostAndEnd);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("user32.dll", "MsgWaitForMultipleObjectsEx", &PostAndEnd);
+    ASSERT_TRUE(patch.Ok());
     PumpUntilSignalled(ended.Get());
     MSG message = {};
     EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_APP + 1, WM_APP + 1, PM_REMOVE));
@@ -143,8 +143,8 @@ DWORD WINAPI AnswerWait(DWORD count, const HANDLE* handles, DWORD milliseconds, 
 }
 
 TEST_F(MessagePump, WaitsForAllInputAndGoesOnAfterAnyAnswerButZero) {
-    obtest::ImportDouble patch("user32.dll", "MsgWaitForMultipleObjectsEx", &AnswerWait);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("user32.dll", "MsgWaitForMultipleObjectsEx", &AnswerWait);
+    ASSERT_TRUE(patch.Ok());
     waitAnswers = {1, WAIT_FAILED, WAIT_TIMEOUT, WAIT_ABANDONED_0, WAIT_OBJECT_0};
     int ticks = 0;
     browser.OnTick([&] { ++ticks; });

@@ -11,22 +11,22 @@
 
 namespace {
 
-using obtest::Doubles;
+using obtest::Fakes;
 using obtest::Icon;
-using obtest::ImportDouble;
+using obtest::ImportPatch;
 using obtest::MakeWindow;
 using testing::ElementsAre;
 
 class OpenFileNameExport : public testing::Test {
 protected:
     void SetUp() override {
-        obtest::ResetDoubles();
+        obtest::ResetFakes();
         obcore::FreeResourceModule();
-        ASSERT_TRUE(activations_.Stands());
+        ASSERT_TRUE(activations_.Ok());
     }
 
     BOOL Ask() { return GetOpenFileNameInBrowser(&request_, &context_); }
-    static const std::vector<std::string>& Steps() { return Doubles().steps; }
+    static const std::vector<std::string>& Steps() { return Fakes().steps; }
 
     obtest::ActivationRecorder activations_;
     obtest::RecordingContext context_;
@@ -34,7 +34,7 @@ protected:
 };
 
 TEST_F(OpenFileNameExport, RunsThePickerBetweenActivationAndDeactivation) {
-    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext* context) {
+    Fakes().openFileName = [&](OPENFILENAMEW* request, BrowserContext* context) {
         EXPECT_EQ(request, &request_);
         EXPECT_EQ(context, &context_);
         return 7;
@@ -44,11 +44,11 @@ TEST_F(OpenFileNameExport, RunsThePickerBetweenActivationAndDeactivation) {
                 ElementsAre("activate", "GetPageUrl", "UsesBrowserDialog", "IsPickerWanted",
                             "GetBrowserWindowClassCount", "GetBrowserWindowClasses",
                             "RunOpenFileNameRequest", "deactivate"));
-    EXPECT_EQ(Doubles().url, L"https://mail.example/compose");
+    EXPECT_EQ(Fakes().url, L"https://mail.example/compose");
 }
 
 TEST_F(OpenFileNameExport, GivesAPageThatTheRulesRefuseToTheBrowserWithoutAskingTheHook) {
-    Doubles().usesBrowserDialog = true;
+    Fakes().usesBrowserDialog = true;
     request_.hwndOwner = reinterpret_cast<HWND>(0x1234);
     EXPECT_EQ(Ask(), 5);
     EXPECT_THAT(Steps(), ElementsAre("activate", "GetPageUrl", "UsesBrowserDialog",
@@ -86,7 +86,7 @@ TEST_F(OpenFileNameExport, SettlesTheOwnerForTheRunAndRestoresIt) {
     context_.windowClasses = {L"NoSuchClassAnywhere", L"MainWindow"};
     request_.hwndOwner = asking.Get();
     HWND during = nullptr;
-    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
+    Fakes().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
         during = request->hwndOwner;
         return FALSE;
     };
@@ -101,7 +101,7 @@ TEST_F(OpenFileNameExport, LooksForTheMainWindowBeforeItMovesOrFakesAnOwner) {
     const auto hidden =
         MakeWindow(L"AskingWindow", Icon::None, WS_OVERLAPPEDWINDOW, {-900, 5, -800, 55});
     context_.windowClasses = {L"MainWindow"};
-    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
+    Fakes().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
         EXPECT_EQ(request->hwndOwner, main.Get());
         EXPECT_EQ(FindWindowW(L"obwmv_fake_parent_class", nullptr), nullptr);
         RECT place{};
@@ -119,7 +119,7 @@ TEST_F(OpenFileNameExport, LooksForTheMainWindowBeforeItMovesOrFakesAnOwner) {
 TEST_F(OpenFileNameExport, MakesAFakeOwnerForANullOneAndRestoresNull) {
     HWND during = nullptr;
     bool stoodAtDeactivation = true;
-    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
+    Fakes().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
         during = request->hwndOwner;
         EXPECT_TRUE(IsWindow(during));
         return TRUE;
@@ -136,7 +136,7 @@ TEST_F(OpenFileNameExport, MovesAHiddenOwnerForTheRun) {
         MakeWindow(L"AskingWindow", Icon::None, WS_OVERLAPPEDWINDOW, {-900, 5, -800, 55});
     request_.hwndOwner = owner.Get();
     RECT during{};
-    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
+    Fakes().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
         EXPECT_EQ(request->hwndOwner, owner.Get());
         GetWindowRect(owner.Get(), &during);
         return FALSE;
@@ -156,12 +156,12 @@ DWORD WINAPI GivenModuleNameLength(HMODULE, LPWSTR path, DWORD capacity) {
 }
 
 TEST_F(OpenFileNameExport, AsksTheBrowserWhenTheOwnPathIsMissingOrFillsTheBuffer) {
-    const ImportDouble<decltype(&GetModuleFileNameW)> name("kernel32.dll", "GetModuleFileNameW",
-                                                           &GivenModuleNameLength);
-    ASSERT_TRUE(name.Stands());
+    const ImportPatch<decltype(&GetModuleFileNameW)> name("kernel32.dll", "GetModuleFileNameW",
+                                                          &GivenModuleNameLength);
+    ASSERT_TRUE(name.Ok());
     for (const DWORD length : {0u, 260u}) {
         moduleNameLength = length;
-        Doubles().steps.clear();
+        Fakes().steps.clear();
         EXPECT_EQ(Ask(), 5);
         EXPECT_THAT(Steps(), ElementsAre("CallGetOpenFileName")) << length;
     }
@@ -183,14 +183,14 @@ HMODULE WINAPI RecordLoading(LPCWSTR path, HANDLE file, DWORD flags) {
 }
 
 TEST_F(OpenFileNameExport, BindsItsOwnFileAsDataOnceAndTriesAgainAfterAFailure) {
-    const ImportDouble<decltype(&LoadLibraryExW)> load("kernel32.dll", "LoadLibraryExW",
-                                                       &RecordLoading);
-    ASSERT_TRUE(load.Stands());
+    const ImportPatch<decltype(&LoadLibraryExW)> load("kernel32.dll", "LoadLibraryExW",
+                                                      &RecordLoading);
+    ASSERT_TRUE(load.Ok());
     loading = {.fails = true, .real = load.Real()};
     EXPECT_EQ(Ask(), 5);
     EXPECT_THAT(Steps(), ElementsAre("CallGetOpenFileName"));
     loading.fails = false;
-    Doubles().openFileName = [](OPENFILENAMEW*, BrowserContext*) { return 1; };
+    Fakes().openFileName = [](OPENFILENAMEW*, BrowserContext*) { return 1; };
     EXPECT_EQ(Ask(), 1);
     EXPECT_EQ(Ask(), 1);
     EXPECT_EQ(loading.calls, 2);
@@ -203,7 +203,7 @@ TEST_F(OpenFileNameExport, BindsItsOwnFileAsDataOnceAndTriesAgainAfterAFailure) 
 TEST_F(OpenFileNameExport, GivesAnExceptionBeforeTheRunToTheBrowser) {
     for (const char* operation : {"GetPageUrl", "IsPickerWanted", "GetBrowserWindowClassCount",
                                   "GetBrowserWindowClasses"}) {
-        Doubles().steps.clear();
+        Fakes().steps.clear();
         context_.throwsIn = operation;
         EXPECT_EQ(Ask(), 5) << operation;
         ASSERT_GE(Steps().size(), 3u);
@@ -216,7 +216,7 @@ TEST_F(OpenFileNameExport, GivesAnExceptionBeforeTheRunToTheBrowser) {
 TEST_F(OpenFileNameExport, ReadsAsACancelWhenTheRunThrows) {
     request_.hwndOwner = nullptr;
     HWND during = nullptr;
-    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) -> BOOL {
+    Fakes().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) -> BOOL {
         during = request->hwndOwner;
         throw std::bad_alloc();
     };
@@ -233,7 +233,7 @@ TEST_F(OpenFileNameExport, RestoresAReplacedOwnerWhenTheRunThrows) {
         MakeWindow(L"MainWindow", Icon::Application, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
     context_.windowClasses = {L"MainWindow"};
     request_.hwndOwner = asking.Get();
-    Doubles().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) -> BOOL {
+    Fakes().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) -> BOOL {
         EXPECT_EQ(request->hwndOwner, main.Get());
         throw std::bad_alloc();
     };
@@ -251,7 +251,7 @@ TEST_F(OpenFileNameExport, AsksTheBrowsersDialogOnceAlsoWhenThatThrows) {
 
 TEST_F(OpenFileNameExport, AssertsThatThereIsARequestAndRunsOn) {
     obtest::MessageBoxWatcher boxes;
-    Doubles().usesBrowserDialog = true;
+    Fakes().usesBrowserDialog = true;
     EXPECT_EQ(GetOpenFileNameInBrowser(nullptr, &context_), 5);
     const auto seen = boxes.Seen();
     ASSERT_EQ(seen.size(), 1u);
@@ -274,26 +274,26 @@ TEST_F(OpenFileNameExport, AssertsThatThereIsAContextAndRunsOn) {
 // Without the recorder of its base's fixture.
 class OpenFileNameWithoutActivation : public testing::Test {
 protected:
-    void SetUp() override { obtest::ResetDoubles(); }
+    void SetUp() override { obtest::ResetFakes(); }
 };
 
 TEST_F(OpenFileNameWithoutActivation, AsksTheBrowserOutsideTheContext) {
     const obtest::ActivationRecorder activations(true);
-    ASSERT_TRUE(activations.Stands());
+    ASSERT_TRUE(activations.Ok());
     obtest::RecordingContext context;
     OPENFILENAMEW request{};
     EXPECT_EQ(GetOpenFileNameInBrowser(&request, &context), 5);
-    EXPECT_THAT(Doubles().steps, ElementsAre("activate", "CallGetOpenFileName"));
+    EXPECT_THAT(Fakes().steps, ElementsAre("activate", "CallGetOpenFileName"));
 }
 
 TEST_F(OpenFileNameWithoutActivation, StopsAnExceptionOfTheBrowsersDialog) {
     const obtest::ActivationRecorder activations(true);
-    ASSERT_TRUE(activations.Stands());
+    ASSERT_TRUE(activations.Ok());
     obtest::RecordingContext context;
     context.throwsIn = "CallGetOpenFileName";
     OPENFILENAMEW request{};
     EXPECT_EQ(GetOpenFileNameInBrowser(&request, &context), FALSE);
-    EXPECT_THAT(Doubles().steps, ElementsAre("activate", "CallGetOpenFileName"));
+    EXPECT_THAT(Fakes().steps, ElementsAre("activate", "CallGetOpenFileName"));
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "obwmv/ParentWindowAdjuster.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/RecordedTrace.h"
 #include "tests/unit/WebVellant/obwmv/TestWindow.h"
@@ -15,7 +15,7 @@
 namespace {
 
 using obtest::Icon;
-using obtest::ImportDouble;
+using obtest::ImportPatch;
 using obtest::MakeWindow;
 using obwmv::ParentWindowAdjuster;
 using testing::ElementsAre;
@@ -144,11 +144,11 @@ TEST_F(ParentWindowAdjusterTest, MovesAHiddenOwnerToTheWorkAreaAndBack) {
 }
 
 TEST_F(ParentWindowAdjusterTest, TakesTheMonitorUnderThePointerAndNotThePrimaryOne) {
-    const ImportDouble pointer("user32.dll", "GetCursorPos", &PointerOnSecondMonitor);
-    const ImportDouble point("user32.dll", "MonitorFromPoint", &RecordMonitorPoint);
-    const ImportDouble<decltype(&GetMonitorInfoW)> monitor("user32.dll", "GetMonitorInfoW",
-                                                           &SecondMonitor);
-    ASSERT_TRUE(pointer.Stands() && point.Stands() && monitor.Stands());
+    const ImportPatch pointer("user32.dll", "GetCursorPos", &PointerOnSecondMonitor);
+    const ImportPatch point("user32.dll", "MonitorFromPoint", &RecordMonitorPoint);
+    const ImportPatch<decltype(&GetMonitorInfoW)> monitor("user32.dll", "GetMonitorInfoW",
+                                                          &SecondMonitor);
+    ASSERT_TRUE(pointer.Ok() && point.Ok() && monitor.Ok());
     const auto owner = MakeWindow(L"OwnerWindow", Icon::None, WS_POPUP);
     const std::string before = Rectangle(owner.Get());
     HWND field = owner.Get();
@@ -171,8 +171,8 @@ BOOL WINAPI RecordMove(HWND window, int x, int y, int width, int height, BOOL re
 }
 
 TEST_F(ParentWindowAdjusterTest, MovesWithoutARepaint) {
-    const ImportDouble<decltype(&MoveWindow)> move("user32.dll", "MoveWindow", &RecordMove);
-    ASSERT_TRUE(move.Stands());
+    const ImportPatch<decltype(&MoveWindow)> move("user32.dll", "MoveWindow", &RecordMove);
+    ASSERT_TRUE(move.Ok());
     realMoveWindow = move.Real();
     const auto owner = MakeWindow(L"OwnerWindow", Icon::None, WS_OVERLAPPEDWINDOW);
     HWND field = owner.Get();
@@ -289,11 +289,11 @@ TEST_F(FakeOwnerWindow, StandsInForANullOwnerAndGoesWithTheRun) {
 }
 
 TEST_F(FakeOwnerWindow, CoversTheWorkAreaUnderThePointer) {
-    const ImportDouble pointer("user32.dll", "GetCursorPos", &PointerOnSecondMonitor);
-    const ImportDouble point("user32.dll", "MonitorFromPoint", &RecordMonitorPoint);
-    const ImportDouble<decltype(&GetMonitorInfoW)> monitor("user32.dll", "GetMonitorInfoW",
-                                                           &SecondMonitor);
-    ASSERT_TRUE(pointer.Stands() && point.Stands() && monitor.Stands());
+    const ImportPatch pointer("user32.dll", "GetCursorPos", &PointerOnSecondMonitor);
+    const ImportPatch point("user32.dll", "MonitorFromPoint", &RecordMonitorPoint);
+    const ImportPatch<decltype(&GetMonitorInfoW)> monitor("user32.dll", "GetMonitorInfoW",
+                                                          &SecondMonitor);
+    ASSERT_TRUE(pointer.Ok() && point.Ok() && monitor.Ok());
     HWND field = nullptr;
     const ParentWindowAdjuster adjuster(&field);
     EXPECT_EQ(Rectangle(field), "1924,30,3204,990");
@@ -313,9 +313,9 @@ ATOM WINAPI RecordRegister(const WNDCLASSEXW* description) {
 TEST_F(FakeOwnerWindow, HasAPlainClassOfTheLibrarysModule) {
     const HMODULE module = GetModuleHandleW(L"user32.dll");
     ObLib::AppGlobals().programModule = module;
-    const ImportDouble announce("user32.dll", "RegisterClassExW", &RecordRegister);
-    const ImportDouble unregister("user32.dll", "UnregisterClassW", &RecordUnregister);
-    ASSERT_TRUE(announce.Stands() && unregister.Stands());
+    const ImportPatch announce("user32.dll", "RegisterClassExW", &RecordRegister);
+    const ImportPatch unregister("user32.dll", "UnregisterClassW", &RecordUnregister);
+    ASSERT_TRUE(announce.Ok() && unregister.Ok());
     obtest::MessageBoxWatcher boxes; // a class that isn't there makes no window
     HWND field = nullptr;
     { const ParentWindowAdjuster adjuster(&field); }
@@ -331,8 +331,8 @@ TEST_F(FakeOwnerWindow, HasAPlainClassOfTheLibrarysModule) {
 }
 
 TEST_F(FakeOwnerWindow, LeavesItsClassRegisteredForTheNextRun) {
-    const ImportDouble unregister("user32.dll", "UnregisterClassW", &RecordUnregister);
-    ASSERT_TRUE(unregister.Stands());
+    const ImportPatch unregister("user32.dll", "UnregisterClassW", &RecordUnregister);
+    ASSERT_TRUE(unregister.Ok());
     for (int run = 0; run < 2; ++run) {
         HWND field = nullptr;
         {
@@ -393,10 +393,10 @@ BOOL WINAPI RecordForeground(HWND window) {
 // Makes a fake owner with a given foreground window and tells what was done about it.
 std::vector<std::string> ForegroundSteps(HWND foreground) {
     seen.foregroundWindow = foreground;
-    const ImportDouble get("user32.dll", "GetForegroundWindow", &GivenForeground);
-    const ImportDouble attach("user32.dll", "AttachThreadInput", &RecordAttach);
-    const ImportDouble set("user32.dll", "SetForegroundWindow", &RecordForeground);
-    EXPECT_TRUE(get.Stands() && attach.Stands() && set.Stands());
+    const ImportPatch get("user32.dll", "GetForegroundWindow", &GivenForeground);
+    const ImportPatch attach("user32.dll", "AttachThreadInput", &RecordAttach);
+    const ImportPatch set("user32.dll", "SetForegroundWindow", &RecordForeground);
+    EXPECT_TRUE(get.Ok() && attach.Ok() && set.Ok());
     HWND field = nullptr;
     const ParentWindowAdjuster adjuster(&field);
     return seen.foreground;
@@ -439,9 +439,9 @@ BOOL WINAPI RecordDestroy(HWND window) {
 
 TEST_F(FakeOwnerWindow, AssertsWhenItCouldNotBeMadeAndRunsOn) {
     obtest::MessageBoxWatcher boxes;
-    const ImportDouble create("user32.dll", "CreateWindowExW", &FailCreate);
-    const ImportDouble destroy("user32.dll", "DestroyWindow", &RecordDestroy);
-    ASSERT_TRUE(create.Stands() && destroy.Stands());
+    const ImportPatch create("user32.dll", "CreateWindowExW", &FailCreate);
+    const ImportPatch destroy("user32.dll", "DestroyWindow", &RecordDestroy);
+    ASSERT_TRUE(create.Ok() && destroy.Ok());
     HWND field = nullptr;
     {
         const ParentWindowAdjuster adjuster(&field);

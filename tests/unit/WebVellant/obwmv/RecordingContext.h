@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "contracts/BrowserContext.h"
-#include "tests/unit/WebVellant/obwmv/RequestDoubles.h"
+#include "tests/unit/WebVellant/obwmv/RequestFakes.h"
 
 namespace obtest {
 

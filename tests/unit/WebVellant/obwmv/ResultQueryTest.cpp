@@ -10,7 +10,7 @@
 namespace {
 
 using ObLib::ComPtr;
-using obtest::Doubles;
+using obtest::Fakes;
 using testing::ElementsAre;
 using testing::UnorderedElementsAreArray;
 
@@ -26,7 +26,7 @@ std::wstring PathOf(IShellItem* item) {
 class ResultQueryTest : public testing::Test {
 protected:
     void SetUp() override {
-        obtest::ResetDoubles();
+        obtest::ResetFakes();
         obcore::Results().clear();
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     }
@@ -49,7 +49,7 @@ TEST_F(ResultQueryTest, GivesTheOnePathAsAnItem) {
     ASSERT_EQ(FileOpenDialog_GetResultInBrowser(kDialog, item.Put(), &context_), S_OK);
     ASSERT_TRUE(item);
     EXPECT_EQ(PathOf(item.Get()), second_);
-    EXPECT_TRUE(Doubles().steps.empty());
+    EXPECT_TRUE(Fakes().steps.empty());
 }
 
 TEST_F(ResultQueryTest, AnswersAgainAndAgain) {
@@ -115,10 +115,10 @@ void WINAPI RecordFreeing(LPITEMIDLIST list) {
 }
 
 TEST_F(ResultQueryTest, WorksOnACopyAndFreesEveryListThatItMade) {
-    const obtest::ImportDouble<decltype(&ILCreateFromPathW)> make(
-        "shell32.dll", "ILCreateFromPathW", &MakeListAndEmptyTheMap);
-    const obtest::ImportDouble<decltype(&ILFree)> free("shell32.dll", "ILFree", &RecordFreeing);
-    ASSERT_TRUE(make.Stands() && free.Stands());
+    const obtest::ImportPatch<decltype(&ILCreateFromPathW)> make("shell32.dll", "ILCreateFromPathW",
+                                                                 &MakeListAndEmptyTheMap);
+    const obtest::ImportPatch<decltype(&ILFree)> free("shell32.dll", "ILFree", &RecordFreeing);
+    ASSERT_TRUE(make.Ok() && free.Ok());
     lists = {.made = {}, .freed = {}, .realMake = make.Real(), .realFree = free.Real()};
     Pick({third_, first_, second_});
     ComPtr<IShellItemArray> items;
@@ -159,16 +159,16 @@ TEST_F(ResultQueryTest, GivesADialogWithoutAResultToTheBrowser) {
     EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kOther, &items, &context_), 0x00041236);
     EXPECT_EQ(context_.askedDialog, kOther);
     EXPECT_EQ(context_.askedOut, &items);
-    EXPECT_THAT(Doubles().steps, ElementsAre("CallGetResult", "CallGetResults"));
+    EXPECT_THAT(Fakes().steps, ElementsAre("CallGetResult", "CallGetResults"));
 }
 
 TEST_F(ResultQueryTest, WorksOutsideTheActivationContext) {
     const obtest::ActivationRecorder activations(true);
-    ASSERT_TRUE(activations.Stands());
+    ASSERT_TRUE(activations.Ok());
     Pick({first_});
     ComPtr<IShellItem> item;
     EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kDialog, item.Put(), &context_), S_OK);
-    EXPECT_TRUE(Doubles().steps.empty());
+    EXPECT_TRUE(Fakes().steps.empty());
 }
 
 TEST_F(ResultQueryTest, StopsAnExceptionOfTheContext) {

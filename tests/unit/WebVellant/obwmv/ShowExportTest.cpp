@@ -9,7 +9,7 @@
 
 namespace {
 
-using obtest::Doubles;
+using obtest::Fakes;
 using obtest::Icon;
 using obtest::MakeWindow;
 using testing::ElementsAre;
@@ -22,21 +22,21 @@ IFileDialog* const kDialog = reinterpret_cast<IFileDialog*>(0x5550);
 class ShowExport : public testing::Test {
 protected:
     void SetUp() override {
-        obtest::ResetDoubles();
-        ASSERT_TRUE(activations_.Stands());
+        obtest::ResetFakes();
+        ASSERT_TRUE(activations_.Ok());
     }
 
     HRESULT Ask(HWND owner = nullptr) {
         return FileOpenDialog_ShowInBrowser(kDialog, owner, &context_);
     }
-    static const std::vector<std::string>& Steps() { return Doubles().steps; }
+    static const std::vector<std::string>& Steps() { return Fakes().steps; }
 
     obtest::ActivationRecorder activations_;
     obtest::RecordingContext context_;
 };
 
 TEST_F(ShowExport, RunsThePickerBetweenActivationAndDeactivation) {
-    Doubles().dialog = [&](IFileDialog* dialog, HWND, BrowserContext* context) -> HRESULT {
+    Fakes().dialog = [&](IFileDialog* dialog, HWND, BrowserContext* context) -> HRESULT {
         EXPECT_EQ(dialog, kDialog);
         EXPECT_EQ(context, &context_);
         return 0x00040007;
@@ -48,7 +48,7 @@ TEST_F(ShowExport, RunsThePickerBetweenActivationAndDeactivation) {
 }
 
 TEST_F(ShowExport, GivesAPageThatTheRulesRefuseToTheBrowserWithoutAskingTheHook) {
-    Doubles().usesBrowserDialog = true;
+    Fakes().usesBrowserDialog = true;
     EXPECT_EQ(Ask(reinterpret_cast<HWND>(0x1234)), context_.showAnswer);
     EXPECT_THAT(Steps(), ElementsAre("activate", "GetPageUrl", "UsesBrowserDialog", "CallShow",
                                      "deactivate"));
@@ -68,7 +68,7 @@ TEST_F(ShowExport, RunsWithTheBrowsersMainWindowAsOwner) {
         MakeWindow(L"MainWindow", Icon::Application, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
     const auto asking = MakeWindow(L"AskingWindow", Icon::None, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
     context_.windowClasses = {L"MainWindow"};
-    Doubles().dialog = [&](IFileDialog*, HWND owner, BrowserContext*) {
+    Fakes().dialog = [&](IFileDialog*, HWND owner, BrowserContext*) {
         EXPECT_EQ(owner, main.Get());
         EXPECT_EQ(FindWindowW(L"obwmv_fake_parent_class", nullptr), nullptr);
         return S_OK;
@@ -80,7 +80,7 @@ TEST_F(ShowExport, RunsWithTheBrowsersMainWindowAsOwner) {
 
 TEST_F(ShowExport, RunsWithAFakeOwnerWhenThereIsNone) {
     HWND during = nullptr;
-    Doubles().dialog = [&](IFileDialog*, HWND owner, BrowserContext*) {
+    Fakes().dialog = [&](IFileDialog*, HWND owner, BrowserContext*) {
         during = owner;
         EXPECT_TRUE(IsWindow(owner));
         return S_OK;
@@ -92,7 +92,7 @@ TEST_F(ShowExport, RunsWithAFakeOwnerWhenThereIsNone) {
 
 TEST_F(ShowExport, HasNoAssertionForANullDialog) {
     obtest::MessageBoxWatcher boxes;
-    Doubles().usesBrowserDialog = true;
+    Fakes().usesBrowserDialog = true;
     EXPECT_EQ(FileOpenDialog_ShowInBrowser(nullptr, nullptr, &context_), context_.showAnswer);
     EXPECT_TRUE(boxes.Seen().empty());
 }
@@ -104,7 +104,7 @@ TEST_F(ShowExport, GivesAnExceptionBeforeTheRunToTheBrowserWithTheOwnerOfTheCall
     context_.windowClasses = {L"MainWindow"};
     for (const char* operation : {"GetPageUrl", "IsPickerWanted", "GetBrowserWindowClassCount",
                                   "GetBrowserWindowClasses"}) {
-        Doubles().steps.clear();
+        Fakes().steps.clear();
         context_.throwsIn = operation;
         EXPECT_EQ(Ask(asking.Get()), context_.showAnswer) << operation;
         EXPECT_EQ(Steps().back(), "CallShow");
@@ -114,9 +114,7 @@ TEST_F(ShowExport, GivesAnExceptionBeforeTheRunToTheBrowserWithTheOwnerOfTheCall
 }
 
 TEST_F(ShowExport, ReadsAsACancelWhenTheRunThrows) {
-    Doubles().dialog = [](IFileDialog*, HWND, BrowserContext*) -> HRESULT {
-        throw std::bad_alloc();
-    };
+    Fakes().dialog = [](IFileDialog*, HWND, BrowserContext*) -> HRESULT { throw std::bad_alloc(); };
     EXPECT_EQ(Ask(), kCancel);
     EXPECT_THAT(std::vector(Steps().end() - 2, Steps().end()),
                 ElementsAre("RunDialogRequest", "deactivate"));
@@ -133,9 +131,9 @@ HMODULE WINAPI LoadNothing(LPCWSTR, HANDLE, DWORD) { return nullptr; }
 
 TEST_F(ShowExport, AsksTheBrowserWhenTheTextsCantBeBound) {
     obcore::FreeResourceModule();
-    const obtest::ImportDouble<decltype(&LoadLibraryExW)> load("kernel32.dll", "LoadLibraryExW",
-                                                               &LoadNothing);
-    ASSERT_TRUE(load.Stands());
+    const obtest::ImportPatch<decltype(&LoadLibraryExW)> load("kernel32.dll", "LoadLibraryExW",
+                                                              &LoadNothing);
+    ASSERT_TRUE(load.Ok());
     EXPECT_EQ(Ask(reinterpret_cast<HWND>(0x1234)), context_.showAnswer);
     EXPECT_THAT(Steps(), ElementsAre("CallShow"));
     EXPECT_EQ(context_.askedOwner, reinterpret_cast<HWND>(0x1234));
@@ -144,12 +142,12 @@ TEST_F(ShowExport, AsksTheBrowserWhenTheTextsCantBeBound) {
 class ShowWithoutActivation : public testing::Test {};
 
 TEST_F(ShowWithoutActivation, AsksTheBrowserOutsideTheContext) {
-    obtest::ResetDoubles();
+    obtest::ResetFakes();
     const obtest::ActivationRecorder activations(true);
-    ASSERT_TRUE(activations.Stands());
+    ASSERT_TRUE(activations.Ok());
     obtest::RecordingContext context;
     EXPECT_EQ(FileOpenDialog_ShowInBrowser(kDialog, nullptr, &context), context.showAnswer);
-    EXPECT_THAT(Doubles().steps, ElementsAre("activate", "CallShow"));
+    EXPECT_THAT(Fakes().steps, ElementsAre("activate", "CallShow"));
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "obwmv/SiteHosts.h"
 #include "obwmv/SiteRules.h"
-#include "tests/standins/Recording.h"
+#include "tests/fakes/Recording.h"
 
 namespace {
 

@@ -14,14 +14,14 @@ using testing::IsEmpty;
 
 TEST(MailPageOptions, ReadsEveryOption) {
     std::wstring problem;
-    const auto options = ParseOptions({L"--url", L"https://mail.yahoo.com/", L"--road", L"dialog",
+    const auto options = ParseOptions({L"--url", L"https://mail.yahoo.com/", L"--entry", L"dialog",
                                        L"--single", L"--no-fallback-dialog", L"--auto",
                                        L"--keep-open", L"--filter", L"Text|*.txt", L"--result",
                                        L"r.txt", L"--picture", L"p.png", L"--outbox", L"out"},
                                       problem);
     ASSERT_TRUE(options);
     EXPECT_EQ(options->url, L"https://mail.yahoo.com/");
-    EXPECT_EQ(options->road, Road::Dialog);
+    EXPECT_EQ(options->entry, Entry::Dialog);
     EXPECT_TRUE(options->single && options->automatic && options->keepOpen);
     EXPECT_FALSE(options->fallbackDialog);
     EXPECT_EQ(options->filter, L"Text|*.txt");
@@ -35,13 +35,13 @@ TEST(MailPageOptions, BeginsOnAMailPageThatAsksByOpenFileName) {
     const auto options = ParseOptions({}, problem);
     ASSERT_TRUE(options);
     EXPECT_EQ(options->url.rfind(L"https://mail.google.com/", 0), 0u);
-    EXPECT_EQ(options->road, Road::OpenFileName);
+    EXPECT_EQ(options->entry, Entry::OpenFileName);
     EXPECT_TRUE(options->fallbackDialog);
 }
 
 TEST(MailPageOptions, NamesTheOptionThatItDoesNotKnow) {
     for (const std::vector<std::wstring>& arguments : std::vector<std::vector<std::wstring>>{
-             {L"--auto", L"--wrong"}, {L"--wrong", L"1"}, {L"--url"}, {L"--road", L"other"}}) {
+             {L"--auto", L"--wrong"}, {L"--wrong", L"1"}, {L"--url"}, {L"--entry", L"other"}}) {
         std::wstring problem;
         EXPECT_FALSE(ParseOptions(arguments, problem));
         EXPECT_FALSE(problem.empty());

@@ -5,8 +5,8 @@
 
 #include "ObLibX/src/xml/TextFileChannel.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
+#include "tests/unit/ObLibX/xml/encoding/FakeSystem.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"
-#include "tests/unit/ObLibX/xml/encoding/SystemDouble.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "ObLibX/src/xml/NameTables.h"
 #include "ObLibX/src/xml/TextConverter.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
-#include "tests/unit/ObLibX/xml/encoding/SystemDouble.h"
+#include "tests/unit/ObLibX/xml/encoding/FakeSystem.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "OBCore/cloud/CloudSend.h"
 #include "OBCore/modules/ProviderManager.h"
-#include "tests/support/StandIns.h"
+#include "tests/support/FakeModules.h"
 
 namespace {
 
@@ -14,12 +14,12 @@ using namespace obcore;
 class CloudSend : public testing::Test {
 protected:
     void SetUp() override {
-        obtest::StandIns::Reset();
-        obtest::StandIns::Answer(L"Providers", L"7");
+        obtest::FakeModules::Reset();
+        obtest::FakeModules::Answer(L"Providers", L"7");
         ASSERT_TRUE(LoadProviderManager());
         job_.emplace(OBOptions(), nullptr);
         profile_.providerId = 7;
-        obtest::StandIns::ForgetCalls();
+        obtest::FakeModules::ForgetCalls();
     }
 
     std::optional<OBAttachJob> job_;
@@ -31,14 +31,14 @@ TEST_F(CloudSend, IsRefusedWhenLinksAreForbidden) {
     job_->UploadBlocked = true;
     EXPECT_FALSE(RunCloudSend(*job_, linkText_, 5, profile_));
     EXPECT_EQ(linkText_, L"left over");
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
 }
 
 TEST_F(CloudSend, SendsNothingAndGivesNoLink) {
     const ProviderProfile before = profile_;
     EXPECT_TRUE(RunCloudSend(*job_, linkText_, 5, profile_));
     EXPECT_EQ(linkText_, L"");
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
     EXPECT_EQ(std::memcmp(&before, &profile_, sizeof(before)), 0);
 }
 
@@ -46,7 +46,7 @@ TEST_F(CloudSend, GivesNoLinkWithoutAProvider) {
     profile_.providerId = kNoProvider;
     EXPECT_TRUE(RunCloudSend(*job_, linkText_, 5, profile_));
     EXPECT_EQ(linkText_, L"");
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
 }
 
 } // namespace

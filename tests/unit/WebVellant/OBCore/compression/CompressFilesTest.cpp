@@ -7,9 +7,9 @@
 namespace {
 
 using obcore::CompressUtils::CompressFiles;
+using obtest::FakeModules;
 using obtest::Lines;
 using obtest::MessageBoxWatcher;
-using obtest::StandIns;
 
 constexpr wchar_t kZipName[] = L"Ombrix Compressed Attachments.zip";
 
@@ -54,7 +54,7 @@ protected:
 
 TEST_F(Compression, DrivesTheServiceInOrder) {
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(StandIns::Calls(), WholeRun(RunFolder() + kZipName, RunFolder(), L"8", L"0"));
+    EXPECT_EQ(FakeModules::Calls(), WholeRun(RunFolder() + kZipName, RunFolder(), L"8", L"0"));
 }
 
 TEST_F(Compression, NamesTheZipAsResultAndForCleanUp) {
@@ -99,7 +99,7 @@ TEST_F(Compression, WritesAZipxForThatMethod) {
     job_.CompressionMethod = obcore::kCompressionZipx;
     EXPECT_TRUE(CompressFiles(job_));
     const std::wstring path = RunFolder() + L"Ombrix Compressed Attachments.zipx";
-    EXPECT_EQ(StandIns::Calls(), WholeRun(path, RunFolder(), L"4294967295", L"0"));
+    EXPECT_EQ(FakeModules::Calls(), WholeRun(path, RunFolder(), L"4294967295", L"0"));
     EXPECT_EQ(job_.ResultPath, path);
     EXPECT_TRUE(job_.Usage.UsageZipx);
 }
@@ -107,7 +107,7 @@ TEST_F(Compression, WritesAZipxForThatMethod) {
 TEST_F(Compression, HandsDuplicateReferencesOver) {
     job_.DuplicateReferences = true;
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(StandIns::CallsOf({L"SetDuplicateReferences"}),
+    EXPECT_EQ(FakeModules::CallsOf({L"SetDuplicateReferences"}),
               Lines{L"SetDuplicateReferences(context5, 1)"});
 }
 
@@ -121,7 +121,7 @@ TEST_F(Compression, KeepsTheNameOfASingleFile) {
 TEST_F(Compression, AddsAFileThatStandsTwiceTwice) {
     job_.Files = {first_, first_};
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(StandIns::CallsOf({L"AddFileW"}),
+    EXPECT_EQ(FakeModules::CallsOf({L"AddFileW"}),
               (Lines{L"AddFileW(context5, " + Quote(first_) + L")",
                      L"AddFileW(context5, " + Quote(first_) + L")"}));
 }
@@ -138,14 +138,14 @@ TEST_F(Compression, PutsATooLongPathTogetherAsItIs) {
     const std::wstring path = RunFolder() + job_.DefaultZipName + L".zip";
     ASSERT_GT(path.size(), static_cast<std::size_t>(MAX_PATH));
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(StandIns::CallsOf({L"SetZipNameW"}),
+    EXPECT_EQ(FakeModules::CallsOf({L"SetZipNameW"}),
               Lines{L"SetZipNameW(context5, " + Quote(path) + L")"});
     EXPECT_EQ(job_.ResultPath, path);
     EXPECT_EQ(job_.CleanupFile, path);
 }
 
 TEST_F(Compression, TellsAFailureOfTheEngineWithoutAnIcon) {
-    StandIns::Answer(L"Zip", L"1");
+    FakeModules::Answer(L"Zip", L"1");
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
     const auto seen = boxes.Seen();
@@ -158,10 +158,10 @@ TEST_F(Compression, TellsAFailureOfTheEngineWithoutAnIcon) {
 }
 
 TEST_F(Compression, EndsTheContextAndLeavesTheFolderAfterAFailureOfTheEngine) {
-    StandIns::Answer(L"Zip", L"1");
+    FakeModules::Answer(L"Zip", L"1");
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
-    EXPECT_EQ(StandIns::Calls(), WholeRun(RunFolder() + kZipName, RunFolder(), L"8", L"0"));
+    EXPECT_EQ(FakeModules::Calls(), WholeRun(RunFolder() + kZipName, RunFolder(), L"8", L"0"));
     EXPECT_EQ(Left(), Lines{L"1000\\"});
     ExpectNoResult();
 }
@@ -173,19 +173,19 @@ int WINAPI NotedBox(HWND, LPCWSTR, LPCWSTR, UINT) {
 }
 
 TEST_F(Compression, EndsTheContextBeforeItTellsAFailureOfTheEngine) {
-    StandIns::Answer(L"Zip", L"1");
-    const obtest::ImportDouble<decltype(&MessageBoxW)> box("user32.dll", "MessageBoxW", &NotedBox);
-    ASSERT_TRUE(box.Stands());
+    FakeModules::Answer(L"Zip", L"1");
+    const obtest::ImportPatch<decltype(&MessageBoxW)> box("user32.dll", "MessageBoxW", &NotedBox);
+    ASSERT_TRUE(box.Ok());
     EXPECT_FALSE(CompressFiles(job_));
     Lines expected = WholeRun(RunFolder() + kZipName, RunFolder(), L"8", L"0");
     expected.push_back(L"MessageBoxW");
-    EXPECT_EQ(StandIns::Calls(), expected);
+    EXPECT_EQ(FakeModules::Calls(), expected);
     EXPECT_TRUE(job_.Usage.UsageZipped);
 }
 
 TEST_F(Compression, TakesEveryOtherAnswerOfTheEngineForAFailure) {
     for (const wchar_t* answer : {L"2", L"256", L"65536", L"2147483648", L"4294967295"}) {
-        StandIns::Answer(L"Zip", answer);
+        FakeModules::Answer(L"Zip", answer);
         const MessageBoxWatcher boxes;
         EXPECT_FALSE(CompressFiles(job_)) << "answer " << _wtoi64(answer);
         EXPECT_EQ(boxes.Seen().size(), 1u);
@@ -196,7 +196,7 @@ TEST_F(Compression, TakesEveryOtherAnswerOfTheEngineForAFailure) {
 TEST_F(Compression, HasNothingToNameWithoutFiles) {
     job_.Files.clear();
     EXPECT_FALSE(CompressFiles(job_));
-    EXPECT_TRUE(StandIns::Calls().empty());
+    EXPECT_TRUE(FakeModules::Calls().empty());
     EXPECT_TRUE(Left().empty());
     EXPECT_FALSE(job_.Usage.UsageZipped);
 }
@@ -204,12 +204,12 @@ TEST_F(Compression, HasNothingToNameWithoutFiles) {
 DWORD WINAPI NoTempPath(DWORD, LPWSTR) { return 300; }
 
 TEST_F(Compression, FailsSilentlyWithoutATemporaryFolder) {
-    obtest::ImportDouble<decltype(&GetTempPathW)> noFolder("kernel32.dll", "GetTempPathW",
-                                                           &NoTempPath);
-    ASSERT_TRUE(noFolder.Stands());
+    obtest::ImportPatch<decltype(&GetTempPathW)> noFolder("kernel32.dll", "GetTempPathW",
+                                                          &NoTempPath);
+    ASSERT_TRUE(noFolder.Ok());
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
-    EXPECT_TRUE(StandIns::Calls().empty());
+    EXPECT_TRUE(FakeModules::Calls().empty());
     EXPECT_TRUE(boxes.Seen().empty());
     EXPECT_FALSE(job_.Usage.UsageZipped);
     ExpectNoResult();
@@ -218,7 +218,7 @@ TEST_F(Compression, FailsSilentlyWithoutATemporaryFolder) {
 TEST_F(Compression, DoesNothingWhenNothingIsToBeZipped) {
     job_.SendItem = false;
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_TRUE(StandIns::Calls().empty());
+    EXPECT_TRUE(FakeModules::Calls().empty());
     EXPECT_TRUE(Left().empty());
     EXPECT_FALSE(job_.Usage.UsageZipped);
     ExpectNoResult();
@@ -227,10 +227,11 @@ TEST_F(Compression, DoesNothingWhenNothingIsToBeZipped) {
 TEST_F(Compression, RunsOnWhereNoFolderCanBeMade) {
     const std::wstring missing = temp_ / L"missing";
     UseTemporaryFolder(missing);
-    StandIns::Answer(L"Zip", L"1");
+    FakeModules::Answer(L"Zip", L"1");
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
-    EXPECT_EQ(StandIns::Calls(), WholeRun(missing + L"\\" + kZipName, missing + L"\\", L"8", L"0"));
+    EXPECT_EQ(FakeModules::Calls(),
+              WholeRun(missing + L"\\" + kZipName, missing + L"\\", L"8", L"0"));
     EXPECT_EQ(boxes.Seen().size(), 1u);
     EXPECT_TRUE(Left().empty());
 }

@@ -8,9 +8,9 @@
 namespace {
 
 using obcore::CompressUtils::CompressFiles;
+using obtest::FakeModules;
 using obtest::Lines;
 using obtest::MessageBoxWatcher;
-using obtest::StandIns;
 
 constexpr wchar_t kZipName[] = L"Ombrix Compressed Attachments.zip";
 
@@ -34,7 +34,7 @@ protected:
 
     // The calls from the one that ends the naming of the zip on.
     static Lines CallsBehindNaming() {
-        Lines calls = StandIns::Calls();
+        Lines calls = FakeModules::Calls();
         const auto naming = std::find_if(calls.begin(), calls.end(), [](const std::wstring& call) {
             return call.starts_with(L"SetTempFolderW");
         });
@@ -61,7 +61,7 @@ protected:
 };
 
 TEST_F(Encryption, SetsTheMethodAndHandsThePasswordOver) {
-    StandIns::Answer(L"Password", L"open sesame");
+    FakeModules::Answer(L"Password", L"open sesame");
     EXPECT_TRUE(CompressFiles(job_));
     EXPECT_EQ(CallsBehindNaming(), Joined({L"SetEncrypt(context5, 8)", PasswordCall(L"8"),
                                            L"SetPassword(context5, \"open sesame\")"},
@@ -73,7 +73,7 @@ TEST_F(Encryption, SetsTheMethodAndHandsThePasswordOver) {
 }
 
 TEST_F(Encryption, KeepsThePasswordOutOfTheTrace) {
-    StandIns::Answer(L"Password", L"open sesame");
+    FakeModules::Answer(L"Password", L"open sesame");
     obtest::ForgetTrace();
     EXPECT_TRUE(CompressFiles(job_));
     ASSERT_EQ(obtest::TraceLines().size(), 3u);
@@ -86,21 +86,21 @@ TEST_F(Encryption, WorksBesideSendItemToo) {
     job_.SendItem = true;
     job_.EncryptionMethod = 4;
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(StandIns::CallsOf({L"SetEncrypt"}), Lines{L"SetEncrypt(context5, 4)"});
+    EXPECT_EQ(FakeModules::CallsOf({L"SetEncrypt"}), Lines{L"SetEncrypt(context5, 4)"});
 }
 
 TEST_F(Encryption, LendsThePasswordDialogACopyOfTheMethodOnly) {
-    StandIns::Answer(L"PasswordMethod", L"4");
+    FakeModules::Answer(L"PasswordMethod", L"4");
     EXPECT_TRUE(CompressFiles(job_));
     EXPECT_EQ(job_.EncryptionMethod, 8u);
-    EXPECT_EQ(StandIns::CallsOf({L"SetEncrypt"}), Lines{L"SetEncrypt(context5, 8)"});
+    EXPECT_EQ(FakeModules::CallsOf({L"SetEncrypt"}), Lines{L"SetEncrypt(context5, 8)"});
 }
 
 TEST_F(Encryption, TakesAPasswordOf259Bytes) {
     const std::wstring longest(259, L'p');
-    StandIns::Answer(L"Password", longest);
+    FakeModules::Answer(L"Password", longest);
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(StandIns::CallsOf({L"SetPassword"}),
+    EXPECT_EQ(FakeModules::CallsOf({L"SetPassword"}),
               Lines{L"SetPassword(context5, " + Quote(longest) + L")"});
 }
 
@@ -146,7 +146,7 @@ TEST_F(Encryption, TellsAnUnusablePublicKeyWithTheWarningIcon) {
 
 TEST_F(Encryption, LeavesContextAndFolderAfterAnUnusablePublicKey) {
     for (const std::uint32_t result : {0u, 2u, 257u, 0xFFFFFFFFu}) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         UsePublicKey(result);
         const MessageBoxWatcher boxes;
         EXPECT_FALSE(CompressFiles(job_));
@@ -161,10 +161,10 @@ TEST_F(Encryption, LeavesContextAndFolderAfterAnUnusablePublicKey) {
 }
 
 TEST_F(Encryption, RemovesTheFolderAndThenEndsTheContextWhenTheUserGivesNoPassword) {
-    StandIns::Answer(L"PasswordNewDlg_C", L"2");
-    obtest::ImportDouble<decltype(&RemoveDirectoryW)> removal("kernel32.dll", "RemoveDirectoryW",
-                                                              &NotedRemoval);
-    ASSERT_TRUE(removal.Stands());
+    FakeModules::Answer(L"PasswordNewDlg_C", L"2");
+    obtest::ImportPatch<decltype(&RemoveDirectoryW)> removal("kernel32.dll", "RemoveDirectoryW",
+                                                             &NotedRemoval);
+    ASSERT_TRUE(removal.Ok());
     realRemoveDirectory = removal.Real();
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
@@ -181,11 +181,11 @@ TEST_F(Encryption, RemovesTheFolderAndThenEndsTheContextWhenTheUserGivesNoPasswo
 
 TEST_F(Encryption, TakesEveryOtherAnswerThanOneForNoPassword) {
     for (const wchar_t* answer : {L"0", L"257", L"4294967295"}) {
-        StandIns::ForgetCalls();
-        StandIns::Answer(L"PasswordNewDlg_C", answer);
+        FakeModules::ForgetCalls();
+        FakeModules::Answer(L"PasswordNewDlg_C", answer);
         EXPECT_FALSE(CompressFiles(job_)) << "answer " << _wtoi64(answer);
-        EXPECT_TRUE(StandIns::CallsOf({L"SetPassword", L"Zip"}).empty());
-        EXPECT_EQ(StandIns::CallsOf({L"DestroyZipContext"}).size(), 1u);
+        EXPECT_TRUE(FakeModules::CallsOf({L"SetPassword", L"Zip"}).empty());
+        EXPECT_EQ(FakeModules::CallsOf({L"DestroyZipContext"}).size(), 1u);
     }
     EXPECT_TRUE(Left().empty());
 }

@@ -11,10 +11,10 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/options/OBAttachJob.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/standins/Recording.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/FakeModules.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/StandIns.h"
 #include "tests/support/TestFolder.h"
 
 namespace obtest {
@@ -37,10 +37,10 @@ protected:
           job_(obcore::OBOptions{}, owner_.Get()) {}
 
     void SetUp() override {
-        ASSERT_TRUE(clock_.Stands());
+        ASSERT_TRUE(clock_.Ok());
         UseTemporaryFolder(temp_.Path());
-        StandIns::Reset();
-        StandIns::Answer(L"CreateZipContext", L"5");
+        FakeModules::Reset();
+        FakeModules::Answer(L"CreateZipContext", L"5");
         job_.BrowserImagePath.clear();
     }
     void TearDown() override { SetEnvironmentVariableW(L"TMP", nullptr); }
@@ -65,7 +65,7 @@ protected:
     obcore::OBAttachJob job_;
 
 private:
-    ImportDouble<decltype(&GetTickCount)> clock_{"kernel32.dll", "GetTickCount", &StoppedClock};
+    ImportPatch<decltype(&GetTickCount)> clock_{"kernel32.dll", "GetTickCount", &StoppedClock};
 };
 
 } // namespace obtest

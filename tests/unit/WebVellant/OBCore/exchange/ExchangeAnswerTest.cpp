@@ -195,14 +195,14 @@ TEST_F(CleanupNames, StandBehindTheTwoNulsOfACancelledRun) {
     Expect(104, 108);
 }
 
-TEST_F(CleanupNames, StandBehindTheListOfTheDialogRoad) {
+TEST_F(CleanupNames, StandBehindTheListOfTheDialogPath) {
     WriteDialogAnswer(*block, {L"C:\\a", L"b"});
     WriteCleanupNames(*block, L"T", L"F");
     Expect(94, 98);
     EXPECT_EQ(block.Units(76, 13), Raw(L"\0C:\\a\0b\0\0T\0F\0"));
 }
 
-TEST_F(CleanupNames, StandBehindAnEmptyListOfTheDialogRoad) {
+TEST_F(CleanupNames, StandBehindAnEmptyListOfTheDialogPath) {
     WriteDialogAnswer(*block, {});
     WriteCleanupNames(*block, L"T", L"F");
     Expect(82, 86);

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 
 namespace {
 
@@ -117,8 +117,8 @@ HANDLE WINAPI RecordCreateFileMapping(HANDLE file, LPSECURITY_ATTRIBUTES securit
 }
 
 TEST_F(ExchangeMapping, AsksForInheritablePagedMemory) {
-    obtest::ImportDouble patch("kernel32.dll", "CreateFileMappingW", &RecordCreateFileMapping);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("kernel32.dll", "CreateFileMappingW", &RecordCreateFileMapping);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_FALSE(CreateExchangeBlock(7, mapping));
     EXPECT_FALSE(mapping);
     EXPECT_EQ(mappingCall.file, INVALID_HANDLE_VALUE);
@@ -144,8 +144,8 @@ HANDLE WINAPI RecordOpenFileMapping(DWORD access, BOOL inherit, LPCWSTR name) {
 }
 
 TEST_F(ExchangeMapping, IsOpenedByTheHostForWritingAndForItselfAlone) {
-    obtest::ImportDouble patch("kernel32.dll", "OpenFileMappingW", &RecordOpenFileMapping);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("kernel32.dll", "OpenFileMappingW", &RecordOpenFileMapping);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_FALSE(OpenExchangeBlock(0xFFFFFFFE, mapping));
     EXPECT_FALSE(mapping);
     EXPECT_EQ(openCall.access, static_cast<DWORD>(FILE_MAP_WRITE));
@@ -176,8 +176,8 @@ void ExpectWholeViewForWriting() {
 }
 
 TEST_F(ExchangeMapping, ClosesTheHandleWhenTheViewFails) {
-    obtest::ImportDouble patch("kernel32.dll", "MapViewOfFile", &FailMapViewOfFile);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("kernel32.dll", "MapViewOfFile", &FailMapViewOfFile);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_FALSE(CreateExchangeBlock(kId, mapping));
     EXPECT_FALSE(mapping);
     ExpectWholeViewForWriting();
@@ -188,8 +188,8 @@ TEST_F(ExchangeMapping, ClosesTheHandleWhenTheViewFails) {
 TEST_F(ExchangeMapping, ClosesTheHostsHandleWhenItsViewFails) {
     UniqueKernelHandle section = SectionOf(L"WEBVELLANT_SM_4711", 65536);
     ASSERT_TRUE(section);
-    obtest::ImportDouble patch("kernel32.dll", "MapViewOfFile", &FailMapViewOfFile);
-    ASSERT_TRUE(patch.Stands());
+    obtest::ImportPatch patch("kernel32.dll", "MapViewOfFile", &FailMapViewOfFile);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_FALSE(OpenExchangeBlock(kId, mapping));
     EXPECT_FALSE(mapping);
     ExpectWholeViewForWriting();

@@ -4,7 +4,7 @@
 
 #include "OBCore/files/TemporaryFolders.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -128,8 +128,8 @@ BOOL WINAPI NotedCopy(LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
 }
 
 TEST_F(CopyFiles, HandsTheSystemLongPathsInTheirExtendedForm) {
-    obtest::ImportDouble<decltype(&CopyFileW)> copy("kernel32.dll", "CopyFileW", &NotedCopy);
-    ASSERT_TRUE(copy.Stands());
+    obtest::ImportPatch<decltype(&CopyFileW)> copy("kernel32.dll", "CopyFileW", &NotedCopy);
+    ASSERT_TRUE(copy.Ok());
     const std::wstring picked = L"C:\\" + std::wstring(250, L'd') + L"\\deep.txt";
     const std::wstring longName(250, L'n');
     EXPECT_EQ(Copy({picked, L"C:\\short.txt", L"C:\\" + longName}),

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/RecordedTrace.h"
 #include "tests/support/TestFolder.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 using obcore::CreateUniqueTempFolder;
 using obcore::GetTemporaryFolder;
-using obtest::ImportDouble;
+using obtest::ImportPatch;
 
 // What the doubles answer and were asked.
 std::wstring tempPath;
@@ -24,13 +24,13 @@ DWORD longPathCapacity = 0;
 std::wstring longPathAsked;
 DWORD tick = 0;
 
-DWORD WINAPI TempPathDouble(DWORD capacity, LPWSTR buffer) {
+DWORD WINAPI FakeTempPath(DWORD capacity, LPWSTR buffer) {
     tempPathCapacity = capacity;
     wcscpy(buffer, tempPath.c_str());
     return tempPathResult;
 }
 
-DWORD WINAPI LongPathDouble(LPCWSTR path, LPWSTR buffer, DWORD capacity) {
+DWORD WINAPI FakeLongPath(LPCWSTR path, LPWSTR buffer, DWORD capacity) {
     longPathAsked = path;
     longPathCapacity = capacity;
     if (longPathResult != 0 && longPathResult < capacity) wcscpy(buffer, longPath.c_str());
@@ -38,7 +38,7 @@ DWORD WINAPI LongPathDouble(LPCWSTR path, LPWSTR buffer, DWORD capacity) {
     return longPathResult;
 }
 
-DWORD WINAPI TickDouble() { return tick; }
+DWORD WINAPI FakeTick() { return tick; }
 
 BOOL WINAPI RefusedFolder(LPCWSTR, LPSECURITY_ATTRIBUTES) {
     SetLastError(ERROR_ACCESS_DENIED);
@@ -64,8 +64,8 @@ protected:
         longPathResult = result;
     }
     void SetUp() override {
-        ASSERT_TRUE(tempPathDouble_.Stands());
-        ASSERT_TRUE(longPathDouble_.Stands());
+        ASSERT_TRUE(tempPathDouble_.Ok());
+        ASSERT_TRUE(longPathDouble_.Ok());
         AnswerLong(L"", 0);
         obtest::ForgetTrace();
     }
@@ -73,10 +73,10 @@ protected:
     std::wstring folder_ = L"untouched";
 
 private:
-    ImportDouble<decltype(&GetTempPathW)> tempPathDouble_{"kernel32.dll", "GetTempPathW",
-                                                          &TempPathDouble};
-    ImportDouble<decltype(&GetLongPathNameW)> longPathDouble_{"kernel32.dll", "GetLongPathNameW",
-                                                              &LongPathDouble};
+    ImportPatch<decltype(&GetTempPathW)> tempPathDouble_{"kernel32.dll", "GetTempPathW",
+                                                         &FakeTempPath};
+    ImportPatch<decltype(&GetLongPathNameW)> longPathDouble_{"kernel32.dll", "GetLongPathNameW",
+                                                             &FakeLongPath};
 };
 
 TEST_F(TemporaryFolder, IsTheLongFormOfTheUsersFolder) {
@@ -151,7 +151,7 @@ TEST(RealTemporaryFolder, ExistsAndEndsInABackslash) {
 class UniqueTempFolder : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(tickDouble_.Stands());
+        ASSERT_TRUE(tickDouble_.Ok());
         tick = 0xABCDEF01;
         foldersAsked = 0;
     }
@@ -168,7 +168,7 @@ protected:
     std::wstring base_ = home_.Path() + L"\\";
 
 private:
-    ImportDouble<decltype(&GetTickCount)> tickDouble_{"kernel32.dll", "GetTickCount", &TickDouble};
+    ImportPatch<decltype(&GetTickCount)> tickDouble_{"kernel32.dll", "GetTickCount", &FakeTick};
 };
 
 TEST_F(UniqueTempFolder, IsNamedByTheTimeInLowerCaseHexadecimal) {
@@ -204,17 +204,17 @@ TEST_F(UniqueTempFolder, IsAnotherOneForASecondRunWithinTheSameTick) {
 }
 
 TEST_F(UniqueTempFolder, IsNotSharedWithAProcessThatWasQuicker) {
-    ImportDouble<decltype(&CreateDirectoryW)> folders("kernel32.dll", "CreateDirectoryW",
-                                                      &FirstNameJustTaken);
-    ASSERT_TRUE(folders.Stands());
+    ImportPatch<decltype(&CreateDirectoryW)> folders("kernel32.dll", "CreateDirectoryW",
+                                                     &FirstNameJustTaken);
+    ASSERT_TRUE(folders.Ok());
     realCreateDirectory = folders.Real();
     EXPECT_EQ(Make(), L"abcdef02\\");
 }
 
 TEST_F(UniqueTempFolder, IsNamedAlsoWhenItCanNotBeMade) {
-    ImportDouble<decltype(&CreateDirectoryW)> folders("kernel32.dll", "CreateDirectoryW",
-                                                      &RefusedFolder);
-    ASSERT_TRUE(folders.Stands());
+    ImportPatch<decltype(&CreateDirectoryW)> folders("kernel32.dll", "CreateDirectoryW",
+                                                     &RefusedFolder);
+    ASSERT_TRUE(folders.Ok());
     EXPECT_EQ(Make(), L"abcdef01\\");
     EXPECT_TRUE(obtest::ListTree(home_.Path()).empty());
 }

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "tests/standins/wipe/WipeRuns.h"
+#include "tests/fakes/wipe/WipeRuns.h"
 #include "tests/support/TestFolder.h"
 
 namespace obtest {
@@ -38,7 +38,7 @@ public:
         }
     }
 
-    bool Stands() const { return placed_; }
+    bool Ok() const { return placed_; }
     void WipeForReal() const { WriteFileContent(Path(kWipeForRealFileName), "yes"); }
     std::vector<WipeRun> Runs() const { return WipeRuns(folder_); }
     std::vector<WipeRun> WaitForRuns(std::size_t count) const {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "OBCore/files/Wipe.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/WebVellant/OBCore/files/WipeProgram.h"
 
@@ -40,13 +40,13 @@ protected:
     // Starts the program in the product's folder and tells whether that is what ran.
     void ExpectProductProgramStarts() {
         const PlacedWipeProgram program(product_.Path());
-        ASSERT_TRUE(program.Stands());
+        ASSERT_TRUE(program.Ok());
         EXPECT_TRUE(RunsToItsEnd(StartWipeProcess(L"x")));
         EXPECT_EQ(program.Runs().size(), 1u);
     }
     void ExpectNothingStarts() {
         const PlacedWipeProgram program(product_.Path());
-        ASSERT_TRUE(program.Stands());
+        ASSERT_TRUE(program.Ok());
         EXPECT_FALSE(StartWipeProcess(L"x"));
     }
 
@@ -59,7 +59,7 @@ TEST_F(WipeStart, StartsNothingWithoutTheProgram) {
 
 TEST_F(WipeStart, StartsTheProgramBesideTheLibrary) {
     const PlacedWipeProgram program(ProgramFolder());
-    ASSERT_TRUE(program.Stands());
+    ASSERT_TRUE(program.Ok());
     ASSERT_TRUE(RunsToItsEnd(StartWipeProcess(L"/timeout:120 \"C:\\a b\" \"C:\\c\\\"")));
     const auto runs = program.Runs();
     ASSERT_EQ(runs.size(), 1u);
@@ -114,7 +114,7 @@ TEST_F(WipeStart, TakesTheRegisteredFolderUpToTheLastBackslash) {
 TEST_F(WipeStart, RunsInTheRootOfADriveWhereTheProductLiesThere) {
     Register(L"C:\\ombrix.exe");
     const PlacedWipeProgram program(L"C:");
-    ASSERT_TRUE(program.Stands());
+    ASSERT_TRUE(program.Ok());
     ASSERT_TRUE(RunsToItsEnd(StartWipeProcess(L"x")));
     ASSERT_EQ(program.Runs().size(), 1u);
     EXPECT_EQ(program.Runs()[0].currentDirectory, L"C:\\");
@@ -189,9 +189,9 @@ bool IsOpen(HANDLE handle) {
 
 TEST_F(WipeStart, GivesTheSystemTheProgramApartFromTheCommandLine) {
     const PlacedWipeProgram program(ProgramFolder());
-    obtest::ImportDouble<decltype(&CreateProcessW)> start("kernel32.dll", "CreateProcessW",
-                                                          &NotedStart);
-    ASSERT_TRUE(start.Stands());
+    obtest::ImportPatch<decltype(&CreateProcessW)> start("kernel32.dll", "CreateProcessW",
+                                                         &NotedStart);
+    ASSERT_TRUE(start.Ok());
     realCreateProcess = start.Real();
     {
         const ObLib::UniqueKernelHandle process = StartWipeProcess(L"arguments");

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/RecordedTrace.h"
 #include "tests/unit/WebVellant/OBCore/files/WipeProgram.h"
 
@@ -43,9 +43,9 @@ TEST_F(Wipe, HandsTheItemsOverInOrderAndEmptiesTheList) {
 
 TEST_F(Wipe, LeavesTheListAndTracesTheErrorWhenTheProgramIsRefused) {
     const PlacedWipeProgram program(ProgramFolder());
-    obtest::ImportDouble<decltype(&CreateProcessW)> start("kernel32.dll", "CreateProcessW",
-                                                          &RefusedStart);
-    ASSERT_TRUE(start.Stands());
+    obtest::ImportPatch<decltype(&CreateProcessW)> start("kernel32.dll", "CreateProcessW",
+                                                         &RefusedStart);
+    ASSERT_TRUE(start.Ok());
     Items items = {L"C:\\a.txt"};
     LaunchWipe(items);
     EXPECT_EQ(items, Items{L"C:\\a.txt"});

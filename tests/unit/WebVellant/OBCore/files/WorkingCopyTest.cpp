@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/OBCore/files/WipeProgram.h"
 
 namespace {
@@ -13,7 +13,7 @@ namespace {
 using obcore::WorkingCopy;
 using obcore::CompressUtils::CleanupWorkingCopy;
 using obtest::FileExists;
-using obtest::ImportDouble;
+using obtest::ImportPatch;
 using obtest::PlacedWipeProgram;
 using obtest::ProgramFolder;
 using Files = std::vector<std::wstring>;
@@ -53,13 +53,13 @@ public:
         realRemoveDirectory = remove_.Real();
         filesDeleted = searches = foldersRemoved = 0;
     }
-    bool Stand() const { return delete_.Stands() && find_.Stands() && remove_.Stands(); }
+    bool Stand() const { return delete_.Ok() && find_.Ok() && remove_.Ok(); }
 
 private:
-    ImportDouble<decltype(&DeleteFileW)> delete_{"kernel32.dll", "DeleteFileW", &CountedDelete};
-    ImportDouble<decltype(&FindFirstFileW)> find_{"kernel32.dll", "FindFirstFileW", &CountedSearch};
-    ImportDouble<decltype(&RemoveDirectoryW)> remove_{"kernel32.dll", "RemoveDirectoryW",
-                                                      &CountedRemove};
+    ImportPatch<decltype(&DeleteFileW)> delete_{"kernel32.dll", "DeleteFileW", &CountedDelete};
+    ImportPatch<decltype(&FindFirstFileW)> find_{"kernel32.dll", "FindFirstFileW", &CountedSearch};
+    ImportPatch<decltype(&RemoveDirectoryW)> remove_{"kernel32.dll", "RemoveDirectoryW",
+                                                     &CountedRemove};
 };
 
 class CleanedWorkingCopy : public testing::Test {

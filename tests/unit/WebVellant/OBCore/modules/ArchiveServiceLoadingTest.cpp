@@ -127,7 +127,7 @@ class ArchiveServiceFetching : public ArchiveServiceLoading {
 protected:
     void SetUp() override {
         ArchiveServiceLoading::SetUp();
-        ASSERT_TRUE(fetch_.Stands());
+        ASSERT_TRUE(fetch_.Ok());
         realFetch = fetch_.Real();
         fetches.clear();
         lackingEntry.clear();
@@ -135,8 +135,8 @@ protected:
     }
 
 private:
-    obtest::ImportDouble<decltype(GetProcAddress)> fetch_{"kernel32.dll", "GetProcAddress",
-                                                          &RecordFetch};
+    obtest::ImportPatch<decltype(GetProcAddress)> fetch_{"kernel32.dll", "GetProcAddress",
+                                                         &RecordFetch};
 };
 
 // First of its suite: the table of a process is empty only once.
@@ -211,9 +211,9 @@ DWORD WINAPI AnswerPathResult(HMODULE, LPWSTR path, DWORD capacity) {
 
 TEST_F(ArchiveServiceLoading, AsksForNothingWhenTheOwnPathIsUnknownOrCut) {
     Put(L"complete.dll", Beside());
-    const obtest::ImportDouble<decltype(GetModuleFileNameW)> patch(
+    const obtest::ImportPatch<decltype(GetModuleFileNameW)> patch(
         "kernel32.dll", "GetModuleFileNameW", &AnswerPathResult);
-    ASSERT_TRUE(patch.Stands());
+    ASSERT_TRUE(patch.Ok());
     for (const DWORD result : {0u, 260u}) {
         pathResult = result;
         EXPECT_FALSE(LoadArchiveService());

@@ -2,7 +2,7 @@
 
 #include "OBCore/modules/OwnModule.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
-#include "tests/standins/Recording.h"
+#include "tests/fakes/Recording.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ BindingFixture::BindingFixture() : load_("kernel32.dll", "LoadLibraryW", &Record
 }
 
 void BindingFixture::SetUp() {
-    ASSERT_TRUE(load_.Stands());
+    ASSERT_TRUE(load_.Ok());
     loads.clear();
     obtest::ForgetTrace();
 }

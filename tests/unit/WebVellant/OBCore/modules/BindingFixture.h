@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/RecordedTrace.h"
 #include "tests/support/TestFolder.h"
 
@@ -39,7 +39,7 @@ protected:
 
 private:
     ObLib::UniqueModule own_;
-    obtest::ImportDouble<decltype(LoadLibraryW)> load_;
+    obtest::ImportPatch<decltype(LoadLibraryW)> load_;
 
 public:
     BindingFixture();

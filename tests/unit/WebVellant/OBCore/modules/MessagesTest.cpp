@@ -70,7 +70,7 @@ class Assertions : public BindingFixture {
 protected:
     void SetUp() override {
         BindingFixture::SetUp();
-        ASSERT_TRUE(box_.Stands());
+        ASSERT_TRUE(box_.Ok());
         boxCalls.clear();
     }
 
@@ -81,7 +81,7 @@ protected:
     }
 
 private:
-    obtest::ImportDouble<decltype(MessageBoxA)> box_{"user32.dll", "MessageBoxA", &RecordNarrowBox};
+    obtest::ImportPatch<decltype(MessageBoxA)> box_{"user32.dll", "MessageBoxA", &RecordNarrowBox};
 };
 
 TEST_F(Assertions, NameExpressionSourceAndLine) {

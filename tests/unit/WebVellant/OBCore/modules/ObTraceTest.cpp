@@ -6,7 +6,7 @@
 
 #include <cstdio>
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 
 namespace {
 
@@ -23,9 +23,9 @@ TEST(TraceCall, WritesNothingAnywhere) {
     ASSERT_NE(nullptr, runtime);
     writes = 0;
     {
-        const obtest::ImportDouble<decltype(WriteFile)> file("kernel32.dll", "WriteFile",
-                                                             &CountWriteFile, runtime);
-        ASSERT_TRUE(file.Stands());
+        const obtest::ImportPatch<decltype(WriteFile)> file("kernel32.dll", "WriteFile",
+                                                            &CountWriteFile, runtime);
+        ASSERT_TRUE(file.Ok());
         obcore::ObTrace("line %d of %s and %S\n", 1, "narrow", L"wide");
         EXPECT_EQ(0, writes);
         // The count does see a line that is written.

@@ -1,7 +1,7 @@
 #include "OBCore/modules/OwnModule.h"
 
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
-#include "tests/standins/Recording.h"
+#include "tests/fakes/Recording.h"
 #include "tests/unit/WebVellant/OBCore/modules/BindingFixture.h"
 
 namespace {
@@ -42,9 +42,9 @@ DWORD WINAPI AnswerPathResult(HMODULE, LPWSTR path, DWORD) {
 }
 
 TEST_F(OwnModule, HasNoPathWhenTheSystemGivesNoneOrCutsIt) {
-    const obtest::ImportDouble<decltype(GetModuleFileNameW)> patch(
+    const obtest::ImportPatch<decltype(GetModuleFileNameW)> patch(
         "kernel32.dll", "GetModuleFileNameW", &AnswerPathResult);
-    ASSERT_TRUE(patch.Stands());
+    ASSERT_TRUE(patch.Ok());
     for (const DWORD result : {0u, 260u}) {
         pathResult = result;
         EXPECT_FALSE(OwnModulePath());

@@ -30,7 +30,7 @@ class ResourceModuleBinding : public BindingFixture {
 protected:
     void SetUp() override {
         BindingFixture::SetUp();
-        ASSERT_TRUE(load_.Stands());
+        ASSERT_TRUE(load_.Ok());
         realLoadEx = load_.Real();
         loadCalls.clear();
         refusesLoads = false;
@@ -41,8 +41,8 @@ protected:
     }
 
 private:
-    obtest::ImportDouble<decltype(LoadLibraryExW)> load_{"kernel32.dll", "LoadLibraryExW",
-                                                         &RecordLoadEx};
+    obtest::ImportPatch<decltype(LoadLibraryExW)> load_{"kernel32.dll", "LoadLibraryExW",
+                                                        &RecordLoadEx};
 };
 
 TEST_F(ResourceModuleBinding, LoadsTheOwnFileAsDataOnce) {
@@ -71,9 +71,9 @@ DWORD WINAPI AnswerCutPath(HMODULE, LPWSTR path, DWORD capacity) {
 }
 
 TEST_F(ResourceModuleBinding, LoadsNothingWhenTheOwnPathIsCut) {
-    const obtest::ImportDouble<decltype(GetModuleFileNameW)> patch(
+    const obtest::ImportPatch<decltype(GetModuleFileNameW)> patch(
         "kernel32.dll", "GetModuleFileNameW", &AnswerCutPath);
-    ASSERT_TRUE(patch.Stands());
+    ASSERT_TRUE(patch.Ok());
     EXPECT_FALSE(BindResourceModule());
     EXPECT_TRUE(loadCalls.empty());
 }

@@ -44,7 +44,7 @@ class ThreadLanguage : public BindingFixture {
 protected:
     void SetUp() override {
         BindingFixture::SetUp();
-        ASSERT_TRUE(get_.Stands() && set_.Stands());
+        ASSERT_TRUE(get_.Ok() && set_.Ok());
         threadList.clear();
         fails = false;
         flagsOfSet.clear();
@@ -52,9 +52,9 @@ protected:
     }
 
 private:
-    obtest::ImportDouble<decltype(GetThreadPreferredUILanguages)> get_{
+    obtest::ImportPatch<decltype(GetThreadPreferredUILanguages)> get_{
         "kernel32.dll", "GetThreadPreferredUILanguages", &AnswerLanguages};
-    obtest::ImportDouble<decltype(SetThreadPreferredUILanguages)> set_{
+    obtest::ImportPatch<decltype(SetThreadPreferredUILanguages)> set_{
         "kernel32.dll", "SetThreadPreferredUILanguages", &RecordLanguages};
 };
 

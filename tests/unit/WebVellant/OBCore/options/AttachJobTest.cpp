@@ -6,7 +6,7 @@
 
 #include "OBCore/options/OBAttachJob.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/OBCore/options/OptionsFields.h"
 #include "tests/unit/WebVellant/OBCore/options/OptionsFixture.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 using obcore::OBAttachJob;
 using obcore::OBOptions;
-using obtest::StandIns;
+using obtest::FakeModules;
 
 using Calls = std::vector<std::wstring>;
 
@@ -96,18 +96,18 @@ TEST_F(AttachJob, TakesOverOptionsAndLeavesItsOwnFieldsAlone) {
 TEST_F(AttachJob, CreatesItsManagerAndDeletesItOnce) {
     {
         OBAttachJob job(OBOptions{}, nullptr);
-        EXPECT_EQ(Calls({L"CreateObExtensionsManager()"}), StandIns::Calls());
+        EXPECT_EQ(Calls({L"CreateObExtensionsManager()"}), FakeModules::Calls());
         // What stands in the base isn't what is owned.
         job.ProviderManager = nullptr;
     }
     EXPECT_EQ(Calls({L"CreateObExtensionsManager()", L"DeleteObExtensionsManager(manager)"}),
-              StandIns::Calls());
+              FakeModules::Calls());
 }
 
 TEST_F(AttachJob, DeletesNothingWhenNoManagerCouldBeCreated) {
-    StandIns::Answer(L"CreateObExtensionsManager", L"0");
+    FakeModules::Answer(L"CreateObExtensionsManager", L"0");
     { const OBAttachJob job(OBOptions{}, nullptr); }
-    EXPECT_EQ(Calls({L"CreateObExtensionsManager()"}), StandIns::Calls());
+    EXPECT_EQ(Calls({L"CreateObExtensionsManager()"}), FakeModules::Calls());
 }
 
 HWND windowAskedFor;
@@ -146,7 +146,7 @@ class AttachJobBrowser : public OptionsFixture {
 protected:
     void SetUp() override {
         OptionsFixture::SetUp();
-        ASSERT_TRUE(thread_.Stands() && open_.Stands() && image_.Stands());
+        ASSERT_TRUE(thread_.Ok() && open_.Ok() && image_.Ok());
         realThreadOf = thread_.Real();
         realOpenProcess = open_.Real();
         realImageName = image_.Real();
@@ -157,11 +157,11 @@ protected:
     }
 
 private:
-    obtest::ImportDouble<decltype(GetWindowThreadProcessId)> thread_{
+    obtest::ImportPatch<decltype(GetWindowThreadProcessId)> thread_{
         "user32.dll", "GetWindowThreadProcessId", &RecordThreadOf};
-    obtest::ImportDouble<decltype(OpenProcess)> open_{"kernel32.dll", "OpenProcess",
-                                                      &RecordOpenProcess};
-    obtest::ImportDouble<decltype(K32GetProcessImageFileNameW)> image_{
+    obtest::ImportPatch<decltype(OpenProcess)> open_{"kernel32.dll", "OpenProcess",
+                                                     &RecordOpenProcess};
+    obtest::ImportPatch<decltype(K32GetProcessImageFileNameW)> image_{
         "kernel32.dll", "K32GetProcessImageFileNameW", &RecordImageName};
 };
 

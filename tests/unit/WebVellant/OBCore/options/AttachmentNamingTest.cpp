@@ -1,6 +1,6 @@
 #include "OBCore/options/AttachmentNaming.h"
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/OBCore/options/OptionsFixture.h"
 
 namespace {
@@ -49,7 +49,7 @@ class AttachmentName : public OptionsFixture {
 protected:
     void SetUp() override {
         OptionsFixture::SetUp();
-        ASSERT_TRUE(clock_.Stands() && date_.Stands() && time_.Stands());
+        ASSERT_TRUE(clock_.Ok() && date_.Ok() && time_.Ok());
         realDate = date_.Real();
         realTime = time_.Real();
         dateCalls.clear();
@@ -65,12 +65,12 @@ protected:
     }
 
 private:
-    obtest::ImportDouble<decltype(GetLocalTime)> clock_{"kernel32.dll", "GetLocalTime",
-                                                        &AnswerLocalTime};
-    obtest::ImportDouble<decltype(GetDateFormatW)> date_{"kernel32.dll", "GetDateFormatW",
-                                                         &RecordDate};
-    obtest::ImportDouble<decltype(GetTimeFormatW)> time_{"kernel32.dll", "GetTimeFormatW",
-                                                         &RecordTime};
+    obtest::ImportPatch<decltype(GetLocalTime)> clock_{"kernel32.dll", "GetLocalTime",
+                                                       &AnswerLocalTime};
+    obtest::ImportPatch<decltype(GetDateFormatW)> date_{"kernel32.dll", "GetDateFormatW",
+                                                        &RecordDate};
+    obtest::ImportPatch<decltype(GetTimeFormatW)> time_{"kernel32.dll", "GetTimeFormatW",
+                                                        &RecordTime};
 };
 
 TEST_F(AttachmentName, HasTokensOfFiveKinds) {

@@ -10,7 +10,7 @@
 namespace {
 
 using obcore::OBOptions;
-using obtest::StandIns;
+using obtest::FakeModules;
 
 using Calls = std::vector<std::wstring>;
 
@@ -20,14 +20,16 @@ OBOptions WithManager(const TestManager& manager) {
     return options;
 }
 
-Calls Enumerations() { return StandIns::CallsOf({L"EnumProvidersReset", L"EnumStorageProviders"}); }
+Calls Enumerations() {
+    return FakeModules::CallsOf({L"EnumProvidersReset", L"EnumStorageProviders"});
+}
 
 class CloudServicesWithProviders : public OptionsFixture {};
 class CloudServicesWithoutProviders : public OptionsFixture {};
 class CloudServicesWithoutManager : public OptionsFixture {};
 
 TEST_F(CloudServicesWithProviders, AreEnumeratedOnceAndOnlyWhenPolicyLeavesThem) {
-    StandIns::Answer(L"Providers", L"7,21");
+    FakeModules::Answer(L"Providers", L"7,21");
     const TestManager manager;
     OBOptions disabled = WithManager(manager);
     disabled.DisableCloudServices = true;

@@ -69,7 +69,7 @@ TEST_F(OptionsDefaults, NumbersAndTextsHaveTheirValues) {
 
 TEST_F(OptionsDefaults, ConstructionTouchesNothing) {
     const OBOptions options;
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
     EXPECT_FALSE(obtest::KeyExists(HKEY_CURRENT_USER, obtest::kUserKey));
     EXPECT_FALSE(obtest::KeyExists(HKEY_CURRENT_USER, obtest::kQuilletKey));
 }

@@ -6,14 +6,14 @@
 #include "OBCore/modules/ProviderManager.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/options/OBOptions.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
 
 class OptionsFixture : public testing::Test {
 protected:
     void SetUp() override {
         obtest::ClearProductRegistry();
-        obtest::StandIns::Reset();
+        obtest::FakeModules::Reset();
         ASSERT_TRUE(obcore::LoadArchiveService());
         ASSERT_TRUE(obcore::LoadProviderManager());
     }

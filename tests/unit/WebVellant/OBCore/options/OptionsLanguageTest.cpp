@@ -1,4 +1,4 @@
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/RecordedTrace.h"
 #include "tests/unit/WebVellant/OBCore/options/OptionsFixture.h"
 #include "tests/unit/WebVellant/OBCore/options/RegistryRecorder.h"
@@ -15,7 +15,7 @@ class OptionsLanguage : public OptionsFixture {
 protected:
     void SetUp() override {
         OptionsFixture::SetUp();
-        ASSERT_TRUE(thread_.Stands());
+        ASSERT_TRUE(thread_.Ok());
         languageOfThread = 1031;
     }
 
@@ -30,7 +30,7 @@ protected:
     }
 
 private:
-    obtest::ImportDouble<decltype(GetThreadUILanguage)> thread_{
+    obtest::ImportPatch<decltype(GetThreadUILanguage)> thread_{
         "kernel32.dll", "GetThreadUILanguage", &AnswerThreadLanguage};
 };
 
@@ -81,13 +81,13 @@ TEST_F(OptionsLanguage, NeedsNothingElse) {
     Install(L"1036");
     obtest::ForgetTrace();
     RegistryRecorder recorder;
-    ASSERT_TRUE(recorder.Stands());
+    ASSERT_TRUE(recorder.Ok());
     EXPECT_EQ(1036, LoadedLanguage());
     const std::string key = "SOFTWARE\\Tavi Ren Computing\\Ombrix\\Langs";
     EXPECT_EQ(std::vector<std::string>({"open machine " + key, "trace load options: " + key,
                                         "get " + key + "!InstalledUILangID 510"}),
               recorder.Lines());
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
 }
 
 TEST_F(OptionsLanguage, ComesWithLoading) {

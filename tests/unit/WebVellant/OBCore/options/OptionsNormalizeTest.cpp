@@ -3,7 +3,7 @@
 namespace {
 
 using obcore::OBOptions;
-using obtest::StandIns;
+using obtest::FakeModules;
 
 using Calls = std::vector<std::wstring>;
 
@@ -25,13 +25,13 @@ TEST_F(OptionsRepair, LeavesASoundRecordAlone) {
     EXPECT_EQ(8u, options.CompressionMethod);
     EXPECT_TRUE(options.UpdateCheckEnabled);
     EXPECT_EQ(Calls({L"ValidateFilespecW(\"Ombrix Compressed Attachments\", 2)"}),
-              StandIns::Calls());
+              FakeModules::Calls());
 }
 
 TEST_F(OptionsRepair, PutsTheDefaultInPlaceOfARejectedZipName) {
     OBOptions options = Sound();
     options.DefaultZipName = L"a:b";
-    StandIns::Answer(L"ValidateFilespecW(\"a:b\", 2)", L"7");
+    FakeModules::Answer(L"ValidateFilespecW(\"a:b\", 2)", L"7");
     options.Normalize();
     EXPECT_EQ(L"Ombrix Compressed Attachments", options.DefaultZipName);
 }
@@ -44,15 +44,15 @@ TEST_F(OptionsRepair, AsksForBothRulesOfAnExtension) {
     EXPECT_TRUE(options.UseAltExt);
     EXPECT_EQ(Calls({L"ValidateFilespecW(\"Ombrix Compressed Attachments\", 2)",
                      L"ValidateFilespecW(\"piz\", 4)", L"ValidateFilespecW(\"piz\", 2)"}),
-              StandIns::Calls());
+              FakeModules::Calls());
 }
 
 TEST_F(OptionsRepair, GivesUpAnExtensionThatEitherRuleRejects) {
     for (const wchar_t* call :
          {L"ValidateFilespecW(\"p?z\", 4)", L"ValidateFilespecW(\"p?z\", 2)"}) {
         SCOPED_TRACE(testing::PrintToString(call));
-        StandIns::Reset();
-        StandIns::Answer(call, L"1");
+        FakeModules::Reset();
+        FakeModules::Answer(call, L"1");
         OBOptions options = Sound();
         options.UseAltExt = true;
         options.AltExt = L"p?z";
@@ -63,7 +63,7 @@ TEST_F(OptionsRepair, GivesUpAnExtensionThatEitherRuleRejects) {
 }
 
 TEST_F(OptionsRepair, GivesUpAnEmptyExtensionThatTheServiceRejects) {
-    StandIns::Answer(L"ValidateFilespecW(\"\", 4)", L"1");
+    FakeModules::Answer(L"ValidateFilespecW(\"\", 4)", L"1");
     OBOptions options = Sound();
     options.UseAltExt = true;
     options.Normalize();
@@ -74,7 +74,7 @@ TEST_F(OptionsRepair, DoesntAskForAnExtensionThatIsntUsed) {
     OBOptions options = Sound();
     options.AltExt = L"piz";
     options.Normalize();
-    EXPECT_EQ(1u, StandIns::CallsOf({L"ValidateFilespecW"}).size());
+    EXPECT_EQ(1u, FakeModules::CallsOf({L"ValidateFilespecW"}).size());
 }
 
 TEST_F(OptionsRepair, KnowsTwoCompressionMethods) {
@@ -115,11 +115,11 @@ TEST_F(OptionsRepair, SwitchesEncryptionOffWhenNoMethodIsAllowed) {
     options.Normalize();
     EXPECT_FALSE(options.AutoEncrypt);
     EXPECT_EQ(0u, options.EncryptionMethod);
-    EXPECT_TRUE(StandIns::CallsOf({L"DefaultEncryptionMethod"}).empty());
+    EXPECT_TRUE(FakeModules::CallsOf({L"DefaultEncryptionMethod"}).empty());
 }
 
 TEST_F(OptionsRepair, AsksForTheDefaultMethodWhenTheUsersIsntAllowed) {
-    StandIns::Answer(L"DefaultEncryptionMethod", L"8");
+    FakeModules::Answer(L"DefaultEncryptionMethod", L"8");
     for (const std::uint32_t method : {0u, 1u, 3u, 0x10000u, 0x40000u}) {
         OBOptions options = Sound();
         options.EncryptionMethod = method;
@@ -131,7 +131,7 @@ TEST_F(OptionsRepair, AsksForTheDefaultMethodWhenTheUsersIsntAllowed) {
 }
 
 TEST_F(OptionsRepair, TakesTheLowSixteenBitsOfTheDefaultMethod) {
-    StandIns::Answer(L"DefaultEncryptionMethod", L"4294901768"); // 0xFFFF0008
+    FakeModules::Answer(L"DefaultEncryptionMethod", L"4294901768"); // 0xFFFF0008
     OBOptions options = Sound();
     options.EncryptionMethod = 1;
     options.Normalize();
@@ -143,7 +143,7 @@ TEST_F(OptionsRepair, KeepsAMethodThatSharesABitWithTheMask) {
     options.EncryptionMethod = 5;
     options.Normalize();
     EXPECT_EQ(5u, options.EncryptionMethod);
-    EXPECT_TRUE(StandIns::CallsOf({L"DefaultEncryptionMethod"}).empty());
+    EXPECT_TRUE(FakeModules::CallsOf({L"DefaultEncryptionMethod"}).empty());
 }
 
 TEST_F(OptionsRepair, LetsThePolicyAgainstEncryptionHaveTheLastWord) {
@@ -154,7 +154,7 @@ TEST_F(OptionsRepair, LetsThePolicyAgainstEncryptionHaveTheLastWord) {
     options.Normalize();
     EXPECT_FALSE(options.AutoEncrypt);
     EXPECT_EQ(0u, options.EncryptionMethod);
-    EXPECT_EQ(1u, StandIns::CallsOf({L"DefaultEncryptionMethod"}).size());
+    EXPECT_EQ(1u, FakeModules::CallsOf({L"DefaultEncryptionMethod"}).size());
 }
 
 TEST_F(OptionsRepair, RunsAtTheEndOfLoading) {
@@ -162,7 +162,7 @@ TEST_F(OptionsRepair, RunsAtTheEndOfLoading) {
     Loaded();
     EXPECT_EQ(Calls({L"AllowedEncryptMethods()", L"ValidateFilespecW(\"\", 2)",
                      L"DefaultEncryptionMethod()"}),
-              StandIns::Calls());
+              FakeModules::Calls());
 }
 
 } // namespace

@@ -26,7 +26,7 @@ class OptionsOrder : public OptionsFixture {
 protected:
     static Lines RecordedLoading() {
         RegistryRecorder recorder;
-        EXPECT_TRUE(recorder.Stands());
+        EXPECT_TRUE(recorder.Ok());
         Loaded();
         return recorder.Lines();
     }
@@ -85,7 +85,7 @@ TEST_F(OptionsOrder, TracesOnlyTheKeysThatOpen) {
 
 TEST_F(OptionsOrder, WritesNothingWhileLoading) {
     RegistryRecorder recorder;
-    ASSERT_TRUE(recorder.Stands());
+    ASSERT_TRUE(recorder.Ok());
     Loaded();
     EXPECT_TRUE(recorder.LinesThatBeginWith("set ").empty());
 }

@@ -1,4 +1,4 @@
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/OBCore/options/OptionsFixture.h"
 #include "tests/unit/WebVellant/OBCore/options/RegistryRecorder.h"
 
@@ -6,9 +6,9 @@ namespace {
 
 using obcore::AdminSendItemKind;
 using obcore::OBOptions;
+using obtest::FakeModules;
 using obtest::SetMachinePolicy;
 using obtest::SetUserValue;
-using obtest::StandIns;
 
 class OptionsOfPolicy : public OptionsFixture {};
 
@@ -62,7 +62,7 @@ TEST_F(OptionsOfPolicy, LetNoEncryptionBeatAlwaysEncrypt) {
 
 TEST_F(OptionsOfPolicy, LetAnEmptyMaskBeatAlwaysEncrypt) {
     SetMachinePolicy(L"AlwaysEncrypt", L"1");
-    StandIns::Answer(L"AllowedEncryptMethods", L"0");
+    FakeModules::Answer(L"AllowedEncryptMethods", L"0");
     const OBOptions options = Loaded();
     EXPECT_FALSE(options.AutoEncrypt);
     EXPECT_EQ(0u, options.EncryptionMethod);
@@ -212,7 +212,7 @@ TEST_F(OptionsOfPolicy, LoseTheCertificateToASixtyFourBitKeyWithoutIt) {
     SetMachinePolicy(L"EntX509Certificate", L"cert", 32);
     obtest::MakeKey(HKEY_LOCAL_MACHINE, obtest::kPolicyKey, 64);
     EXPECT_FALSE(Loaded().HasEntCertificate);
-    EXPECT_TRUE(StandIns::CallsOf({L"GetPublicKeyResult"}).empty());
+    EXPECT_TRUE(FakeModules::CallsOf({L"GetPublicKeyResult"}).empty());
 }
 
 std::vector<UINT> widenedCodePages;
@@ -226,10 +226,10 @@ int WINAPI RecordWidening(UINT codePage, DWORD flags, LPCCH text, int size, LPWS
 
 TEST_F(OptionsOfPolicy, FetchThePublicKeyInTheSystemCodePage) {
     SetMachinePolicy(L"EntX509Certificate", L"cert");
-    StandIns::Answer(L"PublicKey", L"key of G\u00fcnther");
-    const obtest::ImportDouble<decltype(MultiByteToWideChar)> patch(
+    FakeModules::Answer(L"PublicKey", L"key of G\u00fcnther");
+    const obtest::ImportPatch<decltype(MultiByteToWideChar)> patch(
         "kernel32.dll", "MultiByteToWideChar", &RecordWidening);
-    ASSERT_TRUE(patch.Stands());
+    ASSERT_TRUE(patch.Ok());
     realWiden = patch.Real();
     widenedCodePages.clear();
     const OBOptions options = Loaded();
@@ -238,13 +238,13 @@ TEST_F(OptionsOfPolicy, FetchThePublicKeyInTheSystemCodePage) {
     EXPECT_EQ(1u, options.PublicKeyResult);
     EXPECT_EQ(L"key of G\u00fcnther", options.PublicKeyText);
     EXPECT_EQ(std::vector<std::wstring>({L"GetPublicKeyResult(1024)"}),
-              StandIns::CallsOf({L"GetPublicKeyResult"}));
+              FakeModules::CallsOf({L"GetPublicKeyResult"}));
 }
 
 TEST_F(OptionsOfPolicy, KeepNoKeyTextWhenTheServiceDoesntSucceed) {
     SetMachinePolicy(L"EntX509Certificate", L"cert");
-    StandIns::Answer(L"PublicKey", L"half a key");
-    StandIns::Answer(L"GetPublicKeyResult", L"5");
+    FakeModules::Answer(L"PublicKey", L"half a key");
+    FakeModules::Answer(L"GetPublicKeyResult", L"5");
     OBOptions options;
     options.PublicKeyText = L"old";
     options.Load();
@@ -254,11 +254,11 @@ TEST_F(OptionsOfPolicy, KeepNoKeyTextWhenTheServiceDoesntSucceed) {
 }
 
 TEST_F(OptionsOfPolicy, AskForNoKeyWithoutACertificate) {
-    StandIns::Answer(L"PublicKey", L"key");
+    FakeModules::Answer(L"PublicKey", L"key");
     const OBOptions options = Loaded();
     EXPECT_EQ(0u, options.PublicKeyResult);
     EXPECT_EQ(L"", options.PublicKeyText);
-    EXPECT_TRUE(StandIns::CallsOf({L"GetPublicKeyResult"}).empty());
+    EXPECT_TRUE(FakeModules::CallsOf({L"GetPublicKeyResult"}).empty());
 }
 
 TEST_F(OptionsOfPolicy, TakeFileExpiryAwayFromEitherView) {
@@ -287,7 +287,7 @@ TEST_F(OptionsOfPolicy, OfferFileExpiryUnlessTheTextIsExact) {
 }
 
 TEST_F(OptionsOfPolicy, TakeTheServicesMaskOfEncryptionMethods) {
-    StandIns::Answer(L"AllowedEncryptMethods", L"8");
+    FakeModules::Answer(L"AllowedEncryptMethods", L"8");
     EXPECT_EQ(8u, Loaded().AllowedEncryptMethods);
 }
 

@@ -5,7 +5,7 @@ namespace {
 
 using obcore::NameAppendKind;
 using obcore::OBOptions;
-using obtest::StandIns;
+using obtest::FakeModules;
 
 using Lines = std::vector<std::string>;
 
@@ -36,7 +36,7 @@ protected:
     template <class Save>
     static Lines Recorded(OBOptions& options, Save save, const wchar_t* failing = L"") {
         RegistryRecorder recorder;
-        EXPECT_TRUE(recorder.Stands());
+        EXPECT_TRUE(recorder.Ok());
         recorder.Fail(failing);
         (options.*save)();
         return recorder.Lines();
@@ -158,7 +158,7 @@ TEST_F(OptionsSaving, TellsOtherProgramsTheExtension) {
 }
 
 TEST_F(OptionsSaving, RepairsBeforeItWritesAttachmentSettings) {
-    StandIns::Answer(L"ValidateFilespecW(\"p?z\", 4)", L"1");
+    FakeModules::Answer(L"ValidateFilespecW(\"p?z\", 4)", L"1");
     OBOptions options = Sound();
     options.UseAltExt = true;
     options.AltExt = L"p?z";
@@ -180,7 +180,7 @@ TEST_F(OptionsSaving, WritesTransformsInTheirOrder) {
                                  "AutoWatermark=0", "AutoConvertPhotos=0", "AutoRemoveInfo=1",
                                  "AutoSignPDFs=0", "AutoConvertFromPDF=0"}),
               Recorded(options, &OBOptions::SaveAutoTransforms));
-    EXPECT_EQ(1u, StandIns::CallsOf({L"ValidateFilespecW"}).size());
+    EXPECT_EQ(1u, FakeModules::CallsOf({L"ValidateFilespecW"}).size());
 }
 
 TEST_F(OptionsSaving, WritesCloudSettingsWithExpiryWhereItIsOffered) {
@@ -208,7 +208,7 @@ TEST_F(OptionsSaving, WritesCloudSettingsWithoutExpiryWhereItIsTakenAway) {
 TEST_F(OptionsSaving, WritesCloudSettingsWithoutRepair) {
     OBOptions options;
     options.SaveCloudSettings();
-    EXPECT_TRUE(StandIns::Calls().empty());
+    EXPECT_TRUE(FakeModules::Calls().empty());
 }
 
 TEST_F(OptionsSaving, WritesTheEncryptionMethodAfterARepair) {

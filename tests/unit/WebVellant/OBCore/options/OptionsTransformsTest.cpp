@@ -2,15 +2,15 @@
 
 #include "OBCore/modules/OwnModule.h"
 #include "OBCore/options/TransformOptions.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/WebVellant/OBCore/options/OptionsFixture.h"
 
 namespace {
 
 using obcore::OBOptions;
+using obtest::FakeModules;
 using obtest::SetUserValue;
-using obtest::StandIns;
 
 struct Row {
     const wchar_t* value;
@@ -39,7 +39,8 @@ protected:
     void SetUp() override {
         OptionsFixture::SetUp();
         for (const Row& row : kRows) {
-            StandIns::Answer(L"IsProviderSupport." + std::to_wstring(row.provider) + L".4", L"1");
+            FakeModules::Answer(L"IsProviderSupport." + std::to_wstring(row.provider) + L".4",
+                                L"1");
             if (row.extraFile) {
                 ASSERT_TRUE(obtest::WriteFileContent(ExtraFilePath(row.extraFile), "any"));
             }
@@ -70,14 +71,14 @@ TEST_F(OptionsOfTransforms, StandInTheTableInTheirOrder) {
 TEST_F(OptionsOfTransforms, AreOnWhenWantedAndSupported) {
     const TestManager manager;
     SetAll(L"yes");
-    StandIns::ForgetCalls();
+    FakeModules::ForgetCalls();
     const OBOptions options = Loaded(manager.Get());
     std::vector<std::wstring> calls;
     for (const Row& row : kRows) {
         EXPECT_TRUE(options.*row.field) << testing::PrintToString(row.value);
         calls.push_back(L"IsProviderSupport(manager, " + std::to_wstring(row.provider) + L", 4)");
     }
-    EXPECT_EQ(calls, StandIns::CallsOf({L"IsProviderSupport"}));
+    EXPECT_EQ(calls, FakeModules::CallsOf({L"IsProviderSupport"}));
 }
 
 TEST_F(OptionsOfTransforms, KeepToTheirOwnFields) {
@@ -97,7 +98,7 @@ TEST_F(OptionsOfTransforms, AreOffWithoutSupport) {
     const TestManager manager;
     SetAll(L"1");
     for (const Row& row : kRows) {
-        StandIns::Answer(L"IsProviderSupport." + std::to_wstring(row.provider) + L".4", L"0");
+        FakeModules::Answer(L"IsProviderSupport." + std::to_wstring(row.provider) + L".4", L"0");
         EXPECT_FALSE(Loaded(manager.Get()).*row.field) << testing::PrintToString(row.value);
     }
 }
@@ -108,7 +109,7 @@ TEST_F(OptionsOfTransforms, AreOffWithoutAManagerWhateverTheRegistrySays) {
     for (const Row& row : kRows) {
         EXPECT_FALSE(options.*row.field) << testing::PrintToString(row.value);
     }
-    EXPECT_TRUE(StandIns::CallsOf({L"IsProviderSupport"}).empty());
+    EXPECT_TRUE(FakeModules::CallsOf({L"IsProviderSupport"}).empty());
 }
 
 TEST_F(OptionsOfTransforms, AreOffWithoutTheirExtraFile) {
@@ -119,9 +120,9 @@ TEST_F(OptionsOfTransforms, AreOffWithoutTheirExtraFile) {
         SCOPED_TRACE(testing::PrintToString(row.value));
         EXPECT_TRUE(Loaded(manager.Get()).*row.field);
         ASSERT_TRUE(DeleteFileW(ExtraFilePath(row.extraFile).c_str()));
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         EXPECT_FALSE(Loaded(manager.Get()).*row.field);
-        const auto calls = StandIns::CallsOf({L"IsProviderSupport"});
+        const auto calls = FakeModules::CallsOf({L"IsProviderSupport"});
         const std::wstring call =
             L"IsProviderSupport(manager, " + std::to_wstring(row.provider) + L", 4)";
         EXPECT_EQ(0, std::ranges::count(calls, call));
@@ -133,9 +134,9 @@ DWORD WINAPI AnswerNoPath(HMODULE, LPWSTR, DWORD) { return 0; }
 TEST_F(OptionsOfTransforms, AreOffWhenTheFolderOfTheirExtraFileIsUnknown) {
     const TestManager manager;
     SetAll(L"1");
-    const obtest::ImportDouble<decltype(GetModuleFileNameW)> patch(
+    const obtest::ImportPatch<decltype(GetModuleFileNameW)> patch(
         "kernel32.dll", "GetModuleFileNameW", &AnswerNoPath);
-    ASSERT_TRUE(patch.Stands());
+    ASSERT_TRUE(patch.Ok());
     const OBOptions options = Loaded(manager.Get());
     for (const Row& row : kRows) {
         EXPECT_EQ(row.extraFile == nullptr, options.*row.field)

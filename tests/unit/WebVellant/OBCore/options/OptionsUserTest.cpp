@@ -43,7 +43,7 @@ TEST_F(OptionsOfUser, AreTheDefaultsForAUserWithoutKeys) {
 }
 
 TEST_F(OptionsOfUser, LoseAnAbsentZipNameToTheRepairWhenTheServiceRejectsTheEmptyText) {
-    obtest::StandIns::Answer(L"ValidateFilespecW(\"\", 2)", L"1");
+    obtest::FakeModules::Answer(L"ValidateFilespecW(\"\", 2)", L"1");
     EXPECT_EQ(L"Ombrix Compressed Attachments", Loaded().DefaultZipName);
 }
 
@@ -112,7 +112,7 @@ TEST_F(OptionsOfUser, DontLookAtTheTypeOfAValue) {
 TEST_F(OptionsOfUser, KeepAnEncryptionMethodThatIsAllowed) {
     SetUserValue(L"EncryptionMethod", L"8");
     EXPECT_EQ(8u, Loaded().EncryptionMethod);
-    obtest::StandIns::Answer(L"AllowedEncryptMethods", L"4");
+    obtest::FakeModules::Answer(L"AllowedEncryptMethods", L"4");
     EXPECT_EQ(4u, Loaded().EncryptionMethod);
 }
 
@@ -205,7 +205,7 @@ TEST_F(OptionsOfUser, ComputeTheBytesAlsoWhenNothingWasRead) {
 TEST_F(OptionsOfUser, LeaveTheCloudNumbersWhenTheirKeyDoesntOpen) {
     SetQuilletValue(L"MinimumSize", L"25");
     RegistryRecorder recorder;
-    ASSERT_TRUE(recorder.Stands());
+    ASSERT_TRUE(recorder.Ok());
     recorder.Fail(obtest::kQuilletKey);
     OBOptions options;
     options.MinimumSize = 9;
@@ -221,7 +221,7 @@ TEST_F(OptionsOfUser, LeaveTheirGroupWhenTheKeyDoesntOpen) {
     SetUserValue(L"ExpireFiles", L"1");
     SetUserValue(L"S4DelExpireDays", L"7");
     RegistryRecorder recorder;
-    ASSERT_TRUE(recorder.Stands());
+    ASSERT_TRUE(recorder.Ok());
     recorder.Fail(obtest::kUserKey);
     const OBOptions options = Loaded();
     EXPECT_TRUE(options.SendItem);

@@ -47,9 +47,7 @@ RegistryRecorder::~RegistryRecorder() {
     standing = nullptr;
 }
 
-bool RegistryRecorder::Stands() const {
-    return open_.Stands() && create_.Stands() && query_.Stands() && set_.Stands();
-}
+bool RegistryRecorder::Ok() const { return open_.Ok() && create_.Ok() && query_.Ok() && set_.Ok(); }
 
 std::vector<std::string> RegistryRecorder::LinesThatBeginWith(const std::string& start) const {
     std::vector<std::string> found;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 
 // While one stands, registry calls of the program under test go through it. One at a time.
 //
@@ -21,7 +21,7 @@ public:
     RegistryRecorder(const RegistryRecorder&) = delete;
     RegistryRecorder& operator=(const RegistryRecorder&) = delete;
 
-    bool Stands() const;
+    bool Ok() const;
 
     // From now on keys of this path don't open.
     void Fail(const std::wstring& path) { failing_ = path; }
@@ -42,8 +42,8 @@ private:
 
     std::vector<std::string> lines_;
     std::wstring failing_;
-    obtest::ImportDouble<decltype(RegOpenKeyExW)> open_;
-    obtest::ImportDouble<decltype(RegCreateKeyExW)> create_;
-    obtest::ImportDouble<decltype(RegQueryValueExW)> query_;
-    obtest::ImportDouble<decltype(RegSetValueExW)> set_;
+    obtest::ImportPatch<decltype(RegOpenKeyExW)> open_;
+    obtest::ImportPatch<decltype(RegCreateKeyExW)> create_;
+    obtest::ImportPatch<decltype(RegQueryValueExW)> query_;
+    obtest::ImportPatch<decltype(RegSetValueExW)> set_;
 };

@@ -1,6 +1,6 @@
 #include "OBCore/options/SettingsStore.h"
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/OBCore/options/OptionsFixture.h"
 #include "tests/unit/WebVellant/OBCore/options/RegistryRecorder.h"
 
@@ -28,7 +28,7 @@ protected:
     // The sizes with which the value was asked for.
     static std::vector<std::string> SizesOfReading() {
         RegistryRecorder recorder;
-        EXPECT_TRUE(recorder.Stands());
+        EXPECT_TRUE(recorder.Ok());
         Read();
         std::vector<std::string> sizes = recorder.LinesThatBeginWith("get ");
         for (std::string& line : sizes) line.erase(0, line.rfind(' ') + 1);
@@ -84,9 +84,9 @@ LSTATUS WINAPI GrowWithEveryRead(HKEY, LPCWSTR, LPDWORD, LPDWORD, LPBYTE data, L
 }
 
 TEST_F(SettingsStore, TakesAValueThatOutgrowsTheSecondReadForAbsent) {
-    const obtest::ImportDouble<decltype(RegQueryValueExW)> patch("advapi32.dll", "RegQueryValueExW",
-                                                                 &GrowWithEveryRead);
-    ASSERT_TRUE(patch.Stands());
+    const obtest::ImportPatch<decltype(RegQueryValueExW)> patch("advapi32.dll", "RegQueryValueExW",
+                                                                &GrowWithEveryRead);
+    ASSERT_TRUE(patch.Ok());
     longReads = 0;
     EXPECT_EQ(L"", Read());
     EXPECT_EQ(2, longReads);
@@ -151,7 +151,7 @@ TEST_F(SettingsStore, ReadsNumbersAsTheRuntimeDoes) {
 
 TEST_F(SettingsStore, WritesTextsWithTheirTerminator) {
     RegistryRecorder recorder;
-    ASSERT_TRUE(recorder.Stands());
+    ASSERT_TRUE(recorder.Ok());
     const auto key = obcore::OpenUserKey(obcore::kUserKey);
     obcore::WriteValue(key.Get(), L"A", L"text");
     obcore::WriteValue(key.Get(), L"B", L"");

@@ -4,10 +4,10 @@
 #include <stdexcept>
 
 #include "OBCore/modules/ProviderManager.h"
-#include "tests/standins/Recording.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/FakeModules.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
 #include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
 
 namespace {
@@ -38,13 +38,13 @@ class AttachmentSetupRun : public PickerTest {
 protected:
     void SetUp() override {
         PickerTest::SetUp();
-        ASSERT_TRUE(get.Stands());
-        ASSERT_TRUE(set.Stands());
+        ASSERT_TRUE(get.Ok());
+        ASSERT_TRUE(set.Ok());
     }
 
-    ImportDouble<decltype(&GetThreadPreferredUILanguages)> get{
+    ImportPatch<decltype(&GetThreadPreferredUILanguages)> get{
         "kernel32.dll", "GetThreadPreferredUILanguages", &GermanBefore};
-    ImportDouble<decltype(&SetThreadPreferredUILanguages)> set{
+    ImportPatch<decltype(&SetThreadPreferredUILanguages)> set{
         "kernel32.dll", "SetThreadPreferredUILanguages", &RecordLanguage};
 };
 
@@ -64,7 +64,7 @@ TEST_F(AttachmentSetupRun, InitialisesTheManagerThenLoadsThenSetsTheLanguage) {
         L"SetThreadPreferredUILanguages(4, \"0407\")",
         L"DeleteObExtensionsManager(manager)",
     });
-    EXPECT_EQ(StandIns::CallsOf({L"DeleteObExtensionsManager", L"Deinit"}).size(), 1U);
+    EXPECT_EQ(FakeModules::CallsOf({L"DeleteObExtensionsManager", L"Deinit"}).size(), 1U);
 }
 
 TEST_F(AttachmentSetupRun, StartsTheRecordOfTheRun) {
@@ -85,13 +85,13 @@ TEST_F(AttachmentSetupRun, StartsTheRecordOfTheRun) {
 TEST_F(AttachmentSetupRun, SetsTheLanguageThatWasLoaded) {
     SetValue(HKEY_LOCAL_MACHINE, kLangsKey, L"InstalledUILangID", L"1036");
     AttachmentSetup setup(nullptr, false);
-    EXPECT_EQ(StandIns::CallsOf({L"SetThreadPreferredUILanguages"}),
+    EXPECT_EQ(FakeModules::CallsOf({L"SetThreadPreferredUILanguages"}),
               Calls{L"SetThreadPreferredUILanguages(4, \"040c\")"});
 }
 
 TEST_F(AttachmentSetupRun, ClearsTheLanguageWhenNoneIsSet) {
     AttachmentSetup setup(nullptr, false);
-    EXPECT_EQ(StandIns::CallsOf({L"SetThreadPreferredUILanguages"}),
+    EXPECT_EQ(FakeModules::CallsOf({L"SetThreadPreferredUILanguages"}),
               Calls{L"SetThreadPreferredUILanguages(4, \"\")"});
 }
 
@@ -110,7 +110,7 @@ TEST_F(AttachmentSetupRun, KnowsThatUploadsAreBlockedBeforeTheManagerIsInitialis
         std::destroy_at(std::construct_at(setupInTheMaking, nullptr, blocked));
     }
     entries = saved;
-    EXPECT_EQ(StandIns::CallsOf({L"blocked", L"free"}), (Calls{L"blocked", L"free"}));
+    EXPECT_EQ(FakeModules::CallsOf({L"blocked", L"free"}), (Calls{L"blocked", L"free"}));
 }
 
 TEST_F(AttachmentSetupRun, PutsEverythingBackWhenAnExceptionPasses) {

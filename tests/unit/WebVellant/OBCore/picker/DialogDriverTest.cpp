@@ -6,14 +6,14 @@
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "OBCore/exchange/PickedFiles.h"
 #include "OBCore/picker/Drivers.h"
-#include "tests/standins/Recording.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/FakeModules.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
 #include "tests/support/TestFolder.h"
+#include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
 #include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
-#include "tests/unit/WebVellant/OBCore/picker/PlanningDouble.h"
 
 namespace {
 
@@ -51,11 +51,11 @@ protected:
         // What stood there before closes no text in the place of its own NUL.
         std::fill(std::begin(block->TextArea), std::end(block->TextArea), std::uint8_t{0xAA});
         block->UploadBlocked = 1; // nobody writes it on this road, and nobody reads it
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         shown = nullptr;
         shell.script.onShow = [this](RecordingFileDialog& dialog) {
             shown = &dialog;
-            if (person) person(dialog);
+            if (act) act(dialog);
         };
         const HRESULT result = DialogDriver(owner, *block);
         ReleaseWhatTheRunKept();
@@ -65,7 +65,7 @@ protected:
     // The driver keeps its dialog, and only the reference that it got when it made it.
     void ReleaseWhatTheRunKept() {
         EXPECT_FALSE(WasCalled(L"dialog.destroyed()"));
-        EXPECT_EQ(FileDialogDouble::LiveObjects(), 0);
+        EXPECT_EQ(FakeFileDialog::LiveObjects(), 0);
         if (!shown) return;
         EXPECT_EQ(shown->References(), 1U);
         shown->Release();
@@ -81,7 +81,7 @@ protected:
     DWORD options = FOS_FORCEFILESYSTEM;
     HWND owner = GetDesktopWindow();
     const std::wstring ownerText = std::to_wstring(reinterpret_cast<INT_PTR>(owner));
-    std::function<void(RecordingFileDialog&)> person;
+    std::function<void(RecordingFileDialog&)> act;
     RecordingFileDialog* shown = nullptr;
 };
 
@@ -127,7 +127,7 @@ TEST_F(DialogRun, AnswersWithFullPathsBytePerByte) {
 }
 
 TEST_F(DialogRun, AnswersWithTheArchiveAlone) {
-    PlanningDouble::process = [](OBOpenFileNameDlg& dialog, const Calls& picked) {
+    FakePlanning::process = [](OBOpenFileNameDlg& dialog, const Calls& picked) {
         dialog.AttachRecord->Files = picked;
         dialog.AttachRecord->ResultIsArchive = true;
         dialog.AttachRecord->ResultPath = L"C:\\t\\a.zip";
@@ -140,7 +140,7 @@ TEST_F(DialogRun, AnswersWithTheArchiveAlone) {
 TEST_F(DialogRun, GivesTheFailureOfADialogThatCannotBeMadeAndDoesNothingElse) {
     shell.script.failures = {{L"CoCreateInstance", E_ACCESSDENIED}};
     EXPECT_EQ(Run(), E_ACCESSDENIED);
-    EXPECT_EQ(StandIns::Calls(), Calls{});
+    EXPECT_EQ(FakeModules::Calls(), Calls{});
     EXPECT_EQ(block->Status, ExchangeStatus::DialogRequest);
 }
 
@@ -165,7 +165,7 @@ TEST_F(DialogRun, KeepsASuccessOfTheDialogAsItIs) {
 }
 
 TEST_F(DialogRun, IsCancelledWhenThePipelineStops) {
-    PlanningDouble::process = [](OBOpenFileNameDlg&, const Calls&) { return 0; };
+    FakePlanning::process = [](OBOpenFileNameDlg&, const Calls&) { return 0; };
     EXPECT_EQ(Run(), kCancelled);
     EXPECT_EQ(block->Status, ExchangeStatus::DialogRequest);
 }
@@ -179,7 +179,7 @@ TEST_F(DialogRun, IsCancelledWithoutProcessingWhenThereAreNoResults) {
 
 TEST_F(DialogRun, AnswersWithALinkWhateverThePipelineSays) {
     for (const int answer : {0, 1}) {
-        PlanningDouble::process = [answer](OBOpenFileNameDlg& dialog, const Calls&) {
+        FakePlanning::process = [answer](OBOpenFileNameDlg& dialog, const Calls&) {
             dialog.LinkText = L"https://link";
             return answer;
         };
@@ -191,7 +191,7 @@ TEST_F(DialogRun, AnswersWithALinkWhateverThePipelineSays) {
 }
 
 TEST_F(DialogRun, NotesWhatTheRunLeavesToCleanUp) {
-    PlanningDouble::process = [](OBOpenFileNameDlg& dialog, const Calls&) {
+    FakePlanning::process = [](OBOpenFileNameDlg& dialog, const Calls&) {
         dialog.AttachRecord->Files = {L"C:\\t\\a.pdf"};
         dialog.AttachRecord->CleanupFolder = L"C:\\t\\";
         return 1;
@@ -205,7 +205,7 @@ TEST_F(DialogRun, NotesWhatTheRunLeavesToCleanUp) {
 
 TEST_F(DialogRun, RunsWithoutLimitOfUploads) {
     bool blocked = true;
-    PlanningDouble::process = [&](OBOpenFileNameDlg& dialog, const Calls&) {
+    FakePlanning::process = [&](OBOpenFileNameDlg& dialog, const Calls&) {
         blocked = dialog.AttachRecord->UploadBlocked;
         EXPECT_EQ(dialog.Request, nullptr);
         return 1;
@@ -218,7 +218,7 @@ TEST_F(DialogRun, AllowsSeveralFilesOnlyAsThePageDid) {
     for (const bool several : {false, true}) {
         options = several ? FOS_ALLOWMULTISELECT | FOS_FILEMUSTEXIST : FOS_FILEMUSTEXIST;
         HRESULT refused = E_FAIL;
-        person = [&](RecordingFileDialog& dialog) {
+        act = [&](RecordingFileDialog& dialog) {
             dialog.ChooseItem(999, 1002);
             refused = dialog.PressOk();
         };
@@ -251,18 +251,18 @@ TEST_F(DialogRun, EmptiesTheResultsOfEarlierRuns) {
 
 TEST_F(DialogRun, NeitherChecksForUpdatesNorInitialisesCom) {
     unwantedCalls = 0;
-    const ImportDouble<decltype(&CreateProcessW)> process("kernel32.dll", "CreateProcessW",
-                                                          &CountUnwantedProcess);
-    const ImportDouble<decltype(&CoInitialize)> initialise("ole32.dll", "CoInitialize",
-                                                           &CountUnwantedInitialise);
-    ASSERT_TRUE(process.Stands());
-    ASSERT_TRUE(initialise.Stands());
+    const ImportPatch<decltype(&CreateProcessW)> process("kernel32.dll", "CreateProcessW",
+                                                         &CountUnwantedProcess);
+    const ImportPatch<decltype(&CoInitialize)> initialise("ole32.dll", "CoInitialize",
+                                                          &CountUnwantedInitialise);
+    ASSERT_TRUE(process.Ok());
+    ASSERT_TRUE(initialise.Ok());
     Run();
     EXPECT_EQ(unwantedCalls, 0);
 }
 
 TEST_F(DialogRun, EndsTheManagerWhenAnExceptionPasses) {
-    PlanningDouble::process = [](OBOpenFileNameDlg&, const Calls&) -> int {
+    FakePlanning::process = [](OBOpenFileNameDlg&, const Calls&) -> int {
         throw std::runtime_error("full");
     };
     EXPECT_THROW(Run(), std::runtime_error);

@@ -34,7 +34,7 @@ protected:
     Calls Set(const Calls& strings) {
         const auto dialog = shell.Make();
         SetFileTypes(*dialog.Get(), strings);
-        return FileDialogDouble::CallsOf({L"SetFileTypes"});
+        return FakeFileDialog::CallsOf({L"SetFileTypes"});
     }
 };
 

@@ -7,14 +7,14 @@
 #include "OBCore/exchange/ExchangeRequest.h"
 #include "OBCore/picker/Drivers.h"
 #include "OBCore/picker/Win7Dlg.h"
-#include "tests/standins/Recording.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/FakeModules.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/RecordedTrace.h"
-#include "tests/support/StandIns.h"
+#include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
 #include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
-#include "tests/unit/WebVellant/OBCore/picker/PlanningDouble.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ class OpenFileNameRun : public PickerTest {
 protected:
     void SetUp() override {
         PickerTest::SetUp();
-        ASSERT_TRUE(process.Stands());
+        ASSERT_TRUE(process.Ok());
         processesStarted = 0;
         page.lStructSize = sizeof(page);
         page.nMaxFile = 1000;
@@ -62,13 +62,13 @@ protected:
         block->UploadBlocked = uploadBlocked;
         block->Status = ExchangeStatus::OpenFileNameTaken;
         OPENFILENAMEW request = ReadOpenFileNameRequest(*block, owner);
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         return OpenFileNameDriver(&request, *block);
     }
 
     // The result of the pipeline is one zip of this name.
     static void AnswerWithArchive(const std::wstring& path) {
-        PlanningDouble::process = [path](OBOpenFileNameDlg& dialog, const Calls&) {
+        FakePlanning::process = [path](OBOpenFileNameDlg& dialog, const Calls&) {
             dialog.AttachRecord->ResultIsArchive = true;
             dialog.AttachRecord->ResultPath = path;
             return 1;
@@ -80,8 +80,7 @@ protected:
     std::uint8_t uploadBlocked = 0;
     HWND owner = GetDesktopWindow();
     const std::wstring ownerText = std::to_wstring(reinterpret_cast<INT_PTR>(owner));
-    ImportDouble<decltype(&CreateProcessW)> process{"kernel32.dll", "CreateProcessW",
-                                                    &CountProcess};
+    ImportPatch<decltype(&CreateProcessW)> process{"kernel32.dll", "CreateProcessW", &CountProcess};
 };
 
 TEST_F(OpenFileNameRun, TakesItsStepsInOrder) {
@@ -113,7 +112,7 @@ TEST_F(OpenFileNameRun, TakesItsStepsInOrder) {
     // Title, folder, extension and index of the page aren't used.
     EXPECT_FALSE(WasCalled(L"dialog.unexpected"));
     EXPECT_FALSE(WasCalled(L"dialog.SetFolder"));
-    EXPECT_EQ(FileDialogDouble::LiveObjects(), 0);
+    EXPECT_EQ(FakeFileDialog::LiveObjects(), 0);
 }
 
 TEST_F(OpenFileNameRun, SetsNoFileTypesFromAnOddOrMissingList) {
@@ -138,13 +137,13 @@ TEST_F(OpenFileNameRun, AnswersNoWhenThePersonCancels) {
 TEST_F(OpenFileNameRun, EndsTheManagerAlsoWithoutADialog) {
     shell.script.failures = {{L"CoCreateInstance", E_FAIL}};
     EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(FileDialogDouble::Calls(), Calls{});
+    EXPECT_EQ(FakeFileDialog::Calls(), Calls{});
     ExpectOrder({L"Init(manager, ", L"Deinit(manager)", L"DeleteObExtensionsManager(manager)"});
 }
 
 TEST_F(OpenFileNameRun, HandsTheBlocksRoomToTheListOfFiles) {
     for (const int answer : {1, 0}) {
-        PlanningDouble::fillAnswer = answer;
+        FakePlanning::fillAnswer = answer;
         EXPECT_EQ(Run(), answer);
         const std::int32_t room = (65536 - block->Request.FileListOffset) / 2;
         EXPECT_TRUE(WasCalled(L"FillOpenFileNameBuffer(" + std::to_wstring(room) + L")"));
@@ -184,7 +183,7 @@ TEST_F(OpenFileNameRun, NeverWritesTheArchiveBehindTheBlock) {
 }
 
 TEST_F(OpenFileNameRun, AnswersNoWhenThePipelineStops) {
-    PlanningDouble::process = [](OBOpenFileNameDlg&, const Calls&) { return 0; };
+    FakePlanning::process = [](OBOpenFileNameDlg&, const Calls&) { return 0; };
     EXPECT_EQ(Run(), 0);
     EXPECT_FALSE(WasCalled(L"FillOpenFileNameBuffer"));
     EXPECT_EQ(block->Status, ExchangeStatus::OpenFileNameTaken);
@@ -200,12 +199,12 @@ TEST_F(OpenFileNameRun, LeavesOutItemsThatAreNoFiles) {
     shell.script.results = {L"C:\\a", L"", L"C:\\b", L""};
     Run();
     EXPECT_TRUE(WasCalled(L"ProcessPickedFiles(\"C:\\a\", \"C:\\b\")"));
-    EXPECT_EQ(FileDialogDouble::LiveObjects(), 0);
+    EXPECT_EQ(FakeFileDialog::LiveObjects(), 0);
 }
 
 TEST_F(OpenFileNameRun, WritesALinkWithTheDriversResultBesideIt) {
     for (const int answer : {0, 1}) {
-        PlanningDouble::process = [answer](OBOpenFileNameDlg& dialog, const Calls&) {
+        FakePlanning::process = [answer](OBOpenFileNameDlg& dialog, const Calls&) {
             dialog.LinkText = L"https://link";
             return answer;
         };
@@ -217,7 +216,7 @@ TEST_F(OpenFileNameRun, WritesALinkWithTheDriversResultBesideIt) {
 }
 
 TEST_F(OpenFileNameRun, CutsALinkAtTheBlocksEnd) {
-    PlanningDouble::process = [](OBOpenFileNameDlg& dialog, const Calls&) {
+    FakePlanning::process = [](OBOpenFileNameDlg& dialog, const Calls&) {
         dialog.LinkText.assign(40000, L'l');
         return 0;
     };
@@ -228,7 +227,7 @@ TEST_F(OpenFileNameRun, CutsALinkAtTheBlocksEnd) {
 }
 
 TEST_F(OpenFileNameRun, NotesWhatTheRunLeavesToCleanUp) {
-    PlanningDouble::process = [](OBOpenFileNameDlg& dialog, const Calls&) {
+    FakePlanning::process = [](OBOpenFileNameDlg& dialog, const Calls&) {
         dialog.AttachRecord->ResultIsArchive = true;
         dialog.AttachRecord->ResultPath = L"C:\\t\\a.zip";
         dialog.AttachRecord->CleanupFolder = L"C:\\t\\";
@@ -254,7 +253,7 @@ TEST_F(OpenFileNameRun, KnowsThatCloudLinksAreForbidden) {
     for (const std::uint8_t blocked : {0, 1}) {
         uploadBlocked = blocked;
         bool seen = !blocked;
-        PlanningDouble::process = [&](OBOpenFileNameDlg& dialog, const Calls&) {
+        FakePlanning::process = [&](OBOpenFileNameDlg& dialog, const Calls&) {
             seen = dialog.AttachRecord->UploadBlocked;
             return 1;
         };
@@ -283,7 +282,7 @@ TEST_F(OpenFileNameRun, HandsTheChoicesOfThePersonToThePipeline) {
     shell.script.onShow = [](RecordingFileDialog& dialog) { dialog.ChooseItem(998, 1001); };
     bool encrypt = false;
     bool zip = true;
-    PlanningDouble::process = [&](OBOpenFileNameDlg& dialog, const Calls&) {
+    FakePlanning::process = [&](OBOpenFileNameDlg& dialog, const Calls&) {
         encrypt = dialog.Options->AutoEncrypt;
         zip = dialog.Options->SendItem;
         return 1;
@@ -314,23 +313,23 @@ TEST_F(OpenFileNameRun, GoesOnWithoutEventsWhenTheDialogDoesNotTakeThem) {
 }
 
 TEST_F(OpenFileNameRun, ReleasesEverythingWhenAnExceptionPasses) {
-    PlanningDouble::process = [](OBOpenFileNameDlg&, const Calls&) -> int {
+    FakePlanning::process = [](OBOpenFileNameDlg&, const Calls&) -> int {
         throw std::runtime_error("full");
     };
     EXPECT_THROW(Run(), std::runtime_error);
     ExpectOrder({L"ProcessPickedFiles(", L"dialog.Unadvise(42)", L"dialog.destroyed()",
                  L"Deinit(manager)", L"DeleteObExtensionsManager(manager)"});
-    EXPECT_EQ(FileDialogDouble::LiveObjects(), 0);
+    EXPECT_EQ(FakeFileDialog::LiveObjects(), 0);
 }
 
 // COM's own calls are replaced only while no dialog is made.
 TEST_F(OpenFileNameRun, LeavesComAsItFoundIt) {
-    const ImportDouble<decltype(&CoInitialize)> initialise("ole32.dll", "CoInitialize",
-                                                           &CountInitialise);
-    const ImportDouble<decltype(&CoUninitialize)> uninitialise("ole32.dll", "CoUninitialize",
-                                                               &CountUninitialise);
-    ASSERT_TRUE(initialise.Stands());
-    ASSERT_TRUE(uninitialise.Stands());
+    const ImportPatch<decltype(&CoInitialize)> initialise("ole32.dll", "CoInitialize",
+                                                          &CountInitialise);
+    const ImportPatch<decltype(&CoUninitialize)> uninitialise("ole32.dll", "CoUninitialize",
+                                                              &CountUninitialise);
+    ASSERT_TRUE(initialise.Ok());
+    ASSERT_TRUE(uninitialise.Ok());
     shell.script.failures = {{L"CoCreateInstance", E_FAIL}};
     struct {
         HRESULT answer;

@@ -1,6 +1,6 @@
 #include "OBCore/picker/PickerControls.h"
 
-#include "tests/support/StandIns.h"
+#include "tests/support/FakeModules.h"
 #include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
 
 namespace {
@@ -20,7 +20,7 @@ protected:
 
     void Add() {
         dialog = shell.Make();
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         AddPickerControls(*dialog.Get(), kOwner, job);
         EXPECT_EQ(dialog->References(), 1U);
     }
@@ -68,7 +68,7 @@ TEST_F(PickerControlsAdded, StandInFourGroupsInOrderWithTheirTexts) {
         L"SetControlState(1011, 2)",
         L"SetControlState(1012, 2)",
     };
-    EXPECT_EQ(FileDialogDouble::Calls(), expected);
+    EXPECT_EQ(FakeFileDialog::Calls(), expected);
 }
 
 TEST_F(PickerControlsAdded, TickEachTransformWhoseFieldIsOn) {
@@ -76,7 +76,7 @@ TEST_F(PickerControlsAdded, TickEachTransformWhoseFieldIsOn) {
         static_cast<OBOptions&>(job) = OBOptions();
         job.*row.field = true;
         Add();
-        for (const std::wstring& call : FileDialogDouble::CallsOf({L"AddCheckButton"})) {
+        for (const std::wstring& call : FakeFileDialog::CallsOf({L"AddCheckButton"})) {
             const bool own =
                 call.starts_with(L"AddCheckButton(" + std::to_wstring(row.control) + L",");
             EXPECT_TRUE(call.ends_with(own ? L", 1)" : L", 0)")) << testing::PrintToString(call);
@@ -88,13 +88,13 @@ TEST_F(PickerControlsAdded, LeaveOutAGroupThatCannotBeStartedAndGoOn) {
     for (const wchar_t* const group : {L"100", L"102", L"103", L"104"}) {
         shell.script.failures = {{L"StartVisualGroup(" + std::wstring(group) + L")", E_FAIL}};
         Add();
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"StartVisualGroup"}).size(), 4U);
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"EndVisualGroup"}).size(), 3U);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"StartVisualGroup"}).size(), 4U);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"EndVisualGroup"}).size(), 3U);
         const bool choices = group != std::wstring(L"100");
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"AddRadioButtonList"}).size(), choices ? 3U : 0U);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"AddRadioButtonList"}).size(), choices ? 3U : 0U);
         const std::size_t checks = !choices ? 8 : group == std::wstring(L"104") ? 6 : 5;
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"AddCheckButton"}).size(), checks);
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"SetSelectedControlItem"}).size(), 1U);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"AddCheckButton"}).size(), checks);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"SetSelectedControlItem"}).size(), 1U);
     }
 }
 
@@ -112,16 +112,16 @@ TEST_F(PickerControlsAdded, SelectTheChoiceOfTheOptions) {
         job.SendItem = row.sendItem;
         job.AutoEncrypt = row.autoEncrypt;
         Add();
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"SetSelectedControlItem"}), Calls{row.selected});
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"SetSelectedControlItem"}), Calls{row.selected});
     }
 }
 
 TEST_F(PickerControlsAdded, AreNotAddedToADialogThatCannotBeCustomised) {
     shell.script.failures = {{L"QueryInterface(IFileDialogCustomize)", E_NOINTERFACE}};
     job.AutoEncrypt = true;
-    StandIns::Answer(L"TryToShowWarningOrErrorMessage", L"2");
+    FakeModules::Answer(L"TryToShowWarningOrErrorMessage", L"2");
     Add();
-    EXPECT_EQ(StandIns::Calls(), Calls{});
+    EXPECT_EQ(FakeModules::Calls(), Calls{});
     EXPECT_TRUE(job.AutoEncrypt);
 }
 
@@ -130,11 +130,11 @@ TEST_F(PickerControlsAdded, SwitchEncryptionOffForTheRunWhenTheServiceRefusesIt)
         job.SendItem = sendItem;
         job.AutoEncrypt = true;
         // Only the low half of the answer counts.
-        StandIns::Answer(L"TryToShowWarningOrErrorMessage", sendItem ? L"2" : L"65538");
+        FakeModules::Answer(L"TryToShowWarningOrErrorMessage", sendItem ? L"2" : L"65538");
         Add();
         EXPECT_FALSE(job.AutoEncrypt);
-        EXPECT_EQ(StandIns::Calls().front(), kAskService);
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"SetSelectedControlItem"}),
+        EXPECT_EQ(FakeModules::Calls().front(), kAskService);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"SetSelectedControlItem"}),
                   Calls{sendItem ? L"SetSelectedControlItem(997, 1000)"
                                  : L"SetSelectedControlItem(999, 1002)"});
     }
@@ -143,15 +143,15 @@ TEST_F(PickerControlsAdded, SwitchEncryptionOffForTheRunWhenTheServiceRefusesIt)
 TEST_F(PickerControlsAdded, KeepEncryptionWhenTheServiceAnswersAnythingElse) {
     for (const wchar_t* const answer : {L"0", L"1", L"3", L"131072"}) {
         job.AutoEncrypt = true;
-        StandIns::Answer(L"TryToShowWarningOrErrorMessage", answer);
+        FakeModules::Answer(L"TryToShowWarningOrErrorMessage", answer);
         Add();
         EXPECT_TRUE(job.AutoEncrypt);
-        EXPECT_EQ(StandIns::Calls().front(), kAskService);
+        EXPECT_EQ(FakeModules::Calls().front(), kAskService);
     }
 }
 
 TEST_F(PickerControlsAdded, DoNotAskTheServiceWhenEncryptionIsOffOrImpossible) {
-    StandIns::Answer(L"TryToShowWarningOrErrorMessage", L"2");
+    FakeModules::Answer(L"TryToShowWarningOrErrorMessage", L"2");
     struct {
         bool autoEncrypt, noEncryption;
         std::uint16_t methods;
@@ -187,10 +187,10 @@ protected:
     // The states in the order in which they were set, 3 or 2 each.
     std::wstring Update(std::uint32_t selectionCount) {
         dialog = shell.Make();
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         UpdateTransformControls(dialog.Get(), job, selectionCount);
         std::wstring states;
-        for (const std::wstring& call : FileDialogDouble::Calls()) {
+        for (const std::wstring& call : FakeFileDialog::Calls()) {
             states += call.at(call.size() - 2);
         }
         return states;
@@ -213,7 +213,7 @@ TEST_F(TransformControlStates, AreSetInTheirOwnOrderAndAskTheManagerForEach) {
         L"IsProviderSupport(manager, 66, 4)", L"dialog.SetControlState(1011, 2)",
         L"IsProviderSupport(manager, 70, 4)", L"dialog.SetControlState(1012, 2)",
     };
-    EXPECT_EQ(StandIns::Calls(), expected);
+    EXPECT_EQ(FakeModules::Calls(), expected);
 }
 
 TEST_F(TransformControlStates, FollowChoiceAndSelection) {

@@ -3,9 +3,9 @@
 #include "OBCore/modules/ProviderManager.h"
 #include "OBCore/picker/PickerControls.h"
 #include "OBCore/picker/Win7DlgEvents.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/FakeModules.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/StandIns.h"
 #include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
 
 namespace {
@@ -27,12 +27,12 @@ protected:
         windowText = std::to_wstring(reinterpret_cast<INT_PTR>(window.Get()));
         DWORD cookie = 0;
         ASSERT_EQ(dialog->Advise(&events, &cookie), S_OK);
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
     }
 
     void TearDown() override {
         EXPECT_EQ(dialog->References(), 1U) << "an interface wasn't released";
-        EXPECT_EQ(FileDialogDouble::LiveObjects(), 0) << "an item or array wasn't released";
+        EXPECT_EQ(FakeFileDialog::LiveObjects(), 0) << "an item or array wasn't released";
     }
 
     void Choose(bool sendItem, bool autoEncrypt) {
@@ -100,7 +100,7 @@ TEST_F(PickerEventsObject, DoesNothingAtTheOtherEvents) {
     EXPECT_EQ(events.OnShareViolation(file, nullptr, nullptr), S_OK);
     EXPECT_EQ(events.OnTypeChange(file), S_OK);
     EXPECT_EQ(events.OnOverwrite(file, nullptr, nullptr), S_OK);
-    EXPECT_EQ(StandIns::Calls(), Calls{});
+    EXPECT_EQ(FakeModules::Calls(), Calls{});
 }
 
 class PickerEventsChoice : public OpenPickerTest {};
@@ -110,7 +110,7 @@ TEST_F(PickerEventsChoice, ZipClearsTheOtherLists) {
     EXPECT_EQ(dialog->ChooseItem(997, 1000), S_OK);
     EXPECT_TRUE(job.SendItem);
     EXPECT_FALSE(job.AutoEncrypt);
-    EXPECT_EQ(FileDialogDouble::CallsOf({L"SetSelectedControlItem"}),
+    EXPECT_EQ(FakeFileDialog::CallsOf({L"SetSelectedControlItem"}),
               (Calls{L"SetSelectedControlItem(998, 0)", L"SetSelectedControlItem(999, 0)"}));
     EXPECT_FALSE(WasCalled(L"TryToShowWarningOrErrorMessage"));
 }
@@ -120,14 +120,14 @@ TEST_F(PickerEventsChoice, NoZipClearsTheOtherLists) {
     EXPECT_EQ(dialog->ChooseItem(999, 1002), S_OK);
     EXPECT_FALSE(job.SendItem);
     EXPECT_FALSE(job.AutoEncrypt);
-    EXPECT_EQ(FileDialogDouble::CallsOf({L"SetSelectedControlItem"}),
+    EXPECT_EQ(FakeFileDialog::CallsOf({L"SetSelectedControlItem"}),
               (Calls{L"SetSelectedControlItem(997, 0)", L"SetSelectedControlItem(998, 0)"}));
 }
 
 TEST_F(PickerEventsChoice, EncryptionAsksTheServiceAndClearsTheOtherLists) {
     for (const wchar_t* const answer : {L"0", L"1", L"131072"}) {
-        StandIns::Answer(L"TryToShowWarningOrErrorMessage", answer);
-        StandIns::ForgetCalls();
+        FakeModules::Answer(L"TryToShowWarningOrErrorMessage", answer);
+        FakeModules::ForgetCalls();
         Choose(true, false);
         EXPECT_EQ(dialog->ChooseItem(998, 1001), S_OK);
         EXPECT_FALSE(job.SendItem);
@@ -135,7 +135,7 @@ TEST_F(PickerEventsChoice, EncryptionAsksTheServiceAndClearsTheOtherLists) {
         ExpectOrder({AskService(), L"dialog.SetSelectedControlItem(997, 0)",
                      L"dialog.SetSelectedControlItem(999, 0)", L"dialog.GetSelectedItems()",
                      L"dialog.SetControlState(1003, 3)"});
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"SetSelectedControlItem"}).size(), 2U);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"SetSelectedControlItem"}).size(), 2U);
     }
 }
 
@@ -145,27 +145,27 @@ TEST_F(PickerEventsChoice, RefusedEncryptionLeavesTheChoiceAndClearsItsOwnList) 
         const wchar_t* answer;
     } const rows[] = {{true, false, L"2"}, {false, false, L"65538"}, {false, true, L"2"}};
     for (const auto& row : rows) {
-        StandIns::Answer(L"TryToShowWarningOrErrorMessage", row.answer);
-        StandIns::ForgetCalls();
+        FakeModules::Answer(L"TryToShowWarningOrErrorMessage", row.answer);
+        FakeModules::ForgetCalls();
         Choose(row.sendItem, row.autoEncrypt);
         EXPECT_EQ(dialog->ChooseItem(998, 1001), S_OK);
         EXPECT_EQ(job.SendItem, row.sendItem);
         EXPECT_EQ(job.AutoEncrypt, row.autoEncrypt);
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"SetSelectedControlItem"}),
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"SetSelectedControlItem"}),
                   Calls{L"SetSelectedControlItem(998, 0)"});
         // The transforms are looked at all the same.
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"SetControlState"}).size(), 8U);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"SetControlState"}).size(), 8U);
     }
 }
 
 TEST_F(PickerEventsChoice, ADialogWithoutAWindowAsksWithNone) {
     shell.script.failures = {{L"QueryInterface(IOleWindow)", E_NOINTERFACE}};
     dialog->ChooseItem(998, 1001);
-    EXPECT_EQ(StandIns::Calls().front(), L"TryToShowWarningOrErrorMessage(0, 0, 1)");
-    StandIns::ForgetCalls();
+    EXPECT_EQ(FakeModules::Calls().front(), L"TryToShowWarningOrErrorMessage(0, 0, 1)");
+    FakeModules::ForgetCalls();
     shell.script.failures = {{L"GetWindow", E_FAIL}};
     dialog->ChooseItem(998, 1001);
-    EXPECT_EQ(StandIns::Calls().front(), L"TryToShowWarningOrErrorMessage(0, 0, 1)");
+    EXPECT_EQ(FakeModules::Calls().front(), L"TryToShowWarningOrErrorMessage(0, 0, 1)");
 }
 
 TEST_F(PickerEventsChoice, AnyOtherItemChangesNothing) {
@@ -177,7 +177,7 @@ TEST_F(PickerEventsChoice, AnyOtherItemChangesNothing) {
             EXPECT_EQ(job.AutoEncrypt, !sendItem);
         }
     }
-    EXPECT_EQ(StandIns::Calls(), Calls{});
+    EXPECT_EQ(FakeModules::Calls(), Calls{});
 }
 
 TEST_F(PickerEventsChoice, OnlyTheItemCounts) {
@@ -191,7 +191,7 @@ TEST_F(PickerEventsChoice, CountsTheSelectionForTheTransforms) {
     shell.script.selected = {L"C:\\a", L"C:\\b"};
     dialog->ChooseItem(999, 1002);
     EXPECT_TRUE(WasCalled(L"dialog.SetControlState(1003, 2)"));
-    StandIns::ForgetCalls();
+    FakeModules::ForgetCalls();
     dialog->ChooseItem(997, 1000);
     EXPECT_TRUE(WasCalled(L"dialog.SetControlState(1003, 3)"));
 }
@@ -201,9 +201,9 @@ TEST_F(PickerEventsChoice, CountsNothingWhenTheSelectionCannotBeHad) {
     shell.script.selected = {L"C:\\a", L"C:\\b"};
     for (const wchar_t* const failing : {L"GetSelectedItems", L"QueryInterface(IFileOpenDialog)"}) {
         shell.script.failures = {{failing, E_FAIL}};
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         EXPECT_EQ(dialog->ChooseItem(999, 1002), S_OK);
-        EXPECT_EQ(FileDialogDouble::CallsOf({L"SetControlState"}).size(), 8U);
+        EXPECT_EQ(FakeFileDialog::CallsOf({L"SetControlState"}).size(), 8U);
         EXPECT_TRUE(WasCalled(L"dialog.SetControlState(1003, 3)"));
     }
 }
@@ -212,9 +212,9 @@ class PickerEventsSelection : public OpenPickerTest {
 protected:
     // The state that 1003 gets when that many files are selected.
     std::wstring StateWith(std::size_t count) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         EXPECT_EQ(dialog->Select(std::vector<std::wstring>(count, L"C:\\file")), S_OK);
-        const Calls calls = FileDialogDouble::CallsOf({L"SetControlState"});
+        const Calls calls = FakeFileDialog::CallsOf({L"SetControlState"});
         return calls.empty() ? L"none" : calls.front();
     }
 };
@@ -247,12 +247,12 @@ TEST_F(PickerEventsSelection, CountsNothingWhenTheDialogGivesNone) {
 
 TEST_F(PickerEventsSelection, DoesNothingWithoutTheInterfaces) {
     shell.script.failures = {{L"QueryInterface(IFileOpenDialog)", E_NOINTERFACE}};
-    StandIns::ForgetCalls();
+    FakeModules::ForgetCalls();
     EXPECT_EQ(dialog->Select({}), S_OK);
-    EXPECT_EQ(StandIns::Calls(), Calls{});
+    EXPECT_EQ(FakeModules::Calls(), Calls{});
     shell.script.failures = {{L"QueryInterface(IFileDialogCustomize)", E_NOINTERFACE}};
     EXPECT_EQ(dialog->Select({}), S_OK);
-    EXPECT_EQ(StandIns::Calls(), Calls{L"dialog.GetSelectedItems()"});
+    EXPECT_EQ(FakeModules::Calls(), Calls{L"dialog.GetSelectedItems()"});
 }
 
 class PickerEventsToggle : public OpenPickerTest {
@@ -274,14 +274,14 @@ protected:
         return L"dialog.SetCheckButtonState(" + std::to_wstring(row.control) + L", 0)";
     }
     static void Refuse(const std::wstring& call, const std::wstring& type, bool refuse = true) {
-        StandIns::Answer(call + L"." + type, refuse ? L"0" : L"1");
+        FakeModules::Answer(call + L"." + type, refuse ? L"0" : L"1");
     }
 
     // What a toggle leaves: the field, and the calls that were made.
     Calls Toggle(const TransformControl& row, bool checked) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         EXPECT_EQ(dialog->Toggle(row.control, checked), S_OK);
-        return StandIns::Calls();
+        return FakeModules::Calls();
     }
 };
 
@@ -354,9 +354,9 @@ TEST_F(PickerEventsToggle, WithoutAManagerATransformThatMustBeReadyIsUndone) {
 
 TEST_F(PickerEventsToggle, OtherControlsAreIgnored) {
     for (const DWORD control : {100U, 997U, 1002U, 1004U, 1005U, 1013U, 3011U}) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         EXPECT_EQ(dialog->Toggle(control, true), S_OK);
-        EXPECT_EQ(StandIns::Calls(), Calls{}) << control;
+        EXPECT_EQ(FakeModules::Calls(), Calls{}) << control;
     }
 }
 
@@ -509,9 +509,8 @@ TEST_F(PickerEventsExceptions, StopAtEachMethod) {
 }
 
 TEST_F(PickerEventsExceptions, KeepTheDialogOpenAtOk) {
-    const ImportDouble<decltype(&MessageBoxW)> box("user32.dll", "MessageBoxW",
-                                                   &ThrowInsteadOfABox);
-    ASSERT_TRUE(box.Stands());
+    const ImportPatch<decltype(&MessageBoxW)> box("user32.dll", "MessageBoxW", &ThrowInsteadOfABox);
+    ASSERT_TRUE(box.Ok());
     Choose(false, false);
     shell.script.results = {L"C:\\a", L"C:\\b"};
     EXPECT_EQ(dialog->PressOk(), S_FALSE);

@@ -6,10 +6,10 @@
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/picker/PickerControls.h"
-#include "tests/standins/Recording.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/StandIns.h"
-#include "tests/unit/WebVellant/OBCore/picker/PlanningDouble.h"
+#include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
 
 namespace obtest {
 
@@ -17,9 +17,9 @@ PickerTest::Com::Com() { CoInitialize(nullptr); }
 PickerTest::Com::~Com() { CoUninitialize(); }
 
 PickerTest::PickerTest() {
-    StandIns::Reset();
+    FakeModules::Reset();
     ClearProductRegistry();
-    PlanningDouble::Reset();
+    FakePlanning::Reset();
     // Here and not in SetUp: members of the fixtures below make a manager.
     bound_ = obcore::LoadArchiveService() && obcore::LoadProviderManager() &&
              obcore::BindResourceModule();
@@ -30,9 +30,9 @@ PickerTest::~PickerTest() = default;
 void PickerTest::SetUp() { ASSERT_TRUE(bound_); }
 
 void PickerTest::Support(obcore::TransformId transform) {
-    StandIns::Answer(L"IsProviderSupport." +
-                         std::to_wstring(static_cast<std::uint32_t>(transform)) + L".4",
-                     L"1");
+    FakeModules::Answer(L"IsProviderSupport." +
+                            std::to_wstring(static_cast<std::uint32_t>(transform)) + L".4",
+                        L"1");
 }
 
 void PickerTest::SupportAll() {
@@ -42,7 +42,7 @@ void PickerTest::SupportAll() {
 void PickerTest::Initialise(obcore::OBAttachJob& job) {
     obcore::ProviderManager().Init(job.OwnedProviderManager, 0, obcore::kProviderManagerKey);
     job.AllowedEncryptMethods = obcore::kEncryptionMethodAes128;
-    StandIns::ForgetCalls();
+    FakeModules::ForgetCalls();
 }
 
 std::wstring PickerTest::Text(UINT id) {
@@ -54,13 +54,13 @@ std::wstring PickerTest::Text(UINT id) {
 std::wstring PickerTest::QuotedText(UINT id) { return Quoted(Text(id).c_str()); }
 
 bool PickerTest::WasCalled(const std::wstring& start) {
-    const Calls calls = StandIns::Calls();
+    const Calls calls = FakeModules::Calls();
     return std::ranges::any_of(calls,
                                [&](const std::wstring& call) { return call.starts_with(start); });
 }
 
 void PickerTest::ExpectOrder(const Calls& starts) {
-    const Calls calls = StandIns::Calls();
+    const Calls calls = FakeModules::Calls();
     auto from = calls.begin();
     for (const std::wstring& start : starts) {
         const auto found = std::find_if(

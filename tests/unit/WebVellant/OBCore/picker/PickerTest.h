@@ -45,7 +45,7 @@ private:
     bool bound_ = false;
 
 protected:
-    FileDialogDouble shell;
+    FakeFileDialog shell;
 };
 
 } // namespace obtest

@@ -6,7 +6,7 @@
 #include <iterator>
 
 #include "OBCore/modules/OwnModule.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/RecordedTrace.h"
 
 namespace {
@@ -104,10 +104,10 @@ class UpdateCheckStart : public testing::Test {
 protected:
     void SetUp() override {
         started = {};
-        ASSERT_TRUE(process.Stands());
+        ASSERT_TRUE(process.Ok());
     }
-    obtest::ImportDouble<decltype(&CreateProcessW)> process{"kernel32.dll", "CreateProcessW",
-                                                            &RecordProcess};
+    obtest::ImportPatch<decltype(&CreateProcessW)> process{"kernel32.dll", "CreateProcessW",
+                                                           &RecordProcess};
     OBOptions options;
 };
 

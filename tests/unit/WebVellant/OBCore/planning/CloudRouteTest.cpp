@@ -4,9 +4,9 @@
 namespace {
 
 using obcore::SendSettingKind;
+using obtest::FakeModules;
 using obtest::Lines;
-using obtest::StandIns;
-using obtest::TheNeighbours;
+using obtest::TheFakePipeline;
 
 constexpr wchar_t kLinkReport[] = L"type=link|file-send.expiry=no";
 
@@ -15,8 +15,8 @@ class CloudRoute : public obtest::PlanningFixture {
 protected:
     void SetUp() override {
         PlanningFixture::SetUp();
-        StandIns::Answer(L"Providers", L"7");
-        StandIns::Answer(L"GetDefaultStorageProvider", L"7|label|account");
+        FakeModules::Answer(L"Providers", L"7");
+        FakeModules::Answer(L"GetDefaultStorageProvider", L"7|label|account");
         job_.SendSetting = SendSettingKind::WhenLarger;
     }
 
@@ -27,16 +27,16 @@ protected:
         return L"RunCloudSend(" + Quote(path) + L", " + size + L", 7, \"account\")";
     }
     void ExpectAttached(const std::wstring& path) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         EXPECT_EQ(Process({path}), 1);
-        EXPECT_EQ(StandIns::Calls(), PlainReport());
+        EXPECT_EQ(FakeModules::Calls(), PlainReport());
         EXPECT_EQ(job_.ResultPath, path);
         EXPECT_EQ(picker_.LinkText, L"");
     }
     void ExpectSent(const std::wstring& path, const std::wstring& size) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         EXPECT_EQ(Process({path}), 0);
-        EXPECT_EQ(StandIns::CallsOf({L"RunCloudSend"}), Lines{SentSize(path, size)});
+        EXPECT_EQ(FakeModules::CallsOf({L"RunCloudSend"}), Lines{SentSize(path, size)});
         EXPECT_EQ(UsageReports(), Report(kLinkReport));
         EXPECT_EQ(picker_.LinkText, L"link");
     }
@@ -120,8 +120,8 @@ HANDLE WINAPI NotedOpen(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTR
 }
 
 TEST_F(CloudRoute, AsksForTheSizeWithoutReadingTheFile) {
-    obtest::ImportDouble<decltype(&CreateFileW)> open("kernel32.dll", "CreateFileW", &NotedOpen);
-    ASSERT_TRUE(open.Stands());
+    obtest::ImportPatch<decltype(&CreateFileW)> open("kernel32.dll", "CreateFileW", &NotedOpen);
+    ASSERT_TRUE(open.Ok());
     realCreateFile = open.Real();
     watchedPath = sources_.File(L"watched.zip", "12345678901");
     job_.MinimumSizeBytes = 10;
@@ -137,8 +137,8 @@ TEST_F(CloudRoute, KnowsTheSizeOfAnArchiveWithAPathOfMoreThan260Characters) {
     ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + folder).c_str(), nullptr));
     watchedPath = folder + L"\\deep.zip";
     ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + watchedPath, "12345678901"));
-    obtest::ImportDouble<decltype(&CreateFileW)> open("kernel32.dll", "CreateFileW", &NotedOpen);
-    ASSERT_TRUE(open.Stands());
+    obtest::ImportPatch<decltype(&CreateFileW)> open("kernel32.dll", "CreateFileW", &NotedOpen);
+    ASSERT_TRUE(open.Ok());
     realCreateFile = open.Real();
     job_.MinimumSizeBytes = 10;
     ExpectSent(watchedPath, L"11");
@@ -147,15 +147,15 @@ TEST_F(CloudRoute, KnowsTheSizeOfAnArchiveWithAPathOfMoreThan260Characters) {
 
 TEST_F(CloudRoute, SendsTheZipOfARunWhenItsWorkingCopyIsGone) {
     job_.SendSetting = SendSettingKind::Always;
-    StandIns::Answer(L"ZipSize", L"1234");
+    FakeModules::Answer(L"ZipSize", L"1234");
     Lines leftAtSending;
-    TheNeighbours().send = [&](auto&, std::wstring& linkText) {
+    TheFakePipeline().send = [&](auto&, std::wstring& linkText) {
         leftAtSending = Left();
         linkText = L"link";
         return true;
     };
     EXPECT_EQ(Process({sources_.File(L"one.txt")}), 0);
-    EXPECT_EQ(StandIns::CallsOf({L"RunCloudSend"}),
+    EXPECT_EQ(FakeModules::CallsOf({L"RunCloudSend"}),
               Lines{SentSize(RunFolder(1) + L"one.zip", L"1234")});
     EXPECT_EQ(UsageReports(), Report(L"type=link|file-send.encryption=no|file-send.compression=zip"
                                      L"|file-send.expiry=no"));
@@ -165,9 +165,9 @@ TEST_F(CloudRoute, SendsTheZipOfARunWhenItsWorkingCopyIsGone) {
 
 TEST_F(CloudRoute, AttachesWithoutAReportWhenLinksAreForbidden) {
     job_.SendSetting = SendSettingKind::Always;
-    TheNeighbours().send = [](auto&, auto&) { return false; };
+    TheFakePipeline().send = [](auto&, auto&) { return false; };
     EXPECT_EQ(Process({ArchiveOf(1)}), 1);
-    EXPECT_EQ(StandIns::CallsOf({L"RunCloudSend"}).size(), 1u);
+    EXPECT_EQ(FakeModules::CallsOf({L"RunCloudSend"}).size(), 1u);
     EXPECT_TRUE(UsageReports().empty());
     EXPECT_FALSE(job_.Usage.UsageLink);
     EXPECT_TRUE(job_.ResultIsArchive);
@@ -175,7 +175,7 @@ TEST_F(CloudRoute, AttachesWithoutAReportWhenLinksAreForbidden) {
 
 TEST_F(CloudRoute, ReportsALinkAlsoWhenTheUserStoppedTheUpload) {
     job_.SendSetting = SendSettingKind::Always;
-    TheNeighbours().send = [](auto&, auto&) { return true; };
+    TheFakePipeline().send = [](auto&, auto&) { return true; };
     EXPECT_EQ(Process({ArchiveOf(1)}), 0);
     EXPECT_EQ(UsageReports(), Report(kLinkReport));
     EXPECT_TRUE(job_.Usage.UsageLink);

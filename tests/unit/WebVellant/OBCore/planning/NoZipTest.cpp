@@ -4,8 +4,8 @@
 namespace {
 
 using obcore::OBOptions;
+using obtest::FakeModules;
 using obtest::Lines;
-using obtest::StandIns;
 
 // The transforms that count for a single file.
 constexpr bool OBOptions::*kSingleFileTransforms[] = {
@@ -26,9 +26,9 @@ protected:
     }
     // The files went through as picked, with nothing but the report.
     void ExpectAttachedAsPicked(const Lines& picked) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         EXPECT_EQ(Process(picked), 1);
-        EXPECT_EQ(StandIns::Calls(), PlainReport());
+        EXPECT_EQ(FakeModules::Calls(), PlainReport());
         EXPECT_EQ(job_.Files, picked);
         EXPECT_FALSE(job_.ResultIsArchive);
         EXPECT_TRUE(Left().empty());
@@ -78,17 +78,17 @@ TEST_F(NoZip, NeverSendsToTheCloud) {
 
 TEST_F(NoZip, ConvertsASingleFileForEachOfItsTransforms) {
     for (const auto transform : kSingleFileTransforms) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         job_.*transform = true;
         EXPECT_EQ(Process({one_}), 1);
-        EXPECT_EQ(StandIns::Calls(), Lines{L"TransformSingleFile([" + Quote(one_) + L"])"});
+        EXPECT_EQ(FakeModules::Calls(), Lines{L"TransformSingleFile([" + Quote(one_) + L"])"});
         job_.*transform = false;
     }
 }
 
 TEST_F(NoZip, AnswersWhatTheConversionAnswers) {
     job_.AutoWatermark = true;
-    obtest::TheNeighbours().transformSingleFile = [](auto&) { return false; };
+    obtest::TheFakePipeline().transformSingleFile = [](auto&) { return false; };
     EXPECT_EQ(Process({one_}), 0);
     EXPECT_TRUE(UsageReports().empty());
     EXPECT_TRUE(job_.Files.empty());
@@ -105,14 +105,14 @@ TEST_F(NoZip, DoesNotConvertASingleFileUnlessToldTo) {
     ExpectAttachedAsPicked({one_});
 }
 
-TEST_F(NoZip, LeavesTheTransformsOfAZipToTheZipRoad) {
+TEST_F(NoZip, LeavesTheTransformsOfAZipToTheZipRoute) {
     TurnAllTransformsOn();
     for (bool OBOptions::*reason : {&OBOptions::SendItem, &OBOptions::AutoEncrypt}) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         job_.*reason = true;
         EXPECT_EQ(Process({one_}), 1);
-        EXPECT_TRUE(StandIns::CallsOf({L"TransformSingleFile"}).empty());
-        EXPECT_EQ(StandIns::CallsOf({L"RunTransforms"}).size(), 1u);
+        EXPECT_TRUE(FakeModules::CallsOf({L"TransformSingleFile"}).empty());
+        EXPECT_EQ(FakeModules::CallsOf({L"RunTransforms"}).size(), 1u);
         job_.*reason = false;
     }
 }

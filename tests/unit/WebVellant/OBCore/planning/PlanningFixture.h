@@ -5,7 +5,7 @@
 
 #include "OBCore/planning/OBOpenFileNameDlg.h"
 #include "tests/unit/WebVellant/OBCore/compression/RunFixture.h"
-#include "tests/unit/WebVellant/OBCore/planning/Neighbours.h"
+#include "tests/unit/WebVellant/OBCore/planning/FakePipeline.h"
 
 namespace obtest {
 
@@ -21,8 +21,8 @@ protected:
         RunFixture::SetUp();
         // An uninitialised manager supports nothing.
         obcore::ProviderManager().Init(job_.OwnedProviderManager, 0, L"");
-        StandIns::ForgetCalls();
-        TheNeighbours().Reset();
+        FakeModules::ForgetCalls();
+        TheFakePipeline().Reset();
         job_.SendItem = true;
         job_.SendSetting = obcore::SendSettingKind::Never;
     }
@@ -31,7 +31,7 @@ protected:
         return picker_.ProcessPickedFiles(picked);
     }
 
-    static Lines UsageReports() { return StandIns::CallsOf({L"LogAppletFeature"}); }
+    static Lines UsageReports() { return FakeModules::CallsOf({L"LogAppletFeature"}); }
     static Lines Report(const std::wstring& text) {
         return {L"LogAppletFeature(\"feature.file-send\", \"file-send." + text + L"\")"};
     }

@@ -3,9 +3,9 @@
 
 namespace {
 
+using obtest::FakeModules;
 using obtest::Lines;
-using obtest::StandIns;
-using obtest::TheNeighbours;
+using obtest::TheFakePipeline;
 
 constexpr wchar_t kDefaultAsked[] = L"GetDefaultStorageProvider(manager)";
 
@@ -14,14 +14,14 @@ protected:
     void SetUp() override {
         PlanningFixture::SetUp();
         job_.SendSetting = obcore::SendSettingKind::Always;
-        StandIns::Answer(L"Providers", L"7,21");
+        FakeModules::Answer(L"Providers", L"7,21");
     }
 
     // The calls of the choice, without the walk over the providers, which comes once a process.
     static Lines Calls() {
-        return StandIns::CallsOf({L"GetDefaultStorageProvider", L"IsProviderSupport",
-                                  L"ShowSelectDefaultCloudDialog", L"RunCloudSend",
-                                  L"LogAppletFeature"});
+        return FakeModules::CallsOf({L"GetDefaultStorageProvider", L"IsProviderSupport",
+                                     L"ShowSelectDefaultCloudDialog", L"RunCloudSend",
+                                     L"LogAppletFeature"});
     }
     std::wstring Sent(const std::wstring& profile) const {
         return L"RunCloudSend(" + Quote(archive_) + L", 7, " + profile + L")";
@@ -41,15 +41,15 @@ protected:
 };
 
 TEST_F(ProviderChoice, TakesTheDefaultAccount) {
-    StandIns::Answer(L"GetDefaultStorageProvider", L"7|label|account");
+    FakeModules::Answer(L"GetDefaultStorageProvider", L"7|label|account");
     EXPECT_EQ(Process({archive_}), 0);
-    EXPECT_EQ(StandIns::Calls(), (Lines{kDefaultAsked, SupportAsked(L"7"), kDefaultAsked,
-                                        Sent(L"7, \"account\""), LinkReport()}));
+    EXPECT_EQ(FakeModules::Calls(), (Lines{kDefaultAsked, SupportAsked(L"7"), kDefaultAsked,
+                                           Sent(L"7, \"account\""), LinkReport()}));
     EXPECT_EQ(picker_.LinkText, L"link");
 }
 
 TEST_F(ProviderChoice, PrefersTheAccountThatIsChosenAlready) {
-    StandIns::Answer(L"GetDefaultStorageProvider", L"7|label|account");
+    FakeModules::Answer(L"GetDefaultStorageProvider", L"7|label|account");
     Choose(job_, 21);
     EXPECT_EQ(Process({archive_}), 0);
     EXPECT_EQ(Calls(),
@@ -57,7 +57,7 @@ TEST_F(ProviderChoice, PrefersTheAccountThatIsChosenAlready) {
 }
 
 TEST_F(ProviderChoice, AsksTheUserWithoutADefaultAccount) {
-    TheNeighbours().chooseProvider = [](auto& job) {
+    TheFakePipeline().chooseProvider = [](auto& job) {
         Choose(job, 21);
         return true;
     };
@@ -67,8 +67,8 @@ TEST_F(ProviderChoice, AsksTheUserWithoutADefaultAccount) {
 }
 
 TEST_F(ProviderChoice, AsksTheUserWhenTheDefaultIsNotSupported) {
-    StandIns::Answer(L"GetDefaultStorageProvider", L"99|label|account");
-    TheNeighbours().chooseProvider = [](auto& job) {
+    FakeModules::Answer(L"GetDefaultStorageProvider", L"99|label|account");
+    TheFakePipeline().chooseProvider = [](auto& job) {
         Choose(job, 7);
         return true;
     };
@@ -85,7 +85,7 @@ TEST_F(ProviderChoice, StopsWhenTheUserChoosesNothing) {
 }
 
 TEST_F(ProviderChoice, StopsWhenTheChosenProviderIsNotSupported) {
-    TheNeighbours().chooseProvider = [](auto& job) {
+    TheFakePipeline().chooseProvider = [](auto& job) {
         Choose(job, 98);
         return true;
     };
@@ -95,12 +95,12 @@ TEST_F(ProviderChoice, StopsWhenTheChosenProviderIsNotSupported) {
 }
 
 TEST_F(ProviderChoice, GoesByTheRecordAndNotByTheAnswerOfTheDialog) {
-    TheNeighbours().chooseProvider = [](auto& job) {
+    TheFakePipeline().chooseProvider = [](auto& job) {
         Choose(job, 7);
         return false;
     };
     EXPECT_EQ(Process({archive_}), 0);
-    EXPECT_EQ(StandIns::CallsOf({L"RunCloudSend"}), Lines{Sent(L"7, \"chosen\"")});
+    EXPECT_EQ(FakeModules::CallsOf({L"RunCloudSend"}), Lines{Sent(L"7, \"chosen\"")});
 }
 
 TEST_F(ProviderChoice, LeavesTheZipWhenTheUserChoosesNothing) {
@@ -113,25 +113,26 @@ TEST_F(ProviderChoice, LeavesTheZipWhenTheUserChoosesNothing) {
 TEST_F(ProviderChoice, AttachesWithoutADialogWhenCloudServicesAreForbidden) {
     job_.DisableCloudServices = true;
     EXPECT_EQ(Process({archive_}), 1);
-    EXPECT_EQ(StandIns::Calls(), (Lines{kDefaultAsked, PlainReport().front()}));
+    EXPECT_EQ(FakeModules::Calls(), (Lines{kDefaultAsked, PlainReport().front()}));
     EXPECT_EQ(job_.ResultPath, archive_);
 }
 
 TEST_F(ProviderChoice, UsesTheDefaultAccountAlsoWhenCloudServicesAreForbidden) {
-    StandIns::Answer(L"GetDefaultStorageProvider", L"7|label|account");
+    FakeModules::Answer(L"GetDefaultStorageProvider", L"7|label|account");
     job_.DisableCloudServices = true;
     EXPECT_EQ(Process({archive_}), 0);
-    EXPECT_EQ(StandIns::CallsOf({L"RunCloudSend"}), Lines{Sent(L"7, \"account\"")});
+    EXPECT_EQ(FakeModules::CallsOf({L"RunCloudSend"}), Lines{Sent(L"7, \"account\"")});
 }
 
 // Whether there is any provider is asked once a process, so this stands in a process of its own.
 class NoProviderAtAll : public ProviderChoice {};
 
 TEST_F(NoProviderAtAll, AttachesWithoutADialog) {
-    StandIns::Answer(L"Providers", L"");
+    FakeModules::Answer(L"Providers", L"");
     EXPECT_EQ(Process({archive_}), 1);
-    EXPECT_EQ(StandIns::Calls(), (Lines{kDefaultAsked, L"EnumProvidersReset(manager)",
-                                        L"EnumStorageProviders(manager)", PlainReport().front()}));
+    EXPECT_EQ(FakeModules::Calls(),
+              (Lines{kDefaultAsked, L"EnumProvidersReset(manager)",
+                     L"EnumStorageProviders(manager)", PlainReport().front()}));
 }
 
 } // namespace

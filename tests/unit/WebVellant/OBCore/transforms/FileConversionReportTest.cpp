@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "OBCore/transforms/FileConversionReport.h"
-#include "tests/support/StandIns.h"
+#include "tests/support/FakeModules.h"
 
 namespace {
 
@@ -35,22 +35,22 @@ std::wstring Event(const std::wstring& words) {
 
 class FileConversionReport : public testing::Test {
 protected:
-    void SetUp() override { obtest::StandIns::Reset(); }
+    void SetUp() override { obtest::FakeModules::Reset(); }
 
     OBOptions options_;
 };
 
 TEST_F(FileConversionReport, SendsNothingWhenNoTransformIsWanted) {
     ReportFileConversion(options_);
-    EXPECT_TRUE(obtest::StandIns::CallsOf({L"LogAppletFeature"}).empty());
+    EXPECT_TRUE(obtest::FakeModules::CallsOf({L"LogAppletFeature"}).empty());
 }
 
 TEST_F(FileConversionReport, SendsTheWordOfEachTransform) {
     for (const Word& word : kWords) {
         options_.*word.option = true;
-        obtest::StandIns::ForgetCalls();
+        obtest::FakeModules::ForgetCalls();
         ReportFileConversion(options_);
-        EXPECT_EQ(obtest::StandIns::Calls(), Lines{Event(word.text)});
+        EXPECT_EQ(obtest::FakeModules::Calls(), Lines{Event(word.text)});
         options_.*word.option = false;
     }
 }
@@ -58,7 +58,7 @@ TEST_F(FileConversionReport, SendsTheWordOfEachTransform) {
 TEST_F(FileConversionReport, SendsAllWordsInOrderWithoutTheLastComma) {
     for (const Word& word : kWords) options_.*word.option = true;
     ReportFileConversion(options_);
-    EXPECT_EQ(obtest::StandIns::Calls(),
+    EXPECT_EQ(obtest::FakeModules::Calls(),
               Lines{Event(L"DOCTOPDF,COMBINEPDFFILES,IMAGERESIZE,WATERMARK,CONVPHOTOS,"
                           L"REMOVEPERSDATA,SIGNPDFFILES,PDFTODOC")});
 }
@@ -67,7 +67,7 @@ TEST_F(FileConversionReport, LeavesOutWhatIsOff) {
     options_.AutoConvertFromPDF = true;
     options_.AutoResizeImages = true;
     ReportFileConversion(options_);
-    EXPECT_EQ(obtest::StandIns::Calls(), Lines{Event(L"IMAGERESIZE,PDFTODOC")});
+    EXPECT_EQ(obtest::FakeModules::Calls(), Lines{Event(L"IMAGERESIZE,PDFTODOC")});
 }
 
 } // namespace

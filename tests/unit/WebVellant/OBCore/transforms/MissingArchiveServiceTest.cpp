@@ -3,13 +3,13 @@
 
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/transforms/FileConversionReport.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/StandIns.h"
 
 namespace {
 
 TEST(FileConversionReportAlone, IsSilentlyNotSentWithoutTheArchiveService) {
-    obtest::StandIns::Reset();
+    obtest::FakeModules::Reset();
     const obtest::MessageBoxWatcher boxes;
     obcore::OBOptions options;
     options.AutoConvertPDF = true;
@@ -17,7 +17,7 @@ TEST(FileConversionReportAlone, IsSilentlyNotSentWithoutTheArchiveService) {
     obcore::ReportFileConversion(options);
 
     EXPECT_FALSE(obcore::LoadArchiveService());
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
     EXPECT_TRUE(boxes.Seen().empty());
 }
 

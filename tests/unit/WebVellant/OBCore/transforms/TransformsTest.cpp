@@ -9,8 +9,8 @@
 #include "OBCore/modules/ProviderManager.h"
 #include "OBCore/transforms/TransformTable.h"
 #include "OBCore/transforms/Transforms.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/StandIns.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -21,10 +21,10 @@ using Files = std::vector<std::wstring>;
 class Transforms : public testing::Test {
 protected:
     void SetUp() override {
-        obtest::StandIns::Reset();
+        obtest::FakeModules::Reset();
         ASSERT_TRUE(LoadProviderManager());
         job_.emplace(OBOptions(), nullptr);
-        obtest::StandIns::ForgetCalls();
+        obtest::FakeModules::ForgetCalls();
     }
 
     obtest::TestFolder folder_;
@@ -36,7 +36,7 @@ TEST_F(Transforms, LetTheRunGoOnWhenNoneIsWanted) {
     const Files before = files;
     EXPECT_TRUE(CompressUtils::RunTransforms(*job_, files, folder_.Path()));
     EXPECT_EQ(files, before);
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
 }
 
 TEST_F(Transforms, StopTheRunForEachThatIsWantedAndCantBeDone) {
@@ -51,7 +51,7 @@ TEST_F(Transforms, StopTheRunForEachThatIsWantedAndCantBeDone) {
     }
     EXPECT_EQ(obtest::ListTree(folder_.Path()), Files{L"a.docx"});
     EXPECT_EQ(obtest::ReadFileContent(folder_ / L"a.docx"), "content");
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
     EXPECT_TRUE(boxes.Seen().empty());
 }
 
@@ -70,7 +70,7 @@ TEST_F(Transforms, StopTheRunOfASingleFileAndLeaveNothingBehind) {
     EXPECT_EQ(job_->ResultPath, L"kept");
     EXPECT_TRUE(job_->Files.empty());
     EXPECT_TRUE(job_->CleanupFolder.empty());
-    EXPECT_TRUE(obtest::StandIns::Calls().empty());
+    EXPECT_TRUE(obtest::FakeModules::Calls().empty());
 }
 
 TEST_F(Transforms, AreTheEightProvidersInTheOrderOfSelection) {

@@ -4,7 +4,7 @@
 
 #include "OBCore/modules/ProviderManager.h"
 #include "OBCore/modules/ServiceLibrary.h"
-#include "tests/support/StandIns.h"
+#include "tests/support/FakeModules.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using obcore::OBAttachJob;
 using obcore::ReportFileSend;
 using obcore::UsageFlags;
-using obtest::StandIns;
+using obtest::FakeModules;
 
 using Calls = std::vector<std::wstring>;
 
@@ -25,7 +25,7 @@ bool IsFailFast(int code) { return static_cast<DWORD>(code) == 0xC0000409; }
 class UsageEvents : public testing::Test {
 protected:
     void SetUp() override {
-        StandIns::Reset();
+        FakeModules::Reset();
         ASSERT_TRUE(obcore::LoadProviderManager());
     }
 
@@ -33,9 +33,9 @@ protected:
     static Calls EventsOfJob(const std::wstring& image) {
         OBAttachJob job(obcore::OBOptions{}, nullptr);
         job.BrowserImagePath = image;
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         obcore::ReportUsage(job);
-        return StandIns::Calls();
+        return FakeModules::Calls();
     }
 };
 
@@ -69,9 +69,9 @@ TEST_F(UsageEvents, TellEverySendByItsFlags) {
          L"file-send.type=attachment|file-send.expiry=no"},
     };
     for (const Row& row : rows) {
-        StandIns::ForgetCalls();
+        FakeModules::ForgetCalls();
         ReportFileSend(row.flags, L"");
-        EXPECT_EQ(Calls({Event(L"feature.file-send", row.text)}), StandIns::Calls());
+        EXPECT_EQ(Calls({Event(L"feature.file-send", row.text)}), FakeModules::Calls());
     }
 }
 
@@ -80,7 +80,7 @@ TEST_F(UsageEvents, TellTheSourceBehindTheSend) {
     EXPECT_EQ(Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.expiry=no"),
                      Event(L"feature.email-share",
                            L"email-share.source=\\Device\\HarddiskVolume1\\b\\chrome.exe")}),
-              StandIns::Calls());
+              FakeModules::Calls());
 }
 
 TEST_F(UsageEvents, TellTheShortNameOfAJobsBrowser) {
@@ -108,12 +108,12 @@ TEST_F(UsageEvents, TellAJobsOwnFlags) {
     OBAttachJob job(obcore::OBOptions{}, nullptr);
     job.Usage.UsageZipped = true;
     job.Usage.UsageZipx = true;
-    StandIns::ForgetCalls();
+    FakeModules::ForgetCalls();
     obcore::ReportUsage(job);
     EXPECT_EQ(
         Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.encryption=no|"
                                            L"file-send.compression=zipx|file-send.expiry=no")}),
-        StandIns::Calls());
+        FakeModules::Calls());
 }
 
 TEST_F(UsageEvents, TellTheCloudServiceByItsName) {
@@ -121,7 +121,7 @@ TEST_F(UsageEvents, TellTheCloudServiceByItsName) {
     obcore::ReportCloudUse(L"");
     EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud"),
                      Event(L"feature.cloud", L"cloud.name=")}),
-              StandIns::Calls());
+              FakeModules::Calls());
 }
 
 TEST_F(UsageEvents, TellAPickFromTheCloudInTwoEvents) {
@@ -129,7 +129,7 @@ TEST_F(UsageEvents, TellAPickFromTheCloudInTwoEvents) {
     ReportFileSend({.UsageLink = true}, L"");
     EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud"),
                      Event(L"feature.file-send", L"file-send.type=link|file-send.expiry=no")}),
-              StandIns::Calls());
+              FakeModules::Calls());
 }
 
 // A text has 259 characters at most; the key of a source takes 19, that of a service 11.
@@ -141,7 +141,7 @@ TEST_F(UsageEvents, HoldTextsThatJustFit) {
     EXPECT_EQ(Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.expiry=no"),
                      Event(L"feature.email-share", L"email-share.source=" + source),
                      Event(L"feature.cloud", L"cloud.name=" + service)}),
-              StandIns::Calls());
+              FakeModules::Calls());
 }
 
 TEST_F(UsageEvents, EndTheProcessAtASourceOfOneCharacterMore) {
@@ -149,7 +149,7 @@ TEST_F(UsageEvents, EndTheProcessAtASourceOfOneCharacterMore) {
     // The event before it had gone out.
     EXPECT_EQ(
         Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.expiry=no")}),
-        StandIns::Calls());
+        FakeModules::Calls());
 }
 
 TEST_F(UsageEvents, EndTheProcessAtAServiceNameOfOneCharacterMore) {
@@ -160,19 +160,19 @@ TEST_F(UsageEvents, EndTheProcessAtAServiceNameOfOneCharacterMore) {
 class UsageEventsWithoutService : public testing::Test {};
 
 TEST_F(UsageEventsWithoutService, ArentSentAndComeBackWithTheService) {
-    StandIns::Reset();
+    FakeModules::Reset();
     ASSERT_TRUE(MoveFileW(L"C:\\app\\obofcsvc64.dll", L"C:\\app\\away.dll"));
     ASSERT_TRUE(obcore::LoadProviderManager());
     OBAttachJob job(obcore::OBOptions{}, nullptr);
-    StandIns::ForgetCalls();
+    FakeModules::ForgetCalls();
     ReportFileSend({}, L"source");
     obcore::ReportUsage(job);
     obcore::ReportCloudUse(L"My Cloud");
-    EXPECT_TRUE(StandIns::Calls().empty());
+    EXPECT_TRUE(FakeModules::Calls().empty());
 
     ASSERT_TRUE(MoveFileW(L"C:\\app\\away.dll", L"C:\\app\\obofcsvc64.dll"));
     obcore::ReportCloudUse(L"My Cloud");
-    EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud")}), StandIns::Calls());
+    EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud")}), FakeModules::Calls());
 }
 
 } // namespace

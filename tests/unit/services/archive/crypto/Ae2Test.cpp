@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "services/archive/crypto/KeyLanes.h"
+#include "services/archive/crypto/Pbkdf2Simd.h"
 
 namespace {
 
@@ -170,10 +170,10 @@ TEST(Ae2Makers, GiveTheSameBytes) {
 }
 
 // Whichever this processor would take, each form tells what four lanes tell.
-class KeyLanes : public testing::Test {
+class Pbkdf2Simd : public testing::Test {
 protected:
-    static obarchive::KeyLanes Begin() {
-        obarchive::KeyLanes lanes{};
+    static obarchive::Pbkdf2Simd Begin() {
+        obarchive::Pbkdf2Simd lanes{};
         lanes.iterations = 3;
         for (std::uint32_t word = 0; word < obarchive::kBlockWords; ++word) {
             lanes.password[word] = word * 0x9E3779B9U;
@@ -182,11 +182,11 @@ protected:
         return lanes;
     }
 
-    static void ExpectTheSameOf(void (*derive)(obarchive::KeyLanes&) noexcept) {
-        obarchive::KeyLanes eight = Begin();
+    static void ExpectTheSameOf(void (*derive)(obarchive::Pbkdf2Simd&) noexcept) {
+        obarchive::Pbkdf2Simd eight = Begin();
         derive(eight);
         for (const std::size_t half : {std::size_t{0}, std::size_t{4}}) {
-            obarchive::KeyLanes four = Begin();
+            obarchive::Pbkdf2Simd four = Begin();
             std::memcpy(four.begin, four.begin[half], 4 * sizeof four.begin[0]);
             DeriveFourLanes(four);
             const bool same =
@@ -197,12 +197,12 @@ protected:
     }
 };
 
-TEST_F(KeyLanes, EightTellTheSame) {
+TEST_F(Pbkdf2Simd, EightTellTheSame) {
     if (!obarchive::HasEightLanes()) GTEST_SKIP() << "this processor has four lanes only";
     ExpectTheSameOf(&obarchive::DeriveEightLanes);
 }
 
-TEST_F(KeyLanes, EightRotatingOnesTellTheSame) {
+TEST_F(Pbkdf2Simd, EightRotatingOnesTellTheSame) {
     if (!obarchive::HasEightLanesRotating()) GTEST_SKIP() << "this processor has none that rotate";
     ExpectTheSameOf(&obarchive::DeriveEightLanesRotating);
 }

@@ -86,8 +86,8 @@ class PasswordMemory : public testing::Test {
 protected:
     using Person = std::function<void(const PromptOnScreen&)>;
 
-    PromptResult Ask(const Person& person, char (&buffer)[260]) {
-        PromptDriver driver(person);
+    PromptResult Ask(const Person& act, char (&buffer)[260]) {
+        PromptDriver driver(act);
         return AskNewPassword(nullptr, buffer, sizeof buffer);
     }
 };
@@ -103,13 +103,13 @@ TEST_F(PasswordMemory, TheSearchFindsWhatStandsThere) {
 TEST_F(PasswordMemory, NothingIsLeftAfterAPasswordWasGiven) {
     char buffer[260];
     int whileOpen = 0;
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const auto act = [&](const PromptOnScreen& prompt) {
         TypeLetters(prompt, OB_PASSWORD_FIRST);
         TypeLetters(prompt, OB_PASSWORD_REPEAT);
         whileOpen = TimesInAnyForm();
         prompt.Press(IDOK);
     };
-    ASSERT_EQ(Ask(person, buffer), PromptResult::Given);
+    ASSERT_EQ(Ask(act, buffer), PromptResult::Given);
     EXPECT_GE(whileOpen, 2); // one a field
     EXPECT_EQ(std::strlen(buffer), 18U);
     EXPECT_GE(TimesInMemory(MaskedBytes(true)), 1); // the caller's
@@ -120,7 +120,7 @@ TEST_F(PasswordMemory, NothingIsLeftAfterAPasswordWasGiven) {
 
 TEST_F(PasswordMemory, NothingIsLeftAfterACancelNorOfWhatWasDeletedAndTypedAnew) {
     char buffer[260];
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const auto act = [&](const PromptOnScreen& prompt) {
         TypeLetters(prompt, OB_PASSWORD_FIRST);
         // Deleted as people delete: the field keeps it for undoing.
         SendMessageW(prompt.Item(OB_PASSWORD_FIRST), EM_SETSEL, 0, -1);
@@ -129,27 +129,27 @@ TEST_F(PasswordMemory, NothingIsLeftAfterACancelNorOfWhatWasDeletedAndTypedAnew)
         EXPECT_GE(TimesInAnyForm(), 1);
         prompt.Press(IDCANCEL);
     };
-    ASSERT_EQ(Ask(person, buffer), PromptResult::Cancelled);
+    ASSERT_EQ(Ask(act, buffer), PromptResult::Cancelled);
     EXPECT_EQ(TimesInAnyForm(), 0);
 }
 
 TEST_F(PasswordMemory, NothingIsLeftOfAShownPassword) {
     char buffer[260];
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const auto act = [&](const PromptOnScreen& prompt) {
         TypeLetters(prompt, OB_PASSWORD_FIRST);
         SendMessageW(prompt.Item(OB_PASSWORD_SHOW), BM_CLICK, 0, 0);
         UpdateWindow(prompt.Item(OB_PASSWORD_FIRST));
         TypeLetters(prompt, OB_PASSWORD_REPEAT);
         prompt.Press(IDOK);
     };
-    ASSERT_EQ(Ask(person, buffer), PromptResult::Given);
+    ASSERT_EQ(Ask(act, buffer), PromptResult::Given);
     SecureZeroMemory(buffer, sizeof buffer);
     EXPECT_EQ(TimesInAnyForm(), 0);
 }
 
 TEST_F(PasswordMemory, NothingIsLeftOfARefusedPassword) {
     char buffer[260];
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const auto act = [&](const PromptOnScreen& prompt) {
         for (int field : {OB_PASSWORD_FIRST, OB_PASSWORD_REPEAT}) {
             for (int times = 0; times < 20; ++times) TypeLetters(prompt, field);
         }
@@ -157,14 +157,14 @@ TEST_F(PasswordMemory, NothingIsLeftOfARefusedPassword) {
         EXPECT_TRUE(IsWindow(prompt.Window()));
         prompt.Press(IDCANCEL);
     };
-    ASSERT_EQ(Ask(person, buffer), PromptResult::Cancelled);
+    ASSERT_EQ(Ask(act, buffer), PromptResult::Cancelled);
     EXPECT_EQ(TimesInAnyForm(), 0);
 }
 
 TEST_F(PasswordMemory, NothingIsLeftOfASuggestion) {
     char buffer[260];
     std::vector<std::uint8_t> masked;
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const auto act = [&](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST);
         obarchive::WipedBuffer<wchar_t, 260> phrase;
         GetWindowTextW(prompt.Item(OB_PASSWORD_FIRST), phrase.data, 260);
@@ -175,7 +175,7 @@ TEST_F(PasswordMemory, NothingIsLeftOfASuggestion) {
         EXPECT_GE(TimesInMemory(masked), 2);
         prompt.Press(IDOK);
     };
-    ASSERT_EQ(Ask(person, buffer), PromptResult::Given);
+    ASSERT_EQ(Ask(act, buffer), PromptResult::Given);
     EXPECT_EQ(std::strlen(buffer) * 2, masked.size());
     EXPECT_EQ(TimesInMemory(masked), 0);
 }

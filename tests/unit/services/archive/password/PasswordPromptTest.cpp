@@ -13,7 +13,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/password/PasswordPromptIds.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/services/archive/password/PromptDriver.h"
 
 namespace {
@@ -30,9 +30,9 @@ class PasswordPromptTest : public testing::Test {
 protected:
     PasswordPromptTest() { std::memset(buffer_, 0x55, sizeof buffer_); }
 
-    PromptResult Ask(const std::function<void(const PromptOnScreen&)>& person,
+    PromptResult Ask(const std::function<void(const PromptOnScreen&)>& act,
                      std::uint32_t capacity = 260) {
-        PromptDriver driver(person);
+        PromptDriver driver(act);
         return AskNewPassword(nullptr, buffer_, capacity);
     }
 
@@ -40,35 +40,35 @@ protected:
 };
 
 TEST_F(PasswordPromptTest, GivesThePasswordAsUtf8) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         prompt.Type(kFirst, L"p\u00E4ss \U0001F511");
         prompt.Type(kRepeat, L"p\u00E4ss \U0001F511");
         prompt.Press(IDOK);
     };
-    EXPECT_EQ(Ask(person), PromptResult::Given);
+    EXPECT_EQ(Ask(act), PromptResult::Given);
     EXPECT_STREQ(buffer_, "p\xC3\xA4ss \xF0\x9F\x94\x91");
     EXPECT_EQ(buffer_[511], 0x55);
 }
 
 TEST_F(PasswordPromptTest, CancelLeavesAnEmptyBuffer) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         prompt.Type(kFirst, L"secret");
         prompt.Type(kRepeat, L"secret");
         prompt.Press(IDCANCEL);
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
     EXPECT_STREQ(buffer_, "");
 }
 
 TEST_F(PasswordPromptTest, ClosingTheWindowIsACancel) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         SendMessageW(prompt.Window(), WM_SYSCOMMAND, SC_CLOSE, 0);
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, OkWantsTwoEqualTexts) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         EXPECT_FALSE(prompt.OkIsEnabled());
         prompt.Type(kFirst, L"secret");
         EXPECT_FALSE(prompt.OkIsEnabled());
@@ -85,12 +85,12 @@ TEST_F(PasswordPromptTest, OkWantsTwoEqualTexts) {
         prompt.Type(kRepeat, L"");
         EXPECT_FALSE(prompt.OkIsEnabled());
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
     EXPECT_STREQ(buffer_, "");
 }
 
 TEST_F(PasswordPromptTest, TellsThatTheTwoDifferOnlyWhenTheRepetitionIsWrong) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         prompt.Type(kFirst, L"secret");
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
         prompt.Type(kRepeat, L"sec");
@@ -100,24 +100,24 @@ TEST_F(PasswordPromptTest, TellsThatTheTwoDifferOnlyWhenTheRepetitionIsWrong) {
         prompt.Type(kRepeat, L"secret");
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, APasswordThatFillsTheBufferIsTaken) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         const std::wstring text = std::wstring(128, L'\u00E4') + L"abc"; // 259 bytes
         prompt.Type(kFirst, text);
         prompt.Type(kRepeat, text);
         prompt.Press(IDOK);
     };
-    EXPECT_EQ(Ask(person), PromptResult::Given);
+    EXPECT_EQ(Ask(act), PromptResult::Given);
     EXPECT_EQ(std::strlen(buffer_), 259U);
     EXPECT_EQ(buffer_[260], 0x55);
 }
 
 TEST_F(PasswordPromptTest, APasswordThatDoesNotFitIsRefusedWithASentence) {
     for (const std::wstring& text : {std::wstring(130, L'\u00E4'), std::wstring(2000, L'x')}) {
-        const auto person = [&text](const PromptOnScreen& prompt) {
+        const auto act = [&text](const PromptOnScreen& prompt) {
             prompt.Type(kFirst, text);
             prompt.Type(kRepeat, text);
             EXPECT_TRUE(prompt.OkIsEnabled());
@@ -130,14 +130,14 @@ TEST_F(PasswordPromptTest, APasswordThatDoesNotFitIsRefusedWithASentence) {
             EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
             prompt.Press(IDOK);
         };
-        EXPECT_EQ(Ask(person), PromptResult::Given);
+        EXPECT_EQ(Ask(act), PromptResult::Given);
         EXPECT_STREQ(buffer_, "short");
     }
     EXPECT_EQ(buffer_[260], 0x55);
 }
 
 TEST_F(PasswordPromptTest, HalfASurrogatePairIsRefusedWithASentence) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         const std::wstring half = L"a" + std::wstring(1, static_cast<wchar_t>(0xD83D));
         prompt.Type(kFirst, half);
         prompt.Type(kRepeat, half);
@@ -147,12 +147,12 @@ TEST_F(PasswordPromptTest, HalfASurrogatePairIsRefusedWithASentence) {
             prompt.Text(OB_PASSWORD_HINT),
             L"This password holds a character that can't be used. Please choose another one.");
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
     EXPECT_STREQ(buffer_, "");
 }
 
 TEST_F(PasswordPromptTest, BothFieldsAreMaskedAndTheFirstHasTheFocus) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         for (const int field : {kFirst, kRepeat}) {
             EXPECT_NE(GetWindowLongW(prompt.Item(field), GWL_STYLE) & ES_PASSWORD, 0);
         }
@@ -160,7 +160,7 @@ TEST_F(PasswordPromptTest, BothFieldsAreMaskedAndTheFirstHasTheFocus) {
         GetGUIThreadInfo(GetWindowThreadProcessId(prompt.Window(), nullptr), &info);
         EXPECT_EQ(info.hwndFocus, prompt.Item(kFirst));
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 // Every visible control of the prompt, in the order of the Tab key.
@@ -180,7 +180,7 @@ RECT PlaceOf(HWND control, HWND dialog) {
 }
 
 TEST_F(PasswordPromptTest, NothingIsCutOffAndNothingOverlaps) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         RECT all;
         GetClientRect(prompt.Window(), &all);
         const std::vector<HWND> controls = Controls(prompt.Window());
@@ -198,11 +198,11 @@ TEST_F(PasswordPromptTest, NothingIsCutOffAndNothingOverlaps) {
             }
         }
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, TheTabKeyGoesInTheOrderOfReading) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST); // makes every button fit to be pressed
         std::vector<int> order;
         HWND at = prompt.Item(kFirst);
@@ -213,11 +213,11 @@ TEST_F(PasswordPromptTest, TheTabKeyGoesInTheOrderOfReading) {
         EXPECT_EQ(order, (std::vector<int>{kFirst, kRepeat, OB_PASSWORD_SHOW, OB_PASSWORD_SUGGEST,
                                            OB_PASSWORD_COPY, IDOK, IDCANCEL}));
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, EachAccessKeyIsUsedOnceAndLabelsStandRightBeforeTheirFields) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         std::wstring keys;
         for (const HWND control : Controls(prompt.Window())) {
             const std::wstring text = prompt.Text(GetDlgCtrlID(control));
@@ -232,11 +232,11 @@ TEST_F(PasswordPromptTest, EachAccessKeyIsUsedOnceAndLabelsStandRightBeforeTheir
         EXPECT_EQ(before(kRepeat), OB_PASSWORD_REPEAT_LABEL);
         EXPECT_EQ(before(OB_PASSWORD_STRENGTH), OB_PASSWORD_STRENGTH_LABEL);
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, ShowingTakesTheMaskOffBothFieldsAndHidingPutsItBack) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         const auto masks = [&] {
             return std::pair(SendMessageW(prompt.Item(kFirst), EM_GETPASSWORDCHAR, 0, 0),
                              SendMessageW(prompt.Item(kRepeat), EM_GETPASSWORDCHAR, 0, 0));
@@ -248,11 +248,11 @@ TEST_F(PasswordPromptTest, ShowingTakesTheMaskOffBothFieldsAndHidingPutsItBack) 
         SendMessageW(prompt.Item(OB_PASSWORD_SHOW), BM_CLICK, 0, 0);
         EXPECT_EQ(masks(), hidden);
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, TheStrengthIsAWordAndABar) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         const auto bar = [&] {
             return SendMessageW(prompt.Item(OB_PASSWORD_STRENGTH), PBM_GETPOS, 0, 0);
         };
@@ -267,12 +267,12 @@ TEST_F(PasswordPromptTest, TheStrengthIsAWordAndABar) {
         prompt.Type(kFirst, L"");
         EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength:");
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, ASuggestionFillsBothFieldsIsShownAndTellsHowMuchChanceIsInIt) {
     std::wstring phrase;
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const auto act = [&](const PromptOnScreen& prompt) {
         EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
         prompt.Press(OB_PASSWORD_SUGGEST);
         phrase = prompt.Text(kFirst);
@@ -288,17 +288,17 @@ TEST_F(PasswordPromptTest, ASuggestionFillsBothFieldsIsShownAndTellsHowMuchChanc
         phrase = prompt.Text(kFirst);
         prompt.Press(IDOK);
     };
-    EXPECT_EQ(Ask(person), PromptResult::Given);
+    EXPECT_EQ(Ask(act), PromptResult::Given);
     EXPECT_EQ(std::string(phrase.begin(), phrase.end()), buffer_);
 }
 
 NTSTATUS WINAPI NoRandomNumbers(BCRYPT_ALG_HANDLE, PUCHAR, ULONG, ULONG) { return -1; }
 
 TEST_F(PasswordPromptTest, WithoutRandomNumbersNothingIsSuggested) {
-    const obtest::ImportDouble<decltype(&BCryptGenRandom)> random("bcrypt.dll", "BCryptGenRandom",
-                                                                  &NoRandomNumbers);
-    ASSERT_TRUE(random.Stands());
-    const auto person = [](const PromptOnScreen& prompt) {
+    const obtest::ImportPatch<decltype(&BCryptGenRandom)> random("bcrypt.dll", "BCryptGenRandom",
+                                                                 &NoRandomNumbers);
+    ASSERT_TRUE(random.Ok());
+    const auto act = [](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST);
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
                   L"No password could be drawn. Please choose one yourself.");
@@ -307,7 +307,7 @@ TEST_F(PasswordPromptTest, WithoutRandomNumbersNothingIsSuggested) {
         EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
         EXPECT_FALSE(prompt.OkIsEnabled());
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
     EXPECT_STREQ(buffer_, "");
 }
 
@@ -322,7 +322,7 @@ std::wstring ClipboardText() {
 }
 
 TEST_F(PasswordPromptTest, ASuggestionIsCopiedAndKeptOutOfTheClipboardsHistory) {
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const auto act = [&](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST);
         EXPECT_TRUE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
         prompt.Press(OB_PASSWORD_COPY);
@@ -338,11 +338,11 @@ TEST_F(PasswordPromptTest, ASuggestionIsCopiedAndKeptOutOfTheClipboardsHistory) 
         prompt.Type(kRepeat, L"own");
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, CopyingFailsWithASentenceWhileAnotherProgramHoldsTheClipboard) {
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const auto act = [&](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST);
         const HWND other =
             CreateWindowW(L"Static", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
@@ -353,12 +353,12 @@ TEST_F(PasswordPromptTest, CopyingFailsWithASentenceWhileAnotherProgramHoldsTheC
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
                   L"The password could not be copied. Please try again.");
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 std::atomic<bool> capsLockIsOn = false;
 
-SHORT WINAPI KeyStateDouble(int key) {
+SHORT WINAPI FakeKeyState(int key) {
     return key == VK_CAPITAL && capsLockIsOn ? SHORT{1} : SHORT{0};
 }
 
@@ -370,9 +370,9 @@ bool WaitForHint(const PromptOnScreen& prompt, const std::wstring& expected) {
 
 TEST_F(PasswordPromptTest, CapsLockIsToldWhileItIsOn) {
     // No key's state reaches a window without a real keyboard behind it.
-    const obtest::ImportDouble<decltype(&GetKeyState)> keys("user32.dll", "GetKeyState",
-                                                            &KeyStateDouble);
-    const auto person = [&](const PromptOnScreen& prompt) {
+    const obtest::ImportPatch<decltype(&GetKeyState)> keys("user32.dll", "GetKeyState",
+                                                           &FakeKeyState);
+    const auto act = [&](const PromptOnScreen& prompt) {
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
         capsLockIsOn = true;
         EXPECT_TRUE(WaitForHint(prompt, L"Caps Lock is on."));
@@ -383,7 +383,7 @@ TEST_F(PasswordPromptTest, CapsLockIsToldWhileItIsOn) {
         capsLockIsOn = false;
         EXPECT_TRUE(WaitForHint(prompt, L"The two passwords are not the same."));
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PasswordPromptTest, TheOwnerIsDisabledMeanwhileAndEnabledAfterwards) {

@@ -40,12 +40,12 @@ std::wstring PromptOnScreen::Text(int id) const {
     return text;
 }
 
-PromptDriver::PromptDriver(std::function<void(const PromptOnScreen&)> person)
-    : person_(std::move(person)), thread_([this] {
+PromptDriver::PromptDriver(std::function<void(const PromptOnScreen&)> act)
+    : act_(std::move(act)), thread_([this] {
           const HWND dialog = WaitForPrompt();
           if (!dialog) return;
           saw_ = true;
-          person_(PromptOnScreen(dialog));
+          act_(PromptOnScreen(dialog));
           if (IsWindow(dialog)) PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
       }) {}
 

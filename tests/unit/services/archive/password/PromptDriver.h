@@ -29,7 +29,7 @@ private:
 // leaves the prompt open, it is cancelled, so that no test hangs.
 class PromptDriver {
 public:
-    explicit PromptDriver(std::function<void(const PromptOnScreen&)> person);
+    explicit PromptDriver(std::function<void(const PromptOnScreen&)> act);
     ~PromptDriver();
     PromptDriver(const PromptDriver&) = delete;
     PromptDriver& operator=(const PromptDriver&) = delete;
@@ -37,7 +37,7 @@ public:
     bool SawPrompt() const { return saw_; }
 
 private:
-    std::function<void(const PromptOnScreen&)> person_;
+    std::function<void(const PromptOnScreen&)> act_;
     bool saw_ = false; // read after the prompt has ended
     std::thread thread_;
 };

@@ -65,28 +65,28 @@ protected:
         }
     }
 
-    static PromptResult Ask(const std::function<void(const PromptOnScreen&)>& person) {
+    static PromptResult Ask(const std::function<void(const PromptOnScreen&)>& act) {
         char password[260];
-        obtest::PromptDriver driver(person);
+        obtest::PromptDriver driver(act);
         return AskNewPassword(nullptr, password, sizeof password);
     }
 };
 
 TEST_F(PromptPictures, WhileItIsFilledIn) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         prompt.Type(OB_PASSWORD_FIRST, L"Abc123!xQv");
         prompt.Type(OB_PASSWORD_REPEAT, L"Abc124");
         Look(prompt, L"prompt-typed");
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PromptPictures, WithASuggestion) {
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST);
         Look(prompt, L"prompt-suggested");
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 TEST_F(PromptPictures, WithTheLongestPolicyAndRecovery) {
@@ -96,12 +96,12 @@ TEST_F(PromptPictures, WithTheLongestPolicyAndRecovery) {
                                 L"PasswordNeedsDigit", L"PasswordNeedsSymbol"}) {
         obtest::SetMachinePolicy(name, L"1");
     }
-    const auto person = [](const PromptOnScreen& prompt) {
+    const auto act = [](const PromptOnScreen& prompt) {
         EXPECT_NE(prompt.Text(OB_PASSWORD_INTRO).find(L"Your organization can recover it."),
                   std::wstring::npos);
         Look(prompt, L"prompt-policy");
     };
-    EXPECT_EQ(Ask(person), PromptResult::Cancelled);
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 
@@ -16,7 +16,7 @@ using namespace obarchive;
 
 BOOLEAN systemAsks = FALSE;
 
-NTSTATUS WINAPI FipsModeDouble(BOOLEAN* enabled) {
+NTSTATUS WINAPI FakeFipsMode(BOOLEAN* enabled) {
     *enabled = systemAsks;
     return 0;
 }
@@ -101,8 +101,8 @@ TEST_F(EncryptionRulesTest, ThatItIsOffIsToldInTheProductsWords) {
 
 TEST_F(EncryptionRulesTest, TheFipsSettingTellsWhoAsks) {
     // The system reads its switch only while it starts.
-    const obtest::ImportDouble<decltype(&BCryptGetFipsAlgorithmMode)> mode(
-        "bcrypt.dll", "BCryptGetFipsAlgorithmMode", &FipsModeDouble);
+    const obtest::ImportPatch<decltype(&BCryptGetFipsAlgorithmMode)> mode(
+        "bcrypt.dll", "BCryptGetFipsAlgorithmMode", &FakeFipsMode);
     systemAsks = TRUE;
     EXPECT_EQ(ReadFipsSetting(), FipsSetting::AskedBySystem);
     obtest::SetMachinePolicy(L"FipsMode", L"1", 32);

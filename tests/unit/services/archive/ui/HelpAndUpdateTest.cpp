@@ -6,7 +6,7 @@
 #include "WebVellant/obwmv/Version.h"
 #include "services/archive/ThisModule.h"
 #include "services/archive/policy/MachinePolicy.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
@@ -43,7 +43,7 @@ protected:
         obtest::ClearProductRegistry();
         obtest::RemoveTree(HelpFolder());
     }
-    void SetUp() override { ASSERT_TRUE(shell_.Stands()); }
+    void SetUp() override { ASSERT_TRUE(shell_.Ok()); }
 
     static std::wstring HelpFolder() { return obarchive::PathBesideModule(L"help"); }
     static std::wstring MakePage() {
@@ -60,7 +60,7 @@ protected:
     }
 
     using Pages = std::vector<std::wstring>;
-    obtest::ImportDouble<decltype(&ShellExecuteW)> shell_;
+    obtest::ImportPatch<decltype(&ShellExecuteW)> shell_;
     obtest::MessageBoxWatcher boxes_;
 };
 

@@ -12,7 +12,7 @@
 #include "services/archive/ui/TimeLeft.h"
 #include "services/archive/zip/ZipForUser.h"
 #include "tests/support/WindowPicture.h"
-#include "tests/unit/services/archive/ui/ProgressPerson.h"
+#include "tests/unit/services/archive/ui/ProgressUiDriver.h"
 
 namespace {
 
@@ -60,9 +60,9 @@ TEST_F(ProgressPicture, ShowsALongPathAndTheTimeLeft) {
                    obtest::ProgressText(window, OB_PROGRESS_TIME_LEFT) == L"About 20 seconds left";
         }));
         Look(window, L"progress");
-        return ZipResult::Stands;
+        return ZipResult::Ok;
     };
-    EXPECT_EQ(obarchive::RunWithProgress(nullptr, work, &RunClock), ZipResult::Stands);
+    EXPECT_EQ(obarchive::RunWithProgress(nullptr, work, &RunClock), ZipResult::Ok);
 }
 
 // Nothing that the window may say is cut off at its right end.

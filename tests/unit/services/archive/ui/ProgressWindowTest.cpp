@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "services/archive/texts/ServiceTextIds.h"
-#include "tests/unit/services/archive/ui/ProgressPerson.h"
+#include "tests/unit/services/archive/ui/ProgressUiDriver.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <map>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
 
@@ -128,10 +128,10 @@ TEST_F(UsageRecordTest, AFolderInThePlaceOfTheFileIsSilent) {
 TEST_F(UsageRecordTest, AHangingWriterCostsTheOthersLittleTime) {
     const UsageRecord record(Folder());
     EXPECT_TRUE(record.Append(kTime, L"first", L""));
-    const obtest::ImportDouble<decltype(&WaitForSingleObject)> patch(
+    const obtest::ImportPatch<decltype(&WaitForSingleObject)> patch(
         "kernel32.dll", "WaitForSingleObject",
         [](HANDLE, DWORD limit) -> DWORD { return limit <= 1000 ? WAIT_TIMEOUT : WAIT_FAILED; });
-    ASSERT_TRUE(patch.Stands());
+    ASSERT_TRUE(patch.Ok());
     const std::string before = *ReadFileContent(Current());
     EXPECT_FALSE(record.Append(kTime, L"second", L""));
     EXPECT_EQ(ReadFileContent(Current()), before);
@@ -150,9 +150,9 @@ TEST_F(UsageRecordTest, AFullDiskLeavesNoHalfLine) {
     EXPECT_TRUE(record.Append(kTime, L"first", L""));
     const std::string before = *ReadFileContent(Current());
     {
-        const obtest::ImportDouble<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile",
-                                                               &WriteTenBytes);
-        ASSERT_TRUE(patch.Stands());
+        const obtest::ImportPatch<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile",
+                                                              &WriteTenBytes);
+        ASSERT_TRUE(patch.Ok());
         realWrite = patch.Real();
         EXPECT_FALSE(record.Append(kTime, L"second", L""));
     }

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "services/archive/zip/ReadAhead.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/services/archive/zip/EngineFixture.h"
 #include "tests/unit/services/archive/zip/ZipReader.h"
 
@@ -51,9 +51,9 @@ protected:
 
     // Runs with something done before the source is opened for the n-th time.
     ZipResult RunWith(int opening, std::function<void()> action) {
-        const ImportDouble<decltype(&CreateFileW)> patch("kernel32.dll", "CreateFileW",
-                                                         &OpenAfterIntrusion);
-        EXPECT_TRUE(patch.Stands());
+        const ImportPatch<decltype(&CreateFileW)> patch("kernel32.dll", "CreateFileW",
+                                                        &OpenAfterIntrusion);
+        EXPECT_TRUE(patch.Ok());
         intrusion.real = patch.Real();
         intrusion.opening = opening;
         intrusion.action = std::move(action);
@@ -114,7 +114,7 @@ protected:
 };
 
 TEST_F(ChangedSourceTest, UnchangedItIsReadTwiceAndStoredOnce) {
-    EXPECT_EQ(RunWith(kStoring, [] {}), ZipResult::Stands);
+    EXPECT_EQ(RunWith(kStoring, [] {}), ZipResult::Ok);
     const auto raw = ReadRawEntries(job_.target);
     ASSERT_EQ(raw.size(), 2U);
     EXPECT_EQ(raw[0].packed, raw[1].packed);
@@ -163,7 +163,7 @@ TEST_F(ChangedSourceTest, ReplacedByAnotherFileBetweenTheReadings) {
 
 // Neither size nor time tell it, as on a disk whose clock is coarse. The second file still holds
 // what the first one held.
-TEST_F(ChangedSourceTest, ChangedUnseenBetweenTheReadingsIsNeverGivenOutForItsTwin) {
+TEST_F(ChangedSourceTest, AFileChangedBetweenTheReadingsIsNeverTakenForItsDuplicate) {
     ExpectFailure(RunWith(kStoring, [this] { Overwrite(true); }), ZipResult::SourceChanged);
 }
 
@@ -199,7 +199,7 @@ TEST_F(ChangedSourceTest, DeletedBeforeEachReadingButTheLast) {
 TEST_F(ChangedSourceTest, DeletedInTheLastReadingItIsStoredWhole) {
     const std::string content = ReadFileContent(source_).value_or("");
     const auto vanish = [this] { EXPECT_TRUE(DeleteFileW(source_.c_str())); };
-    EXPECT_EQ(RunWithDuring(kStoring, vanish), ZipResult::Stands);
+    EXPECT_EQ(RunWithDuring(kStoring, vanish), ZipResult::Ok);
     const auto entries = ReadZip(job_.target);
     ASSERT_TRUE(entries);
     ASSERT_EQ(entries->size(), 2U);
@@ -208,7 +208,7 @@ TEST_F(ChangedSourceTest, DeletedInTheLastReadingItIsStoredWhole) {
 }
 
 // The copy itself is read once only, and is of the first file's content only if it still is so.
-TEST_F(ChangedSourceTest, ATwinThatChangesWhileItIsReadFailsTheRun) {
+TEST_F(ChangedSourceTest, ADuplicateThatChangesWhileItIsReadFailsTheRun) {
     source_ = job_.files.back();
     bool done = false;
     const ZipResult result = Run([&](const ZipProgress& now) {

@@ -31,7 +31,7 @@ protected:
 
     std::size_t PeakOfARun() {
         const HeapPeak peak;
-        EXPECT_EQ(Run(), ZipResult::Stands);
+        EXPECT_EQ(Run(), ZipResult::Ok);
         DeleteFileW(job_.target.c_str());
         return peak.Bytes();
     }
@@ -63,7 +63,7 @@ TEST_F(EngineMemoryTest, ALargeFileThatIsStoredHoldsSomeBlocks) {
                       read = now.bytesRead;
                       return true;
                   }),
-                  ZipResult::Stands);
+                  ZipResult::Ok);
         EXPECT_EQ(read, size);
         EXPECT_LT(peak.Bytes(), Bound());
         EXPECT_GT(peak.Bytes(), kBlockSize) << "what is held is seen";

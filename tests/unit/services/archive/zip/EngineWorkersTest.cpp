@@ -6,7 +6,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/services/archive/zip/EngineFixture.h"
 #include "tests/unit/services/archive/zip/ZipReader.h"
 
@@ -42,7 +42,7 @@ TEST_F(EngineWorkersTest, TheCallbackKeepsComingWhileOnlyWorkersWork) {
         if (calls == kCalls) gate.Open();
         return true;
     };
-    EXPECT_EQ(Run(progress), ZipResult::Stands);
+    EXPECT_EQ(Run(progress), ZipResult::Ok);
     EXPECT_GE(calls, kCalls);
     EXPECT_LT(longest, 1'000U);
     EXPECT_TRUE(AwaitThreads(threads_));
@@ -118,7 +118,7 @@ TEST_F(EngineWorkersTest, AnExceptionInAnyTaskFailsTheRun) {
     std::size_t all = 0;
     {
         const CompressorSeam seam([] {});
-        ASSERT_EQ(Run(), ZipResult::Stands);
+        ASSERT_EQ(Run(), ZipResult::Ok);
         all = seam.Calls();
         DeleteFileW(job_.target.c_str());
     }
@@ -166,8 +166,8 @@ TEST_F(EngineWorkersTest, ASourceThatCannotBeReadStopsTheWorkers) {
     for (const int place : {0, 30, 80}) {
         const Gate gate;
         const CompressorSeam seam([&gate] { EXPECT_TRUE(gate.Wait()); });
-        const ImportDouble<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile", &ReadUntilBroken);
-        ASSERT_TRUE(patch.Stands());
+        const ImportPatch<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile", &ReadUntilBroken);
+        ASSERT_TRUE(patch.Ok());
         brokenDisk = {place, &gate, patch.Real()};
         EXPECT_EQ(Run(), ZipResult::SourceUnreadable);
         EXPECT_LT(seam.Calls(), kFiles / 2);
@@ -190,8 +190,8 @@ TEST_F(EngineWorkersTest, AFullDiskStopsTheWorkers) {
     }
     const Gate never;
     const CompressorSeam seam([&never] { never.Wait(20); });
-    const ImportDouble<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile", &WriteToFullDisk);
-    ASSERT_TRUE(patch.Stands());
+    const ImportPatch<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile", &WriteToFullDisk);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_EQ(Run(), ZipResult::DiskFull);
     EXPECT_LT(seam.Calls(), kNoises / 2);
     ExpectNothingLeft();
@@ -209,7 +209,7 @@ protected:
         } catch (const std::bad_alloc&) {
         }
         failing.End();
-        if (result == ZipResult::Stands) {
+        if (result == ZipResult::Ok) {
             EXPECT_TRUE(ReadZip(job_.target, job_.password.Text())) << plan.succeeding;
             DeleteFileW(job_.target.c_str());
         } else {

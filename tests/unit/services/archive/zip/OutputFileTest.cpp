@@ -21,10 +21,10 @@ protected:
 
 TEST_F(OutputFileTest, HasNoNameUntilItIsCommitted) {
     OutputFile file;
-    ASSERT_EQ(file.Create(target_, {}), ZipResult::Stands);
+    ASSERT_EQ(file.Create(target_, {}), ZipResult::Ok);
     EXPECT_TRUE(file.Write("whole", 5));
     EXPECT_FALSE(obtest::FileExists(target_));
-    EXPECT_EQ(file.Commit(), ZipResult::Stands);
+    EXPECT_EQ(file.Commit(), ZipResult::Ok);
     EXPECT_EQ(obtest::ReadFileContent(target_), "whole");
     EXPECT_EQ(ListTree(folder_.Path()), Tree{L"out.bin"});
 }
@@ -32,7 +32,7 @@ TEST_F(OutputFileTest, HasNoNameUntilItIsCommitted) {
 TEST_F(OutputFileTest, LeavesNothingWhenItIsGivenUp) {
     {
         OutputFile file;
-        ASSERT_EQ(file.Create(target_, {}), ZipResult::Stands);
+        ASSERT_EQ(file.Create(target_, {}), ZipResult::Ok);
         EXPECT_TRUE(file.Write("half", 4) && file.Flush());
         EXPECT_EQ(ListTree(folder_.Path()).size(), 1U);
     }
@@ -50,7 +50,7 @@ TEST_F(OutputFileTest, RefusesATargetThatExists) {
 TEST_F(OutputFileTest, ATargetThatCameMeanwhileIsLeftAsItIs) {
     {
         OutputFile file;
-        ASSERT_EQ(file.Create(target_, {}), ZipResult::Stands);
+        ASSERT_EQ(file.Create(target_, {}), ZipResult::Ok);
         file.Write("new", 3);
         folder_.File(L"out.bin", "mine");
         EXPECT_EQ(file.Commit(), ZipResult::TargetExists);
@@ -62,22 +62,22 @@ TEST_F(OutputFileTest, ATargetThatCameMeanwhileIsLeftAsItIs) {
 TEST_F(OutputFileTest, UsesTheTemporaryFolderOfTheSameVolume) {
     const std::wstring other = folder_.Folder(L"temp");
     OutputFile file;
-    ASSERT_EQ(file.Create(target_, other), ZipResult::Stands);
+    ASSERT_EQ(file.Create(target_, other), ZipResult::Ok);
     EXPECT_EQ(ListTree(other).size(), 1U);
-    EXPECT_EQ(file.Commit(), ZipResult::Stands);
+    EXPECT_EQ(file.Commit(), ZipResult::Ok);
     EXPECT_EQ(ListTree(folder_.Path()), (Tree{L"out.bin", L"temp\\"}));
 }
 
 TEST_F(OutputFileTest, ATemporaryFolderThatIsNotThereIsPassedOver) {
     OutputFile file;
-    EXPECT_EQ(file.Create(target_, folder_ / L"missing"), ZipResult::Stands);
-    EXPECT_EQ(file.Commit(), ZipResult::Stands);
+    EXPECT_EQ(file.Create(target_, folder_ / L"missing"), ZipResult::Ok);
+    EXPECT_EQ(file.Commit(), ZipResult::Ok);
 }
 
 TEST_F(OutputFileTest, AMissingFolderIsAFailure) {
     OutputFile file;
     EXPECT_EQ(file.Create(folder_ / L"missing\\out.bin", {}), ZipResult::TargetUnwritable);
-    EXPECT_NE(file.Commit(), ZipResult::Stands);
+    EXPECT_NE(file.Commit(), ZipResult::Ok);
 }
 
 TEST_F(OutputFileTest, TheFolderCannotBeTakenAwayMeanwhile) {
@@ -85,7 +85,7 @@ TEST_F(OutputFileTest, TheFolderCannotBeTakenAwayMeanwhile) {
     const std::wstring moved = folder_ / L"moved";
     {
         OutputFile file;
-        ASSERT_EQ(file.Create(inner + L"\\out.bin", {}), ZipResult::Stands);
+        ASSERT_EQ(file.Create(inner + L"\\out.bin", {}), ZipResult::Ok);
         EXPECT_FALSE(MoveFileW(inner.c_str(), moved.c_str()));
         EXPECT_FALSE(RemoveDirectoryW(inner.c_str()));
     }
@@ -97,7 +97,7 @@ TEST_F(OutputFileTest, TheFolderCannotBeTakenAwayMeanwhile) {
 // compares with a plain string.
 TEST_F(OutputFileTest, SeeksAndPatchesLikeAPlainFile) {
     OutputFile file;
-    ASSERT_EQ(file.Create(target_, {}), ZipResult::Stands);
+    ASSERT_EQ(file.Create(target_, {}), ZipResult::Ok);
     std::string expected;
     const auto put = [&](std::uint64_t at, const std::string& text) {
         ASSERT_TRUE(file.Seek(at) && file.Write(text.data(), text.size()));
@@ -120,12 +120,12 @@ TEST_F(OutputFileTest, SeeksAndPatchesLikeAPlainFile) {
 
 TEST_F(OutputFileTest, PatchedContentReachesTheDisk) {
     OutputFile file;
-    ASSERT_EQ(file.Create(target_, {}), ZipResult::Stands);
+    ASSERT_EQ(file.Create(target_, {}), ZipResult::Ok);
     const std::string body(600'000, 'a');
     ASSERT_TRUE(file.Write("head", 4) && file.Write(body.data(), body.size()));
     ASSERT_TRUE(file.Seek(1) && file.Write("EA", 2));
     ASSERT_TRUE(file.Seek(4 + body.size()) && file.Write("end", 3));
-    ASSERT_EQ(file.Commit(), ZipResult::Stands);
+    ASSERT_EQ(file.Commit(), ZipResult::Ok);
     EXPECT_TRUE(obtest::ReadFileContent(target_) == "hEAd" + body + "end");
 }
 

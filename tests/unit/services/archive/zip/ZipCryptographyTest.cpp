@@ -5,7 +5,7 @@
 
 #include "services/archive/crypto/Ae2Algorithms.h"
 #include "services/archive/zip/ZipRun.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/archive/zip/ZipReader.h"
@@ -17,9 +17,9 @@ using obarchive::ZipJob;
 using obarchive::ZipResult;
 
 constexpr char kPassword[] = "p\xC3\xA4ss w\xC3\xB6rd";
-using DeriveDouble = obtest::ImportDouble<decltype(&BCryptDeriveKeyPBKDF2)>;
+using FakeDerive = obtest::ImportPatch<decltype(&BCryptDeriveKeyPBKDF2)>;
 
-const DeriveDouble* derive = nullptr;
+const FakeDerive* derive = nullptr;
 LONG derived = 0;
 
 NTSTATUS WINAPI CountingDerive(BCRYPT_ALG_HANDLE algorithm, UCHAR* password, ULONG passwordSize,
@@ -47,7 +47,7 @@ protected:
             job.files.push_back(in_.File(std::to_wstring(content.size()), content));
         }
         derived = 0;
-        EXPECT_EQ(RunZip(job, {}), ZipResult::Stands);
+        EXPECT_EQ(RunZip(job, {}), ZipResult::Ok);
         const LONG during = derived;
         const auto entries = obtest::ReadZip(job.target, kPassword);
         EXPECT_TRUE(entries && entries->size() == 3);
@@ -63,8 +63,8 @@ protected:
 };
 
 TEST_F(ZipCryptographyTest, IsTheSystemsWhereApprovedAlgorithmsAreAskedFor) {
-    const DeriveDouble counting("bcrypt.dll", "BCryptDeriveKeyPBKDF2", &CountingDerive);
-    ASSERT_TRUE(counting.Stands());
+    const FakeDerive counting("bcrypt.dll", "BCryptDeriveKeyPBKDF2", &CountingDerive);
+    ASSERT_TRUE(counting.Ok());
     derive = &counting;
     obtest::SetMachinePolicy(L"FipsMode", L"1");
     EXPECT_EQ(SystemsKeys(L"system256.zip", 8), 3);

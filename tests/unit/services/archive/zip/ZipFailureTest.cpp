@@ -6,7 +6,7 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/zip/RunState.h"
 #include "services/archive/zip/ZipRun.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/archive/zip/ZipReader.h"
 
@@ -169,7 +169,7 @@ TEST_F(ZipFailureTest, ATargetFolderThatVanishes) {
         EXPECT_FALSE(MoveFileW(inner.c_str(), (out_ / L"moved").c_str()));
         return true;
     };
-    EXPECT_EQ(RunZip(job_, vanish), ZipResult::Stands);
+    EXPECT_EQ(RunZip(job_, vanish), ZipResult::Ok);
     EXPECT_EQ(obtest::ListTree(out_.Path()), (Tree{L"inner\\", L"inner\\result.zip"}));
 }
 
@@ -199,7 +199,7 @@ TEST_F(ZipFailureTest, ASourceIsNeverOverwritten) {
 
 TEST_F(ZipFailureTest, TheSourcesAreAsBeforeAfterEachFailure) {
     const auto lock = Lock(job_.files[2]);
-    EXPECT_NE(RunZip(job_, {}), ZipResult::Stands);
+    EXPECT_NE(RunZip(job_, {}), ZipResult::Ok);
     EXPECT_EQ(obtest::ListTree(in_.Path()), (Tree{L"a.txt", L"b.txt", L"c.txt"}));
 }
 
@@ -227,9 +227,9 @@ TEST(FullDiskTest, AFullDiskIsToldApartAndLeavesNothing) {
     job.files = {in.File(L"noise.bin", noise)};
     for (const DWORD room : {0U, 300'000U, 1'000'000U}) {
         bytesThatFit = room;
-        const obtest::ImportDouble<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile",
-                                                               &WriteOnFullDisk);
-        ASSERT_TRUE(patch.Stands());
+        const obtest::ImportPatch<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile",
+                                                              &WriteOnFullDisk);
+        ASSERT_TRUE(patch.Ok());
         EXPECT_EQ(RunZip(job, {}), ZipResult::DiskFull);
     }
     EXPECT_EQ(obtest::ListTree(out.Path()), Tree{});
@@ -254,9 +254,9 @@ TEST(BrokenDiskTest, AReadErrorInTheMiddleOfAFileFailsTheRun) {
         job.encryptionMethod = method;
         job.password = obarchive::Secret("password");
         for (const int pieces : {0, 1, 5, 7}) {
-            const obtest::ImportDouble<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile",
-                                                                  &ReadFromBrokenDisk);
-            ASSERT_TRUE(patch.Stands());
+            const obtest::ImportPatch<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile",
+                                                                 &ReadFromBrokenDisk);
+            ASSERT_TRUE(patch.Ok());
             realRead = patch.Real();
             piecesThatRead = pieces;
             EXPECT_EQ(RunZip(job, {}), ZipResult::SourceUnreadable) << method << ' ' << pieces;

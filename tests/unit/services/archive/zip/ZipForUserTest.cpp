@@ -8,10 +8,10 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/texts/ServiceTextIds.h"
-#include "tests/support/ImportDouble.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
-#include "tests/unit/services/archive/ui/ProgressPerson.h"
+#include "tests/unit/services/archive/ui/ProgressUiDriver.h"
 
 namespace {
 
@@ -21,8 +21,8 @@ using obarchive::ZipForUser;
 using obarchive::ZipJob;
 using obarchive::ZipResult;
 using obtest::FindProgressWindow;
-using obtest::ProgressPerson;
 using obtest::ProgressText;
+using obtest::ProgressUiDriver;
 using obtest::TestFolder;
 using obtest::WaitUntil;
 
@@ -62,14 +62,14 @@ protected:
         clockTime = 1500;
         const std::wstring file = L"C:\\folder\\notes.txt";
         const bool heard = WaitUntil([&] { return !progress({file, 40, 100}); });
-        return heard ? ZipResult::Cancelled : ZipResult::Stands;
+        return heard ? ZipResult::Cancelled : ZipResult::Ok;
     }
 
     // The person does this to the window, and the run must end as cancelled.
     void ExpectCancelBy(const std::function<void(HWND)>& act) {
-        ProgressPerson person(act);
+        ProgressUiDriver driver(act);
         EXPECT_EQ(Run(&ReadUntilCancelled), ZipResult::Cancelled);
-        EXPECT_TRUE(person.SawWindow());
+        EXPECT_TRUE(driver.SawWindow());
     }
 
     ObLib::UniqueWindow owner_;
@@ -92,7 +92,7 @@ TEST_F(RunWithProgressTest, TheWindowAppearsAfterHalfASecondAndNotBefore) {
 }
 
 TEST_F(RunWithProgressTest, AShortRunShowsNothingAndKeepsItsResult) {
-    for (const ZipResult expected : {ZipResult::Stands, ZipResult::SourceLocked}) {
+    for (const ZipResult expected : {ZipResult::Ok, ZipResult::SourceLocked}) {
         EXPECT_EQ(Run([=](const ProgressCallback& progress) {
                       EXPECT_TRUE(progress({L"a", 1, 2}));
                       return expected;
@@ -116,9 +116,9 @@ TEST_F(RunWithProgressTest, TheCloseBoxCancels) {
 
 TEST_F(RunWithProgressTest, TheEndOfTheOwnerCancels) {
     const HWND owner = owner_.Release();
-    ProgressPerson person([=](HWND) { PostMessageW(owner, WM_CLOSE, 0, 0); });
+    ProgressUiDriver driver([=](HWND) { PostMessageW(owner, WM_CLOSE, 0, 0); });
     EXPECT_EQ(RunWithProgress(owner, &ReadUntilCancelled, &TestClock), ZipResult::Cancelled);
-    EXPECT_TRUE(person.SawWindow());
+    EXPECT_TRUE(driver.SawWindow());
     EXPECT_FALSE(IsWindow(owner));
 }
 
@@ -134,9 +134,9 @@ TEST_F(RunWithProgressTest, AQuitMessageOfAShortRunStaysInTheQueue) {
     PostThreadMessageW(GetCurrentThreadId(), WM_QUIT, 78, 0);
     EXPECT_EQ(Run([](const ProgressCallback&) {
                   EXPECT_TRUE(LooksAgain(3));
-                  return ZipResult::Stands;
+                  return ZipResult::Ok;
               }),
-              ZipResult::Stands);
+              ZipResult::Ok);
     MSG message{};
     ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     EXPECT_EQ(message.wParam, 78U);
@@ -154,9 +154,9 @@ TEST_F(RunWithProgressTest, MessagesOfOtherThreadsAreAnsweredFromTheStartOn) {
                   clockTime = 1500;
                   EXPECT_TRUE(WaitUntil([] { return FindProgressWindow() != nullptr; }));
                   EXPECT_TRUE(answers());
-                  return ZipResult::Stands;
+                  return ZipResult::Ok;
               }),
-              ZipResult::Stands);
+              ZipResult::Ok);
 }
 
 TEST_F(RunWithProgressTest, ShowsWhatTheRunTellsAndThatItEnds) {
@@ -179,9 +179,9 @@ TEST_F(RunWithProgressTest, ShowsWhatTheRunTellsAndThatItEnds) {
                   EXPECT_TRUE(progress({last, 4000, 4000}));
                   EXPECT_TRUE(shows(OB_PROGRESS_FILE, last));
                   EXPECT_TRUE(shows(OB_PROGRESS_TIME_LEFT, L"Finishing"));
-                  return ZipResult::Stands;
+                  return ZipResult::Ok;
               }),
-              ZipResult::Stands);
+              ZipResult::Ok);
 }
 
 TEST_F(RunWithProgressTest, ExceptionsOfTheWorkAreResults) {
@@ -196,9 +196,9 @@ TEST_F(RunWithProgressTest, ExceptionsOfTheWorkAreResults) {
 }
 
 TEST_F(RunWithProgressTest, ACancelCountsWhateverTheWorkAnswers) {
-    for (const ZipResult late : {ZipResult::Stands, ZipResult::DiskFull}) {
+    for (const ZipResult late : {ZipResult::Ok, ZipResult::DiskFull}) {
         clockTime = 1000;
-        ProgressPerson person([](HWND window) { SendMessageW(window, WM_COMMAND, IDCANCEL, 0); });
+        ProgressUiDriver driver([](HWND window) { SendMessageW(window, WM_COMMAND, IDCANCEL, 0); });
         EXPECT_EQ(Run([late](const ProgressCallback& progress) {
                       ReadUntilCancelled(progress);
                       return late;
@@ -215,9 +215,9 @@ BOOL WINAPI NoteBrokenRead(HANDLE) {
 
 TEST_F(RunWithProgressTest, TheWindowLivesWhileAReadBlocksAndACancelBreaksThatOffOnce) {
     brokenReads = 0;
-    const obtest::ImportDouble<decltype(&CancelSynchronousIo)> patch(
+    const obtest::ImportPatch<decltype(&CancelSynchronousIo)> patch(
         "kernel32.dll", "CancelSynchronousIo", &NoteBrokenRead);
-    ASSERT_TRUE(patch.Stands());
+    ASSERT_TRUE(patch.Ok());
     EXPECT_EQ(
         Run([](const ProgressCallback&) {
             clockTime = 2000;
@@ -242,10 +242,10 @@ TEST_F(RunWithProgressTest, TheWindowLivesWhileAReadBlocksAndACancelBreaksThatOf
 
 TEST_F(RunWithProgressTest, ARunThatHasHeardTheCancelIsLeftToCleanUp) {
     brokenReads = 0;
-    const obtest::ImportDouble<decltype(&CancelSynchronousIo)> patch(
+    const obtest::ImportPatch<decltype(&CancelSynchronousIo)> patch(
         "kernel32.dll", "CancelSynchronousIo", &NoteBrokenRead);
-    ASSERT_TRUE(patch.Stands());
-    ProgressPerson person([](HWND window) { SendMessageW(window, WM_COMMAND, IDCANCEL, 0); });
+    ASSERT_TRUE(patch.Ok());
+    ProgressUiDriver driver([](HWND window) { SendMessageW(window, WM_COMMAND, IDCANCEL, 0); });
     EXPECT_EQ(Run([](const ProgressCallback& progress) {
                   ReadUntilCancelled(progress);
                   clockTime = 90'000;
@@ -261,9 +261,9 @@ HANDLE WINAPI NoThread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, voi
 }
 
 TEST_F(RunWithProgressTest, WithoutAThreadTheWorkIsDoneWithoutAWindow) {
-    const obtest::ImportDouble<decltype(&CreateThread)> patch("kernel32.dll", "CreateThread",
-                                                              &NoThread);
-    ASSERT_TRUE(patch.Stands());
+    const obtest::ImportPatch<decltype(&CreateThread)> patch("kernel32.dll", "CreateThread",
+                                                             &NoThread);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_EQ(Run([](const ProgressCallback& progress) {
                   EXPECT_FALSE(progress);
                   return ZipResult::DiskFull;
@@ -274,16 +274,16 @@ TEST_F(RunWithProgressTest, WithoutAThreadTheWorkIsDoneWithoutAWindow) {
 HWND WINAPI NoDialog(HINSTANCE, const wchar_t*, HWND, DLGPROC, LPARAM) { return nullptr; }
 
 TEST_F(RunWithProgressTest, WithoutAWindowTheRunEndsAllTheSame) {
-    const obtest::ImportDouble<decltype(&CreateDialogParamW)> patch(
-        "user32.dll", "CreateDialogParamW", &NoDialog);
-    ASSERT_TRUE(patch.Stands());
+    const obtest::ImportPatch<decltype(&CreateDialogParamW)> patch("user32.dll",
+                                                                   "CreateDialogParamW", &NoDialog);
+    ASSERT_TRUE(patch.Ok());
     EXPECT_EQ(Run([](const ProgressCallback& progress) {
                   clockTime = 2000;
                   EXPECT_TRUE(LooksAgain(4));
                   EXPECT_TRUE(progress({L"a", 1, 2}));
-                  return ZipResult::Stands;
+                  return ZipResult::Ok;
               }),
-              ZipResult::Stands);
+              ZipResult::Ok);
 }
 
 // The real run behind the real window.
@@ -323,32 +323,31 @@ protected:
 };
 
 TEST_F(ZipForUserTest, AZipThatStandsIsNotTalkedAbout) {
-    EXPECT_EQ(ZipForUser(nullptr, job_), ZipResult::Stands);
+    EXPECT_EQ(ZipForUser(nullptr, job_), ZipResult::Ok);
     EXPECT_EQ(obtest::ListTree(out_.Path()), Tree{L"result.zip"});
     EXPECT_TRUE(boxes_.Seen().empty());
 }
 
 TEST_F(ZipForUserTest, ACancelWhileItReadsLeavesNothingAndIsNotToldBack) {
-    const obtest::ImportDouble<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile",
-                                                          &ReadWhenTold);
-    ASSERT_TRUE(patch.Stands());
+    const obtest::ImportPatch<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile", &ReadWhenTold);
+    ASSERT_TRUE(patch.Ok());
     realRead = patch.Real();
-    ProgressPerson person(&CancelAndGoOn);
+    ProgressUiDriver driver(&CancelAndGoOn);
     EXPECT_EQ(ZipForUser(nullptr, job_), ZipResult::Cancelled);
-    EXPECT_TRUE(person.SawWindow());
+    EXPECT_TRUE(driver.SawWindow());
     EXPECT_EQ(obtest::ListTree(out_.Path()), Tree{});
     EXPECT_EQ(obtest::ListTree(in_.Path()), (Tree{L"a.txt", L"b.txt"}));
     EXPECT_TRUE(boxes_.Seen().empty());
 }
 
 TEST_F(ZipForUserTest, ACancelAtTheLastMomentTakesTheZipAway) {
-    const obtest::ImportDouble<decltype(&MoveFileExW)> patch("kernel32.dll", "MoveFileExW",
-                                                             &MoveWhenTold);
-    ASSERT_TRUE(patch.Stands());
+    const obtest::ImportPatch<decltype(&MoveFileExW)> patch("kernel32.dll", "MoveFileExW",
+                                                            &MoveWhenTold);
+    ASSERT_TRUE(patch.Ok());
     realMove = patch.Real();
-    ProgressPerson person(&CancelAndGoOn);
+    ProgressUiDriver driver(&CancelAndGoOn);
     EXPECT_EQ(ZipForUser(nullptr, job_), ZipResult::Cancelled);
-    EXPECT_TRUE(person.SawWindow());
+    EXPECT_TRUE(driver.SawWindow());
     EXPECT_EQ(obtest::ListTree(out_.Path()), Tree{});
     EXPECT_TRUE(boxes_.Seen().empty());
 }
@@ -406,9 +405,9 @@ TEST_F(FailureForUser, AVanishedSource) {
 }
 
 TEST_F(FailureForUser, ASourceThatIsChangedMeanwhile) {
-    const obtest::ImportDouble<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile",
-                                                          &ReadAndChange);
-    ASSERT_TRUE(patch.Stands());
+    const obtest::ImportPatch<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile",
+                                                         &ReadAndChange);
+    ASSERT_TRUE(patch.Ok());
     realRead = patch.Real();
     changing = job_.files[0];
     ExpectTold(
@@ -435,9 +434,9 @@ TEST_F(FailureForUser, AZipWithANameThatNoSystemTakes) {
 }
 
 TEST_F(FailureForUser, AFullDisk) {
-    const obtest::ImportDouble<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile",
-                                                           &WriteToFullDisk);
-    ASSERT_TRUE(patch.Stands());
+    const obtest::ImportPatch<decltype(&WriteFile)> patch("kernel32.dll", "WriteFile",
+                                                          &WriteToFullDisk);
+    ASSERT_TRUE(patch.Ok());
     ExpectTold(ZipResult::DiskFull, L"There is not enough free space on the drive for temporary "
                                     L"files to make the zip.");
 }

@@ -6,7 +6,7 @@
 #include <set>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/archive/texts/FilledText.h"
+#include "services/archive/texts/FormatMessageText.h"
 #include "services/archive/texts/ServiceTextIds.h"
 #include "services/archive/zip/ZipRun.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -23,7 +23,7 @@ constexpr UINT kHighestResult = 98; // what the ids leave room for
 // The compiler stops here when a result is added, and the texts are then due too.
 bool IsResult(ZipResult result) {
     switch (result) {
-    case ZipResult::Stands:
+    case ZipResult::Ok:
     case ZipResult::BadContext:
     case ZipResult::NoFiles:
     case ZipResult::NoTarget:
@@ -54,7 +54,7 @@ TEST(ZipMessagesTest, EveryFailureHasASentenceOfItsOwnAndNothingElseHas) {
         const auto result = static_cast<ZipResult>(number);
         const std::wstring sentence = FailureSentence(result, L"C:\\folder\\notes.txt");
         const bool told =
-            IsResult(result) && result != ZipResult::Stands && result != ZipResult::Cancelled;
+            IsResult(result) && result != ZipResult::Ok && result != ZipResult::Cancelled;
         EXPECT_EQ(!sentence.empty(), told) << number;
         failures += told;
         if (!told) continue;
@@ -92,10 +92,10 @@ TEST(ZipMessagesTest, LongNamesLoseTheirMiddle) {
 }
 
 TEST(ZipMessagesTest, PlacesAreFilledOnce) {
-    EXPECT_EQ(obarchive::FilledText(OB_TEXT_VERSION_AND_ADDRESS, {L"%2", L"%%"}),
+    EXPECT_EQ(obarchive::FormatMessageText(OB_TEXT_VERSION_AND_ADDRESS, {L"%2", L"%%"}),
               L"Version %2 is installed.\n\nDo you want to open this page to see whether there is "
               L"a newer one?\n\n%%");
-    EXPECT_EQ(obarchive::FilledText(9999, {L"x"}), L"");
+    EXPECT_EQ(obarchive::FormatMessageText(9999, {L"x"}), L"");
 }
 
 TEST(ZipMessagesTest, AFailureIsShownInOneBoxWithTheProductsCaption) {
@@ -115,7 +115,7 @@ TEST(ZipMessagesTest, AFailureIsShownInOneBoxWithTheProductsCaption) {
 
 TEST(ZipMessagesTest, NobodyIsToldOfSuccessOrOfAnOwnCancel) {
     const obtest::MessageBoxWatcher boxes;
-    obarchive::TellFailure(nullptr, ZipResult::Stands, L"C:\\a");
+    obarchive::TellFailure(nullptr, ZipResult::Ok, L"C:\\a");
     obarchive::TellFailure(nullptr, ZipResult::Cancelled, L"C:\\a");
     EXPECT_TRUE(boxes.Seen().empty());
 }
@@ -127,7 +127,7 @@ TEST(FailedFileTest, TheRunTellsWhichSourceItFailedOn) {
     job.target = out / L"result.zip";
     for (const wchar_t* name : {L"a.txt", L"b.txt", L"c.txt"}) job.files.push_back(in.File(name));
     std::wstring failed = L"before";
-    EXPECT_EQ(obarchive::RunZip(job, {}, &failed), ZipResult::Stands);
+    EXPECT_EQ(obarchive::RunZip(job, {}, &failed), ZipResult::Ok);
     EXPECT_EQ(failed, L"");
     EXPECT_EQ(obarchive::RunZip(job, {}, &failed), ZipResult::TargetExists);
     EXPECT_EQ(failed, L"");

@@ -51,7 +51,7 @@ protected:
 
     // Runs the job and compares every entry with what was added.
     void RunAndCompare(std::uint16_t method, std::uint16_t encryption) {
-        ASSERT_EQ(RunZip(job_, {}), ZipResult::Stands);
+        ASSERT_EQ(RunZip(job_, {}), ZipResult::Ok);
         const auto entries = ReadZip(job_.target, job_.password.Text());
         ASSERT_TRUE(entries);
         ASSERT_EQ(entries->size(), expected_.size());
@@ -160,9 +160,9 @@ TEST_F(ZipBlocksTest, LargeFilesArePackedWithXzInOneStream) {
     RunAndCompare(ZIP_CM_XZ, ZIP_EM_AES_128);
 }
 
-class ZipTwinsTest : public ZipRunTest {
+class ZipDuplicatesTest : public ZipRunTest {
 protected:
-    void AddTwins() {
+    void AddDuplicates() {
         job_.duplicateReferences = true;
         for (const wchar_t* folder : {L"one", L"two", L"three"}) {
             in_.Folder(folder);
@@ -179,8 +179,8 @@ protected:
     std::uint64_t ZipSize() { return obtest::ReadFileContent(job_.target).value_or("").size(); }
 };
 
-TEST_F(ZipTwinsTest, FilesWithEqualContentAreWholeAndEqualInTheZip) {
-    AddTwins();
+TEST_F(ZipDuplicatesTest, FilesWithEqualContentAreWholeAndEqualInTheZip) {
+    AddDuplicates();
     RunAndCompare(ZIP_CM_DEFLATE, ZIP_EM_NONE);
     const auto raw = ReadRawEntries(job_.target);
     ASSERT_EQ(raw.size(), 15U);
@@ -191,8 +191,8 @@ TEST_F(ZipTwinsTest, FilesWithEqualContentAreWholeAndEqualInTheZip) {
     }
 }
 
-TEST_F(ZipTwinsTest, EncryptedTwinsDoNotLookAlike) {
-    AddTwins();
+TEST_F(ZipDuplicatesTest, EncryptedDuplicatesDiffer) {
+    AddDuplicates();
     Encrypt(8);
     RunAndCompare(ZIP_CM_DEFLATE, ZIP_EM_AES_256);
     const auto raw = ReadRawEntries(job_.target);
@@ -204,8 +204,8 @@ TEST_F(ZipTwinsTest, EncryptedTwinsDoNotLookAlike) {
     }
 }
 
-TEST_F(ZipTwinsTest, TwinsOfAZipxAreWhole) {
-    AddTwins();
+TEST_F(ZipDuplicatesTest, DuplicatesInAZipxAreStoredWhole) {
+    AddDuplicates();
     job_.compressionMethod = 0xFFFFFFFF;
     Encrypt(4);
     RunAndCompare(ZIP_CM_XZ, ZIP_EM_AES_128);
@@ -213,8 +213,8 @@ TEST_F(ZipTwinsTest, TwinsOfAZipxAreWhole) {
 
 // Shown by a content that takes long to pack and no time to copy: the progress tells each byte
 // once.
-TEST_F(ZipTwinsTest, ProgressCountsATwinOnce) {
-    AddTwins();
+TEST_F(ZipDuplicatesTest, ProgressCountsADuplicateOnce) {
+    AddDuplicates();
     std::uint64_t bytes = 0;
     std::uint64_t total = 0;
     const auto progress = [&](const obarchive::ZipProgress& now) {
@@ -224,7 +224,7 @@ TEST_F(ZipTwinsTest, ProgressCountsATwinOnce) {
         total = now.totalBytes;
         return true;
     };
-    ASSERT_EQ(RunZip(job_, progress), ZipResult::Stands);
+    ASSERT_EQ(RunZip(job_, progress), ZipResult::Ok);
     EXPECT_EQ(bytes, total);
     EXPECT_EQ(total, 3U * (2'500'000U + 70'000U + 2'200'000U + 70'000U));
 }
@@ -232,7 +232,7 @@ TEST_F(ZipTwinsTest, ProgressCountsATwinOnce) {
 TEST_F(ZipRunTest, AWrongPasswordOpensNothing) {
     Encrypt(8);
     Add(L"a.txt", "secret content");
-    ASSERT_EQ(RunZip(job_, {}), ZipResult::Stands);
+    ASSERT_EQ(RunZip(job_, {}), ZipResult::Ok);
     EXPECT_FALSE(ReadZip(job_.target, "pass word"));
     EXPECT_FALSE(ReadZip(job_.target));
     EXPECT_TRUE(ReadZip(job_.target, job_.password.Text()));
@@ -243,7 +243,7 @@ TEST_F(ZipRunTest, EncryptedEntriesAreAe2AndTellNoChecksum) {
     Add(L"a.txt", std::string(1000, 'x'));
     Add(L"b.txt", "short");
     Add(L"c.txt", "");
-    ASSERT_EQ(RunZip(job_, {}), ZipResult::Stands);
+    ASSERT_EQ(RunZip(job_, {}), ZipResult::Ok);
     const auto raw = ReadRawEntries(job_.target);
     ASSERT_EQ(raw.size(), 3U);
     // Vendor version 2, AES-256, and the method behind it: deflate, or none for what doesn't
@@ -262,7 +262,7 @@ TEST_F(ZipRunTest, EncryptedEntriesAreAe2AndTellNoChecksum) {
 
 TEST_F(ZipRunTest, PlainEntriesKeepTheirChecksum) {
     Add(L"a.txt", "123456789");
-    ASSERT_EQ(RunZip(job_, {}), ZipResult::Stands);
+    ASSERT_EQ(RunZip(job_, {}), ZipResult::Ok);
     EXPECT_EQ(ReadRawEntries(job_.target).at(0).checksum, 0xCBF43926U);
     EXPECT_EQ(ReadRawEntries(job_.target).at(0).localChecksum, 0xCBF43926U);
 }
@@ -314,7 +314,7 @@ TEST_F(ZipRunTest, ModificationTimesAreKept) {
     Add(L"x.txt", "content");
     const FILETIME time = TimeOf(2019, 3, 4, 5, 6, 8);
     SetTime(job_.files[0], time);
-    ASSERT_EQ(RunZip(job_, {}), ZipResult::Stands);
+    ASSERT_EQ(RunZip(job_, {}), ZipResult::Ok);
     const std::time_t seconds = 1551675968; // 2019-03-04 05:06:08
     EXPECT_EQ(ReadZip(job_.target)->at(0).modified, seconds);
     const auto raw = ReadRawEntries(job_.target).at(0);
@@ -361,7 +361,7 @@ TEST_F(ZipRunTest, PathsBeyondTheOldLimitWork) {
     // Given as people give it, without the prefix.
     job_.files = {deep.substr(4) + L"\\deep.txt"};
     job_.target = deepOut.substr(4) + L"\\deep.zip";
-    ASSERT_EQ(RunZip(job_, {}), ZipResult::Stands);
+    ASSERT_EQ(RunZip(job_, {}), ZipResult::Ok);
     const auto entries = ReadZip(deepOut + L"\\deep.zip");
     ASSERT_TRUE(entries);
     EXPECT_EQ(entries->at(0).content, "deep content");
@@ -385,7 +385,7 @@ TEST_F(ZipRunTest, ProgressTellsEveryByteAndTheFile) {
         last = now.file;
         return true;
     };
-    ASSERT_EQ(RunZip(job_, progress), ZipResult::Stands);
+    ASSERT_EQ(RunZip(job_, progress), ZipResult::Ok);
     EXPECT_EQ(bytes, 1'000'005U);
     EXPECT_EQ(last, job_.files[1]);
 }

@@ -1,0 +1,45 @@
+// A provider that answers from the script.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "contracts/ProviderManager.h"
+#include "tests/fakes/providers/FakeLists.h"
+
+namespace standin {
+
+struct FakeProvider : obcore::CloudProvider {
+    explicit FakeProvider(std::uint32_t id);
+
+    // The script's key for one of this provider's operations.
+    std::wstring Key(const wchar_t* operation) const;
+
+    std::uint32_t id;
+    std::uint32_t lastError = 0;
+    ObPVX::ObPvxCallback* callback = nullptr;
+    std::size_t attempts = 0; // of RunUpload since SetCallback
+    std::vector<std::unique_ptr<FakeDownloadList>> downloads;
+    std::vector<std::unique_ptr<FakeUploadList>> uploads;
+};
+
+// Ids of the storage providers that the script names, in its order.
+std::vector<std::uint32_t> ScriptedProviders();
+
+// The provider of this id when the script names it, else null. Its address stays the same for the
+// life of the module.
+FakeProvider* ProviderOfId(std::uint32_t id);
+
+// The provider behind a pointer that came back, null when it isn't one.
+FakeProvider* FindProvider(const obcore::CloudProvider* provider);
+
+// The profiles that the script gives it; a number in place of profiles is only a count.
+std::vector<obcore::ProviderProfile> ScriptedProfiles(const FakeProvider& provider);
+
+// Takes a list back; one that isn't this provider's is written down as UnknownList.
+void DropDownloadList(FakeProvider& provider, obcore::DownloadList* list);
+
+} // namespace standin

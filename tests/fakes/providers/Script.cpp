@@ -1,0 +1,91 @@
+#include "tests/fakes/providers/Script.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "tests/fakes/providers/FakeManager.h"
+#include "tests/fakes/providers/FakeProvider.h"
+
+namespace standin {
+
+using obtest::Quoted;
+
+std::wstring ScriptedText(const std::wstring& key, const std::wstring& otherwise) {
+    return ScriptedAnswer(key.c_str()).value_or(otherwise);
+}
+
+std::uint64_t ScriptedCount(const std::wstring& key, std::uint64_t otherwise) {
+    return ScriptedNumber(key.c_str(), otherwise);
+}
+
+std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator) {
+    std::vector<std::wstring> parts;
+    if (text.empty()) return parts;
+    std::size_t begin = 0;
+    for (;;) {
+        const std::size_t end = text.find(separator, begin);
+        parts.push_back(text.substr(begin, end - begin));
+        if (end == std::wstring::npos) return parts;
+        begin = end + 1;
+    }
+}
+
+std::int64_t NumberAt(const std::wstring& list, std::size_t index, std::int64_t empty) {
+    const std::vector<std::wstring> numbers = Split(list, L',');
+    if (numbers.empty()) return empty;
+    return std::wcstoll(numbers[std::min(index, numbers.size() - 1)].c_str(), nullptr, 10);
+}
+
+void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text) {
+    if (!place || capacity == 0) return;
+    const std::size_t length =
+        std::min<std::size_t>(text.size(), static_cast<std::size_t>(capacity - 1));
+    std::copy_n(text.begin(), length, place);
+    place[length] = L'\0';
+}
+
+std::wstring Describe(const wchar_t* text) { return Quoted(text); }
+
+std::wstring Describe(obcore::ProviderManagerHandle manager) {
+    if (!manager) return L"null";
+    return IsLive(manager) ? L"manager" : L"stale manager";
+}
+
+std::wstring Describe(const obcore::CloudProvider* provider) {
+    if (!provider) return L"null";
+    const FakeProvider* fake = FindProvider(provider);
+    return fake ? L"provider" + std::to_wstring(fake->id) : L"strange provider";
+}
+
+std::wstring Describe(const obcore::DownloadList* list) { return list ? L"list" : L"null"; }
+std::wstring Describe(const obcore::UploadList* list) { return list ? L"list" : L"null"; }
+
+std::wstring Describe(const obcore::ProviderProfile* profile) {
+    if (!profile) return L"null";
+    return L"profile(" + std::to_wstring(profile->providerId) + L", " +
+           Quoted(profile->accountLabel) + L", " + Quoted(profile->accountKey) + L')';
+}
+
+std::wstring Describe(const obcore::CloudItem* item) {
+    if (!item) return L"null";
+    return L"item(" + Quoted(item->name) + L", " + Quoted(item->link) + L')';
+}
+
+std::wstring Describe(const ObPVX::ObPvxCallback* callback) {
+    return callback ? L"callback" : L"null";
+}
+
+std::wstring Describe(HWND window) { return obtest::WindowText(window); }
+
+std::wstring Describe(const void* pointer) { return pointer ? L"pointer" : L"null"; }
+
+std::wstring Describe(const std::vector<std::wstring>& paths) {
+    std::wstring line = L"paths(";
+    for (const std::wstring& path : paths) {
+        if (line.back() != L'(') line += L", ";
+        line += Quoted(path.c_str());
+    }
+    return line + L')';
+}
+
+} // namespace standin

@@ -1,0 +1,104 @@
+// How this stand-in of the provider manager is scripted, and how its calls are written down.
+//
+// Script keys and what they stand for; N is a provider id. Without a key the default in brackets
+// is answered. A manager that is null, deleted or not initialised answers no whatever is scripted.
+//
+//   Providers                         ids of the storage providers, "7,21,30", in order [none]
+//   CreateObExtensionsManager         0: null is answered [1]
+//   IsProviderSupport.N.KIND          KIND 1 or 4 [1 for a storage provider of the list, else 0]
+//   IsProviderSupport.N               the same for both kinds
+//   GetDefaultStorageProvider         "id|label|key" [what was set in this manager]
+//   SetDefaultStorageProvider         [1]
+//   Login2                            [0]; Login2.accountKey, Login2.accountLabel: texts given out
+//   IsAuthorized2                     [0]
+//   GetLastErrorOfProvider            [text "error CODE" after a code was set, else none]
+//   GetLastErrorCodeOfProvider        [0]; GetLastErrorCodeOfProvider.text
+//   GetSharedListFromOpenPicker       "name|link;name|link": what the user picks [nothing: no]
+//   AddFileToDeletionSchedule         [1]
+//   GetReadyForConvert.N, SelectProviders.N, ShowProviderOptionsWhenNoOptionsSet.N
+//                                     [as IsProviderSupport.N.4]
+//   IsProviderTypeSelected            [whether SelectProviders used one of the kind]
+//   GetSelectedTransformSummary       "before,after,each,final" [0,0,0,0]
+//   GetProviderTarget.FILENAME        path; an empty answer drops the file [the target itself]
+//   ExecuteTransforms.FILENAME, ExecuteTransforms            [1]
+//   ExecutePostTransforms, ExecuteFinalTransforms            [1]
+//   ExecutePostTransforms.paths, ExecuteFinalTransforms.paths   "a|b": results [what came in]
+//
+//   providerN.GetDisplayName          [providerN]
+//   providerN.GetShortDescription     [none]
+//   providerN.GetBitmap               1: a bitmap of the size that the index names [0]
+//   providerN.HasCapability           sum of the masks [0]
+//   providerN.CreateUploadList, providerN.CreateDownloadList   0: null [1]
+//   providerN.GetAccountSpace         "free,total" [no; the values are left alone]
+//   providerN.GetMaxFileSize          [the largest number]
+//   providerN.GetAccountRootFolder    [none]
+//   providerN.RunUpload               results of the attempts, "0,1"; the last one repeats [1]
+//   providerN.RunUpload.reason        what slot 10 of the callback is told at each attempt, "1,0";
+//                                     0, and an attempt behind the end, tell nothing [0]
+//   providerN.ShareItems              [1]; the link of an item becomes https://N.example/NAME
+//   providerN.IsAccountLoggedIn       [0]
+//   providerN.GetAccountProfiles      "label|key;label|key", or a number as the count [0]
+//
+// Calls are written as Name(arguments) in the order of the contract, a slot's object first.
+// Places to be filled aren't written; a capacity is, as the number that it says. A profile is
+// profile(id, "label", "key"), a cloud item item("name", "link"), an array paths("a", "b"), the
+// callback callback, a manager that is deleted already stale manager. A slot that nobody should
+// call is written as UnexpectedSlot(n).
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "contracts/ProviderManager.h"
+#include "tests/fakes/Recording.h"
+
+namespace standin {
+
+using obtest::RecordCall;
+using obtest::ScriptedAnswer;
+using obtest::ScriptedNumber;
+
+std::wstring ScriptedText(const std::wstring& key, const std::wstring& otherwise = {});
+std::uint64_t ScriptedCount(const std::wstring& key, std::uint64_t otherwise);
+std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator);
+
+// The number at `index` of a list such as "0,1"; behind its end the last one; `empty` when there is
+// no list.
+std::int64_t NumberAt(const std::wstring& list, std::size_t index, std::int64_t empty);
+
+// Copies as much of `text` as fits, with its NUL. A null or empty place is left alone.
+void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text);
+
+std::wstring Describe(const wchar_t* text);
+std::wstring Describe(obcore::ProviderManagerHandle manager);
+std::wstring Describe(const obcore::CloudProvider* provider);
+std::wstring Describe(const obcore::DownloadList* list);
+std::wstring Describe(const obcore::UploadList* list);
+std::wstring Describe(const obcore::ProviderProfile* profile);
+std::wstring Describe(const obcore::CloudItem* item);
+std::wstring Describe(const ObPVX::ObPvxCallback* callback);
+std::wstring Describe(HWND window);
+std::wstring Describe(const void* pointer);
+std::wstring Describe(const std::vector<std::wstring>& paths);
+
+template <class Number>
+requires(std::is_integral_v<Number> || std::is_enum_v<Number>) std::wstring Describe(Number value) {
+    return std::to_wstring(static_cast<std::int64_t>(value));
+}
+
+// Writes one call down.
+template <class... Arguments>
+void Record(const wchar_t* name, const Arguments&... arguments) {
+    std::wstring line(name);
+    line += L'(';
+    [[maybe_unused]] const wchar_t* separator = L"";
+    ((line += separator, line += Describe(arguments), separator = L", "), ...);
+    line += L')';
+    RecordCall(std::move(line));
+}
+
+} // namespace standin

@@ -1,0 +1,237 @@
+#include "tests/support/PickerUiDriver.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+
+namespace obtest {
+namespace {
+
+constexpr int kFileNameEdit = 1152; // the dialog's file name field
+constexpr DWORD kStep = 10;         // milliseconds between two looks
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    return name;
+}
+
+// By message, which reaches the controls of other processes too.
+std::wstring TextOf(HWND window) {
+    wchar_t text[512] = {};
+    DWORD_PTR length = 0;
+    SendMessageTimeoutW(window, WM_GETTEXT, 512, reinterpret_cast<LPARAM>(text), SMTO_NORMAL, 2000,
+                        &length);
+    return text;
+}
+
+std::wstring WithoutMarks(std::wstring text) {
+    std::erase(text, L'&');
+    return text;
+}
+
+HWND FindDescendant(HWND parent, const std::function<bool(HWND)>& fits) {
+    struct Search {
+        const std::function<bool(HWND)>& fits;
+        HWND found;
+    } search{fits, nullptr};
+    EnumChildWindows(
+        parent,
+        [](HWND child, LPARAM parameter) -> BOOL {
+            auto& state = *reinterpret_cast<Search*>(parameter);
+            if (!state.fits(child)) return TRUE;
+            state.found = child;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+HWND NameField(HWND dialog) {
+    return FindDescendant(dialog, [](HWND child) {
+        return GetDlgCtrlID(child) == kFileNameEdit && ClassOf(child) == L"Edit";
+    });
+}
+
+bool IsPicker(HWND window, DWORD processId) {
+    if (!IsWindowVisible(window) || ClassOf(window) != L"#32770") return false;
+    DWORD owner = 0;
+    GetWindowThreadProcessId(window, &owner);
+    return (processId == 0 || owner == processId) && NameField(window);
+}
+
+HWND FindPicker(DWORD processId) {
+    struct Search {
+        DWORD processId;
+        HWND found;
+    } search{processId, nullptr};
+    EnumWindows(
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto& state = *reinterpret_cast<Search*>(parameter);
+            if (!IsPicker(window, state.processId)) return TRUE;
+            state.found = window;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+// A radio button or check box; push buttons, which the dialog has of its own, are none.
+bool IsChoice(HWND window) {
+    if (ClassOf(window) != L"Button") return false;
+    const LONG kind = GetWindowLongW(window, GWL_STYLE) & BS_TYPEMASK;
+    return kind == BS_AUTOCHECKBOX || kind == BS_CHECKBOX || kind == BS_AUTORADIOBUTTON ||
+           kind == BS_RADIOBUTTON;
+}
+
+// Sends LVM_SETITEMSTATE with the structure in the memory of the window's process.
+bool SetRowState(HWND list, int row, UINT state) {
+    DWORD processId = 0;
+    GetWindowThreadProcessId(list, &processId);
+    const ObLib::UniqueKernelHandle process(
+        OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, processId));
+    if (!process) return false;
+    LVITEMW item{};
+    item.stateMask = LVIS_SELECTED;
+    item.state = state;
+    void* const remote =
+        VirtualAllocEx(process.Get(), nullptr, sizeof(item), MEM_COMMIT, PAGE_READWRITE);
+    if (!remote) return false;
+    DWORD_PTR done = 0;
+    if (WriteProcessMemory(process.Get(), remote, &item, sizeof(item), nullptr)) {
+        SendMessageTimeoutW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row),
+                            reinterpret_cast<LPARAM>(remote), SMTO_NORMAL, 5000, &done);
+    }
+    VirtualFreeEx(process.Get(), remote, 0, MEM_RELEASE);
+    return done != 0;
+}
+
+HWND FileList(HWND dialog) {
+    return FindDescendant(dialog, [](HWND child) { return ClassOf(child) == L"SysListView32"; });
+}
+
+} // namespace
+
+bool OpenPicker::WaitFor(const std::function<bool()>& holds, DWORD limit) {
+    const ULONGLONG end = GetTickCount64() + limit;
+    while (!holds()) {
+        if (GetTickCount64() > end) return false;
+        Sleep(kStep);
+    }
+    return true;
+}
+
+OpenPicker OpenPicker::Await(DWORD processId, DWORD limit) {
+    HWND window = nullptr;
+    WaitFor([&] { return (window = FindPicker(processId)) != nullptr; }, limit);
+    return OpenPicker(window);
+}
+
+bool OpenPicker::IsOpen() const { return window_ && IsWindow(window_) && IsWindowVisible(window_); }
+
+std::vector<std::wstring> OpenPicker::ChoiceTexts() const {
+    struct Placed {
+        RECT place;
+        std::wstring text;
+    };
+    std::vector<Placed> placed;
+    FindDescendant(window_, [&](HWND child) {
+        if (!IsChoice(child) || !IsWindowVisible(child)) return false;
+        Placed entry{{}, WithoutMarks(TextOf(child))};
+        GetWindowRect(child, &entry.place);
+        placed.push_back(entry);
+        return false;
+    });
+    std::ranges::stable_sort(placed, [](const Placed& one, const Placed& other) {
+        return std::pair(one.place.top, one.place.left) <
+               std::pair(other.place.top, other.place.left);
+    });
+    std::vector<std::wstring> texts;
+    for (const Placed& entry : placed) texts.push_back(entry.text);
+    return texts;
+}
+
+HWND OpenPicker::Button(const std::wstring& text) const {
+    return FindDescendant(window_, [wanted = WithoutMarks(text)](HWND child) {
+        return IsChoice(child) && WithoutMarks(TextOf(child)) == wanted;
+    });
+}
+
+bool OpenPicker::IsChecked(const std::wstring& text) const {
+    const HWND button = Button(text);
+    return button && SendMessageW(button, BM_GETCHECK, 0, 0) == BST_CHECKED;
+}
+
+// The dialog disables a radio list through the window that holds its buttons.
+bool OpenPicker::IsEnabled(const std::wstring& text) const {
+    HWND window = Button(text);
+    if (!window) return false;
+    for (; window && window != window_; window = GetAncestor(window, GA_PARENT)) {
+        if (!IsWindowEnabled(window)) return false;
+    }
+    return true;
+}
+
+// Posted: the click may bring up a box, which would hold a sender.
+bool OpenPicker::Click(const std::wstring& text) const {
+    return IsEnabled(text) && PostMessageW(Button(text), BM_CLICK, 0, 0);
+}
+
+bool OpenPicker::TypeNames(const std::wstring& names) const {
+    const HWND field = NameField(window_);
+    if (!field) return false;
+    SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(names.c_str()));
+    return TextOf(field) == names.substr(0, 511);
+}
+
+std::wstring OpenPicker::QuotedNames(const std::vector<std::wstring>& names) {
+    std::wstring all;
+    for (const std::wstring& name : names) all += (all.empty() ? L"\"" : L" \"") + name + L"\"";
+    return all;
+}
+
+bool OpenPicker::SelectInList(const std::vector<int>& rows) const {
+    const HWND list = FileList(window_);
+    if (!list) return false;
+    bool all = SetRowState(list, -1, 0); // -1: every row
+    for (const int row : rows) all = SetRowState(list, row, LVIS_SELECTED) && all;
+    return all;
+}
+
+int OpenPicker::RowCount() const {
+    const HWND list = FileList(window_);
+    DWORD_PTR count = 0;
+    const bool told =
+        list && SendMessageTimeoutW(list, LVM_GETITEMCOUNT, 0, 0, SMTO_NORMAL, 2000, &count);
+    return told ? static_cast<int>(count) : -1;
+}
+
+void OpenPicker::PressOk() const { PostMessageW(window_, WM_COMMAND, IDOK, 0); }
+
+void OpenPicker::PressCancel() const { PostMessageW(window_, WM_COMMAND, IDCANCEL, 0); }
+
+bool OpenPicker::WaitUntilClosed(DWORD limit) const {
+    return WaitFor([this] { return !IsOpen(); }, limit);
+}
+
+PickerUiDriver::PickerUiDriver(std::function<void(OpenPicker&)> use, DWORD processId)
+    : use_(std::move(use)), processId_(processId), thread_([this] { Run(); }) {}
+
+PickerUiDriver::~PickerUiDriver() { Done(); }
+
+bool PickerUiDriver::Done() {
+    if (thread_.joinable()) thread_.join();
+    return good_;
+}
+
+void PickerUiDriver::Run() {
+    OpenPicker picker = OpenPicker::Await(processId_);
+    if (!picker.Window()) return;
+    use_(picker);
+    good_ = picker.WaitUntilClosed(5000);
+    if (!good_) picker.PressCancel();
+}
+
+} // namespace obtest

@@ -1,0 +1,31 @@
+// What the person is asked to do.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+namespace pickerdriver {
+
+enum class Choice { Zip, Encrypt, None };
+
+struct Task {
+    Choice choice = Choice::Zip;
+    bool hasChoice = false;          // otherwise the picker's own choice stands
+    std::vector<std::wstring> files; // full paths
+    std::wstring password;
+    bool cancel = false;
+    DWORD limit = 60000;     // milliseconds for each wait
+    std::wstring picture;    // base of the pictures' names; empty for none
+    std::wstring pageResult; // the file in which the page notes what it was given
+    std::wstring keepFolder; // where copies of the files go that the page was given
+    std::wstring program;    // a whole command line; empty: the picker is somebody else's
+};
+
+extern const wchar_t kUsage[];
+
+// Throws Failure where the arguments make no sense.
+Task ParseCommandLine(int argc, wchar_t** argv);
+
+} // namespace pickerdriver

@@ -1,0 +1,44 @@
+// A person at the picker: does from outside, in another process, what a user would do there.
+#include <windows.h>
+
+#include <exception>
+#include <optional>
+
+#include "tools/pickerdriver/CommandLine.h"
+#include "tools/pickerdriver/MailPage.h"
+#include "tools/pickerdriver/Output.h"
+#include "tools/pickerdriver/Visit.h"
+
+namespace {
+
+using namespace pickerdriver;
+
+constexpr int kFailed = 2;
+
+int Run(const Task& task) {
+    std::optional<MailPage> page;
+    if (!task.program.empty()) page.emplace(task.program);
+    VisitPicker(task, page ? page->Process() : nullptr);
+    if (!page) return 0;
+    if (!task.pageResult.empty()) page->LookAtAnswer(task);
+    return page->AwaitEnd(task.limit);
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv) {
+    // Pictures and places are then in the screen's own pixels, whatever its scale.
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    if (argc == 1) {
+        Say(kUsage);
+        return kFailed;
+    }
+    try {
+        return Run(ParseCommandLine(argc, argv));
+    } catch (const Failure& failure) {
+        Say(L"pickerdriver: " + failure.text);
+    } catch (const std::exception& failure) {
+        Say(L"pickerdriver: " + FromUtf8(failure.what()));
+    }
+    return kFailed;
+}

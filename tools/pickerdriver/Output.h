@@ -1,0 +1,19 @@
+// What the person says, and how it gives up.
+#pragma once
+
+#include <string>
+
+namespace pickerdriver {
+
+// Thrown where a step can't be done; the text says which and why, for whoever started the program.
+struct Failure {
+    std::wstring text;
+};
+
+// One line on the standard output, in UTF-8, at once.
+void Say(const std::wstring& line);
+
+std::string ToUtf8(const std::wstring& text);
+std::wstring FromUtf8(const std::string& text);
+
+} // namespace pickerdriver

@@ -1,0 +1,155 @@
+#include "tools/pickerdriver/Visit.h"
+
+#include <shlwapi.h>
+
+#include <functional>
+#include <optional>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "tests/support/PasswordUiDriver.h"
+#include "tests/support/PickerUiDriver.h"
+#include "tests/support/WindowPicture.h"
+#include "tools/pickerdriver/Output.h"
+
+namespace pickerdriver {
+namespace {
+
+constexpr int kMessageTextId = 0xFFFF; // of a message box
+constexpr DWORD kLookEvery = 20;       // milliseconds
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    return name;
+}
+
+BOOL CALLBACK IsTextOrButton(HWND child, LPARAM allAre) {
+    const std::wstring name = ClassOf(child);
+    const bool is = name == L"Static" || name == L"Button";
+    *reinterpret_cast<bool*>(allAre) = is;
+    return is;
+}
+
+// The text of a message box, or nothing for any other window.
+std::optional<std::wstring> MessageBoxText(HWND window) {
+    const HWND text = GetDlgItem(window, kMessageTextId);
+    if (!text || !IsWindowVisible(window) || ClassOf(window) != L"#32770") return std::nullopt;
+    bool plain = false;
+    EnumChildWindows(window, &IsTextOrButton, reinterpret_cast<LPARAM>(&plain));
+    if (!plain) return std::nullopt;
+    wchar_t words[1024] = {};
+    DWORD_PTR length = 0;
+    SendMessageTimeoutW(text, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(words), SMTO_NORMAL, 2000,
+                        &length);
+    return words;
+}
+
+std::optional<std::wstring> FindMessageBox() {
+    std::optional<std::wstring> found;
+    EnumWindows(
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto& text = *reinterpret_cast<std::optional<std::wstring>*>(parameter);
+            text = MessageBoxText(window);
+            return !text;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+// A message box is nothing that this person expects; waiting on would only hide what it says.
+void Await(const std::wstring& what, DWORD limit, HANDLE program,
+           const std::function<bool()>& holds) {
+    const ULONGLONG end = GetTickCount64() + limit;
+    while (!holds()) {
+        if (const auto text = FindMessageBox()) {
+            throw Failure{L"a message instead of " + what + L": " + *text};
+        }
+        if (program && WaitForSingleObject(program, 0) == WAIT_OBJECT_0 && !holds()) {
+            throw Failure{L"the program ended before " + what};
+        }
+        if (GetTickCount64() > end) throw Failure{L"time is up: no " + what};
+        Sleep(kLookEvery);
+    }
+}
+
+std::wstring ChoiceText(Choice choice) {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    PathRemoveFileSpecW(path);
+    PathAppendW(path, L"obwmcore64.dll");
+    const ObLib::UniqueModule library(
+        LoadLibraryExW(path, nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+    if (!library) throw Failure{std::wstring(L"no texts: ") + path + L" can't be read"};
+    constexpr UINT kFirstChoice = 101; // zip, encrypt, none, in this order
+    wchar_t text[512] = {};
+    LoadStringW(library.Get(), kFirstChoice + static_cast<UINT>(choice), text, 512);
+    std::wstring plain = text;
+    std::erase(plain, L'&');
+    return plain;
+}
+
+void TakePictureOf(HWND window, const Task& task, const wchar_t* suffix) {
+    if (task.picture.empty()) return;
+    std::wstring path = task.picture;
+    const std::size_t point = std::min(path.rfind(L'.'), path.size());
+    path.insert(point, suffix);
+    const auto picture = obtest::TakeSettledPicture(window);
+    if (!picture) throw Failure{L"the window stays blank: no picture for " + path};
+    if (!obtest::WritePng(*picture, path)) throw Failure{path + L" can't be written"};
+    Say(L"picture: " + path);
+}
+
+void Choose(const obtest::OpenPicker& picker, const Task& task, HANDLE program) {
+    if (!task.hasChoice) return;
+    const std::wstring text = ChoiceText(task.choice);
+    Await(L"choice \"" + text + L"\"", task.limit, program, [&] { return picker.IsEnabled(text); });
+    if (!picker.Click(text)) throw Failure{L"the choice \"" + text + L"\" takes no click"};
+    Await(L"mark at \"" + text + L"\"", task.limit, program,
+          [&] { return picker.IsChecked(text); });
+    Say(L"chosen: " + text);
+}
+
+void TypeNames(const obtest::OpenPicker& picker, const Task& task) {
+    if (task.files.empty()) return;
+    const std::wstring names =
+        task.files.size() == 1 ? task.files.front() : obtest::OpenPicker::QuotedNames(task.files);
+    if (!picker.TypeNames(names)) throw Failure{L"the name field doesn't take " + names};
+    Say(L"typed: " + names);
+}
+
+void GivePassword(const Task& task, HANDLE program) {
+    obtest::OpenPasswordPrompt prompt(nullptr);
+    Await(L"password prompt", task.limit, program, [&] {
+        prompt = obtest::OpenPasswordPrompt::Find();
+        return prompt.Window() != nullptr;
+    });
+    if (!prompt.Type(task.password, task.password)) throw Failure{L"the prompt lacks a field"};
+    Await(L"password taken", task.limit, program,
+          [&] { return IsWindowEnabled(GetDlgItem(prompt.Window(), IDOK)) != FALSE; });
+    TakePictureOf(prompt.Window(), task, L"-password");
+    prompt.PressOk();
+    Await(L"end of the password prompt", task.limit, program,
+          [&] { return !IsWindow(prompt.Window()); });
+    Say(L"password given");
+}
+
+} // namespace
+
+void VisitPicker(const Task& task, HANDLE program) {
+    obtest::OpenPicker picker(nullptr);
+    Await(L"picker", task.limit, program, [&] {
+        picker = obtest::OpenPicker::Await(0, 0);
+        return picker.Window() != nullptr;
+    });
+    Say(L"the picker is open");
+    TakePictureOf(picker.Window(), task, L"");
+    Choose(picker, task, program);
+    TypeNames(picker, task);
+    TakePictureOf(picker.Window(), task, L"-chosen");
+    task.cancel ? picker.PressCancel() : picker.PressOk();
+    Await(L"end of the picker", task.limit, nullptr, [&] { return !picker.IsOpen(); });
+    Say(task.cancel ? L"pressed Cancel" : L"pressed Open");
+    if (task.choice == Choice::Encrypt && !task.cancel) GivePassword(task, program);
+}
+
+} // namespace pickerdriver
