@@ -1,0 +1,6 @@
+// The dialog is a key to the exchange block's users and never called; see windows.h.
+#pragma once
+
+#include <windows.h>
+
+struct IFileDialog;
