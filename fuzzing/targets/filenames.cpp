@@ -66,6 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     constexpr const wchar_t* kDevices[] = {L"con",  L"Prn",  L"AUX",       L"nuL", L"conin$",
                                            L"COM1", L"lpt9", L"com\u00B2", L"com0"};
     Check(kDevices[mode % std::size(kDevices)] + text);
+    for (const wchar_t* device : {L"cOm", L"LPt"}) Check(device + text.substr(0, 1));
     Check(text + std::wstring(mode, L'n'));
     if (mode != 2 && mode != 4)
         Require(CheckFilespec(text.c_str(), mode) == NameVerdict::UnknownMode,

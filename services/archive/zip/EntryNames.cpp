@@ -10,6 +10,8 @@ namespace obarchive {
 namespace {
 
 constexpr std::size_t kLongestName = 255; // UTF-16 units
+// Leaves room for a number. What is longer after a name's last point is part of the name.
+constexpr std::size_t kLongestExtension = 200;
 
 struct NameParts {
     std::wstring stem;
@@ -20,6 +22,7 @@ struct NameParts {
 NameParts Split(const std::wstring& name) {
     const std::size_t point = name.rfind(L'.');
     if (point == std::wstring::npos || point == 0) return {name, {}};
+    if (name.size() - point > kLongestExtension) return {name, {}};
     return {name.substr(0, point), name.substr(point)};
 }
 
@@ -27,7 +30,7 @@ std::wstring Numbered(const NameParts& parts, unsigned number) {
     const std::wstring ending = L" (" + std::to_wstring(number) + L")" + parts.extension;
     std::wstring stem = parts.stem;
     if (stem.size() + ending.size() > kLongestName) {
-        stem.resize(kLongestName - std::min(kLongestName, ending.size()));
+        stem.resize(kLongestName - ending.size());
         const bool splitsPair = !stem.empty() && stem.back() >= 0xD800 && stem.back() <= 0xDBFF;
         if (splitsPair) stem.pop_back();
     }

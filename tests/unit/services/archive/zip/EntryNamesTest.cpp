@@ -42,6 +42,14 @@ TEST(EntryNamesTest, ANumberShortensANameThatWouldBecomeTooLong) {
     EXPECT_EQ(names[1].size(), 255U);
 }
 
+TEST(EntryNamesTest, ANumberIsPutAtTheEndWhereTheExtensionLeavesNoRoomForIt) {
+    const std::wstring name = L"a." + std::wstring(253, L'x');
+    const auto names = UniqueEntryNames({L"C:\\one\\" + name, L"C:\\two\\" + name});
+    ASSERT_EQ(names.size(), 2U);
+    EXPECT_EQ(names[0], name);
+    EXPECT_EQ(names[1], L"a." + std::wstring(249, L'x') + L" (2)");
+}
+
 TEST(EntryNamesTest, ShorteningDoesNotSplitASurrogatePair) {
     std::wstring name;
     while (name.size() < 250) name += L"\U0001F600";
