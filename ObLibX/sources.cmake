@@ -1,38 +1,38 @@
 # The sources of the XML document library, for both builds: Windows (ObLibX/CMakeLists.txt) and
 # native (fuzzing/CMakeLists.txt). Include it; it sets
 #   OBX_XML_SOURCES          what builds everywhere, the packed name tables among them
-#   OBX_XML_WINDOWS_SOURCES  what stands behind src/xml/System*.h on Windows
+#   OBX_XML_WINDOWS_SOURCES  what stands behind src/xml/encoding/System*.h on Windows
 set(names
-    XmlCharacters
-    ElementRecordTable
-    DocumentState
-    OpenTagStack
-    TagScanner
-    NodeRules
-    QuickScan
-    ElementParser
-    DocumentReport
-    NameTables
-    TextCoding
-    XmlPath
-    StepMatch
-    Navigation
-    Reading
-    AttributeCursor
-    NewElement
-    Editing
-    AttributeEditing
-    Shifting
-    ElementText
-    TextConverter
-    CharBoundary
-    TextFileChannel
-    DeclaredEncoding
-    StreamTagStack
-    StreamRecords
-    StreamReading
-    StreamWriting
-    StreamFile
+    names/XmlCharacters
+    document/ElementRecordTable
+    document/DocumentState
+    scan/OpenTagStack
+    scan/TagScanner
+    scan/NodeRules
+    scan/QuickScan
+    document/ElementParser
+    scan/DocumentReport
+    names/NameTables
+    scan/TextCoding
+    document/XmlPath
+    document/StepMatch
+    document/Navigation
+    document/Reading
+    document/AttributeCursor
+    document/NewElement
+    document/Editing
+    document/AttributeEditing
+    document/Shifting
+    document/ElementText
+    encoding/TextConverter
+    encoding/CharBoundary
+    encoding/TextFileChannel
+    encoding/DeclaredEncoding
+    scan/StreamTagStack
+    stream/StreamRecords
+    stream/StreamReading
+    stream/StreamWriting
+    stream/StreamFile
     XmlOffsetDocument)
 set(OBX_XML_SOURCES "")
 foreach(name ${names})
@@ -48,5 +48,5 @@ ob_name_tables(tables)
 list(APPEND OBX_XML_SOURCES "${tables}")
 
 set(OBX_XML_WINDOWS_SOURCES
-    "${CMAKE_CURRENT_LIST_DIR}/src/xml/SystemFileWindows.cpp"
-    "${CMAKE_CURRENT_LIST_DIR}/src/xml/SystemTextWindows.cpp")
+    "${CMAKE_CURRENT_LIST_DIR}/src/xml/encoding/SystemFileWindows.cpp"
+    "${CMAKE_CURRENT_LIST_DIR}/src/xml/encoding/SystemTextWindows.cpp")

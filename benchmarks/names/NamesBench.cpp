@@ -9,9 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "ObLibX/src/xml/NameTableData.h"
-#include "ObLibX/src/xml/NameTables.h"
-#include "ObLibX/src/xml/XmlCharacters.h"
+#include "ObLibX/src/xml/names/NameTableData.h"
+#include "ObLibX/src/xml/names/NameTables.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
 

@@ -2,7 +2,7 @@
 // string table.
 #include "ObLib/Src/ObSystem.h"
 
-#include "ObLibX/src/xml/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemText.h"
 
 namespace ObLib {
 

@@ -1,8 +1,8 @@
-#include "ObLibX/src/xml/SystemFile.h"
+#include "ObLibX/src/xml/encoding/SystemFile.h"
 
 #include <string>
 
-#include "ObLibX/src/xml/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemText.h"
 
 namespace ObLibX {
 

@@ -5,7 +5,7 @@
 // As on Windows with flags 0: bytes that mean nothing become U+FFFD one by one, a character that
 // the page lacks becomes '?' (in UTF-8 a lone surrogate becomes U+FFFD) and is noted, a page of
 // Unicode may not be asked for the note, and a buffer that is too small is a failure.
-#include "ObLibX/src/xml/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemText.h"
 
 #include <iconv.h>
 

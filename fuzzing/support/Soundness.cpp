@@ -1,7 +1,7 @@
 #include "fuzzing/support/Soundness.h"
 
-#include "ObLibX/src/xml/DocumentReport.h"
-#include "ObLibX/src/xml/Navigation.h"
+#include "ObLibX/src/xml/document/Navigation.h"
+#include "ObLibX/src/xml/scan/DocumentReport.h"
 #include "fuzzing/support/Require.h"
 
 using namespace ObLibX;

@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <string>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/TagScanner.h"
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
+#include "ObLibX/src/xml/scan/TagScanner.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 

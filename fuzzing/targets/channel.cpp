@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "ObLibX/src/xml/TextConverter.h"
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 #include "fuzzing/support/Soundness.h"

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/TextCoding.h"
-#include "ObLibX/src/xml/XmlCharacters.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/TextCoding.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 

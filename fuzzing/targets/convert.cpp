@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "ObLibX/src/xml/NameTables.h"
-#include "ObLibX/src/xml/TextConverter.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
+#include "ObLibX/src/xml/names/NameTables.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/NameRows.h"
 #include "fuzzing/support/Require.h"

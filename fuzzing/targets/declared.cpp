@@ -1,8 +1,8 @@
 // A text's own declaration of its encoding is found, and only there.
 #include <algorithm>
 
-#include "ObLibX/src/xml/TextFileChannel.h"
-#include "ObLibX/src/xml/XmlCharacters.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "ObLibX/src/xml/NameTables.h"
+#include "ObLibX/src/xml/names/NameTables.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/NameRows.h"
 #include "fuzzing/support/Require.h"

@@ -3,10 +3,10 @@
 #include <memory>
 #include <vector>
 
-#include "ObLibX/src/xml/Navigation.h"
-#include "ObLibX/src/xml/TextCoding.h"
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
-#include "ObLibX/src/xml/XmlPath.h"
+#include "ObLibX/src/xml/document/Navigation.h"
+#include "ObLibX/src/xml/document/XmlPath.h"
+#include "ObLibX/src/xml/scan/TextCoding.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 

@@ -1,8 +1,8 @@
 // A report stays XML whatever is reported, says what it was given, and stops at its limit.
 #include <string>
 
-#include "ObLibX/src/xml/DocumentReport.h"
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
+#include "ObLibX/src/xml/scan/DocumentReport.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 #include "fuzzing/support/Soundness.h"

@@ -1,9 +1,9 @@
 // The scanner: its quick way and its rules give the same nodes, and its tokens lie in the text.
 #include <memory>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/NodeRules.h"
-#include "ObLibX/src/xml/TagScanner.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/scan/NodeRules.h"
+#include "ObLibX/src/xml/scan/TagScanner.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
-#include "ObLibX/src/xml/XmlPath.h"
+#include "ObLibX/src/xml/document/XmlPath.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/MemoryFile.h"
 #include "fuzzing/support/Require.h"

@@ -1,12 +1,12 @@
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 
-#include "ObLibX/src/xml/DocumentReport.h"
-#include "ObLibX/src/xml/Editing.h"
-#include "ObLibX/src/xml/ElementParser.h"
-#include "ObLibX/src/xml/Navigation.h"
-#include "ObLibX/src/xml/Reading.h"
-#include "ObLibX/src/xml/StreamReading.h"
-#include "ObLibX/src/xml/StreamWriting.h"
+#include "ObLibX/src/xml/document/Editing.h"
+#include "ObLibX/src/xml/document/ElementParser.h"
+#include "ObLibX/src/xml/document/Navigation.h"
+#include "ObLibX/src/xml/document/Reading.h"
+#include "ObLibX/src/xml/scan/DocumentReport.h"
+#include "ObLibX/src/xml/stream/StreamReading.h"
+#include "ObLibX/src/xml/stream/StreamWriting.h"
 
 namespace ObLibX {
 namespace {

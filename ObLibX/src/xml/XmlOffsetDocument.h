@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "ObLibX/src/xml/AttributeCursor.h"
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/StreamFile.h"
+#include "ObLibX/src/xml/document/AttributeCursor.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/stream/StreamFile.h"
 
 namespace ObLibX {
 

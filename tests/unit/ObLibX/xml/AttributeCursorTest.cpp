@@ -6,7 +6,7 @@
 #include <memory>
 #include <random>
 
-#include "ObLibX/src/xml/XmlCharacters.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "tests/unit/ObLibX/xml/AllocationFailure.h"
 #include "tests/unit/ObLibX/xml/ElementTree.h"
 #include "tests/unit/ObLibX/xml/StreamFiles.h"

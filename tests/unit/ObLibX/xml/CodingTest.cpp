@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/TextCoding.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/scan/TextCoding.h"
 
 using namespace ObLibX;
 

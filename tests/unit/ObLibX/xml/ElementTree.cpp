@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/Navigation.h"
+#include "ObLibX/src/xml/document/Navigation.h"
 
 using namespace ObLibX;
 

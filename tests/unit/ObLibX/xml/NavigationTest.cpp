@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/Navigation.h"
+#include "ObLibX/src/xml/document/Navigation.h"
 #include "tests/unit/ObLibX/xml/ElementTree.h"
 
 using namespace ObLibX;

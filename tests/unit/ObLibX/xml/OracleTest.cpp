@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <pugixml.hpp>
 
-#include "ObLibX/src/xml/Navigation.h"
+#include "ObLibX/src/xml/document/Navigation.h"
 #include "tests/unit/ObLibX/xml/DocumentMaker.h"
 #include "tests/unit/ObLibX/xml/ElementTree.h"
 

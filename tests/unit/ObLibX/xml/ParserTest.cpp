@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/DocumentReport.h"
+#include "ObLibX/src/xml/scan/DocumentReport.h"
 #include "tests/unit/ObLibX/xml/Records.h"
 #include "tests/unit/ObLibX/xml/Scans.h"
 

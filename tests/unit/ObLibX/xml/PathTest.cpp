@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/XmlPath.h"
+#include "ObLibX/src/xml/document/XmlPath.h"
 
 using namespace ObLibX;
 

@@ -1,6 +1,6 @@
 #include "tests/unit/ObLibX/xml/Records.h"
 
-#include "ObLibX/src/xml/TagScanner.h"
+#include "ObLibX/src/xml/scan/TagScanner.h"
 #include "tests/unit/ObLibX/xml/Scans.h"
 
 namespace ObLibX {

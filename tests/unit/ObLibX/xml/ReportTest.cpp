@@ -2,8 +2,8 @@
 
 #include <set>
 
-#include "ObLibX/src/xml/DocumentReport.h"
-#include "ObLibX/src/xml/ReportTexts.h"
+#include "ObLibX/src/xml/scan/DocumentReport.h"
+#include "ObLibX/src/xml/scan/ReportTexts.h"
 #include "tests/unit/ObLibX/xml/Records.h"
 #include "tests/unit/ObLibX/xml/Scans.h"
 

@@ -4,8 +4,8 @@
 #include <random>
 #include <vector>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/FindUnit.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/scan/FindUnit.h"
 #include "tests/unit/ObLibX/xml/Scans.h"
 
 namespace ObLibX {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/XmlCharacters.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "tests/unit/ObLibX/xml/Scans.h"
 
 namespace ObLibX {

@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/TagScanner.h"
-#include "ObLibX/src/xml/XmlCharacters.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/TagScanner.h"
 #include "tests/unit/ObLibX/xml/Scans.h"
 
 namespace ObLibX {

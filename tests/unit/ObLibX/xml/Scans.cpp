@@ -2,8 +2,8 @@
 
 #include <map>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/NodeRules.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/scan/NodeRules.h"
 
 namespace ObLibX {
 namespace {

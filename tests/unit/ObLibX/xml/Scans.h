@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "ObLibX/src/xml/TagScanner.h"
+#include "ObLibX/src/xml/scan/TagScanner.h"
 
 namespace ObLibX {
 

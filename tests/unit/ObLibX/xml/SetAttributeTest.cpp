@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/Editing.h"
+#include "ObLibX/src/xml/document/Editing.h"
 #include "tests/unit/ObLibX/xml/ElementTree.h"
 
 using namespace ObLibX;

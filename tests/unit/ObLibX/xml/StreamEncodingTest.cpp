@@ -5,7 +5,7 @@
 #include <iterator>
 #include <string>
 
-#include "ObLibX/src/xml/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemText.h"
 #include "tests/unit/ObLibX/xml/StreamChecks.h"
 #include "tests/unit/ObLibX/xml/StreamFiles.h"
 

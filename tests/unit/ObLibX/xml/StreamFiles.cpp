@@ -5,7 +5,7 @@
 #include <memory>
 #include <random>
 
-#include "ObLibX/src/xml/TextConverter.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 
 namespace {
 

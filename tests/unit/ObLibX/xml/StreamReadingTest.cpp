@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ObLibX/src/xml/StreamRecords.h"
+#include "ObLibX/src/xml/stream/StreamRecords.h"
 #include "tests/unit/ObLibX/xml/StreamChecks.h"
 #include "tests/unit/ObLibX/xml/StreamFiles.h"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/DocumentState.h"
-#include "ObLibX/src/xml/ElementRecordTable.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/document/ElementRecordTable.h"
 
 namespace ObLibX {
 namespace {

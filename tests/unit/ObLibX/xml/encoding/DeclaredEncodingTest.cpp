@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 
 namespace {
 

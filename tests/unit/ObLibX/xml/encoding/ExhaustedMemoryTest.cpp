@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "ObLibX/src/xml/TextConverter.h"
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "tests/unit/ObLibX/xml/AllocationFailure.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"

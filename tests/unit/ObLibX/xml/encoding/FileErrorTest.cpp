@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <string>
 
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 #include "tests/unit/ObLibX/xml/encoding/FakeSystem.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"
 

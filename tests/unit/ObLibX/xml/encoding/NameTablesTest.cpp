@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "ObLibX/src/xml/NameTableData.h"
-#include "ObLibX/src/xml/NameTables.h"
+#include "ObLibX/src/xml/names/NameTableData.h"
+#include "ObLibX/src/xml/names/NameTables.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <random>
 #include <string>
 
-#include "ObLibX/src/xml/TextConverter.h"
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"
 
 namespace {

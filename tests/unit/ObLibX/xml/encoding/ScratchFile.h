@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <string>
 
-#include "ObLibX/src/xml/TextFileChannel.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 
 namespace obtest {
 

@@ -6,8 +6,8 @@
 #include <random>
 #include <string>
 
-#include "ObLibX/src/xml/NameTables.h"
-#include "ObLibX/src/xml/TextConverter.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
+#include "ObLibX/src/xml/names/NameTables.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 #include "tests/unit/ObLibX/xml/encoding/FakeSystem.h"
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "ObLibX/src/xml/TextConverter.h"
-#include "ObLibX/src/xml/Utf8Sequence.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
+#include "ObLibX/src/xml/encoding/Utf8Sequence.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 
 namespace {

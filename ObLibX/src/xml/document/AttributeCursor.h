@@ -1,0 +1,47 @@
+// Reads the attributes of a tag one by one, each once.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "ObLibX/src/xml/document/DocumentState.h"
+
+namespace ObLibX {
+
+// Where such a reading stands, and the attribute that it stands on. The strings keep their memory
+// from one attribute and one tag to the next, so that a client that takes one cursor through a
+// whole document allocates for the longest name and value only. Belongs to the document's thread.
+class AttributeCursor {
+public:
+    AttributeCursor() = default;
+    // `position` as in GetAttribute: an element's record, or on a current processing instruction
+    // the current position.
+    explicit AttributeCursor(std::int32_t position) : position_(position) {}
+
+    // Before the first attribute of that tag.
+    void Begin(std::int32_t position);
+
+    // As it stands in the tag.
+    const std::wstring& Name() const { return name_; }
+    // Decoded; the name, decoded too, when there is no '='. Of attributes with the same name each
+    // has its own, where GetAttribute finds the first.
+    const std::wstring& Value() const { return value_; }
+
+private:
+    friend bool GetNextAttribute(const DocumentState& document, AttributeCursor& cursor);
+
+    std::int32_t position_ = 0;
+    std::size_t read_ = 0; // units of the tag that were read; 0 before the first attribute
+    std::wstring name_;
+    std::wstring value_;
+};
+
+// Goes to the next attribute in the tag; a whole tag takes time linear in its length. False behind
+// the last one and where there is no such tag; name and value are then empty. A change of this tag
+// needs a new Begin, other changes don't; after one that was forgotten some attributes are read
+// twice, in parts or not at all, and nothing worse happens. Throws std::bad_alloc; the cursor then
+// stays where it was, and what its strings hold is of no use.
+bool GetNextAttribute(const DocumentState& document, AttributeCursor& cursor);
+
+} // namespace ObLibX

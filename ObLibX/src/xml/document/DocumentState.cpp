@@ -1,0 +1,46 @@
+#include "ObLibX/src/xml/document/DocumentState.h"
+
+namespace ObLibX {
+namespace {
+
+// Room for the record at nextFreePos. A table too small for half of it to add anything, which only
+// a failed allocation leaves behind, grows by one.
+void MakeRoom(DocumentState& document) {
+    const auto free = static_cast<std::uint32_t>(document.nextFreePos);
+    ElementRecordTable& records = *document.records;
+    if (free < records.Size()) {
+        return;
+    }
+    if (free / 2 != 0) {
+        records.Grow(free + free / 2);
+    }
+    if (free >= records.Size()) {
+        records.Grow(free + 1);
+    }
+}
+
+} // namespace
+
+std::int32_t TakeRecord(DocumentState& document) {
+    std::int32_t taken = document.deletedPos;
+    if (taken != 0) {
+        document.deletedPos = static_cast<std::int32_t>((*document.records)[taken].next);
+    } else {
+        MakeRoom(document);
+        taken = document.nextFreePos++;
+    }
+    (*document.records)[taken] = ElementRecord{};
+    return taken;
+}
+
+void SetPosition(DocumentState& document, std::int32_t parent, std::int32_t current,
+                 std::int32_t child) {
+    document.parentPos = parent;
+    document.currentPos = current;
+    document.childPos = child;
+    document.nodeType = current != 0 ? kNodeElement : 0;
+    document.nodeOffset = 0;
+    document.nodeLength = 0;
+}
+
+} // namespace ObLibX

@@ -1,0 +1,80 @@
+// What a document consists of. The parts of the library (parser, navigation, reading, editing,
+// streams) are plain functions over this record; XmlOffsetDocument is the class that clients see.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "ObLibX/src/xml/document/ElementRecordTable.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
+
+namespace ObLibX {
+
+// Bits of DocumentState::docFlags. All are 0 unless a client sets them.
+inline constexpr std::uint32_t kDocModified = 0x2;     // the text was changed since it was set
+inline constexpr std::uint32_t kDocIgnoreCase = 0x8;   // names compare ignoring ASCII case
+inline constexpr std::uint32_t kDocStreamRead = 0x10;  // one forward pass over a file
+inline constexpr std::uint32_t kDocStreamWrite = 0x20; // elements are appended to a file
+inline constexpr std::uint32_t kDocStreamThird = 0x40; // cleared together with the other two
+inline constexpr std::uint32_t kDocTrim = 0x100;     // data read has its outer white space trimmed
+inline constexpr std::uint32_t kDocCollapse = 0x200; // as kDocTrim, and inner runs become one blank
+inline constexpr std::uint32_t kDocStreams = kDocStreamRead | kDocStreamWrite | kDocStreamThird;
+
+// Types of a node: what the scanner yields and what DocumentState::nodeType holds.
+inline constexpr std::int32_t kNodeEndTag = 0; // in the scanner; as a document's node: none
+inline constexpr std::int32_t kNodeElement = 1;
+inline constexpr std::int32_t kNodeText = 2;
+inline constexpr std::int32_t kNodeSpace = 4;
+inline constexpr std::int32_t kNodeCdata = 8;
+inline constexpr std::int32_t kNodeInstruction = 16;
+inline constexpr std::int32_t kNodeComment = 32;
+inline constexpr std::int32_t kNodeDocType = 64;
+inline constexpr std::int32_t kNodeLoneEndTag = 128;
+inline constexpr std::int32_t kNodeError = 0x8000; // in stream reading
+inline constexpr std::int32_t kNodeScanError = -1;
+inline constexpr std::int32_t kNodeEndOfText = -2;
+
+// A position kept under a name.
+struct SavedPosition {
+    std::int32_t parentPos;
+    std::int32_t currentPos;
+    std::int32_t childPos;
+};
+using SavedPositionTable = std::map<std::wstring, SavedPosition>;
+
+// Units that a text holds at most: offsets and lengths are 32 bits with a sign.
+inline constexpr std::size_t kLongestText = 0x7FFFFFFF;
+
+// Offsets and lengths are UTF-16 units from the start of `text`. Belongs to one thread.
+struct DocumentState {
+    std::wstring text;            // the whole document
+    std::wstring result;          // the result report: sibling XML elements
+    std::int32_t parentPos = 0;   // record of the current parent; 0 = the root pseudo-element
+    std::int32_t currentPos = 0;  // record of the current element; 0 = before the first
+    std::int32_t childPos = 0;    // record of the current child of the current element; 0 = none
+    std::int32_t nextFreePos = 1; // the next record that was never used
+    std::int32_t deletedPos = 0;  // head of the freed records, chained through `next`
+    std::int32_t nodeType = 0;    // type of the current node; 0 = none
+    std::int32_t nodeOffset = 0;  // the current node that isn't an element
+    std::int32_t nodeLength = 0;  // its length; 0: the position is on an element, not on a node
+    std::uint32_t docFlags = 0;
+    std::unique_ptr<TextFileChannel> channel; // in stream mode only
+    std::unique_ptr<SavedPositionTable> savedPositions;
+    std::unique_ptr<ElementRecordTable> records;
+
+    bool Has(std::uint32_t flag) const { return (docFlags & flag) != 0; }
+    bool IgnoresCase() const { return Has(kDocIgnoreCase); }
+};
+
+// A record to use, all zero: a freed one before a new one. Grows the table by half when it is used
+// up. Throws std::bad_alloc and changes nothing.
+std::int32_t TakeRecord(DocumentState& document);
+
+// The three positions; clears the node. On an element when `current` isn't 0.
+void SetPosition(DocumentState& document, std::int32_t parent, std::int32_t current,
+                 std::int32_t child);
+
+} // namespace ObLibX

@@ -1,0 +1,228 @@
+#include "ObLibX/src/xml/document/Editing.h"
+
+#include <string_view>
+
+#include "ObLibX/src/xml/XmlOffsetDocument.h"
+#include "ObLibX/src/xml/document/ElementText.h"
+#include "ObLibX/src/xml/document/NewElement.h"
+#include "ObLibX/src/xml/document/Shifting.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
+
+namespace ObLibX {
+namespace {
+
+// ---- Where it goes
+
+struct Place {
+    std::int32_t parent = 0;
+    std::int32_t after = 0; // the sibling that it is linked behind; 0: it becomes the first child
+    std::size_t offset = 0;
+    std::size_t removed = 0;   // units at `offset` that it replaces
+    bool opensParent = false;  // the parent is a single tag
+    bool emptyContent = false; // the parent has tags with nothing between them
+};
+
+bool HasTooLongTag(const DocumentState& document, std::int32_t position) {
+    return position != 0 && RecordAt(document, position).Has(kRecordBad);
+}
+
+void PlaceAtNode(const DocumentState& document, std::uint32_t flags, Place& place) {
+    const auto length = static_cast<std::size_t>(document.nodeLength);
+    const bool replaces = (flags & kAddAtStart) != 0;
+    place.offset = static_cast<std::size_t>(document.nodeOffset);
+    place.after = LastChildBefore(document, place.parent, place.offset);
+    if (replaces) {
+        place.removed = length;
+    } else if ((flags & kAddBefore) == 0) {
+        place.offset += length;
+    }
+}
+
+void PlaceAtElement(const DocumentState& document, std::int32_t element, std::uint32_t flags,
+                    Place& place) {
+    const ElementRecord& record = RecordAt(document, element);
+    const bool before = (flags & kAddBefore) != 0;
+    place.offset = record.start + (before ? 0 : record.length);
+    place.after = before ? PreviousSibling(document, element) : element;
+}
+
+// Units of the "/>" with which a single tag ends. Further slashes in front of it go with it, as one
+// that is left before the '>' would end the tag again.
+std::size_t EmptyTagMarks(const DocumentState& document, const ElementRecord& record) {
+    std::size_t marks = 2;
+    while (document.text[record.start + record.length - marks - 1] == L'/') ++marks;
+    return marks;
+}
+
+void PlaceInParent(const DocumentState& document, std::uint32_t flags, Place& place) {
+    const ElementRecord& parent = RecordAt(document, place.parent);
+    const std::uint32_t tags = parent.StartTagLength() + parent.EndTagLength();
+    place.opensParent = place.parent != 0 && parent.StartTagLength() == parent.length;
+    place.emptyContent = place.parent != 0 && tags == parent.length && !place.opensParent;
+    if (place.opensParent) {
+        const std::size_t marks = parent.Has(kRecordUnended) ? 0 : EmptyTagMarks(document, parent);
+        place.offset = parent.start + parent.length - marks;
+        place.removed = marks;
+    } else if ((flags & (kAddAtStart | kAddBefore)) != 0) {
+        place.offset = parent.start + parent.StartTagLength();
+    } else {
+        place.offset = parent.start + parent.length - parent.EndTagLength();
+        place.after = LastChild(document, place.parent);
+    }
+}
+
+// Behind the white space at `offset` when a tag or the end of the text follows it.
+std::size_t BehindSpace(const std::wstring& text, std::size_t offset) {
+    std::size_t at = offset;
+    while (at < text.size() && IsXmlSpace(text[at])) ++at;
+    return at == text.size() || text[at] == L'<' ? at : offset;
+}
+
+// False when nothing can be added there.
+bool FindPlace(const DocumentState& document, std::uint32_t flags, Place& place) {
+    const bool asChild = (flags & kAddAsChild) != 0;
+    const bool onNode = document.nodeLength != 0;
+    if (asChild && (onNode || document.currentPos == 0)) return false;
+    place.parent = asChild ? document.currentPos : document.parentPos;
+    const std::int32_t element = asChild ? document.childPos : document.currentPos;
+    if (HasTooLongTag(document, place.parent)) return false;
+    if (onNode) {
+        PlaceAtNode(document, flags, place);
+    } else if (element != 0 && (flags & kAddAtStart) == 0) {
+        if (static_cast<std::int32_t>(RecordAt(document, element).parent) != place.parent ||
+            HasTooLongTag(document, element)) {
+            return false;
+        }
+        PlaceAtElement(document, element, flags, place);
+    } else {
+        PlaceInParent(document, flags, place);
+    }
+    if ((flags & (kAddNoLineEnds | kAddAtStart)) == 0 && !place.opensParent) {
+        place.offset = BehindSpace(document.text, place.offset);
+    }
+    return true;
+}
+
+// ---- The splice and the numbers
+
+// What takes the place of `removed` units at the place's offset.
+struct Insertion {
+    std::wstring text;
+    std::size_t elementAt = 0; // the new element in it
+    std::uint32_t parentEndTag = 0;
+};
+
+// False when the end tag of a parent that is opened would be too long.
+bool WriteInsertion(const DocumentState& document, const Place& place, const NewElement& element,
+                    std::uint32_t flags, Insertion& insertion) {
+    const bool lineEnds = (flags & kAddNoLineEnds) == 0;
+    if (place.removed != 0 && place.opensParent) insertion.text += L'>';
+    if (lineEnds && (place.opensParent || place.emptyContent)) insertion.text += kLineEnd;
+    insertion.elementAt = insertion.text.size();
+    insertion.text += element.text;
+    if (lineEnds) insertion.text += kLineEnd;
+    if (!place.opensParent) return true;
+    const TagSpan tag = *TagAt(document, place.parent);
+    const std::size_t nameLength = tag.nameEnd - tag.nameStart;
+    if (nameLength + kEndTagMarks > kLongestEndTag) return false;
+    insertion.parentEndTag = static_cast<std::uint32_t>(nameLength + kEndTagMarks);
+    insertion.text.append(L"</").append(document.text, tag.nameStart, nameLength).append(L">");
+    return true;
+}
+
+void LinkAsFirst(DocumentState& document, std::int32_t parent, std::int32_t position) {
+    ElementRecord& record = RecordAt(document, position);
+    const auto index = static_cast<std::uint32_t>(position);
+    record.next = RecordAt(document, parent).firstChild;
+    record.prev = index;
+    record.flagsAndLevel |= kRecordFirstSibling;
+    if (record.next != 0) {
+        ElementRecord& old = (*document.records)[record.next];
+        record.prev = old.prev;
+        old.prev = index;
+        old.flagsAndLevel &= ~kRecordFirstSibling;
+    }
+    RecordAt(document, parent).firstChild = index;
+}
+
+// The first child's `prev` stays on the last child.
+void LinkBehind(DocumentState& document, std::int32_t parent, std::int32_t after,
+                std::int32_t position) {
+    ElementRecord& record = RecordAt(document, position);
+    const auto index = static_cast<std::uint32_t>(position);
+    record.next = RecordAt(document, after).next;
+    record.prev = static_cast<std::uint32_t>(after);
+    RecordAt(document, after).next = index;
+    const std::uint32_t behind =
+        record.next != 0 ? record.next : RecordAt(document, parent).firstChild;
+    (*document.records)[behind].prev = index;
+}
+
+void Link(DocumentState& document, const Place& place, std::int32_t position) {
+    ElementRecord& record = RecordAt(document, position);
+    record.parent = static_cast<std::uint32_t>(place.parent);
+    record.SetLevel(RecordAt(document, place.parent).Level() + 1);
+    if (place.after == 0) {
+        LinkAsFirst(document, place.parent, position);
+    } else {
+        LinkBehind(document, place.parent, place.after, position);
+    }
+}
+
+// The parent's own numbers, once its single tag is two.
+void OpenParent(DocumentState& document, const Place& place, const Insertion& insertion,
+                std::int32_t delta) {
+    ElementRecord& parent = RecordAt(document, place.parent);
+    const auto slashes = static_cast<std::uint32_t>(place.removed != 0 ? place.removed - 1 : 0);
+    parent.SetTagLengths(parent.StartTagLength() - slashes, insertion.parentEndTag);
+    parent.flagsAndLevel &= ~kRecordUnended;
+    parent.length += static_cast<std::uint32_t>(delta);
+}
+
+std::int32_t InsertElement(DocumentState& document, const Place& place, const NewElement& element,
+                           const Insertion& insertion) {
+    MakeRoom(document.text, document.text.size() - place.removed + insertion.text.size());
+    const std::int32_t position = TakeRecord(document); // the last that may throw
+    const auto delta =
+        static_cast<std::int32_t>(insertion.text.size()) - static_cast<std::int32_t>(place.removed);
+    Splice(document, place.offset, place.removed, insertion.text.data(), insertion.text.size());
+    element.FillRecord(RecordAt(document, position), place.offset + insertion.elementAt);
+    Link(document, place, position);
+    if (place.opensParent) {
+        OpenParent(document, place, insertion, delta);
+        Adjust(document, place.parent, delta, true);
+    } else {
+        Adjust(document, position, delta, true);
+    }
+    return position;
+}
+
+} // namespace
+
+bool IsWritableName(const wchar_t* name) {
+    std::size_t length = 0;
+    while (!EndsName(name[length]) && !EndsCallerName(name[length])) ++length;
+    return length != 0 && name[length] == L'\0';
+}
+
+bool AddElement(DocumentState& document, const wchar_t* name, const wchar_t* value,
+                std::uint32_t flags) {
+    if (document.Has(kDocStreams) || !PositionsHold(document)) return false;
+    Place place;
+    NewElement element;
+    Insertion insertion;
+    if (!FindPlace(document, flags, place) || !WriteElement(name, value, flags, element) ||
+        !WriteInsertion(document, place, element, flags, insertion) ||
+        !TextStaysInBounds(document, place.removed, insertion.text.size())) {
+        return false;
+    }
+    const std::int32_t added = InsertElement(document, place, element, insertion);
+    if ((flags & kAddAsChild) != 0) {
+        SetPosition(document, document.parentPos, document.currentPos, added);
+    } else {
+        SetPosition(document, document.parentPos, added, 0);
+    }
+    return true;
+}
+
+} // namespace ObLibX

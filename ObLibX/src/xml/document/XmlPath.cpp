@@ -1,0 +1,128 @@
+#include "ObLibX/src/xml/document/XmlPath.h"
+
+#include <limits>
+
+#include "ObLibX/src/xml/names/XmlCharacters.h"
+
+namespace ObLibX {
+namespace {
+
+// Carried along the path. Each Read... gives false on what isn't allowed there.
+struct PathCursor {
+    const wchar_t* at;
+
+    bool Take(wchar_t unit) {
+        if (*at != unit) return false;
+        ++at;
+        return true;
+    }
+
+    bool ReadName(std::wstring_view& name) {
+        name = {at, CallerNameLength(at)};
+        at += name.size();
+        return !name.empty();
+    }
+
+    // What stands before `end`, which is passed over.
+    bool ReadUpTo(wchar_t end, std::wstring_view& text) {
+        const wchar_t* from = at;
+        while (*at != L'\0' && *at != end) ++at;
+        text = {from, static_cast<std::size_t>(at - from)};
+        return Take(end);
+    }
+};
+
+bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
+
+// N]
+bool ReadCount(PathCursor& cursor, PathStep& step) {
+    constexpr std::uint32_t kHighest = std::numeric_limits<std::uint32_t>::max();
+    step.test = StepTest::Count;
+    step.count = 0;
+    for (; IsDigit(*cursor.at); ++cursor.at) {
+        const auto digit = static_cast<std::uint32_t>(*cursor.at - L'0');
+        const bool fits = step.count < kHighest / 10;
+        step.count = fits ? step.count * 10 + digit : kHighest;
+    }
+    return cursor.Take(L']');
+}
+
+// "value"], 'value'] or value]
+bool ReadValue(PathCursor& cursor, PathStep& step) {
+    step.test = StepTest::Value;
+    for (const wchar_t quote : {L'"', L'\''}) {
+        if (cursor.Take(quote)) return cursor.ReadUpTo(quote, step.value) && cursor.Take(L']');
+    }
+    return cursor.ReadUpTo(L']', step.value);
+}
+
+// name] or name=value], behind the @
+bool ReadAttributeTest(PathCursor& cursor, PathStep& step) {
+    step.test = StepTest::Attribute;
+    if (!cursor.ReadName(step.testName)) return false;
+    return cursor.Take(L'=') ? ReadValue(cursor, step) : cursor.Take(L']');
+}
+
+// Behind the [ and up to behind the ]. A number that begins with 0 is no number but the name of a
+// child, and there is none of that name.
+bool ReadTest(PathCursor& cursor, PathStep& step) {
+    if (IsDigit(*cursor.at) && *cursor.at != L'0') return ReadCount(cursor, step);
+    if (cursor.Take(L'@')) return ReadAttributeTest(cursor, step);
+    step.test = StepTest::Child;
+    return cursor.ReadName(step.testName) && cursor.Take(L']');
+}
+
+bool ReadStep(PathCursor& cursor, PathStep& step) {
+    if (!cursor.ReadName(step.name)) return false;
+    if (cursor.Take(L'[') && !ReadTest(cursor, step)) return false;
+    return *cursor.at == L'/' || *cursor.at == L'\0';
+}
+
+// name, behind the /@, and nothing after it
+bool ReadAttributeStep(PathCursor& cursor, std::wstring_view& attribute) {
+    return cursor.ReadName(attribute) && *cursor.at == L'\0';
+}
+
+} // namespace
+
+std::size_t CallerNameLength(const wchar_t* name) {
+    std::size_t length = 0;
+    while (!EndsCallerName(name[length])) ++length;
+    return length;
+}
+
+XmlPath::XmlPath(const wchar_t* path) {
+    if (path == nullptr || *path == L'\0') return;
+    PathCursor cursor{path};
+    type_ = PathType::Relative;
+    if (cursor.Take(L'/')) type_ = cursor.Take(L'/') ? PathType::Below : PathType::Absolute;
+    do {
+        if (count_ != 0 && cursor.Take(L'@')) {
+            bad_ = type_ == PathType::Below || !ReadAttributeStep(cursor, attribute_);
+            return;
+        }
+        PathStep step;
+        bad_ = !ReadStep(cursor, step) || *step.name.data() == L'@' ||
+               (type_ == PathType::Below && count_ != 0);
+        if (bad_) return;
+        Add(step);
+    } while (cursor.Take(L'/'));
+}
+
+bool XmlPath::HasChildTest() const {
+    for (std::size_t i = 0; i < count_; ++i) {
+        if ((*this)[i].test == StepTest::Child) return true;
+    }
+    return false;
+}
+
+void XmlPath::Add(const PathStep& step) {
+    if (count_ < kFewSteps) {
+        few_[count_] = step;
+    } else {
+        more_.push_back(step);
+    }
+    ++count_;
+}
+
+} // namespace ObLibX

@@ -1,0 +1,47 @@
+// The one source of this room that sees the system.
+#include <windows.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "ObLibX/src/xml/encoding/SystemText.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr std::size_t kMostErrorText = 100;
+
+} // namespace
+
+std::int32_t SystemToWide(std::uint32_t codePage, const char* in, std::int32_t length, wchar_t* out,
+                          std::int32_t capacity) {
+    return MultiByteToWideChar(codePage, 0, in, length, out, out == nullptr ? 0 : capacity);
+}
+
+std::int32_t SystemFromWide(std::uint32_t codePage, const wchar_t* in, std::int32_t length,
+                            char* out, std::int32_t capacity, std::int32_t* usedDefault) {
+    BOOL used = FALSE;
+    const int bytes =
+        WideCharToMultiByte(codePage, 0, in, length, out, out == nullptr ? 0 : capacity, nullptr,
+                            usedDefault == nullptr ? nullptr : &used);
+    if (usedDefault != nullptr) {
+        *usedDefault = used;
+    }
+    return bytes;
+}
+
+std::uint32_t SystemCodePage() { return GetACP(); }
+
+std::uint32_t SystemLastError() { return GetLastError(); }
+
+// The system has no text at all for a buffer that is too small, so it gets a larger one than is
+// wanted.
+std::wstring SystemErrorText(std::uint32_t error) {
+    wchar_t text[1024];
+    const DWORD length =
+        FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
+                       0, text, static_cast<DWORD>(std::size(text)), nullptr);
+    return {text, std::min<std::size_t>(length, kMostErrorText)};
+}
+
+} // namespace ObLibX

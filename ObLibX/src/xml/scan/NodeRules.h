@@ -1,0 +1,60 @@
+// The scanner's rules: one step through a text, character by character. For TagScanner only; the
+// quick way of QuickScan.h gives the same for the nodes that it takes.
+#pragma once
+
+#include "ObLibX/src/xml/scan/TagScanner.h"
+
+namespace ObLibX {
+
+// What ends a node.
+enum class Terminator { None, Less, Greater, Instruction, Comment, Cdata };
+
+// One step: reads from the scanner's cursor to the end of a node. Made anew for each node.
+class NodeRules {
+public:
+    NodeRules(TagScanner& scanner, NodeScan& scan) : scanner_(scanner), scan_(scan) {}
+
+    // Fills the node and leaves the scanner's cursor behind it. Throws std::bad_alloc.
+    void Run();
+
+private:
+    // What a character does to the node.
+    enum class Verdict { GoOn, EndBefore, EndBehind };
+
+    Verdict Apply(wchar_t unit);
+    void AtStart(wchar_t unit);
+    void AfterLess(wchar_t unit);
+    void AfterExclamation(wchar_t unit);
+    void AfterExclamationInDocType(wchar_t unit);
+    void AfterDash(wchar_t unit);
+    void AfterBracket(wchar_t unit);
+    bool NameGoesOn(wchar_t unit);
+    Verdict WithoutTerminator(wchar_t unit);
+    Verdict AtGreater();
+    bool PrecededByTerminator() const;
+    bool SlashEndsTag() const;
+    void Quotes(wchar_t unit);
+    void QuotesInStartTag(wchar_t unit);
+    void QuotesInDocType(wchar_t unit);
+
+    void Decide(std::int32_t type, Terminator terminator);
+    void BeginName(std::int32_t offset);
+    void SyntaxError(const wchar_t* name);
+    bool MoreText();
+    void AtEndOfText();
+    void Finish();
+
+    bool Has(std::uint32_t state) const { return (states_ & state) != 0; }
+    bool InQuotes() const;
+
+    TagScanner& scanner_;
+    NodeScan& scan_;
+    std::int32_t type_;
+    Terminator terminator_ = Terminator::None;
+    std::uint32_t states_ = 0;
+    bool malformed_ = false;
+    wchar_t last_ = 0; // the two units before the one that is looked at
+    wchar_t lastButOne_ = 0;
+};
+
+} // namespace ObLibX

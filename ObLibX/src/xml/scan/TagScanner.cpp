@@ -1,0 +1,124 @@
+#include "ObLibX/src/xml/scan/TagScanner.h"
+
+#include <algorithm>
+
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/encoding/TextFileChannel.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/AttributeWalk.h"
+#include "ObLibX/src/xml/scan/NodeRules.h"
+#include "ObLibX/src/xml/scan/QuickScan.h"
+
+namespace ObLibX {
+namespace {
+
+AttributeWalk WalkFrom(const TagScanner& scanner) {
+    const wchar_t* const text = scanner.textPointer;
+    return {text, text + scanner.cursor, text + scanner.textLength};
+}
+
+void SetToken(TagScanner& scanner, const UnitSpan& token) {
+    scanner.tokenStart = static_cast<std::int32_t>(token.start - scanner.textPointer);
+    scanner.tokenEnd = static_cast<std::int32_t>(token.end - scanner.textPointer) - 1;
+    scanner.tokenFlags = (scanner.tokenFlags & ~kTokenQuoted) | (token.quoted ? kTokenQuoted : 0);
+}
+
+void SetCursor(TagScanner& scanner, const wchar_t* at) {
+    scanner.cursor = static_cast<std::int32_t>(at - scanner.textPointer);
+}
+
+} // namespace
+
+std::int32_t TagScanner::NextNode(NodeScan& scan) {
+    scan.report.clear();
+    if (!QuickNode(*this, scan)) {
+        NodeRules(*this, scan).Run();
+    }
+    return scan.type;
+}
+
+bool TagScanner::ReadMore(NodeScan& scan) {
+    while (channel != nullptr) {
+        channel->bufferKeepFrom =
+            preservedLength > 0 ? std::min(scan.start, preservedStart) : scan.start;
+        if (!channel->ReadMore()) {
+            return false;
+        }
+        const std::int32_t removed = channel->bufferRemoved;
+        textPointer = channel->documentText->data();
+        textLength = static_cast<std::int32_t>(channel->documentText->size());
+        scan.start -= removed;
+        cursor -= removed;
+        tokenStart -= removed;
+        tokenEnd -= removed;
+        preservedStart -= removed;
+        if (cursor < textLength) {
+            return true; // a block may also be empty, when all its units were dropped
+        }
+    }
+    return false;
+}
+
+bool TagScanner::NextName() {
+    const wchar_t* const end = textPointer + textLength;
+    const wchar_t* const start = SkipSpace(textPointer + cursor, end);
+    const UnitSpan name{start, FindUnit(start, end, NameEnd{})};
+    SetToken(*this, name);
+    SetCursor(*this, name.end);
+    return name.start != name.end;
+}
+
+bool TagScanner::NextAttributeName() {
+    AttributeWalk walk = WalkFrom(*this);
+    const UnitSpan name = walk.Name();
+    SetToken(*this, name);
+    SetCursor(*this, walk.At());
+    return name.start != name.end;
+}
+
+bool TagScanner::NextValue() {
+    AttributeWalk walk = WalkFrom(*this);
+    const UnitSpan value = walk.Value();
+    SetToken(*this, value);
+    SetCursor(*this, walk.At());
+    return value.quoted || value.start != value.end;
+}
+
+bool TagScanner::TokenIs(const wchar_t* name, std::size_t length) const {
+    return TokenLength() == static_cast<std::int32_t>(length) &&
+           SameName(Token(), name, length, (tokenFlags & kDocIgnoreCase) != 0);
+}
+
+bool TagScanner::FindAttribute(const wchar_t* name, std::size_t length) {
+    const bool ignoresCase = (tokenFlags & kDocIgnoreCase) != 0;
+    AttributeWalk walk = WalkFrom(*this);
+    UnitSpan found;
+    UnitSpan value;
+    while (walk.Next(found, value)) {
+        if (static_cast<std::size_t>(found.end - found.start) == length &&
+            SameName(found.start, name, length, ignoresCase)) {
+            SetToken(*this, value);
+            SetCursor(*this, walk.At());
+            return true;
+        }
+    }
+    SetCursor(*this, walk.At());
+    return false;
+}
+
+bool TagScanner::FindAttributeAt(std::int32_t index) {
+    AttributeWalk walk = WalkFrom(*this);
+    UnitSpan name;
+    UnitSpan value;
+    for (; walk.Next(name, value); --index) {
+        if (index == 0) {
+            SetToken(*this, name);
+            SetCursor(*this, name.end);
+            return true;
+        }
+    }
+    SetCursor(*this, walk.At());
+    return false;
+}
+
+} // namespace ObLibX
