@@ -1,0 +1,250 @@
+// Sizes at and beyond the limits, without recursion and in linear time; memory that runs out.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <new>
+
+#include "tests/unit/ObLibX/xml/AllocationFailure.h"
+#include "tests/unit/ObLibX/xml/document/Records.h"
+#include "tests/unit/ObLibX/xml/scan/Scans.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr std::size_t kMillion = 1000000;
+
+std::wstring Times(std::wstring_view piece, std::size_t count) {
+    std::wstring text;
+    text.reserve(piece.size() * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        text += piece;
+    }
+    return text;
+}
+
+double SecondsOf(XmlOffsetDocument& document, const std::wstring& text) {
+    const auto began = std::chrono::steady_clock::now();
+    document.SetText(std::wstring_view(text));
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
+}
+
+// Four times the text takes about four times as long; with quadratic work it would take sixteen
+// times. The best of three, and only texts that take long enough to tell.
+void ExpectLinear(std::wstring (*textOf)(std::size_t), std::size_t count) {
+    double small = 1e9;
+    double large = 1e9;
+    XmlOffsetDocument document;
+    const std::wstring smallText = textOf(count);
+    const std::wstring largeText = textOf(4 * count);
+    for (int i = 0; i < 3; ++i) {
+        small = std::min(small, SecondsOf(document, smallText));
+        large = std::min(large, SecondsOf(document, largeText));
+    }
+    EXPECT_LT(large, 10 * small + 0.05) << "small " << small << " s";
+}
+
+TEST(ParserLimits, ADepthOfAMillionKeepsTheLevelOutOfTheFlags) {
+    XmlOffsetDocument document;
+    EXPECT_TRUE(
+        document.SetText(std::wstring_view(Times(L"<a>", kMillion) + Times(L"</a>", kMillion))));
+    EXPECT_EQ(FaultsOf(document), "");
+    const ElementRecordTable& records = *document.State().records;
+    EXPECT_EQ(records[65534].flagsAndLevel, kRecordFirstSibling | 65534);
+    EXPECT_EQ(records[65535].flagsAndLevel, kRecordFirstSibling | 65535);
+    EXPECT_EQ(records[65536].flagsAndLevel, kRecordFirstSibling | 65535);
+    EXPECT_EQ(records[kMillion].flagsAndLevel, kRecordFirstSibling | 65535);
+    EXPECT_EQ(records[kMillion].parent, kMillion - 1);
+    EXPECT_EQ(records[1].length, 7 * kMillion);
+}
+
+TEST(ParserLimits, AMillionUnendedTagsBecomeSiblings) {
+    XmlOffsetDocument document;
+    EXPECT_FALSE(document.SetText(std::wstring_view(Times(L"<a>", kMillion))));
+    EXPECT_EQ(FaultsOf(document), "");
+    const ElementRecordTable& records = *document.State().records;
+    for (std::uint32_t i = 1; i <= kMillion; ++i) {
+        ASSERT_EQ(records[i].parent, 0u);
+        ASSERT_EQ(records[i].next, i == kMillion ? 0 : i + 1);
+        ASSERT_EQ(records[i].Has(kRecordFirstSibling), i == 1);
+    }
+    EXPECT_EQ(records[1].prev, kMillion);
+    EXPECT_LT(document.Result().size(), 1100u);
+}
+
+TEST(ParserLimits, UnendedTagsTakeLinearTime) {
+    ExpectLinear([](std::size_t count) { return Times(L"<a><b/>", count); }, 250000);
+    ExpectLinear([](std::size_t count) { return L"<r>" + Times(L"<a><b/>", count) + L"</r>"; },
+                 250000);
+}
+
+TEST(ParserLimits, SyntaxErrorsTakeLinearTime) {
+    ExpectLinear([](std::size_t count) { return Times(L"<1>", count); }, 250000);
+    ExpectLinear([](std::size_t count) { return Times(L"<", count); }, 250000);
+    ExpectLinear([](std::size_t count) { return L"<!DOCTYPE" + Times(L"<!--", count); }, 250000);
+    ExpectLinear([](std::size_t count) { return Times(L"<a b='", count); }, 250000);
+}
+
+std::wstring StartTagOf(std::size_t units) { return L"<a " + std::wstring(units - 4, L'b') + L">"; }
+
+TEST(ParserLimits, AStartTagThatFitsItsFieldIsOrdinary) {
+    XmlOffsetDocument document;
+    EXPECT_TRUE(document.SetText(std::wstring_view(StartTagOf(4194303) + L"</a>")));
+    const ElementRecord& record = (*document.State().records)[1];
+    EXPECT_EQ(record.StartTagLength(), 4194303u);
+    EXPECT_EQ(record.EndTagLength(), 4u);
+    EXPECT_EQ(record.length, 4194307u);
+    EXPECT_TRUE(document.Result().empty());
+}
+
+TEST(ParserLimits, AStartTagOneLongerIsIndexedAsBadAndReported) {
+    XmlOffsetDocument document;
+    EXPECT_FALSE(document.SetText(std::wstring_view(L"<r>" + StartTagOf(4194304) + L"</a></r>")));
+    const ElementRecordTable& records = *document.State().records;
+    EXPECT_EQ(records[2].StartTagLength(), 4194303u);
+    EXPECT_EQ(records[2].EndTagLength(), 4u);
+    EXPECT_EQ(records[2].length, 4194308u);
+    EXPECT_TRUE(records[2].Has(kRecordBad));
+    EXPECT_TRUE(records[1].Has(kRecordBadBelow));
+    EXPECT_TRUE(records[0].Has(kRecordBad));
+    EXPECT_EQ(ReportsOf(document), "<tag_too_long type=\"start_tag\" offset=\"3\"/>");
+}
+
+TEST(ParserLimits, AnEmptyElementsTagOneLongerKeepsItsWholeLength) {
+    XmlOffsetDocument document;
+    const std::wstring tag = L"<a " + std::wstring(4194304 - 5, L' ') + L"/>";
+    EXPECT_FALSE(document.SetText(std::wstring_view(L"<r>" + tag + L"<b/></r>")));
+    EXPECT_EQ(FaultsOf(document), "");
+    const ElementRecordTable& records = *document.State().records;
+    EXPECT_EQ(records[2].length, 4194304u);
+    EXPECT_EQ(records[2].tagLengths, 4194303u);
+    EXPECT_TRUE(records[2].Has(kRecordBad));
+    EXPECT_EQ(records[2].next, 3u);
+    EXPECT_EQ(ReportsOf(document), "<tag_too_long type=\"start_tag\" offset=\"3\"/>");
+}
+
+TEST(ParserLimits, ANameTooLongForATagIsLeftOutOfItsReport) {
+    XmlOffsetDocument document;
+    EXPECT_FALSE(document.SetText(std::wstring_view(L"<a/></" + std::wstring(4194304, L'b'))));
+    EXPECT_EQ(ReportsOf(document), "<unterminated_tag_syntax type=\"end_tag\" offset=\"4\"/>");
+    EXPECT_FALSE(
+        document.SetText(std::wstring_view(L"<a/></" + std::wstring(4194304, L'b') + L">")));
+    EXPECT_EQ(ReportsOf(document), "<lone_end_tag offset=\"4\"/>");
+}
+
+TEST(ParserLimits, AnEndTagMayHaveAsManyUnitsAsItsFieldHolds) {
+    XmlOffsetDocument document;
+    EXPECT_TRUE(document.SetText(std::wstring_view(L"<a></a" + std::wstring(1019, L' ') + L">")));
+    EXPECT_EQ((*document.State().records)[1].EndTagLength(), 1023u);
+    EXPECT_FALSE(document.SetText(std::wstring_view(L"<a></a" + std::wstring(1020, L' ') + L">")));
+    const ElementRecord& record = (*document.State().records)[1];
+    EXPECT_EQ(record.EndTagLength(), 1023u);
+    EXPECT_EQ(record.StartTagLength(), 3u);
+    EXPECT_EQ(record.length, 1027u);
+    EXPECT_TRUE(record.Has(kRecordBad));
+    EXPECT_EQ(ReportsOf(document), "<tag_too_long type=\"end_tag\" offset=\"3\"/>");
+}
+
+TEST(ParserLimits, ATextOfAHundredMillionUnitsIsRead) {
+    std::wstring text(std::size_t{1} << 27, L'x');
+    text.replace(0, 3, L"<a>");
+    text.replace(text.size() - 4, 4, L"</a>");
+    XmlOffsetDocument document;
+    EXPECT_TRUE(document.SetText(std::wstring_view(text)));
+    EXPECT_EQ((*document.State().records)[1].length, 1u << 27);
+    EXPECT_EQ((*document.State().records)[0].length, 1u << 27);
+    EXPECT_FALSE(document.SetText(nullptr));
+}
+
+TEST(ParserLimits, ATextOfTwoThousandMillionUnitsIsRefusedUnread) {
+    XmlOffsetDocument document;
+    ASSERT_TRUE(document.SetText(L"<a/>"));
+    // Nobody looks at units of a text that is too long, so that it needn't be there.
+    EXPECT_FALSE(document.SetText(std::wstring_view(L"", std::size_t{1} << 31)));
+    EXPECT_EQ(document.Text(), L"<a/>");
+    EXPECT_EQ(document.State().nextFreePos, 2);
+}
+
+// ---- Memory
+
+// Of a text that is set in a document that exists.
+std::size_t AllocationsOf(const std::wstring& text) {
+    struct Work {
+        XmlOffsetDocument document;
+        const std::wstring& text;
+        bool answer = false;
+    } work{.document = {}, .text = text};
+    const auto run = [](void* context) {
+        Work& at = *static_cast<Work*>(context);
+        at.answer = at.document.SetText(std::wstring_view(at.text));
+    };
+    const std::size_t count = CountAllocations(run, &work);
+    EXPECT_TRUE(work.answer);
+    return count;
+}
+
+TEST(ParserMemory, NoNodeIsAnAllocation) {
+    const std::wstring few = L"<r>" + Times(L"<a b='c'>d</a><!--e-->", 1000) + L"</r>";
+    const std::wstring many = L"<r>" + Times(L"<a b='c'>d</a><!--e-->", 100000) + L"</r>";
+    // The text, and the segments as they grow.
+    EXPECT_LE(AllocationsOf(few), 8u);
+    EXPECT_LE(AllocationsOf(many), 16u);
+}
+
+// Each allocation fails in turn; the document is then set anew, and another is released as it is.
+void ExpectEachFailureSurvived(const std::wstring& text, bool andLater) {
+    std::size_t which = 0;
+    for (bool failed = true; failed; ++which) {
+        ASSERT_LT(which, 5000u);
+        {
+            XmlOffsetDocument released;
+            const AllocationFailure failure(which, andLater);
+            try {
+                released.SetText(std::wstring_view(text));
+            } catch (const std::bad_alloc&) {
+                EXPECT_TRUE(failure.Happened());
+            }
+        }
+        XmlOffsetDocument document;
+        {
+            const AllocationFailure failure(which, andLater);
+            try {
+                document.SetText(std::wstring_view(text));
+            } catch (const std::bad_alloc&) {
+            }
+            failed = failure.Happened();
+        }
+        ASSERT_TRUE(document.SetText(L"<a><b/></a>")) << "after failure " << which;
+        ASSERT_EQ(FaultsOf(document), "") << "after failure " << which;
+        ASSERT_EQ(document.State().nextFreePos, 3);
+    }
+    EXPECT_GT(which, 3u) << "nothing was allocated";
+}
+
+TEST(ParserMemory, EachAllocationMayFail) {
+    const std::wstring good = L"<r>" + Times(L"<a><b/></a>", 3000) + L"</r>";
+    const std::wstring bad = Times(L"<long_name_of_an_element><1>", 30) + L"</none>";
+    for (const bool andLater : {false, true}) {
+        ExpectEachFailureSurvived(good, andLater);
+        ExpectEachFailureSurvived(bad, andLater);
+        ExpectEachFailureSurvived(bad + L"<!DOCTYPE a [<!X>]>", andLater);
+        ExpectEachFailureSurvived(L"<a/><b>", andLater);
+    }
+}
+
+TEST(ParserMemory, ADocumentThatCantBeMadeLeavesNothing) {
+    std::size_t which = 0;
+    for (bool failed = true; failed; ++which) {
+        const AllocationFailure failure(which, false);
+        try {
+            XmlOffsetDocument document;
+        } catch (const std::bad_alloc&) {
+        }
+        failed = failure.Happened();
+    }
+    // The records, their table, its pointers and the saved positions, and the run that came
+    // through.
+    EXPECT_GE(which, 5u);
+}
+
+} // namespace
+} // namespace ObLibX
