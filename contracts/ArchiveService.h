@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-namespace obcore {
+namespace obcontract {
 
 inline constexpr wchar_t kArchiveServiceFileName[] = L"obofcsvc64.dll";
 
@@ -97,4 +97,4 @@ struct ArchiveServiceEntries {
 
 static_assert(sizeof(ArchiveServiceEntries) == 28 * sizeof(void*));
 
-} // namespace obcore
+} // namespace obcontract

@@ -11,6 +11,8 @@
 
 #include <cstdint>
 
+namespace obcontract {
+
 // Supplied by the hook with each call of an export, on the browser thread that made the call.
 // Owned by the caller; the library never keeps the pointer beyond that call.
 class BrowserContext {
@@ -53,3 +55,5 @@ protected:
 };
 
 static_assert(sizeof(BrowserContext) == sizeof(void*), "an interface is one table pointer");
+
+} // namespace obcontract

@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace obcore {
+namespace obcontract {
 
 inline constexpr wchar_t kExchangeBlockNameFormat[] = L"WEBVELLANT_SM_%d";
 inline constexpr std::size_t kExchangeBlockNameCapacity = 32; // wide characters
@@ -104,4 +104,4 @@ static_assert(offsetof(DialogAnswerFields, FolderOffset) + 24 == 28);
 static_assert(offsetof(DialogAnswerFields, PathListOffset) + 24 == 32);
 static_assert(offsetof(ExchangeBlock, TextArea) == kTextAreaOffset);
 
-} // namespace obcore
+} // namespace obcontract

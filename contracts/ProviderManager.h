@@ -14,7 +14,7 @@ namespace ObPVX {
 class ObPvxCallback;
 }
 
-namespace obcore {
+namespace obcontract {
 
 inline constexpr wchar_t kProviderManagerFileName[] = L"PVXManager64.dll";
 inline constexpr wchar_t kProviderManagerKey[] = L"Software\\Tavi Ren Computing\\Ombrix\\PVX";
@@ -237,4 +237,4 @@ struct ProviderManagerEntries {
 
 static_assert(sizeof(ProviderManagerEntries) == 32 * sizeof(void*));
 
-} // namespace obcore
+} // namespace obcontract

@@ -12,11 +12,12 @@
 #include "obwmv/HostLaunch.h"
 #include "obwmv/SiteRules.h"
 
+using obcontract::BrowserContext;
+using obcontract::ExchangeBlock;
+using obcontract::ExchangeStatus;
+
 namespace obwmv {
 namespace {
-
-using obcore::ExchangeBlock;
-using obcore::ExchangeStatus;
 
 // The last id given to a block of the dialog road; the first of a process is 1.
 std::atomic<std::uint32_t> dialogId = 0;

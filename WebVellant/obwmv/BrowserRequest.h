@@ -19,10 +19,10 @@ inline constexpr HRESULT kCancelled = static_cast<HRESULT>(0x800704C7);
 // Open-file-name road. Of `request` only lpstrFile is written, as long as the host's list is: the
 // host kept to nMaxFile. FALSE on every failure: the page sees a cancelled dialog. Throws
 // std::bad_alloc only.
-BOOL RunOpenFileNameRequest(OPENFILENAMEW* request, BrowserContext* context);
+BOOL RunOpenFileNameRequest(OPENFILENAMEW* request, obcontract::BrowserContext* context);
 
 // Dialog road. Empties the result map first, and keeps what was picked there under `dialog`, of
 // which only GetOptions is called. 0x800704C7 on every failure. Throws std::bad_alloc only.
-HRESULT RunDialogRequest(IFileDialog* dialog, HWND owner, BrowserContext* context);
+HRESULT RunDialogRequest(IFileDialog* dialog, HWND owner, obcontract::BrowserContext* context);
 
 } // namespace obwmv

@@ -3,6 +3,8 @@
 #include "obwmv/BrowserRequest.h"
 #include "obwmv/OBHook.h"
 
+using obcontract::BrowserContext;
+
 namespace {
 
 using obwmv::Progress;

@@ -16,18 +16,19 @@ extern "C" {
 // Browser process. Called by the hook in place of GetOpenFileNameW, with its result. The calling
 // thread is held and dispatches its messages meanwhile. FALSE for a cancel and for a failure after
 // the picker was asked for; before that the browser's own dialog answers.
-BOOL GetOpenFileNameInBrowser(OPENFILENAMEW* request, BrowserContext* context);
+BOOL GetOpenFileNameInBrowser(OPENFILENAMEW* request, obcontract::BrowserContext* context);
 
 // Browser process. In place of IFileDialog::Show, as above; the failure value is 0x800704C7.
 // `dialog` is a key for the two queries below and is never shown by the library.
-HRESULT FileOpenDialog_ShowInBrowser(IFileDialog* dialog, HWND owner, BrowserContext* context);
+HRESULT FileOpenDialog_ShowInBrowser(IFileDialog* dialog, HWND owner,
+                                     obcontract::BrowserContext* context);
 
 // Browser process, any number of times after FileOpenDialog_ShowInBrowser with the same dialog.
 // S_FALSE, with `out` left alone, when the run gave no single path or none at all.
 HRESULT FileOpenDialog_GetResultInBrowser(IFileDialog* dialog, IShellItem** out,
-                                          BrowserContext* context);
+                                          obcontract::BrowserContext* context);
 HRESULT FileOpenDialog_GetResultsInBrowser(IFileDialog* dialog, IShellItemArray** out,
-                                           BrowserContext* context);
+                                           obcontract::BrowserContext* context);
 
 // Host process, once, on its main thread with COM initialised. `owner` is the browser side's layer
 // window, `id` that of the block. -1 on failure, 0 when the block was served; the process is to

@@ -4,11 +4,11 @@
 #include "OBCore/exchange/ExchangeRequest.h"
 #include "OBCore/picker/Drivers.h"
 
+using obcontract::ExchangeBlock;
+using obcontract::ExchangeStatus;
+
 namespace obwmv {
 namespace {
-
-using obcore::ExchangeBlock;
-using obcore::ExchangeStatus;
 
 constexpr int kServed = 0;
 constexpr int kFailed = -1;

@@ -18,6 +18,8 @@
 #include "obwmv/ParentWindowAdjuster.h"
 #include "obwmv/SiteRules.h"
 
+using obcontract::BrowserContext;
+
 namespace obwmv {
 namespace {
 

@@ -9,6 +9,8 @@
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
 
+using obcontract::BrowserContext;
+
 namespace {
 
 using bench::Library;

@@ -7,7 +7,7 @@
 
 namespace bench {
 
-class QuickContext final : public BrowserContext {
+class QuickContext final : public obcontract::BrowserContext {
 public:
     explicit QuickContext(std::wstring url) : url_(std::move(url)) {}
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-void AddFolder(const obtest::LoadedService& service, obcore::ZipContext context,
+void AddFolder(const obtest::LoadedService& service, obcontract::ZipContext context,
                const std::wstring& folder) {
     WIN32_FIND_DATAW found;
     const ObLib::UniqueFindHandle search(FindFirstFileW((folder + L"\\*").c_str(), &found));
@@ -38,10 +38,10 @@ int wmain(int count, wchar_t** arguments) {
     const obtest::LoadedService service;
     if (count != 4 || !service.IsComplete()) return 2;
     const auto method = static_cast<std::uint32_t>(_wtoi(arguments[3]));
-    const obcore::ZipContext context = service->CreateZipContext();
+    const obcontract::ZipContext context = service->CreateZipContext();
     AddFolder(service, context, arguments[1]);
     service->SetZipNameW(context, arguments[2]);
-    service->SetCompression(context, obcore::kCompressionDeflate);
+    service->SetCompression(context, obcontract::kCompressionDeflate);
     service->SetEncrypt(context, method);
     if (method != 0) service->SetPassword(context, "a password of the bench");
     const double before = Seconds();

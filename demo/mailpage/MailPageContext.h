@@ -18,7 +18,7 @@ struct CleanupNote {
 };
 
 // Lives for one request, on the browser's thread.
-class MailPageContext final : public BrowserContext {
+class MailPageContext final : public obcontract::BrowserContext {
 public:
     explicit MailPageContext(const Options& options) : options_(options) {}
 

@@ -14,6 +14,10 @@
 
 namespace obcontract {}
 using namespace obcontract;
+using obcontract::ExchangeBlock;
+using obcontract::ExchangeStatus;
+using obcontract::kExchangeBlockSize;
+using obcontract::kTextAreaOffset;
 using namespace obcore;
 
 namespace {

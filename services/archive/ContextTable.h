@@ -14,25 +14,25 @@ namespace obarchive {
 // Any thread. A number is never given twice in a process, and 0 never.
 class ContextTable {
 public:
-    obcore::ZipContext Create();
+    obcontract::ZipContext Create();
 
     // Wipes the password with the job. Unknown contexts are ignored.
-    void Destroy(obcore::ZipContext context);
+    void Destroy(obcontract::ZipContext context);
 
     // Runs `action(job)` under the table's lock; unknown contexts are ignored.
     template <class Action>
-    void Change(obcore::ZipContext context, Action action) {
+    void Change(obcontract::ZipContext context, Action action) {
         const std::lock_guard guard(lock_);
         if (const auto found = jobs_.find(context); found != jobs_.end()) action(found->second);
     }
 
     // The job as it stands now, so that a run is not disturbed by calls from other threads.
-    std::optional<ZipJob> Copy(obcore::ZipContext context) const;
+    std::optional<ZipJob> Copy(obcontract::ZipContext context) const;
 
 private:
     mutable std::mutex lock_;
-    std::map<obcore::ZipContext, ZipJob> jobs_;
-    obcore::ZipContext last_ = 0;
+    std::map<obcontract::ZipContext, ZipJob> jobs_;
+    obcontract::ZipContext last_ = 0;
 };
 
 } // namespace obarchive

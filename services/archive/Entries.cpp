@@ -35,7 +35,7 @@ Result Guarded(Result onException, Action action) noexcept {
 // A setting that can't be kept makes the run impossible: the context is dropped, so that Zip
 // refuses rather than runs without it.
 template <class Action>
-void Set(obcore::ZipContext context, Action action) noexcept {
+void Set(obcontract::ZipContext context, Action action) noexcept {
     try {
         contexts.Change(context, action);
     } catch (...) {
@@ -48,7 +48,7 @@ std::wstring TextOf(const wchar_t* text) { return text ? text : L""; }
 } // namespace
 
 extern "C" {
-using namespace obcore;
+using namespace obcontract; // the contract's tables name its types bare
 #define OB_DECLARE_EXPORT(name, result, arguments) result name arguments;
 OB_ARCHIVE_SERVICE_ENTRIES(OB_DECLARE_EXPORT)
 #undef OB_DECLARE_EXPORT

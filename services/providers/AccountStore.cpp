@@ -21,7 +21,7 @@ bool IsTerminated(const wchar_t (&text)[Capacity]) {
 }
 
 // Whether the texts end inside their fields: whoever gets the record reads them as plain texts.
-bool IsSound(const obcore::ProviderProfile& profile) {
+bool IsSound(const obcontract::ProviderProfile& profile) {
     return IsTerminated(profile.accountLabel) && IsTerminated(profile.accountKey) &&
            profile.reserved == L'\0';
 }
@@ -53,19 +53,19 @@ std::optional<HKEY> PredefinedKey(std::int64_t hive) noexcept {
 
 AccountStore::AccountStore(HKEY hive, std::wstring key) : hive_(hive), key_(std::move(key)) {}
 
-obcore::ProviderProfile AccountStore::DefaultProfile() const {
+obcontract::ProviderProfile AccountStore::DefaultProfile() const {
     const ObLib::UniqueRegistryKey key = OpenKey(hive_, key_);
     if (!key) return {};
-    obcore::ProviderProfile profile{};
+    obcontract::ProviderProfile profile{};
     DWORD type = REG_NONE;
     DWORD size = sizeof(profile);
     const LSTATUS status = RegQueryValueExW(key.Get(), kDefaultProfileValue, nullptr, &type,
                                             reinterpret_cast<BYTE*>(&profile), &size);
     const bool whole = status == ERROR_SUCCESS && type == REG_BINARY && size == sizeof(profile);
-    return whole && IsSound(profile) ? profile : obcore::ProviderProfile{};
+    return whole && IsSound(profile) ? profile : obcontract::ProviderProfile{};
 }
 
-bool AccountStore::SaveDefaultProfile(const obcore::ProviderProfile& profile) const {
+bool AccountStore::SaveDefaultProfile(const obcontract::ProviderProfile& profile) const {
     if (!IsSound(profile)) return false;
     const ObLib::UniqueRegistryKey key = MakeKey(hive_, key_);
     if (!key) return false;

@@ -23,11 +23,11 @@ public:
 
     // The account that uploads go to unless the user says otherwise. An empty profile when there
     // is none, when the key can't be read, or when the value isn't one that was saved here.
-    obcore::ProviderProfile DefaultProfile() const;
+    obcontract::ProviderProfile DefaultProfile() const;
 
     // Saves the record byte by byte and makes the key if need be. False, with the old value kept,
     // when it can't be written or is no record that could be read back.
-    bool SaveDefaultProfile(const obcore::ProviderProfile& profile) const;
+    bool SaveDefaultProfile(const obcontract::ProviderProfile& profile) const;
 
 private:
     HKEY hive_; // predefined: never closed

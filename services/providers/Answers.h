@@ -10,7 +10,8 @@
 // A row of the contract's table against the function of that name: the compiler refuses an export
 // whose signature isn't the contract's.
 #define PROVIDERS_CHECK_ENTRY(name, result, arguments)                                             \
-    static_assert(std::is_same_v<decltype(&name), decltype(obcore::ProviderManagerEntries::name)>);
+    static_assert(                                                                                 \
+        std::is_same_v<decltype(&name), decltype(obcontract::ProviderManagerEntries::name)>);
 
 namespace providers {
 
@@ -27,7 +28,7 @@ Result Guarded(Result otherwise, Work work) noexcept {
 // The same on the session of a manager, and `otherwise` also for a null manager and outside Init
 // and Deinit.
 template <class Result, class Work>
-Result InSession(obcore::ProviderManagerHandle manager, Result otherwise, Work work) noexcept {
+Result InSession(obcontract::ProviderManagerHandle manager, Result otherwise, Work work) noexcept {
     Session* session = manager ? manager->Session() : nullptr;
     if (!session) return otherwise;
     return Guarded(otherwise, [&] { return static_cast<Result>(work(*session)); });

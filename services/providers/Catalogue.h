@@ -11,8 +11,8 @@ namespace providers {
 
 struct CatalogueEntry {
     std::uint32_t providerId;
-    obcore::ProviderKind kind;
-    obcore::CloudProvider* instance; // outlives the manager; null for a transform
+    obcontract::ProviderKind kind;
+    obcontract::CloudProvider* instance; // outlives the manager; null for a transform
 };
 
 // Answers for what is in it, and walks the storage providers in their order. Used by one thread at
@@ -22,18 +22,19 @@ public:
     // Adds a provider; one of the same id and kind is there only once.
     void Add(const CatalogueEntry& entry);
 
-    bool Contains(std::uint32_t providerId, obcore::ProviderKind kind) const noexcept;
+    bool Contains(std::uint32_t providerId, obcontract::ProviderKind kind) const noexcept;
 
     // The instance of a provider, null when there is none.
-    obcore::CloudProvider* Instance(std::uint32_t providerId,
-                                    obcore::ProviderKind kind) const noexcept;
+    obcontract::CloudProvider* Instance(std::uint32_t providerId,
+                                        obcontract::ProviderKind kind) const noexcept;
 
     // The walk over the storage providers: one cursor, null at its end until it starts over.
     void StartOver() noexcept { cursor_ = 0; }
-    obcore::CloudProvider* Next() noexcept;
+    obcontract::CloudProvider* Next() noexcept;
 
 private:
-    const CatalogueEntry* Find(std::uint32_t providerId, obcore::ProviderKind kind) const noexcept;
+    const CatalogueEntry* Find(std::uint32_t providerId,
+                               obcontract::ProviderKind kind) const noexcept;
 
     std::vector<CatalogueEntry> entries_;
     std::size_t cursor_ = 0;

@@ -1,6 +1,6 @@
 #include "services/providers/Manager.h"
 
-void obcore::ObExtensionsManager::Begin(std::int64_t hive, const wchar_t* key) {
+void obcontract::ObExtensionsManager::Begin(std::int64_t hive, const wchar_t* key) {
     End();
     const auto root = providers::PredefinedKey(hive);
     if (!root || !key || *key == L'\0') return;

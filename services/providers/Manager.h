@@ -26,7 +26,7 @@ struct Session {
 } // namespace providers
 
 // The opaque record of the contract. It answers nothing outside a session.
-struct obcore::ObExtensionsManager {
+struct obcontract::ObExtensionsManager {
 public:
     // Begins a session on the state below `key`; one that runs already ends. Without a predefined
     // hive or a key the manager stays without a session.

@@ -15,15 +15,15 @@ public:
     // Mode kSelectUse puts a provider in, kSelectLeaveOut takes it out again. False, with nothing
     // changed, for another mode and for a provider that the catalogue doesn't have.
     bool Select(const Catalogue& catalogue, std::uint32_t mode, std::uint32_t providerId,
-                obcore::ProviderKind kind);
+                obcontract::ProviderKind kind);
 
     // Whether any provider of the kind is in.
-    bool HasAny(obcore::ProviderKind kind) const noexcept;
+    bool HasAny(obcontract::ProviderKind kind) const noexcept;
 
 private:
     struct Selected {
         std::uint32_t providerId;
-        obcore::ProviderKind kind;
+        obcontract::ProviderKind kind;
         bool operator==(const Selected&) const = default;
     };
     std::vector<Selected> selected_;

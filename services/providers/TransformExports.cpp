@@ -4,7 +4,7 @@
 
 #include "services/providers/Answers.h"
 
-using namespace obcore;
+using namespace obcontract; // the contract's tables name its types bare
 using namespace providers;
 
 extern "C" {

@@ -5,6 +5,8 @@
 #include "tests/support/PasswordUiDriver.h"
 #include "tests/support/ProductRegistry.h"
 
+using obcontract::BrowserContext;
+
 namespace obtest {
 namespace {
 

@@ -26,7 +26,7 @@ inline constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
 enum class Choice : UINT { Zip = 101, Encrypt = 102, None = 103 };
 
 // A browser with a mail page, which notes what it is asked and told.
-class FakeBrowser final : public BrowserContext {
+class FakeBrowser final : public obcontract::BrowserContext {
 public:
     BOOL CallGetOpenFileName(OPENFILENAMEW* request) override;
     HRESULT CallShow(IFileDialog* dialog, HWND owner) override;

@@ -170,9 +170,10 @@ public:
     explicit BlockOf(int id)
         : section_(OpenFileMappingW(FILE_MAP_READ, FALSE,
                                     (L"WEBVELLANT_SM_" + std::to_wstring(id)).c_str())),
-          bytes_(section_ ? static_cast<const std::uint8_t*>(MapViewOfFile(
-                                section_.Get(), FILE_MAP_READ, 0, 0, obcore::kExchangeBlockSize))
-                          : nullptr) {}
+          bytes_(section_
+                     ? static_cast<const std::uint8_t*>(MapViewOfFile(
+                           section_.Get(), FILE_MAP_READ, 0, 0, obcontract::kExchangeBlockSize))
+                     : nullptr) {}
     bool Ok() const { return static_cast<bool>(bytes_); }
 
     // Whether everything in one of its pages of 4,096 bytes is 0.

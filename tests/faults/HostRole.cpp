@@ -13,11 +13,11 @@
 #include "tests/e2e/ZipContents.h"
 #include "tests/support/ProductRegistry.h"
 
+using obcontract::ExchangeBlock;
+using obcontract::ExchangeStatus;
+
 namespace obtest {
 namespace {
-
-using obcore::ExchangeBlock;
-using obcore::ExchangeStatus;
 
 std::uint32_t lastId = 0;
 

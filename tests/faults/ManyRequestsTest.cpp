@@ -60,16 +60,16 @@ protected:
 // An ended process whose handle is given out again and again.
 HANDLE endedProcess;
 
-void Answer(obcore::ExchangeBlock& block) {
-    if (block.Status == obcore::ExchangeStatus::DialogRequest) {
+void Answer(obcontract::ExchangeBlock& block) {
+    if (block.Status == obcontract::ExchangeStatus::DialogRequest) {
         obcore::WriteDialogAnswer(block, {L"C:\\f"});
         block.Result = S_OK;
         return;
     }
-    block.Status = obcore::ExchangeStatus::OpenFileNameTaken;
+    block.Status = obcontract::ExchangeStatus::OpenFileNameTaken;
     block.Result = 1;
     std::wmemcpy(reinterpret_cast<wchar_t*>(block.TextArea), L"C:\\f\0", 6);
-    block.Request.FileListOffset = obcore::kTextAreaOffset;
+    block.Request.FileListOffset = obcontract::kTextAreaOffset;
 }
 
 BOOL WINAPI ServeAtOnce(LPCWSTR, LPWSTR commandLine, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES,

@@ -134,7 +134,7 @@ TEST_F(PasswordOfARun, StandsNowhereWhenTheZipFailed) {
 }
 
 // Entries of the service that watch the buffer in which the password travels.
-obcore::ArchiveServiceEntries real;
+obcontract::ArchiveServiceEntries real;
 const char* travelled = nullptr;
 std::size_t lettersLeft = 0;
 
@@ -144,22 +144,22 @@ std::uint32_t GiveLongPassword(HWND, std::uint32_t*, char* password, std::uint32
     return 1;
 }
 
-void NotePassword(obcore::ZipContext context, const char* password) {
+void NotePassword(obcontract::ZipContext context, const char* password) {
     travelled = password;
     real.SetPassword(context, password);
 }
 
 // The next step of the run: the buffer's place on the stack is looked at before much else of the
 // run can have overwritten it.
-void LookAtPassword(obcore::ZipContext context, std::uint32_t method) {
-    for (std::uint32_t index = 0; index < obcore::kPasswordCapacity; ++index)
+void LookAtPassword(obcontract::ZipContext context, std::uint32_t method) {
+    for (std::uint32_t index = 0; index < obcontract::kPasswordCapacity; ++index)
         lettersLeft += static_cast<const volatile char*>(travelled)[index] == 'x';
     real.SetCompression(context, method);
 }
 
 TEST_F(PasswordOfARun, LeavesItsBufferOnTheStackUncleared) {
     // The table is one object of the program and not a constant one.
-    auto& entries = const_cast<obcore::ArchiveServiceEntries&>(obcore::ArchiveService());
+    auto& entries = const_cast<obcontract::ArchiveServiceEntries&>(obcore::ArchiveService());
     real = entries;
     const ObLib::ScopeExit restore([&entries]() noexcept { entries = real; });
     entries.PasswordNewDlg_C = &GiveLongPassword;

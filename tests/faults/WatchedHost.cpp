@@ -40,7 +40,7 @@ LONG CALLBACK OnPageWrite(EXCEPTION_POINTERS* info) {
 
 LPVOID WINAPI WatchedMapView(HANDLE section, DWORD access, DWORD high, DWORD low, SIZE_T size) {
     LPVOID const view = MapViewOfFile(section, access, high, low, size);
-    if (view && size == obcore::kExchangeBlockSize) {
+    if (view && size == obcontract::kExchangeBlockSize) {
         secondPage = static_cast<BYTE*>(view) + kPage;
         DWORD before = 0;
         VirtualProtect(secondPage, kPage, PAGE_READONLY, &before);

@@ -2,6 +2,8 @@
 
 #include "OBCore/modules/ObTrace.h"
 
+using obcontract::ProviderProfile;
+
 namespace obcore {
 
 // This build uploads nothing yet. So that nobody takes a result for sent that wasn't, the answer is

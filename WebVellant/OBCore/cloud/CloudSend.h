@@ -13,6 +13,6 @@ namespace obcore {
 // in every other case; an empty link text then means that nothing went out. This build sends
 // nothing, and says nothing of it: with no provider in the manager no run gets here.
 bool RunCloudSend(OBAttachJob& job, std::wstring& linkText, std::int64_t totalSize,
-                  ProviderProfile& profile);
+                  obcontract::ProviderProfile& profile);
 
 } // namespace obcore

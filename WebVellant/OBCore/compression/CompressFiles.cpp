@@ -8,6 +8,8 @@
 #include "OBCore/modules/ObTrace.h"
 #include "OBCore/options/AttachmentNaming.h"
 
+using obcontract::kCompressionZipx;
+
 namespace obcore {
 namespace {
 

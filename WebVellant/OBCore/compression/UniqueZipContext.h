@@ -7,7 +7,7 @@
 namespace obcore {
 
 struct ZipContextPolicy {
-    using Handle = ZipContext;
+    using Handle = obcontract::ZipContext;
     static Handle Empty() noexcept { return 0; }
     static Handle Normalized(Handle context) noexcept { return context; }
     static void Close(Handle context) noexcept { ArchiveService().DestroyZipContext(context); }

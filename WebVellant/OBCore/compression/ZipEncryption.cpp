@@ -2,6 +2,8 @@
 
 #include "OBCore/modules/Messages.h"
 
+using obcontract::kPasswordCapacity;
+
 namespace obcore {
 namespace {
 

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+using obcontract::ExchangeBlock;
+using obcontract::ExchangeStatus;
+using obcontract::kTextAreaOffset;
+
 namespace obcore {
 namespace {
 

@@ -15,23 +15,24 @@ namespace obcore {
 
 // Host side. Status LinkAnswer with the text at offset 76, cut to 32730 wide characters with its
 // NUL. What the request had there is overwritten.
-void WriteLinkAnswer(ExchangeBlock& block, const std::wstring& text);
+void WriteLinkAnswer(obcontract::ExchangeBlock& block, const std::wstring& text);
 
 // Host side. Status DialogAnswer with full paths from offset 78, each cut to the room left, and the
 // closing NUL if there is room for it.
-void WriteDialogAnswer(ExchangeBlock& block, const std::vector<std::wstring>& paths);
+void WriteDialogAnswer(obcontract::ExchangeBlock& block, const std::vector<std::wstring>& paths);
 
 // Host side, after the answer: notes the temporary folder and file behind what the answer uses. On
 // a status that is no answer both offsets stay 0. A null text gives offset 0 and takes no room; a
 // text for which there is no room has the block's end as its offset, which readers take as absent.
-void WriteCleanupNames(ExchangeBlock& block, const wchar_t* folder, const wchar_t* file);
+void WriteCleanupNames(obcontract::ExchangeBlock& block, const wchar_t* folder,
+                       const wchar_t* file);
 
 // Browser side. The list in the file slot from its first string through its closing empty string,
 // with all its NULs; empty when there is no slot. A list that was cut by the block's end is closed
 // by two NULs in the place of its last characters.
-std::wstring ReadFileList(const ExchangeBlock& block);
+std::wstring ReadFileList(const obcontract::ExchangeBlock& block);
 
 // Browser side, status DialogAnswer: flag, folder and paths, in place of what `picked` held.
-void ReadDialogResult(const ExchangeBlock& block, PickedFiles& picked);
+void ReadDialogResult(const obcontract::ExchangeBlock& block, PickedFiles& picked);
 
 } // namespace obcore

@@ -2,6 +2,11 @@
 
 #include <cwchar>
 
+using obcontract::ExchangeBlock;
+using obcontract::kExchangeBlockNameCapacity;
+using obcontract::kExchangeBlockNameFormat;
+using obcontract::kExchangeBlockSize;
+
 namespace obcore {
 namespace {
 

@@ -9,7 +9,7 @@
 
 namespace obcore {
 
-using MappedExchangeBlock = ObLib::UniqueMappedView<ExchangeBlock>;
+using MappedExchangeBlock = ObLib::UniqueMappedView<obcontract::ExchangeBlock>;
 
 // The mapping's name: the id as signed decimal.
 std::wstring ExchangeBlockName(std::uint32_t id);

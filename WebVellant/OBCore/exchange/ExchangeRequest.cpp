@@ -5,6 +5,11 @@
 
 #include "OBCore/exchange/ExchangeText.h"
 
+using obcontract::ExchangeBlock;
+using obcontract::ExchangeStatus;
+using obcontract::kTextAreaOffset;
+using obcontract::OpenFileNameFields;
+
 namespace obcore {
 namespace {
 

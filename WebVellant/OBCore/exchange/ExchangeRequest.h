@@ -11,10 +11,10 @@ namespace obcore {
 
 // Browser side: writes the request into a new block. Texts that don't fit are cut; the request's
 // own lpstrFile is dropped, and the file slot holds two NULs.
-void WriteOpenFileNameRequest(ExchangeBlock& block, const OPENFILENAMEW& request);
+void WriteOpenFileNameRequest(obcontract::ExchangeBlock& block, const OPENFILENAMEW& request);
 
 // Host side: the request with its texts pointing into the block, `owner` as its window, and
 // everything that isn't carried left null. Offsets outside the block count as absent.
-OPENFILENAMEW ReadOpenFileNameRequest(ExchangeBlock& block, HWND owner);
+OPENFILENAMEW ReadOpenFileNameRequest(obcontract::ExchangeBlock& block, HWND owner);
 
 } // namespace obcore

@@ -19,33 +19,35 @@ namespace obcore {
 std::size_t RoomFrom(std::int32_t offset) noexcept;
 
 // Everything from a byte offset to the block's end; empty where no text can stand.
-std::wstring_view AreaFrom(const ExchangeBlock& block, std::int32_t offset) noexcept;
+std::wstring_view AreaFrom(const obcontract::ExchangeBlock& block, std::int32_t offset) noexcept;
 
 // The text at a byte offset without its NUL, cut at the block's end; empty when it is absent.
-std::wstring_view TextAt(const ExchangeBlock& block, std::int32_t offset) noexcept;
+std::wstring_view TextAt(const obcontract::ExchangeBlock& block, std::int32_t offset) noexcept;
 
 // The list at a byte offset: its first string, whatever its length, and on through the closing
 // empty string, with all NULs, cut at the block's end. Two NULs are thus a whole list.
-std::wstring_view ListAt(const ExchangeBlock& block, std::int32_t offset) noexcept;
+std::wstring_view ListAt(const obcontract::ExchangeBlock& block, std::int32_t offset) noexcept;
 
 // The text at a byte offset; empty when it is absent.
-std::wstring ReadText(const ExchangeBlock& block, std::int32_t offset);
+std::wstring ReadText(const obcontract::ExchangeBlock& block, std::int32_t offset);
 
 // The byte offset behind a text's NUL; 0 when the text is absent.
-std::int32_t EndOfText(const ExchangeBlock& block, std::int32_t offset) noexcept;
+std::int32_t EndOfText(const obcontract::ExchangeBlock& block, std::int32_t offset) noexcept;
 
 // The byte offset behind a list's closing empty string; 0 when the list is absent.
-std::int32_t EndOfList(const ExchangeBlock& block, std::int32_t offset) noexcept;
+std::int32_t EndOfList(const obcontract::ExchangeBlock& block, std::int32_t offset) noexcept;
 
 // Writes `text` and its NUL, cut to the room left, and answers the offset behind the NUL. Without
 // room nothing is written and the answer is `offset`.
-std::int32_t PutText(ExchangeBlock& block, std::int32_t offset, std::wstring_view text) noexcept;
+std::int32_t PutText(obcontract::ExchangeBlock& block, std::int32_t offset,
+                     std::wstring_view text) noexcept;
 
 // Writes `count` NULs, or as many as there is room for, and answers the offset behind them.
-std::int32_t PutNuls(ExchangeBlock& block, std::int32_t offset, std::size_t count) noexcept;
+std::int32_t PutNuls(obcontract::ExchangeBlock& block, std::int32_t offset,
+                     std::size_t count) noexcept;
 
 // The place of a byte offset, for texts that are handed on as pointers. Null where no text can
 // stand.
-wchar_t* PlaceAt(ExchangeBlock& block, std::int32_t offset) noexcept;
+wchar_t* PlaceAt(obcontract::ExchangeBlock& block, std::int32_t offset) noexcept;
 
 } // namespace obcore

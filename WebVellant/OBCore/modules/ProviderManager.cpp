@@ -6,6 +6,8 @@
 #include "OBCore/modules/OwnModule.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
+using namespace obcontract; // the contract's tables name its types bare
+
 namespace obcore {
 namespace {
 

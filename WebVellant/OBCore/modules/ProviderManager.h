@@ -13,14 +13,14 @@ namespace obcore {
 bool LoadProviderManager();
 
 // The bound entries. Valid only after LoadProviderManager() has answered true in this process.
-const ProviderManagerEntries& ProviderManager() noexcept;
+const obcontract::ProviderManagerEntries& ProviderManager() noexcept;
 
 // Process detach only.
 void FreeProviderManager() noexcept;
 
 // Whether a walk over the storage providers that looks for a place to store takes this one.
 constexpr bool IsOfferedForStoring(std::uint32_t providerId) noexcept {
-    for (const std::uint32_t other : kProvidersNotForStoring) {
+    for (const std::uint32_t other : obcontract::kProvidersNotForStoring) {
         if (providerId == other) return false;
     }
     return true;
@@ -52,8 +52,10 @@ struct ObjectSlot<Object, Number, Result(Arguments...)> {
 // The slots of the contract by name: slots::OnCloudProvider::GetProviderId::Call(provider).
 namespace slots {
 
+using namespace obcontract; // the contract's tables name its types bare
+
 #define OB_NAME_SLOT(object, number, name, result, arguments)                                      \
-    using name = ObjectSlot<::obcore::object, number, result arguments>;
+    using name = ObjectSlot<::obcontract::object, number, result arguments>;
 
 struct OnDownloadList {
     OB_DOWNLOAD_LIST_SLOTS(OB_NAME_SLOT)

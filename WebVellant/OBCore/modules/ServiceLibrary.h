@@ -14,7 +14,7 @@ namespace obcore {
 bool LoadArchiveService();
 
 // The bound entries. Valid only after LoadArchiveService() has answered true in this process.
-const ArchiveServiceEntries& ArchiveService() noexcept;
+const obcontract::ArchiveServiceEntries& ArchiveService() noexcept;
 
 // Process detach only: unloads the library if it is bound.
 void FreeArchiveService() noexcept;

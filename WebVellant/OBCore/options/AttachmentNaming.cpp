@@ -6,6 +6,8 @@
 
 #include "ObLib/Src/Win32/FailFast.h"
 
+using obcontract::kCompressionZipx;
+
 namespace obcore {
 namespace {
 

@@ -2,6 +2,8 @@
 #include "OBCore/modules/ProviderManager.h"
 #include "OBCore/options/OBOptions.h"
 
+using obcontract::ProviderManagerHandle;
+
 namespace obcore {
 namespace {
 

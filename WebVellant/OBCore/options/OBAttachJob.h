@@ -36,21 +36,21 @@ struct OBAttachJob : OBOptions {
     // Takes over the fields of `options` and leaves the run's own fields alone.
     OBAttachJob& operator=(const OBOptions& options);
 
-    ProviderManagerHandle OwnedProviderManager = nullptr;
-    ProviderProfile SelectedStorageProvider{}; // providerId 0: none is chosen
-    std::vector<std::wstring> Files;           // as they finally go to the page
-    std::wstring ResultName;                   // of the result, without its folder
-    std::wstring ResultPath;                   // full path of the result zip
-    std::wstring ResultFolder;                 // with its trailing backslash
-    std::wstring CleanupFolder;                // temporary folder of this run
-    std::wstring CleanupFile;                  // temporary file of this run
-    bool NameWithoutArchive = true;            // keeps its value in the whole system
-    bool ResultIsArchive = false;              // the result is one zip that ResultPath names
-    bool UploadBlocked = false;                // cloud links are forbidden for this request
-    HWND ParentWindow = nullptr;               // owner of every dialog of the pipeline
-    bool TransformsBeforeArchive = false;      // the transforms run ahead of a zip
-    UsageFlags Usage;                          // five bytes in a row for the usage report
-    std::wstring BrowserImagePath;             // image file of the browser, may be empty
+    obcontract::ProviderManagerHandle OwnedProviderManager = nullptr;
+    obcontract::ProviderProfile SelectedStorageProvider{}; // providerId 0: none is chosen
+    std::vector<std::wstring> Files;                       // as they finally go to the page
+    std::wstring ResultName;                               // of the result, without its folder
+    std::wstring ResultPath;                               // full path of the result zip
+    std::wstring ResultFolder;                             // with its trailing backslash
+    std::wstring CleanupFolder;                            // temporary folder of this run
+    std::wstring CleanupFile;                              // temporary file of this run
+    bool NameWithoutArchive = true;                        // keeps its value in the whole system
+    bool ResultIsArchive = false;         // the result is one zip that ResultPath names
+    bool UploadBlocked = false;           // cloud links are forbidden for this request
+    HWND ParentWindow = nullptr;          // owner of every dialog of the pipeline
+    bool TransformsBeforeArchive = false; // the transforms run ahead of a zip
+    UsageFlags Usage;                     // five bytes in a row for the usage report
+    std::wstring BrowserImagePath;        // image file of the browser, may be empty
 };
 
 } // namespace obcore

@@ -33,8 +33,9 @@ struct OBOptions {
     bool AutoWatermark = false;
     bool AlwaysEncrypt = false; // machine policy only
     bool AutoEncrypt = false;
-    bool SendItemLocked = false;                              // AdminSendItem fixed SendItem
-    std::uint32_t EncryptionMethod = kEncryptionMethodAes128; // a bit of AllowedEncryptMethods
+    bool SendItemLocked = false; // AdminSendItem fixed SendItem
+    std::uint32_t EncryptionMethod =
+        obcontract::kEncryptionMethodAes128; // a bit of AllowedEncryptMethods
     bool AutoResizeImages = false;
     bool AutoConvertPhotos = false;
     bool AutoRemoveInfo = false;
@@ -44,7 +45,7 @@ struct OBOptions {
     bool UseAltExt = false;
     std::wstring AltExt;      // without a leading point
     std::wstring ExcludedExt; // semicolon-separated; loaded and saved, read by nobody
-    std::uint32_t CompressionMethod = kCompressionDeflate;
+    std::uint32_t CompressionMethod = obcontract::kCompressionDeflate;
     bool DuplicateReferences = false;
     NameAppendKind NameAppend = NameAppendKind::None;
     bool SingleAttachFileName = true;
@@ -69,8 +70,8 @@ struct OBOptions {
     bool ExpireFilesAvailable = false;
     bool ExpireFiles = false;
     std::uint32_t S4DelExpireDays = 30;
-    LANGID UILanguage = 0;                           // 0: none is set
-    ProviderManagerHandle ProviderManager = nullptr; // not owned; set before Load
+    LANGID UILanguage = 0;                                       // 0: none is set
+    obcontract::ProviderManagerHandle ProviderManager = nullptr; // not owned; set before Load
 
     // Fills the record from the registry of machine and user and repairs it. LoadArchiveService()
     // must have succeeded. Transforms count only when ProviderManager is set and initialised.

@@ -9,6 +9,9 @@
 #include "OBCore/options/SettingsStore.h"
 #include "OBCore/options/TransformOptions.h"
 
+using obcontract::kEncryptionMethodAes128;
+using obcontract::kPublicKeyCapacity;
+
 namespace obcore {
 namespace {
 

@@ -1,6 +1,11 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/options/OBOptions.h"
 
+using obcontract::kCompressionDeflate;
+using obcontract::kCompressionZipx;
+using obcontract::kExtensionRules;
+using obcontract::kFileNameRules;
+
 namespace obcore {
 namespace {
 

@@ -7,6 +7,8 @@
 #include "OBCore/options/SettingsStore.h"
 #include "OBCore/options/TransformOptions.h"
 
+using obcontract::kCompressionZipx;
+
 namespace obcore {
 namespace {
 

@@ -6,6 +6,9 @@
 #include "OBCore/modules/ProviderManager.h"
 #include "OBCore/options/SettingsStore.h"
 
+using obcontract::ProviderKind;
+using obcontract::ProviderManagerHandle;
+
 namespace obcore {
 namespace {
 

@@ -10,21 +10,24 @@ namespace obcore {
 struct TransformOption {
     const wchar_t* value; // in the user's key
     bool OBOptions::*field;
-    TransformId provider;
+    obcontract::TransformId provider;
     const wchar_t* extraFile; // has to lie beside this library; null: none
 };
 
 inline constexpr std::array<TransformOption, 8> kTransformOptions{{
-    {L"AutoConvertPDF", &OBOptions::AutoConvertPDF, TransformId::ConvertPdf, nullptr},
-    {L"AutoCombinePDFs", &OBOptions::AutoCombinePDFs, TransformId::CombinePdfs, nullptr},
-    {L"AutoResizeImages", &OBOptions::AutoResizeImages, TransformId::ResizeImages, nullptr},
-    {L"AutoWatermark", &OBOptions::AutoWatermark, TransformId::Watermark, nullptr},
-    {L"AutoConvertPhotos", &OBOptions::AutoConvertPhotos, TransformId::ConvertPhotos,
+    {L"AutoConvertPDF", &OBOptions::AutoConvertPDF, obcontract::TransformId::ConvertPdf, nullptr},
+    {L"AutoCombinePDFs", &OBOptions::AutoCombinePDFs, obcontract::TransformId::CombinePdfs,
+     nullptr},
+    {L"AutoResizeImages", &OBOptions::AutoResizeImages, obcontract::TransformId::ResizeImages,
+     nullptr},
+    {L"AutoWatermark", &OBOptions::AutoWatermark, obcontract::TransformId::Watermark, nullptr},
+    {L"AutoConvertPhotos", &OBOptions::AutoConvertPhotos, obcontract::TransformId::ConvertPhotos,
      L"Aspose.Imaging.dll"},
-    {L"AutoRemoveInfo", &OBOptions::AutoRemoveInfo, TransformId::RemoveInfo,
+    {L"AutoRemoveInfo", &OBOptions::AutoRemoveInfo, obcontract::TransformId::RemoveInfo,
      L"GroupDocs.Metadata.dll"},
-    {L"AutoSignPDFs", &OBOptions::AutoSignPDFs, TransformId::SignPdfs, nullptr},
-    {L"AutoConvertFromPDF", &OBOptions::AutoConvertFromPDF, TransformId::ConvertFromPdf, nullptr},
+    {L"AutoSignPDFs", &OBOptions::AutoSignPDFs, obcontract::TransformId::SignPdfs, nullptr},
+    {L"AutoConvertFromPDF", &OBOptions::AutoConvertFromPDF, obcontract::TransformId::ConvertFromPdf,
+     nullptr},
 }};
 
 // Reads all eight from the user's key. A value that is absent leaves its field alone. One that is

@@ -2,6 +2,8 @@
 
 #include "OBCore/modules/ProviderManager.h"
 
+using obcontract::kProviderManagerKey;
+
 namespace obcore {
 namespace {
 

@@ -21,6 +21,8 @@
 #include "OBCore/picker/Win7DlgEvents.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 
+using obcontract::ExchangeBlock;
+
 namespace obcore {
 namespace {
 

@@ -13,9 +13,9 @@ namespace obcore {
 // module are bound. Each leaves the block's status and its texts as the browser side reads them.
 
 // Open-file-name road: the BOOL for ExchangeBlock::Result. `request` points into the block.
-BOOL OpenFileNameDriver(OPENFILENAMEW* request, ExchangeBlock& block);
+BOOL OpenFileNameDriver(OPENFILENAMEW* request, obcontract::ExchangeBlock& block);
 
 // Dialog road: the HRESULT for ExchangeBlock::Result. COM is initialised by the host.
-HRESULT DialogDriver(HWND owner, ExchangeBlock& block);
+HRESULT DialogDriver(HWND owner, obcontract::ExchangeBlock& block);
 
 } // namespace obcore

@@ -4,6 +4,8 @@
 #include "OBCore/picker/Drivers.h"
 #include "OBCore/picker/Win7Dlg.h"
 
+using obcontract::ExchangeBlock;
+
 namespace obcore {
 namespace {
 

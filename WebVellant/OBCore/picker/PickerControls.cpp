@@ -8,6 +8,10 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
+using obcontract::kSwitchEncryptionOff;
+using obcontract::ProviderKind;
+using obcontract::TransformId;
+
 namespace obcore {
 namespace {
 

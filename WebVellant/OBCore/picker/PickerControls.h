@@ -43,7 +43,7 @@ struct TransformControl {
     DWORD control;
     TextId text;
     bool OBOptions::*field;
-    TransformId transform;
+    obcontract::TransformId transform;
     bool needsReady;
 };
 

@@ -4,6 +4,8 @@
 
 #include "OBCore/modules/ObTrace.h"
 
+using obcontract::ProviderManagerHandle;
+
 namespace obcore {
 namespace {
 

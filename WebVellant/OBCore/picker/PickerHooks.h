@@ -19,7 +19,7 @@ namespace obcore {
 // the dialog. The windows belong to the dialog. The field order is fixed.
 struct CloudButtonHook {
     ObLib::UniqueWindowHook hook; // empty once it has fired or been removed
-    ProviderManagerHandle providerManager = nullptr;
+    obcontract::ProviderManagerHandle providerManager = nullptr;
     HWND button = nullptr;
     HWND dialog = nullptr;
     HWND ok_button_ = nullptr; // the dialog's first child of class "Button"
@@ -33,7 +33,7 @@ struct CloudButtonHook {
 class PickerHooks {
 public:
     // A hook that can't be installed is only traced.
-    explicit PickerHooks(ProviderManagerHandle manager);
+    explicit PickerHooks(obcontract::ProviderManagerHandle manager);
     PickerHooks(const PickerHooks&) = delete;
     PickerHooks& operator=(const PickerHooks&) = delete;
     ~PickerHooks() = default;

@@ -6,6 +6,12 @@
 #include "OBCore/picker/PickerControls.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
+using obcontract::kSelectLeaveOut;
+using obcontract::kSelectUse;
+using obcontract::ProviderKind;
+using obcontract::ProviderManagerHandle;
+using obcontract::TransformId;
+
 namespace obcore {
 namespace {
 

@@ -50,8 +50,8 @@ public:
     HRESULT STDMETHODCALLTYPE OnOverwrite(IFileDialog*, IShellItem*,
                                           FDE_OVERWRITE_RESPONSE*) override;
 
-    OBAttachJob* AttachRecord;             // not owned
-    ProviderManagerHandle ProviderManager; // the record's, not owned
+    OBAttachJob* AttachRecord;                         // not owned
+    obcontract::ProviderManagerHandle ProviderManager; // the record's, not owned
     bool AllowMultiSelect;
 };
 

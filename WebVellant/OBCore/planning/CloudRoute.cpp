@@ -9,6 +9,10 @@
 #include "OBCore/usage/UsageEvents.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
+using obcontract::kNoProvider;
+using obcontract::ProviderKind;
+using obcontract::ProviderProfile;
+
 namespace obcore {
 namespace {
 

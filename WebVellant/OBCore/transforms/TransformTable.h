@@ -9,19 +9,19 @@ namespace obcore {
 
 struct TransformRow {
     bool OBOptions::*option;
-    TransformId id;
+    obcontract::TransformId id;
     const wchar_t* usageWord; // with its comma
 };
 
 inline constexpr TransformRow kTransforms[] = {
-    {&OBOptions::AutoConvertPDF, TransformId::ConvertPdf, L"DOCTOPDF,"},
-    {&OBOptions::AutoCombinePDFs, TransformId::CombinePdfs, L"COMBINEPDFFILES,"},
-    {&OBOptions::AutoResizeImages, TransformId::ResizeImages, L"IMAGERESIZE,"},
-    {&OBOptions::AutoWatermark, TransformId::Watermark, L"WATERMARK,"},
-    {&OBOptions::AutoConvertPhotos, TransformId::ConvertPhotos, L"CONVPHOTOS,"},
-    {&OBOptions::AutoRemoveInfo, TransformId::RemoveInfo, L"REMOVEPERSDATA,"},
-    {&OBOptions::AutoSignPDFs, TransformId::SignPdfs, L"SIGNPDFFILES,"},
-    {&OBOptions::AutoConvertFromPDF, TransformId::ConvertFromPdf, L"PDFTODOC,"},
+    {&OBOptions::AutoConvertPDF, obcontract::TransformId::ConvertPdf, L"DOCTOPDF,"},
+    {&OBOptions::AutoCombinePDFs, obcontract::TransformId::CombinePdfs, L"COMBINEPDFFILES,"},
+    {&OBOptions::AutoResizeImages, obcontract::TransformId::ResizeImages, L"IMAGERESIZE,"},
+    {&OBOptions::AutoWatermark, obcontract::TransformId::Watermark, L"WATERMARK,"},
+    {&OBOptions::AutoConvertPhotos, obcontract::TransformId::ConvertPhotos, L"CONVPHOTOS,"},
+    {&OBOptions::AutoRemoveInfo, obcontract::TransformId::RemoveInfo, L"REMOVEPERSDATA,"},
+    {&OBOptions::AutoSignPDFs, obcontract::TransformId::SignPdfs, L"SIGNPDFFILES,"},
+    {&OBOptions::AutoConvertFromPDF, obcontract::TransformId::ConvertFromPdf, L"PDFTODOC,"},
 };
 
 // Whether the options ask for any transform.

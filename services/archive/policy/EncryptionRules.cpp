@@ -18,7 +18,7 @@ constexpr wchar_t kDefaultMethod[] = L"DefaultEncryptionMethod";
 constexpr wchar_t kFipsMode[] = L"FipsMode";
 
 constexpr std::uint32_t kEveryMethod =
-    obcore::kEncryptionMethodAes128 | obcore::kEncryptionMethodAes256;
+    obcontract::kEncryptionMethodAes128 | obcontract::kEncryptionMethodAes256;
 
 std::uint32_t AllowedIn(PolicyView view) {
     return PolicyNumberIn(view, kAllowedMethods).value_or(kEveryMethod);
@@ -41,10 +41,11 @@ std::uint16_t DefaultMethod() {
     const std::uint16_t allowed = AllowedMethods();
     const std::uint32_t chosen = ChosenDefault();
     for (const std::uint16_t method :
-         {obcore::kEncryptionMethodAes256, obcore::kEncryptionMethodAes128}) {
+         {obcontract::kEncryptionMethodAes256, obcontract::kEncryptionMethodAes128}) {
         if (chosen == method && (allowed & method)) return method;
     }
-    return allowed & obcore::kEncryptionMethodAes256 ? obcore::kEncryptionMethodAes256 : allowed;
+    return allowed & obcontract::kEncryptionMethodAes256 ? obcontract::kEncryptionMethodAes256
+                                                         : allowed;
 }
 
 FipsSetting ReadFipsSetting() {

@@ -66,8 +66,8 @@ NameVerdict CheckExtension(const wchar_t* extension) {
 }
 
 NameVerdict CheckFilespec(const wchar_t* text, std::uint32_t mode) {
-    if (mode == obcore::kFileNameRules) return CheckFileName(text);
-    if (mode == obcore::kExtensionRules) return CheckExtension(text);
+    if (mode == obcontract::kFileNameRules) return CheckFileName(text);
+    if (mode == obcontract::kExtensionRules) return CheckExtension(text);
     return NameVerdict::UnknownMode;
 }
 

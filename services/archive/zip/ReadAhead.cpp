@@ -80,7 +80,7 @@ bool ReadAhead::BeginSource() {
     SourceEntry& source = sources_[next_];
     if (!file_.Open(source.path, source.facts, false)) return false;
     reading_ = true;
-    const bool zipx = job_.compressionMethod == obcore::kCompressionZipx;
+    const bool zipx = job_.compressionMethod == obcontract::kCompressionZipx;
     order_ = {};
     order_.packing = zipx ? Packing::Xz : Packing::Deflate;
     order_.keySize = keySize_;

@@ -15,7 +15,7 @@ struct ZipJob {
     std::wstring target;          // path of the zip
     std::wstring temporaryFolder; // empty: the target's own folder
     std::vector<std::wstring> files;
-    std::uint32_t compressionMethod = obcore::kCompressionDeflate;
+    std::uint32_t compressionMethod = obcontract::kCompressionDeflate;
     std::uint32_t encryptionMethod = 0; // one method bit, 0 for none
     Secret password;
     bool recoveryAsked = false; // a public key was handed over; a run that finds it set refuses

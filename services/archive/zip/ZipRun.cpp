@@ -36,8 +36,8 @@ struct EncryptionRow {
 };
 constexpr EncryptionRow kEncryptions[] = {
     {0, ZIP_EM_NONE, 0},
-    {obcore::kEncryptionMethodAes128, ZIP_EM_AES_128, 16},
-    {obcore::kEncryptionMethodAes256, ZIP_EM_AES_256, 32},
+    {obcontract::kEncryptionMethodAes128, ZIP_EM_AES_128, 16},
+    {obcontract::kEncryptionMethodAes256, ZIP_EM_AES_256, 32},
 };
 
 const EncryptionRow* FindEncryption(std::uint32_t method) {
@@ -48,8 +48,8 @@ const EncryptionRow* FindEncryption(std::uint32_t method) {
 }
 
 ZipResult CheckJob(const ZipJob& job) {
-    const bool knownCompression = job.compressionMethod == obcore::kCompressionDeflate ||
-                                  job.compressionMethod == obcore::kCompressionZipx;
+    const bool knownCompression = job.compressionMethod == obcontract::kCompressionDeflate ||
+                                  job.compressionMethod == obcontract::kCompressionZipx;
     if (job.target.empty()) return ZipResult::NoTarget;
     if (job.files.empty()) return ZipResult::NoFiles;
     if (!knownCompression || !FindEncryption(job.encryptionMethod)) return ZipResult::UnknownMethod;

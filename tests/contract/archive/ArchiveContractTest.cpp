@@ -10,6 +10,8 @@
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
 
+using namespace obcontract; // the contract's tables name its types bare
+
 namespace {
 
 class ArchiveContract : public testing::Test {
@@ -47,19 +49,19 @@ TEST_F(ArchiveContract, ExportsTheTwentyEightEntriesAndNothingElse) {
 }
 
 TEST_F(ArchiveContract, ContextsAreDifferentAndNeverZero) {
-    std::set<obcore::ZipContext> contexts;
+    std::set<obcontract::ZipContext> contexts;
     for (int count = 0; count < 5; ++count) {
-        const obcore::ZipContext context = service_->CreateZipContext();
+        const obcontract::ZipContext context = service_->CreateZipContext();
         EXPECT_NE(context, 0U);
         EXPECT_TRUE(contexts.insert(context).second);
     }
-    for (const obcore::ZipContext context : contexts) service_->DestroyZipContext(context);
+    for (const obcontract::ZipContext context : contexts) service_->DestroyZipContext(context);
 }
 
 // The calls of a run in the order in which a run makes them.
 void RunPlain(const obtest::LoadedService& service, const std::wstring& target,
               const std::wstring& folder, const std::wstring& source) {
-    const obcore::ZipContext context = service->CreateZipContext();
+    const obcontract::ZipContext context = service->CreateZipContext();
     service->AddFileW(context, source.c_str());
     service->SetZipNameW(context, target.c_str());
     service->SetTempFolderW(context, (folder + L"\\").c_str());
@@ -85,13 +87,13 @@ TEST_F(ArchiveContract, AnEncryptedZipStandsAfterASuccess) {
     obtest::TestFolder folder;
     const std::wstring source = folder.File(L"source.txt");
     const std::wstring target = folder / L"result.zipx";
-    const obcore::ZipContext context = service_->CreateZipContext();
+    const obcontract::ZipContext context = service_->CreateZipContext();
     service_->AddFileW(context, source.c_str());
     service_->SetZipNameW(context, target.c_str());
     service_->SetTempFolderW(context, folder.Path().c_str());
-    service_->SetEncrypt(context, obcore::kEncryptionMethodAes256);
+    service_->SetEncrypt(context, obcontract::kEncryptionMethodAes256);
     service_->SetPassword(context, "secret");
-    service_->SetCompression(context, obcore::kCompressionZipx);
+    service_->SetCompression(context, obcontract::kCompressionZipx);
     service_->SetDuplicateReferences(context, 1);
     EXPECT_EQ(service_->Zip(nullptr, context), 0U);
     service_->DestroyZipContext(context);
@@ -101,15 +103,16 @@ TEST_F(ArchiveContract, AnEncryptedZipStandsAfterASuccess) {
 TEST_F(ArchiveContract, TheDefaultMethodIsOneOfTheAllowed) {
     const std::uint16_t allowed = service_->AllowedEncryptMethods();
     const std::uint16_t method = service_->DefaultEncryptionMethod();
-    EXPECT_EQ(allowed & ~(obcore::kEncryptionMethodAes128 | obcore::kEncryptionMethodAes256), 0);
-    EXPECT_TRUE(method == obcore::kEncryptionMethodAes128 ||
-                method == obcore::kEncryptionMethodAes256);
+    EXPECT_EQ(
+        allowed & ~(obcontract::kEncryptionMethodAes128 | obcontract::kEncryptionMethodAes256), 0);
+    EXPECT_TRUE(method == obcontract::kEncryptionMethodAes128 ||
+                method == obcontract::kEncryptionMethodAes256);
     EXPECT_EQ(method & allowed, method);
 }
 
 TEST_F(ArchiveContract, EncryptionIsNotSwitchedOffByItself) {
     const std::uint32_t answer = service_->TryToShowWarningOrErrorMessage(nullptr, 0, 1);
-    EXPECT_NE(answer & 0xFFFF, obcore::kSwitchEncryptionOff);
+    EXPECT_NE(answer & 0xFFFF, obcontract::kSwitchEncryptionOff);
 }
 
 TEST_F(ArchiveContract, TheFipsSettingIsOneOfThree) {
@@ -117,13 +120,14 @@ TEST_F(ArchiveContract, TheFipsSettingIsOneOfThree) {
 }
 
 TEST_F(ArchiveContract, ThePublicKeyStaysWithinItsBuffer) {
-    char buffer[obcore::kPublicKeyCapacity + 16];
+    char buffer[obcontract::kPublicKeyCapacity + 16];
     std::memset(buffer, 0x55, sizeof buffer);
-    const std::uint32_t result = service_->GetPublicKeyResult(buffer, obcore::kPublicKeyCapacity);
+    const std::uint32_t result =
+        service_->GetPublicKeyResult(buffer, obcontract::kPublicKeyCapacity);
     if (result == 1) {
-        EXPECT_LT(strnlen(buffer, sizeof buffer), obcore::kPublicKeyCapacity);
+        EXPECT_LT(strnlen(buffer, sizeof buffer), obcontract::kPublicKeyCapacity);
     }
-    for (std::size_t at = obcore::kPublicKeyCapacity; at < sizeof buffer; ++at) {
+    for (std::size_t at = obcontract::kPublicKeyCapacity; at < sizeof buffer; ++at) {
         EXPECT_EQ(buffer[at], 0x55);
     }
 }

@@ -169,7 +169,7 @@ TEST_F(ArchiveEntries, DuplicatesAreSearchedOnlyWhenAsked) {
     const obtest::TestFolder folder;
     for (const std::uint8_t asked : {std::uint8_t{0}, std::uint8_t{1}}) {
         digests = 0;
-        const obcore::ZipContext context = service_->CreateZipContext();
+        const obcontract::ZipContext context = service_->CreateZipContext();
         for (const wchar_t* name : {L"one.txt", L"two.txt"}) {
             service_->AddFileW(context, folder.File(name, "the same").c_str());
         }

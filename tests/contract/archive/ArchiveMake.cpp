@@ -51,7 +51,7 @@ std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.rfi
 
 std::uint32_t Make(const obtest::LoadedService& service, const Row& row, const std::wstring& target,
                    const std::vector<std::wstring>& files, const std::string& password) {
-    const obcore::ZipContext context = service->CreateZipContext();
+    const obcontract::ZipContext context = service->CreateZipContext();
     // The many files of that folder say nothing more in a second form, and take other tools long.
     const bool plain = row.compression == 8 && row.encryption == 0;
     for (const std::wstring& file : files) {

@@ -11,10 +11,11 @@
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/archive/password/PromptDriver.h"
 
+using obcontract::ZipContext;
+
 namespace {
 
 using obarchive::ZipResult;
-using obcore::ZipContext;
 
 using Tree = std::vector<std::wstring>;
 

@@ -2,6 +2,8 @@
 
 #include <string>
 
+using namespace obcontract; // the contract's tables name its types bare
+
 namespace obtest {
 namespace {
 
@@ -21,7 +23,7 @@ bool Bind(HMODULE module, const char* name, Function*& entry) {
 } // namespace
 
 LoadedService::LoadedService()
-    : module_(LoadLibraryW(PathBesideProgram(obcore::kArchiveServiceFileName).c_str())) {
+    : module_(LoadLibraryW(PathBesideProgram(obcontract::kArchiveServiceFileName).c_str())) {
     complete_ = static_cast<bool>(module_);
 #define OB_BIND_ENTRY(name, result, arguments)                                                     \
     complete_ = complete_ && Bind(module_.Get(), #name, entries_.name);

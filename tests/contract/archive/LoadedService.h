@@ -13,11 +13,11 @@ public:
     // The file was found and has every entry.
     bool IsComplete() const { return complete_; }
     HMODULE Module() const { return module_.Get(); }
-    const obcore::ArchiveServiceEntries* operator->() const { return &entries_; }
+    const obcontract::ArchiveServiceEntries* operator->() const { return &entries_; }
 
 private:
     ObLib::UniqueModule module_;
-    obcore::ArchiveServiceEntries entries_{};
+    obcontract::ArchiveServiceEntries entries_{};
     bool complete_ = false;
 };
 

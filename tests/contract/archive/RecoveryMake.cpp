@@ -28,7 +28,7 @@ constexpr Row kRows[] = {
 
 std::uint32_t Make(const obtest::LoadedService& service, const Row& row, std::wstring key) {
     if (!row.rightKey) key.back() = key.back() == L'0' ? L'1' : L'0';
-    const obcore::ZipContext context = service->CreateZipContext();
+    const obcontract::ZipContext context = service->CreateZipContext();
     service->AddFileW(context, L"C:\\app\\in.txt");
     service->SetZipNameW(context, (std::wstring(L"C:\\app\\out\\") + row.name).c_str());
     service->SetTempFolderW(context, L"C:\\app\\out");
@@ -47,7 +47,7 @@ std::uint32_t Make(const obtest::LoadedService& service, const Row& row, std::ws
 int wmain() {
     const obtest::LoadedService service;
     if (!service.IsComplete()) return 100;
-    char key[obcore::kPublicKeyCapacity] = "";
+    char key[obcontract::kPublicKeyCapacity] = "";
     const std::uint32_t keyResult = service->GetPublicKeyResult(key, sizeof key);
     std::printf("key: result %u, %s\n", keyResult, key);
     if (keyResult != 1) return 101;

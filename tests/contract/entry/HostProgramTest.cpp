@@ -87,14 +87,14 @@ TEST_F(HostProgram, EndsWithMinusOneWithoutABlockAndLogsTheRun) {
 TEST_F(HostProgram, FindsTheBlockOfItsNumberAndLeavesAnUnknownOneAlone) {
     const ObLib::UniqueKernelHandle mapping(
         CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0,
-                           obcore::kExchangeBlockSize, L"WEBVELLANT_SM_-7"));
+                           obcontract::kExchangeBlockSize, L"WEBVELLANT_SM_-7"));
     ASSERT_TRUE(mapping);
     const ObLib::UniqueMappedView<BYTE> block(
         static_cast<BYTE*>(MapViewOfFile(mapping.Get(), FILE_MAP_WRITE, 0, 0, 0)));
     ASSERT_TRUE(block);
-    std::memset(block.Get(), 0x5A, obcore::kExchangeBlockSize);
+    std::memset(block.Get(), 0x5A, obcontract::kExchangeBlockSize);
     EXPECT_EQ(RunHost(L" -7 0"), kMinusOne);
-    for (std::uint32_t at = 0; at < obcore::kExchangeBlockSize; ++at) {
+    for (std::uint32_t at = 0; at < obcontract::kExchangeBlockSize; ++at) {
         ASSERT_EQ(block.Get()[at], 0x5A) << at;
     }
     EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));

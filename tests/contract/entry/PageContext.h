@@ -10,7 +10,7 @@
 
 namespace obtest {
 
-class PageContext : public BrowserContext {
+class PageContext : public obcontract::BrowserContext {
 public:
     std::wstring url = L"https://mail.google.com/mail/u/0/#inbox?compose=new";
     std::uint8_t wanted = 1;

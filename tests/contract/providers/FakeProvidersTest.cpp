@@ -14,6 +14,7 @@
 
 namespace {
 
+using namespace obcontract;
 using namespace obcore;
 using Lines = std::vector<std::wstring>;
 constexpr auto kTransform = ProviderKind::Transform;

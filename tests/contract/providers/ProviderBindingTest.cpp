@@ -11,6 +11,7 @@
 
 namespace {
 
+using obcontract::kProviderManagerFileName;
 using namespace obcore;
 
 class ProviderBinding : public testing::Test {

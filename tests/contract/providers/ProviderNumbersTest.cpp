@@ -10,6 +10,7 @@
 
 namespace {
 
+using namespace obcontract;
 using namespace obcore;
 
 template <class Value>

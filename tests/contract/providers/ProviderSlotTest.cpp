@@ -14,6 +14,7 @@
 
 namespace {
 
+using namespace obcontract;
 using namespace obcore;
 using OnProvider = slots::OnCloudProvider;
 using OnUpload = slots::OnUploadList;

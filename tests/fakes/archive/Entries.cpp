@@ -15,7 +15,6 @@
 
 namespace {
 
-using obcore::ZipContext;
 using obtest::Quoted;
 using obtest::WindowText;
 using standin::AnswerOf;
@@ -34,7 +33,7 @@ std::uint32_t Answer32(const std::wstring& line, const wchar_t* call, std::uint3
 
 // Declared from the contract's own table, so that an entry with other arguments doesn't compile.
 extern "C" {
-using namespace obcore;
+using namespace obcontract; // the contract's tables name its types bare
 #define OB_DECLARE_EXPORT(name, result, arguments) result name arguments;
 OB_ARCHIVE_SERVICE_ENTRIES(OB_DECLARE_EXPORT)
 #undef OB_DECLARE_EXPORT

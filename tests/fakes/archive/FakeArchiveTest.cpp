@@ -9,16 +9,17 @@
 #include "tests/support/FakeModules.h"
 #include "tests/support/TestFolder.h"
 
+using namespace obcontract; // the contract's tables name its types bare
+
 namespace {
 
-using obcore::ZipContext; // the contract's table names it bare
 using obtest::FakeModules;
 
 using Calls = std::vector<std::wstring>;
 
 // The pointers of all entries of a module; an entry that is missing is null.
-obcore::ArchiveServiceEntries EntriesOf(HMODULE module) {
-    obcore::ArchiveServiceEntries entries{};
+obcontract::ArchiveServiceEntries EntriesOf(HMODULE module) {
+    obcontract::ArchiveServiceEntries entries{};
 #define FETCH_ENTRY(name, result, arguments)                                                       \
     entries.name = reinterpret_cast<result(*) arguments>(                                          \
         reinterpret_cast<void*>(GetProcAddress(module, #name)));
@@ -27,7 +28,7 @@ obcore::ArchiveServiceEntries EntriesOf(HMODULE module) {
     return entries;
 }
 
-int MissingEntries(const obcore::ArchiveServiceEntries& entries) {
+int MissingEntries(const obcontract::ArchiveServiceEntries& entries) {
     void* pointers[28];
     std::memcpy(pointers, &entries, sizeof(pointers));
     int missing = 0;
@@ -51,14 +52,14 @@ protected:
     }
 
     const ObLib::UniqueModule module_{LoadLibraryW(L"obofcsvc64.dll")};
-    const obcore::ArchiveServiceEntries service_ = EntriesOf(module_.Get());
+    const obcontract::ArchiveServiceEntries service_ = EntriesOf(module_.Get());
     const obtest::TestFolder folder_;
 };
 
 TEST_F(FakeArchive, HasAVersionThatLacksOneEntry) {
     const ObLib::UniqueModule twin(LoadLibraryW(L"obofcsvc64_incomplete.dll"));
     ASSERT_TRUE(twin);
-    const obcore::ArchiveServiceEntries entries = EntriesOf(twin.Get());
+    const obcontract::ArchiveServiceEntries entries = EntriesOf(twin.Get());
     EXPECT_EQ(1, MissingEntries(entries));
     EXPECT_EQ(nullptr, entries.LogAppletFeature);
 }

@@ -31,7 +31,7 @@ void PutBytes(HostRun& run, std::int64_t offset, const void* bytes, std::size_t 
     const auto* source = static_cast<const std::uint8_t*>(bytes);
     for (std::size_t index = 0; index < count; ++index) {
         const std::int64_t at = offset + static_cast<std::int64_t>(index);
-        if (at >= 0 && at < obcore::kExchangeBlockSize) run.block[at] = source[index];
+        if (at >= 0 && at < obcontract::kExchangeBlockSize) run.block[at] = source[index];
     }
 }
 
@@ -100,8 +100,8 @@ ObLib::UniqueKernelHandle NewFile(const std::wstring& name) {
 Outcome Dump(const Arguments& arguments, HostRun& run) {
     const auto file = NewFile(arguments[0]);
     DWORD written = 0;
-    WriteFile(file.Get(), run.block, obcore::kExchangeBlockSize, &written, nullptr);
-    if (written == obcore::kExchangeBlockSize) return kGoOn;
+    WriteFile(file.Get(), run.block, obcontract::kExchangeBlockSize, &written, nullptr);
+    if (written == obcontract::kExchangeBlockSize) return kGoOn;
     return kHostScriptFailed;
 }
 

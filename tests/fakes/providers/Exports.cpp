@@ -10,7 +10,7 @@
 #include "tests/fakes/providers/Script.h"
 #include "tests/fakes/providers/Support.h"
 
-using namespace obcore;
+using namespace obcontract; // the contract's tables name its types bare
 using namespace standin;
 
 namespace {

@@ -10,11 +10,11 @@ namespace {
 
 constexpr std::size_t kListSlotCount = 16;
 
-using namespace obcore; // the contract's tables name its types bare
+using namespace obcontract; // the contract's tables name its types bare
 
 namespace download {
 
-Bool GetItem(obcore::DownloadList* list, std::uint32_t index, CloudItem* item) {
+Bool GetItem(obcontract::DownloadList* list, std::uint32_t index, CloudItem* item) {
     Record(L"GetItem", list, index);
     const auto& items = static_cast<FakeDownloadList*>(list)->items;
     if (index >= items.size()) return 0;
@@ -22,7 +22,7 @@ Bool GetItem(obcore::DownloadList* list, std::uint32_t index, CloudItem* item) {
     return 1;
 }
 
-void AddItem(obcore::DownloadList* list, const CloudItem* item) {
+void AddItem(obcontract::DownloadList* list, const CloudItem* item) {
     Record(L"AddItem", list, item);
     static_cast<FakeDownloadList*>(list)->items.push_back(*item);
 }
@@ -40,14 +40,14 @@ void* const* Table() {
 
 namespace upload {
 
-void AddFile(obcore::UploadList* list, const wchar_t* localPath, const wchar_t* cloudName,
+void AddFile(obcontract::UploadList* list, const wchar_t* localPath, const wchar_t* cloudName,
              std::uint64_t zero, std::uint64_t alsoZero, const wchar_t* targetFolder) {
     Record(L"AddFile", list, localPath, cloudName, zero, alsoZero, targetFolder);
     auto* fake = static_cast<FakeUploadList*>(list);
     fake->items.push_back(MakeItem(fake->account, cloudName, {}));
 }
 
-Bool GetItem(obcore::UploadList* list, std::uint32_t index, CloudItem* item) {
+Bool GetItem(obcontract::UploadList* list, std::uint32_t index, CloudItem* item) {
     Record(L"GetItem", list, index);
     const auto& items = static_cast<FakeUploadList*>(list)->items;
     if (index >= items.size()) return 0;
@@ -55,7 +55,7 @@ Bool GetItem(obcore::UploadList* list, std::uint32_t index, CloudItem* item) {
     return 1;
 }
 
-void ResetList(obcore::UploadList* list, std::uint32_t zero) {
+void ResetList(obcontract::UploadList* list, std::uint32_t zero) {
     Record(L"ResetList", list, zero);
     static_cast<FakeUploadList*>(list)->items.clear();
 }
@@ -80,7 +80,7 @@ FakeUploadList::FakeUploadList(std::uint32_t provider, const wchar_t* accountKey
     FillText(account.accountKey, std::size(account.accountKey), accountKey ? accountKey : L"");
 }
 
-CloudItem MakeItem(const obcore::ProviderProfile& account, const std::wstring& name,
+CloudItem MakeItem(const obcontract::ProviderProfile& account, const std::wstring& name,
                    const std::wstring& link) {
     CloudItem item{};
     item.profile = account;

@@ -9,19 +9,19 @@
 
 namespace standin {
 
-struct FakeDownloadList : obcore::DownloadList {
+struct FakeDownloadList : obcontract::DownloadList {
     FakeDownloadList();
-    std::vector<obcore::CloudItem> items;
+    std::vector<obcontract::CloudItem> items;
 };
 
-struct FakeUploadList : obcore::UploadList {
+struct FakeUploadList : obcontract::UploadList {
     FakeUploadList(std::uint32_t provider, const wchar_t* accountKey);
-    obcore::ProviderProfile account{}; // to which its items go
-    std::vector<obcore::CloudItem> items;
+    obcontract::ProviderProfile account{}; // to which its items go
+    std::vector<obcontract::CloudItem> items;
 };
 
 // A record with these texts, zero behind them.
-obcore::CloudItem MakeItem(const obcore::ProviderProfile& account, const std::wstring& name,
-                           const std::wstring& link);
+obcontract::CloudItem MakeItem(const obcontract::ProviderProfile& account, const std::wstring& name,
+                               const std::wstring& link);
 
 } // namespace standin

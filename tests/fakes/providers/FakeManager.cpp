@@ -6,28 +6,30 @@
 namespace standin {
 namespace {
 
-std::vector<std::unique_ptr<obcore::ObExtensionsManager>> liveManagers;
+std::vector<std::unique_ptr<obcontract::ObExtensionsManager>> liveManagers;
 
-auto Find(obcore::ProviderManagerHandle manager) {
+auto Find(obcontract::ProviderManagerHandle manager) {
     return std::find_if(liveManagers.begin(), liveManagers.end(),
                         [manager](const auto& live) { return live.get() == manager; });
 }
 
 } // namespace
 
-obcore::ProviderManagerHandle NewManager() {
-    liveManagers.push_back(std::make_unique<obcore::ObExtensionsManager>());
+obcontract::ProviderManagerHandle NewManager() {
+    liveManagers.push_back(std::make_unique<obcontract::ObExtensionsManager>());
     return liveManagers.back().get();
 }
 
-void DropManager(obcore::ProviderManagerHandle manager) {
+void DropManager(obcontract::ProviderManagerHandle manager) {
     const auto found = Find(manager);
     if (found != liveManagers.end()) liveManagers.erase(found);
 }
 
-bool IsLive(obcore::ProviderManagerHandle manager) { return Find(manager) != liveManagers.end(); }
+bool IsLive(obcontract::ProviderManagerHandle manager) {
+    return Find(manager) != liveManagers.end();
+}
 
-bool IsReady(obcore::ProviderManagerHandle manager) {
+bool IsReady(obcontract::ProviderManagerHandle manager) {
     return IsLive(manager) && manager->initialised;
 }
 

@@ -11,11 +11,11 @@
 #include "contracts/ProviderManager.h"
 
 // The opaque record behind the handle.
-struct obcore::ObExtensionsManager {
+struct obcontract::ObExtensionsManager {
     bool initialised = false;
     std::size_t cursor = 0; // of the walk over the storage providers
-    obcore::ProviderProfile defaultProfile{};
-    std::set<std::pair<std::uint32_t, obcore::ProviderKind>> selected;
+    obcontract::ProviderProfile defaultProfile{};
+    std::set<std::pair<std::uint32_t, obcontract::ProviderKind>> selected;
     std::wstring target;                // of the per-file transforms
     std::wstring answer;                // what the last GetProviderTarget pointed to
     std::vector<std::wstring> produced; // by the last list or final stage
@@ -23,11 +23,11 @@ struct obcore::ObExtensionsManager {
 
 namespace standin {
 
-obcore::ProviderManagerHandle NewManager();
-void DropManager(obcore::ProviderManagerHandle manager);
-bool IsLive(obcore::ProviderManagerHandle manager);
+obcontract::ProviderManagerHandle NewManager();
+void DropManager(obcontract::ProviderManagerHandle manager);
+bool IsLive(obcontract::ProviderManagerHandle manager);
 
 // Whether the handle is live and initialised, so that its calls may answer yes.
-bool IsReady(obcore::ProviderManagerHandle manager);
+bool IsReady(obcontract::ProviderManagerHandle manager);
 
 } // namespace standin

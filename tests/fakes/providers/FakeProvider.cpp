@@ -12,7 +12,7 @@
 namespace standin {
 namespace {
 
-using namespace obcore; // the contract's tables name its types bare
+using namespace obcontract; // the contract's tables name its types bare
 using Provider = CloudProvider;
 
 std::map<std::uint32_t, FakeProvider> allProviders;
@@ -70,26 +70,26 @@ Bool HasCapability(Provider* provider, ProviderKind kind, ProviderCapability mas
     return (ScriptedCount(Fake(provider).Key(L"HasCapability"), 0) & wanted) == wanted;
 }
 
-obcore::DownloadList* CreateDownloadList(Provider* provider) {
+obcontract::DownloadList* CreateDownloadList(Provider* provider) {
     Record(L"CreateDownloadList", provider);
     FakeProvider& fake = Fake(provider);
     if (ScriptedCount(fake.Key(L"CreateDownloadList"), 1) == 0) return nullptr;
     return fake.downloads.emplace_back(std::make_unique<FakeDownloadList>()).get();
 }
 
-void DestroyDownloadList(Provider* provider, obcore::DownloadList* list) {
+void DestroyDownloadList(Provider* provider, obcontract::DownloadList* list) {
     Record(L"DestroyDownloadList", provider, list);
     DropDownloadList(Fake(provider), list);
 }
 
-obcore::UploadList* CreateUploadList(Provider* provider, const wchar_t* accountKey) {
+obcontract::UploadList* CreateUploadList(Provider* provider, const wchar_t* accountKey) {
     Record(L"CreateUploadList", provider, accountKey);
     FakeProvider& fake = Fake(provider);
     if (ScriptedCount(fake.Key(L"CreateUploadList"), 1) == 0) return nullptr;
     return fake.uploads.emplace_back(std::make_unique<FakeUploadList>(fake.id, accountKey)).get();
 }
 
-void DestroyUploadList(Provider* provider, obcore::UploadList* list) {
+void DestroyUploadList(Provider* provider, obcontract::UploadList* list) {
     Record(L"DestroyUploadList", provider, list);
     Drop(Fake(provider).uploads, list);
 }
@@ -116,7 +116,7 @@ void GetAccountRootFolder(Provider* provider, const wchar_t* accountKey, wchar_t
     FillText(buffer, capacity, ScriptedText(Fake(provider).Key(L"GetAccountRootFolder")));
 }
 
-Bool RunUpload(Provider* provider, obcore::UploadList* list, HWND owner, const wchar_t* title,
+Bool RunUpload(Provider* provider, obcontract::UploadList* list, HWND owner, const wchar_t* title,
                const wchar_t* body, Bool yes1, Bool no2, Bool yes3, Bool yes4, std::uint32_t one,
                void* none) {
     Record(L"RunUpload", provider, list, owner, title, body, yes1, no2, yes3, yes4, one, none);
@@ -130,11 +130,11 @@ Bool RunUpload(Provider* provider, obcore::UploadList* list, HWND owner, const w
     return NumberAt(ScriptedText(fake.Key(L"RunUpload")), attempt, 1) != 0;
 }
 
-Bool ShareItems(Provider* provider, obcore::DownloadList* list) {
+Bool ShareItems(Provider* provider, obcontract::DownloadList* list) {
     Record(L"ShareItems", provider, list);
     const FakeProvider& fake = Fake(provider);
     if (ScriptedCount(fake.Key(L"ShareItems"), 1) == 0) return 0;
-    for (obcore::CloudItem& item : static_cast<FakeDownloadList*>(list)->items) {
+    for (obcontract::CloudItem& item : static_cast<FakeDownloadList*>(list)->items) {
         FillText(item.link, std::size(item.link),
                  L"https://" + std::to_wstring(fake.id) + L".example/" + item.name);
     }
@@ -164,7 +164,7 @@ void ManageAccount(Provider* provider, HWND owner, const wchar_t* accountKey) {
 
 void* const* ProviderTable() {
     static const auto filled = [] {
-        auto table = UnexpectedSlots<obcore::kCloudProviderSlotCount>();
+        auto table = UnexpectedSlots<obcontract::kCloudProviderSlotCount>();
         OB_PROVIDER_SLOTS(FAKE_FILL_SLOT)
         return table;
     }();
@@ -213,7 +213,7 @@ std::vector<ProviderProfile> ScriptedProfiles(const FakeProvider& provider) {
     return profiles;
 }
 
-void DropDownloadList(FakeProvider& provider, obcore::DownloadList* list) {
+void DropDownloadList(FakeProvider& provider, obcontract::DownloadList* list) {
     Drop(provider.downloads, list);
 }
 

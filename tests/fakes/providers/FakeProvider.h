@@ -12,7 +12,7 @@
 
 namespace standin {
 
-struct FakeProvider : obcore::CloudProvider {
+struct FakeProvider : obcontract::CloudProvider {
     explicit FakeProvider(std::uint32_t id);
 
     // The script's key for one of this provider's operations.
@@ -34,12 +34,12 @@ std::vector<std::uint32_t> ScriptedProviders();
 FakeProvider* ProviderOfId(std::uint32_t id);
 
 // The provider behind a pointer that came back, null when it isn't one.
-FakeProvider* FindProvider(const obcore::CloudProvider* provider);
+FakeProvider* FindProvider(const obcontract::CloudProvider* provider);
 
 // The profiles that the script gives it; a number in place of profiles is only a count.
-std::vector<obcore::ProviderProfile> ScriptedProfiles(const FakeProvider& provider);
+std::vector<obcontract::ProviderProfile> ScriptedProfiles(const FakeProvider& provider);
 
 // Takes a list back; one that isn't this provider's is written down as UnknownList.
-void DropDownloadList(FakeProvider& provider, obcore::DownloadList* list);
+void DropDownloadList(FakeProvider& provider, obcontract::DownloadList* list);
 
 } // namespace standin

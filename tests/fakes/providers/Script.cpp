@@ -46,27 +46,27 @@ void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text) 
 
 std::wstring Describe(const wchar_t* text) { return Quoted(text); }
 
-std::wstring Describe(obcore::ProviderManagerHandle manager) {
+std::wstring Describe(obcontract::ProviderManagerHandle manager) {
     if (!manager) return L"null";
     return IsLive(manager) ? L"manager" : L"stale manager";
 }
 
-std::wstring Describe(const obcore::CloudProvider* provider) {
+std::wstring Describe(const obcontract::CloudProvider* provider) {
     if (!provider) return L"null";
     const FakeProvider* fake = FindProvider(provider);
     return fake ? L"provider" + std::to_wstring(fake->id) : L"strange provider";
 }
 
-std::wstring Describe(const obcore::DownloadList* list) { return list ? L"list" : L"null"; }
-std::wstring Describe(const obcore::UploadList* list) { return list ? L"list" : L"null"; }
+std::wstring Describe(const obcontract::DownloadList* list) { return list ? L"list" : L"null"; }
+std::wstring Describe(const obcontract::UploadList* list) { return list ? L"list" : L"null"; }
 
-std::wstring Describe(const obcore::ProviderProfile* profile) {
+std::wstring Describe(const obcontract::ProviderProfile* profile) {
     if (!profile) return L"null";
     return L"profile(" + std::to_wstring(profile->providerId) + L", " +
            Quoted(profile->accountLabel) + L", " + Quoted(profile->accountKey) + L')';
 }
 
-std::wstring Describe(const obcore::CloudItem* item) {
+std::wstring Describe(const obcontract::CloudItem* item) {
     if (!item) return L"null";
     return L"item(" + Quoted(item->name) + L", " + Quoted(item->link) + L')';
 }

@@ -74,12 +74,12 @@ std::int64_t NumberAt(const std::wstring& list, std::size_t index, std::int64_t 
 void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text);
 
 std::wstring Describe(const wchar_t* text);
-std::wstring Describe(obcore::ProviderManagerHandle manager);
-std::wstring Describe(const obcore::CloudProvider* provider);
-std::wstring Describe(const obcore::DownloadList* list);
-std::wstring Describe(const obcore::UploadList* list);
-std::wstring Describe(const obcore::ProviderProfile* profile);
-std::wstring Describe(const obcore::CloudItem* item);
+std::wstring Describe(obcontract::ProviderManagerHandle manager);
+std::wstring Describe(const obcontract::CloudProvider* provider);
+std::wstring Describe(const obcontract::DownloadList* list);
+std::wstring Describe(const obcontract::UploadList* list);
+std::wstring Describe(const obcontract::ProviderProfile* profile);
+std::wstring Describe(const obcontract::CloudItem* item);
 std::wstring Describe(const ObPVX::ObPvxCallback* callback);
 std::wstring Describe(HWND window);
 std::wstring Describe(const void* pointer);

@@ -40,7 +40,7 @@ std::array<void*, Count> UnexpectedSlots() {
 // function whose signature isn't the contract's doesn't compile.
 #define FAKE_FILL_SLOT(object, number, name, result, arguments)                                    \
     {                                                                                              \
-        const ::standin::SlotFunction<obcore::object, result arguments> function = &name;          \
+        const ::standin::SlotFunction<obcontract::object, result arguments> function = &name;      \
         table[number] = reinterpret_cast<void*>(function);                                         \
     }
 

@@ -11,14 +11,15 @@
 
 // A row of the contract's table against the function of that name in this file.
 #define FAKE_CHECK_ENTRY(name, result, arguments)                                                  \
-    static_assert(std::is_same_v<decltype(&name), decltype(obcore::ProviderManagerEntries::name)>);
+    static_assert(                                                                                 \
+        std::is_same_v<decltype(&name), decltype(obcontract::ProviderManagerEntries::name)>);
 
 namespace standin {
 
 // What the script says of a provider and kind, or whether it is one of its storage providers.
-inline bool IsScriptedAsSupported(std::uint32_t providerId, obcore::ProviderKind kind) {
+inline bool IsScriptedAsSupported(std::uint32_t providerId, obcontract::ProviderKind kind) {
     const std::wstring key = L"IsProviderSupport." + std::to_wstring(providerId);
-    const bool listed = kind == obcore::ProviderKind::Storage && ProviderOfId(providerId);
+    const bool listed = kind == obcontract::ProviderKind::Storage && ProviderOfId(providerId);
     return ScriptedCount(key + L'.' + Describe(kind), ScriptedCount(key, listed)) != 0;
 }
 

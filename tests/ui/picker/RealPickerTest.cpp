@@ -19,6 +19,8 @@
 
 namespace {
 
+using obcontract::ExchangeBlock;
+using obcontract::ExchangeStatus;
 using namespace obcore;
 using namespace obtest;
 

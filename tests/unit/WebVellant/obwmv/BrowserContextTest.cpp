@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <utility>
 
+using obcontract::BrowserContext;
+
 namespace {
 
 // What the hook's function behind a slot was handed.

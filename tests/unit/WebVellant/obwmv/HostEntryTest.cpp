@@ -12,10 +12,12 @@
 #include "OBCore/exchange/ExchangeMapping.h"
 #include "OBCore/picker/Drivers.h"
 
+using obcontract::ExchangeBlock;
+
 namespace {
 
-std::function<BOOL(OPENFILENAMEW&, obcore::ExchangeBlock&)> openFileNameDriver;
-std::function<HRESULT(HWND, obcore::ExchangeBlock&)> dialogDriver;
+std::function<BOOL(OPENFILENAMEW&, obcontract::ExchangeBlock&)> openFileNameDriver;
+std::function<HRESULT(HWND, obcontract::ExchangeBlock&)> dialogDriver;
 int driverRuns = 0;
 
 } // namespace
@@ -43,8 +45,8 @@ class HostEntryTest : public testing::Test {
 protected:
     void SetUp() override {
         driverRuns = 0;
-        openFileNameDriver = [](OPENFILENAMEW&, obcore::ExchangeBlock&) -> BOOL { return 0; };
-        dialogDriver = [](HWND, obcore::ExchangeBlock&) -> HRESULT { return 0; };
+        openFileNameDriver = [](OPENFILENAMEW&, obcontract::ExchangeBlock&) -> BOOL { return 0; };
+        dialogDriver = [](HWND, obcontract::ExchangeBlock&) -> HRESULT { return 0; };
         block = obcore::CreateExchangeBlock(kId, mapping);
         ASSERT_TRUE(block);
         // What a host of an earlier test in this process left open is the same section.
@@ -98,7 +100,7 @@ TEST_F(HostEntryTest, RunsTheDialogDriverOnADialogRequest) {
     HWND owner = nullptr;
     std::uint32_t statusSeen = 99;
     std::uint32_t optionsSeen = 0;
-    dialogDriver = [&](HWND window, obcore::ExchangeBlock& seen) -> HRESULT {
+    dialogDriver = [&](HWND window, obcontract::ExchangeBlock& seen) -> HRESULT {
         owner = window;
         statusSeen = static_cast<std::uint32_t>(seen.Status);
         optionsSeen = seen.DialogOptions;
@@ -118,7 +120,7 @@ TEST_F(HostEntryTest, RunsTheDialogDriverOnADialogRequest) {
 
 TEST_F(HostEntryTest, LeavesTheFilesOfTheDialogPathByteForByte) {
     Poke32(0, 1);
-    dialogDriver = [](HWND, obcore::ExchangeBlock& answer) -> HRESULT {
+    dialogDriver = [](HWND, obcontract::ExchangeBlock& answer) -> HRESULT {
         obcore::WriteDialogAnswer(answer, {L"C:\\a", L"C:\\b"});
         obcore::WriteCleanupNames(answer, L"C:\\t", L"");
         return 0;
@@ -136,7 +138,7 @@ TEST_F(HostEntryTest, LeavesTheFilesOfTheDialogPathByteForByte) {
 
 TEST_F(HostEntryTest, LeavesALinkByteForByte) {
     Poke32(0, 1);
-    dialogDriver = [](HWND, obcore::ExchangeBlock& answer) -> HRESULT {
+    dialogDriver = [](HWND, obcontract::ExchangeBlock& answer) -> HRESULT {
         obcore::WriteLinkAnswer(answer, L"url");
         obcore::WriteCleanupNames(answer, L"", L"");
         return static_cast<HRESULT>(0x800704C7);
@@ -165,7 +167,7 @@ TEST_F(HostEntryTest, TakesAnOpenFileNameRequestBeforeItsDriverRuns) {
     std::memcpy(Bytes() + 76, L"C:\\", 8);
     OPENFILENAMEW taken = {};
     std::uint32_t statusSeen = 99;
-    openFileNameDriver = [&](OPENFILENAMEW& request, obcore::ExchangeBlock& seen) -> BOOL {
+    openFileNameDriver = [&](OPENFILENAMEW& request, obcontract::ExchangeBlock& seen) -> BOOL {
         taken = request;
         statusSeen = static_cast<std::uint32_t>(seen.Status);
         EXPECT_STREQ(request.lpstrInitialDir, L"C:\\");
@@ -214,7 +216,7 @@ TEST_F(HostEntryTest, HandsOnNoTextThatLiesOutsideTheBlock) {
     Poke32(52, 65536);
     Poke32(56, 0xFFFFFFFC);
     Poke32(72, 0x7FFFFFFE);
-    openFileNameDriver = [](OPENFILENAMEW& request, obcore::ExchangeBlock&) -> BOOL {
+    openFileNameDriver = [](OPENFILENAMEW& request, obcontract::ExchangeBlock&) -> BOOL {
         EXPECT_EQ(request.lpstrInitialDir, nullptr);
         EXPECT_EQ(request.lpstrTitle, nullptr);
         EXPECT_EQ(request.lpstrFile, nullptr);
@@ -226,7 +228,7 @@ TEST_F(HostEntryTest, HandsOnNoTextThatLiesOutsideTheBlock) {
 
 TEST_F(HostEntryTest, LetsAnExceptionOfADriverPassAndStoresNoResult) {
     Poke32(4, 0);
-    openFileNameDriver = [](OPENFILENAMEW&, obcore::ExchangeBlock&) -> BOOL {
+    openFileNameDriver = [](OPENFILENAMEW&, obcontract::ExchangeBlock&) -> BOOL {
         throw std::runtime_error("driver");
     };
     EXPECT_THROW(HostEntry(kOwner, kId), std::runtime_error);
@@ -236,8 +238,8 @@ TEST_F(HostEntryTest, LetsAnExceptionOfADriverPassAndStoresNoResult) {
 
 TEST_F(HostEntryTest, KeepsTheBlockMappedAndOpenToTheProcessesEnd) {
     Poke32(0, 1);
-    obcore::ExchangeBlock* hostBlock = nullptr;
-    dialogDriver = [&](HWND, obcore::ExchangeBlock& seen) -> HRESULT {
+    obcontract::ExchangeBlock* hostBlock = nullptr;
+    dialogDriver = [&](HWND, obcontract::ExchangeBlock& seen) -> HRESULT {
         hostBlock = &seen;
         return 9;
     };

@@ -10,7 +10,7 @@
 
 namespace obtest {
 
-class RecordingContext : public BrowserContext {
+class RecordingContext : public obcontract::BrowserContext {
 public:
     std::wstring pageUrl = L"https://mail.example/compose";
     std::vector<const wchar_t*> windowClasses;

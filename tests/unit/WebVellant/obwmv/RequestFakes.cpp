@@ -4,6 +4,8 @@
 #include "obwmv/HostEntry.h"
 #include "obwmv/SiteRules.h"
 
+using obcontract::BrowserContext;
+
 namespace obtest {
 namespace {
 

@@ -22,8 +22,8 @@ struct RequestFakes {
     std::vector<std::string> steps;
     std::wstring url;
     bool usesBrowserDialog = false;
-    std::function<BOOL(OPENFILENAMEW*, BrowserContext*)> openFileName;
-    std::function<HRESULT(IFileDialog*, HWND, BrowserContext*)> dialog;
+    std::function<BOOL(OPENFILENAMEW*, obcontract::BrowserContext*)> openFileName;
+    std::function<HRESULT(IFileDialog*, HWND, obcontract::BrowserContext*)> dialog;
     std::function<int(HWND, std::uint32_t)> host;
 };
 

@@ -16,7 +16,7 @@ namespace obtest {
 
 // What the page was handed, one line each in order: "link TEXT", "cleanup [FOLDER] [FILE]" with
 // null for a null file. A call that no request should make is recorded under its name.
-class DeliveryContext : public BrowserContext {
+class DeliveryContext : public obcontract::BrowserContext {
 public:
     std::wstring pageUrl = L"https://page.example/compose";
     std::vector<std::wstring> delivered;

@@ -7,6 +7,8 @@
 #include "tests/unit/WebVellant/obwmv/RecordingContext.h"
 #include "tests/unit/WebVellant/obwmv/TestWindow.h"
 
+using obcontract::BrowserContext;
+
 namespace {
 
 using obtest::Fakes;

@@ -12,9 +12,9 @@ using obarchive::ZipJob;
 
 TEST(ContextTableTest, GivesDifferentNumbersThatAreNeverZero) {
     ContextTable table;
-    std::set<obcore::ZipContext> seen;
+    std::set<obcontract::ZipContext> seen;
     for (int count = 0; count < 100; ++count) {
-        const obcore::ZipContext context = table.Create();
+        const obcontract::ZipContext context = table.Create();
         EXPECT_NE(context, 0U);
         EXPECT_TRUE(seen.insert(context).second);
         if (count % 2) table.Destroy(context);
@@ -36,7 +36,8 @@ TEST(ContextTableTest, RefusesAnInventedAndADestroyedContext) {
     const auto context = table.Create();
     table.Destroy(context);
     bool called = false;
-    for (const obcore::ZipContext bad : {context, obcore::ZipContext{0}, ~obcore::ZipContext{0}}) {
+    for (const obcontract::ZipContext bad :
+         {context, obcontract::ZipContext{0}, ~obcontract::ZipContext{0}}) {
         table.Change(bad, [&](ZipJob&) { called = true; });
         EXPECT_FALSE(table.Copy(bad).has_value());
         table.Destroy(bad);

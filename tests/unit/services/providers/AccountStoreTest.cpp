@@ -13,13 +13,14 @@
 #include "services/providers/AccountStore.h"
 #include "tests/support/ProductRegistry.h"
 
+using obcontract::ProviderProfile;
+
 namespace {
 
-using obcore::ProviderProfile;
 using providers::AccountStore;
 using providers::PredefinedKey;
 
-const std::wstring kKey = obcore::kProviderManagerKey;
+const std::wstring kKey = obcontract::kProviderManagerKey;
 constexpr wchar_t kValue[] = L"DefaultStorageProfile";
 
 ProviderProfile FullProfile() {

@@ -3,12 +3,13 @@
 #include "services/providers/Catalogue.h"
 #include "services/providers/Selection.h"
 
+using obcontract::CloudProvider;
+using obcontract::kSelectLeaveOut;
+using obcontract::kSelectUse;
+using obcontract::ProviderKind;
+
 namespace {
 
-using obcore::CloudProvider;
-using obcore::kSelectLeaveOut;
-using obcore::kSelectUse;
-using obcore::ProviderKind;
 using providers::Catalogue;
 using providers::Selection;
 

@@ -12,6 +12,7 @@
 
 namespace {
 
+using namespace obcontract;
 using namespace obcore;
 
 constexpr auto kCurrentUser = static_cast<std::int64_t>(static_cast<std::int32_t>(0x80000001));

@@ -8,6 +8,7 @@
 
 namespace {
 
+using obcontract::ProviderProfile;
 using namespace obcore;
 
 TEST(SelectDefaultCloudDialog, AnswersLikeACancelAndKeepsTheJobsProvider) {

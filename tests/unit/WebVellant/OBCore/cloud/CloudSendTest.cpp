@@ -9,6 +9,8 @@
 
 namespace {
 
+using obcontract::kNoProvider;
+using obcontract::ProviderProfile;
 using namespace obcore;
 
 class CloudSend : public testing::Test {

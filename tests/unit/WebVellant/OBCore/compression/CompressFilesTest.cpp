@@ -96,7 +96,7 @@ TEST_F(Compression, NotesAPlainZipForTheUsageReport) {
 }
 
 TEST_F(Compression, WritesAZipxForThatMethod) {
-    job_.CompressionMethod = obcore::kCompressionZipx;
+    job_.CompressionMethod = obcontract::kCompressionZipx;
     EXPECT_TRUE(CompressFiles(job_));
     const std::wstring path = RunFolder() + L"Ombrix Compressed Attachments.zipx";
     EXPECT_EQ(FakeModules::Calls(), WholeRun(path, RunFolder(), L"4294967295", L"0"));

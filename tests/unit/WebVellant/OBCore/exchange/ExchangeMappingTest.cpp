@@ -9,6 +9,7 @@
 
 namespace {
 
+using obcontract::ExchangeBlock;
 using namespace obcore;
 using ObLib::UniqueKernelHandle;
 

@@ -33,7 +33,9 @@ public:
     GuardedBlock(const GuardedBlock&) = delete;
     GuardedBlock& operator=(const GuardedBlock&) = delete;
 
-    obcore::ExchangeBlock& operator*() { return *reinterpret_cast<obcore::ExchangeBlock*>(bytes_); }
+    obcontract::ExchangeBlock& operator*() {
+        return *reinterpret_cast<obcontract::ExchangeBlock*>(bytes_);
+    }
     std::uint8_t* Bytes() { return bytes_; }
     std::vector<std::uint8_t> Copy() const { return {bytes_, bytes_ + kBlockBytes}; }
 

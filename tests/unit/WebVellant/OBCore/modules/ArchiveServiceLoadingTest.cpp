@@ -1,6 +1,8 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "tests/unit/WebVellant/OBCore/modules/BindingFixture.h"
 
+using namespace obcontract; // the contract's tables name its types bare
+
 namespace {
 
 using obcore::FreeArchiveService;

@@ -51,7 +51,7 @@ TEST_F(AttachJob, BeginsWithItsInitialValues) {
 
 TEST_F(AttachJob, BeginsWithAnEmptyProfileByteByByte) {
     const OBAttachJob job(OBOptions{}, nullptr);
-    const obcore::ProviderProfile empty{};
+    const obcontract::ProviderProfile empty{};
     EXPECT_EQ(0, std::memcmp(&empty, &job.SelectedStorageProvider, sizeof(empty)));
 }
 
@@ -75,7 +75,7 @@ TEST_F(AttachJob, CopiesTheOptionsButForTheManager) {
 
 TEST_F(AttachJob, TakesOverOptionsAndLeavesItsOwnFieldsAlone) {
     OBAttachJob job(OBOptions{}, nullptr);
-    const obcore::ProviderManagerHandle owned = job.OwnedProviderManager;
+    const obcontract::ProviderManagerHandle owned = job.OwnedProviderManager;
     job.Files = {L"a", L"b"};
     job.ResultPath = L"c";
     job.SelectedStorageProvider.providerId = 7;

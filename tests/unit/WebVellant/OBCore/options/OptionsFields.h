@@ -38,8 +38,8 @@ inline obcore::OBOptions OptionsFarFromDefaults() {
         void operator()(obcore::AdminSendItemKind& field) const {
             field = obcore::AdminSendItemKind::ForcedOff;
         }
-        void operator()(obcore::ProviderManagerHandle& field) const {
-            field = reinterpret_cast<obcore::ProviderManagerHandle>(std::uintptr_t{0x1230});
+        void operator()(obcontract::ProviderManagerHandle& field) const {
+            field = reinterpret_cast<obcontract::ProviderManagerHandle>(std::uintptr_t{0x1230});
         }
     } change;
     obcore::OBOptions options;

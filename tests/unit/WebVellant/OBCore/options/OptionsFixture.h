@@ -18,7 +18,7 @@ protected:
         ASSERT_TRUE(obcore::LoadProviderManager());
     }
 
-    static obcore::OBOptions Loaded(obcore::ProviderManagerHandle manager = nullptr) {
+    static obcore::OBOptions Loaded(obcontract::ProviderManagerHandle manager = nullptr) {
         obcore::OBOptions options;
         options.ProviderManager = manager;
         options.Load();
@@ -31,14 +31,14 @@ class TestManager {
 public:
     TestManager() : handle_(obcore::ProviderManager().CreateObExtensionsManager()) {
         const auto hive = reinterpret_cast<std::int64_t>(HKEY_CURRENT_USER);
-        obcore::ProviderManager().Init(handle_, hive, obcore::kProviderManagerKey);
+        obcore::ProviderManager().Init(handle_, hive, obcontract::kProviderManagerKey);
     }
     ~TestManager() { obcore::ProviderManager().DeleteObExtensionsManager(handle_); }
     TestManager(const TestManager&) = delete;
     TestManager& operator=(const TestManager&) = delete;
 
-    obcore::ProviderManagerHandle Get() const { return handle_; }
+    obcontract::ProviderManagerHandle Get() const { return handle_; }
 
 private:
-    obcore::ProviderManagerHandle handle_;
+    obcontract::ProviderManagerHandle handle_;
 };

@@ -12,6 +12,8 @@
 
 namespace {
 
+using obcontract::ProviderManagerEntries;
+using obcontract::ProviderManagerHandle;
 using namespace obcore;
 using namespace obtest;
 

@@ -18,6 +18,8 @@
 
 namespace {
 
+using obcontract::ExchangeBlock;
+using obcontract::ExchangeStatus;
 using namespace obcore;
 using namespace obtest;
 

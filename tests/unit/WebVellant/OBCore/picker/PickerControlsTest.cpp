@@ -5,6 +5,7 @@
 
 namespace {
 
+using obcontract::TransformId;
 using namespace obcore;
 using namespace obtest;
 

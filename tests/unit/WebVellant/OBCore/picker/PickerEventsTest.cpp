@@ -10,6 +10,10 @@
 
 namespace {
 
+using obcontract::Bool;
+using obcontract::ProviderKind;
+using obcontract::ProviderManagerEntries;
+using obcontract::ProviderManagerHandle;
 using namespace obcore;
 using namespace obtest;
 

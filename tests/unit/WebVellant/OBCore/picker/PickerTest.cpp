@@ -29,7 +29,7 @@ PickerTest::~PickerTest() = default;
 
 void PickerTest::SetUp() { ASSERT_TRUE(bound_); }
 
-void PickerTest::Support(obcore::TransformId transform) {
+void PickerTest::Support(obcontract::TransformId transform) {
     FakeModules::Answer(L"IsProviderSupport." +
                             std::to_wstring(static_cast<std::uint32_t>(transform)) + L".4",
                         L"1");
@@ -40,8 +40,8 @@ void PickerTest::SupportAll() {
 }
 
 void PickerTest::Initialise(obcore::OBAttachJob& job) {
-    obcore::ProviderManager().Init(job.OwnedProviderManager, 0, obcore::kProviderManagerKey);
-    job.AllowedEncryptMethods = obcore::kEncryptionMethodAes128;
+    obcore::ProviderManager().Init(job.OwnedProviderManager, 0, obcontract::kProviderManagerKey);
+    job.AllowedEncryptMethods = obcontract::kEncryptionMethodAes128;
     FakeModules::ForgetCalls();
 }
 

@@ -21,7 +21,7 @@ protected:
     void SetUp() override;
 
     // From now on the provider manager supports this transform, or all of them.
-    static void Support(obcore::TransformId transform);
+    static void Support(obcontract::TransformId transform);
     static void SupportAll();
 
     // The record of a run in which nothing is loaded, with an initialised manager.

@@ -5,6 +5,8 @@
 #include "OBCore/transforms/Transforms.h"
 #include "tests/fakes/Recording.h"
 
+using obcontract::ProviderProfile;
+
 namespace obtest {
 namespace {
 
