@@ -1,6 +1,6 @@
 #include "obwmv/Library.h"
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"

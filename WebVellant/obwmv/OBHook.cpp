@@ -7,7 +7,7 @@
 
 #include "OBCore/exchange/PickedFiles.h"
 #include "OBCore/modules/Messages.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "ObLib/Src/Win32/ScopeExit.h"

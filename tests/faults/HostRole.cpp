@@ -6,7 +6,7 @@
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "OBCore/exchange/ExchangeMapping.h"
 #include "OBCore/exchange/ExchangeRequest.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "obwmv/HostEntry.h"

@@ -1,5 +1,5 @@
 #include "OBCore/modules/Messages.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/options/OBOptions.h"
 
 using obcontract::ProviderManagerHandle;

@@ -2,7 +2,7 @@
 
 #include <psapi.h>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 namespace obcore {

@@ -3,7 +3,7 @@
 #include <io.h>
 
 #include "OBCore/modules/OwnModule.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/options/SettingsStore.h"
 
 using obcontract::ProviderKind;

@@ -1,6 +1,6 @@
 #include "OBCore/picker/AttachmentSetup.h"
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 
 using obcontract::kProviderManagerKey;
 

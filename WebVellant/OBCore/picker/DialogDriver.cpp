@@ -10,7 +10,7 @@
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "OBCore/exchange/PickedFiles.h"
 #include "OBCore/modules/OwnModule.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/picker/AttachmentSetup.h"
 #include "OBCore/picker/Drivers.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/picker/FileTypes.h"
 #include "OBCore/picker/PickerControls.h"
 #include "OBCore/picker/PickerHooks.h"

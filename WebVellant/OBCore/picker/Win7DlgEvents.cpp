@@ -2,7 +2,7 @@
 
 #include "OBCore/modules/Messages.h"
 #include "OBCore/modules/ObTrace.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/picker/PickerControls.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 

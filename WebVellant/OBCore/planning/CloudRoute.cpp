@@ -5,7 +5,7 @@
 #include "OBCore/chooser/SelectDefaultCloudDialog.h"
 #include "OBCore/cloud/CloudSend.h"
 #include "OBCore/files/Paths.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/usage/UsageEvents.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 

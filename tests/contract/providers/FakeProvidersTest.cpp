@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/support/FakeModules.h"
 

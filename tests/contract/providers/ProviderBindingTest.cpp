@@ -6,7 +6,7 @@
 #include <string>
 
 #include "OBCore/modules/OwnModule.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "tests/support/TestFolder.h"
 
 namespace {

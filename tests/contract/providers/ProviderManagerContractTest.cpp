@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "tests/support/FakeModules.h"
 #include "tests/support/ProductRegistry.h"
 

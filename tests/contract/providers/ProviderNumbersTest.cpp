@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 
 namespace {
 

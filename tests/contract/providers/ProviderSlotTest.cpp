@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "OBCore/cloud/CloudUploadCallBack.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "tests/support/FakeModules.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "OBCore/exchange/ExchangeRequest.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/picker/Drivers.h"

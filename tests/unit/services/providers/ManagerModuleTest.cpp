@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "tests/support/ProductRegistry.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "OBCore/chooser/SelectDefaultCloudDialog.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "tests/support/FakeModules.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "OBCore/cloud/CloudSend.h"
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "tests/support/FakeModules.h"
 
 namespace {

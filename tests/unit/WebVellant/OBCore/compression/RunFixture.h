@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/options/OBAttachJob.h"

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/options/OBOptions.h"
 #include "tests/support/FakeModules.h"

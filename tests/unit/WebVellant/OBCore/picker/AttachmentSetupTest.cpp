@@ -3,7 +3,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "tests/fakes/Recording.h"
 #include "tests/support/FakeModules.h"
 #include "tests/support/ImportPatch.h"

@@ -1,6 +1,6 @@
 #include <stdexcept>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/picker/PickerControls.h"
 #include "OBCore/picker/Win7DlgEvents.h"
 #include "tests/support/FakeModules.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/picker/PickerControls.h"

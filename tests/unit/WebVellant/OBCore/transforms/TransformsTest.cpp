@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/transforms/TransformTable.h"
 #include "OBCore/transforms/Transforms.h"
 #include "tests/support/FakeModules.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "tests/support/FakeModules.h"
 #include "tests/support/TestFolder.h"

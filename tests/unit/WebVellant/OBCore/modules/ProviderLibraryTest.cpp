@@ -1,4 +1,4 @@
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 #include "tests/unit/WebVellant/OBCore/modules/BindingFixture.h"
 
 using namespace obcontract; // the contract's tables name its types bare

@@ -1,4 +1,4 @@
-#include "OBCore/modules/ProviderManager.h"
+#include "OBCore/modules/ProviderLibrary.h"
 
 #include <utility>
 
