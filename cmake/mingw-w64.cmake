@@ -24,11 +24,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_LIBDIR} /nonexistent)
 set(ENV{PKG_CONFIG_PATH} "")
 
-# Paths below the checkout are hashed relative to it, so that every checkout on a machine shares what
-# one of them has compiled.
+# Through ccache where there is one; compile-cached has the settings and why.
 find_program(OB_CCACHE ccache)
 if(OB_CCACHE)
     get_filename_component(checkout "${CMAKE_CURRENT_LIST_DIR}/.." ABSOLUTE)
-    set(CMAKE_C_COMPILER_LAUNCHER env CCACHE_BASEDIR=${checkout} ${OB_CCACHE})
+    set(CMAKE_C_COMPILER_LAUNCHER "${CMAKE_CURRENT_LIST_DIR}/compile-cached" "${checkout}" "${OB_CCACHE}")
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_C_COMPILER_LAUNCHER})
 endif()
