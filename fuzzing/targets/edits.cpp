@@ -1,7 +1,6 @@
 // Elements and attributes are added anywhere: the shifted records are always those of the text, as
 // long as nothing is unended, and in every document they stay within it.
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
-#include "ObLibX/src/xml/document/Editing.h"
 #include "ObLibX/src/xml/scan/TagScanner.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"

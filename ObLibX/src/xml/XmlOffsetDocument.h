@@ -7,21 +7,10 @@
 
 #include "ObLibX/src/xml/document/AttributeCursor.h"
 #include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/document/NewElement.h"
 #include "ObLibX/src/xml/stream/StreamFile.h"
 
 namespace ObLibX {
-
-// Flags of AddElement.
-inline constexpr std::uint32_t kAddCdata = 0x1;        // the value as a CDATA section
-inline constexpr std::uint32_t kAddNoLineEnds = 0x2;   // no line ends around the new element
-inline constexpr std::uint32_t kAddBlankInEmpty = 0x4; // <name /> with the blank
-inline constexpr std::uint32_t kAddKeepReferences =
-    0x8; // in the value, what looks like a reference stays
-inline constexpr std::uint32_t kAddNoEndTag = 0x10; // <name> alone; a value is refused
-inline constexpr std::uint32_t kAddAtStart =
-    0x1000; // at the start of the parent's content, or for the node
-inline constexpr std::uint32_t kAddBefore = 0x2000;  // before the current element, not after it
-inline constexpr std::uint32_t kAddAsChild = 0x4000; // as a child of the current element
 
 // Names, values and data are read out of the text on demand; changes are made in the text, and the
 // numbers behind them move. A position is empty, on an element or on a node. Forgiving: nothing is

@@ -1,7 +1,8 @@
+#include "ObLibX/src/xml/document/AttributeEditing.h"
+
 #include <optional>
 #include <string_view>
 
-#include "ObLibX/src/xml/document/Editing.h"
 #include "ObLibX/src/xml/document/ElementText.h"
 #include "ObLibX/src/xml/document/Shifting.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"

@@ -2,9 +2,7 @@
 
 #include <string_view>
 
-#include "ObLibX/src/xml/XmlOffsetDocument.h"
 #include "ObLibX/src/xml/document/ElementText.h"
-#include "ObLibX/src/xml/document/NewElement.h"
 #include "ObLibX/src/xml/document/Shifting.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 
@@ -198,12 +196,6 @@ std::int32_t InsertElement(DocumentState& document, const Place& place, const Ne
 }
 
 } // namespace
-
-bool IsWritableName(const wchar_t* name) {
-    std::size_t length = 0;
-    while (!EndsName(name[length]) && !EndsCallerName(name[length])) ++length;
-    return length != 0 && name[length] == L'\0';
-}
 
 bool AddElement(DocumentState& document, const wchar_t* name, const wchar_t* value,
                 std::uint32_t flags) {

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
+
 namespace ObLibX {
 
 // Bits of ElementRecord::flagsAndLevel above the depth in the tree.
@@ -13,10 +15,6 @@ inline constexpr std::uint32_t kRecordUnended = 0x100000;     // a start tag wit
 inline constexpr std::uint32_t kRecordBadBelow = 0x200000;    // an element below is badly formed
 inline constexpr std::uint32_t kRecordBad = 0x800000; // this element, or for record 0 the document
 inline constexpr std::uint32_t kRecordLevelMask = 0xFFFF;
-
-// The longest tags that the length fields hold, in units.
-inline constexpr std::uint32_t kLongestStartTag = 0x3FFFFF; // 22 bits
-inline constexpr std::uint32_t kLongestEndTag = 0x3FF;      // 10 bits
 
 // One element. Record 0 is the root pseudo-element: `length` is the document's, `firstChild` the
 // document's root element, and its start tag length is 0, which is how walks upward know it.

@@ -2,8 +2,6 @@
 
 #include <string_view>
 
-#include "ObLibX/src/xml/XmlOffsetDocument.h"
-#include "ObLibX/src/xml/document/Editing.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "ObLibX/src/xml/scan/TextCoding.h"
 

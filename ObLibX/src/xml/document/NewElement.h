@@ -3,13 +3,23 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 #include "ObLibX/src/xml/document/ElementRecord.h"
 
 namespace ObLibX {
 
-inline constexpr std::wstring_view kLineEnd = L"\r\n";
+// Flags of AddElement.
+inline constexpr std::uint32_t kAddCdata = 0x1;        // the value as a CDATA section
+inline constexpr std::uint32_t kAddNoLineEnds = 0x2;   // no line ends around the new element
+inline constexpr std::uint32_t kAddBlankInEmpty = 0x4; // <name /> with the blank
+inline constexpr std::uint32_t kAddKeepReferences =
+    0x8;                                             // in the value, what looks like a reference
+inline constexpr std::uint32_t kAddNoEndTag = 0x10;  // <name> alone; a value is refused
+inline constexpr std::uint32_t kAddAtStart = 0x1000; // at the start of the parent's content, or for
+                                                     // the node
+inline constexpr std::uint32_t kAddBefore = 0x2000;  // before the current element, not after it
+inline constexpr std::uint32_t kAddAsChild = 0x4000; // as a child of the current element
+
 inline constexpr std::uint32_t kEndTagMarks = 3; // </ >
 
 struct NewElement {

@@ -1,7 +1,7 @@
 #include "ObLibX/src/xml/document/Reading.h"
 
 #include "ObLibX/src/xml/document/ElementText.h"
-#include "ObLibX/src/xml/document/XmlPath.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "ObLibX/src/xml/scan/TextCoding.h"
 
 namespace ObLibX {

@@ -1,7 +1,5 @@
 #include "ObLibX/src/xml/document/Shifting.h"
 
-#include "ObLibX/src/xml/document/Editing.h"
-
 namespace ObLibX {
 std::int32_t LastChild(const DocumentState& document, std::int32_t parent) {
     const std::uint32_t first = RecordAt(document, parent).firstChild;

@@ -1,5 +1,4 @@
-// What every change does to the text and the numbers behind it, for the sources of Editing.h, where
-// Splice and Adjust are told.
+// What every change does to the text and to the numbers after it.
 #pragma once
 
 #include <cstddef>
@@ -30,6 +29,19 @@ bool TextStaysInBounds(const DocumentState& document, std::size_t removed, std::
 // Leaves the text as it is; what follows may splice it up to `length` units without allocating.
 // Throws std::bad_alloc and changes nothing.
 void MakeRoom(std::wstring& text, std::size_t length);
+
+// Replaces `removed` units at `offset` by `text`, which isn't part of the document's. A splice that
+// passes the capacity reserves the new length and half of it and 128 units more. Throws
+// std::bad_alloc and changes nothing.
+void Splice(DocumentState& document, std::size_t offset, std::size_t removed, const wchar_t* text,
+            std::size_t length);
+
+// Walks from `position` in document order: an element behind the change moves its start by `delta`,
+// one that contains it grows its length by `delta`; `position` itself stays as it is. With
+// `startAfterChildren` the walk begins behind the children of `position`. Linear in what lies
+// behind, without recursion; ends at record 0, whose length grows too.
+void Adjust(DocumentState& document, std::int32_t position, std::int32_t delta,
+            bool startAfterChildren);
 
 // Shifts what lies behind a change at `offset` in the content of `parent`, and grows what contains
 // it, `parent` too.

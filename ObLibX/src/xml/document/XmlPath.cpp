@@ -85,12 +85,6 @@ bool ReadAttributeStep(PathCursor& cursor, std::wstring_view& attribute) {
 
 } // namespace
 
-std::size_t CallerNameLength(const wchar_t* name) {
-    std::size_t length = 0;
-    while (!EndsCallerName(name[length])) ++length;
-    return length;
-}
-
 XmlPath::XmlPath(const wchar_t* path) {
     if (path == nullptr || *path == L'\0') return;
     PathCursor cursor{path};

@@ -74,7 +74,4 @@ private:
     std::wstring_view attribute_;
 };
 
-// Units of a name that a caller gives, up to where it ends.
-std::size_t CallerNameLength(const wchar_t* name);
-
 } // namespace ObLibX

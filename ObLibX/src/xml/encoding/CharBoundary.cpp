@@ -1,3 +1,5 @@
+#include "ObLibX/src/xml/encoding/CharBoundary.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -7,7 +9,6 @@
 #include <string_view>
 
 #include "ObLibX/src/xml/encoding/SystemText.h"
-#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/encoding/Utf8Sequence.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 

@@ -1,10 +1,11 @@
+#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 
-#include "ObLibX/src/xml/document/DocumentState.h"
-#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/TagScanner.h"
 
 namespace ObLibX {

@@ -30,11 +30,6 @@ struct TextConverter {
     std::int32_t Convert(void* destination, const std::wstring& toEncoding);
 };
 
-// How many bytes at the end of the converter's source must go back so that no character of its
-// fromEncoding is cut in two. True when a boundary was found, false, with 0, when there is none. In
-// UTF-16 half a pair goes back even when it is all there is. Throws std::bad_alloc.
-bool FindCharBoundary(const TextConverter& converter, std::int32_t& outBytesToGiveBack);
-
 // The code page that a name stands for in a conversion: LookupCodePage's, or 0, the system's
 // default, when that doesn't know it.
 std::int32_t ConversionPage(const std::wstring& encoding);

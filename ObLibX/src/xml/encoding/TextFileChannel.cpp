@@ -5,6 +5,8 @@
 #include <limits>
 #include <new>
 
+#include "ObLibX/src/xml/encoding/CharBoundary.h"
+#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
 #include "ObLibX/src/xml/encoding/SystemText.h"
 #include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/encoding/Utf8Sequence.h"

@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "ObLibX/src/xml/scan/ScannerState.h"
 #include "ObLibX/src/xml/scan/StreamTagStack.h"
 
 namespace ObLibX {
@@ -25,7 +25,7 @@ struct FileCloser {
 // element into `report`; lengths there are units of the file (read, write) or of UTF-16
 // (converted_to, converted_from). `file` must be open whenever a method is called. Throws
 // std::bad_alloc only, and can be released afterwards.
-class TextFileChannel {
+class TextFileChannel final : public TextSource {
 public:
     std::unique_ptr<std::FILE, FileCloser> file; // opened in binary mode
     std::uint32_t fileFlags = 0;
@@ -36,12 +36,9 @@ public:
     std::int32_t unitSize = 1;     // bytes of one code unit in the file: 2 with UTF-16, 1 without
     std::int32_t opTextLength = 0; // units of the current operation
     std::wstring report;
-    std::wstring encoding;                // empty = not yet known
-    std::wstring* documentText = nullptr; // the document's, not owned
+    std::wstring encoding; // empty = not yet known
     StreamTagStack openTags;
-    std::int32_t bufferKeepFrom = 0; // before this place of the text nothing is needed any more
-    std::int32_t bufferRemoved = 0;  // units that the last ReadMore took from the front
-    std::int32_t savedFrom = -1;     // text from here on must survive; -1 = none
+    std::int32_t savedFrom = -1; // text from here on must survive; -1 = none
     std::wstring savedText;
 
     // In stream reading: where in the text the scanner goes on, and whether the file's end was
@@ -78,7 +75,7 @@ public:
     //
     // What goes and lies behind savedFrom is appended to savedText first; savedFrom is then 0, the
     // new front. A savedFrom that stays in the text moves with it.
-    bool ReadMore();
+    bool ReadMore() override;
     // Writes `length` units in the file's encoding. False after a file error.
     bool WriteText(const wchar_t* text, std::int32_t length);
     // fwrite of `units` units of unitSize bytes. `ownsText`: they may be swapped in place.
@@ -116,9 +113,5 @@ private:
 
     std::vector<Gap> gaps_; // of the last block, front to back
 };
-
-// The encoding that the text itself declares, by its XML declaration or an HTML meta element; empty
-// when it declares none.
-std::wstring GetDeclaredEncoding(std::wstring_view text);
 
 } // namespace ObLibX

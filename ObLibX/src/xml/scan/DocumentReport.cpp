@@ -1,12 +1,18 @@
 #include "ObLibX/src/xml/scan/DocumentReport.h"
 
 #include <charconv>
+#include <string>
+#include <string_view>
 
-#include "ObLibX/src/xml/XmlOffsetDocument.h"
-#include "ObLibX/src/xml/scan/TagScanner.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/AttributeWalk.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
+#include "ObLibX/src/xml/scan/TextCoding.h"
 
 namespace ObLibX {
 namespace {
+
+constexpr std::wstring_view kTagEnd = L"/>";
 
 struct Attribute {
     std::uint32_t flag; // 0: when none of the other flags of its kind is set
@@ -26,38 +32,64 @@ std::wstring Decimal(std::int32_t number) {
     return std::wstring(digits, end.ptr);
 }
 
-// The last element of that name among the siblings at the top, 0 when there is none.
-std::int32_t LastOfName(const XmlOffsetDocument& report, std::wstring_view name) {
-    const ElementRecordTable& records = *report.State().records;
-    const std::uint32_t first = records[0].firstChild;
-    for (std::uint32_t at = first == 0 ? 0 : records[first].prev; at != 0; at = records[at].prev) {
-        TagScanner scanner(report.Text().data(), report.Text().size(), report.Flags());
-        scanner.cursor = static_cast<std::int32_t>(records[at].start) + 1;
-        if (scanner.NextName() && scanner.TokenIs(name.data(), name.size())) {
-            return static_cast<std::int32_t>(at);
-        }
-        if (at == first) {
-            break;
+// Where the value of the element's attribute is, without the quotes. False when the element hasn't
+// got it; the place is then the one of a new attribute, after the last. `element` is a whole one,
+// <name a="v"/>.
+bool FindValue(const std::wstring& element, std::wstring_view name, std::size_t& start,
+               std::size_t& end) {
+    const wchar_t* const text = element.data();
+    AttributeWalk walk(text, text + 1, text + element.size());
+    walk.Name(); // the element's own
+    UnitSpan found;
+    UnitSpan value;
+    while (walk.Next(found, value)) {
+        if (std::wstring_view(found.start, static_cast<std::size_t>(found.end - found.start)) ==
+            name) {
+            start = static_cast<std::size_t>(value.start - text);
+            end = static_cast<std::size_t>(value.end - text);
+            return true;
         }
     }
-    return 0;
+    start = end = element.size() - kTagEnd.size();
+    return false;
 }
 
-// The element that takes the attributes, 0 when there is none.
-std::int32_t ElementOf(XmlOffsetDocument& report, const wchar_t* name, std::uint32_t flags) {
-    if ((flags & kReportUpdate) != 0) {
-        return LastOfName(report, name);
+// An attribute that would make the tag longer than a record can describe is left out.
+void SetAttribute(std::wstring& element, std::wstring_view name, const std::wstring& encoded) {
+    std::size_t start = 0;
+    std::size_t end = 0;
+    std::wstring change;
+    if (FindValue(element, name, start, end)) {
+        change = encoded;
+    } else {
+        change.append(L" ").append(name).append(L"=\"").append(encoded).append(L"\"");
     }
-    return report.AddElement(name, nullptr) ? report.CurrentPosition() : 0;
+    if (element.size() - (end - start) + change.size() <= kLongestStartTag) {
+        element.replace(start, end - start, change);
+    }
 }
 
-void SetAttributes(XmlOffsetDocument& report, std::int32_t element,
-                   const Attribute (&attributes)[4], std::uint32_t flags, const wchar_t* value) {
+void SetAttributes(std::wstring& element, const Attribute (&attributes)[4], std::uint32_t flags,
+                   std::wstring_view value) {
+    const std::wstring encoded = EncodeText(value, kEncodeAttribute);
     for (const Attribute& attribute : attributes) {
         if (attribute.flag == 0 ? flags == 0 : (flags & attribute.flag) != 0) {
-            report.SetAttribute(element, attribute.name, value);
+            SetAttribute(element, attribute.name, encoded);
         }
     }
+}
+
+// The offset of the last element of that name. A '<' in a report always begins a tag, as values are
+// encoded.
+std::size_t FindLast(std::wstring_view report, std::wstring_view name) {
+    for (std::size_t at = report.rfind(L'<'); at != std::wstring_view::npos;
+         at = report.substr(0, at).rfind(L'<')) {
+        const std::wstring_view tag = report.substr(at + 1);
+        if (tag.size() > name.size() && tag.starts_with(name) && EndsName(tag[name.size()])) {
+            return at;
+        }
+    }
+    return std::wstring_view::npos;
 }
 
 } // namespace
@@ -67,22 +99,24 @@ void Report(std::wstring& report, const wchar_t* name, const wchar_t* value, std
     if (report.size() >= kReportLimit) {
         return;
     }
-    XmlOffsetDocument document;
-    document.SetText(std::wstring_view(report));
-    const std::int32_t element = ElementOf(document, name, flags);
-    if (element == 0) {
+    const bool updates = (flags & kReportUpdate) != 0;
+    const std::size_t start = updates ? FindLast(report, name) : report.size();
+    if (start == std::wstring::npos) {
         return;
     }
+    const std::size_t length = updates ? report.find(L'>', start) + 1 - start : 0;
+    std::wstring element =
+        updates ? report.substr(start, length) : std::wstring(L"<").append(name).append(kTagEnd);
     if (value != nullptr) {
-        SetAttributes(document, element, kOfValue, flags & kValueFlags, value);
+        SetAttributes(element, kOfValue, flags & kValueFlags, value);
     }
     if (number != -1) {
-        SetAttributes(document, element, kOfNumber, flags & kNumberFlags, Decimal(number).c_str());
+        SetAttributes(element, kOfNumber, flags & kNumberFlags, Decimal(number));
     }
     if (number2 != -1) {
-        document.SetAttribute(element, L"offset2", Decimal(number2).c_str());
+        SetAttribute(element, L"offset2", Decimal(number2));
     }
-    report.assign(document.Text());
+    report.replace(start, length, updates ? element : element.append(kLineEnd));
 }
 
 } // namespace ObLibX

@@ -30,8 +30,10 @@
 // the bad tag, so that "<>" is over at its end and "<<a>" loses no tag.
 #include "ObLibX/src/xml/scan/NodeRules.h"
 
-#include "ObLibX/src/xml/document/DocumentState.h"
+#include <algorithm>
+
 #include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
 
 namespace ObLibX {
@@ -75,6 +77,14 @@ const wchar_t* NameOfType(std::int32_t type, bool inDocType) {
     }
 }
 
+// The front of the text went, so that everything is `removed` units nearer to its start.
+void MoveBack(ScannerState& scanner, std::int32_t removed) {
+    scanner.cursor -= removed;
+    scanner.tokenStart -= removed;
+    scanner.tokenEnd -= removed;
+    scanner.preservedStart -= removed;
+}
+
 } // namespace
 
 void NodeRules::Run() {
@@ -101,9 +111,28 @@ void NodeRules::Run() {
     Finish();
 }
 
-// At the end of the buffer the channel is asked for more, and everything moves with the
-// text that it dropped in front.
-bool NodeRules::MoreText() { return scanner_.ReadMore(scan_); }
+// At the end of the buffer the source is asked for more, keeping the node and the preserved span,
+// and all positions move with the text that it dropped at the front. A block may also be empty,
+// when all its units were dropped.
+bool NodeRules::MoreText() {
+    TextSource* const source = scanner_.channel;
+    while (source != nullptr) {
+        source->bufferKeepFrom = scanner_.preservedLength > 0
+                                     ? std::min(scan_.start, scanner_.preservedStart)
+                                     : scan_.start;
+        if (!source->ReadMore()) {
+            return false;
+        }
+        scanner_.textPointer = source->documentText->data();
+        scanner_.textLength = static_cast<std::int32_t>(source->documentText->size());
+        scan_.start -= source->bufferRemoved;
+        MoveBack(scanner_, source->bufferRemoved);
+        if (scanner_.cursor < scanner_.textLength) {
+            return true;
+        }
+    }
+    return false;
+}
 
 void NodeRules::AtEndOfText() {
     if (!Has(kStarted)) {

@@ -2,7 +2,7 @@
 // quick way of QuickScan.h gives the same for the nodes that it takes.
 #pragma once
 
-#include "ObLibX/src/xml/scan/TagScanner.h"
+#include "ObLibX/src/xml/scan/ScannerState.h"
 
 namespace ObLibX {
 
@@ -12,7 +12,7 @@ enum class Terminator { None, Less, Greater, Instruction, Comment, Cdata };
 // One step: reads from the scanner's cursor to the end of a node. Made anew for each node.
 class NodeRules {
 public:
-    NodeRules(TagScanner& scanner, NodeScan& scan) : scanner_(scanner), scan_(scan) {}
+    NodeRules(ScannerState& scanner, NodeScan& scan) : scanner_(scanner), scan_(scan) {}
 
     // Fills the node and leaves the scanner's cursor behind it. Throws std::bad_alloc.
     void Run();
@@ -47,7 +47,7 @@ private:
     bool Has(std::uint32_t state) const { return (states_ & state) != 0; }
     bool InQuotes() const;
 
-    TagScanner& scanner_;
+    ScannerState& scanner_;
     NodeScan& scan_;
     std::int32_t type_;
     Terminator terminator_ = Terminator::None;

@@ -1,7 +1,7 @@
 #include "ObLibX/src/xml/scan/QuickScan.h"
 
-#include "ObLibX/src/xml/document/DocumentState.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/FindUnit.h"
 
 namespace ObLibX {
@@ -156,7 +156,7 @@ Found QuickTag(const wchar_t* start, const wchar_t* end) {
 
 } // namespace
 
-bool QuickNode(TagScanner& scanner, NodeScan& scan) {
+bool QuickNode(ScannerState& scanner, NodeScan& scan) {
     const wchar_t* const text = scanner.textPointer;
     const wchar_t* const start = text + scanner.cursor;
     const wchar_t* const end = text + scanner.textLength;

@@ -1,11 +1,8 @@
 #include "ObLibX/src/xml/scan/TagScanner.h"
 
-#include <algorithm>
-
-#include "ObLibX/src/xml/document/DocumentState.h"
-#include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "ObLibX/src/xml/scan/AttributeWalk.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/NodeRules.h"
 #include "ObLibX/src/xml/scan/QuickScan.h"
 
@@ -35,28 +32,6 @@ std::int32_t TagScanner::NextNode(NodeScan& scan) {
         NodeRules(*this, scan).Run();
     }
     return scan.type;
-}
-
-bool TagScanner::ReadMore(NodeScan& scan) {
-    while (channel != nullptr) {
-        channel->bufferKeepFrom =
-            preservedLength > 0 ? std::min(scan.start, preservedStart) : scan.start;
-        if (!channel->ReadMore()) {
-            return false;
-        }
-        const std::int32_t removed = channel->bufferRemoved;
-        textPointer = channel->documentText->data();
-        textLength = static_cast<std::int32_t>(channel->documentText->size());
-        scan.start -= removed;
-        cursor -= removed;
-        tokenStart -= removed;
-        tokenEnd -= removed;
-        preservedStart -= removed;
-        if (cursor < textLength) {
-            return true; // a block may also be empty, when all its units were dropped
-        }
-    }
-    return false;
 }
 
 bool TagScanner::NextName() {

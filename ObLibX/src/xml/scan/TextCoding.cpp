@@ -1,8 +1,8 @@
 #include "ObLibX/src/xml/scan/TextCoding.h"
 
-#include "ObLibX/src/xml/document/DocumentState.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/FindUnit.h"
 
 namespace ObLibX {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string_view>
 
+#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
 #include "ObLibX/src/xml/encoding/SystemFile.h"
 #include "ObLibX/src/xml/encoding/Utf8Sequence.h"
 #include "ObLibX/src/xml/names/NameTables.h"

@@ -2,8 +2,7 @@
 
 #include <utility>
 
-#include "ObLibX/src/xml/XmlOffsetDocument.h"
-#include "ObLibX/src/xml/document/Editing.h"
+#include "ObLibX/src/xml/document/AttributeEditing.h"
 #include "ObLibX/src/xml/document/ElementText.h"
 #include "ObLibX/src/xml/document/NewElement.h"
 #include "ObLibX/src/xml/document/Shifting.h"

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "ObLibX/src/xml/document/XmlPath.h"
+#include "ObLibX/src/xml/names/XmlCharacters.h"
 
 using namespace ObLibX;
 

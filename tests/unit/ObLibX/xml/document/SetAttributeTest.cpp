@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/document/Editing.h"
+#include "ObLibX/src/xml/document/Shifting.h"
 #include "tests/unit/ObLibX/xml/document/ElementTree.h"
 
 using namespace ObLibX;

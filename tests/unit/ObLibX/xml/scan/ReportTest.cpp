@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
 #include "ObLibX/src/xml/scan/ReportTexts.h"
 #include "tests/unit/ObLibX/xml/document/Records.h"
@@ -77,6 +78,28 @@ TEST(DocumentReport, AnUpdateChangesTheLastElementOfThatName) {
     Report(report, L"reads", nullptr, kReportUpdate | kReportCount, 3);
     EXPECT_EQ(Narrow(report), "<read encoding=\"A\" length=\"10\"/>\r\n"
                               "<read encoding=\"C\" length=\"19\"/>\r\n<reads count=\"3\"/>\r\n");
+}
+
+TEST(DocumentReport, AnUpdateFindsAttributesAndNotTheTextOfValues) {
+    std::wstring report;
+    Report(report, L"read", L" length=", kReportMsg);
+    Report(report, L"read", nullptr, kReportUpdate | kReportLength, 4);
+    EXPECT_EQ(Narrow(report), "<read msg=\" length=\" length=\"4\"/>\r\n");
+    Report(report, L"read", L"<read length=\"9\"/>", kReportUpdate | kReportMsg | kReportLength, 5);
+    EXPECT_EQ(Narrow(report),
+              "<read msg=\"&lt;read length=&quot;9&quot;/&gt;\" length=\"5\"/>\r\n");
+}
+
+TEST(DocumentReport, AnAttributeThatMakesTheTagTooLongForARecordIsLeftOut) {
+    constexpr std::size_t kRest = std::size("<e tagname=\"\"/>") - 1;
+    std::wstring value(kLongestStartTag - kRest, L'x');
+    std::wstring report;
+    Report(report, L"e", value.c_str(), 0);
+    EXPECT_EQ(report.size(), kLongestStartTag + 2);
+    value += L'x';
+    report.clear();
+    Report(report, L"e", value.c_str(), 0, 7);
+    EXPECT_EQ(Narrow(report), "<e offset=\"7\"/>\r\n");
 }
 
 TEST(DocumentReport, AnUpdateOfNothingAddsNothing) {

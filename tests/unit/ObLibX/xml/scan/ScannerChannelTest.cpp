@@ -1,7 +1,7 @@
 // A text that comes block by block is read as one that is there as a whole.
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"
 #include "tests/unit/ObLibX/xml/scan/Scans.h"
 

@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/FindUnit.h"
 #include "tests/unit/ObLibX/xml/scan/Scans.h"
 

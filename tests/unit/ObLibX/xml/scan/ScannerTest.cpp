@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "ObLibX/src/xml/document/DocumentState.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "tests/unit/ObLibX/xml/scan/Scans.h"
 
 namespace ObLibX {

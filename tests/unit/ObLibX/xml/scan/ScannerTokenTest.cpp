@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "ObLibX/src/xml/document/DocumentState.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/TagScanner.h"
 #include "tests/unit/ObLibX/xml/scan/Scans.h"
 

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/NodeRules.h"
 
 namespace ObLibX {
