@@ -18,27 +18,36 @@ struct AttributeChange {
     std::wstring text;
 };
 
-// Whether the token that was found is what stands behind a '=', not an attribute's own name.
-bool IsValueToken(const TagScanner& scanner, const TagSpan& tag) {
-    if ((scanner.tokenFlags & kTokenQuoted) != 0) return true;
-    auto at = static_cast<std::size_t>(scanner.tokenStart);
-    while (at > tag.nameEnd && IsXmlSpace(scanner.textPointer[at - 1])) --at;
-    return at > tag.nameEnd && scanner.textPointer[at - 1] == L'=';
+// Puts a value in the place of the attribute's own. An attribute without '=' has its name as value;
+// it keeps the name and gets a '='. `after` is where the walk went on, after the closing quote.
+void ReplaceValue(const wchar_t* text, const UnitSpan& name, const UnitSpan& value,
+                  const wchar_t* after, AttributeChange& change) {
+    if (value.start == name.start) {
+        change.offset = static_cast<std::size_t>(name.end - text);
+        change.text = L"=";
+        return;
+    }
+    const wchar_t* const start = value.quoted ? value.start - 1 : value.start;
+    const wchar_t* const end = value.quoted ? after : value.end;
+    change.offset = static_cast<std::size_t>(start - text);
+    change.removed = static_cast<std::size_t>(end - start);
 }
 
-void ReplaceValue(const TagScanner& scanner, const TagSpan& tag, AttributeChange& change) {
-    const auto start = static_cast<std::size_t>(scanner.tokenStart);
-    const auto end = static_cast<std::size_t>(scanner.tokenEnd + 1);
-    if (!IsValueToken(scanner, tag)) {
-        change.offset = end;
-        change.text = L"=";
-    } else if ((scanner.tokenFlags & kTokenQuoted) != 0) {
-        change.offset = start - 1;
-        change.removed = static_cast<std::size_t>(scanner.cursor) - change.offset;
-    } else {
-        change.offset = start;
-        change.removed = end - start;
+// False when the tag has no such attribute.
+bool ReplaceAttribute(const DocumentState& document, const TagSpan& tag, std::wstring_view wanted,
+                      AttributeChange& change) {
+    const wchar_t* const text = document.text.data();
+    AttributeWalk walk(text, text + tag.nameEnd, text + tag.end);
+    UnitSpan name;
+    UnitSpan value;
+    while (walk.Next(name, value)) {
+        if (static_cast<std::size_t>(name.end - name.start) == wanted.size() &&
+            SameName(name.start, wanted.data(), wanted.size(), document.IgnoresCase())) {
+            ReplaceValue(text, name, value, walk.At(), change);
+            return true;
+        }
     }
+    return false;
 }
 
 // Whether the value waits for what stands behind it: a '=' that nothing follows, or a quote without
@@ -66,10 +75,7 @@ std::size_t BehindLastToken(const DocumentState& document, const TagSpan& tag) {
 AttributeChange WriteAttribute(const DocumentState& document, const TagSpan& tag,
                                std::wstring_view name, std::wstring_view encoded) {
     AttributeChange change;
-    TagScanner scanner = ScannerBehindName(document, tag);
-    if (scanner.FindAttribute(name.data(), name.size())) {
-        ReplaceValue(scanner, tag, change);
-    } else {
+    if (!ReplaceAttribute(document, tag, name, change)) {
         change.offset = BehindLastToken(document, tag);
         change.text.append(L" ").append(name).append(L"=");
     }
@@ -109,14 +115,15 @@ bool SetAttribute(DocumentState& document, std::int32_t position, const wchar_t*
 
 bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
                    const wchar_t* value, std::uint32_t flags) {
-    const bool given = name != nullptr && value != nullptr && IsWritableName(name);
-    if (!given || !PositionsHold(document)) return false;
+    if (name == nullptr || value == nullptr || !PositionsHold(document)) return false;
+    const std::wstring_view attribute(name, CallerNameLength(name));
+    if (!IsWritableName(attribute)) return false;
     const std::optional<TagSpan> tag = TagAt(document, position);
     // The attribute's name would become the target of an instruction that has none.
     if (!tag || tag->nameStart == tag->nameEnd) return false;
     const std::wstring encoded =
         EncodeText(value, (flags & kEncodeKeepReferences) | kEncodeAttribute);
-    const AttributeChange change = WriteAttribute(document, *tag, name, encoded);
+    const AttributeChange change = WriteAttribute(document, *tag, attribute, encoded);
     if (!TagStaysInBounds(document, position, change) ||
         !TextStaysInBounds(document, change.removed, change.text.size())) {
         return false;

@@ -45,12 +45,13 @@ constexpr std::size_t CallerNameLength(const wchar_t* name) {
 // Whether a tag can contain the name and a caller find it again: it isn't empty and has no unit at
 // which a name ends in a tag or in a path. An element's name must also begin as one
 // (StartsTagName).
-constexpr bool IsWritableName(const wchar_t* name) {
-    std::size_t length = 0;
-    while (!EndsName(name[length]) && !EndsCallerName(name[length])) {
-        ++length;
+constexpr bool IsWritableName(std::wstring_view name) {
+    for (const wchar_t unit : name) {
+        if (EndsName(unit) || EndsCallerName(unit)) {
+            return false;
+        }
     }
-    return length != 0 && name[length] == L'\0';
+    return !name.empty();
 }
 constexpr wchar_t FoldAscii(wchar_t unit) {
     return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit + (L'a' - L'A')) : unit;

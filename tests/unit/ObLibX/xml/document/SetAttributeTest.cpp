@@ -82,6 +82,23 @@ TEST_F(SetAttribute, IsNotTakenForTheValueOfAnother) {
     EXPECT_EQ(Set(L"<a z='2' y = >t</a>"), L"<a x=\"1\" z='2' y = >t</a>");
 }
 
+TEST_F(SetAttribute, TakesTheNameUpToWhereACallersNameEnds) {
+    for (const wchar_t* name : {L"x y", L"x=", L"x=\"2\"", L"x/", L"x[", L"x]", L"x >"}) {
+        EXPECT_EQ(Set(L"<a x='2'/>", name), L"<a x=\"1\"/>");
+        EXPECT_EQ(Set(L"<a x y/>", name), L"<a x=\"1\" y/>");
+        EXPECT_EQ(Set(L"<a y='2'/>", name), L"<a y='2' x=\"1\"/>");
+        EXPECT_EQ(document_.GetAttribute(1, L"x"), L"1");
+    }
+}
+
+TEST_F(SetAttribute, GivesAValueToAnAttributeAfterAValueThatEndsInAnEqualsSign) {
+    EXPECT_EQ(Set(L"<a y== x>t</a>"), L"<a y== x=\"1\">t</a>");
+    EXPECT_EQ(document_.GetAttribute(1, L"y"), L"=");
+    EXPECT_EQ(Set(L"<a y=b= x z>t</a>"), L"<a y=b= x=\"1\" z>t</a>");
+    EXPECT_EQ(document_.GetAttribute(1, L"y"), L"b=");
+    EXPECT_EQ(Set(L"<a y== x='2'/>"), L"<a y== x=\"1\"/>");
+}
+
 TEST_F(SetAttribute, AddsToATagThatHasNoEnd) {
     document_.SetText(L"<r><a></r>");
     EXPECT_TRUE(document_.SetAttribute(2, L"x", L"1"));
@@ -176,8 +193,8 @@ TEST_F(SetAttribute, RefusesWhatItCannotWrite) {
     document_.SetText(L"<a y='1'/>");
     ExpectRefused(1, nullptr, L"1");
     ExpectRefused(1, L"x", nullptr);
-    for (const wchar_t* name : {L"", L" ", L"x y", L"x=", L"x>", L"x/", L"x?", L"x\"", L"x'", L"<x",
-                                L"x[", L"x]", L"x\n"}) {
+    for (const wchar_t* name : {L"", L" ", L" x", L"=x", L"[x", L"x>", L"x?", L"x\"", L"x'", L"<x",
+                                L"x\n", L"x;", L"x! y"}) {
         ExpectRefused(1, name, L"1");
     }
     for (const std::int32_t position : {-1, 0, 2, 9, 0x7FFFFFFF})
