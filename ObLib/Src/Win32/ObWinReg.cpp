@@ -32,13 +32,14 @@ DWORD BitOf(DWORD type) {
     return kAcceptOther;
 }
 
-// How many units a text of `units` units takes with its end. `units` and the two behind it are
-// there; those two are zero.
+// How many units a text of `units` units takes with its end. Two more units after them are in the
+// buffer and are zero.
 std::size_t UnitsWithEnd(DWORD type, const wchar_t* text, std::size_t units) {
     if (type != REG_MULTI_SZ) return units != 0 && text[units - 1] == L'\0' ? units : units + 1;
     const bool isEmpty = units == 0 || (units == 1 && text[0] == L'\0');
     if (isEmpty) return 2;
-    // The last but one tells: a list that only lacks its second NUL gets it.
+    // The last unit but one decides. A list that lacks its second NUL gets it; a list without any
+    // NUL is counted with one, and its second one is a spare unit.
     return units >= 2 && text[units - 2] == L'\0' ? units : units + 1;
 }
 

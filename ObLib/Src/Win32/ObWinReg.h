@@ -32,11 +32,13 @@ public:
     // True also when nothing is open.
     bool Close();
 
-    // The value's data, put in order: a text is ended by a NUL (a multi-string by two) although the
-    // registry needn't hold one, and `outBuffer.size` is what it takes with them; 4 more bytes
-    // behind it are zero. `typeMask` is made of kAccept...; other types give false, and so does
-    // every failure, also that of a value that changed its size meanwhile. `outBuffer` is empty
-    // then. `outType` is what the system answered last.
+    // The value's data, put in order, as the registry needn't contain a text's NULs: a text ends
+    // with one and a multi-string with two, and they count in `outBuffer.size`. Of a multi-string
+    // without any NUL one is counted; where the last unit but one is a NUL and the last isn't, none
+    // is. The 4 bytes after `outBuffer.size` are always zero, so that these end with two NULs as
+    // well. `typeMask` is made of kAccept...; other types give false, and so does every failure,
+    // also that of a value that changed its size meanwhile. `outBuffer` is empty then. `outType` is
+    // what the system answered last.
     bool ReadValue(const wchar_t* name, DWORD& outType, ObBuffer& outBuffer, DWORD typeMask);
 
     HKEY root;

@@ -1,5 +1,9 @@
-// Changes: text spliced in place, and the numbers behind it moved. After each change the records
-// are those that indexing the text anew would give, in another order of their indices.
+// Elements added: text spliced in place, and the numbers after it moved.
+//
+// The records after a change are those of a fresh parse, in another order of their indices, as long
+// as every element has its end. An element added with kAddNoEndTag has not: <r></r> becomes
+// <r><c></r>, where c is marked unended and everything else keeps its record. A fresh parse of that
+// text would report c, mark the document and r as badly formed, and stop after </r>.
 #pragma once
 
 #include <cstdint>

@@ -214,6 +214,25 @@ TEST_F(AddElement, OpensASingleTag) {
     }
 }
 
+// A fresh parse of the text reports the child, marks what is around it and stops after </r>.
+TEST_F(AddElement, MarksOnlyTheElementItselfWhenItHasNoEndTag) {
+    Load(L"<t><r></r><s/></t>");
+    Stand(1, 2);
+    EXPECT_TRUE(Add(L"c", nullptr, kAddAsChild | kAddNoEndTag | kAddNoLineEnds));
+    EXPECT_EQ(document_.Text(), L"<t><r><c></r><s/></t>");
+    ExpectSoundLinks(document_.State());
+    const ElementRecordTable& records = *document_.State().records;
+    EXPECT_TRUE(records[document_.ChildPosition()].Has(kRecordUnended));
+    EXPECT_FALSE(records[0].Has(kRecordBad));
+    EXPECT_FALSE(records[2].Has(kRecordBadBelow));
+    EXPECT_EQ(records[3].start, 13u);
+
+    XmlOffsetDocument parsed;
+    EXPECT_FALSE(parsed.SetText(std::wstring_view(document_.Text())));
+    EXPECT_EQ(parsed.State().nextFreePos, 4); // t, r and c
+    EXPECT_TRUE((*parsed.State().records)[2].Has(kRecordBadBelow));
+}
+
 TEST_F(AddElement, OpensATagThatHasNoEnd) {
     EXPECT_TRUE(Add(L"p", nullptr, kAddNoEndTag | kAddNoLineEnds));
     EXPECT_EQ(Added(kAddAsChild), L"<p>\r\n<n/>\r\n</p>");
