@@ -3,33 +3,28 @@
 #   OBX_XML_SOURCES          what builds everywhere, the packed name tables among them
 #   OBX_XML_WINDOWS_SOURCES  what stands behind src/xml/encoding/System*.h on Windows
 set(names
-    names/XmlCharacters
-    document/ElementRecordTable
-    document/DocumentState
+    names/NameTables
     scan/OpenTagStack
     scan/TagScanner
     scan/NodeRules
     scan/QuickScan
-    document/ElementParser
     scan/DocumentReport
-    names/NameTables
     scan/TextCoding
-    document/XmlPath
-    document/StepMatch
-    document/Navigation
-    document/Reading
-    document/AttributeCursor
-    document/NewElement
-    document/Editing
-    document/AttributeEditing
-    document/Shifting
-    document/ElementText
+    scan/StreamTagStack
     encoding/TextConverter
     encoding/CharBoundary
     encoding/TextFileChannel
     encoding/DeclaredEncoding
-    scan/StreamTagStack
-    stream/StreamRecords
+    document/ElementRecordTable
+    document/DocumentState
+    document/ElementParser
+    document/XmlPath
+    document/Navigation
+    document/AttributeCursor
+    document/Editing
+    document/AttributeEditing
+    document/Shifting
+    document/ElementText
     stream/StreamReading
     stream/StreamWriting
     stream/StreamFile

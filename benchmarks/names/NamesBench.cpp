@@ -9,7 +9,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "ObLibX/src/xml/names/NameTableData.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "benchmarks/support/Series.h"

@@ -4,7 +4,7 @@
 #include <span>
 #include <utility>
 
-#include "ObLibX/src/xml/names/NameTableData.h"
+#include "ObLibX/src/xml/names/NameTables.h"
 
 namespace {
 

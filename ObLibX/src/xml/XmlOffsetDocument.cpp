@@ -3,8 +3,8 @@
 #include "ObLibX/src/xml/document/AttributeEditing.h"
 #include "ObLibX/src/xml/document/Editing.h"
 #include "ObLibX/src/xml/document/ElementParser.h"
+#include "ObLibX/src/xml/document/ElementText.h"
 #include "ObLibX/src/xml/document/Navigation.h"
-#include "ObLibX/src/xml/document/Reading.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
 #include "ObLibX/src/xml/stream/StreamReading.h"
 #include "ObLibX/src/xml/stream/StreamWriting.h"
@@ -14,46 +14,6 @@ namespace {
 
 constexpr wchar_t kConversionLoss[] = L"conversion_loss";
 constexpr std::uint32_t kClientFlags = kDocIgnoreCase | kDocTrim | kDocCollapse;
-constexpr std::uint32_t kUnitsPerRecord = 64; // of an ordinary document
-constexpr std::uint32_t kRecordsAtLeast = 8;
-
-// The state before anything is indexed, which is also what a failed allocation leaves behind.
-void ForgetElements(DocumentState& document) noexcept {
-    SetPosition(document, 0, 0, 0);
-    if (document.savedPositions) {
-        document.savedPositions->clear();
-    }
-    document.nextFreePos = 1;
-    document.deletedPos = 0;
-    if (document.records->Size() > 0) {
-        (*document.records)[0] = ElementRecord{};
-    }
-}
-
-void IndexElements(DocumentState& document) {
-    const std::int32_t first = ParseElements(document, 0);
-    ElementRecord& root = (*document.records)[0];
-    root.length = static_cast<std::uint32_t>(document.text.size());
-    root.firstChild = static_cast<std::uint32_t>(first);
-    if (first == 0) {
-        Report(document.result, L"no_root_element", nullptr, 0);
-    } else if ((*document.records)[first].next != 0) {
-        Report(document.result, L"root_has_sibling", nullptr, 0);
-    }
-    SetPosition(document, 0, 0, 0);
-}
-
-bool IsWellFormed(const DocumentState& document) {
-    if (document.Has(kDocStreamWrite)) {
-        return true;
-    }
-    const ElementRecordTable& records = *document.records;
-    const ElementRecord& root = records[0];
-    if (document.Has(kDocStreamRead)) {
-        return !root.Has(kRecordBad);
-    }
-    return !root.Has(kRecordBad) && root.firstChild != 0 && records[root.firstChild].next == 0;
-}
 
 // Closes what is open and leaves record 0 alone.
 void PrepareStream(XmlOffsetDocument& document) {
@@ -126,19 +86,7 @@ bool XmlOffsetDocument::ParseText() {
     if (state_.Has(kDocStreams)) {
         return IsWellFormed(state_);
     }
-    ForgetElements(state_);
-    ElementRecordTable& records = *state_.records;
-    records.Grow(static_cast<std::uint32_t>(state_.text.size()) / kUnitsPerRecord +
-                 kRecordsAtLeast);
-    records[0] = ElementRecord{};
-    if (!state_.text.empty()) {
-        try {
-            IndexElements(state_);
-        } catch (...) {
-            ForgetElements(state_);
-            throw;
-        }
-    }
+    IndexElements(state_);
     return IsWellFormed(state_);
 }
 

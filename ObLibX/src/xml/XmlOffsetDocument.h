@@ -7,7 +7,7 @@
 
 #include "ObLibX/src/xml/document/AttributeCursor.h"
 #include "ObLibX/src/xml/document/DocumentState.h"
-#include "ObLibX/src/xml/document/NewElement.h"
+#include "ObLibX/src/xml/document/Editing.h"
 #include "ObLibX/src/xml/stream/StreamFile.h"
 
 namespace ObLibX {

@@ -8,6 +8,9 @@
 namespace ObLibX {
 namespace {
 
+constexpr std::uint32_t kUnitsPerRecord = 64; // of an ordinary document
+constexpr std::uint32_t kRecordsAtLeast = 8;
+
 // One run over a text. The tags that are open lie on the stack, the innermost one's record is
 // current_.
 class Parser {
@@ -244,10 +247,61 @@ void Parser::TagTooLong(std::uint32_t element, const wchar_t* type, std::int32_t
     Report(document_.result, L"tag_too_long", type, kReportType, offset);
 }
 
+// The elements, and what concerns the document as a whole.
+void ParseAll(DocumentState& document) {
+    const std::uint32_t first = Parser(document, 0).Run();
+    ElementRecord& root = (*document.records)[0];
+    root.length = static_cast<std::uint32_t>(document.text.size());
+    root.firstChild = first;
+    if (first == 0) {
+        Report(document.result, L"no_root_element", nullptr, 0);
+    } else if ((*document.records)[first].next != 0) {
+        Report(document.result, L"root_has_sibling", nullptr, 0);
+    }
+    SetPosition(document, 0, 0, 0);
+}
+
 } // namespace
 
-std::int32_t ParseElements(DocumentState& document, std::int32_t parent) {
-    return static_cast<std::int32_t>(Parser(document, static_cast<std::uint32_t>(parent)).Run());
+void ForgetElements(DocumentState& document) noexcept {
+    SetPosition(document, 0, 0, 0);
+    if (document.savedPositions) {
+        document.savedPositions->clear();
+    }
+    document.nextFreePos = 1;
+    document.deletedPos = 0;
+    if (document.records->Size() > 0) {
+        (*document.records)[0] = ElementRecord{};
+    }
+}
+
+void IndexElements(DocumentState& document) {
+    ForgetElements(document);
+    ElementRecordTable& records = *document.records;
+    records.Grow(static_cast<std::uint32_t>(document.text.size()) / kUnitsPerRecord +
+                 kRecordsAtLeast);
+    records[0] = ElementRecord{};
+    if (document.text.empty()) {
+        return;
+    }
+    try {
+        ParseAll(document);
+    } catch (...) {
+        ForgetElements(document);
+        throw;
+    }
+}
+
+bool IsWellFormed(const DocumentState& document) {
+    if (document.Has(kDocStreamWrite)) {
+        return true;
+    }
+    const ElementRecordTable& records = *document.records;
+    const ElementRecord& root = records[0];
+    if (document.Has(kDocStreamRead)) {
+        return !root.Has(kRecordBad);
+    }
+    return !root.Has(kRecordBad) && root.firstChild != 0 && records[root.firstChild].next == 0;
 }
 
 } // namespace ObLibX

@@ -5,13 +5,22 @@
 
 namespace ObLibX {
 
-// Indexes `document.text` from its start, each element linked below the record `parent`. Gives the
-// first element's record, 0 when there is none. Appends what is wrong to `document.result` and sets
-// the flags of the records concerned. Where a lone end tag, or one that closed more than the
-// innermost element, stops the parsing, the elements that are still open keep their children, reach
-// up to there and are marked unended; only at the end of the text are their children handed up.
-// Linear in the text, without recursion. Throws std::bad_alloc;
-// the document can then only be set anew or released.
-std::int32_t ParseElements(DocumentState& document, std::int32_t parent);
+// The state before anything is indexed, which is also what a failed allocation leaves: no position,
+// no saved position, no record in use. The text stays.
+void ForgetElements(DocumentState& document) noexcept;
+
+// Indexes `document.text` from its start: one record for each element, linked below record 0. What
+// is wrong is appended to `document.result` and marked in the records concerned.
+//
+// The parsing stops at a lone end tag, and at an end tag that closes more than the innermost
+// element. The elements that are open there keep their children, reach up to there and are marked
+// unended. At the end of the text the children of open elements are handed up instead.
+//
+// Linear in the text, without recursion. Throws std::bad_alloc and leaves the elements forgotten.
+void IndexElements(DocumentState& document);
+
+// Whether the text that was indexed is well formed, with exactly one root element. In a stream only
+// what came by counts: in reading nothing was bad, and in writing always true.
+bool IsWellFormed(const DocumentState& document);
 
 } // namespace ObLibX

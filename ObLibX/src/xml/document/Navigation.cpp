@@ -1,7 +1,7 @@
 #include "ObLibX/src/xml/document/Navigation.h"
 
 #include "ObLibX/src/xml/document/ElementText.h"
-#include "ObLibX/src/xml/document/StepMatch.h"
+#include "ObLibX/src/xml/document/XmlPath.h"
 
 namespace ObLibX {
 namespace {

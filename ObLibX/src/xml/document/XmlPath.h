@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ObLibX/src/xml/document/DocumentState.h"
+
 namespace ObLibX {
 
 // Where a search begins.
@@ -73,5 +75,13 @@ private:
     std::vector<PathStep> more_;
     std::wstring_view attribute_;
 };
+
+// ---- Whether an element is what a step asks for
+
+// Name and test of the step; its count is the caller's business. `position` is an element's.
+bool Matches(const DocumentState& document, std::int32_t position, const PathStep& step);
+
+// Whether the element's start tag has the attribute.
+bool HasAttribute(const DocumentState& document, std::int32_t position, std::wstring_view name);
 
 } // namespace ObLibX

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "ObLibX/src/xml/encoding/SystemText.h"
-#include "ObLibX/src/xml/encoding/Utf8Sequence.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 
 namespace ObLibX {

@@ -8,7 +8,6 @@
 #include <memory>
 
 #include "ObLibX/src/xml/encoding/SystemText.h"
-#include "ObLibX/src/xml/encoding/Utf8Sequence.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 
 namespace ObLibX {

@@ -9,7 +9,6 @@
 #include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
 #include "ObLibX/src/xml/encoding/SystemText.h"
 #include "ObLibX/src/xml/encoding/TextConverter.h"
-#include "ObLibX/src/xml/encoding/Utf8Sequence.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
 
 namespace ObLibX {

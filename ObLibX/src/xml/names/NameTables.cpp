@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "ObLibX/src/xml/names/NameTableData.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 
 namespace ObLibX {

@@ -1,6 +1,7 @@
 // Names of charsets and of character entities.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -17,5 +18,21 @@ std::int32_t LookupCodePage(std::wstring_view name);
 // The code point of an entity name without & and ;, 0 when it is unknown. Folds ASCII case; of a
 // pair that differs in case only the upper one is ever found. Allocates nothing.
 std::uint32_t LookupEntity(std::wstring_view name);
+
+// ---- The packed tables, as the build makes them from charsets.txt and entities.txt. Only the
+// lookups above and the tests that count the rows read them.
+
+inline constexpr std::size_t kCharsetBucketCount = 155;
+inline constexpr std::size_t kEntityBucketCount = 130;
+
+// A bucket is the sum of the name's units modulo the number of buckets. It is one text, NUL-ended,
+// in which rows stand directly behind each other; an empty bucket is the empty text.
+//
+// A charset row: two digits of name length, five digits of code page, the name in lower case:
+// "0800949ksc_5601".
+extern const wchar_t* const kCharsetBuckets[kCharsetBucketCount];
+// An entity row: one character '0' + name length, four digits of the code point, the name in lower
+// case: "60216oslash".
+extern const wchar_t* const kEntityBuckets[kEntityBucketCount];
 
 } // namespace ObLibX

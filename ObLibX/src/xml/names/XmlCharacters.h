@@ -60,6 +60,19 @@ constexpr wchar_t FoldAscii(wchar_t unit) {
 // Whether the first `length` units of both are equal. With `ignoreCase` only ASCII letters fold,
 // and only up to the first equal character that isn't ASCII: from there on any difference counts.
 // The caller checks that a terminator of its name follows.
-bool SameName(const wchar_t* one, const wchar_t* other, std::size_t length, bool ignoreCase);
+inline bool SameName(const wchar_t* one, const wchar_t* other, std::size_t length,
+                     bool ignoreCase) {
+    bool folds = ignoreCase;
+    for (std::size_t i = 0; i < length; ++i) {
+        if (one[i] != other[i]) {
+            if (!folds || FoldAscii(one[i]) != FoldAscii(other[i])) {
+                return false;
+            }
+        } else if (one[i] >= 0x80) {
+            folds = false;
+        }
+    }
+    return true;
+}
 
 } // namespace ObLibX

@@ -71,7 +71,7 @@ def main():
     here = pathlib.Path(__file__).resolve().parent
     source = "\n".join([
         "// Made by pack_names.py from charsets.txt and entities.txt.",
-        '#include "ObLibX/src/xml/names/NameTableData.h"',
+        '#include "ObLibX/src/xml/names/NameTables.h"',
         "",
         "namespace ObLibX {",
         "",

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ObLibX/src/xml/names/XmlCharacters.h"
-#include "ObLibX/src/xml/scan/FindUnit.h"
+#include "ObLibX/src/xml/scan/QuickScan.h"
 
 namespace ObLibX {
 

@@ -2,7 +2,7 @@
 
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "ObLibX/src/xml/scan/DocumentConstants.h"
-#include "ObLibX/src/xml/scan/FindUnit.h"
+#include "ObLibX/src/xml/scan/ScannerState.h"
 
 namespace ObLibX {
 namespace {

@@ -3,7 +3,7 @@
 #include "ObLibX/src/xml/names/NameTables.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "ObLibX/src/xml/scan/DocumentConstants.h"
-#include "ObLibX/src/xml/scan/FindUnit.h"
+#include "ObLibX/src/xml/scan/QuickScan.h"
 
 namespace ObLibX {
 namespace {

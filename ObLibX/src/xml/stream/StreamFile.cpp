@@ -6,7 +6,7 @@
 
 #include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
 #include "ObLibX/src/xml/encoding/SystemFile.h"
-#include "ObLibX/src/xml/encoding/Utf8Sequence.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
 

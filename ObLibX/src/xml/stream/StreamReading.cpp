@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "ObLibX/src/xml/document/DocumentState.h"
 #include "ObLibX/src/xml/document/ElementText.h"
-#include "ObLibX/src/xml/document/Reading.h"
-#include "ObLibX/src/xml/document/StepMatch.h"
 #include "ObLibX/src/xml/document/XmlPath.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
 #include "ObLibX/src/xml/scan/TagScanner.h"
-#include "ObLibX/src/xml/stream/StreamRecords.h"
 
 namespace ObLibX {
 namespace {

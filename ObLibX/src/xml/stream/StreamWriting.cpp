@@ -3,11 +3,11 @@
 #include <utility>
 
 #include "ObLibX/src/xml/document/AttributeEditing.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
+#include "ObLibX/src/xml/document/Editing.h"
 #include "ObLibX/src/xml/document/ElementText.h"
-#include "ObLibX/src/xml/document/NewElement.h"
 #include "ObLibX/src/xml/document/Shifting.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
-#include "ObLibX/src/xml/stream/StreamRecords.h"
 
 namespace ObLibX {
 namespace {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "ObLibX/src/xml/encoding/TextConverter.h"
-#include "ObLibX/src/xml/encoding/Utf8Sequence.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 
 namespace {

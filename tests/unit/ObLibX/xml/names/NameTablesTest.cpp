@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "ObLibX/src/xml/names/NameTableData.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 
 namespace {

@@ -4,7 +4,6 @@
 
 #include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
-#include "ObLibX/src/xml/scan/ReportTexts.h"
 #include "tests/unit/ObLibX/xml/document/Records.h"
 #include "tests/unit/ObLibX/xml/scan/Scans.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "ObLibX/src/xml/scan/DocumentConstants.h"
-#include "ObLibX/src/xml/scan/FindUnit.h"
+#include "ObLibX/src/xml/scan/QuickScan.h"
 #include "tests/unit/ObLibX/xml/scan/Scans.h"
 
 namespace ObLibX {

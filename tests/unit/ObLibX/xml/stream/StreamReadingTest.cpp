@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ObLibX/src/xml/stream/StreamRecords.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
 #include "tests/unit/ObLibX/xml/stream/StreamChecks.h"
 #include "tests/unit/ObLibX/xml/stream/StreamFiles.h"
 
