@@ -238,11 +238,37 @@ HRESULT RecordingFileDialog::SetCheckButtonState(DWORD control, BOOL checked) {
 }
 
 HRESULT RecordingFileDialog::AddControlItem(DWORD control, DWORD item, LPCWSTR text) {
-    return Answer(L"AddControlItem", Number(control) + L", " + Number(item) + L", " + Quoted(text));
+    const HRESULT answer =
+        Answer(L"AddControlItem", Number(control) + L", " + Number(item) + L", " + Quoted(text));
+    if (FAILED(answer)) return answer;
+    return items_.insert({{control, item}, text}).second ? answer : E_INVALIDARG;
+}
+
+HRESULT RecordingFileDialog::RemoveControlItem(DWORD control, DWORD item) {
+    const HRESULT answer = Answer(L"RemoveControlItem", Number(control) + L", " + Number(item));
+    if (FAILED(answer)) return answer;
+    if (items_.erase({control, item}) == 0) return E_INVALIDARG;
+    if (Selected(control) == item) selected_.erase(control);
+    return answer;
 }
 
 HRESULT RecordingFileDialog::SetSelectedControlItem(DWORD control, DWORD item) {
-    return Answer(L"SetSelectedControlItem", Number(control) + L", " + Number(item));
+    const HRESULT answer =
+        Answer(L"SetSelectedControlItem", Number(control) + L", " + Number(item));
+    if (FAILED(answer)) return answer;
+    if (item == 0 && !script_.clearsLists) return E_INVALIDARG;
+    selected_[control] = item;
+    return answer;
+}
+
+DWORD RecordingFileDialog::Selected(DWORD list) const {
+    const auto selected = selected_.find(list);
+    return selected == selected_.end() ? 0 : selected->second;
+}
+
+std::wstring RecordingFileDialog::ItemText(DWORD list, DWORD item) const {
+    const auto found = items_.find({list, item});
+    return found == items_.end() ? L"" : found->second;
 }
 
 HRESULT RecordingFileDialog::StartVisualGroup(DWORD control, LPCWSTR label) {
@@ -259,6 +285,7 @@ HRESULT RecordingFileDialog::GetWindow(HWND* window) {
 }
 
 HRESULT RecordingFileDialog::ChooseItem(DWORD list, DWORD item) {
+    selected_[list] = item;
     return controlEvents_ ? controlEvents_->OnItemSelected(this, list, item) : E_UNEXPECTED;
 }
 
@@ -309,7 +336,6 @@ OB_UNEXPECTED(GetControlState, DWORD, CDCONTROLSTATEF*)
 OB_UNEXPECTED(GetEditBoxText, DWORD, WCHAR**)
 OB_UNEXPECTED(SetEditBoxText, DWORD, LPCWSTR)
 OB_UNEXPECTED(GetCheckButtonState, DWORD, BOOL*)
-OB_UNEXPECTED(RemoveControlItem, DWORD, DWORD)
 OB_UNEXPECTED(RemoveAllControlItems, DWORD)
 OB_UNEXPECTED(GetControlItemState, DWORD, DWORD, CDCONTROLSTATEF*)
 OB_UNEXPECTED(SetControlItemState, DWORD, DWORD, CDCONTROLSTATEF)

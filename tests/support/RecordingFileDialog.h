@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -30,6 +31,7 @@ struct FileDialogScript {
     std::vector<std::wstring> results;  // an empty text is an item without a file-system path
     std::vector<std::wstring> selected; // what is selected while the dialog is open
     bool written = true;                // whether calls are written down
+    bool clearsLists = true;            // whether SetSelectedControlItem(list, 0) succeeds
 
     // Failing calls, by name: "Advise", "GetResults", "StartVisualGroup(102)",
     // "QueryInterface(IFileDialogCustomize)", "CoCreateInstance" and so on. A bracket names the
@@ -58,6 +60,11 @@ public:
     IFileDialogEvents* Events() { return events_.Get(); }
     IFileDialogControlEvents* ControlEvents() { return controlEvents_.Get(); }
     ULONG References() const { return references_; }
+
+    // What a radio list shows: its selected item, 0 for none; the text of an item, empty when the
+    // list doesn't have it.
+    DWORD Selected(DWORD list) const;
+    std::wstring ItemText(DWORD list, DWORD item) const;
 
     // IUnknown
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
@@ -110,7 +117,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetCheckButtonState(DWORD, BOOL*) override;
     HRESULT STDMETHODCALLTYPE SetCheckButtonState(DWORD control, BOOL checked) override;
     HRESULT STDMETHODCALLTYPE AddControlItem(DWORD control, DWORD item, LPCWSTR text) override;
-    HRESULT STDMETHODCALLTYPE RemoveControlItem(DWORD, DWORD) override;
+    HRESULT STDMETHODCALLTYPE RemoveControlItem(DWORD control, DWORD item) override;
     HRESULT STDMETHODCALLTYPE RemoveAllControlItems(DWORD) override;
     HRESULT STDMETHODCALLTYPE GetControlItemState(DWORD, DWORD, CDCONTROLSTATEF*) override;
     HRESULT STDMETHODCALLTYPE SetControlItemState(DWORD, DWORD, CDCONTROLSTATEF) override;
@@ -134,6 +141,8 @@ private:
     ULONG references_ = 1;
     FILEOPENDIALOGOPTIONS options_ = 0;
     bool optionsSet_ = false;
+    std::map<std::pair<DWORD, DWORD>, std::wstring> items_; // of the radio lists: list and item
+    std::map<DWORD, DWORD> selected_;                       // list to item
     ObLib::ComPtr<IFileDialogEvents> events_;
     ObLib::ComPtr<IFileDialogControlEvents> controlEvents_;
 };

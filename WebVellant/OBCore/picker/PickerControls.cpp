@@ -6,6 +6,7 @@
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
+#include "OBCore/modules/TraceFailure.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 using obcontract::kSwitchEncryptionOff;
@@ -58,41 +59,56 @@ void DropRefusedEncryption(HWND owner, OBAttachJob& job) {
     if (IsEncryptionRefused(owner)) job.AutoEncrypt = false;
 }
 
-void AddChoice(IFileDialogCustomize& customize, DWORD list, DWORD item, TextId text,
-               CDCONTROLSTATEF state) {
-    customize.AddRadioButtonList(list);
-    customize.AddControlItem(list, item, LoadText(text).c_str());
-    customize.SetControlState(list, state);
+HRESULT AddChoiceItem(IFileDialogCustomize& customize, const ChoiceControl& choice) {
+    return TraceFailure("AddControlItem", customize.AddControlItem(choice.list, choice.item,
+                                                                   LoadText(choice.text).c_str()));
 }
 
-// A group that can't be started is left out; its neighbours are tried all the same.
+void AddChoice(IFileDialogCustomize& customize, const ChoiceControl& choice,
+               CDCONTROLSTATEF state) {
+    TraceFailure("AddRadioButtonList", customize.AddRadioButtonList(choice.list));
+    AddChoiceItem(customize, choice);
+    TraceFailure("SetControlState", customize.SetControlState(choice.list, state));
+}
+
+// A group that can't be started is left out; the others are tried all the same.
+bool StartGroup(IFileDialogCustomize& customize, DWORD group) {
+    return SUCCEEDED(TraceFailure("StartVisualGroup", customize.StartVisualGroup(group, L"")));
+}
+
+void EndGroup(IFileDialogCustomize& customize) {
+    TraceFailure("EndVisualGroup", customize.EndVisualGroup());
+}
+
 void AddChoices(IFileDialogCustomize& customize, const OBOptions& options) {
-    if (FAILED(customize.StartVisualGroup(kChoiceGroup, L""))) return;
+    if (!StartGroup(customize, kChoiceGroup)) return;
     const ChoiceStates states = ComputeChoiceStates(options);
-    AddChoice(customize, kZipList, kZipItem, TextId::ChoiceZip, states.zip);
-    AddChoice(customize, kZipAndEncryptList, kZipAndEncryptItem, TextId::ChoiceZipAndEncrypt,
-              states.zipAndEncrypt);
-    AddChoice(customize, kNoZipList, kNoZipItem, TextId::ChoiceNoZip, states.noZip);
-    customize.EndVisualGroup();
+    AddChoice(customize, kZipChoice, states.zip);
+    AddChoice(customize, kZipAndEncryptChoice, states.zipAndEncrypt);
+    AddChoice(customize, kNoZipChoice, states.noZip);
+    EndGroup(customize);
 }
 
 void AddTransforms(IFileDialogCustomize& customize, DWORD group, const OBOptions& options) {
-    if (FAILED(customize.StartVisualGroup(group, L""))) return;
+    if (!StartGroup(customize, group)) return;
     for (const TransformControl& row : kTransformControls) {
         if (row.group != group) continue;
-        customize.AddCheckButton(row.control, LoadText(row.text).c_str(), options.*row.field);
+        TraceFailure(
+            "AddCheckButton",
+            customize.AddCheckButton(row.control, LoadText(row.text).c_str(), options.*row.field));
     }
-    customize.EndVisualGroup();
+    EndGroup(customize);
+}
+
+const ChoiceControl& ChoiceOf(const OBOptions& options) noexcept {
+    if (options.AutoEncrypt) return kZipAndEncryptChoice;
+    return options.SendItem ? kZipChoice : kNoZipChoice;
 }
 
 void SelectChoice(IFileDialogCustomize& customize, const OBOptions& options) {
-    if (options.AutoEncrypt) {
-        customize.SetSelectedControlItem(kZipAndEncryptList, kZipAndEncryptItem);
-    } else if (options.SendItem) {
-        customize.SetSelectedControlItem(kZipList, kZipItem);
-    } else {
-        customize.SetSelectedControlItem(kNoZipList, kNoZipItem);
-    }
+    const ChoiceControl& choice = ChoiceOf(options);
+    TraceFailure("SetSelectedControlItem",
+                 customize.SetSelectedControlItem(choice.list, choice.item));
 }
 
 bool IsSupported(const OBAttachJob& job, TransformId transform) {
@@ -127,6 +143,18 @@ ChoiceStates ComputeChoiceStates(const OBOptions& options) noexcept {
     return {EnabledIf(zip), EnabledIf(encrypt), EnabledIf(noZip)};
 }
 
+void ClearChoice(IFileDialogCustomize& customize, const ChoiceControl& choice) {
+    if (SUCCEEDED(TraceFailure("SetSelectedControlItem",
+                               customize.SetSelectedControlItem(choice.list, kNoItem)))) {
+        return;
+    }
+    // A new item isn't selected. Without the removal the id of the item would be in use.
+    if (SUCCEEDED(TraceFailure("RemoveControlItem",
+                               customize.RemoveControlItem(choice.list, choice.item)))) {
+        AddChoiceItem(customize, choice);
+    }
+}
+
 bool IsEncryptionRefused(HWND owner) {
     const std::uint32_t answer = ArchiveService().TryToShowWarningOrErrorMessage(owner, 0, 1);
     return LOWORD(answer) == kSwitchEncryptionOff;
@@ -134,8 +162,9 @@ bool IsEncryptionRefused(HWND owner) {
 
 void AddPickerControls(IFileDialog& dialog, HWND owner, OBAttachJob& job) {
     ObLib::ComPtr<IFileDialogCustomize> customize;
-    if (FAILED(dialog.QueryInterface(IID_IFileDialogCustomize,
-                                     reinterpret_cast<void**>(customize.Put())))) {
+    void** const out = reinterpret_cast<void**>(customize.Put());
+    if (FAILED(
+            TraceFailure("QueryInterface", dialog.QueryInterface(IID_IFileDialogCustomize, out)))) {
         return;
     }
     DropRefusedEncryption(owner, job);
@@ -150,7 +179,8 @@ void UpdateTransformControls(IFileDialogCustomize* customize, OBAttachJob& job,
     const bool open = (selectionCount < 2 && job.SingleAttachConversion) || WantsZip(job);
     for (const DWORD control : kRefreshOrder) {
         const TransformControl& row = *FindTransformControl(control);
-        customize->SetControlState(control, EnabledIf(open && IsSupported(job, row.transform)));
+        const CDCONTROLSTATEF state = EnabledIf(open && IsSupported(job, row.transform));
+        TraceFailure("SetControlState", customize->SetControlState(control, state));
     }
 }
 

@@ -17,14 +17,16 @@
 
 namespace obcore {
 
-// The choices are three radio lists of one item each and not one list of three: so each can be
-// disabled by itself, and the other two are cleared by hand.
-inline constexpr DWORD kZipList = 997;
-inline constexpr DWORD kZipAndEncryptList = 998;
-inline constexpr DWORD kNoZipList = 999;
-inline constexpr DWORD kZipItem = 1000;
-inline constexpr DWORD kZipAndEncryptItem = 1001;
-inline constexpr DWORD kNoZipItem = 1002;
+// One of the three choices. Each is a radio list of its own with one item, so that each can be
+// disabled by itself; nothing but this code clears the other two.
+struct ChoiceControl {
+    DWORD list;
+    DWORD item;
+    TextId text;
+};
+inline constexpr ChoiceControl kZipChoice{997, 1000, TextId::ChoiceZip};
+inline constexpr ChoiceControl kZipAndEncryptChoice{998, 1001, TextId::ChoiceZipAndEncrypt};
+inline constexpr ChoiceControl kNoZipChoice{999, 1002, TextId::ChoiceNoZip};
 inline constexpr DWORD kNoItem = 0; // selecting it clears a list
 
 inline constexpr DWORD kResizeImagesCheck = 1003;
@@ -61,8 +63,12 @@ struct ChoiceStates {
 };
 ChoiceStates ComputeChoiceStates(const OBOptions& options) noexcept;
 
-// Whether the archive service, which may tell the user why in a box on `owner`, says that
-// encryption can't be used in this run.
+// Clears the choice's radio list: asks the dialog to, and where it refuses, takes the item out and
+// puts it in again.
+void ClearChoice(IFileDialogCustomize& customize, const ChoiceControl& choice);
+
+// Whether the archive service refuses encryption for this run. The service may show the user the
+// reason in a box on `owner`.
 bool IsEncryptionRefused(HWND owner);
 
 // Adds all controls to the dialog, if it can be customised, and sets their first states. Switches

@@ -3,7 +3,9 @@
 #include "OBCore/modules/Messages.h"
 #include "OBCore/modules/ObTrace.h"
 #include "OBCore/modules/ProviderLibrary.h"
+#include "OBCore/modules/TraceFailure.h"
 #include "OBCore/picker/PickerControls.h"
+#include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 using obcontract::kSelectLeaveOut;
@@ -15,22 +17,20 @@ using obcontract::TransformId;
 namespace obcore {
 namespace {
 
-// Runs a method's body; an exception ends here and becomes `otherwise`, since the shell can't be
-// thrown through.
+// An exception of a method's body ends here, since the shell can't be thrown through.
 template <class Body>
-HRESULT Guarded(HRESULT otherwise, Body body) noexcept {
-    try {
-        return body();
-    } catch (...) {
+HRESULT Guarded(HRESULT onException, Body body) noexcept {
+    return ObLib::GuardedElse(body, [&] {
         ObTrace("Exception in a dialog event");
-        return otherwise;
-    }
+        return onException;
+    });
 }
 
 template <class Interface>
 ObLib::ComPtr<Interface> Query(IUnknown* object, REFIID iid) {
     ObLib::ComPtr<Interface> found;
-    if (object) object->QueryInterface(iid, reinterpret_cast<void**>(found.Put()));
+    void** const out = reinterpret_cast<void**>(found.Put());
+    if (object) TraceFailure("QueryInterface", object->QueryInterface(iid, out));
     return found;
 }
 
@@ -38,47 +38,54 @@ ObLib::ComPtr<Interface> Query(IUnknown* object, REFIID iid) {
 HWND WindowOf(IUnknown* object) {
     const auto window = Query<IOleWindow>(object, IID_IOleWindow);
     HWND handle = nullptr;
-    if (window && FAILED(window->GetWindow(&handle))) return nullptr;
+    if (window && FAILED(TraceFailure("GetWindow", window->GetWindow(&handle)))) return nullptr;
     return handle;
 }
 
 DWORD CountOf(IShellItemArray* items) {
     DWORD count = 0;
-    return items && SUCCEEDED(items->GetCount(&count)) ? count : 0;
+    if (!items || FAILED(TraceFailure("GetCount", items->GetCount(&count)))) return 0;
+    return count;
 }
 
 DWORD SelectionCount(IFileOpenDialog& dialog) {
     ObLib::ComPtr<IShellItemArray> selected;
-    return SUCCEEDED(dialog.GetSelectedItems(selected.Put())) ? CountOf(selected.Get()) : 0;
+    const HRESULT result = dialog.GetSelectedItems(selected.Put());
+    return SUCCEEDED(TraceFailure("GetSelectedItems", result)) ? CountOf(selected.Get()) : 0;
 }
 
-void ClearLists(IFileDialogCustomize& customize, DWORD first, DWORD second) {
-    customize.SetSelectedControlItem(first, kNoItem);
-    customize.SetSelectedControlItem(second, kNoItem);
+void SetTick(IFileDialogCustomize& customize, DWORD control, bool ticked) {
+    TraceFailure("SetCheckButtonState",
+                 customize.SetCheckButtonState(control, ticked ? TRUE : FALSE));
+}
+
+void Choose(OBOptions& options, bool sendItem, bool autoEncrypt) {
+    options.SendItem = sendItem;
+    options.AutoEncrypt = autoEncrypt;
 }
 
 // False for an item that is none of the three.
 bool ApplyChoice(IFileDialogCustomize& customize, OBOptions& options, DWORD item) {
     switch (item) {
-    case kZipItem:
-        options.SendItem = true;
-        options.AutoEncrypt = false;
-        ClearLists(customize, kZipAndEncryptList, kNoZipList);
+    case kZipChoice.item:
+        Choose(options, true, false);
+        ClearChoice(customize, kZipAndEncryptChoice);
+        ClearChoice(customize, kNoZipChoice);
         return true;
-    case kZipAndEncryptItem:
+    case kZipAndEncryptChoice.item:
         if (IsEncryptionRefused(WindowOf(&customize))) {
             // What was chosen before stays chosen, in the fields and on the screen.
-            customize.SetSelectedControlItem(kZipAndEncryptList, kNoItem);
+            ClearChoice(customize, kZipAndEncryptChoice);
             return true;
         }
-        options.AutoEncrypt = true;
-        options.SendItem = false;
-        ClearLists(customize, kZipList, kNoZipList);
+        Choose(options, false, true);
+        ClearChoice(customize, kZipChoice);
+        ClearChoice(customize, kNoZipChoice);
         return true;
-    case kNoZipItem:
-        options.SendItem = false;
-        options.AutoEncrypt = false;
-        ClearLists(customize, kZipList, kZipAndEncryptList);
+    case kNoZipChoice.item:
+        Choose(options, false, false);
+        ClearChoice(customize, kZipChoice);
+        ClearChoice(customize, kZipAndEncryptChoice);
         return true;
     default:
         return false;
@@ -100,7 +107,7 @@ public:
         bool& field = job_.*row.field;
         field = checked;
         if (Enter(row, checked)) return;
-        customize_.SetCheckButtonState(row.control, FALSE);
+        SetTick(customize_, row.control, false);
         field = false;
     }
 
@@ -111,7 +118,7 @@ public:
         if (!IsReady(TransformId::ConvertPdf)) return;
         if (!Select(kSelectLeaveOut, TransformId::ConvertPdf)) return;
         job_.AutoConvertPDF = true;
-        customize_.SetCheckButtonState(kConvertPdfCheck, TRUE);
+        SetTick(customize_, kConvertPdfCheck, true);
     }
 
 private:
@@ -196,7 +203,7 @@ HRESULT Win7DlgEvents::OnFileOk(IFileDialog* dialog) {
         const auto open = Query<IFileOpenDialog>(dialog, IID_IFileOpenDialog);
         if (!open) return S_OK;
         ObLib::ComPtr<IShellItemArray> results;
-        if (FAILED(open->GetResults(results.Put()))) return S_OK;
+        if (FAILED(TraceFailure("GetResults", open->GetResults(results.Put())))) return S_OK;
         const DWORD count = CountOf(results.Get());
         results.Reset();
         const bool zipped = AttachRecord->SendItem || AttachRecord->AutoEncrypt;
@@ -233,9 +240,9 @@ HRESULT Win7DlgEvents::OnOverwrite(IFileDialog*, IShellItem*, FDE_OVERWRITE_RESP
 
 AdvisedEvents::AdvisedEvents(IFileDialog& dialog, OBAttachJob& job, bool allowMultiSelect)
     : dialog_(dialog), events_(job, allowMultiSelect) {
-    dialog_.Advise(&events_, &cookie_);
+    TraceFailure("Advise", dialog_.Advise(&events_, &cookie_));
 }
 
-AdvisedEvents::~AdvisedEvents() { dialog_.Unadvise(cookie_); }
+AdvisedEvents::~AdvisedEvents() { TraceFailure("Unadvise", dialog_.Unadvise(cookie_)); }
 
 } // namespace obcore

@@ -13,7 +13,7 @@ namespace obcore {
 // Keeps the record and the picker's controls in step: a click on a choice changes the option fields
 // at once, ticking a transform enters it at the provider manager at once, and the selection enables
 // or disables the transforms. Nothing is read back from the controls afterwards, and nothing is
-// saved: a choice holds for this run.
+// saved: a choice is valid for this run only.
 //
 // Lives on the driver's stack for one Show and isn't counted. All calls come on the thread that
 // called Show, within its modal loop. No exception leaves a method.
@@ -55,7 +55,8 @@ public:
     bool AllowMultiSelect;
 };
 
-// The events advised to a dialog for a scope; its end unadvises them, before the object goes.
+// The events advised to a dialog for a scope; the destructor unadvises them before the event object
+// ends.
 class AdvisedEvents {
 public:
     AdvisedEvents(IFileDialog& dialog, OBAttachJob& job, bool allowMultiSelect);
