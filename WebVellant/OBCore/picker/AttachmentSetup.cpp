@@ -7,10 +7,10 @@ using obcontract::kProviderManagerKey;
 namespace obcore {
 namespace {
 
-// The manager reads and writes below the user's hive, which goes over as a number.
+// The manager reads and writes below the user's hive, which is passed as a number.
 std::int64_t UserHive() noexcept { return reinterpret_cast<std::int64_t>(HKEY_CURRENT_USER); }
 
-// Answers the language that the loaded options ask for.
+// Returns the language that the loaded options ask for.
 LANGID LoadInto(OBAttachJob& job, bool uploadBlocked) {
     job.UploadBlocked = uploadBlocked;
     ProviderManager().Init(job.OwnedProviderManager, UserHive(), kProviderManagerKey);

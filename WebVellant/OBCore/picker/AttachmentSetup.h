@@ -9,13 +9,13 @@
 
 namespace obcore {
 
-// Lives on the driver's stack, on the host's main thread; archive service and provider manager are
-// bound. Its end puts the thread's language back and then deletes the provider manager, also when
-// an exception passes. `Deinit` isn't part of it: that belongs to the end of the dialog.
+// An object on the driver's stack, on the host's main thread; archive service and provider manager
+// are bound. The destructor restores the thread's language and then deletes the provider manager,
+// also when an exception passes. `PickerSequence` has called `Deinit` by then.
 class AttachmentSetup {
 public:
-    // `uploadBlocked` is in the record before the provider manager is initialised, and that is
-    // before the options are loaded, which ask it what it supports.
+    // The order: `uploadBlocked` is stored, the provider manager is initialised, the options are
+    // loaded, which ask the manager what it supports.
     AttachmentSetup(HWND owner, bool uploadBlocked);
     AttachmentSetup(const AttachmentSetup&) = delete;
     AttachmentSetup& operator=(const AttachmentSetup&) = delete;
@@ -24,7 +24,7 @@ public:
 
 private:
     OBAttachJob job_;
-    ThreadLanguageScope language_; // behind the record: it is set from the loaded options
+    ThreadLanguageScope language_; // after the record: it is set from the loaded options
 };
 
 } // namespace obcore

@@ -5,21 +5,18 @@
 
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "OBCore/exchange/PickedFiles.h"
 #include "OBCore/modules/OwnModule.h"
-#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
+#include "OBCore/modules/TraceFailure.h"
 #include "OBCore/picker/AttachmentSetup.h"
 #include "OBCore/picker/Drivers.h"
 #include "OBCore/picker/FileTypes.h"
-#include "OBCore/picker/PickerControls.h"
-#include "OBCore/picker/PickerHooks.h"
+#include "OBCore/picker/PickerSequence.h"
+#include "OBCore/picker/ShellDialog.h"
 #include "OBCore/picker/Win7Dlg.h"
-#include "OBCore/picker/Win7DlgEvents.h"
-#include "ObLib/Src/Win32/ScopeExit.h"
 
 using obcontract::ExchangeBlock;
 
@@ -29,15 +26,8 @@ namespace {
 constexpr int kAllFilesCapacity = 2048; // wide characters
 constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
 
-// Last file of the last run on this road in this process; where the next dialog opens.
+// The last file of the last confirmed run in this process. The next dialog opens in its folder.
 std::wstring LastFolderPath;
-
-// What a run on this road has come to.
-struct Outcome {
-    HRESULT result;
-    std::wstring linkText;
-    std::vector<std::wstring> files;
-};
 
 // Null without a folder: the dialog then opens in the folder of its own choice.
 ObLib::ComPtr<IShellItem> StartFolder() {
@@ -46,81 +36,65 @@ ObLib::ComPtr<IShellItem> StartFolder() {
     PathRemoveFileSpecW(folder);
     ObLib::ComPtr<IShellItem> item;
     if (folder[0] != L'\0') {
-        SHCreateItemFromParsingName(folder, nullptr, IID_IShellItem,
-                                    reinterpret_cast<void**>(item.Put()));
+        TraceFailure("SHCreateItemFromParsingName",
+                     SHCreateItemFromParsingName(folder, nullptr, IID_IShellItem,
+                                                 reinterpret_cast<void**>(item.Put())));
     }
     return item;
 }
 
-HRESULT ShowDialog(IFileOpenDialog& dialog, HWND owner, OBAttachJob& job, std::wstring& linkText) {
-    PickerHooks hooks(job.OwnedProviderManager);
-    const ObLib::ComPtr<IShellItem> folder = StartFolder();
-    dialog.SetFolder(folder.Get());
-    const HRESULT shown = dialog.Show(owner);
-    hooks.MoveLinkText(linkText);
-    return shown;
+// Whether the page's own dialog allowed several files. From here on this one always does.
+bool AllowSeveralFiles(IFileOpenDialog& dialog) {
+    FILEOPENDIALOGOPTIONS options = 0;
+    TraceFailure("GetOptions", dialog.GetOptions(&options));
+    TraceFailure("SetOptions", dialog.SetOptions(options | FOS_ALLOWMULTISELECT));
+    return (options & FOS_ALLOWMULTISELECT) != 0;
 }
 
-// S_OK of the dialog becomes a cancel when there is nothing to hand to the page.
-HRESULT ProcessConfirmed(Win7Dlg& picker, IFileOpenDialog& dialog, OBAttachJob& job,
-                         Outcome& outcome) {
-    std::vector<std::wstring> picked;
-    if (!picker.CollectPickedPaths(dialog, picked)) return kCancelled;
-    if (picker.ProcessPickedFiles(picked) == 0 || !outcome.linkText.empty()) return kCancelled;
-    outcome.files = job.ResultIsArchive ? std::vector<std::wstring>{job.ResultPath} : job.Files;
-    return outcome.result;
-}
-
-Outcome RunDialog(IFileOpenDialog& dialog, HWND owner, OBAttachJob& job) {
-    Outcome outcome;
-    outcome.result = ShowDialog(dialog, owner, job, outcome.linkText);
-    if (FAILED(outcome.result)) return outcome;
-    Win7Dlg picker(nullptr, nullptr, job);
-    outcome.result = ProcessConfirmed(picker, dialog, job, outcome);
-    outcome.linkText = std::move(picker.LinkText);
-    LastFolderPath = std::move(picker.LastPickedPath);
-    return outcome;
+// A confirmed dialog becomes a cancel when there is nothing to hand to the page.
+HRESULT ResultOf(const PickerAnswer& answer) {
+    return SUCCEEDED(answer.shown) && !answer.hasFiles ? kCancelled : answer.shown;
 }
 
 // A negative result without a link leaves the block's status as it is.
-void WriteAnswer(ExchangeBlock& block, const Outcome& outcome) {
-    if (!outcome.linkText.empty()) {
-        WriteLinkAnswer(block, outcome.linkText);
-    } else if (SUCCEEDED(outcome.result)) {
-        WriteDialogAnswer(block, outcome.files);
+void WriteAnswer(ExchangeBlock& block, const PickerAnswer& answer) {
+    if (!answer.linkText.empty()) {
+        WriteLinkAnswer(block, answer.linkText);
+    } else if (SUCCEEDED(ResultOf(answer))) {
+        WriteDialogAnswer(block, answer.files);
     }
 }
 
-HRESULT RunSequence(IFileOpenDialog& dialog, HWND owner, OBAttachJob& job, ExchangeBlock& block) {
+HRESULT RunPicker(ObLib::ComPtr<IFileOpenDialog> dialog, HWND owner, OBAttachJob& job,
+                  ExchangeBlock& block) {
     Results().clear();
-    const ObLib::ScopeExit deinit([&job] { ProviderManager().Deinit(job.OwnedProviderManager); });
-    FILEOPENDIALOGOPTIONS options = 0;
-    dialog.GetOptions(&options);
-    const bool allowMultiSelect = (options & FOS_ALLOWMULTISELECT) != 0;
-    dialog.SetOptions(options | FOS_ALLOWMULTISELECT);
-    const AdvisedEvents events(dialog, job, allowMultiSelect);
-    AddPickerControls(dialog, owner, job);
-    const Outcome outcome = RunDialog(dialog, owner, job);
-    WriteAnswer(block, outcome);
-    return outcome.result;
+    PickerSequence sequence(job);
+    const ObLib::ComPtr<IShellItem> folder = StartFolder();
+    PickerRequest request{.owner = owner, .setsFolder = true, .folder = folder.Get()};
+    request.allowMultiSelect = AllowSeveralFiles(*dialog.Get());
+    Win7Dlg run(nullptr, nullptr, job);
+    const PickerAnswer answer = sequence.Run(std::move(dialog), request, run, run.LastPickedPath);
+    if (SUCCEEDED(answer.shown)) LastFolderPath = std::move(run.LastPickedPath);
+    WriteAnswer(block, answer);
+    return ResultOf(answer);
 }
 
 } // namespace
 
 HRESULT DialogDriver(HWND owner, ExchangeBlock& block) {
-    ObLib::ComPtr<IFileOpenDialog> created;
-    const HRESULT creation = CreateShellDialog(created);
+    ObLib::ComPtr<IFileOpenDialog> dialog;
+    const HRESULT creation = CreateShellDialog(dialog);
     if (FAILED(creation)) return creation;
-    // Never released: the process ends right after the run, and the shell's threads may still use
-    // the dialog until then.
-    IFileOpenDialog& dialog = *created.Release();
+    // This reference is never released: the process ends right after the run, and the shell's
+    // threads may use the dialog until then.
+    dialog->AddRef();
 
     AttachmentSetup setup(owner, false);
     OBAttachJob& job = setup.Job();
     BindResourceModule();
-    SetFileTypes(dialog, {LoadText(TextId::AllFiles, kAllFilesCapacity), L"*.*"});
-    dialog.SetOptions(block.DialogOptions);
-    const HRESULT result = RunSequence(dialog, owner, job, block);
+    SetFileTypes(*dialog.Get(), {LoadText(TextId::AllFiles, kAllFilesCapacity), L"*.*"});
+    TraceFailure("SetOptions", dialog->SetOptions(block.DialogOptions));
+    const HRESULT result = RunPicker(std::move(dialog), owner, job, block);
     WriteCleanupNames(block, job.CleanupFolder.c_str(), job.CleanupFile.c_str());
     return result;
 }

@@ -10,12 +10,13 @@
 namespace obcore {
 
 // Both run on the host's main thread and block it; archive service, provider manager and resource
-// module are bound. Each leaves the block's status and its texts as the browser side reads them.
+// module are bound. Each writes the block's status and texts for the browser side. An exception
+// passes; the block then has no answer.
 
-// Open-file-name road: the BOOL for ExchangeBlock::Result. `request` points into the block.
+// Open-file-name entry point: the BOOL for ExchangeBlock::Result. `request` points into the block.
 BOOL OpenFileNameDriver(OPENFILENAMEW* request, obcontract::ExchangeBlock& block);
 
-// Dialog road: the HRESULT for ExchangeBlock::Result. COM is initialised by the host.
+// Dialog entry point: the HRESULT for ExchangeBlock::Result. COM is initialised by the host.
 HRESULT DialogDriver(HWND owner, obcontract::ExchangeBlock& block);
 
 } // namespace obcore

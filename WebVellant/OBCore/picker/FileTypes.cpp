@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "OBCore/modules/TraceFailure.h"
+
 namespace obcore {
 
 std::vector<std::wstring> ReadStringList(const wchar_t* list, const wchar_t* end) {
@@ -21,7 +23,8 @@ void SetFileTypes(IFileDialog& dialog, const std::vector<std::wstring>& namesAnd
     for (std::size_t index = 0; index < namesAndPatterns.size(); index += 2) {
         pairs.push_back({namesAndPatterns[index].c_str(), namesAndPatterns[index + 1].c_str()});
     }
-    dialog.SetFileTypes(static_cast<UINT>(pairs.size()), pairs.data());
+    TraceFailure("SetFileTypes",
+                 dialog.SetFileTypes(static_cast<UINT>(pairs.size()), pairs.data()));
 }
 
 } // namespace obcore

@@ -8,12 +8,12 @@
 
 namespace obcore {
 
-// The strings of a list that is closed by an empty one; none for a null list. Reads nothing at or
-// behind `end`: a list that runs into it ends there.
+// The strings of a list that an empty string closes; none for a null list. Nothing is read from
+// `end` on: an unclosed list ends there.
 std::vector<std::wstring> ReadStringList(const wchar_t* list, const wchar_t* end);
 
 // Takes the strings as pairs of name and pattern. An odd number sets no file types at all; a
-// failure of the dialog is silent. The dialog copies the texts.
+// failure of the dialog is only traced. The dialog copies the texts.
 void SetFileTypes(IFileDialog& dialog, const std::vector<std::wstring>& namesAndPatterns);
 
 } // namespace obcore

@@ -9,7 +9,7 @@ using obcontract::ExchangeBlock;
 namespace obcore {
 namespace {
 
-// COM for the length of the run. A thread that is in another apartment already keeps what it has.
+// COM for the length of the run. A thread that is in another apartment already keeps that one.
 class ComApartment {
 public:
     ComApartment() : initialized_(SUCCEEDED(CoInitialize(nullptr))) {}
@@ -29,7 +29,7 @@ const wchar_t* EndOf(const ExchangeBlock& block) {
     return reinterpret_cast<const wchar_t*>(&block + 1);
 }
 
-// The dialog object is gone when this returns; the record still holds what the run leaves behind.
+// The dialog object is gone when this returns; the record keeps the names to clean up.
 BOOL RunPicker(OPENFILENAMEW* request, ExchangeBlock& block, OBAttachJob& job) {
     Win7Dlg picker(request, EndOf(block), job);
     const BOOL result = picker.ShowPickerDialog();

@@ -1,8 +1,8 @@
-// What is put into the dialog past its customisation interface: the button beside the file types
-// that picks from the cloud, and the picture in the bottom strip.
+// What the dialog's customisation interface can't add: the button beside the file types that picks
+// from the cloud, and the picture in the bottom strip.
 //
-// In this version neither window hook has a procedure, so neither is installed: each says so as a
-// hook does that the system refused, and the dialog shows without the two.
+// In this version neither window hook has a procedure, so neither is installed. Both are reported
+// as hooks that the system refused, and the dialog shows without button and picture.
 #pragma once
 
 #include <windows.h>

@@ -17,7 +17,7 @@ std::optional<std::time_t> ParseDate(const std::wstring& text) {
     int day = 0;
     int year = 0;
     if (std::swscanf(text.c_str(), L"%d/%d/%d", &month, &day, &year) != 3) return std::nullopt;
-    // The text is a registry value and may hold any number: the subtraction may not overflow.
+    // The text is a registry value and may contain any number: the subtraction must not overflow.
     std::tm midnight{};
     midnight.tm_year = static_cast<int>(static_cast<unsigned>(year) - 1900U);
     midnight.tm_mon = static_cast<int>(static_cast<unsigned>(month) - 1U);

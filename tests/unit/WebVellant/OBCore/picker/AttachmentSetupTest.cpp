@@ -57,7 +57,7 @@ TEST_F(AttachmentSetupRun, InitialisesTheManagerThenLoadsThenSetsTheLanguage) {
     }
     ExpectOrder({
         L"CreateObExtensionsManager()",
-        // The user's hive goes over as a number with its sign.
+        // The user's hive is passed as a signed number.
         L"Init(manager, -2147483647, \"Software\\Tavi Ren Computing\\Ombrix\\PVX\")",
         L"AllowedEncryptMethods()",
         L"GetThreadPreferredUILanguages(68, 10)",

@@ -38,7 +38,7 @@ HRESULT WINAPI CountUnwantedInitialise(LPVOID) {
     return S_OK;
 }
 
-// One request of the dialog road.
+// One request of the dialog entry point.
 class DialogRunTest : public PickerTest {
 protected:
     void SetUp() override {
@@ -50,9 +50,9 @@ protected:
         *block = ExchangeBlock{};
         block->Status = ExchangeStatus::DialogRequest;
         block->DialogOptions = options;
-        // What stood there before closes no text in the place of its own NUL.
+        // Other bytes are in the text area before, so that only the run itself can write a NUL.
         std::fill(std::begin(block->TextArea), std::end(block->TextArea), std::uint8_t{0xAA});
-        block->UploadBlocked = 1; // nobody writes it on this road, and nobody reads it
+        block->UploadBlocked = 1; // the dialog entry point neither writes nor reads it
         FakeModules::ForgetCalls();
         shown = nullptr;
         shell.script.onShow = [this](RecordingFileDialog& dialog) {
@@ -114,7 +114,7 @@ TEST_F(DialogRun, TakesItsStepsInOrder) {
     EXPECT_FALSE(WasCalled(L"dialog.unexpected"));
 }
 
-TEST_F(DialogRun, AnswersWithFullPathsBytePerByte) {
+TEST_F(DialogRun, AnswersWithFullPathsByteForByte) {
     Run();
     EXPECT_EQ(block->Status, ExchangeStatus::DialogAnswer);
     EXPECT_EQ(block->Dialog.FolderOffset, 76);
@@ -179,7 +179,7 @@ TEST_F(DialogRun, IsCancelledWithoutProcessingWhenThereAreNoResults) {
     EXPECT_EQ(block->Status, ExchangeStatus::DialogRequest);
 }
 
-TEST_F(DialogRun, AnswersWithALinkWhateverThePipelineSays) {
+TEST_F(DialogRun, AnswersWithALinkWhateverThePipelineReturns) {
     for (const int answer : {0, 1}) {
         FakePlanning::process = [answer](OBOpenFileNameDlg& dialog, const Calls&) {
             dialog.LinkText = L"https://link";
@@ -282,7 +282,7 @@ TEST_F(DialogRunFolder, IsThatOfTheLastFileOfTheRunBefore) {
     Run();
     EXPECT_TRUE(WasCalled(L"dialog.SetFolder(null)"));
 
-    shell.script.failures = {{L"SetFolder", E_FAIL}}; // which nobody minds
+    shell.script.failures = {{L"SetFolder", E_FAIL}}; // which the run survives
     EXPECT_EQ(Run(), S_OK);
     EXPECT_TRUE(WasCalled(L"dialog.SetFolder(" + Quoted(folder.Path().c_str()) + L")"));
 

@@ -1,5 +1,5 @@
-// Stands in for the pipeline behind the picker: what a driver hands over is written down, and the
-// test says what becomes of it.
+// Fake of the pipeline that processes what was picked: it records what a driver passes to it, and
+// the test decides the result.
 #pragma once
 
 #include <functional>

@@ -6,6 +6,7 @@
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "OBCore/exchange/ExchangeRequest.h"
 #include "OBCore/picker/Drivers.h"
+#include "OBCore/picker/ShellDialog.h"
 #include "OBCore/picker/Win7Dlg.h"
 #include "tests/fakes/Recording.h"
 #include "tests/support/FakeModules.h"
@@ -46,7 +47,7 @@ void WINAPI CountUninitialise() {
     RecordCall(L"CoUninitialize()");
 }
 
-// One request of the open-file-name road, as the host has taken it.
+// One request of the open-file-name entry point, as the host has taken it.
 class OpenFileNameRun : public PickerTest {
 protected:
     void SetUp() override {
@@ -125,7 +126,7 @@ TEST_F(OpenFileNameRun, SetsNoFileTypesFromAnOddOrMissingList) {
     EXPECT_FALSE(WasCalled(L"dialog.SetFileTypes"));
 }
 
-TEST_F(OpenFileNameRun, AnswersNoWhenThePersonCancels) {
+TEST_F(OpenFileNameRun, AnswersNoWhenTheUserCancels) {
     shell.script.showResult = HRESULT_FROM_WIN32(ERROR_CANCELLED);
     EXPECT_EQ(Run(), 0);
     EXPECT_FALSE(WasCalled(L"dialog.GetResults"));
@@ -143,7 +144,7 @@ TEST_F(OpenFileNameRun, EndsTheManagerAlsoWithoutADialog) {
     ExpectOrder({L"Init(manager, ", L"Deinit(manager)", L"DeleteObExtensionsManager(manager)"});
 }
 
-TEST_F(OpenFileNameRun, HandsTheBlocksRoomToTheListOfFiles) {
+TEST_F(OpenFileNameRun, PassesTheRoomInTheBlockToTheWriterOfTheList) {
     for (const int answer : {1, 0}) {
         FakePlanning::fillAnswer = answer;
         EXPECT_EQ(Run(), answer);
@@ -154,7 +155,7 @@ TEST_F(OpenFileNameRun, HandsTheBlocksRoomToTheListOfFiles) {
 
 TEST_F(OpenFileNameRun, WritesTheArchiveWithTwoNuls) {
     AnswerWithArchive(L"C:\\out\\a.zip");
-    // Nothing that stood in the slot may close the list in the place of the two.
+    // Other bytes were in the slot before, so that only the run itself can write the two NULs.
     shell.script.onShow = [this](RecordingFileDialog&) {
         std::fill(std::begin(block->TextArea), std::end(block->TextArea), std::uint8_t{0xAA});
     };
@@ -174,7 +175,7 @@ TEST_F(OpenFileNameRun, AnswersNoWhenTheArchiveDoesNotFitWhatThePageHas) {
     EXPECT_EQ(ReadText(*block, block->Request.FileListOffset), L"C:\\a.zip");
 }
 
-TEST_F(OpenFileNameRun, NeverWritesTheArchiveBehindTheBlock) {
+TEST_F(OpenFileNameRun, NeverWritesTheArchivePastTheEndOfTheBlock) {
     page.nMaxFile = 0x7FFFFFFF;
     AnswerWithArchive(std::wstring(32728, L'x')); // with two NULs exactly from 76 to the end
     EXPECT_EQ(Run(), 1);
@@ -191,7 +192,7 @@ TEST_F(OpenFileNameRun, AnswersNoWhenThePipelineStops) {
     EXPECT_EQ(block->Status, ExchangeStatus::OpenFileNameTaken);
 }
 
-TEST_F(OpenFileNameRun, HandsAnEmptyListOnWhenThereAreNoResults) {
+TEST_F(OpenFileNameRun, PassesAnEmptyListOnWhenThereAreNoResults) {
     shell.script.failures = {{L"GetResults", E_FAIL}};
     Run();
     EXPECT_TRUE(WasCalled(L"ProcessPickedFiles()"));
@@ -239,7 +240,7 @@ TEST_F(OpenFileNameRun, NotesWhatTheRunLeavesToCleanUp) {
     EXPECT_EQ(Run(), 1);
     EXPECT_EQ(ReadText(*block, block->CleanupFolderOffset), L"C:\\t\\");
     EXPECT_EQ(ReadText(*block, block->CleanupFileOffset), L"C:\\t\\a.zip");
-    // Behind the answer, which stays whole.
+    // After the answer, which is unchanged.
     EXPECT_EQ(ReadFileList(*block), std::wstring(L"C:\\t\\a.zip\0\0", 12));
 }
 
@@ -280,7 +281,7 @@ TEST_F(OpenFileNameRun, RefusesSeveralFilesOnlyWhenThePageTakesOne) {
     }
 }
 
-TEST_F(OpenFileNameRun, HandsTheChoicesOfThePersonToThePipeline) {
+TEST_F(OpenFileNameRun, PassesTheChoicesOfTheUserToThePipeline) {
     shell.script.onShow = [](RecordingFileDialog& dialog) { dialog.ChooseItem(998, 1001); };
     bool encrypt = false;
     bool zip = true;
@@ -353,16 +354,26 @@ TEST_F(OpenFileNameRun, LeavesComAsItFoundIt) {
 }
 
 TEST_F(OpenFileNameRun, RemembersTheLastFileThatWasCollected) {
-    OBAttachJob job(OBOptions(), nullptr);
-    Win7Dlg picker(nullptr, nullptr, job);
+    shell.script.results = {L"C:\\a", L"C:\\b", L""};
+    std::wstring last;
+    FakePlanning::process = [&](OBOpenFileNameDlg& dialog, const Calls&) {
+        last = dynamic_cast<Win7Dlg&>(dialog).LastPickedPath;
+        return 1;
+    };
+    Run();
+    EXPECT_EQ(last, L"C:\\b");
+}
+
+TEST_F(OpenFileNameRun, AppendsWhatWasCollectedToTheList) {
     const auto dialog = shell.Make();
     shell.script.results = {L"C:\\a", L"C:\\b", L""};
     Calls paths = {L"before"};
-    EXPECT_TRUE(picker.CollectPickedPaths(*dialog.Get(), paths));
+    std::wstring last;
+    EXPECT_TRUE(CollectPickedPaths(*dialog.Get(), paths, last));
     EXPECT_EQ(paths, (Calls{L"before", L"C:\\a", L"C:\\b"}));
-    EXPECT_EQ(picker.LastPickedPath, L"C:\\b");
+    EXPECT_EQ(last, L"C:\\b");
     shell.script.failures = {{L"GetResults", E_FAIL}};
-    EXPECT_FALSE(picker.CollectPickedPaths(*dialog.Get(), paths));
+    EXPECT_FALSE(CollectPickedPaths(*dialog.Get(), paths, last));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// What the picker's tests start from: fresh registry and stand-ins, the double in place of the
+// The fixture of the picker's tests: an empty registry, fresh fake modules, a fake in place of the
 // shell's dialog, all modules bound.
 #pragma once
 
@@ -41,7 +41,7 @@ private:
     struct Com {
         Com();
         ~Com();
-    } com_; // before the double, which is registered with COM
+    } com_; // before the fake dialog, which is registered with COM
     bool bound_ = false;
 
 protected:

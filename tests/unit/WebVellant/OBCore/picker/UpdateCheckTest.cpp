@@ -24,7 +24,7 @@ std::time_t LocalMidnight(int year, int month, int day) {
 
 constexpr std::time_t kDay = 24 * 60 * 60;
 
-TEST(UpdateCheckDue, WhenMoreThanTheIntervalLiesBehindTheLastOne) {
+TEST(UpdateCheckDue, WhenMoreThanTheIntervalHasPassedSinceTheLastOne) {
     const std::time_t last = LocalMidnight(2026, 3, 5);
     for (const std::uint32_t days : {1U, 7U}) {
         EXPECT_FALSE(IsUpdateCheckDue(L"3/5/2026", days, last));
