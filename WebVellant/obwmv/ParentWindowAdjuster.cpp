@@ -22,12 +22,13 @@ unsigned TraceValue(HWND window) {
     return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(window));
 }
 
-// An ordinary window with an icon: neither a popup of the browser nor a helper window.
+// An ordinary window with an icon: neither a popup of the browser nor a helper window. The icon is
+// read as a pointer-sized value, as GetClassLongW may return 0 for it in a 64-bit process.
 bool IsBrowserWindow(HWND window) {
     const BOOL visible = IsWindowVisible(window);
     const LONG style = GetWindowLongW(window, GWL_STYLE);
     ObTrace("Find Browser Window: %x %d %08X", TraceValue(window), visible, style);
-    return visible && style >= 0 && GetClassLongW(window, GCLP_HICON) != 0;
+    return visible && style >= 0 && GetClassLongPtrW(window, GCLP_HICON) != 0;
 }
 
 HWND FindBrowserWindowOfClass(const wchar_t* className) {

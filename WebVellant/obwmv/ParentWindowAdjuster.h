@@ -1,6 +1,6 @@
-// Preparing the owner window of the host's dialog for one run, and undoing it at the run's end.
+// The owner window of the host's dialog: prepared for one run, and restored at the run's end.
 //
-// Both objects live on the stack of the calling browser thread and work on the same owner field.
+// Both objects are on the stack of the calling browser thread and work on the same owner field.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,7 @@
 namespace obwmv {
 
 // Puts the browser's main window, found by its class names on the whole desktop, in the owner
-// field; at its end the field gets its old value back, whatever stands in it then.
+// field; the destructor writes the old value back, whatever the field contains by then.
 class BrowserWindowFinder {
 public:
     // Tries the `count` class names in order; zero or less searches nothing.
@@ -24,8 +24,8 @@ private:
     HWND old_window_;
 };
 
-// Makes sure that the owner is a place on the monitor under the mouse pointer: moves a hidden owner
-// there, or makes a hidden fake owner when there is none.
+// Makes sure that the owner is on the monitor under the mouse pointer, where the dialog then opens:
+// moves a hidden owner there, or makes a hidden fake owner when there is none.
 class ParentWindowAdjuster {
 public:
     explicit ParentWindowAdjuster(HWND* owner);
@@ -42,7 +42,7 @@ private:
     HWND* window_;
     HWND old_window_;           // null: the owner is a fake, which this object destroys
     HWND new_window_ = nullptr; // what was moved or made; null when nothing was
-    RECT saved_{};              // where the moved window stood
+    RECT saved_{};              // the place of the moved window before the move
 };
 
 } // namespace obwmv

@@ -66,6 +66,17 @@ TEST_F(BrowserWindowFinderTest, PassesOverHiddenPopupAndIconlessWindows) {
     EXPECT_EQ(owner_, main.Get());
 }
 
+TEST_F(BrowserWindowFinderTest, TakesAnIconWhoseHandleHasOnlyHighBits) {
+    // The 32-bit question answers 0 for this class, the pointer-sized one doesn't.
+    static constexpr ULONG_PTR kHighIcon = ULONG_PTR{1} << 32;
+    const auto main = MakeWindow(L"HighIconWindow", Icon::None, kShown);
+    SetClassLongPtrW(main.Get(), GCLP_HICON, static_cast<LONG_PTR>(kHighIcon));
+    ASSERT_EQ(GetClassLongW(main.Get(), GCLP_HICON), 0u);
+    const wchar_t* names[] = {L"HighIconWindow"};
+    const BrowserWindowFinder finder(&owner_, names, 1);
+    EXPECT_EQ(owner_, main.Get());
+}
+
 TEST_F(BrowserWindowFinderTest, LooksAtEachWindowOfAClassOnce) {
     const auto hidden = MakeWindow(L"MainWindow", Icon::Application, WS_OVERLAPPEDWINDOW);
     const auto popup = MakeWindow(L"MainWindow", Icon::Application, WS_POPUP | WS_VISIBLE);
@@ -129,7 +140,7 @@ TEST_F(BrowserWindowFinderTest, SearchesNothingWithACountOfZeroOrLess) {
     }
 }
 
-TEST_F(BrowserWindowFinderTest, WritesTheOldValueBackWhateverStandsThere) {
+TEST_F(BrowserWindowFinderTest, WritesTheOldValueBackWhateverTheFieldContains) {
     { // the owner changes during the run
         const BrowserWindowFinder finder(&owner_, nullptr, 0);
         owner_ = reinterpret_cast<HWND>(0x1234);

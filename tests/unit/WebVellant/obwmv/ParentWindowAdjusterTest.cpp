@@ -24,7 +24,7 @@ constexpr wchar_t kFakeClass[] = L"obwmv_fake_parent_class";
 constexpr RECT kSecondWorkArea{1924, 30, 3204, 990}; // of a monitor to the right of the first
 constexpr POINT kPointer{2000, 400};
 
-// What the doubles of the system calls saw.
+// What the fake system calls recorded.
 struct Seen {
     std::optional<POINT> monitorPoint;
     DWORD monitorFlags = 0;
@@ -216,7 +216,7 @@ TEST_F(ParentWindowAdjusterTest, AssertsWhenTheFieldOfAMovedOwnerWasChangedAndMo
     EXPECT_EQ(Rectangle(owner.Get()), before);
 }
 
-// The adjuster as it lies in memory.
+// The fields of an adjuster in memory.
 struct Fields {
     HWND* window;
     HWND oldWindow;
@@ -259,7 +259,7 @@ TEST_F(ParentWindowAdjusterTest, AssertsThatThereIsAFieldAndRunsOn) {
 // A process without the fake class, and with it after the first run.
 class FakeOwnerWindow : public ParentWindowAdjusterTest {};
 
-TEST_F(FakeOwnerWindow, StandsInForANullOwnerAndGoesWithTheRun) {
+TEST_F(FakeOwnerWindow, ReplacesANullOwnerUntilTheRunEnds) {
     HWND field = nullptr;
     HWND fake = nullptr;
     {
@@ -390,7 +390,7 @@ BOOL WINAPI RecordForeground(HWND window) {
     return TRUE;
 }
 
-// Makes a fake owner with a given foreground window and tells what was done about it.
+// Makes a fake owner with a given foreground window and records the calls that follow.
 std::vector<std::string> ForegroundSteps(HWND foreground) {
     seen.foregroundWindow = foreground;
     const ImportPatch get("user32.dll", "GetForegroundWindow", &GivenForeground);
