@@ -15,8 +15,8 @@ constexpr wchar_t kLayerClass[] = L"WebVellantLayer";
 constexpr wchar_t kHostFileName[] = L"obwmvapp.exe";
 constexpr std::size_t kCommandLineCapacity = 4096; // wide characters
 
-// Every input kind of the platform, touch and pointer too; which of them QS_ALLINPUT holds depends
-// on the version that the headers are asked for.
+// Every input kind of the platform, touch and pointer too; which of them QS_ALLINPUT contains
+// depends on the version that the headers are asked for.
 constexpr DWORD kAllInput = 0x1CFF;
 
 // From the second run on the class is there already, which is no error.
@@ -31,17 +31,43 @@ void AnnounceLayerClass() {
     RegisterClassExW(&windowClass);
 }
 
-// It has no layered attributes, so it never paints: it only is the owner of the host's dialog, and
-// as a popup of the browser's window it stays above that.
-ObLib::UniqueWindow CreateLayer(HWND root, HWND owner) {
-    AnnounceLayerClass();
-    RECT place = {};
-    GetWindowRect(root, &place);
-    return ObLib::UniqueWindow(CreateWindowExW(WS_EX_LAYERED | WS_EX_TRANSPARENT, kLayerClass, L"",
-                                               WS_POPUP | WS_VISIBLE, place.left, place.top,
-                                               place.right - place.left, place.bottom - place.top,
-                                               owner, nullptr, obcore::OwnModule(), nullptr));
-}
+// The layer window of one run. It has no layered attributes, so it never paints: it only owns the
+// host's dialog, and as a popup of the browser's window it stays above that. The system destroys
+// the layer with the browser's window; its handle may then be that of another window.
+class Layer {
+public:
+    Layer(HWND root, HWND owner) : window_(Create(root, owner)) {
+        if (window_) SetWindowLongPtrW(window_, GWLP_USERDATA, Mark());
+    }
+    Layer(const Layer&) = delete;
+    Layer& operator=(const Layer&) = delete;
+    ~Layer() {
+        if (window_ && IsStillTheLayer()) DestroyWindow(window_);
+    }
+
+    HWND Window() const { return window_; } // null when it couldn't be made
+
+private:
+    static HWND Create(HWND root, HWND owner) {
+        AnnounceLayerClass();
+        RECT place = {};
+        GetWindowRect(root, &place);
+        return CreateWindowExW(WS_EX_LAYERED | WS_EX_TRANSPARENT, kLayerClass, L"",
+                               WS_POPUP | WS_VISIBLE, place.left, place.top,
+                               place.right - place.left, place.bottom - place.top, owner, nullptr,
+                               obcore::OwnModule(), nullptr);
+    }
+
+    // Differs between the layers that are alive at one time.
+    LONG_PTR Mark() const { return reinterpret_cast<LONG_PTR>(this); }
+
+    bool IsStillTheLayer() const {
+        return GetWindowThreadProcessId(window_, nullptr) == GetCurrentThreadId() &&
+               GetWindowLongPtrW(window_, GWLP_USERDATA) == Mark();
+    }
+
+    HWND window_;
+};
 
 std::wstring HostCommandLine(const std::wstring& host, std::uint32_t id, HWND owner) {
     wchar_t line[kCommandLineCapacity];
@@ -78,13 +104,13 @@ void DrainQueue(std::optional<int>& quit) {
 
 std::uint32_t ShowWithLayer(std::uint32_t id, HWND owner) {
     const HWND root = GetAncestor(owner, GA_ROOT);
-    const ObLib::UniqueWindow layer = CreateLayer(root, owner);
-    if (!layer) return LaunchHost(id, owner);
+    const Layer layer(root, owner);
+    if (!layer.Window()) return LaunchHost(id, owner);
     EnableWindow(root, FALSE);
-    // Enabled before the layer goes: a window that goes while its owner is disabled hands the
+    // Enabled before the layer is destroyed: destroying a window whose owner is disabled gives the
     // foreground to another program.
     const ObLib::ScopeExit enable([root] { EnableWindow(root, TRUE); });
-    return LaunchHost(id, layer.Get());
+    return LaunchHost(id, layer.Window());
 }
 
 std::uint32_t LaunchHost(std::uint32_t id, HWND owner) {

@@ -1,6 +1,6 @@
 // Starting the host process for one request and waiting for it with the browser's messages pumped.
 //
-// All of it runs on the calling browser thread, which is held until the host has ended; no other
+// All of it runs on the calling browser thread, which is blocked until the host has ended; no other
 // thread is made. The host's exit is the only signal between the two.
 #pragma once
 
@@ -10,16 +10,16 @@
 
 namespace obwmv {
 
-// The exit code that stands for a host that couldn't be started.
+// Returned in place of an exit code when the host couldn't be started.
 inline constexpr std::uint32_t kHostNotStarted = static_cast<std::uint32_t>(-1);
 
-// Covers `owner`'s root window with a transparent layer window that owns the host's dialog, holds
-// the root window disabled meanwhile, and answers LaunchHost's result. Without a layer the host
-// gets `owner` itself and nothing is disabled.
+// Covers `owner`'s root window with a transparent layer window that owns the host's dialog, keeps
+// the root window disabled meanwhile, and returns LaunchHost's result. When no layer can be made,
+// the host gets `owner` itself and nothing is disabled.
 std::uint32_t ShowWithLayer(std::uint32_t id, HWND owner);
 
-// Starts obwmvapp.exe beside this library for the block `id`, with `owner` as its dialog's owner,
-// and answers its exit code, or kHostNotStarted.
+// Starts obwmvapp.exe of this library's folder for the block `id`, with `owner` as its dialog's
+// owner, and returns its exit code, or kHostNotStarted.
 std::uint32_t LaunchHost(std::uint32_t id, HWND owner);
 
 // Dispatches this thread's messages until `process` has ended. A WM_QUIT doesn't end the wait; it

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <new>
 #include <string>
 #include <vector>
@@ -69,7 +71,7 @@ TEST_F(Layer, IsATransparentPopupOverTheWholeRootWindow) {
     EXPECT_EQ(layerCall.menu, nullptr);
 }
 
-TEST_F(Layer, OwnsTheHostsDialogAndHoldsTheBrowserDisabled) {
+TEST_F(Layer, OwnsTheHostsDialogAndKeepsTheBrowserDisabled) {
     EXPECT_EQ(ShowWithLayer(3, browser.Page()), 6u);
     const auto owners = HostScript::RecordOf(L"owner");
     ASSERT_EQ(owners.size(), 1u);
@@ -152,7 +154,7 @@ TEST_F(Layer, ThatCantBeMadeLeavesTheOwnerToTheHostAndTheBrowserEnabled) {
     EXPECT_TRUE(HostScript::RecordOf(L"start")[0].ends_with(HandleText(browser.Root())));
 }
 
-TEST_F(Layer, StandsWithoutAnOwnerToo) {
+TEST_F(Layer, IsMadeWithoutAnOwnerToo) {
     EXPECT_EQ(ShowWithLayer(3, nullptr), 6u);
     const auto owners = HostScript::RecordOf(L"owner");
     ASSERT_EQ(owners.size(), 1u);
@@ -169,6 +171,7 @@ TEST_F(Layer, LeavesTheBrowserEnabledWhenTheHostIsMissing) {
 // "enable WINDOW", "disable WINDOW", "start" and "destroy CLASS", in the order of the calls.
 std::vector<std::wstring> steps;
 decltype(&DestroyWindow) realDestroyWindow = nullptr;
+std::function<void()> whileTheHostRuns;
 
 BOOL WINAPI NoteEnableWindow(HWND window, BOOL enable) {
     steps.push_back((enable ? L"enable " : L"disable ") +
@@ -186,6 +189,7 @@ BOOL WINAPI NoteDestroyWindow(HWND window) {
 BOOL WINAPI NoteStart(LPCWSTR, LPWSTR, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES, BOOL, DWORD,
                       LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION) {
     steps.emplace_back(L"start");
+    if (whileTheHostRuns) whileTheHostRuns();
     return FALSE;
 }
 
@@ -194,6 +198,7 @@ protected:
     void SetUp() override {
         Layer::SetUp();
         steps.clear();
+        whileTheHostRuns = nullptr;
         ASSERT_TRUE(enable.Ok() && destroy.Ok() && start.Ok());
         realDestroyWindow = destroy.Real();
     }
@@ -219,6 +224,36 @@ TEST_F(LayerSteps, DisableAndEnableNothingWithoutALayer) {
     layerFails = true;
     ShowWithLayer(3, browser.Page());
     EXPECT_EQ(steps, std::vector<std::wstring>{L"start"});
+}
+
+// As if the browser closed its window while the host runs: the window's owner destroys it, the
+// system destroys the layer with it.
+TEST_F(LayerSteps, DestroyNoLayerThatWentWithItsRootWindow) {
+    HWND layer = nullptr;
+    const HWND root = browser.Root();
+    whileTheHostRuns = [&] {
+        layer = FindWindowW(L"WebVellantLayer", nullptr);
+        realDestroyWindow(root);
+    };
+    ShowWithLayer(3, browser.Page());
+    EXPECT_NE(layer, nullptr);
+    EXPECT_FALSE(IsWindow(layer));
+    const std::vector<std::wstring> expected = {L"disable " + HandleText(root), L"start",
+                                                L"enable " + HandleText(root)};
+    EXPECT_EQ(steps, expected);
+}
+
+// The handle of the layer is that of another window by now: one without the layer's mark.
+TEST_F(LayerSteps, DestroyNoOtherWindowThatHasTheHandleOfTheLayer) {
+    HWND layer = nullptr;
+    whileTheHostRuns = [&] {
+        layer = FindWindowW(L"WebVellantLayer", nullptr);
+        SetWindowLongPtrW(layer, GWLP_USERDATA, 1);
+    };
+    ShowWithLayer(3, browser.Page());
+    EXPECT_TRUE(IsWindow(layer));
+    EXPECT_EQ(std::ranges::count(steps, L"destroy WebVellantLayer"), 0);
+    realDestroyWindow(layer);
 }
 
 bool disabledAtTheStart = false;
