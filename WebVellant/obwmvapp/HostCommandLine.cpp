@@ -13,7 +13,7 @@ const wchar_t* SkipBlanks(const wchar_t* text) {
     return text;
 }
 
-// Behind the program's own path, which stands in quotes when it holds a blank.
+// The text after the program's own path, which is in quotes when it contains a blank.
 const wchar_t* SkipProgram(const wchar_t* text) {
     bool quoted = false;
     for (; *text && (quoted || !IsBlank(*text)); ++text) {
@@ -22,8 +22,8 @@ const wchar_t* SkipProgram(const wchar_t* text) {
     return text;
 }
 
-// A signed decimal number that ends at a blank or at the end; `text` is moved behind it. The
-// number's own reader would also take leading line breaks and a plus sign.
+// A signed decimal number that ends at a blank or at the end of the text; `text` is moved past it.
+// wcstoll alone would also accept leading line breaks and a plus sign.
 std::optional<std::int64_t> TakeNumber(const wchar_t*& text) {
     text = SkipBlanks(text);
     const wchar_t* digits = *text == L'-' ? text + 1 : text;

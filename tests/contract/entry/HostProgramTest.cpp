@@ -1,4 +1,4 @@
-// The real host program with the real library; the sister modules are stand-ins.
+// The real host program with the real library; the sister modules are fakes.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -10,6 +10,7 @@
 #include "tests/fakes/Recording.h"
 #include "tests/support/AbsentModule.h"
 #include "tests/support/FakeModules.h"
+#include "tests/support/TestFolder.h"
 
 namespace {
 
@@ -98,6 +99,15 @@ TEST_F(HostProgram, FindsTheBlockOfItsNumberAndLeavesAnUnknownOneAlone) {
         ASSERT_EQ(block.Get()[at], 0x5A) << at;
     }
     EXPECT_THAT(Log(), ElementsAre(L"LogLaunch()", L"LogExit()"));
+}
+
+// The dialog of an IFileDialog request is never released: COM must not end before the process.
+TEST_F(HostProgram, CannotEndComBeforeTheProcessEnds) {
+    const auto program = obtest::ReadFileContent(BesideProgram(L"obwmvapp.exe"));
+    ASSERT_TRUE(program);
+    // The import table names each call that the program can make.
+    EXPECT_NE(program->find("CoInitializeEx"), std::string::npos);
+    EXPECT_EQ(program->find("CoUninitialize"), std::string::npos);
 }
 
 } // namespace

@@ -6,7 +6,7 @@ namespace {
 
 using obwmvapp::ParseHostCommandLine;
 
-TEST(HostCommandLine, ReadsTheIdAndTheOwnerBehindAQuotedPath) {
+TEST(HostCommandLine, ReadsTheIdAndTheOwnerAfterAQuotedPath) {
     const auto request = ParseHostCommandLine(L"\"C:\\Program Files\\a b\\host.exe\" 42 66052");
     ASSERT_TRUE(request);
     EXPECT_EQ(request->id, 42);

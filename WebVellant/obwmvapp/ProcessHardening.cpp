@@ -1,0 +1,17 @@
+#include "obwmvapp/ProcessHardening.h"
+
+#include <windows.h>
+
+namespace obwmvapp {
+
+void HardenProcess() noexcept {
+    HeapSetInformation(nullptr, HeapEnableTerminationOnCorruption, nullptr, 0);
+    // The folder of the program stays in the search: the sister modules may load files of their own
+    // from there.
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+    // The call above doesn't concern loads with an altered search path, as the shell makes for its
+    // extensions; this one takes the current folder from those too.
+    SetDllDirectoryW(L"");
+}
+
+} // namespace obwmvapp
