@@ -1,39 +1,33 @@
 #include "obwmv/Exports.h"
 
+#include <optional>
+
+#include "ObLib/Src/Win32/Guarded.h"
 #include "obwmv/BrowserRequest.h"
+#include "obwmv/HostRun.h"
 #include "obwmv/OBHook.h"
+#include "obwmv/ResultQuery.h"
+#include "obwmv/WebHelp.h"
 
 using obcontract::BrowserContext;
 
 namespace {
 
+using ObLib::Guarded;
 using obwmv::Progress;
 
-// The edge of a browser-side export. `attempt` answers, or leaves it to `browserDialog`; so does an
-// exception until a dialog has been asked for, after which the page reads a cancel.
+// A browser-side export. `attempt` returns the answer, or nothing when the browser's own dialog is
+// to answer. That dialog also answers after an exception, until a dialog has been asked for; from
+// then on an exception is a cancel.
 template <class Result, class Attempt, class BrowserDialog>
 Result AnswerPage(Result cancelled, Attempt attempt, BrowserDialog browserDialog) noexcept {
     Progress progress = Progress::Deciding;
-    try {
-        if (const auto answer = attempt(progress)) return *answer;
-    } catch (...) {
-        if (progress == Progress::Answering) return cancelled;
-    }
-    try {
-        return browserDialog();
-    } catch (...) {
-        return cancelled;
-    }
-}
-
-// The edge of the other exports.
-template <class Result, class Call>
-Result AnswerOr(Result failure, Call call) noexcept {
-    try {
-        return call();
-    } catch (...) {
-        return failure;
-    }
+    const auto answer = ObLib::GuardedElse([&] { return attempt(progress); },
+                                           [&]() -> std::optional<Result> {
+                                               if (progress == Progress::Deciding) return {};
+                                               return cancelled;
+                                           });
+    return answer ? *answer : Guarded(cancelled, browserDialog);
 }
 
 } // namespace
@@ -54,21 +48,21 @@ HRESULT FileOpenDialog_ShowInBrowser(IFileDialog* dialog, HWND owner, BrowserCon
 
 HRESULT FileOpenDialog_GetResultInBrowser(IFileDialog* dialog, IShellItem** out,
                                           BrowserContext* context) {
-    return AnswerOr<HRESULT>(obwmv::kCancelled,
-                             [&] { return obwmv::AnswerGetResult(dialog, out, context); });
+    return Guarded<HRESULT>(obwmv::kCancelled,
+                            [&] { return obwmv::AnswerGetResult(dialog, out, context); });
 }
 
 HRESULT FileOpenDialog_GetResultsInBrowser(IFileDialog* dialog, IShellItemArray** out,
                                            BrowserContext* context) {
-    return AnswerOr<HRESULT>(obwmv::kCancelled,
-                             [&] { return obwmv::AnswerGetResults(dialog, out, context); });
+    return Guarded<HRESULT>(obwmv::kCancelled,
+                            [&] { return obwmv::AnswerGetResults(dialog, out, context); });
 }
 
 std::int32_t ShowFileOpenDialogInProcess(HWND owner, std::int32_t id) {
-    return AnswerOr<std::int32_t>(
-        -1, [&] { return obwmv::AnswerInHost(owner, static_cast<std::uint32_t>(id)); });
+    return Guarded<std::int32_t>(
+        -1, [&] { return obwmv::RunHost(owner, static_cast<std::uint32_t>(id)); });
 }
 
 bool WebHelpApp(HWND owner) {
-    return AnswerOr<bool>(false, [&] { return obwmv::AnswerWebHelp(owner); });
+    return Guarded<bool>(false, [&] { return obwmv::ShowWebHelp(owner); });
 }

@@ -14,8 +14,8 @@
 extern "C" {
 
 // Browser process. Called by the hook in place of GetOpenFileNameW, with its result. The calling
-// thread is held and dispatches its messages meanwhile. FALSE for a cancel and for a failure after
-// the picker was asked for; before that the browser's own dialog answers.
+// thread is blocked and dispatches its messages meanwhile. FALSE for a cancel and for a failure
+// after the picker was asked for; before that the browser's own dialog answers.
 BOOL GetOpenFileNameInBrowser(OPENFILENAMEW* request, obcontract::BrowserContext* context);
 
 // Browser process. In place of IFileDialog::Show, as above; the failure value is 0x800704C7.

@@ -30,7 +30,7 @@ protected:
     }
     void TearDown() override { obwmv::OnProcessDetach(); }
 
-    // What the stand-ins were asked, without the archive service's other calls.
+    // The calls that bracket a host process, without the archive service's other calls.
     static std::vector<std::wstring> Log() {
         return FakeModules::CallsOf({L"LogLaunch", L"LogExit"});
     }
@@ -118,6 +118,35 @@ TEST_F(HostExport, AsksForNoHelpPageWithoutTheArchiveService) {
     ASSERT_TRUE(absent.Ok());
     EXPECT_FALSE(WebHelpApp(kOwner));
     EXPECT_THAT(FakeModules::Calls(), IsEmpty());
+}
+
+// Entries of a sister module that throw, though none should: nothing may leave an export.
+class HostExportExceptions : public HostExport {
+protected:
+    void SetUp() override {
+        HostExport::SetUp();
+        ASSERT_TRUE(obcore::LoadArchiveService());
+        entries_ = const_cast<obcontract::ArchiveServiceEntries*>(&obcore::ArchiveService());
+        saved_ = *entries_;
+    }
+    void TearDown() override {
+        *entries_ = saved_;
+        HostExport::TearDown();
+    }
+
+    obcontract::ArchiveServiceEntries* entries_ = nullptr;
+    obcontract::ArchiveServiceEntries saved_{};
+};
+
+TEST_F(HostExportExceptions, AnswerMinusOneWhenTheLaunchCantBeLogged) {
+    entries_->LogLaunch = [] { throw std::bad_alloc(); };
+    EXPECT_EQ(ShowFileOpenDialogInProcess(kOwner, 1), -1);
+    EXPECT_THAT(Fakes().steps, IsEmpty());
+}
+
+TEST_F(HostExportExceptions, AnswerFalseWhenTheHelpPageCantBeShown) {
+    entries_->WebHelpW = [](HWND, const wchar_t*, const wchar_t*) { throw std::bad_alloc(); };
+    EXPECT_FALSE(WebHelpApp(kOwner));
 }
 
 TEST_F(HostExport, TriesAgainWhenTheArchiveServiceCameLater) {

@@ -23,6 +23,18 @@ std::wstring PathOf(IShellItem* item) {
     return name.Get();
 }
 
+std::vector<std::wstring> PathsOf(IShellItemArray& items) {
+    DWORD count = 0;
+    EXPECT_EQ(items.GetCount(&count), S_OK);
+    std::vector<std::wstring> paths;
+    for (DWORD index = 0; index < count; ++index) {
+        ComPtr<IShellItem> item;
+        EXPECT_EQ(items.GetItemAt(index, item.Put()), S_OK);
+        paths.push_back(item ? PathOf(item.Get()) : L"no item");
+    }
+    return paths;
+}
+
 class ResultQueryTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -83,15 +95,7 @@ TEST_F(ResultQueryTest, GivesAllPathsInTheirOrder) {
     ComPtr<IShellItemArray> items;
     ASSERT_EQ(FileOpenDialog_GetResultsInBrowser(kDialog, items.Put(), &context_), S_OK);
     ASSERT_TRUE(items);
-    DWORD count = 0;
-    items->GetCount(&count);
-    std::vector<std::wstring> paths;
-    for (DWORD index = 0; index < count; ++index) {
-        ComPtr<IShellItem> item;
-        ASSERT_EQ(items->GetItemAt(index, item.Put()), S_OK);
-        paths.push_back(PathOf(item.Get()));
-    }
-    EXPECT_THAT(paths, ElementsAre(third_, first_, second_));
+    EXPECT_THAT(PathsOf(*items.Get()), ElementsAre(third_, first_, second_));
 }
 
 struct {
@@ -149,6 +153,14 @@ TEST_F(ResultQueryTest, AnswersZeroAlsoForAPathThatHasGone) {
     if (items) items->Release();
 }
 
+TEST_F(ResultQueryTest, GivesTheOtherFilesWhenOneHasGone) {
+    Pick({first_, folder_ / L"gone.txt", third_});
+    ComPtr<IShellItemArray> items;
+    ASSERT_EQ(FileOpenDialog_GetResultsInBrowser(kDialog, items.Put(), &context_), S_OK);
+    ASSERT_TRUE(items);
+    EXPECT_THAT(PathsOf(*items.Get()), ElementsAre(first_, third_));
+}
+
 TEST_F(ResultQueryTest, GivesADialogWithoutAResultToTheBrowser) {
     Pick({first_});
     IShellItem* item = nullptr;
@@ -171,11 +183,31 @@ TEST_F(ResultQueryTest, WorksOutsideTheActivationContext) {
     EXPECT_TRUE(Fakes().steps.empty());
 }
 
-TEST_F(ResultQueryTest, StopsAnExceptionOfTheContext) {
+constexpr HRESULT kCancel = static_cast<HRESULT>(0x800704C7);
+
+TEST_F(ResultQueryTest, ReadsAsACancelWhenTheContextThrows) {
     IShellItem* item = nullptr;
     context_.throwsIn = "CallGetResult";
-    EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kOther, &item, &context_),
-              static_cast<HRESULT>(0x800704C7));
+    EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kOther, &item, &context_), kCancel);
+    IShellItemArray* items = nullptr;
+    context_.throwsIn = "CallGetResults";
+    EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kOther, &items, &context_), kCancel);
+    EXPECT_THAT(Fakes().steps, ElementsAre("CallGetResult", "CallGetResults"));
+}
+
+PIDLIST_ABSOLUTE WINAPI ThrowInsteadOfAList(LPCWSTR) { throw std::bad_alloc(); }
+
+TEST_F(ResultQueryTest, ReadsAsACancelWhenThereIsNoMemory) {
+    const obtest::ImportPatch<decltype(&ILCreateFromPathW)> make("shell32.dll", "ILCreateFromPathW",
+                                                                 &ThrowInsteadOfAList);
+    ASSERT_TRUE(make.Ok());
+    Pick({first_});
+    IShellItem* item = nullptr;
+    IShellItemArray* items = nullptr;
+    EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kDialog, &item, &context_), kCancel);
+    EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kDialog, &items, &context_), kCancel);
+    EXPECT_EQ(item, nullptr);
+    EXPECT_EQ(items, nullptr);
 }
 
 } // namespace
