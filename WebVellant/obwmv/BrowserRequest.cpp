@@ -19,10 +19,11 @@ using obcontract::ExchangeStatus;
 namespace obwmv {
 namespace {
 
-// The last id given to a block of the dialog road; the first of a process is 1.
+// The last id that a block of the dialog entry point was given; the first of a process is 1.
 std::atomic<std::uint32_t> dialogId = 0;
 
-// The answer is read from a private copy: what else the host started may still hold the block.
+// The answer is read from a private copy: a process that the host has started may still have the
+// block mapped.
 std::unique_ptr<const ExchangeBlock> CopyAnswer(const ExchangeBlock& block) {
     return std::make_unique<const ExchangeBlock>(block);
 }
@@ -44,8 +45,8 @@ void DeliverPickedFiles(const ExchangeBlock& answer, const IFileDialog* dialog) 
     obcore::Results().insert_or_assign(obcore::ResultKey(dialog), std::move(picked));
 }
 
-// A file offset that isn't 0 hands on its text also when that is empty; one at which no text can
-// stand counts as absent.
+// A file offset that isn't 0 passes its text on also when that is empty. An offset outside the text
+// area counts as absent.
 void DeliverCleanupNames(const ExchangeBlock& answer, BrowserContext& context) {
     const std::wstring folder = obcore::ReadText(answer, answer.CleanupFolderOffset);
     if (folder.empty()) return;

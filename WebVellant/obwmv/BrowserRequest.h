@@ -1,6 +1,6 @@
 // The browser side of one request: block written, host run, answer delivered.
 //
-// Both run on the calling browser thread and hold it, with its messages pumped, until the host has
+// Both run on the calling browser thread and block it, with its messages pumped, until the host has
 // ended. Neither falls back to the browser's own dialog.
 #pragma once
 
@@ -16,13 +16,13 @@ namespace obwmv {
 // HRESULT_FROM_WIN32(ERROR_CANCELLED): a cancel by the user and a failure of the host alike.
 inline constexpr HRESULT kCancelled = static_cast<HRESULT>(0x800704C7);
 
-// Open-file-name road. Of `request` only lpstrFile is written, as long as the host's list is: the
-// host kept to nMaxFile. FALSE on every failure: the page sees a cancelled dialog. Throws
+// Open-file-name entry point. Of `request` only lpstrFile is written, as long as the host's list
+// is: the host kept to nMaxFile. FALSE on every failure: the page sees a cancelled dialog. Throws
 // std::bad_alloc only.
 BOOL RunOpenFileNameRequest(OPENFILENAMEW* request, obcontract::BrowserContext* context);
 
-// Dialog road. Empties the result map first, and keeps what was picked there under `dialog`, of
-// which only GetOptions is called. 0x800704C7 on every failure. Throws std::bad_alloc only.
+// Dialog entry point. Empties the result map first, and keeps what was picked there under `dialog`,
+// of which only GetOptions is called. 0x800704C7 on every failure. Throws std::bad_alloc only.
 HRESULT RunDialogRequest(IFileDialog* dialog, HWND owner, obcontract::BrowserContext* context);
 
 } // namespace obwmv

@@ -1,4 +1,4 @@
-// The loader's door; a file of its own, so that only the library has it and no test program.
+// What the loader calls. A file of its own, so that only the library has it and no test program.
 #include <windows.h>
 
 #include "obwmv/Library.h"

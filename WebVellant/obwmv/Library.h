@@ -1,4 +1,4 @@
-// The library's own life in a process, and the activation context in which its windows are made.
+// Loading and unloading of the library, and the activation context in which its windows are made.
 #pragma once
 
 #include <windows.h>
@@ -13,11 +13,11 @@ void OnProcessAttach(HMODULE module);
 // On process detach: frees the sister modules that are bound, then the resource module.
 void OnProcessDetach() noexcept;
 
-// The context that OnProcessAttach kept; null stands for the one of the process.
+// The context that OnProcessAttach kept; null means the one of the process.
 HANDLE LibraryActivationContext() noexcept;
 
 // Runs a scope in the library's activation context. Lives on the stack of one thread, and scopes
-// of a thread nest. What was done in the scope isn't undone by it but for the context.
+// of a thread nest. The destructor restores the context and nothing else.
 class [[nodiscard]] ActivationScope {
 public:
     ActivationScope() noexcept;
@@ -25,7 +25,7 @@ public:
     ActivationScope& operator=(const ActivationScope&) = delete;
     ~ActivationScope();
 
-    // False when the context couldn't be activated; the scope then ends without a step.
+    // False when the context couldn't be activated; the destructor then does nothing.
     explicit operator bool() const noexcept { return active_; }
 
 private:

@@ -45,8 +45,8 @@ consteval bool EveryRuleNamesAHost() {
 }
 static_assert(EveryRuleNamesAHost(), "an empty host would match every page");
 
-// From behind the first "//" to the next "/" or the end, with port, user part and query if they
-// stand there. Empty when there is no "//".
+// From the end of the first "//" to the next "/" or the end of the URL, with port, user part and
+// query if the URL has them there. Empty when there is no "//".
 std::wstring_view HostText(std::wstring_view url) noexcept {
     const std::size_t slashes = url.find(L"//");
     if (slashes == std::wstring_view::npos) return {};

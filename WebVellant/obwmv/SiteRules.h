@@ -1,4 +1,4 @@
-// Whether the picker applies to a page: the whole of that decision.
+// Whether the picker applies to a page.
 //
 // Every test is an exact, case-sensitive search for a substring. Called on the browser thread that
 // made the request.
@@ -11,8 +11,8 @@ namespace obwmv {
 // process first loads it. `url` is the page's URL, not null.
 bool UsesBrowserDialog(const wchar_t* url);
 
-// Whether this request must not be answered with a cloud link; asked on the open-file-name road
-// only. `url` is not null. `filter` is the request's lpstrFilter list and may be null.
+// Whether this request must not be answered with a cloud link; asked at the open-file-name
+// entry point only. `url` is not null. `filter` is the request's lpstrFilter list and may be null.
 bool IsLinkForbidden(const wchar_t* url, const wchar_t* filter);
 
 } // namespace obwmv
