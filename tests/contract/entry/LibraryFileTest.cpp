@@ -29,7 +29,7 @@ std::vector<std::string> ExportedNames(HMODULE module) {
     return result;
 }
 
-TEST(LibraryFile, ExportsItsDoorsByNameAndNothingElse) {
+TEST(LibraryFile, ExportsItsEntryPointsByNameAndNothingElse) {
     const obtest::LoadedLibrary library;
     ASSERT_TRUE(library.module);
     EXPECT_THAT(ExportedNames(library.module.Get()),
@@ -70,7 +70,7 @@ TEST(LibraryFile, FreesTheArchiveServiceWhenItIsUnloaded) {
     EXPECT_EQ(GetModuleHandleW(L"obofcsvc64.dll"), nullptr);
 }
 
-TEST(LibraryFile, AnswersForTheHelpPageAsItsDoorPromises) {
+TEST(LibraryFile, ReturnsTrueForTheHelpPage) {
     const obtest::LoadedLibrary library;
     ASSERT_TRUE(library.module);
     EXPECT_TRUE(library.Entry<decltype(WebHelpApp)>("WebHelpApp")(nullptr));

@@ -16,8 +16,8 @@ LoadedLibrary::LoadedLibrary() : module(LoadLibraryW(BesideProgram(L"obwmcore64.
 LoadedLibrary::~LoadedLibrary() {
     module.Reset();
     // A loader that answers the library's second load of its own file with the loaded module counts
-    // that load too, and the library would hold itself.
-    if (const HMODULE held = GetModuleHandleW(L"obwmcore64.dll")) FreeLibrary(held);
+    // that load too, and the library would keep itself loaded.
+    if (const HMODULE loaded = GetModuleHandleW(L"obwmcore64.dll")) FreeLibrary(loaded);
 }
 
 } // namespace obtest

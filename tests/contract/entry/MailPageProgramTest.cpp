@@ -72,7 +72,7 @@ TEST_F(MailPageProgram, TakesOneFileOnTheDialogPath) {
     EXPECT_EQ(Attach(L"--entry dialog --single"), Narrow(L"answer=0x00000000\npath=" + a + L"\n"));
 }
 
-TEST_F(MailPageProgram, SaysWhenTheUserCancelled) {
+TEST_F(MailPageProgram, ReportsACancelOfTheUser) {
     HostScript::Play(L"result 0x800704C7");
     EXPECT_EQ(Attach(L"--entry dialog"), "answer=0x800704C7\n");
     HostScript::Play(L"status 3");

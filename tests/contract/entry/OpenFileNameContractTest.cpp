@@ -41,7 +41,7 @@ protected:
 
     BOOL Ask() { return library_.getOpenFileName(&request_, &context_); }
 
-    static bool BlockStands() {
+    static bool BlockExists() {
         wchar_t name[32];
         _snwprintf(name, 32, L"WEBVELLANT_SM_%d", static_cast<int>(GetCurrentThreadId()));
         return static_cast<bool>(
@@ -59,7 +59,7 @@ TEST_F(OpenFileNameContract, GivesThePageThePathThatTheHostAnswered) {
     EXPECT_EQ(Ask(), 1);
     EXPECT_STREQ(files_, L"C:\\temp\\mail.zip");
     EXPECT_THAT(context_.asked, IsEmpty());
-    EXPECT_FALSE(BlockStands());
+    EXPECT_FALSE(BlockExists());
     EXPECT_EQ(request_.hwndOwner, nullptr);
 }
 
@@ -107,7 +107,7 @@ TEST_F(OpenFileNameContract, ReadsAsACancelWhenTheHostIsMissing) {
 TEST_F(OpenFileNameContract, MakesNoBlockAndNoHostForAVetoedRequest) {
     context_.wanted = 0;
     bool block = true;
-    context_.onBrowserDialog = [&] { block = BlockStands(); };
+    context_.onBrowserDialog = [&] { block = BlockExists(); };
     EXPECT_EQ(Ask(), 9);
     EXPECT_FALSE(block);
     EXPECT_THAT(HostScript::Record(), IsEmpty());

@@ -9,7 +9,7 @@ using obcontract::BrowserContext;
 
 namespace {
 
-// What the hook's function behind a slot was handed.
+// The arguments that the function in a slot of the hook received.
 struct Asked {
     int slot = -1;
     void* self = nullptr;
@@ -19,7 +19,7 @@ struct Asked {
 Asked asked;
 
 // A hook of another compiler: a pointer to ten functions and nothing else. Each answers its own
-// number, above a word that holds something else.
+// number, above a word with another value.
 template <int Slot>
 std::uint64_t Answer(void* self, void* first, void* second) {
     asked = {Slot, self, first, second};

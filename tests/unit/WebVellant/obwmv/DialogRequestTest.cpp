@@ -116,7 +116,7 @@ TEST_F(DialogRequest, DropsTheEarlierResultAlsoWhenItIsCancelled) {
     EXPECT_TRUE(obcore::Results().empty());
 }
 
-TEST_F(DialogRequest, AnswersTheResultOfACancelAsItStands) {
+TEST_F(DialogRequest, ReturnsTheResultOfACancelUnchanged) {
     EXPECT_EQ(Run(L"result 0x800704C7"), kCancelled);
     EXPECT_EQ(Run(L"result 0x80070005"), static_cast<HRESULT>(0x80070005));
     EXPECT_TRUE(context.delivered.empty());
@@ -142,14 +142,14 @@ TEST_F(DialogRequest, HandsOnNoEmptyLink) {
     EXPECT_TRUE(context.delivered.empty());
 }
 
-TEST_F(DialogRequest, TellsTheHookWhatToClearUp) {
+TEST_F(DialogRequest, ReportsTheNamesToCleanUpToTheHook) {
     Run(std::wstring(kAnswer) + L"text 500 \"C:\\t\"\npoke32 16 500\ntext 600 \"C:\\f\"\n"
                                 L"poke32 20 600");
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] [C:\\f]"});
     EXPECT_NE(Picked(dialog), nullptr);
 }
 
-TEST_F(DialogRequest, TellsTheHookOfAFolderAloneAndOfNoEmptyOne) {
+TEST_F(DialogRequest, ReportsAFolderAloneToTheHookAndNoEmptyOne) {
     Run(L"result -1\ntext 500 \"C:\\t\"\npoke32 16 500");
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] null"});
     context.delivered.clear();
@@ -175,7 +175,7 @@ TEST_F(DialogRequest, AnswersACancelWhenTheHostIsMissing) {
     EXPECT_TRUE(browser.Enabled());
 }
 
-TEST_F(DialogRequest, HoldsTheBrowserDisabledWhileTheHostRuns) {
+TEST_F(DialogRequest, KeepsTheBrowserDisabledWhileTheHostRuns) {
     Run(L"owner");
     const auto owners = HostScript::RecordOf(L"owner");
     ASSERT_EQ(owners.size(), 1u);
@@ -200,7 +200,7 @@ TEST_F(DialogRequest, CutsPathsThatRunOutOfTheBlock) {
     EXPECT_EQ(Picked(dialog)->paths, (Lines{L"a", L"bcd"}));
 }
 
-// The section that the next request on this road will take, made by somebody else before it.
+// The section that the next request of the dialog entry point will take, made by another program.
 ObLib::UniqueKernelHandle SectionOfNextRequest(DWORD bytes) {
     const std::wstring name = L"WEBVELLANT_SM_" + std::to_wstring(obtest::LastHostId() + 1);
     return ObLib::UniqueKernelHandle(
@@ -216,7 +216,7 @@ TEST_F(DialogRequest, AnswersACancelWhenTheBlockCantBeMapped) {
     EXPECT_EQ(dialog.optionsReads, 1);
 }
 
-TEST_F(DialogRequest, KeepsWhatAnExistingSectionHoldsOutsideItsFields) {
+TEST_F(DialogRequest, KeepsTheBytesOfAnExistingSectionOutsideItsFields) {
     Run(L"exit 0");
     const ObLib::UniqueKernelHandle section = SectionOfNextRequest(65536);
     const ObLib::UniqueMappedView<std::uint8_t> view(

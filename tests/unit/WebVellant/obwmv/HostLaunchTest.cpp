@@ -158,7 +158,7 @@ TEST_F(HostLaunch, AnswersMinusOneWhenItsFolderCantBeHad) {
     EXPECT_TRUE(HostScript::Record().empty());
 }
 
-TEST_F(HostLaunch, ClosesTheThreadBeforeTheWaitAndTheProcessBehindIt) {
+TEST_F(HostLaunch, ClosesTheThreadBeforeTheWaitAndTheProcessAfterIt) {
     obtest::ImportPatch create("kernel32.dll", "CreateProcessW", &NoteCreateProcess);
     obtest::ImportPatch close("kernel32.dll", "CloseHandle", &NoteCloseHandle);
     obtest::ImportPatch wait("user32.dll", "MsgWaitForMultipleObjectsEx", &NoteWait);
@@ -192,15 +192,15 @@ TEST_F(HostLaunch, DispatchesTheBrowsersMessagesWhileTheHostRuns) {
 TEST_F(HostLaunch, OutlivesAQuitAndPostsItAgain) {
     obtest::BrowserWindow browser;
     for (const wchar_t* name : {L"posted", L"go-on"}) DeleteFileW(BesideProgram(name).c_str());
-    int ticksBehindQuit = 0;
+    int ticksAfterQuit = 0;
     browser.OnTick([&] {
         // The host has posted before it makes the file, and what is posted comes before timers.
-        if (obtest::FileExists(BesideProgram(L"posted")) && ++ticksBehindQuit == 3)
+        if (obtest::FileExists(BesideProgram(L"posted")) && ++ticksAfterQuit == 3)
             obtest::WriteFileContent(BesideProgram(L"go-on"), "");
     });
     HostScript::Play(L"post-quit 37\nmake-file posted\nwait-file go-on\nexit 5");
     EXPECT_EQ(LaunchHost(1, browser.Root()), 5u);
-    EXPECT_GE(ticksBehindQuit, 3);
+    EXPECT_GE(ticksAfterQuit, 3);
     EXPECT_EQ(obtest::QuitValueInQueue(), 37);
     EXPECT_EQ(obtest::QuitValueInQueue(), -1);
 }

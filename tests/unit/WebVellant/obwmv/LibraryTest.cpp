@@ -29,7 +29,7 @@ TEST_F(LibraryLife, EntersItsModuleInBothFieldsOnAttach) {
     EXPECT_EQ(AppGlobals().languageModule, kProgram);
 }
 
-TEST_F(LibraryLife, KeepsALanguageModuleThatStandsAlready) {
+TEST_F(LibraryLife, KeepsALanguageModuleThatIsSetAlready) {
     AppGlobals().languageModule = kLanguage;
     obwmv::OnProcessAttach(kProgram);
     EXPECT_EQ(AppGlobals().programModule, kProgram);

@@ -13,7 +13,7 @@ using obtest::BrowserWindow;
 using obtest::QuitValueInQueue;
 using obwmv::PumpUntilSignalled;
 
-// An event stands for the process.
+// An event is signalled in place of the process.
 class MessagePump : public testing::Test {
 protected:
     void End() { SetEvent(ended.Get()); }
@@ -55,14 +55,14 @@ TEST_F(MessagePump, TranslatesKeyMessages) {
 }
 
 TEST_F(MessagePump, PostsAQuitAgainOnlyAfterTheEnd) {
-    int ticksBehindQuit = 0;
+    int ticksAfterQuit = 0;
     PostThreadMessageW(GetCurrentThreadId(), WM_QUIT, 37, 0);
     browser.OnTick([&] {
         EXPECT_EQ(WaitForSingleObject(ended.Get(), 0), static_cast<DWORD>(WAIT_TIMEOUT));
-        if (++ticksBehindQuit == 3) End();
+        if (++ticksAfterQuit == 3) End();
     });
     PumpUntilSignalled(ended.Get());
-    EXPECT_GE(ticksBehindQuit, 3);
+    EXPECT_GE(ticksAfterQuit, 3);
     EXPECT_EQ(QuitValueInQueue(), 37);
     EXPECT_EQ(QuitValueInQueue(), -1);
 }

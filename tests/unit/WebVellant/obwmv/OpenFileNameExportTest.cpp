@@ -120,16 +120,16 @@ TEST_F(OpenFileNameExport, LooksForTheMainWindowBeforeItMovesOrFakesAnOwner) {
 
 TEST_F(OpenFileNameExport, MakesAFakeOwnerForANullOneAndRestoresNull) {
     HWND during = nullptr;
-    bool stoodAtDeactivation = true;
+    bool existedAtDeactivation = true;
     Fakes().openFileName = [&](OPENFILENAMEW* request, BrowserContext*) {
         during = request->hwndOwner;
         EXPECT_TRUE(IsWindow(during));
         return TRUE;
     };
-    activations_.onDeactivate = [&] { stoodAtDeactivation = IsWindow(during); };
+    activations_.onDeactivate = [&] { existedAtDeactivation = IsWindow(during); };
     EXPECT_EQ(Ask(), TRUE);
     EXPECT_NE(during, nullptr);
-    EXPECT_FALSE(stoodAtDeactivation);
+    EXPECT_FALSE(existedAtDeactivation);
     EXPECT_EQ(request_.hwndOwner, nullptr);
 }
 

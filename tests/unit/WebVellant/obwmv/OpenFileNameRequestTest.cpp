@@ -91,7 +91,7 @@ TEST_F(OpenFileNameRequest, MarksARequestThatMayNotBeAnsweredWithALink) {
     EXPECT_EQ(obtest::DumpedBlock(L"neither.bin")[8], 0);
 }
 
-TEST_F(OpenFileNameRequest, KeepsWhatAnExistingSectionHoldsOutsideItsFields) {
+TEST_F(OpenFileNameRequest, KeepsTheBytesOfAnExistingSectionOutsideItsFields) {
     const ObLib::UniqueKernelHandle section(CreateFileMappingW(
         INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 65536, BlockName().c_str()));
     const ObLib::UniqueMappedView<std::uint8_t> view(
@@ -127,7 +127,7 @@ TEST_F(OpenFileNameRequest, GivesThePageSeveralFilesInTheFormOfTheirFolderAndNam
     EXPECT_EQ(File(22), Raw(L"C:\\tmp\\\0a.txt\0\x00fc.txt\0\0#"));
 }
 
-TEST_F(OpenFileNameRequest, AnswersTheResultAsItStands) {
+TEST_F(OpenFileNameRequest, ReturnsTheResultUnchanged) {
     EXPECT_EQ(Run(L"status 3\nslot \"f\"\nresult -5"), -5);
     EXPECT_EQ(File(4), Raw(L"f\0\0#"));
 }
@@ -190,13 +190,13 @@ TEST_F(OpenFileNameRequest, HandsOnNoEmptyLink) {
     EXPECT_TRUE(context.delivered.empty());
 }
 
-TEST_F(OpenFileNameRequest, TellsTheHookOfFolderAndFileToClearUp) {
+TEST_F(OpenFileNameRequest, ReportsFolderAndFileToCleanUpToTheHook) {
     Run(L"status 3\nslot \"f\"\nresult 1\ntext 1000 \"C:\\t\"\npoke32 16 1000\n"
         L"text 1100 \"C:\\t\\f.zip\"\npoke32 20 1100");
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] [C:\\t\\f.zip]"});
 }
 
-TEST_F(OpenFileNameRequest, TellsTheHookOfAFolderAlone) {
+TEST_F(OpenFileNameRequest, ReportsAFolderAloneToTheHook) {
     Run(L"status 3\ntext 1000 \"C:\\t\"\npoke32 16 1000\npoke32 20 0");
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] null"});
 }
@@ -206,7 +206,7 @@ TEST_F(OpenFileNameRequest, HandsOnAnEmptyFileThatIsPresent) {
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] []"});
 }
 
-TEST_F(OpenFileNameRequest, TellsTheHookOfNothingWithoutAFolder) {
+TEST_F(OpenFileNameRequest, ReportsNothingToTheHookWithoutAFolder) {
     const std::wstring file =
         L"text 1100 \"C:\\f\"\npoke32 20 1100\nslot \"f\"\nresult 1\nstatus 3\n";
     EXPECT_EQ(Run(file + L"poke32 16 0"), 1);
@@ -214,7 +214,7 @@ TEST_F(OpenFileNameRequest, TellsTheHookOfNothingWithoutAFolder) {
     EXPECT_TRUE(context.delivered.empty());
 }
 
-TEST_F(OpenFileNameRequest, ClearsUpAlsoBehindALinkOrACancel) {
+TEST_F(OpenFileNameRequest, CleansUpAlsoAfterALinkOrACancel) {
     Run(L"status 2\ntext 76 \"l\"\npoke32 24 76\ntext 1000 \"C:\\t\"\npoke32 16 1000");
     EXPECT_EQ(context.delivered, (Lines{L"link l", L"cleanup [C:\\t] null"}));
     context.delivered.clear();
@@ -222,30 +222,30 @@ TEST_F(OpenFileNameRequest, ClearsUpAlsoBehindALinkOrACancel) {
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] null"});
 }
 
-// Looks, while it is told what to clear up, at what else stands at that moment.
+// Records, while the names to clean up are reported, what exists at that moment.
 class WatchingContext : public obtest::DeliveryContext {
 public:
     std::wstring blockName;
     const wchar_t* file = nullptr;
     std::wstring fileThen;
-    bool blockStoodThen = false;
+    bool blockExistedThen = false;
 
     void NoteCleanupFiles(const wchar_t*, const wchar_t*) override {
         fileThen = file;
         const ObLib::UniqueKernelHandle block(
             OpenFileMappingW(FILE_MAP_READ, FALSE, blockName.c_str()));
-        blockStoodThen = static_cast<bool>(block);
+        blockExistedThen = static_cast<bool>(block);
     }
 };
 
-TEST_F(OpenFileNameRequest, ClearsUpBehindTheFileAndBeforeTheBlockGoes) {
+TEST_F(OpenFileNameRequest, CleansUpAfterTheFileAndBeforeTheBlockIsReleased) {
     WatchingContext watching;
     watching.blockName = BlockName();
     watching.file = file;
     HostScript::Play(L"status 3\nslot \"C:\\f\"\nresult 1\ntext 1000 \"C:\\t\"\npoke32 16 1000");
     EXPECT_EQ(obwmv::RunOpenFileNameRequest(&request, &watching), 1);
     EXPECT_EQ(watching.fileThen, L"C:\\f");
-    EXPECT_TRUE(watching.blockStoodThen);
+    EXPECT_TRUE(watching.blockExistedThen);
 }
 
 const wchar_t kFullAnswer[] = L"status 3\nslot \"C:\\f\"\nresult 1\ntext 1000 \"C:\\t\"\n"
@@ -290,7 +290,7 @@ TEST_F(OpenFileNameRequest, EndsTheBlockWithTheRequest) {
     EXPECT_FALSE(gone);
 }
 
-TEST_F(OpenFileNameRequest, HoldsTheBrowserDisabledWhileTheHostRuns) {
+TEST_F(OpenFileNameRequest, KeepsTheBrowserDisabledWhileTheHostRuns) {
     Run(L"owner");
     const auto owners = HostScript::RecordOf(L"owner");
     ASSERT_EQ(owners.size(), 1u);

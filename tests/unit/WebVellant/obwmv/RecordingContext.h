@@ -1,4 +1,4 @@
-// A hook's context that notes each question and answers as the test says.
+// A fake of the hook's context: it records each call and returns what the test has set.
 #pragma once
 
 #include <functional>

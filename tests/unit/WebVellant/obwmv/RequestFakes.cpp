@@ -14,8 +14,8 @@ ActivationRecorder* current = nullptr;
 } // namespace
 
 RequestFakes& Fakes() {
-    static RequestFakes doubles;
-    return doubles;
+    static RequestFakes fakes;
+    return fakes;
 }
 
 void ResetFakes() { Fakes() = {}; }

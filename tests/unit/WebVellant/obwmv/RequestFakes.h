@@ -32,7 +32,7 @@ RequestFakes& Fakes();
 void ResetFakes();
 void NoteStep(const std::string& step);
 
-// Notes each activation and deactivation and, unless told to fail, does it.
+// Records each activation and deactivation and, unless `fails` is set, performs it.
 class ActivationRecorder {
 public:
     explicit ActivationRecorder(bool fails = false);

@@ -1,5 +1,5 @@
-// What the tests of both roads share: a hook and a caller's dialog that record, and a block as it
-// should stand.
+// What the tests of both entry points share: a recording hook, a recording dialog of the caller,
+// and the expected bytes of a block.
 #pragma once
 
 #include <windows.h>

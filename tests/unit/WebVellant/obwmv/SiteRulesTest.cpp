@@ -15,7 +15,7 @@ using obwmv::UsesBrowserDialog;
 
 const std::wstring kGmail = obwmv::kGmailHost;
 
-// The archive service stands beside the program.
+// The archive service is in the program's folder.
 class SiteRules : public testing::Test {
 protected:
     void TearDown() override { obcore::FreeArchiveService(); }
@@ -43,7 +43,7 @@ TEST_F(SiteRules, WantTwoSlashes) {
     EXPECT_TRUE(Picker(L"//" + kGmail));
 }
 
-TEST_F(SiteRules, FindNoHostInAUrlThatEndsBehindItsSlashes) { EXPECT_FALSE(Picker(L"https://")); }
+TEST_F(SiteRules, FindNoHostInAUrlThatEndsAfterItsSlashes) { EXPECT_FALSE(Picker(L"https://")); }
 
 TEST_F(SiteRules, TakeTheHostUpToTheNextSlashOrTheEnd) {
     EXPECT_TRUE(Picker(L"https://" + kGmail));

@@ -13,8 +13,8 @@ enum class Icon { None, Application };
 ObLib::UniqueWindow MakeWindow(const wchar_t* className, Icon icon, DWORD style,
                                const RECT& place = {10, 20, 210, 120}, HWND owner = nullptr);
 
-// Runs `body` on a thread of its own. True when it came to an access violation: that is where code
-// which runs on behind a failed check ends that has no window field to work on.
+// Runs `body` on a thread of its own. True when it ended in an access violation, as code does that
+// continues after a failed check of a null pointer.
 bool EndsInAccessViolation(void (*body)());
 
 } // namespace obtest
