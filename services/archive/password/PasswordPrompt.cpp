@@ -15,6 +15,7 @@
 #include "services/archive/policy/PasswordPolicy.h"
 #include "services/archive/recovery/RecoveryKey.h"
 #include "services/archive/texts/ProductTexts.h"
+#include "services/archive/texts/ServiceTextIds.h"
 
 namespace obarchive {
 namespace {

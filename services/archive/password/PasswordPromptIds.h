@@ -1,4 +1,4 @@
-// Ids of the password prompt, for its template and its code, and of the texts around encryption.
+// Ids of the password prompt and of its texts.
 #pragma once
 
 #define OB_PASSWORD_PROMPT 200
@@ -32,15 +32,3 @@
 #define OB_TEXT_STRENGTH_FAIR 233
 #define OB_TEXT_STRENGTH_GOOD 234
 #define OB_TEXT_STRENGTH_STRONG 235
-
-#define OB_TEXT_POLICY_LENGTH 240
-#define OB_TEXT_POLICY_CLASSES 241
-#define OB_TEXT_A_LOWER_CASE 242
-#define OB_TEXT_AN_UPPER_CASE 243
-#define OB_TEXT_A_DIGIT 244
-#define OB_TEXT_A_SYMBOL 245
-#define OB_TEXT_LIST_COMMA 246
-
-#define OB_TEXT_POLICY_CAPTION 250
-#define OB_TEXT_POLICY_REQUEST 251
-#define OB_TEXT_ENCRYPTION_OFF 252

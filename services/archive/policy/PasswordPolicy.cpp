@@ -6,11 +6,11 @@
 #include <bit>
 
 #include "services/archive/ThisModule.h"
-#include "services/archive/password/PasswordPromptIds.h"
 #include "services/archive/policy/MachinePolicy.h"
 #include "services/archive/policy/PolicyValues.h"
 #include "services/archive/texts/FormatMessageText.h"
 #include "services/archive/texts/ProductTexts.h"
+#include "services/archive/texts/ServiceTextIds.h"
 
 namespace obarchive {
 namespace {

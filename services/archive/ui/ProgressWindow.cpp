@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "services/archive/ThisModule.h"
-#include "services/archive/texts/ServiceTextIds.h"
+#include "services/archive/ui/ProgressWindowIds.h"
 
 namespace obarchive {
 namespace {

@@ -7,8 +7,8 @@
 #include <atomic>
 #include <cstdlib>
 
-#include "services/archive/texts/ServiceTextIds.h"
 #include "services/archive/ui/ProgressWindow.h"
+#include "services/archive/ui/ProgressWindowIds.h"
 #include "services/archive/ui/TimeLeft.h"
 #include "services/archive/zip/ZipForUser.h"
 #include "tests/support/WindowPicture.h"

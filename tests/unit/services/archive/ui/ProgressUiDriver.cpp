@@ -1,6 +1,6 @@
 #include "tests/unit/services/archive/ui/ProgressUiDriver.h"
 
-#include "services/archive/texts/ServiceTextIds.h"
+#include "services/archive/ui/ProgressWindowIds.h"
 
 namespace obtest {
 namespace {
@@ -44,7 +44,7 @@ ProgressUiDriver::ProgressUiDriver(std::function<void(HWND)> act)
     : thread_([this, act = std::move(act)] {
           HWND window = nullptr;
           saw_ = WaitUntil([&] { return (window = FindProgressWindow()) != nullptr; });
-          if (saw_) driver(window);
+          if (saw_) act(window);
       }) {}
 
 void ProgressUiDriver::Join() {

@@ -3,7 +3,7 @@
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
-#include "services/archive/texts/ServiceTextIds.h"
+#include "services/archive/ui/ProgressWindowIds.h"
 #include "tests/unit/services/archive/ui/ProgressUiDriver.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/archive/texts/ServiceTextIds.h"
+#include "services/archive/ui/ProgressWindowIds.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
