@@ -1,5 +1,6 @@
-// The 28 entries, each a thin door to what stands behind it. Declared from the contract's own
-// table, so that an entry with other arguments doesn't compile. No exception passes a door.
+// The 28 exports. Each forwards to the component that implements it. They are declared from the
+// contract's table, so that one with other arguments doesn't compile. No exception leaves an
+// export.
 #include <windows.h>
 
 #include <optional>
@@ -32,8 +33,8 @@ Result Guarded(Result onException, Action action) noexcept {
     }
 }
 
-// A setting that can't be kept makes the run impossible: the context is dropped, so that Zip
-// refuses rather than runs without it.
+// When a setting can't be stored, the context is destroyed: Zip then refuses instead of running
+// without the setting.
 template <class Action>
 void Set(obcontract::ZipContext context, Action action) noexcept {
     try {
@@ -99,7 +100,7 @@ std::uint32_t Zip(HWND owner, ZipContext context) {
     const auto result = Guarded(ZipResult::Unexpected, [=] {
         std::optional<ZipJob> job = contexts.Copy(context);
         if (!job) return obarchive::RefuseForUser(owner, ZipResult::BadContext);
-        // A job whose recovery can't be carried out stays as it is, and the run refuses it.
+        // When recovery can't be carried out, the job still asks for it, and the run refuses.
         obarchive::AddRecovery(*job);
         return obarchive::ZipForUser(owner, *job);
     });
@@ -110,7 +111,7 @@ void CheckForUpdates_VB(HWND owner, std::uint32_t) {
     Guarded(0, [owner] { return obarchive::ShowInstalledVersion(owner), 0; });
 }
 
-// One page serves every topic.
+// There is one page for all topics.
 void WebHelpW(HWND owner, const wchar_t*, const wchar_t*) {
     Guarded(0, [owner] { return obarchive::ShowHelp(owner), 0; });
 }
@@ -121,7 +122,7 @@ std::uint32_t GetOmbrixFIPSSetting() {
     return static_cast<std::uint32_t>(setting);
 }
 
-// When the policy can't be read: rather a method that may be forbidden than files in the clear.
+// When the policy can't be read, a forbidden method is better than files without encryption.
 std::uint16_t AllowedEncryptMethods() {
     constexpr std::uint16_t kEveryMethod = kEncryptionMethodAes128 | kEncryptionMethodAes256;
     return Guarded(kEveryMethod, [] { return obarchive::AllowedMethods(); });
@@ -131,9 +132,9 @@ std::uint16_t DefaultEncryptionMethod() {
     return Guarded(kEncryptionMethodAes256, [] { return obarchive::DefaultMethod(); });
 }
 
-// There is one thing to tell, so the kind of message and the switch beside it aren't looked at.
+// There is one message only, so the kind and the switch are ignored.
 std::uint32_t TryToShowWarningOrErrorMessage(HWND owner, std::uint32_t, std::uint8_t) {
-    const bool off = Guarded(false, [owner] { return obarchive::TellIfEncryptionIsOff(owner); });
+    const bool off = Guarded(false, [owner] { return obarchive::WarnIfEncryptionIsOff(owner); });
     return off ? kSwitchEncryptionOff : 0;
 }
 
@@ -143,7 +144,7 @@ std::uint32_t GetPublicKeyResult(char* buffer, std::uint32_t capacity) {
     return static_cast<std::uint32_t>(result);
 }
 
-// Success or a key means that the caller counts on recovery: Zip then carries it out or refuses.
+// A result of 1 or a key means that the caller relies on recovery: Zip carries it out or refuses.
 void SetPublicKeyResult(ZipContext context, std::uint32_t result) {
     Set(context, [result](ZipJob& job) { job.recoveryAsked = job.recoveryAsked || result == 1; });
 }
@@ -165,7 +166,7 @@ void LogAppletFeature(const wchar_t* feature, const wchar_t* details) {
     obarchive::RecordUsage(feature, details);
 }
 
-// Bound by callers, never called.
+// Callers bind these and never call them.
 std::uint32_t PasswordDlg_C() { return 0; }
 void SetImageResize() {}
 void Encrypt_String_VB() {}

@@ -65,6 +65,10 @@ void SetMachinePolicy(const std::wstring& name, const std::wstring& value, int v
     SetValue(HKEY_LOCAL_MACHINE, kPolicyKey, name, value, view);
 }
 
+void SetMachinePolicyNumber(const std::wstring& name, DWORD value, int view) {
+    SetRawValue(HKEY_LOCAL_MACHINE, kPolicyKey, name, REG_DWORD, &value, sizeof value, view);
+}
+
 void SetUserValue(const std::wstring& name, const std::wstring& value) {
     SetValue(HKEY_CURRENT_USER, kUserKey, name, value);
 }

@@ -30,6 +30,8 @@ void SetRawValue(HKEY root, const std::wstring& key, const std::wstring& name, D
                  const void* data, DWORD size, int view = 64);
 
 void SetMachinePolicy(const std::wstring& name, const std::wstring& value, int view = 64);
+// The same as REG_DWORD.
+void SetMachinePolicyNumber(const std::wstring& name, DWORD value, int view = 64);
 void SetUserValue(const std::wstring& name, const std::wstring& value);
 
 // The text of a REG_SZ value, or nothing when it is absent or of another type.

@@ -36,7 +36,7 @@ std::uint16_t AllowedMethods() {
     return static_cast<std::uint16_t>(allowed & kEveryMethod);
 }
 
-// Who didn't choose gets the stronger one: it costs a few per cent of the time.
+// Without a choice of the administrator, the stronger one: it takes a few per cent more time.
 std::uint16_t DefaultMethod() {
     const std::uint16_t allowed = AllowedMethods();
     const std::uint32_t chosen = ChosenDefault();
@@ -55,11 +55,11 @@ FipsSetting ReadFipsSetting() {
     return asked ? FipsSetting::AskedBySystem : FipsSetting::NotAsked;
 }
 
-bool TellIfEncryptionIsOff(HWND owner) {
+bool WarnIfEncryptionIsOff(HWND owner) {
     if (!PolicyIsOn(kNoEncryption) && AllowedMethods() != 0) return false;
     std::wstring text = ProductText(kEncryptionOffMessage);
     if (text.empty()) text = OwnText(OB_TEXT_ENCRYPTION_OFF);
-    // An owner that has gone meanwhile would keep the box from being shown.
+    // With an owner that no longer exists, the box would not appear.
     const HWND parent = IsWindow(owner) ? owner : nullptr;
     MessageBoxW(parent, text.c_str(), kProductCaption, MB_OK | MB_ICONEXCLAMATION);
     return true;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kLongestAddress = 2047; // what browsers take
 
-bool MayStandInAddress(wchar_t unit) {
+bool IsAllowedInAddress(wchar_t unit) {
     return unit > L' ' && unit < 0x7F && unit != L'"' && unit != L'<' && unit != L'>';
 }
 
@@ -33,7 +33,7 @@ std::wstring PolicyAddress(const wchar_t* name) {
     const bool secure =
         address.size() > kSecure.size() &&
         EqualIgnoringCase(std::wstring_view(address).substr(0, kSecure.size()), kSecure);
-    const bool plain = std::all_of(address.begin(), address.end(), &MayStandInAddress);
+    const bool plain = std::all_of(address.begin(), address.end(), &IsAllowedInAddress);
     return secure && plain ? address : std::wstring();
 }
 

@@ -1,6 +1,7 @@
-// What the administrator has decided for this service. The values stand under
+// What the administrator has decided for this service. The values are stored under
 // HKEY_LOCAL_MACHINE\SOFTWARE\Tavi Ren Computing\Ombrix\Policies, in the 64-bit or the 32-bit view,
-// as REG_SZ. They are read when they are needed and never kept.
+// as REG_SZ or as REG_DWORD, which counts as its decimal text. They are read at each use and not
+// kept.
 #pragma once
 
 #include <string>
@@ -14,9 +15,9 @@ std::wstring PolicyText(const wchar_t* name);
 // True when the value is "1" in either view.
 bool PolicyIsOn(const wchar_t* name);
 
-// An address that a policy names, or an empty text when it isn't one that may be opened: it must
-// begin with "https://", hold nothing but printable ASCII without blanks and quotation marks, and
-// be no longer than 2047 characters.
+// An address from a policy; empty when it may not be opened. It may when it begins with "https://",
+// has at most 2047 characters, and consists of printable ASCII without blanks, quotation marks and
+// angle brackets.
 std::wstring PolicyAddress(const wchar_t* name);
 
 } // namespace obarchive

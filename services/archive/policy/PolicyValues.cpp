@@ -6,7 +6,7 @@ namespace obarchive {
 namespace {
 
 constexpr wchar_t kPolicyKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Policies";
-constexpr std::size_t kMostDigits = 9; // always fit 32 bits
+constexpr std::size_t kMostDigits = 9; // of a number that fits into 32 bits whatever its digits
 
 ObLib::UniqueRegistryKey OpenKey(PolicyView view) {
     ObLib::UniqueRegistryKey key;
@@ -17,18 +17,19 @@ ObLib::UniqueRegistryKey OpenKey(PolicyView view) {
     return key;
 }
 
-bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
+std::optional<DWORD> DwordOf(const ObLib::UniqueRegistryKey& key, const wchar_t* name) {
+    DWORD number = 0;
+    DWORD bytes = sizeof number;
+    const LSTATUS status =
+        RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_DWORD, nullptr, &number, &bytes);
+    return status == ERROR_SUCCESS ? std::optional(number) : std::nullopt;
+}
 
-} // namespace
-
-bool HasPolicies(PolicyView view) { return static_cast<bool>(OpenKey(view)); }
-
-std::wstring PolicyTextIn(PolicyView view, const wchar_t* name) {
-    const ObLib::UniqueRegistryKey key = OpenKey(view);
-    // RegGetValueW looks at the type and ends the text where the registry doesn't.
+std::wstring TextOf(const ObLib::UniqueRegistryKey& key, const wchar_t* name) {
+    // RegGetValueW checks the type, and adds a NUL where the stored text has none.
     const auto read = [&](void* text, DWORD* bytes) {
-        return key && RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text, bytes) ==
-                          ERROR_SUCCESS;
+        return RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text, bytes) ==
+               ERROR_SUCCESS;
     };
     DWORD bytes = 0;
     if (!read(nullptr, &bytes)) return {};
@@ -37,6 +38,19 @@ std::wstring PolicyTextIn(PolicyView view, const wchar_t* name) {
     if (!read(text.data(), &bytes)) return {};
     text.resize(wcsnlen(text.data(), text.size()));
     return text;
+}
+
+bool IsDigit(wchar_t unit) { return unit >= L'0' && unit <= L'9'; }
+
+} // namespace
+
+bool HasPolicies(PolicyView view) { return static_cast<bool>(OpenKey(view)); }
+
+std::wstring PolicyTextIn(PolicyView view, const wchar_t* name) {
+    const ObLib::UniqueRegistryKey key = OpenKey(view);
+    if (!key) return {};
+    if (const auto number = DwordOf(key, name)) return std::to_wstring(*number);
+    return TextOf(key, name);
 }
 
 std::optional<std::uint32_t> PolicyNumberIn(PolicyView view, const wchar_t* name) {

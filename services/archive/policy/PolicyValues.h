@@ -1,5 +1,5 @@
-// The machine's policies by view, for values of any length and for numbers. MachinePolicy.h has the
-// plainer questions.
+// The machine's policies by registry view, for texts of any length and for numbers. MachinePolicy.h
+// combines the views.
 #pragma once
 
 #include <windows.h>
@@ -16,11 +16,11 @@ enum class PolicyView : REGSAM { Bits64 = KEY_WOW64_64KEY, Bits32 = KEY_WOW64_32
 // Whether the view has the key of the policies at all.
 bool HasPolicies(PolicyView view);
 
-// The value's text up to its first NUL; empty when the value is absent, empty or no REG_SZ. Any
-// thread, as everything here; throws only what memory shortage throws.
+// The value's text up to its first NUL, or the decimal digits of a REG_DWORD. Empty when the value
+// is absent, empty or of another type. Any thread, as everything here; throws only std::bad_alloc.
 std::wstring PolicyTextIn(PolicyView view, const wchar_t* name);
 
-// A decimal number and nothing else; everything else is as good as absent.
+// The value of a text of one to nine decimal digits; nothing for every other text.
 std::optional<std::uint32_t> PolicyNumberIn(PolicyView view, const wchar_t* name);
 
 } // namespace obarchive

@@ -1,4 +1,4 @@
-// What is said where the product's library doesn't lie beside the service.
+// The service's own messages, shown where the product's library isn't beside it.
 #include <gtest/gtest.h>
 
 #include "services/archive/policy/EncryptionRules.h"
@@ -16,17 +16,17 @@ protected:
     void SetUp() override { obtest::ClearProductRegistry(); }
 };
 
-TEST_F(PolicyWithoutProductTest, EncryptionOffIsToldInTheServicesOwnWords) {
+TEST_F(PolicyWithoutProductTest, TheMessageThatEncryptionIsOffIsTheServicesOwn) {
     EXPECT_EQ(ProductText(kEncryptionOffMessage), L"");
     obtest::SetMachinePolicy(L"NoEncryption", L"1");
     const obtest::MessageBoxWatcher boxes;
-    EXPECT_TRUE(TellIfEncryptionIsOff(nullptr));
+    EXPECT_TRUE(WarnIfEncryptionIsOff(nullptr));
     const auto seen = boxes.Seen();
     ASSERT_EQ(seen.size(), 1U);
     EXPECT_EQ(seen[0].text, L"Your administrator has switched encryption off.");
 }
 
-TEST_F(PolicyWithoutProductTest, ThePolicyIsToldInTheServicesOwnWords) {
+TEST_F(PolicyWithoutProductTest, TheMessageAboutThePolicyIsTheServicesOwn) {
     EXPECT_EQ(PolicyMessage({9, 0}), L"Your organization asks for at least 9 characters.");
     EXPECT_EQ(PolicyMessage({9, 15}),
               L"Your organization asks for at least 9 characters, among them a lower case letter "

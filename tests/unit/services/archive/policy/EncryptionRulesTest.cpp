@@ -31,10 +31,10 @@ TEST_F(EncryptionRulesTest, WithoutAPolicyBothMethodsAreAllowedAndTheStrongerIsT
     EXPECT_EQ(AllowedMethods(), 12);
     EXPECT_EQ(DefaultMethod(), 8);
     EXPECT_EQ(ReadFipsSetting(), FipsSetting::NotAsked);
-    EXPECT_FALSE(TellIfEncryptionIsOff(nullptr));
+    EXPECT_FALSE(WarnIfEncryptionIsOff(nullptr));
 }
 
-TEST_F(EncryptionRulesTest, AMaskAllowsWhatBothViewsAllow) {
+TEST_F(EncryptionRulesTest, AMethodIsAllowedWhenTheMasksOfBothViewsHaveIt) {
     const struct {
         const wchar_t* in64;
         const wchar_t* in32;
@@ -54,7 +54,20 @@ TEST_F(EncryptionRulesTest, AMaskAllowsWhatBothViewsAllow) {
     }
 }
 
-TEST_F(EncryptionRulesTest, TheDefaultIsTheAdministratorsIfItIsAllowed) {
+TEST_F(EncryptionRulesTest, ARegDwordCountsAsItsDecimalText) {
+    obtest::SetMachinePolicyNumber(L"AllowedEncryptionMethods", 4);
+    EXPECT_EQ(AllowedMethods(), 4);
+    obtest::SetMachinePolicyNumber(L"AllowedEncryptionMethods", 12);
+    obtest::SetMachinePolicyNumber(L"DefaultEncryptionMethod", 4, 32);
+    EXPECT_EQ(DefaultMethod(), 4);
+    obtest::SetMachinePolicyNumber(L"FipsMode", 1);
+    EXPECT_EQ(ReadFipsSetting(), FipsSetting::AskedByPolicy);
+    obtest::SetMachinePolicyNumber(L"NoEncryption", 1, 32);
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_TRUE(WarnIfEncryptionIsOff(nullptr));
+}
+
+TEST_F(EncryptionRulesTest, TheDefaultIsTheAdministratorsChoiceIfThatIsAllowed) {
     obtest::SetMachinePolicy(L"DefaultEncryptionMethod", L"4", 32);
     EXPECT_EQ(DefaultMethod(), 4);
     obtest::SetMachinePolicy(L"DefaultEncryptionMethod", L"8", 64);
@@ -65,30 +78,30 @@ TEST_F(EncryptionRulesTest, TheDefaultIsTheAdministratorsIfItIsAllowed) {
     EXPECT_EQ(DefaultMethod(), 4);
 }
 
-// The mask stays, as callers ask only where it isn't empty.
-TEST_F(EncryptionRulesTest, EncryptionIsSwitchedOffFromEitherViewAndTheMaskStays) {
+// The mask isn't emptied: callers ask whether encryption is off only where it isn't empty.
+TEST_F(EncryptionRulesTest, EitherViewSwitchesEncryptionOffAndTheMaskStays) {
     const obtest::MessageBoxWatcher boxes;
     for (const int view : {32, 64}) {
         obtest::ClearProductRegistry();
         obtest::SetMachinePolicy(L"NoEncryption", L"1", view);
         EXPECT_EQ(AllowedMethods(), 12);
         EXPECT_EQ(DefaultMethod(), 8);
-        EXPECT_TRUE(TellIfEncryptionIsOff(nullptr));
+        EXPECT_TRUE(WarnIfEncryptionIsOff(nullptr));
         obtest::SetMachinePolicy(L"NoEncryption", L"0", view);
-        EXPECT_FALSE(TellIfEncryptionIsOff(nullptr));
+        EXPECT_FALSE(WarnIfEncryptionIsOff(nullptr));
         obtest::SetMachinePolicy(L"AllowedEncryptionMethods", L"0", view);
-        EXPECT_TRUE(TellIfEncryptionIsOff(nullptr));
+        EXPECT_TRUE(WarnIfEncryptionIsOff(nullptr));
     }
     EXPECT_EQ(boxes.Seen().size(), 4U);
 }
 
-TEST_F(EncryptionRulesTest, ThatItIsOffIsToldInTheProductsWords) {
+TEST_F(EncryptionRulesTest, TheMessageThatEncryptionIsOffIsTheProducts) {
     obtest::SetMachinePolicy(L"NoEncryption", L"1");
     const ObLib::UniqueWindow owner(CreateWindowW(L"Static", L"owner", WS_OVERLAPPEDWINDOW, 0, 0,
                                                   200, 200, nullptr, nullptr, nullptr, nullptr));
     const obtest::MessageBoxWatcher boxes;
-    EXPECT_TRUE(TellIfEncryptionIsOff(owner.Get()));
-    EXPECT_TRUE(TellIfEncryptionIsOff(reinterpret_cast<HWND>(0xDEAD)));
+    EXPECT_TRUE(WarnIfEncryptionIsOff(owner.Get()));
+    EXPECT_TRUE(WarnIfEncryptionIsOff(reinterpret_cast<HWND>(0xDEAD)));
     const auto seen = boxes.Seen();
     ASSERT_EQ(seen.size(), 2U);
     EXPECT_EQ(seen[0].caption, L"Ombrix Vellant");
@@ -99,8 +112,8 @@ TEST_F(EncryptionRulesTest, ThatItIsOffIsToldInTheProductsWords) {
     EXPECT_EQ(seen[1].owner, nullptr);
 }
 
-TEST_F(EncryptionRulesTest, TheFipsSettingTellsWhoAsks) {
-    // The system reads its switch only while it starts.
+TEST_F(EncryptionRulesTest, TheFipsSettingDistinguishesPolicyAndSystem) {
+    // The system reads its own switch only when it starts.
     const obtest::ImportPatch<decltype(&BCryptGetFipsAlgorithmMode)> mode(
         "bcrypt.dll", "BCryptGetFipsAlgorithmMode", &FakeFipsMode);
     systemAsks = TRUE;

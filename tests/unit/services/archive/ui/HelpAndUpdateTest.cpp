@@ -19,7 +19,7 @@ using obtest::SetMachinePolicy;
 
 constexpr wchar_t kAddress[] = L"https://help.example.org/mail?a=b#c";
 
-// What was opened, in order; the shell of the test opens nothing.
+// The addresses and paths given to the shell, in order. The fake shell opens nothing.
 std::vector<std::wstring> opened;
 INT_PTR shellAnswer = 42;
 HINSTANCE WINAPI NoteOpened(HWND, const wchar_t* verb, const wchar_t* file,
@@ -115,7 +115,7 @@ TEST_F(HelpAndUpdateTest, OnlyPlainSecureAddressesAreOpened) {
     }
 }
 
-TEST_F(HelpAndUpdateTest, TheUpdateEntryTellsTheInstalledVersion) {
+TEST_F(HelpAndUpdateTest, TheUpdateEntryShowsTheInstalledVersion) {
     ShowInstalledVersion(nullptr);
     EXPECT_EQ(opened, Pages{});
     EXPECT_EQ(OnlyBox(), L"Version 1.0.0.0 is installed.\n\nNew versions come from whoever "
@@ -171,12 +171,14 @@ TEST_F(MachinePolicyTest, EitherViewSwitchesOn) {
     EXPECT_FALSE(obarchive::PolicyIsOn(L"Name"));
 }
 
-TEST_F(MachinePolicyTest, OddValuesAreReadSafelyOrNotAtAll) {
-    const DWORD number = 1;
+TEST_F(MachinePolicyTest, ANumberATextWithoutNulAndALongTextAreReadAndNoOtherType) {
+    const DWORD number = 4294967295;
     const auto set = [](DWORD type, const void* data, DWORD size) {
         obtest::SetRawValue(HKEY_LOCAL_MACHINE, obtest::kPolicyKey, L"Name", type, data, size);
     };
     set(REG_DWORD, &number, sizeof number);
+    EXPECT_EQ(obarchive::PolicyText(L"Name"), L"4294967295");
+    set(REG_BINARY, &number, sizeof number);
     EXPECT_EQ(obarchive::PolicyText(L"Name"), L"");
     set(REG_SZ, L"open", 8); // without its NUL
     EXPECT_EQ(obarchive::PolicyText(L"Name"), L"open");
@@ -187,7 +189,7 @@ TEST_F(MachinePolicyTest, OddValuesAreReadSafelyOrNotAtAll) {
     EXPECT_EQ(obarchive::PolicyText(L"Name"), lengthy);
 }
 
-TEST_F(MachinePolicyTest, AnAddressIsAsLongAsABrowserTakesIt) {
+TEST_F(MachinePolicyTest, AnAddressHasAtMost2047Characters) {
     const std::wstring longest = L"https://" + std::wstring(2047 - 8, L'x');
     SetMachinePolicy(L"Name", longest);
     EXPECT_EQ(obarchive::PolicyAddress(L"Name"), longest);
