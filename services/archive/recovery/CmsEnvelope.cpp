@@ -8,6 +8,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/crypto/Secret.h"
+#include "services/archive/recovery/DerReader.h"
 
 namespace obarchive {
 namespace {
@@ -17,7 +18,7 @@ constexpr std::size_t kBlockSize = 16;
 constexpr std::size_t kLongestSecret = 512;
 using Block = std::array<std::uint8_t, kBlockSize>;
 
-// Object identifiers, as they are encoded.
+// Object identifiers in DER, without tag and length.
 constexpr std::uint8_t kEnvelopedData[] = {0x2A, 0x86, 0x48, 0x86, 0xF7, 0x0D, 0x01, 0x07, 0x03};
 constexpr std::uint8_t kData[] = {0x2A, 0x86, 0x48, 0x86, 0xF7, 0x0D, 0x01, 0x07, 0x01};
 constexpr std::uint8_t kRsaEncryption[] = {0x2A, 0x86, 0x48, 0x86, 0xF7, 0x0D, 0x01, 0x01, 0x01};
@@ -53,7 +54,7 @@ UniqueKey CbcKey(const UniqueAlgorithm& aes, ContentKey& contentKey) {
     return key;
 }
 
-// Padded to whole blocks, which also hides the exact length.
+// The padding to whole blocks also hides the secret's exact length.
 std::optional<DerBytes> EncryptedContent(std::string_view secret, ContentKey& contentKey,
                                          Block initial) {
     UniqueAlgorithm aes;
@@ -96,19 +97,19 @@ DerBytes AlgorithmId(std::span<const std::uint8_t> id, const DerBytes& parameter
     return Der(DerTag::Sequence, {Der(DerTag::ObjectId, id), parameters});
 }
 
-// Issuer and serial number, by which the holder's tool finds the certificate. The system keeps the
-// number's lowest byte first.
-DerBytes NameOf(PCCERT_CONTEXT certificate) {
+// Issuer and serial number, by which the holder's tool finds the certificate. The number is copied
+// from the certificate: the system's decoded form doesn't show on every system whether a zero byte
+// came before a first byte with its top bit set, and without that byte the number is another one.
+std::optional<DerBytes> NameOf(PCCERT_CONTEXT certificate) {
     const CERT_NAME_BLOB& issuer = certificate->pCertInfo->Issuer;
-    const CRYPT_INTEGER_BLOB& serial = certificate->pCertInfo->SerialNumber;
-    DerBytes number(serial.pbData, serial.pbData + serial.cbData);
-    std::reverse(number.begin(), number.end());
+    const auto serial = SerialNumberOf({certificate->pbCertEncoded, certificate->cbCertEncoded});
+    if (!serial) return std::nullopt;
     return Der(DerTag::Sequence, {DerBytes(issuer.pbData, issuer.pbData + issuer.cbData),
-                                  Der(DerTag::Integer, number)});
+                                  DerBytes(serial->whole.begin(), serial->whole.end())});
 }
 
-DerBytes Recipient(PCCERT_CONTEXT certificate, const DerBytes& encryptedKey) {
-    return Der(DerTag::Sequence, {Der(DerTag::Integer, kVersion0), NameOf(certificate),
+DerBytes Recipient(const DerBytes& name, const DerBytes& encryptedKey) {
+    return Der(DerTag::Sequence, {Der(DerTag::Integer, kVersion0), name,
                                   AlgorithmId(kRsaEncryption, Der(DerTag::Null, {})),
                                   Der(DerTag::OctetString, encryptedKey)});
 }
@@ -133,8 +134,9 @@ std::optional<DerBytes> SealForCertificate(PCCERT_CONTEXT certificate, std::stri
     if (!Draw(initial.data(), initial.size())) return std::nullopt;
     const auto content = EncryptedContent(secret, contentKey, initial);
     const auto key = EncryptedKey(certificate, contentKey);
-    if (!content || !key) return std::nullopt;
-    return Message(Recipient(certificate, *key), initial, *content);
+    const auto name = NameOf(certificate);
+    if (!content || !key || !name) return std::nullopt;
+    return Message(Recipient(*name, *key), initial, *content);
 }
 
 } // namespace obarchive

@@ -1,5 +1,5 @@
-// A message that only the holder of one certificate's private key can open: a CMS enveloped message
-// (RFC 5652), the form that ordinary tools of certificate holders read.
+// A message that only the holder of one certificate's private key can decrypt: a CMS enveloped
+// message (RFC 5652), which ordinary tools read.
 #pragma once
 
 #include <windows.h>
@@ -13,11 +13,11 @@
 
 namespace obarchive {
 
-// The message in DER. The content is encrypted by AES-256-CBC under a key that is drawn for it
-// alone, and that key by the certificate's RSA key with PKCS #1 padding. The cryptography is the
-// system's; only the few values around it are written here, since not every system that runs this
-// has messages with this content encryption. Nothing when the system refuses a step. Any thread;
-// what is secret on the way is wiped.
+// Returns the message in DER, or nothing when the system refuses a step. AES-256-CBC encrypts the
+// secret under a random key of this message alone; the certificate's RSA key encrypts that key with
+// PKCS #1 padding. The system does the cryptography. This component writes the structure around it,
+// because not every supported system can write messages with this content encryption. Any thread;
+// the keys and the plain text are wiped.
 std::optional<DerBytes> SealForCertificate(PCCERT_CONTEXT certificate, std::string_view secret);
 
 } // namespace obarchive

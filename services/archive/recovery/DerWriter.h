@@ -1,4 +1,4 @@
-// Writes the distinguished encoding of nested values: what a sealed message is made of.
+// Writes nested values in the distinguished encoding (DER).
 #pragma once
 
 #include <cstddef>
@@ -25,7 +25,7 @@ enum class DerTag : std::uint8_t {
 // Tag, length and content.
 DerBytes Der(DerTag tag, std::span<const std::uint8_t> content);
 
-// The same around parts that are encoded already, one after the other.
+// The same; the content is the encoded parts, one after the other.
 DerBytes Der(DerTag tag, std::initializer_list<DerBytes> parts);
 
 } // namespace obarchive

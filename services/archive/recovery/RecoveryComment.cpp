@@ -6,7 +6,7 @@
 namespace obarchive {
 namespace {
 
-// Readable where archive tools show a comment; readers of PEM pass over it.
+// For the user of an archive tool that shows comments; readers of PEM ignore it.
 constexpr char kIntroduction[] = "The password of this archive can be recovered by the holder of "
                                  "the private key to certificate ";
 

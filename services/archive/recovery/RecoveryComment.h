@@ -5,11 +5,11 @@
 
 namespace obarchive {
 
-// Carries out what was asked of `job` by SetPublicKeyResult and SetPublicKeyW: seals its password
-// for the policy's certificate into the comment and marks recovery as done. True also when nothing
-// was asked, and when nothing is encrypted and so nothing is there to recover. False when the key
-// isn't the one of the policy's certificate as it stands now, when that can't be used any more, or
-// when the system refuses; the job is then left as it is, and a run refuses it. Any thread.
+// Carries out what SetPublicKeyResult and SetPublicKeyW asked of `job`: encrypts its password for
+// the policy's certificate, writes the message into the comment and marks recovery as done. Also
+// returns true when recovery wasn't asked for, and when the zip isn't encrypted. Returns false when
+// the job's key isn't that of the policy's present certificate, when that certificate can't be
+// used, or when the system refuses; the job stays as it is, and the run refuses it. Any thread.
 bool AddRecovery(ZipJob& job);
 
 } // namespace obarchive

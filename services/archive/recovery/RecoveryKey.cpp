@@ -15,14 +15,14 @@ constexpr char kKeyPrefix[] = "sha256:";
 constexpr DWORD kLeastKeyBits = 2048;
 constexpr std::size_t kDigestSize = 32;
 
-// As the product asks for it: once the 64-bit view has policies, it has the last word, also by
-// having no certificate.
+// In the same order as the product: where the 64-bit view has the key of the policies, only that
+// view counts, also when it has no certificate.
 std::wstring CertificateText() {
     const bool in64 = HasPolicies(PolicyView::Bits64);
     return PolicyTextIn(in64 ? PolicyView::Bits64 : PolicyView::Bits32, kCertificateValue);
 }
 
-// PEM with its two lines, or the Base64 alone; line breaks and blanks may stand anywhere.
+// PEM with its two lines, or the Base64 alone; line breaks and blanks may be anywhere in it.
 std::vector<BYTE> Decoded(const std::wstring& text) {
     for (const DWORD form : {CRYPT_STRING_BASE64HEADER, CRYPT_STRING_BASE64}) {
         const auto length = static_cast<DWORD>(text.size());
@@ -39,10 +39,20 @@ std::vector<BYTE> Decoded(const std::wstring& text) {
     return {};
 }
 
+// Its issuer may have restricted the key, to signatures for example; the holder's tool may then
+// refuse to open a message. Without the extension the key may be used for everything.
+bool MayEncipherKeys(CERT_INFO& info) {
+    if (!CertFindExtension(szOID_KEY_USAGE, info.cExtension, info.rgExtension)) return true;
+    BYTE usage = 0;
+    return CertGetIntendedKeyUsage(X509_ASN_ENCODING, &info, &usage, sizeof usage) &&
+           (usage & CERT_KEY_ENCIPHERMENT_KEY_USAGE);
+}
+
 bool HasSuitableKey(PCCERT_CONTEXT certificate) {
     CERT_PUBLIC_KEY_INFO& key = certificate->pCertInfo->SubjectPublicKeyInfo;
     const bool rsa = std::strcmp(key.Algorithm.pszObjId, szOID_RSA_RSA) == 0;
-    return rsa && CertGetPublicKeyLength(X509_ASN_ENCODING, &key) >= kLeastKeyBits;
+    return rsa && MayEncipherKeys(*certificate->pCertInfo) &&
+           CertGetPublicKeyLength(X509_ASN_ENCODING, &key) >= kLeastKeyBits;
 }
 
 } // namespace

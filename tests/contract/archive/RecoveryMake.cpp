@@ -1,6 +1,6 @@
 // Makes the zips whose passwords check_recovery.py recovers: "in.txt" beside the program into
-// "out\<name>" for each row, with the key that the service gives. The password comes from the
-// environment, as text. Ends with 0 when every zip stands and what must be refused was.
+// "out\<name>" for each row, with the key that the service returns. The password comes from the
+// environment, as text. Returns 0 when every zip exists and the run with a wrong key was refused.
 #include <windows.h>
 
 #include <cstdio>

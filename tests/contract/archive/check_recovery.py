@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Plays the administrator who recovers a password with other people's tools.
+"""Recovers passwords as an administrator does, with other people's tools.
 
 Makes a certificate, sets it as the policy of a machine, has the archive service write encrypted zips
 under Wine, opens the message in each zip's comment with openssl by the command that docs/recovery.md
@@ -16,11 +16,18 @@ CONTENT = b"Only for those who were meant to read it.\n" * 50
 KEY = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavi Ren Computing\\Ombrix\\Policies"
 ZIPS = ["aes128.zip", "aes256.zip", "aes256.zipx"]
 ENV = dict(os.environ, LC_ALL="C.UTF-8")
-# (name, options for openssl's new key, whole PEM text or the Base64 alone)
+# (name, options for openssl's new key, further options, whole PEM text or the Base64 alone)
 CERTIFICATES = [
-    ("pem", ["rsa:2048"], True),
-    ("base64", ["rsa:4096"], False),
+    ("pem", ["rsa:2048"], [], True),
+    ("base64", ["rsa:4096"], [], False),
+    # Its serial number begins with a byte whose top bit is set, after a zero byte in the certificate.
+    ("top-bit", ["rsa:2048"], ["-set_serial", "0xF123456789ABCDEF", "-addext", "keyUsage=critical,keyEncipherment"], True),
+    ("negative", ["rsa:2048"], ["-set_serial", "-0x123456789ABCDEF0"], True),
 ]
+# The key may only sign: recovery is refused.
+SIGNING = ("signing", ["rsa:2048"], ["-addext", "keyUsage=critical,digitalSignature"], True)
+UNSUITABLE = "key: result 4,"
+NO_KEY = 101  # what the maker returns then
 
 failures = []
 
@@ -35,10 +42,10 @@ def run(*command, **options):
     return subprocess.run(command, env=ENV, capture_output=True, check=False, **options)
 
 
-def make_certificate(work, name, algorithm):
+def make_certificate(work, name, algorithm, further=()):
     key, certificate = f"{work}/{name}-key.pem", f"{work}/{name}.pem"
     done = run("openssl", "req", "-x509", "-newkey", *algorithm, "-nodes", "-days", "30", "-subj",
-               "/O=Example/CN=Password recovery", "-keyout", key, "-out", certificate)
+               "/O=Example/CN=Password recovery", "-keyout", key, "-out", certificate, *further)
     if done.returncode != 0:
         sys.exit(f"openssl makes no certificate: {done.stderr.decode(errors='replace')}")
     return key, certificate
@@ -55,7 +62,7 @@ def write_policy(path, certificate, whole):
         file.write(f'Windows Registry Editor Version 5.00\n\n[{KEY}]\n"EntX509Certificate"=hex(1):{data}\n')
 
 
-def make_zips(options, work, name, certificate, whole):
+def run_maker(options, work, name, certificate, whole):
     policy, source, kept = f"{work}/{name}.reg", f"{work}/in.txt", f"{work}/{name}-kept"
     write_policy(policy, certificate, whole)
     with open(source, "wb") as file:
@@ -64,9 +71,13 @@ def make_zips(options, work, name, certificate, whole):
                "--env", f"OB_PASSWORD={PASSWORD}", "--keep", kept, "--", options.maker)
     sys.stdout.write(done.stdout.decode(errors="replace"))
     sys.stderr.write(done.stderr.decode(errors="replace"))
-    check(done.returncode == 0, f"{name}: the zips stand, and the one with a wrong key was refused")
-    out = os.path.join(kept, "out")
-    check(os.path.isdir(out) and sorted(os.listdir(out)) == sorted(ZIPS), f"{name}: nothing but the zips is there")
+    return done, os.path.join(kept, "out")
+
+
+def make_zips(options, work, name, certificate, whole):
+    done, out = run_maker(options, work, name, certificate, whole)
+    check(done.returncode == 0, f"{name}: the zips exist, and the one with a wrong key was refused")
+    check(os.path.isdir(out) and sorted(os.listdir(out)) == sorted(ZIPS), f"{name}: there are no files but the zips")
     return out
 
 
@@ -75,6 +86,15 @@ def recover(archive, key, certificate):
     comment = run("unzip", "-z", archive)
     return run("openssl", "cms", "-decrypt", "-inform", "PEM", "-recip", certificate, "-inkey", key,
                input=comment.stdout)
+
+
+def check_refused(options, work):
+    name, algorithm, further, whole = SIGNING
+    _, certificate = make_certificate(work, name, algorithm, further)
+    done, out = run_maker(options, work, name, certificate, whole)
+    check(done.returncode == NO_KEY and UNSUITABLE in done.stdout.decode(errors="replace"),
+          f"{name}: a certificate whose key may not encipher keys is refused")
+    check(not os.path.exists(out), f"{name}: no zip is there")
 
 
 def check_zip(archive, key, certificate, work, other):
@@ -88,10 +108,10 @@ def check_zip(archive, key, certificate, work, other):
     printed = run("openssl", "cms", "-cmsout", "-print", "-noout", "-inform", "PEM", input=comment).stdout
     check(b"aes-256-cbc" in printed and b"rsaEncryption" in printed, f"{name}: AES-256 under RSA")
     with open(archive, "rb") as file:
-        check(PASSWORD.encode() not in file.read(), f"{name}: the password does not stand in the zip")
+        check(PASSWORD.encode() not in file.read(), f"{name}: the zip does not contain the password")
     target = f"{work}/{name}-unpacked"
     done = run("7z", "x", "-y", f"-p{opened.stdout.decode(errors='replace')}", f"-o{target}", archive)
-    check(done.returncode == 0, f"{name}: 7z unpacks it with what came out")
+    check(done.returncode == 0, f"{name}: 7z unpacks it with the recovered password")
     try:
         with open(f"{target}/in.txt", "rb") as file:
             check(file.read() == CONTENT, f"{name}: the content is whole")
@@ -107,8 +127,9 @@ def main():
     options = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="webvellant-recovery-") as work:
         other = make_certificate(work, "other", ["rsa:2048"])
-        for name, algorithm, whole in CERTIFICATES:
-            key, certificate = make_certificate(work, name, algorithm)
+        check_refused(options, work)
+        for name, algorithm, further, whole in CERTIFICATES:
+            key, certificate = make_certificate(work, name, algorithm, further)
             folder = os.path.join(work, name)
             os.makedirs(folder)
             out = make_zips(options, work, name, certificate, whole)

@@ -1,4 +1,4 @@
-// Certificates that were made for these tests; their private keys are gone. All but two are valid
+// Certificates made for these tests; their private keys were deleted. All but two are valid
 // for a hundred years from 2026.
 #pragma once
 
@@ -24,6 +24,51 @@ inline constexpr wchar_t kRecoveryCertificate[] =
     L"jX1qGpEYMcekHd/z+ctm9cpYR+fwRilBjONzljKzUQte64ymv63HyvUTgIHeG17O\n"
     L"6M6EP+YNKEg3QHF8aEKnWRpfgNlvftJ8AKGczjVYRxenEVtZRGWnhjPegDDnto0d\n"
     L"yMEtxpEslSuIkiCjhw9k6V2Y1URRgtAIPWiB7L3y1LFT\n"
+    L"-----END CERTIFICATE-----\n";
+
+// RSA of 2048 bits. The serial number has the top bit of its first byte set; the key usage is key
+// encipherment.
+inline constexpr wchar_t kTopBitCertificate[] =
+    L"-----BEGIN CERTIFICATE-----\n"
+    L"MIIDDDCCAfSgAwIBAgIJAJqxwtPk9QYXMA0GCSqGSIb3DQEBCwUAMBIxEDAOBgNV\n"
+    L"BAMMB1RvcCBiaXQwIBcNMjYxMTIyMDQxODEwWhgPMjEyNjEwMjkwNDE4MTBaMBIx\n"
+    L"EDAOBgNVBAMMB1RvcCBiaXQwggEiMA0GCSqGSIb3DQEBAQUAA4IBDwAwggEKAoIB\n"
+    L"AQDPAtSoenmCJdrUEB6KT4gNVT2Sy9AEaNzRWAjb9mPeU2jHlx0FVfrGkU9dEgGs\n"
+    L"FTLV+bU6u4V8793jee+XQPRueoztzrHzD7+De4EoxcZzhhZ2ATUibl1P+L2uxKyt\n"
+    L"u/qbfVu0AbC1G8e4jGtvDqnPJ3Pjgv5HnuPtG5TxKLyEpgvlWOWFT/OhvRBWgXMA\n"
+    L"dC9KLbv/UloJk2GHz0Dy/C/b+NDgkgm5p2XYdwndET8Nh5hp5iUnl2JE4+qlzncG\n"
+    L"HrzwGkygkGx/I/foCEVORB4OyFExQu8t9yijCAbgXg3nbFUsqbOisNFL7+WCC8Fr\n"
+    L"3vEiLFbxb4a4TYn22EYXJP4/AgMBAAGjYzBhMB0GA1UdDgQWBBSJAHFYFbQ36AXo\n"
+    L"i64kr57gVnfr6TAfBgNVHSMEGDAWgBSJAHFYFbQ36AXoi64kr57gVnfr6TAPBgNV\n"
+    L"HRMBAf8EBTADAQH/MA4GA1UdDwEB/wQEAwIFIDANBgkqhkiG9w0BAQsFAAOCAQEA\n"
+    L"vfOyavh1GTinO2Im/gMNePdPPtJzDw3LnOhIlB9tUVeRPFqqYsxclfU7y5ps8fYs\n"
+    L"IN0cBKnOy+LUu2TBtHMH2DQhe4s7ouXa33QwCkPln20+WRnBrtkd9+lMTKBsywdM\n"
+    L"fcF07g/k4OrsCG3ve3X0P7HUMX1ab+Ci3d2sUUG3y4esRSUq/91/XY+RaSGg4s9a\n"
+    L"OpbgyGzxIz2j+KDLfSItnQ1Nyt+uPDXjtZfvU5WxPt5FPA9cRgoZllCar8w5/Ofr\n"
+    L"ZZNkqQtJrMSFoUBPGYdDXoDpZsnOilIumRsFy0mzike5JVLdMzIvFpICh5VAPuO1\n"
+    L"djTDZDWCqCLNzc+kfKA16A==\n"
+    L"-----END CERTIFICATE-----\n";
+
+// RSA of 2048 bits. The key usage is digital signatures only.
+inline constexpr wchar_t kSigningCertificate[] =
+    L"-----BEGIN CERTIFICATE-----\n"
+    L"MIIDHTCCAgWgAwIBAgIUEYGnuFxFATcXoORE7uTVnzBazkcwDQYJKoZIhvcNAQEL\n"
+    L"BQAwFTETMBEGA1UEAwwKU2lnbnMgb25seTAgFw0yNjExMjIwNDE4MTRaGA8yMTI2\n"
+    L"MTAyOTA0MTgxNFowFTETMBEGA1UEAwwKU2lnbnMgb25seTCCASIwDQYJKoZIhvcN\n"
+    L"AQEBBQADggEPADCCAQoCggEBANKHfPk1P3+wNgrYvu80GFCAenMkRQtElXjaOSQw\n"
+    L"ALV/CVL/vlANQLLj1ps4SiGD1MGY0MJkkwO2MvyxaTi5p9QKsbvsPgqZJcdLy2Pd\n"
+    L"AXHBYoCjmsxBem/ZCTFRQtbuGYTVGHZPCaQUv4Y/jRCcq++e+hI+FAeW/vbqt844\n"
+    L"550Gj97HiuXXBtPxL7H86wg8VukmWpMLJheshX2eTE1AO77LqZ5QuSXK5EbLemBc\n"
+    L"Y+3CyIt8ZVbZugafPvnJZM/cneQEnDwtxR6BVBjXB8thIyh02K4ICrW76p64taQF\n"
+    L"lMVw89fQYXISVdv8iULtkFGBSEJXwWk1zz5yv5/hOroou50CAwEAAaNjMGEwHQYD\n"
+    L"VR0OBBYEFCwrxQiapj9Hc8m0kfD7r2vhOnuxMB8GA1UdIwQYMBaAFCwrxQiapj9H\n"
+    L"c8m0kfD7r2vhOnuxMA8GA1UdEwEB/wQFMAMBAf8wDgYDVR0PAQH/BAQDAgeAMA0G\n"
+    L"CSqGSIb3DQEBCwUAA4IBAQBNQJe4juWSFrzhIJm6XacGVGY3V6In0UROxHT5Dnar\n"
+    L"ZfsgAzdATyptsqjl3vQescGx1HLMkjhSh84nt+F+ZPHDlnpIbA1QikB6tfEsdKss\n"
+    L"0D7PuPnrm4kXCE4TIDTsddrgpZqNgIZXEMYxxnUBEPIV9WP7OTAI/p36QvFNgNIs\n"
+    L"hoAHhnFE7pOVSM5A3HqOYkeCRcaAWw24yhyATEGlolItqp8ZYLJH9RPaVuimKH73\n"
+    L"VtSq1VXsQkN3RYshO7LYk2Cv1xkGe85CKUjj47sptRt1H6Dvbl+lZJaHIkw4uw6G\n"
+    L"0zTaq76vxli4rNvdEQqpkPW9W+r6keBybODukAmZHriw\n"
     L"-----END CERTIFICATE-----\n";
 
 // RSA of 1024 bits.
@@ -93,7 +138,7 @@ inline constexpr wchar_t kFutureCertificate[] =
     L"W95y+3WJ/dLepQszkfjsU5jghYf4SoHtYx/CQE9waAtC9MRu6LvWyaJBc/GS9A==\n"
     L"-----END CERTIFICATE-----\n";
 
-// What the service calls the first.
+// The key text of the first one.
 inline constexpr char kRecoveryKeyText[] =
     "sha256:296b21b2982a3c0b419d71efde301f87824c677596be3b14aaffb0e184bf98f8";
 

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <span>
 #include <string>
 
 #include "services/archive/recovery/CmsEnvelope.h"
+#include "services/archive/recovery/DerReader.h"
 #include "services/archive/recovery/RecoveryComment.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/archive/recovery/RecoveryCertificates.h"
@@ -32,7 +35,7 @@ protected:
         return result;
     }
 
-    // One that asks for recovery by the test's certificate, which is set.
+    // Sets the test's certificate; the job asks for recovery by it.
     static ZipJob AskingJob() {
         SetMachinePolicy(kValue, kRecoveryCertificate);
         ZipJob job;
@@ -44,7 +47,7 @@ protected:
     }
 };
 
-// Without its first and last line, as one line.
+// The Base64 between the first and the last line, as one line.
 std::wstring Bare(const std::wstring& pem) {
     std::wstring text;
     const std::size_t start = pem.find(L'\n');
@@ -73,9 +76,44 @@ TEST_F(RecoveryKeyTest, EachReasonWhyOneCannotBeUsedHasItsCode) {
     EXPECT_EQ(Read(kFutureCertificate), RecoveryKeyResult::OutOfDate);
     EXPECT_EQ(Read(kCurveCertificate), RecoveryKeyResult::Unsuitable);
     EXPECT_EQ(Read(kWeakCertificate), RecoveryKeyResult::Unsuitable);
+    EXPECT_EQ(Read(kSigningCertificate), RecoveryKeyResult::Unsuitable);
 }
 
-TEST_F(RecoveryKeyTest, The64BitViewHasTheLastWordOnceItHasPolicies) {
+TEST_F(RecoveryKeyTest, TheMessageHasTheCertificatesSerialNumberAlsoWithItsTopBitSet) {
+    SetMachinePolicy(kValue, kTopBitCertificate);
+    UniqueCertificate certificate;
+    ASSERT_EQ(LoadRecoveryCertificate(certificate), RecoveryKeyResult::Usable);
+    const auto message = SealForCertificate(certificate.Get(), "secret");
+    ASSERT_TRUE(message);
+    // A positive number: without the zero it would be a negative one.
+    const DerBytes serial{2, 9, 0, 0x9A, 0xB1, 0xC2, 0xD3, 0xE4, 0xF5, 0x06, 0x17};
+    EXPECT_NE(std::search(message->begin(), message->end(), serial.begin(), serial.end()),
+              message->end());
+}
+
+TEST_F(RecoveryKeyTest, ASerialNumberIsReadOnlyFromWholeCertificates) {
+    const DerBytes version = Der(DerTag::Explicit0, {Der(DerTag::Integer, DerBytes{2})});
+    const DerBytes serial = Der(DerTag::Integer, DerBytes{0x80});
+    const auto certificate = [](std::initializer_list<DerBytes> members) {
+        return Der(DerTag::Sequence, {Der(DerTag::Sequence, members)});
+    };
+    for (const DerBytes& whole : {certificate({version, serial}), certificate({serial})}) {
+        const auto read = SerialNumberOf(whole);
+        ASSERT_TRUE(read);
+        EXPECT_EQ(DerBytes(read->whole.begin(), read->whole.end()), serial);
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            EXPECT_FALSE(SerialNumberOf(std::span(whole).first(size))) << size;
+        }
+    }
+    EXPECT_FALSE(SerialNumberOf(certificate({version})));
+    EXPECT_FALSE(SerialNumberOf(certificate({version, version})));
+    EXPECT_FALSE(SerialNumberOf(serial));
+    EXPECT_FALSE(FirstDerValue(DerBytes{0x1F, 1, 0}));          // a tag of two bytes
+    EXPECT_FALSE(FirstDerValue(DerBytes{4, 0x80, 0, 0}));       // an indefinite length
+    EXPECT_FALSE(FirstDerValue(DerBytes{4, 0x85, 0, 0, 0, 0})); // a length beyond 32 bits
+}
+
+TEST_F(RecoveryKeyTest, Only64BitPoliciesCountWhereTheyExist) {
     SetMachinePolicy(kValue, kRecoveryCertificate, 32);
     EXPECT_TRUE(IsRecoverySetUp());
     char buffer[1024];
@@ -86,7 +124,7 @@ TEST_F(RecoveryKeyTest, The64BitViewHasTheLastWordOnceItHasPolicies) {
     EXPECT_FALSE(IsRecoverySetUp());
 }
 
-TEST_F(RecoveryKeyTest, NothingIsWrittenBehindTheBuffer) {
+TEST_F(RecoveryKeyTest, NothingIsWrittenPastTheEndOfTheBuffer) {
     SetMachinePolicy(kValue, kRecoveryCertificate);
     char buffer[80];
     for (const std::uint32_t capacity : {1U, 71U, 72U}) {
@@ -101,7 +139,7 @@ TEST_F(RecoveryKeyTest, NothingIsWrittenBehindTheBuffer) {
     EXPECT_EQ(ReadRecoveryKey(nullptr, 100), RecoveryKeyResult::NoRoom);
 }
 
-TEST_F(RecoveryKeyTest, TheCommentHoldsALineForPeopleAndTheMessage) {
+TEST_F(RecoveryKeyTest, TheCommentContainsALineForReadersAndTheMessage) {
     ZipJob job = AskingJob();
     ASSERT_TRUE(AddRecovery(job));
     EXPECT_FALSE(job.recoveryAsked);
@@ -116,7 +154,7 @@ TEST_F(RecoveryKeyTest, TheCommentHoldsALineForPeopleAndTheMessage) {
     EXPECT_NE(second.comment, job.comment); // another key each time
 }
 
-TEST_F(RecoveryKeyTest, WhatWasNotAskedForIsNotAdded) {
+TEST_F(RecoveryKeyTest, NoCommentIsAddedUnlessRecoveryIsAskedForAndTheZipEncrypted) {
     ZipJob job = AskingJob();
     job.recoveryAsked = false;
     EXPECT_TRUE(AddRecovery(job));
@@ -127,7 +165,7 @@ TEST_F(RecoveryKeyTest, WhatWasNotAskedForIsNotAdded) {
     EXPECT_EQ(plain.comment, "");
 }
 
-TEST_F(RecoveryKeyTest, WhatCannotBeCarriedOutStaysAskedFor) {
+TEST_F(RecoveryKeyTest, ARecoveryThatFailsStaysAskedFor) {
     const auto expectRefused = [](ZipJob job) {
         EXPECT_FALSE(AddRecovery(job));
         EXPECT_TRUE(job.recoveryAsked);
