@@ -10,14 +10,15 @@ enum class ZipResult : std::uint32_t {
     Ok = 0,
 
     // The call was not fit to run; nothing was opened or made.
-    BadContext = 1,       // no such context, or a destroyed one
-    NoFiles = 2,          // AddFileW was never called with a path
-    NoTarget = 3,         // SetZipNameW was never called with a path
-    UnknownMethod = 4,    // a compression or encryption method that this service hasn't got
-    PasswordMissing = 5,  // encryption without a password
-    RecoveryNotThere = 6, // a public key was set, and recovery by it can't be carried out
-    TargetExists = 7,     // a file or folder stands at the target; nothing is ever overwritten
-    PathTooLong = 8,      // a path that the system can't take
+    BadContext = 1,        // no such context, or a destroyed one
+    NoFiles = 2,           // AddFileW was never called with a path
+    NoTarget = 3,          // SetZipNameW was never called with a path
+    UnknownMethod = 4,     // a compression or encryption method that this service hasn't got
+    PasswordMissing = 5,   // encryption without a password
+    RecoveryNotThere = 6,  // a public key was set, and recovery by it can't be carried out
+    TargetExists = 7,      // a file or folder stands at the target; nothing is ever overwritten
+    PathTooLong = 8,       // a path that the system can't take
+    EncryptionMissing = 9, // a password without encryption
 
     // A source could not be stored as it is.
     SourceMissing = 20,    // not there, or gone by the time that it was read

@@ -54,6 +54,7 @@ ZipResult CheckJob(const ZipJob& job) {
     if (job.files.empty()) return ZipResult::NoFiles;
     if (!knownCompression || !FindEncryption(job.encryptionMethod)) return ZipResult::UnknownMethod;
     if (job.encryptionMethod != 0 && job.password.Empty()) return ZipResult::PasswordMissing;
+    if (job.encryptionMethod == 0 && !job.password.Empty()) return ZipResult::EncryptionMissing;
     if (job.recoveryAsked) return ZipResult::RecoveryNotThere;
     return ZipResult::Ok;
 }

@@ -42,12 +42,12 @@ protected:
     obtest::LoadedService service_;
     obtest::TestFolder in_;
     obtest::TestFolder out_;
-    // Each failure is told. Watched only when the module is loaded: a first look at windows during
-    // that can keep the test system's loader waiting for ever.
+    // Answers the box of each failure. Created after the module is loaded: enumerating windows for
+    // the first time during a load can deadlock in the test system's loader.
     obtest::MessageBoxWatcher boxes_;
 };
 
-TEST_F(ArchiveModule, ABadOrDestroyedContextIsACleanFailure) {
+TEST_F(ArchiveModule, ABadOrDestroyedContextFailsCleanly) {
     const ZipContext destroyed = Ready();
     service_->DestroyZipContext(destroyed);
     service_->DestroyZipContext(destroyed);
@@ -66,7 +66,7 @@ TEST_F(ArchiveModule, ABadOrDestroyedContextIsACleanFailure) {
     }
 }
 
-TEST_F(ArchiveModule, NullTextsAreFailuresOfTheRunAndNotOfTheProcess) {
+TEST_F(ArchiveModule, NullTextsAndContradictingCallsAreFailuresOfTheRunAndNotOfTheProcess) {
     ZipContext context = Ready();
     service_->SetZipNameW(context, nullptr);
     ExpectFailure(context, ZipResult::NoTarget);
@@ -77,6 +77,10 @@ TEST_F(ArchiveModule, NullTextsAreFailuresOfTheRunAndNotOfTheProcess) {
     service_->SetEncrypt(context, 8);
     service_->SetPassword(context, nullptr);
     ExpectFailure(context, ZipResult::PasswordMissing);
+    context = Ready();
+    service_->SetPassword(context, "secret");
+    service_->SetEncrypt(context, 0);
+    ExpectFailure(context, ZipResult::EncryptionMissing);
     context = service_->CreateZipContext();
     service_->SetZipNameW(context, (out_ / L"x.zip").c_str());
     ExpectFailure(context, ZipResult::NoFiles);
@@ -85,7 +89,7 @@ TEST_F(ArchiveModule, NullTextsAreFailuresOfTheRunAndNotOfTheProcess) {
     EXPECT_EQ(service_->Zip(nullptr, context), 0U);
 }
 
-TEST_F(ArchiveModule, RecoveryIsNotPromisedWithoutACertificate) {
+TEST_F(ArchiveModule, RecoveryIsRefusedWithoutACertificate) {
     char buffer[1024];
     std::memset(buffer, 0x55, sizeof buffer);
     EXPECT_NE(service_->GetPublicKeyResult(buffer, sizeof buffer), 1U);
@@ -109,7 +113,7 @@ TEST_F(ArchiveModule, ASecondZipOfOneContextOverwritesNothing) {
     EXPECT_EQ(service_->Zip(nullptr, context), static_cast<std::uint32_t>(ZipResult::TargetExists));
 }
 
-TEST_F(ArchiveModule, AnswersOfTheEncryptionRules) {
+TEST_F(ArchiveModule, ReturnsTheEncryptionRules) {
     EXPECT_EQ(service_->AllowedEncryptMethods(), 12);
     EXPECT_EQ(service_->DefaultEncryptionMethod(), 8);
     EXPECT_EQ(service_->GetOmbrixFIPSSetting(), 0U);
@@ -128,27 +132,27 @@ TEST_F(ArchiveModule, BadNamesAreRejected) {
 
 TEST_F(ArchiveModule, ThePromptIsFoundInTheModuleAndKeepsTheMethod) {
     const obtest::PromptDriver driver([](const obtest::PromptOnScreen& prompt) {
-        prompt.Type(OB_PASSWORD_FIRST, L"secret");
+        prompt.Type(OB_PASSWORD_FIRST, L"tW4!mQz9#");
         prompt.Type(OB_PASSWORD_REPEAT, L"other");
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"The two passwords are not the same.");
-        prompt.Type(OB_PASSWORD_REPEAT, L"secret");
+        prompt.Type(OB_PASSWORD_REPEAT, L"tW4!mQz9#");
         prompt.Press(IDOK);
     });
     std::uint32_t method = 4;
     char password[260] = {};
     EXPECT_EQ(service_->PasswordNewDlg_C(nullptr, &method, password, sizeof password), 1U);
-    EXPECT_STREQ(password, "secret");
+    EXPECT_STREQ(password, "tW4!mQz9#");
     EXPECT_EQ(method, 4U);
 }
 
-TEST_F(ArchiveModule, ACancelledPromptIsNotOne) {
+TEST_F(ArchiveModule, ACancelledPromptDoesNotReturn1) {
     const obtest::PromptDriver driver(
         [](const obtest::PromptOnScreen& prompt) { prompt.Press(IDCANCEL); });
     char password[260] = {};
     EXPECT_EQ(service_->PasswordNewDlg_C(nullptr, nullptr, password, sizeof password), 2U);
 }
 
-TEST_F(ArchiveModule, ManyContextsAndRunsLeaveNoHandleBehind) {
+TEST_F(ArchiveModule, ManyContextsAndRunsLeakNoHandle) {
     service_->Zip(nullptr, Ready());
     DeleteFileW((out_ / L"result.zip").c_str());
     DWORD before = 0;

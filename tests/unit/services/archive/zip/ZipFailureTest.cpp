@@ -78,6 +78,12 @@ TEST_F(ZipFailureTest, EncryptionWithoutAPassword) {
     ExpectFailure(ZipResult::PasswordMissing);
 }
 
+TEST_F(ZipFailureTest, APasswordWithoutEncryption) {
+    Encrypt();
+    job_.encryptionMethod = 0;
+    ExpectFailure(ZipResult::EncryptionMissing);
+}
+
 TEST_F(ZipFailureTest, RecoveryThatCannotBeCarriedOutIsNotPromised) {
     Encrypt();
     job_.recoveryAsked = true;

@@ -32,6 +32,7 @@ bool IsResult(ZipResult result) {
     case ZipResult::RecoveryNotThere:
     case ZipResult::TargetExists:
     case ZipResult::PathTooLong:
+    case ZipResult::EncryptionMissing:
     case ZipResult::SourceMissing:
     case ZipResult::SourceLocked:
     case ZipResult::SourceUnreadable:
