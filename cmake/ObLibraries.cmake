@@ -6,6 +6,7 @@
 #   dep::libzip  libzip, static, with what it needs
 #   dep::libdeflate  libdeflate, static, its compressor only
 #   dep::mbedtls  AES and HMAC by SHA-1, static
+#   dep::zxcvbn  how hard a password is to guess, with its word lists, static
 #   dep::pugixml  an XML reader in its wide form, static (tests and measurements only); its source
 #                 lies in ${OB_PREFIX_PUGIXML}/source
 if(NOT EXISTS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
@@ -15,6 +16,9 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_D
 include("${CMAKE_SOURCE_DIR}/build/setup.cmake")
 
 function(ob_imported name prefix)
+    if(NOT IS_DIRECTORY "${prefix}")
+        message(FATAL_ERROR "The library ${name} isn't there. Run tools/setup: it builds what is missing.")
+    endif()
     cmake_parse_arguments(arg "" "" "ARCHIVES;LIBS;DEFINITIONS" ${ARGN})
     add_library(dep::${name} INTERFACE IMPORTED GLOBAL)
     target_include_directories(dep::${name} SYSTEM INTERFACE "${prefix}/include")
@@ -32,4 +36,5 @@ ob_imported(lzma "${OB_PREFIX_LZMA}" ARCHIVES liblzma.a DEFINITIONS LZMA_API_STA
 ob_imported(libzip "${OB_PREFIX_LIBZIP}" ARCHIVES libzip.a LIBS dep::zlib dep::lzma bcrypt advapi32)
 ob_imported(libdeflate "${OB_PREFIX_LIBDEFLATE}" ARCHIVES libdeflate.a)
 ob_imported(mbedtls "${OB_PREFIX_MBEDTLS}" ARCHIVES libmbedcrypto.a)
+ob_imported(zxcvbn "${OB_PREFIX_ZXCVBN}" ARCHIVES libzxcvbn.a)
 ob_imported(pugixml "${OB_PREFIX_PUGIXML}" ARCHIVES libpugixml.a DEFINITIONS PUGIXML_WCHAR_MODE)
