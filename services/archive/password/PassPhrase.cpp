@@ -4,37 +4,40 @@
 
 #include <bcrypt.h>
 
+#include <algorithm>
+
 #include "services/archive/password/PhraseWords.h"
 
 namespace obarchive {
 namespace {
 
 constexpr std::uint32_t kLeastWords = 7; // 70 bits
-constexpr std::uint32_t kDigits = 100;   // both of them at once
-constexpr std::uint32_t kDigitsBits = 6; // rounded down
-constexpr std::size_t kLongestPiece = 10;
+constexpr std::uint32_t kLeastDigits = 2;
+constexpr std::uint32_t kBitsOfTenDigits = 33; // rounded down
+constexpr std::uint32_t kLongestPiece = 9;     // a hyphen and a word
 
-static_assert((kPhraseWordCount & (kPhraseWordCount - 1)) == 0, "or a mask doesn't draw evenly");
+static_assert((kPhraseWordCount & (kPhraseWordCount - 1)) == 0,
+              "a mask draws each word equally often only from a power of two");
+static_assert(kLeastWords * kLongestPiece + kLeastDigits <= kMostPasswordBytes);
 
 bool Draw(std::uint32_t& number) {
     return BCryptGenRandom(nullptr, reinterpret_cast<PUCHAR>(&number), sizeof number,
                            BCRYPT_USE_SYSTEM_PREFERRED_RNG) == 0;
 }
 
-// Writes into a buffer that is never outgrown: what doesn't fit is left out.
+// Appends to the phrase; what the buffer has no room for is left out.
 class Writer {
 public:
     explicit Writer(PhraseText& phrase) : phrase_(phrase) {}
 
-    std::size_t Length() const { return length_; }
-    bool HasRoom() const { return length_ + kLongestPiece < kPhraseCapacity; }
+    std::uint32_t Length() const { return length_; }
     void Put(wchar_t unit) {
         if (length_ + 1 < kPhraseCapacity) phrase_.data[length_++] = unit;
     }
 
 private:
     PhraseText& phrase_;
-    std::size_t length_ = 0;
+    std::uint32_t length_ = 0;
 };
 
 bool PutWord(Writer& writer, bool upper) {
@@ -49,16 +52,35 @@ bool PutWord(Writer& writer, bool upper) {
     return drawn;
 }
 
-bool PutDigits(Writer& writer) {
-    // Numbers above the last whole hundred would make some digits more likely.
-    constexpr std::uint32_t kFair = UINT32_MAX - UINT32_MAX % kDigits;
+bool PutDigit(Writer& writer) {
+    // Numbers above the last whole ten would make some digits more likely.
+    constexpr std::uint32_t kFair = UINT32_MAX - UINT32_MAX % 10;
     std::uint32_t number = 0;
     do {
         if (!Draw(number)) return false;
     } while (number >= kFair);
-    writer.Put(static_cast<wchar_t>(L'0' + number / 10 % 10));
     writer.Put(static_cast<wchar_t>(L'0' + number % 10));
     return true;
+}
+
+// Random bits of the phrase, 0 when the random source failed.
+std::uint32_t PutPhrase(const PasswordPolicy& policy, Writer& writer) {
+    const std::uint32_t least = std::min(policy.minimumLength, kMostPasswordBytes);
+    const std::uint32_t askedDigits = policy.classes & kDigit ? kLeastDigits : 0;
+    std::uint32_t words = 0;
+    const auto wantsWord = [&] {
+        const bool fits = writer.Length() + kLongestPiece + askedDigits <= kMostPasswordBytes;
+        return words < kLeastWords || (fits && writer.Length() + askedDigits < least);
+    };
+    for (; wantsWord(); ++words) {
+        if (!PutWord(writer, (policy.classes & kUpperCase) != 0)) return 0;
+    }
+    const std::uint32_t missing = least > writer.Length() ? least - writer.Length() : 0;
+    const std::uint32_t digits = std::max(askedDigits, missing);
+    for (std::uint32_t count = 0; count < digits; ++count) {
+        if (!PutDigit(writer)) return 0;
+    }
+    return words * kPhraseWordBits + digits * kBitsOfTenDigits / 10;
 }
 
 } // namespace
@@ -66,19 +88,9 @@ bool PutDigits(Writer& writer) {
 std::uint32_t MakePassPhrase(const PasswordPolicy& policy, PhraseText& phrase) {
     SecureZeroMemory(phrase.data, sizeof phrase.data);
     Writer writer(phrase);
-    std::uint32_t words = 0;
-    bool drawn = true;
-    while (drawn && writer.HasRoom() &&
-           (words < kLeastWords || writer.Length() < policy.minimumLength)) {
-        drawn = PutWord(writer, (policy.classes & kUpperCase) != 0);
-        ++words;
-    }
-    const bool digits = (policy.classes & kDigit) != 0;
-    if (drawn && digits) drawn = PutDigits(writer);
-    if (drawn)
-        return words * static_cast<std::uint32_t>(kPhraseWordBits) + (digits ? kDigitsBits : 0);
-    SecureZeroMemory(phrase.data, sizeof phrase.data);
-    return 0;
+    const std::uint32_t bits = PutPhrase(policy, writer);
+    if (bits == 0) SecureZeroMemory(phrase.data, sizeof phrase.data);
+    return bits;
 }
 
 } // namespace obarchive

@@ -1,4 +1,5 @@
-// How hard a password is to guess, roughly, for the bar in the prompt. Nothing is refused by it.
+// How hard a password is to guess: for the bar in the prompt, and for the question before a very
+// weak password is taken.
 #pragma once
 
 #include <string_view>
@@ -8,14 +9,14 @@ namespace obarchive {
 enum class StrengthLevel { None, VeryWeak, Weak, Fair, Good, Strong };
 
 struct Strength {
-    double bits =
-        0; // the power of two of the guesses that somebody needs who knows how people choose
+    // The binary logarithm of the guesses that somebody needs who tries likely passwords first.
+    double bits = 0;
     StrengthLevel level = StrengthLevel::None;
 };
 
-// Runs of one character, of neighbours in the alphabet or on the keyboard, and repeated beginnings
-// count little; words of this service's own list count as one choice of the list; a few passwords
-// that everybody tries first count nothing. Keeps no copy of the text.
+// Common passwords, words, names, dates, sequences, patterns of the keyboard and repeated pieces
+// count for few bits. An empty text has level None. Only the first 128 characters count. Any
+// thread; throws std::bad_alloc. No copy of the text is left in memory.
 Strength StrengthOf(std::wstring_view password);
 
 } // namespace obarchive

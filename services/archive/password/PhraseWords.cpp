@@ -1,12 +1,12 @@
 #include "services/archive/password/PhraseWords.h"
 
-#include <algorithm>
 #include <iterator>
 
 namespace obarchive {
 namespace {
 
-// In the order of the alphabet: looked up by halving. Short, plain, easy to say on the telephone.
+// Short, plain, easy to say on the telephone; in alphabetical order, so that a double is seen at
+// once.
 constexpr std::string_view kWords[] = {
     "acorn",   "actor",   "adobe",   "agent",   "alarm",   "album",   "alert",   "algae",
     "alien",   "alley",   "alloy",   "almond",  "alpha",   "amber",   "ample",   "anchor",
@@ -139,29 +139,8 @@ constexpr std::string_view kWords[] = {
 
 static_assert(std::size(kWords) == kPhraseWordCount);
 
-char Lower(wchar_t unit) {
-    const wchar_t lower = unit >= L'A' && unit <= L'Z' ? unit + 32 : unit;
-    return lower < 0x7F ? static_cast<char>(lower)
-                        : '\x7F'; // stands in no word, after every letter
-}
-
-bool IsBefore(std::string_view word, std::wstring_view text) {
-    return std::lexicographical_compare(
-        word.begin(), word.end(), text.begin(), text.end(), [](auto one, auto two) {
-            return Lower(static_cast<wchar_t>(one)) < Lower(static_cast<wchar_t>(two));
-        });
-}
-
 } // namespace
 
 std::string_view PhraseWord(std::size_t index) { return kWords[index % kPhraseWordCount]; }
-
-bool IsPhraseWord(std::wstring_view text) {
-    const auto* const found =
-        std::lower_bound(std::begin(kWords), std::end(kWords), text, IsBefore);
-    return found != std::end(kWords) &&
-           std::equal(found->begin(), found->end(), text.begin(), text.end(),
-                      [](char one, wchar_t two) { return one == Lower(two); });
-}
 
 } // namespace obarchive

@@ -1,18 +1,16 @@
-// The words that pass phrases are made of.
+// The word list for suggested pass phrases.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace obarchive {
 
 inline constexpr std::size_t kPhraseWordCount = 1024;
-inline constexpr double kPhraseWordBits = 10; // of one word that is drawn by chance
+inline constexpr std::uint32_t kPhraseWordBits = 10; // of one word that is drawn at random
 
 // Lower case letters only; `index` counts from 0 and wraps.
 std::string_view PhraseWord(std::size_t index);
-
-// Upper and lower case are the same here.
-bool IsPhraseWord(std::wstring_view text);
 
 } // namespace obarchive

@@ -15,7 +15,6 @@
 namespace obarchive {
 namespace {
 
-constexpr std::uint32_t kLongestMinimum = 128;
 constexpr wchar_t kMinimumLength[] = L"PasswordMinimumLength";
 
 struct ClassRow {
@@ -31,7 +30,7 @@ constexpr ClassRow kClasses[] = {
 };
 
 std::uint32_t MinimumIn(PolicyView view) {
-    return std::min(PolicyNumberIn(view, kMinimumLength).value_or(0), kLongestMinimum);
+    return std::min(PolicyNumberIn(view, kMinimumLength).value_or(0), kMostPasswordBytes);
 }
 
 std::uint32_t ClassOf(wchar_t unit) {

@@ -20,22 +20,27 @@ constexpr Row kRows[] = {
     {L"password", StrengthLevel::VeryWeak},
     {L"Password123!", StrengthLevel::VeryWeak},
     {L"P@ssw0rd", StrengthLevel::VeryWeak},
+    {L"iloveyou2", StrengthLevel::VeryWeak},
     {L"aaaaaaaaaaaaaaaa", StrengthLevel::VeryWeak},
     {L"abcdefghijklmnop", StrengthLevel::VeryWeak},
     {L"1234567890", StrengthLevel::VeryWeak},
     {L"987654321", StrengthLevel::VeryWeak},
     {L"qwertyuiop", StrengthLevel::VeryWeak},
-    {L"xk4xk4xk4xk4", StrengthLevel::VeryWeak}, // the same again and again
-    {L"river", StrengthLevel::VeryWeak},        // one word of the list
+    {L"xk4xk4xk4xk4", StrengthLevel::VeryWeak}, // the same piece again and again
+    {L"river", StrengthLevel::VeryWeak},        // one word
+    {L"Mary1987", StrengthLevel::VeryWeak},     // a name and a year
+    {L"24.12.1987", StrengthLevel::VeryWeak},   // a date
+    {L"p\u00E4ssw\u00F6rd", StrengthLevel::VeryWeak},
     {L"tmvbhxq", StrengthLevel::Weak},
     {L"tmvbhxqojd", StrengthLevel::Fair},
-    {L"river-apple-stone-cloud", StrengthLevel::Fair},
-    {L"River-Apple-Stone-Cloud", StrengthLevel::Fair},
-    {L"tW4!mQz9#", StrengthLevel::Good},
+    {L"tW4!mQz9#", StrengthLevel::Fair},
+    {L"river-apple-stone-cloud", StrengthLevel::Good},
+    {L"River-Apple-Stone-Cloud", StrengthLevel::Good},
     {L"tW4!mQz9#Lk2", StrengthLevel::Strong},
     {L"river-apple-stone-cloud-piano-tiger-wolf", StrengthLevel::Strong},
     {L"\u043F\u0430\u0448\u043B\u043C\u044B\u0439\u044E\u0444\u0436\u044D\u0431",
      StrengthLevel::Strong},
+    {L"\U0001F511\U0001F511\U0001F511\U0001F511", StrengthLevel::VeryWeak}, // one emoji, four times
 };
 
 TEST(PasswordStrengthTest, EachKindOfPasswordHasItsLevel) {
@@ -46,18 +51,24 @@ TEST(PasswordStrengthTest, EachKindOfPasswordHasItsLevel) {
     }
 }
 
-TEST(PasswordStrengthTest, MoreLettersAreNeverWeaker) {
+TEST(PasswordStrengthTest, ALongerBeginningIsNeverWeaker) {
     const std::wstring text = L"tW4!mQz9#Lk2-river7";
     double before = 0;
     for (std::size_t length = 1; length <= text.size(); ++length) {
         const double bits = StrengthOf(text.substr(0, length)).bits;
-        // From there on a word may stand for its letters.
+        // From there on the letters may be counted as one word.
         if (length < 14) {
             EXPECT_GE(bits, before) << length;
         }
         before = bits;
     }
     EXPECT_GT(before, StrengthOf(L"tW4!").bits);
+}
+
+TEST(PasswordStrengthTest, TheLongestTextThatAFieldTakesIsEstimatedByItsBeginning) {
+    std::wstring text;
+    while (text.size() < 2047) text += L"tW4!mQz9#Lk2-" + std::to_wstring(text.size());
+    EXPECT_EQ(StrengthOf(text).bits, StrengthOf(text.substr(0, 128)).bits);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// The policy, its messages as the product's library beside the program has them, and the prompt
-// under it.
+// The policy, its messages from the product's library beside the program, and the prompt under a
+// policy.
 #include "services/archive/policy/PasswordPolicy.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ protected:
     void TearDown() override { obtest::ClearProductRegistry(); }
 };
 
-TEST_F(PasswordPolicyTest, WithoutAPolicyOneCharacterWillDo) {
+TEST_F(PasswordPolicyTest, WithoutAPolicyOneCharacterIsEnough) {
     const PasswordPolicy policy = ReadPasswordPolicy();
     EXPECT_TRUE(policy.AsksForNothing());
     EXPECT_TRUE(Meets(policy, L"x"));
@@ -65,10 +65,30 @@ TEST_F(PasswordPolicyTest, TheLongerLengthOfBothViewsCounts) {
     EXPECT_EQ(lengthWith(L"0", L"-5"), 1U);
     EXPECT_EQ(lengthWith(L"ten", L"8 "), 1U);
     EXPECT_EQ(lengthWith(L"99999999999", L""), 1U);
-    EXPECT_EQ(lengthWith(L"4000", L""), 128U);
+    EXPECT_EQ(lengthWith(L"99", L""), 99U);
+    EXPECT_EQ(lengthWith(L"100", L""), 99U);
+    EXPECT_EQ(lengthWith(L"4000", L""), 99U);
 }
 
-TEST_F(PasswordPolicyTest, CharactersAreCountedAndToldApart) {
+TEST_F(PasswordPolicyTest, ARegDwordCountsAsItsDecimalText) {
+    obtest::SetMachinePolicyNumber(L"PasswordMinimumLength", 14, 32);
+    obtest::SetMachinePolicyNumber(L"PasswordNeedsDigit", 1);
+    obtest::SetMachinePolicyNumber(L"PasswordNeedsSymbol", 0);
+    obtest::SetMachinePolicyNumber(L"PasswordNeedsUpperCase", 2);
+    EXPECT_EQ(ReadPasswordPolicy().minimumLength, 14U);
+    EXPECT_EQ(ReadPasswordPolicy().classes, kDigit);
+}
+
+TEST_F(PasswordPolicyTest, AValueOfAnotherTypeCountsAsAbsent) {
+    const DWORD one = 1;
+    for (const DWORD type : {REG_BINARY, REG_EXPAND_SZ, REG_MULTI_SZ, REG_QWORD}) {
+        obtest::SetRawValue(HKEY_LOCAL_MACHINE, obtest::kPolicyKey, L"PasswordNeedsDigit", type,
+                            &one, sizeof one);
+        EXPECT_EQ(ReadPasswordPolicy().classes, 0U) << type;
+    }
+}
+
+TEST_F(PasswordPolicyTest, CharactersAreCountedAndClassified) {
     EXPECT_EQ(ClassesOf(L"az"), kLowerCase);
     EXPECT_EQ(ClassesOf(L"AZ"), kUpperCase);
     EXPECT_EQ(ClassesOf(L"09"), kDigit);
@@ -81,7 +101,7 @@ TEST_F(PasswordPolicyTest, CharactersAreCountedAndToldApart) {
     EXPECT_FALSE(Meets({4, kLowerCase}, L"a\U0001F511b"));
 }
 
-// The kinds in the order and the words of the messages.
+// Built from the names of the classes, in the order of the messages.
 std::wstring ExpectedMessage(std::uint32_t classes) {
     const std::wstring symbols = L"symbol character (!, @, #, $, %, ^, &, *, ...)";
     const std::wstring names[] = {L"a lower case character (a-z)", L"an upper case character (A-Z)",
@@ -109,7 +129,7 @@ TEST_F(PasswordPolicyTest, EachOfTheSixteenMessagesIsFoundByItsMaskAndFormatted)
     }
 }
 
-TEST_F(PasswordPolicyTest, FormattingPutsTheNumberInAndMakesDoublesSingle) {
+TEST_F(PasswordPolicyTest, FormattingInsertsTheNumberAndUnescapesPercentAndAmpersand) {
     EXPECT_EQ(Formatted(L"%d%% && & % %s d%", 7), L"7% & & % %s d%");
     EXPECT_EQ(Formatted(L"", 7), L"");
 }
