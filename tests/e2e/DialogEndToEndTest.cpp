@@ -63,12 +63,12 @@ TEST_F(DialogEndToEnd, GivesOneZipOfTwoFiles) {
 
 TEST_F(DialogEndToEnd, EncryptsWithThePasswordThatThePersonTypes) {
     const std::wstring file = files_.File(L"one.txt", "secret");
-    PickerUiDriver driver(PickAndEncrypt({file}, L"Abc123!x"));
+    PickerUiDriver driver(PickAndEncrypt({file}, L"Abc123!xQ7p"));
     ASSERT_EQ(AskShow(), S_OK);
     EXPECT_TRUE(driver.Done());
     std::wstring zip;
     ASSERT_EQ(GetResult(zip), S_OK);
-    const auto entries = ReadZip(zip, "Abc123!x");
+    const auto entries = ReadZip(zip, "Abc123!xQ7p");
     ASSERT_EQ(entries.size(), 1u);
     EXPECT_EQ(entries.at("one.txt").content, "secret");
     EXPECT_NE(entries.at("one.txt").encryption, 0);

@@ -204,12 +204,12 @@ TEST_F(OpenFileNameEndToEnd, OffersOnlyEncryptionWhereTheAdministratorWantsIt) {
         EXPECT_TRUE(picker.IsEnabled(Text(102)));
         EXPECT_TRUE(picker.IsChecked(Text(102)));
         EXPECT_FALSE(picker.IsEnabled(Text(103)));
-        PickAndEncrypt({file}, L"Abc123!x")(picker);
+        PickAndEncrypt({file}, L"Abc123!xQ7p")(picker);
     });
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
-    EXPECT_EQ(ReadZip(answer.given.front(), "Abc123!x").at("one.txt").content, "secret");
+    EXPECT_EQ(ReadZip(answer.given.front(), "Abc123!xQ7p").at("one.txt").content, "secret");
     RemoveOutput(browser_);
 }
 

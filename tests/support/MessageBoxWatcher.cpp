@@ -102,7 +102,10 @@ void MessageBoxWatcher::Answer(HWND box) {
     Parts parts;
     EnumChildWindows(box, SortChild, reinterpret_cast<LPARAM>(&parts));
     if (!parts.text || !parts.button || parts.other) return;
-    SeenBox seen{TextOf(box), TextOf(parts.text), parts.icon, GetWindow(box, GW_OWNER)};
+    GUITHREADINFO thread{sizeof thread};
+    GetGUIThreadInfo(GetWindowThreadProcessId(box, nullptr), &thread);
+    SeenBox seen{TextOf(box), TextOf(parts.text), parts.icon, GetWindow(box, GW_OWNER),
+                 GetDlgCtrlID(thread.hwndFocus)};
     {
         const std::lock_guard guard(lock_);
         seen_.push_back(std::move(seen));

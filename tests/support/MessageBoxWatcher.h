@@ -16,6 +16,7 @@ struct SeenBox {
     std::wstring text;
     bool hasIcon = false; // any icon; a plain box has none
     HWND owner = nullptr;
+    int defaultButton = 0; // has the focus from the start, so Enter presses it
 };
 
 // Watches for the length of a scope. Only windows that hold a text and a button and no edit field

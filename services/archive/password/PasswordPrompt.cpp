@@ -29,15 +29,16 @@ struct Prompt {
     char* password;
     std::uint32_t capacity;
     PromptState state;
-    WPARAM mask = 0;      // the character that stands for each hidden one
-    bool filling = false; // the fields change by this code
+    WPARAM mask = 0;      // the character shown in place of each hidden one
+    bool filling = false; // this code changes the fields, not the user
 };
 
 Prompt* PromptOf(HWND dialog) {
     return reinterpret_cast<Prompt*>(GetWindowLongPtrW(dialog, DWLP_USER));
 }
 
-// Writes only what changes: a label that is set again blinks, and screen readers read it again.
+// Sets only a text that differs: setting the same one makes the label flicker and screen readers
+// repeat it.
 void SetText(HWND dialog, int id, const std::wstring& text) {
     wchar_t before[512] = L"";
     GetDlgItemTextW(dialog, id, before, 512);
@@ -56,8 +57,12 @@ void ShowStrength(HWND dialog, std::wstring_view password) {
     SetText(dialog, OB_PASSWORD_STRENGTH_LABEL, OwnText(text));
 }
 
-// OK wants two equal texts. A repetition that is right so far is not reproached.
-void ShowWhatStands(HWND dialog, Prompt& prompt) {
+bool HasCharacterBeyondAscii(std::wstring_view text) {
+    return std::any_of(text.begin(), text.end(), [](wchar_t unit) { return unit >= 0x80; });
+}
+
+// OK needs two equal texts. A repetition that is right so far gets no message.
+void ShowState(HWND dialog, Prompt& prompt) {
     FieldText first;
     FieldText repeated;
     ReadSecretField(GetDlgItem(dialog, OB_PASSWORD_FIRST), first);
@@ -66,19 +71,20 @@ void ShowWhatStands(HWND dialog, Prompt& prompt) {
     prompt.state.differ = std::wcsncmp(first.data, repeated.data, std::wcslen(repeated.data)) != 0;
     prompt.state.meetsPolicy =
         prompt.state.policy.AsksForNothing() || Meets(prompt.state.policy, first.data);
+    prompt.state.beyondAscii = HasCharacterBeyondAscii(first.data);
     EnableWindow(GetDlgItem(dialog, IDOK), equal && first.data[0]);
     EnableWindow(GetDlgItem(dialog, OB_PASSWORD_COPY), prompt.state.phraseBits != 0);
     ShowStrength(dialog, first.data);
     ShowHint(dialog, prompt);
 }
 
-// What was said about an earlier text doesn't hold for this one.
+// Messages about the text before don't apply to the new one.
 void OnTextChanged(HWND dialog, Prompt& prompt) {
     if (prompt.filling) return;
     prompt.state.problem = 0;
     prompt.state.phraseBits = 0;
     prompt.state.copied = false;
-    ShowWhatStands(dialog, prompt);
+    ShowState(dialog, prompt);
 }
 
 void GoToFirstField(HWND dialog) {
@@ -98,7 +104,7 @@ std::wstring TextOrOwn(UINT product, UINT own) {
     return text.empty() ? OwnText(own) : text;
 }
 
-void TellPolicy(HWND dialog, const PasswordPolicy& policy) {
+void ShowPolicyBox(HWND dialog, const PasswordPolicy& policy) {
     const std::wstring text =
         PolicyMessage(policy) + L"\n\n" + TextOrOwn(kModifyPasswordRequest, OB_TEXT_POLICY_REQUEST);
     const std::wstring caption = TextOrOwn(kPolicyErrorCaption, OB_TEXT_POLICY_CAPTION);
@@ -106,20 +112,41 @@ void TellPolicy(HWND dialog, const PasswordPolicy& policy) {
     GoToFirstField(dialog);
 }
 
+// The size as UTF-8 with its NUL; 0 when the text can't be converted.
+std::uint32_t Utf8Size(const FieldText& text) {
+    const int size = WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, text.data, -1, nullptr, 0,
+                                         nullptr, nullptr);
+    return static_cast<std::uint32_t>(std::max(size, 0));
+}
+
+// The id of the text that says why a password of this size isn't taken, 0 for one that is.
+UINT RefusalOf(std::uint32_t size, std::uint32_t capacity) {
+    if (size == 0) return OB_TEXT_PASSWORD_UNWRITABLE;
+    if (size > kMostPasswordBytes + 1) return OB_TEXT_PASSWORD_OVER_99_BYTES;
+    return size > capacity ? OB_TEXT_PASSWORD_TOO_LONG : 0;
+}
+
+// Asks about a very weak password; true for every other one at once.
+bool IsWantedAllTheSame(HWND dialog, const FieldText& text) {
+    if (StrengthOf(text.data).level != StrengthLevel::VeryWeak) return true;
+    const std::wstring question = OwnText(OB_TEXT_VERY_WEAK_QUESTION);
+    return MessageBoxW(dialog, question.c_str(), kProductCaption,
+                       MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
+}
+
 void OnOk(HWND dialog, Prompt& prompt) {
     // The Enter key gets here also while the button is disabled.
     if (!IsWindowEnabled(GetDlgItem(dialog, IDOK))) return;
     FieldText text;
     ReadSecretField(GetDlgItem(dialog, OB_PASSWORD_FIRST), text);
-    if (!Meets(prompt.state.policy, text.data)) return TellPolicy(dialog, prompt.state.policy);
-    const int bytes = WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, text.data, -1, nullptr, 0,
-                                          nullptr, nullptr);
-    if (bytes <= 0) return Refuse(dialog, prompt, OB_TEXT_PASSWORD_UNWRITABLE);
-    if (static_cast<std::uint32_t>(bytes) > prompt.capacity) {
-        return Refuse(dialog, prompt, OB_TEXT_PASSWORD_TOO_LONG);
+    if (!Meets(prompt.state.policy, text.data)) return ShowPolicyBox(dialog, prompt.state.policy);
+    const std::uint32_t size = Utf8Size(text);
+    if (const UINT refusal = RefusalOf(size, prompt.capacity)) {
+        return Refuse(dialog, prompt, refusal);
     }
-    WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, text.data, -1, prompt.password, bytes,
-                        nullptr, nullptr);
+    if (!IsWantedAllTheSame(dialog, text)) return GoToFirstField(dialog);
+    WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, text.data, -1, prompt.password,
+                        static_cast<int>(size), nullptr, nullptr);
     EndDialog(dialog, static_cast<INT_PTR>(PromptResult::Given));
 }
 
@@ -131,19 +158,19 @@ void ShowPassword(HWND dialog, const Prompt& prompt, bool shown) {
     }
 }
 
-// Shown at once, as nobody can use what he has never seen.
+// Shows the phrase, as the user must be able to write it down.
 void OnSuggest(HWND dialog, Prompt& prompt) {
     PhraseText phrase;
     prompt.state.phraseBits = MakePassPhrase(prompt.state.policy, phrase);
     prompt.state.copied = false;
     if (prompt.state.phraseBits == 0) return Refuse(dialog, prompt, OB_TEXT_NO_PHRASE);
     prompt.state.problem = 0;
-    // First shown, then filled: a field measures its text while it takes it.
+    // The mask goes first: a field measures its text at the moment when the text is set.
     ShowPassword(dialog, prompt, true);
     prompt.filling = true;
     for (const int field : kFields) FillSecretField(GetDlgItem(dialog, field), phrase.data);
     prompt.filling = false;
-    ShowWhatStands(dialog, prompt);
+    ShowState(dialog, prompt);
 }
 
 void OnCopy(HWND dialog, Prompt& prompt) {
@@ -154,7 +181,7 @@ void OnCopy(HWND dialog, Prompt& prompt) {
     ShowHint(dialog, prompt);
 }
 
-// The key is asked rather than listened to: it may be pressed while another window has the focus.
+// Polled by a timer: no message comes when the key is pressed while another window has the focus.
 void CheckCapsLock(HWND dialog, Prompt& prompt) {
     const bool on = (GetKeyState(VK_CAPITAL) & 1) != 0;
     if (on == prompt.state.capsLock) return;
@@ -172,7 +199,7 @@ void OnInit(HWND dialog, LPARAM parameter) {
     if (IsRecoverySetUp()) SetText(dialog, OB_PASSWORD_INTRO, OwnText(OB_TEXT_INTRO_RECOVERY));
     SetTimer(dialog, kCapsLockTimer, kCapsLockInterval, nullptr);
     CheckCapsLock(dialog, prompt);
-    ShowWhatStands(dialog, prompt);
+    ShowState(dialog, prompt);
 }
 
 void OnClick(HWND dialog, Prompt& prompt, int id) {
@@ -198,7 +225,7 @@ void OnCommand(HWND dialog, Prompt& prompt, int id, int notification) {
 }
 
 void OnDestroy(HWND dialog) {
-    // No more notifications: wiping changes the texts.
+    // Wiping changes the texts, which is no longer the user's doing: no notification is handled.
     SetWindowLongPtrW(dialog, DWLP_USER, 0);
     KillTimer(dialog, kCapsLockTimer);
     for (const int field : kFields) WipeSecretField(GetDlgItem(dialog, field));
@@ -228,7 +255,7 @@ INT_PTR CALLBACK PromptProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
     try {
         return Handle(dialog, message, wParam, lParam);
     } catch (...) {
-        // Out of memory: the prompt can't be relied on any more.
+        // Out of memory: the prompt can't go on.
         EndDialog(dialog, static_cast<INT_PTR>(PromptResult::NotShown));
         return TRUE;
     }
@@ -243,11 +270,13 @@ PromptResult AskNewPassword(HWND owner, char* password, std::uint32_t capacity) 
     InitCommonControlsEx(&classes);
     Prompt prompt{password, capacity, {}};
     prompt.state.policy = ReadPasswordPolicy();
-    // An owner that has gone meanwhile would keep the dialog from being made.
+    // With an owner that no longer exists, the dialog would fail to open.
     const HWND parent = IsWindow(owner) ? owner : nullptr;
     const INT_PTR result = DialogBoxParamW(ThisModule(), MAKEINTRESOURCEW(OB_PASSWORD_PROMPT),
                                            parent, &PromptProc, reinterpret_cast<LPARAM>(&prompt));
     if (result == static_cast<INT_PTR>(PromptResult::Given)) return PromptResult::Given;
+    // The copied password protects nothing.
+    ForgetCopiedSecret();
     return result == static_cast<INT_PTR>(PromptResult::Cancelled) ? PromptResult::Cancelled
                                                                    : PromptResult::NotShown;
 }

@@ -14,9 +14,11 @@ enum class PromptResult : std::uint32_t {
 };
 
 // Asks for a password and its repetition, modal to `owner` (null, or a window of any process), on
-// the calling thread, which pumps messages meanwhile. On Given, `password` holds the text as UTF-8
-// with its NUL, never more than `capacity` bytes: a longer one is refused with a sentence, and the
-// prompt stays. On every other result `password` is empty. What the prompt itself held is wiped.
+// the calling thread, which dispatches messages meanwhile. On Given, `password` contains the text
+// as UTF-8 with its NUL: at most `capacity` bytes, and at most kMostPasswordBytes before the NUL.
+// The prompt refuses a longer one with a sentence and stays open, and asks before it takes a very
+// weak one. On every other result `password` is empty, and a password that was copied is taken off
+// the clipboard. The prompt wipes its own memory.
 PromptResult AskNewPassword(HWND owner, char* password, std::uint32_t capacity);
 
 } // namespace obarchive

@@ -12,13 +12,14 @@ void AddLine(std::wstring& hint, const std::wstring& line) {
     hint += line;
 }
 
-// What can be said calmly, once nothing is wrong.
+// Shown while nothing is wrong.
 std::wstring Advice(const PromptState& state) {
     if (state.copied) return OwnText(OB_TEXT_COPIED);
     if (state.phraseBits != 0) {
         return FormatMessageText(OB_TEXT_PHRASE, {std::to_wstring(state.phraseBits)});
     }
-    return state.meetsPolicy ? std::wstring() : PolicyHint(state.policy);
+    if (!state.meetsPolicy) return PolicyHint(state.policy);
+    return state.beyondAscii ? OwnText(OB_TEXT_BEYOND_ASCII) : std::wstring();
 }
 
 } // namespace

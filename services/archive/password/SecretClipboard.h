@@ -1,13 +1,25 @@
-// A password on the clipboard, because somebody asked for it there.
+// A password on the clipboard, where the user asked for it. All calls come from the prompt's
+// thread.
 #pragma once
 
 #include <windows.h>
 
 namespace obarchive {
 
-// Puts the text on the clipboard in the name of `window`, marked so that the system neither keeps
-// it in the clipboard's history nor takes it to other devices. It stays there until something else
-// is copied. False when another program holds the clipboard.
+inline constexpr UINT kCopiedSecretLifetime = 60'000; // milliseconds
+
+// Puts the text on the clipboard with `window` as its owner. Before the text come marks by which
+// the system keeps it out of the clipboard's history, off other devices and away from clipboard
+// monitors. False when another program has the clipboard open or a mark can't be set; the text
+// isn't there then.
+//
+// After kCopiedSecretLifetime the calling thread takes the text off the clipboard again, unless
+// something else has been copied since. That needs the thread to dispatch messages; the prompt may
+// be closed by then. When the process ends earlier, the text stays.
 bool CopySecret(HWND window, const wchar_t* text);
+
+// Takes the text off the clipboard at once, unless something else has been copied since. Tries
+// again every second while another program has the clipboard open.
+void ForgetCopiedSecret();
 
 } // namespace obarchive

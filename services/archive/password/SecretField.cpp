@@ -10,8 +10,8 @@ void ReplaceAll(HWND field, const wchar_t* text, bool keepForUndo) {
     SendMessageW(field, EM_REPLACESEL, keepForUndo, reinterpret_cast<LPARAM>(text));
 }
 
-// Twice, as the first puts what stood there into the memory for undoing and the second the first's.
-// WM_SETTEXT would let the memory go instead of writing over it.
+// Replaces twice: the first call moves the text into the undo memory, the second overwrites that
+// memory with the text of the first. WM_SETTEXT would free the memory instead of overwriting it.
 void Overwrite(HWND field) {
     FieldText stars;
     std::wmemset(stars.data, L'*', kLongestText);
@@ -34,7 +34,7 @@ void ReadSecretField(HWND field, FieldText& text) {
 
 void FillSecretField(HWND field, const wchar_t* text) {
     ReplaceAll(field, text, false);
-    // To its beginning, which else may be scrolled out of sight.
+    // Scroll back to the beginning.
     SendMessageW(field, EM_SETSEL, 0, 0);
     SendMessageW(field, EM_SCROLLCARET, 0, 0);
 }

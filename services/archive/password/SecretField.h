@@ -1,6 +1,6 @@
-// An edit field that holds a password. The field keeps its text, and what was deleted from it, in
-// memory of its own, which it neither wipes nor lets go when asked; these calls see to it that what
-// it holds is overwritten. For single-line fields of this process, on the thread that owns them.
+// An edit field for a password. The field stores its text, and deleted text, in memory of its own
+// that it doesn't wipe; these calls make it overwrite that memory. For single-line fields of this
+// process, on the thread that owns them.
 #pragma once
 
 #include <windows.h>
@@ -9,13 +9,13 @@
 
 namespace obarchive {
 
-// Above what any buffer of a caller takes, so that a text that is too long is seen as such and not
+// More than any caller's buffer has room for, so that a text that is too long is refused and not
 // cut by the field.
 inline constexpr int kLongestText = 2047; // UTF-16 units
 using FieldText = WipedBuffer<wchar_t, kLongestText + 1>;
 
-// Makes the field grow to its largest size at once. A field that grows while somebody types moves
-// its text and leaves the old place as it is, out of reach. Sends EN_CHANGE.
+// Makes the field allocate its largest size at once. A field that grows while the user types copies
+// its text and doesn't wipe the memory before. Sends EN_CHANGE.
 void PrepareSecretField(HWND field);
 
 void ReadSecretField(HWND field, FieldText& text);
@@ -23,8 +23,7 @@ void ReadSecretField(HWND field, FieldText& text);
 // Replaces the text and shows it from its beginning. Sends EN_CHANGE.
 void FillSecretField(HWND field, const wchar_t* text);
 
-// Overwrites the text and what the field keeps for undoing, and leaves the field empty. Sends
-// EN_CHANGE.
+// Overwrites the text and the field's undo memory, and leaves the field empty. Sends EN_CHANGE.
 void WipeSecretField(HWND field);
 
 } // namespace obarchive

@@ -1,6 +1,6 @@
-// After the prompt has closed, the password stands nowhere in the process but in the caller's
-// buffer. The test itself never holds it in one piece: it knows it under a mask, types it letter by
-// letter and compares bytes one by one.
+// After the prompt has closed, the password is nowhere in the process but in the caller's buffer.
+// The test itself never has it in one piece: it stores it under a mask, types it letter by letter
+// and compares bytes one by one.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -30,7 +30,7 @@ constexpr wchar_t kMasked[] = {L'Q' ^ kMask, 0x00E4 ^ kMask, L'7' ^ kMask, 0x00F
                                L'3' ^ kMask, 0x00F1 ^ kMask, L'w' ^ kMask, 0x00E5 ^ kMask};
 constexpr std::size_t kLetters = std::size(kMasked);
 
-// Volatile, or the compiler may put the plain letters together.
+// Volatile, or the compiler may store the plain letters in one piece.
 wchar_t Letter(std::size_t index) {
     const volatile wchar_t mask = kMask;
     return static_cast<wchar_t>(kMasked[index] ^ mask);
@@ -54,20 +54,20 @@ std::vector<std::uint8_t> MaskedBytes(bool utf8) {
     return bytes;
 }
 
-bool StandsAt(const std::uint8_t* at, const std::vector<std::uint8_t>& masked) {
+bool IsAt(const std::uint8_t* at, const std::vector<std::uint8_t>& masked) {
     for (std::size_t index = 0; index < masked.size(); ++index) {
         if (at[index] != static_cast<std::uint8_t>(~masked[index])) return false;
     }
     return true;
 }
 
-// How often the masked bytes stand anywhere in the readable memory of this process, in the clear.
+// How often the readable memory of this process contains the bytes without the mask.
 int TimesInMemory(const std::vector<std::uint8_t>& masked) {
     int times = 0;
     obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
         const auto* at = static_cast<const std::uint8_t*>(region.BaseAddress);
         const auto* const end = at + region.RegionSize;
-        for (; at + masked.size() <= end; ++at) times += StandsAt(at, masked);
+        for (; at + masked.size() <= end; ++at) times += IsAt(at, masked);
     });
     return times;
 }
@@ -84,15 +84,15 @@ void TypeLetters(const PromptOnScreen& prompt, int field) {
 
 class PasswordMemory : public testing::Test {
 protected:
-    using Person = std::function<void(const PromptOnScreen&)>;
+    using UiActions = std::function<void(const PromptOnScreen&)>;
 
-    PromptResult Ask(const Person& act, char (&buffer)[260]) {
+    PromptResult Ask(const UiActions& act, char (&buffer)[260]) {
         PromptDriver driver(act);
         return AskNewPassword(nullptr, buffer, sizeof buffer);
     }
 };
 
-TEST_F(PasswordMemory, TheSearchFindsWhatStandsThere) {
+TEST_F(PasswordMemory, TheSearchFindsAPasswordInMemory) {
     obarchive::WipedBuffer<wchar_t, kLetters> plain;
     for (std::size_t index = 0; index < kLetters; ++index) plain.data[index] = Letter(index);
     EXPECT_GE(TimesInMemory(MaskedBytes(false)), 1);
@@ -118,11 +118,11 @@ TEST_F(PasswordMemory, NothingIsLeftAfterAPasswordWasGiven) {
     EXPECT_EQ(TimesInMemory(MaskedBytes(true)), 0);
 }
 
-TEST_F(PasswordMemory, NothingIsLeftAfterACancelNorOfWhatWasDeletedAndTypedAnew) {
+TEST_F(PasswordMemory, NothingIsLeftAfterACancelOrOfDeletedText) {
     char buffer[260];
     const auto act = [&](const PromptOnScreen& prompt) {
         TypeLetters(prompt, OB_PASSWORD_FIRST);
-        // Deleted as people delete: the field keeps it for undoing.
+        // Deleted as by a user: the field keeps the text for undoing.
         SendMessageW(prompt.Item(OB_PASSWORD_FIRST), EM_SETSEL, 0, -1);
         SendMessageW(prompt.Item(OB_PASSWORD_FIRST), WM_CHAR, VK_BACK, 1);
         TypeLetters(prompt, OB_PASSWORD_REPEAT);

@@ -7,13 +7,16 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <cwchar>
 #include <cwctype>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/password/PasswordPromptIds.h"
 #include "tests/support/ImportPatch.h"
+#include "tests/support/MessageBoxWatcher.h"
 #include "tests/unit/services/archive/password/PromptDriver.h"
 
 namespace {
@@ -30,6 +33,11 @@ class PasswordPromptTest : public testing::Test {
 protected:
     PasswordPromptTest() { std::memset(buffer_, 0x55, sizeof buffer_); }
 
+    static void TypeBoth(const PromptOnScreen& prompt, const std::wstring& text) {
+        prompt.Type(kFirst, text);
+        prompt.Type(kRepeat, text);
+    }
+
     PromptResult Ask(const std::function<void(const PromptOnScreen&)>& act,
                      std::uint32_t capacity = 260) {
         PromptDriver driver(act);
@@ -41,12 +49,12 @@ protected:
 
 TEST_F(PasswordPromptTest, GivesThePasswordAsUtf8) {
     const auto act = [](const PromptOnScreen& prompt) {
-        prompt.Type(kFirst, L"p\u00E4ss \U0001F511");
-        prompt.Type(kRepeat, L"p\u00E4ss \U0001F511");
+        prompt.Type(kFirst, L"p\u00E4ss wort \U0001F511");
+        prompt.Type(kRepeat, L"p\u00E4ss wort \U0001F511");
         prompt.Press(IDOK);
     };
     EXPECT_EQ(Ask(act), PromptResult::Given);
-    EXPECT_STREQ(buffer_, "p\xC3\xA4ss \xF0\x9F\x94\x91");
+    EXPECT_STREQ(buffer_, "p\xC3\xA4ss wort \xF0\x9F\x94\x91");
     EXPECT_EQ(buffer_[511], 0x55);
 }
 
@@ -67,14 +75,14 @@ TEST_F(PasswordPromptTest, ClosingTheWindowIsACancel) {
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
-TEST_F(PasswordPromptTest, OkWantsTwoEqualTexts) {
+TEST_F(PasswordPromptTest, OkNeedsTwoEqualTexts) {
     const auto act = [](const PromptOnScreen& prompt) {
         EXPECT_FALSE(prompt.OkIsEnabled());
         prompt.Type(kFirst, L"secret");
         EXPECT_FALSE(prompt.OkIsEnabled());
         prompt.Type(kRepeat, L"Secret");
         EXPECT_FALSE(prompt.OkIsEnabled());
-        // The Enter key sends the command all the same.
+        // The Enter key sends the command although the button is disabled.
         prompt.Press(IDOK);
         EXPECT_TRUE(IsWindow(prompt.Window()));
         prompt.Type(kRepeat, L"secret");
@@ -89,7 +97,7 @@ TEST_F(PasswordPromptTest, OkWantsTwoEqualTexts) {
     EXPECT_STREQ(buffer_, "");
 }
 
-TEST_F(PasswordPromptTest, TellsThatTheTwoDifferOnlyWhenTheRepetitionIsWrong) {
+TEST_F(PasswordPromptTest, AHintAboutDifferentTextsAppearsOnlyWhenTheRepetitionIsWrong) {
     const auto act = [](const PromptOnScreen& prompt) {
         prompt.Type(kFirst, L"secret");
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
@@ -103,37 +111,117 @@ TEST_F(PasswordPromptTest, TellsThatTheTwoDifferOnlyWhenTheRepetitionIsWrong) {
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
-TEST_F(PasswordPromptTest, APasswordThatFillsTheBufferIsTaken) {
-    const auto act = [](const PromptOnScreen& prompt) {
-        const std::wstring text = std::wstring(128, L'\u00E4') + L"abc"; // 259 bytes
-        prompt.Type(kFirst, text);
-        prompt.Type(kRepeat, text);
-        prompt.Press(IDOK);
-    };
-    EXPECT_EQ(Ask(act), PromptResult::Given);
-    EXPECT_EQ(std::strlen(buffer_), 259U);
-    EXPECT_EQ(buffer_[260], 0x55);
+constexpr wchar_t kNotWeak[] = L"tW4!mQz9#";
+
+// Beginnings of one text that isn't easy to guess.
+std::wstring LongText(std::size_t length) {
+    std::wstring text;
+    while (text.size() < length) text += kNotWeak + std::to_wstring(text.size());
+    return text.substr(0, length);
 }
 
-TEST_F(PasswordPromptTest, APasswordThatDoesNotFitIsRefusedWithASentence) {
-    for (const std::wstring& text : {std::wstring(130, L'\u00E4'), std::wstring(2000, L'x')}) {
-        const auto act = [&text](const PromptOnScreen& prompt) {
-            prompt.Type(kFirst, text);
-            prompt.Type(kRepeat, text);
+TEST_F(PasswordPromptTest, APasswordOf99BytesIsTaken) {
+    for (const std::wstring& text : {LongText(99), LongText(97) + L"\u00E4"}) {
+        const auto act = [&](const PromptOnScreen& prompt) {
+            TypeBoth(prompt, text);
+            prompt.Press(IDOK);
+        };
+        EXPECT_EQ(Ask(act), PromptResult::Given);
+        EXPECT_EQ(std::strlen(buffer_), 99U);
+        EXPECT_EQ(buffer_[260], 0x55);
+    }
+}
+
+TEST_F(PasswordPromptTest, APasswordOfMoreThan99BytesIsRefusedWithASentenceOfItsOwn) {
+    for (const std::wstring& text :
+         {LongText(100), LongText(98) + L"\u00E4", std::wstring(2000, L'x')}) {
+        const auto act = [&](const PromptOnScreen& prompt) {
+            TypeBoth(prompt, text);
             EXPECT_TRUE(prompt.OkIsEnabled());
             prompt.Press(IDOK);
             EXPECT_TRUE(IsWindow(prompt.Window()));
             EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
-                      L"This password is too long. Please choose a shorter one.");
-            prompt.Type(kFirst, L"short");
-            prompt.Type(kRepeat, L"short");
+                      L"Programs that open zips take at most 99 characters, fewer if some have "
+                      L"accents. Please choose a shorter password.");
+            TypeBoth(prompt, kNotWeak);
             EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
             prompt.Press(IDOK);
         };
         EXPECT_EQ(Ask(act), PromptResult::Given);
-        EXPECT_STREQ(buffer_, "short");
+        EXPECT_STREQ(buffer_, "tW4!mQz9#");
     }
     EXPECT_EQ(buffer_[260], 0x55);
+}
+
+TEST_F(PasswordPromptTest, APasswordThatFillsTheCallersBufferIsTakenAndALongerOneRefused) {
+    const auto act = [](const PromptOnScreen& prompt) {
+        TypeBoth(prompt, LongText(40));
+        prompt.Press(IDOK);
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                  L"This password is too long. Please choose a shorter one.");
+        TypeBoth(prompt, LongText(39));
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(act, 40), PromptResult::Given);
+    EXPECT_EQ(std::strlen(buffer_), 39U);
+    EXPECT_EQ(buffer_[40], 0x55);
+}
+
+TEST_F(PasswordPromptTest, ACharacterBeyondAsciiGetsAHintAndIsTaken) {
+    const auto act = [](const PromptOnScreen& prompt) {
+        const std::wstring hint = L"Some programs can't open a zip whose password has characters "
+                                  L"other than the letters A to Z, digits and common symbols.";
+        prompt.Type(kFirst, std::wstring(kNotWeak) + L"\u00FC");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), hint);
+        prompt.Type(kRepeat, L"x");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"The two passwords are not the same.");
+        TypeBoth(prompt, L" ~" + std::wstring(kNotWeak));
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), L"");
+        TypeBoth(prompt, std::wstring(kNotWeak) + L"\u0080");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT), hint);
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Given);
+    EXPECT_STREQ(buffer_, "tW4!mQz9#\xC2\x80");
+}
+
+TEST_F(PasswordPromptTest, AVeryWeakPasswordIsTakenOnlyAfterAYes) {
+    obtest::MessageBoxWatcher boxes;
+    boxes.AnswerWith(IDNO);
+    HWND dialog = nullptr;
+    const auto act = [&](const PromptOnScreen& prompt) {
+        dialog = prompt.Window();
+        TypeBoth(prompt, L"Password123!");
+        prompt.Press(IDOK);
+        EXPECT_TRUE(IsWindow(dialog));
+        EXPECT_TRUE(IsWindowEnabled(dialog));
+        EXPECT_EQ(prompt.Text(kFirst), L"Password123!");
+        boxes.AnswerWith(IDYES);
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Given);
+    EXPECT_STREQ(buffer_, "Password123!");
+    const auto seen = boxes.Seen();
+    ASSERT_EQ(seen.size(), 2U);
+    for (const obtest::SeenBox& box : seen) {
+        EXPECT_EQ(box.caption, L"Ombrix Vellant");
+        EXPECT_EQ(box.text, L"This password is very weak. Somebody who gets the files could guess "
+                            L"it quickly.\n\nDo you want to use it all the same?");
+        EXPECT_TRUE(box.hasIcon);
+        EXPECT_EQ(box.owner, dialog);
+        EXPECT_EQ(box.defaultButton, IDNO);
+    }
+}
+
+TEST_F(PasswordPromptTest, AWeakPasswordIsTakenWithoutAQuestion) {
+    const obtest::MessageBoxWatcher boxes;
+    const auto act = [](const PromptOnScreen& prompt) {
+        TypeBoth(prompt, L"tmvbhxq");
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_STRENGTH_LABEL), L"Strength: weak");
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Given);
+    EXPECT_TRUE(boxes.Seen().empty());
 }
 
 TEST_F(PasswordPromptTest, HalfASurrogatePairIsRefusedWithASentence) {
@@ -216,7 +304,7 @@ TEST_F(PasswordPromptTest, TheTabKeyGoesInTheOrderOfReading) {
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
-TEST_F(PasswordPromptTest, EachAccessKeyIsUsedOnceAndLabelsStandRightBeforeTheirFields) {
+TEST_F(PasswordPromptTest, EachAccessKeyIsUsedOnceAndLabelsComeRightBeforeTheirFields) {
     const auto act = [](const PromptOnScreen& prompt) {
         std::wstring keys;
         for (const HWND control : Controls(prompt.Window())) {
@@ -270,7 +358,7 @@ TEST_F(PasswordPromptTest, TheStrengthIsAWordAndABar) {
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
-TEST_F(PasswordPromptTest, ASuggestionFillsBothFieldsIsShownAndTellsHowMuchChanceIsInIt) {
+TEST_F(PasswordPromptTest, ASuggestionFillsBothFieldsAndIsShownWithItsRandomBits) {
     std::wstring phrase;
     const auto act = [&](const PromptOnScreen& prompt) {
         EXPECT_FALSE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
@@ -321,16 +409,32 @@ std::wstring ClipboardText() {
     return copy;
 }
 
+// The formats of the clipboard in the order in which they were put there.
+std::vector<UINT> ClipboardFormats() {
+    std::vector<UINT> formats;
+    if (!OpenClipboard(nullptr)) return formats;
+    for (UINT format = EnumClipboardFormats(0); format; format = EnumClipboardFormats(format)) {
+        formats.push_back(format);
+    }
+    CloseClipboard();
+    return formats;
+}
+
 TEST_F(PasswordPromptTest, ASuggestionIsCopiedAndKeptOutOfTheClipboardsHistory) {
     const auto act = [&](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST);
         EXPECT_TRUE(IsWindowEnabled(prompt.Item(OB_PASSWORD_COPY)));
         prompt.Press(OB_PASSWORD_COPY);
         EXPECT_EQ(ClipboardText(), prompt.Text(kFirst));
+        const std::vector<UINT> formats = ClipboardFormats();
+        const auto text = std::find(formats.begin(), formats.end(), UINT{CF_UNICODETEXT});
         for (const wchar_t* format :
              {L"ExcludeClipboardContentFromMonitorProcessing", L"CanIncludeInClipboardHistory",
               L"CanUploadToCloudClipboard"}) {
-            EXPECT_TRUE(IsClipboardFormatAvailable(RegisterClipboardFormatW(format)));
+            const UINT mark = RegisterClipboardFormatW(format);
+            EXPECT_TRUE(IsClipboardFormatAvailable(mark));
+            // Before the text, or a clipboard monitor could read it without the mark.
+            EXPECT_NE(std::find(formats.begin(), text, mark), text);
         }
         EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT).rfind(L"Copied.", 0), 0U);
         prompt.Type(kFirst, L"own");
@@ -341,7 +445,7 @@ TEST_F(PasswordPromptTest, ASuggestionIsCopiedAndKeptOutOfTheClipboardsHistory) 
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
-TEST_F(PasswordPromptTest, CopyingFailsWithASentenceWhileAnotherProgramHoldsTheClipboard) {
+TEST_F(PasswordPromptTest, CopyingFailsWithASentenceWhileAnotherProgramHasTheClipboardOpen) {
     const auto act = [&](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST);
         const HWND other =
@@ -356,6 +460,146 @@ TEST_F(PasswordPromptTest, CopyingFailsWithASentenceWhileAnotherProgramHoldsTheC
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
+UINT WINAPI NoClipboardFormat(const wchar_t*) { return 0; }
+
+TEST_F(PasswordPromptTest, CopyingFailsWithASentenceWhenAMarkCannotBeSet) {
+    const obtest::ImportPatch<decltype(&RegisterClipboardFormatW)> formats(
+        "user32.dll", "RegisterClipboardFormatW", &NoClipboardFormat);
+    ASSERT_TRUE(formats.Ok());
+    const auto act = [&](const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        prompt.Press(OB_PASSWORD_COPY);
+        EXPECT_EQ(prompt.Text(OB_PASSWORD_HINT),
+                  L"The password could not be copied. Please try again.");
+        EXPECT_EQ(ClipboardText(), L"(none)");
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
+}
+
+// The last timer that the prompt set for the thread and not for a window; the test lets it elapse.
+UINT lifetime = 0;
+TIMERPROC onLifetimeOver = nullptr;
+decltype(&SetTimer) realSetTimer = nullptr;
+bool elapsesAtOnce = false;
+
+UINT_PTR WINAPI NoteTimer(HWND window, UINT_PTR id, UINT interval, TIMERPROC proc) {
+    if (window) return realSetTimer(window, id, interval, proc);
+    lifetime = interval;
+    onLifetimeOver = proc;
+    return elapsesAtOnce ? realSetTimer(window, id, USER_TIMER_MINIMUM, proc) : 4711;
+}
+
+// Copies a suggestion, whose timer the test controls.
+class CopiedPasswordTest : public PasswordPromptTest {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(timers_.Ok());
+        realSetTimer = timers_.Real();
+        lifetime = 0;
+        onLifetimeOver = nullptr;
+        elapsesAtOnce = false;
+    }
+
+    void Copy(const PromptOnScreen& prompt) {
+        prompt.Press(OB_PASSWORD_SUGGEST);
+        prompt.Press(OB_PASSWORD_COPY);
+        phrase_ = prompt.Text(kFirst);
+    }
+
+    static void CopyElsewhere(const wchar_t* text) {
+        ASSERT_TRUE(OpenClipboard(nullptr));
+        EmptyClipboard();
+        const std::size_t size = (std::wcslen(text) + 1) * sizeof(wchar_t);
+        const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
+        std::memcpy(GlobalLock(memory), text, size);
+        GlobalUnlock(memory);
+        SetClipboardData(CF_UNICODETEXT, memory);
+        CloseClipboard();
+    }
+
+    std::wstring phrase_;
+
+private:
+    obtest::ImportPatch<decltype(&SetTimer)> timers_{"user32.dll", "SetTimer", &NoteTimer};
+};
+
+TEST_F(CopiedPasswordTest, IsClearedAfterAMinuteWhileThePromptIsOpen) {
+    elapsesAtOnce = true;
+    const auto act = [&](const PromptOnScreen& prompt) {
+        Copy(prompt);
+        EXPECT_EQ(lifetime, 60'000U);
+        const ULONGLONG end = GetTickCount64() + 10000;
+        while (ClipboardText() != L"(none)" && GetTickCount64() < end) Sleep(10);
+        EXPECT_EQ(ClipboardText(), L"(none)");
+        EXPECT_EQ(prompt.Text(kFirst), phrase_);
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
+}
+
+TEST_F(CopiedPasswordTest, StaysAfterOkAndIsClearedAfterTheMinute) {
+    const auto act = [&](const PromptOnScreen& prompt) {
+        Copy(prompt);
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Given);
+    EXPECT_EQ(ClipboardText(), phrase_);
+    ASSERT_TRUE(onLifetimeOver);
+    onLifetimeOver(nullptr, WM_TIMER, 4711, 0);
+    EXPECT_EQ(ClipboardText(), L"(none)");
+}
+
+TEST_F(CopiedPasswordTest, IsClearedWhenThePromptIsCancelled) {
+    const auto act = [&](const PromptOnScreen& prompt) {
+        Copy(prompt);
+        EXPECT_EQ(ClipboardText(), phrase_);
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
+    EXPECT_EQ(ClipboardText(), L"(none)");
+}
+
+TEST_F(CopiedPasswordTest, IsNotClearedOnceSomethingElseWasCopied) {
+    const auto act = [&](const PromptOnScreen& prompt) {
+        Copy(prompt);
+        CopyElsewhere(L"something else");
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Given);
+    ASSERT_TRUE(onLifetimeOver);
+    onLifetimeOver(nullptr, WM_TIMER, 4711, 0);
+    EXPECT_EQ(ClipboardText(), L"something else");
+}
+
+TEST_F(CopiedPasswordTest, IsClearedASecondLaterWhenAnotherProgramHasTheClipboardOpen) {
+    const auto act = [&](const PromptOnScreen& prompt) {
+        Copy(prompt);
+        prompt.Press(IDOK);
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Given);
+    ASSERT_TRUE(onLifetimeOver);
+    // On another thread: the one that has the clipboard open can open it again.
+    HANDLE opened = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    HANDLE tried = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::thread other([&] {
+        const HWND window =
+            CreateWindowW(L"Static", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+        EXPECT_TRUE(OpenClipboard(window));
+        SetEvent(opened);
+        WaitForSingleObject(tried, 10000);
+        CloseClipboard();
+        DestroyWindow(window);
+    });
+    WaitForSingleObject(opened, 10000);
+    onLifetimeOver(nullptr, WM_TIMER, 4711, 0);
+    EXPECT_EQ(lifetime, 1000U);
+    SetEvent(tried);
+    other.join();
+    EXPECT_EQ(ClipboardText(), phrase_);
+    onLifetimeOver(nullptr, WM_TIMER, 4711, 0);
+    EXPECT_EQ(ClipboardText(), L"(none)");
+    CloseHandle(opened);
+    CloseHandle(tried);
+}
+
 std::atomic<bool> capsLockIsOn = false;
 
 SHORT WINAPI FakeKeyState(int key) {
@@ -368,8 +612,8 @@ bool WaitForHint(const PromptOnScreen& prompt, const std::wstring& expected) {
     return prompt.Text(OB_PASSWORD_HINT) == expected;
 }
 
-TEST_F(PasswordPromptTest, CapsLockIsToldWhileItIsOn) {
-    // No key's state reaches a window without a real keyboard behind it.
+TEST_F(PasswordPromptTest, AHintSaysThatCapsLockIsOn) {
+    // The state of a key needs a real keyboard.
     const obtest::ImportPatch<decltype(&GetKeyState)> keys("user32.dll", "GetKeyState",
                                                            &FakeKeyState);
     const auto act = [&](const PromptOnScreen& prompt) {
@@ -400,7 +644,7 @@ TEST_F(PasswordPromptTest, TheOwnerIsDisabledMeanwhileAndEnabledAfterwards) {
     EXPECT_TRUE(IsWindowEnabled(owner.Get()));
 }
 
-TEST_F(PasswordPromptTest, AnOwnerThatIsGoneDoesNotKeepThePromptAway) {
+TEST_F(PasswordPromptTest, ThePromptOpensWhenTheOwnerNoLongerExists) {
     PromptDriver driver([](const PromptOnScreen& prompt) { prompt.Press(IDCANCEL); });
     EXPECT_EQ(AskNewPassword(reinterpret_cast<HWND>(0xDEAD), buffer_, 260),
               PromptResult::Cancelled);

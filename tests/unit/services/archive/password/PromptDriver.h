@@ -1,4 +1,4 @@
-// Plays the person in front of the password prompt: a second thread that types and presses.
+// The UI driver of the password prompt: a second thread that types and presses buttons.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +9,7 @@
 
 namespace obtest {
 
-// The prompt as its driver sees it. Every call waits for what it needs, at most ten seconds.
+// An open prompt, for the driver's thread. Its calls return when the prompt has handled them.
 class PromptOnScreen {
 public:
     explicit PromptOnScreen(HWND dialog) : dialog_(dialog) {}
@@ -25,8 +25,8 @@ private:
     HWND dialog_;
 };
 
-// Runs `person` on a second thread once this process shows a prompt; joined at the end. If `person`
-// leaves the prompt open, it is cancelled, so that no test hangs.
+// Runs `act` on a second thread once this process shows a prompt; joined at the end. If `act`
+// leaves the prompt open, the driver cancels it, so that no test hangs.
 class PromptDriver {
 public:
     explicit PromptDriver(std::function<void(const PromptOnScreen&)> act);

@@ -1,5 +1,5 @@
-// The prompt at one scale of the screen: painted, in proportion, and no text cut off. With
-// OB_PICTURES, a folder, pictures are left there for people to judge.
+// The prompt at one scale of the display: painted, in proportion, and no text cut off. In the
+// folder OB_PICTURES, where that is set, the tests leave pictures to be judged by eye.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -34,10 +34,16 @@ protected:
 
     static void Look(const PromptOnScreen& prompt, const std::wstring& name) {
         ExpectWholeTexts(prompt, name);
-        const auto picture = obtest::TakeSettledPicture(prompt.Window());
+        TakePicture(prompt.Window(), name, 360, 280);
+    }
+
+    // The least width and height are in pixels at 96 dpi.
+    static void TakePicture(HWND window, const std::wstring& name, int leastWidth,
+                            int leastHeight) {
+        const auto picture = obtest::TakeSettledPicture(window);
         ASSERT_TRUE(picture);
-        EXPECT_GE(picture->width, MulDiv(360, ExpectedDpi(), 96));
-        EXPECT_GE(picture->height, MulDiv(280, ExpectedDpi(), 96));
+        EXPECT_GE(picture->width, MulDiv(leastWidth, ExpectedDpi(), 96));
+        EXPECT_GE(picture->height, MulDiv(leastHeight, ExpectedDpi(), 96));
         const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
         if (!folder) return;
         const std::wstring file =
@@ -65,6 +71,11 @@ protected:
         }
     }
 
+    static void TypeBoth(const PromptOnScreen& prompt, const std::wstring& text) {
+        prompt.Type(OB_PASSWORD_FIRST, text);
+        prompt.Type(OB_PASSWORD_REPEAT, text);
+    }
+
     static PromptResult Ask(const std::function<void(const PromptOnScreen&)>& act) {
         char password[260];
         obtest::PromptDriver driver(act);
@@ -85,6 +96,59 @@ TEST_F(PromptPictures, WithASuggestion) {
     const auto act = [](const PromptOnScreen& prompt) {
         prompt.Press(OB_PASSWORD_SUGGEST);
         Look(prompt, L"prompt-suggested");
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
+}
+
+TEST_F(PromptPictures, WithTheHintAboutCharactersBeyondAscii) {
+    const auto act = [](const PromptOnScreen& prompt) {
+        TypeBoth(prompt, L"Gr\u00FCne Wiese 5!");
+        Look(prompt, L"prompt-characters");
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
+}
+
+TEST_F(PromptPictures, WithTheMessageThatThePasswordIsTooLong) {
+    const auto act = [](const PromptOnScreen& prompt) {
+        TypeBoth(prompt, std::wstring(100, L'x'));
+        prompt.Press(IDOK);
+        EXPECT_NE(prompt.Text(OB_PASSWORD_HINT).find(L"99"), std::wstring::npos);
+        Look(prompt, L"prompt-too-long");
+    };
+    EXPECT_EQ(Ask(act), PromptResult::Cancelled);
+}
+
+struct OwnedWindow {
+    HWND owner;
+    HWND found;
+};
+
+BOOL CALLBACK TakeOwned(HWND window, LPARAM parameter) {
+    auto& search = *reinterpret_cast<OwnedWindow*>(parameter);
+    if (GetWindow(window, GW_OWNER) != search.owner || !IsWindowVisible(window)) return TRUE;
+    search.found = window;
+    return FALSE;
+}
+
+// Waits for the message box of the prompt; null when none came.
+HWND WaitForBox(HWND prompt) {
+    const ULONGLONG end = GetTickCount64() + 10000;
+    OwnedWindow search{prompt, nullptr};
+    while (!search.found && GetTickCount64() < end) {
+        EnumWindows(&TakeOwned, reinterpret_cast<LPARAM>(&search));
+        if (!search.found) Sleep(10);
+    }
+    return search.found;
+}
+
+TEST_F(PromptPictures, OfTheQuestionAboutAVeryWeakPassword) {
+    const auto act = [](const PromptOnScreen& prompt) {
+        TypeBoth(prompt, L"summer");
+        PostMessageW(prompt.Window(), WM_COMMAND, IDOK, 0);
+        const HWND box = WaitForBox(prompt.Window());
+        ASSERT_TRUE(box);
+        TakePicture(box, L"prompt-question", 200, 100);
+        SendMessageW(box, WM_COMMAND, IDNO, 0);
     };
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
