@@ -1,5 +1,5 @@
-// The contexts that callers hold: numbers in a table, never addresses, so that a stale or invented
-// one is refused instead of followed.
+// The contexts of callers: numbers in a table, not addresses, so that a destroyed or invented one
+// is refused instead of dereferenced.
 #pragma once
 
 #include <map>
@@ -11,7 +11,7 @@
 
 namespace obarchive {
 
-// Any thread. A number is never given twice in a process, and 0 never.
+// Any thread. Each number is used once in a process, and 0 never.
 class ContextTable {
 public:
     obcontract::ZipContext Create();
@@ -26,7 +26,7 @@ public:
         if (const auto found = jobs_.find(context); found != jobs_.end()) action(found->second);
     }
 
-    // The job as it stands now, so that a run is not disturbed by calls from other threads.
+    // A copy of the job, so that calls from other threads don't change a running one.
     std::optional<ZipJob> Copy(obcontract::ZipContext context) const;
 
 private:

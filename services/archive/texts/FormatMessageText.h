@@ -1,4 +1,4 @@
-// A text of this module with its places filled.
+// Formats texts of this module.
 #pragma once
 
 #include <windows.h>
@@ -8,8 +8,8 @@
 
 namespace obarchive {
 
-// The text of the string table with "%1" to "%9" replaced by `inserts`, which are not looked into
-// for further places. "%%" becomes one per cent sign; a place without an insert stays as it is.
+// The text of the string table with "%1" to "%9" replaced by `inserts`; an insert is used as it is,
+// also when it has a "%" in it. "%%" becomes one per cent sign; a place without an insert stays.
 // Empty when there is no such text. Any thread.
 std::wstring FormatMessageText(UINT id, std::initializer_list<std::wstring> inserts);
 

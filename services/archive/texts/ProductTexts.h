@@ -1,5 +1,5 @@
-// Texts that the product and this service share. The product's library holds them, beside this
-// module; its own words are the ones to use.
+// Texts that the product and this service share. They are in the resources of the product's
+// library, beside this module.
 #pragma once
 
 #include <windows.h>
@@ -17,7 +17,7 @@ inline constexpr UINT kEncryptionOffMessage = 41019;
 inline constexpr wchar_t kProductCaption[] = L"Ombrix Vellant";
 
 // The text as it is stored; empty when the library or the text isn't there. The library is mapped
-// as data only, so none of its code runs, and let go again. Any thread.
+// as data only, so none of its code runs, and unmapped before the return. Any thread.
 std::wstring ProductText(UINT id);
 
 } // namespace obarchive

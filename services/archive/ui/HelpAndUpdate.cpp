@@ -17,7 +17,7 @@ namespace {
 constexpr wchar_t kHelpPage[] = L"help\\index.html";
 
 bool OpenInShell(HWND owner, const std::wstring& page) {
-    constexpr INT_PTR kLastError = 32; // the call's own border between errors and success
+    constexpr INT_PTR kLastError = 32; // documented: larger results are success
     const HINSTANCE result =
         ShellExecuteW(owner, L"open", page.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
     return reinterpret_cast<INT_PTR>(result) > kLastError;
@@ -28,7 +28,7 @@ bool IsFile(const std::wstring& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-// A box with an owner that has gone would not be shown at all.
+// With an owner that no longer exists, a box would not appear.
 HWND LivingOwner(HWND owner) { return IsWindow(owner) ? owner : nullptr; }
 
 int Show(HWND owner, const std::wstring& text, UINT style) {
@@ -68,7 +68,7 @@ std::wstring ServiceVersion() {
     const HGLOBAL loaded = found ? LoadResource(ThisModule(), found) : nullptr;
     const auto* const start = static_cast<const BYTE*>(loaded ? LockResource(loaded) : nullptr);
     if (!start) return {};
-    // The query writes into the block that it reads.
+    // VerQueryValueW may change its input, so copy the read-only resource first.
     std::vector<BYTE> block(start, start + SizeofResource(ThisModule(), found));
     VS_FIXEDFILEINFO* fixed = nullptr;
     UINT size = 0;

@@ -1,5 +1,5 @@
-// What the help entry and the update entry show. Neither asks anything of the network itself: a
-// page is opened by the shell, in the user's own browser.
+// The help entry and the update entry. Neither uses the network: the shell opens a page in the
+// user's browser.
 #pragma once
 
 #include <windows.h>
@@ -12,14 +12,14 @@ namespace obarchive {
 inline constexpr wchar_t kHelpAddressPolicy[] = L"HelpAddress";
 inline constexpr wchar_t kUpdateAddressPolicy[] = L"UpdateAddress";
 
-// Opens the address of the policy, or else the page `help\index.html` beside this module. When
-// neither can be opened, a message says where help would be. `owner` may be null or gone.
+// Opens the policy's address or, without one, the page `help\index.html` beside this module. When
+// neither opens, a message shows the address or the path. `owner` may be null or no longer exist.
 void ShowHelp(HWND owner);
 
-// Tells which version is installed and, when the policy names an address, offers to open it.
+// Shows the installed version and, when the policy has an address, offers to open it.
 void ShowInstalledVersion(HWND owner);
 
-// The file version of this module, as "1.2.3.4"; empty when it carries none.
+// The file version of this module, as "1.2.3.4"; empty when it has none.
 std::wstring ServiceVersion();
 
 } // namespace obarchive

@@ -12,13 +12,13 @@ namespace {
 
 constexpr int kSteps = 1000; // of the bar
 
-// Without it the bar's class may not be known to the process.
+// The bar's window class may not be registered in the process yet.
 void RegisterBar() {
     const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
 }
 
-// The path as people know it, without the prefix that lifts the length limit.
+// The path without the prefix for long paths, which users don't know.
 std::wstring ShownPath(const std::wstring& path) {
     constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
     constexpr std::wstring_view kLong = L"\\\\?\\";
@@ -40,13 +40,13 @@ ProgressWindow::ProgressWindow(HWND owner) {
         ObLib::UniqueWindow(CreateDialogParamW(ThisModule(), MAKEINTRESOURCEW(OB_PROGRESS_WINDOW),
                                                living, &Proc, reinterpret_cast<LPARAM>(this)));
     if (!window_) return;
-    // The call says whether the owner was disabled before; then it isn't ours to enable.
+    // EnableWindow returns whether the owner was disabled before; then it stays so at the end.
     if (living && !EnableWindow(living, FALSE)) disabledOwner_ = living;
     ShowWindow(window_.Get(), SW_SHOW);
 }
 
 ProgressWindow::~ProgressWindow() {
-    // Before the window goes: the system then activates the owner and not some other window.
+    // Enabled before the window is destroyed, or the system would activate another window.
     if (disabledOwner_) EnableWindow(disabledOwner_, TRUE);
     if (window_) SetWindowLongPtrW(window_.Get(), DWLP_USER, 0);
 }
@@ -85,7 +85,7 @@ void ProgressWindow::OnCancel() {
     EnableWindow(GetDlgItem(window_.Get(), IDCANCEL), FALSE);
 }
 
-// With its owner: the handle is no longer ours.
+// The system destroys the window with its owner; the handle is then no longer ours.
 void ProgressWindow::OnDestroyed() {
     cancelAsked_ = true;
     disabledOwner_ = nullptr;

@@ -1,4 +1,4 @@
-// The window that a person sees while a zip takes its time.
+// The window that is open while a zip is made.
 #pragma once
 
 #include <windows.h>
@@ -14,13 +14,13 @@ namespace obarchive {
 struct ProgressView {
     std::wstring file;            // full path of the source that is being read; may be empty
     std::uint64_t bytesRead = 0;  // of all sources
-    std::uint64_t totalBytes = 0; // 0: not known, the bar then only shows that work goes on
+    std::uint64_t totalBytes = 0; // 0: not known; the bar then moves without a measure
     std::wstring timeLeft;        // under the bar
 };
 
-// Made, used and ended on one thread, whose messages the caller pumps. While it lives, the owner is
-// disabled; at the end the owner is as enabled as it was before. The owner may be null or gone, and
-// may belong to another process.
+// Created, used and destroyed on one thread; the caller dispatches that thread's messages. The
+// owner is disabled as long as this object exists, and is then enabled if it was before. The owner
+// may be null or no longer exist, and may belong to another process.
 class ProgressWindow {
 public:
     explicit ProgressWindow(HWND owner);
@@ -28,14 +28,14 @@ public:
     ProgressWindow(const ProgressWindow&) = delete;
     ProgressWindow& operator=(const ProgressWindow&) = delete;
 
-    // Repaints only what differs from before. The bar never goes back.
+    // Updates only what has changed. The bar never moves back.
     void Show(const ProgressView& view);
 
-    // The person asked for an end: the button, Esc, the close box; or the window was destroyed with
-    // its owner, so that nobody is left to wait for the zip. Stays true.
+    // True once the user has cancelled by the button, Esc or the close box, or once the window was
+    // destroyed with its owner. Stays true.
     bool IsCancelAsked() const { return cancelAsked_; }
 
-    // True when the message was one of the window's own, which is done then.
+    // Handles the message and returns true if it is one for the window.
     bool Takes(MSG& message) const { return window_ && IsDialogMessageW(window_.Get(), &message); }
 
 private:
@@ -45,8 +45,8 @@ private:
     void ShowBar(const ProgressView& view);
     void ShowText(int id, std::wstring& shown, const std::wstring& text);
 
-    HWND disabledOwner_ = nullptr; // null when there is none to be enabled again
-    ObLib::UniqueWindow window_;   // empty when it couldn't be made
+    HWND disabledOwner_ = nullptr; // to be enabled at the end; null for none
+    ObLib::UniqueWindow window_;   // empty when it couldn't be created
     std::wstring shownFile_;
     std::wstring shownTime_;
     int shownStep_ = -1;

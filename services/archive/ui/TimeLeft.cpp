@@ -11,8 +11,8 @@ namespace obarchive {
 namespace {
 
 constexpr std::uint64_t kSilence = 2000;       // milliseconds, as all below
-constexpr std::uint64_t kSampleLength = 500;   // shorter ones say more about the disk's cache
-constexpr double kMemory = 6000;               // how far back the rate remembers
+constexpr std::uint64_t kSampleLength = 500;   // shorter ones measure the disk's cache
+constexpr double kMemory = 6000;               // the time constant of the rate's average
 constexpr double kLeastTolerance = 3000;       // the end may be off by this much
 constexpr double kToleratedShare = 0.2;        // or by this share of what is left
 constexpr std::uint64_t kLongestAstray = 1500; // before the end is set anew

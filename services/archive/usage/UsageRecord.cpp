@@ -14,11 +14,11 @@ namespace obarchive {
 namespace {
 
 constexpr wchar_t kFolderBelowAppData[] = L"\\Tavi Ren Computing\\Ombrix";
-constexpr DWORD kLongestWait = 250;        // milliseconds; a usage line is worth no longer one
+constexpr DWORD kLongestWait = 250;        // milliseconds; a usage line isn't worth a longer wait
 constexpr std::size_t kLongestText = 1000; // UTF-16 units of an event or its details
 
-// One writer at a time among all processes and sessions of the user. The name is made from the
-// folder, so that users don't stand in each other's way.
+// One writer at a time among all processes and sessions of the user. The mutex's name contains a
+// hash of the folder, so that users don't wait for each other.
 class WriterLock {
 public:
     explicit WriterLock(const std::wstring& folder) {
@@ -31,7 +31,7 @@ public:
         mutex_ = ObLib::UniqueKernelHandle(CreateMutexW(nullptr, FALSE, name));
         if (!mutex_) return;
         const DWORD wait = WaitForSingleObject(mutex_.Get(), kLongestWait);
-        // A writer that died in the middle has left at most its own line unwritten.
+        // A writer that died while it had the mutex has lost its own line at most.
         held_ = wait == WAIT_OBJECT_0 || wait == WAIT_ABANDONED;
     }
     ~WriterLock() {
@@ -47,7 +47,7 @@ private:
     bool held_ = false;
 };
 
-// One field of a line: no tab, no line end, no control character, nothing that UTF-8 can't hold.
+// One field of a line: without tabs, line ends, control characters and halves of surrogate pairs.
 std::wstring Field(std::wstring_view text) {
     std::wstring field = WithoutLoneSurrogates(text.substr(0, kLongestText));
     const auto breaksLine = [](wchar_t unit) {
@@ -67,7 +67,7 @@ std::string Line(const SYSTEMTIME& utc, std::wstring_view event, std::wstring_vi
     return ToUtf8(std::wstring(time) + L'\t' + Field(event) + L'\t' + Field(details) + L"\r\n");
 }
 
-// The folder and the one above it; what is higher belongs to the system and is not made.
+// Creates the folder and the one above it. Folders above those belong to the system.
 void MakeFolder(const std::wstring& folder) {
     CreateDirectoryW(std::wstring(FolderOf(folder)).c_str(), nullptr);
     CreateDirectoryW(folder.c_str(), nullptr);
@@ -80,7 +80,7 @@ bool WriteLine(HANDLE file, const std::string& line) {
     const bool done =
         WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr) &&
         written == line.size();
-    // Half a line of a disk that has just become full is taken back.
+    // Remove half a line, which a full disk leaves.
     if (!done && SetFilePointerEx(file, end, nullptr, FILE_BEGIN)) SetEndOfFile(file);
     return done;
 }
@@ -100,7 +100,7 @@ UsageRecord::UsageRecord(std::wstring folder, std::uint64_t sizeLimit)
     : folder_(std::move(folder)), current_(FullPath(folder_ + L"\\usage.txt")),
       older_(FullPath(folder_ + L"\\usage.old.txt")), sizeLimit_(sizeLimit) {}
 
-// When the full file can't be put aside, the line is dropped rather than the limit passed.
+// When the full file can't be renamed, the line is dropped, so that the limit is kept.
 bool UsageRecord::MakeRoom(std::size_t bytes) const {
     WIN32_FILE_ATTRIBUTE_DATA now{};
     if (!GetFileAttributesExW(current_.c_str(), GetFileExInfoStandard, &now)) return true;
@@ -131,7 +131,7 @@ void RecordUsage(const wchar_t* event, const wchar_t* details) noexcept {
         GetSystemTime(&now);
         UsageRecord(folder).Append(now, ViewOf(event), ViewOf(details));
     } catch (...) {
-        // Out of memory: the event is lost, and the run that it tells of goes on.
+        // Out of memory: the event is lost, and the run goes on.
     }
 }
 

@@ -1,4 +1,4 @@
-// What callers rely on, whichever archive service stands beside them.
+// What callers rely on: the same cases for the real archive service and for its fake.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -72,7 +72,7 @@ void RunPlain(const obtest::LoadedService& service, const std::wstring& target,
     service->DestroyZipContext(context);
 }
 
-TEST_F(ArchiveContract, AZipStandsAfterASuccess) {
+TEST_F(ArchiveContract, AZipExistsAfterASuccess) {
     obtest::TestFolder folder;
     const std::wstring source = folder.File(L"source.txt");
     const std::wstring target = folder / L"result.zip";
@@ -83,7 +83,7 @@ TEST_F(ArchiveContract, AZipStandsAfterASuccess) {
               (std::vector<std::wstring>{L"result.zip", L"source.txt"}));
 }
 
-TEST_F(ArchiveContract, AnEncryptedZipStandsAfterASuccess) {
+TEST_F(ArchiveContract, AnEncryptedZipExistsAfterASuccess) {
     obtest::TestFolder folder;
     const std::wstring source = folder.File(L"source.txt");
     const std::wstring target = folder / L"result.zipx";

@@ -1,5 +1,5 @@
-// What the real service's entries lead to besides the zip: rules, record, help and update. The
-// product's library lies beside it, with the words that both share.
+// The real service's exports besides the zip: rules, record, help and update. The product's library
+// is beside it, with the texts that both share.
 #include <windows.h>
 
 #include <bcrypt.h>
@@ -44,12 +44,12 @@ protected:
     }
 
     obtest::LoadedService service_;
-    // Watched only when the module is loaded: a first look at windows during that can keep the test
-    // system's loader waiting for ever.
+    // Created after the module is loaded: enumerating windows for the first time during a load can
+    // deadlock in the test system's loader.
     obtest::MessageBoxWatcher boxes_;
 };
 
-TEST_F(ArchiveEntries, EncryptionThatIsSwitchedOffIsToldAndAnswered) {
+TEST_F(ArchiveEntries, EncryptionThatIsSwitchedOffIsShownAndReturned) {
     SetMachinePolicy(L"NoEncryption", L"1");
     EXPECT_EQ(service_->AllowedEncryptMethods(), 12);
     EXPECT_TRUE(boxes_.Seen().empty());
@@ -57,7 +57,7 @@ TEST_F(ArchiveEntries, EncryptionThatIsSwitchedOffIsToldAndAnswered) {
     EXPECT_EQ(OnlyBox(), L"The Ombrix encryption feature has been disabled by your administrator.");
 }
 
-TEST_F(ArchiveEntries, AnEmptyMaskIsToldAndAnsweredTheSame) {
+TEST_F(ArchiveEntries, AnEmptyMaskIsShownAndReturnedLikeEncryptionThatIsOff) {
     SetMachinePolicy(L"AllowedEncryptionMethods", L"0");
     EXPECT_EQ(service_->AllowedEncryptMethods(), 0);
     EXPECT_EQ(service_->DefaultEncryptionMethod(), 0);
@@ -65,7 +65,7 @@ TEST_F(ArchiveEntries, AnEmptyMaskIsToldAndAnsweredTheSame) {
     EXPECT_EQ(OnlyBox(), L"The Ombrix encryption feature has been disabled by your administrator.");
 }
 
-TEST_F(ArchiveEntries, TheMaskAndTheDefaultAreTheAdministrators) {
+TEST_F(ArchiveEntries, TheMaskAndTheDefaultComeFromThePolicy) {
     SetMachinePolicy(L"DefaultEncryptionMethod", L"4");
     EXPECT_EQ(service_->AllowedEncryptMethods(), 12);
     EXPECT_EQ(service_->DefaultEncryptionMethod(), 4);
@@ -76,12 +76,12 @@ TEST_F(ArchiveEntries, TheMaskAndTheDefaultAreTheAdministrators) {
     EXPECT_TRUE(boxes_.Seen().empty());
 }
 
-TEST_F(ArchiveEntries, TheFipsPolicyIsTold) {
+TEST_F(ArchiveEntries, TheFipsPolicyIsReturned) {
     SetMachinePolicy(L"FipsMode", L"1");
     EXPECT_EQ(service_->GetOmbrixFIPSSetting() & 0xFFFF, 1U);
 }
 
-// The record of this user; the prefix is the test's own.
+// The folder of this user's record, in the test's own prefix.
 std::wstring MakersFolder() {
     ObLib::UniqueCoTaskMemory<wchar_t> path;
     const HRESULT result = SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, path.Put());
@@ -102,7 +102,7 @@ std::vector<std::string> RecordedEvents() {
     return events;
 }
 
-TEST_F(ArchiveEntries, StartFeaturesAndEndAreNotedForTheUserUnlessThePolicyForbidsIt) {
+TEST_F(ArchiveEntries, StartFeaturesAndEndAreRecordedUnlessThePolicyForbidsIt) {
     ASSERT_FALSE(MakersFolder().empty());
     obtest::RemoveTree(MakersFolder());
     const auto useAll = [this] {
@@ -122,7 +122,7 @@ TEST_F(ArchiveEntries, StartFeaturesAndEndAreNotedForTheUserUnlessThePolicyForbi
     EXPECT_TRUE(boxes_.Seen().empty());
 }
 
-// What the service had opened; the shell of the test opens nothing.
+// The paths that the service gave to the shell. The fake shell opens nothing.
 std::vector<std::wstring> opened;
 HINSTANCE WINAPI NoteOpened(HWND, const wchar_t*, const wchar_t* file, const wchar_t*,
                             const wchar_t*, int) {
@@ -130,7 +130,7 @@ HINSTANCE WINAPI NoteOpened(HWND, const wchar_t*, const wchar_t* file, const wch
     return reinterpret_cast<HINSTANCE>(INT_PTR{42});
 }
 
-TEST_F(ArchiveEntries, HelpIsThePageThatTheBuildLaysBesideTheModule) {
+TEST_F(ArchiveEntries, HelpOpensThePageBesideTheModule) {
     const obtest::ImportPatch<decltype(&ShellExecuteW)> shell("shell32.dll", "ShellExecuteW",
                                                               &NoteOpened, service_.Module());
     ASSERT_TRUE(shell.Ok());
@@ -141,19 +141,19 @@ TEST_F(ArchiveEntries, HelpIsThePageThatTheBuildLaysBesideTheModule) {
     EXPECT_TRUE(boxes_.Seen().empty());
     const std::string text = obtest::ReadFileContent(page).value_or("");
     EXPECT_EQ(text.rfind("<!DOCTYPE html>", 0), 0U);
-    // Nothing of the page comes from elsewhere.
+    // The page loads nothing from elsewhere.
     for (const char* outside : {"http:", "https:", "src=", "<script", "@import", "url("}) {
         EXPECT_EQ(text.find(outside), std::string::npos) << outside;
     }
 }
 
-TEST_F(ArchiveEntries, TheUpdateEntryTellsTheInstalledVersion) {
+TEST_F(ArchiveEntries, TheUpdateEntryShowsTheInstalledVersion) {
     service_->CheckForUpdates_VB(nullptr, 1);
     EXPECT_EQ(OnlyBox(), L"Version 1.0.0.0 is installed.\n\nNew versions come from whoever "
                          L"installed this one.");
 }
 
-// How often a content was compared by its digest, which a plain zip does for twins only.
+// The number of digests computed; a zip without encryption computes them for duplicates only.
 int digests;
 decltype(&BCryptFinishHash) realFinish;
 NTSTATUS WINAPI CountDigest(BCRYPT_HASH_HANDLE hash, PUCHAR output, ULONG size, ULONG flags) {

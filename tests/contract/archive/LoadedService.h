@@ -1,4 +1,4 @@
-// The archive service that lies beside the program, bound by hand as any caller would.
+// The archive service beside the program, loaded and bound as by any caller.
 #pragma once
 
 #include "ObLib/Src/Win32/UniqueHandle.h"

@@ -1,4 +1,4 @@
-// The password that a check hands to the program which makes its archives.
+// The password that a check passes to the program which makes its archives.
 #pragma once
 
 #include <windows.h>

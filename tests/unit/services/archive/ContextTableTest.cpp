@@ -55,7 +55,7 @@ TEST(ContextTableTest, CopiesAreNotTouchedByLaterChanges) {
     EXPECT_STREQ(table.Copy(context)->password.Text(), "second");
 }
 
-TEST(SecretTest, HoldsTextAndEmptiness) {
+TEST(SecretTest, StoresATextOrNothing) {
     EXPECT_TRUE(obarchive::Secret().Empty());
     EXPECT_TRUE(obarchive::Secret(nullptr).Empty());
     EXPECT_TRUE(obarchive::Secret("").Empty());
@@ -66,7 +66,7 @@ TEST(SecretTest, HoldsTextAndEmptiness) {
     EXPECT_STREQ(moved.Text(), "p\xC3\xA4ss");
 }
 
-// The memory of a local buffer stays mapped after its end, so what is left in it can be looked at.
+// The memory of a local buffer stays mapped after its scope, so a test can read what is left in it.
 TEST(SecretTest, AStackBufferIsWipedAtTheEndOfItsScope) {
     alignas(8) static unsigned char place[sizeof(obarchive::WipedBuffer<char, 32>)];
     auto* buffer = new (place) obarchive::WipedBuffer<char, 32>;

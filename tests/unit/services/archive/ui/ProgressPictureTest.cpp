@@ -1,5 +1,5 @@
-// The progress window isn't blank and grows with the screen's scale. With OB_PICTURES, a folder,
-// its picture is left there for people to judge.
+// The progress window isn't blank and grows with the display's scale. In the folder OB_PICTURES,
+// where that is set, the test leaves its picture to be judged by eye.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ int ExpectedDpi() {
     return text ? std::atoi(text) : 0;
 }
 
-// Milliseconds of a run that stands still after some seconds, so that the picture comes to rest.
+// The clock of a run; it stops after some seconds, so that the window no longer changes.
 constexpr std::uint64_t kStandstill = 12'500;
 std::atomic<std::uint64_t> runTime;
 std::uint64_t RunClock() { return runTime = std::min(runTime + 500, kStandstill); }
@@ -65,7 +65,7 @@ TEST_F(ProgressPicture, ShowsALongPathAndTheTimeLeft) {
     EXPECT_EQ(obarchive::RunWithProgress(nullptr, work, &RunClock), ZipResult::Ok);
 }
 
-// Nothing that the window may say is cut off at its right end.
+// No text of the window is cut off at its right end.
 TEST_F(ProgressPicture, EveryTextFits) {
     obarchive::ProgressWindow progress(nullptr);
     const HWND window = obtest::FindProgressWindow();

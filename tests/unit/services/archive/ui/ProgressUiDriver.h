@@ -1,4 +1,4 @@
-// Plays the person in front of a progress window: a second thread that looks and presses.
+// The UI driver of the progress window: a second thread that reads it and presses buttons.
 #pragma once
 
 #include <windows.h>
@@ -12,13 +12,13 @@ namespace obtest {
 // The visible progress window of this process, or null.
 HWND FindProgressWindow();
 
-// Waits until the condition holds; false after ten seconds.
+// Waits until the condition is true; returns false after ten seconds.
 bool WaitUntil(const std::function<bool()>& condition);
 
-// The text of one of its controls.
+// The text of one of the window's controls.
 std::wstring ProgressText(HWND window, int id);
 
-// Waits for the window, plays the person and is joined at the end.
+// Waits for the window, then runs `act` on a second thread; joined at the end.
 class ProgressUiDriver {
 public:
     explicit ProgressUiDriver(std::function<void(HWND)> act);

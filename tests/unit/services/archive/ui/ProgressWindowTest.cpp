@@ -46,7 +46,7 @@ TEST(ProgressWindowTest, AnOwnerThatWasDisabledBeforeStaysSo) {
     EXPECT_FALSE(IsWindowEnabled(owner.Get()));
 }
 
-TEST(ProgressWindowTest, AnOwnerThatIsGoneDoesNotKeepTheWindowAway) {
+TEST(ProgressWindowTest, TheWindowOpensWhenTheOwnerNoLongerExists) {
     for (const HWND owner : {HWND{}, reinterpret_cast<HWND>(0xDEAD)}) {
         const ProgressWindow window(owner);
         EXPECT_TRUE(FindProgressWindow());
@@ -66,7 +66,7 @@ TEST(ProgressWindowTest, ShowsFileBarAndTime) {
     EXPECT_EQ(BarAt(shown), 1000);
 }
 
-TEST(ProgressWindowTest, TheBarNeverGoesBack) {
+TEST(ProgressWindowTest, TheBarNeverMovesBack) {
     ProgressWindow window(nullptr);
     const HWND shown = FindProgressWindow();
     window.Show({L"a", 600, 1000, L""});
@@ -82,7 +82,7 @@ TEST(ProgressWindowTest, SizesAboveFourGibibytesFit) {
     EXPECT_EQ(BarAt(FindProgressWindow()), 750);
 }
 
-TEST(ProgressWindowTest, WithoutATotalTheBarOnlySaysThatWorkGoesOn) {
+TEST(ProgressWindowTest, WithoutATotalTheBarMovesWithoutAMeasure) {
     ProgressWindow window(nullptr);
     const HWND shown = FindProgressWindow();
     window.Show({L"a", 600, 0, L""});
@@ -102,13 +102,13 @@ TEST(ProgressWindowTest, CancelCanBePressedOnceAndStays) {
     EXPECT_TRUE(IsWindowVisible(shown)); // until the work has ended
 }
 
-TEST(ProgressWindowTest, OkIsNoAnswer) {
+TEST(ProgressWindowTest, OkIsIgnored) {
     ProgressWindow window(nullptr);
     SendMessageW(FindProgressWindow(), WM_COMMAND, IDOK, 0);
     EXPECT_FALSE(window.IsCancelAsked());
 }
 
-TEST(ProgressWindowTest, TheEndOfTheOwnerIsACancel) {
+TEST(ProgressWindowTest, DestroyingTheOwnerCancels) {
     ObLib::UniqueWindow owner = MakeOwner();
     ProgressWindow window(owner.Get());
     owner.Reset();

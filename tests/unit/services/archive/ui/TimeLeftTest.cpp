@@ -14,8 +14,8 @@ using obarchive::TimeLeftText;
 constexpr std::uint64_t kStart = 1'000'000;
 constexpr std::uint64_t kTick = 100; // milliseconds
 
-// Plays a run whose speed is given for each moment, in bytes a millisecond, and collects what is
-// told at each tick; 0 where nothing is told.
+// Simulates a run whose speed is given for each moment, in bytes a millisecond, and collects the
+// estimate at each tick; 0 where there is none.
 std::vector<std::uint64_t> Play(std::uint64_t total, std::uint64_t length,
                                 const std::function<double(std::uint64_t)>& speed) {
     TimeLeft timeLeft(kStart);
@@ -29,7 +29,7 @@ std::vector<std::uint64_t> Play(std::uint64_t total, std::uint64_t length,
     return told;
 }
 
-TEST(TimeLeftTest, NothingIsToldInTheFirstTwoSeconds) {
+TEST(TimeLeftTest, ThereIsNoEstimateInTheFirstTwoSeconds) {
     const auto told = Play(30'000'000, 3000, [](std::uint64_t) { return 1000.0; });
     for (std::size_t tick = 0; tick < 20; ++tick) EXPECT_EQ(told[tick], 0U) << tick;
     EXPECT_EQ(told[20], 28U);
@@ -42,7 +42,7 @@ TEST(TimeLeftTest, ASteadyRunCountsDownSecondBySecond) {
     }
 }
 
-TEST(TimeLeftTest, NothingIsToldWithoutATotalOrBeforeAnythingIsDone) {
+TEST(TimeLeftTest, ThereIsNoEstimateWithoutATotalOrBeforeAnythingIsDone) {
     for (const std::uint64_t value : Play(0, 5000, [](std::uint64_t) { return 1000.0; })) {
         EXPECT_EQ(value, 0U);
     }
@@ -51,7 +51,7 @@ TEST(TimeLeftTest, NothingIsToldWithoutATotalOrBeforeAnythingIsDone) {
     }
 }
 
-// What a disk does: every second is four times as fast or slow as the one before.
+// As with a disk: every second is four times as fast or slow as the one before.
 TEST(TimeLeftTest, AnUnsteadySpeedDoesNotMakeItJump) {
     const auto speed = [](std::uint64_t at) { return at / 1000 % 2 ? 1600.0 : 400.0; };
     const auto told = Play(60'000'000, 50'000, speed);
@@ -90,7 +90,7 @@ TEST(TimeLeftTest, ALateRunStaysAtOneSecondAndNeverBelow) {
     for (std::size_t tick = 20; tick < told.size(); ++tick) EXPECT_GE(told[tick], 1U);
 }
 
-TEST(TimeLeftTest, MoreReadThanForeseenIsAlmostTheEnd) {
+TEST(TimeLeftTest, MoreReadThanTheTotalShowsOneSecond) {
     TimeLeft timeLeft(kStart);
     timeLeft.Note(kStart + 1000, 500, 400);
     timeLeft.Note(kStart + 3000, 900, 400);

@@ -31,7 +31,7 @@ protected:
     TestFolder root_;
 };
 
-TEST_F(UsageRecordTest, ALineHoldsTimeEventAndDetails) {
+TEST_F(UsageRecordTest, ALineContainsTimeEventAndDetails) {
     const UsageRecord record(Folder());
     EXPECT_EQ(obtest::ListTree(root_.Path()), Tree{});
     EXPECT_TRUE(record.Append(kTime, L"feature.file-send", L"file-send.type=attachment"));
@@ -59,7 +59,7 @@ TEST_F(UsageRecordTest, LongDetailsAreCut) {
               "2026-11-05T07:08:09Z\tevent\t" + std::string(1000, 'x') + "\r\n");
 }
 
-TEST_F(UsageRecordTest, AFullFileIsPutAsideAndTheOlderOneGoes) {
+TEST_F(UsageRecordTest, AFullFileIsRenamedAndReplacesTheOlderOne) {
     constexpr std::uint64_t kLimit = 100;
     const UsageRecord record(Folder(), kLimit);
     for (const wchar_t* event : {L"1", L"2", L"3", L"4", L"5", L"6", L"7"}) {
@@ -90,7 +90,7 @@ TEST_F(UsageRecordTest, TheLimitIsAQuarterOfAMebibyte) {
     EXPECT_EQ(ReadFileContent(Older())->size(), 256U * 1024);
 }
 
-TEST_F(UsageRecordTest, AReaderThatKeepsTheFullFileStopsTheRecordAndNotTheLimit) {
+TEST_F(UsageRecordTest, WhileAReaderHasTheFullFileOpenNothingIsAdded) {
     const UsageRecord record(Folder(), 60);
     EXPECT_TRUE(record.Append(kTime, L"first", std::wstring(20, L'.')));
     const std::string before = *ReadFileContent(Current());
@@ -106,26 +106,26 @@ TEST_F(UsageRecordTest, AReaderThatKeepsTheFullFileStopsTheRecordAndNotTheLimit)
     EXPECT_EQ(ReadFileContent(Older()), before);
 }
 
-TEST_F(UsageRecordTest, AFileInThePlaceOfTheFolderIsSilent) {
+TEST_F(UsageRecordTest, AFileInThePlaceOfTheFolderFailsSilently) {
     root_.File(L"maker", "mine");
     EXPECT_FALSE(UsageRecord(Folder()).Append(kTime, L"event", L""));
     EXPECT_EQ(ReadFileContent(root_ / L"maker"), "mine");
 }
 
-TEST_F(UsageRecordTest, AMissingParentIsNotMade) {
+TEST_F(UsageRecordTest, AMissingFolderTwoLevelsUpIsNotCreated) {
     EXPECT_FALSE(UsageRecord(root_ / L"a\\b\\c").Append(kTime, L"event", L""));
     EXPECT_EQ(obtest::ListTree(root_.Path()), Tree{});
 }
 
-TEST_F(UsageRecordTest, AFolderInThePlaceOfTheFileIsSilent) {
+TEST_F(UsageRecordTest, AFolderInThePlaceOfTheFileFailsSilently) {
     const std::wstring folder = root_.Folder(L"folder");
     CreateDirectoryW((folder + L"\\usage.txt").c_str(), nullptr);
     EXPECT_FALSE(UsageRecord(folder).Append(kTime, L"event", L""));
     EXPECT_EQ(obtest::ListTree(folder), Tree{L"usage.txt\\"});
 }
 
-// The lock isn't had in time, as when a process hangs that holds it.
-TEST_F(UsageRecordTest, AHangingWriterCostsTheOthersLittleTime) {
+// The lock isn't free in time, as when a process hangs that has it.
+TEST_F(UsageRecordTest, AWriterThatHangsDelaysOthersByAQuarterOfASecond) {
     const UsageRecord record(Folder());
     EXPECT_TRUE(record.Append(kTime, L"first", L""));
     const obtest::ImportPatch<decltype(&WaitForSingleObject)> patch(
@@ -137,7 +137,7 @@ TEST_F(UsageRecordTest, AHangingWriterCostsTheOthersLittleTime) {
     EXPECT_EQ(ReadFileContent(Current()), before);
 }
 
-// A disk that takes ten bytes more.
+// A disk with room for ten more bytes.
 decltype(&WriteFile) realWrite = nullptr;
 BOOL WINAPI WriteTenBytes(HANDLE file, const void* data, DWORD, DWORD* written, OVERLAPPED* how) {
     realWrite(file, data, 10, written, how);
@@ -161,7 +161,7 @@ TEST_F(UsageRecordTest, AFullDiskLeavesNoHalfLine) {
 
 constexpr int kLines = 150;
 
-// Also the other process of the test below, which then names the folder.
+// Also run as the other processes of the test below, which pass the folder.
 TEST(UsageRecordWriter, WritesItsLines) {
     const TestFolder own;
     const wchar_t* const given = _wgetenv(L"OB_RECORD_FOLDER");
@@ -172,7 +172,7 @@ TEST(UsageRecordWriter, WritesItsLines) {
         const std::wstring event =
             std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(line);
         GetSystemTime(&now);
-        // Under load a line may be given up; here each is tried again, so that all can be counted.
+        // Under load a line may be left out. Retry here, so that all lines can be counted.
         bool done = false;
         for (int attempt = 0; !done && attempt < 40; ++attempt) {
             done = record.Append(now, event, L"end");
@@ -211,7 +211,7 @@ std::size_t CountWholeLines(const std::string& text) {
     return count;
 }
 
-// The files are small, so that the processes also put the file aside under each other's hands.
+// The files are small, so that the processes also rename the file while others append.
 TEST(UsageRecordProcesses, ThreeAtOnceKeepWholeLinesAndTheLimit) {
     const TestFolder folder;
     SetEnvironmentVariableW(L"OB_RECORD_FOLDER", folder.Path().c_str());
@@ -228,7 +228,7 @@ TEST(UsageRecordProcesses, ThreeAtOnceKeepWholeLinesAndTheLimit) {
     const std::string older = *ReadFileContent(folder / L"usage.old.txt");
     EXPECT_LE(current.size(), 8U * 1024);
     EXPECT_LE(older.size(), 8U * 1024);
-    // What is put aside is full: nothing was put aside twice, so nothing was lost on the way.
+    // The renamed file is full: no process renamed it a second time, so no line was lost.
     EXPECT_GT(older.size(), 8U * 1024 - 60);
     EXPECT_GT(CountWholeLines(current) + CountWholeLines(older), 200U);
     EXPECT_EQ(obtest::ListTree(folder.Path()), (Tree{L"usage.old.txt", L"usage.txt"}));
@@ -253,7 +253,7 @@ protected:
     std::wstring maker_;
 };
 
-TEST_F(UserRecordTest, LiesBelowTheLocalApplicationData) {
+TEST_F(UserRecordTest, IsStoredBelowTheLocalApplicationData) {
     obarchive::RecordUsage(L"feature.cloud", L"cloud.name=Depot");
     const std::string text = Record();
     ASSERT_GT(text.size(), 21U);
@@ -263,7 +263,7 @@ TEST_F(UserRecordTest, LiesBelowTheLocalApplicationData) {
     EXPECT_EQ(text.substr(0, 3), std::to_string(now.wYear).substr(0, 3));
 }
 
-TEST_F(UserRecordTest, StartAndEndOfAProcessCarryItsNumber) {
+TEST_F(UserRecordTest, StartAndEndOfAProcessHaveItsNumber) {
     obarchive::RecordProcessUsage(L"launch");
     const std::string number = std::to_string(GetCurrentProcessId());
     EXPECT_EQ(Record().substr(20), "\tlaunch\tprocess=" + number + "\r\n");
