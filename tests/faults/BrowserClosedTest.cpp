@@ -1,5 +1,6 @@
-// The browser's window closes, or its program is told to quit, while the real host shows its real
-// dialog. The person goes on picking; the page, whose call hasn't come back yet, is still answered.
+// The browser's window closes, or its message loop gets WM_QUIT, while the real host shows its real
+// dialog. The UI driver goes on picking; the page, whose call hasn't returned yet, still gets an
+// answer.
 #include "tests/e2e/RealRequest.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
@@ -30,7 +31,7 @@ protected:
         RealRequest::TearDown();
     }
 
-    // The browser's window goes first, and the dialog stays for the person to use.
+    // The browser's window is destroyed first; the dialog stays and can be used.
     Use CloseBrowserAnd(Use use) const {
         return [root = window_.Root(), use](OpenPicker& picker) {
             PostMessageW(root, WM_CLOSE, 0, 0);
@@ -68,7 +69,7 @@ protected:
     MessageBoxWatcher boxes_{MessageBoxWatcher::Scope::AllProcesses};
 };
 
-TEST_F(BrowserClosed, UnderTheDialogThePageStillGetsThePickedFile) {
+TEST_F(BrowserClosed, WhileTheDialogIsShownThePageStillGetsThePickedFile) {
     PickerUiDriver driver(CloseBrowserAnd(Pick(Choice::None, {one_})));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
@@ -77,7 +78,7 @@ TEST_F(BrowserClosed, UnderTheDialogThePageStillGetsThePickedFile) {
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
-TEST_F(BrowserClosed, UnderTheDialogThePageStillGetsTheZipAndIsToldToClearIt) {
+TEST_F(BrowserClosed, WhileTheDialogIsShownThePageStillGetsTheZipAndItsCleanupNames) {
     PickerUiDriver driver(CloseBrowserAnd(Pick(Choice::Zip, {one_, two_})));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
@@ -85,7 +86,7 @@ TEST_F(BrowserClosed, UnderTheDialogThePageStillGetsTheZipAndIsToldToClearIt) {
     ExpectOnlyTheZipIsLeft(answer.given);
 }
 
-TEST_F(BrowserClosed, UnderTheDialogACancelLeavesNothing) {
+TEST_F(BrowserClosed, WhileTheDialogIsShownACancelLeavesNothing) {
     PickerUiDriver driver(CloseBrowserAnd(Cancel()));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
@@ -94,7 +95,7 @@ TEST_F(BrowserClosed, UnderTheDialogACancelLeavesNothing) {
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
-TEST_F(BrowserClosed, UnderTheDialogOfTheDialogPathTheResultsStand) {
+TEST_F(BrowserClosed, WhileTheDialogIsShownTheDialogPathKeepsItsResults) {
     PickerUiDriver driver(CloseBrowserAnd(Pick(Choice::None, {one_, two_})));
     EXPECT_EQ(AskShow(), S_OK);
     EXPECT_TRUE(driver.Done());
@@ -104,7 +105,7 @@ TEST_F(BrowserClosed, UnderTheDialogOfTheDialogPathTheResultsStand) {
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
-TEST_F(BrowserClosed, ToldToQuitThePageIsAnsweredFirstAndTheQuitComesBehind) {
+TEST_F(BrowserClosed, AfterAQuitMessageThePageIsAnsweredFirstAndTheQuitIsPostedAgain) {
     PickerUiDriver driver(QuitBrowserAnd(Pick(Choice::None, {one_})));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
@@ -115,7 +116,7 @@ TEST_F(BrowserClosed, ToldToQuitThePageIsAnsweredFirstAndTheQuitComesBehind) {
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
-TEST_F(BrowserClosed, AndToldToQuitOnTheDialogPathTheZipIsStillGivenAndTheQuitComesBehind) {
+TEST_F(BrowserClosed, AfterAQuitMessageOnTheDialogPathTheZipIsDeliveredAndTheQuitIsPostedAgain) {
     PickerUiDriver driver(QuitBrowserAnd(CloseBrowserAnd(Pick(Choice::Zip, {one_, two_}))));
     EXPECT_EQ(AskShow(), S_OK);
     EXPECT_TRUE(driver.Done());
@@ -125,7 +126,7 @@ TEST_F(BrowserClosed, AndToldToQuitOnTheDialogPathTheZipIsStillGivenAndTheQuitCo
     ExpectOnlyTheZipIsLeft(given);
 }
 
-TEST_F(BrowserClosed, ToldToQuitACancelIsACancelAndTheQuitComesBehind) {
+TEST_F(BrowserClosed, AfterAQuitMessageACancelIsACancelAndTheQuitIsPostedAgain) {
     PickerUiDriver driver(QuitBrowserAnd(Cancel()));
     EXPECT_EQ(AskShow(), kCancelled);
     EXPECT_TRUE(driver.Done());

@@ -1,4 +1,4 @@
-// The browser goes away under a running request: its window closes, its program is told to quit.
+// The browser ends during a request: its window closes, or its message loop gets WM_QUIT.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -42,7 +42,7 @@ protected:
         obcore::Results().clear();
     }
 
-    // Does `what` once, as soon as the host runs, and then lets the host go on.
+    // Calls `what` once, as soon as the host runs, and then lets the host continue.
     void OnceTheHostRuns(std::function<void()> what) {
         browser_.OnTick([this, what] {
             if (done_ || !Exists(L"running")) return;
@@ -67,7 +67,7 @@ protected:
 
 const wchar_t kAnswer[] = L"status 3\nslot \"C:\\f\"\nresult 1";
 
-// The page's window goes with the browser's, and the layer with both.
+// Destroying the browser's window destroys the page's, and the layer window with both.
 TEST_F(BrowserGone, StillReadsTheAnswerWhenItsWindowWasClosed) {
     OnceTheHostRuns([this] { DestroyWindow(browser_.Root()); });
     EXPECT_EQ(Open(kAnswer), 1);
@@ -88,8 +88,8 @@ TEST_F(BrowserGone, ReadsACancelWhenItsWindowWasClosedAndTheHostFailed) {
     EXPECT_EQ(std::wstring(file_), L"");
 }
 
-// The request runs to its end first; then the browser is told again, with the same value.
-TEST_F(BrowserGone, FinishesTheRequestAndHandsOnAQuit) {
+// The request runs to its end first; then WM_QUIT is posted again with the same value.
+TEST_F(BrowserGone, FinishesTheRequestAndPostsTheQuitAgain) {
     OnceTheHostRuns([] { PostQuitMessage(17); });
     EXPECT_EQ(Open(kAnswer), 1);
     EXPECT_EQ(std::wstring(file_), L"C:\\f");

@@ -29,7 +29,7 @@ protected:
         request_.nMaxFile = kCapacity;
     }
 
-    // The host has carried `script` out and waits; then it is killed.
+    // Runs a host that carries out `script` and waits; then kills it.
     template <class Request>
     auto RunKilled(const std::wstring& script, UINT exitCode, Request request) {
         DeleteFileW(Sign().c_str());
@@ -71,8 +71,8 @@ protected:
     obtest::CallersDialog dialog_;
 };
 
-// Every half of an answer: taken only, a list without its result, all but the clean-up names, a
-// list that isn't closed, a link without its text.
+// Each incomplete answer: only taken, a list without its result, all but the clean-up names, a list
+// that isn't closed, a link without its text.
 const wchar_t* const kHalves[] = {
     L"status 3",
     L"status 3\nslot \"C:\\half.txt\"",
@@ -98,9 +98,9 @@ TEST_F(HalfWrittenBlock, GivesThePageNothingOnTheDialogPath) {
     }
 }
 
-// Who kills it chooses the exit code. One that says success makes the block count, and then the
-// result decides, which a host writes last.
-TEST_F(HalfWrittenBlock, GivesNoFileBeforeItsResultAlsoWhenTheKillerSaysSuccess) {
+// The killing process chooses the exit code. Exit code 0 makes the block valid, and then the result
+// decides, which a host writes last.
+TEST_F(HalfWrittenBlock, GivesNoFileWithoutAResultEvenWhenTheExitCodeIsZero) {
     EXPECT_EQ(Open(L"status 3\nslot \"C:\\half.txt\"", 0), 0);
     ExpectNothingDelivered();
 }

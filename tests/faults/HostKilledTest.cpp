@@ -1,5 +1,5 @@
-// The host is killed at each step of a request. Whatever it was doing, the page reads a cancel, the
-// person sees nothing, the browser takes input again, and the person's files are as they were.
+// The host is killed at each step of a request. In each case the page gets a cancel, no message is
+// shown, the browser takes input again, and the user's files are unchanged.
 #include <algorithm>
 #include <thread>
 
@@ -45,7 +45,8 @@ protected:
         ReleaseHeldCall();
     }
 
-    // The person picks two files for a zip, and the host is killed where the script holds it.
+    // The UI driver picks two files for a zip; the host is killed at the call that the script
+    // blocks.
     Use PickAndKill() const {
         return [pick = Pick(Choice::Zip, {one_, two_})](OpenPicker& picker) {
             pick(picker);
@@ -58,7 +59,7 @@ protected:
         EXPECT_EQ(answer.given, Texts{});
     }
 
-    // What is left, with each made folder as its number of the run.
+    // What is left in the temporary folder; each folder that was made is shown as its number.
     Texts Left() const {
         Texts left = LeftInTemp();
         Texts folders;
@@ -73,7 +74,7 @@ protected:
 
     static constexpr wchar_t kZipName[] = L"two files.zip";
 
-    // The page is served again at once.
+    // Expects that the page's next request is served.
     void ExpectTheNextRequestIsServed() {
         FakeModules::Reset();
         PickerUiDriver driver(Pick(Choice::None, {one_}));
@@ -97,7 +98,7 @@ TEST_F(HostKilled, BeforeItMapsTheBlock) {
     ExpectTheNextRequestIsServed();
 }
 
-TEST_F(HostKilled, BehindMappingAndBeforeItsDialog) {
+TEST_F(HostKilled, AfterItMapsTheBlockAndBeforeItsDialog) {
     for (const bool open : {true, false}) {
         FakeModules::Reset();
         FakeModules::Answer(L"Hold", L"AllowedEncryptMethods");
@@ -127,7 +128,7 @@ TEST_F(HostKilled, WhileItsDialogIsShownOnTheDialogPath) {
     EXPECT_EQ(Left(), Texts{});
 }
 
-// Nobody is asked whether to debug it, and nobody waits for an answer.
+// No debugger's question is shown, and nothing waits for an answer.
 TEST_F(HostKilled, ByACrashOfItsOwn) {
     for (const bool open : {true, false}) {
         PickerUiDriver driver([](OpenPicker&) { EXPECT_TRUE(CrashHost()); });
@@ -141,7 +142,7 @@ TEST_F(HostKilled, ByACrashOfItsOwn) {
     ExpectTheNextRequestIsServed();
 }
 
-// The copies that the zip was made from stay: nobody is there any more who knows of them.
+// The copies that the zip was made from stay: no process that knows of them is left.
 TEST_F(HostKilled, DuringTheZip) {
     FakeModules::Answer(L"Hold", L"Zip");
     PickerUiDriver driver(PickAndKill());
@@ -156,7 +157,7 @@ TEST_F(HostKilled, DuringTheZipOnTheDialogPath) {
     PickerUiDriver driver(PickAndKill());
     EXPECT_EQ(AskShow(), kCancelled);
     EXPECT_TRUE(driver.Done());
-    // The dialog gave nothing, so the page's question goes to the browser.
+    // The dialog gave no result, so the page's query is passed to the browser.
     std::wstring path;
     EXPECT_EQ(GetResult(path), E_FAIL);
     EXPECT_EQ(browser_.ownDialogs, Texts{L"result"});
@@ -182,7 +183,7 @@ public:
         return std::all_of(begin, begin + 4096, [](std::uint8_t byte) { return byte == 0; });
     }
 
-    // What stands in the last character of the first page.
+    // The last character of the first page.
     wchar_t BeforeSecondPage() const {
         return *reinterpret_cast<const wchar_t*>(bytes_.Get() + 4094);
     }
@@ -197,13 +198,13 @@ protected:
     void SetUp() override {
         HostKilled::SetUp();
         FakeModules::Answer(L"Hold", L"WriteSecondPage");
-        // An answer of more than a page on either road; no zip, so that there is no other write.
+        // An answer of more than a page on either path; no zip, so that there is no other write.
         for (int number = 100; number < 180; ++number)
             many_.push_back(
                 files_.File(std::to_wstring(number) + std::wstring(30, L'n') + L".txt", "many"));
     }
 
-    // Kills the host as it goes on from the block's first page to its second.
+    // Kills the host when its writing reaches the block's second page.
     Use PickAndKillAsItWrites(std::function<int()> blockId) const {
         return [pick = Pick(Choice::None, many_), blockId](OpenPicker& picker) {
             pick(picker);
@@ -222,7 +223,7 @@ protected:
     Texts many_;
 };
 
-TEST_F(HostKilledAsItWrites, TheListOfFilesThePageGetsNoFile) {
+TEST_F(HostKilledAsItWrites, TheFileListGivesThePageNoFile) {
     const int id = static_cast<int>(GetCurrentThreadId());
     PickerUiDriver driver(PickAndKillAsItWrites([id] { return id; }));
     ExpectCancel(AskOpen());
@@ -231,8 +232,8 @@ TEST_F(HostKilledAsItWrites, TheListOfFilesThePageGetsNoFile) {
     ExpectTheNextRequestIsServed();
 }
 
-TEST_F(HostKilledAsItWrites, ThePathsOfTheDialogPathThePageGetsNoFile) {
-    // Blocks of this road are counted; the one that stands is the running one.
+TEST_F(HostKilledAsItWrites, ThePathsOfTheDialogPathGiveThePageNoFile) {
+    // Blocks of this path are numbered; the one that exists is that of the running request.
     const auto running = [] {
         int id = 1;
         while (id < 100 && !BlockOf(id).Ok()) ++id;
@@ -249,7 +250,7 @@ TEST_F(HostKilledAsItWrites, ThePathsOfTheDialogPathThePageGetsNoFile) {
     EXPECT_EQ(Left(), Texts{});
 }
 
-TEST_F(HostKilled, WhileItClearsItsCopies) {
+TEST_F(HostKilled, WhileItDeletesItsCopies) {
     FakeModules::Answer(L"Hold", L"DeleteFileW");
     PickerUiDriver driver(PickAndKill());
     ExpectCancel(AskOpen());
@@ -258,8 +259,8 @@ TEST_F(HostKilled, WhileItClearsItsCopies) {
     EXPECT_EQ(Left(), (Texts{L"1\\", L"1\\one.txt", L"1\\two.txt", L"2\\", zip}));
 }
 
-// The answer stands whole in the block, but a host that didn't end well has no answer.
-TEST_F(HostKilled, BehindItsResult) {
+// The block contains a complete answer, but only exit code 0 makes an answer valid.
+TEST_F(HostKilled, AfterItsResult) {
     FakeModules::Answer(L"Hold", L"LogExit");
     PickerUiDriver driver(PickAndKill());
     ExpectCancel(AskOpen());
@@ -268,7 +269,7 @@ TEST_F(HostKilled, BehindItsResult) {
     ExpectTheNextRequestIsServed();
 }
 
-TEST_F(HostKilled, BehindItsResultOnTheDialogPath) {
+TEST_F(HostKilled, AfterItsResultOnTheDialogPath) {
     FakeModules::Answer(L"Hold", L"LogExit");
     PickerUiDriver driver(PickAndKill());
     EXPECT_EQ(AskShow(), kCancelled);

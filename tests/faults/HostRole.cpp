@@ -132,7 +132,7 @@ void HostRole::ExpectNothingGiven(const Answer& answer) {
     EXPECT_EQ(answer.files, Texts{});
 }
 
-std::size_t HostRole::TimesToldThatTheZipFailed() const {
+std::size_t HostRole::ZipFailureMessages() const {
     const std::wstring text = obcore::LoadText(obcore::TextId::ZipFailed, 2048);
     const std::vector<SeenBox> seen = boxes_.Seen();
     return static_cast<std::size_t>(

@@ -1,5 +1,5 @@
 // The test's process in the host's role, with the real archive service and provider manager. Only
-// the shell's dialog is a double: a test says what the person picked.
+// the shell's dialog is a fake: the test sets what the user picks.
 #pragma once
 
 #include <windows.h>
@@ -31,37 +31,39 @@ protected:
 
     // What the page is given.
     struct Answer {
-        std::int32_t result = 0; // BOOL or HRESULT, by the road
-        Texts files;             // as the page reads them; empty when nothing is handed over
+        std::int32_t result = 0; // BOOL or HRESULT, by the path
+        Texts files;             // as the page reads them; empty when nothing is delivered
         std::wstring cleanupFolder;
         std::wstring cleanupFile;
     };
 
-    // Serves the request `page` on the open-file-name road; the person picks these files.
+    // Serves the request `page` on the open-file-name path; the user picks these files.
     Answer Open(const Texts& picked);
-    // The same on the dialog road.
+    // Serves a request on the dialog path; the user picks these files.
     Answer Show(const Texts& picked);
 
-    // The choices that the person finds made: a zip, a zip with a password, or neither.
+    // The choice that is made when the dialog opens: a zip, or no zip.
     static void ChooseZip();
     static void ChooseNoZip();
 
-    // From now on GetTempPathW answers this folder.
+    // From now on GetTempPathW returns this folder.
     static void UseTemporaryFolder(const std::wstring& folder);
 
-    // What lies in the temporary folder, each folder that a run made as its number, in order.
+    // What is in the temporary folder; each folder that a run made is shown as its number, in
+    // order.
     Texts Left() const;
     static Texts Numbered(Texts items);
 
-    // The page was given one zip that lies in the temporary folder; its entries by name in UTF-8.
+    // Expects that the page was given one zip in the temporary folder; returns its entries by name
+    // in UTF-8.
     std::map<std::string, std::string> ZipOf(const Answer& answer) const;
 
-    // The zip of a run is all that it left.
+    // Expects that the zip is all that the run left.
     void ExpectOnlyTheZipIsLeft(const Answer& answer) const;
     static void ExpectNothingGiven(const Answer& answer);
 
-    // The boxes that said that no zip could be made.
-    std::size_t TimesToldThatTheZipFailed() const;
+    // How many message boxes said that no zip could be made.
+    std::size_t ZipFailureMessages() const;
 
     OPENFILENAMEW page_ = {};
     TestFolder sources_;

@@ -1,13 +1,13 @@
-// Many requests in one browser, each served by the real library and a real host process: nothing of
-// any of them is left, neither in the browser's process nor in the system. Only the shell's dialog
-// is a double, which confirms at once.
+// Many requests in one browser, each served by the real library and a real host process. None of
+// them leaves anything, neither in the browser's process nor in the system. Only the shell's dialog
+// is a fake, which confirms at once.
 #include <cstdio>
 #include <cstdlib>
 
 #include "tests/e2e/RealRequest.h"
 #include "tests/fakes/Recording.h"
-#include "tests/faults/Holdings.h"
 #include "tests/faults/HostProcess.h"
+#include "tests/faults/ProcessResources.h"
 #include "tests/support/FakeModules.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
@@ -17,7 +17,7 @@ namespace {
 
 using Texts = std::vector<std::wstring>;
 
-// The shell dialog's class, with the double's module as its server, for a scope.
+// Registers the fake's module as the server of the shell dialog's class, for a scope.
 class QuickDialogClass {
 public:
     QuickDialogClass() : before_(Server()) { SetServer(BesideProgram(L"quick_dialog.dll")); }
@@ -47,8 +47,8 @@ bool SectionIsLeft(int id) {
 
 int refusedStarts = 0;
 
-// Wine refuses one start of a program in some thousands, whatever program it is. The request is a
-// cancel then, as it should be, and the test asks once more.
+// Wine refuses one start of a program in some thousands, whatever the program. The request is then
+// a cancel, as it should be, and the test asks once more.
 BOOL WINAPI StartAndCountRefusals(LPCWSTR program, LPWSTR line, LPSECURITY_ATTRIBUTES process,
                                   LPSECURITY_ATTRIBUTES thread, BOOL inherit, DWORD flags,
                                   LPVOID environment, LPCWSTR folder, LPSTARTUPINFOW startup,
@@ -69,7 +69,7 @@ protected:
         SetUserValue(L"AutoEncrypt", L"0");
     }
 
-    // Both roads by turns; every tenth request is for a zip, which the page clears up.
+    // Both paths by turns; every tenth request is for a zip, which the page deletes.
     void Ask(int round) {
         SetUserValue(L"SendItem", round % 10 == 0 ? L"1" : L"0");
         const int refusedBefore = refusedStarts;
@@ -103,8 +103,8 @@ private:
 
 using Starts = ImportPatch<decltype(&CreateProcessW)>;
 
-// Starting a thousand host programs takes one to some minutes, by what else the machine does. A run
-// that doesn't ask for them plays as many as fit.
+// Starting a thousand host programs takes one to several minutes. Without OB_REQUESTS_IN_A_ROW the
+// test makes as many requests as fit into its limit.
 class Rounds {
 public:
     Rounds() : asked_(_wgetenv(L"OB_REQUESTS_IN_A_ROW")) {}
@@ -142,8 +142,9 @@ TEST_F(ManyHosts, LeaveNothingInTheBrowserAndNothingInTheSystem) {
     const Starts starts("kernel32.dll", "CreateProcessW", &StartAndCountRefusals,
                         GetModuleHandleW(L"obwmcore64.dll"));
     ASSERT_TRUE(starts.Ok());
-    for (int round = 0; round < 20; ++round) ASSERT_NO_FATAL_FAILURE(Ask(round)); // made once
-    const Holdings before = Holdings::Now();
+    for (int round = 0; round < 20; ++round)
+        ASSERT_NO_FATAL_FAILURE(Ask(round)); // allocates what is allocated once
+    const ProcessResources before = ProcessResources::Now();
     Rounds rounds;
     while (rounds.More()) ASSERT_NO_FATAL_FAILURE(Ask(rounds.Next()));
     rounds.Tell();

@@ -1,4 +1,4 @@
-// A thousand requests in one browser: nothing of any of them is left in its process.
+// A thousand requests in one browser leave nothing in its process.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -11,18 +11,19 @@
 #include "obwmv/BrowserRequest.h"
 #include "tests/fakes/Recording.h"
 #include "tests/fakes/host/HostScript.h"
-#include "tests/faults/Holdings.h"
+#include "tests/faults/ProcessResources.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 #include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 
-using obtest::Holdings;
 using obtest::HostScript;
+using obtest::ProcessResources;
 
-// A host that has served its request and ended already: starting a thousand programs would take
-// longer than all that is measured. The handles are real ones, so that one kept is one too many.
+// Stands in for the start of a host: its request is served and its process has ended already, as
+// starting a thousand programs would take longer than all else. The handles are real, so that a
+// handle that isn't closed is counted.
 BOOL WINAPI ServeAtOnce(LPCWSTR, LPWSTR commandLine, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES,
                         BOOL, DWORD, LPVOID, LPCWSTR, LPSTARTUPINFOW, LPPROCESS_INFORMATION info);
 
@@ -43,7 +44,7 @@ protected:
             obwmv::RunDialogRequest(&dialog_, browser_.Page(), &context_);
     }
 
-    // The section of the road's last request.
+    // The section of the last request on that path.
     static bool SectionIsLeft(std::uint32_t id) {
         const ObLib::UniqueKernelHandle section(
             OpenFileMappingW(FILE_MAP_READ, FALSE, obcore::ExchangeBlockName(id).c_str()));
@@ -57,7 +58,7 @@ protected:
     obtest::CallersDialog dialog_;
 };
 
-// An ended process whose handle is given out again and again.
+// A process that has ended, whose handle is duplicated for each request.
 HANDLE endedProcess;
 
 void Answer(obcontract::ExchangeBlock& block) {
@@ -104,8 +105,8 @@ TEST_F(ManyRequests, LeaveNothingInTheBrowsersProcess) {
     const obtest::ImportPatch<decltype(&CreateProcessW)> host("kernel32.dll", "CreateProcessW",
                                                               &ServeAtOnce);
     ASSERT_TRUE(host.Ok());
-    for (int round = 0; round < 20; ++round) Ask(round); // what is made once
-    const Holdings before = Holdings::Now();
+    for (int round = 0; round < 20; ++round) Ask(round); // allocates what is allocated once
+    const ProcessResources before = ProcessResources::Now();
     for (int round = 0; round < 1000; ++round) Ask(round);
     obtest::ExpectNoMoreThan(before);
     EXPECT_EQ(std::wstring(file_), L"C:\\f");
@@ -118,7 +119,7 @@ TEST_F(ManyRequests, LeaveNothingInTheBrowsersProcess) {
 TEST_F(ManyRequests, LeaveNothingWhenTheHostIsAProgramOfItsOwn) {
     HostScript::Play(L"status 3\nresult 1\nslot \"C:\\f\"");
     for (int round = 0; round < 4; ++round) Ask(round);
-    const Holdings before = Holdings::Now();
+    const ProcessResources before = ProcessResources::Now();
     for (int round = 0; round < 40; ++round) Ask(round);
     obtest::ExpectNoMoreThan(before);
     EXPECT_EQ(HostScript::RecordOf(L"start").size(), 44u);
@@ -127,7 +128,7 @@ TEST_F(ManyRequests, LeaveNothingWhenTheHostIsAProgramOfItsOwn) {
 TEST_F(ManyRequests, LeaveNothingWhenEveryHostIsMissing) {
     const obtest::WithoutHost away;
     for (int round = 0; round < 5; ++round) Ask(round);
-    const Holdings before = Holdings::Now();
+    const ProcessResources before = ProcessResources::Now();
     for (int round = 0; round < 50; ++round) Ask(round);
     obtest::ExpectNoMoreThan(before);
     EXPECT_FALSE(SectionIsLeft(GetCurrentThreadId()));

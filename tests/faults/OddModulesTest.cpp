@@ -1,5 +1,5 @@
-// Modules of the product's names that aren't the product's: left in folders that a search would
-// pass, lacking entries, or empty. Whole requests, with the real library and host.
+// Modules with the product's file names that aren't the product's: in folders of the search path,
+// without an entry, or empty. Whole requests, with the real library and host.
 #include "tests/e2e/RealRequest.h"
 #include "tests/fakes/Recording.h"
 #include "tests/support/AbsentModule.h"
@@ -15,8 +15,8 @@ constexpr wchar_t kArchive[] = L"obofcsvc64.dll";
 constexpr wchar_t kManager[] = L"PVXManager64.dll";
 constexpr wchar_t kLibrary[] = L"obwmcore64.dll";
 
-// The current folder and the first of the search path lead to the planted modules, for this process
-// and for the hosts that it starts.
+// Makes the folder of the planted modules the current folder and the first of the search path, for
+// this process and for the hosts that it starts.
 class PlantedFolder {
 public:
     PlantedFolder() {
@@ -40,7 +40,7 @@ private:
     wchar_t pathBefore_[kPathCapacity] = {};
 };
 
-// Another file in the place of a module, for a scope.
+// Replaces a module by another file, for a scope.
 class InPlaceOf {
 public:
     InPlaceOf(const wchar_t* module, const wchar_t* other)
@@ -53,7 +53,7 @@ public:
     InPlaceOf& operator=(const InPlaceOf&) = delete;
 
 private:
-    const AbsentModule absent_; // puts the module back behind the deletion
+    const AbsentModule absent_; // puts the module back after the deletion
     std::wstring path_;
 };
 
@@ -81,7 +81,7 @@ protected:
         EXPECT_EQ(answer.given, Texts{file_});
     }
 
-    // A cancel on both roads, and no dialog of anyone's.
+    // Expects a cancel on both paths, and no dialog, neither the product's nor the browser's.
     void ExpectCancels() {
         const OpenAnswer answer = AskOpen();
         EXPECT_EQ(answer.result, FALSE);
@@ -95,8 +95,8 @@ protected:
     MessageBoxWatcher boxes_{MessageBoxWatcher::Scope::AllProcesses};
 };
 
-// They can be loaded: the tests below would see it.
-TEST_F(OddModules, ThatArePlantedShowWhenTheyAreLoaded) {
+// Shows that the planted modules can be loaded, and that the tests below would notice it.
+TEST_F(OddModules, ThatArePlantedAreNoticedWhenLoaded) {
     const std::wstring path = BesideProgram(L"planted\\") + kManager;
     const ObLib::UniqueModule module(LoadLibraryW(path.c_str()));
     ASSERT_TRUE(module);
@@ -129,7 +129,7 @@ TEST_F(OddModules, ThatArePlantedAreNotTakenForTheHostsMissingLibrary) {
     ExpectCancels();
 }
 
-TEST_F(OddModules, LackingAnEntryMakeTheProviderManagerAFailureOfTheRunAndNoMore) {
+TEST_F(OddModules, WithoutAnEntryOfTheProviderManagerFailTheRunOnly) {
     {
         const InPlaceOf manager(kManager, L"odd\\providers_incomplete.dll");
         ExpectCancels();
@@ -137,24 +137,24 @@ TEST_F(OddModules, LackingAnEntryMakeTheProviderManagerAFailureOfTheRunAndNoMore
     ExpectServed();
 }
 
-TEST_F(OddModules, ThatAreNoModuleAtAllMakeThePageReadACancel) {
+TEST_F(OddModules, ThatAreNotModulesGiveThePageACancel) {
     ASSERT_TRUE(WriteFileContent(BesideProgram(L"odd\\text.dll"), "not a module"));
     const InPlaceOf manager(kManager, L"odd\\text.dll");
     ExpectCancels();
 }
 
-// The browser has the real one loaded already; its host finds one without the entry.
-TEST_F(OddModules, WithoutTheHostsEntryEndTheHostAndThePageReadsACancel) {
+// The browser has loaded the real library already; its host finds one without the entry.
+TEST_F(OddModules, WithoutTheHostsEntryGiveThePageACancel) {
     const InPlaceOf library(kLibrary, L"planted\\obwmcore64.dll");
     ExpectCancels();
     const std::wstring loaded = L"Planted(\"" + BesideProgram(kLibrary) + L"\")";
     planted_ = {loaded, loaded};
 }
 
-// A suite of its own, as a service that was bound once stays bound in the browser's process.
+// A suite of its own: a service that was bound once stays bound in the browser's process.
 class OddArchiveService : public OddModules {};
 
-TEST_F(OddArchiveService, ThatIsPlantedOrLacksAnEntryLeavesTheDialogToTheBrowser) {
+TEST_F(OddArchiveService, ThatIsPlantedOrLacksAnEntryLeadsToTheBrowsersOwnDialog) {
     const PlantedFolder planted;
     {
         const AbsentModule service(kArchive);

@@ -1,4 +1,5 @@
-// Requests with nothing in them, with too much in them, and with too little room for an answer.
+// Requests without any field, with fields that fill the block, and with too little room for an
+// answer.
 #include "tests/faults/HostRole.h"
 
 namespace obtest {
@@ -31,11 +32,11 @@ protected:
 TEST_F(OddRequest, WithEveryFieldAbsentIsServed) {
     page_ = {};
     EXPECT_EQ(Open({one_}).files, Texts{one_});
-    ExpectNothingGiven(Open({one_, two_})); // it says that it has no room
+    ExpectNothingGiven(Open({one_, two_})); // nMaxFile is 0
     EXPECT_EQ(Left(), Texts{});
 }
 
-// A dialog that says OK and has no file: a fault of the system's, which is shown as one.
+// A dialog that confirms without a file: an error of the system, which an assertion's box reports.
 TEST_F(OddRequest, WithoutAnyPickedFileIsAnsweredWithNothing) {
     expectedBoxes_ = 1;
     ExpectNothingGiven(Open({}));
@@ -97,8 +98,8 @@ TEST_F(OddRequest, WithRoomForOneCharacterTooFewIsAnsweredWithNothing) {
     EXPECT_EQ(Open({one_, two_}).files, (Texts{sources_.Path() + L"\\", L"one.txt", L"two.txt"}));
 }
 
-// The zip stands then, and the page is told where, so that it is cleared like any other.
-TEST_F(OddRequest, WithRoomForOneCharacterTooFewLeavesAZipToBeClearedUp) {
+// The zip exists then; the page gets its clean-up names and deletes it like any other.
+TEST_F(OddRequest, WithRoomForOneCharacterTooFewGivesTheCleanupNamesOfAZip) {
     ChooseZip();
     const Answer fitting = Open({one_, two_});
     ASSERT_EQ(fitting.files.size(), 1u);
@@ -111,8 +112,8 @@ TEST_F(OddRequest, WithRoomForOneCharacterTooFewLeavesAZipToBeClearedUp) {
     EXPECT_EQ(Left(), (Texts{L"1\\", std::wstring(L"1\\") + kZipName}));
 }
 
-// More than the block has; what it has counts.
-TEST_F(OddRequest, ThatPromisesMoreRoomThanTheBlockHasIsAnsweredAsFarAsTheBlockGoes) {
+// nMaxFile exceeds the block; the block's own room is the limit.
+TEST_F(OddRequest, WithMoreRoomThanTheBlockIsAnsweredUpToTheBlocksEnd) {
     page_.nMaxFile = 0xFFFFFFFF;
     EXPECT_EQ(Open({one_, two_}).files.size(), 3u);
     Texts many;

@@ -1,6 +1,6 @@
-// A whole encrypting run, from the prompt to the zip, after which the password stands nowhere in
-// the process but where the run's own buffer lay on the stack. The test never holds it in one
-// piece: it knows it under a mask, types it letter by letter and compares byte by byte.
+// A whole encrypting run, from the prompt to the zip. Afterwards the password is nowhere in the
+// process except where the run's own buffer was on the stack. The test never has the password in
+// one piece: it stores it masked, types it letter by letter and compares byte by byte.
 #include <cstdint>
 #include <thread>
 
@@ -27,7 +27,7 @@ std::uint8_t Letter(std::size_t index) {
     return kMasked[index] ^ mask;
 }
 
-// Whether the password stands at `at`, each letter `width` bytes wide.
+// Whether the password is at `at`, each letter `width` bytes wide.
 bool StandsAt(const std::uint8_t* at, std::size_t width) {
     for (std::size_t index = 0; index < std::size(kMasked); ++index) {
         if (at[index * width] != Letter(index)) return false;
@@ -46,8 +46,8 @@ int TimesIn(const MEMORY_BASIC_INFORMATION& region) {
     return times;
 }
 
-// As UTF-8 and as UTF-16, in everything that this process can read but the calling thread's stack:
-// the run's own buffer lay there, and nobody clears that.
+// Searches for UTF-8 and UTF-16 in everything that this process can read except the calling
+// thread's stack: the run's own buffer was there and isn't cleared.
 int TimesInMemory() {
     int times = 0;
     MEMORY_BASIC_INFORMATION own = {};
@@ -71,8 +71,7 @@ protected:
         file_ = sources_.File(L"secret.txt", std::string(70000, 's'));
     }
 
-    // A person who types into both fields, looks what stands in memory meanwhile, and closes the
-    // prompt with this button.
+    // Types into both fields, searches memory meanwhile, and closes the prompt with this button.
     std::thread Person(bool confirms) {
         return std::thread([this, confirms] {
             const OpenPasswordPrompt prompt = OpenPasswordPrompt::Await(GetCurrentProcessId());
@@ -91,7 +90,7 @@ protected:
     int whileOpen_ = 0;
 };
 
-TEST_F(PasswordOfARun, StandsNowhereOnceTheZipIsThere) {
+TEST_F(PasswordOfARun, IsNotInMemoryAfterTheZip) {
     std::thread user = Person(true);
     const Answer answer = Open({file_});
     user.join();
@@ -99,13 +98,13 @@ TEST_F(PasswordOfARun, StandsNowhereOnceTheZipIsThere) {
     EXPECT_EQ(TimesInMemory(), 0);
     ASSERT_EQ(answer.files.size(), 1u);
     ExpectOnlyTheZipIsLeft(answer);
-    // It is the password of the zip all the same: no byte of the file stands there in the clear.
+    // Still it is the zip's password: no byte of the file is in the zip as plain text.
     const auto zip = ReadFileContent(answer.files.front());
     ASSERT_TRUE(zip);
     EXPECT_EQ(zip->find("ssssssss"), std::string::npos);
 }
 
-TEST_F(PasswordOfARun, StandsNowhereAfterACancel) {
+TEST_F(PasswordOfARun, IsNotInMemoryAfterACancel) {
     std::thread user = Person(false);
     const Answer answer = Show({file_});
     user.join();
@@ -121,7 +120,7 @@ BOOL WINAPI WriteToFullDisk(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPE
     return FALSE;
 }
 
-TEST_F(PasswordOfARun, StandsNowhereWhenTheZipFailed) {
+TEST_F(PasswordOfARun, IsNotInMemoryAfterAFailedZip) {
     const ImportPatch<decltype(&WriteFile)> full("kernel32.dll", "WriteFile", &WriteToFullDisk,
                                                  GetModuleHandleW(L"obofcsvc64.dll"));
     ASSERT_TRUE(full.Ok());
@@ -133,7 +132,7 @@ TEST_F(PasswordOfARun, StandsNowhereWhenTheZipFailed) {
     EXPECT_EQ(TimesInMemory(), 0);
 }
 
-// Entries of the service that watch the buffer in which the password travels.
+// Replaced entries of the service, which note where the password's buffer is.
 obcontract::ArchiveServiceEntries real;
 const char* travelled = nullptr;
 std::size_t lettersLeft = 0;
@@ -149,8 +148,8 @@ void NotePassword(obcontract::ZipContext context, const char* password) {
     real.SetPassword(context, password);
 }
 
-// The next step of the run: the buffer's place on the stack is looked at before much else of the
-// run can have overwritten it.
+// The next step of the run: looks at the buffer's place on the stack before much else of the run
+// can overwrite it.
 void LookAtPassword(obcontract::ZipContext context, std::uint32_t method) {
     for (std::uint32_t index = 0; index < obcontract::kPasswordCapacity; ++index)
         lettersLeft += static_cast<const volatile char*>(travelled)[index] == 'x';
@@ -158,7 +157,7 @@ void LookAtPassword(obcontract::ZipContext context, std::uint32_t method) {
 }
 
 TEST_F(PasswordOfARun, LeavesItsBufferOnTheStackUncleared) {
-    // The table is one object of the program and not a constant one.
+    // The table of entries is one object of the program and isn't constant, so it can be changed.
     auto& entries = const_cast<obcontract::ArchiveServiceEntries&>(obcore::ArchiveService());
     real = entries;
     const ObLib::ScopeExit restore([&entries]() noexcept { entries = real; });

@@ -1,5 +1,4 @@
-// Picked files that aren't there any more, can't be read, or have names and paths out of the
-// ordinary.
+// Picked files that have been deleted, can't be read, or have unusual names and paths.
 #include <algorithm>
 
 #include "tests/faults/HostRole.h"
@@ -18,7 +17,7 @@ protected:
         two_ = sources_.File(L"two.txt", "second");
     }
 
-    // Nothing was made and nobody was told: a page without an answer is what a cancel looks like.
+    // Expects that nothing was made, that no message was shown, and that the page gets a cancel.
     void ExpectNothingCameOfIt(const Answer& answer) const {
         ExpectNothingGiven(answer);
         EXPECT_EQ(Left(), Texts{});
@@ -88,8 +87,8 @@ TEST_F(PickedFilesFaults, ReadOnlyOnesAreZippedAndStayReadOnly) {
     }
 }
 
-// A folder so deep that everything in it has a path of more than 260 characters. It is removed
-// by hand, as the test folder's own clean-up goes by short paths.
+// A folder so deep that everything in it has a path of more than 260 characters. This class removes
+// it, as the test folder's own clean-up uses short paths.
 class DeepFolder {
 public:
     explicit DeepFolder(const std::wstring& base) {
@@ -108,7 +107,7 @@ public:
     DeepFolder(const DeepFolder&) = delete;
     DeepFolder& operator=(const DeepFolder&) = delete;
 
-    // The plain full path, as the shell gives it.
+    // The full path without a prefix, as the shell returns it.
     std::wstring File(const std::wstring& name, std::string_view content) {
         const std::wstring path = folders_.back() + L"\\" + name;
         EXPECT_TRUE(WriteFileContent(path, content));
@@ -165,7 +164,7 @@ TEST_F(PickedFilesFaults, OnesWithEveryLegalOddityInTheirNamesAreZippedWhole) {
     EXPECT_EQ(Show(files).files, files);
 }
 
-// The zip takes over the name of its one file, and stays in its folder with that.
+// The zip is named after its one file, and is in its own folder with that name.
 TEST_F(PickedFilesFaults, OneWhoseNameBeginsWithPointsGivesItsNameToTheZip) {
     SetUserValue(L"SingleAttachFileName", L"1");
     for (const wchar_t* name : {L"..two points", L"...three points", L".one point", L"...."}) {
@@ -180,7 +179,8 @@ TEST_F(PickedFilesFaults, OneWhoseNameBeginsWithPointsGivesItsNameToTheZip) {
     }
 }
 
-// Half of a pair of units is a legal name and no legal text; it may not bring the others down.
+// Half of a surrogate pair is legal in a name and not in text; the other files must not be
+// affected.
 TEST_F(PickedFilesFaults, OneWithHalfASurrogatePairInItsNameIsZippedUnderAReplacement) {
     const std::wstring odd = sources_ / L"half \xD83D pair.txt";
     if (!WriteFileContent(odd, "odd")) {
@@ -193,7 +193,7 @@ TEST_F(PickedFilesFaults, OneWithHalfASurrogatePairInItsNameIsZippedUnderAReplac
     ExpectOnlyTheZipIsLeft(answer);
 }
 
-// The working copy has room for one file of a name: the later one. Both originals stay.
+// The working copy has one file of each name: the later one. Both originals stay.
 TEST_F(PickedFilesFaults, TwoOfTheSameNameFromTwoFoldersAreOneEntryAndBothStay) {
     const std::wstring other = sources_.Folder(L"other") + L"\\one.txt";
     ASSERT_TRUE(WriteFileContent(other, "other"));
@@ -209,7 +209,7 @@ TEST_F(PickedFilesFaults, TwoOfTheSameNameAreBothGivenWithoutAZipWhereThePageTak
     const std::wstring other = sources_.Folder(L"other") + L"\\one.txt";
     ASSERT_TRUE(WriteFileContent(other, "other"));
     EXPECT_EQ(Show({one_, other}).files, (Texts{one_, other}));
-    // The list of the other road knows one folder.
+    // The list of the open-file-name path has one folder.
     EXPECT_EQ(Open({one_, other}).files, (Texts{sources_.Path() + L"\\", L"one.txt", L"one.txt"}));
 }
 
@@ -238,8 +238,8 @@ TEST_F(PickedFilesFaults, AThousandNamesFitTheListOfOneFolder) {
     EXPECT_EQ(Open(files).files, list);
 }
 
-// Full paths of a thousand files take more than the block has. Every path that is given is one that
-// was picked, but for the last, which the block's end cuts.
+// Full paths of a thousand files need more room than the block has. Every path that is delivered is
+// one that was picked, except the last, which the block's end cuts.
 TEST_F(PickedFilesFaults, AThousandFullPathsEndWithTheBlock) {
     ChooseNoZip();
     Texts files;

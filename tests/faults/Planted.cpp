@@ -1,5 +1,5 @@
-// A module that somebody left where the product's own isn't looked for. It exports nothing; that it
-// was loaded at all is what shows.
+// A module in a folder where the product must not look for its own. It exports nothing and records
+// that it was loaded.
 #include <windows.h>
 
 #include "tests/fakes/Recording.h"

@@ -1,6 +1,6 @@
-// A shell dialog in which a person has picked and confirmed before it could be seen: the class of a
-// module that a test registers in the real dialog's place, for every process of its prefix. What is
-// picked stands in the environment, which a host has from the process that started it.
+// A fake shell dialog that picks and confirms at once, without a window. A test registers this
+// module as the dialog's server for every process of its prefix. The picked path comes from the
+// environment, which a host inherits from the process that started it.
 #include <windows.h>
 
 #include "tests/support/RecordingFileDialog.h"

@@ -1,4 +1,4 @@
-// Registry values that nobody of the product wrote. The request is served all the same.
+// Registry values that the product would never write. The request is served all the same.
 #include "tests/faults/HostRole.h"
 #include "tests/support/PasswordUiDriver.h"
 #include "tests/support/ProductRegistry.h"
@@ -8,7 +8,7 @@ namespace {
 
 using Contents = std::map<std::string, std::string>;
 
-// Every value that the product reads, but for the two that choose between zip and encryption.
+// Every value that the product reads, except the two that choose between zip and encryption.
 const wchar_t* const kPolicies[] = {
     L"AlwaysEncrypt",     L"AdminSendItem",         L"DisableMsgEditZipOption",
     L"NoEncryption",      L"DisableCloudServices",  L"NoUpdateChecking",
@@ -86,7 +86,7 @@ TEST_F(RegistryFaults, OfTheWrongTypeDontStopTheRequest) {
 
 TEST_F(RegistryFaults, WithoutATerminatorDontStopTheRequest) {
     ExpectServed({REG_SZ, Bytes(L"value")});
-    ExpectServed({REG_SZ, Bytes(L"7") + "x"}); // and half a unit behind it
+    ExpectServed({REG_SZ, Bytes(L"7") + "x"}); // and half a unit after it
     ExpectServed({REG_MULTI_SZ, Bytes(L"value")});
     ExpectServed({REG_EXPAND_SZ, Bytes(L"%TEMP%\\..")});
 }
@@ -109,8 +109,8 @@ TEST_F(RegistryFaults, ThatAreNumbersBeyondTheirFieldsDontStopTheRequest) {
         ExpectServed({REG_SZ, Bytes(std::wstring(number) + L'\0')});
 }
 
-// A 32-bit installer writes into its own half only, a 64-bit one into the other.
-TEST_F(RegistryFaults, ThatStandInOneOfTheMachinesViewsOnlyDontStopTheRequest) {
+// A 32-bit installer writes to the 32-bit view only, a 64-bit one to the other.
+TEST_F(RegistryFaults, ThatAreInOneRegistryViewOnlyDontStopTheRequest) {
     const std::string number("\xFE\xFF\xFF\x7F", 4);
     for (const int view : {32, 64}) {
         ExpectServed({REG_DWORD, number}, {view});
@@ -120,7 +120,7 @@ TEST_F(RegistryFaults, ThatStandInOneOfTheMachinesViewsOnlyDontStopTheRequest) {
     }
 }
 
-// A name from the registry stays a name: it never leads out of the run's folder.
+// A name from the registry is used as a name and never leads out of the run's folder.
 TEST_F(RegistryFaults, ThatNameTheZipNeverLeadOutOfItsFolder) {
     for (const wchar_t* name :
          {L"..\\..\\out", L"..out", L"...out", L"C:\\out", L"\\\\server\\out", L"out:stream",
@@ -134,7 +134,7 @@ TEST_F(RegistryFaults, ThatNameTheZipNeverLeadOutOfItsFolder) {
     }
 }
 
-// In doubt it is the safe side: anything that isn't a plain "no" asks for a password.
+// Anything that isn't a plain "no" asks for a password: the safe side.
 TEST_F(RegistryFaults, ThatLeaveEncryptionInDoubtAskForAPassword) {
     const std::string odd("\x31\x00\x00\x00", 4);
     SetRawValue(HKEY_CURRENT_USER, kUserKey, L"AutoEncrypt", REG_DWORD, odd.data(), 4);

@@ -1,4 +1,4 @@
-// Somebody else has the name of the block already.
+// Another process has created a section with the block's name already.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace {
 using obtest::HostScript;
 using Lines = std::vector<std::wstring>;
 
-// A section of another program, as long as the object lives.
+// A section of another program, for the lifetime of this object.
 class Squatter {
 public:
     Squatter(const std::wstring& name, DWORD size, std::uint8_t fill)
@@ -33,8 +33,8 @@ public:
 
     std::uint8_t* Bytes() const { return view_.Get(); }
 
-    // Whether everything from `offset` on still is as it was filled.
-    bool StandsFrom(DWORD offset, std::uint8_t fill) const {
+    // Whether everything from `offset` on is still as it was filled.
+    bool IsUnchangedFrom(DWORD offset, std::uint8_t fill) const {
         return std::all_of(Bytes() + offset, Bytes() + size_,
                            [fill](std::uint8_t byte) { return byte == fill; });
     }
@@ -83,7 +83,7 @@ TEST_F(SectionName, OfASmallerSectionMakesTheRequestACancelAndLeavesThatSectionA
     EXPECT_EQ(Open(kAnswer), 0);
     EXPECT_TRUE(HostScript::Record().empty()) << "a host was started";
     EXPECT_TRUE(FileUntouched());
-    EXPECT_TRUE(other.StandsFrom(0, 0xA5));
+    EXPECT_TRUE(other.IsUnchangedFrom(0, 0xA5));
     EXPECT_TRUE(browser_.Enabled());
 }
 
@@ -92,17 +92,17 @@ TEST_F(SectionName, OfALargerSectionServesTheRequestInItsFirstPart) {
     ASSERT_TRUE(other.Bytes());
     EXPECT_EQ(Open(kAnswer), 1);
     EXPECT_EQ(std::wstring(file_), L"C:\\f");
-    EXPECT_TRUE(other.StandsFrom(65536, 0xA5)) << "written behind the block's end";
+    EXPECT_TRUE(other.IsUnchangedFrom(65536, 0xA5)) << "written past the block's end";
 }
 
 // A list that an earlier owner of a larger section left without an end isn't read past the block.
-TEST_F(SectionName, OfALargerSectionIsNeverReadBehindTheBlock) {
+TEST_F(SectionName, OfALargerSectionIsNeverReadPastTheBlock) {
     const Squatter other(Name(), 3 * 65536, 0x41);
     ASSERT_TRUE(other.Bytes());
     EXPECT_EQ(Open(L"status 3\nresult 1\npoke32 72 65526\npoke32 16 0"), 1);
     EXPECT_EQ(std::wstring(file_), L"\x4141\x4141\x4141");
     EXPECT_EQ(file_[5], L'#');
-    EXPECT_TRUE(other.StandsFrom(65536, 0x41));
+    EXPECT_TRUE(other.IsUnchangedFrom(65536, 0x41));
 }
 
 // The whole answer of an earlier run: a file, a result and something to clear up.
@@ -134,8 +134,8 @@ TEST_F(SectionName, OfAStaleAnswerIsOverwrittenByTheHostsOwn) {
     EXPECT_TRUE(context_.delivered.empty());
 }
 
-// The other program goes on writing while the answer is read: what is delivered is one text, ended
-// inside the block, whatever it holds.
+// The other program goes on writing while the answer is read: what is delivered is one text that
+// ends inside the block, whatever its characters.
 TEST_F(SectionName, OfAnotherProgramThatWritesMeanwhileIsReadFromAPrivateCopy) {
     const Squatter other(Name(), 65536, 0);
     ASSERT_TRUE(other.Bytes());

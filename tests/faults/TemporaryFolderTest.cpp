@@ -1,4 +1,4 @@
-// A temporary folder that is full, missing, closed to writing, too deep, or gone in the middle.
+// A temporary folder that is full, missing, not writable, too deep, or deleted during the run.
 #include <cstring>
 
 #include "tests/faults/HostRole.h"
@@ -51,7 +51,7 @@ TEST_F(TemporaryFolderFaults, AFileOfItsNameGivesThePageNothingAndStays) {
     EXPECT_EQ(ReadFileContent(file), "kept");
 }
 
-TEST_F(TemporaryFolderFaults, NearThePathLimitItStillHoldsTheZip) {
+TEST_F(TemporaryFolderFaults, NearThePathLimitItStillGetsTheZip) {
     std::wstring deep = temp_.Path();
     while (deep.size() + 50 < 232) deep += L"\\" + std::wstring(40, L'd');
     deep += L"\\" + std::wstring(232 - deep.size() - 1, L'e');
@@ -69,8 +69,8 @@ TEST_F(TemporaryFolderFaults, NearThePathLimitItStillHoldsTheZip) {
     EXPECT_TRUE(DeleteFileW((L"\\\\?\\" + answer.files.front()).c_str()));
 }
 
-// 259 characters and more can't be had at all; then nothing may be copied, moved or cleared, and
-// above all not the person's own files.
+// A path of 259 characters and more isn't usable; then nothing may be copied, moved or deleted,
+// above all not the user's own files.
 TEST_F(TemporaryFolderFaults, TooLongItGivesThePageNothingAndTouchesNothing) {
     UseTemporaryFolder(L"C:\\" + std::wstring(300, L't'));
     ExpectNothingGiven(Open({one_, two_}));
@@ -83,9 +83,8 @@ BOOL WINAPI RefuseFolder(LPCWSTR, LPSECURITY_ATTRIBUTES) {
     return FALSE;
 }
 
-// Rights are the system's matter; here they are played, as nobody is kept out of anything in a
-// test.
-TEST_F(TemporaryFolderFaults, ClosedToWritingItGivesThePageNothing) {
+// The failing calls are replaced: a test's process has every right, so no real folder refuses it.
+TEST_F(TemporaryFolderFaults, WithoutWriteAccessItGivesThePageNothing) {
     const ImportPatch<decltype(&CreateDirectoryW)> refused("kernel32.dll", "CreateDirectoryW",
                                                            &RefuseFolder);
     ASSERT_TRUE(refused.Ok());
@@ -95,7 +94,7 @@ TEST_F(TemporaryFolderFaults, ClosedToWritingItGivesThePageNothing) {
 
 using FakeCopy = ImportPatch<decltype(&CopyFileW)>;
 
-// The replaced call, as its name leads to the double while that stands.
+// The original function: its name leads to the replacement during the test.
 decltype(&CopyFileW) realCopy = nullptr;
 int copiesThatFit = 0;
 
@@ -115,7 +114,7 @@ TEST_F(TemporaryFolderFaults, FullBeforeTheFirstCopyItGivesThePageNothing) {
 }
 
 // A zip of what could be copied, as with any file that can't be read.
-TEST_F(TemporaryFolderFaults, FullBehindTheFirstCopyItZipsWhatIsThere) {
+TEST_F(TemporaryFolderFaults, FullAfterTheFirstCopyItZipsWhatIsThere) {
     const FakeCopy full("kernel32.dll", "CopyFileW", &CopyUntilFull);
     ASSERT_TRUE(full.Ok());
     realCopy = full.Real();
@@ -134,43 +133,42 @@ BOOL WINAPI WriteToFullDisk(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPE
     return FALSE;
 }
 
-// The copies fit, the zip doesn't. The person is told, and of the zip's attempt only its empty
-// folder stays.
-TEST_F(TemporaryFolderFaults, FullForTheZipItIsToldAndLeavesNoHalfZip) {
+// The copies fit, the zip doesn't. A message is shown, and only the zip's empty folder stays.
+TEST_F(TemporaryFolderFaults, FullDuringTheZipItShowsAMessageAndLeavesNoPartialZip) {
     const ImportPatch<decltype(&WriteFile)> full("kernel32.dll", "WriteFile", &WriteToFullDisk,
                                                  GetModuleHandleW(L"obofcsvc64.dll"));
     ASSERT_TRUE(full.Ok());
     writesRefused = 0;
     ExpectNothingGiven(Open({one_, two_}));
     EXPECT_GT(writesRefused, 0);
-    EXPECT_EQ(TimesToldThatTheZipFailed(), 1u);
+    EXPECT_EQ(ZipFailureMessages(), 1u);
     EXPECT_EQ(Left(), Texts{L"1\\"});
     ExpectNothingGiven(Show({one_, two_}));
-    EXPECT_EQ(TimesToldThatTheZipFailed(), 2u);
+    EXPECT_EQ(ZipFailureMessages(), 2u);
     EXPECT_EQ(Left(), (Texts{L"1\\", L"2\\"}));
 }
 
 std::wstring vanishing;
 
-// The copy stands, and then somebody sweeps the whole temporary folder.
+// After the copy, another program empties the whole temporary folder.
 BOOL WINAPI CopyAndSweep(LPCWSTR source, LPCWSTR target, BOOL keep) {
     const BOOL copied = realCopy(source, target, keep);
     RemoveTree(vanishing);
     return copied;
 }
 
-TEST_F(TemporaryFolderFaults, SweptInTheMiddleItIsToldAndNothingIsGiven) {
+TEST_F(TemporaryFolderFaults, EmptiedDuringTheRunItShowsAMessageAndGivesNothing) {
     vanishing = temp_.Folder(L"swept");
     UseTemporaryFolder(vanishing);
     const FakeCopy sweep("kernel32.dll", "CopyFileW", &CopyAndSweep);
     ASSERT_TRUE(sweep.Ok());
     realCopy = sweep.Real();
     ExpectNothingGiven(Open({one_, two_}));
-    EXPECT_EQ(TimesToldThatTheZipFailed(), 1u);
+    EXPECT_EQ(ZipFailureMessages(), 1u);
     EXPECT_EQ(ListTree(temp_.Path()), Texts{});
 }
 
-// Only the run's own folder of copies goes, not what the zip will lie in.
+// Only the run's folder of copies is deleted, not the folder of the zip.
 BOOL WINAPI CopyAndSweepCopies(LPCWSTR source, LPCWSTR target, BOOL keep) {
     const BOOL copied = realCopy(source, target, keep);
     const std::wstring path = target;
@@ -178,12 +176,12 @@ BOOL WINAPI CopyAndSweepCopies(LPCWSTR source, LPCWSTR target, BOOL keep) {
     return copied;
 }
 
-TEST_F(TemporaryFolderFaults, SweptOfItsCopiesItIsToldAndLeavesNoHalfZip) {
+TEST_F(TemporaryFolderFaults, WithoutItsCopiesItShowsAMessageAndLeavesNoPartialZip) {
     const FakeCopy sweep("kernel32.dll", "CopyFileW", &CopyAndSweepCopies);
     ASSERT_TRUE(sweep.Ok());
     realCopy = sweep.Real();
     ExpectNothingGiven(Open({one_, two_}));
-    EXPECT_EQ(TimesToldThatTheZipFailed(), 1u);
+    EXPECT_EQ(ZipFailureMessages(), 1u);
     EXPECT_EQ(Left(), Texts{L"1\\"});
 }
 

@@ -1,6 +1,6 @@
-// Makes more moments of a host's life calls of the stand-in, so that a test sees them and can hold
-// them: each deletion of a file by the library, the end of the process, and the first write into
-// the second page of the block, which is the middle of any longer answer.
+// Makes more moments of a host's life calls of the fake service, so that a test sees them and can
+// block them: each deletion of a file by the library, the end of the process, and the first write
+// to the second page of the block, which is in the middle of any longer answer.
 #include <windows.h>
 
 #include "contracts/ExchangeBlock.h"
@@ -12,7 +12,7 @@ namespace {
 constexpr wchar_t kHost[] = L"obwmvapp.exe";
 constexpr wchar_t kLibrary[] = L"obwmcore64.dll";
 
-// The browser's process binds this module too; only a host is watched.
+// The browser's process loads this module too; only a host is watched.
 bool IsHost() { return GetModuleHandleW(nullptr) == GetModuleHandleW(kHost); }
 
 BOOL WINAPI WatchedDeleteFile(LPCWSTR path) {
@@ -23,7 +23,7 @@ BOOL WINAPI WatchedDeleteFile(LPCWSTR path) {
 constexpr SIZE_T kPage = 4096; // bytes
 BYTE* secondPage = nullptr;
 
-// A write into the page comes here first, and goes on behind the call as if nothing had been.
+// A write to the guarded page arrives here first, and continues after the recorded call.
 LONG CALLBACK OnPageWrite(EXCEPTION_POINTERS* info) {
     constexpr ULONG_PTR write = 1;
     const EXCEPTION_RECORD& record = *info->ExceptionRecord;
@@ -48,7 +48,7 @@ LPVOID WINAPI WatchedMapView(HANDLE section, DWORD access, DWORD high, DWORD low
     return view;
 }
 
-// For as long as the process lives, as the library stays loaded as long.
+// Never removed: the library stays loaded until the process ends.
 template <class Function>
 void Watch(const char* name, Function* watched) {
     void** const slot = obtest::FindImport(GetModuleHandleW(kLibrary), "kernel32.dll", name);

@@ -1,4 +1,4 @@
-#include "tests/faults/Holdings.h"
+#include "tests/faults/ProcessResources.h"
 
 #include <gtest/gtest.h>
 #include <psapi.h>
@@ -18,8 +18,8 @@ std::wstring TemporaryFolder() {
 
 } // namespace
 
-Holdings Holdings::Now() {
-    Holdings now;
+ProcessResources ProcessResources::Now() {
+    ProcessResources now;
     GetProcessHandleCount(GetCurrentProcess(), &now.handles);
     now.gdiObjects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
     now.userObjects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
@@ -31,8 +31,8 @@ Holdings Holdings::Now() {
     return now;
 }
 
-void ExpectNoMoreThan(const Holdings& before) {
-    const Holdings after = Holdings::Now();
+void ExpectNoMoreThan(const ProcessResources& before) {
+    const ProcessResources after = ProcessResources::Now();
     EXPECT_LE(after.handles, before.handles);
     EXPECT_LE(after.gdiObjects, before.gdiObjects);
     EXPECT_LE(after.userObjects, before.userObjects);

@@ -1,4 +1,5 @@
-// What this process holds at a moment, beside what it held before: a leak of a request shows here.
+// What this process uses at a moment, compared with what it used before: a request that leaks shows
+// here.
 #pragma once
 
 #include <windows.h>
@@ -8,18 +9,18 @@
 
 namespace obtest {
 
-struct Holdings {
+struct ProcessResources {
     DWORD handles = 0;
     DWORD gdiObjects = 0;
     DWORD userObjects = 0;
     std::vector<std::wstring> files; // all below the temporary folder
     SIZE_T committed = 0;            // bytes
 
-    static Holdings Now();
+    static ProcessResources Now();
 };
 
 // Expects that now there is nothing more than `before`, and of memory at most 4 MiB, which is less
 // than one block for every tenth of a thousand requests.
-void ExpectNoMoreThan(const Holdings& before);
+void ExpectNoMoreThan(const ProcessResources& before);
 
 } // namespace obtest
