@@ -26,7 +26,7 @@ TEST_F(DialogEndToEnd, GivesOneFileAsItIs) {
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
-TEST_F(DialogEndToEnd, GivesThreeFilesAsAListAndAsNoSingleResult) {
+TEST_F(DialogEndToEnd, GivesThreeFilesAsAListAndNotAsASingleResult) {
     const Texts files = {files_.File(L"one.txt"), files_.File(L"two two.txt"),
                          files_.File(L"dr\u00e4i.txt")};
     PickerUiDriver driver(Pick(Choice::None, files));
@@ -61,7 +61,7 @@ TEST_F(DialogEndToEnd, GivesOneZipOfTwoFiles) {
     EXPECT_EQ(ReadFileContent(two), "second");
 }
 
-TEST_F(DialogEndToEnd, EncryptsWithThePasswordThatThePersonTypes) {
+TEST_F(DialogEndToEnd, EncryptsWithThePasswordThatIsTyped) {
     const std::wstring file = files_.File(L"one.txt", "secret");
     PickerUiDriver driver(PickAndEncrypt({file}, L"Abc123!xQ7p"));
     ASSERT_EQ(AskShow(), S_OK);
@@ -75,7 +75,7 @@ TEST_F(DialogEndToEnd, EncryptsWithThePasswordThatThePersonTypes) {
     EXPECT_TRUE(RefusesPassword(zip, "another"));
 }
 
-TEST_F(DialogEndToEnd, GivesNothingAfterCancelAndLeavesTheResultsToTheBrowser) {
+TEST_F(DialogEndToEnd, GivesNothingAfterCancelAndPassesResultQueriesToTheBrowser) {
     PickerUiDriver driver([](OpenPicker& picker) { picker.PressCancel(); });
     EXPECT_EQ(AskShow(), kCancelled);
     EXPECT_TRUE(driver.Done());
@@ -103,20 +103,20 @@ TEST_F(DialogEndToEnd, KeepsThePickerOpenWhenThePageTakesOneFile) {
     EXPECT_EQ(boxes.Seen().front().text, Text(104));
 }
 
-TEST_F(DialogEndToEnd, LeavesAPageThatIsNoMailToTheBrowser) {
+TEST_F(DialogEndToEnd, ShowsTheBrowsersOwnDialogOnAPageThatIsNoMail) {
     browser_.url = L"https://example.org/upload";
     EXPECT_EQ(AskShow(), S_OK);
     EXPECT_EQ(browser_.ownDialogs, Texts{L"show"});
     EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
 }
 
-TEST_F(DialogEndToEnd, LeavesARequestThatTheHookVetoesToTheBrowser) {
+TEST_F(DialogEndToEnd, ShowsTheBrowsersOwnDialogWhenTheHookVetoes) {
     browser_.pickerWanted = false;
     EXPECT_EQ(AskShow(), S_OK);
     EXPECT_EQ(browser_.ownDialogs, Texts{L"show"});
 }
 
-TEST_F(DialogEndToEnd, ForgetsAResultWhenTheNextDialogStarts) {
+TEST_F(DialogEndToEnd, RemovesAResultWhenTheNextDialogStarts) {
     const std::wstring file = files_.File(L"first.txt");
     {
         PickerUiDriver driver(Pick(Choice::None, {file}));

@@ -1,4 +1,5 @@
-// Whole requests of people who encrypt, on a machine whose administrator has switched that off.
+// Whole requests of a user who has chosen encryption, on a machine whose administrator has switched
+// encryption off.
 #include "tests/e2e/RealRequest.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
@@ -20,7 +21,8 @@ protected:
         RealRequest::TearDown();
     }
 
-    // Picks the file with whatever choice stands, and the page must get it as it is.
+    // Picks a file without changing the choice; the page must get the file as it is. Returns the
+    // texts of the message boxes.
     Texts AskAndPick(const std::function<void(OpenPicker&)>& look) {
         const std::wstring file = files_.File(L"letter.txt", "Dear all");
         const MessageBoxWatcher boxes(MessageBoxWatcher::Scope::AllProcesses);
@@ -34,35 +36,35 @@ protected:
         EXPECT_EQ(answer.result, TRUE);
         EXPECT_EQ(answer.given, Texts{file});
         EXPECT_EQ(LeftInTemp(), Texts{});
-        Texts told;
-        for (const SeenBox& box : boxes.Seen()) told.push_back(box.text);
-        return told;
+        Texts texts;
+        for (const SeenBox& box : boxes.Seen()) texts.push_back(box.text);
+        return texts;
     }
 };
 
-TEST_F(EncryptionOff, IsToldWhereTheServiceAloneKnowsOfIt) {
+TEST_F(EncryptionOff, IsReportedByAMessageWhenOnlyTheServiceReadsThePolicy) {
     SetMachinePolicy(L"NoEncryption", L"1", 32);
-    const Texts told = AskAndPick([this](OpenPicker& picker) {
+    const Texts messages = AskAndPick([this](OpenPicker& picker) {
         EXPECT_FALSE(picker.IsChecked(Text(static_cast<UINT>(Choice::Encrypt))));
     });
-    EXPECT_EQ(told, Texts{L"The Ombrix encryption feature has been disabled by your "
-                          L"administrator."});
+    EXPECT_EQ(messages, Texts{L"The Ombrix encryption feature has been disabled by your "
+                              L"administrator."});
 }
 
-TEST_F(EncryptionOff, TakesTheChoiceAwayWhereTheProductKnowsOfIt) {
+TEST_F(EncryptionOff, DisablesTheChoiceWhenTheProductReadsThePolicy) {
     SetMachinePolicy(L"NoEncryption", L"1", 64);
-    const Texts told = AskAndPick([this](OpenPicker& picker) {
+    const Texts messages = AskAndPick([this](OpenPicker& picker) {
         EXPECT_FALSE(picker.IsEnabled(Text(static_cast<UINT>(Choice::Encrypt))));
     });
-    EXPECT_EQ(told, Texts{});
+    EXPECT_EQ(messages, Texts{});
 }
 
-TEST_F(EncryptionOff, TakesTheChoiceAwayWhereNoMethodIsAllowed) {
+TEST_F(EncryptionOff, DisablesTheChoiceWhenNoMethodIsAllowed) {
     SetMachinePolicy(L"AllowedEncryptionMethods", L"0");
-    const Texts told = AskAndPick([this](OpenPicker& picker) {
+    const Texts messages = AskAndPick([this](OpenPicker& picker) {
         EXPECT_FALSE(picker.IsEnabled(Text(static_cast<UINT>(Choice::Encrypt))));
     });
-    EXPECT_EQ(told, Texts{});
+    EXPECT_EQ(messages, Texts{});
 }
 
 } // namespace

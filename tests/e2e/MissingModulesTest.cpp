@@ -1,4 +1,4 @@
-// Whole requests while a file of the product isn't there.
+// Whole requests while a file of the product is missing.
 #include "tests/e2e/RealRequest.h"
 
 namespace obtest {
@@ -22,11 +22,11 @@ private:
     std::wstring moved_;
 };
 
-// A suite of its own: a service that was bound once stays bound, as this platform keeps a library
-// loaded that has opened itself as a resource.
+// A suite of its own: a service that was bound once stays bound, as a library that has opened itself
+// as a resource stays loaded.
 class MissingArchiveService : public RealRequest {};
 
-TEST_F(MissingArchiveService, LetsTheBrowserAskItself) {
+TEST_F(MissingArchiveService, LeadsToTheBrowsersOwnDialog) {
     const Missing service(L"obofcsvc64.dll");
     EXPECT_EQ(AskOpen().result, 7);
     EXPECT_EQ(AskShow(), S_OK);
@@ -34,7 +34,7 @@ TEST_F(MissingArchiveService, LetsTheBrowserAskItself) {
     EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
 }
 
-TEST_F(MissingArchiveService, IsFoundByTheNextRequestWhenItIsBack) {
+TEST_F(MissingArchiveService, IsFoundByTheNextRequestOnceItIsThereAgain) {
     {
         const Missing service(L"obofcsvc64.dll");
         EXPECT_EQ(AskOpen().result, 7);
@@ -47,7 +47,7 @@ TEST_F(MissingArchiveService, IsFoundByTheNextRequestWhenItIsBack) {
 
 class MissingModules : public RealRequest {};
 
-TEST_F(MissingModules, WithoutTheProviderManagerThePageReadsACancel) {
+TEST_F(MissingModules, WithoutTheProviderManagerThePageGetsACancel) {
     const Missing manager(L"PVXManager64.dll");
     const OpenAnswer answer = AskOpen();
     EXPECT_EQ(answer.result, FALSE);
@@ -57,7 +57,7 @@ TEST_F(MissingModules, WithoutTheProviderManagerThePageReadsACancel) {
     EXPECT_EQ(browser_.ownDialogs, Texts{});
 }
 
-TEST_F(MissingModules, WithoutTheHostThePageReadsACancel) {
+TEST_F(MissingModules, WithoutTheHostThePageGetsACancel) {
     const Missing host(L"obwmvapp.exe");
     const OpenAnswer answer = AskOpen();
     EXPECT_EQ(answer.result, FALSE);

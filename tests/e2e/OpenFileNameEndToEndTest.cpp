@@ -16,7 +16,7 @@ constexpr std::uint16_t kAes256 = 0x0103;
 
 class OpenFileNameEndToEnd : public RealRequest {
 protected:
-    // The one thing that a run leaves behind: the zip in a folder of its own.
+    // A run leaves exactly one thing: the zip in a folder of its own.
     void ExpectOnlyTheZipIsLeft(const std::wstring& zip) {
         ASSERT_TRUE(FolderOf(zip).starts_with(TempFolder() + L"\\"));
         const std::wstring folder = FolderOf(zip).substr(TempFolder().size() + 1);
@@ -24,7 +24,7 @@ protected:
     }
 };
 
-// Restores what a run leaves, as the next test counts what is there.
+// Deletes what a run leaves, as the next test counts what is in the folder.
 void RemoveOutput(const FakeBrowser& browser) {
     if (browser.cleanupFolder)
         RemoveTree(
@@ -110,7 +110,7 @@ TEST_F(OpenFileNameEndToEnd, ZipsAFileWithAnEmojiInItsName) {
     RemoveOutput(browser_);
 }
 
-TEST_F(OpenFileNameEndToEnd, EncryptsWithThePasswordThatThePersonTypes) {
+TEST_F(OpenFileNameEndToEnd, EncryptsWithThePasswordThatIsTyped) {
     const std::wstring one = files_.File(L"one.txt", "secret one");
     const std::wstring two = files_.File(L"two.txt", "secret two");
     PickerUiDriver driver(PickAndEncrypt({one, two}, L"Gr\u00fcn 5!"));
@@ -129,7 +129,7 @@ TEST_F(OpenFileNameEndToEnd, EncryptsWithThePasswordThatThePersonTypes) {
     RemoveOutput(browser_);
 }
 
-TEST_F(OpenFileNameEndToEnd, GivesNothingWhenThePasswordIsRefused) {
+TEST_F(OpenFileNameEndToEnd, GivesNothingWhenThePasswordPromptIsCancelled) {
     const std::wstring file = files_.File(L"one.txt", "secret");
     PickerUiDriver driver([this, file](OpenPicker& picker) {
         Pick(Choice::Encrypt, {file})(picker);
@@ -155,9 +155,10 @@ TEST_F(OpenFileNameEndToEnd, GivesNothingAfterCancel) {
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
-TEST_F(OpenFileNameEndToEnd, KeepsTheOwnerThatTheRequestHad) {
+TEST_F(OpenFileNameEndToEnd, PutsTheRequestsOwnerBack) {
     PickerUiDriver driver([this](OpenPicker& picker) {
-        EXPECT_FALSE(IsWindowEnabled(Owner())) << "the browser takes input beside the picker";
+        EXPECT_FALSE(IsWindowEnabled(Owner()))
+            << "the browser takes input while the picker is open";
         picker.PressCancel();
     });
     EXPECT_EQ(AskOpen().ownerAfterwards, Owner());
@@ -213,7 +214,7 @@ TEST_F(OpenFileNameEndToEnd, OffersOnlyEncryptionWhereTheAdministratorWantsIt) {
     RemoveOutput(browser_);
 }
 
-TEST_F(OpenFileNameEndToEnd, LeavesAPageThatIsNoMailToTheBrowser) {
+TEST_F(OpenFileNameEndToEnd, ShowsTheBrowsersOwnDialogOnAPageThatIsNoMail) {
     browser_.url = L"https://example.org/upload";
     const OpenAnswer answer = AskOpen();
     EXPECT_EQ(answer.result, 7);
@@ -221,7 +222,7 @@ TEST_F(OpenFileNameEndToEnd, LeavesAPageThatIsNoMailToTheBrowser) {
     EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
 }
 
-TEST_F(OpenFileNameEndToEnd, LeavesARequestThatTheHookVetoesToTheBrowser) {
+TEST_F(OpenFileNameEndToEnd, ShowsTheBrowsersOwnDialogWhenTheHookVetoes) {
     browser_.pickerWanted = false;
     EXPECT_EQ(AskOpen().result, 7);
     EXPECT_EQ(browser_.ownDialogs, Texts{L"open"});

@@ -14,10 +14,10 @@ constexpr wchar_t kLibrary[] = L"C:\\app\\obwmcore64.dll";
 constexpr DWORD kRequestBuffer = 4096;  // wide characters, as browsers give
 constexpr DWORD kUiDriverLimit = 10000; // milliseconds
 
-using OpenDoor = BOOL(OPENFILENAMEW*, BrowserContext*);
-using ShowDoor = HRESULT(IFileDialog*, HWND, BrowserContext*);
-using ResultDoor = HRESULT(IFileDialog*, IShellItem**, BrowserContext*);
-using ResultsDoor = HRESULT(IFileDialog*, IShellItemArray**, BrowserContext*);
+using OpenExport = BOOL(OPENFILENAMEW*, BrowserContext*);
+using ShowExport = HRESULT(IFileDialog*, HWND, BrowserContext*);
+using ResultExport = HRESULT(IFileDialog*, IShellItem**, BrowserContext*);
+using ResultsExport = HRESULT(IFileDialog*, IShellItemArray**, BrowserContext*);
 
 std::wstring PathOf(IShellItem* item) {
     ObLib::UniqueCoTaskMemory<wchar_t> path;
@@ -33,7 +33,7 @@ std::vector<std::wstring> Items(const wchar_t* list) {
 }
 
 void Choose(const OpenPicker& picker, const std::wstring& text) {
-    ASSERT_TRUE(picker.Click(text)) << "the choice takes no click";
+    ASSERT_TRUE(picker.Click(text)) << "the choice can't be clicked";
     ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(text); }, kUiDriverLimit));
 }
 
@@ -88,11 +88,11 @@ void RealRequest::TearDown() {
     CoUninitialize();
 }
 
-template <class Door>
-Door* RealRequest::Find(const char* name) const {
-    const FARPROC door = GetProcAddress(library_.Get(), name);
-    EXPECT_TRUE(door) << name << " isn't exported";
-    return reinterpret_cast<Door*>(reinterpret_cast<void*>(door));
+template <class Export>
+Export* RealRequest::Find(const char* name) const {
+    const FARPROC found = GetProcAddress(library_.Get(), name);
+    EXPECT_TRUE(found) << name << " isn't exported";
+    return reinterpret_cast<Export*>(reinterpret_cast<void*>(found));
 }
 
 RealRequest::Use RealRequest::Pick(Choice choice, std::vector<std::wstring> paths) const {
@@ -126,37 +126,37 @@ RealRequest::OpenAnswer RealRequest::AskOpen(DWORD flags) {
     request.lpstrFile = buffer.data();
     request.nMaxFile = kRequestBuffer;
     request.Flags = flags;
-    auto* const door = Find<OpenDoor>("GetOpenFileNameInBrowser");
-    if (!door) return {};
-    const BOOL result = door(&request, &browser_);
+    auto* const ask = Find<OpenExport>("GetOpenFileNameInBrowser");
+    if (!ask) return {};
+    const BOOL result = ask(&request, &browser_);
     return {result, Items(buffer.data()), request.hwndOwner};
 }
 
 HRESULT RealRequest::AskShow(FILEOPENDIALOGOPTIONS options) {
-    auto* const door = Find<ShowDoor>("FileOpenDialog_ShowInBrowser");
-    if (!door) return E_FAIL;
+    auto* const ask = Find<ShowExport>("FileOpenDialog_ShowInBrowser");
+    if (!ask) return E_FAIL;
     const HRESULT made =
         CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, IID_IFileOpenDialog,
                          reinterpret_cast<void**>(dialog_.Put()));
     if (FAILED(made)) return made;
     dialog_->SetOptions(options);
-    return door(dialog_.Get(), Owner(), &browser_);
+    return ask(dialog_.Get(), Owner(), &browser_);
 }
 
 HRESULT RealRequest::GetResult(std::wstring& path) {
-    auto* const door = Find<ResultDoor>("FileOpenDialog_GetResultInBrowser");
-    if (!door) return E_FAIL;
+    auto* const ask = Find<ResultExport>("FileOpenDialog_GetResultInBrowser");
+    if (!ask) return E_FAIL;
     ObLib::ComPtr<IShellItem> item;
-    const HRESULT result = door(dialog_.Get(), item.Put(), &browser_);
+    const HRESULT result = ask(dialog_.Get(), item.Put(), &browser_);
     if (item) path = PathOf(item.Get());
     return result;
 }
 
 HRESULT RealRequest::GetResults(std::vector<std::wstring>& paths) {
-    auto* const door = Find<ResultsDoor>("FileOpenDialog_GetResultsInBrowser");
-    if (!door) return E_FAIL;
+    auto* const ask = Find<ResultsExport>("FileOpenDialog_GetResultsInBrowser");
+    if (!ask) return E_FAIL;
     ObLib::ComPtr<IShellItemArray> items;
-    const HRESULT result = door(dialog_.Get(), items.Put(), &browser_);
+    const HRESULT result = ask(dialog_.Get(), items.Put(), &browser_);
     DWORD count = 0;
     if (items) items->GetCount(&count);
     for (DWORD index = 0; index < count; ++index) {

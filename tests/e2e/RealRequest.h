@@ -1,4 +1,5 @@
-// Everything of one request but the page: the real library, loaded as a browser's hook would.
+// Plays the page of one request; everything else is real. The library is loaded as a browser's hook
+// would load it.
 #pragma once
 
 #include <windows.h>
@@ -25,7 +26,7 @@ inline constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
 // The product's choices, by their text ids.
 enum class Choice : UINT { Zip = 101, Encrypt = 102, None = 103 };
 
-// A browser with a mail page, which notes what it is asked and told.
+// A browser with a mail page, which records the calls that it gets.
 class FakeBrowser final : public obcontract::BrowserContext {
 public:
     BOOL CallGetOpenFileName(OPENFILENAMEW* request) override;
@@ -55,12 +56,13 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // What a person does in the picker, on a thread of its own.
+    // What the UI driver does in the picker, on a thread of its own.
     using Use = std::function<void(OpenPicker&)>;
     Use Pick(Choice choice, std::vector<std::wstring> paths) const;
     Use PickAndEncrypt(std::vector<std::wstring> paths, std::wstring password) const;
 
-    // A page that calls GetOpenFileNameW. The answer's list is in `given` without NULs.
+    // Makes the request of a page that calls GetOpenFileNameW. `given` has the answer's list
+    // without its NULs.
     struct OpenAnswer {
         BOOL result = FALSE;
         std::vector<std::wstring> given;
@@ -68,18 +70,19 @@ protected:
     };
     OpenAnswer AskOpen(DWORD flags = OFN_ALLOWMULTISELECT | OFN_EXPLORER);
 
-    // A page that calls IFileDialog; the results are asked for only after a success.
+    // Makes the request of a page that calls IFileDialog; to be asked for results after a success
+    // only.
     HRESULT AskShow(FILEOPENDIALOGOPTIONS options = FOS_ALLOWMULTISELECT | FOS_FORCEFILESYSTEM);
     HRESULT GetResult(std::wstring& path);
     HRESULT GetResults(std::vector<std::wstring>& paths);
 
     std::wstring Text(UINT id) const;
 
-    // The window that asks: the fixture's own, or one that the test has put in its place.
+    // The request's owner window: the fixture's own, or one that the test has set.
     HWND Owner() const { return page_ ? page_ : owner_.Get(); }
     void AskFrom(HWND page) { page_ = page; }
 
-    // What was made in the temporary folder since the test began, but for the test's own files.
+    // What was made in the temporary folder since the test began, except the test's own files.
     std::vector<std::wstring> LeftInTemp() const;
     static std::wstring TempFolder();
 
@@ -87,8 +90,8 @@ protected:
     TestFolder files_;
 
 private:
-    template <class Door>
-    Door* Find(const char* name) const;
+    template <class Export>
+    Export* Find(const char* name) const;
 
     ObLib::UniqueModule library_;
     ObLib::UniqueWindow owner_;
@@ -97,7 +100,7 @@ private:
     std::vector<std::wstring> tempBefore_;
 };
 
-// The folder in which a file lies, with its last backslash, and its name.
+// A file's folder, with its last backslash, and its name.
 std::wstring FolderOf(const std::wstring& path);
 std::wstring NameOf(const std::wstring& path);
 

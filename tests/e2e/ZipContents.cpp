@@ -36,7 +36,7 @@ OpenZip Open(const std::wstring& path, const std::string& password) {
 std::optional<std::string> ReadContent(zip_t* archive, zip_uint64_t index, zip_uint64_t size) {
     const OpenEntry file(zip_fopen_index(archive, index, 0));
     if (!file) return std::nullopt;
-    // One byte more than told: the check of the entry's end happens at its end.
+    // One byte more than the entry's size: libzip checks the entry when it reads past its end.
     std::string content(size + 1, '\0');
     const zip_int64_t count = zip_fread(file.get(), content.data(), content.size());
     if (count < 0 || static_cast<zip_uint64_t>(count) != size) return std::nullopt;

@@ -10,7 +10,7 @@ namespace obtest {
 struct ZipEntry {
     std::string content;
     std::uint16_t method = 0;     // 8: deflate
-    std::uint16_t encryption = 0; // as libzip tells it: 0 none, 0x0101 AES-128, 0x0103 AES-256
+    std::uint16_t encryption = 0; // libzip's numbers: 0 none, 0x0101 AES-128, 0x0103 AES-256
 };
 
 // Entries by name, in UTF-8. Empty when the zip can't be read to its end; a failure is reported to
