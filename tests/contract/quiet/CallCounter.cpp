@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t kPageBytes = 64 * 1024;
 
-// What a watched slot holds: count, then on to the real function with everything as it came. No
-// register is touched, so one form serves every signature.
+// What a watched slot points to: code that counts and jumps to the real function. It changes no
+// register, so one form serves every signature.
 struct Thunk {
     std::uint8_t code[16];
     volatile std::uint64_t calls;
@@ -44,7 +44,7 @@ const IMAGE_IMPORT_DESCRIPTOR* Imports(HMODULE module) {
     return At<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress);
 }
 
-// Every import of one library that has a name: slot and name.
+// Calls `visit` with slot and name of every import by name of one library.
 template <class Visit>
 void ForEachName(HMODULE module, const IMAGE_IMPORT_DESCRIPTOR& library, Visit visit) {
     const auto* names = At<IMAGE_THUNK_DATA64>(module, library.OriginalFirstThunk);
@@ -95,7 +95,7 @@ void CallCounter::WatchSlot(void** slot, const std::string& name) {
     watched_.push_back({name, slot, real, &reinterpret_cast<Thunk*>(thunk)->calls});
 }
 
-// The memory stays: a caller may have fetched the slot just before it was put back.
+// The memory is never freed: a caller may have read the slot just before it was put back.
 std::uint8_t* CallCounter::NewThunk(void* real) {
     if (room_ < sizeof(Thunk)) {
         page_ = static_cast<std::uint8_t*>(

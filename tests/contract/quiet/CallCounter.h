@@ -11,12 +11,12 @@
 
 namespace obtest {
 
-// While it lives, every import that is watched counts its calls, on all threads, and goes on to
-// what stood there. It may not end while a watched call is under way.
+// During its lifetime every watched import counts its calls, on all threads, and continues in the
+// original function. It must not be destroyed while a watched call runs.
 class CallCounter {
 public:
-    // Tells by library ("ntdll.dll", any case as the table has it) and name whether to watch. Asked
-    // for functions only if the caller tells data apart: a watched variable would be called.
+    // Whether to watch an import, by library ("ntdll.dll", in the table's own case) and name. Must
+    // return false for variables: a watched variable would be called.
     using Filter = std::function<bool(const std::string& library, const std::string& name)>;
 
     CallCounter() = default;
@@ -24,16 +24,16 @@ public:
     CallCounter(const CallCounter&) = delete;
     CallCounter& operator=(const CallCounter&) = delete;
 
-    // Watches the imports of one loaded module. What it imports by number stays unwatched.
+    // Watches the imports of one loaded module, except those by number.
     void Watch(HMODULE module, const Filter& filter);
 
-    // The same for every module of this process, as they are now.
+    // Watches the imports of every module that is loaded now.
     void WatchProcess(const Filter& filter);
 
     // How many imports are watched.
     [[nodiscard]] std::size_t Watched() const noexcept { return watched_.size(); }
 
-    // Name and number of calls since Clear, without those that weren't called.
+    // Name and number of calls since Clear, of those that were called.
     [[nodiscard]] std::map<std::string, std::uint64_t> Calls() const;
     void Clear() noexcept;
 

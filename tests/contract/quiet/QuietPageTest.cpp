@@ -1,5 +1,5 @@
-// A page that is not mail pays nothing for the library: after the first request of a process, no
-// request there opens, reads or looks for a file or a registry value, or loads a module.
+// The library costs a page that is not mail next to nothing: after the first request of a process,
+// no request opens, reads or looks for a file or a registry value, or loads a module.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -19,8 +19,8 @@ bool Names(const std::string& name, std::initializer_list<const char*> parts) {
     return false;
 }
 
-// The doors of the system's lowest library to files, sections, the registry and the loader. What
-// any module of the process asks of the system goes through one of them.
+// The functions of the system's lowest library for files, sections, the registry and the loader.
+// Every module's calls for these go through one of them.
 bool IsAccess(const std::string& library, const std::string& name) {
     if (_stricmp(library.c_str(), "ntdll.dll") != 0) return false;
     const bool system = name.starts_with("Nt") || name.starts_with("Zw");
@@ -28,8 +28,8 @@ bool IsAccess(const std::string& library, const std::string& name) {
     return name.starts_with("Ldr") && Names(name, {"Load", "GetDllHandle", "GetDllPath"});
 }
 
-// Functions of the C runtime are left out: it exports variables beside them. Their files and
-// modules come from the doors above.
+// Functions of the C runtime are left out, as it exports variables as well. Its accesses go through
+// the functions above.
 bool IsSystemCall(const std::string& library, const std::string&) {
     return _stricmp(library.c_str(), "msvcrt.dll") != 0;
 }
@@ -43,7 +43,7 @@ protected:
         request_.lStructSize = sizeof(request_);
     }
 
-    void AskEveryDoor() {
+    void CallEveryExport() {
         IFileDialog* const dialog = reinterpret_cast<IFileDialog*>(&page_); // a key, never called
         IShellItem* item = nullptr;
         IShellItemArray* items = nullptr;
@@ -53,9 +53,9 @@ protected:
         EXPECT_EQ(0x00041003, library_.getResults(dialog, &items, &page_));
     }
 
-    void AskManyTimes() {
+    void CallManyTimes() {
         page_.asked.clear();
-        for (int count = 0; count < kRequests; ++count) AskEveryDoor();
+        for (int count = 0; count < kRequests; ++count) CallEveryExport();
         EXPECT_EQ(4U * kRequests, page_.asked.size());
     }
 
@@ -66,41 +66,41 @@ protected:
 
 using Counts = std::map<std::string, std::uint64_t>;
 
-TEST_F(QuietPage, TouchesNoFileAndNoRegistryValueAfterTheFirstRequest) {
+TEST_F(QuietPage, AccessesNoFileAndNoRegistryValueAfterTheFirstRequest) {
     CallCounter counter;
     counter.WatchProcess(&IsAccess);
     ASSERT_GT(counter.Watched(), 50U);
-    AskEveryDoor();
+    CallEveryExport();
     counter.Clear();
-    AskManyTimes();
+    CallManyTimes();
     EXPECT_EQ(Counts(), counter.Calls());
 }
 
-TEST_F(QuietPage, AsksTheSystemForItsActivationContextOnly) {
-    AskEveryDoor();
+TEST_F(QuietPage, CallsTheSystemForItsActivationContextOnly) {
+    CallEveryExport();
     CallCounter counter;
     counter.Watch(library_.module.Get(), &IsSystemCall);
     ASSERT_GT(counter.Watched(), 50U);
-    AskManyTimes();
-    // Two of the four doors are requests; the two queries look into a map.
+    CallManyTimes();
+    // Two of the four exports are requests; the two queries look into a map.
     const Counts expected = {{"ActivateActCtx", 2U * kRequests},
                              {"DeactivateActCtx", 2U * kRequests}};
     EXPECT_EQ(expected, counter.Calls());
 }
 
 TEST_F(QuietPage, LoadsNeitherSisterModule) {
-    AskManyTimes();
+    CallManyTimes();
     EXPECT_FALSE(GetModuleHandleW(L"obofcsvc64.dll"));
     EXPECT_FALSE(GetModuleHandleW(L"PVXManager64.dll"));
 }
 
-// The two below show that the counters would see what the tests above find absent.
-TEST_F(QuietPage, IsWatchedByCountersThatSeeTheFirstRequestAndAMailPage) {
+// The two tests below show that the counters count what the tests above find absent.
+TEST_F(QuietPage, IsWatchedByCountersThatCountTheFirstRequestAndAMailPage) {
     CallCounter counter;
     counter.WatchProcess(&IsAccess);
     CallCounter own;
     own.Watch(library_.module.Get(), &IsSystemCall);
-    AskEveryDoor();
+    CallEveryExport();
     EXPECT_EQ(1U, own.Calls()["LoadLibraryExW"]) << "the library's texts are bound once";
     EXPECT_NE(Counts(), counter.Calls());
 
@@ -113,7 +113,7 @@ TEST_F(QuietPage, IsWatchedByCountersThatSeeTheFirstRequestAndAMailPage) {
     EXPECT_NE(Counts(), counter.Calls());
 }
 
-TEST_F(QuietPage, IsWatchedByCountersThatSeeFileAndRegistryCalls) {
+TEST_F(QuietPage, IsWatchedByCountersThatCountFileAndRegistryCalls) {
     CallCounter counter;
     counter.WatchProcess(&IsAccess);
     EXPECT_NE(INVALID_FILE_ATTRIBUTES, GetFileAttributesW(L"C:\\app"));
