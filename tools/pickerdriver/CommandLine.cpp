@@ -81,14 +81,14 @@ void Check(const Task& task) {
 
 const wchar_t kUsage[] =
     L"usage: pickerdriver [OPTION]... [-- PROGRAM [ARGUMENT]...]\n"
-    L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own stands\n"
+    L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own is kept\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"
     L"  --cancel                   presses Cancel instead of Open\n"
     L"  --picture FILE.png         of the open picker; -chosen and -password are put before .png\n"
     L"                             for the pictures that follow\n"
-    L"  --page-result FILE         where PROGRAM, a mail page, notes what it was given\n"
-    L"  --keep FOLDER              copies of the files that the page was given\n"
+    L"  --page-result FILE         where PROGRAM, a mail page, lists what it got\n"
+    L"  --keep FOLDER              where to copy the files that the page got\n"
     L"  --timeout SECONDS          for each wait (60)\n"
     L"PROGRAM is started first; its exit code is this program's. 2: a step couldn't be done.";
 

@@ -1,4 +1,4 @@
-// What the person is asked to do.
+// What the UI driver is to do.
 #pragma once
 
 #include <windows.h>
@@ -12,15 +12,15 @@ enum class Choice { Zip, Encrypt, None };
 
 struct Task {
     Choice choice = Choice::Zip;
-    bool hasChoice = false;          // otherwise the picker's own choice stands
+    bool hasChoice = false;          // otherwise the picker's own choice is kept
     std::vector<std::wstring> files; // full paths
     std::wstring password;
     bool cancel = false;
     DWORD limit = 60000;     // milliseconds for each wait
     std::wstring picture;    // base of the pictures' names; empty for none
-    std::wstring pageResult; // the file in which the page notes what it was given
-    std::wstring keepFolder; // where copies of the files go that the page was given
-    std::wstring program;    // a whole command line; empty: the picker is somebody else's
+    std::wstring pageResult; // the file in which the page lists what it got
+    std::wstring keepFolder; // where to copy the files that the page got
+    std::wstring program;    // a whole command line; empty: another program shows the picker
 };
 
 extern const wchar_t kUsage[];

@@ -13,7 +13,7 @@
 namespace pickerdriver {
 namespace {
 
-// The lines of the page's note, once it is written to its end.
+// The lines of the page's list, once it is complete.
 std::optional<std::vector<std::wstring>> ReadNote(const std::wstring& path) {
     const auto content = obtest::ReadFileContent(path);
     if (!content || content->empty() || content->back() != '\n') return std::nullopt;
@@ -38,8 +38,8 @@ std::vector<std::wstring> AwaitNote(const std::wstring& path, HANDLE process, DW
         limit);
     if (!lines) lines = ReadNote(path);
     if (lines) return *lines;
-    throw Failure{came ? L"the page ended without a word on what it was given"
-                       : L"time is up: the page doesn't say what it was given"};
+    throw Failure{came ? L"the page ended without a list of what it got"
+                       : L"time is up: the page hasn't listed what it got"};
 }
 
 void KeepCopies(const std::vector<std::wstring>& note, const std::wstring& folder) {
@@ -49,7 +49,7 @@ void KeepCopies(const std::vector<std::wstring>& note, const std::wstring& folde
         const std::wstring path = line.substr(kPath.size());
         const std::wstring copy = folder + L"\\" + PathFindFileNameW(path.c_str());
         if (!CopyFileW(path.c_str(), copy.c_str(), FALSE)) {
-            throw Failure{L"the page was given " + path + L", which can't be copied to " + copy};
+            throw Failure{L"the page got " + path + L", which can't be copied to " + copy};
         }
     }
 }

@@ -1,4 +1,4 @@
-// The program that asked for the files: a mail page that notes what it was given.
+// The program that asks for the files: a mail page that lists what it got in a file.
 #pragma once
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -6,7 +6,7 @@
 
 namespace pickerdriver {
 
-// One started program. It is ended when this object goes while it still runs.
+// One started program. The destructor ends it if it still runs.
 class MailPage {
 public:
     // Throws Failure when it can't be started.
@@ -17,8 +17,8 @@ public:
 
     HANDLE Process() const { return process_.Get(); }
 
-    // Waits until the page has its answer, takes the copies that the task asks for, and closes the
-    // page's window. What was temporary is gone once the page is closed.
+    // Waits until the page has its answer, copies the files as the task asks, and closes the page's
+    // window, after which its temporary files are gone.
     void LookAtAnswer(const Task& task) const;
 
     // The program's exit code.

@@ -1,4 +1,4 @@
-// A person at the picker: does from outside, in another process, what a user would do there.
+// The UI driver of the picker: does from another process what a user would do.
 #include <windows.h>
 
 #include <exception>
@@ -27,7 +27,7 @@ int Run(const Task& task) {
 } // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    // Pictures and places are then in the screen's own pixels, whatever its scale.
+    // Pictures and coordinates are then in the screen's own pixels, whatever its scale.
     SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
     if (argc == 1) {
         Say(kUsage);

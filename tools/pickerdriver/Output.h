@@ -1,11 +1,11 @@
-// What the person says, and how it gives up.
+// The UI driver's output, and how it reports a failure.
 #pragma once
 
 #include <string>
 
 namespace pickerdriver {
 
-// Thrown where a step can't be done; the text says which and why, for whoever started the program.
+// Thrown where a step can't be done; the text names the step and the reason.
 struct Failure {
     std::wstring text;
 };

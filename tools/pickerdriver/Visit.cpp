@@ -56,7 +56,7 @@ std::optional<std::wstring> FindMessageBox() {
     return found;
 }
 
-// A message box is nothing that this person expects; waiting on would only hide what it says.
+// The UI driver expects no message box; to wait on would only hide the box's text.
 void Await(const std::wstring& what, DWORD limit, HANDLE program,
            const std::function<bool()>& holds) {
     const ULONGLONG end = GetTickCount64() + limit;

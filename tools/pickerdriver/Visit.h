@@ -1,4 +1,4 @@
-// One visit to the picker, from its opening to its end.
+// One use of the picker, from its opening to its end.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@
 
 namespace pickerdriver {
 
-// Does in the picker what the task says. `program` is the process whose end means that no picker
+// Does in the picker what the task lists. `program` is the process whose end means that no picker
 // will come, or null. Throws Failure where a step can't be done.
 void VisitPicker(const Task& task, HANDLE program);
 

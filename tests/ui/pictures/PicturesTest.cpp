@@ -1,5 +1,5 @@
-// What a person sees of a request isn't blank and grows with the screen's scale. With OB_PICTURES,
-// a folder, the pictures are left there for people to judge.
+// What a user sees of a request isn't blank and grows with the screen's scale. With OB_PICTURES, a
+// folder, the pictures are stored there to be looked at.
 #include <cstdlib>
 #include <iterator>
 
@@ -10,7 +10,7 @@
 namespace obtest {
 namespace {
 
-// Well above what a window has whose contents were never painted.
+// Well above the number of a window whose contents were never painted.
 constexpr std::size_t kLeastColours = 12;
 constexpr DWORD kPageLimit = 30000; // milliseconds
 
@@ -37,10 +37,10 @@ protected:
         ASSERT_EQ(ScreenDpi(), ExpectedDpi());
     }
 
-    // At least as large as these measures, which are for 96 dpi.
+    // Expects a picture of at least this size at 96 dpi, scaled to the screen's.
     static void Look(HWND window, const std::wstring& name, int leastWidth, int leastHeight) {
         const auto picture = TakeSettledPicture(window, kLeastColours);
-        ASSERT_TRUE(picture) << Utf8(name) << " stays blank or never comes to rest";
+        ASSERT_TRUE(picture) << Utf8(name) << " stays blank or keeps changing";
         EXPECT_GE(picture->width, MulDiv(leastWidth, ExpectedDpi(), 96));
         EXPECT_GE(picture->height, MulDiv(leastHeight, ExpectedDpi(), 96));
         const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
@@ -51,9 +51,9 @@ protected:
     }
 };
 
-// Typing a folder and Open shows it; the list fills when the shell comes to it.
+// Typing a folder and pressing Open shows it; the shell fills the list some time later.
 void OpenFolder(const OpenPicker& picker, const std::wstring& folder, int files) {
-    ASSERT_NE(picker.RowCount(), files) << "the folder couldn't be told from the one before";
+    ASSERT_NE(picker.RowCount(), files) << "the folder before has as many files";
     EXPECT_TRUE(picker.TypeNames(folder));
     picker.PressOk();
     EXPECT_TRUE(OpenPicker::WaitFor([&] { return picker.RowCount() == files; }));
@@ -88,7 +88,7 @@ TEST_F(Pictures, ThePasswordPromptShowsItsFields) {
     EXPECT_TRUE(driver.Done());
 }
 
-TEST_F(Pictures, TheMailPageShowsWhatItWasGiven) {
+TEST_F(Pictures, TheMailPageShowsTheFilesThatItGot) {
     const std::wstring one = files_.File(L"Meeting notes.txt", std::string(20000, 'n'));
     const std::wstring two = files_.File(L"Chart.png", std::string(3000, 'c'));
     const std::wstring result = files_.Path() + L"\\answer.txt";
