@@ -1,4 +1,4 @@
-// A DLL with as little in it as the compiler can make: what loading any module costs.
+// The smallest DLL that the compiler can make: what loading any module costs.
 #include <windows.h>
 
 extern "C" int Nothing() { return 0; }

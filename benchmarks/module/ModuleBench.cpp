@@ -1,7 +1,8 @@
-// What loading the library costs a browser: time and private memory, beside an empty DLL.
+// Measures what loading the library costs a browser, time and private memory, compared with an
+// empty DLL.
 //
 // A module is loaded for the first time only once in a process, so each sample is a child process
-// of its own; the kinds take turns. A child first loads what every browser has.
+// of its own; the kinds take turns. A child first loads what every browser has loaded.
 //
 //   module_bench                        all samples, as series
 //   module_bench --child PATH [ask]     one sample: nanoseconds and bytes, to stdout
@@ -76,7 +77,7 @@ int RunChild(const wchar_t* path, bool ask) {
     return 0;
 }
 
-// Whatever the child wrote, up to its end.
+// What the child wrote until its end.
 std::string ReadAll(HANDLE pipe) {
     std::string text;
     char piece[256];
@@ -126,7 +127,7 @@ struct Kind {
 };
 
 bool TakeTurns(std::vector<Kind>& kinds) {
-    for (int round = -1; round < kSamples; ++round) { // the first warms the file cache
+    for (int round = -1; round < kSamples; ++round) { // the first fills the file cache
         for (Kind& kind : kinds) {
             Sample sample;
             if (!Take(kind.arguments, sample)) return false;

@@ -1,5 +1,6 @@
-// What a request costs on a page that is not mail: a call through the library beside a call of the
-// hook's context itself, in one process, interleaved. Series in nanoseconds a call.
+// Measures what a request costs on a page that is not mail: a call through the library compared
+// with a call of the hook's context itself, in one process, interleaved. Series in nanoseconds a
+// call.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -20,7 +21,7 @@ using bench::Stopwatch;
 constexpr int kSamples = 401;
 constexpr int kCallsPerSample = 500;
 
-// The call beside which the library's is measured goes through the interface's table too.
+// The call that the library's is compared with goes through the interface's table too.
 BrowserContext* Opaque(BrowserContext* context) {
     BrowserContext* volatile kept = context;
     return kept;
@@ -34,7 +35,7 @@ double NanosecondsACall(Call call) {
 }
 
 // Pairs of batches, each kind first in every other pair, so that a change of the machine's speed
-// meets both.
+// affects both.
 template <class Direct, class Through>
 void Measure(const std::string& name, Direct direct, Through through) {
     std::vector<double> directly;

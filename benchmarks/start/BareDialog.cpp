@@ -1,4 +1,4 @@
-// What a program of five calls needs to show the shell's dialog: the peer of the host.
+// Shows the shell's dialog with as few calls as possible: what the host is compared with.
 //
 //   bare_dialog OWNER [controls]   the owner window as a decimal number; with "controls", as many
 //                                  and the same kinds of controls as the product's dialog has
@@ -16,7 +16,7 @@ namespace {
 constexpr FILEOPENDIALOGOPTIONS kOptions =
     FOS_FORCEFILESYSTEM | FOS_ALLOWMULTISELECT | FOS_PATHMUSTEXIST | FOS_FILEMUSTEXIST;
 
-// How many check buttons stand in each group behind the three radio lists.
+// How many check buttons each group has, after the three radio lists.
 constexpr int kCheckGroups[] = {3, 3, 2};
 
 void AddControls(IFileDialogCustomize& customize) {

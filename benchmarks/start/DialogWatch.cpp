@@ -7,7 +7,7 @@ constexpr wchar_t kDialogClass[] = L"#32770";
 constexpr int kFileNameEdit = 1152; // the dialog's file name field
 constexpr double kLimit = 30000;    // milliseconds
 
-// The field tells the dialog from a message box, which would be a failure of the run.
+// A message box, which would be a failure of the run, has no such field.
 bool HasFileNameField(HWND dialog) {
     bool found = false;
     EnumChildWindows(
@@ -51,7 +51,7 @@ void DialogWatch::Run() {
     }
     if (!dialog) return;
     visibleAfter_ = clock_.Milliseconds();
-    // Again until it goes: a command that comes before the dialog's own loop may be lost.
+    // Posted again until the dialog is gone: a command before the dialog's own loop may be lost.
     while (!ended_ && IsWindow(dialog)) {
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         Sleep(20);

@@ -1,4 +1,4 @@
-// Sees the shell's dialog of another process come up, and cancels it.
+// Waits until the shell's dialog of another process is visible, and cancels it.
 #pragma once
 
 #include <windows.h>
@@ -10,8 +10,8 @@
 
 namespace bench {
 
-// Watches on a thread of its own from construction on, looking every millisecond; one dialog a
-// watch. The clock starts with the watch, so it is made right before what is measured.
+// Watches on a thread of its own from construction on, looking every millisecond; each watch sees
+// one dialog. Its clock starts at construction, so construct it right before what is measured.
 class DialogWatch {
 public:
     DialogWatch();
@@ -19,7 +19,8 @@ public:
     DialogWatch& operator=(const DialogWatch&) = delete;
     ~DialogWatch();
 
-    // Until the dialog was visible, once what it belongs to has ended; negative when none came.
+    // The time until the dialog was visible; negative when none came. To be called after the
+    // dialog's process has ended.
     [[nodiscard]] double Milliseconds();
 
 private:

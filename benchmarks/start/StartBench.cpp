@@ -1,6 +1,6 @@
-// From the export's call to the visible dialog: the real library, host and sister modules, beside a
-// bare program that is started the same way and shows the same shell dialog. Series in
-// milliseconds.
+// Measures the time from the export's call to the visible dialog: the real library, host and sister
+// modules, compared with a bare program that is started the same way and shows the same shell
+// dialog. Series in milliseconds.
 //
 //   start_bench [ROUNDS]
 #include <windows.h>
@@ -32,7 +32,7 @@ ObLib::UniqueWindow CreateBrowserWindow() {
                                                nullptr, nullptr, nullptr, nullptr));
 }
 
-// Dispatches what comes for the browser's window until the process has ended.
+// Dispatches the browser window's messages until the process has ended.
 void Pump(HANDLE process) {
     while (MsgWaitForMultipleObjects(1, &process, FALSE, INFINITE, QS_ALLINPUT) != WAIT_OBJECT_0) {
         MSG message;
@@ -83,21 +83,21 @@ double TimeBare(HWND owner, const wchar_t* extra) {
     return watch.Milliseconds();
 }
 
-// What takes turns: a name, a dialog from its start to its end, and the samples.
+// One kind of dialog: its name, a run from start to end, and its samples. The kinds take turns.
 struct Runner {
     const char* name;
     std::function<double()> play;
     std::vector<double> milliseconds;
 };
 
-// Wine refuses one start of a program in some thousands: a dialog that doesn't come up is asked for
-// once more before the measurement is given up.
+// Wine refuses one start of a program in some thousands: a dialog that isn't shown is tried once
+// more before the measurement ends.
 double PlayTwiceAtMost(const Runner& runner) {
     const double milliseconds = runner.play();
     return milliseconds < 0 ? runner.play() : milliseconds;
 }
 
-// Forwards and backwards in turn, so that nothing always runs behind the same neighbour.
+// Forwards and backwards in turn, so that no kind always runs after the same other one.
 bool PlayRound(std::vector<Runner>& runners, int round) {
     for (std::size_t place = 0; place < runners.size(); ++place) {
         Runner& runner = runners[round % 2 == 0 ? place : runners.size() - 1 - place];

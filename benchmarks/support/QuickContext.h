@@ -1,4 +1,4 @@
-// A hook's context that answers at once, as on a page whose own dialog takes no time.
+// A hook's context whose own dialogs return at once.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ class QuickContext final : public obcontract::BrowserContext {
 public:
     explicit QuickContext(std::wstring url) : url_(std::move(url)) {}
 
-    // Dialogs of the browser that were asked for so far.
+    // How many of the browser's own dialogs were asked for so far.
     [[nodiscard]] std::uint64_t Asked() const noexcept { return asked_; }
 
     BOOL CallGetOpenFileName(OPENFILENAMEW*) override {

@@ -5,8 +5,8 @@
 
 namespace bench {
 
-// Runs from its construction. One tick of the counter is 100 ns here, so what is shorter than some
-// microseconds is measured in batches.
+// Runs from construction on. One tick of the counter is 100 ns under Wine, so anything shorter than
+// some microseconds is measured in batches.
 class Stopwatch {
 public:
     Stopwatch() noexcept : began_(Now()) {}
