@@ -102,7 +102,7 @@ TEST_F(ArchiveEndToEnd, ZipsAPickedArchiveTogetherWithAnotherFile) {
 // The slow format makes the run last far longer than the half second after which the window comes.
 TEST_F(ArchiveEndToEnd, GivesNothingWhenTheProgressWindowIsCancelled) {
     SetUserValue(L"CompressionMethod", L"-1");
-    const std::string text = LongText(64 << 20);
+    const std::string text = LongText(32 << 20);
     const std::wstring file = files_.File(L"large.txt", text);
     const MessageBoxWatcher boxes(MessageBoxWatcher::Scope::AllProcesses);
     PickerUiDriver driver([&](OpenPicker& picker) {
