@@ -22,8 +22,8 @@ private:
     std::wstring moved_;
 };
 
-// A suite of its own: a service that was bound once stays bound, as a library that has opened itself
-// as a resource stays loaded.
+// A suite of its own: a service that was bound once stays bound, as a library that has opened
+// itself as a resource stays loaded.
 class MissingArchiveService : public RealRequest {};
 
 TEST_F(MissingArchiveService, LeadsToTheBrowsersOwnDialog) {
