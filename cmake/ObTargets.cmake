@@ -1,6 +1,6 @@
 # What every folder's CMakeLists.txt uses. In short:
 #
-#   ob_subdirectories(FOLDER...)        adds those that have a CMakeLists.txt, in the order given
+#   ob_subdirectories(FOLDER...)        adds the folders in the order given; a missing one is an error
 #   ob_headers(T [LIBS ...])            a floor that is headers only
 #   ob_room(T SOURCES ... [LIBS ...])   a static library: one room or floor
 #   ob_module(T OUTPUT name DEF file SOURCES ... [RESOURCES ...] [LIBS ...])   a DLL
@@ -24,39 +24,12 @@ target_compile_definitions(ob_base INTERFACE
 # used; ones packed closer are copied whole by some. It takes a few kilobytes of each file.
 set(OB_PAGED_FILE -Wl,--file-alignment,4096)
 
-# For work on a tree that is being written in several places at once: -D OB_PARTIAL=ON leaves out
-# each target that names a source file which isn't there yet, and says so, where an ordinary build
-# stops. ./test and the checks never set it.
-option(OB_PARTIAL "Leave out targets whose sources aren't there yet" OFF)
-if(OB_PARTIAL)
-    cmake_policy(SET CMP0046 OLD)
-endif()
-
-# Returns from the calling function when a file is missing and OB_PARTIAL is on.
-macro(ob_stop_if_partial target)
-    if(OB_PARTIAL)
-        foreach(source ${ARGN})
-            if(NOT IS_ABSOLUTE "${source}" AND NOT EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${source}")
-                message(WARNING "OB_PARTIAL: ${target} is left out: ${source} isn't there")
-                set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}")
-                return()
-            endif()
-        endforeach()
-    endif()
-endmacro()
-
 function(ob_subdirectories)
     foreach(folder ${ARGN})
-        if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
-            add_subdirectory(${folder})
-        else()
-            # One that appears later is noticed by the next build.
-            set(watched "${CMAKE_CURRENT_SOURCE_DIR}")
-            if(IS_DIRECTORY "${watched}/${folder}")
-                string(APPEND watched "/${folder}")
-            endif()
-            set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${watched}")
+        if(NOT EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
+            message(FATAL_ERROR "${CMAKE_CURRENT_SOURCE_DIR} names the folder ${folder}, which has no CMakeLists.txt")
         endif()
+        add_subdirectory(${folder})
     endforeach()
 endfunction()
 
@@ -70,7 +43,6 @@ endfunction()
 # ob_room(<target> SOURCES <files> [LIBS <targets, system libraries>])
 function(ob_room target)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
-    ob_stop_if_partial(${target} ${arg_SOURCES})
     add_library(${target} STATIC ${arg_SOURCES})
     target_link_libraries(${target} PUBLIC ob_base ${arg_LIBS})
 endfunction()
@@ -102,7 +74,6 @@ endfunction()
 # Its import library is what others link (target_link_libraries(x <target>)).
 function(ob_module target)
     cmake_parse_arguments(arg "" "OUTPUT;DEF" "SOURCES;RESOURCES;LIBS" ${ARGN})
-    ob_stop_if_partial(${target} ${arg_SOURCES} ${arg_DEF} ${arg_RESOURCES})
     add_library(${target} SHARED ${arg_SOURCES} ${arg_DEF})
     set_target_properties(${target} PROPERTIES PREFIX "" IMPORT_PREFIX "" OUTPUT_NAME "${arg_OUTPUT}")
     target_link_libraries(${target} PRIVATE ob_base ${arg_LIBS})
@@ -120,9 +91,6 @@ endfunction()
 # that isn't there would end the first of them with a system exception, so it is for libraries that
 # every system has.
 function(ob_load_late target)
-    if(NOT TARGET ${target})
-        return() # left out by OB_PARTIAL
-    endif()
     set(folder "${CMAKE_CURRENT_BINARY_DIR}/${target}-late")
     file(MAKE_DIRECTORY "${folder}")
     foreach(library ${ARGN})
@@ -152,7 +120,6 @@ endfunction()
 #            [LIBS ...]): wmain, or wWinMain with GUI; stripped.
 function(ob_program target)
     cmake_parse_arguments(arg "GUI" "OUTPUT" "SOURCES;RESOURCES;LIBS" ${ARGN})
-    ob_stop_if_partial(${target} ${arg_SOURCES} ${arg_RESOURCES})
     add_executable(${target} ${arg_SOURCES})
     if(arg_OUTPUT)
         set_target_properties(${target} PROPERTIES OUTPUT_NAME "${arg_OUTPUT}")
@@ -183,7 +150,6 @@ function(ob_test name)
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 60)
     endif()
-    ob_stop_if_partial(${name} ${arg_SOURCES} ${arg_RESOURCES})
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ob_base ob_test_main ${arg_LIBS})
     target_link_options(${name} PRIVATE -municode)
@@ -225,11 +191,7 @@ function(ob_stage_item test item out)
         set(${out} "${rename}${item}" PARENT_SCOPE)
     else()
         # A target of any folder, also of one that is added later.
-        if(OB_PARTIAL)
-            set(${out} "${rename}$<$<TARGET_EXISTS:${item}>:$<TARGET_FILE:${item}>>" PARENT_SCOPE)
-        else()
-            set(${out} "${rename}$<TARGET_FILE:${item}>" PARENT_SCOPE)
-        endif()
+        set(${out} "${rename}$<TARGET_FILE:${item}>" PARENT_SCOPE)
         add_dependencies(${test} ${item})
     endif()
 endfunction()
