@@ -27,7 +27,7 @@ OPENFILENAMEW RequestWithNumbers() {
     return request;
 }
 
-class OpenFileNameRequest : public testing::Test {
+class OpenFileNameFields : public testing::Test {
 protected:
     void SetUp() override { request = RequestWithNumbers(); }
     void ExpectOffsets(std::vector<std::int32_t> offsets) {
@@ -39,7 +39,7 @@ protected:
     GuardedBlock block;
 };
 
-TEST_F(OpenFileNameRequest, StandsByteForByteAtItsOffsets) {
+TEST_F(OpenFileNameFields, StandsByteForByteAtItsOffsets) {
     wchar_t file[] = L"preset.txt";
     wchar_t custom[] = L"custom\0*.c\0";
     request.lpstrFile = file;
@@ -65,13 +65,13 @@ TEST_F(OpenFileNameRequest, StandsByteForByteAtItsOffsets) {
     EXPECT_EQ(block.Copy(), expected.Copy());
 }
 
-TEST_F(OpenFileNameRequest, KeepsTheExtensionBeforeTheOffset) {
+TEST_F(OpenFileNameFields, KeepsTheExtensionBeforeTheOffset) {
     WriteOpenFileNameRequest(*block, request);
     EXPECT_EQ(block.U16(24), 0x0102);
     EXPECT_EQ(block.U16(26), 0x0304);
 }
 
-TEST_F(OpenFileNameRequest, ClearsItsFieldsAndTouchesNothingBetween) {
+TEST_F(OpenFileNameFields, ClearsItsFieldsAndTouchesNothingBetween) {
     GuardedBlock used(0xCC);
     const OPENFILENAMEW empty = {};
     WriteOpenFileNameRequest(*used, empty);
@@ -83,12 +83,12 @@ TEST_F(OpenFileNameRequest, ClearsItsFieldsAndTouchesNothingBetween) {
     EXPECT_EQ(used.Copy(), expected.Copy());
 }
 
-TEST_F(OpenFileNameRequest, WithoutTextsHasItsFileSlotFirst) {
+TEST_F(OpenFileNameFields, WithoutTextsHasItsFileSlotFirst) {
     WriteOpenFileNameRequest(*block, request);
     ExpectOffsets({0, 0, 0, 0, 0, 76});
 }
 
-TEST_F(OpenFileNameRequest, GivesAbsentTextsNoRoom) {
+TEST_F(OpenFileNameFields, GivesAbsentTextsNoRoom) {
     request.lpstrTitle = L"T";
     request.lpTemplateName = L"";
     WriteOpenFileNameRequest(*block, request);
@@ -96,13 +96,13 @@ TEST_F(OpenFileNameRequest, GivesAbsentTextsNoRoom) {
     EXPECT_EQ(block.Units(76, 5), Raw(L"T\0\0\0\0"));
 }
 
-TEST_F(OpenFileNameRequest, WithoutAFilterHasItsFileSlotRightBehindTheTexts) {
+TEST_F(OpenFileNameFields, WithoutAFilterHasItsFileSlotRightBehindTheTexts) {
     request.lpstrInitialDir = L"C:\\";
     WriteOpenFileNameRequest(*block, request);
     ExpectOffsets({76, 0, 0, 0, 0, 84});
 }
 
-TEST_F(OpenFileNameRequest, CutsATextTo32730WideCharactersWithItsNul) {
+TEST_F(OpenFileNameFields, CutsATextTo32730WideCharactersWithItsNul) {
     const std::wstring text = LongText(40000);
     request.lpstrInitialDir = text.c_str();
     request.lpstrTitle = L"Title";
@@ -112,7 +112,7 @@ TEST_F(OpenFileNameRequest, CutsATextTo32730WideCharactersWithItsNul) {
     EXPECT_EQ(block.Units(76, 32730), LongText(32729) + Raw(L"\0"));
 }
 
-TEST_F(OpenFileNameRequest, LeavesTheSlotTheRoomThatThereIs) {
+TEST_F(OpenFileNameFields, LeavesTheSlotTheRoomThatThereIs) {
     const std::wstring text = LongText(32728);
     request.lpstrInitialDir = text.c_str();
     block.PutUnits(65534, L"x");
@@ -121,7 +121,7 @@ TEST_F(OpenFileNameRequest, LeavesTheSlotTheRoomThatThereIs) {
     EXPECT_EQ(block.Units(65532, 2), Raw(L"\0\0"));
 }
 
-TEST_F(OpenFileNameRequest, ForcesTwoNulsAtTheEndOfAFilterThatIsCut) {
+TEST_F(OpenFileNameFields, ForcesTwoNulsAtTheEndOfAFilterThatIsCut) {
     const std::wstring text = LongText(32721); // 8 wide characters remain
     request.lpstrInitialDir = text.c_str();
     request.lpstrFilter = L"Images\0*.png\0";
@@ -130,7 +130,7 @@ TEST_F(OpenFileNameRequest, ForcesTwoNulsAtTheEndOfAFilterThatIsCut) {
     EXPECT_EQ(block.Units(65520, 8), Raw(L"Images\0\0"));
 }
 
-TEST_F(OpenFileNameRequest, OverwritesTheLastCharactersOfAFilterThatIsCut) {
+TEST_F(OpenFileNameFields, OverwritesTheLastCharactersOfAFilterThatIsCut) {
     const std::wstring text = LongText(32724); // 5 wide characters remain
     request.lpstrInitialDir = text.c_str();
     request.lpstrFilter = L"Images\0*.png\0";
@@ -138,7 +138,7 @@ TEST_F(OpenFileNameRequest, OverwritesTheLastCharactersOfAFilterThatIsCut) {
     EXPECT_EQ(block.Units(65526, 5), Raw(L"Ima\0\0"));
 }
 
-TEST_F(OpenFileNameRequest, CutsAFilterToASingleNul) {
+TEST_F(OpenFileNameFields, CutsAFilterToASingleNul) {
     const std::wstring text = LongText(32728); // 1 wide character remains
     request.lpstrInitialDir = text.c_str();
     request.lpstrFilter = L"Images\0*.png\0";
@@ -147,7 +147,7 @@ TEST_F(OpenFileNameRequest, CutsAFilterToASingleNul) {
     EXPECT_EQ(block.U16(65534), 0);
 }
 
-TEST_F(OpenFileNameRequest, GivesAnEmptyFilterTwoNuls) {
+TEST_F(OpenFileNameFields, GivesAnEmptyFilterTwoNuls) {
     const wchar_t onlyOne[] = {L'\0', L'x'};
     request.lpstrFilter = onlyOne;
     WriteOpenFileNameRequest(*block, request);

@@ -8,7 +8,7 @@
 #include "tests/support/FakeModules.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
+#include "tests/unit/WebVellant/OBCore/picker/PickerFixture.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "OBCore/picker/Drivers.h"
 #include "OBCore/picker/PickerHooks.h"
 #include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
-#include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
+#include "tests/unit/WebVellant/OBCore/picker/PickerFixture.h"
 
 namespace {
 

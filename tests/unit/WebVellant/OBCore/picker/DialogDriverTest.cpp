@@ -13,7 +13,7 @@
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
-#include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
+#include "tests/unit/WebVellant/OBCore/picker/PickerFixture.h"
 
 namespace {
 

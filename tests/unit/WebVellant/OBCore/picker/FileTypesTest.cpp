@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
+#include "tests/unit/WebVellant/OBCore/picker/PickerFixture.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "OBCore/picker/PickerControls.h"
 
 #include "tests/support/FakeModules.h"
-#include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
+#include "tests/unit/WebVellant/OBCore/picker/PickerFixture.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "tests/support/FakeModules.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/unit/WebVellant/OBCore/picker/PickerTest.h"
+#include "tests/unit/WebVellant/OBCore/picker/PickerFixture.h"
 
 namespace {
 
