@@ -1,11 +1,14 @@
-// The writer of distinguished encoding, beside a strict reader: nested values come back, in the
-// shortest form that the encoding allows.
+// The distinguished encoding: what is written is read back by a strict reader, in the shortest
+// form; the reader of certificates stays inside any bytes and finds the serial number that was
+// written.
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <span>
 
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
+#include "services/archive/recovery/DerReader.h"
 #include "services/archive/recovery/DerWriter.h"
 
 using namespace obarchive;
@@ -47,6 +50,50 @@ void RequireValue(Bytes encoded, DerTag tag, Bytes content) {
     Require(value->rest.empty(), "nothing comes after it");
 }
 
+bool IsInside(Bytes part, Bytes whole) {
+    return part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size();
+}
+
+// On the heap, so that the sanitizer sees a read past the end.
+void CheckAnyCertificate(Bytes input) {
+    const auto exact = std::make_unique<std::uint8_t[]>(input.size());
+    std::copy(input.begin(), input.end(), exact.get());
+    const Bytes bytes(exact.get(), input.size());
+    if (const auto value = FirstDerValue(bytes)) {
+        Require(value->whole.data() == bytes.data(), "the first value is at the start");
+        Require(IsInside(value->whole, bytes), "and inside the bytes");
+        Require(IsInside(value->content, value->whole), "its content is inside it");
+        Require(value->content.data() + value->content.size() ==
+                    value->whole.data() + value->whole.size(),
+                "and at its end");
+        const auto strict = ReadValue(bytes);
+        Require(!strict || std::ranges::equal(strict->content, value->content),
+                "a strict reader finds the same content");
+    } else {
+        const bool longTag = !bytes.empty() && (bytes[0] & 0x1F) == 0x1F;
+        Require(longTag || !ReadValue(bytes), "a strict reader finds none either");
+    }
+    const auto serial = SerialNumberOf(bytes);
+    Require(!serial || IsInside(serial->whole, bytes), "a serial number is inside the certificate");
+    Require(!serial || serial->tag == static_cast<std::uint8_t>(DerTag::Integer),
+            "a serial number is an integer");
+}
+
+void CheckWrittenCertificate(FuzzInput input) {
+    const bool version = input.Flag();
+    DerBytes number;
+    for (std::uint32_t count = input.Below(24); count != 0; --count) number.push_back(input.Byte());
+    const DerBytes serial = Der(DerTag::Integer, number);
+    const DerBytes more(input.Bytes(), input.Bytes() + input.Left());
+    constexpr std::uint8_t kThird[] = {2};
+    const DerBytes first = Der(DerTag::Explicit0, {Der(DerTag::Integer, kThird)});
+    const DerBytes signedPart = Der(DerTag::Sequence, {version ? first : DerBytes(), serial, more});
+    const DerBytes certificate = Der(DerTag::Sequence, {signedPart, more});
+    const auto found = SerialNumberOf(certificate);
+    Require(found && std::ranges::equal(found->whole, serial),
+            "the serial number of a written certificate is found");
+}
+
 constexpr DerTag kTags[] = {DerTag::Integer,   DerTag::OctetString,       DerTag::Null,
                             DerTag::ObjectId,  DerTag::Sequence,          DerTag::Set,
                             DerTag::Explicit0, DerTag::ImplicitPrimitive0};
@@ -54,6 +101,8 @@ constexpr DerTag kTags[] = {DerTag::Integer,   DerTag::OctetString,       DerTag
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    CheckAnyCertificate({bytes, size});
+    CheckWrittenCertificate(FuzzInput(bytes, size));
     FuzzInput input(bytes, size);
     const DerTag tag = input.Pick(kTags);
     const DerTag outer = input.Pick(kTags);

@@ -79,7 +79,8 @@ void CheckAddress() {
 
 void CheckPolicy(const std::wstring& password) {
     const PasswordPolicy policy = ReadPasswordPolicy();
-    Require(policy.minimumLength >= 1 && policy.minimumLength <= 128, "the length has its limits");
+    Require(policy.minimumLength >= 1 && policy.minimumLength <= kMostPasswordBytes,
+            "the length has its limits");
     Require(policy.classes <= 15, "there are four classes");
     Require(policy.minimumLength >= static_cast<std::uint32_t>(__builtin_popcount(policy.classes)),
             "the length has room for one of each class");
