@@ -1,6 +1,7 @@
 #include "demo/mailpage/HookedLibrary.h"
 
-#include <shlwapi.h>
+#include "ObLib/Src/Win32/LoadModule.h"
+#include "ObLib/Src/Win32/ModulePath.h"
 
 namespace mailpage {
 namespace {
@@ -14,11 +15,9 @@ bool Fetch(HMODULE module, const char* name, Function*& entry) {
 } // namespace
 
 bool HookedLibrary::Load() {
-    wchar_t path[MAX_PATH];
-    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-    if (length == 0 || length == MAX_PATH) return false;
-    if (!PathRemoveFileSpecW(path) || !PathAppendW(path, L"obwmcore64.dll")) return false;
-    module_.Reset(LoadLibraryW(path));
+    const auto path = ObLib::PathBesideModule(nullptr, L"obwmcore64.dll", MAX_PATH);
+    if (!path) return false;
+    module_ = ObLib::LoadModule(path->c_str());
     return module_ && Fetch(module_.Get(), "GetOpenFileNameInBrowser", getOpenFileName) &&
            Fetch(module_.Get(), "FileOpenDialog_ShowInBrowser", show) &&
            Fetch(module_.Get(), "FileOpenDialog_GetResultInBrowser", getResult) &&

@@ -6,10 +6,10 @@
 
 namespace mailpage {
 
-// The library of this program's own folder with its four browser-side doors. Stays loaded to the
+// The library of this program's own folder with its four browser-side exports. Stays loaded to the
 // end of the process.
 struct HookedLibrary {
-    // False, with nothing bound, when the file or a door is missing.
+    // False, with nothing bound, when the file or an export is missing.
     bool Load();
 
     decltype(&GetOpenFileNameInBrowser) getOpenFileName = nullptr;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "ObLib/Src/Win32/Guarded.h"
 #include "demo/mailpage/Files.h"
 #include "demo/mailpage/Picture.h"
 
@@ -113,11 +114,8 @@ LRESULT CALLBACK MailWindow::WindowProcedure(HWND window, UINT message, WPARAM w
     }
     auto* self = reinterpret_cast<MailWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (!self) return DefWindowProcW(window, message, wide, narrow);
-    try {
-        return self->OnMessage(message, wide, narrow);
-    } catch (...) {
-        return 0; // out of memory: the message is dropped, the window stays
-    }
+    // Out of memory: the message is dropped, the window stays.
+    return ObLib::Guarded<LRESULT>(0, [&] { return self->OnMessage(message, wide, narrow); });
 }
 
 LRESULT MailWindow::OnMessage(UINT message, WPARAM wide, LPARAM narrow) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "ObLib/Src/Win32/Guarded.h"
 #include "contracts/ArchiveService.h"
 #include "services/archive/ContextTable.h"
 #include "services/archive/password/PasswordPrompt.h"
@@ -21,27 +22,15 @@ namespace {
 
 using obarchive::ZipJob;
 using obarchive::ZipResult;
+using ObLib::Guarded;
 
 obarchive::ContextTable contexts;
-
-template <class Result, class Action>
-Result Guarded(Result onException, Action action) noexcept {
-    try {
-        return action();
-    } catch (...) {
-        return onException;
-    }
-}
 
 // When a setting can't be stored, the context is destroyed: Zip then refuses instead of running
 // without the setting.
 template <class Action>
 void Set(obcontract::ZipContext context, Action action) noexcept {
-    try {
-        contexts.Change(context, action);
-    } catch (...) {
-        contexts.Destroy(context);
-    }
+    if (!ObLib::RanGuarded([&] { contexts.Change(context, action); })) contexts.Destroy(context);
 }
 
 std::wstring TextOf(const wchar_t* text) { return text ? text : L""; }
@@ -108,12 +97,12 @@ std::uint32_t Zip(HWND owner, ZipContext context) {
 }
 
 void CheckForUpdates_VB(HWND owner, std::uint32_t) {
-    Guarded(0, [owner] { return obarchive::ShowInstalledVersion(owner), 0; });
+    ObLib::RanGuarded([owner] { obarchive::ShowInstalledVersion(owner); });
 }
 
 // There is one page for all topics.
 void WebHelpW(HWND owner, const wchar_t*, const wchar_t*) {
-    Guarded(0, [owner] { return obarchive::ShowHelp(owner), 0; });
+    ObLib::RanGuarded([owner] { obarchive::ShowHelp(owner); });
 }
 
 std::uint32_t GetOmbrixFIPSSetting() {

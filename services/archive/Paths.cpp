@@ -4,11 +4,12 @@
 
 #include <algorithm>
 
+#include "ObLib/Src/Win32/LongPath.h"
+
 namespace obarchive {
 namespace {
 
 constexpr std::wstring_view kLongPrefix = L"\\\\?\\";
-constexpr std::wstring_view kLongSharePrefix = L"\\\\?\\UNC\\";
 // Folders end earlier than files; the lower of the two limits serves both.
 constexpr std::size_t kLongestPlainPath = MAX_PATH - 13;
 constexpr std::size_t kLongestPath = 32766; // with the prefix
@@ -43,9 +44,7 @@ std::wstring AbsolutePath(const std::wstring& path) {
     const DWORD length = GetFullPathNameW(path.c_str(), capacity, full.data(), nullptr);
     if (length == 0 || length >= capacity) return {};
     full.resize(length);
-    if (length <= kLongestPlainPath) return full;
-    if (full.starts_with(L"\\\\")) return std::wstring(kLongSharePrefix) + full.substr(2);
-    return std::wstring(kLongPrefix) + full;
+    return length <= kLongestPlainPath ? full : ObLib::WithLongPathPrefix(full);
 }
 
 // Asked beforehand, as the system's own answer to such a path may be that nothing is there.

@@ -1,30 +1,24 @@
-// The module that this code lies in: the service, or a test program that links it.
+// What the service finds through the module that it is linked into: the service itself, or a test
+// program.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 
-// The linker's name for the start of the module, which is also its handle.
-extern "C" IMAGE_DOS_HEADER __ImageBase;
+#include "ObLib/Src/Win32/ModulePath.h"
 
 namespace obarchive {
 
-inline HINSTANCE ThisModule() { return reinterpret_cast<HINSTANCE>(&__ImageBase); }
+using ObLib::ThisModule;
 
-// Full path of a neighbour of the module; empty when the module's own path can't be told.
+// Full path of a file in the module's folder; empty when the module's own path can't be had.
 inline std::wstring PathBesideModule(const wchar_t* name) {
-    constexpr DWORD kLongestPath = 32768; // UTF-16 units, the system's own limit
-    std::wstring path(kLongestPath, L'\0');
-    const DWORD length = GetModuleFileNameW(ThisModule(), path.data(), kLongestPath);
-    if (length == 0 || length == kLongestPath) return {};
-    path.resize(length);
-    path.resize(path.rfind(L'\\') + 1);
-    return path + name;
+    return ObLib::PathBesideModule(ThisModule(), name).value_or(std::wstring());
 }
 
-// A text of the module's own string table; empty when there is none. No copy is made by the system:
-// the texts are counted, and not ended by a NUL.
+// A text of the module's own string table; empty when there is none. The system makes no copy: the
+// texts are counted, and not ended by a NUL.
 inline std::wstring OwnText(UINT id) {
     const wchar_t* text = nullptr;
     const int length = LoadStringW(ThisModule(), id, reinterpret_cast<wchar_t*>(&text), 0);

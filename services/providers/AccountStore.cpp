@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "ObLib/Src/Win32/RegistryView.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 namespace providers {
@@ -24,12 +25,6 @@ bool IsTerminated(const wchar_t (&text)[Capacity]) {
 bool IsSound(const obcontract::ProviderProfile& profile) {
     return IsTerminated(profile.accountLabel) && IsTerminated(profile.accountKey) &&
            profile.reserved == L'\0';
-}
-
-ObLib::UniqueRegistryKey OpenKey(HKEY hive, const std::wstring& key) {
-    ObLib::UniqueRegistryKey opened;
-    RegOpenKeyExW(hive, key.c_str(), 0, KEY_QUERY_VALUE, opened.Put());
-    return opened;
 }
 
 ObLib::UniqueRegistryKey MakeKey(HKEY hive, const std::wstring& key) {
@@ -54,7 +49,7 @@ std::optional<HKEY> PredefinedKey(std::int64_t hive) noexcept {
 AccountStore::AccountStore(HKEY hive, std::wstring key) : hive_(hive), key_(std::move(key)) {}
 
 obcontract::ProviderProfile AccountStore::DefaultProfile() const {
-    const ObLib::UniqueRegistryKey key = OpenKey(hive_, key_);
+    const auto key = ObLib::OpenRegistryKey(hive_, key_.c_str(), KEY_QUERY_VALUE);
     if (!key) return {};
     obcontract::ProviderProfile profile{};
     DWORD type = REG_NONE;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "ObLib/Src/Win32/Guarded.h"
 #include "contracts/ProviderManager.h"
 #include "services/providers/Manager.h"
 
@@ -15,23 +16,13 @@
 
 namespace providers {
 
-// Runs an export's work; `otherwise` is what the caller gets when it throws.
-template <class Result, class Work>
-Result Guarded(Result otherwise, Work work) noexcept {
-    try {
-        return work();
-    } catch (...) {
-        return otherwise;
-    }
-}
-
-// The same on the session of a manager, and `otherwise` also for a null manager and outside Init
-// and Deinit.
+// Runs an export's work on the session of a manager. The caller gets `otherwise` when the work
+// throws, for a null manager, and outside Init and Deinit.
 template <class Result, class Work>
 Result InSession(obcontract::ProviderManagerHandle manager, Result otherwise, Work work) noexcept {
     Session* session = manager ? manager->Session() : nullptr;
     if (!session) return otherwise;
-    return Guarded(otherwise, [&] { return static_cast<Result>(work(*session)); });
+    return ObLib::Guarded(otherwise, [&] { return static_cast<Result>(work(*session)); });
 }
 
 // Makes the caller's place for a text an empty text.

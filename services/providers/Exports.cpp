@@ -14,10 +14,7 @@ ProviderManagerHandle CreateObExtensionsManager() { return new (std::nothrow) Ob
 
 void Init(ProviderManagerHandle manager, std::int64_t hive, const wchar_t* key) {
     if (!manager) return;
-    Guarded(0, [&] {
-        manager->Begin(hive, key);
-        return 0;
-    });
+    ObLib::RanGuarded([&] { manager->Begin(hive, key); });
 }
 
 void Deinit(ProviderManagerHandle manager) {

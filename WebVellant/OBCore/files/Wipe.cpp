@@ -11,6 +11,7 @@
 #include "OBCore/files/Paths.h"
 #include "OBCore/modules/ObTrace.h"
 #include "OBCore/modules/OwnModule.h"
+#include "ObLib/Src/Win32/RegistryView.h"
 
 namespace obcore {
 namespace {
@@ -28,11 +29,8 @@ constexpr wchar_t kTimeoutArgument[] = L"/timeout:120";
 
 // The key's default value as the main product's setup wrote it.
 std::optional<std::wstring> RegisteredProductPath() {
-    ObLib::UniqueRegistryKey key;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kProductAppPath, 0, KEY_QUERY_VALUE, key.Put()) !=
-        ERROR_SUCCESS) {
-        return std::nullopt;
-    }
+    const auto key = ObLib::OpenRegistryKey(HKEY_LOCAL_MACHINE, kProductAppPath, KEY_QUERY_VALUE);
+    if (!key) return std::nullopt;
     // One character more than is read: a value in the registry need not be terminated.
     wchar_t value[kRegisteredPathBytes / sizeof(wchar_t) + 1];
     DWORD type = REG_NONE;

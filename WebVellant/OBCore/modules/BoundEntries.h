@@ -1,8 +1,10 @@
-// Fetching a module's entry points by name into a table of typed pointers.
+// Binding a sister module: it is loaded, and its entries are fetched by name into a table of typed
+// pointers.
 #pragma once
 
 #include <windows.h>
 
+#include <string>
 #include <type_traits>
 
 #include "OBCore/modules/ObTrace.h"
@@ -22,5 +24,10 @@ bool FetchEntry(HMODULE module, const char* name, Function*& entry) {
     entry = reinterpret_cast<Function*>(reinterpret_cast<void*>(address));
     return true;
 }
+
+// Loads the module with this full path and lets `fetchAll` fetch its entries. Null, with nothing
+// left loaded, when the module can't be loaded (with a trace line) or `fetchAll` returns false. The
+// caller owns the module; it isn't in an owner, as it is freed by hand on process detach.
+HMODULE BindModule(const std::wstring& path, bool (*fetchAll)(HMODULE module));
 
 } // namespace obcore

@@ -1,4 +1,4 @@
-// Where this library lies: its file, its folder, and the files that stand beside it.
+// Where the file of this library is, and the files in its folder.
 #pragma once
 
 #include <windows.h>
@@ -12,14 +12,14 @@ namespace obcore {
 inline constexpr DWORD kPathCapacity = MAX_PATH;
 
 // The module that the code runs in: the program module of AppGlobals(), set when the library was
-// attached. Null in a program that set none, which then stands for the executable.
+// attached. Null in a program that set none; every call here then means the executable.
 HMODULE OwnModule() noexcept;
 
-// Full path of that module's file, or nothing when it can't be had whole in 260 characters.
+// Full path of that module's file. Nothing when it doesn't fit 260 characters with its NUL.
 std::optional<std::wstring> OwnModulePath();
 
-// The path of `fileName` in the module's folder, or nothing when it doesn't fit 260 characters.
-// Says nothing about whether the file is there.
+// The path of `fileName` in the module's folder. Nothing when it doesn't fit 260 characters with
+// its NUL. Doesn't check that the file is there.
 std::optional<std::wstring> PathBesideOwnModule(const wchar_t* fileName);
 
 } // namespace obcore

@@ -28,15 +28,8 @@ bool FetchAllEntries(HMODULE manager) {
 bool LoadProviderManager() {
     if (boundManager) return true;
     const auto path = PathBesideOwnModule(kProviderManagerFileName);
-    if (!path) return false;
-    ObLib::UniqueModule manager(LoadLibraryW(path->c_str()));
-    if (!manager) {
-        ObTrace("LoadLibrary %S failed", path->c_str());
-        return false;
-    }
-    if (!FetchAllEntries(manager.Get())) return false;
-    boundManager = manager.Release();
-    return true;
+    if (path) boundManager = BindModule(*path, FetchAllEntries);
+    return boundManager != nullptr;
 }
 
 const ProviderManagerEntries& ProviderManager() noexcept { return entries; }

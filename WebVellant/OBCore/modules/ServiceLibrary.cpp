@@ -1,10 +1,12 @@
 #include "OBCore/modules/ServiceLibrary.h"
 
-#include <cwchar>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "OBCore/modules/BoundEntries.h"
 #include "OBCore/modules/OwnModule.h"
+#include "ObLib/Src/Win32/ModulePath.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 using namespace obcontract; // the contract's tables name its types bare
@@ -16,18 +18,13 @@ namespace {
 HMODULE boundLibrary = nullptr;
 ArchiveServiceEntries entries{};
 
-// The path of the service in this library's folder, in a buffer of 260 characters. False when fewer
-// than 16 of them remain behind the last backslash.
-bool MakeServicePath(wchar_t (&path)[kPathCapacity]) {
+// The path of the service in this library's folder. Nothing when fewer than 16 of 260 characters
+// remain after the last backslash.
+std::optional<std::wstring> ServicePath() {
     constexpr std::size_t kLeastRoom = 16; // wide characters
-    const DWORD length = GetModuleFileNameW(OwnModule(), path, kPathCapacity);
-    if (length == 0 || length == kPathCapacity) return false;
-    wchar_t* separator = std::wcsrchr(path, L'\\');
-    if (!separator) return false;
-    wchar_t* name = separator + 1;
-    const auto room = static_cast<std::size_t>(path + kPathCapacity - name);
-    if (room < kLeastRoom) return false;
-    return wcscpy_s(name, room, kArchiveServiceFileName) == 0;
+    const auto folder = ObLib::ModuleFolder(OwnModule(), kPathCapacity);
+    if (!folder || folder->size() + kLeastRoom > kPathCapacity) return std::nullopt;
+    return *folder + kArchiveServiceFileName;
 }
 
 bool FetchAllEntries(HMODULE library) {
@@ -42,16 +39,8 @@ bool FetchAllEntries(HMODULE library) {
 
 bool LoadArchiveService() {
     if (boundLibrary) return true;
-    wchar_t path[kPathCapacity];
-    if (!MakeServicePath(path)) return false;
-    ObLib::UniqueModule library(LoadLibraryW(path));
-    if (!library) {
-        ObTrace("LoadLibrary %S failed", path);
-        return false;
-    }
-    if (!FetchAllEntries(library.Get())) return false;
-    boundLibrary = library.Release();
-    return true;
+    if (const auto path = ServicePath()) boundLibrary = BindModule(*path, FetchAllEntries);
+    return boundLibrary != nullptr;
 }
 
 const ArchiveServiceEntries& ArchiveService() noexcept { return entries; }

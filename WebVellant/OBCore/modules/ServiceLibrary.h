@@ -1,4 +1,4 @@
-// The archive service, bound at run time: one door, and the table of its entries behind it.
+// The archive service, bound at run time: the call that binds it, and the table of its entries.
 #pragma once
 
 #include <windows.h>

@@ -22,10 +22,7 @@ LSTATUS QueryInto(HKEY key, const wchar_t* name, wchar_t* units, DWORD& bytes) {
 } // namespace
 
 ObLib::UniqueRegistryKey OpenMachineKey(const wchar_t* path, RegistryView view) {
-    ObLib::UniqueRegistryKey key;
-    const REGSAM access = KEY_READ | static_cast<REGSAM>(view);
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, access, key.Put()) != ERROR_SUCCESS) return {};
-    return key;
+    return ObLib::OpenRegistryKey(HKEY_LOCAL_MACHINE, path, KEY_READ, view);
 }
 
 ObLib::UniqueRegistryKey OpenUserKey(const wchar_t* path) {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <string>
 
+#include "ObLib/Src/Win32/RegistryView.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 namespace obcore {
@@ -20,8 +21,7 @@ inline constexpr wchar_t kUserKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Om
 inline constexpr wchar_t kQuilletKey[] = L"Software\\Tavi Ren Computing\\Common\\Quillet";
 inline constexpr wchar_t kDefaultExtKey[] = L"SOFTWARE\\Tavi Ren Computing\\Common\\DefaultExt";
 
-// Which half of the machine's registry a key is opened in; Plain leaves it to the system.
-enum class RegistryView : REGSAM { Plain = 0, Bits32 = KEY_WOW64_32KEY, Bits64 = KEY_WOW64_64KEY };
+using ObLib::RegistryView;
 
 // Opens a key of the machine for reading.
 ObLib::UniqueRegistryKey OpenMachineKey(const wchar_t* path,

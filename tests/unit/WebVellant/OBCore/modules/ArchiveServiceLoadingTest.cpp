@@ -37,6 +37,15 @@ TEST_F(ArchiveServiceLoading, FailsWithAFileThatIsNoModule) {
     EXPECT_EQ(1u, obtest::TraceLines().size());
 }
 
+TEST_F(ArchiveServiceLoading, ShowsNoBoxOfTheSystemForAFileThatIsNoModule) {
+    const UINT before = SetErrorMode(0);
+    ASSERT_TRUE(obtest::WriteFileContent(Beside(), "not a module"));
+    EXPECT_FALSE(LoadArchiveService());
+    EXPECT_EQ(static_cast<DWORD>(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX),
+              ErrorModeOfLastLoad());
+    SetErrorMode(before);
+}
+
 TEST_F(ArchiveServiceLoading, BindsEveryEntryByItsName) {
     Put(L"complete.dll", Beside());
     ASSERT_TRUE(LoadArchiveService());

@@ -7,10 +7,12 @@
 namespace {
 
 std::vector<std::wstring> loads;
+DWORD modeOfLastLoad;
 decltype(&LoadLibraryW) realLoad;
 
 HMODULE WINAPI RecordLoad(LPCWSTR path) {
     loads.push_back(path);
+    modeOfLastLoad = GetThreadErrorMode();
     return realLoad(path);
 }
 
@@ -56,3 +58,5 @@ std::wstring BindingFixture::FolderOfLength(std::size_t length) const {
 }
 
 const std::vector<std::wstring>& BindingFixture::Loads() { return loads; }
+
+DWORD BindingFixture::ErrorModeOfLastLoad() { return modeOfLastLoad; }

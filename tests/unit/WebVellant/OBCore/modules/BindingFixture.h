@@ -34,6 +34,8 @@ protected:
 
     // Paths that were given to LoadLibraryW.
     static const std::vector<std::wstring>& Loads();
+    // The error mode of the thread during the last of those calls.
+    static DWORD ErrorModeOfLastLoad();
 
     obtest::TestFolder folder_;
 

@@ -27,6 +27,15 @@ TEST_F(ProviderManagerLoading, FailsWithoutTheFile) {
     EXPECT_EQ(std::vector<std::wstring>({Beside()}), Loads());
 }
 
+TEST_F(ProviderManagerLoading, ShowsNoBoxOfTheSystemForAFileThatIsNoModule) {
+    const UINT before = SetErrorMode(0);
+    ASSERT_TRUE(obtest::WriteFileContent(Beside(), "not a module"));
+    EXPECT_FALSE(LoadProviderManager());
+    EXPECT_EQ(static_cast<DWORD>(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX),
+              ErrorModeOfLastLoad());
+    SetErrorMode(before);
+}
+
 TEST_F(ProviderManagerLoading, BindsEveryEntryByItsName) {
     Put(L"providers.dll", Beside());
     ASSERT_TRUE(LoadProviderManager());
