@@ -16,6 +16,10 @@ inline constexpr std::size_t kExchangeBlockNameCapacity = 32; // wide characters
 inline constexpr std::uint32_t kExchangeBlockSize = 65536;    // bytes
 inline constexpr std::int32_t kTextAreaOffset = 76;           // where texts may begin
 
+// What the page reads of a dialog that the user cancelled, and of a run that failed, where the
+// result is an HRESULT: HRESULT_FROM_WIN32(ERROR_CANCELLED).
+inline constexpr std::int32_t kCancelled = static_cast<std::int32_t>(0x800704C7);
+
 // Values of ExchangeBlock::Status. The status only moves forward, and after the launch only the
 // host moves it.
 enum class ExchangeStatus : std::uint32_t {

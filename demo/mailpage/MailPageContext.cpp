@@ -1,14 +1,9 @@
 #include "demo/mailpage/MailPageContext.h"
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/ExchangeBlock.h"
 
 namespace mailpage {
-namespace {
-
-constexpr HRESULT kCancelled = static_cast<HRESULT>(0x800704C7);
-
-} // namespace
-
 BOOL MailPageContext::CallGetOpenFileName(OPENFILENAMEW* request) {
     browserDialogAsked_ = true;
     return options_.fallbackDialog ? GetOpenFileNameW(request) : FALSE;
@@ -16,7 +11,7 @@ BOOL MailPageContext::CallGetOpenFileName(OPENFILENAMEW* request) {
 
 HRESULT MailPageContext::CallShow(IFileDialog* dialog, HWND owner) {
     browserDialogAsked_ = true;
-    return options_.fallbackDialog ? dialog->Show(owner) : kCancelled;
+    return options_.fallbackDialog ? dialog->Show(owner) : obcontract::kCancelled;
 }
 
 HRESULT MailPageContext::CallGetResult(IFileDialog* dialog, IShellItem** out) {
