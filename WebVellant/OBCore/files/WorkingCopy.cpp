@@ -14,6 +14,20 @@ bool IsSelfOrParent(const wchar_t* name) {
     return entry == L"." || entry == L"..";
 }
 
+// A junction, a mount point or a symbolic link. What it leads to belongs to somebody else.
+bool IsLink(const WIN32_FIND_DATAW& entry) {
+    return (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           IsReparseTagNameSurrogate(entry.dwReserved0);
+}
+
+// Whether the run's own folder was replaced by a link since it was made.
+bool IsLinkInstead(std::wstring folder) {
+    if (folder.ends_with(L'\\')) folder.pop_back();
+    const DWORD attributes = GetFileAttributesW(ExtendedPath(folder).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES &&
+           (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
 // A copy inherits the mark of a write-protected source, and such a file can't be deleted.
 void DeleteCopy(const std::wstring& path) {
     const std::wstring file = ExtendedPath(path);
@@ -34,6 +48,7 @@ void CollectFolderFiles(const std::wstring& folder, std::vector<std::wstring>& f
     do {
         const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         if (isFolder && IsSelfOrParent(entry.cFileName)) continue;
+        if (IsLink(entry)) continue;
         const std::wstring path = CombinePath(folder, entry.cFileName);
         if (isFolder) {
             CollectFolderFiles(path, files);
@@ -44,7 +59,7 @@ void CollectFolderFiles(const std::wstring& folder, std::vector<std::wstring>& f
 }
 
 void CleanupWorkingCopy(const WorkingCopy& copy) {
-    if (!copy.HasFolder) return;
+    if (!copy.HasFolder || IsLinkInstead(copy.Folder)) return;
     std::vector<std::wstring> files;
     CollectFolderFiles(copy.Folder, files);
     std::vector<std::wstring> folders = {copy.Folder};

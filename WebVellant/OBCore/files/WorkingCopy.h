@@ -16,12 +16,14 @@ struct WorkingCopy {
 namespace CompressUtils {
 
 // Adds every file below `folder`, subfolders included, in the order of the file system. A folder
-// that can't be searched adds nothing.
+// that can't be searched adds nothing. A junction or a symbolic link is passed over: it is neither
+// followed nor added, as what it leads to isn't the run's own.
 void CollectFolderFiles(const std::wstring& folder, std::vector<std::wstring>& files);
 
 // Clears a run's temporary folder: by the wipe program, which works on after this call, or by plain
-// deletion, which leaves subfolders. Without a folder nothing is searched and nothing is deleted.
-// What can't be removed stays, without a message.
+// deletion, which leaves subfolders and links. Without a folder, or when a link has taken its
+// place, nothing is searched and nothing is deleted. What can't be removed stays, without a
+// message.
 void CleanupWorkingCopy(const WorkingCopy& copy);
 
 } // namespace CompressUtils
