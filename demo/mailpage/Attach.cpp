@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "ObLib/Src/Win32/StringList.h"
+
 namespace mailpage {
 namespace {
 
@@ -68,10 +70,11 @@ void ReadResults(const HookedLibrary& library, const Options& options, IFileDial
 
 void SetFileTypes(IFileDialog* dialog, const std::wstring& filter) {
     std::vector<COMDLG_FILTERSPEC> types;
-    for (const wchar_t* name = filter.c_str(); *name;) {
-        const wchar_t* pattern = name + wcslen(name) + 1;
-        types.push_back({name, pattern});
-        name = *pattern ? pattern + wcslen(pattern) + 1 : pattern;
+    // Names and their patterns by turns; both end with a NUL in the list.
+    std::vector<const wchar_t*> texts;
+    ObLib::WalkList(filter, [&](std::wstring_view text) { texts.push_back(text.data()); });
+    for (std::size_t at = 0; at + 1 < texts.size(); at += 2) {
+        types.push_back({texts[at], texts[at + 1]});
     }
     dialog->SetFileTypes(static_cast<UINT>(types.size()), types.data());
 }
@@ -114,7 +117,8 @@ std::vector<std::wstring> SplitFileList(const wchar_t* list) {
     if (!*name) return {folder};
     if (folder.back() != L'\\') folder += L'\\';
     std::vector<std::wstring> paths;
-    for (; *name; name += wcslen(name) + 1) paths.push_back(folder + name);
+    ObLib::WalkList({name, ObLib::ListLength(name)},
+                    [&](std::wstring_view text) { paths.push_back(folder + std::wstring(text)); });
     return paths;
 }
 

@@ -1,6 +1,7 @@
 // Lists of texts that each end with a NUL, closed by an empty text, as many system calls take them.
 #pragma once
 
+#include <cwchar>
 #include <string_view>
 
 namespace ObLib {
@@ -28,6 +29,13 @@ constexpr std::size_t WalkList(std::wstring_view list, Visit visit) {
     }
     RemoveFirstOfList(list);
     return size - list.size();
+}
+
+// Units of a list whose end nobody gives, from its first text through the closing NUL.
+inline std::size_t ListLength(const wchar_t* list) noexcept {
+    const wchar_t* end = list;
+    while (*end != L'\0') end += std::wcslen(end) + 1;
+    return static_cast<std::size_t>(end - list) + 1;
 }
 
 } // namespace ObLib

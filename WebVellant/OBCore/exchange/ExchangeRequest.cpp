@@ -1,9 +1,9 @@
 #include "OBCore/exchange/ExchangeRequest.h"
 
 #include <algorithm>
-#include <cwchar>
 
 #include "OBCore/exchange/ExchangeText.h"
+#include "ObLib/Src/Win32/StringList.h"
 
 using obcontract::ExchangeBlock;
 using obcontract::ExchangeStatus;
@@ -26,15 +26,17 @@ constexpr TextField kTextFields[] = {
     {&OpenFileNameFields::TemplateNameOffset, &OPENFILENAMEW::lpTemplateName},
 };
 
-void WriteNumbers(OpenFileNameFields& fields, const OPENFILENAMEW& request) {
-    fields.nFileExtension = request.nFileExtension;
-    fields.nFileOffset = request.nFileOffset;
-    fields.nFilterIndex = request.nFilterIndex;
-    fields.nMaxCustFilter = request.nMaxCustFilter;
-    fields.nMaxFile = request.nMaxFile;
-    fields.nMaxFileTitle = request.nMaxFileTitle;
-    fields.Flags = request.Flags;
-    fields.FlagsEx = request.FlagsEx;
+// Both records give these fields the same names.
+template <class Target, class Source>
+void CopyNumbers(Target& target, const Source& source) {
+    target.nFileExtension = source.nFileExtension;
+    target.nFileOffset = source.nFileOffset;
+    target.nFilterIndex = source.nFilterIndex;
+    target.nMaxCustFilter = source.nMaxCustFilter;
+    target.nMaxFile = source.nMaxFile;
+    target.nMaxFileTitle = source.nMaxFileTitle;
+    target.Flags = source.Flags;
+    target.FlagsEx = source.FlagsEx;
 }
 
 std::int32_t WriteTexts(ExchangeBlock& block, const OPENFILENAMEW& request) {
@@ -48,18 +50,11 @@ std::int32_t WriteTexts(ExchangeBlock& block, const OPENFILENAMEW& request) {
     return cursor;
 }
 
-// From the first string through the closing empty string.
-std::size_t FilterLength(const wchar_t* filter) {
-    const wchar_t* end = filter;
-    while (*end != L'\0') end += std::wcslen(end) + 1;
-    return static_cast<std::size_t>(end - filter) + 1;
-}
-
-// The copy ends with two NULs also where it was cut. An empty list is given two as well, and only
-// its one is read: no caller need have a second.
+// The copy ends with two NULs also where it was cut. An empty list is given two as well, although
+// only one is read: a caller needn't have a second.
 std::int32_t WriteFilter(ExchangeBlock& block, std::int32_t cursor, const wchar_t* filter) {
     constexpr std::size_t kClosing = 2; // wide characters
-    const std::size_t length = FilterLength(filter);
+    const std::size_t length = ObLib::ListLength(filter);
     const std::size_t copied = std::min(std::max(length, kClosing), RoomFrom(cursor));
     wchar_t* place = PlaceAt(block, cursor);
     std::copy_n(filter, std::min(length, copied), place);
@@ -80,23 +75,12 @@ const wchar_t* RequestList(ExchangeBlock& block, std::int32_t offset) {
                                                                           : nullptr;
 }
 
-void ReadNumbers(const OpenFileNameFields& fields, OPENFILENAMEW& request) {
-    request.nFileExtension = fields.nFileExtension;
-    request.nFileOffset = fields.nFileOffset;
-    request.nFilterIndex = fields.nFilterIndex;
-    request.nMaxCustFilter = fields.nMaxCustFilter;
-    request.nMaxFile = fields.nMaxFile;
-    request.nMaxFileTitle = fields.nMaxFileTitle;
-    request.Flags = fields.Flags;
-    request.FlagsEx = fields.FlagsEx;
-}
-
 } // namespace
 
 void WriteOpenFileNameRequest(ExchangeBlock& block, const OPENFILENAMEW& request) {
     block.Status = ExchangeStatus::OpenFileNameRequest;
     block.Request = {};
-    WriteNumbers(block.Request, request);
+    CopyNumbers(block.Request, request);
     std::int32_t cursor = WriteTexts(block, request);
     if (request.lpstrFilter) {
         block.Request.FilterOffset = cursor;
@@ -111,7 +95,7 @@ OPENFILENAMEW ReadOpenFileNameRequest(ExchangeBlock& block, HWND owner) {
     static_assert(sizeof(request) == 152);
     request.lStructSize = sizeof(request);
     request.hwndOwner = owner;
-    ReadNumbers(block.Request, request);
+    CopyNumbers(request, block.Request);
     for (const TextField& field : kTextFields)
         request.*field.text = RequestText(block, block.Request.*field.offset);
     request.lpstrFilter = RequestList(block, block.Request.FilterOffset);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ObLib/Src/Win32/StringList.h"
+
 using obcontract::ExchangeBlock;
 using obcontract::kExchangeBlockSize;
 using obcontract::kTextAreaOffset;
@@ -12,12 +14,14 @@ namespace {
 constexpr std::int32_t kBlockEnd = static_cast<std::int32_t>(kExchangeBlockSize);
 constexpr std::int32_t kUnit = static_cast<std::int32_t>(sizeof(wchar_t));
 
-std::size_t ThroughNul(std::wstring_view area, std::size_t from) noexcept {
-    const std::size_t nul = area.find(L'\0', from);
-    return nul == std::wstring_view::npos ? area.size() : nul + 1;
+// Units of the first text in `area`, its NUL included if it is there.
+std::size_t UnitsOfFirst(std::wstring_view area) noexcept {
+    const std::size_t units = area.size();
+    ObLib::RemoveFirstOfList(area);
+    return units - area.size();
 }
 
-std::int32_t Behind(std::int32_t offset, std::size_t units) noexcept {
+std::int32_t OffsetPast(std::int32_t offset, std::size_t units) noexcept {
     return offset + static_cast<std::int32_t>(units) * kUnit;
 }
 
@@ -36,19 +40,16 @@ std::wstring_view AreaFrom(const ExchangeBlock& block, std::int32_t offset) noex
 }
 
 std::wstring_view TextAt(const ExchangeBlock& block, std::int32_t offset) noexcept {
-    const std::wstring_view area = AreaFrom(block, offset);
-    return area.substr(0, area.find(L'\0'));
+    return ObLib::FirstOfList(AreaFrom(block, offset));
 }
 
 std::wstring_view ListAt(const ExchangeBlock& block, std::int32_t offset) noexcept {
     const std::wstring_view area = AreaFrom(block, offset);
-    std::size_t end = ThroughNul(area, 0);
-    bool closed = false;
-    while (!closed && end < area.size()) {
-        closed = area[end] == L'\0';
-        end = ThroughNul(area, end);
-    }
-    return area.substr(0, end);
+    // The first text counts also where it is empty; the list ends at an empty one after it.
+    const std::size_t first = UnitsOfFirst(area);
+    const std::size_t others =
+        ObLib::WalkList(area.substr(first), [](std::wstring_view) noexcept {});
+    return area.substr(0, first + others);
 }
 
 std::wstring ReadText(const ExchangeBlock& block, std::int32_t offset) {
@@ -57,12 +58,12 @@ std::wstring ReadText(const ExchangeBlock& block, std::int32_t offset) {
 
 std::int32_t EndOfText(const ExchangeBlock& block, std::int32_t offset) noexcept {
     if (RoomFrom(offset) == 0) return 0;
-    return Behind(offset, ThroughNul(AreaFrom(block, offset), 0));
+    return OffsetPast(offset, UnitsOfFirst(AreaFrom(block, offset)));
 }
 
 std::int32_t EndOfList(const ExchangeBlock& block, std::int32_t offset) noexcept {
     if (RoomFrom(offset) == 0) return 0;
-    return Behind(offset, ListAt(block, offset).size());
+    return OffsetPast(offset, ListAt(block, offset).size());
 }
 
 std::int32_t PutText(ExchangeBlock& block, std::int32_t offset, std::wstring_view text) noexcept {
@@ -72,13 +73,13 @@ std::int32_t PutText(ExchangeBlock& block, std::int32_t offset, std::wstring_vie
     wchar_t* place = PlaceAt(block, offset);
     std::copy_n(text.data(), length, place);
     place[length] = L'\0';
-    return Behind(offset, length + 1);
+    return OffsetPast(offset, length + 1);
 }
 
 std::int32_t PutNuls(ExchangeBlock& block, std::int32_t offset, std::size_t count) noexcept {
     const std::size_t written = std::min(count, RoomFrom(offset));
     std::fill_n(PlaceAt(block, offset), written, L'\0');
-    return Behind(offset, written);
+    return OffsetPast(offset, written);
 }
 
 wchar_t* PlaceAt(ExchangeBlock& block, std::int32_t offset) noexcept {

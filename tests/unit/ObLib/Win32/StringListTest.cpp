@@ -31,6 +31,11 @@ TEST(StringList, EndsAtTheEmptyText) {
     EXPECT_EQ((Walked{{}, 1}), Walk(Units(L"\0one\0\0")));
 }
 
+TEST(StringList, IsMeasuredThroughTheNulThatClosesIt) {
+    EXPECT_EQ(9U, ObLib::ListLength(L"one\0two\0\0three\0"));
+    EXPECT_EQ(1U, ObLib::ListLength(L""));
+}
+
 TEST(StringList, EndsAtTheEndOfTheView) {
     EXPECT_EQ((Walked{{L"one", L"tw"}, 6}), Walk(Units(L"one\0tw")));
     EXPECT_EQ((Walked{{L"one"}, 4}), Walk(Units(L"one\0")));
