@@ -65,7 +65,7 @@ bool CompressFiles(OBAttachJob& job) {
     ZipTarget target;
     if (!BuildAttachmentName(job, target.Name)) return false;
     if (!GetTemporaryFolder(target.Folder)) return false;
-    if (!job.SendItem && !job.AutoEncrypt) return true;
+    if (!job.MakesZip()) return true;
     job.Usage.UsageZipped = true;
     // Where no folder can be made, the engine fails to write and tells so.
     CreateUniqueTempFolder(target.Folder);

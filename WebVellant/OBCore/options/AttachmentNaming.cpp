@@ -46,7 +46,7 @@ std::wstring ExtensionOf(const OBOptions& options) {
 }
 
 bool KeepsItsOwnName(const OBAttachJob& job) {
-    return (job.SendItem || job.AutoEncrypt) && job.Files.size() == 1 && job.SingleAttachFileName;
+    return job.MakesZip() && job.Files.size() == 1 && job.SingleAttachFileName;
 }
 
 // The name is renamed in a buffer of its own, with the room that the platform's call may use. A
@@ -75,7 +75,7 @@ std::wstring MakeNameToken(NameAppendKind kind) {
 
 bool CompressUtils::BuildAttachmentName(const OBAttachJob& job, std::wstring& name) {
     if (job.Files.empty()) return false;
-    const bool zips = job.SendItem || job.AutoEncrypt;
+    const bool zips = job.MakesZip();
     if (!zips && job.Files.size() >= 2 && !job.NameWithoutArchive) return false;
     const std::wstring extension = ExtensionOf(job);
     name = job.DefaultZipName + MakeNameToken(job.NameAppend) + extension;

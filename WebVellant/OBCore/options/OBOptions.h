@@ -73,6 +73,9 @@ struct OBOptions {
     LANGID UILanguage = 0;                                       // 0: none is set
     obcontract::ProviderManagerHandle ProviderManager = nullptr; // not owned; set before Load
 
+    // Whether a run makes a zip of the files, encrypted or not.
+    bool MakesZip() const noexcept { return SendItem || AutoEncrypt; }
+
     // Fills the record from the registry of machine and user and repairs it. LoadArchiveService()
     // must have succeeded. Transforms count only when ProviderManager is set and initialised.
     // Reports nothing: a key that doesn't open skips its group. Creates the user's keys.

@@ -5,6 +5,7 @@
 #include "OBCore/modules/OwnModule.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/options/SettingsStore.h"
+#include "OBCore/options/TransformTable.h"
 
 using obcontract::ProviderKind;
 using obcontract::ProviderManagerHandle;
@@ -13,32 +14,32 @@ namespace obcore {
 namespace {
 
 // A path that can't be had counts as a file that isn't there.
-bool LiesBesideThisLibrary(const wchar_t* fileName) {
+bool IsBesideThisLibrary(const wchar_t* fileName) {
     constexpr int kExists = 0;
     const auto path = PathBesideOwnModule(fileName);
     return path && _waccess(path->c_str(), kExists) == 0;
 }
 
-bool IsAvailable(const TransformOption& transform, ProviderManagerHandle manager) {
-    if (transform.extraFile && !LiesBesideThisLibrary(transform.extraFile)) return false;
+bool IsAvailable(const TransformRow& transform, ProviderManagerHandle manager) {
+    if (transform.extraFile && !IsBesideThisLibrary(transform.extraFile)) return false;
     if (!manager) return false;
-    const auto id = static_cast<std::uint32_t>(transform.provider);
+    const auto id = static_cast<std::uint32_t>(transform.id);
     return ProviderManager().IsProviderSupport(manager, id, ProviderKind::Transform) != 0;
 }
 
 } // namespace
 
 void LoadTransformOptions(HKEY userKey, OBOptions& options) {
-    for (const TransformOption& transform : kTransformOptions) {
+    for (const TransformRow& transform : kTransforms) {
         bool wanted = false;
         if (!ReadSwitch(userKey, transform.value, wanted)) continue;
-        options.*transform.field = wanted && IsAvailable(transform, options.ProviderManager);
+        options.*transform.option = wanted && IsAvailable(transform, options.ProviderManager);
     }
 }
 
 void SaveTransformOptions(HKEY userKey, const OBOptions& options) {
-    for (const TransformOption& transform : kTransformOptions) {
-        WriteSwitch(userKey, transform.value, options.*transform.field);
+    for (const TransformRow& transform : kTransforms) {
+        WriteSwitch(userKey, transform.value, options.*transform.option);
     }
 }
 

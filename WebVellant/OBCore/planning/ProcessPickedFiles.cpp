@@ -1,29 +1,20 @@
-#include <new>
-
 #include "OBCore/compression/CompressFiles.h"
 #include "OBCore/files/TemporaryFolders.h"
 #include "OBCore/files/WorkingCopy.h"
+#include "OBCore/options/TransformTable.h"
 #include "OBCore/planning/CloudRoute.h"
 #include "OBCore/planning/OBOpenFileNameDlg.h"
 #include "OBCore/transforms/Transforms.h"
 #include "OBCore/usage/UsageEvents.h"
+#include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 
 namespace obcore {
 namespace {
 
-bool MakesArchive(const OBAttachJob& job) { return job.SendItem || job.AutoEncrypt; }
-
-// AutoCombinePDFs isn't asked: it means nothing for one file.
-bool WantsTransformOfOneFile(const OBAttachJob& job) {
-    return job.AutoConvertPDF || job.AutoResizeImages || job.AutoWatermark ||
-           job.AutoConvertPhotos || job.AutoRemoveInfo || job.AutoSignPDFs ||
-           job.AutoConvertFromPDF;
-}
-
 bool ConvertsSingleFile(const OBAttachJob& job, const std::vector<std::wstring>& picked) {
-    return picked.size() == 1 && !MakesArchive(job) && job.SingleAttachConversion &&
-           WantsTransformOfOneFile(job);
+    return picked.size() == 1 && !job.MakesZip() && job.SingleAttachConversion &&
+           WantsTransformsOfOneFile(job);
 }
 
 int AttachAsPicked(OBAttachJob& job, const std::vector<std::wstring>& picked) {
@@ -50,11 +41,8 @@ WorkingCopy CopyPickedFiles(const std::vector<std::wstring>& picked) {
 }
 
 void EndWorkingCopy(const WorkingCopy& copy) noexcept {
-    try {
-        CompressUtils::CleanupWorkingCopy(copy);
-    } catch (const std::bad_alloc&) {
-        // The copies stay in the temporary folder; the run itself isn't undone for it.
-    }
+    // Out of memory: the copies stay in the temporary folder, and the run isn't undone for it.
+    ObLib::RanGuarded([&copy] { CompressUtils::CleanupWorkingCopy(copy); });
 }
 
 // Transforms and zips copies of the picked files, which go away again on every way out; the zip
@@ -76,7 +64,7 @@ int OBOpenFileNameDlg::ProcessPickedFiles(const std::vector<std::wstring>& picke
     OBAttachJob& job = *AttachRecord;
     const std::vector<std::wstring> files = picked; // the caller's list may be one of the job's
     if (ConvertsSingleFile(job, files)) return CompressUtils::TransformSingleFile(job, files);
-    if (!MakesArchive(job)) return AttachAsPicked(job, files);
+    if (!job.MakesZip()) return AttachAsPicked(job, files);
     const bool isArchive = files.size() == 1 && CompressUtils::IsAlreadyArchive(job, files.front());
     if (!isArchive && !ArchivePickedFiles(job, files, LinkText)) return 0;
     if (!job.ResultIsArchive) {

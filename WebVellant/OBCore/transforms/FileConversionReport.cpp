@@ -3,7 +3,7 @@
 #include <cwchar>
 
 #include "OBCore/modules/ServiceLibrary.h"
-#include "OBCore/transforms/TransformTable.h"
+#include "OBCore/options/TransformTable.h"
 #include "ObLib/Src/Win32/FailFast.h"
 
 namespace obcore {

@@ -1,7 +1,7 @@
 #include "OBCore/transforms/Transforms.h"
 
 #include "OBCore/modules/ObTrace.h"
-#include "OBCore/transforms/TransformTable.h"
+#include "OBCore/options/TransformTable.h"
 
 namespace obcore::CompressUtils {
 

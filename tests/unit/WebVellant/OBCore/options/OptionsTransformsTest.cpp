@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "OBCore/modules/OwnModule.h"
-#include "OBCore/options/TransformOptions.h"
+#include "OBCore/options/TransformTable.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/WebVellant/OBCore/options/OptionsFixture.h"
@@ -57,13 +57,13 @@ protected:
     }
 };
 
-TEST_F(OptionsOfTransforms, StandInTheTableInTheirOrder) {
-    ASSERT_EQ(std::size(kRows), obcore::kTransformOptions.size());
+TEST_F(OptionsOfTransforms, AreInTheTableInTheirOrder) {
+    ASSERT_EQ(std::size(kRows), obcore::kTransforms.size());
     for (std::size_t index = 0; index < std::size(kRows); ++index) {
-        const obcore::TransformOption& option = obcore::kTransformOptions[index];
+        const obcore::TransformRow& option = obcore::kTransforms[index];
         EXPECT_STREQ(kRows[index].value, option.value);
-        EXPECT_TRUE(kRows[index].field == option.field);
-        EXPECT_EQ(kRows[index].provider, static_cast<std::uint32_t>(option.provider));
+        EXPECT_TRUE(kRows[index].field == option.option);
+        EXPECT_EQ(kRows[index].provider, static_cast<std::uint32_t>(option.id));
         EXPECT_STREQ(kRows[index].extraFile, option.extraFile);
     }
 }

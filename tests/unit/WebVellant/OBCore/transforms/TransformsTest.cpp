@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "OBCore/modules/ProviderLibrary.h"
-#include "OBCore/transforms/TransformTable.h"
+#include "OBCore/options/TransformTable.h"
 #include "OBCore/transforms/Transforms.h"
 #include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -78,6 +78,21 @@ TEST_F(Transforms, AreTheEightProvidersInTheOrderOfSelection) {
     ASSERT_EQ(std::size(kTransforms), std::size(ids));
     for (std::size_t index = 0; index < std::size(ids); ++index) {
         EXPECT_EQ(static_cast<std::uint32_t>(kTransforms[index].id), ids[index]);
+        EXPECT_EQ(&obcore::RowOf(kTransforms[index].id), &kTransforms[index]);
+    }
+}
+
+TEST(TransformTable, AsksForTransformsByAnyOption) {
+    EXPECT_FALSE(obcore::WantsTransforms({}));
+    EXPECT_FALSE(obcore::WantsTransformsOfOneFile({}));
+    for (const TransformRow& row : kTransforms) {
+        obcore::OBOptions options;
+        options.*row.option = true;
+        EXPECT_TRUE(obcore::WantsTransforms(options)) << row.usageWord;
+        // Combining means nothing for one file.
+        EXPECT_EQ(row.id != obcontract::TransformId::CombinePdfs,
+                  obcore::WantsTransformsOfOneFile(options))
+            << row.usageWord;
     }
 }
 
