@@ -4,6 +4,7 @@
 #   ob_headers(T [LIBS ...])            a floor that is headers only
 #   ob_room(T SOURCES ... [LIBS ...])   a static library: one room or floor
 #   ob_module(T OUTPUT name DEF file SOURCES ... [RESOURCES ...] [LIBS ...])   a DLL
+#   ob_version(T description)           the version resource of a module or program that ships
 #   ob_load_late(T library...)          a module's system libraries that are loaded at their first call
 #   ob_program(T [OUTPUT name] [GUI] SOURCES ... [RESOURCES ...] [LIBS ...])   an EXE with wmain
 #   ob_test(T SOURCES ... [LIBS ...] [RESOURCES ...] [STAGE ...] [TIMEOUT s] [ENV ...])
@@ -83,6 +84,28 @@ function(ob_module target)
         set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${def}")
     endif()
     ob_resources(${target} ${arg_RESOURCES})
+endfunction()
+
+# ob_version(<target> <description>): gives a module or program of the product its version resource,
+# with the version of the project.
+function(ob_version target OB_VERSION_DESCRIPTION)
+    get_target_property(OB_VERSION_NAME ${target} OUTPUT_NAME)
+    if(NOT OB_VERSION_NAME)
+        set(OB_VERSION_NAME ${target})
+    endif()
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "EXECUTABLE")
+        set(OB_VERSION_FILE "${OB_VERSION_NAME}.exe")
+        set(OB_VERSION_TYPE VFT_APP)
+    else()
+        set(OB_VERSION_FILE "${OB_VERSION_NAME}.dll")
+        set(OB_VERSION_TYPE VFT_DLL)
+    endif()
+    string(REPLACE "." ", " OB_VERSION_NUMBERS "${PROJECT_VERSION}")
+    set(script "${CMAKE_CURRENT_BINARY_DIR}/${OB_VERSION_NAME}-version.rc")
+    configure_file("${CMAKE_SOURCE_DIR}/cmake/Version.rc.in" "${script}" @ONLY)
+    set_property(SOURCE "${script}" APPEND PROPERTY COMPILE_OPTIONS "--codepage=65001")
+    target_sources(${target} PRIVATE "${script}")
 endfunction()
 
 # ob_load_late(<target> <system library>...): a module that is loaded on the way to something visible

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <shellapi.h>
 
-#include "WebVellant/obwmv/Version.h"
 #include "services/archive/ThisModule.h"
 #include "services/archive/policy/MachinePolicy.h"
 #include "tests/support/ImportPatch.h"
