@@ -2,7 +2,7 @@
 // name, in this order. A missing one fails the binding.
 //
 // Plain functions of the platform's 64-bit convention; nothing throws across the edge. Results
-// told as low 16 bits or as a byte are masked by the caller.
+// documented as low 16 bits or as a byte are masked by the caller.
 #pragma once
 
 #include <windows.h>
@@ -41,7 +41,7 @@ inline constexpr std::uint32_t kExtensionRules = 4;
 //  SetPassword                    the buffer that PasswordNewDlg_C filled
 //  SetCompression                 8 or 0xFFFFFFFF
 //  SetDuplicateReferences         a byte, 0 or 1
-//  Zip                            owner, context; blocks until the zip stands (0) or failed
+//  Zip                            owner, context; blocks until the zip is complete (0) or failed
 //  CheckForUpdates_VB             owner, 1
 //  WebHelpW                       owner, topic, the same topic
 //  Encrypt_String_VB              fetched, never called

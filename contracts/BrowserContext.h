@@ -33,7 +33,7 @@ public:
     virtual const wchar_t* GetPageUrl() = 0;
 
     // Slot 5. Window classes of the browser's main window, tried in array order. Owned by the
-    // context; as many as slot 6 says.
+    // context; slot 6 returns their number.
     virtual const wchar_t* const* GetBrowserWindowClasses() = 0;
 
     // Slot 6. Length of that array; zero or less means that no window is searched.

@@ -3,7 +3,7 @@
 //
 // All numbers are little-endian, all texts are NUL-terminated UTF-16. An offset counts bytes from
 // the block's start; 0 means absent. A list is a run of NUL-terminated strings closed by an empty
-// one. Which role writes a field stands beside it.
+// one. The comment of each field names the role that writes it.
 #pragma once
 
 #include <cstddef>
@@ -24,13 +24,13 @@ inline constexpr std::int32_t kCancelled = static_cast<std::int32_t>(0x800704C7)
 // host moves it.
 enum class ExchangeStatus : std::uint32_t {
     OpenFileNameRequest = 0, // written by the browser side, not yet taken
-    DialogRequest = 1,       // as 0 on the dialog road; stays when there is neither file nor link
+    DialogRequest = 1,       // as 0 on the dialog path; stays when there is neither file nor link
     LinkAnswer = 2,          // the user made cloud links: text at LinkOffset
-    OpenFileNameTaken = 3,   // taken by the host; the list stands in the file slot if Result != 0
+    OpenFileNameTaken = 3,   // taken by the host; the list is in the file slot if Result != 0
     DialogAnswer = 4,        // list of full paths at PathListOffset
 };
 
-// Bytes 24 to 75 as the browser side writes them on the open-file-name road.
+// Bytes 24 to 75 as the browser side writes them on the open-file-name path.
 struct OpenFileNameFields {
     std::uint16_t nFileExtension;
     std::uint16_t nFileOffset;
@@ -64,10 +64,10 @@ struct DialogAnswerFields {
 
 struct ExchangeBlock {
     ExchangeStatus Status;            // both
-    std::int32_t Result;              // host: BOOL or HRESULT, by the road
+    std::int32_t Result;              // host: BOOL or HRESULT, by the path
     std::uint8_t UploadBlocked;       // browser: 1 when cloud links are forbidden
     std::uint8_t reserved[3];         // nobody: stay 0
-    std::uint32_t DialogOptions;      // browser, dialog road: IFileDialog::GetOptions
+    std::uint32_t DialogOptions;      // browser, dialog path: IFileDialog::GetOptions
     std::int32_t CleanupFolderOffset; // host: temporary folder
     std::int32_t CleanupFileOffset;   // host: temporary file
     union {

@@ -37,16 +37,16 @@ enum class TransformId : std::uint32_t {
     ConvertFromPdf = 70,
 };
 
-// Storage providers that are told apart by their number; all other ids are the manager's business.
+// Storage providers that are treated apart, by number; all other ids are the manager's business.
 inline constexpr std::uint32_t kNoProvider = 0;
-// Stands first in the chooser, is never put on top as the default, and takes only archives.
+// Comes first in the chooser, is never put on top as the default, and takes only archives.
 inline constexpr std::uint32_t kArchivesOnlyProvider = 21;
 // Enumerated, and not offered for storing.
 inline constexpr std::uint32_t kProvidersNotForStoring[] = {30, 31, 32, 33, 34, 45};
 
 inline constexpr std::uint32_t ProviderErrorTooLarge = 7; // codes of SetLastProviderError
 inline constexpr std::uint32_t ProviderErrorQuota = 9;
-inline constexpr std::int64_t SizeUnknown = -2; // both values of GetAccountSpace: nobody knows
+inline constexpr std::int64_t SizeUnknown = -2; // both values of GetAccountSpace: not known
 
 enum class ProviderCapability : std::uint32_t { OpenPicker = 1, FreeSpace = 2, Folders = 1024 };
 
@@ -69,7 +69,7 @@ static_assert(offsetof(ProviderProfile, reserved) == 2106);
 
 // One file in the cloud: 10064 bytes, filled by a provider.
 struct CloudItem {
-    ProviderProfile profile; // the account that holds the file
+    ProviderProfile profile; // the account that has the file
     wchar_t link[2409];      // its share link
     wchar_t name[1569];      // its name as shown
 };
@@ -90,7 +90,7 @@ struct UploadList {
     void* const* table;
 };
 
-// The slots that are called: object, slot number, name, result, arguments behind the object.
+// The slots that are called: object, slot number, name, result, arguments after the object.
 //
 // Capacities are in wide characters: 128 for GetDisplayName, 2048 for GetAccountRootFolder; 16
 // profiles for GetAccountProfiles, whose newest account is last and whose count of 0 or less means
@@ -140,9 +140,9 @@ inline constexpr std::size_t kCloudProviderSlotCount = 138;
 //
 // Nothing that an export hands out is freed by its caller, but for the bitmap of GetBitmap, which
 // is the caller's to delete. An instance is usable for as long as the manager is initialised; a
-// text behind a returned pointer is copied at once. Capacities are in wide characters: 128 for
-// GetShortDescription, 2048 for the two error texts, 514 for each buffer of GetTargetFile.
-// A manager serves one run, without locks, on the thread that owns the dialogs; while that thread
+// text that a returned pointer leads to is copied at once. Capacities are in wide characters: 128
+// for GetShortDescription, 2048 for the two error texts, 514 for each buffer of GetTargetFile. A
+// manager serves one run, without locks, on the thread that owns the dialogs; while that thread
 // waits, the transform worker calls ExecuteTransforms, ExecutePostTransforms,
 // GetSelectedTransformSummary, SetProviderTarget, GetProviderTarget and SelectProviders.
 #define OB_PROVIDER_MANAGER_LIFE(ENTRY)                                                            \
