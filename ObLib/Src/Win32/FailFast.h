@@ -11,7 +11,7 @@ namespace ObLib {
 // 0xC0000409 (STATUS_STACK_BUFFER_OVERRUN), no handlers are run.
 void CopyOrFailFast(wchar_t* buffer, std::size_t capacity, const wchar_t* text) noexcept;
 
-// As CopyOrFailFast, behind what the buffer already holds.
+// As CopyOrFailFast, after the text that the buffer already contains.
 void AppendOrFailFast(wchar_t* buffer, std::size_t capacity, const wchar_t* text) noexcept;
 
 // Ends the process at once; never returns.

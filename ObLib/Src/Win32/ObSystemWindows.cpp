@@ -1,4 +1,4 @@
-// Windows behind ObSystem.h.
+// The calls of ObSystem.h on Windows.
 #include "ObLib/Src/ObSystem.h"
 
 #include <windows.h>

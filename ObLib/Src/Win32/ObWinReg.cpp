@@ -43,11 +43,11 @@ std::size_t UnitsWithEnd(DWORD type, const wchar_t* text, std::size_t units) {
     return units >= 2 && text[units - 2] == L'\0' ? units : units + 1;
 }
 
-// The bytes in use of a value of `bytes` bytes; what stands behind them is made zero.
+// The bytes in use of a value of `bytes` bytes; the bytes after them are made zero.
 std::size_t Normalize(DWORD type, ObBuffer& buffer, std::size_t bytes) {
     auto* const data = static_cast<char*>(buffer.data);
     const bool isText = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
-    // Half a unit at the end of a text is none.
+    // Half a unit at the end of a text is dropped.
     const std::size_t read = isText ? bytes / sizeof(wchar_t) * sizeof(wchar_t) : bytes;
     std::memset(data + read, 0, bytes + kSpareBytes - read);
     if (!isText) return bytes;

@@ -1,5 +1,5 @@
 // The process-wide object through which texts and dialogs are found: which module is the program
-// and which holds the language resources.
+// and which contains the language resources.
 #pragma once
 
 #include <windows.h>

@@ -1,7 +1,7 @@
 // Move-only owners of the system's handles: one template, and one policy a kind of handle.
 //
-// An owner closes what it holds exactly once and keeps the thread's last error over the closing,
-// so that a caller can still ask why a call behind it failed.
+// An owner closes its handle exactly once and preserves the thread's last error over the closing,
+// so that a caller can still ask why an earlier call failed.
 #pragma once
 
 #include <windows.h>
@@ -123,7 +123,7 @@ struct CoTaskMemoryPolicy : NullPolicy<Type*> {
 template <class Type>
 using UniqueCoTaskMemory = UniqueResource<CoTaskMemoryPolicy<Type>>;
 
-// A mapped view of a file mapping, typed by what stands in it.
+// A mapped view of a file mapping, typed by its content.
 template <class Type>
 struct MappedViewPolicy : NullPolicy<Type*> {
     static void Close(Type* view) noexcept { UnmapViewOfFile(view); }
