@@ -12,7 +12,7 @@ namespace obcore {
 // then. Host side and configuration entry only, on their one thread.
 bool LoadProviderManager();
 
-// The bound entries. Valid only after LoadProviderManager() has answered true in this process.
+// The bound entries. Valid only after LoadProviderManager() has returned true in this process.
 const obcontract::ProviderManagerEntries& ProviderManager() noexcept;
 
 // Process detach only.

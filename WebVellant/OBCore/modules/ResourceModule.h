@@ -15,7 +15,7 @@ namespace obcore {
 // call of a process comes from its entry point.
 bool BindResourceModule();
 
-// The bound module, null before BindResourceModule() has answered true.
+// The bound module, null before BindResourceModule() has returned true.
 HMODULE ResourceModule() noexcept;
 
 // On process detach. Texts can be had again after another BindResourceModule().

@@ -13,7 +13,7 @@ namespace obcore {
 // No lock: the first call of a process comes from its entry point, before any worker starts.
 bool LoadArchiveService();
 
-// The bound entries. Valid only after LoadArchiveService() has answered true in this process.
+// The bound entries. Valid only after LoadArchiveService() has returned true in this process.
 const obcontract::ArchiveServiceEntries& ArchiveService() noexcept;
 
 // Process detach only: unloads the library if it is bound.
