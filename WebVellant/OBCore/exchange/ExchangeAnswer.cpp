@@ -9,9 +9,9 @@ using obcontract::kTextAreaOffset;
 namespace obcore {
 namespace {
 
-constexpr std::int32_t kPathListOffset = 78; // behind the empty folder text
+constexpr std::int32_t kPathListOffset = 78; // after the empty folder text
 
-// The offset behind what the answer uses; 0 when there is no answer, or no place where it stands.
+// The offset past the end of the answer; 0 when there is no answer, or none inside the block.
 std::int32_t EndOfAnswer(const ExchangeBlock& block) {
     switch (block.Status) {
     case ExchangeStatus::LinkAnswer:

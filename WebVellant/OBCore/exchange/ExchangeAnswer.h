@@ -1,6 +1,6 @@
-// Writing and reading the answers of both roads.
+// Writing and reading the answers of both paths.
 //
-// The readers stay inside the block whatever stands in it: an offset at which no text can stand
+// The readers stay inside the block whatever it contains: an offset at which no text can be
 // counts as absent, and a text or list that runs to the block's end ends there.
 #pragma once
 
@@ -21,7 +21,7 @@ void WriteLinkAnswer(obcontract::ExchangeBlock& block, const std::wstring& text)
 // closing NUL if there is room for it.
 void WriteDialogAnswer(obcontract::ExchangeBlock& block, const std::vector<std::wstring>& paths);
 
-// Host side, after the answer: notes the temporary folder and file behind what the answer uses. On
+// Host side, after the answer: notes the temporary folder and file past the end of the answer. On
 // a status that is no answer both offsets stay 0. A null text gives offset 0 and takes no room; a
 // text for which there is no room has the block's end as its offset, which readers take as absent.
 void WriteCleanupNames(obcontract::ExchangeBlock& block, const wchar_t* folder,

@@ -99,7 +99,7 @@ OPENFILENAMEW ReadOpenFileNameRequest(ExchangeBlock& block, HWND owner) {
     for (const TextField& field : kTextFields)
         request.*field.text = RequestText(block, block.Request.*field.offset);
     request.lpstrFilter = RequestList(block, block.Request.FilterOffset);
-    // Output, so nothing has to stand there yet.
+    // Output, so no text has to be there yet.
     request.lpstrFile = PlaceAt(block, block.Request.FileListOffset);
     return request;
 }

@@ -1,4 +1,4 @@
-// Writing and taking a request of the open-file-name road.
+// Writing and taking a request of the open-file-name path.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,7 @@
 namespace obcore {
 
 // Browser side: writes the request into a new block. Texts that don't fit are cut; the request's
-// own lpstrFile is dropped, and the file slot holds two NULs.
+// own lpstrFile is dropped, and the file slot contains two NULs.
 void WriteOpenFileNameRequest(obcontract::ExchangeBlock& block, const OPENFILENAMEW& request);
 
 // Host side: the request with its texts pointing into the block, `owner` as its window, and

@@ -1,4 +1,4 @@
-// The result of one dialog road run, and where the browser side keeps it for later queries.
+// The result of one run on the dialog path, and where the browser side keeps it for later queries.
 #pragma once
 
 #include <shobjidl.h>
@@ -24,7 +24,7 @@ inline std::uint64_t ResultKey(const IFileDialog* dialog) noexcept {
     return reinterpret_cast<std::uint64_t>(dialog);
 }
 
-// The one map of the process. Emptied at the start of each dialog road run, so that it holds at
+// The one map of the process. Emptied at the start of each run on that path, so that it has at
 // most one result. No lock: a browser shows one such dialog at a time per process.
 ResultMap& Results() noexcept;
 
