@@ -40,10 +40,10 @@ void NameZip(const UniqueZipContext& context, ZipTarget& target) {
 bool RunEngine(const OBAttachJob& job, UniqueZipContext context) {
     ArchiveService().SetCompression(context.Get(), job.CompressionMethod);
     ArchiveService().SetDuplicateReferences(context.Get(), job.DuplicateReferences ? 1 : 0);
-    const bool stands = ArchiveService().Zip(job.ParentWindow, context.Get()) == kZipOk;
+    const bool complete = ArchiveService().Zip(job.ParentWindow, context.Get()) == kZipOk;
     context.Reset();
-    if (!stands) ShowStringBox(job.ParentWindow, TextId::ZipFailed);
-    return stands;
+    if (!complete) ShowStringBox(job.ParentWindow, TextId::ZipFailed);
+    return complete;
 }
 
 void NoteResult(OBAttachJob& job, const ZipTarget& target) {
@@ -67,7 +67,7 @@ bool CompressFiles(OBAttachJob& job) {
     if (!GetTemporaryFolder(target.Folder)) return false;
     if (!job.MakesZip()) return true;
     job.Usage.UsageZipped = true;
-    // Where no folder can be made, the engine fails to write and tells so.
+    // Where no folder can be made, the engine fails to write and reports that.
     CreateUniqueTempFolder(target.Folder);
     UniqueZipContext context = MakeContext(job.Files);
     NameZip(context, target);

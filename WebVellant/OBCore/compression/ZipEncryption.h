@@ -1,4 +1,4 @@
-// What a zip context is told about encryption.
+// The encryption settings of a zip context.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace obcore {
 
 // Sets the encryption of `context` as the job wants it, and asks for the password when it encrypts;
 // `folder` is the run's own. False when the run stops here:
-// - the public key can't be used: the user is told; the context is left alive, the folder stays;
+// - the public key can't be used: a box reports it; the context is left alive, the folder stays;
 // - the user gave no password: the folder is removed and the context ended, without a message.
 bool SetUpEncryption(OBAttachJob& job, UniqueZipContext& context, const std::wstring& folder);
 

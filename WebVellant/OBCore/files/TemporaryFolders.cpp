@@ -36,7 +36,7 @@ std::wstring NumberedFolder(const std::wstring& base, DWORD number) {
 bool GetTemporaryFolder(std::wstring& folder) {
     wchar_t given[kPathCapacity];
     const DWORD length = GetTempPathW(kPathCapacity, given);
-    // An empty folder would stand for the current one, which is none of ours.
+    // An empty path would mean the current folder, which this run doesn't own.
     if (length == 0 || length >= kPathCapacity - 1) return false;
     PathAddBackslashW(given);
     folder = LongForm(given);

@@ -42,7 +42,7 @@ std::optional<std::wstring> RegisteredProductPath() {
     return std::wstring(value);
 }
 
-// The value is cut behind its last backslash before it is unquoted: one that is quoted as a whole
+// The value is cut after its last backslash before it is unquoted: one that is quoted as a whole
 // has lost its closing mark by then, keeps the opening one and leads to no program.
 std::optional<std::wstring> RegisteredProgram() {
     std::optional<std::wstring> path = RegisteredProductPath();
