@@ -20,7 +20,7 @@ bool HasStorageProvider(ProviderManagerHandle manager) {
 bool OBOptions::CloudServicesUnavailable() {
     if (DisableCloudServices) return true;
     if (storageProvidersEnumerated) return false;
-    // The failed check is only told: the manager is asked all the same.
+    // The failed check only shows its box: the manager is asked all the same.
     Check(ProviderManager != nullptr, "pvx_manager_ptr != NULL", "OBCore\\OBOptions", 731);
     storageProvidersEnumerated = true;
     DisableCloudServices = !HasStorageProvider(ProviderManager);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD kImagePathCapacity = 260; // wide characters
 
-// The parent is the picker's own window; the browser is behind the window that owns it.
+// The parent is the picker's own window; the window that owns it belongs to the browser.
 DWORD BrowserProcess(HWND parent) {
     const HWND owner = GetWindow(parent, GW_OWNER);
     DWORD process = 0;
@@ -30,7 +30,7 @@ std::wstring BrowserImage(HWND parent) {
 
 } // namespace
 
-// The manager comes last, when nothing can throw any more that would leave it behind.
+// The manager comes last: nothing after it can throw and leave it without an owner.
 OBAttachJob::OBAttachJob(const OBOptions& options, HWND parent)
     : OBOptions(options), ParentWindow(parent), BrowserImagePath(BrowserImage(parent)) {
     OwnedProviderManager = obcore::ProviderManager().CreateObExtensionsManager();

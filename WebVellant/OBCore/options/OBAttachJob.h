@@ -12,7 +12,7 @@
 
 namespace obcore {
 
-// What a usage report says of a send; read as five bytes in this order.
+// The switches of a usage report about a send; read as five bytes in this order.
 struct UsageFlags {
     bool UsageZipped = false;
     bool UsageZipx = false;

@@ -84,7 +84,7 @@ struct OBOptions {
     // Sets UILanguage alone; needs nothing else and may run on a worker thread.
     void LoadLanguage();
 
-    // Repairs values that can't stand. Runs at the end of Load and before three of the saves.
+    // Repairs values that aren't valid. Runs at the end of Load and before three of the saves.
     void Normalize();
 
     // Each writes one group of the user's values; a key that doesn't open skips it silently.

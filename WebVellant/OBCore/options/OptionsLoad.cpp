@@ -87,7 +87,7 @@ void LoadUserSettings(OBOptions& options) {
 
 bool AreAllCloudServicesListed(const std::wstring& text) { return HasItem(text, L',', L"ALL"); }
 
-// Once the machine has policies at all, update checks are off unless the value says otherwise.
+// Once the machine has policies at all, update checks are off unless the value switches them on.
 bool IsUpdateCheckingOff(const std::wstring& text) { return text.empty() || text == L"1"; }
 
 struct PolicySwitch {

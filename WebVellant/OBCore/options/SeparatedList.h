@@ -1,4 +1,4 @@
-// Lists that stand in one text, with a separator between their items.
+// Lists in one text, with a separator between their items.
 #pragma once
 
 #include <string_view>

@@ -8,7 +8,7 @@ namespace {
 
 constexpr DWORD kFirstReadBytes = 510;
 
-// What stands in the first `bytes` bytes, up to the first NUL. A value may be stored without its
+// The text in the first `bytes` bytes, up to the first NUL. A value may be stored without its
 // terminator, and half a unit at its end is dropped.
 std::wstring TextOf(const wchar_t* units, DWORD bytes) {
     const std::size_t length = wcsnlen(units, bytes / sizeof(wchar_t));

@@ -42,7 +42,7 @@ bool IsPolicySwitchOn(const std::wstring& text);
 // The leading decimal number, 0 if there is none. "-1" is 0xFFFFFFFF.
 std::uint32_t NumberOf(const std::wstring& text);
 
-// Reads for fields whose default stands when the value is absent; true when it was there.
+// Reads for fields that keep their default when the value is absent; true when it was there.
 bool ReadSwitch(HKEY key, const wchar_t* name, bool& field);
 bool ReadNumber(HKEY key, const wchar_t* name, std::uint32_t& field);
 
