@@ -8,7 +8,7 @@
 namespace obcore {
 
 // Shows the dialog (resource 114) owned by `owner`. True when the user chose a provider; the choice
-// then stands in job.SelectedStorageProvider. False leaves that record as it was.
+// is then in job.SelectedStorageProvider. False leaves that record as it was.
 bool ShowSelectDefaultCloudDialog(HWND owner, OBAttachJob& job);
 
 } // namespace obcore

@@ -7,7 +7,7 @@ using obcontract::ProviderProfile;
 namespace obcore {
 
 // This build uploads nothing yet. So that nobody takes a result for sent that wasn't, the answer is
-// that of a send that the user gave up: true with no link. The upload enters behind the first line.
+// that of a send that the user gave up: true with no link. The upload goes after the first line.
 bool RunCloudSend(OBAttachJob& job, std::wstring& linkText, std::int64_t totalSize,
                   ProviderProfile& profile) {
     if (job.UploadBlocked) return false;

@@ -16,7 +16,7 @@ public:
     std::uint32_t GetStatus() override;
     void SetStatusFlag(std::uint8_t value) override;
     std::uint8_t GetStatusFlag() override;
-    // Reason 1: the cloud already holds a file of that name. Every other reason is ignored, and
+    // Reason 1: the cloud already has a file of that name. Every other reason is ignored, and
     // so is the value.
     void TellReason(std::uint64_t value, std::int32_t reason) override;
     void Cancel() override;

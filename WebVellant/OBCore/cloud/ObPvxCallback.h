@@ -3,7 +3,7 @@
 //
 // The table of slots is the contract: 24 of them, in this order, reached from another module by
 // their number. So there is no virtual destructor (it would take two slots here), no overload, and
-// a slot is never moved. Numbers stand behind the functions.
+// a slot is never moved. The comment after each function is its number.
 #pragma once
 
 #include <cstdint>

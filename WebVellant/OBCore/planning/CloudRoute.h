@@ -8,7 +8,7 @@
 namespace obcore {
 
 // Decides where job.ResultPath goes and takes it there. 1: the archive is attached. 0: the page
-// receives what stands in `linkText` after an upload, or the user gave no provider and nothing goes
+// receives the content of `linkText` after an upload, or the user gave no provider and nothing goes
 // out. Dialogs are modal to job.ParentWindow; sends the usage report where the run ends normally.
 int RouteArchive(OBAttachJob& job, std::wstring& linkText);
 

@@ -26,11 +26,12 @@ public:
 
     // Decides what becomes of the picked files and carries it out. 1: the page receives ResultPath
     // if ResultIsArchive is on, else Files. 0 with an empty LinkText: the user stopped the run or
-    // it failed, and was told where it happened. 0 with a LinkText: the page receives that text.
+    // it failed, and a box reported it where it happened. 0 with a LinkText: the page receives that
+    // text.
     int ProcessPickedFiles(const std::vector<std::wstring>& picked);
 
     std::wstring LinkText;     // output
-    OPENFILENAMEW* Request;    // null on the dialog road
+    OPENFILENAMEW* Request;    // null on the dialog path
     OBAttachJob* Options;      // the record, read as options
     OBAttachJob* AttachRecord; // the same record
 };

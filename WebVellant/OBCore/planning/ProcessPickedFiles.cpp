@@ -24,8 +24,8 @@ int AttachAsPicked(OBAttachJob& job, const std::vector<std::wstring>& picked) {
     return 1;
 }
 
-// Without a temporary folder at all the picked paths stand. Where one is named and no folder can be
-// made in it, nothing can be copied: the list ends empty, and so does the run.
+// Without a temporary folder at all the picked paths are used. Where one is named and no folder can
+// be made in it, nothing can be copied: the list ends empty, and so does the run.
 WorkingCopy CopyPickedFiles(const std::vector<std::wstring>& picked) {
     WorkingCopy copy;
     copy.Files = picked;

@@ -13,8 +13,8 @@ namespace obcore::CompressUtils {
 // the run, it never lets files through as if done.
 bool RunTransforms(OBAttachJob& job, std::vector<std::wstring>& files, const std::wstring& folder);
 
-// The road of a single file that isn't zipped: a converted copy in a temporary folder of its own.
-// True when the copy stands, false to stop.
+// The case of a single file that isn't zipped: a converted copy in a temporary folder of its own.
+// True when the copy is complete, false to stop.
 bool TransformSingleFile(OBAttachJob& job, const std::vector<std::wstring>& files);
 
 } // namespace obcore::CompressUtils
