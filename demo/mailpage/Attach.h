@@ -1,4 +1,4 @@
-// The page asks for files, by either road, through the library.
+// The page asks for files, on either path, through the library.
 #pragma once
 
 #include <windows.h>

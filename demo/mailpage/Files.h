@@ -21,7 +21,7 @@ bool CopyToOutbox(const std::wstring& outbox, const std::vector<std::wstring>& a
 // Removes what the library noted. Only below the temporary folder: a page's own files stay.
 void RemoveTemporary(const CleanupNote& note);
 
-// The name behind the last backslash.
+// The name after the last backslash.
 std::wstring FileName(const std::wstring& path);
 
 // "12 KB", or nothing when the file isn't there.

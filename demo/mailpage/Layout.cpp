@@ -17,7 +17,7 @@ constexpr int kTightBelow = 440; // client height
 constexpr int kLeastBody = 44;
 constexpr int kButtonHeight = 34;
 
-// A field of text stands in the middle of its row: an edit control draws at its top.
+// A field of text is in the middle of its row: an edit control draws at its top.
 void PlaceField(RECT& label, RECT& field, const RECT& card, const RECT& row, Scale scale) {
     const int middle = (row.top + row.bottom) / 2;
     label = {card.left + scale(18), row.top, card.left + scale(84), row.bottom};

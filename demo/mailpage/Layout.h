@@ -1,4 +1,4 @@
-// Where everything stands in the mail page's window.
+// The places of everything in the mail page's window.
 #pragma once
 
 #include <windows.h>

@@ -1,4 +1,5 @@
-// The hook's side of the contract: what the library may ask of the browser, and what it tells it.
+// The hook's side of the contract: what the library may ask of the browser, and what it reports to
+// it.
 #pragma once
 
 #include <string>

@@ -6,7 +6,7 @@ namespace {
 
 bool IsLink(const std::wstring& entry) { return entry.find(L"://") != std::wstring::npos; }
 
-// What stands in the coloured mark before an attachment.
+// The text in the coloured mark before an attachment.
 std::wstring MarkText(const std::wstring& entry) {
     if (IsLink(entry)) return L"LINK";
     const std::wstring name = FileName(entry);

@@ -1,4 +1,4 @@
-// What the mail page is told on its command line.
+// The command line of the mail page.
 //
 //   mailpage.exe [--url URL] [--entry open|dialog] [--single] [--filter TEXT]
 //                [--no-fallback-dialog] [--auto [--keep-open]] [--result FILE] [--picture FILE]
@@ -37,8 +37,8 @@ struct Options {
     std::wstring outbox;
 };
 
-// Reads the arguments behind the program's name. Nothing when one isn't known or lacks its value;
-// `problem` then says which.
+// Reads the arguments after the program's name. Nothing when one isn't known or lacks its value;
+// `problem` then names it.
 std::optional<Options> ParseOptions(const std::vector<std::wstring>& arguments,
                                     std::wstring& problem);
 

@@ -15,13 +15,13 @@ namespace providers {
 // Nothing for any other value.
 std::optional<HKEY> PredefinedKey(std::int64_t hive) noexcept;
 
-// Opens the key for each access and holds nothing in between, so that another process sees a
+// Opens the key for each access and keeps nothing open in between, so that another process sees a
 // change at once. The last writer wins.
 class AccountStore {
 public:
     AccountStore(HKEY hive, std::wstring key);
 
-    // The account that uploads go to unless the user says otherwise. An empty profile when there
+    // The account that uploads go to unless the user chooses another. An empty profile when there
     // is none, when the key can't be read, or when the value isn't one that was saved here.
     obcontract::ProviderProfile DefaultProfile() const;
 

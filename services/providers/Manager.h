@@ -1,4 +1,4 @@
-// One manager: what stands behind the handle that CreateObExtensionsManager gives out.
+// One manager: the object that a handle of CreateObExtensionsManager leads to.
 #pragma once
 
 #include <windows.h>
