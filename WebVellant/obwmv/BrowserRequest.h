@@ -10,11 +10,12 @@
 #include <shobjidl.h>
 
 #include "contracts/BrowserContext.h"
+#include "contracts/ExchangeBlock.h"
 
 namespace obwmv {
 
-// HRESULT_FROM_WIN32(ERROR_CANCELLED): a cancel by the user and a failure of the host alike.
-inline constexpr HRESULT kCancelled = static_cast<HRESULT>(0x800704C7);
+// Both a cancel by the user and a failure of the host.
+using obcontract::kCancelled;
 
 // Open-file-name entry point. Of `request` only lpstrFile is written, as long as the host's list
 // is: the host kept to nMaxFile. FALSE on every failure: the page sees a cancelled dialog. Throws

@@ -3,8 +3,9 @@
 #include <windows.h>
 
 #include <objbase.h>
-#include <shlwapi.h>
 
+#include "ObLib/Src/Win32/LoadModule.h"
+#include "ObLib/Src/Win32/ModulePath.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "obwmv/Exports.h"
 #include "obwmvapp/HostCommandLine.h"
@@ -17,11 +18,8 @@ constexpr wchar_t kLibraryName[] = L"obwmcore64.dll";
 
 // By the full path in this program's own folder, never by a search.
 ObLib::UniqueModule LoadLibraryBesideProgram() {
-    wchar_t path[MAX_PATH];
-    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
-    if (length == 0 || length == MAX_PATH) return {};
-    if (!PathRemoveFileSpecW(path) || !PathAppendW(path, kLibraryName)) return {};
-    return ObLib::UniqueModule(LoadLibraryW(path));
+    const auto path = ObLib::PathBesideModule(nullptr, kLibraryName, MAX_PATH);
+    return path ? ObLib::LoadModule(path->c_str()) : ObLib::UniqueModule();
 }
 
 int Serve(const obwmvapp::HostRequest& request) {

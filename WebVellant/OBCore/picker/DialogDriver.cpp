@@ -17,6 +17,7 @@
 #include "OBCore/picker/PickerSequence.h"
 #include "OBCore/picker/ShellDialog.h"
 #include "OBCore/picker/Win7Dlg.h"
+#include "contracts/ExchangeBlock.h"
 
 using obcontract::ExchangeBlock;
 
@@ -24,7 +25,7 @@ namespace obcore {
 namespace {
 
 constexpr int kAllFilesCapacity = 2048; // wide characters
-constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
+using obcontract::kCancelled;
 
 // The last file of the last confirmed run in this process. The next dialog opens in its folder.
 std::wstring LastFolderPath;

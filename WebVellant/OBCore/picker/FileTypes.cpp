@@ -1,19 +1,15 @@
 #include "OBCore/picker/FileTypes.h"
 
-#include <algorithm>
-
 #include "OBCore/modules/TraceFailure.h"
+#include "ObLib/Src/Win32/StringList.h"
 
 namespace obcore {
 
 std::vector<std::wstring> ReadStringList(const wchar_t* list, const wchar_t* end) {
     std::vector<std::wstring> strings;
-    while (list && list < end && *list != L'\0') {
-        const wchar_t* const textEnd = std::find(list, end, L'\0');
-        strings.emplace_back(list, textEnd);
-        if (textEnd == end) break;
-        list = textEnd + 1;
-    }
+    if (!list || list >= end) return strings;
+    ObLib::WalkList({list, static_cast<std::size_t>(end - list)},
+                    [&](std::wstring_view text) { strings.emplace_back(text); });
     return strings;
 }
 

@@ -7,6 +7,7 @@
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/modules/TraceFailure.h"
+#include "OBCore/options/TransformTable.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 using obcontract::kSwitchEncryptionOff;
@@ -24,22 +25,21 @@ constexpr DWORD kTransformGroups[] = {kPictureGroup, kConvertGroup, kPdfGroup};
 
 using enum TransformId;
 
+// The option of a transform comes from the table of all transforms.
+constexpr TransformControl Control(DWORD group, DWORD control, TextId text, TransformId transform,
+                                   bool needsReady = false) {
+    return {group, control, text, RowOf(transform).option, transform, needsReady};
+}
+
 constexpr TransformControl kTransformControls[] = {
-    {kPictureGroup, kResizeImagesCheck, TextId::ResizeImages, &OBOptions::AutoResizeImages,
-     ResizeImages, false},
-    {kPictureGroup, kConvertPhotosCheck, TextId::ConvertPhotos, &OBOptions::AutoConvertPhotos,
-     ConvertPhotos, true},
-    {kPictureGroup, kRemoveInfoCheck, TextId::RemoveInfo, &OBOptions::AutoRemoveInfo, RemoveInfo,
-     true},
-    {kConvertGroup, kWatermarkCheck, TextId::Watermark, &OBOptions::AutoWatermark, Watermark,
-     false},
-    {kConvertGroup, kConvertPdfCheck, TextId::ConvertPdf, &OBOptions::AutoConvertPDF, ConvertPdf,
-     true},
-    {kConvertGroup, kConvertFromPdfCheck, TextId::ConvertFromPdf, &OBOptions::AutoConvertFromPDF,
-     ConvertFromPdf, false},
-    {kPdfGroup, kCombinePdfsCheck, TextId::CombinePdfs, &OBOptions::AutoCombinePDFs, CombinePdfs,
-     false},
-    {kPdfGroup, kSignPdfsCheck, TextId::SignPdfs, &OBOptions::AutoSignPDFs, SignPdfs, false},
+    Control(kPictureGroup, kResizeImagesCheck, TextId::ResizeImages, ResizeImages),
+    Control(kPictureGroup, kConvertPhotosCheck, TextId::ConvertPhotos, ConvertPhotos, true),
+    Control(kPictureGroup, kRemoveInfoCheck, TextId::RemoveInfo, RemoveInfo, true),
+    Control(kConvertGroup, kWatermarkCheck, TextId::Watermark, Watermark),
+    Control(kConvertGroup, kConvertPdfCheck, TextId::ConvertPdf, ConvertPdf, true),
+    Control(kConvertGroup, kConvertFromPdfCheck, TextId::ConvertFromPdf, ConvertFromPdf),
+    Control(kPdfGroup, kCombinePdfsCheck, TextId::CombinePdfs, CombinePdfs),
+    Control(kPdfGroup, kSignPdfsCheck, TextId::SignPdfs, SignPdfs),
 };
 
 // The order in which the states are refreshed is not that in which the controls were added.
@@ -51,8 +51,6 @@ constexpr DWORD kRefreshOrder[] = {
 CDCONTROLSTATEF EnabledIf(bool enabled) noexcept {
     return enabled ? CDCS_ENABLEDVISIBLE : CDCS_VISIBLE;
 }
-
-bool WantsZip(const OBOptions& options) noexcept { return options.SendItem || options.AutoEncrypt; }
 
 void DropRefusedEncryption(HWND owner, OBAttachJob& job) {
     if (!job.AutoEncrypt || job.NoEncryption || job.AllowedEncryptMethods == 0) return;
@@ -128,7 +126,7 @@ const TransformControl* FindTransformControl(DWORD control) noexcept {
 }
 
 ChoiceStates ComputeChoiceStates(const OBOptions& options) noexcept {
-    const bool wantsZip = WantsZip(options);
+    const bool wantsZip = options.MakesZip();
     const bool zipOffAndLocked = !wantsZip && options.DisableMsgEditZipOption;
     const bool forcedOff = options.AdminSendItem == AdminSendItemKind::ForcedOff;
 
@@ -176,7 +174,7 @@ void AddPickerControls(IFileDialog& dialog, HWND owner, OBAttachJob& job) {
 
 void UpdateTransformControls(IFileDialogCustomize* customize, OBAttachJob& job,
                              std::uint32_t selectionCount) {
-    const bool open = (selectionCount < 2 && job.SingleAttachConversion) || WantsZip(job);
+    const bool open = (selectionCount < 2 && job.SingleAttachConversion) || job.MakesZip();
     for (const DWORD control : kRefreshOrder) {
         const TransformControl& row = *FindTransformControl(control);
         const CDCONTROLSTATEF state = EnabledIf(open && IsSupported(job, row.transform));

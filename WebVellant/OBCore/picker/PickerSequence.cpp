@@ -7,11 +7,12 @@
 #include "OBCore/picker/PickerControls.h"
 #include "OBCore/picker/PickerHooks.h"
 #include "OBCore/picker/ShellDialog.h"
+#include "contracts/ExchangeBlock.h"
 
 namespace obcore {
 namespace {
 
-constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
+using obcontract::kCancelled;
 
 } // namespace
 

@@ -206,7 +206,7 @@ HRESULT Win7DlgEvents::OnFileOk(IFileDialog* dialog) {
         if (FAILED(TraceFailure("GetResults", open->GetResults(results.Put())))) return S_OK;
         const DWORD count = CountOf(results.Get());
         results.Reset();
-        const bool zipped = AttachRecord->SendItem || AttachRecord->AutoEncrypt;
+        const bool zipped = AttachRecord->MakesZip();
         if (zipped || AllowMultiSelect || count == 1) return S_OK;
         ShowStringBox(WindowOf(dialog), TextId::OneFileOnly);
         return S_FALSE;
