@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "ObLib/Src/AsciiLetters.h"
 #include "services/archive/ThisModule.h"
 #include "services/archive/policy/MachinePolicy.h"
 #include "services/archive/policy/PolicyValues.h"
@@ -34,8 +35,8 @@ std::uint32_t MinimumIn(PolicyView view) {
 }
 
 std::uint32_t ClassOf(wchar_t unit) {
-    if (unit >= L'a' && unit <= L'z') return kLowerCase;
-    if (unit >= L'A' && unit <= L'Z') return kUpperCase;
+    if (ObLib::IsAsciiLower(unit)) return kLowerCase;
+    if (ObLib::IsAsciiUpper(unit)) return kUpperCase;
     if (unit >= L'0' && unit <= L'9') return kDigit;
     return unit > L' ' && unit < 0x7F ? kSymbol : 0;
 }

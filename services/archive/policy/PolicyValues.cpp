@@ -9,12 +9,7 @@ constexpr wchar_t kPolicyKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Policie
 constexpr std::size_t kMostDigits = 9; // of a number that fits into 32 bits whatever its digits
 
 ObLib::UniqueRegistryKey OpenKey(PolicyView view) {
-    ObLib::UniqueRegistryKey key;
-    const REGSAM access = KEY_QUERY_VALUE | static_cast<REGSAM>(view);
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kPolicyKey, 0, access, key.Put()) != ERROR_SUCCESS) {
-        return {};
-    }
-    return key;
+    return ObLib::OpenRegistryKey(HKEY_LOCAL_MACHINE, kPolicyKey, KEY_QUERY_VALUE, view);
 }
 
 std::optional<DWORD> DwordOf(const ObLib::UniqueRegistryKey& key, const wchar_t* name) {

@@ -8,10 +8,11 @@
 #include <optional>
 #include <string>
 
+#include "ObLib/Src/Win32/RegistryView.h"
+
 namespace obarchive {
 
-// A 32-bit installer may have written into its own half of the registry.
-enum class PolicyView : REGSAM { Bits64 = KEY_WOW64_64KEY, Bits32 = KEY_WOW64_32KEY };
+using PolicyView = ObLib::RegistryView;
 
 // Whether the view has the key of the policies at all.
 bool HasPolicies(PolicyView view);

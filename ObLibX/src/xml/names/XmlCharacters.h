@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "ObLib/Src/AsciiLetters.h"
+
 namespace ObLibX {
 
 constexpr bool IsXmlSpace(wchar_t unit) {
@@ -53,9 +55,8 @@ constexpr bool IsWritableName(std::wstring_view name) {
     }
     return !name.empty();
 }
-constexpr wchar_t FoldAscii(wchar_t unit) {
-    return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit + (L'a' - L'A')) : unit;
-}
+
+using ObLib::FoldAscii;
 
 // Whether the first `length` units of both are equal. With `ignoreCase` only ASCII letters fold,
 // and only up to the first equal character that isn't ASCII: from there on any difference counts.

@@ -111,15 +111,14 @@ void DecodeTrimmed(std::wstring_view text, bool collapse, std::wstring& out) {
     out.resize(kept);
 }
 
-bool IsAsciiLetter(wchar_t unit) { return FoldAscii(unit) >= L'a' && FoldAscii(unit) <= L'z'; }
-
 bool StartsReference(wchar_t unit) {
-    return unit == L'#' || unit == L':' || unit == L'_' || IsAsciiLetter(unit) || unit >= 128;
+    return unit == L'#' || unit == L':' || unit == L'_' || ObLib::IsAsciiLetter(unit) ||
+           unit >= 128;
 }
 
 bool ContinuesReference(wchar_t unit) {
     return unit == L'-' || unit == L'.' || (unit >= L'0' && unit <= L'9') || unit == L':' ||
-           unit == L'_' || IsAsciiLetter(unit) || unit >= 128;
+           unit == L'_' || ObLib::IsAsciiLetter(unit) || unit >= 128;
 }
 
 // Units of what looks like a reference at the & at the start of `text`, the ; included; 0 when it
