@@ -35,7 +35,7 @@ public:
 
 private:
     void Stand();
-    void StandOnNode();
+    void MoveToNode();
     void Edit();
     void Add(std::uint32_t flags, const std::wstring& value);
     void SetAttribute();
@@ -76,12 +76,12 @@ void Editor::Stand() {
         document_.ResetPosition(static_cast<std::int32_t>(record.parent), at,
                                 static_cast<std::int32_t>(child));
     }
-    if (choice >= 192 && ended_) StandOnNode();
+    if (choice >= 192 && ended_) MoveToNode();
 }
 
 // On the first node of the parent's content that is no element, if it has one before its first
 // child.
-void Editor::StandOnNode() {
+void Editor::MoveToNode() {
     DocumentState& state = document_.State();
     const ElementRecord& parent = (*state.records)[state.parentPos];
     TagScanner scanner(state.text.data(), parent.start + parent.length - parent.EndTagLength(),

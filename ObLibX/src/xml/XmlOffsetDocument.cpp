@@ -26,8 +26,9 @@ bool FinishAndClose(DocumentState& document) {
     TextFileChannel& channel = *document.channel;
     const bool closed = channel.CloseFile();
     // The channel's report is that of its last block.
-    const bool lossTold = channel.report.find(kConversionLoss) != std::wstring::npos;
-    if (channel.conversionLoss && !lossTold) Report(document.result, kConversionLoss, nullptr, 0);
+    const bool lossReported = channel.report.find(kConversionLoss) != std::wstring::npos;
+    if (channel.conversionLoss && !lossReported)
+        Report(document.result, kConversionLoss, nullptr, 0);
     if (document.result.size() < kReportLimit) document.result += channel.report;
     return finished && closed;
 }

@@ -6,7 +6,7 @@
 #include "ObLibX/src/xml/document/ElementText.h"
 #include "ObLibX/src/xml/document/Shifting.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
-#include "ObLibX/src/xml/scan/AttributeWalk.h"
+#include "ObLibX/src/xml/scan/AttributeIterator.h"
 #include "ObLibX/src/xml/scan/TextCoding.h"
 
 namespace ObLibX {
@@ -19,7 +19,7 @@ struct AttributeChange {
 };
 
 // Puts a value in the place of the attribute's own. An attribute without '=' has its name as value;
-// it keeps the name and gets a '='. `after` is where the walk went on, after the closing quote.
+// it keeps the name and gets a '='. `after` is past the value and its closing quote.
 void ReplaceValue(const wchar_t* text, const UnitSpan& name, const UnitSpan& value,
                   const wchar_t* after, AttributeChange& change) {
     if (value.start == name.start) {
@@ -37,13 +37,13 @@ void ReplaceValue(const wchar_t* text, const UnitSpan& name, const UnitSpan& val
 bool ReplaceAttribute(const DocumentState& document, const TagSpan& tag, std::wstring_view wanted,
                       AttributeChange& change) {
     const wchar_t* const text = document.text.data();
-    AttributeWalk walk(text, text + tag.nameEnd, text + tag.end);
+    AttributeIterator attributes(text, text + tag.nameEnd, text + tag.end);
     UnitSpan name;
     UnitSpan value;
-    while (walk.Next(name, value)) {
+    while (attributes.Next(name, value)) {
         if (static_cast<std::size_t>(name.end - name.start) == wanted.size() &&
             SameName(name.start, wanted.data(), wanted.size(), document.IgnoresCase())) {
-            ReplaceValue(text, name, value, walk.At(), change);
+            ReplaceValue(text, name, value, attributes.At(), change);
             return true;
         }
     }
@@ -58,25 +58,25 @@ bool SwallowsWhatFollows(const UnitSpan& value, const wchar_t* end) {
 
 // Behind the last token of the tag; behind the tag's name instead when the new attribute would be
 // taken for a part of that token.
-std::size_t BehindLastToken(const DocumentState& document, const TagSpan& tag) {
+std::size_t AfterLastToken(const DocumentState& document, const TagSpan& tag) {
     const wchar_t* const text = document.text.data();
     const wchar_t* const end = text + tag.end;
-    AttributeWalk walk(text, text + tag.nameEnd, end);
-    std::size_t behind = tag.nameEnd;
+    AttributeIterator attributes(text, text + tag.nameEnd, end);
+    std::size_t after = tag.nameEnd;
     UnitSpan name;
     UnitSpan value;
-    while (walk.Next(name, value)) {
+    while (attributes.Next(name, value)) {
         if (SwallowsWhatFollows(value, end)) return tag.nameEnd;
-        behind = static_cast<std::size_t>((value.quoted ? walk.At() : value.end) - text);
+        after = static_cast<std::size_t>((value.quoted ? attributes.At() : value.end) - text);
     }
-    return behind;
+    return after;
 }
 
 AttributeChange WriteAttribute(const DocumentState& document, const TagSpan& tag,
                                std::wstring_view name, std::wstring_view encoded) {
     AttributeChange change;
     if (!ReplaceAttribute(document, tag, name, change)) {
-        change.offset = BehindLastToken(document, tag);
+        change.offset = AfterLastToken(document, tag);
         change.text.append(L" ").append(name).append(L"=");
     }
     change.text.append(L"\"").append(encoded).append(L"\"");
@@ -96,7 +96,7 @@ void ShiftForAttribute(DocumentState& document, std::int32_t position, std::int3
     if (IsCurrentNode(document, position)) {
         const auto offset = static_cast<std::size_t>(document.nodeOffset);
         document.nodeLength += delta;
-        AdjustBehind(document, document.parentPos, offset, delta);
+        AdjustAfter(document, document.parentPos, offset, delta);
         return;
     }
     ElementRecord& record = RecordAt(document, position);
@@ -115,7 +115,7 @@ bool SetAttribute(DocumentState& document, std::int32_t position, const wchar_t*
 
 bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
                    const wchar_t* value, std::uint32_t flags) {
-    if (name == nullptr || value == nullptr || !PositionsHold(document)) return false;
+    if (name == nullptr || value == nullptr || !PositionsAreValid(document)) return false;
     const std::wstring_view attribute(name, CallerNameLength(name));
     if (!IsWritableName(attribute)) return false;
     const std::optional<TagSpan> tag = TagAt(document, position);

@@ -58,7 +58,7 @@ bool WriteSingleTag(std::wstring_view name, std::uint32_t flags, NewElement& ele
 
 struct Place {
     std::int32_t parent = 0;
-    std::int32_t after = 0; // the sibling that it is linked behind; 0: it becomes the first child
+    std::int32_t after = 0; // the sibling that it is linked after; 0: it becomes the first child
     std::size_t offset = 0;
     std::size_t removed = 0;   // units at `offset` that it replaces
     bool opensParent = false;  // the parent is a single tag
@@ -115,7 +115,7 @@ void PlaceInParent(const DocumentState& document, std::uint32_t flags, Place& pl
 }
 
 // Behind the white space at `offset` when a tag or the end of the text follows it.
-std::size_t BehindSpace(const std::wstring& text, std::size_t offset) {
+std::size_t AfterSpace(const std::wstring& text, std::size_t offset) {
     std::size_t at = offset;
     while (at < text.size() && IsXmlSpace(text[at])) ++at;
     return at == text.size() || text[at] == L'<' ? at : offset;
@@ -141,7 +141,7 @@ bool FindPlace(const DocumentState& document, std::uint32_t flags, Place& place)
         PlaceInParent(document, flags, place);
     }
     if ((flags & (kAddNoLineEnds | kAddAtStart)) == 0 && !place.opensParent) {
-        place.offset = BehindSpace(document.text, place.offset);
+        place.offset = AfterSpace(document.text, place.offset);
     }
     return true;
 }
@@ -188,17 +188,17 @@ void LinkAsFirst(DocumentState& document, std::int32_t parent, std::int32_t posi
     RecordAt(document, parent).firstChild = index;
 }
 
-// The first child's `prev` stays on the last child.
-void LinkBehind(DocumentState& document, std::int32_t parent, std::int32_t after,
-                std::int32_t position) {
+void LinkAfter(DocumentState& document, std::int32_t parent, std::int32_t after,
+               std::int32_t position) {
     ElementRecord& record = RecordAt(document, position);
     const auto index = static_cast<std::uint32_t>(position);
     record.next = RecordAt(document, after).next;
     record.prev = static_cast<std::uint32_t>(after);
     RecordAt(document, after).next = index;
-    const std::uint32_t behind =
+    // Without a next sibling the new element is the last child, which the first child's `prev` is.
+    const std::uint32_t pointsBack =
         record.next != 0 ? record.next : RecordAt(document, parent).firstChild;
-    (*document.records)[behind].prev = index;
+    (*document.records)[pointsBack].prev = index;
 }
 
 void Link(DocumentState& document, const Place& place, std::int32_t position) {
@@ -208,7 +208,7 @@ void Link(DocumentState& document, const Place& place, std::int32_t position) {
     if (place.after == 0) {
         LinkAsFirst(document, place.parent, position);
     } else {
-        LinkBehind(document, place.parent, place.after, position);
+        LinkAfter(document, place.parent, place.after, position);
     }
 }
 
@@ -258,7 +258,7 @@ bool WriteElement(const wchar_t* name, const wchar_t* value, std::uint32_t flags
 
 bool AddElement(DocumentState& document, const wchar_t* name, const wchar_t* value,
                 std::uint32_t flags) {
-    if (document.Has(kDocStreams) || !PositionsHold(document)) return false;
+    if (document.Has(kDocStreams) || !PositionsAreValid(document)) return false;
     Place place;
     NewElement element;
     Insertion insertion;

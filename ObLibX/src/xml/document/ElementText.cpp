@@ -33,7 +33,7 @@ TagSpan SpanFrom(const std::wstring& text, std::size_t start, std::size_t name, 
 struct NodeMarks {
     std::int32_t type;
     std::size_t before;
-    std::size_t behind;
+    std::size_t after;
 };
 constexpr NodeMarks kNodeMarks[] = {
     {kNodeComment, 4, 3},     // <!-- -->
@@ -46,8 +46,8 @@ constexpr NodeMarks kNodeMarks[] = {
 std::wstring_view Inside(std::wstring_view node, std::int32_t type) {
     for (const NodeMarks& marks : kNodeMarks) {
         if (marks.type != type) continue;
-        if (node.size() < marks.before + marks.behind) return {};
-        return node.substr(marks.before, node.size() - marks.before - marks.behind);
+        if (node.size() < marks.before + marks.after) return {};
+        return node.substr(marks.before, node.size() - marks.before - marks.after);
     }
     return node;
 }
@@ -81,7 +81,7 @@ std::wstring_view NodeName(const DocumentState& document) {
     case kNodeLoneEndTag:
         return NameToken(Inside(node, document.nodeType));
     case kNodeDocType:
-        return node.size() < 2 ? node.substr(0, 0) : NameToken(node.substr(2), 1); // behind "<!"
+        return node.size() < 2 ? node.substr(0, 0) : NameToken(node.substr(2), 1); // after "<!"
     default:
         return {};
     }
@@ -129,7 +129,7 @@ bool IsElement(const DocumentState& document, std::int32_t position) {
            !(*document.records)[position].Has(kRecordFree);
 }
 
-bool PositionsHold(const DocumentState& document) {
+bool PositionsAreValid(const DocumentState& document) {
     return IsElementOrNone(document, document.parentPos) &&
            IsElementOrNone(document, document.currentPos) &&
            IsElementOrNone(document, document.childPos) && document.records->Size() != 0;
@@ -170,7 +170,7 @@ std::optional<TagSpan> TagAt(const DocumentState& document, std::int32_t positio
                : SpanFrom(document.text, tag->start, tag->nameFrom, tag->end, EndsTagName);
 }
 
-TagScanner ScannerBehindName(const DocumentState& document, const TagSpan& tag) {
+TagScanner ScannerAfterName(const DocumentState& document, const TagSpan& tag) {
     TagScanner scanner(document.text.data(), tag.end, document.docFlags);
     scanner.cursor = static_cast<std::int32_t>(tag.nameEnd);
     return scanner;
@@ -186,7 +186,7 @@ std::wstring GetAttribute(const DocumentState& document, std::int32_t position,
                           const wchar_t* name) {
     const std::optional<TagSpan> tag = TagAt(document, position);
     if (!tag || name == nullptr) return {};
-    TagScanner scanner = ScannerBehindName(document, *tag);
+    TagScanner scanner = ScannerAfterName(document, *tag);
     if (!scanner.FindAttribute(name, CallerNameLength(name))) return {};
     return DecodeText({scanner.Token(), static_cast<std::size_t>(scanner.TokenLength())},
                       document.docFlags);
@@ -195,7 +195,7 @@ std::wstring GetAttribute(const DocumentState& document, std::int32_t position,
 std::wstring GetAttributeNameAt(const DocumentState& document, std::int32_t index) {
     const std::optional<TagSpan> tag = TagAt(document, document.currentPos);
     if (!tag || index < 0) return {};
-    TagScanner scanner = ScannerBehindName(document, *tag);
+    TagScanner scanner = ScannerAfterName(document, *tag);
     if (!scanner.FindAttributeAt(index)) return {};
     return std::wstring(scanner.Token(), static_cast<std::size_t>(scanner.TokenLength()));
 }

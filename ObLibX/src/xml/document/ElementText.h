@@ -24,7 +24,7 @@ struct TagSpan {
 bool IsElement(const DocumentState& document, std::int32_t position);
 
 // Whether the three positions are elements or 0. A client can set them to anything.
-bool PositionsHold(const DocumentState& document);
+bool PositionsAreValid(const DocumentState& document);
 
 // Whether `position` stands for the current node: on a node the current position does.
 bool IsCurrentNode(const DocumentState& document, std::int32_t position);
@@ -45,7 +45,7 @@ std::optional<TagBounds> TagBoundsAt(const DocumentState& document, std::int32_t
 std::optional<TagSpan> TagAt(const DocumentState& document, std::int32_t position);
 
 // A scanner that stands behind the tag's name and sees nothing behind the tag.
-TagScanner ScannerBehindName(const DocumentState& document, const TagSpan& tag);
+TagScanner ScannerAfterName(const DocumentState& document, const TagSpan& tag);
 
 // ---- Names, attributes and data as clients get them.
 //

@@ -67,13 +67,13 @@ std::int32_t ResolveSteps(const DocumentState& document, const XmlPath& path,
 }
 
 // Where a search stands: `top` is the element that a search below doesn't leave, 0 for none.
-struct SearchPlace {
+struct SearchStart {
     std::int32_t parent;
     std::int32_t current;
     std::int32_t top;
 };
 
-std::int32_t Resolve(const DocumentState& document, const XmlPath& path, const SearchPlace& place) {
+std::int32_t Resolve(const DocumentState& document, const XmlPath& path, const SearchStart& place) {
     const std::int32_t level = place.current != 0 ? NextSibling(document, place.current)
                                                   : FirstChild(document, place.parent);
     if (path.IsBad()) return 0;
@@ -95,8 +95,8 @@ std::int32_t Resolve(const DocumentState& document, const XmlPath& path, const S
 } // namespace
 
 bool FindElement(DocumentState& document, const wchar_t* path) {
-    if (document.Has(kDocStreams) || !PositionsHold(document)) return false;
-    const SearchPlace place{document.parentPos, document.currentPos, 0};
+    if (document.Has(kDocStreams) || !PositionsAreValid(document)) return false;
+    const SearchStart place{document.parentPos, document.currentPos, 0};
     const std::int32_t found = Resolve(document, XmlPath(path), place);
     if (found == 0) return false;
     SetPosition(document, ParentOf(document, found), found, 0);
@@ -104,10 +104,10 @@ bool FindElement(DocumentState& document, const wchar_t* path) {
 }
 
 bool FindChildElement(DocumentState& document, const wchar_t* path) {
-    if (document.Has(kDocStreams) || !PositionsHold(document)) return false;
+    if (document.Has(kDocStreams) || !PositionsAreValid(document)) return false;
     const XmlPath steps(path);
     if (document.currentPos == 0 && !FindElement(document, nullptr)) return false;
-    const SearchPlace place{document.currentPos, document.childPos, document.currentPos};
+    const SearchStart place{document.currentPos, document.childPos, document.currentPos};
     const std::int32_t found = Resolve(document, steps, place);
     if (found == 0) return false;
     const std::int32_t parent = ParentOf(document, found);
@@ -116,14 +116,14 @@ bool FindChildElement(DocumentState& document, const wchar_t* path) {
 }
 
 bool IntoElement(DocumentState& document) {
-    if (document.Has(kDocStreams) || !PositionsHold(document)) return false;
+    if (document.Has(kDocStreams) || !PositionsAreValid(document)) return false;
     if (document.nodeLength != 0 || document.currentPos == 0) return false;
     SetPosition(document, document.currentPos, document.childPos, 0);
     return true;
 }
 
 bool OutOfElement(DocumentState& document) {
-    if (!PositionsHold(document) || document.parentPos == 0) return false;
+    if (!PositionsAreValid(document) || document.parentPos == 0) return false;
     SetPosition(document, ParentOf(document, document.parentPos), document.parentPos,
                 document.currentPos);
     return true;

@@ -67,8 +67,8 @@ void Adjust(DocumentState& document, std::int32_t position, std::int32_t delta,
     }
 }
 
-void AdjustBehind(DocumentState& document, std::int32_t parent, std::size_t offset,
-                  std::int32_t delta) {
+void AdjustAfter(DocumentState& document, std::int32_t parent, std::size_t offset,
+                 std::int32_t delta) {
     const std::int32_t before = LastChildBefore(document, parent, offset);
     if (before != 0) return Adjust(document, before, delta, true);
     const auto first = static_cast<std::int32_t>(RecordAt(document, parent).firstChild);

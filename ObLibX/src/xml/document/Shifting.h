@@ -45,7 +45,7 @@ void Adjust(DocumentState& document, std::int32_t position, std::int32_t delta,
 
 // Shifts what lies behind a change at `offset` in the content of `parent`, and grows what contains
 // it, `parent` too.
-void AdjustBehind(DocumentState& document, std::int32_t parent, std::size_t offset,
-                  std::int32_t delta);
+void AdjustAfter(DocumentState& document, std::int32_t parent, std::size_t offset,
+                 std::int32_t delta);
 
 } // namespace ObLibX

@@ -107,7 +107,7 @@ bool HasChildNamed(const DocumentState& document, std::int32_t position, std::ws
 
 bool FindAttributeOf(const DocumentState& document, std::int32_t position, std::wstring_view name,
                      TagScanner& scanner) {
-    scanner = ScannerBehindName(document, *TagAt(document, position));
+    scanner = ScannerAfterName(document, *TagAt(document, position));
     return scanner.FindAttribute(name.data(), name.size());
 }
 

@@ -52,10 +52,10 @@ public:
     // a part of the text and nothing more is written.
     struct OpenElement {
         bool hasStartTag; // false: still the single tag as which it was added
-        bool lineEndBehind;
+        bool lineEndAfter;
     };
     std::vector<OpenElement> entered;
-    bool lineEndBehind = false;
+    bool lineEndAfter = false;
     bool writeFailed = false;
     bool conversionLoss = false; // some character of all that was written had no equivalent
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "ObLibX/src/xml/names/XmlCharacters.h"
-#include "ObLibX/src/xml/scan/AttributeWalk.h"
+#include "ObLibX/src/xml/scan/AttributeIterator.h"
 #include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/TextCoding.h"
 
@@ -38,11 +38,11 @@ std::wstring Decimal(std::int32_t number) {
 bool FindValue(const std::wstring& element, std::wstring_view name, std::size_t& start,
                std::size_t& end) {
     const wchar_t* const text = element.data();
-    AttributeWalk walk(text, text + 1, text + element.size());
-    walk.Name(); // the element's own
+    AttributeIterator attributes(text, text + 1, text + element.size());
+    attributes.Name(); // the element's own
     UnitSpan found;
     UnitSpan value;
-    while (walk.Next(found, value)) {
+    while (attributes.Next(found, value)) {
         if (std::wstring_view(found.start, static_cast<std::size_t>(found.end - found.start)) ==
             name) {
             start = static_cast<std::size_t>(value.start - text);

@@ -102,7 +102,7 @@ void NodeRules::Run() {
             break;
         }
         ++scanner_.cursor;
-        if (verdict == Verdict::EndBehind) {
+        if (verdict == Verdict::EndAfter) {
             break;
         }
         lastButOne_ = last_;
@@ -271,7 +271,7 @@ NodeRules::Verdict NodeRules::WithoutTerminator(wchar_t unit) {
         states_ |= kAfterLess;
     } else if (unit == L'>') {
         type_ = kNodeDocType;
-        return Verdict::EndBehind;
+        return Verdict::EndAfter;
     }
     return Verdict::GoOn;
 }
@@ -304,7 +304,7 @@ NodeRules::Verdict NodeRules::AtGreater() {
     if (type_ == kNodeElement && SlashEndsTag()) {
         scan_.flags |= kScanEmptyTag;
     }
-    return Verdict::EndBehind;
+    return Verdict::EndAfter;
 }
 
 bool NodeRules::PrecededByTerminator() const {

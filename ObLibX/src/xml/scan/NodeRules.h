@@ -19,7 +19,7 @@ public:
 
 private:
     // What a character does to the node.
-    enum class Verdict { GoOn, EndBefore, EndBehind };
+    enum class Verdict { GoOn, EndBefore, EndAfter };
 
     Verdict Apply(wchar_t unit);
     void AtStart(wchar_t unit);

@@ -9,7 +9,7 @@ namespace {
 
 // A node as it is found: behind its last unit, and the token in it.
 struct Found {
-    const wchar_t* behind = nullptr; // null: left to the rules
+    const wchar_t* after = nullptr; // null: left to the rules
     std::int32_t type = 0;
     std::uint32_t flags = 0;
     const wchar_t* name = nullptr; // null: this kind of node has none
@@ -30,12 +30,12 @@ Found QuickText(const wchar_t* start, const wchar_t* end, bool last) {
         type = kNodeText;
         at = FindUnit(at, end, EqualTo{L'<'});
     }
-    return at != end || last ? Found{.behind = at, .type = type} : kLeftToRules;
+    return at != end || last ? Found{.after = at, .type = type} : kLeftToRules;
 }
 
 // From the unit behind '=' to behind the value; at the '>' of the tag it stays, and tells whether
 // an unquoted value ends there. Null at the end of the buffer.
-const wchar_t* BehindValue(const wchar_t* at, const wchar_t* end, bool& unquoted) {
+const wchar_t* AfterValue(const wchar_t* at, const wchar_t* end, bool& unquoted) {
     while (at != end && (IsXmlSpace(*at) || (*at == L'=' && at[-1] != L'='))) {
         ++at;
     }
@@ -73,12 +73,12 @@ Found QuickStartTag(const wchar_t* start, const wchar_t* end) {
         if (*at == L'>') {
             break;
         }
-        at = BehindValue(at + 1, end, unquoted);
+        at = AfterValue(at + 1, end, unquoted);
         if (at == nullptr) {
             return kLeftToRules;
         }
     }
-    return {.behind = at + 1,
+    return {.after = at + 1,
             .type = kNodeElement,
             .flags = SlashEndsTag(at, unquoted) ? kScanEmptyTag : 0,
             .name = start + 1,
@@ -91,11 +91,11 @@ Found QuickEndTag(const wchar_t* start, const wchar_t* end) {
     if (at == end) {
         return kLeftToRules;
     }
-    return {.behind = at + 1, .type = kNodeEndTag, .name = start + 2, .nameEnd = nameEnd};
+    return {.after = at + 1, .type = kNodeEndTag, .name = start + 2, .nameEnd = nameEnd};
 }
 
 // Behind the first '>' from `at` on that two such units precede; null at the end of the buffer.
-const wchar_t* BehindTwoAndGreater(const wchar_t* at, const wchar_t* end, wchar_t before) {
+const wchar_t* AfterTwoAndGreater(const wchar_t* at, const wchar_t* end, wchar_t before) {
     for (;; ++at) {
         at = FindUnit(at, end, EqualTo{L'>'});
         if (at == end) {
@@ -119,7 +119,7 @@ Found QuickInstruction(const wchar_t* start, const wchar_t* end) {
         }
         if (at[-1] == L'?') {
             return {
-                .behind = at + 1, .type = kNodeInstruction, .name = start + 2, .nameEnd = nameEnd};
+                .after = at + 1, .type = kNodeInstruction, .name = start + 2, .nameEnd = nameEnd};
         }
     }
 }
@@ -130,10 +130,10 @@ Found QuickExclamation(const wchar_t* start, const wchar_t* end) {
         return kLeftToRules;
     }
     if (start[2] == L'-' && start[3] == L'-') {
-        return {.behind = BehindTwoAndGreater(start + 4, end, L'-'), .type = kNodeComment};
+        return {.after = AfterTwoAndGreater(start + 4, end, L'-'), .type = kNodeComment};
     }
     if (start[2] == L'[' && start[3] == L'C') {
-        return {.behind = BehindTwoAndGreater(start + 4, end, L']'), .type = kNodeCdata};
+        return {.after = AfterTwoAndGreater(start + 4, end, L']'), .type = kNodeCdata};
     }
     return kLeftToRules;
 }
@@ -165,12 +165,12 @@ bool QuickNode(ScannerState& scanner, NodeScan& scan) {
     }
     const Found found =
         *start == L'<' ? QuickTag(start, end) : QuickText(start, end, scanner.channel == nullptr);
-    if (found.behind == nullptr) {
+    if (found.after == nullptr) {
         return false;
     }
     scan.type = found.type;
     scan.start = scanner.cursor;
-    scan.length = static_cast<std::int32_t>(found.behind - start);
+    scan.length = static_cast<std::int32_t>(found.after - start);
     scan.flags = found.flags;
     scanner.cursor += scan.length;
     if (found.name != nullptr) {

@@ -1,7 +1,7 @@
 #include "ObLibX/src/xml/scan/TagScanner.h"
 
 #include "ObLibX/src/xml/names/XmlCharacters.h"
-#include "ObLibX/src/xml/scan/AttributeWalk.h"
+#include "ObLibX/src/xml/scan/AttributeIterator.h"
 #include "ObLibX/src/xml/scan/DocumentConstants.h"
 #include "ObLibX/src/xml/scan/NodeRules.h"
 #include "ObLibX/src/xml/scan/QuickScan.h"
@@ -9,7 +9,7 @@
 namespace ObLibX {
 namespace {
 
-AttributeWalk WalkFrom(const TagScanner& scanner) {
+AttributeIterator AttributesFrom(const TagScanner& scanner) {
     const wchar_t* const text = scanner.textPointer;
     return {text, text + scanner.cursor, text + scanner.textLength};
 }
@@ -44,18 +44,18 @@ bool TagScanner::NextName() {
 }
 
 bool TagScanner::NextAttributeName() {
-    AttributeWalk walk = WalkFrom(*this);
-    const UnitSpan name = walk.Name();
+    AttributeIterator attributes = AttributesFrom(*this);
+    const UnitSpan name = attributes.Name();
     SetToken(*this, name);
-    SetCursor(*this, walk.At());
+    SetCursor(*this, attributes.At());
     return name.start != name.end;
 }
 
 bool TagScanner::NextValue() {
-    AttributeWalk walk = WalkFrom(*this);
-    const UnitSpan value = walk.Value();
+    AttributeIterator attributes = AttributesFrom(*this);
+    const UnitSpan value = attributes.Value();
     SetToken(*this, value);
-    SetCursor(*this, walk.At());
+    SetCursor(*this, attributes.At());
     return value.quoted || value.start != value.end;
 }
 
@@ -66,33 +66,33 @@ bool TagScanner::TokenIs(const wchar_t* name, std::size_t length) const {
 
 bool TagScanner::FindAttribute(const wchar_t* name, std::size_t length) {
     const bool ignoresCase = (tokenFlags & kDocIgnoreCase) != 0;
-    AttributeWalk walk = WalkFrom(*this);
+    AttributeIterator attributes = AttributesFrom(*this);
     UnitSpan found;
     UnitSpan value;
-    while (walk.Next(found, value)) {
+    while (attributes.Next(found, value)) {
         if (static_cast<std::size_t>(found.end - found.start) == length &&
             SameName(found.start, name, length, ignoresCase)) {
             SetToken(*this, value);
-            SetCursor(*this, walk.At());
+            SetCursor(*this, attributes.At());
             return true;
         }
     }
-    SetCursor(*this, walk.At());
+    SetCursor(*this, attributes.At());
     return false;
 }
 
 bool TagScanner::FindAttributeAt(std::int32_t index) {
-    AttributeWalk walk = WalkFrom(*this);
+    AttributeIterator attributes = AttributesFrom(*this);
     UnitSpan name;
     UnitSpan value;
-    for (; walk.Next(name, value); --index) {
+    for (; attributes.Next(name, value); --index) {
         if (index == 0) {
             SetToken(*this, name);
             SetCursor(*this, name.end);
             return true;
         }
     }
-    SetCursor(*this, walk.At());
+    SetCursor(*this, attributes.At());
     return false;
 }
 

@@ -21,11 +21,11 @@ struct Reference {
 };
 
 // False when no ; comes within the first nine units, or something that isn't ASCII before it.
-bool CollectReference(std::wstring_view behind, Reference& reference) {
-    for (std::size_t i = 0; i < behind.size() && i < kLongestReference; ++i) {
-        if (behind[i] == L';') return true;
-        if (behind[i] >= 128) return false;
-        reference.units[reference.length++] = FoldAscii(behind[i]);
+bool CollectReference(std::wstring_view after, Reference& reference) {
+    for (std::size_t i = 0; i < after.size() && i < kLongestReference; ++i) {
+        if (after[i] == L';') return true;
+        if (after[i] >= 128) return false;
+        reference.units[reference.length++] = FoldAscii(after[i]);
     }
     return false;
 }

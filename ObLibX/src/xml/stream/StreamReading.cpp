@@ -65,7 +65,7 @@ public:
     StreamSearch(DocumentState& document, const XmlPath& path)
         : document_(document), channel_(*document.channel), tags_(channel_.openTags), path_(path),
           entered_(static_cast<std::uint32_t>(document.parentPos)),
-          behindOther_(document.currentPos != 0 || document.nodeLength != 0),
+          afterOther_(document.currentPos != 0 || document.nodeLength != 0),
           bounded_(path.Type() == PathType::Any || path.Type() == PathType::Relative) {}
 
     bool Run();
@@ -92,7 +92,7 @@ private:
     StreamTagStack& tags_;
     const XmlPath& path_;
     const std::uint32_t entered_; // the level of the parent
-    const bool behindOther_;      // the search goes on behind an element or a node
+    const bool afterOther_;       // the search goes on behind an element or a node
     const bool bounded_;          // by the parent's end tag
     std::uint32_t base_ = 0;      // the depth below which the path's first step is looked for
     std::size_t matched_ = 0;     // steps that the open elements from there on meet
@@ -132,9 +132,9 @@ void StreamSearch::KeepOpenParent() {
 void StreamSearch::Begin() {
     if (path_.Type() == PathType::Relative) {
         base_ = entered_;
-        if (behindOther_) passed_ = CountAt(base_, path_[0].name);
+        if (afterOther_) passed_ = CountAt(base_, path_[0].name);
     }
-    const bool below = path_.Type() == PathType::Relative && !behindOther_;
+    const bool below = path_.Type() == PathType::Relative && !afterOther_;
     if (path_.Type() != PathType::Absolute && !below) return;
     for (std::uint32_t depth = base_ + 1; depth <= tags_.Depth(); ++depth, ++matched_) {
         if (matched_ + 1 >= path_.StepCount() || !OpenTagMeets(depth, path_[matched_])) return;
@@ -302,7 +302,7 @@ bool ReadToEndTag(DocumentState& document, std::uint32_t level) {
 }
 
 // Whether what follows the element's start tag hasn't been read yet.
-bool StandsBehindStartTag(const DocumentState& document, std::uint32_t level) {
+bool IsAfterStartTag(const DocumentState& document, std::uint32_t level) {
     const TextFileChannel& channel = *document.channel;
     return channel.cursor != TextFileChannel::kPlaceLost && level == channel.openTags.Depth() &&
            (*document.records)[level].StartTagLength() != 0;
@@ -312,12 +312,12 @@ bool StandsBehindStartTag(const DocumentState& document, std::uint32_t level) {
 
 bool FindElementInStream(DocumentState& document, const wchar_t* path) {
     const XmlPath steps(path);
-    if (!PositionsHold(document) || steps.IsBad() || steps.HasChildTest()) return false;
+    if (!PositionsAreValid(document) || steps.IsBad() || steps.HasChildTest()) return false;
     return StreamSearch(document, steps).Run();
 }
 
 bool IntoElementInStream(DocumentState& document) {
-    if (!PositionsHold(document) || document.nodeLength != 0 || document.currentPos == 0)
+    if (!PositionsAreValid(document) || document.nodeLength != 0 || document.currentPos == 0)
         return false;
     const auto level = static_cast<std::uint32_t>(document.currentPos);
     const bool open = RecordOf(document, level).EndTagLength() == kStillOpen;
@@ -327,7 +327,7 @@ bool IntoElementInStream(DocumentState& document) {
 }
 
 bool OutOfElementInStream(DocumentState& document) {
-    if (!PositionsHold(document) || document.parentPos == 0) return false;
+    if (!PositionsAreValid(document) || document.parentPos == 0) return false;
     SetPosition(document, document.parentPos - 1, document.parentPos, document.currentPos);
     return true;
 }
@@ -346,7 +346,7 @@ std::wstring GetDataInStream(DocumentState& document, std::int32_t position) {
     }
     const auto level = static_cast<std::uint32_t>(position);
     if (RecordOf(document, level).EndTagLength() == kStillOpen &&
-        !(StandsBehindStartTag(document, level) && ReadToEndTag(document, level))) {
+        !(IsAfterStartTag(document, level) && ReadToEndTag(document, level))) {
         return {};
     }
     return GetData(document, position);

@@ -17,9 +17,9 @@ ElementRecord& RecordOf(DocumentState& document, std::int32_t position) {
 }
 
 // Whether the position is the one at which the stream writes.
-bool StandsAtEnd(const DocumentState& document) {
+bool IsAtEnd(const DocumentState& document) {
     const auto depth = static_cast<std::int32_t>(document.channel->openTags.Depth());
-    return PositionsHold(document) && document.parentPos == depth &&
+    return PositionsAreValid(document) && document.parentPos == depth &&
            (document.currentPos == 0 || document.currentPos == depth + 1);
 }
 
@@ -31,8 +31,8 @@ bool IsSingleTag(const DocumentState& document) {
 }
 
 // Units behind the current element: its line end or nothing.
-std::size_t LineEndBehind(const DocumentState& document) {
-    return document.channel->lineEndBehind ? kLineEnd.size() : 0;
+std::size_t LineEndAfter(const DocumentState& document) {
+    return document.channel->lineEndAfter ? kLineEnd.size() : 0;
 }
 
 // Sends the first `length` units of the text to the file. A failed write isn't tried again, as
@@ -57,7 +57,7 @@ bool SendWhatIsFinished(DocumentState& document) {
     ElementRecord& current = RecordOf(document, document.currentPos);
     const bool complete = current.StartTagLength() == 0;
     const std::size_t finished =
-        complete ? document.text.size() - LineEndBehind(document) : current.start;
+        complete ? document.text.size() - LineEndAfter(document) : current.start;
     if (document.text.size() <= blockSize || finished == 0) return true;
     if (!Send(document, finished, false)) return false;
     current.start = 0;
@@ -75,7 +75,7 @@ void OpenParent(DocumentState& document, bool lineEnds) {
     }
     if (lineEnds) document.text += kLineEnd;
     open.hasStartTag = true;
-    document.channel->lineEndBehind = false;
+    document.channel->lineEndAfter = false;
     BlankStreamRecord(document, static_cast<std::uint32_t>(document.parentPos));
 }
 
@@ -87,11 +87,11 @@ bool CanBeEnded(const DocumentState& document) {
 
 // Text behind the current element, which gets a line end of its own.
 void Append(DocumentState& document, std::wstring_view text, bool lineEnd) {
-    const std::size_t offset = document.text.size() - (lineEnd ? 0 : LineEndBehind(document));
+    const std::size_t offset = document.text.size() - (lineEnd ? 0 : LineEndAfter(document));
     document.text.insert(offset, text);
     if (lineEnd) {
         document.text += kLineEnd;
-        document.channel->lineEndBehind = true;
+        document.channel->lineEndAfter = true;
     }
 }
 
@@ -101,7 +101,7 @@ bool AddElementToStream(DocumentState& document, const wchar_t* name, const wcha
                         std::uint32_t flags) {
     NewElement element;
     TextFileChannel& channel = *document.channel;
-    if (channel.writeFailed || !StandsAtEnd(document) || (flags & kAddAsChild) != 0 ||
+    if (channel.writeFailed || !IsAtEnd(document) || (flags & kAddAsChild) != 0 ||
         !CanBeEnded(document) || !WriteElement(name, value, flags, element) ||
         !TextStaysInBounds(document, 0, element.text.size() + 3 * kLineEnd.size())) {
         return false;
@@ -113,7 +113,7 @@ bool AddElementToStream(DocumentState& document, const wchar_t* name, const wcha
     if (document.parentPos != 0 && !channel.entered.back().hasStartTag) {
         OpenParent(document, lineEnds);
     }
-    const std::size_t start = document.text.size() - (lineEnds ? 0 : LineEndBehind(document));
+    const std::size_t start = document.text.size() - (lineEnds ? 0 : LineEndAfter(document));
     Append(document, element.text, lineEnds);
     element.FillRecord(record, start);
     record.SetLevel(level);
@@ -124,8 +124,8 @@ bool AddElementToStream(DocumentState& document, const wchar_t* name, const wcha
 
 bool SetAttributeInStream(DocumentState& document, std::int32_t position, const wchar_t* name,
                           const wchar_t* value, std::uint32_t flags) {
-    const bool current = StandsAtEnd(document) && position == document.currentPos &&
-                         position != 0 && RecordOf(document, position).StartTagLength() != 0;
+    const bool current = IsAtEnd(document) && position == document.currentPos && position != 0 &&
+                         RecordOf(document, position).StartTagLength() != 0;
     if (!current || !EditAttribute(document, position, name, value, flags)) return false;
     // The edit grew what is around the element, which has no length here.
     BlankStreamRecord(document, static_cast<std::uint32_t>(document.parentPos));
@@ -133,30 +133,30 @@ bool SetAttributeInStream(DocumentState& document, std::int32_t position, const 
 }
 
 bool IntoElementInWriting(DocumentState& document) {
-    if (!StandsAtEnd(document) || document.currentPos == 0 || !IsSingleTag(document)) return false;
+    if (!IsAtEnd(document) || document.currentPos == 0 || !IsSingleTag(document)) return false;
     TextFileChannel& channel = *document.channel;
     if (channel.entered.size() == channel.entered.capacity()) {
         channel.entered.reserve(2 * channel.entered.size() + 1);
     }
     channel.openTags.Push(ElementName(document, document.currentPos));
-    channel.entered.push_back({false, channel.lineEndBehind});
+    channel.entered.push_back({false, channel.lineEndAfter});
     SetPosition(document, document.currentPos, 0, 0);
     return true;
 }
 
 bool OutOfElementInWriting(DocumentState& document) {
-    if (!StandsAtEnd(document) || document.parentPos == 0) return false;
+    if (!IsAtEnd(document) || document.parentPos == 0) return false;
     TextFileChannel& channel = *document.channel;
     const TextFileChannel::OpenElement open = channel.entered.back();
     if (open.hasStartTag) {
         std::wstring endTag(L"</");
         endTag.append(channel.openTags.NameAt(channel.openTags.Depth())).append(L">");
-        if (open.lineEndBehind) endTag += kLineEnd;
+        if (open.lineEndAfter) endTag += kLineEnd;
         document.text += endTag;
     }
     channel.openTags.Pop();
     channel.entered.pop_back();
-    channel.lineEndBehind = open.lineEndBehind;
+    channel.lineEndAfter = open.lineEndAfter;
     const std::int32_t child = document.parentPos + 1;
     if (child < document.nextFreePos) {
         BlankStreamRecord(document, static_cast<std::uint32_t>(child));

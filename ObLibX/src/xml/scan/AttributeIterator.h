@@ -22,9 +22,9 @@ inline const wchar_t* SkipSpace(const wchar_t* at, const wchar_t* end) {
 
 // What the attributes of a tag, or the tokens in it, are read by: from `at` up to `end`, in a text
 // that begins at `begin`. Allocates nothing.
-class AttributeWalk {
+class AttributeIterator {
 public:
-    AttributeWalk(const wchar_t* begin, const wchar_t* at, const wchar_t* end)
+    AttributeIterator(const wchar_t* begin, const wchar_t* at, const wchar_t* end)
         : begin_(begin), at_(at), end_(end) {}
 
     const wchar_t* At() const { return at_; }
