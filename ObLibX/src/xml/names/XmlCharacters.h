@@ -1,4 +1,4 @@
-// Which characters end what, and how names compare.
+// Which characters begin and end the tokens of a text, and how names compare.
 #pragma once
 
 #include <cstddef>
@@ -11,17 +11,17 @@ namespace ObLibX {
 constexpr bool IsXmlSpace(wchar_t unit) {
     return unit == L' ' || unit == L'\t' || unit == L'\n' || unit == L'\r';
 }
-// What a tag name in a scan may begin with: neither digits nor low punctuation.
+// The first character of a tag name in a scan: no digit and no low punctuation.
 constexpr bool StartsTagName(wchar_t unit) {
     return unit > L'9' && unit != L';' && unit != L'<' && unit != L'=' && unit != L'>' &&
            unit != L'?' && unit != L'@' && unit != L'[' && unit != L'\\' && unit != L']' &&
            unit != L'^' && unit != L'`';
 }
-// A tag name in a scan.
+// The end of a tag name in a scan.
 constexpr bool EndsTagName(wchar_t unit) {
     return IsXmlSpace(unit) || unit == L'/' || unit == L'>';
 }
-// A name token: also a keyword, a charset, a processing instruction's target.
+// The end of a name token, which is also a keyword, a charset or a processing instruction's target.
 constexpr bool EndsName(wchar_t unit) {
     return IsXmlSpace(unit) || unit == L'!' || unit == L'"' || unit == L'\'' || unit == L'/' ||
            unit == L';' || unit == L'<' || unit == L'=' || unit == L'>' || unit == L'?' ||
@@ -31,12 +31,13 @@ constexpr bool EndsAttributeName(wchar_t unit) {
     return IsXmlSpace(unit) || unit == L'/' || unit == L'=' || unit == L'>' || unit == L'?';
 }
 constexpr bool EndsUnquotedValue(wchar_t unit) { return IsXmlSpace(unit) || unit == L'>'; }
-// A name given by the caller, so that a step of a path is compared where it stands.
+// The end of a name that a caller gives. A step of a path is thus compared in place, without a
+// copy.
 constexpr bool EndsCallerName(wchar_t unit) {
     return unit == L'\0' || unit == L' ' || unit == L'/' || unit == L'=' || unit == L'[' ||
            unit == L']';
 }
-// Units of a name that a caller gives, up to where it ends.
+// The length of a name that a caller gives.
 constexpr std::size_t CallerNameLength(const wchar_t* name) {
     std::size_t length = 0;
     while (!EndsCallerName(name[length])) {

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Packs the readable name lists beside this file into the bucket tables of NameTableData.h.
+"""Packs the readable name lists beside this file into the bucket tables of NameTables.h.
 
     pack_names.py OUT.cpp
 
-Each table is an array of bucket pointers, each bucket one text whose rows stand directly behind
-each other. The bucket of a name is the sum of its units modulo the number of buckets. Rows keep
+Each table is an array of bucket pointers. Each bucket is one text in which each row follows the
+one before directly. The bucket of a name is the sum of its units modulo the number of buckets. Rows keep
 the order of the lists, so the same lists always give the same source.
 """
 

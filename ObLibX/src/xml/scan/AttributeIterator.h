@@ -1,4 +1,4 @@
-// Walks over the attributes of a tag. For TagScanner.
+// Reads the attributes of a tag one after the other, in place.
 #pragma once
 
 #include "ObLibX/src/xml/names/XmlCharacters.h"
@@ -20,8 +20,8 @@ inline const wchar_t* SkipSpace(const wchar_t* at, const wchar_t* end) {
     return at;
 }
 
-// What the attributes of a tag, or the tokens in it, are read by: from `at` up to `end`, in a text
-// that begins at `begin`. Allocates nothing.
+// Reads the attributes of a tag, or single tokens of it, from `at` up to `end`. `begin` is where
+// the text begins that contains both. Allocates nothing.
 class AttributeIterator {
 public:
     AttributeIterator(const wchar_t* begin, const wchar_t* at, const wchar_t* end)
@@ -29,8 +29,8 @@ public:
 
     const wchar_t* At() const { return at_; }
 
-    // The next attribute: its name, and its value, which is the name when there is no '='. Values
-    // without a name are passed over with what else is no name. False at the '>' of the tag and at
+    // The next attribute: its name, and its value, which is the name when there is no '='. What is
+    // no attribute, such as a value without a name, is skipped. False at the '>' of the tag and at
     // the end.
     bool Next(UnitSpan& name, UnitSpan& value) {
         for (;;) {
@@ -58,7 +58,7 @@ public:
         return {start, at_};
     }
 
-    // The value behind '=', on or behind which the walk stands.
+    // The value after '='. The place is on that '=' or after it.
     UnitSpan Value() {
         SkipEquals();
         if (at_ != end_ && (*at_ == L'"' || *at_ == L'\'')) {

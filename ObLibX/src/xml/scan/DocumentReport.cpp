@@ -32,9 +32,9 @@ std::wstring Decimal(std::int32_t number) {
     return std::wstring(digits, end.ptr);
 }
 
-// Where the value of the element's attribute is, without the quotes. False when the element hasn't
-// got it; the place is then the one of a new attribute, after the last. `element` is a whole one,
-// <name a="v"/>.
+// Where the value of an attribute is in `element`, which is <name a="v"/>, without the quotes.
+// False when the element doesn't have the attribute; the place is then that of a new one, after the
+// last.
 bool FindValue(const std::wstring& element, std::wstring_view name, std::size_t& start,
                std::size_t& end) {
     const wchar_t* const text = element.data();

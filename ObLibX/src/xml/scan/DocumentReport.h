@@ -18,21 +18,22 @@ inline constexpr std::uint32_t kReportUpdate =
     0x20; // no new element: the last one of that name changes
 inline constexpr std::uint32_t kReportMsg = 0x40;
 
-// At this many units a report takes no more: a very broken document stays cheap.
+// A report that has this many units takes no more, so that a very broken document stays cheap.
 inline constexpr std::size_t kReportLimit = 1000;
 
-// Appends <name .../> to `report`, unless it holds kReportLimit units or more already; that is
-// asked before, so the last one may go over. `value` null: no attribute from it. `number` and
-// `number2` -1: none. Throws std::bad_alloc and leaves `report` as it was.
+// Appends <name .../> to `report` as long as `report` has fewer than kReportLimit units; the length
+// is checked before, so the last element may pass the limit. A null `value`, and a `number` or
+// `number2` of -1, give no attribute. An attribute that would make its tag longer than
+// kLongestStartTag is left out. Throws std::bad_alloc and leaves `report` as it was.
 void Report(std::wstring& report, const wchar_t* name, const wchar_t* value, std::uint32_t flags,
             std::int32_t number = -1, std::int32_t number2 = -1);
 
 // ---- The words in which a client shows the reports to people
 
-// `text` takes by %s the report's tagname and by each %d its offset and offset2, in this order; it
-// is the client that puts them in. The ids are those of the client's string table.
+// In `text`, %s is for the report's tagname, the first %d for its offset and the second for its
+// offset2; the client formats it. The ids are those of the client's string table.
 struct ReportText {
-    std::wstring_view element; // name of the report's element; empty: a text that was empty
+    std::wstring_view element; // name of the report's element; empty for an empty text
     std::uint32_t id;
     const wchar_t* text;
 };
@@ -51,7 +52,7 @@ inline constexpr ReportText kReportTexts[] = {
     {L"cdata_section_syntax", 62099, L"Tag syntax error at offset %d expecting 'CDATA'"},
 };
 
-// The text of a report's element, null when it has none.
+// The text for an element of a report, null when there is none.
 constexpr const ReportText* FindReportText(std::wstring_view element) {
     for (const ReportText& text : kReportTexts) {
         if (text.element == element) {

@@ -1,4 +1,4 @@
-// The rules stand here in their order; each says what one unit does in one state of the node.
+// The rules in their order. Each row is what one unit does in one state of the node.
 //
 //   state          unit                  becomes
 //   start          <                     after <
@@ -21,13 +21,13 @@
 //   after <![      C                     CDATA section (8), up to ]]>
 //                  other                 error, up to >
 //   document type  <                     after <, a nested declaration
-//                  >                     ends the node, behind it
-//   up to ...      the terminator        ends the node, behind it; in a document type: the
-//                                        declaration only
+//                  >                     ends the node, after it
+//   up to ...      the terminator        ends the node, after it; in a document type it ends
+//                                        the declaration only
 //                  < in text, in errors  ends the node, before it
 //
-// An error is a unit where another was expected; that unit is then looked at once more as part of
-// the bad tag, so that "<>" is over at its end and "<<a>" loses no tag.
+// An error is a unit where another was expected. The rules then read that unit once more as part of
+// the bad tag, so that "<>" ends with its '>' and "<<a>" loses no tag.
 #include "ObLibX/src/xml/scan/NodeRules.h"
 
 #include <algorithm>
@@ -52,9 +52,9 @@ constexpr std::uint32_t kInUnquoted = 0x200;
 constexpr std::uint32_t kInName = 0x400;
 constexpr std::uint32_t kStarted = 0x800; // a unit was read
 
-constexpr std::int32_t kUndecided = -1; // as yet; an error is also that
+constexpr std::int32_t kUndecided = -1; // the type of a node at first; of an error it stays
 
-// What a cut-off node is called in its report.
+// The name in the report of a node that the end of the text cuts off.
 const wchar_t* NameOfType(std::int32_t type, bool inDocType) {
     if (inDocType) {
         return L"document_type";
@@ -276,7 +276,8 @@ NodeRules::Verdict NodeRules::WithoutTerminator(wchar_t unit) {
     return Verdict::GoOn;
 }
 
-// True while the unit belongs to the name. The one that ends it is looked at further.
+// True while the unit belongs to the name. The unit that ends the name goes through the other
+// rules.
 bool NodeRules::NameGoesOn(wchar_t unit) {
     if (!Has(kInName)) {
         return false;
@@ -384,7 +385,7 @@ void NodeRules::SyntaxError(const wchar_t* name) {
     }
 }
 
-// A node with an error in it stays malformed to its end, also when a document type goes on.
+// A node with an error stays malformed to its end, also where a document type continues after it.
 void NodeRules::Finish() {
     scan_.type = malformed_ ? kNodeScanError : type_;
     scan_.length = scanner_.cursor - scan_.start;

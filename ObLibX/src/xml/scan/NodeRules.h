@@ -1,5 +1,5 @@
-// The scanner's rules: one step through a text, character by character. For TagScanner only; the
-// quick way of QuickScan.h gives the same for the nodes that it takes.
+// The scanner's rules: reads one node of a text, character by character. For TagScanner only;
+// QuickScan.h reads most nodes faster, with the same result.
 #pragma once
 
 #include "ObLibX/src/xml/scan/ScannerState.h"
@@ -9,12 +9,12 @@ namespace ObLibX {
 // What ends a node.
 enum class Terminator { None, Less, Greater, Instruction, Comment, Cdata };
 
-// One step: reads from the scanner's cursor to the end of a node. Made anew for each node.
+// Reads from the scanner's cursor to the end of a node. An object is for one node.
 class NodeRules {
 public:
     NodeRules(ScannerState& scanner, NodeScan& scan) : scanner_(scanner), scan_(scan) {}
 
-    // Fills the node and leaves the scanner's cursor behind it. Throws std::bad_alloc.
+    // Fills the node and leaves the scanner's cursor after it. Throws std::bad_alloc.
     void Run();
 
 private:
@@ -53,7 +53,7 @@ private:
     Terminator terminator_ = Terminator::None;
     std::uint32_t states_ = 0;
     bool malformed_ = false;
-    wchar_t last_ = 0; // the two units before the one that is looked at
+    wchar_t last_ = 0; // the two units before the current one
     wchar_t lastButOne_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// The tags that are open at a place of the text, innermost on top.
+// The tags that are open at an offset of the text, the innermost on top.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,14 @@
 
 namespace ObLibX {
 
-// Names are kept in one run of units, so that pushing a tag allocates nothing as long as the run
-// and the slots suffice: 7 slots at first, doubled when they are full. One thread. Throws
-// std::bad_alloc and leaves the stack as it was. A stream, which must count as well, has
-// StreamTagStack.
+// All names are in one string, so that pushing a tag allocates nothing while the capacity of the
+// string and of the slots suffices: 7 slots at first, doubled when they are full. One thread.
+// Throws std::bad_alloc and leaves the stack as it was. A stream has StreamTagStack, which also
+// counts.
 class OpenTagStack {
 public:
     struct Entry {
-        std::uint32_t nameOffset; // in Names()
+        std::uint32_t nameOffset; // in names_
         std::uint32_t nameLength;
         std::uint32_t record; // of the element
     };

@@ -7,19 +7,19 @@
 namespace ObLibX {
 namespace {
 
-// A node as it is found: behind its last unit, and the token in it.
+// A node that was read.
 struct Found {
-    const wchar_t* after = nullptr; // null: left to the rules
+    const wchar_t* after = nullptr; // past its last unit; null: the node is left to the rules
     std::int32_t type = 0;
     std::uint32_t flags = 0;
-    const wchar_t* name = nullptr; // null: this kind of node has none
+    const wchar_t* name = nullptr; // the token; null for a kind of node that has none
     const wchar_t* nameEnd = nullptr;
 };
 
 constexpr Found kLeftToRules{};
 
-// White space, or text with all that is in it, up to the next tag. `last`: nothing follows the
-// buffer, so that it may end with it.
+// White space, or text with the white space in it, up to the next tag. `last`: no text follows the
+// buffer, so that the node may end with it.
 Found QuickText(const wchar_t* start, const wchar_t* end, bool last) {
     const wchar_t* at = start;
     while (at != end && IsXmlSpace(*at)) {
@@ -33,8 +33,8 @@ Found QuickText(const wchar_t* start, const wchar_t* end, bool last) {
     return at != end || last ? Found{.after = at, .type = type} : kLeftToRules;
 }
 
-// From the unit behind '=' to behind the value; at the '>' of the tag it stays, and tells whether
-// an unquoted value ends there. Null at the end of the buffer.
+// Returns the place after the value whose '=' is before `at`; or the '>' of the tag, with
+// `unquoted` true when an unquoted value ends there. Null when the buffer ends first.
 const wchar_t* AfterValue(const wchar_t* at, const wchar_t* end, bool& unquoted) {
     while (at != end && (IsXmlSpace(*at) || (*at == L'=' && at[-1] != L'='))) {
         ++at;
@@ -94,7 +94,7 @@ Found QuickEndTag(const wchar_t* start, const wchar_t* end) {
     return {.after = at + 1, .type = kNodeEndTag, .name = start + 2, .nameEnd = nameEnd};
 }
 
-// Behind the first '>' from `at` on that two such units precede; null at the end of the buffer.
+// Past the first '>' from `at` on that follows two units `before`; null when the buffer ends first.
 const wchar_t* AfterTwoAndGreater(const wchar_t* at, const wchar_t* end, wchar_t before) {
     for (;; ++at) {
         at = FindUnit(at, end, EqualTo{L'>'});

@@ -1,5 +1,5 @@
-// Looks for a unit of a small set, eight at a time where the processor has the instructions, which
-// on 64-bit Windows it always has.
+// Reads many units at once: looks for a unit of a small set, eight at a time, and reads whole nodes
+// that way. On 64-bit Windows the processor always has the vector instructions for it.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +17,8 @@ struct ScannerState;
 
 // ---- One unit of a small set
 
-// A set is a type with One(unit), and with Eight(units), which marks at least those lanes for which
-// One holds; a lane that it marks besides is asked again.
+// A set is a type with One(unit), which is true for its members, and with Eight(units), which marks
+// the SIMD lane of each member. Eight may mark others too: FindUnit asks One about a marked lane.
 struct EqualTo {
     wchar_t unit;
     bool One(wchar_t other) const { return other == unit; }
@@ -59,7 +59,7 @@ struct TagNameEnd {
 struct NameEnd {
     bool One(wchar_t unit) const { return EndsName(unit); }
 #if defined(__SSE2__)
-    // All that end a name, and '0' to '9' and ':' besides, lie up to '?', but for the backslash.
+    // The backslash, and all units up to '?': each that ends a name, and '0' to '9' and ':' too.
     __m128i Eight(__m128i units) const {
         const __m128i beyond = _mm_subs_epu16(units, _mm_set1_epi16(L'?'));
         return _mm_or_si128(_mm_cmpeq_epi16(beyond, _mm_setzero_si128()),
@@ -116,9 +116,9 @@ inline const wchar_t* FindUnit(const wchar_t* at, const wchar_t* end, Set set) {
 
 // ---- A whole node
 
-// One step, with the same outcome as NodeRules; true when it was made. Left to the rules, with
-// nothing changed, are document types, everything with an error in it, and what the end of the
-// buffer cuts off. Allocates nothing.
+// Reads one node, with the same result as NodeRules. False, with nothing changed, for what is left
+// to the rules: document types, nodes with an error, and a node that the end of the buffer cuts
+// off. Allocates nothing.
 bool QuickNode(ScannerState& scanner, NodeScan& scan);
 
 } // namespace ObLibX

@@ -89,7 +89,8 @@ bool StreamTagStack::IsOpen(std::uint32_t slot) const {
     return level <= Depth() && open_[level - 1].slot == slot;
 }
 
-// A bucket's chain leads outwards, so that what lies above the level isn't looked at.
+// A bucket's chain goes from inner levels to outer ones, so the search ends at the first outer
+// slot.
 std::uint32_t StreamTagStack::FindSlot(std::uint32_t level, std::wstring_view name) const {
     std::uint32_t slot = buckets_[BucketOf(name)];
     while (slot != kNone && slots_[slot].level >= level) {

@@ -1,5 +1,5 @@
-// The tags that are open at a place of a file, and how many children of each name they have had so
-// far: a stream keeps no other record of what has passed.
+// The tags that are open at an offset of a file, and how many children of each name they have had
+// so far: nothing else is stored of the elements that a stream has read.
 #pragma once
 
 #include <array>
@@ -10,11 +10,12 @@
 
 namespace ObLibX {
 
-// Names stand in slots, 7 at first, doubled when they are full. A slot belongs to a name at a level
-// and is used again for the next element of that name at the level; it goes with the element above
-// it. 23 buckets by the sum of a name's units lead to the slots, so that depth and count are known
-// without reading anything twice. What it takes grows with the depth, and with the different names
-// that stand beside each other. One thread. Throws std::bad_alloc and leaves the stack as it was.
+// Names are in slots, 7 at first, doubled when they are full. A slot belongs to a name at a level:
+// the next element of that name at that level uses it again, and it is removed when the parent
+// ends. A hash of 23 buckets, by the sum of a name's units, finds the slots, so that depth and
+// count are known without reading anything twice. Memory grows with the depth, and with the number
+// of different names among siblings. One thread. Throws std::bad_alloc and leaves the stack as it
+// was.
 class StreamTagStack {
 public:
     static constexpr std::uint32_t kBuckets = 23;
@@ -24,7 +25,7 @@ public:
 
     // A child of the innermost open element begins; it is the innermost one now.
     void Push(std::wstring_view name);
-    // The innermost open element ends, and what is known of its children goes.
+    // The innermost open element ends, and the counts of its children are dropped.
     void Pop();
     void Clear();
 
@@ -62,9 +63,9 @@ private:
     std::uint32_t FindSlot(std::uint32_t level, std::wstring_view name) const;
     std::uint32_t AddSlot(std::uint32_t level, std::wstring_view name);
 
-    std::vector<Slot> slots_; // children's slots lie above their parents'
+    std::vector<Slot> slots_; // children's slots have higher indices than their parents'
     std::vector<Open> open_;
-    std::wstring names_; // of all slots, one behind the other
+    std::wstring names_; // of all slots, one after the other
     std::array<std::uint32_t, kBuckets> buckets_ = EmptyBuckets();
     std::uint32_t rootChildren_ = 0;
     bool ignoreCase_ = false;

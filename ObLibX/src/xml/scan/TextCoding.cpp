@@ -8,11 +8,11 @@
 namespace ObLibX {
 namespace {
 
-// Behind the & and with the ; : the longest name and the longest number have 8 and the end mark.
+// Units after the &, with the ; : the longest name and the longest number have 8.
 constexpr std::size_t kLongestReference = 9;
 constexpr std::uint32_t kLastCodePoint = 0x10FFFF;
 
-// A reference as it stands behind its &, folded to lower case.
+// A reference without its &, folded to lower case.
 struct Reference {
     wchar_t units[kLongestReference];
     std::size_t length = 0; // without the ;
@@ -20,7 +20,7 @@ struct Reference {
     std::wstring_view Name() const { return {units, length}; }
 };
 
-// False when no ; comes within the first nine units, or something that isn't ASCII before it.
+// False when the first nine units contain no ; or a unit that isn't ASCII before it.
 bool CollectReference(std::wstring_view after, Reference& reference) {
     for (std::size_t i = 0; i < after.size() && i < kLongestReference; ++i) {
         if (after[i] == L';') return true;
@@ -30,15 +30,14 @@ bool CollectReference(std::wstring_view after, Reference& reference) {
     return false;
 }
 
-// The value of a digit in lower case; `base` and above for what is none.
+// The value of a digit in lower case; 16 for a unit that is no digit.
 std::uint32_t DigitValue(wchar_t unit) {
     if (unit >= L'0' && unit <= L'9') return static_cast<std::uint32_t>(unit - L'0');
     if (unit >= L'a' && unit <= L'f') return static_cast<std::uint32_t>(unit - L'a') + 10;
     return 16;
 }
 
-// `digits` is what stands behind the #. 0 when it holds anything that isn't a digit. Eight units
-// can't overflow.
+// `digits` is the text after the #. 0 when a unit of it isn't a digit. Eight units can't overflow.
 std::uint32_t NumberValue(std::wstring_view digits) {
     const std::uint32_t base = !digits.empty() && digits[0] == L'x' ? 16 : 10;
     if (base == 16) digits.remove_prefix(1);
@@ -67,8 +66,8 @@ void AppendCodePoint(std::wstring& out, std::uint32_t value) {
     out.push_back(static_cast<wchar_t>(value));
 }
 
-// Appends what the & at the start of `text` stands for and gives the units read: the reference, or
-// the & alone.
+// Appends the character of the reference at the start of `text`, or the & when there is no
+// reference. Returns the number of units read.
 std::size_t DecodeReference(std::wstring_view text, std::wstring& out) {
     Reference reference;
     const bool ended = CollectReference(text.substr(1), reference);
@@ -130,7 +129,7 @@ std::size_t ReferenceLength(std::wstring_view text) {
     return at < text.size() && text[at] == L';' ? at + 1 : 0;
 }
 
-// The reference that stands for a unit; null when the unit stays.
+// The reference that replaces a unit; null when the unit stays.
 const wchar_t* EncodedUnit(wchar_t unit, std::uint32_t flags) {
     const bool quotes = (flags & kEncodeAttribute) != 0;
     switch (unit) {

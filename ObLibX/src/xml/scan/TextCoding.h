@@ -1,4 +1,4 @@
-// References in text: &lt; and its kin, both ways.
+// References in text, such as &lt;, decoded and encoded.
 #pragma once
 
 #include <cstdint>
@@ -10,20 +10,20 @@ namespace ObLibX {
 inline constexpr std::uint32_t kEncodeKeepReferences = 0x8; // what looks like a reference stays
 inline constexpr std::uint32_t kEncodeAttribute = 0x100;    // quotes too
 
-// Decodes the references of attribute values and element data. A reference ends in a ; within nine
-// units of its &, its name is folded to lower case, and a number above 0xFFFF becomes a surrogate
-// pair. What is no reference stays as it stands: an unknown name, a number that is 0, above
-// 0x10FFFF or followed by anything but its ;.
+// Decodes the references of attribute values and element data. A reference ends with a ; within
+// nine units of its &, its name is folded to lower case, and a number above 0xFFFF becomes a
+// surrogate pair. What is no reference stays unchanged: an unknown name, a number that is 0 or
+// above 0x10FFFF, a number that another unit than ; follows.
 //
 // With kDocTrim or kDocCollapse in `flags` outer white space is cut, and with kDocCollapse inner
-// runs become one blank; white space that is written as a reference is meant, and stays. Linear.
+// runs become one blank. White space that is written as a reference is intended and stays. Linear.
 // Throws std::bad_alloc.
 std::wstring DecodeText(std::wstring_view text, std::uint32_t flags);
-// The same into a string whose memory is used again. `text` isn't part of it.
+// As above, into a string whose memory is used again. `text` must not be part of `out`.
 void DecodeText(std::wstring_view text, std::uint32_t flags, std::wstring& out);
 
 // Replaces < & > (and with kEncodeAttribute " ') by their references. With kEncodeKeepReferences a
-// & that begins what looks like a reference, known or not, stays as it is together with that.
+// & that begins what looks like a reference stays, and so does the reference, known or not.
 // Linear. Throws std::bad_alloc.
 std::wstring EncodeText(std::wstring_view text, std::uint32_t flags);
 
