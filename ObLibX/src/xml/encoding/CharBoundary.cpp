@@ -41,8 +41,8 @@ std::int32_t LongestCharacter(std::uint32_t page) {
     return found == std::end(kMultiBytePages) ? 1 : found->longest;
 }
 
-// Half a pair that the block's end may cut; the other half of a whole pair goes back as well, and
-// both meet again in the text.
+// A surrogate at the end is given back, as the block's end may cut its pair. The second half of a
+// whole pair is given back too; the next block then begins with it, after the first half.
 std::int32_t Utf16BytesBack(const TextConverter& converter) {
     const std::uint8_t* const end = static_cast<const std::uint8_t*>(converter.source) +
                                     static_cast<std::size_t>(converter.sourceLength) * 2;
@@ -51,9 +51,9 @@ std::int32_t Utf16BytesBack(const TextConverter& converter) {
     return last >= 0xD800 && last <= 0xDFFF ? 2 : 0;
 }
 
-// Asks the last real lead byte: true when its sequence reaches the end, with what the end cuts of
-// it (0 for a whole one). The forgiving decoder alone would find characters inside a sequence of
-// four bytes.
+// Reads the sequence of the last byte that is no continuation byte. True when that sequence reaches
+// the end; `outCut` is then its length when the end cuts it, and 0 when it is whole. The forgiving
+// decoder alone would find characters inside a sequence of four bytes.
 bool EndOfRealSequence(const std::uint8_t* bytes, std::int32_t length, std::int32_t& outCut) {
     for (std::int32_t back = 1; back <= std::min(length, std::int32_t{4}); ++back) {
         if ((bytes[length - back] & 0xC0) != 0x80) {
@@ -65,7 +65,7 @@ bool EndOfRealSequence(const std::uint8_t* bytes, std::int32_t length, std::int3
     return false;
 }
 
-// Walks back to the last place from which a whole character can be read; false when there is none.
+// Finds the last offset from which a whole character can be read; false when there is none.
 bool Utf8BytesBack(const TextConverter& converter, std::int32_t& outBytes) {
     const auto* bytes = static_cast<const std::uint8_t*>(converter.source);
     const std::int32_t length = converter.sourceLength;
@@ -82,7 +82,7 @@ bool Utf8BytesBack(const TextConverter& converter, std::int32_t& outBytes) {
     return false;
 }
 
-// Finds by trial where a character of a page starts that only the system can read.
+// Finds by trial where a character starts, for a page that only the system can read.
 class BoundaryTrial {
 public:
     // `bytes` must outlive the trial.
@@ -108,16 +108,16 @@ public:
     }
 
 private:
-    // Whether the last k bytes, read by themselves, are the end of the whole text.
+    // Whether the last k bytes, converted alone, are the end of the whole conversion.
     bool TailAgrees(std::int32_t k) {
         tailLength_ = SystemToWide(page_, end_ - k, k, tail_, kTrialUnits);
         return tailLength_ <= wholeLength_ &&
                std::equal(tail_, tail_ + tailLength_, whole_.get() + wholeLength_ - tailLength_);
     }
 
-    // The first i for which i bytes and the rest, read apart, make the k bytes; 0 when there is
-    // none. What goes back is at least as long as what may lack of the last character, so that a
-    // split inside it is never taken.
+    // The first i for which i bytes and the rest, converted apart, give the conversion of the k
+    // bytes; 0 when there is none. At least as many bytes are given back as the last character may
+    // lack, so that no split inside that character is taken.
     std::int32_t FindSplit(std::int32_t k) const {
         for (std::int32_t i = 1; k - i >= longest_ - 1; ++i) {
             wchar_t pieces[kTrialUnits];

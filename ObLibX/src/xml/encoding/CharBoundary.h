@@ -7,9 +7,10 @@
 
 namespace ObLibX {
 
-// How many bytes at the end of the converter's source must go back so that no character of its
-// fromEncoding is cut in two. True when a boundary was found, false, with 0, when there is none. In
-// UTF-16 half a pair goes back even when it is all there is. Throws std::bad_alloc.
+// How many bytes at the end of the converter's source must be given back so that no character of
+// its fromEncoding is cut in two. True when a boundary was found; false, with 0, when there is
+// none. In UTF-16 half a surrogate pair is given back even when the source is nothing else. Throws
+// std::bad_alloc.
 bool FindCharBoundary(const TextConverter& converter, std::int32_t& outBytesToGiveBack);
 
 } // namespace ObLibX

@@ -34,8 +34,8 @@ std::wstring_view Token(const TagScanner& scanner) {
     return {scanner.Token(), static_cast<std::size_t>(scanner.TokenLength())};
 }
 
-// Looks behind the name of the tag that was just read, and not past its last `closing` units.
-// False when it hasn't the attribute.
+// The value of an attribute of the tag that was just read, of which the last `closing` units are no
+// attribute. False when the tag doesn't have the attribute.
 bool Attribute(const TagScanner& tag, const NodeScan& scan, std::int32_t closing,
                std::wstring_view name, std::wstring_view& outValue) {
     TagScanner scanner = tag;
@@ -75,13 +75,13 @@ std::wstring CharsetOf(std::wstring_view content) {
             SkipUnit(scanner, L"\"'");
             return std::wstring(scanner.NextName() ? Token(scanner) : std::wstring_view());
         }
-        // A character that is no token by itself.
+        // A character that is no token is skipped.
         scanner.cursor += isToken ? 0 : 1;
     }
     return {};
 }
 
-// One walk over the text, node by node, until it is decided.
+// Reads the text node by node until the encoding is decided.
 class EncodingSearch {
 public:
     explicit EncodingSearch(std::wstring_view text) : scanner_(Over(text)) {}

@@ -1,5 +1,5 @@
-// Opening a file by a wide path and asking for its length, which each platform's C library does in
-// a way of its own. Two sources of this header, as with SystemText.h.
+// Opens a file by a wide path and measures it, for which each platform's C library has calls of its
+// own. As with SystemText.h, each platform has a source of this header.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace ObLibX {
 
-// Opens a file in binary mode, for reading or, made or emptied, for writing. The caller closes it;
-// null on failure, with the last error set.
+// Opens a file in binary mode. For writing the file is made, or emptied. The caller closes the
+// file. Null on failure, with the last error set.
 std::FILE* OpenFileStream(const wchar_t* path, bool forWriting);
 // Bytes of a file that was just opened; -1 on failure.
 std::int64_t FileStreamLength(std::FILE* file);

@@ -1,5 +1,5 @@
-// The few calls of the system that this room makes, behind plain functions: no header of the system
-// is seen here. The Windows side and the one for other platforms are two sources of this header.
+// The system's text calls that this room makes, as plain functions, so that no header of the system
+// is included here. Windows and other platforms have a source of this header each.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ std::int32_t SystemFromWide(std::uint32_t codePage, const wchar_t* in, std::int3
                             char* out, std::int32_t capacity, std::int32_t* usedDefault);
 // The ANSI code page of the system.
 std::uint32_t SystemCodePage();
-// The calling thread's last error, and the system's words for it (at most 100 units, inserts
-// ignored, line ends as the system gives them; empty when it has none).
+// The calling thread's last error, and the system's message for an error: at most 100 units,
+// inserts ignored, line ends as the system writes them; empty when there is no message.
 std::uint32_t SystemLastError();
 std::wstring SystemErrorText(std::uint32_t error);
 

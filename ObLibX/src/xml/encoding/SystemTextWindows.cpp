@@ -1,4 +1,4 @@
-// The one source of this room that sees the system.
+// The only source of this room that includes the system's header.
 #include <windows.h>
 
 #include <algorithm>
@@ -34,8 +34,8 @@ std::uint32_t SystemCodePage() { return GetACP(); }
 
 std::uint32_t SystemLastError() { return GetLastError(); }
 
-// The system has no text at all for a buffer that is too small, so it gets a larger one than is
-// wanted.
+// The system returns no text at all for a buffer that is too small, so the buffer is larger than
+// the text that is wanted.
 std::wstring SystemErrorText(std::uint32_t error) {
     wchar_t text[1024];
     const DWORD length =

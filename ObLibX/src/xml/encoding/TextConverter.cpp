@@ -16,7 +16,7 @@ namespace {
 constexpr std::int32_t kMostUnits = std::numeric_limits<std::int32_t>::max();
 constexpr std::uint32_t kReplacement = L'?';
 
-// The pages for which the system refuses to tell whether a character was replaced.
+// The pages for which the system refuses to report whether a character was replaced.
 constexpr std::uint32_t kPagesWithoutUsedDefault[] = {
     65000, 65001, 50220, 50221, 50222, 50225, 50227, 50229, 52936, 54936,
     57002, 57003, 57004, 57005, 57006, 57007, 57008, 57009, 57010, 57011};
@@ -52,14 +52,14 @@ private:
     std::int32_t left_;
 };
 
-// Takes units while whole characters fit; without a place to put them it only counts.
+// Writes units while whole characters fit; without a destination it only counts.
 template <typename Unit>
 class Sink {
 public:
     Sink(void* place, std::int32_t capacity)
         : place_(static_cast<std::uint8_t*>(place)), capacity_(place ? capacity : kMostUnits) {}
 
-    // False, with nothing taken, when they don't fit.
+    // False, with nothing written, when they don't fit.
     bool Put(const Unit* units, std::int32_t count) {
         if (count > capacity_ - length_) {
             return false;
@@ -115,8 +115,8 @@ bool PutUtf16(Sink<char16_t>& sink, std::uint32_t value) {
 
 bool PutUtf32(Sink<std::uint32_t>& sink, std::uint32_t value) { return sink.Put(&value, 1); }
 
-// The character at the source, which is moved behind it. A high surrogate joins whatever unit
-// follows it; only the end of the text and a NUL leave it alone.
+// Reads the next character. A high surrogate makes a pair with the next unit, whichever that is; at
+// the end of the text and before a NUL it is replaced.
 std::uint32_t TakeUtf16(Source<char16_t>& source) {
     const std::uint32_t unit = source.Peek();
     source.Skip(1);
@@ -131,7 +131,7 @@ std::uint32_t TakeUtf16(Source<char16_t>& source) {
     return 0x10000 + ((unit & 0x3FF) << 10 | (next & 0x3FF));
 }
 
-// Four bytes hold 21 bits: no value comes near 0xFFFFFFFF, which would be as bad as a bad sequence.
+// Four bytes contain 21 bits, so that no value reaches 0xFFFFFFFF, which would be replaced as well.
 std::uint32_t TakeUtf8(Source<std::uint8_t>& source) {
     const Utf8Sequence sequence = ReadUtf8(source.Bytes(), source.Left());
     source.Skip(sequence.length);
@@ -144,7 +144,7 @@ std::uint32_t TakeUtf32(Source<std::uint32_t>& source) {
     return value;
 }
 
-// What one conversion works on; `place` is null when it only counts.
+// The arguments of one conversion; `place` is null when it only counts.
 struct Task {
     const void* source;
     std::int32_t sourceLength;
@@ -163,7 +163,7 @@ std::int32_t Recode(const Task& task, std::uint32_t (*take)(Source<From>&),
     return sink.Length();
 }
 
-// The units as they are; the one pair of equal encodings that needs no system.
+// Copies the units. This is the only pair of equal encodings for which the system isn't called.
 std::int32_t CopyUtf16(const Task& task) {
     if (task.place == nullptr) {
         return task.sourceLength;
@@ -185,7 +185,7 @@ std::int32_t WideToPage(const Task& task, std::int32_t page, const wchar_t* wide
     if (place == nullptr || fitting > 0 || task.capacity == kMostUnits) {
         return fitting;
     }
-    // The system is granted one byte more than there is, but not in the caller's memory.
+    // The system gets one byte more than the capacity, but not in the caller's memory.
     const auto spare = std::make_unique_for_overwrite<char[]>(std::size_t{1} + task.capacity);
     const std::int32_t written = std::min(convert(spare.get(), task.capacity + 1), task.capacity);
     std::copy_n(spare.get(), written, place);

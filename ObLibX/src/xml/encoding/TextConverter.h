@@ -16,29 +16,28 @@ struct TextConverter {
     std::int32_t destinationCapacity = 0; // destination units; the length written comes back in it
     std::int32_t usedDefault = 0;         // set when a character had to be replaced
 
-    // Converts `source`, which is in fromEncoding, into `destination`. A null destination, and a
-    // capacity of 0, only count. Gives the length in destination units and leaves it in
-    // destinationCapacity. Names are looked up by LookupCodePage; an unknown one is the system's
-    // default.
+    // Converts `source`, which is in fromEncoding, into `destination`. With a null destination, and
+    // with a capacity of 0, it only counts. Returns the length in destination units and leaves it
+    // in destinationCapacity. Names are looked up by LookupCodePage; an unknown name is the
+    // system's default. Each call sets usedDefault anew.
     //
-    // Never fails visibly: a pair that has no conversion, and a page that the system doesn't know,
-    // give the length 0. Never writes over the capacity. When that is too small, the conversions
-    // of this library stop behind the last character that fits; the system's give 0, and for a page
-    // a text that needs just one byte more comes without its last byte. usedDefault is set anew by
-    // each call. Throws std::bad_alloc, and only where it goes from page to page or the capacity is
-    // too small.
+    // Never fails visibly: the length is 0 for a pair that has no conversion and for a page that
+    // the system doesn't know. Never writes past the capacity. When the capacity is too small, the
+    // conversions of this library stop after the last character that fits. Those of the system give
+    // 0; into a page, a text that needs one byte more is written without its last byte. Throws
+    // std::bad_alloc, and only from page to page or when the capacity is too small.
     std::int32_t Convert(void* destination, const std::wstring& toEncoding);
 };
 
-// The code page that a name stands for in a conversion: LookupCodePage's, or 0, the system's
-// default, when that doesn't know it.
+// The code page of a name in a conversion: LookupCodePage's, or 0, the system's default, for an
+// unknown name.
 std::int32_t ConversionPage(const std::wstring& encoding);
 // Bytes of one code unit in text of that page: 4, 2 or 1.
 std::int32_t CodeUnitSize(std::int32_t page);
 
 // ---- The UTF-8 decoder that conversion, detection and the search for a boundary share
 
-// What stands at a place of a byte text.
+// A character of a byte text, or what is there in its place.
 struct Utf8Sequence {
     enum class Kind {
         Whole, // a character
@@ -47,10 +46,10 @@ struct Utf8Sequence {
     };
     Kind kind;
     std::int32_t length; // bytes; at least 1
-    std::uint32_t value; // of a whole one
+    std::uint32_t value; // the code point of a whole one
 };
 
-// Reads the sequence at `bytes`; `left` bytes, at least 1, are there.
+// Reads the sequence at `bytes`, a text of `left` bytes, at least 1.
 //
 // Forgiving on purpose: a lead byte is judged by the three bits 5, 4 and 3 only, so a stray
 // continuation byte leads a sequence too (0x80 to 0x9F one of two bytes), and of a continuation

@@ -19,7 +19,7 @@ constexpr wchar_t kUtf16[] = L"UTF-16";
 constexpr wchar_t kSystemDefault[] = L"ANSI";
 constexpr std::int32_t kMostInt = std::numeric_limits<std::int32_t>::max();
 
-// The C library's own seek counts in 32 bits on one of the platforms.
+// The C library's fseek takes 32 bits on Windows.
 bool SeekBack(std::FILE* file, std::int64_t bytes) {
 #ifdef _WIN32
     return _fseeki64(file, -bytes, SEEK_CUR) == 0;
@@ -28,8 +28,8 @@ bool SeekBack(std::FILE* file, std::int64_t bytes) {
 #endif
 }
 
-// Why a read fell short. A stream that can't be read needn't have its error flag set, so the end
-// must be claimed. Leaves the thread's last error alone.
+// Whether a short read is the end of the file. A stream that can't be read needn't have its error
+// flag set, so the end-of-file flag must be set. Keeps the thread's last error.
 bool EndedEarly(std::FILE* file) { return std::feof(file) != 0 && std::ferror(file) == 0; }
 
 std::uint32_t Advanced(std::uint32_t offset, std::size_t bytes) {
@@ -135,7 +135,7 @@ bool TextFileChannel::ReadBlockRaw(void* buffer) {
     return good;
 }
 
-// Closes each gap with one move of what lies between it and the next.
+// Closes each gap by one move of the units between this gap and the next.
 template <typename Unit>
 void TextFileChannel::DropNulls(Unit* units) {
     Unit* const end = units + opTextLength;
@@ -156,7 +156,7 @@ void TextFileChannel::DropNulls(Unit* units) {
     }
 }
 
-// A NUL ends the walk, and none is in the block any more: it ends where the first one stood.
+// A NUL ends the detection. The block has none left, so the detection ends where the first one was.
 void TextFileChannel::DetectUtf8(const void* bytes) {
     const auto* const units = static_cast<const std::uint8_t*>(bytes);
     const bool toBlockEnd = gaps_.empty();
@@ -175,8 +175,8 @@ void TextFileChannel::DetectUtf8(const void* bytes) {
     Report(report, L"utf8_detection", nullptr, 0);
 }
 
-// A unit of the encoding that the end cuts goes back as well. What would leave nothing is no
-// boundary: the next block would be this one again.
+// A code unit that the end cuts is given back as well. A boundary at which nothing is left is none,
+// as the next block would be this one again.
 bool TextFileChannel::GiveBackCutCharacter(const void* units, const std::wstring& unitEncoding) {
     TextConverter converter;
     converter.fromEncoding = unitEncoding;
@@ -194,7 +194,7 @@ bool TextFileChannel::GiveBackCutCharacter(const void* units, const std::wstring
     return true;
 }
 
-// NULs among what goes back are read, and dropped, once more.
+// NULs among the bytes that are given back are read, and dropped, once more.
 bool TextFileChannel::GiveBack(std::int32_t units) {
     std::int32_t nulls = 0;
     std::int32_t allNulls = 0;
@@ -254,7 +254,7 @@ bool TextFileChannel::ReadMore() {
     if (live + static_cast<std::int64_t>(block.size()) > kMostInt) {
         throw std::bad_alloc();
     }
-    // From here on, what can fail comes before what changes the text.
+    // Whatever can throw comes before the text is changed.
     documentText->reserve(static_cast<std::size_t>(live) + block.size());
     if (savedFrom >= 0 && savedFrom < removed) {
         savedText.append(*documentText, static_cast<std::size_t>(savedFrom),
@@ -266,7 +266,7 @@ bool TextFileChannel::ReadMore() {
     return true;
 }
 
-// A text that is longer than a block still gets the least block, so that each call goes on.
+// A text that is longer than a block still gets the smallest block, so that each call adds text.
 std::int32_t TextFileChannel::NextRequest(std::int64_t live) {
     const std::int64_t request = ((blockSize - live) & ~std::int64_t{3}) + 4;
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(request, 4, kMostInt & ~3));
@@ -299,7 +299,7 @@ bool TextFileChannel::WriteText(const wchar_t* text, std::int32_t length) {
         ReportBlock(L"write");
         return true;
     }
-    // WriteBlockRaw changes nothing that it doesn't own.
+    // WriteBlockRaw doesn't change a text that it doesn't own.
     return IsUtf16() ? WriteBlockRaw(const_cast<wchar_t*>(text), length, false)
                      : WriteConverted(text, length);
 }
