@@ -7,8 +7,8 @@
 namespace ObLibX {
 namespace {
 
-// Where the reading goes on; false when the tag has become too short for it. The tag's name is
-// looked for once only, as it may be long.
+// The offset at which the reading continues; false when the tag has become too short for it. The
+// tag's name is read for the first attribute only, as it may be long.
 bool IsInTag(const DocumentState& document, std::int32_t position, const TagBounds& tag,
              std::size_t read, std::size_t& at) {
     at = read == 0 ? TagAt(document, position)->nameEnd : tag.start + read;

@@ -1,4 +1,4 @@
-// Reads the attributes of a tag one by one, each once.
+// Reads the attributes of a tag one after the other, each once.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,9 @@
 
 namespace ObLibX {
 
-// Where such a reading stands, and the attribute that it stands on. The strings keep their memory
-// from one attribute and one tag to the next, so that a client that takes one cursor through a
-// whole document allocates for the longest name and value only. Belongs to the document's thread.
+// The place of such a reading, and the attribute at that place. The strings keep their memory from
+// one attribute and one tag to the next, so that a client with one cursor for a whole document
+// allocates for the longest name and value only. Belongs to the document's thread.
 class AttributeCursor {
 public:
     AttributeCursor() = default;
@@ -22,10 +22,10 @@ public:
     // Before the first attribute of that tag.
     void Begin(std::int32_t position);
 
-    // As it stands in the tag.
+    // Not decoded.
     const std::wstring& Name() const { return name_; }
-    // Decoded; the name, decoded too, when there is no '='. Of attributes with the same name each
-    // has its own, where GetAttribute finds the first.
+    // Decoded; the decoded name when there is no '='. Where two attributes have the same name, each
+    // is read with its own value, while GetAttribute finds the first.
     const std::wstring& Value() const { return value_; }
 
 private:
@@ -37,11 +37,11 @@ private:
     std::wstring value_;
 };
 
-// Goes to the next attribute in the tag; a whole tag takes time linear in its length. False behind
-// the last one and where there is no such tag; name and value are then empty. A change of this tag
-// needs a new Begin, other changes don't; after one that was forgotten some attributes are read
-// twice, in parts or not at all, and nothing worse happens. Throws std::bad_alloc; the cursor then
-// stays where it was, and what its strings hold is of no use.
+// Goes to the next attribute in the tag; a whole tag takes time linear in its length. False past
+// the last attribute and where there is no such tag; name and value are then empty. A change of
+// this tag requires a new Begin, other changes don't. Without it some attributes may be read twice,
+// in part or not at all, and nothing worse happens. Throws std::bad_alloc; the cursor then stays
+// where it was, and the contents of its strings are undefined.
 bool GetNextAttribute(const DocumentState& document, AttributeCursor& cursor);
 
 } // namespace ObLibX

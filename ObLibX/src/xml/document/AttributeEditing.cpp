@@ -50,14 +50,14 @@ bool ReplaceAttribute(const DocumentState& document, const TagSpan& tag, std::ws
     return false;
 }
 
-// Whether the value waits for what stands behind it: a '=' that nothing follows, or a quote without
-// its other one, which only an instruction can hold.
+// Whether text added after the value would become a part of it: after a '=' that nothing follows,
+// or after a quote without its second one, which only an instruction can contain.
 bool SwallowsWhatFollows(const UnitSpan& value, const wchar_t* end) {
     return value.quoted ? value.end == end : value.start == value.end;
 }
 
-// Behind the last token of the tag; behind the tag's name instead when the new attribute would be
-// taken for a part of that token.
+// The offset after the last token of the tag; or after the tag's name, when a new attribute after
+// the last token would become a part of that token.
 std::size_t AfterLastToken(const DocumentState& document, const TagSpan& tag) {
     const wchar_t* const text = document.text.data();
     const wchar_t* const end = text + tag.end;
@@ -83,7 +83,7 @@ AttributeChange WriteAttribute(const DocumentState& document, const TagSpan& tag
     return change;
 }
 
-// Whether a start tag can take the change; an instruction has no length field but the text's own.
+// Whether the start tag stays short enough for its record. An instruction has no length field.
 bool TagStaysInBounds(const DocumentState& document, std::int32_t position,
                       const AttributeChange& change) {
     if (IsCurrentNode(document, position)) return true;
@@ -119,7 +119,7 @@ bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t
     const std::wstring_view attribute(name, CallerNameLength(name));
     if (!IsWritableName(attribute)) return false;
     const std::optional<TagSpan> tag = TagAt(document, position);
-    // The attribute's name would become the target of an instruction that has none.
+    // Without a target the attribute's name would become the target of the instruction.
     if (!tag || tag->nameStart == tag->nameEnd) return false;
     const std::wstring encoded =
         EncodeText(value, (flags & kEncodeKeepReferences) | kEncodeAttribute);

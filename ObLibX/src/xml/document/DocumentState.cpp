@@ -5,8 +5,8 @@
 namespace ObLibX {
 namespace {
 
-// Room for the record at nextFreePos. A table too small for half of it to add anything, which only
-// a failed allocation leaves behind, grows by one.
+// Makes room for the record at nextFreePos. A table whose half is no whole record, which only a
+// failed allocation leaves, grows by one.
 void MakeRoom(DocumentState& document) {
     const auto free = static_cast<std::uint32_t>(document.nextFreePos);
     ElementRecordTable& records = *document.records;

@@ -13,7 +13,7 @@
 
 namespace ObLibX {
 
-// A position kept under a name.
+// A position that is stored under a name.
 struct SavedPosition {
     std::int32_t parentPos;
     std::int32_t currentPos;
@@ -42,26 +42,29 @@ struct DocumentState {
     bool IgnoresCase() const { return Has(kDocIgnoreCase); }
 };
 
-// A record to use, all zero: a freed one before a new one. Grows the table by half when it is used
-// up. Throws std::bad_alloc and changes nothing.
+// Takes a record for use and clears it: a freed record before a new one. Grows the table by half
+// when all its records are in use. Throws std::bad_alloc and changes nothing.
 std::int32_t TakeRecord(DocumentState& document);
 
-// The three positions; clears the node. On an element when `current` isn't 0.
+// Sets the three positions and clears the node. The document is then on an element when `current`
+// isn't 0.
 void SetPosition(DocumentState& document, std::int32_t parent, std::int32_t current,
                  std::int32_t child);
 
-// ---- The records of a stream: one a level, rewritten as elements come by. Of all of them the last
-// one (nextFreePos - 1) alone points into the text in reading, and the current element's in
-// writing; the others are blank, so that the text may move.
+// ---- The records of a stream: one for each level, rewritten with each element at that level. Only
+// one record points into the text: in reading the last (nextFreePos - 1), in writing that of the
+// current element. The others are blank, so that the text may move.
 
-// As the end tag length of a record: the element is still open. A real end tag has three units.
+// This end tag length of a record marks an element that is still open. A real end tag has at least
+// three units.
 inline constexpr std::uint32_t kStillOpen = 1;
 
-// A cleared record for the element at `level`, 1 for a root element; its index is the level, and it
-// is the last one. Throws std::bad_alloc and changes nothing.
+// A cleared record for the element at `level`, 1 for a root element. Its index is the level, and it
+// becomes the last record. Throws std::bad_alloc and changes nothing.
 ElementRecord& MakeStreamRecord(DocumentState& document, std::uint32_t level);
 
-// Nothing of the element's text can be read any more; whether it is open stays.
+// Makes the record blank, so that nothing of the element's text is read any more. Whether the
+// element is open stays.
 void BlankStreamRecord(DocumentState& document, std::uint32_t level);
 
 } // namespace ObLibX

@@ -61,7 +61,7 @@ struct Place {
     std::int32_t after = 0; // the sibling that it is linked after; 0: it becomes the first child
     std::size_t offset = 0;
     std::size_t removed = 0;   // units at `offset` that it replaces
-    bool opensParent = false;  // the parent is a single tag
+    bool opensParent = false;  // the parent is one tag and gets an end tag
     bool emptyContent = false; // the parent has tags with nothing between them
 };
 
@@ -89,8 +89,8 @@ void PlaceAtElement(const DocumentState& document, std::int32_t element, std::ui
     place.after = before ? PreviousSibling(document, element) : element;
 }
 
-// Units of the "/>" with which a single tag ends. Further slashes in front of it go with it, as one
-// that is left before the '>' would end the tag again.
+// Units of the "/>" of an empty-element tag, with all slashes before it: a slash that stayed before
+// the '>' would make the tag an empty element again.
 std::size_t EmptyTagMarks(const DocumentState& document, const ElementRecord& record) {
     std::size_t marks = 2;
     while (document.text[record.start + record.length - marks - 1] == L'/') ++marks;
@@ -114,7 +114,7 @@ void PlaceInParent(const DocumentState& document, std::uint32_t flags, Place& pl
     }
 }
 
-// Behind the white space at `offset` when a tag or the end of the text follows it.
+// Past the white space at `offset` when a tag or the end of the text follows it.
 std::size_t AfterSpace(const std::wstring& text, std::size_t offset) {
     std::size_t at = offset;
     while (at < text.size() && IsXmlSpace(text[at])) ++at;
@@ -212,7 +212,7 @@ void Link(DocumentState& document, const Place& place, std::int32_t position) {
     }
 }
 
-// The parent's own numbers, once its single tag is two.
+// Sets the parent's own numbers when its one tag has become two.
 void OpenParent(DocumentState& document, const Place& place, const Insertion& insertion,
                 std::int32_t delta) {
     ElementRecord& parent = RecordAt(document, place.parent);
@@ -225,7 +225,7 @@ void OpenParent(DocumentState& document, const Place& place, const Insertion& in
 std::int32_t InsertElement(DocumentState& document, const Place& place, const NewElement& element,
                            const Insertion& insertion) {
     MakeRoom(document.text, document.text.size() - place.removed + insertion.text.size());
-    const std::int32_t position = TakeRecord(document); // the last that may throw
+    const std::int32_t position = TakeRecord(document); // nothing after this throws
     const auto delta =
         static_cast<std::int32_t>(insertion.text.size()) - static_cast<std::int32_t>(place.removed);
     Splice(document, place.offset, place.removed, insertion.text.data(), insertion.text.size());

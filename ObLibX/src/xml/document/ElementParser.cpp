@@ -11,8 +11,8 @@ namespace {
 constexpr std::uint32_t kUnitsPerRecord = 64; // of an ordinary document
 constexpr std::uint32_t kRecordsAtLeast = 8;
 
-// One run over a text. The tags that are open lie on the stack, the innermost one's record is
-// current_.
+// One run over a text. The tags that are open are on the stack; current_ is the record of the
+// innermost one.
 class Parser {
 public:
     Parser(DocumentState& document, std::uint32_t parent)
@@ -92,7 +92,8 @@ void Parser::StartTag(const NodeScan& scan) {
     }
 }
 
-// As the last child of the innermost open element; the first child's `prev` knows the last one.
+// Links `child` as the last child of the innermost open element. The first child's `prev` is the
+// last child.
 void Parser::Link(std::uint32_t child) {
     ElementRecord& record = records_[child];
     ElementRecord& parent = records_[current_];
@@ -138,7 +139,7 @@ bool Parser::EndTag(const NodeScan& scan) {
     return onTop;
 }
 
-// The innermost open tag of the end tag's name.
+// Finds the innermost open tag that has the end tag's name.
 bool Parser::FindOpenTag(std::uint32_t& found) const {
     for (std::uint32_t depth = stack_.Depth(); depth-- > 0;) {
         const std::wstring_view name = stack_.NameAt(depth);
@@ -150,7 +151,7 @@ bool Parser::FindOpenTag(std::uint32_t& found) const {
     return false;
 }
 
-// The end tag of the innermost open element.
+// Reads the end tag of the innermost open element.
 void Parser::Close(const NodeScan& scan) {
     ElementRecord& record = records_[current_];
     const auto endTag = static_cast<std::uint32_t>(scan.length);
@@ -175,7 +176,8 @@ void Parser::LoneEndTag(const NodeScan& scan) {
 
 void Parser::EndOfText() { HandUp(0, scanner_.textLength); }
 
-// Every open element from `depth` inwards has no end tag; `endTag` is where one was expected.
+// Handles the open elements from `depth` inwards, none of which has an end tag; `endTag` is the
+// offset at which one was expected.
 void Parser::HandUp(std::uint32_t depth, std::int32_t endTag) {
     if (depth == stack_.Depth()) {
         return;
@@ -205,9 +207,9 @@ void Parser::MarkUnended(std::uint32_t depth, std::int32_t endTag) {
     records_[ParentOf(depth)].flagsAndLevel |= kRecordBadBelow;
 }
 
-// The children of each unended element become its following siblings. As every such element but the
-// innermost is the last child of the one around it, their lists only have to be strung together
-// below the parent of the outermost; each child is visited once, however deep it was.
+// Makes the children of each unended element its following siblings. Every such element but the
+// innermost is the last child of its parent, so that their child lists only have to be joined,
+// below the parent of the outermost element. Each child is visited once, whatever its depth.
 void Parser::Flatten(std::uint32_t depth) {
     const std::uint32_t parent = ParentOf(depth);
     std::uint32_t last = stack_.At(depth).record;
@@ -229,8 +231,8 @@ void Parser::Flatten(std::uint32_t depth) {
     records_[records_[parent].firstChild].prev = last;
 }
 
-// Where the parsing stops early, the elements that are open keep their children and reach up to
-// there; their end tags, if they have any, were not read.
+// Called where the parsing stops early. The elements that are open keep their children and end at
+// `stop`; their end tags, if there are any, were not read.
 void Parser::LeaveOpen(std::int32_t stop) {
     for (std::uint32_t at = 0; at < stack_.Depth(); ++at) {
         ElementRecord& record = records_[stack_.At(at).record];
@@ -239,7 +241,7 @@ void Parser::LeaveOpen(std::int32_t stop) {
     }
 }
 
-// The record holds the longest length that it can; the element is there, and it is bad.
+// Marks an element one of whose tags is longer than its record can describe. The element stays.
 void Parser::TagTooLong(std::uint32_t element, const wchar_t* type, std::int32_t offset) {
     records_[0].flagsAndLevel |= kRecordBad;
     records_[element].flagsAndLevel |= kRecordBad;
@@ -247,7 +249,7 @@ void Parser::TagTooLong(std::uint32_t element, const wchar_t* type, std::int32_t
     Report(document_.result, L"tag_too_long", type, kReportType, offset);
 }
 
-// The elements, and what concerns the document as a whole.
+// Reads all elements and reports what is wrong with the document as a whole.
 void ParseAll(DocumentState& document) {
     const std::uint32_t first = Parser(document, 0).Run();
     ElementRecord& root = (*document.records)[0];

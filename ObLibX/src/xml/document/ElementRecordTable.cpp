@@ -8,7 +8,7 @@ namespace {
 
 using Records = std::unique_ptr<ElementRecord[]>;
 
-// Not initialised: whoever takes a record sets it.
+// Not initialised: the code that takes a record sets it.
 Records NewSegment(std::uint32_t records) { return Records(new ElementRecord[records]); }
 
 } // namespace

@@ -17,8 +17,9 @@ inline constexpr std::uint32_t kRecordBadBelow = 0x200000;    // an element belo
 inline constexpr std::uint32_t kRecordBad = 0x800000; // this element, or for record 0 the document
 inline constexpr std::uint32_t kRecordLevelMask = 0xFFFF;
 
-// One element. Record 0 is the root pseudo-element: `length` is the document's, `firstChild` the
-// document's root element, and its start tag length is 0, which is how walks upward know it.
+// One element. Record 0 is the root pseudo-element: its `length` is the document's, its
+// `firstChild` the root element, and its start tag length is 0, by which a loop over parents
+// recognises it.
 struct ElementRecord {
     std::uint32_t start;  // offset in units of the '<' of the start tag
     std::uint32_t length; // units from `start` to the end of the end tag
@@ -35,7 +36,7 @@ struct ElementRecord {
     std::uint32_t Level() const { return flagsAndLevel & kRecordLevelMask; }
     bool Has(std::uint32_t flag) const { return (flagsAndLevel & flag) != 0; }
 
-    // Lengths that a field can't hold are held at its highest value, never wrapped.
+    // A length that is too large for its field becomes the field's highest value; it never wraps.
     void SetTagLengths(std::uint32_t startTag, std::uint32_t endTag) {
         tagLengths = (startTag < kLongestStartTag ? startTag : kLongestStartTag) |
                      (endTag < kLongestEndTag ? endTag : kLongestEndTag) << 22;
@@ -69,7 +70,7 @@ public:
     std::uint32_t SegmentCapacity() const { return segmentCapacity_; }
 
     // Allocates up to `newSize` records, but at most to the end of the segment after the present
-    // last one; the caller looks at Size() and asks again. Never shrinks. Throws std::bad_alloc and
+    // last one; the caller checks Size() and calls again. Never shrinks. Throws std::bad_alloc and
     // leaves the table as it was.
     void Grow(std::uint32_t newSize);
     // Releases every segment.

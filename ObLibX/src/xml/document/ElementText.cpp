@@ -29,7 +29,7 @@ TagSpan SpanFrom(const std::wstring& text, std::size_t start, std::size_t name, 
 
 // ---- Nodes and content
 
-// What stands before and behind the inside of a node.
+// The lengths of the marks before and after the inside of a node.
 struct NodeMarks {
     std::int32_t type;
     std::size_t before;
@@ -96,8 +96,8 @@ std::wstring NodeData(const DocumentState& document) {
     return std::wstring(Inside(node, document.nodeType));
 }
 
-// What stands between the tags of an element that has no children; empty when it has. Where the
-// index couldn't hold the start tag's length nobody knows where the content begins.
+// The text between the tags of an element that has no children; empty when it has some. Also empty
+// where the start tag was too long for its record, as the content's start isn't known then.
 std::wstring_view ContentOf(const DocumentState& document, std::int32_t position) {
     const ElementRecord& record = (*document.records)[position];
     const std::size_t tags = record.StartTagLength() + record.EndTagLength();
@@ -150,7 +150,7 @@ std::optional<TagBounds> TagBoundsAt(const DocumentState& document, std::int32_t
     if (!IsCurrentNode(document, position)) {
         if (!IsElement(document, position)) return std::nullopt;
         const ElementRecord& record = (*document.records)[position];
-        // A stream has let go of the text of an element that it has passed.
+        // Blank in a stream: the text of this element was dropped.
         if (record.StartTagLength() == 0) return std::nullopt;
         return TagBounds{record.start, record.start + 1, record.start + record.StartTagLength(),
                          false};

@@ -19,7 +19,8 @@ std::int32_t ParentOf(const DocumentState& document, std::int32_t position) {
     return static_cast<std::int32_t>(RecordAt(document, position).parent);
 }
 
-// As NextInDocumentOrder, but 0 when that would leave `top`; 0 is the whole document.
+// As NextInDocumentOrder, but 0 when the next element isn't below `top`; a `top` of 0 is the whole
+// document.
 std::int32_t NextBelow(const DocumentState& document, std::int32_t position, std::int32_t top) {
     if (const std::int32_t child = FirstChild(document, position)) return child;
     for (; position != top && position != 0; position = ParentOf(document, position)) {
@@ -28,8 +29,8 @@ std::int32_t NextBelow(const DocumentState& document, std::int32_t position, std
     return 0;
 }
 
-// The first match (the N-th where the step counts) from `candidate` on; `next` gives the candidate
-// behind one.
+// The first match from `candidate` on, or the N-th where the step counts; `next` returns the
+// candidate after one.
 template <typename Next>
 std::int32_t FindMatch(const DocumentState& document, const PathStep& step, std::int32_t candidate,
                        Next next) {
@@ -40,9 +41,9 @@ std::int32_t FindMatch(const DocumentState& document, const PathStep& step, std:
     return 0;
 }
 
-// Resolves the steps from the siblings `candidate` and following on. Where a step has no match
-// below, the search goes on behind the match of the step before, unless that one was counted. No
-// element is a candidate of two steps, so this is linear.
+// Resolves the steps; the candidates of the first are `candidate` and its following siblings. Where
+// a step has no match, the search continues after the match of the step before, unless that step
+// was counted. No element is a candidate of two steps, so that this is linear.
 std::int32_t ResolveSteps(const DocumentState& document, const XmlPath& path,
                           std::int32_t candidate) {
     const auto next = [&document](std::int32_t at) { return NextSibling(document, at); };
@@ -66,7 +67,7 @@ std::int32_t ResolveSteps(const DocumentState& document, const XmlPath& path,
     }
 }
 
-// Where a search stands: `top` is the element that a search below doesn't leave, 0 for none.
+// Where a search begins. A search for PathType::Below stays below `top`; 0 is no limit.
 struct SearchStart {
     std::int32_t parent;
     std::int32_t current;

@@ -47,14 +47,14 @@ void Adjust(DocumentState& document, std::int32_t position, std::int32_t delta,
     const auto change = static_cast<std::uint32_t>(delta);
     auto at = static_cast<std::uint32_t>(position);
     std::uint32_t next = startAfterChildren ? 0 : records[at].firstChild;
-    std::uint32_t below = next != 0 ? 1 : 0; // levels down from what contains the change
+    std::uint32_t below = next != 0 ? 1 : 0; // levels below an element that contains the change
     for (;;) {
         while (next == 0 && records[at].StartTagLength() != 0) {
             next = records[at].next;
             if (next != 0) break;
             at = records[at].parent;
             if (below != 0) {
-                --below; // an element behind the change, which moved with all that it holds
+                --below; // an element after the change; it and all its children have moved
             } else {
                 records[at].length += change;
             }

@@ -11,7 +11,7 @@ namespace {
 
 // ---- How a path is read
 
-// Carried along the path. Each Read... gives false on what isn't allowed there.
+// The place in the path. Each Read... returns false for a unit that isn't allowed there.
 struct PathCursor {
     const wchar_t* at;
 
@@ -27,7 +27,7 @@ struct PathCursor {
         return !name.empty();
     }
 
-    // What stands before `end`, which is passed over.
+    // Reads the text up to `end`, and `end`.
     bool ReadUpTo(wchar_t end, std::wstring_view& text) {
         const wchar_t* from = at;
         while (*at != L'\0' && *at != end) ++at;
@@ -60,15 +60,15 @@ bool ReadValue(PathCursor& cursor, PathStep& step) {
     return cursor.ReadUpTo(L']', step.value);
 }
 
-// name] or name=value], behind the @
+// name] or name=value], after the @
 bool ReadAttributeTest(PathCursor& cursor, PathStep& step) {
     step.test = StepTest::Attribute;
     if (!cursor.ReadName(step.testName)) return false;
     return cursor.Take(L'=') ? ReadValue(cursor, step) : cursor.Take(L']');
 }
 
-// Behind the [ and up to behind the ]. A number that begins with 0 is no number but the name of a
-// child, and there is none of that name.
+// Reads from after the [ to after the ]. Digits that begin with 0 are no number but the name of a
+// child, which no element has.
 bool ReadTest(PathCursor& cursor, PathStep& step) {
     if (IsDigit(*cursor.at) && *cursor.at != L'0') return ReadCount(cursor, step);
     if (cursor.Take(L'@')) return ReadAttributeTest(cursor, step);
@@ -82,12 +82,12 @@ bool ReadStep(PathCursor& cursor, PathStep& step) {
     return *cursor.at == L'/' || *cursor.at == L'\0';
 }
 
-// name, behind the /@, and nothing after it
+// name, after the /@, and nothing after it
 bool ReadAttributeStep(PathCursor& cursor, std::wstring_view& attribute) {
     return cursor.ReadName(attribute) && *cursor.at == L'\0';
 }
 
-// ---- What a step asks for
+// ---- How an element is compared with a step
 
 bool IsNamed(const DocumentState& document, std::int32_t position, std::wstring_view name) {
     if (PathStep::IsAnyName(name)) return true;
@@ -111,12 +111,12 @@ bool FindAttributeOf(const DocumentState& document, std::int32_t position, std::
     return scanner.FindAttribute(name.data(), name.size());
 }
 
-// Whether decoding would leave it as it is.
+// Whether decoding would not change the value.
 bool IsPlain(const DocumentState& document, std::wstring_view value) {
     return !document.Has(kDocTrim | kDocCollapse) && value.find(L'&') == std::wstring_view::npos;
 }
 
-// Both values are compared decoded, as GetAttribute gives one; plain ones where they stand.
+// Compares both values decoded, as GetAttribute returns them; plain values in place.
 bool HasValue(const DocumentState& document, std::int32_t position, const PathStep& step) {
     TagScanner scanner(nullptr, 0, 0);
     if (!FindAttributeOf(document, position, step.testName, scanner)) return false;

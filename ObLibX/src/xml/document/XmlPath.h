@@ -1,4 +1,4 @@
-// Where to find an element, as a client writes it.
+// A path: how a client writes which element to find.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ enum class PathType {
     Below = 3,    // //name: anywhere below, depth first; one step only
 };
 
-// What an element must meet besides its name.
+// A condition for an element besides its name.
 enum class StepTest {
     None,
     Count,     // name[N]: it is the N-th match, from 1
@@ -32,16 +32,16 @@ enum class StepTest {
 struct PathStep {
     std::wstring_view name; // "*" is any name
     StepTest test = StepTest::None;
-    std::uint32_t count = 1;    // of Count; a number too large for it stays at the highest
+    std::uint32_t count = 1;    // of Count; at most the highest value
     std::wstring_view testName; // of the attribute or the child
     std::wstring_view value;    // of Value, without its quotes, not decoded
 
     static bool IsAnyName(std::wstring_view name) { return name == L"*"; }
 };
 
-// A path, read once and resolved as often as one likes. It points into the caller's text, which has
-// to outlive it. Allocates only for paths of more than kFewSteps steps; then it may throw
-// std::bad_alloc. One bad step makes the whole path bad: it matches nothing.
+// A path that is parsed once and can be resolved any number of times. It points into the caller's
+// text, which must outlive it. Allocates only for a path of more than kFewSteps steps, and may then
+// throw std::bad_alloc. One bad step makes the whole path bad: the path matches nothing.
 //
 //   path  = "" | steps | "/" steps | "//" step
 //   steps = step *( "/" step ) [ "/@" name ]
@@ -62,7 +62,7 @@ public:
     }
     // The attribute that the last step addresses; empty for the path of an element.
     std::wstring_view Attribute() const { return attribute_; }
-    // Whether a step asks for a child, which a forward reading can't tell.
+    // Whether a step has a Child test, which stream reading can't decide.
     bool HasChildTest() const;
 
 private:
@@ -76,9 +76,10 @@ private:
     std::wstring_view attribute_;
 };
 
-// ---- Whether an element is what a step asks for
+// ---- Whether an element matches a step
 
-// Name and test of the step; its count is the caller's business. `position` is an element's.
+// Compares the name and the test of the step; the caller counts for Count. `position` is an
+// element's.
 bool Matches(const DocumentState& document, std::int32_t position, const PathStep& step);
 
 // Whether the element's start tag has the attribute.
