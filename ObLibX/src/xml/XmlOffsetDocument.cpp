@@ -15,7 +15,7 @@ namespace {
 constexpr wchar_t kConversionLoss[] = L"conversion_loss";
 constexpr std::uint32_t kClientFlags = kDocIgnoreCase | kDocTrim | kDocCollapse;
 
-// Closes what is open and leaves record 0 alone.
+// Closes a stream that is open and releases all records but record 0.
 void PrepareStream(XmlOffsetDocument& document) {
     document.Close();
     document.SetText(nullptr);
@@ -25,7 +25,7 @@ bool FinishAndClose(DocumentState& document) {
     const bool finished = !document.Has(kDocStreamWrite) || FinishStream(document);
     TextFileChannel& channel = *document.channel;
     const bool closed = channel.CloseFile();
-    // The channel's report is that of its last block.
+    // The channel's report is only that of its last block.
     const bool lossReported = channel.report.find(kConversionLoss) != std::wstring::npos;
     if (channel.conversionLoss && !lossReported)
         Report(document.result, kConversionLoss, nullptr, 0);
@@ -53,7 +53,7 @@ XmlOffsetDocument::~XmlOffsetDocument() {
     try {
         Close();
     } catch (...) {
-        // Without memory the file's last text is lost; the members still close the file.
+        // Memory ran out: the last text isn't written, but the members close the file.
     }
 }
 

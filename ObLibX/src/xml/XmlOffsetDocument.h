@@ -1,4 +1,4 @@
-// One XML document: its text and, beside it, an index of where each element lies.
+// One XML document: its text and an index of where each element is in the text.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,10 @@
 
 namespace ObLibX {
 
-// Names, values and data are read out of the text on demand; changes are made in the text, and the
-// numbers behind them move. A position is empty, on an element or on a node. Forgiving: nothing is
-// thrown for bad XML, and what was wrong stands in Result() as XML. Exhausted memory throws
-// std::bad_alloc out of any operation and leaves the object such that it can be set anew or
-// released. Belongs to one thread; no lock.
+// Names, values and data are read out of the text on demand. Changes are made in the text, and the
+// numbers of the elements after them move. A position is empty, on an element or on a node. Bad XML
+// throws nothing; Result() reports its errors, as XML. Any operation throws std::bad_alloc when
+// memory runs out; the object can then be set anew or released. Belongs to one thread; no lock.
 class XmlOffsetDocument {
 public:
     XmlOffsetDocument();
@@ -29,25 +28,25 @@ public:
     // text of 2^31 units or more.
     bool SetText(const wchar_t* text);
     bool SetText(std::wstring_view text);
-    // Indexes the present text anew; the answer is that of SetText. In a stream nothing is indexed:
-    // true in reading as long as nothing bad has come by, and in writing.
+    // Indexes the present text anew and returns what SetText does. In a stream nothing is indexed:
+    // true in writing, and in reading as long as no error was read.
     bool ParseText();
     void ResetPosition(std::int32_t parent, std::int32_t current, std::int32_t child);
 
-    // ---- Files larger than memory. A document in memory goes, with its positions; flags stay.
-    // StreamFile.h tells what the options mean and when the answer is false.
+    // ---- Files larger than memory. The text in memory and its positions are dropped; flags stay.
+    // StreamFile.h documents the options and when the result is false.
     bool OpenForReading(const wchar_t* path, const StreamReadOptions& options = {});
     bool OpenForWriting(const wchar_t* path, const StreamWriteOptions& options = {});
-    // In stream mode: ends what is open and flushes, closes the file, moves the channel's report to
-    // Result(), empties the text and ends the mode. False when what was written may be lost, which
-    // Result() tells, as it does an error of a file that was read. In memory mode nothing, and
-    // true.
+    // In stream mode: ends the open elements, flushes and closes the file, moves the channel's
+    // report to Result(), empties the text and ends the mode. False when text may not have reached
+    // the file. Result() reports that, and also an error in a file that was read. In memory mode
+    // this does nothing and returns true.
     bool Close();
 
-    // ---- Moving. In a stream as StreamReading.h and StreamWriting.h tell.
+    // ---- Moving. StreamReading.h and StreamWriting.h document what differs in a stream.
     // The next element that matches `path` (null: any) from the current position on.
     bool FindElement(const wchar_t* path = nullptr);
-    // The next one below the current element, behind the current child; it becomes the child.
+    // The next one below the current element, after the current child; it becomes the child.
     bool FindChildElement(const wchar_t* path = nullptr);
     bool IntoElement();
     bool OutOfElement();
@@ -56,7 +55,7 @@ public:
     std::wstring GetTagName() const;
     std::wstring GetAttribute(std::int32_t position, const wchar_t* name) const;
     std::wstring GetAttributeNameAt(std::int32_t index) const;
-    // All attributes of a tag in one reading, for who wants more than a few: AttributeCursor.h.
+    // Reads all attributes of a tag in one pass, for a client that needs many: AttributeCursor.h.
     bool GetNextAttribute(AttributeCursor& cursor) const;
     std::wstring GetData(std::int32_t position);
 
@@ -68,7 +67,7 @@ public:
     const std::wstring& Text() const { return state_.text; }
     const std::wstring& Result() const { return state_.result; }
     std::uint32_t Flags() const { return state_.docFlags; }
-    // The case and white space flags; the mode's bits can't be set here.
+    // Sets the case and white space flags; the bits of a stream mode can't be set here.
     void SetFlags(std::uint32_t flags);
     std::int32_t CurrentPosition() const { return state_.currentPos; }
     std::int32_t ChildPosition() const { return state_.childPos; }

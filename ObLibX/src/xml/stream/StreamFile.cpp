@@ -21,10 +21,10 @@ constexpr std::int32_t kLongestLook = 1024 * 1024; // bytes that are looked at f
 constexpr wchar_t kTooLarge[] = L"The file is too large to be read as a stream.";
 constexpr wchar_t kWrongEncoding[] = L"The encoding isn't known or can't be used for a stream.";
 
-// What a file begins with, and what that says.
+// The bytes with which a file begins, and the encoding that they mean.
 struct Beginning {
     std::string_view bytes;
-    std::uint32_t mark; // bytes that aren't text
+    std::uint32_t mark; // bytes of the BOM
     const wchar_t* encoding;
 };
 constexpr Beginning kBeginnings[] = {
@@ -48,7 +48,7 @@ bool Refuse(DocumentState& document, const wchar_t* words) {
     return false;
 }
 
-// What the system said last.
+// Reports the thread's last error.
 bool RefuseFile(DocumentState& document, TextFileChannel& channel) {
     channel.ReportFileError();
     document.result = channel.report;
@@ -70,19 +70,20 @@ const Beginning* FindBeginning(std::string_view bytes) {
     return found == std::end(kBeginnings) ? nullptr : found;
 }
 
-// The declaration's own letters are ASCII in every encoding that has no mark.
+// The letters of a declaration are ASCII in every encoding without a BOM.
 std::wstring DeclaredIn(std::string_view bytes) {
     std::wstring text;
     text.reserve(bytes.size());
     for (const char byte : bytes) text += static_cast<wchar_t>(static_cast<unsigned char>(byte));
     std::wstring name = GetDeclaredEncoding(text);
     const std::int32_t page = LookupCodePage(name);
-    // One of 16 or 32 bits can't be true of a text that could be read so far.
+    // A text that could be read as bytes isn't in an encoding of 16 or 32 bits, whatever it
+    // declares.
     return page > 0 && !IsUtf16(page) && !IsUtf32(page) ? name : std::wstring();
 }
 
-// Whether the bytes, up to a NUL, hold what is no UTF-8. A character that their end cuts isn't
-// that.
+// Whether the bytes up to the first NUL contain a bad UTF-8 sequence. A sequence that the end cuts
+// is not bad.
 bool IsNoUtf8(std::string_view bytes) {
     const auto* const units = reinterpret_cast<const std::uint8_t*>(bytes.data());
     const auto end = static_cast<std::int32_t>(std::min(bytes.find('\0'), bytes.size()));
@@ -94,12 +95,12 @@ bool IsNoUtf8(std::string_view bytes) {
     return false;
 }
 
-// The channel looks at each block for itself as long as it knows no encoding. A file that says
-// nothing and whose first block is no UTF-8 is the system's to its end, so that a later block of
-// plain ASCII doesn't make UTF-8 of it.
+// The channel detects UTF-8 in each block as long as it knows no encoding. A file that declares
+// nothing and whose first block is no UTF-8 is read in the system's code page to its end, so that a
+// later block of plain ASCII doesn't change the encoding.
 std::wstring GuessedFrom(std::string_view bytes) { return IsNoUtf8(bytes) ? L"ANSI" : L""; }
 
-// Settles encoding and mark, and leaves the file behind the mark.
+// Decides the encoding and sets the file to the end of the BOM.
 void LookAtBeginning(TextFileChannel& channel, const StreamReadOptions& options) {
     const auto span =
         static_cast<std::size_t>(std::clamp(channel.blockSize, kDeclarationSpan, kLongestLook));

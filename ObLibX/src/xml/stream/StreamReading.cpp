@@ -16,7 +16,7 @@ ElementRecord& RecordOf(DocumentState& document, std::uint32_t level) {
     return (*document.records)[level];
 }
 
-// A scanner that goes on where the stream stands. Whoever takes it puts the place back.
+// A scanner that continues at the stream's place. The caller sets the place again afterwards.
 TagScanner TakePlace(DocumentState& document) {
     TagScanner scanner(document.text.data(), document.text.size(), document.docFlags);
     scanner.cursor = std::exchange(document.channel->cursor, TextFileChannel::kPlaceLost);
@@ -58,8 +58,7 @@ void NoteUnended(DocumentState& document, std::wstring_view name, std::int32_t e
     Report(document.result, L"unended_start_tag", std::wstring(name).c_str(), 0, -1, endTag);
 }
 
-// One search: steps forward node by node, and knows how many steps of the path the open elements
-// meet.
+// One search: reads node by node and counts how many steps of the path the open elements match.
 class StreamSearch {
 public:
     StreamSearch(DocumentState& document, const XmlPath& path)
@@ -92,11 +91,11 @@ private:
     StreamTagStack& tags_;
     const XmlPath& path_;
     const std::uint32_t entered_; // the level of the parent
-    const bool afterOther_;       // the search goes on behind an element or a node
-    const bool bounded_;          // by the parent's end tag
-    std::uint32_t base_ = 0;      // the depth below which the path's first step is looked for
-    std::size_t matched_ = 0;     // steps that the open elements from there on meet
-    std::uint32_t passed_ = 0;    // of the first step's name, up to the present element
+    const bool afterOther_;       // the search begins after an element or a node
+    const bool bounded_;          // the parent's end tag ends the search
+    std::uint32_t base_ = 0;      // the first step is matched one level below this depth
+    std::size_t matched_ = 0;     // steps that the open elements below base_ match
+    std::uint32_t passed_ = 0;    // siblings of the first step's name up to the present element
     std::uint32_t metBelow_ = 0;  // matches of a search below, so far
 };
 
@@ -112,7 +111,7 @@ bool StreamSearch::Run() {
     return verdict == Verdict::Found;
 }
 
-// What was found before: the window moves over it.
+// Gives up the element that was found before, as the window moves past it.
 void StreamSearch::LetGo() {
     const std::int32_t last = document_.nextFreePos - 1;
     if (last > 0) BlankStreamRecord(document_, static_cast<std::uint32_t>(last));
@@ -121,14 +120,14 @@ void StreamSearch::LetGo() {
     KeepOpenParent();
 }
 
-// A search that leaves the parent leaves the position in what is still open around it.
+// When the search goes past the parent's end, the position moves to the innermost open ancestor.
 void StreamSearch::KeepOpenParent() {
     if (bounded_) return;
     document_.parentPos = std::min(document_.parentPos, static_cast<std::int32_t>(tags_.Depth()));
 }
 
-// What the open elements meet of the path already. From behind an element a relative search has
-// whatever is open in the parent behind it, too.
+// Counts the steps that the open elements match already. A relative search that begins after an
+// element ignores the elements that are open below the parent, as they are part of that element.
 void StreamSearch::Begin() {
     if (path_.Type() == PathType::Relative) {
         base_ = entered_;
@@ -141,7 +140,7 @@ void StreamSearch::Begin() {
     }
 }
 
-// Of an element that began before, name and count are known, its attributes aren't.
+// For an element that began before the search only the name and the count are known.
 bool StreamSearch::OpenTagMeets(std::uint32_t depth, const PathStep& step) const {
     const std::wstring_view name = tags_.NameAt(depth);
     if (!PathStep::IsAnyName(step.name) && !tags_.IsNamed(depth, step.name)) return false;
@@ -207,7 +206,7 @@ bool StreamSearch::MatchesStep(std::uint32_t level, std::wstring_view name, cons
            (step.test != StepTest::Count || IsTheOneCounted(level, name, step));
 }
 
-// The first step of a relative path counts from behind the present element on.
+// The first step of a relative path counts from after the present element.
 bool StreamSearch::IsTheOneCounted(std::uint32_t level, std::wstring_view name,
                                    const PathStep& step) {
     const bool fromHere = path_.Type() == PathType::Relative && matched_ == 0;
@@ -262,7 +261,7 @@ StreamSearch::Verdict StreamSearch::EndOfText(const NodeScan& scan) {
     return Verdict::Over;
 }
 
-// The next node that isn't part of an element's data.
+// Finds the next node that isn't part of an element's data.
 std::int32_t SkipData(DocumentState& document, TagScanner& scanner, NodeScan& scan) {
     for (;;) {
         const std::int32_t type = scanner.NextNode(scan);
@@ -274,8 +273,8 @@ std::int32_t SkipData(DocumentState& document, TagScanner& scanner, NodeScan& sc
     }
 }
 
-// Reads on to the end tag of the innermost open element, whose start is kept in the window. True
-// when it came, and the record says so.
+// Reads up to the end tag of the innermost open element, whose start stays in the window. True when
+// the end tag was read; the record then has the element's numbers.
 bool ReadToEndTag(DocumentState& document, std::uint32_t level) {
     StreamTagStack& tags = document.channel->openTags;
     ElementRecord record = RecordOf(document, level);
@@ -301,7 +300,7 @@ bool ReadToEndTag(DocumentState& document, std::uint32_t level) {
     return ended;
 }
 
-// Whether what follows the element's start tag hasn't been read yet.
+// Whether the stream's place is still right after the element's start tag.
 bool IsAfterStartTag(const DocumentState& document, std::uint32_t level) {
     const TextFileChannel& channel = *document.channel;
     return channel.cursor != TextFileChannel::kPlaceLost && level == channel.openTags.Depth() &&

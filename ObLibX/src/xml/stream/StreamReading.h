@@ -1,13 +1,14 @@
-// The forward form of moving and reading, for a file that passes by once.
+// Finding and reading elements in one forward pass over a file.
 //
-// The text is a window: what lies before the present element goes when more is read, and the
-// offsets in Result() count from where the window began at the time. An element's record is the one
-// of its level, rewritten with each element there; an end tag length of 1 says that the element is
-// still open. Only the element that was found last can be read, until the next search; of the
-// elements around it the names are kept.
+// The text is a window on the file: the text before the present element is dropped when more is
+// read, and the offsets in Result() count from the start of the window at that time. The record of
+// an element is that of its level, rewritten with each element there; an end tag length of 1 marks
+// an element that is still open. Only the element that was found last can be read, until the next
+// search; of its ancestors only the names are stored.
 //
-// Names of tags are told apart by the case flag as it was at the opening. When memory runs out
-// while the file is read, the place in it is lost: nothing more is found until it is opened anew.
+// Names of tags compare by the case flag as it was when the file was opened. When memory runs out
+// during a read, the place in the file is lost: nothing more is found until the file is opened
+// anew.
 #pragma once
 
 #include <string>
@@ -16,34 +17,34 @@
 
 namespace ObLibX {
 
-// The next element forward that matches. Without a path and with a relative one the search ends
-// with the parent's end tag, otherwise with the file. It passes each element once: a search that
-// fails has used up what it passed, and no element is current then. A step with a child test
-// matches nothing, and so does one with an attribute's test for an element that was open before the
-// search began. A name[N] counts the children of an open element from its first, and on the present
-// level from behind the present element, if there is one.
+// Finds the next element that matches. The search ends with the parent's end tag when there is no
+// path or a relative one, and with the file otherwise. A search that fails leaves no current
+// element, and the elements that it passed can't be found any more. A step with a child test
+// matches nothing. A step with an attribute test doesn't match an element that was open before the
+// search began. name[N] counts the children of an open element from the first one, and on the
+// present level from after the present element, if there is one.
 //
-// A search that leaves the parent, as "/..." and "//..." may, and finds nothing leaves the position
-// in the innermost element around it that is open.
+// Paths as "/..." and "//..." may search past the parent's end. When such a search finds nothing,
+// the position is in the innermost ancestor that is still open.
 //
 // A lone end tag and a node that can't be read end the search too: the position is then on that
-// node (kNodeLoneEndTag, kNodeError), Result() tells what was wrong, and the next search goes on
-// behind it.
+// node (kNodeLoneEndTag, kNodeError), Result() has the error, and the next search continues after
+// the node.
 bool FindElementInStream(DocumentState& document, const wchar_t* path);
 
-// Into the element that was found, as long as it is open: neither written as a single tag nor read
-// to its end by GetData.
+// Enters the element that was found, as long as it is open: it is no empty-element tag, and GetData
+// hasn't read it to its end.
 bool IntoElementInStream(DocumentState& document);
 
-// Up to the parent. What is left of its content is passed over by the next search.
+// Goes up to the parent. The next search skips the rest of its content.
 bool OutOfElementInStream(DocumentState& document);
 
 // The name of the current element, or of the current node.
 std::wstring GetTagNameInStream(const DocumentState& document);
 
-// Reads on to the element's end tag and keeps the whole element in the window as long. Empty, with
-// nothing used up behind it, when a child comes first, or when the element isn't ended. Nodes
-// that can't be read are passed over, and Result() tells them.
+// Reads up to the element's end tag and keeps the whole element in the window meanwhile. Empty when
+// a child comes first or the element has no end; the next search then begins at that child or end.
+// Nodes that can't be read are skipped, and Result() has their errors.
 std::wstring GetDataInStream(DocumentState& document, std::int32_t position);
 
 } // namespace ObLibX

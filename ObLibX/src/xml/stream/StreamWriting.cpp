@@ -23,20 +23,19 @@ bool IsAtEnd(const DocumentState& document) {
            (document.currentPos == 0 || document.currentPos == depth + 1);
 }
 
-// Whether the current element is still a single tag at the end of the text, so that it can be
-// entered.
+// Whether the current element is still one tag at the end of the text, so that it can be entered.
 bool IsSingleTag(const DocumentState& document) {
     const ElementRecord& record = (*document.records)[document.currentPos];
     return record.StartTagLength() != 0 && record.StartTagLength() == record.length;
 }
 
-// Units behind the current element: its line end or nothing.
+// Units after the current element: those of its line end, or 0.
 std::size_t LineEndAfter(const DocumentState& document) {
     return document.channel->lineEndAfter ? kLineEnd.size() : 0;
 }
 
-// Sends the first `length` units of the text to the file. A failed write isn't tried again, as
-// nobody knows how much of it is in the file.
+// Writes the first `length` units of the text to the file. A failed write isn't repeated, as it
+// isn't known how much of it is in the file.
 bool Send(DocumentState& document, std::size_t length, bool flush) {
     TextFileChannel& channel = *document.channel;
     if (std::exchange(channel.writeFailed, true)) return false;
@@ -50,8 +49,9 @@ bool Send(DocumentState& document, std::size_t length, bool flush) {
     return sent;
 }
 
-// What stands before the current element is finished, and so is that one when it is blank; only its
-// line end may have to make way.
+// Writes the text that can't change any more when the whole text is longer than a block: the text
+// before the current element, and that element too when it is complete. The line end after it
+// stays, as the next element may remove it.
 bool SendWhatIsFinished(DocumentState& document) {
     const auto blockSize = static_cast<std::size_t>(document.channel->blockSize);
     ElementRecord& current = RecordOf(document, document.currentPos);
@@ -64,7 +64,7 @@ bool SendWhatIsFinished(DocumentState& document) {
     return true;
 }
 
-// The parent, a single tag until now, becomes a start tag. Its line end comes behind its end tag.
+// Makes a start tag of the parent's one tag. The parent's line end moves after its end tag.
 void OpenParent(DocumentState& document, bool lineEnds) {
     TextFileChannel::OpenElement& open = document.channel->entered.back();
     const ElementRecord& record = RecordOf(document, document.parentPos);
@@ -85,7 +85,7 @@ bool CanBeEnded(const DocumentState& document) {
     return document.channel->openTags.NameAt(depth).size() + kEndTagMarks <= kLongestEndTag;
 }
 
-// Text behind the current element, which gets a line end of its own.
+// Appends text after the current element; with `lineEnd` the text gets a line end of its own.
 void Append(DocumentState& document, std::wstring_view text, bool lineEnd) {
     const std::size_t offset = document.text.size() - (lineEnd ? 0 : LineEndAfter(document));
     document.text.insert(offset, text);
@@ -127,7 +127,7 @@ bool SetAttributeInStream(DocumentState& document, std::int32_t position, const 
     const bool current = IsAtEnd(document) && position == document.currentPos && position != 0 &&
                          RecordOf(document, position).StartTagLength() != 0;
     if (!current || !EditAttribute(document, position, name, value, flags)) return false;
-    // The edit grew what is around the element, which has no length here.
+    // The edit also grew the parent's record, which has no length in a stream.
     BlankStreamRecord(document, static_cast<std::uint32_t>(document.parentPos));
     return true;
 }
@@ -162,7 +162,7 @@ bool OutOfElementInWriting(DocumentState& document) {
         BlankStreamRecord(document, static_cast<std::uint32_t>(child));
     }
     SetPosition(document, document.parentPos - 1, document.parentPos, document.currentPos);
-    SendWhatIsFinished(document); // a failure is told by what is written next, and by the report
+    SendWhatIsFinished(document); // the next write and the report show a failure
     return true;
 }
 
