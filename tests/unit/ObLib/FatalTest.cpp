@@ -33,13 +33,13 @@ TEST(FatalEnd, AFailedCheckNamesItsModuleAndItsLine) {
     EXPECT_FATAL(check(), "Module: ObLib\\Src\\Sample.cpp Line number: " + line + "\n");
 }
 
-TEST(FatalEnd, ACheckThatHoldsDoesNothing) {
+TEST(FatalEnd, ACheckThatIsTrueDoesNothing) {
     int looked = 0;
     ObAssert(++looked == 1);
     EXPECT_EQ(1, looked);
 }
 
-TEST(FatalEnd, AFaultRequestOutOfACheckEndsThereAndExecutionGoesOn) {
+TEST(FatalEnd, AFaultRequestOutOfACheckIsCaughtThereAndExecutionContinues) {
     bool behind = false;
     ObLib::CatchFaultRequest([] { throw ObLib::ObFaultRequest(); });
     behind = true;

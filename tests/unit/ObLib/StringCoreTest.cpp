@@ -69,7 +69,7 @@ TEST(StringCore, ACopyCopiesAnInlineTextAndSharesABlock) {
     EXPECT_TRUE(CopyOf(StringCore())->IsNull());
 }
 
-TEST(StringCore, ACopyTakesTheSecureMarkAndTheBuffer) {
+TEST(StringCore, ACopyTakesTheSecureFlagAndTheBuffer) {
     const auto core = Core(kLong);
     core->secure = 1;
     core->buffer.Resize(3, ObLib::kResizeClears);

@@ -181,7 +181,7 @@ TEST(StringThreads, CopiesOfOneTextAreMadeChangedAndReleasedOnSeveralThreads) {
     EXPECT_EQ(1, shared.Core()->ShareCount());
 }
 
-TEST(StringThreads, TheLimitOfSharersHoldsWhenSeveralThreadsReachIt) {
+TEST(StringThreads, TheLimitOfSharersIsKeptWhenSeveralThreadsReachIt) {
     const ObString shared(kLong);
     std::vector<std::vector<ObString>> copies(3);
     const auto work = [](ObString own, std::vector<ObString>& out) {

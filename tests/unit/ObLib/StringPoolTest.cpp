@@ -28,7 +28,7 @@ protected:
     }
 };
 
-TEST_F(StringPool, ACoreGoesToTheListAndComesFromItsHead) {
+TEST_F(StringPool, AReleasedCoreIsPutOnTheListAndTakenFromItsHead) {
     void* const one = PoolAllocate(kCore);
     void* const other = PoolAllocate(kCore);
     PoolFree(one, kCore);
@@ -63,7 +63,7 @@ TEST_F(StringPool, StringsLiveOnCoresOfTheList) {
     EXPECT_EQ(0u, PoolLength());
 }
 
-TEST_F(StringPool, InTheExitPhaseCoresComeFromTheHeapAndTheListIsGivenBack) {
+TEST_F(StringPool, InTheExitPhaseCoresComeFromTheHeapAndTheListIsReleased) {
     const std::size_t live = LiveBlocks();
     auto early = std::make_unique<ObString>(L"from the list, on the heap");
     { const ObString listed(L"text"); }
@@ -92,7 +92,7 @@ TEST_F(StringPool, AFullListIsALengthError) {
     EXPECT_EQ(2u, PoolLength());
 }
 
-TEST_F(StringPool, AStringWhoseCoreTheListRefusesGoesToTheHeap) {
+TEST_F(StringPool, ACoreThatTheListRefusesIsReleasedToTheHeap) {
     const std::size_t live = LiveBlocks();
     const std::uint64_t limit = ObLib::PoolSetLimit(1);
     { const ObString string(L"a text that is on the heap"); }

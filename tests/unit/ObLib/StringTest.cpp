@@ -42,7 +42,7 @@ TEST(StringBasics, FromAnEmptyTextComesAnEmptyStringThatIsNotNull) {
     EXPECT_FALSE(string.HasText());
 }
 
-TEST(StringBasics, HoldsTextsOfEveryLengthAroundTheBorder) {
+TEST(StringBasics, StoresTextsOfEveryLengthAroundTheInlineLimit) {
     for (const std::size_t units : {1, 11, 12, 13, 14, 1000}) {
         const std::wstring text(units, L'u');
         const ObString string(text.c_str());
@@ -184,7 +184,7 @@ TEST(StringBytes, KindTwoEndsTheProcess) {
     EXPECT_FATAL_ASSERT(ObString(nullptr, 2), "ObString");
 }
 
-TEST(StringSecure, TheMarkGoesWithCopiesAndStaysThroughChanges) {
+TEST(StringSecure, TheSecureFlagIsCopiedAndStaysThroughChanges) {
     ObString string(kLong);
     string.MakeSecure();
     EXPECT_EQ(1, ObString(string).Core()->secure);

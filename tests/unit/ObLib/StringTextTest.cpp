@@ -35,7 +35,7 @@ TEST(StringAppend, ToANullStringMakesAText) {
     EXPECT_EQ(4u, other.Length());
 }
 
-TEST(StringAppend, LeavesTheOtherHoldersOfATextAlone) {
+TEST(StringAppend, ChangesNoOtherStringThatSharesTheText) {
     const ObString one(L"a text that is on the heap");
     ObString other(one);
     other.Append(L"!");
@@ -99,7 +99,7 @@ TEST(StringToLower, FoldsAsTheLibraryDoes) {
     EXPECT_TRUE(none.IsNull());
 }
 
-TEST(StringToLower, LeavesTheOtherHoldersOfATextAlone) {
+TEST(StringToLower, ChangesNoOtherStringThatSharesTheText) {
     const ObString one(L"A TEXT THAT IS ON THE HEAP");
     ObString other(one);
     other.ToLower();

@@ -64,7 +64,7 @@ TEST_F(AddElement, TakesEverySlashFromTheEndOfASingleTagThatItOpens) {
     }
 }
 
-TEST_F(AddElement, WritesAnElementAsItsFlagsSay) {
+TEST_F(AddElement, WritesAnElementByItsFlags) {
     EXPECT_EQ(Written(L"a", nullptr), L"<a/>");
     EXPECT_EQ(Written(L"a", L""), L"<a/>");
     EXPECT_EQ(Written(L"a", nullptr, kAddBlankInEmpty), L"<a />");
@@ -75,7 +75,7 @@ TEST_F(AddElement, WritesAnElementAsItsFlagsSay) {
     EXPECT_EQ(Written(L"a", L"x", kAddBlankInEmpty), L"<a>x</a>");
 }
 
-TEST_F(AddElement, SplitsASectionWhereItsEndMarkStands) {
+TEST_F(AddElement, SplitsACdataSectionWhereTheValueContainsItsEnd) {
     EXPECT_EQ(Written(L"a", L"a]]>b", kAddCdata), L"<a><![CDATA[a]]]]><![CDATA[>b]]></a>");
     for (const wchar_t* value :
          {L"a]]>b", L"]]>", L"]]>]]>", L"]]]>", L"x]]", L"x]", L"]>", L">"}) {
@@ -101,7 +101,7 @@ TEST_F(AddElement, FillsTheRecord) {
     EXPECT_TRUE((*document_.State().records)[1].Has(kRecordUnended));
 }
 
-TEST_F(AddElement, StandsOnTheNewElement) {
+TEST_F(AddElement, MakesTheNewElementCurrent) {
     Load(L"<a><b/></a>");
     Stand(1, 2);
     EXPECT_TRUE(Add(L"c", nullptr, 0));
@@ -117,14 +117,14 @@ TEST_F(AddElement, StandsOnTheNewElement) {
     EXPECT_TRUE((document_.Flags() & kDocModified) != 0);
 }
 
-TEST_F(AddElement, PutsALineEndBehindInAnEmptyDocument) {
+TEST_F(AddElement, PutsALineEndAfterTheElementInAnEmptyDocument) {
     EXPECT_EQ(Added(0), L"<n/>\r\n");
     EXPECT_TRUE(Add(L"m", nullptr, 0));
     EXPECT_EQ(document_.Text(), L"<n/>\r\n<m/>\r\n");
     ExpectAsIndexedAnew(document_);
 }
 
-TEST_F(AddElement, GoesBehindTheCurrentElementAndTheWhiteSpaceThere) {
+TEST_F(AddElement, AddsAfterTheCurrentElementAndItsWhiteSpace) {
     Load(L"<r>\r\n<a/>\r\n<b/>\r\n</r>");
     Stand(1, 2);
     EXPECT_EQ(Added(0), L"<r>\r\n<a/>\r\n<n/>\r\n<b/>\r\n</r>");
@@ -145,7 +145,7 @@ TEST_F(AddElement, SkipsNoWhiteSpaceWithoutLineEnds) {
     EXPECT_EQ(Added(kAddNoLineEnds), L"<r><a/><n/>\r\n<b/></r>");
 }
 
-TEST_F(AddElement, GoesBeforeTheCurrentElement) {
+TEST_F(AddElement, AddsBeforeTheCurrentElement) {
     Load(L"<r> <a/><b/></r>");
     Stand(1, 2);
     EXPECT_EQ(Added(kAddBefore), L"<r> <n/>\r\n<a/><b/></r>");
@@ -154,7 +154,7 @@ TEST_F(AddElement, GoesBeforeTheCurrentElement) {
     EXPECT_EQ(Added(kAddBefore | kAddNoLineEnds), L"<r> <a/><n/><b/></r>");
 }
 
-TEST_F(AddElement, GoesToTheEndOfTheContentAndIsLinkedLastWithoutACurrentElement) {
+TEST_F(AddElement, AddsAtTheEndOfTheContentAndLinksLastWithoutACurrentElement) {
     Load(L"<r><a/>text</r>");
     Stand(1, 0);
     EXPECT_EQ(Added(0), L"<r><a/>text<n/>\r\n</r>");
@@ -165,7 +165,7 @@ TEST_F(AddElement, GoesToTheEndOfTheContentAndIsLinkedLastWithoutACurrentElement
     EXPECT_EQ(Added(0), L"<a/><n/>\r\n");
 }
 
-TEST_F(AddElement, GoesToTheStartOfTheContentWhenAskedTo) {
+TEST_F(AddElement, AddsAtTheStartOfTheContentWithItsFlag) {
     for (const std::uint32_t flag : {kAddAtStart, kAddBefore}) {
         Load(L"<r>text<a/></r>");
         Stand(1, 0);
@@ -263,7 +263,7 @@ TEST_F(AddElement, PutsALineEndBeforeTheFirstContent) {
     EXPECT_EQ(Added(0), L"<p> <n/>\r\n</p>");
 }
 
-TEST_F(AddElement, GoesBehindTheCurrentNode) {
+TEST_F(AddElement, AddsAfterTheCurrentNode) {
     Load(L"<r><a/><!--c--><b/></r>");
     Stand(1, 2);
     PutOnNode(document_, kNodeComment, L"<!--c-->");
@@ -275,7 +275,7 @@ TEST_F(AddElement, GoesBehindTheCurrentNode) {
     EXPECT_EQ(Added(0), L"<r><a/><!--c-->  <n/>\r\n<b/></r>");
 }
 
-TEST_F(AddElement, GoesBeforeTheCurrentNode) {
+TEST_F(AddElement, AddsBeforeTheCurrentNode) {
     Load(L"<r><!--c--><b/></r>");
     Stand(1, 0);
     PutOnNode(document_, kNodeComment, L"<!--c-->");
@@ -352,7 +352,7 @@ TEST_F(AddElement, RefusesAChildInStreamWriting) {
     EXPECT_FALSE(document_.FindChildElement());
 }
 
-TEST_F(AddElement, RefusesANameThatTheEndTagCannotHold) {
+TEST_F(AddElement, RefusesANameThatMakesTheEndTagTooLong) {
     const std::wstring longest(1020, L'a');
     const std::wstring tooLong(1021, L'a');
     Load(L"<r/>");
@@ -368,7 +368,7 @@ TEST_F(AddElement, RefusesANameThatTheEndTagCannotHold) {
     ExpectAsIndexedAnew(document_);
 }
 
-TEST_F(AddElement, RefusesANameThatTheStartTagCannotHold) {
+TEST_F(AddElement, RefusesANameThatMakesTheStartTagTooLong) {
     const std::wstring longest(kLongestStartTag - 3, L'a');
     const std::wstring tooLong = longest + L"a";
     ExpectRefused(tooLong.c_str(), nullptr, 0);
@@ -408,7 +408,7 @@ TEST_F(AddElement, StaysSoundInATextThatIsBadlyFormed) {
     }
 }
 
-TEST_F(AddElement, AddsTwoHundredThousandElementsOneBehindTheOther) {
+TEST_F(AddElement, AddsTwoHundredThousandSiblings) {
     constexpr std::int32_t kCount = 200000;
     Load(L"<r/>");
     Stand(1, 0);

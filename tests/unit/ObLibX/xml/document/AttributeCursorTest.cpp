@@ -115,7 +115,7 @@ void WalkStream(XmlOffsetDocument& document, std::wstring& out) {
 
 } // namespace
 
-TEST(AttributeCursors, GiveNamesAndDecodedValuesInTheOrderOfTheTag) {
+TEST(AttributeCursors, ReturnNamesAndDecodedValuesInTheOrderOfTheTag) {
     EXPECT_EQ(WalkedIn(L"<a b=\"1\" c='&lt;2&#65;' d=3\r\n e = ' x '/>"),
               L"[b|1][c|<2A][d|3][e| x ]");
     EXPECT_EQ(WalkedIn(L"<a/>"), L"");
@@ -133,7 +133,7 @@ TEST(AttributeCursors, GiveEachOfSeveralWithOneNameItsOwnValue) {
     EXPECT_EQ(WalkedIn(L"<a b='1' B='2'/>", kDocIgnoreCase), L"[b|1][B|2]");
 }
 
-TEST(AttributeCursors, TrimAsTheDocumentSays) {
+TEST(AttributeCursors, TrimByTheFlagsOfTheDocument) {
     EXPECT_EQ(WalkedIn(L"<a b='  1  2 ' c='&#32;'/>", kDocTrim), L"[b|1  2][c| ]");
     EXPECT_EQ(WalkedIn(L"<a b='  1  2 '/>", kDocCollapse), L"[b|1 2]");
 }
@@ -186,7 +186,7 @@ TEST(AttributeCursors, FindNothingWhereThereIsNoTag) {
     EXPECT_EQ(Walked(document), L"");
 }
 
-TEST(AttributeCursors, StayBehindTheLastAttributeUntilTheyBeginAnew) {
+TEST(AttributeCursors, StayPastTheLastAttributeUntilTheyBeginAnew) {
     XmlOffsetDocument document;
     document.SetText(L"<a b='1' c/>");
     AttributeCursor attributes(1);
@@ -274,7 +274,7 @@ TEST(AttributeCursors, LookForALongTagsNameOnceOnly) {
     EXPECT_LT(longName, 20 * shortName + 0.5);
 }
 
-TEST(AttributeCursors, ReadTheElementThatAStreamStandsOn) {
+TEST(AttributeCursors, ReadTheCurrentElementOfAStream) {
     constexpr wchar_t kText[] = L"<r a=\"1\" b='&lt;2>'><e/><e x x='y' z=q>text</e>\r\n"
                                 L"<deep long_name_of_one='v'><in w=1 /></deep></r>";
     constexpr wchar_t kExpected[] = L"r: [a|1][b|<2>]\ne: \ne: [x|x][x|y][z|q]\n"

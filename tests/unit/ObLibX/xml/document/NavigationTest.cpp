@@ -196,7 +196,7 @@ TEST_F(Navigation, TakesZeroForTheNameOfAChildWhichNoneHas) {
     EXPECT_EQ(Find(L"a[01]"), L"-");
 }
 
-TEST_F(Navigation, AsksForAttributes) {
+TEST_F(Navigation, FindsByAttributeTests) {
     Load(kTree);
     EXPECT_EQ(FindFromStart(L"r/a[@k]"), L"3");
     EXPECT_EQ(FindFromStart(L"r/a[@z]"), L"-");
@@ -225,7 +225,7 @@ TEST_F(Navigation, ComparesValuesAfterDecoding) {
     EXPECT_EQ(FindFromStart(L"a[@k=' x ']"), L"1");
 }
 
-TEST_F(Navigation, AsksForAChild) {
+TEST_F(Navigation, FindsByChildTests) {
     Load(kTree);
     EXPECT_EQ(FindFromStart(L"r/a[c]"), L"3");
     EXPECT_EQ(FindFromStart(L"r/a[*]"), L"1");
@@ -318,7 +318,7 @@ TEST_F(Navigation, GoesIntoAndOutOfElements) {
     EXPECT_FALSE(document_.OutOfElement());
 }
 
-TEST_F(Navigation, GoesOutFromBeforeTheFirstChild) {
+TEST_F(Navigation, GoesUpFromBeforeTheFirstChild) {
     Load(kTree);
     EnterRoot();
     EXPECT_TRUE(document_.OutOfElement());

@@ -131,7 +131,7 @@ TEST(ParserLimits, ANameTooLongForATagIsLeftOutOfItsReport) {
     EXPECT_EQ(ReportsOf(document), "<lone_end_tag offset=\"4\"/>");
 }
 
-TEST(ParserLimits, AnEndTagMayHaveAsManyUnitsAsItsFieldHolds) {
+TEST(ParserLimits, AnEndTagMayHaveAsManyUnitsAsItsFieldCanCount) {
     XmlOffsetDocument document;
     EXPECT_TRUE(document.SetText(std::wstring_view(L"<a></a" + std::wstring(1019, L' ') + L">")));
     EXPECT_EQ((*document.State().records)[1].EndTagLength(), 1023u);

@@ -64,7 +64,7 @@ private:
 
 std::wstring TextOf(std::uint32_t seed) { return Texts(seed).Take(); }
 
-TEST(ParserRandom, EveryIndexHoldsTogether) {
+TEST(ParserRandom, EveryIndexIsConsistent) {
     XmlOffsetDocument document;
     int good = 0;
     int bad = 0;

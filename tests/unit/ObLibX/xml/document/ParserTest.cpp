@@ -54,7 +54,7 @@ TEST_F(Parser, GivesOtherNodesNoRecord) {
     EXPECT_EQ(document_.State().nextFreePos, 2);
 }
 
-TEST_F(Parser, GoesThroughTheSegments) {
+TEST_F(Parser, FillsSeveralSegments) {
     std::wstring text = L"<r>";
     for (int i = 0; i < 200000; ++i) {
         text += L"<a/>";
@@ -151,7 +151,7 @@ TEST_F(Parser, SeveralUnendedElementsAreReportedFromTheInnermostOn) {
               "e 13+4 tags 4/0 level 4 parent 1 child 0 next 0 prev 4\n");
 }
 
-TEST_F(Parser, TheMarkOfAnUnendedElementMovesToItsParent) {
+TEST_F(Parser, TheFlagOfAnUnendedElementMovesToItsParent) {
     EXPECT_FALSE(Set(L"<a><b><1></a>"));
     EXPECT_EQ(RecordsOf(document_),
               "a 0+13 tags 3/4 level 1 parent 0 child 2 next 0 prev 1 first below\n"
@@ -168,7 +168,7 @@ TEST_F(Parser, StopsAfterTheMatchThatWasFoundLower) {
               "b 6+3 tags 3/0 level 3 parent 2 child 0 next 0 prev 3 first unended\n");
 }
 
-TEST_F(Parser, ALoneEndTagIsReportedAndStopsIt) {
+TEST_F(Parser, ALoneEndTagIsReportedAndStopsTheParsing) {
     EXPECT_FALSE(Set(L"</a>"));
     EXPECT_EQ(ReportsOf(document_), "<lone_end_tag tagname=\"a\" offset=\"0\"/><no_root_element/>");
     EXPECT_TRUE(Root().Has(kRecordBad));
@@ -178,7 +178,7 @@ TEST_F(Parser, ALoneEndTagIsReportedAndStopsIt) {
     EXPECT_EQ(document_.State().nextFreePos, 2);
 }
 
-TEST_F(Parser, ALoneEndTagInsideLeavesTheElementsAroundOpenWithTheirChildren) {
+TEST_F(Parser, ALoneEndTagLeavesItsAncestorsOpenWithTheirChildren) {
     EXPECT_FALSE(Set(L"<a><b><c/></x></b></a>"));
     EXPECT_EQ(ReportsOf(document_), "<lone_end_tag tagname=\"x\" offset=\"10\"/>");
     EXPECT_EQ(RecordsOf(document_),
@@ -206,7 +206,7 @@ TEST_F(Parser, ChildrenOfAnUnendedRootBecomeRootsToo) {
               "b 3+4 tags 4/0 level 2 parent 0 child 0 next 0 prev 1\n");
 }
 
-TEST_F(Parser, AScanErrorMarksTheDocumentAndTheInnermostElementAndGoesOn) {
+TEST_F(Parser, AScanErrorMarksTheDocumentAndTheInnermostElementAndParsingContinues) {
     EXPECT_FALSE(Set(L"<a><b><1></b><c/></a>"));
     EXPECT_EQ(ReportsOf(document_), "<first_tag_syntax offset=\"7\"/>");
     EXPECT_EQ(RecordsOf(document_),
@@ -223,14 +223,14 @@ TEST_F(Parser, AnUnquotedSlashDoesNotEndTheElement) {
     EXPECT_TRUE(Set(L"<a href=\"x\"/>"));
 }
 
-TEST_F(Parser, ReportsStandOneBehindTheOther) {
+TEST_F(Parser, ReportsFollowEachOther) {
     EXPECT_FALSE(Set(L"<1><!-x<a><![b></a>"));
     EXPECT_EQ(ReportsOf(document_),
               "<first_tag_syntax offset=\"1\"/><comment_tag_syntax offset=\"6\"/>"
               "<cdata_section_syntax offset=\"13\"/>");
 }
 
-TEST_F(Parser, ReportsStopAtTheLimitAndTheIndexGoesOn) {
+TEST_F(Parser, ReportsStopAtTheLimitAndIndexingContinues) {
     std::wstring text = L"<a>";
     for (int i = 0; i < 5000; ++i) {
         text += L"<1><b/>";
@@ -263,7 +263,7 @@ TEST_F(Parser, AReportOfExactlyTheLimitTakesNoMore) {
 
 // A document type with all its declarations is one step of the scanner, whose reports have a limit
 // of their own.
-TEST_F(Parser, TheReportsOfOneStepGoInWholeAndNothingBehindThem) {
+TEST_F(Parser, TheReportsOfOneStepAreAppendedInFullPastTheLimit) {
     std::wstring text = L"<1><2><!D";
     for (int i = 0; i < 200; ++i) {
         text += L" <!x>";

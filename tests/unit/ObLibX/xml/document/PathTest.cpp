@@ -14,14 +14,14 @@ TEST(XmlPath, IsAnyElementWhenItIsEmptyOrNull) {
     }
 }
 
-TEST(XmlPath, TellsWhereTheSearchBegins) {
+TEST(XmlPath, ReportsWhereTheSearchBegins) {
     EXPECT_EQ(XmlPath(L"a/b").Type(), PathType::Relative);
     EXPECT_EQ(XmlPath(L"/a/b").Type(), PathType::Absolute);
     EXPECT_EQ(XmlPath(L"//a").Type(), PathType::Below);
     EXPECT_EQ(static_cast<int>(PathType::Below), 3);
 }
 
-TEST(XmlPath, ReadsEachStepWhereItStands) {
+TEST(XmlPath, ReadsEachStepInPlace) {
     const wchar_t* const text = L"a/*/c:d-e";
     const XmlPath path(text);
     ASSERT_EQ(path.StepCount(), 3u);
@@ -32,7 +32,7 @@ TEST(XmlPath, ReadsEachStepWhereItStands) {
     EXPECT_FALSE(PathStep::IsAnyName(L"**"));
 }
 
-TEST(XmlPath, ReadsMoreStepsThanItHoldsItself) {
+TEST(XmlPath, ReadsMoreStepsThanItStoresInline) {
     const XmlPath path(L"a/b/c/d/e/f/g");
     ASSERT_EQ(path.StepCount(), 7u);
     EXPECT_EQ(path[3].name, L"d");

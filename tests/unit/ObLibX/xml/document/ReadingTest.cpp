@@ -54,7 +54,7 @@ TEST_F(Reading, NamesNodesByTheirKind) {
     EXPECT_EQ(document_.GetTagName(), L"");
 }
 
-TEST_F(Reading, NamesADocumentTypeByTheTokenBehindItsKeyword) {
+TEST_F(Reading, NamesADocumentTypeByTheTokenAfterItsKeyword) {
     Load(L"<!DOCTYPE html SYSTEM 'x'><html/>");
     PutOnNode(document_, kNodeDocType, L"<!DOCTYPE html SYSTEM 'x'>");
     EXPECT_EQ(document_.GetTagName(), L"html");
@@ -88,7 +88,7 @@ TEST_F(Reading, KeepsTheSlashOfAnUnquotedValue) {
     EXPECT_EQ(Attribute(L"z"), L"1");
 }
 
-TEST_F(Reading, DecodesAttributesAndTrimsThemAsTheDocumentSays) {
+TEST_F(Reading, DecodesAttributesAndTrimsThemByTheDocumentsFlags) {
     Load(L"<a b=' &lt;&#65;&quot;  &nosuch; '/>");
     EXPECT_EQ(Attribute(L"b"), L" <A\"  &nosuch; ");
     document_.SetFlags(kDocTrim);
@@ -130,7 +130,7 @@ TEST_F(Reading, GivesNothingWhereThereIsNoElement) {
     EXPECT_EQ(Attribute(L"b"), L"");
 }
 
-TEST_F(Reading, EnumeratesAttributeNamesAsTheyStand) {
+TEST_F(Reading, EnumeratesAttributeNamesUndecoded) {
     Load(L"<a Bee='x=y' c d = 3 e=\"f g\"/>");
     const wchar_t* const expected[] = {L"Bee", L"c", L"d", L"e", L"", L""};
     std::int32_t index = 0;
@@ -165,7 +165,7 @@ TEST_F(Reading, ReadsNoAttributesOfOtherNodes) {
     EXPECT_EQ(document_.GetAttribute(0, L"b"), L"");
 }
 
-TEST_F(Reading, DecodesDataThatHoldsNoTag) {
+TEST_F(Reading, DecodesDataThatContainsNoTag) {
     Load(L"<a> x &lt; y </a>");
     EXPECT_EQ(Data(), L" x < y ");
     document_.SetFlags(kDocTrim);
@@ -236,7 +236,7 @@ TEST_F(Reading, ReadsAnElementBesideTheCurrentNode) {
     EXPECT_EQ(document_.GetData(2), L"x");
 }
 
-TEST_F(Reading, GivesNoDataBehindAStartTagTooLongForTheIndex) {
+TEST_F(Reading, ReturnsNoDataAfterAStartTagTooLongForItsRecord) {
     const std::wstring blanks(0x400000, L' ');
     document_.SetText(std::wstring_view(L"<a" + blanks + L"x='1'>data</a>"));
     EXPECT_EQ(Data(), L"");

@@ -53,7 +53,7 @@ TEST_F(SetAttribute, GivesAValueToAnAttributeThatHasNone) {
     EXPECT_EQ(Set(L"<a x= />"), L"<a x= \"1\"/>");
 }
 
-TEST_F(SetAttribute, AddsBehindTheLastToken) {
+TEST_F(SetAttribute, AddsAfterTheLastToken) {
     EXPECT_EQ(Set(L"<a/>"), L"<a x=\"1\"/>");
     EXPECT_EQ(Set(L"<a />"), L"<a x=\"1\" />");
     EXPECT_EQ(Set(L"<a>t</a>"), L"<a x=\"1\">t</a>");
@@ -67,7 +67,7 @@ TEST_F(SetAttribute, AddsBehindTheLastToken) {
     EXPECT_EQ(Set(L"<a y='2' / >t</a>"), L"<a y='2' x=\"1\" / >t</a>");
 }
 
-TEST_F(SetAttribute, AddsBehindAnUnquotedValueThatEndsInAnEqualsSign) {
+TEST_F(SetAttribute, AddsAfterAnUnquotedValueThatEndsWithAnEqualsSign) {
     EXPECT_EQ(Set(L"<a k=Zm9vYg==>t</a>"), L"<a k=Zm9vYg== x=\"1\">t</a>");
     EXPECT_EQ(document_.GetAttribute(1, L"k"), L"Zm9vYg==");
     EXPECT_EQ(Set(L"<a k=b= />"), L"<a k=b= x=\"1\" />");
@@ -91,7 +91,7 @@ TEST_F(SetAttribute, TakesTheNameUpToWhereACallersNameEnds) {
     }
 }
 
-TEST_F(SetAttribute, GivesAValueToAnAttributeAfterAValueThatEndsInAnEqualsSign) {
+TEST_F(SetAttribute, GivesAValueToAnAttributeAfterAValueThatEndsWithAnEqualsSign) {
     EXPECT_EQ(Set(L"<a y== x>t</a>"), L"<a y== x=\"1\">t</a>");
     EXPECT_EQ(document_.GetAttribute(1, L"y"), L"=");
     EXPECT_EQ(Set(L"<a y=b= x z>t</a>"), L"<a y=b= x=\"1\" z>t</a>");
@@ -164,7 +164,7 @@ TEST_F(SetAttribute, AddsToAnInstructionWhereItCanBeReadAgain) {
     }
 }
 
-TEST_F(SetAttribute, ChangesAnInstructionWhereverItStands) {
+TEST_F(SetAttribute, ChangesAnInstructionAnywhereInTheText) {
     for (const wchar_t* text : {L"<r><a/><?p?><b/></r>", L"<r><?p?></r>", L"<r><?p?><b/></r>",
                                 L"<r><a><c/></a><?p?></r>"}) {
         document_.SetText(text);
@@ -207,7 +207,7 @@ TEST_F(SetAttribute, RefusesWhatItCannotWrite) {
     document_.State().docFlags &= ~kDocStreamRead;
 }
 
-TEST_F(SetAttribute, RefusesAValueThatTheStartTagCannotHold) {
+TEST_F(SetAttribute, RefusesAValueThatMakesTheStartTagTooLong) {
     document_.SetText(L"<a/>");
     const std::wstring longest(kLongestStartTag - 9, L'v'); // <a x=""/>
     ExpectRefused(1, L"x", (longest + L"v").c_str());

@@ -116,7 +116,7 @@ protected:
     DocumentState document_;
 };
 
-TEST_F(TableTaking, GoesByTheHalfWhenTheTableIsFull) {
+TEST_F(TableTaking, GrowsByHalfWhenTheTableIsFull) {
     document_.records->Grow(8);
     for (std::int32_t i = 1; i < 8; ++i) {
         EXPECT_EQ(TakeRecord(document_), i);
@@ -143,7 +143,7 @@ TEST_F(TableTaking, TakesAFreedRecordFirst) {
     EXPECT_EQ(document_.records->Size(), 8u);
 }
 
-TEST_F(TableTaking, GoesThroughTheSegments) {
+TEST_F(TableTaking, FillsSeveralSegments) {
     document_.records->Grow(8);
     for (std::int32_t i = 1; i < 200000; ++i) {
         ASSERT_EQ(TakeRecord(document_), i);
@@ -156,7 +156,7 @@ TEST_F(TableTaking, GoesThroughTheSegments) {
 
 // ---- The record
 
-TEST(TableRecord, HoldsTagLengthsThatFitAndTheHighestForOthers) {
+TEST(TableRecord, StoresTagLengthsThatFitAndTheHighestValueForOthers) {
     ElementRecord record{};
     record.SetTagLengths(4194303, 1023);
     EXPECT_EQ(record.tagLengths, 0xFFFFFFFFu);

@@ -37,13 +37,13 @@ TEST(Utf16Boundary, GivesBackALastSurrogateOfEitherKind) {
     EXPECT_EQ(Back(L"UTF-16", std::u16string(1, char16_t{0xD83D})), 2);
 }
 
-TEST(Utf16Boundary, GivesNothingBackBehindAnyOtherUnit) {
+TEST(Utf16Boundary, GivesNothingBackAfterAnyOtherUnit) {
     for (const char16_t last : {0x0000, 0x0041, 0xD7FF, 0xE000, 0xFFFF}) {
         EXPECT_EQ(Back(L"UTF-16", std::u16string{0xD83D, last}), 0);
     }
 }
 
-TEST(Utf8Boundary, GivesNothingBackBehindAWholeCharacter) {
+TEST(Utf8Boundary, GivesNothingBackAfterAWholeCharacter) {
     for (const char* text : {"a", "ab", "\xC3\xA9", "a\xC3\xBF", "\xE2\x82\xAC", "a\xE4\xBF\xBF",
                              "\xF0\x9F\x98\x80", "a\xF4\x8F\xBF\xBF", "\x7F"}) {
         EXPECT_EQ(Back(L"UTF-8", std::string(text)), 0) << text;
@@ -75,7 +75,7 @@ TEST(Utf8Boundary, NeverCutsACharacterWhereverTheBlockEnds) {
     }
 }
 
-TEST(Utf8Boundary, GivesBackWhatIsBehindTheLastCharacterThatCanBeRead) {
+TEST(Utf8Boundary, GivesBackTheBytesAfterTheLastReadableCharacter) {
     EXPECT_EQ(Back(L"UTF-8", std::string("ab\xFF")), 1);
     EXPECT_EQ(Back(L"UTF-8", std::string("ab\xFF\xFE\xF8\xFF\xFF")), 5);
     EXPECT_EQ(Back(L"UTF-8", std::string("ab\x85\x81")), 0); // a stray byte leads a sequence
@@ -105,7 +105,7 @@ TEST(PageBoundary, TakesTheSystemsPageForAnEmptyNameAndForAnUnknownOne) {
     const std::int32_t expected = ObLibX::SystemCodePage() == 65001 ? 1 : 0;
     if (ObLibX::SystemCodePage() != 1252 && ObLibX::SystemCodePage() != 65001) {
         GTEST_SKIP() << "the system's page is " << ObLibX::SystemCodePage()
-                     << "; encodings_double_test sets it";
+                     << "; encodings_fake_system_test sets it";
     }
     EXPECT_EQ(Back(L"", std::string("abcdefgh\xE2")), expected);
     EXPECT_EQ(Back(L"no such name", std::string("abcdefgh\xE2")), expected);
@@ -162,7 +162,7 @@ TEST(PageBoundary, NeverCutsACharacterOfADoubleBytePage) {
         }
     }
     if (tried == 0) {
-        GTEST_SKIP() << "no double-byte page here; encodings_double_test has one";
+        GTEST_SKIP() << "no double-byte page here; encodings_fake_system_test has one";
     }
 }
 
@@ -184,7 +184,7 @@ TEST(PageBoundary, IsFoundInAnyOrdinaryTextOfADoubleBytePage) {
 
 TEST(PageBoundary, IsNotThereForAListedPageThatTheSystemLacks) {
     if (obtest::HasPage(52936)) {
-        GTEST_SKIP() << "this system has page 52936; encodings_double_test lacks one";
+        GTEST_SKIP() << "this system has page 52936; encodings_fake_system_test lacks one";
     }
     EXPECT_EQ(Back(L"hz-gb-2312", std::string(100, 'a')), -1);
 }

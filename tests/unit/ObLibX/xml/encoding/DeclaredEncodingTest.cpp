@@ -88,7 +88,7 @@ TEST(DeclaredEncoding, PassesOverOtherMetasAndElements) {
     EXPECT_EQ(GetDeclaredEncoding(L"<html>" + good), L"utf-8");
 }
 
-TEST(DeclaredEncoding, IsNoneBehindTheHead) {
+TEST(DeclaredEncoding, IsNoneAfterTheHead) {
     const std::wstring good = L"<meta http-equiv='Content-Type' content='charset=utf-8'>";
     EXPECT_EQ(GetDeclaredEncoding(L"<html><head></head>" + good + L"</html>"), L"");
     EXPECT_EQ(GetDeclaredEncoding(L"<html><head></HEAD>" + good + L"</html>"), L"");
@@ -103,7 +103,7 @@ TEST(DeclaredEncoding, IsNoneWhenTheFirstElementIsNotHtml) {
     EXPECT_EQ(GetDeclaredEncoding(L"<htmlx>" + good), L"");
 }
 
-TEST(DeclaredEncoding, IsNoneBehindAScanErrorAndAtTheEnd) {
+TEST(DeclaredEncoding, IsNoneAfterAScanErrorAndAtTheEnd) {
     const std::wstring good = L"<meta http-equiv='Content-Type' content='charset=utf-8'>";
     EXPECT_EQ(GetDeclaredEncoding(L"<html><1>" + good), L"");
     EXPECT_EQ(GetDeclaredEncoding(L"<html><!-x>" + good), L"");

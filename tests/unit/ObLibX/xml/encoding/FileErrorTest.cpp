@@ -93,7 +93,7 @@ TEST(FileError, LeavesWhatWasReadBeforeIt) {
     }
 }
 
-TEST(FileError, EndsReadingMoreBehindWhatWasReadBeforeIt) {
+TEST(FileError, KeepsTheTextThatWasReadBeforeIt) {
     const ScratchFile file(std::string(kLongFile, 'a'));
     TextFileChannel channel = FailingReader(file, 0);
     std::wstring text = L"before";

@@ -189,7 +189,7 @@ TEST(ReadText, GivesNothingBackInTheLastBlock) {
     EXPECT_NE(block.report.find(R"(length="4")"), std::string::npos);
 }
 
-TEST(ReadText, ReportsABlockWithoutABoundaryAndUsesItAsItStands) {
+TEST(ReadText, ReportsABlockWithoutABoundaryAndUsesItUnchanged) {
     const Block named("\xF0\x9F\x98\x80", 3, L"UTF-8");
     EXPECT_TRUE(named.good);
     EXPECT_EQ(named.report.find(
@@ -218,7 +218,7 @@ TEST(ReadText, ReadsEveryBlockSizeToTheSameText) {
 
 TEST(ReadText, ReadsADoubleBytePageInEveryBlockSize) {
     if (!obtest::HasPage(932)) {
-        GTEST_SKIP() << "no code page 932 here; encodings_double_test reads one of its own";
+        GTEST_SKIP() << "no code page 932 here; encodings_fake_system_test reads one of its own";
     }
     std::string content;
     for (int i = 0; i < 50; ++i) {
@@ -242,7 +242,7 @@ TEST(ReadText, DropsNulBytes) {
     EXPECT_NE(nothing.report.find(R"(<nulls_removed count="4"/>)"), std::string::npos);
 }
 
-TEST(ReadText, LosesNothingWhenNulsLieBehindABoundary) {
+TEST(ReadText, LosesNothingWhenNulsFollowABoundary) {
     // What goes back has NULs in and around it, in the file but not in the block.
     const std::string content("ab\0\xE2\0\x82\0\0\xAC\0cd\0\xC3\0\xA9\0e", 19);
     for (std::int32_t size = 6; size <= 20; ++size) { // a character and its NULs
@@ -353,7 +353,7 @@ TEST(ReadText, TakesAFileThatEndsEarlyForEndedThere) {
                                         R"(<converted_to encoding="UTF-16" length="5"/>)");
 }
 
-TEST(ReadText, AsksNothingOfAFileThatIsBehindItsEnd) {
+TEST(ReadText, ReadsNothingPastTheEndOfTheFile) {
     const ScratchFile file("content");
     TextFileChannel channel = Reader(file, 3);
     channel.fileOffset = 4'000'000'000u;
@@ -414,7 +414,7 @@ TEST(ReadMore, AppendsABlockOfTheSizeRoundedDownToFourPlusFour) {
     EXPECT_EQ(stream.channel.blockSize, 11);
 }
 
-TEST(ReadMore, DropsTheDeadFrontAndSaysHowMuch) {
+TEST(ReadMore, DropsTheUnusedFrontAndReportsItsLength) {
     Stream stream("0123456789abcdefghijklmnopqrstuvwxyz", 8);
     EXPECT_TRUE(stream.channel.ReadMore());
     EXPECT_EQ(stream.text, L"0123456789ab");
@@ -437,7 +437,7 @@ TEST(ReadMore, DoublesTheBlockWhenMoreThanHalfIsInUse) {
     EXPECT_EQ(stream.channel.blockSize, 16);
 }
 
-TEST(ReadMore, GoesOnThoughTheTextIsLongerThanABlock) {
+TEST(ReadMore, AddsTextAlthoughTheTextIsLongerThanABlock) {
     Stream stream(std::string(100, 'x'), 4);
     stream.text = std::wstring(1'000, L'y');
     stream.channel.bufferKeepFrom = 0;

@@ -50,7 +50,7 @@ std::basic_string<To> Convert(const std::wstring& fromEncoding, const std::basic
 #define SKIP_WITHOUT_PAGE(page)                                                                    \
     if (!obtest::HasPage(page)) {                                                                  \
         GTEST_SKIP() << "this system has no code page " << page                                    \
-                     << "; encodings_double_test holds the same rule on a system of its own";      \
+                     << "; encodings_fake_system_test holds the same rule on a system of its own"; \
     }
 
 // Characters at each edge of the encodings' lengths.
@@ -100,14 +100,14 @@ TEST(TextConverter, JoinsAHighSurrogateWithWhateverFollows) {
     EXPECT_EQ(Convert<char32_t>(L"UTF-16", twoHigh, L"UTF-32"), (std::u32string{0x10001, U'B'}));
 }
 
-TEST(TextConverter, MakesAHighSurrogateAtTheEndOrBeforeANulAQuestionMark) {
+TEST(TextConverter, ReplacesAHighSurrogateAtTheEndOrBeforeANulByAQuestionMark) {
     const std::u16string atEnd = {u'a', 0xD83D};
     EXPECT_EQ(Convert<char32_t>(L"UTF-16", atEnd, L"UTF-32"), U"a?");
     const std::u16string beforeNul = {0xDBFF, 0, u'b'};
     EXPECT_EQ(Convert<char32_t>(L"UTF-16", beforeNul, L"UTF-32"), (std::u32string{U'?', 0, U'b'}));
 }
 
-TEST(TextConverter, LeavesALowSurrogateByItselfAsItIs) {
+TEST(TextConverter, KeepsALowSurrogateWithoutAHighOne) {
     const std::u16string low = {0xDC00, u'x', 0xDFFF};
     EXPECT_EQ(Convert<char32_t>(L"UTF-16", low, L"UTF-32"), (std::u32string{0xDC00, U'x', 0xDFFF}));
 }
@@ -137,7 +137,7 @@ TEST(TextConverter, TestsContinuationBytesForTheTopBitOnly) {
               (std::u32string{2 << 12 | 0x3F << 6}));
 }
 
-TEST(TextConverter, MakesABadUtf8SequenceOneQuestionMark) {
+TEST(TextConverter, ReplacesABadUtf8SequenceByOneQuestionMark) {
     struct Case {
         const char* bytes;
         const char32_t* text;
@@ -180,7 +180,7 @@ TEST(TextConverter, ReadsTextAtAnyAddress) {
     EXPECT_EQ(place, " \xE2\x82\xAC");
 }
 
-TEST(TextConverter, StopsItsOwnCodersBehindTheLastCharacterThatFits) {
+TEST(TextConverter, StopsItsOwnConversionsAfterTheLastCharacterThatFits) {
     const std::u32string text = U"a\x20AC\U0001F600z";
     for (std::int32_t capacity = 1; capacity <= 10; ++capacity) {
         TextConverter converter = Over(L"UTF-32", text);
@@ -269,7 +269,7 @@ TEST(TextConverter, ConvertsASingleBytePageBothWays) {
               "\x80 \xE9");
 }
 
-TEST(TextConverter, SaysThatACharacterHadToBeReplaced) {
+TEST(TextConverter, ReportsThatACharacterHadToBeReplaced) {
     SKIP_WITHOUT_PAGE(1252);
     const std::u16string text(u"a\x3042");
     TextConverter lost = Over(L"UTF-16", text);
@@ -292,7 +292,7 @@ TEST(TextConverter, TakesAnUnknownNameForTheSystemsDefault) {
     EXPECT_EQ(Convert<char>(L"UTF-16", std::u16string(u"plain"), L"no such name"), "plain");
 }
 
-TEST(TextConverter, GoesFromPageToPageThroughUtf16) {
+TEST(TextConverter, ConvertsFromPageToPageThroughUtf16) {
     SKIP_WITHOUT_PAGE(1252);
     EXPECT_EQ(Convert<char>(L"windows-1252", std::string("\x80\xE9"), L"UTF-8"),
               "\xE2\x82\xAC\xC3\xA9");
@@ -301,7 +301,7 @@ TEST(TextConverter, GoesFromPageToPageThroughUtf16) {
     EXPECT_EQ(Convert<char>(L"UTF-8", std::string("\xC3\xA9"), L"UTF-8"), "\xC3\xA9");
 }
 
-TEST(TextConverter, SaysFromPageToPageToo) {
+TEST(TextConverter, ReportsAReplacedCharacterFromPageToPageToo) {
     SKIP_WITHOUT_PAGE(1252);
     const std::string text("\xE3\x81\x82");
     TextConverter lost = Over(L"UTF-8", text);
@@ -330,7 +330,8 @@ TEST(TextConverter, MakesNothingOfAnyOtherPageForUtf32) {
 
 TEST(TextConverter, GivesNothingForAPageThatTheSystemLacks) {
     if (obtest::HasPage(57002)) {
-        GTEST_SKIP() << "this system has page 57002; encodings_double_test has one that hasn't";
+        GTEST_SKIP()
+            << "this system has page 57002; encodings_fake_system_test has one that hasn't";
     }
     const std::string text("text");
     TextConverter converter = Over(L"x-iscii-de", text);
@@ -368,7 +369,7 @@ TEST(TextConverter, KeepsTheNameThatItConvertedTo) {
     EXPECT_EQ(converter.Convert(nullptr, converter.toEncoding), 27);
 }
 
-TEST(Utf8Sequence, TellsACutSequenceFromABadOne) {
+TEST(Utf8Sequence, DistinguishesACutSequenceFromABadOne) {
     using Kind = ObLibX::Utf8Sequence::Kind;
     const auto kind = [](const char* bytes, std::int32_t left) {
         return ObLibX::ReadUtf8(reinterpret_cast<const std::uint8_t*>(bytes), left).kind;

@@ -111,7 +111,7 @@ TEST(CharsetTable, Has365RowsOf110PagesIn155BucketsOfAtMostSixRows) {
 }
 
 // Whoever changes a row on purpose takes the new digest over from the failure.
-TEST(CharsetTable, HoldsTheAgreedRowsAndNoOthers) {
+TEST(CharsetTable, ContainsTheAgreedRowsAndNoOthers) {
     EXPECT_EQ(Digest(CharsetRows()), 0x4D1DF5E7E0728A04u);
 }
 
@@ -226,7 +226,7 @@ TEST(EntityTable, Has253RowsOf189NamesIn130Buckets) {
     EXPECT_EQ(names.size(), 189u);
 }
 
-TEST(EntityTable, HoldsTheAgreedRowsAndNoOthers) {
+TEST(EntityTable, ContainsTheAgreedRowsAndNoOthers) {
     EXPECT_EQ(Digest(EntityRows()), 0x94D82E3BCCD65D90u);
 }
 

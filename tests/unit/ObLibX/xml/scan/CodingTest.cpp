@@ -30,7 +30,7 @@ TEST(DecodeText, TakesNumbersInBothBasesAndTheNamesOfXml) {
     for (const Coding& coding : codings) ExpectDecoded(coding);
 }
 
-TEST(DecodeText, FindsTheUpperOneOfANameThatStandsTwice) {
+TEST(DecodeText, FindsTheUpperCaseRowOfANameWithTwoRows) {
     ExpectDecoded({L"&eacute;", L"\xC9"});
     ExpectDecoded({L"&Eacute;", L"\xC9"});
     ExpectDecoded({L"&oslash;&Oslash;", L"\xD8\xD8"});
@@ -60,13 +60,13 @@ TEST(DecodeText, KeepsWhatIsNoReference) {
     }
 }
 
-TEST(DecodeText, GoesOnBehindAnAmpersandThatItKept) {
+TEST(DecodeText, ContinuesAfterAnAmpersandThatItKept) {
     ExpectDecoded({L"&&lt;", L"&<"});
     ExpectDecoded({L"&nosuch&#65;;", L"&nosuchA;"});
     ExpectDecoded({L"&#&#65;", L"&#A"});
 }
 
-TEST(DecodeText, DropsOuterWhiteSpaceWhenAskedTo) {
+TEST(DecodeText, DropsOuterWhiteSpaceWithTrim) {
     ExpectDecoded({L" \t\r\n a \t b \r\n", L"a \t b"}, kDocTrim);
     ExpectDecoded({L" \t ", L""}, kDocTrim);
     ExpectDecoded({L" a ", L" a "}, 0);
@@ -74,7 +74,7 @@ TEST(DecodeText, DropsOuterWhiteSpaceWhenAskedTo) {
     ExpectDecoded({L"\xA0 a \xA0", L"\xA0 a \xA0"}, kDocTrim);
 }
 
-TEST(DecodeText, MakesOneBlankOfARunWhenAskedTo) {
+TEST(DecodeText, MakesOneBlankOfARunWithCollapse) {
     ExpectDecoded({L"\r\n a \t\r\n b\tc ", L"a b c"}, kDocCollapse);
     ExpectDecoded({L"  ", L""}, kDocCollapse);
     ExpectDecoded({L" a  b ", L"a b"}, kDocCollapse | kDocTrim);
@@ -89,12 +89,12 @@ TEST(DecodeText, ReservesTheLengthOfItsInput) {
     EXPECT_GE(DecodeText(std::wstring(1000, L' '), kDocTrim).capacity(), 1000u);
 }
 
-TEST(DecodeText, TakesUnitsOfZeroAsTheyStand) {
+TEST(DecodeText, CopiesUnitsOfZero) {
     const std::wstring text(L"a\0&\0;", 5);
     EXPECT_EQ(DecodeText(text, 0), text);
 }
 
-TEST(EncodeText, ReplacesWhatMarksTags) {
+TEST(EncodeText, ReplacesTheCharactersOfMarkup) {
     EXPECT_EQ(EncodeText(L"a<b>&c", 0), L"a&lt;b&gt;&amp;c");
     EXPECT_EQ(EncodeText(L"\"'", 0), L"\"'");
     EXPECT_EQ(EncodeText(L"&lt;", 0), L"&amp;lt;");
@@ -105,7 +105,7 @@ TEST(EncodeText, ReplacesQuotesForAnAttribute) {
     EXPECT_EQ(EncodeText(L"<\"'>&", kEncodeAttribute), L"&lt;&quot;&apos;&gt;&amp;");
 }
 
-TEST(EncodeText, KeepsWhatLooksLikeAReferenceWhenAskedTo) {
+TEST(EncodeText, KeepsWhatLooksLikeAReferenceWithItsFlag) {
     for (const wchar_t* text : {L"&lt;", L"&nosuch;", L"&#65;", L"&#x41;", L"&#;", L"&:a;", L"&_;",
                                 L"&\xE4;", L"&a-b.c:d_e9\xE4;"}) {
         EXPECT_EQ(EncodeText(text, kEncodeKeepReferences), text);

@@ -21,7 +21,7 @@ TEST(DocumentReport, WritesAnElementOnALineOfItsOwn) {
     EXPECT_EQ(Written(L"no_root_element", nullptr, 0), "<no_root_element/>\r\n");
 }
 
-TEST(DocumentReport, TheFlagsSayWhatTheValueIs) {
+TEST(DocumentReport, TheFlagsNameTheAttributeOfTheValue) {
     EXPECT_EQ(Written(L"e", L"v", kReportMsg), "<e msg=\"v\"/>\r\n");
     EXPECT_EQ(Written(L"e", L"v", kReportType), "<e type=\"v\"/>\r\n");
     EXPECT_EQ(Written(L"e", L"v", kReportEncoding), "<e encoding=\"v\"/>\r\n");
@@ -30,7 +30,7 @@ TEST(DocumentReport, TheFlagsSayWhatTheValueIs) {
     EXPECT_EQ(Written(L"e", nullptr, kReportMsg | kReportType | kReportEncoding), "<e/>\r\n");
 }
 
-TEST(DocumentReport, TheFlagsSayWhatTheNumberIs) {
+TEST(DocumentReport, TheFlagsNameTheAttributeOfTheNumber) {
     EXPECT_EQ(Written(L"e", nullptr, kReportN, 5), "<e n=\"5\"/>\r\n");
     EXPECT_EQ(Written(L"e", nullptr, kReportCount, 5), "<e count=\"5\"/>\r\n");
     EXPECT_EQ(Written(L"e", nullptr, kReportLength, 0), "<e length=\"0\"/>\r\n");
@@ -39,7 +39,7 @@ TEST(DocumentReport, TheFlagsSayWhatTheNumberIs) {
     EXPECT_EQ(Written(L"e", nullptr, 0, -1), "<e/>\r\n");
 }
 
-TEST(DocumentReport, AttributesStandInTheirOrder) {
+TEST(DocumentReport, AttributesAreInTheirOrder) {
     EXPECT_EQ(Written(L"e", L"v", 0, 1, 2), "<e tagname=\"v\" offset=\"1\" offset2=\"2\"/>\r\n");
     EXPECT_EQ(Written(L"e", L"v", kReportEncoding | kReportLength, 7, 8),
               "<e encoding=\"v\" length=\"7\" offset2=\"8\"/>\r\n");
@@ -58,7 +58,7 @@ TEST(DocumentReport, ValuesAreEncoded) {
     EXPECT_EQ(Written(L"e", L"a\"<&>'b", 0), "<e tagname=\"a&quot;&lt;&amp;&gt;&apos;b\"/>\r\n");
 }
 
-TEST(DocumentReport, ElementsStandOneBehindTheOther) {
+TEST(DocumentReport, ElementsFollowEachOther) {
     std::wstring report;
     Report(report, L"a", L"x", 0, 1);
     Report(report, L"b", nullptr, 0);
@@ -110,7 +110,7 @@ TEST(DocumentReport, AnUpdateOfNothingAddsNothing) {
     EXPECT_EQ(Narrow(report), "<write/>\r\n");
 }
 
-TEST(DocumentReport, TheLimitIsAskedBeforeOneIsAdded) {
+TEST(DocumentReport, TheLimitIsCheckedBeforeAnElementIsAdded) {
     std::wstring report = L"<a b='" + std::wstring(991, L'x') + L"'/>";
     report.pop_back();
     report += L">";

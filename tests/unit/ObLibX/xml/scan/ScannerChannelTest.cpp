@@ -66,7 +66,7 @@ TEST(ScannerChannel, ReadsTheSameNodesWhateverTheBlocksAre) {
     }
 }
 
-TEST(ScannerChannel, DropsWhatLiesBeforeTheNode) {
+TEST(ScannerChannel, DropsTheTextBeforeTheNode) {
     std::wstring text;
     for (int i = 0; i < 1000; ++i) {
         text += L"<element>text</element>";

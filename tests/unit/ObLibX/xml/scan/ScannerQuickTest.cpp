@@ -64,7 +64,7 @@ std::string Difference(const std::wstring& text) {
     return quick == plain ? "" : Narrow(text) + "\n  quick: " + quick + "\n  rules: " + plain;
 }
 
-TEST(ScannerQuick, EqualsTheRulesOverPiecesOfMarkup) {
+TEST(ScannerQuick, ReadsPiecesOfMarkupAsTheRulesDo) {
     for (std::uint32_t seed = 1; seed <= 20000; ++seed) {
         const std::wstring text = Texts(seed).OfPieces(1 + seed % 30);
         ASSERT_EQ(Difference(text), "") << "seed " << seed;
@@ -173,7 +173,7 @@ TEST(ScannerQuick, FindsTheUnitsOfASetAndNoOthers) {
     ExpectEachUnitFound(AttributeNameEnd{});
 }
 
-TEST(ScannerQuick, LooksAtNothingBehindTheEnd) {
+TEST(ScannerQuick, ReadsNothingPastTheEnd) {
     for (std::size_t length = 0; length < 20; ++length) {
         const std::wstring text = std::wstring(length, L'x') + L"<<<<<<<<<<<<<<<<";
         const wchar_t* end = text.data() + length;

@@ -76,7 +76,7 @@ TEST(ScannerText, WhiteSpaceEndsAtATagAndBecomesTextAtAnythingElse) {
     EXPECT_EQ(Scans(L" >"), "text 0+2");
 }
 
-TEST(ScannerText, TextGoesUpToTheNextTag) {
+TEST(ScannerText, TextEndsBeforeTheNextTag) {
     EXPECT_EQ(Scans(L"a > b & c]]><a>"), "text 0+12; element 12+3 [a]");
     EXPECT_EQ(Scans(std::wstring_view(L"a\0b<c>", 6)), "text 0+3; element 3+3 [c]");
 }
@@ -106,12 +106,12 @@ TEST(ScannerTag, ANameBeginsAboveNineExceptForAFew) {
     }
 }
 
-TEST(ScannerTag, ABadFirstCharacterIsReportedWhereItStands) {
+TEST(ScannerTag, ABadFirstCharacterIsReportedWithItsOffset) {
     EXPECT_EQ(Scans(L"x<1>y"), "text 0+1; error 1+3 {<first_tag_syntax offset=\"2\"/>}; text 4+1");
     EXPECT_EQ(Scans(L"< a>"), "error 0+4 {<first_tag_syntax offset=\"1\"/>}");
 }
 
-TEST(ScannerTag, AnEmptyTagIsOverAtItsEndAndATagBehindALoneLessIsKept) {
+TEST(ScannerTag, AnEmptyTagEndsAtItsGreaterAndATagAfterALoneLessIsKept) {
     EXPECT_EQ(Scans(L"<>b"), "error 0+2 {<first_tag_syntax offset=\"1\"/>}; text 2+1");
     EXPECT_EQ(Scans(L"<<a>"), "error 0+1 {<first_tag_syntax offset=\"1\"/>}; element 1+3 [a]");
 }
@@ -120,7 +120,7 @@ TEST(ScannerTag, ABadTagEndsBeforeTheNextTag) {
     EXPECT_EQ(Scans(L"<1 b='<a>"), "error 0+6 {<first_tag_syntax offset=\"1\"/>}; element 6+3 [a]");
 }
 
-TEST(ScannerTag, AnEndTagsNameBeginsBehindTheSlash) {
+TEST(ScannerTag, AnEndTagsNameBeginsAfterTheSlash) {
     EXPECT_EQ(Scans(L"</a>"), "end 0+4 [a]");
     EXPECT_EQ(Scans(L"</a b>"), "end 0+6 [a]");
     EXPECT_EQ(Scans(L"</>"), "end 0+3 []");
@@ -130,7 +130,7 @@ TEST(ScannerTag, AnEndTagsNameBeginsBehindTheSlash) {
     EXPECT_EQ(Scans(L"</a b='>'>"), "end 0+8 [a]; text 8+2");
 }
 
-TEST(ScannerTag, AnInstructionGoesUpToQuestionMarkAndGreater) {
+TEST(ScannerTag, AnInstructionEndsWithQuestionMarkAndGreater) {
     EXPECT_EQ(Scans(L"<?xml a='>' > ?><b>"), "instruction 0+16 [xml]; element 16+3 [b]");
     EXPECT_EQ(Scans(L"<?xml?>"), "instruction 0+7 [xml]");
     EXPECT_EQ(Scans(L"<?\?>"), "instruction 0+4 []");
@@ -147,19 +147,19 @@ TEST(ScannerTag, ANameEndsAtWhiteSpaceSlashOrGreater) {
 
 // ---- After "<!"
 
-TEST(ScannerMarkup, CommentsGoUpToTheirEnd) {
+TEST(ScannerMarkup, CommentsEndWithTwoDashesAndGreater) {
     EXPECT_EQ(Scans(L"<!-- > <a> -- -> --><b>"), "comment 0+20; element 20+3 [b]");
     EXPECT_EQ(Scans(L"<!---->"), "comment 0+7");
     EXPECT_EQ(Scans(L"<!-->"), "comment 0+5");
 }
 
-TEST(ScannerMarkup, ABadCommentIsReportedAndScanningGoesOnAtTheNextTag) {
+TEST(ScannerMarkup, ABadCommentIsReportedAndScanningContinuesAtTheNextTag) {
     EXPECT_EQ(Scans(L"<!-x<a>"), "error 0+4 {<comment_tag_syntax offset=\"3\"/>}; element 4+3 [a]");
     EXPECT_EQ(Scans(L"<!-x>a"), "error 0+5 {<comment_tag_syntax offset=\"3\"/>}; text 5+1");
     EXPECT_EQ(Scans(L"<!->a"), "error 0+4 {<comment_tag_syntax offset=\"3\"/>}; text 4+1");
 }
 
-TEST(ScannerMarkup, CdataGoesUpToItsEnd) {
+TEST(ScannerMarkup, CdataEndsWithTwoBracketsAndGreater) {
     EXPECT_EQ(Scans(L"<![CDATA[<a>]> ]]]]><b>"), "cdata 0+20; element 20+3 [b]");
     EXPECT_EQ(Scans(L"<![C]]>"), "cdata 0+7");
     EXPECT_EQ(Scans(L"<![D]]>a"), "error 0+7 {<cdata_section_syntax offset=\"3\"/>}; text 7+1");
@@ -167,7 +167,7 @@ TEST(ScannerMarkup, CdataGoesUpToItsEnd) {
               "error 0+3 {<cdata_section_syntax offset=\"3\"/>}; element 3+3 [b]");
 }
 
-TEST(ScannerMarkup, AnythingElseBehindTheExclamationMarkIsReported) {
+TEST(ScannerMarkup, AnyOtherUnitAfterTheExclamationMarkIsReported) {
     EXPECT_EQ(Scans(L"<!x>a"), "error 0+4 {<exclamation_tag_syntax offset=\"2\"/>}; text 4+1");
     EXPECT_EQ(Scans(L"<!d>a"), "error 0+4 {<exclamation_tag_syntax offset=\"2\"/>}; text 4+1");
     EXPECT_EQ(Scans(L"<!ENTITY>"), "error 0+9 {<exclamation_tag_syntax offset=\"2\"/>}");
@@ -238,13 +238,13 @@ TEST(ScannerStartTag, GreaterInAQuotedValueDoesNotEndTheTag) {
     EXPECT_EQ(Scans(L"<a b=\n'\">'>"), "element 0+11 [a]");
 }
 
-TEST(ScannerStartTag, AQuoteThatIsNotBehindEqualsOpensNothing) {
+TEST(ScannerStartTag, AQuoteThatIsNotAfterEqualsOpensNothing) {
     EXPECT_EQ(Scans(L"<a \"b>c"), "element 0+6 [a]; text 6+1");
     EXPECT_EQ(Scans(L"<a b='1''>'>"), "element 0+10 [a]; text 10+2");
     EXPECT_EQ(Scans(L"<a b=c'>'>"), "element 0+8 [a]; text 8+2");
 }
 
-TEST(ScannerStartTag, ASecondEqualsDirectlyBehindOpensAnUnquotedValue) {
+TEST(ScannerStartTag, ASecondEqualsRightAfterTheFirstOpensAnUnquotedValue) {
     EXPECT_EQ(Scans(L"<a b==\"x>y\">"), "element 0+9 [a]; text 9+3");
     EXPECT_EQ(Scans(L"<a b= =\"x>y\">"), "element 0+13 [a]");
 }

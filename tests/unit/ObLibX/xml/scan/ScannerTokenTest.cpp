@@ -158,7 +158,7 @@ TEST(ScannerAttribute, LooksAtNothingBeforeTheText) {
     EXPECT_EQ(TokenOf(scanner), "/");
 }
 
-TEST(ScannerAttribute, AnUnendedQuoteGoesToTheEndOfTheText) {
+TEST(ScannerAttribute, AnUnendedQuoteEndsWithTheText) {
     EXPECT_EQ(ValueIn(L"<a b='1 c", L"b"), "'1 c'");
 }
 

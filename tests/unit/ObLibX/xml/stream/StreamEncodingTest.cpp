@@ -124,7 +124,7 @@ INSTANTIATE_TEST_SUITE_P(Of, StreamEncoding, testing::ValuesIn(kSamples), [](con
     return name;
 });
 
-TEST(StreamMarks, TellTheEncodingAndAreNotText) {
+TEST(StreamBom, SelectsTheEncodingAndIsNoText) {
     const std::wstring characters = Characters(kSamples[0]);
     const std::wstring text = TextWith(characters, L"windows-1252"); // the mark knows better
     ExpectForAnyBlock(text, StreamFile(Joined({0xEF, 0xBB, 0xBF}, Encoded(text, L"UTF-8"))), {});
@@ -138,7 +138,7 @@ TEST(StreamMarks, TellTheEncodingAndAreNotText) {
     EXPECT_TRUE(document.Result().empty()) << "no element is missing in an empty text";
 }
 
-TEST(StreamMarks, AreNotNeededForUtf16) {
+TEST(StreamBom, IsNotNeededForUtf16) {
     const std::wstring text = TextWith(Characters(kSamples[0]), L"UTF-16");
     ExpectForAnyBlock(text, StreamFile(WithoutMark(text, L"UTF-16")), {});
     ExpectForAnyBlock(text, StreamFile(WithoutMark(text, L"UTF-16BE")), {});
@@ -215,7 +215,7 @@ TEST(StreamsWritten, CanBeReadAgain) {
     }
 }
 
-TEST(StreamsWritten, BeginWithWhatWasAskedFor) {
+TEST(StreamsWritten, BeginWithTheBomAndDeclarationOfTheOptions) {
     struct Case {
         const wchar_t* encoding;
         bool mark;
@@ -244,7 +244,7 @@ TEST(StreamsWritten, BeginWithWhatWasAskedFor) {
     }
 }
 
-TEST(StreamsWritten, TellWhatTheEncodingCouldntHold) {
+TEST(StreamsWritten, ReportCharactersThatTheEncodingDoesNotHave) {
     if (!IsInstalled(L"windows-1252")) GTEST_SKIP() << "this system doesn't have the code page";
     for (const std::int32_t block : {4, 65536}) {
         const StreamFile file;

@@ -55,7 +55,7 @@ void WriteAll(XmlOffsetDocument& document, const wchar_t* path) {
 
 } // namespace
 
-TEST(StreamFileErrors, TellThatAFileIsntThere) {
+TEST(StreamFileErrors, ReportAFileThatIsNotThere) {
     const StreamFile missing;
     XmlOffsetDocument document;
     ASSERT_TRUE(document.SetText(L"<a/>"));
@@ -70,7 +70,7 @@ TEST(StreamFileErrors, TellThatAFileIsntThere) {
     EXPECT_TRUE(ResultHas(document, L"<file_error msg=\""));
 }
 
-TEST(StreamFileErrors, TellThatAFileCantBeMade) {
+TEST(StreamFileErrors, ReportAFileThatCannotBeMade) {
     XmlOffsetDocument document;
     EXPECT_FALSE(document.OpenForWriting(L"no-such-folder/file.xml"));
     EXPECT_TRUE(ResultHas(document, L"<file_error msg=\""));
@@ -80,7 +80,7 @@ TEST(StreamFileErrors, TellThatAFileCantBeMade) {
     EXPECT_TRUE(document.Close()) << "nothing is open";
 }
 
-TEST(StreamFileErrors, RefuseAFileThatOffsetsCantHold) {
+TEST(StreamFileErrors, RefuseAFileThatIsTooLargeForOffsets) {
     const StreamFile file;
     MakeSparse(file, 0x100000000);
     XmlOffsetDocument document;
@@ -92,7 +92,7 @@ TEST(StreamFileErrors, RefuseAFileThatOffsetsCantHold) {
     EXPECT_TRUE(document.Close());
 }
 
-TEST(StreamFileErrors, TellThatReadingFailed) {
+TEST(StreamFileErrors, ReportThatReadingFailed) {
     const StreamFile file(L"<r><a/></r>", L"UTF-8");
     const StreamFile other;
     XmlOffsetDocument document;
@@ -116,7 +116,7 @@ TEST(StreamFileErrors, TakeAFileThatBecameShorterAsItIs) {
     EXPECT_FALSE(ResultHas(document, L"file_error"));
 }
 
-TEST(StreamFileErrors, TellThatWritingFailedAndWriteNothingMore) {
+TEST(StreamFileErrors, ReportThatWritingFailedAndWriteNothingMore) {
     const StreamFile file;
     const StreamFile other(L"untouched", L"UTF-8");
     XmlOffsetDocument document;
@@ -137,10 +137,10 @@ TEST(StreamFileErrors, TellThatWritingFailedAndWriteNothingMore) {
     EXPECT_EQ(other.Read(), Encoded(L"untouched", L"UTF-8"));
 }
 
-TEST(StreamFileErrors, TellThatTheDiskIsFull) {
+TEST(StreamFileErrors, ReportAFullDisk) {
 #ifdef _WIN32
     GTEST_SKIP() << "no file is always full here: the native build has one, and "
-                    "TellThatWritingFailedAndWriteNothingMore stands for it";
+                    "ReportThatWritingFailedAndWriteNothingMore stands for it";
 #endif
     for (const std::int32_t block : {4, 65536}) {
         XmlOffsetDocument document;
@@ -248,7 +248,7 @@ TEST(StreamOutOfMemory, WritesNothingTwice) {
     EXPECT_GT(FailEachAllocation(prepare, work, check), 5u);
 }
 
-TEST(StreamOutOfMemory, LosesNoFileWithADocumentThatGoes) {
+TEST(StreamOutOfMemory, ClosesTheFileOfADocumentThatIsDestroyed) {
     const StreamFile file;
     for (std::size_t failing = 0; failing < 40; ++failing) {
         auto document = std::make_unique<XmlOffsetDocument>();

@@ -307,7 +307,7 @@ TEST(StreamsAtRandom, GiveTheSameForADamagedFileWhateverTheBlock) {
     }
 }
 
-TEST(StreamsAtRandom, WriteInOrderWhateverIsAsked) {
+TEST(StreamsAtRandom, WriteInOrderWhateverTheCalls) {
     for (std::uint32_t seed = 1; seed <= 200 * kTimes; ++seed) {
         Chance chance(seed);
         const StreamFile file;

@@ -286,7 +286,7 @@ TEST(StreamReading, KnowsOfAnOpenElementItsNameAndCountButNotItsAttributes) {
     EXPECT_FALSE(byAttribute->FindElement(L"/r/a[@k='1']/c"));
 }
 
-TEST(StreamReading, GoesBackToMemoryWhenItIsClosed) {
+TEST(StreamReading, ReturnsToMemoryModeWhenItIsClosed) {
     Stream stream(kText);
     ASSERT_TRUE(stream->FindElement());
     EXPECT_EQ(stream->Flags(), kDocStreamRead);

@@ -126,7 +126,7 @@ TEST(StreamWriting, EntersOnlyASingleTag) {
     EXPECT_EQ(writing.Close(), L"<a>text</a>\r\n<b>\r\n<c/>\r\n</b>\r\n");
 }
 
-TEST(StreamWriting, AddsAtTheEndWhateverPlaceIsAskedFor) {
+TEST(StreamWriting, AddsAtTheEndWhateverTheFlags) {
     Writing writing;
     ASSERT_TRUE(writing->AddElement(L"a", nullptr, kAddNoLineEnds));
     EXPECT_FALSE(writing->AddElement(L"b", nullptr, kAddAsChild));
@@ -158,7 +158,7 @@ TEST(StreamWriting, ReadsTheCurrentElementOnly) {
     EXPECT_EQ(writing.Close(), L"<r>\r\n<a x=\"&apos;\">1 &lt; 2</a>\r\n</r>\r\n");
 }
 
-TEST(StreamWriting, GoesOnOnlyFromItsOwnPosition) {
+TEST(StreamWriting, ContinuesOnlyFromItsOwnPosition) {
     Writing writing;
     ASSERT_TRUE(writing->AddElement(L"r", nullptr));
     writing->ResetPosition(1, 0, 0);
@@ -172,7 +172,7 @@ TEST(StreamWriting, GoesOnOnlyFromItsOwnPosition) {
     EXPECT_EQ(writing.Close(), L"<r>\r\n<a/>\r\n</r>\r\n") << "and it is ended all the same";
 }
 
-TEST(StreamWriting, EndsWhatIsOpenWhenTheDocumentGoes) {
+TEST(StreamWriting, EndsTheOpenElementsWhenTheDocumentIsDestroyed) {
     const StreamFile file;
     {
         XmlOffsetDocument document;
