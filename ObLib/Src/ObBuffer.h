@@ -8,13 +8,13 @@ namespace ObLib {
 
 // What a resize does with the bytes.
 enum ObResizeMode : std::int32_t {
-    kResizeCopies = 0, // a new block begins with what the old one held
+    kResizeCopies = 0, // a new block begins with the bytes of the old one
     kResizeClears = 1, // the block is zeroed, and so is an old one before it is released
     kResizeLeaves = 2, // neither: the bytes are undefined
 };
 
-// Owns `data`. Belongs to one thread. A copy has a block of its own by malloc, so also the default
-// pair; a move takes the block with its pair. A moved-from buffer is empty.
+// Owns `data`. Belongs to one thread. A copy has a block of its own, which comes from malloc, and
+// therefore the default pair; a move takes the block with its pair. A moved-from buffer is empty.
 class ObBuffer {
 public:
     using Allocate = void* (*)(std::size_t);
@@ -33,8 +33,8 @@ public:
         if (data != nullptr) release(data);
     }
 
-    // Sets `size`; a block is only replaced when `bytes` passes `capacity`. `mode` is an
-    // ObResizeMode; any other ends the process. Throws std::bad_alloc and changes nothing.
+    // Sets `size`; the block is replaced only when `bytes` is more than `capacity`. `mode` is an
+    // ObResizeMode; any other value ends the process. Throws std::bad_alloc and changes nothing.
     void Resize(std::uint64_t bytes, std::int32_t mode);
     void Swap(ObBuffer& other) noexcept;
 

@@ -7,7 +7,7 @@
 namespace ObLib {
 namespace {
 
-// Written piece by piece: nothing is allocated on this road, and no text is too long.
+// The line is written piece by piece, so that nothing is allocated here and no text is too long.
 void WriteNumber(std::uint32_t number) {
     wchar_t digits[11] = {};
     wchar_t* first = digits + 10;

@@ -1,24 +1,23 @@
-// The ends of the process where it must not go on, and the check that leads there.
+// Ends the process where it must not continue, and checks for that.
 #pragma once
 
 #include <cstdint>
 
 namespace ObLib {
 
-// Should one be thrown out of a failed check, it ends at that check and execution goes on behind
-// it. Nothing throws one, as a failed check ends the process.
+// If a failed check throws one, it is caught at that check and execution continues after the check.
+// Nothing throws one, as a failed check ends the process.
 struct ObFaultRequest {};
 
 // Write a line to the standard output and end the process by exit(999), so that static objects are
-// destroyed. A process without a console shows nothing. `module` is a source path,
-// given by name. Any thread.
+// destroyed. A process without a console shows nothing. `module` is a source path. Any thread.
 [[noreturn]] void FatalAssert(const wchar_t* module, std::uint32_t line);
 // For a call of the system that must not fail.
 [[noreturn]] void FatalApiFailure(const wchar_t* module, std::uint32_t line);
 
 inline constexpr int kFatalExitCode = 999;
 
-// Runs `call`; an ObFaultRequest ends here.
+// Runs `call` and catches an ObFaultRequest.
 template <class Call>
 void CatchFaultRequest(Call call) {
     try {
@@ -32,7 +31,7 @@ void AssertFailed(const wchar_t* module, std::uint32_t line);
 
 } // namespace ObLib
 
-// Checks what must hold, in every kind of build. The file that uses it has a wide text kModule in
-// scope.
+// Ends the process when the condition is false, in every kind of build. The file that uses it has a
+// wide text kModule in scope.
 #define ObAssert(condition)                                                                        \
     ((condition) ? static_cast<void>(0) : ::ObLib::AssertFailed(kModule, __LINE__))

@@ -1,4 +1,4 @@
-// Clearing memory for good.
+// Clears memory so that the compiler can't leave it out.
 #pragma once
 
 #include <cstddef>
@@ -6,8 +6,8 @@
 
 namespace ObLib {
 
-// Zeroes `bytes` bytes also where the compiler sees that nobody reads them afterwards. Null is
-// nothing to do.
+// Zeroes `bytes` bytes, even where the compiler sees that they aren't read afterwards. Does nothing
+// for null.
 inline void Wipe(void* memory, std::size_t bytes) noexcept {
     if (memory == nullptr) return;
     std::memset(memory, 0, bytes);

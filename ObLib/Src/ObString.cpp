@@ -40,7 +40,8 @@ void ObString::Assign(const ObString& other) {
     if (this == &other) return;
     if (other.core_ == nullptr) return Clear();
     StringCore& own = Own();
-    // Nothing to wipe and no buffers: what the way below comes to.
+    // A shortcut with the result of the lines below, for texts without a secret and without
+    // buffers.
     if ((own.secure | other.core_->secure) == 0 && own.buffer.data == nullptr &&
         other.core_->buffer.data == nullptr) {
         own.ShareText(*other.core_);

@@ -8,18 +8,19 @@
 #include "ObLib/Src/ObSystem.h"
 #include "ObLib/Src/StringCore.h"
 
-// The system's headers make LoadString another word; the method has one name whichever comes first.
+// A macro of the system's headers renames LoadString. Without it the method has one name, whichever
+// header is included first.
 #undef LoadString
 
 namespace ObLib {
 
-// One pointer to a core, which it owns. A copy shares a text of more than 12 units; a change makes
-// the text its own first. Lengths are UTF-16 units. One object belongs to one thread; copies of it
-// may belong to others. Exhausted memory throws std::bad_alloc out of whatever needs some, and the
-// string is then as it was.
+// One pointer to a core, which the string owns. A copy shares a text of more than 12 units; a
+// change first copies a shared text. Lengths are UTF-16 units. One object belongs to one thread;
+// copies of it may belong to others. A method that runs out of memory throws std::bad_alloc and
+// leaves the string as it was.
 //
-// A null string has no text at all. It reads as the empty text, comes before the empty text in an
-// order, and isn't equal to it; a new string, a cleared one and one that was moved from are null.
+// A null string has no text at all. It reads as the empty text, sorts before the empty text and
+// isn't equal to it. A new string, a cleared string and a string that was moved from are null.
 class ObString {
 public:
     ObString() noexcept = default;
@@ -44,22 +45,23 @@ public:
         return *this;
     }
 
-    // Takes text and buffer of `other`. A string that is secure, or gets a secure text, stays so.
+    // Takes the text and the buffer of `other`. A secure string stays secure, and a string that
+    // gets a secure text becomes so.
     void Assign(const ObString& other);
-    // `text` may lie in this string; null makes a null string.
+    // `text` may be part of this string's own; null makes a null string.
     void AssignText(const wchar_t* text);
     void Swap(ObString& other);
     void Clear();
 
-    // Exactly: a null string equals null only.
+    // Exact, with case. A null string equals null only.
     [[nodiscard]] bool Equals(const wchar_t* text) const;
-    // Whether this comes before `other`, unit by unit; for ordered containers.
+    // Whether this string sorts before `other`, unit by unit; for ordered containers.
     [[nodiscard]] bool Compare(const ObString& other) const;
-    // As _wcsicmp: 0 for equal texts. A string that isn't empty never equals an empty one; null and
-    // empty ones are equal.
+    // As _wcsicmp: 0 for equal texts. A string that isn't empty never equals an empty one; a null
+    // and an empty string are equal.
     [[nodiscard]] int CompareNoCase(const ObString& other) const;
 
-    // NUL-ended, never null; good until the string changes.
+    // NUL-ended, never null; valid until the string changes.
     [[nodiscard]] const wchar_t* CStr() const noexcept {
         return core_ != nullptr && core_->text != nullptr ? core_->text : L"";
     }
@@ -70,35 +72,37 @@ public:
     // Whether there is a text of at least one unit.
     [[nodiscard]] bool HasText() const noexcept { return Length() != 0; }
 
-    // Null appends nothing; any other text makes a null string a text.
+    // Null appends nothing. Any other text, the empty one too, makes a null string a text.
     void Append(const wchar_t* text);
     void AppendString(const ObString& other);
-    // True with the text `id` of the language module's string table, or of the program's. False
-    // where neither has one; the string is null then. A negative id ends the process.
+    // Loads the text `id` of the string table of the language module, or else of the program. False
+    // when neither has one; the string is then null. A negative id ends the process.
     bool LoadString(std::int32_t id);
-    bool LoadStringW(std::int32_t id) { return LoadString(id); } // what that word is
-    // By the C library's rule for its locale, as CompareNoCase.
+    bool LoadStringW(std::int32_t id) {
+        return LoadString(id);
+    } // the name that the system's macro makes of it
+    // By the C library's locale, as in CompareNoCase.
     void ToLower();
-    // Blanks (code 32) only.
+    // These take off blanks (code 32) only.
     void TrimLeft();
     void TrimRight();
-    void DropLast(); // the last unit; nothing where there is none
+    void DropLast(); // removes the last unit, if there is one
 
-    // As vswprintf: %ls is wide, %s narrow. Arguments may be this string's own text. False for a
-    // format that the C library refuses; the string is then as it was.
+    // As vswprintf: %ls is wide, %s narrow. Arguments may be this string's own text. False when the
+    // C library refuses the format; the string is then as it was.
     bool Format(const wchar_t* format, ...);
 
     // One digit, or an optional sign and one to nine digits; nothing else.
     [[nodiscard]] bool IsInteger() const;
-    // -2147483648 for what is no integer.
+    // -2147483648 when IsInteger is false.
     [[nodiscard]] std::int32_t ToInteger() const;
 
-    // From now on the text is wiped before its memory is released, and so is that of every copy.
-    // Copies from before, which share the text, don't know of it.
+    // From now on the text is wiped before its memory is released, and so is the text of every copy
+    // made later. Earlier copies, which may share the text, don't wipe it.
     void MakeSecure();
-    // Scratch of the client, which is copied and exchanged with the text.
+    // Memory for the client's use, which is copied and exchanged with the text.
     ObBuffer& Buffer() { return Own().buffer; }
-    // For tests; null for a string that never had a text.
+    // For tests; null when the string never had a text.
     [[nodiscard]] const StringCore* Core() const noexcept { return core_; }
 
 private:
@@ -106,7 +110,7 @@ private:
         if (core_ == nullptr) core_ = new StringCore;
         return *core_;
     }
-    // Puts the new value in; what was there is released with it.
+    // Takes the new value; the old one is released with `value`.
     void TakeValue(StringCore& value) { Own().Swap(value); }
     void AppendUnits(const wchar_t* text, std::uint64_t units);
     void AssignUnits(const wchar_t* text, std::uint64_t units);

@@ -1,4 +1,4 @@
-// What changes a string's text, and what reads a number in it.
+// The methods of ObString that change its text, and those that read a number in it.
 #include <cerrno>
 #include <climits>
 #include <cstdarg>
@@ -22,7 +22,7 @@ int Measure(const wchar_t* format, va_list arguments) {
     return units;
 }
 
-// False when it can't be formatted; `value` is then of no use.
+// False when the C library refuses the format; `value` is then undefined.
 bool FormatInto(StringCore& value, const wchar_t* format, va_list arguments) {
     const int units = Measure(format, arguments);
     if (units < 0) return false;
@@ -60,7 +60,7 @@ void ObString::DropLast() {
 
 bool ObString::Format(const wchar_t* format, ...) {
     StringCore value;
-    // What is formatted is as secret as the string that gets it.
+    // The formatted text is as secret as the string that gets it.
     value.secure = core_ != nullptr ? core_->secure : 0;
     va_list arguments;
     va_start(arguments, format);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr wchar_t kModule[] = L"ObLib\\Src\\StringCore.cpp";
 
-// The start of a shared block; the text follows it at once.
+// The start of a shared block; the text follows directly.
 struct alignas(4) BlockHead {
     std::atomic<std::int32_t> count;
 };
@@ -30,7 +30,7 @@ BlockHead& HeadOf(const wchar_t* text) {
 
 std::uint64_t BlockBytes(std::uint64_t units) { return units * sizeof(wchar_t) + 6; }
 
-// A block with the count 1 whose text is ended behind `units` units.
+// A block with the count 1, with a NUL after `units` units.
 wchar_t* NewBlock(std::uint64_t units) {
     if (units > StringCore::kLongest || BlockBytes(units) > kLargestBlock) throw std::bad_alloc();
     auto* const head = new (::operator new(BlockBytes(units))) BlockHead{1};
@@ -40,8 +40,8 @@ wchar_t* NewBlock(std::uint64_t units) {
 }
 
 // Adds a reference; false when the block has as many as it may have. A plain addition is the
-// cheapest of the atomic operations; one too many is taken back, and as the caller's source holds a
-// reference, it never was the last.
+// cheapest atomic operation. A reference above the limit is taken back; that is never the last one,
+// as the caller's source has one too.
 bool Join(BlockHead& head) {
     if (head.count.fetch_add(1, std::memory_order_relaxed) < StringCore::kMostSharers) return true;
     head.count.fetch_sub(1, std::memory_order_relaxed);
@@ -61,7 +61,7 @@ wchar_t* CopyToBlock(const wchar_t* source, std::uint64_t units) {
     return block;
 }
 
-// As the checked copy of the C library: 0, or what is wrong.
+// As the checked copy of the C library: 0, or an error.
 int CopyChecked(wchar_t* out, std::uint64_t capacity, const wchar_t* source, std::uint64_t units) {
     if (out == nullptr || source == nullptr) return 22;
     if (units >= capacity) return 34;
@@ -76,7 +76,7 @@ void CheckTextCopy(int result) { ObAssert(result == 0 || result == kStringTrunca
 
 void* StringCore::operator new(std::size_t size) { return PoolAllocate(size); }
 
-// A list that is full can't be told out of a destructor; the heap takes the core then.
+// A destructor can't report a full list, so that the core is then released to the heap.
 void StringCore::operator delete(void* memory) noexcept {
     try {
         PoolFree(memory, sizeof(StringCore));
@@ -103,7 +103,7 @@ void StringCore::LetGo(wchar_t* blockText) noexcept {
     ::operator delete(&head);
 }
 
-// A block is wiped by the last who lets it go.
+// The core that releases the last reference wipes the block.
 void StringCore::WipeOwn() noexcept {
     Wipe(inlineText, sizeof inlineText);
     Wipe(buffer.data, buffer.capacity);
@@ -126,7 +126,7 @@ void StringCore::SetLength(std::uint64_t units) {
     if (old != nullptr && old != made) std::memcpy(made, old, kept * sizeof(wchar_t));
     text = made;
     text[units] = L'\0';
-    // With the old length, which tells how much there is to wipe.
+    // Pass the old length: it is the number of units to wipe.
     if (old != nullptr && old != inlineText) LetGo(old);
     if (secure != 0 && text != inlineText) Wipe(inlineText, sizeof inlineText);
     length = units;

@@ -1,4 +1,4 @@
-// What a string's handle owns: the text, inline or in a shared block, and what goes with it.
+// What a string owns: its text, inline or in a shared block, its secure flag and its buffer.
 #pragma once
 
 #include <cstddef>
@@ -9,28 +9,28 @@
 
 namespace ObLib {
 
-// Of the checked copy calls: the text was cut, which is accepted.
+// The result of a checked copy call that has cut the text, which is accepted.
 inline constexpr int kStringTruncated = 80;
 
-// Takes the result of a checked copy of a text; one that failed ends the process.
+// Checks the result of a checked copy call; a failure ends the process.
 void CheckTextCopy(int result);
 
-// Lives in the pool's memory. Its fields belong to one thread; a shared block may belong to cores
-// of several. Everything that allocates throws std::bad_alloc and leaves the core as it was.
+// Is in the pool's memory. Its fields belong to one thread; a block may be shared by cores of
+// several threads. Whatever allocates may throw std::bad_alloc, and the core is then as it was.
 class StringCore {
 public:
     static constexpr std::uint64_t kInlineUnits = 12;
     static constexpr std::uint64_t kLongest = 0x7FFFFFFF;
-    // A block that so many cores share is shared no further.
+    // A block that this many cores share isn't shared with more.
     static constexpr std::int32_t kMostSharers = 32767;
 
     StringCore() noexcept { inlineText[0] = L'\0'; }
-    // Shares a block of `other`; an inline text and the buffer are copied.
+    // Shares the block of `other`, or copies its inline text. Copies its buffer.
     StringCore(const StringCore& other)
         : length(other.length), secure(other.secure), buffer(other.buffer) {
         TakeText(other);
     }
-    // `units` units at `source`, which may be of this very string.
+    // Copies `units` units at `source`, which may be part of this text.
     StringCore(const wchar_t* source, std::uint64_t units);
     StringCore& operator=(const StringCore&) = delete;
     ~StringCore() {
@@ -45,23 +45,23 @@ public:
     bool IsInline() const noexcept { return text == inlineText; }
     // Whether the text is in a block on the heap, which others may share.
     bool IsShared() const noexcept { return text != nullptr && text != inlineText; }
-    // References on the block; 0 without a block.
+    // The number of references to the block; 0 without a block.
     std::int32_t ShareCount() const noexcept;
 
-    // To be called before the text is written to: a block that others share is replaced by a copy.
+    // Call this before writing to the text: replaces a block that others share by a copy.
     void MakeUnique();
-    // Makes room for `units` units, NUL-ended, in memory of this core alone. What was there stays
-    // as far as it fits; units that are new are undefined.
+    // Makes room for `units` units, NUL-ended, in memory that isn't shared. Units of the old text
+    // stay as far as they fit; new ones are undefined.
     void SetLength(std::uint64_t units);
-    // Exchanges the texts and the buffers. A core that meets a secure one becomes secure.
+    // Exchanges the texts and the buffers. When one of the cores is secure, both become secure.
     void Swap(StringCore& other) noexcept;
-    // The text of `other`, as a copy of its core has it; its buffer and `secure` are left.
+    // Takes the text of `other` as a copy of its core would, without its buffer and `secure`.
     void ShareText(const StringCore& other);
 
     std::uint64_t length = 0; // units, not counting the NUL
     std::uint8_t secure = 0;  // wipe the text before it is released
-    ObBuffer buffer;          // scratch, carried along
-    wchar_t* text = nullptr;  // null: a null string; else inlineText or behind a block's count
+    ObBuffer buffer;          // the client's; copied with the text
+    wchar_t* text = nullptr;  // null: a null string; else inlineText, or in a block after its count
     wchar_t inlineText[kInlineUnits + 1];
 
 private:

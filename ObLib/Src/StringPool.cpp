@@ -12,13 +12,13 @@
 namespace ObLib {
 namespace {
 
-// What a core's memory holds while it lies in the list.
+// What a core's memory contains while it is in the list.
 struct FreeCore {
     FreeCore* next;
 };
 static_assert(sizeof(FreeCore) <= sizeof(StringCore));
 
-// Outlives the pool: a string that is released after it goes by this flag alone.
+// Outlives the pool, so that a string that is released after the pool still reads this flag.
 constinit std::atomic<bool> g_poolIsOff = false;
 
 struct StringPool {
@@ -43,7 +43,7 @@ bool IsPooled(std::size_t size) {
     return size == sizeof(StringCore) && !g_poolIsOff.load(std::memory_order_relaxed);
 }
 
-// From the list's head, or from the heap when the list is empty; the lock is held for either.
+// From the head of the list, or from the heap when the list is empty. Both happen under the lock.
 void* TakeCore(StringPool& pool) {
     const Locked locked(pool.lock);
     FreeCore* const head = pool.head;
