@@ -1,7 +1,7 @@
 # The sources of the XML document library, for both builds: Windows (ObLibX/CMakeLists.txt) and
 # native (fuzzing/CMakeLists.txt). Include it; it sets
 #   OBX_XML_SOURCES          what builds everywhere, the packed name tables among them
-#   OBX_XML_WINDOWS_SOURCES  what stands behind src/xml/encoding/System*.h on Windows
+#   OBX_XML_WINDOWS_SOURCES  the Windows side of src/xml/encoding/System*.h
 set(names
     names/NameTables
     scan/OpenTagStack

@@ -61,9 +61,9 @@ function(native_fuzzer source)
     add_dependencies(fuzzers fuzz_${name})
 endfunction()
 
-# ob_room, ob_headers, ob_test as the folders of tests use them (cmake/ObTargets.cmake tells their
-# arguments). One ctest entry a program; what only the launcher for Windows programs needs (STAGE,
-# RUN, SUITES, ENV) means nothing here. Tests that need Windows stand under if(WIN32) there.
+# ob_room, ob_headers, ob_test as the folders of tests use them (cmake/ObTargets.cmake documents
+# their arguments). One ctest entry a program; what only the launcher for Windows programs needs (STAGE,
+# RUN, SUITES, ENV) means nothing here. Tests that need Windows are under if(WIN32) there.
 function(ob_room target)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
     native_library(${target} ${arg_SOURCES})

@@ -21,7 +21,7 @@ constexpr int kSamples = 301;
 constexpr int kCallsPerSample = 4000;
 constexpr std::size_t kUnits[] = {5, 12, 13, 64, 1024};
 
-// What stands at the place may have been read: the compiler leaves it.
+// Keeps the compiler from removing the write to that place.
 template <class Value>
 void Keep(Value* value) {
     asm volatile("" : : "g"(value) : "memory");

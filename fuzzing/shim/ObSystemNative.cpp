@@ -1,4 +1,4 @@
-// What Windows answers behind ObSystem.h: the conversions of the XML library's stand-in, and no
+// The native side of ObSystem.h: the conversions of SystemTextNative.cpp, and no
 // string table.
 #include "ObLib/Src/ObSystem.h"
 

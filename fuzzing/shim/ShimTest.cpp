@@ -1,4 +1,4 @@
-// The stand-ins answer as the Windows side does, as far as the code relies on it.
+// The native side gives the results of the Windows side, as far as the code relies on them.
 #include <gtest/gtest.h>
 
 #include <cerrno>

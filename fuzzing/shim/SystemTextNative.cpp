@@ -1,6 +1,6 @@
-// What Windows answers behind SystemText.h, by means of iconv. It serves tests and fuzzers and
-// knows the code pages of this table; every other one fails, as a page that isn't installed does
-// there.
+// The native side of SystemText.h: results as on Windows, by means of iconv. It serves tests and
+// fuzzers and knows the code pages of this table; every other one fails, as a page that isn't
+// installed does there.
 //
 // As on Windows with flags 0: bytes that mean nothing become U+FFFD one by one, a character that
 // the page lacks becomes '?' (in UTF-8 a lone surrogate becomes U+FFFD) and is noted, a page of
@@ -105,8 +105,7 @@ Converter* FindConverter(const Page& page, bool toWide) {
     return found->second ? &found->second : nullptr;
 }
 
-// Converts until the input ends; `replace` consumes one bad piece of it and puts what stands for
-// it.
+// Converts until the input ends; `replace` consumes one bad piece of it and writes its replacement.
 template <class Replace>
 void Run(Converter& converter, const char* in, std::size_t inBytes, Sink& sink, Replace replace) {
     converter.Restart();

@@ -6,7 +6,7 @@
 #include <string>
 
 // Taken from the front; an input that is used up gives zeros and empty texts. Of a text each byte
-// is one unit, so that dictionary and seeds are ASCII: a byte from 0x80 on stands for a unit that
+// is one unit, so that dictionary and seeds are ASCII: a byte from 0x80 on means a unit that
 // is of interest (see FuzzInput.cpp).
 class FuzzInput {
 public:
@@ -34,7 +34,7 @@ private:
     std::size_t left_;
 };
 
-// Every half of a pair that stands alone becomes U+FFFD.
+// Every half of a pair without its other half becomes U+FFFD.
 std::wstring WithWholePairs(std::wstring text);
 std::wstring WithoutNulls(std::wstring text);
 

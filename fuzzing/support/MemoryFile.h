@@ -1,4 +1,4 @@
-// A file that lies in memory and has a path, so that what opens files by name can be given it.
+// A file in memory that has a path, for code that opens files by name.
 #pragma once
 
 #include <string>

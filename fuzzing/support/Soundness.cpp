@@ -39,13 +39,13 @@ private:
             last = at;
         }
         Require(first == 0 || records_[first].prev == last, "the first child knows the last");
-        Require(end <= records_[parent].start + records_[parent].length, "children lie inside");
+        Require(end <= records_[parent].start + records_[parent].length, "children are inside");
     }
 
     void CheckTags(const ElementRecord& record) {
         const std::size_t end = std::size_t{record.start} + record.length;
         const std::uint32_t tags = record.StartTagLength() + record.EndTagLength();
-        Require(end <= text_.size() && tags <= record.length, "an element lies in the text");
+        Require(end <= text_.size() && tags <= record.length, "an element is in the text");
         Require(record.StartTagLength() >= 3, "a start tag has its marks and a name");
         Require(text_[record.start] == L'<', "a start tag begins with its mark");
         Require(text_[record.start + record.StartTagLength() - 1] == L'>', "and ends with one");
@@ -77,9 +77,9 @@ void RequireSoundReport(const std::wstring& report) {
     RequireSoundRecords(elements);
     const ElementRecordTable& records = *elements.State().records;
     Require(!records[0].Has(kRecordBad), "the report is well formed");
-    // The limit is asked before something is added, and that can be as long again: a document type
-    // with many bad declarations is one step of the scanner, and an update may lengthen what stands
-    // in front.
+    // The limit is checked before an addition, which can be as long again: a document type with
+    // many bad declarations is one step of the scanner, and an update may lengthen an earlier
+    // element.
     const std::uint32_t last = records[records[0].firstChild].prev;
     Require(records[last].start < 2 * kReportLimit, "a full report takes no more");
 }

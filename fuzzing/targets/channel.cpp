@@ -17,7 +17,7 @@ namespace {
 struct FileForm {
     const wchar_t* encoding; // empty: found out by looking
     std::uint32_t flags;
-    bool isUnicode; // holds every text
+    bool isUnicode; // has every character
 };
 constexpr FileForm kForms[] = {
     {L"", 0, false},
@@ -32,7 +32,7 @@ constexpr FileForm kForms[] = {
     {L"nobody", 0, false},
 };
 
-bool Says(const std::wstring& report, const wchar_t* element) {
+bool Has(const std::wstring& report, const wchar_t* element) {
     return report.find(std::wstring(L"<") + element) != std::wstring::npos;
 }
 
@@ -65,7 +65,7 @@ public:
     Reading ReadWhole() {
         Reading all;
         ReadBlock(static_cast<std::int32_t>(channel_.fileLength), all);
-        Require(channel_.fileOffset == channel_.fileLength, "a large block holds the file");
+        Require(channel_.fileOffset == channel_.fileLength, "a large block reads the whole file");
         return all;
     }
 
@@ -75,15 +75,15 @@ private:
         std::wstring text;
         channel_.opByteLength = request;
         Require(channel_.ReadText(text), "a file in memory has no errors");
-        Require(channel_.fileOffset > before, "each block goes on");
+        Require(channel_.fileOffset > before, "each block makes progress");
         Require(channel_.fileOffset == before + static_cast<std::uint32_t>(channel_.opByteLength),
-                "by the bytes that it says");
+                "by the bytes that it reports");
         Require(channel_.fileOffset <= channel_.fileLength, "and not past the end");
         Require(channel_.opTextLength == static_cast<std::int32_t>(text.size()),
-                "a block's units are told");
+                "a block's units are reported");
         RequireSoundReport(channel_.report);
         all.text += text;
-        all.cut = all.cut || Says(channel_.report, L"truncation_error");
+        all.cut = all.cut || Has(channel_.report, L"truncation_error");
     }
 
     std::string bytes_;
@@ -145,7 +145,7 @@ void ReadAnyBytes(FuzzInput& input, const FileForm& form, const std::string& blo
     if (bytes.empty()) return;
     const Reading inBlocks = Reader(bytes, form).ReadIn(blocks);
     const Reading whole = Reader(bytes, form).ReadWhole();
-    // Halves of pairs come together again, and NULs are dropped wherever they stand.
+    // Halves of pairs meet again in the text, and all NULs are dropped.
     Require((form.flags & kFileUtf16) == 0 || inBlocks.text == whole.text,
             "UTF-16 of any kind is the same in blocks");
     Require(whole.text.size() <= bytes.size() + 1, "no unit comes of less than a byte");

@@ -15,9 +15,9 @@ using namespace ObLibX;
 namespace {
 
 constexpr std::uint8_t kUntouched = 0xA5;
-constexpr std::size_t kSpare = 16; // bytes behind the capacity that must stay
+constexpr std::size_t kSpare = 16; // bytes past the capacity that must stay
 
-// Those of the Unicode encodings come often, the others as often as they stand in the table.
+// Those of the Unicode encodings come often, the others as often as they are in the table.
 std::wstring SomeEncoding(FuzzInput& input) {
     constexpr const wchar_t* kOften[] = {L"UTF-8",  L"UTF-16",       L"UTF-32",    L"",
                                          L"nobody", L"windows-1252", L"shift_jis", L"gb18030"};
@@ -27,14 +27,14 @@ std::wstring SomeEncoding(FuzzInput& input) {
 }
 
 struct Conversion {
-    std::vector<std::uint8_t> bytes; // what was written, without what lies behind
+    std::vector<std::uint8_t> bytes; // what was written, without the bytes after it
     std::int32_t length;             // units
     std::int32_t usedDefault;
 };
 
 class Pair {
 public:
-    // The source is as long as its units, and stands at an odd address if `odd`.
+    // The source is as long as its units, and is at an odd address if `odd`.
     Pair(std::wstring from, std::wstring to, FuzzInput& input, bool odd)
         : from_(std::move(from)), to_(std::move(to)),
           unit_(static_cast<std::size_t>(CodeUnitSize(ConversionPage(to_)))) {
@@ -90,12 +90,12 @@ Conversion Pair::Convert(std::int32_t capacity) const {
     TextConverter converter = Converter(capacity);
     result.length = converter.Convert(result.bytes.data(), to_);
     result.usedDefault = converter.usedDefault;
-    Require(result.length == converter.destinationCapacity, "the length is told twice alike");
+    Require(result.length == converter.destinationCapacity, "both lengths are the same");
     Require(capacity == 0 || (result.length >= 0 && result.length <= capacity),
             "a capacity is kept");
     Require(std::all_of(result.bytes.begin() + static_cast<std::ptrdiff_t>(room),
                         result.bytes.end(), [](std::uint8_t byte) { return byte == kUntouched; }),
-            "nothing is written behind the capacity");
+            "nothing is written past the capacity");
     result.bytes.resize(std::min(room, static_cast<std::size_t>(result.length) * unit_));
     return result;
 }
@@ -122,7 +122,7 @@ void ConvertAtCapacities(const Pair& pair, std::int32_t capacity) {
             "as much of it as fits");
 }
 
-// Back and forth nothing is lost of a text that UTF-16 can hold.
+// A text that UTF-16 can encode survives both conversions.
 void RoundTrip(const std::wstring& text, const std::wstring& encoding) {
     TextConverter there;
     there.fromEncoding = L"UTF-16";
@@ -152,8 +152,9 @@ void FindBoundary(const std::wstring& encoding, const std::uint8_t* bytes, std::
     converter.sourceLength = static_cast<std::int32_t>(size / unit);
     std::int32_t back = -1;
     const bool found = FindCharBoundary(converter, back);
-    Require(back >= 0 && back <= static_cast<std::int32_t>(size), "what goes back was there");
-    Require(found || back == 0, "nothing goes back where there is no boundary");
+    Require(back >= 0 && back <= static_cast<std::int32_t>(size),
+            "the bytes that are given back exist");
+    Require(found || back == 0, "nothing is given back without a boundary");
 }
 
 } // namespace

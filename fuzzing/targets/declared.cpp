@@ -23,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const std::wstring name = input.Name(input.Below(64));
     const std::wstring text = input.Rest();
     const std::wstring found = GetDeclaredEncoding(text);
-    Require(text.find(found) != std::wstring::npos, "what is declared stands in the text");
+    Require(text.find(found) != std::wstring::npos, "the text contains what is declared");
     Require(found.empty() || text.find(L'<') != std::wstring::npos, "and in a tag");
     if (!IsPlainName(name)) return 0;
     const std::wstring start = L"<?xml version=\"1.0\" encoding=";

@@ -15,18 +15,18 @@ const ElementRecord& RecordOf(const XmlOffsetDocument& document, std::int32_t po
 void ReadElement(XmlOffsetDocument& document) {
     const std::int32_t at = document.CurrentPosition();
     const ElementRecord& record = RecordOf(document, at);
-    Require(document.GetTagName().size() < record.StartTagLength(), "a name lies in its tag");
+    Require(document.GetTagName().size() < record.StartTagLength(), "a name is in its tag");
     AttributeCursor attributes(at);
     for (std::int32_t index = 0;; ++index) {
         const std::wstring name = document.GetAttributeNameAt(index);
         Require(document.GetNextAttribute(attributes) == !name.empty() && attributes.Name() == name,
                 "a cursor meets the attributes in their order");
         if (name.empty()) break;
-        Require(attributes.Value().size() < record.StartTagLength(), "a value lies in its tag");
+        Require(attributes.Value().size() < record.StartTagLength(), "a value is in its tag");
         Require(index < static_cast<std::int32_t>(record.StartTagLength()),
                 "a tag has fewer attributes than units");
         Require(document.GetAttribute(at, name.c_str()).size() < record.StartTagLength(),
-                "a value lies in its tag");
+                "a value is in its tag");
     }
     const std::size_t tags = record.StartTagLength() + record.EndTagLength();
     const std::size_t data = document.GetData(at).size();
@@ -35,7 +35,7 @@ void ReadElement(XmlOffsetDocument& document) {
 }
 
 // Depth first, by the methods that clients have.
-std::int32_t WalkAll(XmlOffsetDocument& document) {
+std::int32_t VisitAll(XmlOffsetDocument& document) {
     std::int32_t count = 0;
     document.ResetPosition(0, 0, 0);
     for (;;) {
@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     RequireSoundRecords(document);
     Require(good == document.Result().empty(), "what isn't well formed has a report");
     const std::int32_t elements = document.State().nextFreePos - 1;
-    Require(WalkAll(document) == elements, "a walk visits each element once");
+    Require(VisitAll(document) == elements, "a pass visits each element once");
     FindAllBelow(document, elements);
     const std::wstring text = document.Text();
     const std::wstring report = document.Result();

@@ -1,5 +1,5 @@
-// Elements and attributes are added anywhere: the shifted records are always those of the text, as
-// long as nothing is unended, and in every document they stay within it.
+// Elements and attributes are added anywhere: the shifted records are those of a fresh parse as
+// long as nothing is unended, and in every document they stay within the text.
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 #include "ObLibX/src/xml/scan/TagScanner.h"
 #include "fuzzing/support/FuzzInput.h"
@@ -34,7 +34,7 @@ public:
     void Run();
 
 private:
-    void Stand();
+    void MoveTo();
     void MoveToNode();
     void Edit();
     void Add(std::uint32_t flags, const std::wstring& value);
@@ -56,14 +56,14 @@ void Editor::Run() {
     ended_ = text.empty() || !(*document_.State().records)[0].Has(kRecordBad);
     input_ = steps;
     for (std::uint32_t i = 0; i < edits; ++i) {
-        Stand();
+        MoveTo();
         Edit();
         RequireSound();
     }
 }
 
-// On an element, before the first child of one, or on a node.
-void Editor::Stand() {
+// Moves to an element, before the first child of one, or to a node.
+void Editor::MoveTo() {
     const std::uint32_t choice = input_.Byte();
     const auto records = static_cast<std::uint32_t>(document_.State().nextFreePos);
     const std::uint32_t element = input_.Byte() % records;
@@ -79,8 +79,8 @@ void Editor::Stand() {
     if (choice >= 192 && ended_) MoveToNode();
 }
 
-// On the first node of the parent's content that is no element, if it has one before its first
-// child.
+// Moves to the first node of the parent's content that is no element, if it has one before its
+// first child.
 void Editor::MoveToNode() {
     DocumentState& state = document_.State();
     const ElementRecord& parent = (*state.records)[state.parentPos];

@@ -45,8 +45,8 @@ std::uint32_t ExpectedCodePoint(const std::wstring& name) {
 }
 
 void LookUp(const std::wstring& name) {
-    Require(LookupCodePage(name) == ExpectedPage(name), "a charset is found as its row says");
-    Require(LookupEntity(name) == ExpectedCodePoint(name), "an entity is found as its row says");
+    Require(LookupCodePage(name) == ExpectedPage(name), "a charset is found as in its row");
+    Require(LookupEntity(name) == ExpectedCodePoint(name), "an entity is found as in its row");
 }
 
 // A row's own name with some letters in upper case and one unit changed.

@@ -25,7 +25,7 @@ public:
         : document_(document), path_(path) {}
 
     std::int32_t Among(std::int32_t candidate) { return Steps(0, candidate); }
-    // Of the elements behind `from` in document order, as long as they are below `top`.
+    // Of the elements after `from` in document order, as long as they are below `top`.
     std::int32_t Below(std::int32_t from, std::int32_t top) {
         std::uint32_t seen = 0;
         for (std::int32_t at = NextInDocumentOrder(document_.State(), from);
@@ -49,12 +49,12 @@ private:
             if (!Meets(candidate, path_[step]) || ++seen < (counts ? path_[step].count : 1)) {
                 continue;
             }
-            const std::int32_t found = Behind(step, candidate);
+            const std::int32_t found = After(step, candidate);
             if (found != 0 || counts) return found;
         }
         return 0;
     }
-    std::int32_t Behind(std::size_t step, std::int32_t matched) {
+    std::int32_t After(std::size_t step, std::int32_t matched) {
         if (step + 1 < path_.StepCount()) return Steps(step + 1, FirstChild(matched));
         return path_.Attribute().empty() || HasAttribute(matched, path_.Attribute()) ? matched : 0;
     }
@@ -79,11 +79,11 @@ private:
         return child != 0;
     }
     bool IsNamed(std::int32_t at, std::wstring_view name) {
-        Stand(at);
+        MoveTo(at);
         return name == L"*" || Same(document_.GetTagName(), name);
     }
     bool HasAttribute(std::int32_t at, std::wstring_view name) {
-        Stand(at);
+        MoveTo(at);
         for (std::int32_t index = 0;; ++index) {
             const std::wstring own = document_.GetAttributeNameAt(index);
             if (own.empty()) return false;
@@ -102,7 +102,7 @@ private:
     static wchar_t Fold(wchar_t unit) {
         return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit + 32) : unit;
     }
-    void Stand(std::int32_t at) { document_.ResetPosition(0, at, 0); }
+    void MoveTo(std::int32_t at) { document_.ResetPosition(0, at, 0); }
 
     XmlOffsetDocument& document_;
     const XmlPath& path_;
@@ -149,7 +149,7 @@ void FindSibling(XmlOffsetDocument& document, const wchar_t* path) {
     if (!found) return;
     const auto parent = (*document.State().records)[expected].parent;
     Require(PositionOf(document) == Position{static_cast<std::int32_t>(parent), expected, 0},
-            "and stands where that stands");
+            "and the position is the same");
 }
 
 void FindChild(XmlOffsetDocument& document, const wchar_t* path) {

@@ -1,4 +1,4 @@
-// A report stays XML whatever is reported, says what it was given, and stops at its limit.
+// A report stays XML whatever is reported, contains what it was given, and stops at its limit.
 #include <string>
 
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
@@ -42,7 +42,7 @@ std::wstring Decimal(std::int32_t number) {
     return std::wstring(digits.begin(), digits.end());
 }
 
-// Stands on the last element of that name; how many elements there are.
+// Moves to the last element of that name and returns the number of all elements.
 int FindLast(XmlOffsetDocument& report, const std::wstring& element, std::int32_t& last) {
     int count = 0;
     last = 0;
@@ -86,7 +86,7 @@ private:
                           const std::wstring& value) {
         const bool asked = flag == 0 ? (entry_.flags & kind) == 0 : (entry_.flags & flag) != 0;
         if (!asked) return;
-        Require(report_.GetAttribute(last_, name) == value, "a report says what it was given");
+        Require(report_.GetAttribute(last_, name) == value, "a report contains what it was given");
     }
 
     const Entry& entry_;

@@ -1,4 +1,4 @@
-// The scanner: its quick way and its rules give the same nodes, and its tokens lie in the text.
+// The scanner: QuickScan and NodeRules give the same nodes, and all tokens are in the text.
 #include <memory>
 
 #include "ObLibX/src/xml/document/DocumentState.h"
@@ -30,21 +30,21 @@ void RequireSameNode(const TagScanner& one, const NodeScan& oneScan, const TagSc
 
 void RequireTokenInText(const TagScanner& scanner) {
     Require(scanner.tokenStart >= 0 && scanner.TokenLength() >= 0, "a token has a length");
-    Require(scanner.tokenEnd < scanner.textLength, "a token lies in the text");
+    Require(scanner.tokenEnd < scanner.textLength, "a token is in the text");
     Require(scanner.cursor >= 0 && scanner.cursor <= scanner.textLength, "so does the cursor");
 }
 
 // Everything that can be read of a tag, whatever it is.
 void ReadTag(TagScanner scanner, const NodeScan& scan) {
     RequireTokenInText(scanner);
-    const std::int32_t behindName = scanner.tokenEnd + 1;
+    const std::int32_t afterName = scanner.tokenEnd + 1;
     scanner.textLength = scan.start + scan.length;
     for (std::int32_t index = 0;; ++index) {
-        scanner.cursor = behindName;
+        scanner.cursor = afterName;
         if (!scanner.FindAttributeAt(index)) break;
         RequireTokenInText(scanner);
         const std::wstring name(scanner.Token(), static_cast<std::size_t>(scanner.TokenLength()));
-        scanner.cursor = behindName;
+        scanner.cursor = afterName;
         Require(scanner.FindAttribute(name.data(), name.size()), "a listed attribute is found");
         RequireTokenInText(scanner);
     }
@@ -62,7 +62,8 @@ void ReadNodes(const wchar_t* text, std::size_t length, std::uint32_t flags, boo
         plainScan.report.clear();
         NodeRules(plain, plainScan).Run();
         RequireSameNode(quick, quickScan, plain, plainScan);
-        Require(quickScan.start == at && quickScan.length > 0, "nodes lie end to end");
+        Require(quickScan.start == at && quickScan.length > 0,
+                "each node begins where the last one ended");
         at += quickScan.length;
         if (quickScan.type == kNodeElement) ReadTag(quick, quickScan);
     }
@@ -93,7 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     // Writing a report takes longer than all the rest.
     const bool reports = choice >= 192;
     const std::wstring rest = input.Rest();
-    // Exactly as long, so that a unit behind the end is noticed.
+    // Exactly as long, so that a read past the end is noticed.
     const auto text = std::make_unique<wchar_t[]>(rest.size());
     rest.copy(text.get(), rest.size());
     ReadNodes(text.get(), rest.size(), flags, reports);

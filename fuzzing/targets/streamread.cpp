@@ -53,7 +53,7 @@ void Open(XmlOffsetDocument& document, std::uint32_t flags, std::int32_t blockSi
 
 void RequirePositionInText(const XmlOffsetDocument& document) {
     const DocumentState& state = document.State();
-    Require(state.nodeOffset >= 0 && state.nodeLength >= 0, "a node lies in the text");
+    Require(state.nodeOffset >= 0 && state.nodeLength >= 0, "a node is in the text");
     if (state.nodeLength != 0 && state.nodeType != 0) {
         Require(static_cast<std::size_t>(state.nodeOffset) +
                         static_cast<std::size_t>(state.nodeLength) <=
@@ -63,46 +63,47 @@ void RequirePositionInText(const XmlOffsetDocument& document) {
     if (state.currentPos == 0) return;
     const ElementRecord& record = (*state.records)[state.currentPos];
     Require(std::size_t{record.start} + record.StartTagLength() <= state.text.size(),
-            "a tag lies in the text");
+            "a tag is in the text");
 }
 
-// The same call on both; what it says, in words that don't depend on blocks.
+// The same call on both; its result in a form that doesn't depend on blocks.
 std::wstring Call(XmlOffsetDocument& document, std::uint32_t choice) {
     const auto answer = [](bool good) { return std::wstring(good ? L"yes" : L"no"); };
     const std::int32_t at = document.CurrentPosition();
-    std::wstring said;
+    std::wstring result;
     switch (choice % 8) {
     case 0:
     case 1:
-        said = answer(document.FindElement());
+        result = answer(document.FindElement());
         break;
     case 2:
-        said = answer(document.FindElement(kPaths[choice / 8 % std::size(kPaths)]));
+        result = answer(document.FindElement(kPaths[choice / 8 % std::size(kPaths)]));
         break;
     case 3:
-        said = answer(document.IntoElement());
+        result = answer(document.IntoElement());
         break;
     case 4:
-        said = answer(document.OutOfElement());
+        result = answer(document.OutOfElement());
         break;
     case 5:
-        said = document.GetData(at);
+        result = document.GetData(at);
         break;
     case 6:
-        said = document.GetAttribute(at, L"x") + L"|" + document.GetAttributeNameAt(0);
+        result = document.GetAttribute(at, L"x") + L"|" + document.GetAttributeNameAt(0);
         break;
     default:
-        said = answer(document.FindChildElement());
+        result = answer(document.FindChildElement());
         break;
     }
     RequirePositionInText(document);
-    return said + L"|" + document.GetTagName();
+    return result + L"|" + document.GetTagName();
 }
 
 // Everything that is left, depth first.
 std::wstring ReadAll(XmlOffsetDocument& document, std::size_t units) {
     std::wstring all;
-    // A search without a match goes on behind an error, so the calls are bounded by the text.
+    // A search without a match continues after an error, so that the text bounds the number of
+    // calls.
     for (std::size_t calls = 0; calls < 3 * units + 16; ++calls) {
         if (document.FindElement()) {
             const std::int32_t at = document.CurrentPosition();
@@ -123,7 +124,7 @@ std::wstring ReadAll(XmlOffsetDocument& document, std::size_t units) {
     return all;
 }
 
-// What the elements hold, without the ends of those that can't be entered in a stream.
+// The contents of the elements, without the ends of those that can't be entered in a stream.
 std::wstring WithoutEnds(std::wstring all) {
     std::erase(all, L')');
     return all;
@@ -138,7 +139,7 @@ void CompareBlocks(FuzzInput& calls, int count, std::uint32_t flags, std::int32_
     for (int i = 0; i < count; ++i) {
         const std::uint32_t choice = calls.Byte();
         Require(Call(small, choice) == Call(large, choice), "a call answers alike in any block");
-        Require(small.CurrentPosition() == large.CurrentPosition(), "and stands alike");
+        Require(small.CurrentPosition() == large.CurrentPosition(), "and the position is the same");
         Require(small.State().nodeType == large.State().nodeType, "on a node of the same type");
     }
     Require(ReadAll(small, units) == ReadAll(large, units), "what is left is read alike");

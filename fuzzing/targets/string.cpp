@@ -15,7 +15,7 @@ constexpr std::uint32_t kStrings = 4;
 constexpr std::size_t kLongestPiece = 40;
 constexpr std::size_t kLongest = 2000;
 
-// A string and what it should hold.
+// A string and the text that it should have.
 struct Both {
     ObString own;
     std::wstring expected;
@@ -65,7 +65,7 @@ void Compare(const Both& one, const Both& other) {
     Require(one.own.Compare(other.own) == less, "the order is that of the units");
     const int noCase = one.own.CompareNoCase(other.own);
     const int opposite = other.own.CompareNoCase(one.own);
-    Require((noCase == 0) == (opposite == 0), "ignoring case goes both ways");
+    Require((noCase == 0) == (opposite == 0), "ignoring case is symmetric");
     Require(one.expected != other.expected || noCase == 0, "equal texts are equal in any case");
 }
 

@@ -13,7 +13,8 @@ using ObLib::kResizeCopies;
 using ObLib::kResizeLeaves;
 using ObLib::ObBuffer;
 
-// An own pair that counts, refuses when told so, and notes what a released block began with.
+// A pair of functions that counts, can be made to fail, and notes the first byte of a released
+// block.
 struct Pair {
     static inline int allocated = 0;
     static inline int released = 0;

@@ -1,4 +1,4 @@
-// An operator new that counts, that fails where a test says, and that looks at what is released.
+// An operator new that counts, fails at the call that a test sets, and inspects released blocks.
 #pragma once
 
 #include <cstddef>
@@ -16,13 +16,13 @@ void AtNextAllocation(void (*call)());
 // While it lives, released blocks are looked at. One at a time, and no other thread may run.
 class WatchReleased {
 public:
-    // A block "holds" a text when four units `unit` follow each other in it.
+    // A block contains a text when it has four units `unit` in a row.
     explicit WatchReleased(wchar_t unit);
     ~WatchReleased();
     WatchReleased(const WatchReleased&) = delete;
     WatchReleased& operator=(const WatchReleased&) = delete;
 
-    // How many blocks were released since, and how many of them held the units.
+    // The number of blocks released since, and the number of those that contained the units.
     std::size_t Released() const;
     std::size_t Holding() const;
 };

@@ -40,10 +40,10 @@ TEST(FatalEnd, ACheckThatIsTrueDoesNothing) {
 }
 
 TEST(FatalEnd, AFaultRequestOutOfACheckIsCaughtThereAndExecutionContinues) {
-    bool behind = false;
+    bool after = false;
     ObLib::CatchFaultRequest([] { throw ObLib::ObFaultRequest(); });
-    behind = true;
-    EXPECT_TRUE(behind);
+    after = true;
+    EXPECT_TRUE(after);
     EXPECT_THROW(ObLib::CatchFaultRequest([] { throw 1; }), int);
 }
 

@@ -47,7 +47,7 @@ void AskOnAnotherThread() {
     if (other) WaitForSingleObject(other.Get(), INFINITE);
 }
 
-// The list is empty, so the heap is asked for the core, with the lock held.
+// The list is empty, so that the core comes from the heap, under the lock.
 TEST(PoolLock, HeldByAnotherThreadThatAllocatesItSurfacesARefusedEvent) {
     ObLib::PoolSwitchOff();
     ObLib::PoolSwitchOn();

@@ -29,7 +29,7 @@ struct Kept {
     StringCore* core;
     explicit Kept(const std::wstring& text)
         : core(::new (memory) StringCore(text.c_str(), text.size())) {}
-    bool Holds(wchar_t unit) const {
+    bool Contains(wchar_t unit) const {
         const auto* const units = reinterpret_cast<const wchar_t*>(memory);
         return std::wmemchr(units, unit, sizeof memory / sizeof(wchar_t)) != nullptr;
     }
@@ -193,24 +193,24 @@ TEST(StringCore, SwapMakesBothSecureAndExchangesTheBuffers) {
 
 TEST(StringCore, ASecureInlineTextIsWipedBeforeItIsReleased) {
     Kept secret(L"XXXXXXXXXXXX");
-    ASSERT_TRUE(secret.Holds(L'X'));
+    ASSERT_TRUE(secret.Contains(L'X'));
     secret.core->secure = 1;
     secret.core->~StringCore();
-    EXPECT_FALSE(secret.Holds(L'X'));
+    EXPECT_FALSE(secret.Contains(L'X'));
     Kept open(L"XXXXXXXXXXXX");
     open.core->~StringCore();
-    EXPECT_TRUE(open.Holds(L'X')) << "the test sees what isn't wiped";
+    EXPECT_TRUE(open.Contains(L'X')) << "the test sees what isn't wiped";
 }
 
 TEST(StringCore, ASecureTextThatMovesToTheHeapLeavesNothingInside) {
     Kept secret(L"XXXXXXXXXXXX");
     secret.core->secure = 1;
     secret.core->SetLength(40);
-    EXPECT_FALSE(secret.Holds(L'X'));
+    EXPECT_FALSE(secret.Contains(L'X'));
     secret.core->~StringCore();
 }
 
-// What a released block held.
+// What a released block contained.
 bool g_sawSecret = false;
 void* AllocateForTest(std::size_t bytes) { return std::malloc(bytes); }
 void ReleaseAndLook(void* block) {

@@ -38,7 +38,7 @@ class StringMemory : public testing::Test {
 protected:
     void SetUp() override {
         ObLib::PoolSwitchOff();
-        // The system behind the conversions may keep memory from the first one on.
+        // The system may keep memory from the first conversion on.
         const ObString first("first", ObLib::kCodePageUtf8);
     }
     void TearDown() override { ObLib::PoolSwitchOn(); }

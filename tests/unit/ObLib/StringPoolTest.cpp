@@ -117,8 +117,8 @@ TEST_F(StringPool, ServesSeveralThreadsAtATime) {
     std::vector<void*> taken;
     for (std::uint64_t left = PoolLength(); left > 0; --left) taken.push_back(PoolAllocate(kCore));
     for (std::size_t index = 0; index < taken.size(); ++index)
-        for (std::size_t behind = index + 1; behind < taken.size(); ++behind)
-            EXPECT_NE(taken[index], taken[behind]);
+        for (std::size_t other = index + 1; other < taken.size(); ++other)
+            EXPECT_NE(taken[index], taken[other]);
     for (void* const core : taken) PoolFree(core, kCore);
 }
 

@@ -1,4 +1,4 @@
-// Strings from string tables: the language module's first, the program's own behind it.
+// Strings from string tables: the language module's is searched first, then the program's own.
 #include <windows.h>
 
 #include "ObLib/Src/ObString.h"

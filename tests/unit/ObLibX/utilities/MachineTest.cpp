@@ -31,7 +31,7 @@ TEST(HighContrast, IsTheSystemsFlagOfThatName) {
     EXPECT_FALSE(ObLibX::IsHighContrast());
     g_contrastFlags = HCF_HIGHCONTRASTON;
     g_answers = FALSE;
-    EXPECT_FALSE(ObLibX::IsHighContrast()) << "a call that fails says nothing";
+    EXPECT_FALSE(ObLibX::IsHighContrast()) << "a call that fails gives no answer";
     g_answers = TRUE;
 }
 

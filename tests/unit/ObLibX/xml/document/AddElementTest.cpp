@@ -10,7 +10,7 @@ namespace {
 class AddElement : public testing::Test {
 protected:
     void Load(const wchar_t* text) { document_.SetText(text); }
-    void Stand(std::int32_t parent, std::int32_t current, std::int32_t child = 0) {
+    void MoveTo(std::int32_t parent, std::int32_t current, std::int32_t child = 0) {
         document_.ResetPosition(parent, current, child);
     }
     bool Add(const wchar_t* name, const wchar_t* value, std::uint32_t flags) {
@@ -46,7 +46,7 @@ protected:
 
 } // namespace
 
-// One slash that stayed would make an empty tag of what is to hold the new element.
+// One slash that stayed would make an empty tag of the new element's parent.
 TEST_F(AddElement, TakesEverySlashFromTheEndOfASingleTagThatItOpens) {
     const struct {
         const wchar_t* before;
@@ -59,7 +59,7 @@ TEST_F(AddElement, TakesEverySlashFromTheEndOfASingleTagThatItOpens) {
     };
     for (const auto& [before, after] : cases) {
         Load(before);
-        Stand(0, 1);
+        MoveTo(0, 1);
         EXPECT_EQ(Added(kAddAsChild | kAddNoLineEnds), after);
     }
 }
@@ -103,7 +103,7 @@ TEST_F(AddElement, FillsTheRecord) {
 
 TEST_F(AddElement, MakesTheNewElementCurrent) {
     Load(L"<a><b/></a>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_TRUE(Add(L"c", nullptr, 0));
     EXPECT_EQ(document_.ParentPosition(), 1);
     EXPECT_EQ(document_.CurrentPosition(), 3);
@@ -126,69 +126,69 @@ TEST_F(AddElement, PutsALineEndAfterTheElementInAnEmptyDocument) {
 
 TEST_F(AddElement, AddsAfterTheCurrentElementAndItsWhiteSpace) {
     Load(L"<r>\r\n<a/>\r\n<b/>\r\n</r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_EQ(Added(0), L"<r>\r\n<a/>\r\n<n/>\r\n<b/>\r\n</r>");
     Load(L"<r>\r\n<a/>\r\n<b/>\r\n</r>");
-    Stand(1, 3);
+    MoveTo(1, 3);
     EXPECT_EQ(Added(0), L"<r>\r\n<a/>\r\n<b/>\r\n<n/>\r\n</r>");
     Load(L"<r/>  ");
-    Stand(0, 1);
+    MoveTo(0, 1);
     EXPECT_EQ(Added(0), L"<r/>  <n/>\r\n");
     Load(L"<r><a/> text</r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_EQ(Added(0), L"<r><a/><n/>\r\n text</r>");
 }
 
 TEST_F(AddElement, SkipsNoWhiteSpaceWithoutLineEnds) {
     Load(L"<r><a/>\r\n<b/></r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_EQ(Added(kAddNoLineEnds), L"<r><a/><n/>\r\n<b/></r>");
 }
 
 TEST_F(AddElement, AddsBeforeTheCurrentElement) {
     Load(L"<r> <a/><b/></r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_EQ(Added(kAddBefore), L"<r> <n/>\r\n<a/><b/></r>");
     Load(L"<r> <a/><b/></r>");
-    Stand(1, 3);
+    MoveTo(1, 3);
     EXPECT_EQ(Added(kAddBefore | kAddNoLineEnds), L"<r> <a/><n/><b/></r>");
 }
 
 TEST_F(AddElement, AddsAtTheEndOfTheContentAndLinksLastWithoutACurrentElement) {
     Load(L"<r><a/>text</r>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     EXPECT_EQ(Added(0), L"<r><a/>text<n/>\r\n</r>");
     EXPECT_EQ((*document_.State().records)[2].next, 3u);
     EXPECT_EQ((*document_.State().records)[2].prev, 3u);
     Load(L"<a/>");
-    Stand(0, 0);
+    MoveTo(0, 0);
     EXPECT_EQ(Added(0), L"<a/><n/>\r\n");
 }
 
 TEST_F(AddElement, AddsAtTheStartOfTheContentWithItsFlag) {
     for (const std::uint32_t flag : {kAddAtStart, kAddBefore}) {
         Load(L"<r>text<a/></r>");
-        Stand(1, 0);
+        MoveTo(1, 0);
         EXPECT_EQ(Added(flag), L"<r><n/>\r\ntext<a/></r>");
         EXPECT_EQ((*document_.State().records)[1].firstChild, 3u);
     }
     Load(L"<r> <a/></r>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     EXPECT_EQ(Added(kAddAtStart), L"<r><n/>\r\n <a/></r>");
     Load(L"<r> <a/></r>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     EXPECT_EQ(Added(kAddBefore), L"<r> <n/>\r\n<a/></r>");
     Load(L"<r>t<a/><b/></r>");
-    Stand(1, 3);
+    MoveTo(1, 3);
     EXPECT_EQ(Added(kAddAtStart | kAddNoLineEnds), L"<r><n/>t<a/><b/></r>");
     Load(L"<!--c--><r/>");
-    Stand(0, 0);
+    MoveTo(0, 0);
     EXPECT_EQ(Added(kAddAtStart), L"<n/>\r\n<!--c--><r/>");
 }
 
 TEST_F(AddElement, BecomesAChildOfTheCurrentElement) {
     Load(L"<r><a>x</a></r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_EQ(Added(kAddAsChild), L"<r><a>x<n/>\r\n</a></r>");
     EXPECT_TRUE(Add(L"m", nullptr, kAddAsChild | kAddNoLineEnds));
     EXPECT_EQ(document_.Text(), L"<r><a>x<n/><m/>\r\n</a></r>");
@@ -199,17 +199,17 @@ TEST_F(AddElement, BecomesAChildOfTheCurrentElement) {
 
 TEST_F(AddElement, OpensASingleTag) {
     Load(L"<p/>");
-    Stand(0, 1);
+    MoveTo(0, 1);
     EXPECT_EQ(Added(kAddAsChild), L"<p>\r\n<n/>\r\n</p>");
     Load(L"<p/>");
-    Stand(0, 1);
+    MoveTo(0, 1);
     EXPECT_EQ(Added(kAddAsChild | kAddNoLineEnds), L"<p><n/></p>");
     Load(L"<r><p a='/' /><q/></r>");
-    Stand(2, 0);
+    MoveTo(2, 0);
     EXPECT_EQ(Added(0), L"<r><p a='/' >\r\n<n/>\r\n</p><q/></r>");
     for (const std::uint32_t flag : {kAddAtStart, kAddBefore}) {
         Load(L"<p/>");
-        Stand(1, 0);
+        MoveTo(1, 0);
         EXPECT_EQ(Added(flag), L"<p>\r\n<n/>\r\n</p>");
     }
 }
@@ -217,7 +217,7 @@ TEST_F(AddElement, OpensASingleTag) {
 // A fresh parse of the text reports the child, marks what is around it and stops after </r>.
 TEST_F(AddElement, MarksOnlyTheElementItselfWhenItHasNoEndTag) {
     Load(L"<t><r></r><s/></t>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_TRUE(Add(L"c", nullptr, kAddAsChild | kAddNoEndTag | kAddNoLineEnds));
     EXPECT_EQ(document_.Text(), L"<t><r><c></r><s/></t>");
     ExpectSoundLinks(document_.State());
@@ -238,7 +238,7 @@ TEST_F(AddElement, OpensATagThatHasNoEnd) {
     EXPECT_EQ(Added(kAddAsChild), L"<p>\r\n<n/>\r\n</p>");
     EXPECT_FALSE((*document_.State().records)[1].Has(kRecordUnended));
     Load(L"<r><p></r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_TRUE(Add(L"n", nullptr, kAddAsChild | kAddNoLineEnds));
     EXPECT_EQ(document_.Text(), L"<r><p><n/></p></r>");
     EXPECT_FALSE((*document_.State().records)[2].Has(kRecordUnended));
@@ -247,55 +247,55 @@ TEST_F(AddElement, OpensATagThatHasNoEnd) {
 
 TEST_F(AddElement, OpensATagOverItsWholeName) {
     Load(L"<p;q x='1'/>"); // such a name is one name to a scan
-    Stand(0, 1);
+    MoveTo(0, 1);
     EXPECT_EQ(Added(kAddAsChild | kAddNoLineEnds), L"<p;q x='1'><n/></p;q>");
 }
 
 TEST_F(AddElement, PutsALineEndBeforeTheFirstContent) {
     Load(L"<p></p>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     EXPECT_EQ(Added(0), L"<p>\r\n<n/>\r\n</p>");
     Load(L"<p></p>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     EXPECT_EQ(Added(kAddNoLineEnds), L"<p><n/></p>");
     Load(L"<p> </p>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     EXPECT_EQ(Added(0), L"<p> <n/>\r\n</p>");
 }
 
 TEST_F(AddElement, AddsAfterTheCurrentNode) {
     Load(L"<r><a/><!--c--><b/></r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     PutOnNode(document_, kNodeComment, L"<!--c-->");
     EXPECT_EQ(Added(0), L"<r><a/><!--c--><n/>\r\n<b/></r>");
     EXPECT_EQ(document_.State().nodeLength, 0);
     Load(L"<r><a/><!--c-->  <b/></r>");
-    Stand(1, 0); // wherever the position stood before it came to the node
+    MoveTo(1, 0); // any position from which the client moved to the node
     PutOnNode(document_, kNodeComment, L"<!--c-->");
     EXPECT_EQ(Added(0), L"<r><a/><!--c-->  <n/>\r\n<b/></r>");
 }
 
 TEST_F(AddElement, AddsBeforeTheCurrentNode) {
     Load(L"<r><!--c--><b/></r>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     PutOnNode(document_, kNodeComment, L"<!--c-->");
     EXPECT_EQ(Added(kAddBefore), L"<r><n/>\r\n<!--c--><b/></r>");
 }
 
 TEST_F(AddElement, ReplacesTheCurrentNode) {
     Load(L"<r><a/><!--comment--> <b/></r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     PutOnNode(document_, kNodeComment, L"<!--comment-->");
     EXPECT_EQ(Added(kAddAtStart), L"<r><a/><n/>\r\n <b/></r>");
     Load(L"<r>x<b/></r>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     PutOnNode(document_, kNodeText, L"x");
     EXPECT_EQ(Added(kAddAtStart | kAddNoLineEnds), L"<r><n/><b/></r>");
 }
 
 TEST_F(AddElement, RefusesWhatItCannotWrite) {
     Load(L"<r><a/></r>");
-    Stand(1, 2);
+    MoveTo(1, 2);
     ExpectRefused(nullptr, L"x", 0);
     for (const wchar_t* name : {L"",   L" ",   L"a b", L"1a",   L"-a", L".a", L"a>",  L"<a", L"a/",
                                 L"a=", L"a\"", L"a'",  L"a;",   L"a?", L"a!", L"a\\", L"a[", L"a]",
@@ -312,23 +312,23 @@ TEST_F(AddElement, RefusesWhatItCannotWrite) {
 
 TEST_F(AddElement, RefusesAChildOfNothing) {
     Load(L"<r/>");
-    Stand(0, 0);
+    MoveTo(0, 0);
     ExpectRefused(L"a", nullptr, kAddAsChild);
-    Stand(0, 1);
+    MoveTo(0, 1);
     PutOnNode(document_, kNodeText, L"r");
     ExpectRefused(L"a", nullptr, kAddAsChild);
 }
 
 TEST_F(AddElement, RefusesPositionsThatDoNotBelongTogether) {
     Load(L"<r><a><b/></a></r>");
-    Stand(1, 3);
+    MoveTo(1, 3);
     ExpectRefused(L"n", nullptr, 0);
-    Stand(0, 1, 3);
+    MoveTo(0, 1, 3);
     ExpectRefused(L"n", nullptr, kAddAsChild);
     for (const std::int32_t position : {-1, 4, 0x7FFFFFFF}) {
-        Stand(position, 0);
+        MoveTo(position, 0);
         ExpectRefused(L"n", nullptr, 0);
-        Stand(0, position);
+        MoveTo(0, position);
         ExpectRefused(L"n", nullptr, 0);
     }
 }
@@ -356,7 +356,7 @@ TEST_F(AddElement, RefusesANameThatMakesTheEndTagTooLong) {
     const std::wstring longest(1020, L'a');
     const std::wstring tooLong(1021, L'a');
     Load(L"<r/>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     ExpectRefused(tooLong.c_str(), L"x", 0);
     EXPECT_TRUE(Add(longest.c_str(), L"x", 0));
     ExpectAsIndexedAnew(document_);
@@ -380,10 +380,10 @@ TEST_F(AddElement, RefusesANameThatMakesTheStartTagTooLong) {
 TEST_F(AddElement, RefusesToTouchAnElementWhoseTagIsTooLong) {
     const std::wstring blanks(kLongestStartTag, L' ');
     document_.SetText(std::wstring_view(L"<r><a" + blanks + L"/><b/></r>"));
-    Stand(1, 2);
+    MoveTo(1, 2);
     ExpectRefused(L"n", nullptr, 0);
     ExpectRefused(L"n", nullptr, kAddAsChild);
-    Stand(1, 3);
+    MoveTo(1, 3);
     EXPECT_TRUE(Add(L"n", nullptr, 0));
     ExpectSoundLinks(document_.State());
 }
@@ -399,7 +399,7 @@ TEST_F(AddElement, StaysSoundInATextThatIsBadlyFormed) {
             for (std::int32_t at = 0; at < elements; ++at) {
                 Load(text);
                 const std::uint32_t parent = (*document_.State().records)[at].parent;
-                Stand(static_cast<std::int32_t>(parent), at);
+                MoveTo(static_cast<std::int32_t>(parent), at);
                 if (at == 0 && (flags & kAddAsChild) != 0) continue;
                 EXPECT_TRUE(Add(L"n", L"v", flags)) << Narrow(text) << " at " << at;
                 ExpectSoundLinks(document_.State());
@@ -411,7 +411,7 @@ TEST_F(AddElement, StaysSoundInATextThatIsBadlyFormed) {
 TEST_F(AddElement, AddsTwoHundredThousandSiblings) {
     constexpr std::int32_t kCount = 200000;
     Load(L"<r/>");
-    Stand(1, 0);
+    MoveTo(1, 0);
     for (std::int32_t i = 0; i < kCount; ++i) ASSERT_TRUE(Add(L"n", nullptr, kAddNoLineEnds));
     EXPECT_EQ(document_.CurrentPosition(), kCount + 1);
     ExpectAsIndexedAnew(document_);
@@ -423,7 +423,7 @@ TEST_F(AddElement, KeepsTheDeepestLevelFromTheFlags) {
     for (std::size_t i = 0; i < kDepth; ++i) text += L"<a>";
     for (std::size_t i = 0; i < kDepth; ++i) text += L"</a>";
     document_.SetText(std::wstring_view(text));
-    Stand(static_cast<std::int32_t>(kDepth), 0);
+    MoveTo(static_cast<std::int32_t>(kDepth), 0);
     EXPECT_TRUE(Add(L"n", nullptr, 0));
     EXPECT_EQ((*document_.State().records)[document_.CurrentPosition()].Level(), 0xFFFFu);
     ExpectAsIndexedAnew(document_);
@@ -436,7 +436,7 @@ TEST_F(AddElement, MovesATextOfTwoToThe27thUnits) {
     text.replace(kLength - 8, 8, L"<b/></r>");
     ASSERT_TRUE(document_.SetText(std::wstring_view(text)));
     std::wstring().swap(text);
-    Stand(1, 2);
+    MoveTo(1, 2);
     EXPECT_TRUE(Add(L"n", L"v", kAddNoLineEnds));
     EXPECT_TRUE(document_.SetAttribute(1, L"k", L"w"));
     const ElementRecordTable& records = *document_.State().records;

@@ -66,7 +66,7 @@ int ExpectAsByNumberAndName(const XmlOffsetDocument& document) {
     return compared;
 }
 
-// What stands in a tag, in any order.
+// Pieces of a tag, in any order.
 std::wstring RandomTag(std::uint32_t seed) {
     static const std::vector<std::wstring> pieces = {L" ",       L"\t",
                                                      L"\r\n",    L"=",
@@ -91,7 +91,7 @@ std::wstring RandomTag(std::uint32_t seed) {
     return tag + L">";
 }
 
-double SecondsToWalk(const std::wstring& text, std::size_t expected) {
+double SecondsToRead(const std::wstring& text, std::size_t expected) {
     XmlOffsetDocument document;
     document.SetText(std::wstring_view(text));
     AttributeCursor attributes(1);
@@ -231,13 +231,13 @@ TEST(AttributeCursors, AllocateNothingForWhatIsNoLongerThanBefore) {
     } reading;
     reading.document.SetText(L"<a first_of_many_units='&lt; a value of many units'"
                              L" other_of_many_units='&amp; a value of few'/>");
-    const auto walk = [](void* context) {
+    const auto readAll = [](void* context) {
         Reading& at = *static_cast<Reading*>(context);
         at.attributes.Begin(1);
         while (at.document.GetNextAttribute(at.attributes)) ++at.count;
     };
-    EXPECT_EQ(CountAllocations(walk, &reading), 2u); // a name and a value
-    EXPECT_EQ(CountAllocations(walk, &reading), 0u);
+    EXPECT_EQ(CountAllocations(readAll, &reading), 2u); // a name and a value
+    EXPECT_EQ(CountAllocations(readAll, &reading), 0u);
     EXPECT_EQ(reading.count, 4);
 }
 
@@ -267,10 +267,10 @@ TEST(AttributeCursors, LookForALongTagsNameOnceOnly) {
     constexpr std::size_t kCount = 50000;
     std::wstring attributes;
     for (std::size_t i = 0; i < kCount; ++i) attributes += L" b";
-    const std::wstring behind(1000000, L' ');
-    const double shortName = SecondsToWalk(L"<a" + attributes + behind + L"/>", kCount);
+    const std::wstring blanks(1000000, L' ');
+    const double shortName = SecondsToRead(L"<a" + attributes + blanks + L"/>", kCount);
     const double longName =
-        SecondsToWalk(L"<" + std::wstring(1000000, L'a') + attributes + L"/>", kCount);
+        SecondsToRead(L"<" + std::wstring(1000000, L'a') + attributes + L"/>", kCount);
     EXPECT_LT(longName, 20 * shortName + 0.5);
 }
 

@@ -5,7 +5,7 @@ namespace {
 constexpr const wchar_t* kNames[] = {L"a",   L"b",    L"item",      L"x:y", L"_z",
                                      L"Q-1", L"r.s2", L"\xE9t\xE9", L"A",   L"longer_name"};
 constexpr const wchar_t* kSpaces[] = {L" ", L"\t", L"\r\n", L"  ", L"\n"};
-// Data as it may stand in text and in values. No reference to white space, which would look like
+// Data for text and for values. No reference to white space, which would look like
 // white space to one reader and like text to the other.
 constexpr const wchar_t* kPieces[] = {L"x",
                                       L"words of text",
@@ -65,7 +65,7 @@ std::wstring DocumentMaker::Make() {
     return text_;
 }
 
-// What may stand beside the root element.
+// What a document may have before and after the root element.
 void DocumentMaker::Misc() {
     if (Below(3) == 0) text_ += Pick(kComments);
     if (Below(3) == 0) text_ += Pick(kSpaces);

@@ -131,16 +131,16 @@ TEST(OutOfMemory, LeavesThePositionWhenAnElementIsSought) {
 TEST(Allocations, AreNoneForNavigationAndShortPaths) {
     XmlOffsetDocument document;
     document.SetText(kText);
-    const auto walk = [](void* context) {
-        auto& walked = *static_cast<XmlOffsetDocument*>(context);
-        walked.ResetPosition(0, 0, 0);
-        while (walked.FindElement(L"//*")) {
+    const auto visitAll = [](void* context) {
+        auto& visited = *static_cast<XmlOffsetDocument*>(context);
+        visited.ResetPosition(0, 0, 0);
+        while (visited.FindElement(L"//*")) {
         }
-        EXPECT_TRUE(walked.FindElement(L"/r/c/d"));
-        EXPECT_TRUE(walked.OutOfElement());
-        EXPECT_TRUE(walked.FindElement(L"/r/*[@x]"));
-        EXPECT_FALSE(walked.FindElement(L"/r/b[1]/@x"));
-        EXPECT_FALSE(walked.FindChildElement(L"d"));
+        EXPECT_TRUE(visited.FindElement(L"/r/c/d"));
+        EXPECT_TRUE(visited.OutOfElement());
+        EXPECT_TRUE(visited.FindElement(L"/r/*[@x]"));
+        EXPECT_FALSE(visited.FindElement(L"/r/b[1]/@x"));
+        EXPECT_FALSE(visited.FindChildElement(L"d"));
     };
-    EXPECT_EQ(CountAllocations(walk, &document), 0u);
+    EXPECT_EQ(CountAllocations(visitAll, &document), 0u);
 }

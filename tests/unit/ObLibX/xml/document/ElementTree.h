@@ -1,4 +1,5 @@
-// What an index says, for comparing: the elements in document order, whatever their records' order.
+// The contents of an index, to compare: the elements in document order, whatever the order of their
+// records.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +22,7 @@ std::ostream& operator<<(std::ostream& out, const TreeElement& element);
 
 std::vector<TreeElement> TreeOf(const ObLibX::DocumentState& document);
 
-// Fails the test when a link or the first sibling's flag is wrong, a child lies outside its parent,
+// Fails the test when a link or the first sibling's flag is wrong, a child is outside its parent,
 // or record 0 isn't as long as the text.
 void ExpectSoundLinks(const ObLibX::DocumentState& document);
 

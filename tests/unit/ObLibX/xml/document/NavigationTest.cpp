@@ -102,7 +102,7 @@ TEST_F(Navigation, IgnoresCaseWhenTheDocumentDoes) {
     EXPECT_EQ(FindFromStart(L"\xE9"
                             L"A"),
               L"1");
-    // Behind an equal unit that isn't ASCII case counts.
+    // After an equal unit that isn't ASCII, case matters.
     EXPECT_EQ(FindFromStart(L"\xE9"
                             L"a"),
               L"-");

@@ -57,7 +57,7 @@ void ExpectSameAttributes(XmlOffsetDocument& document, const pugi::xml_node& ele
     ASSERT_EQ(document.GetAttributeNameAt(index), L"");
 }
 
-// Both stand on the same element.
+// Whether both are on the same element.
 void ExpectSameElement(XmlOffsetDocument& document, const pugi::xml_node& element) {
     const std::int32_t position = document.CurrentPosition();
     ASSERT_EQ(document.GetTagName(), element.name());
@@ -67,7 +67,7 @@ void ExpectSameElement(XmlOffsetDocument& document, const pugi::xml_node& elemen
     ASSERT_EQ(document.GetData(position), DataOf(element));
 }
 
-// Walks both by their own means: in, along, out. Gives the number of elements.
+// Goes through all elements of both: in, along, out. Returns the number of elements.
 void ExpectSameTree(XmlOffsetDocument& document, const pugi::xml_node& top, std::size_t& elements) {
     pugi::xml_node element = FirstElement(top);
     ASSERT_TRUE(document.FindElement());

@@ -29,7 +29,7 @@ double SecondsOf(XmlOffsetDocument& document, const std::wstring& text) {
 }
 
 // Four times the text takes about four times as long; with quadratic work it would take sixteen
-// times. The best of three, and only texts that take long enough to tell.
+// times. The best of three, and only texts that take long enough to measure.
 void ExpectLinear(std::wstring (*textOf)(std::size_t), std::size_t count) {
     double small = 1e9;
     double large = 1e9;

@@ -1,4 +1,4 @@
-// Whatever the text is, the index holds together. The seed of a text that breaks it is printed.
+// The index of any text is consistent. The seed of a text that breaks it is printed.
 #include <gtest/gtest.h>
 
 #include <random>

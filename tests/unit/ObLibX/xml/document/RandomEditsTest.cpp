@@ -39,7 +39,7 @@ public:
     XmlOffsetDocument& Document() { return document_; }
 
     void Edit() {
-        Stand();
+        MoveTo();
         switch (random_() % 8) {
         case 0:
         case 1:
@@ -63,7 +63,7 @@ private:
     }
 
     // On an element, before the first child of one, or at the start of all.
-    void Stand() {
+    void MoveTo() {
         const auto records = static_cast<std::uint32_t>(document_.State().nextFreePos);
         const auto element = static_cast<std::int32_t>(random_() % records);
         const ElementRecord& record = (*document_.State().records)[element];

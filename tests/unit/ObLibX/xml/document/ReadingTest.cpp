@@ -8,7 +8,7 @@ namespace {
 
 class Reading : public testing::Test {
 protected:
-    // Stands on the root element, whose record is 1.
+    // Moves to the root element, whose record is 1.
     void Load(const wchar_t* text) {
         document_.SetText(text);
         document_.FindElement();
@@ -230,7 +230,7 @@ TEST_F(Reading, ReadsAnElementBesideTheCurrentNode) {
     Load(L"<r><a>x</a><!--c--></r>");
     document_.ResetPosition(1, 2, 0);
     PutOnNode(document_, kNodeComment, L"<!--c-->");
-    EXPECT_EQ(document_.GetData(2), L"c"); // the current position stands for the node
+    EXPECT_EQ(document_.GetData(2), L"c"); // the current position means the node
     document_.ResetPosition(1, 0, 0);
     PutOnNode(document_, kNodeComment, L"<!--c-->");
     EXPECT_EQ(document_.GetData(2), L"x");

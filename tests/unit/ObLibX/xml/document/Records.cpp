@@ -29,7 +29,7 @@ std::string FaultsBelow(const XmlOffsetDocument& document, std::uint32_t parent,
     const ElementRecordTable& records = *document.State().records;
     const std::uint32_t first = records[parent].firstChild;
     std::uint32_t last = first;
-    std::uint32_t behind = parent == 0 ? 0 : records[parent].start + 1;
+    std::uint32_t after = parent == 0 ? 0 : records[parent].start + 1;
     const std::size_t limit =
         parent == 0 ? document.Text().size() : records[parent].start + records[parent].length;
     for (std::uint32_t at = first; at != 0; at = records[at].next) {
@@ -45,14 +45,14 @@ std::string FaultsBelow(const XmlOffsetDocument& document, std::uint32_t parent,
         if (at != first && record.prev != last) {
             return "prev" + where;
         }
-        if (record.start < behind || record.length < record.StartTagLength() ||
+        if (record.start < after || record.length < record.StartTagLength() ||
             record.start + record.length > limit) {
             return "span" + where;
         }
         if (record.Has(kRecordUnended) && !records[0].Has(kRecordBad)) {
             return "unended in a good document" + where;
         }
-        behind = record.start + record.length;
+        after = record.start + record.length;
         last = at;
     }
     return first != 0 && records[first].prev != last ? "last child of " + std::to_string(parent)

@@ -13,7 +13,7 @@ std::string RecordsOf(const XmlOffsetDocument& document);
 // Reports without their line ends.
 std::string ReportsOf(const XmlOffsetDocument& document);
 // What every index must fulfil, whatever the text was: links that agree with each other, spans that
-// lie in the text and one behind the other. Empty when all is well, else what isn't.
+// are in the text and don't overlap. Empty when all is well, else what isn't.
 std::string FaultsOf(const XmlOffsetDocument& document);
 
 } // namespace ObLibX

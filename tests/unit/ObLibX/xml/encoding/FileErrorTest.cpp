@@ -62,7 +62,7 @@ TEST(FileError, IsReportedForAReadFromAFileThatIsOnlyForWriting) {
 // Much more than the C library reads ahead.
 constexpr std::int32_t kLongFile = 100'000;
 
-// Reads four bytes and fails the next read behind what the C library holds already.
+// Reads four bytes; the next read past the bytes that the C library has buffered fails.
 TextFileChannel FailingReader(const ScratchFile& file, std::uint32_t flags) {
     TextFileChannel channel = obtest::Reader(file, kLongFile);
     channel.encoding = L"UTF-8";

@@ -1,4 +1,4 @@
-// Reading a file block by block: what comes as text, and what the report says.
+// Reading a file block by block: the text and the report.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -243,7 +243,7 @@ TEST(ReadText, DropsNulBytes) {
 }
 
 TEST(ReadText, LosesNothingWhenNulsFollowABoundary) {
-    // What goes back has NULs in and around it, in the file but not in the block.
+    // The bytes that are given back have NULs in and around them, in the file but not in the block.
     const std::string content("ab\0\xE2\0\x82\0\0\xAC\0cd\0\xC3\0\xA9\0e", 19);
     for (std::int32_t size = 6; size <= 20; ++size) { // a character and its NULs
         EXPECT_EQ(ReadAll(content, size, L"UTF-8"), L"ab\x20AC"
@@ -332,7 +332,7 @@ TEST(ReadText, GivesBackAPartOfAUnitOfAWiderEncoding) {
         }
     }
     // NUL bytes are dropped from files of bytes, so only characters without them come through: the
-    // point is that no read goes past the block.
+    // point is that no read passes the end of the block.
     for (std::int32_t size = 1; size <= 20; ++size) {
         ReadAll(content, size, L"UTF-32");
         ReadAll(content, size, L"utf-16");
@@ -481,7 +481,7 @@ TEST(ReadMore, SavesTheTextThatMustSurvive) {
     stream.channel.bufferKeepFrom = 10;
     EXPECT_TRUE(stream.channel.ReadMore());
     EXPECT_EQ(stream.channel.savedText, L"56789abcdefghi");
-    // What starts behind the dead front moves with the text.
+    // A savedFrom after the unused front moves with the text.
     stream.channel.savedText.clear();
     stream.channel.savedFrom = 7;
     stream.channel.bufferKeepFrom = 3;

@@ -1,4 +1,4 @@
-// Writing text into a file: the bytes, and what the report says.
+// Writing text into a file: the bytes and the report.
 #include <gtest/gtest.h>
 
 #include <cstdint>

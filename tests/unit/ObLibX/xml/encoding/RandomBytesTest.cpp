@@ -1,4 +1,4 @@
-// Bytes without sense in every encoding: each step ends, goes on, and keeps to its memory.
+// Random bytes in every encoding: each step ends, makes progress and stays within its memory.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -43,7 +43,7 @@ TEST(RandomBytes, AreConvertedBetweenAnyTwoEncodingsWithinTheCapacity) {
         for (const wchar_t* from : kEncodings) {
             const std::int32_t unit = ObLibX::CodeUnitSize(ObLibX::ConversionPage(from));
             const std::int32_t units = static_cast<std::int32_t>(random() % 30);
-            // Of its own length, so that a sanitizer sees a read behind it.
+            // Exactly as long as the bytes, so that a sanitizer sees a read past the end.
             const std::string bytes = RandomBytes(random, static_cast<std::size_t>(units) *
                                                               static_cast<std::size_t>(unit));
             const auto source = std::make_unique<char[]>(bytes.size() + 1);

@@ -1,4 +1,4 @@
-// What the converter and the boundary ask of the system, on one of the test's own.
+// The calls of the converter and of the boundary search to the system, on a fake one.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -206,9 +206,9 @@ TEST_F(SystemCalls, TryNoMoreThan80UnitsAtATime) {
 }
 
 TEST_F(SystemCalls, WantThreeTailsThatAgree) {
-    // All characters of one byte: 1, 2 and 3 agree, and the third is split behind its first byte.
+    // All characters of one byte: 1, 2 and 3 agree, and the third is split after its first byte.
     g_system.codePage = 932;
-    EXPECT_EQ(Back(L"", "abcd"), -1); // the double has no page 932
+    EXPECT_EQ(Back(L"", "abcd"), -1); // the fake has no page 932
     EXPECT_EQ(Back(L"csiso2022jp", "abcd"), 2);
     EXPECT_EQ(Back(L"csiso2022jp", "abc"), 2);
     EXPECT_EQ(Back(L"csiso2022jp", "ab"), -1);

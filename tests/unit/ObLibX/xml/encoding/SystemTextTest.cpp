@@ -1,4 +1,4 @@
-// What this system answers behind SystemText.h.
+// The results of this system's side of SystemText.h.
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -27,7 +27,7 @@ TextConverter Over(const std::wstring& fromEncoding, const std::basic_string<Fro
 template <typename From>
 TextConverter Over(const std::wstring&, std::basic_string<From>&&) = delete;
 
-// Counts, converts into just that much with guards behind it, and checks that both agree.
+// Counts, converts into exactly that many units with guards after them, and compares the lengths.
 template <typename To, typename From>
 std::basic_string<To> Convert(const std::wstring& fromEncoding, const std::basic_string<From>& text,
                               const std::wstring& toEncoding) {
@@ -41,7 +41,7 @@ std::basic_string<To> Convert(const std::wstring& fromEncoding, const std::basic
         EXPECT_EQ(converter.destinationCapacity, count);
     }
     for (std::size_t i = static_cast<std::size_t>(count); i < out.size(); ++i) {
-        EXPECT_EQ(out[i], guard) << "written behind the end";
+        EXPECT_EQ(out[i], guard) << "written past the end";
     }
     out.resize(static_cast<std::size_t>(count));
     return out;
@@ -50,7 +50,7 @@ std::basic_string<To> Convert(const std::wstring& fromEncoding, const std::basic
 #define SKIP_WITHOUT_PAGE(page)                                                                    \
     if (!obtest::HasPage(page)) {                                                                  \
         GTEST_SKIP() << "this system has no code page " << page                                    \
-                     << "; encodings_fake_system_test holds the same rule on a system of its own"; \
+                     << "; encodings_fake_system_test checks this rule on a fake system";          \
     }
 
 // Characters at each edge of the encodings' lengths.

@@ -209,7 +209,7 @@ TEST(LookupCodePage, WantsTheWholeNameAndNothingMore) {
     EXPECT_EQ(LookupCodePage(L"ftu-8"), -1); // the same sum
     EXPECT_EQ(LookupCodePage(std::wstring(L"utf-8\0", 6)), -1);
     EXPECT_EQ(LookupCodePage(L"\x212Aoi8-r"), -1); // a Kelvin sign isn't folded to k
-    // The units behind an 's' of a row are part of no name.
+    // The units after an 's' of a row are part of no name.
     EXPECT_EQ(LookupCodePage(L"0800949ksc_5601"), -1);
 }
 

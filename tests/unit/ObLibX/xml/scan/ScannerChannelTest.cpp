@@ -1,4 +1,4 @@
-// A text that comes block by block is read as one that is there as a whole.
+// A text that is read block by block gives the nodes of the whole text.
 #include <gtest/gtest.h>
 
 #include "ObLibX/src/xml/scan/DocumentConstants.h"
@@ -38,7 +38,7 @@ private:
     std::wstring text_;
 };
 
-// Each node with what stands in it, as offsets move with the text.
+// Each node with its text, as offsets move with the text.
 std::string NodesOf(TagScanner scanner) {
     std::string nodes;
     NodeScan scan;

@@ -95,7 +95,7 @@ TEST(ScannerQuick, EqualsTheRulesOverAllShortTags) {
     }
 }
 
-// A terminator at every distance, so that it lies in every lane of every step.
+// A terminator at every distance, so that it is in every SIMD lane of every step.
 TEST(ScannerQuick, EqualsTheRulesAtEveryDistance) {
     for (int distance = 0; distance < 40; ++distance) {
         for (const wchar_t filler : {L'x', L'-', L']', L'?', L'/', L'=', L'\x1', L'\xe000'}) {
@@ -125,7 +125,7 @@ TEST(ScannerQuick, TakesNoUnitForAnotherWithTheSameByte) {
     }
 }
 
-// Where the walk over the attributes of the first tag ends: at the tag's own '>'.
+// The offset at which the attributes of the first tag end: that of the tag's own '>'.
 std::string AttributesLeave(const std::wstring& text) {
     TagScanner scanner(text.data(), text.size(), 0);
     NodeScan scan;

@@ -43,7 +43,7 @@ std::string NamesIn(std::wstring_view tag) {
     }
 }
 
-// The units below 0x300 that end a token of this kind, behind a letter.
+// The units below 0x300 that end a token of this kind after a letter.
 template <typename Ends>
 std::wstring Enders(Ends ends) {
     std::wstring enders;

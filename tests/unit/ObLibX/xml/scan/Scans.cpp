@@ -43,7 +43,7 @@ std::string AllOf(std::wstring_view text, Step step) {
     while (step(scanner, scan) != kNodeEndOfText) {
         all += (all.empty() ? "" : "; ") + LineOf(scanner, scan);
         if (scan.length <= 0) {
-            return all + " STANDS STILL";
+            return all + " MAKES NO PROGRESS";
         }
     }
     const bool atEnd = scan.start == static_cast<std::int32_t>(text.size()) && scan.length == 0;

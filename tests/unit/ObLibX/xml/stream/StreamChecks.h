@@ -8,7 +8,7 @@
 // Name, attributes in their order and data of the current element.
 std::wstring CurrentElement(ObLibX::XmlOffsetDocument& document);
 
-// Every element from here on down and forward, one a line, indented by its depth. Goes past nodes
+// Every element from here down and forward, one a line, indented by its depth. Skips nodes
 // that can't be read.
 std::wstring AllElements(ObLibX::XmlOffsetDocument& document);
 // Those of a file and those of a text.

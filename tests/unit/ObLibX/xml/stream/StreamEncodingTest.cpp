@@ -1,5 +1,5 @@
-// Files in every kind of encoding: found out, declared, told, marked; read in blocks of any size
-// and written so that they can be read again.
+// Files in every kind of encoding: detected, declared, given by an option, with a BOM; read in
+// blocks of any size and written so that they can be read again.
 #include <gtest/gtest.h>
 
 #include <iterator>

@@ -123,13 +123,13 @@ TEST(StreamFileErrors, ReportThatWritingFailedAndWriteNothingMore) {
     ASSERT_TRUE(document.OpenForWriting(file.Path(), {.declaration = false, .blockSize = 4}));
     ASSERT_TRUE(document.AddElement(L"first", nullptr));
     document.State().channel->file.reset(std::fopen(other.NarrowPath(), "rb"));
-    // What the C library holds back fails at the next flush at the latest.
+    // A write of text that the C library has buffered fails at the next flush at the latest.
     std::setvbuf(document.State().channel->file.get(), nullptr, _IONBF, 0);
     EXPECT_FALSE(document.AddElement(L"second", nullptr));
     EXPECT_TRUE(ResultHas(document, L"<file_error "));
-    const std::wstring told = document.Result();
+    const std::wstring reported = document.Result();
     EXPECT_FALSE(document.AddElement(L"third", nullptr));
-    EXPECT_EQ(document.Result(), told) << "told once";
+    EXPECT_EQ(document.Result(), reported) << "reported once";
     ExpectWithinText(document);
     EXPECT_FALSE(document.Close()) << "the file isn't whole";
     EXPECT_TRUE(ResultHas(document, L"<file_error "));
@@ -140,7 +140,7 @@ TEST(StreamFileErrors, ReportThatWritingFailedAndWriteNothingMore) {
 TEST(StreamFileErrors, ReportAFullDisk) {
 #ifdef _WIN32
     GTEST_SKIP() << "no file is always full here: the native build has one, and "
-                    "ReportThatWritingFailedAndWriteNothingMore stands for it";
+                    "ReportThatWritingFailedAndWriteNothingMore covers the same path";
 #endif
     for (const std::int32_t block : {4, 65536}) {
         XmlOffsetDocument document;
@@ -197,8 +197,8 @@ TEST(StreamOutOfMemory, LeavesAStreamOfWritingThatCloses) {
     EXPECT_GT(FailEachAllocation(prepare, work, check), 50u);
 }
 
-// The window lets go of a long comment and takes in the short rest of the file, and then there is
-// no memory to tell the error in it. Where the blocks end depends on the comment.
+// The window drops a long comment and gets the short rest of the file, and then there is
+// no memory to report the error in it. Where the blocks end depends on the comment.
 TEST(StreamOutOfMemory, LeavesNoRecordOfATextThatMoved) {
     std::size_t failures = 0;
     for (std::size_t comment = 40; comment < 400; comment += 9) {

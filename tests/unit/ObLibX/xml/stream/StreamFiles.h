@@ -14,7 +14,7 @@ std::wstring Decoded(const std::vector<std::uint8_t>& bytes, const std::wstring&
 // Whether the system knows the encoding's code page.
 bool IsInstalled(const std::wstring& encoding);
 
-// A file that goes with the object. Its name is ASCII and another one for each object.
+// A file that is removed with the object. Its name is ASCII and differs for each object.
 class StreamFile {
 public:
     StreamFile(); // a name only; nothing is there

@@ -100,7 +100,7 @@ TEST(StreamLimits, ADepthOfAMillion) {
     EXPECT_EQ(depth, kDepth);
     EXPECT_EQ(document.ParentPosition(), kDepth);
     EXPECT_EQ((*document.State().records)[kDepth].Level(), kRecordLevelMask)
-        << "as deep as it says";
+        << "as deep as its name";
     while (document.OutOfElement()) --depth;
     EXPECT_EQ(depth, 0);
     EXPECT_TRUE(document.FindElement(L"b"));

@@ -207,7 +207,7 @@ void ActInWriting(XmlOffsetDocument& document, Chance& chance) {
         EXPECT_TRUE(document.ParseText());
         break;
     default:
-        // Without kAddNoEndTag, so that what is written can be told to be in order.
+        // Without kAddNoEndTag, so that the result is well formed.
         (void)document.AddElement(chance.Pick(kNames), value.c_str(),
                                   chance.Below(0x8000) & ~kAddNoEndTag);
     }

@@ -1,4 +1,4 @@
-// What a file read forward tells: where a search ends, what is kept, what can be read.
+// Stream reading: where a search ends, what is stored, what can be read.
 #include <gtest/gtest.h>
 
 #include <string>
