@@ -15,7 +15,7 @@ std::wstring CurrentElement(XmlOffsetDocument& document) {
     return element + L": " + document.GetData(document.CurrentPosition());
 }
 
-std::wstring AllElements(XmlOffsetDocument& document) {
+std::wstring ElementsInOrder(XmlOffsetDocument& document) {
     std::wstring out;
     for (std::size_t depth = 0;;) {
         if (document.FindElement()) {
@@ -32,14 +32,14 @@ std::wstring ElementsOfFile(const wchar_t* path, const StreamReadOptions& option
     XmlOffsetDocument document;
     document.SetFlags(flags);
     if (!document.OpenForReading(path, options)) return L"not opened: " + document.Result();
-    return AllElements(document);
+    return ElementsInOrder(document);
 }
 
 std::wstring ElementsOfText(std::wstring_view text, std::uint32_t flags) {
     XmlOffsetDocument document;
     document.SetFlags(flags);
     document.SetText(text);
-    return AllElements(document);
+    return ElementsInOrder(document);
 }
 
 void ExpectWithinText(const XmlOffsetDocument& document) {

@@ -10,7 +10,7 @@ std::wstring CurrentElement(ObLibX::XmlOffsetDocument& document);
 
 // Every element from here down and forward, one a line, indented by its depth. Skips nodes
 // that can't be read.
-std::wstring AllElements(ObLibX::XmlOffsetDocument& document);
+std::wstring ElementsInOrder(ObLibX::XmlOffsetDocument& document);
 // Those of a file and those of a text.
 std::wstring ElementsOfFile(const wchar_t* path, const ObLibX::StreamReadOptions& options = {},
                             std::uint32_t flags = 0);

@@ -36,7 +36,7 @@ void MakeSparse(const StreamFile& file, std::int64_t length) {
 void ReadAll(XmlOffsetDocument& document, const wchar_t* path) {
     document.OpenForReading(path, {.encoding = {}, .blockSize = 16});
     document.FindElement(L"//child_with_a_long_name[@x='a value that is long']");
-    AllElements(document);
+    ElementsInOrder(document);
     document.FindElement(L"/root_with_a_name/b/c/d[1]/@none");
     document.FindElement(L"//*");
     document.Close();
@@ -111,7 +111,7 @@ TEST(StreamFileErrors, TakeAFileThatBecameShorterAsItIs) {
     XmlOffsetDocument document;
     ASSERT_TRUE(document.OpenForReading(file.Path(), {.encoding = {}, .blockSize = 8}));
     document.State().channel->fileLength += 100; // as if it had been longer at the opening
-    EXPECT_EQ(AllElements(document), L"r: \n a: words\n b: \n");
+    EXPECT_EQ(ElementsInOrder(document), L"r: \n a: words\n b: \n");
     EXPECT_TRUE(document.Close());
     EXPECT_FALSE(ResultHas(document, L"file_error"));
 }
@@ -165,7 +165,7 @@ TEST(StreamOutOfMemory, LeavesAStreamOfReadingThatCloses) {
         ASSERT_TRUE(failed);
         ExpectWithinText(document);
         (void)CurrentElement(document);
-        (void)AllElements(document);
+        (void)ElementsInOrder(document);
         ExpectWithinText(document);
         EXPECT_TRUE(document.Close());
         EXPECT_EQ(document.Flags(), 0u);

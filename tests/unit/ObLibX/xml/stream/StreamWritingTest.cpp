@@ -193,7 +193,7 @@ TEST(StreamWriting, BeginsAnewWhenAnotherFileIsOpened) {
     ASSERT_TRUE(document.OpenForWriting(other.Path(), {.declaration = false}));
     ASSERT_TRUE(document.AddElement(L"b", nullptr));
     ASSERT_TRUE(document.OpenForReading(one.Path()));
-    EXPECT_EQ(AllElements(document), L"a: \n");
+    EXPECT_EQ(ElementsInOrder(document), L"a: \n");
     EXPECT_EQ(TextOf(other), L"<b/>\r\n");
     EXPECT_TRUE(document.Close());
 }
