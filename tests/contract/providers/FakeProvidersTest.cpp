@@ -1,4 +1,4 @@
-// The double itself: what it writes down of a call and how its script is answered. The tests of
+// The fake itself: what it writes down of a call and how its script is answered. The tests of
 // the product rely on both.
 #include <windows.h>
 

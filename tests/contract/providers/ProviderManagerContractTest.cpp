@@ -1,4 +1,4 @@
-// What every provider manager has to answer, the real one and the double alike: this program runs
+// What every provider manager has to return, the real one and the fake alike: this program runs
 // once with each beside it. No provider exists in any of these cases.
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ bool SameBytes(const ProviderProfile& one, const ProviderProfile& other) {
     return std::memcmp(&one, &other, sizeof(one)) == 0;
 }
 
-// Each answer of a manager that isn't in a session, and of one that has no provider, has to be no.
+// Each result of a manager that isn't in a session, and of one that has no provider, has to be no.
 void ExpectOnlyNo(ProviderManagerHandle manager) {
     const auto& entries = ProviderManager();
     entries.EnumProvidersReset(manager);

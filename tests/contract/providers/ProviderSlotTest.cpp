@@ -45,7 +45,7 @@ protected:
     CloudProvider* provider_ = nullptr;
 };
 
-TEST_F(ProviderSlots, StandAtTheirNumbers) {
+TEST_F(ProviderSlots, AreAtTheirNumbers) {
     EXPECT_EQ(OnProvider::GetProviderId::kNumber, 11u);
     EXPECT_EQ(OnProvider::GetDisplayName::kNumber, 14u);
     EXPECT_EQ(OnProvider::SetLastProviderError::kNumber, 21u);
@@ -71,7 +71,7 @@ TEST_F(ProviderSlots, StandAtTheirNumbers) {
     EXPECT_EQ(OnUpload::ResetList::kNumber, 3u);
 }
 
-TEST_F(ProviderSlots, TellAboutAProvider) {
+TEST_F(ProviderSlots, DescribeAProvider) {
     Answer(L"provider7.GetDisplayName", L"Boxy");
     Answer(L"provider7.HasCapability", L"1026");
     EXPECT_EQ(OnProvider::GetProviderId::Call(provider_), 7u);
@@ -93,7 +93,7 @@ TEST_F(ProviderSlots, TellAboutAProvider) {
                L"HasCapability(provider7, 1, 1024)", L"ManageAccount(provider7, 4242, \"key\")"}));
 }
 
-TEST_F(ProviderSlots, TellAboutAnAccount) {
+TEST_F(ProviderSlots, DescribeAnAccount) {
     Answer(L"provider7.GetAccountSpace", L"-2,5000000000");
     Answer(L"provider7.GetMaxFileSize", L"4294967296");
     Answer(L"provider7.GetAccountRootFolder", L"root");
@@ -210,7 +210,7 @@ TEST_F(ProviderSlots, WriteDownACallThatNobodyShouldMake) {
     EXPECT_EQ(obtest::FakeModules::Calls(), (Lines{L"UnexpectedSlot(0)", L"UnexpectedSlot(135)"}));
 }
 
-// An upload whose attempts tell the callback something.
+// An upload whose attempts report something to the callback.
 class ProviderCallback : public ProviderSlots {
 protected:
     bool Run() {

@@ -29,7 +29,7 @@ TEST(FatalCopy, EndsTheProcessAtOneCharacterMore) {
     });
 }
 
-TEST(FatalCopy, AppendsBehindWhatStands) {
+TEST(FatalCopy, AppendsAfterTheTextInTheBuffer) {
     wchar_t buffer[6] = L"ab";
     AppendOrFailFast(buffer, 6, L"cde");
     EXPECT_STREQ(L"abcde", buffer);

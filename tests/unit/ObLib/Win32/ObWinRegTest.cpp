@@ -76,7 +76,7 @@ TEST_F(RegistryKey, ClosesTwice) {
 }
 
 TEST_F(RegistryKey, ToldThatClosingFailedItIsClosedAllTheSame) {
-    RegCloseKey(key_.key); // behind its back
+    RegCloseKey(key_.key); // without the object
     EXPECT_FALSE(key_.Close());
     EXPECT_EQ(ERROR_INVALID_HANDLE, key_.lastError);
     EXPECT_TRUE(key_.Close());

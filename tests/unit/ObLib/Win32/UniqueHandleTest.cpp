@@ -27,7 +27,7 @@ struct NotingPolicy : ObLib::NullPolicy<int*> {
 };
 using UniqueNoted = ObLib::UniqueResource<NotingPolicy>;
 
-TEST(UniqueHandle, ClosesWhatItHoldsAtTheEndOfTheScope) {
+TEST(UniqueHandle, ClosesItsHandleAtTheEndOfTheScope) {
     HANDLE seen = nullptr;
     {
         const UniqueKernelHandle event = NewEvent();

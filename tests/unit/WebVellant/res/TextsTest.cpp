@@ -60,13 +60,13 @@ TEST_F(Texts, PasswordPolicyNamesWhatTheIdAsksFor) {
     }
 }
 
-TEST_F(Texts, SymbolsOfThePolicyStandDoubledWhereFormattingAndDrawingHalveThem) {
+TEST_F(Texts, SymbolsOfThePolicyAreDoubledWhereFormattingAndDrawingHalveThem) {
     for (UINT mask = 8; mask < 16; ++mask) {
         EXPECT_NE(std::wstring::npos, TextOf(41000 + mask).find(L"$, %%, ^, &&, *, ...")) << mask;
     }
 }
 
-TEST_F(Texts, FixedPolicyMessagesStandAsTheyAre) {
+TEST_F(Texts, FixedPolicyMessagesAreUnformatted) {
     EXPECT_EQ(L"Password Policy Error", TextOf(41016));
     EXPECT_EQ(L"Please modify your password to comply with Password Policy settings.",
               TextOf(41017));

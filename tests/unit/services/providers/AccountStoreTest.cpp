@@ -128,7 +128,7 @@ TEST_F(AccountStoreTest, KeepsTheOldProfileWhenTheNewOneIsBad) {
     EXPECT_TRUE(SameBytes(store_.DefaultProfile(), FullProfile()));
 }
 
-TEST_F(AccountStoreTest, SaysWhenItCantWrite) {
+TEST_F(AccountStoreTest, ReportsThatItCantWrite) {
     // The name of a key has at most 255 characters.
     const AccountStore store(HKEY_CURRENT_USER, std::wstring(300, L'k'));
     EXPECT_FALSE(store.SaveDefaultProfile(FullProfile()));

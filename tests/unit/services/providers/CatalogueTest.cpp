@@ -51,7 +51,7 @@ TEST_F(CatalogueTest, WalksTheStorageProvidersWithOneCursor) {
     EXPECT_EQ(catalogue_.Next(), &seven_);
 }
 
-TEST_F(CatalogueTest, HoldsAProviderOnce) {
+TEST_F(CatalogueTest, ContainsAProviderOnce) {
     catalogue_.Add({7, ProviderKind::Storage, &twentyOne_});
     EXPECT_EQ(catalogue_.Instance(7, ProviderKind::Storage), &seven_);
     catalogue_.Next();

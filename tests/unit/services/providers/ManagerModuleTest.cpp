@@ -1,4 +1,4 @@
-// The manager's own module beyond what every manager has to answer: state that outlives a manager,
+// The manager's own module beyond what every manager has to return: state that outlives a manager,
 // the hive and key that Init gives, and refusals that promise nothing.
 #include <windows.h>
 

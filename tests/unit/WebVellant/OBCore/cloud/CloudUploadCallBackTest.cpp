@@ -1,4 +1,4 @@
-// The callback as a provider of another module sees it: a table pointer, 24 slots behind it, and
+// The callback as a provider of another module sees it: a pointer to a table of 24 slots, and
 // the fields of the upload step beside them.
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// What the test program last gave back to the heap: tells whether an object freed itself.
+// What the test program last gave back to the heap: shows whether an object freed itself.
 #pragma once
 
 namespace obtest {

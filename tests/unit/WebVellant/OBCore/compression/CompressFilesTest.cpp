@@ -21,7 +21,7 @@ protected:
         job_.SendItem = true;
     }
 
-    // What a run says to the service before the engine, for these files.
+    // The calls of the service before the engine, for these files.
     Lines CallsBeforeEngine(const std::wstring& zipPath, const std::wstring& folder) const {
         return {L"CreateZipContext()",
                 L"AddFileW(context5, " + Quote(first_) + L")",
@@ -118,7 +118,7 @@ TEST_F(Compression, KeepsTheNameOfASingleFile) {
     EXPECT_EQ(job_.ResultPath, RunFolder() + L"first.zip");
 }
 
-TEST_F(Compression, AddsAFileThatStandsTwiceTwice) {
+TEST_F(Compression, AddsAFileThatIsListedTwiceTwice) {
     job_.Files = {first_, first_};
     EXPECT_TRUE(CompressFiles(job_));
     EXPECT_EQ(FakeModules::CallsOf({L"AddFileW"}),
@@ -144,7 +144,7 @@ TEST_F(Compression, PutsATooLongPathTogetherAsItIs) {
     EXPECT_EQ(job_.CleanupFile, path);
 }
 
-TEST_F(Compression, TellsAFailureOfTheEngineWithoutAnIcon) {
+TEST_F(Compression, ReportsAFailureOfTheEngineWithoutAnIcon) {
     FakeModules::Answer(L"Zip", L"1");
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
@@ -172,7 +172,7 @@ int WINAPI NotedBox(HWND, LPCWSTR, LPCWSTR, UINT) {
     return IDOK;
 }
 
-TEST_F(Compression, EndsTheContextBeforeItTellsAFailureOfTheEngine) {
+TEST_F(Compression, EndsTheContextBeforeItReportsAFailureOfTheEngine) {
     FakeModules::Answer(L"Zip", L"1");
     const obtest::ImportPatch<decltype(&MessageBoxW)> box("user32.dll", "MessageBoxW", &NotedBox);
     ASSERT_TRUE(box.Ok());

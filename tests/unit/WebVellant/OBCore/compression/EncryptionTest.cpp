@@ -131,7 +131,7 @@ TEST_F(Encryption, LeavesThePublicKeyOutOfAPlainZip) {
     EXPECT_EQ(CallsBehindNaming(), Joined({L"SetEncrypt(context5, 0)"}, Engine()));
 }
 
-TEST_F(Encryption, TellsAnUnusablePublicKeyWithTheWarningIcon) {
+TEST_F(Encryption, ReportsAnUnusablePublicKeyWithTheWarningIcon) {
     UsePublicKey(0);
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));

@@ -1,4 +1,4 @@
-// A run with the stand-in sister modules, in a temporary folder of its own at a stopped clock, so
+// A run with the fake sister modules, in a temporary folder of its own at a stopped clock, so
 // that every path that the run makes is known beforehand.
 #pragma once
 
@@ -45,7 +45,7 @@ protected:
     }
     void TearDown() override { SetEnvironmentVariableW(L"TMP", nullptr); }
 
-    // From now on GetTempPathW answers this folder.
+    // From now on GetTempPathW returns this folder.
     static void UseTemporaryFolder(const std::wstring& folder) {
         SetEnvironmentVariableW(L"TMP", folder.c_str());
     }

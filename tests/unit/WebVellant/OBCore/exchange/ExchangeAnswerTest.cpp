@@ -22,7 +22,7 @@ protected:
     GuardedBlock expected{0xCC};
 };
 
-TEST_F(LinkAnswer, StandsAtTheFirstTextOffsetWithStatus2) {
+TEST_F(LinkAnswer, IsAtTheFirstTextOffsetWithStatus2) {
     WriteLinkAnswer(*block, L"https://cloud/x");
     expected.Poke32(0, 2);
     expected.Poke32(24, 76);
@@ -53,7 +53,7 @@ protected:
     GuardedBlock expected;
 };
 
-TEST_F(DialogAnswer, HoldsAnEmptyFolderAndTheListOfFullPaths) {
+TEST_F(DialogAnswer, ContainsAnEmptyFolderAndTheListOfFullPaths) {
     WriteDialogAnswer(*block, {L"C:\\a.txt", L"D:\\b"});
     expected.Poke32(0, 4);
     expected.Poke32(28, 76);
@@ -172,14 +172,14 @@ protected:
     GuardedBlock block;
 };
 
-TEST_F(CleanupNames, StandBehindTheLinkText) {
+TEST_F(CleanupNames, ComeAfterTheLinkText) {
     WriteLinkAnswer(*block, L"link");
     WriteCleanupNames(*block, L"C:\\t", L"C:\\t\\f");
     Expect(86, 96);
     EXPECT_EQ(block.Units(76, 18), Raw(L"link\0C:\\t\0C:\\t\\f\0\0"));
 }
 
-TEST_F(CleanupNames, StandBehindTheListInTheFileSlot) {
+TEST_F(CleanupNames, ComeAfterTheListInTheFileSlot) {
     block.Poke32(0, 3);
     block.Poke32(72, 100);
     block.PutUnits(100, Raw(L"C:\\a\\\0b\0\0"));
@@ -188,21 +188,21 @@ TEST_F(CleanupNames, StandBehindTheListInTheFileSlot) {
     EXPECT_EQ(block.Units(118, 4), Raw(L"T\0F\0"));
 }
 
-TEST_F(CleanupNames, StandBehindTheTwoNulsOfACancelledRun) {
+TEST_F(CleanupNames, ComeAfterTheTwoNulsOfACancelledRun) {
     block.Poke32(0, 3);
     block.Poke32(72, 100);
     WriteCleanupNames(*block, L"T", L"F");
     Expect(104, 108);
 }
 
-TEST_F(CleanupNames, StandBehindTheListOfTheDialogPath) {
+TEST_F(CleanupNames, ComeAfterTheListOfTheDialogPath) {
     WriteDialogAnswer(*block, {L"C:\\a", L"b"});
     WriteCleanupNames(*block, L"T", L"F");
     Expect(94, 98);
     EXPECT_EQ(block.Units(76, 13), Raw(L"\0C:\\a\0b\0\0T\0F\0"));
 }
 
-TEST_F(CleanupNames, StandBehindAnEmptyListOfTheDialogPath) {
+TEST_F(CleanupNames, ComeAfterAnEmptyListOfTheDialogPath) {
     WriteDialogAnswer(*block, {});
     WriteCleanupNames(*block, L"T", L"F");
     Expect(82, 86);
@@ -256,7 +256,7 @@ TEST_F(CleanupNames, HaveTheBlocksEndAsTheirOffsetWhenItIsFull) {
     EXPECT_EQ(ReadText(*block, 65536), L"");
 }
 
-TEST_F(CleanupNames, ArentWrittenBehindAnAnswerThatIsNowhere) {
+TEST_F(CleanupNames, ArentWrittenAfterAnAnswerThatIsNowhere) {
     for (const std::int32_t status : {2, 3, 4}) {
         for (const std::int32_t offset : {0, 33, 75, 77, 70000, -4}) {
             GuardedBlock broken;

@@ -110,7 +110,7 @@ struct MappingCall {
 };
 MappingCall mappingCall;
 
-// Records, and fails: what a failure leaves behind is looked at with it.
+// Records, and fails: the test looks at what a failure leaves with it.
 HANDLE WINAPI RecordCreateFileMapping(HANDLE file, LPSECURITY_ATTRIBUTES security, DWORD protection,
                                       DWORD sizeHigh, DWORD sizeLow, LPCWSTR name) {
     mappingCall = {file, *security, protection, sizeHigh, sizeLow, name};

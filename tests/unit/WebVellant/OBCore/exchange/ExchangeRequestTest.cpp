@@ -39,7 +39,7 @@ protected:
     GuardedBlock block;
 };
 
-TEST_F(OpenFileNameFields, StandsByteForByteAtItsOffsets) {
+TEST_F(OpenFileNameFields, AreByteForByteAtTheirOffsets) {
     wchar_t file[] = L"preset.txt";
     wchar_t custom[] = L"custom\0*.c\0";
     request.lpstrFile = file;
@@ -54,7 +54,7 @@ TEST_F(OpenFileNameFields, StandsByteForByteAtItsOffsets) {
 
     GuardedBlock expected;
     for (std::uint8_t byte = 0; byte < 28; ++byte) {
-        // Each number holds its bytes in falling order, so little-endian they lie reversed.
+        // Each number has its bytes in falling order, so little-endian they are reversed.
         const int field = byte < 4 ? 2 : 4;
         const int at = 24 + byte / field * field + (field - 1 - byte % field);
         expected.Poke8(at, static_cast<std::uint8_t>(byte + 1));
@@ -96,7 +96,7 @@ TEST_F(OpenFileNameFields, GivesAbsentTextsNoRoom) {
     EXPECT_EQ(block.Units(76, 5), Raw(L"T\0\0\0\0"));
 }
 
-TEST_F(OpenFileNameFields, WithoutAFilterHasItsFileSlotRightBehindTheTexts) {
+TEST_F(OpenFileNameFields, WithoutAFilterHaveTheFileSlotRightAfterTheTexts) {
     request.lpstrInitialDir = L"C:\\";
     WriteOpenFileNameRequest(*block, request);
     ExpectOffsets({76, 0, 0, 0, 0, 84});
@@ -216,7 +216,7 @@ TEST_F(TakenRequest, HasNullForAbsentTexts) {
     EXPECT_EQ(taken.lpstrFile, At(76));
 }
 
-TEST_F(TakenRequest, CountsOffsetsAtWhichNoTextCanStandAsAbsent) {
+TEST_F(TakenRequest, CountsOffsetsAtWhichNoTextCanBeAsAbsent) {
     for (const std::int32_t offset : {24, 75, 77, 65535, 65536, INT_MAX, -4, INT_MIN}) {
         for (std::int32_t field = 52; field < 76; field += 4) block.Poke32(field, offset);
         const OPENFILENAMEW taken = Take();

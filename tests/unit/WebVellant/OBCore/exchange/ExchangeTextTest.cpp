@@ -24,7 +24,7 @@ TEST_F(ExchangeText, CountsTheRoomInWideCharactersUpToTheEnd) {
     EXPECT_EQ(RoomFrom(65536), 0u);
 }
 
-TEST_F(ExchangeText, HasNoRoomWhereNoTextCanStand) {
+TEST_F(ExchangeText, HasNoRoomWhereNoTextCanBe) {
     for (const std::int32_t offset :
          {0, 2, 74, 75, 77, 65535, 65537, 65538, INT_MAX, -1, -76, INT_MIN})
         EXPECT_EQ(RoomFrom(offset), 0u) << offset;
@@ -77,7 +77,7 @@ TEST_F(ExchangeText, CutsAListThatRunsToTheEndOfTheBlock) {
     EXPECT_EQ(ListAt(*block, 65534), Raw(L"\0"));
 }
 
-TEST_F(ExchangeText, WritesATextWithItsNulAndAnswersTheOffsetBehind) {
+TEST_F(ExchangeText, WritesATextWithItsNulAndReturnsTheOffsetPastIt) {
     GuardedBlock filled(0xCC);
     EXPECT_EQ(PutText(*filled, 200, L"abc"), 208);
     EXPECT_EQ(filled.Units(198, 6), Raw(L"\xcccc"

@@ -19,7 +19,7 @@ inline constexpr std::int32_t kBlockBytes = 65536;
 
 class GuardedBlock {
 public:
-    // All bytes hold `fill`.
+    // All bytes are `fill`.
     explicit GuardedBlock(std::uint8_t fill = 0) {
         constexpr std::size_t kGuard = 65536;
         region_ = static_cast<std::uint8_t*>(
@@ -71,7 +71,7 @@ private:
     std::uint8_t* bytes_ = nullptr;
 };
 
-// A text of known length in which every unit differs from its neighbours.
+// A text of known length in which every unit differs from the adjacent ones.
 inline std::wstring LongText(std::size_t length) {
     std::wstring text(length, L'\0');
     for (std::size_t index = 0; index < length; ++index)

@@ -45,7 +45,7 @@ TEST_F(CollectFiles, GathersHiddenAndPointedNames) {
     EXPECT_EQ(Collect(folder_.Path()).size(), obtest::ListTree(folder_.Path()).size());
 }
 
-TEST_F(CollectFiles, AddsBehindWhatTheListHolds) {
+TEST_F(CollectFiles, AppendsToTheList) {
     folder_.File(L"a.txt");
     Files files = {L"Z:\\before"};
     CollectFolderFiles(folder_.Path(), files);

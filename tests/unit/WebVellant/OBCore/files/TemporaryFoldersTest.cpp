@@ -14,7 +14,7 @@ using obcore::CreateUniqueTempFolder;
 using obcore::GetTemporaryFolder;
 using obtest::ImportPatch;
 
-// What the doubles answer and were asked.
+// What the stubs return, and the calls that they got.
 std::wstring tempPath;
 DWORD tempPathResult = 0; // 0: the length of tempPath
 DWORD tempPathCapacity = 0;

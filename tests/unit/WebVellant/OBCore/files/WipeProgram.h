@@ -1,4 +1,4 @@
-// The stand-in of the wipe program, put where a test wants it and taken away again.
+// The fake wipe program, put where a test wants it and taken away again.
 #pragma once
 
 #include <windows.h>
@@ -32,7 +32,7 @@ public:
     ~PlacedWipeProgram() {
         DeleteFileW(Path(kWipeRunsFileName).c_str());
         DeleteFileW(Path(kWipeForRealFileName).c_str());
-        // A run that is just ending still holds its file.
+        // A run that is just ending still has its file open.
         for (int tries = 0; !DeleteFileW(Path(L"obwipe64.exe").c_str()) && tries < 500; ++tries) {
             Sleep(10);
         }

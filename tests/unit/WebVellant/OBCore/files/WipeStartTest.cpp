@@ -37,7 +37,7 @@ protected:
     }
     DWORD Bytes(const std::wstring& text) { return static_cast<DWORD>(text.size() * 2); }
 
-    // Starts the program in the product's folder and tells whether that is what ran.
+    // Starts the program in the product's folder and returns whether that one ran.
     void ExpectProductProgramStarts() {
         const PlacedWipeProgram program(product_.Path());
         ASSERT_TRUE(program.Ok());
@@ -128,7 +128,7 @@ TEST_F(WipeStart, TakesTextOnly) {
     ExpectNothingStarts();
 }
 
-// The system takes a NUL that lies behind the given bytes along, so other text lies there.
+// The system would store a NUL past the given bytes as well, so other text is there.
 TEST_F(WipeStart, TerminatesARegistrationThatIsNot) {
     const std::wstring path = product_ / L"ombrix.exe";
     RegisterRaw(REG_SZ, path + L"more", Bytes(path));

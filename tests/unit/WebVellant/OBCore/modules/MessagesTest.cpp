@@ -25,7 +25,7 @@ protected:
     }
 };
 
-TEST_F(Messages, StandUnderTheProductsCaption) {
+TEST_F(Messages, HaveTheProductsCaption) {
     const ObLib::UniqueWindow owner = MakeOwner();
     MessageBoxWatcher boxes;
     obcore::ShowMessage(owner.Get(), L"Something happened");
@@ -99,7 +99,7 @@ TEST_F(Assertions, AreToldByAFailedCheckThatAnswersAndGoesOn) {
     EXPECT_EQ(Text("Expr: x\nFile: OBCore\\Y\nLine: 3"), boxCalls[0].text);
 }
 
-TEST_F(Assertions, AreSilentWhenTheCheckHolds) {
+TEST_F(Assertions, AreSilentWhenTheCheckIsTrue) {
     EXPECT_TRUE(obcore::Check(true, "x", "OBCore\\Y", 3));
     EXPECT_TRUE(boxCalls.empty());
 }

@@ -7,7 +7,7 @@ namespace {
 using obcore::GetThreadLanguage;
 using obcore::SetThreadLanguage;
 
-// The thread's list as this system's stand-in keeps it; this platform's own calls do nothing.
+// The thread's list as the fake calls keep it; Wine's own calls do nothing.
 std::wstring threadList;
 bool fails;
 DWORD flagsOfGet;

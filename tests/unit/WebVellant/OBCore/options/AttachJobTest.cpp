@@ -97,7 +97,7 @@ TEST_F(AttachJob, CreatesItsManagerAndDeletesItOnce) {
     {
         OBAttachJob job(OBOptions{}, nullptr);
         EXPECT_EQ(Calls({L"CreateObExtensionsManager()"}), FakeModules::Calls());
-        // What stands in the base isn't what is owned.
+        // The handle in the base record isn't the owned one.
         job.ProviderManager = nullptr;
     }
     EXPECT_EQ(Calls({L"CreateObExtensionsManager()", L"DeleteObExtensionsManager(manager)"}),
@@ -111,7 +111,7 @@ TEST_F(AttachJob, DeletesNothingWhenNoManagerCouldBeCreated) {
 }
 
 HWND windowAskedFor;
-DWORD processOfWindow; // 0: what the system says
+DWORD processOfWindow; // 0: the result of the system
 DWORD processOpened;
 DWORD accessAskedFor;
 DWORD capacityAskedFor;
@@ -165,7 +165,7 @@ private:
         "kernel32.dll", "K32GetProcessImageFileNameW", &RecordImageName};
 };
 
-TEST_F(AttachJobBrowser, IsTheProcessBehindTheOwnerOfTheParent) {
+TEST_F(AttachJobBrowser, IsTheProcessOfTheOwnerOfTheParent) {
     const ObLib::UniqueWindow owner = MakeWindow();
     const ObLib::UniqueWindow parent = MakeWindow(owner.Get());
     const OBAttachJob job(OBOptions{}, parent.Get());
@@ -185,7 +185,7 @@ TEST_F(AttachJobBrowser, IsTheProcessThatTheWindowBelongsTo) {
     EXPECT_EQ(424242u, processOpened);
 }
 
-TEST_F(AttachJobBrowser, IsTheProcessBehindAParentWithoutOwner) {
+TEST_F(AttachJobBrowser, IsTheProcessOfAParentWithoutOwner) {
     const ObLib::UniqueWindow parent = MakeWindow();
     const OBAttachJob job(OBOptions{}, parent.Get());
     EXPECT_EQ(parent.Get(), windowAskedFor);

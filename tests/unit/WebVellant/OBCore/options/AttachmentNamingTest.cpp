@@ -222,7 +222,7 @@ TEST_F(AttachmentName, KeepsASingleFilesNameThatLeavesNoRoomForTheExtension) {
     EXPECT_EQ(longer + L".t", NameOf({}, {L"C:\\" + longer + L".t"}));
 }
 
-TEST_F(AttachmentName, HasRoomForALongExtensionBehindALongPath) {
+TEST_F(AttachmentName, HasRoomForALongExtensionAfterALongPath) {
     OBOptions options;
     options.UseAltExt = true;
     options.AltExt = std::wstring(100, L'e');

@@ -1,4 +1,4 @@
-// One suite a first answer: what the first enumeration found is kept for the whole process.
+// One suite for each first result: what the first enumeration found is kept for the whole process.
 #include <windows.h>
 
 #include <cstdio>
@@ -59,7 +59,7 @@ TEST_F(CloudServicesWithoutProviders, AreUnavailableForTheFirstRecordOnly) {
     OBOptions later = WithManager(manager);
     EXPECT_FALSE(later.CloudServicesUnavailable());
     EXPECT_FALSE(later.DisableCloudServices);
-    // Without a manager too: the process has its answer.
+    // Without a manager too: the process keeps the first result.
     OBOptions bare;
     EXPECT_FALSE(bare.CloudServicesUnavailable());
     EXPECT_EQ(2u, Enumerations().size());

@@ -1,4 +1,4 @@
-// What the suites of the options share: an empty registry, silent stand-ins, both modules bound.
+// What the suites of the options share: an empty registry, silent fakes, both modules bound.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ protected:
     }
 };
 
-// A manager of the stand-in, ready to be asked.
+// A manager of the fake module, initialised.
 class TestManager {
 public:
     TestManager() : handle_(obcore::ProviderManager().CreateObExtensionsManager()) {

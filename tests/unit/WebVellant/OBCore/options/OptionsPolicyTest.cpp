@@ -22,7 +22,7 @@ TEST_F(OptionsOfPolicy, CompelEncryptionFromEitherView) {
     }
 }
 
-TEST_F(OptionsOfPolicy, KeepEncryptionCompelledWhenTheOtherViewSaysNo) {
+TEST_F(OptionsOfPolicy, KeepEncryptionCompelledWhenTheOtherViewHasItOff) {
     SetMachinePolicy(L"AlwaysEncrypt", L"1", 32);
     SetMachinePolicy(L"AlwaysEncrypt", L"0", 64);
     EXPECT_TRUE(Loaded().AlwaysEncrypt);
@@ -159,7 +159,7 @@ TEST_F(OptionsOfPolicy, LeaveTheirFieldsWhereTheMachineHasNone) {
     EXPECT_TRUE(options.HasEntCertificate);
 }
 
-TEST_F(OptionsOfPolicy, SwitchUpdateChecksOffOnceTheyExistUnlessTheySayOtherwise) {
+TEST_F(OptionsOfPolicy, SwitchUpdateChecksOffOnceTheyExistUnlessTheyAllowThem) {
     EXPECT_FALSE(Loaded().NoUpdateChecking);
     EXPECT_TRUE(Loaded().UpdateCheckEnabled);
 

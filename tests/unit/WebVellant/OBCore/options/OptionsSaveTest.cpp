@@ -134,7 +134,7 @@ TEST_F(OptionsSaving, WritesTheFiveAppendicesAndNothingElse) {
     EXPECT_EQ(L"datetime", obtest::ReadUserValue(L"NameAppend"));
 }
 
-TEST_F(OptionsSaving, TellsOtherProgramsTheExtension) {
+TEST_F(OptionsSaving, StoresTheExtensionForOtherPrograms) {
     struct Row {
         bool used;
         std::uint32_t method;

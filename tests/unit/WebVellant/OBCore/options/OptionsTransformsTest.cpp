@@ -103,7 +103,7 @@ TEST_F(OptionsOfTransforms, AreOffWithoutSupport) {
     }
 }
 
-TEST_F(OptionsOfTransforms, AreOffWithoutAManagerWhateverTheRegistrySays) {
+TEST_F(OptionsOfTransforms, AreOffWithoutAManagerWhateverTheRegistryHas) {
     SetAll(L"1");
     const OBOptions options = Loaded();
     for (const Row& row : kRows) {

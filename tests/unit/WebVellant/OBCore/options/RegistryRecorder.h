@@ -8,12 +8,12 @@
 
 #include "tests/support/ImportPatch.h"
 
-// While one stands, registry calls of the program under test go through it. One at a time.
+// While one exists, registry calls of the program under test go through it. One at a time.
 //
 //   open machine PATH [32|64]   create user PATH
 //   get PATH!NAME SIZE          set PATH!NAME=TEXT         trace LINE
 //
-// An open or create that fails has " fails" behind it.
+// An open or create that fails ends in " fails".
 class RegistryRecorder {
 public:
     RegistryRecorder();

@@ -1,5 +1,5 @@
 // Fakes of what the planning calls besides the sister modules: transforms, chooser and upload.
-// Each writes its call down among those of the stand-ins, then does what the test says.
+// Each writes its call down among those of the fakes, then does what the test has set.
 #pragma once
 
 #include <windows.h>

@@ -33,7 +33,7 @@ protected:
     OPENFILENAMEW request_ = {sizeof(request_)};
 };
 
-TEST_F(FileNameBuffer, HoldsOneFileAsItsFullPathWithTwoZeros) {
+TEST_F(FileNameBuffer, ContainsOneFileAsItsFullPathWithTwoZeros) {
     job_.Files = {L"C:\\a\\b.txt"};
     EXPECT_EQ(Fill(), 1);
     EXPECT_EQ(Written(), Text(L"C:\\a\\b.txt\0\0", 12));
@@ -54,7 +54,7 @@ TEST_F(FileNameBuffer, NeverTakesOneFileBeyondTheMemory) {
     EXPECT_EQ(Written().size(), 12u);
 }
 
-TEST_F(FileNameBuffer, HoldsSeveralFilesAsFolderAndNames) {
+TEST_F(FileNameBuffer, ContainsSeveralFilesAsFolderAndNames) {
     job_.Files = {L"C:\\folder\\one.txt", L"C:\\folder\\two.txt"};
     EXPECT_EQ(Fill(), 1);
     EXPECT_EQ(Written(), Text(L"C:\\folder\\\0one.txt\0two.txt\0\0", 28));

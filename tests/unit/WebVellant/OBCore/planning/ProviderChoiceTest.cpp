@@ -124,7 +124,7 @@ TEST_F(ProviderChoice, UsesTheDefaultAccountAlsoWhenCloudServicesAreForbidden) {
     EXPECT_EQ(FakeModules::CallsOf({L"RunCloudSend"}), Lines{Sent(L"7, \"account\"")});
 }
 
-// Whether there is any provider is asked once a process, so this stands in a process of its own.
+// Whether there is any provider is asked once a process, so this test has a process of its own.
 class NoProviderAtAll : public ProviderChoice {};
 
 TEST_F(NoProviderAtAll, AttachesWithoutADialog) {

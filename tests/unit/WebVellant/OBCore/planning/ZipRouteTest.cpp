@@ -1,4 +1,4 @@
-// Runs that make a zip: working copy, transforms, compression, and what is left behind.
+// Runs that make a zip: working copy, transforms, compression, and what is left afterwards.
 #include <new>
 
 #include "tests/unit/WebVellant/OBCore/files/WipeProgram.h"

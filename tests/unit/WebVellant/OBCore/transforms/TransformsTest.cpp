@@ -55,7 +55,7 @@ TEST_F(Transforms, StopTheRunForEachThatIsWantedAndCantBeDone) {
     EXPECT_TRUE(boxes.Seen().empty());
 }
 
-TEST_F(Transforms, StopTheRunOfASingleFileAndLeaveNothingBehind) {
+TEST_F(Transforms, StopTheRunOfASingleFileAndLeaveNothing) {
     wchar_t temporary[MAX_PATH];
     ASSERT_NE(GetTempPathW(MAX_PATH, temporary), 0u);
     const Files files = {folder_.File(L"a.docx", "content")};

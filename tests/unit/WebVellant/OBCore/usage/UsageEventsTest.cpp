@@ -39,7 +39,7 @@ protected:
     }
 };
 
-TEST_F(UsageEvents, TellEverySendByItsFlags) {
+TEST_F(UsageEvents, ReportEverySendByItsFlags) {
     struct Row {
         UsageFlags flags;
         const wchar_t* text;
@@ -64,7 +64,7 @@ TEST_F(UsageEvents, TellEverySendByItsFlags) {
           .UsageLink = true},
          L"file-send.type=link|file-send.encryption=yes|file-send.compression=zipx|"
          L"file-send.expiry=yes"},
-        // Without a zip nothing is told of its kind.
+        // Without a zip its kind isn't reported.
         {{.UsageZipx = true, .UsageEncrypted = true},
          L"file-send.type=attachment|file-send.expiry=no"},
     };
@@ -75,7 +75,7 @@ TEST_F(UsageEvents, TellEverySendByItsFlags) {
     }
 }
 
-TEST_F(UsageEvents, TellTheSourceBehindTheSend) {
+TEST_F(UsageEvents, ReportTheSourceAfterTheSend) {
     ReportFileSend({}, L"\\Device\\HarddiskVolume1\\b\\chrome.exe");
     EXPECT_EQ(Calls({Event(L"feature.file-send", L"file-send.type=attachment|file-send.expiry=no"),
                      Event(L"feature.email-share",
@@ -83,7 +83,7 @@ TEST_F(UsageEvents, TellTheSourceBehindTheSend) {
               FakeModules::Calls());
 }
 
-TEST_F(UsageEvents, TellTheShortNameOfAJobsBrowser) {
+TEST_F(UsageEvents, ReportTheShortNameOfAJobsBrowser) {
     const std::pair<const wchar_t*, const wchar_t*> rows[] = {
         {L"\\Device\\HarddiskVolume1\\b\\chrome.exe", L"chrome"},
         {L"C:\\a.b\\my.browser.exe", L"my.browser"},
@@ -97,14 +97,14 @@ TEST_F(UsageEvents, TellTheShortNameOfAJobsBrowser) {
     }
 }
 
-TEST_F(UsageEvents, TellNoSourceWhenTheBrowserHasNoShortName) {
+TEST_F(UsageEvents, ReportNoSourceWhenTheBrowserHasNoShortName) {
     for (const wchar_t* image :
          {L"", L"C:\\programs\\firefox", L"C:\\a.b\\firefox", L"chrome.exe", L"C:\\a\\.exe"}) {
         EXPECT_EQ(1u, EventsOfJob(image).size()) << image;
     }
 }
 
-TEST_F(UsageEvents, TellAJobsOwnFlags) {
+TEST_F(UsageEvents, ReportAJobsOwnFlags) {
     OBAttachJob job(obcore::OBOptions{}, nullptr);
     job.Usage.UsageZipped = true;
     job.Usage.UsageZipx = true;
@@ -116,7 +116,7 @@ TEST_F(UsageEvents, TellAJobsOwnFlags) {
         FakeModules::Calls());
 }
 
-TEST_F(UsageEvents, TellTheCloudServiceByItsName) {
+TEST_F(UsageEvents, ReportTheCloudServiceByItsName) {
     obcore::ReportCloudUse(L"My Cloud");
     obcore::ReportCloudUse(L"");
     EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud"),
@@ -124,7 +124,7 @@ TEST_F(UsageEvents, TellTheCloudServiceByItsName) {
               FakeModules::Calls());
 }
 
-TEST_F(UsageEvents, TellAPickFromTheCloudInTwoEvents) {
+TEST_F(UsageEvents, ReportAPickFromTheCloudInTwoEvents) {
     obcore::ReportCloudUse(L"My Cloud");
     ReportFileSend({.UsageLink = true}, L"");
     EXPECT_EQ(Calls({Event(L"feature.cloud", L"cloud.name=My Cloud"),
@@ -133,7 +133,7 @@ TEST_F(UsageEvents, TellAPickFromTheCloudInTwoEvents) {
 }
 
 // A text has 259 characters at most; the key of a source takes 19, that of a service 11.
-TEST_F(UsageEvents, HoldTextsThatJustFit) {
+TEST_F(UsageEvents, ContainTextsThatJustFit) {
     const std::wstring source(240, L's');
     const std::wstring service(248, L'n');
     ReportFileSend({}, source);
