@@ -5,40 +5,18 @@
 #include "ObLibX/src/xml/document/ElementParser.h"
 #include "ObLibX/src/xml/document/ElementText.h"
 #include "ObLibX/src/xml/document/Navigation.h"
-#include "ObLibX/src/xml/scan/DocumentReport.h"
 #include "ObLibX/src/xml/stream/StreamReading.h"
 #include "ObLibX/src/xml/stream/StreamWriting.h"
 
 namespace ObLibX {
 namespace {
 
-constexpr wchar_t kConversionLoss[] = L"conversion_loss";
 constexpr std::uint32_t kClientFlags = kDocIgnoreCase | kDocTrim | kDocCollapse;
 
 // Closes a stream that is open and releases all records but record 0.
 void PrepareStream(XmlOffsetDocument& document) {
     document.Close();
     document.SetText(nullptr);
-}
-
-bool FinishAndClose(DocumentState& document) {
-    const bool finished = !document.Has(kDocStreamWrite) || FinishStream(document);
-    TextFileChannel& channel = *document.channel;
-    const bool closed = channel.CloseFile();
-    // The channel's report is only that of its last block.
-    const bool lossReported = channel.report.find(kConversionLoss) != std::wstring::npos;
-    if (channel.conversionLoss && !lossReported)
-        Report(document.result, kConversionLoss, nullptr, 0);
-    if (document.result.size() < kReportLimit) document.result += channel.report;
-    return finished && closed;
-}
-
-// Back to memory mode, with nothing left of the stream.
-void LeaveStream(DocumentState& document) noexcept {
-    document.channel.reset();
-    document.docFlags &= ~kDocStreams;
-    document.text.clear();
-    ForgetElements(document);
 }
 
 } // namespace
@@ -106,17 +84,7 @@ bool XmlOffsetDocument::OpenForWriting(const wchar_t* path, const StreamWriteOpt
     return OpenStreamForWriting(state_, path, options);
 }
 
-bool XmlOffsetDocument::Close() {
-    if (!state_.Has(kDocStreams)) return true;
-    try {
-        const bool written = FinishAndClose(state_);
-        LeaveStream(state_);
-        return written;
-    } catch (...) {
-        LeaveStream(state_);
-        throw;
-    }
-}
+bool XmlOffsetDocument::Close() { return CloseStream(state_); }
 
 bool XmlOffsetDocument::FindElement(const wchar_t* path) {
     return state_.Has(kDocStreamRead) ? FindElementInStream(state_, path)

@@ -42,6 +42,13 @@ struct DocumentState {
     bool IgnoresCase() const { return Has(kDocIgnoreCase); }
 };
 
+inline ElementRecord& RecordAt(DocumentState& document, std::int32_t position) {
+    return (*document.records)[static_cast<std::uint32_t>(position)];
+}
+inline const ElementRecord& RecordAt(const DocumentState& document, std::int32_t position) {
+    return (*document.records)[static_cast<std::uint32_t>(position)];
+}
+
 // Takes a record for use and clears it: a freed record before a new one. Grows the table by half
 // when all its records are in use. Throws std::bad_alloc and changes nothing.
 std::int32_t TakeRecord(DocumentState& document);

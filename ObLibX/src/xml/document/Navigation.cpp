@@ -6,9 +6,6 @@
 namespace ObLibX {
 namespace {
 
-const ElementRecord& RecordAt(const DocumentState& document, std::int32_t position) {
-    return (*document.records)[static_cast<std::uint32_t>(position)];
-}
 std::int32_t FirstChild(const DocumentState& document, std::int32_t position) {
     return static_cast<std::int32_t>(RecordAt(document, position).firstChild);
 }

@@ -9,13 +9,6 @@
 
 namespace ObLibX {
 
-inline ElementRecord& RecordAt(DocumentState& document, std::int32_t position) {
-    return (*document.records)[static_cast<std::uint32_t>(position)];
-}
-inline const ElementRecord& RecordAt(const DocumentState& document, std::int32_t position) {
-    return (*document.records)[static_cast<std::uint32_t>(position)];
-}
-
 // The last child of `parent`, the sibling before an element, and the last child of `parent` that
 // begins before `offset`; 0 when there is none. LastChildBefore searches from the end.
 std::int32_t LastChild(const DocumentState& document, std::int32_t parent);

@@ -4,11 +4,13 @@
 #include <memory>
 #include <string_view>
 
+#include "ObLibX/src/xml/document/ElementParser.h"
 #include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
 #include "ObLibX/src/xml/encoding/SystemFile.h"
 #include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
+#include "ObLibX/src/xml/stream/StreamWriting.h"
 
 namespace ObLibX {
 namespace {
@@ -18,6 +20,7 @@ constexpr std::int32_t kCodePageUtf32LittleEndian = 12000; // as the system numb
 constexpr std::int32_t kCodePageUtf32BigEndian = 12001;
 constexpr std::int32_t kDeclarationSpan = 4096;    // bytes in which a file declares its encoding
 constexpr std::int32_t kLongestLook = 1024 * 1024; // bytes that are looked at for UTF-8
+constexpr wchar_t kConversionLoss[] = L"conversion_loss";
 constexpr wchar_t kTooLarge[] = L"The file is too large to be read as a stream.";
 constexpr wchar_t kWrongEncoding[] = L"The encoding isn't known or can't be used for a stream.";
 
@@ -140,6 +143,28 @@ std::wstring DeclarationOf(const std::wstring& encoding) {
     return L"<?xml version=\"1.0\" encoding=\"" + encoding + L"\"?>\r\n";
 }
 
+// ---- The end of a stream
+
+bool FinishAndClose(DocumentState& document) {
+    const bool finished = !document.Has(kDocStreamWrite) || FinishStream(document);
+    TextFileChannel& channel = *document.channel;
+    const bool closed = channel.CloseFile();
+    // The channel's report is only that of its last block.
+    const bool lossReported = channel.report.find(kConversionLoss) != std::wstring::npos;
+    if (channel.conversionLoss && !lossReported)
+        Report(document.result, kConversionLoss, nullptr, 0);
+    if (document.result.size() < kReportLimit) document.result += channel.report;
+    return finished && closed;
+}
+
+// Back to memory mode, with nothing left of the stream.
+void LeaveStream(DocumentState& document) noexcept {
+    document.channel.reset();
+    document.docFlags &= ~kDocStreams;
+    document.text.clear();
+    ForgetElements(document);
+}
+
 } // namespace
 
 bool OpenStreamForReading(DocumentState& document, const wchar_t* path,
@@ -170,6 +195,18 @@ bool OpenStreamForWriting(DocumentState& document, const wchar_t* path,
     document.text.swap(text);
     Enter(document, std::move(channel), kDocStreamWrite);
     return true;
+}
+
+bool CloseStream(DocumentState& document) {
+    if (!document.Has(kDocStreams)) return true;
+    try {
+        const bool written = FinishAndClose(document);
+        LeaveStream(document);
+        return written;
+    } catch (...) {
+        LeaveStream(document);
+        throw;
+    }
 }
 
 } // namespace ObLibX

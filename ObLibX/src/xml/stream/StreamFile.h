@@ -1,4 +1,4 @@
-// Opens a file as a stream: BOM, encoding, sizes.
+// Opens a file as a stream, which decides BOM and encoding, and closes it.
 #pragma once
 
 #include <cstdint>
@@ -40,5 +40,11 @@ bool OpenStreamForReading(DocumentState& document, const wchar_t* path,
 // also for an unknown encoding and for UTF-32, which can't be written.
 bool OpenStreamForWriting(DocumentState& document, const wchar_t* path,
                           const StreamWriteOptions& options);
+
+// Ends a stream: ends the open elements and flushes in writing, closes the file, moves the
+// channel's report to `result`, drops the text and returns to memory mode. False when text may not
+// have reached the file. In memory mode this does nothing and returns true. Throws std::bad_alloc;
+// the stream has ended then too.
+bool CloseStream(DocumentState& document);
 
 } // namespace ObLibX

@@ -12,10 +12,6 @@
 namespace ObLibX {
 namespace {
 
-ElementRecord& RecordOf(DocumentState& document, std::int32_t position) {
-    return (*document.records)[static_cast<std::uint32_t>(position)];
-}
-
 // Whether the position is the one at which the stream writes.
 bool IsAtEnd(const DocumentState& document) {
     const auto depth = static_cast<std::int32_t>(document.channel->openTags.Depth());
@@ -54,7 +50,7 @@ bool Send(DocumentState& document, std::size_t length, bool flush) {
 // stays, as the next element may remove it.
 bool SendWhatIsFinished(DocumentState& document) {
     const auto blockSize = static_cast<std::size_t>(document.channel->blockSize);
-    ElementRecord& current = RecordOf(document, document.currentPos);
+    ElementRecord& current = RecordAt(document, document.currentPos);
     const bool complete = current.StartTagLength() == 0;
     const std::size_t finished =
         complete ? document.text.size() - LineEndAfter(document) : current.start;
@@ -67,7 +63,7 @@ bool SendWhatIsFinished(DocumentState& document) {
 // Makes a start tag of the parent's one tag. The parent's line end moves after its end tag.
 void OpenParent(DocumentState& document, bool lineEnds) {
     TextFileChannel::OpenElement& open = document.channel->entered.back();
-    const ElementRecord& record = RecordOf(document, document.parentPos);
+    const ElementRecord& record = RecordAt(document, document.parentPos);
     document.text.resize(record.start + record.length);
     if (!record.Has(kRecordUnended)) {
         document.text.resize(document.text.size() - 2); // "/>"
@@ -125,7 +121,7 @@ bool AddElementToStream(DocumentState& document, const wchar_t* name, const wcha
 bool SetAttributeInStream(DocumentState& document, std::int32_t position, const wchar_t* name,
                           const wchar_t* value, std::uint32_t flags) {
     const bool current = IsAtEnd(document) && position == document.currentPos && position != 0 &&
-                         RecordOf(document, position).StartTagLength() != 0;
+                         RecordAt(document, position).StartTagLength() != 0;
     if (!current || !EditAttribute(document, position, name, value, flags)) return false;
     // The edit also grew the parent's record, which has no length in a stream.
     BlankStreamRecord(document, static_cast<std::uint32_t>(document.parentPos));
