@@ -19,6 +19,7 @@ constexpr wchar_t kModule[] = L"ObLib\\Src\\StringCore.cpp";
 struct alignas(4) BlockHead {
     std::atomic<std::int32_t> count;
 };
+static_assert(sizeof(StringCore) == kPooledSize);
 static_assert(sizeof(BlockHead) == 4);
 static_assert(std::atomic<std::int32_t>::is_always_lock_free);
 

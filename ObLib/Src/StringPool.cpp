@@ -7,8 +7,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "ObLib/Src/StringCore.h"
-
 namespace ObLib {
 namespace {
 
@@ -16,7 +14,7 @@ namespace {
 struct FreeCore {
     FreeCore* next;
 };
-static_assert(sizeof(FreeCore) <= sizeof(StringCore));
+static_assert(sizeof(FreeCore) <= kPooledSize);
 
 // Outlives the pool, so that a string that is released after the pool still reads this flag.
 constinit std::atomic<bool> g_poolIsOff = false;
@@ -30,7 +28,7 @@ struct StringPool {
     boost::mutex lock;
     FreeCore* head = nullptr;
     std::uint64_t length = 0;
-    std::uint64_t limit = SIZE_MAX / sizeof(StringCore);
+    std::uint64_t limit = SIZE_MAX / kPooledSize;
 };
 using Locked = boost::lock_guard<boost::mutex>;
 
@@ -40,14 +38,14 @@ StringPool& Pool() {
 }
 
 bool IsPooled(std::size_t size) {
-    return size == sizeof(StringCore) && !g_poolIsOff.load(std::memory_order_relaxed);
+    return size == kPooledSize && !g_poolIsOff.load(std::memory_order_relaxed);
 }
 
 // From the head of the list, or from the heap when the list is empty. Both happen under the lock.
 void* TakeCore(StringPool& pool) {
     const Locked locked(pool.lock);
     FreeCore* const head = pool.head;
-    if (head == nullptr) return ::operator new(sizeof(StringCore));
+    if (head == nullptr) return ::operator new(kPooledSize);
     pool.head = head->next;
     --pool.length;
     return head;

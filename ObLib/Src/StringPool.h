@@ -6,6 +6,9 @@
 
 namespace ObLib {
 
+// The size of a StringCore, the only size that the pool keeps; StringCore.cpp asserts it.
+inline constexpr std::size_t kPooledSize = 96;
+
 // Memory for an object of `size` bytes. A core's memory comes from the head of the list, or from
 // the heap when the list is empty; memory of other sizes comes from the heap. Any thread. Throws
 // std::bad_alloc, and boost::thread_resource_error when it can't wait for the lock.
