@@ -29,14 +29,6 @@ void Xor(std::span<std::uint8_t> data, const std::uint8_t* with) {
 
 } // namespace
 
-std::array<std::uint8_t, 18> Ae2Keys::Head() const {
-    std::array<std::uint8_t, 18> head{};
-    std::copy_n(salt.begin(), SaltSize(), head.begin());
-    std::copy_n(derived.begin() + static_cast<std::ptrdiff_t>(2 * keySize), kAe2CheckSize,
-                head.begin() + static_cast<std::ptrdiff_t>(SaltSize()));
-    return head;
-}
-
 Ae2Keys DeriveAe2Keys(const Ae2Algorithms& algorithms, const Secret& password,
                       std::span<const std::uint8_t> salt, std::size_t keySize) {
     Ae2Keys keys;

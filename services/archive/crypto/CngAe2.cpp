@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "services/archive/crypto/Ae2.h"
+#include "services/archive/crypto/Ae2Keys.h"
 
 namespace obarchive {
 namespace {

@@ -1,7 +1,7 @@
 // The primitives by the system's cryptography.
 #pragma once
 
-#include "services/archive/crypto/Ae2Algorithms.h"
+#include "services/archive/crypto/Ae2Primitives.h"
 #include "services/archive/crypto/SystemHandles.h"
 
 namespace obarchive {

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "services/archive/crypto/Ae2.h"
+#include "services/archive/crypto/Ae2Keys.h"
 #include "services/archive/crypto/Pbkdf2Simd.h"
 
 namespace obarchive {

@@ -2,7 +2,7 @@
 // for the cipher, and by lanes for the keys.
 #pragma once
 
-#include "services/archive/crypto/Ae2Algorithms.h"
+#include "services/archive/crypto/Ae2Primitives.h"
 
 namespace obarchive {
 

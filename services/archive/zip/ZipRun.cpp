@@ -4,6 +4,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/Paths.h"
+#include "services/archive/crypto/Ae2Algorithms.h"
 #include "services/archive/zip/ArchiveTarget.h"
 #include "services/archive/zip/EntryNames.h"
 #include "services/archive/zip/EntrySource.h"

@@ -1,4 +1,5 @@
 #include "services/archive/crypto/Ae2.h"
+#include "services/archive/crypto/Ae2Algorithms.h"
 
 #include <gtest/gtest.h>
 

@@ -7,6 +7,7 @@
 #include <span>
 
 #include "services/archive/crypto/Ae2.h"
+#include "services/archive/crypto/Ae2Algorithms.h"
 #include "services/archive/crypto/Pbkdf2Simd.h"
 #include "tests/support/ReadableMemory.h"
 #include "tests/unit/services/archive/crypto/MaskedKeys.h"
