@@ -6,6 +6,7 @@
 #include <limits>
 #include <map>
 
+#include "tests/fakes/providers/ProviderIds.h"
 #include "tests/fakes/providers/Script.h"
 #include "tests/fakes/providers/SlotTable.h"
 
@@ -173,7 +174,9 @@ void* const* ProviderTable() {
 
 } // namespace
 
-FakeProvider::FakeProvider(std::uint32_t ownId) : CloudProvider{ProviderTable()}, id(ownId) {}
+FakeProvider::FakeProvider(std::uint32_t ownId) : CloudProvider{ProviderTable()}, id(ownId) {
+    NoteProvider(this, ownId);
+}
 
 std::wstring FakeProvider::Key(const wchar_t* operation) const {
     return L"provider" + std::to_wstring(id) + L'.' + operation;

@@ -4,7 +4,7 @@
 #include <cwchar>
 
 #include "tests/fakes/providers/FakeManager.h"
-#include "tests/fakes/providers/FakeProvider.h"
+#include "tests/fakes/providers/ProviderIds.h"
 
 namespace standin {
 
@@ -53,8 +53,8 @@ std::wstring Describe(obcontract::ProviderManagerHandle manager) {
 
 std::wstring Describe(const obcontract::CloudProvider* provider) {
     if (!provider) return L"null";
-    const FakeProvider* fake = FindProvider(provider);
-    return fake ? L"provider" + std::to_wstring(fake->id) : L"strange provider";
+    const auto id = IdOfProvider(provider);
+    return id ? L"provider" + std::to_wstring(*id) : L"strange provider";
 }
 
 std::wstring Describe(const obcontract::DownloadList* list) { return list ? L"list" : L"null"; }
