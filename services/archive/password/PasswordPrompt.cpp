@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cwchar>
 
+#include "ObLib/Src/Win32/Guarded.h"
 #include "services/archive/ThisModule.h"
 #include "services/archive/password/PassPhrase.h"
 #include "services/archive/password/PasswordPromptIds.h"
@@ -252,13 +253,12 @@ bool Handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 INT_PTR CALLBACK PromptProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
-    try {
-        return Handle(dialog, message, wParam, lParam);
-    } catch (...) {
-        // Out of memory: the prompt can't go on.
-        EndDialog(dialog, static_cast<INT_PTR>(PromptResult::NotShown));
-        return TRUE;
-    }
+    // Out of memory: the prompt can't go on.
+    return ObLib::GuardedElse([=]() -> INT_PTR { return Handle(dialog, message, wParam, lParam); },
+                              [dialog]() -> INT_PTR {
+                                  EndDialog(dialog, static_cast<INT_PTR>(PromptResult::NotShown));
+                                  return TRUE;
+                              });
 }
 
 } // namespace

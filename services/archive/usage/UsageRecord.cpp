@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cwchar>
 
+#include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/Paths.h"
 #include "services/archive/policy/MachinePolicy.h"
@@ -123,16 +124,15 @@ bool UsageRecord::Append(const SYSTEMTIME& utc, std::wstring_view event,
 }
 
 void RecordUsage(const wchar_t* event, const wchar_t* details) noexcept {
-    try {
+    // Out of memory: the event is lost, and the run goes on.
+    ObLib::RanGuarded([=] {
         if (PolicyIsOn(kNoUsageRecordPolicy)) return;
         const std::wstring folder = UserFolder();
         if (folder.empty()) return;
         SYSTEMTIME now;
         GetSystemTime(&now);
         UsageRecord(folder).Append(now, ViewOf(event), ViewOf(details));
-    } catch (...) {
-        // Out of memory: the event is lost, and the run goes on.
-    }
+    });
 }
 
 void RecordProcessUsage(const wchar_t* event) noexcept {

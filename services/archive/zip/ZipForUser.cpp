@@ -6,6 +6,7 @@
 #include <new>
 #include <optional>
 
+#include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/Paths.h"
 #include "services/archive/ThisModule.h"
@@ -234,11 +235,8 @@ ZipResult ZipForUser(HWND owner, const ZipJob& job) noexcept {
 }
 
 ZipResult RefuseForUser(HWND owner, ZipResult result) noexcept {
-    try {
-        TellFailure(owner, result, {});
-    } catch (...) {
-        // Not even the sentence has room; the caller's own message is all that is said.
-    }
+    // Out of memory for the sentence: the caller's own message is the only one then.
+    ObLib::RanGuarded([=] { TellFailure(owner, result, {}); });
     return result;
 }
 
