@@ -1,4 +1,4 @@
-// What every stand-in of a sister module shares: calls are appended to a file beside the running
+// What the fakes of the sister modules share: calls are appended to a file beside the running
 // program, and answers are read from another, so that a test sees the calls of a host process too.
 #pragma once
 
@@ -10,11 +10,11 @@
 
 namespace obtest {
 
-inline constexpr wchar_t kCallsFileName[] = L"standin-calls.txt";
-inline constexpr wchar_t kScriptFileName[] = L"standin-script.txt";
+inline constexpr wchar_t kCallsFileName[] = L"fakes-calls.txt";
+inline constexpr wchar_t kScriptFileName[] = L"fakes-script.txt";
 
-// There while a call is held (script: Hold=NAME); the call goes on when a test deletes it.
-inline constexpr wchar_t kHeldFileName[] = L"standin-held.txt";
+// Exists while a call waits (script: Hold=NAME); the call goes on when a test deletes the file.
+inline constexpr wchar_t kHeldFileName[] = L"fake-held.txt";
 
 // Full path of a file in the running program's folder.
 std::wstring BesideProgram(const wchar_t* fileName);

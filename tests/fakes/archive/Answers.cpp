@@ -6,7 +6,7 @@
 
 #include "tests/fakes/Recording.h"
 
-namespace standin {
+namespace fakes {
 namespace {
 
 std::string Narrow(const std::wstring& text) {
@@ -52,4 +52,4 @@ std::wstring Number(std::uint64_t number) { return std::to_wstring(number); }
 
 std::wstring Context(std::uint64_t context) { return L"context" + Number(context); }
 
-} // namespace standin
+} // namespace fakes

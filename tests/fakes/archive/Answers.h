@@ -1,10 +1,10 @@
-// What a call into the stand-in of the archive service leaves and answers.
+// How the fake archive service records and answers a call.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-namespace standin {
+namespace fakes {
 
 // Writes the call down and returns its line, `Name(arguments)`.
 std::wstring Record(const wchar_t* call, const std::wstring& arguments = {});
@@ -18,9 +18,9 @@ std::uint64_t AnswerOf(const std::wstring& line, const wchar_t* call, std::uint6
 bool GiveNarrowText(const wchar_t* key, const wchar_t* otherwise, char* buffer,
                     std::size_t capacity);
 
-// Arguments as they stand in a line; texts and windows are in Recording.h.
+// Arguments as a recorded line has them; texts and windows are in Recording.h.
 std::wstring NarrowText(const char* text);
 std::wstring Number(std::uint64_t number);
 std::wstring Context(std::uint64_t context);
 
-} // namespace standin
+} // namespace fakes

@@ -6,7 +6,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
-namespace standin {
+namespace fakes {
 namespace {
 
 std::uint64_t lastContext = 0;
@@ -25,7 +25,7 @@ void EndContext(std::uint64_t context) { ZipNames().erase(context); }
 void NameZip(std::uint64_t context, const wchar_t* path) { ZipNames()[context] = path; }
 
 void WriteMarker(std::uint64_t context, std::uint64_t size) {
-    static constexpr char marker[] = "zip of the stand-in";
+    static constexpr char marker[] = "zip of the fake";
     const auto found = ZipNames().find(context);
     if (found == ZipNames().end()) return;
     const ObLib::UniqueKernelHandle file(CreateFileW(found->second.c_str(), GENERIC_WRITE, 0,
@@ -42,4 +42,4 @@ void WriteMarker(std::uint64_t context, std::uint64_t size) {
     SetEndOfFile(file.Get());
 }
 
-} // namespace standin
+} // namespace fakes

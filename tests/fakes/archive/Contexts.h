@@ -1,12 +1,12 @@
-// The zip contexts of the stand-in, and the file that a scripted success leaves.
+// The zip contexts of the fake, and the file that a scripted success leaves.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-namespace standin {
+namespace fakes {
 
-// Contexts are numbered from 1 in each process, so that lines tell them apart.
+// Contexts are numbered from 1 in each process, so that recorded lines differ.
 std::uint64_t NewContext();
 void EndContext(std::uint64_t context);
 void NameZip(std::uint64_t context, const wchar_t* path);
@@ -15,4 +15,4 @@ void NameZip(std::uint64_t context, const wchar_t* path);
 // nothing for a context that has no zip path.
 void WriteMarker(std::uint64_t context, std::uint64_t size);
 
-} // namespace standin
+} // namespace fakes

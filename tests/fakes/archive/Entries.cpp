@@ -1,4 +1,4 @@
-// The 28 entries of the stand-in archive service. Every call is written down; answers come from
+// The 28 entries of the fake archive service. Every call is recorded; answers come from
 // the script under the entry's name, or under the whole line for one call among many. Further keys:
 //
 //   Password        what PasswordNewDlg_C gives (otherwise "secret")
@@ -15,13 +15,13 @@
 
 namespace {
 
+using fakes::AnswerOf;
+using fakes::Context;
+using fakes::NarrowText;
+using fakes::Number;
+using fakes::Record;
 using obtest::Quoted;
 using obtest::WindowText;
-using standin::AnswerOf;
-using standin::Context;
-using standin::NarrowText;
-using standin::Number;
-using standin::Record;
 
 const std::wstring kNext = L", ";
 
@@ -39,12 +39,12 @@ OB_ARCHIVE_SERVICE_ENTRIES(OB_DECLARE_EXPORT)
 #undef OB_DECLARE_EXPORT
 
 ZipContext CreateZipContext() {
-    return AnswerOf(Record(L"CreateZipContext"), L"CreateZipContext", standin::NewContext());
+    return AnswerOf(Record(L"CreateZipContext"), L"CreateZipContext", fakes::NewContext());
 }
 
 void DestroyZipContext(ZipContext context) {
     Record(L"DestroyZipContext", Context(context));
-    standin::EndContext(context);
+    fakes::EndContext(context);
 }
 
 std::uint32_t PasswordDlg_C() { return Answer32(Record(L"PasswordDlg_C"), L"PasswordDlg_C", 0); }
@@ -57,13 +57,13 @@ std::uint32_t PasswordNewDlg_C(HWND owner, std::uint32_t* method, char* password
     const std::uint32_t result = Answer32(line, L"PasswordNewDlg_C", 1);
     if (result != 1) return result;
     *method = static_cast<std::uint32_t>(obtest::ScriptedNumber(L"PasswordMethod", *method));
-    standin::GiveNarrowText(L"Password", L"secret", password, capacity);
+    fakes::GiveNarrowText(L"Password", L"secret", password, capacity);
     return result;
 }
 
 void SetZipNameW(ZipContext context, const wchar_t* path) {
     Record(L"SetZipNameW", Context(context) + kNext + Quoted(path));
-    standin::NameZip(context, path);
+    fakes::NameZip(context, path);
 }
 
 void SetEncrypt(ZipContext context, std::uint32_t method) {
@@ -96,7 +96,7 @@ std::uint32_t Zip(HWND owner, ZipContext context) {
     const std::wstring line = Record(L"Zip", WindowText(owner) + kNext + Context(context));
     const std::uint32_t result = Answer32(line, L"Zip", 0);
     if (result == 0 && obtest::ScriptedNumber(L"ZipWrites", 1) != 0) {
-        standin::WriteMarker(context, obtest::ScriptedNumber(L"ZipSize", 0));
+        fakes::WriteMarker(context, obtest::ScriptedNumber(L"ZipSize", 0));
     }
     return result;
 }
@@ -137,7 +137,7 @@ std::uint32_t TryToShowWarningOrErrorMessage(HWND owner, std::uint32_t zero, std
 
 std::uint32_t GetPublicKeyResult(char* buffer, std::uint32_t capacity) {
     const std::wstring line = Record(L"GetPublicKeyResult", Number(capacity));
-    const bool given = standin::GiveNarrowText(L"PublicKey", nullptr, buffer, capacity);
+    const bool given = fakes::GiveNarrowText(L"PublicKey", nullptr, buffer, capacity);
     return Answer32(line, L"GetPublicKeyResult", given ? 1 : 0);
 }
 

@@ -44,7 +44,7 @@ protected:
         ASSERT_EQ(0, MissingEntries(service_));
     }
 
-    // A context whose zip is to stand at this path.
+    // A context whose zip has this path.
     ZipContext Named(const std::wstring& path) const {
         const ZipContext context = service_.CreateZipContext();
         service_.SetZipNameW(context, path.c_str());
@@ -67,7 +67,7 @@ TEST_F(FakeArchive, HasAVersionThatLacksOneEntry) {
 TEST_F(FakeArchive, LeavesAFileWhereASuccessfulZipWouldStand) {
     const std::wstring path = folder_ / L"a.zip";
     EXPECT_EQ(0u, service_.Zip(nullptr, Named(path)));
-    EXPECT_EQ("zip of the stand-in", obtest::ReadFileContent(path));
+    EXPECT_EQ("zip of the fake", obtest::ReadFileContent(path));
 }
 
 TEST_F(FakeArchive, LeavesAFileOfTheScriptedLength) {

@@ -5,7 +5,7 @@
 namespace obtest {
 namespace {
 
-// Words are parted by blanks; a quoted one holds everything up to the next quotation mark.
+// Blanks separate words; a quoted word ends at the next quotation mark.
 std::vector<std::wstring> Words(const std::wstring& line) {
     std::vector<std::wstring> words;
     std::size_t at = 0;

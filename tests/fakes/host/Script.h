@@ -11,7 +11,7 @@
 //   slot "TEXT"...                   the same at the file slot of the request
 //   status VALUE                     the block's status
 //   result VALUE                     the block's result
-//   dump NAME                        the block's bytes, as they stand, to a file
+//   dump NAME                        the block's bytes, unchanged, to a file
 //   owner                            records what the owner window is and whether its owner's root
 //                                    window takes input
 //   post-quit VALUE                  posts WM_QUIT to the thread of the owner window
@@ -23,7 +23,7 @@
 //
 // A name is that of a file in the host's folder. Each run appends its command line to the record,
 // and so does the command `owner`. A command that can't be carried out ends the run with exit code
-// 90 and a line in the record that says why.
+// 90 and a line in the record with the reason.
 #pragma once
 
 #include <cstdint>

@@ -11,11 +11,11 @@
 #include "tests/fakes/providers/Support.h"
 
 using namespace obcontract; // the contract's tables name its types bare
-using namespace standin;
+using namespace fakes;
 
 namespace {
 
-// The sizes that the four indices of GetBitmap stand for.
+// The sizes that the four indices of GetBitmap mean.
 constexpr int kBitmapSizes[] = {16, 20, 24, 32};
 
 constexpr std::size_t kAccountKeyCapacity = std::size(ProviderProfile{}.accountKey);

@@ -5,7 +5,7 @@
 #include "tests/fakes/providers/Script.h"
 #include "tests/fakes/providers/SlotTable.h"
 
-namespace standin {
+namespace fakes {
 namespace {
 
 constexpr std::size_t kListSlotCount = 16;
@@ -89,4 +89,4 @@ CloudItem MakeItem(const obcontract::ProviderProfile& account, const std::wstrin
     return item;
 }
 
-} // namespace standin
+} // namespace fakes

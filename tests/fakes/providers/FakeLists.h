@@ -7,7 +7,7 @@
 
 #include "contracts/ProviderManager.h"
 
-namespace standin {
+namespace fakes {
 
 struct FakeDownloadList : obcontract::DownloadList {
     FakeDownloadList();
@@ -20,8 +20,8 @@ struct FakeUploadList : obcontract::UploadList {
     std::vector<obcontract::CloudItem> items;
 };
 
-// A record with these texts, zero behind them.
+// A record with these texts, each followed by zeros.
 obcontract::CloudItem MakeItem(const obcontract::ProviderProfile& account, const std::wstring& name,
                                const std::wstring& link);
 
-} // namespace standin
+} // namespace fakes

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-namespace standin {
+namespace fakes {
 namespace {
 
 std::vector<std::unique_ptr<obcontract::ObExtensionsManager>> liveManagers;
@@ -33,4 +33,4 @@ bool IsReady(obcontract::ProviderManagerHandle manager) {
     return IsLive(manager) && manager->initialised;
 }
 
-} // namespace standin
+} // namespace fakes

@@ -1,4 +1,4 @@
-// What the stand-in keeps for one manager handle.
+// What the fake keeps for one manager handle.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 #include "contracts/ProviderManager.h"
 
-// The opaque record behind the handle.
+// The opaque record that the handle points to.
 struct obcontract::ObExtensionsManager {
     bool initialised = false;
     std::size_t cursor = 0; // of the walk over the storage providers
@@ -21,7 +21,7 @@ struct obcontract::ObExtensionsManager {
     std::vector<std::wstring> produced; // by the last list or final stage
 };
 
-namespace standin {
+namespace fakes {
 
 obcontract::ProviderManagerHandle NewManager();
 void DropManager(obcontract::ProviderManagerHandle manager);
@@ -30,4 +30,4 @@ bool IsLive(obcontract::ProviderManagerHandle manager);
 // Whether the handle is live and initialised, so that its calls may answer yes.
 bool IsReady(obcontract::ProviderManagerHandle manager);
 
-} // namespace standin
+} // namespace fakes

@@ -10,7 +10,7 @@
 #include "tests/fakes/providers/Script.h"
 #include "tests/fakes/providers/SlotTable.h"
 
-namespace standin {
+namespace fakes {
 namespace {
 
 using namespace obcontract; // the contract's tables name its types bare
@@ -220,4 +220,4 @@ void DropDownloadList(FakeProvider& provider, obcontract::DownloadList* list) {
     Drop(provider.downloads, list);
 }
 
-} // namespace standin
+} // namespace fakes

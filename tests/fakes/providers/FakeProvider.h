@@ -10,7 +10,7 @@
 #include "contracts/ProviderManager.h"
 #include "tests/fakes/providers/FakeLists.h"
 
-namespace standin {
+namespace fakes {
 
 struct FakeProvider : obcontract::CloudProvider {
     explicit FakeProvider(std::uint32_t id);
@@ -33,7 +33,7 @@ std::vector<std::uint32_t> ScriptedProviders();
 // life of the module.
 FakeProvider* ProviderOfId(std::uint32_t id);
 
-// The provider behind a pointer that came back, null when it isn't one.
+// The provider that a returned pointer points to; null when it is none of this module.
 FakeProvider* FindProvider(const obcontract::CloudProvider* provider);
 
 // The profiles that the script gives it; a number in place of profiles is only a count.
@@ -42,4 +42,4 @@ std::vector<obcontract::ProviderProfile> ScriptedProfiles(const FakeProvider& pr
 // Takes a list back; one that isn't this provider's is written down as UnknownList.
 void DropDownloadList(FakeProvider& provider, obcontract::DownloadList* list);
 
-} // namespace standin
+} // namespace fakes

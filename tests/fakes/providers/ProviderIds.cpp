@@ -2,7 +2,7 @@
 
 #include <map>
 
-namespace standin {
+namespace fakes {
 namespace {
 
 std::map<const obcontract::CloudProvider*, std::uint32_t>& Ids() {
@@ -22,4 +22,4 @@ std::optional<std::uint32_t> IdOfProvider(const obcontract::CloudProvider* provi
     return found->second;
 }
 
-} // namespace standin
+} // namespace fakes

@@ -6,7 +6,7 @@
 
 #include "contracts/ProviderManager.h"
 
-namespace standin {
+namespace fakes {
 
 // A provider enters itself once and lives as long as the module.
 void NoteProvider(const obcontract::CloudProvider* provider, std::uint32_t id);
@@ -14,4 +14,4 @@ void NoteProvider(const obcontract::CloudProvider* provider, std::uint32_t id);
 // Nothing for a pointer that isn't a provider of this module.
 std::optional<std::uint32_t> IdOfProvider(const obcontract::CloudProvider* provider);
 
-} // namespace standin
+} // namespace fakes

@@ -6,7 +6,7 @@
 #include "tests/fakes/providers/FakeManager.h"
 #include "tests/fakes/providers/ProviderIds.h"
 
-namespace standin {
+namespace fakes {
 
 using obtest::Quoted;
 
@@ -88,4 +88,4 @@ std::wstring Describe(const std::vector<std::wstring>& paths) {
     return line + L')';
 }
 
-} // namespace standin
+} // namespace fakes

@@ -1,6 +1,6 @@
-// How this stand-in of the provider manager is scripted, and how its calls are written down.
+// How the fake provider manager is scripted, and how its calls are recorded.
 //
-// Script keys and what they stand for; N is a provider id. Without a key the default in brackets
+// Script keys and what they mean; N is a provider id. Without a key the default in brackets
 // is answered. A manager that is null, deleted or not initialised answers no whatever is scripted.
 //
 //   Providers                         ids of the storage providers, "7,21,30", in order [none]
@@ -33,14 +33,14 @@
 //   providerN.GetMaxFileSize          [the largest number]
 //   providerN.GetAccountRootFolder    [none]
 //   providerN.RunUpload               results of the attempts, "0,1"; the last one repeats [1]
-//   providerN.RunUpload.reason        what slot 10 of the callback is told at each attempt, "1,0";
-//                                     0, and an attempt behind the end, tell nothing [0]
+//   providerN.RunUpload.reason        what slot 10 of the callback gets at each attempt, "1,0";
+//                                     no call for 0 and for attempts past the end [0]
 //   providerN.ShareItems              [1]; the link of an item becomes https://N.example/NAME
 //   providerN.IsAccountLoggedIn       [0]
 //   providerN.GetAccountProfiles      "label|key;label|key", or a number as the count [0]
 //
 // Calls are written as Name(arguments) in the order of the contract, a slot's object first.
-// Places to be filled aren't written; a capacity is, as the number that it says. A profile is
+// Output buffers aren't recorded; a capacity is, as a number. A profile is
 // profile(id, "label", "key"), a cloud item item("name", "link"), an array paths("a", "b"), the
 // callback callback, a manager that is deleted already stale manager. A slot that nobody should
 // call is written as UnexpectedSlot(n).
@@ -56,7 +56,7 @@
 #include "contracts/ProviderManager.h"
 #include "tests/fakes/Recording.h"
 
-namespace standin {
+namespace fakes {
 
 using obtest::RecordCall;
 using obtest::ScriptedAnswer;
@@ -66,7 +66,7 @@ std::wstring ScriptedText(const std::wstring& key, const std::wstring& otherwise
 std::uint64_t ScriptedCount(const std::wstring& key, std::uint64_t otherwise);
 std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator);
 
-// The number at `index` of a list such as "0,1"; behind its end the last one; `empty` when there is
+// The number at `index` of a list such as "0,1"; past its end the last one; `empty` when there is
 // no list.
 std::int64_t NumberAt(const std::wstring& list, std::size_t index, std::int64_t empty);
 
@@ -101,4 +101,4 @@ void Record(const wchar_t* name, const Arguments&... arguments) {
     RecordCall(std::move(line));
 }
 
-} // namespace standin
+} // namespace fakes

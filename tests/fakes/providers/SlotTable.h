@@ -8,9 +8,9 @@
 
 #include "tests/fakes/providers/Script.h"
 
-namespace standin {
+namespace fakes {
 
-// A slot's function takes its object first and its arguments behind it.
+// A slot's function takes its object first and then its arguments.
 template <class Object, class Signature>
 struct SlotFunctionOf;
 template <class Object, class Result, class... Arguments>
@@ -40,8 +40,8 @@ std::array<void*, Count> UnexpectedSlots() {
 // function whose signature isn't the contract's doesn't compile.
 #define FAKE_FILL_SLOT(object, number, name, result, arguments)                                    \
     {                                                                                              \
-        const ::standin::SlotFunction<obcontract::object, result arguments> function = &name;      \
+        const ::fakes::SlotFunction<obcontract::object, result arguments> function = &name;        \
         table[number] = reinterpret_cast<void*>(function);                                         \
     }
 
-} // namespace standin
+} // namespace fakes

@@ -14,13 +14,13 @@
     static_assert(                                                                                 \
         std::is_same_v<decltype(&name), decltype(obcontract::ProviderManagerEntries::name)>);
 
-namespace standin {
+namespace fakes {
 
-// What the script says of a provider and kind, or whether it is one of its storage providers.
+// What the script has for a provider and kind, or whether it is one of its storage providers.
 inline bool IsScriptedAsSupported(std::uint32_t providerId, obcontract::ProviderKind kind) {
     const std::wstring key = L"IsProviderSupport." + std::to_wstring(providerId);
     const bool listed = kind == obcontract::ProviderKind::Storage && ProviderOfId(providerId);
     return ScriptedCount(key + L'.' + Describe(kind), ScriptedCount(key, listed)) != 0;
 }
 
-} // namespace standin
+} // namespace fakes

@@ -11,7 +11,7 @@
 #include "tests/fakes/providers/Support.h"
 
 using namespace obcontract; // the contract's tables name its types bare
-using namespace standin;
+using namespace fakes;
 
 namespace {
 

@@ -1,5 +1,5 @@
-// Stands in for the wipe program: writes down how it was started, and removes the named items when
-// a file beside it says so.
+// The fake wipe program: records how it was started, and removes the named items when a file of a
+// known name is beside it.
 #include <windows.h>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -27,7 +27,7 @@ void Remove(const std::wstring& item) {
     }
 }
 
-// The items stand between quotation marks; the first pair is the empty first word.
+// The items are in quotation marks; the first pair is the empty first word.
 void RemoveItems(const std::wstring& commandLine) {
     bool firstWord = true;
     for (std::size_t open = commandLine.find(L'"'); open != std::wstring::npos;) {

@@ -1,4 +1,4 @@
-// What the stand-in of the wipe program leaves beside itself, and what it is told there.
+// The files through which the fake wipe program reports, and is controlled.
 #pragma once
 
 #include <windows.h>
@@ -14,7 +14,7 @@ namespace obtest {
 // written at the end of the run.
 inline constexpr wchar_t kWipeRunsFileName[] = L"wipe-runs.txt";
 
-// While this file stands beside the program, it removes what it is told to.
+// While this file is beside the program, the program removes the named items.
 inline constexpr wchar_t kWipeForRealFileName[] = L"wipe-for-real.txt";
 
 // While an event of this name exists, the program waits for it before it does anything.
