@@ -50,7 +50,7 @@ endfunction()
 
 # ob_resources(<target> <rc files>): resource scripts are UTF-8 and include from the source roots
 # and from the build folder (drawn art, generated headers). They are built again when any file
-# beside them changes, as windres doesn't say what it read.
+# beside them changes, as windres doesn't report what it read.
 function(ob_resources target)
     foreach(script ${ARGN})
         get_filename_component(folder "${script}" DIRECTORY)
@@ -110,7 +110,7 @@ endfunction()
 
 # ob_load_late(<target> <system library>...): a module that is loaded on the way to something visible
 # doesn't bring along what is called later or never. The import libraries that do so are made from the
-# toolchain's own and stand before those in the search. Calls look the same in the sources; a library
+# toolchain's own and come first in the search. Calls look the same in the sources; a library
 # that isn't there would end the first of them with a system exception, so it is for libraries that
 # every system has.
 function(ob_load_late target)

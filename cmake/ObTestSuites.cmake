@@ -30,7 +30,7 @@ foreach(suite ${suites})
         string(APPEND out " [==[${option}]==]")
     endforeach()
     string(APPEND out " -- [==[${program}]==] [==[--gtest_filter=${filter}]==] [==[--known-suites=${known}]==])\n")
-    # wine-run ends the run itself and says so; ctest's own limit is only the net below.
+    # wine-run ends the run at its limit and reports it; ctest's own limit is for a wine-run that hangs.
     math(EXPR net "${timeout} + 30")
     string(APPEND out "set_tests_properties([==[${name}.${suite}]==] PROPERTIES TIMEOUT ${net}")
     if(serial)

@@ -1,4 +1,4 @@
-// The test's side of the stand-in sister modules.
+// The test's side of the fake sister modules.
 #pragma once
 
 #include <string>
@@ -17,7 +17,7 @@ struct FakeModules {
     // From now on `call` answers `answer`. Lines of the script end at a line break.
     static void Answer(std::wstring_view call, std::wstring_view answer);
 
-    // Every call into the stand-ins, in order, from every process that runs in this folder.
+    // Every call into the fakes, in order, from every process that runs in this folder.
     static std::vector<std::wstring> Calls();
 
     // Those of them that begin with one of these names (up to the opening bracket).

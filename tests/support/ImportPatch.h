@@ -1,4 +1,4 @@
-// Replaces one imported system call of a loaded module by a double, for a scope.
+// Replaces one imported system call of a loaded module by a fake, for a scope.
 #pragma once
 
 #include <windows.h>
@@ -11,7 +11,7 @@ namespace obtest {
 // null is the test program itself.
 void** FindImport(HMODULE module, const char* library, const char* name);
 
-// Writes a slot, whose memory is read-only, and gives what stood in it.
+// Writes a slot, whose memory is read-only, and returns its old value.
 void* ExchangeImport(void** slot, void* function);
 
 // Function is a plain function type or a pointer to one. Process-wide: tests that use it don't run

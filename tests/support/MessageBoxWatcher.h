@@ -1,4 +1,4 @@
-// Real message boxes, answered by a second thread that notes what they said.
+// Answers real message boxes on a second thread, which records their texts.
 #pragma once
 
 #include <windows.h>
@@ -19,8 +19,8 @@ struct SeenBox {
     int defaultButton = 0; // has the focus from the start, so Enter presses it
 };
 
-// Watches for the length of a scope. Only windows that hold a text and a button and no edit field
-// count as message boxes.
+// Watches for the length of a scope. Only windows with a text and a button and without an edit
+// field count as message boxes.
 class MessageBoxWatcher {
 public:
     enum class Scope { ThisProcess, AllProcesses };

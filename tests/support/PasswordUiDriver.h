@@ -1,4 +1,4 @@
-// A person at the password prompt: finds it and types as people do.
+// The UI driver of the password prompt: finds it and types into it.
 #pragma once
 
 #include <windows.h>

@@ -114,9 +114,9 @@ HWND FileList(HWND dialog) {
 
 } // namespace
 
-bool OpenPicker::WaitFor(const std::function<bool()>& holds, DWORD limit) {
+bool OpenPicker::WaitFor(const std::function<bool()>& condition, DWORD limit) {
     const ULONGLONG end = GetTickCount64() + limit;
-    while (!holds()) {
+    while (!condition()) {
         if (GetTickCount64() > end) return false;
         Sleep(kStep);
     }
@@ -164,7 +164,7 @@ bool OpenPicker::IsChecked(const std::wstring& text) const {
     return button && SendMessageW(button, BM_GETCHECK, 0, 0) == BST_CHECKED;
 }
 
-// The dialog disables a radio list through the window that holds its buttons.
+// The dialog disables a radio list through the parent window of its buttons.
 bool OpenPicker::IsEnabled(const std::wstring& text) const {
     HWND window = Button(text);
     if (!window) return false;
@@ -174,7 +174,7 @@ bool OpenPicker::IsEnabled(const std::wstring& text) const {
     return true;
 }
 
-// Posted: the click may bring up a box, which would hold a sender.
+// Posted: a message box that the click shows would block a sender.
 bool OpenPicker::Click(const std::wstring& text) const {
     return IsEnabled(text) && PostMessageW(Button(text), BM_CLICK, 0, 0);
 }
@@ -203,9 +203,9 @@ bool OpenPicker::SelectInList(const std::vector<int>& rows) const {
 int OpenPicker::RowCount() const {
     const HWND list = FileList(window_);
     DWORD_PTR count = 0;
-    const bool told =
+    const bool answered =
         list && SendMessageTimeoutW(list, LVM_GETITEMCOUNT, 0, 0, SMTO_NORMAL, 2000, &count);
-    return told ? static_cast<int>(count) : -1;
+    return answered ? static_cast<int>(count) : -1;
 }
 
 void OpenPicker::PressOk() const { PostMessageW(window_, WM_COMMAND, IDOK, 0); }

@@ -1,4 +1,4 @@
-// A person at the real picker: finds the open dialog and uses it as people do.
+// The UI driver of the real picker: finds the open dialog and operates its controls.
 #pragma once
 
 #include <windows.h>
@@ -32,7 +32,7 @@ public:
     // A button by its text, with or without marks for keys; null when there is none.
     HWND Button(const std::wstring& text) const;
     bool IsChecked(const std::wstring& text) const;
-    bool IsEnabled(const std::wstring& text) const; // as a person finds it
+    bool IsEnabled(const std::wstring& text) const; // and takes clicks
 
     // A click on a radio button or check box. False when there is none or it doesn't take clicks.
     bool Click(const std::wstring& text) const;
@@ -52,15 +52,15 @@ public:
 
     bool WaitUntilClosed(DWORD limit = kLimit) const;
 
-    // Waits until `holds` does; false when the limit is over.
-    static bool WaitFor(const std::function<bool()>& holds, DWORD limit = kLimit);
+    // Waits until `condition` is true; false when the limit is over.
+    static bool WaitFor(const std::function<bool()>& condition, DWORD limit = kLimit);
 
 private:
     HWND window_;
 };
 
-// The person on a thread of its own, beside the thread that shows the dialog. If `use` leaves the
-// dialog open it is cancelled, so that no test waits for ever.
+// Runs `use` on a thread of its own while the test's thread shows the dialog. If `use` leaves the
+// dialog open, the driver cancels it, so that no test waits for ever.
 class PickerUiDriver {
 public:
     explicit PickerUiDriver(std::function<void(OpenPicker&)> use, DWORD processId = 0);
@@ -68,7 +68,7 @@ public:
     PickerUiDriver(const PickerUiDriver&) = delete;
     PickerUiDriver& operator=(const PickerUiDriver&) = delete;
 
-    // Ends when the person is done; false when no dialog came or it had to be cancelled.
+    // Waits for the end of `use`; false when no dialog came or the driver had to cancel it.
     bool Done();
 
 private:

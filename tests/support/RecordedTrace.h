@@ -1,4 +1,4 @@
-// Stands in the place of the product's empty trace call and keeps its lines. A test program that
+// Replaces the product's empty trace call and keeps its lines. A test program that
 // links ob_test_trace before the rooms gets this one instead.
 #pragma once
 

@@ -1,7 +1,7 @@
-// A recording double of the shell's file dialog, in place of the real one for a scope.
+// A recording fake of the shell's file dialog, which replaces the real one for a scope.
 //
-// A class object for CLSID_FileOpenDialog answers with the double, so that code under test creates
-// it as it creates the real dialog. Every call is written down beside those of the stand-in
+// A class object for CLSID_FileOpenDialog returns the fake, so that code under test creates
+// it as it creates the real dialog. Every call is recorded among those of the fake sister
 // modules, as dialog.Name(arguments): texts in double quotes, null as null, numbers decimal, the
 // two option words as 0x1A40, an item as its path. dialog.destroyed() is the last release.
 #pragma once
@@ -38,7 +38,7 @@ struct FileDialogScript {
     // first argument.
     std::map<std::wstring, HRESULT> failures;
 
-    // Plays the person: runs inside Show, with the events that the dialog was advised.
+    // Plays the user: runs inside Show, with the events that the dialog was advised.
     std::function<void(RecordingFileDialog&)> onShow;
 };
 
@@ -147,7 +147,7 @@ private:
     ObLib::ComPtr<IFileDialogControlEvents> controlEvents_;
 };
 
-// Puts the double in place of the real dialog for a scope, on a thread that has COM initialised.
+// Replaces the real dialog by the fake for a scope, on a thread that has COM initialised.
 class FakeFileDialog {
 public:
     FakeFileDialog();

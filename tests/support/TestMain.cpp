@@ -14,7 +14,7 @@ void (*g_obTestModuleAttach)(HMODULE module) = nullptr;
 namespace {
 
 // The watchdog reads this while the main thread may hang anywhere, so it is never freed and
-// holds plain characters.
+// consists of plain characters.
 constinit char g_runningTest[512] = "none yet";
 
 class RunningTestRecorder final : public testing::EmptyTestEventListener {
@@ -27,7 +27,7 @@ class RunningTestRecorder final : public testing::EmptyTestEventListener {
     }
 };
 
-// Runs on a thread of its own. Takes no lock of the program: the main thread may hold it for ever.
+// Runs on a thread of its own. Takes no lock of the program: the main thread may own it for ever.
 DWORD WINAPI Watch(void* limit) {
     Sleep(static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(limit)));
     char text[640];

@@ -1,4 +1,4 @@
-// Pictures of windows as they stand on the screen, for people who look and for tests that count.
+// Pictures of windows as the screen shows them, for readers and for tests that compare pixels.
 #pragma once
 
 #include <windows.h>

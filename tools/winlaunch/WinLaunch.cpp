@@ -1,5 +1,5 @@
 // Starts a program inside the emulated Windows, waits for it and writes its exit code to a file.
-// The host system sees only the low eight bits of an exit code; this file holds all 32.
+// The host system sees only the low eight bits of an exit code; this file has all 32.
 //
 //   winlaunch.exe CODE-FILE PROGRAM [ARGUMENT...]
 //
@@ -10,8 +10,8 @@
 
 namespace {
 
-// Returns the rest of a command line behind its first argument, blanks skipped. The program's own
-// command line is handed on as it stands, so that no argument is quoted twice.
+// Returns the rest of a command line after its first argument and the blanks there. The program's
+// own command line is passed on unchanged, so that no argument is quoted twice.
 wchar_t* SkipArgument(wchar_t* text) {
     bool quoted = false;
     for (; *text != L'\0' && (quoted || (*text != L' ' && *text != L'\t')); ++text) {
