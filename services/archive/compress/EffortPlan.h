@@ -1,36 +1,40 @@
-// How much work goes into each piece of a run, so that the zip is done soon and hardly larger than
-// with all the work.
+// How much work a piece of a file is worth, judged by the piece itself.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "services/archive/compress/BlockCompressor.h"
 
 namespace obarchive {
 
-// Thorough packing takes about four times as long as quick packing, which loses a few per cent of
-// what comes out. As much is packed quickly as makes the whole zip less than two per cent larger.
-// What can only be stored is as small as it gets and makes room for more, so that time isn't spent
-// on what hardly shows. The same files in the same order always get the same work. One thread.
-class EffortPlan {
-public:
-    // The sizes of all files of the run.
-    explicit EffortPlan(const std::vector<std::uint64_t>& sizes);
-
-    // A piece of a file that is only stored.
-    void AddStored(std::uint64_t size);
-
-    // For the next piece that is to shrink.
-    Effort Next(std::uint64_t size);
-
-private:
-    Effort NextSmall(std::uint64_t size);
-
-    std::uint64_t allowed_ = 0; // loss in thousandths of bytes
-    std::uint64_t lost_ = 0;
-    std::uint64_t small_ = 0; // bytes of small pieces, and of the quick ones of them
-    std::uint64_t smallQuick_ = 0;
+// What a quick compression of a piece showed.
+struct QuickResult {
+    std::size_t rawSize = 0;
+    std::size_t packedSize = 0;
+    std::size_t blocks = 0; // deflate blocks of the stream
 };
+
+// The effort with which every piece is compressed first.
+Effort FirstEffort(std::size_t size) noexcept;
+
+// The logarithm of how much larger than thorough compression the usual zip program's result would
+// be, estimated from the quick result: that program cuts its blocks at fixed places, so it loses
+// where the content changes often, which shows in short blocks.
+double PeerLoss(const QuickResult& quick) noexcept;
+
+// The gain, as a logarithm, of thorough compression over the quick result. In small pieces it is
+// much the same everywhere; in others it varies so much that it has to be measured on a sample,
+// where it may matter, and counts as none elsewhere.
+double AssumedGain(std::size_t size) noexcept;
+bool IsGainMeasured(const QuickResult& quick) noexcept;
+
+// The share of such pieces, 0 to 1, that have to be compressed thoroughly to keep the zip within
+// the allowance of two per cent above the usual program's size.
+double ThoroughShare(const QuickResult& quick, double gain) noexcept;
+
+// Spreads a share evenly over the numbers of pieces. The same number and share always get the same
+// answer, so the same files in the same order always make the same zip.
+bool IsPicked(std::size_t number, double share) noexcept;
 
 } // namespace obarchive

@@ -2,12 +2,13 @@
 
 #include <stdexcept>
 
+#include "services/archive/compress/AdaptiveDeflate.h"
 #include "services/archive/compress/XzStream.h"
 
 namespace obarchive {
 void PackTask::PackWhole(BlockCompressor& compressor) {
     if (raw.Size() != 0 && order.packing == Packing::Deflate) {
-        packed = compressor.Compress(raw.Bytes(), order.effort, true);
+        packed = DeflatePiece(compressor, raw.Bytes(), order.number, true);
     }
     if (raw.Size() != 0 && order.packing == Packing::Xz) packed = PackXz(raw.Bytes());
     const bool smaller = packed.Size() != 0 && packed.Size() < raw.Size();
@@ -19,7 +20,7 @@ void PackTask::PackWhole(BlockCompressor& compressor) {
 void PackTask::Pack(BlockCompressor& compressor) {
     if (order.IsWhole() && order.packing != Packing::Store) return PackWhole(compressor);
     if (order.packing != Packing::Deflate) return;
-    packed = compressor.Compress(raw.Bytes(), order.effort, order.last);
+    packed = DeflatePiece(compressor, raw.Bytes(), order.number, order.last);
     if (packed.Size() == 0) throw std::runtime_error("deflate");
 }
 

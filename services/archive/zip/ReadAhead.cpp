@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "services/archive/compress/AdaptiveDeflate.h"
+
 namespace obarchive {
 namespace {
 
@@ -24,7 +26,7 @@ ReadAhead::ReadAhead(std::vector<SourceEntry>& sources, const ZipJob& job,
                      const PackSettings& settings, std::size_t keySize, RunState& run,
                      WorkerPool& pool)
     : sources_(sources), job_(job), settings_(settings), keySize_(keySize), run_(run), pool_(pool),
-      budget_((2 * pool.Size() + 2) * kBlockSize), file_(run), plan_(Sizes(sources)) {
+      budget_((2 * pool.Size() + 2) * kBlockSize), file_(run) {
     if (job.duplicateReferences) duplicates_.emplace(Sizes(sources));
 }
 
@@ -106,8 +108,6 @@ void ReadAhead::MakeKeys() {
 void ReadAhead::PlanPiece(const ByteBuffer& block) {
     const bool look = order_.first && block.Size() > kWorthALook;
     if (look && !DoesShrink(block.Bytes(), glances_)) order_.packing = Packing::Store;
-    if (order_.packing == Packing::Store) plan_.AddStored(block.Size());
-    if (order_.packing == Packing::Deflate) order_.effort = plan_.Next(block.Size());
     const bool goesOn = order_.first && !order_.last;
     if (goesOn && order_.packing == Packing::Store) MakeKeys();
 }
@@ -119,6 +119,7 @@ void ReadAhead::EndSource() {
 }
 
 void ReadAhead::Submit(PackOrder order, ByteBuffer block) {
+    order.number = submitted_++;
     const std::size_t weight = block.Size();
     held_ += weight;
     auto task = std::make_shared<PackTask>(order, settings_, std::move(block));

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "services/archive/compress/EffortPlan.h"
 #include "services/archive/zip/DuplicateFinder.h"
 #include "services/archive/zip/PackTask.h"
 #include "services/archive/zip/SourceFile.h"
@@ -79,7 +78,7 @@ private:
     PackOrder order_; // of the next piece of the source that is read
     std::optional<DuplicateFinder> duplicates_;
     BlockCompressor glances_;
-    EffortPlan plan_;
+    std::size_t submitted_ = 0; // pieces of the run so far
 };
 
 } // namespace obarchive
