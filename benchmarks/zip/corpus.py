@@ -1,120 +1,114 @@
-"""Files to zip, made from a seed so that everybody measures the same ones. Made once and kept."""
-import gzip
+"""Sets of files to zip: real ones out of the distribution's packages, and generated ones.
+
+Packages are downloaded by name and unpacked, not installed. A set is made once and kept. The engine's
+constants were fitted to the sets named "tune" only; those named "judge" weren't looked at before.
+"""
 import os
-import random
+import re
 import shutil
-import struct
+import subprocess
+import sys
 
-MEBIBYTE = 1024 * 1024
+import generated
 
-
-class Writer:
-    """Texts and records of a seed, with the repetitions that real files have."""
-
-    def __init__(self, seed):
-        self.random = random.Random(seed)
-        syllables = [a + b for a in "b c d f g h l m n p r s t v w st tr ch".split() for b in "a e i o u ai en or".split()]
-        self.words = ["".join(self.random.choices(syllables, k=self.random.randint(1, 4))) for _ in range(12000)]
-        # Often used words stand in front, as in a language.
-        self.weights = [1 / (rank + 3) for rank in range(len(self.words))]
-        self.phrases = [" ".join(self.pick(self.random.randint(2, 6))) for _ in range(3000)]
-
-    def pick(self, count):
-        return self.random.choices(self.words, weights=self.weights, k=count)
-
-    def prose(self, size):
-        parts, length = [], 0
-        while length < size:
-            sentence = " ".join(self.pick(self.random.randint(4, 14)) + self.random.choices(self.phrases, k=2))
-            parts.append(sentence.capitalize() + self.random.choice([". ", ".\n", "! ", ", and then "]))
-            length += len(parts[-1])
-        return "".join(parts).encode()[:size]
-
-    def log(self, size):
-        lines, length, clock = [], 0, 1_600_000_000
-        while length < size:
-            clock += self.random.randint(0, 90)
-            lines.append(f"{clock} [{self.random.choice(['INFO', 'WARN', 'DEBUG'])}] worker-{self.random.randint(1, 16)} "
-                         f"{self.random.choice(self.phrases)} id={self.random.getrandbits(32):08x} took {self.random.randint(1, 900)} ms\n")
-            length += len(lines[-1])
-        return "".join(lines).encode()[:size]
-
-    def table(self, size):
-        lines, length = ["id;name;amount;date;note\n"], 0
-        while length < size:
-            lines.append(f"{len(lines)};{self.random.choice(self.words)};{self.random.randint(0, 99999) / 100:.2f};"
-                         f"20{self.random.randint(10, 25)}-{self.random.randint(1, 12):02}-{self.random.randint(1, 28):02};"
-                         f"{self.random.choice(self.phrases)}\n")
-            length += len(lines[-1])
-        return "".join(lines).encode()[:size]
-
-    def records(self, size):
-        """Binary: counters, floats of a slow walk, flags, short names."""
-        parts, length, value = [], 0, 0.0
-        while length < size:
-            value += self.random.gauss(0, 1)
-            parts.append(struct.pack("<IfHBB12s", len(parts), value, self.random.randint(0, 300), self.random.randint(0, 3), 0,
-                                     self.random.choice(self.words).encode()[:12]))
-            length += len(parts[-1])
-        return b"".join(parts)[:size]
-
-    def packed(self, size):
-        """What pictures and films look like to a compressor."""
-        return b"\x1f\x8b" + self.random.randbytes(size - 2)
+VERSION = "real-1"  # counts up when the choice changes
+TUNE, JUDGE, GENERATED = "tune", "judge", "generated"
 
 
-def make_mixed(writer, add):
-    for number in range(12):
-        add(f"letter{number}.txt", writer.prose(300_000 + 90_000 * number))
-        add(f"picture{number}.jpg", writer.packed(700_000 + 50_000 * number))
-    for number in range(5):
-        add(f"log{number}.log", writer.log(900_000))
-        add(f"table{number}.csv", writer.table(1_200_000))
-        add(f"data{number}.bin", writer.records(1_500_000))
-    for number in range(120):
-        add(f"note{number}.txt", writer.prose(writer.random.randint(200, 20_000)))
+class Choice:
+    """Files of some packages whose path matches, in the order of their paths, up to a size."""
+
+    def __init__(self, use, packages, pattern, megabytes=40):
+        self.use, self.packages, self.pattern, self.limit = use, packages, re.compile(pattern), megabytes * 1_000_000
 
 
-def make_text(writer, add):
-    add("text.txt", writer.prose(40 * MEBIBYTE))
-
-
-def make_compressed(writer, add):
-    for number in range(8):
-        add(f"film{number}.mp4", writer.packed(3 * MEBIBYTE + number))
-    add("archive.gz", gzip.compress(writer.prose(12 * MEBIBYTE), 6, mtime=0))
-
-
-def make_small(writer, add):
-    for number in range(2000):
-        kind = writer.random.choice([writer.prose, writer.prose, writer.table, writer.log, writer.records])
-        add(f"small{number}.dat", kind(int(writer.random.lognormvariate(8.3, 0.9)) + 50))
-
-
-SETS = {
-    "mixed folder": make_mixed,
-    "one big text": make_text,
-    "already compressed": make_compressed,
-    "2,000 small files": make_small,
+REAL = {
+    "libraries": Choice(TUNE, ["inkscape", "libqt5core5a", "libqt5gui5", "libqt5widgets5"], r"\.so(\.[0-9.]+)?$", 45),
+    "C headers": Choice(TUNE, ["mingw-w64-common"], r"\.h$"),
+    "manual in HTML": Choice(TUNE, ["python3.11-doc"], r"\.html$"),
+    "documents, translations": Choice(TUNE, ["lyx-common"], r"\.(lyx|mo)$"),
+    "tables": Choice(TUNE, ["unicode-data"], r"\.txt$"),
+    "PDF": Choice(TUNE, ["r-doc-pdf"], r"\.pdf$"),
+    "pictures": Choice(TUNE, ["gnome-backgrounds"], r"\.webp$"),
+    "drawings, icons": Choice(TUNE, ["inkscape"], r"\.(svg|py|png|gif)$"),
+    "compiler": Choice(JUDGE, ["gcc-12"], r"/(lto1|lto-wrapper|collect2)$"),
+    "C++ headers": Choice(JUDGE, ["libboost1.74-dev"], r"\.[hi]pp$"),
+    "web pages": Choice(JUDGE, ["sqlite3-doc", "maxima-doc"], r"\.(html|png|gif|jpg)$"),
+    "fonts": Choice(JUDGE, ["fonts-noto-core"], r"\.ttf$"),
+    "office files": Choice(JUDGE, ["libreoffice-common"], r"\.(ott|otp|sdg|zip|xml|sdv|wav|png)$"),
+    "clip art": Choice(JUDGE, ["openclipart-libreoffice"], r"\.sdg$"),
+    "database": Choice(JUDGE, ["wordnet-base"], r"/(data|index)\."),
 }
-VERSION = "1"  # counts up when what is made changes
+LOGS = "logs"  # what the system's loader writes down about two programs
+
+
+def say(text):
+    print(f"bench: {text}", file=sys.stderr, flush=True)
+
+
+def unpack(package, folder):
+    """The package's files in a folder of its own."""
+    target = os.path.join(folder, package)
+    if os.path.isdir(target):
+        return target
+    say(f"zip: downloading {package}")
+    work = target + ".partial"
+    shutil.rmtree(work, ignore_errors=True)
+    os.makedirs(work)
+    if subprocess.run(["apt-get", "-q", "download", package], cwd=work, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode:
+        subprocess.run(["apt-get", "-q", "update"], stdout=subprocess.DEVNULL)
+        subprocess.run(["apt-get", "-q", "download", package], cwd=work, stdout=subprocess.DEVNULL, check=True)
+    archive = [name for name in os.listdir(work) if name.endswith(".deb")][0]
+    subprocess.run(["dpkg-deb", "-x", archive, "."], cwd=work, check=True)
+    os.unlink(os.path.join(work, archive))
+    os.rename(work, target)
+    return target
+
+
+def files_of(root):
+    found = (os.path.join(folder, name) for folder, _, names in os.walk(root) for name in names)
+    return sorted(path for path in found if not os.path.islink(path))
+
+
+def fill(choice, packages, target):
+    """Flat, as a zip is: a number keeps names apart that are alike."""
+    total = number = 0
+    for package in choice.packages:
+        for path in files_of(unpack(package, packages)):
+            size = os.path.getsize(path)
+            if not choice.pattern.search(path) or size == 0 or total + size > choice.limit:
+                continue
+            shutil.copy2(path, os.path.join(target, f"{number:05}-{os.path.basename(path)}"))
+            number, total = number + 1, total + size
+    if total == 0:
+        raise RuntimeError(f"{', '.join(choice.packages)}: no file matches {choice.pattern.pattern}")
+
+
+def fill_logs(target):
+    programs = {"python.log": [sys.executable, "-c", "import ssl, sqlite3, ctypes, decimal, json, lzma, bz2"], "git.log": ["git", "--version"]}
+    for name, command in programs.items():
+        with open(os.path.join(target, name), "wb") as log:
+            subprocess.run(command, env=dict(os.environ, LD_DEBUG="all"), stdout=subprocess.DEVNULL, stderr=log, check=True)
+
+
+def made(target, make):
+    """Complete or not at all."""
+    if os.path.isdir(target):
+        return
+    partial = target + ".partial"
+    shutil.rmtree(partial, ignore_errors=True)
+    os.makedirs(partial)
+    make(partial)
+    os.rename(partial, target)
 
 
 def make(folder):
-    """name of the set -> its folder."""
-    folders = {name: os.path.join(folder, VERSION, name.replace(",", "").replace(" ", "-")) for name in SETS}
-    for seed, (name, fill) in enumerate(SETS.items()):
-        target = folders[name]
-        if os.path.isdir(target):
-            continue
-        partial = target + ".partial"
-        shutil.rmtree(partial, ignore_errors=True)
-        os.makedirs(partial)
-
-        def add(file, content):
-            with open(os.path.join(partial, file), "wb") as out:
-                out.write(content)
-
-        fill(Writer(seed), add)
-        os.rename(partial, target)
-    return folders
+    """(name of the set, what it is for, its folder), the generated ones last."""
+    sets = []
+    root = os.path.join(folder, VERSION)
+    for name, choice in [*REAL.items(), (LOGS, None)]:
+        target = os.path.join(root, "sets", re.sub(r"\W+", "-", name))
+        made(target, lambda partial: fill(choice, os.path.join(root, "packages"), partial) if choice else fill_logs(partial))
+        sets.append((name, choice.use if choice else JUDGE, target))
+    sets.sort(key=lambda row: row[1] != TUNE)
+    return sets + [(name, GENERATED, path) for name, path in generated.make(folder).items()]
