@@ -31,6 +31,16 @@ bool IsFolder(const std::wstring& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+bool IsThere(const std::wstring& path) {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// What the system reports while another program has the file open.
+bool IsInUse(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
+           error == ERROR_ACCESS_DENIED;
+}
+
 // The folder for the unfinished file, with its backslash.
 std::wstring PartialFolder(const std::wstring& target, const std::wstring& temporaryFolder) {
     const std::wstring own(FolderOf(target));
@@ -64,9 +74,7 @@ bool OutputFile::FailWith(DWORD error) {
 
 ZipResult OutputFile::Create(const std::wstring& target, const std::wstring& temporaryFolder) {
     constexpr unsigned kAttempts = 1000;
-    if (GetFileAttributesW(target.c_str()) != INVALID_FILE_ATTRIBUTES) {
-        return ZipResult::TargetExists;
-    }
+    if (IsThere(target)) return ZipResult::TargetExists;
     target_ = target;
     const std::wstring folder = PartialFolder(target, temporaryFolder);
     folder_ = HoldFolder(folder);
@@ -80,7 +88,7 @@ ZipResult OutputFile::Create(const std::wstring& target, const std::wstring& tem
                                                       CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
         if (file_) return ZipResult::Ok;
         error = GetLastError();
-        partial_.clear(); // what stands there is another's
+        partial_.clear(); // the file there is another program's
     }
     FailWith(error);
     return failure_;
@@ -157,15 +165,23 @@ bool OutputFile::ReadAt(std::uint64_t position, void* data, std::size_t length) 
     return read == length || FailWith(ERROR_HANDLE_EOF);
 }
 
+// Without the flag to replace, and on one volume, this is a single step that can't overwrite.
+bool OutputFile::Rename() {
+    constexpr DWORD kPause = 50;
+    constexpr DWORD kPatience = 2000;
+    for (DWORD waited = 0; !MoveFileExW(partial_.c_str(), target_.c_str(), 0); waited += kPause) {
+        const DWORD error = GetLastError();
+        if (waited >= kPatience || !IsInUse(error) || IsThere(target_)) return FailWith(error);
+        wait_(kPause);
+    }
+    return true;
+}
+
 ZipResult OutputFile::Commit() {
     if (!file_ || !Flush())
         return failure_ == ZipResult::Ok ? ZipResult::TargetUnwritable : failure_;
     file_.Reset();
-    // Without leave to replace, and on one volume, this is a single step that can't overwrite.
-    if (!MoveFileExW(partial_.c_str(), target_.c_str(), 0)) {
-        FailWith(GetLastError());
-        return failure_;
-    }
+    if (!Rename()) return failure_;
     partial_.clear();
     return ZipResult::Ok;
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -127,6 +128,58 @@ TEST_F(OutputFileTest, PatchedContentReachesTheDisk) {
     ASSERT_TRUE(file.Seek(4 + body.size()) && file.Write("end", 3));
     ASSERT_EQ(file.Commit(), ZipResult::Ok);
     EXPECT_TRUE(obtest::ReadFileContent(target_) == "hEAd" + body + "end");
+}
+
+// A fake of the system's call that refuses the first times, as while a scanner has the file open.
+struct BusyFile {
+    int refusals = 0;
+    DWORD error = ERROR_SHARING_VIOLATION;
+    DWORD waited = 0;
+    decltype(&MoveFileExW) real = nullptr;
+};
+BusyFile busyFile;
+
+BOOL WINAPI MoveUnlessBusy(const wchar_t* from, const wchar_t* to, DWORD flags) {
+    if (busyFile.refusals-- <= 0) return busyFile.real(from, to, flags);
+    SetLastError(busyFile.error);
+    return FALSE;
+}
+
+void WINAPI CountWait(DWORD milliseconds) { busyFile.waited += milliseconds; }
+
+class BusyFileTest : public OutputFileTest {
+protected:
+    ZipResult CommitWith(int refusals, DWORD error) {
+        busyFile = {refusals, error, 0, patch_.Real()};
+        OutputFile file(&CountWait);
+        EXPECT_EQ(file.Create(target_, {}), ZipResult::Ok);
+        EXPECT_TRUE(file.Write("whole", 5));
+        return file.Commit();
+    }
+
+    const obtest::ImportPatch<decltype(&MoveFileExW)> patch_{"kernel32.dll", "MoveFileExW",
+                                                             &MoveUnlessBusy};
+};
+
+TEST_F(BusyFileTest, AFileThatAScannerHasOpenIsRenamedALittleLater) {
+    ASSERT_TRUE(patch_.Ok());
+    for (const DWORD error : {ERROR_SHARING_VIOLATION, ERROR_ACCESS_DENIED, ERROR_LOCK_VIOLATION}) {
+        EXPECT_EQ(CommitWith(5, error), ZipResult::Ok) << error;
+        EXPECT_GT(busyFile.waited, 0U);
+        EXPECT_EQ(obtest::ReadFileContent(target_), "whole");
+        DeleteFileW(target_.c_str());
+    }
+}
+
+TEST_F(BusyFileTest, AFileThatStaysOpenFailsAfterTwoSecondsAndIsRemoved) {
+    EXPECT_EQ(CommitWith(1000, ERROR_SHARING_VIOLATION), ZipResult::TargetUnwritable);
+    EXPECT_EQ(busyFile.waited, 2000U);
+    EXPECT_EQ(ListTree(folder_.Path()), Tree{});
+}
+
+TEST_F(BusyFileTest, OtherFailuresAreNotWaitedFor) {
+    EXPECT_EQ(CommitWith(1000, ERROR_PATH_NOT_FOUND), ZipResult::TargetUnwritable);
+    EXPECT_EQ(busyFile.waited, 0U);
 }
 
 } // namespace
