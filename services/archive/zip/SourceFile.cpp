@@ -36,6 +36,14 @@ bool Measure(HANDLE file, SourceFacts& now) {
     return true;
 }
 
+// Of the file that a link leads to. The folder's own entry shows the link: no size, another time.
+bool MeasureLinked(const std::wstring& path, SourceFacts& facts) {
+    const ObLib::UniqueKernelHandle file(CreateFileW(
+        path.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        nullptr, OPEN_EXISTING, 0, nullptr));
+    return file && Measure(file.Get(), facts);
+}
+
 } // namespace
 
 bool SourceFile::Open(const std::wstring& path, SourceFacts& facts, bool pinned) {
@@ -100,6 +108,11 @@ bool ReadSourceFacts(const std::wstring& path, SourceFacts& facts, RunState& run
     }
     if (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
         run.Fail(ZipResult::SourceUnreadable, path);
+        return false;
+    }
+    if (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+        if (MeasureLinked(path, facts)) return true;
+        run.Fail(SourceFailure(GetLastError()), path);
         return false;
     }
     facts.size = Join(found.nFileSizeHigh, found.nFileSizeLow);
