@@ -201,6 +201,9 @@ def check_headers(archive):
             check(place >= 0, f"{name}: AE-2 field of {entry}")
             stored = struct.unpack_from("<H", extra, place + 9)[0]
         check(stored in (0, method), f"{name}: method {stored} of {entry}")
+        if stored == 95:
+            versions = struct.unpack_from("<H", data, at + 6)[0], struct.unpack_from("<H", data, local + 4)[0]
+            check(versions == (63, 63), f"{name}: {entry} needs version 6.3, {versions}")
         check(packed == size + surplus if stored == 0 else packed < size + surplus, f"{name}: size of {entry}")
         if entry.startswith("noise"):
             check(stored == 0, f"{name}: {entry} doesn't shrink and is stored")
@@ -215,24 +218,83 @@ def check_date_fields(archive):
             check(file.getinfo(name).date_time[0] in years, f"{name}: {file.getinfo(name).date_time}")
 
 
+def flip_targets(data, strength):
+    """The largest entry, a small one that is deflated, an empty one and a stored one: name, offset of
+    the data, its size."""
+    wanted = {"the largest": None, "prose8191.txt": None, "empty.bin": None, "noise8191.bin": None}
+    largest = 0
+    for at, local, _ in entries(data):
+        size, length = struct.unpack_from("<I", data, at + 20)[0], struct.unpack_from("<H", data, at + 28)[0]
+        start = local + 30 + sum(struct.unpack_from("<HH", data, local + 26))
+        name = data[at + 46:at + 46 + length].decode()
+        if name in wanted:
+            wanted[name] = start, size
+        if size > largest:
+            largest, wanted["the largest"] = size, (start, size)
+    check(None not in wanted.values(), f"every entry to damage is there: {wanted}")
+    return {name: place for name, place in wanted.items() if strength or place[1]}
+
+
 def check_flipped_bits(archive, work):
-    """One bit in salt, password verifier, data and authentication code of the largest entry."""
+    """Two tools notice one bit in salt, password verifier, data and authentication code, or without
+    encryption in the data, of entries of all kinds."""
+    label = os.path.basename(archive)
+    strength = ARCHIVES[label][0]
     with open(archive, "rb") as file:
         data = file.read()
-    at, local, _ = max(entries(data), key=lambda entry: struct.unpack_from("<I", data, entry[0] + 20))
-    size = struct.unpack_from("<I", data, at + 20)[0]
-    name, extra = struct.unpack_from("<HH", data, local + 26)
-    start = local + 30 + name + extra
-    salt = {1: 8, 3: 16}[ARCHIVES[os.path.basename(archive)][0]]
-    places = {"salt": 0, "verifier": salt, "data": salt + 2 + 5, "code": size - 1}
-    for place, offset in places.items():
-        broken = bytearray(data)
-        broken[start + offset] ^= 1
-        path = os.path.join(work, f"flipped-{place}.zip")
+    salt = {0: 0, 1: 8, 3: 16}[strength]
+    path = os.path.join(work, "flipped.zip")
+    tools = {"7z": ["7z", "t", f"-p{PASSWORD}", path]}
+    tools.update({"bsdtar": ["bsdtar", "-x", "-O", "--passphrase", PASSWORD, "-f", path]} if strength else {"unzip": ["unzip", "-tq", path]})
+    for name, (start, size) in flip_targets(data, strength).items():
+        places = {"salt": 0, "verifier": salt, "authentication code": size - 1} if strength else {}
+        content = size - (salt + 12 if strength else 0)
+        if content:
+            places["data"] = (salt + 2 if strength else 0) + content // 2
+        for place, offset in places.items():
+            broken = bytearray(data)
+            broken[start + offset] ^= 1
+            with open(path, "wb") as file:
+                file.write(broken)
+            for tool, command in tools.items():
+                check(run(*command).returncode != 0, f"{tool} notices a flipped bit in the {place} of {name} of {label}")
+
+
+def shown_times(tool, archive):
+    """The times of summer.txt and winter.txt as the tool shows them in this zone."""
+    berlin = dict(ENV, TZ="Europe/Berlin")
+    names = ("summer.txt", "winter.txt")
+    if tool == "7z":
+        text = subprocess.run(["7z", "l", "-ba", archive, *names], env=berlin, capture_output=True, check=False).stdout.decode()
+        return {line.split()[-1]: " ".join(line.split()[:2])[:16] for line in text.splitlines() if line}
+    if tool == "unzip":
+        text = subprocess.run(["unzip", "-Z", "-T", archive, *names], env=berlin, capture_output=True, check=False).stdout.decode()
+        fields = {line.split()[-1]: line.split()[-2] for line in text.splitlines() if line.endswith(names)}
+        return {name: f"{at[:4]}-{at[4:6]}-{at[6:8]} {at[9:11]}:{at[11:13]}" for name, at in fields.items()}
+    with zipfile.ZipFile(archive) as file:
+        return {name: "{:04}-{:02}-{:02} {:02}:{:02}".format(*file.getinfo(name).date_time) for name in names}
+
+
+def check_summer_time(options, work):
+    """In a zone with summer time the tools show each file's own wall clock."""
+    folder, out = os.path.join(work, "berlin"), os.path.join(work, "berlin-out")
+    os.makedirs(folder)
+    os.makedirs(out)
+    expected = {"summer.txt": (1562756400, "2019-07-10 13:00"), "winter.txt": (1547121600, "2019-01-10 13:00")}
+    for name, (when, _) in expected.items():
+        path = os.path.join(folder, name)
         with open(path, "wb") as file:
-            file.write(broken)
-        refused = run("7z", "t", f"-p{PASSWORD}", path).returncode != 0
-        check(refused, f"{os.path.basename(archive)}: a flipped bit in the {place} is refused")
+            file.write(name.encode())
+        os.utime(path, (when, when))
+    archive = os.path.join(out, "berlin.zip")
+    windows = ["Z:" + path.replace("/", "\\") for path in (folder, archive)]
+    done = run(options.wine_run, "--timeout", "100", "--stage", options.service, "--env", f"OB_PASSWORD={PASSWORD}",
+               "--env", "TZ=Europe/Berlin", "--", options.maker, *windows, "0")
+    check(done.returncode == 0, f"the service wrote a zip in a zone with summer time (exit code {done.returncode})")
+    for tool in ("7z", "unzip", "python") if done.returncode == 0 else ():
+        given = shown_times(tool, archive)
+        check(given == {name: shown for name, (_, shown) in expected.items()}, f"{tool} shows the files' own times: {given}")
+        print(f"{tool} berlin.zip: {given}", flush=True)
 
 
 def main():
@@ -252,8 +314,9 @@ def main():
                 check_headers(archive)
             check_times(work)
             check_date_fields(os.path.join(out, "plain.zip"))
-            for name in ("aes128.zip", "aes256.zip"):
+            for name in ("plain.zip", "aes128.zip", "aes256.zip"):
                 check_flipped_bits(os.path.join(out, name), work)
+            check_summer_time(options, work)
         if options.keep:
             shutil.copytree(out, options.keep, dirs_exist_ok=True)
     print(f"{len(failures)} failures")
