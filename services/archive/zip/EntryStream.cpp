@@ -8,8 +8,6 @@
 namespace obarchive {
 namespace {
 
-constexpr std::size_t kCopyPiece = 256 * 1024;
-
 // The checksum of what came before and the piece behind it.
 std::uint32_t Joined(std::uint32_t before, const PackTask& piece) {
     if (piece.order.first) return piece.checksum;
@@ -24,14 +22,16 @@ std::vector<std::uint8_t> HeadOf(const Ae2Keys& keys) {
 
 } // namespace
 
-// Encrypts in place, where that isn't done yet.
-void EntryStream::Add(std::span<std::uint8_t> bytes) {
+void EntryStream::Add(std::span<std::uint8_t> bytes, bool encrypted) {
     if (bytes.empty()) return;
-    const bool encrypted = task_ && task_->order.keys;
     if (encryption_ && encrypted) encryption_->AddToCode(bytes);
     if (encryption_ && !encrypted) encryption_->Encrypt(bytes);
     ready_.push_back(bytes);
     Record().packedSize += bytes.size();
+}
+
+void EntryStream::AddChecksum(const PackTask& piece) {
+    Record().checksum = Joined(Record().checksum, piece);
 }
 
 void EntryStream::BeginEncryption(const PackTask& task) {
@@ -47,102 +47,51 @@ void EntryStream::BeginEncryption(const PackTask& task) {
     Record().packedSize += head_.size();
 }
 
-// The code behind the data.
-void EntryStream::End() {
+void EntryStream::End(std::vector<std::uint8_t> tail) {
     ended_ = true;
+    tail_ = std::move(tail);
     if (encryption_) {
         const auto code = encryption_->Code();
         tail_.assign(code.begin(), code.end());
-    } else if (task_) {
-        tail_ = task_->tail;
     }
     if (!tail_.empty()) ready_.push_back(tail_);
     Record().packedSize += tail_.size();
 }
 
-bool EntryStream::BeginXz() {
-    xz_.emplace();
-    buffer_ = ByteBuffer(kCopyPiece);
-    if (xz_->Begin(context_.sources[entry_].facts.size)) return true;
-    context_.run.Fail(ZipResult::OutOfMemory);
-    return false;
-}
-
-bool EntryStream::BeginCopy(std::size_t original) {
-    original_ = &context_.records[original];
-    Record().checksum = original_->checksum;
-    Record().packing = original_->packing;
-    lastPiece_ = true;
-    buffer_ = ByteBuffer(kCopyPiece);
-    if (!original_->keys) return true;
-    decryption_.emplace(*context_.settings.algorithms, *original_->keys);
-    copied_ = original_->keys->HeadSize();
-    return true;
-}
-
-bool EntryStream::AddPiece(Piece piece) {
-    task_ = std::move(piece.task);
-    const PackOrder& order = task_->order;
-    if (order.first) {
-        Record().position = context_.output.Position();
-        Record().packing = order.packing;
-        BeginEncryption(*task_);
-        if (piece.copyOf) return BeginCopy(*piece.copyOf);
-    }
-    Record().checksum = Joined(Record().checksum, *task_);
-    lastPiece_ = order.last;
-    if (order.packing != Packing::Xz || order.IsWhole()) {
-        Add(task_->Body());
-        if (lastPiece_) End();
-        return true;
-    }
-    if (order.first && !BeginXz()) return false;
-    xz_->Feed(task_->raw.Bytes(), order.last);
-    return true;
-}
-
-bool EntryStream::TakePiece() {
+std::optional<Piece> EntryStream::TakePiece() {
     std::optional<Piece> piece = context_.ahead.Take();
-    if (!piece) return false;
-    if (piece->entry == entry_) return AddPiece(std::move(*piece));
+    if (!piece || piece->entry == entry_) return piece;
     context_.run.Fail(ZipResult::EngineFailed);
-    return false;
+    return std::nullopt;
 }
 
-bool EntryStream::AddXz() {
-    if (!xz_->Advance(buffer_)) {
-        context_.run.Fail(ZipResult::EngineFailed);
-        return false;
+std::shared_ptr<PackTask> EntryStream::TakeNext() {
+    std::optional<Piece> piece = TakePiece();
+    return piece ? std::move(piece->task) : nullptr;
+}
+
+// The first piece decides what the entry is made of.
+bool EntryStream::Begin() {
+    std::optional<Piece> piece = TakePiece();
+    if (!piece) return false;
+    const PackTask& task = *piece->task;
+    Record().position = context_.output.Position();
+    Record().packing = task.order.packing;
+    BeginEncryption(task);
+    if (piece->copyOf) {
+        body_ = std::make_unique<CopiedBody>(*this, context_.records[*piece->copyOf]);
+    } else if (task.order.packing == Packing::Xz && !task.order.IsWhole()) {
+        body_ = std::make_unique<XzBody>(std::move(piece->task));
+    } else {
+        body_ = std::make_unique<PackedBody>(std::move(piece->task));
     }
-    Add(buffer_.Bytes());
-    if (xz_->HasEnded()) End();
-    return context_.run.Report();
-}
-
-bool EntryStream::AddCopied() {
-    const std::uint64_t end = original_->packedSize - (decryption_ ? kAe2CodeSize : 0);
-    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(kCopyPiece, end - copied_));
-    if (count == 0) return End(), true;
-    static_cast<void>(buffer_.Resize(count));
-    if (!context_.output.ReadAt(original_->position + copied_, buffer_.Data(), count)) {
-        context_.run.Fail(context_.output.LastFailure());
-        return false;
-    }
-    copied_ += count;
-    if (decryption_) decryption_->Decrypt(buffer_.Bytes());
-    Add(buffer_.Bytes());
-    return context_.run.Report();
-}
-
-bool EntryStream::Refill() {
-    if (original_) return AddCopied();
-    if (xz_ && !xz_->IsUsedUp()) return AddXz();
-    return TakePiece();
+    return true;
 }
 
 std::int64_t EntryStream::Read(std::uint8_t* data, std::size_t length) {
     while (ready_.empty() && !ended_) {
-        if (!Refill()) return -1;
+        if (!body_ && !Begin()) return -1;
+        if (!body_->AddMore(*this)) return -1;
     }
     std::size_t given = 0;
     while (given < length && !ready_.empty()) {

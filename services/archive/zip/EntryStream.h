@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "services/archive/compress/XzStream.h"
+#include "services/archive/zip/EntryBody.h"
 #include "services/archive/zip/OutputFile.h"
 #include "services/archive/zip/ReadAhead.h"
 
@@ -41,37 +41,31 @@ public:
     // shortage and the platform's cryptography throw.
     std::int64_t Read(std::uint8_t* data, std::size_t length);
 
-private:
+    // For the entry's body. The next piece of this entry, or null with the run's failure noted.
+    std::shared_ptr<PackTask> TakeNext();
+    // Counts a piece in the entry's checksum.
+    void AddChecksum(const PackTask& piece);
+    // Hands bytes on and encrypts them in place, unless they come encrypted.
+    void Add(std::span<std::uint8_t> bytes, bool encrypted);
+    // Ends the entry: after its data comes the MAC, or the `tail` of one that a worker encrypted.
+    void End(std::vector<std::uint8_t> tail);
+    StreamContext& Context() { return context_; }
     EntryRecord& Record() { return context_.records[entry_]; }
-    bool Refill();
-    bool TakePiece();
-    bool AddPiece(Piece piece);
-    bool BeginCopy(std::size_t original);
-    bool AddCopied();
-    bool AddXz();
-    bool BeginXz();
+    std::uint64_t Size() const { return context_.sources[entry_].facts.size; }
+
+private:
+    std::optional<Piece> TakePiece();
+    bool Begin();
     void BeginEncryption(const PackTask& task);
-    void Add(std::span<std::uint8_t> bytes);
-    void AddKept(std::vector<std::uint8_t> bytes);
-    void End();
 
     StreamContext& context_;
     const std::size_t entry_;
-    bool begun_ = false;
-    bool lastPiece_ = false; // no piece is to come
     bool ended_ = false;
-
-    std::shared_ptr<PackTask> task_; // owns what the spans show
     std::vector<std::uint8_t> head_;
     std::vector<std::uint8_t> tail_;
-    ByteBuffer buffer_;
     std::deque<std::span<const std::uint8_t>> ready_; // to be handed over
-
-    std::optional<Ae2Stream> encryption_; // of a larger file
-    std::optional<XzStream> xz_;
-    const EntryRecord* original_ = nullptr; // of a copy
-    std::optional<Ae2Stream> decryption_;
-    std::uint64_t copied_ = 0;
+    std::optional<Ae2Stream> encryption_;             // of a larger file
+    std::unique_ptr<EntryBody> body_;                 // from the first piece on
 };
 
 } // namespace obarchive

@@ -139,44 +139,69 @@ bool SetComment(zip_t* archive, const std::string& comment) {
     return zip_set_archive_comment(archive, comment.data(), length) == 0;
 }
 
-// Adds every entry and has the library write them, which pulls their data in order.
-bool WriteArchive(zip_t* archive, StreamContext& streams, const EncryptionRow& encryption) {
-    for (std::size_t entry = 0; entry < streams.sources.size(); ++entry) {
-        if (!AddEntry(archive, streams, entry, encryption)) return false;
+// Everything that lives while entries are written, in the order in which each needs those before
+// it: so the archive ends first, and the workers before what their tasks look at.
+class ArchiveRun {
+public:
+    ArchiveRun(const ZipJob& job, std::vector<SourceEntry> sources,
+               std::unique_ptr<Ae2Algorithms> algorithms, OutputFile& output, RunState& run)
+        : job_(job), run_(run), encryption_(*FindEncryption(job.encryptionMethod)),
+          sources_(std::move(sources)), algorithms_(std::move(algorithms)),
+          ahead_(sources_, job, settings_, encryption_.keySize, run, pool_),
+          streams_{ahead_,
+                   output,
+                   run,
+                   settings_,
+                   sources_,
+                   job.duplicateReferences,
+                   std::vector<EntryRecord>(sources_.size())},
+          archive_(OpenArchive(output, run)) {
+        if (!algorithms_) return;
+        keys_.emplace(*algorithms_, job.password, encryption_.keySize);
+        settings_ = {algorithms_.get(), &*keys_};
     }
-    return zip_close(archive) == 0;
-}
+
+    // The run's result; the file has no name yet.
+    ZipResult Write() {
+        const bool done = archive_ && SetComment(archive_.Get(), job_.comment) && WriteArchive();
+        if (!done) run_.Fail(LibraryFailure(archive_.Get()));
+        // A closed archive is gone; one that couldn't be closed is dropped with this object.
+        if (done) static_cast<void>(archive_.Release());
+        return run_.failure;
+    }
+
+private:
+    // Adds every entry and has the library write them, which pulls their data in order.
+    bool WriteArchive() {
+        for (std::size_t entry = 0; entry < sources_.size(); ++entry) {
+            if (!AddEntry(archive_.Get(), streams_, entry, encryption_)) return false;
+        }
+        return zip_close(archive_.Get()) == 0;
+    }
+
+    const ZipJob& job_;
+    RunState& run_;
+    const EncryptionRow& encryption_;
+    std::vector<SourceEntry> sources_;
+    std::unique_ptr<Ae2Algorithms> algorithms_; // null without encryption
+    std::optional<Ae2KeyMaker> keys_;
+    PackSettings settings_;
+    WorkerPool pool_;
+    ReadAhead ahead_;
+    StreamContext streams_;
+    UniqueArchive archive_;
+};
 
 // Writes every entry into `output`; the file has no name yet.
 ZipResult WriteEntries(const ZipJob& job, OutputFile& output, RunState& run) {
-    const EncryptionRow& encryption = *FindEncryption(job.encryptionMethod);
     std::vector<SourceEntry> sources;
     if (!ListSources(job, sources, run)) return run.failure;
     std::unique_ptr<Ae2Algorithms> algorithms;
-    std::optional<Ae2KeyMaker> keys;
-    if (encryption.keySize != 0) {
+    if (job.encryptionMethod != 0) {
         algorithms = MakeAe2Algorithms(CryptographyToUse());
         if (!algorithms) return ZipResult::EngineFailed;
-        keys.emplace(*algorithms, job.password, encryption.keySize);
     }
-    const PackSettings settings{algorithms.get(), keys ? &*keys : nullptr};
-    WorkerPool pool;
-    ReadAhead ahead(sources, job, settings, encryption.keySize, run, pool);
-    StreamContext streams{ahead,
-                          output,
-                          run,
-                          settings,
-                          sources,
-                          job.duplicateReferences,
-                          std::vector<EntryRecord>(sources.size())};
-    // Ends before what its entries look at.
-    UniqueArchive archive = OpenArchive(output, run);
-    const bool done = archive && SetComment(archive.Get(), job.comment) &&
-                      WriteArchive(archive.Get(), streams, encryption);
-    if (!done) run.Fail(LibraryFailure(archive.Get()));
-    // A closed archive is gone; one that couldn't be closed is dropped here.
-    if (done) static_cast<void>(archive.Release());
-    return run.failure;
+    return ArchiveRun(job, std::move(sources), std::move(algorithms), output, run).Write();
 }
 
 } // namespace
