@@ -3,6 +3,17 @@
 #include <windows.h>
 
 namespace obwmvapp {
+namespace {
+
+// Otherwise a file of the program's folder could take the place of a system library that is loaded
+// later by its name alone.
+void PreferTheSystemsModules() noexcept {
+    PROCESS_MITIGATION_IMAGE_LOAD_POLICY policy{};
+    policy.PreferSystem32Images = 1;
+    SetProcessMitigationPolicy(ProcessImageLoadPolicy, &policy, sizeof(policy));
+}
+
+} // namespace
 
 void HardenProcess() noexcept {
     HeapSetInformation(nullptr, HeapEnableTerminationOnCorruption, nullptr, 0);
@@ -12,6 +23,7 @@ void HardenProcess() noexcept {
     // The call above doesn't concern loads with an altered search path, as the shell makes for its
     // extensions; this one takes the current folder from those too.
     SetDllDirectoryW(L"");
+    PreferTheSystemsModules();
 }
 
 } // namespace obwmvapp

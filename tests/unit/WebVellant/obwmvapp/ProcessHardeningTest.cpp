@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,14 @@ BOOL WINAPI NoteFolder(LPCWSTR folder) {
     return FALSE;
 }
 
+BOOL WINAPI NotePolicy(PROCESS_MITIGATION_POLICY policy, PVOID value, SIZE_T size) {
+    DWORD flags = 0;
+    std::memcpy(&flags, value, sizeof(flags));
+    calls.push_back(L"SetProcessMitigationPolicy " + std::to_wstring(policy) + L" " +
+                    std::to_wstring(flags) + L" " + std::to_wstring(size));
+    return FALSE;
+}
+
 // Each step is tried, also after one that the system refuses. The end on a damaged heap itself
 // can't be shown under Wine, which accepts the call and doesn't check its heap.
 TEST(ProcessHardening, AsksForTheEndOnADamagedHeapAndForSafeSearches) {
@@ -47,12 +56,16 @@ TEST(ProcessHardening, AsksForTheEndOnADamagedHeapAndForSafeSearches) {
         "kernel32.dll", "SetDefaultDllDirectories", &NoteDefaultFolders);
     const ImportPatch<decltype(&SetDllDirectoryW)> folder("kernel32.dll", "SetDllDirectoryW",
                                                           &NoteFolder);
-    ASSERT_TRUE(heap.Ok() && folders.Ok() && folder.Ok());
+    const ImportPatch<decltype(&SetProcessMitigationPolicy)> policy(
+        "kernel32.dll", "SetProcessMitigationPolicy", &NotePolicy);
+    ASSERT_TRUE(heap.Ok() && folders.Ok() && folder.Ok() && policy.Ok());
     calls.clear();
     HardenProcess();
-    // 1 is HeapEnableTerminationOnCorruption, 0x1000 LOAD_LIBRARY_SEARCH_DEFAULT_DIRS.
-    EXPECT_THAT(calls, ElementsAre(L"HeapSetInformation 0 1 null 0",
-                                   L"SetDefaultDllDirectories 4096", L"SetDllDirectoryW []"));
+    // 1 is HeapEnableTerminationOnCorruption, 0x1000 LOAD_LIBRARY_SEARCH_DEFAULT_DIRS, 10 the
+    // policy for loading images and 4 its PreferSystem32Images.
+    EXPECT_THAT(calls,
+                ElementsAre(L"HeapSetInformation 0 1 null 0", L"SetDefaultDllDirectories 4096",
+                            L"SetDllDirectoryW []", L"SetProcessMitigationPolicy 10 4 4"));
 }
 
 TEST(ProcessHardening, LeavesTheCurrentFolderAndTheSearchPathOutOfSearches) {
