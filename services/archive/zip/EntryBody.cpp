@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "services/archive/zip/EntryStream.h"
-
 namespace obarchive {
 namespace {
 
@@ -11,7 +9,7 @@ constexpr std::size_t kBufferSize = 256 * 1024;
 
 } // namespace
 
-bool PackedBody::AddMore(EntryStream& stream) {
+bool PackedBody::AddMore(EntrySink& stream) {
     if (isAdded_) task_ = stream.TakeNext();
     if (!task_) return false;
     isAdded_ = true;
@@ -21,7 +19,7 @@ bool PackedBody::AddMore(EntryStream& stream) {
     return true;
 }
 
-CopiedBody::CopiedBody(EntryStream& stream, const EntryRecord& original)
+CopiedBody::CopiedBody(EntrySink& stream, const EntryRecord& original)
     : original_(original), buffer_(kBufferSize) {
     stream.Record().checksum = original.checksum;
     stream.Record().packing = original.packing;
@@ -30,7 +28,7 @@ CopiedBody::CopiedBody(EntryStream& stream, const EntryRecord& original)
     copied_ = original.keys->HeadSize();
 }
 
-bool CopiedBody::AddMore(EntryStream& stream) {
+bool CopiedBody::AddMore(EntrySink& stream) {
     StreamContext& context = stream.Context();
     const std::uint64_t end = original_.packedSize - (decryption_ ? kAe2CodeSize : 0);
     const auto count =
@@ -48,7 +46,7 @@ bool CopiedBody::AddMore(EntryStream& stream) {
 }
 
 // The first piece begins the stream; the further ones go on with it.
-bool XzBody::Feed(EntryStream& stream) {
+bool XzBody::Feed(EntrySink& stream) {
     if (xz_) task_ = stream.TakeNext();
     if (!task_) return false;
     if (!xz_) {
@@ -63,7 +61,7 @@ bool XzBody::Feed(EntryStream& stream) {
     return true;
 }
 
-bool XzBody::AddMore(EntryStream& stream) {
+bool XzBody::AddMore(EntrySink& stream) {
     if ((!xz_ || xz_->IsUsedUp()) && !Feed(stream)) return false;
     if (!xz_->Advance(buffer_)) {
         stream.Context().run.Fail(ZipResult::EngineFailed);

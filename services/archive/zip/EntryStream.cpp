@@ -79,7 +79,8 @@ bool EntryStream::Begin() {
     Record().packing = task.order.packing;
     BeginEncryption(task);
     if (piece->copyOf) {
-        body_ = std::make_unique<CopiedBody>(*this, context_.records[*piece->copyOf]);
+        body_ = std::make_unique<CopiedBody>(static_cast<EntrySink&>(*this),
+                                             context_.records[*piece->copyOf]);
     } else if (task.order.packing == Packing::Xz && !task.order.IsWhole()) {
         body_ = std::make_unique<XzBody>(std::move(piece->task));
     } else {
