@@ -1,6 +1,6 @@
 #include "tests/e2e/ProgressCancel.h"
 
-#include "services/archive/texts/ServiceTextIds.h"
+#include "services/archive/ui/ProgressWindowIds.h"
 #include "tests/support/PickerUiDriver.h"
 
 namespace obtest {
