@@ -11,14 +11,14 @@ import sys
 
 import generated
 
-VERSION = "real-1"  # counts up when the choice changes
+VERSION = "real-2"  # counts up when the choice changes
 TUNE, JUDGE, GENERATED = "tune", "judge", "generated"
 
 
 class Choice:
     """Files of some packages whose path matches, in the order of their paths, up to a size."""
 
-    def __init__(self, use, packages, pattern, megabytes=40):
+    def __init__(self, use, packages, pattern, megabytes=25):
         self.use, self.packages, self.pattern, self.limit = use, packages, re.compile(pattern), megabytes * 1_000_000
 
 
@@ -27,17 +27,17 @@ REAL = {
     "C headers": Choice(TUNE, ["mingw-w64-common"], r"\.h$"),
     "manual in HTML": Choice(TUNE, ["python3.11-doc"], r"\.html$"),
     "documents, translations": Choice(TUNE, ["lyx-common"], r"\.(lyx|mo)$"),
-    "tables": Choice(TUNE, ["unicode-data"], r"\.txt$"),
+    "tables": Choice(TUNE, ["unicode-data"], r"\.txt$", 40),
     "PDF": Choice(TUNE, ["r-doc-pdf"], r"\.pdf$"),
-    "pictures": Choice(TUNE, ["gnome-backgrounds"], r"\.webp$"),
+    "pictures": Choice(TUNE, ["gnome-backgrounds"], r"\.webp$", 40),
     "drawings, icons": Choice(TUNE, ["inkscape"], r"\.(svg|py|png|gif)$"),
-    "compiler": Choice(JUDGE, ["gcc-12"], r"/(lto1|lto-wrapper|collect2)$"),
-    "C++ headers": Choice(JUDGE, ["libboost1.74-dev"], r"\.[hi]pp$"),
+    "compiler": Choice(JUDGE, ["gcc-12"], r"/(lto1|lto-wrapper|collect2)$", 40),
+    "library headers": Choice(JUDGE, ["libboost1.74-dev"], r"\.[hi]pp$"),
     "web pages": Choice(JUDGE, ["sqlite3-doc", "maxima-doc"], r"\.(html|png|gif|jpg)$"),
     "fonts": Choice(JUDGE, ["fonts-noto-core"], r"\.ttf$"),
     "office files": Choice(JUDGE, ["libreoffice-common"], r"\.(ott|otp|sdg|zip|xml|sdv|wav|png)$"),
     "clip art": Choice(JUDGE, ["openclipart-libreoffice"], r"\.sdg$"),
-    "database": Choice(JUDGE, ["wordnet-base"], r"/(data|index)\."),
+    "database": Choice(JUDGE, ["wordnet-base"], r"/(data|index)\.", 30),
 }
 LOGS = "logs"  # what the system's loader writes down about two programs
 
@@ -85,7 +85,9 @@ def fill(choice, packages, target):
 
 
 def fill_logs(target):
-    programs = {"python.log": [sys.executable, "-c", "import ssl, sqlite3, ctypes, decimal, json, lzma, bz2"], "git.log": ["git", "--version"]}
+    modules = ("ssl, sqlite3, ctypes", "decimal, json, lzma, bz2", "asyncio, curses, readline, zlib")
+    programs = {f"python{number}.log": [sys.executable, "-c", f"import {names}"] for number, names in enumerate(modules)}
+    programs |= {"git.log": ["git", "--version"], "cmake.log": ["cmake", "--version"], "perl.log": ["perl", "-MPOSIX", "-MSocket", "-e", "1"]}
     for name, command in programs.items():
         with open(os.path.join(target, name), "wb") as log:
             subprocess.run(command, env=dict(os.environ, LD_DEBUG="all"), stdout=subprocess.DEVNULL, stderr=log, check=True)
