@@ -261,18 +261,14 @@ def check_flipped_bits(archive, work):
 
 
 def shown_times(tool, archive):
-    """The times of summer.txt and winter.txt as the tool shows them in this zone."""
-    berlin = dict(ENV, TZ="Europe/Berlin")
-    names = ("summer.txt", "winter.txt")
-    if tool == "7z":
-        text = subprocess.run(["7z", "l", "-ba", archive, *names], env=berlin, capture_output=True, check=False).stdout.decode()
-        return {line.split()[-1]: " ".join(line.split()[:2])[:16] for line in text.splitlines() if line}
+    """The times of summer.txt and winter.txt as the tool shows them. 7z isn't asked: it shows a date of
+    the summer by the hour of the season in which it runs."""
     if tool == "unzip":
-        text = subprocess.run(["unzip", "-Z", "-T", archive, *names], env=berlin, capture_output=True, check=False).stdout.decode()
-        fields = {line.split()[-1]: line.split()[-2] for line in text.splitlines() if line.endswith(names)}
+        text = run("unzip", "-Z", "-T", archive).stdout.decode()
+        fields = {line.split()[-1]: line.split()[-2] for line in text.splitlines() if line.endswith(".txt")}
         return {name: f"{at[:4]}-{at[4:6]}-{at[6:8]} {at[9:11]}:{at[11:13]}" for name, at in fields.items()}
     with zipfile.ZipFile(archive) as file:
-        return {name: "{:04}-{:02}-{:02} {:02}:{:02}".format(*file.getinfo(name).date_time) for name in names}
+        return {entry.filename: "{:04}-{:02}-{:02} {:02}:{:02}".format(*entry.date_time) for entry in file.infolist()}
 
 
 def check_summer_time(options, work):
@@ -288,13 +284,23 @@ def check_summer_time(options, work):
         os.utime(path, (when, when))
     archive = os.path.join(out, "berlin.zip")
     windows = ["Z:" + path.replace("/", "\\") for path in (folder, archive)]
+    # In this form, as the C runtime under Wine takes TZ for itself and doesn't know zones by name.
     done = run(options.wine_run, "--timeout", "100", "--stage", options.service, "--env", f"OB_PASSWORD={PASSWORD}",
-               "--env", "TZ=Europe/Berlin", "--", options.maker, *windows, "0")
+               "--env", "TZ=CET-1CEST,M3.5.0,M10.5.0/3", "--", options.maker, *windows, "0")
     check(done.returncode == 0, f"the service wrote a zip in a zone with summer time (exit code {done.returncode})")
-    for tool in ("7z", "unzip", "python") if done.returncode == 0 else ():
+    if done.returncode != 0:
+        return
+    ENV["TZ"] = "Europe/Berlin"
+    for tool in ("unzip", "python"):
         given = shown_times(tool, archive)
         check(given == {name: shown for name, (_, shown) in expected.items()}, f"{tool} shows the files' own times: {given}")
         print(f"{tool} berlin.zip: {given}", flush=True)
+    for tool in ("7z", "unzip", "bsdtar"):
+        target = os.path.join(work, f"{tool}-berlin")
+        check(unpack(tool, archive, target, PASSWORD), f"{tool} unpacks in a zone with summer time")
+        given = {name: int(os.stat(os.path.join(target, name)).st_mtime) for name in os.listdir(target)}
+        check(given == {name: when for name, (when, _) in expected.items()}, f"{tool} restores the files' own times: {given}")
+    ENV["TZ"] = "UTC"
 
 
 def main():
