@@ -142,15 +142,7 @@ ChoiceStates ComputeChoiceStates(const OBOptions& options) noexcept {
 }
 
 void ClearChoice(IFileDialogCustomize& customize, const ChoiceControl& choice) {
-    if (SUCCEEDED(TraceFailure("SetSelectedControlItem",
-                               customize.SetSelectedControlItem(choice.list, kNoItem)))) {
-        return;
-    }
-    // A new item isn't selected. Without the removal the id of the item would be in use.
-    if (SUCCEEDED(TraceFailure("RemoveControlItem",
-                               customize.RemoveControlItem(choice.list, choice.item)))) {
-        AddChoiceItem(customize, choice);
-    }
+    TraceFailure("SetSelectedControlItem", customize.SetSelectedControlItem(choice.list, kNoItem));
 }
 
 bool IsEncryptionRefused(HWND owner) {

@@ -63,8 +63,8 @@ struct ChoiceStates {
 };
 ChoiceStates ComputeChoiceStates(const OBOptions& options) noexcept;
 
-// Clears the choice's radio list: asks the dialog to, and where it refuses, takes the item out and
-// puts it in again.
+// Clears the choice's radio list. A dialog that refuses leaves a trace line, and the list looks
+// selected besides the new choice; what counts is the job.
 void ClearChoice(IFileDialogCustomize& customize, const ChoiceControl& choice);
 
 // Whether the archive service refuses encryption for this run. The service may show the user the

@@ -199,41 +199,6 @@ TEST_F(RealPicker, TakesTheChoiceThatWasClicked) {
     }
 }
 
-// Under Wine the dialog refuses to clear a radio list, so that this shows the list filled anew.
-TEST_F(RealPicker, ShowsOneChoiceAtATimeWhateverIsClicked) {
-    const UINT choices[] = {101, 102, 103};
-    std::vector<std::vector<bool>> shown;
-    RunDialog(FOS_FORCEFILESYSTEM, [&](OpenPicker& picker) {
-        for (const UINT clicked : {103U, 102U, 101U, 103U}) {
-            picker.Click(Shown(clicked));
-            const auto isShownAlone = [&](UINT choice) {
-                return picker.IsChecked(Shown(choice)) == (choice == clicked);
-            };
-            OpenPicker::WaitFor([&] { return std::ranges::all_of(choices, isShownAlone); }, 5000);
-            shown.emplace_back();
-            for (const UINT choice : choices) shown.back().push_back(isShownAlone(choice));
-        }
-        picker.PressCancel();
-    });
-    EXPECT_EQ(shown, (std::vector<std::vector<bool>>(4, {true, true, true})));
-}
-
-TEST_F(RealPicker, KeepsTheChoiceWhenEncryptionIsRefused) {
-    FakeModules::Answer(L"TryToShowWarningOrErrorMessage", L"2");
-    std::vector<bool> checked;
-    RunDialog(FOS_FORCEFILESYSTEM, [&](OpenPicker& picker) {
-        picker.Click(Shown(102));
-        OpenPicker::WaitFor([] { return WasCalled(L"TryToShowWarningOrErrorMessage("); });
-        OpenPicker::WaitFor([&] { return !picker.IsChecked(Shown(102)); }, 5000);
-        for (const UINT choice : {101U, 102U, 103U}) {
-            checked.push_back(picker.IsChecked(Shown(choice)));
-        }
-        picker.PressCancel();
-    });
-    // The shell itself clears no other list when a choice is clicked.
-    EXPECT_EQ(checked, (std::vector<bool>{true, false, false}));
-}
-
 TEST_F(RealPicker, UnticksATransformThatTheManagerRefuses) {
     Support(2);
     Support(5);
