@@ -1,7 +1,7 @@
 # ob_name_tables(OUT): puts the path of a source file into OUT that the build makes from the name
 # lists of the XML library. For every build that compiles ObLibX/src/xml, whatever its top folder.
 set(OB_NAME_LISTS "${CMAKE_CURRENT_LIST_DIR}/../ObLibX/src/xml/names")
-find_program(OB_PYTHON3 python3 REQUIRED)
+include("${CMAKE_CURRENT_LIST_DIR}/ObPython.cmake")
 
 function(ob_name_tables out)
     get_filename_component(lists "${OB_NAME_LISTS}" ABSOLUTE)

@@ -231,6 +231,7 @@ function(ob_register_suites name options timeout serial labels extra)
     file(GENERATE OUTPUT "${base}.args.cmake" CONTENT
 "set(name [==[${name}]==])
 set(program [==[$<TARGET_FILE:${name}>]==])
+set(python [==[${OB_PYTHON3}]==])
 set(wine_run [==[${CMAKE_SOURCE_DIR}/tools/wine-run]==])
 set(options [==[${options}]==])
 set(timeout [==[${timeout}]==])
