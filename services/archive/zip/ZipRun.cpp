@@ -60,8 +60,24 @@ ZipResult CheckJob(const ZipJob& job) {
     return ZipResult::Ok;
 }
 
-// Both fields tell the time of the last change in world time, where the zip's own field tells it as
-// a wall clock of two-second steps.
+// The entry's own field is a wall clock of two-second steps. The system converts to it: the C
+// runtime, which the library would ask, reads a variable TZ of the environment in a form of its
+// own. Times outside 1980 to 2107 stay with the library.
+bool SetWallClock(zip_t* archive, zip_uint64_t index, const FILETIME& time) {
+    SYSTEMTIME universal;
+    SYSTEMTIME local;
+    if (!FileTimeToSystemTime(&time, &universal) ||
+        !SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local) || local.wYear < 1980 ||
+        local.wYear > 2107) {
+        return true;
+    }
+    const int date = (local.wYear - 1980) << 9 | local.wMonth << 5 | local.wDay;
+    const int clock = local.wHour << 11 | local.wMinute << 5 | local.wSecond / 2;
+    return zip_file_set_dostime(archive, index, static_cast<zip_uint16_t>(clock),
+                                static_cast<zip_uint16_t>(date), 0) == 0;
+}
+
+// Both fields are the time of the last change in universal time.
 bool AddTimes(zip_t* archive, zip_uint64_t index, const SourceFacts& facts) {
     constexpr zip_uint16_t kNtfsField = 0x000a;
     zip_uint8_t ntfs[32] = {0, 0, 0, 0, 1, 0, 24, 0}; // reserved, tag 1 of 24 bytes: three times
@@ -99,7 +115,9 @@ bool AddEntry(zip_t* archive, StreamContext& streams, std::size_t entry,
         return false;
     }
     const auto place = static_cast<zip_uint64_t>(index);
-    return SetEncryption(archive, place, encryption) && AddTimes(archive, place, file.facts);
+    return SetEncryption(archive, place, encryption) &&
+           SetWallClock(archive, place, file.facts.lastWrite) &&
+           AddTimes(archive, place, file.facts);
 }
 
 // What the run stores, with the sizes that say how much there is to do. False with the run's

@@ -284,9 +284,8 @@ def check_summer_time(options, work):
         os.utime(path, (when, when))
     archive = os.path.join(out, "berlin.zip")
     windows = ["Z:" + path.replace("/", "\\") for path in (folder, archive)]
-    # In this form, as the C runtime under Wine takes TZ for itself and doesn't know zones by name.
     done = run(options.wine_run, "--timeout", "100", "--stage", options.service, "--env", f"OB_PASSWORD={PASSWORD}",
-               "--env", "TZ=CET-1CEST,M3.5.0,M10.5.0/3", "--", options.maker, *windows, "0")
+               "--env", "TZ=Europe/Berlin", "--", options.maker, *windows, "0")
     check(done.returncode == 0, f"the service wrote a zip in a zone with summer time (exit code {done.returncode})")
     if done.returncode != 0:
         return
