@@ -1,6 +1,7 @@
 // Zips a folder once with the archive service beside the program, and prints what the call of Zip
-// took: seconds, seconds of processor time, and the most megabytes that the process committed.
-// zip_bench FOLDER ZIP METHOD, where METHOD is 0 or an encryption method of the contract.
+// took: seconds, seconds of processor time, and the most megabytes that the process had in memory,
+// after the call and before. zip_bench FOLDER ZIP METHOD, where METHOD is 0 or an encryption method
+// of the contract.
 #include <windows.h>
 
 #include <psapi.h>
@@ -52,7 +53,7 @@ double ProcessorSeconds() {
 double PeakMegabytes() {
     PROCESS_MEMORY_COUNTERS memory{};
     K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
-    return static_cast<double>(memory.PeakPagefileUsage) / (1024 * 1024);
+    return static_cast<double>(memory.PeakWorkingSetSize) / (1024 * 1024);
 }
 
 } // namespace
