@@ -8,7 +8,7 @@
 namespace obarchive {
 namespace {
 
-// The checksum of what came before and the piece behind it.
+// The checksum of the data so far and the piece after it.
 std::uint32_t Joined(std::uint32_t before, const PackTask& piece) {
     if (piece.order.first) return piece.checksum;
     return static_cast<std::uint32_t>(

@@ -16,7 +16,7 @@ enum class ZipResult : std::uint32_t {
     UnknownMethod = 4,     // a compression or encryption method that this service hasn't got
     PasswordMissing = 5,   // encryption without a password
     RecoveryNotThere = 6,  // a public key was set, and recovery by it can't be carried out
-    TargetExists = 7,      // a file or folder stands at the target; nothing is ever overwritten
+    TargetExists = 7,      // a file or folder is at the target; nothing is ever overwritten
     PathTooLong = 8,       // a path that the system can't take
     EncryptionMissing = 9, // a password without encryption
 
