@@ -78,6 +78,7 @@ constexpr Module kModules[] = {
     {L"obwmvapp.exe", L"obwmvapp", VFT_APP},
     {L"obofcsvc64.dll", L"obofcsvc64", VFT_DLL},
     {L"PVXManager64.dll", L"PVXManager64", VFT_DLL},
+    {L"PVXTransform64.exe", L"PVXTransform64", VFT_APP},
 };
 
 INSTANTIATE_TEST_SUITE_P(Shipped, ModuleVersion, testing::ValuesIn(kModules),

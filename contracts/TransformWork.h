@@ -1,0 +1,120 @@
+// The contract between the provider manager and its work process, PVXTransform64.exe: records on
+// two anonymous pipes, one for each direction.
+//
+// A record is a header and its payload, both little-endian and without gaps. The manager sends one
+// request at a time and reads replies until Done or Failed; a request for a file begins with
+// WorkFiles, so that a further transform is one more kind with its own settings after that. The
+// work process ends when its request pipe is closed, and with the first record that isn't valid.
+//
+// The files are named by no path: the manager opens them and duplicates the handles into the work
+// process, which therefore needs no right on any file. The manager trusts no reply: a picture that
+// took the work process over can send any bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace obcontract {
+
+inline constexpr wchar_t kTransformWorkFileName[] = L"PVXTransform64.exe";
+
+// "PVXW" in the order of the bytes.
+inline constexpr std::uint32_t kWorkMagic = 0x57585650;
+
+// No record of either side is larger; a larger size in a header isn't valid.
+inline constexpr std::uint32_t kLargestWorkPayload = 4096;
+
+enum class WorkKind : std::uint32_t {
+    // Requests.
+    Clean = 1,      // CleanRequest: removes personal data
+    CheckClean = 2, // CleanRequest without a target: reports what a clean would find
+    // Replies.
+    Progress = 0x101,
+    Finding = 0x102,
+    Done = 0x103,   // the request's last record
+    Failed = 0x104, // the request's last record
+};
+
+struct WorkHeader {
+    std::uint32_t magic; // kWorkMagic
+    WorkKind kind;
+    std::uint32_t size;     // bytes of the payload
+    std::uint32_t reserved; // zero
+};
+static_assert(sizeof(WorkHeader) == 16);
+static_assert(offsetof(WorkHeader, magic) == 0);
+static_assert(offsetof(WorkHeader, kind) == 4);
+static_assert(offsetof(WorkHeader, size) == 8);
+static_assert(offsetof(WorkHeader, reserved) == 12);
+
+// The files of a request, as handles of the work process, which closes them when the request ends.
+struct WorkFiles {
+    std::uint64_t source; // a file on disk, for reading; never zero
+    std::uint64_t target; // a new empty file, for writing; zero when the request writes none
+};
+static_assert(sizeof(WorkFiles) == 16);
+static_assert(offsetof(WorkFiles, source) == 0);
+static_assert(offsetof(WorkFiles, target) == 8);
+
+struct CleanRequest {
+    WorkFiles files;
+    std::uint64_t reserved; // zero
+};
+static_assert(sizeof(CleanRequest) == 24);
+static_assert(offsetof(CleanRequest, files) == 0);
+static_assert(offsetof(CleanRequest, reserved) == 16);
+
+// `done` grows from record to record and is at most `total`. Sent at least once in ten seconds.
+struct WorkProgress {
+    std::uint64_t done;
+    std::uint64_t total; // not zero
+};
+static_assert(sizeof(WorkProgress) == 16);
+static_assert(offsetof(WorkProgress, done) == 0);
+static_assert(offsetof(WorkProgress, total) == 8);
+
+// Something that a file contains. A request has at most kMostWorkFindings of them, each key once.
+inline constexpr std::size_t kWorkKeyCapacity = 60;
+inline constexpr std::size_t kMostWorkFindings = 256;
+
+struct WorkFinding {
+    std::uint32_t count;        // not zero
+    char key[kWorkKeyCapacity]; // of a-z, 0-9, '.' and '-'; not empty; zeros up to its end
+};
+static_assert(sizeof(WorkFinding) == 64);
+static_assert(offsetof(WorkFinding, count) == 0);
+static_assert(offsetof(WorkFinding, key) == 4);
+
+enum class WorkOutcome : std::uint32_t {
+    Changed = 1,      // the target is whole; for CheckClean: a clean would change the file
+    Unchanged = 2,    // nothing to do; the target is empty
+    NotSupported = 3, // not a kind of file that the transform works on; the target is empty
+};
+
+struct WorkDone {
+    WorkOutcome outcome;
+    std::uint32_t reserved; // zero
+    std::uint64_t size;     // bytes in the target; zero unless Changed
+};
+static_assert(sizeof(WorkDone) == 16);
+static_assert(offsetof(WorkDone, outcome) == 0);
+static_assert(offsetof(WorkDone, reserved) == 4);
+static_assert(offsetof(WorkDone, size) == 8);
+
+enum class WorkFailure : std::uint32_t {
+    Damaged = 1,    // the file isn't what its kind requires
+    TooLarge = 2,   // more than the work process takes, or more memory than it has
+    Unreadable = 3, // the source can't be read
+    Unwritable = 4, // the target can't be written, as on a full disk
+    NotServed = 5,  // the work process doesn't know the request
+};
+
+struct WorkFailed {
+    WorkFailure failure;
+    std::uint32_t reserved; // zero
+};
+static_assert(sizeof(WorkFailed) == 8);
+static_assert(offsetof(WorkFailed, failure) == 0);
+static_assert(offsetof(WorkFailed, reserved) == 4);
+
+} // namespace obcontract

@@ -1,0 +1,47 @@
+// The work process's side of the two pipes: the validating reader of requests, and the replies.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/TransformWork.h"
+
+namespace transforms {
+
+// A request with its files, which are closed with it.
+struct WorkRequest {
+    obcontract::WorkKind kind{};
+    ObLib::UniqueKernelHandle source;
+    ObLib::UniqueKernelHandle target; // empty when the request writes no file
+};
+
+// One thread. The pipes belong to the channel.
+class WorkChannel {
+public:
+    WorkChannel(ObLib::UniqueKernelHandle requests, ObLib::UniqueKernelHandle replies) noexcept
+        : requests_(std::move(requests)), replies_(std::move(replies)) {}
+
+    // Waits for the next request. Nothing at the end of the pipe and for a record that isn't valid;
+    // the process then ends.
+    std::optional<WorkRequest> Next();
+
+    // Each returns false when the manager no longer reads; the process then ends.
+    bool SendProgress(std::uint64_t done, std::uint64_t total) noexcept;
+    // A key that doesn't fit is cut, so that it is still reported.
+    bool SendFinding(std::string_view key, std::uint32_t count) noexcept;
+    bool SendDone(obcontract::WorkOutcome outcome, std::uint64_t size) noexcept;
+    bool SendFailed(obcontract::WorkFailure failure) noexcept;
+
+private:
+    template <class Payload>
+    bool Send(obcontract::WorkKind kind, const Payload& payload) noexcept;
+
+    ObLib::UniqueKernelHandle requests_;
+    ObLib::UniqueKernelHandle replies_;
+};
+
+} // namespace transforms
