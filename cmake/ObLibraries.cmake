@@ -7,6 +7,11 @@
 #   dep::libdeflate  libdeflate, static, its compressor only
 #   dep::mbedtls  AES and HMAC by SHA-1, static
 #   dep::zxcvbn  how hard a password is to guess, with its word lists, static
+#   dep::jpeg    libjpeg-turbo, static, with its SIMD code
+#   dep::png     libpng, static
+#   dep::tiff    libtiff, static, with what it needs
+#   dep::webp    libwebp with its container parts (mux, demux), static
+#   dep::lcms    colour profiles, static
 #   dep::pugixml  an XML reader in its wide form, static (tests and measurements only); its source
 #                 lies in ${OB_PREFIX_PUGIXML}/source
 if(NOT EXISTS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
@@ -38,3 +43,8 @@ ob_imported(libdeflate "${OB_PREFIX_LIBDEFLATE}" ARCHIVES libdeflate.a)
 ob_imported(mbedtls "${OB_PREFIX_MBEDTLS}" ARCHIVES libmbedcrypto.a)
 ob_imported(zxcvbn "${OB_PREFIX_ZXCVBN}" ARCHIVES libzxcvbn.a)
 ob_imported(pugixml "${OB_PREFIX_PUGIXML}" ARCHIVES libpugixml.a DEFINITIONS PUGIXML_WCHAR_MODE)
+ob_imported(jpeg "${OB_PREFIX_JPEG}" ARCHIVES libjpeg.a)
+ob_imported(png "${OB_PREFIX_PNG}" ARCHIVES libpng.a LIBS dep::zlib)
+ob_imported(tiff "${OB_PREFIX_TIFF}" ARCHIVES libtiff.a LIBS dep::jpeg dep::zlib)
+ob_imported(webp "${OB_PREFIX_WEBP}" ARCHIVES libwebpmux.a libwebpdemux.a libwebp.a)
+ob_imported(lcms "${OB_PREFIX_LCMS}" ARCHIVES liblcms2.a)
