@@ -1,0 +1,58 @@
+#include "services/transforms/personal/Analysis.h"
+
+#include <numeric>
+#include <utility>
+
+namespace transforms::personal {
+
+void FindingCounter::Note(FindingKind kind, std::uint32_t count) {
+    counts_[static_cast<std::size_t>(kind)] += count;
+}
+
+void FindingCounter::Note(const FindingCounter& more) {
+    for (std::size_t at = 0; at < counts_.size(); ++at) counts_[at] += more.counts_[at];
+}
+
+bool FindingCounter::IsEmpty() const {
+    return std::ranges::all_of(counts_, [](std::uint32_t count) { return count == 0; });
+}
+
+std::vector<Finding> FindingCounter::List() const {
+    std::vector<Finding> list;
+    for (std::size_t at = 0; at < counts_.size(); ++at) {
+        if (counts_[at] != 0) list.push_back({static_cast<FindingKind>(at), counts_[at]});
+    }
+    return list;
+}
+
+// Adjacent views become one, so that a file of many small chunks needs few parts.
+void PartList::Keep(Bytes part) {
+    if (part.empty()) return;
+    if (lastIsKept_ && parts_.back().data() + parts_.back().size() == part.data()) {
+        parts_.back() = Bytes(parts_.back().data(), parts_.back().size() + part.size());
+    } else {
+        parts_.push_back(part);
+    }
+    lastIsKept_ = true;
+}
+
+void PartList::Add(OwnedBytes made) {
+    if (made.empty()) return;
+    parts_.push_back(made);
+    made_.push_back(std::move(made));
+    lastIsKept_ = false;
+}
+
+std::size_t PartList::Size() const {
+    return std::accumulate(parts_.begin(), parts_.end(), std::size_t{0},
+                           [](std::size_t sum, Bytes part) { return sum + part.size(); });
+}
+
+OwnedBytes PartList::Join() const {
+    OwnedBytes joined;
+    joined.reserve(Size());
+    for (const Bytes part : parts_) Append(joined, part);
+    return joined;
+}
+
+} // namespace transforms::personal

@@ -1,0 +1,34 @@
+// Removes from a file what documents who made it, where, when and with what. What people see in the
+// file stays: the coded pixels are the same bytes before and after.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "services/transforms/personal/Findings.h"
+
+namespace transforms {
+
+struct CleanedFile {
+    CleanOutcome outcome = CleanOutcome::NotSupported;
+    // The whole new file. With NothingFound the bytes that were given, otherwise empty unless
+    // Cleaned.
+    std::vector<std::byte> bytes;
+    // In the order of FindingKind, each kind once; empty unless Cleaned.
+    std::vector<Finding> removed;
+};
+
+// Removes personal data from the bytes of one file. The format is recognised by the bytes alone.
+// Called by the work process, on any thread; keeps no state. Equal bytes give equal results,
+// cleaning a result gives NothingFound, and FindPersonalData of a result is empty. Time and memory
+// grow linearly with the file (n log n where a TIFF's parts are sorted); nothing is decompressed.
+// Throws std::bad_alloc alone.
+CleanedFile RemovePersonalData(std::span<const std::byte> file);
+
+// What RemovePersonalData would remove, for the check that opens every result again. A damaged file
+// gives one finding, Unreadable, so that no check passes because nothing could be read; a file of
+// an unsupported format gives nothing. Throws std::bad_alloc alone.
+std::vector<Finding> FindPersonalData(std::span<const std::byte> file);
+
+} // namespace transforms
