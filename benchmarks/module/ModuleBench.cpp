@@ -16,7 +16,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "benchmarks/support/Library.h"
-#include "benchmarks/support/QuickContext.h"
+#include "benchmarks/support/QuickPage.h"
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
 
@@ -57,7 +57,7 @@ double PrivateBytes() {
 void AskOnce() {
     const bench::Library library(bench::kLibraryPath);
     if (!library) return;
-    bench::QuickContext page(L"https://www.example.com/upload");
+    obtest::FakeBrowserContext page = bench::QuickPage(L"https://www.example.com/upload");
     OPENFILENAMEW request{};
     request.lStructSize = sizeof(request);
     library.getOpenFileName(&request, &page);

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "benchmarks/support/Library.h"
-#include "benchmarks/support/QuickContext.h"
+#include "benchmarks/support/QuickPage.h"
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
 
@@ -15,7 +15,6 @@ using obcontract::BrowserContext;
 namespace {
 
 using bench::Library;
-using bench::QuickContext;
 using bench::Stopwatch;
 
 constexpr int kSamples = 401;
@@ -50,7 +49,7 @@ void Measure(const std::string& name, Direct direct, Through through) {
 }
 
 void MeasureOpen(const char* name, const Library& library, const std::wstring& url) {
-    QuickContext context(url);
+    obtest::FakeBrowserContext context = bench::QuickPage(url);
     BrowserContext* const page = Opaque(&context);
     OPENFILENAMEW request{};
     request.lStructSize = sizeof(request);
@@ -61,7 +60,7 @@ void MeasureOpen(const char* name, const Library& library, const std::wstring& u
 
 // The dialog is only a key for the library, and this context doesn't look at it either.
 void MeasureDialog(const Library& library, const std::wstring& url) {
-    QuickContext context(url);
+    obtest::FakeBrowserContext context = bench::QuickPage(url);
     BrowserContext* const page = Opaque(&context);
     auto* const dialog = reinterpret_cast<IFileDialog*>(&context);
     Measure(
@@ -74,13 +73,13 @@ void MeasureDialog(const Library& library, const std::wstring& url) {
 }
 
 bool MeasureFirst(const Library& library, const std::wstring& url) {
-    QuickContext context(url);
+    obtest::FakeBrowserContext context = bench::QuickPage(url);
     OPENFILENAMEW request{};
     request.lStructSize = sizeof(request);
     const Stopwatch watch;
     library.getOpenFileName(&request, &context);
     bench::PrintSeries("first", {watch.Nanoseconds()});
-    return context.Asked() == 1;
+    return context.OwnDialogCount() == 1;
 }
 
 } // namespace

@@ -16,7 +16,7 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "benchmarks/start/DialogWatch.h"
 #include "benchmarks/support/Library.h"
-#include "benchmarks/support/QuickContext.h"
+#include "benchmarks/support/QuickPage.h"
 #include "benchmarks/support/Series.h"
 
 namespace {
@@ -41,7 +41,7 @@ void Pump(HANDLE process) {
 }
 
 double TimeOpenFileName(const bench::Library& library, HWND owner) {
-    bench::QuickContext page(kMailPage);
+    obtest::FakeBrowserContext page = bench::QuickPage(kMailPage);
     std::vector<wchar_t> files(kFileCapacity, L'\0');
     OPENFILENAMEW request{};
     request.lStructSize = sizeof(request);
@@ -51,11 +51,11 @@ double TimeOpenFileName(const bench::Library& library, HWND owner) {
     request.Flags = OFN_ALLOWMULTISELECT | OFN_EXPLORER;
     bench::DialogWatch watch;
     library.getOpenFileName(&request, &page);
-    return page.Asked() == 0 ? watch.Milliseconds() : -1;
+    return page.OwnDialogCount() == 0 ? watch.Milliseconds() : -1;
 }
 
 double TimeShow(const bench::Library& library, HWND owner) {
-    bench::QuickContext page(kMailPage);
+    obtest::FakeBrowserContext page = bench::QuickPage(kMailPage);
     ObLib::ComPtr<IFileOpenDialog> dialog;
     if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER,
                                 IID_IFileOpenDialog, reinterpret_cast<void**>(dialog.Put())))) {
@@ -63,7 +63,7 @@ double TimeShow(const bench::Library& library, HWND owner) {
     }
     bench::DialogWatch watch;
     library.show(dialog.Get(), owner, &page);
-    return page.Asked() == 0 ? watch.Milliseconds() : -1;
+    return page.OwnDialogCount() == 0 ? watch.Milliseconds() : -1;
 }
 
 double TimeBare(HWND owner, const wchar_t* extra) {

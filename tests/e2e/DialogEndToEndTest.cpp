@@ -1,4 +1,6 @@
 // Whole requests of a page that calls IFileDialog.
+#include <gmock/gmock.h>
+
 #include "tests/e2e/RealRequest.h"
 #include "tests/e2e/ZipContents.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -6,6 +8,8 @@
 namespace obtest {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
 using Texts = std::vector<std::wstring>;
 
 class DialogEndToEnd : public RealRequest {};
@@ -21,7 +25,7 @@ TEST_F(DialogEndToEnd, GivesOneFileAsItIs) {
     Texts paths;
     EXPECT_EQ(GetResults(paths), S_OK);
     EXPECT_EQ(paths, Texts{file});
-    EXPECT_EQ(browser_.ownDialogs, Texts{});
+    EXPECT_THAT(browser_.OwnDialogs(), IsEmpty());
     EXPECT_EQ(browser_.cleanupFolder, std::nullopt);
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
@@ -38,7 +42,7 @@ TEST_F(DialogEndToEnd, GivesThreeFilesAsAListAndNotAsASingleResult) {
     Texts paths;
     EXPECT_EQ(GetResults(paths), S_OK);
     EXPECT_EQ(paths, files);
-    EXPECT_EQ(browser_.ownDialogs, Texts{});
+    EXPECT_THAT(browser_.OwnDialogs(), IsEmpty());
 }
 
 TEST_F(DialogEndToEnd, GivesOneZipOfTwoFiles) {
@@ -81,9 +85,9 @@ TEST_F(DialogEndToEnd, GivesNothingAfterCancelAndPassesResultQueriesToTheBrowser
     EXPECT_TRUE(driver.Done());
     std::wstring path;
     Texts paths;
-    EXPECT_EQ(GetResult(path), E_FAIL);
-    EXPECT_EQ(GetResults(paths), E_FAIL);
-    EXPECT_EQ(browser_.ownDialogs, (Texts{L"result", L"results"}));
+    EXPECT_EQ(GetResult(path), browser_.getResultAnswer);
+    EXPECT_EQ(GetResults(paths), browser_.getResultsAnswer);
+    EXPECT_THAT(browser_.OwnDialogs(), ElementsAre("CallGetResult", "CallGetResults"));
 }
 
 TEST_F(DialogEndToEnd, KeepsThePickerOpenWhenThePageTakesOneFile) {
@@ -104,16 +108,16 @@ TEST_F(DialogEndToEnd, KeepsThePickerOpenWhenThePageTakesOneFile) {
 }
 
 TEST_F(DialogEndToEnd, ShowsTheBrowsersOwnDialogOnAPageThatIsNoMail) {
-    browser_.url = L"https://example.org/upload";
-    EXPECT_EQ(AskShow(), S_OK);
-    EXPECT_EQ(browser_.ownDialogs, Texts{L"show"});
-    EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
+    browser_.pageUrl = L"https://example.org/upload";
+    EXPECT_EQ(AskShow(), browser_.showAnswer);
+    EXPECT_THAT(browser_.OwnDialogs(), ElementsAre("CallShow"));
+    EXPECT_EQ(browser_.Count(BrowserCall::IsPickerWanted), 0u);
 }
 
 TEST_F(DialogEndToEnd, ShowsTheBrowsersOwnDialogWhenTheHookVetoes) {
     browser_.pickerWanted = false;
-    EXPECT_EQ(AskShow(), S_OK);
-    EXPECT_EQ(browser_.ownDialogs, Texts{L"show"});
+    EXPECT_EQ(AskShow(), browser_.showAnswer);
+    EXPECT_THAT(browser_.OwnDialogs(), ElementsAre("CallShow"));
 }
 
 TEST_F(DialogEndToEnd, RemovesAResultWhenTheNextDialogStarts) {
@@ -127,7 +131,7 @@ TEST_F(DialogEndToEnd, RemovesAResultWhenTheNextDialogStarts) {
     EXPECT_EQ(AskShow(), kCancelled);
     EXPECT_TRUE(driver.Done());
     std::wstring path;
-    EXPECT_EQ(GetResult(path), E_FAIL);
+    EXPECT_EQ(GetResult(path), browser_.getResultAnswer);
     EXPECT_EQ(path, L"");
 }
 

@@ -1,9 +1,13 @@
 // Whole requests while a file of the product is missing.
+#include <gmock/gmock.h>
+
 #include "tests/e2e/RealRequest.h"
 
 namespace obtest {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
 using Texts = std::vector<std::wstring>;
 
 // Moves a file of C:\app away for a scope.
@@ -28,16 +32,16 @@ class MissingArchiveService : public RealRequest {};
 
 TEST_F(MissingArchiveService, LeadsToTheBrowsersOwnDialog) {
     const Missing service(L"obofcsvc64.dll");
-    EXPECT_EQ(AskOpen().result, 7);
-    EXPECT_EQ(AskShow(), S_OK);
-    EXPECT_EQ(browser_.ownDialogs, (Texts{L"open", L"show"}));
-    EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
+    EXPECT_EQ(AskOpen().result, browser_.openFileNameAnswer);
+    EXPECT_EQ(AskShow(), browser_.showAnswer);
+    EXPECT_THAT(browser_.OwnDialogs(), ElementsAre("CallGetOpenFileName", "CallShow"));
+    EXPECT_EQ(browser_.Count(BrowserCall::IsPickerWanted), 0u);
 }
 
 TEST_F(MissingArchiveService, IsFoundByTheNextRequestOnceItIsThereAgain) {
     {
         const Missing service(L"obofcsvc64.dll");
-        EXPECT_EQ(AskOpen().result, 7);
+        EXPECT_EQ(AskOpen().result, browser_.openFileNameAnswer);
     }
     const std::wstring file = files_.File(L"back.txt");
     PickerUiDriver driver(Pick(Choice::None, {file}));
@@ -54,7 +58,7 @@ TEST_F(MissingModules, WithoutTheProviderManagerThePageGetsACancel) {
     EXPECT_EQ(answer.given, Texts{});
     EXPECT_EQ(answer.ownerAfterwards, Owner());
     EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_EQ(browser_.ownDialogs, Texts{});
+    EXPECT_THAT(browser_.OwnDialogs(), IsEmpty());
 }
 
 TEST_F(MissingModules, WithoutTheHostThePageGetsACancel) {
@@ -64,7 +68,7 @@ TEST_F(MissingModules, WithoutTheHostThePageGetsACancel) {
     EXPECT_EQ(answer.given, Texts{});
     EXPECT_EQ(answer.ownerAfterwards, Owner());
     EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_EQ(browser_.ownDialogs, Texts{});
+    EXPECT_THAT(browser_.OwnDialogs(), IsEmpty());
 }
 
 } // namespace

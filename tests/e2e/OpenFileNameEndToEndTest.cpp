@@ -1,4 +1,6 @@
 // Whole requests of a page that calls GetOpenFileNameW.
+#include <gmock/gmock.h>
+
 #include "tests/e2e/RealRequest.h"
 #include "tests/e2e/ZipContents.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -8,6 +10,8 @@
 namespace obtest {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
 using Texts = std::vector<std::wstring>;
 
 constexpr std::uint16_t kDeflate = 8;
@@ -25,7 +29,7 @@ protected:
 };
 
 // Deletes what a run leaves, as the next test counts what is in the folder.
-void RemoveOutput(const FakeBrowser& browser) {
+void RemoveOutput(const FakeBrowserContext& browser) {
     if (browser.cleanupFolder)
         RemoveTree(
             browser.cleanupFolder->substr(0, browser.cleanupFolder->find_last_not_of(L'\\') + 1));
@@ -40,7 +44,7 @@ TEST_F(OpenFileNameEndToEnd, GivesOneFileAsItIs) {
     EXPECT_EQ(answer.given, Texts{file});
     EXPECT_EQ(ReadFileContent(file), "Dear all");
     EXPECT_EQ(browser_.cleanupFolder, std::nullopt);
-    EXPECT_EQ(browser_.links, Texts{});
+    EXPECT_EQ(browser_.delivered, Texts{});
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
@@ -151,7 +155,7 @@ TEST_F(OpenFileNameEndToEnd, GivesNothingAfterCancel) {
     EXPECT_TRUE(driver.Done());
     EXPECT_EQ(answer.result, FALSE);
     EXPECT_EQ(answer.given, Texts{});
-    EXPECT_EQ(browser_.ownDialogs, Texts{});
+    EXPECT_THAT(browser_.OwnDialogs(), IsEmpty());
     EXPECT_EQ(LeftInTemp(), Texts{});
 }
 
@@ -215,18 +219,18 @@ TEST_F(OpenFileNameEndToEnd, OffersOnlyEncryptionWhereTheAdministratorWantsIt) {
 }
 
 TEST_F(OpenFileNameEndToEnd, ShowsTheBrowsersOwnDialogOnAPageThatIsNoMail) {
-    browser_.url = L"https://example.org/upload";
+    browser_.pageUrl = L"https://example.org/upload";
     const OpenAnswer answer = AskOpen();
-    EXPECT_EQ(answer.result, 7);
-    EXPECT_EQ(browser_.ownDialogs, Texts{L"open"});
-    EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
+    EXPECT_EQ(answer.result, browser_.openFileNameAnswer);
+    EXPECT_THAT(browser_.OwnDialogs(), ElementsAre("CallGetOpenFileName"));
+    EXPECT_EQ(browser_.Count(BrowserCall::IsPickerWanted), 0u);
 }
 
 TEST_F(OpenFileNameEndToEnd, ShowsTheBrowsersOwnDialogWhenTheHookVetoes) {
     browser_.pickerWanted = false;
-    EXPECT_EQ(AskOpen().result, 7);
-    EXPECT_EQ(browser_.ownDialogs, Texts{L"open"});
-    EXPECT_EQ(browser_.timesAskedWhetherWanted, 1);
+    EXPECT_EQ(AskOpen().result, browser_.openFileNameAnswer);
+    EXPECT_THAT(browser_.OwnDialogs(), ElementsAre("CallGetOpenFileName"));
+    EXPECT_EQ(browser_.Count(BrowserCall::IsPickerWanted), 1u);
 }
 
 TEST_F(OpenFileNameEndToEnd, ServesOneRequestAfterAnother) {

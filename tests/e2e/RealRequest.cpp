@@ -39,36 +39,6 @@ void Choose(const OpenPicker& picker, const std::wstring& text) {
 
 } // namespace
 
-BOOL FakeBrowser::CallGetOpenFileName(OPENFILENAMEW*) {
-    ownDialogs.push_back(L"open");
-    return 7;
-}
-
-HRESULT FakeBrowser::CallShow(IFileDialog*, HWND) {
-    ownDialogs.push_back(L"show");
-    return S_OK;
-}
-
-HRESULT FakeBrowser::CallGetResult(IFileDialog*, IShellItem**) {
-    ownDialogs.push_back(L"result");
-    return E_FAIL;
-}
-
-HRESULT FakeBrowser::CallGetResults(IFileDialog*, IShellItemArray**) {
-    ownDialogs.push_back(L"results");
-    return E_FAIL;
-}
-
-std::uint8_t FakeBrowser::IsPickerWanted() {
-    ++timesAskedWhetherWanted;
-    return pickerWanted ? 1 : 0;
-}
-
-void FakeBrowser::NoteCleanupFiles(const wchar_t* folder, const wchar_t* file) {
-    cleanupFolder = folder;
-    if (file) cleanupFile = file;
-}
-
 void RealRequest::SetUp() {
     ASSERT_HRESULT_SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
     ClearProductRegistry();

@@ -9,12 +9,11 @@
 #include <shobjidl.h>
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "contracts/BrowserContext.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/Utf8.h"
@@ -25,30 +24,6 @@ inline constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
 
 // The product's choices, by their text ids.
 enum class Choice : UINT { Zip = 101, Encrypt = 102, None = 103 };
-
-// A browser with a mail page, which records the calls that it gets.
-class FakeBrowser final : public obcontract::BrowserContext {
-public:
-    BOOL CallGetOpenFileName(OPENFILENAMEW* request) override;
-    HRESULT CallShow(IFileDialog* dialog, HWND owner) override;
-    HRESULT CallGetResult(IFileDialog* dialog, IShellItem** out) override;
-    HRESULT CallGetResults(IFileDialog* dialog, IShellItemArray** out) override;
-    const wchar_t* GetPageUrl() override { return url.c_str(); }
-    const wchar_t* const* GetBrowserWindowClasses() override { return nullptr; }
-    std::int32_t GetBrowserWindowClassCount() override { return 0; }
-    std::uint8_t IsPickerWanted() override;
-    void InsertLinkText(const wchar_t* text) override { links.push_back(text); }
-    void NoteCleanupFiles(const wchar_t* folder, const wchar_t* file) override;
-
-    std::wstring url = L"https://mail.google.com/mail/u/0/#inbox?compose=new";
-    bool pickerWanted = true;
-
-    int timesAskedWhetherWanted = 0;
-    std::vector<std::wstring> ownDialogs; // "open", "show", "result", "results"
-    std::vector<std::wstring> links;
-    std::optional<std::wstring> cleanupFolder;
-    std::optional<std::wstring> cleanupFile;
-};
 
 // The library is loaded anew for each test and unloaded after it.
 class RealRequest : public testing::Test {
@@ -86,7 +61,7 @@ protected:
     std::vector<std::wstring> LeftInTemp() const;
     static std::wstring TempFolder();
 
-    FakeBrowser browser_;
+    FakeBrowserContext browser_;
     TestFolder files_;
 
 private:

@@ -25,7 +25,7 @@ protected:
     void TearDown() override {
         EXPECT_TRUE(boxes_.Seen().empty()) << "a box: " << Utf8(boxes_.Seen().front().text);
         EXPECT_FALSE(FindWindowW(L"WebVellantLayer", nullptr)) << "a layer is left";
-        EXPECT_EQ(browser_.ownDialogs, Texts{});
+        EXPECT_EQ(browser_.OwnDialogCount(), 0u);
         EXPECT_EQ(ReadFileContent(one_), "first");
         EXPECT_EQ(ReadFileContent(two_), "second");
         RealRequest::TearDown();

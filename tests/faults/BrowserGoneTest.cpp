@@ -8,6 +8,7 @@
 #include "obwmv/BrowserRequest.h"
 #include "tests/fakes/Recording.h"
 #include "tests/fakes/host/HostScript.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 #include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
@@ -39,6 +40,7 @@ protected:
 
     void TearDown() override {
         EXPECT_FALSE(FindWindowW(L"WebVellantLayer", nullptr)) << "a layer is left";
+        EXPECT_TRUE(context_.OnlyDelivered());
         obcore::Results().clear();
     }
 
@@ -60,7 +62,7 @@ protected:
     wchar_t file_[100] = {};
     OPENFILENAMEW request_ = {};
     obtest::BrowserWindow browser_;
-    obtest::DeliveryContext context_;
+    obtest::FakeBrowserContext context_;
     obtest::CallersDialog dialog_;
     bool done_ = false;
 };

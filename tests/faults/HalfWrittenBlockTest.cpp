@@ -11,6 +11,7 @@
 #include "tests/fakes/Recording.h"
 #include "tests/fakes/host/HostScript.h"
 #include "tests/faults/HostProcess.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 #include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
@@ -57,6 +58,7 @@ protected:
     void ExpectNothingDelivered() const {
         EXPECT_EQ(std::wstring(file_, kCapacity), std::wstring(kCapacity, L'#'));
         EXPECT_TRUE(context_.delivered.empty());
+        EXPECT_TRUE(context_.OnlyDelivered());
         EXPECT_TRUE(obcore::Results().empty());
         EXPECT_TRUE(browser_.Enabled());
     }
@@ -67,7 +69,7 @@ protected:
     wchar_t file_[kCapacity];
     OPENFILENAMEW request_ = {};
     obtest::BrowserWindow browser_;
-    obtest::DeliveryContext context_;
+    obtest::FakeBrowserContext context_;
     obtest::CallersDialog dialog_;
 };
 

@@ -1,5 +1,7 @@
 // The host is killed at each step of a request. In each case the page gets a cancel, no message is
 // shown, the browser takes input again, and the user's files are unchanged.
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <thread>
 
@@ -30,9 +32,8 @@ protected:
         EXPECT_EQ(ReadFileContent(one_), "first");
         EXPECT_EQ(ReadFileContent(two_), "second");
         EXPECT_TRUE(boxes_.Seen().empty()) << "a box: " << Utf8(boxes_.Seen().front().text);
-        EXPECT_EQ(browser_.ownDialogs, Texts{});
-        EXPECT_EQ(browser_.links, Texts{});
-        EXPECT_EQ(browser_.cleanupFolder, std::nullopt);
+        EXPECT_EQ(browser_.OwnDialogCount(), 0u);
+        EXPECT_EQ(browser_.delivered, Texts{});
         for (const std::wstring& item : LeftInTemp())
             if (item.find(L'\\') == item.size() - 1)
                 RemoveTree(TempFolder() + L"\\" + item.substr(0, item.size() - 1));
@@ -159,9 +160,9 @@ TEST_F(HostKilled, DuringTheZipOnTheDialogPath) {
     EXPECT_TRUE(driver.Done());
     // The dialog gave no result, so the page's query is passed to the browser.
     std::wstring path;
-    EXPECT_EQ(GetResult(path), E_FAIL);
-    EXPECT_EQ(browser_.ownDialogs, Texts{L"result"});
-    browser_.ownDialogs.clear();
+    EXPECT_EQ(GetResult(path), browser_.getResultAnswer);
+    EXPECT_THAT(browser_.OwnDialogs(), testing::ElementsAre("CallGetResult"));
+    browser_.Clear();
     EXPECT_EQ(Left(), (Texts{L"1\\", L"1\\one.txt", L"1\\two.txt", L"2\\"}));
 }
 
@@ -243,10 +244,10 @@ TEST_F(HostKilledAsItWrites, ThePathsOfTheDialogPathGiveThePageNoFile) {
     EXPECT_EQ(AskShow(), kCancelled);
     EXPECT_TRUE(driver.Done());
     Texts paths;
-    EXPECT_EQ(GetResults(paths), E_FAIL);
+    EXPECT_EQ(GetResults(paths), browser_.getResultsAnswer);
     EXPECT_EQ(paths, Texts{});
-    EXPECT_EQ(browser_.ownDialogs, Texts{L"results"});
-    browser_.ownDialogs.clear();
+    EXPECT_THAT(browser_.OwnDialogs(), testing::ElementsAre("CallGetResults"));
+    browser_.Clear();
     EXPECT_EQ(Left(), Texts{});
 }
 
@@ -275,10 +276,10 @@ TEST_F(HostKilled, AfterItsResultOnTheDialogPath) {
     EXPECT_EQ(AskShow(), kCancelled);
     EXPECT_TRUE(driver.Done());
     std::vector<std::wstring> paths;
-    EXPECT_EQ(GetResults(paths), E_FAIL);
+    EXPECT_EQ(GetResults(paths), browser_.getResultsAnswer);
     EXPECT_EQ(paths, Texts{});
-    EXPECT_EQ(browser_.ownDialogs, Texts{L"results"});
-    browser_.ownDialogs.clear();
+    EXPECT_THAT(browser_.OwnDialogs(), testing::ElementsAre("CallGetResults"));
+    browser_.Clear();
 }
 
 TEST_F(HostKilled, WhileItsProcessEnds) {

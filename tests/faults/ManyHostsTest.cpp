@@ -142,6 +142,7 @@ TEST_F(ManyHosts, LeaveNothingInTheBrowserAndNothingInTheSystem) {
     const Starts starts("kernel32.dll", "CreateProcessW", &StartAndCountRefusals,
                         GetModuleHandleW(L"obwmcore64.dll"));
     ASSERT_TRUE(starts.Ok());
+    browser_.keepsCalls = false; // as the memory of this process is measured
     for (int round = 0; round < 20; ++round)
         ASSERT_NO_FATAL_FAILURE(Ask(round)); // allocates what is allocated once
     const ProcessResources before = ProcessResources::Now();
@@ -153,7 +154,7 @@ TEST_F(ManyHosts, LeaveNothingInTheBrowserAndNothingInTheSystem) {
     EXPECT_FALSE(HostRuns());
     EXPECT_FALSE(SectionIsLeft(static_cast<int>(GetCurrentThreadId())));
     for (int id = 1; id <= rounds.Played(); ++id) EXPECT_FALSE(SectionIsLeft(id)) << id;
-    EXPECT_EQ(browser_.ownDialogs, Texts{});
+    EXPECT_EQ(browser_.OwnDialogCount(), 0u);
 }
 
 } // namespace

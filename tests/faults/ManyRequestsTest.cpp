@@ -12,6 +12,7 @@
 #include "tests/fakes/Recording.h"
 #include "tests/fakes/host/HostScript.h"
 #include "tests/faults/ProcessResources.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 #include "tests/unit/WebVellant/obwmv/RequestSupport.h"
@@ -34,7 +35,10 @@ protected:
         request_.hwndOwner = browser_.Page();
         request_.lpstrFile = file_;
         request_.nMaxFile = 100;
+        context_.keepsCalls = false; // as the memory of this process is measured
     }
+
+    void TearDown() override { EXPECT_TRUE(context_.OnlyDelivered()); }
 
     void Ask(int round) {
         const bool open = round % 2 == 0;
@@ -54,7 +58,7 @@ protected:
     wchar_t file_[100] = {};
     OPENFILENAMEW request_ = {};
     obtest::BrowserWindow browser_;
-    obtest::DeliveryContext context_;
+    obtest::FakeBrowserContext context_;
     obtest::CallersDialog dialog_;
 };
 

@@ -87,7 +87,7 @@ protected:
         EXPECT_EQ(answer.result, FALSE);
         EXPECT_EQ(answer.given, Texts{});
         EXPECT_EQ(AskShow(), kCancelled);
-        EXPECT_EQ(browser_.ownDialogs, Texts{});
+        EXPECT_EQ(browser_.OwnDialogCount(), 0u);
     }
 
     std::wstring file_;
@@ -159,16 +159,17 @@ TEST_F(OddArchiveService, ThatIsPlantedOrLacksAnEntryLeadsToTheBrowsersOwnDialog
     {
         const AbsentModule service(kArchive);
         ASSERT_TRUE(service.Ok());
-        EXPECT_EQ(AskOpen().result, 7);
-        EXPECT_EQ(AskShow(), S_OK);
+        EXPECT_EQ(AskOpen().result, browser_.openFileNameAnswer);
+        EXPECT_EQ(AskShow(), browser_.showAnswer);
     }
     {
         const InPlaceOf service(kArchive, L"odd\\archive_incomplete.dll");
-        EXPECT_EQ(AskOpen().result, 7);
-        EXPECT_EQ(AskShow(), S_OK);
+        EXPECT_EQ(AskOpen().result, browser_.openFileNameAnswer);
+        EXPECT_EQ(AskShow(), browser_.showAnswer);
     }
-    EXPECT_EQ(browser_.ownDialogs, (Texts{L"open", L"show", L"open", L"show"}));
-    EXPECT_EQ(browser_.timesAskedWhetherWanted, 0);
+    EXPECT_EQ(browser_.OwnDialogs(), (std::vector<std::string>{"CallGetOpenFileName", "CallShow",
+                                                               "CallGetOpenFileName", "CallShow"}));
+    EXPECT_EQ(browser_.Count(BrowserCall::IsPickerWanted), 0u);
     ExpectServed();
 }
 

@@ -10,11 +10,13 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "obwmv/BrowserRequest.h"
 #include "tests/fakes/host/HostScript.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 #include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 
+using obtest::BrowserCall;
 using obtest::HostScript;
 using Lines = std::vector<std::wstring>;
 
@@ -55,6 +57,8 @@ protected:
         request_.nMaxFile = kCapacity;
     }
 
+    void TearDown() override { EXPECT_TRUE(context_.OnlyDelivered()); }
+
     BOOL Open(const std::wstring& script) {
         HostScript::Play(script);
         return obwmv::RunOpenFileNameRequest(&request_, &context_);
@@ -72,7 +76,7 @@ protected:
     wchar_t file_[kCapacity];
     OPENFILENAMEW request_ = {};
     obtest::BrowserWindow browser_;
-    obtest::DeliveryContext context_;
+    obtest::FakeBrowserContext context_;
 };
 
 const wchar_t kAnswer[] = L"status 3\nslot \"C:\\f\"\nresult 1";
@@ -140,19 +144,13 @@ TEST_F(SectionName, OfAnotherProgramThatWritesMeanwhileIsReadFromAPrivateCopy) {
     const Squatter other(Name(), 65536, 0);
     ASSERT_TRUE(other.Bytes());
 
-    class Scribbler : public obtest::DeliveryContext {
-    public:
-        std::uint8_t* block = nullptr;
-        void InsertLinkText(const wchar_t* text) override {
-            std::memset(block, 0x41, 65536);
-            DeliveryContext::InsertLinkText(text);
-        }
-    } scribbler;
-    scribbler.block = other.Bytes();
-    HostScript::Play(L"status 2\ntext 76 \"https://cloud/1\"\npoke32 24 76\nresult 0\n"
-                     L"text 1000 \"C:\\t\"\npoke32 16 1000\npoke32 20 0");
-    EXPECT_EQ(obwmv::RunOpenFileNameRequest(&request_, &scribbler), 0);
-    EXPECT_EQ(scribbler.delivered, (Lines{L"link https://cloud/1", L"cleanup [C:\\t] null"}));
+    context_.onCall = [&](BrowserCall call) {
+        if (call == BrowserCall::InsertLinkText) std::memset(other.Bytes(), 0x41, 65536);
+    };
+    EXPECT_EQ(Open(L"status 2\ntext 76 \"https://cloud/1\"\npoke32 24 76\nresult 0\n"
+                   L"text 1000 \"C:\\t\"\npoke32 16 1000\npoke32 20 0"),
+              0);
+    EXPECT_EQ(context_.delivered, (Lines{L"link https://cloud/1", L"cleanup [C:\\t] null"}));
 }
 
 } // namespace

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/contract/entry/LoadedLibrary.h"
-#include "tests/contract/entry/PageContext.h"
 #include "tests/fakes/host/HostScript.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/support/TestFolder.h"
 
 namespace {
@@ -52,7 +52,7 @@ protected:
     }
 
     const obtest::LoadedLibrary library_;
-    obtest::PageContext context_;
+    obtest::FakeBrowserContext context_;
     obtest::TestFolder folder_;
     const ComPtr<IFileDialog> dialog_ = MakeDialog();
 };
@@ -67,7 +67,7 @@ TEST_F(DialogContract, GivesThreePickedFilesAsAnArrayAndNotAsOne) {
     DWORD count = 0;
     EXPECT_EQ(GetResults(dialog_, &count), 0);
     EXPECT_EQ(count, 3u);
-    EXPECT_THAT(context_.asked, IsEmpty());
+    EXPECT_THAT(context_.OwnDialogs(), IsEmpty());
 }
 
 TEST_F(DialogContract, GivesOnePickedFileBothWays) {
@@ -81,9 +81,9 @@ TEST_F(DialogContract, GivesOnePickedFileBothWays) {
 
 TEST_F(DialogContract, KeepsNothingOfACancelledRun) {
     EXPECT_EQ(Show(dialog_), kCancel);
-    EXPECT_EQ(GetResult(dialog_), 0x00041002);
-    EXPECT_EQ(GetResults(dialog_), 0x00041003);
-    EXPECT_THAT(context_.asked, ElementsAre("CallGetResult", "CallGetResults"));
+    EXPECT_EQ(GetResult(dialog_), context_.getResultAnswer);
+    EXPECT_EQ(GetResults(dialog_), context_.getResultsAnswer);
+    EXPECT_THAT(context_.OwnDialogs(), ElementsAre("CallGetResult", "CallGetResults"));
 }
 
 TEST_F(DialogContract, DropsTheResultOfTheDialogBefore) {
@@ -93,8 +93,8 @@ TEST_F(DialogContract, DropsTheResultOfTheDialogBefore) {
     ASSERT_TRUE(second);
     HostScript::Play(L"result 0x800704C7");
     EXPECT_EQ(Show(second), kCancel);
-    EXPECT_EQ(GetResult(dialog_), 0x00041002);
-    EXPECT_EQ(GetResults(dialog_), 0x00041003);
+    EXPECT_EQ(GetResult(dialog_), context_.getResultAnswer);
+    EXPECT_EQ(GetResults(dialog_), context_.getResultsAnswer);
 }
 
 TEST_F(DialogContract, DropsTheResultAlsoWhenTheNextRunFails) {
@@ -102,13 +102,13 @@ TEST_F(DialogContract, DropsTheResultAlsoWhenTheNextRunFails) {
     EXPECT_EQ(Show(dialog_), S_OK);
     HostScript::Play(L"exit 4");
     EXPECT_EQ(Show(dialog_), kCancel);
-    EXPECT_EQ(GetResult(dialog_), 0x00041002);
+    EXPECT_EQ(GetResult(dialog_), context_.getResultAnswer);
 }
 
 TEST_F(DialogContract, GivesAVetoedRequestToTheBrowser) {
-    context_.wanted = 0;
-    EXPECT_EQ(Show(dialog_), 0x00041001);
-    EXPECT_THAT(context_.asked, ElementsAre("CallShow"));
+    context_.pickerWanted = 0;
+    EXPECT_EQ(Show(dialog_), context_.showAnswer);
+    EXPECT_THAT(context_.OwnDialogs(), ElementsAre("CallShow"));
     EXPECT_THAT(HostScript::Record(), IsEmpty());
 }
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "tests/contract/entry/LoadedLibrary.h"
-#include "tests/contract/entry/PageContext.h"
 #include "tests/fakes/host/HostScript.h"
+#include "tests/support/FakeBrowserContext.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ TEST(LibraryFile, FreesTheArchiveServiceWhenItIsUnloaded) {
         const obtest::LoadedLibrary library;
         ASSERT_TRUE(library.module);
         obtest::HostScript::Play(L"exit 1");
-        obtest::PageContext context;
+        obtest::FakeBrowserContext context;
         OPENFILENAMEW request{.lStructSize = sizeof(OPENFILENAMEW)};
         EXPECT_EQ(library.getOpenFileName(&request, &context), 0);
         EXPECT_NE(GetModuleHandleW(L"obofcsvc64.dll"), nullptr);

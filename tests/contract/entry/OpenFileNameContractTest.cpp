@@ -6,14 +6,15 @@
 #include <commctrl.h>
 
 #include "tests/contract/entry/LoadedLibrary.h"
-#include "tests/contract/entry/PageContext.h"
 #include "tests/fakes/host/HostScript.h"
 #include "tests/support/AbsentModule.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/support/ImportPatch.h"
 
 namespace {
 
 using obtest::AbsentModule;
+using obtest::BrowserCall;
 using obtest::HostScript;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -49,7 +50,7 @@ protected:
     }
 
     const obtest::LoadedLibrary library_;
-    obtest::PageContext context_;
+    obtest::FakeBrowserContext context_;
     wchar_t files_[1000] = L"untouched";
     OPENFILENAMEW request_{.lStructSize = sizeof(OPENFILENAMEW)};
 };
@@ -58,7 +59,7 @@ TEST_F(OpenFileNameContract, GivesThePageThePathThatTheHostAnswered) {
     HostScript::Play(L"status 3\nslot \"C:\\temp\\mail.zip\"\nresult 1");
     EXPECT_EQ(Ask(), 1);
     EXPECT_STREQ(files_, L"C:\\temp\\mail.zip");
-    EXPECT_THAT(context_.asked, IsEmpty());
+    EXPECT_THAT(context_.OwnDialogs(), IsEmpty());
     EXPECT_FALSE(BlockExists());
     EXPECT_EQ(request_.hwndOwner, nullptr);
 }
@@ -66,7 +67,7 @@ TEST_F(OpenFileNameContract, GivesThePageThePathThatTheHostAnswered) {
 TEST_F(OpenFileNameContract, GivesThePageALinkText) {
     HostScript::Play(L"text 76 \"https://cloud.example/1\"\npoke32 24 76\nstatus 2\nresult 0");
     EXPECT_EQ(Ask(), 0);
-    EXPECT_THAT(context_.links, ElementsAre(L"https://cloud.example/1"));
+    EXPECT_THAT(context_.delivered, ElementsAre(L"link https://cloud.example/1"));
     EXPECT_STREQ(files_, L"untouched");
 }
 
@@ -75,7 +76,7 @@ TEST_F(OpenFileNameContract, RestoresTheOwnerAfterAHostFailure) {
     EXPECT_EQ(Ask(), 0);
     EXPECT_EQ(request_.hwndOwner, nullptr);
     EXPECT_STREQ(files_, L"untouched");
-    EXPECT_THAT(context_.asked, IsEmpty());
+    EXPECT_THAT(context_.OwnDialogs(), IsEmpty());
 }
 
 TEST_F(OpenFileNameContract, GivesTheCallersOwnerBackAfterEveryEndOfTheHost) {
@@ -93,38 +94,40 @@ TEST_F(OpenFileNameContract, GivesTheCallersOwnerBackAfterEveryEndOfTheHost) {
         EXPECT_EQ(request_.hwndOwner, asking.Get());
         EXPECT_TRUE(IsWindowEnabled(main.Get()));
     }
-    EXPECT_THAT(context_.asked, IsEmpty());
+    EXPECT_THAT(context_.OwnDialogs(), IsEmpty());
 }
 
 TEST_F(OpenFileNameContract, ReadsAsACancelWhenTheHostIsMissing) {
     const AbsentModule host(L"obwmvapp.exe");
     ASSERT_TRUE(host.Ok());
     EXPECT_EQ(Ask(), 0);
-    EXPECT_THAT(context_.asked, IsEmpty());
+    EXPECT_THAT(context_.OwnDialogs(), IsEmpty());
     EXPECT_EQ(request_.hwndOwner, nullptr);
 }
 
 TEST_F(OpenFileNameContract, MakesNoBlockAndNoHostForAVetoedRequest) {
-    context_.wanted = 0;
+    context_.pickerWanted = 0;
     bool block = true;
-    context_.onBrowserDialog = [&] { block = BlockExists(); };
-    EXPECT_EQ(Ask(), 9);
+    context_.onCall = [&](BrowserCall call) {
+        if (call == BrowserCall::CallGetOpenFileName) block = BlockExists();
+    };
+    EXPECT_EQ(Ask(), context_.openFileNameAnswer);
     EXPECT_FALSE(block);
     EXPECT_THAT(HostScript::Record(), IsEmpty());
 }
 
 TEST_F(OpenFileNameContract, LeavesOtherPagesToTheBrowser) {
-    context_.url = L"https://www.example.com/upload";
-    EXPECT_EQ(Ask(), 9);
-    EXPECT_THAT(context_.asked, ElementsAre("CallGetOpenFileName"));
+    context_.pageUrl = L"https://www.example.com/upload";
+    EXPECT_EQ(Ask(), context_.openFileNameAnswer);
+    EXPECT_THAT(context_.OwnDialogs(), ElementsAre("CallGetOpenFileName"));
     EXPECT_EQ(GetModuleHandleW(L"obofcsvc64.dll"), nullptr);
 }
 
 TEST_F(OpenFileNameContract, LeavesMailPagesToTheBrowserWithoutTheArchiveService) {
     const AbsentModule service(L"obofcsvc64.dll");
     ASSERT_TRUE(service.Ok());
-    EXPECT_EQ(Ask(), 9);
-    EXPECT_THAT(context_.asked, ElementsAre("CallGetOpenFileName"));
+    EXPECT_EQ(Ask(), context_.openFileNameAnswer);
+    EXPECT_THAT(context_.OwnDialogs(), ElementsAre("CallGetOpenFileName"));
 }
 
 TEST_F(OpenFileNameContract, NeverLoadsTheProviderManagerInTheBrowser) {
@@ -145,7 +148,7 @@ TEST_F(OpenFileNameContract, AsksTheBrowserWhenItsOwnPathFillsTheBuffer) {
     const obtest::ImportPatch<decltype(&GetModuleFileNameW)> name(
         "kernel32.dll", "GetModuleFileNameW", &FillTheBuffer, library_.module.Get());
     ASSERT_TRUE(name.Ok());
-    EXPECT_EQ(Ask(), 9);
+    EXPECT_EQ(Ask(), context_.openFileNameAnswer);
     EXPECT_THAT(HostScript::Record(), IsEmpty());
 }
 
@@ -158,9 +161,11 @@ bool ButtonIsThemed() {
 }
 
 TEST_F(OpenFileNameContract, RunsInTheContextOfItsOwnManifest) {
-    context_.wanted = 0;
+    context_.pickerWanted = 0;
     bool themed = false;
-    context_.onBrowserDialog = [&] { themed = ButtonIsThemed(); };
+    context_.onCall = [&](BrowserCall call) {
+        if (call == BrowserCall::CallGetOpenFileName) themed = ButtonIsThemed();
+    };
     ASSERT_FALSE(ButtonIsThemed());
     Ask();
     EXPECT_TRUE(themed);

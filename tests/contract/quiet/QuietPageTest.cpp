@@ -5,8 +5,8 @@
 #include <string>
 
 #include "tests/contract/entry/LoadedLibrary.h"
-#include "tests/contract/entry/PageContext.h"
 #include "tests/contract/quiet/CallCounter.h"
+#include "tests/support/FakeBrowserContext.h"
 
 namespace obtest {
 namespace {
@@ -39,7 +39,7 @@ class QuietPage : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(library_.module);
-        page_.url = L"https://www.example.com/documents/upload?folder=42#settings";
+        page_.pageUrl = L"https://www.example.com/documents/upload?folder=42#settings";
         request_.lStructSize = sizeof(request_);
     }
 
@@ -47,20 +47,20 @@ protected:
         IFileDialog* const dialog = reinterpret_cast<IFileDialog*>(&page_); // a key, never called
         IShellItem* item = nullptr;
         IShellItemArray* items = nullptr;
-        EXPECT_EQ(9, library_.getOpenFileName(&request_, &page_));
-        EXPECT_EQ(0x00041001, library_.show(dialog, nullptr, &page_));
-        EXPECT_EQ(0x00041002, library_.getResult(dialog, &item, &page_));
-        EXPECT_EQ(0x00041003, library_.getResults(dialog, &items, &page_));
+        EXPECT_EQ(page_.openFileNameAnswer, library_.getOpenFileName(&request_, &page_));
+        EXPECT_EQ(page_.showAnswer, library_.show(dialog, nullptr, &page_));
+        EXPECT_EQ(page_.getResultAnswer, library_.getResult(dialog, &item, &page_));
+        EXPECT_EQ(page_.getResultsAnswer, library_.getResults(dialog, &items, &page_));
     }
 
     void CallManyTimes() {
-        page_.asked.clear();
+        page_.Clear();
         for (int count = 0; count < kRequests; ++count) CallEveryExport();
-        EXPECT_EQ(4U * kRequests, page_.asked.size());
+        EXPECT_EQ(4U * kRequests, page_.OwnDialogCount());
     }
 
     LoadedLibrary library_;
-    PageContext page_;
+    FakeBrowserContext page_;
     OPENFILENAMEW request_{};
 };
 
@@ -106,8 +106,8 @@ TEST_F(QuietPage, IsWatchedByCountersThatCountTheFirstRequestAndAMailPage) {
 
     counter.Clear();
     own.Clear();
-    page_.url = L"https://mail.google.com/mail/u/0/#inbox";
-    page_.wanted = 0;
+    page_.pageUrl = L"https://mail.google.com/mail/u/0/#inbox";
+    page_.pickerWanted = 0;
     library_.getOpenFileName(&request_, &page_);
     EXPECT_EQ(1U, own.Calls()["LoadLibraryW"]) << "the archive service is bound on a mail page";
     EXPECT_NE(Counts(), counter.Calls());

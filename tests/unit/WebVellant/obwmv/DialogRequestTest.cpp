@@ -9,6 +9,7 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "obwmv/BrowserRequest.h"
 #include "tests/fakes/host/HostScript.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 #include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
@@ -24,7 +25,10 @@ const wchar_t kAnswer[] = L"status 4\npoke8 24 9\npoke32 28 76\npoke32 32 78\nun
 class DialogRequest : public testing::Test {
 protected:
     void SetUp() override { obcore::Results().clear(); }
-    void TearDown() override { EXPECT_EQ(dialog.unexpectedCalls, 0); }
+    void TearDown() override {
+        EXPECT_EQ(dialog.unexpectedCalls, 0);
+        EXPECT_TRUE(context.OnlyDelivered());
+    }
 
     HRESULT Run(const std::wstring& script) { return RunFor(dialog, script); }
     HRESULT RunFor(obtest::CallersDialog& caller, const std::wstring& script) {
@@ -37,7 +41,7 @@ protected:
     }
 
     obtest::BrowserWindow browser;
-    obtest::DeliveryContext context;
+    obtest::FakeBrowserContext context;
     obtest::CallersDialog dialog;
 };
 
@@ -61,7 +65,7 @@ TEST_F(DialogRequest, MakesNoTestForForbiddenLinks) {
     context.pageUrl = L"https://mail.google.com/h?view=amf";
     Run(L"dump request.bin");
     EXPECT_EQ(obtest::DumpedBlock(L"request.bin")[8], 0);
-    EXPECT_EQ(context.urlReads, 0);
+    EXPECT_EQ(context.Count(obtest::BrowserCall::GetPageUrl), 0u);
 }
 
 TEST_F(DialogRequest, KeepsThePickedFilesUnderTheDialog) {

@@ -6,13 +6,15 @@
 #include "OBCore/modules/ResourceModule.h"
 #include "obwmv/Exports.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/unit/WebVellant/obwmv/RecordingContext.h"
+#include "tests/unit/WebVellant/obwmv/RequestFakes.h"
 #include "tests/unit/WebVellant/obwmv/TestWindow.h"
 
 using obcontract::BrowserContext;
 
 namespace {
 
+using obtest::BrowserCall;
+using obtest::FakeBrowserContext;
 using obtest::Fakes;
 using obtest::Icon;
 using obtest::ImportPatch;
@@ -24,6 +26,7 @@ protected:
     void SetUp() override {
         obtest::ResetFakes();
         obcore::FreeResourceModule();
+        obtest::NoteCallsOf(context_);
         ASSERT_TRUE(activations_.Ok());
     }
 
@@ -31,7 +34,7 @@ protected:
     static const std::vector<std::string>& Steps() { return Fakes().steps; }
 
     obtest::ActivationRecorder activations_;
-    obtest::RecordingContext context_;
+    FakeBrowserContext context_;
     OPENFILENAMEW request_{.lStructSize = sizeof(OPENFILENAMEW)};
 };
 
@@ -46,7 +49,7 @@ TEST_F(OpenFileNameExport, RunsThePickerBetweenActivationAndDeactivation) {
                 ElementsAre("activate", "GetPageUrl", "UsesBrowserDialog", "IsPickerWanted",
                             "GetBrowserWindowClassCount", "GetBrowserWindowClasses",
                             "RunOpenFileNameRequest", "deactivate"));
-    EXPECT_EQ(Fakes().url, L"https://mail.example/compose");
+    EXPECT_EQ(Fakes().url, context_.pageUrl);
 }
 
 TEST_F(OpenFileNameExport, GivesAPageThatTheRulesRefuseToTheBrowserWithoutAskingTheHook) {
@@ -203,13 +206,12 @@ TEST_F(OpenFileNameExport, BindsItsOwnFileAsDataOnceAndTriesAgainAfterAFailure) 
 }
 
 TEST_F(OpenFileNameExport, GivesAnExceptionBeforeTheRunToTheBrowser) {
-    for (const char* operation : {"GetPageUrl", "IsPickerWanted", "GetBrowserWindowClassCount",
-                                  "GetBrowserWindowClasses"}) {
+    for (const BrowserCall operation : obtest::kCallsBeforeTheRun) {
         Fakes().steps.clear();
         context_.throwsIn = operation;
-        EXPECT_EQ(Ask(), 5) << operation;
+        EXPECT_EQ(Ask(), 5) << NameOf(operation);
         ASSERT_GE(Steps().size(), 3u);
-        EXPECT_EQ(Steps().at(Steps().size() - 3), operation);
+        EXPECT_EQ(Steps().at(Steps().size() - 3), NameOf(operation));
         EXPECT_EQ(Steps().at(Steps().size() - 2), "deactivate");
         EXPECT_EQ(Steps().back(), "CallGetOpenFileName");
     }
@@ -244,7 +246,7 @@ TEST_F(OpenFileNameExport, RestoresAReplacedOwnerWhenTheRunThrows) {
 }
 
 TEST_F(OpenFileNameExport, AsksTheBrowsersDialogOnceAlsoWhenThatThrows) {
-    context_.throwsIn = "CallGetOpenFileName";
+    context_.throwsIn = BrowserCall::CallGetOpenFileName;
     context_.pickerWanted = false;
     EXPECT_EQ(Ask(), FALSE);
     EXPECT_EQ(std::count(Steps().begin(), Steps().end(), "CallGetOpenFileName"), 1);
@@ -282,7 +284,8 @@ protected:
 TEST_F(OpenFileNameWithoutActivation, AsksTheBrowserOutsideTheContext) {
     const obtest::ActivationRecorder activations(true);
     ASSERT_TRUE(activations.Ok());
-    obtest::RecordingContext context;
+    FakeBrowserContext context;
+    obtest::NoteCallsOf(context);
     OPENFILENAMEW request{};
     EXPECT_EQ(GetOpenFileNameInBrowser(&request, &context), 5);
     EXPECT_THAT(Fakes().steps, ElementsAre("activate", "CallGetOpenFileName"));
@@ -291,8 +294,9 @@ TEST_F(OpenFileNameWithoutActivation, AsksTheBrowserOutsideTheContext) {
 TEST_F(OpenFileNameWithoutActivation, StopsAnExceptionOfTheBrowsersDialog) {
     const obtest::ActivationRecorder activations(true);
     ASSERT_TRUE(activations.Ok());
-    obtest::RecordingContext context;
-    context.throwsIn = "CallGetOpenFileName";
+    FakeBrowserContext context;
+    obtest::NoteCallsOf(context);
+    context.throwsIn = BrowserCall::CallGetOpenFileName;
     OPENFILENAMEW request{};
     EXPECT_EQ(GetOpenFileNameInBrowser(&request, &context), FALSE);
     EXPECT_THAT(Fakes().steps, ElementsAre("activate", "CallGetOpenFileName"));

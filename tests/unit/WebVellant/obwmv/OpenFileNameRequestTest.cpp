@@ -9,11 +9,13 @@
 #include "obwmv/BrowserRequest.h"
 #include "obwmv/SiteHosts.h"
 #include "tests/fakes/host/HostScript.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 #include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 
 namespace {
 
+using obtest::BrowserCall;
 using obtest::HostScript;
 using Lines = std::vector<std::wstring>;
 
@@ -32,6 +34,8 @@ protected:
         request.nMaxFile = kCapacity;
     }
 
+    void TearDown() override { EXPECT_TRUE(context.OnlyDelivered()); }
+
     BOOL Run(const std::wstring& script) {
         HostScript::Play(script);
         return obwmv::RunOpenFileNameRequest(&request, &context);
@@ -48,7 +52,7 @@ protected:
     wchar_t file[kCapacity];
     OPENFILENAMEW request = {};
     obtest::BrowserWindow browser;
-    obtest::DeliveryContext context;
+    obtest::FakeBrowserContext context;
 };
 
 TEST_F(OpenFileNameRequest, HandsTheHostTheRequestByteForByte) {
@@ -222,34 +226,22 @@ TEST_F(OpenFileNameRequest, CleansUpAlsoAfterALinkOrACancel) {
     EXPECT_EQ(context.delivered, Lines{L"cleanup [C:\\t] null"});
 }
 
-// Records, while the names to clean up are reported, what exists at that moment.
-class WatchingContext : public obtest::DeliveryContext {
-public:
-    std::wstring blockName;
-    const wchar_t* file = nullptr;
-    std::wstring fileThen;
-    bool blockExistedThen = false;
-
-    void NoteCleanupFiles(const wchar_t*, const wchar_t*) override {
-        fileThen = file;
-        const ObLib::UniqueKernelHandle block(
-            OpenFileMappingW(FILE_MAP_READ, FALSE, blockName.c_str()));
-        blockExistedThen = static_cast<bool>(block);
-    }
-};
-
-TEST_F(OpenFileNameRequest, CleansUpAfterTheFileAndBeforeTheBlockIsReleased) {
-    WatchingContext watching;
-    watching.blockName = BlockName();
-    watching.file = file;
-    HostScript::Play(L"status 3\nslot \"C:\\f\"\nresult 1\ntext 1000 \"C:\\t\"\npoke32 16 1000");
-    EXPECT_EQ(obwmv::RunOpenFileNameRequest(&request, &watching), 1);
-    EXPECT_EQ(watching.fileThen, L"C:\\f");
-    EXPECT_TRUE(watching.blockExistedThen);
-}
-
 const wchar_t kFullAnswer[] = L"status 3\nslot \"C:\\f\"\nresult 1\ntext 1000 \"C:\\t\"\n"
                               L"poke32 16 1000\n";
+
+TEST_F(OpenFileNameRequest, CleansUpAfterTheFileAndBeforeTheBlockIsReleased) {
+    std::wstring fileThen;
+    bool blockExistedThen = false;
+    context.onCall = [&](BrowserCall call) {
+        if (call != BrowserCall::NoteCleanupFiles) return;
+        fileThen = file;
+        blockExistedThen = static_cast<bool>(
+            ObLib::UniqueKernelHandle(OpenFileMappingW(FILE_MAP_READ, FALSE, BlockName().c_str())));
+    };
+    EXPECT_EQ(Run(kFullAnswer), 1);
+    EXPECT_EQ(fileThen, L"C:\\f");
+    EXPECT_TRUE(blockExistedThen);
+}
 
 TEST_F(OpenFileNameRequest, DeliversNothingWhenTheHostFailed) {
     for (const wchar_t* end : {L"exit 1", L"exit -1", L"crash"}) {

@@ -22,6 +22,10 @@ void ResetFakes() { Fakes() = {}; }
 
 void NoteStep(const std::string& step) { Fakes().steps.push_back(step); }
 
+void NoteCallsOf(FakeBrowserContext& context) {
+    context.onCall = [](BrowserCall call) { NoteStep(NameOf(call)); };
+}
+
 ActivationRecorder::ActivationRecorder(bool fails)
     : activate_("kernel32.dll", "ActivateActCtx", &Activate),
       deactivate_("kernel32.dll", "DeactivateActCtx", &Deactivate), fails_(fails) {

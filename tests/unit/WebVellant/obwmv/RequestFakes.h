@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "contracts/BrowserContext.h"
+#include "tests/support/FakeBrowserContext.h"
 #include "tests/support/ImportPatch.h"
 
 namespace obtest {
@@ -31,6 +32,17 @@ struct RequestFakes {
 RequestFakes& Fakes();
 void ResetFakes();
 void NoteStep(const std::string& step);
+
+// Makes each call of the context a step under the operation's name.
+void NoteCallsOf(FakeBrowserContext& context);
+
+// What an export asks of the context before it starts the request.
+inline constexpr BrowserCall kCallsBeforeTheRun[] = {
+    BrowserCall::GetPageUrl,
+    BrowserCall::IsPickerWanted,
+    BrowserCall::GetBrowserWindowClassCount,
+    BrowserCall::GetBrowserWindowClasses,
+};
 
 // Records each activation and deactivation and, unless `fails` is set, performs it.
 class ActivationRecorder {

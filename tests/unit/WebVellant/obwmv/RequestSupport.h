@@ -1,5 +1,5 @@
-// What the tests of both entry points share: a recording hook, a recording dialog of the caller,
-// and the expected bytes of a block.
+// What the tests of both entry points share: a recording dialog of the caller, and the expected
+// bytes of a block.
 #pragma once
 
 #include <windows.h>
@@ -10,54 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "contracts/BrowserContext.h"
-
 namespace obtest {
-
-// What the page was handed, one line each in order: "link TEXT", "cleanup [FOLDER] [FILE]" with
-// null for a null file. A call that no request should make is recorded under its name.
-class DeliveryContext : public obcontract::BrowserContext {
-public:
-    std::wstring pageUrl = L"https://page.example/compose";
-    std::vector<std::wstring> delivered;
-    int urlReads = 0;
-
-    BOOL CallGetOpenFileName(OPENFILENAMEW*) override { return Unexpected(L"CallGetOpenFileName"); }
-    HRESULT CallShow(IFileDialog*, HWND) override { return Unexpected(L"CallShow"); }
-    HRESULT CallGetResult(IFileDialog*, IShellItem**) override {
-        return Unexpected(L"CallGetResult");
-    }
-    HRESULT CallGetResults(IFileDialog*, IShellItemArray**) override {
-        return Unexpected(L"CallGetResults");
-    }
-    const wchar_t* GetPageUrl() override {
-        ++urlReads;
-        return pageUrl.c_str();
-    }
-    const wchar_t* const* GetBrowserWindowClasses() override {
-        Unexpected(L"GetBrowserWindowClasses");
-        return nullptr;
-    }
-    std::int32_t GetBrowserWindowClassCount() override {
-        return Unexpected(L"GetBrowserWindowClassCount");
-    }
-    std::uint8_t IsPickerWanted() override {
-        return static_cast<std::uint8_t>(Unexpected(L"IsPickerWanted"));
-    }
-    void InsertLinkText(const wchar_t* text) override {
-        delivered.push_back(std::wstring(L"link ") + text);
-    }
-    void NoteCleanupFiles(const wchar_t* folder, const wchar_t* file) override {
-        const std::wstring fileText = file ? std::wstring(L"[") + file + L"]" : L"null";
-        delivered.push_back(std::wstring(L"cleanup [") + folder + L"] " + fileText);
-    }
-
-private:
-    int Unexpected(const wchar_t* call) {
-        delivered.emplace_back(call);
-        return 0;
-    }
-};
 
 // The caller's dialog: answers GetOptions; any other call is counted as unexpected.
 class CallersDialog : public IFileDialog {

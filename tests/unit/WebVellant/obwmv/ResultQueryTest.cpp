@@ -5,11 +5,12 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "obwmv/Exports.h"
 #include "tests/support/TestFolder.h"
-#include "tests/unit/WebVellant/obwmv/RecordingContext.h"
+#include "tests/unit/WebVellant/obwmv/RequestFakes.h"
 
 namespace {
 
 using ObLib::ComPtr;
+using obtest::BrowserCall;
 using obtest::Fakes;
 using testing::ElementsAre;
 using testing::UnorderedElementsAreArray;
@@ -39,6 +40,7 @@ class ResultQueryTest : public testing::Test {
 protected:
     void SetUp() override {
         obtest::ResetFakes();
+        obtest::NoteCallsOf(context_);
         obcore::Results().clear();
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     }
@@ -48,7 +50,7 @@ protected:
         obcore::Results()[obcore::ResultKey(kDialog)] = {.paths = std::move(paths)};
     }
 
-    obtest::RecordingContext context_;
+    obtest::FakeBrowserContext context_;
     obtest::TestFolder folder_;
     const std::wstring first_ = folder_.File(L"first.txt");
     const std::wstring second_ = folder_.File(L"second.txt");
@@ -187,10 +189,10 @@ constexpr HRESULT kCancel = static_cast<HRESULT>(0x800704C7);
 
 TEST_F(ResultQueryTest, ReadsAsACancelWhenTheContextThrows) {
     IShellItem* item = nullptr;
-    context_.throwsIn = "CallGetResult";
+    context_.throwsIn = BrowserCall::CallGetResult;
     EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kOther, &item, &context_), kCancel);
     IShellItemArray* items = nullptr;
-    context_.throwsIn = "CallGetResults";
+    context_.throwsIn = BrowserCall::CallGetResults;
     EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kOther, &items, &context_), kCancel);
     EXPECT_THAT(Fakes().steps, ElementsAre("CallGetResult", "CallGetResults"));
 }

@@ -4,13 +4,15 @@
 #include "OBCore/modules/ResourceModule.h"
 #include "obwmv/Exports.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/unit/WebVellant/obwmv/RecordingContext.h"
+#include "tests/unit/WebVellant/obwmv/RequestFakes.h"
 #include "tests/unit/WebVellant/obwmv/TestWindow.h"
 
 using obcontract::BrowserContext;
 
 namespace {
 
+using obtest::BrowserCall;
+using obtest::FakeBrowserContext;
 using obtest::Fakes;
 using obtest::Icon;
 using obtest::MakeWindow;
@@ -25,6 +27,7 @@ class ShowExport : public testing::Test {
 protected:
     void SetUp() override {
         obtest::ResetFakes();
+        obtest::NoteCallsOf(context_);
         ASSERT_TRUE(activations_.Ok());
     }
 
@@ -34,7 +37,7 @@ protected:
     static const std::vector<std::string>& Steps() { return Fakes().steps; }
 
     obtest::ActivationRecorder activations_;
-    obtest::RecordingContext context_;
+    FakeBrowserContext context_;
 };
 
 TEST_F(ShowExport, RunsThePickerBetweenActivationAndDeactivation) {
@@ -104,11 +107,10 @@ TEST_F(ShowExport, GivesAnExceptionBeforeTheRunToTheBrowserWithTheOwnerOfTheCall
         MakeWindow(L"MainWindow", Icon::Application, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
     const auto asking = MakeWindow(L"AskingWindow", Icon::None, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
     context_.windowClasses = {L"MainWindow"};
-    for (const char* operation : {"GetPageUrl", "IsPickerWanted", "GetBrowserWindowClassCount",
-                                  "GetBrowserWindowClasses"}) {
+    for (const BrowserCall operation : obtest::kCallsBeforeTheRun) {
         Fakes().steps.clear();
         context_.throwsIn = operation;
-        EXPECT_EQ(Ask(asking.Get()), context_.showAnswer) << operation;
+        EXPECT_EQ(Ask(asking.Get()), context_.showAnswer) << NameOf(operation);
         EXPECT_EQ(Steps().back(), "CallShow");
         EXPECT_EQ(Steps().at(Steps().size() - 2), "deactivate");
         EXPECT_EQ(context_.askedOwner, asking.Get());
@@ -123,7 +125,7 @@ TEST_F(ShowExport, ReadsAsACancelWhenTheRunThrows) {
 }
 
 TEST_F(ShowExport, AsksTheBrowsersDialogOnceAlsoWhenThatThrows) {
-    context_.throwsIn = "CallShow";
+    context_.throwsIn = BrowserCall::CallShow;
     context_.pickerWanted = false;
     EXPECT_EQ(Ask(), kCancel);
     EXPECT_EQ(std::count(Steps().begin(), Steps().end(), "CallShow"), 1);
@@ -147,7 +149,8 @@ TEST_F(ShowWithoutActivation, AsksTheBrowserOutsideTheContext) {
     obtest::ResetFakes();
     const obtest::ActivationRecorder activations(true);
     ASSERT_TRUE(activations.Ok());
-    obtest::RecordingContext context;
+    FakeBrowserContext context;
+    obtest::NoteCallsOf(context);
     EXPECT_EQ(FileOpenDialog_ShowInBrowser(kDialog, nullptr, &context), context.showAnswer);
     EXPECT_THAT(Fakes().steps, ElementsAre("activate", "CallShow"));
 }
