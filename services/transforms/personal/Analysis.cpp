@@ -1,5 +1,6 @@
 #include "services/transforms/personal/Analysis.h"
 
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -43,6 +44,12 @@ void PartList::Add(OwnedBytes made) {
     lastIsKept_ = false;
 }
 
+void PartList::Append(PartList more) {
+    parts_.insert(parts_.end(), more.parts_.begin(), more.parts_.end());
+    std::ranges::move(more.made_, std::back_inserter(made_));
+    lastIsKept_ = false;
+}
+
 std::size_t PartList::Size() const {
     return std::accumulate(parts_.begin(), parts_.end(), std::size_t{0},
                            [](std::size_t sum, Bytes part) { return sum + part.size(); });
@@ -51,7 +58,7 @@ std::size_t PartList::Size() const {
 OwnedBytes PartList::Join() const {
     OwnedBytes joined;
     joined.reserve(Size());
-    for (const Bytes part : parts_) Append(joined, part);
+    for (const Bytes part : parts_) personal::Append(joined, part);
     return joined;
 }
 

@@ -32,7 +32,8 @@ public:
 
     void Keep(Bytes part);     // of the old file
     void Add(OwnedBytes made); // owned by the list from here on
-    std::size_t Size() const;  // bytes of all parts
+    void Append(PartList more);
+    std::size_t Size() const; // bytes of all parts
     OwnedBytes Join() const;
 
 private:

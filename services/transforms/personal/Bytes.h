@@ -31,6 +31,11 @@ inline std::uint32_t LittleEndian32(Bytes bytes, std::size_t at) {
            std::uint32_t{ByteAt(bytes, at + 2)} << 16 | std::uint32_t{ByteAt(bytes, at + 3)} << 24;
 }
 
+// Names in files, such as a chunk's type. The view is of the file's bytes.
+inline std::string_view TextOf(Bytes bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 // Whether the text is in the bytes at this place. A text with a null inside is written with ""sv.
 inline bool HasTextAt(Bytes bytes, std::size_t at, std::string_view text) {
     if (at > bytes.size() || bytes.size() - at < text.size()) return false;

@@ -3,7 +3,10 @@
 #include <utility>
 
 #include "services/transforms/personal/Analysis.h"
+#include "services/transforms/personal/Gif.h"
 #include "services/transforms/personal/Jpeg.h"
+#include "services/transforms/personal/Png.h"
+#include "services/transforms/personal/WebP.h"
 
 namespace transforms {
 namespace {
@@ -17,6 +20,9 @@ struct Format {
 
 constexpr Format kFormats[] = {
     {IsJpeg, AnalyzeJpeg},
+    {IsPng, AnalyzePng},
+    {IsGif, AnalyzeGif},
+    {IsWebP, AnalyzeWebP},
 };
 
 Analysis Analyze(Bytes file) {
