@@ -1,10 +1,29 @@
 #include "services/transforms/FileRequests.h"
 
-namespace transforms {
+#include "services/transforms/CleanWork.h"
 
-// No transform is built in yet: no provider of the manager sends a request.
-bool CarryOut(const WorkRequest&, WorkChannel& channel) {
-    return channel.SendFailed(obcontract::WorkFailure::NotServed);
+namespace transforms {
+namespace {
+
+using obcontract::WorkKind;
+
+struct RequestRow {
+    WorkKind kind;
+    std::optional<WorkEnd> (*carryOut)(const WorkRequest&, WorkChannel&);
+};
+
+constexpr RequestRow kRequests[] = {
+    {WorkKind::Clean, &Clean},
+    {WorkKind::CheckClean, &Clean},
+};
+
+} // namespace
+
+std::optional<WorkEnd> CarryOut(const WorkRequest& request, WorkChannel& channel) {
+    for (const RequestRow& row : kRequests) {
+        if (row.kind == request.kind) return row.carryOut(request, channel);
+    }
+    return WorkEnd(obcontract::WorkFailure::NotServed);
 }
 
 } // namespace transforms

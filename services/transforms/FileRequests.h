@@ -1,12 +1,15 @@
 // The table of what the work process does: a function for each kind of request.
 #pragma once
 
+#include <optional>
+
 #include "services/transforms/WorkChannel.h"
 
 namespace transforms {
 
-// Carries the request out and sends its replies, the last one included. False when the manager no
-// longer reads. Throws nothing but std::bad_alloc, which has sent no last reply yet.
-bool CarryOut(const WorkRequest& request, WorkChannel& channel);
+// Carries the request out, and sends what isn't its last reply. Returns that one, which the caller
+// sends once the files are closed. Nothing when the manager no longer reads. Throws std::bad_alloc
+// alone.
+std::optional<WorkEnd> CarryOut(const WorkRequest& request, WorkChannel& channel);
 
 } // namespace transforms

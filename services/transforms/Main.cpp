@@ -4,6 +4,8 @@
 #include <windows.h>
 
 #include <new>
+#include <optional>
+#include <utility>
 
 #include "services/transforms/CommandLine.h"
 #include "services/transforms/FileRequests.h"
@@ -15,12 +17,20 @@ constexpr int kServed = 0;
 constexpr int kNotForUsers = 2; // started without the manager's pipes
 
 // Memory that runs out concerns one request; the next one may be smaller.
-bool Serve(const transforms::WorkRequest& request, transforms::WorkChannel& channel) {
+std::optional<transforms::WorkEnd> Carried(const transforms::WorkRequest& request,
+                                           transforms::WorkChannel& channel) {
     try {
         return transforms::CarryOut(request, channel);
     } catch (const std::bad_alloc&) {
-        return channel.SendFailed(obcontract::WorkFailure::TooLarge);
+        return transforms::WorkEnd(obcontract::WorkFailure::TooLarge);
     }
+}
+
+// Closes the files before the last reply, as the manager then renames or deletes them.
+bool Serve(transforms::WorkRequest request, transforms::WorkChannel& channel) {
+    const auto end = Carried(request, channel);
+    request = {};
+    return end && channel.SendEnd(*end);
 }
 
 ObLib::UniqueKernelHandle Inherited(std::uint64_t value) {
@@ -35,7 +45,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     if (!pipes) return kNotForUsers;
     transforms::WorkChannel channel(Inherited(pipes->requests), Inherited(pipes->replies));
     while (auto request = channel.Next()) {
-        if (!Serve(*request, channel)) break;
+        if (!Serve(std::move(*request), channel)) break;
     }
     return kServed;
 }

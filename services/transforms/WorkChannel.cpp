@@ -65,12 +65,9 @@ bool WorkChannel::SendFinding(std::string_view key, std::uint32_t count) noexcep
     return Send(WorkKind::Finding, finding);
 }
 
-bool WorkChannel::SendDone(WorkOutcome outcome, std::uint64_t size) noexcept {
-    return Send(WorkKind::Done, WorkDone{outcome, 0, size});
-}
-
-bool WorkChannel::SendFailed(WorkFailure failure) noexcept {
-    return Send(WorkKind::Failed, WorkFailed{failure, 0});
+bool WorkChannel::SendEnd(const WorkEnd& end) noexcept {
+    if (end.failure) return Send(WorkKind::Failed, WorkFailed{*end.failure, 0});
+    return Send(WorkKind::Done, WorkDone{end.outcome, 0, end.size});
 }
 
 } // namespace transforms

@@ -19,6 +19,17 @@ struct WorkRequest {
     ObLib::UniqueKernelHandle target; // empty when the request writes no file
 };
 
+// The last reply of a request: a failure, or an outcome with the bytes in the target.
+struct WorkEnd {
+    explicit WorkEnd(obcontract::WorkFailure why) noexcept : failure(why) {}
+    explicit WorkEnd(obcontract::WorkOutcome what, std::uint64_t bytes = 0) noexcept
+        : outcome(what), size(bytes) {}
+
+    std::optional<obcontract::WorkFailure> failure;
+    obcontract::WorkOutcome outcome{};
+    std::uint64_t size = 0;
+};
+
 // One thread. The pipes belong to the channel.
 class WorkChannel {
 public:
@@ -33,8 +44,7 @@ public:
     bool SendProgress(std::uint64_t done, std::uint64_t total) noexcept;
     // A key that doesn't fit is cut, so that it is still reported.
     bool SendFinding(std::string_view key, std::uint32_t count) noexcept;
-    bool SendDone(obcontract::WorkOutcome outcome, std::uint64_t size) noexcept;
-    bool SendFailed(obcontract::WorkFailure failure) noexcept;
+    bool SendEnd(const WorkEnd& end) noexcept;
 
 private:
     template <class Payload>

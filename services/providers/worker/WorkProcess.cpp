@@ -1,0 +1,158 @@
+#include "services/providers/worker/WorkProcess.h"
+
+#include <cstddef>
+#include <cstdint>
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/ScopeExit.h"
+#include "ObLib/Src/Win32/WholeTransfer.h"
+
+namespace providers {
+namespace {
+
+using namespace obcontract;
+using ObLib::UniqueKernelHandle;
+
+struct Pipe {
+    UniqueKernelHandle reading;
+    UniqueKernelHandle writing;
+};
+
+// One end of each pipe is inherited, by the handle list alone. A process that another thread of the
+// host starts meanwhile with all inheritable handles may get it too: see Stop.
+bool MakePipe(Pipe& pipe, UniqueKernelHandle Pipe::*inherited) {
+    return CreatePipe(pipe.reading.Put(), pipe.writing.Put(), nullptr, 0) &&
+           SetHandleInformation((pipe.*inherited).Get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+}
+
+WorkReport Only(WorkResult result) {
+    WorkReport report;
+    report.result = result;
+    return report;
+}
+
+} // namespace
+
+WorkReport WorkProcess::Run(WorkKind kind, HANDLE source, HANDLE target, CallWait& wait) {
+    if (wait.IsEnded()) return Only(WorkResult::Cancelled);
+    bool kept = false;
+    const ObLib::ScopeExit stop([&] {
+        if (!kept) Stop();
+    });
+    if (!process_ && !Start()) return Only(WorkResult::NotStarted);
+    {
+        const std::lock_guard guard(lock_);
+        reply_.Begin();
+    }
+    if (!Send(kind, source, target)) return Only(WorkResult::ProcessFailed);
+    WorkReport report = Await(wait);
+    kept = report.result != WorkResult::ProcessFailed && report.result != WorkResult::Cancelled;
+    return report;
+}
+
+bool WorkProcess::Start() {
+    Pipe requests;
+    Pipe replies;
+    if (!MakePipe(requests, &Pipe::reading) || !MakePipe(replies, &Pipe::writing)) return false;
+    arrived_.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    if (!arrived_) return false;
+    process_ = StartLimited(settings_.program, requests.reading.Get(), replies.writing.Get(),
+                            settings_.limits);
+    if (!process_) return false;
+    requests_ = std::move(requests.writing);
+    replies_ = std::move(replies.reading);
+    broken_ = false;
+    reader_.Reset(CreateThread(nullptr, 0, &ReaderEntry, this, 0, nullptr));
+    return static_cast<bool>(reader_);
+}
+
+// Zero when the file can't be handed over.
+std::uint64_t WorkProcess::Duplicate(HANDLE file, DWORD access) const {
+    HANDLE theirs = nullptr;
+    if (!DuplicateHandle(GetCurrentProcess(), file, process_.process.Get(), &theirs, access, FALSE,
+                         0)) {
+        return 0;
+    }
+    return reinterpret_cast<std::uintptr_t>(theirs);
+}
+
+// One record fits into the pipe's buffer, so a process that doesn't read can't hold this thread.
+bool WorkProcess::Send(WorkKind kind, HANDLE source, HANDLE target) {
+    struct {
+        WorkHeader header;
+        CleanRequest request;
+    } record{{kWorkMagic, kind, sizeof(CleanRequest), 0}, {}};
+    static_assert(sizeof record == sizeof(WorkHeader) + sizeof(CleanRequest));
+    record.request.files.source = Duplicate(source, FILE_GENERIC_READ);
+    if (record.request.files.source == 0) return false;
+    if (target) {
+        // Without the right to rename or delete: that is this side's to do.
+        record.request.files.target = Duplicate(target, FILE_GENERIC_WRITE);
+        if (record.request.files.target == 0) return false;
+    }
+    return ObLib::WriteWhole(requests_.Get(), &record, sizeof record);
+}
+
+// Gives the report once the request has its last record or can't get one any more.
+bool WorkProcess::TakeReport(WorkReport& report) {
+    const std::lock_guard guard(lock_);
+    ResetEvent(arrived_.Get());
+    if (!reply_.IsComplete() && !broken_) return false;
+    report = reply_.IsComplete() ? reply_.Report() : Only(WorkResult::ProcessFailed);
+    return true;
+}
+
+WorkReport WorkProcess::Await(CallWait& wait) {
+    WorkReport report;
+    for (;;) {
+        switch (wait.Until(arrived_.Get(), settings_.silence)) {
+        case Waited::Ended:
+            return Only(WorkResult::Cancelled);
+        case Waited::TimedOut:
+            return Only(WorkResult::ProcessFailed);
+        case Waited::Signalled:
+            if (TakeReport(report)) return report;
+        }
+    }
+}
+
+bool WorkProcess::ReadReply() {
+    WorkHeader header;
+    if (!ObLib::ReadWhole(replies_.Get(), &header, sizeof header)) return false;
+    const auto size = ReplyPayload(header);
+    std::byte payload[kLargestWorkPayload];
+    if (!size || !ObLib::ReadWhole(replies_.Get(), payload, *size)) return false;
+    const std::lock_guard guard(lock_);
+    return reply_.Take(header.kind, {payload, *size});
+}
+
+DWORD WINAPI WorkProcess::ReaderEntry(void* self) noexcept {
+    static_cast<WorkProcess*>(self)->ReadReplies();
+    return 0;
+}
+
+void WorkProcess::ReadReplies() noexcept {
+    const auto step = [this] { return ObLib::Guarded(false, [this] { return ReadReply(); }); };
+    while (step()) SetEvent(arrived_.Get());
+    const std::lock_guard guard(lock_);
+    broken_ = true;
+    SetEvent(arrived_.Get());
+}
+
+void WorkProcess::Stop() noexcept {
+    if (process_) {
+        TerminateProcess(process_.process.Get(), 1);
+        WaitForSingleObject(process_.process.Get(), INFINITE);
+    }
+    // The pipe ends with the process, unless another one inherited its end.
+    constexpr DWORD kStep = 50; // milliseconds between two attempts
+    while (reader_ && WaitForSingleObject(reader_.Get(), kStep) == WAIT_TIMEOUT) {
+        CancelSynchronousIo(reader_.Get());
+    }
+    reader_.Reset();
+    process_ = {};
+    requests_.Reset();
+    replies_.Reset();
+}
+
+} // namespace providers

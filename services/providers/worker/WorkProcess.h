@@ -1,0 +1,65 @@
+// The provider manager's side of the work process: starts it, sends requests and ends it.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/TransformWork.h"
+#include "services/providers/worker/CallWait.h"
+#include "services/providers/worker/LimitedProcess.h"
+#include "services/providers/worker/ReplyReader.h"
+
+namespace providers {
+
+struct WorkSettings {
+    std::wstring program;  // full path of the work process's file
+    DWORD silence = 60000; // milliseconds without a record after which it counts as hung
+    ProcessLimits limits{};
+};
+
+// The process of one run. It is started at the first request and, after one that failed with it, at
+// the next one. One thread at a time calls it; a thread of its own reads the replies. The process
+// ends with this object.
+class WorkProcess {
+public:
+    explicit WorkProcess(WorkSettings settings) : settings_(std::move(settings)) {}
+    ~WorkProcess() { Stop(); }
+    WorkProcess(const WorkProcess&) = delete;
+    WorkProcess& operator=(const WorkProcess&) = delete;
+
+    // Sends one request for a file and waits for its last record. The handles stay the caller's;
+    // `target` null: the request writes no file. A process that crashes, hangs or sends what isn't
+    // valid is ended, and so is one whose call is to end. Throws std::bad_alloc, after which the
+    // object can still be used.
+    WorkReport Run(obcontract::WorkKind kind, HANDLE source, HANDLE target, CallWait& wait);
+
+    // Ends the process and waits until it has ended, so that it has no file open any more.
+    void Stop() noexcept;
+
+private:
+    bool Start();
+    bool Send(obcontract::WorkKind kind, HANDLE source, HANDLE target);
+    std::uint64_t Duplicate(HANDLE file, DWORD access) const;
+    WorkReport Await(CallWait& wait);
+    bool TakeReport(WorkReport& report);
+    static DWORD WINAPI ReaderEntry(void* self) noexcept;
+    void ReadReplies() noexcept;
+    bool ReadReply();
+
+    WorkSettings settings_;
+    LimitedProcess process_;
+    ObLib::UniqueKernelHandle requests_;
+    ObLib::UniqueKernelHandle replies_;
+    ObLib::UniqueKernelHandle arrived_; // an event; set after each record
+    ObLib::UniqueKernelHandle reader_;  // the thread
+
+    std::mutex lock_; // of the two below, which the reader's thread changes
+    ReplyReader reply_;
+    bool broken_ = false; // the pipe has ended or a record wasn't valid
+};
+
+} // namespace providers

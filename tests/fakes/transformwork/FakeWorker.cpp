@@ -1,0 +1,153 @@
+// A work process that misbehaves as a test asks: a taken-over, damaged or hanging
+// PVXTransform64.exe. The file "worker.txt" beside it says in one word what it does with a request.
+// It only reads, as the real one has no right to write. Its findings name its process, so that a
+// test can distinguish one process from the next.
+#include <windows.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "ObLib/Src/Win32/WholeTransfer.h"
+#include "contracts/TransformWork.h"
+#include "tests/fakes/Recording.h"
+
+namespace {
+
+using namespace obcontract;
+
+HANDLE requests;
+HANDLE replies;
+
+struct Taken {
+    WorkHeader header;
+    CleanRequest request;
+};
+
+bool TakeRequest(Taken& taken) {
+    return ObLib::ReadWhole(requests, &taken.header, sizeof taken.header) &&
+           ObLib::ReadWhole(requests, &taken.request, sizeof taken.request);
+}
+
+void SendRaw(const void* bytes, std::size_t size) { ObLib::WriteWhole(replies, bytes, size); }
+
+template <class Payload>
+void Send(WorkKind kind, const Payload& payload) {
+    const WorkHeader header{kWorkMagic, kind, sizeof payload, 0};
+    SendRaw(&header, sizeof header);
+    SendRaw(&payload, sizeof payload);
+}
+
+HANDLE HandleOf(std::uint64_t value) { return reinterpret_cast<HANDLE>(value); }
+
+void WriteTarget(const Taken& taken, const char* text) {
+    ObLib::WriteWhole(HandleOf(taken.request.files.target), text, std::strlen(text));
+}
+
+[[noreturn]] void Hang() {
+    for (;;) Sleep(INFINITE);
+}
+
+[[noreturn]] void Crash() {
+    *static_cast<volatile int*>(nullptr) = 1;
+    std::abort();
+}
+
+void Find(const char* key, std::uint32_t count) {
+    WorkFinding finding{};
+    finding.count = count;
+    std::memcpy(finding.key, key, std::strlen(key));
+    Send(WorkKind::Finding, finding);
+}
+
+void Act(const std::string& word, const Taken& taken) {
+    if (word == "crash") Crash();
+    if (word == "hang") Hang();
+    if (word == "exit") ExitProcess(7);
+    if (word == "garbage") {
+        const std::vector<char> bytes(100, 'x');
+        SendRaw(bytes.data(), bytes.size());
+        Hang();
+    }
+    if (word == "huge") {
+        const WorkHeader header{kWorkMagic, WorkKind::Finding, 0xffffffff, 0};
+        SendRaw(&header, sizeof header);
+        Hang();
+    }
+    if (word == "half") {
+        const WorkHeader header{kWorkMagic, WorkKind::Done, sizeof(WorkDone), 0};
+        SendRaw(&header, sizeof header);
+        ExitProcess(0);
+    }
+    if (word == "flood") {
+        for (std::uint64_t step = 1;; ++step) Find(("key" + std::to_string(step)).c_str(), 1);
+    }
+    if (word == "standstill") {
+        for (;;) Send(WorkKind::Progress, WorkProgress{1, 2});
+    }
+    if (word == "crash-after-writing") {
+        WriteTarget(taken, "half a file");
+        Crash();
+    }
+    if (word == "hang-after-writing") {
+        WriteTarget(taken, "half a file");
+        Hang();
+    }
+    if (word == "wrong-size") {
+        WriteTarget(taken, "short");
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 1000});
+        return;
+    }
+    if (word == "no-output") {
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 0});
+        return;
+    }
+    if (word == "full") {
+        WriteTarget(taken, "half");
+        Send(WorkKind::Failed, WorkFailed{WorkFailure::Unwritable, 0});
+        return;
+    }
+    if (word == "too-large") {
+        Send(WorkKind::Failed, WorkFailed{WorkFailure::TooLarge, 0});
+        return;
+    }
+    if (word == "survives" && taken.header.kind == WorkKind::CheckClean) {
+        Find("position", 1);
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 0});
+        return;
+    }
+    if (taken.header.kind == WorkKind::CheckClean) {
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
+        return;
+    }
+    Send(WorkKind::Progress, WorkProgress{1, 2});
+    Find("position", 2);
+    Find(("process-" + std::to_string(GetCurrentProcessId())).c_str(), 1);
+    WriteTarget(taken, "clean");
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 5});
+    if (word == "speaks-unasked") Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
+}
+
+std::string ScriptedWord() {
+    std::ifstream script(obtest::BesideProgram(L"worker.txt").c_str());
+    std::string word = "good";
+    script >> word;
+    return word;
+}
+
+} // namespace
+
+int wmain(int count, wchar_t** words) {
+    if (count != 3) return 2;
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    requests = HandleOf(std::wcstoull(words[1], nullptr, 10));
+    replies = HandleOf(std::wcstoull(words[2], nullptr, 10));
+    for (Taken taken; TakeRequest(taken);) {
+        Act(ScriptedWord(), taken);
+        CloseHandle(HandleOf(taken.request.files.source));
+        if (taken.request.files.target != 0) CloseHandle(HandleOf(taken.request.files.target));
+    }
+    return 0;
+}

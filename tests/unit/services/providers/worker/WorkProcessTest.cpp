@@ -1,0 +1,219 @@
+// The manager's side of the work process, with a process that misbehaves as the test asks.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/worker/WorkProcess.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/TestFolder.h"
+
+using namespace providers;
+using obcontract::WorkKind;
+
+namespace {
+
+constexpr DWORD kLimit = 20000; // milliseconds, for what has to happen soon
+
+class WorkProcessTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ended_.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+        source_.Reset(CreateFileW(folder_.File(L"photo.jpg", "photo").c_str(), GENERIC_READ,
+                                  FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+        target_.Reset(CreateFileW(Target().c_str(), GENERIC_WRITE,
+                                  FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_NEW, 0,
+                                  nullptr));
+        ASSERT_TRUE(ended_ && source_ && target_);
+    }
+
+    std::wstring Target() const { return folder_ / L"target"; }
+    static WorkSettings Settings() {
+        WorkSettings settings;
+        settings.program = obtest::BesideProgram(obcontract::kTransformWorkFileName);
+        return settings;
+    }
+    static void Script(const char* word) {
+        ASSERT_TRUE(obtest::WriteFileContent(obtest::BesideProgram(L"worker.txt"), word));
+    }
+    WorkReport Run(WorkProcess& process, const char* word, HWND owner = nullptr) {
+        Script(word);
+        CallWait wait(ended_.Get(), owner);
+        return process.Run(WorkKind::Clean, source_.Get(), target_.Get(), wait);
+    }
+    // The process that carried the request out, by its finding.
+    static std::string ProcessOf(const WorkReport& report) {
+        return report.found.size() == 2 ? report.found[1].key : "none";
+    }
+    // Expects that a process which does this is ended, and that the next file gets a new one.
+    void ExpectEndedBy(const char* word) {
+        WorkProcess process(Settings());
+        const std::string first = ProcessOf(Run(process, "good"));
+        EXPECT_EQ(Run(process, word).result, WorkResult::ProcessFailed) << word;
+        const WorkReport next = Run(process, "good");
+        EXPECT_EQ(next.result, WorkResult::Changed) << word;
+        EXPECT_NE(ProcessOf(next), first) << word;
+    }
+
+    const obtest::TestFolder folder_;
+    ObLib::UniqueKernelHandle ended_;
+    ObLib::UniqueKernelHandle source_;
+    ObLib::UniqueKernelHandle target_;
+};
+
+TEST_F(WorkProcessTest, ReportsWhatAWholeRequestCameTo) {
+    WorkProcess process(Settings());
+    const WorkReport report = Run(process, "good");
+    EXPECT_EQ(report.result, WorkResult::Changed);
+    EXPECT_EQ(report.size, 5u);
+    ASSERT_EQ(report.found.size(), 2u);
+    EXPECT_EQ(report.found[0], (WorkFound{"position", 2}));
+    EXPECT_EQ(obtest::ReadFileContent(Target()), "clean");
+}
+
+TEST_F(WorkProcessTest, ServesOneFileAfterTheOther) {
+    WorkProcess process(Settings());
+    const std::string first = ProcessOf(Run(process, "good"));
+    EXPECT_NE(first, "none");
+    EXPECT_EQ(ProcessOf(Run(process, "good")), first);
+}
+
+TEST_F(WorkProcessTest, IsStartedAnewAfterACrash) { ExpectEndedBy("crash"); }
+TEST_F(WorkProcessTest, IsStartedAnewAfterACrashInTheMiddleOfTheFile) {
+    ExpectEndedBy("crash-after-writing");
+}
+TEST_F(WorkProcessTest, IsStartedAnewAfterItEndedByItself) { ExpectEndedBy("exit"); }
+TEST_F(WorkProcessTest, IsStartedAnewAfterHalfARecord) { ExpectEndedBy("half"); }
+TEST_F(WorkProcessTest, IsEndedForBytesThatAreNoRecord) { ExpectEndedBy("garbage"); }
+TEST_F(WorkProcessTest, IsEndedForARecordOfAnySize) { ExpectEndedBy("huge"); }
+TEST_F(WorkProcessTest, IsEndedForFindingsWithoutEnd) { ExpectEndedBy("flood"); }
+TEST_F(WorkProcessTest, IsEndedForProgressThatStandsStill) { ExpectEndedBy("standstill"); }
+
+TEST_F(WorkProcessTest, IsEndedWhenItIsSilentForTooLong) {
+    WorkSettings settings = Settings();
+    settings.silence = 200;
+    WorkProcess process(std::move(settings));
+    EXPECT_EQ(Run(process, "hang").result, WorkResult::ProcessFailed);
+    EXPECT_EQ(Run(process, "hang-after-writing").result, WorkResult::ProcessFailed);
+}
+
+// The second last record arrives while no request waits, or with the next one: either way it ends
+// that process and never counts for another file.
+TEST_F(WorkProcessTest, NeverTakesARecordForAnotherFile) {
+    WorkProcess process(Settings());
+    EXPECT_EQ(Run(process, "speaks-unasked").result, WorkResult::Changed);
+    const WorkResult next = Run(process, "good").result;
+    EXPECT_TRUE(next == WorkResult::ProcessFailed || next == WorkResult::Unchanged);
+}
+
+TEST_F(WorkProcessTest, PassesOnThatAFileIsTooLargeOrADiskFull) {
+    WorkProcess process(Settings());
+    EXPECT_EQ(Run(process, "too-large").result, WorkResult::TooLarge);
+    EXPECT_EQ(Run(process, "full").result, WorkResult::Unwritable);
+}
+
+TEST_F(WorkProcessTest, EndsAtOnceWhenTheSessionDoes) {
+    WorkProcess process(Settings());
+    std::thread ender([&] {
+        for (DWORD waited = 0;
+             waited < kLimit && obtest::ReadFileContent(Target()) != "half a file"; waited += 10) {
+            Sleep(10);
+        }
+        SetEvent(ended_.Get());
+    });
+    EXPECT_EQ(Run(process, "hang-after-writing").result, WorkResult::Cancelled);
+    ender.join();
+    // The process has ended, so that nobody has the files open.
+    target_.Reset();
+    EXPECT_TRUE(DeleteFileW(Target().c_str()));
+}
+
+TEST_F(WorkProcessTest, EndsWhenTheOwnerWindowIsGone) {
+    WorkProcess process(Settings());
+    const HWND owner =
+        CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(owner, nullptr);
+    WorkResult result{};
+    std::thread call([&] { result = Run(process, "hang", owner).result; });
+    DestroyWindow(owner);
+    call.join();
+    EXPECT_EQ(result, WorkResult::Cancelled);
+}
+
+TEST_F(WorkProcessTest, StartsNothingOnceTheCallIsToEnd) {
+    SetEvent(ended_.Get());
+    WorkSettings settings = Settings();
+    settings.program = L"C:\\missing.exe";
+    WorkProcess process(std::move(settings));
+    EXPECT_EQ(Run(process, "good").result, WorkResult::Cancelled);
+}
+
+TEST_F(WorkProcessTest, ReportsThatTheProgramIsMissing) {
+    WorkSettings settings = Settings();
+    settings.program = folder_ / obcontract::kTransformWorkFileName;
+    WorkProcess process(std::move(settings));
+    EXPECT_EQ(Run(process, "good").result, WorkResult::NotStarted);
+}
+
+TEST_F(WorkProcessTest, ReportsThatTheFileIsNoProgram) {
+    WorkSettings settings = Settings();
+    settings.program = folder_.File(L"PVXTransform64.exe", "no program");
+    WorkProcess process(std::move(settings));
+    EXPECT_EQ(Run(process, "good").result, WorkResult::NotStarted);
+}
+
+// A program of that name in the current folder or on the search path isn't taken instead.
+TEST_F(WorkProcessTest, IsNeverFoundOnASearchPath) {
+    wchar_t current[MAX_PATH];
+    ASSERT_NE(GetCurrentDirectoryW(MAX_PATH, current), 0u);
+    ASSERT_TRUE(
+        CopyFileW(Settings().program.c_str(), (folder_ / L"PVXTransform64.exe").c_str(), FALSE));
+    ASSERT_TRUE(SetCurrentDirectoryW(folder_.Path().c_str()));
+    SetEnvironmentVariableW(L"PATH", folder_.Path().c_str());
+    WorkSettings settings;
+    settings.program = folder_.Folder(L"empty") + L"\\PVXTransform64.exe";
+    WorkProcess process(std::move(settings));
+    EXPECT_EQ(Run(process, "good").result, WorkResult::NotStarted);
+    SetCurrentDirectoryW(current);
+}
+
+TEST_F(WorkProcessTest, InheritsTheTwoPipesAndNothingElse) {
+    // A handle that any child may inherit: the process must not keep it open.
+    SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+    ObLib::UniqueKernelHandle reading;
+    ObLib::UniqueKernelHandle writing;
+    ASSERT_TRUE(CreatePipe(reading.Put(), writing.Put(), &inheritable, 0));
+    WorkProcess process(Settings());
+    ASSERT_EQ(Run(process, "good").result, WorkResult::Changed);
+    writing.Reset();
+    char byte;
+    DWORD read = 0;
+    // The pipe has ended only if no other process has its end.
+    EXPECT_FALSE(ReadFile(reading.Get(), &byte, 1, &read, nullptr));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BROKEN_PIPE));
+}
+
+TEST_F(WorkProcessTest, RunsInAJobThatEndsItWithTheHost) {
+    ObLib::UniqueKernelHandle process;
+    {
+        HANDLE in = nullptr;
+        HANDLE out = nullptr;
+        SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+        ASSERT_TRUE(CreatePipe(&in, &out, &inheritable, 0));
+        LimitedProcess started = StartLimited(Settings().program, in, out, {});
+        ASSERT_TRUE(started);
+        BOOL inJob = FALSE;
+        EXPECT_TRUE(IsProcessInJob(started.process.Get(), started.job.Get(), &inJob));
+        EXPECT_TRUE(inJob);
+        process = std::move(started.process);
+        CloseHandle(in);
+        CloseHandle(out);
+        // Here the job is closed, as the system does when a host is killed.
+    }
+    EXPECT_EQ(WaitForSingleObject(process.Get(), kLimit), WAIT_OBJECT_0);
+}
+
+} // namespace

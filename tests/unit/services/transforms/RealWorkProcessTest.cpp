@@ -1,0 +1,100 @@
+// The manager's client with the real work process: files in, files and findings out.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/worker/WorkProcess.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/TestFolder.h"
+#include "tests/unit/services/transforms/SamplePhoto.h"
+
+using namespace providers;
+using obcontract::WorkKind;
+
+namespace {
+
+class RealWorkProcess : public testing::Test {
+protected:
+    RealWorkProcess()
+        : process_({obtest::BesideProgram(obcontract::kTransformWorkFileName), 60000, {}}),
+          ended_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+
+    WorkReport Clean(const std::string& content) {
+        DeleteFileW(Target().c_str());
+        const auto source = Open(folder_.File(L"source", content), GENERIC_READ, OPEN_EXISTING);
+        const auto target = Open(Target(), GENERIC_WRITE, CREATE_NEW);
+        CallWait wait(ended_.Get(), nullptr);
+        return process_.Run(WorkKind::Clean, source.Get(), target.Get(), wait);
+    }
+    WorkReport Check(const std::wstring& path) {
+        const auto source = Open(path, GENERIC_READ, OPEN_EXISTING);
+        CallWait wait(ended_.Get(), nullptr);
+        return process_.Run(WorkKind::CheckClean, source.Get(), nullptr, wait);
+    }
+    std::wstring Target() const { return folder_ / L"target"; }
+    std::string TargetContent() const { return *obtest::ReadFileContent(Target()); }
+
+    static ObLib::UniqueKernelHandle Open(const std::wstring& path, DWORD access, DWORD how) {
+        return ObLib::UniqueKernelHandle(
+            CreateFileW(path.c_str(), access, FILE_SHARE_READ, nullptr, how, 0, nullptr));
+    }
+    const obtest::TestFolder folder_;
+    WorkProcess process_;
+    ObLib::UniqueKernelHandle ended_;
+};
+
+TEST_F(RealWorkProcess, WritesThePhotoWithoutItsPersonalData) {
+    const WorkReport report = Clean(samples::Photo());
+    EXPECT_EQ(report.result, WorkResult::Changed);
+    const std::string clean = TargetContent();
+    EXPECT_EQ(report.size, clean.size());
+    EXPECT_NE(samples::Photo().find(samples::kCanary), std::string::npos);
+    EXPECT_EQ(clean.find(samples::kCanary), std::string::npos);
+    ASSERT_FALSE(report.found.empty());
+    EXPECT_EQ(report.found[0], (WorkFound{"position", 1}));
+}
+
+TEST_F(RealWorkProcess, FindsNothingInWhatItCleaned) {
+    ASSERT_EQ(Clean(samples::Photo()).result, WorkResult::Changed);
+    EXPECT_EQ(Check(Target()).result, WorkResult::Unchanged);
+}
+
+TEST_F(RealWorkProcess, ReportsInACheckWhatACleanWouldRemove) {
+    const WorkReport report = Check(folder_.File(L"photo.jpg", samples::Photo()));
+    EXPECT_EQ(report.result, WorkResult::Changed);
+    EXPECT_EQ(report.size, 0u);
+    EXPECT_FALSE(report.found.empty());
+}
+
+TEST_F(RealWorkProcess, GivesEqualBytesForEqualPhotos) {
+    ASSERT_EQ(Clean(samples::Photo()).result, WorkResult::Changed);
+    const std::string first = TargetContent();
+    ASSERT_EQ(Clean(samples::Photo()).result, WorkResult::Changed);
+    EXPECT_EQ(TargetContent(), first);
+}
+
+TEST_F(RealWorkProcess, WritesNothingForAFileThatItCannotClean) {
+    EXPECT_EQ(Clean("plain text").result, WorkResult::NotSupported);
+    EXPECT_EQ(TargetContent(), "");
+    EXPECT_EQ(Clean("").result, WorkResult::NotSupported);
+    EXPECT_EQ(Clean(samples::Photo().substr(0, 40)).result, WorkResult::Damaged);
+    EXPECT_EQ(TargetContent(), "");
+    EXPECT_EQ(Clean(samples::Photo()).result, WorkResult::Changed);
+}
+
+TEST_F(RealWorkProcess, RefusesAFileThatIsTooLarge) {
+    const std::wstring path = folder_.File(L"huge.jpg", "");
+    {
+        const auto huge = Open(path, GENERIC_WRITE, OPEN_EXISTING);
+        LARGE_INTEGER size{};
+        size.QuadPart = (std::int64_t{512} << 20) + 1;
+        ASSERT_TRUE(SetFilePointerEx(huge.Get(), size, nullptr, FILE_BEGIN));
+        ASSERT_TRUE(SetEndOfFile(huge.Get())); // takes no room on the disk
+    }
+    EXPECT_EQ(Check(path).result, WorkResult::TooLarge);
+}
+
+} // namespace

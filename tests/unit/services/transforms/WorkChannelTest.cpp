@@ -1,0 +1,131 @@
+// What the work process accepts as a request, and the bytes of its replies.
+#include "services/transforms/WorkChannel.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "ObLib/Src/Win32/WholeTransfer.h"
+#include "services/providers/worker/ReplyReader.h"
+#include "tests/support/TestFolder.h"
+
+using namespace obcontract;
+using ObLib::UniqueKernelHandle;
+using transforms::WorkChannel;
+using transforms::WorkEnd;
+
+namespace {
+
+class WorkChannelTest : public testing::Test {
+protected:
+    void SetUp() override {
+        UniqueKernelHandle requests;
+        UniqueKernelHandle replies;
+        ASSERT_TRUE(CreatePipe(requests.Put(), asked_.Put(), nullptr, 0));
+        ASSERT_TRUE(CreatePipe(answered_.Put(), replies.Put(), nullptr, 0));
+        channel_.emplace(std::move(requests), std::move(replies));
+    }
+
+    // A new handle of a file, which the channel closes with its request.
+    std::uint64_t File(const wchar_t* name) const {
+        return reinterpret_cast<std::uintptr_t>(CreateFileW((folder_ / name).c_str(),
+                                                            GENERIC_READ | GENERIC_WRITE, 0,
+                                                            nullptr, CREATE_ALWAYS, 0, nullptr));
+    }
+    void Ask(const WorkHeader& header, const CleanRequest& request) {
+        ASSERT_TRUE(ObLib::WriteWhole(asked_.Get(), &header, sizeof header));
+        ASSERT_TRUE(ObLib::WriteWhole(asked_.Get(), &request, sizeof request));
+    }
+    static WorkHeader Header(WorkKind kind) { return {kWorkMagic, kind, sizeof(CleanRequest), 0}; }
+    bool Accepts(const WorkHeader& header, const CleanRequest& request) {
+        Ask(header, request);
+        return channel_->Next().has_value();
+    }
+
+    const obtest::TestFolder folder_;
+    UniqueKernelHandle asked_;
+    UniqueKernelHandle answered_;
+    std::optional<WorkChannel> channel_;
+};
+
+TEST_F(WorkChannelTest, TakesARequestWithItsFiles) {
+    Ask(Header(WorkKind::Clean), {{File(L"a"), File(L"b")}, 0});
+    const auto request = channel_->Next();
+    ASSERT_TRUE(request);
+    EXPECT_EQ(request->kind, WorkKind::Clean);
+    EXPECT_TRUE(request->source);
+    EXPECT_TRUE(request->target);
+}
+
+TEST_F(WorkChannelTest, TakesACheckWithoutATarget) {
+    Ask(Header(WorkKind::CheckClean), {{File(L"a"), 0}, 0});
+    const auto request = channel_->Next();
+    ASSERT_TRUE(request);
+    EXPECT_FALSE(request->target);
+}
+
+TEST_F(WorkChannelTest, EndsWithThePipe) {
+    asked_.Reset();
+    EXPECT_FALSE(channel_->Next());
+}
+
+TEST_F(WorkChannelTest, RefusesAHeaderThatIsNotARequest) {
+    WorkHeader wrong = Header(WorkKind::Clean);
+    wrong.magic ^= 1;
+    EXPECT_FALSE(Accepts(wrong, {{File(L"a"), File(L"b")}, 0}));
+    SetUp();
+    EXPECT_FALSE(Accepts(Header(WorkKind::Done), {{File(L"c"), File(L"d")}, 0}));
+    SetUp();
+    wrong = Header(WorkKind::Clean);
+    wrong.size -= 1;
+    EXPECT_FALSE(Accepts(wrong, {{File(L"e"), File(L"f")}, 0}));
+    SetUp();
+    wrong = Header(WorkKind::Clean);
+    wrong.reserved = 1;
+    EXPECT_FALSE(Accepts(wrong, {{File(L"g"), File(L"h")}, 0}));
+}
+
+TEST_F(WorkChannelTest, RefusesARequestWithoutTheFilesOfItsKind) {
+    EXPECT_FALSE(Accepts(Header(WorkKind::Clean), {{0, File(L"a")}, 0}));
+    EXPECT_FALSE(Accepts(Header(WorkKind::Clean), {{File(L"b"), 0}, 0}));
+    EXPECT_FALSE(Accepts(Header(WorkKind::CheckClean), {{File(L"c"), File(L"d")}, 0}));
+    EXPECT_FALSE(Accepts(Header(WorkKind::Clean), {{File(L"e"), File(L"f")}, 1}));
+}
+
+TEST_F(WorkChannelTest, RefusesAHandleThatIsNoFile) {
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    EXPECT_FALSE(
+        Accepts(Header(WorkKind::CheckClean), {{reinterpret_cast<std::uintptr_t>(event), 0}, 0}));
+}
+
+// Every reply, read by the manager's own reader.
+TEST_F(WorkChannelTest, SendsRepliesThatTheManagerAccepts) {
+    ASSERT_TRUE(channel_->SendProgress(1, 2));
+    ASSERT_TRUE(channel_->SendFinding("maker-notes", 3));
+    ASSERT_TRUE(channel_->SendFinding(std::string(100, 'k'), 1));
+    ASSERT_TRUE(channel_->SendEnd(WorkEnd(WorkOutcome::Changed, 42)));
+    providers::ReplyReader reader;
+    reader.Begin();
+    while (!reader.IsComplete()) {
+        WorkHeader header;
+        ASSERT_TRUE(ObLib::ReadWhole(answered_.Get(), &header, sizeof header));
+        const auto size = providers::ReplyPayload(header);
+        ASSERT_TRUE(size);
+        std::byte payload[kLargestWorkPayload];
+        ASSERT_TRUE(ObLib::ReadWhole(answered_.Get(), payload, *size));
+        ASSERT_TRUE(reader.Take(header.kind, {payload, *size}));
+    }
+    EXPECT_EQ(reader.Report().size, 42u);
+    ASSERT_EQ(reader.Report().found.size(), 2u);
+    EXPECT_EQ(reader.Report().found[0], (providers::WorkFound{"maker-notes", 3}));
+    EXPECT_EQ(reader.Report().found[1].key, std::string(kWorkKeyCapacity - 1, 'k'));
+}
+
+TEST_F(WorkChannelTest, ReportsThatTheManagerNoLongerReads) {
+    answered_.Reset();
+    EXPECT_FALSE(channel_->SendEnd(WorkEnd(WorkFailure::Damaged)));
+}
+
+} // namespace
