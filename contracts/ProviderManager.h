@@ -143,8 +143,11 @@ inline constexpr std::size_t kCloudProviderSlotCount = 138;
 // text that a returned pointer leads to is copied at once. Capacities are in wide characters: 128
 // for GetShortDescription, 2048 for the two error texts, 514 for each buffer of GetTargetFile. A
 // manager serves one run, without locks, on the thread that owns the dialogs; while that thread
-// waits, the transform worker calls ExecuteTransforms, ExecutePostTransforms,
-// GetSelectedTransformSummary, SetProviderTarget, GetProviderTarget and SelectProviders.
+// waits, the transform worker calls ExecuteTransforms, ExecutePostTransforms, GetTargetFile,
+// GetSelectedTransformSummary, SetProviderTarget, GetProviderTarget and SelectProviders. After a
+// cancel the worker's current call may still be running, or be about to begin, when the thread of
+// the dialogs calls Deinit and DeleteObExtensionsManager: Deinit ends a running call,
+// DeleteObExtensionsManager waits for it, and a call that comes later answers no.
 #define OB_PROVIDER_MANAGER_LIFE(ENTRY)                                                            \
     ENTRY(CreateObExtensionsManager, ProviderManagerHandle, (void))                                \
     ENTRY(Init, void, (ProviderManagerHandle manager, std::int64_t hive, const wchar_t* key))      \

@@ -37,21 +37,25 @@ extern "C" {
 
 ProviderManagerHandle CreateObExtensionsManager() {
     Record(L"CreateObExtensionsManager");
+    const auto guard = LockManagers();
     return ScriptedCount(L"CreateObExtensionsManager", 1) != 0 ? NewManager() : nullptr;
 }
 
 void Init(ProviderManagerHandle manager, std::int64_t hive, const wchar_t* key) {
     Record(L"Init", manager, hive, key);
+    const auto guard = LockManagers();
     if (IsLive(manager)) manager->initialised = true;
 }
 
 void Deinit(ProviderManagerHandle manager) {
     Record(L"Deinit", manager);
+    const auto guard = LockManagers();
     if (IsLive(manager)) manager->initialised = false;
 }
 
 void DeleteObExtensionsManager(ProviderManagerHandle manager) {
     Record(L"DeleteObExtensionsManager", manager);
+    const auto guard = LockManagers();
     DropManager(manager);
 }
 

@@ -6,6 +6,7 @@
 namespace fakes {
 namespace {
 
+std::mutex managersLock;
 std::vector<std::unique_ptr<obcontract::ObExtensionsManager>> liveManagers;
 
 auto Find(obcontract::ProviderManagerHandle manager) {
@@ -14,6 +15,8 @@ auto Find(obcontract::ProviderManagerHandle manager) {
 }
 
 } // namespace
+
+std::unique_lock<std::mutex> LockManagers() { return std::unique_lock(managersLock); }
 
 obcontract::ProviderManagerHandle NewManager() {
     liveManagers.push_back(std::make_unique<obcontract::ObExtensionsManager>());
@@ -31,6 +34,10 @@ bool IsLive(obcontract::ProviderManagerHandle manager) {
 
 bool IsReady(obcontract::ProviderManagerHandle manager) {
     return IsLive(manager) && manager->initialised;
+}
+
+std::size_t CountCall(obcontract::ProviderManagerHandle manager, const std::wstring& key) {
+    return manager->calls[key]++;
 }
 
 } // namespace fakes

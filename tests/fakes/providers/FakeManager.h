@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <mutex>
 #include <set>
 #include <string>
 #include <utility>
@@ -19,9 +21,16 @@ struct obcontract::ObExtensionsManager {
     std::wstring target;                // of the per-file transforms
     std::wstring answer;                // what the last GetProviderTarget pointed to
     std::vector<std::wstring> produced; // by the last list or final stage
+    std::size_t buffers = 0;            // how many of them the caller was promised or gave room for
+    std::map<std::wstring, std::size_t> calls; // how often each scripted list was read
 };
 
 namespace fakes {
+
+// A manager is called from two threads: a call that was held may go on while another thread ends
+// the manager. Every export of the transforms and of a manager's life takes this after its call is
+// recorded.
+[[nodiscard]] std::unique_lock<std::mutex> LockManagers();
 
 obcontract::ProviderManagerHandle NewManager();
 void DropManager(obcontract::ProviderManagerHandle manager);
@@ -29,5 +38,8 @@ bool IsLive(obcontract::ProviderManagerHandle manager);
 
 // Whether the handle is live and initialised, so that its calls may answer yes.
 bool IsReady(obcontract::ProviderManagerHandle manager);
+
+// How often this manager was asked for `key` before. Counts this time.
+std::size_t CountCall(obcontract::ProviderManagerHandle manager, const std::wstring& key);
 
 } // namespace fakes

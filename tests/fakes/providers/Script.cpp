@@ -1,5 +1,7 @@
 #include "tests/fakes/providers/Script.h"
 
+#include <objbase.h>
+
 #include <algorithm>
 #include <cwchar>
 
@@ -36,6 +38,11 @@ std::int64_t NumberAt(const std::wstring& list, std::size_t index, std::int64_t 
     return std::wcstoll(numbers[std::min(index, numbers.size() - 1)].c_str(), nullptr, 10);
 }
 
+std::wstring ItemAt(const std::wstring& list, std::size_t index) {
+    const std::vector<std::wstring> items = Split(list, L';');
+    return items.empty() ? std::wstring() : items[std::min(index, items.size() - 1)];
+}
+
 void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text) {
     if (!place || capacity == 0) return;
     const std::size_t length =
@@ -44,10 +51,19 @@ void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text) 
     place[length] = L'\0';
 }
 
+std::wstring DescribeThread() {
+    if (ScriptedCount(L"Threads", 0) == 0) return {};
+    APTTYPE type;
+    APTTYPEQUALIFIER qualifier;
+    const bool hasCom = CoGetApartmentType(&type, &qualifier) != CO_E_NOTINITIALIZED;
+    return L" @" + std::to_wstring(GetCurrentThreadId()) + (hasCom ? L" with COM" : L"");
+}
+
 std::wstring Describe(const wchar_t* text) { return Quoted(text); }
 
 std::wstring Describe(obcontract::ProviderManagerHandle manager) {
     if (!manager) return L"null";
+    const auto guard = LockManagers();
     return IsLive(manager) ? L"manager" : L"stale manager";
 }
 

@@ -18,11 +18,19 @@
 //   GetReadyForConvert.N, SelectProviders.N, ShowProviderOptionsWhenNoOptionsSet.N
 //                                     [as IsProviderSupport.N.4]
 //   IsProviderTypeSelected            [whether SelectProviders used one of the kind]
-//   GetSelectedTransformSummary       "before,after,each,final" [0,0,0,0]
+//   GetSelectedTransformSummary       "before,after,each,final" of each call of a manager, with ;
+//                                     between them; the last one repeats [0,0,0,0]
 //   GetProviderTarget.FILENAME        path; an empty answer drops the file [the target itself]
-//   ExecuteTransforms.FILENAME, ExecuteTransforms            [1]
-//   ExecutePostTransforms, ExecuteFinalTransforms            [1]
-//   ExecutePostTransforms.paths, ExecuteFinalTransforms.paths   "a|b": results [what came in]
+//   ExecuteTransforms.FILENAME        [as the next line has it]
+//   ExecuteTransforms, ExecutePostTransforms, ExecuteFinalTransforms
+//                                     results of a manager's calls, "1,1,0"; the last repeats [1]
+//   ExecutePostTransforms.paths, ExecuteFinalTransforms.paths
+//                                     "a|b": results of a call; with ; between the calls, the last
+//                                     one repeats; an empty answer drops all [what came in]
+//   ExecutePostTransforms.count       the count that the call gives back [number of results]
+//   GetTargetFile.count               the count that the call gives back [number of results]
+//   Threads                           1: each call is written with its thread, "Name() @123", and
+//                                     with " with COM" after it if that thread has an apartment
 //
 //   providerN.GetDisplayName          [providerN]
 //   providerN.GetShortDescription     [none]
@@ -70,6 +78,10 @@ std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator);
 // no list.
 std::int64_t NumberAt(const std::wstring& list, std::size_t index, std::int64_t empty);
 
+// The item at `index` of a list such as "a;b"; past its end the last one; empty when there is no
+// list.
+std::wstring ItemAt(const std::wstring& list, std::size_t index);
+
 // Copies as much of `text` as fits, with its NUL. A null or empty place is left alone.
 void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text);
 
@@ -85,6 +97,9 @@ std::wstring Describe(HWND window);
 std::wstring Describe(const void* pointer);
 std::wstring Describe(const std::vector<std::wstring>& paths);
 
+// What a recorded line has after its closing bracket.
+std::wstring DescribeThread();
+
 template <class Number>
 requires(std::is_integral_v<Number> || std::is_enum_v<Number>) std::wstring Describe(Number value) {
     return std::to_wstring(static_cast<std::int64_t>(value));
@@ -97,7 +112,7 @@ void Record(const wchar_t* name, const Arguments&... arguments) {
     line += L'(';
     [[maybe_unused]] const wchar_t* separator = L"";
     ((line += separator, line += Describe(arguments), separator = L", "), ...);
-    line += L')';
+    line += L')' + DescribeThread();
     RecordCall(std::move(line));
 }
 

@@ -27,12 +27,18 @@ std::vector<std::wstring> PathsOf(const wchar_t* const* paths, std::uint32_t cou
     return std::vector<std::wstring>(paths, paths + count);
 }
 
+// The result that the script has for this call of the manager.
+bool NextResult(ProviderManagerHandle manager, const std::wstring& call) {
+    return NumberAt(ScriptedText(call), CountCall(manager, call), 1) != 0;
+}
+
 // Ends a list stage: what it produced is kept for GetTargetFile.
 bool FinishStage(ProviderManagerHandle manager, const std::wstring& call,
                  const std::vector<std::wstring>& paths) {
-    if (!IsReady(manager) || ScriptedCount(call, 1) == 0) return false;
-    const auto scripted = ScriptedAnswer((call + L".paths").c_str());
-    manager->produced = scripted ? Split(*scripted, L'|') : paths;
+    if (!IsReady(manager) || !NextResult(manager, call)) return false;
+    const std::wstring key = call + L".paths";
+    const auto scripted = ScriptedAnswer(key.c_str());
+    manager->produced = scripted ? Split(ItemAt(*scripted, CountCall(manager, key)), L'|') : paths;
     return true;
 }
 
@@ -61,6 +67,7 @@ Bool GetReadyForConvert(HWND owner, ProviderManagerHandle manager, std::uint32_t
 Bool SelectProviders(ProviderManagerHandle manager, std::uint32_t mode, std::uint32_t providerId,
                      ProviderKind kind) {
     Record(L"SelectProviders", manager, mode, providerId, kind);
+    const auto guard = LockManagers();
     if (!IsReady(manager) || !AnswerPerTransform(L"SelectProviders", providerId, kind)) return 0;
     if (mode == kSelectUse) {
         manager->selected.emplace(providerId, kind);
@@ -72,6 +79,7 @@ Bool SelectProviders(ProviderManagerHandle manager, std::uint32_t mode, std::uin
 
 Bool IsProviderTypeSelected(ProviderManagerHandle manager, ProviderKind kind) {
     Record(L"IsProviderTypeSelected", manager, kind);
+    const auto guard = LockManagers();
     if (!IsReady(manager)) return 0;
     const bool any = std::any_of(manager->selected.begin(), manager->selected.end(),
                                  [kind](const auto& entry) { return entry.second == kind; });
@@ -82,8 +90,10 @@ void GetSelectedTransformSummary(ProviderManagerHandle manager, std::int32_t* be
                                  std::int32_t* afterList, std::int32_t* perFile,
                                  std::int32_t* final) {
     Record(L"GetSelectedTransformSummary", manager);
-    const std::wstring script =
-        IsReady(manager) ? ScriptedText(L"GetSelectedTransformSummary") : std::wstring();
+    const auto guard = LockManagers();
+    const std::wstring key = L"GetSelectedTransformSummary";
+    std::wstring script;
+    if (IsReady(manager)) script = ItemAt(ScriptedText(key), CountCall(manager, key));
     std::int32_t* const counts[] = {beforeList, afterList, perFile, final};
     for (std::size_t index = 0; index < 4; ++index) {
         if (!counts[index]) continue;
@@ -93,11 +103,13 @@ void GetSelectedTransformSummary(ProviderManagerHandle manager, std::int32_t* be
 
 void SetProviderTarget(ProviderManagerHandle manager, const wchar_t* path) {
     Record(L"SetProviderTarget", manager, path);
+    const auto guard = LockManagers();
     if (IsReady(manager)) manager->target = path ? path : L"";
 }
 
 const wchar_t* GetProviderTarget(ProviderManagerHandle manager) {
     Record(L"GetProviderTarget", manager);
+    const auto guard = LockManagers();
     if (!IsReady(manager)) return L"";
     manager->answer =
         ScriptedText(L"GetProviderTarget." + FileNameOf(manager->target), manager->target);
@@ -108,17 +120,20 @@ Bool ExecuteTransforms(ProviderManagerHandle manager, void* none1, HWND owner,
                        const wchar_t* folder, std::uint32_t one, std::uint32_t mode, void* none2,
                        void* none3) {
     Record(L"ExecuteTransforms", manager, none1, owner, folder, one, mode, none2, none3);
+    const auto guard = LockManagers();
     if (!IsReady(manager)) return 0;
-    return ScriptedCount(L"ExecuteTransforms." + FileNameOf(manager->target),
-                         ScriptedCount(L"ExecuteTransforms", 1)) != 0;
+    const bool result = NextResult(manager, L"ExecuteTransforms");
+    return ScriptedCount(L"ExecuteTransforms." + FileNameOf(manager->target), result) != 0;
 }
 
 Bool ExecutePostTransforms(ProviderManagerHandle manager, HWND owner, const wchar_t* const* paths,
                            std::uint32_t* count, std::uint32_t mode, void* none1, void* none2) {
     const auto given = PathsOf(paths, count ? *count : 0);
     Record(L"ExecutePostTransforms", manager, owner, given, given.size(), mode, none1, none2);
+    const auto guard = LockManagers();
     if (!FinishStage(manager, L"ExecutePostTransforms", given)) return 0;
-    if (count) *count = static_cast<std::uint32_t>(manager->produced.size());
+    manager->buffers = ScriptedCount(L"ExecutePostTransforms.count", manager->produced.size());
+    if (count) *count = static_cast<std::uint32_t>(manager->buffers);
     return 1;
 }
 
@@ -126,18 +141,24 @@ Bool ExecuteFinalTransforms(ProviderManagerHandle manager, HWND owner, const wch
                             std::uint32_t count, std::uint32_t mode, void* none1, void* none2) {
     const auto given = PathsOf(paths, count);
     Record(L"ExecuteFinalTransforms", manager, owner, given, count, mode, none1, none2);
-    return FinishStage(manager, L"ExecuteFinalTransforms", given);
+    const auto guard = LockManagers();
+    if (!FinishStage(manager, L"ExecuteFinalTransforms", given)) return 0;
+    manager->buffers = count;
+    return 1;
 }
 
 void GetTargetFile(ProviderManagerHandle manager, wchar_t* const* buffers, std::uint32_t* count,
                    std::uint32_t capacity) {
     Record(L"GetTargetFile", manager, capacity);
-    const std::vector<std::wstring> none;
-    const auto& produced = IsReady(manager) ? manager->produced : none;
-    for (std::size_t index = 0; index < produced.size(); ++index) {
+    const auto guard = LockManagers();
+    if (count) *count = 0;
+    if (!IsReady(manager)) return;
+    const auto& produced = manager->produced;
+    for (std::size_t index = 0; index < std::min(produced.size(), manager->buffers); ++index) {
         FillText(buffers[index], capacity, produced[index]);
     }
-    if (count) *count = static_cast<std::uint32_t>(produced.size());
+    const auto results = ScriptedCount(L"GetTargetFile.count", produced.size());
+    if (count) *count = static_cast<std::uint32_t>(results);
 }
 
 } // extern "C"
