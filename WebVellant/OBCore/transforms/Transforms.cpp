@@ -1,24 +1,55 @@
 #include "OBCore/transforms/Transforms.h"
 
-#include "OBCore/modules/ObTrace.h"
-#include "OBCore/options/TransformTable.h"
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <utility>
+
+#include "OBCore/files/TemporaryFolders.h"
+#include "OBCore/transforms/FileConversionReport.h"
+#include "OBCore/transforms/TransformProgressDialog.h"
+#include "OBCore/transforms/TransformSelection.h"
+#include "OBCore/usage/UsageEvents.h"
 
 namespace obcore::CompressUtils {
+namespace {
 
-// This build carries out no transforms yet. A run that asks for one stops here, before a file or
-// the manager's selection is touched, so that nothing goes out as if it had been changed. The
-// stages and their progress dialog take the place of the trace.
-bool RunTransforms(OBAttachJob& job, std::vector<std::wstring>& files, const std::wstring& folder) {
-    if (!WantsTransforms(job)) return true;
-    ObTrace("RunTransforms: %d files in %S can't be changed", static_cast<int>(files.size()),
-            folder.c_str());
-    return false;
+// The files become the result of the run; the browser side deletes the folder and the first file
+// when the page is done with them.
+void SetResult(OBAttachJob& job, std::vector<std::wstring> files, const std::wstring& folder) {
+    job.ResultFolder = folder;
+    job.CleanupFolder = folder;
+    job.ResultPath = files.front();
+    job.CleanupFile = files.front();
+    job.ResultName = PathFindFileNameW(files.front().c_str());
+    job.ResultIsArchive = false;
+    job.Files = std::move(files);
 }
 
-// Only called for a file that is to be changed, so the run stops before a copy is made.
-bool TransformSingleFile(OBAttachJob&, const std::vector<std::wstring>& files) {
-    ObTrace("TransformSingleFile: %d files can't be changed", static_cast<int>(files.size()));
-    return false;
+} // namespace
+
+bool RunTransforms(OBAttachJob& job, std::vector<std::wstring>& files, const std::wstring& folder) {
+    const auto run = std::make_shared<TransformRun>(job, files, folder);
+    SelectWantedTransforms(job);
+    const bool goOn = !IsAnyTransformSelected(run->Manager) || ShowTransformProgress(*run);
+    if (goOn) ReportFileConversion(job);
+    files = run->CurrentFiles();
+    return goOn;
+}
+
+bool TransformSingleFile(OBAttachJob& job, const std::vector<std::wstring>& files) {
+    std::vector<std::wstring> copies = files;
+    std::wstring folder;
+    if (!GetTemporaryFolder(folder) || !CreateUniqueTempFolder(folder)) return false;
+    CopyFilesToFolder(folder, copies);
+    job.TransformsBeforeArchive = false;
+    if (!RunTransforms(job, copies, folder)) return false;
+    if (copies.empty()) return false;
+    SetResult(job, std::move(copies), folder);
+    ReportFileConversion(job); // RunTransforms has sent one as well
+    ReportUsage(job);
+    return true;
 }
 
 } // namespace obcore::CompressUtils

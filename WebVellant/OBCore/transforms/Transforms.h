@@ -8,13 +8,20 @@
 
 namespace obcore::CompressUtils {
 
-// Runs the transforms that the job's options name on `files`, with `folder` as the run's temporary
-// folder. True to go on, false to stop: a transform that is wanted and can't be carried out stops
-// the run, it never lets files through as if done.
+// Runs the transforms that the job's options name, and those that the provider manager has selected
+// already, on `files`, with `folder` as the run's temporary folder (empty: there is none). Without
+// any selected transform the files stay as they are. Otherwise a progress dialog on
+// job.ParentWindow is open while the providers work.
+//
+// True to go on, also with a list that the providers have emptied; false to stop: a provider failed
+// and has told the user, or the user cancelled. `files` is the list of the last finished step in
+// both cases. After a cancel a provider may still be at work on its current call: no other call
+// begins, and Deinit of the manager ends that one. On the picker's dialog thread.
 bool RunTransforms(OBAttachJob& job, std::vector<std::wstring>& files, const std::wstring& folder);
 
-// The case of a single file that isn't zipped: a converted copy in a temporary folder of its own.
-// True when the copy is complete, false to stop.
+// The case of a single file that isn't zipped: a converted copy in a temporary folder of its own is
+// the job's result. False to stop: no temporary folder, a run that stops, or no file left. The
+// folder and what is in it stay then, and the job has no result.
 bool TransformSingleFile(OBAttachJob& job, const std::vector<std::wstring>& files);
 
 } // namespace obcore::CompressUtils

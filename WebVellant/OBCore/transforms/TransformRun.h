@@ -1,0 +1,77 @@
+// One run of the transforms: what the dialog's thread and the worker thread share.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "OBCore/options/OBAttachJob.h"
+#include "contracts/ProviderManager.h"
+
+namespace obcore {
+
+// Results of a run, with which its dialog ends.
+inline constexpr std::int64_t kTransformsGoOn = 1;
+inline constexpr std::int64_t kTransformsStop = 2;
+
+using PathList = std::vector<std::wstring>;
+
+// Shared, as nobody joins the worker: after a cancel the worker may be inside a call of the manager
+// long after RunTransforms has returned.
+struct TransformRun : std::enable_shared_from_this<TransformRun> {
+    TransformRun(const OBAttachJob& job, PathList files, std::wstring folder);
+    TransformRun(const TransformRun&) = delete;
+    TransformRun& operator=(const TransformRun&) = delete;
+
+    const obcontract::ProviderManagerHandle Manager;
+    PathList Files;            // what is to be transformed; only the methods below touch the list
+    const std::wstring Folder; // temporary folder of the run; empty: there is none
+    HWND Dialog; // owner of all that the providers show: ParentWindow at first, the progress dialog
+                 // from its WM_INITDIALOG on, which is before the worker starts
+    const bool BeforeArchive; // a zip follows
+    std::atomic<std::int64_t> Result = kTransformsGoOn;
+
+    // The mode argument of the three execute calls.
+    std::uint32_t Mode() const noexcept { return BeforeArchive ? 1 : 3; }
+
+    // Makes `call`, one call of the manager, on the calling thread unless the dialog has ended.
+    // Returns whether the dialog is open after the call; if not, nothing that the call gave counts,
+    // and the worker makes no other call. The lock is free during the call.
+    template <class Call>
+    [[nodiscard]] bool WhileOpen(Call call) {
+        if (!IsOpen()) return false;
+        call();
+        return IsOpen();
+    }
+
+    PathList CurrentFiles() const;
+
+    // End a step: with another list, or with another path of the file at `index`, which is dropped
+    // from the list when `path` is empty. False, with the list as it was, when the dialog has
+    // ended: the caller of RunTransforms gets the list of the last finished step.
+    [[nodiscard]] bool FinishStep(PathList files);
+    [[nodiscard]] bool FinishFile(std::size_t index, const std::wstring& path);
+
+    // The user has cancelled, and the dialog is about to end: no call of the manager begins from
+    // here on.
+    void Cancel();
+
+    // Marks the end of the dialog: no call of the manager begins from here on, and the list doesn't
+    // change any more. Returns whether the user had cancelled.
+    bool MarkEnd();
+
+private:
+    bool IsOpen() const;
+    bool HasEnded() const noexcept { return cancelled_ || ended_; } // under the lock
+
+    mutable std::mutex lock_;
+    bool cancelled_ = false;
+    bool ended_ = false;
+};
+
+} // namespace obcore
