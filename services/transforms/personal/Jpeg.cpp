@@ -15,15 +15,10 @@ constexpr std::uint8_t kApp1 = 0xE1;
 constexpr std::uint8_t kApp2 = 0xE2;
 constexpr std::uint8_t kApp11 = 0xEB;
 constexpr std::uint8_t kApp13 = 0xED;
-constexpr std::uint8_t kApp14 = 0xEE;
 
-constexpr std::string_view kJfif = "JFIF\0"sv;
 constexpr std::string_view kExif = "Exif\0"sv; // one more byte follows, usually 0
 constexpr std::size_t kExifHeader = kExif.size() + 1;
 constexpr std::string_view kProfile = "ICC_PROFILE\0"sv;
-constexpr std::string_view kAdobe = "Adobe"sv;
-constexpr std::size_t kJfifSize = 14;  // without a thumbnail
-constexpr std::size_t kAdobeSize = 12; // as decoders read it
 
 // A segment that is removed whole, by its marker and the text at its start. The first row that fits
 // counts.
@@ -131,42 +126,30 @@ private:
     }
 
     void Take(const JpegSegment& segment) {
-        if (segment.marker == kApp0 && IsJfif(segment.payload)) return TakeJfif(segment);
-        if (segment.marker == kApp14 && IsAdobe(segment.payload)) return TakeAdobe(segment);
+        if (!jpeg::CarriesData(segment)) return Keep(segment);
+        if (jpeg::IsJfif(segment)) return TakeJfif(segment);
+        if (jpeg::IsAdobe(segment)) return TakeAdobe(segment);
         if (IsExif(segment) && !hasScan_) return TakeExif(segment);
         if (IsProfilePiece(segment) && hasWholeProfile_ && !hasScan_) return Keep(segment);
-        if (jpeg::IsApplication(segment.marker) || segment.marker == jpeg::kComment) {
-            return analysis_.found.Note(KindOf(segment));
-        }
-        hasFrame_ |= jpeg::IsFrame(segment.marker);
-        hasScan_ |= segment.marker == jpeg::kStartOfScan;
-        Keep(segment);
+        analysis_.found.Note(KindOf(segment));
     }
 
     void Keep(const JpegSegment& segment) {
+        hasFrame_ |= jpeg::IsFrame(segment.marker);
+        hasScan_ |= segment.marker == jpeg::kStartOfScan;
         analysis_.parts.Keep(segment.whole);
         analysis_.parts.Keep(segment.coded);
     }
 
-    static bool IsJfif(Bytes payload) {
-        return payload.size() >= kJfifSize && StartsWith(payload, kJfif);
-    }
-    static bool IsAdobe(Bytes payload) {
-        return payload.size() >= kAdobeSize && StartsWith(payload, kAdobe);
-    }
-
     void TakeJfif(const JpegSegment& segment) {
-        const Bytes dimensions = segment.payload.subspan(kJfifSize - 2, 2);
-        if (segment.payload.size() == kJfifSize && AreZero(dimensions)) return Keep(segment);
-        OwnedBytes payload(segment.payload.begin(), segment.payload.begin() + kJfifSize);
-        payload[kJfifSize - 2] = payload[kJfifSize - 1] = std::byte{0};
+        OwnedBytes payload(segment.payload.begin(), segment.payload.begin() + jpeg::kJfifSize);
+        payload[jpeg::kJfifSize - 2] = payload[jpeg::kJfifSize - 1] = std::byte{0};
         analysis_.parts.Add(MakeSegment(segment.marker, payload));
         analysis_.found.Note(FindingKind::Thumbnail);
     }
 
     void TakeAdobe(const JpegSegment& segment) {
-        if (segment.payload.size() == kAdobeSize) return Keep(segment);
-        analysis_.parts.Add(MakeSegment(segment.marker, segment.payload.first(kAdobeSize)));
+        analysis_.parts.Add(MakeSegment(segment.marker, segment.payload.first(jpeg::kAdobeSize)));
         analysis_.found.Note(FindingKind::ApplicationData);
     }
 

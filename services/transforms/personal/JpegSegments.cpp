@@ -5,6 +5,8 @@
 namespace transforms::personal {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr std::uint8_t kMark = 0xFF; // begins a marker; before a marker it is a fill byte
 constexpr std::size_t kStartSize = 2;
 constexpr std::size_t kLengthSize = 2;
@@ -19,6 +21,7 @@ constexpr std::uint8_t kNumberOfLines = 0xDC;
 constexpr std::uint8_t kRestartInterval = 0xDD;
 constexpr std::uint8_t kHierarchicalProgression = 0xDE;
 constexpr std::uint8_t kExpandReference = 0xDF;
+constexpr std::uint8_t kAdobeApplication = 0xEE;
 
 std::size_t FindMark(Bytes file, std::size_t at) {
     if (at >= file.size()) return file.size();
@@ -113,6 +116,25 @@ bool IsSound(std::uint8_t marker, Bytes payload) {
 bool jpeg::IsFrame(std::uint8_t marker) {
     return marker >= 0xC0 && marker <= 0xCF && marker != kHuffmanTables &&
            marker != kReservedFrame && marker != kArithmeticTables;
+}
+
+bool jpeg::IsJfif(const JpegSegment& segment) {
+    return segment.marker == kFirstApplication && segment.payload.size() >= kJfifSize &&
+           StartsWith(segment.payload, "JFIF\0"sv);
+}
+
+bool jpeg::IsAdobe(const JpegSegment& segment) {
+    return segment.marker == kAdobeApplication && segment.payload.size() >= kAdobeSize &&
+           StartsWith(segment.payload, "Adobe");
+}
+
+bool jpeg::CarriesData(const JpegSegment& segment) {
+    if (IsJfif(segment)) {
+        const Bytes dimensions = segment.payload.subspan(kJfifSize - 2, 2); // of a thumbnail
+        return segment.payload.size() != kJfifSize || !AreZero(dimensions);
+    }
+    if (IsAdobe(segment)) return segment.payload.size() != kAdobeSize;
+    return IsApplication(segment.marker) || segment.marker == kComment;
 }
 
 JpegReader::JpegReader(Bytes file) : file_(file), at_(std::min(kStartSize, file.size())) {}

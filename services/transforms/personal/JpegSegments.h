@@ -30,6 +30,18 @@ struct JpegSegment {
     Bytes coded;   // after a scan's header, up to the next marker
 };
 
+namespace jpeg {
+// The segments with what decoders need to know of size and colours, as far as decoders read them.
+inline constexpr std::size_t kJfifSize = 14; // without a thumbnail
+inline constexpr std::size_t kAdobeSize = 12;
+bool IsJfif(const JpegSegment& segment);  // with a thumbnail or without
+bool IsAdobe(const JpegSegment& segment); // with more than is read or without
+
+// Whether something in the segment isn't needed for drawing: a comment, or an application's segment
+// that is neither of the above, or more than they need.
+bool CarriesData(const JpegSegment& segment);
+} // namespace jpeg
+
 // Reads segment after segment, from the one after the start of the image.
 class JpegReader {
 public:

@@ -6,6 +6,7 @@
 #include "services/transforms/personal/Gif.h"
 #include "services/transforms/personal/Jpeg.h"
 #include "services/transforms/personal/Png.h"
+#include "services/transforms/personal/Tiff.h"
 #include "services/transforms/personal/WebP.h"
 
 namespace transforms {
@@ -19,10 +20,8 @@ struct Format {
 };
 
 constexpr Format kFormats[] = {
-    {IsJpeg, AnalyzeJpeg},
-    {IsPng, AnalyzePng},
-    {IsGif, AnalyzeGif},
-    {IsWebP, AnalyzeWebP},
+    {IsJpeg, AnalyzeJpeg}, {IsPng, AnalyzePng},   {IsGif, AnalyzeGif},
+    {IsWebP, AnalyzeWebP}, {IsTiff, AnalyzeTiff},
 };
 
 Analysis Analyze(Bytes file) {

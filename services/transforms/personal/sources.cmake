@@ -4,6 +4,7 @@ set(OB_PERSONAL_SOURCES
     Crc32.cpp
     ExifBlock.cpp
     ExifTags.cpp
+    ExtentMap.cpp
     Findings.cpp
     Gif.cpp
     Jpeg.cpp
@@ -11,6 +12,10 @@ set(OB_PERSONAL_SOURCES
     PersonalData.cpp
     Png.cpp
     RiffChunks.cpp
+    Tiff.cpp
+    TiffContent.cpp
     TiffDirectory.cpp
+    TiffTags.cpp
+    TiffWriter.cpp
     WebP.cpp)
 list(TRANSFORM OB_PERSONAL_SOURCES PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
