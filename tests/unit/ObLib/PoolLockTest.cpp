@@ -8,8 +8,8 @@
 #include "ObLib/Src/StringCore.h"
 #include "ObLib/Src/StringPool.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "tests/support/Allocations.h"
 #include "tests/support/ImportPatch.h"
-#include "tests/unit/ObLib/CountedMemory.h"
 
 namespace {
 
@@ -51,7 +51,7 @@ void AskOnAnotherThread() {
 TEST(PoolLock, HeldByAnotherThreadThatAllocatesItSurfacesARefusedEvent) {
     ObLib::PoolSwitchOff();
     ObLib::PoolSwitchOn();
-    AtNextAllocation(&AskOnAnotherThread);
+    obtest::AtNextAllocation(&AskOnAnotherThread);
     void* const core = ObLib::PoolAllocate(sizeof(StringCore));
     EXPECT_EQ(Outcome::kResourceError, g_outcome);
     EXPECT_EQ(1, g_refused);

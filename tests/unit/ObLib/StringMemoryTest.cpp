@@ -12,11 +12,15 @@
 
 #include "ObLib/Src/ObString.h"
 #include "ObLib/Src/StringPool.h"
-#include "tests/unit/ObLib/CountedMemory.h"
+#include "tests/support/Allocations.h"
 
 namespace {
 
 using ObLib::ObString;
+using obtest::AllocationCount;
+using obtest::FailEachAllocation;
+using obtest::LiveBlocks;
+using obtest::WatchReleased;
 
 constexpr wchar_t kLong[] = L"a text that is on the heap";
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "ObLib/Src/ObString.h"
-#include "tests/unit/ObLib/CountedMemory.h"
+#include "tests/support/Allocations.h"
 
 namespace {
 
@@ -17,6 +17,8 @@ using ObLib::PoolAllocate;
 using ObLib::PoolFree;
 using ObLib::PoolLength;
 using ObLib::StringCore;
+using obtest::AllocationCount;
+using obtest::LiveBlocks;
 
 constexpr std::size_t kCore = sizeof(StringCore);
 

@@ -7,11 +7,13 @@
 #include <random>
 
 #include "ObLibX/src/xml/names/XmlCharacters.h"
-#include "tests/unit/ObLibX/xml/AllocationFailure.h"
+#include "tests/support/Allocations.h"
 #include "tests/unit/ObLibX/xml/document/ElementTree.h"
 #include "tests/unit/ObLibX/xml/stream/StreamFiles.h"
 
 using namespace ObLibX;
+using obtest::CountAllocations;
+using obtest::FailEachAllocation;
 
 namespace {
 
@@ -231,13 +233,12 @@ TEST(AttributeCursors, AllocateNothingForWhatIsNoLongerThanBefore) {
     } reading;
     reading.document.SetText(L"<a first_of_many_units='&lt; a value of many units'"
                              L" other_of_many_units='&amp; a value of few'/>");
-    const auto readAll = [](void* context) {
-        Reading& at = *static_cast<Reading*>(context);
+    const auto readAll = [&at = reading] {
         at.attributes.Begin(1);
         while (at.document.GetNextAttribute(at.attributes)) ++at.count;
     };
-    EXPECT_EQ(CountAllocations(readAll, &reading), 2u); // a name and a value
-    EXPECT_EQ(CountAllocations(readAll, &reading), 0u);
+    EXPECT_EQ(CountAllocations(readAll), 2u); // a name and a value
+    EXPECT_EQ(CountAllocations(readAll), 0u);
     EXPECT_EQ(reading.count, 4);
 }
 

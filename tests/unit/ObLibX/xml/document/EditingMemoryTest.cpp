@@ -3,10 +3,12 @@
 
 #include <memory>
 
-#include "tests/unit/ObLibX/xml/AllocationFailure.h"
+#include "tests/support/Allocations.h"
 #include "tests/unit/ObLibX/xml/document/ElementTree.h"
 
 using namespace ObLibX;
+using obtest::CountAllocations;
+using obtest::FailEachAllocation;
 
 namespace {
 
@@ -131,8 +133,7 @@ TEST(OutOfMemory, LeavesThePositionWhenAnElementIsSought) {
 TEST(Allocations, AreNoneForNavigationAndShortPaths) {
     XmlOffsetDocument document;
     document.SetText(kText);
-    const auto visitAll = [](void* context) {
-        auto& visited = *static_cast<XmlOffsetDocument*>(context);
+    const auto visitAll = [&visited = document] {
         visited.ResetPosition(0, 0, 0);
         while (visited.FindElement(L"//*")) {
         }
@@ -142,5 +143,5 @@ TEST(Allocations, AreNoneForNavigationAndShortPaths) {
         EXPECT_FALSE(visited.FindElement(L"/r/b[1]/@x"));
         EXPECT_FALSE(visited.FindChildElement(L"d"));
     };
-    EXPECT_EQ(CountAllocations(visitAll, &document), 0u);
+    EXPECT_EQ(CountAllocations(visitAll), 0u);
 }

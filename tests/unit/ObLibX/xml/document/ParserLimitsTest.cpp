@@ -4,12 +4,14 @@
 #include <chrono>
 #include <new>
 
-#include "tests/unit/ObLibX/xml/AllocationFailure.h"
+#include "tests/support/Allocations.h"
 #include "tests/unit/ObLibX/xml/document/Records.h"
 #include "tests/unit/ObLibX/xml/scan/Scans.h"
 
 namespace ObLibX {
 namespace {
+
+using obtest::FailingAllocations;
 
 constexpr std::size_t kMillion = 1000000;
 
@@ -168,17 +170,11 @@ TEST(ParserLimits, ATextOfTwoThousandMillionUnitsIsRefusedUnread) {
 
 // Of a text that is set in a document that exists.
 std::size_t AllocationsOf(const std::wstring& text) {
-    struct Work {
-        XmlOffsetDocument document;
-        const std::wstring& text;
-        bool answer = false;
-    } work{.document = {}, .text = text};
-    const auto run = [](void* context) {
-        Work& at = *static_cast<Work*>(context);
-        at.answer = at.document.SetText(std::wstring_view(at.text));
-    };
-    const std::size_t count = CountAllocations(run, &work);
-    EXPECT_TRUE(work.answer);
+    XmlOffsetDocument document;
+    bool answer = false;
+    const std::size_t count =
+        obtest::CountAllocations([&] { answer = document.SetText(std::wstring_view(text)); });
+    EXPECT_TRUE(answer);
     return count;
 }
 
@@ -197,21 +193,21 @@ void ExpectEachFailureSurvived(const std::wstring& text, bool andLater) {
         ASSERT_LT(which, 5000u);
         {
             XmlOffsetDocument released;
-            const AllocationFailure failure(which, andLater);
+            const FailingAllocations failure({.succeeding = which, .once = !andLater});
             try {
                 released.SetText(std::wstring_view(text));
             } catch (const std::bad_alloc&) {
-                EXPECT_TRUE(failure.Happened());
+                EXPECT_TRUE(failure.Failed());
             }
         }
         XmlOffsetDocument document;
         {
-            const AllocationFailure failure(which, andLater);
+            const FailingAllocations failure({.succeeding = which, .once = !andLater});
             try {
                 document.SetText(std::wstring_view(text));
             } catch (const std::bad_alloc&) {
             }
-            failed = failure.Happened();
+            failed = failure.Failed();
         }
         ASSERT_TRUE(document.SetText(L"<a><b/></a>")) << "after failure " << which;
         ASSERT_EQ(FaultsOf(document), "") << "after failure " << which;
@@ -234,12 +230,12 @@ TEST(ParserMemory, EachAllocationMayFail) {
 TEST(ParserMemory, ADocumentThatCantBeMadeLeavesNothing) {
     std::size_t which = 0;
     for (bool failed = true; failed; ++which) {
-        const AllocationFailure failure(which, false);
+        const FailingAllocations failure({.succeeding = which, .once = true});
         try {
             XmlOffsetDocument document;
         } catch (const std::bad_alloc&) {
         }
-        failed = failure.Happened();
+        failed = failure.Failed();
     }
     // The records, their table, its pointers and the saved positions, and the run that came
     // through.

@@ -8,7 +8,7 @@
 
 #include "ObLibX/src/xml/encoding/CharBoundary.h"
 #include "ObLibX/src/xml/encoding/TextFileChannel.h"
-#include "tests/unit/ObLibX/xml/AllocationFailure.h"
+#include "tests/support/Allocations.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"
 
@@ -16,6 +16,7 @@ namespace {
 
 using ObLibX::TextConverter;
 using ObLibX::TextFileChannel;
+using obtest::FailEachAllocation;
 using obtest::ScratchFile;
 
 TEST(ExhaustedMemory, LeavesAConverterThatConverts) {

@@ -4,11 +4,12 @@
 #include <memory>
 #include <string>
 
-#include "tests/unit/ObLibX/xml/AllocationFailure.h"
+#include "tests/support/Allocations.h"
 #include "tests/unit/ObLibX/xml/stream/StreamChecks.h"
 #include "tests/unit/ObLibX/xml/stream/StreamFiles.h"
 
 using namespace ObLibX;
+using obtest::FailEachAllocation;
 
 namespace {
 
@@ -255,7 +256,7 @@ TEST(StreamOutOfMemory, ClosesTheFileOfADocumentThatIsDestroyed) {
         ASSERT_TRUE(document->OpenForWriting(file.Path(), {.blockSize = 4}));
         ASSERT_TRUE(document->AddElement(L"a_name_that_is_long_enough", nullptr));
         ASSERT_TRUE(document->IntoElement());
-        const AllocationFailure failure(failing);
+        const obtest::FailingAllocations failure({.succeeding = failing});
         document.reset(); // closes the file, with the end tag or without
     }
     EXPECT_EQ(std::remove(file.NarrowPath()), 0) << "the file is closed";

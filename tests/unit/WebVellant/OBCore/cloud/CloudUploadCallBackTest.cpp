@@ -10,13 +10,13 @@
 #include <vector>
 
 #include "OBCore/cloud/CloudUploadCallBack.h"
-#include "tests/unit/WebVellant/OBCore/cloud/HeapWatch.h"
+#include "tests/support/Allocations.h"
 
 namespace {
 
 using obcore::CloudUploadCallBack;
-using obtest::ForgetFreed;
-using obtest::LastFreed;
+using obtest::ForgetReleased;
+using obtest::LastReleased;
 using namespace ObPVX;
 
 // Calls a slot by number, with the object first. The asm hides what the object is, so that the
@@ -207,16 +207,16 @@ TEST_F(UploadCallback, BecomesItsRootAtSlot0) {
 TEST_F(UploadCallback, IsFreedAtSlot0OnlyByTheLowBit) {
     for (std::uint32_t flags : {0u, 2u, 0x80000000u}) {
         auto* callback = new CloudUploadCallBack;
-        ForgetFreed();
+        ForgetReleased();
         CallSlot<void*>(callback, 0, flags);
-        EXPECT_EQ(LastFreed(), nullptr) << flags;
+        EXPECT_EQ(LastReleased(), nullptr) << flags;
         ::operator delete(static_cast<void*>(callback));
     }
     for (std::uint32_t flags : {1u, 3u, 0xFFFFFFFFu}) {
         void* callback = new CloudUploadCallBack;
-        ForgetFreed();
+        ForgetReleased();
         EXPECT_EQ(CallSlot<void*>(callback, 0, flags), callback);
-        EXPECT_EQ(LastFreed(), callback) << flags;
+        EXPECT_EQ(LastReleased(), callback) << flags;
     }
 }
 

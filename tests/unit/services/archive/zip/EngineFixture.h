@@ -8,6 +8,7 @@
 #include <string>
 
 #include "services/archive/zip/ZipRun.h"
+#include "tests/support/Allocations.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/archive/zip/EngineSeams.h"
 

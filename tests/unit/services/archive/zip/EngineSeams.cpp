@@ -1,12 +1,9 @@
 #include "tests/unit/services/archive/zip/EngineSeams.h"
 
 #include <libdeflate.h>
-#include <malloc.h>
 #include <tlhelp32.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <new>
 
 namespace {
 
@@ -15,46 +12,7 @@ std::function<void()> beforeCompress;
 DWORD compressorOwner = 0;
 std::atomic<std::size_t> compressorCalls = 0;
 
-obtest::AllocationPlan plan;
-DWORD planOwner = 0;
-std::atomic<bool> planned = false;
-std::atomic<std::size_t> planCalls = 0;
-std::atomic<bool> planFailed = false;
-
-std::atomic<std::size_t> liveBytes = 0;
-std::atomic<std::size_t> peakBytes = 0;
-
-bool IsToFail(std::size_t size) {
-    if (!planned || size < plan.smallest) return false;
-    if (plan.othersOnly && GetCurrentThreadId() == planOwner) return false;
-    const std::size_t call = planCalls++;
-    const bool fails = plan.once ? call == plan.succeeding : call >= plan.succeeding;
-    if (fails) planFailed = true;
-    return fails;
-}
-
-void Count(std::size_t size) {
-    const std::size_t live = liveBytes += size;
-    std::size_t peak = peakBytes;
-    while (live > peak && !peakBytes.compare_exchange_weak(peak, live)) {
-    }
-}
-
 } // namespace
-
-void* operator new(std::size_t size) {
-    void* const block = IsToFail(size) ? nullptr : std::malloc(size ? size : 1);
-    if (!block) throw std::bad_alloc();
-    Count(_msize(block));
-    return block;
-}
-
-void operator delete(void* block) noexcept {
-    if (block) liveBytes -= _msize(block);
-    std::free(block);
-}
-
-void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
 
 // The linker leads each call of the compressor here.
 extern "C" {
@@ -82,22 +40,6 @@ CompressorSeam::CompressorSeam(std::function<void()> before) {
 CompressorSeam::~CompressorSeam() { beforeCompress = nullptr; }
 
 std::size_t CompressorSeam::Calls() const { return compressorCalls; }
-
-FailingAllocations::FailingAllocations(const AllocationPlan& wanted) {
-    plan = wanted;
-    planOwner = GetCurrentThreadId();
-    planCalls = 0;
-    planFailed = false;
-    planned = true;
-}
-
-void FailingAllocations::End() { planned = false; }
-
-bool FailingAllocations::Failed() const { return planFailed; }
-
-HeapPeak::HeapPeak() : before_(liveBytes) { peakBytes = before_; }
-
-std::size_t HeapPeak::Bytes() const { return peakBytes - before_; }
 
 std::size_t ThreadCount() {
     const ObLib::UniqueKernelHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));

@@ -1,5 +1,5 @@
-// Seams into a run's workers: what they allocate, and each call of the compressor that they make.
-// Linked into a test program, they take the place of the heap's operators and wrap the compressor.
+// A seam into a run's workers, which wraps the compressor, and what tests wait on: a gate, and the
+// number of threads.
 #pragma once
 
 #include <windows.h>
@@ -22,39 +22,6 @@ public:
 
     // How often it was called.
     std::size_t Calls() const;
-};
-
-// Which allocations fail, from the one behind `succeeding` others on.
-struct AllocationPlan {
-    std::size_t succeeding = 0;
-    std::size_t smallest = 0; // smaller ones neither fail nor count
-    bool othersOnly = false;  // only on other threads than the one that made the seam
-    bool once = false;        // only that one; otherwise all that follow too
-};
-
-// Lets allocations fail for a scope. One at a time.
-class FailingAllocations {
-public:
-    explicit FailingAllocations(const AllocationPlan& plan);
-    ~FailingAllocations() { End(); }
-    FailingAllocations(const FailingAllocations&) = delete;
-    FailingAllocations& operator=(const FailingAllocations&) = delete;
-
-    // From here on none fails.
-    void End();
-
-    // Whether it ever came to a failure.
-    bool Failed() const;
-};
-
-// Bytes that are allocated beyond those that were when it was made, at most.
-class HeapPeak {
-public:
-    HeapPeak();
-    std::size_t Bytes() const;
-
-private:
-    std::size_t before_;
 };
 
 // Closed until it is opened. Whoever waits too long goes on, so that no test hangs.
