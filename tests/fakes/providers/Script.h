@@ -24,6 +24,9 @@
 //   ExecuteTransforms.FILENAME        [as the next line has it]
 //   ExecuteTransforms, ExecutePostTransforms, ExecuteFinalTransforms
 //                                     results of a manager's calls, "1,1,0"; the last repeats [1]
+//   ExecuteFinalTransforms.waits      1: the call dispatches messages until its owner window is
+//   hidden
+//                                     or has gone, at most ten seconds [0]
 //   ExecutePostTransforms.paths, ExecuteFinalTransforms.paths
 //                                     "a|b": results of a call; with ; between the calls, the last
 //                                     one repeats; an empty answer drops all [what came in]

@@ -27,6 +27,19 @@ std::vector<std::wstring> PathsOf(const wchar_t* const* paths, std::uint32_t cou
     return std::vector<std::wstring>(paths, paths + count);
 }
 
+// As a provider does that keeps its owner alive: the thread of the dialogs runs this call.
+void DispatchUntilHidden(HWND window) {
+    constexpr ULONGLONG kLimit = 10000; // milliseconds
+    const ULONGLONG begin = GetTickCount64();
+    while (IsWindowVisible(window) && GetTickCount64() - begin < kLimit) {
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            if (!IsDialogMessageW(window, &message)) DispatchMessageW(&message);
+        }
+    }
+}
+
 // The result that the script has for this call of the manager.
 bool NextResult(ProviderManagerHandle manager, const std::wstring& call) {
     return NumberAt(ScriptedText(call), CountCall(manager, call), 1) != 0;
@@ -141,6 +154,7 @@ Bool ExecuteFinalTransforms(ProviderManagerHandle manager, HWND owner, const wch
                             std::uint32_t count, std::uint32_t mode, void* none1, void* none2) {
     const auto given = PathsOf(paths, count);
     Record(L"ExecuteFinalTransforms", manager, owner, given, count, mode, none1, none2);
+    if (ScriptedCount(L"ExecuteFinalTransforms.waits", 0) != 0) DispatchUntilHidden(owner);
     const auto guard = LockManagers();
     if (!FinishStage(manager, L"ExecuteFinalTransforms", given)) return 0;
     manager->buffers = count;

@@ -2,7 +2,9 @@
 
 #include <commctrl.h>
 
+#include <atomic>
 #include <mutex>
+#include <new>
 #include <optional>
 
 namespace obtest {
@@ -35,7 +37,9 @@ void Note(const std::wstring& line) {
 HWND lastDialog = nullptr;
 std::mutex workersLock;
 std::vector<ObLib::UniqueKernelHandle> workers;
-bool threadsFail = false;
+HANDLE lastThread = nullptr;
+DWORD lastThreadId = 0;
+std::atomic<Fault> fault = Fault::None;
 
 decltype(&CreateThread) realCreateThread = nullptr;
 decltype(&EndDialog) realEndDialog = nullptr;
@@ -45,8 +49,11 @@ HANDLE WINAPI NotedCreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack,
                                 LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD flags,
                                 LPDWORD id) {
     Note(L"CreateThread()");
-    if (threadsFail) return nullptr;
+    if (fault == Fault::NoThread) return nullptr;
+    if (fault == Fault::MemoryForThread) throw std::bad_alloc();
     const HANDLE thread = realCreateThread(security, stack, start, parameter, flags, id);
+    lastThread = thread;
+    lastThreadId = GetThreadId(thread);
     HANDLE copy = nullptr;
     DuplicateHandle(GetCurrentProcess(), thread, GetCurrentProcess(), &copy, 0, FALSE,
                     DUPLICATE_SAME_ACCESS);
@@ -62,6 +69,7 @@ BOOL WINAPI NotedEndDialog(HWND dialog, INT_PTR result) {
 
 LANGID WINAPI NotedLanguage(LANGID language) {
     Note(L"SetThreadUILanguage(" + std::to_wstring(language) + L")");
+    if (fault == Fault::MemoryInWorker) throw std::bad_alloc();
     return realSetThreadUILanguage(language);
 }
 
@@ -250,7 +258,10 @@ Lines TransformsFixture::Written(const Lines& beginnings) const {
 
 HWND TransformsFixture::LastDialog() { return lastDialog; }
 
-NoThreads::NoThreads() { threadsFail = true; }
-NoThreads::~NoThreads() { threadsFail = false; }
+HANDLE TransformsFixture::LastThread() { return lastThread; }
+DWORD TransformsFixture::LastThreadId() { return lastThreadId; }
+
+FailingCall::FailingCall(Fault which) { fault = which; }
+FailingCall::~FailingCall() { fault = Fault::None; }
 
 } // namespace obtest

@@ -78,14 +78,21 @@ protected:
     // The dialog of the last run; null when none was opened.
     static HWND LastDialog();
 
+    // What CreateThread returned for the last worker, and that thread's id.
+    static HANDLE LastThread();
+    static DWORD LastThreadId();
+
     Lines files_;
 };
 
-// From now on, while this exists, CreateThread fails.
-class NoThreads {
+// While this exists, one call of the code under test fails.
+enum class Fault { None, NoThread, MemoryForThread, MemoryInWorker };
+class FailingCall {
 public:
-    NoThreads();
-    ~NoThreads();
+    explicit FailingCall(Fault fault);
+    ~FailingCall();
+    FailingCall(const FailingCall&) = delete;
+    FailingCall& operator=(const FailingCall&) = delete;
 };
 
 } // namespace obtest
