@@ -16,13 +16,12 @@
 
 namespace providers {
 
-// Runs an export's work on the session of a manager. The caller gets `otherwise` when the work
-// throws, for a null manager, and outside Init and Deinit.
+// Runs an export's quick work on the session of a manager, under the manager's lock. The caller
+// gets `otherwise` when the work throws, for a null manager, and outside Init and Deinit.
 template <class Result, class Work>
 Result InSession(obcontract::ProviderManagerHandle manager, Result otherwise, Work work) noexcept {
-    Session* session = manager ? manager->Session() : nullptr;
-    if (!session) return otherwise;
-    return ObLib::Guarded(otherwise, [&] { return static_cast<Result>(work(*session)); });
+    if (!manager) return otherwise;
+    return ObLib::Guarded(otherwise, [&] { return manager->Quickly(otherwise, work); });
 }
 
 // Makes the caller's place for a text an empty text.

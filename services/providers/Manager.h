@@ -4,20 +4,31 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <optional>
+#include <memory>
+#include <mutex>
 #include <string>
+#include <utility>
 
+#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "contracts/ProviderManager.h"
 #include "services/providers/AccountStore.h"
 #include "services/providers/Catalogue.h"
 #include "services/providers/Selection.h"
+#include "services/providers/settings/TransformSettings.h"
+#include "services/providers/transforms/StageCall.h"
 
 namespace providers {
 
-// Everything that lasts from Init to Deinit. A manager serves one run and is called by one thread
-// at a time; nothing is locked.
+// Everything that lasts from Init to Deinit.
 struct Session {
+    Session(HKEY hive, const std::wstring& key, WorkSettings work)
+        : accounts(hive, key), settings(hive, key), run(std::move(work)),
+          ended(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+
     AccountStore accounts;
+    TransformSettings settings;
+    TransformRun run;
+    ObLib::UniqueKernelHandle ended; // an event, set once by Deinit
     Catalogue catalogue;
     Selection selection;
     std::wstring target; // path of the file that the next transform is for
@@ -25,17 +36,76 @@ struct Session {
 
 } // namespace providers
 
-// The opaque record of the contract. It answers nothing outside a session.
+// The opaque record of the contract. It answers nothing outside a session. Its lock is for the one
+// case in which two threads meet: the transform worker calls a stage while the dialog's thread ends
+// the session. A quick call keeps the lock; a stage keeps the session alive and not the lock, so
+// that it can be ended. One stage runs at a time; another one is refused.
 struct obcontract::ObExtensionsManager {
 public:
+    ObExtensionsManager() : state_(std::make_shared<State>()) {}
+    ~ObExtensionsManager();
+    ObExtensionsManager(const ObExtensionsManager&) = delete;
+    ObExtensionsManager& operator=(const ObExtensionsManager&) = delete;
+
     // Begins a session on the state below `key`; one that runs already ends. Without a predefined
     // hive or a key the manager stays without a session.
     void Begin(std::int64_t hive, const wchar_t* key);
-    void End() noexcept { session_.reset(); }
 
-    // Null outside a session.
-    providers::Session* Session() noexcept { return session_ ? &*session_ : nullptr; }
+    // Ends the session and a stage that runs on another thread, for which it waits a while: longer
+    // than a stage takes to end, except for one that waits for the user. Then deletes what the
+    // stage left unfinished. The messages that other threads send to this one are answered
+    // meanwhile.
+    void End() noexcept;
+
+    // Runs quick work on the session, under the lock. `otherwise` outside a session.
+    template <class Result, class Work>
+    Result Quickly(Result otherwise, Work work) {
+        const std::lock_guard guard(state_->lock);
+        return state_->session ? static_cast<Result>(work(*state_->session)) : otherwise;
+    }
+
+    // The session, kept alive: for dialogs, which wait for the user. Null outside a session.
+    std::shared_ptr<providers::Session> KeptSession() {
+        const std::lock_guard guard(state_->lock);
+        return state_->session;
+    }
+
+    // Runs a stage and returns its result. False outside a session and while another stage runs.
+    template <class Work>
+    bool Stage(Work work) {
+        const RunningStage stage(state_);
+        return stage.Session() && work(*stage.Session());
+    }
+
+    // Hands out a text that stays valid until the next one is handed out.
+    const wchar_t* HandOut(std::wstring text);
 
 private:
-    std::optional<providers::Session> session_;
+    // A stage that runs keeps this alive: its end is the last thing that it touches.
+    struct State {
+        std::mutex lock; // of everything below
+        std::shared_ptr<providers::Session> session;
+        ObLib::UniqueKernelHandle idle; // an event, set while no stage runs; made by Begin
+        DWORD stageThread = 0;          // 0: no stage runs
+    };
+
+    // Enters a stage if there is a session and no other stage, and leaves it at the scope's end.
+    class RunningStage {
+    public:
+        explicit RunningStage(std::shared_ptr<State> state);
+        ~RunningStage();
+        RunningStage(const RunningStage&) = delete;
+        RunningStage& operator=(const RunningStage&) = delete;
+
+        providers::Session* Session() const noexcept { return session_.get(); }
+
+    private:
+        std::shared_ptr<State> state_;
+        std::shared_ptr<providers::Session> session_;
+    };
+
+    void AwaitStage(DWORD limit) noexcept;
+
+    std::shared_ptr<State> state_;
+    std::wstring handedOut_; // under the lock of the state
 };

@@ -19,4 +19,13 @@ bool Selection::HasAny(obcontract::ProviderKind kind) const noexcept {
                        [kind](const Selected& selected) { return selected.kind == kind; });
 }
 
+std::vector<obcontract::TransformId> Selection::Transforms() const {
+    std::vector<obcontract::TransformId> transforms;
+    for (const Selected& selected : selected_) {
+        if (selected.kind != obcontract::ProviderKind::Transform) continue;
+        transforms.push_back(static_cast<obcontract::TransformId>(selected.providerId));
+    }
+    return transforms;
+}
+
 } // namespace providers

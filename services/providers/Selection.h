@@ -20,6 +20,9 @@ public:
     // Whether any provider of the kind is in.
     bool HasAny(obcontract::ProviderKind kind) const noexcept;
 
+    // The selected transforms, in no order that means anything.
+    std::vector<obcontract::TransformId> Transforms() const;
+
 private:
     struct Selected {
         std::uint32_t providerId;

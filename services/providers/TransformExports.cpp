@@ -1,22 +1,117 @@
-// Choosing and running transforms. No transform is built in yet: none can be selected, no stage
-// counts any, and a stage that is run all the same fails, so that nobody takes files for changed.
+// Choosing and running transforms.
 #include <windows.h>
 
+#include <algorithm>
+#include <cwchar>
+#include <string>
+#include <vector>
+
+#include "ObLib/Src/Win32/ModulePath.h"
+#include "contracts/TransformWork.h"
 #include "services/providers/Answers.h"
+#include "services/providers/transforms/Stages.h"
+#include "services/providers/ui/PersonalDataDialog.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+#include "services/providers/worker/PumpingWait.h"
 
 using namespace obcontract; // the contract's tables name its types bare
 using namespace providers;
 
-extern "C" {
+namespace {
 
-void ShowProviderOptions(ProviderManagerHandle, std::uint32_t, ProviderKind, void*, HWND) {}
+constexpr auto kRemoveInfo = static_cast<std::uint32_t>(TransformId::RemoveInfo);
 
-Bool ShowProviderOptionsWhenNoOptionsSet(ProviderManagerHandle, std::uint32_t, ProviderKind, void*,
-                                         HWND) {
-    return false;
+bool IsPersonalData(const Session& session, std::uint32_t providerId, ProviderKind kind) {
+    return providerId == kRemoveInfo && session.catalogue.Contains(providerId, kind);
 }
 
-Bool GetReadyForConvert(HWND, ProviderManagerHandle, std::uint32_t, ProviderKind) { return false; }
+// Shows the settings, and stores what the user chose. A cancelled dialog stores nothing.
+bool ChangeSettings(const Session& session, HWND owner) {
+    PersonalDataSettings settings = session.settings.PersonalData();
+    return AskForSettings(owner, settings) && session.settings.Save(settings);
+}
+
+// Runs work that may wait for the user on the session of a manager, which stays alive meanwhile.
+template <class Work>
+Bool WithSession(ProviderManagerHandle manager, Work work) noexcept {
+    if (!manager) return false;
+    return ObLib::Guarded<Bool>(false, [&]() -> Bool {
+        const auto session = manager->KeptSession();
+        return session && work(*session);
+    });
+}
+
+// Runs a stage of the manager. `Wait` is how its thread waits.
+template <class Wait, class Work>
+Bool InStage(ProviderManagerHandle manager, HWND owner, Work work) noexcept {
+    if (!manager) return false;
+    return ObLib::Guarded<Bool>(false, [&]() -> Bool {
+        return manager->Stage([&](Session& session) {
+            Wait wait(session.ended.Get(), owner);
+            if (wait.IsEnded()) return false;
+            const std::vector<TransformId> selected = session.selection.Transforms();
+            StageCall call{session.run, session.settings, selected, wait};
+            return static_cast<bool>(work(session, call));
+        });
+    });
+}
+
+// The paths of an array; an empty list when one is null.
+std::vector<std::wstring> Paths(const wchar_t* const* paths, std::uint32_t count) {
+    std::vector<std::wstring> list;
+    for (std::uint32_t index = 0; paths && index < count; ++index) {
+        if (!paths[index]) return {};
+        list.emplace_back(paths[index]);
+    }
+    return list;
+}
+
+// Fills as many buffers as there are results. A result that doesn't fit was refused before the
+// work.
+std::uint32_t HandOver(const std::vector<std::wstring>& results, wchar_t* const* buffers,
+                       std::uint32_t capacity) {
+    std::uint32_t count = 0;
+    for (const std::wstring& result : results) {
+        if (!buffers || !buffers[count] || result.size() >= capacity) break;
+        std::wmemcpy(buffers[count], result.c_str(), result.size() + 1);
+        ++count;
+    }
+    return count;
+}
+
+} // namespace
+
+extern "C" {
+
+void ShowProviderOptions(ProviderManagerHandle manager, std::uint32_t providerId, ProviderKind kind,
+                         void*, HWND owner) {
+    WithSession(manager, [&](const Session& session) {
+        return IsPersonalData(session, providerId, kind) && ChangeSettings(session, owner);
+    });
+}
+
+Bool ShowProviderOptionsWhenNoOptionsSet(ProviderManagerHandle manager, std::uint32_t providerId,
+                                         ProviderKind kind, void*, HWND owner) {
+    return WithSession(manager, [&](const Session& session) {
+        return IsPersonalData(session, providerId, kind) &&
+               (session.settings.Has(TransformId::RemoveInfo) || ChangeSettings(session, owner));
+    });
+}
+
+// Every transform of this module needs the work process and nothing else.
+Bool GetReadyForConvert(HWND owner, ProviderManagerHandle manager, std::uint32_t providerId,
+                        ProviderKind kind) {
+    return WithSession(manager, [&](const Session& session) {
+        if (!session.catalogue.Contains(providerId, kind) || kind != ProviderKind::Transform) {
+            return false;
+        }
+        const auto program = ObLib::PathBesideModule(ObLib::ThisModule(), kTransformWorkFileName);
+        if (program && GetFileAttributesW(program->c_str()) != INVALID_FILE_ATTRIBUTES) return true;
+        ShowSentence(owner, OwnText(OB_TEXT_NOT_READY));
+        return false;
+    });
+}
 
 Bool SelectProviders(ProviderManagerHandle manager, std::uint32_t mode, std::uint32_t providerId,
                      ProviderKind kind) {
@@ -30,12 +125,16 @@ Bool IsProviderTypeSelected(ProviderManagerHandle manager, ProviderKind kind) {
                            [kind](Session& session) { return session.selection.HasAny(kind); });
 }
 
-void GetSelectedTransformSummary(ProviderManagerHandle, std::int32_t* beforeList,
+void GetSelectedTransformSummary(ProviderManagerHandle manager, std::int32_t* beforeList,
                                  std::int32_t* afterList, std::int32_t* perFile,
                                  std::int32_t* final) {
-    for (std::int32_t* count : {beforeList, afterList, perFile, final}) {
-        if (count) *count = 0;
-    }
+    const StageCounts counts = InSession(manager, StageCounts(), [](Session& session) {
+        return CountStages(session.selection.Transforms());
+    });
+    if (beforeList) *beforeList = counts.beforeList;
+    if (afterList) *afterList = counts.afterList;
+    if (perFile) *perFile = counts.perFile;
+    if (final) *final = counts.final;
 }
 
 void SetProviderTarget(ProviderManagerHandle manager, const wchar_t* path) {
@@ -45,31 +144,51 @@ void SetProviderTarget(ProviderManagerHandle manager, const wchar_t* path) {
     });
 }
 
-// The path as it was set: a file that no transform changed isn't dropped. The text is valid until
-// the next SetProviderTarget.
+// The path as it was set until a transform changes it. The text is valid until the next call.
 const wchar_t* GetProviderTarget(ProviderManagerHandle manager) {
-    return InSession<const wchar_t*>(manager, L"",
-                                     [](Session& session) { return session.target.c_str(); });
+    if (!manager) return L"";
+    return ObLib::Guarded<const wchar_t*>(L"", [manager] {
+        return manager->HandOut(manager->Quickly(
+            std::wstring(), [](const Session& session) { return session.target; }));
+    });
 }
 
-Bool ExecuteTransforms(ProviderManagerHandle, void*, HWND, const wchar_t*, std::uint32_t,
-                       std::uint32_t, void*, void*) {
-    return false;
+// On the transform worker's thread.
+Bool ExecuteTransforms(ProviderManagerHandle manager, void*, HWND owner, const wchar_t* folder,
+                       std::uint32_t, std::uint32_t, void*, void*) {
+    return InStage<CallWait>(manager, owner, [&](Session& session, StageCall& call) {
+        std::wstring path = session.target;
+        if (!RunFileStage(call, path, folder ? folder : L"")) return false;
+        session.target = path;
+        return true;
+    });
 }
 
-// The count stays as it came in: the caller's files are still the caller's files.
-Bool ExecutePostTransforms(ProviderManagerHandle, HWND, const wchar_t* const*, std::uint32_t*,
-                           std::uint32_t, void*, void*) {
-    return false;
+// On the transform worker's thread. The count stays as it came in when the stage fails: the
+// caller's files are still the caller's files.
+Bool ExecutePostTransforms(ProviderManagerHandle manager, HWND owner, const wchar_t* const* paths,
+                           std::uint32_t* count, std::uint32_t, void*, void*) {
+    return InStage<CallWait>(manager, owner, [&](Session&, StageCall& call) {
+        if (!count || !RunListStage(call, Paths(paths, *count))) return false;
+        *count = static_cast<std::uint32_t>(call.run.record.results.size());
+        return true;
+    });
 }
 
-Bool ExecuteFinalTransforms(ProviderManagerHandle, HWND, const wchar_t* const*, std::uint32_t,
-                            std::uint32_t, void*, void*) {
-    return false;
+// On the dialog's thread, which stays alive.
+Bool ExecuteFinalTransforms(ProviderManagerHandle manager, HWND owner, const wchar_t* const* paths,
+                            std::uint32_t count, std::uint32_t, void*, void*) {
+    return InStage<PumpingWait>(manager, owner, [&](Session&, StageCall& call) {
+        return RunFinalStage(call, Paths(paths, count));
+    });
 }
 
-void GetTargetFile(ProviderManagerHandle, wchar_t* const*, std::uint32_t* count, std::uint32_t) {
-    if (count) *count = 0;
+void GetTargetFile(ProviderManagerHandle manager, wchar_t* const* buffers, std::uint32_t* count,
+                   std::uint32_t capacity) {
+    if (!count) return;
+    *count = InSession(manager, std::uint32_t{0}, [&](Session& session) {
+        return HandOver(session.run.record.results, buffers, capacity);
+    });
 }
 
 } // extern "C"

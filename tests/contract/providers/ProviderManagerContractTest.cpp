@@ -1,5 +1,6 @@
 // What every provider manager has to return, the real one and the fake alike: this program runs
-// once with each beside it. No provider exists in any of these cases.
+// once with each beside it. The one provider of these cases removes personal data (51): the real
+// manager has it, and the fake's script names it.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -21,6 +22,7 @@ constexpr TransformId kTransformIds[] = {TransformId::ResizeImages, TransformId:
                                          TransformId::RemoveInfo,   TransformId::CombinePdfs,
                                          TransformId::SignPdfs,     TransformId::ConvertFromPdf};
 constexpr std::uint32_t kStorageId = 7;
+constexpr std::uint32_t kRemoveInfo = 51;
 
 ProviderProfile FilledProfile() {
     ProviderProfile profile{};
@@ -41,7 +43,8 @@ bool SameBytes(const ProviderProfile& one, const ProviderProfile& other) {
     return std::memcmp(&one, &other, sizeof(one)) == 0;
 }
 
-// Each result of a manager that isn't in a session, and of one that has no provider, has to be no.
+// Each result of a manager that isn't in a session, and of one that lacks the provider, has to be
+// no.
 void ExpectOnlyNo(ProviderManagerHandle manager) {
     const auto& entries = ProviderManager();
     entries.EnumProvidersReset(manager);
@@ -69,6 +72,7 @@ class ProviderManagerContract : public testing::Test {
 protected:
     void SetUp() override {
         obtest::FakeModules::Reset();
+        obtest::FakeModules::Answer(L"IsProviderSupport.51.4", L"1");
         obtest::ClearProductRegistry();
         ASSERT_TRUE(LoadProviderManager());
         manager_ = Entries().CreateObExtensionsManager();
@@ -143,17 +147,52 @@ TEST_F(ProviderManagerContract, KeepsNothingOfTheSessionAfterDeinit) {
     EXPECT_STREQ(Entries().GetProviderTarget(manager_), L"");
 }
 
-TEST_F(ProviderManagerContract, AnswersNoWhenItHasNoProvider) {
+TEST_F(ProviderManagerContract, AnswersNoForAProviderThatItLacks) {
     Init();
     ExpectOnlyNo(manager_);
 }
 
-TEST_F(ProviderManagerContract, SupportsNoneOfTheTransforms) {
+TEST_F(ProviderManagerContract, SupportsTheTransformThatItHas) {
     Init();
     for (TransformId id : kTransformIds) {
-        EXPECT_FALSE(Entries().IsProviderSupport(manager_, static_cast<std::uint32_t>(id),
-                                                 ProviderKind::Transform));
+        EXPECT_EQ(Entries().IsProviderSupport(manager_, static_cast<std::uint32_t>(id),
+                                              ProviderKind::Transform),
+                  id == TransformId::RemoveInfo);
     }
+    EXPECT_FALSE(Entries().IsProviderSupport(manager_, kRemoveInfo, ProviderKind::Storage));
+}
+
+TEST_F(ProviderManagerContract, SupportsNothingOutsideASession) {
+    EXPECT_FALSE(Entries().IsProviderSupport(nullptr, kRemoveInfo, ProviderKind::Transform));
+    EXPECT_FALSE(
+        Entries().SelectProviders(nullptr, kSelectUse, kRemoveInfo, ProviderKind::Transform));
+}
+
+TEST_F(ProviderManagerContract, SelectsATransformUntilItIsLeftOut) {
+    Init();
+    const auto select = [&](std::uint32_t mode) {
+        return Entries().SelectProviders(manager_, mode, kRemoveInfo, ProviderKind::Transform);
+    };
+    EXPECT_FALSE(Entries().IsProviderTypeSelected(manager_, ProviderKind::Transform));
+    EXPECT_TRUE(select(kSelectUse));
+    EXPECT_TRUE(select(kSelectUse));
+    EXPECT_TRUE(Entries().IsProviderTypeSelected(manager_, ProviderKind::Transform));
+    EXPECT_FALSE(Entries().IsProviderTypeSelected(manager_, ProviderKind::Storage));
+    EXPECT_TRUE(select(kSelectLeaveOut));
+    EXPECT_FALSE(Entries().IsProviderTypeSelected(manager_, ProviderKind::Transform));
+    EXPECT_TRUE(select(kSelectLeaveOut)); // one that isn't selected
+}
+
+TEST_F(ProviderManagerContract, IsReadyForTheTransformThatItHas) {
+    Init();
+    EXPECT_TRUE(
+        Entries().GetReadyForConvert(nullptr, manager_, kRemoveInfo, ProviderKind::Transform));
+}
+
+TEST_F(ProviderManagerContract, HasNoInstanceForATransform) {
+    Init();
+    EXPECT_EQ(Entries().GetProviderInstance(manager_, kRemoveInfo, ProviderKind::Transform),
+              nullptr);
 }
 
 TEST_F(ProviderManagerContract, EndsTheWalkAgainAfterAReset) {
@@ -292,7 +331,7 @@ TEST_F(ProviderManagerContract, FailsToTransformOutsideASession) {
         Entries().ExecuteFinalTransforms(manager_, nullptr, paths, 2, 1, nullptr, nullptr));
 }
 
-TEST_F(ProviderManagerContract, ShowsNoSettingsWithoutAProvider) {
+TEST_F(ProviderManagerContract, ShowsNoSettingsOfAProviderThatItLacks) {
     Init();
     Entries().ShowProviderOptions(manager_, 3, ProviderKind::Transform, nullptr, nullptr);
     EXPECT_EQ(FindWindowW(L"#32770", nullptr), nullptr);

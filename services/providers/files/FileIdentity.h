@@ -1,0 +1,27 @@
+// Which file or folder a handle is open on, whatever path led there.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace providers {
+
+struct FileIdentity {
+    DWORD volume = 0;
+    std::uint64_t file = 0;
+    bool operator==(const FileIdentity&) const = default;
+};
+
+std::optional<FileIdentity> IdentityOf(HANDLE open) noexcept;
+
+// Of the folder at this path, through links. Nothing when there is none.
+std::optional<FileIdentity> IdentityOfFolder(const std::wstring& path);
+
+// The path under which the system itself has the open file: without links, short names or dots,
+// with the prefix for long paths. Nothing when the system has none.
+std::optional<std::wstring> FinalPath(HANDLE open);
+
+} // namespace providers

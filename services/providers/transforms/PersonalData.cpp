@@ -1,0 +1,135 @@
+#include "services/providers/transforms/PersonalData.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "services/providers/ui/ReceiptDialog.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+
+namespace providers {
+namespace {
+
+using obcontract::WorkKind;
+
+// The longest path that a result can have: the buffers of GetTargetFile take its NUL besides.
+constexpr std::size_t kLongestResult = 513;
+
+UINT TextOf(CopyRefusal refusal) {
+    return refusal == CopyRefusal::NotACopy ? OB_TEXT_NOT_A_COPY : OB_TEXT_UNREADABLE;
+}
+
+std::optional<WorkingCopy> OpenCopy(StageCall& call, const std::wstring& path,
+                                    const std::wstring& folder) {
+    CopyRefusal refusal{};
+    auto copy = WorkingCopy::Open(path, folder, refusal);
+    if (!copy) Refuse(call, TextOf(refusal), path);
+    return copy;
+}
+
+// The work process may have said anything: what counts is what is on the disk.
+bool TakePlace(StageCall& call, NewFile& cleaned, WorkingCopy& copy, const WorkReport& report) {
+    if (report.size == 0 || cleaned.Size() != report.size) return false;
+    return cleaned.TakePlaceOf(copy, [&] { return call.wait.IsEnded(); });
+}
+
+// Whether the run can go on with this result, with a file that is as it was.
+bool IsFinal(WorkResult result) {
+    constexpr WorkResult kFinal[] = {WorkResult::Unchanged,  WorkResult::NotSupported,
+                                     WorkResult::Damaged,    WorkResult::TooLarge,
+                                     WorkResult::Unreadable, WorkResult::ProcessFailed};
+    return std::ranges::find(kFinal, result) != std::end(kFinal);
+}
+
+ReceiptFile Row(const std::wstring& path, const CleanRecord& record) {
+    return {FileNameOf(path), record.result, record.removed};
+}
+
+bool IsRest(const CleanRecord& record) {
+    return record.result != WorkResult::Changed && record.result != WorkResult::Unchanged;
+}
+
+// What a file that no earlier stage has seen is: checked, and recorded by what the check found.
+CleanRecord RecordOf(const WorkReport& checked) { return {checked.result, {}}; }
+
+// Whether the check of a result lets the run go on.
+bool Passes(StageCall& call, const std::wstring& path, const WorkReport& checked, bool known) {
+    switch (checked.result) {
+    case WorkResult::Unchanged:
+        return true;
+    case WorkResult::Changed:
+        return Refuse(call, OB_TEXT_SURVIVED, path);
+    case WorkResult::NotStarted:
+        return Refuse(call, OB_TEXT_NO_WORK_PROCESS, path);
+    case WorkResult::Cancelled:
+        return false;
+    default:
+        return !known || Refuse(call, OB_TEXT_UNCHECKED, path);
+    }
+}
+
+// Checks one result and adds its row to the receipt.
+bool Check(StageCall& call, const std::wstring& path, std::vector<ReceiptFile>& rows) {
+    const auto found = call.run.record.cleaned.find(path);
+    const bool known = found != call.run.record.cleaned.end();
+    if (known && IsRest(found->second)) {
+        rows.push_back(Row(path, found->second));
+        return true;
+    }
+    const auto copy = OpenCopy(call, path, {});
+    if (!copy) return false;
+    const WorkReport checked =
+        call.run.process.Run(WorkKind::CheckClean, copy->Handle(), nullptr, call.wait);
+    if (!Passes(call, path, checked, known)) return false;
+    rows.push_back(Row(path, known ? found->second : RecordOf(checked)));
+    return true;
+}
+
+// What the user reads and decides at the end.
+bool Report(StageCall& call, const std::vector<ReceiptFile>& rows) {
+    const PersonalDataSettings settings = call.settings.PersonalData();
+    const auto rest = std::ranges::find_if(rows, &ReceiptFile::IsRest);
+    if (rest != rows.end() && !settings.asksAboutRest) {
+        ShowSentence(call.wait.Owner(), FormatOwnText(OB_TEXT_REST_NOT_WANTED,
+                                                      {rest->name, RestReason(rest->result)}));
+        return false;
+    }
+    if (rest == rows.end() && !settings.showsReceipt) return true;
+    return ShowReceipt(call.wait.Owner(), rows, !settings.showsReceipt);
+}
+
+} // namespace
+
+bool RemovePersonalData(StageCall& call, const std::wstring& path, const std::wstring& folder) {
+    if (path.size() > kLongestResult) return Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
+    auto copy = OpenCopy(call, path, folder);
+    if (!copy) return false;
+    const auto cleaned = NewFile::MakeBeside(*copy, call.run.unfinished);
+    if (!cleaned) return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    WorkReport report =
+        call.run.process.Run(WorkKind::Clean, copy->Handle(), cleaned->Handle(), call.wait);
+    if (report.result == WorkResult::Cancelled) return false;
+    if (report.result == WorkResult::NotStarted) {
+        return Refuse(call, OB_TEXT_NO_WORK_PROCESS, path);
+    }
+    if (!IsFinal(report.result) && !TakePlace(call, *cleaned, *copy, report)) {
+        return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    }
+    call.run.record.cleaned[path] = {report.result, std::move(report.found)};
+    return true;
+}
+
+bool CheckPersonalData(StageCall& call, const std::vector<std::wstring>& paths) {
+    // A file that took the process over while it was cleaned doesn't get to check itself.
+    call.run.process.Stop();
+    std::vector<ReceiptFile> rows;
+    std::vector<std::wstring> seen; // a file that is twice in the list has one row
+    for (const std::wstring& path : paths) {
+        if (std::ranges::find(seen, path) != seen.end()) continue;
+        if (!Check(call, path, rows)) return false;
+        seen.push_back(path);
+    }
+    return !call.wait.IsEnded() && Report(call, rows);
+}
+
+} // namespace providers

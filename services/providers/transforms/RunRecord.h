@@ -1,0 +1,33 @@
+// What the stages of one run did to its files.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "services/providers/worker/WorkReport.h"
+
+namespace providers {
+
+// Paths are compared as the system compares names: letter case makes no difference.
+struct PathOrder {
+    bool operator()(const std::wstring& one, const std::wstring& other) const;
+};
+
+// What became of a file when personal data was removed from it.
+struct CleanRecord {
+    WorkResult result = WorkResult::NotSupported;
+    std::vector<WorkFound> removed;
+};
+
+struct RunRecord {
+    // The per-file stage's results by the paths that it was given: two picks of one name are twice
+    // in the list, and the second visit gets the first one's result.
+    std::map<std::wstring, std::wstring, PathOrder> visited;
+    // By the path of the result.
+    std::map<std::wstring, CleanRecord, PathOrder> cleaned;
+    // Of the last list stage, for GetTargetFile.
+    std::vector<std::wstring> results;
+};
+
+} // namespace providers

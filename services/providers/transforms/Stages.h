@@ -1,0 +1,47 @@
+// The transforms, their stages and their order: one table.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "services/providers/transforms/StageCall.h"
+
+namespace providers {
+
+struct TransformRow {
+    obcontract::TransformId id;
+    // What a transform does in a stage; null: nothing. The rows are in the order in which they work
+    // on one file, and the after-list stage has the same order.
+    bool (*perFile)(StageCall& call, const std::wstring& path, const std::wstring& folder);
+    bool (*final)(StageCall& call, const std::vector<std::wstring>& paths);
+
+    bool IsBuilt() const { return perFile || final; }
+};
+
+// All ids that the callers know; one that isn't built isn't supported.
+std::span<const TransformRow> TransformRows() noexcept;
+
+// How many of the selected transforms have work in each stage, in the order of the callers.
+struct StageCounts {
+    std::int32_t beforeList = 0; // no transform of this module works there
+    std::int32_t afterList = 0;
+    std::int32_t perFile = 0;
+    std::int32_t final = 0;
+};
+StageCounts CountStages(const std::vector<obcontract::TransformId>& selected);
+
+// The per-file stage for one file. `path` becomes the path of the result. False, after a sentence
+// for the user unless the call was to end, when nothing is selected for the stage, without a file
+// or a folder, and when a transform failed.
+bool RunFileStage(StageCall& call, std::wstring& path, const std::wstring& folder);
+
+// The stage after the list: transforms work on what they haven't seen. False as above; the results
+// are then those of the stage before.
+bool RunListStage(StageCall& call, const std::vector<std::wstring>& paths);
+
+// The final stage. On the dialog's thread.
+bool RunFinalStage(StageCall& call, const std::vector<std::wstring>& paths);
+
+} // namespace providers

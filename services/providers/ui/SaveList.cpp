@@ -1,0 +1,67 @@
+#include "services/providers/ui/SaveList.h"
+
+#include <commdlg.h>
+
+#include <algorithm>
+
+#include "ObLib/Src/Win32/LongPath.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/WholeTransfer.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+
+namespace providers {
+namespace {
+
+std::string Utf8(const std::wstring& text) {
+    const int length = static_cast<int>(text.size());
+    const int size =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<std::size_t>(std::max(size, 0)), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
+    return bytes;
+}
+
+// Empty when the user cancels.
+std::wstring AskForPath(HWND owner) {
+    std::wstring path(4096, L'\0');
+    OwnText(OB_TEXT_RECEIPT_FILE_NAME).copy(path.data(), path.size() - 1);
+    std::wstring filter = OwnText(OB_TEXT_RECEIPT_FILTER);
+    std::ranges::replace(filter, L'|', L'\0');
+    OPENFILENAMEW dialog{sizeof dialog};
+    dialog.hwndOwner = owner;
+    dialog.lpstrFilter = filter.c_str();
+    dialog.lpstrFile = path.data();
+    dialog.nMaxFile = static_cast<DWORD>(path.size());
+    dialog.lpstrDefExt = L"txt";
+    dialog.Flags = OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    if (!GetSaveFileNameW(&dialog)) return {};
+    return path.c_str();
+}
+
+// False when nothing was saved.
+bool Save(const std::wstring& path, const std::string& content) {
+    ObLib::UniqueKernelHandle file(CreateFileW(ObLib::WithLongPathPrefix(path).c_str(),
+                                               GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
+                                               FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) return false;
+    if (ObLib::WriteWhole(file.Get(), content.data(), content.size())) return true;
+    FILE_DISPOSITION_INFO gone{TRUE};
+    SetFileInformationByHandle(file.Get(), FileDispositionInfo, &gone, sizeof gone);
+    SetLastError(ERROR_WRITE_FAULT);
+    return false;
+}
+
+} // namespace
+
+void SaveList(HWND owner, const std::wstring& headline, const std::wstring& list) {
+    const std::string content = "\xef\xbb\xbf" + Utf8(headline + L"\r\n\r\n" + list);
+    for (;;) {
+        const std::wstring path = AskForPath(owner);
+        if (path.empty() || Save(path, content)) return;
+        const bool exists = GetLastError() == ERROR_FILE_EXISTS;
+        ShowSentence(owner, OwnText(exists ? OB_TEXT_RECEIPT_EXISTS : OB_TEXT_NOT_SAVED));
+    }
+}
+
+} // namespace providers

@@ -1,0 +1,447 @@
+// The stages of the manager's module, called as the product calls them, with a work process that
+// does what the test asks: what is on the disk afterwards and what the user reads.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "OBCore/modules/ProviderLibrary.h"
+#include "contracts/TransformWork.h"
+#include "services/providers/ui/ReceiptDialogIds.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/AbsentModule.h"
+#include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/ProductRegistry.h"
+#include "tests/support/TestFolder.h"
+#include "tests/unit/services/providers/ui/DialogUiDriver.h"
+
+namespace {
+
+using namespace obcontract;
+using namespace obcore;
+using Names = std::vector<std::wstring>;
+
+constexpr auto kCurrentUser = static_cast<std::int64_t>(static_cast<std::int32_t>(0x80000001));
+constexpr auto kTransform = ProviderKind::Transform;
+constexpr std::uint32_t kRemoveInfo = 51;
+constexpr int kLimit = 20000; // milliseconds, for what has to happen soon
+
+const std::wstring kSettingsKey = std::wstring(kProviderManagerKey) + L"\\Transforms\\51";
+
+// A window of the test's own that a stage has as its owner.
+class Owner {
+public:
+    Owner()
+        : window_(CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr,
+                                nullptr)) {}
+    ~Owner() { Destroy(); }
+    HWND Get() const { return window_; }
+    void Destroy() {
+        if (window_) DestroyWindow(std::exchange(window_, nullptr));
+    }
+
+private:
+    HWND window_;
+};
+
+class ManagerStages : public testing::Test {
+protected:
+    void SetUp() override {
+        obtest::ClearProductRegistry();
+        ASSERT_TRUE(LoadProviderManager());
+        manager_ = Entries().CreateObExtensionsManager();
+        Entries().Init(manager_, kCurrentUser, kProviderManagerKey);
+        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, kTransform));
+        Settings(false, true);
+        Script("good");
+    }
+    void TearDown() override { Delete(); }
+
+    static const ProviderManagerEntries& Entries() { return ProviderManager(); }
+    static void Script(const char* word) {
+        ASSERT_TRUE(obtest::WriteFileContent(obtest::BesideProgram(L"worker.txt"), word));
+    }
+    static void Settings(bool receipt, bool ask) {
+        obtest::SetValue(HKEY_CURRENT_USER, kSettingsKey, L"ShowReceipt", receipt ? L"1" : L"0");
+        obtest::SetValue(HKEY_CURRENT_USER, kSettingsKey, L"AskAboutOtherFiles", ask ? L"1" : L"0");
+    }
+    void Delete() {
+        if (manager_) Entries().DeleteObExtensionsManager(manager_);
+        manager_ = nullptr;
+    }
+
+    bool Execute(const std::wstring& path, const std::wstring& folder, HWND owner = nullptr) {
+        Entries().SetProviderTarget(manager_, path.c_str());
+        return Entries().ExecuteTransforms(manager_, nullptr, owner, folder.c_str(), 1, 3, nullptr,
+                                           nullptr);
+    }
+    bool Execute(const std::wstring& path) { return Execute(path, folder_.Path() + L"\\"); }
+    bool Final(const Names& paths, HWND owner = nullptr) {
+        std::vector<const wchar_t*> pointers;
+        for (const std::wstring& path : paths) pointers.push_back(path.c_str());
+        return Entries().ExecuteFinalTransforms(manager_, owner, pointers.data(),
+                                                static_cast<std::uint32_t>(pointers.size()), 3,
+                                                nullptr, nullptr);
+    }
+    // What GetTargetFile gives for so many buffers.
+    Names Results(std::size_t buffers) {
+        std::vector<std::wstring> texts(buffers, std::wstring(514, L'\0'));
+        std::vector<wchar_t*> pointers;
+        for (std::wstring& text : texts) pointers.push_back(text.data());
+        std::uint32_t count = 99;
+        Entries().GetTargetFile(manager_, pointers.data(), &count, 514);
+        texts.resize(std::min<std::size_t>(count, buffers));
+        for (std::wstring& text : texts) text.resize(std::wcslen(text.c_str()));
+        return texts;
+    }
+    // Expects that a step fails with one sentence that names the file, and changes nothing.
+    void ExpectRefused(const std::wstring& path, const std::function<bool()>& step) {
+        const auto before = obtest::ReadFileContent(path);
+        const obtest::MessageBoxWatcher boxes;
+        EXPECT_FALSE(step());
+        ASSERT_EQ(boxes.Seen().size(), 1u);
+        EXPECT_EQ(boxes.Seen()[0].caption, L"Ombrix Vellant");
+        EXPECT_NE(boxes.Seen()[0].text.find(L"photo.jpg"), std::wstring::npos);
+        EXPECT_EQ(obtest::ReadFileContent(path), before);
+    }
+    void ExpectRefused(const char* word) {
+        Script(word);
+        const std::wstring path = folder_.File(L"photo.jpg", "photo");
+        ExpectRefused(path, [&] { return Execute(path); });
+        EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+    }
+    Names Files() const { return obtest::ListTree(folder_.Path()); }
+    // Waits until the work process has written half a file beside the copy.
+    bool AwaitUnfinished() const {
+        for (int waited = 0; waited < kLimit; waited += 5, Sleep(5)) {
+            for (const std::wstring& name : Files()) {
+                if (name.ends_with(L".new") &&
+                    obtest::ReadFileContent(folder_ / name) == "half a file") {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    const obtest::TestFolder folder_;
+    ProviderManagerHandle manager_ = nullptr;
+};
+
+TEST_F(ManagerStages, CountTheSelectedTransformsThatWorkInThem) {
+    std::int32_t counts[4] = {9, 9, 9, 9};
+    const auto count = [&] {
+        Entries().GetSelectedTransformSummary(manager_, &counts[0], &counts[1], &counts[2],
+                                              &counts[3]);
+        return counts[0] * 1000 + counts[1] * 100 + counts[2] * 10 + counts[3];
+    };
+    EXPECT_EQ(count(), 11); // one for each file, one at the end
+    ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
+    EXPECT_EQ(count(), 0);
+}
+
+TEST_F(ManagerStages, PutTheResultInThePlaceOfTheCopy) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    EXPECT_TRUE(Execute(path));
+    EXPECT_EQ(obtest::ReadFileContent(path), "clean");
+    EXPECT_EQ(Entries().GetProviderTarget(manager_), path);
+    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+}
+
+TEST_F(ManagerStages, VisitTwoPicksOfOneNameOnce) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    ASSERT_TRUE(obtest::WriteFileContent(path, "not visited again"));
+    EXPECT_TRUE(Execute(path));
+    EXPECT_EQ(obtest::ReadFileContent(path), "not visited again");
+    EXPECT_EQ(Entries().GetProviderTarget(manager_), path);
+}
+
+TEST_F(ManagerStages, GoOnWithTheNextFileAfterAFileThatKillsTheWorkProcess) {
+    const std::wstring bad = folder_.File(L"bad.jpg", "bad");
+    const std::wstring good = folder_.File(L"good.jpg", "good");
+    const obtest::MessageBoxWatcher boxes;
+    for (const char* word : {"crash", "crash-after-writing", "half", "exit", "garbage"}) {
+        Script(word);
+        ASSERT_TRUE(Execute(folder_.File(L"bad.jpg", "bad")));
+        Entries().Deinit(manager_); // forgets the visit
+        SetUp();
+        EXPECT_EQ(obtest::ReadFileContent(bad), "bad");
+    }
+    Script("crash");
+    EXPECT_TRUE(Execute(bad));
+    Script("good");
+    EXPECT_TRUE(Execute(good));
+    EXPECT_EQ(obtest::ReadFileContent(good), "clean");
+    EXPECT_EQ(Files(), (Names{L"bad.jpg", L"good.jpg"}));
+    EXPECT_TRUE(boxes.Seen().empty());
+}
+
+TEST_F(ManagerStages, StopWithASentenceOnAFullDisk) { ExpectRefused("full"); }
+TEST_F(ManagerStages, StopWithASentenceWhenTheResultIsNotThere) { ExpectRefused("no-output"); }
+TEST_F(ManagerStages, StopWithASentenceWhenTheResultIsNotWhole) { ExpectRefused("wrong-size"); }
+
+TEST_F(ManagerStages, StopWithASentenceWithoutTheWorkProcess) {
+    const obtest::AbsentModule absent(kTransformWorkFileName);
+    ASSERT_TRUE(absent.Ok());
+    ExpectRefused("good");
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Entries().GetReadyForConvert(nullptr, manager_, kRemoveInfo, kTransform));
+    EXPECT_EQ(boxes.Seen().size(), 1u);
+}
+
+TEST_F(ManagerStages, AreReadyWithTheWorkProcess) {
+    EXPECT_TRUE(Entries().GetReadyForConvert(nullptr, manager_, kRemoveInfo, kTransform));
+    EXPECT_FALSE(Entries().GetReadyForConvert(nullptr, manager_, 3, kTransform));
+}
+
+TEST_F(ManagerStages, ChangeNothingOutsideTheTemporaryPath) {
+    const std::wstring path = L"C:\\photo.jpg";
+    ASSERT_TRUE(obtest::WriteFileContent(path, "theirs"));
+    ExpectRefused(path, [&] { return Execute(path); });
+    ExpectRefused(path, [&] { return Execute(path, L""); });
+    ExpectRefused(path, [&] { return Final({path}); });
+    DeleteFileW(path.c_str());
+}
+
+TEST_F(ManagerStages, ChangeNothingWithoutTheFolderOfTheRun) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ExpectRefused(path, [&] { return Execute(path, L""); });
+    ExpectRefused(path, [&] { return Execute(path, folder_.Folder(L"other") + L"\\"); });
+}
+
+TEST_F(ManagerStages, StopWithASentenceForAFileThatIsGone) {
+    const std::wstring path = folder_ / L"photo.jpg";
+    ExpectRefused(path, [&] { return Execute(path); });
+}
+
+TEST_F(ManagerStages, StopForAResultThatNoBufferTakes) {
+    const std::wstring path = folder_.Path() + L"\\" + std::wstring(520, L'x') + L"photo.jpg";
+    ExpectRefused(path, [&] { return Execute(path); });
+}
+
+TEST_F(ManagerStages, StopWithoutAFileOrATransform) {
+    EXPECT_FALSE(Execute(L""));
+    ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    EXPECT_FALSE(Execute(path));
+    EXPECT_FALSE(Final({path}));
+    EXPECT_EQ(obtest::ReadFileContent(path), "photo");
+}
+
+TEST_F(ManagerStages, EndWithTheSessionAndLeaveOnlyTheCopy) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Script("hang-after-writing");
+    std::atomic<int> result = -1;
+    std::thread worker([&] { result = Execute(path); });
+    EXPECT_TRUE(AwaitUnfinished());
+    Entries().Deinit(manager_);
+    EXPECT_EQ(result, 0); // Deinit waits for the call
+    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+    EXPECT_EQ(obtest::ReadFileContent(path), "photo");
+    worker.join();
+}
+
+// The host clears up as soon as the user cancels, while the work process has the files open.
+TEST_F(ManagerStages, EndWithTheSessionAndLeaveNothingAfterACleanUp) {
+    const std::wstring folder = folder_.Folder(L"run");
+    const std::wstring path = folder + L"\\photo.jpg";
+    ASSERT_TRUE(obtest::WriteFileContent(path, "photo"));
+    Script("hang-after-writing");
+    std::thread worker([&] { EXPECT_FALSE(Execute(path, folder)); });
+    EXPECT_TRUE(AwaitUnfinished());
+    EXPECT_TRUE(DeleteFileW(path.c_str()));
+    RemoveDirectoryW(folder.c_str());
+    Entries().Deinit(manager_);
+    worker.join();
+    EXPECT_TRUE(Files().empty());
+}
+
+TEST_F(ManagerStages, EndWithTheirOwnerWindow) {
+    Owner owner;
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Script("hang-after-writing");
+    std::thread worker([&] { EXPECT_FALSE(Execute(path, folder_.Path(), owner.Get())); });
+    EXPECT_TRUE(AwaitUnfinished());
+    owner.Destroy();
+    worker.join();
+    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+    EXPECT_FALSE(Execute(path, folder_.Path(), reinterpret_cast<HWND>(0x7ffffff0)));
+}
+
+TEST_F(ManagerStages, EndBeforeTheManagerIsDeleted) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Script("hang-after-writing");
+    std::atomic<bool> returned = false;
+    std::thread worker([&] {
+        Execute(path);
+        returned = true;
+    });
+    EXPECT_TRUE(AwaitUnfinished());
+    Delete();
+    worker.join();
+    EXPECT_TRUE(returned);
+    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+}
+
+// The user has left while a sentence is on the screen.
+TEST_F(ManagerStages, EndWithTheSessionWhileASentenceIsShown) {
+    const std::wstring path = folder_ / L"missing.jpg";
+    std::thread worker([&] { EXPECT_FALSE(Execute(path)); });
+    HWND box = nullptr;
+    for (int waited = 0; waited < kLimit && !box; waited += 5, Sleep(5)) {
+        box = FindWindowW(L"#32770", L"Ombrix Vellant");
+    }
+    ASSERT_NE(box, nullptr);
+    Entries().Deinit(manager_);
+    EXPECT_FALSE(IsWindow(box));
+    worker.join();
+}
+
+TEST_F(ManagerStages, RunOneAtATime) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Script("hang-after-writing");
+    std::thread worker([&] { EXPECT_FALSE(Execute(path)); });
+    EXPECT_TRUE(AwaitUnfinished());
+    EXPECT_FALSE(Final({path}));
+    Entries().Deinit(manager_);
+    worker.join();
+}
+
+TEST_F(ManagerStages, AfterTheListWorkOnWhatIsNew) {
+    const Names paths{folder_.File(L"a.jpg", "seen"), folder_.File(L"b.jpg", "new")};
+    ASSERT_TRUE(Execute(paths[0]));
+    ASSERT_TRUE(obtest::WriteFileContent(paths[0], "cleaned before"));
+    const wchar_t* const pointers[] = {paths[0].c_str(), paths[1].c_str()};
+    std::uint32_t count = 2;
+    EXPECT_TRUE(
+        Entries().ExecutePostTransforms(manager_, nullptr, pointers, &count, 1, nullptr, nullptr));
+    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(Results(2), paths);
+    EXPECT_EQ(obtest::ReadFileContent(paths[0]), "cleaned before");
+    EXPECT_EQ(obtest::ReadFileContent(paths[1]), "clean");
+}
+
+TEST_F(ManagerStages, AtTheEndPassCleanFilesWithoutAQuestion) {
+    const Names paths{folder_.File(L"a.jpg", "a"), folder_.File(L"b.jpg", "b")};
+    ASSERT_TRUE(Execute(paths[0]));
+    ASSERT_TRUE(Execute(paths[1]));
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_TRUE(Final(paths));
+    EXPECT_EQ(Results(2), paths);
+    EXPECT_TRUE(boxes.Seen().empty());
+}
+
+TEST_F(ManagerStages, AtTheEndStopWhenSomethingSurvived) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    Script("survives");
+    ExpectRefused(path, [&] { return Final({path}); });
+    EXPECT_TRUE(Results(1).empty());
+}
+
+TEST_F(ManagerStages, AtTheEndStopWhenACleanedFileCannotBeChecked) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    Script("crash");
+    ExpectRefused(path, [&] { return Final({path}); });
+}
+
+TEST_F(ManagerStages, AtTheEndAskAboutFilesThatCannotBeCleaned) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Script("too-large");
+    ASSERT_TRUE(Execute(path));
+    for (const int button : {IDCANCEL, IDOK}) {
+        std::wstring list;
+        obtest::DialogUiDriver user(OB_RECEIPT_LIST, [&](HWND dialog) {
+            list = obtest::TextOf(GetDlgItem(dialog, OB_RECEIPT_LIST));
+            EXPECT_EQ(obtest::TextOf(GetDlgItem(dialog, IDOK)), L"&Attach anyway");
+            obtest::DialogUiDriver::Press(dialog, button);
+        });
+        EXPECT_EQ(Final({path}), button == IDOK);
+        EXPECT_TRUE(user.WasUsed());
+        EXPECT_EQ(list, L"photo.jpg: can't be cleaned, the file is too large\r\n");
+    }
+    EXPECT_EQ(Results(1), (Names{path}));
+}
+
+TEST_F(ManagerStages, AtTheEndStopForThemWhenTheSettingsSaySo) {
+    Settings(true, false);
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Script("too-large");
+    ASSERT_TRUE(Execute(path));
+    ExpectRefused(path, [&] { return Final({path}); });
+}
+
+TEST_F(ManagerStages, AtTheEndShowTheReceiptWhenTheSettingsSaySo) {
+    Settings(true, true);
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    std::wstring list;
+    obtest::DialogUiDriver user(OB_RECEIPT_LIST, [&](HWND dialog) {
+        list = obtest::TextOf(GetDlgItem(dialog, OB_RECEIPT_LIST));
+        obtest::DialogUiDriver::Press(dialog, IDOK);
+    });
+    EXPECT_TRUE(Final({path, path})); // twice in the list, once in the receipt
+    EXPECT_TRUE(user.WasUsed());
+    EXPECT_EQ(list.find(L"photo.jpg: removed\r\n      where it was taken (2 times)\r\n"), 0u);
+    EXPECT_EQ(list.rfind(L"photo.jpg"), 0u);
+    EXPECT_EQ(Results(2), (Names{path, path}));
+}
+
+// The dialog's thread answers its messages while the work process hangs.
+TEST_F(ManagerStages, AtTheEndStopWhenTheUserCancelsTheOwner) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    Script("hang");
+    Owner owner;
+    PostMessageW(owner.Get(), WM_COMMAND, IDCANCEL, 0);
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Final({path}, owner.Get()));
+    EXPECT_TRUE(boxes.Seen().empty());
+}
+
+// As a button of the dialog does: the command is sent, by another thread's click.
+TEST_F(ManagerStages, AtTheEndStopWhenTheCommandIsSentToTheOwner) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    Script("hang");
+    Owner owner;
+    std::thread user([&] { SendMessageW(owner.Get(), WM_COMMAND, IDCANCEL, 0); });
+    EXPECT_FALSE(Final({path}, owner.Get()));
+    user.join();
+}
+
+TEST_F(ManagerStages, AtTheEndKeepAQuitOfTheThread) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    Script("hang");
+    PostQuitMessage(17);
+    EXPECT_FALSE(Final({path}));
+    MSG message;
+    ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 17u);
+}
+
+TEST_F(ManagerStages, HandOverNoMoreThanThereIs) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    EXPECT_TRUE(Results(1).empty());
+    ASSERT_TRUE(Final({path}));
+    std::uint32_t count = 99;
+    Entries().GetTargetFile(manager_, nullptr, &count, 514);
+    EXPECT_EQ(count, 0u);
+    wchar_t small[5] = L"left";
+    wchar_t* const buffers[] = {small};
+    Entries().GetTargetFile(manager_, buffers, &count, 5);
+    EXPECT_EQ(count, 0u);
+    EXPECT_STREQ(small, L"left");
+}
+
+} // namespace

@@ -1,0 +1,72 @@
+// Operates a dialog of this process from a second thread.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace obtest {
+
+inline std::wstring TextOf(HWND window) {
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(
+        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+// Waits for a visible dialog that has a control with the id, and calls `use` with it once. A dialog
+// that stays open after that is cancelled, so that no test waits for ever.
+class DialogUiDriver {
+public:
+    DialogUiDriver(int control, std::function<void(HWND)> use)
+        : control_(control), use_(std::move(use)), thread_([this] { Run(); }) {}
+    ~DialogUiDriver() {
+        stop_ = true;
+        thread_.join();
+    }
+    DialogUiDriver(const DialogUiDriver&) = delete;
+    DialogUiDriver& operator=(const DialogUiDriver&) = delete;
+
+    bool WasUsed() const { return used_; }
+
+    static void Press(HWND dialog, int button) {
+        SendMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
+    }
+
+private:
+    static BOOL CALLBACK Look(HWND window, LPARAM self) {
+        auto& driver = *reinterpret_cast<DialogUiDriver*>(self);
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        if (process == GetCurrentProcessId() && IsWindowVisible(window) &&
+            GetDlgItem(window, driver.control_)) {
+            driver.found_ = window;
+        }
+        return driver.found_ == nullptr;
+    }
+    void Run() {
+        while (!stop_ && !found_) {
+            EnumWindows(&Look, reinterpret_cast<LPARAM>(this));
+            Sleep(5);
+        }
+        if (!found_) return;
+        used_ = true;
+        use_(found_);
+        for (int waited = 0; waited < kLimit && !stop_ && IsWindow(found_); waited += 5) Sleep(5);
+        if (IsWindow(found_)) PostMessageW(found_, WM_COMMAND, IDCANCEL, 0);
+    }
+
+    static constexpr int kLimit = 20000; // milliseconds
+
+    int control_;
+    std::function<void(HWND)> use_;
+    std::atomic<bool> stop_ = false;
+    std::atomic<bool> used_ = false;
+    HWND found_ = nullptr;
+    std::thread thread_;
+};
+
+} // namespace obtest
