@@ -2,9 +2,6 @@
 // that would be wrong after the picture shrank.
 #pragma once
 
-#include <cstdint>
-#include <span>
-
 #include "services/transforms/pictures/JpegLibrary.h"
 #include "services/transforms/pictures/ShrinkStep.h"
 
@@ -16,9 +13,5 @@ void KeepMarkers(JpegReader& reader);
 // After the writer was started and before its first row. The index of further pictures in the file
 // is left out, as those pictures are.
 void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size);
-
-// Sets the size that EXIF data names, where they name one. `exif` begins with the byte order; data
-// that aren't as they should be stay as they are.
-void SetExifSize(std::span<std::uint8_t> exif, PictureSize size) noexcept;
 
 } // namespace transforms

@@ -2,8 +2,10 @@
 #include "services/transforms/pictures/JpegPicture.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
+#include <numeric>
 
 #include "services/transforms/pictures/BandPipe.h"
 #include "services/transforms/pictures/JpegLibrary.h"
@@ -92,6 +94,16 @@ void StartDecoder(JpegReader& reader, PictureSize to) {
     jpeg_start_decompress(&reader);
 }
 
+// The places of a table from the lowest frequency to the highest.
+std::array<int, DCTSIZE2> ByFrequency() {
+    std::array<int, DCTSIZE2> places;
+    std::iota(places.begin(), places.end(), 0);
+    std::stable_sort(places.begin(), places.end(), [](int a, int b) {
+        return a / DCTSIZE + a % DCTSIZE < b / DCTSIZE + b % DCTSIZE;
+    });
+    return places;
+}
+
 JQUANT_TBL Coarser(const JQUANT_TBL& one, const JQUANT_TBL& other) noexcept {
     JQUANT_TBL table = one;
     for (int i = 0; i < DCTSIZE2; ++i)
@@ -114,9 +126,21 @@ void UseTable(JpegWriter& writer, jpeg_component_info& info, const JQUANT_TBL& t
     info.quant_tbl_no = number;
 }
 
-void SetTables(const JpegReader& reader, JpegWriter& writer, int coarseness) {
-    jpeg_set_linear_quality(&writer, coarseness, TRUE);
-    const JQUANT_TBL standard[2] = {*writer.quant_tbl_ptrs[0], *writer.quant_tbl_ptrs[1]};
+// The standard's two tables, between two percentages if the step says so.
+std::array<JQUANT_TBL, 2> StandardTables(JpegWriter& writer, const ShrinkStep& step) {
+    jpeg_set_linear_quality(&writer, step.coarseness + 1, TRUE);
+    std::array<JQUANT_TBL, 2> tables{*writer.quant_tbl_ptrs[0], *writer.quant_tbl_ptrs[1]};
+    jpeg_set_linear_quality(&writer, step.coarseness, TRUE);
+    const auto places = ByFrequency();
+    const int coarser = DCTSIZE2 * step.sixteenths / 16;
+    for (int place = 0; place < DCTSIZE2 - coarser; ++place)
+        for (int i = 0; i < 2; ++i)
+            tables[i].quantval[places[place]] = writer.quant_tbl_ptrs[i]->quantval[places[place]];
+    return tables;
+}
+
+void SetTables(const JpegReader& reader, JpegWriter& writer, const ShrinkStep& step) {
+    const auto standard = StandardTables(writer, step);
     const bool hasColourPlanes =
         writer.jpeg_color_space == JCS_YCbCr || writer.jpeg_color_space == JCS_YCCK;
     int used = 0;
@@ -154,7 +178,7 @@ void StartEncoder(const JpegReader& reader, JpegWriter& writer, PictureSize to,
     writer.in_color_space = reader.jpeg_color_space;
     jpeg_set_defaults(&writer);
     SetColours(reader, writer);
-    SetTables(reader, writer, step.coarseness);
+    SetTables(reader, writer, step);
     writer.raw_data_in = TRUE;
     writer.dct_method = JDCT_ISLOW;
     // The best Huffman tables need the whole picture in memory.

@@ -1,9 +1,14 @@
-// The size of a shrunk picture.
+// The size and quality of a shrunk picture.
 #include "services/transforms/pictures/ShrinkStep.h"
 
 #include <algorithm>
 
 namespace transforms {
+
+double QualityOf(const ShrinkStep& step) noexcept {
+    const double coarseness = step.coarseness + step.sixteenths / 16.0;
+    return std::clamp(coarseness <= 100 ? 100 - coarseness / 2 : 5000 / coarseness, 1.0, 100.0);
+}
 
 PictureSize SizeAfter(PictureSize size, const ShrinkStep& step) noexcept {
     const std::uint64_t longest = std::max(size.width, size.height);

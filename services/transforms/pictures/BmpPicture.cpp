@@ -1,0 +1,232 @@
+// A reader and a writer of our own: the format is a header and rows.
+#include "services/transforms/pictures/BmpPicture.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "services/transforms/pictures/Raster.h"
+
+namespace transforms {
+namespace {
+
+const std::size_t FileHeaderSize = 14, BasicHeader = 40, Version5 = 124;
+// Offsets in the file.
+const std::size_t PixelsAt = 10, HeaderSizeAt = 14, WidthAt = 18, HeightAt = 22, BitsAt = 28,
+                  CompressionAt = 30, ImageSizeAt = 34, ColoursUsedAt = 46, ColoursImportantAt = 50,
+                  MasksAt = 54, ProfileKindAt = 70, ProfileAt = 126, ProfileSizeAt = 130;
+const std::uint32_t Plain = 0, BitFields = 3, AlphaBitFields = 6;
+const std::uint32_t EmbeddedProfile = 0x4D424544;
+
+std::uint32_t Get(std::span<const std::uint8_t> bytes, std::size_t at, int count = 4) noexcept {
+    std::uint32_t value = 0;
+    for (int i = count - 1; i >= 0; --i) value = value << 8 | bytes[at + i];
+    return value;
+}
+
+void Set(std::span<std::uint8_t> bytes, std::size_t at, std::uint32_t value,
+         int count = 4) noexcept {
+    for (int i = 0; i < count; ++i) bytes[at + i] = static_cast<std::uint8_t>(value >> (8 * i));
+}
+
+[[noreturn]] void Throw(PictureOutcome outcome) { throw PictureFailure{outcome}; }
+
+// The file up to its palette, checked.
+struct BmpHeader {
+    PictureBytes bytes; // file header, header, masks
+    PictureSize size;
+    unsigned bits = 0;
+    bool hasAlpha = false;
+    std::uint32_t pixels = 0; // offset
+
+    std::uint32_t HeaderSize() const noexcept { return Get(bytes, HeaderSizeAt); }
+    std::uint64_t Stride() const noexcept {
+        return (static_cast<std::uint64_t>(size.width) * bits + 31) / 32 * 4;
+    }
+};
+
+// The four bytes of a pixel are its channels, whatever their order; a channel across bytes is not
+// served.
+void CheckMasks(BmpHeader& header) {
+    for (int i = 0; i < 3; ++i) {
+        const std::uint32_t mask = Get(header.bytes, MasksAt + 4 * i);
+        if (mask != 0xFF && mask != 0xFF00 && mask != 0xFF0000 && mask != 0xFF000000)
+            Throw(PictureOutcome::Unsupported);
+        // Alpha is the last channel only if no colour is.
+        if (mask == 0xFF000000) Throw(PictureOutcome::Unsupported);
+    }
+    header.hasAlpha =
+        header.bytes.size() >= MasksAt + 16 && Get(header.bytes, MasksAt + 12) == 0xFF000000;
+}
+
+void CheckForm(BmpHeader& header) {
+    const std::uint32_t compression = Get(header.bytes, CompressionAt);
+    const bool masked = compression == BitFields || compression == AlphaBitFields;
+    if (compression != Plain && !(masked && header.bits == 32)) Throw(PictureOutcome::Unsupported);
+    if (masked) CheckMasks(header);
+    constexpr unsigned served[] = {1, 4, 8, 24, 32};
+    if (std::find(std::begin(served), std::end(served), header.bits) == std::end(served))
+        Throw(PictureOutcome::Unsupported);
+}
+
+BmpHeader ReadHeader(PictureSource& source, const PictureControl& control) {
+    BmpHeader header;
+    header.bytes.resize(FileHeaderSize + BasicHeader);
+    if (ReadPicture(source, 0, header.bytes) != header.bytes.size()) Throw(PictureOutcome::Damaged);
+    if (header.HeaderSize() < BasicHeader) Throw(PictureOutcome::Unsupported);
+    if (header.HeaderSize() > Version5) Throw(PictureOutcome::Damaged);
+    const bool masksFollow =
+        header.HeaderSize() == BasicHeader && Get(header.bytes, CompressionAt) != Plain;
+    const std::size_t masks =
+        masksFollow ? (Get(header.bytes, CompressionAt) == AlphaBitFields ? 16 : 12) : 0;
+    header.bytes.resize(FileHeaderSize + header.HeaderSize() + masks);
+    if (ReadPicture(source, 0, header.bytes) != header.bytes.size()) Throw(PictureOutcome::Damaged);
+    const auto width = static_cast<std::int32_t>(Get(header.bytes, WidthAt));
+    const auto height =
+        static_cast<std::int64_t>(static_cast<std::int32_t>(Get(header.bytes, HeightAt)));
+    if (width <= 0 || height == 0) Throw(PictureOutcome::Damaged);
+    header.size = {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(std::abs(height))};
+    header.bits = Get(header.bytes, BitsAt, 2);
+    header.pixels = Get(header.bytes, PixelsAt);
+    CheckForm(header);
+    control.ThrowIfTooLarge(header.size.width, header.size.height);
+    if (header.pixels < header.bytes.size() ||
+        header.pixels + header.Stride() * header.size.height > source.Size())
+        Throw(PictureOutcome::Damaged);
+    return header;
+}
+
+class BmpReader final : public RowReader {
+public:
+    BmpReader(PictureSource& source, const BmpHeader& header) : file_(source), header_(header) {
+        form_.size = header.size;
+        form_.hasAlpha = header.hasAlpha;
+        form_.channels = header.bits == 32 ? 4 : 3;
+        stored_.resize(static_cast<std::size_t>(header.Stride()));
+        if (header.bits <= 8) ReadPalette();
+    }
+
+    const RasterForm& Form() const noexcept override { return form_; }
+
+    void Read(std::uint8_t* row) override {
+        const std::uint64_t offset = header_.pixels + header_.Stride() * next_++;
+        if (ReadPicture(file_, offset, stored_) != stored_.size()) Throw(PictureOutcome::Damaged);
+        if (header_.bits > 8) {
+            std::memcpy(row, stored_.data(), form_.RowBytes());
+            return;
+        }
+        for (std::size_t x = 0; x < form_.size.width; ++x)
+            std::memcpy(row + x * form_.channels, palette_[Index(x)].data(), form_.channels);
+    }
+
+private:
+    // Colours that the file has none for are black, as other readers show them.
+    void ReadPalette() {
+        const std::size_t room = (header_.pixels - header_.bytes.size()) / 4;
+        PictureBytes bytes(std::min<std::size_t>(room, 256) * 4);
+        bytes.resize(ReadPicture(file_, header_.bytes.size(), bytes) / 4 * 4);
+        bool isGrey = true;
+        for (std::size_t i = 0; i < bytes.size() / 4; ++i) {
+            palette_[i] = {bytes[4 * i], bytes[4 * i + 1], bytes[4 * i + 2]};
+            isGrey = isGrey && bytes[4 * i] == bytes[4 * i + 1] && bytes[4 * i] == bytes[4 * i + 2];
+        }
+        if (isGrey) form_.channels = 1;
+    }
+
+    unsigned Index(std::size_t x) const noexcept {
+        const unsigned perByte = 8 / header_.bits;
+        const unsigned shift = 8 - header_.bits * (x % perByte + 1);
+        return stored_[x / perByte] >> shift & ((1u << header_.bits) - 1);
+    }
+
+    PictureSource& file_;
+    const BmpHeader& header_;
+    RasterForm form_;
+    std::array<std::array<std::uint8_t, 3>, 256> palette_{};
+    PictureBytes stored_;
+    std::uint64_t next_ = 0;
+};
+
+class BmpWriter final : public RowWriter {
+public:
+    BmpWriter(PictureTarget& target, const RasterForm& form, PictureSize size)
+        : file_(target), used_(static_cast<std::size_t>(size.width) * form.channels) {
+        stored_.resize((used_ + 3) / 4 * 4);
+    }
+
+    void Begin(const PictureBytes& head) {
+        WritePicture(file_, 0, head);
+        offset_ = head.size();
+    }
+    void Write(const std::uint8_t* row) override {
+        std::memcpy(stored_.data(), row, used_);
+        Append(stored_);
+    }
+    void Append(std::span<const std::uint8_t> bytes) {
+        WritePicture(file_, offset_, bytes);
+        offset_ += bytes.size();
+    }
+    std::size_t Stride() const noexcept { return stored_.size(); }
+
+private:
+    PictureTarget& file_;
+    std::size_t used_;
+    PictureBytes stored_;
+    std::uint64_t offset_ = 0;
+};
+
+// The profile of a header of version 5, which is somewhere in the file.
+PictureBytes ReadProfile(PictureSource& source, const BmpHeader& header,
+                         const PictureControl& control) {
+    if (header.HeaderSize() < Version5 || Get(header.bytes, ProfileKindAt) != EmbeddedProfile)
+        return {};
+    const std::uint32_t size = Get(header.bytes, ProfileSizeAt);
+    if (size > control.limits.metadata) Throw(PictureOutcome::TooLarge);
+    PictureBytes profile(size);
+    if (ReadPicture(source, FileHeaderSize + std::uint64_t{Get(header.bytes, ProfileAt)},
+                    profile) != size)
+        Throw(PictureOutcome::Damaged);
+    return profile;
+}
+
+PictureBytes MakeHead(const BmpHeader& from, const RasterForm& form, PictureSize size,
+                      std::size_t stride, std::size_t profile) {
+    PictureBytes head = from.bytes;
+    const bool isBottomUp = static_cast<std::int32_t>(Get(head, HeightAt)) > 0;
+    const auto imageSize = static_cast<std::uint32_t>(stride * size.height);
+    Set(head, WidthAt, size.width);
+    Set(head, HeightAt, isBottomUp ? size.height : 0 - size.height);
+    Set(head, BitsAt, form.channels * 8, 2);
+    Set(head, ImageSizeAt, imageSize);
+    Set(head, ColoursUsedAt, form.channels == 1 ? 256 : 0);
+    Set(head, ColoursImportantAt, 0);
+    for (unsigned i = 0; form.channels == 1 && i < 256; ++i)
+        for (unsigned value : {i, i, i, 0u}) head.push_back(static_cast<std::uint8_t>(value));
+    const auto pixels = static_cast<std::uint32_t>(head.size());
+    Set(head, PixelsAt, pixels);
+    if (profile) Set(head, ProfileAt, pixels + imageSize - FileHeaderSize);
+    Set(head, 2, static_cast<std::uint32_t>(pixels + imageSize + profile));
+    return head;
+}
+
+} // namespace
+
+PictureSize BmpSize(PictureSource& source, const PictureControl& control) {
+    return ReadHeader(source, control).size;
+}
+
+void ShrinkBmp(PictureSource& source, PictureTarget& target, const ShrinkStep& step,
+               const PictureControl& control) {
+    const BmpHeader header = ReadHeader(source, control);
+    const PictureSize to = SizeAfter(header.size, step);
+    BmpReader reader(source, header);
+    BmpWriter writer(target, reader.Form(), to);
+    const PictureBytes profile = ReadProfile(source, header, control);
+    writer.Begin(MakeHead(header, reader.Form(), to, writer.Stride(), profile.size()));
+    ShrinkRows(reader, writer, to, control);
+    if (!profile.empty()) writer.Append(profile);
+}
+
+} // namespace transforms

@@ -1,0 +1,67 @@
+// Makes pictures fit a mail together: one quality and size for all, the best at which they and the
+// other attachments stay within the limit. Each picture is coded from its unshrunk copy.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "services/transforms/pictures/Picture.h"
+#include "services/transforms/pictures/SizeSearch.h"
+
+namespace transforms {
+
+// What is left of a mail's limit for files: a mail carries them as text, which adds 37 %.
+std::uint64_t RoomForFiles(std::uint64_t mailLimit) noexcept;
+
+class MailFit {
+public:
+    // The sources must outlive the object and be as they are until the last Write. `mailLimit` is
+    // for the mail as it is sent; `otherBytes` what the files that aren't in `sources` count for.
+    MailFit(std::vector<PictureSource*> sources, std::uint64_t mailLimit, std::uint64_t otherBytes,
+            const PictureControl& control);
+
+    // Writes nothing. Shrunk: a step was found; Unchanged: all fits as it is; CannotFit: neither,
+    // see below. Another outcome is that of the picture failed(). Throws nothing. Takes as long as
+    // coding all pictures a few times.
+    PictureOutcome Search() noexcept;
+
+    std::size_t failed() const noexcept { return failed_; }
+    // After CannotFit: the files that can't shrink take more than there is room for, by themselves.
+    bool OthersAreTooMuch() const noexcept { return OtherBytes() > room_; }
+    // All files that can't shrink, those among the sources included.
+    std::uint64_t OtherBytes() const noexcept { return others_ + fixed_; }
+    // Of all files, after Shrunk and Unchanged.
+    std::uint64_t TotalBytes() const noexcept { return total_; }
+    // The step that was found.
+    const ShrinkStep& step() const noexcept { return step_; }
+
+    // Whether a source became smaller; the others go out as they are.
+    bool IsShrunk(std::size_t number) const noexcept { return pictures_[number].isShrunk; }
+    // Writes such a picture: the bytes that were counted, coded again if they weren't kept.
+    PictureOutcome Write(std::size_t number, PictureTarget& target) noexcept;
+
+private:
+    struct FitPicture {
+        PictureSource* source;
+        PictureForm form;
+        bool isShrunk = false;
+        std::uint64_t bytes = 0; // at the step that was tried last
+        PictureBytes coded;      // kept while there is room
+    };
+
+    bool CanShrink(const FitPicture& picture) const noexcept;
+    void LookAtPictures();
+    PictureOutcome SearchStep();
+    std::uint64_t CodeAll(const ShrinkStep& step);
+    void Code(FitPicture& picture, const ShrinkStep& step);
+
+    std::vector<FitPicture> pictures_;
+    PictureControl control_;
+    std::uint64_t room_, others_, fixed_ = 0, shrinkable_ = 0, total_ = 0, kept_ = 0;
+    std::uint32_t longestEdge_ = 1;
+    std::size_t failed_ = 0;
+    ShrinkStep step_;
+};
+
+} // namespace transforms

@@ -1,0 +1,217 @@
+// Fit my mail: never more than the limit, nearly all of it, and one step for all pictures.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "services/transforms/pictures/MailFit.h"
+#include "tests/unit/services/transforms/pictures/TestRasters.h"
+
+namespace {
+
+using namespace obtest;
+using namespace transforms;
+
+class Files {
+public:
+    void Add(PictureBytes file) { files_.push_back(std::move(file)); }
+    std::vector<PictureSource*> Sources() {
+        sources_.clear();
+        std::vector<PictureSource*> list;
+        for (const auto& file : files_)
+            list.push_back(sources_.emplace_back(std::make_unique<MemorySource>(file)).get());
+        return list;
+    }
+    std::uint64_t Bytes() const {
+        std::uint64_t sum = 0;
+        for (const auto& file : files_) sum += file.size();
+        return sum;
+    }
+    const PictureBytes& operator[](std::size_t number) const { return files_[number]; }
+    std::size_t size() const { return files_.size(); }
+
+private:
+    std::vector<PictureBytes> files_;
+    std::vector<std::unique_ptr<MemorySource>> sources_;
+};
+
+// The bytes that go out: what is written for shrunk pictures, the sources for the others.
+std::uint64_t Written(MailFit& fit, const Files& files) {
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        MemoryTarget target;
+        const auto outcome = fit.Write(i, target);
+        EXPECT_EQ(outcome, fit.IsShrunk(i) ? PictureOutcome::Shrunk : PictureOutcome::Unchanged);
+        sum += fit.IsShrunk(i) ? target.bytes.size() : files[i].size();
+    }
+    return sum;
+}
+
+class Random {
+public:
+    explicit Random(unsigned seed) : state_(seed * 2654435761u + 1) {}
+    unsigned Below(unsigned end) {
+        state_ = state_ * 1664525 + 1013904223;
+        return (state_ >> 8) % end;
+    }
+
+private:
+    unsigned state_;
+};
+
+PictureBytes RandomPicture(Random& random, unsigned seed) {
+    const auto photo =
+        Photo(215 + random.Below(130), 205 + random.Below(90), 3, 8, seed, 4 + random.Below(40));
+    switch (random.Below(8)) {
+    case 0:
+        return MakePng(photo);
+    case 1:
+        return MakeTiff(photo, {.compression = 5});
+    case 2:
+        return MakeBmp(photo);
+    default:
+        return MakeJpeg(photo, {.quality = static_cast<int>(75 + random.Below(25)),
+                                .progressive = random.Below(4) == 0});
+    }
+}
+
+// What a limit of `room` bytes for files is for the mail.
+std::uint64_t MailLimit(std::uint64_t room) { return room * 137 / 100; }
+
+void CheckRandomSet(unsigned seed) {
+    Random random(seed);
+    Files files;
+    const unsigned count = 1 + random.Below(3);
+    for (unsigned i = 0; i < count; ++i) files.Add(RandomPicture(random, seed * 7 + i));
+    const std::uint64_t others = random.Below(3) ? random.Below(50'000) : 0;
+    const std::uint64_t limit = MailLimit(others + files.Bytes() * (25 + random.Below(90)) / 100);
+    const std::uint64_t room = RoomForFiles(limit);
+    MailFit fit(files.Sources(), limit, others, {});
+    const auto outcome = fit.Search();
+    if (others + files.Bytes() <= room) {
+        EXPECT_EQ(outcome, PictureOutcome::Unchanged) << seed;
+        return;
+    }
+    if (outcome == PictureOutcome::CannotFit)
+        return; // the smallest form is too much, which isn't seen from here
+    ASSERT_EQ(outcome, PictureOutcome::Shrunk) << seed;
+    const std::uint64_t sum = others + Written(fit, files);
+    EXPECT_EQ(sum, fit.TotalBytes()) << seed;
+    EXPECT_LE(sum, room) << seed;
+    // At the best step nothing could be better: files that others wrote wastefully.
+    if (fit.step().coarseness == 1 && !fit.step().sixteenths && !fit.step().longestEdge) return;
+    EXPECT_GE(sum * 100, room * 85)
+        << "set " << seed << ": edge " << fit.step().longestEdge << ", coarseness "
+        << fit.step().coarseness << ", " << files.size() << " pictures, the first "
+        << int(files[0][0]) << ", room " << room << ", others " << others;
+}
+
+// Four suites, so that they run side by side.
+TEST(MailFitSetsOne, KeepToTheLimitAndUseIt) {
+    for (unsigned seed = 0; seed < 50; ++seed) CheckRandomSet(seed);
+}
+TEST(MailFitSetsTwo, KeepToTheLimitAndUseIt) {
+    for (unsigned seed = 50; seed < 100; ++seed) CheckRandomSet(seed);
+}
+TEST(MailFitSetsThree, KeepToTheLimitAndUseIt) {
+    for (unsigned seed = 100; seed < 150; ++seed) CheckRandomSet(seed);
+}
+TEST(MailFitSetsFour, KeepToTheLimitAndUseIt) {
+    for (unsigned seed = 150; seed < 200; ++seed) CheckRandomSet(seed);
+}
+
+TEST(MailFitTest, TakesOffFirstWhatMailAdds) {
+    EXPECT_EQ(RoomForFiles(137), 100u);
+    EXPECT_EQ(RoomForFiles(25'000'000), 18'248'175u);
+    EXPECT_EQ(RoomForFiles(0), 0u);
+    EXPECT_EQ(RoomForFiles(~0ull), 13464776696138358843ull);
+}
+
+TEST(MailFitTest, ShrinksNothingWhenAllFits) {
+    Files files;
+    files.Add(MakeJpeg(Photo(300, 200, 3)));
+    MailFit fit(files.Sources(), MailLimit(files.Bytes() + 1000) + 2, 1000, {});
+    EXPECT_EQ(fit.Search(), PictureOutcome::Unchanged);
+    EXPECT_FALSE(fit.IsShrunk(0));
+    EXPECT_EQ(fit.TotalBytes(), files.Bytes() + 1000);
+}
+
+TEST(MailFitTest, ReportsThatTheOtherFilesAloneAreTooMuch) {
+    Files files;
+    files.Add(MakeJpeg(Photo(300, 200, 3)));
+    files.Add(PictureBytes(5000, 'x'));
+    MailFit fit(files.Sources(), MailLimit(27'000), 25'000, {});
+    EXPECT_EQ(fit.Search(), PictureOutcome::CannotFit);
+    EXPECT_TRUE(fit.OthersAreTooMuch());
+    EXPECT_EQ(fit.OtherBytes(), 30'000u);
+}
+
+TEST(MailFitTest, ReportsThatThePicturesCantGetSmallEnough) {
+    Files files;
+    files.Add(MakeJpeg(Photo(500, 400, 3)));
+    MailFit fit(files.Sources(), MailLimit(1500), 0, {});
+    EXPECT_EQ(fit.Search(), PictureOutcome::CannotFit);
+    EXPECT_FALSE(fit.OthersAreTooMuch());
+}
+
+TEST(MailFitTest, LeavesAnimationsManyPagesAndOtherFilesAsTheyAre) {
+    Files files;
+    files.Add(MakeJpeg(Photo(500, 400, 3), {.quality = 97}));
+    files.Add(MakeTiff(Photo(100, 80, 3), {.pages = 2}));
+    files.Add(MakeWebp(Photo(200, 150, 3), {.frames = 2}));
+    files.Add(PictureBytes(2000, 'x'));
+    MailFit fit(files.Sources(), MailLimit(files.Bytes() - files[0].size() / 2), 0, {});
+    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    EXPECT_TRUE(fit.IsShrunk(0));
+    for (std::size_t i = 1; i < 4; ++i) EXPECT_FALSE(fit.IsShrunk(i)) << i;
+}
+
+TEST(MailFitTest, UsesOneSizeForAllPictures) {
+    Files files;
+    for (unsigned i = 0; i < 3; ++i) files.Add(MakePng(Photo(400 + 50 * i, 300, 3, 8, i)));
+    MailFit fit(files.Sources(), MailLimit(files.Bytes() / 3), 0, {});
+    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    for (std::size_t i = 0; i < 3; ++i) {
+        MemoryTarget target;
+        fit.Write(i, target);
+        EXPECT_EQ(ParsePng(target.bytes).width, fit.step().longestEdge);
+    }
+}
+
+TEST(MailFitTest, NamesTheDamagedPicture) {
+    Files files;
+    files.Add(MakeJpeg(Photo(300, 200, 3)));
+    auto cut = MakeJpeg(Photo(300, 200, 3));
+    cut.resize(cut.size() / 2);
+    files.Add(cut);
+    MailFit fit(files.Sources(), MailLimit(files.Bytes() / 2), 0, {});
+    EXPECT_EQ(fit.Search(), PictureOutcome::Damaged);
+    EXPECT_EQ(fit.failed(), 1u);
+}
+
+TEST(MailFitTest, StopsWhenItIsCancelled) {
+    std::atomic<bool> cancelled = true;
+    PictureControl control;
+    control.cancelled = &cancelled;
+    Files files;
+    files.Add(MakeJpeg(Photo(300, 200, 3)));
+    MailFit fit(files.Sources(), MailLimit(files.Bytes() / 2), 0, control);
+    EXPECT_EQ(fit.Search(), PictureOutcome::Cancelled);
+}
+
+TEST(MailFitTest, GivesEqualBytesForEqualPictures) {
+    Files files;
+    files.Add(MakeJpeg(Photo(500, 400, 3)));
+    PictureBytes first;
+    for (int i = 0; i < 2; ++i) {
+        MailFit fit(files.Sources(), MailLimit(files.Bytes() / 2), 0, {});
+        ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+        MemoryTarget target;
+        fit.Write(0, target);
+        if (i) {
+            EXPECT_EQ(target.bytes, first);
+        }
+        first = target.bytes;
+    }
+}
+
+} // namespace
