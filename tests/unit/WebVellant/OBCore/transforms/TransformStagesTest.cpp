@@ -14,7 +14,7 @@ using obtest::Lines;
 constexpr wchar_t kSummary[] = L"GetSelectedTransformSummary(manager) [worker]";
 constexpr wchar_t kTargets[] = L"GetTargetFile(manager, 514) [worker]";
 constexpr wchar_t kLeaveOut70[] = L"SelectProviders(manager, 1, 70, 4) [worker]";
-constexpr wchar_t kNoName[] = L"status(\"Processing: \")";
+constexpr wchar_t kNoName[] = L"status(\"Processing... \")";
 constexpr wchar_t kEnd1[] = L"EndDialog(dialog, 1) [worker]";
 constexpr wchar_t kEnd2[] = L"EndDialog(dialog, 2) [worker]";
 constexpr wchar_t kReport[] =
@@ -67,7 +67,7 @@ protected:
     static Lines FileStep(const wchar_t* name, int position, const wchar_t* mode = L"3") {
         const std::wstring path = std::wstring(L"C:\\t\\") + name;
         Lines lines = {L"SetProviderTarget(manager, \"" + path + L"\") [worker]",
-                       std::wstring(L"status(\"Processing: ") + name + L"\")",
+                       std::wstring(L"status(\"Processing... ") + name + L"\")",
                        std::wstring(L"ExecuteTransforms(manager, null, dialog, \"C:\\t\\\", 1, ") +
                            mode + L", null, null) [worker]"};
         if (position > 0) lines.push_back(L"bar.SetPos(" + std::to_wstring(position) + L")");
@@ -398,8 +398,8 @@ TEST_F(TransformStages, ShowALongNameOnASecondLine) {
     EXPECT_TRUE(Run());
     const Lines texts = Written({L"status"});
     ASSERT_EQ(texts.size(), 2u);
-    EXPECT_EQ(texts[0], L"status(\"Processing: |" + middle + L"\")");
-    EXPECT_TRUE(texts[1].starts_with(L"status(\"Processing: |www"));
+    EXPECT_EQ(texts[0], L"status(\"Processing... |" + middle + L"\")");
+    EXPECT_TRUE(texts[1].starts_with(L"status(\"Processing... |www"));
     EXPECT_TRUE(texts[1].ends_with(L"www...\")"));
 }
 
