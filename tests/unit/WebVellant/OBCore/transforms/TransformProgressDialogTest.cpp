@@ -139,6 +139,12 @@ TEST_F(TransformProgressDialog, CountsTheCancelAlsoWhenTheFinalStageThenSucceeds
     EXPECT_EQ(files_, (Lines{L"C:\\t\\a.doc", L"C:\\t\\b.doc"}));
 }
 
+TEST_F(TransformProgressDialog, CountsTheCancelAlsoWhenTheWorkerEndsAtTheSameMoment) {
+    Stages(L"0,0,1,0");
+    const FailingCall both(Fault::EndsAtCancel);
+    WrittenAfterCancelIn(L"ExecuteTransforms", &PressCancel); // expects a run that stops
+}
+
 TEST_F(TransformProgressDialog, LetsTheManagerBeDeletedWhileACallIsRunning) {
     Stages(L"1,1,1,1");
     Answer(L"Hold", L"ExecutePostTransforms");

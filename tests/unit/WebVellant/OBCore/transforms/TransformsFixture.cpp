@@ -64,7 +64,9 @@ HANDLE WINAPI NotedCreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack,
 
 BOOL WINAPI NotedEndDialog(HWND dialog, INT_PTR result) {
     Note(L"EndDialog(" + WindowText(dialog) + L", " + std::to_wstring(result) + L")");
-    return realEndDialog(dialog, result);
+    const BOOL ended = realEndDialog(dialog, result);
+    if (fault == Fault::EndsAtCancel && result == 2) realEndDialog(dialog, 1);
+    return ended;
 }
 
 LANGID WINAPI NotedLanguage(LANGID language) {

@@ -85,8 +85,9 @@ protected:
     Lines files_;
 };
 
-// While this exists, one call of the code under test fails.
-enum class Fault { None, NoThread, MemoryForThread, MemoryInWorker };
+// While this exists, one call of the code under test fails, or the worker ends the dialog with 1 at
+// the moment of the user's cancel.
+enum class Fault { None, NoThread, MemoryForThread, MemoryInWorker, EndsAtCancel };
 class FailingCall {
 public:
     explicit FailingCall(Fault fault);
