@@ -5,11 +5,16 @@
 
 namespace obarchive {
 
-// Compresses the piece quickly, and again thoroughly where that is needed to stay within the size
-// allowance. `number` counts the pieces of a run. Result and exceptions as of
-// BlockCompressor::Compress.
+// Compresses the piece, thoroughly if IsWorthThoroughWork. The same piece always becomes the same
+// bytes. Result and exceptions as of BlockCompressor::Compress.
 ByteBuffer DeflatePiece(BlockCompressor& compressor, std::span<const std::uint8_t> piece,
-                        std::size_t number, bool last);
+                        bool last);
+
+// Whether thorough work makes a sample from the middle of the piece so much smaller that normal
+// work would leave the zip well above the size that people are used to. Tables and long even texts
+// do; programs, documents and web pages don't. Small pieces are never worth it: their sample would
+// cost as much as they do.
+bool IsWorthThoroughWork(BlockCompressor& compressor, std::span<const std::uint8_t> piece);
 
 // Whether the beginning of a file is worth compressing: whether samples of it, one from each
 // quarter, become smaller by more than one part in kLeastGain. Pictures, films and archives don't.

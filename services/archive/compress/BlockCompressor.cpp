@@ -5,15 +5,35 @@
 namespace obarchive {
 namespace {
 
-constexpr int kLevels[] = {1, 6, 7, 10}; // of the library, by Effort
+// The library's level names the matcher. Depth is the number of matches that are tried at a
+// position, and a match of the nice length is taken as it is. The library's own levels of these
+// matchers search further: they are 1.6 times slower for 0.3 per cent (lazy) and for 0.6 per cent
+// (near-optimal).
+struct Search {
+    int level;
+    unsigned depth; // 0 for the level's own search
+    unsigned niceLength;
+    unsigned passes;
+};
+constexpr Search kSearches[] = {
+    {1, 0, 0, 0},
+    {8, 64, 100, 0},
+    {10, 10, 40, 1},
+}; // by Effort
 
 } // namespace
 
 libdeflate_compressor* BlockCompressor::For(Effort effort) {
     const auto row = static_cast<std::size_t>(effort);
-    if (!compressors_[row]) compressors_[row].reset(libdeflate_alloc_compressor(kLevels[row]));
-    if (!compressors_[row]) throw std::bad_alloc();
-    return compressors_[row].get();
+    auto& compressor = compressors_[row];
+    if (compressor) return compressor.get();
+    const Search& search = kSearches[row];
+    compressor.reset(libdeflate_alloc_compressor(search.level));
+    if (!compressor) throw std::bad_alloc();
+    if (search.depth != 0) {
+        libdeflate_set_search(compressor.get(), search.depth, search.niceLength, search.passes);
+    }
+    return compressor.get();
 }
 
 ByteBuffer BlockCompressor::Compress(std::span<const std::uint8_t> data, Effort effort, bool last) {
@@ -22,7 +42,6 @@ ByteBuffer BlockCompressor::Compress(std::span<const std::uint8_t> data, Effort 
     libdeflate_keep_open(compressor, !last);
     const std::size_t size = libdeflate_deflate_compress(compressor, data.data(), data.size(),
                                                          packed.Data(), packed.Capacity());
-    blocks_ = libdeflate_num_blocks(compressor);
     static_cast<void>(packed.Resize(size)); // never more than the capacity
     return packed;
 }

@@ -7,8 +7,9 @@
 namespace obarchive {
 namespace {
 
-// More would only hold memory: the disk can't feed them.
-constexpr std::size_t kMostWorkers = 16;
+// A worker needs up to 13 MB with the pieces that are read ahead for it, and the whole run is to
+// stay below 64 MB. Four of them compress more than most disks deliver.
+constexpr std::size_t kMostWorkers = 4;
 
 std::size_t Processors() {
     return std::clamp<std::size_t>(GetActiveProcessorCount(ALL_PROCESSOR_GROUPS), 1, kMostWorkers);

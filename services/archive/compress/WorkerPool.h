@@ -24,7 +24,8 @@ enum class TaskState { Waiting, Done, Failed, NoMemory };
 
 class WorkerPool {
 public:
-    // One worker for each processor, 16 at most. Throws when not even one thread can be made.
+    // One worker for each processor, kMostWorkers at most. Throws when not even one thread can be
+    // made.
     WorkerPool();
     // Drops what no worker has begun and waits for what one has.
     ~WorkerPool();

@@ -8,7 +8,7 @@
 namespace obarchive {
 void PackTask::PackWhole(BlockCompressor& compressor) {
     if (raw.Size() != 0 && order.packing == Packing::Deflate) {
-        packed = DeflatePiece(compressor, raw.Bytes(), order.number, true);
+        packed = DeflatePiece(compressor, raw.Bytes(), true);
     }
     if (raw.Size() != 0 && order.packing == Packing::Xz) packed = PackXz(raw.Bytes());
     const bool smaller = packed.Size() != 0 && packed.Size() < raw.Size();
@@ -20,7 +20,7 @@ void PackTask::PackWhole(BlockCompressor& compressor) {
 void PackTask::Pack(BlockCompressor& compressor) {
     if (order.IsWhole() && order.packing != Packing::Store) return PackWhole(compressor);
     if (order.packing != Packing::Deflate) return;
-    packed = DeflatePiece(compressor, raw.Bytes(), order.number, order.last);
+    packed = DeflatePiece(compressor, raw.Bytes(), order.last);
     if (packed.Size() == 0) throw std::runtime_error("deflate");
 }
 

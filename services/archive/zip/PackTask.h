@@ -15,7 +15,6 @@ enum class Packing { Store, Deflate, Xz };
 // Where a piece stands in its file, and what becomes of it.
 struct PackOrder {
     Packing packing = Packing::Deflate;
-    std::size_t number = 0; // of the piece in the run
     bool first = true;
     bool last = true;
     std::size_t keySize = 0;             // bytes of the cipher's key, 0 for none

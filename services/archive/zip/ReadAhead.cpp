@@ -119,7 +119,6 @@ void ReadAhead::EndSource() {
 }
 
 void ReadAhead::Submit(PackOrder order, ByteBuffer block) {
-    order.number = submitted_++;
     const std::size_t weight = block.Size();
     held_ += weight;
     auto task = std::make_shared<PackTask>(order, settings_, std::move(block));

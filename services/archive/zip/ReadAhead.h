@@ -13,8 +13,9 @@
 
 namespace obarchive {
 
-// Files are cut into blocks of this size. Larger ones gain nothing, smaller ones lose at the cuts.
-constexpr std::size_t kBlockSize = 2 * 1024 * 1024;
+// Files are cut into blocks of this size. With twice the size a zip is 0.1 per cent smaller, and
+// the run needs twice the memory.
+constexpr std::size_t kBlockSize = 1024 * 1024;
 
 struct SourceEntry {
     std::wstring path;
@@ -78,7 +79,6 @@ private:
     PackOrder order_; // of the next piece of the source that is read
     std::optional<DuplicateFinder> duplicates_;
     BlockCompressor glances_;
-    std::size_t submitted_ = 0; // pieces of the run so far
 };
 
 } // namespace obarchive
