@@ -29,11 +29,16 @@ bool AreDifferentFiles(const std::wstring& first, const std::wstring& second) {
 
 } // namespace
 
-std::vector<std::wstring> DistinctSources(const std::vector<std::wstring>& files) {
+std::vector<std::wstring> DistinctSources(const std::vector<std::wstring>& files,
+                                          std::optional<std::wstring>* tooLong) {
     std::map<std::wstring, std::vector<std::wstring>, LessIgnoringCase> seen;
     std::vector<std::wstring> distinct;
     for (const std::wstring& file : files) {
         const std::wstring path = FullPath(file);
+        if (path.empty()) {
+            if (tooLong) *tooLong = file;
+            return distinct;
+        }
         std::vector<std::wstring>& twins = seen[path];
         const bool known = std::any_of(twins.begin(), twins.end(), [&](const std::wstring& twin) {
             return twin == path || !AreDifferentFiles(twin, path);

@@ -1,6 +1,5 @@
 #include "services/archive/zip/ZipForUser.h"
 
-#include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <new>
@@ -8,7 +7,6 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/archive/Paths.h"
 #include "services/archive/ThisModule.h"
 #include "services/archive/ui/ProgressWindow.h"
 #include "services/archive/ui/ProgressWindowIds.h"
@@ -177,23 +175,17 @@ void ShowUntilEnd(HWND owner, SharedRun& run, const RunThread& thread, ProgressC
     } while (!thread.HasEnded(QS_ALLINPUT));
 }
 
-// The first path that the system can't take, which the run then had no file for.
-std::wstring PathThatIsTooLong(const ZipJob& job) {
-    if (FullPath(job.target).empty()) return job.target;
-    const auto found = std::find_if(job.files.begin(), job.files.end(),
-                                    [](const auto& file) { return FullPath(file).empty(); });
-    return found == job.files.end() ? std::wstring() : *found;
-}
-
 ZipResult ZipJobWithProgress(HWND owner, const ZipJob& job, std::wstring& failedFile) {
-    bool stands = false;
+    RunPaths paths;
+    bool made = false;
     const ZipResult result = RunWithProgress(owner, [&](const ProgressCallback& progress) {
-        const ZipResult run = RunZip(job, progress, &failedFile);
-        stands = run == ZipResult::Ok;
+        const ZipResult run = RunZip(job, progress, &paths);
+        made = run == ZipResult::Ok;
         return run;
     });
     // The person was faster than the window's end. The zip is this run's own until it is answered.
-    if (stands && result == ZipResult::Cancelled) DeleteFileW(FullPath(job.target).c_str());
+    if (made && result == ZipResult::Cancelled) DeleteFileW(paths.target.c_str());
+    failedFile = paths.failed;
     return result;
 }
 
@@ -222,9 +214,6 @@ ZipResult ZipForUser(HWND owner, const ZipJob& job) noexcept {
     try {
         std::wstring failedFile;
         const ZipResult result = ZipJobWithProgress(owner, job, failedFile);
-        if (result == ZipResult::PathTooLong && failedFile.empty()) {
-            failedFile = PathThatIsTooLong(job);
-        }
         TellFailure(owner, result, failedFile);
         return result;
     } catch (const std::bad_alloc&) {

@@ -123,12 +123,13 @@ bool AddEntry(zip_t* archive, StreamContext& streams, std::size_t entry,
 // What the run stores, with the sizes that say how much there is to do. False with the run's
 // failure noted.
 bool ListSources(const ZipJob& job, std::vector<SourceEntry>& sources, RunState& run) {
-    const std::vector<std::wstring> paths = DistinctSources(job.files);
+    std::optional<std::wstring> tooLong;
+    const std::vector<std::wstring> paths = DistinctSources(job.files, &tooLong);
+    if (tooLong) return run.Fail(ZipResult::PathTooLong, *tooLong), false;
     const std::vector<std::wstring> names = UniqueEntryNames(paths);
     for (std::size_t index = 0; index < paths.size(); ++index) {
-        if (paths[index].empty()) run.Fail(ZipResult::PathTooLong);
         SourceFacts facts;
-        if (paths[index].empty() || !ReadSourceFacts(paths[index], facts, run)) return false;
+        if (!ReadSourceFacts(paths[index], facts, run)) return false;
         run.totalBytes += facts.size;
         sources.push_back({paths[index], ToUtf8(names[index]), facts});
     }
@@ -224,20 +225,20 @@ ZipResult WriteEntries(const ZipJob& job, OutputFile& output, RunState& run) {
 
 } // namespace
 
-ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress, std::wstring* failedFile) {
-    if (failedFile) failedFile->clear();
+ZipResult RunZip(const ZipJob& job, const ProgressCallback& progress, RunPaths* paths) {
     const ZipResult fit = CheckJob(job);
     if (fit != ZipResult::Ok) return fit;
-    const std::wstring target = FullPath(job.target);
-    if (target.empty()) return ZipResult::PathTooLong;
+    RunPaths unwanted;
+    RunPaths& noted = paths ? *paths : unwanted;
+    noted = {FullPath(job.target), {}};
+    if (noted.target.empty()) return noted.failed = job.target, ZipResult::PathTooLong;
     OutputFile output;
-    const ZipResult created = output.Create(target, job.temporaryFolder);
+    const ZipResult created = output.Create(noted.target, job.temporaryFolder);
     if (created != ZipResult::Ok) return created;
     RunState run;
     run.progress = &progress;
     const ZipResult written = WriteEntries(job, output, run);
-    if (written != ZipResult::Ok && failedFile) *failedFile = run.failedFile;
-    if (written != ZipResult::Ok) return written;
+    if (written != ZipResult::Ok) return noted.failed = run.failedFile, written;
     return output.Commit();
 }
 

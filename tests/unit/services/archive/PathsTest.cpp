@@ -66,6 +66,16 @@ TEST(SourceListTest, EqualContentUnderTwoNamesIsTwoSources) {
     EXPECT_EQ(DistinctSources({one, two}).size(), 2U);
 }
 
+TEST(SourceListTest, ThePathThatTheSystemCannotTakeIsNamed) {
+    const std::wstring good = L"C:\\no\\such.txt";
+    const std::wstring bad = L"C:\\no\\" + std::wstring(300, L'n');
+    std::optional<std::wstring> tooLong;
+    EXPECT_EQ(DistinctSources({good, bad, L"C:\\other"}, &tooLong), std::vector{good});
+    EXPECT_EQ(tooLong, bad);
+    EXPECT_TRUE(DistinctSources({L""}, &tooLong).empty());
+    EXPECT_EQ(tooLong, L"");
+}
+
 TEST(SourceListTest, AMissingFileIsKeptForTheRunToReport) {
     EXPECT_EQ(DistinctSources({L"C:\\no\\such.txt", L"c:\\NO\\such.txt"}),
               (std::vector<std::wstring>{L"C:\\no\\such.txt"}));

@@ -54,7 +54,10 @@ protected:
     }
 
     obarchive::ZipResult Run(const obarchive::ProgressCallback& progress = {}) {
-        return obarchive::RunZip(job_, progress, &failedFile_);
+        obarchive::RunPaths paths;
+        const auto result = obarchive::RunZip(job_, progress, &paths);
+        failedFile_ = paths.failed;
+        return result;
     }
 
     // No file of the run and no thread beyond those that there were before it.

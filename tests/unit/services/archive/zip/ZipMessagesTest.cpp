@@ -127,22 +127,31 @@ TEST(FailedFileTest, TheRunTellsWhichSourceItFailedOn) {
     obarchive::ZipJob job;
     job.target = out / L"result.zip";
     for (const wchar_t* name : {L"a.txt", L"b.txt", L"c.txt"}) job.files.push_back(in.File(name));
-    std::wstring failed = L"before";
-    EXPECT_EQ(obarchive::RunZip(job, {}, &failed), ZipResult::Ok);
+    obarchive::RunPaths paths{L"before", L"before"};
+    const std::wstring& failed = paths.failed;
+    EXPECT_EQ(obarchive::RunZip(job, {}, &paths), ZipResult::Ok);
     EXPECT_EQ(failed, L"");
-    EXPECT_EQ(obarchive::RunZip(job, {}, &failed), ZipResult::TargetExists);
+    EXPECT_EQ(paths.target, job.target);
+    EXPECT_EQ(obarchive::RunZip(job, {}, &paths), ZipResult::TargetExists);
     EXPECT_EQ(failed, L"");
     DeleteFileW(job.target.c_str());
     {
         const ObLib::UniqueKernelHandle lock(
             CreateFileW(job.files[1].c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-        EXPECT_EQ(obarchive::RunZip(job, {}, &failed), ZipResult::SourceLocked);
+        EXPECT_EQ(obarchive::RunZip(job, {}, &paths), ZipResult::SourceLocked);
         EXPECT_EQ(failed, job.files[1]);
     }
     DeleteFileW(job.files[2].c_str());
-    EXPECT_EQ(obarchive::RunZip(job, {}, &failed), ZipResult::SourceMissing);
+    EXPECT_EQ(obarchive::RunZip(job, {}, &paths), ZipResult::SourceMissing);
     EXPECT_EQ(failed, job.files[2]);
+    job.files[0] = in.Path() + L"\\" + std::wstring(300, L'n');
+    EXPECT_EQ(obarchive::RunZip(job, {}, &paths), ZipResult::PathTooLong);
+    EXPECT_EQ(failed, job.files[0]);
     EXPECT_EQ(obtest::ListTree(out.Path()), std::vector<std::wstring>{});
+    job.target = out.Path() + L"\\" + std::wstring(300, L'z');
+    EXPECT_EQ(obarchive::RunZip(job, {}, &paths), ZipResult::PathTooLong);
+    EXPECT_EQ(failed, job.target);
+    EXPECT_EQ(paths.target, L"");
 }
 
 } // namespace
