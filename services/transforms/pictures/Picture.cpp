@@ -42,6 +42,9 @@ PictureForm BmpForm(PictureSource& source, const PictureControl& control) {
     return {PictureKind::Bmp, BmpSize(source, control)};
 }
 
+// Mostly animations, and of 256 colours otherwise, which gain nothing.
+PictureForm GifForm(PictureSource&, const PictureControl&) { return {PictureKind::Gif, {}, true}; }
+
 // A kind may have several beginnings; a dot is any byte.
 struct KindRow {
     std::string_view beginning;
@@ -59,6 +62,7 @@ constexpr KindRow Kinds[] = {
     {"II+\0"sv, PictureKind::Tiff, TiffForms, ShrinkTiff},
     {"MM\0+"sv, PictureKind::Tiff, TiffForms, ShrinkTiff},
     {"BM....\0\0\0\0"sv, PictureKind::Bmp, BmpForm, ShrinkBmp},
+    {"GIF8"sv, PictureKind::Gif, GifForm, nullptr},
 };
 
 bool Begins(std::span<const std::uint8_t> bytes, std::string_view with) noexcept {
@@ -81,7 +85,7 @@ PictureForm FormOfPicture(PictureSource& source, const PictureControl& control) 
 void ShrinkPicture(PictureKind kind, PictureSource& source, PictureTarget& target,
                    const ShrinkStep& step, const PictureControl& control) {
     for (const auto& row : Kinds)
-        if (row.kind == kind) return row.shrink(source, target, step, control);
+        if (row.kind == kind && row.shrink) return row.shrink(source, target, step, control);
     throw PictureFailure{PictureOutcome::Unsupported};
 }
 

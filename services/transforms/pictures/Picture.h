@@ -7,12 +7,12 @@
 
 namespace transforms {
 
-enum class PictureKind { None, Jpeg, Png, Webp, Tiff, Bmp };
+enum class PictureKind { None, Jpeg, Png, Webp, Tiff, Bmp, Gif };
 
 struct PictureForm {
     PictureKind kind = PictureKind::None;
     PictureSize size;
-    // An animation or a file of many pages: it passes unchanged.
+    // An animation, which every GIF counts as, or a file of many pages: it passes unchanged.
     bool hasManyPictures = false;
 };
 

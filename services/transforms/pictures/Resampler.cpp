@@ -139,6 +139,7 @@ PlaneResampler8::PlaneResampler8(const ResampleAxis& across, const ResampleAxis&
     padded_.resize(across.inputs() + across.stride());
     rows_ = MostTaps(down) + 1;
     ring_.resize(width_ * rows_);
+    tapRows_.resize(rows_);
 }
 
 void PlaneResampler8::PushCoarse(const std::uint8_t* row) {
@@ -173,25 +174,31 @@ const std::int16_t* PlaneResampler8::Row(std::uint32_t number) const noexcept {
 
 void PlaneResampler8::Pull(std::uint8_t* row) {
     if (coarse_) return PullCoarse(row);
-    const int shift = 14 + RowBits;
     const auto taps = down_.taps(pulled_);
+    for (std::uint32_t i = 0; i < taps.count; ++i) tapRows_[i] = Row(taps.first + i);
+    // An odd number of rows gets one more, with a weight of 0.
+    tapRows_[taps.count] = tapRows_[0];
     const std::int16_t* weights = down_.shorts(pulled_);
     ++pulled_;
-    for (std::size_t x = 0; x < width_; x += 8) {
-        EightSums sums{_mm_set1_epi32(1 << (shift - 1)), _mm_set1_epi32(1 << (shift - 1))};
-        std::uint32_t i = 0;
-        for (; i + 1 < taps.count; i += 2)
-            sums.Add(Row(taps.first + i) + x, Row(taps.first + i + 1) + x,
-                     Pair(weights[i], weights[i + 1]));
-        if (i < taps.count)
-            sums.Add(Row(taps.first + i) + x, Row(taps.first + i) + x, Pair(weights[i], 0));
-        const __m128i words =
-            _mm_packs_epi32(_mm_srai_epi32(sums.low, shift), _mm_srai_epi32(sums.high, shift));
-        const __m128i bytes = _mm_packus_epi16(words, words);
-        alignas(16) std::uint8_t eight[16];
-        _mm_store_si128(reinterpret_cast<__m128i*>(eight), bytes);
-        std::memcpy(row + x, eight, std::min<std::size_t>(8, across_.outputs() - x));
-    }
+    const std::size_t width = across_.outputs();
+    std::size_t x = 0;
+    for (; x + 8 <= width; x += 8)
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(row + x), EightSamples(x, taps.count, weights));
+    if (x == width) return;
+    alignas(16) std::uint8_t last[16];
+    _mm_store_si128(reinterpret_cast<__m128i*>(last), EightSamples(x, taps.count, weights));
+    std::memcpy(row + x, last, width - x);
+}
+
+__m128i PlaneResampler8::EightSamples(std::size_t x, std::uint32_t count,
+                                      const std::int16_t* weights) const noexcept {
+    const int shift = 14 + RowBits;
+    EightSums sums{_mm_set1_epi32(1 << (shift - 1)), _mm_set1_epi32(1 << (shift - 1))};
+    for (std::uint32_t i = 0; i < count; i += 2)
+        sums.Add(tapRows_[i] + x, tapRows_[i + 1] + x, Pair(weights[i], weights[i + 1]));
+    const __m128i words =
+        _mm_packs_epi32(_mm_srai_epi32(sums.low, shift), _mm_srai_epi32(sums.high, shift));
+    return _mm_packus_epi16(words, words);
 }
 
 PlaneResamplerFloat::PlaneResamplerFloat(const ResampleAxis& across, const ResampleAxis& down)

@@ -8,6 +8,8 @@
 // output anywhere.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -77,6 +79,8 @@ public:
 
 private:
     const std::int16_t* Row(std::uint32_t number) const noexcept;
+    __m128i EightSamples(std::size_t x, std::uint32_t count,
+                         const std::int16_t* weights) const noexcept;
     void PushCoarse(const std::uint8_t* row);
     void PullCoarse(std::uint8_t* row);
 
@@ -84,7 +88,8 @@ private:
     const ResampleAxis& down_;
     std::size_t width_; // of a row in the ring, a multiple of 8
     std::vector<std::uint8_t> padded_;
-    std::vector<std::int16_t> ring_; // rows that were shrunk across, in 1/64
+    std::vector<const std::int16_t*> tapRows_; // of the row that is being pulled
+    std::vector<std::int16_t> ring_;           // rows that were shrunk across, in 1/64
     std::uint32_t pushed_ = 0, pulled_ = 0, rows_ = 0;
     // Instead of all that where so many samples become one that their weights would round to
     // nothing.

@@ -251,7 +251,7 @@ TEST(HostilePicturesTest, NeverEndTheProcessWhateverByteIsChanged) {
 
 TEST(HostilePicturesTest, AreRecognisedByTheirBytesAlone) {
     EXPECT_EQ(OutcomeOf({'G', 'I', 'F', '8', '9', 'a', 1, 0, 1, 0, 0, 0, 0, ';'}),
-              PictureOutcome::Unsupported);
+              PictureOutcome::Unchanged);
     EXPECT_EQ(OutcomeOf({'%', 'P', 'D', 'F', '-', '1', '.', '7'}), PictureOutcome::Unsupported);
     EXPECT_EQ(OutcomeOf({0xFF, 0xD8, 0xFF, 'n', 'o', ' ', 'J', 'P', 'E', 'G'}),
               PictureOutcome::Damaged);
