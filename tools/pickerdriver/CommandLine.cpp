@@ -15,6 +15,12 @@ Choice ParseChoice(const std::wstring& name) {
     throw Failure{L"--choice is zip, encrypt or none, not \"" + name + L"\""};
 }
 
+// The transforms that this build has, with the string ids of their boxes.
+UINT ParseTransform(const std::wstring& name) {
+    if (name == L"clean") return 185;
+    throw Failure{L"--tick is clean, not \"" + name + L"\""};
+}
+
 void SplitFiles(const std::wstring& list, std::vector<std::wstring>& files) {
     for (std::size_t begin = 0; begin <= list.size();) {
         const std::size_t end = std::min(list.find(L';', begin), list.size());
@@ -33,6 +39,8 @@ void Apply(Task& task, const std::wstring& option, const std::wstring& value) {
     if (option == L"--choice") {
         task.choice = ParseChoice(value);
         task.hasChoice = true;
+    } else if (option == L"--tick") {
+        task.tick = ParseTransform(value);
     } else if (option == L"--files") {
         SplitFiles(value, task.files);
     } else if (option == L"--file") {
@@ -82,11 +90,12 @@ void Check(const Task& task) {
 const wchar_t kUsage[] =
     L"usage: pickerdriver [OPTION]... [-- PROGRAM [ARGUMENT]...]\n"
     L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own is kept\n"
+    L"  --tick clean               ticks the box of this transform and answers its dialogs\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"
     L"  --cancel                   presses Cancel instead of Open\n"
-    L"  --picture FILE.png         of the open picker; -chosen and -password are put before .png\n"
-    L"                             for the pictures that follow\n"
+    L"  --picture FILE.png         of the open picker; -chosen, -password, -settings and -receipt\n"
+    L"                             are put before .png for the pictures that follow\n"
     L"  --page-result FILE         where PROGRAM, a mail page, lists what it got\n"
     L"  --keep FOLDER              where to copy the files that the page got\n"
     L"  --timeout SECONDS          for each wait (60)\n"

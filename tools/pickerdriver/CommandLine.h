@@ -16,6 +16,7 @@ struct Task {
     std::vector<std::wstring> files; // full paths
     std::wstring password;
     bool cancel = false;
+    UINT tick = 0;           // string id of the transform whose box is ticked; 0: none
     DWORD limit = 60000;     // milliseconds for each wait
     std::wstring picture;    // base of the pictures' names; empty for none
     std::wstring pageResult; // the file in which the page lists what it got

@@ -6,6 +6,8 @@
 #include <optional>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/ui/PersonalDataDialogIds.h"
+#include "services/providers/ui/ReceiptDialogIds.h"
 #include "tests/support/PasswordUiDriver.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/WindowPicture.h"
@@ -72,7 +74,8 @@ void Await(const std::wstring& what, DWORD limit, HANDLE program,
     }
 }
 
-std::wstring ChoiceText(Choice choice) {
+// A text of the product's library, without marks for keys.
+std::wstring LibraryText(UINT id) {
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     PathRemoveFileSpecW(path);
@@ -80,12 +83,16 @@ std::wstring ChoiceText(Choice choice) {
     const ObLib::UniqueModule library(
         LoadLibraryExW(path, nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
     if (!library) throw Failure{std::wstring(L"no texts: ") + path + L" can't be read"};
-    constexpr UINT kFirstChoice = 101; // zip, encrypt, none, in this order
     wchar_t text[512] = {};
-    LoadStringW(library.Get(), kFirstChoice + static_cast<UINT>(choice), text, 512);
+    LoadStringW(library.Get(), id, text, 512);
     std::wstring plain = text;
     std::erase(plain, L'&');
     return plain;
+}
+
+std::wstring ChoiceText(Choice choice) {
+    constexpr UINT kFirstChoice = 101; // zip, encrypt, none, in this order
+    return LibraryText(kFirstChoice + static_cast<UINT>(choice));
 }
 
 void TakePictureOf(HWND window, const Task& task, const wchar_t* suffix) {
@@ -107,6 +114,60 @@ void Choose(const obtest::OpenPicker& picker, const Task& task, HANDLE program) 
     Await(L"mark at \"" + text + L"\"", task.limit, program,
           [&] { return picker.IsChecked(text); });
     Say(L"chosen: " + text);
+}
+
+// The visible dialog that has this control; null when there is none.
+HWND DialogWith(int control) {
+    struct Search {
+        int control;
+        HWND found;
+    } search{control, nullptr};
+    EnumWindows(
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto& wanted = *reinterpret_cast<Search*>(parameter);
+            const bool is = IsWindowVisible(window) && ClassOf(window) == L"#32770" &&
+                            GetDlgItem(window, wanted.control);
+            if (is) wanted.found = window;
+            return !is;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+void PressOkOf(HWND dialog, const Task& task, HANDLE program, const wchar_t* suffix) {
+    TakePictureOf(dialog, task, suffix);
+    PostMessageW(GetDlgItem(dialog, IDOK), BM_CLICK, 0, 0);
+    Await(L"end of the dialog", task.limit, program, [&] { return !IsWindow(dialog); });
+}
+
+// Ticks the box. The settings of its transform, of which a fresh prefix has none, are asked for and
+// taken as they are.
+void Tick(const obtest::OpenPicker& picker, const Task& task, HANDLE program) {
+    if (task.tick == 0) return;
+    const std::wstring text = LibraryText(task.tick);
+    Await(L"box \"" + text + L"\"", task.limit, program, [&] { return picker.IsEnabled(text); });
+    if (!picker.Click(text)) throw Failure{L"the box \"" + text + L"\" takes no click"};
+    HWND settings = nullptr;
+    Await(L"settings of \"" + text + L"\"", task.limit, program, [&] {
+        settings = DialogWith(OB_PERSONAL_DATA_RECEIPT);
+        return settings != nullptr;
+    });
+    PressOkOf(settings, task, program, L"-settings");
+    Await(L"tick at \"" + text + L"\"", task.limit, program,
+          [&] { return picker.IsChecked(text); });
+    Say(L"ticked: " + text);
+}
+
+// What was removed is shown before the files go to the page.
+void TakeReceipt(const Task& task, HANDLE program) {
+    if (task.tick == 0 || task.cancel) return;
+    HWND receipt = nullptr;
+    Await(L"receipt", task.limit, program, [&] {
+        receipt = DialogWith(OB_RECEIPT_LIST);
+        return receipt != nullptr;
+    });
+    PressOkOf(receipt, task, program, L"-receipt");
+    Say(L"receipt seen, files attached");
 }
 
 void TypeNames(const obtest::OpenPicker& picker, const Task& task) {
@@ -144,11 +205,13 @@ void VisitPicker(const Task& task, HANDLE program) {
     Say(L"the picker is open");
     TakePictureOf(picker.Window(), task, L"");
     Choose(picker, task, program);
+    Tick(picker, task, program);
     TypeNames(picker, task);
     TakePictureOf(picker.Window(), task, L"-chosen");
     task.cancel ? picker.PressCancel() : picker.PressOk();
     Await(L"end of the picker", task.limit, nullptr, [&] { return !picker.IsOpen(); });
     Say(task.cancel ? L"pressed Cancel" : L"pressed Open");
+    TakeReceipt(task, program);
     if (task.choice == Choice::Encrypt && !task.cancel) GivePassword(task, program);
 }
 

@@ -34,13 +34,16 @@ std::wstring AskForPath(HWND owner) {
     dialog.lpstrFile = path.data();
     dialog.nMaxFile = static_cast<DWORD>(path.size());
     dialog.lpstrDefExt = L"txt";
-    dialog.Flags = OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    dialog.Flags =
+        OFN_EXPLORER | OFN_ENABLESIZING | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     if (!GetSaveFileNameW(&dialog)) return {};
     return path.c_str();
 }
 
-// False when nothing was saved.
-bool Save(const std::wstring& path, const std::string& content) {
+} // namespace
+
+bool SaveListAs(const std::wstring& path, const std::wstring& headline, const std::wstring& list) {
+    const std::string content = "\xef\xbb\xbf" + Utf8(headline + L"\r\n\r\n" + list);
     ObLib::UniqueKernelHandle file(CreateFileW(ObLib::WithLongPathPrefix(path).c_str(),
                                                GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
                                                FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -52,13 +55,10 @@ bool Save(const std::wstring& path, const std::string& content) {
     return false;
 }
 
-} // namespace
-
 void SaveList(HWND owner, const std::wstring& headline, const std::wstring& list) {
-    const std::string content = "\xef\xbb\xbf" + Utf8(headline + L"\r\n\r\n" + list);
     for (;;) {
         const std::wstring path = AskForPath(owner);
-        if (path.empty() || Save(path, content)) return;
+        if (path.empty() || SaveListAs(path, headline, list)) return;
         const bool exists = GetLastError() == ERROR_FILE_EXISTS;
         ShowSentence(owner, OwnText(exists ? OB_TEXT_RECEIPT_EXISTS : OB_TEXT_NOT_SAVED));
     }

@@ -79,11 +79,13 @@ constexpr Module kModules[] = {
     {L"obofcsvc64.dll", L"obofcsvc64", VFT_DLL},
     {L"PVXManager64.dll", L"PVXManager64", VFT_DLL},
     {L"PVXTransform64.exe", L"PVXTransform64", VFT_APP},
+    {L"GroupDocs.Metadata.dll", L"GroupDocs.Metadata", VFT_DLL},
 };
 
 INSTANTIATE_TEST_SUITE_P(Shipped, ModuleVersion, testing::ValuesIn(kModules),
                          [](const testing::TestParamInfo<Module>& module) {
-                             const std::wstring name = module.param.name;
+                             std::wstring name = module.param.name;
+                             std::erase(name, L'.');
                              return std::string(name.begin(), name.end());
                          });
 

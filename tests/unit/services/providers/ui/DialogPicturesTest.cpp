@@ -1,0 +1,99 @@
+// The dialogs at one scale of the display: in proportion, and no text cut off. In the folder
+// OB_PICTURES, where that is set, the tests leave pictures to be judged by eye.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "services/providers/ui/PersonalDataDialog.h"
+#include "services/providers/ui/PersonalDataDialogIds.h"
+#include "services/providers/ui/ReceiptDialog.h"
+#include "services/providers/ui/ReceiptDialogIds.h"
+#include "tests/support/WindowPicture.h"
+#include "tests/unit/services/providers/ui/DialogUiDriver.h"
+
+using namespace providers;
+using obtest::DialogUiDriver;
+
+namespace {
+
+int ExpectedDpi() {
+    const char* const text = std::getenv("OB_EXPECTED_DPI");
+    return text ? std::atoi(text) : 0;
+}
+
+class ProviderDialogPictures : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    }
+
+    static void Look(HWND dialog, const std::wstring& name, std::initializer_list<int> texts) {
+        for (const int id : texts) ExpectWholeText(GetDlgItem(dialog, id), id);
+        const auto picture = obtest::TakeSettledPicture(dialog);
+        ASSERT_TRUE(picture);
+        EXPECT_GE(picture->width, MulDiv(380, ExpectedDpi(), 96));
+        const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
+        if (!folder) return;
+        const std::wstring file =
+            std::wstring(folder) + L"\\" + name + L"-" + std::to_wstring(ExpectedDpi()) + L".png";
+        EXPECT_TRUE(obtest::WritePng(*picture, file));
+    }
+
+    // The text, broken into lines as its control breaks it, fits into the control.
+    static void ExpectWholeText(HWND control, int id) {
+        RECT room;
+        GetClientRect(control, &room);
+        RECT needed{0, 0, room.right, 0};
+        const HDC dc = GetDC(control);
+        const HGDIOBJ old =
+            SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
+        DrawTextW(dc, obtest::TextOf(control).c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK);
+        SelectObject(dc, old);
+        ReleaseDC(control, dc);
+        EXPECT_LE(needed.bottom, room.bottom) << id;
+        EXPECT_LE(needed.right, room.right) << id;
+    }
+};
+
+TEST_F(ProviderDialogPictures, OfTheSettings) {
+    DialogUiDriver user(OB_PERSONAL_DATA_RECEIPT, [](HWND dialog) {
+        Look(dialog, L"settings-personal-data",
+             {OB_PERSONAL_DATA_INTRO, OB_PERSONAL_DATA_RECEIPT, OB_PERSONAL_DATA_ASK,
+              OB_PERSONAL_DATA_STOP, IDOK, IDCANCEL});
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    PersonalDataSettings settings;
+    EXPECT_FALSE(AskForSettings(nullptr, settings));
+}
+
+TEST_F(ProviderDialogPictures, OfTheReceipt) {
+    DialogUiDriver user(OB_RECEIPT_LIST, [](HWND dialog) {
+        Look(dialog, L"receipt", {OB_RECEIPT_HEADLINE, OB_RECEIPT_SAVE, IDOK, IDCANCEL});
+        DialogUiDriver::Press(dialog, IDOK);
+    });
+    EXPECT_TRUE(ShowReceipt(nullptr,
+                            {{L"IMG_2041.jpg",
+                              WorkResult::Changed,
+                              {{"position", 1}, {"camera", 5}, {"maker-notes", 1}, {"time", 3}}},
+                             {L"IMG_2042.jpg", WorkResult::Changed, {{"xmp", 1}, {"thumbnail", 1}}},
+                             {L"Scan.png", WorkResult::Unchanged, {}}},
+                            false));
+}
+
+TEST_F(ProviderDialogPictures, OfTheQuestion) {
+    DialogUiDriver user(OB_RECEIPT_LIST, [](HWND dialog) {
+        Look(dialog, L"receipt-question", {OB_RECEIPT_HEADLINE, OB_RECEIPT_SAVE, IDOK, IDCANCEL});
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    EXPECT_FALSE(
+        ShowReceipt(nullptr,
+                    {{L"Meeting notes.docx", WorkResult::NotSupported, {}},
+                     {L"Broken.jpg", WorkResult::Damaged, {}},
+                     {L"IMG_2041.jpg", WorkResult::Changed, {{"position", 1}, {"camera", 5}}}},
+                    false));
+}
+
+} // namespace
