@@ -23,8 +23,8 @@ int CompareLengths(std::size_t first, std::size_t second) {
     return first < second ? CSTR_LESS_THAN : CSTR_GREATER_THAN;
 }
 
-// Unit by unit, so that what stands alike in front of both, which is most of a path, needn't be
-// asked for.
+// Compares unit by unit first: most of two paths is the same text, for which the system's
+// comparison isn't needed.
 int CompareOrdinal(std::wstring_view first, std::wstring_view second) {
     const auto differing =
         std::mismatch(first.begin(), first.end(), second.begin(), second.end()).first;

@@ -11,13 +11,13 @@ namespace obarchive {
 // 255.
 std::wstring FullPath(const std::wstring& path);
 
-// What stands behind the last backslash or slash.
+// The part after the last backslash or slash.
 std::wstring_view FileName(std::wstring_view path);
 
-// What stands before it, with the backslash.
+// The part before that, with the backslash.
 std::wstring_view FolderOf(std::wstring_view path);
 
-// Equal to the file system's eye: ordinal, without regard to case.
+// Whether the file system takes two names as one: compared ordinally, without regard to case.
 bool EqualIgnoringCase(std::wstring_view first, std::wstring_view second);
 
 // Less-than for ordered containers in the same order of things.
@@ -25,7 +25,7 @@ struct LessIgnoringCase {
     bool operator()(std::wstring_view first, std::wstring_view second) const;
 };
 
-// Halves of surrogate pairs, which a file name may hold and UTF-8 can't, become U+FFFD.
+// Halves of surrogate pairs, which a file name may contain and UTF-8 can't, become U+FFFD.
 std::wstring WithoutLoneSurrogates(std::wstring_view text);
 
 std::string ToUtf8(std::wstring_view text);

@@ -20,7 +20,7 @@ private:
     SRWLOCK lock_ = SRWLOCK_INIT;
 };
 
-// Holds a lock for a scope.
+// Owns a lock for a scope.
 class Locked {
 public:
     explicit Locked(Lock& lock) : lock_(lock) { AcquireSRWLockExclusive(&lock_.lock_); }
@@ -38,7 +38,7 @@ public:
     Condition(const Condition&) = delete;
     Condition& operator=(const Condition&) = delete;
 
-    // With the lock held. May return early, so callers look again.
+    // The caller owns the lock. May return early, so callers test their condition again.
     void Wait(Lock& lock, DWORD milliseconds = INFINITE) {
         SleepConditionVariableSRW(&condition_, &lock.lock_, milliseconds, 0);
     }

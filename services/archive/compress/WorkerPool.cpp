@@ -42,8 +42,8 @@ WorkerPool::WorkerPool() {
     try {
         while (workers_.size() < count) workers_.emplace_back([this] { Work(); });
     } catch (const std::exception&) {
-        // No thread or no memory for one more: fewer are enough. Let out, it would wait for ever
-        // for those that were made.
+        // No thread or no memory for one more: fewer are enough. If the exception left the
+        // constructor, its clean-up would wait for ever for the threads that were made.
         if (workers_.empty()) throw std::bad_alloc();
     }
 }

@@ -35,7 +35,7 @@ public:
     std::size_t Size() const noexcept { return workers_.size(); }
 
     // One handle for a task, which is done in the order of submitting, side by side with others.
-    // The task's results may be read once Wait has said Done.
+    // The task's results may be read once Wait has returned Done.
     class Ticket;
     std::shared_ptr<Ticket> Submit(std::shared_ptr<Task> task);
 

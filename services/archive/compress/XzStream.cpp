@@ -12,7 +12,7 @@ constexpr std::uint32_t kPatience = 50; // milliseconds
 constexpr lzma_check kCheck = LZMA_CHECK_CRC32;
 
 // The preset's window grows with its number and its match tables with the window: a small file gets
-// the smallest window that holds it, so that a thousand small files don't clear gigabytes.
+// the smallest window that it fits into, so that a thousand small files don't clear gigabytes.
 std::uint32_t Preset(std::uint64_t size) {
     constexpr std::uint64_t kMebibyte = 1024 * 1024;
     if (size <= kMebibyte) return 1;

@@ -10,7 +10,7 @@
 
 namespace obarchive {
 
-// A file in one go. Empty when it doesn't get smaller. Throws std::bad_alloc.
+// A whole file in one call. Empty when it doesn't get smaller. Throws std::bad_alloc.
 ByteBuffer PackXz(std::span<const std::uint8_t> data);
 
 // A larger file in pieces, by threads of the library's own. One thread.

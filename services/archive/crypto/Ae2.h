@@ -24,8 +24,8 @@ Ae2Keys DeriveAe2Keys(const Ae2Algorithms& algorithms, const Secret& password,
                       std::span<const std::uint8_t> salt, std::size_t keySize);
 
 // Keys for the entries of a run, each with a salt of its own from the platform's random source. Any
-// thread. Where several are made in the time of one, those left over are kept for the next, and
-// wiped at the end.
+// thread. Where several keys are made in the time of one, the others are kept for the next entries,
+// and wiped at the end.
 class Ae2KeyMaker {
 public:
     // Both must outlive it.

@@ -10,8 +10,8 @@ namespace obarchive {
 
 Cryptography CryptographyToUse() {
     const bool approvedOnly = ReadFipsSetting() != FipsSetting::NotAsked;
-    // Without the instructions, the library's cipher looks into tables, which takes longer and
-    // tells other programs of the machine a little about the key.
+    // Without the instructions, the library's cipher uses tables. That is slower, and other
+    // programs of the machine can learn a little about the key from the time of each lookup.
     const bool instructions = mbedtls_aesni_has_support(MBEDTLS_AESNI_AES) != 0;
     return approvedOnly || !instructions ? Cryptography::System : Cryptography::Library;
 }

@@ -74,7 +74,7 @@ public:
         for (std::size_t at = 0; at < blocks.size(); at += kCipherBlock) {
             cipher_.EncryptBlock(blocks.data() + at);
         }
-        ForgetRegisters(); // a round's key, from which a shorter cipher key can be told
+        ForgetRegisters(); // a round's key, from which a shorter cipher key can be computed
     }
     void AddToCode(std::span<const std::uint8_t> data) override { code_.Add(data); }
     std::array<std::uint8_t, 20> Code() override {
@@ -116,7 +116,7 @@ void PutPassword(const Secret& password, Pbkdf2Simd& lanes) {
     ToWords(block.data, lanes.password);
 }
 
-// The first message of a block: salt and number of the block, behind the password's own.
+// The first message of a block: salt and number of the block. The hash takes it after the password.
 void PutBegin(const Ae2Keys& keys, std::size_t number, std::uint32_t* begin) {
     std::uint8_t block[kHashBlock] = {};
     const std::size_t size = keys.SaltSize();

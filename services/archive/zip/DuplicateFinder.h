@@ -1,4 +1,4 @@
-// Which files of a run hold the same.
+// Which files of a run have the same content.
 #pragma once
 
 #include <array>
@@ -35,7 +35,7 @@ public:
 
     bool MayHaveDuplicate(std::uint64_t size) const;
 
-    // The first file that holds the same; none when `file` is itself the first.
+    // The first file with the same content; none when `file` is itself the first.
     std::optional<std::size_t> FirstOf(std::uint64_t size, const ContentDigest& digest,
                                        std::size_t file);
 

@@ -8,9 +8,9 @@
 namespace obarchive {
 namespace {
 
-// The library foresees the 64-bit form of an entry by its size, without the few bytes that
-// encryption adds. For sizes just below that border the size isn't told, and the entry gets the
-// 64-bit form for certain.
+// The library chooses the 64-bit form of an entry by the size that it is given, without the few
+// bytes that encryption adds. For sizes just below the border this source reports no size, and the
+// library then always chooses the 64-bit form.
 constexpr std::uint64_t kZip64Border = 4293656963;
 constexpr std::uint64_t kSurplus = 1024 * 1024;
 
@@ -60,9 +60,9 @@ zip_int64_t EntrySource::Read(void* data, zip_uint64_t length) {
     return count;
 }
 
-// What the library would compress or encrypt itself is what differs from what the entry is to be.
-// A file is only stored by what its data turned out to be, so that shows in the second answer; had
-// it been the first, the library would take the packed bytes for the file's own and sum them up.
+// The library compresses or encrypts where this record differs from what the entry is to be.
+// Whether a file is only stored is known after its data was read, so the second record reports it.
+// In the first record, "stored" would make the library compute the checksum of the packed bytes.
 zip_int64_t EntrySource::Stat(void* data, zip_uint64_t length) {
     zip_stat_t stat;
     if (length < sizeof stat) return Fail(ZipResult::EngineFailed, ZIP_ER_INVAL);

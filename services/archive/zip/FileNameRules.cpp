@@ -35,7 +35,7 @@ NameVerdict CheckCharacters(std::wstring_view text) {
     return NameVerdict::Accepted;
 }
 
-// The system looks at what stands before the first point, without blanks at its end.
+// The system compares the part before the first point, without blanks at its end.
 bool IsDevice(std::wstring_view name) {
     std::wstring_view stem = name.substr(0, name.find(L'.'));
     while (stem.ends_with(L' ')) stem.remove_suffix(1);

@@ -5,7 +5,7 @@
 
 namespace obarchive {
 
-// The verdict of ValidateFilespecW. 0 is accepted; the others say why not.
+// The result of ValidateFilespecW. 0 is accepted; the others are the reasons for a refusal.
 enum class NameVerdict : std::uint32_t {
     Accepted = 0,
     Empty = 1,

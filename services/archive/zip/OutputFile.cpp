@@ -51,7 +51,8 @@ std::wstring PartialFolder(const std::wstring& target, const std::wstring& tempo
     return !volume.empty() && EqualIgnoringCase(volume, VolumeOf(own)) ? other : own;
 }
 
-// Without leave to share deletion. Where there is no right to list the folder, it stays unheld.
+// Opened without sharing deletion, so that nobody removes the folder. Without the right to list the
+// folder it can't be opened, and the run goes on.
 ObLib::UniqueKernelHandle HoldFolder(const std::wstring& folder) {
     return ObLib::UniqueKernelHandle(
         CreateFileW(folder.c_str(), FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE,

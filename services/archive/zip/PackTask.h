@@ -12,7 +12,7 @@ namespace obarchive {
 
 enum class Packing { Store, Deflate, Xz };
 
-// Where a piece stands in its file, and what becomes of it.
+// Where a piece is in its file, and what the worker is to do with it.
 struct PackOrder {
     Packing packing = Packing::Deflate;
     bool first = true;
@@ -45,7 +45,7 @@ public:
     // What goes into the entry between `head` and `tail`.
     std::span<std::uint8_t> Body() { return packed.Size() != 0 ? packed.Bytes() : raw.Bytes(); }
 
-    PackOrder order; // `packing` says afterwards what was done
+    PackOrder order; // afterwards `packing` is what was done
     const std::size_t rawSize;
     ByteBuffer raw;
     ByteBuffer packed; // empty when the raw bytes are what is stored

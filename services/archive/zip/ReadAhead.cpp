@@ -50,7 +50,7 @@ std::optional<ContentDigest> ReadAhead::HashSource() {
 }
 
 // Larger files are read once to see whether they are known, and then again if they aren't. True
-// also when there is nothing to find; `reading_` is over when it was a twin.
+// also when there is nothing to find; `reading_` is over when the file was a duplicate.
 bool ReadAhead::FindDuplicate() {
     SourceEntry& source = sources_[next_];
     const std::optional<ContentDigest> digest = HashSource();
@@ -66,8 +66,8 @@ bool ReadAhead::FindDuplicate() {
     return run_.Report();
 }
 
-// What is stored is what its twins are taken for, even where a file's time is too coarse to tell a
-// change between the two readings.
+// The bytes that are stored must be those that the duplicates were compared with. A file's time may
+// be too coarse to show a change between the two readings.
 bool ReadAhead::IsStillTheSame(const ByteBuffer& block) {
     if (!again_) return true;
     again_->Add(block.Bytes());
@@ -104,7 +104,7 @@ void ReadAhead::MakeKeys() {
     order_.keys = std::make_shared<const Ae2Keys>(settings_.keys->Make());
 }
 
-// What becomes of the block that comes next: the first one of a file tells for all of it.
+// What the worker is to do with the next block: the first block of a file decides for all of them.
 void ReadAhead::PlanPiece(const ByteBuffer& block) {
     const bool look = order_.first && block.Size() > kWorthALook;
     if (look && !DoesShrink(block.Bytes(), glances_)) order_.packing = Packing::Store;

@@ -28,8 +28,9 @@ struct Piece {
     std::size_t entry = 0;
     std::shared_ptr<PackTask> task;
     std::shared_ptr<WorkerPool::Ticket> ticket;
-    std::size_t weight = 0;            // bytes that it holds while it is ahead
-    std::optional<std::size_t> copyOf; // holds what that entry holds; `task` then made keys only
+    std::size_t weight = 0; // bytes of memory that it takes while it is ahead
+    std::optional<std::size_t>
+        copyOf; // the entry with the same content; `task` then made keys only
 };
 
 // The thread of the run. At most two blocks for each worker and two more are in memory, and a few
@@ -40,8 +41,8 @@ public:
     ReadAhead(std::vector<SourceEntry>& sources, const ZipJob& job, const PackSettings& settings,
               std::size_t keySize, RunState& run, WorkerPool& pool);
 
-    // The next piece of all, done. Reads ahead as far as there is room, waits, and tells meanwhile
-    // how far the run is. Nothing with the run's failure noted. Throws what reading throws.
+    // The next piece of all, done. Reads ahead as far as there is room, waits, and reports the
+    // progress meanwhile. Nothing with the run's failure noted. Throws what reading throws.
     std::optional<Piece> Take();
 
 private:
@@ -73,7 +74,7 @@ private:
     std::size_t next_ = 0; // the source that is read, or comes next
     bool reading_ = false;
     SourceFile file_;
-    // Of a larger file that is read again: what it held and, so far, holds.
+    // Of a larger file that is read again: its digest at the first reading, and so far at this one.
     std::optional<ContentDigest> known_;
     std::optional<ContentHash> again_;
     PackOrder order_; // of the next piece of the source that is read

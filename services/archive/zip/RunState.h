@@ -22,14 +22,14 @@ struct RunState {
     ZipResult failure = ZipResult::Ok;
     std::wstring failedFile; // the source that the failure concerns; empty when it is none
 
-    // The first failure stays: those behind it only follow from it.
+    // Keeps the first failure: later ones only follow from it.
     void Fail(ZipResult result, const std::wstring& source = {}) {
         if (failure != ZipResult::Ok) return;
         failure = result;
         failedFile = source;
     }
 
-    // Tells how far the run is. False with the failure noted when it is to end. Doesn't throw, as
+    // Reports the progress. False with the failure noted when the run is to end. Doesn't throw, as
     // nothing may throw through the library's C code.
     bool Report() noexcept {
         if (!progress || !*progress) return true;

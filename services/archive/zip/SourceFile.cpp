@@ -63,7 +63,7 @@ bool SourceFile::Open(const std::wstring& path, SourceFacts& facts, bool pinned)
     }
     const bool sameTime = CompareFileTime(&now.lastWrite, &facts.lastWrite) == 0;
     const bool same = now.size == facts.size;
-    // The size stands in the header already that is written in front of the data.
+    // The header before the data contains the size already.
     if (!same || (pinned && !sameTime)) run_.Fail(ZipResult::SourceChanged, run_.file);
     facts.lastWrite = now.lastWrite;
     facts_ = facts;

@@ -21,8 +21,8 @@ struct SourceFacts {
 // False with the run's failure noted: not there, no right to look, or a folder.
 bool ReadSourceFacts(const std::wstring& path, SourceFacts& facts, RunState& run);
 
-// The system's time as seconds since 1970, kept within what a zip's own field holds (1980 to 2107,
-// local time).
+// The system's time as seconds since 1970, kept within the range of a zip's own field (1980 to
+// 2107, local time).
 std::int64_t ZipTime(const FILETIME& time);
 
 // Opened for reading only and shared with every other program. The thread of the run.
@@ -34,7 +34,7 @@ public:
     // the time has to be the same too; otherwise it is taken over.
     bool Open(const std::wstring& path, SourceFacts& facts, bool pinned);
 
-    // The next bytes, as many as `most` unless the file ends before. Tells how far the run is after
+    // The next bytes, as many as `most` unless the file ends before. Reports the progress after
     // each piece; with `counted`, the bytes count as read. The last ones are given only when the
     // file is still as it was when it was opened. False with the run's failure noted.
     bool Read(ByteBuffer& bytes, std::size_t most, bool counted);

@@ -45,7 +45,7 @@ public:
     }
     void Cancel() { cancelled_ = true; }
     bool IsCancelled() const { return cancelled_; }
-    // The work has been told, and is on its way out.
+    // The work knows of the cancel and is ending.
     bool HasHeardCancel() const { return heard_; }
     std::uint64_t Reports() const { return reports_; }
 
@@ -128,8 +128,8 @@ void DispatchMessages(const ProgressWindow& window, std::optional<int>& quitCode
     }
 }
 
-// Breaks off a read that keeps the run from hearing of its cancel, as on a network share that has
-// gone silent. Once only, and never when the run is cleaning up.
+// Breaks off a blocked read, which would keep the run from noticing its cancel, as on a network
+// share that no longer responds. Once only, and never while the run is cleaning up.
 class BlockedRead {
 public:
     void Look(const SharedRun& run, const RunThread& thread, std::uint64_t now) {
@@ -183,7 +183,8 @@ ZipResult ZipJobWithProgress(HWND owner, const ZipJob& job, std::wstring& failed
         made = run == ZipResult::Ok;
         return run;
     });
-    // The person was faster than the window's end. The zip is this run's own until it is answered.
+    // The user cancelled before the window closed. Until the call returns, the zip is this run's
+    // own.
     if (made && result == ZipResult::Cancelled) DeleteFileW(paths.target.c_str());
     failedFile = paths.failed;
     return result;
@@ -224,7 +225,7 @@ ZipResult ZipForUser(HWND owner, const ZipJob& job) noexcept {
 }
 
 ZipResult RefuseForUser(HWND owner, ZipResult result) noexcept {
-    // Out of memory for the sentence: the caller's own message is the only one then.
+    // No memory for the message: the user then sees only the caller's own.
     ObLib::RanGuarded([=] { TellFailure(owner, result, {}); });
     return result;
 }

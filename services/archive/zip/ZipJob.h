@@ -1,4 +1,4 @@
-// What a context collects until Zip runs, and how a run tells how far it is.
+// What a context collects until Zip runs, and how a run reports its progress.
 #pragma once
 
 #include <cstdint>

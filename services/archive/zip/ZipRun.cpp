@@ -150,7 +150,7 @@ ZipResult LibraryFailure(zip_t* archive) {
     return memory || !archive ? ZipResult::OutOfMemory : ZipResult::EngineFailed;
 }
 
-// False also when it is too long for an archive: what stands in it was asked for.
+// False also when the comment is too long for an archive: the user asked for what it contains.
 bool SetComment(zip_t* archive, const std::string& comment) {
     if (comment.empty()) return true;
     if (comment.size() > UINT16_MAX) return false;

@@ -1,4 +1,4 @@
-// One run: from the job to the zip that stands, or to nothing at all.
+// One run: from the job to the complete zip, or to no file at all.
 #pragma once
 
 #include <string>
