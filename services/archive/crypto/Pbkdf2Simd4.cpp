@@ -1,4 +1,4 @@
-// Four lanes: what every processor of this kind has.
+// Four SIMD lanes: what every processor of this kind has.
 #include "services/archive/crypto/Pbkdf2SimdKernel.h"
 
 namespace obarchive {

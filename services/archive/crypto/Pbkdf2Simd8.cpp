@@ -1,4 +1,4 @@
-// Eight lanes: compiled for AVX2.
+// Eight SIMD lanes: compiled for AVX2.
 #include "services/archive/crypto/Pbkdf2SimdKernel.h"
 
 namespace obarchive {

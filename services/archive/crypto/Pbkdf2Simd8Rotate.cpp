@@ -1,4 +1,4 @@
-// Eight lanes: compiled for the short form of AVX-512, which rotates in one step.
+// Eight SIMD lanes: compiled for the short form of AVX-512, which rotates in one step.
 #include "services/archive/crypto/Pbkdf2SimdKernel.h"
 
 namespace obarchive {

@@ -1,6 +1,6 @@
-// How lanes are worked through, for any width of vector; included by one source file for each width
-// and by nothing else. Those are compiled for different processors, so everything here is theirs
-// alone, and nothing of the standard library is used that the linker might share between them.
+// The derivation on SIMD lanes, for any width of vector; included by one source file for each width
+// and by nothing else. Those are compiled for different processors, so everything here is local to
+// each, and nothing of the standard library is used that the linker might share between them.
 #pragma once
 
 #include "services/archive/crypto/Pbkdf2Simd.h"
@@ -11,7 +11,7 @@ namespace {
 // What is wiped at the end. The compiler may not leave the clearing out.
 template <class Vector>
 struct LaneWork {
-    Vector inner[kHashWords]; // the states behind the password's two blocks
+    Vector inner[kHashWords]; // the states after the password's two blocks
     Vector outer[kHashWords];
     Vector words[kBlockWords]; // of the block that is hashed; used up by it
     Vector state[kHashWords];
@@ -48,8 +48,8 @@ inline Vector Word(Vector* words, unsigned round) {
     return word;
 }
 
-// One block of SHA-1 on each lane: `state` becomes what follows `from`. Kept in one place, as it is
-// ten kilobytes.
+// One block of SHA-1 on each SIMD lane: `state` becomes the state after `from`. Not inlined, as its
+// code is ten kilobytes.
 template <class Vector>
 [[gnu::noinline]] void Hash(const Vector* from, Vector* words, Vector* state) {
     Vector a = from[0], b = from[1], c = from[2], d = from[3], e = from[4];
@@ -81,7 +81,7 @@ void HashPassword(const Pbkdf2Simd& lanes, std::uint32_t pad, LaneWork<Vector>& 
     Hash(begin, work.words, state);
 }
 
-// A block that holds a hash behind one block: its padding tells 84 bytes.
+// A block with a hash that follows one other block: its padding contains the length, 84 bytes.
 template <class Vector>
 inline void PutHash(LaneWork<Vector>& work) {
     for (std::size_t word = 0; word < kHashWords; ++word) work.words[word] = work.state[word];
@@ -91,7 +91,7 @@ inline void PutHash(LaneWork<Vector>& work) {
     work.words[kBlockWords - 1] = Vector{} + 84U * 8U;
 }
 
-// The rest of a code whose inner block stands in `words`.
+// The rest of an HMAC whose inner block is in `words`.
 template <class Vector>
 inline void HashTwice(LaneWork<Vector>& work) {
     Hash(work.inner, work.words, work.state);

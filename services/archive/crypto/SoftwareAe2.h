@@ -1,5 +1,5 @@
 // The primitives by the library that is linked here, which uses the processor's own instructions
-// for the cipher, and by lanes for the keys.
+// for the cipher, and SIMD lanes for the keys.
 #pragma once
 
 #include "services/archive/crypto/Ae2Primitives.h"
