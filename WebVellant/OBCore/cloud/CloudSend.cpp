@@ -6,8 +6,8 @@ using obcontract::ProviderProfile;
 
 namespace obcore {
 
-// This build uploads nothing yet. So that nobody takes a result for sent that wasn't, the answer is
-// that of a send that the user gave up: true with no link. The upload goes after the first line.
+// This build uploads nothing yet. It returns what a send returns that the user has cancelled, true
+// with no link, so that no caller takes the files for sent. The upload goes after the first line.
 bool RunCloudSend(OBAttachJob& job, std::wstring& linkText, std::int64_t totalSize,
                   ProviderProfile& profile) {
     if (job.UploadBlocked) return false;

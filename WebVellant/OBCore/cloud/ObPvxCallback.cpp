@@ -5,7 +5,7 @@
 namespace ObPVX {
 
 void* ObPvxCallback::Destroy(std::uint32_t flags) {
-    // What a destructor of the platform's own compiler leaves behind: the root's table. A derived
+    // A destructor of the platform's own compiler leaves the root's table in the object. A derived
     // class has nothing that needs an end of its own.
     void* object = new (this) ObPvxCallback;
     if (flags & 1) ::operator delete(object);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint32_t kZipOk = 0;
 
-// Where the zip is to lie.
+// Where the zip is written.
 struct ZipTarget {
     std::wstring Name;   // file name
     std::wstring Folder; // its own folder, with its trailing backslash

@@ -32,7 +32,7 @@ void WriteCleanupNames(obcontract::ExchangeBlock& block, const wchar_t* folder,
 // by two NULs in the place of its last characters.
 std::wstring ReadFileList(const obcontract::ExchangeBlock& block);
 
-// Browser side, status DialogAnswer: flag, folder and paths, in place of what `picked` held.
+// Browser side, status DialogAnswer: replaces flag, folder and paths of `picked`.
 void ReadDialogResult(const obcontract::ExchangeBlock& block, PickedFiles& picked);
 
 } // namespace obcore

@@ -38,7 +38,7 @@ std::int32_t EndOfText(const obcontract::ExchangeBlock& block, std::int32_t offs
 std::int32_t EndOfList(const obcontract::ExchangeBlock& block, std::int32_t offset) noexcept;
 
 // Writes `text` and its NUL, cut to the room left, and returns the offset past the NUL. Without
-// room nothing is written and the answer is `offset`.
+// room nothing is written and the result is `offset`.
 std::int32_t PutText(obcontract::ExchangeBlock& block, std::int32_t offset,
                      std::wstring_view text) noexcept;
 
@@ -46,8 +46,8 @@ std::int32_t PutText(obcontract::ExchangeBlock& block, std::int32_t offset,
 std::int32_t PutNuls(obcontract::ExchangeBlock& block, std::int32_t offset,
                      std::size_t count) noexcept;
 
-// The place of a byte offset, for texts that are handed on as pointers. Null where no text can
-// stand.
+// The address of a byte offset, for texts that are passed on as pointers. Null where no text can
+// be.
 wchar_t* PlaceAt(obcontract::ExchangeBlock& block, std::int32_t offset) noexcept;
 
 } // namespace obcore

@@ -94,8 +94,8 @@ struct OBOptions {
     void SaveEncryptionMethod();
 
     // Whether cloud choices are to be hidden. Enumerates the storage providers once per process:
-    // the first answer that had to enumerate sets a flag for the whole process, and later records
-    // then answer no unless policy disables the services.
+    // the first call that had to enumerate sets a flag for the whole process, and later records
+    // then return false unless policy disables the services.
     bool CloudServicesUnavailable();
 };
 

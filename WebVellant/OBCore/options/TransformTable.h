@@ -44,7 +44,7 @@ inline bool WantsTransforms(const OBOptions& options) {
                                [&](const TransformRow& row) { return options.*row.option; });
 }
 
-// Whether the options ask for one that means something for a single file.
+// Whether the options ask for a transform that applies to a single file.
 inline bool WantsTransformsOfOneFile(const OBOptions& options) {
     return std::ranges::any_of(kTransforms, [&](const TransformRow& row) {
         return row.worksOnOneFile && options.*row.option;

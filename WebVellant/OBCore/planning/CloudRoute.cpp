@@ -28,7 +28,8 @@ std::int64_t FileSize(const std::wstring& path) {
     return size.QuadPart;
 }
 
-// The threshold is signed, so that one of 2048 megabytes and more lies below every size.
+// The threshold is signed: in bytes, 2048 megabytes and more are negative, which every size
+// exceeds.
 bool GoesToCloud(const OBAttachJob& job, std::int64_t totalSize) {
     if (job.SendSetting == SendSettingKind::Always) return true;
     return job.SendSetting == SendSettingKind::WhenLarger &&

@@ -45,8 +45,8 @@ void EndWorkingCopy(const WorkingCopy& copy) noexcept {
     ObLib::RanGuarded([&copy] { CompressUtils::CleanupWorkingCopy(copy); });
 }
 
-// Transforms and zips copies of the picked files, which go away again on every way out; the zip
-// lies in a folder of its own.
+// Transforms and zips copies of the picked files, which are deleted however the function ends; the
+// zip is in a folder of its own.
 bool ArchivePickedFiles(OBAttachJob& job, const std::vector<std::wstring>& picked,
                         std::wstring& linkText) {
     WorkingCopy copy = CopyPickedFiles(picked);
