@@ -146,8 +146,8 @@ inline constexpr std::size_t kCloudProviderSlotCount = 138;
 // waits, the transform worker calls ExecuteTransforms, ExecutePostTransforms, GetTargetFile,
 // GetSelectedTransformSummary, SetProviderTarget, GetProviderTarget and SelectProviders. After a
 // cancel the worker's current call may still be running, or be about to begin, when the thread of
-// the dialogs calls Deinit and DeleteObExtensionsManager: Deinit ends a running call,
-// DeleteObExtensionsManager waits for it, and a call that comes later answers no.
+// the dialogs calls Deinit: that ends a running call, and a call that comes later answers no. The
+// product calls DeleteObExtensionsManager only after the worker's last call has ended.
 #define OB_PROVIDER_MANAGER_LIFE(ENTRY)                                                            \
     ENTRY(CreateObExtensionsManager, ProviderManagerHandle, (void))                                \
     ENTRY(Init, void, (ProviderManagerHandle manager, std::int64_t hive, const wchar_t* key))      \

@@ -2,6 +2,8 @@
 
 #include <psapi.h>
 
+#include "OBCore/modules/ManagerCalls.h"
+#include "OBCore/modules/ObTrace.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
@@ -38,8 +40,13 @@ OBAttachJob::OBAttachJob(const OBOptions& options, HWND parent)
 }
 
 OBAttachJob::~OBAttachJob() {
-    if (OwnedProviderManager) {
+    if (!OwnedProviderManager) return;
+    // After a cancel the worker of the transforms may still be in its last call, which Deinit has
+    // ended. One that hangs keeps its manager until the process ends.
+    if (AwaitManagerCalls(OwnedProviderManager)) {
         obcore::ProviderManager().DeleteObExtensionsManager(OwnedProviderManager);
+    } else {
+        ObTrace("A call of the provider manager doesn't end");
     }
 }
 

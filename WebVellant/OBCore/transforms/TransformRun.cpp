@@ -8,6 +8,12 @@ TransformRun::TransformRun(const OBAttachJob& job, PathList files, std::wstring 
     : Manager(job.OwnedProviderManager), Files(std::move(files)), Folder(std::move(folder)),
       Dialog(job.ParentWindow), BeforeArchive(job.TransformsBeforeArchive) {}
 
+std::optional<ManagerCall> TransformRun::EnterCall() const {
+    const std::lock_guard guard(lock_);
+    if (HasEnded()) return std::nullopt;
+    return std::optional<ManagerCall>(std::in_place, Manager);
+}
+
 bool TransformRun::IsOpen() const {
     const std::lock_guard guard(lock_);
     return !HasEnded();

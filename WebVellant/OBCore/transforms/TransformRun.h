@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "OBCore/modules/ManagerCalls.h"
 #include "OBCore/options/OBAttachJob.h"
 #include "contracts/ProviderManager.h"
 
@@ -41,11 +43,14 @@ struct TransformRun : std::enable_shared_from_this<TransformRun> {
 
     // Makes `call`, one call of the manager, on the calling thread unless the dialog has ended.
     // Returns whether the dialog is open after the call; if not, nothing that the call gave counts,
-    // and the worker makes no other call. The lock is free during the call.
+    // and the worker makes no other call. Asking and entering the call are one step under the lock,
+    // which is free during the call; the manager isn't deleted before the call has ended.
     template <class Call>
     [[nodiscard]] bool WhileOpen(Call call) {
-        if (!IsOpen()) return false;
+        std::optional<ManagerCall> inside = EnterCall();
+        if (!inside) return false;
         call();
+        inside.reset();
         return IsOpen();
     }
 
@@ -66,6 +71,7 @@ struct TransformRun : std::enable_shared_from_this<TransformRun> {
     bool MarkEnd();
 
 private:
+    std::optional<ManagerCall> EnterCall() const; // nothing once the dialog has ended
     bool IsOpen() const;
     bool HasEnded() const noexcept { return cancelled_ || ended_; } // under the lock
 

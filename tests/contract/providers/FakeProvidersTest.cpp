@@ -213,6 +213,55 @@ TEST_F(FakeProviders, ReplacesTheFilesOfAListStage) {
     EXPECT_STREQ(buffer, L"C:\\t\\all.pdf");
 }
 
+TEST_F(FakeProviders, AnswersTheCallsOfAManagerOneAfterTheOther) {
+    Answer(L"ExecuteTransforms", L"1,0");
+    Answer(L"GetSelectedTransformSummary", L"1,1,1,1;0,0,0,0");
+    Answer(L"ExecutePostTransforms.paths", L"a|b;c");
+    const auto runFile = [&] {
+        return Entries().ExecuteTransforms(manager_, nullptr, nullptr, L"", 1, 3, nullptr, nullptr);
+    };
+    const auto finalCount = [&] {
+        std::int32_t counts[4];
+        Entries().GetSelectedTransformSummary(manager_, &counts[0], &counts[1], &counts[2],
+                                              &counts[3]);
+        return counts[3];
+    };
+    const auto listCount = [&] {
+        std::uint32_t count = 0;
+        Entries().ExecutePostTransforms(manager_, nullptr, nullptr, &count, 3, nullptr, nullptr);
+        return count;
+    };
+    EXPECT_TRUE(runFile());
+    EXPECT_FALSE(runFile());
+    EXPECT_FALSE(runFile());
+    EXPECT_EQ(finalCount(), 1);
+    EXPECT_EQ(finalCount(), 0);
+    EXPECT_EQ(listCount(), 2u);
+    EXPECT_EQ(listCount(), 1u);
+}
+
+TEST_F(FakeProviders, GivesBackCountsThatDifferFromItsResults) {
+    Answer(L"ExecutePostTransforms.count", L"1");
+    Answer(L"GetTargetFile.count", L"7");
+    const wchar_t* const paths[] = {L"a", L"b"};
+    std::uint32_t count = 2;
+    EXPECT_TRUE(
+        Entries().ExecutePostTransforms(manager_, nullptr, paths, &count, 3, nullptr, nullptr));
+    EXPECT_EQ(count, 1u);
+    wchar_t buffer[514];
+    wchar_t* buffers[] = {buffer}; // as many as were promised, and no more are filled
+    Entries().GetTargetFile(manager_, buffers, &count, 514);
+    EXPECT_EQ(count, 7u);
+    EXPECT_STREQ(buffer, L"a");
+}
+
+TEST_F(FakeProviders, WritesDownTheCallingThreadWhenAsked) {
+    Answer(L"Threads", L"1");
+    Entries().GetProviderTarget(manager_);
+    EXPECT_EQ(Calls().back(),
+              L"GetProviderTarget(manager) @" + std::to_wstring(GetCurrentThreadId()));
+}
+
 TEST_F(FakeProviders, CanFailTheFinalStage) {
     Answer(L"ExecuteFinalTransforms", L"0");
     const wchar_t* const paths[] = {L"C:\\t\\a.pdf"};

@@ -145,12 +145,18 @@ TEST_F(TransformProgressDialog, CountsTheCancelAlsoWhenTheWorkerEndsAtTheSameMom
     WrittenAfterCancelIn(L"ExecuteTransforms", &PressCancel); // expects a run that stops
 }
 
-TEST_F(TransformProgressDialog, LetsTheManagerBeDeletedWhileACallIsRunning) {
+TEST_F(TransformProgressDialog, KeepsTheManagerUntilTheRunningCallHasEnded) {
     Stages(L"1,1,1,1");
     Answer(L"Hold", L"ExecutePostTransforms");
-    TransformUiDriver driver([](HWND dialog) {
+    const std::wstring deletion = L"DeleteObExtensionsManager(manager)";
+    TransformUiDriver driver([&](HWND dialog) {
         EXPECT_FALSE(HeldCall::Await().empty());
         PressCancel(dialog);
+        // The job's end begins with Deinit and then waits, answering messages.
+        EXPECT_TRUE(obtest::WaitUntil([] { return !FakeModules::CallsOf({L"Deinit"}).empty(); }));
+        SendMessageW(owner_.Get(), WM_NULL, 0, 0);
+        EXPECT_TRUE(FakeModules::CallsOf({L"DeleteObExtensionsManager"}).empty());
+        HeldCall::Release();
     });
     {
         obcore::OBAttachJob job(job_, owner_.Get());
@@ -159,12 +165,9 @@ TEST_F(TransformProgressDialog, LetsTheManagerBeDeletedWhileACallIsRunning) {
         obcore::ProviderManager().Deinit(job.OwnedProviderManager);
     }
     EXPECT_TRUE(driver.SawDialog());
-    FakeModules::ForgetCalls();
-    HeldCall::Release();
     EXPECT_TRUE(JoinWorkers());
-    const Lines lines = Written();
-    ASSERT_EQ(lines.size(), 1u) << testing::PrintToString(lines);
-    EXPECT_TRUE(lines[0].starts_with(L"EndDialog(dialog, "));
+    EXPECT_EQ(Written({L"Deinit", deletion, L"GetTargetFile", L"SelectProviders(manager, 1"}),
+              (Lines{L"Deinit(manager) [dialog]", deletion + L" [dialog]"}));
 }
 
 TEST_F(TransformProgressDialog, StopsTheRunWhenItsOwnerIsDestroyed) {

@@ -3,17 +3,16 @@
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/transforms/Transforms.h"
 
-// One run on `owner`, with a manager that is deleted at its end: 1 to go on, 0 to stop. The
-// providers and the dialog are beside and in the program.
+// One run on `owner`: 1 to go on, 0 to stop. The providers are beside the program, and the dialog
+// is in it. The job is never deleted, as its end would wait for the worker's call.
 extern "C" int RunInModule(HWND owner) {
     using namespace obcore;
     if (!LoadProviderManager() || !BindResourceModule()) return -1;
-    OBAttachJob job(OBOptions{}, owner);
+    OBAttachJob& job = *new OBAttachJob(OBOptions{}, owner);
     ProviderManager().Init(job.OwnedProviderManager, 0, L"");
     job.AutoResizeImages = true;
     std::vector<std::wstring> files = {L"C:\\t\\a.doc"};
     const bool goOn = CompressUtils::RunTransforms(job, files, L"C:\\t\\");
-    ProviderManager().Deinit(job.OwnedProviderManager);
     FreeResourceModule();
     return goOn;
 }
