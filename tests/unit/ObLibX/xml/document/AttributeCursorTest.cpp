@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 #include <random>
 
@@ -91,17 +90,6 @@ std::wstring RandomTag(std::uint32_t seed) {
     std::wstring tag = L"<t ";
     for (std::uint32_t i = 0; i < 1 + seed % 16; ++i) tag += pieces[random() % pieces.size()];
     return tag + L">";
-}
-
-double SecondsToRead(const std::wstring& text, std::size_t expected) {
-    XmlOffsetDocument document;
-    document.SetText(std::wstring_view(text));
-    AttributeCursor attributes(1);
-    const auto began = std::chrono::steady_clock::now();
-    std::size_t count = 0;
-    while (document.GetNextAttribute(attributes)) ++count;
-    EXPECT_EQ(count, expected);
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
 }
 
 void WalkStream(XmlOffsetDocument& document, std::wstring& out) {
@@ -264,15 +252,18 @@ TEST(AttributeCursors, StayWhereTheyWereWhenMemoryRunsOut) {
     EXPECT_EQ(FailEachAllocation(prepare, next, check), 2u);
 }
 
+// To look through the name again at each attribute would be 2e12 units, which no processor compares
+// before the suite's limit ends the program. To look through it once takes milliseconds.
 TEST(AttributeCursors, LookForALongTagsNameOnceOnly) {
-    constexpr std::size_t kCount = 50000;
-    std::wstring attributes;
-    for (std::size_t i = 0; i < kCount; ++i) attributes += L" b";
-    const std::wstring blanks(1000000, L' ');
-    const double shortName = SecondsToRead(L"<a" + attributes + blanks + L"/>", kCount);
-    const double longName =
-        SecondsToRead(L"<" + std::wstring(1000000, L'a') + attributes + L"/>", kCount);
-    EXPECT_LT(longName, 20 * shortName + 0.5);
+    constexpr std::size_t kCount = 1000000;
+    std::wstring tag = L"<" + std::wstring(2 * kCount, L'a');
+    for (std::size_t i = 0; i < kCount; ++i) tag += L" b";
+    XmlOffsetDocument document;
+    ASSERT_TRUE(document.SetText(std::wstring_view(tag + L"/>")));
+    AttributeCursor attributes(1);
+    std::size_t count = 0;
+    while (document.GetNextAttribute(attributes)) ++count;
+    EXPECT_EQ(count, kCount);
 }
 
 TEST(AttributeCursors, ReadTheCurrentElementOfAStream) {
