@@ -238,18 +238,11 @@ HRESULT RecordingFileDialog::SetCheckButtonState(DWORD control, BOOL checked) {
 }
 
 HRESULT RecordingFileDialog::AddControlItem(DWORD control, DWORD item, LPCWSTR text) {
-    const HRESULT answer =
-        Answer(L"AddControlItem", Number(control) + L", " + Number(item) + L", " + Quoted(text));
-    if (FAILED(answer)) return answer;
-    return items_.insert({{control, item}, text}).second ? answer : E_INVALIDARG;
+    return Answer(L"AddControlItem", Number(control) + L", " + Number(item) + L", " + Quoted(text));
 }
 
 HRESULT RecordingFileDialog::RemoveControlItem(DWORD control, DWORD item) {
-    const HRESULT answer = Answer(L"RemoveControlItem", Number(control) + L", " + Number(item));
-    if (FAILED(answer)) return answer;
-    if (items_.erase({control, item}) == 0) return E_INVALIDARG;
-    if (Selected(control) == item) selected_.erase(control);
-    return answer;
+    return Answer(L"RemoveControlItem", Number(control) + L", " + Number(item));
 }
 
 HRESULT RecordingFileDialog::SetSelectedControlItem(DWORD control, DWORD item) {
@@ -264,11 +257,6 @@ HRESULT RecordingFileDialog::SetSelectedControlItem(DWORD control, DWORD item) {
 DWORD RecordingFileDialog::Selected(DWORD list) const {
     const auto selected = selected_.find(list);
     return selected == selected_.end() ? 0 : selected->second;
-}
-
-std::wstring RecordingFileDialog::ItemText(DWORD list, DWORD item) const {
-    const auto found = items_.find({list, item});
-    return found == items_.end() ? L"" : found->second;
 }
 
 HRESULT RecordingFileDialog::StartVisualGroup(DWORD control, LPCWSTR label) {

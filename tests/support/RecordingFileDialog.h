@@ -14,7 +14,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -61,10 +60,8 @@ public:
     IFileDialogControlEvents* ControlEvents() { return controlEvents_.Get(); }
     ULONG References() const { return references_; }
 
-    // What a radio list shows: its selected item, 0 for none; the text of an item, empty when the
-    // list doesn't have it.
+    // The selected item of a radio list; 0 for none.
     DWORD Selected(DWORD list) const;
-    std::wstring ItemText(DWORD list, DWORD item) const;
 
     // IUnknown
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
@@ -141,8 +138,7 @@ private:
     ULONG references_ = 1;
     FILEOPENDIALOGOPTIONS options_ = 0;
     bool optionsSet_ = false;
-    std::map<std::pair<DWORD, DWORD>, std::wstring> items_; // of the radio lists: list and item
-    std::map<DWORD, DWORD> selected_;                       // list to item
+    std::map<DWORD, DWORD> selected_; // list to item
     ObLib::ComPtr<IFileDialogEvents> events_;
     ObLib::ComPtr<IFileDialogControlEvents> controlEvents_;
 };

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <stdexcept>
 
 #include "OBCore/modules/ProviderLibrary.h"
@@ -6,6 +7,7 @@
 #include "tests/support/FakeModules.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/RecordedTrace.h"
 #include "tests/unit/WebVellant/OBCore/picker/PickerFixture.h"
 
 namespace {
@@ -164,11 +166,17 @@ TEST_F(PickerEventsChoice, RefusedEncryptionLeavesTheChoiceAndClearsItsOwnList) 
 }
 
 TEST_F(PickerEventsChoice, ADialogThatRefusesToClearAListTakesTheChoiceAllTheSame) {
-    shell.script.failures = {{L"SetSelectedControlItem", E_INVALIDARG}};
+    shell.script.clearsLists = false;
     Choose(true, false);
+    ASSERT_EQ(dialog->SetSelectedControlItem(997, 1000), S_OK);
+    FakeModules::ForgetCalls();
+    ForgetTrace();
     EXPECT_EQ(dialog->ChooseItem(999, 1002), S_OK);
     EXPECT_FALSE(job.SendItem);
-    EXPECT_FALSE(WasCalled(L"dialog.RemoveControlItem"));
+    EXPECT_EQ(dialog->Selected(997), 1000U) << "the refusal leaves the list as it was";
+    EXPECT_EQ(FakeFileDialog::CallsOf({L"SetSelectedControlItem", L"RemoveControlItem"}),
+              (Calls{L"SetSelectedControlItem(997, 0)", L"SetSelectedControlItem(998, 0)"}));
+    EXPECT_EQ(std::ranges::count(TraceLines(), "SetSelectedControlItem failed 80070057"), 2);
     EXPECT_EQ(FakeFileDialog::CallsOf({L"SetControlState"}).size(), 8U);
 }
 
