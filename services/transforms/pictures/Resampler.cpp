@@ -79,7 +79,7 @@ __m128i Pair(std::int16_t first, std::int16_t second) noexcept {
 } // namespace
 
 ResampleAxis::ResampleAxis(std::uint32_t inputs, std::uint32_t outputs, double scale)
-    : inputs_(inputs), taps_(outputs) {
+    : inputs_(inputs), isIdentity_(inputs == outputs && scale == 1), taps_(outputs) {
     const double support = Lobes * std::max(scale, 1.0);
     stride_ = RoundUp(static_cast<std::size_t>(std::ceil(2 * support)) + 2, 8);
     floats_.resize(stride_ * outputs);
@@ -137,6 +137,7 @@ PlaneResampler8::PlaneResampler8(const ResampleAxis& across, const ResampleAxis&
         return;
     }
     padded_.resize(across.inputs() + across.stride());
+    if (IsCopy()) return;
     rows_ = MostTaps(down) + 1;
     ring_.resize(width_ * rows_);
     tapRows_.resize(rows_);
@@ -157,6 +158,10 @@ void PlaneResampler8::Push(const std::uint8_t* row) {
     if (coarse_) return PushCoarse(row);
     // Zero weights read up to a stride past the row's end.
     std::memcpy(padded_.data(), row, across_.inputs());
+    if (IsCopy()) {
+        ++pushed_;
+        return;
+    }
     ShrinkAcross(across_, padded_.data(), &ring_[pushed_ % rows_ * width_]);
     ++pushed_;
 }
@@ -164,6 +169,7 @@ void PlaneResampler8::Push(const std::uint8_t* row) {
 bool PlaneResampler8::IsReady() const noexcept {
     if (coarse_) return coarse_->IsReady();
     if (pulled_ == down_.outputs()) return false;
+    if (IsCopy()) return pushed_ > pulled_;
     const auto taps = down_.taps(pulled_);
     return pushed_ >= taps.first + taps.count;
 }
@@ -174,6 +180,11 @@ const std::int16_t* PlaneResampler8::Row(std::uint32_t number) const noexcept {
 
 void PlaneResampler8::Pull(std::uint8_t* row) {
     if (coarse_) return PullCoarse(row);
+    if (IsCopy()) {
+        std::memcpy(row, padded_.data(), across_.inputs());
+        ++pulled_;
+        return;
+    }
     const auto taps = down_.taps(pulled_);
     for (std::uint32_t i = 0; i < taps.count; ++i) tapRows_[i] = Row(taps.first + i);
     // An odd number of rows gets one more, with a weight of 0.

@@ -24,6 +24,9 @@ public:
     // outputs, as in planes of a picture whose size isn't a multiple of the subsampling.
     ResampleAxis(std::uint32_t inputs, std::uint32_t outputs, double scale);
 
+    // Each output is its input.
+    bool isIdentity() const noexcept { return isIdentity_; }
+
     struct Taps {
         std::uint32_t first; // input sample
         std::uint32_t count; // never 0, and never past the inputs
@@ -46,6 +49,7 @@ private:
     void Round(std::size_t number);
 
     std::uint32_t inputs_;
+    bool isIdentity_;
     std::size_t stride_;
     std::vector<Taps> taps_;
     std::vector<float> floats_;
@@ -81,6 +85,7 @@ private:
     const std::int16_t* Row(std::uint32_t number) const noexcept;
     __m128i EightSamples(std::size_t x, std::uint32_t count,
                          const std::int16_t* weights) const noexcept;
+    bool IsCopy() const noexcept { return across_.isIdentity() && down_.isIdentity(); }
     void PushCoarse(const std::uint8_t* row);
     void PullCoarse(std::uint8_t* row);
 
