@@ -22,17 +22,9 @@ std::optional<FileIdentity> IdentityOfFolder(const std::wstring& path) {
     return IdentityOf(folder.Get());
 }
 
-std::optional<std::wstring> FinalPath(HANDLE open) {
-    constexpr DWORD kNormal = FILE_NAME_NORMALIZED | VOLUME_NAME_DOS;
-    std::wstring path(MAX_PATH, L'\0');
-    DWORD length = GetFinalPathNameByHandleW(open, path.data(), MAX_PATH, kNormal);
-    if (length > MAX_PATH) { // the length that is needed, its NUL included
-        path.resize(length);
-        length = GetFinalPathNameByHandleW(open, path.data(), length, kNormal);
-    }
-    if (length == 0 || length >= path.size()) return {};
-    path.resize(length);
-    return path;
+bool IsLink(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(ObLib::WithLongPathPrefix(path).c_str());
+    return attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT);
 }
 
 } // namespace providers

@@ -20,8 +20,7 @@ std::optional<FileIdentity> IdentityOf(HANDLE open) noexcept;
 // Of the folder at this path, through links. Nothing when there is none.
 std::optional<FileIdentity> IdentityOfFolder(const std::wstring& path);
 
-// The path under which the system itself has the open file: without links, short names or dots,
-// with the prefix for long paths. Nothing when the system has none.
-std::optional<std::wstring> FinalPath(HANDLE open);
+// Whether the folder at this path is a junction or another link; true also when that isn't known.
+bool IsLink(const std::wstring& path);
 
 } // namespace providers

@@ -18,7 +18,7 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 
 std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.rfind(L'\\')); }
 
-constexpr std::size_t kDriveLength = 6; // a final path begins with the prefix and a drive
+constexpr std::size_t kDriveLength = 6; // the prefix, a letter and a colon
 
 std::optional<FileIdentity> TemporaryFolder() {
     wchar_t path[MAX_PATH + 1];
@@ -27,13 +27,15 @@ std::optional<FileIdentity> TemporaryFolder() {
     return IdentityOfFolder(path);
 }
 
-// Whether one of the folders above `path` is `folder`; the nearest `skipped` of them don't count.
-// The path is a final one, without links.
+// Whether one of the folders above `path` is `folder`, and none between them a link; the nearest
+// `skipped` of them don't count. The path has the prefix for long paths, with which the system
+// takes dots as names.
 bool IsBelow(const std::wstring& path, const FileIdentity& folder, int skipped) {
     for (std::wstring above = FolderOf(path); above.size() >= kDriveLength;
          above = FolderOf(above)) {
-        if (skipped-- > 0) continue;
-        if (IdentityOfFolder(above + L'\\') == folder) return true;
+        if (skipped <= 0 && IdentityOfFolder(above + L'\\') == folder) return true;
+        if (IsLink(above)) return false;
+        --skipped;
     }
     return false;
 }
@@ -105,21 +107,20 @@ std::optional<WorkingCopy> WorkingCopy::Open(const std::wstring& path, const std
                                              CopyRefusal& refusal) {
     WorkingCopy copy;
     refusal = CopyRefusal::Unreadable;
-    copy.file_.Reset(CreateFileW(ObLib::WithLongPathPrefix(path).c_str(), GENERIC_READ,
+    copy.path_ = ObLib::WithLongPathPrefix(path);
+    copy.file_.Reset(CreateFileW(copy.path_.c_str(), GENERIC_READ,
                                  FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                  FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     if (!copy.file_) return {};
     refusal = CopyRefusal::NotACopy;
     if (!IsRegular(copy.file_.Get(), copy.identity_)) return {};
     const auto temporary = TemporaryFolder();
-    auto final = FinalPath(copy.file_.Get());
     // The nearest folder above the file has to be one in the temporary path, and not that itself.
-    if (!temporary || !final || !IsBelow(*final, *temporary, 1)) return {};
+    if (!temporary || !IsBelow(copy.path_, *temporary, 1)) return {};
     if (!folder.empty()) {
         const auto given = IdentityOfFolder(folder);
-        if (!given || !IsBelow(*final, *given, 0)) return {};
+        if (!given || !IsBelow(copy.path_, *given, 0)) return {};
     }
-    copy.path_ = std::move(*final);
     refusal = CopyRefusal::None;
     return copy;
 }

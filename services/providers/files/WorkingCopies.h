@@ -52,13 +52,13 @@ private:
 class WorkingCopy {
 public:
     // Opens the file if it is a regular file with one name, in a subfolder of the temporary path
-    // and, when `folder` isn't empty, in that folder or below it. Files and folders are compared by
-    // identity, so that links, short names, letter case and dots make no difference.
+    // and, when `folder` isn't empty, in that folder or below it, with no link in between. Folders
+    // are compared by identity, so that short names and letter case make no difference.
     static std::optional<WorkingCopy> Open(const std::wstring& path, const std::wstring& folder,
                                            CopyRefusal& refusal);
 
     HANDLE Handle() const noexcept { return file_.Get(); }
-    // The path that the system has for it, with the prefix for long paths.
+    // With the prefix for long paths.
     const std::wstring& Path() const noexcept { return path_; }
     std::wstring Folder() const; // without a trailing backslash
 

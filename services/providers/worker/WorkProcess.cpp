@@ -25,6 +25,13 @@ bool MakePipe(Pipe& pipe, UniqueKernelHandle Pipe::*inherited) {
            SetHandleInformation((pipe.*inherited).Get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
 }
 
+// The handles of a file share its position, so it is moved back too. True without a file.
+bool Empty(HANDLE target) {
+    const LARGE_INTEGER start{};
+    return !target ||
+           (SetFilePointerEx(target, start, nullptr, FILE_BEGIN) && SetEndOfFile(target));
+}
+
 WorkReport Only(WorkResult result) {
     WorkReport report;
     report.result = result;
@@ -34,6 +41,13 @@ WorkReport Only(WorkResult result) {
 } // namespace
 
 WorkReport WorkProcess::Run(WorkKind kind, HANDLE source, HANDLE target, CallWait& wait) {
+    const bool wasUsed = static_cast<bool>(process_);
+    WorkReport report = RunOnce(kind, source, target, wait);
+    if (!wasUsed || report.result != WorkResult::ProcessFailed || !Empty(target)) return report;
+    return RunOnce(kind, source, target, wait);
+}
+
+WorkReport WorkProcess::RunOnce(WorkKind kind, HANDLE source, HANDLE target, CallWait& wait) {
     if (wait.IsEnded()) return Only(WorkResult::Cancelled);
     bool kept = false;
     const ObLib::ScopeExit stop([&] {

@@ -33,7 +33,9 @@ public:
 
     // Sends one request for a file and waits for its last record. The handles stay the caller's;
     // `target` null: the request writes no file. A process that crashes, hangs or sends what isn't
-    // valid is ended, and so is one whose call is to end. Throws std::bad_alloc, after which the
+    // valid is ended, and so is one whose call is to end. A process that worked on files before and
+    // fails on this one is replaced, and the request is sent once more: what an earlier file did to
+    // it isn't this file's fault. Throws std::bad_alloc, after which the
     // object can still be used.
     WorkReport Run(obcontract::WorkKind kind, HANDLE source, HANDLE target, CallWait& wait);
 
@@ -41,6 +43,7 @@ public:
     void Stop() noexcept;
 
 private:
+    WorkReport RunOnce(obcontract::WorkKind kind, HANDLE source, HANDLE target, CallWait& wait);
     bool Start();
     bool Send(obcontract::WorkKind kind, HANDLE source, HANDLE target);
     std::uint64_t Duplicate(HANDLE file, DWORD access) const;

@@ -104,6 +104,14 @@ void Act(const std::string& word, const Taken& taken) {
         Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 0});
         return;
     }
+    if (word == "crash-after-progress") {
+        Send(WorkKind::Progress, WorkProgress{1, 2});
+        Crash();
+    }
+    if (word == "crash-after-finding") {
+        Find("position", 1);
+        Crash();
+    }
     if (word == "full") {
         WriteTarget(taken, "half");
         Send(WorkKind::Failed, WorkFailed{WorkFailure::Unwritable, 0});
@@ -127,7 +135,7 @@ void Act(const std::string& word, const Taken& taken) {
     Find(("process-" + std::to_string(GetCurrentProcessId())).c_str(), 1);
     WriteTarget(taken, "clean");
     Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 5});
-    if (word == "speaks-unasked") Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
+    if (word == "crash-after-done") Crash();
 }
 
 std::string ScriptedWord() {
@@ -144,6 +152,7 @@ int wmain(int count, wchar_t** words) {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     requests = HandleOf(std::wcstoull(words[1], nullptr, 10));
     replies = HandleOf(std::wcstoull(words[2], nullptr, 10));
+    if (ScriptedWord() == "crash-at-start") Crash();
     for (Taken taken; TakeRequest(taken);) {
         Act(ScriptedWord(), taken);
         CloseHandle(HandleOf(taken.request.files.source));

@@ -141,7 +141,7 @@ TEST_F(WorkingCopiesTest, AreNoFilesWithASecondName) {
 
 TEST_F(WorkingCopiesTest, AreNoFilesThatAJunctionLeadsTo) {
     if (!MakeJunction(folder_ / L"junction", kOutside)) {
-        std::printf("This system makes no junctions: the final path is compared all the same.\n");
+        std::printf("This system makes no junctions: the refusal of links was not tested.\n");
         RemoveDirectoryW((folder_ / L"junction").c_str());
         return;
     }

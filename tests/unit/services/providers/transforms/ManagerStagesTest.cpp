@@ -13,6 +13,7 @@
 
 #include "OBCore/modules/ProviderLibrary.h"
 #include "contracts/TransformWork.h"
+#include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "tests/fakes/Recording.h"
 #include "tests/support/AbsentModule.h"
@@ -201,6 +202,39 @@ TEST_F(ManagerStages, AreReadyWithTheWorkProcess) {
     EXPECT_FALSE(Entries().GetReadyForConvert(nullptr, manager_, 3, kTransform));
 }
 
+// A cancelled dialog stores nothing, so that the next tick asks again.
+TEST_F(ManagerStages, AskForTheirSettingsUntilThereAreSome) {
+    obtest::ClearProductRegistry();
+    const auto ask = [&](int button, bool& shown) {
+        obtest::DialogUiDriver user(OB_PERSONAL_DATA_RECEIPT, [&](HWND dialog) {
+            obtest::DialogUiDriver::Press(dialog, button);
+        });
+        const bool there = Entries().ShowProviderOptionsWhenNoOptionsSet(
+            manager_, kRemoveInfo, kTransform, nullptr, nullptr);
+        shown = user.WasUsed();
+        return there;
+    };
+    bool shown = false;
+    EXPECT_FALSE(ask(IDCANCEL, shown));
+    EXPECT_TRUE(shown);
+    EXPECT_FALSE(obtest::KeyExists(HKEY_CURRENT_USER, kSettingsKey));
+    EXPECT_TRUE(ask(IDOK, shown));
+    EXPECT_TRUE(shown);
+    EXPECT_EQ(obtest::ReadValue(HKEY_CURRENT_USER, kSettingsKey, L"ShowReceipt"), L"1");
+    EXPECT_TRUE(ask(IDOK, shown));
+    EXPECT_FALSE(shown);
+}
+
+TEST_F(ManagerStages, ShowTheirSettingsWheneverTheyAreAskedFor) {
+    obtest::DialogUiDriver user(OB_PERSONAL_DATA_RECEIPT, [&](HWND dialog) {
+        obtest::DialogUiDriver::Press(dialog, OB_PERSONAL_DATA_RECEIPT);
+        obtest::DialogUiDriver::Press(dialog, IDOK);
+    });
+    Entries().ShowProviderOptions(manager_, kRemoveInfo, kTransform, nullptr, nullptr);
+    EXPECT_TRUE(user.WasUsed());
+    EXPECT_EQ(obtest::ReadValue(HKEY_CURRENT_USER, kSettingsKey, L"ShowReceipt"), L"1");
+}
+
 TEST_F(ManagerStages, ChangeNothingOutsideTheTemporaryPath) {
     const std::wstring path = L"C:\\photo.jpg";
     ASSERT_TRUE(obtest::WriteFileContent(path, "theirs"));
@@ -219,6 +253,37 @@ TEST_F(ManagerStages, ChangeNothingWithoutTheFolderOfTheRun) {
 TEST_F(ManagerStages, StopWithASentenceForAFileThatIsGone) {
     const std::wstring path = folder_ / L"photo.jpg";
     ExpectRefused(path, [&] { return Execute(path); });
+}
+
+TEST_F(ManagerStages, StopWithASentenceForALockedFile) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    const HANDLE lock =
+        CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+    ExpectRefused(path, [&] { return Execute(path); });
+    CloseHandle(lock);
+    EXPECT_EQ(obtest::ReadFileContent(path), "photo");
+}
+
+TEST_F(ManagerStages, WorkOnReadOnlyLongAndOddlyNamedFiles) {
+    const obtest::MessageBoxWatcher boxes;
+    std::wstring folder = folder_.Path();
+    for (int depth = 0; depth < 6; ++depth) {
+        folder += L"\\" + std::wstring(50, L'd');
+        ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + folder).c_str(), nullptr));
+    }
+    const Names paths{folder + L"\\long.jpg", folder_ / L"r\u00e9sum\u00e9 \u6f22 %1 & co..jpg",
+                      folder_ / L"no extension"};
+    for (const std::wstring& path : paths) {
+        ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + path, "photo"));
+        SetFileAttributesW((L"\\\\?\\" + path).c_str(), FILE_ATTRIBUTE_READONLY);
+        EXPECT_TRUE(Execute(path));
+        EXPECT_EQ(obtest::ReadFileContent(L"\\\\?\\" + path), "clean");
+    }
+    EXPECT_TRUE(Final(paths));
+    EXPECT_EQ(Results(3), paths);
+    for (const obtest::SeenBox& box : boxes.Seen())
+        ADD_FAILURE() << testing::PrintToString(box.text);
 }
 
 TEST_F(ManagerStages, StopForAResultThatNoBufferTakes) {

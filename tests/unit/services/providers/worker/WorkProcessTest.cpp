@@ -51,11 +51,14 @@ protected:
     // Expects that a process which does this is ended, and that the next file gets a new one.
     void ExpectEndedBy(const char* word) {
         WorkProcess process(Settings());
-        const std::string first = ProcessOf(Run(process, "good"));
         EXPECT_EQ(Run(process, word).result, WorkResult::ProcessFailed) << word;
         const WorkReport next = Run(process, "good");
         EXPECT_EQ(next.result, WorkResult::Changed) << word;
-        EXPECT_NE(ProcessOf(next), first) << word;
+        // The same file fails in a process that served another one before, and in a new one.
+        EXPECT_EQ(Run(process, word).result, WorkResult::ProcessFailed) << word;
+        const WorkReport last = Run(process, "good");
+        EXPECT_EQ(last.result, WorkResult::Changed) << word;
+        EXPECT_NE(ProcessOf(last), ProcessOf(next)) << word;
     }
 
     const obtest::TestFolder folder_;
@@ -85,6 +88,17 @@ TEST_F(WorkProcessTest, IsStartedAnewAfterACrash) { ExpectEndedBy("crash"); }
 TEST_F(WorkProcessTest, IsStartedAnewAfterACrashInTheMiddleOfTheFile) {
     ExpectEndedBy("crash-after-writing");
 }
+TEST_F(WorkProcessTest, IsStartedAnewAfterACrashAtItsStart) {
+    WorkProcess process(Settings());
+    EXPECT_EQ(Run(process, "crash-at-start").result, WorkResult::ProcessFailed);
+    EXPECT_EQ(Run(process, "good").result, WorkResult::Changed);
+}
+TEST_F(WorkProcessTest, IsStartedAnewAfterACrashAfterProgress) {
+    ExpectEndedBy("crash-after-progress");
+}
+TEST_F(WorkProcessTest, IsStartedAnewAfterACrashAfterAFinding) {
+    ExpectEndedBy("crash-after-finding");
+}
 TEST_F(WorkProcessTest, IsStartedAnewAfterItEndedByItself) { ExpectEndedBy("exit"); }
 TEST_F(WorkProcessTest, IsStartedAnewAfterHalfARecord) { ExpectEndedBy("half"); }
 TEST_F(WorkProcessTest, IsEndedForBytesThatAreNoRecord) { ExpectEndedBy("garbage"); }
@@ -100,13 +114,16 @@ TEST_F(WorkProcessTest, IsEndedWhenItIsSilentForTooLong) {
     EXPECT_EQ(Run(process, "hang-after-writing").result, WorkResult::ProcessFailed);
 }
 
-// The second last record arrives while no request waits, or with the next one: either way it ends
-// that process and never counts for another file.
-TEST_F(WorkProcessTest, NeverTakesARecordForAnotherFile) {
+// What an earlier file did to the process isn't the next file's fault.
+TEST_F(WorkProcessTest, IsReplacedWhenItDiedBetweenTwoFiles) {
     WorkProcess process(Settings());
-    EXPECT_EQ(Run(process, "speaks-unasked").result, WorkResult::Changed);
-    const WorkResult next = Run(process, "good").result;
-    EXPECT_TRUE(next == WorkResult::ProcessFailed || next == WorkResult::Unchanged);
+    const WorkReport first = Run(process, "crash-after-done");
+    EXPECT_EQ(first.result, WorkResult::Changed);
+    ASSERT_EQ(SetFilePointer(target_.Get(), 0, nullptr, FILE_BEGIN), 0u);
+    const WorkReport next = Run(process, "good");
+    EXPECT_EQ(next.result, WorkResult::Changed);
+    EXPECT_NE(ProcessOf(next), ProcessOf(first));
+    EXPECT_EQ(obtest::ReadFileContent(Target()), "clean");
 }
 
 TEST_F(WorkProcessTest, PassesOnThatAFileIsTooLargeOrADiskFull) {
