@@ -58,7 +58,7 @@ std::size_t PartList::Size() const {
 OwnedBytes PartList::Join() const {
     OwnedBytes joined;
     joined.reserve(Size());
-    for (const Bytes part : parts_) personal::Append(joined, part);
+    for (const Bytes part : parts_) joined.insert(joined.end(), part.begin(), part.end());
     return joined;
 }
 

@@ -64,7 +64,7 @@ bool AreQuantizationTables(Bytes payload) {
         at += ByteAt(payload, at) >> 4 == 0 ? 1 + 64 : 1 + 128; // values of one or two bytes
         if (at > payload.size()) return false;
     }
-    return !payload.empty();
+    return true;
 }
 
 bool AreHuffmanTables(Bytes payload) {
@@ -77,7 +77,7 @@ bool AreHuffmanTables(Bytes payload) {
         at += kHeader + codes;
         if (at > payload.size()) return false;
     }
-    return !payload.empty();
+    return true;
 }
 
 bool IsFrameHeader(Bytes payload) {

@@ -95,13 +95,18 @@ std::optional<TiffDirectory> TiffReader::ReadDirectory(std::uint64_t offset) con
     const std::uint64_t count = Number(offset, countSize);
     if (count > file_.size() / entrySize) return std::nullopt;
     TiffDirectory directory;
-    directory.extent = {offset, countSize + count * entrySize + OffsetSize()};
+    directory.extent = {offset, countSize + count * entrySize};
     if (!IsInside(directory.extent)) return std::nullopt;
     directory.entries.reserve(static_cast<std::size_t>(count));
     for (std::uint64_t at = 0; at < count; ++at) {
         directory.entries.push_back(ReadEntry(offset + countSize + at * entrySize));
     }
-    directory.next = Number(directory.extent.End() - OffsetSize(), OffsetSize());
+    // Some writers end a block without the link to a next directory.
+    const Extent link = {directory.extent.End(), OffsetSize()};
+    if (IsInside(link)) {
+        directory.next = Number(link.begin, OffsetSize());
+        directory.extent.size += OffsetSize();
+    }
     return directory;
 }
 

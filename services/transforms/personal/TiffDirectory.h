@@ -48,7 +48,7 @@ struct TiffEntry {
 };
 
 struct TiffDirectory {
-    Extent extent; // from the number of entries to the link to the next directory
+    Extent extent; // from the number of entries to the link to the next directory, if it is there
     std::vector<TiffEntry> entries;
     std::uint64_t next = 0; // 0 when it is the last
 };
@@ -66,7 +66,7 @@ public:
     Bytes File() const { return file_; }
     bool IsInside(const Extent& extent) const;
 
-    // Nothing when the directory isn't whole inside the file.
+    // Nothing when the entries aren't whole inside the file.
     std::optional<TiffDirectory> ReadDirectory(std::uint64_t offset) const;
     // A whole number of any size without sign; the entry is readable and has more values than `at`.
     std::uint64_t NumberAt(const TiffEntry& entry, std::uint64_t at) const;

@@ -84,6 +84,12 @@ TEST(JpegPersonalData, TheOrientationStaysInABlockOfItsOwn) {
     }
 }
 
+TEST(JpegPersonalData, TheOrientationStaysFromABlockThatEndsWithoutALink) {
+    const Sample block = OrientationBlock(6);
+    ExpectCleaned(Start() + ExifSegment(block.substr(0, block.size() - 4)) + Picture(),
+                  Start() + ExifSegment(block) + Picture(), {{FindingKind::CameraSettings, 1}});
+}
+
 TEST(JpegPersonalData, AnOrientationThatViewersDoNotKnowIsRemoved) {
     for (const unsigned orientation : {0u, 1u, 9u, 0x4341u}) {
         ExpectCleaned(Start() + ExifSegment(OrientationBlock(orientation)) + Picture(),
@@ -175,6 +181,8 @@ TEST(JpegPersonalData, EveryKindOfFrameAndCodingIsKeptByteForByte) {
     for (const unsigned code : {0xC0u, 0xC1u, 0xC2u, 0xC3u, 0xC5u, 0xC9u, 0xCAu, 0xCFu}) {
         ExpectUnchanged(Start() + Tables() + Frame(code, 4) + Scan() + End());
     }
+    ExpectUnchanged(Start() + Segment(0xC4, "") + Tables() + Segment(0xDB, "") +
+                    Segment(0xC1, "\xC"s + Frame().substr(5)) + Scan() + End()); // 12 bits
     const Sample restarts = "\x12\xFF\xD0\x34\xFF\xD7\xFF\0\x56\xFF\xFF"s;
     ExpectUnchanged(Start() + Tables() + Segment(0xDD, Big16(1)) + Frame() + Scan(restarts) +
                     Segment(0xDC, Big16(8)) + Tables() + Scan() + "\xFF\xFF"s + End());
@@ -189,7 +197,6 @@ TEST(JpegPersonalData, TablesWithMoreInThemThanTheyNeedAreDamage) {
         ExpectDamaged(Start() + segment + Picture());
     };
     expectDamaged(Segment(0xDB, "\0"s + Sample(64, '\1') + canary));
-    expectDamaged(Segment(0xDB, ""));
     expectDamaged(Segment(0xC4, "\0"s + "\1"s + Sample(15, '\0') + "\0"s + canary));
     expectDamaged(Segment(0xDD, Big16(1) + canary));
     expectDamaged(Segment(0xCC, "\0\1\2"s));

@@ -256,8 +256,8 @@ TEST_P(TiffPersonalData, AnyCutOfManyPartsIsCleanOrRefused) {
 }
 
 TEST_P(TiffPersonalData, TheRulesAreTrueOfAnyMutation) {
-    CheckMutations(Build(Everything(Kind())));
-    CheckMutations(Build({Page()}));
+    CheckMutations(Build(Everything(Kind())), 1000);
+    CheckMutations(Build({Page()}), 500);
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, TiffPersonalData, testing::ValuesIn(kTiffKinds),
