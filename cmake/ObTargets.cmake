@@ -166,7 +166,7 @@ endfunction()
 #
 # STAGE items lie beside the program when it runs, as copies of its own: a target (its built file),
 # a file or a folder; "name=item" gives it another name or a folder ("sub/name.dll=target").
-# TIMEOUT is for one suite (default 60). RUN hands options on to tools/wine-run (--dpi 144 ...).
+# TIMEOUT is for one suite (default 60). RUN hands options on to tools/wine-run (--dpi 144, --services ...).
 # SERIAL keeps the suites from running beside other tests.
 function(ob_test name)
     cmake_parse_arguments(arg "SERIAL" "TIMEOUT" "SOURCES;LIBS;RESOURCES;STAGE;ENV;LABELS;RUN;SUITES" ${ARGN})

@@ -25,7 +25,7 @@ set(out "")
 foreach(suite ${suites})
     # Parameterised suites are named Prefix/Suite, typed ones Suite/0.
     set(filter "${suite}.*:*/${suite}.*:${suite}/*.*:*/${suite}/*.*")
-    string(APPEND out "add_test([==[${name}.${suite}]==] [==[${python}]==] [==[${wine_run}]==]")
+    string(APPEND out "add_test([==[${name}.${suite}]==] [==[${python}]==] -IS [==[${wine_run}]==]")
     foreach(option ${options})
         string(APPEND out " [==[${option}]==]")
     endforeach()
