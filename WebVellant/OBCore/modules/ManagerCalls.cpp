@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <mutex>
-#include <utility>
 #include <vector>
 
 using obcontract::ProviderManagerHandle;
@@ -35,11 +34,7 @@ ManagerCall::ManagerCall(ProviderManagerHandle manager) : manager_(manager) {
     runningCalls.push_back(manager);
 }
 
-ManagerCall::ManagerCall(ManagerCall&& other) noexcept
-    : manager_(std::exchange(other.manager_, nullptr)) {}
-
 ManagerCall::~ManagerCall() {
-    if (!manager_) return;
     const std::lock_guard guard(callsLock);
     runningCalls.erase(std::ranges::find(runningCalls, manager_));
 }

@@ -5,18 +5,17 @@
 
 namespace obcore {
 
-// Covers one call, from before it begins to after it has ended. May be used on any thread.
+// Covers one call, from before it begins to after it has ended. May be used on any thread. A null
+// manager counts as any other: its calls are taken off the list too.
 class ManagerCall {
 public:
     explicit ManagerCall(obcontract::ProviderManagerHandle manager);
-    ManagerCall(ManagerCall&& other) noexcept;
-    ManagerCall& operator=(ManagerCall&&) = delete;
     ManagerCall(const ManagerCall&) = delete;
     ManagerCall& operator=(const ManagerCall&) = delete;
     ~ManagerCall();
 
 private:
-    obcontract::ProviderManagerHandle manager_; // null: moved from
+    const obcontract::ProviderManagerHandle manager_;
 };
 
 // Waits until no call of `manager` is covered, on the thread that is about to delete the manager,
