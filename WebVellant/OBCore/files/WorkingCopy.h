@@ -9,7 +9,7 @@ namespace obcore {
 // A run's local record of what it copied.
 struct WorkingCopy {
     bool HasFolder = false;          // the run has a temporary folder of its own
-    std::wstring Folder;             // that folder, with its trailing backslash
+    std::wstring Folder;             // that folder, with its trailing backslash; else empty
     std::vector<std::wstring> Files; // the picked paths, then their copies
 };
 

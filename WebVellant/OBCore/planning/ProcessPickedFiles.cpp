@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "OBCore/compression/CompressFiles.h"
 #include "OBCore/files/TemporaryFolders.h"
 #include "OBCore/files/WorkingCopy.h"
@@ -25,14 +27,16 @@ int AttachAsPicked(OBAttachJob& job, const std::vector<std::wstring>& picked) {
 }
 
 // Without a temporary folder at all the picked paths are used. Where one is named and no folder can
-// be made in it, nothing can be copied: the list ends empty, and so does the run.
+// be made in it, nothing can be copied: the list ends empty, and so does the run. The temporary
+// folder itself is everybody's: the copy names only a folder of this run's own.
 WorkingCopy CopyPickedFiles(const std::vector<std::wstring>& picked) {
     WorkingCopy copy;
     copy.Files = picked;
-    if (!GetTemporaryFolder(copy.Folder)) return copy;
-    // From here on the folder is this run's own; before, it is everybody's and is never cleared.
-    copy.HasFolder = CreateUniqueTempFolder(copy.Folder);
+    std::wstring folder;
+    if (!GetTemporaryFolder(folder)) return copy;
+    copy.HasFolder = CreateUniqueTempFolder(folder);
     if (copy.HasFolder) {
+        copy.Folder = std::move(folder);
         CompressUtils::CopyFilesToFolder(copy.Folder, copy.Files);
     } else {
         copy.Files.clear();

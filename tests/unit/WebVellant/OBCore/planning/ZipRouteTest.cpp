@@ -246,6 +246,7 @@ TEST_F(ZipRoute, TouchesNothingWithoutATemporaryFolder) {
 TEST_F(ZipRoute, StopsWhenTheTemporaryFolderIsMissing) {
     UseTemporaryFolder(temp_ / L"missing");
     EXPECT_EQ(Process({one_}), 0);
+    EXPECT_EQ(FakeModules::CallsOf({L"RunTransforms"}), Lines{L"RunTransforms([], \"\", 1)"});
     EXPECT_TRUE(FakeModules::CallsOf({L"CreateZipContext"}).empty());
     EXPECT_TRUE(Left().empty());
     ExpectSourcesWhole();
