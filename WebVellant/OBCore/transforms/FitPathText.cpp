@@ -22,13 +22,22 @@ std::size_t LongestTail(const MeasureText& measure, int width, const std::wstrin
     return start;
 }
 
+bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+
+// A surrogate pair is one character: neither half stays without the other.
+void DropLastCharacter(std::wstring& text) {
+    text.pop_back();
+    if (!text.empty() && IsHighSurrogate(text.back())) text.pop_back();
+}
+
 } // namespace
 
 std::wstring EllipsizeEnd(const MeasureText& measure, int width, std::wstring text) {
     if (measure(text) <= width) return text;
     text += kDots;
     while (text.size() > kDots.size() && measure(text) > width) {
-        text.resize(text.size() - kDots.size() - 1);
+        text.resize(text.size() - kDots.size());
+        DropLastCharacter(text);
         text += kDots;
     }
     return text;

@@ -10,8 +10,8 @@ namespace obcore {
 using MeasureText = std::function<int(const std::wstring& text)>;
 
 // `text` when it is at most `width` wide. Otherwise as much of its beginning as fits with three
-// dots at its end. The caller gives a width that is enough for the three dots: with less, the three
-// dots alone come back, too wide.
+// dots at its end; a surrogate pair isn't cut in two. The caller gives a width that is enough for
+// the three dots: with less, the three dots alone come back, too wide.
 std::wstring EllipsizeEnd(const MeasureText& measure, int width, std::wstring text);
 
 // `label` and `path` as a text of at most two lines, for a control of this width. The last parts of

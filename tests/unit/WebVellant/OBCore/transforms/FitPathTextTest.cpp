@@ -39,6 +39,14 @@ TEST(EllipsizeEnd, KeepsNoCharacterWhereOnlyTheDotsFit) {
     EXPECT_EQ(Ellipsize(3, L"abcdefghij"), L"...");
 }
 
+TEST(EllipsizeEnd, CutsNoSurrogatePair) {
+    const std::wstring face = L"\xD83D\xDE00";
+    EXPECT_EQ(Ellipsize(6, L"ab" + face + L"cdef"), L"ab..."); // half of the pair would fit
+    EXPECT_EQ(Ellipsize(7, L"ab" + face + L"cdef"), L"ab" + face + L"...");
+    EXPECT_EQ(Ellipsize(4, face + face), face + face);
+    EXPECT_EQ(Ellipsize(4, face + face + L"a"), L"...");
+}
+
 TEST(EllipsizeEnd, EndsWithTheDotsWhereNothingFits) {
     EXPECT_EQ(Ellipsize(2, L"abcdefghij"), L"...");
     EXPECT_EQ(Ellipsize(-1, L""), L"...");
