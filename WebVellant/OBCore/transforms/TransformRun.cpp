@@ -5,8 +5,8 @@
 namespace obcore {
 
 TransformRun::TransformRun(const OBAttachJob& job, PathList files, std::wstring folder)
-    : Manager(job.OwnedProviderManager), Files(std::move(files)), Folder(std::move(folder)),
-      Dialog(job.ParentWindow), BeforeArchive(job.TransformsBeforeArchive) {}
+    : Manager(job.OwnedProviderManager), Folder(std::move(folder)), Dialog(job.ParentWindow),
+      BeforeArchive(job.TransformsBeforeArchive), files_(std::move(files)) {}
 
 std::optional<ManagerCall> TransformRun::EnterCall() const {
     const std::lock_guard guard(lock_);
@@ -19,25 +19,25 @@ bool TransformRun::IsOpen() const {
     return !HasEnded();
 }
 
-PathList TransformRun::CurrentFiles() const {
+PathList TransformRun::Files() const {
     const std::lock_guard guard(lock_);
-    return Files;
+    return files_;
 }
 
 bool TransformRun::FinishStep(PathList files) {
     const std::lock_guard guard(lock_);
     if (HasEnded()) return false;
-    Files = std::move(files);
+    files_ = std::move(files);
     return true;
 }
 
 bool TransformRun::FinishFile(std::size_t index, const std::wstring& path) {
     const std::lock_guard guard(lock_);
-    if (HasEnded() || index >= Files.size()) return false;
+    if (HasEnded() || index >= files_.size()) return false;
     if (path.empty()) {
-        Files.erase(Files.begin() + static_cast<std::ptrdiff_t>(index));
+        files_.erase(files_.begin() + static_cast<std::ptrdiff_t>(index));
     } else {
-        Files[index] = path;
+        files_[index] = path;
     }
     return true;
 }

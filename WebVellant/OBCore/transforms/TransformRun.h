@@ -31,7 +31,6 @@ struct TransformRun : std::enable_shared_from_this<TransformRun> {
     TransformRun& operator=(const TransformRun&) = delete;
 
     const obcontract::ProviderManagerHandle Manager;
-    PathList Files;            // what is to be transformed; only the methods below touch the list
     const std::wstring Folder; // temporary folder of the run; empty: there is none
     HWND Dialog; // owner of all that the providers show: ParentWindow at first, the progress dialog
                  // from its WM_INITDIALOG on, which is before the worker starts
@@ -54,7 +53,8 @@ struct TransformRun : std::enable_shared_from_this<TransformRun> {
         return IsOpen();
     }
 
-    PathList CurrentFiles() const;
+    // The list of the last finished step.
+    PathList Files() const;
 
     // End a step: with another list, or with another path of the file at `index`, which is dropped
     // from the list when `path` is empty. False, with the list as it was, when the dialog has
@@ -75,7 +75,8 @@ private:
     bool IsOpen() const;
     bool HasEnded() const noexcept { return cancelled_ || ended_; } // under the lock
 
-    mutable std::mutex lock_;
+    mutable std::mutex lock_; // of all that follows
+    PathList files_;          // what is to be transformed
     bool cancelled_ = false;
     bool ended_ = false;
 };

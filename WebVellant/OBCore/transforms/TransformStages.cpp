@@ -108,7 +108,7 @@ bool GetTransformSummary(TransformRun& run, TransformSummary& summary) {
 bool RunListStage(TransformRun& run) {
     TransformSummary summary;
     if (!GetTransformSummary(run, summary)) return false;
-    const PathList files = run.CurrentFiles();
+    const PathList files = run.Files();
     if ((summary.beforeList < 1 && summary.afterList < 1) || files.empty()) return true;
     const auto paths = PointersTo(files);
     auto count = static_cast<std::uint32_t>(files.size());
@@ -121,7 +121,7 @@ bool RunListStage(TransformRun& run) {
 }
 
 bool RunPerFileStage(TransformRun& run, const TransformDisplay& display) {
-    PathList files = run.CurrentFiles();
+    PathList files = run.Files();
     FileProgress progress(display, files.size());
     std::size_t index = 0; // in the list of the run; the next file takes the place of a dropped one
     for (std::wstring& path : files) {
@@ -135,7 +135,7 @@ bool RunPerFileStage(TransformRun& run, const TransformDisplay& display) {
 bool RunFinalStage(TransformRun& run) {
     TransformSummary summary;
     if (!GetTransformSummary(run, summary)) return false;
-    const PathList files = run.CurrentFiles();
+    const PathList files = run.Files();
     if (summary.final < 1 || files.empty()) return true;
     const auto paths = PointersTo(files);
     bool done = false;

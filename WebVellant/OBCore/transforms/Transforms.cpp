@@ -34,7 +34,7 @@ bool RunTransforms(OBAttachJob& job, std::vector<std::wstring>& files, const std
     SelectWantedTransforms(job);
     const bool goOn = !IsAnyTransformSelected(run->Manager) || ShowTransformProgress(*run);
     if (goOn) ReportFileConversion(job);
-    files = run->CurrentFiles();
+    files = run->Files();
     return goOn;
 }
 

@@ -23,7 +23,7 @@ protected:
 
 TEST_F(TransformRunState, TakesItsFieldsFromTheJob) {
     EXPECT_EQ(run_->Manager, job_.OwnedProviderManager);
-    EXPECT_EQ(run_->CurrentFiles(), files_);
+    EXPECT_EQ(run_->Files(), files_);
     EXPECT_EQ(run_->Folder, L"C:\\t\\");
     EXPECT_EQ(run_->Dialog, owner_.Get());
     EXPECT_EQ(run_->Result, 1);
@@ -38,18 +38,18 @@ TEST_F(TransformRunState, HasMode1BeforeAZipAnd3Otherwise) {
 
 TEST_F(TransformRunState, ReplacesTheListStepByStep) {
     EXPECT_TRUE(run_->FinishStep({L"x"}));
-    EXPECT_EQ(run_->CurrentFiles(), PathList{L"x"});
+    EXPECT_EQ(run_->Files(), PathList{L"x"});
     EXPECT_TRUE(run_->FinishStep({}));
-    EXPECT_TRUE(run_->CurrentFiles().empty());
+    EXPECT_TRUE(run_->Files().empty());
 }
 
 TEST_F(TransformRunState, ReplacesOrDropsOneFile) {
     EXPECT_TRUE(run_->FinishFile(1, L"b.pdf"));
-    EXPECT_EQ(run_->CurrentFiles(), (PathList{L"C:\\t\\a.doc", L"b.pdf"}));
+    EXPECT_EQ(run_->Files(), (PathList{L"C:\\t\\a.doc", L"b.pdf"}));
     EXPECT_TRUE(run_->FinishFile(0, L""));
-    EXPECT_EQ(run_->CurrentFiles(), PathList{L"b.pdf"});
+    EXPECT_EQ(run_->Files(), PathList{L"b.pdf"});
     EXPECT_FALSE(run_->FinishFile(1, L"c"));
-    EXPECT_EQ(run_->CurrentFiles(), PathList{L"b.pdf"});
+    EXPECT_EQ(run_->Files(), PathList{L"b.pdf"});
 }
 
 TEST_F(TransformRunState, MakesNoCallAndFinishesNoStepAfterTheEnd) {
@@ -58,7 +58,7 @@ TEST_F(TransformRunState, MakesNoCallAndFinishesNoStepAfterTheEnd) {
     EXPECT_FALSE(Calls());
     EXPECT_FALSE(run_->FinishStep({}));
     EXPECT_FALSE(run_->FinishFile(0, L"x"));
-    EXPECT_EQ(run_->CurrentFiles(), files_);
+    EXPECT_EQ(run_->Files(), files_);
 }
 
 TEST_F(TransformRunState, MakesNoCallAndFinishesNoStepAfterACancel) {
