@@ -25,10 +25,12 @@ void RunListStageShown(TransformRun& run, const TransformDisplay& display) {
     if (!RunListStage(run)) run.Result = kTransformsStop;
 }
 
-// The conversion of PDF files works on the list as it was picked; later stages, which make PDF
-// files, are without it. It is left out also after a failure, unless the dialog has ended.
+// The conversion from PDF takes part in the before-list stage only: later stages make PDF files.
+// The call that leaves the conversion out comes also after a stage that failed or threw, but not
+// after the end of the dialog.
 void RunBeforeListStage(TransformRun& run, const TransformDisplay& display) {
-    RunListStageShown(run, display);
+    const auto stage = [&] { RunListStageShown(run, display); };
+    if (!ObLib::RanGuarded(stage)) run.Result = kTransformsStop;
     if (!run.WhileOpen([&] { LeaveOutConvertFromPdf(run.Manager); })) run.Result = kTransformsStop;
 }
 

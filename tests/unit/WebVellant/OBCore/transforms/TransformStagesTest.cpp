@@ -155,6 +155,14 @@ TEST_F(TransformStages, LeaveOutTheConversionFromPdfAlsoAfterAFailure) {
     EXPECT_EQ(files_, (Lines{a_, b_}));
 }
 
+TEST_F(TransformStages, LeaveOutTheConversionFromPdfAlsoWhenThereIsNoMemoryForTheResults) {
+    Stages(L"1,1,1,1");
+    Answer(L"ExecutePostTransforms.count", L"4294967295");
+    EXPECT_FALSE(Run());
+    Expect({kOpening, {kNoName, kSummary, PostCall({a_, b_}), kLeaveOut70, kEnd2}});
+    EXPECT_EQ(files_, (Lines{a_, b_}));
+}
+
 TEST_F(TransformStages, GoOnWhenTheManagerRefusesToLeaveOutTheConversion) {
     Stages(L"1,0,1,0");
     Answer(L"SelectProviders.70", L"0");
