@@ -43,6 +43,7 @@ bool TransformSingleFile(OBAttachJob& job, const std::vector<std::wstring>& file
     std::wstring folder;
     if (!GetTemporaryFolder(folder) || !CreateUniqueTempFolder(folder)) return false;
     CopyFilesToFolder(folder, copies);
+    if (copies.empty()) return false;
     job.TransformsBeforeArchive = false;
     if (!RunTransforms(job, copies, folder)) return false;
     if (copies.empty()) return false;

@@ -20,8 +20,9 @@ namespace obcore::CompressUtils {
 bool RunTransforms(OBAttachJob& job, std::vector<std::wstring>& files, const std::wstring& folder);
 
 // The case of a single file that isn't zipped: a converted copy in a temporary folder of its own is
-// the job's result. False to stop: no temporary folder, a run that stops, or no file left. The
-// folder and what is in it stay then, and the job has no result.
+// the job's result. False to stop: no temporary folder, a file that can't be copied, a run that
+// stops, or no file left. The folder and what is in it stay then, and the job has no result. A file
+// that can't be copied stops before any transform, without a report and without a message.
 bool TransformSingleFile(OBAttachJob& job, const std::vector<std::wstring>& files);
 
 } // namespace obcore::CompressUtils

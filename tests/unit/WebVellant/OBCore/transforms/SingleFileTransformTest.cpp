@@ -91,10 +91,13 @@ TEST_F(SingleFileTransform, StopsWhenTheProviderDropsTheFile) {
     ExpectNoResult();
 }
 
-TEST_F(SingleFileTransform, StopsWhenTheFileCantBeCopied) {
+TEST_F(SingleFileTransform, StopsSilentlyBeforeAnyCallWhenTheFileCantBeCopied) {
     ASSERT_TRUE(DeleteFileW(source_.c_str()));
+    const obtest::MessageBoxWatcher boxes;
     EXPECT_FALSE(Transform());
-    EXPECT_TRUE(Written({L"ExecuteTransforms"}).empty());
+    EXPECT_TRUE(Written().empty()); // no call of the manager, no dialog, no report
+    EXPECT_EQ(LastDialog(), nullptr);
+    EXPECT_TRUE(boxes.Seen().empty());
     ASSERT_TRUE(obtest::WriteFileContent(source_, "one"));
     ExpectNoResult();
 }
