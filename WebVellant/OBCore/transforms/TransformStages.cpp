@@ -58,12 +58,16 @@ bool TransformCurrentTarget(TransformRun& run) {
     return open && done;
 }
 
-// The text is copied at once, inside the call: it belongs to the manager.
+// The text is copied at once, inside the call: it belongs to the manager. An empty text drops the
+// file; a null is no text, so the stage has failed.
 bool GetCurrentTarget(TransformRun& run, std::wstring& path) {
-    return run.WhileOpen([&] {
+    bool given = false;
+    const bool open = run.WhileOpen([&] {
         const wchar_t* const target = ProviderManager().GetProviderTarget(run.Manager);
-        path = target ? target : L"";
+        given = target != nullptr;
+        if (given) path = target;
     });
+    return open && given;
 }
 
 // Counts the files that are done, also those that were dropped, for a bar that is there only for

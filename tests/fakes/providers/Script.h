@@ -21,17 +21,18 @@
 //   GetSelectedTransformSummary       "before,after,each,final" of each call of a manager, with ;
 //                                     between them; the last one repeats [0,0,0,0]
 //   GetProviderTarget.FILENAME        path; an empty answer drops the file [the target itself]
+//   GetProviderTarget.null            1: null is answered for each file [0]
 //   ExecuteTransforms.FILENAME        [as the next line has it]
 //   ExecuteTransforms, ExecutePostTransforms, ExecuteFinalTransforms
 //                                     results of a manager's calls, "1,1,0"; the last repeats [1]
 //   ExecuteFinalTransforms.waits      1: the call dispatches messages until its owner window is
-//   hidden
-//                                     or has gone, at most ten seconds [0]
+//                                     hidden or has gone, at most ten seconds [0]
 //   ExecutePostTransforms.paths, ExecuteFinalTransforms.paths
 //                                     "a|b": results of a call; with ; between the calls, the last
 //                                     one repeats; an empty answer drops all [what came in]
 //   ExecutePostTransforms.count       the count that the call gives back [number of results]
 //   GetTargetFile.count               the count that the call gives back [number of results]
+//   GetTargetFile.noNul               1: a buffer that a result fills has no NUL [0]
 //   Threads                           1: each call is written with its thread, "Name() @123", and
 //                                     with " with COM" after it if that thread has an apartment
 //

@@ -40,6 +40,11 @@ void DispatchUntilHidden(HWND window) {
     }
 }
 
+// As a manager does that leaves no room for the NUL.
+void FillWithoutNul(wchar_t* place, std::size_t capacity, const std::wstring& text) {
+    std::copy_n(text.begin(), std::min(text.size(), capacity), place);
+}
+
 // The result that the script has for this call of the manager.
 bool NextResult(ProviderManagerHandle manager, const std::wstring& call) {
     return NumberAt(ScriptedText(call), CountCall(manager, call), 1) != 0;
@@ -124,6 +129,7 @@ const wchar_t* GetProviderTarget(ProviderManagerHandle manager) {
     Record(L"GetProviderTarget", manager);
     const auto guard = LockManagers();
     if (!IsReady(manager)) return L"";
+    if (ScriptedCount(L"GetProviderTarget.null", 0) != 0) return nullptr;
     manager->answer =
         ScriptedText(L"GetProviderTarget." + FileNameOf(manager->target), manager->target);
     return manager->answer.c_str();
@@ -168,8 +174,9 @@ void GetTargetFile(ProviderManagerHandle manager, wchar_t* const* buffers, std::
     if (count) *count = 0;
     if (!IsReady(manager)) return;
     const auto& produced = manager->produced;
+    const bool whole = ScriptedCount(L"GetTargetFile.noNul", 0) != 0;
     for (std::size_t index = 0; index < std::min(produced.size(), manager->buffers); ++index) {
-        FillText(buffers[index], capacity, produced[index]);
+        (whole ? FillWithoutNul : FillText)(buffers[index], capacity, produced[index]);
     }
     const auto results = ScriptedCount(L"GetTargetFile.count", produced.size());
     if (count) *count = static_cast<std::uint32_t>(results);

@@ -239,6 +239,16 @@ TEST_F(TransformStages, TakeAResultOf513Characters) {
     EXPECT_EQ(files_, Lines{longest});
 }
 
+TEST_F(TransformStages, TakeAResultThatFillsItsBufferWithoutANul) {
+    Stages(L"0,1,0,0");
+    const std::wstring whole = L"C:\\" + std::wstring(511, L'x');
+    ASSERT_EQ(whole.size(), 514u);
+    Answer(L"ExecutePostTransforms.paths", (whole + L"|" + b_).c_str());
+    Answer(L"GetTargetFile.noNul", L"1");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(files_, (Lines{whole, b_}));
+}
+
 TEST_F(TransformStages, StopAfterAFailedAfterListStage) {
     Stages(L"0,1,1,1");
     Answer(L"ExecutePostTransforms", L"0");
@@ -329,6 +339,14 @@ TEST_F(TransformStages, DropAFileWhoseTargetComesBackEmptyAndSkipNone) {
             FileStep(L"c.doc", 3),
             {kEnd1, kReport}});
     EXPECT_EQ(files_, (Lines{b_, L"C:\\t\\c.doc"}));
+}
+
+TEST_F(TransformStages, StopWhenTheManagerGivesNoTargetAtAll) {
+    Stages(L"0,1,1,1");
+    Answer(L"GetProviderTarget.null", L"1");
+    EXPECT_FALSE(Run());
+    Expect({kOpening, Measured(2), FileStep(L"a.doc", 1), {kEnd2}});
+    EXPECT_EQ(files_, (Lines{a_, b_}));
 }
 
 TEST_F(TransformStages, DropSeveralFilesInARow) {
