@@ -20,7 +20,7 @@ bool HasCall(ProviderManagerHandle manager) {
     return std::ranges::find(runningCalls, manager) != runningCalls.end();
 }
 
-// The call may wait for a window of this thread.
+// A running call may wait for the answer to a message that it has sent to a window of this thread.
 void AnswerSentMessages() {
     MsgWaitForMultipleObjects(0, nullptr, FALSE, kStep, QS_SENDMESSAGE);
     MSG message;

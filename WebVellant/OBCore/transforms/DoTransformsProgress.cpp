@@ -61,7 +61,8 @@ struct Worker {
     ObLib::UniqueModule module; // of this code
 };
 
-// On a closed dialog the last call does nothing.
+// After a cancel the dialog has ended and its handle may be stale: EndDialog fails then, and the
+// failure is ignored.
 void Work(TransformRun& run) noexcept {
     if (!ObLib::RanGuarded([&run] { DoTransformsProgress(run); })) run.Result = kTransformsStop;
     EndDialog(run.Dialog, static_cast<INT_PTR>(run.Result.load()));

@@ -16,7 +16,7 @@ public:
     // A bar that moves without a measure: how much there is to do isn't known.
     void StartMarquee() const;
 
-    // A bar of `files` steps, at its beginning.
+    // A bar of `files` steps.
     void LeaveMarquee(std::size_t files) const;
 
     void ShowDone(std::size_t files) const;

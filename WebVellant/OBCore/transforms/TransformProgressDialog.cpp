@@ -39,7 +39,8 @@ void RunFinalStageOf(HWND dialog, LPARAM parameter) {
     }
 }
 
-// A command goes on into the final stage in every case.
+// A command goes on into the final stage in every case. After a cancel that stage finds the dialog
+// ended and calls nothing.
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     switch (message) {
     case WM_INITDIALOG:

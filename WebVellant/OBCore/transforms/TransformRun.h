@@ -41,9 +41,10 @@ struct TransformRun : std::enable_shared_from_this<TransformRun> {
     std::uint32_t Mode() const noexcept { return BeforeArchive ? 1 : 3; }
 
     // Makes `call`, one call of the manager, on the calling thread unless the dialog has ended.
-    // Returns whether the dialog is open after the call; if not, nothing that the call gave counts,
-    // and the worker makes no other call. Asking and entering the call are one step under the lock,
-    // which is free during the call; the manager isn't deleted before the call has ended.
+    // True when the dialog is still open after the call. False when it has ended: the caller
+    // discards what the call gave and makes no other call. The check of the dialog and the entry
+    // into the list of running calls are one step under the lock; the lock is free during the call.
+    // The manager isn't deleted before the call has ended.
     template <class Call>
     [[nodiscard]] bool WhileOpen(Call call) {
         std::optional<ManagerCall> inside = EnterCall();
@@ -56,9 +57,10 @@ struct TransformRun : std::enable_shared_from_this<TransformRun> {
     // The list of the last finished step.
     PathList Files() const;
 
-    // End a step: with another list, or with another path of the file at `index`, which is dropped
-    // from the list when `path` is empty. False, with the list as it was, when the dialog has
-    // ended: the caller of RunTransforms gets the list of the last finished step.
+    // Each finishes a step: FinishStep replaces the list; FinishFile replaces the path of the file
+    // at `index`, or drops that file when `path` is empty. False, with the list unchanged, when the
+    // dialog has ended or no file is at `index`: RunTransforms then gives back the list of the last
+    // finished step.
     [[nodiscard]] bool FinishStep(PathList files);
     [[nodiscard]] bool FinishFile(std::size_t index, const std::wstring& path);
 

@@ -26,8 +26,8 @@ std::wstring TextIn(const TargetBuffer& buffer) {
     return std::wstring(buffer.data(), wcsnlen(buffer.data(), buffer.size()));
 }
 
-// Reads the results of a stage that ended well, at most `capacity` of them: the manager's own count
-// decides. The list of the run is replaced as a whole.
+// Reads the results of a stage that succeeded into `capacity` buffers. The count that GetTargetFile
+// gives is the number of results, at most one a buffer. Replaces the whole list of the run.
 bool TakeResults(TransformRun& run, std::size_t capacity) {
     std::vector<TargetBuffer> buffers(capacity);
     std::vector<wchar_t*> pointers;
@@ -70,8 +70,8 @@ bool GetCurrentTarget(TransformRun& run, std::wstring& path) {
     return open && given;
 }
 
-// Counts the files that are done, also those that were dropped, for a bar that is there only for
-// several files.
+// The bar of the per-file stage: its position is the number of files that are done, a dropped one
+// included. With a single file the bar stays a marquee.
 class FileProgress {
 public:
     FileProgress(const TransformDisplay& display, std::size_t files)
@@ -89,8 +89,9 @@ private:
     std::size_t done_ = 0;
 };
 
-// Puts the result's path in the place of the file's; it is empty when the file is to be dropped.
-// False: the stage stops here.
+// Transforms the file at `path` and replaces `path` by the result's, which is empty when the file
+// is dropped. False when the manager reports a failure or the dialog has ended: the stage stops
+// then.
 bool TransformFile(TransformRun& run, const TransformDisplay& display, FileProgress& progress,
                    std::wstring& path) {
     if (!SetCurrentTarget(run, path)) return false;

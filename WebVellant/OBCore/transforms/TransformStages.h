@@ -22,8 +22,9 @@ struct TransformSummary {
 
 bool GetTransformSummary(TransformRun& run, TransformSummary& summary);
 
-// The list before or after the per-file stage: the providers may merge, replace or drop files. Does
-// nothing, with success, when neither list stage has a provider or there are no files.
+// The list stage, which runs before and after the per-file stage: the providers may merge, replace
+// or drop files. Asks for the counts again and does nothing, with success, when both list counts
+// are below 1 or the list is empty.
 bool RunListStage(TransformRun& run);
 
 // Each file by itself; one whose path comes back empty is dropped. Shows how far the work is.
