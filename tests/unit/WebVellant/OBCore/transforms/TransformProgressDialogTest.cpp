@@ -2,6 +2,11 @@
 // worker.
 #include <commctrl.h>
 
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "tests/support/Allocations.h"
 #include "tests/support/RecordedTrace.h"
 #include "tests/unit/WebVellant/OBCore/transforms/TransformsFixture.h"
 
@@ -28,6 +33,26 @@ HWND FocusOf(HWND dialog) {
     GUITHREADINFO thread{sizeof thread};
     GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &thread);
     return thread.hwndFocus;
+}
+
+// The dialog procedure itself: SendMessage gives the result of the system's handling, which follows
+// when the procedure returns 0.
+DLGPROC ProcedureOf(HWND dialog) {
+    return reinterpret_cast<DLGPROC>(GetWindowLongPtrW(dialog, DWLP_DLGPROC));
+}
+
+// Set by FailAfterwards; while it exists, the next allocation of the process fails.
+std::optional<obtest::FailingAllocations> failing;
+
+// A hook: memory runs out for what the dialog's thread does for the final stage. The other hooks
+// of that thread come first.
+LRESULT CALLBACK FailAfterwards(int code, WPARAM wParam, LPARAM lParam) {
+    const LRESULT result = CallNextHookEx(nullptr, code, wParam, lParam);
+    const auto& message = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+    if (code == HC_ACTION && message.message == obcore::kFinalStageMessage && !failing) {
+        failing.emplace(obtest::AllocationPlan{.once = true});
+    }
+    return result;
 }
 
 LPARAM RunOf(HWND dialog) { return GetWindowLongPtrW(dialog, DWLP_USER); }
@@ -81,9 +106,19 @@ protected:
 
 TEST_F(TransformProgressDialog, StopsTheRunInEachStageWhenTheUserCancels) {
     Stages(L"1,1,1,1");
-    for (const wchar_t* call :
-         {L"GetSelectedTransformSummary", L"ExecutePostTransforms", L"GetTargetFile",
-          L"SetProviderTarget", L"ExecuteTransforms", L"GetProviderTarget"}) {
+    Answer(L"ExecutePostTransforms.paths", L"C:\\t\\c.doc|C:\\t\\d.doc");
+    Answer(L"GetProviderTarget.c.doc", L"C:\\t\\c.pdf");
+    const Lines picked = files_;
+    const Lines afterListStage = {L"C:\\t\\c.doc", L"C:\\t\\d.doc"};
+    // The list of the last step that was finished before the call.
+    const std::pair<const wchar_t*, Lines> calls[] = {{L"GetSelectedTransformSummary", picked},
+                                                      {L"ExecutePostTransforms", picked},
+                                                      {L"GetTargetFile", picked},
+                                                      {L"SetProviderTarget", afterListStage},
+                                                      {L"ExecuteTransforms", afterListStage},
+                                                      {L"GetProviderTarget", afterListStage}};
+    for (const auto& [call, left] : calls) {
+        files_ = picked;
         FakeModules::ForgetCalls();
         const Lines lines = WrittenAfterCancelIn(call, &PressCancel);
         // No call, no report; the worker ends the closed dialog once more.
@@ -91,8 +126,48 @@ TEST_F(TransformProgressDialog, StopsTheRunInEachStageWhenTheUserCancels) {
         EXPECT_EQ(lines[0], kCancelled);
         EXPECT_TRUE(lines[1].starts_with(L"EndDialog(dialog, "));
         EXPECT_TRUE(lines[1].ends_with(L"[worker]"));
-        EXPECT_EQ(files_, (Lines{L"C:\\t\\a.doc", L"C:\\t\\b.doc"})) << "no step was finished";
+        EXPECT_EQ(files_, left) << testing::PrintToString(std::wstring(call));
     }
+}
+
+TEST_F(TransformProgressDialog,
+       StopsTheRunWhenTheUserCancelsDuringTheCallThatLeavesAConversionOut) {
+    Stages(L"1,1,1,1");
+    Answer(L"ExecutePostTransforms.paths", L"C:\\t\\c.doc");
+    Answer(L"Hold", L"ExecutePostTransforms");
+    TransformUiDriver driver([](HWND dialog) {
+        EXPECT_FALSE(HeldCall::Await().empty());
+        Answer(L"Hold", L"SelectProviders"); // only now: the run begins with such a call as well
+        HeldCall::Release();
+        EXPECT_TRUE(obtest::WaitUntil(
+            [] { return FakeModules::CallsOf({L"SelectProviders"}).size() == 2; }));
+        EXPECT_TRUE(HeldCall::Await().starts_with(L"SelectProviders(manager, 1, 70, 4)"));
+        PressCancel(dialog);
+        EXPECT_TRUE(WaitUntilClosed(dialog));
+    });
+    EXPECT_FALSE(Run());
+    EXPECT_TRUE(driver.SawDialog());
+    Answer(L"Hold", L"nothing");
+    HeldCall::Release();
+    EXPECT_TRUE(JoinWorkers());
+    const Lines lines = Written({L"Execute", L"SetProviderTarget", L"LogApplet", L"EndDialog"});
+    ASSERT_EQ(lines.size(), 3u) << testing::PrintToString(lines);
+    EXPECT_TRUE(lines[0].starts_with(L"ExecutePostTransforms"));
+    EXPECT_EQ(lines[1], kCancelled);
+    EXPECT_TRUE(lines[2].ends_with(L"[worker]"));
+    EXPECT_EQ(files_, Lines{L"C:\\t\\c.doc"});
+}
+
+TEST_F(TransformProgressDialog, MakesNoCallForACancelThatNamesTheRun) {
+    Stages(L"0,0,1,1");
+    const auto cancel = [](HWND dialog) {
+        SendMessageW(dialog, WM_COMMAND, IDCANCEL, RunOf(dialog));
+    };
+    const Lines lines = WrittenAfterCancelIn(L"ExecuteTransforms", cancel);
+    ASSERT_EQ(lines.size(), 2u) << testing::PrintToString(lines);
+    EXPECT_EQ(lines[0], kCancelled);
+    EXPECT_TRUE(lines[1].starts_with(L"EndDialog(dialog, "));
+    EXPECT_TRUE(lines[1].ends_with(L"[worker]"));
 }
 
 TEST_F(TransformProgressDialog, IsCancelledByItsCloseBoxAndByEsc) {
@@ -141,8 +216,9 @@ TEST_F(TransformProgressDialog, CountsTheCancelAlsoWhenTheFinalStageThenSucceeds
 
 TEST_F(TransformProgressDialog, CountsTheCancelAlsoWhenTheWorkerEndsAtTheSameMoment) {
     Stages(L"0,0,1,0");
-    const FailingCall both(Fault::EndsAtCancel);
-    WrittenAfterCancelIn(L"ExecuteTransforms", &PressCancel); // expects a run that stops
+    // The worker's EndDialog(1) comes right after the cancel's EndDialog(2): the dialog returns 1.
+    const FailingCall bothEnds(Fault::EndsAtCancel);
+    WrittenAfterCancelIn(L"ExecuteTransforms", &PressCancel); // checks that the run returns false
 }
 
 TEST_F(TransformProgressDialog, KeepsTheManagerUntilTheRunningCallHasEnded) {
@@ -252,7 +328,9 @@ TEST_F(TransformProgressDialog, LeavesOtherMessagesToTheSystem) {
     Stages(L"0,0,1,1");
     EXPECT_TRUE(RunHeldIn(L"ExecuteTransforms", [](HWND dialog) {
         for (const UINT message : {WM_USER, WM_USER + 2, WM_NOTIFY, WM_TIMER, WM_APP}) {
-            SendMessageW(dialog, message, IDCANCEL, message == WM_NOTIFY ? 0 : RunOf(dialog));
+            const LPARAM parameter = message == WM_NOTIFY ? 0 : RunOf(dialog);
+            SendMessageW(dialog, message, IDCANCEL, parameter);
+            EXPECT_EQ(ProcedureOf(dialog)(dialog, message, IDCANCEL, parameter), 0) << message;
         }
         EXPECT_TRUE(FakeModules::CallsOf({L"ExecuteFinalTransforms"}).empty());
     }));
@@ -293,9 +371,11 @@ TEST_F(TransformProgressDialog, StaysOpenWithoutAWorkerUntilTheUserCancels) {
 
 TEST_F(TransformProgressDialog, StaysOpenWhenMemoryRunsOutForTheWorker) {
     const FailingCall noMemory(Fault::MemoryForThread);
+    obtest::ForgetTrace();
     TransformUiDriver driver([](HWND dialog) { PressCancel(dialog); });
     EXPECT_FALSE(Run());
     EXPECT_TRUE(driver.SawDialog());
+    EXPECT_EQ(std::ranges::count(obtest::TraceLines(), std::string(kNoThread)), 1);
 }
 
 TEST_F(TransformProgressDialog, EndsWith2WhenMemoryRunsOutOnTheWorker) {
@@ -304,6 +384,18 @@ TEST_F(TransformProgressDialog, EndsWith2WhenMemoryRunsOutOnTheWorker) {
     EXPECT_FALSE(Run());
     EXPECT_TRUE(Written({L"Execute"}).empty());
     EXPECT_EQ(Written({L"EndDialog"}), Lines{L"EndDialog(dialog, 2) [worker]"});
+}
+
+TEST_F(TransformProgressDialog, EndsWith2WhenMemoryRunsOutInTheFinalStage) {
+    Stages(L"0,0,0,1");
+    const ObLib::UniqueWindowHook hook(
+        SetWindowsHookExW(WH_CALLWNDPROC, &FailAfterwards, nullptr, GetCurrentThreadId()));
+    EXPECT_FALSE(Run());
+    EXPECT_TRUE(failing && failing->Failed());
+    failing.reset();
+    EXPECT_TRUE(Written({L"ExecuteFinalTransforms"}).empty());
+    EXPECT_EQ(Written({L"EndDialog"}), Lines{L"EndDialog(dialog, 2) [worker]"});
+    EXPECT_EQ(files_, (Lines{L"C:\\t\\a.doc", L"C:\\t\\b.doc"}));
 }
 
 TEST_F(TransformProgressDialog, EndsWith2WhenThereIsNoMemoryForTheResultsOfAStage) {

@@ -72,9 +72,11 @@ TEST_F(TransformedRun, AttachesNothingWhenAllFilesAreDropped) {
     for (const wchar_t* name : {L"a", L"b", L"c", L"d", L"e"}) {
         Answer((std::wstring(L"GetProviderTarget.") + name + L".jpg").c_str(), L"");
     }
+    const obtest::MessageBoxWatcher boxes;
     EXPECT_EQ(Process(), 0);
     EXPECT_TRUE(Written({L"Zip("}).empty());
     EXPECT_TRUE(Left().empty());
+    EXPECT_TRUE(boxes.Seen().empty());
 }
 
 TEST_F(TransformedRun, LeavesNothingAfterACancelInAnyStage) {
@@ -106,6 +108,7 @@ TEST_F(TransformedRun, LeavesNothingAfterACancelInTheFinalStage) {
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     });
     EXPECT_EQ(Process(), 0);
+    EXPECT_TRUE(driver.SawDialog());
     ExpectNothingAttached();
 }
 
