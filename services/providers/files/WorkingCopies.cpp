@@ -16,9 +16,56 @@ using ObLib::UniqueKernelHandle;
 constexpr DWORD kTheFileItself = FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_BACKUP_SEMANTICS;
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-std::wstring FolderOf(const std::wstring& path) { return path.substr(0, path.rfind(L'\\')); }
+// Empty when there is none above.
+std::wstring FolderOf(const std::wstring& path) {
+    const std::size_t end = path.rfind(L'\\');
+    return end == std::wstring::npos ? std::wstring() : path.substr(0, end);
+}
 
-constexpr std::size_t kDriveLength = 6; // the prefix, a letter and a colon
+constexpr wchar_t kPrefix[] = L"\\\\?\\";
+constexpr wchar_t kSharePrefix[] = L"\\\\?\\UNC\\";
+constexpr std::size_t kPrefixLength = std::size(kPrefix) - 1;
+constexpr std::size_t kDriveLength = kPrefixLength + 2; // a letter and a colon
+
+bool IsLetter(wchar_t sign) {
+    return (sign >= L'a' && sign <= L'z') || (sign >= L'A' && sign <= L'Z');
+}
+
+// The length of the part that contains no names of folders; 0: not a full path with the prefix.
+std::size_t RootLength(const std::wstring& path) {
+    if (path.starts_with(kSharePrefix)) return std::size(kSharePrefix) - 1;
+    const bool onDrive = path.starts_with(kPrefix) && path.size() > kDriveLength &&
+                         IsLetter(path[kPrefixLength]) &&
+                         path.compare(kPrefixLength + 1, 2, L":\\") == 0;
+    return onDrive ? kDriveLength + 1 : 0;
+}
+
+bool IsName(const std::wstring& name) { return !name.empty() && name != L"." && name != L".."; }
+
+// Whether each component of the path is the name of what is there, so that the folders above the
+// file are those that the path shows: no dots, other slashes or streams.
+bool IsPlain(const std::wstring& path) {
+    const std::size_t root = RootLength(path);
+    if (root == 0 || path.find_first_of(L"/:", root) != std::wstring::npos) return false;
+    for (std::size_t start = root; start <= path.size();) {
+        const std::size_t end = std::min(path.find(L'\\', start), path.size());
+        if (!IsName(path.substr(start, end - start))) return false;
+        start = end + 1;
+    }
+    return true;
+}
+
+// The path under which the system opened the file; empty when it gives none.
+std::wstring FinalPath(HANDLE file) {
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetFinalPathNameByHandleW(
+            file, path.data(), static_cast<DWORD>(path.size()), FILE_NAME_NORMALIZED);
+        const bool fits = length < path.size();
+        path.resize(length);
+        if (fits) return path;
+    }
+}
 
 std::optional<FileIdentity> TemporaryFolder() {
     wchar_t path[MAX_PATH + 1];
@@ -28,8 +75,7 @@ std::optional<FileIdentity> TemporaryFolder() {
 }
 
 // Whether one of the folders above `path` is `folder`, and none between them a link; the nearest
-// `skipped` of them don't count. The path has the prefix for long paths, with which the system
-// takes dots as names.
+// `skipped` of them don't count. The path is plain.
 bool IsBelow(const std::wstring& path, const FileIdentity& folder, int skipped) {
     for (std::wstring above = FolderOf(path); above.size() >= kDriveLength;
          above = FolderOf(above)) {
@@ -38,6 +84,16 @@ bool IsBelow(const std::wstring& path, const FileIdentity& folder, int skipped) 
         --skipped;
     }
     return false;
+}
+
+// Whether the file is where a working copy may be; `folder` as for WorkingCopy::Open.
+bool IsInItsPlace(const std::wstring& path, const std::wstring& folder) {
+    const auto temporary = TemporaryFolder();
+    // The nearest folder above the file has to be one in the temporary path, and not that itself.
+    if (!IsPlain(path) || !temporary || !IsBelow(path, *temporary, 1)) return false;
+    if (folder.empty()) return true;
+    const auto given = IdentityOfFolder(folder);
+    return given && IsBelow(path, *given, 0);
 }
 
 // A file with a second name could be the user's own under the other one.
@@ -52,19 +108,53 @@ bool IsRegular(HANDLE file, FileIdentity& identity) {
     return (info.dwFileAttributes & kOther) == 0 && info.nNumberOfLinks == 1;
 }
 
+// The attributes that a copy keeps; the others are the file system's own matter.
+constexpr DWORD kKept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+                        FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+
+// Of the open file, whatever its path leads to by now. The file needs the right to write
+// attributes.
+bool SetAttributes(HANDLE file, DWORD attributes) noexcept {
+    FILE_BASIC_INFO info{}; // zero: left as it is
+    info.FileAttributes = (attributes & kKept) ? attributes & kKept : FILE_ATTRIBUTE_NORMAL;
+    return SetFileInformationByHandle(file, FileBasicInfo, &info, sizeof info) != FALSE;
+}
+
+// Makes an open file or empty folder go. The system deletes nothing that is protected against
+// writing.
+bool DeleteOpen(HANDLE file) noexcept {
+    BY_HANDLE_FILE_INFORMATION info;
+    if (GetFileInformationByHandle(file, &info) &&
+        (info.dwFileAttributes & FILE_ATTRIBUTE_READONLY)) {
+        SetAttributes(file, FILE_ATTRIBUTE_NORMAL);
+    }
+    FILE_DISPOSITION_INFO gone{TRUE};
+    return SetFileInformationByHandle(file, FileDispositionInfo, &gone, sizeof gone) != FALSE;
+}
+
+// The folder, which can't be renamed or deleted while this is open. Empty when another one has its
+// path by now.
+UniqueKernelHandle Pin(const std::wstring& folder, const FileIdentity& identity) noexcept {
+    UniqueKernelHandle pin(CreateFileW(folder.c_str(), FILE_LIST_DIRECTORY | FILE_READ_ATTRIBUTES,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                       kTheFileItself, nullptr));
+    if (!pin || IdentityOf(pin.Get()) == identity) return pin;
+    SetLastError(ERROR_PATH_NOT_FOUND);
+    return {};
+}
+
 // A file or an empty folder. True also when it is no longer there, as when another one has its
 // name.
 bool DeleteByIdentity(const std::wstring& path, const FileIdentity& identity) noexcept {
-    const UniqueKernelHandle file(CreateFileW(path.c_str(), DELETE | FILE_READ_ATTRIBUTES,
-                                              kShareAll, nullptr, OPEN_EXISTING, kTheFileItself,
-                                              nullptr));
+    const UniqueKernelHandle file(
+        CreateFileW(path.c_str(), DELETE | FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES, kShareAll,
+                    nullptr, OPEN_EXISTING, kTheFileItself, nullptr));
     if (!file) {
         const DWORD error = GetLastError();
         return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
     }
     if (IdentityOf(file.Get()) != identity) return true;
-    FILE_DISPOSITION_INFO gone{TRUE};
-    return SetFileInformationByHandle(file.Get(), FileDispositionInfo, &gone, sizeof gone) != FALSE;
+    return DeleteOpen(file.Get());
 }
 
 std::wstring NewName() {
@@ -108,18 +198,19 @@ std::optional<WorkingCopy> WorkingCopy::Open(const std::wstring& path, const std
     WorkingCopy copy;
     refusal = CopyRefusal::Unreadable;
     copy.path_ = ObLib::WithLongPathPrefix(path);
+    if (!IsPlain(copy.path_)) {
+        refusal = CopyRefusal::NotACopy;
+        return {};
+    }
     copy.file_.Reset(CreateFileW(copy.path_.c_str(), GENERIC_READ,
                                  FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                  FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
     if (!copy.file_) return {};
     refusal = CopyRefusal::NotACopy;
     if (!IsRegular(copy.file_.Get(), copy.identity_)) return {};
-    const auto temporary = TemporaryFolder();
-    // The nearest folder above the file has to be one in the temporary path, and not that itself.
-    if (!temporary || !IsBelow(copy.path_, *temporary, 1)) return {};
-    if (!folder.empty()) {
-        const auto given = IdentityOfFolder(folder);
-        if (!given || !IsBelow(copy.path_, *given, 0)) return {};
+    // The path that was given, and the one that the system opened.
+    if (!IsInItsPlace(copy.path_, folder) || !IsInItsPlace(FinalPath(copy.file_.Get()), folder)) {
+        return {};
     }
     refusal = CopyRefusal::None;
     return copy;
@@ -128,16 +219,23 @@ std::optional<WorkingCopy> WorkingCopy::Open(const std::wstring& path, const std
 std::unique_ptr<NewFile> NewFile::MakeBeside(const WorkingCopy& copy, UnfinishedFiles& unfinished) {
     std::unique_ptr<NewFile> made(new NewFile(unfinished));
     made->path_ = copy.Folder() + NewName();
-    made->file_.Reset(CreateFileW(made->path_.c_str(), GENERIC_READ | GENERIC_WRITE,
+    made->file_.Reset(CreateFileW(made->path_.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
                                   FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
                                   FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!made->file_) {
         made->isPlaced_ = true; // there is nothing to delete
         return nullptr;
     }
-    made->identity_ = IdentityOf(made->file_.Get()).value_or(FileIdentity());
     made->folder_ = copy.Folder();
-    made->folderIdentity_ = IdentityOfFolder(made->folder_ + L'\\').value_or(FileIdentity());
+    const auto identity = IdentityOf(made->file_.Get());
+    const auto folder = IdentityOfFolder(made->folder_ + L'\\');
+    if (!identity || !folder) {
+        DeleteOpen(made->file_.Get());
+        made->isPlaced_ = true;
+        return nullptr;
+    }
+    made->identity_ = *identity;
+    made->folderIdentity_ = *folder;
     unfinished.Add(made->path_, made->identity_);
     return made;
 }
@@ -162,32 +260,37 @@ bool NewFile::Prepare(WorkingCopy& copy) {
     if (!GetFileInformationByHandle(copy.file_.Get(), &info)) return false;
     attributes_ = info.dwFileAttributes;
     SetFileTime(file_.Get(), &info.ftCreationTime, &info.ftLastAccessTime, &info.ftLastWriteTime);
+    SetAttributes(file_.Get(), attributes_);
     file_.Reset();
     copy.file_.Reset();
-    // The system replaces no file that is protected against writing.
-    if (attributes_ & FILE_ATTRIBUTE_READONLY) {
-        SetFileAttributesW(copy.path_.c_str(), FILE_ATTRIBUTE_NORMAL);
-    }
     return true;
 }
 
-// A copy that a clean-up deleted meanwhile isn't made again, and no other file in its place is
-// replaced.
-bool NewFile::Rename(const WorkingCopy& copy) {
-    {
-        const UniqueKernelHandle there(CreateFileW(copy.path_.c_str(), FILE_READ_ATTRIBUTES,
-                                                   kShareAll, nullptr, OPEN_EXISTING,
-                                                   FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-        if (!there) return false;
-        if (IdentityOf(there.Get()) != copy.identity_) {
-            SetLastError(ERROR_FILE_NOT_FOUND);
-            return false;
-        }
+// The system replaces no file that is protected against writing. False when the copy is no longer
+// there, also when another file has its path.
+bool NewFile::Protect(const WorkingCopy& copy, DWORD attributes) noexcept {
+    const bool isProtected = (attributes_ & FILE_ATTRIBUTE_READONLY) != 0;
+    const UniqueKernelHandle there(CreateFileW(
+        copy.path_.c_str(), FILE_READ_ATTRIBUTES | (isProtected ? FILE_WRITE_ATTRIBUTES : 0),
+        kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!there) return false;
+    if (IdentityOf(there.Get()) != copy.identity_) {
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return false;
     }
+    return !isProtected || SetAttributes(there.Get(), attributes);
+}
+
+// A copy that a clean-up deleted meanwhile isn't made again, and no other file in its place is
+// replaced. The folder is pinned, so that the path leads to the same folder in all steps. The
+// system replaces no file that is open, so the handle that shows the copy's identity is closed
+// before the step: a program of the same user could put another file there in between.
+bool NewFile::Rename(const WorkingCopy& copy) {
+    const UniqueKernelHandle folder = Pin(folder_, folderIdentity_);
+    if (!folder || !Protect(copy, attributes_ & ~DWORD{FILE_ATTRIBUTE_READONLY})) return false;
     if (!MoveFileExW(path_.c_str(), copy.path_.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
     isPlaced_ = true;
     unfinished_.Remove(identity_);
-    PutAttributesBack(copy);
     return true;
 }
 
@@ -197,8 +300,6 @@ bool NewFile::IsBusy() noexcept {
            error == ERROR_LOCK_VIOLATION;
 }
 
-void NewFile::PutAttributesBack(const WorkingCopy& copy) const noexcept {
-    SetFileAttributesW(copy.path_.c_str(), attributes_);
-}
+void NewFile::PutAttributesBack(const WorkingCopy& copy) noexcept { Protect(copy, attributes_); }
 
 } // namespace providers

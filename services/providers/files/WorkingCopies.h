@@ -108,7 +108,8 @@ private:
     bool Prepare(WorkingCopy& copy);
     bool Rename(const WorkingCopy& copy);
     static bool IsBusy() noexcept;
-    void PutAttributesBack(const WorkingCopy& copy) const noexcept;
+    bool Protect(const WorkingCopy& copy, DWORD attributes) noexcept;
+    void PutAttributesBack(const WorkingCopy& copy) noexcept;
 
     ObLib::UniqueKernelHandle file_;
     std::wstring path_;

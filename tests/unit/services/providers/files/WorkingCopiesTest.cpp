@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -82,7 +83,7 @@ protected:
 
 TEST_F(WorkingCopiesTest, AreFilesInASubfolderOfTheTemporaryPath) {
     EXPECT_EQ(Refusal(folder_.File(L"photo.jpg")), CopyRefusal::None);
-    EXPECT_EQ(Refusal(folder_.Folder(L"deep") + L"\\..\\photo.jpg"), CopyRefusal::Unreadable);
+    EXPECT_EQ(Refusal(folder_.Folder(L"deep") + L"\\..\\photo.jpg"), CopyRefusal::NotACopy);
     ASSERT_TRUE(obtest::WriteFileContent(folder_.Folder(L"deep") + L"\\a.jpg", "a"));
     EXPECT_EQ(Refusal(folder_ / L"deep\\a.jpg"), CopyRefusal::None);
 }
@@ -95,6 +96,50 @@ TEST_F(WorkingCopiesTest, AreNoFilesOutsideOrInTheTemporaryPathItself) {
     ASSERT_TRUE(obtest::WriteFileContent(path, "theirs"));
     EXPECT_EQ(Refusal(path), CopyRefusal::NotACopy);
     DeleteFileW(path.c_str());
+}
+
+// Forms of a path in which the system resolves dots, so that the folders that the path shows aren't
+// those in which the file is.
+TEST_F(WorkingCopiesTest, AreNoFilesOutsideThatDotsLeadTo) {
+    const std::wstring inside = folder_.Path(); // on drive C, as the file outside is
+    ASSERT_EQ(inside.substr(1, 2), L":\\");
+    std::wstring up;
+    for (const wchar_t sign : inside) up += sign == L'\\' ? L"\\.." : L"";
+    const std::wstring theirs = inside + up + L"\\their files\\photo.jpg";
+    std::wstring slashes = theirs;
+    std::ranges::replace(slashes, L'\\', L'/');
+    const std::wstring rest = theirs.substr(3);
+    for (const std::wstring& path :
+         {theirs, slashes, L"C:/" + rest, L"C:" + rest, L"\\" + rest, L"\\\\.\\" + theirs,
+          L"//./" + theirs, L"\\\\?\\" + theirs, L"//?/" + theirs, L"\\??\\" + theirs,
+          L"\\\\?\\" + slashes, L"\\\\?\\GLOBALROOT\\??\\" + theirs}) {
+        EXPECT_EQ(Refusal(path), CopyRefusal::NotACopy) << testing::PrintToString(path);
+        EXPECT_FALSE(Replace(path, "new")) << testing::PrintToString(path);
+        EXPECT_EQ(obtest::ReadFileContent(Outside()), "theirs") << testing::PrintToString(path);
+    }
+}
+
+// The current folder is one of the temporary path, so that the system finds the files.
+TEST_F(WorkingCopiesTest, AreNoFilesWithARelativePath) {
+    wchar_t current[MAX_PATH];
+    ASSERT_NE(GetCurrentDirectoryW(MAX_PATH, current), 0u);
+    folder_.File(L"photo.jpg", "old");
+    ASSERT_TRUE(SetCurrentDirectoryW(folder_.Path().c_str()));
+    for (const wchar_t* path : {L"photo.jpg", L".\\photo.jpg", L"C:photo.jpg"}) {
+        EXPECT_EQ(Refusal(path), CopyRefusal::NotACopy) << testing::PrintToString(path);
+    }
+    SetCurrentDirectoryW(current);
+    EXPECT_EQ(obtest::ReadFileContent(folder_ / L"photo.jpg"), "old");
+}
+
+TEST_F(WorkingCopiesTest, AreNoStreamsAndHaveNoEmptyComponents) {
+    const std::wstring path = folder_.File(L"photo.jpg", "old");
+    EXPECT_EQ(Refusal(path + L":stream"), CopyRefusal::NotACopy);
+    EXPECT_EQ(Refusal(path + L"::$DATA"), CopyRefusal::NotACopy);
+    EXPECT_EQ(Refusal(path + L"\\"), CopyRefusal::NotACopy);
+    EXPECT_EQ(Refusal(folder_.Path() + L"\\.\\photo.jpg"), CopyRefusal::NotACopy);
+    EXPECT_EQ(Refusal(folder_.Path() + L"\\\\photo.jpg"), CopyRefusal::NotACopy);
+    EXPECT_EQ(Refusal(L"\\\\?\\" + path), CopyRefusal::None);
 }
 
 TEST_F(WorkingCopiesTest, AreNoFoldersDevicesOrMissingFiles) {
@@ -175,6 +220,38 @@ TEST_F(WorkingCopiesTest, KeepTheirTimesAndAttributes) {
     EXPECT_EQ(CompareFileTime(&data.ftLastWriteTime, &written), 0);
     EXPECT_TRUE(data.dwFileAttributes & FILE_ATTRIBUTE_READONLY);
     EXPECT_EQ(obtest::ReadFileContent(path), "new");
+}
+
+// Another file that has the copy's path by now keeps its content and its attributes.
+TEST_F(WorkingCopiesTest, LeaveAnotherFileInTheirPlaceAsItIs) {
+    const std::wstring path = folder_.File(L"photo.jpg", "old");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    CopyRefusal refusal{};
+    auto copy = WorkingCopy::Open(path, L"", refusal);
+    ASSERT_TRUE(copy);
+    const auto made = NewFile::MakeBeside(*copy, unfinished_);
+    ASSERT_TRUE(made);
+    ASSERT_TRUE(MoveFileW(path.c_str(), (folder_ / L"moved.jpg").c_str()));
+    ASSERT_TRUE(obtest::WriteFileContent(path, "theirs"));
+    constexpr DWORD kTheirs = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE;
+    SetFileAttributesW(path.c_str(), kTheirs);
+    EXPECT_FALSE(made->TakePlaceOf(*copy, [&] {
+        EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY);
+        return false;
+    }));
+    EXPECT_EQ(obtest::ReadFileContent(path), "theirs");
+    EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    SetFileAttributesW((folder_ / L"moved.jpg").c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(WorkingCopiesTest, DeleteANewFileThatIsProtectedByNow) {
+    const std::wstring path = folder_.File(L"photo.jpg", "old");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_FALSE(Replace(path, "new", true));
+    EXPECT_EQ(Names(), (std::vector<std::wstring>{L"photo.jpg"}));
+    EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 TEST_F(WorkingCopiesTest, StayAsTheyAreWhenTheCallIsToEnd) {
