@@ -1,10 +1,15 @@
 #include "services/providers/worker/PumpingWait.h"
 
+#include <utility>
+
 namespace providers {
 namespace {
 
-// Marks the owner that is watched, with the object that watches it.
-constexpr wchar_t kWatcher[] = L"OmbrixVellantPumpingWait";
+// A window that has a message for itself at all times must not keep the wait from its events.
+constexpr int kMostMessages = 64;
+
+// The waits of this thread: one may begin in a message that another one dispatches.
+thread_local PumpingWait* innermost = nullptr;
 
 bool IsOfThisThread(HWND window) {
     return window && GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId();
@@ -16,13 +21,14 @@ bool IsCancel(UINT message, WPARAM wParam) {
 
 } // namespace
 
-PumpingWait::PumpingWait(HANDLE ended, HWND owner) : CallWait(ended, owner) {
-    if (!IsOfThisThread(owner) || !SetPropW(owner, kWatcher, this)) return;
+PumpingWait::PumpingWait(HANDLE ended, HWND owner)
+    : CallWait(ended, owner), outer_(std::exchange(innermost, this)) {
+    if (!IsOfThisThread(owner)) return;
     hook_.Reset(SetWindowsHookExW(WH_CALLWNDPROC, &Watch, nullptr, GetCurrentThreadId()));
 }
 
 PumpingWait::~PumpingWait() {
-    if (IsWindow(Owner())) RemovePropW(Owner(), kWatcher);
+    innermost = outer_;
     if (quits_) PostQuitMessage(quitCode_);
 }
 
@@ -31,8 +37,9 @@ PumpingWait::~PumpingWait() {
 LRESULT CALLBACK PumpingWait::Watch(int code, WPARAM wParam, LPARAM lParam) noexcept {
     const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
     if (code == HC_ACTION && IsCancel(sent.message, sent.wParam)) {
-        auto* const self = static_cast<PumpingWait*>(GetPropW(sent.hwnd, kWatcher));
-        if (self) self->isLeft_ = true;
+        for (PumpingWait* wait = innermost; wait; wait = wait->outer_) {
+            if (sent.hwnd && sent.hwnd == wait->Owner()) wait->isLeft_ = true;
+        }
     }
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
@@ -54,7 +61,9 @@ void PumpingWait::Dispatch(MSG& message) {
 
 void PumpingWait::Sleep(const HANDLE (&events)[2], DWORD limit) {
     MsgWaitForMultipleObjectsEx(2, events, limit, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-    for (MSG message; !isLeft_ && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+    MSG message;
+    for (int handled = 0; handled < kMostMessages && !isLeft_; ++handled) {
+        if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return;
         Dispatch(message);
     }
 }

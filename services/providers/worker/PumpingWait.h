@@ -26,6 +26,7 @@ private:
     static LRESULT CALLBACK Watch(int code, WPARAM wParam, LPARAM lParam) noexcept;
     void Dispatch(MSG& message);
 
+    PumpingWait* outer_;           // of the same thread; null for the outermost
     ObLib::UniqueWindowHook hook_; // of this thread; empty without an owner to watch
     bool isLeft_ = false;
     bool quits_ = false;

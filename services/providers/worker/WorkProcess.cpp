@@ -13,6 +13,19 @@ namespace {
 using namespace obcontract;
 using ObLib::UniqueKernelHandle;
 
+// The record of one request as the pipe carries it.
+struct RequestRecord {
+    WorkHeader header;
+    CleanRequest request;
+};
+static_assert(sizeof(RequestRecord) == sizeof(WorkHeader) + sizeof(CleanRequest));
+
+// A process is replaced after so many requests. They all fit into the pipe at once, so that one
+// that answers without reading them can't make a write wait.
+constexpr std::size_t kMostRequests = 64;
+constexpr DWORD kPipeRoom = 4096; // bytes
+static_assert(kMostRequests * sizeof(RequestRecord) <= kPipeRoom);
+
 struct Pipe {
     UniqueKernelHandle reading;
     UniqueKernelHandle writing;
@@ -21,7 +34,7 @@ struct Pipe {
 // One end of each pipe is inherited, by the handle list alone. A process that another thread of the
 // host starts meanwhile with all inheritable handles may get it too: see Stop.
 bool MakePipe(Pipe& pipe, UniqueKernelHandle Pipe::*inherited) {
-    return CreatePipe(pipe.reading.Put(), pipe.writing.Put(), nullptr, 0) &&
+    return CreatePipe(pipe.reading.Put(), pipe.writing.Put(), nullptr, kPipeRoom) &&
            SetHandleInformation((pipe.*inherited).Get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
 }
 
@@ -41,6 +54,7 @@ WorkReport Only(WorkResult result) {
 } // namespace
 
 WorkReport WorkProcess::Run(WorkKind kind, HANDLE source, HANDLE target, CallWait& wait) {
+    if (sent_ >= kMostRequests) Stop();
     const bool wasUsed = static_cast<bool>(process_);
     WorkReport report = RunOnce(kind, source, target, wait);
     if (!wasUsed || report.result != WorkResult::ProcessFailed || !Empty(target)) return report;
@@ -64,7 +78,9 @@ WorkReport WorkProcess::RunOnce(WorkKind kind, HANDLE source, HANDLE target, Cal
     return report;
 }
 
+// Without its full path the system would search for a program.
 bool WorkProcess::Start() {
+    if (settings_.program.empty()) return false;
     Pipe requests;
     Pipe replies;
     if (!MakePipe(requests, &Pipe::reading) || !MakePipe(replies, &Pipe::writing)) return false;
@@ -76,6 +92,7 @@ bool WorkProcess::Start() {
     requests_ = std::move(requests.writing);
     replies_ = std::move(replies.reading);
     broken_ = false;
+    sent_ = 0;
     reader_.Reset(CreateThread(nullptr, 0, &ReaderEntry, this, 0, nullptr));
     return static_cast<bool>(reader_);
 }
@@ -90,20 +107,18 @@ std::uint64_t WorkProcess::Duplicate(HANDLE file, DWORD access) const {
     return reinterpret_cast<std::uintptr_t>(theirs);
 }
 
-// One record fits into the pipe's buffer, so a process that doesn't read can't hold this thread.
+// The pipe has room for the record, see kMostRequests.
 bool WorkProcess::Send(WorkKind kind, HANDLE source, HANDLE target) {
-    struct {
-        WorkHeader header;
-        CleanRequest request;
-    } record{{kWorkMagic, kind, sizeof(CleanRequest), 0}, {}};
-    static_assert(sizeof record == sizeof(WorkHeader) + sizeof(CleanRequest));
+    RequestRecord record{{kWorkMagic, kind, sizeof(CleanRequest), 0}, {}};
     record.request.files.source = Duplicate(source, FILE_GENERIC_READ);
     if (record.request.files.source == 0) return false;
     if (target) {
-        // Without the right to rename or delete: that is this side's to do.
-        record.request.files.target = Duplicate(target, FILE_GENERIC_WRITE);
+        // Without the right to rename, delete or change attributes: that is this side's to do.
+        constexpr DWORD kWriting = FILE_WRITE_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
+        record.request.files.target = Duplicate(target, kWriting);
         if (record.request.files.target == 0) return false;
     }
+    ++sent_;
     return ObLib::WriteWhole(requests_.Get(), &record, sizeof record);
 }
 
@@ -165,6 +180,7 @@ void WorkProcess::Stop() noexcept {
     }
     reader_.Reset();
     process_ = {};
+    sent_ = 0;
     requests_.Reset();
     replies_.Reset();
 }

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -22,8 +23,8 @@ struct WorkSettings {
 };
 
 // The process of one run. It is started at the first request and, after one that failed with it, at
-// the next one. One thread at a time calls it; a thread of its own reads the replies. The process
-// ends with this object.
+// the next one, and replaced after 64 requests. One thread at a time calls it; a thread of its own
+// reads the replies. The process ends with this object.
 class WorkProcess {
 public:
     explicit WorkProcess(WorkSettings settings) : settings_(std::move(settings)) {}
@@ -55,6 +56,7 @@ private:
 
     WorkSettings settings_;
     LimitedProcess process_;
+    std::size_t sent_ = 0; // requests to this process
     ObLib::UniqueKernelHandle requests_;
     ObLib::UniqueKernelHandle replies_;
     ObLib::UniqueKernelHandle arrived_; // an event; set after each record

@@ -138,6 +138,20 @@ void Act(const std::string& word, const Taken& taken) {
     if (word == "crash-after-done") Crash();
 }
 
+// Answers every request and reads none, until the pipe ends.
+void AnswerUnread() {
+    constexpr DWORD kSize = sizeof(WorkHeader) + sizeof(CleanRequest);
+    DWORD there = 0;
+    for (DWORD answered = 0; PeekNamedPipe(requests, nullptr, 0, nullptr, &there, nullptr);) {
+        if (there / kSize > answered) {
+            Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
+            ++answered;
+        } else {
+            Sleep(1);
+        }
+    }
+}
+
 std::string ScriptedWord() {
     std::ifstream script(obtest::BesideProgram(L"worker.txt").c_str());
     std::string word = "good";
@@ -153,6 +167,7 @@ int wmain(int count, wchar_t** words) {
     requests = HandleOf(std::wcstoull(words[1], nullptr, 10));
     replies = HandleOf(std::wcstoull(words[2], nullptr, 10));
     if (ScriptedWord() == "crash-at-start") Crash();
+    if (ScriptedWord() == "answer-unread") AnswerUnread();
     for (Taken taken; TakeRequest(taken);) {
         Act(ScriptedWord(), taken);
         CloseHandle(HandleOf(taken.request.files.source));

@@ -126,6 +126,19 @@ TEST_F(WorkProcessTest, IsReplacedWhenItDiedBetweenTwoFiles) {
     EXPECT_EQ(obtest::ReadFileContent(Target()), "clean");
 }
 
+// A pipe that nobody reads is full after about a hundred requests.
+TEST_F(WorkProcessTest, IsReplacedBeforeItsUnreadRequestsFillThePipe) {
+    WorkProcess process(Settings());
+    for (int request = 0; request < 200; ++request) {
+        ASSERT_EQ(Run(process, "answer-unread").result, WorkResult::Unchanged) << request;
+    }
+}
+
+TEST_F(WorkProcessTest, IsNotSearchedForWithoutAPath) {
+    WorkProcess process((WorkSettings()));
+    EXPECT_EQ(Run(process, "good").result, WorkResult::NotStarted);
+}
+
 TEST_F(WorkProcessTest, PassesOnThatAFileIsTooLargeOrADiskFull) {
     WorkProcess process(Settings());
     EXPECT_EQ(Run(process, "too-large").result, WorkResult::TooLarge);
