@@ -1,8 +1,6 @@
 // Life of the manager, storage providers, accounts and lists.
 #include <windows.h>
 
-#include <new>
-
 #include "services/providers/Answers.h"
 
 using namespace obcontract; // the contract's tables name its types bare
@@ -10,7 +8,9 @@ using namespace providers;
 
 extern "C" {
 
-ProviderManagerHandle CreateObExtensionsManager() { return new (std::nothrow) ObExtensionsManager; }
+ProviderManagerHandle CreateObExtensionsManager() {
+    return ObLib::Guarded<ProviderManagerHandle>(nullptr, [] { return new ObExtensionsManager; });
+}
 
 void Init(ProviderManagerHandle manager, std::int64_t hive, const wchar_t* key) {
     if (!manager) return;

@@ -110,8 +110,9 @@ obcontract::ObExtensionsManager::RunningStage::~RunningStage() {
     SetEvent(state_->idle.Get());
 }
 
-const wchar_t* obcontract::ObExtensionsManager::HandOut(std::wstring text) {
+const wchar_t* obcontract::ObExtensionsManager::HandOutTarget() {
     const std::lock_guard guard(state_->lock);
-    handedOut_ = std::move(text);
-    return handedOut_.c_str();
+    if (!state_->session) return L"";
+    handedOut_ = state_->session->target;
+    return handedOut_->c_str();
 }

@@ -31,7 +31,9 @@ struct Session {
     ObLib::UniqueKernelHandle ended; // an event, set once by Deinit
     Catalogue catalogue;
     Selection selection;
-    std::wstring target; // path of the file that the next transform is for
+    // Path of the file that the next transform is for. Never null; the manager shares it, as a text
+    // that was handed out stays valid after the session.
+    std::shared_ptr<std::wstring> target = std::make_shared<std::wstring>();
 };
 
 } // namespace providers
@@ -77,8 +79,9 @@ public:
         return stage.Session() && work(*stage.Session());
     }
 
-    // Hands out a text that stays valid until the next one is handed out.
-    const wchar_t* HandOut(std::wstring text);
+    // Hands out the target, empty outside a session. The text stays valid until the target is
+    // changed or handed out again, also after the session. Needs no memory.
+    const wchar_t* HandOutTarget();
 
 private:
     // A stage that runs keeps this alive: its end is the last thing that it touches.
@@ -107,5 +110,5 @@ private:
     void AwaitStage(DWORD limit) noexcept;
 
     std::shared_ptr<State> state_;
-    std::wstring handedOut_; // under the lock of the state
+    std::shared_ptr<const std::wstring> handedOut_; // a target; under the lock of the state
 };

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "contracts/ProviderManager.h"
 #include "services/providers/Catalogue.h"
+#include "services/providers/transforms/ProviderSet.h"
 
 namespace providers {
 
@@ -15,21 +15,16 @@ public:
     // Mode kSelectUse puts a provider in, kSelectLeaveOut takes it out again. False, with nothing
     // changed, for another mode and for a provider that the catalogue doesn't have.
     bool Select(const Catalogue& catalogue, std::uint32_t mode, std::uint32_t providerId,
-                obcontract::ProviderKind kind);
+                obcontract::ProviderKind kind) noexcept;
 
     // Whether any provider of the kind is in.
     bool HasAny(obcontract::ProviderKind kind) const noexcept;
 
-    // The selected transforms, in no order that means anything.
-    std::vector<obcontract::TransformId> Transforms() const;
+    const ProviderSet& Transforms() const noexcept { return transforms_; }
 
 private:
-    struct Selected {
-        std::uint32_t providerId;
-        obcontract::ProviderKind kind;
-        bool operator==(const Selected&) const = default;
-    };
-    std::vector<Selected> selected_;
+    ProviderSet transforms_;
+    ProviderSet storages_;
 };
 
 } // namespace providers

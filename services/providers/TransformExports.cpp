@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,17 +51,19 @@ Bool InStage(ProviderManagerHandle manager, HWND owner, Work work) noexcept {
         return manager->Stage([&](Session& session) {
             Wait wait(session.ended.Get(), owner);
             if (wait.IsEnded()) return false;
-            const std::vector<TransformId> selected = session.selection.Transforms();
+            const ProviderSet selected = session.selection.Transforms();
             StageCall call{session.run, session.settings, selected, wait};
             return static_cast<bool>(work(session, call));
         });
     });
 }
 
-// The paths of an array; an empty list when one is null.
-std::vector<std::wstring> Paths(const wchar_t* const* paths, std::uint32_t count) {
+// The paths of an array. Nothing when it or one of them is null: a stage that ran on a shorter list
+// would let the others through.
+std::optional<std::vector<std::wstring>> Paths(const wchar_t* const* paths, std::uint32_t count) {
     std::vector<std::wstring> list;
-    for (std::uint32_t index = 0; paths && index < count; ++index) {
+    if (!paths) return {};
+    for (std::uint32_t index = 0; index < count; ++index) {
         if (!paths[index]) return {};
         list.emplace_back(paths[index]);
     }
@@ -139,27 +142,27 @@ void GetSelectedTransformSummary(ProviderManagerHandle manager, std::int32_t* be
 
 void SetProviderTarget(ProviderManagerHandle manager, const wchar_t* path) {
     InSession(manager, 0, [path](Session& session) {
-        session.target = path ? path : L"";
+        session.target->clear(); // also when there is no memory for the path
+        if (path) *session.target = path;
         return 0;
     });
 }
 
-// The path as it was set until a transform changes it. The text is valid until the next call.
+// The path as it was set until a transform changes it. The text is valid until the next call of
+// this entry or SetProviderTarget. It needs no memory: the caller takes an empty path for no file.
 const wchar_t* GetProviderTarget(ProviderManagerHandle manager) {
     if (!manager) return L"";
-    return ObLib::Guarded<const wchar_t*>(L"", [manager] {
-        return manager->HandOut(manager->Quickly(
-            std::wstring(), [](const Session& session) { return session.target; }));
-    });
+    return ObLib::Guarded<const wchar_t*>(L"", [manager] { return manager->HandOutTarget(); });
 }
 
 // On the transform worker's thread.
 Bool ExecuteTransforms(ProviderManagerHandle manager, void*, HWND owner, const wchar_t* folder,
                        std::uint32_t, std::uint32_t, void*, void*) {
     return InStage<CallWait>(manager, owner, [&](Session& session, StageCall& call) {
-        std::wstring path = session.target;
+        std::wstring path = *session.target;
         if (!RunFileStage(call, path, folder ? folder : L"")) return false;
-        session.target = path;
+        // A text that was handed out stays valid when the file keeps its path.
+        if (path != *session.target) *session.target = path;
         return true;
     });
 }
@@ -169,7 +172,8 @@ Bool ExecuteTransforms(ProviderManagerHandle manager, void*, HWND owner, const w
 Bool ExecutePostTransforms(ProviderManagerHandle manager, HWND owner, const wchar_t* const* paths,
                            std::uint32_t* count, std::uint32_t, void*, void*) {
     return InStage<CallWait>(manager, owner, [&](Session&, StageCall& call) {
-        if (!count || !RunListStage(call, Paths(paths, *count))) return false;
+        const auto list = count ? Paths(paths, *count) : std::nullopt;
+        if (!list || !RunListStage(call, *list)) return false;
         *count = static_cast<std::uint32_t>(call.run.record.results.size());
         return true;
     });
@@ -179,7 +183,8 @@ Bool ExecutePostTransforms(ProviderManagerHandle manager, HWND owner, const wcha
 Bool ExecuteFinalTransforms(ProviderManagerHandle manager, HWND owner, const wchar_t* const* paths,
                             std::uint32_t count, std::uint32_t, void*, void*) {
     return InStage<PumpingWait>(manager, owner, [&](Session&, StageCall& call) {
-        return RunFinalStage(call, Paths(paths, count));
+        const auto list = Paths(paths, count);
+        return list && RunFinalStage(call, *list);
     });
 }
 

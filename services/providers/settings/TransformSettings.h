@@ -29,7 +29,8 @@ public:
     // The defaults where a value is missing or isn't one that is stored here.
     PersonalDataSettings PersonalData() const;
 
-    // False, with nothing or the old values stored, when the key can't be written.
+    // False when a value can't be written. The values that were written before it stay, and Has is
+    // as it was.
     bool Save(const PersonalDataSettings& settings) const;
 
 private:

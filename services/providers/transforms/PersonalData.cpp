@@ -58,7 +58,7 @@ bool Passes(StageCall& call, const std::wstring& path, const WorkReport& checked
     case WorkResult::Unchanged:
         return true;
     case WorkResult::Changed:
-        return Refuse(call, OB_TEXT_SURVIVED, path);
+        return Refuse(call, known ? OB_TEXT_SURVIVED : OB_TEXT_NOT_CLEANED, path);
     case WorkResult::NotStarted:
         return Refuse(call, OB_TEXT_NO_WORK_PROCESS, path);
     case WorkResult::Cancelled:

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "contracts/ProviderManager.h"
 #include "services/providers/files/WorkingCopies.h"
 #include "services/providers/settings/TransformSettings.h"
+#include "services/providers/transforms/ProviderSet.h"
 #include "services/providers/transforms/RunRecord.h"
 #include "services/providers/worker/CallWait.h"
 #include "services/providers/worker/WorkProcess.h"
@@ -33,7 +33,7 @@ struct TransformRun {
 struct StageCall {
     TransformRun& run;
     const TransformSettings& settings;
-    const std::vector<obcontract::TransformId>& selected;
+    const ProviderSet& selected;
     CallWait& wait;
 };
 

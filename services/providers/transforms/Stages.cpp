@@ -1,7 +1,5 @@
 #include "services/providers/transforms/Stages.h"
 
-#include <algorithm>
-
 #include "services/providers/transforms/PersonalData.h"
 #include "services/providers/ui/TextIds.h"
 
@@ -21,19 +19,11 @@ constexpr TransformRow kRows[] = {
     {ConvertFromPdf, nullptr, nullptr},
 };
 
-// The selected rows in their order.
-std::vector<const TransformRow*> Selected(const std::vector<obcontract::TransformId>& selected) {
-    std::vector<const TransformRow*> rows;
-    for (const TransformRow& row : kRows) {
-        if (std::ranges::find(selected, row.id) != selected.end()) rows.push_back(&row);
-    }
-    return rows;
-}
-
 // Runs the selected transforms on one file.
 bool Transform(StageCall& call, const std::wstring& path, const std::wstring& folder) {
-    for (const TransformRow* row : Selected(call.selected)) {
-        if (row->perFile && !row->perFile(call, path, folder)) return false;
+    for (const TransformRow& row : kRows) {
+        if (!row.perFile || !call.selected.Contains(row.id)) continue;
+        if (!row.perFile(call, path, folder)) return false;
     }
     return true;
 }
@@ -42,11 +32,12 @@ bool Transform(StageCall& call, const std::wstring& path, const std::wstring& fo
 
 std::span<const TransformRow> TransformRows() noexcept { return kRows; }
 
-StageCounts CountStages(const std::vector<obcontract::TransformId>& selected) {
+StageCounts CountStages(const ProviderSet& selected) noexcept {
     StageCounts counts;
-    for (const TransformRow* row : Selected(selected)) {
-        counts.perFile += row->perFile != nullptr;
-        counts.final += row->final != nullptr;
+    for (const TransformRow& row : kRows) {
+        if (!selected.Contains(row.id)) continue;
+        counts.perFile += row.perFile != nullptr;
+        counts.final += row.final != nullptr;
     }
     return counts;
 }
@@ -77,8 +68,9 @@ bool RunListStage(StageCall& call, const std::vector<std::wstring>& paths) {
 
 bool RunFinalStage(StageCall& call, const std::vector<std::wstring>& paths) {
     if (CountStages(call.selected).final == 0) return false;
-    for (const TransformRow* row : Selected(call.selected)) {
-        if (row->final && !row->final(call, paths)) return false;
+    for (const TransformRow& row : kRows) {
+        if (!row.final || !call.selected.Contains(row.id)) continue;
+        if (!row.final(call, paths)) return false;
     }
     call.run.record.results = paths;
     return true;

@@ -12,8 +12,9 @@ namespace providers {
 
 struct TransformRow {
     obcontract::TransformId id;
-    // What a transform does in a stage; null: nothing. The rows are in the order in which they work
-    // on one file, and the after-list stage has the same order.
+    // What a transform does with one file, in the per-file stage or, for a file that it hasn't
+    // seen, after the list; and what it does at the end. Null: nothing. The rows are in the order
+    // in which they work on one file.
     bool (*perFile)(StageCall& call, const std::wstring& path, const std::wstring& folder);
     bool (*final)(StageCall& call, const std::vector<std::wstring>& paths);
 
@@ -30,18 +31,20 @@ struct StageCounts {
     std::int32_t perFile = 0;
     std::int32_t final = 0;
 };
-StageCounts CountStages(const std::vector<obcontract::TransformId>& selected);
+StageCounts CountStages(const ProviderSet& selected) noexcept;
 
 // The per-file stage for one file. `path` becomes the path of the result. False, after a sentence
 // for the user unless the call was to end, when nothing is selected for the stage, without a file
 // or a folder, and when a transform failed.
 bool RunFileStage(StageCall& call, std::wstring& path, const std::wstring& folder);
 
-// The stage after the list: transforms work on what they haven't seen. False as above; the results
-// are then those of the stage before.
+// The stage after the list: the per-file transforms work on what they haven't seen. False when none
+// is selected and, after a sentence unless the call was to end, when one failed; the results are
+// then those of the stage before.
 bool RunListStage(StageCall& call, const std::vector<std::wstring>& paths);
 
-// The final stage. On the dialog's thread.
+// The final stage, on the dialog's thread. False when no selected transform works in it and when
+// one of them failed or the user stopped the run.
 bool RunFinalStage(StageCall& call, const std::vector<std::wstring>& paths);
 
 } // namespace providers

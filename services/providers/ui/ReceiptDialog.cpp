@@ -12,6 +12,8 @@
 namespace providers {
 namespace {
 
+constexpr INT_PTR kNotShown = -1; // also the system's result for a dialog that it can't make
+
 struct Receipt {
     std::wstring headline;
     std::wstring list;
@@ -70,7 +72,10 @@ void OnCommand(HWND dialog, WORD command) {
 INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-        ObLib::RanGuarded([&] { Show(dialog, *reinterpret_cast<const Receipt*>(lParam)); });
+        // A list that isn't whole must not be attached with.
+        if (!ObLib::RanGuarded([&] { Show(dialog, *reinterpret_cast<const Receipt*>(lParam)); })) {
+            EndDialog(dialog, kNotShown);
+        }
         return FALSE; // the focus is set
     }
     if (message != WM_COMMAND) return FALSE;
@@ -84,8 +89,10 @@ bool ShowReceipt(HWND owner, const std::vector<ReceiptFile>& files, bool onlyRes
     const Receipt receipt{ReceiptHeadline(files), ReceiptList(files, onlyRest),
                           std::ranges::any_of(files, &ReceiptFile::IsRest)};
     const HWND living = IsWindow(owner) ? owner : nullptr;
-    return DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_RECEIPT_DIALOG), living, &Proc,
-                           reinterpret_cast<LPARAM>(&receipt)) == IDOK;
+    const INT_PTR button = DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_RECEIPT_DIALOG),
+                                           living, &Proc, reinterpret_cast<LPARAM>(&receipt));
+    if (button == kNotShown) ShowSentence(living, OwnText(OB_TEXT_NO_RECEIPT));
+    return button == IDOK;
 }
 
 } // namespace providers

@@ -14,6 +14,8 @@
 #define OB_TEXT_REST_NOT_WANTED 508
 #define OB_TEXT_NOT_SAVED 509
 #define OB_TEXT_NOT_READY 510
+#define OB_TEXT_NOT_CLEANED 511
+#define OB_TEXT_NO_RECEIPT 512 // of all files
 
 // Why a file can't be cleaned.
 #define OB_TEXT_REST_KIND 520

@@ -2,16 +2,21 @@
 
 #include "services/providers/Catalogue.h"
 #include "services/providers/Selection.h"
+#include "services/providers/transforms/Stages.h"
+#include "tests/support/Allocations.h"
 
 using obcontract::CloudProvider;
 using obcontract::kSelectLeaveOut;
 using obcontract::kSelectUse;
 using obcontract::ProviderKind;
+using obcontract::TransformId;
 
 namespace {
 
 using providers::Catalogue;
+using providers::CountStages;
 using providers::Selection;
+using providers::StageCounts;
 
 class CatalogueTest : public testing::Test {
 protected:
@@ -97,6 +102,23 @@ TEST_F(SelectionTest, RefusesAProviderThatDoesNotExist) {
     EXPECT_FALSE(Select(kSelectUse, 3, ProviderKind::Storage));
     EXPECT_FALSE(Select(kSelectLeaveOut, 65));
     EXPECT_FALSE(selection_.HasAny(ProviderKind::Transform));
+}
+
+// A selection that memory ran out for would let the files out unchanged.
+TEST_F(SelectionTest, NeedsNoMemory) {
+    bool selected = false;
+    StageCounts counts;
+    catalogue_.Add({51, ProviderKind::Transform, nullptr});
+    {
+        const obtest::FailingAllocations failing({});
+        selected = Select(kSelectUse, 51) && Select(kSelectUse, 70);
+        counts = CountStages(selection_.Transforms());
+    }
+    EXPECT_TRUE(selected);
+    EXPECT_TRUE(selection_.Transforms().Contains(TransformId::ConvertFromPdf));
+    EXPECT_FALSE(selection_.Transforms().Contains(TransformId::ConvertPdf));
+    EXPECT_EQ(counts.perFile, 1);
+    EXPECT_EQ(counts.final, 1);
 }
 
 TEST_F(SelectionTest, RefusesAnotherMode) {

@@ -56,6 +56,7 @@ protected:
     void SetUp() override {
         obtest::ClearProductRegistry();
         ASSERT_TRUE(LoadProviderManager());
+        Delete(); // a test may begin anew
         manager_ = Entries().CreateObExtensionsManager();
         Entries().Init(manager_, kCurrentUser, kProviderManagerKey);
         ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, kTransform));
@@ -411,6 +412,15 @@ TEST_F(ManagerStages, AtTheEndStopWhenSomethingSurvived) {
     EXPECT_TRUE(Results(1).empty());
 }
 
+TEST_F(ManagerStages, AtTheEndStopForAFileThatWasNeverCleaned) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Script("survives");
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Final({path}));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_NE(boxes.Seen()[0].text.find(L"wasn't cleaned"), std::wstring::npos);
+}
+
 TEST_F(ManagerStages, AtTheEndStopWhenACleanedFileCannotBeChecked) {
     const std::wstring path = folder_.File(L"photo.jpg", "photo");
     ASSERT_TRUE(Execute(path));
@@ -483,6 +493,29 @@ TEST_F(ManagerStages, AtTheEndStopWhenTheCommandIsSentToTheOwner) {
     user.join();
 }
 
+// A window that is never done with its painting.
+LRESULT CALLBACK PaintForEver(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    if (message == WM_PAINT) {
+        ValidateRect(window, nullptr);
+        InvalidateRect(window, nullptr, FALSE);
+        return 0;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+TEST_F(ManagerStages, AtTheEndWorkWhileAWindowPaintsWithoutEnd) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ASSERT_TRUE(Execute(path));
+    const HWND window = CreateWindowW(L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, nullptr,
+                                      nullptr, nullptr, nullptr);
+    ASSERT_NE(window, nullptr);
+    SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&PaintForEver));
+    InvalidateRect(window, nullptr, FALSE);
+    EXPECT_TRUE(Final({path}));
+    EXPECT_NE(GetUpdateRect(window, nullptr, FALSE), FALSE); // it still wants to paint
+    DestroyWindow(window);
+}
+
 TEST_F(ManagerStages, AtTheEndKeepAQuitOfTheThread) {
     const std::wstring path = folder_.File(L"photo.jpg", "photo");
     ASSERT_TRUE(Execute(path));
@@ -492,6 +525,36 @@ TEST_F(ManagerStages, AtTheEndKeepAQuitOfTheThread) {
     MSG message;
     ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     EXPECT_EQ(message.wParam, 17u);
+}
+
+// Success with nothing checked, or with no file left, would let every file through.
+TEST_F(ManagerStages, FailForAListWithoutAnArrayOrWithoutAPath) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    const wchar_t* const paths[] = {path.c_str(), nullptr};
+    for (const wchar_t* const* list : {static_cast<const wchar_t* const*>(nullptr), paths}) {
+        std::uint32_t count = 2;
+        EXPECT_FALSE(
+            Entries().ExecutePostTransforms(manager_, nullptr, list, &count, 1, nullptr, nullptr));
+        EXPECT_EQ(count, 2u);
+        EXPECT_FALSE(
+            Entries().ExecuteFinalTransforms(manager_, nullptr, list, 2, 3, nullptr, nullptr));
+    }
+    EXPECT_FALSE(
+        Entries().ExecutePostTransforms(manager_, nullptr, paths, nullptr, 1, nullptr, nullptr));
+    EXPECT_EQ(obtest::ReadFileContent(path), "photo");
+}
+
+TEST_F(ManagerStages, KeepATargetThatWasHandedOutAfterTheSession) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Entries().SetProviderTarget(manager_, path.c_str());
+    const wchar_t* const target = Entries().GetProviderTarget(manager_);
+    EXPECT_TRUE(Entries().ExecuteTransforms(manager_, nullptr, nullptr, folder_.Path().c_str(), 1,
+                                            3, nullptr, nullptr));
+    EXPECT_EQ(target, path);
+    Entries().Deinit(manager_);
+    EXPECT_EQ(target, path);
+    EXPECT_STREQ(Entries().GetProviderTarget(manager_), L"");
+    EXPECT_EQ(target, path);
 }
 
 TEST_F(ManagerStages, HandOverNoMoreThanThereIs) {
