@@ -64,8 +64,9 @@ static_assert(sizeof(CleanRequest) == 24);
 static_assert(offsetof(CleanRequest, files) == 0);
 static_assert(offsetof(CleanRequest, reserved) == 16);
 
-// `done` grows from record to record and is at most `total`. A request that takes longer
-// than half a minute sends it in between: the manager ends a process that is silent for a minute.
+// `done` grows from record to record and is at most `total`, which may change. A request that takes
+// longer than half a minute sends it in between: the manager ends a process that is silent for a
+// minute.
 struct WorkProgress {
     std::uint64_t done;
     std::uint64_t total; // not zero

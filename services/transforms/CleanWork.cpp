@@ -1,5 +1,10 @@
 #include "services/transforms/CleanWork.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
 #include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/transforms/SourceView.h"
 #include "services/transforms/personal/PersonalData.h"
@@ -9,18 +14,45 @@ namespace {
 
 using namespace obcontract;
 
-WorkEnd Written(HANDLE target, const CleanedFile& cleaned) {
-    if (!target) return WorkEnd(WorkOutcome::Changed);
-    if (!ObLib::WriteWhole(target, cleaned.bytes.data(), cleaned.bytes.size())) {
-        return WorkEnd(WorkFailure::Unwritable);
+constexpr std::size_t kBlock = std::size_t{4} << 20; // a slow disk takes seconds for it
+
+// Has the system read the file, with a report after each block: a slow disk isn't a process that
+// hangs. False when nobody reads the reports.
+bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel) noexcept {
+    constexpr std::size_t kPage = 4096;
+    for (std::size_t done = 0; done < bytes.size(); done += kBlock) {
+        const auto block = bytes.subspan(done, std::min(kBlock, bytes.size() - done));
+        for (std::size_t at = 0; at < block.size(); at += kPage) {
+            static_cast<void>(*static_cast<const volatile std::byte*>(&block[at]));
+        }
+        // Writing is the other half, of a size that isn't known yet.
+        if (!channel.SendProgress(done + block.size(), 2 * std::uint64_t{bytes.size()})) {
+            return false;
+        }
     }
-    return WorkEnd(WorkOutcome::Changed, cleaned.bytes.size());
+    return true;
 }
 
-WorkEnd EndOf(HANDLE target, const CleanedFile& cleaned) {
+// Writes the result, with a report after each block. `read` is what ReadAhead reported at last.
+std::optional<WorkEnd> Written(HANDLE target, std::span<const std::byte> bytes, std::uint64_t read,
+                               WorkChannel& channel) {
+    if (!target) return WorkEnd(WorkOutcome::Changed);
+    for (std::size_t done = 0; done < bytes.size();) {
+        const std::size_t size = std::min(kBlock, bytes.size() - done);
+        if (!ObLib::WriteWhole(target, bytes.data() + done, size)) {
+            return WorkEnd(WorkFailure::Unwritable);
+        }
+        done += size;
+        if (!channel.SendProgress(read + done, read + bytes.size())) return {};
+    }
+    return WorkEnd(WorkOutcome::Changed, bytes.size());
+}
+
+std::optional<WorkEnd> EndOf(HANDLE target, const CleanedFile& cleaned, std::uint64_t read,
+                             WorkChannel& channel) {
     switch (cleaned.outcome) {
     case CleanOutcome::Cleaned:
-        return Written(target, cleaned);
+        return Written(target, std::as_bytes(std::span(cleaned.bytes)), read, channel);
     case CleanOutcome::NothingFound:
         return WorkEnd(WorkOutcome::Unchanged);
     case CleanOutcome::NotSupported:
@@ -37,11 +69,12 @@ std::optional<WorkEnd> Clean(const WorkRequest& request, WorkChannel& channel) {
     WorkFailure failure{};
     const auto source = SourceView::Map(request.source.Get(), failure);
     if (!source) return WorkEnd(failure);
+    if (!ReadAhead(source->Bytes(), channel)) return {};
     const CleanedFile cleaned = RemovePersonalData(source->Bytes());
     for (const Finding& finding : cleaned.removed) {
         if (!channel.SendFinding(FindingName(finding.kind), finding.count)) return {};
     }
-    return EndOf(request.target.Get(), cleaned);
+    return EndOf(request.target.Get(), cleaned, source->Bytes().size(), channel);
 }
 
 } // namespace transforms

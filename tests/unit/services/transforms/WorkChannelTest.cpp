@@ -9,7 +9,9 @@
 
 #include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/providers/worker/ReplyReader.h"
+#include "services/transforms/CleanWork.h"
 #include "tests/support/TestFolder.h"
+#include "tests/unit/services/transforms/SamplePhoto.h"
 
 using namespace obcontract;
 using ObLib::UniqueKernelHandle;
@@ -64,6 +66,32 @@ TEST_F(WorkChannelTest, TakesACheckWithoutATarget) {
     const auto request = channel_->Next();
     ASSERT_TRUE(request);
     EXPECT_FALSE(request->target);
+}
+
+// What the manager needs to see of a large file on a slow disk.
+TEST_F(WorkChannelTest, ReportsTheProgressOfALargeFileWhileItIsReadAndWritten) {
+    std::string photo = samples::Photo();
+    ASSERT_EQ(photo.substr(photo.size() - 2), "\xff\xd9");
+    photo.insert(photo.size() - 2, std::size_t{9} << 20, 'x'); // of the coded picture
+    ASSERT_TRUE(obtest::WriteFileContent(folder_ / L"large", photo));
+    transforms::WorkRequest request;
+    request.kind = WorkKind::Clean;
+    request.source.Reset(CreateFileW((folder_ / L"large").c_str(), GENERIC_READ, 0, nullptr,
+                                     OPEN_EXISTING, 0, nullptr));
+    request.target.Reset(reinterpret_cast<HANDLE>(File(L"clean")));
+    const auto end = transforms::Clean(request, *channel_);
+    ASSERT_TRUE(end && end->outcome == WorkOutcome::Changed);
+    channel_.reset(); // no more replies
+    providers::ReplyReader reader;
+    reader.Begin();
+    int reports = 0;
+    for (WorkHeader header; ObLib::ReadWhole(answered_.Get(), &header, sizeof header);) {
+        std::byte payload[kLargestWorkPayload];
+        ASSERT_TRUE(ObLib::ReadWhole(answered_.Get(), payload, header.size));
+        EXPECT_TRUE(reader.Take(header.kind, {payload, header.size}));
+        reports += header.kind == WorkKind::Progress;
+    }
+    EXPECT_EQ(reports, 6); // three blocks are read and three are written
 }
 
 TEST_F(WorkChannelTest, EndsWithThePipe) {
