@@ -208,10 +208,10 @@ std::optional<WorkingCopy> WorkingCopy::Open(const std::wstring& path, const std
     if (!copy.file_) return {};
     refusal = CopyRefusal::NotACopy;
     if (!IsRegular(copy.file_.Get(), copy.identity_)) return {};
-    // The path that was given, and the one that the system opened.
-    if (!IsInItsPlace(copy.path_, folder) || !IsInItsPlace(FinalPath(copy.file_.Get()), folder)) {
-        return {};
-    }
+    if (!IsInItsPlace(copy.path_, folder)) return {};
+    // Some file systems give no path for an open file.
+    const std::wstring opened = FinalPath(copy.file_.Get());
+    if (!opened.empty() && !IsInItsPlace(opened, folder)) return {};
     refusal = CopyRefusal::None;
     return copy;
 }
