@@ -30,12 +30,13 @@ public:
     PlacedWipeProgram(const PlacedWipeProgram&) = delete;
     PlacedWipeProgram& operator=(const PlacedWipeProgram&) = delete;
     ~PlacedWipeProgram() {
-        DeleteFileW(Path(kWipeRunsFileName).c_str());
-        DeleteFileW(Path(kWipeForRealFileName).c_str());
-        // A run that is just ending still has its file open.
+        // A run that is just ending still has its program open, and maybe the file of the runs:
+        // that one is deleted after it, or the next test would find an old run in it.
         for (int tries = 0; !DeleteFileW(Path(L"obwipe64.exe").c_str()) && tries < 500; ++tries) {
             Sleep(10);
         }
+        DeleteFileW(Path(kWipeRunsFileName).c_str());
+        DeleteFileW(Path(kWipeForRealFileName).c_str());
     }
 
     bool Ok() const { return placed_; }
