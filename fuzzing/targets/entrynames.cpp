@@ -1,5 +1,6 @@
 // The names that files get inside a zip, and which sources count as one file.
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -72,9 +73,16 @@ void CheckSources(const Texts& paths, std::uint8_t identities) {
     std::uint64_t identity = 0;
     for (const std::wstring& path : paths)
         System().files[FullPath(path)] = identities ? identity++ % identities : 0;
-    const Texts distinct = DistinctSources(paths);
-    Texts full;
-    for (const std::wstring& path : paths) full.push_back(FullPath(path));
+    std::optional<std::wstring> tooLong;
+    const Texts distinct = DistinctSources(paths, &tooLong);
+    Texts full; // up to the first path that the system can't take, which ends the list
+    for (const std::wstring& path : paths) {
+        if (FullPath(path).empty()) break;
+        full.push_back(FullPath(path));
+    }
+    const bool ended = full.size() != paths.size();
+    Require(tooLong.has_value() == ended, "a path that can't be taken is named");
+    Require(!ended || *tooLong == paths[full.size()], "it is the first of its kind");
     std::size_t next = 0;
     for (const std::wstring& path : full) {
         if (next < distinct.size() && distinct[next] == path) ++next;
