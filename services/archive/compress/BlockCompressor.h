@@ -15,7 +15,7 @@ namespace obarchive {
 enum class Effort {
     Glance,   // only to see whether the data shrinks
     Normal,   // a lazy matcher that looks two positions ahead
-    Thorough, // near-optimal parsing: up to a fifth smaller at a third to a fifth of the speed
+    Thorough, // near-optimal parsing: up to a fifth smaller at a third to a sixth of the speed
 };
 
 // One thread. Its tables are made when they are first wanted and used again: one

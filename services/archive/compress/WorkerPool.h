@@ -24,7 +24,7 @@ enum class TaskState { Waiting, Done, Failed, NoMemory };
 
 class WorkerPool {
 public:
-    // One worker for each processor, kMostWorkers at most. Throws when not even one thread can be
+    // One worker for each processor, four at most. Throws when not even one thread can be
     // made.
     WorkerPool();
     // Drops what no worker has begun and waits for what one has.
