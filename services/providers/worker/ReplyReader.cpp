@@ -86,7 +86,6 @@ void ReplyReader::Begin() noexcept {
 
 bool ReplyReader::Take(WorkKind kind, std::span<const std::byte> payload) {
     if (!waiting_) return false;
-    ++records_;
     switch (kind) {
     case WorkKind::Progress:
         return TakeProgress(Read<WorkProgress>(payload));

@@ -26,7 +26,6 @@ public:
     bool Take(obcontract::WorkKind kind, std::span<const std::byte> payload);
 
     bool IsComplete() const noexcept { return complete_; }
-    std::uint64_t Records() const noexcept { return records_; } // taken since the beginning
     const obcontract::WorkProgress& Progress() const noexcept { return progress_; }
     const WorkReport& Report() const noexcept { return report_; }
 
@@ -39,7 +38,6 @@ private:
 
     bool waiting_ = false; // a request was sent, and its last record hasn't come
     bool complete_ = false;
-    std::uint64_t records_ = 0;
     obcontract::WorkProgress progress_{};
     WorkReport report_;
 };
