@@ -30,7 +30,10 @@ bool IsPersonalData(const Session& session, std::uint32_t providerId, ProviderKi
 // Shows the settings, and stores what the user chose. A cancelled dialog stores nothing.
 bool ChangeSettings(const Session& session, HWND owner) {
     PersonalDataSettings settings = session.settings.PersonalData();
-    return AskForSettings(owner, settings) && session.settings.Save(settings);
+    if (!AskForSettings(owner, settings)) return false;
+    if (session.settings.Save(settings)) return true;
+    ShowSentence(owner, OwnText(OB_TEXT_SETTINGS_NOT_SAVED));
+    return false;
 }
 
 // Runs work that may wait for the user on the session of a manager, which stays alive meanwhile.

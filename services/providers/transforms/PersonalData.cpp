@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 #include "services/providers/ui/ReceiptDialog.h"
 #include "services/providers/ui/TextIds.h"
@@ -11,9 +12,6 @@ namespace providers {
 namespace {
 
 using obcontract::WorkKind;
-
-// The longest path that a result can have: the buffers of GetTargetFile take its NUL besides.
-constexpr std::size_t kLongestResult = 513;
 
 UINT TextOf(CopyRefusal refusal) {
     return refusal == CopyRefusal::NotACopy ? OB_TEXT_NOT_A_COPY : OB_TEXT_UNREADABLE;
@@ -101,7 +99,6 @@ bool Report(StageCall& call, const std::vector<ReceiptFile>& rows) {
 } // namespace
 
 bool RemovePersonalData(StageCall& call, const std::wstring& path, const std::wstring& folder) {
-    if (path.size() > kLongestResult) return Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
     auto copy = OpenCopy(call, path, folder);
     if (!copy) return false;
     const auto cleaned = NewFile::MakeBeside(*copy, call.run.unfinished);
@@ -123,11 +120,10 @@ bool CheckPersonalData(StageCall& call, const std::vector<std::wstring>& paths) 
     // A file that took the process over while it was cleaned doesn't get to check itself.
     call.run.process.Stop();
     std::vector<ReceiptFile> rows;
-    std::vector<std::wstring> seen; // a file that is twice in the list has one row
+    std::set<std::wstring, PathOrder> seen; // a file that is twice in the list has one row
     for (const std::wstring& path : paths) {
-        if (std::ranges::find(seen, path) != seen.end()) continue;
+        if (!seen.insert(path).second) continue;
         if (!Check(call, path, rows)) return false;
-        seen.push_back(path);
     }
     return !call.wait.IsEnded() && Report(call, rows);
 }

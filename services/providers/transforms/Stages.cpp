@@ -1,5 +1,7 @@
 #include "services/providers/transforms/Stages.h"
 
+#include <algorithm>
+
 #include "services/providers/transforms/PersonalData.h"
 #include "services/providers/ui/TextIds.h"
 
@@ -18,6 +20,19 @@ constexpr TransformRow kRows[] = {
     {SignPdfs, nullptr, nullptr},
     {ConvertFromPdf, nullptr, nullptr},
 };
+
+// The longest path that a result can have: the buffers of GetTargetFile take its NUL besides.
+constexpr std::size_t kLongestResult = 513;
+
+// Before the work: a result that can't be handed over would be missing from the mail.
+bool CanBeHandedOver(StageCall& call, const std::wstring& path) {
+    return path.size() <= kLongestResult || Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
+}
+
+bool CanBeHandedOver(StageCall& call, const std::vector<std::wstring>& paths) {
+    return std::ranges::all_of(
+        paths, [&](const std::wstring& path) { return CanBeHandedOver(call, path); });
+}
 
 // Runs the selected transforms on one file.
 bool Transform(StageCall& call, const std::wstring& path, const std::wstring& folder) {
@@ -51,13 +66,13 @@ bool RunFileStage(StageCall& call, std::wstring& path, const std::wstring& folde
         path = earlier->second;
         return true;
     }
-    if (!Transform(call, path, folder)) return false;
+    if (!CanBeHandedOver(call, path) || !Transform(call, path, folder)) return false;
     visited[path] = path;
     return true;
 }
 
 bool RunListStage(StageCall& call, const std::vector<std::wstring>& paths) {
-    if (CountStages(call.selected).perFile == 0) return false;
+    if (CountStages(call.selected).perFile == 0 || !CanBeHandedOver(call, paths)) return false;
     for (const std::wstring& path : paths) {
         if (call.run.record.cleaned.contains(path)) continue;
         if (!Transform(call, path, {})) return false;
@@ -67,7 +82,7 @@ bool RunListStage(StageCall& call, const std::vector<std::wstring>& paths) {
 }
 
 bool RunFinalStage(StageCall& call, const std::vector<std::wstring>& paths) {
-    if (CountStages(call.selected).final == 0) return false;
+    if (CountStages(call.selected).final == 0 || !CanBeHandedOver(call, paths)) return false;
     for (const TransformRow& row : kRows) {
         if (!row.final || !call.selected.Contains(row.id)) continue;
         if (!row.final(call, paths)) return false;

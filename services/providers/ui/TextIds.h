@@ -16,6 +16,7 @@
 #define OB_TEXT_NOT_READY 510
 #define OB_TEXT_NOT_CLEANED 511
 #define OB_TEXT_NO_RECEIPT 512 // of all files
+#define OB_TEXT_SETTINGS_NOT_SAVED 513
 
 // Why a file can't be cleaned.
 #define OB_TEXT_REST_KIND 520

@@ -84,9 +84,21 @@ protected:
                                            nullptr);
     }
     bool Execute(const std::wstring& path) { return Execute(path, folder_.Path() + L"\\"); }
-    bool Final(const Names& paths, HWND owner = nullptr) {
+    static std::vector<const wchar_t*> Pointers(const Names& paths) {
         std::vector<const wchar_t*> pointers;
         for (const std::wstring& path : paths) pointers.push_back(path.c_str());
+        return pointers;
+    }
+    bool Post(const Names& paths) {
+        const auto pointers = Pointers(paths);
+        auto count = static_cast<std::uint32_t>(pointers.size());
+        const bool done = Entries().ExecutePostTransforms(manager_, nullptr, pointers.data(),
+                                                          &count, 1, nullptr, nullptr);
+        EXPECT_EQ(count, pointers.size());
+        return done;
+    }
+    bool Final(const Names& paths, HWND owner = nullptr) {
+        const auto pointers = Pointers(paths);
         return Entries().ExecuteFinalTransforms(manager_, owner, pointers.data(),
                                                 static_cast<std::uint32_t>(pointers.size()), 3,
                                                 nullptr, nullptr);
@@ -226,6 +238,24 @@ TEST_F(ManagerStages, AskForTheirSettingsUntilThereAreSome) {
     EXPECT_FALSE(shown);
 }
 
+TEST_F(ManagerStages, SayThatSettingsCannotBeSaved) {
+    constexpr std::size_t kTooLongForAKey = 300;
+    const std::wstring key = L"Software\\" + std::wstring(kTooLongForAKey, L'x');
+    Delete();
+    manager_ = Entries().CreateObExtensionsManager();
+    Entries().Init(manager_, kCurrentUser, key.c_str());
+    const obtest::MessageBoxWatcher boxes;
+    obtest::DialogUiDriver user(OB_PERSONAL_DATA_RECEIPT,
+                                [](HWND dialog) { obtest::DialogUiDriver::Press(dialog, IDOK); });
+    EXPECT_FALSE(Entries().ShowProviderOptionsWhenNoOptionsSet(manager_, kRemoveInfo, kTransform,
+                                                               nullptr, nullptr));
+    // The settings dialog itself is among what the watcher has seen.
+    const auto seen = boxes.Seen();
+    EXPECT_EQ(std::ranges::count(seen, L"Your settings can't be saved. Please try again.",
+                                 &obtest::SeenBox::text),
+              1);
+}
+
 TEST_F(ManagerStages, ShowTheirSettingsWheneverTheyAreAskedFor) {
     obtest::DialogUiDriver user(OB_PERSONAL_DATA_RECEIPT, [&](HWND dialog) {
         obtest::DialogUiDriver::Press(dialog, OB_PERSONAL_DATA_RECEIPT);
@@ -290,6 +320,10 @@ TEST_F(ManagerStages, WorkOnReadOnlyLongAndOddlyNamedFiles) {
 TEST_F(ManagerStages, StopForAResultThatNoBufferTakes) {
     const std::wstring path = folder_.Path() + L"\\" + std::wstring(520, L'x') + L"photo.jpg";
     ExpectRefused(path, [&] { return Execute(path); });
+    const std::wstring fine = folder_.File(L"fine.jpg", "photo");
+    ExpectRefused(path, [&] { return Post({fine, path}); });
+    ExpectRefused(path, [&] { return Final({fine, path}); });
+    EXPECT_EQ(obtest::ReadFileContent(fine), "photo"); // refused before any work
 }
 
 TEST_F(ManagerStages, StopWithoutAFileOrATransform) {
@@ -384,11 +418,7 @@ TEST_F(ManagerStages, AfterTheListWorkOnWhatIsNew) {
     const Names paths{folder_.File(L"a.jpg", "seen"), folder_.File(L"b.jpg", "new")};
     ASSERT_TRUE(Execute(paths[0]));
     ASSERT_TRUE(obtest::WriteFileContent(paths[0], "cleaned before"));
-    const wchar_t* const pointers[] = {paths[0].c_str(), paths[1].c_str()};
-    std::uint32_t count = 2;
-    EXPECT_TRUE(
-        Entries().ExecutePostTransforms(manager_, nullptr, pointers, &count, 1, nullptr, nullptr));
-    EXPECT_EQ(count, 2u);
+    EXPECT_TRUE(Post(paths));
     EXPECT_EQ(Results(2), paths);
     EXPECT_EQ(obtest::ReadFileContent(paths[0]), "cleaned before");
     EXPECT_EQ(obtest::ReadFileContent(paths[1]), "clean");
