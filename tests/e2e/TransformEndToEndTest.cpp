@@ -1,0 +1,133 @@
+// Whole requests with the box of a transform ticked: between the picker and the page each file is
+// changed by the real provider manager and its work process.
+#include <atomic>
+#include <thread>
+
+#include "contracts/ProviderManager.h"
+#include "services/providers/ui/ReceiptDialogIds.h"
+#include "tests/e2e/RealRequest.h"
+#include "tests/e2e/ZipContents.h"
+#include "tests/support/ProductRegistry.h"
+#include "tests/unit/services/transforms/SamplePhoto.h"
+
+namespace obtest {
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+constexpr UINT kRemovePersonalData = 185; // the text of the box
+constexpr DWORD kReceiptLimit = 60000;    // milliseconds
+
+struct ReceiptSearch {
+    HWND found = nullptr;
+};
+
+BOOL CALLBACK TakeReceipt(HWND window, LPARAM search) {
+    if (!IsWindowVisible(window) || !GetDlgItem(window, OB_RECEIPT_LIST)) return TRUE;
+    reinterpret_cast<ReceiptSearch*>(search)->found = window;
+    return FALSE;
+}
+
+// The receipt of the host, which is another process.
+HWND FindReceipt() {
+    ReceiptSearch search;
+    EnumWindows(&TakeReceipt, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+bool AnswerReceipt(int button) {
+    HWND receipt = nullptr;
+    if (!OpenPicker::WaitFor([&] { return (receipt = FindReceipt()) != nullptr; }, kReceiptLimit)) {
+        return false;
+    }
+    PostMessageW(GetDlgItem(receipt, button), BM_CLICK, 0, 0);
+    return OpenPicker::WaitFor([&] { return !IsWindow(receipt); }, kReceiptLimit);
+}
+
+class TransformEndToEnd : public RealRequest {
+protected:
+    // The settings are there, so that the tick asks for none.
+    void SetUp() override {
+        RealRequest::SetUp();
+        const std::wstring key =
+            std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\51";
+        SetValue(HKEY_CURRENT_USER, key, L"ShowReceipt", L"1");
+        SetValue(HKEY_CURRENT_USER, key, L"AskAboutOtherFiles", L"1");
+    }
+
+    Use PickTicked(Choice choice, Texts paths, int receiptButton) const {
+        return [box = Text(kRemovePersonalData), pick = Pick(choice, std::move(paths)),
+                receiptButton](OpenPicker& picker) {
+            ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsEnabled(box); }));
+            ASSERT_TRUE(picker.Click(box));
+            ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(box); }));
+            pick(picker);
+            EXPECT_TRUE(AnswerReceipt(receiptButton));
+        };
+    }
+
+    void ExpectCleaned(const std::string& content) const {
+        ASSERT_NE(photo_.find(samples::kCanary), std::string::npos);
+        EXPECT_EQ(content.find(samples::kCanary), std::string::npos);
+        EXPECT_LT(content.size(), photo_.size());
+        EXPECT_GT(content.size(), photo_.size() / 10);
+    }
+    // The picked photo is as it was, and nothing is left but what the page was given.
+    void ExpectNoMoreThan(const Texts& left) const {
+        EXPECT_EQ(ReadFileContent(source_), photo_);
+        EXPECT_EQ(LeftInTemp(), left);
+    }
+
+    const std::string photo_ = samples::Photo();
+    const std::wstring source_ = files_.File(L"photo.jpg", photo_);
+};
+
+TEST_F(TransformEndToEnd, GivesACleanedCopyOfOnePhoto) {
+    PickerUiDriver driver(PickTicked(Choice::None, {source_}, IDOK));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.result, TRUE);
+    ASSERT_EQ(answer.given.size(), 1u);
+    EXPECT_EQ(NameOf(answer.given[0]), L"photo.jpg");
+    EXPECT_NE(answer.given[0], source_);
+    ExpectCleaned(ReadFileContent(answer.given[0]).value_or(""));
+    const std::wstring folder = FolderOf(answer.given[0]).substr(TempFolder().size() + 1);
+    ExpectNoMoreThan({folder, folder + L"photo.jpg"});
+}
+
+TEST_F(TransformEndToEnd, GivesTheDialogsPageACleanedCopyToo) {
+    PickerUiDriver driver(PickTicked(Choice::None, {source_}, IDOK));
+    ASSERT_EQ(AskShow(), S_OK);
+    EXPECT_TRUE(driver.Done());
+    Texts paths;
+    ASSERT_EQ(GetResults(paths), S_OK);
+    ASSERT_EQ(paths.size(), 1u);
+    EXPECT_EQ(NameOf(paths[0]), L"photo.jpg");
+    ExpectCleaned(ReadFileContent(paths[0]).value_or(""));
+}
+
+TEST_F(TransformEndToEnd, ZipsTheCleanedPhotoAndTheFileThatIsAttachedAnyway) {
+    const std::wstring text = files_.File(L"letter.txt", "Dear all");
+    PickerUiDriver driver(PickTicked(Choice::Zip, {source_, text}, IDOK));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    const auto entries = ReadZip(answer.given[0]);
+    ASSERT_EQ(entries.size(), 2u);
+    ExpectCleaned(entries.at("photo.jpg").content);
+    EXPECT_EQ(entries.at("letter.txt").content, "Dear all");
+    const std::wstring folder = FolderOf(answer.given[0]).substr(TempFolder().size() + 1);
+    ExpectNoMoreThan({folder, folder + NameOf(answer.given[0])});
+}
+
+TEST_F(TransformEndToEnd, GivesNothingWhenTheReceiptIsRefused) {
+    PickerUiDriver driver(PickTicked(Choice::Zip, {source_, files_.File(L"letter.txt")}, IDCANCEL));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    EXPECT_EQ(answer.result, FALSE);
+    EXPECT_EQ(answer.given, Texts{});
+    ExpectNoMoreThan({});
+}
+
+} // namespace
+} // namespace obtest
