@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "services/transforms/pictures/ExifSize.h"
+#include "services/transforms/pictures/ExifValues.h"
 
 namespace transforms {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <png.h>
 
-#include "services/transforms/pictures/ExifSize.h"
+#include "services/transforms/pictures/ExifValues.h"
 #include "services/transforms/pictures/PngChunks.h"
 #include "services/transforms/pictures/Raster.h"
 

@@ -9,7 +9,7 @@
 #include <webp/encode.h>
 #include <webp/mux.h>
 
-#include "services/transforms/pictures/ExifSize.h"
+#include "services/transforms/pictures/ExifValues.h"
 #include "services/transforms/pictures/Raster.h"
 
 namespace transforms {
