@@ -12,6 +12,9 @@
 #   dep::tiff    libtiff, static, with what it needs
 #   dep::webp    libwebp with its container parts (mux, demux), static
 #   dep::lcms    colour profiles, static
+#   dep::qpdf    PDF, static, with what it needs
+#   dep::pugixml_bytes  an XML reader for texts of bytes, static (tests only); a program that links
+#                 dep::pugixml can't link it too
 #   dep::pugixml  an XML reader in its wide form, static (tests and measurements only); its source
 #                 lies in ${OB_PREFIX_PUGIXML}/source
 if(NOT EXISTS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
@@ -48,3 +51,6 @@ ob_imported(png "${OB_PREFIX_PNG}" ARCHIVES libpng.a LIBS dep::zlib)
 ob_imported(tiff "${OB_PREFIX_TIFF}" ARCHIVES libtiff.a LIBS dep::jpeg dep::zlib)
 ob_imported(webp "${OB_PREFIX_WEBP}" ARCHIVES libwebpmux.a libwebpdemux.a libwebp.a)
 ob_imported(lcms "${OB_PREFIX_LCMS}" ARCHIVES liblcms2.a)
+ob_imported(qpdf "${OB_PREFIX_QPDF}" ARCHIVES libqpdf.a LIBS dep::jpeg dep::zlib advapi32
+    DEFINITIONS POINTERHOLDER_TRANSITION=4)
+ob_imported(pugixml_bytes "${OB_PREFIX_PUGIXMLBYTES}" ARCHIVES libpugixmlbytes.a)
