@@ -2,9 +2,9 @@
 // two anonymous pipes, one for each direction.
 //
 // A record is a header and its payload, both little-endian and without gaps. The manager sends one
-// request at a time and reads replies until Done or Failed; a request for a file begins with
-// WorkFiles, so that a further transform is one more kind with its own settings after that. The
-// work process ends when its request pipe is closed, and with the first record that isn't valid.
+// request at a time and reads replies until Done or Failed. A request begins with WorkFiles, and
+// the settings of its kind follow: a further transform is one more row of kWorkRequests. The work
+// process ends when its request pipe is closed, and with the first record that isn't valid.
 //
 // The files are named by no path: the manager opens them and duplicates the handles into the work
 // process, which therefore needs no right on any file. The manager trusts no reply: a picture that
@@ -25,9 +25,10 @@ inline constexpr std::uint32_t kWorkMagic = 0x57585650;
 inline constexpr std::uint32_t kLargestWorkPayload = 4096;
 
 enum class WorkKind : std::uint32_t {
-    // Requests.
-    Clean = 1,      // CleanRequest: removes personal data
-    CheckClean = 2, // CleanRequest without a target: reports what a clean would find
+    // Requests; each one's settings are in kWorkRequests.
+    Clean = 1,      // removes personal data
+    CheckClean = 2, // reports what a clean would find
+    Resize = 3,     // makes a picture smaller
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -49,20 +50,53 @@ static_assert(offsetof(WorkHeader, reserved) == 12);
 
 // The files of a request, as handles of the work process, which closes them when the request ends.
 struct WorkFiles {
-    std::uint64_t source; // a file on disk, for reading; never zero
-    std::uint64_t target; // a new empty file, for writing; zero when the request writes none
+    std::uint64_t source; // a file on disk, for reading; zero when the request reads none
+    std::uint64_t target; // a new empty file, for writing and reading back; zero as above
 };
 static_assert(sizeof(WorkFiles) == 16);
 static_assert(offsetof(WorkFiles, source) == 0);
 static_assert(offsetof(WorkFiles, target) == 8);
 
-struct CleanRequest {
-    WorkFiles files;
+// The settings of Clean and CheckClean.
+struct WorkClean {
     std::uint64_t reserved; // zero
 };
-static_assert(sizeof(CleanRequest) == 24);
-static_assert(offsetof(CleanRequest, files) == 0);
-static_assert(offsetof(CleanRequest, reserved) == 16);
+static_assert(sizeof(WorkClean) == 8);
+static_assert(offsetof(WorkClean, reserved) == 0);
+
+enum class WorkAim : std::uint32_t {
+    LongestEdge = 1, // at most so many pixels
+    Percent = 2,     // of both sides, 1 to 99
+    Bytes = 3,       // at most so many
+};
+
+// The settings of Resize. A picture that passes is Unchanged: one that meets the aim already, an
+// animation and a file of many pages.
+struct WorkResize {
+    WorkAim aim;
+    std::uint32_t quality; // of lossy forms, as in JPEG, 1 to 100; Bytes finds its own
+    std::uint64_t value;   // not zero
+};
+static_assert(sizeof(WorkResize) == 16);
+static_assert(offsetof(WorkResize, aim) == 0);
+static_assert(offsetof(WorkResize, quality) == 4);
+static_assert(offsetof(WorkResize, value) == 8);
+
+// What a request of each kind consists of: WorkFiles with or without these files, and settings of
+// `least` to `most` bytes.
+struct WorkRequestForm {
+    WorkKind kind;
+    std::uint32_t least;
+    std::uint32_t most;
+    bool hasSource;
+    bool hasTarget;
+};
+inline constexpr WorkRequestForm kWorkRequests[] = {
+    {WorkKind::Clean, sizeof(WorkClean), sizeof(WorkClean), true, true},
+    {WorkKind::CheckClean, sizeof(WorkClean), sizeof(WorkClean), true, false},
+    {WorkKind::Resize, sizeof(WorkResize), sizeof(WorkResize), true, true},
+};
+inline constexpr std::uint32_t kMostWorkSettings = kLargestWorkPayload - sizeof(WorkFiles);
 
 // `done` grows from record to record and is at most `total`, which may change. A request that takes
 // longer than half a minute sends it in between: the manager ends a process that is silent for a
@@ -109,6 +143,7 @@ enum class WorkFailure : std::uint32_t {
     Unreadable = 3, // the source can't be read
     Unwritable = 4, // the target can't be written, as on a full disk
     NotServed = 5,  // the work process doesn't know the request
+    CannotFit = 6,  // the picture can't be made small enough
 };
 
 struct WorkFailed {

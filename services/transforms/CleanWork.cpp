@@ -66,6 +66,7 @@ std::optional<WorkEnd> EndOf(HANDLE target, const CleanedFile& cleaned, std::uin
 } // namespace
 
 std::optional<WorkEnd> Clean(const WorkRequest& request, WorkChannel& channel) {
+    if (request.SettingsAs<WorkClean>().reserved != 0) return {}; // not a valid record
     WorkFailure failure{};
     const auto source = SourceView::Map(request.source.Get(), failure);
     if (!source) return WorkEnd(failure);

@@ -1,6 +1,7 @@
 #include "services/transforms/FileRequests.h"
 
 #include "services/transforms/CleanWork.h"
+#include "services/transforms/PictureWork.h"
 
 namespace transforms {
 namespace {
@@ -15,6 +16,7 @@ struct RequestRow {
 constexpr RequestRow kRequests[] = {
     {WorkKind::Clean, &Clean},
     {WorkKind::CheckClean, &Clean},
+    {WorkKind::Resize, &Resize},
 };
 
 } // namespace

@@ -8,8 +8,8 @@
 namespace transforms {
 
 // Carries the request out, and sends what isn't its last reply. Returns that one, which the caller
-// sends once the files are closed. Nothing when the manager no longer reads. Throws std::bad_alloc
-// alone.
+// sends once the files are closed. Nothing when the manager no longer reads and for settings that
+// aren't valid; the process then ends. Throws std::bad_alloc alone.
 std::optional<WorkEnd> CarryOut(const WorkRequest& request, WorkChannel& channel);
 
 } // namespace transforms

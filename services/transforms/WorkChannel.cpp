@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "ObLib/Src/Win32/WholeTransfer.h"
 
@@ -10,18 +11,18 @@ namespace {
 
 using namespace obcontract;
 
-bool IsRequest(const WorkHeader& header) {
-    const bool known = header.kind == WorkKind::Clean || header.kind == WorkKind::CheckClean;
-    return header.magic == kWorkMagic && known && header.size == sizeof(CleanRequest) &&
-           header.reserved == 0;
+// Null for a header that isn't a request's.
+const WorkRequestForm* FormOf(const WorkHeader& header) {
+    if (header.magic != kWorkMagic || header.reserved != 0) return nullptr;
+    const auto* const form = std::ranges::find(kWorkRequests, header.kind, &WorkRequestForm::kind);
+    if (form == std::end(kWorkRequests) || header.size < sizeof(WorkFiles)) return nullptr;
+    const std::uint32_t settings = header.size - std::uint32_t{sizeof(WorkFiles)};
+    return settings >= form->least && settings <= form->most ? form : nullptr;
 }
 
-// Whether the handles are what the kind requires.
-bool HasItsFiles(const WorkRequest& request) {
-    const bool writes = request.kind == WorkKind::Clean;
-    if (!request.source || GetFileType(request.source.Get()) != FILE_TYPE_DISK) return false;
-    if (static_cast<bool>(request.target) != writes) return false;
-    return !writes || GetFileType(request.target.Get()) == FILE_TYPE_DISK;
+// Whether the handle is a file, or none where the kind has none.
+bool IsAsWanted(HANDLE file, bool wanted) {
+    return (file != nullptr) == wanted && (!wanted || GetFileType(file) == FILE_TYPE_DISK);
 }
 
 HANDLE HandleOf(std::uint64_t value) { return reinterpret_cast<HANDLE>(value); }
@@ -30,14 +31,20 @@ HANDLE HandleOf(std::uint64_t value) { return reinterpret_cast<HANDLE>(value); }
 
 std::optional<WorkRequest> WorkChannel::Next() {
     WorkHeader header;
-    CleanRequest payload;
-    if (!ObLib::ReadWhole(requests_.Get(), &header, sizeof header) || !IsRequest(header)) return {};
-    if (!ObLib::ReadWhole(requests_.Get(), &payload, sizeof payload)) return {};
+    if (!ObLib::ReadWhole(requests_.Get(), &header, sizeof header)) return {};
+    const WorkRequestForm* const form = FormOf(header);
+    WorkFiles files;
+    if (!form || !ObLib::ReadWhole(requests_.Get(), &files, sizeof files)) return {};
     WorkRequest request;
     request.kind = header.kind;
-    request.source.Reset(HandleOf(payload.files.source));
-    request.target.Reset(HandleOf(payload.files.target));
-    if (payload.reserved != 0 || !HasItsFiles(request)) return {};
+    request.source.Reset(HandleOf(files.source));
+    request.target.Reset(HandleOf(files.target));
+    request.settings.resize(header.size - sizeof files);
+    if (!ObLib::ReadWhole(requests_.Get(), request.settings.data(), request.settings.size()) ||
+        !IsAsWanted(request.source.Get(), form->hasSource) ||
+        !IsAsWanted(request.target.Get(), form->hasTarget)) {
+        return {};
+    }
     return request;
 }
 

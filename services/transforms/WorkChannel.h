@@ -3,9 +3,13 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "contracts/TransformWork.h"
@@ -15,8 +19,17 @@ namespace transforms {
 // A request with its files, which are closed with it.
 struct WorkRequest {
     obcontract::WorkKind kind{};
-    ObLib::UniqueKernelHandle source;
+    ObLib::UniqueKernelHandle source; // empty when the request reads no file
     ObLib::UniqueKernelHandle target; // empty when the request writes no file
+    std::vector<std::byte> settings;  // as many bytes as the kind allows
+
+    // The settings of a kind that has only this record.
+    template <class Record>
+    Record SettingsAs() const noexcept {
+        Record record{};
+        std::memcpy(&record, settings.data(), std::min(sizeof record, settings.size()));
+        return record;
+    }
 };
 
 // The last reply of a request: a failure, or an outcome with the bytes in the target.
@@ -37,7 +50,7 @@ public:
         : requests_(std::move(requests)), replies_(std::move(replies)) {}
 
     // Waits for the next request. Nothing at the end of the pipe and for a record that isn't valid;
-    // the process then ends.
+    // the process then ends. The values in the settings are for the one who carries it out.
     std::optional<WorkRequest> Next();
 
     // Each returns false when the manager no longer reads; the process then ends.

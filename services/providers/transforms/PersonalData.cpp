@@ -11,8 +11,6 @@
 namespace providers {
 namespace {
 
-using obcontract::WorkKind;
-
 UINT TextOf(CopyRefusal refusal) {
     return refusal == CopyRefusal::NotACopy ? OB_TEXT_NOT_A_COPY : OB_TEXT_UNREADABLE;
 }
@@ -77,7 +75,7 @@ bool Check(StageCall& call, const std::wstring& path, std::vector<ReceiptFile>& 
     const auto copy = OpenCopy(call, path, {});
     if (!copy) return false;
     const WorkReport checked =
-        call.run.process.Run(WorkKind::CheckClean, copy->Handle(), nullptr, call.wait);
+        call.run.process.Run(CheckCleanOrder(), copy->Handle(), nullptr, call.wait);
     if (!Passes(call, path, checked, known)) return false;
     rows.push_back(Row(path, known ? found->second : RecordOf(checked)));
     return true;
@@ -104,7 +102,7 @@ bool RemovePersonalData(StageCall& call, const std::wstring& path, const std::ws
     const auto cleaned = NewFile::MakeBeside(*copy, call.run.unfinished);
     if (!cleaned) return Refuse(call, OB_TEXT_UNWRITABLE, path);
     WorkReport report =
-        call.run.process.Run(WorkKind::Clean, copy->Handle(), cleaned->Handle(), call.wait);
+        call.run.process.Run(CleanOrder(), copy->Handle(), cleaned->Handle(), call.wait);
     if (report.result == WorkResult::Cancelled) return false;
     if (report.result == WorkResult::NotStarted) {
         return Refuse(call, OB_TEXT_NO_WORK_PROCESS, path);

@@ -44,6 +44,7 @@ constexpr FailureRow kFailures[] = {
     {WorkFailure::Unreadable, WorkResult::Unreadable},
     {WorkFailure::Unwritable, WorkResult::Unwritable},
     {WorkFailure::NotServed, WorkResult::ProcessFailed},
+    {WorkFailure::CannotFit, WorkResult::CannotFit},
 };
 
 // The payload comes from bytes without alignment.

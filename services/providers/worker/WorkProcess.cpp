@@ -13,18 +13,11 @@ namespace {
 using namespace obcontract;
 using ObLib::UniqueKernelHandle;
 
-// The record of one request as the pipe carries it.
-struct RequestRecord {
-    WorkHeader header;
-    CleanRequest request;
-};
-static_assert(sizeof(RequestRecord) == sizeof(WorkHeader) + sizeof(CleanRequest));
-
-// A process is replaced after so many requests. They all fit into the pipe at once, so that one
-// that answers without reading them can't make a write wait.
+// A process is replaced after so many requests, and before they don't fit into the pipe at once:
+// one that answers without reading them can't make a write wait.
 constexpr std::size_t kMostRequests = 64;
-constexpr DWORD kPipeRoom = 4096; // bytes
-static_assert(kMostRequests * sizeof(RequestRecord) <= kPipeRoom);
+constexpr DWORD kPipeRoom = 64 * 1024; // bytes
+static_assert(sizeof(WorkHeader) + kLargestWorkPayload <= kPipeRoom);
 
 struct Pipe {
     UniqueKernelHandle reading;
@@ -53,15 +46,20 @@ WorkReport Only(WorkResult result) {
 
 } // namespace
 
-WorkReport WorkProcess::Run(WorkKind kind, HANDLE source, HANDLE target, CallWait& wait) {
-    if (sent_ >= kMostRequests) Stop();
-    const bool wasUsed = static_cast<bool>(process_);
-    WorkReport report = RunOnce(kind, source, target, wait);
-    if (!wasUsed || report.result != WorkResult::ProcessFailed || !Empty(target)) return report;
-    return RunOnce(kind, source, target, wait);
+bool WorkProcess::HasRoomFor(const WorkOrder& order) const noexcept {
+    return sent_ < kMostRequests && sentBytes_ + order.RecordSize() <= kPipeRoom;
 }
 
-WorkReport WorkProcess::RunOnce(WorkKind kind, HANDLE source, HANDLE target, CallWait& wait) {
+WorkReport WorkProcess::Run(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait) {
+    if (!HasRoomFor(order)) Stop();
+    const bool wasUsed = static_cast<bool>(process_);
+    WorkReport report = RunOnce(order, source, target, wait);
+    if (!wasUsed || report.result != WorkResult::ProcessFailed || !Empty(target)) return report;
+    return RunOnce(order, source, target, wait);
+}
+
+WorkReport WorkProcess::RunOnce(const WorkOrder& order, HANDLE source, HANDLE target,
+                                CallWait& wait) {
     if (wait.IsEnded()) return Only(WorkResult::Cancelled);
     bool kept = false;
     const ObLib::ScopeExit stop([&] {
@@ -72,7 +70,7 @@ WorkReport WorkProcess::RunOnce(WorkKind kind, HANDLE source, HANDLE target, Cal
         const std::lock_guard guard(lock_);
         reply_.Begin();
     }
-    if (!Send(kind, source, target)) return Only(WorkResult::ProcessFailed);
+    if (!Send(order, source, target)) return Only(WorkResult::ProcessFailed);
     WorkReport report = Await(wait);
     kept = report.result != WorkResult::ProcessFailed && report.result != WorkResult::Cancelled;
     return report;
@@ -92,34 +90,36 @@ bool WorkProcess::Start() {
     requests_ = std::move(requests.writing);
     replies_ = std::move(replies.reading);
     broken_ = false;
-    sent_ = 0;
     reader_.Reset(CreateThread(nullptr, 0, &ReaderEntry, this, 0, nullptr));
     return static_cast<bool>(reader_);
 }
 
-// Zero when the file can't be handed over.
-std::uint64_t WorkProcess::Duplicate(HANDLE file, DWORD access) const {
-    HANDLE theirs = nullptr;
-    if (!DuplicateHandle(GetCurrentProcess(), file, process_.process.Get(), &theirs, access, FALSE,
-                         0)) {
-        return 0;
+// False when the file can't be handed over. Nothing to do without a file.
+bool WorkProcess::Duplicate(HANDLE file, DWORD access, std::uint64_t& theirs) const {
+    if (!file) return true;
+    HANDLE duplicate = nullptr;
+    if (!DuplicateHandle(GetCurrentProcess(), file, process_.process.Get(), &duplicate, access,
+                         FALSE, 0)) {
+        return false;
     }
-    return reinterpret_cast<std::uintptr_t>(theirs);
+    theirs = reinterpret_cast<std::uintptr_t>(duplicate);
+    return true;
 }
 
-// The pipe has room for the record, see kMostRequests.
-bool WorkProcess::Send(WorkKind kind, HANDLE source, HANDLE target) {
-    RequestRecord record{{kWorkMagic, kind, sizeof(CleanRequest), 0}, {}};
-    record.request.files.source = Duplicate(source, FILE_GENERIC_READ);
-    if (record.request.files.source == 0) return false;
-    if (target) {
-        // Without the right to rename, delete or change attributes: that is this side's to do.
-        constexpr DWORD kWriting = FILE_WRITE_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
-        record.request.files.target = Duplicate(target, kWriting);
-        if (record.request.files.target == 0) return false;
+// The pipe has room for the record, see HasRoomFor.
+bool WorkProcess::Send(const WorkOrder& order, HANDLE source, HANDLE target) {
+    // Without the right to rename, delete or change attributes: that is this side's to do.
+    constexpr DWORD kWriting =
+        FILE_READ_DATA | FILE_WRITE_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
+    WorkFiles files{};
+    if (!Duplicate(source, FILE_GENERIC_READ, files.source) ||
+        !Duplicate(target, kWriting, files.target)) {
+        return false;
     }
+    const auto record = order.Record(files);
     ++sent_;
-    return ObLib::WriteWhole(requests_.Get(), &record, sizeof record);
+    sentBytes_ += record.size();
+    return ObLib::WriteWhole(requests_.Get(), record.data(), record.size());
 }
 
 // Gives the report once the request has its last record or can't get one any more.
@@ -181,6 +181,7 @@ void WorkProcess::Stop() noexcept {
     reader_.Reset();
     process_ = {};
     sent_ = 0;
+    sentBytes_ = 0;
     requests_.Reset();
     replies_.Reset();
 }

@@ -13,6 +13,7 @@
 #include "services/providers/worker/CallWait.h"
 #include "services/providers/worker/LimitedProcess.h"
 #include "services/providers/worker/ReplyReader.h"
+#include "services/providers/worker/WorkOrder.h"
 
 namespace providers {
 
@@ -23,8 +24,8 @@ struct WorkSettings {
 };
 
 // The process of one run. It is started at the first request and, after one that failed with it, at
-// the next one, and replaced after 64 requests. One thread at a time calls it; a thread of its own
-// reads the replies. The process ends with this object.
+// the next one, and replaced after 64 requests or when their bytes could fill its pipe. One thread
+// at a time calls it; a thread of its own reads the replies. The process ends with this object.
 class WorkProcess {
 public:
     explicit WorkProcess(WorkSettings settings) : settings_(std::move(settings)) {}
@@ -32,22 +33,23 @@ public:
     WorkProcess(const WorkProcess&) = delete;
     WorkProcess& operator=(const WorkProcess&) = delete;
 
-    // Sends one request for a file and waits for its last record. The handles stay the caller's;
-    // `target` null: the request writes no file. A process that crashes, hangs or sends what isn't
+    // Sends one request and waits for its last record. The handles stay the caller's; null: the
+    // request has no such file. A process that crashes, hangs or sends what isn't
     // valid is ended, and so is one whose call is to end. A process that worked on files before and
     // fails on this one is replaced, and the request is sent once more: what an earlier file did to
     // it isn't this file's fault. Throws std::bad_alloc, after which the
     // object can still be used.
-    WorkReport Run(obcontract::WorkKind kind, HANDLE source, HANDLE target, CallWait& wait);
+    WorkReport Run(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait);
 
     // Ends the process and waits until it has ended, so that it has no file open any more.
     void Stop() noexcept;
 
 private:
-    WorkReport RunOnce(obcontract::WorkKind kind, HANDLE source, HANDLE target, CallWait& wait);
+    WorkReport RunOnce(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait);
     bool Start();
-    bool Send(obcontract::WorkKind kind, HANDLE source, HANDLE target);
-    std::uint64_t Duplicate(HANDLE file, DWORD access) const;
+    bool HasRoomFor(const WorkOrder& order) const noexcept;
+    bool Send(const WorkOrder& order, HANDLE source, HANDLE target);
+    bool Duplicate(HANDLE file, DWORD access, std::uint64_t& theirs) const;
     WorkReport Await(CallWait& wait);
     bool TakeReport(WorkReport& report);
     static DWORD WINAPI ReaderEntry(void* self) noexcept;
@@ -56,7 +58,8 @@ private:
 
     WorkSettings settings_;
     LimitedProcess process_;
-    std::size_t sent_ = 0; // requests to this process
+    std::size_t sent_ = 0;      // requests to this process
+    std::size_t sentBytes_ = 0; // of these
     ObLib::UniqueKernelHandle requests_;
     ObLib::UniqueKernelHandle replies_;
     ObLib::UniqueKernelHandle arrived_; // an event; set after each record

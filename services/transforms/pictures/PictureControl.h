@@ -18,12 +18,22 @@ struct PictureLimits {
     int scans = 200;                      // of a progressive JPEG; an encoder writes about ten
 };
 
+// Learns that the work goes on.
+class PictureSteps {
+public:
+    virtual ~PictureSteps() = default;
+    // A row, a band or a part of it is done. Called often, by any thread that works on the picture.
+    virtual void Step() noexcept = 0;
+};
+
 struct PictureControl {
     PictureLimits limits;
     // Owned by the caller; another thread sets it. Null when nothing can cancel.
     const std::atomic<bool>* cancelled = nullptr;
+    PictureSteps* steps = nullptr; // the caller's; null when nobody wants to know
 
     bool IsCancelled() const noexcept {
+        if (steps) steps->Step();
         return cancelled && cancelled->load(std::memory_order_relaxed);
     }
     // Asked at least once in every row of the result and every band of the source.

@@ -23,12 +23,17 @@ HANDLE replies;
 
 struct Taken {
     WorkHeader header;
-    CleanRequest request;
+    WorkFiles files;
+    std::vector<char> settings;
 };
 
 bool TakeRequest(Taken& taken) {
-    return ObLib::ReadWhole(requests, &taken.header, sizeof taken.header) &&
-           ObLib::ReadWhole(requests, &taken.request, sizeof taken.request);
+    if (!ObLib::ReadWhole(requests, &taken.header, sizeof taken.header) ||
+        !ObLib::ReadWhole(requests, &taken.files, sizeof taken.files)) {
+        return false;
+    }
+    taken.settings.resize(taken.header.size - sizeof taken.files);
+    return ObLib::ReadWhole(requests, taken.settings.data(), taken.settings.size());
 }
 
 void SendRaw(const void* bytes, std::size_t size) { ObLib::WriteWhole(replies, bytes, size); }
@@ -43,7 +48,7 @@ void Send(WorkKind kind, const Payload& payload) {
 HANDLE HandleOf(std::uint64_t value) { return reinterpret_cast<HANDLE>(value); }
 
 void WriteTarget(const Taken& taken, const char* text) {
-    ObLib::WriteWhole(HandleOf(taken.request.files.target), text, std::strlen(text));
+    ObLib::WriteWhole(HandleOf(taken.files.target), text, std::strlen(text));
 }
 
 [[noreturn]] void Hang() {
@@ -140,7 +145,7 @@ void Act(const std::string& word, const Taken& taken) {
 
 // Answers every request and reads none, until the pipe ends.
 void AnswerUnread() {
-    constexpr DWORD kSize = sizeof(WorkHeader) + sizeof(CleanRequest);
+    constexpr DWORD kSize = sizeof(WorkHeader) + sizeof(WorkFiles) + sizeof(WorkClean);
     DWORD there = 0;
     for (DWORD answered = 0; PeekNamedPipe(requests, nullptr, 0, nullptr, &there, nullptr);) {
         if (there / kSize > answered) {
@@ -170,8 +175,8 @@ int wmain(int count, wchar_t** words) {
     if (ScriptedWord() == "answer-unread") AnswerUnread();
     for (Taken taken; TakeRequest(taken);) {
         Act(ScriptedWord(), taken);
-        CloseHandle(HandleOf(taken.request.files.source));
-        if (taken.request.files.target != 0) CloseHandle(HandleOf(taken.request.files.target));
+        CloseHandle(HandleOf(taken.files.source));
+        if (taken.files.target != 0) CloseHandle(HandleOf(taken.files.target));
     }
     return 0;
 }

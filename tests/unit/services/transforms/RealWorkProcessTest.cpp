@@ -10,9 +10,10 @@
 #include "tests/fakes/Recording.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
+#include "tests/unit/services/transforms/pictures/TestPictures.h"
+#include "tests/unit/services/transforms/pictures/TestRasters.h"
 
 using namespace providers;
-using obcontract::WorkKind;
 
 namespace {
 
@@ -22,17 +23,18 @@ protected:
         : process_({obtest::BesideProgram(obcontract::kTransformWorkFileName), 60000, {}}),
           ended_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
 
-    WorkReport Clean(const std::string& content) {
+    WorkReport Clean(const std::string& content) { return Change(content, CleanOrder()); }
+    WorkReport Change(const std::string& content, const WorkOrder& order) {
         DeleteFileW(Target().c_str());
         const auto source = Open(folder_.File(L"source", content), GENERIC_READ, OPEN_EXISTING);
-        const auto target = Open(Target(), GENERIC_WRITE, CREATE_NEW);
+        const auto target = Open(Target(), GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
         CallWait wait(ended_.Get(), nullptr);
-        return process_.Run(WorkKind::Clean, source.Get(), target.Get(), wait);
+        return process_.Run(order, source.Get(), target.Get(), wait);
     }
     WorkReport Check(const std::wstring& path) {
         const auto source = Open(path, GENERIC_READ, OPEN_EXISTING);
         CallWait wait(ended_.Get(), nullptr);
-        return process_.Run(WorkKind::CheckClean, source.Get(), nullptr, wait);
+        return process_.Run(CheckCleanOrder(), source.Get(), nullptr, wait);
     }
     std::wstring Target() const { return folder_ / L"target"; }
     std::string TargetContent() const { return *obtest::ReadFileContent(Target()); }
@@ -83,6 +85,27 @@ TEST_F(RealWorkProcess, WritesNothingForAFileThatItCannotClean) {
     EXPECT_EQ(Clean(samples::Photo().substr(0, 40)).result, WorkResult::Damaged);
     EXPECT_EQ(TargetContent(), "");
     EXPECT_EQ(Clean(samples::Photo()).result, WorkResult::Changed);
+}
+
+TEST_F(RealWorkProcess, MakesPicturesSmaller) {
+    const auto photo = obtest::Photo(640, 480, 3);
+    const WorkOrder order(obcontract::WorkKind::Resize,
+                          obcontract::WorkResize{obcontract::WorkAim::LongestEdge, 90, 320});
+    const auto resize = [&](const obtest::PictureBytes& picture) {
+        return Change({picture.begin(), picture.end()}, order);
+    };
+    for (const auto& picture :
+         {obtest::MakeJpeg(photo), obtest::MakePng(photo), obtest::MakeTiff(photo),
+          obtest::MakeWebp(photo), obtest::MakeBmp(photo)}) {
+        const WorkReport report = resize(picture);
+        EXPECT_EQ(report.result, WorkResult::Changed);
+        EXPECT_EQ(report.size, TargetContent().size());
+        EXPECT_LT(report.size, picture.size());
+        EXPECT_EQ(resize(picture).size, report.size);
+        const std::string smaller = TargetContent();
+        EXPECT_EQ(Change(smaller, order).result, WorkResult::Unchanged);
+        EXPECT_EQ(TargetContent(), "");
+    }
 }
 
 TEST_F(RealWorkProcess, RefusesAFileThatIsTooLarge) {

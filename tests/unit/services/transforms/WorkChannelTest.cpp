@@ -3,13 +3,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <string>
 
 #include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/providers/worker/ReplyReader.h"
 #include "services/transforms/CleanWork.h"
+#include "services/transforms/FileRequests.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
 
@@ -36,13 +39,24 @@ protected:
                                                             GENERIC_READ | GENERIC_WRITE, 0,
                                                             nullptr, CREATE_ALWAYS, 0, nullptr));
     }
-    void Ask(const WorkHeader& header, const CleanRequest& request) {
-        ASSERT_TRUE(ObLib::WriteWhole(asked_.Get(), &header, sizeof header));
-        ASSERT_TRUE(ObLib::WriteWhole(asked_.Get(), &request, sizeof request));
+    void Send(const void* bytes, std::size_t size) {
+        ASSERT_TRUE(ObLib::WriteWhole(asked_.Get(), bytes, size));
     }
-    static WorkHeader Header(WorkKind kind) { return {kWorkMagic, kind, sizeof(CleanRequest), 0}; }
-    bool Accepts(const WorkHeader& header, const CleanRequest& request) {
-        Ask(header, request);
+    // Sends the record for these files, with as many bytes of settings as the header says.
+    void Ask(const WorkHeader& header, const WorkFiles& files, std::string settings = {}) {
+        settings.resize(header.size - sizeof files);
+        Send(&header, sizeof header);
+        Send(&files, sizeof files);
+        Send(settings.data(), settings.size());
+    }
+    static WorkHeader Header(WorkKind kind) {
+        const auto* const form = std::ranges::find(kWorkRequests, kind, &WorkRequestForm::kind);
+        const bool isKnown = form != std::end(kWorkRequests);
+        return {kWorkMagic, kind,
+                static_cast<std::uint32_t>(sizeof(WorkFiles) + (isKnown ? form->least : 8)), 0};
+    }
+    bool Accepts(const WorkHeader& header, const WorkFiles& files) {
+        Ask(header, files);
         return channel_->Next().has_value();
     }
 
@@ -53,7 +67,7 @@ protected:
 };
 
 TEST_F(WorkChannelTest, TakesARequestWithItsFiles) {
-    Ask(Header(WorkKind::Clean), {{File(L"a"), File(L"b")}, 0});
+    Ask(Header(WorkKind::Clean), {File(L"a"), File(L"b")});
     const auto request = channel_->Next();
     ASSERT_TRUE(request);
     EXPECT_EQ(request->kind, WorkKind::Clean);
@@ -62,7 +76,7 @@ TEST_F(WorkChannelTest, TakesARequestWithItsFiles) {
 }
 
 TEST_F(WorkChannelTest, TakesACheckWithoutATarget) {
-    Ask(Header(WorkKind::CheckClean), {{File(L"a"), 0}, 0});
+    Ask(Header(WorkKind::CheckClean), {File(L"a"), 0});
     const auto request = channel_->Next();
     ASSERT_TRUE(request);
     EXPECT_FALSE(request->target);
@@ -76,6 +90,7 @@ TEST_F(WorkChannelTest, ReportsTheProgressOfALargeFileWhileItIsReadAndWritten) {
     ASSERT_TRUE(obtest::WriteFileContent(folder_ / L"large", photo));
     transforms::WorkRequest request;
     request.kind = WorkKind::Clean;
+    request.settings.resize(sizeof(WorkClean));
     request.source.Reset(CreateFileW((folder_ / L"large").c_str(), GENERIC_READ, 0, nullptr,
                                      OPEN_EXISTING, 0, nullptr));
     request.target.Reset(reinterpret_cast<HANDLE>(File(L"clean")));
@@ -102,30 +117,73 @@ TEST_F(WorkChannelTest, EndsWithThePipe) {
 TEST_F(WorkChannelTest, RefusesAHeaderThatIsNotARequest) {
     WorkHeader wrong = Header(WorkKind::Clean);
     wrong.magic ^= 1;
-    EXPECT_FALSE(Accepts(wrong, {{File(L"a"), File(L"b")}, 0}));
+    EXPECT_FALSE(Accepts(wrong, {File(L"a"), File(L"b")}));
     SetUp();
-    EXPECT_FALSE(Accepts(Header(WorkKind::Done), {{File(L"c"), File(L"d")}, 0}));
+    EXPECT_FALSE(Accepts(Header(WorkKind::Done), {File(L"c"), File(L"d")}));
     SetUp();
     wrong = Header(WorkKind::Clean);
     wrong.size -= 1;
-    EXPECT_FALSE(Accepts(wrong, {{File(L"e"), File(L"f")}, 0}));
+    EXPECT_FALSE(Accepts(wrong, {File(L"e"), File(L"f")}));
     SetUp();
     wrong = Header(WorkKind::Clean);
     wrong.reserved = 1;
-    EXPECT_FALSE(Accepts(wrong, {{File(L"g"), File(L"h")}, 0}));
+    EXPECT_FALSE(Accepts(wrong, {File(L"g"), File(L"h")}));
 }
 
 TEST_F(WorkChannelTest, RefusesARequestWithoutTheFilesOfItsKind) {
-    EXPECT_FALSE(Accepts(Header(WorkKind::Clean), {{0, File(L"a")}, 0}));
-    EXPECT_FALSE(Accepts(Header(WorkKind::Clean), {{File(L"b"), 0}, 0}));
-    EXPECT_FALSE(Accepts(Header(WorkKind::CheckClean), {{File(L"c"), File(L"d")}, 0}));
-    EXPECT_FALSE(Accepts(Header(WorkKind::Clean), {{File(L"e"), File(L"f")}, 1}));
+    EXPECT_FALSE(Accepts(Header(WorkKind::Clean), {0, File(L"a")}));
+    EXPECT_FALSE(Accepts(Header(WorkKind::Clean), {File(L"b"), 0}));
+    EXPECT_FALSE(Accepts(Header(WorkKind::CheckClean), {File(L"c"), File(L"d")}));
+}
+
+TEST_F(WorkChannelTest, TakesTheSettingsOfItsKindAndNoOthers) {
+    const WorkResize settings{WorkAim::Percent, 90, 50};
+    std::string bytes(sizeof settings, '\0');
+    std::memcpy(bytes.data(), &settings, sizeof settings);
+    Ask(Header(WorkKind::Resize), {File(L"a"), File(L"b")}, bytes);
+    const auto request = channel_->Next();
+    ASSERT_TRUE(request);
+    const auto taken = request->SettingsAs<WorkResize>();
+    EXPECT_EQ(taken.aim, WorkAim::Percent);
+    EXPECT_EQ(taken.quality, 90u);
+    EXPECT_EQ(taken.value, 50u);
+    for (const std::uint32_t size : {0u, 15u, 31u, 33u, 4096u, 0xffffffffu}) {
+        SetUp();
+        WorkHeader wrong = Header(WorkKind::Resize);
+        ASSERT_EQ(wrong.size, 32u);
+        wrong.size = size;
+        Send(&wrong, sizeof wrong);
+        EXPECT_FALSE(channel_->Next()) << size;
+    }
+}
+
+// Settings of the right size whose values the contract lacks end the process too.
+TEST_F(WorkChannelTest, CarriesOutNoRequestWithValuesThatTheContractLacks) {
+    const auto carriesOut = [&](WorkKind kind, const auto& settings) {
+        transforms::WorkRequest request;
+        request.kind = kind;
+        const auto bytes = std::as_bytes(std::span(&settings, 1));
+        request.settings.assign(bytes.begin(), bytes.end());
+        request.source.Reset(reinterpret_cast<HANDLE>(File(L"source")));
+        request.target.Reset(reinterpret_cast<HANDLE>(File(L"target")));
+        return transforms::CarryOut(request, *channel_).has_value();
+    };
+    EXPECT_TRUE(carriesOut(WorkKind::Clean, WorkClean{0}));
+    EXPECT_FALSE(carriesOut(WorkKind::Clean, WorkClean{1}));
+    EXPECT_TRUE(carriesOut(WorkKind::Resize, WorkResize{WorkAim::Percent, 1, 99}));
+    EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{WorkAim::Percent, 1, 100}));
+    EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{WorkAim::Percent, 1, 0}));
+    EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{WorkAim::LongestEdge, 0, 100}));
+    EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{WorkAim::LongestEdge, 101, 100}));
+    EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{WorkAim::LongestEdge, 90, 0x100000000}));
+    EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{static_cast<WorkAim>(0), 90, 5}));
+    EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{static_cast<WorkAim>(4), 90, 5}));
 }
 
 TEST_F(WorkChannelTest, RefusesAHandleThatIsNoFile) {
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     EXPECT_FALSE(
-        Accepts(Header(WorkKind::CheckClean), {{reinterpret_cast<std::uintptr_t>(event), 0}, 0}));
+        Accepts(Header(WorkKind::CheckClean), {reinterpret_cast<std::uintptr_t>(event), 0}));
 }
 
 // Every reply, read by the manager's own reader.

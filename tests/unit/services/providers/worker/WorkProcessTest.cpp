@@ -12,7 +12,6 @@
 #include "tests/support/TestFolder.h"
 
 using namespace providers;
-using obcontract::WorkKind;
 
 namespace {
 
@@ -42,7 +41,7 @@ protected:
     WorkReport Run(WorkProcess& process, const char* word, HWND owner = nullptr) {
         Script(word);
         CallWait wait(ended_.Get(), owner);
-        return process.Run(WorkKind::Clean, source_.Get(), target_.Get(), wait);
+        return process.Run(CleanOrder(), source_.Get(), target_.Get(), wait);
     }
     // The process that carried the request out, by its finding.
     static std::string ProcessOf(const WorkReport& report) {
@@ -126,7 +125,7 @@ TEST_F(WorkProcessTest, IsReplacedWhenItDiedBetweenTwoFiles) {
     EXPECT_EQ(obtest::ReadFileContent(Target()), "clean");
 }
 
-// A pipe that nobody reads is full after about a hundred requests.
+// A pipe that nobody reads is full after many requests.
 TEST_F(WorkProcessTest, IsReplacedBeforeItsUnreadRequestsFillThePipe) {
     WorkProcess process(Settings());
     for (int request = 0; request < 200; ++request) {
