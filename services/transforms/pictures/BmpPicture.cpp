@@ -7,7 +7,8 @@
 #include <cstring>
 #include <vector>
 
-#include "services/transforms/pictures/Raster.h"
+#include "services/transforms/pictures/ExifValues.h"
+#include "services/transforms/pictures/StampedRows.h"
 
 namespace transforms {
 namespace {
@@ -39,11 +40,18 @@ struct BmpHeader {
     PictureSize size;
     unsigned bits = 0;
     bool hasAlpha = false;
+    bool isRedFirst = false;
     std::uint32_t pixels = 0; // offset
 
     std::uint32_t HeaderSize() const noexcept { return Get(bytes, HeaderSizeAt); }
     std::uint64_t Stride() const noexcept {
         return (static_cast<std::uint64_t>(size.width) * bits + 31) / 32 * 4;
+    }
+    // Rows from the bottom to the top are a mirrored picture to whoever reads them in order.
+    std::uint16_t Orientation() const noexcept {
+        constexpr std::uint16_t kMirroredDown = 4;
+        const bool isBottomUp = static_cast<std::int32_t>(Get(bytes, HeightAt)) > 0;
+        return isBottomUp ? kMirroredDown : kUprightOrientation;
     }
 };
 
@@ -57,6 +65,7 @@ void CheckMasks(BmpHeader& header) {
         // Alpha is the last channel only if no colour is.
         if (mask == 0xFF000000) Throw(PictureOutcome::Unsupported);
     }
+    header.isRedFirst = Get(header.bytes, MasksAt) == 0xFF;
     header.hasAlpha =
         header.bytes.size() >= MasksAt + 16 && Get(header.bytes, MasksAt + 12) == 0xFF000000;
 }
@@ -104,6 +113,8 @@ public:
         form_.size = header.size;
         form_.hasAlpha = header.hasAlpha;
         form_.channels = header.bits == 32 ? 4 : 3;
+        form_.hasOtherChannel = header.bits == 32 && !header.hasAlpha;
+        form_.isBlueFirst = !header.isRedFirst;
         stored_.resize(static_cast<std::size_t>(header.Stride()));
         if (header.bits <= 8) ReadPalette();
     }
@@ -225,7 +236,7 @@ void ShrinkBmp(PictureSource& source, PictureTarget& target, const ShrinkStep& s
     BmpWriter writer(target, reader.Form(), to);
     const PictureBytes profile = ReadProfile(source, header, control);
     writer.Begin(MakeHead(header, reader.Form(), to, writer.Stride(), profile.size()));
-    ShrinkRows(reader, writer, to, control);
+    ShrinkAndStampRows(reader, writer, to, step, header.Orientation(), control);
     if (!profile.empty()) writer.Append(profile);
 }
 

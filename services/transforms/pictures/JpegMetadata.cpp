@@ -42,4 +42,12 @@ void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size)
     }
 }
 
+std::uint16_t JpegOrientation(const JpegReader& reader) noexcept {
+    for (auto* marker = reader.marker_list; marker; marker = marker->next) {
+        if (Begins(marker, JPEG_APP0 + 1, Exif))
+            return ExifOrientation({marker->data + Exif.size(), marker->data_length - Exif.size()});
+    }
+    return kUprightOrientation;
+}
+
 } // namespace transforms

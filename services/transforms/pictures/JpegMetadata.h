@@ -14,4 +14,7 @@ void KeepMarkers(JpegReader& reader);
 // is left out, as those pictures are.
 void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size);
 
+// How the picture is shown, as ExifValues.h counts it. After the header was read.
+std::uint16_t JpegOrientation(const JpegReader& reader) noexcept;
+
 } // namespace transforms

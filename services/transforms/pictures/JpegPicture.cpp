@@ -6,10 +6,12 @@
 #include <cstring>
 #include <memory>
 #include <numeric>
+#include <optional>
 
 #include "services/transforms/pictures/BandPipe.h"
 #include "services/transforms/pictures/JpegLibrary.h"
 #include "services/transforms/pictures/JpegMetadata.h"
+#include "services/transforms/pictures/JpegStamp.h"
 #include "services/transforms/pictures/Resampler.h"
 
 namespace transforms {
@@ -191,10 +193,12 @@ void StartEncoder(const JpegReader& reader, JpegWriter& writer, PictureSize to,
 // One component's way from decoded rows to rows that can be coded.
 class ComponentShrinker {
 public:
-    ComponentShrinker(const JpegReader& reader, const JpegWriter& writer, int number)
-        : from_(reader.comp_info[number]), to_(writer.comp_info[number]),
-          across_(from_.downsampled_width, to_.downsampled_width,
-                  Scale(reader.image_width, writer.image_width)),
+    // `stamp` may be null; otherwise it outlives the object.
+    ComponentShrinker(const JpegReader& reader, const JpegWriter& writer, int number,
+                      const JpegStamp* stamp)
+        : number_(number), stamp_(stamp), from_(reader.comp_info[number]),
+          to_(writer.comp_info[number]), across_(from_.downsampled_width, to_.downsampled_width,
+                                                 Scale(reader.image_width, writer.image_width)),
           down_(from_.downsampled_height, to_.downsampled_height,
                 Scale(reader.image_height, writer.image_height)),
           plane_(across_, down_), stride_(to_.width_in_blocks * DCTSIZE) {}
@@ -245,12 +249,15 @@ private:
         if (pending_.size() < (rows_ + 1) * stride_) pending_.resize((rows_ + 1) * stride_);
         std::uint8_t* row = &pending_[rows_ * stride_];
         plane_.Pull(row);
+        if (stamp_) stamp_->Blend(number_, finished_, row);
         const std::size_t width = to_.downsampled_width;
         std::memset(row + width, row[width - 1], stride_ - width);
         ++rows_;
         ++finished_;
     }
 
+    int number_;
+    const JpegStamp* stamp_;
     const jpeg_component_info& from_;
     const jpeg_component_info& to_;
     ResampleAxis across_, down_;
@@ -280,11 +287,18 @@ void EncodeBand(JpegWriter& writer, Shrinkers& components) {
     for (auto& component : components) component->Drop();
 }
 
-void ShrinkBands(JpegReader& reader, JpegWriter& writer) {
+std::optional<JpegStamp> MakeStamp(const JpegReader& reader, const JpegWriter& writer,
+                                   const ShrinkStep& step) {
+    if (!step.stamp) return {};
+    const PictureSize size{writer.image_width, writer.image_height};
+    return JpegStamp(StampAsStored(*step.stamp, size, JpegOrientation(reader)), writer);
+}
+
+void ShrinkBands(JpegReader& reader, JpegWriter& writer, const JpegStamp* stamp) {
     const Bands bands = SourceBands(reader);
     Shrinkers components;
     for (int c = 0; c < reader.num_components; ++c)
-        components.push_back(std::make_unique<ComponentShrinker>(reader, writer, c));
+        components.push_back(std::make_unique<ComponentShrinker>(reader, writer, c, stamp));
     BandPipe pipe(bands.bytes, [&](BandPipe& full) { DecodeBands(reader, bands, full); });
     while (const std::uint8_t* band = pipe.Full()) {
         reader.control().ThrowIfCancelled();
@@ -311,7 +325,8 @@ void ShrinkJpeg(PictureSource& source, PictureTarget& target, const ShrinkStep& 
     StartDecoder(reader, to);
     JpegWriter writer(target);
     StartEncoder(reader, writer, to, step);
-    ShrinkBands(reader, writer);
+    const auto stamp = MakeStamp(reader, writer, step);
+    ShrinkBands(reader, writer, stamp ? &*stamp : nullptr);
     jpeg_finish_compress(&writer);
 }
 

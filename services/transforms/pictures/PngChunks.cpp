@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "services/transforms/pictures/ExifValues.h"
+
 namespace transforms {
 namespace {
 
@@ -38,6 +40,12 @@ PngChunk ReadChunk(PictureSource& source, std::uint64_t offset, const ChunkHeade
 }
 
 } // namespace
+
+std::uint16_t PngChunks::Orientation() const noexcept {
+    for (const PngChunk& chunk : kept)
+        if (std::memcmp(chunk.type.data(), "eXIf", 4) == 0) return ExifOrientation(chunk.data);
+    return kUprightOrientation;
+}
 
 PngChunks ScanPng(PictureSource& source, const PictureControl& control) {
     PngChunks chunks;

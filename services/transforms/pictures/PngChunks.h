@@ -21,6 +21,8 @@ struct PngChunks {
     // Profile and other words on colours, resolution, EXIF, texts and time, in the file's order.
     // The size in EXIF data is still the old one.
     std::vector<PngChunk> kept;
+
+    std::uint16_t Orientation() const noexcept; // of the EXIF data, as ExifValues.h counts it
 };
 
 // Reads the file from chunk to chunk, without its pixels. Throws PictureFailure.

@@ -9,7 +9,7 @@
 
 #include "services/transforms/pictures/ExifValues.h"
 #include "services/transforms/pictures/PngChunks.h"
-#include "services/transforms/pictures/Raster.h"
+#include "services/transforms/pictures/StampedRows.h"
 
 namespace transforms {
 namespace {
@@ -197,7 +197,7 @@ void ShrinkPng(PictureSource& source, PictureTarget& target, const ShrinkStep& s
     const PictureSize to = SizeAfter(reader.Form().size, step);
     PngWriter writer(target, chunks);
     writer.Start(reader.Form(), to);
-    ShrinkRows(reader, writer, to, control);
+    ShrinkAndStampRows(reader, writer, to, step, chunks.Orientation(), control);
     writer.Finish();
 }
 

@@ -18,7 +18,11 @@ struct RasterForm {
     // that those of pixels that nobody sees don't come out.
     bool hasAlpha = false;
     bool isPremultiplied = false; // the colours were multiplied by alpha already
+    bool hasOtherChannel = false; // the last channel is neither a colour nor alpha
+    bool isBlueFirst = false;     // of three or four channels; otherwise red is first
+    bool isInk = false;           // 0 is white: ink of CMYK, and grey of some TIFF files
 
+    unsigned ColourChannels() const noexcept { return channels - (hasAlpha || hasOtherChannel); }
     std::size_t SampleCount() const noexcept {
         return static_cast<std::size_t>(size.width) * channels;
     }

@@ -1,4 +1,4 @@
-// One way to make a picture smaller, the same for all pictures of a run.
+// One way to make a picture smaller, the same for all pictures of a run, and what is laid over it.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +12,8 @@ struct PictureSize {
     bool operator==(const PictureSize&) const = default;
 };
 
+class Stamp;
+
 struct ShrinkStep {
     // The longer side is at most so many pixels; 0 leaves the size. Pictures never grow.
     std::uint32_t longestEdge = 0;
@@ -24,6 +26,8 @@ struct ShrinkStep {
     int sixteenths = 0;
     // Spends time on a smaller file of the same picture.
     bool compact = false;
+    // Laid over the picture when it has its size; null for none. Must outlive the work.
+    const Stamp* stamp = nullptr;
 };
 
 // The same as JPEG's quality, 1 to 100.

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "services/transforms/pictures/Raster.h"
+#include "services/transforms/pictures/StampedRows.h"
 #include "services/transforms/pictures/TiffLibrary.h"
 
 namespace transforms {
@@ -67,6 +67,9 @@ RasterForm FormOf(TIFF* tiff, PictureSize size) {
         form.hasAlpha = kinds[0] != EXTRASAMPLE_UNSPECIFIED;
         form.isPremultiplied = kinds[0] == EXTRASAMPLE_ASSOCALPHA;
     }
+    form.hasOtherChannel = form.channels > colours && !form.hasAlpha;
+    const std::uint16_t photometric = Short(tiff, TIFFTAG_PHOTOMETRIC);
+    form.isInk = photometric == PHOTOMETRIC_MINISWHITE || photometric == PHOTOMETRIC_SEPARATED;
     return form;
 }
 
@@ -237,7 +240,7 @@ void ShrinkTiff(PictureSource& source, PictureTarget& target, const ShrinkStep& 
     const PictureSize to = SizeAfter(rows.Form().size, step);
     TiffFile file(target, TIFFIsBigEndian(from.get()) != 0);
     TiffWriter writer(file, from.get(), rows.Form(), to, step);
-    ShrinkRows(rows, writer, to, control);
+    ShrinkAndStampRows(rows, writer, to, step, Short(from.get(), TIFFTAG_ORIENTATION), control);
     file.Close();
 }
 

@@ -10,7 +10,7 @@
 #include <webp/mux.h>
 
 #include "services/transforms/pictures/ExifValues.h"
-#include "services/transforms/pictures/Raster.h"
+#include "services/transforms/pictures/StampedRows.h"
 
 namespace transforms {
 namespace {
@@ -134,12 +134,25 @@ PictureBytes Encode(const PictureBytes& pixels, PictureSize size, bool hasAlpha,
 }
 
 // EXIF data of WebP may or may not begin as those in JPEG do.
+std::span<std::uint8_t> WithoutPrefix(PictureBytes& exif) noexcept {
+    const bool hasPrefix = exif.size() > 6 && std::memcmp(exif.data(), "Exif\0\0", 6) == 0;
+    return std::span(exif).subspan(hasPrefix ? 6 : 0);
+}
+
 PictureBytes WithSize(const WebPData& chunk, bool isExif, PictureSize size) {
     PictureBytes bytes(chunk.bytes, chunk.bytes + chunk.size);
-    if (!isExif) return bytes;
-    const bool hasPrefix = bytes.size() > 6 && std::memcmp(bytes.data(), "Exif\0\0", 6) == 0;
-    SetExifSize(std::span(bytes).subspan(hasPrefix ? 6 : 0), size);
+    if (isExif) SetExifSize(WithoutPrefix(bytes), size);
     return bytes;
+}
+
+std::uint16_t OrientationOf(const PictureBytes& file) {
+    const WebPData source = DataOf(file);
+    const UniqueMux mux(WebPMuxCreate(&source, 0));
+    WebPData found{};
+    if (!mux || WebPMuxGetChunk(mux.get(), "EXIF", &found) != WEBP_MUX_OK)
+        return kUprightOrientation;
+    PictureBytes exif(found.bytes, found.bytes + found.size);
+    return ExifOrientation(WithoutPrefix(exif));
 }
 
 PictureBytes WithMetadata(const PictureBytes& from, const PictureBytes& image, PictureSize size) {
@@ -194,7 +207,7 @@ void ShrinkWebp(PictureSource& source, PictureTarget& target, const ShrinkStep& 
         WebpRows rows(file, features, control);
         to = SizeAfter(rows.Form().size, step);
         CollectedRows shrunk(static_cast<std::size_t>(to.width) * rows.Form().channels);
-        ShrinkRows(rows, shrunk, to, control);
+        ShrinkAndStampRows(rows, shrunk, to, step, OrientationOf(file), control);
         image = Encode(shrunk.pixels, to, features.has_alpha, features.format == Lossless, step,
                        control);
     }

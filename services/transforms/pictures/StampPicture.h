@@ -1,0 +1,16 @@
+// One picture with a stamp laid over it, in its own size and form.
+#pragma once
+
+#include "services/transforms/pictures/PictureControl.h"
+#include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/pictures/Stamp.h"
+
+namespace transforms {
+
+// Writes the target for Shrunk only, but may have begun to for Cancelled and the failures. A lossy
+// picture is coded as finely as it was. Animations and files of many pages are Unchanged. Throws
+// nothing. Uses a second thread for its time.
+PictureOutcome StampPicture(PictureSource& source, PictureTarget& target, const Stamp& stamp,
+                            const PictureControl& control) noexcept;
+
+} // namespace transforms
