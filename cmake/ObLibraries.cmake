@@ -15,6 +15,7 @@
 #   dep::qpdf    PDF, static, with what it needs
 #   dep::pugixml_bytes  an XML reader for texts of bytes, static (tests only); a program that links
 #                 dep::pugixml can't link it too
+#   ${OB_HEIF_DLL}  libheif with libde265 inside: a DLL, loaded at run time and linked by nothing
 #   dep::pugixml  an XML reader in its wide form, static (tests and measurements only); its source
 #                 lies in ${OB_PREFIX_PUGIXML}/source
 if(NOT EXISTS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
@@ -54,3 +55,4 @@ ob_imported(lcms "${OB_PREFIX_LCMS}" ARCHIVES liblcms2.a)
 ob_imported(qpdf "${OB_PREFIX_QPDF}" ARCHIVES libqpdf.a LIBS dep::jpeg dep::zlib advapi32
     DEFINITIONS POINTERHOLDER_TRANSITION=4)
 ob_imported(pugixml_bytes "${OB_PREFIX_PUGIXMLBYTES}" ARCHIVES libpugixmlbytes.a)
+set(OB_HEIF_DLL "${OB_PREFIX_HEIF}/bin/libheif.dll")
