@@ -11,7 +11,7 @@
 #include "contracts/TransformWork.h"
 #include "services/providers/Answers.h"
 #include "services/providers/transforms/Stages.h"
-#include "services/providers/ui/PersonalDataDialog.h"
+#include "services/providers/ui/SettingsDialogs.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 #include "services/providers/worker/PumpingWait.h"
@@ -21,19 +21,13 @@ using namespace providers;
 
 namespace {
 
-constexpr auto kRemoveInfo = static_cast<std::uint32_t>(TransformId::RemoveInfo);
-
-bool IsPersonalData(const Session& session, std::uint32_t providerId, ProviderKind kind) {
-    return providerId == kRemoveInfo && session.catalogue.Contains(providerId, kind);
-}
-
-// Shows the settings, and stores what the user chose. A cancelled dialog stores nothing.
-bool ChangeSettings(const Session& session, HWND owner) {
-    PersonalDataSettings settings = session.settings.PersonalData();
-    if (!AskForSettings(owner, settings)) return false;
-    if (session.settings.Save(settings)) return true;
-    ShowSentence(owner, OwnText(OB_TEXT_SETTINGS_NOT_SAVED));
-    return false;
+// The settings of a transform that this module has. Null when it has none.
+const SettingsRow* SettingsRowOf(const Session& session, std::uint32_t providerId,
+                                 ProviderKind kind) {
+    if (kind != ProviderKind::Transform || !session.catalogue.Contains(providerId, kind)) {
+        return nullptr;
+    }
+    return SettingsOf(static_cast<TransformId>(providerId));
 }
 
 // Runs work that may wait for the user on the session of a manager, which stays alive meanwhile.
@@ -93,15 +87,16 @@ extern "C" {
 void ShowProviderOptions(ProviderManagerHandle manager, std::uint32_t providerId, ProviderKind kind,
                          void*, HWND owner) {
     WithSession(manager, [&](const Session& session) {
-        return IsPersonalData(session, providerId, kind) && ChangeSettings(session, owner);
+        const SettingsRow* const row = SettingsRowOf(session, providerId, kind);
+        return row && row->change(session.settings, owner);
     });
 }
 
 Bool ShowProviderOptionsWhenNoOptionsSet(ProviderManagerHandle manager, std::uint32_t providerId,
                                          ProviderKind kind, void*, HWND owner) {
     return WithSession(manager, [&](const Session& session) {
-        return IsPersonalData(session, providerId, kind) &&
-               (session.settings.Has(TransformId::RemoveInfo) || ChangeSettings(session, owner));
+        const SettingsRow* const row = SettingsRowOf(session, providerId, kind);
+        return row && (row->areStored(session.settings) || row->change(session.settings, owner));
     });
 }
 

@@ -1,41 +1,48 @@
-// What the user chose for a transform, below the manager's key.
+// What the user chose for the transforms, below the manager's key: one key a transform, with texts
+// as values. What the values of a transform mean is in its own file.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 
 #include "contracts/ProviderManager.h"
 
 namespace providers {
 
-// How personal data is removed (id 51).
-struct PersonalDataSettings {
-    bool showsReceipt = true;  // the user sees what was removed before the files are attached
-    bool asksAboutRest = true; // for files that can't be cleaned; otherwise nothing is attached
-    bool operator==(const PersonalDataSettings&) const = default;
+struct SettingValue {
+    const wchar_t* name;
+    std::wstring text;
 };
 
-// Opens the key for each access and keeps nothing open in between. All values are texts.
+// Opens the key for each access and keeps nothing open in between.
 class TransformSettings {
 public:
     // The hive and key that Init was given.
     TransformSettings(HKEY hive, std::wstring key);
 
-    // Whether settings were stored for the transform, so that nobody has to be asked.
-    bool Has(obcontract::TransformId id) const;
+    // Nothing where there is no value of this name, or one that isn't a text of this module's:
+    // those have at most 15 characters.
+    std::optional<std::wstring> Read(obcontract::TransformId id, const wchar_t* name) const;
 
-    // The defaults where a value is missing or isn't one that is stored here.
-    PersonalDataSettings PersonalData() const;
-
-    // False when a value can't be written. The values that were written before it stay, and Has is
-    // as it was.
-    bool Save(const PersonalDataSettings& settings) const;
+    // Writes the values in their order. False when one can't be written; those before it stay.
+    bool Write(obcontract::TransformId id, std::span<const SettingValue> values) const;
 
 private:
     HKEY hive_; // predefined: never closed
     std::wstring key_;
 };
+
+// A switch is stored as "1" or "0"; nothing for another text.
+std::optional<bool> SwitchOf(const std::optional<std::wstring>& text);
+std::wstring TextOfSwitch(bool value);
+
+// A number is stored as decimal digits without zeros before them; nothing for another text and for
+// a number outside the limits.
+std::optional<std::uint32_t> NumberOf(const std::optional<std::wstring>& text, std::uint32_t least,
+                                      std::uint32_t most);
 
 } // namespace providers

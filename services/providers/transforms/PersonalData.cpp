@@ -4,6 +4,7 @@
 #include <optional>
 #include <set>
 
+#include "services/providers/settings/PersonalDataSettings.h"
 #include "services/providers/ui/ReceiptDialog.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
@@ -83,7 +84,7 @@ bool Check(StageCall& call, const std::wstring& path, std::vector<ReceiptFile>& 
 
 // What the user reads and decides at the end.
 bool Report(StageCall& call, const std::vector<ReceiptFile>& rows) {
-    const PersonalDataSettings settings = call.settings.PersonalData();
+    const auto settings = PersonalDataSettings::Load(call.settings);
     const auto rest = std::ranges::find_if(rows, &ReceiptFile::IsRest);
     if (rest != rows.end() && !settings.asksAboutRest) {
         ShowSentence(call.wait.Owner(), FormatOwnText(OB_TEXT_REST_NOT_WANTED,

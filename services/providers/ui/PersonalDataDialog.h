@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "services/providers/settings/TransformSettings.h"
+#include "services/providers/settings/PersonalDataSettings.h"
 
 namespace providers {
 

@@ -40,6 +40,9 @@
 #define OB_TEXT_RECEIPT_REMOVED 542
 #define OB_TEXT_RECEIPT_THE_FILE 543
 
+// Pictures that are made smaller.
+#define OB_TEXT_RESIZE_NUMBER 600
+
 // What was found in a file.
 #define OB_TEXT_FOUND_OTHER 560
 #define OB_TEXT_FOUND_POSITION 561

@@ -4,10 +4,13 @@
 
 #include <string>
 
+#include "services/providers/settings/PersonalDataSettings.h"
+#include "services/providers/settings/ResizeSettings.h"
 #include "tests/support/ProductRegistry.h"
 
-using obcontract::TransformId;
 using providers::PersonalDataSettings;
+using providers::ResizeAim;
+using providers::ResizeSettings;
 using providers::TransformSettings;
 
 namespace {
@@ -23,24 +26,24 @@ protected:
 };
 
 TEST_F(TransformSettingsTest, AreTheDefaultsUntilTheyAreStored) {
-    EXPECT_FALSE(settings_.Has(TransformId::RemoveInfo));
-    EXPECT_EQ(settings_.PersonalData(), (PersonalDataSettings{true, true}));
+    EXPECT_FALSE(PersonalDataSettings::AreStored(settings_));
+    EXPECT_EQ(PersonalDataSettings::Load(settings_), (PersonalDataSettings{true, true}));
     EXPECT_FALSE(obtest::KeyExists(HKEY_CURRENT_USER, kKey));
 }
 
 TEST_F(TransformSettingsTest, AreReadBackAsStored) {
     for (const PersonalDataSettings stored :
          {PersonalDataSettings{true, false}, {false, true}, {false, false}, {true, true}}) {
-        ASSERT_TRUE(settings_.Save(stored));
-        EXPECT_EQ(settings_.PersonalData(), stored);
-        EXPECT_EQ(TransformSettings(HKEY_CURRENT_USER, kKey).PersonalData(), stored);
+        ASSERT_TRUE(stored.Save(settings_));
+        EXPECT_EQ(PersonalDataSettings::Load(settings_), stored);
+        EXPECT_EQ(PersonalDataSettings::Load({HKEY_CURRENT_USER, kKey}), stored);
     }
-    EXPECT_TRUE(settings_.Has(TransformId::RemoveInfo));
-    EXPECT_FALSE(settings_.Has(TransformId::Watermark));
+    EXPECT_TRUE(PersonalDataSettings::AreStored(settings_));
+    EXPECT_FALSE(ResizeSettings::AreStored(settings_));
 }
 
 TEST_F(TransformSettingsTest, AreTextsBelowTheManagersKey) {
-    ASSERT_TRUE(settings_.Save({false, true}));
+    ASSERT_TRUE((PersonalDataSettings{false, true}.Save(settings_)));
     EXPECT_EQ(obtest::ReadValue(HKEY_CURRENT_USER, kOwnKey, L"ShowReceipt"), L"0");
     EXPECT_EQ(obtest::ReadValue(HKEY_CURRENT_USER, kOwnKey, L"AskAboutOtherFiles"), L"1");
 }
@@ -48,18 +51,75 @@ TEST_F(TransformSettingsTest, AreTextsBelowTheManagersKey) {
 TEST_F(TransformSettingsTest, AreTheDefaultsForValuesOfOthers) {
     const DWORD number = 0;
     obtest::SetRawValue(HKEY_CURRENT_USER, kOwnKey, L"ShowReceipt", REG_DWORD, &number, 4);
-    EXPECT_FALSE(settings_.Has(TransformId::RemoveInfo));
+    EXPECT_FALSE(PersonalDataSettings::AreStored(settings_));
     for (const wchar_t* text : {L"", L"2", L"yes", L"00"}) {
         obtest::SetValue(HKEY_CURRENT_USER, kOwnKey, L"ShowReceipt", text);
         obtest::SetValue(HKEY_CURRENT_USER, kOwnKey, L"AskAboutOtherFiles", text);
-        EXPECT_FALSE(settings_.Has(TransformId::RemoveInfo));
-        EXPECT_EQ(settings_.PersonalData(), (PersonalDataSettings{true, true}));
+        EXPECT_FALSE(PersonalDataSettings::AreStored(settings_));
+        EXPECT_EQ(PersonalDataSettings::Load(settings_), (PersonalDataSettings{true, true}));
     }
 }
 
 TEST_F(TransformSettingsTest, ReportThatTheyCantBeStored) {
     // The name of a key has at most 255 characters.
-    EXPECT_FALSE(TransformSettings(HKEY_CURRENT_USER, std::wstring(300, L'k')).Save({}));
+    const TransformSettings nowhere(HKEY_CURRENT_USER, std::wstring(300, L'k'));
+    EXPECT_FALSE(PersonalDataSettings().Save(nowhere));
+    EXPECT_FALSE(ResizeSettings().Save(nowhere));
+}
+
+const std::wstring kResizeKey = kKey + L"\\Transforms\\2";
+
+class ResizeSettingsTest : public TransformSettingsTest {
+protected:
+    void Set(const wchar_t* name, const wchar_t* text) {
+        obtest::SetValue(HKEY_CURRENT_USER, kResizeKey, name, text);
+    }
+};
+
+TEST_F(ResizeSettingsTest, AreTheDefaultsUntilTheyAreStored) {
+    EXPECT_FALSE(ResizeSettings::AreStored(settings_));
+    const auto settings = ResizeSettings::Load(settings_);
+    EXPECT_EQ(settings.aim, ResizeAim::LongestEdge);
+    EXPECT_EQ(settings.Number(), 2048u);
+    EXPECT_FALSE(settings.FitsMail());
+    EXPECT_FALSE(obtest::KeyExists(HKEY_CURRENT_USER, kKey));
+}
+
+TEST_F(ResizeSettingsTest, AreReadBackAsStored) {
+    for (const auto aim :
+         {ResizeAim::Percent, ResizeAim::FitMail, ResizeAim::BytesEach, ResizeAim::LongestEdge}) {
+        const ResizeSettings stored{aim, {1600, 75, 250, 25}};
+        ASSERT_TRUE(stored.Save(settings_));
+        EXPECT_TRUE(ResizeSettings::AreStored(settings_));
+        EXPECT_EQ(ResizeSettings::Load(settings_), stored);
+    }
+    EXPECT_FALSE(PersonalDataSettings::AreStored(settings_));
+}
+
+TEST_F(ResizeSettingsTest, AreTextsBelowTheManagersKey) {
+    ASSERT_TRUE((ResizeSettings{ResizeAim::FitMail, {1600, 75, 250, 25}}.Save(settings_)));
+    const auto value = [](const wchar_t* name) {
+        return obtest::ReadValue(HKEY_CURRENT_USER, kResizeKey, name);
+    };
+    EXPECT_EQ(value(L"Aim"), L"FitMail");
+    EXPECT_EQ(value(L"Pixels"), L"1600");
+    EXPECT_EQ(value(L"Percent"), L"75");
+    EXPECT_EQ(value(L"Kilobytes"), L"250");
+    EXPECT_EQ(value(L"Megabytes"), L"25");
+}
+
+TEST_F(ResizeSettingsTest, AreTheDefaultsForValuesOfOthers) {
+    for (const wchar_t* aim : {L"", L"fitmail", L"FitMail2", L"an aim that is far too long"}) {
+        Set(L"Aim", aim);
+        EXPECT_FALSE(ResizeSettings::AreStored(settings_));
+    }
+    Set(L"Aim", L"Percent");
+    for (const wchar_t* number : {L"", L"0", L"100", L"-5", L"05", L"5 ", L"1e1", L"99999999999"}) {
+        Set(L"Percent", number);
+        EXPECT_EQ(ResizeSettings::Load(settings_).Number(), 50u) << number;
+    }
+    Set(L"Percent", L"99");
+    EXPECT_EQ(ResizeSettings::Load(settings_).Number(), 99u);
 }
 
 } // namespace

@@ -11,6 +11,8 @@
 #include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/ReceiptDialog.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
+#include "services/providers/ui/ResizeDialog.h"
+#include "services/providers/ui/ResizeDialogIds.h"
 #include "tests/support/WindowPicture.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
@@ -66,6 +68,19 @@ TEST_F(ProviderDialogPictures, OfTheSettings) {
         DialogUiDriver::Press(dialog, IDCANCEL);
     });
     PersonalDataSettings settings;
+    EXPECT_FALSE(AskForSettings(nullptr, settings));
+}
+
+TEST_F(ProviderDialogPictures, OfTheSettingsOfPictures) {
+    DialogUiDriver user(OB_RESIZE_EDGE, [](HWND dialog) {
+        Look(dialog, L"settings-resize",
+             {OB_RESIZE_INTRO, OB_RESIZE_EDGE, OB_RESIZE_PERCENT, OB_RESIZE_BYTES, OB_RESIZE_FIT,
+              OB_RESIZE_EDGE_UNIT, OB_RESIZE_PERCENT_UNIT, OB_RESIZE_BYTES_UNIT, OB_RESIZE_FIT_UNIT,
+              OB_RESIZE_EDGE_NUMBER, OB_RESIZE_PERCENT_NUMBER, OB_RESIZE_BYTES_NUMBER,
+              OB_RESIZE_FIT_NUMBER, OB_RESIZE_NOTE, IDOK, IDCANCEL});
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    ResizeSettings settings{ResizeAim::FitMail, {50'000, 50, 999'999, 20}};
     EXPECT_FALSE(AskForSettings(nullptr, settings));
 }
 

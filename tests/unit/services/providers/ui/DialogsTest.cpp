@@ -9,7 +9,10 @@
 #include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/ReceiptDialog.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
+#include "services/providers/ui/ResizeDialog.h"
+#include "services/providers/ui/ResizeDialogIds.h"
 #include "services/providers/ui/SaveList.h"
+#include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
@@ -50,6 +53,111 @@ TEST_F(PersonalDataDialog, TakesWhatTheUserChose) {
 TEST_F(PersonalDataDialog, ChangesNothingWhenItIsCancelled) {
     EXPECT_FALSE(Ask({OB_PERSONAL_DATA_RECEIPT, OB_PERSONAL_DATA_STOP, IDCANCEL}));
     EXPECT_EQ(settings_, PersonalDataSettings());
+}
+
+class ResizeDialog : public testing::Test {
+protected:
+    // Shows the settings, uses them, and gives what the dialog answered.
+    bool Ask(const std::function<void(HWND)>& use) {
+        DialogUiDriver user(OB_RESIZE_EDGE, use);
+        return AskForSettings(nullptr, settings_);
+    }
+    static void Enter(HWND dialog, int field, const wchar_t* number) {
+        SetWindowTextW(GetDlgItem(dialog, field), number);
+    }
+    static std::wstring Text(HWND dialog, int control) {
+        return obtest::TextOf(GetDlgItem(dialog, control));
+    }
+    static bool IsEnabled(HWND dialog, int control) {
+        return IsWindowEnabled(GetDlgItem(dialog, control)) != FALSE;
+    }
+
+    ResizeSettings settings_;
+};
+
+TEST_F(ResizeDialog, KeepsWhatItShowsAfterOk) {
+    for (const auto aim :
+         {ResizeAim::LongestEdge, ResizeAim::Percent, ResizeAim::BytesEach, ResizeAim::FitMail}) {
+        const ResizeSettings stored{aim, {1600, 75, 250, 25}};
+        settings_ = stored;
+        EXPECT_TRUE(Ask([](HWND dialog) { DialogUiDriver::Press(dialog, IDOK); }));
+        EXPECT_EQ(settings_, stored);
+    }
+}
+
+TEST_F(ResizeDialog, BeginsInTheFieldOfTheChosenAim) {
+    settings_.aim = ResizeAim::BytesEach;
+    EXPECT_FALSE(Ask([](HWND dialog) {
+        EXPECT_EQ(SendMessageW(dialog, DM_GETDEFID, 0, 0), MAKELONG(IDOK, DC_HASDEFID));
+        EXPECT_EQ(Text(dialog, OB_RESIZE_BYTES_NUMBER), L"500");
+        GUITHREADINFO info{sizeof info};
+        EXPECT_TRUE(GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info));
+        EXPECT_EQ(GetDlgCtrlID(info.hwndFocus), OB_RESIZE_BYTES_NUMBER);
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    }));
+}
+
+TEST_F(ResizeDialog, LetsTheNumberOfTheChosenAimBeChanged) {
+    EXPECT_TRUE(Ask([](HWND dialog) {
+        EXPECT_TRUE(IsEnabled(dialog, OB_RESIZE_EDGE_NUMBER));
+        EXPECT_FALSE(IsEnabled(dialog, OB_RESIZE_FIT_NUMBER));
+        DialogUiDriver::Press(dialog, OB_RESIZE_FIT);
+        EXPECT_FALSE(IsEnabled(dialog, OB_RESIZE_EDGE_NUMBER));
+        EXPECT_TRUE(IsEnabled(dialog, OB_RESIZE_FIT_NUMBER));
+        Enter(dialog, OB_RESIZE_FIT_NUMBER, L"10");
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    EXPECT_EQ(settings_, (ResizeSettings{ResizeAim::FitMail, {2048, 50, 500, 10}}));
+}
+
+TEST_F(ResizeDialog, ChangesNothingWhenItIsCancelled) {
+    EXPECT_FALSE(Ask([](HWND dialog) {
+        DialogUiDriver::Press(dialog, OB_RESIZE_PERCENT);
+        Enter(dialog, OB_RESIZE_PERCENT_NUMBER, L"10");
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    }));
+    EXPECT_EQ(settings_, ResizeSettings());
+}
+
+TEST_F(ResizeDialog, RefusesANumberOutsideTheLimitsWithASentence) {
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_TRUE(Ask([](HWND dialog) {
+        for (const wchar_t* number : {L"49", L"50001", L"", L"99999999999"}) {
+            Enter(dialog, OB_RESIZE_EDGE_NUMBER, number);
+            DialogUiDriver::Press(dialog, IDOK);
+            EXPECT_TRUE(IsWindow(dialog));
+        }
+        Enter(dialog, OB_RESIZE_EDGE_NUMBER, L"50000");
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    ASSERT_EQ(boxes.Seen().size(), 4u);
+    EXPECT_EQ(boxes.Seen()[0].text, L"Please enter a whole number from 50 to 50000.");
+    EXPECT_EQ(settings_.Number(), 50'000u);
+}
+
+// A number that was entered for an aim that isn't chosen in the end never keeps the dialog open.
+TEST_F(ResizeDialog, ForgetsAWrongNumberOfAnotherAim) {
+    EXPECT_TRUE(Ask([](HWND dialog) {
+        Enter(dialog, OB_RESIZE_EDGE_NUMBER, L"1");
+        DialogUiDriver::Press(dialog, OB_RESIZE_PERCENT);
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    EXPECT_EQ(settings_, (ResizeSettings{ResizeAim::Percent, {2048, 50, 500, 20}}));
+}
+
+TEST_F(ResizeDialog, HasAMnemonicOfItsOwnForEachAim) {
+    EXPECT_FALSE(Ask([](HWND dialog) {
+        std::wstring seen;
+        for (int button = OB_RESIZE_EDGE; button <= OB_RESIZE_FIT; ++button) {
+            const std::wstring text = Text(dialog, button);
+            const std::size_t mark = text.find(L'&');
+            ASSERT_LT(mark + 1, text.size());
+            const auto letter = static_cast<wchar_t>(towlower(text[mark + 1]));
+            EXPECT_EQ(seen.find(letter), std::wstring::npos);
+            seen += letter;
+        }
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    }));
 }
 
 class ReceiptDialog : public testing::Test {
