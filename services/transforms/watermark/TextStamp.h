@@ -1,0 +1,25 @@
+// A text as a watermark, drawn by the system: in any script for which the machine has a font.
+#pragma once
+
+#include <string>
+
+#include "services/transforms/pictures/Stamp.h"
+#include "services/transforms/watermark/Watermark.h"
+
+namespace transforms {
+
+// White letters with a dark edge, so that they can be read on any picture. One line; a text that is
+// too long for a picture gets smaller letters, and ends with three dots where those would be too
+// small. Any thread.
+class TextStamp final : public Stamp {
+public:
+    TextStamp(std::wstring text, WatermarkLook look) : text_(std::move(text)), look_(look) {}
+    // Throws PictureFailure with OutOfMemory when the system can't draw.
+    PlacedStamp For(PictureSize shown) const override;
+
+private:
+    std::wstring text_;
+    WatermarkLook look_;
+};
+
+} // namespace transforms
