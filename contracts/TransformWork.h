@@ -116,6 +116,7 @@ inline constexpr std::size_t kMostWorkFindings = 256;
 struct WorkFinding {
     std::uint32_t count;        // not zero
     char key[kWorkKeyCapacity]; // of a-z, 0-9, '.' and '-'; not empty; zeros up to its end
+    // A key that begins with "stays." names content, which a clean leaves as it is.
 };
 static_assert(sizeof(WorkFinding) == 64);
 static_assert(offsetof(WorkFinding, count) == 0);
@@ -144,6 +145,8 @@ enum class WorkFailure : std::uint32_t {
     Unwritable = 4, // the target can't be written, as on a full disk
     NotServed = 5,  // the work process doesn't know the request
     CannotFit = 6,  // the picture can't be made small enough
+    Encrypted = 7,  // the document needs a password
+    Signed = 8,     // the document has a signature, which any change would break
 };
 
 struct WorkFailed {

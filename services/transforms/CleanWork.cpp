@@ -7,7 +7,7 @@
 
 #include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/transforms/SourceView.h"
-#include "services/transforms/personal/PersonalData.h"
+#include "services/transforms/documents/AnyFile.h"
 
 namespace transforms {
 namespace {
@@ -48,6 +48,13 @@ std::optional<WorkEnd> Written(HANDLE target, std::span<const std::byte> bytes, 
     return WorkEnd(WorkOutcome::Changed, bytes.size());
 }
 
+// False when nobody reads them.
+bool Send(const std::vector<Finding>& findings, WorkChannel& channel) {
+    return std::ranges::all_of(findings, [&](const Finding& finding) {
+        return channel.SendFinding(FindingName(finding.kind), finding.count);
+    });
+}
+
 std::optional<WorkEnd> EndOf(HANDLE target, const CleanedFile& cleaned, std::uint64_t read,
                              WorkChannel& channel) {
     switch (cleaned.outcome) {
@@ -57,6 +64,12 @@ std::optional<WorkEnd> EndOf(HANDLE target, const CleanedFile& cleaned, std::uin
         return WorkEnd(WorkOutcome::Unchanged);
     case CleanOutcome::NotSupported:
         return WorkEnd(WorkOutcome::NotSupported);
+    case CleanOutcome::TooLarge:
+        return WorkEnd(WorkFailure::TooLarge);
+    case CleanOutcome::Encrypted:
+        return WorkEnd(WorkFailure::Encrypted);
+    case CleanOutcome::Signed:
+        return WorkEnd(WorkFailure::Signed);
     case CleanOutcome::Damaged:
         break;
     }
@@ -71,10 +84,8 @@ std::optional<WorkEnd> Clean(const WorkRequest& request, WorkChannel& channel) {
     const auto source = SourceView::Map(request.source.Get(), failure);
     if (!source) return WorkEnd(failure);
     if (!ReadAhead(source->Bytes(), channel)) return {};
-    const CleanedFile cleaned = RemovePersonalData(source->Bytes());
-    for (const Finding& finding : cleaned.removed) {
-        if (!channel.SendFinding(FindingName(finding.kind), finding.count)) return {};
-    }
+    const CleanedFile cleaned = CleanFile(source->Bytes());
+    if (!Send(cleaned.removed, channel) || !Send(cleaned.stays, channel)) return {};
     return EndOf(request.target.Get(), cleaned, source->Bytes().size(), channel);
 }
 

@@ -34,20 +34,25 @@ bool TakePlace(StageCall& call, NewFile& cleaned, WorkingCopy& copy, const WorkR
 bool IsFinal(WorkResult result) {
     constexpr WorkResult kFinal[] = {WorkResult::Unchanged,  WorkResult::NotSupported,
                                      WorkResult::Damaged,    WorkResult::TooLarge,
-                                     WorkResult::Unreadable, WorkResult::ProcessFailed};
+                                     WorkResult::Unreadable, WorkResult::ProcessFailed,
+                                     WorkResult::Encrypted,  WorkResult::Signed};
     return std::ranges::find(kFinal, result) != std::end(kFinal);
 }
 
 ReceiptFile Row(const std::wstring& path, const CleanRecord& record) {
-    return {FileNameOf(path), record.result, record.removed};
+    return {FileNameOf(path), record.result, record.found};
 }
 
 bool IsRest(const CleanRecord& record) {
     return record.result != WorkResult::Changed && record.result != WorkResult::Unchanged;
 }
 
-// What a file that no earlier stage has seen is: checked, and recorded by what the check found.
-CleanRecord RecordOf(const WorkReport& checked) { return {checked.result, {}}; }
+// What a file that no earlier stage has seen is: checked, and recorded by what the check found,
+// which in a clean file is content that stays.
+CleanRecord RecordOf(const WorkReport& checked) {
+    const bool isClean = checked.result == WorkResult::Unchanged;
+    return {checked.result, isClean ? checked.found : std::vector<WorkFound>()};
+}
 
 // Whether the check of a result lets the run go on.
 bool Passes(StageCall& call, const std::wstring& path, const WorkReport& checked, bool known) {

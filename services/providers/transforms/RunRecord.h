@@ -17,7 +17,7 @@ struct PathOrder {
 // What became of a file when personal data was removed from it.
 struct CleanRecord {
     WorkResult result = WorkResult::NotSupported;
-    std::vector<WorkFound> removed;
+    std::vector<WorkFound> found;
 };
 
 struct RunRecord {

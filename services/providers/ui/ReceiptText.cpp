@@ -37,7 +37,27 @@ constexpr FoundRow kFound[] = {
     {"private-data", OB_TEXT_FOUND_PRIVATE_DATA},
     {"stray-bytes", OB_TEXT_FOUND_STRAY_BYTES},
     {"trailing-data", OB_TEXT_FOUND_TRAILING_DATA},
+    {"local-path", OB_TEXT_FOUND_LOCAL_PATH},
+    {"revision-ids", OB_TEXT_FOUND_REVISION_IDS},
+    {"authors", OB_TEXT_FOUND_AUTHORS},
+    {"printer-settings", OB_TEXT_FOUND_PRINTER_SETTINGS},
+    {"old-versions", OB_TEXT_FOUND_OLD_VERSIONS},
+    {"document-id", OB_TEXT_FOUND_DOCUMENT_ID},
+    {"properties", OB_TEXT_FOUND_PROPERTIES},
+    {"change-history", OB_TEXT_FOUND_CHANGE_HISTORY},
+    {"file-structure", OB_TEXT_FOUND_FILE_STRUCTURE},
+    {"stays.deleted-text", OB_TEXT_STAYS_DELETED_TEXT},
+    {"stays.hidden-sheets", OB_TEXT_STAYS_HIDDEN_SHEETS},
+    {"stays.hidden-slides", OB_TEXT_STAYS_HIDDEN_SLIDES},
+    {"stays.hidden-text", OB_TEXT_STAYS_HIDDEN_TEXT},
+    {"stays.comments", OB_TEXT_STAYS_COMMENTS},
+    {"stays.embedded-files", OB_TEXT_STAYS_EMBEDDED_FILES},
+    {"stays.macros", OB_TEXT_STAYS_MACROS},
+    {"stays.custom-data", OB_TEXT_STAYS_CUSTOM_DATA},
 };
+
+// A key that begins so names content, which no request removes.
+constexpr std::string_view kStays = "stays.";
 
 constexpr wchar_t kLineBreak[] = L"\r\n";
 constexpr wchar_t kIndent[] = L"      ";
@@ -46,11 +66,23 @@ std::ptrdiff_t CountOf(const std::vector<ReceiptFile>& files, WorkResult result)
     return std::ranges::count(files, result, &ReceiptFile::result);
 }
 
-std::wstring CleanedFile(const ReceiptFile& file) {
-    if (file.removed.empty()) return FormatOwnText(OB_TEXT_RECEIPT_FILE_CLEAN, {file.name});
-    std::wstring lines = FormatOwnText(OB_TEXT_RECEIPT_REMOVED, {file.name});
-    for (const WorkFound& found : file.removed) lines += kLineBreak + (kIndent + FoundText(found));
+// A line with the file's name, and one for each finding that stays or that doesn't; empty without
+// any.
+std::wstring Lines(const ReceiptFile& file, UINT heading, bool staying) {
+    std::wstring lines;
+    for (const WorkFound& found : file.found) {
+        if (found.key.starts_with(kStays) != staying) continue;
+        if (lines.empty()) lines = FormatOwnText(heading, {file.name});
+        lines += kLineBreak + (kIndent + FoundText(found));
+    }
     return lines;
+}
+
+std::wstring CleanedFile(const ReceiptFile& file) {
+    std::wstring removed = Lines(file, OB_TEXT_RECEIPT_REMOVED, false);
+    if (removed.empty()) removed = FormatOwnText(OB_TEXT_RECEIPT_FILE_CLEAN, {file.name});
+    const std::wstring stays = Lines(file, OB_TEXT_RECEIPT_STAYS, true);
+    return stays.empty() ? removed : removed + kLineBreak + stays;
 }
 
 } // namespace
@@ -63,6 +95,10 @@ std::wstring RestReason(WorkResult result) {
         return OwnText(OB_TEXT_REST_DAMAGED);
     case WorkResult::TooLarge:
         return OwnText(OB_TEXT_REST_TOO_LARGE);
+    case WorkResult::Encrypted:
+        return OwnText(OB_TEXT_REST_ENCRYPTED);
+    case WorkResult::Signed:
+        return OwnText(OB_TEXT_REST_SIGNED);
     default:
         return OwnText(OB_TEXT_REST_FAILED);
     }

@@ -14,7 +14,7 @@ struct ReceiptFile {
     std::wstring name;
     // Changed: cleaned; Unchanged: nothing was found; anything else: why it can't be cleaned.
     WorkResult result = WorkResult::NotSupported;
-    std::vector<WorkFound> removed;
+    std::vector<WorkFound> found; // what was removed, and what stays (keys with "stays." in front)
 
     bool IsRest() const { return result != WorkResult::Changed && result != WorkResult::Unchanged; }
 };
@@ -30,7 +30,7 @@ std::wstring FoundText(const WorkFound& found);
 std::wstring ReceiptHeadline(const std::vector<ReceiptFile>& files);
 
 // The list, with a line break at the end of each line: first the files that can't be cleaned, then
-// what was removed, file by file. With `onlyRest` without the latter.
+// what was removed and what stays, file by file. With `onlyRest` without the latter.
 std::wstring ReceiptList(const std::vector<ReceiptFile>& files, bool onlyRest);
 
 } // namespace providers

@@ -45,6 +45,8 @@ constexpr FailureRow kFailures[] = {
     {WorkFailure::Unwritable, WorkResult::Unwritable},
     {WorkFailure::NotServed, WorkResult::ProcessFailed},
     {WorkFailure::CannotFit, WorkResult::CannotFit},
+    {WorkFailure::Encrypted, WorkResult::Encrypted},
+    {WorkFailure::Signed, WorkResult::Signed},
 };
 
 // The payload comes from bytes without alignment.

@@ -14,14 +14,17 @@ void FindingCounter::Note(const FindingCounter& more) {
     for (std::size_t at = 0; at < counts_.size(); ++at) counts_[at] += more.counts_[at];
 }
 
-bool FindingCounter::IsEmpty() const {
-    return std::ranges::all_of(counts_, [](std::uint32_t count) { return count == 0; });
-}
+bool FindingCounter::IsEmpty() const { return List().empty(); }
 
-std::vector<Finding> FindingCounter::List() const {
+std::vector<Finding> FindingCounter::List() const { return Select(false); }
+
+std::vector<Finding> FindingCounter::Staying() const { return Select(true); }
+
+std::vector<Finding> FindingCounter::Select(bool staying) const {
     std::vector<Finding> list;
     for (std::size_t at = 0; at < counts_.size(); ++at) {
-        if (counts_[at] != 0) list.push_back({static_cast<FindingKind>(at), counts_[at]});
+        const auto kind = static_cast<FindingKind>(at);
+        if (counts_[at] != 0 && Stays(kind) == staying) list.push_back({kind, counts_[at]});
     }
     return list;
 }
@@ -60,6 +63,22 @@ OwnedBytes PartList::Join() const {
     joined.reserve(Size());
     for (const Bytes part : parts_) joined.insert(joined.end(), part.begin(), part.end());
     return joined;
+}
+
+CleanedFile ResultOf(Bytes file, const Analysis& analysis) {
+    if (analysis.outcome != CleanOutcome::NothingFound) return {analysis.outcome, {}, {}, {}};
+    if (analysis.found.IsEmpty()) {
+        return {
+            CleanOutcome::NothingFound, {file.begin(), file.end()}, {}, analysis.found.Staying()};
+    }
+    return {CleanOutcome::Cleaned, analysis.parts.Join(), analysis.found.List(),
+            analysis.found.Staying()};
+}
+
+std::vector<Finding> FindingsOf(const Analysis& analysis) {
+    if (analysis.outcome == CleanOutcome::Damaged) return {{FindingKind::Unreadable, 1}};
+    if (analysis.outcome != CleanOutcome::NothingFound) return {};
+    return analysis.found.List();
 }
 
 } // namespace transforms::personal

@@ -8,17 +8,18 @@
 
 namespace transforms::personal {
 
-inline constexpr std::size_t kFindingKinds = static_cast<std::size_t>(FindingKind::Unreadable) + 1;
-
 // Counts what was found, by kind.
 class FindingCounter {
 public:
     void Note(FindingKind kind, std::uint32_t count = 1);
     void Note(const FindingCounter& more);
-    bool IsEmpty() const;
-    std::vector<Finding> List() const; // in the order of the kinds, without those not found
+    bool IsEmpty() const;                 // whether nothing has to be removed
+    std::vector<Finding> List() const;    // what has to be removed, in the order of the kinds
+    std::vector<Finding> Staying() const; // what stays, in the order of the kinds
 
 private:
+    std::vector<Finding> Select(bool staying) const;
+
     std::array<std::uint32_t, kFindingKinds> counts_ = {};
 };
 
@@ -55,5 +56,9 @@ inline Analysis Failed(CleanOutcome outcome) {
     failed.outcome = outcome;
     return failed;
 }
+
+// What RemovePersonalData and FindPersonalData return for a file that was read.
+CleanedFile ResultOf(Bytes file, const Analysis& analysis);
+std::vector<Finding> FindingsOf(const Analysis& analysis);
 
 } // namespace transforms::personal

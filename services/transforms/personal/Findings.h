@@ -1,8 +1,10 @@
 // What became of a file, and the kinds of personal data with their names.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace transforms {
 
@@ -11,6 +13,9 @@ enum class CleanOutcome : std::uint8_t {
     NothingFound, // the file is as clean as this library makes one
     NotSupported, // a format, or a kind of a format, that isn't cleaned here
     Damaged,      // the file begins as a supported format and can't be read whole
+    TooLarge,     // a document with more parts, or larger ones, than are read
+    Encrypted,    // a document that needs a password
+    Signed,       // a document with a signature, which any change would break
 };
 
 // What kind of data was found. The receipt's texts and its stored form are chosen by these values
@@ -36,15 +41,49 @@ enum class FindingKind : std::uint8_t {
     StrayBytes,      // bytes between the parts of a file, which nothing refers to
     TrailingData,    // what follows the picture's end
     Unreadable,      // reported by FindPersonalData alone: a damaged file
+    LocalPath,       // folders and files of a computer
+    RevisionIds,     // numbers that tie a document's text to the sessions in which it was written
+    Authors,         // who wrote comments and changes, and when
+    PrinterSettings, // of the computer that printed last
+    OldVersions,     // earlier states of a document, and parts that nothing refers to
+    DocumentId,      // a number that every copy of a document carries
+    Properties,      // a document's properties: author, company, times, program, statistics
+    ChangeHistory,   // a record of who changed what
+    FileStructure,   // how the program put the file together: order, gaps, times of its parts
+    // These are texts or parts of the content: reported, and never removed.
+    DeletedText,   // that change tracking keeps
+    HiddenSheets,  // of a workbook
+    HiddenSlides,  // of a presentation
+    HiddenText,    // characters that are formatted as hidden
+    Comments,      // the texts of comments
+    EmbeddedFiles, // files, films and pictures inside that aren't looked into
+    Macros,        // programs
+    CustomData,    // what other programs stored in the document
 };
+inline constexpr std::size_t kFindingKinds = static_cast<std::size_t>(FindingKind::CustomData) + 1;
 
-// A stable ASCII name: lower-case words joined by hyphens, such as "maker-notes".
+// Whether data of this kind is content: it stays, and the user is informed of it.
+constexpr bool Stays(FindingKind kind) { return kind >= FindingKind::DeletedText; }
+
+// A stable ASCII name: lower-case words joined by hyphens, such as "maker-notes"; with "stays." in
+// front for what stays.
 std::string_view FindingName(FindingKind kind);
 
 struct Finding {
     FindingKind kind;
     std::uint32_t count; // segments, chunks or tags; never 0
     friend bool operator==(const Finding&, const Finding&) = default;
+};
+
+struct CleanedFile {
+    CleanOutcome outcome = CleanOutcome::NotSupported;
+    // The whole new file. With NothingFound the bytes that were given, otherwise empty unless
+    // Cleaned.
+    std::vector<std::byte> bytes;
+    // In the order of FindingKind, each kind once; empty unless Cleaned.
+    std::vector<Finding> removed;
+    // What the file still contains, in the same order; empty unless Cleaned or NothingFound.
+    std::vector<Finding> stays;
 };
 
 } // namespace transforms

@@ -31,22 +31,14 @@ Analysis Analyze(Bytes file) {
     return Failed(CleanOutcome::NotSupported);
 }
 
-bool IsRead(const Analysis& analysis) { return analysis.outcome == CleanOutcome::NothingFound; }
-
 } // namespace
 
 CleanedFile RemovePersonalData(std::span<const std::byte> file) {
-    const Analysis analysis = Analyze(file);
-    if (!IsRead(analysis)) return {analysis.outcome, {}, {}};
-    if (analysis.found.IsEmpty())
-        return {CleanOutcome::NothingFound, {file.begin(), file.end()}, {}};
-    return {CleanOutcome::Cleaned, analysis.parts.Join(), analysis.found.List()};
+    return ResultOf(file, Analyze(file));
 }
 
 std::vector<Finding> FindPersonalData(std::span<const std::byte> file) {
-    const Analysis analysis = Analyze(file);
-    if (analysis.outcome == CleanOutcome::Damaged) return {{FindingKind::Unreadable, 1}};
-    return IsRead(analysis) ? analysis.found.List() : std::vector<Finding>();
+    return FindingsOf(Analyze(file));
 }
 
 } // namespace transforms

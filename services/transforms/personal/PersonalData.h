@@ -10,17 +10,9 @@
 
 namespace transforms {
 
-struct CleanedFile {
-    CleanOutcome outcome = CleanOutcome::NotSupported;
-    // The whole new file. With NothingFound the bytes that were given, otherwise empty unless
-    // Cleaned.
-    std::vector<std::byte> bytes;
-    // In the order of FindingKind, each kind once; empty unless Cleaned.
-    std::vector<Finding> removed;
-};
-
-// Removes personal data from the bytes of one file. The format is recognised by the bytes alone.
-// Called by the work process, on any thread; keeps no state. Equal bytes give equal results,
+// Removes personal data from the bytes of one picture; documents are read by the room above this
+// one. The format is recognised by the bytes alone.
+// Called on any thread; keeps no state. Equal bytes give equal results,
 // cleaning a result gives NothingFound, and FindPersonalData of a result is empty. Time and memory
 // grow linearly with the file (n log n where a TIFF's parts are sorted); nothing is decompressed.
 // Throws std::bad_alloc alone.

@@ -10,6 +10,7 @@
 #include "tests/fakes/Recording.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
+#include "tests/unit/services/transforms/documents/PdfBuilder.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
@@ -106,6 +107,29 @@ TEST_F(RealWorkProcess, MakesPicturesSmaller) {
         EXPECT_EQ(Change(smaller, order).result, WorkResult::Unchanged);
         EXPECT_EQ(TargetContent(), "");
     }
+}
+
+TEST_F(RealWorkProcess, CleansADocumentAndReportsWhatStays) {
+    const std::string file =
+        samples::OnePage("/PieceInfo <</A (CANARY)>> /Annots [<</Type /Annot /Subtype /Text "
+                         "/Rect [0 0 9 9] /T (CANARY) /Contents (a note)>>]")
+            .File();
+    const WorkReport report = Clean(file);
+    EXPECT_EQ(report.result, WorkResult::Changed);
+    EXPECT_EQ(report.found,
+              (std::vector<WorkFound>{{"private-data", 1}, {"authors", 1}, {"stays.comments", 1}}));
+    EXPECT_EQ(TargetContent().find("CANARY"), std::string::npos);
+    const WorkReport checked = Check(Target());
+    EXPECT_EQ(checked.result, WorkResult::Unchanged);
+    EXPECT_EQ(checked.found, (std::vector<WorkFound>{{"stays.comments", 1}}));
+}
+
+TEST_F(RealWorkProcess, HasAReasonOfItsOwnForASignedDocument) {
+    const std::string file = samples::OnePage("", "/Perms <</DocMDP <</Type /Sig /Contents <00> "
+                                                  "/ByteRange [0 1 2 3]>>>>")
+                                 .File();
+    EXPECT_EQ(Clean(file).result, WorkResult::Signed);
+    EXPECT_EQ(TargetContent(), "");
 }
 
 TEST_F(RealWorkProcess, RefusesAFileThatIsTooLarge) {

@@ -45,6 +45,21 @@ TEST(ReceiptText, ListsFileByFileWhatWasRemoved) {
               L"c.jpg: nothing found\r\n");
 }
 
+TEST(ReceiptText, ListsWhatADocumentStillContains) {
+    const ReceiptFile clean{
+        L"c.pdf", WorkResult::Unchanged, {{"stays.comments", 2}, {"stays.macros", 1}}};
+    EXPECT_EQ(ReceiptList({Cleaned(L"b.docx", {{"authors", 1}, {"stays.deleted-text", 1}}), clean},
+                          false),
+              L"b.docx: removed\r\n"
+              L"      who wrote its comments and changes, and when\r\n"
+              L"b.docx: still contains\r\n"
+              L"      deleted text that its record of changes keeps\r\n"
+              L"c.pdf: nothing found\r\n"
+              L"c.pdf: still contains\r\n"
+              L"      comments (2 times)\r\n"
+              L"      macros\r\n");
+}
+
 TEST(ReceiptText, ListsTheRestAloneWhenNoReceiptIsWanted) {
     EXPECT_EQ(
         ReceiptList(
@@ -56,13 +71,17 @@ TEST(ReceiptText, HasAReasonForEachResult) {
     EXPECT_EQ(RestReason(WorkResult::TooLarge), L"the file is too large");
     EXPECT_EQ(RestReason(WorkResult::ProcessFailed), L"reading the file failed");
     EXPECT_EQ(RestReason(WorkResult::Unreadable), L"reading the file failed");
+    EXPECT_EQ(RestReason(WorkResult::Encrypted), L"it needs a password");
+    EXPECT_EQ(RestReason(WorkResult::Signed),
+              L"it is signed, and any change would break the signature");
 }
 
 // A kind that the work process learns needs a text here.
 TEST(ReceiptText, KnowsEveryKindThatTheWorkProcessReports) {
     const std::wstring other = FoundText({"something-new", 1});
     EXPECT_EQ(other, L"other data");
-    for (int kind = 0; kind < static_cast<int>(transforms::FindingKind::Unreadable); ++kind) {
+    for (int kind = 0; kind < static_cast<int>(transforms::kFindingKinds); ++kind) {
+        if (kind == static_cast<int>(transforms::FindingKind::Unreadable)) continue;
         const auto name = transforms::FindingName(static_cast<transforms::FindingKind>(kind));
         EXPECT_NE(FoundText({std::string(name), 1}), other) << name;
     }

@@ -1,0 +1,40 @@
+#include "services/transforms/documents/AnyFile.h"
+
+#include "services/transforms/documents/Pdf.h"
+#include "services/transforms/personal/PersonalData.h"
+
+namespace transforms {
+namespace {
+
+using namespace documents;
+
+struct DocumentFormat {
+    bool (*isFormat)(personal::Bytes file);
+    personal::Analysis (*analyze)(personal::Bytes file);
+};
+
+constexpr DocumentFormat kFormats[] = {
+    {IsPdf, AnalyzePdf},
+};
+
+// Null for a picture, and for everything that isn't known.
+const DocumentFormat* FormatOf(personal::Bytes file) {
+    for (const DocumentFormat& format : kFormats) {
+        if (format.isFormat(file)) return &format;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+CleanedFile CleanFile(std::span<const std::byte> file) {
+    const DocumentFormat* format = FormatOf(file);
+    return format ? personal::ResultOf(file, format->analyze(file)) : RemovePersonalData(file);
+}
+
+std::vector<Finding> FindInFile(std::span<const std::byte> file) {
+    const DocumentFormat* format = FormatOf(file);
+    return format ? personal::FindingsOf(format->analyze(file)) : FindPersonalData(file);
+}
+
+} // namespace transforms

@@ -1,0 +1,22 @@
+// Removes personal data from a document or a picture, whatever the bytes are.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "services/transforms/personal/Findings.h"
+
+namespace transforms {
+
+// Removes personal data from the bytes of one file; pictures inside a document are cleaned as well.
+// The format is recognised by the bytes alone. Called by the work process, on any thread; keeps no
+// state. Equal bytes give equal results, cleaning a result gives NothingFound, and FindInFile of a
+// result is empty. Texts, pages and sheets stay as they are. Throws std::bad_alloc alone.
+CleanedFile CleanFile(std::span<const std::byte> file);
+
+// What CleanFile would remove. A damaged file gives one finding, Unreadable; a file that can't be
+// cleaned for another reason gives nothing. Throws std::bad_alloc alone.
+std::vector<Finding> FindInFile(std::span<const std::byte> file);
+
+} // namespace transforms

@@ -1,0 +1,175 @@
+#include "services/transforms/documents/Pdf.h"
+
+#include <new>
+#include <set>
+#include <stdexcept>
+#include <utility>
+
+#include <qpdf/Pipeline.hh>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFExc.hh>
+#include <qpdf/QPDFWriter.hh>
+
+#include "services/transforms/documents/PdfDictionaries.h"
+#include "services/transforms/documents/PdfPictures.h"
+
+namespace transforms::documents {
+namespace {
+
+using namespace personal;
+
+// Where readers look for the header; what is before it goes.
+constexpr std::size_t kHeaderWithin = 1024;
+
+// Takes what the library writes.
+class MemoryPipeline : public Pipeline {
+public:
+    MemoryPipeline() : Pipeline("memory", nullptr) {}
+    void write(const unsigned char* bytes, std::size_t size) override {
+        Append(written_, std::as_bytes(std::span(bytes, size)));
+    }
+    void finish() override {}
+    OwnedBytes Take() { return std::move(written_); }
+
+private:
+    OwnedBytes written_;
+};
+
+std::size_t CountOf(std::string_view text, std::string_view part) {
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != text.npos; at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
+
+// Each version that was appended to a file has its own end; a file that is ordered for the web has
+// one more.
+bool HasOldVersions(Bytes file) {
+    constexpr std::size_t kFirstObject = 1024;
+    const auto text = TextOf(file);
+    const bool isLinearized = text.substr(0, kFirstObject).find("/Linearized") != text.npos;
+    return CountOf(text, "startxref") > (isLinearized ? 2 : 1);
+}
+
+class PdfAnalyzer {
+public:
+    explicit PdfAnalyzer(Bytes file) : file_(file) {}
+
+    Analysis Run() {
+        pdf_.setSuppressWarnings(true);
+        pdf_.setAttemptRecovery(false);
+        pdf_.processMemoryFile("pdf", TextOf(file_).data(), file_.size());
+        if (pdf_.isEncrypted()) return Failed(CleanOutcome::Encrypted);
+        if (pdf_.getAllPages().empty()) return Failed(CleanOutcome::Damaged);
+        CleanTrailer();
+        Walk(pdf_.getRoot());
+        if (isSigned_) return Failed(CleanOutcome::Signed);
+        OwnedBytes written = Write();
+        if (pdf_.anyWarnings()) return Failed(CleanOutcome::Damaged);
+        return Conclude(std::move(written));
+    }
+
+private:
+    // The writer makes the identifier of the content, if there is no earlier one to go on with.
+    void CleanTrailer() {
+        auto trailer = pdf_.getTrailer();
+        hasId_ = trailer.hasKey("/ID");
+        CleanPdfTrailer(trailer, analysis_.found);
+    }
+
+    // Every object that can be reached, each once and without recursion: they refer to each other
+    // as their file likes.
+    void Walk(QPDFObjectHandle root) {
+        std::set<QPDFObjGen> seen;
+        std::vector<QPDFObjectHandle> open{std::move(root)};
+        while (!open.empty()) {
+            auto object = open.back();
+            open.pop_back();
+            if (object.isIndirect() && !seen.insert(object.getObjGen()).second) continue;
+            Take(object);
+            PushChildren(object, open);
+        }
+    }
+
+    void Take(QPDFObjectHandle& object) {
+        if (object.isStream()) {
+            auto dictionary = object.getDict();
+            isSigned_ |= CleanPdfDictionary(dictionary, analysis_.found);
+            CleanPdfPicture(pdf_, object, analysis_.found);
+        } else if (object.isDictionary()) {
+            isSigned_ |= CleanPdfDictionary(object, analysis_.found);
+        }
+    }
+
+    static void PushChildren(QPDFObjectHandle& object, std::vector<QPDFObjectHandle>& open) {
+        if (object.isArray()) {
+            for (auto& item : object.getArrayAsVector()) Push(item, open);
+        } else if (object.isDictionary()) {
+            for (auto& item : object.getDictAsMap()) Push(item.second, open);
+        } else if (object.isStream()) {
+            for (auto& item : object.getDict().getDictAsMap()) Push(item.second, open);
+        }
+    }
+
+    static void Push(const QPDFObjectHandle& item, std::vector<QPDFObjectHandle>& open) {
+        QPDFObjectHandle object = item;
+        const bool isContainer = object.isArray() || object.isDictionary() || object.isStream();
+        if (isContainer) open.push_back(object);
+    }
+
+    // Streams are copied as they are coded, so that no page changes.
+    OwnedBytes Write() {
+        MemoryPipeline memory;
+        QPDFWriter writer(pdf_);
+        writer.setOutputPipeline(&memory);
+        writer.setStreamDataMode(qpdf_s_preserve);
+        writer.setObjectStreamMode(qpdf_o_preserve);
+        writer.setDeterministicID(true);
+        writer.write();
+        return memory.Take();
+    }
+
+    // A file that was written like this before is the same again. Otherwise something went, if only
+    // the order and spacing of its parts.
+    Analysis Conclude(OwnedBytes written) {
+        if (std::ranges::equal(written, file_)) return std::move(analysis_);
+        if (hasId_) analysis_.found.Note(FindingKind::DocumentId);
+        if (HasOldVersions(file_)) analysis_.found.Note(FindingKind::OldVersions);
+        if (analysis_.found.IsEmpty()) analysis_.found.Note(FindingKind::FileStructure);
+        analysis_.parts.Add(std::move(written));
+        return std::move(analysis_);
+    }
+
+    Bytes file_;
+    QPDF pdf_;
+    Analysis analysis_;
+    bool hasId_ = false;
+    bool isSigned_ = false;
+};
+
+CleanOutcome OutcomeOf(const QPDFExc& error) {
+    const auto code = error.getErrorCode();
+    const bool isAboutCiphers = code == qpdf_e_password || code == qpdf_e_unsupported;
+    return isAboutCiphers ? CleanOutcome::Encrypted : CleanOutcome::Damaged;
+}
+
+} // namespace
+
+bool IsPdf(Bytes file) {
+    return TextOf(file.first(std::min(file.size(), kHeaderWithin))).find("%PDF-") !=
+           std::string_view::npos;
+}
+
+Analysis AnalyzePdf(Bytes file) {
+    try {
+        return PdfAnalyzer(file).Run();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const QPDFExc& error) {
+        return Failed(OutcomeOf(error));
+    } catch (const std::exception&) {
+        return Failed(CleanOutcome::Damaged);
+    }
+}
+
+} // namespace transforms::documents
