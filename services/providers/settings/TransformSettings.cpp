@@ -28,7 +28,7 @@ std::optional<std::wstring> TransformSettings::Read(obcontract::TransformId id,
                                                     const wchar_t* name) const {
     const auto key = ObLib::OpenRegistryKey(hive_, KeyOf(key_, id).c_str(), KEY_QUERY_VALUE);
     if (!key) return {};
-    wchar_t text[16] = L"";
+    wchar_t text[128] = L"";
     DWORD size = sizeof text;
     if (RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text, &size) !=
         ERROR_SUCCESS) {

@@ -25,7 +25,7 @@ public:
     TransformSettings(HKEY hive, std::wstring key);
 
     // Nothing where there is no value of this name, or one that isn't a text of this module's:
-    // those have at most 15 characters.
+    // those have at most 127 characters.
     std::optional<std::wstring> Read(obcontract::TransformId id, const wchar_t* name) const;
 
     // Writes the values in their order. False when one can't be written; those before it stay.

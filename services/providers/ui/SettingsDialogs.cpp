@@ -7,6 +7,7 @@
 #include "services/providers/ui/ResizeDialog.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
+#include "services/providers/ui/WatermarkDialog.h"
 
 namespace providers {
 namespace {
@@ -24,6 +25,7 @@ bool Change(const TransformSettings& stored, HWND owner) {
 
 constexpr SettingsRow kRows[] = {
     {TransformId::ResizeImages, &ResizeSettings::AreStored, &Change<ResizeSettings>},
+    {TransformId::Watermark, &WatermarkSettings::AreStored, &Change<WatermarkSettings>},
     {TransformId::RemoveInfo, &PersonalDataSettings::AreStored, &Change<PersonalDataSettings>},
 };
 

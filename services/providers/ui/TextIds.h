@@ -43,6 +43,14 @@
 // Pictures that are made smaller.
 #define OB_TEXT_RESIZE_NUMBER 600
 
+// Watermarks.
+#define OB_TEXT_WATERMARK_EMPTY 640
+#define OB_TEXT_PLACE_TOP_LEFT 641
+#define OB_TEXT_PLACE_TOP_RIGHT 642
+#define OB_TEXT_PLACE_BOTTOM_LEFT 643
+#define OB_TEXT_PLACE_BOTTOM_RIGHT 644
+#define OB_TEXT_PLACE_CENTRE 645
+
 // What was found in a file.
 #define OB_TEXT_FOUND_OTHER 560
 #define OB_TEXT_FOUND_POSITION 561

@@ -6,12 +6,15 @@
 
 #include "services/providers/settings/PersonalDataSettings.h"
 #include "services/providers/settings/ResizeSettings.h"
+#include "services/providers/settings/WatermarkSettings.h"
 #include "tests/support/ProductRegistry.h"
 
 using providers::PersonalDataSettings;
 using providers::ResizeAim;
 using providers::ResizeSettings;
 using providers::TransformSettings;
+using providers::WatermarkPlace;
+using providers::WatermarkSettings;
 
 namespace {
 
@@ -120,6 +123,61 @@ TEST_F(ResizeSettingsTest, AreTheDefaultsForValuesOfOthers) {
     }
     Set(L"Percent", L"99");
     EXPECT_EQ(ResizeSettings::Load(settings_).Number(), 99u);
+}
+
+const std::wstring kWatermarkKey = kKey + L"\\Transforms\\5";
+
+class WatermarkSettingsTest : public TransformSettingsTest {
+protected:
+    void Set(const wchar_t* name, const std::wstring& text) {
+        obtest::SetValue(HKEY_CURRENT_USER, kWatermarkKey, name, text);
+    }
+};
+
+TEST_F(WatermarkSettingsTest, AreNotThereUntilATextIsStored) {
+    EXPECT_FALSE(WatermarkSettings::AreStored(settings_));
+    EXPECT_EQ(WatermarkSettings::Load(settings_), WatermarkSettings());
+    Set(L"Place", L"TopLeft");
+    Set(L"Text", L"");
+    EXPECT_FALSE(WatermarkSettings::AreStored(settings_));
+    EXPECT_FALSE(obtest::KeyExists(HKEY_CURRENT_USER, kKey + L"\\Transforms\\2"));
+}
+
+TEST_F(WatermarkSettingsTest, AreReadBackAsStored) {
+    const std::wstring longest(providers::kLongestWatermark, L'\u6F22');
+    for (const auto place :
+         {WatermarkPlace::TopLeft, WatermarkPlace::TopRight, WatermarkPlace::BottomLeft,
+          WatermarkPlace::BottomRight, WatermarkPlace::Centre}) {
+        const WatermarkSettings stored{longest, place, 35};
+        ASSERT_TRUE(stored.Save(settings_));
+        EXPECT_TRUE(WatermarkSettings::AreStored(settings_));
+        EXPECT_EQ(WatermarkSettings::Load(settings_), stored);
+    }
+}
+
+TEST_F(WatermarkSettingsTest, AreTextsBelowTheManagersKey) {
+    ASSERT_TRUE((WatermarkSettings{L"\u00A9 Ann", WatermarkPlace::Centre, 100}.Save(settings_)));
+    const auto value = [](const wchar_t* name) {
+        return obtest::ReadValue(HKEY_CURRENT_USER, kWatermarkKey, name);
+    };
+    EXPECT_EQ(value(L"Text"), L"\u00A9 Ann");
+    EXPECT_EQ(value(L"Place"), L"Centre");
+    EXPECT_EQ(value(L"Opacity"), L"100");
+}
+
+TEST_F(WatermarkSettingsTest, AreTheDefaultsForValuesOfOthers) {
+    Set(L"Text", L"Ann");
+    for (const wchar_t* value : {L"", L"centre", L"4", L"101", L"060"}) {
+        Set(L"Place", value);
+        Set(L"Opacity", value);
+        const auto settings = WatermarkSettings::Load(settings_);
+        EXPECT_EQ(settings.place, WatermarkPlace::BottomRight) << value;
+        EXPECT_EQ(settings.opacity, 60u) << value;
+    }
+    Set(L"Text", std::wstring(providers::kLongestWatermark + 1, L'a'));
+    EXPECT_FALSE(WatermarkSettings::AreStored(settings_));
+    Set(L"Text", std::wstring(5000, L'a'));
+    EXPECT_FALSE(WatermarkSettings::AreStored(settings_));
 }
 
 } // namespace

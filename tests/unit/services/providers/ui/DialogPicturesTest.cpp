@@ -13,6 +13,8 @@
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "services/providers/ui/ResizeDialog.h"
 #include "services/providers/ui/ResizeDialogIds.h"
+#include "services/providers/ui/WatermarkDialog.h"
+#include "services/providers/ui/WatermarkDialogIds.h"
 #include "tests/support/WindowPicture.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
@@ -81,6 +83,18 @@ TEST_F(ProviderDialogPictures, OfTheSettingsOfPictures) {
         DialogUiDriver::Press(dialog, IDCANCEL);
     });
     ResizeSettings settings{ResizeAim::FitMail, {50'000, 50, 999'999, 20}};
+    EXPECT_FALSE(AskForSettings(nullptr, settings));
+}
+
+TEST_F(ProviderDialogPictures, OfTheSettingsOfWatermarks) {
+    DialogUiDriver user(OB_WATERMARK_TEXT, [](HWND dialog) {
+        Look(dialog, L"settings-watermark",
+             {OB_WATERMARK_INTRO, OB_WATERMARK_TEXT_LABEL, OB_WATERMARK_TEXT,
+              OB_WATERMARK_PLACE_LABEL, OB_WATERMARK_OPACITY_LABEL, OB_WATERMARK_OPACITY,
+              OB_WATERMARK_OPACITY_UNIT, IDOK, IDCANCEL});
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    WatermarkSettings settings{L"\u00A9 Ann Example 2026", WatermarkPlace::BottomRight, 100};
     EXPECT_FALSE(AskForSettings(nullptr, settings));
 }
 

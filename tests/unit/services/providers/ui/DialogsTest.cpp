@@ -12,6 +12,8 @@
 #include "services/providers/ui/ResizeDialog.h"
 #include "services/providers/ui/ResizeDialogIds.h"
 #include "services/providers/ui/SaveList.h"
+#include "services/providers/ui/WatermarkDialog.h"
+#include "services/providers/ui/WatermarkDialogIds.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
@@ -158,6 +160,69 @@ TEST_F(ResizeDialog, HasAMnemonicOfItsOwnForEachAim) {
         }
         DialogUiDriver::Press(dialog, IDCANCEL);
     }));
+}
+
+class WatermarkDialog : public testing::Test {
+protected:
+    bool Ask(const std::function<void(HWND)>& use) {
+        DialogUiDriver user(OB_WATERMARK_TEXT, use);
+        return AskForSettings(nullptr, settings_);
+    }
+    static void Enter(HWND dialog, int field, const wchar_t* text) {
+        SetWindowTextW(GetDlgItem(dialog, field), text);
+    }
+
+    WatermarkSettings settings_{L"Ann Example", WatermarkPlace::TopRight, 45};
+};
+
+TEST_F(WatermarkDialog, KeepsWhatItShowsAfterOk) {
+    const WatermarkSettings stored = settings_;
+    EXPECT_TRUE(Ask([](HWND dialog) {
+        wchar_t place[40] = L"";
+        GetDlgItemTextW(dialog, OB_WATERMARK_PLACE, place, 40);
+        EXPECT_STREQ(place, L"Top right");
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    EXPECT_EQ(settings_, stored);
+}
+
+TEST_F(WatermarkDialog, TakesWhatTheUserChose) {
+    EXPECT_TRUE(Ask([](HWND dialog) {
+        Enter(dialog, OB_WATERMARK_TEXT, L"  \u00A9 Bob \u6F22 ");
+        SendDlgItemMessageW(dialog, OB_WATERMARK_PLACE, CB_SETCURSEL, 4, 0);
+        Enter(dialog, OB_WATERMARK_OPACITY, L"100");
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    EXPECT_EQ(settings_, (WatermarkSettings{L"\u00A9 Bob \u6F22", WatermarkPlace::Centre, 100}));
+}
+
+TEST_F(WatermarkDialog, ChangesNothingWhenItIsCancelled) {
+    const WatermarkSettings stored = settings_;
+    EXPECT_FALSE(Ask([](HWND dialog) {
+        Enter(dialog, OB_WATERMARK_TEXT, L"Bob");
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    }));
+    EXPECT_EQ(settings_, stored);
+}
+
+TEST_F(WatermarkDialog, RefusesAnEmptyTextAndAWrongNumberWithASentence) {
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_TRUE(Ask([](HWND dialog) {
+        Enter(dialog, OB_WATERMARK_TEXT, L" \t ");
+        DialogUiDriver::Press(dialog, IDOK);
+        Enter(dialog, OB_WATERMARK_TEXT, L"Bob");
+        for (const wchar_t* number : {L"4", L"101", L""}) {
+            Enter(dialog, OB_WATERMARK_OPACITY, number);
+            DialogUiDriver::Press(dialog, IDOK);
+            EXPECT_TRUE(IsWindow(dialog));
+        }
+        Enter(dialog, OB_WATERMARK_OPACITY, L"5");
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    ASSERT_EQ(boxes.Seen().size(), 4u);
+    EXPECT_EQ(boxes.Seen()[0].text, L"Please enter the text of the watermark.");
+    EXPECT_EQ(boxes.Seen()[1].text, L"Please enter a whole number from 5 to 100.");
+    EXPECT_EQ(settings_, (WatermarkSettings{L"Bob", WatermarkPlace::TopRight, 5}));
 }
 
 class ReceiptDialog : public testing::Test {

@@ -1,0 +1,35 @@
+// What is laid over pictures (id 5).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "services/providers/settings/TransformSettings.h"
+
+namespace providers {
+
+enum class WatermarkPlace : std::uint8_t { TopLeft, TopRight, BottomLeft, BottomRight, Centre };
+
+// In the order of the enumeration; the words are as they are stored.
+inline constexpr const wchar_t* kWatermarkPlaces[] = {L"TopLeft", L"TopRight", L"BottomLeft",
+                                                      L"BottomRight", L"Centre"};
+inline constexpr std::size_t kWatermarkPlaceCount = std::size(kWatermarkPlaces);
+
+inline constexpr std::size_t kLongestWatermark = 100; // characters
+inline constexpr std::uint32_t kLeastOpacity = 5;     // percent; less can't be seen
+inline constexpr std::uint32_t kMostOpacity = 100;
+
+struct WatermarkSettings {
+    std::wstring text; // one line; never empty once it is stored
+    WatermarkPlace place = WatermarkPlace::BottomRight;
+    std::uint32_t opacity = 60; // percent
+    bool operator==(const WatermarkSettings&) const = default;
+
+    // As for PersonalDataSettings.
+    static bool AreStored(const TransformSettings& stored);
+    static WatermarkSettings Load(const TransformSettings& stored);
+    bool Save(const TransformSettings& stored) const;
+};
+
+} // namespace providers
