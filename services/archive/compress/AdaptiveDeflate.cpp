@@ -27,10 +27,11 @@ bool IsWorthThoroughWork(BlockCompressor& compressor, std::span<const std::uint8
     return saved > kLeastThoroughGain * static_cast<double>(normal);
 }
 
-ByteBuffer DeflatePiece(BlockCompressor& compressor, std::span<const std::uint8_t> piece,
-                        bool last) {
+ByteBuffer DeflatePiece(BlockCompressor& compressor, std::span<const std::uint8_t> piece, bool last,
+                        ByteBuffer room) {
     const bool thorough = IsWorthThoroughWork(compressor, piece);
-    return compressor.Compress(piece, thorough ? Effort::Thorough : Effort::Normal, last);
+    const Effort effort = thorough ? Effort::Thorough : Effort::Normal;
+    return compressor.Compress(piece, effort, last, std::move(room));
 }
 
 bool DoesShrink(std::span<const std::uint8_t> beginning, BlockCompressor& compressor) {

@@ -6,9 +6,9 @@
 namespace obarchive {
 
 // Compresses the piece, thoroughly if IsWorthThoroughWork. The same piece always becomes the same
-// bytes. Result and exceptions as of BlockCompressor::Compress.
-ByteBuffer DeflatePiece(BlockCompressor& compressor, std::span<const std::uint8_t> piece,
-                        bool last);
+// bytes. `room`, result and exceptions as of BlockCompressor::Compress.
+ByteBuffer DeflatePiece(BlockCompressor& compressor, std::span<const std::uint8_t> piece, bool last,
+                        ByteBuffer room = {});
 
 // Whether thorough work makes a sample from the middle of the piece so much smaller that normal
 // work would leave the zip well above the size that people are used to. Tables and long even texts

@@ -36,9 +36,15 @@ libdeflate_compressor* BlockCompressor::For(Effort effort) {
     return compressor.get();
 }
 
-ByteBuffer BlockCompressor::Compress(std::span<const std::uint8_t> data, Effort effort, bool last) {
+std::size_t BlockCompressor::Bound(std::size_t size) {
+    return libdeflate_deflate_compress_bound(nullptr, size);
+}
+
+ByteBuffer BlockCompressor::Compress(std::span<const std::uint8_t> data, Effort effort, bool last,
+                                     ByteBuffer room) {
     libdeflate_compressor* const compressor = For(effort);
-    ByteBuffer packed(libdeflate_deflate_compress_bound(compressor, data.size()));
+    const std::size_t bound = Bound(data.size());
+    ByteBuffer packed = room.Capacity() >= bound ? std::move(room) : ByteBuffer(bound);
     libdeflate_keep_open(compressor, !last);
     const std::size_t size = libdeflate_deflate_compress(compressor, data.data(), data.size(),
                                                          packed.Data(), packed.Capacity());

@@ -24,8 +24,13 @@ class BlockCompressor {
 public:
     // The whole of `data` as deflate. With `last`, a stream that ends; otherwise one that goes on:
     // an empty stored block closes it on a byte border, and the next stream may follow. Throws
-    // std::bad_alloc; an empty buffer means that the library failed.
-    ByteBuffer Compress(std::span<const std::uint8_t> data, Effort effort, bool last);
+    // std::bad_alloc; an empty buffer means that the library failed. The result is in `room` if
+    // that has a capacity of Bound.
+    ByteBuffer Compress(std::span<const std::uint8_t> data, Effort effort, bool last,
+                        ByteBuffer room = {});
+
+    // The most bytes that data of this size becomes.
+    static std::size_t Bound(std::size_t size);
 
 private:
     struct Free {

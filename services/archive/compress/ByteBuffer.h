@@ -9,7 +9,7 @@
 
 namespace obarchive {
 
-// Move-only. `Resize` only makes it shorter or uses room that is there.
+// Move-only. `Resize` never allocates: the size is at most the capacity.
 class ByteBuffer {
 public:
     ByteBuffer() = default;

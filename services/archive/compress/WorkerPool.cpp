@@ -11,6 +11,9 @@ namespace {
 // stay below 64 MB. Four of them compress more than most disks deliver.
 constexpr std::size_t kMostWorkers = 4;
 
+// Small tasks that are worth waking a worker for.
+constexpr std::size_t kWorthWaking = 8;
+
 std::size_t Processors() {
     return std::clamp<std::size_t>(GetActiveProcessorCount(ALL_PROCESSOR_GROUPS), 1, kMostWorkers);
 }
@@ -58,11 +61,11 @@ WorkerPool::~WorkerPool() {
     workers_.clear();
 }
 
-std::shared_ptr<WorkerPool::Ticket> WorkerPool::Submit(std::shared_ptr<Task> task) {
+std::shared_ptr<WorkerPool::Ticket> WorkerPool::Submit(std::shared_ptr<Task> task, bool isSmall) {
     auto ticket = std::make_shared<Ticket>(std::move(task));
     const Locked locked(lock_);
     queue_.push_back(ticket);
-    if (idle_ != 0) work_.WakeOne();
+    if (idle_ != 0 && (!isSmall || queue_.size() >= kWorthWaking)) work_.WakeOne();
     return ticket;
 }
 
@@ -80,7 +83,7 @@ std::shared_ptr<WorkerPool::Ticket> WorkerPool::Next() {
 void WorkerPool::Finish(Ticket& ticket, TaskState state) {
     const Locked locked(lock_);
     ticket.state = state;
-    finished_.WakeOne();
+    if (awaited_ == &ticket) finished_.WakeOne();
 }
 
 void WorkerPool::Work() noexcept {
@@ -92,7 +95,11 @@ void WorkerPool::Work() noexcept {
 
 TaskState WorkerPool::Wait(const Ticket& ticket, DWORD milliseconds) {
     const Locked locked(lock_);
-    if (ticket.state == TaskState::Waiting) finished_.Wait(lock_, milliseconds);
+    if (ticket.state != TaskState::Waiting) return ticket.state;
+    if (idle_ != 0 && !queue_.empty()) work_.WakeAll();
+    awaited_ = &ticket;
+    finished_.Wait(lock_, milliseconds);
+    awaited_ = nullptr;
     return ticket.state;
 }
 

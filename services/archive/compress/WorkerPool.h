@@ -35,9 +35,11 @@ public:
     std::size_t Size() const noexcept { return workers_.size(); }
 
     // One handle for a task, which is done in the order of submitting, side by side with others.
-    // The task's results may be read once Wait has returned Done.
+    // The task's results may be read once Wait has returned Done. To wake a sleeping worker takes
+    // longer than a small task: with `isSmall`, a worker may sleep until some tasks are there or
+    // until somebody waits.
     class Ticket;
-    std::shared_ptr<Ticket> Submit(std::shared_ptr<Task> task);
+    std::shared_ptr<Ticket> Submit(std::shared_ptr<Task> task, bool isSmall = false);
 
     // The ticket's state, after `milliseconds` at most. One thread waits.
     TaskState Wait(const Ticket& ticket, DWORD milliseconds);
@@ -52,6 +54,7 @@ private:
     Condition finished_;
     std::deque<std::shared_ptr<Ticket>> queue_;
     std::size_t idle_ = 0;
+    const Ticket* awaited_ = nullptr;
     bool ending_ = false;
     std::vector<std::jthread> workers_;
 };

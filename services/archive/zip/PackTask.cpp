@@ -1,26 +1,36 @@
 #include "services/archive/zip/PackTask.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "services/archive/compress/AdaptiveDeflate.h"
 #include "services/archive/compress/XzStream.h"
 
 namespace obarchive {
+
+PackTask::~PackTask() {
+    settings_.spare->Give(std::move(raw));
+    settings_.spare->Give(std::move(packed));
+}
+
+ByteBuffer PackTask::Deflate(BlockCompressor& compressor) {
+    ByteBuffer room = settings_.spare->Take(BlockCompressor::Bound(raw.Size()));
+    return DeflatePiece(compressor, raw.Bytes(), order.last, std::move(room));
+}
+
 void PackTask::PackWhole(BlockCompressor& compressor) {
-    if (raw.Size() != 0 && order.packing == Packing::Deflate) {
-        packed = DeflatePiece(compressor, raw.Bytes(), true);
-    }
+    if (raw.Size() != 0 && order.packing == Packing::Deflate) packed = Deflate(compressor);
     if (raw.Size() != 0 && order.packing == Packing::Xz) packed = PackXz(raw.Bytes());
     const bool smaller = packed.Size() != 0 && packed.Size() < raw.Size();
     if (smaller) return;
-    packed = {};
+    settings_.spare->Give(std::exchange(packed, {}));
     order.packing = Packing::Store;
 }
 
 void PackTask::Pack(BlockCompressor& compressor) {
     if (order.IsWhole() && order.packing != Packing::Store) return PackWhole(compressor);
     if (order.packing != Packing::Deflate) return;
-    packed = DeflatePiece(compressor, raw.Bytes(), order.last);
+    packed = Deflate(compressor);
     if (packed.Size() == 0) throw std::runtime_error("deflate");
 }
 
@@ -44,9 +54,10 @@ void PackTask::Encrypt() {
 }
 
 void PackTask::Do(BlockCompressor& compressor) {
+    source.Reset();
     checksum = libdeflate_crc32(0, raw.Data(), raw.Size());
     Pack(compressor);
-    if (packed.Size() != 0) raw = {};
+    if (packed.Size() != 0) settings_.spare->Give(std::exchange(raw, {}));
     if (order.keySize != 0) Encrypt();
 }
 

@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/archive/compress/SpareBlocks.h"
 #include "services/archive/compress/WorkerPool.h"
 #include "services/archive/crypto/Ae2.h"
 
@@ -28,6 +30,7 @@ struct PackOrder {
 struct PackSettings {
     const Ae2Algorithms* algorithms = nullptr; // both null without encryption
     Ae2KeyMaker* keys = nullptr;
+    SpareBlocks* spare = nullptr;
 };
 
 // A piece that is the whole file comes out complete: stored after all if it didn't shrink, and
@@ -39,12 +42,16 @@ class PackTask : public Task {
 public:
     PackTask(const PackOrder& order, const PackSettings& settings, ByteBuffer raw)
         : order(order), rawSize(raw.Size()), raw(std::move(raw)), settings_(settings) {}
+    ~PackTask() override;
 
     void Do(BlockCompressor& compressor) override;
 
     // What goes into the entry between `head` and `tail`.
     std::span<std::uint8_t> Body() { return packed.Size() != 0 ? packed.Bytes() : raw.Bytes(); }
 
+    // Closed by the worker: closing is a call of the system's own, as slow as the compression of a
+    // small file.
+    ObLib::UniqueKernelHandle source;
     PackOrder order; // afterwards `packing` is what was done
     const std::size_t rawSize;
     ByteBuffer raw;
@@ -55,6 +62,7 @@ public:
     std::vector<std::uint8_t> tail;
 
 private:
+    ByteBuffer Deflate(BlockCompressor& compressor);
     void Pack(BlockCompressor& compressor);
     void PackWhole(BlockCompressor& compressor);
     void Encrypt();

@@ -11,6 +11,9 @@ namespace {
 constexpr std::size_t kMostPieces = 256;
 constexpr DWORD kTellAfter = 50; // milliseconds
 
+// A worker packs so much in the time that it takes to wake another one.
+constexpr std::size_t kSmall = 16 * 1024;
+
 // Below this, compressing is as quick as looking.
 constexpr std::size_t kWorthALook = 64 * 1024;
 
@@ -26,7 +29,7 @@ ReadAhead::ReadAhead(std::vector<SourceEntry>& sources, const ZipJob& job,
                      const PackSettings& settings, std::size_t keySize, RunState& run,
                      WorkerPool& pool)
     : sources_(sources), job_(job), settings_(settings), keySize_(keySize), run_(run), pool_(pool),
-      budget_((2 * pool.Size() + 2) * kBlockSize), file_(run) {
+      budget_(AheadOf(pool.Size())), file_(run) {
     if (job.duplicateReferences) duplicates_.emplace(Sizes(sources));
 }
 
@@ -41,11 +44,12 @@ bool ReadAhead::Fill() {
 
 std::optional<ContentDigest> ReadAhead::HashSource() {
     ContentHash hash;
-    ByteBuffer block(kBlockSize);
+    ByteBuffer block = settings_.spare->Take(kBlockSize);
     do {
         if (!file_.Read(block, kBlockSize, false)) return std::nullopt;
         hash.Add(block.Bytes());
     } while (!file_.IsAtEnd());
+    settings_.spare->Give(std::move(block));
     return hash.Finish();
 }
 
@@ -93,7 +97,7 @@ bool ReadAhead::BeginSource() {
 
 bool ReadAhead::ReadBlock(ByteBuffer& block) {
     const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(kBlockSize, file_.Left()));
-    block = ByteBuffer(size);
+    block = settings_.spare->Take(size);
     return file_.Read(block, size, true);
 }
 
@@ -119,10 +123,12 @@ void ReadAhead::EndSource() {
 }
 
 void ReadAhead::Submit(PackOrder order, ByteBuffer block) {
-    const std::size_t weight = block.Size();
+    const std::size_t weight = block.Capacity();
     held_ += weight;
     auto task = std::make_shared<PackTask>(order, settings_, std::move(block));
-    pieces_.push_back({next_, task, pool_.Submit(task), weight, std::nullopt});
+    if (order.last) task->source = file_.Release();
+    auto ticket = pool_.Submit(task, weight < kSmall);
+    pieces_.push_back({next_, std::move(task), std::move(ticket), weight, std::nullopt});
 }
 
 void ReadAhead::SubmitCopy(std::size_t original) {

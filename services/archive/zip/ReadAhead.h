@@ -17,6 +17,9 @@ namespace obarchive {
 // the run needs twice the memory.
 constexpr std::size_t kBlockSize = 1024 * 1024;
 
+// Bytes that are read ahead for so many workers.
+constexpr std::size_t AheadOf(std::size_t workers) { return (2 * workers + 2) * kBlockSize; }
+
 struct SourceEntry {
     std::wstring path;
     std::string name; // in the zip, UTF-8

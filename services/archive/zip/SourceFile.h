@@ -42,6 +42,8 @@ public:
     bool IsAtEnd() const noexcept { return total_ == facts_.size; }
     std::uint64_t Left() const noexcept { return facts_.size - total_; }
     void Close() noexcept { file_.Reset(); }
+    // The open file, which whoever gets it closes.
+    ObLib::UniqueKernelHandle Release() noexcept { return std::move(file_); }
 
 private:
     bool ReadPiece(std::uint8_t* data, std::size_t size, DWORD& read);

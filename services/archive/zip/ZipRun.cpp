@@ -165,7 +165,8 @@ public:
     ArchiveRun(const ZipJob& job, std::vector<SourceEntry> sources,
                std::unique_ptr<Ae2Algorithms> algorithms, OutputFile& output, RunState& run)
         : job_(job), run_(run), encryption_(*FindEncryption(job.encryptionMethod)),
-          sources_(std::move(sources)), algorithms_(std::move(algorithms)),
+          sources_(std::move(sources)),
+          algorithms_(std::move(algorithms)), settings_{nullptr, nullptr, &spare_},
           ahead_(sources_, job, settings_, encryption_.keySize, run, pool_),
           streams_{ahead_,
                    output,
@@ -177,7 +178,8 @@ public:
           archive_(OpenArchive(output, run)) {
         if (!algorithms_) return;
         keys_.emplace(*algorithms_, job.password, encryption_.keySize);
-        settings_ = {algorithms_.get(), &*keys_};
+        settings_.algorithms = algorithms_.get();
+        settings_.keys = &*keys_;
     }
 
     // The run's result; the file has no name yet.
@@ -204,6 +206,7 @@ private:
     std::vector<SourceEntry> sources_;
     std::unique_ptr<Ae2Algorithms> algorithms_; // null without encryption
     std::optional<Ae2KeyMaker> keys_;
+    SpareBlocks spare_{4 * kBlockSize};
     PackSettings settings_;
     WorkerPool pool_;
     ReadAhead ahead_;

@@ -55,6 +55,20 @@ TEST(WorkerPoolTest, FailuresAreToldApartAndStopNobody) {
     EXPECT_EQ(WaitToTheEnd(pool, *fine), TaskState::Done);
 }
 
+TEST(WorkerPoolTest, ASmallTaskIsDoneWhenSomebodyWaitsForIt) {
+    WorkerPool pool;
+    for (int turn = 0; turn < 200; ++turn) {
+        std::atomic<int> done = 0;
+        std::vector<std::shared_ptr<WorkerPool::Ticket>> tickets;
+        for (int task = 0; task < turn % 20 + 1; ++task) {
+            tickets.push_back(pool.Submit(Make([&done] { ++done; }), true));
+        }
+        EXPECT_EQ(WaitToTheEnd(pool, *tickets.back()), TaskState::Done);
+        for (const auto& ticket : tickets) EXPECT_EQ(WaitToTheEnd(pool, *ticket), TaskState::Done);
+        EXPECT_EQ(done, turn % 20 + 1);
+    }
+}
+
 TEST(WorkerPoolTest, WaitingComesBackInTime) {
     std::atomic<bool> go = false;
     WorkerPool pool;
