@@ -121,8 +121,13 @@ public:
 
     const RasterForm& Form() const noexcept override { return form_; }
 
+    // Before the first row: the last one of the file comes first.
+    void ReadUpwards() noexcept { isUpwards_ = true; }
+
     void Read(std::uint8_t* row) override {
-        const std::uint64_t offset = header_.pixels + header_.Stride() * next_++;
+        const std::uint64_t number = isUpwards_ ? form_.size.height - 1 - next_ : next_;
+        ++next_;
+        const std::uint64_t offset = header_.pixels + header_.Stride() * number;
         if (ReadPicture(file_, offset, stored_) != stored_.size()) Throw(PictureOutcome::Damaged);
         if (header_.bits > 8) {
             std::memcpy(row, stored_.data(), form_.RowBytes());
@@ -158,6 +163,7 @@ private:
     std::array<std::array<std::uint8_t, 3>, 256> palette_{};
     PictureBytes stored_;
     std::uint64_t next_ = 0;
+    bool isUpwards_ = false;
 };
 
 class BmpWriter final : public RowWriter {
@@ -222,6 +228,41 @@ PictureBytes MakeHead(const BmpHeader& from, const RasterForm& form, PictureSize
     return head;
 }
 
+// The same rows for a reader that knows the order of rows and colours from nothing but their form.
+class BmpColours final : public RowReader {
+public:
+    BmpColours(PictureSource& source, BmpHeader header)
+        : header_(std::move(header)), rows_(source, header_), form_(rows_.Form()),
+          stored_(form_.RowBytes()) {
+        if (static_cast<std::int32_t>(Get(header_.bytes, HeightAt)) > 0) rows_.ReadUpwards();
+        if (form_.channels == 4 && !form_.hasAlpha) form_.channels = 3;
+        const bool isMasked = Get(header_.bytes, CompressionAt) != Plain;
+        for (std::size_t i = 0; isMasked && i < 3; ++i)
+            places_[i] = PlaceOf(Get(header_.bytes, MasksAt + 4 * i));
+    }
+    const RasterForm& Form() const noexcept override { return form_; }
+
+    void Read(std::uint8_t* row) override {
+        if (form_.channels == 1) return rows_.Read(row);
+        rows_.Read(stored_.data());
+        const std::size_t step = rows_.Form().channels;
+        for (std::size_t x = 0; x < form_.size.width; ++x)
+            for (std::size_t c = 0; c < form_.channels; ++c)
+                row[x * form_.channels + c] = stored_[x * step + places_[c]];
+    }
+
+private:
+    static std::uint8_t PlaceOf(std::uint32_t mask) noexcept {
+        return mask == 0xFF ? 0 : mask == 0xFF00 ? 1 : 2;
+    }
+
+    BmpHeader header_;
+    BmpReader rows_;
+    RasterForm form_;
+    PictureBytes stored_;
+    std::array<std::uint8_t, 4> places_{2, 1, 0, 3}; // of red, green, blue and alpha in a pixel
+};
+
 } // namespace
 
 PictureSize BmpSize(PictureSource& source, const PictureControl& control) {
@@ -238,6 +279,12 @@ void ShrinkBmp(PictureSource& source, PictureTarget& target, const ShrinkStep& s
     writer.Begin(MakeHead(header, reader.Form(), to, writer.Stride(), profile.size()));
     ShrinkAndStampRows(reader, writer, to, step, header.Orientation(), control);
     if (!profile.empty()) writer.Append(profile);
+}
+
+BmpPixels OpenBmpPixels(PictureSource& source, const PictureControl& control) {
+    BmpHeader header = ReadHeader(source, control);
+    PictureBytes profile = ReadProfile(source, header, control);
+    return {std::make_unique<BmpColours>(source, std::move(header)), std::move(profile)};
 }
 
 } // namespace transforms

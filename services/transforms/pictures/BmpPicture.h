@@ -3,8 +3,11 @@
 // grey, any other 24 bits. Packed pixels (RLE) and 16 bits aren't worked on.
 #pragma once
 
+#include <memory>
+
 #include "services/transforms/pictures/PictureControl.h"
 #include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/pictures/Raster.h"
 #include "services/transforms/pictures/ShrinkStep.h"
 
 namespace transforms {
@@ -13,5 +16,13 @@ namespace transforms {
 PictureSize BmpSize(PictureSource& source, const PictureControl& control);
 void ShrinkBmp(PictureSource& source, PictureTarget& target, const ShrinkStep& step,
                const PictureControl& control);
+
+// The rows from the top down, in grey, RGB or RGBA, and the profile, for a conversion. `source`
+// must outlive the rows. Throws PictureFailure.
+struct BmpPixels {
+    std::unique_ptr<RowReader> rows;
+    PictureBytes profile;
+};
+BmpPixels OpenBmpPixels(PictureSource& source, const PictureControl& control);
 
 } // namespace transforms

@@ -33,7 +33,9 @@ PictureSize SizeOf(TIFF* tiff, const PictureControl& control) {
 
 bool IsJpeg(TIFF* tiff) noexcept { return Short(tiff, TIFFTAG_COMPRESSION) == COMPRESSION_JPEG; }
 
-unsigned ColoursOf(TIFF* tiff) {
+enum class LabPictures { Refused, Served }; // their samples have signs, which no filter knows
+
+unsigned ColoursOf(TIFF* tiff, LabPictures lab) {
     switch (Short(tiff, TIFFTAG_PHOTOMETRIC)) {
     case PHOTOMETRIC_MINISBLACK:
     case PHOTOMETRIC_MINISWHITE:
@@ -45,19 +47,23 @@ unsigned ColoursOf(TIFF* tiff) {
         Throw(PictureOutcome::Unsupported);
     case PHOTOMETRIC_YCBCR:
         if (IsJpeg(tiff)) return 3; // the codec delivers RGB
+        Throw(PictureOutcome::Unsupported);
+    case PHOTOMETRIC_CIELAB:
+    case PHOTOMETRIC_ICCLAB:
+        if (lab == LabPictures::Served) return 3;
         [[fallthrough]];
     default:
         Throw(PictureOutcome::Unsupported);
     }
 }
 
-RasterForm FormOf(TIFF* tiff, PictureSize size) {
+RasterForm FormOf(TIFF* tiff, PictureSize size, LabPictures lab = LabPictures::Refused) {
     RasterForm form{size, Short(tiff, TIFFTAG_SAMPLESPERPIXEL), Short(tiff, TIFFTAG_BITSPERSAMPLE)};
     const bool isServed = (form.bits == 8 || form.bits == 16) &&
                           Short(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_CONTIG &&
                           Short(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_UINT &&
                           TIFFIsCODECConfigured(Short(tiff, TIFFTAG_COMPRESSION));
-    const unsigned colours = ColoursOf(tiff);
+    const unsigned colours = ColoursOf(tiff, lab);
     if (!isServed || form.channels < colours || form.channels > colours + 1)
         Throw(PictureOutcome::Unsupported);
     std::uint16_t count = 0;
@@ -75,10 +81,11 @@ RasterForm FormOf(TIFF* tiff, PictureSize size) {
 
 class TiffRows final : public RowReader {
 public:
-    TiffRows(TiffFile& file, const PictureControl& control) : file_(file), tiff_(file.get()) {
+    TiffRows(TiffFile& file, const PictureControl& control, LabPictures lab = LabPictures::Refused)
+        : file_(file), tiff_(file.get()) {
         const PictureSize size = SizeOf(tiff_, control);
         if (IsJpeg(tiff_)) TIFFSetField(tiff_, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
-        form_ = FormOf(tiff_, size);
+        form_ = FormOf(tiff_, size, lab);
         TIFFIsTiled(tiff_) ? PrepareTiles(control) : PrepareStrips(control);
     }
     const RasterForm& Form() const noexcept override { return form_; }
@@ -242,6 +249,10 @@ void ShrinkTiff(PictureSource& source, PictureTarget& target, const ShrinkStep& 
     TiffWriter writer(file, from.get(), rows.Form(), to, step);
     ShrinkAndStampRows(rows, writer, to, step, Short(from.get(), TIFFTAG_ORIENTATION), control);
     file.Close();
+}
+
+std::unique_ptr<RowReader> OpenTiffRows(TiffFile& file, const PictureControl& control) {
+    return std::make_unique<TiffRows>(file, control, LabPictures::Served);
 }
 
 } // namespace transforms

@@ -4,9 +4,13 @@
 // are not kept.
 #pragma once
 
+#include <memory>
+
 #include "services/transforms/pictures/PictureControl.h"
 #include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/pictures/Raster.h"
 #include "services/transforms/pictures/ShrinkStep.h"
+#include "services/transforms/pictures/TiffLibrary.h"
 
 namespace transforms {
 
@@ -19,5 +23,9 @@ struct TiffForm {
 TiffForm TiffFormOf(PictureSource& source, const PictureControl& control);
 void ShrinkTiff(PictureSource& source, PictureTarget& target, const ShrinkStep& step,
                 const PictureControl& control);
+
+// The rows of the file's first page as they are stored, also of a Lab picture: for a conversion,
+// which knows what the samples mean. `file` must outlive them. Throws PictureFailure.
+std::unique_ptr<RowReader> OpenTiffRows(TiffFile& file, const PictureControl& control);
 
 } // namespace transforms

@@ -194,7 +194,8 @@ WebpForm WebpFormOf(PictureSource& source, const PictureControl& control) {
     const auto features = FeaturesOf(ReadWholePicture(source, control.limits.memory / 2), control);
     return {
         {static_cast<std::uint32_t>(features.width), static_cast<std::uint32_t>(features.height)},
-        features.has_animation != 0};
+        features.has_animation != 0,
+        features.format == Lossless};
 }
 
 void ShrinkWebp(PictureSource& source, PictureTarget& target, const ShrinkStep& step,
@@ -212,6 +213,18 @@ void ShrinkWebp(PictureSource& source, PictureTarget& target, const ShrinkStep& 
                        control);
     }
     WritePicture(target, 0, WithMetadata(file, image, to));
+}
+
+std::unique_ptr<RowReader> OpenWebpRows(const PictureBytes& file, const PictureControl& control) {
+    return std::make_unique<WebpRows>(file, FeaturesOf(file, control), control);
+}
+
+PictureBytes WebpChunk(const PictureBytes& file, const char* name) {
+    const WebPData data = DataOf(file);
+    const UniqueMux mux(WebPMuxCreate(&data, 0));
+    WebPData found{};
+    if (!mux || WebPMuxGetChunk(mux.get(), name, &found) != WEBP_MUX_OK) return {};
+    return {found.bytes, found.bytes + found.size};
 }
 
 } // namespace transforms

@@ -1,0 +1,27 @@
+// Turns a photo that not every recipient can open into a JPEG, or into a PNG where it has
+// transparent pixels.
+#pragma once
+
+#include <string>
+
+#include "services/transforms/photos/PhotoKind.h"
+#include "services/transforms/pictures/PictureControl.h"
+#include "services/transforms/pictures/PictureFile.h"
+
+namespace transforms {
+
+struct PhotoRequest {
+    int quality = 92;                // of a JPEG, 1 to 100
+    unsigned kinds = kAllPhotoKinds; // of PhotoKind; others pass
+    std::wstring heifLibrary;        // full path of the DLL, which may be missing
+};
+
+// Outcome Shrunk: the target is a whole JPEG or PNG, of 8 bits, upright, with the photo's colour
+// profile and what CarriedExif carries. Unchanged: an animation or a file of many pages.
+// Unsupported: another kind of file, or one that nothing here decodes. The target may have been
+// begun for Cancelled and the failures. Throws nothing. Uses a second thread for its time. Equal
+// files give equal results.
+PictureOutcome ConvertPhoto(PictureSource& source, PictureTarget& target,
+                            const PhotoRequest& request, const PictureControl& control) noexcept;
+
+} // namespace transforms
