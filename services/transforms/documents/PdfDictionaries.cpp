@@ -165,12 +165,6 @@ void CleanAction(Object& action, FindingCounter& found) {
     }
 }
 
-bool IsSignature(Object dictionary, const std::string& type) {
-    const bool isOfType = type == "/Sig" || type == "/DocTimeStamp";
-    return dictionary.getKey("/Contents").isString() &&
-           (isOfType || dictionary.getKey("/ByteRange").isArray());
-}
-
 bool IsFileSpecification(Object dictionary, const std::string& type) {
     return type == "/Filespec" || type == "/F" || dictionary.getKey("/EF").isDictionary();
 }
@@ -205,7 +199,14 @@ bool CleanPdfDictionary(QPDFObjectHandle& dictionary, FindingCounter& found) {
     if (isAnnotation && dictionary.getKey("/Rect").isArray()) {
         CleanAnnotation(dictionary, subtype, found);
     }
-    return IsSignature(dictionary, type);
+    return IsPdfSignature(dictionary);
+}
+
+bool IsPdfSignature(QPDFObjectHandle dictionary) {
+    const auto type = NameAt(dictionary, "/Type");
+    const bool isOfType = type == "/Sig" || type == "/DocTimeStamp";
+    return dictionary.getKey("/Contents").isString() &&
+           (isOfType || dictionary.getKey("/ByteRange").isArray());
 }
 
 } // namespace transforms::documents

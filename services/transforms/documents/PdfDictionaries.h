@@ -13,4 +13,6 @@ void CleanPdfTrailer(QPDFObjectHandle& trailer, personal::FindingCounter& found)
 // Cleans one dictionary, of a stream too, without those inside it. True when it is a signature.
 bool CleanPdfDictionary(QPDFObjectHandle& dictionary, personal::FindingCounter& found);
 
+bool IsPdfSignature(QPDFObjectHandle dictionary);
+
 } // namespace transforms::documents

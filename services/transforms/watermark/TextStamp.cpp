@@ -134,14 +134,15 @@ PictureBytes Spread(PictureBytes covered, PictureSize size, int reach) {
     return covered;
 }
 
-// White where the text is, black around it.
-PictureBytes Coloured(const PictureBytes& letters, const PictureBytes& around) {
+// One colour where the text is, the other around it.
+PictureBytes Coloured(const PictureBytes& letters, const PictureBytes& around, Letters colour) {
     PictureBytes pixels;
     pixels.reserve(letters.size() * 4);
     for (std::size_t i = 0; i < letters.size(); ++i) {
         const unsigned edge = (255u - letters[i]) * around[i] / 255 * kEdgeStrength / 255;
         const unsigned opaque = letters[i] + edge;
-        const auto grey = static_cast<std::uint8_t>(opaque ? letters[i] * 255u / opaque : 0);
+        const unsigned light = opaque ? letters[i] * 255u / opaque : 0;
+        const auto grey = static_cast<std::uint8_t>(colour == Letters::White ? light : 255 - light);
         pixels.insert(pixels.end(), {grey, grey, grey, static_cast<std::uint8_t>(opaque)});
     }
     return pixels;
@@ -178,7 +179,7 @@ PlacedStamp TextStamp::For(PictureSize shown) const {
     const auto around = static_cast<std::uint32_t>(2 * edge);
     stamp.size = {fitting.text.width + around, fitting.text.height + around};
     const PictureBytes letters = canvas.Draw(text_, stamp.size, edge);
-    stamp.pixels = Coloured(letters, Spread(letters, stamp.size, edge));
+    stamp.pixels = Coloured(letters, Spread(letters, stamp.size, edge), letters_);
     Place(stamp, shown, look_);
     return stamp;
 }

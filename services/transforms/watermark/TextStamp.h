@@ -8,18 +8,25 @@
 
 namespace transforms {
 
-// White letters with a dark edge, so that they can be read on any picture. One line; a text that is
+enum class Letters {
+    White, // with a dark edge: for pictures
+    Black, // with a light edge: for pages, which are mostly white
+};
+
+// The edge makes letters readable on any ground. One line; a text that is
 // too long for a picture gets smaller letters, and ends with three dots where those would be too
 // small. Any thread.
 class TextStamp final : public Stamp {
 public:
-    TextStamp(std::wstring text, WatermarkLook look) : text_(std::move(text)), look_(look) {}
+    TextStamp(std::wstring text, WatermarkLook look, Letters letters)
+        : text_(std::move(text)), look_(look), letters_(letters) {}
     // Throws PictureFailure with OutOfMemory when the system can't draw.
     PlacedStamp For(PictureSize shown) const override;
 
 private:
     std::wstring text_;
     WatermarkLook look_;
+    Letters letters_;
 };
 
 } // namespace transforms

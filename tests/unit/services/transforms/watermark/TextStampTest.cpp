@@ -18,7 +18,7 @@ constexpr WatermarkLook kStrong{WatermarkPlace::BottomRight, 100};
 
 PlacedStamp Drawn(const std::wstring& text, PictureSize shown,
                   const WatermarkLook& look = kStrong) {
-    return TextStamp(text, look).For(shown);
+    return TextStamp(text, look, Letters::White).For(shown);
 }
 
 // Pixels that are at least as light and as opaque.
@@ -51,6 +51,16 @@ TEST(TextStamp, HasWhiteLettersWithADarkEdge) {
     EXPECT_GT(dark, all / 50);
     EXPECT_GT(clear, all / 20);
     EXPECT_NEAR(stamp.size.height, 900.0 / 24 * 1.35, 12); // one line
+}
+
+TEST(TextStamp, HasBlackLettersWithALightEdge) {
+    const PlacedStamp white = Drawn(L"Ann Example", {1200, 900});
+    const PlacedStamp black = TextStamp(L"Ann Example", kStrong, Letters::Black).For({1200, 900});
+    ASSERT_EQ(black.pixels.size(), white.pixels.size());
+    for (std::size_t i = 0; i < black.pixels.size(); i += 4) {
+        EXPECT_EQ(black.pixels[i], 255 - white.pixels[i]);
+        EXPECT_EQ(black.pixels[i + 3], white.pixels[i + 3]);
+    }
 }
 
 TEST(TextStamp, GrowsWithThePicture) {
@@ -107,16 +117,20 @@ TEST(TextStamp, LeavesNoObjectOfTheSystemOpen) {
 }
 
 TEST(TextStamp, IsSeenOnLightAndDarkPictures) {
-    for (const std::uint8_t ground : {0, 255}) {
-        const obtest::Raster raster{600, 400, 3, 8, PictureBytes(600 * 400 * 3, ground)};
+    for (const auto& [ground, letters] : {std::pair{0, Letters::White},
+                                          {255, Letters::White},
+                                          {0, Letters::Black},
+                                          {255, Letters::Black}}) {
+        const obtest::Raster raster{600, 400, 3, 8,
+                                    PictureBytes(600 * 400 * 3, static_cast<std::uint8_t>(ground))};
         const PictureBytes file = obtest::MakeJpeg(raster);
         MemorySource source(file);
         MemoryTarget target;
-        const TextStamp stamp(L"Ann Example", kStrong);
+        const TextStamp stamp(L"Ann Example", kStrong, letters);
         ASSERT_EQ(StampPicture(source, target, stamp, {}), PictureOutcome::Shrunk);
         const obtest::Raster read = obtest::ParseJpeg(target.bytes).raster;
         const auto [least, most] = std::minmax_element(read.bytes.begin(), read.bytes.end());
-        EXPECT_GT(*most - *least, 90) << int{ground};
+        EXPECT_GT(*most - *least, 90) << ground;
     }
 }
 

@@ -1,0 +1,64 @@
+#include "services/transforms/documents/PdfFile.h"
+
+#include <exception>
+#include <new>
+#include <utility>
+
+#include <qpdf/Pipeline.hh>
+#include <qpdf/QPDFExc.hh>
+#include <qpdf/QPDFWriter.hh>
+
+namespace transforms::documents {
+namespace {
+
+using namespace personal;
+
+// Takes what the library writes.
+class MemoryPipeline : public Pipeline {
+public:
+    MemoryPipeline() : Pipeline("memory", nullptr) {}
+    void write(const unsigned char* bytes, std::size_t size) override {
+        Append(written_, std::as_bytes(std::span(bytes, size)));
+    }
+    void finish() override {}
+    OwnedBytes Take() { return std::move(written_); }
+
+private:
+    OwnedBytes written_;
+};
+
+} // namespace
+
+void OpenPdf(QPDF& pdf, Bytes file) {
+    pdf.setSuppressWarnings(true);
+    pdf.setAttemptRecovery(false);
+    pdf.processMemoryFile("pdf", TextOf(file).data(), file.size());
+}
+
+OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams) {
+    MemoryPipeline memory;
+    QPDFWriter writer(pdf);
+    writer.setOutputPipeline(&memory);
+    writer.setCompressStreams(streams == PdfStreams::Compressed);
+    writer.setDecodeLevel(qpdf_dl_none);
+    writer.setObjectStreamMode(qpdf_o_preserve);
+    writer.setDeterministicID(true);
+    writer.write();
+    return memory.Take();
+}
+
+CleanOutcome OutcomeOfPdfError() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const QPDFExc& error) {
+        const auto code = error.getErrorCode();
+        const bool isAboutCiphers = code == qpdf_e_password || code == qpdf_e_unsupported;
+        return isAboutCiphers ? CleanOutcome::Encrypted : CleanOutcome::Damaged;
+    } catch (const std::exception&) {
+        return CleanOutcome::Damaged;
+    }
+}
+
+} // namespace transforms::documents

@@ -1,0 +1,25 @@
+// A PDF that is read from memory and written to memory: how the library is set up for all work on
+// PDFs, and what its errors mean.
+#pragma once
+
+#include <qpdf/QPDF.hh>
+
+#include "services/transforms/personal/Bytes.h"
+#include "services/transforms/personal/Findings.h"
+
+namespace transforms::documents {
+
+// Reads the file's tables; nothing in it is guessed. The bytes outlive the object. Throws what the
+// library throws: see OutcomeOfPdfError.
+void OpenPdf(QPDF& pdf, personal::Bytes file);
+
+// How streams are written: as they are coded, or compressed where they aren't coded at all.
+enum class PdfStreams { AsTheyAre, Compressed };
+
+// Equal objects give equal bytes. Throws what the library throws.
+personal::OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams);
+
+// Encrypted or Damaged, inside a catch block. Throws std::bad_alloc on.
+CleanOutcome OutcomeOfPdfError();
+
+} // namespace transforms::documents

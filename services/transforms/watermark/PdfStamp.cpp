@@ -1,0 +1,230 @@
+#include "services/transforms/watermark/PdfStamp.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <string>
+#include <utility>
+
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
+#include <qpdf/QPDFPageObjectHelper.hh>
+#include <qpdf/QUtil.hh>
+
+#include "services/transforms/documents/PdfDictionaries.h"
+#include "services/transforms/documents/PdfFile.h"
+
+namespace transforms {
+namespace {
+
+using Object = QPDFObjectHandle;
+
+// A stamp is drawn with two pixels a point, and pages of posters with fewer.
+constexpr double kPixelsOfPoint = 2;
+constexpr double kMostPixels = 3000; // of the longer side
+constexpr double kLargestPage = 1e6; // points; a format's own limit is below it
+
+// A page as it is shown: its box, turned by `turns` quarters to the right.
+struct ShownPage {
+    Object::Rectangle box;
+    int turns = 0;
+    double width = 0, height = 0; // points, after turning
+    double scale = 1;             // pixels a point
+    PictureSize Pixels() const {
+        const auto side = [this](double points) {
+            return static_cast<std::uint32_t>(std::max(std::lround(points * scale), 1L));
+        };
+        return {side(width), side(height)};
+    }
+};
+
+int TurnsOf(QPDFPageObjectHelper& page) {
+    constexpr long long kQuarter = 90, kQuarters = 4;
+    auto rotate = page.getAttribute("/Rotate", false);
+    if (!rotate.isInteger() || rotate.getIntValue() % kQuarter != 0) return 0;
+    const long long turns = rotate.getIntValue() / kQuarter % kQuarters;
+    return static_cast<int>((turns + kQuarters) % kQuarters);
+}
+
+// Corners may be in any order.
+Object::Rectangle BoxOf(QPDFPageObjectHelper& page) {
+    auto box = page.getCropBox(false);
+    if (!box.isRectangle()) box = page.getMediaBox(false);
+    const auto corners = box.getArrayAsRectangle();
+    return {std::min(corners.llx, corners.urx), std::min(corners.lly, corners.ury),
+            std::max(corners.llx, corners.urx), std::max(corners.lly, corners.ury)};
+}
+
+ShownPage Shown(QPDFPageObjectHelper& page) {
+    ShownPage shown{BoxOf(page), TurnsOf(page)};
+    shown.width = shown.box.urx - shown.box.llx;
+    shown.height = shown.box.ury - shown.box.lly;
+    if (shown.turns % 2 != 0) std::swap(shown.width, shown.height);
+    const double longer = std::max(shown.width, shown.height);
+    shown.scale = std::min(kPixelsOfPoint, kMostPixels / std::max(longer, 1.0));
+    return shown;
+}
+
+bool IsSensible(const ShownPage& page) {
+    return page.width >= 1 && page.height >= 1 && page.width < kLargestPage &&
+           page.height < kLargestPage;
+}
+
+std::string Numbers(std::initializer_list<double> numbers) {
+    std::string text;
+    for (const double number : numbers) text += QUtil::double_to_string(number, 4) + " ";
+    return text;
+}
+
+// From the page as it is shown, from its lower left corner, to the page's own coordinates.
+std::string TurnedBack(const ShownPage& page) {
+    const double width = page.box.urx - page.box.llx, height = page.box.ury - page.box.lly;
+    const double x = page.box.llx, y = page.box.lly;
+    switch (page.turns) {
+    case 1:
+        return Numbers({0, 1, -1, 0, x + width, y}) + "cm ";
+    case 2:
+        return Numbers({-1, 0, 0, -1, x + width, y + height}) + "cm ";
+    case 3:
+        return Numbers({0, -1, 1, 0, x, y + height}) + "cm ";
+    default:
+        return Numbers({1, 0, 0, 1, x, y}) + "cm ";
+    }
+}
+
+// One colour of each pixel, or how opaque it is.
+std::string Channels(const PlacedStamp& stamp, std::size_t first, std::size_t count) {
+    std::string bytes;
+    bytes.reserve(stamp.pixels.size() / 4 * count);
+    for (std::size_t at = first; at < stamp.pixels.size(); at += 4) {
+        for (std::size_t channel = 0; channel < count; ++channel)
+            bytes += static_cast<char>(stamp.pixels[at + channel]);
+    }
+    return bytes;
+}
+
+Object MakePicture(QPDF& pdf, PictureSize size, const char* colours, const std::string& bytes) {
+    auto picture = pdf.newStream(bytes);
+    auto keys = picture.getDict();
+    keys.replaceKey("/Type", Object::newName("/XObject"));
+    keys.replaceKey("/Subtype", Object::newName("/Image"));
+    keys.replaceKey("/Width", Object::newInteger(size.width));
+    keys.replaceKey("/Height", Object::newInteger(size.height));
+    keys.replaceKey("/ColorSpace", Object::newName(colours));
+    keys.replaceKey("/BitsPerComponent", Object::newInteger(8));
+    return picture;
+}
+
+// A stamp that is in the file once for all pages of a size.
+struct PdfPicture {
+    Object object;
+    PlacedStamp place; // without its pixels
+};
+
+PdfPicture AddPicture(QPDF& pdf, PlacedStamp stamp) {
+    auto mask = MakePicture(pdf, stamp.size, "/DeviceGray", Channels(stamp, 3, 1));
+    auto picture = MakePicture(pdf, stamp.size, "/DeviceRGB", Channels(stamp, 0, 3));
+    picture.getDict().replaceKey("/SMask", mask);
+    stamp.pixels.clear();
+    return {picture, std::move(stamp)};
+}
+
+// A dictionary of the page's own, as other pages may share the one that it has.
+Object OwnDictionary(Object parent, const std::string& key) {
+    auto old = parent.getKey(key);
+    auto own = old.isDictionary() ? old.shallowCopy() : Object::newDictionary();
+    parent.replaceKey(key, own);
+    return own;
+}
+
+// The name under which the page's contents draw the picture.
+std::string Register(QPDFPageObjectHelper& page, const Object& picture) {
+    auto resources = page.getAttribute("/Resources", false);
+    auto own = resources.isDictionary() ? resources.shallowCopy() : Object::newDictionary();
+    page.getObjectHandle().replaceKey("/Resources", own);
+    int number = 1;
+    const std::string name = own.getUniqueResourceName("/ObStamp", number);
+    OwnDictionary(own, "/XObject").replaceKey(name, picture);
+    return name;
+}
+
+std::string Drawing(const ShownPage& page, const PlacedStamp& place, const std::string& name) {
+    const double width = place.size.width / page.scale, height = place.size.height / page.scale;
+    const double left = place.left / page.scale;
+    const double bottom = page.height - place.top / page.scale - height;
+    return "/Artifact BMC q " + TurnedBack(page) + Numbers({width, 0, 0, height, left, bottom}) +
+           "cm " + name + " Do Q EMC\n";
+}
+
+class PdfStamper {
+public:
+    PdfStamper(const Stamp& stamp, const PictureControl& control)
+        : stamp_(stamp), control_(control) {}
+
+    StampedPdf Run(personal::Bytes file) {
+        documents::OpenPdf(pdf_, file);
+        if (pdf_.isEncrypted()) return {CleanOutcome::Encrypted, {}};
+        if (IsSigned()) return {CleanOutcome::Signed, {}};
+        const auto pages = QPDFPageDocumentHelper(pdf_).getAllPages();
+        if (pages.empty()) return {};
+        for (QPDFPageObjectHelper page : pages) {
+            control_.ThrowIfCancelled();
+            StampPage(page);
+        }
+        auto written = documents::WritePdf(pdf_, documents::PdfStreams::Compressed);
+        if (pdf_.anyWarnings()) return {};
+        return {CleanOutcome::Cleaned, std::move(written)};
+    }
+
+private:
+    bool IsSigned() {
+        auto objects = pdf_.getAllObjects();
+        return std::ranges::any_of(objects, [](Object& object) {
+            return object.isDictionary() && documents::IsPdfSignature(object);
+        });
+    }
+
+    void StampPage(QPDFPageObjectHelper& page) {
+        const ShownPage shown = Shown(page);
+        if (!IsSensible(shown)) return;
+        const PdfPicture* const picture = PictureFor(shown.Pixels());
+        if (!picture) return;
+        const std::string name = Register(page, picture->object);
+        // What the page's own contents leave changed is put back before the stamp is drawn.
+        page.addPageContents(pdf_.newStream("q\n"), true);
+        page.addPageContents(pdf_.newStream("\nQ\n" + Drawing(shown, picture->place, name)), false);
+    }
+
+    // Null for a page that is too small for a stamp.
+    const PdfPicture* PictureFor(PictureSize pixels) {
+        const auto key = std::pair(pixels.width, pixels.height);
+        auto found = pictures_.find(key);
+        if (found == pictures_.end()) {
+            PlacedStamp stamp = StampAsStored(stamp_, pixels, 1);
+            PdfPicture made;
+            if (!stamp.pixels.empty()) made = AddPicture(pdf_, std::move(stamp));
+            found = pictures_.emplace(key, std::move(made)).first;
+        }
+        return found->second.object.isStream() ? &found->second : nullptr;
+    }
+
+    const Stamp& stamp_;
+    const PictureControl& control_;
+    QPDF pdf_;
+    std::map<std::pair<std::uint32_t, std::uint32_t>, PdfPicture> pictures_;
+};
+
+} // namespace
+
+StampedPdf StampPdf(personal::Bytes file, const Stamp& stamp, const PictureControl& control) {
+    try {
+        return PdfStamper(stamp, control).Run(file);
+    } catch (const PictureFailure&) {
+        throw;
+    } catch (const std::exception&) {
+        return {documents::OutcomeOfPdfError(), {}};
+    }
+}
+
+} // namespace transforms

@@ -1,0 +1,23 @@
+// A stamp laid over each page of a PDF, as a picture: so every script looks as it does on pictures,
+// and no font has to be in the file.
+#pragma once
+
+#include "services/transforms/personal/Bytes.h"
+#include "services/transforms/personal/Findings.h"
+#include "services/transforms/pictures/PictureControl.h"
+#include "services/transforms/pictures/Stamp.h"
+
+namespace transforms {
+
+struct StampedPdf {
+    // Cleaned means written; otherwise Damaged, Encrypted, Signed or TooLarge, without bytes.
+    CleanOutcome outcome = CleanOutcome::Damaged;
+    personal::OwnedBytes bytes;
+};
+
+// Pages keep their contents, form fields and links; the stamp is above the contents, upright as the
+// page is shown, and marked as decoration for screen readers. Equal input gives equal bytes. Throws
+// PictureFailure of the stamp and of the control, and std::bad_alloc.
+StampedPdf StampPdf(personal::Bytes file, const Stamp& stamp, const PictureControl& control);
+
+} // namespace transforms
