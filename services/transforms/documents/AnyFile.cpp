@@ -1,5 +1,6 @@
 #include "services/transforms/documents/AnyFile.h"
 
+#include "services/transforms/documents/OfficeFile.h"
 #include "services/transforms/documents/Pdf.h"
 #include "services/transforms/personal/PersonalData.h"
 
@@ -14,6 +15,8 @@ struct DocumentFormat {
 };
 
 constexpr DocumentFormat kFormats[] = {
+    {IsOfficePackage, AnalyzeOfficePackage},
+    {IsOldContainer, AnalyzeOldContainer},
     {IsPdf, AnalyzePdf},
 };
 

@@ -18,7 +18,7 @@ namespace {
 
 using namespace personal;
 
-// Where readers look for the header; what is before it goes.
+// Where readers look for the header; space before it goes.
 constexpr std::size_t kHeaderWithin = 1024;
 
 // Takes what the library writes.
@@ -156,8 +156,10 @@ CleanOutcome OutcomeOf(const QPDFExc& error) {
 } // namespace
 
 bool IsPdf(Bytes file) {
-    return TextOf(file.first(std::min(file.size(), kHeaderWithin))).find("%PDF-") !=
-           std::string_view::npos;
+    auto text = TextOf(file.first(std::min(file.size(), kHeaderWithin)));
+    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    return text.starts_with("%PDF-");
 }
 
 Analysis AnalyzePdf(Bytes file) {

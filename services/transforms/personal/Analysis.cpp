@@ -65,6 +65,15 @@ OwnedBytes PartList::Join() const {
     return joined;
 }
 
+bool PartList::IsEqualTo(Bytes file) const {
+    if (Size() != file.size()) return false;
+    for (const Bytes part : parts_) {
+        if (!std::ranges::equal(part, file.first(part.size()))) return false;
+        file = file.subspan(part.size());
+    }
+    return true;
+}
+
 CleanedFile ResultOf(Bytes file, const Analysis& analysis) {
     if (analysis.outcome != CleanOutcome::NothingFound) return {analysis.outcome, {}, {}, {}};
     if (analysis.found.IsEmpty()) {

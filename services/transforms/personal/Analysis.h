@@ -36,6 +36,7 @@ public:
     void Append(PartList more);
     std::size_t Size() const; // bytes of all parts
     OwnedBytes Join() const;
+    bool IsEqualTo(Bytes file) const; // what Join would return
 
 private:
     std::vector<Bytes> parts_;

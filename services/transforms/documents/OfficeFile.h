@@ -1,0 +1,16 @@
+// Office documents: packages of either kind, and what only looks like one.
+#pragma once
+
+#include "services/transforms/personal/Analysis.h"
+
+namespace transforms::documents {
+
+// A zip that names what a document begins with. Other zips are no documents.
+bool IsOfficePackage(personal::Bytes file);
+personal::Analysis AnalyzeOfficePackage(personal::Bytes file);
+
+// The older container of Office: a document with a password is one inside it.
+bool IsOldContainer(personal::Bytes file);
+personal::Analysis AnalyzeOldContainer(personal::Bytes file);
+
+} // namespace transforms::documents
