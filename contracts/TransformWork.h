@@ -29,6 +29,8 @@ enum class WorkKind : std::uint32_t {
     Clean = 1,      // removes personal data
     CheckClean = 2, // reports what a clean would find
     Resize = 3,     // makes a picture smaller
+    // Makes a JPEG or PNG of a photo of another kind.
+    ConvertPhoto = 20,
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -82,6 +84,30 @@ static_assert(offsetof(WorkResize, aim) == 0);
 static_assert(offsetof(WorkResize, quality) == 4);
 static_assert(offsetof(WorkResize, value) == 8);
 
+// Kinds of photos, each a bit.
+enum class WorkPhotoKinds : std::uint32_t {
+    None = 0,
+    Heic = 1,
+    Avif = 2,
+    Webp = 4,
+    Tiff = 8,
+    Bmp = 16,
+    JpegXr = 32,
+    Raw = 64,
+    All = 127,
+};
+
+// The settings of ConvertPhoto. Changed: the target is a whole JPEG or PNG, which its first bytes
+// show. Unchanged: an animation or a file of many pages. Not supported: another kind of file, one
+// that isn't to be converted, or one that nothing on the machine decodes.
+struct WorkPhoto {
+    std::uint32_t quality; // of a JPEG, 1 to 100
+    WorkPhotoKinds kinds;  // that are converted
+};
+static_assert(sizeof(WorkPhoto) == 8);
+static_assert(offsetof(WorkPhoto, quality) == 0);
+static_assert(offsetof(WorkPhoto, kinds) == 4);
+
 // What a request of each kind consists of: WorkFiles with or without these files, and settings of
 // `least` to `most` bytes.
 struct WorkRequestForm {
@@ -95,6 +121,7 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
     {WorkKind::Clean, sizeof(WorkClean), sizeof(WorkClean), true, true},
     {WorkKind::CheckClean, sizeof(WorkClean), sizeof(WorkClean), true, false},
     {WorkKind::Resize, sizeof(WorkResize), sizeof(WorkResize), true, true},
+    {WorkKind::ConvertPhoto, sizeof(WorkPhoto), sizeof(WorkPhoto), true, true},
 };
 inline constexpr std::uint32_t kMostWorkSettings = kLargestWorkPayload - sizeof(WorkFiles);
 

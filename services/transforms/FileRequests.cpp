@@ -1,6 +1,7 @@
 #include "services/transforms/FileRequests.h"
 
 #include "services/transforms/CleanWork.h"
+#include "services/transforms/PhotoWork.h"
 #include "services/transforms/PictureWork.h"
 
 namespace transforms {
@@ -17,6 +18,7 @@ constexpr RequestRow kRequests[] = {
     {WorkKind::Clean, &Clean},
     {WorkKind::CheckClean, &Clean},
     {WorkKind::Resize, &Resize},
+    {WorkKind::ConvertPhoto, &ConvertPhotoFile},
 };
 
 } // namespace
