@@ -6,6 +6,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/LongPath.h"
+#include "services/providers/files/ResultName.h"
 
 namespace providers {
 namespace {
@@ -289,6 +290,37 @@ bool NewFile::Rename(const WorkingCopy& copy) {
     const UniqueKernelHandle folder = Pin(folder_, folderIdentity_);
     if (!folder || !Protect(copy, attributes_ & ~DWORD{FILE_ATTRIBUTE_READONLY})) return false;
     if (!MoveFileExW(path_.c_str(), copy.path_.c_str(), MOVEFILE_REPLACE_EXISTING)) return false;
+    isPlaced_ = true;
+    unfinished_.Remove(identity_);
+    return true;
+}
+
+// As for Rename; the system itself refuses a name that is taken. A file that is named but whose
+// copy is still there isn't placed: it is deleted with this object.
+bool NewFile::NameBeside(const WorkingCopy& copy, const std::wstring& path,
+                         const std::wstring& extension, std::size_t longest, std::wstring& result) {
+    constexpr int kMostNumbers = 9999;
+    const UniqueKernelHandle folder = Pin(folder_, folderIdentity_);
+    if (!folder || !Protect(copy, attributes_)) return false;
+    for (int number = 1; number <= kMostNumbers; ++number) {
+        result = ResultPath(path, extension, number);
+        if (result.size() > longest) break;
+        const std::wstring target = folder_ + result.substr(result.rfind(L'\\'));
+        if (MoveFileExW(path_.c_str(), target.c_str(), 0)) {
+            unfinished_.Remove(identity_);
+            path_ = target;
+            unfinished_.Add(path_, identity_);
+            return true;
+        }
+        const DWORD error = GetLastError();
+        if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS) return false;
+    }
+    SetLastError(ERROR_FILE_EXISTS);
+    return false;
+}
+
+bool NewFile::DeleteCopy(const WorkingCopy& copy) {
+    if (!DeleteByIdentity(copy.path_, copy.identity_)) return false;
     isPlaced_ = true;
     unfinished_.Remove(identity_);
     return true;

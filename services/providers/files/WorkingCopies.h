@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -72,7 +73,7 @@ private:
 };
 
 // A new file beside a working copy, under a name of its own. Deleted with this object unless it
-// took the copy's place.
+// took the copy's place or a name beside it.
 class NewFile {
 public:
     // Null when it can't be made. `unfinished` outlives the object.
@@ -91,13 +92,25 @@ public:
     template <class IsEnded>
     bool TakePlaceOf(WorkingCopy& copy, IsEnded isEnded) {
         if (!Prepare(copy)) return false;
-        for (int attempt = 0; attempt < kAttempts && !isEnded(); ++attempt) {
-            if (Rename(copy)) return true;
-            if (!IsBusy()) break;
-            Sleep(kPause);
-        }
+        if (Repeat(isEnded, [&] { return Rename(copy); })) return true;
         PutAttributesBack(copy);
         return false;
+    }
+
+    // Gives the file the copy's name with another extension, numbered where there is a file of that
+    // name already, and deletes the copy; `path` is the copy's and becomes the result's. The file
+    // has the copy's times and attributes. Closes both. False, with the copy and `path` as they
+    // were, when the copy is no longer there, no name of at most `longest` units is free or the
+    // system refuses for two seconds. No file is ever replaced. `isEnded` as above.
+    template <class IsEnded>
+    bool TakeNameBeside(WorkingCopy& copy, std::wstring& path, const std::wstring& extension,
+                        std::size_t longest, IsEnded isEnded) {
+        std::wstring result;
+        const auto name = [&] { return NameBeside(copy, path, extension, longest, result); };
+        if (!Prepare(copy) || !Repeat(isEnded, name)) return false;
+        if (!Repeat(isEnded, [&] { return DeleteCopy(copy); })) return false;
+        path = std::move(result);
+        return true;
     }
 
 private:
@@ -105,7 +118,20 @@ private:
     static constexpr DWORD kPause = 20; // milliseconds; a scanner has new files open for a while
 
     explicit NewFile(UnfinishedFiles& unfinished) : unfinished_(unfinished) {}
+    // True once the step has succeeded. Repeats it while the system refuses.
+    template <class IsEnded, class Step>
+    static bool Repeat(IsEnded& isEnded, Step step) {
+        for (int attempt = 0; attempt < kAttempts && !isEnded(); ++attempt) {
+            if (step()) return true;
+            if (!IsBusy()) break;
+            Sleep(kPause);
+        }
+        return false;
+    }
     bool Prepare(WorkingCopy& copy);
+    bool NameBeside(const WorkingCopy& copy, const std::wstring& path,
+                    const std::wstring& extension, std::size_t longest, std::wstring& result);
+    bool DeleteCopy(const WorkingCopy& copy);
     bool Rename(const WorkingCopy& copy);
     static bool IsBusy() noexcept;
     bool Protect(const WorkingCopy& copy, DWORD attributes) noexcept;

@@ -75,6 +75,21 @@ protected:
         }
         return made->TakePlaceOf(*copy, [ended] { return ended; });
     }
+    // Puts a result of another kind beside a copy. The path that comes back is empty for a failure.
+    std::wstring Convert(const std::wstring& path, const std::string& content,
+                         const std::wstring& extension = L"jpg", std::size_t longest = 513,
+                         bool ended = false) {
+        CopyRefusal refusal{};
+        auto copy = WorkingCopy::Open(path, L"", refusal);
+        if (!copy) return {};
+        const auto made = NewFile::MakeBeside(*copy, unfinished_);
+        if (!made || !ObLib::WriteWhole(made->Handle(), content.data(), content.size())) return {};
+        std::wstring result = path;
+        const bool done =
+            made->TakeNameBeside(*copy, result, extension, longest, [ended] { return ended; });
+        EXPECT_TRUE(done || result == path);
+        return done ? result : std::wstring();
+    }
     std::vector<std::wstring> Names() const { return obtest::ListTree(folder_.Path()); }
 
     const obtest::TestFolder folder_;
@@ -299,6 +314,68 @@ TEST_F(WorkingCopiesTest, LeaveAnotherFileUnderAnUnfinishedName) {
     unfinished_.Add(path, FileIdentity{1, 2});
     unfinished_.DeleteAll();
     EXPECT_EQ(obtest::ReadFileContent(path), "theirs");
+}
+
+TEST_F(WorkingCopiesTest, GiveTheirNameToAResultOfAnotherKind) {
+    const std::wstring path = folder_.File(L"a photo.heic", "old");
+    EXPECT_EQ(Convert(path, "new"), folder_ / L"a photo.jpg");
+    EXPECT_EQ(Names(), std::vector<std::wstring>{L"a photo.jpg"});
+    EXPECT_EQ(obtest::ReadFileContent(folder_ / L"a photo.jpg"), "new");
+    EXPECT_EQ(Convert(folder_.File(L"none", "old"), "new", L"png"), folder_ / L"none.png");
+    EXPECT_EQ(Convert(folder_.File(L".tif", "old"), "new"), folder_ / L".tif.jpg");
+}
+
+TEST_F(WorkingCopiesTest, GiveANumberedNameWhereThereIsAFileAlready) {
+    folder_.File(L"photo.jpg", "another");
+    EXPECT_EQ(Convert(folder_.File(L"photo.heic", "old"), "new"), folder_ / L"photo (2).jpg");
+    EXPECT_EQ(Convert(folder_.File(L"photo.tif", "old"), "newer"), folder_ / L"photo (3).jpg");
+    folder_.Folder(L"other.jpg");
+    EXPECT_EQ(Convert(folder_.File(L"other.tif", "old"), "new"), folder_ / L"other (2).jpg");
+    EXPECT_EQ(obtest::ReadFileContent(folder_ / L"photo.jpg"), "another");
+    EXPECT_EQ(obtest::ReadFileContent(folder_ / L"photo (2).jpg"), "new");
+}
+
+TEST_F(WorkingCopiesTest, KeepTheirTimesAndAttributesUnderAnotherName) {
+    const std::wstring path = folder_.File(L"photo.heic", "old");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(Convert(path, "new"), folder_ / L"photo.jpg");
+    EXPECT_EQ(Names(), std::vector<std::wstring>{L"photo.jpg"});
+    EXPECT_TRUE(GetFileAttributesW((folder_ / L"photo.jpg").c_str()) & FILE_ATTRIBUTE_READONLY);
+}
+
+TEST_F(WorkingCopiesTest, StayWhenTheNameOfTheResultIsTooLong) {
+    const std::wstring path = folder_.File(L"photo.heic", "old");
+    EXPECT_EQ(Convert(path, "new", L"jpg", path.size() - 2), L"");
+    folder_.File(L"photo.jpg", "another");
+    EXPECT_EQ(Convert(path, "new", L"jpg", path.size()), L"");
+    EXPECT_EQ(Names(), (std::vector<std::wstring>{L"photo.heic", L"photo.jpg"}));
+    EXPECT_EQ(obtest::ReadFileContent(path), "old");
+}
+
+TEST_F(WorkingCopiesTest, StayWhenTheCallEndsBeforeTheirResultIsNamed) {
+    const std::wstring path = folder_.File(L"photo.heic", "old");
+    EXPECT_EQ(Convert(path, "new", L"jpg", 513, true), L"");
+    EXPECT_EQ(Names(), std::vector<std::wstring>{L"photo.heic"});
+}
+
+// Another program has the copy open and lets nobody delete it.
+TEST_F(WorkingCopiesTest, StayAloneWhenTheyCannotBeDeletedForTheirResult) {
+    const std::wstring path = folder_.File(L"photo.heic", "old");
+    CopyRefusal refusal{};
+    auto copy = WorkingCopy::Open(path, L"", refusal);
+    ASSERT_TRUE(copy);
+    auto made = NewFile::MakeBeside(*copy, unfinished_);
+    const ObLib::UniqueKernelHandle other(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(other);
+    std::wstring result = path;
+    int asked = 0;
+    EXPECT_FALSE(
+        made->TakeNameBeside(*copy, result, L"jpg", 513, [&asked] { return ++asked > 5; }));
+    EXPECT_EQ(result, path);
+    EXPECT_GT(asked, 2);
+    made.reset();
+    EXPECT_EQ(Names(), std::vector<std::wstring>{L"photo.heic"});
 }
 
 } // namespace
