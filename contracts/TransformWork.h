@@ -31,6 +31,7 @@ enum class WorkKind : std::uint32_t {
     Resize = 3,     // makes a picture smaller
     // Makes a JPEG or PNG of a photo of another kind.
     ConvertPhoto = 20,
+    Watermark = 9, // lays a text over a picture or the pages of a PDF
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -108,6 +109,25 @@ static_assert(sizeof(WorkPhoto) == 8);
 static_assert(offsetof(WorkPhoto, quality) == 0);
 static_assert(offsetof(WorkPhoto, kinds) == 4);
 
+enum class WorkPlace : std::uint32_t {
+    TopLeft = 1,
+    TopRight = 2,
+    BottomLeft = 3,
+    BottomRight = 4,
+    Centre = 5,
+};
+
+// The settings of Watermark, before the text: 1 to kMostWatermarkText units of UTF-16, without a
+// NUL. What passes, as for Resize, is Unchanged.
+struct WorkWatermark {
+    WorkPlace place;
+    std::uint32_t opacity; // percent, 1 to 100
+};
+static_assert(sizeof(WorkWatermark) == 8);
+static_assert(offsetof(WorkWatermark, place) == 0);
+static_assert(offsetof(WorkWatermark, opacity) == 4);
+inline constexpr std::uint32_t kMostWatermarkText = 100;
+
 // What a request of each kind consists of: WorkFiles with or without these files, and settings of
 // `least` to `most` bytes.
 struct WorkRequestForm {
@@ -122,6 +142,8 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
     {WorkKind::CheckClean, sizeof(WorkClean), sizeof(WorkClean), true, false},
     {WorkKind::Resize, sizeof(WorkResize), sizeof(WorkResize), true, true},
     {WorkKind::ConvertPhoto, sizeof(WorkPhoto), sizeof(WorkPhoto), true, true},
+    {WorkKind::Watermark, sizeof(WorkWatermark) + 2, sizeof(WorkWatermark) + 2 * kMostWatermarkText,
+     true, true},
 };
 inline constexpr std::uint32_t kMostWorkSettings = kLargestWorkPayload - sizeof(WorkFiles);
 

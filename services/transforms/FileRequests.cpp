@@ -3,6 +3,7 @@
 #include "services/transforms/CleanWork.h"
 #include "services/transforms/PhotoWork.h"
 #include "services/transforms/PictureWork.h"
+#include "services/transforms/WatermarkWork.h"
 
 namespace transforms {
 namespace {
@@ -19,6 +20,7 @@ constexpr RequestRow kRequests[] = {
     {WorkKind::CheckClean, &Clean},
     {WorkKind::Resize, &Resize},
     {WorkKind::ConvertPhoto, &ConvertPhotoFile},
+    {WorkKind::Watermark, &AddWatermark},
 };
 
 } // namespace

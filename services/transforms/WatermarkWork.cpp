@@ -1,0 +1,100 @@
+#include "services/transforms/WatermarkWork.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "services/transforms/PictureFiles.h"
+#include "services/transforms/PictureWatch.h"
+#include "services/transforms/PictureWork.h"
+#include "services/transforms/SourceView.h"
+#include "services/transforms/WholeFile.h"
+#include "services/transforms/documents/Pdf.h"
+#include "services/transforms/pictures/StampPicture.h"
+#include "services/transforms/watermark/PdfStamp.h"
+#include "services/transforms/watermark/TextStamp.h"
+
+namespace transforms {
+namespace {
+
+using namespace obcontract;
+
+struct PlaceRow {
+    WorkPlace asked;
+    WatermarkPlace place;
+};
+
+constexpr PlaceRow kPlaces[] = {
+    {WorkPlace::TopLeft, WatermarkPlace::TopLeft},
+    {WorkPlace::TopRight, WatermarkPlace::TopRight},
+    {WorkPlace::BottomLeft, WatermarkPlace::BottomLeft},
+    {WorkPlace::BottomRight, WatermarkPlace::BottomRight},
+    {WorkPlace::Centre, WatermarkPlace::Centre},
+};
+
+struct Asked {
+    WatermarkLook look;
+    std::wstring text;
+};
+
+// Nothing for values that the contract lacks.
+std::optional<Asked> AskedFor(const WorkRequest& request) {
+    const auto settings = request.SettingsAs<WorkWatermark>();
+    const auto* const row = std::ranges::find(kPlaces, settings.place, &PlaceRow::asked);
+    const std::size_t bytes = request.settings.size() - sizeof settings;
+    if (row == std::end(kPlaces) || settings.opacity < 1 || settings.opacity > 100 ||
+        bytes % sizeof(wchar_t) != 0) {
+        return {};
+    }
+    Asked asked{{row->place, settings.opacity}, std::wstring(bytes / sizeof(wchar_t), L'\0')};
+    std::memcpy(asked.text.data(), request.settings.data() + sizeof settings, bytes);
+    return asked;
+}
+
+std::optional<WorkEnd> OnPicture(const WorkRequest& request, const Asked& asked, FileSource& source,
+                                 PictureWatch& watch) {
+    FileTarget target(request.target.Get());
+    const TextStamp stamp(asked.text, asked.look, Letters::White);
+    PictureOutcome outcome = StampPicture(source, target, stamp, watch.Control());
+    if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
+    return EndOfPicture(outcome, target.Size());
+}
+
+std::optional<WorkEnd> OnPages(const WorkRequest& request, const Asked& asked,
+                               WorkChannel& channel) {
+    WorkFailure failure{};
+    const auto source = SourceView::Map(request.source.Get(), failure);
+    if (!source) return WorkEnd(failure);
+    if (!ReadAhead(source->Bytes(), channel)) return {};
+    const TextStamp stamp(asked.text, asked.look, Letters::Black);
+    try {
+        const StampedPdf stamped = StampPdf(source->Bytes(), stamp, PictureControl());
+        if (stamped.outcome != CleanOutcome::Cleaned) return EndOfWholeFile(stamped.outcome);
+        return WriteTarget(request.target.Get(), stamped.bytes, source->Bytes().size(), channel);
+    } catch (const PictureFailure& notDrawn) {
+        return EndOfPicture(notDrawn.outcome, 0);
+    }
+}
+
+bool IsPages(FileSource& source, bool& isRead) {
+    std::uint8_t bytes[1024];
+    std::size_t count = 0;
+    isRead = source.ReadAt(0, bytes, count);
+    return isRead && documents::IsPdf(std::as_bytes(std::span(bytes, count)));
+}
+
+} // namespace
+
+std::optional<WorkEnd> AddWatermark(const WorkRequest& request, WorkChannel& channel) {
+    const auto asked = AskedFor(request);
+    if (!asked) return {}; // not a valid record
+    FileSource source(request.source.Get());
+    bool isRead = false;
+    const bool isPages = source.IsOpen() && IsPages(source, isRead);
+    if (!isRead) return WorkEnd(WorkFailure::Unreadable);
+    if (isPages) return OnPages(request, *asked, channel);
+    PictureWatch watch(channel);
+    return OnPicture(request, *asked, source, watch);
+}
+
+} // namespace transforms

@@ -1,0 +1,28 @@
+// Work on a file that is read and written as a whole: progress in both halves, and the last reply.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "services/transforms/WorkChannel.h"
+#include "services/transforms/personal/Findings.h"
+
+namespace transforms {
+
+// Has the system read a mapped file, with a report after each block: a slow disk isn't a process
+// that hangs. False when nobody reads the reports.
+bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel) noexcept;
+
+// Writes the result, with a report after each block. `read` is how many bytes ReadAhead has read.
+// Without a target nothing is written. Nothing when nobody reads the reports.
+std::optional<WorkEnd> WriteTarget(HANDLE target, std::span<const std::byte> bytes,
+                                   std::uint64_t read, WorkChannel& channel);
+
+// The reply for a file of which there is no result.
+WorkEnd EndOfWholeFile(CleanOutcome outcome) noexcept;
+
+} // namespace transforms

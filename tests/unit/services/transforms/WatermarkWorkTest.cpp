@@ -1,0 +1,135 @@
+// The request that lays a text over a file, carried out on files: what is written and reported.
+#include "services/transforms/WatermarkWork.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "tests/support/TestFolder.h"
+#include "tests/unit/services/transforms/documents/PdfSamples.h"
+#include "tests/unit/services/transforms/pictures/TestPictures.h"
+#include "tests/unit/services/transforms/pictures/TestRasters.h"
+
+using namespace obcontract;
+using ObLib::UniqueKernelHandle;
+using obtest::PictureBytes;
+using transforms::WorkEnd;
+
+namespace {
+
+class WatermarkWork : public testing::Test {
+protected:
+    void SetUp() override {
+        UniqueKernelHandle replies;
+        ASSERT_TRUE(CreatePipe(answered_.Put(), replies.Put(), nullptr, 1 << 20));
+        channel_.emplace(UniqueKernelHandle(), std::move(replies));
+    }
+
+    UniqueKernelHandle Open(const wchar_t* name, DWORD access, DWORD how) const {
+        return UniqueKernelHandle(
+            CreateFileW((folder_ / name).c_str(), access, 0, nullptr, how, 0, nullptr));
+    }
+    static std::vector<std::byte> Settings(WorkPlace place, std::uint32_t opacity,
+                                           const std::wstring& text) {
+        const WorkWatermark record{place, opacity};
+        std::vector<std::byte> bytes(sizeof record + text.size() * sizeof(wchar_t));
+        std::memcpy(bytes.data(), &record, sizeof record);
+        std::memcpy(bytes.data() + sizeof record, text.data(), text.size() * sizeof(wchar_t));
+        return bytes;
+    }
+    std::optional<WorkEnd> Add(const std::string& file,
+                               DWORD targetAccess = GENERIC_READ | GENERIC_WRITE) {
+        EXPECT_TRUE(obtest::WriteFileContent(folder_ / L"source", file));
+        transforms::WorkRequest request;
+        request.kind = WorkKind::Watermark;
+        request.settings = settings_;
+        request.source = Open(L"source", GENERIC_READ, OPEN_EXISTING);
+        request.target = Open(L"target", targetAccess, CREATE_ALWAYS);
+        return transforms::AddWatermark(request, *channel_);
+    }
+    static std::string Text(const PictureBytes& bytes) { return {bytes.begin(), bytes.end()}; }
+    std::string Target() const { return *obtest::ReadFileContent(folder_ / L"target"); }
+    void ExpectChanged(const std::optional<WorkEnd>& end) {
+        ASSERT_TRUE(end);
+        ASSERT_FALSE(end->failure);
+        EXPECT_EQ(end->outcome, WorkOutcome::Changed);
+        EXPECT_EQ(end->size, Target().size());
+    }
+    void ExpectPassed(const std::optional<WorkEnd>& end, WorkOutcome outcome) {
+        ASSERT_TRUE(end);
+        EXPECT_FALSE(end->failure);
+        EXPECT_EQ(end->outcome, outcome);
+        EXPECT_TRUE(Target().empty());
+    }
+    static WorkFailure FailureOf(const std::optional<WorkEnd>& end) {
+        return end && end->failure ? *end->failure : WorkFailure{};
+    }
+
+    const obtest::TestFolder folder_;
+    std::vector<std::byte> settings_ = Settings(WorkPlace::BottomRight, 100, L"Ann Example");
+    UniqueKernelHandle answered_;
+    std::optional<transforms::WorkChannel> channel_;
+};
+
+TEST_F(WatermarkWork, IsWrittenOnAPictureInItsPlace) {
+    const obtest::Raster white{600, 400, 3, 8, PictureBytes(600 * 400 * 3, 255)};
+    const auto isDarkIn = [&](unsigned left, unsigned top) {
+        const std::string target = Target();
+        const auto read = obtest::ParsePng({target.begin(), target.end()});
+        for (unsigned y = top; y < top + 100; ++y)
+            for (unsigned x = left; x < left + 200; ++x)
+                if (read.At(x, y, 0) < 200) return true;
+        return false;
+    };
+    ExpectChanged(Add(Text(obtest::MakePng(white))));
+    EXPECT_TRUE(isDarkIn(400, 300)); // the dark edge of white letters
+    EXPECT_FALSE(isDarkIn(0, 0));
+    settings_ = Settings(WorkPlace::TopLeft, 100, L"Ann Example");
+    ExpectChanged(Add(Text(obtest::MakePng(white))));
+    EXPECT_TRUE(isDarkIn(0, 0));
+    EXPECT_FALSE(isDarkIn(400, 300));
+}
+
+TEST_F(WatermarkWork, IsOnThePagesOfAPdf) {
+    ExpectChanged(Add(samples::OnePage().File()));
+    EXPECT_NE(samples::Unpacked(Target()).find("/ObStamp1 Do"), std::string::npos);
+}
+
+TEST_F(WatermarkWork, PassesWhatHasNoPlaceForIt) {
+    const auto photo = obtest::Photo(60, 40, 3);
+    ExpectPassed(Add(Text(obtest::MakeWebp(photo, {.frames = 2}))), WorkOutcome::Unchanged);
+    ExpectPassed(Add(Text(obtest::MakeTiff(photo, {.pages = 2}))), WorkOutcome::Unchanged);
+    ExpectPassed(Add("a text"), WorkOutcome::NotSupported);
+    ExpectPassed(Add(""), WorkOutcome::NotSupported);
+}
+
+TEST_F(WatermarkWork, ReportsWhyItCannotBeWritten) {
+    std::string picture = Text(obtest::MakeJpeg(obtest::Photo(400, 300, 3)));
+    EXPECT_EQ(FailureOf(Add(picture, GENERIC_READ)), WorkFailure::Unwritable); // as a full disk
+    EXPECT_EQ(FailureOf(Add(samples::OnePage().File(), GENERIC_READ)), WorkFailure::Unwritable);
+    picture.resize(picture.size() / 2);
+    EXPECT_EQ(FailureOf(Add(picture)), WorkFailure::Damaged);
+    EXPECT_EQ(FailureOf(Add("%PDF-1.7")), WorkFailure::Damaged);
+    samples::PdfBuilder pdf = samples::OnePage("", "/Perms <</DocMDP 5 0 R>>");
+    pdf.Add("<</Type /Sig /ByteRange [0 1 2 3] /Contents <00>>>");
+    EXPECT_EQ(FailureOf(Add(pdf.File())), WorkFailure::Signed);
+}
+
+TEST_F(WatermarkWork, TakesNoValueThatTheContractLacks) {
+    const std::string picture = Text(obtest::MakePng(obtest::Photo(60, 40, 3)));
+    for (const auto& settings :
+         {Settings(WorkPlace{0}, 50, L"a"), Settings(WorkPlace{6}, 50, L"a"),
+          Settings(WorkPlace::Centre, 0, L"a"), Settings(WorkPlace::Centre, 101, L"a")}) {
+        settings_ = settings;
+        EXPECT_FALSE(Add(picture));
+    }
+    settings_ = Settings(WorkPlace::Centre, 50, L"ab");
+    settings_.pop_back(); // half a unit
+    EXPECT_FALSE(Add(picture));
+}
+
+} // namespace
