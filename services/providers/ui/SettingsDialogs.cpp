@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "services/providers/ui/PersonalDataDialog.h"
+#include "services/providers/ui/PhotoDialog.h"
 #include "services/providers/ui/ResizeDialog.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
@@ -24,6 +25,7 @@ bool Change(const TransformSettings& stored, HWND owner) {
 }
 
 constexpr SettingsRow kRows[] = {
+    {TransformId::ConvertPhotos, &PhotoSettings::AreStored, &Change<PhotoSettings>},
     {TransformId::ResizeImages, &ResizeSettings::AreStored, &Change<ResizeSettings>},
     {TransformId::Watermark, &WatermarkSettings::AreStored, &Change<WatermarkSettings>},
     {TransformId::RemoveInfo, &PersonalDataSettings::AreStored, &Change<PersonalDataSettings>},

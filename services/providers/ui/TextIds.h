@@ -43,6 +43,12 @@
 // Pictures that are made smaller.
 #define OB_TEXT_RESIZE_NUMBER 600
 
+// Photos that are converted.
+#define OB_TEXT_PHOTO_DAMAGED 620
+#define OB_TEXT_PHOTO_TOO_LARGE 621
+#define OB_TEXT_PHOTO_FAILED 622
+#define OB_TEXT_PHOTO_NO_DECODER 623
+
 // Watermarks.
 #define OB_TEXT_WATERMARK_EMPTY 640
 #define OB_TEXT_PLACE_TOP_LEFT 641

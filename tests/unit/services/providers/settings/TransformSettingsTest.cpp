@@ -5,11 +5,14 @@
 #include <string>
 
 #include "services/providers/settings/PersonalDataSettings.h"
+#include "services/providers/settings/PhotoSettings.h"
 #include "services/providers/settings/ResizeSettings.h"
 #include "services/providers/settings/WatermarkSettings.h"
 #include "tests/support/ProductRegistry.h"
 
 using providers::PersonalDataSettings;
+using providers::PhotoQuality;
+using providers::PhotoSettings;
 using providers::ResizeAim;
 using providers::ResizeSettings;
 using providers::TransformSettings;
@@ -68,6 +71,46 @@ TEST_F(TransformSettingsTest, ReportThatTheyCantBeStored) {
     const TransformSettings nowhere(HKEY_CURRENT_USER, std::wstring(300, L'k'));
     EXPECT_FALSE(PersonalDataSettings().Save(nowhere));
     EXPECT_FALSE(ResizeSettings().Save(nowhere));
+}
+
+const std::wstring kPhotoKey = kKey + L"\\Transforms\\50";
+
+class PhotoSettingsTest : public TransformSettingsTest {
+protected:
+    static void Store(const wchar_t* name, const wchar_t* text) {
+        obtest::SetValue(HKEY_CURRENT_USER, kPhotoKey, name, text);
+    }
+};
+
+TEST_F(PhotoSettingsTest, AreTheDefaultsUntilTheyAreStored) {
+    EXPECT_FALSE(PhotoSettings::AreStored(settings_));
+    EXPECT_EQ(PhotoSettings::Load(settings_), PhotoSettings());
+}
+
+TEST_F(PhotoSettingsTest, AreReadBackAsStored) {
+    for (const auto quality : {PhotoQuality::Low, PhotoQuality::High, PhotoQuality::Medium}) {
+        const PhotoSettings stored{quality, false, true, false};
+        ASSERT_TRUE(stored.Save(settings_));
+        EXPECT_TRUE(PhotoSettings::AreStored(settings_));
+        EXPECT_EQ(PhotoSettings::Load(settings_), stored);
+    }
+}
+
+TEST_F(PhotoSettingsTest, AreTheDefaultsWhereAnotherTextIsStored) {
+    Store(L"Quality", L"Excellent");
+    Store(L"Tiff", L"no");
+    Store(L"Bmp", L"0");
+    EXPECT_FALSE(PhotoSettings::AreStored(settings_));
+    EXPECT_EQ(PhotoSettings::Load(settings_),
+              (PhotoSettings{PhotoQuality::High, true, true, false}));
+}
+
+TEST_F(PhotoSettingsTest, AskForTheKindsThatAreWanted) {
+    EXPECT_EQ(PhotoSettings().Order().kinds, obcontract::WorkPhotoKinds::All);
+    EXPECT_EQ(PhotoSettings().Order().quality, 92u);
+    const auto order = PhotoSettings{PhotoQuality::Low, false, false, false}.Order();
+    EXPECT_EQ(static_cast<unsigned>(order.kinds), 1u + 2 + 32 + 64);
+    EXPECT_EQ(order.quality, 70u);
 }
 
 const std::wstring kResizeKey = kKey + L"\\Transforms\\2";

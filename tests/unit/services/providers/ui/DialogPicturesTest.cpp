@@ -9,6 +9,8 @@
 
 #include "services/providers/ui/PersonalDataDialog.h"
 #include "services/providers/ui/PersonalDataDialogIds.h"
+#include "services/providers/ui/PhotoDialog.h"
+#include "services/providers/ui/PhotoDialogIds.h"
 #include "services/providers/ui/ReceiptDialog.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "services/providers/ui/ResizeDialog.h"
@@ -70,6 +72,17 @@ TEST_F(ProviderDialogPictures, OfTheSettings) {
         DialogUiDriver::Press(dialog, IDCANCEL);
     });
     PersonalDataSettings settings;
+    EXPECT_FALSE(AskForSettings(nullptr, settings));
+}
+
+TEST_F(ProviderDialogPictures, OfTheSettingsOfPhotos) {
+    DialogUiDriver user(OB_PHOTO_WEBP, [](HWND dialog) {
+        Look(dialog, L"settings-photos",
+             {OB_PHOTO_INTRO, OB_PHOTO_WEBP, OB_PHOTO_TIFF, OB_PHOTO_BMP, OB_PHOTO_HIGH,
+              OB_PHOTO_MEDIUM, OB_PHOTO_LOW, OB_PHOTO_NOTE, IDOK, IDCANCEL});
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    PhotoSettings settings;
     EXPECT_FALSE(AskForSettings(nullptr, settings));
 }
 

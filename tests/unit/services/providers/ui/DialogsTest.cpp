@@ -7,6 +7,8 @@
 
 #include "services/providers/ui/PersonalDataDialog.h"
 #include "services/providers/ui/PersonalDataDialogIds.h"
+#include "services/providers/ui/PhotoDialog.h"
+#include "services/providers/ui/PhotoDialogIds.h"
 #include "services/providers/ui/ReceiptDialog.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "services/providers/ui/ResizeDialog.h"
@@ -55,6 +57,41 @@ TEST_F(PersonalDataDialog, TakesWhatTheUserChose) {
 TEST_F(PersonalDataDialog, ChangesNothingWhenItIsCancelled) {
     EXPECT_FALSE(Ask({OB_PERSONAL_DATA_RECEIPT, OB_PERSONAL_DATA_STOP, IDCANCEL}));
     EXPECT_EQ(settings_, PersonalDataSettings());
+}
+
+class PhotoDialog : public testing::Test {
+protected:
+    // Shows the settings, presses these buttons, and gives what the dialog answered.
+    bool Ask(std::initializer_list<int> buttons) {
+        DialogUiDriver user(OB_PHOTO_WEBP, [&](HWND dialog) {
+            for (const int button : buttons) DialogUiDriver::Press(dialog, button);
+        });
+        return AskForSettings(nullptr, settings_);
+    }
+
+    PhotoSettings settings_;
+};
+
+TEST_F(PhotoDialog, KeepsWhatItShowsAfterOk) {
+    for (const PhotoSettings stored :
+         {PhotoSettings{PhotoQuality::Low, true, false, true},
+          PhotoSettings{PhotoQuality::Medium, false, true, false}, PhotoSettings()}) {
+        settings_ = stored;
+        EXPECT_TRUE(Ask({IDOK}));
+        EXPECT_EQ(settings_, stored);
+    }
+}
+
+TEST_F(PhotoDialog, TakesWhatTheUserChose) {
+    EXPECT_TRUE(Ask({OB_PHOTO_TIFF, OB_PHOTO_MEDIUM, IDOK}));
+    EXPECT_EQ(settings_, (PhotoSettings{PhotoQuality::Medium, true, false, true}));
+    EXPECT_TRUE(Ask({OB_PHOTO_WEBP, OB_PHOTO_BMP, OB_PHOTO_LOW, IDOK}));
+    EXPECT_EQ(settings_, (PhotoSettings{PhotoQuality::Low, false, false, false}));
+}
+
+TEST_F(PhotoDialog, ChangesNothingWhenItIsCancelled) {
+    EXPECT_FALSE(Ask({OB_PHOTO_TIFF, OB_PHOTO_LOW, IDCANCEL}));
+    EXPECT_EQ(settings_, PhotoSettings());
 }
 
 class ResizeDialog : public testing::Test {
