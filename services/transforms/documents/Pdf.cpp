@@ -1,16 +1,13 @@
 #include "services/transforms/documents/Pdf.h"
 
-#include <new>
+#include <exception>
 #include <set>
-#include <stdexcept>
 #include <utility>
 
-#include <qpdf/Pipeline.hh>
 #include <qpdf/QPDF.hh>
-#include <qpdf/QPDFExc.hh>
-#include <qpdf/QPDFWriter.hh>
 
 #include "services/transforms/documents/PdfDictionaries.h"
+#include "services/transforms/documents/PdfFile.h"
 #include "services/transforms/documents/PdfPictures.h"
 
 namespace transforms::documents {
@@ -20,20 +17,6 @@ using namespace personal;
 
 // Where readers look for the header; space before it goes.
 constexpr std::size_t kHeaderWithin = 1024;
-
-// Takes what the library writes.
-class MemoryPipeline : public Pipeline {
-public:
-    MemoryPipeline() : Pipeline("memory", nullptr) {}
-    void write(const unsigned char* bytes, std::size_t size) override {
-        Append(written_, std::as_bytes(std::span(bytes, size)));
-    }
-    void finish() override {}
-    OwnedBytes Take() { return std::move(written_); }
-
-private:
-    OwnedBytes written_;
-};
 
 std::size_t CountOf(std::string_view text, std::string_view part) {
     std::size_t count = 0;
@@ -56,15 +39,14 @@ public:
     explicit PdfAnalyzer(Bytes file) : file_(file) {}
 
     Analysis Run() {
-        pdf_.setSuppressWarnings(true);
-        pdf_.setAttemptRecovery(false);
-        pdf_.processMemoryFile("pdf", TextOf(file_).data(), file_.size());
+        OpenPdf(pdf_, file_);
         if (pdf_.isEncrypted()) return Failed(CleanOutcome::Encrypted);
         if (pdf_.getAllPages().empty()) return Failed(CleanOutcome::Damaged);
         CleanTrailer();
         Walk(pdf_.getRoot());
         if (isSigned_) return Failed(CleanOutcome::Signed);
-        OwnedBytes written = Write();
+        // Streams are copied as they are coded, so that no page changes.
+        OwnedBytes written = WritePdf(pdf_, PdfStreams::AsTheyAre);
         if (pdf_.anyWarnings()) return Failed(CleanOutcome::Damaged);
         return Conclude(std::move(written));
     }
@@ -117,18 +99,6 @@ private:
         if (isContainer) open.push_back(object);
     }
 
-    // Streams are copied as they are coded, so that no page changes.
-    OwnedBytes Write() {
-        MemoryPipeline memory;
-        QPDFWriter writer(pdf_);
-        writer.setOutputPipeline(&memory);
-        writer.setStreamDataMode(qpdf_s_preserve);
-        writer.setObjectStreamMode(qpdf_o_preserve);
-        writer.setDeterministicID(true);
-        writer.write();
-        return memory.Take();
-    }
-
     // A file that was written like this before is the same again. Otherwise something went, if only
     // the order and spacing of its parts.
     Analysis Conclude(OwnedBytes written) {
@@ -147,12 +117,6 @@ private:
     bool isSigned_ = false;
 };
 
-CleanOutcome OutcomeOf(const QPDFExc& error) {
-    const auto code = error.getErrorCode();
-    const bool isAboutCiphers = code == qpdf_e_password || code == qpdf_e_unsupported;
-    return isAboutCiphers ? CleanOutcome::Encrypted : CleanOutcome::Damaged;
-}
-
 } // namespace
 
 bool IsPdf(Bytes file) {
@@ -165,12 +129,8 @@ bool IsPdf(Bytes file) {
 Analysis AnalyzePdf(Bytes file) {
     try {
         return PdfAnalyzer(file).Run();
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const QPDFExc& error) {
-        return Failed(OutcomeOf(error));
     } catch (const std::exception&) {
-        return Failed(CleanOutcome::Damaged);
+        return Failed(OutcomeOfPdfError());
     }
 }
 
