@@ -128,8 +128,8 @@ public:
 
 private:
     static constexpr int kAll = 1000;
-    static constexpr int kLeast = 100;
-    static constexpr ULONGLONG kLimit = 30000; // milliseconds
+    static constexpr int kLeast = 50;
+    static constexpr ULONGLONG kLimit = 10000; // milliseconds
 
     ULONGLONG Elapsed() const { return GetTickCount64() - begin_; }
 

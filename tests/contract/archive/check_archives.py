@@ -76,7 +76,7 @@ def make_sources(folder):
 
     add("a/text.txt", b"The quick brown fox. " * 20000)
     add("a/empty.bin", b"")
-    block = 2 * 1024 * 1024  # what the service cuts large files into
+    block = 1024 * 1024  # what the service cuts large files into
     for size in (1, 15, 16, 17, 18, 19, 20, 8191, 8192, 8193, 65535, 65536, 65537, 300000, block - 1, block, block + 1):
         add(f"a/noise{size}.bin", noise.randbytes(size))
         add(f"a/prose{size}.txt", prose(noise, size))
