@@ -79,6 +79,15 @@ protected:
         return result;
     }
 
+    // Runs until the driver has cancelled; only then the held call goes on, and the worker ends.
+    void RunUntilCancelledBy(TransformUiDriver& driver) {
+        EXPECT_FALSE(Run());
+        EXPECT_TRUE(driver.SawDialog());
+        Answer(L"Hold", L"nothing");
+        HeldCall::Release();
+        EXPECT_TRUE(JoinWorkers());
+    }
+
     // The user cancels by `cancel` while the worker is inside `call`; the call goes on only after
     // the run has returned. The calls from there on.
     Lines WrittenAfterCancelIn(const wchar_t* call, const std::function<void(HWND)>& cancel) {
@@ -88,11 +97,7 @@ protected:
             cancel(dialog);
             EXPECT_TRUE(WaitUntilClosed(dialog));
         });
-        EXPECT_FALSE(Run());
-        EXPECT_TRUE(driver.SawDialog());
-        Answer(L"Hold", L"nothing");
-        HeldCall::Release();
-        EXPECT_TRUE(JoinWorkers());
+        RunUntilCancelledBy(driver);
         Lines lines = Written();
         const auto held = std::ranges::find_if(
             lines, [call](const std::wstring& line) { return line.starts_with(call); });
@@ -145,11 +150,7 @@ TEST_F(TransformProgressDialog,
         PressCancel(dialog);
         EXPECT_TRUE(WaitUntilClosed(dialog));
     });
-    EXPECT_FALSE(Run());
-    EXPECT_TRUE(driver.SawDialog());
-    Answer(L"Hold", L"nothing");
-    HeldCall::Release();
-    EXPECT_TRUE(JoinWorkers());
+    RunUntilCancelledBy(driver);
     const Lines lines = Written({L"Execute", L"SetProviderTarget", L"LogApplet", L"EndDialog"});
     ASSERT_EQ(lines.size(), 3u) << testing::PrintToString(lines);
     EXPECT_TRUE(lines[0].starts_with(L"ExecutePostTransforms"));

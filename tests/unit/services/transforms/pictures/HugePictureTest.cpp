@@ -4,9 +4,7 @@
 
 #include <psapi.h>
 
-#include <cstdlib>
-
-#include <jpeglib.h>
+#include <algorithm>
 
 #include "services/transforms/pictures/Resize.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
@@ -22,32 +20,14 @@ std::size_t MostMemory() {
     return memory.PeakWorkingSetSize;
 }
 
-// Baseline, in colour, written row by row.
+// Baseline, in colour; each row has one shade.
 PictureBytes HugeJpeg(unsigned width, unsigned height) {
-    jpeg_error_mgr errors{};
-    jpeg_compress_struct jpeg{};
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* memory = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &memory, &size);
-    jpeg.image_width = width;
-    jpeg.image_height = height;
-    jpeg.input_components = 3;
-    jpeg.in_color_space = JCS_RGB;
-    jpeg_set_defaults(&jpeg);
-    jpeg_start_compress(&jpeg, TRUE);
     PictureBytes row(3 * width);
-    for (unsigned y = 0; y < height; ++y) {
+    const auto make = [&](unsigned y) {
         std::fill(row.begin(), row.end(), static_cast<std::uint8_t>(y * 255ull / height));
-        JSAMPROW rows = row.data();
-        jpeg_write_scanlines(&jpeg, &rows, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    PictureBytes file(memory, memory + size);
-    free(memory);
-    return file;
+        return row.data();
+    };
+    return MakeJpeg({width, height, 3}, make, {.quality = 75});
 }
 
 TEST(HugePictureTest, NeedsLittleMemoryWhenItIsABaselineJpeg) {

@@ -106,6 +106,15 @@ double Difference(const Raster& one, const Raster& other) {
 }
 
 PictureBytes MakeJpeg(const Raster& raster, const JpegMaking& making) {
+    const std::size_t stride = std::size_t{raster.width} * raster.channels;
+    return MakeJpeg(
+        {raster.width, raster.height, raster.channels},
+        [&](unsigned y) { return raster.bytes.data() + y * stride; }, making);
+}
+
+PictureBytes MakeJpeg(const PictureShape& shape,
+                      const std::function<const std::uint8_t*(unsigned y)>& row,
+                      const JpegMaking& making) {
     Errors errors;
     jpeg_compress_struct jpeg{};
     jpeg.err = &errors;
@@ -113,24 +122,23 @@ PictureBytes MakeJpeg(const Raster& raster, const JpegMaking& making) {
     unsigned char* memory = nullptr;
     unsigned long size = 0;
     jpeg_mem_dest(&jpeg, &memory, &size);
-    jpeg.image_width = raster.width;
-    jpeg.image_height = raster.height;
-    jpeg.input_components = static_cast<int>(raster.channels);
-    jpeg.in_color_space = SpaceOf(raster.channels);
+    jpeg.image_width = shape.width;
+    jpeg.image_height = shape.height;
+    jpeg.input_components = static_cast<int>(shape.channels);
+    jpeg.in_color_space = SpaceOf(shape.channels);
     jpeg_set_defaults(&jpeg);
-    if (making.adobe) jpeg_set_colorspace(&jpeg, raster.channels == 3 ? JCS_RGB : JCS_YCCK);
+    if (making.adobe) jpeg_set_colorspace(&jpeg, shape.channels == 3 ? JCS_RGB : JCS_YCCK);
     jpeg_set_quality(&jpeg, making.quality, TRUE);
     if (making.progressive) jpeg_simple_progression(&jpeg);
-    jpeg.comp_info[0].h_samp_factor = raster.channels == 1 ? 1 : making.across;
-    jpeg.comp_info[0].v_samp_factor = raster.channels == 1 ? 1 : making.down;
+    jpeg.comp_info[0].h_samp_factor = shape.channels == 1 ? 1 : making.across;
+    jpeg.comp_info[0].v_samp_factor = shape.channels == 1 ? 1 : making.down;
     jpeg_start_compress(&jpeg, TRUE);
     for (const auto& [code, text] : making.markers)
         jpeg_write_marker(&jpeg, code, reinterpret_cast<const JOCTET*>(text.data()),
                           static_cast<unsigned>(text.size()));
     while (jpeg.next_scanline < jpeg.image_height) {
-        auto row = const_cast<JSAMPROW>(&raster.bytes[static_cast<std::size_t>(jpeg.next_scanline) *
-                                                      raster.width * raster.channels]);
-        jpeg_write_scanlines(&jpeg, &row, 1);
+        auto samples = const_cast<JSAMPROW>(row(jpeg.next_scanline));
+        jpeg_write_scanlines(&jpeg, &samples, 1);
     }
     jpeg_finish_compress(&jpeg);
     jpeg_destroy_compress(&jpeg);

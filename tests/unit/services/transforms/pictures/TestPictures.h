@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,15 @@ struct JpegMaking {
     std::vector<std::pair<int, std::string>> markers; // code and contents
 };
 PictureBytes MakeJpeg(const Raster& raster, const JpegMaking& making = {});
+
+// The same for a picture too large to be in memory. `row` returns the samples of row `y`, which are
+// valid until its next call.
+struct PictureShape {
+    unsigned width = 0, height = 0, channels = 0;
+};
+PictureBytes MakeJpeg(const PictureShape& shape,
+                      const std::function<const std::uint8_t*(unsigned y)>& row,
+                      const JpegMaking& making = {});
 
 struct ReadJpeg {
     Raster raster; // grey, RGB, or CMYK as it is stored
