@@ -90,14 +90,14 @@ private:
     }
 
     void CleanPart(std::size_t part, std::string_view path, std::string_view type) {
-        if (path.ends_with('/')) return;
-        if (IsMacro(path)) return NoteMacros();
-        if (type == "text/xml" || path.ends_with(".xml")) return CleanXmlPart(part);
-        const bool isFont = type.find("font") != type.npos;
-        // The program's own menus and pictures of objects, which it draws again.
+        // The program's own menus, of which some are empty files, and pictures of objects, which it
+        // draws again.
         const bool isView =
             path.starts_with("Configurations2/") || path.starts_with("ObjectReplacements/");
-        if (!isFont && !isView) package_.CleanPicturePart(part);
+        if (path.ends_with('/') || isView) return;
+        if (IsMacro(path)) return NoteMacros();
+        if (type == "text/xml" || path.ends_with(".xml")) return CleanXmlPart(part);
+        if (type.find("font") == type.npos) package_.CleanPicturePart(part);
     }
 
     void NoteMacros() {

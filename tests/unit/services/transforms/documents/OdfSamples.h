@@ -41,7 +41,8 @@ inline std::string ManifestXml(const std::string& kind, const std::string& rows)
            ManifestRow("manifest.rdf", "application/rdf+xml") +
            ManifestRow("Thumbnails/thumbnail.png", "image/png") +
            ManifestRow("Pictures/photo.jpg", "image/jpeg") +
-           ManifestRow("Configurations2/", "application/vnd.sun.xml.ui.configuration") + rows +
+           ManifestRow("Configurations2/", "application/vnd.sun.xml.ui.configuration") +
+           ManifestRow("Configurations2/accelerator/current.xml", "") + rows +
            "</manifest:manifest>";
 }
 
@@ -67,6 +68,7 @@ inline ZipBuilder Odf(const std::string& kind, const std::string& content,
     zip.Add("manifest.rdf", "<rdf>CANARY</rdf>");
     zip.Add("Pictures/photo.jpg", Photo(), true);
     zip.Add("Configurations2/", "", true);
+    zip.Add("Configurations2/accelerator/current.xml", "", true); // as programs write it
     zip.Add("old-content.xml", "<a>CANARY</a>");
     zip.Add("META-INF/manifest.xml", ManifestXml(kind, rows));
     return zip;

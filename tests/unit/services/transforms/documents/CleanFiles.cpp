@@ -1,7 +1,7 @@
-// Cleans the pictures that check_pictures.py made, for other tools to look at: each file of the
-// folder "in" into the folder "out" under its own name, unless it is refused. Writes one line a
-// file to "out\report.txt": the name, the outcome, and what was removed, parted by tabs. Ends with
-// 0 when every file was read and written.
+// Cleans the files that check_pictures.py or check_documents.py made, for other tools to look at:
+// each file of the folder "in" into the folder "out" under its own name, unless it is refused.
+// Writes one line a file to "out\report.txt": the name, the outcome, and what was removed, parted
+// by tabs. Ends with 0 when every file was read and written.
 #include <windows.h>
 
 #include <cstdio>
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/transforms/personal/PersonalData.h"
+#include "services/transforms/documents/AnyFile.h"
 
 namespace {
 
@@ -20,7 +20,8 @@ struct CloseFile {
 };
 using UniqueFile = std::unique_ptr<std::FILE, CloseFile>;
 
-constexpr const char* kOutcomes[] = {"cleaned", "nothing found", "not supported", "damaged"};
+constexpr const char* kOutcomes[] = {"cleaned",   "nothing found", "not supported", "damaged",
+                                     "too large", "encrypted",     "signed"};
 
 bool Read(const std::string& path, std::vector<std::byte>& bytes) {
     const UniqueFile file(std::fopen(path.c_str(), "rb"));
@@ -40,11 +41,13 @@ bool Write(const std::string& path, std::span<const std::byte> bytes) {
 bool Clean(const std::string& name, std::FILE* report) {
     std::vector<std::byte> bytes;
     if (!Read("in\\" + name, bytes)) return false;
-    const transforms::CleanedFile cleaned = transforms::RemovePersonalData(bytes);
+    const transforms::CleanedFile cleaned = transforms::CleanFile(bytes);
     std::fprintf(report, "%s\t%s", name.c_str(), kOutcomes[static_cast<int>(cleaned.outcome)]);
-    for (const transforms::Finding& finding : cleaned.removed) {
-        std::fprintf(report, "\t%s=%u", transforms::FindingName(finding.kind).data(),
-                     finding.count);
+    for (const auto* findings : {&cleaned.removed, &cleaned.stays}) {
+        for (const transforms::Finding& finding : *findings) {
+            std::fprintf(report, "\t%s=%u", transforms::FindingName(finding.kind).data(),
+                         finding.count);
+        }
     }
     std::fprintf(report, "\n");
     return cleaned.bytes.empty() || Write("out\\" + name, cleaned.bytes);

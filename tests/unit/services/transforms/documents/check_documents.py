@@ -1,0 +1,253 @@
+#!/usr/bin/env python3
+"""Has other tools judge documents before and after the personal data remover.
+
+Makes PDFs (rsvg-convert, with properties by exiftool, variants by qpdf) and office documents (as zips) with a
+canary in their properties, comments and pictures, and cleans them under Wine. Then
+  - no part of a cleaned file has the canary, every stream and entry unpacked;
+  - exiftool and mat2 find canaries before, and afterwards no property;
+  - qpdf finds no error in a cleaned PDF, and pdftotext reads the same text;
+  - Python's own readers open every package and every part of XML.
+"""
+import argparse
+import io
+import json
+import os
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree as ElementTree
+import zipfile
+
+CANARY = "CanaryOfAPerson"
+ENV = dict(os.environ, LC_ALL="C.UTF-8")
+OFFICE = "http://schemas.openxmlformats.org/officeDocument/2006"
+PACKAGE = "http://schemas.openxmlformats.org/package/2006"
+ODF = "urn:oasis:names:tc:opendocument:xmlns:"
+# What exiftool may find in a cleaned file, by group.
+ALLOWED = {"ExifTool", "System", "File", "ZIP"}
+ALLOWED_OF_PDF = {"PDFVersion", "Linearized", "PageCount", "HasXFA", "PageMode"}
+# Its embedded file stays as it is, and is named.
+WITH_FILE = "with a file.pdf"
+# What mat2 prints of any file: headings, a PDF's form and missing times, and packages that name another system
+# than its own.
+OF_MAT2 = ["Metadata for ", "No metadata found", "format: PDF-", "-date: -1", "create_system: Weird"]
+
+failures = []
+
+
+def check(condition, text):
+    if not condition:
+        failures.append(text)
+    print(f"{'ok' if condition else 'FAILED'}: {text}", flush=True)
+
+
+def run(*command, accepted=(0,)):
+    done = subprocess.run(command, env=ENV, stdin=subprocess.DEVNULL, capture_output=True, check=False)
+    if done.returncode not in accepted:
+        raise SystemExit(f"{' '.join(command[:8])} ended with {done.returncode}: {done.stderr.decode()[:600]}")
+    return done.stdout
+
+
+class Samples:
+    def __init__(self, folder, work):
+        self.folder, self.work, self.names = folder, work, []
+        picture = os.path.join(work, "photo.ppm")
+        with open(picture, "wb") as file:
+            file.write(b"P6\n16 16\n255\n" + bytes(range(256)) * 3)
+        self.photo = os.path.join(work, "photo.jpg")
+        run("cjpeg", "-outfile", self.photo, picture)
+        run("exiftool", "-q", "-overwrite_original", f"-Artist={CANARY}", f"-XMP:Creator={CANARY}", self.photo)
+
+    def path(self, name):
+        self.names.append(name)
+        return os.path.join(self.folder, name)
+
+    def pdfs(self):
+        drawing = os.path.join(self.work, "drawing.svg")
+        with open(drawing, "w", encoding="utf-8") as file:
+            file.write('<svg xmlns="http://www.w3.org/2000/svg" width="200" height="100">'
+                       '<text x="9" y="40">What is read stays</text></svg>')
+        base = os.path.join(self.work, "base.pdf")
+        run("rsvg-convert", "-f", "pdf", "-o", base, drawing)
+        # Written as a version after the first one.
+        run("exiftool", "-q", "-overwrite_original", f"-Author={CANARY}", f"-Title={CANARY}",
+            f"-XMP:Creator={CANARY}", base)
+        with open(base, "rb") as source, open(self.path("two versions.pdf"), "wb") as file:
+            file.write(source.read())
+        run("qpdf", "--object-streams=generate", base, self.path("object streams.pdf"))
+        run("qpdf", "--linearize", base, self.path("for the web.pdf"))
+        run("qpdf", "--qdf", base, self.path("for people.pdf"))
+        run("qpdf", base, "--add-attachment", self.photo, "--filename=photo.jpg",
+            "--creationdate=D:20260102030405Z", "--", self.path(WITH_FILE))
+        run("qpdf", "--encrypt", "secret", "owner", "256", "--", base, os.path.join(self.folder, "locked.pdf"))
+
+    def package(self, name, parts):
+        with zipfile.ZipFile(self.path(name), "w", zipfile.ZIP_DEFLATED) as file:
+            for part, content in parts.items():
+                kind = zipfile.ZIP_STORED if part == "mimetype" else zipfile.ZIP_DEFLATED
+                file.writestr(zipfile.ZipInfo(part, (2026, 1, 2, 3, 4, 5)), content, kind)
+
+    def ooxml(self, name, main, kind, content):
+        folder = main.rpartition("/")[0]
+        with open(self.photo, "rb") as file:
+            photo = file.read()
+        self.package(name, {
+            "[Content_Types].xml": f'<Types xmlns="{PACKAGE}/content-types"><Default Extension="rels" ContentType='
+            '"application/vnd.openxmlformats-package.relationships+xml"/><Default Extension="jpeg" ContentType='
+            f'"image/jpeg"/><Override PartName="/{main}" ContentType="application/vnd.openxmlformats-officedocument.'
+            f'{kind}.main+xml"/><Override PartName="/docProps/core.xml" ContentType='
+            '"application/vnd.openxmlformats-package.core-properties+xml"/></Types>',
+            "_rels/.rels": f'<Relationships xmlns="{PACKAGE}/relationships"><Relationship Id="rId1" Type="{OFFICE}/'
+            f'relationships/officeDocument" Target="{main}"/><Relationship Id="rId2" Type="{PACKAGE}/relationships/'
+            'metadata/core-properties" Target="docProps/core.xml"/></Relationships>',
+            "docProps/core.xml": f'<cp:coreProperties xmlns:cp="{PACKAGE}/metadata/core-properties" '
+            f'xmlns:dc="http://purl.org/dc/elements/1.1/"><dc:creator>{CANARY}</dc:creator></cp:coreProperties>',
+            main: content,
+            f"{folder}/_rels/{main.rpartition('/')[2]}.rels": f'<Relationships xmlns="{PACKAGE}/relationships">'
+            f'<Relationship Id="rId1" Type="{OFFICE}/relationships/image" Target="media/image1.jpeg"/></Relationships>',
+            f"{folder}/media/image1.jpeg": photo,
+        })
+
+    def ooxmls(self):
+        word = "http://schemas.openxmlformats.org/wordprocessingml/2006/main"
+        self.ooxml("text.docx", "word/document.xml", "wordprocessingml.document",
+                   f'<w:document xmlns:w="{word}"><w:body><w:p w:rsidR="{CANARY}"><w:ins w:author="{CANARY}" '
+                   f'w:date="{CANARY}"><w:r><w:t>What is read stays</w:t></w:r></w:ins></w:p></w:body></w:document>')
+        self.ooxml("workbook.xlsx", "xl/workbook.xml", "spreadsheetml.sheet",
+                   '<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">'
+                   f'<fileSharing userName="{CANARY}"/><sheets/></workbook>')
+        self.ooxml("slides.pptx", "ppt/presentation.xml", "presentationml.presentation",
+                   '<p:presentation xmlns:p="http://schemas.openxmlformats.org/presentationml/2006/main"/>')
+
+    def odfs(self):
+        with open(self.photo, "rb") as file:
+            photo = file.read()
+        names = "".join(f' xmlns:{name}="{ODF}{name}:1.0"' for name in ("office", "text", "meta"))
+        names += ' xmlns:dc="http://purl.org/dc/elements/1.1/"'
+        for name, kind in {"text.odt": "text", "workbook.ods": "spreadsheet", "slides.odp": "presentation"}.items():
+            listed = {"content.xml": "text/xml", "meta.xml": "text/xml", "Pictures/photo.jpg": "image/jpeg"}
+            rows = "".join(f'<manifest:file-entry manifest:full-path="{path}" manifest:media-type="{of}"/>'
+                           for path, of in {"/": f"application/vnd.oasis.opendocument.{kind}", **listed}.items())
+            self.package(name, {
+                "mimetype": f"application/vnd.oasis.opendocument.{kind}",
+                "content.xml": f"<office:document-content{names}><office:body><office:annotation><dc:creator>{CANARY}"
+                               f"</dc:creator><dc:date>{CANARY}</dc:date><text:p>What is read stays</text:p>"
+                               "</office:annotation></office:body></office:document-content>",
+                "meta.xml": f"<office:document-meta{names}><office:meta><dc:creator>{CANARY}</dc:creator>"
+                            f"<meta:generator>{CANARY}</meta:generator></office:meta></office:document-meta>",
+                "Pictures/photo.jpg": photo,
+                "META-INF/manifest.xml": f'<manifest:manifest xmlns:manifest="{ODF}manifest:1.0">{rows}'
+                                         "</manifest:manifest>",
+            })
+
+
+def unpacked(path):
+    """Everything in the file, streams and entries unpacked."""
+    with open(path, "rb") as file:
+        content = file.read()
+    if path.endswith(".pdf"):
+        return content + run("qpdf", "--qdf", "--no-original-object-ids", path, "-", accepted=(0, 3))
+    with zipfile.ZipFile(io.BytesIO(content)) as package:
+        return content + b"".join(name.encode() + package.read(name) for name in package.namelist())
+
+
+def properties(folder):
+    """For each file what exiftool lists, without what it reports of the file on the disk and of the format."""
+    listed = json.loads(run("exiftool", "-a", "-G1", "-s", "-j", folder, accepted=(0, 1)))
+    return {os.path.basename(tags["SourceFile"]): {
+        tag: value for tag, value in tags.items() if ":" in tag and tag.split(":")[0] not in ALLOWED
+        and not (tag.startswith("PDF:") and tag[4:] in ALLOWED_OF_PDF)} for tags in listed}
+
+
+def found_by_mat2(paths):
+    """What mat2 finds in all of the files."""
+    lines = run("mat2", "--show", *paths, accepted=(0, 1)).decode().splitlines()
+    return [line for line in lines if line.strip() and not any(part in line for part in OF_MAT2)]
+
+
+def judge_package(path, name):
+    with zipfile.ZipFile(path) as package:
+        check(package.testzip() is None, f"{name}: every entry is whole")
+        for part in package.namelist():
+            if part.endswith((".xml", ".rels")):
+                ElementTree.fromstring(package.read(part))
+        first = package.infolist()[0]
+        is_odf = name.endswith((".odt", ".ods", ".odp"))
+        check(not is_odf or (first.filename, first.compress_type) == ("mimetype", zipfile.ZIP_STORED),
+              f"{name}: the kind comes first, if it is for it")
+        check(all(entry.date_time == (1980, 1, 1, 0, 0, 0) for entry in package.infolist()), f"{name}: no times")
+
+
+def judge_pdf(before, path, name):
+    done = subprocess.run(["qpdf", "--check", path], env=ENV, capture_output=True, check=False)
+    complaint = done.stderr.decode()[-200:]
+    check(done.returncode == 0, f"{name}: qpdf finds no error {complaint}")
+    texts = [run("pdftotext", one, "-") for one in (os.path.join(before, name), path)]
+    check(texts[0] == texts[1] and b"What is read stays" in texts[1], f"{name}: pdftotext reads the same")
+
+
+def judge(before, after, name):
+    path = os.path.join(after, name)
+    check(CANARY.encode() in unpacked(os.path.join(before, name)), f"{name}: there was a canary")
+    check((CANARY.encode() in unpacked(path)) == (name == WITH_FILE),
+          f"{name}: now there is none but in an embedded file")
+    if name.endswith(".pdf"):
+        judge_pdf(before, path, name)
+    else:
+        judge_package(path, name)
+
+
+def judge_properties(before, after, names):
+    first, second = properties(before), properties(after)
+    for name in names:
+        # exiftool reads the packages only with a part of Perl that needn't be there.
+        check(CANARY in json.dumps(first[name]) or not name.endswith(".pdf"),
+              f"{name}: exiftool found a canary before, if it is for it")
+        check(not second[name], f"{name}: exiftool finds no property {second[name]}")
+    others = [name for name in names if name != WITH_FILE]
+    check(bool(found_by_mat2([os.path.join(before, name) for name in others])), "mat2 found something before")
+    found = found_by_mat2([os.path.join(after, name) for name in others])
+    check(not found, f"mat2 finds nothing {found}")
+
+
+def clean(options, before, work):
+    kept = os.path.join(work, "kept")
+    done = subprocess.run([options.wine_run, "--timeout", "240", "--stage", before, "--keep", kept, "--",
+                           options.cleaner], env=ENV, stdin=subprocess.DEVNULL, capture_output=True, check=False)
+    sys.stderr.write(done.stderr.decode(errors="replace"))
+    check(done.returncode == 0, "every document was read and written")
+    with open(os.path.join(kept, "out", "report.txt"), encoding="utf-8") as file:
+        lines = [line.rstrip("\n").split("\t") for line in file]
+    return os.path.join(kept, "out"), {line[0]: line[1:] for line in lines}
+
+
+def check_all(options, work):
+    before = os.path.join(work, "in")
+    os.makedirs(before)
+    samples = Samples(before, work)
+    for make in (samples.pdfs, samples.ooxmls, samples.odfs):
+        make()
+    after, report = clean(options, before, work)
+    for name in samples.names:
+        check(report[name][0] == "cleaned", f"{name}: {' '.join(report[name])}")
+        judge(before, after, name)
+    judge_properties(before, after, samples.names)
+    check(report["locked.pdf"] == ["encrypted"], "a document with a password is refused")
+    check("stays.embedded-files=1" in report[WITH_FILE], "an embedded file is named")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--wine-run", required=True)
+    parser.add_argument("--cleaner", required=True)
+    options = parser.parse_args()
+    with tempfile.TemporaryDirectory(prefix="webvellant-documents-") as work:
+        check_all(options, work)
+    print(f"{len(failures)} failures")
+    for failure in failures:
+        print(f"  {failure}")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
