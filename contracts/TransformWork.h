@@ -27,11 +27,16 @@ inline constexpr std::uint32_t kLargestWorkPayload = 4096;
 enum class WorkKind : std::uint32_t {
     // Requests; each one's settings are in kWorkRequests.
     Clean = 1,      // removes personal data
-    CheckClean = 2, // reports what a clean would find
+    CheckClean = 2, // reports what a clean would find, Changed if it would change the file
     Resize = 3,     // makes a picture smaller
-    // Makes a JPEG or PNG of a photo of another kind.
-    ConvertPhoto = 20,
-    Watermark = 9, // lays a text over a picture or the pages of a PDF
+    Measure = 4,    // reports how many bytes a file takes in a zip
+    // Pictures that are made smaller together. The process keeps what it has of them until its end:
+    // each FitAdd adds one picture, FitSearch finds the step for all of them, FitWrite writes one.
+    FitAdd = 5,
+    FitSearch = 6,
+    FitWrite = 7,
+    Watermark = 9,     // lays a text over a picture or the pages of a PDF
+    ConvertPhoto = 20, // makes a JPEG or PNG of a photo of another kind
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -51,7 +56,8 @@ static_assert(offsetof(WorkHeader, kind) == 4);
 static_assert(offsetof(WorkHeader, size) == 8);
 static_assert(offsetof(WorkHeader, reserved) == 12);
 
-// The files of a request, as handles of the work process, which closes them when the request ends.
+// The files of a request, as handles of the work process, which closes them when the request ends;
+// those of FitAdd with the process.
 struct WorkFiles {
     std::uint64_t source; // a file on disk, for reading; zero when the request reads none
     std::uint64_t target; // a new empty file, for writing and reading back; zero as above
@@ -128,6 +134,33 @@ static_assert(offsetof(WorkWatermark, place) == 0);
 static_assert(offsetof(WorkWatermark, opacity) == 4);
 inline constexpr std::uint32_t kMostWatermarkText = 100;
 
+// The settings of Measure and FitAdd. Measure is always Changed, with the bytes in WorkDone. FitAdd
+// is Changed for a picture that can be made smaller, which then has the next number from 0 on, and
+// Unchanged for one that passes.
+struct WorkPlain {
+    std::uint64_t reserved; // zero
+};
+static_assert(sizeof(WorkPlain) == 8);
+static_assert(offsetof(WorkPlain, reserved) == 0);
+
+// The settings of FitSearch, which is Changed when a step was found and Unchanged when all fits.
+struct WorkFitSearch {
+    std::uint64_t mailLimit;  // bytes of the mail as it is sent; not zero
+    std::uint64_t otherBytes; // of the files that weren't added
+};
+static_assert(sizeof(WorkFitSearch) == 16);
+static_assert(offsetof(WorkFitSearch, mailLimit) == 0);
+static_assert(offsetof(WorkFitSearch, otherBytes) == 8);
+
+// The settings of FitWrite, which is Unchanged for a picture that goes out as it is.
+struct WorkFitWrite {
+    std::uint32_t number;
+    std::uint32_t reserved; // zero
+};
+static_assert(sizeof(WorkFitWrite) == 8);
+static_assert(offsetof(WorkFitWrite, number) == 0);
+static_assert(offsetof(WorkFitWrite, reserved) == 4);
+
 // What a request of each kind consists of: WorkFiles with or without these files, and settings of
 // `least` to `most` bytes.
 struct WorkRequestForm {
@@ -144,6 +177,10 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
     {WorkKind::ConvertPhoto, sizeof(WorkPhoto), sizeof(WorkPhoto), true, true},
     {WorkKind::Watermark, sizeof(WorkWatermark) + 2, sizeof(WorkWatermark) + 2 * kMostWatermarkText,
      true, true},
+    {WorkKind::Measure, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
+    {WorkKind::FitAdd, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
+    {WorkKind::FitSearch, sizeof(WorkFitSearch), sizeof(WorkFitSearch), false, false},
+    {WorkKind::FitWrite, sizeof(WorkFitWrite), sizeof(WorkFitWrite), false, true},
 };
 inline constexpr std::uint32_t kMostWorkSettings = kLargestWorkPayload - sizeof(WorkFiles);
 
@@ -152,11 +189,15 @@ inline constexpr std::uint32_t kMostWorkSettings = kLargestWorkPayload - sizeof(
 // minute.
 struct WorkProgress {
     std::uint64_t done;
-    std::uint64_t total; // not zero
+    std::uint64_t total;    // not zero
+    std::uint32_t number;   // of the picture that FitSearch works on; zero for the other kinds
+    std::uint32_t reserved; // zero
 };
-static_assert(sizeof(WorkProgress) == 16);
+static_assert(sizeof(WorkProgress) == 24);
 static_assert(offsetof(WorkProgress, done) == 0);
 static_assert(offsetof(WorkProgress, total) == 8);
+static_assert(offsetof(WorkProgress, number) == 16);
+static_assert(offsetof(WorkProgress, reserved) == 20);
 
 // Something that a file contains. A request has at most kMostWorkFindings of them, each key once.
 inline constexpr std::size_t kWorkKeyCapacity = 60;
@@ -172,7 +213,7 @@ static_assert(offsetof(WorkFinding, count) == 0);
 static_assert(offsetof(WorkFinding, key) == 4);
 
 enum class WorkOutcome : std::uint32_t {
-    Changed = 1,      // the target is whole; for CheckClean: a clean would change the file
+    Changed = 1,      // the target is whole, if the kind has one
     Unchanged = 2,    // nothing to do; the target is empty
     NotSupported = 3, // not a kind of file that the transform works on; the target is empty
 };
@@ -180,7 +221,7 @@ enum class WorkOutcome : std::uint32_t {
 struct WorkDone {
     WorkOutcome outcome;
     std::uint32_t reserved; // zero
-    std::uint64_t size;     // bytes in the target; zero unless Changed
+    std::uint64_t size;     // bytes in the target, or as the kind says; zero unless Changed
 };
 static_assert(sizeof(WorkDone) == 16);
 static_assert(offsetof(WorkDone, outcome) == 0);

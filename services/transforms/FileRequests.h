@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "services/transforms/FitWork.h"
 #include "services/transforms/WorkChannel.h"
 
 namespace transforms {
@@ -10,6 +11,7 @@ namespace transforms {
 // Carries the request out, and sends what isn't its last reply. Returns that one, which the caller
 // sends once the files are closed. Nothing when the manager no longer reads and for settings that
 // aren't valid; the process then ends. Throws std::bad_alloc alone.
-std::optional<WorkEnd> CarryOut(const WorkRequest& request, WorkChannel& channel);
+// `fit` lasts as long as the process.
+std::optional<WorkEnd> CarryOut(WorkRequest& request, WorkChannel& channel, FitWork& fit);
 
 } // namespace transforms

@@ -17,18 +17,20 @@ constexpr int kServed = 0;
 constexpr int kNotForUsers = 2; // started without the manager's pipes
 
 // Memory that runs out concerns one request; the next one may be smaller.
-std::optional<transforms::WorkEnd> Carried(const transforms::WorkRequest& request,
-                                           transforms::WorkChannel& channel) {
+std::optional<transforms::WorkEnd> Carried(transforms::WorkRequest& request,
+                                           transforms::WorkChannel& channel,
+                                           transforms::FitWork& fit) {
     try {
-        return transforms::CarryOut(request, channel);
+        return transforms::CarryOut(request, channel, fit);
     } catch (const std::bad_alloc&) {
         return transforms::WorkEnd(obcontract::WorkFailure::TooLarge);
     }
 }
 
 // Closes the files before the last reply, as the manager then renames or deletes them.
-bool Serve(transforms::WorkRequest request, transforms::WorkChannel& channel) {
-    const auto end = Carried(request, channel);
+bool Serve(transforms::WorkRequest request, transforms::WorkChannel& channel,
+           transforms::FitWork& fit) {
+    const auto end = Carried(request, channel, fit);
     request = {};
     return end && channel.SendEnd(*end);
 }
@@ -44,8 +46,9 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     const auto pipes = transforms::ParseWorkCommandLine(GetCommandLineW());
     if (!pipes) return kNotForUsers;
     transforms::WorkChannel channel(Inherited(pipes->requests), Inherited(pipes->replies));
+    transforms::FitWork fit(channel);
     while (auto request = channel.Next()) {
-        if (!Serve(std::move(*request), channel)) break;
+        if (!Serve(std::move(*request), channel, fit)) break;
     }
     return kServed;
 }

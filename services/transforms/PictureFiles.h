@@ -22,6 +22,8 @@ public:
     bool IsOpen() const noexcept { return isOpen_; }
     std::uint64_t Size() const noexcept override { return size_; }
     bool ReadAt(std::uint64_t offset, std::span<std::uint8_t> to, std::size_t& read) override;
+    // Keeps no memory until the next read.
+    void Rest() noexcept { block_ = {}; }
 
 private:
     bool ReadBlock(std::uint64_t offset);

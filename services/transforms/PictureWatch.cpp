@@ -12,11 +12,23 @@ void PictureWatch::Step() noexcept {
     ++steps_;
     if (GetTickCount64() - sent_ < kInterval) return;
     const std::lock_guard guard(sending_);
+    if (GetTickCount64() - sent_ >= kInterval) Send();
+}
+
+void PictureWatch::Begin(std::uint32_t number) noexcept {
+    ++steps_;
+    const std::lock_guard guard(sending_);
+    number_ = number;
+    Send();
+}
+
+// Under the lock.
+void PictureWatch::Send() noexcept {
     const std::uint64_t steps = steps_;
-    if (GetTickCount64() - sent_ < kInterval || steps <= reported_) return;
+    if (steps <= reported_) return;
     reported_ = steps;
     sent_ = GetTickCount64();
-    if (!channel_.SendProgress(steps, steps + 1)) isUnread_ = true;
+    if (!channel_.SendProgress(steps, steps + 1, number_)) isUnread_ = true;
 }
 
 PictureControl PictureWatch::Control() noexcept {

@@ -61,8 +61,9 @@ bool WorkChannel::Send(WorkKind kind, const Payload& payload) noexcept {
     return ObLib::WriteWhole(replies_.Get(), &record, sizeof record);
 }
 
-bool WorkChannel::SendProgress(std::uint64_t done, std::uint64_t total) noexcept {
-    return Send(WorkKind::Progress, WorkProgress{done, total});
+bool WorkChannel::SendProgress(std::uint64_t done, std::uint64_t total,
+                               std::uint32_t number) noexcept {
+    return Send(WorkKind::Progress, WorkProgress{done, total, number, 0});
 }
 
 bool WorkChannel::SendFinding(std::string_view key, std::uint32_t count) noexcept {

@@ -54,7 +54,7 @@ public:
     std::optional<WorkRequest> Next();
 
     // Each returns false when the manager no longer reads; the process then ends.
-    bool SendProgress(std::uint64_t done, std::uint64_t total) noexcept;
+    bool SendProgress(std::uint64_t done, std::uint64_t total, std::uint32_t number = 0) noexcept;
     // A key that doesn't fit is cut, so that it is still reported.
     bool SendFinding(std::string_view key, std::uint32_t count) noexcept;
     bool SendEnd(const WorkEnd& end) noexcept;

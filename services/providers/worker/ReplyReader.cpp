@@ -106,7 +106,9 @@ bool ReplyReader::Take(WorkKind kind, std::span<const std::byte> payload) {
 // A step that makes no progress isn't valid: a process that hangs could send it for ever.
 bool ReplyReader::TakeProgress(const WorkProgress& progress) noexcept {
     if (progress.done > progress.total || progress.done <= progress_.done) return false;
+    if (progress.reserved != 0) return false;
     progress_ = progress;
+    report_.number = progress.number;
     return true;
 }
 

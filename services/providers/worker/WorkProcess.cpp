@@ -16,8 +16,12 @@ using ObLib::UniqueKernelHandle;
 // A process is replaced after so many requests, and before they don't fit into the pipe at once:
 // one that answers without reading them can't make a write wait.
 constexpr std::size_t kMostRequests = 64;
-constexpr DWORD kPipeRoom = 64 * 1024; // bytes
+constexpr DWORD kPipeRoom = 256 * 1024; // bytes
 static_assert(sizeof(WorkHeader) + kLargestWorkPayload <= kPipeRoom);
+static_assert((2 * WorkSeries::kMostFiles + 1) *
+                  (sizeof(WorkHeader) + sizeof(WorkFiles) + sizeof(WorkPlain)) <=
+              kPipeRoom - sizeof(WorkFitSearch));
+static_assert(sizeof(WorkFitWrite) <= sizeof(WorkPlain));
 
 struct Pipe {
     UniqueKernelHandle reading;
@@ -127,8 +131,19 @@ bool WorkProcess::TakeReport(WorkReport& report) {
     const std::lock_guard guard(lock_);
     ResetEvent(arrived_.Get());
     if (!reply_.IsComplete() && !broken_) return false;
-    report = reply_.IsComplete() ? reply_.Report() : Only(WorkResult::ProcessFailed);
+    report = reply_.Report();
+    if (reply_.IsComplete()) return true;
+    report = Only(WorkResult::ProcessFailed);
+    report.number = reply_.Report().number;
     return true;
+}
+
+// With the number of the picture that the process reported last.
+WorkReport WorkProcess::Failed() {
+    WorkReport report = Only(WorkResult::ProcessFailed);
+    const std::lock_guard guard(lock_);
+    report.number = reply_.Report().number;
+    return report;
 }
 
 WorkReport WorkProcess::Await(CallWait& wait) {
@@ -138,7 +153,7 @@ WorkReport WorkProcess::Await(CallWait& wait) {
         case Waited::Ended:
             return Only(WorkResult::Cancelled);
         case Waited::TimedOut:
-            return Only(WorkResult::ProcessFailed);
+            return Failed();
         case Waited::Signalled:
             if (TakeReport(report)) return report;
         }
@@ -184,6 +199,15 @@ void WorkProcess::Stop() noexcept {
     sentBytes_ = 0;
     requests_.Reset();
     replies_.Reset();
+}
+
+WorkReport WorkSeries::Run(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait) {
+    const bool isLost = hasBegun_ && !process_.process_;
+    if (isLost || process_.sentBytes_ + order.RecordSize() > kPipeRoom) {
+        return Only(wait.IsEnded() ? WorkResult::Cancelled : WorkResult::ProcessFailed);
+    }
+    hasBegun_ = true;
+    return process_.RunOnce(order, source, target, wait);
 }
 
 } // namespace providers

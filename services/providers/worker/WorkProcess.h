@@ -45,6 +45,7 @@ public:
     void Stop() noexcept;
 
 private:
+    friend class WorkSeries;
     WorkReport RunOnce(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait);
     bool Start();
     bool HasRoomFor(const WorkOrder& order) const noexcept;
@@ -52,6 +53,7 @@ private:
     bool Duplicate(HANDLE file, DWORD access, std::uint64_t& theirs) const;
     WorkReport Await(CallWait& wait);
     bool TakeReport(WorkReport& report);
+    WorkReport Failed();
     static DWORD WINAPI ReaderEntry(void* self) noexcept;
     void ReadReplies() noexcept;
     bool ReadReply();
@@ -68,6 +70,27 @@ private:
     std::mutex lock_; // of the two below, which the reader's thread changes
     ReplyReader reply_;
     bool broken_ = false; // the pipe has ended or a record wasn't valid
+};
+
+// Requests that belong together: what the work process has of one of them counts for the next. They
+// get a process of their own, which ends with this object. One that fails isn't replaced.
+class WorkSeries {
+public:
+    // Two requests for each of so many files, and one more, fit into the pipe.
+    static constexpr std::size_t kMostFiles = 3000;
+
+    explicit WorkSeries(WorkProcess& process) noexcept : process_(process) { process_.Stop(); }
+    ~WorkSeries() { process_.Stop(); }
+    WorkSeries(const WorkSeries&) = delete;
+    WorkSeries& operator=(const WorkSeries&) = delete;
+
+    // As WorkProcess::Run, but for the second attempt. ProcessFailed also for every request after
+    // one that ended the process.
+    WorkReport Run(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait);
+
+private:
+    WorkProcess& process_;
+    bool hasBegun_ = false;
 };
 
 } // namespace providers

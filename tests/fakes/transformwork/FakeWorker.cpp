@@ -143,6 +143,77 @@ void Act(const std::string& word, const Taken& taken) {
     if (word == "crash-after-done") Crash();
 }
 
+// A file whose content begins with "pic" is a picture.
+bool IsPicture(const Taken& taken) {
+    char begin[3] = {};
+    return ObLib::ReadWhole(HandleOf(taken.files.source), begin, sizeof begin) &&
+           std::memcmp(begin, "pic", sizeof begin) == 0;
+}
+
+// Pictures that are made smaller together: each becomes "smaller", with what the test asks at the
+// request that the word names.
+void ActInFit(const std::string& word, const Taken& taken) {
+    const WorkKind kind = taken.header.kind;
+    if (kind == WorkKind::FitSearch) {
+        Send(WorkKind::Progress, WorkProgress{1, 5, 1, 0});
+        if (word == "fit-crash-in-search") Crash();
+        if (word == "fit-hang-in-search") Hang();
+        if (word == "fit-cannot") {
+            return Send(WorkKind::Failed, WorkFailed{WorkFailure::CannotFit, 0});
+        }
+        return Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 14});
+    }
+    if (kind == WorkKind::FitAdd) {
+        if (word == "fit-crash-in-add") Crash();
+        const WorkOutcome outcome =
+            IsPicture(taken) ? WorkOutcome::Changed : WorkOutcome::NotSupported;
+        return Send(WorkKind::Done, WorkDone{outcome, 0, 0});
+    }
+    std::uint32_t number = 0;
+    std::memcpy(&number, taken.settings.data(), sizeof number);
+    WriteTarget(taken, number == 1 && word == "fit-too-much" ? std::string(900'000, 'x').c_str()
+                                                             : "smaller");
+    if (number == 1 && word == "fit-crash-in-write") Crash();
+    if (number == 1 && word == "fit-hang-in-write") Hang();
+    if (number == 1 && word == "fit-full") {
+        return Send(WorkKind::Failed, WorkFailed{WorkFailure::Unwritable, 0});
+    }
+    const std::uint64_t size = number == 1 && word == "fit-too-much" ? 900'000 : 7;
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, size});
+}
+
+// The requests about pictures and zips. False for another one and for a word that isn't about them.
+bool ActOnPicture(const std::string& word, const Taken& taken) {
+    const WorkKind kind = taken.header.kind;
+    if (kind == WorkKind::Measure) {
+        // Half of what any test writes into a file, or all of it.
+        const std::uint64_t size = word == "fit-small-zip" ? 1000 : ~std::uint64_t{0};
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, size});
+        return true;
+    }
+    if (kind >= WorkKind::FitAdd && kind <= WorkKind::FitWrite) return ActInFit(word, taken), true;
+    if (kind != WorkKind::Resize) return false;
+    if (word == "unchanged") {
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
+    } else if (word == "not-supported") {
+        Send(WorkKind::Done, WorkDone{WorkOutcome::NotSupported, 0, 0});
+    } else if (word == "damaged") {
+        Send(WorkKind::Failed, WorkFailed{WorkFailure::Damaged, 0});
+    } else if (word == "cannot") {
+        Send(WorkKind::Failed, WorkFailed{WorkFailure::CannotFit, 0});
+    } else if (word == "good") {
+        WorkResize settings{};
+        std::memcpy(&settings, taken.settings.data(), sizeof settings);
+        const std::string text = "aim " + std::to_string(static_cast<int>(settings.aim)) + ' ' +
+                                 std::to_string(settings.value);
+        WriteTarget(taken, text.c_str());
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, text.size()});
+    } else {
+        return false;
+    }
+    return true;
+}
+
 // Answers every request and reads none, until the pipe ends.
 void AnswerUnread() {
     constexpr DWORD kSize = sizeof(WorkHeader) + sizeof(WorkFiles) + sizeof(WorkClean);
@@ -174,8 +245,9 @@ int wmain(int count, wchar_t** words) {
     if (ScriptedWord() == "crash-at-start") Crash();
     if (ScriptedWord() == "answer-unread") AnswerUnread();
     for (Taken taken; TakeRequest(taken);) {
-        Act(ScriptedWord(), taken);
-        CloseHandle(HandleOf(taken.files.source));
+        const std::string word = ScriptedWord();
+        if (!ActOnPicture(word, taken)) Act(word, taken);
+        if (taken.files.source != 0) CloseHandle(HandleOf(taken.files.source));
         if (taken.files.target != 0) CloseHandle(HandleOf(taken.files.target));
     }
     return 0;

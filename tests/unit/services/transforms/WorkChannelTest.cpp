@@ -166,7 +166,8 @@ TEST_F(WorkChannelTest, CarriesOutNoRequestWithValuesThatTheContractLacks) {
         request.settings.assign(bytes.begin(), bytes.end());
         request.source.Reset(reinterpret_cast<HANDLE>(File(L"source")));
         request.target.Reset(reinterpret_cast<HANDLE>(File(L"target")));
-        return transforms::CarryOut(request, *channel_).has_value();
+        transforms::FitWork fit(*channel_);
+        return transforms::CarryOut(request, *channel_, fit).has_value();
     };
     EXPECT_TRUE(carriesOut(WorkKind::Clean, WorkClean{0}));
     EXPECT_FALSE(carriesOut(WorkKind::Clean, WorkClean{1}));

@@ -39,7 +39,8 @@ TEST(ReplyHeaders, AreAcceptedWithTheSizeOfTheirKindOnly) {
     const auto size = [](std::uint32_t kind, std::uint32_t size) {
         return ReplyPayload({kWorkMagic, static_cast<WorkKind>(kind), size, 0}).value_or(0);
     };
-    EXPECT_EQ(size(0x101, 16), 16u);
+    EXPECT_EQ(size(0x101, 24), 24u);
+    EXPECT_EQ(size(0x101, 16), 0u);
     EXPECT_EQ(size(0x102, 64), 64u);
     EXPECT_EQ(size(0x103, 16), 16u);
     EXPECT_EQ(size(0x104, 8), 8u);
@@ -101,6 +102,16 @@ TEST_F(ReplyReaderTest, RefusesProgressThatDoesNotGrowOrPassesItsEnd) {
     EXPECT_FALSE(Take(WorkKind::Progress, WorkProgress{2, 5}));
     reader_.Begin();
     EXPECT_FALSE(Take(WorkKind::Progress, WorkProgress{6, 5}));
+    reader_.Begin();
+    EXPECT_FALSE(Take(WorkKind::Progress, WorkProgress{1, 5, 0, 1}));
+}
+
+TEST_F(ReplyReaderTest, RemembersThePictureThatWasReportedLast) {
+    EXPECT_TRUE(Take(WorkKind::Progress, WorkProgress{1, 5, 7}));
+    EXPECT_TRUE(Take(WorkKind::Progress, WorkProgress{2, 5, 0xffffffff}));
+    EXPECT_EQ(reader_.Report().number, 0xffffffffu);
+    reader_.Begin();
+    EXPECT_EQ(reader_.Report().number, 0u);
 }
 
 TEST_F(ReplyReaderTest, RefusesAKeyThatIsNoPlainName) {
