@@ -21,6 +21,8 @@ using namespace providers;
 
 namespace {
 
+constexpr std::uint32_t kZipFollows = 1; // the mode of a stage; 3: the files go out as they are
+
 // The settings of a transform that this module has. Null when it has none.
 const SettingsRow* SettingsRowOf(const Session& session, std::uint32_t providerId,
                                  ProviderKind kind) {
@@ -42,14 +44,16 @@ Bool WithSession(ProviderManagerHandle manager, Work work) noexcept {
 
 // Runs a stage of the manager. `Wait` is how its thread waits.
 template <class Wait, class Work>
-Bool InStage(ProviderManagerHandle manager, HWND owner, Work work) noexcept {
+Bool InStage(ProviderManagerHandle manager, HWND owner, std::uint32_t mode, Work work) noexcept {
     if (!manager) return false;
     return ObLib::Guarded<Bool>(false, [&]() -> Bool {
         return manager->Stage([&](Session& session) {
             Wait wait(session.ended.Get(), owner);
             if (wait.IsEnded()) return false;
             const ProviderSet selected = session.selection.Transforms();
-            StageCall call{session.run, session.settings, selected, wait};
+            const RunPlan& plan = session.run.Plan(session.settings);
+            StageCall call{session.run, session.settings,    selected,
+                           plan,        mode == kZipFollows, wait};
             return static_cast<bool>(work(session, call));
         });
     });
@@ -130,7 +134,9 @@ void GetSelectedTransformSummary(ProviderManagerHandle manager, std::int32_t* be
                                  std::int32_t* afterList, std::int32_t* perFile,
                                  std::int32_t* final) {
     const StageCounts counts = InSession(manager, StageCounts(), [](Session& session) {
-        return CountStages(session.selection.Transforms());
+        const RunPlan* const plan = ObLib::Guarded<const RunPlan*>(
+            nullptr, [&] { return &session.run.Plan(session.settings); });
+        return CountStages(session.selection.Transforms(), plan);
     });
     if (beforeList) *beforeList = counts.beforeList;
     if (afterList) *afterList = counts.afterList;
@@ -155,8 +161,8 @@ const wchar_t* GetProviderTarget(ProviderManagerHandle manager) {
 
 // On the transform worker's thread.
 Bool ExecuteTransforms(ProviderManagerHandle manager, void*, HWND owner, const wchar_t* folder,
-                       std::uint32_t, std::uint32_t, void*, void*) {
-    return InStage<CallWait>(manager, owner, [&](Session& session, StageCall& call) {
+                       std::uint32_t, std::uint32_t mode, void*, void*) {
+    return InStage<CallWait>(manager, owner, mode, [&](Session& session, StageCall& call) {
         std::wstring path = *session.target;
         if (!RunFileStage(call, path, folder ? folder : L"")) return false;
         // A text that was handed out stays valid when the file keeps its path.
@@ -168,8 +174,8 @@ Bool ExecuteTransforms(ProviderManagerHandle manager, void*, HWND owner, const w
 // On the transform worker's thread. The count stays as it came in when the stage fails: the
 // caller's files are still the caller's files.
 Bool ExecutePostTransforms(ProviderManagerHandle manager, HWND owner, const wchar_t* const* paths,
-                           std::uint32_t* count, std::uint32_t, void*, void*) {
-    return InStage<CallWait>(manager, owner, [&](Session&, StageCall& call) {
+                           std::uint32_t* count, std::uint32_t mode, void*, void*) {
+    return InStage<CallWait>(manager, owner, mode, [&](Session&, StageCall& call) {
         const auto list = count ? Paths(paths, *count) : std::nullopt;
         if (!list || !RunListStage(call, *list)) return false;
         *count = static_cast<std::uint32_t>(call.run.record.results.size());
@@ -179,8 +185,8 @@ Bool ExecutePostTransforms(ProviderManagerHandle manager, HWND owner, const wcha
 
 // On the dialog's thread, which stays alive.
 Bool ExecuteFinalTransforms(ProviderManagerHandle manager, HWND owner, const wchar_t* const* paths,
-                            std::uint32_t count, std::uint32_t, void*, void*) {
-    return InStage<PumpingWait>(manager, owner, [&](Session&, StageCall& call) {
+                            std::uint32_t count, std::uint32_t mode, void*, void*) {
+    return InStage<PumpingWait>(manager, owner, mode, [&](Session&, StageCall& call) {
         const auto list = Paths(paths, count);
         return list && RunFinalStage(call, *list);
     });

@@ -9,6 +9,7 @@
 #include "tests/e2e/ZipContents.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
+#include "tests/unit/services/transforms/pictures/TestPictures.h"
 
 namespace obtest {
 namespace {
@@ -16,7 +17,8 @@ namespace {
 using Texts = std::vector<std::wstring>;
 
 constexpr UINT kRemovePersonalData = 185; // the text of the box
-constexpr DWORD kReceiptLimit = 60000;    // milliseconds
+constexpr UINT kResizeImages = 182;
+constexpr DWORD kReceiptLimit = 60000; // milliseconds
 
 struct ReceiptSearch {
     HWND found = nullptr;
@@ -127,6 +129,71 @@ TEST_F(TransformEndToEnd, GivesNothingWhenTheReceiptIsRefused) {
     EXPECT_EQ(answer.result, FALSE);
     EXPECT_EQ(answer.given, Texts{});
     ExpectNoMoreThan({});
+}
+
+// Pictures that are made smaller.
+class ResizeEndToEnd : public RealRequest {
+protected:
+    static void Aim(const wchar_t* aim, const wchar_t* name, const wchar_t* number) {
+        const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\2";
+        SetValue(HKEY_CURRENT_USER, key, L"Aim", aim);
+        SetValue(HKEY_CURRENT_USER, key, name, number);
+    }
+    Use PickTicked(Choice choice, Texts paths) const {
+        return
+            [box = Text(kResizeImages), pick = Pick(choice, std::move(paths))](OpenPicker& picker) {
+                ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsEnabled(box); }));
+                ASSERT_TRUE(picker.Click(box));
+                ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(box); }));
+                pick(picker);
+            };
+    }
+    static std::string Coded(unsigned width, unsigned seed, unsigned grain) {
+        const auto jpeg = MakeJpeg(Photo(width, 900, 3, 8, seed, grain), {.quality = 95});
+        return {jpeg.begin(), jpeg.end()};
+    }
+    static unsigned WidthOf(const std::string& jpeg) {
+        return ParseJpeg({jpeg.begin(), jpeg.end()}).raster.width;
+    }
+};
+
+TEST_F(ResizeEndToEnd, GivesASmallerCopyOfOnePhoto) {
+    Aim(L"LongestEdge", L"Pixels", L"300");
+    const std::string photo = Coded(1200, 1, 16);
+    const std::wstring source = files_.File(L"photo.jpg", photo);
+    PickerUiDriver driver(PickTicked(Choice::None, {source}));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    EXPECT_EQ(NameOf(answer.given[0]), L"photo.jpg");
+    EXPECT_EQ(WidthOf(ReadFileContent(answer.given[0]).value_or("")), 300u);
+    EXPECT_EQ(ReadFileContent(source), photo);
+}
+
+TEST_F(ResizeEndToEnd, GivesOneZipThatFitsTheMail) {
+    Aim(L"FitMail", L"Megabytes", L"1");
+    Texts paths;
+    for (unsigned number = 0; number < 4; ++number) {
+        paths.push_back(files_.File(L"p" + std::to_wstring(number) + L".jpg",
+                                    Coded(1000 + 100 * number, number + 1, 40)));
+    }
+    std::string text;
+    while (text.size() < 1'500'000) text += "line " + std::to_string(text.size() % 977) + "\r\n";
+    paths.push_back(files_.File(L"log.txt", text));
+    PickerUiDriver driver(PickTicked(Choice::Zip, paths));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    const std::size_t zip = ReadFileContent(answer.given[0]).value_or("").size();
+    constexpr std::size_t kRoom = 729'927; // 1,000,000 bytes without what a mail adds
+    EXPECT_LE(zip, kRoom);
+    EXPECT_GE(zip, kRoom * 85 / 100);
+    const auto entries = ReadZip(answer.given[0]);
+    ASSERT_EQ(entries.size(), 5u);
+    EXPECT_EQ(entries.at("log.txt").content, text);
+    EXPECT_GT(WidthOf(entries.at("p3.jpg").content), 300u);
+    const std::wstring folder = FolderOf(answer.given[0]).substr(TempFolder().size() + 1);
+    EXPECT_EQ(LeftInTemp(), (Texts{folder, folder + NameOf(answer.given[0])}));
 }
 
 } // namespace

@@ -184,6 +184,11 @@ void UnfinishedFiles::AddFolder(const std::wstring& path, const FileIdentity& id
     if (known == folders_.end()) folders_.push_back({path, identity});
 }
 
+void UnfinishedFiles::AddFolderOf(const WorkingCopy& copy) {
+    const std::wstring folder = copy.Folder();
+    if (const auto identity = IdentityOfFolder(folder + L'\\')) AddFolder(folder, *identity);
+}
+
 void UnfinishedFiles::DeleteAll() noexcept {
     const std::lock_guard guard(lock_);
     std::erase_if(files_,

@@ -24,6 +24,8 @@ enum class CopyRefusal : std::uint8_t {
     Unreadable, // not there, or open elsewhere
 };
 
+class WorkingCopy;
+
 // The files that a run began to write and that aren't whole. Locked: the thread that ends a session
 // deletes what a call on another thread may still have.
 class UnfinishedFiles {
@@ -37,6 +39,8 @@ public:
 
     // A folder that DeleteAll tries too, if it is that one: a file in it didn't become whole.
     void AddFolder(const std::wstring& path, const FileIdentity& identity);
+    // The copy's folder: a clean-up couldn't delete it while the copy was open.
+    void AddFolderOf(const WorkingCopy& copy);
 
 private:
     struct File {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "services/providers/settings/TransformSettings.h"
 
@@ -12,9 +13,13 @@ namespace providers {
 enum class ResizeAim : std::uint8_t {
     LongestEdge, // in pixels
     Percent,     // of width and height
-    BytesEach,   // in KB of 1,000 bytes
-    FitMail,     // all files of the mail, in MB of 1,000,000 bytes
+    BytesEach,   // in KB
+    FitMail,     // the mail with all its files, in MB
 };
+
+// The units of the numbers, so that a file is within its aim however KB and MB are counted.
+inline constexpr std::uint64_t kBytesOfKilobyte = 1'000;
+inline constexpr std::uint64_t kBytesOfMegabyte = 1'000'000;
 
 // What the dialog and the registry know of an aim.
 struct ResizeAimRow {

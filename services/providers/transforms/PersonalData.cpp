@@ -12,24 +12,6 @@
 namespace providers {
 namespace {
 
-UINT TextOf(CopyRefusal refusal) {
-    return refusal == CopyRefusal::NotACopy ? OB_TEXT_NOT_A_COPY : OB_TEXT_UNREADABLE;
-}
-
-std::optional<WorkingCopy> OpenCopy(StageCall& call, const std::wstring& path,
-                                    const std::wstring& folder) {
-    CopyRefusal refusal{};
-    auto copy = WorkingCopy::Open(path, folder, refusal);
-    if (!copy) Refuse(call, TextOf(refusal), path);
-    return copy;
-}
-
-// The work process may have said anything: what counts is what is on the disk.
-bool TakePlace(StageCall& call, NewFile& cleaned, WorkingCopy& copy, const WorkReport& report) {
-    if (report.size == 0 || cleaned.Size() != report.size) return false;
-    return cleaned.TakePlaceOf(copy, [&] { return call.wait.IsEnded(); });
-}
-
 // Whether the run can go on with this result, with a file that is as it was.
 bool IsFinal(WorkResult result) {
     constexpr WorkResult kFinal[] = {WorkResult::Unchanged,  WorkResult::NotSupported,
@@ -37,6 +19,30 @@ bool IsFinal(WorkResult result) {
                                      WorkResult::Unreadable, WorkResult::ProcessFailed,
                                      WorkResult::Encrypted,  WorkResult::Signed};
     return std::ranges::find(kFinal, result) != std::end(kFinal);
+}
+
+// What was found by both cleans of a file that became another one in between.
+std::vector<WorkFound> Both(std::vector<WorkFound> one, const std::vector<WorkFound>& other) {
+    for (const WorkFound& found : other) {
+        const auto same = std::ranges::find(one, found.key, &WorkFound::key);
+        if (same == one.end()) {
+            one.push_back(found);
+        } else {
+            same->count += found.count;
+        }
+    }
+    return one;
+}
+
+// A file that was cleaned before and has nothing to remove any more is a cleaned one.
+void Record(CleanRecord& record, WorkReport&& report) {
+    const bool wasCleaned = record.result == WorkResult::Changed;
+    if (wasCleaned && report.result == WorkResult::Unchanged) return;
+    if (wasCleaned && report.result == WorkResult::Changed) {
+        record.found = Both(std::move(record.found), report.found);
+        return;
+    }
+    record = {report.result, std::move(report.found)};
 }
 
 ReceiptFile Row(const std::wstring& path, const CleanRecord& record) {
@@ -116,7 +122,7 @@ bool RemovePersonalData(StageCall& call, const std::wstring& path, const std::ws
     if (!IsFinal(report.result) && !TakePlace(call, *cleaned, *copy, report)) {
         return Refuse(call, OB_TEXT_UNWRITABLE, path);
     }
-    call.run.record.cleaned[path] = {report.result, std::move(report.found)};
+    Record(call.run.record.cleaned[path], std::move(report));
     return true;
 }
 

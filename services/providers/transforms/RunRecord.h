@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,9 @@ struct RunRecord {
     // The per-file stage's results by the paths that it was given: two picks of one name are twice
     // in the list, and the second visit gets the first one's result.
     std::map<std::wstring, std::wstring, PathOrder> visited;
+    // The results of the per-file transforms, and those that a list stage made of them since.
+    std::set<std::wstring, PathOrder> done;
+    std::set<std::wstring, PathOrder> made;
     // By the path of the result.
     std::map<std::wstring, CleanRecord, PathOrder> cleaned;
     // Of the last list stage, for GetTargetFile.

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "services/providers/transforms/FitMail.h"
 #include "services/providers/transforms/PersonalData.h"
+#include "services/providers/transforms/Resize.h"
 #include "services/providers/ui/TextIds.h"
 
 namespace providers {
@@ -10,16 +12,30 @@ namespace {
 
 using enum obcontract::TransformId;
 
+bool LooksAtEachPicture(const RunPlan& plan) { return !plan.resize.FitsMail(); }
+bool FitsPictures(const RunPlan& plan) { return plan.resize.FitsMail(); }
+
 constexpr TransformRow kRows[] = {
-    {ConvertPdf, nullptr, nullptr},
-    {ConvertPhotos, nullptr, nullptr},
-    {ResizeImages, nullptr, nullptr},
-    {Watermark, nullptr, nullptr},
-    {RemoveInfo, &RemovePersonalData, &CheckPersonalData},
-    {CombinePdfs, nullptr, nullptr},
-    {SignPdfs, nullptr, nullptr},
-    {ConvertFromPdf, nullptr, nullptr},
+    {ConvertPdf, nullptr, nullptr, nullptr},
+    {ConvertPhotos, nullptr, nullptr, nullptr},
+    {ResizeImages, &ResizePicture, nullptr, nullptr, &LooksAtEachPicture},
+    {Watermark, nullptr, nullptr, nullptr},
+    {RemoveInfo, &RemovePersonalData, nullptr, &CheckPersonalData},
+    {CombinePdfs, nullptr, nullptr, nullptr},
+    {ResizeImages, nullptr, &FitMail, nullptr, &FitsPictures},
+    {SignPdfs, nullptr, nullptr, nullptr},
+    {ConvertFromPdf, nullptr, nullptr, nullptr},
 };
+
+bool Counts(const TransformRow& row, const ProviderSet& selected, const RunPlan* plan) {
+    return selected.Contains(row.id) && (!row.isUsed || !plan || row.isUsed(*plan));
+}
+
+bool Counts(const TransformRow& row, const StageCall& call) {
+    return Counts(row, call.selected, &call.plan);
+}
+
+StageCounts CountStages(const StageCall& call) { return CountStages(call.selected, &call.plan); }
 
 // The longest path that a result can have: the buffers of GetTargetFile take its NUL besides.
 constexpr std::size_t kLongestResult = 513;
@@ -37,20 +53,30 @@ bool CanBeHandedOver(StageCall& call, const std::vector<std::wstring>& paths) {
 // Runs the selected transforms on one file.
 bool Transform(StageCall& call, const std::wstring& path, const std::wstring& folder) {
     for (const TransformRow& row : kRows) {
-        if (!row.perFile || !call.selected.Contains(row.id)) continue;
+        if (!row.perFile || !Counts(row, call)) continue;
         if (!row.perFile(call, path, folder)) return false;
     }
+    call.run.record.done.insert(path);
     return true;
+}
+
+// Removes personal data from what the list stage made, which the per-file stage hasn't seen.
+bool CleanWhatIsNew(StageCall& call) {
+    if (!call.selected.Contains(RemoveInfo)) return true;
+    return std::ranges::all_of(call.run.record.made, [&](const std::wstring& path) {
+        return RemovePersonalData(call, path, {});
+    });
 }
 
 } // namespace
 
 std::span<const TransformRow> TransformRows() noexcept { return kRows; }
 
-StageCounts CountStages(const ProviderSet& selected) noexcept {
+StageCounts CountStages(const ProviderSet& selected, const RunPlan* plan) noexcept {
     StageCounts counts;
     for (const TransformRow& row : kRows) {
-        if (!selected.Contains(row.id)) continue;
+        if (!Counts(row, selected, plan)) continue;
+        counts.afterList += row.afterList != nullptr;
         counts.perFile += row.perFile != nullptr;
         counts.final += row.final != nullptr;
     }
@@ -58,7 +84,7 @@ StageCounts CountStages(const ProviderSet& selected) noexcept {
 }
 
 bool RunFileStage(StageCall& call, std::wstring& path, const std::wstring& folder) {
-    if (path.empty() || CountStages(call.selected).perFile == 0) return false;
+    if (path.empty() || CountStages(call).perFile == 0) return false;
     // Without a temporary folder the files are the user's own.
     if (folder.empty()) return Refuse(call, OB_TEXT_NOT_A_COPY, path);
     auto& visited = call.run.record.visited;
@@ -72,19 +98,24 @@ bool RunFileStage(StageCall& call, std::wstring& path, const std::wstring& folde
 }
 
 bool RunListStage(StageCall& call, const std::vector<std::wstring>& paths) {
-    if (CountStages(call.selected).perFile == 0 || !CanBeHandedOver(call, paths)) return false;
+    const StageCounts counts = CountStages(call);
+    if (counts.perFile + counts.afterList == 0 || !CanBeHandedOver(call, paths)) return false;
     for (const std::wstring& path : paths) {
-        if (call.run.record.cleaned.contains(path)) continue;
-        if (!Transform(call, path, {})) return false;
+        if (!call.run.record.done.contains(path) && !Transform(call, path, {})) return false;
     }
+    for (const TransformRow& row : kRows) {
+        if (!row.afterList || !Counts(row, call)) continue;
+        if (!row.afterList(call, paths)) return false;
+    }
+    if (!CleanWhatIsNew(call)) return false;
     call.run.record.results = paths;
     return true;
 }
 
 bool RunFinalStage(StageCall& call, const std::vector<std::wstring>& paths) {
-    if (CountStages(call.selected).final == 0 || !CanBeHandedOver(call, paths)) return false;
+    if (CountStages(call).final == 0 || !CanBeHandedOver(call, paths)) return false;
     for (const TransformRow& row : kRows) {
-        if (!row.final || !call.selected.Contains(row.id)) continue;
+        if (!row.final || !Counts(row, call)) continue;
         if (!row.final(call, paths)) return false;
     }
     call.run.record.results = paths;

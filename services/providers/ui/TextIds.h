@@ -42,6 +42,21 @@
 
 // Pictures that are made smaller.
 #define OB_TEXT_RESIZE_NUMBER 600
+#define OB_TEXT_RESIZE_DAMAGED 601
+#define OB_TEXT_RESIZE_TOO_LARGE 602
+#define OB_TEXT_RESIZE_CANNOT 603
+#define OB_TEXT_RESIZE_FAILED 604
+
+// Why files can't fit a mail. %1 is the size of the files that can't become smaller, %2 what there
+// is room for, %3 the mail's limit in MB.
+#define OB_TEXT_FIT_OTHERS 610
+#define OB_TEXT_FIT_NO_PICTURE 611
+#define OB_TEXT_FIT_CANNOT 612
+#define OB_TEXT_FIT_TOO_MANY 613
+
+// Sizes of files.
+#define OB_TEXT_KILOBYTES 606
+#define OB_TEXT_MEGABYTES 607
 
 // Photos that are converted.
 #define OB_TEXT_PHOTO_DAMAGED 620

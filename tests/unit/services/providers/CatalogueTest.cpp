@@ -15,6 +15,8 @@ namespace {
 
 using providers::Catalogue;
 using providers::CountStages;
+using providers::ResizeAim;
+using providers::RunPlan;
 using providers::Selection;
 using providers::StageCounts;
 
@@ -112,13 +114,28 @@ TEST_F(SelectionTest, NeedsNoMemory) {
     {
         const obtest::FailingAllocations failing({});
         selected = Select(kSelectUse, 51) && Select(kSelectUse, 70);
-        counts = CountStages(selection_.Transforms());
+        counts = CountStages(selection_.Transforms(), nullptr);
     }
     EXPECT_TRUE(selected);
     EXPECT_TRUE(selection_.Transforms().Contains(TransformId::ConvertFromPdf));
     EXPECT_FALSE(selection_.Transforms().Contains(TransformId::ConvertPdf));
     EXPECT_EQ(counts.perFile, 1);
     EXPECT_EQ(counts.final, 1);
+}
+
+TEST_F(SelectionTest, CountsPicturesThatFitAMailAfterTheList) {
+    catalogue_.Add({2, ProviderKind::Transform, nullptr});
+    ASSERT_TRUE(Select(kSelectUse, 2));
+    const auto count = [&](const RunPlan* plan) {
+        const StageCounts counts = CountStages(selection_.Transforms(), plan);
+        return std::vector<int>{counts.beforeList, counts.afterList, counts.perFile, counts.final};
+    };
+    RunPlan plan;
+    EXPECT_EQ(count(&plan), (std::vector{0, 0, 1, 0}));
+    plan.resize.aim = ResizeAim::FitMail;
+    EXPECT_EQ(count(&plan), (std::vector{0, 1, 0, 0}));
+    // Settings that can't be read leave no stage out.
+    EXPECT_EQ(count(nullptr), (std::vector{0, 1, 1, 0}));
 }
 
 TEST_F(SelectionTest, RefusesAnotherMode) {

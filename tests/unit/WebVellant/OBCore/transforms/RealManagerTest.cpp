@@ -1,8 +1,7 @@
 // The run with the real provider manager and its work process: personal data of a photo.
 #include "OBCore/transforms/Transforms.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
-#include "tests/support/ProductRegistry.h"
-#include "tests/unit/WebVellant/OBCore/compression/RunFixture.h"
+#include "tests/unit/WebVellant/OBCore/transforms/RealManagerFixture.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
 
@@ -10,18 +9,11 @@ namespace {
 
 using obtest::Lines;
 
-class TransformsByTheRealManager : public obtest::RunFixture {
+class TransformsByTheRealManager : public obtest::RealManagerFixture {
 protected:
     void SetUp() override {
-        RunFixture::SetUp();
-        obtest::ClearProductRegistry();
-        obcore::ProviderManager().Init(job_.OwnedProviderManager, kCurrentUser,
-                                       obcontract::kProviderManagerKey);
+        RealManagerFixture::SetUp();
         job_.AutoRemoveInfo = true;
-    }
-    void TearDown() override {
-        obcore::ProviderManager().Deinit(job_.OwnedProviderManager);
-        RunFixture::TearDown();
     }
 
     bool Transform(int receiptButton) {
@@ -33,8 +25,6 @@ protected:
         return result;
     }
 
-    static constexpr auto kCurrentUser =
-        static_cast<std::int64_t>(static_cast<std::int32_t>(0x80000001));
     const std::string photo_ = samples::Photo();
     const std::wstring source_ = sources_.File(L"photo.jpg", photo_);
 };

@@ -5,148 +5,21 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdint>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "OBCore/modules/ProviderLibrary.h"
-#include "contracts/TransformWork.h"
 #include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
-#include "tests/fakes/Recording.h"
 #include "tests/support/AbsentModule.h"
-#include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/ProductRegistry.h"
-#include "tests/support/TestFolder.h"
+#include "tests/unit/services/providers/transforms/ManagerFixture.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
 namespace {
 
-using namespace obcontract;
-using namespace obcore;
-using Names = std::vector<std::wstring>;
+using namespace stagetest;
 
-constexpr auto kCurrentUser = static_cast<std::int64_t>(static_cast<std::int32_t>(0x80000001));
-constexpr auto kTransform = ProviderKind::Transform;
-constexpr std::uint32_t kRemoveInfo = 51;
-constexpr int kLimit = 20000; // milliseconds, for what has to happen soon
-
-const std::wstring kSettingsKey = std::wstring(kProviderManagerKey) + L"\\Transforms\\51";
-
-// A window of the test's own that a stage has as its owner.
-class Owner {
-public:
-    Owner()
-        : window_(CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr,
-                                nullptr)) {}
-    ~Owner() { Destroy(); }
-    HWND Get() const { return window_; }
-    void Destroy() {
-        if (window_) DestroyWindow(std::exchange(window_, nullptr));
-    }
-
-private:
-    HWND window_;
-};
-
-class ManagerStages : public testing::Test {
-protected:
-    void SetUp() override {
-        obtest::ClearProductRegistry();
-        ASSERT_TRUE(LoadProviderManager());
-        Delete(); // a test may begin anew
-        manager_ = Entries().CreateObExtensionsManager();
-        Entries().Init(manager_, kCurrentUser, kProviderManagerKey);
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, kTransform));
-        Settings(false, true);
-        Script("good");
-    }
-    void TearDown() override { Delete(); }
-
-    static const ProviderManagerEntries& Entries() { return ProviderManager(); }
-    static void Script(const char* word) {
-        ASSERT_TRUE(obtest::WriteFileContent(obtest::BesideProgram(L"worker.txt"), word));
-    }
-    static void Settings(bool receipt, bool ask) {
-        obtest::SetValue(HKEY_CURRENT_USER, kSettingsKey, L"ShowReceipt", receipt ? L"1" : L"0");
-        obtest::SetValue(HKEY_CURRENT_USER, kSettingsKey, L"AskAboutOtherFiles", ask ? L"1" : L"0");
-    }
-    void Delete() {
-        if (manager_) Entries().DeleteObExtensionsManager(manager_);
-        manager_ = nullptr;
-    }
-
-    bool Execute(const std::wstring& path, const std::wstring& folder, HWND owner = nullptr) {
-        Entries().SetProviderTarget(manager_, path.c_str());
-        return Entries().ExecuteTransforms(manager_, nullptr, owner, folder.c_str(), 1, 3, nullptr,
-                                           nullptr);
-    }
-    bool Execute(const std::wstring& path) { return Execute(path, folder_.Path() + L"\\"); }
-    static std::vector<const wchar_t*> Pointers(const Names& paths) {
-        std::vector<const wchar_t*> pointers;
-        for (const std::wstring& path : paths) pointers.push_back(path.c_str());
-        return pointers;
-    }
-    bool Post(const Names& paths) {
-        const auto pointers = Pointers(paths);
-        auto count = static_cast<std::uint32_t>(pointers.size());
-        const bool done = Entries().ExecutePostTransforms(manager_, nullptr, pointers.data(),
-                                                          &count, 1, nullptr, nullptr);
-        EXPECT_EQ(count, pointers.size());
-        return done;
-    }
-    bool Final(const Names& paths, HWND owner = nullptr) {
-        const auto pointers = Pointers(paths);
-        return Entries().ExecuteFinalTransforms(manager_, owner, pointers.data(),
-                                                static_cast<std::uint32_t>(pointers.size()), 3,
-                                                nullptr, nullptr);
-    }
-    // What GetTargetFile gives for so many buffers.
-    Names Results(std::size_t buffers) {
-        std::vector<std::wstring> texts(buffers, std::wstring(514, L'\0'));
-        std::vector<wchar_t*> pointers;
-        for (std::wstring& text : texts) pointers.push_back(text.data());
-        std::uint32_t count = 99;
-        Entries().GetTargetFile(manager_, pointers.data(), &count, 514);
-        texts.resize(std::min<std::size_t>(count, buffers));
-        for (std::wstring& text : texts) text.resize(std::wcslen(text.c_str()));
-        return texts;
-    }
-    // Expects that a step fails with one sentence that names the file, and changes nothing.
-    void ExpectRefused(const std::wstring& path, const std::function<bool()>& step) {
-        const auto before = obtest::ReadFileContent(path);
-        const obtest::MessageBoxWatcher boxes;
-        EXPECT_FALSE(step());
-        ASSERT_EQ(boxes.Seen().size(), 1u);
-        EXPECT_EQ(boxes.Seen()[0].caption, L"Ombrix Vellant");
-        EXPECT_NE(boxes.Seen()[0].text.find(L"photo.jpg"), std::wstring::npos);
-        EXPECT_EQ(obtest::ReadFileContent(path), before);
-    }
-    void ExpectRefused(const char* word) {
-        Script(word);
-        const std::wstring path = folder_.File(L"photo.jpg", "photo");
-        ExpectRefused(path, [&] { return Execute(path); });
-        EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
-    }
-    Names Files() const { return obtest::ListTree(folder_.Path()); }
-    // Waits until the work process has written half a file beside the copy.
-    bool AwaitUnfinished() const {
-        for (int waited = 0; waited < kLimit; waited += 5, Sleep(5)) {
-            for (const std::wstring& name : Files()) {
-                if (name.ends_with(L".new") &&
-                    obtest::ReadFileContent(folder_ / name) == "half a file") {
-                    return true;
-                }
-            }
-        }
-        return false;
-    }
-
-    const obtest::TestFolder folder_;
-    ProviderManagerHandle manager_ = nullptr;
-};
+class ManagerStages : public ManagerFixture {};
 
 TEST_F(ManagerStages, CountTheSelectedTransformsThatWorkInThem) {
     std::int32_t counts[4] = {9, 9, 9, 9};
