@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cwchar>
 
+#include "services/providers/ui/PersonalDataDialogIds.h"
+#include "services/providers/ui/ResizeDialogIds.h"
 #include "tools/pickerdriver/Output.h"
 
 namespace pickerdriver {
@@ -15,10 +17,17 @@ Choice ParseChoice(const std::wstring& name) {
     throw Failure{L"--choice is zip, encrypt or none, not \"" + name + L"\""};
 }
 
-// The transforms that this build has, with the string ids of their boxes.
-UINT ParseTransform(const std::wstring& name) {
-    if (name == L"clean") return 185;
-    throw Failure{L"--tick is clean, not \"" + name + L"\""};
+constexpr Transform kTransforms[] = {
+    {L"clean", 185, OB_PERSONAL_DATA_RECEIPT, 0, 0, true},
+    {L"resize", 182, OB_RESIZE_EDGE, OB_RESIZE_EDGE, OB_RESIZE_EDGE_NUMBER, false},
+    {L"fit", 182, OB_RESIZE_EDGE, OB_RESIZE_FIT, OB_RESIZE_FIT_NUMBER, false},
+};
+
+const Transform* ParseTransform(const std::wstring& name) {
+    for (const Transform& transform : kTransforms) {
+        if (name == transform.name) return &transform;
+    }
+    throw Failure{L"--tick is clean, resize or fit, not \"" + name + L"\""};
 }
 
 void SplitFiles(const std::wstring& list, std::vector<std::wstring>& files) {
@@ -41,6 +50,8 @@ void Apply(Task& task, const std::wstring& option, const std::wstring& value) {
         task.hasChoice = true;
     } else if (option == L"--tick") {
         task.tick = ParseTransform(value);
+    } else if (option == L"--number") {
+        task.number = value;
     } else if (option == L"--files") {
         SplitFiles(value, task.files);
     } else if (option == L"--file") {
@@ -90,7 +101,8 @@ void Check(const Task& task) {
 const wchar_t kUsage[] =
     L"usage: pickerdriver [OPTION]... [-- PROGRAM [ARGUMENT]...]\n"
     L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own is kept\n"
-    L"  --tick clean               ticks the box of this transform and answers its dialogs\n"
+    L"  --tick clean|resize|fit    ticks the box of this transform and answers its dialogs\n"
+    L"  --number N                 typed in the settings of resize or fit\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"
     L"  --cancel                   presses Cancel instead of Open\n"

@@ -10,18 +10,29 @@ namespace pickerdriver {
 
 enum class Choice { Zip, Encrypt, None };
 
+// A transform that this build has, as the UI driver meets it.
+struct Transform {
+    const wchar_t* name;
+    UINT box;        // the id of its text in the picker
+    int settings;    // a control of its settings dialog
+    int pressed;     // a button that is pressed there; 0: none
+    int numberField; // 0: none
+    bool hasReceipt; // before the files go to the page
+};
+
 struct Task {
     Choice choice = Choice::Zip;
     bool hasChoice = false;          // otherwise the picker's own choice is kept
     std::vector<std::wstring> files; // full paths
     std::wstring password;
     bool cancel = false;
-    UINT tick = 0;           // string id of the transform whose box is ticked; 0: none
-    DWORD limit = 60000;     // milliseconds for each wait
-    std::wstring picture;    // base of the pictures' names; empty for none
-    std::wstring pageResult; // the file in which the page lists what it got
-    std::wstring keepFolder; // where to copy the files that the page got
-    std::wstring program;    // a whole command line; empty: another program shows the picker
+    const Transform* tick = nullptr; // whose box is ticked; null: none
+    std::wstring number;             // typed in its settings; empty: as they are
+    DWORD limit = 60000;             // milliseconds for each wait
+    std::wstring picture;            // base of the pictures' names; empty for none
+    std::wstring pageResult;         // the file in which the page lists what it got
+    std::wstring keepFolder;         // where to copy the files that the page got
+    std::wstring program; // a whole command line; empty: another program shows the picker
 };
 
 extern const wchar_t kUsage[];

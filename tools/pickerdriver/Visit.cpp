@@ -6,7 +6,6 @@
 #include <optional>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "tests/support/PasswordUiDriver.h"
 #include "tests/support/PickerUiDriver.h"
@@ -140,18 +139,27 @@ void PressOkOf(HWND dialog, const Task& task, HANDLE program, const wchar_t* suf
     Await(L"end of the dialog", task.limit, program, [&] { return !IsWindow(dialog); });
 }
 
-// Ticks the box. The settings of its transform, of which a fresh prefix has none, are asked for and
-// taken as they are.
+void ChangeSettings(HWND settings, const Task& task) {
+    if (task.tick->pressed != 0) {
+        SendMessageW(GetDlgItem(settings, task.tick->pressed), BM_CLICK, 0, 0);
+    }
+    if (task.number.empty() || task.tick->numberField == 0) return;
+    SendMessageW(GetDlgItem(settings, task.tick->numberField), WM_SETTEXT, 0,
+                 reinterpret_cast<LPARAM>(task.number.c_str()));
+}
+
+// Ticks the box. The settings of its transform, of which a fresh prefix has none, are asked for.
 void Tick(const obtest::OpenPicker& picker, const Task& task, HANDLE program) {
-    if (task.tick == 0) return;
-    const std::wstring text = LibraryText(task.tick);
+    if (!task.tick) return;
+    const std::wstring text = LibraryText(task.tick->box);
     Await(L"box \"" + text + L"\"", task.limit, program, [&] { return picker.IsEnabled(text); });
     if (!picker.Click(text)) throw Failure{L"the box \"" + text + L"\" takes no click"};
     HWND settings = nullptr;
     Await(L"settings of \"" + text + L"\"", task.limit, program, [&] {
-        settings = DialogWith(OB_PERSONAL_DATA_RECEIPT);
+        settings = DialogWith(task.tick->settings);
         return settings != nullptr;
     });
+    ChangeSettings(settings, task);
     PressOkOf(settings, task, program, L"-settings");
     Await(L"tick at \"" + text + L"\"", task.limit, program,
           [&] { return picker.IsChecked(text); });
@@ -160,7 +168,7 @@ void Tick(const obtest::OpenPicker& picker, const Task& task, HANDLE program) {
 
 // What was removed is shown before the files go to the page.
 void TakeReceipt(const Task& task, HANDLE program) {
-    if (task.tick == 0 || task.cancel) return;
+    if (!task.tick || !task.tick->hasReceipt || task.cancel) return;
     HWND receipt = nullptr;
     Await(L"receipt", task.limit, program, [&] {
         receipt = DialogWith(OB_RECEIPT_LIST);
