@@ -1,7 +1,6 @@
 #include "services/transforms/documents/Pdf.h"
 
 #include <exception>
-#include <set>
 #include <utility>
 
 #include <qpdf/QPDF.hh>
@@ -9,6 +8,7 @@
 #include "services/transforms/documents/PdfDictionaries.h"
 #include "services/transforms/documents/PdfFile.h"
 #include "services/transforms/documents/PdfPictures.h"
+#include "services/transforms/documents/PdfWalk.h"
 
 namespace transforms::documents {
 namespace {
@@ -43,7 +43,7 @@ public:
         if (pdf_.isEncrypted()) return Failed(CleanOutcome::Encrypted);
         if (pdf_.getAllPages().empty()) return Failed(CleanOutcome::Damaged);
         CleanTrailer();
-        Walk(pdf_.getRoot());
+        VisitPdfObjects(pdf_.getRoot(), [&](QPDFObjectHandle& object) { Take(object); });
         if (isSigned_) return Failed(CleanOutcome::Signed);
         // Streams are copied as they are coded, so that no page changes.
         OwnedBytes written = WritePdf(pdf_, PdfStreams::AsTheyAre);
@@ -59,20 +59,6 @@ private:
         CleanPdfTrailer(trailer, analysis_.found);
     }
 
-    // Every object that can be reached, each once and without recursion: they refer to each other
-    // as their file likes.
-    void Walk(QPDFObjectHandle root) {
-        std::set<QPDFObjGen> seen;
-        std::vector<QPDFObjectHandle> open{std::move(root)};
-        while (!open.empty()) {
-            auto object = open.back();
-            open.pop_back();
-            if (object.isIndirect() && !seen.insert(object.getObjGen()).second) continue;
-            Take(object);
-            PushChildren(object, open);
-        }
-    }
-
     void Take(QPDFObjectHandle& object) {
         if (object.isStream()) {
             auto dictionary = object.getDict();
@@ -81,22 +67,6 @@ private:
         } else if (object.isDictionary()) {
             isSigned_ |= CleanPdfDictionary(object, analysis_.found);
         }
-    }
-
-    static void PushChildren(QPDFObjectHandle& object, std::vector<QPDFObjectHandle>& open) {
-        if (object.isArray()) {
-            for (auto& item : object.getArrayAsVector()) Push(item, open);
-        } else if (object.isDictionary()) {
-            for (auto& item : object.getDictAsMap()) Push(item.second, open);
-        } else if (object.isStream()) {
-            for (auto& item : object.getDict().getDictAsMap()) Push(item.second, open);
-        }
-    }
-
-    static void Push(const QPDFObjectHandle& item, std::vector<QPDFObjectHandle>& open) {
-        QPDFObjectHandle object = item;
-        const bool isContainer = object.isArray() || object.isDictionary() || object.isStream();
-        if (isContainer) open.push_back(object);
     }
 
     // A file that was written like this before is the same again. Otherwise something went, if only

@@ -1,0 +1,14 @@
+// Visits the objects of a PDF.
+#pragma once
+
+#include <functional>
+
+#include <qpdf/QPDFObjectHandle.hh>
+
+namespace transforms::documents {
+
+// Calls `visit` with every array, dictionary and stream that can be reached from `root`, each once
+// and before what it contains, without recursion: objects refer to each other as their file likes.
+void VisitPdfObjects(QPDFObjectHandle root, const std::function<void(QPDFObjectHandle&)>& visit);
+
+} // namespace transforms::documents
