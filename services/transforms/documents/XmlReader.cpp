@@ -8,7 +8,7 @@ namespace transforms::documents {
 namespace {
 
 constexpr std::string_view kBom = "\xEF\xBB\xBF";
-constexpr std::size_t kMostBindings = 4096;
+constexpr std::size_t kMostBindings = 512; // documents have some dozens
 
 bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 

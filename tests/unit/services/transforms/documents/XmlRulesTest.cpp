@@ -122,6 +122,19 @@ TEST(XmlReader, RefusesElementsThatAreNestedTooDeep) {
     EXPECT_FALSE(IsWhole(nested(XmlReader::kDeepest + 1)));
 }
 
+// Each name is looked up among them.
+TEST(XmlReader, RefusesMoreNamespacesThanDocumentsHave) {
+    const auto bound = [](int count) {
+        std::string text = "<a";
+        for (int number = 0; number < count; ++number) {
+            text += " xmlns:n" + std::to_string(number) + "='urn:x'";
+        }
+        return text + "/>";
+    };
+    EXPECT_TRUE(IsWhole(bound(512)));
+    EXPECT_FALSE(IsWhole(bound(513)));
+}
+
 TEST(XmlReader, ReadsReferencesInValues) {
     EXPECT_EQ(PlainText("a&amp;b&#x41;&#66;&lt;&quot;&apos;&gt;"), "a&bAB<\"'>");
     EXPECT_EQ(PlainText("&other; & &#300; &#x; &"), "&other; & &#300; &#x; &");
