@@ -106,7 +106,8 @@ enum class WorkPhotoKinds : std::uint32_t {
 
 // The settings of ConvertPhoto. Changed: the target is a whole JPEG or PNG, which its first bytes
 // show. Unchanged: an animation or a file of many pages. Not supported: another kind of file, one
-// that isn't to be converted, or one that nothing on the machine decodes.
+// that isn't to be converted or, with the finding "no-decoder", one that nothing on the machine
+// decodes.
 struct WorkPhoto {
     std::uint32_t quality; // of a JPEG, 1 to 100
     WorkPhotoKinds kinds;  // that are converted

@@ -35,6 +35,15 @@ std::optional<PhotoRequest> Asked(const WorkPhoto& settings) {
                         library ? std::move(*library) : std::wstring()};
 }
 
+// Whether the file is a photo of these kinds.
+bool IsWanted(PictureSource& source, unsigned kinds) {
+    try {
+        return (static_cast<unsigned>(PhotoFormOf(source).kind) & kinds) != 0;
+    } catch (const PictureFailure&) {
+        return false; // it can't be read any more
+    }
+}
+
 } // namespace
 
 std::optional<WorkEnd> ConvertPhotoFile(const WorkRequest& request, WorkChannel& channel) {
@@ -46,6 +55,10 @@ std::optional<WorkEnd> ConvertPhotoFile(const WorkRequest& request, WorkChannel&
     PictureWatch watch(channel);
     PictureOutcome outcome = ConvertPhoto(source, target, *asked, watch.Control());
     if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
+    if (outcome == PictureOutcome::Unsupported && IsWanted(source, asked->kinds) &&
+        !channel.SendFinding("no-decoder", 1)) {
+        return {};
+    }
     return EndOfPicture(outcome, target.Size());
 }
 

@@ -30,6 +30,8 @@ struct RunRecord {
     std::set<std::wstring, PathOrder> made;
     // By the path of the result.
     std::map<std::wstring, CleanRecord, PathOrder> cleaned;
+    // The user has read that a photo has no decoder on this machine.
+    bool hasSaidNoDecoder = false;
     // Of the last list stage, for GetTargetFile.
     std::vector<std::wstring> results;
 };

@@ -59,6 +59,9 @@ struct StageCall {
     CallWait& wait;
 };
 
+// The longest path that a result can have: the buffers of GetTargetFile take its NUL besides.
+inline constexpr std::size_t kLongestResult = 513;
+
 // A failed step: shows the sentence with the file's name, unless the call was to end, and returns
 // false.
 bool Refuse(StageCall& call, UINT text, const std::wstring& path);

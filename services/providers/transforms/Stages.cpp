@@ -1,7 +1,9 @@
 #include "services/providers/transforms/Stages.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "services/providers/transforms/ConvertPhotos.h"
 #include "services/providers/transforms/FitMail.h"
 #include "services/providers/transforms/PersonalData.h"
 #include "services/providers/transforms/Resize.h"
@@ -15,12 +17,18 @@ using enum obcontract::TransformId;
 bool LooksAtEachPicture(const RunPlan& plan) { return !plan.resize.FitsMail(); }
 bool FitsPictures(const RunPlan& plan) { return plan.resize.FitsMail(); }
 
+// A transform whose result has the name of the file.
+template <bool (*Work)(StageCall&, const std::wstring&, const std::wstring&)>
+bool InPlace(StageCall& call, std::wstring& path, const std::wstring& folder) {
+    return Work(call, path, folder);
+}
+
 constexpr TransformRow kRows[] = {
     {ConvertPdf, nullptr, nullptr, nullptr},
-    {ConvertPhotos, nullptr, nullptr, nullptr},
-    {ResizeImages, &ResizePicture, nullptr, nullptr, &LooksAtEachPicture},
+    {ConvertPhotos, &ConvertPhoto, nullptr, nullptr},
+    {ResizeImages, &InPlace<&ResizePicture>, nullptr, nullptr, &LooksAtEachPicture},
     {Watermark, nullptr, nullptr, nullptr},
-    {RemoveInfo, &RemovePersonalData, nullptr, &CheckPersonalData},
+    {RemoveInfo, &InPlace<&RemovePersonalData>, nullptr, &CheckPersonalData},
     {CombinePdfs, nullptr, nullptr, nullptr},
     {ResizeImages, nullptr, &FitMail, nullptr, &FitsPictures},
     {SignPdfs, nullptr, nullptr, nullptr},
@@ -37,9 +45,6 @@ bool Counts(const TransformRow& row, const StageCall& call) {
 
 StageCounts CountStages(const StageCall& call) { return CountStages(call.selected, &call.plan); }
 
-// The longest path that a result can have: the buffers of GetTargetFile take its NUL besides.
-constexpr std::size_t kLongestResult = 513;
-
 // Before the work: a result that can't be handed over would be missing from the mail.
 bool CanBeHandedOver(StageCall& call, const std::wstring& path) {
     return path.size() <= kLongestResult || Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
@@ -50,13 +55,21 @@ bool CanBeHandedOver(StageCall& call, const std::vector<std::wstring>& paths) {
         paths, [&](const std::wstring& path) { return CanBeHandedOver(call, path); });
 }
 
-// Runs the selected transforms on one file.
-bool Transform(StageCall& call, const std::wstring& path, const std::wstring& folder) {
+// Runs the selected transforms on one file. `path` becomes that of the result, also for a file that
+// an earlier call has seen.
+bool Transform(StageCall& call, std::wstring& path, const std::wstring& folder) {
+    auto& visited = call.run.record.visited;
+    if (const auto earlier = visited.find(path); earlier != visited.end()) {
+        path = earlier->second;
+        return true;
+    }
+    const std::wstring given = path;
     for (const TransformRow& row : kRows) {
         if (!row.perFile || !Counts(row, call)) continue;
         if (!row.perFile(call, path, folder)) return false;
     }
     call.run.record.done.insert(path);
+    visited[given] = path;
     return true;
 }
 
@@ -87,28 +100,25 @@ bool RunFileStage(StageCall& call, std::wstring& path, const std::wstring& folde
     if (path.empty() || CountStages(call).perFile == 0) return false;
     // Without a temporary folder the files are the user's own.
     if (folder.empty()) return Refuse(call, OB_TEXT_NOT_A_COPY, path);
-    auto& visited = call.run.record.visited;
-    if (const auto earlier = visited.find(path); earlier != visited.end()) {
-        path = earlier->second;
-        return true;
-    }
-    if (!CanBeHandedOver(call, path) || !Transform(call, path, folder)) return false;
-    visited[path] = path;
+    std::wstring result = path;
+    if (!CanBeHandedOver(call, path) || !Transform(call, result, folder)) return false;
+    path = std::move(result);
     return true;
 }
 
 bool RunListStage(StageCall& call, const std::vector<std::wstring>& paths) {
     const StageCounts counts = CountStages(call);
     if (counts.perFile + counts.afterList == 0 || !CanBeHandedOver(call, paths)) return false;
-    for (const std::wstring& path : paths) {
+    std::vector<std::wstring> results = paths;
+    for (std::wstring& path : results) {
         if (!call.run.record.done.contains(path) && !Transform(call, path, {})) return false;
     }
     for (const TransformRow& row : kRows) {
         if (!row.afterList || !Counts(row, call)) continue;
-        if (!row.afterList(call, paths)) return false;
+        if (!row.afterList(call, results)) return false;
     }
     if (!CleanWhatIsNew(call)) return false;
-    call.run.record.results = paths;
+    call.run.record.results = std::move(results);
     return true;
 }
 

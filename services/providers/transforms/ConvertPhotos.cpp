@@ -1,0 +1,99 @@
+#include "services/providers/transforms/ConvertPhotos.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "services/providers/files/ResultName.h"
+#include "services/providers/settings/PhotoSettings.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+
+namespace providers {
+namespace {
+
+// The one finding of a photo that isn't supported because nothing decodes it.
+constexpr char kNoDecoder[] = "no-decoder";
+
+struct RefusalRow {
+    WorkResult result;
+    UINT text;
+};
+
+constexpr RefusalRow kRefusals[] = {
+    {WorkResult::Damaged, OB_TEXT_PHOTO_DAMAGED},
+    {WorkResult::TooLarge, OB_TEXT_PHOTO_TOO_LARGE},
+    {WorkResult::Unreadable, OB_TEXT_UNREADABLE},
+    {WorkResult::Unwritable, OB_TEXT_UNWRITABLE},
+    {WorkResult::NotStarted, OB_TEXT_NO_WORK_PROCESS},
+};
+
+bool RefusePhoto(StageCall& call, WorkResult result, const std::wstring& path) {
+    if (result == WorkResult::Cancelled) return false;
+    const auto* const row = std::ranges::find(kRefusals, result, &RefusalRow::result);
+    return Refuse(call, row == std::end(kRefusals) ? OB_TEXT_PHOTO_FAILED : row->text, path);
+}
+
+// One sentence a run; the file goes out as it is.
+bool Pass(StageCall& call, const WorkReport& report, const std::wstring& path) {
+    const bool hasNoDecoder =
+        std::ranges::find(report.found, kNoDecoder, &WorkFound::key) != report.found.end();
+    if (!hasNoDecoder || call.run.record.hasSaidNoDecoder) return true;
+    call.run.record.hasSaidNoDecoder = true;
+    Refuse(call, OB_TEXT_PHOTO_NO_DECODER, path);
+    return !call.wait.IsEnded();
+}
+
+// By what is in the file: the work process may have said anything. Null for neither of both.
+const wchar_t* ExtensionOf(HANDLE file) {
+    constexpr unsigned char kJpeg[] = {0xFF, 0xD8, 0xFF};
+    constexpr unsigned char kPng[] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
+    unsigned char begin[sizeof kPng] = {};
+    OVERLAPPED atStart{};
+    DWORD read = 0;
+    if (!ReadFile(file, begin, sizeof begin, &read, &atStart) || read != sizeof begin)
+        return nullptr;
+    if (std::memcmp(begin, kJpeg, sizeof kJpeg) == 0) return L"jpg";
+    return std::memcmp(begin, kPng, sizeof kPng) == 0 ? L"png" : nullptr;
+}
+
+bool HasNameOf(const std::wstring& path, const std::wstring& extension) {
+    return HasExtension(path, extension) || (extension == L"jpg" && HasExtension(path, L"jpeg"));
+}
+
+// False, after a sentence, when the result isn't whole or can't get its name.
+bool Place(StageCall& call, NewFile& made, WorkingCopy& copy, const WorkReport& report,
+           std::wstring& path) {
+    const wchar_t* const extension = ExtensionOf(made.Handle());
+    if (!extension || report.size != made.Size()) {
+        return RefusePhoto(call, WorkResult::ProcessFailed, path);
+    }
+    const auto isEnded = [&] { return call.wait.IsEnded(); };
+    const bool done = HasNameOf(path, extension)
+                          ? made.TakePlaceOf(copy, isEnded)
+                          : made.TakeNameBeside(copy, path, extension, kLongestResult, isEnded);
+    return done || Refuse(call, OB_TEXT_UNWRITABLE, path);
+}
+
+} // namespace
+
+bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folder) {
+    // The extensions of both results are equally long.
+    if (ResultPath(path, L"jpg").size() > kLongestResult) {
+        return Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
+    }
+    auto copy = OpenCopy(call, path, folder);
+    if (!copy) return false;
+    const auto made = NewFile::MakeBeside(*copy, call.run.unfinished);
+    if (!made) return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    const WorkOrder order(obcontract::WorkKind::ConvertPhoto,
+                          PhotoSettings::Load(call.settings).Order());
+    const WorkReport report =
+        call.run.process.Run(order, copy->Handle(), made->Handle(), call.wait);
+    if (report.result == WorkResult::Unchanged) return true;
+    if (report.result == WorkResult::NotSupported) return Pass(call, report, path);
+    if (report.result != WorkResult::Changed) return RefusePhoto(call, report.result, path);
+    return Place(call, *made, *copy, report, path);
+}
+
+} // namespace providers

@@ -1,0 +1,17 @@
+// Photos that not every recipient can open become JPEG or PNG (id 50).
+#pragma once
+
+#include <string>
+
+#include "services/providers/transforms/StageCall.h"
+
+namespace providers {
+
+// Puts a JPEG or PNG beside the working copy at `path`, deletes the copy and makes `path` that of
+// the result: the copy's name with another extension, numbered where there is such a file. A file
+// that isn't such a photo stays, as does an animation, a file of many pages and, after one sentence
+// a run, a photo that nothing on this machine decodes. False, after a sentence for the user, when
+// the run has to stop, as for a damaged photo. `folder` as for WorkingCopy::Open.
+bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folder);
+
+} // namespace providers
