@@ -4,6 +4,7 @@
 #include <cwchar>
 
 #include "services/providers/ui/PersonalDataDialogIds.h"
+#include "services/providers/ui/PhotoDialogIds.h"
 #include "services/providers/ui/ResizeDialogIds.h"
 #include "tools/pickerdriver/Output.h"
 
@@ -19,6 +20,7 @@ Choice ParseChoice(const std::wstring& name) {
 
 constexpr Transform kTransforms[] = {
     {L"clean", 185, OB_PERSONAL_DATA_RECEIPT, 0, 0, true},
+    {L"photos", 184, OB_PHOTO_WEBP, 0, 0, false},
     {L"resize", 182, OB_RESIZE_EDGE, OB_RESIZE_EDGE, OB_RESIZE_EDGE_NUMBER, false},
     {L"fit", 182, OB_RESIZE_EDGE, OB_RESIZE_FIT, OB_RESIZE_FIT_NUMBER, false},
 };
@@ -27,7 +29,7 @@ const Transform* ParseTransform(const std::wstring& name) {
     for (const Transform& transform : kTransforms) {
         if (name == transform.name) return &transform;
     }
-    throw Failure{L"--tick is clean, resize or fit, not \"" + name + L"\""};
+    throw Failure{L"--tick is clean, photos, resize or fit, not \"" + name + L"\""};
 }
 
 void SplitFiles(const std::wstring& list, std::vector<std::wstring>& files) {
@@ -101,7 +103,7 @@ void Check(const Task& task) {
 const wchar_t kUsage[] =
     L"usage: pickerdriver [OPTION]... [-- PROGRAM [ARGUMENT]...]\n"
     L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own is kept\n"
-    L"  --tick clean|resize|fit    ticks the box of this transform and answers its dialogs\n"
+    L"  --tick clean|photos|resize|fit  ticks the box of this transform and answers its dialogs\n"
     L"  --number N                 typed in the settings of resize or fit\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"
