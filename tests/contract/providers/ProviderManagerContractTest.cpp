@@ -26,7 +26,8 @@ constexpr TransformId kTransformIds[] = {TransformId::ResizeImages, TransformId:
 constexpr std::uint32_t kStorageId = 7;
 constexpr std::uint32_t kRemoveInfo = 51;
 // The transforms that this build's manager has; the fake is told the same.
-constexpr TransformId kSupported[] = {TransformId::ResizeImages, TransformId::RemoveInfo};
+constexpr TransformId kSupported[] = {TransformId::ResizeImages, TransformId::ConvertPhotos,
+                                      TransformId::RemoveInfo};
 
 ProviderProfile FilledProfile() {
     ProviderProfile profile{};
