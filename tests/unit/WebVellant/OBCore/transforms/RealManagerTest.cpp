@@ -81,6 +81,16 @@ TEST_F(TransformsByTheRealManager, CleanTheCopyOfAnOdfDocument) {
     ExpectCleanedDocument(L"letter.odt", samples::Odt().File());
 }
 
+TEST_F(TransformsByTheRealManager, NameASignedDocumentAndLeaveItAsItIs) {
+    const std::string content = samples::OnePage("", "/Perms <</DocMDP <</Type /Sig /Contents <00> "
+                                                     "/ByteRange [0 1 2 3]>>>>")
+                                    .File();
+    EXPECT_TRUE(Transform(IDOK, sources_.File(L"contract.pdf", content)));
+    EXPECT_NE(receipt_.find(L"contract.pdf: can't be cleaned, it is signed"), std::wstring::npos);
+    ASSERT_EQ(job_.Files, Lines{RunFolder() + L"contract.pdf"});
+    EXPECT_EQ(obtest::ReadFileContent(job_.Files[0]), content);
+}
+
 TEST_F(TransformsByTheRealManager, AttachNothingWhenTheUserRefusesTheReceipt) {
     EXPECT_FALSE(Transform(IDCANCEL));
     EXPECT_TRUE(job_.Files.empty());

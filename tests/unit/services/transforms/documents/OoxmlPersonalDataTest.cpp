@@ -201,6 +201,10 @@ TEST(OoxmlRefusals, OtherPackagesAndZipsAreNotSupported) {
     EXPECT_EQ(CheckDocument(drawing.File()).outcome, CleanOutcome::NotSupported);
 }
 
+TEST(OoxmlRefusals, AnEmptyFileIsNoDocument) {
+    EXPECT_EQ(CheckDocument("").outcome, CleanOutcome::NotSupported);
+}
+
 TEST(OoxmlRefusals, DamageInAPartIsDamage) {
     for (const char* content : {"", "<a>", "<w:document", "<a></b>", "<a/><b/>", "text",
                                 "<!DOCTYPE a [<!ENTITY b \"c\">]><a>&b;</a>", "<a b=c/>",
