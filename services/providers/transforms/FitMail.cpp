@@ -33,11 +33,6 @@ struct FitFile {
     std::optional<WorkReport> written;
 };
 
-std::uint64_t SizeOf(const WorkingCopy& copy) {
-    LARGE_INTEGER size{};
-    return GetFileSizeEx(copy.Handle(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
-}
-
 std::uint64_t Utf8Length(const std::wstring& text) {
     return static_cast<std::uint64_t>(
         std::max(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
@@ -101,7 +96,9 @@ bool Fit::Open(const std::vector<std::wstring>& paths) {
         if (!seen.insert(path).second) continue;
         auto copy = OpenCopy(call_, path, {});
         if (!copy) return false;
-        const std::uint64_t bytes = SizeOf(*copy);
+        LARGE_INTEGER size{};
+        if (!GetFileSizeEx(copy->Handle(), &size)) return Refuse(call_, OB_TEXT_UNREADABLE, path);
+        const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
         files_.push_back({path, std::move(*copy), bytes, {}, nullptr, {}});
         if (call_.isZipped) zip_ += kZipEntry + 2 * Utf8Length(FileNameOf(path));
     }

@@ -16,7 +16,7 @@ using ObLib::UniqueKernelHandle;
 // A process is replaced after so many requests, and before they don't fit into the pipe at once:
 // one that answers without reading them can't make a write wait.
 constexpr std::size_t kMostRequests = 64;
-constexpr DWORD kPipeRoom = 256 * 1024; // bytes
+constexpr DWORD kPipeRoom = WorkProcess::kPipeRoom;
 static_assert(sizeof(WorkHeader) + kLargestWorkPayload <= kPipeRoom);
 static_assert((2 * WorkSeries::kMostFiles + 1) *
                   (sizeof(WorkHeader) + sizeof(WorkFiles) + sizeof(WorkPlain)) <=

@@ -28,6 +28,8 @@ struct WorkSettings {
 // at a time calls it; a thread of its own reads the replies. The process ends with this object.
 class WorkProcess {
 public:
+    static constexpr DWORD kPipeRoom = 256 * 1024; // bytes of requests that nobody reads
+
     explicit WorkProcess(WorkSettings settings) : settings_(std::move(settings)) {}
     ~WorkProcess() { Stop(); }
     WorkProcess(const WorkProcess&) = delete;

@@ -133,6 +133,52 @@ TEST_F(WorkProcessTest, IsReplacedBeforeItsUnreadRequestsFillThePipe) {
     }
 }
 
+// Requests that belong together are lost with their process: another one knows nothing of them.
+TEST_F(WorkProcessTest, IsNotReplacedWithinASeries) {
+    WorkProcess process(Settings());
+    const std::string before = ProcessOf(Run(process, "good"));
+    CallWait wait(ended_.Get(), nullptr);
+    {
+        WorkSeries series(process);
+        const auto run = [&] {
+            return series.Run(CleanOrder(), source_.Get(), target_.Get(), wait);
+        };
+        Script("crash-after-done");
+        const WorkReport first = run();
+        EXPECT_EQ(first.result, WorkResult::Changed);
+        EXPECT_NE(ProcessOf(first), before); // it gets a process of its own
+        Script("good");
+        EXPECT_EQ(run().result, WorkResult::ProcessFailed);
+        EXPECT_EQ(run().result, WorkResult::ProcessFailed);
+    }
+    EXPECT_EQ(Run(process, "good").result, WorkResult::Changed);
+}
+
+TEST_F(WorkProcessTest, TakesMoreRequestsInASeriesThanBesides) {
+    Script("answer-unread");
+    WorkProcess process(Settings());
+    WorkSeries series(process);
+    CallWait wait(ended_.Get(), nullptr);
+    const WorkOrder order(obcontract::WorkKind::FitAdd, obcontract::WorkPlain{});
+    for (int request = 0; request < 200; ++request) {
+        ASSERT_EQ(series.Run(order, source_.Get(), nullptr, wait).result, WorkResult::Unchanged);
+    }
+}
+
+// A write to a process that doesn't read never waits, as the system's pipe takes what this side
+// counts on.
+TEST_F(WorkProcessTest, HasAPipeWithTheRoomThatItCountsOn) {
+    ObLib::UniqueKernelHandle reading;
+    ObLib::UniqueKernelHandle writing;
+    ASSERT_TRUE(CreatePipe(reading.Put(), writing.Put(), nullptr, WorkProcess::kPipeRoom));
+    const std::string record(40, 'r');
+    for (std::size_t sent = 0; sent + record.size() <= WorkProcess::kPipeRoom;
+         sent += record.size()) {
+        DWORD written = 0;
+        ASSERT_TRUE(WriteFile(writing.Get(), record.data(), 40, &written, nullptr));
+    }
+}
+
 TEST_F(WorkProcessTest, IsNotSearchedForWithoutAPath) {
     WorkProcess process((WorkSettings()));
     EXPECT_EQ(Run(process, "good").result, WorkResult::NotStarted);
