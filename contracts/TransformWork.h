@@ -35,8 +35,8 @@ enum class WorkKind : std::uint32_t {
     FitAdd = 5,
     FitSearch = 6,
     FitWrite = 7,
-    Watermark = 9,     // lays a text over a picture or the pages of a PDF
-    ConvertPhoto = 20, // makes a JPEG or PNG of a photo of another kind
+    ConvertPhoto = 8, // makes a JPEG or PNG of a photo of another kind
+    Watermark = 9,    // lays a text over a picture or the pages of a PDF
     // Replies.
     Progress = 0x101,
     Finding = 0x102,

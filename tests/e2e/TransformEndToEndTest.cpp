@@ -9,6 +9,7 @@
 #include "tests/e2e/ZipContents.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
+#include "tests/unit/services/transforms/documents/PdfBuilder.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 
 namespace obtest {
@@ -16,8 +17,10 @@ namespace {
 
 using Texts = std::vector<std::wstring>;
 
-constexpr UINT kRemovePersonalData = 185; // the text of the box
+// The texts of the boxes.
+constexpr UINT kAddWatermark = 181;
 constexpr UINT kResizeImages = 182;
+constexpr UINT kRemovePersonalData = 185;
 constexpr DWORD kReceiptLimit = 60000; // milliseconds
 
 struct ReceiptSearch {
@@ -46,7 +49,20 @@ bool AnswerReceipt(int button) {
     return OpenPicker::WaitFor([&] { return !IsWindow(receipt); }, kReceiptLimit);
 }
 
-class TransformEndToEnd : public RealRequest {
+// What the UI driver does when a transform is wanted.
+class TickedRequest : public RealRequest {
+protected:
+    Use PickTicked(UINT boxText, Choice choice, Texts paths) const {
+        return [box = Text(boxText), pick = Pick(choice, std::move(paths))](OpenPicker& picker) {
+            ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsEnabled(box); }));
+            ASSERT_TRUE(picker.Click(box));
+            ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(box); }));
+            pick(picker);
+        };
+    }
+};
+
+class TransformEndToEnd : public TickedRequest {
 protected:
     // The settings are there, so that the tick asks for none.
     void SetUp() override {
@@ -55,14 +71,15 @@ protected:
             std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\51";
         SetValue(HKEY_CURRENT_USER, key, L"ShowReceipt", L"1");
         SetValue(HKEY_CURRENT_USER, key, L"AskAboutOtherFiles", L"1");
+        const std::wstring mark =
+            std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\5";
+        SetValue(HKEY_CURRENT_USER, mark, L"Text", L"Ann Example");
     }
 
+    using TickedRequest::PickTicked;
     Use PickTicked(Choice choice, Texts paths, int receiptButton) const {
-        return [box = Text(kRemovePersonalData), pick = Pick(choice, std::move(paths)),
+        return [pick = PickTicked(kRemovePersonalData, choice, std::move(paths)),
                 receiptButton](OpenPicker& picker) {
-            ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsEnabled(box); }));
-            ASSERT_TRUE(picker.Click(box));
-            ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(box); }));
             pick(picker);
             EXPECT_TRUE(AnswerReceipt(receiptButton));
         };
@@ -131,22 +148,32 @@ TEST_F(TransformEndToEnd, GivesNothingWhenTheReceiptIsRefused) {
     ExpectNoMoreThan({});
 }
 
+TEST_F(TransformEndToEnd, LaysAWatermarkOverAPdfAndLeavesATextAsItIs) {
+    const std::string pdf = samples::OnePage().File();
+    const std::wstring pages = files_.File(L"pages.pdf", pdf);
+    const std::wstring text = files_.File(L"letter.txt", "Dear all");
+    PickerUiDriver driver(PickTicked(kAddWatermark, Choice::Zip, {pages, text}));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    const auto entries = ReadZip(answer.given[0]);
+    ASSERT_EQ(entries.size(), 2u);
+    const std::string& marked = entries.at("pages.pdf").content;
+    EXPECT_TRUE(marked.starts_with("%PDF-"));
+    EXPECT_NE(marked.find("/ObStamp1"), std::string::npos);
+    EXPECT_EQ(entries.at("letter.txt").content, "Dear all");
+    EXPECT_EQ(ReadFileContent(pages), pdf);
+    const std::wstring folder = FolderOf(answer.given[0]).substr(TempFolder().size() + 1);
+    ExpectNoMoreThan({folder, folder + NameOf(answer.given[0])});
+}
+
 // Pictures that are made smaller.
-class ResizeEndToEnd : public RealRequest {
+class ResizeEndToEnd : public TickedRequest {
 protected:
     static void Aim(const wchar_t* aim, const wchar_t* name, const wchar_t* number) {
         const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\2";
         SetValue(HKEY_CURRENT_USER, key, L"Aim", aim);
         SetValue(HKEY_CURRENT_USER, key, name, number);
-    }
-    Use PickTicked(Choice choice, Texts paths) const {
-        return
-            [box = Text(kResizeImages), pick = Pick(choice, std::move(paths))](OpenPicker& picker) {
-                ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsEnabled(box); }));
-                ASSERT_TRUE(picker.Click(box));
-                ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(box); }));
-                pick(picker);
-            };
     }
     static std::string Coded(unsigned width, unsigned seed, unsigned grain) {
         const auto jpeg = MakeJpeg(Photo(width, 900, 3, 8, seed, grain), {.quality = 95});
@@ -161,7 +188,7 @@ TEST_F(ResizeEndToEnd, GivesASmallerCopyOfOnePhoto) {
     Aim(L"LongestEdge", L"Pixels", L"300");
     const std::string photo = Coded(1200, 1, 16);
     const std::wstring source = files_.File(L"photo.jpg", photo);
-    PickerUiDriver driver(PickTicked(Choice::None, {source}));
+    PickerUiDriver driver(PickTicked(kResizeImages, Choice::None, {source}));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
@@ -180,7 +207,7 @@ TEST_F(ResizeEndToEnd, GivesOneZipThatFitsTheMail) {
     std::string text;
     while (text.size() < 1'500'000) text += "line " + std::to_string(text.size() % 977) + "\r\n";
     paths.push_back(files_.File(L"log.txt", text));
-    PickerUiDriver driver(PickTicked(Choice::Zip, paths));
+    PickerUiDriver driver(PickTicked(kResizeImages, Choice::Zip, paths));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);

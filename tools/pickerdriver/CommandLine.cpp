@@ -6,6 +6,7 @@
 #include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/PhotoDialogIds.h"
 #include "services/providers/ui/ResizeDialogIds.h"
+#include "services/providers/ui/WatermarkDialogIds.h"
 #include "tools/pickerdriver/Output.h"
 
 namespace pickerdriver {
@@ -23,13 +24,14 @@ constexpr Transform kTransforms[] = {
     {L"photos", 184, OB_PHOTO_WEBP, 0, 0, false},
     {L"resize", 182, OB_RESIZE_EDGE, OB_RESIZE_EDGE, OB_RESIZE_EDGE_NUMBER, false},
     {L"fit", 182, OB_RESIZE_EDGE, OB_RESIZE_FIT, OB_RESIZE_FIT_NUMBER, false},
+    {L"watermark", 181, OB_WATERMARK_TEXT, 0, OB_WATERMARK_TEXT, false},
 };
 
 const Transform* ParseTransform(const std::wstring& name) {
     for (const Transform& transform : kTransforms) {
         if (name == transform.name) return &transform;
     }
-    throw Failure{L"--tick is clean, photos, resize or fit, not \"" + name + L"\""};
+    throw Failure{L"--tick is clean, photos, resize, fit or watermark, not \"" + name + L"\""};
 }
 
 void SplitFiles(const std::wstring& list, std::vector<std::wstring>& files) {
@@ -52,8 +54,8 @@ void Apply(Task& task, const std::wstring& option, const std::wstring& value) {
         task.hasChoice = true;
     } else if (option == L"--tick") {
         task.tick = ParseTransform(value);
-    } else if (option == L"--number") {
-        task.number = value;
+    } else if (option == L"--value") {
+        task.value = value;
     } else if (option == L"--files") {
         SplitFiles(value, task.files);
     } else if (option == L"--file") {
@@ -103,8 +105,10 @@ void Check(const Task& task) {
 const wchar_t kUsage[] =
     L"usage: pickerdriver [OPTION]... [-- PROGRAM [ARGUMENT]...]\n"
     L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own is kept\n"
-    L"  --tick clean|photos|resize|fit  ticks the box of this transform and answers its dialogs\n"
-    L"  --number N                 typed in the settings of resize or fit\n"
+    L"  --tick NAME                ticks the box of this transform and answers its dialogs: "
+    L"clean,\n"
+    L"                             photos, resize, fit or watermark\n"
+    L"  --value TEXT               typed in its settings: a number, or the text of a watermark\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"
     L"  --cancel                   presses Cancel instead of Open\n"

@@ -16,7 +16,7 @@ struct Transform {
     UINT box;        // the id of its text in the picker
     int settings;    // a control of its settings dialog
     int pressed;     // a button that is pressed there; 0: none
-    int numberField; // 0: none
+    int valueField;  // takes --value; 0: none
     bool hasReceipt; // before the files go to the page
 };
 
@@ -27,7 +27,7 @@ struct Task {
     std::wstring password;
     bool cancel = false;
     const Transform* tick = nullptr; // whose box is ticked; null: none
-    std::wstring number;             // typed in its settings; empty: as they are
+    std::wstring value;              // typed in its settings; empty: as they are
     DWORD limit = 60000;             // milliseconds for each wait
     std::wstring picture;            // base of the pictures' names; empty for none
     std::wstring pageResult;         // the file in which the page lists what it got

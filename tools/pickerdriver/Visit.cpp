@@ -143,9 +143,9 @@ void ChangeSettings(HWND settings, const Task& task) {
     if (task.tick->pressed != 0) {
         SendMessageW(GetDlgItem(settings, task.tick->pressed), BM_CLICK, 0, 0);
     }
-    if (task.number.empty() || task.tick->numberField == 0) return;
-    SendMessageW(GetDlgItem(settings, task.tick->numberField), WM_SETTEXT, 0,
-                 reinterpret_cast<LPARAM>(task.number.c_str()));
+    if (task.value.empty() || task.tick->valueField == 0) return;
+    SendMessageW(GetDlgItem(settings, task.tick->valueField), WM_SETTEXT, 0,
+                 reinterpret_cast<LPARAM>(task.value.c_str()));
 }
 
 // Ticks the box. The settings of its transform, of which a fresh prefix has none, are asked for.

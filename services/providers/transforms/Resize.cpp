@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "services/providers/transforms/ChangeCopy.h"
 #include "services/providers/ui/TextIds.h"
 
 namespace providers {
@@ -25,20 +26,8 @@ constexpr AimRow kAims[] = {
     {ResizeAim::BytesEach, WorkAim::Bytes, kBytesOfKilobyte},
 };
 
-struct RefusalRow {
-    WorkResult result;
-    UINT text;
-};
-
-constexpr RefusalRow kRefusals[] = {
-    {WorkResult::Damaged, OB_TEXT_RESIZE_DAMAGED},
-    {WorkResult::TooLarge, OB_TEXT_RESIZE_TOO_LARGE},
-    {WorkResult::CannotFit, OB_TEXT_RESIZE_CANNOT},
-    {WorkResult::Unreadable, OB_TEXT_UNREADABLE},
-    {WorkResult::Unwritable, OB_TEXT_UNWRITABLE},
-    {WorkResult::ProcessFailed, OB_TEXT_RESIZE_FAILED},
-    {WorkResult::NotStarted, OB_TEXT_NO_WORK_PROCESS},
-};
+constexpr RefusalTexts kTexts = {OB_TEXT_RESIZE_DAMAGED, OB_TEXT_RESIZE_TOO_LARGE,
+                                 OB_TEXT_RESIZE_CANNOT, OB_TEXT_RESIZE_FAILED};
 
 WorkOrder OrderFor(const ResizeSettings& settings) {
     const auto* const row = std::ranges::find(kAims, settings.aim, &AimRow::aim);
@@ -49,22 +38,11 @@ WorkOrder OrderFor(const ResizeSettings& settings) {
 } // namespace
 
 bool RefuseResize(StageCall& call, WorkResult result, const std::wstring& path) {
-    const auto* const row = std::ranges::find(kRefusals, result, &RefusalRow::result);
-    return row != std::end(kRefusals) && Refuse(call, row->text, path);
+    return RefuseResult(call, result, kTexts, path);
 }
 
 bool ResizePicture(StageCall& call, const std::wstring& path, const std::wstring& folder) {
-    auto copy = OpenCopy(call, path, folder);
-    if (!copy) return false;
-    const auto smaller = NewFile::MakeBeside(*copy, call.run.unfinished);
-    if (!smaller) return Refuse(call, OB_TEXT_UNWRITABLE, path);
-    const WorkReport report = call.run.process.Run(OrderFor(call.plan.resize), copy->Handle(),
-                                                   smaller->Handle(), call.wait);
-    if (report.result == WorkResult::Unchanged || report.result == WorkResult::NotSupported) {
-        return true;
-    }
-    if (report.result != WorkResult::Changed) return RefuseResize(call, report.result, path);
-    return TakePlace(call, *smaller, *copy, report) || Refuse(call, OB_TEXT_UNWRITABLE, path);
+    return ChangeCopy(call, path, folder, OrderFor(call.plan.resize), kTexts);
 }
 
 } // namespace providers

@@ -18,6 +18,11 @@ bool Refuse(StageCall& call, UINT text, const std::wstring& path) {
     return false;
 }
 
+bool Ask(StageCall& call, UINT text, const std::wstring& path) {
+    return !call.wait.IsEnded() &&
+           AskQuestion(call.wait.Owner(), FormatOwnText(text, {FileNameOf(path)}));
+}
+
 std::optional<WorkingCopy> OpenCopy(StageCall& call, const std::wstring& path,
                                     const std::wstring& folder) {
     CopyRefusal refusal{};

@@ -66,6 +66,10 @@ inline constexpr std::size_t kLongestResult = 513;
 // false.
 bool Refuse(StageCall& call, UINT text, const std::wstring& path);
 
+// A question about the file with the name in it, Yes or No. False, without a question, when the
+// call was to end.
+bool Ask(StageCall& call, UINT text, const std::wstring& path);
+
 // The working copy at the path; `folder` as for WorkingCopy::Open. Nothing, after a sentence, when
 // it isn't one or can't be read.
 std::optional<WorkingCopy> OpenCopy(StageCall& call, const std::wstring& path,

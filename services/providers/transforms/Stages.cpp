@@ -7,6 +7,7 @@
 #include "services/providers/transforms/FitMail.h"
 #include "services/providers/transforms/PersonalData.h"
 #include "services/providers/transforms/Resize.h"
+#include "services/providers/transforms/Watermark.h"
 #include "services/providers/ui/TextIds.h"
 
 namespace providers {
@@ -27,7 +28,7 @@ constexpr TransformRow kRows[] = {
     {ConvertPdf, nullptr, nullptr, nullptr},
     {ConvertPhotos, &ConvertPhoto, nullptr, nullptr},
     {ResizeImages, &InPlace<&ResizePicture>, nullptr, nullptr, &LooksAtEachPicture},
-    {Watermark, nullptr, nullptr, nullptr},
+    {Watermark, &InPlace<&AddWatermark>, nullptr, nullptr},
     {RemoveInfo, &InPlace<&RemovePersonalData>, nullptr, &CheckPersonalData},
     {CombinePdfs, nullptr, nullptr, nullptr},
     {ResizeImages, nullptr, &FitMail, nullptr, &FitsPictures},

@@ -4,6 +4,14 @@
 #include "services/providers/ui/TextIds.h"
 
 namespace providers {
+namespace {
+
+int ShowBox(HWND owner, const std::wstring& text, UINT kind) {
+    return MessageBoxW(IsWindow(owner) ? owner : nullptr, text.c_str(),
+                       OwnText(OB_TEXT_CAPTION).c_str(), kind);
+}
+
+} // namespace
 
 // The system makes no copy: the texts are counted, and not ended by a NUL.
 std::wstring OwnText(UINT id) {
@@ -34,8 +42,11 @@ std::wstring FileNameOf(const std::wstring& path) {
 }
 
 void ShowSentence(HWND owner, const std::wstring& sentence) {
-    MessageBoxW(IsWindow(owner) ? owner : nullptr, sentence.c_str(),
-                OwnText(OB_TEXT_CAPTION).c_str(), MB_OK | MB_ICONEXCLAMATION);
+    ShowBox(owner, sentence, MB_OK | MB_ICONEXCLAMATION);
+}
+
+bool AskQuestion(HWND owner, const std::wstring& question) {
+    return ShowBox(owner, question, MB_YESNO | MB_DEFBUTTON2 | MB_ICONQUESTION) == IDYES;
 }
 
 } // namespace providers

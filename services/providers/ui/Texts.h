@@ -20,4 +20,7 @@ std::wstring FileNameOf(const std::wstring& path);
 // One sentence for the user, in a box in front of the owner; of nothing when that no longer exists.
 void ShowSentence(HWND owner, const std::wstring& sentence);
 
+// A question in such a box. True after Yes; No has the focus, as Yes lets something out.
+bool AskQuestion(HWND owner, const std::wstring& question);
+
 } // namespace providers

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -20,6 +21,14 @@ public:
         static_assert(std::is_trivially_copyable_v<Settings>);
         static_assert(sizeof settings <= obcontract::kMostWorkSettings);
         std::memcpy(settings_.data(), &settings, sizeof settings);
+    }
+
+    // For a kind with a text after its record, in UTF-16 without a NUL.
+    template <class Settings>
+    WorkOrder(obcontract::WorkKind kind, const Settings& settings, std::wstring_view text)
+        : WorkOrder(kind, settings) {
+        settings_.resize(sizeof settings + text.size() * sizeof(wchar_t));
+        std::memcpy(settings_.data() + sizeof settings, text.data(), text.size() * sizeof(wchar_t));
     }
 
     obcontract::WorkKind Kind() const noexcept { return kind_; }

@@ -182,9 +182,33 @@ void ActInFit(const std::string& word, const Taken& taken) {
     Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, size});
 }
 
+// What was asked for, as the content of the target.
+std::string ResizeText(const Taken& taken) {
+    WorkResize settings{};
+    std::memcpy(&settings, taken.settings.data(), sizeof settings);
+    return "aim " + std::to_string(static_cast<int>(settings.aim)) + ' ' +
+           std::to_string(settings.value);
+}
+
+std::string MarkText(const Taken& taken) {
+    WorkWatermark settings{};
+    std::memcpy(&settings, taken.settings.data(), sizeof settings);
+    std::string text = "mark " + std::to_string(static_cast<int>(settings.place)) + ' ' +
+                       std::to_string(settings.opacity) + ' ';
+    for (std::size_t at = sizeof settings; at < taken.settings.size(); at += sizeof(wchar_t))
+        text += static_cast<char>(taken.settings[at]); // the tests' texts are ASCII
+    return text;
+}
+
 // The requests about pictures and zips. False for another one and for a word that isn't about them.
 bool ActOnPicture(const std::string& word, const Taken& taken) {
     const WorkKind kind = taken.header.kind;
+    if (word == "record") {
+        std::ofstream kinds(obtest::BesideProgram(L"kinds.txt").c_str(), std::ios::app);
+        kinds << static_cast<std::uint32_t>(kind) << ' ';
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
+        return true;
+    }
     if (kind == WorkKind::Measure) {
         // Half of what any test writes into a file, or all of it.
         const std::uint64_t size = word == "fit-small-zip" ? 1000 : ~std::uint64_t{0};
@@ -192,7 +216,7 @@ bool ActOnPicture(const std::string& word, const Taken& taken) {
         return true;
     }
     if (kind >= WorkKind::FitAdd && kind <= WorkKind::FitWrite) return ActInFit(word, taken), true;
-    if (kind != WorkKind::Resize) return false;
+    if (kind != WorkKind::Resize && kind != WorkKind::Watermark) return false;
     if (word == "unchanged") {
         Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
     } else if (word == "not-supported") {
@@ -201,11 +225,12 @@ bool ActOnPicture(const std::string& word, const Taken& taken) {
         Send(WorkKind::Failed, WorkFailed{WorkFailure::Damaged, 0});
     } else if (word == "cannot") {
         Send(WorkKind::Failed, WorkFailed{WorkFailure::CannotFit, 0});
+    } else if (word == "signed") {
+        Send(WorkKind::Failed, WorkFailed{WorkFailure::Signed, 0});
+    } else if (word == "encrypted") {
+        Send(WorkKind::Failed, WorkFailed{WorkFailure::Encrypted, 0});
     } else if (word == "good") {
-        WorkResize settings{};
-        std::memcpy(&settings, taken.settings.data(), sizeof settings);
-        const std::string text = "aim " + std::to_string(static_cast<int>(settings.aim)) + ' ' +
-                                 std::to_string(settings.value);
+        const std::string text = kind == WorkKind::Resize ? ResizeText(taken) : MarkText(taken);
         WriteTarget(taken, text.c_str());
         Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, text.size()});
     } else {

@@ -1,0 +1,53 @@
+#include "services/providers/transforms/ChangeCopy.h"
+
+#include "services/providers/ui/TextIds.h"
+
+namespace providers {
+namespace {
+
+UINT TextOf(WorkResult result, const RefusalTexts& texts) {
+    switch (result) {
+    case WorkResult::Damaged:
+        return texts.damaged;
+    case WorkResult::TooLarge:
+        return texts.tooLarge;
+    case WorkResult::CannotFit:
+        return texts.cannotFit;
+    case WorkResult::ProcessFailed:
+        return texts.failed;
+    case WorkResult::Unreadable:
+        return OB_TEXT_UNREADABLE;
+    case WorkResult::NotStarted:
+        return OB_TEXT_NO_WORK_PROCESS;
+    default:
+        return OB_TEXT_UNWRITABLE;
+    }
+}
+
+} // namespace
+
+bool RefuseResult(StageCall& call, WorkResult result, const RefusalTexts& texts,
+                  const std::wstring& path) {
+    if (result == WorkResult::Cancelled) return false;
+    return Refuse(call, TextOf(result, texts), path);
+}
+
+bool ChangeCopy(StageCall& call, const std::wstring& path, const std::wstring& folder,
+                const WorkOrder& order, const RefusalTexts& texts, DecideResult* decide) {
+    auto copy = OpenCopy(call, path, folder);
+    if (!copy) return false;
+    const auto changed = NewFile::MakeBeside(*copy, call.run.unfinished);
+    if (!changed) return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    const WorkReport report =
+        call.run.process.Run(order, copy->Handle(), changed->Handle(), call.wait);
+    if (report.result == WorkResult::Unchanged || report.result == WorkResult::NotSupported) {
+        return true;
+    }
+    if (report.result == WorkResult::Changed) {
+        return TakePlace(call, *changed, *copy, report) || Refuse(call, OB_TEXT_UNWRITABLE, path);
+    }
+    const auto decided = decide ? decide(call, report.result, path) : std::nullopt;
+    return decided ? *decided : RefuseResult(call, report.result, texts, path);
+}
+
+} // namespace providers

@@ -1,0 +1,35 @@
+// One working copy changed by one request to the work process.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "services/providers/transforms/StageCall.h"
+
+namespace providers {
+
+// The sentences of a transform for what the file itself is the reason of; %1 is its name. Zero:
+// that can't come.
+struct RefusalTexts {
+    UINT damaged;
+    UINT tooLarge;
+    UINT cannotFit;
+    UINT failed; // the work process couldn't read it
+};
+
+// Stops the run with the sentence for a result by which a file doesn't change; false.
+bool RefuseResult(StageCall& call, WorkResult result, const RefusalTexts& texts,
+                  const std::wstring& path);
+
+// What a transform decides about a result that isn't a change, after it has asked the user: true
+// for a file that goes out as it is, false for a run that stops; nothing for what it doesn't know.
+using DecideResult = std::optional<bool>(StageCall& call, WorkResult result,
+                                         const std::wstring& path);
+
+// Puts what the request makes of the working copy in its place. A file that passes stays as it is.
+// False, after a sentence for the user, when the run has to stop. `folder` as for
+// WorkingCopy::Open; `decide` may be null.
+bool ChangeCopy(StageCall& call, const std::wstring& path, const std::wstring& folder,
+                const WorkOrder& order, const RefusalTexts& texts, DecideResult* decide = nullptr);
+
+} // namespace providers

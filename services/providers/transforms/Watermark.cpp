@@ -1,0 +1,45 @@
+#include "services/providers/transforms/Watermark.h"
+
+#include <iterator>
+#include <string_view>
+
+#include "services/providers/settings/WatermarkSettings.h"
+#include "services/providers/transforms/ChangeCopy.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+
+namespace providers {
+namespace {
+
+using namespace obcontract;
+
+constexpr WorkPlace kPlaces[] = {WorkPlace::TopLeft, WorkPlace::TopRight, WorkPlace::BottomLeft,
+                                 WorkPlace::BottomRight, WorkPlace::Centre};
+static_assert(std::size(kPlaces) == kWatermarkPlaceCount);
+static_assert(kLongestWatermark == kMostWatermarkText);
+
+constexpr RefusalTexts kTexts = {OB_TEXT_WATERMARK_DAMAGED, OB_TEXT_WATERMARK_TOO_LARGE, 0,
+                                 OB_TEXT_WATERMARK_FAILED};
+
+WorkOrder OrderFor(const WatermarkSettings& settings) {
+    const WorkWatermark record{kPlaces[static_cast<std::size_t>(settings.place)], settings.opacity};
+    return {WorkKind::Watermark, record, std::wstring_view(settings.text)};
+}
+
+// Asks about a document whose signature would break, or whose password nobody gave.
+std::optional<bool> GoesWithout(StageCall& call, WorkResult result, const std::wstring& path) {
+    const bool isSigned = result == WorkResult::Signed;
+    if (!isSigned && result != WorkResult::Encrypted) return {};
+    const UINT question = isSigned ? OB_TEXT_WATERMARK_SIGNED : OB_TEXT_WATERMARK_ENCRYPTED;
+    return Ask(call, question, path);
+}
+
+} // namespace
+
+bool AddWatermark(StageCall& call, const std::wstring& path, const std::wstring& folder) {
+    const auto settings = WatermarkSettings::Load(call.settings);
+    if (settings.text.empty()) return Refuse(call, OB_TEXT_WATERMARK_NO_TEXT, path);
+    return ChangeCopy(call, path, folder, OrderFor(settings), kTexts, &GoesWithout);
+}
+
+} // namespace providers

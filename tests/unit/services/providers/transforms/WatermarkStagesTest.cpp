@@ -1,0 +1,129 @@
+// Watermarks in the stages of the manager's module, with a work process that does what the test
+// asks.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "services/providers/ui/WatermarkDialogIds.h"
+#include "tests/unit/services/providers/transforms/ManagerFixture.h"
+#include "tests/unit/services/providers/ui/DialogUiDriver.h"
+
+namespace {
+
+using namespace stagetest;
+
+constexpr std::uint32_t kWatermark = 5;
+const std::wstring kWatermarkKey = std::wstring(kProviderManagerKey) + L"\\Transforms\\5";
+
+class WatermarkStages : public ManagerFixture {
+protected:
+    void SetUp() override {
+        ManagerFixture::SetUp();
+        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
+        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kWatermark, kTransform));
+        Set(L"Text", L"Ann Example");
+        Set(L"Place", L"TopRight");
+        Set(L"Opacity", L"45");
+    }
+    static void Set(const wchar_t* name, const wchar_t* text) {
+        obtest::SetValue(HKEY_CURRENT_USER, kWatermarkKey, name, text);
+    }
+    static std::string Content(const std::wstring& path) {
+        return obtest::ReadFileContent(path).value_or("none");
+    }
+    // Runs the stage on a file about which a question is asked; gives the question.
+    std::wstring Asked(const char* word, int answer, bool& goesOn) {
+        Script(word);
+        obtest::MessageBoxWatcher boxes;
+        boxes.AnswerWith(answer);
+        const std::wstring path = folder_.File(L"contract.pdf", "pages");
+        goesOn = Execute(path);
+        EXPECT_EQ(Content(path), "pages");
+        EXPECT_EQ(Files(), (Names{L"contract.pdf"}));
+        const auto seen = boxes.Seen();
+        EXPECT_EQ(seen.size(), 1u);
+        if (seen.empty()) return {};
+        EXPECT_EQ(seen[0].defaultButton, IDNO);
+        return seen[0].text;
+    }
+};
+
+TEST_F(WatermarkStages, WorkOnEachFile) {
+    EXPECT_TRUE(Entries().IsProviderSupport(manager_, kWatermark, kTransform));
+    EXPECT_EQ(Counts(), (std::vector<std::int32_t>{0, 0, 1, 0}));
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    EXPECT_TRUE(Execute(path));
+    EXPECT_EQ(Content(path), "mark 2 45 Ann Example");
+    EXPECT_EQ(Entries().GetProviderTarget(manager_), path);
+    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+}
+
+TEST_F(WatermarkStages, ComeAfterResizeAndBeforePersonalData) {
+    ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, 2, kTransform));
+    ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, kTransform));
+    Script("record");
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    EXPECT_TRUE(Execute(path));
+    EXPECT_EQ(obtest::ReadFileContent(obtest::BesideProgram(L"kinds.txt")), "3 9 1 ");
+}
+
+TEST_F(WatermarkStages, LeaveAFileThatPassesAsItIs) {
+    const obtest::MessageBoxWatcher boxes;
+    const std::wstring path = folder_.File(L"letter.txt", "text");
+    for (const char* word : {"unchanged", "not-supported"}) {
+        Script(word);
+        EXPECT_TRUE(Execute(path));
+        EXPECT_EQ(Content(path), "text");
+        SetUp();
+    }
+    EXPECT_TRUE(boxes.Seen().empty());
+}
+
+TEST_F(WatermarkStages, AskBeforeASignedFileGoesOutWithoutOne) {
+    bool goesOn = false;
+    EXPECT_EQ(Asked("signed", IDYES, goesOn),
+              L"\u201Ccontract.pdf\u201D is signed, and a watermark would break its signature. "
+              L"Attach it without the watermark?");
+    EXPECT_TRUE(goesOn);
+    SetUp();
+    Asked("signed", IDNO, goesOn);
+    EXPECT_FALSE(goesOn);
+}
+
+TEST_F(WatermarkStages, AskBeforeAFileWithAPasswordGoesOutWithoutOne) {
+    bool goesOn = false;
+    EXPECT_NE(Asked("encrypted", IDYES, goesOn).find(L"protected by a password"),
+              std::wstring::npos);
+    EXPECT_TRUE(goesOn);
+    SetUp();
+    Asked("encrypted", IDNO, goesOn);
+    EXPECT_FALSE(goesOn);
+}
+
+TEST_F(WatermarkStages, StopWithASentenceForADamagedFile) { ExpectRefused("damaged"); }
+TEST_F(WatermarkStages, StopWithASentenceForAFileThatIsTooLarge) { ExpectRefused("too-large"); }
+TEST_F(WatermarkStages, StopWithASentenceOnAFullDisk) { ExpectRefused("full"); }
+TEST_F(WatermarkStages, StopWithASentenceWhenTheResultIsNotWhole) { ExpectRefused("wrong-size"); }
+TEST_F(WatermarkStages, StopWithASentenceWhenTheProcessDies) {
+    ExpectRefused("crash-after-writing");
+}
+
+TEST_F(WatermarkStages, StopWithASentenceWithoutAText) {
+    Set(L"Text", L"");
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    ExpectRefused(path, [&] { return Execute(path); });
+}
+
+TEST_F(WatermarkStages, ShowTheirSettings) {
+    obtest::DialogUiDriver user(OB_WATERMARK_TEXT, [](HWND dialog) {
+        SetWindowTextW(GetDlgItem(dialog, OB_WATERMARK_TEXT), L"Bob");
+        obtest::DialogUiDriver::Press(dialog, IDOK);
+    });
+    Entries().ShowProviderOptions(manager_, kWatermark, kTransform, nullptr, nullptr);
+    EXPECT_TRUE(user.WasUsed());
+    EXPECT_EQ(obtest::ReadValue(HKEY_CURRENT_USER, kWatermarkKey, L"Text"), L"Bob");
+}
+
+} // namespace
