@@ -148,13 +148,7 @@ TEST_F(Compression, ReportsAFailureOfTheEngineWithoutAnIcon) {
     FakeModules::Answer(L"Zip", L"1");
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
-    const auto seen = boxes.Seen();
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0].caption, L"Ombrix Vellant");
-    EXPECT_EQ(seen[0].text, obcore::LoadText(obcore::TextId::ZipFailed));
-    EXPECT_FALSE(seen[0].text.empty());
-    EXPECT_FALSE(seen[0].hasIcon);
-    EXPECT_EQ(seen[0].owner, owner_.Get());
+    ExpectOneBox(boxes, obcore::TextId::ZipFailed, false);
 }
 
 TEST_F(Compression, EndsTheContextAndLeavesTheFolderAfterAFailureOfTheEngine) {

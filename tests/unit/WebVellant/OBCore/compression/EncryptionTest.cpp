@@ -33,7 +33,7 @@ protected:
     }
 
     // The calls from the one that ends the naming of the zip on.
-    static Lines CallsBehindNaming() {
+    static Lines CallsAfterNaming() {
         Lines calls = FakeModules::Calls();
         const auto naming = std::find_if(calls.begin(), calls.end(), [](const std::wstring& call) {
             return call.starts_with(L"SetTempFolderW");
@@ -63,9 +63,9 @@ protected:
 TEST_F(Encryption, SetsTheMethodAndHandsThePasswordOver) {
     FakeModules::Answer(L"Password", L"open sesame");
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(CallsBehindNaming(), Joined({L"SetEncrypt(context5, 8)", PasswordCall(L"8"),
-                                           L"SetPassword(context5, \"open sesame\")"},
-                                          Engine()));
+    EXPECT_EQ(CallsAfterNaming(), Joined({L"SetEncrypt(context5, 8)", PasswordCall(L"8"),
+                                          L"SetPassword(context5, \"open sesame\")"},
+                                         Engine()));
     EXPECT_TRUE(job_.ResultIsArchive);
     EXPECT_EQ(job_.ResultPath, RunFolder() + kZipName);
     EXPECT_TRUE(job_.Usage.UsageZipped);
@@ -107,16 +107,16 @@ TEST_F(Encryption, TakesAPasswordOf259Bytes) {
 TEST_F(Encryption, AsksForAPasswordAlsoWithMethodZero) {
     job_.EncryptionMethod = 0;
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(CallsBehindNaming(), Joined({L"SetEncrypt(context5, 0)", PasswordCall(L"0"),
-                                           L"SetPassword(context5, \"secret\")"},
-                                          Engine()));
+    EXPECT_EQ(CallsAfterNaming(), Joined({L"SetEncrypt(context5, 0)", PasswordCall(L"0"),
+                                          L"SetPassword(context5, \"secret\")"},
+                                         Engine()));
     EXPECT_FALSE(job_.Usage.UsageEncrypted);
 }
 
 TEST_F(Encryption, GivesTheServiceThePublicKeyAndAsksForAPasswordAllTheSame) {
     UsePublicKey(1);
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(CallsBehindNaming(),
+    EXPECT_EQ(CallsAfterNaming(),
               Joined({L"SetPublicKeyResult(context5, 1)", L"SetPublicKeyW(context5, \"the key\")",
                       L"SetEncrypt(context5, 8)", PasswordCall(L"8"),
                       L"SetPassword(context5, \"secret\")"},
@@ -128,20 +128,14 @@ TEST_F(Encryption, LeavesThePublicKeyOutOfAPlainZip) {
     job_.SendItem = true;
     job_.AutoEncrypt = false;
     EXPECT_TRUE(CompressFiles(job_));
-    EXPECT_EQ(CallsBehindNaming(), Joined({L"SetEncrypt(context5, 0)"}, Engine()));
+    EXPECT_EQ(CallsAfterNaming(), Joined({L"SetEncrypt(context5, 0)"}, Engine()));
 }
 
 TEST_F(Encryption, ReportsAnUnusablePublicKeyWithTheWarningIcon) {
     UsePublicKey(0);
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
-    const auto seen = boxes.Seen();
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0].caption, L"Ombrix Vellant");
-    EXPECT_EQ(seen[0].text, obcore::LoadText(obcore::TextId::PublicKeyUnusable));
-    EXPECT_FALSE(seen[0].text.empty());
-    EXPECT_TRUE(seen[0].hasIcon);
-    EXPECT_EQ(seen[0].owner, owner_.Get());
+    ExpectOneBox(boxes, obcore::TextId::PublicKeyUnusable, true);
 }
 
 TEST_F(Encryption, LeavesContextAndFolderAfterAnUnusablePublicKey) {
@@ -150,7 +144,7 @@ TEST_F(Encryption, LeavesContextAndFolderAfterAnUnusablePublicKey) {
         UsePublicKey(result);
         const MessageBoxWatcher boxes;
         EXPECT_FALSE(CompressFiles(job_));
-        EXPECT_EQ(CallsBehindNaming(),
+        EXPECT_EQ(CallsAfterNaming(),
                   Lines{L"SetPublicKeyResult(context5, " + std::to_wstring(result) + L")"});
         EXPECT_EQ(boxes.Seen().size(), 1u);
     }
@@ -168,9 +162,9 @@ TEST_F(Encryption, RemovesTheFolderAndThenEndsTheContextWhenTheUserGivesNoPasswo
     realRemoveDirectory = removal.Real();
     const MessageBoxWatcher boxes;
     EXPECT_FALSE(CompressFiles(job_));
-    EXPECT_EQ(CallsBehindNaming(), (Lines{L"SetEncrypt(context5, 8)", PasswordCall(L"8"),
-                                          L"RemoveDirectoryW(" + Quote(RunFolder()) + L")",
-                                          L"DestroyZipContext(context5)"}));
+    EXPECT_EQ(CallsAfterNaming(), (Lines{L"SetEncrypt(context5, 8)", PasswordCall(L"8"),
+                                         L"RemoveDirectoryW(" + Quote(RunFolder()) + L")",
+                                         L"DestroyZipContext(context5)"}));
     EXPECT_TRUE(boxes.Seen().empty());
     EXPECT_TRUE(Left().empty());
     EXPECT_FALSE(job_.ResultIsArchive);

@@ -9,6 +9,7 @@
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
+#include "OBCore/modules/TextIds.h"
 #include "OBCore/options/OBAttachJob.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/fakes/Recording.h"
@@ -58,6 +59,17 @@ protected:
         return temp_ / (L"100" + std::to_wstring(number) + L"\\");
     }
     Lines Left() const { return ListTree(temp_.Path()); }
+
+    // Exactly one message box was shown, with the product's caption, that text and the run's owner.
+    void ExpectOneBox(const MessageBoxWatcher& boxes, obcore::TextId text, bool hasIcon) const {
+        const auto seen = boxes.Seen();
+        ASSERT_EQ(seen.size(), 1u);
+        EXPECT_EQ(seen[0].caption, L"Ombrix Vellant");
+        EXPECT_EQ(seen[0].text, obcore::LoadText(text));
+        EXPECT_FALSE(seen[0].text.empty());
+        EXPECT_EQ(seen[0].hasIcon, hasIcon);
+        EXPECT_EQ(seen[0].owner, owner_.Get());
+    }
 
     ObLib::UniqueWindow owner_;
     TestFolder sources_;
