@@ -32,7 +32,7 @@ def undisturbed(cores):
 
 
 def run_program(program, *arguments, stage=(), timeout=600, prefix=()):
-    """Runs a bench program in a fresh prefix with its neighbours beside it. It prints one line a
+    """Runs a bench program in a fresh prefix, with what is staged beside it. It prints one line a
     series: a name, a tab, and numbers with blanks between. Gives name -> numbers."""
     command = [*prefix, WINE_RUN, "--timeout", str(timeout)]
     for path in stage:
@@ -63,14 +63,14 @@ def verdict(value, goal):
 
 
 def table(head, rows):
-    """Markdown; the first column holds words, the others numbers."""
+    """Markdown; the first column has words, the others numbers."""
     lines = ["| " + " | ".join(head) + " |", "|---" + "|---:" * (len(head) - 1) + "|"]
     lines += ["| " + " | ".join(row) + " |" for row in rows]
     return "\n".join(lines)
 
 
 def machine():
-    """The line below a table that says what it was measured on."""
+    """The line below a table that names what it was measured on."""
     wine = subprocess.run(["/usr/lib/wine/wine64", "--version"], stdout=subprocess.PIPE, text=True,
                           env=dict(os.environ, WINEDEBUG="-all")).stdout.split()
     one, five, _ = os.getloadavg()

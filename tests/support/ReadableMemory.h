@@ -15,7 +15,7 @@ inline bool IsReadable(const MEMORY_BASIC_INFORMATION& region) {
 }
 
 // Calls visit(region) for every readable region, in the order of their addresses. Copies nothing of
-// what stands there.
+// what is there.
 template <typename Visit>
 void ForEachReadableRegion(Visit visit) {
     const std::uint8_t* at = nullptr;

@@ -20,7 +20,8 @@ int GetDpi();
 // A length for 96 pixels to the inch in the desktop's, rounded.
 int Scale(int value);
 
-// Whether all three of the system's numbers are at least these, as the system tells this program.
+// Whether all three of the system's numbers are at least these, as the system reports them to this
+// program.
 bool IsWindowsVersionAtLeast(DWORD major, DWORD minor, WORD servicePack);
 
 // The first id from 1000 up that no child of `dialog` has.

@@ -120,7 +120,7 @@ std::uint32_t Utf8Size(const FieldText& text) {
     return static_cast<std::uint32_t>(std::max(size, 0));
 }
 
-// The id of the text that says why a password of this size isn't taken, 0 for one that is.
+// The id of the text with the reason why a password of this size isn't taken, 0 for one that is.
 UINT RefusalOf(std::uint32_t size, std::uint32_t capacity) {
     if (size == 0) return OB_TEXT_PASSWORD_UNWRITABLE;
     if (size > kMostPasswordBytes + 1) return OB_TEXT_PASSWORD_OVER_99_BYTES;

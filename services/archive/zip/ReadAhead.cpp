@@ -9,7 +9,7 @@ namespace {
 
 // Small files weigh little, and so are bounded by number.
 constexpr std::size_t kMostPieces = 256;
-constexpr DWORD kTellAfter = 50; // milliseconds
+constexpr DWORD kReportAfter = 50; // milliseconds
 
 // A worker packs so much in the time that it takes to wake another one.
 constexpr std::size_t kSmall = 16 * 1024;
@@ -163,7 +163,7 @@ bool ReadAhead::ReadPiece() {
 
 bool ReadAhead::WaitFor(const Piece& piece) {
     for (;;) {
-        switch (pool_.Wait(*piece.ticket, kTellAfter)) {
+        switch (pool_.Wait(*piece.ticket, kReportAfter)) {
         case TaskState::Done:
             return true;
         case TaskState::Failed:

@@ -6,7 +6,7 @@
 namespace obarchive {
 namespace {
 
-// A read is no larger, so that a slow disk doesn't keep the run from telling how far it is.
+// A read is no larger, so that a slow disk doesn't keep the run from reporting how far it is.
 constexpr std::size_t kPiece = 256 * 1024;
 
 std::uint64_t Join(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
@@ -50,7 +50,7 @@ bool SourceFile::Open(const std::wstring& path, SourceFacts& facts, bool pinned)
     run_.file = path;
     total_ = 0;
     // Closed before it is opened again: one that was deleted meanwhile would only go now, and be
-    // told as one that may not be read.
+    // reported as one that may not be read.
     file_.Reset();
     file_ = ObLib::UniqueKernelHandle(CreateFileW(
         path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,

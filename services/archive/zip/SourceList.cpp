@@ -39,12 +39,12 @@ std::vector<std::wstring> DistinctSources(const std::vector<std::wstring>& files
             if (tooLong) *tooLong = file;
             return distinct;
         }
-        std::vector<std::wstring>& twins = seen[path];
-        const bool known = std::any_of(twins.begin(), twins.end(), [&](const std::wstring& twin) {
-            return twin == path || !AreDifferentFiles(twin, path);
+        std::vector<std::wstring>& same = seen[path];
+        const bool known = std::any_of(same.begin(), same.end(), [&](const std::wstring& one) {
+            return one == path || !AreDifferentFiles(one, path);
         });
         if (known) continue;
-        twins.push_back(path);
+        same.push_back(path);
         distinct.push_back(path);
     }
     return distinct;

@@ -10,7 +10,7 @@ namespace obarchive {
 namespace {
 
 // Names may have 255 characters without a blank, which a message box can't break into lines. The
-// end stays, as it tells the kind of the file.
+// end stays, as it shows the kind of the file.
 std::wstring ShownName(const std::wstring& path) {
     constexpr std::size_t kLongest = 80;
     constexpr std::size_t kHead = 50;

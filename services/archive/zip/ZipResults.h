@@ -1,5 +1,5 @@
 // What Zip answers. 0 is the contract's success; every other code is this service's own, so that
-// support can tell failures apart. Callers only look at zero or not.
+// support can distinguish failures. Callers only look at zero or not.
 #pragma once
 
 #include <cstdint>

@@ -1,10 +1,10 @@
 // Makes the zips that check_archives.py opens with other tools: every file below "in", in the order
 // of their paths, into "out\<name>" for each row of the table. The password comes from the
-// environment, in the code page UTF-8. Ends with 0 when every zip stands.
+// environment, in the code page UTF-8. Ends with 0 when every zip was made.
 //
 //     archive_make FOLDER ZIP ENCRYPTION
 //
-// makes one zip of that folder instead, deflated, and tells how long that took.
+// makes one zip of that folder instead, deflated, and prints how long that took.
 #include <windows.h>
 
 #include <algorithm>

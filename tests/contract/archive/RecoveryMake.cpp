@@ -53,7 +53,7 @@ int wmain() {
     if (keyResult != 1) return 101;
     const std::string narrow = key;
     CreateDirectoryW(L"C:\\app\\out", nullptr);
-    const obtest::MessageBoxWatcher boxes; // a refusal is told in one
+    const obtest::MessageBoxWatcher boxes; // a refusal is shown in one
     int failures = 0;
     for (const Row& row : kRows) {
         const std::uint32_t result = Make(service, row, std::wstring(narrow.begin(), narrow.end()));

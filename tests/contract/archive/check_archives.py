@@ -17,7 +17,7 @@ import unicodedata
 import zipfile
 
 PASSWORD = "pässwörd 7"
-ARCHIVES = {  # name: encryption strength (of the 0x9901 field), method behind it
+ARCHIVES = {  # name: encryption strength (of the 0x9901 field), method after it
     "plain.zip": (0, 8),
     "plain.zipx": (0, 95),
     "aes128.zip": (1, 8),
@@ -97,8 +97,8 @@ def make_sources(folder):
     add("p/same.txt", b"second of the name", "same (2).txt")
     add("/".join(["q"] + ["d" * 90] * 4) + "/deep.txt", b"deep")
     # Two files to this side; whoever unpacks where case makes no difference needs two names.
-    add("t/TWIN.txt", b"upper twin")
-    add("t/twin.txt", b"lower twin", "twin (2).txt")
+    add("t/CASE.txt", b"upper case")
+    add("t/case.txt", b"lower case", "case (2).txt")
     return expected
 
 
@@ -133,7 +133,7 @@ def unpack(tool, archive, target, password):
 
 
 def same_tree(folder, expected, tool=""):
-    # bsdtar composes letters and their marks, whatever the zip holds.
+    # bsdtar composes letters and their marks, whatever the zip has.
     if tool == "bsdtar":
         expected = {unicodedata.normalize("NFC", name): content for name, content in expected.items()}
     names = sorted(os.listdir(folder))
@@ -148,7 +148,7 @@ def same_tree(folder, expected, tool=""):
 
 def check_tool(tool, archive, expected, work):
     name = os.path.basename(archive)
-    if name != "plain.zip":  # only that one holds them
+    if name != "plain.zip":  # only that one has them
         expected = {entry: content for entry, content in expected.items() if not entry.startswith("many")}
     target = os.path.join(work, f"{tool}-{name}")
     done = unpack(tool, archive, target, PASSWORD)
@@ -167,7 +167,7 @@ def check_tool(tool, archive, expected, work):
 
 
 def check_times(work):
-    """7z, unzip and bsdtar set the times that the zip holds."""
+    """7z, unzip and bsdtar set the times that the zip has."""
     for tool in ("7z", "unzip", "bsdtar"):
         path = os.path.join(work, f"{tool}-plain.zip", "text.txt")
         check(os.path.exists(path) and int(os.stat(path).st_mtime) == OLD, f"{tool} restores the time")
@@ -184,7 +184,7 @@ def entries(data):
 
 
 def check_headers(archive):
-    """Encrypted entries tell no sum of what they hide, and what doesn't shrink is stored."""
+    """Encrypted entries have no checksum of what they hide, and what doesn't shrink is stored."""
     name = os.path.basename(archive)
     strength, method = ARCHIVES[name]
     surplus = {0: 0, 1: 8 + 2 + 10, 3: 16 + 2 + 10}[strength]

@@ -33,7 +33,7 @@ STEPS = (4_292_608_388, 4_293_000_000, GIB4 - 1, GIB4, GIB4 + 1)
 FULL32 = 0xFFFFFFFF
 FULL16 = 0xFFFF
 PIECE = 1 << 20
-NOISE = 3 << 20  # more than the first block, by which the service tells what doesn't shrink
+NOISE = 3 << 20  # more than the first block, by which the service finds out what doesn't shrink
 SALT_CHECK_CODE = 16 + 2 + 10
 TOOLS = ("7z", "unzip", "bsdtar", "python")
 
@@ -155,7 +155,7 @@ def central_headers(archive):
             here, whole, wide_size, wide_at = struct.unpack_from("<QQQQ", record, 24)
             check(here == whole, "all entries are on one disk")
             check(count in (FULL16, whole) and size in (FULL32, wide_size) and at in (FULL32, wide_at),
-                  "the end record says the same as its 64-bit form, or nothing")
+                  "the end record has the numbers of its 64-bit form, or none")
             count, size, at = whole, wide_size, wide_at
         file.seek(at)
         data = file.read(size)
@@ -168,18 +168,18 @@ def central_headers(archive):
             fields, _ = wide(data[at + 46 + name:at + 46 + name + extra], [plain, packed, offset])
             entries.append((data[at + 46:at + 46 + name].decode(), *fields))
             at += 46 + name + extra + comment
-        check(at == len(data), "the directory is as long as it says")
+        check(at == len(data), "the directory is as long as its record has it")
         for entry in entries:
             check_local_header(file, entry)
     return locator >= 0, entries
 
 
 def check_local_header(file, entry):
-    """The header in front of the data says the same."""
+    """The header in front of the data has the same values."""
     name, plain, packed, offset = entry
     file.seek(offset)
     header = file.read(30)
-    check(header[:4] == b"PK\3\4", f"{name}: a header stands at its offset")
+    check(header[:4] == b"PK\3\4", f"{name}: a header is at its offset")
     here_packed, here_plain, length, extra = struct.unpack_from("<IIHH", header, 18)
     check(file.read(length).decode() == name, f"{name}: the same name in front of the data")
     fields, _ = wide(file.read(extra), [here_plain, here_packed])

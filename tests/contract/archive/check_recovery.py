@@ -52,7 +52,7 @@ def make_certificate(work, name, algorithm, further=()):
 
 
 def write_policy(path, certificate, whole):
-    """The certificate as a REG_SZ, in bytes, as a text in a .reg file holds no line break."""
+    """The certificate as a REG_SZ, in bytes, as a text in a .reg file can't contain a line break."""
     with open(certificate, encoding="ascii") as file:
         text = file.read()
     if not whole:

@@ -1,4 +1,4 @@
-// The slots of a provider and of its lists by number, on the double's tables: each typed call has
+// The slots of a provider and of its lists by number, on the fake's tables: each typed call has
 // to reach the slot of its name with its arguments in their places.
 #include <windows.h>
 

@@ -57,14 +57,14 @@ protected:
 };
 
 TEST_F(FakeArchive, HasAVersionThatLacksOneEntry) {
-    const ObLib::UniqueModule twin(LoadLibraryW(L"obofcsvc64_incomplete.dll"));
-    ASSERT_TRUE(twin);
-    const obcontract::ArchiveServiceEntries entries = EntriesOf(twin.Get());
+    const ObLib::UniqueModule incomplete(LoadLibraryW(L"obofcsvc64_incomplete.dll"));
+    ASSERT_TRUE(incomplete);
+    const obcontract::ArchiveServiceEntries entries = EntriesOf(incomplete.Get());
     EXPECT_EQ(1, MissingEntries(entries));
     EXPECT_EQ(nullptr, entries.LogAppletFeature);
 }
 
-TEST_F(FakeArchive, LeavesAFileWhereASuccessfulZipWouldStand) {
+TEST_F(FakeArchive, LeavesAFileWhereASuccessfulZipWouldBe) {
     const std::wstring path = folder_ / L"a.zip";
     EXPECT_EQ(0u, service_.Zip(nullptr, Named(path)));
     EXPECT_EQ("zip of the fake", obtest::ReadFileContent(path));
@@ -79,7 +79,7 @@ TEST_F(FakeArchive, LeavesAFileOfTheScriptedLength) {
     EXPECT_EQ(5000000u, data.nFileSizeLow);
 }
 
-TEST_F(FakeArchive, LeavesNoFileOfAFailedZipOrWhenTheScriptSaysSo) {
+TEST_F(FakeArchive, LeavesNoFileOfAFailedZipOrWhenTheScriptForbidsIt) {
     const std::wstring path = folder_ / L"a.zip";
     FakeModules::Answer(L"Zip", L"3");
     EXPECT_EQ(3u, service_.Zip(nullptr, Named(path)));
@@ -90,7 +90,7 @@ TEST_F(FakeArchive, LeavesNoFileOfAFailedZipOrWhenTheScriptSaysSo) {
     EXPECT_FALSE(obtest::FileExists(path));
 }
 
-TEST_F(FakeArchive, TellsContextsApart) {
+TEST_F(FakeArchive, KeepsContextsApart) {
     const ZipContext one = service_.CreateZipContext();
     const ZipContext two = service_.CreateZipContext();
     EXPECT_NE(one, two);

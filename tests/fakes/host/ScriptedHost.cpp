@@ -1,5 +1,5 @@
 // Takes the place of the host program: its command line is recorded, and what it does to the block
-// stands in a script. See Script.h.
+// is in a script. See Script.h.
 #include <windows.h>
 
 #include <shellapi.h>

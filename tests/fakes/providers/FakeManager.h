@@ -27,7 +27,7 @@ struct obcontract::ObExtensionsManager {
 
 namespace fakes {
 
-// A manager is called from two threads: a call that was held may go on while another thread ends
+// A manager is called from two threads: a call that was delayed may go on while another thread ends
 // the manager. Every export of the transforms and of a manager's life takes this after its call is
 // recorded.
 [[nodiscard]] std::unique_lock<std::mutex> LockManagers();

@@ -1,7 +1,7 @@
 // A work process that misbehaves as a test asks: a taken-over, damaged or hanging
-// PVXTransform64.exe. The file "worker.txt" beside it says in one word what it does with a request.
-// It only reads, as the real one has no right to write. Its findings name its process, so that a
-// test can distinguish one process from the next.
+// PVXTransform64.exe. The file "worker.txt" beside it names in one word what it does with a
+// request. It only reads, as the real one has no right to write. Its findings name its process, so
+// that a test can distinguish one process from the next.
 #include <windows.h>
 
 #include <cstdlib>

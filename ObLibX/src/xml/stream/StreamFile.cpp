@@ -115,8 +115,8 @@ void LookAtBeginning(TextFileChannel& channel, const StreamReadOptions& options)
         SetEncoding(channel, beginning->encoding);
     } else {
         const std::wstring declared = DeclaredIn(bytes.substr(0, kDeclarationSpan));
-        const std::wstring told = declared.empty() ? options.encoding : declared;
-        SetEncoding(channel, told.empty() ? GuessedFrom(bytes) : told);
+        const std::wstring given = declared.empty() ? options.encoding : declared;
+        SetEncoding(channel, given.empty() ? GuessedFrom(bytes) : given);
     }
     std::fseek(channel.file.get(), static_cast<long>(channel.fileOffset), SEEK_SET);
 }

@@ -75,7 +75,7 @@ TEST_F(RegistryKey, ClosesTwice) {
     EXPECT_EQ(0u, buffer_.size);
 }
 
-TEST_F(RegistryKey, ToldThatClosingFailedItIsClosedAllTheSame) {
+TEST_F(RegistryKey, IsClosedEvenIfTheSystemReportsAFailure) {
     RegCloseKey(key_.key); // without the object
     EXPECT_FALSE(key_.Close());
     EXPECT_EQ(ERROR_INVALID_HANDLE, key_.lastError);
@@ -169,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(
         TextRow{"nothing", REG_SZ, "", Units(kNul)},
         TextRow{"a NUL", REG_SZ, Units(kNul), Units(kNul)},
         TextRow{"half a unit more", REG_SZ, Units(L"ab") + "c", Units(L"ab" + kNul)},
-        TextRow{"half a unit behind the end", REG_SZ, Units(L"a" + kNul) + "c", Units(L"a" + kNul)},
+        TextRow{"half a unit past the end", REG_SZ, Units(L"a" + kNul) + "c", Units(L"a" + kNul)},
         TextRow{"half a unit", REG_SZ, "c", Units(kNul)},
         TextRow{"a list", REG_MULTI_SZ, Units(L"a" + kNul + L"b" + kNul + kNul),
                 Units(L"a" + kNul + L"b" + kNul + kNul)},

@@ -162,7 +162,7 @@ TEST(WriteOut, TakesWhatWasWrittenFromTheDocumentsText) {
     EXPECT_EQ(file.Read(), "<a>one</a><b>two</b>");
 }
 
-TEST(WriteOut, FlushesOnlyWhenItIsToldTo) {
+TEST(WriteOut, FlushesOnlyWhenItIsAskedTo) {
     const ScratchFile file;
     TextFileChannel channel = Writer(file);
     EXPECT_TRUE(channel.WriteOut(L"abc", 3, false));

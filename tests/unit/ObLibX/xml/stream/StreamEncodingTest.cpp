@@ -100,7 +100,7 @@ TEST_P(StreamEncoding, IsReadAsItIsDeclared) {
     ExpectForAnyBlock(text, StreamFile(text, encoding_), {});
 }
 
-TEST_P(StreamEncoding, IsReadAsItIsTold) {
+TEST_P(StreamEncoding, IsReadInTheEncodingThatIsGiven) {
     if (!Installed()) GTEST_SKIP() << "this system doesn't have the code page";
     const std::wstring text = TextWith(characters_, {});
     ExpectForAnyBlock(text, StreamFile(text, encoding_), encoding_);

@@ -45,7 +45,7 @@ TEST(WorkerPoolTest, EveryTaskIsDoneOnce) {
     for (const auto& count : done) EXPECT_EQ(count, 1);
 }
 
-TEST(WorkerPoolTest, FailuresAreToldApartAndStopNobody) {
+TEST(WorkerPoolTest, EachFailureHasItsStateAndStopsNoOtherTask) {
     WorkerPool pool;
     const auto failed = pool.Submit(Make([] { throw std::runtime_error("x"); }));
     const auto noMemory = pool.Submit(Make([] { throw std::bad_alloc(); }));

@@ -170,7 +170,7 @@ TEST(Ae2Makers, GiveTheSameBytes) {
     }
 }
 
-// Whichever this processor would take, each form tells what four lanes tell.
+// Whichever this processor would take, each form makes the keys that four SIMD lanes make.
 class Pbkdf2Simd : public testing::Test {
 protected:
     static obarchive::Pbkdf2Simd Begin() {

@@ -1,4 +1,4 @@
-// After an encrypting run neither the password nor a key that was made of it stands anywhere in the
+// After an encrypting run neither the password nor a key that was made of it is anywhere in the
 // memory of the process. The test knows them under a mask only, and makes the keys anew of the
 // salts in the zip.
 #include <array>
@@ -68,7 +68,7 @@ int TimesIn(const std::uint8_t* start, const std::uint8_t* end, const std::vecto
     return times;
 }
 
-// How often any of them stands in the readable memory of this process, in the clear.
+// How often any of them is in the readable memory of this process, in the clear.
 int TimesInMemory(const std::vector<Masked>& wanted) {
     int times = 0;
     obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
@@ -99,7 +99,7 @@ Masked InLanes(std::span<const std::uint8_t> word) {
 }
 
 // What a derivation works with: the password's words and the states that follow from it, one like
-// the other in each lane, and the keys, whose words may stand one behind the other or by lanes.
+// the other in each lane, and the keys, whose words may be one after the other or by SIMD lanes.
 std::vector<Masked> LanesOfThePassword() {
     const Masked password = AsWords(kMaskedPassword);
     std::vector<Masked> lanes{password};
@@ -153,7 +153,7 @@ protected:
                                   keySize / 2 + 2);
             const Masked made = MaskedKeys(sizeof kMaskedPassword, PasswordByteAt,
                                            front.first(keySize / 2), 2 * keySize + 2, kMask);
-            // The check behind the salt tells that these are the zip's own.
+            // The verifier after the salt shows that these are the zip's own.
             EXPECT_EQ(Unmask(made[2 * keySize]), front[keySize / 2]);
             EXPECT_EQ(Unmask(made[2 * keySize + 1]), front[keySize / 2 + 1]);
             for (auto at = made.begin(); at + 16 <= made.end(); at += 16) {
@@ -172,7 +172,7 @@ protected:
     }
 };
 
-TEST_F(KeyMemoryTest, TheSearchFindsWhatStandsThere) {
+TEST_F(KeyMemoryTest, TheSearchFindsWhatIsThere) {
     {
         const Secret password = Password();
         EXPECT_GE(TimesInMemory(kPassword), 1);
@@ -245,7 +245,7 @@ using Registers = std::array<std::array<std::uint8_t, 16>, 6>;
                  : "memory");
 }
 
-TEST(KeyRegistersTest, NothingIsLeftBehindTheWorkWithKeys) {
+TEST(KeyRegistersTest, NothingIsLeftAfterTheWorkWithKeys) {
     const Registers empty{};
     Registers seen;
     const auto algorithms = MakeAe2Algorithms(obarchive::Cryptography::Library);

@@ -45,7 +45,7 @@ State Compress(const State& before, const Block& block) {
     return now;
 }
 
-// The state behind a block of the password's bytes, each combined with `with`.
+// The state after a block of the password's bytes, each combined with `with`.
 State PadState(std::size_t size, const PasswordByte& password, std::uint8_t with) {
     Block pad;
     for (std::size_t at = 0; at < kBlock; ++at) {
@@ -56,7 +56,7 @@ State PadState(std::size_t size, const PasswordByte& password, std::uint8_t with
     return state;
 }
 
-// The digest behind a pad's state and `size` bytes, fewer than 56, that `block` begins with.
+// The digest after a pad's state and `size` bytes, fewer than 56, that `block` begins with.
 State Finish(const State& pad, Block block, std::size_t size) {
     const std::size_t bits = (kBlock + size) * 8;
     block[size] = 0x80;

@@ -1,4 +1,4 @@
-// The keys of an encrypted entry, made by a way of the test's own that never holds one in the
+// The keys of an encrypted entry, made by a way of the test's own that never has one in the
 // clear.
 #pragma once
 
@@ -18,7 +18,7 @@ std::vector<std::uint8_t> MaskedKeys(std::size_t passwordSize, const PasswordByt
                                      std::span<const std::uint8_t> salt, std::size_t size,
                                      std::uint8_t mask);
 
-// The ten words of the states behind the password's two pads, by which any of its keys could be
+// The ten words of the states after the password's two pads, by which any of its keys could be
 // made; each is combined with `mask` in every byte.
 std::vector<std::uint32_t> MaskedPads(std::size_t passwordSize, const PasswordByte& password,
                                       std::uint8_t mask);

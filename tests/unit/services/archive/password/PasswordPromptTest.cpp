@@ -612,7 +612,7 @@ bool WaitForHint(const PromptOnScreen& prompt, const std::wstring& expected) {
     return prompt.Text(OB_PASSWORD_HINT) == expected;
 }
 
-TEST_F(PasswordPromptTest, AHintSaysThatCapsLockIsOn) {
+TEST_F(PasswordPromptTest, AHintShowsThatCapsLockIsOn) {
     // The state of a key needs a real keyboard.
     const obtest::ImportPatch<decltype(&GetKeyState)> keys("user32.dll", "GetKeyState",
                                                            &FakeKeyState);

@@ -93,7 +93,7 @@ TEST_F(HelpAndUpdateTest, AnAddressThatCannotBeOpenedFallsBackToThePage) {
                   kAddress);
 }
 
-TEST_F(HelpAndUpdateTest, WithoutAPageAMessageSaysWhereHelpShouldBe) {
+TEST_F(HelpAndUpdateTest, WithoutAPageAMessageNamesThePlaceOfTheHelp) {
     ShowHelp(reinterpret_cast<HWND>(0xDEAD)); // an owner that has gone
     EXPECT_EQ(opened, Pages{});
     EXPECT_EQ(OnlyBox(), L"The help page could not be opened. It should be here:\n\n" +

@@ -44,7 +44,7 @@ protected:
         job_.duplicateReferences = true;
         const std::string content = EngineProse(kBlockSize + 600'000);
         source_ = Add(L"first.txt", content);
-        Add(L"twin.txt", content);
+        Add(L"same.txt", content);
         intrusion = {};
         intrusion.path = source_;
     }
@@ -98,7 +98,7 @@ protected:
         EXPECT_TRUE(SetEndOfFile(file.Get()));
     }
 
-    // Other bytes in the place of some; the time of the change is told, or put back.
+    // Other bytes in the place of some; the time of the change is set, or put back.
     void Overwrite(bool hidden) const {
         const auto file = OpenToChange();
         FILETIME time;
@@ -161,8 +161,8 @@ TEST_F(ChangedSourceTest, ReplacedByAnotherFileBetweenTheReadings) {
     ExpectFailure(RunWith(kStoring, replace), ZipResult::SourceChanged);
 }
 
-// Neither size nor time tell it, as on a disk whose clock is coarse. The second file still holds
-// what the first one held.
+// Neither size nor time shows it, as on a disk whose clock is coarse. The second file still has
+// what the first one had.
 TEST_F(ChangedSourceTest, AFileChangedBetweenTheReadingsIsNeverTakenForItsDuplicate) {
     ExpectFailure(RunWith(kStoring, [this] { Overwrite(true); }), ZipResult::SourceChanged);
 }

@@ -1,4 +1,4 @@
-// What a run holds in memory, however much it packs.
+// What a run has in memory, however much it packs.
 #include "services/archive/compress/WorkerPool.h"
 #include "services/archive/zip/ReadAhead.h"
 #include "tests/unit/services/archive/zip/EngineFixture.h"
@@ -11,14 +11,14 @@ using obarchive::ZipResult;
 
 class EngineMemoryTest : public EngineFixture {
 protected:
-    // Two blocks a worker and two more are read ahead; each may stand there packed too, and what
+    // Two blocks a worker and two more are read ahead; each may be there packed too, and what
     // writes has some blocks of its own.
     static std::size_t Bound() {
         const std::size_t ahead = 2 * obarchive::WorkerPool().Size() + 2;
         return (2 * ahead + 4) * kBlockSize;
     }
 
-    // Noise, and behind it a hole, or only the hole.
+    // Noise, and after it a hole, or only the hole.
     void AddLarge(std::uint64_t size, std::size_t noise) {
         const std::wstring path = Add(L"large.bin", EngineNoise(noise));
         const ObLib::UniqueKernelHandle file(
@@ -52,7 +52,7 @@ protected:
 };
 
 // Each read is shown to take place, so that the bound isn't that of a run that read nothing.
-TEST_F(EngineMemoryTest, ALargeFileThatIsStoredHoldsSomeBlocks) {
+TEST_F(EngineMemoryTest, ALargeFileThatIsStoredTakesSomeBlocksOfMemory) {
     const std::uint64_t size = 5 * Bound();
     AddLarge(size, 2 * kBlockSize);
     for (const bool encrypted : {false, true}) {
@@ -66,22 +66,22 @@ TEST_F(EngineMemoryTest, ALargeFileThatIsStoredHoldsSomeBlocks) {
                   ZipResult::Ok);
         EXPECT_EQ(read, size);
         EXPECT_LT(peak.Bytes(), Bound());
-        EXPECT_GT(peak.Bytes(), kBlockSize) << "what is held is seen";
+        EXPECT_GT(peak.Bytes(), kBlockSize) << "the blocks are seen";
         DeleteFileW(job_.target.c_str());
     }
 }
 
-TEST_F(EngineMemoryTest, ALargeFileThatShrinksHoldsSomeBlocks) {
+TEST_F(EngineMemoryTest, ALargeFileThatShrinksTakesSomeBlocksOfMemory) {
     AddLarge(3 * Bound(), 0);
     EXPECT_LT(PeakOfARun(), Bound());
     job_.duplicateReferences = true;
-    job_.files.push_back(in_ / L"twin.bin");
+    job_.files.push_back(in_ / L"same.bin");
     ASSERT_TRUE(CopyFileW(job_.files.front().c_str(), job_.files.back().c_str(), TRUE));
     EXPECT_LT(PeakOfARun(), Bound()) << "with a copy of it";
 }
 
 // What a file adds is what is noted of it: names, times, its place in the zip.
-TEST_F(EngineMemoryTest, ManySmallFilesHoldABoundedNumberAndTheirNotes) {
+TEST_F(EngineMemoryTest, KeepsAtMostABoundedNumberOfSmallFilesInMemory) {
     constexpr std::size_t kSize = 10'000;
     constexpr std::size_t kFew = 500;
     constexpr std::size_t kMany = 4'000;

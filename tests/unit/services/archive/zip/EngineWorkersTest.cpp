@@ -63,7 +63,7 @@ TEST_F(EngineWorkersTest, ACancelEndsTheRunWhileOnlyWorkersWork) {
             return false;
         };
         EXPECT_EQ(Run(progress), ZipResult::Cancelled);
-        EXPECT_EQ(calls, 3) << "nobody is told after a cancel";
+        EXPECT_EQ(calls, 3) << "no call comes after a cancel";
         EXPECT_LT(GetTickCount64() - cancelled, kPrompt);
         EXPECT_LT(seam.Calls(), kFiles / 2) << "what no worker had begun is dropped";
         ExpectNothingLeft();
@@ -146,7 +146,7 @@ TEST_F(EngineWorkersTest, AWorkerWithoutMemoryFailsTheRun) {
     }
 }
 
-// Reading breaks off at one piece while every worker is held; the workers go on only then.
+// Reading breaks off at one piece while every worker waits; the workers go on only then.
 struct BrokenDisk {
     int piecesThatRead = 0;
     const Gate* gate = nullptr;

@@ -57,7 +57,7 @@ const Row kRows[] = {
     {std::wstring(256, L'x'), kLong, kLong},
 };
 
-TEST(FileNameRulesTest, TellsNamesAndExtensions) {
+TEST(FileNameRulesTest, SeparatesNamesFromExtensions) {
     for (const Row& row : kRows) {
         SCOPED_TRACE(testing::PrintToString(row.text));
         EXPECT_EQ(CheckFileName(row.text.c_str()), row.name);

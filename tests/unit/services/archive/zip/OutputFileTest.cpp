@@ -94,7 +94,7 @@ TEST_F(OutputFileTest, TheFolderCannotBeTakenAwayMeanwhile) {
     EXPECT_EQ(ListTree(folder_.Path()), Tree{L"moved\\"});
 }
 
-// Writes a pattern of a few hundred kilobytes with patches before, in and behind the buffer, and
+// Writes a pattern of a few hundred kilobytes with patches before, in and after the buffer, and
 // compares with a plain string.
 TEST_F(OutputFileTest, SeeksAndPatchesLikeAPlainFile) {
     OutputFile file;

@@ -179,7 +179,7 @@ TEST_F(ZipFailureTest, ATargetFolderThatVanishes) {
     EXPECT_EQ(obtest::ListTree(out_.Path()), (Tree{L"inner\\", L"inner\\result.zip"}));
 }
 
-// The folder for the unfinished file is held, the target's own is not when they differ.
+// The folder for the unfinished file is kept open, the target's own is not when they differ.
 TEST_F(ZipFailureTest, ATargetFolderThatVanishesWhileTheZipGrowsElsewhere) {
     const std::wstring inner = out_.Folder(L"inner");
     job_.target = inner + L"\\result.zip";
@@ -222,7 +222,7 @@ BOOL WINAPI WriteOnFullDisk(HANDLE, const void*, DWORD size, DWORD* written, OVE
     return TRUE;
 }
 
-TEST(FullDiskTest, AFullDiskIsToldApartAndLeavesNothing) {
+TEST(FullDiskTest, AFullDiskHasItsOwnResultAndLeavesNothing) {
     TestFolder in;
     TestFolder out;
     std::string noise(2'000'000, '\0');
@@ -241,7 +241,7 @@ TEST(FullDiskTest, AFullDiskIsToldApartAndLeavesNothing) {
     EXPECT_EQ(obtest::ListTree(out.Path()), Tree{});
 }
 
-// Reading fails in the middle of a file, which the container library would not tell.
+// Reading fails in the middle of a file, which the container library would not report.
 int piecesThatRead = 0;
 decltype(&ReadFile) realRead = nullptr;
 BOOL WINAPI ReadFromBrokenDisk(HANDLE file, void* data, DWORD size, DWORD* read, OVERLAPPED* how) {
@@ -278,7 +278,7 @@ TEST(RunStateTest, TheFirstFailureStays) {
     EXPECT_EQ(run.failure, ZipResult::DiskFull);
 }
 
-TEST(RunStateTest, SystemErrorsAreToldApart) {
+TEST(RunStateTest, SystemErrorsHaveResultsOfTheirOwn) {
     EXPECT_EQ(obarchive::SourceFailure(ERROR_PATH_NOT_FOUND), ZipResult::SourceMissing);
     EXPECT_EQ(obarchive::SourceFailure(ERROR_LOCK_VIOLATION), ZipResult::SourceLocked);
     EXPECT_EQ(obarchive::SourceFailure(ERROR_ACCESS_DENIED), ZipResult::SourceUnreadable);

@@ -159,7 +159,7 @@ TEST_F(RunWithProgressTest, MessagesOfOtherThreadsAreAnsweredFromTheStartOn) {
               ZipResult::Ok);
 }
 
-TEST_F(RunWithProgressTest, ShowsWhatTheRunTellsAndThatItEnds) {
+TEST_F(RunWithProgressTest, ShowsWhatTheRunReportsAndThatItEnds) {
     const std::wstring first = L"C:\\folder\\first.txt";
     const std::wstring last = L"C:\\folder\\last.txt";
     EXPECT_EQ(Run([&](const ProgressCallback& progress) {
@@ -286,7 +286,7 @@ TEST_F(RunWithProgressTest, WithoutAWindowTheRunEndsAllTheSame) {
               ZipResult::Ok);
 }
 
-// The real run behind the real window.
+// The real run with the real window.
 decltype(&ReadFile) realRead = nullptr;
 decltype(&MoveFileExW) realMove = nullptr;
 std::atomic<bool> mayGoOn;
@@ -322,13 +322,13 @@ protected:
     obtest::MessageBoxWatcher boxes_;
 };
 
-TEST_F(ZipForUserTest, AZipThatStandsIsNotTalkedAbout) {
+TEST_F(ZipForUserTest, AFinishedZipShowsNoMessage) {
     EXPECT_EQ(ZipForUser(nullptr, job_), ZipResult::Ok);
     EXPECT_EQ(obtest::ListTree(out_.Path()), Tree{L"result.zip"});
     EXPECT_TRUE(boxes_.Seen().empty());
 }
 
-TEST_F(ZipForUserTest, ACancelWhileItReadsLeavesNothingAndIsNotToldBack) {
+TEST_F(ZipForUserTest, ACancelWhileItReadsLeavesNothingAndShowsNoMessage) {
     const obtest::ImportPatch<decltype(&ReadFile)> patch("kernel32.dll", "ReadFile", &ReadWhenTold);
     ASSERT_TRUE(patch.Ok());
     realRead = patch.Real();
@@ -352,7 +352,7 @@ TEST_F(ZipForUserTest, ACancelAtTheLastMomentTakesTheZipAway) {
     EXPECT_TRUE(boxes_.Seen().empty());
 }
 
-TEST_F(ZipForUserTest, AFailureIsToldInOneSentenceWithItsFile) {
+TEST_F(ZipForUserTest, AFailureIsShownInOneSentenceWithItsFile) {
     DeleteFileW(job_.files[1].c_str());
     EXPECT_EQ(ZipForUser(nullptr, job_), ZipResult::SourceMissing);
     ASSERT_EQ(boxes_.Seen().size(), 1U);
@@ -448,7 +448,7 @@ TEST_F(FailureForUser, AMissingFolder) {
                L"missing or protected.");
 }
 
-TEST_F(ZipForUserTest, ARefusalBeforeTheRunIsToldToo) {
+TEST_F(ZipForUserTest, ARefusalBeforeTheRunIsShownToo) {
     EXPECT_EQ(obarchive::RefuseForUser(nullptr, ZipResult::BadContext), ZipResult::BadContext);
     ASSERT_EQ(boxes_.Seen().size(), 1U);
     EXPECT_NE(boxes_.Seen()[0].text.find(L"(error 1)"), std::wstring::npos);

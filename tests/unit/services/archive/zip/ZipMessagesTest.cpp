@@ -114,14 +114,14 @@ TEST(ZipMessagesTest, AFailureIsShownInOneBoxWithTheProductsCaption) {
     EXPECT_EQ(boxes.Seen()[1].owner, nullptr);
 }
 
-TEST(ZipMessagesTest, NobodyIsToldOfSuccessOrOfAnOwnCancel) {
+TEST(ZipMessagesTest, SuccessAndTheUsersOwnCancelShowNoMessage) {
     const obtest::MessageBoxWatcher boxes;
     obarchive::TellFailure(nullptr, ZipResult::Ok, L"C:\\a");
     obarchive::TellFailure(nullptr, ZipResult::Cancelled, L"C:\\a");
     EXPECT_TRUE(boxes.Seen().empty());
 }
 
-TEST(FailedFileTest, TheRunTellsWhichSourceItFailedOn) {
+TEST(FailedFileTest, TheRunReportsWhichSourceItFailedOn) {
     const TestFolder in;
     const TestFolder out;
     obarchive::ZipJob job;

@@ -23,14 +23,14 @@ struct ReadEntry {
 std::optional<std::vector<ReadEntry>> ReadZip(const std::wstring& path,
                                               const std::string& password = {});
 
-// One central header, as it stands in the file.
+// One central header, as it is in the file.
 struct RawEntry {
     std::uint16_t flags = 0;
     std::uint16_t method = 0;
     std::uint32_t checksum = 0;
     std::uint32_t localChecksum = 0;
     std::map<std::uint16_t, std::string> extras;
-    std::string packed; // the entry's data as it stands, encrypted or not
+    std::string packed; // the entry's data as it is stored, encrypted or not
 };
 
 // For files below 4 GiB without a comment.

@@ -211,7 +211,7 @@ TEST_F(ZipDuplicatesTest, DuplicatesInAZipxAreStoredWhole) {
     RunAndCompare(ZIP_CM_XZ, ZIP_EM_AES_128);
 }
 
-// Shown by a content that takes long to pack and no time to copy: the progress tells each byte
+// Shown by a content that takes long to pack and no time to copy: the progress counts each byte
 // once.
 TEST_F(ZipDuplicatesTest, ProgressCountsADuplicateOnce) {
     AddDuplicates();
@@ -246,7 +246,7 @@ TEST_F(ZipRunTest, EncryptedEntriesAreAe2AndTellNoChecksum) {
     ASSERT_EQ(RunZip(job_, {}), ZipResult::Ok);
     const auto raw = ReadRawEntries(job_.target);
     ASSERT_EQ(raw.size(), 3U);
-    // Vendor version 2, AES-256, and the method behind it: deflate, or none for what doesn't
+    // Vendor version 2, AES-256, and the method after it: deflate, or none for what doesn't
     // shrink.
     const std::string field("\2\0AE\3\x08\0", 7);
     const std::string emptyField("\2\0AE\3\0\0", 7);
@@ -374,7 +374,7 @@ TEST_F(ZipRunTest, HundredsOfFilesFit) {
     RunAndCompare(ZIP_CM_DEFLATE, ZIP_EM_NONE);
 }
 
-TEST_F(ZipRunTest, ProgressTellsEveryByteAndTheFile) {
+TEST_F(ZipRunTest, ProgressReportsEveryByteAndTheFile) {
     Add(L"a.bin", Noise(1'000'000));
     Add(L"b.bin", "12345");
     std::uint64_t bytes = 0;
