@@ -68,10 +68,11 @@ std::wstring FinalPath(HANDLE file) {
     }
 }
 
+// The callers make no copies in a longer folder, so that every file there is the user's own.
 std::optional<FileIdentity> TemporaryFolder() {
     wchar_t path[MAX_PATH + 1];
     const DWORD length = GetTempPathW(MAX_PATH + 1, path);
-    if (length == 0 || length > MAX_PATH) return {};
+    if (length == 0 || length >= MAX_PATH - 1) return {};
     return IdentityOfFolder(path);
 }
 
