@@ -27,6 +27,7 @@ constexpr std::uint64_t kZipEnd = 4096;
 struct FitFile {
     std::wstring path;
     WorkingCopy copy;
+    std::uint64_t size = 0;
     std::uint64_t bytes = 0;             // that it counts for if it stays as it is
     std::optional<std::uint32_t> number; // of a picture that can be made smaller
     std::unique_ptr<NewFile> smaller;    // null for a file that stays
@@ -99,7 +100,7 @@ bool Fit::Open(const std::vector<std::wstring>& paths) {
         LARGE_INTEGER size{};
         if (!GetFileSizeEx(copy->Handle(), &size)) return Refuse(call_, OB_TEXT_UNREADABLE, path);
         const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
-        files_.push_back({path, std::move(*copy), bytes, {}, nullptr, {}});
+        files_.push_back({path, std::move(*copy), bytes, bytes, {}, nullptr, {}});
         if (call_.isZipped) zip_ += kZipEntry + 2 * Utf8Length(FileNameOf(path));
     }
     if (call_.isZipped) zip_ += kZipEnd;
@@ -123,6 +124,7 @@ std::uint64_t Fit::Others() const {
 // What each file takes in the zip. Whatever the work process says, it is never more than the file
 // and what a block of a zip adds.
 bool Fit::MeasureAll() {
+    call_.run.process.Stop(); // a file that took the process over doesn't get to measure others
     for (FitFile& file : files_) {
         const WorkReport report = call_.run.process.Run({WorkKind::Measure, WorkPlain{}},
                                                         file.copy.Handle(), nullptr, call_.wait);
@@ -154,6 +156,8 @@ bool Fit::AddAll() {
         const WorkReport report = Ask(WorkKind::FitAdd, WorkPlain{}, file.copy.Handle(), nullptr);
         if (report.result == WorkResult::Changed) {
             file.number = pictures_++;
+            // As the search counts a picture that stays; on trial it may take a little more.
+            file.bytes = std::min(file.bytes, file.size);
         } else if (report.result != WorkResult::Unchanged &&
                    report.result != WorkResult::NotSupported) {
             return RefuseResize(call_, report.result, file.path);
