@@ -25,7 +25,6 @@ std::optional<WorkEnd> EndOf(HANDLE target, const CleanedFile& cleaned, std::uin
     if (cleaned.outcome == CleanOutcome::Cleaned) {
         return WriteTarget(target, std::as_bytes(std::span(cleaned.bytes)), read, channel);
     }
-    if (cleaned.outcome == CleanOutcome::NothingFound) return WorkEnd(WorkOutcome::Unchanged);
     return EndOfWholeFile(cleaned.outcome);
 }
 

@@ -15,7 +15,9 @@ namespace transforms {
 // Used by all threads of the work on one request. Ends before the request's last reply is sent.
 class PictureWatch final : public PictureSteps {
 public:
-    explicit PictureWatch(WorkChannel& channel) noexcept : channel_(channel) {}
+    // `reported` is what the request's earlier records said was done.
+    explicit PictureWatch(WorkChannel& channel, std::uint64_t reported = 0) noexcept
+        : channel_(channel), steps_(reported), reported_(reported) {}
 
     // Sends a record at most once a second: the manager wants to know that the process is alive.
     void Step() noexcept override;
@@ -28,16 +30,18 @@ public:
     PictureControl Control() noexcept;
     // Whether the manager no longer reads; the codecs then end with Cancelled.
     bool IsUnread() const noexcept { return isUnread_; }
+    // No record says that more is done.
+    std::uint64_t Steps() const noexcept { return steps_; }
 
 private:
     void Send() noexcept;
 
     WorkChannel& channel_;
-    std::atomic<std::uint64_t> steps_{0};
+    std::atomic<std::uint64_t> steps_;
     std::atomic<ULONGLONG> sent_{GetTickCount64()}; // when a record was sent last
     std::atomic<bool> isUnread_{false};
     std::mutex sending_;
-    std::uint64_t reported_ = 0; // under the lock, as the next one
+    std::uint64_t reported_; // under the lock, as the next one
     std::uint32_t number_ = 0;
 };
 

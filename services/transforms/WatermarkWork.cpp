@@ -67,10 +67,12 @@ std::optional<WorkEnd> OnPages(const WorkRequest& request, const Asked& asked,
     if (!source) return WorkEnd(failure);
     if (!ReadAhead(source->Bytes(), channel)) return {};
     const TextStamp stamp(asked.text, asked.look, Letters::Black);
+    PictureWatch watch(channel, source->Bytes().size());
     try {
-        const StampedPdf stamped = StampPdf(source->Bytes(), stamp, PictureControl());
+        const StampedPdf stamped = StampPdf(source->Bytes(), stamp, watch.Control());
+        if (watch.IsUnread()) return {};
         if (stamped.outcome != CleanOutcome::Cleaned) return EndOfWholeFile(stamped.outcome);
-        return WriteTarget(request.target.Get(), stamped.bytes, source->Bytes().size(), channel);
+        return WriteTarget(request.target.Get(), stamped.bytes, watch.Steps(), channel);
     } catch (const PictureFailure& notDrawn) {
         return EndOfPicture(notDrawn.outcome, 0);
     }

@@ -56,6 +56,7 @@ std::optional<WorkEnd> WriteTarget(HANDLE target, std::span<const std::byte> byt
 
 WorkEnd EndOfWholeFile(CleanOutcome outcome) noexcept {
     if (outcome == CleanOutcome::NotSupported) return WorkEnd(WorkOutcome::NotSupported);
+    if (outcome == CleanOutcome::NothingFound) return WorkEnd(WorkOutcome::Unchanged);
     const auto* const row = std::ranges::find(kFailures, outcome, &FailureRow::outcome);
     return WorkEnd(row == std::end(kFailures) ? WorkFailure::Damaged : row->failure);
 }

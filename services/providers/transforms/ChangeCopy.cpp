@@ -13,14 +13,14 @@ UINT TextOf(WorkResult result, const RefusalTexts& texts) {
         return texts.tooLarge;
     case WorkResult::CannotFit:
         return texts.cannotFit;
-    case WorkResult::ProcessFailed:
-        return texts.failed;
     case WorkResult::Unreadable:
         return OB_TEXT_UNREADABLE;
+    case WorkResult::Unwritable:
+        return OB_TEXT_UNWRITABLE;
     case WorkResult::NotStarted:
         return OB_TEXT_NO_WORK_PROCESS;
     default:
-        return OB_TEXT_UNWRITABLE;
+        return texts.failed;
     }
 }
 
@@ -29,7 +29,8 @@ UINT TextOf(WorkResult result, const RefusalTexts& texts) {
 bool RefuseResult(StageCall& call, WorkResult result, const RefusalTexts& texts,
                   const std::wstring& path) {
     if (result == WorkResult::Cancelled) return false;
-    return Refuse(call, TextOf(result, texts), path);
+    const UINT text = TextOf(result, texts);
+    return Refuse(call, text != 0 ? text : texts.failed, path);
 }
 
 bool ChangeCopy(StageCall& call, const std::wstring& path, const std::wstring& folder,

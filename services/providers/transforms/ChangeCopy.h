@@ -8,13 +8,12 @@
 
 namespace providers {
 
-// The sentences of a transform for what the file itself is the reason of; %1 is its name. Zero:
-// that can't come.
+// The sentences of a transform for what the file itself is the reason of; %1 is its name.
 struct RefusalTexts {
     UINT damaged;
     UINT tooLarge;
-    UINT cannotFit;
-    UINT failed; // the work process couldn't read it
+    UINT cannotFit; // zero: the transform has no such result
+    UINT failed;    // the work process couldn't read it, or reported what it can't
 };
 
 // Stops the run with the sentence for a result by which a file doesn't change; false.

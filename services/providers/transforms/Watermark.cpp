@@ -5,6 +5,7 @@
 
 #include "services/providers/settings/WatermarkSettings.h"
 #include "services/providers/transforms/ChangeCopy.h"
+#include "services/providers/transforms/Resize.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 
@@ -34,12 +35,19 @@ std::optional<bool> GoesWithout(StageCall& call, WorkResult result, const std::w
     return Ask(call, question, path);
 }
 
+// Whether each picture was made to take so many bytes at most: the watermark takes some more.
+bool HasLimit(const StageCall& call) {
+    return call.selected.Contains(TransformId::ResizeImages) &&
+           call.plan.resize.aim == ResizeAim::BytesEach;
+}
+
 } // namespace
 
 bool AddWatermark(StageCall& call, const std::wstring& path, const std::wstring& folder) {
     const auto settings = WatermarkSettings::Load(call.settings);
     if (settings.text.empty()) return Refuse(call, OB_TEXT_WATERMARK_NO_TEXT, path);
-    return ChangeCopy(call, path, folder, OrderFor(settings), kTexts, &GoesWithout);
+    return ChangeCopy(call, path, folder, OrderFor(settings), kTexts, &GoesWithout) &&
+           (!HasLimit(call) || ResizePicture(call, path, folder));
 }
 
 } // namespace providers

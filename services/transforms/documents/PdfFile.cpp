@@ -16,14 +16,16 @@ using namespace personal;
 // Takes what the library writes.
 class MemoryPipeline : public Pipeline {
 public:
-    MemoryPipeline() : Pipeline("memory", nullptr) {}
+    explicit MemoryPipeline(PictureSteps* steps) : Pipeline("memory", nullptr), steps_(steps) {}
     void write(const unsigned char* bytes, std::size_t size) override {
+        if (steps_) steps_->Step();
         Append(written_, std::as_bytes(std::span(bytes, size)));
     }
     void finish() override {}
     OwnedBytes Take() { return std::move(written_); }
 
 private:
+    PictureSteps* steps_;
     OwnedBytes written_;
 };
 
@@ -35,8 +37,8 @@ void OpenPdf(QPDF& pdf, Bytes file) {
     pdf.processMemoryFile("pdf", TextOf(file).data(), file.size());
 }
 
-OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams) {
-    MemoryPipeline memory;
+OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams, PictureSteps* steps) {
+    MemoryPipeline memory(steps);
     QPDFWriter writer(pdf);
     writer.setOutputPipeline(&memory);
     writer.setCompressStreams(streams == PdfStreams::Compressed);

@@ -6,6 +6,7 @@
 
 #include "services/transforms/personal/Bytes.h"
 #include "services/transforms/personal/Findings.h"
+#include "services/transforms/pictures/PictureControl.h"
 
 namespace transforms::documents {
 
@@ -16,8 +17,9 @@ void OpenPdf(QPDF& pdf, personal::Bytes file);
 // How streams are written: as they are coded, or compressed where they aren't coded at all.
 enum class PdfStreams { AsTheyAre, Compressed };
 
-// Equal objects give equal bytes. Throws what the library throws.
-personal::OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams);
+// Equal objects give equal bytes. `steps`, which may be null, learns that the work goes on. Throws
+// what the library throws.
+personal::OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams, PictureSteps* steps = nullptr);
 
 // Encrypted or Damaged, inside a catch block. Throws std::bad_alloc on.
 CleanOutcome OutcomeOfPdfError();

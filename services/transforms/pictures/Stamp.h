@@ -28,6 +28,8 @@ public:
     // For a picture that is shown with that size. An empty one changes nothing. Throws
     // PictureFailure.
     virtual PlacedStamp For(PictureSize shown) const = 0;
+    // False for a picture whose stamp is empty, however the picture is turned.
+    virtual bool HasRoomIn(PictureSize) const noexcept { return true; }
 };
 
 // The stamp in the order of the stored pixels, for a picture of `stored` that its orientation (1 to

@@ -15,7 +15,7 @@ PictureOutcome StampPicture(PictureSource& source, PictureTarget& target, const 
     return RunPictureWork([&] {
         const PictureForm form = FormOfPicture(source, control);
         if (form.kind == PictureKind::None) return PictureOutcome::Unsupported;
-        if (form.hasManyPictures) return PictureOutcome::Unchanged;
+        if (form.hasManyPictures || !stamp.HasRoomIn(form.size)) return PictureOutcome::Unchanged;
         const ShrinkStep step{.coarseness = kCoarsenessOfQuality96, .stamp = &stamp};
         ShrinkPicture(form.kind, source, target, step, control);
         return PictureOutcome::Shrunk;

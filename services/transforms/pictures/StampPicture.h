@@ -8,8 +8,8 @@
 namespace transforms {
 
 // Writes the target for Shrunk only, but may have begun to for Cancelled and the failures. A lossy
-// picture is coded as finely as it was. Animations and files of many pages are Unchanged. Throws
-// nothing. Uses a second thread for its time.
+// picture is coded as finely as it was. Animations, files of many pages and pictures in which the
+// stamp has no room are Unchanged. Throws nothing. Uses a second thread for its time.
 PictureOutcome StampPicture(PictureSource& source, PictureTarget& target, const Stamp& stamp,
                             const PictureControl& control) noexcept;
 

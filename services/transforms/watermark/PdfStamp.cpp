@@ -172,7 +172,8 @@ public:
             control_.ThrowIfCancelled();
             StampPage(page);
         }
-        auto written = documents::WritePdf(pdf_, documents::PdfStreams::Compressed);
+        if (!isStamped_) return {CleanOutcome::NothingFound, {}};
+        auto written = documents::WritePdf(pdf_, documents::PdfStreams::Compressed, control_.steps);
         if (pdf_.anyWarnings()) return {};
         return {CleanOutcome::Cleaned, std::move(written)};
     }
@@ -190,6 +191,7 @@ private:
         if (!IsSensible(shown)) return;
         const PdfPicture* const picture = PictureFor(shown.Pixels());
         if (!picture) return;
+        isStamped_ = true;
         const std::string name = Register(page, picture->object);
         // What the page's own contents leave changed is put back before the stamp is drawn.
         page.addPageContents(pdf_.newStream("q\n"), true);
@@ -212,6 +214,7 @@ private:
     const Stamp& stamp_;
     const PictureControl& control_;
     QPDF pdf_;
+    bool isStamped_ = false;
     std::map<std::pair<std::uint32_t, std::uint32_t>, PdfPicture> pictures_;
 };
 

@@ -10,7 +10,8 @@
 namespace transforms {
 
 struct StampedPdf {
-    // Cleaned means written; otherwise Damaged, Encrypted, Signed or TooLarge, without bytes.
+    // Cleaned means written. Otherwise there are no bytes: NothingFound where no page has room for
+    // the stamp, Damaged, Encrypted, Signed or TooLarge.
     CleanOutcome outcome = CleanOutcome::Damaged;
     personal::OwnedBytes bytes;
 };

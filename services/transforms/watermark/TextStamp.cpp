@@ -169,10 +169,14 @@ Fitting Fit(Canvas& canvas, const std::wstring& text, std::uint32_t letter, Pict
 
 } // namespace
 
+bool TextStamp::HasRoomIn(PictureSize size) const noexcept {
+    return !text_.empty() && LetterHeight(size, look_.place) != 0;
+}
+
 PlacedStamp TextStamp::For(PictureSize shown) const {
     PlacedStamp stamp;
+    if (!HasRoomIn(shown)) return stamp;
     const std::uint32_t letter = LetterHeight(shown, look_.place);
-    if (letter == 0 || text_.empty()) return stamp;
     Canvas canvas;
     const Fitting fitting = Fit(canvas, text_, letter, LargestWatermark(shown));
     const int edge = std::max(static_cast<int>(fitting.letter) / kEdgeParts, 1);

@@ -22,6 +22,7 @@ public:
         : text_(std::move(text)), look_(look), letters_(letters) {}
     // Throws PictureFailure with OutOfMemory when the system can't draw.
     PlacedStamp For(PictureSize shown) const override;
+    bool HasRoomIn(PictureSize size) const noexcept override;
 
 private:
     std::wstring text_;

@@ -103,6 +103,8 @@ TEST_F(WatermarkWork, PassesWhatHasNoPlaceForIt) {
     const auto photo = obtest::Photo(60, 40, 3);
     ExpectPassed(Add(Text(obtest::MakeWebp(photo, {.frames = 2}))), WorkOutcome::Unchanged);
     ExpectPassed(Add(Text(obtest::MakeTiff(photo, {.pages = 2}))), WorkOutcome::Unchanged);
+    ExpectPassed(Add(Text(obtest::MakeJpeg(obtest::Photo(400, 24, 3)))), WorkOutcome::Unchanged);
+    ExpectPassed(Add(samples::OnePage("/CropBox [0 0 5 5]").File()), WorkOutcome::Unchanged);
     ExpectPassed(Add("a text"), WorkOutcome::NotSupported);
     ExpectPassed(Add(""), WorkOutcome::NotSupported);
 }

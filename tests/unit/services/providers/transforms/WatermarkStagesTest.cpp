@@ -63,10 +63,22 @@ TEST_F(WatermarkStages, WorkOnEachFile) {
 TEST_F(WatermarkStages, ComeAfterResizeAndBeforePersonalData) {
     ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, 2, kTransform));
     ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, kTransform));
+    DeleteFileW(obtest::BesideProgram(L"kinds.txt").c_str());
     Script("record");
     const std::wstring path = folder_.File(L"photo.jpg", "photo");
     EXPECT_TRUE(Execute(path));
     EXPECT_EQ(obtest::ReadFileContent(obtest::BesideProgram(L"kinds.txt")), "3 9 1 ");
+}
+
+// The watermark takes some bytes of a picture that was made to take so many at most.
+TEST_F(WatermarkStages, AreWithinTheLimitOfEachPicture) {
+    const std::wstring resize = std::wstring(kProviderManagerKey) + L"\\Transforms\\2";
+    obtest::SetValue(HKEY_CURRENT_USER, resize, L"Aim", L"KilobytesEach");
+    ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, 2, kTransform));
+    DeleteFileW(obtest::BesideProgram(L"kinds.txt").c_str());
+    Script("record");
+    EXPECT_TRUE(Execute(folder_.File(L"photo.jpg", "photo")));
+    EXPECT_EQ(obtest::ReadFileContent(obtest::BesideProgram(L"kinds.txt")), "3 9 3 ");
 }
 
 TEST_F(WatermarkStages, LeaveAFileThatPassesAsItIs) {

@@ -149,8 +149,9 @@ TEST(PdfStamp, IsTheSameForTheSameFile) {
 
 TEST(PdfStamp, LeavesTinyPagesAsTheyAre) {
     const TextStamp text(L"Draft", {WatermarkPlace::Centre, 50}, Letters::Black);
-    const std::string file = Stamped(OnePage("/CropBox [0 0 5 5]").File(), text);
-    EXPECT_EQ(Unpacked(file).find("ObStamp"), std::string::npos);
+    const StampedPdf tiny = StampPdf(BytesOf(OnePage("/CropBox [0 0 5 5]").File()), text, {});
+    EXPECT_EQ(tiny.outcome, CleanOutcome::NothingFound);
+    EXPECT_TRUE(tiny.bytes.empty());
     const std::string shown = Stamped(OnePage().File(), text);
     EXPECT_NE(Unpacked(shown).find("ObStamp"), std::string::npos);
 }
