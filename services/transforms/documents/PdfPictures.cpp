@@ -25,15 +25,22 @@ bool IsCoding(Object name, const char* full, const char* abbreviated) {
     return name.isName() && (name.getName() == full || name.getName() == abbreviated);
 }
 
-// What is left of the data once every coding but the last is undone.
-auto DataOfLast(QPDF& pdf, Object stream, std::vector<Object> codings, std::vector<Object> with) {
+// What is left of the data once every coding but the last is undone; null when the library doesn't
+// know one of them.
+auto DataOfLast(QPDF& pdf, Object stream, std::vector<Object> codings, std::vector<Object> with)
+    -> decltype(stream.getRawStreamData()) {
     if (codings.size() == 1) return stream.getRawStreamData();
     codings.pop_back();
     with.resize(codings.size(), Object::newNull());
     auto outer = Object::newStream(&pdf, stream.getRawStreamData());
     outer.getDict().replaceKey("/Filter", Object::newArray(codings));
     outer.getDict().replaceKey("/DecodeParms", Object::newArray(with));
-    return outer.getStreamData(qpdf_dl_specialized);
+    try {
+        return outer.getStreamData(qpdf_dl_specialized);
+    } catch (const QPDFExc& error) {
+        if (error.getErrorCode() != qpdf_e_unsupported) throw;
+        return {};
+    }
 }
 
 std::string TextOf(const OwnedBytes& bytes) {
@@ -50,6 +57,7 @@ void CleanPdfPicture(QPDF& pdf, QPDFObjectHandle& stream, FindingCounter& found)
     if (!IsCoding(codings.back(), "/DCTDecode", "/DCT")) return;
     const auto with = ItemsOf(dictionary.getKey("/DecodeParms"));
     const auto data = DataOfLast(pdf, stream, codings, with);
+    if (!data) return found.Note(FindingKind::EmbeddedFiles);
     const Bytes picture(reinterpret_cast<const std::byte*>(data->getBuffer()), data->getSize());
     const Analysis analysis =
         IsJpeg(picture) ? AnalyzeJpeg(picture) : Failed(CleanOutcome::NotSupported);

@@ -1,6 +1,7 @@
 // EXIF data are a TIFF file without pixels.
 #include "services/transforms/pictures/ExifValues.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace transforms {
@@ -90,6 +91,23 @@ std::uint16_t ExifOrientation(std::span<const std::uint8_t> bytes) noexcept {
     if (!entry || exif.Get(entry + 2, 2) != Short) return kUprightOrientation;
     const std::uint32_t value = exif.Get(entry + 8, 2);
     return value >= 1 && value <= 8 ? static_cast<std::uint16_t>(value) : kUprightOrientation;
+}
+
+void DropExifThumbnail(std::span<std::uint8_t> bytes) noexcept {
+    constexpr std::uint32_t kOffset = 0x0201, kLength = 0x0202;
+    ExifBytes exif(bytes);
+    if (!exif.IsExif()) return;
+    const std::size_t first = exif.MainDirectory();
+    const std::size_t link = first + 2 + 12 * static_cast<std::size_t>(exif.Get(first, 2));
+    const std::size_t second = exif.Get(link, 4);
+    if (second == 0) return;
+    exif.Set(link, 4, 0);
+    const std::size_t offset = FindEntry(exif, second, kOffset);
+    const std::size_t length = FindEntry(exif, second, kLength);
+    if (!offset || !length) return;
+    const std::size_t begin = exif.Get(offset + 8, 4), count = exif.Get(length + 8, 4);
+    if (!exif.Has(begin, count)) return;
+    std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(begin), count, std::uint8_t{0});
 }
 
 void SetExifOrientation(std::span<std::uint8_t> bytes, std::uint16_t orientation) noexcept {

@@ -32,12 +32,15 @@ void KeepMarkers(JpegReader& reader) {
     for (int i = 0; i < 16; ++i) jpeg_save_markers(&reader, JPEG_APP0 + i, 0xFFFF);
 }
 
-void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size) {
+void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size, bool isStamped) {
     for (auto* marker = reader.marker_list; marker; marker = marker->next) {
         if (IsLeftOut(marker)) continue;
         std::vector<std::uint8_t> data(marker->data, marker->data + marker->data_length);
-        if (Begins(marker, JPEG_APP0 + 1, Exif))
-            SetExifSize(std::span(data).subspan(Exif.size()), size);
+        if (Begins(marker, JPEG_APP0 + 1, Exif)) {
+            const auto exif = std::span(data).subspan(Exif.size());
+            SetExifSize(exif, size);
+            if (isStamped) DropExifThumbnail(exif);
+        }
         jpeg_write_marker(&writer, marker->marker, data.data(), static_cast<unsigned>(data.size()));
     }
 }

@@ -11,8 +11,8 @@ namespace transforms {
 void KeepMarkers(JpegReader& reader);
 
 // After the writer was started and before its first row. The index of further pictures in the file
-// is left out, as those pictures are.
-void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size);
+// is left out, as those pictures are, and so is a thumbnail of a picture that looks different now.
+void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size, bool isStamped);
 
 // How the picture is shown, as ExifValues.h counts it. After the header was read.
 std::uint16_t JpegOrientation(const JpegReader& reader) noexcept;

@@ -187,7 +187,7 @@ void StartEncoder(const JpegReader& reader, JpegWriter& writer, PictureSize to,
     writer.optimize_coding =
         step.compact && static_cast<std::uint64_t>(to.width) * to.height < 20'000'000;
     jpeg_start_compress(&writer, TRUE);
-    CopyMarkers(reader, writer, to);
+    CopyMarkers(reader, writer, to, step.stamp != nullptr);
 }
 
 // One component's way from decoded rows to rows that can be coded.

@@ -43,10 +43,22 @@ Colour InComponents(const std::uint8_t* rgba, const JpegWriter& writer) noexcept
 struct Cell {
     std::uint32_t across, down;
 };
-Cell CellOf(const JpegWriter& writer, int component) noexcept {
+
+// Throws Unsupported for samples that cover parts of pixels, as 3 beside 2.
+Cell CellOf(const JpegWriter& writer, int component) {
     const auto& info = writer.comp_info[component];
+    if (writer.max_h_samp_factor % info.h_samp_factor != 0 ||
+        writer.max_v_samp_factor % info.v_samp_factor != 0) {
+        throw PictureFailure{PictureOutcome::Unsupported};
+    }
     return {static_cast<std::uint32_t>(writer.max_h_samp_factor / info.h_samp_factor),
             static_cast<std::uint32_t>(writer.max_v_samp_factor / info.v_samp_factor)};
+}
+
+// The end of a stamp's part of a plane, which has so many samples.
+std::uint32_t EndOf(std::uint32_t begin, std::uint32_t pixels, std::uint32_t cell,
+                    std::uint32_t samples) noexcept {
+    return std::min((begin + pixels - 1) / cell + 1, samples);
 }
 
 struct Average {
@@ -81,10 +93,13 @@ JpegStamp::JpegStamp(const PlacedStamp& stamp, const JpegWriter& writer)
     for (int c = 0; c < writer.num_components; ++c) {
         Plane& plane = planes_[c];
         const Cell cell = CellOf(writer, c);
-        plane.left = stamp.left / cell.across;
-        plane.top = stamp.top / cell.down;
-        plane.width = (stamp.left + stamp.size.width - 1) / cell.across + 1 - plane.left;
-        plane.height = (stamp.top + stamp.size.height - 1) / cell.down + 1 - plane.top;
+        const auto& info = writer.comp_info[c];
+        plane.left = std::min(stamp.left / cell.across, info.downsampled_width);
+        plane.top = std::min(stamp.top / cell.down, info.downsampled_height);
+        plane.width =
+            EndOf(stamp.left, stamp.size.width, cell.across, info.downsampled_width) - plane.left;
+        plane.height =
+            EndOf(stamp.top, stamp.size.height, cell.down, info.downsampled_height) - plane.top;
         plane.values.reserve(std::size_t{plane.width} * plane.height);
         plane.opaque.reserve(std::size_t{plane.width} * plane.height);
         for (std::uint32_t y = plane.top; y < plane.top + plane.height; ++y) {

@@ -12,6 +12,7 @@ namespace transforms {
 class JpegStamp {
 public:
     // After the writer was started, whose size and sampling count. The stamp is as it is stored.
+    // Throws PictureFailure with Unsupported for a sampling that no camera writes.
     JpegStamp(const PlacedStamp& stamp, const JpegWriter& writer);
 
     // Changes a row of a component's plane; `samples` has all of its columns.

@@ -14,6 +14,7 @@
 
 #include "services/transforms/documents/PdfDictionaries.h"
 #include "services/transforms/documents/PdfFile.h"
+#include "services/transforms/documents/PdfWalk.h"
 
 namespace transforms {
 namespace {
@@ -31,9 +32,13 @@ struct ShownPage {
     int turns = 0;
     double width = 0, height = 0; // points, after turning
     double scale = 1;             // pixels a point
+    // Of the stamp's picture. Scanned pages differ by some points and share one.
     PictureSize Pixels() const {
+        constexpr std::uint32_t kRounded = 16, kExact = 256;
         const auto side = [this](double points) {
-            return static_cast<std::uint32_t>(std::max(std::lround(points * scale), 1L));
+            const auto pixels =
+                static_cast<std::uint32_t>(std::max(std::lround(points * scale), 1L));
+            return pixels < kExact ? pixels : pixels / kRounded * kRounded;
         };
         return {side(width), side(height)};
     }
@@ -48,12 +53,20 @@ int TurnsOf(QPDFPageObjectHelper& page) {
 }
 
 // Corners may be in any order.
-Object::Rectangle BoxOf(QPDFPageObjectHelper& page) {
-    auto box = page.getCropBox(false);
-    if (!box.isRectangle()) box = page.getMediaBox(false);
+Object::Rectangle Ordered(Object box) {
     const auto corners = box.getArrayAsRectangle();
     return {std::min(corners.llx, corners.urx), std::min(corners.lly, corners.ury),
             std::max(corners.llx, corners.urx), std::max(corners.lly, corners.ury)};
+}
+
+// What is seen of a page: the crop box, as far as it is inside the media box.
+Object::Rectangle BoxOf(QPDFPageObjectHelper& page) {
+    const auto media = Ordered(page.getMediaBox(false));
+    auto crop = page.getCropBox(false);
+    if (!crop.isRectangle()) return media;
+    const auto shown = Ordered(crop);
+    return {std::max(shown.llx, media.llx), std::max(shown.lly, media.lly),
+            std::min(shown.urx, media.urx), std::min(shown.ury, media.ury)};
 }
 
 ShownPage Shown(QPDFPageObjectHelper& page) {
@@ -180,10 +193,11 @@ public:
 
 private:
     bool IsSigned() {
-        auto objects = pdf_.getAllObjects();
-        return std::ranges::any_of(objects, [](Object& object) {
-            return object.isDictionary() && documents::IsPdfSignature(object);
+        bool isSigned = false;
+        documents::VisitPdfObjects(pdf_.getRoot(), [&](Object& object) {
+            isSigned |= object.isDictionary() && documents::IsPdfSignature(object);
         });
+        return isSigned;
     }
 
     void StampPage(QPDFPageObjectHelper& page) {

@@ -58,4 +58,30 @@ TEST(ExifValues, StayWithinDataThatEndEarly) {
     }
 }
 
+// A main directory without entries and a second one with a thumbnail of four bytes.
+Bytes ExifWithThumbnail(const std::string& thumbnail = "jpeg") {
+    return ToBytes("II*\0\x8\0\0\0"s + "\0\0\xe\0\0\0"s + "\2\0"s + "\1\2\4\0\1\0\0\0\x2c\0\0\0"s +
+                   "\2\2\4\0\1\0\0\0\4\0\0\0"s + "\0\0\0\0"s + thumbnail);
+}
+
+TEST(ExifValues, LoseTheThumbnail) {
+    Bytes exif = ExifWithThumbnail();
+    ASSERT_EQ(exif.size(), 48u);
+    DropExifThumbnail(exif);
+    Bytes expected = ExifWithThumbnail("\0\0\0\0"s);
+    expected[10] = 0; // no second directory
+    EXPECT_EQ(exif, expected);
+    DropExifThumbnail(exif);
+    EXPECT_EQ(exif, expected);
+}
+
+TEST(ExifValues, StayWithinDataWithHalfAThumbnail) {
+    const Bytes whole = ExifWithThumbnail();
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        Bytes exif(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        DropExifThumbnail(exif);
+        EXPECT_EQ(exif.size(), size);
+    }
+}
+
 } // namespace

@@ -231,6 +231,21 @@ TEST(StampPictureTest, ChangesJpegOnlyAtItsPlace) {
     }
 }
 
+// Three samples beside two: a sample of the second covers one and a half pixels.
+TEST(StampPictureTest, PassesASamplingThatNoCameraWrites) {
+    Rectangle stamp;
+    stamp.left = 80;
+    auto file = MakeJpeg(Photo(120, 60, 3), {.across = 1, .down = 1});
+    const std::string text(file.begin(), file.end());
+    const std::size_t frame = text.find("\xff\xc0");
+    ASSERT_NE(frame, std::string::npos);
+    const unsigned char factors[] = {0x31, 0x21, 0x21};
+    for (std::size_t c = 0; c < 3; ++c) file[frame + 11 + 3 * c] = factors[c];
+    PictureBytes result;
+    const auto outcome = OutcomeOf(file, stamp, result);
+    EXPECT_TRUE(outcome == PictureOutcome::Unsupported || outcome == PictureOutcome::Damaged);
+}
+
 TEST(StampPictureTest, CoversGreyAndRgbJpeg) {
     const Rectangle stamp;
     const auto grey = ParseJpeg(Stamped(MakeJpeg(Photo(120, 60, 1)), stamp)).raster;

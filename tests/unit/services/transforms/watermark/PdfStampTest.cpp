@@ -96,6 +96,7 @@ TEST(PdfStamp, IsUprightAtItsPlaceInEachRotation) {
 TEST(PdfStamp, CountsFromTheVisibleBox) {
     ExpectCorners("/CropBox [50 20 150 80]", {60, 75}, {80, 65});
     ExpectCorners("/CropBox [150 80 50 20]", {60, 75}, {80, 65});
+    ExpectCorners("/CropBox [-100 -100 700 950]", {10, 95}, {30, 85});
     const Corner stamp;
     Stamped(OnePage("/CropBox [50 20 150 80] /Rotate 90").File(), stamp);
     EXPECT_EQ(stamp.asked, (std::vector{PictureSize{120, 200}}));
@@ -142,6 +143,17 @@ TEST(PdfStamp, IsOnEachPageOnceAndInTheFileOnce) {
     EXPECT_EQ(pictures, 2u);
 }
 
+TEST(PdfStamp, IsSharedByPagesOfNearlyOneSize) {
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
+    pdf.Add("<</Type /Pages /Kids [3 0 R 4 0 R] /Count 2>>");
+    for (const char* box : {"[0 0 595 842]", "[0 0 594.2 841]"})
+        pdf.Add(std::string("<</Type /Page /Parent 2 0 R /MediaBox ") + box + ">>");
+    const Corner stamp;
+    Stamped(pdf.File(), stamp);
+    EXPECT_EQ(stamp.asked, (std::vector{PictureSize{1184, 1680}}));
+}
+
 TEST(PdfStamp, IsTheSameForTheSameFile) {
     const std::string file = OnePage().File();
     EXPECT_EQ(Stamped(file, Corner()), Stamped(file, Corner()));
@@ -165,6 +177,9 @@ TEST(PdfStamp, IsRefusedWhereItWouldBreakTheFile) {
     signedPdf.Add("<</FT /Sig /T (s) /V 6 0 R>>");
     signedPdf.Add("<</Type /Sig /ByteRange [0 1 2 3] /Contents <00>>>");
     EXPECT_EQ(OutcomeOf(signedPdf.File()), CleanOutcome::Signed);
+    const PdfBuilder direct =
+        OnePage("", "/AcroForm <</Fields [<</FT /Sig /T (s) /V <</Type /Sig /Contents <00>>>>>]>>");
+    EXPECT_EQ(OutcomeOf(direct.File()), CleanOutcome::Signed);
 }
 
 TEST(PdfStamp, EndsWhenItIsCancelled) {
