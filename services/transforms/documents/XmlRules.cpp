@@ -1,6 +1,7 @@
 #include "services/transforms/documents/XmlRules.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "services/transforms/documents/LocalPath.h"
@@ -11,6 +12,13 @@ namespace {
 using namespace personal;
 
 constexpr std::string_view kAlternatives = "AlternateContent";
+
+// Attributes that link to a file or describe one, under any prefix and of any element. A path in
+// every other attribute is content: the text of a cell, a column's name, a filter.
+constexpr std::string_view kNamingFiles[] = {
+    "Target", "href",       "src",     "descr",           "title",
+    "alt",    "sourceFile", "odcFile", "destinationFile", "display",
+};
 
 bool IsOfElements(XmlAction action) {
     return action != XmlAction::RemoveAttribute && action != XmlAction::SetAttribute;
@@ -158,8 +166,9 @@ private:
     }
 
     void CutPath(const XmlAttribute& attribute) {
+        if (std::ranges::find(kNamingFiles, attribute.name) == std::end(kNamingFiles)) return;
         const auto name = FileOfLocalPath(attribute.value);
-        if (!name || attribute.name == "formatCode") return;
+        if (!name) return;
         edits_.push_back(ReplacementOf(text_, attribute.value, std::string(*name)));
         found_.Note(FindingKind::LocalPath);
     }

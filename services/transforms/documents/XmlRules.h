@@ -51,7 +51,8 @@ struct XmlResult {
     std::string text;                                  // only when Cleaned
 };
 
-// Attributes with a path of a computer keep the file's name alone, whatever the rules.
+// Attributes that link to a file or describe one keep the file's name alone of a path of a
+// computer, whatever the rules.
 XmlResult CleanXml(std::string_view text, std::span<const XmlRule> rules,
                    personal::FindingCounter& found, const XmlLook& look = {});
 

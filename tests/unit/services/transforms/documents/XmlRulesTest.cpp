@@ -61,11 +61,35 @@ TEST(XmlRules, CutPathsOfAComputerToTheFilesName) {
     const XmlRule rule{XmlAction::RemoveElement, Ns::Word, "none", FindingKind::Authors};
     for (const char* path : {"C:\\Users\\a\\x.jpg", "file:///C:/a/x.jpg", "file:///home/a/x.jpg",
                              "\\\\server\\share\\x.jpg", "/C:/a/x.jpg", "FILE:x.jpg"}) {
-        EXPECT_EQ(CleanWith(rule, "<c d=\"" + std::string(path) + "\"/>"), "<c d=\"x.jpg\"/>");
+        EXPECT_EQ(CleanWith(rule, "<c href=\"" + std::string(path) + "\"/>"),
+                  "<c href=\"x.jpg\"/>");
     }
-    EXPECT_EQ(CleanWith(rule, "<c d=\"C:\\Users\\a\\\"/>"), "<c d=\".\"/>");
+    EXPECT_EQ(CleanWith(rule, "<c href=\"C:\\Users\\a\\\"/>"), "<c href=\".\"/>");
     for (const char* other : {"https://a/b", "x.jpg", "../x.jpg", "a:b", "\\\\0\\x", "/a/b", ""}) {
-        const std::string content = "<c d=\"" + std::string(other) + "\"/>";
+        const std::string content = "<c href=\"" + std::string(other) + "\"/>";
+        EXPECT_EQ(CleanWith(rule, content), content);
+    }
+}
+
+TEST(XmlRules, CutPathsInEveryAttributeThatNamesAFile) {
+    const XmlRule rule{XmlAction::RemoveElement, Ns::Word, "none", FindingKind::Authors};
+    for (const char* name :
+         {"Target", "href", "xlink:href", "o:href", "src", "descr", "title", "o:title", "alt",
+          "sourceFile", "odcFile", "destinationFile", "display"}) {
+        const std::string start = "<c " + std::string(name);
+        EXPECT_EQ(CleanWith(rule, start + "=\"C:\\Users\\a\\x.jpg\"/>"), start + "=\"x.jpg\"/>");
+    }
+}
+
+TEST(XmlRules, LeavePathsThatAreContent) {
+    const XmlRule rule{XmlAction::RemoveElement, Ns::Word, "none", FindingKind::Authors};
+    for (const char* content :
+         {"<tableColumn name=\"C:\\Data\\2024\"/>", "<s v=\"C:\\a\\x.txt\"/>",
+          "<cacheField name=\"C:\\a\\x\"/>", "<filter val=\"\\\\server\\share\\x\"/>",
+          "<w:docVar w:name=\"a\" w:val=\"C:\\a\\x\"/>",
+          "<w:listItem w:displayText=\"C:\\a\\x\" w:value=\"C:\\a\\x\"/>",
+          "<table:table-cell office:string-value=\"file:///C:/a/x\"/>",
+          "<numFmt formatCode=\"\\\\ab\\x\"/>"}) {
         EXPECT_EQ(CleanWith(rule, content), content);
     }
 }
