@@ -26,7 +26,7 @@ bool WatermarkSettings::AreStored(const TransformSettings& stored) {
 
 WatermarkSettings WatermarkSettings::Load(const TransformSettings& stored) {
     WatermarkSettings settings;
-    settings.text = StoredText(stored);
+    if (const std::wstring text = StoredText(stored); !text.empty()) settings.text = text;
     const auto word = stored.Read(kId, kPlace);
     const auto* const place =
         std::ranges::find_if(kWatermarkPlaces, [&](const wchar_t* name) { return word == name; });

@@ -21,7 +21,8 @@ inline constexpr std::uint32_t kLeastOpacity = 5;     // percent; less can't be 
 inline constexpr std::uint32_t kMostOpacity = 100;
 
 struct WatermarkSettings {
-    std::wstring text; // one line; never empty once it is stored
+    // One line, never empty. An option may be on although nobody has entered a text yet.
+    std::wstring text = L"Draft";
     WatermarkPlace place = WatermarkPlace::BottomRight;
     std::uint32_t opacity = 60; // percent
     bool operator==(const WatermarkSettings&) const = default;

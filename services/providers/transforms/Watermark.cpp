@@ -45,7 +45,6 @@ bool HasLimit(const StageCall& call) {
 
 bool AddWatermark(StageCall& call, const std::wstring& path, const std::wstring& folder) {
     const auto settings = WatermarkSettings::Load(call.settings);
-    if (settings.text.empty()) return Refuse(call, OB_TEXT_WATERMARK_NO_TEXT, path);
     return ChangeCopy(call, path, folder, OrderFor(settings), kTexts, &GoesWithout) &&
            (!HasLimit(call) || ResizePicture(call, path, folder));
 }
