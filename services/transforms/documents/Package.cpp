@@ -1,6 +1,5 @@
 #include "services/transforms/documents/Package.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "services/transforms/personal/PersonalData.h"
@@ -15,12 +14,13 @@ Package::Package(Bytes file) : file_(file) {
     if (!contents) throw PackageRefusal{refusal};
     contents_ = std::move(*contents);
     fates_.resize(contents_.entries.size());
+    for (std::size_t part = 0; part < Count(); ++part) byName_.emplace(Name(part), part);
 }
 
 std::optional<std::size_t> Package::Find(std::string_view name) const {
-    const auto found = std::ranges::find(contents_.entries, name, &ZipEntry::name);
-    if (found == contents_.entries.end()) return {};
-    return static_cast<std::size_t>(found - contents_.entries.begin());
+    const auto found = byName_.find(name);
+    if (found == byName_.end()) return {};
+    return found->second;
 }
 
 OwnedBytes Package::Read(std::size_t part) const {

@@ -2,6 +2,7 @@
 // is written anew in one form.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -59,6 +60,7 @@ private:
 
     personal::Bytes file_;
     ZipContents contents_;
+    std::map<std::string_view, std::size_t> byName_; // names are the file's own bytes
     std::vector<Fate> fates_;
     std::optional<std::size_t> first_;
     personal::FindingCounter found_;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <iterator>
+#include <system_error>
 
 namespace transforms::documents {
 namespace {
@@ -29,6 +31,44 @@ std::optional<std::string_view> BoundPrefix(std::string_view qualified) {
     if (qualified == "xmlns") return std::string_view();
     if (qualified.starts_with(kBinding)) return qualified.substr(kBinding.size());
     return {};
+}
+
+// Characters that XML can't contain aren't written as a number either.
+bool IsXmlCharacter(std::uint32_t code) {
+    if (code < 0x20) return code == 9 || code == 10 || code == 13;
+    return code < 0xD800 || (code > 0xDFFF && code < 0xFFFE) || (code > 0xFFFF && code < 0x110000);
+}
+
+std::string InUtf8(std::uint32_t code) {
+    const auto more = [&](int shift) { return static_cast<char>(0x80 | (code >> shift & 0x3F)); };
+    if (code < 0x80) return {static_cast<char>(code)};
+    if (code < 0x800) return {static_cast<char>(0xC0 | code >> 6), more(0)};
+    if (code < 0x10000) return {static_cast<char>(0xE0 | code >> 12), more(6), more(0)};
+    return {static_cast<char>(0xF0 | code >> 18), more(12), more(6), more(0)};
+}
+
+// A reference from its "&" to its ";". What is longer is read as text, so that many "&" without an
+// end cost no more than their number.
+constexpr std::size_t kLongestReference = 12;
+
+// What a reference is for, by what is between "&" and ";"; empty when it isn't known.
+std::string MeaningOf(std::string_view name) {
+    struct Reference {
+        std::string_view name;
+        char c;
+    };
+    constexpr Reference kReferences[] = {
+        {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
+    const auto row = std::ranges::find(kReferences, name, &Reference::name);
+    if (row != std::end(kReferences)) return {row->c};
+    if (!name.starts_with("#")) return {};
+    const bool isHex = name.starts_with("#x");
+    const auto digits = name.substr(isHex ? 2 : 1);
+    const char* end = digits.data() + digits.size();
+    std::uint32_t code = 0;
+    const auto read = std::from_chars(digits.data(), end, code, isHex ? 16 : 10);
+    const bool isWhole = read.ec == std::errc() && read.ptr == end;
+    return isWhole && IsXmlCharacter(code) ? InUtf8(code) : std::string();
 }
 
 } // namespace
@@ -223,27 +263,18 @@ bool IsUtf8Xml(std::string_view text) {
 }
 
 std::string PlainText(std::string_view value) {
-    struct Reference {
-        std::string_view name;
-        char c;
-    };
-    constexpr Reference kReferences[] = {
-        {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
     std::string plain;
     for (std::size_t at = 0; at < value.size(); ++at) {
-        const auto end = value[at] == '&' ? value.find(';', at) : value.npos;
-        const auto name =
-            end == value.npos ? std::string_view() : value.substr(at + 1, end - at - 1);
-        const auto row = std::ranges::find(kReferences, name, &Reference::name);
-        int code = 0;
-        if (name.starts_with("#")) {
-            const bool isHex = name.starts_with("#x");
-            const auto digits = name.substr(isHex ? 2 : 1);
-            std::from_chars(digits.data(), digits.data() + digits.size(), code, isHex ? 16 : 10);
+        const auto reference = value.substr(at, kLongestReference);
+        const auto end = value[at] == '&' ? reference.find(';') : reference.npos;
+        const auto meant =
+            end == reference.npos ? std::string() : MeaningOf(reference.substr(1, end - 1));
+        if (meant.empty()) {
+            plain += value[at];
+        } else {
+            plain += meant;
+            at += end;
         }
-        if (row != std::end(kReferences)) code = row->c;
-        plain += code > 0 && code < 128 ? static_cast<char>(code) : value[at];
-        if (code > 0 && code < 128) at = end;
     }
     return plain;
 }

@@ -91,7 +91,8 @@ private:
 // Whether the text is in UTF-8 by its BOM and its declaration: nothing else is read.
 bool IsUtf8Xml(std::string_view text);
 
-// A value with the five references of XML and those to numbers below 128 replaced.
+// A value with the five references of XML and those to numbers replaced, in UTF-8. A number that is
+// no character of XML stays as it is written.
 std::string PlainText(std::string_view value);
 
 } // namespace transforms::documents

@@ -103,6 +103,18 @@ TEST(OdfPersonalData, CleansDocumentsInsideTheDocument) {
     ExpectConsistent(ExpectPackageCleaned(zip).file, "text");
 }
 
+TEST(OdfPersonalData, KeepsAFileThatTheManifestNamesByReferences) {
+    const char* const rows[] = {"Pictures/&#252;.png", "Pictures/&#xFC;.png",
+                                "Pictures/\xC3\xBC.png"};
+    for (const char* row : rows) {
+        ZipBuilder zip = Odf("text", "", ManifestRow(row, "image/png"));
+        zip.Add("Pictures/\xC3\xBC.png", "KEPT");
+        const std::string file = ExpectPackageCleaned(zip).file;
+        EXPECT_EQ(PartOf(file, "Pictures/\xC3\xBC.png"), "KEPT") << row;
+        ExpectConsistent(file, "text");
+    }
+}
+
 TEST(OdfPersonalData, PutsTheKindFirst) {
     ZipBuilder zip;
     zip.Add("META-INF/manifest.xml",

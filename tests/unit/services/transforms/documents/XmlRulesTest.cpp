@@ -161,7 +161,25 @@ TEST(XmlReader, RefusesMoreNamespacesThanDocumentsHave) {
 
 TEST(XmlReader, ReadsReferencesInValues) {
     EXPECT_EQ(PlainText("a&amp;b&#x41;&#66;&lt;&quot;&apos;&gt;"), "a&bAB<\"'>");
-    EXPECT_EQ(PlainText("&other; & &#300; &#x; &"), "&other; & &#300; &#x; &");
+    EXPECT_EQ(PlainText("&other; & &#x; &#; &#12x; &#-5; &"), "&other; & &#x; &#; &#12x; &#-5; &");
+}
+
+TEST(XmlReader, ReadsReferencesToCharactersOfEveryLengthInUtf8) {
+    EXPECT_EQ(
+        PlainText("&#127;&#128;&#252;&#x7FF;&#x800;&#xFFFD;&#x10000;&#x10FFFF;"),
+        "\x7F\xC2\x80\xC3\xBC\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
+    for (const char* kept : {"&#0;", "&#1;", "&#xD800;", "&#xDFFF;", "&#xFFFE;", "&#x110000;",
+                             "&#99999999999999;", "&#xFFFFFFFFF;"}) {
+        EXPECT_EQ(PlainText(kept), kept);
+    }
+}
+
+// A reader that looks for the end of each reference in the whole rest takes hours for this, and the
+// suite's time limit ends it.
+TEST(XmlReader, ReadsALongRowOfReferencesWithoutAnEnd) {
+    const std::string row(std::size_t{20} << 20, '&');
+    EXPECT_TRUE(PlainText(row) == row);
+    EXPECT_TRUE(PlainText(row + ";") == row + ";");
 }
 
 TEST(XmlReader, ReadsUtf8Alone) {
