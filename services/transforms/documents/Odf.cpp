@@ -14,7 +14,8 @@ using namespace personal;
 
 constexpr std::string_view kMimeType = "mimetype";
 constexpr std::string_view kManifest = "META-INF/manifest.xml";
-constexpr std::string_view kSignatures = "META-INF/documentsignatures.xml";
+constexpr std::string_view kSignatures[] = {"META-INF/documentsignatures.xml",
+                                            "META-INF/macrosignatures.xml"};
 constexpr std::string_view kOdf = "application/vnd.oasis.opendocument.";
 // Templates have more after these.
 constexpr std::string_view kKinds[] = {"text", "spreadsheet", "presentation", "graphics"};
@@ -57,7 +58,12 @@ public:
         list_ = ReadManifest(TextOf(package_.Read(*manifest)));
         const auto isEncrypted = [](const auto& row) { return row.second.isEncrypted; };
         if (std::ranges::any_of(list_, isEncrypted)) throw PackageRefusal{CleanOutcome::Encrypted};
-        if (package_.Find(kSignatures)) throw PackageRefusal{CleanOutcome::Signed};
+        const auto isInPackage = [&](std::string_view name) {
+            return package_.Find(name).has_value();
+        };
+        if (std::ranges::any_of(kSignatures, isInPackage)) {
+            throw PackageRefusal{CleanOutcome::Signed};
+        }
         for (std::size_t part = 0; part < package_.Count(); ++part) TakePart(part);
         CleanManifest(*manifest);
         package_.PutFirst(*package_.Find(kMimeType));

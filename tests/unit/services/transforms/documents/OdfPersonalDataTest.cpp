@@ -127,9 +127,11 @@ TEST(OdfPersonalData, PutsTheKindFirst) {
 }
 
 TEST(OdfRefusals, ASignedDocumentIsLeftAlone) {
-    ZipBuilder zip = Odt();
-    zip.Add("META-INF/documentsignatures.xml", "<a/>");
-    EXPECT_EQ(CheckDocument(zip.File()).outcome, CleanOutcome::Signed);
+    for (const char* name : {"META-INF/documentsignatures.xml", "META-INF/macrosignatures.xml"}) {
+        ZipBuilder zip = Odt();
+        zip.Add(name, "<a/>");
+        EXPECT_EQ(CheckDocument(zip.File()).outcome, CleanOutcome::Signed) << name;
+    }
 }
 
 TEST(OdfRefusals, AnEncryptedDocumentNeedsItsPassword) {
