@@ -34,6 +34,12 @@ bool IsOfServer(std::string_view text) {
     return end > 1 && end + 1 < name.size() && name[end] == '\\';
 }
 
+std::string_view LastName(std::string_view text) {
+    const auto separator = text.find_last_of("/\\:");
+    const auto name = text.substr(separator + 1);
+    return name.empty() ? std::string_view(".") : name;
+}
+
 } // namespace
 
 bool IsLocalPath(std::string_view text) {
@@ -44,9 +50,12 @@ bool IsLocalPath(std::string_view text) {
 
 std::optional<std::string_view> FileOfLocalPath(std::string_view text) {
     if (!IsLocalPath(text)) return {};
-    const auto separator = text.find_last_of("/\\:");
-    const auto name = text.substr(separator + 1);
-    return name.empty() ? std::string_view(".") : name;
+    return LastName(text);
+}
+
+std::optional<std::string_view> FileOfLocalAddress(std::string_view text) {
+    if (!IsLocalPath(text) && !text.starts_with('/')) return {};
+    return LastName(text);
 }
 
 } // namespace transforms::documents

@@ -12,6 +12,10 @@ namespace transforms::documents {
 // of a folder, which ends in a separator; nothing for every other text.
 std::optional<std::string_view> FileOfLocalPath(std::string_view text);
 
+// The same for an address that leads out of the document: one from the root of a computer without
+// drives, "/home/a/x.jpg", is such a path too.
+std::optional<std::string_view> FileOfLocalAddress(std::string_view text);
+
 // Whether the text is such a path, whatever it ends in.
 bool IsLocalPath(std::string_view text);
 

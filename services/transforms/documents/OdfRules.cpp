@@ -20,6 +20,7 @@ constexpr XmlRule kRules[] = {
     {RemoveElement, Ns::OfficeExtension, "sender-initials", Kind::Authors, "annotation"},
     {ReplaceText, Ns::DublinCore, "creator", Kind::Authors, "change-info", "Author"},
     {ReplaceText, Ns::DublinCore, "date", Kind::Authors, "change-info", "2000-01-01T00:00:00"},
+    {RemoveAttribute, Ns::OdfTable, "comment", Kind::Person, "scenario"},
     {RemoveAttribute, Ns::OfficeExtension, "rsid", Kind::RevisionIds},
     {RemoveAttribute, Ns::OfficeExtension, "paragraph-rsid", Kind::RevisionIds},
     {CountElement, Ns::Office, "annotation", Kind::Comments},

@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "services/transforms/documents/LocalPath.h"
 #include "services/transforms/documents/OoxmlParts.h"
 #include "services/transforms/documents/OoxmlRules.h"
 
@@ -137,11 +138,22 @@ private:
         package_.CleanXmlPart(part, {}, [&](const XmlReader& reader) -> std::optional<XmlEdit> {
             if (reader.Element().name != "Relationship") return {};
             const auto kind = RemovedWithRelationship(PlainText(reader.Value(Ns::None, "Type")));
-            if (!kind) return {};
+            if (!kind) return CutExternalPath(reader);
             Found().Note(*kind);
             leftTo_.insert(TargetOf(reader, source));
             return RemovalOfElement(reader);
         });
+    }
+
+    // A target from the root leads to another part, or out of the document to a computer's folder.
+    // The other forms of paths are cut in every attribute of its name.
+    std::optional<XmlEdit> CutExternalPath(const XmlReader& reader) {
+        const auto target = reader.Value(Ns::None, "Target");
+        const bool isExternal = reader.Value(Ns::None, "TargetMode") == "External";
+        const auto name = FileOfLocalAddress(target);
+        if (!isExternal || !name || IsLocalPath(target)) return {};
+        Found().Note(FindingKind::LocalPath);
+        return ReplacementOf(reader.Text(), target, std::string(*name));
     }
 
     void CleanContentTypes() {

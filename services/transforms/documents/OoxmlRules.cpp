@@ -20,6 +20,7 @@ constexpr std::string_view kConversation = "tc={";
 constexpr XmlRule kRules[] = {
     // Texts.
     {RemoveElement, Ns::Word, "rsids", Kind::RevisionIds},
+    {RemoveElement, Ns::Word, "rsid", Kind::RevisionIds, "style"},
     {RemoveAttribute, Ns::Word, "rsidR", Kind::RevisionIds},
     {RemoveAttribute, Ns::Word, "rsidRPr", Kind::RevisionIds},
     {RemoveAttribute, Ns::Word, "rsidRDefault", Kind::RevisionIds},
@@ -46,6 +47,9 @@ constexpr XmlRule kRules[] = {
     {ReplaceText, Ns::Sheet, "author", Kind::Authors, "authors", kAuthor, {}, kConversation},
     {RemoveAttribute, Ns::None, "userName", Kind::Person, "fileSharing"},
     {RemoveAttribute, Ns::None, "user", Kind::Person, "scenario"},
+    {RemoveAttribute, Ns::None, "comment", Kind::Person, "scenario"},
+    {RemoveElement, Ns::Sheet, "customWorkbookViews", Kind::Person},
+    {RemoveElement, Ns::Sheet, "customSheetViews", Kind::Person},
     {RemoveAttribute, Ns::None, "refreshedBy", Kind::Person, "pivotCacheDefinition"},
     {RemoveAttribute, Ns::None, "refreshedDate", Kind::Time, "pivotCacheDefinition"},
     {RemoveAttribute, Ns::None, "refreshedDateIso", Kind::Time, "pivotCacheDefinition"},
@@ -70,6 +74,7 @@ constexpr XmlRule kRules[] = {
     {SetAttribute, Ns::None, "userId", Kind::Authors, "author", kAuthor},
     {SetAttribute, Ns::None, "providerId", Kind::Authors, "author", kNobody},
     {RemoveAttribute, Ns::None, "dt", Kind::Authors, "cm"},
+    {RemoveAttribute, Ns::None, "timeZoneBias", Kind::Authors, "threadingInfo"},
     {SetAttribute, Ns::None, "created", Kind::Authors, "cm", kSomeTime},
     {SetAttribute, Ns::None, "created", Kind::Authors, "reply", kSomeTime},
     {CountElement, Ns::Slides, "cm", Kind::Comments},
@@ -97,6 +102,7 @@ constexpr RelationshipRow kRemoved[] = {
     {"mailMergeHeaderSource", Kind::LocalPath},
     {"recipientData", Kind::LocalPath},
     {"people", Kind::Authors},
+    {"documenttasks", Kind::ChangeHistory},
     {"revisionInfo", Kind::RevisionIds},
     {"changesInfo", Kind::ChangeHistory},
     {"revisionHeaders", Kind::ChangeHistory},

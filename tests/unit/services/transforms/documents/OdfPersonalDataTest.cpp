@@ -115,6 +115,20 @@ TEST(OdfPersonalData, KeepsAFileThatTheManifestNamesByReferences) {
     }
 }
 
+TEST(OdfPersonalData, RemovesAScenariosCommentAndKeepsPathsInCells) {
+    const std::string cell = "<table:table-cell office:value-type=\"string\" "
+                             "office:string-value=\"C:\\KEPT\\x.txt\"/>";
+    const ZipBuilder zip =
+        Odf("spreadsheet", "<office:body><office:spreadsheet><table:table table:name=\"KEPT\">"
+                           "<table:scenario table:is-active=\"true\" table:comment=\"CANARY\"/>" +
+                               cell + "</table:table></office:spreadsheet></office:body>");
+    const CleanedDocument cleaned = ExpectPackageCleaned(zip);
+    ExpectConsistent(cleaned.file, "spreadsheet");
+    EXPECT_NE(PartOf(cleaned.file, "content.xml")
+                  .find("<table:scenario table:is-active=\"true\"/>" + cell),
+              std::string::npos);
+}
+
 TEST(OdfPersonalData, PutsTheKindFirst) {
     ZipBuilder zip;
     zip.Add("META-INF/manifest.xml",

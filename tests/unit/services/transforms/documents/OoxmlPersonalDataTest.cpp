@@ -105,6 +105,108 @@ TEST(OoxmlPersonalData, CleansAWorkbookAndKeepsItsCells) {
               (std::vector<Finding>{{FindingKind::HiddenSheets, 1}, {FindingKind::Comments, 1}}));
 }
 
+// Adds a relationship to the end of a list.
+void AddLink(ZipBuilder& zip, const std::string& list, const std::string& type,
+             const std::string& target, bool isExternal = false) {
+    std::string& links = zip.Content(list);
+    links.insert(links.find("</Rel"), "<Relationship Id=\"added" + std::to_string(links.size()) +
+                                          "\" Type=\"" + type + "\" Target=\"" + target + "\"" +
+                                          (isExternal ? " TargetMode=\"External\"/>" : "/>"));
+}
+
+TEST(OoxmlPersonalData, RemovesTheRevisionIdOfAStyle) {
+    ZipBuilder zip = Docx();
+    AddLink(zip, "word/_rels/document.xml.rels", OB_OFFICE "/relationships/styles", "styles.xml");
+    zip.Add("word/styles.xml", "<w:styles xmlns:w=\"" OB_W "\"><w:style w:styleId=\"a\">"
+                               "<w:name w:val=\"KEPT\"/><w:rsid w:val=\"00CANARY\"/><w:pPr/>"
+                               "</w:style></w:styles>");
+    const CleanedDocument cleaned = ExpectPackageCleaned(zip);
+    ExpectConsistent(cleaned.file);
+    EXPECT_EQ(PartOf(cleaned.file, "word/styles.xml"),
+              "<w:styles xmlns:w=\"" OB_W "\"><w:style w:styleId=\"a\"><w:name w:val=\"KEPT\"/>"
+              "<w:pPr/></w:style></w:styles>");
+}
+
+TEST(OoxmlPersonalData, RemovesTheListOfTasks) {
+    ZipBuilder zip = Docx();
+    AddLink(zip, "word/_rels/document.xml.rels",
+            "http://schemas.microsoft.com/office/2019/05/relationships/documenttasks",
+            "documenttasks/documenttasks1.xml");
+    std::string& types = zip.Content("[Content_Types].xml");
+    types.insert(types.find("</Types"),
+                 "<Override PartName=\"/word/documenttasks/documenttasks1.xml\" "
+                 "ContentType=\"application/vnd.ms-office.documenttasks+xml\"/>");
+    zip.Add("word/documenttasks/documenttasks1.xml", "<t:Tasks xmlns:t=\"urn:t\">CANARY</t:Tasks>");
+    const CleanedDocument cleaned = ExpectPackageCleaned(zip);
+    ExpectConsistent(cleaned.file);
+    EXPECT_TRUE(Has(cleaned.removed, FindingKind::ChangeHistory));
+    EXPECT_EQ(PartOf(cleaned.file, "word/_rels/document.xml.rels").find("documenttasks"),
+              std::string::npos);
+}
+
+TEST(OoxmlPersonalData, CutsExternalTargetsFromTheRootAndKeepsPartsOfTheDocument) {
+    ZipBuilder zip = Docx();
+    const std::string list = "word/_rels/document.xml.rels";
+    const std::string type = OB_OFFICE "/relationships/hyperlink";
+    AddLink(zip, list, type, "/home/CANARY/first.docx", true);
+    AddLink(zip, list, type, "/CANARY/", true);
+    AddLink(zip, list, type, "/C:/CANARY/second.docx", true);
+    AddLink(zip, list, OB_OFFICE "/relationships/image", "/word/media/image1.jpeg");
+    const CleanedDocument cleaned = ExpectPackageCleaned(zip);
+    ExpectConsistent(cleaned.file);
+    const std::string links = PartOf(cleaned.file, list);
+    for (const char* kept :
+         {"Target=\"first.docx\" TargetMode=\"External\"", "Target=\".\" TargetMode=\"External\"",
+          "Target=\"second.docx\" TargetMode=\"External\"", "Target=\"/word/media/image1.jpeg\""}) {
+        EXPECT_NE(links.find(kept), std::string::npos) << kept;
+    }
+}
+
+TEST(OoxmlPersonalData, RemovesAScenariosCommentAndTheViewsOfPersons) {
+    ZipBuilder zip = Xlsx();
+    std::string& workbook = zip.Content("xl/workbook.xml");
+    workbook.insert(workbook.find("</workbook>"),
+                    "<customWorkbookViews><customWorkbookView name=\"CANARY - Personal View\" "
+                    "guid=\"{CANARY}\"/></customWorkbookViews>");
+    std::string& sheet = zip.Content("xl/worksheets/sheet1.xml");
+    sheet.insert(sheet.find("user="), "comment=\"Created by CANARY\" ");
+    sheet.insert(sheet.find("<pageSetup"),
+                 "<customSheetViews><customSheetView guid=\"{CANARY}\"><pageSetup r:id=\"rId1\"/>"
+                 "</customSheetView></customSheetViews>");
+    const CleanedDocument cleaned = ExpectPackageCleaned(zip);
+    ExpectConsistent(cleaned.file);
+    EXPECT_NE(PartOf(cleaned.file, "xl/workbook.xml").find("</sheets></workbook>"),
+              std::string::npos);
+    EXPECT_NE(PartOf(cleaned.file, "xl/worksheets/sheet1.xml")
+                  .find("<scenario name=\"KEPT\"/></scenarios>"
+                        "<pageSetup orientation=\"portrait\"/></worksheet>"),
+              std::string::npos);
+}
+
+TEST(OoxmlPersonalData, KeepsPathsThatAreContent) {
+    ZipBuilder zip = Xlsx();
+    std::string& cache = zip.Content("xl/pivotCache/pivotCacheDefinition1.xml");
+    const std::string content = "><cacheFields><cacheField name=\"C:\\KEPT\\2024\"><sharedItems>"
+                                "<s v=\"C:\\KEPT\\x.txt\"/></sharedItems></cacheField>"
+                                "</cacheFields></pivotCacheDefinition>";
+    cache.replace(cache.rfind("/>"), 2, content);
+    const std::string file = ExpectPackageCleaned(zip).file;
+    EXPECT_TRUE(PartOf(file, "xl/pivotCache/pivotCacheDefinition1.xml").ends_with(content));
+}
+
+TEST(OoxmlPersonalData, RemovesTheTimeZoneOfAComment) {
+    ZipBuilder zip = Pptx();
+    zip.Set("ppt/comments/comment1.xml",
+            "<p:cmLst xmlns:p=\"" OB_P "\"><p:cm authorId=\"1\" idx=\"1\"><p:text>KEPT</p:text>"
+            "<p:extLst><p:ext uri=\"{C676402C-5697-4E1C-873F-D02D1690AC5C}\"><p15:threadingInfo "
+            "xmlns:p15=\"http://schemas.microsoft.com/office/powerpoint/2012/main\" "
+            "timeZoneBias=\"-CANARY\"/></p:ext></p:extLst></p:cm></p:cmLst>");
+    const CleanedDocument cleaned = ExpectPackageCleaned(zip);
+    ExpectConsistent(cleaned.file);
+    EXPECT_NE(PartOf(cleaned.file, "ppt/comments/comment1.xml").find("<p15:threadingInfo xmlns"),
+              std::string::npos);
+}
+
 TEST(OoxmlPersonalData, CleansAPresentation) {
     const CleanedDocument cleaned = ExpectPackageCleaned(Pptx());
     ExpectConsistent(cleaned.file);
