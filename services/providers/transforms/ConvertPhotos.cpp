@@ -6,6 +6,7 @@
 
 #include "services/providers/files/ResultName.h"
 #include "services/providers/settings/PhotoSettings.h"
+#include "services/providers/transforms/ChangeCopy.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 
@@ -15,24 +16,8 @@ namespace {
 // The one finding of a photo that isn't supported because nothing decodes it.
 constexpr char kNoDecoder[] = "no-decoder";
 
-struct RefusalRow {
-    WorkResult result;
-    UINT text;
-};
-
-constexpr RefusalRow kRefusals[] = {
-    {WorkResult::Damaged, OB_TEXT_PHOTO_DAMAGED},
-    {WorkResult::TooLarge, OB_TEXT_PHOTO_TOO_LARGE},
-    {WorkResult::Unreadable, OB_TEXT_UNREADABLE},
-    {WorkResult::Unwritable, OB_TEXT_UNWRITABLE},
-    {WorkResult::NotStarted, OB_TEXT_NO_WORK_PROCESS},
-};
-
-bool RefusePhoto(StageCall& call, WorkResult result, const std::wstring& path) {
-    if (result == WorkResult::Cancelled) return false;
-    const auto* const row = std::ranges::find(kRefusals, result, &RefusalRow::result);
-    return Refuse(call, row == std::end(kRefusals) ? OB_TEXT_PHOTO_FAILED : row->text, path);
-}
+constexpr RefusalTexts kTexts = {OB_TEXT_PHOTO_DAMAGED, OB_TEXT_PHOTO_TOO_LARGE, 0,
+                                 OB_TEXT_PHOTO_FAILED};
 
 // One sentence a run; the file goes out as it is.
 bool Pass(StageCall& call, const WorkReport& report, const std::wstring& path) {
@@ -66,7 +51,7 @@ bool Place(StageCall& call, NewFile& made, WorkingCopy& copy, const WorkReport& 
            std::wstring& path) {
     const wchar_t* const extension = ExtensionOf(made.Handle());
     if (!extension || report.size != made.Size()) {
-        return RefusePhoto(call, WorkResult::ProcessFailed, path);
+        return RefuseResult(call, WorkResult::ProcessFailed, kTexts, path);
     }
     const auto isEnded = [&] { return call.wait.IsEnded(); };
     const bool done = HasNameOf(path, extension)
@@ -92,7 +77,8 @@ bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folde
         call.run.process.Run(order, copy->Handle(), made->Handle(), call.wait);
     if (report.result == WorkResult::Unchanged) return true;
     if (report.result == WorkResult::NotSupported) return Pass(call, report, path);
-    if (report.result != WorkResult::Changed) return RefusePhoto(call, report.result, path);
+    if (report.result != WorkResult::Changed)
+        return RefuseResult(call, report.result, kTexts, path);
     return Place(call, *made, *copy, report, path);
 }
 

@@ -1,7 +1,7 @@
 #include "services/providers/ui/PersonalDataDialog.h"
 
-#include "ObLib/Src/Win32/ModulePath.h"
 #include "services/providers/ui/PersonalDataDialogIds.h"
+#include "services/providers/ui/SettingsBox.h"
 
 namespace providers {
 namespace {
@@ -39,14 +39,7 @@ INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) n
 } // namespace
 
 bool AskForSettings(HWND owner, PersonalDataSettings& settings) {
-    PersonalDataSettings chosen = settings;
-    const HWND living = IsWindow(owner) ? owner : nullptr;
-    if (DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_PERSONAL_DATA_DIALOG), living,
-                        &Proc, reinterpret_cast<LPARAM>(&chosen)) != IDOK) {
-        return false;
-    }
-    settings = chosen;
-    return true;
+    return ShowSettingsBox(owner, OB_PERSONAL_DATA_DIALOG, &Proc, settings);
 }
 
 } // namespace providers

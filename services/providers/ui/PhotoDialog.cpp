@@ -1,7 +1,7 @@
 #include "services/providers/ui/PhotoDialog.h"
 
-#include "ObLib/Src/Win32/ModulePath.h"
 #include "services/providers/ui/PhotoDialogIds.h"
+#include "services/providers/ui/SettingsBox.h"
 
 namespace providers {
 namespace {
@@ -56,14 +56,7 @@ INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) n
 } // namespace
 
 bool AskForSettings(HWND owner, PhotoSettings& settings) {
-    PhotoSettings chosen = settings;
-    const HWND living = IsWindow(owner) ? owner : nullptr;
-    if (DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_PHOTO_DIALOG), living, &Proc,
-                        reinterpret_cast<LPARAM>(&chosen)) != IDOK) {
-        return false;
-    }
-    settings = chosen;
-    return true;
+    return ShowSettingsBox(owner, OB_PHOTO_DIALOG, &Proc, settings);
 }
 
 } // namespace providers

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/ModulePath.h"
 #include "services/providers/ui/ResizeDialogIds.h"
+#include "services/providers/ui/SettingsBox.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 
@@ -103,14 +103,7 @@ INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) n
 } // namespace
 
 bool AskForSettings(HWND owner, ResizeSettings& settings) {
-    ResizeSettings chosen = settings;
-    const HWND living = IsWindow(owner) ? owner : nullptr;
-    if (DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_RESIZE_DIALOG), living, &Proc,
-                        reinterpret_cast<LPARAM>(&chosen)) != IDOK) {
-        return false;
-    }
-    settings = chosen;
-    return true;
+    return ShowSettingsBox(owner, OB_RESIZE_DIALOG, &Proc, settings);
 }
 
 } // namespace providers

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/ModulePath.h"
+#include "services/providers/ui/SettingsBox.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 #include "services/providers/ui/WatermarkDialogIds.h"
@@ -97,14 +97,7 @@ INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) n
 } // namespace
 
 bool AskForSettings(HWND owner, WatermarkSettings& settings) {
-    WatermarkSettings chosen = settings;
-    const HWND living = IsWindow(owner) ? owner : nullptr;
-    if (DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_WATERMARK_DIALOG), living, &Proc,
-                        reinterpret_cast<LPARAM>(&chosen)) != IDOK) {
-        return false;
-    }
-    settings = chosen;
-    return true;
+    return ShowSettingsBox(owner, OB_WATERMARK_DIALOG, &Proc, settings);
 }
 
 } // namespace providers
