@@ -22,10 +22,12 @@ using Bytes = std::span<const std::uint8_t>;
 // samples of its first block hardly become smaller.
 constexpr std::size_t kBlock = std::size_t{1} << 20;
 constexpr std::size_t kWorthALook = 64 * 1024;
-constexpr std::size_t kBlockEnd = 16;  // at most, what joins a block with the next one
-constexpr std::size_t kLeastGain = 48; // the zip takes one part in 64 for enough
-constexpr int kGlance = 1;             // levels of the library
-constexpr int kTrial = 6;              // the zip's own search finds a little more
+constexpr std::size_t kBlockEnd = 16; // bytes at most that join a block to the next one
+// The zip compresses a file whose samples become one part in 64 smaller; this asks for a little
+// more.
+constexpr std::size_t kLeastGain = 48;
+constexpr int kGlance = 1; // levels of the library
+constexpr int kTrial = 6;  // the zip's own search finds a little more
 
 class Trial {
 public:

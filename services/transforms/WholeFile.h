@@ -22,7 +22,7 @@ bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel) noexcept;
 std::optional<WorkEnd> WriteTarget(HANDLE target, std::span<const std::byte> bytes,
                                    std::uint64_t read, WorkChannel& channel);
 
-// The reply for a file of which there is no result.
+// The reply when the work has made no new file.
 WorkEnd EndOfWholeFile(CleanOutcome outcome) noexcept;
 
 } // namespace transforms

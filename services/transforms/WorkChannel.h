@@ -50,7 +50,7 @@ public:
         : requests_(std::move(requests)), replies_(std::move(replies)) {}
 
     // Waits for the next request. Nothing at the end of the pipe and for a record that isn't valid;
-    // the process then ends. The values in the settings are for the one who carries it out.
+    // the process then ends. Whoever carries the request out checks the values in its settings.
     std::optional<WorkRequest> Next();
 
     // Each returns false when the manager no longer reads; the process then ends.

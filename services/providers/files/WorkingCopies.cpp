@@ -122,8 +122,7 @@ bool SetAttributes(HANDLE file, DWORD attributes) noexcept {
     return SetFileInformationByHandle(file, FileBasicInfo, &info, sizeof info) != FALSE;
 }
 
-// Makes an open file or empty folder go. The system deletes nothing that is protected against
-// writing.
+// Deletes an open file or an empty folder. The system deletes nothing that is read-only.
 bool DeleteOpen(HANDLE file) noexcept {
     BY_HANDLE_FILE_INFORMATION info;
     if (GetFileInformationByHandle(file, &info) &&
@@ -273,8 +272,8 @@ bool NewFile::Prepare(WorkingCopy& copy) {
     return true;
 }
 
-// The system replaces no file that is protected against writing. False when the copy is no longer
-// there, also when another file has its path.
+// The system replaces no read-only file. False when the copy is no longer there, also when another
+// file has its path.
 bool NewFile::Protect(const WorkingCopy& copy, DWORD attributes) noexcept {
     const bool isProtected = (attributes_ & FILE_ATTRIBUTE_READONLY) != 0;
     const UniqueKernelHandle there(CreateFileW(

@@ -13,7 +13,7 @@
 namespace providers {
 namespace {
 
-// The one finding of a photo that isn't supported because nothing decodes it.
+// The finding that is sent for a photo that nothing on the machine decodes.
 constexpr char kNoDecoder[] = "no-decoder";
 
 constexpr RefusalTexts kTexts = {OB_TEXT_PHOTO_DAMAGED, OB_TEXT_PHOTO_TOO_LARGE, 0,
@@ -29,7 +29,7 @@ bool Pass(StageCall& call, const WorkReport& report, const std::wstring& path) {
     return !call.wait.IsEnded();
 }
 
-// By what is in the file: the work process may have said anything. Null for neither of both.
+// By what is in the file: the work process may have said anything. Null when the file is neither.
 const wchar_t* ExtensionOf(HANDLE file) {
     constexpr unsigned char kJpeg[] = {0xFF, 0xD8, 0xFF};
     constexpr unsigned char kPng[] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};

@@ -21,7 +21,7 @@ bool IsFinal(WorkResult result) {
     return std::ranges::find(kFinal, result) != std::end(kFinal);
 }
 
-// What was found by both cleans of a file that became another one in between.
+// The findings of two cleans of one file, which another transform changed in between.
 std::vector<WorkFound> Both(std::vector<WorkFound> one, const std::vector<WorkFound>& other) {
     for (const WorkFound& found : other) {
         const auto same = std::ranges::find(one, found.key, &WorkFound::key);
@@ -34,7 +34,8 @@ std::vector<WorkFound> Both(std::vector<WorkFound> one, const std::vector<WorkFo
     return one;
 }
 
-// A file that was cleaned before and has nothing to remove any more is a cleaned one.
+// A file that an earlier stage has cleaned counts as cleaned, also when there is nothing left to
+// remove.
 void Record(CleanRecord& record, WorkReport&& report) {
     const bool wasCleaned = record.result == WorkResult::Changed;
     if (wasCleaned && report.result == WorkResult::Unchanged) return;
@@ -53,8 +54,8 @@ bool IsRest(const CleanRecord& record) {
     return record.result != WorkResult::Changed && record.result != WorkResult::Unchanged;
 }
 
-// What a file that no earlier stage has seen is: checked, and recorded by what the check found,
-// which in a clean file is content that stays.
+// The record of a file that no earlier stage has seen: what the check found, which in a clean file
+// is content that stays.
 CleanRecord RecordOf(const WorkReport& checked) {
     const bool isClean = checked.result == WorkResult::Unchanged;
     return {checked.result, isClean ? checked.found : std::vector<WorkFound>()};

@@ -72,7 +72,7 @@ void OnCommand(HWND dialog, WORD command) {
 INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-        // A list that isn't whole must not be attached with.
+        // The user must not be asked to attach files on the strength of half a list.
         if (!ObLib::RanGuarded([&] { Show(dialog, *reinterpret_cast<const Receipt*>(lParam)); })) {
             EndDialog(dialog, kNotShown);
         }

@@ -5,7 +5,8 @@
 namespace providers {
 namespace {
 
-// A window that has a message for itself at all times must not keep the wait from its events.
+// A window that posts messages to itself without end must not keep the wait from noticing its
+// events.
 constexpr int kMostMessages = 64;
 
 // The waits of this thread: one may begin in a message that another one dispatches.

@@ -13,8 +13,8 @@ namespace {
 using namespace obcontract;
 using ObLib::UniqueKernelHandle;
 
-// A process is replaced after so many requests, and before they don't fit into the pipe at once:
-// one that answers without reading them can't make a write wait.
+// A process is replaced after so many requests, and before all that it was sent would fill the
+// pipe: a process that answers without reading its requests then never makes a write wait.
 constexpr std::size_t kMostRequests = 64;
 constexpr DWORD kPipeRoom = WorkProcess::kPipeRoom;
 static_assert(sizeof(WorkHeader) + kLargestWorkPayload <= kPipeRoom);

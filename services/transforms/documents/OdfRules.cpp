@@ -11,7 +11,7 @@ namespace {
 using enum XmlAction;
 using Kind = FindingKind;
 
-// A change has an author and a time by the schema; a note needn't have one.
+// The schema requires an author and a time of a change, and of a note neither.
 constexpr XmlRule kRules[] = {
     {ReplaceText, Ns::DublinCore, "creator", Kind::Authors, "annotation", "Author"},
     {RemoveElement, Ns::DublinCore, "date", Kind::Authors, "annotation"},
@@ -59,7 +59,8 @@ constexpr SettingRow kSettings[] = {
     {"CurrentDatabaseCommandType", Kind::LocalPath},
 };
 
-// A place below a folder of the program, which every user has for himself, is none of those.
+// "$(user)/..." isn't the path of a computer, but a setting with it is removed like one with a
+// path.
 bool IsPath(std::string_view text) { return IsLocalPath(text) || text.starts_with("$("); }
 
 } // namespace

@@ -118,8 +118,8 @@ private:
         if (!isNamed) Found().Note(FindingKind::OldVersions);
     }
 
-    // One value of an element ties it to the session in which it was made. Comments refer to each
-    // other by theirs.
+    // The value of this attribute identifies the editing session in which an element was made. On
+    // comments it stays, as they refer to each other by it.
     void CleanXmlPart(std::size_t part) {
         package_.CleanXmlPart(
             part, OoxmlRules(), [&](const XmlReader& reader) -> std::optional<XmlEdit> {

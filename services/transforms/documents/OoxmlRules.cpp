@@ -9,12 +9,13 @@ namespace {
 using enum XmlAction;
 using Kind = FindingKind;
 
-// Where the schemas require a name or a time, one stands for all.
+// Where the schemas require a name or a time, every author gets this one name and every change this
+// one time.
 constexpr std::string_view kAuthor = "Author";
 constexpr std::string_view kInitials = "A";
 constexpr std::string_view kNobody = "None";
 constexpr std::string_view kSomeTime = "2000-01-01T00:00:00.000";
-// Programs refer to a conversation by the "name" of its first comment's author.
+// Programs find a comment's conversation by the author's name of its first comment.
 constexpr std::string_view kConversation = "tc={";
 
 constexpr XmlRule kRules[] = {

@@ -67,7 +67,7 @@ void Package::CleanPicturePart(std::size_t part) {
     Replace(part, cleaned.bytes);
 }
 
-// What has to be first has to be readable without unpacking it.
+// The first entry has to be readable without unpacking it.
 NewZipEntry Package::Unpacked(std::size_t part) const {
     ZipEntry entry = contents_.entries[part];
     const OwnedBytes plain = Read(part);

@@ -186,7 +186,7 @@ private:
                                                              : source.makeIndirectObject(value));
     }
 
-    // Bookmarks with others below are closed, which a negative number of those shows.
+    // A negative count means that a bookmark is shown closed.
     void AddBelow(Object parent, Object item) {
         auto last = parent.getKey("/Last");
         item.replaceKey("/Parent", parent);

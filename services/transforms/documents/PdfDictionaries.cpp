@@ -48,7 +48,7 @@ std::string NameAt(Object dictionary, const char* key) {
     return value.isName() ? value.getName() : std::string();
 }
 
-// Takes a key out of a dictionary, if it is there.
+// Removes a key from a dictionary, if it is there.
 void Remove(Object& dictionary, const std::string& key, FindingKind kind, FindingCounter& found) {
     if (!dictionary.hasKey(key)) return;
     dictionary.removeKey(key);
@@ -60,8 +60,8 @@ bool IsDrawn(Object stream) {
     return subtype == "/Image" || subtype == "/Form" || subtype == "/PS";
 }
 
-// A stream of properties hangs on any object. Names of drawn things are their author's: one of them
-// may be called the same.
+// Any object may have a stream of properties. A drawn thing has a name of its author's choice,
+// which may be the same word.
 void CleanAnyDictionary(Object& dictionary, FindingCounter& found) {
     auto metadata = dictionary.getKey("/Metadata");
     if (metadata.isStream() && !IsDrawn(metadata)) {

@@ -120,8 +120,8 @@ private:
         return FindData(entry, LittleEndian32(header, 42), packed) && Add(entry);
     }
 
-    // The names are shown to nobody and name no file; what other programs may take for a way out of
-    // a folder isn't passed on.
+    // The names are never used as paths here. Names that would lead another program out of its
+    // folder aren't passed on.
     static bool IsNameSound(std::string_view name) {
         if (name.empty() || name.front() == '/' || name.front() == '\\') return false;
         if (name.find('\0') != name.npos || name.find(':') != name.npos) return false;
@@ -147,7 +147,7 @@ private:
         return true;
     }
 
-    // Entries that share bytes are how a small file becomes an endless one.
+    // Entries that share bytes could make a small file unpack to any size.
     bool Overlap(const End& end) {
         std::ranges::sort(extents_, {}, &Extent::begin);
         std::size_t free = 0;

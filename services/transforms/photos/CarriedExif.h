@@ -9,7 +9,7 @@
 namespace transforms {
 
 // The EXIF data of a file for a picture of this size whose pixels are turned already:
-// orientation 1. Carried are camera, date, settings, place, author and resolution. Left out are the
+// orientation 1. It keeps camera, date, settings, place, author and resolution. Left out are the
 // thumbnail, which isn't turned, and maker notes, which point to places of the old file. Empty when
 // the file has none. Throws PictureFailure.
 PictureBytes CarriedExif(const TiffDirectories& from, PictureSize size);

@@ -228,7 +228,7 @@ PictureBytes MakeHead(const BmpHeader& from, const RasterForm& form, PictureSize
     return head;
 }
 
-// The same rows for a reader that knows the order of rows and colours from nothing but their form.
+// The same rows for a caller that only knows their form: from the top, red first.
 class BmpColours final : public RowReader {
 public:
     BmpColours(PictureSource& source, BmpHeader header)

@@ -21,8 +21,8 @@ std::uint16_t ExifOrientation(std::span<const std::uint8_t> exif) noexcept;
 // Sets the orientation, where the data name one.
 void SetExifOrientation(std::span<std::uint8_t> exif, std::uint16_t orientation) noexcept;
 
-// Takes a small copy of the picture out, which would still show what it showed before: its bytes
-// become zeros, and no directory names it.
+// Removes the thumbnail, which would still show the picture as it was before: its bytes become
+// zeros, and no directory names it.
 void DropExifThumbnail(std::span<std::uint8_t> exif) noexcept;
 
 } // namespace transforms
