@@ -16,86 +16,55 @@
 #include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/providers/worker/ReplyReader.h"
 #include "services/transforms/PictureWatch.h"
-#include "tests/support/TestFolder.h"
+#include "tests/unit/services/transforms/FileRequestFixture.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
 using namespace obcontract;
-using ObLib::UniqueKernelHandle;
 using transforms::PictureBytes;
-using transforms::WorkChannel;
 using transforms::WorkEnd;
 
 namespace {
 
-class PictureWork : public testing::Test {
+class PictureWork : public obtest::FileRequestFixture {
 protected:
-    void SetUp() override {
-        UniqueKernelHandle replies;
-        ASSERT_TRUE(CreatePipe(answered_.Put(), replies.Put(), nullptr, 1 << 20));
-        channel_.emplace(UniqueKernelHandle(), std::move(replies));
-    }
-
-    UniqueKernelHandle Open(const wchar_t* name, DWORD access, DWORD how) const {
-        return UniqueKernelHandle(
-            CreateFileW((folder_ / name).c_str(), access, 0, nullptr, how, 0, nullptr));
+    static std::vector<std::byte> BytesOf(const WorkResize& settings) {
+        const auto bytes = std::as_bytes(std::span(&settings, 1));
+        return {bytes.begin(), bytes.end()};
     }
     std::optional<WorkEnd> ResizeFile(const WorkResize& settings) {
-        transforms::WorkRequest request;
-        request.kind = WorkKind::Resize;
-        const auto bytes = std::as_bytes(std::span(&settings, 1));
-        request.settings.assign(bytes.begin(), bytes.end());
-        request.source = Open(L"source", GENERIC_READ, OPEN_EXISTING);
-        request.target = Open(L"target", GENERIC_READ | GENERIC_WRITE, CREATE_ALWAYS);
-        return transforms::Resize(request, *channel_);
+        return transforms::Resize(Request(WorkKind::Resize, BytesOf(settings)), *channel_);
     }
     std::optional<WorkEnd> Resize(const PictureBytes& picture, const WorkResize& settings) {
-        EXPECT_TRUE(obtest::WriteFileContent(folder_ / L"source", Text(picture)));
+        WriteSource(Text(picture));
         return ResizeFile(settings);
     }
     static std::string Text(const PictureBytes& bytes) { return {bytes.begin(), bytes.end()}; }
-    PictureBytes Target() const {
-        const std::string content = *obtest::ReadFileContent(folder_ / L"target");
+    PictureBytes TargetBytes() const {
+        const std::string content = Target();
         return {content.begin(), content.end()};
     }
-    // Expects the outcome and that nothing was written.
-    void ExpectPassed(const std::optional<WorkEnd>& end, WorkOutcome outcome) {
-        ASSERT_TRUE(end);
-        EXPECT_FALSE(end->failure);
-        EXPECT_EQ(end->outcome, outcome);
-        EXPECT_TRUE(Target().empty());
-    }
-    void ExpectShrunk(const std::optional<WorkEnd>& end) {
-        ASSERT_TRUE(end);
-        ASSERT_FALSE(end->failure);
-        EXPECT_EQ(end->outcome, WorkOutcome::Changed);
-        EXPECT_EQ(end->size, Target().size());
-    }
     static WorkResize ToEdge(std::uint64_t pixels) { return {WorkAim::LongestEdge, 90, pixels}; }
-
-    const obtest::TestFolder folder_;
-    UniqueKernelHandle answered_;
-    std::optional<WorkChannel> channel_;
 };
 
 TEST_F(PictureWork, WritesEachFormSmaller) {
     const auto photo = obtest::Photo(400, 300, 3);
-    ExpectShrunk(Resize(obtest::MakeJpeg(photo), ToEdge(200)));
-    EXPECT_EQ(obtest::ParseJpeg(Target()).raster.width, 200u);
-    ExpectShrunk(Resize(obtest::MakePng(photo), {WorkAim::Percent, 90, 25}));
-    EXPECT_EQ(obtest::ParsePng(Target()).height, 75u);
-    ExpectShrunk(Resize(obtest::MakeTiff(photo), ToEdge(200))); // goes back to its header
-    EXPECT_EQ(obtest::ParseTiff(Target()).raster.width, 200u);
-    ExpectShrunk(Resize(obtest::MakeWebp(photo), ToEdge(200)));
-    EXPECT_EQ(obtest::ParseWebp(Target()).raster.width, 200u);
-    ExpectShrunk(Resize(obtest::MakeBmp(photo), ToEdge(200)));
-    EXPECT_EQ(obtest::ParseBmp(Target()).raster.width, 200u);
+    ExpectChanged(Resize(obtest::MakeJpeg(photo), ToEdge(200)));
+    EXPECT_EQ(obtest::ParseJpeg(TargetBytes()).raster.width, 200u);
+    ExpectChanged(Resize(obtest::MakePng(photo), {WorkAim::Percent, 90, 25}));
+    EXPECT_EQ(obtest::ParsePng(TargetBytes()).height, 75u);
+    ExpectChanged(Resize(obtest::MakeTiff(photo), ToEdge(200))); // goes back to its header
+    EXPECT_EQ(obtest::ParseTiff(TargetBytes()).raster.width, 200u);
+    ExpectChanged(Resize(obtest::MakeWebp(photo), ToEdge(200)));
+    EXPECT_EQ(obtest::ParseWebp(TargetBytes()).raster.width, 200u);
+    ExpectChanged(Resize(obtest::MakeBmp(photo), ToEdge(200)));
+    EXPECT_EQ(obtest::ParseBmp(TargetBytes()).raster.width, 200u);
 }
 
 TEST_F(PictureWork, MeetsAnAimInBytes) {
     const auto picture = obtest::MakeJpeg(obtest::Photo(800, 600, 3), {.quality = 98});
     ASSERT_GT(picture.size(), 60'000u);
-    ExpectShrunk(Resize(picture, {WorkAim::Bytes, 1, 40'000}));
+    ExpectChanged(Resize(picture, {WorkAim::Bytes, 1, 40'000}));
     EXPECT_LE(Target().size(), 40'000u);
     EXPECT_GT(Target().size(), 34'000u);
 }
@@ -112,32 +81,22 @@ TEST_F(PictureWork, PassesWhatIsSmallEnoughAnimatedOrNoPicture) {
 
 TEST_F(PictureWork, ReportsWhyAPictureCannotBeMadeSmaller) {
     auto picture = obtest::MakeJpeg(obtest::Photo(400, 300, 3));
-    const auto failure = [](const std::optional<WorkEnd>& end) {
-        return end && end->failure ? *end->failure : WorkFailure{};
-    };
-    EXPECT_EQ(failure(Resize(picture, {WorkAim::Bytes, 1, 100})), WorkFailure::CannotFit);
+    EXPECT_EQ(FailureOf(Resize(picture, {WorkAim::Bytes, 1, 100})), WorkFailure::CannotFit);
     picture.resize(picture.size() / 2);
-    EXPECT_EQ(failure(Resize(picture, ToEdge(200))), WorkFailure::Damaged);
+    EXPECT_EQ(FailureOf(Resize(picture, ToEdge(200))), WorkFailure::Damaged);
     // A header that promises 65,500 times 65,500 pixels.
     auto bomb = obtest::MakeJpeg(obtest::Photo(40, 30, 3));
     const std::size_t frame = Text(bomb).find("\xff\xc0");
     ASSERT_NE(frame, std::string::npos);
     for (const std::size_t at : {5, 7}) bomb[frame + at] = 0xff, bomb[frame + at + 1] = 0xdc;
-    EXPECT_EQ(failure(Resize(bomb, ToEdge(200))), WorkFailure::TooLarge);
+    EXPECT_EQ(FailureOf(Resize(bomb, ToEdge(200))), WorkFailure::TooLarge);
 }
 
 TEST_F(PictureWork, ReportsATargetThatCannotBeWritten) {
-    const auto picture = obtest::MakeJpeg(obtest::Photo(400, 300, 3));
-    ASSERT_TRUE(obtest::WriteFileContent(folder_ / L"source", Text(picture)));
-    const WorkResize settings = ToEdge(200);
-    transforms::WorkRequest request;
-    const auto bytes = std::as_bytes(std::span(&settings, 1));
-    request.settings.assign(bytes.begin(), bytes.end());
-    request.source = Open(L"source", GENERIC_READ, OPEN_EXISTING);
-    request.target = Open(L"target", GENERIC_READ, CREATE_ALWAYS); // as a full disk
-    const auto end = transforms::Resize(request, *channel_);
-    ASSERT_TRUE(end && end->failure);
-    EXPECT_EQ(*end->failure, WorkFailure::Unwritable);
+    WriteSource(Text(obtest::MakeJpeg(obtest::Photo(400, 300, 3))));
+    // As on a full disk.
+    const auto request = Request(WorkKind::Resize, BytesOf(ToEdge(200)), GENERIC_READ);
+    EXPECT_EQ(FailureOf(transforms::Resize(request, *channel_)), WorkFailure::Unwritable);
 }
 
 // Work that goes on for seconds is seen to go on; the manager's reader accepts the records.
@@ -206,9 +165,9 @@ std::size_t MostMemory() {
 TEST_F(PictureWork, TakesAPictureOf200MegapixelsThroughLittleMemory) {
     WriteHugeJpeg(folder_ / L"source");
     const std::size_t before = MostMemory();
-    ExpectShrunk(ResizeFile(ToEdge(2048)));
+    ExpectChanged(ResizeFile(ToEdge(2048)));
     EXPECT_LT(MostMemory() - before, std::size_t{64} << 20);
-    EXPECT_EQ(obtest::ParseJpeg(Target()).raster.width, 2048u);
+    EXPECT_EQ(obtest::ParseJpeg(TargetBytes()).raster.width, 2048u);
 }
 
 } // namespace

@@ -9,30 +9,19 @@
 #include <optional>
 #include <string>
 
-#include "tests/support/TestFolder.h"
+#include "tests/unit/services/transforms/FileRequestFixture.h"
 #include "tests/unit/services/transforms/documents/PdfSamples.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
 using namespace obcontract;
-using ObLib::UniqueKernelHandle;
 using obtest::PictureBytes;
 using transforms::WorkEnd;
 
 namespace {
 
-class WatermarkWork : public testing::Test {
+class WatermarkWork : public obtest::FileRequestFixture {
 protected:
-    void SetUp() override {
-        UniqueKernelHandle replies;
-        ASSERT_TRUE(CreatePipe(answered_.Put(), replies.Put(), nullptr, 1 << 20));
-        channel_.emplace(UniqueKernelHandle(), std::move(replies));
-    }
-
-    UniqueKernelHandle Open(const wchar_t* name, DWORD access, DWORD how) const {
-        return UniqueKernelHandle(
-            CreateFileW((folder_ / name).c_str(), access, 0, nullptr, how, 0, nullptr));
-    }
     static std::vector<std::byte> Settings(WorkPlace place, std::uint32_t opacity,
                                            const std::wstring& text) {
         const WorkWatermark record{place, opacity};
@@ -43,36 +32,13 @@ protected:
     }
     std::optional<WorkEnd> Add(const std::string& file,
                                DWORD targetAccess = GENERIC_READ | GENERIC_WRITE) {
-        EXPECT_TRUE(obtest::WriteFileContent(folder_ / L"source", file));
-        transforms::WorkRequest request;
-        request.kind = WorkKind::Watermark;
-        request.settings = settings_;
-        request.source = Open(L"source", GENERIC_READ, OPEN_EXISTING);
-        request.target = Open(L"target", targetAccess, CREATE_ALWAYS);
-        return transforms::AddWatermark(request, *channel_);
+        WriteSource(file);
+        return transforms::AddWatermark(Request(WorkKind::Watermark, settings_, targetAccess),
+                                        *channel_);
     }
     static std::string Text(const PictureBytes& bytes) { return {bytes.begin(), bytes.end()}; }
-    std::string Target() const { return *obtest::ReadFileContent(folder_ / L"target"); }
-    void ExpectChanged(const std::optional<WorkEnd>& end) {
-        ASSERT_TRUE(end);
-        ASSERT_FALSE(end->failure);
-        EXPECT_EQ(end->outcome, WorkOutcome::Changed);
-        EXPECT_EQ(end->size, Target().size());
-    }
-    void ExpectPassed(const std::optional<WorkEnd>& end, WorkOutcome outcome) {
-        ASSERT_TRUE(end);
-        EXPECT_FALSE(end->failure);
-        EXPECT_EQ(end->outcome, outcome);
-        EXPECT_TRUE(Target().empty());
-    }
-    static WorkFailure FailureOf(const std::optional<WorkEnd>& end) {
-        return end && end->failure ? *end->failure : WorkFailure{};
-    }
 
-    const obtest::TestFolder folder_;
     std::vector<std::byte> settings_ = Settings(WorkPlace::BottomRight, 100, L"Ann Example");
-    UniqueKernelHandle answered_;
-    std::optional<transforms::WorkChannel> channel_;
 };
 
 TEST_F(WatermarkWork, IsWrittenOnAPictureInItsPlace) {
