@@ -8,18 +8,17 @@ canary in their properties, comments and pictures, and cleans them under Wine. T
   - qpdf finds no error in a cleaned PDF, and pdftotext reads the same text;
   - Python's own readers open every package and every part of XML.
 """
-import argparse
 import io
 import json
 import os
 import subprocess
 import sys
-import tempfile
 import xml.etree.ElementTree as ElementTree
 import zipfile
 
-CANARY = "CanaryOfAPerson"
-ENV = dict(os.environ, LC_ALL="C.UTF-8")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from cleaning_judge import CANARY, ENV, check, clean, main, run
+
 OFFICE = "http://schemas.openxmlformats.org/officeDocument/2006"
 PACKAGE = "http://schemas.openxmlformats.org/package/2006"
 ODF = "urn:oasis:names:tc:opendocument:xmlns:"
@@ -31,21 +30,6 @@ WITH_FILE = "with a file.pdf"
 # What mat2 prints of any file: headings, a PDF's form and missing times, and packages that name another system
 # than its own.
 OF_MAT2 = ["Metadata for ", "No metadata found", "format: PDF-", "-date: -1", "create_system: Weird"]
-
-failures = []
-
-
-def check(condition, text):
-    if not condition:
-        failures.append(text)
-    print(f"{'ok' if condition else 'FAILED'}: {text}", flush=True)
-
-
-def run(*command, accepted=(0,)):
-    done = subprocess.run(command, env=ENV, stdin=subprocess.DEVNULL, capture_output=True, check=False)
-    if done.returncode not in accepted:
-        raise SystemExit(f"{' '.join(command[:8])} ended with {done.returncode}: {done.stderr.decode()[:600]}")
-    return done.stdout
 
 
 class Samples:
@@ -210,17 +194,6 @@ def judge_properties(before, after, names):
     check(not found, f"mat2 finds nothing {found}")
 
 
-def clean(options, before, work):
-    kept = os.path.join(work, "kept")
-    done = subprocess.run([options.wine_run, "--timeout", "240", "--stage", before, "--keep", kept, "--",
-                           options.cleaner], env=ENV, stdin=subprocess.DEVNULL, capture_output=True, check=False)
-    sys.stderr.write(done.stderr.decode(errors="replace"))
-    check(done.returncode == 0, "every document was read and written")
-    with open(os.path.join(kept, "out", "report.txt"), encoding="utf-8") as file:
-        lines = [line.rstrip("\n").split("\t") for line in file]
-    return os.path.join(kept, "out"), {line[0]: line[1:] for line in lines}
-
-
 def check_all(options, work):
     before = os.path.join(work, "in")
     os.makedirs(before)
@@ -236,18 +209,5 @@ def check_all(options, work):
     check("stays.embedded-files=1" in report[WITH_FILE], "an embedded file is named")
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--wine-run", required=True)
-    parser.add_argument("--cleaner", required=True)
-    options = parser.parse_args()
-    with tempfile.TemporaryDirectory(prefix="webvellant-documents-") as work:
-        check_all(options, work)
-    print(f"{len(failures)} failures")
-    for failure in failures:
-        print(f"  {failure}")
-    return 1 if failures else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(check_all))

@@ -8,17 +8,15 @@ into every place that it knows, and cleans them under Wine. Then
   - the colour profile is the same bytes;
   - identify and djpeg decode the same pixels.
 """
-import argparse
 import json
 import os
 import struct
-import subprocess
 import sys
-import tempfile
 
-CANARY = "CanaryOfAPerson"
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from cleaning_judge import CANARY, check, clean, main, run
+
 CONVERT = "convert-im6.q16"
-ENV = dict(os.environ, LC_ALL="C.UTF-8", OMP_NUM_THREADS="1")
 
 # What exiftool may find in a cleaned file, by group; "*" is any tag.
 ALLOWED = {
@@ -49,21 +47,6 @@ TIFF_PAGE = ["SubfileType", "ImageWidth", "ImageHeight", "BitsPerSample", "Compr
              "TileByteCounts", "ExtraSamples", "SampleFormat", "JPEGTables", "YCbCrSubSampling", "T6Options",
              "YCbCrPositioning", "ReferenceBlackWhite", "MinSampleValue", "MaxSampleValue", "OldSubfileType",
              "T4Options"]
-
-failures = []
-
-
-def check(condition, text):
-    if not condition:
-        failures.append(text)
-    print(f"{'ok' if condition else 'FAILED'}: {text}", flush=True)
-
-
-def run(*command):
-    done = subprocess.run(command, env=ENV, stdin=subprocess.DEVNULL, capture_output=True, check=False)
-    if done.returncode != 0:
-        raise SystemExit(f"{' '.join(command[:8])} ended with {done.returncode}: {done.stderr.decode()[:600]}")
-    return done.stdout
 
 
 def profile():
@@ -248,18 +231,6 @@ def judge(name, before, after, cleaned):
     check(profiles[0] == profiles[1], f"{name}: the profile is the same ({len(profiles[0] or '')} characters)")
 
 
-def clean(options, before, work):
-    kept = os.path.join(work, "kept")
-    done = subprocess.run([options.wine_run, "--timeout", "240", "--stage", before, "--keep", kept, "--",
-                           options.cleaner], env=ENV, stdin=subprocess.DEVNULL, capture_output=True, check=False)
-    sys.stderr.write(done.stderr.decode(errors="replace"))
-    check(done.returncode == 0, "every picture was read and written")
-    with open(os.path.join(kept, "out", "report.txt"), encoding="utf-8") as file:
-        lines = [line.rstrip("\n").split("\t") for line in file]
-    os.remove(os.path.join(kept, "out", "report.txt"))
-    return os.path.join(kept, "out"), {line[0]: line[1:] for line in lines}
-
-
 def check_all(options, work):
     before = os.path.join(work, "in")
     os.makedirs(before)
@@ -281,18 +252,5 @@ def check_all(options, work):
     check(len(with_profile) > 20, f"{len(with_profile)} pictures have a profile")
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--wine-run", required=True)
-    parser.add_argument("--cleaner", required=True)
-    options = parser.parse_args()
-    with tempfile.TemporaryDirectory(prefix="webvellant-personal-") as work:
-        check_all(options, work)
-    print(f"{len(failures)} failures")
-    for failure in failures:
-        print(f"  {failure}")
-    return 1 if failures else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(check_all))
