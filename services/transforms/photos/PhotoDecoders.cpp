@@ -46,6 +46,18 @@ std::optional<DecodedPhoto> DecodeBmp(PictureSource& source, const PictureContro
     return DecodeByPlatform(source, PhotoKind::Bmp, control);
 }
 
+// By the library, or by the system where the library is missing or can't decode the photo: anybody
+// may have replaced it.
+std::optional<DecodedPhoto> DecodeHeicAnyhow(PictureSource& source, const std::wstring& library,
+                                             const PictureControl& control) {
+    try {
+        if (auto photo = DecodeHeic(source, library, control)) return photo;
+    } catch (const PictureFailure& failure) {
+        if (failure.outcome != PictureOutcome::Unsupported) throw;
+    }
+    return DecodeByPlatform(source, PhotoKind::Heic, control);
+}
+
 } // namespace
 
 std::optional<DecodedPhoto> DecodePhoto(PhotoKind kind, PictureSource& source,
@@ -59,8 +71,7 @@ std::optional<DecodedPhoto> DecodePhoto(PhotoKind kind, PictureSource& source,
     case PhotoKind::Bmp:
         return DecodeBmp(source, control);
     case PhotoKind::Heic:
-        if (auto photo = DecodeHeic(source, heifLibrary, control)) return photo;
-        return DecodeByPlatform(source, kind, control);
+        return DecodeHeicAnyhow(source, heifLibrary, control);
     case PhotoKind::None:
         throw PictureFailure{PictureOutcome::Unsupported};
     default:

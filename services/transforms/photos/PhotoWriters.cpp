@@ -53,6 +53,14 @@ void WriteMarkers(JpegWriter& jpeg, const PhotoWriting& writing) {
                                static_cast<unsigned>(writing.profile.size()));
 }
 
+// What each library writes at most, of one side.
+constexpr std::uint32_t kMostJpegPixels = 65'500;
+constexpr std::uint32_t kMostPngPixels = 1'000'000;
+
+void ThrowIfLonger(PictureSize size, std::uint32_t most) {
+    if (size.width > most || size.height > most) throw PictureFailure{PictureOutcome::TooLarge};
+}
+
 [[noreturn]] void Fail(png_structp, png_const_charp) {
     throw PictureFailure{PictureOutcome::OutOfMemory};
 }
@@ -116,6 +124,7 @@ private:
 
 void WriteJpegPhoto(RowReader& rows, PictureTarget& target, const PhotoWriting& writing,
                     const PictureControl& control) {
+    ThrowIfLonger(rows.Form().size, kMostJpegPixels);
     JpegWriter jpeg(target);
     SetForm(jpeg, rows.Form(), writing);
     jpeg_start_compress(&jpeg, TRUE);
@@ -127,6 +136,7 @@ void WriteJpegPhoto(RowReader& rows, PictureTarget& target, const PhotoWriting& 
 
 void WritePngPhoto(RowReader& rows, PictureTarget& target, const PhotoWriting& writing,
                    const PictureControl& control) {
+    ThrowIfLonger(rows.Form().size, kMostPngPixels);
     PngRows writer(target);
     writer.Start(rows.Form(), writing);
     ShrinkRows(rows, writer, rows.Form().size, control);

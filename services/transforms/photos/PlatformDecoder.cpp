@@ -15,7 +15,7 @@ namespace {
 
 using ObLib::ComPtr;
 
-constexpr UINT kBandRows = 64; // a codec may decode anew for each call
+constexpr UINT kBandRows = 64;
 // Bytes a pixel that a codec and its result take.
 constexpr std::uint64_t kBytesAPixel = 8;
 // Of HEIC and AVIF; the compiler's headers lack it.
@@ -24,25 +24,8 @@ constexpr GUID kHeifFormat = {
 
 [[noreturn]] void Throw(PictureOutcome outcome) { throw PictureFailure{outcome}; }
 
-PictureOutcome OutcomeOf(HRESULT result) noexcept {
-    switch (result) {
-    case E_OUTOFMEMORY:
-    case WINCODEC_ERR_IMAGESIZEOUTOFRANGE:
-        return PictureOutcome::TooLarge;
-    case WINCODEC_ERR_COMPONENTNOTFOUND:
-    case WINCODEC_ERR_COMPONENTINITIALIZEFAILURE:
-    case WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT:
-    case WINCODEC_ERR_UNSUPPORTEDOPERATION:
-    case WINCODEC_ERR_UNSUPPORTEDVERSION:
-    case REGDB_E_CLASSNOTREG:
-        return PictureOutcome::Unsupported;
-    default:
-        return PictureOutcome::Damaged;
-    }
-}
-
 void Check(HRESULT result) {
-    if (FAILED(result)) Throw(OutcomeOf(result));
+    if (FAILED(result)) Throw(OutcomeOfPlatform(result));
 }
 
 template <class Interface>
@@ -73,6 +56,7 @@ public:
         control.ThrowIfTooLarge(width, height);
         control.ThrowIfTooMuch(std::uint64_t{width} * height * kBytesAPixel);
         Convert();
+        if (kind != PhotoKind::JpegXr) KeepPixels();
         band_.resize(form_.RowBytes() * kBandRows);
     }
 
@@ -170,12 +154,21 @@ private:
                                      WICBitmapPaletteTypeCustom));
     }
 
+    // An installed codec may decode the whole photo anew for each band, and may lack a part that it
+    // needs: so its photo is decoded at once, before anything is written.
+    void KeepPixels() {
+        Check(factory_->CreateBitmapFromSource(converter_.Get(), WICBitmapCacheOnLoad,
+                                               pixels_.Put()));
+    }
+
     void ReadBand() {
         const UINT rows = std::min<UINT>(kBandRows, static_cast<UINT>(form_.size.height - next_));
         const WICRect part{0, static_cast<INT>(next_), static_cast<INT>(form_.size.width),
                            static_cast<INT>(rows)};
-        Check(converter_->CopyPixels(&part, static_cast<UINT>(form_.RowBytes()),
-                                     static_cast<UINT>(band_.size()), band_.data()));
+        IWICBitmapSource* const from =
+            pixels_ ? static_cast<IWICBitmapSource*>(pixels_.Get()) : converter_.Get();
+        Check(from->CopyPixels(&part, static_cast<UINT>(form_.RowBytes()),
+                               static_cast<UINT>(band_.size()), band_.data()));
     }
 
     Apartment apartment_;
@@ -183,13 +176,14 @@ private:
     ComPtr<IWICImagingFactory> factory_;
     ComPtr<IWICBitmapFrameDecode> frame_;
     ComPtr<IWICFormatConverter> converter_;
+    ComPtr<IWICBitmap> pixels_; // of a photo that was decoded at once; otherwise empty
     RasterForm form_;
     PictureBytes band_;
     std::size_t next_ = 0;
 };
 
 // A container in boxes has its turns as instructions for the codec, a JPEG XR file in a directory
-// like that of EXIF data; what becomes of a raw photo is the codec's to say.
+// like that of EXIF data; of a raw photo the codec reports whether it still has to be turned.
 unsigned OrientationOf(const PlatformRows& rows, PictureSource& source, PhotoKind kind) {
     if (kind == PhotoKind::JpegXr) return ExifOrientation(TiffDirectories(source));
     return kind == PhotoKind::Raw ? rows.Orientation() : 1;
@@ -215,6 +209,30 @@ PictureSize Turned(PictureSize size, unsigned orientation) noexcept {
 }
 
 } // namespace
+
+PictureOutcome OutcomeOfPlatform(long result) noexcept {
+    // Of the codecs for video, on which those for HEIC and AVIF rely.
+    constexpr int kMediaFoundation = 0xD;
+    constexpr DWORD kDynamicCodeBlocked = 1655; // ERROR_DYNAMIC_CODE_BLOCKED
+    if (HRESULT_FACILITY(result) == kMediaFoundation) return PictureOutcome::Unsupported;
+    switch (result) {
+    case E_OUTOFMEMORY:
+    case WINCODEC_ERR_IMAGESIZEOUTOFRANGE:
+        return PictureOutcome::TooLarge;
+    case WINCODEC_ERR_COMPONENTNOTFOUND:
+    case WINCODEC_ERR_COMPONENTINITIALIZEFAILURE:
+    case WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT:
+    case WINCODEC_ERR_UNSUPPORTEDOPERATION:
+    case WINCODEC_ERR_UNSUPPORTEDVERSION:
+    case REGDB_E_CLASSNOTREG:
+    case E_ACCESSDENIED: // a codec that can't be loaded at this process's rights
+    case HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND):
+    case HRESULT_FROM_WIN32(kDynamicCodeBlocked):
+        return PictureOutcome::Unsupported;
+    default:
+        return PictureOutcome::Damaged;
+    }
+}
 
 DecodedPhoto DecodeByPlatform(PictureSource& source, PhotoKind kind,
                               const PictureControl& control) {

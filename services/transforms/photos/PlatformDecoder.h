@@ -12,4 +12,8 @@ namespace transforms {
 // read in any thread; the object that has them is destroyed in the calling one.
 DecodedPhoto DecodeByPlatform(PictureSource& source, PhotoKind kind, const PictureControl& control);
 
+// What a failed HRESULT of the system means: Unsupported when a codec or a part of it is missing or
+// can't be loaded, TooLarge, or Damaged for all others.
+PictureOutcome OutcomeOfPlatform(long result) noexcept;
+
 } // namespace transforms

@@ -20,6 +20,11 @@ struct ConvertedPhoto {
     PictureBytes file;
 
     bool IsPng() const { return !file.empty() && file[0] == 0x89; }
+    // A result is a JPEG or a PNG.
+    bool IsAsReported() const {
+        const bool isJpeg = file.size() > 2 && file[0] == 0xFF && file[1] == 0xD8;
+        return outcome != transforms::PictureOutcome::Shrunk || isJpeg || IsPng();
+    }
     Raster Pixels() const; // of a JPEG or a PNG
     std::string Exif() const;
     std::string Profile() const; // of a JPEG of one profile marker

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "services/transforms/photos/CarriedExif.h"
+#include "services/transforms/photos/PlatformDecoder.h"
 #include "tests/unit/services/transforms/photos/PhotoSamples.h"
 
 namespace {
@@ -25,6 +26,17 @@ PictureBytes WithTags(PictureBytes file, std::vector<TiffTag> tags) {
     file.insert(file.end(), added.begin(), added.end());
     for (std::size_t i = 0; i < 4; ++i) file[4 + i] = static_cast<std::uint8_t>(offset >> 8 * i);
     return file;
+}
+
+TEST(PlatformPhoto, PassesWhereACodecOrAPartOfItIsMissing) {
+    constexpr long kNoVideoCodec = static_cast<long>(0xC00D5212);
+    for (const long result : {kNoVideoCodec, static_cast<long>(0x88982F50), // no component
+                              static_cast<long>(0x80070005),                // access denied
+                              static_cast<long>(0x8007007E), static_cast<long>(0x80070677)}) {
+        EXPECT_EQ(OutcomeOfPlatform(result), PictureOutcome::Unsupported) << std::hex << result;
+    }
+    EXPECT_EQ(OutcomeOfPlatform(static_cast<long>(0x8007000E)), PictureOutcome::TooLarge);
+    EXPECT_EQ(OutcomeOfPlatform(static_cast<long>(0x88982F60)), PictureOutcome::Damaged);
 }
 
 TEST(PlatformPhoto, OfJpegXrBecomesAJpeg) {
