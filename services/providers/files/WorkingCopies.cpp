@@ -43,8 +43,8 @@ std::size_t RootLength(const std::wstring& path) {
 
 bool IsName(const std::wstring& name) { return !name.empty() && name != L"." && name != L".."; }
 
-// Whether each component of the path is the name of what is there, so that the folders above the
-// file are those that the path shows: no dots, other slashes or streams.
+// Whether the path consists of plain names only, without dots, forward slashes or streams, so that
+// cutting off the last name gives the file's real folder.
 bool IsPlain(const std::wstring& path) {
     const std::size_t root = RootLength(path);
     if (root == 0 || path.find_first_of(L"/:", root) != std::wstring::npos) return false;
@@ -68,7 +68,8 @@ std::wstring FinalPath(HANDLE file) {
     }
 }
 
-// The callers make no copies in a longer folder, so that every file there is the user's own.
+// The callers make no working copies in a temporary folder whose path is longer than this, so that
+// no file there may be changed.
 std::optional<FileIdentity> TemporaryFolder() {
     wchar_t path[MAX_PATH + 1];
     const DWORD length = GetTempPathW(MAX_PATH + 1, path);
@@ -147,9 +148,14 @@ UniqueKernelHandle Pin(const std::wstring& folder, const FileIdentity& identity)
 // A file or an empty folder. True also when it is no longer there, as when another one has its
 // name.
 bool DeleteByIdentity(const std::wstring& path, const FileIdentity& identity) noexcept {
-    const UniqueKernelHandle file(
-        CreateFileW(path.c_str(), DELETE | FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES, kShareAll,
-                    nullptr, OPEN_EXISTING, kTheFileItself, nullptr));
+    constexpr DWORD kNeeded = DELETE | FILE_READ_ATTRIBUTES;
+    const auto open = [&](DWORD access) {
+        return CreateFileW(path.c_str(), access, kShareAll, nullptr, OPEN_EXISTING, kTheFileItself,
+                           nullptr);
+    };
+    // The right to change attributes is only for a file that is read-only.
+    UniqueKernelHandle file(open(kNeeded | FILE_WRITE_ATTRIBUTES));
+    if (!file && GetLastError() == ERROR_ACCESS_DENIED) file.Reset(open(kNeeded));
     if (!file) {
         const DWORD error = GetLastError();
         return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
@@ -310,11 +316,11 @@ bool NewFile::NameBeside(const WorkingCopy& copy, const std::wstring& path,
     for (int number = 1; number <= kMostNumbers; ++number) {
         result = ResultPath(path, extension, number);
         if (result.size() > longest) break;
-        const std::wstring target = folder_ + result.substr(result.rfind(L'\\'));
+        std::wstring target = folder_ + result.substr(result.rfind(L'\\'));
+        // Noted under both names before it gets the new one, for which no memory is needed then.
+        unfinished_.Add(target, identity_);
         if (MoveFileExW(path_.c_str(), target.c_str(), 0)) {
-            unfinished_.Remove(identity_);
-            path_ = target;
-            unfinished_.Add(path_, identity_);
+            path_.swap(target);
             return true;
         }
         const DWORD error = GetLastError();
