@@ -40,7 +40,8 @@ ByteBuffer SpareBlocks::Take(std::size_t size) {
 
 void SpareBlocks::Give(ByteBuffer buffer) noexcept {
     const std::size_t capacity = buffer.Capacity();
-    if (capacity < kLeast) return;
+    // Take looks for the sizes of CapacityFor alone.
+    if (capacity < kLeast || CapacityFor(capacity) != capacity) return;
     static_cast<void>(buffer.Resize(0));
     const Locked locked(lock_);
     // Never grows past what the constructor reserved: each buffer has at least kLeast bytes.

@@ -49,8 +49,8 @@ public:
     // What goes into the entry between `head` and `tail`.
     std::span<std::uint8_t> Body() { return packed.Size() != 0 ? packed.Bytes() : raw.Bytes(); }
 
-    // Closed by the worker: closing is a call of the system's own, as slow as the compression of a
-    // small file.
+    // The file's handle, which is here for the worker to close: that can take as long as
+    // compressing a small file.
     ObLib::UniqueKernelHandle source;
     PackOrder order; // afterwards `packing` is what was done
     const std::size_t rawSize;

@@ -49,8 +49,8 @@ bool MeasureLinked(const std::wstring& path, SourceFacts& facts) {
 bool SourceFile::Open(const std::wstring& path, SourceFacts& facts, bool pinned) {
     run_.file = path;
     total_ = 0;
-    // Closed before it is opened again: one that was deleted meanwhile would only go now, and be
-    // reported as one that may not be read.
+    // The old handle is closed first: a file that was deleted meanwhile vanishes with its last
+    // handle, and until then opening it fails with "access denied".
     file_.Reset();
     file_ = ObLib::UniqueKernelHandle(CreateFileW(
         path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,

@@ -109,7 +109,7 @@ protected:
 
     // The certificate is the policy's own bytes, with the key that those bytes have, and a message
     // for it names its serial number.
-    void ExpectUsed(const DerBytes& bytes, const std::string& text, bool sealed) const {
+    void ExpectUsed(const DerBytes& bytes, const std::string& text, bool sealed) {
         UniqueCertificate certificate;
         ASSERT_EQ(LoadRecoveryCertificate(certificate), RecoveryKeyResult::Usable);
         const DerBytes read(certificate.Get()->pbCertEncoded,
@@ -128,9 +128,11 @@ protected:
         const auto message = SealForCertificate(certificate.Get(), "secret");
         const auto serial = SerialNumberOf(bytes);
         if (!message || !serial) return;
+        ++sealed_;
         EXPECT_TRUE(Contains(*message, DerBytes(serial->whole.begin(), serial->whole.end())));
     }
 
+    int sealed_ = 0; // messages whose serial number was compared
     DerBytes originalKey_;
 };
 
@@ -166,6 +168,7 @@ TEST_F(RecoveryMutation, OfACertificateIsRefusedWithAReasonOrUsedAsItIs) {
     }
     EXPECT_GT(used, kMutations / 20);
     EXPECT_GT(refused, kMutations / 20);
+    EXPECT_GT(sealed_, 0);
 }
 
 } // namespace
