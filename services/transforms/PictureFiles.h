@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/raster/PictureFile.h"
 
 namespace transforms {
 

@@ -8,7 +8,7 @@
 #include <mutex>
 
 #include "services/transforms/WorkChannel.h"
-#include "services/transforms/pictures/PictureControl.h"
+#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms {
 

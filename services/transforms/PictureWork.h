@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "services/transforms/WorkChannel.h"
-#include "services/transforms/pictures/PictureOutcome.h"
+#include "services/transforms/raster/PictureOutcome.h"
 
 namespace transforms {
 

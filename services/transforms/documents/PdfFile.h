@@ -6,7 +6,7 @@
 
 #include "services/transforms/personal/Bytes.h"
 #include "services/transforms/personal/Findings.h"
-#include "services/transforms/pictures/PictureControl.h"
+#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms::documents {
 

@@ -4,7 +4,7 @@
 #include <span>
 
 #include "services/transforms/photos/TiffDirectories.h"
-#include "services/transforms/pictures/ShrinkStep.h"
+#include "services/transforms/raster/ShrinkStep.h"
 
 namespace transforms {
 

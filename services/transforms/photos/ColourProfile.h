@@ -7,8 +7,8 @@
 #include <memory>
 #include <span>
 
-#include "services/transforms/pictures/PictureFile.h"
-#include "services/transforms/pictures/PictureOutcome.h"
+#include "services/transforms/raster/PictureFile.h"
+#include "services/transforms/raster/PictureOutcome.h"
 
 namespace transforms {
 

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "services/transforms/photos/PhotoKind.h"
-#include "services/transforms/pictures/PictureControl.h"
-#include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/raster/PictureControl.h"
+#include "services/transforms/raster/PictureFile.h"
 
 namespace transforms {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "services/transforms/photos/PhotoColours.h"
-#include "services/transforms/pictures/PictureControl.h"
+#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms {
 

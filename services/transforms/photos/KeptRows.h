@@ -1,8 +1,8 @@
 // A photo in memory: turned upright, and looked at for transparent pixels.
 #pragma once
 
-#include "services/transforms/pictures/PictureFile.h"
-#include "services/transforms/pictures/Raster.h"
+#include "services/transforms/raster/PictureFile.h"
+#include "services/transforms/raster/Raster.h"
 
 namespace transforms {
 

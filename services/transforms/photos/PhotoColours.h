@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "services/transforms/pictures/PictureFile.h"
-#include "services/transforms/pictures/Raster.h"
+#include "services/transforms/raster/PictureFile.h"
+#include "services/transforms/raster/Raster.h"
 
 namespace transforms {
 

@@ -2,12 +2,12 @@
 
 #include <utility>
 
+#include "services/transforms/codecs/BmpPicture.h"
+#include "services/transforms/codecs/WebpPicture.h"
 #include "services/transforms/photos/CarriedExif.h"
 #include "services/transforms/photos/HeicDecoder.h"
 #include "services/transforms/photos/PlatformDecoder.h"
 #include "services/transforms/photos/TiffPhoto.h"
-#include "services/transforms/pictures/BmpPicture.h"
-#include "services/transforms/pictures/WebpPicture.h"
 
 namespace transforms {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "services/transforms/photos/PhotoColours.h"
 #include "services/transforms/photos/PhotoKind.h"
-#include "services/transforms/pictures/PictureControl.h"
+#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms {
 

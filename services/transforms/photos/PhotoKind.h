@@ -1,7 +1,7 @@
 // What kind of photo a file is, by its first bytes and never by its name.
 #pragma once
 
-#include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/raster/PictureFile.h"
 
 namespace transforms {
 

@@ -3,7 +3,7 @@
 
 #include <png.h>
 
-#include "services/transforms/pictures/JpegLibrary.h"
+#include "services/transforms/codecs/JpegLibrary.h"
 
 namespace transforms {
 namespace {

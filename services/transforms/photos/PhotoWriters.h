@@ -1,9 +1,9 @@
 // The two results of a conversion.
 #pragma once
 
-#include "services/transforms/pictures/PictureControl.h"
-#include "services/transforms/pictures/PictureFile.h"
-#include "services/transforms/pictures/Raster.h"
+#include "services/transforms/raster/PictureControl.h"
+#include "services/transforms/raster/PictureFile.h"
+#include "services/transforms/raster/Raster.h"
 
 namespace transforms {
 

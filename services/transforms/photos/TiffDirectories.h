@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/raster/PictureFile.h"
 
 namespace transforms {
 

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "services/transforms/codecs/TiffPicture.h"
 #include "services/transforms/photos/CarriedExif.h"
-#include "services/transforms/pictures/TiffPicture.h"
 
 namespace transforms {
 namespace {

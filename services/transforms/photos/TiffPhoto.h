@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "services/transforms/photos/PhotoColours.h"
-#include "services/transforms/pictures/PictureControl.h"
+#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms {
 

@@ -4,12 +4,12 @@
 #include <cstring>
 #include <string_view>
 
-#include "services/transforms/pictures/BmpPicture.h"
-#include "services/transforms/pictures/JpegPicture.h"
-#include "services/transforms/pictures/PngChunks.h"
-#include "services/transforms/pictures/PngPicture.h"
-#include "services/transforms/pictures/TiffPicture.h"
-#include "services/transforms/pictures/WebpPicture.h"
+#include "services/transforms/codecs/BmpPicture.h"
+#include "services/transforms/codecs/JpegPicture.h"
+#include "services/transforms/codecs/PngChunks.h"
+#include "services/transforms/codecs/PngPicture.h"
+#include "services/transforms/codecs/TiffPicture.h"
+#include "services/transforms/codecs/WebpPicture.h"
 
 namespace transforms {
 namespace {

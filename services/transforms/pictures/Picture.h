@@ -1,9 +1,9 @@
 // A picture of any kind that is worked on, recognised by its first bytes and never by its name.
 #pragma once
 
-#include "services/transforms/pictures/PictureControl.h"
-#include "services/transforms/pictures/PictureFile.h"
-#include "services/transforms/pictures/ShrinkStep.h"
+#include "services/transforms/raster/PictureControl.h"
+#include "services/transforms/raster/PictureFile.h"
+#include "services/transforms/raster/ShrinkStep.h"
 
 namespace transforms {
 

@@ -1,8 +1,8 @@
 // One picture made smaller by an aim of its own: the three aims that look at each file alone.
 #pragma once
 
-#include "services/transforms/pictures/PictureControl.h"
-#include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/raster/PictureControl.h"
+#include "services/transforms/raster/PictureFile.h"
 
 namespace transforms {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "services/transforms/pictures/ShrinkStep.h"
+#include "services/transforms/raster/ShrinkStep.h"
 
 namespace transforms {
 

@@ -1,9 +1,9 @@
 // One picture with a stamp laid over it, in its own size and form.
 #pragma once
 
-#include "services/transforms/pictures/PictureControl.h"
-#include "services/transforms/pictures/PictureFile.h"
-#include "services/transforms/pictures/Stamp.h"
+#include "services/transforms/raster/PictureControl.h"
+#include "services/transforms/raster/PictureFile.h"
+#include "services/transforms/raster/Stamp.h"
 
 namespace transforms {
 

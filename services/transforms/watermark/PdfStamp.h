@@ -4,8 +4,8 @@
 
 #include "services/transforms/personal/Bytes.h"
 #include "services/transforms/personal/Findings.h"
-#include "services/transforms/pictures/PictureControl.h"
-#include "services/transforms/pictures/Stamp.h"
+#include "services/transforms/raster/PictureControl.h"
+#include "services/transforms/raster/Stamp.h"
 
 namespace transforms {
 

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/transforms/pictures/PictureOutcome.h"
+#include "services/transforms/raster/PictureOutcome.h"
 
 namespace transforms {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "services/transforms/pictures/Stamp.h"
+#include "services/transforms/raster/Stamp.h"
 #include "services/transforms/watermark/Watermark.h"
 
 namespace transforms {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "services/transforms/pictures/Stamp.h"
+#include "services/transforms/raster/Stamp.h"
 
 namespace transforms {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "services/transforms/pictures/PictureFile.h"
+#include "services/transforms/raster/PictureFile.h"
 
 namespace obtest {
 
