@@ -223,5 +223,45 @@ TEST_F(ResizeEndToEnd, GivesOneZipThatFitsTheMail) {
     EXPECT_EQ(LeftInTemp(), (Texts{folder, folder + NameOf(answer.given[0])}));
 }
 
+// Photos that are converted in every run since the user chose so once.
+class SavedOptionEndToEnd : public RealRequest {
+protected:
+    void SetUp() override {
+        RealRequest::SetUp();
+        SetUserValue(L"AutoConvertPhotos", L"1");
+        SetUserValue(L"AutoRemoveInfo", L"1");
+        const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\";
+        SetValue(HKEY_CURRENT_USER, key + L"50", L"Bmp", L"1");
+        SetValue(HKEY_CURRENT_USER, key + L"51", L"ShowReceipt", L"0");
+        SetValue(HKEY_CURRENT_USER, key + L"51", L"AskAboutOtherFiles", L"0");
+    }
+    // 24 bits a pixel, all of one colour.
+    static std::string Bmp() {
+        constexpr int kSide = 16;
+        BITMAPINFOHEADER info{sizeof(info), kSide, kSide, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+        const std::string pixels(3 * kSide * kSide, '\x55');
+        BITMAPFILEHEADER head{};
+        head.bfType = 0x4D42;
+        head.bfOffBits = sizeof(head) + sizeof(info);
+        head.bfSize = static_cast<DWORD>(head.bfOffBits + pixels.size());
+        return std::string(reinterpret_cast<const char*>(&head), sizeof(head)) +
+               std::string(reinterpret_cast<const char*>(&info), sizeof(info)) + pixels;
+    }
+};
+
+TEST_F(SavedOptionEndToEnd, ConvertsAPhotoAndCleansAnotherOne) {
+    const std::wstring bitmap = files_.File(L"scan.bmp", Bmp());
+    const std::wstring photo = files_.File(L"photo.jpg", samples::Photo());
+    PickerUiDriver driver(Pick(Choice::Zip, {bitmap, photo}));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    const auto entries = ReadZip(answer.given[0]);
+    ASSERT_EQ(entries.size(), 2u);
+    EXPECT_TRUE(entries.at("scan.jpg").content.starts_with("\xFF\xD8"));
+    EXPECT_EQ(entries.at("photo.jpg").content.find(samples::kCanary), std::string::npos);
+    EXPECT_EQ(ReadFileContent(bitmap), Bmp());
+}
+
 } // namespace
 } // namespace obtest

@@ -80,6 +80,7 @@ constexpr Module kModules[] = {
     {L"PVXManager64.dll", L"PVXManager64", VFT_DLL},
     {L"PVXTransform64.exe", L"PVXTransform64", VFT_APP},
     {L"GroupDocs.Metadata.dll", L"GroupDocs.Metadata", VFT_DLL},
+    {L"Aspose.Imaging.dll", L"Aspose.Imaging", VFT_DLL},
 };
 
 INSTANTIATE_TEST_SUITE_P(Shipped, ModuleVersion, testing::ValuesIn(kModules),
