@@ -77,6 +77,13 @@
 #define OB_TEXT_WATERMARK_SIGNED 650
 #define OB_TEXT_WATERMARK_ENCRYPTED 651
 
+// Documents that an office program converts.
+#define OB_TEXT_SUITE_NONE 720
+#define OB_TEXT_SUITE_PROTECTED 721
+#define OB_TEXT_SUITE_FAILED 722
+#define OB_TEXT_SUITE_NO_ANSWER 723
+#define OB_TEXT_SUITE_NOT_READY 724 // of all documents
+
 // What was found in a file.
 #define OB_TEXT_FOUND_OTHER 560
 #define OB_TEXT_FOUND_POSITION 561
