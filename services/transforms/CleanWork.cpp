@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "services/transforms/PictureWatch.h"
 #include "services/transforms/SourceView.h"
 #include "services/transforms/WholeFile.h"
 #include "services/transforms/documents/AnyFile.h"
@@ -36,9 +37,12 @@ std::optional<WorkEnd> Clean(const WorkRequest& request, WorkChannel& channel) {
     const auto source = SourceView::Map(request.source.Get(), failure);
     if (!source) return WorkEnd(failure);
     if (!ReadAhead(source->Bytes(), channel)) return {};
-    const CleanedFile cleaned = CleanFile(source->Bytes());
-    if (!Send(cleaned.removed, channel) || !Send(cleaned.stays, channel)) return {};
-    return EndOf(request.target.Get(), cleaned, source->Bytes().size(), channel);
+    PictureWatch watch(channel, source->Bytes().size());
+    const CleanedFile cleaned = CleanFile(source->Bytes(), &watch);
+    if (watch.IsUnread() || !Send(cleaned.removed, channel) || !Send(cleaned.stays, channel)) {
+        return {};
+    }
+    return EndOf(request.target.Get(), cleaned, watch.Steps(), channel);
 }
 
 } // namespace transforms

@@ -11,7 +11,7 @@ using namespace documents;
 
 struct DocumentFormat {
     bool (*isFormat)(personal::Bytes file);
-    personal::Analysis (*analyze)(personal::Bytes file);
+    personal::Analysis (*analyze)(personal::Bytes file, PictureSteps* steps);
 };
 
 constexpr DocumentFormat kFormats[] = {
@@ -30,14 +30,15 @@ const DocumentFormat* FormatOf(personal::Bytes file) {
 
 } // namespace
 
-CleanedFile CleanFile(std::span<const std::byte> file) {
+CleanedFile CleanFile(std::span<const std::byte> file, PictureSteps* steps) {
     const DocumentFormat* format = FormatOf(file);
-    return format ? personal::ResultOf(file, format->analyze(file)) : RemovePersonalData(file);
+    return format ? personal::ResultOf(file, format->analyze(file, steps))
+                  : RemovePersonalData(file);
 }
 
 std::vector<Finding> FindInFile(std::span<const std::byte> file) {
     const DocumentFormat* format = FormatOf(file);
-    return format ? personal::FindingsOf(format->analyze(file)) : FindPersonalData(file);
+    return format ? personal::FindingsOf(format->analyze(file, nullptr)) : FindPersonalData(file);
 }
 
 } // namespace transforms

@@ -6,14 +6,17 @@
 #include <vector>
 
 #include "services/transforms/personal/Findings.h"
+#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms {
 
 // Removes personal data from the bytes of one file; pictures inside a document are cleaned as well.
 // The format is recognised by the bytes alone. Called by the work process, on any thread; keeps no
 // state. Equal bytes give equal results, cleaning a result gives NothingFound, and FindInFile of a
-// result is empty. Texts, pages and sheets stay as they are. Throws std::bad_alloc alone.
-CleanedFile CleanFile(std::span<const std::byte> file);
+// result is empty. Texts, pages and sheets stay as they are. `steps`, which may be null,
+// learns that the work on a document goes on; a picture is done at once. Throws std::bad_alloc
+// alone.
+CleanedFile CleanFile(std::span<const std::byte> file, PictureSteps* steps = nullptr);
 
 // What CleanFile would remove. A damaged file gives one finding, Unreadable; a file that can't be
 // cleaned for another reason gives nothing. Throws std::bad_alloc alone.

@@ -20,8 +20,8 @@ bool Contains(Bytes file, std::string_view text) {
     return TextOf(file).find(text) != std::string_view::npos;
 }
 
-Analysis Clean(Bytes file) {
-    Package package(file);
+Analysis Clean(Bytes file, PictureSteps* steps) {
+    Package package(file, steps);
     if (IsOoxml(package)) {
         CleanOoxml(package);
     } else if (IsOdf(package)) {
@@ -38,9 +38,9 @@ bool IsOfficePackage(Bytes file) {
     return StartsWith(file, "PK\x3\x4") && (Contains(file, kOoxmlPart) || Contains(file, kOdfPart));
 }
 
-Analysis AnalyzeOfficePackage(Bytes file) {
+Analysis AnalyzeOfficePackage(Bytes file, PictureSteps* steps) {
     try {
-        return Clean(file);
+        return Clean(file, steps);
     } catch (const PackageRefusal& refusal) {
         return Failed(refusal.outcome);
     }
@@ -48,7 +48,7 @@ Analysis AnalyzeOfficePackage(Bytes file) {
 
 bool IsOldContainer(Bytes file) { return StartsWith(file, kOldContainer); }
 
-Analysis AnalyzeOldContainer(Bytes file) {
+Analysis AnalyzeOldContainer(Bytes file, PictureSteps*) {
     return Failed(Contains(file, kEncryptedPackage) ? CleanOutcome::Encrypted
                                                     : CleanOutcome::NotSupported);
 }

@@ -8,7 +8,7 @@ namespace transforms::documents {
 
 using namespace personal;
 
-Package::Package(Bytes file) : file_(file) {
+Package::Package(Bytes file, PictureSteps* steps) : file_(file), steps_(steps) {
     CleanOutcome refusal{};
     auto contents = ReadZip(file, refusal);
     if (!contents) throw PackageRefusal{refusal};
@@ -24,6 +24,7 @@ std::optional<std::size_t> Package::Find(std::string_view name) const {
 }
 
 OwnedBytes Package::Read(std::size_t part) const {
+    Step();
     auto plain = Unpack(contents_.entries[part]);
     if (!plain) throw PackageRefusal{CleanOutcome::Damaged};
     return std::move(*plain);
@@ -31,15 +32,25 @@ OwnedBytes Package::Read(std::size_t part) const {
 
 // Kept packed, so that the memory is that of the new file.
 void Package::Replace(std::size_t part, Bytes plain) {
+    Step();
     NewZipEntry made = WithBytes(contents_.entries[part], plain);
     contents_.entries[part] = made.entry;
     fates_[part].isReplaced = true;
     fates_[part].packed = std::move(made.made);
 }
 
+// A look that reports each element before it looks.
+XmlLook Package::Talking(const XmlLook& look) const {
+    if (!steps_) return look;
+    return [this, &look](const XmlReader& reader) {
+        Step();
+        return look ? look(reader) : std::nullopt;
+    };
+}
+
 void Package::CleanXmlPart(std::size_t part, std::span<const XmlRule> rules, const XmlLook& look) {
     const OwnedBytes plain = Read(part);
-    const XmlResult result = CleanXml(TextOf(plain), rules, found_, look);
+    const XmlResult result = CleanXml(TextOf(plain), rules, found_, Talking(look));
     if (result.outcome == CleanOutcome::Cleaned) {
         return Replace(part, std::as_bytes(std::span(result.text)));
     }
@@ -49,7 +60,7 @@ void Package::CleanXmlPart(std::size_t part, std::span<const XmlRule> rules, con
 void Package::CleanLooseXmlPart(std::size_t part, std::span<const XmlRule> rules) {
     const OwnedBytes plain = Read(part);
     FindingCounter found;
-    const XmlResult result = CleanXml(TextOf(plain), rules, found);
+    const XmlResult result = CleanXml(TextOf(plain), rules, found, Talking({}));
     const bool isXml =
         result.outcome == CleanOutcome::Cleaned || result.outcome == CleanOutcome::NothingFound;
     if (isXml) found_.Note(found);

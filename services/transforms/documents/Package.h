@@ -9,6 +9,7 @@
 
 #include "services/transforms/documents/XmlRules.h"
 #include "services/transforms/documents/ZipWriter.h"
+#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms::documents {
 
@@ -17,10 +18,12 @@ struct PackageRefusal {
     CleanOutcome outcome;
 };
 
-// The numbers of parts are those of the zip's entries. The file outlives the package.
+// The numbers of parts are those of the zip's entries. The file outlives the package, and so does
+// `steps`, which may be null: it learns of each part that is read or packed and of each element of
+// XML.
 class Package {
 public:
-    explicit Package(personal::Bytes file); // throws PackageRefusal
+    explicit Package(personal::Bytes file, PictureSteps* steps = nullptr); // throws PackageRefusal
 
     std::size_t Count() const { return contents_.entries.size(); }
     std::string_view Name(std::size_t part) const { return contents_.entries[part].name; }
@@ -54,11 +57,16 @@ private:
         bool isReplaced = false;
         personal::OwnedBytes packed; // when it is replaced
     };
+    void Step() const {
+        if (steps_) steps_->Step();
+    }
+    XmlLook Talking(const XmlLook& look) const;
     void Replace(std::size_t part, personal::Bytes plain);
     NewZipEntry Unpacked(std::size_t part) const;
     std::vector<NewZipEntry> NewEntries();
 
     personal::Bytes file_;
+    PictureSteps* steps_;
     ZipContents contents_;
     std::map<std::string_view, std::size_t> byName_; // names are the file's own bytes
     std::vector<Fate> fates_;

@@ -36,17 +36,18 @@ bool HasOldVersions(Bytes file) {
 
 class PdfAnalyzer {
 public:
-    explicit PdfAnalyzer(Bytes file) : file_(file) {}
+    PdfAnalyzer(Bytes file, PictureSteps* steps) : file_(file), steps_(steps) {}
 
     Analysis Run() {
-        OpenPdf(pdf_, file_);
+        OpenPdf(pdf_, file_, steps_);
         if (pdf_.isEncrypted()) return Failed(CleanOutcome::Encrypted);
         if (pdf_.getAllPages().empty()) return Failed(CleanOutcome::Damaged);
         CleanTrailer();
-        VisitPdfObjects(pdf_.getRoot(), [&](QPDFObjectHandle& object) { Take(object); });
+        VisitPdfObjects(
+            pdf_.getRoot(), [&](QPDFObjectHandle& object) { Take(object); }, steps_);
         if (isSigned_) return Failed(CleanOutcome::Signed);
         // Streams are copied as they are coded, so that no page changes.
-        OwnedBytes written = WritePdf(pdf_, PdfStreams::AsTheyAre);
+        OwnedBytes written = WritePdf(pdf_, PdfStreams::AsTheyAre, steps_);
         if (pdf_.anyWarnings()) return Failed(CleanOutcome::Damaged);
         return Conclude(std::move(written));
     }
@@ -81,6 +82,7 @@ private:
     }
 
     Bytes file_;
+    PictureSteps* steps_;
     QPDF pdf_;
     Analysis analysis_;
     bool hasId_ = false;
@@ -96,9 +98,9 @@ bool IsPdf(Bytes file) {
     return text.starts_with("%PDF-");
 }
 
-Analysis AnalyzePdf(Bytes file) {
+Analysis AnalyzePdf(Bytes file, PictureSteps* steps) {
     try {
-        return PdfAnalyzer(file).Run();
+        return PdfAnalyzer(file, steps).Run();
     } catch (const std::exception&) {
         return Failed(OutcomeOfPdfError());
     }

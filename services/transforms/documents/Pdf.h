@@ -3,6 +3,7 @@
 #pragma once
 
 #include "services/transforms/personal/Analysis.h"
+#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms::documents {
 
@@ -10,7 +11,8 @@ bool IsPdf(personal::Bytes file);
 
 // The parts are one made part, the whole new file; nothing is found in a file that is written as
 // this function writes it. Damaged when anything in the file has to be guessed, Encrypted when it
-// is, with an empty password too, Signed when a signature is in it.
-personal::Analysis AnalyzePdf(personal::Bytes file);
+// is, with an empty password too, Signed when a signature is in it. `steps`, which may be null,
+// learns that the work goes on.
+personal::Analysis AnalyzePdf(personal::Bytes file, PictureSteps* steps);
 
 } // namespace transforms::documents

@@ -1,9 +1,12 @@
 #include "services/transforms/documents/PdfFile.h"
 
 #include <exception>
+#include <memory>
 #include <new>
 #include <utility>
 
+#include <qpdf/Buffer.hh>
+#include <qpdf/BufferInputSource.hh>
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDFExc.hh>
 #include <qpdf/QPDFWriter.hh>
@@ -29,12 +32,35 @@ private:
     OwnedBytes written_;
 };
 
+// The library reads through it for as long as objects are asked for, streams too.
+class TalkingInput : public BufferInputSource {
+public:
+    TalkingInput(Bytes file, PictureSteps* steps)
+        : BufferInputSource("pdf", new Buffer(BytesOf(file), file.size()), true), steps_(steps) {}
+    std::size_t read(char* buffer, std::size_t length) override {
+        if (steps_) steps_->Step();
+        return BufferInputSource::read(buffer, length);
+    }
+    qpdf_offset_t findAndSkipNextEOL() override {
+        if (steps_) steps_->Step();
+        return BufferInputSource::findAndSkipNextEOL();
+    }
+
+private:
+    // The library's buffer is only read: its type lacks the const.
+    static unsigned char* BytesOf(Bytes file) {
+        return reinterpret_cast<unsigned char*>(const_cast<std::byte*>(file.data()));
+    }
+
+    PictureSteps* steps_;
+};
+
 } // namespace
 
-void OpenPdf(QPDF& pdf, Bytes file) {
+void OpenPdf(QPDF& pdf, Bytes file, PictureSteps* steps) {
     pdf.setSuppressWarnings(true);
     pdf.setAttemptRecovery(false);
-    pdf.processMemoryFile("pdf", TextOf(file).data(), file.size());
+    pdf.processInputSource(std::make_shared<TalkingInput>(file, steps));
 }
 
 OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams, PictureSteps* steps) {

@@ -10,9 +10,10 @@
 
 namespace transforms::documents {
 
-// Reads the file's tables; nothing in it is guessed. The bytes outlive the object. Throws what the
-// library throws: see OutcomeOfPdfError.
-void OpenPdf(QPDF& pdf, personal::Bytes file);
+// Reads the file's tables; nothing in it is guessed. The bytes outlive the object, and so does
+// `steps`, which may be null: it learns of everything that is read, until the object's end. Throws
+// what the library throws: see OutcomeOfPdfError.
+void OpenPdf(QPDF& pdf, personal::Bytes file, PictureSteps* steps = nullptr);
 
 // How streams are written: as they are coded, or compressed where they aren't coded at all.
 enum class PdfStreams { AsTheyAre, Compressed };

@@ -25,11 +25,13 @@ void PushChildren(Object& object, std::vector<Object>& open) {
 
 } // namespace
 
-void VisitPdfObjects(QPDFObjectHandle root, const std::function<void(QPDFObjectHandle&)>& visit) {
+void VisitPdfObjects(QPDFObjectHandle root, const std::function<void(QPDFObjectHandle&)>& visit,
+                     PictureSteps* steps) {
     std::set<QPDFObjGen> seen;
     std::vector<Object> open;
     Push(std::move(root), open);
     while (!open.empty()) {
+        if (steps) steps->Step();
         auto object = std::move(open.back());
         open.pop_back();
         if (object.isIndirect() && !seen.insert(object.getObjGen()).second) continue;

@@ -176,7 +176,7 @@ public:
         : stamp_(stamp), control_(control) {}
 
     StampedPdf Run(personal::Bytes file) {
-        documents::OpenPdf(pdf_, file);
+        documents::OpenPdf(pdf_, file, control_.steps);
         if (pdf_.isEncrypted()) return {CleanOutcome::Encrypted, {}};
         if (IsSigned()) return {CleanOutcome::Signed, {}};
         const auto pages = QPDFPageDocumentHelper(pdf_).getAllPages();
@@ -194,9 +194,10 @@ public:
 private:
     bool IsSigned() {
         bool isSigned = false;
-        documents::VisitPdfObjects(pdf_.getRoot(), [&](Object& object) {
+        const auto look = [&](Object& object) {
             isSigned |= object.isDictionary() && documents::IsPdfSignature(object);
-        });
+        };
+        documents::VisitPdfObjects(pdf_.getRoot(), look, control_.steps);
         return isSigned;
     }
 

@@ -7,6 +7,7 @@
 #include <qpdf/QPDFWriter.hh>
 
 #include "tests/unit/services/transforms/documents/DocumentSamples.h"
+#include "tests/unit/services/transforms/documents/LargeSamples.h"
 #include "tests/unit/services/transforms/documents/PdfSamples.h"
 
 using namespace samples;
@@ -224,17 +225,7 @@ TEST(PdfPersonalData, LeavesAFileThatWasCleanedAsItIs) {
 }
 
 TEST(PdfPersonalData, KeepsEveryPageOfFiveThousand) {
-    PdfBuilder pdf;
-    pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
-    std::string kids;
-    for (int page = 0; page < 5000; ++page) kids += std::to_string(page + 4) + " 0 R ";
-    pdf.Add("<</Type /Pages /Kids [" + kids + "] /Count 5000>>");
-    pdf.AddStream("", "KEPT");
-    for (int page = 0; page < 5000; ++page) {
-        pdf.Add("<</Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] /Contents 3 0 R "
-                "/PieceInfo <</A (CANARY)>>>>");
-    }
-    const CleanedDocument cleaned = CleanDocument(pdf.File());
+    const CleanedDocument cleaned = CleanDocument(ManyPages(5000));
     ASSERT_EQ(cleaned.outcome, CleanOutcome::Cleaned);
     EXPECT_EQ(cleaned.removed[0], (Finding{FindingKind::PrivateData, 5000}));
     QPDF read;
