@@ -1,10 +1,10 @@
 // Whole requests in which the zip's format, a picked archive or the user's cancel decides what the
 // page gets.
-#include "tests/e2e/ProgressCancel.h"
 #include "tests/e2e/RealRequest.h"
 #include "tests/e2e/ZipContents.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
+#include "tests/support/ProgressUiDriver.h"
 
 namespace obtest {
 namespace {

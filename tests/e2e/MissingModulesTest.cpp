@@ -7,7 +7,6 @@ namespace obtest {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using Texts = std::vector<std::wstring>;
 
 // Moves a file of C:\app away for a scope.
@@ -53,22 +52,12 @@ class MissingModules : public RealRequest {};
 
 TEST_F(MissingModules, WithoutTheProviderManagerThePageGetsACancel) {
     const Missing manager(L"PVXManager64.dll");
-    const OpenAnswer answer = AskOpen();
-    EXPECT_EQ(answer.result, FALSE);
-    EXPECT_EQ(answer.given, Texts{});
-    EXPECT_EQ(answer.ownerAfterwards, Owner());
-    EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_THAT(browser_.OwnDialogs(), IsEmpty());
+    ExpectCancels();
 }
 
 TEST_F(MissingModules, WithoutTheHostThePageGetsACancel) {
     const Missing host(L"obwmvapp.exe");
-    const OpenAnswer answer = AskOpen();
-    EXPECT_EQ(answer.result, FALSE);
-    EXPECT_EQ(answer.given, Texts{});
-    EXPECT_EQ(answer.ownerAfterwards, Owner());
-    EXPECT_EQ(AskShow(), kCancelled);
-    EXPECT_THAT(browser_.OwnDialogs(), IsEmpty());
+    ExpectCancels();
 }
 
 } // namespace

@@ -34,7 +34,7 @@ std::vector<std::wstring> Items(const wchar_t* list) {
 
 void Choose(const OpenPicker& picker, const std::wstring& text) {
     ASSERT_TRUE(picker.Click(text)) << "the choice can't be clicked";
-    ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(text); }, kUiDriverLimit));
+    ASSERT_TRUE(WaitUntil([&] { return picker.IsChecked(text); }, kUiDriverLimit));
 }
 
 } // namespace
@@ -85,6 +85,26 @@ RealRequest::Use RealRequest::PickAndEncrypt(std::vector<std::wstring> paths,
         EXPECT_TRUE(prompt.PressOk());
         EXPECT_TRUE(prompt.WaitUntilClosed());
     };
+}
+
+RealRequest::Use RealRequest::PickTooMany(std::vector<std::wstring> paths,
+                                          const MessageBoxWatcher& boxes) const {
+    return [pick = Pick(Choice::None, paths), &boxes](OpenPicker& picker) {
+        pick(picker);
+        EXPECT_TRUE(boxes.WaitFor(1));
+        EXPECT_TRUE(WaitUntil([&] { return IsWindowEnabled(picker.Window()) != 0; }));
+        EXPECT_TRUE(picker.IsOpen());
+        picker.PressCancel();
+    };
+}
+
+void RealRequest::ExpectCancels() {
+    const OpenAnswer answer = AskOpen();
+    EXPECT_EQ(answer.result, FALSE);
+    EXPECT_EQ(answer.given, std::vector<std::wstring>{});
+    EXPECT_EQ(answer.ownerAfterwards, Owner());
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_EQ(browser_.OwnDialogCount(), 0u);
 }
 
 RealRequest::OpenAnswer RealRequest::AskOpen(DWORD flags) {

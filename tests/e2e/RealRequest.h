@@ -14,6 +14,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/support/FakeBrowserContext.h"
+#include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/Utf8.h"
@@ -50,6 +51,13 @@ protected:
     HRESULT AskShow(FILEOPENDIALOGOPTIONS options = FOS_ALLOWMULTISELECT | FOS_FORCEFILESYSTEM);
     HRESULT GetResult(std::wstring& path);
     HRESULT GetResults(std::vector<std::wstring>& paths);
+
+    // Confirms several files on a page that takes one: the box is answered, the picker stays open,
+    // and the UI driver cancels it.
+    Use PickTooMany(std::vector<std::wstring> paths, const MessageBoxWatcher& boxes) const;
+
+    // Expects a cancel on both paths, and no dialog, neither the product's nor the browser's.
+    void ExpectCancels();
 
     std::wstring Text(UINT id) const;
 

@@ -42,11 +42,11 @@ HWND FindReceipt() {
 
 bool AnswerReceipt(int button) {
     HWND receipt = nullptr;
-    if (!OpenPicker::WaitFor([&] { return (receipt = FindReceipt()) != nullptr; }, kReceiptLimit)) {
+    if (!WaitUntil([&] { return (receipt = FindReceipt()) != nullptr; }, kReceiptLimit)) {
         return false;
     }
     PostMessageW(GetDlgItem(receipt, button), BM_CLICK, 0, 0);
-    return OpenPicker::WaitFor([&] { return !IsWindow(receipt); }, kReceiptLimit);
+    return WaitUntil([&] { return !IsWindow(receipt); }, kReceiptLimit);
 }
 
 // What the UI driver does when a transform is wanted.
@@ -54,9 +54,9 @@ class TickedRequest : public RealRequest {
 protected:
     Use PickTicked(UINT boxText, Choice choice, Texts paths) const {
         return [box = Text(boxText), pick = Pick(choice, std::move(paths))](OpenPicker& picker) {
-            ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsEnabled(box); }));
+            ASSERT_TRUE(WaitUntil([&] { return picker.IsEnabled(box); }));
             ASSERT_TRUE(picker.Click(box));
-            ASSERT_TRUE(OpenPicker::WaitFor([&] { return picker.IsChecked(box); }));
+            ASSERT_TRUE(WaitUntil([&] { return picker.IsChecked(box); }));
             pick(picker);
         };
     }

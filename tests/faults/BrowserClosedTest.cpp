@@ -35,7 +35,7 @@ protected:
     Use CloseBrowserAnd(Use use) const {
         return [root = window_.Root(), use](OpenPicker& picker) {
             PostMessageW(root, WM_CLOSE, 0, 0);
-            EXPECT_TRUE(OpenPicker::WaitFor([root] { return !IsWindow(root); }));
+            EXPECT_TRUE(WaitUntil([root] { return !IsWindow(root); }));
             EXPECT_TRUE(picker.IsOpen());
             use(picker);
         };

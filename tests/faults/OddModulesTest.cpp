@@ -81,15 +81,6 @@ protected:
         EXPECT_EQ(answer.given, Texts{file_});
     }
 
-    // Expects a cancel on both paths, and no dialog, neither the product's nor the browser's.
-    void ExpectCancels() {
-        const OpenAnswer answer = AskOpen();
-        EXPECT_EQ(answer.result, FALSE);
-        EXPECT_EQ(answer.given, Texts{});
-        EXPECT_EQ(AskShow(), kCancelled);
-        EXPECT_EQ(browser_.OwnDialogCount(), 0u);
-    }
-
     std::wstring file_;
     Texts planted_; // the loads of the planted modules that a test expects
     MessageBoxWatcher boxes_{MessageBoxWatcher::Scope::AllProcesses};

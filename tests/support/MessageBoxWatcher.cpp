@@ -1,25 +1,12 @@
 #include "tests/support/MessageBoxWatcher.h"
 
-#include <cwchar>
+#include "tests/support/WindowKit.h"
 
 namespace obtest {
 namespace {
 
 constexpr DWORD kLookEvery = 10; // milliseconds
 constexpr int kMessageTextId = 0xFFFF;
-
-std::wstring TextOf(HWND window) {
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    const int length = GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
-    text.resize(static_cast<std::size_t>(length));
-    return text;
-}
-
-std::wstring ClassOf(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
-}
 
 // What a message box is made of, read from its children.
 struct Parts {
@@ -29,8 +16,7 @@ struct Parts {
     bool other = false;
 };
 
-BOOL CALLBACK SortChild(HWND child, LPARAM parts) {
-    auto& found = *reinterpret_cast<Parts*>(parts);
+void SortChild(HWND child, Parts& found) {
     const std::wstring name = ClassOf(child);
     if (name == L"Static") {
         const bool isIcon = (GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
@@ -51,7 +37,12 @@ BOOL CALLBACK SortChild(HWND child, LPARAM parts) {
     } else {
         found.other = true;
     }
-    return TRUE;
+}
+
+Parts PartsOf(HWND box) {
+    Parts parts;
+    for (const HWND child : Descendants(box)) SortChild(child, parts);
+    return parts;
 }
 
 } // namespace
@@ -74,33 +65,22 @@ std::vector<SeenBox> MessageBoxWatcher::Seen() const {
 }
 
 bool MessageBoxWatcher::WaitFor(std::size_t count, DWORD limit) const {
-    for (DWORD waited = 0; waited <= limit; waited += kLookEvery) {
-        if (Seen().size() >= count) return true;
-        Sleep(kLookEvery);
-    }
-    return false;
+    return WaitUntil([&] { return Seen().size() >= count; }, limit);
 }
 
 void MessageBoxWatcher::Watch() {
+    const DWORD process = scope_ == Scope::AllProcesses ? 0 : GetCurrentProcessId();
     while (!stop_) {
-        EnumWindows(OnWindow, reinterpret_cast<LPARAM>(this));
+        for (const HWND window : TopWindows(process)) {
+            if (IsDialog(window)) Answer(window);
+        }
         Sleep(kLookEvery);
     }
-}
-
-BOOL CALLBACK MessageBoxWatcher::OnWindow(HWND window, LPARAM self) {
-    auto& watcher = *reinterpret_cast<MessageBoxWatcher*>(self);
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    const bool ours = watcher.scope_ == Scope::AllProcesses || process == GetCurrentProcessId();
-    if (ours && IsWindowVisible(window) && ClassOf(window) == L"#32770") watcher.Answer(window);
-    return TRUE;
 }
 
 void MessageBoxWatcher::Answer(HWND box) {
     if (box == last_ && IsWindow(last_)) return; // pressed already, on its way out
-    Parts parts;
-    EnumChildWindows(box, SortChild, reinterpret_cast<LPARAM>(&parts));
+    const Parts parts = PartsOf(box);
     if (!parts.text || !parts.button || parts.other) return;
     GUITHREADINFO thread{sizeof thread};
     GetGUIThreadInfo(GetWindowThreadProcessId(box, nullptr), &thread);
@@ -111,7 +91,7 @@ void MessageBoxWatcher::Answer(HWND box) {
         seen_.push_back(std::move(seen));
     }
     last_ = box;
-    PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button_.load()), 0);
+    PressCommand(box, button_);
 }
 
 } // namespace obtest

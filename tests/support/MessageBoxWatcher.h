@@ -41,7 +41,6 @@ public:
 private:
     void Watch();
     void Answer(HWND box);
-    static BOOL CALLBACK OnWindow(HWND window, LPARAM self);
 
     Scope scope_;
     std::atomic<int> button_ = IDOK;

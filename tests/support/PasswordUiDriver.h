@@ -1,9 +1,11 @@
-// The UI driver of the password prompt: finds it and types into it.
+// The UI driver of the password prompt of any process: finds it by its fields and types into it.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
+
+#include "tests/support/WindowKit.h"
 
 namespace obtest {
 
@@ -11,11 +13,9 @@ namespace obtest {
 // that doesn't show it.
 class OpenPasswordPrompt {
 public:
-    static constexpr DWORD kLimit = 20000; // milliseconds
-
     // Waits for a visible prompt of the process, or of any process for 0. Window() is null when
     // none came.
-    static OpenPasswordPrompt Await(DWORD processId = 0, DWORD limit = kLimit);
+    static OpenPasswordPrompt Await(DWORD processId = 0, DWORD limit = kUiLimit);
 
     // The one that is open now; its Window() may be null.
     static OpenPasswordPrompt Find(DWORD processId = 0);
@@ -28,10 +28,12 @@ public:
     bool Type(const std::wstring& password, const std::wstring& repetition) const;
 
     // Waits until OK takes a press, then presses it. False after the limit.
-    bool PressOk(DWORD limit = kLimit) const;
-    void PressCancel() const;
+    bool PressOk(DWORD limit = kUiLimit) const;
+    void PressCancel() const { PressCommand(window_, IDCANCEL); }
 
-    bool WaitUntilClosed(DWORD limit = kLimit) const;
+    bool WaitUntilClosed(DWORD limit = kUiLimit) const {
+        return obtest::WaitUntilClosed(window_, limit);
+    }
 
 private:
     HWND window_;

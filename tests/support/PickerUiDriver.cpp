@@ -10,43 +10,10 @@ namespace obtest {
 namespace {
 
 constexpr int kFileNameEdit = 1152; // the dialog's file name field
-constexpr DWORD kStep = 10;         // milliseconds between two looks
-
-std::wstring ClassOf(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
-}
-
-// By message, which reaches the controls of other processes too.
-std::wstring TextOf(HWND window) {
-    wchar_t text[512] = {};
-    DWORD_PTR length = 0;
-    SendMessageTimeoutW(window, WM_GETTEXT, 512, reinterpret_cast<LPARAM>(text), SMTO_NORMAL, 2000,
-                        &length);
-    return text;
-}
 
 std::wstring WithoutMarks(std::wstring text) {
     std::erase(text, L'&');
     return text;
-}
-
-HWND FindDescendant(HWND parent, const std::function<bool(HWND)>& fits) {
-    struct Search {
-        const std::function<bool(HWND)>& fits;
-        HWND found;
-    } search{fits, nullptr};
-    EnumChildWindows(
-        parent,
-        [](HWND child, LPARAM parameter) -> BOOL {
-            auto& state = *reinterpret_cast<Search*>(parameter);
-            if (!state.fits(child)) return TRUE;
-            state.found = child;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
 }
 
 HWND NameField(HWND dialog) {
@@ -55,28 +22,7 @@ HWND NameField(HWND dialog) {
     });
 }
 
-bool IsPicker(HWND window, DWORD processId) {
-    if (!IsWindowVisible(window) || ClassOf(window) != L"#32770") return false;
-    DWORD owner = 0;
-    GetWindowThreadProcessId(window, &owner);
-    return (processId == 0 || owner == processId) && NameField(window);
-}
-
-HWND FindPicker(DWORD processId) {
-    struct Search {
-        DWORD processId;
-        HWND found;
-    } search{processId, nullptr};
-    EnumWindows(
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto& state = *reinterpret_cast<Search*>(parameter);
-            if (!IsPicker(window, state.processId)) return TRUE;
-            state.found = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
+bool IsPicker(HWND window) { return IsDialog(window) && NameField(window); }
 
 // A radio button or check box; push buttons, which the dialog has of its own, are none.
 bool IsChoice(HWND window) {
@@ -114,22 +60,9 @@ HWND FileList(HWND dialog) {
 
 } // namespace
 
-bool OpenPicker::WaitFor(const std::function<bool()>& condition, DWORD limit) {
-    const ULONGLONG end = GetTickCount64() + limit;
-    while (!condition()) {
-        if (GetTickCount64() > end) return false;
-        Sleep(kStep);
-    }
-    return true;
-}
-
 OpenPicker OpenPicker::Await(DWORD processId, DWORD limit) {
-    HWND window = nullptr;
-    WaitFor([&] { return (window = FindPicker(processId)) != nullptr; }, limit);
-    return OpenPicker(window);
+    return OpenPicker(WaitForTopWindow(&IsPicker, processId, limit));
 }
-
-bool OpenPicker::IsOpen() const { return window_ && IsWindow(window_) && IsWindowVisible(window_); }
 
 std::vector<std::wstring> OpenPicker::ChoiceTexts() const {
     struct Placed {
@@ -137,13 +70,12 @@ std::vector<std::wstring> OpenPicker::ChoiceTexts() const {
         std::wstring text;
     };
     std::vector<Placed> placed;
-    FindDescendant(window_, [&](HWND child) {
-        if (!IsChoice(child) || !IsWindowVisible(child)) return false;
+    for (const HWND child : Descendants(window_)) {
+        if (!IsChoice(child) || !IsWindowVisible(child)) continue;
         Placed entry{{}, WithoutMarks(TextOf(child))};
         GetWindowRect(child, &entry.place);
         placed.push_back(entry);
-        return false;
-    });
+    }
     std::ranges::stable_sort(placed, [](const Placed& one, const Placed& other) {
         return std::pair(one.place.top, one.place.left) <
                std::pair(other.place.top, other.place.left);
@@ -174,16 +106,15 @@ bool OpenPicker::IsEnabled(const std::wstring& text) const {
     return true;
 }
 
-// Posted: a message box that the click shows would block a sender.
 bool OpenPicker::Click(const std::wstring& text) const {
-    return IsEnabled(text) && PostMessageW(Button(text), BM_CLICK, 0, 0);
+    return IsEnabled(text) && obtest::Click(Button(text));
 }
 
 bool OpenPicker::TypeNames(const std::wstring& names) const {
     const HWND field = NameField(window_);
     if (!field) return false;
-    SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(names.c_str()));
-    return TextOf(field) == names.substr(0, 511);
+    SetText(field, names);
+    return TextOf(field) == names;
 }
 
 std::wstring OpenPicker::QuotedNames(const std::vector<std::wstring>& names) {
@@ -208,30 +139,12 @@ int OpenPicker::RowCount() const {
     return answered ? static_cast<int>(count) : -1;
 }
 
-void OpenPicker::PressOk() const { PostMessageW(window_, WM_COMMAND, IDOK, 0); }
-
-void OpenPicker::PressCancel() const { PostMessageW(window_, WM_COMMAND, IDCANCEL, 0); }
-
-bool OpenPicker::WaitUntilClosed(DWORD limit) const {
-    return WaitFor([this] { return !IsOpen(); }, limit);
-}
-
 PickerUiDriver::PickerUiDriver(std::function<void(OpenPicker&)> use, DWORD processId)
-    : use_(std::move(use)), processId_(processId), thread_([this] { Run(); }) {}
-
-PickerUiDriver::~PickerUiDriver() { Done(); }
-
-bool PickerUiDriver::Done() {
-    if (thread_.joinable()) thread_.join();
-    return good_;
-}
-
-void PickerUiDriver::Run() {
-    OpenPicker picker = OpenPicker::Await(processId_);
-    if (!picker.Window()) return;
-    use_(picker);
-    good_ = picker.WaitUntilClosed(5000);
-    if (!good_) picker.PressCancel();
-}
+    : WindowDriver([processId] { return FindTopWindow(&IsPicker, processId); },
+                   [use = std::move(use)](HWND window) {
+                       OpenPicker picker(window);
+                       use(picker);
+                   },
+                   kGrace) {}
 
 } // namespace obtest

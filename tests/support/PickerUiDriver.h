@@ -5,8 +5,9 @@
 
 #include <functional>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "tests/support/WindowKit.h"
 
 namespace obtest {
 
@@ -14,16 +15,14 @@ namespace obtest {
 // Every wait is for a condition and has a limit in milliseconds.
 class OpenPicker {
 public:
-    static constexpr DWORD kLimit = 20000;
-
     // Waits for a visible file dialog of the process, or of any process for 0. Window() is null
     // when none came.
-    static OpenPicker Await(DWORD processId = 0, DWORD limit = kLimit);
+    static OpenPicker Await(DWORD processId = 0, DWORD limit = kUiLimit);
 
     explicit OpenPicker(HWND window) : window_(window) {}
 
     HWND Window() const { return window_; }
-    bool IsOpen() const;
+    bool IsOpen() const { return obtest::IsOpen(window_); }
 
     // The texts of the visible radio buttons and check boxes, without marks for
     // keys, from top to bottom and from left to right.
@@ -47,13 +46,12 @@ public:
     // Rows of the file list as it is now; -1 while there is none.
     int RowCount() const;
 
-    void PressOk() const;
-    void PressCancel() const;
+    void PressOk() const { PressCommand(window_, IDOK); }
+    void PressCancel() const { PressCommand(window_, IDCANCEL); }
 
-    bool WaitUntilClosed(DWORD limit = kLimit) const;
-
-    // Waits until `condition` is true; false when the limit is over.
-    static bool WaitFor(const std::function<bool()>& condition, DWORD limit = kLimit);
+    bool WaitUntilClosed(DWORD limit = kUiLimit) const {
+        return obtest::WaitUntilClosed(window_, limit);
+    }
 
 private:
     HWND window_;
@@ -61,23 +59,12 @@ private:
 
 // Runs `use` on a thread of its own while the test's thread shows the dialog. If `use` leaves the
 // dialog open, the driver cancels it, so that no test waits for ever.
-class PickerUiDriver {
+class PickerUiDriver : public WindowDriver {
 public:
     explicit PickerUiDriver(std::function<void(OpenPicker&)> use, DWORD processId = 0);
-    ~PickerUiDriver();
-    PickerUiDriver(const PickerUiDriver&) = delete;
-    PickerUiDriver& operator=(const PickerUiDriver&) = delete;
-
-    // Waits for the end of `use`; false when no dialog came or the driver had to cancel it.
-    bool Done();
 
 private:
-    void Run();
-
-    std::function<void(OpenPicker&)> use_;
-    DWORD processId_;
-    bool good_ = false;
-    std::thread thread_;
+    static constexpr DWORD kGrace = 5000; // milliseconds
 };
 
 } // namespace obtest

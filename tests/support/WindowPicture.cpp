@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "tests/support/WindowKit.h"
 
 namespace obtest {
 namespace {
@@ -142,22 +143,11 @@ bool WritePng(const Picture& picture, const std::wstring& path) {
 }
 
 HWND FindMainWindow(DWORD processId) {
-    struct Search {
-        DWORD processId;
-        HWND found;
-    } search{processId, nullptr};
-    EnumWindows(
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto& state = *reinterpret_cast<Search*>(parameter);
-            DWORD owner = 0;
-            GetWindowThreadProcessId(window, &owner);
-            const bool fits = owner == state.processId && IsWindowVisible(window) &&
-                              !GetWindow(window, GW_OWNER) && GetWindowTextLengthW(window) > 0;
-            if (fits) state.found = window;
-            return !fits;
+    return FindTopWindow(
+        [](HWND window) {
+            return !GetWindow(window, GW_OWNER) && GetWindowTextLengthW(window) > 0;
         },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
+        processId);
 }
 
 } // namespace obtest

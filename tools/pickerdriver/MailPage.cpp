@@ -30,7 +30,7 @@ std::optional<std::vector<std::wstring>> ReadNote(const std::wstring& path) {
 
 std::vector<std::wstring> AwaitNote(const std::wstring& path, HANDLE process, DWORD limit) {
     std::optional<std::vector<std::wstring>> lines;
-    const bool came = obtest::OpenPicker::WaitFor(
+    const bool came = obtest::WaitUntil(
         [&] {
             lines = ReadNote(path);
             return lines || WaitForSingleObject(process, 0) == WAIT_OBJECT_0;

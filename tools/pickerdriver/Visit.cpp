@@ -2,6 +2,7 @@
 
 #include <shlwapi.h>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 
@@ -9,6 +10,7 @@
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "tests/support/PasswordUiDriver.h"
 #include "tests/support/PickerUiDriver.h"
+#include "tests/support/WindowKit.h"
 #include "tests/support/WindowPicture.h"
 #include "tools/pickerdriver/Output.h"
 
@@ -18,43 +20,20 @@ namespace {
 constexpr int kMessageTextId = 0xFFFF; // of a message box
 constexpr DWORD kLookEvery = 20;       // milliseconds
 
-std::wstring ClassOf(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
+bool IsTextOrButton(HWND child) {
+    const std::wstring name = obtest::ClassOf(child);
+    return name == L"Static" || name == L"Button";
 }
 
-BOOL CALLBACK IsTextOrButton(HWND child, LPARAM allAre) {
-    const std::wstring name = ClassOf(child);
-    const bool is = name == L"Static" || name == L"Button";
-    *reinterpret_cast<bool*>(allAre) = is;
-    return is;
-}
-
-// The text of a message box, or nothing for any other window.
-std::optional<std::wstring> MessageBoxText(HWND window) {
-    const HWND text = GetDlgItem(window, kMessageTextId);
-    if (!text || !IsWindowVisible(window) || ClassOf(window) != L"#32770") return std::nullopt;
-    bool plain = false;
-    EnumChildWindows(window, &IsTextOrButton, reinterpret_cast<LPARAM>(&plain));
-    if (!plain) return std::nullopt;
-    wchar_t words[1024] = {};
-    DWORD_PTR length = 0;
-    SendMessageTimeoutW(text, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(words), SMTO_NORMAL, 2000,
-                        &length);
-    return words;
+bool IsMessageBox(HWND window) {
+    return obtest::IsDialog(window) && GetDlgItem(window, kMessageTextId) &&
+           std::ranges::all_of(obtest::Descendants(window), &IsTextOrButton);
 }
 
 std::optional<std::wstring> FindMessageBox() {
-    std::optional<std::wstring> found;
-    EnumWindows(
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto& text = *reinterpret_cast<std::optional<std::wstring>*>(parameter);
-            text = MessageBoxText(window);
-            return !text;
-        },
-        reinterpret_cast<LPARAM>(&found));
-    return found;
+    const HWND box = obtest::FindTopWindow(&IsMessageBox);
+    if (!box) return std::nullopt;
+    return obtest::ItemText(box, kMessageTextId);
 }
 
 // The UI driver expects no message box; to wait on would only hide the box's text.
@@ -124,7 +103,7 @@ HWND DialogWith(int control) {
     EnumWindows(
         [](HWND window, LPARAM parameter) -> BOOL {
             auto& wanted = *reinterpret_cast<Search*>(parameter);
-            const bool is = IsWindowVisible(window) && ClassOf(window) == L"#32770" &&
+            const bool is = IsWindowVisible(window) && obtest::ClassOf(window) == L"#32770" &&
                             GetDlgItem(window, wanted.control);
             if (is) wanted.found = window;
             return !is;

@@ -105,7 +105,7 @@ TEST_F(RealPicker, ShowsChoicesAndTransformsInTheirStates) {
     std::vector<bool> checked;
     const UINT ids[] = {101, 102, 103, 182, 184, 185, 181, 180, 188, 186, 187};
     const HRESULT result = RunDialog(FOS_FORCEFILESYSTEM, [&](OpenPicker& picker) {
-        OpenPicker::WaitFor([&] { return picker.ChoiceTexts().size() >= std::size(ids); });
+        WaitUntil([&] { return picker.ChoiceTexts().size() >= std::size(ids); });
         texts = picker.ChoiceTexts();
         for (const UINT id : ids) {
             enabled.push_back(picker.IsEnabled(Shown(id)));
@@ -207,11 +207,11 @@ TEST_F(RealPicker, UnticksATransformThatTheManagerRefuses) {
     bool acceptedTick = false;
     RunDialog(FOS_FORCEFILESYSTEM, [&](OpenPicker& picker) {
         picker.Click(Shown(182));
-        OpenPicker::WaitFor([] { return WasCalled(L"SelectProviders(manager, 2, 2, 4)"); });
-        OpenPicker::WaitFor([&] { return !picker.IsChecked(Shown(182)); }, 3000);
+        WaitUntil([] { return WasCalled(L"SelectProviders(manager, 2, 2, 4)"); });
+        WaitUntil([&] { return !picker.IsChecked(Shown(182)); }, 3000);
         refusedTick = picker.IsChecked(Shown(182));
         picker.Click(Shown(181));
-        OpenPicker::WaitFor([] { return WasCalled(L"SelectProviders(manager, 2, 5, 4)"); });
+        WaitUntil([] { return WasCalled(L"SelectProviders(manager, 2, 5, 4)"); });
         acceptedTick = picker.IsChecked(Shown(181));
         picker.PressCancel();
     });
@@ -233,11 +233,11 @@ TEST_F(RealPicker, DisablesTheTransformsWhileSeveralFilesAreSelectedWithoutZip) 
     RunDialog(FOS_FORCEFILESYSTEM, [&](OpenPicker& picker) {
         const auto becomes = [&](bool enabled) {
             reached.push_back(
-                OpenPicker::WaitFor([&] { return picker.IsEnabled(Shown(182)) == enabled; }, 5000));
+                WaitUntil([&] { return picker.IsEnabled(Shown(182)) == enabled; }, 5000));
         };
         picker.Click(Shown(103));
         becomes(true);
-        reached.push_back(OpenPicker::WaitFor([&] { return picker.SelectInList({0, 1}); }));
+        reached.push_back(WaitUntil([&] { return picker.SelectInList({0, 1}); }));
         becomes(false);
         picker.SelectInList({2});
         becomes(true);

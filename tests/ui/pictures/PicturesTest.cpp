@@ -56,7 +56,7 @@ void OpenFolder(const OpenPicker& picker, const std::wstring& folder, int files)
     ASSERT_NE(picker.RowCount(), files) << "the folder before has as many files";
     EXPECT_TRUE(picker.TypeNames(folder));
     picker.PressOk();
-    EXPECT_TRUE(OpenPicker::WaitFor([&] { return picker.RowCount() == files; }));
+    EXPECT_TRUE(WaitUntil([&] { return picker.RowCount() == files; }));
 }
 
 TEST_F(Pictures, ThePickerShowsItsChoices) {
@@ -104,7 +104,7 @@ TEST_F(Pictures, TheMailPageShowsTheFilesThatItGot) {
     const ObLib::UniqueKernelHandle process(started.hProcess);
     PickerUiDriver driver(Pick(Choice::Zip, {one, two}));
     EXPECT_TRUE(driver.Done());
-    EXPECT_TRUE(OpenPicker::WaitFor([&] { return FileExists(result); }, kPageLimit));
+    EXPECT_TRUE(WaitUntil([&] { return FileExists(result); }, kPageLimit));
     const HWND window = FindMainWindow(started.dwProcessId);
     EXPECT_TRUE(window);
     Look(window, L"mailpage", 600, 400);

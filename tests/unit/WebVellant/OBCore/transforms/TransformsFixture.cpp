@@ -166,15 +166,6 @@ HWND FindTransformDialog() {
     return found;
 }
 
-bool WaitUntil(const std::function<bool()>& condition) {
-    const ULONGLONG end = GetTickCount64() + kLimit;
-    while (!condition()) {
-        if (GetTickCount64() >= end) return false;
-        Sleep(2);
-    }
-    return true;
-}
-
 TransformUiDriver::TransformUiDriver(std::function<void(HWND)> act)
     : thread_([this, act = std::move(act)] {
           HWND dialog = nullptr;

@@ -11,15 +11,13 @@
 #include "OBCore/modules/DialogIds.h"
 #include "OBCore/transforms/DoTransformsProgress.h"
 #include "OBCore/transforms/Transforms.h"
+#include "tests/support/WindowKit.h"
 #include "tests/unit/WebVellant/OBCore/compression/RunFixture.h"
 
 namespace obtest {
 
 // The visible progress dialog of this process, or null.
 HWND FindTransformDialog();
-
-// Waits until the condition is true; false after ten seconds.
-bool WaitUntil(const std::function<bool()>& condition);
 
 // A second thread that waits for the dialog and operates it; joined at the end. If `act` leaves the
 // dialog open, the run has to end it.

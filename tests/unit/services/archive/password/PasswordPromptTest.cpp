@@ -528,9 +528,7 @@ TEST_F(CopiedPasswordTest, IsClearedAfterAMinuteWhileThePromptIsOpen) {
     const auto act = [&](const PromptOnScreen& prompt) {
         Copy(prompt);
         EXPECT_EQ(lifetime, 60'000U);
-        const ULONGLONG end = GetTickCount64() + 10000;
-        while (ClipboardText() != L"(none)" && GetTickCount64() < end) Sleep(10);
-        EXPECT_EQ(ClipboardText(), L"(none)");
+        EXPECT_TRUE(obtest::WaitUntil([] { return ClipboardText() == L"(none)"; }));
         EXPECT_EQ(prompt.Text(kFirst), phrase_);
     };
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
@@ -607,9 +605,7 @@ SHORT WINAPI FakeKeyState(int key) {
 }
 
 bool WaitForHint(const PromptOnScreen& prompt, const std::wstring& expected) {
-    const ULONGLONG end = GetTickCount64() + 10000;
-    while (prompt.Text(OB_PASSWORD_HINT) != expected && GetTickCount64() < end) Sleep(20);
-    return prompt.Text(OB_PASSWORD_HINT) == expected;
+    return obtest::WaitUntil([&] { return prompt.Text(OB_PASSWORD_HINT) == expected; });
 }
 
 TEST_F(PasswordPromptTest, AHintShowsThatCapsLockIsOn) {

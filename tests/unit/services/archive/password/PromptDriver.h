@@ -5,7 +5,8 @@
 
 #include <functional>
 #include <string>
-#include <thread>
+
+#include "tests/support/WindowKit.h"
 
 namespace obtest {
 
@@ -17,7 +18,7 @@ public:
     HWND Window() const { return dialog_; }
     HWND Item(int id) const { return GetDlgItem(dialog_, id); }
     void Type(int field, const std::wstring& text) const;
-    std::wstring Text(int id) const;
+    std::wstring Text(int id) const { return ItemText(dialog_, id); }
     bool OkIsEnabled() const { return IsWindowEnabled(Item(IDOK)) != FALSE; }
     void Press(int id) const { SendMessageW(dialog_, WM_COMMAND, id, 0); }
 
@@ -27,19 +28,9 @@ private:
 
 // Runs `act` on a second thread once this process shows a prompt; joined at the end. If `act`
 // leaves the prompt open, the driver cancels it, so that no test hangs.
-class PromptDriver {
+class PromptDriver : public WindowDriver {
 public:
     explicit PromptDriver(std::function<void(const PromptOnScreen&)> act);
-    ~PromptDriver();
-    PromptDriver(const PromptDriver&) = delete;
-    PromptDriver& operator=(const PromptDriver&) = delete;
-
-    bool SawPrompt() const { return saw_; }
-
-private:
-    std::function<void(const PromptOnScreen&)> act_;
-    bool saw_ = false; // read after the prompt has ended
-    std::thread thread_;
 };
 
 } // namespace obtest

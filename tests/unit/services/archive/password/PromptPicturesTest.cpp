@@ -118,27 +118,10 @@ TEST_F(PromptPictures, WithTheMessageThatThePasswordIsTooLong) {
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
 }
 
-struct OwnedWindow {
-    HWND owner;
-    HWND found;
-};
-
-BOOL CALLBACK TakeOwned(HWND window, LPARAM parameter) {
-    auto& search = *reinterpret_cast<OwnedWindow*>(parameter);
-    if (GetWindow(window, GW_OWNER) != search.owner || !IsWindowVisible(window)) return TRUE;
-    search.found = window;
-    return FALSE;
-}
-
 // Waits for the message box of the prompt; null when none came.
 HWND WaitForBox(HWND prompt) {
-    const ULONGLONG end = GetTickCount64() + 10000;
-    OwnedWindow search{prompt, nullptr};
-    while (!search.found && GetTickCount64() < end) {
-        EnumWindows(&TakeOwned, reinterpret_cast<LPARAM>(&search));
-        if (!search.found) Sleep(10);
-    }
-    return search.found;
+    return obtest::WaitForTopWindow(
+        [prompt](HWND window) { return GetWindow(window, GW_OWNER) == prompt; });
 }
 
 TEST_F(PromptPictures, OfTheQuestionAboutAVeryWeakPassword) {

@@ -11,8 +11,8 @@
 #include "services/archive/ui/ProgressWindowIds.h"
 #include "services/archive/ui/TimeLeft.h"
 #include "services/archive/zip/ZipForUser.h"
+#include "tests/support/ProgressUiDriver.h"
 #include "tests/support/WindowPicture.h"
-#include "tests/unit/services/archive/ui/ProgressUiDriver.h"
 
 namespace {
 
@@ -57,7 +57,7 @@ TEST_F(ProgressPicture, ShowsALongPathAndTheTimeLeft) {
         EXPECT_TRUE(obtest::WaitUntil([&] {
             window = obtest::FindProgressWindow();
             return progress({file, runTime * kSpeed, 30'000 * kSpeed}) && runTime == kStandstill &&
-                   obtest::ProgressText(window, OB_PROGRESS_TIME_LEFT) == L"About 20 seconds left";
+                   obtest::ItemText(window, OB_PROGRESS_TIME_LEFT) == L"About 20 seconds left";
         }));
         Look(window, L"progress");
         return ZipResult::Ok;
@@ -73,7 +73,7 @@ TEST_F(ProgressPicture, EveryTextFits) {
         const HWND control = GetDlgItem(window, id);
         RECT place;
         GetClientRect(control, &place);
-        const std::wstring text = obtest::ProgressText(window, id);
+        const std::wstring text = obtest::ItemText(window, id);
         const HDC context = GetDC(control);
         SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
         SIZE size{};

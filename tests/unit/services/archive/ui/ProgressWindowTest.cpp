@@ -4,14 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "services/archive/ui/ProgressWindowIds.h"
-#include "tests/unit/services/archive/ui/ProgressUiDriver.h"
+#include "tests/support/ProgressUiDriver.h"
 
 namespace {
 
 using obarchive::ProgressView;
 using obarchive::ProgressWindow;
 using obtest::FindProgressWindow;
-using obtest::ProgressText;
+using obtest::ItemText;
 
 ObLib::UniqueWindow MakeOwner() {
     return ObLib::UniqueWindow(CreateWindowW(L"Static", L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
@@ -57,12 +57,12 @@ TEST(ProgressWindowTest, ShowsFileBarAndTime) {
     ProgressWindow window(nullptr);
     const HWND shown = FindProgressWindow();
     window.Show({L"\\\\?\\C:\\folder\\notes.txt", 250, 1000, L"About 10 seconds left"});
-    EXPECT_EQ(ProgressText(shown, OB_PROGRESS_FILE), L"C:\\folder\\notes.txt");
-    EXPECT_EQ(ProgressText(shown, OB_PROGRESS_TIME_LEFT), L"About 10 seconds left");
+    EXPECT_EQ(ItemText(shown, OB_PROGRESS_FILE), L"C:\\folder\\notes.txt");
+    EXPECT_EQ(ItemText(shown, OB_PROGRESS_TIME_LEFT), L"About 10 seconds left");
     EXPECT_EQ(BarAt(shown), 250);
     window.Show({L"\\\\?\\UNC\\server\\share\\a & b.txt", 1001, 1000, L""});
-    EXPECT_EQ(ProgressText(shown, OB_PROGRESS_FILE), L"\\\\server\\share\\a & b.txt");
-    EXPECT_EQ(ProgressText(shown, OB_PROGRESS_TIME_LEFT), L"");
+    EXPECT_EQ(ItemText(shown, OB_PROGRESS_FILE), L"\\\\server\\share\\a & b.txt");
+    EXPECT_EQ(ItemText(shown, OB_PROGRESS_TIME_LEFT), L"");
     EXPECT_EQ(BarAt(shown), 1000);
 }
 

@@ -10,8 +10,8 @@
 #include "services/archive/ui/ProgressWindowIds.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/ProgressUiDriver.h"
 #include "tests/support/TestFolder.h"
-#include "tests/unit/services/archive/ui/ProgressUiDriver.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ using obarchive::ZipForUser;
 using obarchive::ZipJob;
 using obarchive::ZipResult;
 using obtest::FindProgressWindow;
-using obtest::ProgressText;
+using obtest::ItemText;
 using obtest::ProgressUiDriver;
 using obtest::TestFolder;
 using obtest::WaitUntil;
@@ -169,10 +169,10 @@ TEST_F(RunWithProgressTest, ShowsWhatTheRunReportsAndThatItEnds) {
                   EXPECT_TRUE(
                       WaitUntil([&] { return (window = FindProgressWindow()) != nullptr; }));
                   const auto shows = [&](int id, const std::wstring& text) {
-                      return WaitUntil([&] { return ProgressText(window, id) == text; });
+                      return WaitUntil([&] { return ItemText(window, id) == text; });
                   };
                   EXPECT_TRUE(shows(OB_PROGRESS_FILE, first));
-                  EXPECT_EQ(ProgressText(window, OB_PROGRESS_TIME_LEFT), L"");
+                  EXPECT_EQ(ItemText(window, OB_PROGRESS_TIME_LEFT), L"");
                   EXPECT_TRUE(progress({first, 1000, 4000}));
                   clockTime = 11'000;
                   EXPECT_TRUE(shows(OB_PROGRESS_TIME_LEFT, L"About 30 seconds left"));
@@ -218,26 +218,26 @@ TEST_F(RunWithProgressTest, TheWindowLivesWhileAReadBlocksAndACancelBreaksThatOf
     const obtest::ImportPatch<decltype(&CancelSynchronousIo)> patch(
         "kernel32.dll", "CancelSynchronousIo", &NoteBrokenRead);
     ASSERT_TRUE(patch.Ok());
-    EXPECT_EQ(
-        Run([](const ProgressCallback&) {
-            clockTime = 2000;
-            HWND window = nullptr;
-            EXPECT_TRUE(WaitUntil([&] { return (window = FindProgressWindow()) != nullptr; }));
-            // The thread of the work is in here, and the window answers it.
-            SendMessageW(window, WM_COMMAND, IDCANCEL, 0);
-            EXPECT_TRUE(WaitUntil(
-                [&] { return ProgressText(window, OB_PROGRESS_TIME_LEFT) == L"Cancelling"; }));
-            clockTime = 2999;
-            EXPECT_TRUE(LooksAgain(3));
-            EXPECT_EQ(brokenReads, 0);
-            clockTime = 3001;
-            EXPECT_TRUE(WaitUntil([] { return brokenReads == 1; }));
-            clockTime = 9000;
-            EXPECT_TRUE(LooksAgain(3));
-            EXPECT_EQ(brokenReads, 1);
-            return ZipResult::SourceUnreadable;
-        }),
-        ZipResult::Cancelled);
+    EXPECT_EQ(Run([](const ProgressCallback&) {
+                  clockTime = 2000;
+                  HWND window = nullptr;
+                  EXPECT_TRUE(
+                      WaitUntil([&] { return (window = FindProgressWindow()) != nullptr; }));
+                  // The thread of the work is in here, and the window answers it.
+                  SendMessageW(window, WM_COMMAND, IDCANCEL, 0);
+                  EXPECT_TRUE(WaitUntil(
+                      [&] { return ItemText(window, OB_PROGRESS_TIME_LEFT) == L"Cancelling"; }));
+                  clockTime = 2999;
+                  EXPECT_TRUE(LooksAgain(3));
+                  EXPECT_EQ(brokenReads, 0);
+                  clockTime = 3001;
+                  EXPECT_TRUE(WaitUntil([] { return brokenReads == 1; }));
+                  clockTime = 9000;
+                  EXPECT_TRUE(LooksAgain(3));
+                  EXPECT_EQ(brokenReads, 1);
+                  return ZipResult::SourceUnreadable;
+              }),
+              ZipResult::Cancelled);
 }
 
 TEST_F(RunWithProgressTest, ARunThatHasHeardTheCancelIsLeftToCleanUp) {

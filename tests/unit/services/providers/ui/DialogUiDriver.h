@@ -8,14 +8,9 @@
 #include <string>
 #include <thread>
 
-namespace obtest {
+#include "tests/support/WindowKit.h"
 
-inline std::wstring TextOf(HWND window) {
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(
-        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
-    return text;
-}
+namespace obtest {
 
 // Waits for a visible dialog that has a control with the id, and calls `use` with it once. A dialog
 // that stays open after that is cancelled, so that no test waits for ever.
