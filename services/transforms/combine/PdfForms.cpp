@@ -1,0 +1,238 @@
+#include "services/transforms/combine/PdfForms.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace transforms::combine {
+namespace {
+
+using Object = QPDFObjectHandle;
+
+// The field without a parent to which a widget belongs. Throws PdfRefusal for a chain of parents
+// that loops or is too long.
+Object RootOf(Object field) {
+    for (std::size_t depth = 0; depth < kDeepestTree; ++depth) {
+        auto parent = field.getKey("/Parent");
+        if (!parent.isDictionary()) return field;
+        field = parent;
+    }
+    throw PdfRefusal{CleanOutcome::Damaged};
+}
+
+// The form's own list, and what it should list besides.
+std::vector<Object> RootsOf(Object form, const std::vector<PdfPage>& pages) {
+    std::vector<Object> roots = DictionariesOf(form.getKey("/Fields"));
+    std::set<QPDFObjGen> known;
+    for (const auto& root : roots) known.insert(root.getObjGen());
+    for (const PdfPage& page : pages) {
+        Object dictionary = page.page;
+        for (auto& widget : DictionariesOf(dictionary.getKey("/Annots"))) {
+            if (!widget.getKey("/Subtype").isNameAndEquals("/Widget")) continue;
+            auto root = RootOf(widget);
+            const bool isField = root.hasKey("/T") || root.hasKey("/FT");
+            if (isField && root.isIndirect() && known.insert(root.getObjGen()).second) {
+                roots.push_back(root);
+            }
+        }
+    }
+    return roots;
+}
+
+bool IsDelimiter(char c) {
+    return std::string_view(" \t\r\n\f/()<>[]{}%").find(c) != std::string_view::npos;
+}
+
+// An appearance with other names of fonts. The only names in one are those of resources.
+std::string WithFonts(const std::string& appearance,
+                      const std::map<std::string, std::string>& fonts) {
+    std::string changed;
+    for (std::size_t at = 0; at < appearance.size();) {
+        std::size_t end = at + 1;
+        while (end < appearance.size() && !IsDelimiter(appearance[end])) ++end;
+        const std::string token = appearance.substr(at, end - at);
+        const auto renamed = fonts.find(token);
+        changed += renamed == fonts.end() ? token : renamed->second;
+        at = end;
+    }
+    return changed;
+}
+
+void ChangeFonts(Object& field, const std::map<std::string, std::string>& fonts) {
+    auto appearance = field.getKey("/DA");
+    if (fonts.empty() || !appearance.isString()) return;
+    field.replaceKey("/DA", Object::newString(WithFonts(appearance.getStringValue(), fonts)));
+}
+
+// Whether two objects of one file have the same content. False for streams and what is nested more
+// deeply than a font that every reader has.
+bool AreAlike(Object one, Object other, int depth = 6) {
+    if (one.isSameObjectAs(other) && one.isIndirect()) return true;
+    if (depth == 0 || one.getTypeCode() != other.getTypeCode() || one.isStream()) return false;
+    if (one.isDictionary()) {
+        const auto keys = one.getKeys();
+        return keys == other.getKeys() && std::ranges::all_of(keys, [&](const std::string& key) {
+                   return AreAlike(one.getKey(key), other.getKey(key), depth - 1);
+               });
+    }
+    if (!one.isArray()) return one.unparseResolved() == other.unparseResolved();
+    const int count = one.getArrayNItems();
+    if (count != other.getArrayNItems()) return false;
+    for (int item = 0; item < count; ++item) {
+        if (!AreAlike(one.getArrayItem(item), other.getArrayItem(item), depth - 1)) return false;
+    }
+    return true;
+}
+
+// The dictionary under the key, which is made where there is none.
+Object Below(Object& dictionary, const std::string& key) {
+    if (!dictionary.getKey(key).isDictionary()) {
+        dictionary.replaceKey(key, Object::newDictionary());
+    }
+    return dictionary.getKey(key);
+}
+
+// A field's default, unless it has one of its own.
+void SetDefault(Object& field, const char* key, const Object& value) {
+    if (value.isInitialized() && !field.hasKey(key)) field.replaceKey(key, value);
+}
+
+} // namespace
+
+PdfFormPart PdfForms::Copy(PdfCopier& copier, QPDF& source, const std::vector<PdfPage>& pages) {
+    PdfFormPart part;
+    auto form = source.getRoot().getKey("/AcroForm");
+    if (!form.isDictionary()) return part;
+    for (const auto& root : RootsOf(form, pages)) part.roots.push_back(copier.Copy(root));
+    for (const auto& field : DictionariesOf(form.getKey("/CO"))) {
+        part.orders.push_back(copier.Copy(field));
+    }
+    if (form.getKey("/DA").isString()) part.appearance = copier.Copy(form.getKey("/DA"));
+    if (form.getKey("/Q").isInteger()) part.alignment = copier.Copy(form.getKey("/Q"));
+    part.resources = copier.Copy(form.getKey("/DR"));
+    auto needs = form.getKey("/NeedAppearances");
+    part.needsAppearances = needs.isBool() && needs.getBoolValue();
+    return part;
+}
+
+// Each once, however they refer to each other.
+std::vector<PdfForms::Field> PdfForms::FieldsOf(const std::vector<Object>& roots) {
+    struct Open {
+        Object field;
+        bool isNamed;
+        std::size_t depth;
+    };
+    std::vector<Field> fields;
+    std::vector<Open> open;
+    std::set<QPDFObjGen> seen;
+    for (const auto& root : roots) open.push_back({root, false, 0});
+    while (!open.empty()) {
+        auto [field, isNamed, depth] = std::move(open.back());
+        open.pop_back();
+        if (!field.isDictionary()) continue;
+        if (field.isIndirect() && !seen.insert(field.getObjGen()).second) continue;
+        if (depth > kDeepestTree) throw PdfRefusal{CleanOutcome::Damaged};
+        const bool hasName = field.getKey("/T").isString();
+        fields.push_back({field, hasName && !isNamed});
+        for (const auto& kid : DictionariesOf(field.getKey("/Kids"))) {
+            open.push_back({kid, isNamed || hasName, depth + 1});
+        }
+    }
+    return fields;
+}
+
+// Two fields of one name are one field with one value: those of one part stay that, and those of
+// different parts mustn't become it.
+void PdfForms::RenameFields(std::vector<Field>& fields) {
+    std::set<std::string> own;
+    const auto nameOf = [](Field& field) { return field.field.getKey("/T").getUTF8Value(); };
+    for (Field& field : fields) {
+        if (field.hasFirstName) own.insert(nameOf(field));
+    }
+    Renamed renamed;
+    for (const std::string& name : own) {
+        std::string unique = name;
+        const auto isTaken = [&] {
+            return names_.contains(unique) || (unique != name && own.contains(unique));
+        };
+        for (int number = 2; isTaken(); ++number) {
+            unique = name + " (" + std::to_string(number) + ")";
+        }
+        names_.insert(unique);
+        renamed[name] = unique;
+    }
+    for (Field& field : fields) {
+        if (!field.hasFirstName) continue;
+        const std::string& name = renamed[nameOf(field)];
+        if (name != nameOf(field)) field.field.replaceKey("/T", Object::newUnicodeString(name));
+    }
+}
+
+// A font whose name another one has gets another name.
+PdfForms::Renamed PdfForms::AddFonts(Object fonts) {
+    Renamed renamed;
+    auto all = Below(resources_, "/Font");
+    for (auto& [name, font] : fonts.getDictAsMap()) {
+        std::string unique = name;
+        for (int number = 2; all.hasKey(unique) && !AreAlike(all.getKey(unique), font); ++number) {
+            unique = name + "_" + std::to_string(number);
+        }
+        if (!all.hasKey(unique)) all.replaceKey(unique, font);
+        if (unique != name) renamed[name] = unique;
+    }
+    return renamed;
+}
+
+PdfForms::Renamed PdfForms::AddResources(Object resources) {
+    Renamed fonts;
+    if (!resources.isInitialized() || !resources.isDictionary()) return fonts;
+    for (auto& [kind, things] : resources.getDictAsMap()) {
+        if (!things.isDictionary()) continue;
+        if (kind == "/Font") {
+            fonts = AddFonts(things);
+            continue;
+        }
+        auto all = Below(resources_, kind);
+        for (auto& [name, thing] : things.getDictAsMap()) {
+            if (!all.hasKey(name)) all.replaceKey(name, thing);
+        }
+    }
+    return fonts;
+}
+
+// What the form says for all of its fields becomes their own.
+void PdfForms::AddDefaults(PdfFormPart& part, const Renamed& fonts) {
+    if (part.appearance.isInitialized()) {
+        part.appearance = Object::newString(WithFonts(part.appearance.getStringValue(), fonts));
+        if (!appearance_.isInitialized()) appearance_ = part.appearance;
+    }
+    for (auto& root : part.roots) {
+        if (!root.isDictionary()) continue;
+        SetDefault(root, "/DA", part.appearance);
+        SetDefault(root, "/Q", part.alignment);
+    }
+}
+
+void PdfForms::Add(PdfFormPart part) {
+    auto fields = FieldsOf(part.roots);
+    RenameFields(fields);
+    const Renamed fonts = AddResources(part.resources);
+    for (Field& field : fields) ChangeFonts(field.field, fonts);
+    AddDefaults(part, fonts);
+    std::ranges::move(part.roots, std::back_inserter(roots_));
+    std::ranges::move(part.orders, std::back_inserter(orders_));
+    needsAppearances_ |= part.needsAppearances;
+}
+
+// Nothing is taken over of a form that is described in XML besides.
+void PdfForms::Write(Object catalog) {
+    if (roots_.empty()) return;
+    auto form = Object::newDictionary();
+    form.replaceKey("/Fields", Object::newArray(roots_));
+    if (!resources_.getKeys().empty()) form.replaceKey("/DR", resources_);
+    if (appearance_.isInitialized()) form.replaceKey("/DA", appearance_);
+    if (!orders_.empty()) form.replaceKey("/CO", Object::newArray(orders_));
+    if (needsAppearances_) form.replaceKey("/NeedAppearances", Object::newBool(true));
+    catalog.replaceKey("/AcroForm", form);
+}
+
+} // namespace transforms::combine

@@ -1,0 +1,54 @@
+// The form fields of several PDFs in one form.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "services/transforms/combine/PdfCopier.h"
+
+namespace transforms::combine {
+
+// The form of one part, as objects of the target.
+struct PdfFormPart {
+    std::vector<QPDFObjectHandle> roots;  // fields without a parent
+    QPDFObjectHandle appearance;          // /DA of the form; not initialized where there is none
+    QPDFObjectHandle alignment;           // /Q
+    QPDFObjectHandle resources;           // /DR
+    std::vector<QPDFObjectHandle> orders; // /CO: the fields that are calculated, in order
+    bool needsAppearances = false;
+};
+
+class PdfForms {
+public:
+    // A field stays one, with all its widgets, whatever page they are on. A widget whose field the
+    // form doesn't list counts too. To be added after the copier has finished.
+    static PdfFormPart Copy(PdfCopier& copier, QPDF& source, const std::vector<PdfPage>& pages);
+
+    // Throws PdfRefusal when the fields are nested too deeply; nothing is added then.
+    void Add(PdfFormPart part);
+    void Write(QPDFObjectHandle catalog);
+
+private:
+    using Renamed = std::map<std::string, std::string>;
+    struct Field {
+        QPDFObjectHandle field;
+        bool hasFirstName; // the first of those that its full name consists of
+    };
+
+    static std::vector<Field> FieldsOf(const std::vector<QPDFObjectHandle>& roots);
+    void RenameFields(std::vector<Field>& fields);
+    Renamed AddResources(QPDFObjectHandle resources);
+    Renamed AddFonts(QPDFObjectHandle fonts);
+    void AddDefaults(PdfFormPart& part, const Renamed& fonts);
+
+    std::vector<QPDFObjectHandle> roots_;
+    std::vector<QPDFObjectHandle> orders_;
+    std::set<std::string> names_; // first names that are taken
+    QPDFObjectHandle resources_ = QPDFObjectHandle::newDictionary();
+    QPDFObjectHandle appearance_;
+    bool needsAppearances_ = false;
+};
+
+} // namespace transforms::combine

@@ -1,0 +1,298 @@
+// PDFs that become one: order, layers, attached files; parts that are refused, and huge ones.
+#include "services/transforms/combine/PdfCombine.h"
+
+#include <qpdf/QPDFNameTreeObjectHelper.hh>
+#include <qpdf/QPDFWriter.hh>
+
+#include "tests/unit/services/transforms/combine/CombinedFile.h"
+
+using namespace samples;
+
+namespace {
+
+const std::string kSigned = OnePage("", "/Perms <</DocMDP <</Type /Sig /Contents <00> "
+                                        "/ByteRange [0 1 2 3]>>>>")
+                                .File();
+
+std::string SignedField() {
+    PdfBuilder pdf = OnePage("/Annots [5 0 R]", "/AcroForm <</Fields [5 0 R] /SigFlags 3>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Sig /T (sig) /V 6 0 R>>");
+    pdf.Add("<</Type /Sig /Contents <00> /ByteRange [0 1 2 3]>>");
+    return pdf.File();
+}
+
+std::string Written(QPDF& pdf, bool packs = false) {
+    QPDFWriter writer(pdf);
+    writer.setOutputMemory();
+    if (packs) {
+        writer.setObjectStreamMode(qpdf_o_generate);
+    } else {
+        writer.setR6EncryptionParameters("", "owner", true, true, true, true, true, true,
+                                         qpdf_r3p_full, true);
+    }
+    writer.write();
+    const auto written = writer.getBufferSharedPointer();
+    return {reinterpret_cast<const char*>(written->getBuffer()), written->getSize()};
+}
+
+// A chain of as many objects, each of which names the next one after the text.
+std::vector<std::string> Chain(int first, int count, const std::string& before,
+                               const std::string& after) {
+    std::vector<std::string> chain;
+    for (int item = 0; item < count; ++item) {
+        chain.push_back(before + std::to_string(first + item + 1) + " 0 R" + after);
+    }
+    return chain;
+}
+
+TEST(PdfCombine, PutsThePagesInTheOrderOfTheParts) {
+    CombinedFile file({{"a", Pages(2, 0)}, {"b", Pages(1, 20)}, {"c", Pages(3, 40)}});
+    EXPECT_EQ(file.Sizes(), (std::vector<int>{100, 101, 120, 140, 141, 142}));
+}
+
+TEST(PdfCombine, GivesPagesWhatTheyInheritAndTheirContents) {
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
+    pdf.Add("<</Type /Pages /Kids [3 0 R] /Count 2 /MediaBox [0 0 321 50] /Rotate 90>>");
+    pdf.Add("<</Type /Pages /Parent 2 0 R /Kids [4 0 R 4 0 R] /Count 2 /Resources 5 0 R>>");
+    pdf.Add("<</Type /Page /Parent 3 0 R /Contents 6 0 R /StructParents 3 /B [6 0 R]>>");
+    pdf.Add("<</Font <<>>>>");
+    pdf.AddStream("", "BT (KEPT) Tj ET");
+    CombinedFile file({{"a", Pages(1, 0)}, {"b", pdf.File()}});
+    EXPECT_EQ(file.Sizes(), (std::vector<int>{100, 321, 321})); // the page is twice in the tree
+    for (const std::size_t at : {1u, 2u}) {
+        auto page = file.Page(at);
+        EXPECT_EQ(page.getKey("/Rotate").getIntValue(), 90);
+        EXPECT_TRUE(page.getKey("/Resources").hasKey("/Font"));
+        const auto data = page.getKey("/Contents").getStreamData(qpdf_dl_generalized);
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(data->getBuffer()), data->getSize()),
+                  "BT (KEPT) Tj ET");
+        EXPECT_FALSE(page.hasKey("/StructParents"));
+        EXPECT_FALSE(page.hasKey("/B"));
+    }
+}
+
+TEST(PdfCombine, KeepsLayersHidden) {
+    const auto layers = [](const std::string& shown) {
+        PdfBuilder pdf = OnePage("/Resources <</Properties <</L1 5 0 R /L2 6 0 R>>>>",
+                                 "/OCProperties <</OCGs [5 0 R 6 0 R] /D <<" + shown + ">>>>");
+        pdf.Add("<</Type /OCG /Name (shown)>>");
+        pdf.Add("<</Type /OCG /Name (hidden)>>");
+        return pdf.File();
+    };
+    CombinedFile file({{"a", layers("/OFF [6 0 R] /RBGroups [[5 0 R 6 0 R]]")},
+                       {"b", layers("/BaseState /OFF /ON [5 0 R]")}});
+    auto merged = file.Catalog().getKey("/OCProperties");
+    EXPECT_EQ(merged.getKey("/OCGs").getArrayNItems(), 4);
+    EXPECT_EQ(merged.getKey("/D").getKey("/RBGroups").getArrayNItems(), 1);
+    auto hidden = merged.getKey("/D").getKey("/OFF");
+    ASSERT_EQ(hidden.getArrayNItems(), 2);
+    for (int part = 0; part < 2; ++part) {
+        auto used = file.Page(static_cast<std::size_t>(part))
+                        .getKey("/Resources")
+                        .getKey("/Properties")
+                        .getKey("/L2");
+        EXPECT_TRUE(hidden.getArrayItem(part).isSameObjectAs(used));
+    }
+}
+
+TEST(PdfCombine, KeepsAttachedFilesUnderNamesOfTheirOwn) {
+    const auto attached = [](const std::string& content) {
+        PdfBuilder pdf = OnePage("", "/Names <</EmbeddedFiles <</Names [(data.xml) 5 0 R]>>>>");
+        pdf.Add("<</Type /Filespec /F (data.xml) /EF <</F 6 0 R>>>>");
+        pdf.AddStream("/Type /EmbeddedFile", content);
+        return pdf.File();
+    };
+    CombinedFile file({{"a", attached("one")}, {"b", Pages(1, 0)}, {"c", attached("two")}});
+    QPDFNameTreeObjectHelper tree(file.Catalog().getKey("/Names").getKey("/EmbeddedFiles"),
+                                  file.Pdf());
+    std::map<std::string, std::string> contents;
+    for (auto& [name, row] : tree) {
+        const auto data = row.getKey("/EF").getKey("/F").getStreamData(qpdf_dl_generalized);
+        contents[name] = {reinterpret_cast<const char*>(data->getBuffer()), data->getSize()};
+    }
+    EXPECT_EQ(contents,
+              (std::map<std::string, std::string>{{"data.xml", "one"}, {"data.xml (2)", "two"}}));
+}
+
+TEST(PdfCombine, NamesThePartThatIsDamaged) {
+    const std::string good = Pages(1, 0);
+    for (const std::string& bad :
+         {good.substr(0, good.size() / 2), std::string("%PDF-1.7\n"), Pages(0, 0), // no page
+          Pages(1, 0, "", "/Pages 1 0 R"),                                         // no tree
+          Pages(1, 0, "/Kids [2 0 R]"), // a tree that loops
+          Pages(1, 0, "/Annots [7777777 0 R")}) {
+        const Combination made = Combined({{"a", good}, {"b", bad}});
+        EXPECT_EQ(made.outcome, CleanOutcome::Damaged) << bad;
+        EXPECT_EQ(made.refused, 1u);
+        EXPECT_TRUE(made.file.empty());
+    }
+}
+
+// The library finds this when the stream is read.
+TEST(PdfCombine, NamesThePartWithADamagedStream) {
+    std::string bad = OnePage().File();
+    const auto at = bad.find("endstream");
+    bad.replace(at, 9, "endstrxxx");
+    const Combination made = Combined({{"a", Pages(1, 0)}, {"b", bad}, {"c", Pages(1, 0)}});
+    EXPECT_EQ(made.outcome, CleanOutcome::Damaged);
+    EXPECT_EQ(made.refused, 1u);
+}
+
+TEST(PdfCombine, RefusesWhatIsNoPdfOrHasItsContentElsewhere) {
+    for (const std::string& other :
+         {std::string("a text"), std::string(), Pages(1, 0, "", "/Collection <<>>"),
+          Pages(1, 0, "", "/NeedsRendering true")}) {
+        EXPECT_EQ(Combined({{"a", other}}).outcome, CleanOutcome::NotSupported);
+    }
+}
+
+TEST(PdfCombine, RefusesAnEncryptedPart) {
+    const std::string plain = Pages(1, 0);
+    QPDF pdf;
+    pdf.processMemoryFile("plain", plain.data(), plain.size());
+    EXPECT_EQ(Combined({{"a", plain}, {"b", Written(pdf)}}).outcome, CleanOutcome::Encrypted);
+}
+
+TEST(PdfCombine, RefusesASignedPartAndGoesOnWithTheOthers) {
+    for (const std::string& file : {kSigned, SignedField()}) {
+        transforms::combine::PdfCombiner combiner;
+        const std::string first = Pages(1, 0), last = Pages(1, 9);
+        const auto add = [&](const std::string& part) {
+            return combiner.Add({"part", std::as_bytes(std::span(part))});
+        };
+        EXPECT_EQ(add(first), CleanOutcome::Cleaned);
+        EXPECT_EQ(add(file), CleanOutcome::Signed);
+        EXPECT_EQ(add(last), CleanOutcome::Cleaned);
+        TextSink sink;
+        ASSERT_TRUE(combiner.Write(sink));
+        QPDF pdf;
+        pdf.processMemoryFile("combined", sink.text.data(), sink.text.size());
+        EXPECT_EQ(pdf.getAllPages().size(), 2u);
+        EXPECT_FALSE(pdf.getRoot().hasKey("/AcroForm"));
+        EXPECT_EQ(Unpacked(sink.text).find("/ByteRange"), std::string::npos);
+    }
+}
+
+TEST(PdfCombine, TakesASignedPartWithoutItsSignatureWhenThatMayBreak) {
+    CombinedFile file({{"a", kSigned, true}, {"b", SignedField(), true}});
+    EXPECT_EQ(Unpacked(file.Bytes()).find("/ByteRange"), std::string::npos);
+    EXPECT_EQ(file.Annotation(1).getKey("/T").getStringValue(), "sig");
+    EXPECT_FALSE(file.Annotation(1).hasKey("/V"));
+}
+
+TEST(PdfCombine, GivesEqualBytesForEqualParts) {
+    const std::vector<Part> parts{{"a", Pages(2, 0)}, {"b", Pages(1, 20)}, {"a", Pages(2, 0)}};
+    EXPECT_EQ(Combined(parts).file, Combined(parts).file);
+}
+
+TEST(PdfCombine, PacksObjectsWhenAPartDoes) {
+    const std::string plain = Pages(3, 0);
+    QPDF pdf;
+    pdf.processMemoryFile("plain", plain.data(), plain.size());
+    const std::string packed = Written(pdf, true);
+    EXPECT_EQ(Combined({{"a", plain}}).file.find("/ObjStm"), std::string::npos);
+    CombinedFile file({{"a", plain}, {"b", packed}});
+    EXPECT_NE(file.Bytes().find("/ObjStm"), std::string::npos);
+    EXPECT_EQ(file.Sizes(), (std::vector<int>{100, 101, 102, 100, 101, 102}));
+}
+
+TEST(PdfCombine, HasTheNewestVersionOfItsParts) {
+    EXPECT_EQ(Combined({{"a", Pages(1, 0)}}).file.substr(0, 8), "%PDF-1.7");
+}
+
+TEST(PdfCombine, EndsWhenTheResultIsNotWanted) {
+    transforms::combine::PdfCombiner combiner;
+    PdfBuilder pdf = OnePage("/Other [5 0 R 6 0 R 7 0 R]");
+    for (int stream = 0; stream < 3; ++stream) {
+        pdf.AddStream("/Filter /DCTDecode", std::string(1'500'000, 'x'));
+    }
+    const std::string part = pdf.File();
+    ASSERT_EQ(combiner.Add({"a", std::as_bytes(std::span(part))}), CleanOutcome::Cleaned);
+    TextSink sink;
+    sink.most = 0;
+    EXPECT_FALSE(combiner.Write(sink));
+    EXPECT_FALSE(combiner.Failed());
+    EXPECT_LT(sink.text.size(), 3'000'000u);
+}
+
+TEST(PdfCombine, ReportsOnWhichPartItWorks) {
+    struct Steps : transforms::combine::PdfCombineSteps {
+        void Step() noexcept override { ++count; }
+        void Enter(std::size_t part) noexcept override { entered.push_back(part); }
+        int count = 0;
+        std::vector<std::size_t> entered;
+    } steps;
+    transforms::combine::PdfCombiner combiner(&steps);
+    const std::string part = OnePage().File();
+    for (int number = 0; number < 3; ++number) {
+        ASSERT_EQ(combiner.Add({"a", std::as_bytes(std::span(part))}), CleanOutcome::Cleaned);
+    }
+    const int added = steps.count;
+    EXPECT_GT(added, 0);
+    TextSink sink;
+    ASSERT_TRUE(combiner.Write(sink));
+    EXPECT_GT(steps.count, added);
+    EXPECT_EQ(steps.entered, (std::vector<std::size_t>{0, 1, 2}));
+}
+
+TEST(PdfCombine, CombinesAHundredFilesAndFiveThousandPages) {
+    std::vector<Part> parts{{"long", Pages(5000, 0)}};
+    for (int part = 0; part < 100; ++part) parts.push_back({"part", Pages(1, part)});
+    CombinedFile file(parts);
+    EXPECT_EQ(file.Sizes().size(), 5100u);
+}
+
+constexpr int kLong = 100'000;
+
+TEST(PdfCombineChains, CombinesLongChainsOfBookmarksAndOfOtherObjects) {
+    auto bookmarks = Chain(5, kLong, "<</Title (x) /Parent 4 0 R /Next ", ">>");
+    bookmarks.insert(bookmarks.begin(), "<</Type /Outlines /First 5 0 R>>");
+    bookmarks.push_back("<</Title (last) /Parent 4 0 R>>");
+    auto others = Chain(4, kLong, "<</S /Named /N /Print /Next ", ">>");
+    others.push_back("<</S /Named /N /Print>>");
+    CombinedFile file({{"a", Pages(1, 0, "", "/Outlines 4 0 R", bookmarks)},
+                       {"b", Pages(1, 0, "/AA <</O 4 0 R>>", "", others)}});
+    EXPECT_EQ(file.Sizes().size(), 2u);
+    EXPECT_EQ(file.Catalog().getKey("/Outlines").getKey("/First").getKey("/Count").getIntValue(),
+              -(kLong + 1));
+}
+
+TEST(PdfCombineChains, RefusesTreesThatAreAsDeepAsTheFileIsLong) {
+    std::vector<std::string> files;
+    auto pages = Chain(4, kLong, "<</Type /Pages /Kids [", "]>>");
+    pages.push_back("<</Type /Page>>");
+    files.push_back(Pages(1, 0, "/Kids [4 0 R]", "", pages));
+    auto bookmarks = Chain(4, kLong, "<</Title (x) /First ", ">>");
+    bookmarks.push_back("<</Title (last)>>");
+    files.push_back(Pages(1, 0, "", "/Outlines 4 0 R", bookmarks));
+    auto fields = Chain(4, kLong, "<</T (x) /Kids [", "]>>");
+    fields.push_back("<</T (last) /FT /Tx>>");
+    files.push_back(Pages(1, 0, "", "/AcroForm <</Fields [4 0 R]>>", fields));
+    auto parents = Chain(4, kLong, "<</Subtype /Widget /T (x) /Parent ", ">>");
+    parents.push_back("<</T (last) /FT /Tx>>");
+    files.push_back(Pages(1, 0, "/Annots [4 0 R]", "/AcroForm <</Fields []>>", parents));
+    for (const std::string& file : files) {
+        EXPECT_EQ(Combined({{"a", file}}).outcome, CleanOutcome::Damaged)
+            << file.substr(file.find("4 0 obj"), 60);
+    }
+}
+
+TEST(PdfCombineChains, EndsWithTreesThatLoop) {
+    const std::vector<std::string> loops{"<</Title (x) /First 4 0 R /Next 4 0 R>>"};
+    EXPECT_EQ(
+        CombinedFile({{"a", Pages(1, 0, "", "/Outlines <</First 4 0 R>>", loops)}}).Sizes().size(),
+        1u);
+    const std::vector<std::string> fields{"<</T (x) /FT /Tx /Kids [4 0 R] /Subtype /Widget>>"};
+    EXPECT_EQ(CombinedFile(
+                  {{"a", Pages(1, 0, "/Annots [4 0 R]", "/AcroForm <</Fields [4 0 R]>>", fields)}})
+                  .Sizes()
+                  .size(),
+              1u);
+    const std::vector<std::string> parents{"<</T (x) /Subtype /Widget /Parent 4 0 R>>"};
+    EXPECT_EQ(Combined({{"a", Pages(1, 0, "/Annots [4 0 R]", "/AcroForm <</Fields []>>", parents)}})
+                  .outcome,
+              CleanOutcome::Damaged);
+}
+
+} // namespace

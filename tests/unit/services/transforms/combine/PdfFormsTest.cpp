@@ -1,0 +1,152 @@
+// Form fields of PDFs that become one: each stays one field with its value and its widgets.
+#include <set>
+
+#include <qpdf/QPDFAcroFormDocumentHelper.hh>
+
+#include "tests/unit/services/transforms/combine/CombinedFile.h"
+
+using namespace samples;
+
+namespace {
+
+using Names = std::set<std::string>;
+
+// One text field on one page; `form` are further keys of the form, `field` of the field.
+std::string TextField(const std::string& name, const std::string& value,
+                      const std::string& form = "/DA (/Helv 12 Tf 0 g)",
+                      const std::string& field = {}) {
+    PdfBuilder pdf = OnePage("/Annots [5 0 R]", "/AcroForm <</Fields [5 0 R] " + form + ">>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /P 3 0 R /FT /Tx /T (" + name +
+            ") /V (" + value + ") " + field + ">>");
+    return pdf.File();
+}
+
+// A radio group with a widget on each of two pages, and a text with two widgets under a parent.
+std::string SpreadFields(const std::string& value) {
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R /AcroForm <</Fields [5 0 R 8 0 R]>>>>");
+    pdf.Add("<</Type /Pages /Kids [3 0 R 4 0 R] /Count 2 /MediaBox [0 0 9 9]>>");
+    pdf.Add("<</Type /Page /Parent 2 0 R /Annots [6 0 R 10 0 R]>>");
+    pdf.Add("<</Type /Page /Parent 2 0 R /Annots [7 0 R 11 0 R]>>");
+    pdf.Add("<</FT /Btn /Ff 49152 /T (choice) /V /" + value + " /Kids [6 0 R 7 0 R]>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /P 3 0 R /Parent 5 0 R /AS /yes>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /P 4 0 R /Parent 5 0 R /AS /Off>>");
+    pdf.Add("<</T (person) /Kids [9 0 R]>>");
+    pdf.Add("<</FT /Tx /T (name) /V (" + value + ") /Parent 8 0 R /Kids [10 0 R 11 0 R]>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /P 3 0 R /Parent 9 0 R>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /P 4 0 R /Parent 9 0 R>>");
+    return pdf.File();
+}
+
+QPDFFormFieldObjectHelper FieldOn(CombinedFile& file, std::size_t page, int widget = 0) {
+    return QPDFAcroFormDocumentHelper(file.Pdf())
+        .getFieldForAnnotation(QPDFAnnotationObjectHelper(file.Annotation(page, widget)));
+}
+
+QPDFObjectHandle FormOf(CombinedFile& file) { return file.Catalog().getKey("/AcroForm"); }
+
+TEST(PdfForms, RenameFieldsWhoseNameIsTaken) {
+    CombinedFile file({{"a", TextField("name", "first")},
+                       {"b", TextField("name", "second")},
+                       {"c", TextField("name", "third")}});
+    QPDFAcroFormDocumentHelper helper(file.Pdf());
+    Names names, values;
+    for (auto& field : helper.getFormFields()) {
+        names.insert(field.getFullyQualifiedName());
+        values.insert(field.getValueAsString());
+    }
+    EXPECT_EQ(names, (Names{"name", "name (2)", "name (3)"}));
+    EXPECT_EQ(values, (Names{"first", "second", "third"}));
+    EXPECT_EQ(FieldOn(file, 0).getValueAsString(), "first");
+    EXPECT_EQ(FieldOn(file, 2).getValueAsString(), "third");
+}
+
+TEST(PdfForms, LeaveAFieldOnSeveralPagesOneField) {
+    CombinedFile file({{"a", SpreadFields("yes")}, {"b", SpreadFields("no")}});
+    ASSERT_EQ(FormOf(file).getKey("/Fields").getArrayNItems(), 4);
+    for (const std::size_t page : {0u, 2u}) {
+        for (const int widget : {0, 1}) {
+            auto one = FieldOn(file, page, widget);
+            auto other = FieldOn(file, page + 1, widget);
+            EXPECT_EQ(one.getFullyQualifiedName(), other.getFullyQualifiedName());
+            EXPECT_TRUE(file.Annotation(page, widget)
+                            .getKey("/Parent")
+                            .isSameObjectAs(file.Annotation(page + 1, widget).getKey("/Parent")));
+            EXPECT_TRUE(file.Annotation(page, widget).getKey("/P").isSameObjectAs(file.Page(page)));
+        }
+    }
+    EXPECT_EQ(FieldOn(file, 0).getFullyQualifiedName(), "choice");
+    EXPECT_EQ(FieldOn(file, 0).getValue().getName(), "/yes");
+    EXPECT_TRUE(FieldOn(file, 0).isRadioButton());
+    EXPECT_EQ(FieldOn(file, 2).getFullyQualifiedName(), "choice (2)");
+    EXPECT_EQ(FieldOn(file, 2).getValue().getName(), "/no");
+    EXPECT_EQ(FieldOn(file, 2, 1).getFullyQualifiedName(), "person (2).name");
+    EXPECT_EQ(FieldOn(file, 2, 1).getValueAsString(), "no");
+}
+
+TEST(PdfForms, KeepOneNameForFieldsThatShareItInOnePart) {
+    PdfBuilder pdf = OnePage("/Annots [5 0 R 6 0 R]", "/AcroForm <</Fields [5 0 R 6 0 R]>>");
+    for (int field = 0; field < 2; ++field) {
+        pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Tx /T (name) /V (x)>>");
+    }
+    CombinedFile file({{"a", TextField("name", "first")}, {"b", pdf.File()}});
+    EXPECT_EQ(FieldOn(file, 1, 0).getFullyQualifiedName(), "name (2)");
+    EXPECT_EQ(FieldOn(file, 1, 1).getFullyQualifiedName(), "name (2)");
+}
+
+TEST(PdfForms, TakeNoNameThatAFieldOfThePartHas) {
+    PdfBuilder pdf = OnePage("/Annots [5 0 R 6 0 R]", "/AcroForm <</Fields [5 0 R 6 0 R]>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Tx /T (name)>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Tx /T (name \\(2\\))>>");
+    CombinedFile file({{"a", TextField("name", "first")}, {"b", pdf.File()}});
+    EXPECT_EQ(FieldOn(file, 1, 0).getFullyQualifiedName(), "name (3)");
+    EXPECT_EQ(FieldOn(file, 1, 1).getFullyQualifiedName(), "name (2)");
+}
+
+TEST(PdfForms, ListAFieldThatItsPartDidNotList) {
+    PdfBuilder pdf = OnePage("/Annots [5 0 R]", "/AcroForm <</Fields []>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Tx /T (name) /V (x)>>");
+    CombinedFile file({{"a", TextField("name", "first")}, {"b", pdf.File()}});
+    EXPECT_EQ(FormOf(file).getKey("/Fields").getArrayNItems(), 2);
+    EXPECT_EQ(FieldOn(file, 1).getFullyQualifiedName(), "name (2)");
+}
+
+TEST(PdfForms, GiveAFontAnotherNameWhenItsNameIsTaken) {
+    const auto form = [](const std::string& font) {
+        return "/DA (/F 12 Tf 0 g) /DR <</Font <</F <</Type /Font /BaseFont /" + font + ">>>>>>";
+    };
+    CombinedFile file({{"a", TextField("a", "", form("Helvetica"))},
+                       {"b", TextField("b", "", form("Courier"))},
+                       {"c", TextField("c", "", form("Courier"), "/DA (0 g /F 9 Tf)")},
+                       {"d", TextField("d", "", form("Helvetica"))}});
+    auto fonts = FormOf(file).getKey("/DR").getKey("/Font");
+    EXPECT_EQ(fonts.getKeys(), (Names{"/F", "/F_2"}));
+    EXPECT_EQ(fonts.getKey("/F_2").getKey("/BaseFont").getName(), "/Courier");
+    EXPECT_EQ(FieldOn(file, 0).getDefaultAppearance(), "/F 12 Tf 0 g");
+    EXPECT_EQ(FieldOn(file, 1).getDefaultAppearance(), "/F_2 12 Tf 0 g");
+    EXPECT_EQ(FieldOn(file, 2).getDefaultAppearance(), "0 g /F_2 9 Tf");
+    EXPECT_EQ(FieldOn(file, 3).getDefaultAppearance(), "/F 12 Tf 0 g");
+}
+
+TEST(PdfForms, KeepWhatAFormSaysForAllOfItsFields) {
+    CombinedFile file({{"a", TextField("a", "", "/DA (/Helv 8 Tf) /CO [5 0 R]")},
+                       {"b", TextField("b", "", "/DA (/Helv 9 Tf) /Q 2 /NeedAppearances true")},
+                       {"c", TextField("c", "", "/CO [5 0 R] /XFA (<form/>) /SigFlags 1")}});
+    EXPECT_EQ(FieldOn(file, 0).getDefaultAppearance(), "/Helv 8 Tf");
+    EXPECT_EQ(FieldOn(file, 0).getQuadding(), 0);
+    EXPECT_EQ(FieldOn(file, 1).getDefaultAppearance(), "/Helv 9 Tf");
+    EXPECT_EQ(FieldOn(file, 1).getQuadding(), 2);
+    auto orders = FormOf(file).getKey("/CO");
+    ASSERT_EQ(orders.getArrayNItems(), 2);
+    EXPECT_TRUE(orders.getArrayItem(1).isSameObjectAs(file.Annotation(2)));
+    EXPECT_TRUE(FormOf(file).getKey("/NeedAppearances").getBoolValue());
+    EXPECT_FALSE(FormOf(file).hasKey("/XFA"));
+    EXPECT_FALSE(FormOf(file).hasKey("/SigFlags"));
+}
+
+TEST(PdfForms, AreNoneWithoutFields) {
+    CombinedFile file({{"a", Pages(1, 0, "", "/AcroForm <</Fields []>>")}, {"b", Pages(1, 0)}});
+    EXPECT_FALSE(file.Catalog().hasKey("/AcroForm"));
+}
+
+} // namespace
