@@ -37,6 +37,10 @@ enum class WorkKind : std::uint32_t {
     FitWrite = 7,
     ConvertPhoto = 8, // makes a JPEG or PNG of a photo of another kind
     Watermark = 9,    // lays a text over a picture or the pages of a PDF
+    // PDFs that become one, which the process keeps open until its end: each CombineAdd adds one,
+    // CombineWrite writes all of them.
+    CombineAdd = 10,
+    CombineWrite = 11,
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -57,7 +61,7 @@ static_assert(offsetof(WorkHeader, size) == 8);
 static_assert(offsetof(WorkHeader, reserved) == 12);
 
 // The files of a request, as handles of the work process, which closes them when the request ends;
-// those of FitAdd with the process.
+// those of FitAdd and CombineAdd with the process.
 struct WorkFiles {
     std::uint64_t source; // a file on disk, for reading; zero when the request reads none
     std::uint64_t target; // a new empty file, for writing and reading back; zero as above
@@ -135,6 +139,26 @@ static_assert(offsetof(WorkWatermark, place) == 0);
 static_assert(offsetof(WorkWatermark, opacity) == 4);
 inline constexpr std::uint32_t kMostWatermarkText = 100;
 
+enum class WorkSignatures : std::uint32_t {
+    Keep = 0,  // a PDF with a signature is Signed
+    Break = 1, // form fields lose their signatures
+};
+
+// The settings of CombineAdd, before the title of the PDF's bookmark: 1 to kMostCombineTitle units
+// of UTF-16, without a NUL. Changed: the PDF is added, with the next number from 0 on. Not
+// supported: another kind of file, or a PDF whose content isn't that of its pages. A PDF that isn't
+// added leaves nothing.
+struct WorkCombineAdd {
+    WorkSignatures signatures;
+    std::uint32_t reserved; // zero
+};
+static_assert(sizeof(WorkCombineAdd) == 8);
+static_assert(offsetof(WorkCombineAdd, signatures) == 0);
+static_assert(offsetof(WorkCombineAdd, reserved) == 4);
+inline constexpr std::uint32_t kMostCombineTitle = 255;
+
+// The settings of CombineWrite are WorkPlain; it comes last.
+
 // The settings of Measure and FitAdd. Measure is always Changed, with the bytes in WorkDone. FitAdd
 // is Changed for a picture that can be made smaller, which then has the next number from 0 on, and
 // Unchanged for one that passes.
@@ -178,6 +202,9 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
     {WorkKind::ConvertPhoto, sizeof(WorkPhoto), sizeof(WorkPhoto), true, true},
     {WorkKind::Watermark, sizeof(WorkWatermark) + 2, sizeof(WorkWatermark) + 2 * kMostWatermarkText,
      true, true},
+    {WorkKind::CombineAdd, sizeof(WorkCombineAdd) + 2,
+     sizeof(WorkCombineAdd) + 2 * kMostCombineTitle, true, false},
+    {WorkKind::CombineWrite, sizeof(WorkPlain), sizeof(WorkPlain), false, true},
     {WorkKind::Measure, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
     {WorkKind::FitAdd, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
     {WorkKind::FitSearch, sizeof(WorkFitSearch), sizeof(WorkFitSearch), false, false},
@@ -190,8 +217,10 @@ inline constexpr std::uint32_t kMostWorkSettings = kLargestWorkPayload - sizeof(
 // minute.
 struct WorkProgress {
     std::uint64_t done;
-    std::uint64_t total;    // not zero
-    std::uint32_t number;   // of the picture that FitSearch works on; zero for the other kinds
+    std::uint64_t total; // not zero
+    // Of the picture that FitSearch works on, of the PDF that CombineWrite reads; zero for the
+    // other kinds.
+    std::uint32_t number;
     std::uint32_t reserved; // zero
 };
 static_assert(sizeof(WorkProgress) == 24);

@@ -26,25 +26,32 @@ constexpr RequestRow kRequests[] = {
 };
 
 // The requests that belong together.
-struct FitRow {
+struct SeriesRow {
     WorkKind kind;
-    std::optional<WorkEnd> (FitWork::*carryOut)(WorkRequest&);
+    std::optional<WorkEnd> (*carryOut)(WorkRequest&, SeriesWork&);
 };
 
-constexpr FitRow kFitRequests[] = {
-    {WorkKind::FitAdd, &FitWork::Add},
-    {WorkKind::FitSearch, &FitWork::Search},
-    {WorkKind::FitWrite, &FitWork::Write},
+template <auto Member, auto Request>
+std::optional<WorkEnd> On(WorkRequest& request, SeriesWork& series) {
+    return ((series.*Member).*Request)(request);
+}
+
+constexpr SeriesRow kSeriesRequests[] = {
+    {WorkKind::FitAdd, &On<&SeriesWork::fit, &FitWork::Add>},
+    {WorkKind::FitSearch, &On<&SeriesWork::fit, &FitWork::Search>},
+    {WorkKind::FitWrite, &On<&SeriesWork::fit, &FitWork::Write>},
+    {WorkKind::CombineAdd, &On<&SeriesWork::combine, &CombineWork::Add>},
+    {WorkKind::CombineWrite, &On<&SeriesWork::combine, &CombineWork::Write>},
 };
 
 } // namespace
 
-std::optional<WorkEnd> CarryOut(WorkRequest& request, WorkChannel& channel, FitWork& fit) {
+std::optional<WorkEnd> CarryOut(WorkRequest& request, WorkChannel& channel, SeriesWork& series) {
     for (const RequestRow& row : kRequests) {
         if (row.kind == request.kind) return row.carryOut(request, channel);
     }
-    for (const FitRow& row : kFitRequests) {
-        if (row.kind == request.kind) return (fit.*row.carryOut)(request);
+    for (const SeriesRow& row : kSeriesRequests) {
+        if (row.kind == request.kind) return row.carryOut(request, series);
     }
     return WorkEnd(obcontract::WorkFailure::NotServed);
 }

@@ -19,9 +19,9 @@ constexpr int kNotForUsers = 2; // started without the manager's pipes
 // Memory that runs out concerns one request; the next one may be smaller.
 std::optional<transforms::WorkEnd> Carried(transforms::WorkRequest& request,
                                            transforms::WorkChannel& channel,
-                                           transforms::FitWork& fit) {
+                                           transforms::SeriesWork& series) {
     try {
-        return transforms::CarryOut(request, channel, fit);
+        return transforms::CarryOut(request, channel, series);
     } catch (const std::bad_alloc&) {
         return transforms::WorkEnd(obcontract::WorkFailure::TooLarge);
     }
@@ -29,8 +29,8 @@ std::optional<transforms::WorkEnd> Carried(transforms::WorkRequest& request,
 
 // Closes the files before the last reply, as the manager then renames or deletes them.
 bool Serve(transforms::WorkRequest request, transforms::WorkChannel& channel,
-           transforms::FitWork& fit) {
-    const auto end = Carried(request, channel, fit);
+           transforms::SeriesWork& series) {
+    const auto end = Carried(request, channel, series);
     request = {};
     return end && channel.SendEnd(*end);
 }
@@ -46,9 +46,9 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     const auto pipes = transforms::ParseWorkCommandLine(GetCommandLineW());
     if (!pipes) return kNotForUsers;
     transforms::WorkChannel channel(Inherited(pipes->requests), Inherited(pipes->replies));
-    transforms::FitWork fit(channel);
+    transforms::SeriesWork series(channel);
     while (auto request = channel.Next()) {
-        if (!Serve(std::move(*request), channel, fit)) break;
+        if (!Serve(std::move(*request), channel, series)) break;
     }
     return kServed;
 }

@@ -166,8 +166,8 @@ TEST_F(WorkChannelTest, CarriesOutNoRequestWithValuesThatTheContractLacks) {
         request.settings.assign(bytes.begin(), bytes.end());
         request.source.Reset(reinterpret_cast<HANDLE>(File(L"source")));
         request.target.Reset(reinterpret_cast<HANDLE>(File(L"target")));
-        transforms::FitWork fit(*channel_);
-        return transforms::CarryOut(request, *channel_, fit).has_value();
+        transforms::SeriesWork series(*channel_);
+        return transforms::CarryOut(request, *channel_, series).has_value();
     };
     EXPECT_TRUE(carriesOut(WorkKind::Clean, WorkClean{0}));
     EXPECT_FALSE(carriesOut(WorkKind::Clean, WorkClean{1}));

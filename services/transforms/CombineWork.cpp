@@ -1,0 +1,88 @@
+#include "services/transforms/CombineWork.h"
+
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "ObLib/Src/Win32/WholeTransfer.h"
+#include "services/transforms/WholeFile.h"
+
+namespace transforms {
+namespace {
+
+using namespace obcontract;
+
+struct Asked {
+    std::string title; // UTF-8
+    bool breaksSignatures;
+};
+
+std::string Utf8Of(const std::wstring& text) {
+    const auto units = static_cast<int>(text.size());
+    const int bytes =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+    std::string utf8(static_cast<std::size_t>(bytes), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, utf8.data(), bytes, nullptr, nullptr);
+    return utf8;
+}
+
+// Nothing for values that the contract lacks.
+std::optional<Asked> AskedFor(const WorkRequest& request) {
+    const auto settings = request.SettingsAs<WorkCombineAdd>();
+    const std::size_t bytes = request.settings.size() - sizeof settings;
+    const bool isKnown =
+        settings.signatures == WorkSignatures::Keep || settings.signatures == WorkSignatures::Break;
+    if (!isKnown || settings.reserved != 0 || bytes % sizeof(wchar_t) != 0) return {};
+    std::wstring title(bytes / sizeof(wchar_t), L'\0');
+    std::memcpy(title.data(), request.settings.data() + sizeof settings, bytes);
+    if (title.find(L'\0') != title.npos) return {};
+    return Asked{Utf8Of(title), settings.signatures == WorkSignatures::Break};
+}
+
+class TargetSink final : public combine::PdfSink {
+public:
+    explicit TargetSink(HANDLE target) noexcept : target_(target) {}
+    bool Write(personal::Bytes bytes) override {
+        size_ += bytes.size();
+        return ObLib::WriteWhole(target_, bytes.data(), bytes.size());
+    }
+    std::uint64_t Size() const noexcept { return size_; }
+
+private:
+    HANDLE target_;
+    std::uint64_t size_ = 0;
+};
+
+} // namespace
+
+std::optional<WorkEnd> CombineWork::Add(WorkRequest& request) {
+    const auto asked = AskedFor(request);
+    if (!asked || isWritten_) return {};
+    WorkFailure failure{};
+    auto source = SourceView::Map(request.source.Get(), failure);
+    if (!source) return WorkEnd(failure);
+    const auto bytes = source->Bytes();
+    if (!ReadAhead(bytes, steps_.Channel())) return {};
+    steps_.Begin(bytes.size());
+    sources_.push_back(std::move(*source));
+    if (!combiner_) combiner_.emplace(&steps_);
+    const CleanOutcome outcome = combiner_->Add({asked->title, bytes, asked->breaksSignatures});
+    if (steps_.IsUnread()) return {};
+    return outcome == CleanOutcome::Cleaned ? WorkEnd(WorkOutcome::Changed)
+                                            : EndOfWholeFile(outcome);
+}
+
+std::optional<WorkEnd> CombineWork::Write(WorkRequest& request) {
+    if (request.SettingsAs<WorkPlain>().reserved != 0 || isWritten_) return {};
+    if (!combiner_ || combiner_->Count() == 0) return {};
+    isWritten_ = true;
+    steps_.Begin(0);
+    TargetSink sink(request.target.Get());
+    const bool isWhole = combiner_->Write(sink);
+    if (const auto failed = combiner_->Failed()) steps_.Enter(*failed);
+    if (steps_.IsUnread()) return {};
+    if (isWhole) return WorkEnd(WorkOutcome::Changed, sink.Size());
+    return WorkEnd(combiner_->Failed() ? WorkFailure::Damaged : WorkFailure::Unwritable);
+}
+
+} // namespace transforms
