@@ -6,6 +6,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/LongPath.h"
+#include "services/providers/files/FinalPath.h"
 #include "services/providers/files/ResultName.h"
 
 namespace providers {
@@ -54,18 +55,6 @@ bool IsPlain(const std::wstring& path) {
         start = end + 1;
     }
     return true;
-}
-
-// The path under which the system opened the file; empty when it gives none.
-std::wstring FinalPath(HANDLE file) {
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = GetFinalPathNameByHandleW(
-            file, path.data(), static_cast<DWORD>(path.size()), FILE_NAME_NORMALIZED);
-        const bool fits = length < path.size();
-        path.resize(length);
-        if (fits) return path;
-    }
 }
 
 // The callers make no working copies in a temporary folder whose path is longer than this, so that

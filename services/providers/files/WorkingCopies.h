@@ -1,6 +1,6 @@
 // The one place at which the manager writes, renames or deletes a file: working copies below the
 // temporary path, and the new files that it makes beside them. No other code of the module opens a
-// file of a run for writing.
+// file of a run for writing, but for what suite/SuiteFolder makes in a folder of its own.
 #pragma once
 
 #include <windows.h>

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "services/providers/suite/SuiteWatch.h"
 #include "services/providers/worker/CallWait.h"
 #include "services/providers/worker/WorkProcess.h"
 
@@ -28,12 +29,6 @@ struct SuiteDocument {
     HANDLE source = nullptr; // the file, open for reading; stays the caller's
     std::wstring name;       // its file name, whose extension says what the document is
     std::wstring folder;     // of the run, below the temporary path, as WorkingCopy::Folder
-};
-
-// When a suite counts as hung. Milliseconds.
-struct SuiteLimits {
-    DWORD silence = 180000; // without any use of a processor by the suite
-    DWORD whole = 900000;   // for one document
 };
 
 // Whether a suite is installed that ConvertDocument would use. Reads the registry and looks at

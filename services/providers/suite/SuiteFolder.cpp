@@ -1,0 +1,88 @@
+#include "services/providers/suite/SuiteFolder.h"
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/LongPath.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+
+namespace providers {
+namespace {
+
+using ObLib::WithLongPathPrefix;
+
+std::wstring WithoutPrefix(const std::wstring& path) {
+    if (path.starts_with(L"\\\\?\\UNC\\")) return L"\\\\" + path.substr(8);
+    return path.starts_with(L"\\\\?\\") ? path.substr(4) : path;
+}
+
+void DeleteFileAnyway(const std::wstring& path, DWORD attributes) {
+    if (attributes & FILE_ATTRIBUTE_READONLY)
+        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    DeleteFileW(path.c_str());
+}
+
+// A program can't nest its files deeper than a path is long; what is deeper stays.
+constexpr int kMostLevels = 64;
+
+// Deletes what it can. The path has the prefix.
+void DeleteFolder(const std::wstring& path, int level) {
+    WIN32_FIND_DATAW found;
+    ObLib::UniqueFindHandle search(FindFirstFileW((path + L"\\*").c_str(), &found));
+    for (bool more = static_cast<bool>(search); more;
+         more = FindNextFileW(search.Get(), &found) != FALSE) {
+        const std::wstring name = found.cFileName;
+        if (name == L"." || name == L"..") continue;
+        const std::wstring item = path + L'\\' + name;
+        if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
+            DeleteFileAnyway(item, found.dwFileAttributes);
+        } else if (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) {
+            RemoveDirectoryW(item.c_str()); // the link alone
+        } else if (level < kMostLevels) {
+            DeleteFolder(item, level + 1);
+        }
+    }
+    search.Reset();
+    RemoveDirectoryW(path.c_str());
+}
+
+} // namespace
+
+// A name that is taken isn't this run's.
+std::unique_ptr<SuiteFolder> SuiteFolder::MakeBelow(const std::wstring& folder) {
+    constexpr int kMostNames = 100;
+    for (int number = 1; number <= kMostNames; ++number) {
+        std::wstring path = WithoutPrefix(folder) + L"\\~suite" + std::to_wstring(number);
+        const std::wstring prefixed = WithLongPathPrefix(path);
+        if (CreateDirectoryW(prefixed.c_str(), nullptr)) {
+            const auto identity = IdentityOfFolder(prefixed);
+            if (!identity) return nullptr;
+            return std::unique_ptr<SuiteFolder>(new SuiteFolder(std::move(path), *identity));
+        }
+        if (GetLastError() != ERROR_ALREADY_EXISTS) return nullptr;
+    }
+    return nullptr;
+}
+
+SuiteFolder::~SuiteFolder() {
+    constexpr int kAttempts = 100;
+    constexpr DWORD kPause = 20; // milliseconds
+    ObLib::RanGuarded([this] {
+        const std::wstring path = WithLongPathPrefix(path_);
+        for (int attempt = 0; attempt < kAttempts; ++attempt) {
+            if (IsLink(path) || IdentityOfFolder(path) != identity_) return;
+            DeleteFolder(path, 0);
+            if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) return;
+            Sleep(kPause);
+        }
+    });
+}
+
+bool SuiteFolder::MakeFolder(const wchar_t* name) const {
+    return CreateDirectoryW(WithLongPathPrefix(*this / name).c_str(), nullptr) != FALSE;
+}
+
+HANDLE SuiteFolder::MakeFile(const wchar_t* name) const {
+    return CreateFileW(WithLongPathPrefix(*this / name).c_str(), GENERIC_WRITE, 0, nullptr,
+                       CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+} // namespace providers

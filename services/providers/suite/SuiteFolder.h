@@ -1,0 +1,40 @@
+// The folder of its own in which a suite works on one document.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+#include "services/providers/files/FileIdentity.h"
+
+namespace providers {
+
+// Contains a copy of the document, the suite's profile and temporary files, and what it writes.
+// Deleted with everything in it at the end; nothing that a link in it leads to is touched.
+class SuiteFolder {
+public:
+    // A new folder below `folder`. Null when it can't be made. Throws std::bad_alloc.
+    static std::unique_ptr<SuiteFolder> MakeBelow(const std::wstring& folder);
+    // Waits up to two seconds for files that an ended program still has open.
+    ~SuiteFolder();
+    SuiteFolder(const SuiteFolder&) = delete;
+    SuiteFolder& operator=(const SuiteFolder&) = delete;
+
+    // Makes a file or a folder; `name` may have folders, which exist.
+    bool MakeFolder(const wchar_t* name) const;
+    HANDLE
+    MakeFile(const wchar_t* name) const; // the caller's, for writing; or INVALID_HANDLE_VALUE
+
+    // The full path of a name in the folder, without the prefix for long paths: for programs.
+    std::wstring operator/(const std::wstring& name) const { return path_ + L'\\' + name; }
+
+private:
+    SuiteFolder(std::wstring path, const FileIdentity& identity)
+        : path_(std::move(path)), identity_(identity) {}
+
+    std::wstring path_;
+    FileIdentity identity_;
+};
+
+} // namespace providers

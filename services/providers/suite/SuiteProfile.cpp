@@ -1,0 +1,82 @@
+#include "services/providers/suite/SuiteProfile.h"
+
+#include <windows.h>
+
+#include <string_view>
+
+namespace providers {
+namespace {
+
+struct Setting {
+    std::string_view path; // below org.openoffice.Office
+    std::string_view name;
+    std::string_view value;
+};
+
+// The numbers of the two "Link" settings mean "never"; their lists differ.
+constexpr Setting kSettings[] = {
+    {"Common/Security/Scripting", "MacroSecurityLevel", "3"},
+    {"Common/Security/Scripting", "DisableMacrosExecution", "true"},
+    {"Common/Security/Scripting", "DisableActiveContent", "true"}, // newer versions know it
+    {"Common/Security/Scripting", "BlockUntrustedRefererLinks", "true"},
+    {"Writer/Content/Update", "Link", "0"},
+    {"WriterWeb/Content/Update", "Link", "0"},
+    {"Calc/Content/Update", "Link", "1"},
+    {"Common/Misc", "FirstRun", "false"},
+    {"Common/Save/Document", "CreateBackup", "false"},
+};
+
+constexpr std::string_view kBegin = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                    "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\" "
+                                    "xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" "
+                                    "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">\n";
+constexpr std::string_view kEnd = "</oor:items>\n";
+
+std::string Utf8(const std::wstring& text) {
+    const int length = static_cast<int>(text.size());
+    const int size =
+        WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, bytes.data(), size, nullptr, nullptr);
+    return bytes;
+}
+
+bool IsPlain(char sign) {
+    return (sign >= 'a' && sign <= 'z') || (sign >= 'A' && sign <= 'Z') ||
+           (sign >= '0' && sign <= '9') ||
+           std::string_view("-._~/:").find(sign) != std::string_view::npos;
+}
+
+} // namespace
+
+std::string SuiteProfile() {
+    std::string text(kBegin);
+    for (const Setting& setting : kSettings) {
+        text += "<item oor:path=\"/org.openoffice.Office.";
+        text += setting.path;
+        text += "\"><prop oor:name=\"";
+        text += setting.name;
+        text += "\" oor:op=\"fuse\"><value>";
+        text += setting.value;
+        text += "</value></prop></item>\n";
+    }
+    return text.append(kEnd);
+}
+
+std::string FileUrl(const std::wstring& path) {
+    std::string url = path.starts_with(L"\\\\") ? "file:" : "file:///";
+    for (const char byte : Utf8(path)) {
+        constexpr char kDigits[] = "0123456789ABCDEF";
+        const auto value = static_cast<unsigned char>(byte);
+        if (byte == '\\') {
+            url += '/';
+        } else if (IsPlain(byte)) {
+            url += byte;
+        } else {
+            (url += '%').append({kDigits[value >> 4], kDigits[value & 15]});
+        }
+    }
+    return url;
+}
+
+} // namespace providers

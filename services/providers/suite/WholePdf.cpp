@@ -1,0 +1,54 @@
+#include "services/providers/suite/WholePdf.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "ObLib/Src/Win32/LongPath.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/suite/FileContent.h"
+
+namespace providers {
+namespace {
+
+constexpr std::string_view kBegin = "%PDF-";
+constexpr std::string_view kEnd = "%%EOF";
+constexpr std::uint64_t kTail = 1024; // bytes; readers look for the end mark in as many
+
+// At most kTail bytes from `at` on.
+std::string BytesAt(HANDLE file, std::uint64_t at) {
+    std::string bytes(kTail, '\0');
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(at);
+    place.OffsetHigh = static_cast<DWORD>(at >> 32);
+    DWORD read = 0;
+    ReadFile(file, bytes.data(), kTail, &read, &place);
+    bytes.resize(read);
+    return bytes;
+}
+
+bool IsWholePdf(HANDLE file) {
+    LARGE_INTEGER size;
+    if (!GetFileSizeEx(file, &size) || size.QuadPart <= 0) return false;
+    const auto all = static_cast<std::uint64_t>(size.QuadPart);
+    return BytesAt(file, 0).starts_with(kBegin) &&
+           BytesAt(file, all - std::min(all, kTail)).find(kEnd) != std::string::npos;
+}
+
+} // namespace
+
+TakenPdf TakeWholePdf(const std::wstring& path, HANDLE target) {
+    const ObLib::UniqueKernelHandle made(CreateFileW(
+        ObLib::WithLongPathPrefix(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
+        nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (!made || !IsWholePdf(made.Get())) return TakenPdf::NotWhole;
+    switch (CopyContent(made.Get(), target, [] { return false; })) {
+    case CopiedContent::Whole:
+        return TakenPdf::Taken;
+    case CopiedContent::Unwritable:
+        return TakenPdf::Unwritable;
+    default:
+        return TakenPdf::NotWhole;
+    }
+}
+
+} // namespace providers

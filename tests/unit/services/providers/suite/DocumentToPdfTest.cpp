@@ -1,0 +1,248 @@
+// A document's way through a suite that does what the test asks.
+#include "services/providers/suite/DocumentToPdf.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/TransformWork.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/TestFolder.h"
+#include "tests/unit/services/providers/suite/InstalledOffice.h"
+
+using namespace providers;
+using namespace suitetest;
+
+namespace {
+
+constexpr DWORD kLimit = 20000; // milliseconds, for what has to happen soon
+const std::string kDocument = "PK\x03\x04 the document";
+const std::string kPdf = "%PDF-1.6\n% " + kDocument + "\n%%EOF\n";
+
+class DocumentToPdf : public testing::Test {
+protected:
+    void SetUp() override {
+        BeginAnew();
+        Install(kProgramFolder);
+        Register(kProgramFolder);
+        ended_.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+        source_ = Open(folder_.File(L"letter", kDocument), GENERIC_READ, OPEN_EXISTING);
+        target_ = Open(folder_ / L"target", GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
+        ASSERT_TRUE(ended_ && source_ && target_);
+        WorkScript("good");
+        run_ = folder_.Folder(L"run");
+    }
+    void TearDown() override { BeginAnew(); }
+
+    static ObLib::UniqueKernelHandle Open(const std::wstring& path, DWORD access, DWORD how) {
+        return ObLib::UniqueKernelHandle(CreateFileW(path.c_str(), access,
+                                                     FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                                     how, FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
+    static void WorkScript(const char* word) {
+        ASSERT_TRUE(obtest::WriteFileContent(obtest::BesideProgram(L"worker.txt"), word));
+    }
+    static std::wstring InSuite(const wchar_t* name) {
+        return std::wstring(kProgramFolder) + L'\\' + name;
+    }
+    WorkSettings Work() const {
+        WorkSettings settings;
+        settings.program = obtest::BesideProgram(
+            hasRealWorkProcess_ ? L"real\\PVXTransform64.exe" : obcontract::kTransformWorkFileName);
+        return settings;
+    }
+    SuiteOutcome Convert(const char* mode, const SuiteLimits& limits = {}) {
+        EXPECT_TRUE(obtest::WriteFileContent(InSuite(L"suite.txt"), mode));
+        WorkProcess process(Work());
+        CallWait wait(ended_.Get(), nullptr);
+        return ConvertDocument({source_.Get(), name_, run_}, target_.Get(), process, wait, limits);
+    }
+    std::string Target() const { return *obtest::ReadFileContent(folder_ / L"target"); }
+    // Lines of the suite's record that begin with the word, without it.
+    static std::vector<std::wstring> Calls(const std::wstring& word) {
+        const std::wstring text = obtest::ReadUtf8File(InSuite(L"suite-calls.txt"));
+        std::vector<std::wstring> lines;
+        for (std::size_t start = 0; start < text.size();) {
+            const std::size_t end = std::min(text.find(L'\n', start), text.size());
+            const std::wstring line = text.substr(start, end - start);
+            if (line.starts_with(word + L' ')) lines.push_back(line.substr(word.size() + 1));
+            start = end + 1;
+        }
+        return lines;
+    }
+    static bool AwaitProcesses(std::size_t count) {
+        for (DWORD waited = 0; waited < kLimit; waited += 10, Sleep(10)) {
+            if (Calls(L"process").size() >= count) return true;
+        }
+        return false;
+    }
+    // Expects that no process of the suite runs and nothing but the target is left.
+    void ExpectNothingLeft(const char* mode) {
+        EXPECT_EQ(obtest::ListTree(run_), std::vector<std::wstring>()) << mode;
+        EXPECT_FALSE(Calls(L"process").empty()) << mode;
+        for (const std::wstring& id : Calls(L"process")) {
+            const ObLib::UniqueKernelHandle process(
+                OpenProcess(SYNCHRONIZE, FALSE, std::stoul(id)));
+            EXPECT_TRUE(!process || WaitForSingleObject(process.Get(), kLimit) == WAIT_OBJECT_0)
+                << mode;
+        }
+    }
+    void ExpectFailed(const char* mode, SuiteOutcome outcome, const SuiteLimits& limits = {}) {
+        EXPECT_EQ(Convert(mode, limits), outcome) << mode;
+        EXPECT_EQ(Target(), "") << mode;
+        ExpectNothingLeft(mode);
+    }
+    // Ends the call once so many processes of the suite run.
+    void ExpectCancelled(const char* mode, std::size_t processes) {
+        std::thread ender([&] {
+            EXPECT_TRUE(AwaitProcesses(processes));
+            SetEvent(ended_.Get());
+        });
+        ExpectFailed(mode, SuiteOutcome::Cancelled);
+        ender.join();
+    }
+
+    const obtest::TestFolder folder_;
+    std::wstring name_ = L"letter.docx";
+    bool hasRealWorkProcess_ = false;
+    std::wstring run_;
+    ObLib::UniqueKernelHandle ended_;
+    ObLib::UniqueKernelHandle source_;
+    ObLib::UniqueKernelHandle target_;
+};
+
+TEST_F(DocumentToPdf, IsWrittenIntoTheTarget) {
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+    EXPECT_EQ(*obtest::ReadFileContent(folder_ / L"letter"), kDocument);
+    ExpectNothingLeft("good");
+}
+
+TEST_F(DocumentToPdf, IsMadeOfACopyWithANameOfItsOwn) {
+    name_ = L"--accept=x \u00FC.DOCX";
+    ASSERT_EQ(Convert("good"), SuiteOutcome::Converted);
+    const std::wstring folder = run_ + L"\\~suite1\\";
+    std::wstring url = folder + L"profile";
+    for (wchar_t& sign : url) sign = sign == L'\\' ? L'/' : sign;
+    const std::vector<std::wstring> wanted = {L"--headless",
+                                              L"--norestore",
+                                              L"--nolockcheck",
+                                              L"--nologo",
+                                              L"--nodefault",
+                                              L"-env:UserInstallation=file:///" + url,
+                                              L"--convert-to",
+                                              L"pdf",
+                                              L"--outdir",
+                                              folder + L"result",
+                                              folder + L"document.docx"};
+    EXPECT_EQ(Calls(L"argument"), wanted);
+    EXPECT_EQ(Calls(L"temporary"), std::vector<std::wstring>{folder + L"temporary\\"});
+}
+
+TEST_F(DocumentToPdf, IsConvertedWithSettingsThatForbidMacrosAndLinks) {
+    ASSERT_EQ(Convert("good"), SuiteOutcome::Converted);
+    const std::wstring text = obtest::ReadUtf8File(InSuite(L"suite-calls.txt"));
+    EXPECT_NE(text.find(L"DisableMacrosExecution"), std::wstring::npos);
+    EXPECT_NE(text.find(L"BlockUntrustedRefererLinks"), std::wstring::npos);
+}
+
+TEST_F(DocumentToPdf, UsesAFolderOfItsOwnBesideFilesThatWereThere) {
+    ASSERT_TRUE(CreateDirectoryW((run_ + L"\\~suite1").c_str(), nullptr));
+    ASSERT_TRUE(obtest::WriteFileContent(run_ + L"\\~suite1\\mine.txt", "mine"));
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Converted);
+    EXPECT_EQ(obtest::ListTree(run_),
+              (std::vector<std::wstring>{L"~suite1\\", L"~suite1\\mine.txt"}));
+}
+
+TEST_F(DocumentToPdf, TakesAFolderWithThePrefixForLongPaths) {
+    run_ = L"\\\\?\\" + run_;
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+    ASSERT_FALSE(Calls(L"argument").empty());
+    EXPECT_EQ(Calls(L"argument").back(), run_.substr(4) + L"\\~suite1\\document.docx");
+}
+
+TEST_F(DocumentToPdf, FailsWithoutAWholeResult) {
+    for (const char* mode : {"fail", "nothing", "empty", "half", "no-pdf", "crash"}) {
+        ExpectFailed(mode, SuiteOutcome::Failed);
+    }
+}
+
+TEST_F(DocumentToPdf, EndsASuiteThatHangs) {
+    ExpectFailed("hang", SuiteOutcome::NoAnswer, {500, 100000});
+    ExpectFailed("hang-in-a-child", SuiteOutcome::NoAnswer, {500, 100000});
+    ExpectFailed("hang", SuiteOutcome::NoAnswer, {100000, 500});
+}
+
+TEST_F(DocumentToPdf, EndsASuiteThatAsks) {
+    ExpectFailed("ask", SuiteOutcome::NoAnswer, {1000, 100000});
+}
+
+TEST_F(DocumentToPdf, EndsTheSuiteAtOnceWhenTheCallEnds) { ExpectCancelled("hang", 1); }
+
+TEST_F(DocumentToPdf, EndsTheSuitesOwnProcessesWhenTheCallEnds) {
+    ExpectCancelled("hang-in-a-child", 2);
+}
+
+TEST_F(DocumentToPdf, StartsNothingOnceTheCallHasEnded) {
+    SetEvent(ended_.Get());
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Cancelled);
+    EXPECT_TRUE(Calls(L"process").empty());
+}
+
+// A document with a password is a package in the older container.
+TEST_F(DocumentToPdf, StartsNothingForADocumentWithAPassword) {
+    hasRealWorkProcess_ = true;
+    std::string content("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
+    for (const char sign : std::string("EncryptedPackage")) content += {sign, '\0'};
+    source_ = Open(folder_.File(L"secret", content), GENERIC_READ, OPEN_EXISTING);
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Protected);
+    EXPECT_TRUE(Calls(L"process").empty());
+    EXPECT_EQ(obtest::ListTree(run_), std::vector<std::wstring>());
+}
+
+// The suite may be able to open what the work process can't.
+TEST_F(DocumentToPdf, LeavesADocumentThatTheWorkProcessCannotReadToTheSuite) {
+    for (const char* word : {"crash", "damaged", "too-large"}) {
+        WorkScript(word);
+        target_.Reset();
+        ASSERT_TRUE(DeleteFileW((folder_ / L"target").c_str()));
+        target_ = Open(folder_ / L"target", GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
+        EXPECT_EQ(Convert("good"), SuiteOutcome::Converted) << word;
+    }
+}
+
+TEST_F(DocumentToPdf, StartsNothingForAnotherKindOfFile) {
+    name_ = L"letter.zip";
+    EXPECT_EQ(Convert("good"), SuiteOutcome::NotADocument);
+    EXPECT_FALSE(IsDocument(source_.Get(), name_));
+    EXPECT_TRUE(IsDocument(source_.Get(), L"letter.xlsx"));
+    EXPECT_TRUE(Calls(L"process").empty());
+}
+
+TEST_F(DocumentToPdf, NeedsASuite) {
+    Unregister();
+    EXPECT_EQ(Convert("good"), SuiteOutcome::NoSuite);
+    EXPECT_TRUE(Calls(L"process").empty());
+}
+
+TEST_F(DocumentToPdf, FailsWhenTheSuiteIsNoProgram) {
+    ASSERT_TRUE(obtest::WriteFileContent(InSuite(L"soffice.exe"), "no program"));
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Failed);
+    EXPECT_EQ(obtest::ListTree(run_), std::vector<std::wstring>());
+}
+
+TEST_F(DocumentToPdf, ReportsATargetAndAFolderThatCannotBeWritten) {
+    target_ = Open(folder_ / L"target", GENERIC_READ, OPEN_EXISTING);
+    ExpectFailed("good", SuiteOutcome::Unwritable);
+    run_ += L"\\missing";
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Unwritable);
+}
+
+} // namespace
