@@ -41,6 +41,7 @@ enum class WorkKind : std::uint32_t {
     // CombineWrite writes all of them.
     CombineAdd = 10,
     CombineWrite = 11,
+    PictureToPdf = 12, // makes a PDF of a picture
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -119,6 +120,23 @@ struct WorkPhoto {
 static_assert(sizeof(WorkPhoto) == 8);
 static_assert(offsetof(WorkPhoto, quality) == 0);
 static_assert(offsetof(WorkPhoto, kinds) == 4);
+
+enum class WorkPage : std::uint32_t {
+    AsPicture = 1, // as large as the picture is at its own resolution
+    A4 = 2,
+    Letter = 3,
+};
+
+// The settings of PictureToPdf. Changed: the target is a whole PDF, which its first bytes show.
+// Unchanged: an animation. Not supported: another kind of file or, with the finding "no-decoder", a
+// photo that nothing on the machine decodes.
+struct WorkPdf {
+    WorkPage page;
+    std::uint32_t reserved; // zero
+};
+static_assert(sizeof(WorkPdf) == 8);
+static_assert(offsetof(WorkPdf, page) == 0);
+static_assert(offsetof(WorkPdf, reserved) == 4);
 
 enum class WorkPlace : std::uint32_t {
     TopLeft = 1,
@@ -205,6 +223,7 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
     {WorkKind::CombineAdd, sizeof(WorkCombineAdd) + 2,
      sizeof(WorkCombineAdd) + 2 * kMostCombineTitle, true, false},
     {WorkKind::CombineWrite, sizeof(WorkPlain), sizeof(WorkPlain), false, true},
+    {WorkKind::PictureToPdf, sizeof(WorkPdf), sizeof(WorkPdf), true, true},
     {WorkKind::Measure, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
     {WorkKind::FitAdd, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
     {WorkKind::FitSearch, sizeof(WorkFitSearch), sizeof(WorkFitSearch), false, false},

@@ -2,6 +2,7 @@
 
 #include "services/transforms/CleanWork.h"
 #include "services/transforms/MeasureWork.h"
+#include "services/transforms/PdfWork.h"
 #include "services/transforms/PhotoWork.h"
 #include "services/transforms/PictureWork.h"
 #include "services/transforms/WatermarkWork.h"
@@ -23,6 +24,7 @@ constexpr RequestRow kRequests[] = {
     {WorkKind::Measure, &Measure},
     {WorkKind::ConvertPhoto, &ConvertPhotoFile},
     {WorkKind::Watermark, &AddWatermark},
+    {WorkKind::PictureToPdf, &MakePdf},
 };
 
 // The requests that belong together.

@@ -35,16 +35,15 @@ std::optional<PhotoRequest> Asked(const WorkPhoto& settings) {
                         library ? std::move(*library) : std::wstring()};
 }
 
-// Whether the file is a photo of these kinds.
-bool IsWanted(PictureSource& source, unsigned kinds) {
+} // namespace
+
+bool IsPhotoOf(PictureSource& source, unsigned kinds) {
     try {
         return (static_cast<unsigned>(PhotoFormOf(source).kind) & kinds) != 0;
     } catch (const PictureFailure&) {
         return false; // it can't be read any more
     }
 }
-
-} // namespace
 
 std::optional<WorkEnd> ConvertPhotoFile(const WorkRequest& request, WorkChannel& channel) {
     const auto asked = Asked(request.SettingsAs<WorkPhoto>());
@@ -55,7 +54,7 @@ std::optional<WorkEnd> ConvertPhotoFile(const WorkRequest& request, WorkChannel&
     PictureWatch watch(channel);
     PictureOutcome outcome = ConvertPhoto(source, target, *asked, watch.Control());
     if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
-    if (outcome == PictureOutcome::Unsupported && IsWanted(source, asked->kinds) &&
+    if (outcome == PictureOutcome::Unsupported && IsPhotoOf(source, asked->kinds) &&
         !channel.SendFinding("no-decoder", 1)) {
         return {};
     }

@@ -4,11 +4,15 @@
 #include <optional>
 
 #include "services/transforms/WorkChannel.h"
+#include "services/transforms/raster/PictureFile.h"
 
 namespace transforms {
 
 // ConvertPhoto: writes a JPEG or PNG of the photo into the target, unless it passes. HEIC photos
 // need the library beside the program, or a codec of the system. Results as for CarryOut.
 std::optional<WorkEnd> ConvertPhotoFile(const WorkRequest& request, WorkChannel& channel);
+
+// Whether the file is a photo of one of these kinds. False when it can't be read.
+bool IsPhotoOf(PictureSource& source, unsigned kinds);
 
 } // namespace transforms

@@ -25,6 +25,8 @@ public:
     JpegReader& operator=(const JpegReader&) = delete;
 
     const PictureControl& control() const noexcept { return control_; }
+    // How much of the file the library has taken.
+    std::uint64_t Position() const noexcept { return offset_ - reading_.bytes_in_buffer; }
     // From here on the file may be of any length; what is before the picture is kept in memory.
     void EndHeader() noexcept { inHeader_ = false; }
 

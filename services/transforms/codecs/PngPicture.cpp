@@ -62,6 +62,35 @@ public:
         form_.hasAlpha = form_.channels % 2 == 0;
     }
 
+    // The same, for rows without any conversion where they have a palette or less than 8 bits a
+    // sample; transparent colours need one. Whether the rows come so.
+    bool StartPacked() {
+        if ((!IsIndexed() && form_.bits >= 8) || png_get_valid(png_, info_, PNG_INFO_tRNS)) {
+            Start();
+            return false;
+        }
+        passes_ = png_set_interlace_handling(png_);
+        png_read_update_info(png_, info_);
+        form_.size.width = static_cast<std::uint32_t>(png_get_rowbytes(png_, info_));
+        form_.channels = 1;
+        form_.bits = 8;
+        return true;
+    }
+
+    PictureBytes Palette() const {
+        png_colorp colours = nullptr;
+        int count = 0;
+        PictureBytes bytes;
+        if (!png_get_PLTE(png_, info_, &colours, &count)) return bytes;
+        for (int i = 0; i < count; ++i)
+            bytes.insert(bytes.end(), {colours[i].red, colours[i].green, colours[i].blue});
+        return bytes;
+    }
+
+    bool IsIndexed() const noexcept {
+        return png_get_color_type(png_, info_) == PNG_COLOR_TYPE_PALETTE;
+    }
+
     void Read(std::uint8_t* row) override {
         if (passes_ > 1) return CopyRow(row);
         png_read_row(png_, row, nullptr);
@@ -187,6 +216,18 @@ private:
 
 PictureSize PngSize(PictureSource& source, const PictureControl& control) {
     return PngReader(source, control).Form().size;
+}
+
+PngPixels OpenPngPixels(PictureSource& source, const PictureControl& control) {
+    auto reader = std::make_unique<PngReader>(source, control);
+    PngPixels pixels{nullptr, reader->Form().size, reader->Form().bits};
+    pixels.isPacked = reader->StartPacked();
+    if (!pixels.isPacked)
+        pixels.bits = reader->Form().bits;
+    else if (reader->IsIndexed())
+        pixels.palette = reader->Palette();
+    pixels.rows = std::move(reader);
+    return pixels;
 }
 
 void ShrinkPng(PictureSource& source, PictureTarget& target, const ShrinkStep& step,

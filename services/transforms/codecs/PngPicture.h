@@ -3,8 +3,11 @@
 // bits become 8 bits a channel, as averages of their colours have no place in them.
 #pragma once
 
+#include <memory>
+
 #include "services/transforms/raster/PictureControl.h"
 #include "services/transforms/raster/PictureFile.h"
+#include "services/transforms/raster/Raster.h"
 #include "services/transforms/raster/ShrinkStep.h"
 
 namespace transforms {
@@ -13,5 +16,18 @@ namespace transforms {
 PictureSize PngSize(PictureSource& source, const PictureControl& control);
 void ShrinkPng(PictureSource& source, PictureTarget& target, const ShrinkStep& step,
                const PictureControl& control);
+
+// The rows as they are stored, for a conversion without loss. `source` and `control` must outlive
+// them. Throws PictureFailure.
+struct PngPixels {
+    std::unique_ptr<RowReader> rows;
+    PictureSize size;
+    unsigned bits = 8;
+    // Samples below 8 bits, and those that are indices, come as bytes: the rows' form has one
+    // channel then, and its width counts bytes.
+    bool isPacked = false;
+    PictureBytes palette; // red, green and blue of each index; empty for samples of other kinds
+};
+PngPixels OpenPngPixels(PictureSource& source, const PictureControl& control);
 
 } // namespace transforms

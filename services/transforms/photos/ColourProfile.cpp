@@ -86,6 +86,20 @@ ProfileSpace SpaceOfProfile(std::span<const std::uint8_t> profile) noexcept {
                         : ProfileSpace::None;
 }
 
+bool IsSoundProfile(std::span<const std::uint8_t> profile) noexcept {
+    constexpr std::uint32_t kForms[] = {0, TYPE_GRAY_8, TYPE_RGB_8, TYPE_CMYK_8};
+    const auto form = kForms[static_cast<std::size_t>(SpaceOfProfile(profile))];
+    if (form == 0) return false;
+    const UniqueProfile opened(
+        cmsOpenProfileFromMem(profile.data(), static_cast<cmsUInt32Number>(profile.size())));
+    const UniqueProfile srgb(cmsCreate_sRGBProfile());
+    if (!opened || !srgb) return false;
+    cmsHTRANSFORM const way = cmsCreateTransform(opened.get(), form, srgb.get(), TYPE_RGB_8,
+                                                 INTENT_PERCEPTUAL, cmsFLAGS_NOOPTIMIZE);
+    if (way) cmsDeleteTransform(way);
+    return way != nullptr;
+}
+
 PictureBytes ProfileOfNumbers(unsigned primaries, unsigned transfer) {
     const auto row = std::ranges::find(kPrimaries, primaries, &PrimariesRow::number);
     if (row == std::end(kPrimaries)) return {};

@@ -17,6 +17,10 @@ enum class ProfileSpace { None, Grey, Rgb, Cmyk };
 // By the header; None for what is no profile, or one for other samples.
 ProfileSpace SpaceOfProfile(std::span<const std::uint8_t> profile) noexcept;
 
+// Whether the colour library can convert by the profile, which has to be for one of the three kinds
+// of samples: one that is damaged, or of a later standard, isn't sound.
+bool IsSoundProfile(std::span<const std::uint8_t> profile) noexcept;
+
 // The profile for colours that a file names by the numbers of ISO/IEC 23091-2. Empty for those of
 // sRGB and for numbers that have none. Throws PictureFailure.
 PictureBytes ProfileOfNumbers(unsigned primaries, unsigned transfer);

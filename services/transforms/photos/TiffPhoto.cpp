@@ -86,64 +86,76 @@ private:
     std::size_t next_ = 0;
 };
 
-// The rows with the file that they come from.
-class TiffPhotoRows final : public RowReader {
-public:
-    TiffPhotoRows(PictureSource& source, const PictureControl& control) : file_(source, control) {
-        if (!TIFFLastDirectory(file_.get())) return;
-        try {
-            rows_ = OpenTiffRows(file_, control);
-        } catch (const PictureFailure& failure) {
-            if (failure.outcome != PictureOutcome::Unsupported) throw;
-            rows_ = std::make_unique<ShownRows>(file_, SizeOf(), control);
-            isShown_ = true;
-        }
+unsigned OrientationOf(TIFF* tiff) noexcept {
+    const unsigned orientation = Short(tiff, TIFFTAG_ORIENTATION);
+    return orientation >= 1 && orientation <= 8 ? orientation : 1;
+}
+
+PictureBytes ProfileOf(TIFF* tiff) {
+    std::uint32_t size = 0;
+    void* bytes = nullptr;
+    if (!TIFFGetField(tiff, TIFFTAG_ICCPROFILE, &size, &bytes)) return {};
+    const auto* first = static_cast<const std::uint8_t*>(bytes);
+    return {first, first + size};
+}
+
+PictureSize SizeOf(TIFF* tiff) noexcept {
+    PictureSize size;
+    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &size.width);
+    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &size.height);
+    return size;
+}
+
+// Null for a page that only the library itself can show.
+std::unique_ptr<RowReader> OpenRows(TiffFile& file, const PictureControl& control) {
+    try {
+        return OpenTiffRows(file, control);
+    } catch (const PictureFailure& failure) {
+        if (failure.outcome != PictureOutcome::Unsupported) throw;
+        return {};
     }
-    bool HasManyPages() const noexcept { return !rows_; }
+}
+
+// The rows with the file that they come from.
+class OwnedTiffRows final : public RowReader {
+public:
+    OwnedTiffRows(std::unique_ptr<TiffFile> file, std::unique_ptr<RowReader> rows) noexcept
+        : file_(std::move(file)), rows_(std::move(rows)) {}
     const RasterForm& Form() const noexcept override { return rows_->Form(); }
     void Read(std::uint8_t* row) override { rows_->Read(row); }
 
-    PhotoSamples Samples() const noexcept {
-        return isShown_ ? PhotoSamples::Rgb : SamplesOf(file_.get());
-    }
-    unsigned Orientation() const noexcept {
-        const unsigned orientation = Short(file_.get(), TIFFTAG_ORIENTATION);
-        return orientation >= 1 && orientation <= 8 ? orientation : 1;
-    }
-    PictureBytes Profile() const {
-        std::uint32_t size = 0;
-        void* bytes = nullptr;
-        if (!TIFFGetField(file_.get(), TIFFTAG_ICCPROFILE, &size, &bytes)) return {};
-        const auto* first = static_cast<const std::uint8_t*>(bytes);
-        return {first, first + size};
-    }
-
 private:
-    PictureSize SizeOf() const {
-        PictureSize size;
-        TIFFGetField(file_.get(), TIFFTAG_IMAGEWIDTH, &size.width);
-        TIFFGetField(file_.get(), TIFFTAG_IMAGELENGTH, &size.height);
-        return size;
-    }
-
-    TiffFile file_;
+    std::unique_ptr<TiffFile> file_;
     std::unique_ptr<RowReader> rows_;
-    bool isShown_ = false;
 };
 
 } // namespace
 
-std::optional<DecodedPhoto> DecodeTiff(PictureSource& source, const PictureControl& control) {
-    auto rows = std::make_unique<TiffPhotoRows>(source, control);
-    if (rows->HasManyPages()) return {};
+DecodedPhoto DecodeTiffPage(TiffFile& file, const PictureControl& control) {
     DecodedPhoto photo;
-    photo.samples = rows->Samples();
-    photo.orientation = rows->Orientation();
-    photo.profile = rows->Profile();
-    PictureSize size = rows->Form().size;
+    photo.orientation = OrientationOf(file.get());
+    photo.profile = ProfileOf(file.get());
+    photo.rows = OpenRows(file, control);
+    if (photo.rows)
+        photo.samples = SamplesOf(file.get());
+    else
+        photo.rows = std::make_unique<ShownRows>(file, SizeOf(file.get()), control);
+    return photo;
+}
+
+bool IsTiffPageServed(TiffFile& file, const PictureControl& control) {
+    char message[1024];
+    return OpenRows(file, control) || TIFFRGBAImageOK(file.get(), message);
+}
+
+std::optional<DecodedPhoto> DecodeTiff(PictureSource& source, const PictureControl& control) {
+    auto file = std::make_unique<TiffFile>(source, control);
+    if (!TIFFLastDirectory(file->get())) return {};
+    DecodedPhoto photo = DecodeTiffPage(*file, control);
+    PictureSize size = photo.rows->Form().size;
     if (photo.orientation >= 5) std::swap(size.width, size.height);
     photo.exif = CarriedExif(TiffDirectories(source), size);
-    photo.rows = std::move(rows);
+    photo.rows = std::make_unique<OwnedTiffRows>(std::move(file), std::move(photo.rows));
     return photo;
 }
 

@@ -1,0 +1,217 @@
+#!/usr/bin/env python3
+"""Has PDFs made of pictures of every form under Wine and asks other people's tools what is in them.
+
+They made the pictures too: JPEG data must be those of the file, other pixels equal, pages as large and as
+upright as the picture, and no tool may have anything to say about a file.
+"""
+import argparse
+import os
+import subprocess
+import sys
+import tempfile
+
+SIZE = "400x300"
+MADE, UNCHANGED, UNSUPPORTED, DAMAGED = 0, 1, 2, 3
+# A second thread of these tools only waits, on pictures of this size.
+ENV = dict(os.environ, LC_ALL="C.UTF-8", TZ="UTC", OMP_NUM_THREADS="1", MAGICK_THREAD_LIMIT="1")
+BASE = ["base.miff"]
+# Name: what convert makes the picture from.
+JPEGS = {
+    "plain.jpg": [*BASE, "-quality", "93", "-units", "PixelsPerInch", "-density", "200"],
+    "progressive.jpg": [*BASE, "-interlace", "JPEG"],
+    "grey.jpg": [*BASE, "-colorspace", "Gray"],
+    "cmyk.jpg": [*BASE, "-colorspace", "CMYK"],
+    "turned.jpg": [*BASE, "-quality", "90"],
+}
+LOSSLESS = {
+    "plain.png": [*BASE, "-depth", "8", "-units", "PixelsPerInch", "-density", "150"],
+    "deep.png": [*BASE, "-depth", "16"],
+    "grey.png": [*BASE, "-colorspace", "Gray", "-depth", "8"],
+    "interlaced.png": [*BASE, "-depth", "8", "-interlace", "PNG"],
+    "palette.png": [*BASE, "-colors", "13", "-type", "Palette"],
+    "alpha.png": ["-size", SIZE, "gradient:red-none"],
+    "still.gif": [*BASE, "-colors", "200"],
+    "woven.gif": [*BASE, "-colors", "200", "-interlace", "GIF"],
+    "plain.bmp": [*BASE, "-type", "TrueColor"],
+    "lossless.webp": [*BASE, "-define", "webp:lossless=true"],
+    "deep.tif": [*BASE, "-depth", "16", "-compress", "LZW"],
+    "fax.tif": [*BASE, "-monochrome", "-compress", "Group4"],
+    "palette.tif": [*BASE, "-colors", "16", "-type", "Palette", "-compress", "LZW"],
+    "cmyk.tif": [*BASE, "-depth", "8", "-colorspace", "CMYK", "-compress", "Zip"],
+    "turned.png": [*BASE, "-depth", "8"],
+}
+# pdfimages takes 8 of 16 bits; colours of a palette have 8 bits in a PDF and 16 in a TIFF file.
+ROUNDED = ("deep.png", "deep.tif", "palette.tif")
+failures = []
+
+
+def check(condition, text):
+    if not condition:
+        failures.append(text)
+        print(f"FAILED: {text}", flush=True)
+
+
+def run(*command):
+    return subprocess.run(command, env=ENV, stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", check=False)
+
+
+def made(command):
+    result = run(*command)
+    if result.returncode != 0:
+        sys.exit(f"{' '.join(command)}: {result.stderr}")
+
+
+def windows(path):
+    return "Z:" + path.replace("/", "\\")
+
+
+def make_pictures(work, folder):
+    base = os.path.join(work, "base.miff")
+    made(["convert", "-seed", "7", "-size", SIZE, "plasma:tomato-steelblue", base])
+    for name, options in {**JPEGS, **LOSSLESS}.items():
+        made(["convert", *[base if word == BASE[0] else word for word in options], os.path.join(folder, name)])
+    made(["exiftool", "-q", "-n", "-overwrite_original", "-Orientation=6", "-Artist=A name", "-XMP-dc:Title=A title",
+          *[os.path.join(folder, name) for name in ("turned.jpg", "turned.png")]])
+    made(["convert", "-delay", "10", "-size", SIZE, "xc:red", "xc:blue", os.path.join(folder, "moving.gif")])
+    made(["convert", "-size", SIZE, "xc:red", "xc:blue", "xc:green", os.path.join(folder, "pages.tif")])
+    made(["convert", base, os.path.join(work, "base.ppm")])
+    made(["cjpeg", "-arithmetic", "-outfile", os.path.join(folder, "arithmetic.jpg"), os.path.join(work, "base.ppm")])
+    with open(os.path.join(folder, "plain.jpg"), "rb") as file:
+        whole = file.read()
+    with open(os.path.join(folder, "cut.jpg"), "wb") as file:
+        file.write(whole[:len(whole) // 2])
+    with open(os.path.join(folder, "letter.txt"), "w", encoding="ascii") as file:
+        file.write("Dear all\n")
+
+
+def make_pdfs(options, page, source, target):
+    os.mkdir(target)
+    result = run(options.wine_run, "--timeout", "120", "--", options.tool, page, windows(source), windows(target))
+    if result.returncode != 0:
+        sys.exit(f"topdf_tool ended with {result.returncode}: {result.stdout}{result.stderr}")
+    return {name: int(outcome) for name, outcome in (line.split("\t") for line in result.stdout.splitlines() if "\t" in line)}
+
+
+def check_outcomes(outcomes):
+    expected = {**{name: MADE for name in (*JPEGS, *LOSSLESS, "pages.tif", "arithmetic.jpg")}, "moving.gif": UNCHANGED,
+                "cut.jpg": DAMAGED, "letter.txt": UNSUPPORTED}
+    for name, outcome in expected.items():
+        check(outcomes.get(name) == outcome, f"{name}: outcome {outcomes.get(name)}, not {outcome}")
+
+
+def check_files(folder):
+    for name in sorted(os.listdir(folder)):
+        path = os.path.join(folder, name)
+        result = run("qpdf", "--check", path)
+        check(result.returncode == 0 and "WARNING" not in result.stdout + result.stderr, f"{name}: qpdf: {result.stdout}{result.stderr}")
+        result = run("pdfinfo", path)
+        check(result.returncode == 0 and not result.stderr, f"{name}: pdfinfo: {result.stderr}")
+        check("Producer" not in result.stdout and "Date" not in result.stdout, f"{name}: has information: {result.stdout}")
+
+
+def pictures_in(path, work):
+    """What pdfimages takes out of a PDF: files in their own forms, and its table's rows."""
+    prefix = os.path.join(work, "taken")
+    for old in os.listdir(work):
+        if old.startswith("taken"):
+            os.remove(os.path.join(work, old))
+    result = run("pdfimages", "-all", path, prefix)
+    check(result.returncode == 0 and not result.stderr, f"{path}: pdfimages: {result.stderr}")
+    rows = [line.split() for line in run("pdfimages", "-list", path).stdout.splitlines()[2:]]
+    return sorted(os.path.join(work, name) for name in os.listdir(work) if name.startswith("taken")), rows
+
+
+def check_jpegs(source, target, work):
+    for name in JPEGS:
+        taken, rows = pictures_in(os.path.join(target, name + ".pdf"), work)
+        check(len(rows) == 1 and rows[0][8] == "jpeg", f"{name}: {rows}")
+        with open(os.path.join(source, name), "rb") as old, open(taken[0], "rb") as new:
+            check(old.read() == new.read(), f"{name}: the JPEG's data changed")
+
+
+def shown(path, name, work):
+    """The first page, a point for each pixel of the picture."""
+    size = run("pdfinfo", path).stdout.split("Page size:")[1].split()
+    turned = name.startswith("turned")
+    width, height = (300, 400) if turned else (400, 300)
+    check((float(size[0]) < float(size[2])) == turned, f"{name}: the page is {size[:3]}")
+    result = run("pdftoppm", "-png", "-scale-to-x", str(width), "-scale-to-y", str(height), path, os.path.join(work, "page"))
+    check(result.returncode == 0 and not result.stderr, f"{name}: pdftoppm: {result.stderr}")
+    pages = sorted(entry for entry in os.listdir(work) if entry.startswith("page"))
+    for page in pages[1:]:
+        os.remove(os.path.join(work, page))
+    os.replace(os.path.join(work, pages[0]), os.path.join(work, "shown.png"))
+    return os.path.join(work, "shown.png")
+
+
+def check_likeness(source, target, work, metric, least, names):
+    for name in names:
+        page = shown(os.path.join(target, name + ".pdf"), name, work)
+        turn = ["-rotate", "90"] if name.startswith("turned") else []
+        result = run("convert", "(", os.path.join(source, name) + "[0]", *turn, "-background", "white", "-alpha", "remove",
+                     "-colorspace", "sRGB", ")", page, "-resize", "25%", "-metric", metric, "-compare", "-format", "%[distortion]", "info:")
+        check(result.returncode == 0, f"{name}: {result.stderr}")
+        check(result.stdout == "inf" or float(result.stdout or 0) > least, f"{name}: the page looks unlike the picture: {result.stdout}")
+
+
+def check_samples(source, target, work):
+    """The pixels that another tool takes out are those of the picture."""
+    for name in LOSSLESS:
+        taken, _ = pictures_in(os.path.join(target, name + ".pdf"), work)
+        options = ["-alpha", "off"] if name == "alpha.png" else ["-fuzz", "1%"] if name in ROUNDED else []
+        result = run("compare", "-metric", "AE", *options, os.path.join(source, name), taken[0], "null:")
+        check(result.stderr.strip() == "0", f"{name}: {result.stderr} pixels differ from {os.path.basename(taken[0])}")
+
+
+def check_pages(folder):
+    def page_of(name):
+        return run("pdfinfo", os.path.join(folder, name + ".pdf")).stdout.split("Page size:")[1].splitlines()[0].strip()
+
+    check(page_of("plain.jpg").startswith("144 x 108 pts"), f"plain.jpg: {page_of('plain.jpg')}")
+    check(page_of("plain.png").startswith("192.0"), f"plain.png: {page_of('plain.png')}")  # a whole number of pixels a metre
+    pages = run("qpdf", "--show-npages", os.path.join(folder, "pages.tif.pdf")).stdout.strip()
+    check(pages == "3", f"pages.tif: {pages} pages")
+
+
+def check_sheets(folder):
+    for name in ("plain.png", "turned.jpg"):
+        text = run("pdfinfo", os.path.join(folder, name + ".pdf")).stdout
+        check("(A4)" in text, f"{name}: {text}")
+
+
+def check_cleaned(target):
+    with open(os.path.join(target, "turned.jpg.pdf"), "rb") as file:
+        check(b"A name" in file.read(), "the JPEG's data lack their author")
+    with open(os.path.join(target, "turned.jpg.clean.pdf"), "rb") as file:
+        check(b"A name" not in file.read(), "the author is still in the cleaned PDF")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--wine-run", required=True)
+    parser.add_argument("--tool", required=True)
+    options = parser.parse_args()
+    with tempfile.TemporaryDirectory() as work:
+        source, target, sheets = (os.path.join(work, name) for name in ("source", "target", "sheets"))
+        os.mkdir(source)
+        make_pictures(work, source)
+        check_outcomes(make_pdfs(options, "picture", source, target))
+        few = os.path.join(work, "few")
+        os.mkdir(few)
+        for name in ("plain.png", "turned.jpg"):
+            os.link(os.path.join(source, name), os.path.join(few, name))
+        make_pdfs(options, "a4", few, sheets)
+        check_files(target)
+        check_files(sheets)
+        check_jpegs(source, target, work)
+        check_samples(source, target, work)
+        check_likeness(source, target, work, "PSNR", 30, [name for name in (*JPEGS, *LOSSLESS) if "cmyk" not in name])
+        check_pages(target)
+        check_sheets(sheets)
+        check_cleaned(target)
+    print(f"{len(JPEGS) + len(LOSSLESS)} pictures looked at by qpdf, pdfimages, pdftoppm and convert; {len(failures)} failures")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
