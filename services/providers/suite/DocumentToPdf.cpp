@@ -1,11 +1,13 @@
 #include "services/providers/suite/DocumentToPdf.h"
 
-#include <string_view>
+#include <memory>
+#include <optional>
+#include <utility>
 
-#include "ObLib/Src/Win32/ScopeExit.h"
 #include "services/providers/suite/DocumentKind.h"
 #include "services/providers/suite/FileContent.h"
 #include "services/providers/suite/InstalledSuite.h"
+#include "services/providers/suite/OfficeRun.h"
 #include "services/providers/suite/SuiteFolder.h"
 #include "services/providers/suite/SuiteProcess.h"
 #include "services/providers/suite/SuiteProfile.h"
@@ -27,20 +29,21 @@ std::wstring CopyName(const OfficeDocument& document) {
     return std::wstring(L"document.") + document.extension;
 }
 
-bool WriteSettings(const SuiteFolder& folder) {
+bool MakeProfile(const SuiteFolder& folder) {
+    for (const wchar_t* part : {kTemporary, kProfile, L"profile\\user"}) {
+        if (!folder.MakeFolder(part)) return false;
+    }
     const UniqueKernelHandle file(folder.MakeFile(kSettings));
     const std::string text = SuiteProfile();
     return file && ObLib::WriteWhole(file.Get(), text.data(), text.size());
 }
 
-// Converted: all that the suite needs is in the folder.
+// Converted: the document and an empty folder for the result are in the folder.
 SuiteOutcome Fill(const SuiteFolder& folder, HANDLE source, const std::wstring& name,
                   CallWait& wait) {
-    for (const wchar_t* part : {kResultFolder, kTemporary, kProfile, L"profile\\user"}) {
-        if (!folder.MakeFolder(part)) return SuiteOutcome::Unwritable;
-    }
+    if (!folder.MakeFolder(kResultFolder)) return SuiteOutcome::Unwritable;
     const UniqueKernelHandle copy(folder.MakeFile(name.c_str()));
-    if (!copy || !WriteSettings(folder)) return SuiteOutcome::Unwritable;
+    if (!copy) return SuiteOutcome::Unwritable;
     switch (CopyContent(source, copy.Get(), [&] { return wait.IsEnded(); })) {
     case CopiedContent::Whole:
         return SuiteOutcome::Converted;
@@ -60,37 +63,76 @@ std::wstring Arguments(const SuiteFolder& folder, const std::wstring& name) {
            folder / kResultFolder + L"\" \"" + folder / name + L'"';
 }
 
-// Converted: the suite has ended and reported success. An exit code is its word; the file counts.
-SuiteOutcome Await(HANDLE process, HANDLE job, CallWait& wait, const SuiteLimits& limits) {
+// Converted: the process or thread that works has ended.
+SuiteOutcome Await(HANDLE working, HANDLE job, CallWait& wait, const SuiteLimits& limits) {
     constexpr DWORD kStep = 250; // milliseconds between two looks at its work
     SuiteWatch watch(limits, GetTickCount64());
     for (;;) {
-        switch (wait.Until(process, kStep)) {
+        switch (wait.Until(working, kStep)) {
         case Waited::Ended:
             return SuiteOutcome::Cancelled;
         case Waited::TimedOut:
             if (watch.IsHung(TimeOfJob(job), GetTickCount64())) return SuiteOutcome::NoAnswer;
             break;
-        case Waited::Signalled: {
-            DWORD code = 1;
-            GetExitCodeProcess(process, &code);
-            return code == 0 ? SuiteOutcome::Converted : SuiteOutcome::Failed;
-        }
+        case Waited::Signalled:
+            return SuiteOutcome::Converted;
         }
     }
 }
 
+bool HasSucceeded(HANDLE process) {
+    DWORD code = 1;
+    return GetExitCodeProcess(process, &code) && code == 0;
+}
+
 SuiteOutcome RunSuite(const std::wstring& program, const SuiteFolder& folder,
                       const std::wstring& name, CallWait& wait, const SuiteLimits& limits) {
+    if (!MakeProfile(folder)) return SuiteOutcome::Unwritable;
     const UniqueKernelHandle job = MakeSuiteJob();
     if (!job) return SuiteOutcome::Failed;
     const UniqueKernelHandle process =
         StartSuite({program, Arguments(folder, name), folder / kTemporary}, job.Get());
     if (!process) return SuiteOutcome::Failed;
     const SuiteOutcome outcome = Await(process.Get(), job.Get(), wait, limits);
+    const bool succeeded = HasSucceeded(process.Get());
     EndJob(job.Get());
     WaitForSingleObject(process.Get(), INFINITE);
+    return outcome == SuiteOutcome::Converted && !succeeded ? SuiteOutcome::Failed : outcome;
+}
+
+SuiteOutcome OutcomeOf(OfficeEnd end) {
+    if (end == OfficeEnd::Busy) return SuiteOutcome::Busy;
+    return end == OfficeEnd::Written ? SuiteOutcome::Converted : SuiteOutcome::Failed;
+}
+
+// A program that doesn't even start keeps the thread waiting; it isn't waited for then.
+SuiteOutcome RunOffice(DocumentKind kind, const InstalledOffice& office, const SuiteFolder& folder,
+                       const std::wstring& name, CallWait& wait, const SuiteLimits& limits) {
+    constexpr DWORD kEndLimit = 5000; // milliseconds
+    UniqueKernelHandle job = MakeSuiteJob();
+    if (!job) return SuiteOutcome::Failed;
+    const auto run =
+        std::make_shared<OfficeRun>(kind, office, folder / name, folder / kResult, std::move(job));
+    const UniqueKernelHandle thread = OfficeRun::Start(run);
+    if (!thread) return SuiteOutcome::Failed;
+    const SuiteOutcome outcome = Await(thread.Get(), run->Job(), wait, limits);
+    if (outcome == SuiteOutcome::Converted) return OutcomeOf(run->End());
+    run->Abandon();
+    WaitForSingleObject(thread.Get(), kEndLimit);
     return outcome;
+}
+
+// The programs that can convert a document of this kind.
+struct SuiteFound {
+    std::wstring suite;
+    std::optional<InstalledOffice> office; // only looked for without a suite
+};
+
+std::optional<SuiteFound> SuiteFor(DocumentKind kind) {
+    SuiteFound found{InstalledSuite(), {}};
+    if (found.suite.empty()) found.office = OfficeFor(kind);
+    if (found.suite.empty() && !found.office) return {};
+    return found;
 }
 
 // The handle's position counts from the start again.
@@ -121,7 +163,10 @@ bool NeedsPassword(HANDLE source, WorkProcess& process, CallWait& wait) {
 
 } // namespace
 
-bool IsSuiteThere() { return !InstalledSuite().empty(); }
+bool IsSuiteThere() {
+    return SuiteFor(DocumentKind::Text) || OfficeFor(DocumentKind::Table) ||
+           OfficeFor(DocumentKind::Slides);
+}
 
 bool IsDocument(HANDLE source, const std::wstring& name) {
     return DocumentOf(source, name).has_value();
@@ -131,8 +176,8 @@ SuiteOutcome ConvertDocument(const SuiteDocument& document, HANDLE target, WorkP
                              CallWait& wait, const SuiteLimits& limits) {
     const auto form = DocumentOf(document.source, document.name);
     if (!form) return SuiteOutcome::NotADocument;
-    const std::wstring program = InstalledSuite();
-    if (program.empty()) return SuiteOutcome::NoSuite;
+    const auto found = SuiteFor(form->kind);
+    if (!found) return SuiteOutcome::NoSuite;
     if (NeedsPassword(document.source, process, wait)) return SuiteOutcome::Protected;
     if (wait.IsEnded()) return SuiteOutcome::Cancelled;
     const auto folder = SuiteFolder::MakeBelow(document.folder);
@@ -140,7 +185,8 @@ SuiteOutcome ConvertDocument(const SuiteDocument& document, HANDLE target, WorkP
     const std::wstring name = CopyName(*form);
     SuiteOutcome outcome = Fill(*folder, document.source, name, wait);
     if (outcome != SuiteOutcome::Converted) return outcome;
-    outcome = RunSuite(program, *folder, name, wait, limits);
+    outcome = found->office ? RunOffice(form->kind, *found->office, *folder, name, wait, limits)
+                            : RunSuite(found->suite, *folder, name, wait, limits);
     return outcome == SuiteOutcome::Converted ? TakeResult(*folder, target) : outcome;
 }
 

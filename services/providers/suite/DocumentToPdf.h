@@ -1,4 +1,5 @@
-// Office documents become PDFs by an office suite that is installed on the machine.
+// Office documents become PDFs by an office suite that is installed on the machine: LibreOffice as
+// a program of its own, otherwise Microsoft Office, whose programs are driven by automation.
 #pragma once
 
 #include <windows.h>
@@ -21,6 +22,7 @@ enum class SuiteOutcome : std::uint8_t {
     NoAnswer,     // the suite asked or hung, and was ended
     Unwritable,   // the target or the suite's own folder can't be written, as on a full disk
     Cancelled,    // the call was to end; the suite was ended
+    Busy,         // the user has the office program open, and it can't be started a second time
 };
 
 // A document to convert. The suite never gets the file itself but a copy below `folder`, so that
@@ -40,9 +42,9 @@ bool IsSuiteThere();
 // aren't documents here: everybody can open them, and their look would be a guess.
 bool IsDocument(HANDLE source, const std::wstring& name);
 
-// Writes the document as PDF into `target`, a new empty file that is open for reading and writing
-// and stays the caller's; it is empty again unless the outcome is Converted. Macros aren't run, and
-// links and linked pictures aren't loaded. The suite works in a folder of its own below the
+// Writes the document as PDF into `target`, a new empty file that is open for writing
+// and stays the caller's; it is empty again unless the outcome is Converted. Macros aren't run and
+// links aren't updated. The suite works in a folder of its own below the
 // document's folder, which is deleted in every outcome, and is ended in every outcome. `process`
 // looks first whether the document needs a password. Called by a stage on its thread; returns soon
 // after the wait has ended. Throws std::bad_alloc, with nothing left behind.

@@ -94,6 +94,11 @@ std::uint64_t TimeOfJob(HANDLE job) noexcept {
 
 void EndJob(HANDLE job) noexcept { TerminateJobObject(job, 1); }
 
+void FreeJob(HANDLE job) noexcept {
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION none{};
+    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &none, sizeof none);
+}
+
 UniqueKernelHandle StartSuite(const SuiteStart& start, HANDLE job) {
     const UniqueKernelHandle token = MakeToken();
     HANDLE jobs[] = {job};

@@ -20,6 +20,9 @@ std::uint64_t TimeOfJob(HANDLE job) noexcept;
 // Ends the processes of the job.
 void EndJob(HANDLE job) noexcept;
 
+// The processes of the job go on without this one from now on.
+void FreeJob(HANDLE job) noexcept;
+
 struct SuiteStart {
     std::wstring program;   // full path
     std::wstring arguments; // after the program's name on the command line

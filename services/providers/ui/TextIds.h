@@ -83,6 +83,7 @@
 #define OB_TEXT_SUITE_FAILED 722
 #define OB_TEXT_SUITE_NO_ANSWER 723
 #define OB_TEXT_SUITE_NOT_READY 724 // of all documents
+#define OB_TEXT_SUITE_BUSY 725
 
 // What was found in a file.
 #define OB_TEXT_FOUND_OTHER 560

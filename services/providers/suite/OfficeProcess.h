@@ -1,0 +1,18 @@
+// Which processes of an office program run.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+namespace providers {
+
+// The ids of the processes that run the program with this full path, in ascending order. May throw
+// std::bad_alloc.
+std::vector<DWORD> ProcessesOf(const std::wstring& program);
+
+// Those of `now` that aren't in `before`; both are in ascending order.
+std::vector<DWORD> NewOf(const std::vector<DWORD>& before, const std::vector<DWORD>& now);
+
+} // namespace providers

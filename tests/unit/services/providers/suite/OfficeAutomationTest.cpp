@@ -1,0 +1,346 @@
+// A document's way through an office program that is driven by automation: a recording program
+// stands in its place, since no real one can be had here.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/TransformWork.h"
+#include "services/providers/suite/DocumentToPdf.h"
+#include "services/providers/suite/OfficeProgram.h"
+#include "tests/fakes/Recording.h"
+#include "tests/support/ProductRegistry.h"
+#include "tests/support/TestFolder.h"
+#include "tests/unit/services/providers/suite/InstalledOffice.h"
+
+using namespace providers;
+using namespace suitetest;
+
+namespace {
+
+constexpr DWORD kLimit = 20000; // milliseconds, for what has to happen soon
+constexpr wchar_t kOfficeFolder[] = L"C:\\Program Files\\Sample office";
+constexpr wchar_t kText[] = L"{6E2A7B10-4C1D-4F0E-9D53-0A5D5E3C7B01}";
+constexpr wchar_t kTable[] = L"{6E2A7B10-4C1D-4F0E-9D53-0A5D5E3C7B02}";
+constexpr wchar_t kSlides[] = L"{6E2A7B10-4C1D-4F0E-9D53-0A5D5E3C7B03}";
+const std::string kDocument = "PK\x03\x04 the document";
+const std::string kPdf = "%PDF-1.6\n% " + kDocument + "\n%%EOF\n";
+
+using Lines = std::vector<std::wstring>;
+
+class OfficeAutomation : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        std::puts("A recording program takes the place of each office program: none is here.");
+    }
+    void SetUp() override {
+        BeginAnew();
+        Forget();
+        CreateDirectoryW(kOfficeFolder, nullptr);
+        CopyFileW(obtest::BesideProgram(L"office.exe").c_str(), InOffice(L"office.exe").c_str(),
+                  FALSE);
+        Register(L"Word.Application", kText);
+        Register(L"Excel.Application", kTable);
+        Register(L"PowerPoint.Application", kSlides);
+        ended_.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+        source_ = Open(folder_.File(L"letter", kDocument), GENERIC_READ, OPEN_EXISTING);
+        target_ = Open(folder_ / L"target", GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
+        ASSERT_TRUE(ended_ && source_ && target_);
+        ASSERT_TRUE(obtest::WriteFileContent(obtest::BesideProgram(L"worker.txt"), "good"));
+        run_ = folder_.Folder(L"run");
+    }
+    void TearDown() override { Forget(); }
+
+    static void Forget() {
+        obtest::RemoveTree(kOfficeFolder);
+        for (const wchar_t* name :
+             {L"Word.Application", L"Excel.Application", L"PowerPoint.Application"}) {
+            RegDeleteTreeW(HKEY_CLASSES_ROOT, name);
+        }
+        for (const wchar_t* id : {kText, kTable, kSlides}) {
+            RegDeleteTreeW(HKEY_CLASSES_ROOT, (std::wstring(L"CLSID\\") + id).c_str());
+        }
+    }
+    static std::wstring InOffice(const wchar_t* name) {
+        return std::wstring(kOfficeFolder) + L'\\' + name;
+    }
+    static std::wstring CommandLine(const wchar_t* id) {
+        return L"\"" + InOffice(L"office.exe") + L"\" " + id;
+    }
+    static void SetServer(const wchar_t* id, const std::wstring& commandLine) {
+        obtest::SetValue(HKEY_LOCAL_MACHINE,
+                         std::wstring(L"SOFTWARE\\Classes\\CLSID\\") + id + L"\\LocalServer32", L"",
+                         commandLine);
+    }
+    static void Register(const wchar_t* name, const wchar_t* id) {
+        obtest::SetValue(HKEY_LOCAL_MACHINE,
+                         std::wstring(L"SOFTWARE\\Classes\\") + name + L"\\CLSID", L"", id);
+        SetServer(id, CommandLine(id));
+    }
+    static ObLib::UniqueKernelHandle Open(const std::wstring& path, DWORD access, DWORD how) {
+        return ObLib::UniqueKernelHandle(CreateFileW(path.c_str(), access,
+                                                     FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                                     how, FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
+    SuiteOutcome Convert(const wchar_t* name, const char* mode, const SuiteLimits& limits = {}) {
+        EXPECT_TRUE(obtest::WriteFileContent(InOffice(L"office.txt"), mode));
+        WorkSettings settings;
+        settings.program = obtest::BesideProgram(obcontract::kTransformWorkFileName);
+        WorkProcess process(std::move(settings));
+        CallWait wait(ended_.Get(), nullptr);
+        return ConvertDocument({source_.Get(), name, run_}, target_.Get(), process, wait, limits);
+    }
+    std::string Target() const { return *obtest::ReadFileContent(folder_ / L"target"); }
+    static Lines AllCalls() {
+        const std::wstring text = obtest::ReadUtf8File(InOffice(L"office-calls.txt"));
+        Lines lines;
+        for (std::size_t start = 0; start < text.size();) {
+            const std::size_t end = std::min(text.find(L'\n', start), text.size());
+            lines.push_back(text.substr(start, end - start));
+            start = end + 1;
+        }
+        return lines;
+    }
+    static bool IsStart(const std::wstring& line) {
+        return line.starts_with(L"process ") || line == L"ready";
+    }
+    static Lines Calls() {
+        Lines lines = AllCalls();
+        std::erase_if(lines, IsStart);
+        return lines;
+    }
+    static bool AwaitCall(const std::wstring& begin) {
+        for (DWORD waited = 0; waited < kLimit; waited += 10, Sleep(10)) {
+            for (const std::wstring& line : AllCalls()) {
+                if (line.starts_with(begin)) return true;
+            }
+        }
+        return false;
+    }
+    // Expects that nothing is left but the target and that each program has ended.
+    void ExpectNothingLeft(const char* mode) {
+        EXPECT_EQ(obtest::ListTree(run_), Lines()) << mode;
+        for (const std::wstring& line : AllCalls()) {
+            if (!line.starts_with(L"process ")) continue;
+            const ObLib::UniqueKernelHandle process(
+                OpenProcess(SYNCHRONIZE, FALSE, std::stoul(line.substr(8))));
+            EXPECT_TRUE(!process || WaitForSingleObject(process.Get(), kLimit) == WAIT_OBJECT_0)
+                << mode;
+        }
+    }
+    void ExpectFailed(const char* mode, SuiteOutcome outcome, const SuiteLimits& limits = {}) {
+        EXPECT_EQ(Convert(L"letter.docx", mode, limits), outcome) << mode;
+        EXPECT_EQ(Target(), "") << mode;
+        ExpectNothingLeft(mode);
+    }
+    // Expects that the program runs, and ends it.
+    static void EndProgram() {
+        const Lines lines = AllCalls();
+        ASSERT_FALSE(lines.empty());
+        const ObLib::UniqueKernelHandle process(
+            OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, std::stoul(lines[0].substr(8))));
+        ASSERT_TRUE(process);
+        EXPECT_EQ(WaitForSingleObject(process.Get(), 0), static_cast<DWORD>(WAIT_TIMEOUT));
+        TerminateProcess(process.Get(), 0);
+        WaitForSingleObject(process.Get(), kLimit);
+    }
+    std::wstring Document(const wchar_t* extension) const {
+        return L"'" + run_ + L"\\~suite1\\document." + extension + L"'";
+    }
+    std::wstring Result() const { return L"'" + run_ + L"\\~suite1\\result\\document.pdf'"; }
+
+    const obtest::TestFolder folder_;
+    std::wstring run_;
+    ObLib::UniqueKernelHandle ended_;
+    ObLib::UniqueKernelHandle source_;
+    ObLib::UniqueKernelHandle target_;
+};
+
+TEST_F(OfficeAutomation, OpensATextReadOnlyAndClosesEverything) {
+    EXPECT_EQ(Convert(L"letter.docx", "good"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+    const Lines wanted = {
+        L"application.AutomationSecurity = 3",
+        L"application.DisplayAlerts = 0",
+        L"application.Visible = false",
+        L"Options.UpdateLinksAtOpen = false",
+        L"Documents.Open(FileName=" + Document(L"docx") +
+            L", ConfirmConversions=false, ReadOnly=true, AddToRecentFiles=false, "
+            L"PasswordDocument='-', Visible=false, OpenAndRepair=false, NoEncodingDialog=true)",
+        L"document.ExportAsFixedFormat(OutputFileName=" + Result() +
+            L", ExportFormat=17, OpenAfterExport=false)",
+        L"document.Close(SaveChanges=0)",
+        L"Options.UpdateLinksAtOpen = true",
+        L"application.Quit(SaveChanges=0)",
+    };
+    EXPECT_EQ(Calls(), wanted);
+    ExpectNothingLeft("good");
+}
+
+TEST_F(OfficeAutomation, OpensATableWithoutItsLinks) {
+    EXPECT_EQ(Convert(L"numbers.xls", "good"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+    const Lines wanted = {
+        L"application.AutomationSecurity = 3",
+        L"application.DisplayAlerts = false",
+        L"application.Visible = false",
+        L"application.AskToUpdateLinks = false",
+        L"application.EnableEvents = false",
+        L"Workbooks.Open(FileName=" + Document(L"xls") +
+            L", UpdateLinks=0, ReadOnly=true, Password='-', IgnoreReadOnlyRecommended=true, "
+            L"Notify=false, AddToMru=false)",
+        L"document.ExportAsFixedFormat(Filename=" + Result() + L", Type=0, OpenAfterPublish=false)",
+        L"document.Close(SaveChanges=false)",
+        L"application.Quit()",
+    };
+    EXPECT_EQ(Calls(), wanted);
+    ExpectNothingLeft("good");
+}
+
+TEST_F(OfficeAutomation, OpensSlidesWithoutAWindow) {
+    EXPECT_EQ(Convert(L"slides.odp", "good"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+    const Lines wanted = {
+        L"application.AutomationSecurity = 3",
+        L"application.DisplayAlerts = 1",
+        L"Presentations.Open(FileName=" + Document(L"odp") +
+            L", ReadOnly=-1, Untitled=0, WithWindow=0)",
+        L"document.SaveAs(FileName=" + Result() + L", FileFormat=32)",
+        L"document.Close()",
+        L"application.Quit()",
+    };
+    EXPECT_EQ(Calls(), wanted);
+    ExpectNothingLeft("good");
+}
+
+TEST_F(OfficeAutomation, ClosesAndQuitsAfterAFailure) {
+    ExpectFailed("refuse", SuiteOutcome::Failed);
+    ASSERT_FALSE(Calls().empty());
+    EXPECT_EQ(Calls().back(), L"application.Quit(SaveChanges=0)");
+    ExpectFailed("refuse-writing", SuiteOutcome::Failed);
+    Lines calls = Calls();
+    ASSERT_GE(calls.size(), 3u);
+    EXPECT_EQ(calls[calls.size() - 3], L"document.Close(SaveChanges=0)");
+    EXPECT_EQ(calls.back(), L"application.Quit(SaveChanges=0)");
+}
+
+TEST_F(OfficeAutomation, FailsWithoutAResult) {
+    ExpectFailed("write-nothing", SuiteOutcome::Failed);
+}
+
+TEST_F(OfficeAutomation, SurvivesACrashOfTheProgram) {
+    ExpectFailed("crash", SuiteOutcome::Failed);
+}
+
+TEST_F(OfficeAutomation, AsksAProgramAgainThatIsBusyForAMoment) {
+    EXPECT_EQ(Convert(L"letter.docx", "reject-once"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+}
+
+TEST_F(OfficeAutomation, EndsAProgramThatHangs) {
+    ExpectFailed("hang", SuiteOutcome::NoAnswer, {1500, 100000});
+    ExpectFailed("hang-writing", SuiteOutcome::NoAnswer, {100000, 3000});
+}
+
+TEST_F(OfficeAutomation, EndsTheProgramAtOnceWhenTheCallEnds) {
+    std::thread ender([&] {
+        EXPECT_TRUE(AwaitCall(L"Documents.Open"));
+        SetEvent(ended_.Get());
+    });
+    ExpectFailed("hang", SuiteOutcome::Cancelled);
+    ender.join();
+}
+
+// A document of the user's may have come to the hidden program.
+TEST_F(OfficeAutomation, LeavesAProgramToTheUserThatHasAnotherDocumentOpen) {
+    EXPECT_EQ(Convert(L"letter.docx", "in-use"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+    EXPECT_EQ(Calls().back(), L"application.Visible = true");
+    EndProgram();
+}
+
+TEST_F(OfficeAutomation, TouchesNoProgramThatTheUserHasOpen) {
+    std::wstring commandLine = CommandLine(kText) + L" shared";
+    STARTUPINFOW startup{sizeof startup};
+    PROCESS_INFORMATION made{};
+    ASSERT_TRUE(CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                               nullptr, &startup, &made));
+    CloseHandle(made.hThread);
+    const ObLib::UniqueKernelHandle users(made.hProcess);
+    EXPECT_TRUE(AwaitCall(L"ready"));
+    EXPECT_EQ(Convert(L"letter.docx", "good"), SuiteOutcome::Busy);
+    EXPECT_EQ(Calls(), Lines());
+    EXPECT_EQ(WaitForSingleObject(users.Get(), 0), static_cast<DWORD>(WAIT_TIMEOUT));
+    EXPECT_EQ(Target(), "");
+    TerminateProcess(users.Get(), 0);
+    WaitForSingleObject(users.Get(), kLimit);
+}
+
+TEST_F(OfficeAutomation, IsThereForEachKindOfDocumentByItself) {
+    EXPECT_TRUE(IsSuiteThere());
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, L"Word.Application");
+    EXPECT_EQ(Convert(L"letter.docx", "good"), SuiteOutcome::NoSuite);
+    EXPECT_EQ(Convert(L"numbers.xls", "good"), SuiteOutcome::Converted);
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, L"Excel.Application");
+    EXPECT_TRUE(IsSuiteThere());
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, L"PowerPoint.Application");
+    EXPECT_FALSE(IsSuiteThere());
+}
+
+TEST_F(OfficeAutomation, ComesAfterASuiteThatIsStarted) {
+    Install(kProgramFolder);
+    suitetest::Register(kProgramFolder);
+    ASSERT_TRUE(obtest::WriteFileContent(std::wstring(kProgramFolder) + L"\\suite.txt", "good"));
+    EXPECT_EQ(Convert(L"letter.docx", "good"), SuiteOutcome::Converted);
+    EXPECT_EQ(AllCalls(), Lines());
+    BeginAnew();
+}
+
+TEST_F(OfficeAutomation, IsRefusedWhenItsProgramIsWhereTheUserCanWrite) {
+    CopyFileW(InOffice(L"office.exe").c_str(), (folder_ / L"office.exe").c_str(), FALSE);
+    for (const std::wstring& commandLine :
+         {L"\"" + (folder_ / L"office.exe") + L"\" " + kText, (folder_ / L"office.exe") + L" /x",
+          std::wstring(L"office.exe"), std::wstring(), std::wstring(L"\"C:\\Program Files")}) {
+        SetServer(kText, commandLine);
+        EXPECT_FALSE(OfficeFor(DocumentKind::Text)) << commandLine;
+    }
+    // A registration of the user's own comes first for the system.
+    SetServer(kText, CommandLine(kText));
+    EXPECT_TRUE(OfficeFor(DocumentKind::Text));
+    const std::wstring own =
+        std::wstring(L"Software\\Classes\\CLSID\\") + kText + L"\\LocalServer32";
+    obtest::SetValue(HKEY_CURRENT_USER, own, L"", folder_ / L"office.exe");
+    EXPECT_FALSE(OfficeFor(DocumentKind::Text));
+    RegDeleteTreeW(HKEY_CURRENT_USER,
+                   (std::wstring(L"Software\\Classes\\CLSID\\") + kText).c_str());
+}
+
+TEST_F(OfficeAutomation, IsFoundByACommandLineWithoutQuotes) {
+    SetServer(kText, InOffice(L"OFFICE.EXE") + L" /Automation");
+    const auto office = OfficeFor(DocumentKind::Text);
+    ASSERT_TRUE(office);
+    EXPECT_EQ(_wcsicmp(office->path.c_str(), InOffice(L"office.exe").c_str()), 0);
+}
+
+// The system's call that starts a program can't be given up: it would disturb other tests here.
+class OfficeThatNeverStarts : public OfficeAutomation {};
+
+TEST_F(OfficeThatNeverStarts, IsNotWaitedForOnceTheCallHasEnded) {
+    std::thread ender([&] {
+        EXPECT_TRUE(AwaitCall(L"process "));
+        SetEvent(ended_.Get());
+    });
+    const ULONGLONG start = GetTickCount64();
+    EXPECT_EQ(Convert(L"letter.docx", "hang-at-start"), SuiteOutcome::Cancelled);
+    ender.join();
+    EXPECT_LT(GetTickCount64() - start, kLimit);
+    EXPECT_EQ(obtest::ListTree(run_), Lines());
+    EndProgram();
+}
+
+} // namespace
