@@ -37,6 +37,23 @@ target_include_directories(native_pugixml SYSTEM PUBLIC "${OB_PREFIX_PUGIXML}/so
 target_compile_definitions(native_pugixml PUBLIC PUGIXML_WCHAR_MODE)
 add_library(dep::pugixml ALIAS native_pugixml)
 
+# Libraries for pictures and documents, of the distribution: the versions that the Windows build has.
+function(native_dependency name)
+    add_library(dep::${name} INTERFACE IMPORTED GLOBAL)
+    target_link_libraries(dep::${name} INTERFACE ${ARGN})
+endfunction()
+native_dependency(zlib z)
+native_dependency(jpeg jpeg)
+native_dependency(png png16 z)
+native_dependency(tiff tiff)
+native_dependency(webp webpmux webpdemux webp)
+native_dependency(lcms lcms2)
+native_dependency(libzip zip)
+native_dependency(pugixml_bytes pugixml)
+native_dependency(qpdf qpdf)
+target_compile_definitions(dep::qpdf INTERFACE POINTERHOLDER_TRANSITION=4)
+target_compile_options(dep::qpdf INTERFACE "SHELL:-include \"${CMAKE_CURRENT_LIST_DIR}/shim/WithoutJson.h\"")
+
 function(native_library target)
     add_library(${target} STATIC ${ARGN})
     target_link_libraries(${target} PUBLIC ob_base)

@@ -1,6 +1,6 @@
 #include "services/transforms/combine/PdfPages.h"
 
-#include <ranges>
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -50,7 +50,9 @@ private:
             !node.object.isIndirect() || seen_.insert(node.object.getObjGen()).second;
         if (!isNew || node.depth >= kDeepestTree) throw PdfRefusal{CleanOutcome::Damaged};
         Inherit(node.inherited, node.object);
-        for (auto& kid : kids.getArrayAsVector() | std::views::reverse) {
+        auto inOrder = kids.getArrayAsVector();
+        std::ranges::reverse(inOrder);
+        for (auto& kid : inOrder) {
             open_.push_back({kid, node.inherited, node.depth + 1});
         }
     }

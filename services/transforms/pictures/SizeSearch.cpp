@@ -13,8 +13,6 @@ const double EdgeFactor = 0.995;
 const int FineCoarseness = 12; // up to here a whole percent is too large a step
 // How the bytes of photographs fall.
 const double CoarsenessPower = -0.45, ScalePower = 1.8;
-// Of the files as they come: quality 94.
-const double UsualCoarseness = 12;
 // Enough of the budget to end with; what more would bring nobody sees.
 const double GoodUse = 0.92, AimedUse = 0.965, EnoughUse = 0.9;
 const int MostGuesses = 5;

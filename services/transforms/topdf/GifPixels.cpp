@@ -10,7 +10,7 @@ namespace {
 
 [[noreturn]] void Throw(PictureOutcome outcome) { throw PictureFailure{outcome}; }
 
-constexpr std::uint8_t kExtension = 0x21, kImage = 0x2C, kEnd = 0x3B, kControl = 0xF9;
+constexpr std::uint8_t kExtension = 0x21, kImage = 0x2C, kControl = 0xF9;
 constexpr std::uint8_t kHasColours = 0x80, kInterlaced = 0x40, kHasClear = 1;
 
 // The file from its beginning on; past its end it is damaged.

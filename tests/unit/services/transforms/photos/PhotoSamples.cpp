@@ -4,10 +4,6 @@
 
 #include <algorithm>
 
-#include "ObLib/Src/Win32/ModulePath.h"
-#include "services/transforms/photos/HeifLibrary.h"
-#include "tests/support/TestFolder.h"
-
 namespace obtest {
 
 using namespace transforms;
@@ -90,12 +86,6 @@ std::string ConvertedPhoto::Profile() const {
     return {};
 }
 
-PhotoRequest PhotoRequestOfTest() {
-    PhotoRequest request;
-    request.heifLibrary = *ObLib::PathBesideModule(nullptr, kHeifLibraryFileName);
-    return request;
-}
-
 ConvertedPhoto Convert(const PictureBytes& file, const PhotoRequest& request,
                        const PictureControl& control) {
     MemorySource source(file);
@@ -116,12 +106,6 @@ void ExpectQuarters(const Raster& raster, int most) {
                 EXPECT_NEAR(static_cast<int>(raster.At(x, y, c)),
                             ColourAt(x, y, kPhotoWidth, kPhotoHeight)[c], most)
                     << x << " " << y << " " << c;
-}
-
-PictureBytes PhotoSample(const std::wstring& name) {
-    const auto content = ReadFileContent(*ObLib::ModuleFolder(nullptr) + L"photos\\" + name);
-    EXPECT_TRUE(content) << "a sample is missing";
-    return content ? PictureBytes(content->begin(), content->end()) : PictureBytes();
 }
 
 TiffTag ShortTag(unsigned tag, std::vector<unsigned> values) {

@@ -39,6 +39,20 @@ TEST(PlatformPhoto, PassesWhereACodecOrAPartOfItIsMissing) {
     EXPECT_EQ(OutcomeOfPlatform(static_cast<long>(0x88982F60)), PictureOutcome::Damaged);
 }
 
+// Packed pixels, which the system decodes.
+TEST(PlatformPhoto, OfAPackedBmpBecomesAJpeg) {
+    PictureBytes file{
+        'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 62, 0, 0, 0, 40,  0, 0, 0,   8, 0, 0,
+        0,   2,   0, 0, 0, 1, 0, 8, 0, 1, 0,  0, 0, 8, 0,   0, 0, 0,   0, 0, 0,
+        0,   0,   0, 0, 2, 0, 0, 0, 0, 0, 0,  0, 0, 0, 200, 0, 0, 200, 0, 0, // red, green
+        8,   0,   0, 0, 8, 1, 0, 1}; // a row of each, then the end
+    file[2] = static_cast<std::uint8_t>(file.size());
+    const auto photo = Convert(file);
+    ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk);
+    EXPECT_NEAR(static_cast<int>(photo.Pixels().At(4, 0, 1)), 200, 12);
+    EXPECT_NEAR(static_cast<int>(photo.Pixels().At(4, 1, 0)), 200, 12);
+}
+
 TEST(PlatformPhoto, OfJpegXrBecomesAJpeg) {
     const auto photo = Convert(PhotoSample(L"stored1.jxr"));
     ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk);

@@ -187,20 +187,6 @@ TEST(RasterPhoto, OfATiffMayBeAFaxOrHaveAPalette) {
     EXPECT_NEAR(static_cast<int>(negative.Pixels().At(8, 8, 0)), 239, 2);
 }
 
-// Packed pixels, which the system decodes.
-TEST(RasterPhoto, OfABmpMayBePacked) {
-    PictureBytes file{
-        'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 62, 0, 0, 0, 40,  0, 0, 0,   8, 0, 0,
-        0,   2,   0, 0, 0, 1, 0, 8, 0, 1, 0,  0, 0, 8, 0,   0, 0, 0,   0, 0, 0,
-        0,   0,   0, 0, 2, 0, 0, 0, 0, 0, 0,  0, 0, 0, 200, 0, 0, 200, 0, 0, // red, green
-        8,   0,   0, 0, 8, 1, 0, 1}; // a row of each, then the end
-    file[2] = static_cast<std::uint8_t>(file.size());
-    const auto photo = Convert(file);
-    ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk);
-    EXPECT_NEAR(static_cast<int>(photo.Pixels().At(4, 0, 1)), 200, 12);
-    EXPECT_NEAR(static_cast<int>(photo.Pixels().At(4, 1, 0)), 200, 12);
-}
-
 TEST(RasterPhoto, PassesWhenItIsAnAnimationOrHasManyPages) {
     for (const auto& file :
          {MakeWebp(Quarters(), {.frames = 3}), MakeTiff(Quarters(), {.pages = 2})}) {
