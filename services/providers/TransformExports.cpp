@@ -23,12 +23,14 @@ namespace {
 
 constexpr std::uint32_t kZipFollows = 1; // the mode of a stage; 3: the files go out as they are
 
+bool HasTransform(const Session& session, std::uint32_t providerId, ProviderKind kind) {
+    return kind == ProviderKind::Transform && session.catalogue.Contains(providerId, kind);
+}
+
 // The settings of a transform that this module has. Null when it has none.
 const SettingsRow* SettingsRowOf(const Session& session, std::uint32_t providerId,
                                  ProviderKind kind) {
-    if (kind != ProviderKind::Transform || !session.catalogue.Contains(providerId, kind)) {
-        return nullptr;
-    }
+    if (!HasTransform(session, providerId, kind)) return nullptr;
     return SettingsOf(static_cast<TransformId>(providerId));
 }
 
@@ -99,8 +101,10 @@ void ShowProviderOptions(ProviderManagerHandle manager, std::uint32_t providerId
 Bool ShowProviderOptionsWhenNoOptionsSet(ProviderManagerHandle manager, std::uint32_t providerId,
                                          ProviderKind kind, void*, HWND owner) {
     return WithSession(manager, [&](const Session& session) {
+        if (!HasTransform(session, providerId, kind)) return false;
+        // A transform without settings lacks none.
         const SettingsRow* const row = SettingsRowOf(session, providerId, kind);
-        return row && (row->areStored(session.settings) || row->change(session.settings, owner));
+        return !row || row->areStored(session.settings) || row->change(session.settings, owner);
     });
 }
 

@@ -7,6 +7,7 @@
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "tests/e2e/RealRequest.h"
 #include "tests/e2e/ZipContents.h"
+#include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
 #include "tests/unit/services/transforms/documents/PdfBuilder.h"
@@ -21,6 +22,7 @@ using Texts = std::vector<std::wstring>;
 constexpr UINT kAddWatermark = 181;
 constexpr UINT kResizeImages = 182;
 constexpr UINT kRemovePersonalData = 185;
+constexpr UINT kCombinePdfs = 186;
 constexpr DWORD kReceiptLimit = 60000; // milliseconds
 
 struct ReceiptSearch {
@@ -163,6 +165,30 @@ TEST_F(TransformEndToEnd, LaysAWatermarkOverAPdfAndLeavesATextAsItIs) {
     EXPECT_NE(marked.find("/ObStamp1"), std::string::npos);
     EXPECT_EQ(entries.at("letter.txt").content, "Dear all");
     EXPECT_EQ(ReadFileContent(pages), pdf);
+    const std::wstring folder = FolderOf(answer.given[0]).substr(TempFolder().size() + 1);
+    ExpectNoMoreThan({folder, folder + NameOf(answer.given[0])});
+}
+
+// The box asks for no settings; it may tick another transform, about which a sentence may be shown.
+TEST_F(TransformEndToEnd, ZipsOnePdfInThePlaceOfThree) {
+    const std::string pdf = samples::OnePage().File();
+    Texts picked;
+    for (const wchar_t* name : {L"one.pdf", L"two.pdf", L"three.pdf"}) {
+        picked.push_back(files_.File(name, pdf));
+    }
+    picked.push_back(files_.File(L"data.bin", "Dear all"));
+    obtest::MessageBoxWatcher boxes(obtest::MessageBoxWatcher::Scope::AllProcesses);
+    PickerUiDriver driver(PickTicked(kCombinePdfs, Choice::Zip, picked));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    const auto entries = ReadZip(answer.given[0]);
+    ASSERT_EQ(entries.size(), 2u);
+    const std::string& combined = entries.at("one.pdf").content;
+    EXPECT_TRUE(combined.starts_with("%PDF-"));
+    EXPECT_NE(combined.find("/Count 3"), std::string::npos);
+    EXPECT_EQ(entries.at("data.bin").content, "Dear all");
+    for (std::size_t file = 0; file < 3; ++file) EXPECT_EQ(ReadFileContent(picked[file]), pdf);
     const std::wstring folder = FolderOf(answer.given[0]).substr(TempFolder().size() + 1);
     ExpectNoMoreThan({folder, folder + NameOf(answer.given[0])});
 }

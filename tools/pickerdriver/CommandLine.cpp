@@ -24,6 +24,7 @@ constexpr Transform kTransforms[] = {
     {L"photos", 184, OB_PHOTO_WEBP, 0, 0, false},
     {L"resize", 182, OB_RESIZE_EDGE, OB_RESIZE_EDGE, OB_RESIZE_EDGE_NUMBER, false},
     {L"fit", 182, OB_RESIZE_EDGE, OB_RESIZE_FIT, OB_RESIZE_FIT_NUMBER, false},
+    {L"combine", 186, 0, 0, 0, false},
     {L"watermark", 181, OB_WATERMARK_TEXT, 0, OB_WATERMARK_TEXT, false},
 };
 
@@ -31,7 +32,8 @@ const Transform* ParseTransform(const std::wstring& name) {
     for (const Transform& transform : kTransforms) {
         if (name == transform.name) return &transform;
     }
-    throw Failure{L"--tick is clean, photos, resize, fit or watermark, not \"" + name + L"\""};
+    throw Failure{L"--tick is clean, photos, resize, fit, combine or watermark, not \"" + name +
+                  L"\""};
 }
 
 void SplitFiles(const std::wstring& list, std::vector<std::wstring>& files) {
@@ -107,7 +109,7 @@ const wchar_t kUsage[] =
     L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own is kept\n"
     L"  --tick NAME                ticks the box of this transform and answers its dialogs: "
     L"clean,\n"
-    L"                             photos, resize, fit or watermark\n"
+    L"                             photos, resize, fit, combine or watermark\n"
     L"  --value TEXT               typed in its settings: a number, or the text of a watermark\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"

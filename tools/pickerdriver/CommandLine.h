@@ -14,7 +14,7 @@ enum class Choice { Zip, Encrypt, None };
 struct Transform {
     const wchar_t* name;
     UINT box;        // the id of its text in the picker
-    int settings;    // a control of its settings dialog
+    int settings;    // a control of its settings dialog; 0: it has none
     int pressed;     // a button that is pressed there; 0: none
     int valueField;  // takes --value; 0: none
     bool hasReceipt; // before the files go to the page

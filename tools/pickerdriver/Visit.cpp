@@ -127,19 +127,23 @@ void ChangeSettings(HWND settings, const Task& task) {
                  reinterpret_cast<LPARAM>(task.value.c_str()));
 }
 
+void TakeSettings(const Task& task, HANDLE program, const std::wstring& box) {
+    HWND settings = nullptr;
+    Await(L"settings of \"" + box + L"\"", task.limit, program, [&] {
+        settings = DialogWith(task.tick->settings);
+        return settings != nullptr;
+    });
+    ChangeSettings(settings, task);
+    PressOkOf(settings, task, program, L"-settings");
+}
+
 // Ticks the box. The settings of its transform, of which a fresh prefix has none, are asked for.
 void Tick(const obtest::OpenPicker& picker, const Task& task, HANDLE program) {
     if (!task.tick) return;
     const std::wstring text = LibraryText(task.tick->box);
     Await(L"box \"" + text + L"\"", task.limit, program, [&] { return picker.IsEnabled(text); });
     if (!picker.Click(text)) throw Failure{L"the box \"" + text + L"\" takes no click"};
-    HWND settings = nullptr;
-    Await(L"settings of \"" + text + L"\"", task.limit, program, [&] {
-        settings = DialogWith(task.tick->settings);
-        return settings != nullptr;
-    });
-    ChangeSettings(settings, task);
-    PressOkOf(settings, task, program, L"-settings");
+    if (task.tick->settings != 0) TakeSettings(task, program, text);
     Await(L"tick at \"" + text + L"\"", task.limit, program,
           [&] { return picker.IsChecked(text); });
     Say(L"ticked: " + text);

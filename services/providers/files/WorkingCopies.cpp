@@ -319,8 +319,12 @@ bool NewFile::NameBeside(const WorkingCopy& copy, const std::wstring& path,
     return false;
 }
 
+bool NewFile::DeleteFileOf(const WorkingCopy& copy) noexcept {
+    return DeleteByIdentity(copy.path_, copy.identity_);
+}
+
 bool NewFile::DeleteCopy(const WorkingCopy& copy) {
-    if (!DeleteByIdentity(copy.path_, copy.identity_)) return false;
+    if (!DeleteFileOf(copy)) return false;
     isPlaced_ = true;
     unfinished_.Remove(identity_);
     return true;

@@ -117,6 +117,14 @@ public:
         return true;
     }
 
+    // Deletes a copy whose content another new file has. Closes it. True also when it is no longer
+    // there. False when the system refuses for two seconds. `isEnded` as above.
+    template <class IsEnded>
+    static bool Delete(WorkingCopy& copy, IsEnded isEnded) {
+        copy.file_.Reset();
+        return Repeat(isEnded, [&] { return DeleteFileOf(copy); });
+    }
+
 private:
     static constexpr int kAttempts = 100;
     static constexpr DWORD kPause = 20; // milliseconds; a scanner has new files open for a while
@@ -136,6 +144,7 @@ private:
     bool NameBeside(const WorkingCopy& copy, const std::wstring& path,
                     const std::wstring& extension, std::size_t longest, std::wstring& result);
     bool DeleteCopy(const WorkingCopy& copy);
+    static bool DeleteFileOf(const WorkingCopy& copy) noexcept;
     bool Rename(const WorkingCopy& copy);
     static bool IsBusy() noexcept;
     bool Protect(const WorkingCopy& copy, DWORD attributes) noexcept;

@@ -127,6 +127,18 @@ bool RemovePersonalData(StageCall& call, const std::wstring& path, const std::ws
     return true;
 }
 
+// A file that couldn't be cleaned adds nothing: the result is cleaned again.
+void JoinCleaned(RunRecord& record, const std::wstring& from, const std::wstring& to) {
+    const auto part = record.cleaned.find(from);
+    if (part == record.cleaned.end()) return;
+    CleanRecord joined = std::move(part->second);
+    record.cleaned.erase(part);
+    if (joined.result != WorkResult::Changed) return;
+    CleanRecord& whole = record.cleaned[to];
+    whole.found = Both(std::move(whole.found), joined.found);
+    whole.result = WorkResult::Changed;
+}
+
 bool CheckPersonalData(StageCall& call, const std::vector<std::wstring>& paths) {
     // A file that took the process over while it was cleaned doesn't get to check itself.
     call.run.process.Stop();

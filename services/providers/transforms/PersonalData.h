@@ -13,6 +13,9 @@ namespace providers {
 // a sentence for the user, when the run has to stop. `folder` as for WorkingCopy::Open.
 bool RemovePersonalData(StageCall& call, const std::wstring& path, const std::wstring& folder);
 
+// What was removed from the file at `from` counts for the one at `to`, of which it became a part.
+void JoinCleaned(RunRecord& record, const std::wstring& from, const std::wstring& to);
+
 // Opens every result again. False, after a sentence, when a file still contains personal data or
 // can't be checked; false also when the user stops the run, who sees the receipt if the settings
 // say so and is asked about files that can't be cleaned.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "services/providers/transforms/CombinePdfs.h"
 #include "services/providers/transforms/ConvertPhotos.h"
 #include "services/providers/transforms/FitMail.h"
 #include "services/providers/transforms/PersonalData.h"
@@ -24,14 +25,20 @@ bool InPlace(StageCall& call, std::wstring& path, const std::wstring& folder) {
     return Work(call, path, folder);
 }
 
+// A transform of all files whose results have their names.
+template <bool (*Work)(StageCall&, const std::vector<std::wstring>&)>
+bool AllInPlace(StageCall& call, std::vector<std::wstring>& paths) {
+    return Work(call, paths);
+}
+
 constexpr TransformRow kRows[] = {
     {ConvertPdf, nullptr, nullptr, nullptr},
     {ConvertPhotos, &ConvertPhoto, nullptr, nullptr},
     {ResizeImages, &InPlace<&ResizePicture>, nullptr, nullptr, &LooksAtEachPicture},
     {Watermark, &InPlace<&AddWatermark>, nullptr, nullptr},
     {RemoveInfo, &InPlace<&RemovePersonalData>, nullptr, &CheckPersonalData},
-    {CombinePdfs, nullptr, nullptr, nullptr},
-    {ResizeImages, nullptr, &FitMail, nullptr, &FitsPictures},
+    {CombinePdfs, nullptr, &providers::CombinePdfs, nullptr},
+    {ResizeImages, nullptr, &AllInPlace<&FitMail>, nullptr, &FitsPictures},
     {SignPdfs, nullptr, nullptr, nullptr},
     {ConvertFromPdf, nullptr, nullptr, nullptr},
 };

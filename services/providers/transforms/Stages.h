@@ -14,10 +14,10 @@ struct TransformRow {
     obcontract::TransformId id;
     // What a transform does with one file, in the per-file stage or, for a file that it hasn't
     // seen, after the list, where `path` becomes that of the result; what it does with all files
-    // after the list; and what it does at the end. Null: nothing. The rows are in the order in
-    // which they work on one file.
+    // after the list, where `paths` become the results; and what it does at the end. Null: nothing.
+    // The rows are in the order in which they work on one file, and on all files.
     bool (*perFile)(StageCall& call, std::wstring& path, const std::wstring& folder);
-    bool (*afterList)(StageCall& call, const std::vector<std::wstring>& paths);
+    bool (*afterList)(StageCall& call, std::vector<std::wstring>& paths);
     bool (*final)(StageCall& call, const std::vector<std::wstring>& paths);
     // Whether the settings are such that the row counts; null: always. A transform may have several
     // rows, of which one counts.

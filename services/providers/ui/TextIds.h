@@ -85,6 +85,14 @@
 #define OB_TEXT_SUITE_NOT_READY 724 // of all documents
 #define OB_TEXT_SUITE_BUSY 725
 
+// PDFs that become one.
+#define OB_TEXT_COMBINE_DAMAGED 660
+#define OB_TEXT_COMBINE_TOO_LARGE 661
+#define OB_TEXT_COMBINE_FAILED 662
+#define OB_TEXT_COMBINE_SIGNED 663
+#define OB_TEXT_COMBINE_ENCRYPTED 664
+#define OB_TEXT_COMBINE_TOO_MANY 665
+
 // What was found in a file.
 #define OB_TEXT_FOUND_OTHER 560
 #define OB_TEXT_FOUND_POSITION 561

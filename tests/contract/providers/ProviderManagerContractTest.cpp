@@ -27,7 +27,8 @@ constexpr std::uint32_t kStorageId = 7;
 constexpr std::uint32_t kRemoveInfo = 51;
 // The transforms that this build's manager has; the fake is told the same.
 constexpr TransformId kSupported[] = {TransformId::ResizeImages, TransformId::ConvertPhotos,
-                                      TransformId::RemoveInfo, TransformId::Watermark};
+                                      TransformId::RemoveInfo, TransformId::Watermark,
+                                      TransformId::CombinePdfs};
 
 ProviderProfile FilledProfile() {
     ProviderProfile profile{};

@@ -182,6 +182,56 @@ void ActInFit(const std::string& word, const Taken& taken) {
     Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, size});
 }
 
+// What is in the source, from its start: the manager, which shares the position, may have read it.
+std::string Source(const Taken& taken) {
+    char bytes[1000];
+    DWORD count = 0;
+    OVERLAPPED atStart{};
+    ReadFile(HandleOf(taken.files.source), bytes, sizeof bytes, &count, &atStart);
+    return {bytes, count};
+}
+
+std::string combined; // the titles and contents that were added
+
+// PDFs that become one: a content of "%PDF-" and a word says what the file is; a test may ask for
+// more at the request that its word names.
+void ActInCombine(const std::string& word, const Taken& taken) {
+    if (taken.header.kind == WorkKind::CombineWrite) {
+        Send(WorkKind::Progress, WorkProgress{1, 5, 1, 0});
+        WriteTarget(taken, word == "combine-odd" ? "no PDF" : ("%PDF-" + combined).c_str());
+        if (word == "combine-crash-in-write") Crash();
+        if (word == "combine-hang-in-write") Hang();
+        if (word == "combine-damaged" || word == "combine-full") {
+            const auto why =
+                word == "combine-full" ? WorkFailure::Unwritable : WorkFailure::Damaged;
+            return Send(WorkKind::Failed, WorkFailed{why, 0});
+        }
+        const std::uint64_t size = word == "combine-odd" ? 6 : 5 + combined.size();
+        return Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, size});
+    }
+    WorkCombineAdd settings{};
+    std::memcpy(&settings, taken.settings.data(), sizeof settings);
+    const std::string content = Source(taken).substr(5);
+    if (word == "combine-crash-in-add") Crash();
+    if (word == "combine-hang-in-add") Hang();
+    if (content == "signed" && settings.signatures == WorkSignatures::Keep) {
+        return Send(WorkKind::Failed, WorkFailed{WorkFailure::Signed, 0});
+    }
+    if (content == "encrypted") {
+        return Send(WorkKind::Failed, WorkFailed{WorkFailure::Encrypted, 0});
+    }
+    if (content == "damaged") return Send(WorkKind::Failed, WorkFailed{WorkFailure::Damaged, 0});
+    if (content == "huge") return Send(WorkKind::Failed, WorkFailed{WorkFailure::TooLarge, 0});
+    if (content == "cover") {
+        return Send(WorkKind::Done, WorkDone{WorkOutcome::NotSupported, 0, 0});
+    }
+    for (std::size_t at = sizeof settings; at < taken.settings.size(); at += sizeof(wchar_t)) {
+        combined += static_cast<char>(taken.settings[at]); // the tests' texts are ASCII
+    }
+    combined += "=" + content + ";";
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 0});
+}
+
 // What was asked for, as the content of the target.
 std::string ResizeText(const Taken& taken) {
     WorkResize settings{};
@@ -216,6 +266,9 @@ bool ActOnPicture(const std::string& word, const Taken& taken) {
         return true;
     }
     if (kind >= WorkKind::FitAdd && kind <= WorkKind::FitWrite) return ActInFit(word, taken), true;
+    if (kind == WorkKind::CombineAdd || kind == WorkKind::CombineWrite) {
+        return ActInCombine(word, taken), true;
+    }
     if (kind != WorkKind::Resize && kind != WorkKind::Watermark) return false;
     if (word == "unchanged") {
         Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
