@@ -137,13 +137,32 @@ void TakeSettings(const Task& task, HANDLE program, const std::wstring& box) {
     PressOkOf(settings, task, program, L"-settings");
 }
 
+// A tick may bring another transform along, about which a sentence is shown.
+void AwaitTickWithSentences(const obtest::OpenPicker& picker, const std::wstring& text,
+                            DWORD limit) {
+    obtest::WaitUntil(
+        [&] {
+            const HWND box = obtest::FindTopWindow(&IsMessageBox);
+            if (box && GetDlgItem(box, IDOK)) {
+                Say(L"read: " + obtest::ItemText(box, kMessageTextId));
+                SendMessageW(box, WM_COMMAND, IDOK, 0);
+            }
+            return !box && picker.IsChecked(text);
+        },
+        limit);
+}
+
 // Ticks the box. The settings of its transform, of which a fresh prefix has none, are asked for.
 void Tick(const obtest::OpenPicker& picker, const Task& task, HANDLE program) {
     if (!task.tick) return;
     const std::wstring text = LibraryText(task.tick->box);
     Await(L"box \"" + text + L"\"", task.limit, program, [&] { return picker.IsEnabled(text); });
     if (!picker.Click(text)) throw Failure{L"the box \"" + text + L"\" takes no click"};
-    if (task.tick->settings != 0) TakeSettings(task, program, text);
+    if (task.tick->settings != 0) {
+        TakeSettings(task, program, text);
+    } else {
+        AwaitTickWithSentences(picker, text, task.limit);
+    }
     Await(L"tick at \"" + text + L"\"", task.limit, program,
           [&] { return picker.IsChecked(text); });
     Say(L"ticked: " + text);
