@@ -1,6 +1,7 @@
 #include "services/transforms/documents/OfficeFile.h"
 
 #include "services/transforms/documents/Odf.h"
+#include "services/transforms/documents/OldContainer.h"
 #include "services/transforms/documents/Ooxml.h"
 #include "services/transforms/documents/Package.h"
 
@@ -49,8 +50,9 @@ Analysis AnalyzeOfficePackage(Bytes file, PictureSteps* steps) {
 bool IsOldContainer(Bytes file) { return StartsWith(file, kOldContainer); }
 
 Analysis AnalyzeOldContainer(Bytes file, PictureSteps*) {
-    return Failed(Contains(file, kEncryptedPackage) ? CleanOutcome::Encrypted
-                                                    : CleanOutcome::NotSupported);
+    return Failed(Contains(file, kEncryptedPackage) || NeedsPassword(file)
+                      ? CleanOutcome::Encrypted
+                      : CleanOutcome::NotSupported);
 }
 
 } // namespace transforms::documents

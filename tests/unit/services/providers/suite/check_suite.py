@@ -3,6 +3,7 @@
     check_suite.py --wine-run tools/wine-run --converter PROGRAM --work-process PROGRAM --suite PROGRAM
 """
 import argparse
+import html
 import os
 import subprocess
 import sys
@@ -123,11 +124,59 @@ def make_documents(folder, work):
             file.write(whole.read()[:300])
 
 
+def make_protected(folder, work):
+    """Documents with a password, which the suite stores by a macro of ours."""
+    profile = os.path.join(work, "profile")
+    basic = os.path.join(profile, "user", "basic", "Standard")
+    os.makedirs(basic)
+    with open(os.path.join(profile, "user", "registrymodifications.xcu"), "w", encoding="utf-8") as file:
+        # So that the suite doesn't put its own macros into the new profile.
+        file.write('<oor:items xmlns:oor="http://openoffice.org/2001/registry"><item oor:path="/org.openoffice.Setup/Office">'
+                   '<prop oor:name="ooSetupInstCompleted" oor:op="fuse"><value>true</value></prop></item></oor:items>')
+    library = 'xmlns:library="http://openoffice.org/2000/library" library:name="Standard"'
+    with open(os.path.join(basic, "script.xlb"), "w", encoding="utf-8") as file:
+        file.write(f'<library:library {library} library:readonly="false" library:passwordprotected="false">'
+                   '<library:element library:name="Module1"/></library:library>')
+    with open(os.path.join(basic, os.pardir, "script.xlc"), "w", encoding="utf-8") as file:
+        file.write('<library:libraries xmlns:library="http://openoffice.org/2000/library" '
+                   'xmlns:xlink="http://www.w3.org/1999/xlink"><library:library library:name="Standard" '
+                   'xlink:href="$(USER)/basic/Standard/script.xlb/" xlink:type="simple" library:link="false"/>'
+                   "</library:libraries>")
+    rows = (("table.xlsx", "locked.xls", "MS Excel 97"), ("text.odt", "locked.doc", "MS Word 97"),
+            ("text.odt", "locked.odt", "writer8"))
+    calls = "\n".join(f'Store "file://{folder}/{source}", "file://{folder}/{name}", "{kind}"' for source, name, kind in rows)
+    macro = f"""Sub Store(source, target, kind)
+Dim hidden(0) As New com.sun.star.beans.PropertyValue
+hidden(0).Name = "Hidden"
+hidden(0).Value = True
+document = StarDesktop.loadComponentFromURL(source, "_blank", 0, hidden())
+Dim how(1) As New com.sun.star.beans.PropertyValue
+how(0).Name = "FilterName"
+how(0).Value = kind
+how(1).Name = "Password"
+how(1).Value = "secret"
+document.storeToURL(target, how())
+document.close(True)
+End Sub
+Sub Main
+{calls}
+StarDesktop.terminate
+End Sub
+"""
+    with open(os.path.join(basic, "Module1.xba"), "w", encoding="utf-8") as file:
+        file.write('<script:module xmlns:script="http://openoffice.org/2000/script" script:name="Module1" '
+                   f'script:language="StarBasic">{html.escape(macro)}</script:module>')
+    subprocess.run(["soffice", "--headless", "--norestore", f"-env:UserInstallation=file://{profile}",
+                    "macro:///Standard.Module1.Main"], env=ENV, stdin=subprocess.DEVNULL, capture_output=True,
+                   check=True, timeout=120)
+    return [name for _, name, _ in rows]
+
+
 def convert(options, folder, work):
     """The folder with the results, and the outcome of each name."""
     kept = os.path.join(work, "kept")
     done = subprocess.run(
-        [options.wine_run, "--timeout", "240", "--stage", f"documents={folder}", "--stage", options.work_process,
+        [options.wine_run, "--timeout", "480", "--stage", f"documents={folder}", "--stage", options.work_process,
          "--install", f"LibreOffice/program/soffice.exe={options.suite}",
          "--install", "LibreOffice/program/hand_on.py=" + os.path.join(FAKE, "hand_on.py"),
          "--reg", os.path.join(FAKE, "suite.reg"), "--keep", kept, "--", options.converter],
@@ -153,6 +202,7 @@ def check_all(options, work):
     folder = os.path.join(work, "documents")
     os.mkdir(folder)
     make_documents(folder, work)
+    protected = make_protected(folder, work)
     after, outcomes = convert(options, folder, work)
     texts = {"Grüße & mehr.docx": "Dear Ann, this is a letter.", "table.xlsx": "4711", "text.odt": "Dear Bob, a text.",
              "slides.odp": "A slide."}
@@ -161,6 +211,8 @@ def check_all(options, work):
         check_pdf(os.path.join(after, name + ".pdf"), text)
     check(outcomes.get("broken.docx") == "failed", f"a broken document fails ({outcomes.get('broken.docx')})")
     check(os.path.getsize(os.path.join(after, "broken.docx.pdf")) == 0, "its result is empty")
+    for name in protected:
+        check(outcomes.get(name) == "protected", f"{name} needs its password ({outcomes.get(name)})")
     linked = os.path.join(after, "text.odt.pdf")
     check(SECRET not in tool("pdftotext", linked, "-")[1], "no text of another file is loaded")
     check(len(tool("pdfimages", "-list", linked)[1].splitlines()) == 2, "no picture of another file is loaded")
