@@ -10,6 +10,7 @@
 #include "ObLib/Src/Win32/ModulePath.h"
 #include "contracts/TransformWork.h"
 #include "services/providers/Answers.h"
+#include "services/providers/transforms/ConvertPdf.h"
 #include "services/providers/transforms/Stages.h"
 #include "services/providers/ui/SettingsDialogs.h"
 #include "services/providers/ui/TextIds.h"
@@ -108,17 +109,22 @@ Bool ShowProviderOptionsWhenNoOptionsSet(ProviderManagerHandle manager, std::uin
     });
 }
 
-// Every transform of this module needs the work process and nothing else.
+// Every transform of this module needs the work process and nothing else: PDFs of pictures can be
+// made without an office program.
 Bool GetReadyForConvert(HWND owner, ProviderManagerHandle manager, std::uint32_t providerId,
                         ProviderKind kind) {
-    return WithSession(manager, [&](const Session& session) {
+    return WithSession(manager, [&](Session& session) {
         if (!session.catalogue.Contains(providerId, kind) || kind != ProviderKind::Transform) {
             return false;
         }
         const auto program = ObLib::PathBesideModule(ObLib::ThisModule(), kTransformWorkFileName);
-        if (program && GetFileAttributesW(program->c_str()) != INVALID_FILE_ATTRIBUTES) return true;
-        ShowSentence(owner, OwnText(OB_TEXT_NOT_READY));
-        return false;
+        if (!program || GetFileAttributesW(program->c_str()) == INVALID_FILE_ATTRIBUTES) {
+            ShowSentence(owner, OwnText(OB_TEXT_NOT_READY));
+            return false;
+        }
+        if (static_cast<TransformId>(providerId) == TransformId::ConvertPdf)
+            NoteMissingSuite(session.run, session.settings, owner);
+        return true;
     });
 }
 

@@ -19,6 +19,7 @@ namespace {
 using Texts = std::vector<std::wstring>;
 
 // The texts of the boxes.
+constexpr UINT kConvertPdf = 180;
 constexpr UINT kAddWatermark = 181;
 constexpr UINT kResizeImages = 182;
 constexpr UINT kRemovePersonalData = 185;
@@ -191,6 +192,51 @@ TEST_F(TransformEndToEnd, ZipsOnePdfInThePlaceOfThree) {
     for (std::size_t file = 0; file < 3; ++file) EXPECT_EQ(ReadFileContent(picked[file]), pdf);
     const std::wstring folder = FolderOf(answer.given[0]).substr(TempFolder().size() + 1);
     ExpectNoMoreThan({folder, folder + NameOf(answer.given[0])});
+}
+
+// Pictures that become PDFs.
+class PdfEndToEnd : public TickedRequest {
+protected:
+    // The settings are there and want no documents, so that the tick shows nothing.
+    void SetUp() override {
+        RealRequest::SetUp();
+        const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\3";
+        SetValue(HKEY_CURRENT_USER, key, L"Page", L"A4");
+        SetValue(HKEY_CURRENT_USER, key, L"Documents", L"0");
+    }
+    static std::string Coded() {
+        const auto jpeg = MakeJpeg(Photo(300, 200, 3));
+        return {jpeg.begin(), jpeg.end()};
+    }
+};
+
+TEST_F(PdfEndToEnd, GivesAPdfWithTheDataOfThePhoto) {
+    const std::string photo = Coded();
+    const std::wstring source = files_.File(L"photo.jpg", photo);
+    PickerUiDriver driver(PickTicked(kConvertPdf, Choice::None, {source}));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    EXPECT_EQ(NameOf(answer.given[0]), L"photo.pdf");
+    const std::string pdf = ReadFileContent(answer.given[0]).value_or("");
+    EXPECT_TRUE(pdf.starts_with("%PDF-"));
+    EXPECT_NE(pdf.find(photo), std::string::npos);
+    EXPECT_NE(pdf.find("/MediaBox [0 0 841.89 595.276]"), std::string::npos);
+    EXPECT_EQ(ReadFileContent(source), photo);
+}
+
+TEST_F(PdfEndToEnd, ZipsPdfsBesideFilesThatStayAsTheyAre) {
+    const Texts picked{files_.File(L"one.jpg", Coded()), files_.File(L"one.pdf", "%PDF-1.4"),
+                       files_.File(L"letter.txt", "Dear all")};
+    PickerUiDriver driver(PickTicked(kConvertPdf, Choice::Zip, picked));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    const auto entries = ReadZip(answer.given[0]);
+    ASSERT_EQ(entries.size(), 3u);
+    EXPECT_NE(entries.at("one (2).pdf").content.find(Coded()), std::string::npos);
+    EXPECT_EQ(entries.at("one.pdf").content, "%PDF-1.4");
+    EXPECT_EQ(entries.at("letter.txt").content, "Dear all");
 }
 
 // Pictures that are made smaller.

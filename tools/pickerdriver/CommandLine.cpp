@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 
+#include "services/providers/ui/PdfDialogIds.h"
 #include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/PhotoDialogIds.h"
 #include "services/providers/ui/ResizeDialogIds.h"
@@ -21,6 +22,7 @@ Choice ParseChoice(const std::wstring& name) {
 
 constexpr Transform kTransforms[] = {
     {L"clean", 185, OB_PERSONAL_DATA_RECEIPT, 0, 0, true},
+    {L"pdf", 180, OB_PDF_PICTURES, 0, 0, false, true},
     {L"photos", 184, OB_PHOTO_WEBP, 0, 0, false},
     {L"resize", 182, OB_RESIZE_EDGE, OB_RESIZE_EDGE, OB_RESIZE_EDGE_NUMBER, false},
     {L"fit", 182, OB_RESIZE_EDGE, OB_RESIZE_FIT, OB_RESIZE_FIT_NUMBER, false},
@@ -32,8 +34,8 @@ const Transform* ParseTransform(const std::wstring& name) {
     for (const Transform& transform : kTransforms) {
         if (name == transform.name) return &transform;
     }
-    throw Failure{L"--tick is clean, photos, resize, fit, combine or watermark, not \"" + name +
-                  L"\""};
+    throw Failure{L"--tick is clean, pdf, photos, resize, fit, combine or watermark, not \"" +
+                  name + L"\""};
 }
 
 void SplitFiles(const std::wstring& list, std::vector<std::wstring>& files) {
@@ -109,7 +111,7 @@ const wchar_t kUsage[] =
     L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own is kept\n"
     L"  --tick NAME                ticks the box of this transform and answers its dialogs: "
     L"clean,\n"
-    L"                             photos, resize, fit, combine or watermark\n"
+    L"                             pdf, photos, resize, fit, combine or watermark\n"
     L"  --value TEXT               typed in its settings: a number, or the text of a watermark\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"

@@ -13,11 +13,12 @@ enum class Choice { Zip, Encrypt, None };
 // A transform that this build has, as the UI driver meets it.
 struct Transform {
     const wchar_t* name;
-    UINT box;        // the id of its text in the picker
-    int settings;    // a control of its settings dialog; 0: it has none
-    int pressed;     // a button that is pressed there; 0: none
-    int valueField;  // takes --value; 0: none
-    bool hasReceipt; // before the files go to the page
+    UINT box;                 // the id of its text in the picker
+    int settings;             // a control of its settings dialog; 0: it has none
+    int pressed;              // a button that is pressed there; 0: none
+    int valueField;           // takes --value; 0: none
+    bool hasReceipt;          // before the files go to the page
+    bool mayHaveNote = false; // messages before the settings, which are read and closed
 };
 
 struct Task {

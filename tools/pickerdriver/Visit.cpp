@@ -36,6 +36,15 @@ std::optional<std::wstring> FindMessageBox() {
     return obtest::ItemText(box, kMessageTextId);
 }
 
+// Reads a message and closes it.
+void CloseNote() {
+    const HWND box = obtest::FindTopWindow(&IsMessageBox);
+    if (!box) return;
+    Say(L"a message: " + obtest::ItemText(box, kMessageTextId));
+    PostMessageW(box, WM_CLOSE, 0, 0);
+    while (IsWindow(box)) Sleep(kLookEvery);
+}
+
 // The UI driver expects no message box; to wait on would only hide the box's text.
 void Await(const std::wstring& what, DWORD limit, HANDLE program,
            const std::function<bool()>& holds) {
@@ -130,6 +139,7 @@ void ChangeSettings(HWND settings, const Task& task) {
 void TakeSettings(const Task& task, HANDLE program, const std::wstring& box) {
     HWND settings = nullptr;
     Await(L"settings of \"" + box + L"\"", task.limit, program, [&] {
+        if (task.tick->mayHaveNote) CloseNote();
         settings = DialogWith(task.tick->settings);
         return settings != nullptr;
     });
@@ -137,17 +147,16 @@ void TakeSettings(const Task& task, HANDLE program, const std::wstring& box) {
     PressOkOf(settings, task, program, L"-settings");
 }
 
-// A tick may bring another transform along, about which a sentence is shown.
+// Ticking the box that combines PDFs ticks the one that makes them too, about which a sentence may
+// be shown before.
 void AwaitTickWithSentences(const obtest::OpenPicker& picker, const std::wstring& text,
                             DWORD limit) {
+    constexpr UINT kConvertPdf = 180; // the id of the box's text
+    const std::wstring brought = LibraryText(kConvertPdf);
     obtest::WaitUntil(
         [&] {
-            const HWND box = obtest::FindTopWindow(&IsMessageBox);
-            if (box && GetDlgItem(box, IDOK)) {
-                Say(L"read: " + obtest::ItemText(box, kMessageTextId));
-                SendMessageW(box, WM_COMMAND, IDOK, 0);
-            }
-            return !box && picker.IsChecked(text);
+            CloseNote();
+            return picker.IsChecked(text) && picker.IsChecked(brought);
         },
         limit);
 }

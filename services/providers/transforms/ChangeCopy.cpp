@@ -51,4 +51,13 @@ bool ChangeCopy(StageCall& call, const std::wstring& path, const std::wstring& f
     return decided ? *decided : RefuseResult(call, report.result, texts, path);
 }
 
+bool PlaceResult(StageCall& call, NewFile& made, WorkingCopy& copy, const ResultKind& kind,
+                 std::wstring& path) {
+    const auto isEnded = [&] { return call.wait.IsEnded(); };
+    const bool done =
+        kind.hasName ? made.TakePlaceOf(copy, isEnded)
+                     : made.TakeNameBeside(copy, path, kind.extension, kLongestResult, isEnded);
+    return done || Refuse(call, OB_TEXT_UNWRITABLE, path);
+}
+
 } // namespace providers

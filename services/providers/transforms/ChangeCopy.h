@@ -31,4 +31,16 @@ using DecideResult = std::optional<bool>(StageCall& call, WorkResult result,
 bool ChangeCopy(StageCall& call, const std::wstring& path, const std::wstring& folder,
                 const WorkOrder& order, const RefusalTexts& texts, DecideResult* decide = nullptr);
 
+// The extension of a result, and whether the file has a name for it already.
+struct ResultKind {
+    const wchar_t* extension;
+    bool hasName;
+};
+
+// Puts a whole result of another kind in the place of the working copy, or beside it under a name
+// of its own, where the copy is deleted; `path` becomes that of the result. False, after a
+// sentence, with all as it was.
+bool PlaceResult(StageCall& call, NewFile& made, WorkingCopy& copy, const ResultKind& kind,
+                 std::wstring& path);
+
 } // namespace providers

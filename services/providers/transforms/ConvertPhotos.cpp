@@ -19,16 +19,6 @@ constexpr char kNoDecoder[] = "no-decoder";
 constexpr RefusalTexts kTexts = {OB_TEXT_PHOTO_DAMAGED, OB_TEXT_PHOTO_TOO_LARGE, 0,
                                  OB_TEXT_PHOTO_FAILED};
 
-// One sentence a run; the file goes out as it is.
-bool Pass(StageCall& call, const WorkReport& report, const std::wstring& path) {
-    const bool hasNoDecoder =
-        std::ranges::find(report.found, kNoDecoder, &WorkFound::key) != report.found.end();
-    if (!hasNoDecoder || call.run.record.hasSaidNoDecoder) return true;
-    call.run.record.hasSaidNoDecoder = true;
-    Refuse(call, OB_TEXT_PHOTO_NO_DECODER, path);
-    return !call.wait.IsEnded();
-}
-
 // By what is in the file: the work process may have said anything. Null when the file is neither.
 const wchar_t* ExtensionOf(HANDLE file) {
     constexpr unsigned char kJpeg[] = {0xFF, 0xD8, 0xFF};
@@ -53,14 +43,19 @@ bool Place(StageCall& call, NewFile& made, WorkingCopy& copy, const WorkReport& 
     if (!extension || report.size != made.Size()) {
         return RefuseResult(call, WorkResult::ProcessFailed, kTexts, path);
     }
-    const auto isEnded = [&] { return call.wait.IsEnded(); };
-    const bool done = HasNameOf(path, extension)
-                          ? made.TakePlaceOf(copy, isEnded)
-                          : made.TakeNameBeside(copy, path, extension, kLongestResult, isEnded);
-    return done || Refuse(call, OB_TEXT_UNWRITABLE, path);
+    return PlaceResult(call, made, copy, {extension, HasNameOf(path, extension)}, path);
 }
 
 } // namespace
+
+bool PassPhoto(StageCall& call, const WorkReport& report, const std::wstring& path) {
+    const bool hasNoDecoder =
+        std::ranges::find(report.found, kNoDecoder, &WorkFound::key) != report.found.end();
+    if (!hasNoDecoder || call.run.record.hasSaidNoDecoder) return true;
+    call.run.record.hasSaidNoDecoder = true;
+    Refuse(call, OB_TEXT_PHOTO_NO_DECODER, path);
+    return !call.wait.IsEnded();
+}
 
 bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folder) {
     // The extensions of both results are equally long.
@@ -76,7 +71,7 @@ bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folde
     const WorkReport report =
         call.run.process.Run(order, copy->Handle(), made->Handle(), call.wait);
     if (report.result == WorkResult::Unchanged) return true;
-    if (report.result == WorkResult::NotSupported) return Pass(call, report, path);
+    if (report.result == WorkResult::NotSupported) return PassPhoto(call, report, path);
     if (report.result != WorkResult::Changed)
         return RefuseResult(call, report.result, kTexts, path);
     return Place(call, *made, *copy, report, path);

@@ -14,4 +14,8 @@ namespace providers {
 // the run has to stop, as for a damaged photo. `folder` as for WorkingCopy::Open.
 bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folder);
 
+// What the work process couldn't read passes. Where the reason is that nothing on this machine
+// decodes the photo, the user reads one sentence a run. False when the call was to end.
+bool PassPhoto(StageCall& call, const WorkReport& report, const std::wstring& path);
+
 } // namespace providers

@@ -32,6 +32,8 @@ struct RunRecord {
     std::map<std::wstring, CleanRecord, PathOrder> cleaned;
     // The user has read that a photo has no decoder on this machine.
     bool hasSaidNoDecoder = false;
+    // The user has read that no office program is there for documents.
+    bool hasSaidNoSuite = false;
     // Of the last list stage, for GetTargetFile.
     std::vector<std::wstring> results;
 };

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "services/providers/transforms/CombinePdfs.h"
+#include "services/providers/transforms/ConvertPdf.h"
 #include "services/providers/transforms/ConvertPhotos.h"
 #include "services/providers/transforms/FitMail.h"
 #include "services/providers/transforms/PersonalData.h"
@@ -32,7 +33,7 @@ bool AllInPlace(StageCall& call, std::vector<std::wstring>& paths) {
 }
 
 constexpr TransformRow kRows[] = {
-    {ConvertPdf, nullptr, nullptr, nullptr},
+    {ConvertPdf, &ConvertToPdf, nullptr, nullptr},
     {ConvertPhotos, &ConvertPhoto, nullptr, nullptr},
     {ResizeImages, &InPlace<&ResizePicture>, nullptr, nullptr, &LooksAtEachPicture},
     {Watermark, &InPlace<&AddWatermark>, nullptr, nullptr},

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "services/providers/ui/PdfDialog.h"
 #include "services/providers/ui/PersonalDataDialog.h"
 #include "services/providers/ui/PhotoDialog.h"
 #include "services/providers/ui/ResizeDialog.h"
@@ -25,6 +26,7 @@ bool Change(const TransformSettings& stored, HWND owner) {
 }
 
 constexpr SettingsRow kRows[] = {
+    {TransformId::ConvertPdf, &PdfSettings::AreStored, &Change<PdfSettings>},
     {TransformId::ConvertPhotos, &PhotoSettings::AreStored, &Change<PhotoSettings>},
     {TransformId::ResizeImages, &ResizeSettings::AreStored, &Change<ResizeSettings>},
     {TransformId::Watermark, &WatermarkSettings::AreStored, &Change<WatermarkSettings>},

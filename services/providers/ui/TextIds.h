@@ -64,6 +64,11 @@
 #define OB_TEXT_PHOTO_FAILED 622
 #define OB_TEXT_PHOTO_NO_DECODER 623
 
+// Pictures that become PDFs.
+#define OB_TEXT_PDF_DAMAGED 700
+#define OB_TEXT_PDF_TOO_LARGE 701
+#define OB_TEXT_PDF_FAILED 702
+
 // Watermarks.
 #define OB_TEXT_WATERMARK_EMPTY 640
 #define OB_TEXT_PLACE_TOP_LEFT 641

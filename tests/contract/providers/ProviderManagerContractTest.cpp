@@ -25,10 +25,11 @@ constexpr TransformId kTransformIds[] = {TransformId::ResizeImages, TransformId:
                                          TransformId::SignPdfs,     TransformId::ConvertFromPdf};
 constexpr std::uint32_t kStorageId = 7;
 constexpr std::uint32_t kRemoveInfo = 51;
+constexpr std::uint32_t kLacked = 66; // no manager has it
 // The transforms that this build's manager has; the fake is told the same.
-constexpr TransformId kSupported[] = {TransformId::ResizeImages, TransformId::ConvertPhotos,
-                                      TransformId::RemoveInfo, TransformId::Watermark,
-                                      TransformId::CombinePdfs};
+constexpr TransformId kSupported[] = {TransformId::ResizeImages,  TransformId::ConvertPdf,
+                                      TransformId::ConvertPhotos, TransformId::RemoveInfo,
+                                      TransformId::Watermark,     TransformId::CombinePdfs};
 
 ProviderProfile FilledProfile() {
     ProviderProfile profile{};
@@ -56,9 +57,9 @@ void ExpectOnlyNo(ProviderManagerHandle manager) {
     entries.EnumProvidersReset(manager);
     EXPECT_EQ(entries.EnumStorageProviders(manager), nullptr);
     EXPECT_EQ(entries.GetProviderInstance(manager, kStorageId, ProviderKind::Storage), nullptr);
-    EXPECT_EQ(entries.GetProviderInstance(manager, 3, ProviderKind::Transform), nullptr);
+    EXPECT_EQ(entries.GetProviderInstance(manager, kLacked, ProviderKind::Transform), nullptr);
     EXPECT_FALSE(entries.IsProviderSupport(manager, kStorageId, ProviderKind::Storage));
-    EXPECT_FALSE(entries.IsProviderSupport(manager, 3, ProviderKind::Transform));
+    EXPECT_FALSE(entries.IsProviderSupport(manager, kLacked, ProviderKind::Transform));
     wchar_t key[1000] = L"";
     wchar_t label[51] = L"";
     EXPECT_FALSE(entries.Login2(manager, nullptr, key, label, nullptr));
@@ -66,10 +67,10 @@ void ExpectOnlyNo(ProviderManagerHandle manager) {
     EXPECT_FALSE(entries.IsAuthorized2(manager, nullptr, L"key", nullptr));
     EXPECT_FALSE(entries.GetSharedListFromOpenPicker(manager, nullptr, nullptr, nullptr));
     entries.DeleteDownloadList(nullptr, nullptr);
-    EXPECT_FALSE(entries.ShowProviderOptionsWhenNoOptionsSet(manager, 3, ProviderKind::Transform,
-                                                             nullptr, nullptr));
-    EXPECT_FALSE(entries.GetReadyForConvert(nullptr, manager, 3, ProviderKind::Transform));
-    EXPECT_FALSE(entries.SelectProviders(manager, kSelectUse, 3, ProviderKind::Transform));
+    EXPECT_FALSE(entries.ShowProviderOptionsWhenNoOptionsSet(
+        manager, kLacked, ProviderKind::Transform, nullptr, nullptr));
+    EXPECT_FALSE(entries.GetReadyForConvert(nullptr, manager, kLacked, ProviderKind::Transform));
+    EXPECT_FALSE(entries.SelectProviders(manager, kSelectUse, kLacked, ProviderKind::Transform));
     EXPECT_FALSE(entries.SelectProviders(manager, kSelectLeaveOut, 70, ProviderKind::Transform));
     EXPECT_FALSE(entries.IsProviderTypeSelected(manager, ProviderKind::Transform));
 }
@@ -342,7 +343,7 @@ TEST_F(ProviderManagerContract, FailsToTransformOutsideASession) {
 
 TEST_F(ProviderManagerContract, ShowsNoSettingsOfAProviderThatItLacks) {
     Init();
-    Entries().ShowProviderOptions(manager_, 3, ProviderKind::Transform, nullptr, nullptr);
+    Entries().ShowProviderOptions(manager_, kLacked, ProviderKind::Transform, nullptr, nullptr);
     EXPECT_EQ(FindWindowW(L"#32770", nullptr), nullptr);
 }
 

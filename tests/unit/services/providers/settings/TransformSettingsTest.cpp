@@ -4,12 +4,15 @@
 
 #include <string>
 
+#include "services/providers/settings/PdfSettings.h"
 #include "services/providers/settings/PersonalDataSettings.h"
 #include "services/providers/settings/PhotoSettings.h"
 #include "services/providers/settings/ResizeSettings.h"
 #include "services/providers/settings/WatermarkSettings.h"
 #include "tests/support/ProductRegistry.h"
 
+using providers::PdfPage;
+using providers::PdfSettings;
 using providers::PersonalDataSettings;
 using providers::PhotoQuality;
 using providers::PhotoSettings;
@@ -71,6 +74,44 @@ TEST_F(TransformSettingsTest, ReportThatTheyCantBeStored) {
     const TransformSettings nowhere(HKEY_CURRENT_USER, std::wstring(300, L'k'));
     EXPECT_FALSE(PersonalDataSettings().Save(nowhere));
     EXPECT_FALSE(ResizeSettings().Save(nowhere));
+}
+
+const std::wstring kPdfKey = kKey + L"\\Transforms\\3";
+
+class PdfSettingsTest : public TransformSettingsTest {
+protected:
+    static void Store(const wchar_t* name, const wchar_t* text) {
+        obtest::SetValue(HKEY_CURRENT_USER, kPdfKey, name, text);
+    }
+};
+
+TEST_F(PdfSettingsTest, AreTheDefaultsUntilTheyAreStored) {
+    EXPECT_FALSE(PdfSettings::AreStored(settings_));
+    EXPECT_EQ(PdfSettings::Load(settings_), PdfSettings());
+}
+
+TEST_F(PdfSettingsTest, AreReadBackAsStored) {
+    for (const auto page : {PdfPage::Letter, PdfPage::AsPicture, PdfPage::A4}) {
+        const PdfSettings stored{false, true, page};
+        ASSERT_TRUE(stored.Save(settings_));
+        EXPECT_TRUE(PdfSettings::AreStored(settings_));
+        EXPECT_EQ(PdfSettings::Load(settings_), stored);
+    }
+}
+
+TEST_F(PdfSettingsTest, AreTheDefaultsWhereAnotherTextIsStored) {
+    Store(L"Page", L"A5");
+    Store(L"Pictures", L"no");
+    Store(L"Documents", L"0");
+    EXPECT_FALSE(PdfSettings::AreStored(settings_));
+    EXPECT_EQ(PdfSettings::Load(settings_), (PdfSettings{true, false, PdfPage::AsPicture}));
+}
+
+TEST_F(PdfSettingsTest, AskForThePageThatIsWanted) {
+    EXPECT_EQ(PdfSettings().Order().page, obcontract::WorkPage::AsPicture);
+    EXPECT_EQ((PdfSettings{true, true, PdfPage::A4}.Order().page), obcontract::WorkPage::A4);
+    EXPECT_EQ((PdfSettings{true, true, PdfPage::Letter}.Order().page),
+              obcontract::WorkPage::Letter);
 }
 
 const std::wstring kPhotoKey = kKey + L"\\Transforms\\50";

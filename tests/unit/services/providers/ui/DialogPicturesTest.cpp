@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "services/providers/ui/PdfDialog.h"
+#include "services/providers/ui/PdfDialogIds.h"
 #include "services/providers/ui/PersonalDataDialog.h"
 #include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/PhotoDialog.h"
@@ -72,6 +74,17 @@ TEST_F(ProviderDialogPictures, OfTheSettings) {
         DialogUiDriver::Press(dialog, IDCANCEL);
     });
     PersonalDataSettings settings;
+    EXPECT_FALSE(AskForSettings(nullptr, settings));
+}
+
+TEST_F(ProviderDialogPictures, OfTheSettingsOfPdfs) {
+    DialogUiDriver user(OB_PDF_PICTURES, [](HWND dialog) {
+        Look(dialog, L"settings-pdf",
+             {OB_PDF_INTRO, OB_PDF_PICTURES, OB_PDF_DOCUMENTS, OB_PDF_AS_PICTURE, OB_PDF_A4,
+              OB_PDF_LETTER, OB_PDF_NOTE, IDOK, IDCANCEL});
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    PdfSettings settings;
     EXPECT_FALSE(AskForSettings(nullptr, settings));
 }
 

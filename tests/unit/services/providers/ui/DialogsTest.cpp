@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "services/providers/ui/PdfDialog.h"
+#include "services/providers/ui/PdfDialogIds.h"
 #include "services/providers/ui/PersonalDataDialog.h"
 #include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/PhotoDialog.h"
@@ -57,6 +59,61 @@ TEST_F(PersonalDataDialog, TakesWhatTheUserChose) {
 TEST_F(PersonalDataDialog, ChangesNothingWhenItIsCancelled) {
     EXPECT_FALSE(Ask({OB_PERSONAL_DATA_RECEIPT, OB_PERSONAL_DATA_STOP, IDCANCEL}));
     EXPECT_EQ(settings_, PersonalDataSettings());
+}
+
+class PdfDialog : public testing::Test {
+protected:
+    // Shows the settings, uses them, and gives what the dialog answered.
+    bool Ask(const std::function<void(HWND)>& use) {
+        DialogUiDriver user(OB_PDF_PICTURES, use);
+        return AskForSettings(nullptr, settings_);
+    }
+    bool Ask(std::initializer_list<int> buttons) {
+        return Ask([&](HWND dialog) {
+            for (const int button : buttons) DialogUiDriver::Press(dialog, button);
+        });
+    }
+    static bool IsEnabled(HWND dialog, int control) {
+        return IsWindowEnabled(GetDlgItem(dialog, control)) != FALSE;
+    }
+
+    PdfSettings settings_;
+};
+
+TEST_F(PdfDialog, KeepsWhatItShowsAfterOk) {
+    for (const PdfSettings stored : {PdfSettings{true, false, PdfPage::A4},
+                                     PdfSettings{false, true, PdfPage::Letter}, PdfSettings()}) {
+        settings_ = stored;
+        EXPECT_TRUE(Ask({IDOK}));
+        EXPECT_EQ(settings_, stored);
+    }
+}
+
+TEST_F(PdfDialog, TakesWhatTheUserChose) {
+    EXPECT_TRUE(Ask({OB_PDF_DOCUMENTS, OB_PDF_LETTER, IDOK}));
+    EXPECT_EQ(settings_, (PdfSettings{true, false, PdfPage::Letter}));
+}
+
+TEST_F(PdfDialog, ChangesNothingWhenItIsCancelled) {
+    EXPECT_FALSE(Ask({OB_PDF_A4, OB_PDF_PICTURES, IDCANCEL}));
+    EXPECT_EQ(settings_, PdfSettings());
+}
+
+TEST_F(PdfDialog, OffersPagesForPicturesAndOkForAnyKind) {
+    EXPECT_FALSE(Ask([](HWND dialog) {
+        EXPECT_TRUE(IsEnabled(dialog, OB_PDF_A4));
+        DialogUiDriver::Press(dialog, OB_PDF_PICTURES);
+        EXPECT_FALSE(IsEnabled(dialog, OB_PDF_A4));
+        EXPECT_TRUE(IsEnabled(dialog, IDOK));
+        DialogUiDriver::Press(dialog, OB_PDF_DOCUMENTS);
+        EXPECT_FALSE(IsEnabled(dialog, IDOK));
+        SendMessageW(dialog, WM_COMMAND, IDOK, 0); // the Enter key
+        EXPECT_TRUE(IsWindow(dialog));
+        DialogUiDriver::Press(dialog, OB_PDF_PICTURES);
+        EXPECT_TRUE(IsEnabled(dialog, OB_PDF_A4));
+        EXPECT_TRUE(IsEnabled(dialog, IDOK));
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    }));
 }
 
 class PhotoDialog : public testing::Test {

@@ -1,0 +1,106 @@
+#include "services/providers/transforms/ConvertPdf.h"
+
+#include <cstring>
+
+#include "services/providers/files/ResultName.h"
+#include "services/providers/settings/PdfSettings.h"
+#include "services/providers/suite/DocumentToPdf.h"
+#include "services/providers/transforms/ChangeCopy.h"
+#include "services/providers/transforms/ConvertPhotos.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+
+namespace providers {
+namespace {
+
+constexpr wchar_t kExtension[] = L"pdf";
+
+constexpr RefusalTexts kTexts = {OB_TEXT_PDF_DAMAGED, OB_TEXT_PDF_TOO_LARGE, 0, OB_TEXT_PDF_FAILED};
+
+// By what is in the file: the work process may have said anything.
+bool IsPdf(HANDLE file) {
+    constexpr char kBegin[] = {'%', 'P', 'D', 'F', '-'};
+    char begin[sizeof kBegin] = {};
+    OVERLAPPED atStart{};
+    DWORD read = 0;
+    return ReadFile(file, begin, sizeof begin, &read, &atStart) && read == sizeof begin &&
+           std::memcmp(begin, kBegin, sizeof begin) == 0;
+}
+
+bool Place(StageCall& call, NewFile& made, WorkingCopy& copy, std::wstring& path) {
+    return PlaceResult(call, made, copy, {kExtension, HasExtension(path, kExtension)}, path);
+}
+
+bool ConvertPicture(StageCall& call, const PdfSettings& settings, WorkingCopy& copy,
+                    std::wstring& path) {
+    const auto made = NewFile::MakeBeside(copy, call.run.unfinished);
+    if (!made) return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    const WorkOrder order(obcontract::WorkKind::PictureToPdf, settings.Order());
+    const WorkReport report = call.run.process.Run(order, copy.Handle(), made->Handle(), call.wait);
+    if (report.result == WorkResult::Unchanged) return true;
+    if (report.result == WorkResult::NotSupported) return PassPhoto(call, report, path);
+    if (report.result != WorkResult::Changed)
+        return RefuseResult(call, report.result, kTexts, path);
+    if (!IsPdf(made->Handle()) || report.size != made->Size())
+        return RefuseResult(call, WorkResult::ProcessFailed, kTexts, path);
+    return Place(call, *made, copy, path);
+}
+
+// A sentence after which the file goes out as it is. False when the call was to end.
+bool PassWith(StageCall& call, UINT text, const std::wstring& path) {
+    Refuse(call, text, path);
+    return !call.wait.IsEnded();
+}
+
+bool PassWithoutSuite(StageCall& call, const std::wstring& path) {
+    if (call.run.record.hasSaidNoSuite) return true;
+    call.run.record.hasSaidNoSuite = true;
+    return PassWith(call, OB_TEXT_SUITE_NONE, path);
+}
+
+bool ConvertOffice(StageCall& call, WorkingCopy& copy, std::wstring& path) {
+    const auto made = NewFile::MakeBeside(copy, call.run.unfinished);
+    if (!made) return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    const SuiteDocument document{copy.Handle(), FileNameOf(path), copy.Folder()};
+    switch (ConvertDocument(document, made->Handle(), call.run.process, call.wait)) {
+    case SuiteOutcome::Converted:
+        return Place(call, *made, copy, path);
+    case SuiteOutcome::NotADocument:
+        return true;
+    case SuiteOutcome::NoSuite:
+        return PassWithoutSuite(call, path);
+    case SuiteOutcome::Protected:
+        return PassWith(call, OB_TEXT_SUITE_PROTECTED, path);
+    case SuiteOutcome::NoAnswer:
+        return Refuse(call, OB_TEXT_SUITE_NO_ANSWER, path);
+    case SuiteOutcome::Unwritable:
+        return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    case SuiteOutcome::Cancelled:
+        return false;
+    default:
+        return Refuse(call, OB_TEXT_SUITE_FAILED, path);
+    }
+}
+
+} // namespace
+
+bool ConvertToPdf(StageCall& call, std::wstring& path, const std::wstring& folder) {
+    if (ResultPath(path, kExtension).size() > kLongestResult) {
+        return Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
+    }
+    auto copy = OpenCopy(call, path, folder);
+    if (!copy) return false;
+    const PdfSettings settings = PdfSettings::Load(call.settings);
+    if (IsDocument(copy->Handle(), FileNameOf(path)))
+        return !settings.documents || ConvertOffice(call, *copy, path);
+    return !settings.pictures || ConvertPicture(call, settings, *copy, path);
+}
+
+void NoteMissingSuite(TransformRun& run, const TransformSettings& settings, HWND owner) {
+    if (run.record.hasSaidNoSuite || !PdfSettings::Load(settings).documents || IsSuiteThere())
+        return;
+    run.record.hasSaidNoSuite = true;
+    ShowSentence(owner, OwnText(OB_TEXT_SUITE_NOT_READY));
+}
+
+} // namespace providers

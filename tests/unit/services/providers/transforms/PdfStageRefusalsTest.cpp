@@ -1,0 +1,38 @@
+// A work process that misbehaves while it makes a PDF: one sentence, and the copy stays.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include "tests/unit/services/providers/transforms/ManagerFixture.h"
+
+namespace {
+
+using namespace stagetest;
+
+class PdfStageRefusals : public ManagerFixture {
+protected:
+    void SetUp() override {
+        ManagerFixture::SetUp();
+        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
+        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, 3, kTransform));
+    }
+};
+
+// "good" writes what is no PDF.
+TEST_F(PdfStageRefusals, StopTheRunAndLeaveTheCopy) {
+    for (const char* word : {"good", "crash", "exit", "garbage", "half", "wrong-size", "no-output",
+                             "crash-after-writing", "full", "too-large"}) {
+        ExpectRefused(word);
+        SetUp();
+    }
+}
+
+TEST_F(PdfStageRefusals, StopTheRunWithoutAWorkProcess) {
+    const std::wstring program = obtest::BesideProgram(kTransformWorkFileName);
+    const std::wstring away = obtest::BesideProgram(L"away.exe");
+    ASSERT_TRUE(MoveFileW(program.c_str(), away.c_str()));
+    ExpectRefused("good");
+    ASSERT_TRUE(MoveFileW(away.c_str(), program.c_str()));
+}
+
+} // namespace
