@@ -75,6 +75,8 @@ bool ConvertOffice(StageCall& call, WorkingCopy& copy, std::wstring& path) {
         return Refuse(call, OB_TEXT_SUITE_NO_ANSWER, path);
     case SuiteOutcome::Unwritable:
         return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    case SuiteOutcome::Busy:
+        return Refuse(call, OB_TEXT_SUITE_BUSY, path);
     case SuiteOutcome::Cancelled:
         return false;
     default:

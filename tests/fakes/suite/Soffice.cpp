@@ -90,6 +90,24 @@ void LeaveFiles(const Arguments& arguments) {
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
 }
 
+// What a test of the start alone looks at; uses a processor for a moment.
+int ShowStart() {
+    STARTUPINFOW startup;
+    GetStartupInfoW(&startup);
+    wchar_t temporary[MAX_PATH + 1] = {};
+    GetTempPathW(MAX_PATH + 1, temporary);
+    for (const wchar_t* name : {L"TMP", L"TEMP", L"Path", L"OB_KEPT"}) {
+        wchar_t value[4096] = {};
+        GetEnvironmentVariableW(name, value, 4096);
+        Note(std::wstring(L"variable ") + name + L'=' + value);
+    }
+    Note(L"window " + std::to_wstring(startup.wShowWindow));
+    volatile unsigned worked = 0;
+    for (const ULONGLONG start = GetTickCount64(); GetTickCount64() - start < 200;)
+        worked = worked + 1;
+    return 42;
+}
+
 int Serve(const std::wstring& mode, const Arguments& arguments) {
     LeaveFiles(arguments);
     if (mode == L"hang") Hang();
@@ -112,6 +130,7 @@ int Serve(const std::wstring& mode, const Arguments& arguments) {
 int wmain(int count, wchar_t** texts) {
     SetErrorMode(SEM_NOGPFAULTERRORBOX | SEM_FAILCRITICALERRORS);
     const Arguments arguments(texts + 1, texts + count);
+    if (!arguments.empty() && arguments[0] == L"--show") return ShowStart();
     if (!arguments.empty() && arguments[0] == L"--child") {
         Note(L"process " + std::to_wstring(GetCurrentProcessId()));
         Hang();
