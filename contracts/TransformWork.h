@@ -42,6 +42,10 @@ enum class WorkKind : std::uint32_t {
     CombineAdd = 10,
     CombineWrite = 11,
     PictureToPdf = 12, // makes a PDF of a picture
+    // No request and without files: its payload is the password of the PDF in the next request, 1
+    // to kMostPasswordBytes bytes of UTF-8 without a NUL. The manager ends the process after that
+    // request, as libraries make copies that nobody can wipe.
+    Password = 14,
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -229,6 +233,7 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
     {WorkKind::FitSearch, sizeof(WorkFitSearch), sizeof(WorkFitSearch), false, false},
     {WorkKind::FitWrite, sizeof(WorkFitWrite), sizeof(WorkFitWrite), false, true},
 };
+inline constexpr std::uint32_t kMostPasswordBytes = 127; // a PDF's own limit
 inline constexpr std::uint32_t kMostWorkSettings = kLargestWorkPayload - sizeof(WorkFiles);
 
 // `done` grows from record to record and is at most `total`, which may change. A request that takes
@@ -278,14 +283,16 @@ static_assert(offsetof(WorkDone, reserved) == 4);
 static_assert(offsetof(WorkDone, size) == 8);
 
 enum class WorkFailure : std::uint32_t {
-    Damaged = 1,    // the file isn't what its kind requires
-    TooLarge = 2,   // more than the work process takes, or more memory than it has
-    Unreadable = 3, // the source can't be read
-    Unwritable = 4, // the target can't be written, as on a full disk
-    NotServed = 5,  // the work process doesn't know the request
-    CannotFit = 6,  // the picture can't be made small enough
-    Encrypted = 7,  // the document needs a password
-    Signed = 8,     // the document has a signature, which any change would break
+    Damaged = 1,      // the file isn't what its kind requires
+    TooLarge = 2,     // more than the work process takes, or more memory than it has
+    Unreadable = 3,   // the source can't be read
+    Unwritable = 4,   // the target can't be written, as on a full disk
+    NotServed = 5,    // the work process doesn't know the request
+    CannotFit = 6,    // the picture can't be made small enough
+    Encrypted = 7,    // the PDF needs a password, or another one
+    Signed = 8,       // the document has a signature, which any change would break
+    Locked = 9,       // the PDF opens, and its owner's password is needed to change it
+    OtherCipher = 10, // the document is encrypted, and no password is taken for it
 };
 
 struct WorkFailed {

@@ -8,6 +8,7 @@
 #include "services/transforms/SourceView.h"
 #include "services/transforms/WholeFile.h"
 #include "services/transforms/documents/AnyFile.h"
+#include "services/transforms/documents/Pdf.h"
 
 namespace transforms {
 namespace {
@@ -21,12 +22,18 @@ bool Send(const std::vector<Finding>& findings, WorkChannel& channel) {
     });
 }
 
-std::optional<WorkEnd> EndOf(HANDLE target, const CleanedFile& cleaned, std::uint64_t read,
-                             WorkChannel& channel) {
+// Passwords are taken for PDFs alone.
+CleanOutcome OutcomeFor(std::span<const std::byte> source, const CleanedFile& cleaned) {
+    const bool isOther = cleaned.outcome == CleanOutcome::Encrypted && !documents::IsPdf(source);
+    return isOther ? CleanOutcome::OtherCipher : cleaned.outcome;
+}
+
+std::optional<WorkEnd> EndOf(HANDLE target, std::span<const std::byte> source,
+                             const CleanedFile& cleaned, std::uint64_t read, WorkChannel& channel) {
     if (cleaned.outcome == CleanOutcome::Cleaned) {
         return WriteTarget(target, std::as_bytes(std::span(cleaned.bytes)), read, channel);
     }
-    return EndOfWholeFile(cleaned.outcome);
+    return EndOfWholeFile(OutcomeFor(source, cleaned));
 }
 
 } // namespace
@@ -38,11 +45,11 @@ std::optional<WorkEnd> Clean(const WorkRequest& request, WorkChannel& channel) {
     if (!source) return WorkEnd(failure);
     if (!ReadAhead(source->Bytes(), channel)) return {};
     PictureWatch watch(channel, source->Bytes().size());
-    const CleanedFile cleaned = CleanFile(source->Bytes(), &watch);
+    const CleanedFile cleaned = CleanFile(source->Bytes(), {&watch, request.password.Text()});
     if (watch.IsUnread() || !Send(cleaned.removed, channel) || !Send(cleaned.stays, channel)) {
         return {};
     }
-    return EndOf(request.target.Get(), cleaned, watch.Steps(), channel);
+    return EndOf(request.target.Get(), source->Bytes(), cleaned, watch.Steps(), channel);
 }
 
 } // namespace transforms

@@ -69,7 +69,8 @@ std::optional<WorkEnd> OnPages(const WorkRequest& request, const Asked& asked,
     const TextStamp stamp(asked.text, asked.look, Letters::Black);
     PictureWatch watch(channel, source->Bytes().size());
     try {
-        const StampedPdf stamped = StampPdf(source->Bytes(), stamp, watch.Control());
+        const StampedPdf stamped =
+            StampPdf(source->Bytes(), stamp, watch.Control(), request.password.Text());
         if (watch.IsUnread()) return {};
         if (stamped.outcome != CleanOutcome::Cleaned) return EndOfWholeFile(stamped.outcome);
         return WriteTarget(request.target.Get(), stamped.bytes, watch.Steps(), channel);

@@ -21,6 +21,8 @@ constexpr FailureRow kFailures[] = {
     {CleanOutcome::TooLarge, WorkFailure::TooLarge},
     {CleanOutcome::Encrypted, WorkFailure::Encrypted},
     {CleanOutcome::Signed, WorkFailure::Signed},
+    {CleanOutcome::Locked, WorkFailure::Locked},
+    {CleanOutcome::OtherCipher, WorkFailure::OtherCipher},
 };
 
 } // namespace

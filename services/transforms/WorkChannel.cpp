@@ -29,14 +29,28 @@ HANDLE HandleOf(std::uint64_t value) { return reinterpret_cast<HANDLE>(value); }
 
 } // namespace
 
+// The record's payload, and the header of the request after it.
+bool WorkChannel::ReadPassword(WorkHeader& header, ObLib::Secret& password) {
+    const bool isSound = header.magic == kWorkMagic && header.reserved == 0 && header.size > 0 &&
+                         header.size <= kMostPasswordBytes;
+    ObLib::WipedBuffer<char, kMostPasswordBytes + 1> text;
+    if (!isSound || !ObLib::ReadWhole(requests_.Get(), text.data, header.size)) return false;
+    if (std::memchr(text.data, 0, header.size)) return false;
+    password = ObLib::Secret(text.data);
+    return ObLib::ReadWhole(requests_.Get(), &header, sizeof header);
+}
+
 std::optional<WorkRequest> WorkChannel::Next() {
     WorkHeader header;
     if (!ObLib::ReadWhole(requests_.Get(), &header, sizeof header)) return {};
+    ObLib::Secret password;
+    if (header.kind == WorkKind::Password && !ReadPassword(header, password)) return {};
     const WorkRequestForm* const form = FormOf(header);
     WorkFiles files;
     if (!form || !ObLib::ReadWhole(requests_.Get(), &files, sizeof files)) return {};
     WorkRequest request;
     request.kind = header.kind;
+    request.password = std::move(password);
     request.source.Reset(HandleOf(files.source));
     request.target.Reset(HandleOf(files.target));
     request.settings.resize(header.size - sizeof files);

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ObLib/Src/Win32/Secret.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "contracts/TransformWork.h"
 
@@ -22,6 +23,7 @@ struct WorkRequest {
     ObLib::UniqueKernelHandle source; // empty when the request reads no file
     ObLib::UniqueKernelHandle target; // empty when the request writes no file
     std::vector<std::byte> settings;  // as many bytes as the kind allows
+    ObLib::Secret password;           // empty without a record of one before the request
 
     // The settings of a kind that has only this record.
     template <class Record>
@@ -60,6 +62,7 @@ public:
     bool SendEnd(const WorkEnd& end) noexcept;
 
 private:
+    bool ReadPassword(obcontract::WorkHeader& next, ObLib::Secret& password);
     template <class Payload>
     bool Send(obcontract::WorkKind kind, const Payload& payload) noexcept;
 

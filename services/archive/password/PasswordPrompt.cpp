@@ -6,13 +6,13 @@
 #include <cwchar>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/SecretField.h"
 #include "services/archive/ThisModule.h"
 #include "services/archive/password/PassPhrase.h"
 #include "services/archive/password/PasswordPromptIds.h"
 #include "services/archive/password/PasswordStrength.h"
 #include "services/archive/password/PromptHint.h"
 #include "services/archive/password/SecretClipboard.h"
-#include "services/archive/password/SecretField.h"
 #include "services/archive/policy/PasswordPolicy.h"
 #include "services/archive/recovery/RecoveryKey.h"
 #include "services/archive/texts/ProductTexts.h"
@@ -20,6 +20,12 @@
 
 namespace obarchive {
 namespace {
+
+using ObLib::FieldText;
+using ObLib::FillSecretField;
+using ObLib::PrepareSecretField;
+using ObLib::ReadSecretField;
+using ObLib::WipeSecretField;
 
 constexpr int kFields[] = {OB_PASSWORD_FIRST, OB_PASSWORD_REPEAT};
 constexpr int kFullBar = 90; // bits

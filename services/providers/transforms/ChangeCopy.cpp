@@ -1,5 +1,6 @@
 #include "services/providers/transforms/ChangeCopy.h"
 
+#include "services/providers/transforms/PdfPasswords.h"
 #include "services/providers/ui/TextIds.h"
 
 namespace providers {
@@ -39,8 +40,7 @@ bool ChangeCopy(StageCall& call, const std::wstring& path, const std::wstring& f
     if (!copy) return false;
     const auto changed = NewFile::MakeBeside(*copy, call.run.unfinished);
     if (!changed) return Refuse(call, OB_TEXT_UNWRITABLE, path);
-    const WorkReport report =
-        call.run.process.Run(order, copy->Handle(), changed->Handle(), call.wait);
+    const WorkReport report = RunOnPdf(call, path, order, copy->Handle(), changed->Handle());
     if (report.result == WorkResult::Unchanged || report.result == WorkResult::NotSupported) {
         return true;
     }

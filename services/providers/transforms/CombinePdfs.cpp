@@ -154,7 +154,7 @@ WorkReport Combination::Send(const PdfFile& file, WorkSignatures signatures) {
 bool Combination::Add(PdfFile& file) {
     const WorkReport report = Send(file, WorkSignatures::Keep);
     if (report.result == WorkResult::Signed) return AddSigned(file);
-    if (report.result == WorkResult::Encrypted) {
+    if (report.result == WorkResult::Encrypted || report.result == WorkResult::OtherCipher) {
         return Ask(call_, OB_TEXT_COMBINE_ENCRYPTED, file.path);
     }
     return Take(file, report.result);

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "services/providers/settings/PersonalDataSettings.h"
+#include "services/providers/transforms/PdfPasswords.h"
 #include "services/providers/ui/ReceiptDialog.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
@@ -17,7 +18,8 @@ bool IsFinal(WorkResult result) {
     constexpr WorkResult kFinal[] = {WorkResult::Unchanged,  WorkResult::NotSupported,
                                      WorkResult::Damaged,    WorkResult::TooLarge,
                                      WorkResult::Unreadable, WorkResult::ProcessFailed,
-                                     WorkResult::Encrypted,  WorkResult::Signed};
+                                     WorkResult::Encrypted,  WorkResult::Signed,
+                                     WorkResult::Locked,     WorkResult::OtherCipher};
     return std::ranges::find(kFinal, result) != std::end(kFinal);
 }
 
@@ -87,8 +89,7 @@ bool Check(StageCall& call, const std::wstring& path, std::vector<ReceiptFile>& 
     }
     const auto copy = OpenCopy(call, path, {});
     if (!copy) return false;
-    const WorkReport checked =
-        call.run.process.Run(CheckCleanOrder(), copy->Handle(), nullptr, call.wait);
+    const WorkReport checked = RunOnPdf(call, path, CheckCleanOrder(), copy->Handle(), nullptr);
     if (!Passes(call, path, checked, known)) return false;
     rows.push_back(Row(path, known ? found->second : RecordOf(checked)));
     return true;
@@ -114,8 +115,7 @@ bool RemovePersonalData(StageCall& call, const std::wstring& path, const std::ws
     if (!copy) return false;
     const auto cleaned = NewFile::MakeBeside(*copy, call.run.unfinished);
     if (!cleaned) return Refuse(call, OB_TEXT_UNWRITABLE, path);
-    WorkReport report =
-        call.run.process.Run(CleanOrder(), copy->Handle(), cleaned->Handle(), call.wait);
+    WorkReport report = RunOnPdf(call, path, CleanOrder(), copy->Handle(), cleaned->Handle());
     if (report.result == WorkResult::Cancelled) return false;
     if (report.result == WorkResult::NotStarted) {
         return Refuse(call, OB_TEXT_NO_WORK_PROCESS, path);

@@ -10,6 +10,7 @@
 #include "services/providers/files/WorkingCopies.h"
 #include "services/providers/settings/ResizeSettings.h"
 #include "services/providers/transforms/ProviderSet.h"
+#include "services/providers/transforms/RunPasswords.h"
 #include "services/providers/transforms/RunRecord.h"
 #include "services/providers/worker/CallWait.h"
 #include "services/providers/worker/WorkProcess.h"
@@ -43,6 +44,7 @@ struct TransformRun {
 
     UnfinishedFiles unfinished;
     RunRecord record;
+    RunPasswords passwords;
     WorkProcess process;
 
 private:

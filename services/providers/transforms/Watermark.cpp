@@ -5,6 +5,7 @@
 
 #include "services/providers/settings/WatermarkSettings.h"
 #include "services/providers/transforms/ChangeCopy.h"
+#include "services/providers/transforms/PdfPasswords.h"
 #include "services/providers/transforms/Resize.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
@@ -27,10 +28,12 @@ WorkOrder OrderFor(const WatermarkSettings& settings) {
     return {WorkKind::Watermark, record, std::wstring_view(settings.text)};
 }
 
-// Asks about a document whose signature would break, or whose password nobody gave.
+// Asks about a document whose signature would break, or for which no password is taken. About one
+// whose password nobody gave, the user has decided.
 std::optional<bool> GoesWithout(StageCall& call, WorkResult result, const std::wstring& path) {
+    if (NeedsPassword(result)) return true;
     const bool isSigned = result == WorkResult::Signed;
-    if (!isSigned && result != WorkResult::Encrypted) return {};
+    if (!isSigned && result != WorkResult::OtherCipher) return {};
     const UINT question = isSigned ? OB_TEXT_WATERMARK_SIGNED : OB_TEXT_WATERMARK_ENCRYPTED;
     return Ask(call, question, path);
 }

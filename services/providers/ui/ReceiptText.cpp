@@ -96,7 +96,10 @@ std::wstring RestReason(WorkResult result) {
     case WorkResult::TooLarge:
         return OwnText(OB_TEXT_REST_TOO_LARGE);
     case WorkResult::Encrypted:
+    case WorkResult::OtherCipher:
         return OwnText(OB_TEXT_REST_ENCRYPTED);
+    case WorkResult::Locked:
+        return OwnText(OB_TEXT_REST_LOCKED);
     case WorkResult::Signed:
         return OwnText(OB_TEXT_REST_SIGNED);
     default:

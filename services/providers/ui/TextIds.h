@@ -98,6 +98,12 @@
 #define OB_TEXT_COMBINE_ENCRYPTED 664
 #define OB_TEXT_COMBINE_TOO_MANY 665
 
+// The question for a PDF's password, and why one can't be cleaned; %1 is the file's name.
+#define OB_TEXT_PDF_PASSWORD 680
+#define OB_TEXT_PDF_PASSWORD_WRONG 681
+#define OB_TEXT_PDF_PASSWORD_LOCKED 682
+#define OB_TEXT_REST_LOCKED 683
+
 // What was found in a file.
 #define OB_TEXT_FOUND_OTHER 560
 #define OB_TEXT_FOUND_POSITION 561

@@ -47,6 +47,8 @@ constexpr FailureRow kFailures[] = {
     {WorkFailure::CannotFit, WorkResult::CannotFit},
     {WorkFailure::Encrypted, WorkResult::Encrypted},
     {WorkFailure::Signed, WorkResult::Signed},
+    {WorkFailure::Locked, WorkResult::Locked},
+    {WorkFailure::OtherCipher, WorkResult::OtherCipher},
 };
 
 // The payload comes from bytes without alignment.

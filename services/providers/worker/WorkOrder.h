@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "ObLib/Src/Win32/Secret.h"
 #include "contracts/TransformWork.h"
 
 namespace providers {
@@ -33,26 +34,50 @@ public:
 
     obcontract::WorkKind Kind() const noexcept { return kind_; }
 
-    // The record as it is sent.
+    // The same request with the password of the PDF that it is about: UTF-8, not empty, at most
+    // kMostPasswordBytes. Each copy wipes its own.
+    WorkOrder With(ObLib::Secret password) const {
+        WorkOrder order = *this;
+        order.password_ = std::move(password);
+        return order;
+    }
+    bool HasPassword() const noexcept { return !password_.Empty(); }
+
+    // The records as they are sent. With a password the caller wipes them.
     std::vector<std::byte> Record(const obcontract::WorkFiles& files) const {
-        const obcontract::WorkHeader header{
-            obcontract::kWorkMagic, kind_,
-            static_cast<std::uint32_t>(sizeof files + settings_.size()), 0};
-        std::vector<std::byte> record(RecordSize());
-        std::memcpy(record.data(), &header, sizeof header);
-        std::memcpy(record.data() + sizeof header, &files, sizeof files);
-        if (settings_.empty()) return record;
-        std::memcpy(record.data() + sizeof header + sizeof files, settings_.data(),
-                    settings_.size());
+        std::vector<std::byte> record;
+        record.reserve(RecordSize()); // so that no memory with a password is left
+        if (HasPassword()) {
+            Append(record, Header(obcontract::WorkKind::Password, password_.Bytes().size()));
+            Append(record, password_.Bytes().data(), password_.Bytes().size());
+        }
+        Append(record, Header(kind_, sizeof files + settings_.size()));
+        Append(record, files);
+        Append(record, settings_.data(), settings_.size());
         return record;
     }
     std::size_t RecordSize() const noexcept {
-        return sizeof(obcontract::WorkHeader) + sizeof(obcontract::WorkFiles) + settings_.size();
+        constexpr std::size_t kHeader = sizeof(obcontract::WorkHeader);
+        const std::size_t password = HasPassword() ? kHeader + password_.Bytes().size() : 0;
+        return password + kHeader + sizeof(obcontract::WorkFiles) + settings_.size();
     }
 
 private:
+    static obcontract::WorkHeader Header(obcontract::WorkKind kind, std::size_t size) {
+        return {obcontract::kWorkMagic, kind, static_cast<std::uint32_t>(size), 0};
+    }
+    static void Append(std::vector<std::byte>& record, const void* bytes, std::size_t size) {
+        const auto* const first = static_cast<const std::byte*>(bytes);
+        record.insert(record.end(), first, first + size);
+    }
+    template <class Part>
+    static void Append(std::vector<std::byte>& record, const Part& part) {
+        Append(record, &part, sizeof part);
+    }
+
     obcontract::WorkKind kind_;
     std::vector<std::byte> settings_;
+    ObLib::Secret password_;
 };
 
 // The orders about personal data.

@@ -17,7 +17,7 @@ using ObLib::UniqueKernelHandle;
 // pipe: a process that answers without reading its requests then never makes a write wait.
 constexpr std::size_t kMostRequests = 64;
 constexpr DWORD kPipeRoom = WorkProcess::kPipeRoom;
-static_assert(sizeof(WorkHeader) + kLargestWorkPayload <= kPipeRoom);
+static_assert(2 * sizeof(WorkHeader) + kMostPasswordBytes + kLargestWorkPayload <= kPipeRoom);
 static_assert((2 * WorkSeries::kMostFiles + 1) *
                   (sizeof(WorkHeader) + sizeof(WorkFiles) + sizeof(WorkPlain)) <=
               kPipeRoom - sizeof(WorkFitSearch));
@@ -57,6 +57,9 @@ bool WorkProcess::HasRoomFor(const WorkOrder& order) const noexcept {
 WorkReport WorkProcess::Run(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait) {
     if (!HasRoomFor(order)) Stop();
     const bool wasUsed = static_cast<bool>(process_);
+    const ObLib::ScopeExit forget([&] {
+        if (order.HasPassword()) Stop();
+    });
     WorkReport report = RunOnce(order, source, target, wait);
     if (!wasUsed || report.result != WorkResult::ProcessFailed || !Empty(target)) return report;
     return RunOnce(order, source, target, wait);
@@ -120,7 +123,8 @@ bool WorkProcess::Send(const WorkOrder& order, HANDLE source, HANDLE target) {
         !Duplicate(target, kWriting, files.target)) {
         return false;
     }
-    const auto record = order.Record(files);
+    auto record = order.Record(files);
+    const ObLib::ScopeExit wipe([&] { SecureZeroMemory(record.data(), record.size()); });
     ++sent_;
     sentBytes_ += record.size();
     return ObLib::WriteWhole(requests_.Get(), record.data(), record.size());

@@ -39,8 +39,9 @@ public:
     // request has no such file. A process that crashes, hangs or sends what isn't
     // valid is ended, and so is one whose call is to end. A process that worked on files before and
     // fails on this one is replaced, and the request is sent once more: what an earlier file did to
-    // it isn't this file's fault. Throws std::bad_alloc, after which the
-    // object can still be used.
+    // it isn't this file's fault. After a request with a password the process is ended: its memory
+    // has copies that nobody can wipe. Throws std::bad_alloc, after which the object can still be
+    // used.
     WorkReport Run(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait);
 
     // Ends the process and waits until it has ended, so that it has no file open any more.
@@ -86,8 +87,9 @@ public:
     WorkSeries(const WorkSeries&) = delete;
     WorkSeries& operator=(const WorkSeries&) = delete;
 
-    // As WorkProcess::Run, but for the second attempt. ProcessFailed also for every request after
-    // one that ended the process.
+    // As WorkProcess::Run, but for the second attempt, and the process lives on after a password:
+    // it ends with this object. ProcessFailed also for every request after one that ended the
+    // process.
     WorkReport Run(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait);
 
 private:

@@ -16,8 +16,10 @@ enum class WorkResult : std::uint8_t {
     Unreadable,    // the source can't be read
     Unwritable,    // the target can't be written, as on a full disk
     CannotFit,     // the picture can't be made small enough
-    Encrypted,     // the document needs a password
+    Encrypted,     // the PDF needs a password, or another one
     Signed,        // the document has a signature, which any change would break
+    Locked,        // the PDF opens, and its owner's password is needed to change it
+    OtherCipher,   // the document is encrypted, and no password is taken for it
     ProcessFailed, // the work process crashed, was silent for too long, or sent what isn't valid
     NotStarted,    // there is no work process: its file is missing or can't be started
     Cancelled,     // the call was to end

@@ -134,7 +134,7 @@ CleanOutcome PdfCombiner::Work::Add(const PdfPart& part) {
 
 // Everything is copied before anything is added to what the target refers to.
 CleanOutcome PdfCombiner::Work::Take(QPDF& source, const PdfPart& part) {
-    documents::OpenPdf(source, part.file, steps_);
+    documents::OpenPdf(source, part.file, {steps_});
     if (source.isEncrypted()) return CleanOutcome::Encrypted;
     if (IsOnlyACover(source)) return CleanOutcome::NotSupported;
     if (HasPermissions(source) && !part.breaksSignatures) return CleanOutcome::Signed;

@@ -11,7 +11,7 @@ using namespace documents;
 
 struct DocumentFormat {
     bool (*isFormat)(personal::Bytes file);
-    personal::Analysis (*analyze)(personal::Bytes file, PictureSteps* steps);
+    personal::Analysis (*analyze)(personal::Bytes file, const DocumentControl& control);
 };
 
 constexpr DocumentFormat kFormats[] = {
@@ -30,15 +30,15 @@ const DocumentFormat* FormatOf(personal::Bytes file) {
 
 } // namespace
 
-CleanedFile CleanFile(std::span<const std::byte> file, PictureSteps* steps) {
+CleanedFile CleanFile(std::span<const std::byte> file, const DocumentControl& control) {
     const DocumentFormat* format = FormatOf(file);
-    return format ? personal::ResultOf(file, format->analyze(file, steps))
+    return format ? personal::ResultOf(file, format->analyze(file, control))
                   : RemovePersonalData(file);
 }
 
-std::vector<Finding> FindInFile(std::span<const std::byte> file) {
+std::vector<Finding> FindInFile(std::span<const std::byte> file, const DocumentControl& control) {
     const DocumentFormat* format = FormatOf(file);
-    return format ? personal::FindingsOf(format->analyze(file, nullptr)) : FindPersonalData(file);
+    return format ? personal::FindingsOf(format->analyze(file, control)) : FindPersonalData(file);
 }
 
 } // namespace transforms

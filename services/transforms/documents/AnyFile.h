@@ -5,21 +5,24 @@
 #include <span>
 #include <vector>
 
+#include "services/transforms/documents/DocumentControl.h"
 #include "services/transforms/personal/Findings.h"
-#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms {
 
 // Removes personal data from the bytes of one file; pictures inside a document are cleaned as well.
 // The format is recognised by the bytes alone. Called by the work process, on any thread; keeps no
-// state. Equal bytes give equal results, cleaning a result gives NothingFound, and FindInFile of a
-// result is empty. Texts, pages and sheets stay as they are. `steps`, which may be null,
-// learns that the work on a document goes on; a picture is done at once. Throws std::bad_alloc
-// alone.
-CleanedFile CleanFile(std::span<const std::byte> file, PictureSteps* steps = nullptr);
+// Removes personal data from the bytes of one file; pictures inside a document are cleaned as well.
+// The format is recognised by the bytes alone. Called by the work process, on any thread, for
+// encrypted PDFs on one thread at a time; keeps no state. Equal bytes give equal results, cleaning
+// a result gives NothingFound, and FindInFile of a result is empty. Texts, pages, sheets and a
+// PDF's encryption stay as they are. Pictures report no steps: they are done at once. Throws
+// std::bad_alloc alone.
+CleanedFile CleanFile(std::span<const std::byte> file, const DocumentControl& control = {});
 
 // What CleanFile would remove. A damaged file gives one finding, Unreadable; a file that can't be
 // cleaned for another reason gives nothing. Throws std::bad_alloc alone.
-std::vector<Finding> FindInFile(std::span<const std::byte> file);
+std::vector<Finding> FindInFile(std::span<const std::byte> file,
+                                const DocumentControl& control = {});
 
 } // namespace transforms

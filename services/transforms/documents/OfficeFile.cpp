@@ -39,9 +39,9 @@ bool IsOfficePackage(Bytes file) {
     return StartsWith(file, "PK\x3\x4") && (Contains(file, kOoxmlPart) || Contains(file, kOdfPart));
 }
 
-Analysis AnalyzeOfficePackage(Bytes file, PictureSteps* steps) {
+Analysis AnalyzeOfficePackage(Bytes file, const DocumentControl& control) {
     try {
-        return Clean(file, steps);
+        return Clean(file, control.steps);
     } catch (const PackageRefusal& refusal) {
         return Failed(refusal.outcome);
     }
@@ -49,7 +49,7 @@ Analysis AnalyzeOfficePackage(Bytes file, PictureSteps* steps) {
 
 bool IsOldContainer(Bytes file) { return StartsWith(file, kOldContainer); }
 
-Analysis AnalyzeOldContainer(Bytes file, PictureSteps*) {
+Analysis AnalyzeOldContainer(Bytes file, const DocumentControl&) {
     return Failed(Contains(file, kEncryptedPackage) || NeedsPassword(file)
                       ? CleanOutcome::Encrypted
                       : CleanOutcome::NotSupported);

@@ -36,28 +36,32 @@ bool HasOldVersions(Bytes file) {
 
 class PdfAnalyzer {
 public:
-    PdfAnalyzer(Bytes file, PictureSteps* steps) : file_(file), steps_(steps) {}
+    PdfAnalyzer(Bytes file, const DocumentControl& control) : file_(file), control_(control) {}
 
     Analysis Run() {
-        OpenPdf(pdf_, file_, steps_);
-        if (pdf_.isEncrypted()) return Failed(CleanOutcome::Encrypted);
+        OpenPdf(pdf_, file_, control_);
+        if (const auto refusal = RefusalOf(pdf_)) return Failed(*refusal);
         if (pdf_.getAllPages().empty()) return Failed(CleanOutcome::Damaged);
         CleanTrailer();
         VisitPdfObjects(
-            pdf_.getRoot(), [&](QPDFObjectHandle& object) { Take(object); }, steps_);
+            pdf_.getRoot(), [&](QPDFObjectHandle& object) { Take(object); }, control_.steps);
         if (isSigned_) return Failed(CleanOutcome::Signed);
         // Streams are copied as they are coded, so that no page changes.
-        OwnedBytes written = WritePdf(pdf_, PdfStreams::AsTheyAre, steps_);
+        OwnedBytes written = WritePdf(pdf_, PdfStreams::AsTheyAre, control_.steps);
         if (pdf_.anyWarnings()) return Failed(CleanOutcome::Damaged);
         return Conclude(std::move(written));
     }
 
 private:
-    // The writer makes the identifier of the content, if there is no earlier one to go on with.
+    // The writer makes the identifier of the content, if there is no earlier one to go on with. One
+    // that is part of the key has to stay.
     void CleanTrailer() {
         auto trailer = pdf_.getTrailer();
-        hasId_ = trailer.hasKey("/ID");
+        auto id = trailer.getKey("/ID");
+        const bool stays = KeyHasId(pdf_);
+        hasId_ = !id.isNull() && !stays;
         CleanPdfTrailer(trailer, analysis_.found);
+        if (stays) trailer.replaceKey("/ID", id);
     }
 
     void Take(QPDFObjectHandle& object) {
@@ -82,7 +86,7 @@ private:
     }
 
     Bytes file_;
-    PictureSteps* steps_;
+    const DocumentControl& control_;
     QPDF pdf_;
     Analysis analysis_;
     bool hasId_ = false;
@@ -98,9 +102,9 @@ bool IsPdf(Bytes file) {
     return text.starts_with("%PDF-");
 }
 
-Analysis AnalyzePdf(Bytes file, PictureSteps* steps) {
+Analysis AnalyzePdf(Bytes file, const DocumentControl& control) {
     try {
-        return PdfAnalyzer(file, steps).Run();
+        return PdfAnalyzer(file, control).Run();
     } catch (const std::exception&) {
         return Failed(OutcomeOfPdfError());
     }

@@ -2,27 +2,39 @@
 // PDFs, and what its errors mean.
 #pragma once
 
+#include <optional>
+
 #include <qpdf/QPDF.hh>
 
+#include "services/transforms/documents/DocumentControl.h"
 #include "services/transforms/personal/Bytes.h"
 #include "services/transforms/personal/Findings.h"
-#include "services/transforms/raster/PictureControl.h"
 
 namespace transforms::documents {
 
-// Reads the file's tables; nothing in it is guessed. The bytes outlive the object, and so does
-// `steps`, which may be null: it learns of everything that is read, until the object's end. Throws
-// what the library throws: see OutcomeOfPdfError.
-void OpenPdf(QPDF& pdf, personal::Bytes file, PictureSteps* steps = nullptr);
+// Reads the file's tables; nothing in it is guessed. The bytes outlive the object, and so do the
+// steps, which learn of everything that is read until the object's end. A password is tried as it
+// is and in the encodings that older programs used. Throws what the library throws: see
+// OutcomeOfPdfError.
+void OpenPdf(QPDF& pdf, personal::Bytes file, const DocumentControl& control = {});
+
+// Why a PDF that was opened can't be changed; nothing when it can. Locked: its permissions forbid
+// changes, and the password isn't the owner's. OtherCipher: only its attachments are encrypted.
+std::optional<CleanOutcome> RefusalOf(QPDF& pdf);
+
+// Whether the first half of the identifier is part of the key.
+bool KeyHasId(QPDF& pdf);
 
 // How streams are written: as they are coded, or compressed where they aren't coded at all.
 enum class PdfStreams { AsTheyAre, Compressed };
 
-// Equal objects give equal bytes. `steps`, which may be null, learns that the work goes on. Throws
-// what the library throws.
+// Equal objects give equal bytes. An encrypted PDF keeps its key, passwords and permissions; RC4 of
+// the fourth version becomes AES. On one thread at a time. `steps`, which may be null, learns that
+// the work goes on. Throws what the library throws.
 personal::OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams, PictureSteps* steps = nullptr);
 
-// Encrypted or Damaged, inside a catch block. Throws std::bad_alloc on.
+// Encrypted, which is a missing or wrong password, OtherCipher or Damaged, inside a catch block.
+// Throws std::bad_alloc on.
 CleanOutcome OutcomeOfPdfError();
 
 } // namespace transforms::documents

@@ -14,8 +14,10 @@ enum class CleanOutcome : std::uint8_t {
     NotSupported, // a format, or a kind of a format, that isn't cleaned here
     Damaged,      // the file begins as a supported format and can't be read whole
     TooLarge,     // a document with more parts, or larger ones, than are read
-    Encrypted,    // a document that needs a password
+    Encrypted,    // a document that needs a password, or another one
     Signed,       // a document with a signature, which any change would break
+    Locked,       // a document that opens, and whose owner's password is needed to change it
+    OtherCipher,  // a document that is encrypted in a way that isn't known here
 };
 
 // What kind of data was found. The receipt's texts and its stored form are chosen by these values

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <qpdf/QPDF.hh>
@@ -175,9 +176,9 @@ public:
     PdfStamper(const Stamp& stamp, const PictureControl& control)
         : stamp_(stamp), control_(control) {}
 
-    StampedPdf Run(personal::Bytes file) {
-        documents::OpenPdf(pdf_, file, control_.steps);
-        if (pdf_.isEncrypted()) return {CleanOutcome::Encrypted, {}};
+    StampedPdf Run(personal::Bytes file, std::string_view password) {
+        documents::OpenPdf(pdf_, file, {control_.steps, password});
+        if (const auto refusal = documents::RefusalOf(pdf_)) return {*refusal, {}};
         if (IsSigned()) return {CleanOutcome::Signed, {}};
         const auto pages = QPDFPageDocumentHelper(pdf_).getAllPages();
         if (pages.empty()) return {};
@@ -235,9 +236,10 @@ private:
 
 } // namespace
 
-StampedPdf StampPdf(personal::Bytes file, const Stamp& stamp, const PictureControl& control) {
+StampedPdf StampPdf(personal::Bytes file, const Stamp& stamp, const PictureControl& control,
+                    std::string_view password) {
     try {
-        return PdfStamper(stamp, control).Run(file);
+        return PdfStamper(stamp, control).Run(file, password);
     } catch (const PictureFailure&) {
         throw;
     } catch (const std::exception&) {

@@ -27,8 +27,16 @@ struct Taken {
     std::vector<char> settings;
 };
 
+// The header of a request; a password before it is passed over.
+bool TakeHeader(WorkHeader& header) {
+    if (!ObLib::ReadWhole(requests, &header, sizeof header)) return false;
+    if (header.kind != WorkKind::Password) return true;
+    std::vector<char> password(header.size);
+    return ObLib::ReadWhole(requests, password.data(), password.size()) && TakeHeader(header);
+}
+
 bool TakeRequest(Taken& taken) {
-    if (!ObLib::ReadWhole(requests, &taken.header, sizeof taken.header) ||
+    if (!TakeHeader(taken.header) ||
         !ObLib::ReadWhole(requests, &taken.files, sizeof taken.files)) {
         return false;
     }
@@ -280,8 +288,8 @@ bool ActOnPicture(const std::string& word, const Taken& taken) {
         Send(WorkKind::Failed, WorkFailed{WorkFailure::CannotFit, 0});
     } else if (word == "signed") {
         Send(WorkKind::Failed, WorkFailed{WorkFailure::Signed, 0});
-    } else if (word == "encrypted") {
-        Send(WorkKind::Failed, WorkFailed{WorkFailure::Encrypted, 0});
+    } else if (word == "other-cipher") {
+        Send(WorkKind::Failed, WorkFailed{WorkFailure::OtherCipher, 0});
     } else if (word == "good") {
         const std::string text = kind == WorkKind::Resize ? ResizeText(taken) : MarkText(taken);
         WriteTarget(taken, text.c_str());

@@ -86,6 +86,16 @@ TEST_F(CleanWork, ReportsThatALongTextIsWorkedOn) {
     EXPECT_GT(Records(), kReadAndWritten + 20000 / 10);
 }
 
+// The zip's own encryption; the user is asked for the passwords of PDFs alone.
+TEST_F(CleanWork, AsksForNoPasswordOfATextThatIsEncrypted) {
+    g_step = 0;
+    std::string file = samples::Docx().File();
+    const auto directory = file.find("PK\x1\x2");
+    ASSERT_NE(directory, std::string::npos);
+    file[directory + 8] |= 1;
+    EXPECT_EQ(FailureOf(CleanIt(file)), WorkFailure::OtherCipher);
+}
+
 TEST_F(CleanWork, EndsWhenNobodyReadsWhatItReports) {
     g_step = 100;
     answered_.Reset();

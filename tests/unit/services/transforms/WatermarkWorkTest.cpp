@@ -10,6 +10,7 @@
 #include <string>
 
 #include "tests/unit/services/transforms/FileRequestFixture.h"
+#include "tests/unit/services/transforms/documents/EncryptedSamples.h"
 #include "tests/unit/services/transforms/documents/PdfSamples.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
@@ -63,6 +64,27 @@ TEST_F(WatermarkWork, IsWrittenOnAPictureInItsPlace) {
 TEST_F(WatermarkWork, IsOnThePagesOfAPdf) {
     ExpectChanged(Add(samples::OnePage().File()));
     EXPECT_NE(samples::Unpacked(Target()).find("/ObStamp1 Do"), std::string::npos);
+}
+
+TEST_F(WatermarkWork, IsOnThePagesOfAnEncryptedPdfWhosePasswordIsGiven) {
+    for (const samples::Cipher cipher : samples::kCiphers) {
+        const std::string file = samples::Encrypted(samples::OnePage().File(), {cipher});
+        EXPECT_EQ(FailureOf(Add(file)), WorkFailure::Encrypted);
+        WriteSource(file);
+        auto request = Request(WorkKind::Watermark, settings_);
+        request.password = ObLib::Secret("secret");
+        const auto end = transforms::AddWatermark(request, *channel_);
+        request = {}; // closes the target
+        ExpectChanged(end);
+        EXPECT_NE(samples::Unpacked(Target(), "secret").find("/ObStamp1 Do"), std::string::npos);
+        EXPECT_THROW(samples::Unpacked(Target()), QPDFExc);
+    }
+}
+
+TEST_F(WatermarkWork, ReportsThatAPdfForbidsChanges) {
+    const auto file = samples::Encrypted(samples::OnePage().File(),
+                                         {samples::Cipher::Aes256, "", "owner", false});
+    EXPECT_EQ(FailureOf(Add(file)), WorkFailure::Locked);
 }
 
 TEST_F(WatermarkWork, PassesWhatHasNoPlaceForIt) {

@@ -49,6 +49,12 @@ protected:
         Send(&files, sizeof files);
         Send(settings.data(), settings.size());
     }
+    void SendPassword(const std::string& password) {
+        const WorkHeader header{kWorkMagic, WorkKind::Password,
+                                static_cast<std::uint32_t>(password.size()), 0};
+        Send(&header, sizeof header);
+        Send(password.data(), password.size());
+    }
     static WorkHeader Header(WorkKind kind) {
         const auto* const form = std::ranges::find(kWorkRequests, kind, &WorkRequestForm::kind);
         const bool isKnown = form != std::end(kWorkRequests);
@@ -179,6 +185,39 @@ TEST_F(WorkChannelTest, CarriesOutNoRequestWithValuesThatTheContractLacks) {
     EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{WorkAim::LongestEdge, 90, 0x100000000}));
     EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{static_cast<WorkAim>(0), 90, 5}));
     EXPECT_FALSE(carriesOut(WorkKind::Resize, WorkResize{static_cast<WorkAim>(4), 90, 5}));
+}
+
+TEST_F(WorkChannelTest, TakesAPasswordForTheNextRequestAlone) {
+    SendPassword("p\xC3\xA4ss");
+    Ask(Header(WorkKind::CheckClean), {File(L"a"), 0});
+    Ask(Header(WorkKind::CheckClean), {File(L"b"), 0});
+    const auto request = channel_->Next();
+    ASSERT_TRUE(request);
+    EXPECT_EQ(request->kind, WorkKind::CheckClean);
+    EXPECT_STREQ(request->password.Text(), "p\xC3\xA4ss");
+    const auto next = channel_->Next();
+    ASSERT_TRUE(next);
+    EXPECT_TRUE(next->password.Empty());
+}
+
+TEST_F(WorkChannelTest, TakesTheLongestPassword) {
+    const std::string longest(kMostPasswordBytes, 'x');
+    SendPassword(longest);
+    Ask(Header(WorkKind::CheckClean), {File(L"a"), 0});
+    EXPECT_EQ(channel_->Next()->password.Text(), longest);
+}
+
+TEST_F(WorkChannelTest, RefusesPasswordsThatTheContractLacks) {
+    for (const std::string& password :
+         {std::string(), std::string(kMostPasswordBytes + 1, 'x'), std::string("a\0b", 3)}) {
+        SendPassword(password);
+        Ask(Header(WorkKind::CheckClean), {File(L"a"), 0});
+        EXPECT_FALSE(channel_->Next()) << password.size();
+        SetUp();
+    }
+    SendPassword("one");
+    SendPassword("two");
+    EXPECT_FALSE(channel_->Next());
 }
 
 TEST_F(WorkChannelTest, RefusesAHandleThatIsNoFile) {

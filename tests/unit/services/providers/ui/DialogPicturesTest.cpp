@@ -9,6 +9,8 @@
 
 #include "services/providers/ui/PdfDialog.h"
 #include "services/providers/ui/PdfDialogIds.h"
+#include "services/providers/ui/PdfPasswordDialog.h"
+#include "services/providers/ui/PdfPasswordDialogIds.h"
 #include "services/providers/ui/PersonalDataDialog.h"
 #include "services/providers/ui/PersonalDataDialogIds.h"
 #include "services/providers/ui/PhotoDialog.h"
@@ -17,6 +19,8 @@
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "services/providers/ui/ResizeDialog.h"
 #include "services/providers/ui/ResizeDialogIds.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
 #include "services/providers/ui/WatermarkDialog.h"
 #include "services/providers/ui/WatermarkDialogIds.h"
 #include "tests/support/WindowPicture.h"
@@ -122,6 +126,22 @@ TEST_F(ProviderDialogPictures, OfTheSettingsOfWatermarks) {
     });
     WatermarkSettings settings{L"\u00A9 Ann Example 2026", WatermarkPlace::BottomRight, 100};
     EXPECT_FALSE(AskForSettings(nullptr, settings));
+}
+
+// The longest sentence with a long name.
+TEST_F(ProviderDialogPictures, OfTheQuestionForAPassword) {
+    DialogUiDriver user(OB_PDF_PASSWORD_TEXT, [](HWND dialog) {
+        SetWindowTextW(GetDlgItem(dialog, OB_PDF_PASSWORD_TEXT), L"secret");
+        Look(dialog, L"pdf-password",
+             {OB_PDF_PASSWORD_SENTENCE, OB_PDF_PASSWORD_LABEL, OB_PDF_PASSWORD_SHOW,
+              OB_PDF_PASSWORD_NOTE, OB_PDF_PASSWORD_LEAVE, IDOK, IDCANCEL});
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    const auto sentence =
+        FormatOwnText(OB_TEXT_PDF_PASSWORD_WRONG, {L"Statement of account, third quarter of 2026, "
+                                                   L"for Ann Example and Bob Example.pdf"});
+    ObLib::Secret password;
+    EXPECT_EQ(AskForPdfPassword(nullptr, sentence, password), PasswordAnswer::Cancelled);
 }
 
 TEST_F(ProviderDialogPictures, OfTheReceipt) {

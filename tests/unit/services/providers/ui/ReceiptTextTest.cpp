@@ -72,6 +72,8 @@ TEST(ReceiptText, HasAReasonForEachResult) {
     EXPECT_EQ(RestReason(WorkResult::ProcessFailed), L"reading the file failed");
     EXPECT_EQ(RestReason(WorkResult::Unreadable), L"reading the file failed");
     EXPECT_EQ(RestReason(WorkResult::Encrypted), L"it needs a password");
+    EXPECT_EQ(RestReason(WorkResult::OtherCipher), L"it needs a password");
+    EXPECT_EQ(RestReason(WorkResult::Locked), L"changing it needs its owner's password");
     EXPECT_EQ(RestReason(WorkResult::Signed),
               L"it is signed, and any change would break the signature");
 }

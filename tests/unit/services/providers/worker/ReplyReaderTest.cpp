@@ -86,6 +86,8 @@ TEST_F(ReplyReaderTest, TranslatesEachOutcomeAndFailure) {
     EXPECT_EQ(failed(6), WorkResult::CannotFit);
     EXPECT_EQ(failed(7), WorkResult::Encrypted);
     EXPECT_EQ(failed(8), WorkResult::Signed);
+    EXPECT_EQ(failed(9), WorkResult::Locked);
+    EXPECT_EQ(failed(10), WorkResult::OtherCipher);
 }
 
 TEST_F(ReplyReaderTest, RefusesARecordThatNoRequestWaitsFor) {
@@ -145,7 +147,7 @@ TEST_F(ReplyReaderTest, RefusesValuesThatTheContractLacks) {
     EXPECT_FALSE(TakeDone(WorkOutcome::Unchanged, 1)); // a size without a file
     EXPECT_FALSE(Take(WorkKind::Done, WorkDone{WorkOutcome::Changed, 1, 5}));
     EXPECT_FALSE(Take(WorkKind::Failed, WorkFailed{static_cast<WorkFailure>(0), 0}));
-    EXPECT_FALSE(Take(WorkKind::Failed, WorkFailed{static_cast<WorkFailure>(9), 0}));
+    EXPECT_FALSE(Take(WorkKind::Failed, WorkFailed{static_cast<WorkFailure>(11), 0}));
     EXPECT_FALSE(Take(WorkKind::Failed, WorkFailed{WorkFailure::Damaged, 1}));
     EXPECT_FALSE(Take(WorkKind::Clean, WorkClean{}));
 }

@@ -83,6 +83,18 @@ TEST_F(WorkProcessTest, ServesOneFileAfterTheOther) {
     EXPECT_EQ(ProcessOf(Run(process, "good")), first);
 }
 
+TEST_F(WorkProcessTest, EndsAfterARequestWithAPassword) {
+    WorkProcess process(Settings());
+    Script("good");
+    CallWait wait(ended_.Get(), nullptr);
+    const auto run = [&](const WorkOrder& order) {
+        return ProcessOf(process.Run(order, source_.Get(), target_.Get(), wait));
+    };
+    const std::string first = run(CleanOrder());
+    EXPECT_EQ(run(CleanOrder().With(ObLib::Secret("password"))), first);
+    EXPECT_NE(run(CleanOrder()), first);
+}
+
 TEST_F(WorkProcessTest, IsStartedAnewAfterACrash) { ExpectEndedBy("crash"); }
 TEST_F(WorkProcessTest, IsStartedAnewAfterACrashInTheMiddleOfTheFile) {
     ExpectEndedBy("crash-after-writing");

@@ -2,7 +2,8 @@
 //   clean_files [FROM TO]
 // each file of the folder "in", or FROM, into "out", or TO, under its own name, unless it is
 // refused. Writes one line a file to report.txt in "out" or the current folder: the name, the
-// outcome, and what was removed, parted by tabs. Prints the seconds that it took. Ends with 0 when
+// outcome, and what was removed, parted by tabs. The password of files whose name begins with it is
+// "secret". Prints the seconds that it took. Ends with 0 when
 // every file was read and written.
 #include <windows.h>
 
@@ -11,6 +12,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/transforms/documents/AnyFile.h"
@@ -22,8 +24,10 @@ struct CloseFile {
 };
 using UniqueFile = std::unique_ptr<std::FILE, CloseFile>;
 
-constexpr const char* kOutcomes[] = {"cleaned",   "nothing found", "not supported", "damaged",
-                                     "too large", "encrypted",     "signed"};
+constexpr const char* kOutcomes[] = {"cleaned", "nothing found", "not supported",
+                                     "damaged", "too large",     "encrypted",
+                                     "signed",  "locked",        "other cipher"};
+constexpr std::string_view kPassword = "secret";
 
 // The whole file, mapped. False when it can't be read.
 template <class Use>
@@ -55,9 +59,11 @@ struct Folders {
 };
 
 bool Clean(const Folders& folders, const std::string& name, std::FILE* report) {
+    const bool isProtected = name.starts_with(kPassword);
+    const auto password = isProtected ? kPassword : std::string_view();
     transforms::CleanedFile cleaned;
     if (!WithBytes(folders.from + "\\" + name, [&](std::span<const std::byte> bytes) {
-            cleaned = transforms::CleanFile(bytes);
+            cleaned = transforms::CleanFile(bytes, {.password = password});
             return true;
         })) {
         return false;

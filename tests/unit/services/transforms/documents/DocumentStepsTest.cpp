@@ -21,7 +21,7 @@ private:
 
 std::size_t StepsOf(const std::string& file, CleanOutcome outcome) {
     CountedSteps steps;
-    EXPECT_EQ(transforms::CleanFile(BytesOf(file), &steps).outcome, outcome);
+    EXPECT_EQ(transforms::CleanFile(BytesOf(file), {.steps = &steps}).outcome, outcome);
     return steps.Count();
 }
 

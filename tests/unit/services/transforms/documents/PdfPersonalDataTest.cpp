@@ -233,23 +233,6 @@ TEST(PdfPersonalData, KeepsEveryPageOfFiveThousand) {
     EXPECT_EQ(read.getAllPages().size(), 5000u);
 }
 
-TEST(PdfRefusals, EncryptedFilesNeedTheirPassword) {
-    for (const char* password : {"", "secret"}) {
-        const std::string plain = OnePage().File();
-        QPDF pdf;
-        pdf.processMemoryFile("plain", plain.data(), plain.size());
-        QPDFWriter writer(pdf);
-        writer.setOutputMemory();
-        writer.setR6EncryptionParameters(password, "owner", true, true, true, true, true, true,
-                                         qpdf_r3p_full, true);
-        writer.write();
-        const auto written = writer.getBufferSharedPointer();
-        const std::string file(reinterpret_cast<const char*>(written->getBuffer()),
-                               written->getSize());
-        EXPECT_EQ(CheckDocument(file).outcome, CleanOutcome::Encrypted);
-    }
-}
-
 TEST(PdfRefusals, SignedFilesAreLeftAlone) {
     const std::string signature = "<</Type /Sig /Filter /Adobe.PPKLite /Contents <00> "
                                   "/ByteRange [0 1 2 3]>>";

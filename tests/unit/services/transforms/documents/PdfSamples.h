@@ -11,10 +11,10 @@
 namespace samples {
 
 // Every object as text, and every stream's data, decoded where that can be done.
-inline std::string Unpacked(const std::string& file) {
+inline std::string Unpacked(const std::string& file, const char* password = nullptr) {
     QPDF pdf;
     pdf.setSuppressWarnings(true);
-    pdf.processMemoryFile("a test's file", file.data(), file.size());
+    pdf.processMemoryFile("a test's file", file.data(), file.size(), password);
     std::string all = pdf.getTrailer().unparse();
     for (auto& object : pdf.getAllObjects()) {
         all += object.unparseResolved() + "\n";

@@ -1,8 +1,8 @@
-#include "services/archive/password/SecretField.h"
+#include "ObLib/Src/Win32/SecretField.h"
 
 #include <cwchar>
 
-namespace obarchive {
+namespace ObLib {
 namespace {
 
 void ReplaceAll(HWND field, const wchar_t* text, bool keepForUndo) {
@@ -14,7 +14,7 @@ void ReplaceAll(HWND field, const wchar_t* text, bool keepForUndo) {
 // memory with the text of the first. WM_SETTEXT would free the memory instead of overwriting it.
 void Overwrite(HWND field) {
     FieldText stars;
-    std::wmemset(stars.data, L'*', kLongestText);
+    std::wmemset(stars.data, L'*', kLongestSecret);
     ReplaceAll(field, stars.data, true);
     ReplaceAll(field, stars.data, true);
     ReplaceAll(field, L"", false);
@@ -24,12 +24,12 @@ void Overwrite(HWND field) {
 } // namespace
 
 void PrepareSecretField(HWND field) {
-    SendMessageW(field, EM_LIMITTEXT, kLongestText, 0);
+    SendMessageW(field, EM_LIMITTEXT, kLongestSecret, 0);
     Overwrite(field);
 }
 
 void ReadSecretField(HWND field, FieldText& text) {
-    GetWindowTextW(field, text.data, kLongestText + 1);
+    GetWindowTextW(field, text.data, kLongestSecret + 1);
 }
 
 void FillSecretField(HWND field, const wchar_t* text) {
@@ -41,4 +41,4 @@ void FillSecretField(HWND field, const wchar_t* text) {
 
 void WipeSecretField(HWND field) { Overwrite(field); }
 
-} // namespace obarchive
+} // namespace ObLib

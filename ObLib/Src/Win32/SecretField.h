@@ -5,14 +5,14 @@
 
 #include <windows.h>
 
-#include "services/archive/crypto/Secret.h"
+#include "ObLib/Src/Win32/Secret.h"
 
-namespace obarchive {
+namespace ObLib {
 
 // More than any caller's buffer has room for, so that a text that is too long is refused and not
 // cut by the field.
-inline constexpr int kLongestText = 2047; // UTF-16 units
-using FieldText = WipedBuffer<wchar_t, kLongestText + 1>;
+inline constexpr int kLongestSecret = 2047; // UTF-16 units
+using FieldText = WipedBuffer<wchar_t, kLongestSecret + 1>;
 
 // Makes the field allocate its largest size at once. A field that grows while the user types copies
 // its text and doesn't wipe the memory before. Sends EN_CHANGE.
@@ -26,4 +26,4 @@ void FillSecretField(HWND field, const wchar_t* text);
 // Overwrites the text and the field's undo memory, and leaves the field empty. Sends EN_CHANGE.
 void WipeSecretField(HWND field);
 
-} // namespace obarchive
+} // namespace ObLib

@@ -1,0 +1,10 @@
+// Ids of the question for a PDF's password.
+#pragma once
+
+#define OB_PDF_PASSWORD_DIALOG 780
+#define OB_PDF_PASSWORD_SENTENCE 781
+#define OB_PDF_PASSWORD_LABEL 782
+#define OB_PDF_PASSWORD_TEXT 783
+#define OB_PDF_PASSWORD_SHOW 784
+#define OB_PDF_PASSWORD_NOTE 785
+#define OB_PDF_PASSWORD_LEAVE 786
