@@ -66,7 +66,8 @@ std::optional<WorkEnd> CombineWork::Add(WorkRequest& request) {
     steps_.Begin(bytes.size());
     sources_.push_back(std::move(*source));
     if (!combiner_) combiner_.emplace(&steps_);
-    const CleanOutcome outcome = combiner_->Add({asked->title, bytes, asked->breaksSignatures});
+    const CleanOutcome outcome =
+        combiner_->Add({asked->title, bytes, asked->breaksSignatures, request.password.Text()});
     if (steps_.IsUnread()) return {};
     return outcome == CleanOutcome::Cleaned ? WorkEnd(WorkOutcome::Changed)
                                             : EndOfWholeFile(outcome);

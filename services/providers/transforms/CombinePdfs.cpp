@@ -10,6 +10,7 @@
 #include "ObLib/Src/Win32/Guarded.h"
 #include "services/providers/files/ResultName.h"
 #include "services/providers/transforms/ChangeCopy.h"
+#include "services/providers/transforms/PdfPasswords.h"
 #include "services/providers/transforms/PersonalData.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
@@ -147,14 +148,18 @@ bool Combination::AddAll() {
 }
 
 WorkReport Combination::Send(const PdfFile& file, WorkSignatures signatures) {
-    return series_->Run(AddOrder(file.path, signatures), file.copy.Handle(), nullptr, call_.wait);
+    return RunWithPassword(call_, file.path, AddOrder(file.path, signatures),
+                           [&](const WorkOrder& order) {
+                               return series_->Run(order, file.copy.Handle(), nullptr, call_.wait);
+                           });
 }
 
 // True also for a file that stays as it is.
 bool Combination::Add(PdfFile& file) {
     const WorkReport report = Send(file, WorkSignatures::Keep);
     if (report.result == WorkResult::Signed) return AddSigned(file);
-    if (report.result == WorkResult::Encrypted || report.result == WorkResult::OtherCipher) {
+    if (NeedsPassword(report.result)) return true; // the user leaves the file as it is
+    if (report.result == WorkResult::OtherCipher) {
         return Ask(call_, OB_TEXT_COMBINE_ENCRYPTED, file.path);
     }
     return Take(file, report.result);

@@ -19,6 +19,7 @@
 #include "services/transforms/documents/Pdf.h"
 #include "services/transforms/documents/PdfDictionaries.h"
 #include "services/transforms/documents/PdfFile.h"
+#include "services/transforms/documents/PdfSeed.h"
 
 namespace transforms::combine {
 namespace {
@@ -111,6 +112,8 @@ private:
     PdfLayers layers_;
     PdfAttachments attachments_;
     PDFVersion version_;
+    QPDF* encrypted_ = nullptr; // the first part that is
+    std::string content_;       // the parts' titles and digests: what the file depends on
     bool packs_ = false;
     std::optional<SinkPipeline> pipeline_; // while the target is written
     std::optional<std::size_t> current_;   // the part whose stream is read
@@ -134,8 +137,8 @@ CleanOutcome PdfCombiner::Work::Add(const PdfPart& part) {
 
 // Everything is copied before anything is added to what the target refers to.
 CleanOutcome PdfCombiner::Work::Take(QPDF& source, const PdfPart& part) {
-    documents::OpenPdf(source, part.file, {steps_});
-    if (source.isEncrypted()) return CleanOutcome::Encrypted;
+    documents::OpenPdf(source, part.file, {steps_, part.password});
+    if (const auto refusal = documents::RefusalOf(source)) return *refusal;
     if (IsOnlyACover(source)) return CleanOutcome::NotSupported;
     if (HasPermissions(source) && !part.breaksSignatures) return CleanOutcome::Signed;
     const auto pages = PagesOf(source);
@@ -156,6 +159,9 @@ CleanOutcome PdfCombiner::Work::Take(QPDF& source, const PdfPart& part) {
     layers_.Add(layers);
     bookmarks_->Add(bookmark);
     attachments_.Add(files);
+    content_ += part.title + '\n' + (part.breaksSignatures ? '1' : '0');
+    content_ += documents::KeyedDigest({}, part.file);
+    if (source.isEncrypted() && !encrypted_) encrypted_ = &source;
     version_.updateIfGreater(source.getVersionAsPDFVersion());
     packs_ |= HasPackedObjects(source);
     return CleanOutcome::Cleaned;
@@ -211,7 +217,15 @@ void PdfCombiner::Work::WriteObjects() {
     writer.setDecodeLevel(qpdf_dl_none);
     writer.setObjectStreamMode(packs_ ? qpdf_o_generate : qpdf_o_disable);
     writer.setMinimumPDFVersion(version_);
-    writer.setDeterministicID(true);
+    // An identifier of the content isn't made of encrypted content.
+    writer.setDeterministicID(!encrypted_);
+    writer.setStaticID(encrypted_ != nullptr);
+    std::optional<documents::SeededBytes> random;
+    if (encrypted_) {
+        writer.copyEncryptionParameters(*encrypted_);
+        random.emplace(documents::KeyedDigest(encrypted_->getEncryptionKey(),
+                                              std::as_bytes(std::span(content_))));
+    }
     writer.write();
     pipeline_->finish();
 }

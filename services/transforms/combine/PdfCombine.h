@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "services/transforms/personal/Bytes.h"
 #include "services/transforms/personal/Findings.h"
@@ -17,6 +18,7 @@ struct PdfPart {
     std::string title;             // of its bookmark, UTF-8
     personal::Bytes file;          // outlives the combiner
     bool breaksSignatures = false; // fields lose their signatures; otherwise the part is refused
+    std::string_view password;     // as for DocumentControl
 };
 
 // Takes the new file, from its start to its end. False: the rest isn't wanted.
@@ -36,7 +38,8 @@ public:
 // below. Links and bookmarks lead to the same pages as before; a form field whose name another part
 // has too gets another one; layers are shown or hidden as before; attached files stay attached.
 // What belongs to a file as a whole isn't taken over: its information, scripts, tags, page labels
-// and a form in XML. Equal parts give equal bytes. One thread; throws std::bad_alloc alone.
+// and a form in XML. If a part is encrypted, the file has the key, passwords and permissions of the
+// first such part. Equal parts give equal bytes. One thread; throws std::bad_alloc alone.
 class PdfCombiner {
 public:
     // `steps`, which may be null, outlives the combiner.
@@ -47,7 +50,8 @@ public:
 
     // Cleaned: the part is taken, with the next number from 0 on. Otherwise why it can't be one,
     // and nothing of it is in the file: NotSupported for what isn't a PDF, a PDF that is a folder
-    // of files and one whose pages are described in XML alone; Damaged, Encrypted, Signed.
+    // of files and one whose pages are described in XML alone; Damaged, Encrypted, Locked,
+    // OtherCipher, Signed.
     CleanOutcome Add(const PdfPart& part);
     std::size_t Count() const noexcept;
 

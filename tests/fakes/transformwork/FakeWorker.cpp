@@ -225,8 +225,8 @@ void ActInCombine(const std::string& word, const Taken& taken) {
     if (content == "signed" && settings.signatures == WorkSignatures::Keep) {
         return Send(WorkKind::Failed, WorkFailed{WorkFailure::Signed, 0});
     }
-    if (content == "encrypted") {
-        return Send(WorkKind::Failed, WorkFailed{WorkFailure::Encrypted, 0});
+    if (content == "cipher") {
+        return Send(WorkKind::Failed, WorkFailed{WorkFailure::OtherCipher, 0});
     }
     if (content == "damaged") return Send(WorkKind::Failed, WorkFailed{WorkFailure::Damaged, 0});
     if (content == "huge") return Send(WorkKind::Failed, WorkFailed{WorkFailure::TooLarge, 0});

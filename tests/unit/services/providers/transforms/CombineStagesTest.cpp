@@ -159,15 +159,14 @@ TEST_F(CombineStages, ChangeNothingWhenOnlyOnePdfCanBeCombined) {
     EXPECT_EQ(Content(paths[1]), "%PDF-B");
 }
 
-TEST_F(CombineStages, AskWhetherAPdfWithAPasswordGoesOutSeparately) {
+TEST_F(CombineStages, AskWhetherAPdfForWhichNoPasswordIsTakenGoesOutSeparately) {
     bool goesOn = false;
-    EXPECT_NE(Asked("encrypted", IDYES, goesOn).find(L"protected by a password"),
-              std::wstring::npos);
+    EXPECT_NE(Asked("cipher", IDYES, goesOn).find(L"is encrypted in a way"), std::wstring::npos);
     EXPECT_TRUE(goesOn);
     EXPECT_EQ(Content(paths_[0]), "%PDF-a=A;c=C;");
     EXPECT_EQ(Results(3), (Names{paths_[0], paths_[1]}));
     SetUp();
-    Asked("encrypted", IDNO, goesOn);
+    Asked("cipher", IDNO, goesOn);
     EXPECT_FALSE(goesOn);
     EXPECT_EQ(Content(paths_[0]), "%PDF-A");
 }

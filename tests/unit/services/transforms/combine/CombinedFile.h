@@ -38,6 +38,7 @@ struct Part {
     std::string title;
     std::string file;
     bool breaksSignatures = false;
+    std::string password = {};
 };
 
 class TextSink : public transforms::combine::PdfSink {
@@ -61,8 +62,8 @@ inline Combination Combined(const std::vector<Part>& parts) {
     Combination made;
     for (const Part& part : parts) {
         made.refused = combiner.Count();
-        made.outcome =
-            combiner.Add({part.title, std::as_bytes(std::span(part.file)), part.breaksSignatures});
+        made.outcome = combiner.Add({part.title, std::as_bytes(std::span(part.file)),
+                                     part.breaksSignatures, part.password});
         if (made.outcome != CleanOutcome::Cleaned) return made;
     }
     TextSink sink;
@@ -78,11 +79,12 @@ inline Combination Combined(const std::vector<Part>& parts) {
 // Reads what the parts became, without guessing.
 class CombinedFile {
 public:
-    explicit CombinedFile(const std::vector<Part>& parts) : made_(Combined(parts)) {
+    explicit CombinedFile(const std::vector<Part>& parts, const char* password = "")
+        : made_(Combined(parts)) {
         EXPECT_EQ(made_.outcome, CleanOutcome::Cleaned);
         pdf_.setSuppressWarnings(true);
         pdf_.setAttemptRecovery(false);
-        pdf_.processMemoryFile("combined", made_.file.data(), made_.file.size());
+        pdf_.processMemoryFile("combined", made_.file.data(), made_.file.size(), password);
     }
     std::vector<int> Sizes() {
         std::vector<int> sizes;

@@ -5,6 +5,7 @@
 #include <qpdf/QPDFWriter.hh>
 
 #include "tests/unit/services/transforms/combine/CombinedFile.h"
+#include "tests/unit/services/transforms/documents/EncryptedSamples.h"
 
 using namespace samples;
 
@@ -21,15 +22,10 @@ std::string SignedField() {
     return pdf.File();
 }
 
-std::string Written(QPDF& pdf, bool packs = false) {
+std::string Packed(QPDF& pdf) {
     QPDFWriter writer(pdf);
     writer.setOutputMemory();
-    if (packs) {
-        writer.setObjectStreamMode(qpdf_o_generate);
-    } else {
-        writer.setR6EncryptionParameters("", "owner", true, true, true, true, true, true,
-                                         qpdf_r3p_full, true);
-    }
+    writer.setObjectStreamMode(qpdf_o_generate);
     writer.write();
     const auto written = writer.getBufferSharedPointer();
     return {reinterpret_cast<const char*>(written->getBuffer()), written->getSize()};
@@ -147,11 +143,43 @@ TEST(PdfCombine, RefusesWhatIsNoPdfOrHasItsContentElsewhere) {
     }
 }
 
-TEST(PdfCombine, RefusesAnEncryptedPart) {
+TEST(PdfCombine, EncryptsTheFileAsItsFirstEncryptedPart) {
+    for (const Cipher cipher : kCiphers) {
+        const std::string words = OnePage("/Annots [<</Contents (KEPT)>>]").File();
+        const std::vector<Part> parts{
+            {"a", Pages(1, 0)},
+            {"b", Encrypted(words, {.cipher = cipher}), false, "secret"},
+            {"c", Encrypted(Pages(1, 9), {.cipher = Cipher::Aes128, .user = "other"}), false,
+             "other"}};
+        CombinedFile file(parts, "secret");
+        EXPECT_TRUE(file.Pdf().isEncrypted());
+        EXPECT_TRUE(file.Pdf().userPasswordMatched());
+        EXPECT_EQ(file.Sizes(), (std::vector<int>{100, 200, 109}));
+        EXPECT_EQ(file.Annotation(1).getKey("/Contents").getStringValue(), "KEPT");
+        const auto data = file.Page(1).getKey("/Contents").getStreamData(qpdf_dl_generalized);
+        const std::string contents(reinterpret_cast<const char*>(data->getBuffer()),
+                                   data->getSize());
+        EXPECT_NE(contents.find("KEPT"), std::string::npos);
+        EXPECT_EQ(file.Bytes().find("KEPT"), std::string::npos);
+        EXPECT_EQ(Combined(parts).file, file.Bytes());
+        QPDF other;
+        EXPECT_THROW(
+            other.processMemoryFile("combined", file.Bytes().data(), file.Bytes().size(), "other"),
+            QPDFExc);
+    }
+}
+
+TEST(PdfCombine, RefusesAPartThatItCannotOpenOrChange) {
     const std::string plain = Pages(1, 0);
-    QPDF pdf;
-    pdf.processMemoryFile("plain", plain.data(), plain.size());
-    EXPECT_EQ(Combined({{"a", plain}, {"b", Written(pdf)}}).outcome, CleanOutcome::Encrypted);
+    const auto outcome = [&](const Protection& protection, const char* password) {
+        return Combined({{"a", plain}, {"b", Encrypted(plain, protection), false, password}})
+            .outcome;
+    };
+    EXPECT_EQ(outcome({}, ""), CleanOutcome::Encrypted);
+    EXPECT_EQ(outcome({}, "wrong"), CleanOutcome::Encrypted);
+    EXPECT_EQ(outcome({.canChange = false}, "secret"), CleanOutcome::Locked);
+    EXPECT_EQ(outcome({.canChange = false}, "owner"), CleanOutcome::Cleaned);
+    EXPECT_EQ(outcome({.user = ""}, ""), CleanOutcome::Cleaned);
 }
 
 TEST(PdfCombine, RefusesASignedPartAndGoesOnWithTheOthers) {
@@ -190,7 +218,7 @@ TEST(PdfCombine, PacksObjectsWhenAPartDoes) {
     const std::string plain = Pages(3, 0);
     QPDF pdf;
     pdf.processMemoryFile("plain", plain.data(), plain.size());
-    const std::string packed = Written(pdf, true);
+    const std::string packed = Packed(pdf);
     EXPECT_EQ(Combined({{"a", plain}}).file.find("/ObjStm"), std::string::npos);
     CombinedFile file({{"a", plain}, {"b", packed}});
     EXPECT_NE(file.Bytes().find("/ObjStm"), std::string::npos);
