@@ -40,7 +40,7 @@ struct FlateRows::Deflater {
         do {
             stream.next_out = out.data();
             stream.avail_out = static_cast<uInt>(out.size());
-            deflate(&stream, flush); // fails for a stream that isn't one only
+            deflate(&stream, flush); // there is room, so it can't fail
             sink({out.data(), out.size() - stream.avail_out});
         } while (stream.avail_out == 0);
     }
