@@ -201,6 +201,11 @@ std::string Source(const Taken& taken) {
 
 std::string combined; // the titles and contents that were added
 
+[[noreturn]] void HangWithASign() {
+    std::ofstream(obtest::BesideProgram(L"kinds.txt").c_str()) << "hangs";
+    Hang();
+}
+
 // PDFs that become one: a content of "%PDF-" and a word says what the file is; a test may ask for
 // more at the request that its word names.
 void ActInCombine(const std::string& word, const Taken& taken) {
@@ -208,7 +213,7 @@ void ActInCombine(const std::string& word, const Taken& taken) {
         Send(WorkKind::Progress, WorkProgress{1, 5, 1, 0});
         WriteTarget(taken, word == "combine-odd" ? "no PDF" : ("%PDF-" + combined).c_str());
         if (word == "combine-crash-in-write") Crash();
-        if (word == "combine-hang-in-write") Hang();
+        if (word == "combine-hang-in-write") HangWithASign();
         if (word == "combine-damaged" || word == "combine-full") {
             const auto why =
                 word == "combine-full" ? WorkFailure::Unwritable : WorkFailure::Damaged;
@@ -221,7 +226,7 @@ void ActInCombine(const std::string& word, const Taken& taken) {
     std::memcpy(&settings, taken.settings.data(), sizeof settings);
     const std::string content = Source(taken).substr(5);
     if (word == "combine-crash-in-add") Crash();
-    if (word == "combine-hang-in-add") Hang();
+    if (word == "combine-hang-in-add") HangWithASign();
     if (content == "signed" && settings.signatures == WorkSignatures::Keep) {
         return Send(WorkKind::Failed, WorkFailed{WorkFailure::Signed, 0});
     }

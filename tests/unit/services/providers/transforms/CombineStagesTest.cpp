@@ -266,6 +266,31 @@ TEST_F(CombineStages, EndWithTheSessionAndLeaveOnlyTheCopies) {
     }
 }
 
+// The clean-up after a cancel comes while the stage still has the copies open.
+TEST_F(CombineStages, LeaveNothingAfterACancelAndItsCleanUp) {
+    for (const char* word : {"combine-hang-in-add", "combine-hang-in-write"}) {
+        SetUp();
+        Script(word);
+        const std::wstring run = folder_.Folder(L"run");
+        const Names paths{run + L"\\a.pdf", run + L"\\b.pdf"};
+        for (const std::wstring& path : paths) {
+            ASSERT_TRUE(obtest::WriteFileContent(path, "%PDF-x"));
+        }
+        const std::wstring sign = obtest::BesideProgram(L"kinds.txt"); // that the process hangs
+        DeleteFileW(sign.c_str());
+        Owner owner;
+        std::thread worker([&] { EXPECT_FALSE(List(paths, 1, owner.Get())); });
+        const auto isAtWork = [&] { return obtest::ReadFileContent(sign) == "hangs"; };
+        for (int waited = 0; waited < kLimit && !isAtWork(); waited += 5) Sleep(5);
+        EXPECT_TRUE(isAtWork());
+        for (const std::wstring& path : paths) EXPECT_TRUE(DeleteFileW(path.c_str()));
+        RemoveDirectoryW(run.c_str());
+        Entries().Deinit(manager_);
+        worker.join();
+        EXPECT_EQ(GetFileAttributesW(run.c_str()), INVALID_FILE_ATTRIBUTES) << word;
+    }
+}
+
 // What is cleaned at the end is the new file, and what went from its parts is in the receipt.
 TEST_F(CombineStages, RemovePersonalDataAgainFromTheResult) {
     ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, kTransform));
