@@ -158,7 +158,8 @@ SuiteOutcome TakeResult(const SuiteFolder& folder, HANDLE target) {
 // Looks at the document in the work process, so that no suite is started that would ask for a
 // password. Everything else that the work process can't read is left to the suite.
 bool NeedsPassword(HANDLE source, WorkProcess& process, CallWait& wait) {
-    return process.Run(CheckCleanOrder(), source, nullptr, wait).result == WorkResult::Encrypted;
+    const WorkResult result = process.Run(CheckCleanOrder(), source, nullptr, wait).result;
+    return result == WorkResult::Encrypted || result == WorkResult::OtherCipher;
 }
 
 } // namespace

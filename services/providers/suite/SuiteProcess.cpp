@@ -96,7 +96,9 @@ void EndJob(HANDLE job) noexcept { TerminateJobObject(job, 1); }
 
 void FreeJob(HANDLE job) noexcept {
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION none{};
+    JOBOBJECT_BASIC_UI_RESTRICTIONS windows{};
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &none, sizeof none);
+    SetInformationJobObject(job, JobObjectBasicUIRestrictions, &windows, sizeof windows);
 }
 
 UniqueKernelHandle StartSuite(const SuiteStart& start, HANDLE job) {

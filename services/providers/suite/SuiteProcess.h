@@ -20,7 +20,7 @@ std::uint64_t TimeOfJob(HANDLE job) noexcept;
 // Ends the processes of the job.
 void EndJob(HANDLE job) noexcept;
 
-// The processes of the job go on without this one from now on.
+// The processes of the job go on without this one and without its limits from now on.
 void FreeJob(HANDLE job) noexcept;
 
 struct SuiteStart {
