@@ -46,6 +46,7 @@ enum class WorkKind : std::uint32_t {
     // to kMostPasswordBytes bytes of UTF-8 without a NUL. The manager ends the process after that
     // request, as libraries make copies that nobody can wipe.
     Password = 14,
+    PictureWatermark = 15, // lays a picture over a picture or the pages of a PDF
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -208,6 +209,20 @@ static_assert(sizeof(WorkFitWrite) == 8);
 static_assert(offsetof(WorkFitWrite, number) == 0);
 static_assert(offsetof(WorkFitWrite, reserved) == 4);
 
+// The settings of PictureWatermark; otherwise as Watermark. BadPicture and nothing written when the
+// picture can't be laid over anything: it is damaged, too large, an animation or another kind of
+// file.
+struct WorkPictureWatermark {
+    WorkPlace place;
+    std::uint32_t opacity; // percent, 1 to 100
+    // The last member of each kind that has it: a file on disk for reading, as those of WorkFiles.
+    std::uint64_t picture;
+};
+static_assert(sizeof(WorkPictureWatermark) == 16);
+static_assert(offsetof(WorkPictureWatermark, place) == 0);
+static_assert(offsetof(WorkPictureWatermark, opacity) == 4);
+static_assert(offsetof(WorkPictureWatermark, picture) == 8);
+
 // What a request of each kind consists of: WorkFiles with or without these files, and settings of
 // `least` to `most` bytes.
 struct WorkRequestForm {
@@ -216,6 +231,7 @@ struct WorkRequestForm {
     std::uint32_t most;
     bool hasSource;
     bool hasTarget;
+    bool hasPicture = false; // the settings end with its handle
 };
 inline constexpr WorkRequestForm kWorkRequests[] = {
     {WorkKind::Clean, sizeof(WorkClean), sizeof(WorkClean), true, true},
@@ -228,6 +244,8 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
      sizeof(WorkCombineAdd) + 2 * kMostCombineTitle, true, false},
     {WorkKind::CombineWrite, sizeof(WorkPlain), sizeof(WorkPlain), false, true},
     {WorkKind::PictureToPdf, sizeof(WorkPdf), sizeof(WorkPdf), true, true},
+    {WorkKind::PictureWatermark, sizeof(WorkPictureWatermark), sizeof(WorkPictureWatermark), true,
+     true, true},
     {WorkKind::Measure, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
     {WorkKind::FitAdd, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
     {WorkKind::FitSearch, sizeof(WorkFitSearch), sizeof(WorkFitSearch), false, false},
@@ -293,6 +311,7 @@ enum class WorkFailure : std::uint32_t {
     Signed = 8,       // the document has a signature, which any change would break
     Locked = 9,       // the PDF opens, and its owner's password is needed to change it
     OtherCipher = 10, // the document is encrypted, and no password is taken for it
+    BadPicture = 11,  // the picture that was to be laid over the file can't be used
 };
 
 struct WorkFailed {

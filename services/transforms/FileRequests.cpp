@@ -24,6 +24,7 @@ constexpr RequestRow kRequests[] = {
     {WorkKind::Measure, &Measure},
     {WorkKind::ConvertPhoto, &ConvertPhotoFile},
     {WorkKind::Watermark, &AddWatermark},
+    {WorkKind::PictureWatermark, &AddPictureWatermark},
     {WorkKind::PictureToPdf, &MakePdf},
 };
 

@@ -12,6 +12,8 @@
 #include "services/transforms/documents/Pdf.h"
 #include "services/transforms/pictures/StampPicture.h"
 #include "services/transforms/watermark/PdfStamp.h"
+#include "services/transforms/watermark/PictureStamp.h"
+#include "services/transforms/watermark/StampFile.h"
 #include "services/transforms/watermark/TextStamp.h"
 
 namespace transforms {
@@ -32,41 +34,43 @@ constexpr PlaceRow kPlaces[] = {
     {WorkPlace::Centre, WatermarkPlace::Centre},
 };
 
+// Nothing for values that the contract lacks.
+std::optional<WatermarkLook> LookOf(WorkPlace place, std::uint32_t opacity) {
+    const auto* const row = std::ranges::find(kPlaces, place, &PlaceRow::asked);
+    if (row == std::end(kPlaces) || opacity < 1 || opacity > 100) return {};
+    return WatermarkLook{row->place, opacity};
+}
+
 struct Asked {
     WatermarkLook look;
     std::wstring text;
 };
 
-// Nothing for values that the contract lacks.
+// The same.
 std::optional<Asked> AskedFor(const WorkRequest& request) {
     const auto settings = request.SettingsAs<WorkWatermark>();
-    const auto* const row = std::ranges::find(kPlaces, settings.place, &PlaceRow::asked);
+    const auto look = LookOf(settings.place, settings.opacity);
     const std::size_t bytes = request.settings.size() - sizeof settings;
-    if (row == std::end(kPlaces) || settings.opacity < 1 || settings.opacity > 100 ||
-        bytes % sizeof(wchar_t) != 0) {
-        return {};
-    }
-    Asked asked{{row->place, settings.opacity}, std::wstring(bytes / sizeof(wchar_t), L'\0')};
+    if (!look || bytes % sizeof(wchar_t) != 0) return {};
+    Asked asked{*look, std::wstring(bytes / sizeof(wchar_t), L'\0')};
     std::memcpy(asked.text.data(), request.settings.data() + sizeof settings, bytes);
     return asked;
 }
 
-std::optional<WorkEnd> OnPicture(const WorkRequest& request, const Asked& asked, FileSource& source,
+std::optional<WorkEnd> OnPicture(const WorkRequest& request, const Stamp& stamp, FileSource& source,
                                  PictureWatch& watch) {
     FileTarget target(request.target.Get());
-    const TextStamp stamp(asked.text, asked.look, Letters::White);
     PictureOutcome outcome = StampPicture(source, target, stamp, watch.Control());
     if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
     return EndOfPicture(outcome, target.Size());
 }
 
-std::optional<WorkEnd> OnPages(const WorkRequest& request, const Asked& asked,
+std::optional<WorkEnd> OnPages(const WorkRequest& request, const Stamp& stamp,
                                WorkChannel& channel) {
     WorkFailure failure{};
     const auto source = SourceView::Map(request.source.Get(), failure);
     if (!source) return WorkEnd(failure);
     if (!ReadAhead(source->Bytes(), channel)) return {};
-    const TextStamp stamp(asked.text, asked.look, Letters::Black);
     PictureWatch watch(channel, source->Bytes().size());
     try {
         const StampedPdf stamped =
@@ -86,18 +90,51 @@ bool IsPages(FileSource& source, bool& isRead) {
     return isRead && documents::IsPdf(std::as_bytes(std::span(bytes, count)));
 }
 
+// `onPages` and `onPicture` may be the same stamp.
+std::optional<WorkEnd> AddStamp(const WorkRequest& request, const Stamp& onPages,
+                                const Stamp& onPicture, WorkChannel& channel) {
+    FileSource source(request.source.Get());
+    bool isRead = false;
+    const bool isPages = source.IsOpen() && IsPages(source, isRead);
+    if (!isRead) return WorkEnd(WorkFailure::Unreadable);
+    if (isPages) return OnPages(request, onPages, channel);
+    PictureWatch watch(channel);
+    return OnPicture(request, onPicture, source, watch);
+}
+
+// Nothing for a picture that can't be used.
+std::optional<StampPixels> PixelsOf(const WorkRequest& request, PictureWatch& watch) {
+    FileSource source(request.picture.Get());
+    if (!source.IsOpen()) return {};
+    try {
+        return ReadStampFile(source, watch.Control());
+    } catch (const PictureFailure&) {
+        return {};
+    }
+}
+
 } // namespace
 
 std::optional<WorkEnd> AddWatermark(const WorkRequest& request, WorkChannel& channel) {
     const auto asked = AskedFor(request);
     if (!asked) return {}; // not a valid record
-    FileSource source(request.source.Get());
-    bool isRead = false;
-    const bool isPages = source.IsOpen() && IsPages(source, isRead);
-    if (!isRead) return WorkEnd(WorkFailure::Unreadable);
-    if (isPages) return OnPages(request, *asked, channel);
-    PictureWatch watch(channel);
-    return OnPicture(request, *asked, source, watch);
+    return AddStamp(request, TextStamp(asked->text, asked->look, Letters::Black),
+                    TextStamp(asked->text, asked->look, Letters::White), channel);
+}
+
+std::optional<WorkEnd> AddPictureWatermark(const WorkRequest& request, WorkChannel& channel) {
+    const auto settings = request.SettingsAs<WorkPictureWatermark>();
+    const auto look = LookOf(settings.place, settings.opacity);
+    if (!look) return {}; // not a valid record
+    std::optional<StampPixels> pixels;
+    {
+        PictureWatch watch(channel);
+        pixels = PixelsOf(request, watch);
+        if (watch.IsUnread()) return {};
+    }
+    if (!pixels) return WorkEnd(WorkFailure::BadPicture);
+    const PictureStamp stamp(std::move(*pixels), *look);
+    return AddStamp(request, stamp, stamp, channel);
 }
 
 } // namespace transforms

@@ -11,4 +11,7 @@ namespace transforms {
 // what is neither a picture nor a PDF. Results as for CarryOut.
 std::optional<WorkEnd> AddWatermark(const WorkRequest& request, WorkChannel& channel);
 
+// Lays the request's picture over a picture or over each page of a PDF. As AddWatermark.
+std::optional<WorkEnd> AddPictureWatermark(const WorkRequest& request, WorkChannel& channel);
+
 } // namespace transforms

@@ -27,6 +27,12 @@ bool IsAsWanted(HANDLE file, bool wanted) {
 
 HANDLE HandleOf(std::uint64_t value) { return reinterpret_cast<HANDLE>(value); }
 
+HANDLE HandleAtEnd(const std::vector<std::byte>& settings) {
+    std::uint64_t value = 0;
+    std::memcpy(&value, settings.data() + settings.size() - sizeof value, sizeof value);
+    return HandleOf(value);
+}
+
 } // namespace
 
 // The record's payload, and the header of the request after it.
@@ -54,7 +60,11 @@ std::optional<WorkRequest> WorkChannel::Next() {
     request.source.Reset(HandleOf(files.source));
     request.target.Reset(HandleOf(files.target));
     request.settings.resize(header.size - sizeof files);
-    if (!ObLib::ReadWhole(requests_.Get(), request.settings.data(), request.settings.size()) ||
+    if (!ObLib::ReadWhole(requests_.Get(), request.settings.data(), request.settings.size())) {
+        return {};
+    }
+    if (form->hasPicture) request.picture.Reset(HandleAtEnd(request.settings));
+    if (!IsAsWanted(request.picture.Get(), form->hasPicture) ||
         !IsAsWanted(request.source.Get(), form->hasSource) ||
         !IsAsWanted(request.target.Get(), form->hasTarget)) {
         return {};

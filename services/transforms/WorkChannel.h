@@ -20,10 +20,11 @@ namespace transforms {
 // A request with its files, which are closed with it.
 struct WorkRequest {
     obcontract::WorkKind kind{};
-    ObLib::UniqueKernelHandle source; // empty when the request reads no file
-    ObLib::UniqueKernelHandle target; // empty when the request writes no file
-    std::vector<std::byte> settings;  // as many bytes as the kind allows
-    ObLib::Secret password;           // empty without a record of one before the request
+    ObLib::UniqueKernelHandle source;  // empty when the request reads no file
+    ObLib::UniqueKernelHandle target;  // empty when the request writes no file
+    ObLib::UniqueKernelHandle picture; // empty when the kind has none
+    std::vector<std::byte> settings;   // as many bytes as the kind allows
+    ObLib::Secret password;            // empty without a record of one before the request
 
     // The settings of a kind that has only this record.
     template <class Record>

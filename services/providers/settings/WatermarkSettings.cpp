@@ -9,6 +9,8 @@ namespace {
 
 constexpr auto kId = obcontract::TransformId::Watermark;
 constexpr wchar_t kText[] = L"Text";
+constexpr wchar_t kKind[] = L"Kind";
+constexpr wchar_t kPicture[] = L"Picture"; // the name of a value, and a word of the kind
 constexpr wchar_t kPlace[] = L"Place";
 constexpr wchar_t kOpacity[] = L"Opacity";
 
@@ -18,15 +20,27 @@ std::wstring StoredText(const TransformSettings& stored) {
     return text;
 }
 
+std::wstring StoredPicture(const TransformSettings& stored) {
+    std::wstring path = stored.Read(kId, kPicture).value_or(L"");
+    if (path.size() > kLongestPicturePath) path.clear();
+    return path;
+}
+
+bool UsesPicture(const TransformSettings& stored) {
+    return stored.Read(kId, kKind) == kPicture && !StoredPicture(stored).empty();
+}
+
 } // namespace
 
 bool WatermarkSettings::AreStored(const TransformSettings& stored) {
-    return !StoredText(stored).empty();
+    return UsesPicture(stored) || !StoredText(stored).empty();
 }
 
 WatermarkSettings WatermarkSettings::Load(const TransformSettings& stored) {
     WatermarkSettings settings;
     if (const std::wstring text = StoredText(stored); !text.empty()) settings.text = text;
+    settings.usesPicture = UsesPicture(stored);
+    settings.picture = StoredPicture(stored);
     const auto word = stored.Read(kId, kPlace);
     const auto* const place =
         std::ranges::find_if(kWatermarkPlaces, [&](const wchar_t* name) { return word == name; });
@@ -38,11 +52,13 @@ WatermarkSettings WatermarkSettings::Load(const TransformSettings& stored) {
     return settings;
 }
 
-// The value that AreStored looks for is written last.
+// The values that AreStored looks for are written last.
 bool WatermarkSettings::Save(const TransformSettings& stored) const {
     const std::vector<SettingValue> values = {
         {kPlace, kWatermarkPlaces[static_cast<std::size_t>(place)]},
         {kOpacity, std::to_wstring(opacity)},
+        {kPicture, picture},
+        {kKind, usesPicture ? kPicture : kText},
         {kText, text}};
     return stored.Write(kId, values);
 }

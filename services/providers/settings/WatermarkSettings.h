@@ -1,4 +1,4 @@
-// What is laid over pictures (id 5).
+// What is laid over pictures and pages (id 5).
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,9 @@ inline constexpr const wchar_t* kWatermarkPlaces[] = {L"TopLeft", L"TopRight", L
                                                       L"BottomRight", L"Centre"};
 inline constexpr std::size_t kWatermarkPlaceCount = std::size(kWatermarkPlaces);
 
-inline constexpr std::size_t kLongestWatermark = 100; // characters
-inline constexpr std::uint32_t kLeastOpacity = 5;     // percent; less can't be seen
+inline constexpr std::size_t kLongestWatermark = 100;    // characters
+inline constexpr std::size_t kLongestPicturePath = 1000; // characters
+inline constexpr std::uint32_t kLeastOpacity = 5;        // percent; less can't be seen
 inline constexpr std::uint32_t kMostOpacity = 100;
 
 struct WatermarkSettings {
@@ -25,6 +26,9 @@ struct WatermarkSettings {
     std::wstring text = L"Draft";
     WatermarkPlace place = WatermarkPlace::BottomRight;
     std::uint32_t opacity = 60; // percent
+    // A picture instead of the text: the full path of its file, of which no copy is made.
+    bool usesPicture = false;
+    std::wstring picture; // not empty when it is used
     bool operator==(const WatermarkSettings&) const = default;
 
     // As for PersonalDataSettings.

@@ -104,6 +104,12 @@
 #define OB_TEXT_PDF_PASSWORD_LOCKED 682
 #define OB_TEXT_REST_LOCKED 683
 
+// Pictures as watermarks; %1 is the picture's name.
+#define OB_TEXT_WATERMARK_NO_PICTURE 684
+#define OB_TEXT_WATERMARK_BAD_PICTURE 685
+#define OB_TEXT_WATERMARK_CHOOSE 686
+#define OB_TEXT_WATERMARK_FILTER 687
+
 // What was found in a file.
 #define OB_TEXT_FOUND_OTHER 560
 #define OB_TEXT_FOUND_POSITION 561

@@ -1,5 +1,8 @@
 #include "services/providers/ui/WatermarkDialog.h"
 
+#include <commdlg.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -20,7 +23,30 @@ constexpr UINT kPlaceTexts[] = {OB_TEXT_PLACE_TOP_LEFT, OB_TEXT_PLACE_TOP_RIGHT,
                                 OB_TEXT_PLACE_CENTRE};
 static_assert(std::size(kPlaceTexts) == kWatermarkPlaceCount);
 
+bool IsPicture(HWND dialog) {
+    return IsDlgButtonChecked(dialog, OB_WATERMARK_USE_PICTURE) == BST_CHECKED;
+}
+
+// What belongs to the other choice can't be used.
+void EnableChosen(HWND dialog) {
+    const bool isPicture = IsPicture(dialog);
+    EnableWindow(GetDlgItem(dialog, OB_WATERMARK_TEXT), !isPicture);
+    EnableWindow(GetDlgItem(dialog, OB_WATERMARK_PICTURE), isPicture);
+    EnableWindow(GetDlgItem(dialog, OB_WATERMARK_BROWSE), isPicture);
+}
+
+void ShowChoice(HWND dialog, const WatermarkSettings& settings) {
+    SendDlgItemMessageW(dialog, OB_WATERMARK_PICTURE, EM_SETLIMITTEXT, kLongestPicturePath, 0);
+    SetDlgItemTextW(dialog, OB_WATERMARK_PICTURE, settings.picture.c_str());
+    const int chosen = settings.usesPicture ? OB_WATERMARK_USE_PICTURE : OB_WATERMARK_TEXT_LABEL;
+    for (const int button : {OB_WATERMARK_TEXT_LABEL, OB_WATERMARK_USE_PICTURE}) {
+        CheckDlgButton(dialog, button, button == chosen ? BST_CHECKED : BST_UNCHECKED);
+    }
+    EnableChosen(dialog);
+}
+
 void Show(HWND dialog, const WatermarkSettings& settings) {
+    ShowChoice(dialog, settings);
     SendDlgItemMessageW(dialog, OB_WATERMARK_TEXT, EM_SETLIMITTEXT, kLongestWatermark, 0);
     SendDlgItemMessageW(dialog, OB_WATERMARK_OPACITY, EM_SETLIMITTEXT, kMostDigits, 0);
     SetDlgItemTextW(dialog, OB_WATERMARK_TEXT, settings.text.c_str());
@@ -33,10 +59,10 @@ void Show(HWND dialog, const WatermarkSettings& settings) {
     SetDlgItemInt(dialog, OB_WATERMARK_OPACITY, settings.opacity, FALSE);
 }
 
-// The text without blanks around it.
-std::wstring EnteredText(HWND dialog) {
-    wchar_t text[kLongestWatermark + 1] = L"";
-    GetDlgItemTextW(dialog, OB_WATERMARK_TEXT, text, static_cast<int>(std::size(text)));
+// What the field has, without blanks around it.
+std::wstring Entered(HWND dialog, int field) {
+    wchar_t text[kLongestPicturePath + 1] = L"";
+    GetDlgItemTextW(dialog, field, text, static_cast<int>(std::size(text)));
     const std::wstring entered = text;
     const std::size_t first = entered.find_first_not_of(L" \t");
     if (first == std::wstring::npos) return {};
@@ -57,9 +83,26 @@ bool Refused(HWND dialog, const std::wstring& sentence, int field) {
     return false;
 }
 
+// A relative path would mean another file at each run.
+bool IsWholePath(const std::wstring& path) {
+    return path.starts_with(L"\\\\") || (path.size() > 2 && path[1] == L':' && path[2] == L'\\');
+}
+
+// The choice between text and picture; the one that wasn't chosen stays as it was stored.
+bool ReadChoice(HWND dialog, WatermarkSettings& settings) {
+    const bool isPicture = IsPicture(dialog);
+    const int field = isPicture ? OB_WATERMARK_PICTURE : OB_WATERMARK_TEXT;
+    const std::wstring entered = Entered(dialog, field);
+    if (isPicture && !IsWholePath(entered))
+        return Refused(dialog, OwnText(OB_TEXT_WATERMARK_CHOOSE), field);
+    if (entered.empty()) return Refused(dialog, OwnText(OB_TEXT_WATERMARK_EMPTY), field);
+    settings.usesPicture = isPicture;
+    (isPicture ? settings.picture : settings.text) = entered;
+    return true;
+}
+
 bool Read(HWND dialog, WatermarkSettings& settings) {
-    const std::wstring text = EnteredText(dialog);
-    if (text.empty()) return Refused(dialog, OwnText(OB_TEXT_WATERMARK_EMPTY), OB_WATERMARK_TEXT);
+    if (!ReadChoice(dialog, settings)) return false;
     const auto opacity = EnteredOpacity(dialog);
     if (!opacity) {
         return Refused(dialog,
@@ -68,13 +111,37 @@ bool Read(HWND dialog, WatermarkSettings& settings) {
                        OB_WATERMARK_OPACITY);
     }
     const LRESULT place = SendDlgItemMessageW(dialog, OB_WATERMARK_PLACE, CB_GETCURSEL, 0, 0);
-    settings.text = text;
     if (place >= 0) settings.place = static_cast<WatermarkPlace>(place);
     settings.opacity = *opacity;
     return true;
 }
 
+// The system's dialog for a file's name.
+void Browse(HWND dialog) {
+    std::wstring path(kLongestPicturePath + 1, L'\0');
+    std::wstring filter = OwnText(OB_TEXT_WATERMARK_FILTER);
+    std::ranges::replace(filter, L'|', L'\0');
+    OPENFILENAMEW question{sizeof question};
+    question.hwndOwner = dialog;
+    question.lpstrFilter = filter.c_str();
+    question.lpstrFile = path.data();
+    question.nMaxFile = static_cast<DWORD>(path.size());
+    question.Flags =
+        OFN_EXPLORER | OFN_ENABLESIZING | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    if (GetOpenFileNameW(&question)) {
+        SetDlgItemTextW(dialog, OB_WATERMARK_PICTURE, path.c_str());
+    }
+}
+
 bool OnCommand(HWND dialog, WORD command) {
+    if (command == OB_WATERMARK_TEXT_LABEL || command == OB_WATERMARK_USE_PICTURE) {
+        EnableChosen(dialog);
+        return true;
+    }
+    if (command == OB_WATERMARK_BROWSE) {
+        Browse(dialog);
+        return true;
+    }
     if (command != IDOK && command != IDCANCEL) return false;
     auto* const settings =
         reinterpret_cast<WatermarkSettings*>(GetWindowLongPtrW(dialog, DWLP_USER));

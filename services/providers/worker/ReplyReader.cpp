@@ -49,6 +49,7 @@ constexpr FailureRow kFailures[] = {
     {WorkFailure::Signed, WorkResult::Signed},
     {WorkFailure::Locked, WorkResult::Locked},
     {WorkFailure::OtherCipher, WorkResult::OtherCipher},
+    {WorkFailure::BadPicture, WorkResult::BadPicture},
 };
 
 // The payload comes from bytes without alignment.

@@ -1,7 +1,10 @@
 // What a request asks of the work process, without its files.
 #pragma once
 
+#include <windows.h>
+
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <type_traits>
@@ -41,10 +44,21 @@ public:
         order.password_ = std::move(password);
         return order;
     }
+    // The same request with a file for the handle at the end of its settings. It stays the caller's
+    // and outlives the request.
+    WorkOrder WithPicture(HANDLE picture) const {
+        WorkOrder order = *this;
+        order.picture_ = picture;
+        return order;
+    }
+    HANDLE Picture() const noexcept { return picture_; } // null without
+
     bool HasPassword() const noexcept { return !password_.Empty(); }
 
-    // The records as they are sent. With a password the caller wipes them.
-    std::vector<std::byte> Record(const obcontract::WorkFiles& files) const {
+    // The records as they are sent; `picture` is the work process's handle of that file. With a
+    // password the caller wipes them.
+    std::vector<std::byte> Record(const obcontract::WorkFiles& files,
+                                  std::uint64_t picture = 0) const {
         std::vector<std::byte> record;
         record.reserve(RecordSize()); // so that no memory with a password is left
         if (HasPassword()) {
@@ -54,6 +68,9 @@ public:
         Append(record, Header(kind_, sizeof files + settings_.size()));
         Append(record, files);
         Append(record, settings_.data(), settings_.size());
+        if (picture_) {
+            std::memcpy(record.data() + record.size() - sizeof picture, &picture, sizeof picture);
+        }
         return record;
     }
     std::size_t RecordSize() const noexcept {
@@ -78,6 +95,7 @@ private:
     obcontract::WorkKind kind_;
     std::vector<std::byte> settings_;
     ObLib::Secret password_;
+    HANDLE picture_ = nullptr;
 };
 
 // The orders about personal data.

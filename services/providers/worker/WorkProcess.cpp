@@ -119,11 +119,13 @@ bool WorkProcess::Send(const WorkOrder& order, HANDLE source, HANDLE target) {
     constexpr DWORD kWriting =
         FILE_READ_DATA | FILE_WRITE_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
     WorkFiles files{};
+    std::uint64_t picture = 0;
     if (!Duplicate(source, FILE_GENERIC_READ, files.source) ||
+        !Duplicate(order.Picture(), FILE_GENERIC_READ, picture) ||
         !Duplicate(target, kWriting, files.target)) {
         return false;
     }
-    auto record = order.Record(files);
+    auto record = order.Record(files, picture);
     const ObLib::ScopeExit wipe([&] { SecureZeroMemory(record.data(), record.size()); });
     ++sent_;
     sentBytes_ += record.size();

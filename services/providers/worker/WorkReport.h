@@ -20,6 +20,7 @@ enum class WorkResult : std::uint8_t {
     Signed,        // the document has a signature, which any change would break
     Locked,        // the PDF opens, and its owner's password is needed to change it
     OtherCipher,   // the document is encrypted, and no password is taken for it
+    BadPicture,    // the picture that was to be laid over the file can't be used
     ProcessFailed, // the work process crashed, was silent for too long, or sent what isn't valid
     NotStarted,    // there is no work process: its file is missing or can't be started
     Cancelled,     // the call was to end

@@ -218,6 +218,12 @@ PictureSize PngSize(PictureSource& source, const PictureControl& control) {
     return PngReader(source, control).Form().size;
 }
 
+std::unique_ptr<RowReader> OpenPngRows(PictureSource& source, const PictureControl& control) {
+    auto reader = std::make_unique<PngReader>(source, control);
+    reader->Start();
+    return reader;
+}
+
 PngPixels OpenPngPixels(PictureSource& source, const PictureControl& control) {
     auto reader = std::make_unique<PngReader>(source, control);
     PngPixels pixels{nullptr, reader->Form().size, reader->Form().bits};

@@ -17,6 +17,10 @@ PictureSize PngSize(PictureSource& source, const PictureControl& control);
 void ShrinkPng(PictureSource& source, PictureTarget& target, const ShrinkStep& step,
                const PictureControl& control);
 
+// The rows in grey or colour, with or without alpha, of 8 or 16 bits: palettes and less than 8 bits
+// are expanded. `source` and `control` must outlive them. Throws PictureFailure.
+std::unique_ptr<RowReader> OpenPngRows(PictureSource& source, const PictureControl& control);
+
 // The rows as they are stored, for a conversion without loss. `source` and `control` must outlive
 // them. Throws PictureFailure.
 struct PngPixels {

@@ -135,6 +135,14 @@ ToSrgb ToSrgb::FromCmyk(std::span<const std::uint8_t> bytes, unsigned bits, unsi
                   COLORSPACE_SH(PT_CMYK) | CHANNELS_SH(4) | BYTES_SH(bits / 8) | EXTRA_SH(extra));
 }
 
+ToSrgb ToSrgb::FromPlain(std::span<const std::uint8_t> bytes, unsigned colours, unsigned extra) {
+    const UniqueProfile profile(
+        cmsOpenProfileFromMem(bytes.data(), static_cast<cmsUInt32Number>(bytes.size())));
+    if (!profile) throw PictureFailure{PictureOutcome::Damaged};
+    return ToSrgb(profile.get(), COLORSPACE_SH(colours == 1 ? PT_GRAY : PT_RGB) |
+                                     CHANNELS_SH(colours) | BYTES_SH(1) | EXTRA_SH(extra));
+}
+
 void ToSrgb::Convert(const void* from, std::uint8_t* to, std::size_t pixels) const noexcept {
     cmsDoTransform(transform_.get(), from, to, static_cast<cmsUInt32Number>(pixels));
 }

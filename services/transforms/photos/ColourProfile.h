@@ -34,6 +34,11 @@ public:
     // PictureFailure for a profile that is damaged.
     static ToSrgb FromCmyk(std::span<const std::uint8_t> profile, unsigned bits, unsigned extra);
 
+    // From 8 bits a sample, one or three, with `extra` more samples after those of each pixel, by a
+    // sound profile.
+    static ToSrgb FromPlain(std::span<const std::uint8_t> profile, unsigned colours,
+                            unsigned extra);
+
     void Convert(const void* from, std::uint8_t* to, std::size_t pixels) const noexcept;
 
 private:

@@ -263,6 +263,29 @@ std::string MarkText(const Taken& taken) {
     return text;
 }
 
+// The same for a picture, whose content is the test's text.
+std::string PictureMarkText(const Taken& taken) {
+    WorkPictureWatermark settings{};
+    std::memcpy(&settings, taken.settings.data(), sizeof settings);
+    char content[100] = {};
+    DWORD read = 0;
+    ReadFile(HandleOf(settings.picture), content, sizeof content, &read, nullptr);
+    CloseHandle(HandleOf(settings.picture));
+    return "picture " + std::to_string(static_cast<int>(settings.place)) + ' ' +
+           std::to_string(settings.opacity) + ' ' + std::string(content, read);
+}
+
+std::string TextFor(const Taken& taken) {
+    switch (taken.header.kind) {
+    case WorkKind::Resize:
+        return ResizeText(taken);
+    case WorkKind::PictureWatermark:
+        return PictureMarkText(taken);
+    default:
+        return MarkText(taken);
+    }
+}
+
 // The requests about pictures and zips. False for another one and for a word that isn't about them.
 bool ActOnPicture(const std::string& word, const Taken& taken) {
     const WorkKind kind = taken.header.kind;
@@ -282,7 +305,9 @@ bool ActOnPicture(const std::string& word, const Taken& taken) {
     if (kind == WorkKind::CombineAdd || kind == WorkKind::CombineWrite) {
         return ActInCombine(word, taken), true;
     }
-    if (kind != WorkKind::Resize && kind != WorkKind::Watermark) return false;
+    if (kind != WorkKind::Resize && kind != WorkKind::Watermark &&
+        kind != WorkKind::PictureWatermark)
+        return false;
     if (word == "unchanged") {
         Send(WorkKind::Done, WorkDone{WorkOutcome::Unchanged, 0, 0});
     } else if (word == "not-supported") {
@@ -293,10 +318,12 @@ bool ActOnPicture(const std::string& word, const Taken& taken) {
         Send(WorkKind::Failed, WorkFailed{WorkFailure::CannotFit, 0});
     } else if (word == "signed") {
         Send(WorkKind::Failed, WorkFailed{WorkFailure::Signed, 0});
+    } else if (word == "bad-picture") {
+        Send(WorkKind::Failed, WorkFailed{WorkFailure::BadPicture, 0});
     } else if (word == "other-cipher") {
         Send(WorkKind::Failed, WorkFailed{WorkFailure::OtherCipher, 0});
     } else if (word == "good") {
-        const std::string text = kind == WorkKind::Resize ? ResizeText(taken) : MarkText(taken);
+        const std::string text = TextFor(taken);
         WriteTarget(taken, text.c_str());
         Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, text.size()});
     } else {

@@ -87,6 +87,65 @@ TEST_F(WatermarkWork, ReportsThatAPdfForbidsChanges) {
     EXPECT_EQ(FailureOf(Add(file)), WorkFailure::Locked);
 }
 
+class PictureWatermarkWork : public WatermarkWork {
+protected:
+    std::optional<WorkEnd> AddPicture(const std::string& file, const PictureBytes& picture,
+                                      WorkPlace place = WorkPlace::BottomRight,
+                                      std::uint32_t opacity = 100) {
+        WriteSource(file);
+        EXPECT_TRUE(obtest::WriteFileContent(folder_ / L"logo", Text(picture)));
+        const WorkPictureWatermark settings{place, opacity, 0};
+        const auto bytes = std::as_bytes(std::span(&settings, 1));
+        auto request = Request(WorkKind::PictureWatermark, {bytes.begin(), bytes.end()});
+        request.picture = Open(L"logo", GENERIC_READ, OPEN_EXISTING);
+        return transforms::AddPictureWatermark(request, *channel_);
+    }
+    static PictureBytes RedLogo() {
+        obtest::Raster red{20, 10, 3, 8, {}};
+        for (int pixel = 0; pixel < 200; ++pixel) red.bytes.insert(red.bytes.end(), {255, 0, 0});
+        return obtest::MakePng(red);
+    }
+};
+
+TEST_F(PictureWatermarkWork, LaysThePictureOverAPictureInItsPlace) {
+    const obtest::Raster white{600, 400, 3, 8, PictureBytes(600 * 400 * 3, 255)};
+    ExpectChanged(AddPicture(Text(obtest::MakePng(white)), RedLogo()));
+    const std::string target = Target();
+    const auto read = obtest::ParsePng({target.begin(), target.end()});
+    // 100 by 50 pixels, 8 from the edge.
+    EXPECT_EQ(read.At(600 - 8 - 50, 400 - 8 - 25, 1), 0u);
+    EXPECT_EQ(read.At(600 - 8 - 50, 400 - 8 - 25, 0), 255u);
+    EXPECT_EQ(read.At(600 - 4, 400 - 4, 1), 255u);
+    EXPECT_EQ(read.At(600 - 8 - 110, 400 - 8 - 25, 1), 255u);
+}
+
+TEST_F(PictureWatermarkWork, LaysThePictureOverThePagesOfAPdf) {
+    ExpectChanged(AddPicture(samples::OnePage().File(), RedLogo(), WorkPlace::Centre, 50));
+    EXPECT_NE(samples::Unpacked(Target()).find("/ObStamp1 Do"), std::string::npos);
+}
+
+TEST_F(PictureWatermarkWork, ReportsAPictureThatCantBeUsed) {
+    const std::string file = Text(obtest::MakePng(obtest::Photo(60, 40, 3)));
+    auto cut = obtest::MakeJpeg(obtest::Photo(60, 40, 3));
+    cut.resize(cut.size() / 2);
+    for (const PictureBytes& picture :
+         {PictureBytes{}, PictureBytes{'n', 'o'}, cut,
+          obtest::MakeWebp(obtest::Photo(60, 40, 3), {.frames = 2})}) {
+        EXPECT_EQ(FailureOf(AddPicture(file, picture)), WorkFailure::BadPicture);
+        EXPECT_TRUE(Target().empty());
+    }
+    EXPECT_EQ(FailureOf(AddPicture("%PDF-1.7", RedLogo())), WorkFailure::Damaged);
+    ExpectPassed(AddPicture("a text", RedLogo()), WorkOutcome::NotSupported);
+}
+
+TEST_F(PictureWatermarkWork, TakesNoValueThatTheContractLacks) {
+    const std::string file = Text(obtest::MakePng(obtest::Photo(60, 40, 3)));
+    EXPECT_FALSE(AddPicture(file, RedLogo(), WorkPlace{0}));
+    EXPECT_FALSE(AddPicture(file, RedLogo(), WorkPlace{6}));
+    EXPECT_FALSE(AddPicture(file, RedLogo(), WorkPlace::Centre, 0));
+    EXPECT_FALSE(AddPicture(file, RedLogo(), WorkPlace::Centre, 101));
+}
+
 TEST_F(WatermarkWork, PassesWhatHasNoPlaceForIt) {
     const auto photo = obtest::Photo(60, 40, 3);
     ExpectPassed(Add(Text(obtest::MakeWebp(photo, {.frames = 2}))), WorkOutcome::Unchanged);

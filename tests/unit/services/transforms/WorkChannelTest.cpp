@@ -220,6 +220,23 @@ TEST_F(WorkChannelTest, RefusesPasswordsThatTheContractLacks) {
     EXPECT_FALSE(channel_->Next());
 }
 
+TEST_F(WorkChannelTest, TakesAPictureAtTheEndOfTheSettings) {
+    const auto ask = [&](std::uint64_t picture) {
+        const WorkPictureWatermark settings{WorkPlace::Centre, 50, picture};
+        Ask(Header(WorkKind::PictureWatermark), {File(L"a"), File(L"b")},
+            {reinterpret_cast<const char*>(&settings), sizeof settings});
+        return channel_->Next();
+    };
+    const std::uint64_t picture = File(L"picture");
+    const auto request = ask(picture);
+    ASSERT_TRUE(request);
+    EXPECT_EQ(request->picture.Get(), reinterpret_cast<HANDLE>(picture));
+    EXPECT_EQ(request->SettingsAs<WorkPictureWatermark>().opacity, 50u);
+    channel_.reset();
+    SetUp();
+    EXPECT_FALSE(ask(0));
+}
+
 TEST_F(WorkChannelTest, RefusesAHandleThatIsNoFile) {
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     EXPECT_FALSE(

@@ -239,6 +239,32 @@ TEST_F(WatermarkSettingsTest, AreReadBackAsStored) {
     }
 }
 
+TEST_F(WatermarkSettingsTest, HaveATextOrAPicture) {
+    WatermarkSettings stored{L"Ann", WatermarkPlace::Centre, 35, true, L"C:\\Pictures\\logo.png"};
+    ASSERT_TRUE(stored.Save(settings_));
+    EXPECT_TRUE(WatermarkSettings::AreStored(settings_));
+    EXPECT_EQ(WatermarkSettings::Load(settings_), stored);
+    stored.usesPicture = false; // the picture stays for the next time
+    ASSERT_TRUE(stored.Save(settings_));
+    EXPECT_EQ(WatermarkSettings::Load(settings_), stored);
+}
+
+TEST_F(WatermarkSettingsTest, HaveNoPictureWithoutItsPath) {
+    Set(L"Text", L"Ann");
+    Set(L"Kind", L"Picture");
+    for (const std::wstring& path : {std::wstring(), std::wstring(1001, L'a')}) {
+        Set(L"Picture", path);
+        EXPECT_FALSE(WatermarkSettings::Load(settings_).usesPicture);
+        EXPECT_EQ(WatermarkSettings::Load(settings_).text, L"Ann");
+    }
+    Set(L"Text", L"");
+    EXPECT_FALSE(WatermarkSettings::AreStored(settings_));
+    Set(L"Picture", L"C:\\logo.png");
+    EXPECT_TRUE(WatermarkSettings::AreStored(settings_));
+    Set(L"Kind", L"Drawing");
+    EXPECT_FALSE(WatermarkSettings::AreStored(settings_));
+}
+
 TEST_F(WatermarkSettingsTest, AreTextsBelowTheManagersKey) {
     ASSERT_TRUE((WatermarkSettings{L"\u00A9 Ann", WatermarkPlace::Centre, 100}.Save(settings_)));
     const auto value = [](const wchar_t* name) {

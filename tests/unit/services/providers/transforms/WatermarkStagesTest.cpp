@@ -128,6 +128,51 @@ TEST_F(WatermarkStages, HaveATextBeforeOneWasEntered) {
     EXPECT_EQ(Content(path), "mark 2 45 Draft");
 }
 
+TEST_F(WatermarkStages, LayThePictureOfTheSettingsOverEachFile) {
+    const obtest::TestFolder own;
+    const std::wstring logo = own.File(L"logo.png", "logo");
+    Set(L"Kind", L"Picture");
+    Set(L"Picture", logo.c_str());
+    for (const wchar_t* name : {L"one.jpg", L"two.pdf"}) {
+        const std::wstring path = folder_.File(name, "content");
+        EXPECT_TRUE(Execute(path));
+        EXPECT_EQ(Content(path), "picture 2 45 logo");
+    }
+    EXPECT_EQ(Content(logo), "logo");
+    EXPECT_EQ(obtest::ListTree(own.Path()), (Names{L"logo.png"}));
+}
+
+TEST_F(WatermarkStages, StopWithASentenceWithoutTheirPicture) {
+    const obtest::TestFolder own;
+    Set(L"Kind", L"Picture");
+    Set(L"Picture", (own / L"logo.png").c_str());
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Execute(path));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_EQ(boxes.Seen()[0].text.find(L"\u201Clogo.png\u201D, the picture of your watermark, is "
+                                        L"missing"),
+              0u);
+    EXPECT_EQ(Content(path), "photo");
+    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+}
+
+TEST_F(WatermarkStages, StopWithASentenceForAPictureThatCantBeUsed) {
+    const obtest::TestFolder own;
+    Set(L"Kind", L"Picture");
+    Set(L"Picture", own.File(L"logo.png", "logo").c_str());
+    Script("bad-picture");
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Execute(path));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_EQ(boxes.Seen()[0].text.find(
+                  L"\u201Clogo.png\u201D, the picture of your watermark, is damaged"),
+              0u);
+    EXPECT_EQ(Content(path), "photo");
+    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+}
+
 TEST_F(WatermarkStages, ShowTheirSettings) {
     obtest::DialogUiDriver user(OB_WATERMARK_TEXT, [](HWND dialog) {
         SetWindowTextW(GetDlgItem(dialog, OB_WATERMARK_TEXT), L"Bob");

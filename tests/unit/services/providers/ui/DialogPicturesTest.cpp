@@ -120,8 +120,9 @@ TEST_F(ProviderDialogPictures, OfTheSettingsOfWatermarks) {
     DialogUiDriver user(OB_WATERMARK_TEXT, [](HWND dialog) {
         Look(dialog, L"settings-watermark",
              {OB_WATERMARK_INTRO, OB_WATERMARK_TEXT_LABEL, OB_WATERMARK_TEXT,
-              OB_WATERMARK_PLACE_LABEL, OB_WATERMARK_OPACITY_LABEL, OB_WATERMARK_OPACITY,
-              OB_WATERMARK_OPACITY_UNIT, IDOK, IDCANCEL});
+              OB_WATERMARK_USE_PICTURE, OB_WATERMARK_BROWSE, OB_WATERMARK_PLACE_LABEL,
+              OB_WATERMARK_OPACITY_LABEL, OB_WATERMARK_OPACITY, OB_WATERMARK_OPACITY_UNIT, IDOK,
+              IDCANCEL});
         DialogUiDriver::Press(dialog, IDCANCEL);
     });
     WatermarkSettings settings{L"\u00A9 Ann Example 2026", WatermarkPlace::BottomRight, 100};

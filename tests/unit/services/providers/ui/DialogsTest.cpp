@@ -299,6 +299,45 @@ TEST_F(WatermarkDialog, ChangesNothingWhenItIsCancelled) {
     EXPECT_EQ(settings_, stored);
 }
 
+TEST_F(WatermarkDialog, TakesAPictureInsteadOfTheText) {
+    EXPECT_TRUE(Ask([](HWND dialog) {
+        const auto isEnabled = [&](int id) {
+            return IsWindowEnabled(GetDlgItem(dialog, id)) != FALSE;
+        };
+        EXPECT_TRUE(isEnabled(OB_WATERMARK_TEXT));
+        EXPECT_FALSE(isEnabled(OB_WATERMARK_PICTURE) || isEnabled(OB_WATERMARK_BROWSE));
+        DialogUiDriver::Press(dialog, OB_WATERMARK_USE_PICTURE);
+        EXPECT_FALSE(isEnabled(OB_WATERMARK_TEXT));
+        EXPECT_TRUE(isEnabled(OB_WATERMARK_PICTURE) && isEnabled(OB_WATERMARK_BROWSE));
+        Enter(dialog, OB_WATERMARK_PICTURE, L" C:\\Pictures\\logo.png ");
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    EXPECT_EQ(settings_, (WatermarkSettings{L"Ann Example", WatermarkPlace::TopRight, 45, true,
+                                            L"C:\\Pictures\\logo.png"}));
+    EXPECT_TRUE(Ask([](HWND dialog) { // as it was stored
+        EXPECT_EQ(IsDlgButtonChecked(dialog, OB_WATERMARK_USE_PICTURE), BST_CHECKED);
+        EXPECT_EQ(IsDlgButtonChecked(dialog, OB_WATERMARK_TEXT_LABEL), BST_UNCHECKED);
+        DialogUiDriver::Press(dialog, OB_WATERMARK_TEXT_LABEL);
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    EXPECT_FALSE(settings_.usesPicture);
+}
+
+TEST_F(WatermarkDialog, AsksForAWholePathOfAPicture) {
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Ask([](HWND dialog) {
+        DialogUiDriver::Press(dialog, OB_WATERMARK_USE_PICTURE);
+        for (const wchar_t* path : {L"", L"logo.png", L"C:logo.png", L"\\logo.png"}) {
+            Enter(dialog, OB_WATERMARK_PICTURE, path);
+            DialogUiDriver::Press(dialog, IDOK);
+            EXPECT_TRUE(IsWindow(dialog));
+        }
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    }));
+    ASSERT_EQ(boxes.Seen().size(), 4u);
+    EXPECT_EQ(boxes.Seen()[0].text, L"Please choose the picture of the watermark.");
+}
+
 TEST_F(WatermarkDialog, RefusesAnEmptyTextAndAWrongNumberWithASentence) {
     const obtest::MessageBoxWatcher boxes;
     EXPECT_TRUE(Ask([](HWND dialog) {

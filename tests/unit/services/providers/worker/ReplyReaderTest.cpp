@@ -88,6 +88,7 @@ TEST_F(ReplyReaderTest, TranslatesEachOutcomeAndFailure) {
     EXPECT_EQ(failed(8), WorkResult::Signed);
     EXPECT_EQ(failed(9), WorkResult::Locked);
     EXPECT_EQ(failed(10), WorkResult::OtherCipher);
+    EXPECT_EQ(failed(11), WorkResult::BadPicture);
 }
 
 TEST_F(ReplyReaderTest, RefusesARecordThatNoRequestWaitsFor) {
@@ -147,7 +148,7 @@ TEST_F(ReplyReaderTest, RefusesValuesThatTheContractLacks) {
     EXPECT_FALSE(TakeDone(WorkOutcome::Unchanged, 1)); // a size without a file
     EXPECT_FALSE(Take(WorkKind::Done, WorkDone{WorkOutcome::Changed, 1, 5}));
     EXPECT_FALSE(Take(WorkKind::Failed, WorkFailed{static_cast<WorkFailure>(0), 0}));
-    EXPECT_FALSE(Take(WorkKind::Failed, WorkFailed{static_cast<WorkFailure>(11), 0}));
+    EXPECT_FALSE(Take(WorkKind::Failed, WorkFailed{static_cast<WorkFailure>(12), 0}));
     EXPECT_FALSE(Take(WorkKind::Failed, WorkFailed{WorkFailure::Damaged, 1}));
     EXPECT_FALSE(Take(WorkKind::Clean, WorkClean{}));
 }
