@@ -85,7 +85,6 @@ protected:
     // Expects that no process of the suite runs and nothing but the target is left.
     void ExpectNothingLeft(const char* mode) {
         EXPECT_EQ(obtest::ListTree(run_), std::vector<std::wstring>()) << mode;
-        EXPECT_FALSE(Calls(L"process").empty()) << mode;
         for (const std::wstring& id : Calls(L"process")) {
             const ObLib::UniqueKernelHandle process(
                 OpenProcess(SYNCHRONIZE, FALSE, std::stoul(id)));
@@ -97,6 +96,17 @@ protected:
         EXPECT_EQ(Convert(mode, limits), outcome) << mode;
         EXPECT_EQ(Target(), "") << mode;
         ExpectNothingLeft(mode);
+    }
+    // The same for a limit within which so many processes of the suite have started, which takes
+    // its time on a busy machine.
+    void ExpectHung(const char* mode, std::size_t processes) {
+        std::size_t started = 0;
+        for (DWORD limit = 1000; started < processes && limit < 60000; limit *= 2) {
+            DeleteFileW(InSuite(L"suite-calls.txt").c_str());
+            ExpectFailed(mode, SuiteOutcome::NoAnswer, {limit, 100000});
+            started = Calls(L"process").size();
+        }
+        EXPECT_EQ(started, processes) << mode;
     }
     // Ends the call once so many processes of the suite run.
     void ExpectCancelled(const char* mode, std::size_t processes) {
@@ -171,18 +181,17 @@ TEST_F(DocumentToPdf, TakesAFolderWithThePrefixForLongPaths) {
 TEST_F(DocumentToPdf, FailsWithoutAWholeResult) {
     for (const char* mode : {"fail", "nothing", "empty", "half", "no-pdf", "crash"}) {
         ExpectFailed(mode, SuiteOutcome::Failed);
+        EXPECT_FALSE(Calls(L"process").empty()) << mode;
     }
 }
 
 TEST_F(DocumentToPdf, EndsASuiteThatHangs) {
-    ExpectFailed("hang", SuiteOutcome::NoAnswer, {500, 100000});
-    ExpectFailed("hang-in-a-child", SuiteOutcome::NoAnswer, {500, 100000});
+    ExpectHung("hang", 1);
+    ExpectHung("hang-in-a-child", 2);
     ExpectFailed("hang", SuiteOutcome::NoAnswer, {100000, 500});
 }
 
-TEST_F(DocumentToPdf, EndsASuiteThatAsks) {
-    ExpectFailed("ask", SuiteOutcome::NoAnswer, {1000, 100000});
-}
+TEST_F(DocumentToPdf, EndsASuiteThatAsks) { ExpectHung("ask", 1); }
 
 TEST_F(DocumentToPdf, EndsTheSuiteAtOnceWhenTheCallEnds) { ExpectCancelled("hang", 1); }
 
