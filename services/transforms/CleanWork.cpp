@@ -23,17 +23,17 @@ bool Send(const std::vector<Finding>& findings, WorkChannel& channel) {
 }
 
 // Passwords are taken for PDFs alone.
-CleanOutcome OutcomeFor(std::span<const std::byte> source, const CleanedFile& cleaned) {
-    const bool isOther = cleaned.outcome == CleanOutcome::Encrypted && !documents::IsPdf(source);
-    return isOther ? CleanOutcome::OtherCipher : cleaned.outcome;
+CleanOutcome OutcomeFor(std::span<const std::byte> source, CleanOutcome outcome) {
+    const bool isOther = outcome == CleanOutcome::Encrypted && !documents::IsPdf(source);
+    return isOther ? CleanOutcome::OtherCipher : outcome;
 }
 
-std::optional<WorkEnd> EndOf(HANDLE target, std::span<const std::byte> source,
-                             const CleanedFile& cleaned, std::uint64_t read, WorkChannel& channel) {
-    if (cleaned.outcome == CleanOutcome::Cleaned) {
-        return WriteTarget(target, std::as_bytes(std::span(cleaned.bytes)), read, channel);
-    }
-    return EndOfWholeFile(OutcomeFor(source, cleaned));
+// Findings belong to a file that was read.
+bool SendFindings(CleanOutcome outcome, const personal::FindingCounter& found,
+                  WorkChannel& channel) {
+    if (outcome == CleanOutcome::Cleaned && !Send(found.List(), channel)) return false;
+    const bool isRead = outcome == CleanOutcome::Cleaned || outcome == CleanOutcome::NothingFound;
+    return !isRead || Send(found.Staying(), channel);
 }
 
 } // namespace
@@ -45,11 +45,12 @@ std::optional<WorkEnd> Clean(const WorkRequest& request, WorkChannel& channel) {
     if (!source) return WorkEnd(failure);
     if (!ReadAhead(source->Bytes(), channel)) return {};
     PictureWatch watch(channel, source->Bytes().size());
-    const CleanedFile cleaned = CleanFile(source->Bytes(), {&watch, request.password.Text()});
-    if (watch.IsUnread() || !Send(cleaned.removed, channel) || !Send(cleaned.stays, channel)) {
-        return {};
-    }
-    return EndOf(request.target.Get(), source->Bytes(), cleaned, watch.Steps(), channel);
+    const auto analysis = AnalyzeFile(source->Bytes(), {&watch, request.password.Text()});
+    const CleanOutcome outcome = OutcomeOf(analysis);
+    if (watch.IsUnread() || !SendFindings(outcome, analysis.found, channel)) return {};
+    return outcome == CleanOutcome::Cleaned
+               ? WriteTarget(request.target.Get(), analysis.parts.Parts(), watch.Steps(), channel)
+               : EndOfWholeFile(OutcomeFor(source->Bytes(), outcome));
 }
 
 } // namespace transforms

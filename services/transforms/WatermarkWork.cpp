@@ -77,7 +77,8 @@ std::optional<WorkEnd> OnPages(const WorkRequest& request, const Stamp& stamp,
             StampPdf(source->Bytes(), stamp, watch.Control(), request.password.Text());
         if (watch.IsUnread()) return {};
         if (stamped.outcome != CleanOutcome::Cleaned) return EndOfWholeFile(stamped.outcome);
-        return WriteTarget(request.target.Get(), stamped.bytes, watch.Steps(), channel);
+        const std::span<const std::byte> parts[] = {stamped.bytes};
+        return WriteTarget(request.target.Get(), parts, watch.Steps(), channel);
     } catch (const PictureFailure& notDrawn) {
         return EndOfPicture(notDrawn.outcome, 0);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 #include "ObLib/Src/Win32/WholeTransfer.h"
 
@@ -25,6 +26,59 @@ constexpr FailureRow kFailures[] = {
     {CleanOutcome::OtherCipher, WorkFailure::OtherCipher},
 };
 
+// Puts small parts together, so that a file of thousands of them isn't as many calls.
+class TargetWriter {
+public:
+    TargetWriter(HANDLE target, std::uint64_t read, std::uint64_t size, WorkChannel& channel)
+        : target_(target), read_(read), size_(size), channel_(channel) {
+        small_.reserve(kSmall);
+    }
+
+    bool Write(std::span<const std::byte> part) {
+        if (part.size() < kSmall - small_.size()) {
+            small_.insert(small_.end(), part.begin(), part.end());
+            return true;
+        }
+        return Flush() && WriteBlocks(part);
+    }
+    bool Flush() {
+        const bool done = WriteBlocks(small_);
+        small_.clear();
+        return done;
+    }
+    // Why nothing more is written.
+    std::optional<WorkEnd> End() const {
+        return isUnread_ ? std::nullopt : std::optional(WorkEnd(WorkFailure::Unwritable));
+    }
+
+private:
+    static constexpr std::size_t kSmall = std::size_t{64} << 10;
+
+    bool WriteBlocks(std::span<const std::byte> bytes) {
+        while (!bytes.empty()) {
+            const auto block = bytes.first(std::min(kBlock, bytes.size()));
+            if (!ObLib::WriteWhole(target_, block.data(), block.size())) return false;
+            done_ += block.size();
+            if (!Report()) return false;
+            bytes = bytes.subspan(block.size());
+        }
+        return true;
+    }
+    // After each block's worth, and at the end.
+    bool Report() {
+        if (done_ - reported_ < kBlock && done_ != size_) return true;
+        reported_ = done_;
+        isUnread_ = !channel_.SendProgress(read_ + done_, read_ + size_);
+        return !isUnread_;
+    }
+
+    HANDLE target_;
+    std::uint64_t read_, size_, done_ = 0, reported_ = 0;
+    WorkChannel& channel_;
+    bool isUnread_ = false;
+    std::vector<std::byte> small_;
+};
+
 } // namespace
 
 bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel) noexcept {
@@ -42,18 +96,16 @@ bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel) noexcept 
     return true;
 }
 
-std::optional<WorkEnd> WriteTarget(HANDLE target, std::span<const std::byte> bytes,
+std::optional<WorkEnd> WriteTarget(HANDLE target, std::span<const std::span<const std::byte>> parts,
                                    std::uint64_t read, WorkChannel& channel) {
     if (!target) return WorkEnd(WorkOutcome::Changed);
-    for (std::size_t done = 0; done < bytes.size();) {
-        const std::size_t size = std::min(kBlock, bytes.size() - done);
-        if (!ObLib::WriteWhole(target, bytes.data() + done, size)) {
-            return WorkEnd(WorkFailure::Unwritable);
-        }
-        done += size;
-        if (!channel.SendProgress(read + done, read + bytes.size())) return {};
-    }
-    return WorkEnd(WorkOutcome::Changed, bytes.size());
+    std::uint64_t size = 0;
+    for (const auto part : parts) size += part.size();
+    TargetWriter writer(target, read, size, channel);
+    const bool done = std::ranges::all_of(
+        parts, [&](std::span<const std::byte> part) { return writer.Write(part); });
+    if (!done || !writer.Flush()) return writer.End();
+    return WorkEnd(WorkOutcome::Changed, size);
 }
 
 WorkEnd EndOfWholeFile(CleanOutcome outcome) noexcept {

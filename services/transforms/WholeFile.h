@@ -17,9 +17,10 @@ namespace transforms {
 // that hangs. False when nobody reads the reports.
 bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel) noexcept;
 
-// Writes the result, with a report after each block. `read` is how many bytes ReadAhead has read.
-// Without a target nothing is written. Nothing when nobody reads the reports.
-std::optional<WorkEnd> WriteTarget(HANDLE target, std::span<const std::byte> bytes,
+// Writes the result, which are these parts one after the other, with a report after each block.
+// `read` is how many bytes ReadAhead has read. Without a target nothing is written. Nothing when
+// nobody reads the reports. Throws std::bad_alloc.
+std::optional<WorkEnd> WriteTarget(HANDLE target, std::span<const std::span<const std::byte>> parts,
                                    std::uint64_t read, WorkChannel& channel);
 
 // The reply when the work has made no new file.

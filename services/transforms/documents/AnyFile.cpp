@@ -30,15 +30,17 @@ const DocumentFormat* FormatOf(personal::Bytes file) {
 
 } // namespace
 
-CleanedFile CleanFile(std::span<const std::byte> file, const DocumentControl& control) {
+personal::Analysis AnalyzeFile(std::span<const std::byte> file, const DocumentControl& control) {
     const DocumentFormat* format = FormatOf(file);
-    return format ? personal::ResultOf(file, format->analyze(file, control))
-                  : RemovePersonalData(file);
+    return format ? format->analyze(file, control) : AnalyzePicture(file);
+}
+
+CleanedFile CleanFile(std::span<const std::byte> file, const DocumentControl& control) {
+    return personal::ResultOf(file, AnalyzeFile(file, control));
 }
 
 std::vector<Finding> FindInFile(std::span<const std::byte> file, const DocumentControl& control) {
-    const DocumentFormat* format = FormatOf(file);
-    return format ? personal::FindingsOf(format->analyze(file, control)) : FindPersonalData(file);
+    return personal::FindingsOf(AnalyzeFile(file, control));
 }
 
 } // namespace transforms

@@ -74,14 +74,19 @@ bool PartList::IsEqualTo(Bytes file) const {
     return true;
 }
 
+CleanOutcome OutcomeOf(const Analysis& analysis) {
+    const bool isFound =
+        analysis.outcome == CleanOutcome::NothingFound && !analysis.found.IsEmpty();
+    return isFound ? CleanOutcome::Cleaned : analysis.outcome;
+}
+
 CleanedFile ResultOf(Bytes file, const Analysis& analysis) {
-    if (analysis.outcome != CleanOutcome::NothingFound) return {analysis.outcome, {}, {}, {}};
-    if (analysis.found.IsEmpty()) {
-        return {
-            CleanOutcome::NothingFound, {file.begin(), file.end()}, {}, analysis.found.Staying()};
+    const CleanOutcome outcome = OutcomeOf(analysis);
+    if (outcome == CleanOutcome::Cleaned) {
+        return {outcome, analysis.parts.Join(), analysis.found.List(), analysis.found.Staying()};
     }
-    return {CleanOutcome::Cleaned, analysis.parts.Join(), analysis.found.List(),
-            analysis.found.Staying()};
+    if (outcome != CleanOutcome::NothingFound) return {outcome, {}, {}, {}};
+    return {outcome, {file.begin(), file.end()}, {}, analysis.found.Staying()};
 }
 
 std::vector<Finding> FindingsOf(const Analysis& analysis) {

@@ -35,6 +35,7 @@ public:
     void Add(OwnedBytes made); // owned by the list from here on
     void Append(PartList more);
     std::size_t Size() const; // bytes of all parts
+    std::span<const Bytes> Parts() const { return parts_; }
     OwnedBytes Join() const;
     bool IsEqualTo(Bytes file) const; // what Join would return
 
@@ -57,6 +58,9 @@ inline Analysis Failed(CleanOutcome outcome) {
     failed.outcome = outcome;
     return failed;
 }
+
+// Whether the file was read, and then whether anything has to be removed.
+CleanOutcome OutcomeOf(const Analysis& analysis);
 
 // What RemovePersonalData and FindPersonalData return for a file that was read.
 CleanedFile ResultOf(Bytes file, const Analysis& analysis);

@@ -24,21 +24,21 @@ constexpr Format kFormats[] = {
     {IsWebP, AnalyzeWebP}, {IsTiff, AnalyzeTiff},
 };
 
-Analysis Analyze(Bytes file) {
+} // namespace
+
+Analysis AnalyzePicture(std::span<const std::byte> file) {
     for (const Format& format : kFormats) {
         if (format.isFormat(file)) return format.analyze(file);
     }
     return Failed(CleanOutcome::NotSupported);
 }
 
-} // namespace
-
 CleanedFile RemovePersonalData(std::span<const std::byte> file) {
-    return ResultOf(file, Analyze(file));
+    return ResultOf(file, AnalyzePicture(file));
 }
 
 std::vector<Finding> FindPersonalData(std::span<const std::byte> file) {
-    return FindingsOf(Analyze(file));
+    return FindingsOf(AnalyzePicture(file));
 }
 
 } // namespace transforms

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "services/transforms/personal/Analysis.h"
 #include "services/transforms/personal/Findings.h"
 
 namespace transforms {
@@ -17,6 +18,9 @@ namespace transforms {
 // grow linearly with the file (n log n where a TIFF's parts are sorted); nothing is decompressed.
 // Throws std::bad_alloc alone.
 CleanedFile RemovePersonalData(std::span<const std::byte> file);
+
+// The same without making the new file: its parts are views of `file`, which outlives the result.
+personal::Analysis AnalyzePicture(std::span<const std::byte> file);
 
 // What RemovePersonalData would remove, for the check that opens every result again. A damaged file
 // gives one finding, Unreadable, so that no check passes because nothing could be read; a file of

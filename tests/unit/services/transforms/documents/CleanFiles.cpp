@@ -7,6 +7,7 @@
 // every file was read and written.
 #include <windows.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <memory>
@@ -15,9 +16,12 @@
 #include <string_view>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/transforms/documents/AnyFile.h"
 
 namespace {
+
+using namespace transforms;
 
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -44,39 +48,42 @@ bool WithBytes(const std::string& path, Use&& use) {
     return view && use(std::span(view.Get(), static_cast<std::size_t>(size.QuadPart)));
 }
 
-bool Write(const std::string& path, std::span<const std::byte> bytes) {
+using Parts = std::span<const std::span<const std::byte>>;
+
+bool Write(const std::string& path, Parts parts) {
     const ObLib::UniqueKernelHandle file(
         CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-    DWORD written = 0;
-    return file &&
-           WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written,
-                     nullptr) &&
-           written == bytes.size();
+    return file && std::ranges::all_of(parts, [&](std::span<const std::byte> part) {
+               return ObLib::WriteWhole(file.Get(), part.data(), part.size());
+           });
 }
 
 struct Folders {
     std::string from = "in", to = "out", report = "out\\report.txt";
 };
 
-bool Clean(const Folders& folders, const std::string& name, std::FILE* report) {
-    const bool isProtected = name.starts_with(kPassword);
-    const auto password = isProtected ? kPassword : std::string_view();
-    transforms::CleanedFile cleaned;
-    if (!WithBytes(folders.from + "\\" + name, [&](std::span<const std::byte> bytes) {
-            cleaned = transforms::CleanFile(bytes, {.password = password});
-            return true;
-        })) {
-        return false;
-    }
-    std::fprintf(report, "%s\t%s", name.c_str(), kOutcomes[static_cast<int>(cleaned.outcome)]);
-    for (const auto* findings : {&cleaned.removed, &cleaned.stays}) {
-        for (const transforms::Finding& finding : *findings) {
-            std::fprintf(report, "\t%s=%u", transforms::FindingName(finding.kind).data(),
-                         finding.count);
+void Report(std::FILE* report, const std::string& name, const personal::Analysis& analysis) {
+    const CleanOutcome outcome = OutcomeOf(analysis);
+    std::fprintf(report, "%s\t%s", name.c_str(), kOutcomes[static_cast<int>(outcome)]);
+    for (const auto& findings : {analysis.found.List(), analysis.found.Staying()}) {
+        for (const Finding& finding : findings) {
+            std::fprintf(report, "\t%s=%u", FindingName(finding.kind).data(), finding.count);
         }
     }
     std::fprintf(report, "\n");
-    return cleaned.bytes.empty() || Write(folders.to + "\\" + name, cleaned.bytes);
+}
+
+bool Clean(const Folders& folders, const std::string& name, std::FILE* report) {
+    const bool isProtected = name.starts_with(kPassword);
+    const auto password = isProtected ? kPassword : std::string_view();
+    return WithBytes(folders.from + "\\" + name, [&](std::span<const std::byte> bytes) {
+        const auto analysis = AnalyzeFile(bytes, {.password = password});
+        Report(report, name, analysis);
+        const CleanOutcome outcome = OutcomeOf(analysis);
+        const std::string target = folders.to + "\\" + name;
+        if (outcome == CleanOutcome::NothingFound) return Write(target, Parts(&bytes, 1));
+        return outcome != CleanOutcome::Cleaned || Write(target, analysis.parts.Parts());
+    });
 }
 
 int CleanAll(const Folders& folders) {
