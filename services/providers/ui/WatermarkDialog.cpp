@@ -157,7 +157,8 @@ INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) n
         if (message == WM_COMMAND) return OnCommand(dialog, LOWORD(wParam)) ? TRUE : FALSE;
         SetWindowLongPtrW(dialog, DWLP_USER, lParam);
         Show(dialog, *reinterpret_cast<const WatermarkSettings*>(lParam));
-        return TRUE; // the system sets the focus to the text
+        SetFocus(GetDlgItem(dialog, IsPicture(dialog) ? OB_WATERMARK_PICTURE : OB_WATERMARK_TEXT));
+        return FALSE; // the chosen field has the focus
     });
 }
 

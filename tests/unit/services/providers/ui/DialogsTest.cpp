@@ -275,6 +275,9 @@ TEST_F(WatermarkDialog, KeepsWhatItShowsAfterOk) {
         wchar_t place[40] = L"";
         GetDlgItemTextW(dialog, OB_WATERMARK_PLACE, place, 40);
         EXPECT_STREQ(place, L"Top right");
+        GUITHREADINFO info{sizeof info};
+        EXPECT_TRUE(GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &info));
+        EXPECT_EQ(info.hwndFocus, GetDlgItem(dialog, OB_WATERMARK_TEXT));
         DialogUiDriver::Press(dialog, IDOK);
     }));
     EXPECT_EQ(settings_, stored);
