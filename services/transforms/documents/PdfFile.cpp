@@ -60,10 +60,22 @@ private:
     PictureSteps* steps_;
 };
 
+// The key's length in bits needn't be there where the cipher gives it, but the library asks for it
+// when it writes.
+void PutKeyLength(QPDF& pdf) {
+    if (!pdf.isEncrypted()) return;
+    QPDFObjectHandle encryption = pdf.getTrailer().getKey("/Encrypt");
+    QPDFObjectHandle version = encryption.getKey("/V");
+    if (!version.isInteger() || version.getIntValue() < 4 || encryption.hasKey("/Length")) return;
+    const int bits = version.getIntValue() == 4 ? 128 : 256;
+    encryption.replaceKey("/Length", QPDFObjectHandle::newInteger(bits));
+}
+
 void Read(QPDF& pdf, Bytes file, PictureSteps* steps, const std::string& password) {
     pdf.setSuppressWarnings(true);
     pdf.setAttemptRecovery(false);
     pdf.processInputSource(std::make_shared<TalkingInput>(file, steps), password.c_str());
+    PutKeyLength(pdf);
 }
 
 bool Opens(Bytes file, PictureSteps* steps, const std::string& password) {

@@ -16,7 +16,7 @@
 #include "services/transforms/documents/PdfDictionaries.h"
 #include "services/transforms/documents/PdfFile.h"
 #include "services/transforms/documents/PdfWalk.h"
-#include "services/transforms/watermark/SavedStates.h"
+#include "services/transforms/watermark/OpenContents.h"
 
 namespace transforms {
 namespace {
@@ -211,12 +211,9 @@ private:
         isStamped_ = true;
         const std::string name = Register(page, picture->object);
         // What the page's own contents leave changed is put back before the stamp is drawn.
-        std::string restore;
-        for (std::size_t saved = SavedStatesOf(pdf_, page) + 1; saved > 0; --saved)
-            restore += "\nQ";
+        const std::string closing = ClosingOf(pdf_, page) + "\nQ\n";
         page.addPageContents(pdf_.newStream("q\n"), true);
-        page.addPageContents(pdf_.newStream(restore + "\n" + Drawing(shown, picture->place, name)),
-                             false);
+        page.addPageContents(pdf_.newStream(closing + Drawing(shown, picture->place, name)), false);
     }
 
     // Null for a page that is too small for a stamp.

@@ -1,4 +1,4 @@
-// A stamp on pages whose contents save or restore the graphics state without the other half.
+// A stamp on pages whose contents leave a graphics state, marked content or a text open.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -83,7 +83,7 @@ std::map<std::string, Matrix> Drawn(const std::string& contents) {
     return drawn;
 }
 
-TEST(SavedStates, LeaveTheStampAtItsPlace) {
+TEST(OpenContents, LeaveTheStampAtItsPlace) {
     const Matrix right = Drawn(Stamped("/Own Do")).at("/ObStamp1");
     for (const char* contents :
          {"2 0 0 2 9 9 cm /Own Do", "q 2 0 0 2 9 9 cm /Own Do", "q q 3 0 0 3 0 0 cm q /Own Do",
@@ -95,7 +95,7 @@ TEST(SavedStates, LeaveTheStampAtItsPlace) {
     }
 }
 
-TEST(SavedStates, AreCountedInOperatorsAlone) {
+TEST(OpenContents, AreCountedInOperatorsAlone) {
     // The data of a picture inside the contents, a text, a name and a comment.
     for (const char* contents : {"BI /W 3 /H 1 /BPC 8 /CS /G ID q q EI /Own Do",
                                  "BT ( q Q q ) Tj ET /Own Do", "/q gs /Own Do", "% q q\n/Own Do"}) {
@@ -106,8 +106,25 @@ TEST(SavedStates, AreCountedInOperatorsAlone) {
     }
 }
 
-TEST(SavedStates, ChangeNoContentsThatAreBalanced) {
+TEST(OpenContents, StayAsTheyAreWhenNothingIsOpen) {
     EXPECT_NE(Stamped("q 1 0 0 1 0 0 cm Q").find("\nq 1 0 0 1 0 0 cm Q\n"), std::string::npos);
+}
+
+// A stamp inside marked content of a layer is hidden with it, and inside a text it isn't drawn.
+TEST(OpenContents, AreClosedBeforeTheStamp) {
+    for (const auto& [contents, closing] : {std::pair("/OC /L BDC q /Own Do Q", "\nEMC\nQ\n"),
+                                            {"/a BMC /b BMC EMC q", "\nEMC\nQ\nQ\n"},
+                                            {"BT (x) Tj", "\nET\nQ\n"},
+                                            {"q /OC /L BDC BT", "\nET\nEMC\nQ\nQ\n"},
+                                            {"EMC ET /a BMC EMC BT ET", "\nQ\n"}}) {
+        const std::string stamped = Stamped(contents);
+        const auto begin = stamped.find(contents) + std::string(contents).size();
+        const auto end = stamped.find("/Artifact BMC");
+        ASSERT_LT(begin, end);
+        const std::string between = stamped.substr(begin, end - begin);
+        EXPECT_NE(between.find(closing), between.npos) << between;
+        EXPECT_EQ(between.find_first_not_of("\nETMCQ"), between.npos) << between;
+    }
 }
 
 } // namespace
