@@ -257,6 +257,26 @@ TEST_F(PicturesByTheRealManager, ChangeNothingWhenTheMailTakesThemAsTheyAre) {
     }
 }
 
+// All files are measured as the zip makes them, pictures too, before one is made smaller.
+TEST_F(PicturesByTheRealManager, PassABitmapThatAZipMakesSmallEnough) {
+    FitOneMegabyte();
+    obtest::Raster raster{.width = 800, .height = 600, .channels = 3, .bytes = {}};
+    raster.bytes.assign(800 * 600 * 3, 200);
+    const PictureBytes bitmap = obtest::MakeBmp(raster);
+    ASSERT_GT(bitmap.size(), kRoomOfOneMegabyte);
+    const std::wstring path = Pick(L"screen.bmp", bitmap);
+    Pick(L"photo.jpg", obtest::MakeJpeg(obtest::Photo(400, 300, 3)));
+    const auto zipped = Run(true);
+    ASSERT_TRUE(zipped);
+    for (const auto& [name, content] : *zipped) {
+        EXPECT_EQ(content, originals_.at(sources_ / name));
+    }
+    const auto alone = Run(false); // without a zip it has to become smaller
+    ASSERT_TRUE(alone);
+    EXPECT_LE(Sum(*alone), kRoomOfOneMegabyte);
+    EXPECT_LT(alone->at(L"screen.bmp").size(), originals_.at(path).size());
+}
+
 TEST_F(PicturesByTheRealManager, FitAndHaveNoPersonalDataInWhatIsNew) {
     FitOneMegabyte();
     RemovePersonalDataToo();
