@@ -68,6 +68,21 @@ void WriteTarget(const Taken& taken, const char* text) {
     std::abort();
 }
 
+// Commits memory until the system refuses it, as a decoder that a damaged file has led astray, and
+// crashes with the null that it got. The megabytes that it got go to "eaten.txt". Wine refuses
+// none, so there is an end.
+[[noreturn]] void EatMemory() {
+    constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+    constexpr int kMost = 512;
+    int eaten = 0;
+    while (eaten < kMost &&
+           VirtualAlloc(nullptr, kMegabyte, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE)) {
+        ++eaten;
+    }
+    std::ofstream(obtest::BesideProgram(L"eaten.txt").c_str()) << eaten;
+    Crash();
+}
+
 void Find(const char* key, std::uint32_t count) {
     WorkFinding finding{};
     finding.count = count;
@@ -77,6 +92,7 @@ void Find(const char* key, std::uint32_t count) {
 
 void Act(const std::string& word, const Taken& taken) {
     if (word == "crash") Crash();
+    if (word == "eat") EatMemory();
     if (word == "hang") Hang();
     if (word == "exit") ExitProcess(7);
     if (word == "garbage") {

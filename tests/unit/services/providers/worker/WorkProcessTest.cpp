@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <thread>
 
@@ -123,6 +124,24 @@ TEST_F(WorkProcessTest, IsEndedWhenItIsSilentForTooLong) {
     WorkProcess process(std::move(settings));
     EXPECT_EQ(Run(process, "hang").result, WorkResult::ProcessFailed);
     EXPECT_EQ(Run(process, "hang-after-writing").result, WorkResult::ProcessFailed);
+}
+
+// The job's limit makes an allocation of the process fail, and the process dies of that.
+TEST_F(WorkProcessTest, IsStartedAnewAfterAFileThatTakesAllMemory) {
+    constexpr int kMegabytes = 64;
+    WorkSettings settings = Settings();
+    settings.limits.memory = std::size_t{kMegabytes} << 20;
+    WorkProcess process(std::move(settings));
+    EXPECT_EQ(Run(process, "eat").result, WorkResult::ProcessFailed);
+    const auto eaten = obtest::ReadFileContent(obtest::BesideProgram(L"eaten.txt"));
+    ASSERT_TRUE(eaten);
+    if (std::stoi(*eaten) > kMegabytes) {
+        std::puts("This system doesn't enforce a job's memory limit: the process ended by itself.");
+        EXPECT_EQ(*eaten, "512");
+    }
+    const WorkReport next = Run(process, "good");
+    EXPECT_EQ(next.result, WorkResult::Changed);
+    EXPECT_EQ(obtest::ReadFileContent(Target()), "clean");
 }
 
 // What an earlier file did to the process isn't the next file's fault.
