@@ -1,7 +1,11 @@
 // Fit my mail: never more than the limit, nearly all of it, and one step for all pictures.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <map>
 #include <memory>
+#include <vector>
 
 #include "services/transforms/pictures/MailFit.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
@@ -77,7 +81,45 @@ PictureBytes RandomPicture(Random& random, unsigned seed) {
 // What a limit of `room` bytes for files is for the mail.
 std::uint64_t MailLimit(std::uint64_t room) { return room * 137 / 100; }
 
-void CheckRandomSet(unsigned seed) {
+// What all files take at the last step that a search can try.
+std::uint64_t SmallestBytes(const Files& files, std::uint64_t others) {
+    std::uint32_t longestEdge = 1;
+    std::vector<PictureForm> forms;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        MemorySource source(files[i]);
+        forms.push_back(FormOfPicture(source, {}));
+        longestEdge = std::max({longestEdge, forms[i].size.width, forms[i].size.height});
+    }
+    const ShrinkLadder ladder(longestEdge);
+    std::uint64_t sum = others;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        MemorySource source(files[i]);
+        MemoryTarget coded;
+        ShrinkPicture(forms[i].kind, source, coded, ladder[ladder.size() - 1], {});
+        sum += std::min(files[i].size(), coded.bytes.size());
+    }
+    return sum;
+}
+
+// What a set has shown.
+enum class Shown { AllFits, NothingFits, BestStepFits, UsesTheRoom };
+
+Shown CheckShrunk(MailFit& fit, const Files& files, std::uint64_t room, std::uint64_t others,
+                  unsigned seed) {
+    const std::uint64_t sum = others + Written(fit, files);
+    EXPECT_EQ(sum, fit.TotalBytes()) << seed;
+    EXPECT_LE(sum, room) << seed;
+    // At the best step nothing could be better: files that others wrote wastefully.
+    const ShrinkStep& step = fit.step();
+    if (step.coarseness == 1 && !step.sixteenths && !step.longestEdge) return Shown::BestStepFits;
+    EXPECT_GE(sum * 100, room * 85)
+        << "set " << seed << ": edge " << step.longestEdge << ", coarseness " << step.coarseness
+        << ", " << files.size() << " pictures, the first " << int(files[0][0]) << ", room " << room
+        << ", others " << others;
+    return Shown::UsesTheRoom;
+}
+
+Shown CheckRandomSet(unsigned seed) {
     Random random(seed);
     Files files;
     const unsigned count = 1 + random.Below(3);
@@ -89,35 +131,32 @@ void CheckRandomSet(unsigned seed) {
     const auto outcome = fit.Search();
     if (others + files.Bytes() <= room) {
         EXPECT_EQ(outcome, PictureOutcome::Unchanged) << seed;
-        return;
+        return Shown::AllFits;
     }
-    if (outcome == PictureOutcome::CannotFit)
-        return; // the smallest form is too much, which isn't seen from here
-    ASSERT_EQ(outcome, PictureOutcome::Shrunk) << seed;
-    const std::uint64_t sum = others + Written(fit, files);
-    EXPECT_EQ(sum, fit.TotalBytes()) << seed;
-    EXPECT_LE(sum, room) << seed;
-    // At the best step nothing could be better: files that others wrote wastefully.
-    if (fit.step().coarseness == 1 && !fit.step().sixteenths && !fit.step().longestEdge) return;
-    EXPECT_GE(sum * 100, room * 85)
-        << "set " << seed << ": edge " << fit.step().longestEdge << ", coarseness "
-        << fit.step().coarseness << ", " << files.size() << " pictures, the first "
-        << int(files[0][0]) << ", room " << room << ", others " << others;
+    if (outcome == PictureOutcome::CannotFit) {
+        EXPECT_GT(SmallestBytes(files, others), room) << seed;
+        return Shown::NothingFits;
+    }
+    EXPECT_EQ(outcome, PictureOutcome::Shrunk) << seed;
+    return CheckShrunk(fit, files, room, others, seed);
 }
 
-// Four suites, so that they run side by side.
-TEST(MailFitSetsOne, KeepToTheLimitAndUseIt) {
-    for (unsigned seed = 0; seed < 50; ++seed) CheckRandomSet(seed);
+// Four suites, so that they run side by side. Most of the sets have to show something about the
+// room.
+void CheckRandomSets(unsigned first) {
+    std::map<Shown, int> shown;
+    for (unsigned seed = first; seed < first + 50; ++seed) ++shown[CheckRandomSet(seed)];
+    std::printf("Of 50 sets %d use the room, %d fit at the best step, %d fit as they are and %d "
+                "don't fit at all.\n",
+                shown[Shown::UsesTheRoom], shown[Shown::BestStepFits], shown[Shown::AllFits],
+                shown[Shown::NothingFits]);
+    EXPECT_GE(shown[Shown::UsesTheRoom], 25);
 }
-TEST(MailFitSetsTwo, KeepToTheLimitAndUseIt) {
-    for (unsigned seed = 50; seed < 100; ++seed) CheckRandomSet(seed);
-}
-TEST(MailFitSetsThree, KeepToTheLimitAndUseIt) {
-    for (unsigned seed = 100; seed < 150; ++seed) CheckRandomSet(seed);
-}
-TEST(MailFitSetsFour, KeepToTheLimitAndUseIt) {
-    for (unsigned seed = 150; seed < 200; ++seed) CheckRandomSet(seed);
-}
+
+TEST(MailFitSetsOne, KeepToTheLimitAndUseIt) { CheckRandomSets(0); }
+TEST(MailFitSetsTwo, KeepToTheLimitAndUseIt) { CheckRandomSets(50); }
+TEST(MailFitSetsThree, KeepToTheLimitAndUseIt) { CheckRandomSets(100); }
+TEST(MailFitSetsFour, KeepToTheLimitAndUseIt) { CheckRandomSets(150); }
 
 TEST(MailFitTest, TakesOffFirstWhatMailAdds) {
     EXPECT_EQ(RoomForFiles(137), 100u);
