@@ -90,19 +90,23 @@ protected:
 
     // The user cancels by `cancel` while the worker is inside `call`; the call goes on only after
     // the run has returned. The calls from there on.
-    Lines WrittenAfterCancelIn(const wchar_t* call, const std::function<void(HWND)>& cancel) {
+    // `visit`: 2 for the second such call.
+    Lines WrittenAfterCancelIn(const wchar_t* call, const std::function<void(HWND)>& cancel,
+                               std::size_t visit = 1) {
         Answer(L"Hold", call);
-        TransformUiDriver driver([&cancel](HWND dialog) {
-            EXPECT_FALSE(HeldCall::Await().empty());
+        TransformUiDriver driver([&](HWND dialog) {
+            HeldCall::AwaitVisit(call, visit);
             cancel(dialog);
             EXPECT_TRUE(WaitUntilClosed(dialog));
         });
         RunUntilCancelledBy(driver);
         Lines lines = Written();
-        const auto held = std::ranges::find_if(
-            lines, [call](const std::wstring& line) { return line.starts_with(call); });
-        EXPECT_NE(held, lines.end());
-        if (held != lines.end()) lines.erase(lines.begin(), held + 1);
+        for (std::size_t calls = 0; calls < visit; ++calls) {
+            const auto held = std::ranges::find_if(
+                lines, [call](const std::wstring& line) { return line.starts_with(call); });
+            EXPECT_NE(held, lines.end());
+            if (held != lines.end()) lines.erase(lines.begin(), held + 1);
+        }
         return lines;
     }
 };
@@ -116,16 +120,23 @@ TEST_F(TransformProgressDialog, StopsTheRunInEachStageWhenTheUserCancels) {
     const Lines picked = files_;
     const Lines afterListStage = {L"C:\\t\\c.doc", L"C:\\t\\d.doc"};
     // The list of the last step that was finished before the call.
-    const std::pair<const wchar_t*, Lines> calls[] = {{L"GetSelectedTransformSummary", picked},
-                                                      {L"ExecutePostTransforms", picked},
-                                                      {L"GetTargetFile", picked},
-                                                      {L"SetProviderTarget", afterListStage},
-                                                      {L"ExecuteTransforms", afterListStage},
-                                                      {L"GetProviderTarget", afterListStage}};
-    for (const auto& [call, left] : calls) {
+    const Lines afterEachFile = {L"C:\\t\\c.pdf", L"C:\\t\\d.doc"};
+    const struct {
+        const wchar_t* call;
+        std::size_t visit;
+        Lines left;
+    } rows[] = {{L"GetSelectedTransformSummary", 1, picked},
+                {L"ExecutePostTransforms", 1, picked}, // before the list
+                {L"GetTargetFile", 1, picked},
+                {L"SetProviderTarget", 1, afterListStage},
+                {L"ExecuteTransforms", 1, afterListStage},
+                {L"GetProviderTarget", 1, afterListStage},
+                {L"ExecutePostTransforms", 2, afterEachFile}, // after the list
+                {L"GetTargetFile", 2, afterEachFile}};
+    for (const auto& [call, visit, left] : rows) {
         files_ = picked;
         FakeModules::ForgetCalls();
-        const Lines lines = WrittenAfterCancelIn(call, &PressCancel);
+        const Lines lines = WrittenAfterCancelIn(call, &PressCancel, visit);
         // No call, no report; the worker ends the closed dialog once more.
         ASSERT_EQ(lines.size(), 2u) << testing::PrintToString(lines);
         EXPECT_EQ(lines[0], kCancelled);

@@ -81,13 +81,19 @@ TEST_F(TransformedRun, AttachesNothingWhenAllFilesAreDropped) {
 
 TEST_F(TransformedRun, LeavesNothingAfterACancelInAnyStage) {
     Stages(L"1,1,1,1");
-    for (const wchar_t* call :
-         {L"GetSelectedTransformSummary", L"ExecutePostTransforms", L"GetTargetFile",
-          L"SetProviderTarget", L"ExecuteTransforms", L"GetProviderTarget"}) {
+    const std::pair<const wchar_t*, std::size_t> calls[] = {
+        {L"GetSelectedTransformSummary", 1},
+        {L"ExecutePostTransforms", 1}, // before the list
+        {L"GetTargetFile", 1},
+        {L"SetProviderTarget", 1},
+        {L"ExecuteTransforms", 1},
+        {L"GetProviderTarget", 1},
+        {L"ExecutePostTransforms", 2}}; // after the list
+    for (const auto& [call, visit] : calls) {
         Answer(L"Hold", call);
         obtest::FakeModules::ForgetCalls();
-        obtest::TransformUiDriver driver([](HWND dialog) {
-            EXPECT_FALSE(HeldCall::Await().empty());
+        obtest::TransformUiDriver driver([&, call = call, visit = visit](HWND dialog) {
+            HeldCall::AwaitVisit(call, visit);
             PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         });
         EXPECT_EQ(Process(), 0);

@@ -188,6 +188,15 @@ std::wstring HeldCall::Await() {
     return line;
 }
 
+void HeldCall::AwaitVisit(const wchar_t* call, std::size_t visit) {
+    for (std::size_t number = 1;; ++number) {
+        EXPECT_TRUE(WaitUntil([&] { return FakeModules::CallsOf({call}).size() == number; }));
+        EXPECT_FALSE(Await().empty());
+        if (number == visit) return;
+        Release();
+    }
+}
+
 void HeldCall::Release() { DeleteFileW(BesideProgram(kHeldFileName).c_str()); }
 
 void TransformsFixture::SetUp() {

@@ -42,6 +42,8 @@ private:
 struct HeldCall {
     // Waits for one; the recorded line, empty when none came.
     static std::wstring Await();
+    // The same for the call of this name with this number, from 1 on; those before it go on.
+    static void AwaitVisit(const wchar_t* call, std::size_t visit);
     static void Release();
 };
 
