@@ -66,6 +66,8 @@ void Apply(Task& task, const std::wstring& option, const std::wstring& value) {
         task.files.push_back(value);
     } else if (option == L"--password") {
         task.password = value;
+    } else if (option == L"--pdf-password") {
+        task.pdfPassword = value;
     } else if (option == L"--picture") {
         task.picture = value;
     } else if (option == L"--timeout") {
@@ -115,9 +117,11 @@ const wchar_t kUsage[] =
     L"  --value TEXT               typed in its settings: a number, or the text of a watermark\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"
+    L"  --pdf-password TEXT        for encrypted PDFs; without it they are left as they are\n"
     L"  --cancel                   presses Cancel instead of Open\n"
-    L"  --picture FILE.png         of the open picker; -chosen, -password, -settings and -receipt\n"
-    L"                             are put before .png for the pictures that follow\n"
+    L"  --picture FILE.png         of the open picker; -chosen, -settings, -password,\n"
+    L"                             -pdf-password, -message and -receipt are put before .png for\n"
+    L"                             the pictures that follow\n"
     L"  --page-result FILE         where PROGRAM, a mail page, lists what it got\n"
     L"  --keep FOLDER              where to copy the files that the page got\n"
     L"  --timeout SECONDS          for each wait (60)\n"

@@ -26,6 +26,7 @@ struct Task {
     bool hasChoice = false;          // otherwise the picker's own choice is kept
     std::vector<std::wstring> files; // full paths
     std::wstring password;
+    std::wstring pdfPassword; // of encrypted PDFs; empty: they are left as they are
     bool cancel = false;
     const Transform* tick = nullptr; // whose box is ticked; null: none
     std::wstring value;              // typed in its settings; empty: as they are

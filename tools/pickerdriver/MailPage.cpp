@@ -2,6 +2,7 @@
 
 #include <shlwapi.h>
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -12,6 +13,8 @@
 
 namespace pickerdriver {
 namespace {
+
+constexpr std::wstring_view kPath = L"path=";
 
 // The lines of the page's list, once it is complete.
 std::optional<std::vector<std::wstring>> ReadNote(const std::wstring& path) {
@@ -43,7 +46,6 @@ std::vector<std::wstring> AwaitNote(const std::wstring& path, HANDLE process, DW
 }
 
 void KeepCopies(const std::vector<std::wstring>& note, const std::wstring& folder) {
-    constexpr std::wstring_view kPath = L"path=";
     for (const std::wstring& line : note) {
         if (!line.starts_with(kPath)) continue;
         const std::wstring path = line.substr(kPath.size());
@@ -55,6 +57,14 @@ void KeepCopies(const std::vector<std::wstring>& note, const std::wstring& folde
 }
 
 } // namespace
+
+bool HasAnswer(const Task& task) { return ReadNote(task.pageResult).has_value(); }
+
+bool HasFiles(const Task& task) {
+    const auto lines = ReadNote(task.pageResult);
+    return lines && std::ranges::any_of(
+                        *lines, [](const std::wstring& line) { return line.starts_with(kPath); });
+}
 
 MailPage::MailPage(const std::wstring& commandLine) {
     std::wstring own = commandLine; // the call writes into it

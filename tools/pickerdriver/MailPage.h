@@ -6,6 +6,11 @@
 
 namespace pickerdriver {
 
+// Whether the page has written its whole list, and whether there is a file in it. The task has a
+// page.
+bool HasAnswer(const Task& task);
+bool HasFiles(const Task& task);
+
 // One started program. The destructor ends it if it still runs.
 class MailPage {
 public:
