@@ -24,10 +24,6 @@ using namespace suitetest;
 namespace {
 
 constexpr DWORD kLimit = 20000; // milliseconds, for what has to happen soon
-constexpr wchar_t kOfficeFolder[] = L"C:\\Program Files\\Sample office";
-constexpr wchar_t kText[] = L"{6E2A7B10-4C1D-4F0E-9D53-0A5D5E3C7B01}";
-constexpr wchar_t kTable[] = L"{6E2A7B10-4C1D-4F0E-9D53-0A5D5E3C7B02}";
-constexpr wchar_t kSlides[] = L"{6E2A7B10-4C1D-4F0E-9D53-0A5D5E3C7B03}";
 const std::string kDocument = "PK\x03\x04 the document";
 const std::string kPdf = "%PDF-1.6\n% " + kDocument + "\n%%EOF\n";
 
@@ -40,13 +36,8 @@ protected:
     }
     void SetUp() override {
         BeginAnew();
-        Forget();
-        CreateDirectoryW(kOfficeFolder, nullptr);
-        CopyFileW(obtest::BesideProgram(L"office.exe").c_str(), InOffice(L"office.exe").c_str(),
-                  FALSE);
-        Register(L"Word.Application", kText);
-        Register(L"Excel.Application", kTable);
-        Register(L"PowerPoint.Application", kSlides);
+        ForgetOffice();
+        InstallOffice();
         ended_.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
         source_ = Open(folder_.File(L"letter", kDocument), GENERIC_READ, OPEN_EXISTING);
         target_ = Open(folder_ / L"target", GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
@@ -54,34 +45,8 @@ protected:
         ASSERT_TRUE(obtest::WriteFileContent(obtest::BesideProgram(L"worker.txt"), "good"));
         run_ = folder_.Folder(L"run");
     }
-    void TearDown() override { Forget(); }
+    void TearDown() override { ForgetOffice(); }
 
-    static void Forget() {
-        obtest::RemoveTree(kOfficeFolder);
-        for (const wchar_t* name :
-             {L"Word.Application", L"Excel.Application", L"PowerPoint.Application"}) {
-            RegDeleteTreeW(HKEY_CLASSES_ROOT, name);
-        }
-        for (const wchar_t* id : {kText, kTable, kSlides}) {
-            RegDeleteTreeW(HKEY_CLASSES_ROOT, (std::wstring(L"CLSID\\") + id).c_str());
-        }
-    }
-    static std::wstring InOffice(const wchar_t* name) {
-        return std::wstring(kOfficeFolder) + L'\\' + name;
-    }
-    static std::wstring CommandLine(const wchar_t* id) {
-        return L"\"" + InOffice(L"office.exe") + L"\" " + id;
-    }
-    static void SetServer(const wchar_t* id, const std::wstring& commandLine) {
-        obtest::SetValue(HKEY_LOCAL_MACHINE,
-                         std::wstring(L"SOFTWARE\\Classes\\CLSID\\") + id + L"\\LocalServer32", L"",
-                         commandLine);
-    }
-    static void Register(const wchar_t* name, const wchar_t* id) {
-        obtest::SetValue(HKEY_LOCAL_MACHINE,
-                         std::wstring(L"SOFTWARE\\Classes\\") + name + L"\\CLSID", L"", id);
-        SetServer(id, CommandLine(id));
-    }
     static ObLib::UniqueKernelHandle Open(const std::wstring& path, DWORD access, DWORD how) {
         return ObLib::UniqueKernelHandle(CreateFileW(path.c_str(), access,
                                                      FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
@@ -266,13 +231,8 @@ TEST_F(OfficeAutomation, LeavesAProgramToTheUserThatHasAnotherDocumentOpen) {
 }
 
 TEST_F(OfficeAutomation, TouchesNoProgramThatTheUserHasOpen) {
-    std::wstring commandLine = CommandLine(kText) + L" shared";
-    STARTUPINFOW startup{sizeof startup};
-    PROCESS_INFORMATION made{};
-    ASSERT_TRUE(CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                               nullptr, &startup, &made));
-    CloseHandle(made.hThread);
-    const ObLib::UniqueKernelHandle users(made.hProcess);
+    const ObLib::UniqueKernelHandle users = StartAsUser(kText);
+    ASSERT_TRUE(users);
     EXPECT_TRUE(AwaitCall(L"ready"));
     EXPECT_EQ(Convert(L"letter.docx", "good"), SuiteOutcome::Busy);
     EXPECT_EQ(Calls(), Lines());

@@ -105,6 +105,19 @@ TEST(SuiteWatchTest, LetsASuiteWorkUpToTheLimitOfADocument) {
     EXPECT_TRUE(watch.IsHung(10000 * kSecond, 10000));
 }
 
+TEST(SuiteWatchTest, WaitsThreeMinutesForWorkAndFifteenForADocument) {
+    constexpr std::uint64_t kMinute = 60000;
+    SuiteWatch silent({}, 0);
+    EXPECT_FALSE(silent.IsHung(0, 3 * kMinute - 1));
+    EXPECT_TRUE(silent.IsHung(0, 3 * kMinute));
+    SuiteWatch working({}, 0);
+    for (std::uint64_t now = kMinute; now < 15 * kMinute; now += kMinute) {
+        EXPECT_FALSE(working.IsHung(now * kSecond, now)) << now;
+    }
+    EXPECT_FALSE(working.IsHung(15 * kMinute * kSecond, 15 * kMinute - 1));
+    EXPECT_TRUE(working.IsHung(16 * kMinute * kSecond, 15 * kMinute));
+}
+
 class WholePdfTest : public testing::Test {
 protected:
     TakenPdf Take(std::string_view content) {

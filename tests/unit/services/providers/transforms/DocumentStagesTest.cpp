@@ -7,6 +7,8 @@
 #include <string>
 #include <thread>
 
+#include "tests/support/ImportPatch.h"
+#include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/suite/InstalledOffice.h"
 #include "tests/unit/services/providers/transforms/ManagerFixture.h"
 
@@ -71,6 +73,45 @@ TEST_F(DocumentStages, StopWithASentenceWhenTheSuiteMakesNoPdf) {
         Suite(mode);
         ExpectSentence(kDocument, false, L"made no PDF of it. Nothing was attached");
     }
+}
+
+// The module's clock goes on by more than a minute at each look once the suite works.
+ULONGLONG WINAPI FastClock() {
+    static ULONGLONG ahead = 0;
+    if (obtest::FileExists(std::wstring(suitetest::kProgramFolder) + L"\\suite-calls.txt")) {
+        ahead += 70000;
+    }
+    return GetTickCount64() + ahead;
+}
+
+TEST_F(DocumentStages, StopWithASentenceWhenTheSuiteDoesNotAnswer) {
+    Suite("hang");
+    const obtest::ImportPatch clock("kernel32.dll", "GetTickCount64", &FastClock,
+                                    GetModuleHandleW(L"PVXManager64.dll"));
+    ASSERT_TRUE(clock.Ok());
+    ExpectSentence(kDocument, false,
+                   L"can't be converted to PDF, because the office program doesn't answer. Nothing "
+                   L"was attached, and your files are unchanged. Please leave the file out and try "
+                   L"again.");
+}
+
+TEST_F(DocumentStages, StopWithASentenceWhileTheUserHasTheProgramOpen) {
+    suitetest::BeginAnew();
+    suitetest::InstallOffice();
+    const ObLib::UniqueKernelHandle users = suitetest::StartAsUser(suitetest::kText);
+    ASSERT_TRUE(users);
+    EXPECT_TRUE(obtest::WaitUntil([] {
+        return obtest::ReadUtf8File(suitetest::InOffice(L"office-calls.txt")).find(L"ready") !=
+               std::wstring::npos;
+    }));
+    ExpectSentence(kDocument, false,
+                   L"can't be converted to PDF while the office program is open. Nothing was "
+                   L"attached, and your files are unchanged. Please close the program and try "
+                   L"again.");
+    EXPECT_EQ(WaitForSingleObject(users.Get(), 0), static_cast<DWORD>(WAIT_TIMEOUT));
+    TerminateProcess(users.Get(), 0);
+    WaitForSingleObject(users.Get(), kLimit);
+    suitetest::ForgetOffice();
 }
 
 TEST_F(DocumentStages, PassADocumentWithAPassword) {
