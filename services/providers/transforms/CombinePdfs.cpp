@@ -217,6 +217,7 @@ void Combination::Record() {
         if (file.number && *file.number != 0) JoinCleaned(call_.run.record, file.path, result);
     }
     call_.run.record.made.insert(result);
+    call_.run.passwords.known.erase(result); // the result may have another PDF's password
 }
 
 void Combination::ShortenList(std::vector<std::wstring>& paths) const {

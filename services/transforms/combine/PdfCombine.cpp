@@ -1,6 +1,7 @@
 #include "services/transforms/combine/PdfCombine.h"
 
 #include <algorithm>
+#include <compare>
 #include <exception>
 #include <new>
 #include <stdexcept>
@@ -81,6 +82,24 @@ bool IsOnlyACover(QPDF& pdf) {
            (renders.isBool() && renders.getBoolValue());
 }
 
+// How well a part is protected, the weightiest first: a part that opens for everybody protects
+// nothing, whatever its cipher. Later revisions of the format have better ciphers.
+struct Protection {
+    bool needsPassword = false;
+    int revision = 0; // 0: not encrypted
+    std::size_t keySize = 0;
+    auto operator<=>(const Protection&) const = default;
+};
+
+Protection ProtectionOf(QPDF& pdf, const PdfPart& part, PictureSteps* steps) {
+    Protection protection;
+    int permissions = 0;
+    if (!pdf.isEncrypted(protection.revision, permissions)) return {};
+    protection.needsPassword = !part.password.empty() && documents::NeedsPassword(part.file, steps);
+    protection.keySize = pdf.getEncryptionKey().size();
+    return protection;
+}
+
 } // namespace
 
 class PdfCombiner::Work {
@@ -112,7 +131,8 @@ private:
     PdfLayers layers_;
     PdfAttachments attachments_;
     PDFVersion version_;
-    QPDF* encrypted_ = nullptr; // the first part that is
+    QPDF* encrypted_ = nullptr; // the first of those that are protected best
+    Protection protection_;     // of that part
     std::string content_;       // the parts' titles and digests: what the file depends on
     bool packs_ = false;
     std::optional<SinkPipeline> pipeline_; // while the target is written
@@ -154,6 +174,7 @@ CleanOutcome PdfCombiner::Work::Take(QPDF& source, const PdfPart& part) {
     copier.Finish();
     if (copier.HasMetSignature() && !part.breaksSignatures) return CleanOutcome::Signed;
     if (source.anyWarnings()) return CleanOutcome::Damaged;
+    const Protection protection = ProtectionOf(source, part, steps_);
     forms_.Add(std::move(form));
     std::ranges::move(copies, std::back_inserter(pages_));
     layers_.Add(layers);
@@ -161,7 +182,10 @@ CleanOutcome PdfCombiner::Work::Take(QPDF& source, const PdfPart& part) {
     attachments_.Add(files);
     content_ += part.title + '\n' + (part.breaksSignatures ? '1' : '0');
     content_ += documents::KeyedDigest({}, part.file);
-    if (source.isEncrypted() && !encrypted_) encrypted_ = &source;
+    if (protection > protection_) {
+        encrypted_ = &source;
+        protection_ = protection;
+    }
     version_.updateIfGreater(source.getVersionAsPDFVersion());
     packs_ |= HasPackedObjects(source);
     return CleanOutcome::Cleaned;

@@ -170,6 +170,8 @@ void OpenPdf(QPDF& pdf, Bytes file, const DocumentControl& control) {
     Read(pdf, file, control.steps, SpellingOf(file, control));
 }
 
+bool NeedsPassword(Bytes file, PictureSteps* steps) { return !Opens(file, steps, {}); }
+
 std::optional<CleanOutcome> RefusalOf(QPDF& pdf) {
     int revision = 0, permissions = 0, version = 0;
     QPDF::encryption_method_e streams{}, strings{}, files{};

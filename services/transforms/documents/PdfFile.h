@@ -18,6 +18,9 @@ namespace transforms::documents {
 // OutcomeOfPdfError.
 void OpenPdf(QPDF& pdf, personal::Bytes file, const DocumentControl& control = {});
 
+// Whether a PDF that can be opened doesn't open with an empty password. Throws as OpenPdf does.
+bool NeedsPassword(personal::Bytes file, PictureSteps* steps = nullptr);
+
 // Why a PDF that was opened can't be changed; nothing when it can. Locked: its permissions forbid
 // changes, and the password isn't the owner's. OtherCipher: only its attachments are encrypted.
 std::optional<CleanOutcome> RefusalOf(QPDF& pdf);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 
 #include "services/providers/ui/PdfPasswordDialogIds.h"
@@ -58,6 +59,29 @@ TEST_F(CombinePasswords, LetTheResultBeCleanedWithoutAnotherQuestion) {
     EXPECT_TRUE(Combine(L"secret", IDOK)); // the stage cleans what it hasn't seen, first
     EXPECT_EQ(Results(3), (Names{paths_[0]}));
     EXPECT_EQ(PagesOf(paths_[0], "secret"), 3u);
+    EXPECT_TRUE(Final({paths_[0]}));
+}
+
+// The first PDF's own password doesn't open the result.
+TEST_F(CombinePasswords, LetAResultWithThePasswordOfALaterPdfBeCleaned) {
+    ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, kTransform));
+    const std::string plain = samples::OnePage().File();
+    const samples::Protection weak{.cipher = samples::Cipher::Rc4Of40, .user = "weak"};
+    paths_ = {folder_.File(L"a.pdf", samples::Encrypted(plain, weak)),
+              folder_.File(L"b.pdf", samples::Encrypted(plain, {.user = "strong", .owner = "o"}))};
+    const auto type = [](HWND dialog, const wchar_t* password) {
+        SetWindowTextW(GetDlgItem(dialog, OB_PDF_PASSWORD_TEXT), password);
+        obtest::DialogUiDriver::Press(dialog, IDOK);
+        for (int waited = 0; waited < kLimit && IsWindow(dialog); waited += 5) Sleep(5);
+    };
+    std::optional<obtest::DialogUiDriver> second;
+    const obtest::DialogUiDriver first(OB_PDF_PASSWORD_TEXT, [&](HWND dialog) {
+        type(dialog, L"weak");
+        second.emplace(OB_PDF_PASSWORD_TEXT, [&](HWND next) { type(next, L"strong"); });
+    });
+    EXPECT_TRUE(List(paths_, 1));
+    EXPECT_EQ(Results(2), (Names{paths_[0]}));
+    EXPECT_EQ(PagesOf(paths_[0], "strong"), 2u);
     EXPECT_TRUE(Final({paths_[0]}));
 }
 

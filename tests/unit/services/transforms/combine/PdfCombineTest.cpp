@@ -143,14 +143,27 @@ TEST(PdfCombine, RefusesWhatIsNoPdfOrHasItsContentElsewhere) {
     }
 }
 
-TEST(PdfCombine, EncryptsTheFileAsItsFirstEncryptedPart) {
+bool Opens(const std::string& file, const char* password) {
+    try {
+        QPDF pdf;
+        pdf.processMemoryFile("combined", file.data(), file.size(), password);
+        return true;
+    } catch (const QPDFExc& error) {
+        EXPECT_EQ(error.getErrorCode(), qpdf_e_password);
+        return false;
+    }
+}
+
+Part Locked(const Protection& protection, const std::string& password) {
+    return {"locked", Encrypted(Pages(1, 9), protection), false, password};
+}
+
+TEST(PdfCombine, EncryptsTheFileAsItsOnlyEncryptedPart) {
     for (const Cipher cipher : kCiphers) {
         const std::string words = OnePage("/Annots [<</Contents (KEPT)>>]").File();
-        const std::vector<Part> parts{
-            {"a", Pages(1, 0)},
-            {"b", Encrypted(words, {.cipher = cipher}), false, "secret"},
-            {"c", Encrypted(Pages(1, 9), {.cipher = Cipher::Aes128, .user = "other"}), false,
-             "other"}};
+        const std::vector<Part> parts{{"a", Pages(1, 0)},
+                                      {"b", Encrypted(words, {.cipher = cipher}), false, "secret"},
+                                      {"c", Pages(1, 9)}};
         CombinedFile file(parts, "secret");
         EXPECT_TRUE(file.Pdf().isEncrypted());
         EXPECT_TRUE(file.Pdf().userPasswordMatched());
@@ -162,11 +175,54 @@ TEST(PdfCombine, EncryptsTheFileAsItsFirstEncryptedPart) {
         EXPECT_NE(contents.find("KEPT"), std::string::npos);
         EXPECT_EQ(file.Bytes().find("KEPT"), std::string::npos);
         EXPECT_EQ(Combined(parts).file, file.Bytes());
-        QPDF other;
-        EXPECT_THROW(
-            other.processMemoryFile("combined", file.Bytes().data(), file.Bytes().size(), "other"),
-            QPDFExc);
+        EXPECT_FALSE(Opens(file.Bytes(), ""));
     }
+}
+
+TEST(PdfCombine, EncryptsTheFileAsThePartWithTheStrongestCipher) {
+    for (const Cipher weaker : kCiphers) {
+        if (weaker == Cipher::Aes256) continue;
+        const Part weak = Locked({.cipher = weaker, .user = "weak", .owner = "o1"}, "weak");
+        const Part strong = Locked({.user = "strong", .owner = "o2"}, "strong");
+        for (const auto& parts : {std::vector{weak, strong}, std::vector{strong, weak}}) {
+            const std::string file = Combined(parts).file;
+            EXPECT_TRUE(Opens(file, "strong"));
+            EXPECT_TRUE(Opens(file, "o2"));
+            EXPECT_FALSE(Opens(file, "weak"));
+            EXPECT_FALSE(Opens(file, "o1"));
+            EXPECT_FALSE(Opens(file, ""));
+        }
+    }
+}
+
+TEST(PdfCombine, EncryptsTheFileAsTheFirstOfPartsThatAreEquallyStrong) {
+    const std::string file = Combined({Locked({.user = "first", .owner = "o1"}, "first"),
+                                       Locked({.user = "second", .owner = "o2"}, "second")})
+                                 .file;
+    EXPECT_TRUE(Opens(file, "first"));
+    EXPECT_FALSE(Opens(file, "second"));
+}
+
+// Whichever password the user typed for the part that opens for everybody, and whatever its cipher.
+TEST(PdfCombine, NeedsAPasswordWhenOnePartDoes) {
+    for (const Cipher cipher : kCiphers) {
+        for (const char* typed : {"", "owner"}) {
+            const Part open = Locked({.user = ""}, typed);
+            const Part secret = Locked({.cipher = cipher, .user = "secret", .owner = "o2"}, "o2");
+            for (const auto& parts : {std::vector{open, secret}, std::vector{secret, open}}) {
+                const std::string file = Combined(parts).file;
+                EXPECT_TRUE(Opens(file, "secret"));
+                EXPECT_FALSE(Opens(file, ""));
+                EXPECT_FALSE(Opens(file, "owner"));
+            }
+        }
+    }
+}
+
+TEST(PdfCombine, KeepsThePermissionsOfAPartThatOpensForEverybody) {
+    CombinedFile file({{"a", Pages(1, 0)}, Locked({.user = "", .canChange = false}, "owner")});
+    EXPECT_TRUE(file.Pdf().isEncrypted());
+    EXPECT_FALSE(file.Pdf().allowModifyOther());
 }
 
 TEST(PdfCombine, RefusesAPartThatItCannotOpenOrChange) {
