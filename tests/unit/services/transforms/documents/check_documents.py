@@ -6,7 +6,9 @@ canary in their properties, comments and pictures, and cleans them under Wine. T
   - no part of a cleaned file has the canary, every stream and entry unpacked;
   - exiftool and mat2 find canaries before, and afterwards no property;
   - qpdf finds no error in a cleaned PDF, and pdftotext reads the same text;
-  - Python's own readers open every package and every part of XML.
+  - Python's own readers open every package and every part of XML;
+  - an office suite, LibreOffice, opens a cleaned document of each kind, three of which it wrote itself, and
+    pdftotext reads the same text in its PDFs of before and after.
 """
 import io
 import json
@@ -29,6 +31,16 @@ ALLOWED_OF_PDF = {"PDFVersion", "Linearized", "PageCount", "HasXFA", "PageMode"}
 PASSWORD = "secret"
 # Its embedded file stays as it is, and is named.
 WITH_FILE = "with a file.pdf"
+READ = "What is read stays"
+# The documents that have a text which an office suite shows.
+SHOWN = ["letter.odt", "table.ods", "talk.odp", "text.docx", "written text.docx", "written table.xlsx",
+         "written slides.pptx"]
+# What the suite writes one of them from, and the name of its filter.
+WRITTEN = {"written text.docx": ("text.html", "docx:MS Word 2007 XML"),
+           "written table.xlsx": ("table.csv", "xlsx:Calc MS Excel 2007 XML"),
+           "written slides.pptx": ("talk.odp", "pptx:Impress MS PowerPoint 2007 XML")}
+# Where the name of an author is put in.
+CORE = "docProps/core.xml"
 # What mat2 prints of any file: headings, a PDF's form and missing times, and packages that name another system
 # than its own.
 OF_MAT2 = ["Metadata for ", "No metadata found", "format: PDF-", "-date: -1", "create_system: Weird"]
@@ -111,23 +123,55 @@ class Samples:
     def odfs(self):
         with open(self.photo, "rb") as file:
             photo = file.read()
-        names = "".join(f' xmlns:{name}="{ODF}{name}:1.0"' for name in ("office", "text", "meta"))
-        names += ' xmlns:dc="http://purl.org/dc/elements/1.1/"'
-        for name, kind in {"text.odt": "text", "workbook.ods": "spreadsheet", "slides.odp": "presentation"}.items():
+        names = "".join(f' xmlns:{name}="{ODF}{name}:1.0"' for name in ("office", "text", "meta", "table"))
+        names += f' xmlns:dc="http://purl.org/dc/elements/1.1/" xmlns:draw="{ODF}drawing:1.0"'
+        names += f' xmlns:svg="{ODF}svg-compatible:1.0" office:version="1.2"'
+        note = (f"<office:annotation><dc:creator>{CANARY}</dc:creator><dc:date>{CANARY}</dc:date>"
+                "<text:p>A note</text:p></office:annotation>")
+        bodies = {
+            "text": f"<office:text><text:p>{READ}{note}</text:p></office:text>",
+            "spreadsheet": '<office:spreadsheet><table:table table:name="One"><table:table-row><table:table-cell '
+                           f'office:value-type="string">{note}<text:p>{READ}</text:p></table:table-cell>'
+                           "</table:table-row></table:table></office:spreadsheet>",
+            "presentation": '<office:presentation><draw:page draw:name="p1"><draw:frame svg:x="1cm" svg:y="1cm" '
+                            f'svg:width="9cm" svg:height="2cm"><draw:text-box><text:p>{READ}</text:p></draw:text-box>'
+                            f"</draw:frame>{note}</draw:page></office:presentation>",
+        }
+        for name, kind in {"letter.odt": "text", "table.ods": "spreadsheet", "talk.odp": "presentation"}.items():
             listed = {"content.xml": "text/xml", "meta.xml": "text/xml", "Pictures/photo.jpg": "image/jpeg"}
             rows = "".join(f'<manifest:file-entry manifest:full-path="{path}" manifest:media-type="{of}"/>'
                            for path, of in {"/": f"application/vnd.oasis.opendocument.{kind}", **listed}.items())
             self.package(name, {
                 "mimetype": f"application/vnd.oasis.opendocument.{kind}",
-                "content.xml": f"<office:document-content{names}><office:body><office:annotation><dc:creator>{CANARY}"
-                               f"</dc:creator><dc:date>{CANARY}</dc:date><text:p>What is read stays</text:p>"
-                               "</office:annotation></office:body></office:document-content>",
+                "content.xml": f"<office:document-content{names}><office:body>{bodies[kind]}</office:body>"
+                               "</office:document-content>",
                 "meta.xml": f"<office:document-meta{names}><office:meta><dc:creator>{CANARY}</dc:creator>"
                             f"<meta:generator>{CANARY}</meta:generator></office:meta></office:document-meta>",
                 "Pictures/photo.jpg": photo,
-                "META-INF/manifest.xml": f'<manifest:manifest xmlns:manifest="{ODF}manifest:1.0">{rows}'
-                                         "</manifest:manifest>",
+                "META-INF/manifest.xml": f'<manifest:manifest xmlns:manifest="{ODF}manifest:1.0" '
+                                         f'manifest:version="1.2">{rows}</manifest:manifest>',
             })
+
+    def written_by_suite(self):
+        with open(os.path.join(self.work, "text.html"), "w", encoding="utf-8") as file:
+            file.write(f"<html><body><p>{READ}</p><table><tr><td>4711</td></tr></table></body></html>")
+        with open(os.path.join(self.work, "table.csv"), "w", encoding="utf-8") as file:
+            file.write(f"Name,Number\n{READ},4711\n")
+        for name, (source, kind) in WRITTEN.items():
+            folder = self.folder if source in self.names else self.work
+            suite(self.work, kind, self.work, os.path.join(folder, source))
+            with zipfile.ZipFile(os.path.join(self.work, source.split(".")[0] + "." + kind.split(":")[0])) as package:
+                parts = {part: package.read(part) for part in package.namelist()}
+            check(CORE in parts, f"{name}: the suite wrote its properties")
+            parts[CORE] = parts[CORE].replace(b"</cp:coreProperties>", f"<dc:creator>{CANARY}</dc:creator><dc:subject>"
+                                              f"{CANARY}</dc:subject></cp:coreProperties>".encode())
+            self.package(name, parts)
+
+
+def suite(work, kind, target, *sources):
+    """Has the office suite, with a profile of this run, convert files into a folder."""
+    run("soffice", "--headless", "--norestore", f"-env:UserInstallation=file://{os.path.join(work, 'profile')}",
+        "--convert-to", kind, "--outdir", target, *sources)
 
 
 def password_of(path):
@@ -211,16 +255,30 @@ def judge_properties(before, after, names):
     check(not found, f"mat2 finds nothing {found}")
 
 
+def judge_text(before, after, work):
+    """What an office suite shows of the documents is the same before and after."""
+    texts = []
+    for number, folder in enumerate((before, after)):
+        shown = os.path.join(work, f"shown {number}")
+        suite(work, "pdf", shown, *(os.path.join(folder, name) for name in SHOWN))
+        texts.append({name: run("pdftotext", "-layout", pdf, "-").decode() if os.path.exists(pdf) else None
+                      for name in SHOWN for pdf in [os.path.join(shown, name.rpartition(".")[0] + ".pdf")]})
+    for name in SHOWN:
+        check(texts[0][name] is not None and READ in texts[0][name], f"{name}: the suite showed its text before")
+        check(texts[0][name] == texts[1][name], f"{name}: the suite opens it and shows the same text")
+
+
 def check_all(options, work):
     before = os.path.join(work, "in")
     os.makedirs(before)
     samples = Samples(before, work)
-    for make in (samples.pdfs, samples.ooxmls, samples.odfs):
+    for make in (samples.pdfs, samples.ooxmls, samples.odfs, samples.written_by_suite):
         make()
     after, report = clean(options, before, work)
     for name in samples.names:
         check(report[name][0] == "cleaned", f"{name}: {' '.join(report[name])}")
         judge(before, after, name)
+    judge_text(before, after, work)
     # exiftool and mat2 don't decrypt.
     judge_properties(before, after, [name for name in samples.names if not password_of(name)])
     check(report["locked.pdf"] == ["encrypted"], "a document with a password is refused")
