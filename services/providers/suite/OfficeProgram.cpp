@@ -30,7 +30,6 @@ const AutomationArgument kTextClose[] = {{L"SaveChanges", 0}};
 const AutomationArgument kTableSettings[] = {{L"AutomationSecurity", kMacrosOff},
                                              {L"DisplayAlerts", false},
                                              {L"Visible", false},
-                                             {L"AskToUpdateLinks", false},
                                              {L"EnableEvents", false}};
 const AutomationArgument kTableOpen[] = {
     {L"UpdateLinks", 0},        {L"ReadOnly", true},

@@ -154,7 +154,6 @@ TEST_F(OfficeAutomation, OpensATableWithoutItsLinks) {
         L"application.AutomationSecurity = 3",
         L"application.DisplayAlerts = false",
         L"application.Visible = false",
-        L"application.AskToUpdateLinks = false",
         L"application.EnableEvents = false",
         L"Workbooks.Open(FileName=" + Document(L"xls") +
             L", UpdateLinks=0, ReadOnly=true, Password='-', IgnoreReadOnlyRecommended=true, "
