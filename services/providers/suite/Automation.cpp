@@ -46,6 +46,18 @@ bool IsBusy(HRESULT result) {
     return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER;
 }
 
+// Makes the call until the program isn't busy, for a while; any of its calls may be rejected.
+template <class Call>
+void Ask(Call call) {
+    constexpr int kAttempts = 300;
+    constexpr DWORD kPause = 100; // milliseconds
+    for (int attempt = 1;; ++attempt) {
+        const HRESULT done = call();
+        if (!IsBusy(done) || attempt == kAttempts) return Check(done);
+        Sleep(kPause);
+    }
+}
+
 // The ids of a member and of its arguments.
 std::vector<DISPID> IdsOf(IDispatch* object, const wchar_t* member, AutomationArguments arguments) {
     std::vector<LPOLESTR> names{const_cast<LPOLESTR>(member)};
@@ -53,21 +65,19 @@ std::vector<DISPID> IdsOf(IDispatch* object, const wchar_t* member, AutomationAr
         names.push_back(const_cast<LPOLESTR>(argument.name));
     }
     std::vector<DISPID> ids(names.size());
-    Check(object->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()), kEnglish,
-                                ids.data()));
+    Ask([&] {
+        return object->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()),
+                                     kEnglish, ids.data());
+    });
     return ids;
 }
 
 void Invoke(IDispatch* object, DISPID member, WORD kind, DISPPARAMS& parameters, Variant& result) {
-    constexpr int kAttempts = 300;
-    constexpr DWORD kPause = 100; // milliseconds
     VARIANT* const place = kind == DISPATCH_PROPERTYPUT ? nullptr : &result.Get();
-    for (int attempt = 1;; ++attempt) {
-        const HRESULT done =
-            object->Invoke(member, IID_NULL, kEnglish, kind, &parameters, place, nullptr, nullptr);
-        if (!IsBusy(done) || attempt == kAttempts) return Check(done);
-        Sleep(kPause);
-    }
+    Ask([&] {
+        return object->Invoke(member, IID_NULL, kEnglish, kind, &parameters, place, nullptr,
+                              nullptr);
+    });
 }
 
 Variant InvokeNamed(IDispatch* object, const wchar_t* member, WORD kind,

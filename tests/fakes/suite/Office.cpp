@@ -11,6 +11,7 @@
 
 #include <fstream>
 #include <mutex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -24,6 +25,7 @@ std::mutex lock;
 std::vector<std::wstring> names; // by their ids
 std::wstring opened;             // the document
 bool wasRejected = false;
+std::set<std::wstring> rejected; // names that were asked for
 
 std::wstring Mode() { return obtest::ReadUtf8File(obtest::BesideProgram(L"office.txt")); }
 
@@ -117,6 +119,13 @@ HRESULT Write(const DISPPARAMS& parameters) {
     return S_OK;
 }
 
+// A busy program rejects the question for a name too, here for that of each member once.
+bool IsRejected(const wchar_t* name) {
+    if (Mode() != L"reject-names") return false;
+    const std::lock_guard guard(lock);
+    return rejected.insert(name).second;
+}
+
 // Any object of the program: it knows every name.
 class Object : public IDispatch {
 public:
@@ -138,6 +147,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* texts, UINT count, LCID,
                                             DISPID* ids) override {
+        if (IsRejected(texts[0])) return RPC_E_CALL_REJECTED;
         for (UINT at = 0; at < count; ++at) ids[at] = IdOf(texts[at]);
         return S_OK;
     }

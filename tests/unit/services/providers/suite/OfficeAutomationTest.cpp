@@ -206,6 +206,12 @@ TEST_F(OfficeAutomation, AsksAProgramAgainThatIsBusyForAMoment) {
     EXPECT_EQ(Target(), kPdf);
 }
 
+TEST_F(OfficeAutomation, AsksForANameAgainWhenTheProgramIsBusy) {
+    EXPECT_EQ(Convert(L"letter.docx", "reject-names"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+    EXPECT_EQ(Calls().back(), L"application.Quit(SaveChanges=0)");
+}
+
 TEST_F(OfficeAutomation, EndsAProgramThatHangs) {
     // Long enough for the program to start on a busy machine.
     ExpectFailed("hang", SuiteOutcome::NoAnswer, {6000, 100000});
