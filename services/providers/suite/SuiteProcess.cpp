@@ -13,10 +13,6 @@ namespace {
 
 using ObLib::UniqueKernelHandle;
 
-// Clipboard and the windows of others stay open to it: office programs fail without.
-constexpr DWORD kNotForSuites = JOB_OBJECT_UILIMIT_SYSTEMPARAMETERS |
-                                JOB_OBJECT_UILIMIT_DISPLAYSETTINGS | JOB_OBJECT_UILIMIT_EXITWINDOWS;
-
 // This process's own token without its privileges and, when an administrator runs it, rights.
 UniqueKernelHandle MakeToken() {
     UniqueKernelHandle own;
@@ -72,11 +68,8 @@ UniqueKernelHandle MakeSuiteJob() {
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION extended{};
     extended.BasicLimitInformation.LimitFlags =
         JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_DIE_ON_UNHANDLED_EXCEPTION;
-    JOBOBJECT_BASIC_UI_RESTRICTIONS windows{kNotForSuites};
     if (!SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &extended,
-                                 sizeof extended) ||
-        !SetInformationJobObject(job.Get(), JobObjectBasicUIRestrictions, &windows,
-                                 sizeof windows)) {
+                                 sizeof extended)) {
         return {};
     }
     return job;
@@ -96,9 +89,7 @@ void EndJob(HANDLE job) noexcept { TerminateJobObject(job, 1); }
 
 void FreeJob(HANDLE job) noexcept {
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION none{};
-    JOBOBJECT_BASIC_UI_RESTRICTIONS windows{};
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &none, sizeof none);
-    SetInformationJobObject(job, JobObjectBasicUIRestrictions, &windows, sizeof windows);
 }
 
 UniqueKernelHandle StartSuite(const SuiteStart& start, HANDLE job) {

@@ -10,7 +10,9 @@
 
 namespace providers {
 
-// The job ends the processes in it with this process.
+// The job ends the processes in it with this process. It limits no use of windows: the system puts
+// no process into such a job that is in another one already, as those of a browser and of the
+// programs that a service starts are.
 ObLib::UniqueKernelHandle MakeSuiteJob();
 
 // Processor time of all processes of the job so far, in units of 100 nanoseconds; 0 when the system

@@ -78,6 +78,22 @@ TEST_F(SuiteProcessTest, EndsWithItsJob) {
     EXPECT_TRUE(HasEnded(process, kLimit));
 }
 
+TEST_F(SuiteProcessTest, TakesAProcessThatIsInAnotherJobAlready) {
+    const ObLib::UniqueKernelHandle other(CreateJobObjectW(nullptr, nullptr));
+    const auto process = StartSuite({Program(), L"--child", folder_.Path()}, other.Get());
+    ASSERT_TRUE(process && AwaitRecord(L"process "));
+    EXPECT_TRUE(AssignProcessToJobObject(job_.Get(), process.Get()));
+    EndJob(job_.Get());
+    EXPECT_TRUE(HasEnded(process, kLimit));
+    JOBOBJECT_BASIC_UI_RESTRICTIONS windows{};
+    if (!QueryInformationJobObject(job_.Get(), JobObjectBasicUIRestrictions, &windows,
+                                   sizeof windows, nullptr)) {
+        std::puts("This system reports no limits of windows of a job.");
+        GTEST_SKIP();
+    }
+    EXPECT_EQ(windows.UIRestrictionsClass, 0u);
+}
+
 TEST_F(SuiteProcessTest, GoesOnWithoutItsJobOnceThatIsFreed) {
     const auto process = Start(L"--child");
     ASSERT_TRUE(process && AwaitRecord(L"process "));
