@@ -181,7 +181,7 @@ SuiteOutcome ConvertDocument(const SuiteDocument& document, HANDLE target, WorkP
     if (!found) return SuiteOutcome::NoSuite;
     if (NeedsPassword(document.source, process, wait)) return SuiteOutcome::Protected;
     if (wait.IsEnded()) return SuiteOutcome::Cancelled;
-    const auto folder = SuiteFolder::MakeBelow(document.folder);
+    const auto folder = SuiteFolder::MakeFor(document.folder);
     if (!folder) return SuiteOutcome::Unwritable;
     const std::wstring name = CopyName(*form);
     SuiteOutcome outcome = Fill(*folder, document.source, name, wait);

@@ -25,8 +25,8 @@ enum class SuiteOutcome : std::uint8_t {
     Busy,         // the user has the office program open, and it can't be started a second time
 };
 
-// A document to convert. The suite never gets the file itself but a copy below `folder`, so that
-// links of the document to files beside it lead nowhere and nothing can change it.
+// A document to convert. The suite never gets the file itself but a copy in a folder of its own, so
+// that links of the document to files beside it lead nowhere and nothing can change it.
 struct SuiteDocument {
     HANDLE source = nullptr; // the file, open for reading; stays the caller's
     std::wstring name;       // its file name, whose extension says what the document is
@@ -44,10 +44,10 @@ bool IsDocument(HANDLE source, const std::wstring& name);
 
 // Writes the document as PDF into `target`, a new empty file that is open for writing
 // and stays the caller's; it is empty again unless the outcome is Converted. Macros aren't run and
-// links aren't updated. The suite works in a folder of its own below the
-// document's folder, which is deleted in every outcome, and is ended in every outcome. `process`
-// looks first whether the document needs a password. Called by a stage on its thread; returns soon
-// after the wait has ended. Throws std::bad_alloc, with nothing left behind.
+// links aren't updated. The suite works in a folder of its own (see SuiteFolder), which is deleted
+// in every outcome, and is ended in every outcome unless the user has begun to work in it.
+// `process` looks first whether the document needs a password. Called by a stage on its thread;
+// returns soon after the wait has ended. Throws std::bad_alloc, with nothing left.
 SuiteOutcome ConvertDocument(const SuiteDocument& document, HANDLE target, WorkProcess& process,
                              CallWait& wait, const SuiteLimits& limits = {});
 

@@ -14,6 +14,35 @@ std::wstring WithoutPrefix(const std::wstring& path) {
     return path.starts_with(L"\\\\?\\") ? path.substr(4) : path;
 }
 
+// Programs of others can't open what has a longer path than 259 units, and a new profile has files
+// with up to 150 units below its folder.
+constexpr std::size_t kLongestPlace = 100;
+
+// Without a trailing backslash; empty when the system gives none.
+std::wstring TemporaryFolder() {
+    wchar_t path[MAX_PATH + 2] = {};
+    const DWORD length = GetTempPathW(MAX_PATH + 1, path);
+    return length > 0 && length <= MAX_PATH ? std::wstring(path, length - 1) : std::wstring();
+}
+
+bool IsBelow(const std::wstring& path, const std::wstring& folder) {
+    const auto length = static_cast<int>(folder.size());
+    return path.size() > folder.size() && path[folder.size()] == L'\\' &&
+           CompareStringOrdinal(path.c_str(), length, folder.c_str(), length, TRUE) == CSTR_EQUAL;
+}
+
+// The folder itself while its path is short; otherwise the first one on the way to it from the
+// temporary folder, or the temporary folder. Without the prefix.
+std::wstring PlaceFor(const std::wstring& folder) {
+    std::wstring path = WithoutPrefix(folder);
+    if (path.size() <= kLongestPlace) return path;
+    const std::wstring temporary = TemporaryFolder();
+    if (temporary.empty() || temporary.size() >= path.size()) return path;
+    if (!IsBelow(path, temporary)) return temporary;
+    const std::wstring top = path.substr(0, path.find(L'\\', temporary.size() + 1));
+    return top.size() <= kLongestPlace ? top : temporary;
+}
+
 void DeleteFileAnyway(const std::wstring& path, DWORD attributes) {
     if (attributes & FILE_ATTRIBUTE_READONLY)
         SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
@@ -47,10 +76,11 @@ void DeleteFolder(const std::wstring& path, int level) {
 } // namespace
 
 // A name that is taken isn't this run's.
-std::unique_ptr<SuiteFolder> SuiteFolder::MakeBelow(const std::wstring& folder) {
+std::unique_ptr<SuiteFolder> SuiteFolder::MakeFor(const std::wstring& folder) {
     constexpr int kMostNames = 100;
+    const std::wstring place = PlaceFor(folder);
     for (int number = 1; number <= kMostNames; ++number) {
-        std::wstring path = WithoutPrefix(folder) + L"\\~suite" + std::to_wstring(number);
+        std::wstring path = place + L"\\~suite" + std::to_wstring(number);
         const std::wstring prefixed = WithLongPathPrefix(path);
         if (CreateDirectoryW(prefixed.c_str(), nullptr)) {
             const auto identity = IdentityOfFolder(prefixed);

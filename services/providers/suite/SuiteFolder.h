@@ -14,8 +14,10 @@ namespace providers {
 // Deleted with everything in it at the end; nothing that a link in it leads to is touched.
 class SuiteFolder {
 public:
-    // A new folder below `folder`. Null when it can't be made. Throws std::bad_alloc.
-    static std::unique_ptr<SuiteFolder> MakeBelow(const std::wstring& folder);
+    // A new folder below `folder`, that of the document's copy. When its path is too long for the
+    // suites: below the run's top folder in the temporary one, or below the temporary one. Null
+    // when it can't be made. Throws std::bad_alloc.
+    static std::unique_ptr<SuiteFolder> MakeFor(const std::wstring& folder);
     // Waits up to two seconds for files that an ended program still has open.
     ~SuiteFolder();
     SuiteFolder(const SuiteFolder&) = delete;

@@ -178,6 +178,30 @@ TEST_F(DocumentToPdf, TakesAFolderWithThePrefixForLongPaths) {
     EXPECT_EQ(Calls(L"argument").back(), run_.substr(4) + L"\\~suite1\\document.docx");
 }
 
+// Programs of others can't open paths as long as those below such a folder would be.
+TEST_F(DocumentToPdf, WorksInAShortFolderWhenThatOfTheCopyIsLong) {
+    run_ += L'\\' + std::wstring(220 - run_.size(), L'd');
+    ASSERT_TRUE(CreateDirectoryW(run_.c_str(), nullptr));
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Converted);
+    EXPECT_EQ(Target(), kPdf);
+    ASSERT_FALSE(Calls(L"argument").empty());
+    EXPECT_EQ(Calls(L"argument").back(), folder_ / L"~suite1\\document.docx");
+    EXPECT_FALSE(obtest::FileExists(folder_ / L"~suite1"));
+    ExpectNothingLeft("good");
+}
+
+TEST_F(DocumentToPdf, WorksInTheTemporaryFolderWhenEachFolderOfTheRunIsLong) {
+    const obtest::TestFolder beside;
+    const std::wstring temporary = beside.Path().substr(0, beside.Path().rfind(L'\\'));
+    run_ = temporary + L'\\' + std::wstring(150, L'd');
+    ASSERT_TRUE(CreateDirectoryW(run_.c_str(), nullptr));
+    EXPECT_EQ(Convert("good"), SuiteOutcome::Converted);
+    ASSERT_FALSE(Calls(L"argument").empty());
+    EXPECT_EQ(Calls(L"argument").back(), temporary + L"\\~suite1\\document.docx");
+    EXPECT_FALSE(obtest::FileExists(temporary + L"\\~suite1"));
+    EXPECT_TRUE(RemoveDirectoryW(run_.c_str()));
+}
+
 TEST_F(DocumentToPdf, FailsWithoutAWholeResult) {
     for (const char* mode : {"fail", "nothing", "empty", "half", "no-pdf", "crash"}) {
         ExpectFailed(mode, SuiteOutcome::Failed);
