@@ -27,6 +27,25 @@ bool HasNameOf(const wchar_t* file, const std::wstring& program) {
     return CompareStringOrdinal(file, -1, name.c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
+struct WindowSearch {
+    DWORD process;
+    bool isFound;
+};
+
+bool IsUsersWindow(HWND window) {
+    constexpr ATOM kDialog = 32770;
+    return IsWindowVisible(window) && !GetWindow(window, GW_OWNER) &&
+           GetClassLongPtrW(window, GCW_ATOM) != kDialog;
+}
+
+BOOL CALLBACK Look(HWND window, LPARAM parameter) noexcept {
+    auto& search = *reinterpret_cast<WindowSearch*>(parameter);
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    search.isFound = process == search.process && IsUsersWindow(window);
+    return !search.isFound;
+}
+
 } // namespace
 
 std::vector<DWORD> ProcessesOf(const std::wstring& program) {
@@ -48,6 +67,12 @@ std::vector<DWORD> NewOf(const std::vector<DWORD>& before, const std::vector<DWO
     std::vector<DWORD> added;
     std::ranges::set_difference(now, before, std::back_inserter(added));
     return added;
+}
+
+bool HasUsersWindow(DWORD process) noexcept {
+    WindowSearch search{process, false};
+    if (process) EnumWindows(&Look, reinterpret_cast<LPARAM>(&search));
+    return search.isFound;
 }
 
 } // namespace providers

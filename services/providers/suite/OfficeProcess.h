@@ -1,4 +1,4 @@
-// Which processes of an office program run.
+// Which processes of an office program run, and whether the user sees one.
 #pragma once
 
 #include <windows.h>
@@ -14,5 +14,9 @@ std::vector<DWORD> ProcessesOf(const std::wstring& program);
 
 // Those of `now` that aren't in `before`; both are in ascending order.
 std::vector<DWORD> NewOf(const std::vector<DWORD>& before, const std::vector<DWORD>& now);
+
+// Whether a process of this id shows a window that a user works in: a visible one at the top level
+// that no other owns and that is no dialog. A hidden program shows at most a dialog. 0 has none.
+bool HasUsersWindow(DWORD process) noexcept;
 
 } // namespace providers

@@ -17,8 +17,8 @@ constexpr int kFalse = 0;     // msoFalse
 // A password that no document has: one that needs another fails instead of asking.
 const std::wstring kNoPassword = L"-";
 
-const AutomationArgument kTextSettings[] = {
-    {L"AutomationSecurity", kMacrosOff}, {L"DisplayAlerts", 0}, {L"Visible", false}};
+const AutomationArgument kTextSettings[] = {{L"AutomationSecurity", kMacrosOff},
+                                            {L"DisplayAlerts", 0}};
 const AutomationArgument kTextOptions[] = {{L"UpdateLinksAtOpen", false}};
 const AutomationArgument kTextOpen[] = {
     {L"ConfirmConversions", false},     {L"ReadOnly", true}, {L"AddToRecentFiles", false},
@@ -27,10 +27,10 @@ const AutomationArgument kTextOpen[] = {
 const AutomationArgument kTextWrite[] = {{L"ExportFormat", 17}, {L"OpenAfterExport", false}};
 const AutomationArgument kTextClose[] = {{L"SaveChanges", 0}};
 
-const AutomationArgument kTableSettings[] = {{L"AutomationSecurity", kMacrosOff},
-                                             {L"DisplayAlerts", false},
-                                             {L"Visible", false},
-                                             {L"EnableEvents", false}};
+const AutomationArgument kTableSettings[] = {
+    {L"AutomationSecurity", kMacrosOff}, {L"DisplayAlerts", false}, {L"EnableEvents", false}};
+// Documents that the user opens meanwhile then get a process of their own.
+const AutomationArgument kTableOptions[] = {{L"IgnoreRemoteRequests", true}};
 const AutomationArgument kTableOpen[] = {
     {L"UpdateLinks", 0},        {L"ReadOnly", true},
     {L"Password", kNoPassword}, {L"IgnoreReadOnlyRecommended", true},
@@ -38,7 +38,7 @@ const AutomationArgument kTableOpen[] = {
 const AutomationArgument kTableWrite[] = {{L"Type", 0}, {L"OpenAfterPublish", false}};
 const AutomationArgument kTableClose[] = {{L"SaveChanges", false}};
 
-// This one can't be invisible; without a window for the document it shows nothing.
+// Without a window for the document this one shows nothing.
 const AutomationArgument kSlidesSettings[] = {{L"AutomationSecurity", kMacrosOff},
                                               {L"DisplayAlerts", 1}}; // ppAlertsNone
 const AutomationArgument kSlidesOpen[] = {
@@ -47,12 +47,13 @@ const AutomationArgument kSlidesWrite[] = {{L"FileFormat", 32}}; // ppSaveAsPDF
 
 // In the order of DocumentKind.
 const OfficeProgram kPrograms[] = {
-    {L"Word.Application", L"Documents", kTextSettings, kTextOptions, kTextOpen,
+    {L"Word.Application", L"Documents", kTextSettings, L"Options", kTextOptions, kTextOpen,
      L"ExportAsFixedFormat", L"OutputFileName", kTextWrite, kTextClose, kTextClose},
     {L"Excel.Application",
      L"Workbooks",
      kTableSettings,
-     {},
+     L"Application",
+     kTableOptions,
      kTableOpen,
      L"ExportAsFixedFormat",
      L"Filename",
@@ -62,6 +63,7 @@ const OfficeProgram kPrograms[] = {
     {L"PowerPoint.Application",
      L"Presentations",
      kSlidesSettings,
+     L"Application",
      {},
      kSlidesOpen,
      L"SaveAs",

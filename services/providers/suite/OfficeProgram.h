@@ -15,8 +15,9 @@ namespace providers {
 struct OfficeProgram {
     const wchar_t* name; // under which its class is registered
     const wchar_t* documents;
-    AutomationArguments settings; // of the application, before a document is opened
-    AutomationArguments options;  // of its object Options, put back at the end; may be empty
+    AutomationArguments settings; // of the application, for as long as it runs
+    const wchar_t* optionsOf;     // the application's object with the options
+    AutomationArguments options;  // which the program stores, put back in any case; may be empty
     AutomationArguments open;     // besides FileName
     const wchar_t* write;         // the method that writes a PDF
     const wchar_t* writeFile;     // its argument with the path

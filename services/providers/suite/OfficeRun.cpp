@@ -8,6 +8,7 @@
 #include "ObLib/Src/Win32/ModulePath.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "services/providers/suite/OfficeProcess.h"
+#include "services/providers/suite/OfficeSession.h"
 #include "services/providers/suite/SuiteProcess.h"
 
 namespace providers {
@@ -16,46 +17,6 @@ namespace {
 using ObLib::UniqueKernelHandle;
 
 constexpr DWORD kQuitLimit = 10000; // milliseconds
-
-// The arguments with the path in front.
-std::vector<AutomationArgument> With(const wchar_t* name, const std::wstring& path,
-                                     AutomationArguments rest) {
-    std::vector<AutomationArgument> all{{name, path}};
-    all.insert(all.end(), rest.begin(), rest.end());
-    return all;
-}
-
-// The step of a clean-up: what fails doesn't stop the next one.
-template <class Step>
-void Try(Step step) noexcept {
-    ObLib::RanGuarded(step);
-}
-
-// Options of the user's own, which some programs keep: set to the given values for a scope.
-class ChangedOptions {
-public:
-    ChangedOptions(const AutomationObject& application, AutomationArguments options)
-        : application_(application) {
-        for (const AutomationArgument& option : options) Change(option);
-    }
-    ~ChangedOptions() {
-        for (const AutomationArgument& option : before_) {
-            Try([&] { application_.Get(L"Options").Put(option.name, option.value); });
-        }
-    }
-    ChangedOptions(const ChangedOptions&) = delete;
-    ChangedOptions& operator=(const ChangedOptions&) = delete;
-
-private:
-    void Change(const AutomationArgument& option) {
-        const AutomationObject options = application_.Get(L"Options");
-        const bool before = options.GetNumber(option.name) != 0;
-        options.Put(option.name, option.value);
-        before_.push_back({option.name, before});
-    }
-    const AutomationObject& application_;
-    std::vector<AutomationArgument> before_;
-};
 
 AutomationObject Create(const CLSID& classId) {
     ObLib::ComPtr<IDispatch> object;
@@ -95,6 +56,12 @@ DWORD WINAPI OfficeRun::Entry(void* run) noexcept {
 
 void OfficeRun::Abandon() noexcept {
     isAbandoned_ = true;
+    EndProgram();
+}
+
+// A document of the user's may have come to the process.
+void OfficeRun::EndProgram() noexcept {
+    if (HasUsersWindow(processId_)) return FreeJob(job_.Get());
     EndJob(job_.Get());
 }
 
@@ -106,58 +73,45 @@ OfficeEnd OfficeRun::Run() {
 
 OfficeEnd OfficeRun::Work() {
     const std::vector<DWORD> before = ProcessesOf(office_.path);
-    const AutomationObject application = Create(office_.classId);
+    OfficeSession session(ProgramFor(kind_), Create(office_.classId));
     const Adopted adopted = Adopt(before);
     if (adopted == Adopted::Shared) return OfficeEnd::Busy;
+    const ObLib::ScopeExit finish([&] { Finish(session); });
+    if (adopted == Adopted::Unclear) return OfficeEnd::Busy;
+    if (adopted == Adopted::Refused) return OfficeEnd::NotOurs;
     // Abandoned while the program was starting, so that it wasn't in the job yet.
-    if (isAbandoned_) return EndJob(job_.Get()), OfficeEnd::Failed;
-    const AutomationObject documents = application.Get(ProgramFor(kind_).documents);
-    const ObLib::ScopeExit quit([&] { Quit(application, documents); });
-    if (adopted == Adopted::No) return OfficeEnd::Busy;
-    Convert(application, documents);
+    if (isAbandoned_) return EndProgram(), OfficeEnd::Failed;
+    session.Open(source_);
+    if (isAbandoned_) return OfficeEnd::Failed;
+    session.Write(target_);
     return OfficeEnd::Written;
 }
 
-// Puts the process that was started into the job. Shared: a program that runs already serves the
-// call. No: it isn't clear which process it is, or it can't be ended by this one.
+// Puts the process that was started into the job.
 OfficeRun::Adopted OfficeRun::Adopt(const std::vector<DWORD>& before) {
     const std::vector<DWORD> added = NewOf(before, ProcessesOf(office_.path));
     if (added.empty()) return Adopted::Shared;
-    process_.Reset(
+    if (added.size() > 1) return Adopted::Unclear;
+    UniqueKernelHandle process(
         OpenProcess(PROCESS_SET_QUOTA | PROCESS_TERMINATE | SYNCHRONIZE, FALSE, added[0]));
-    const bool isOurs =
-        added.size() == 1 && process_ && AssignProcessToJobObject(job_.Get(), process_.Get());
-    return isOurs ? Adopted::Yes : Adopted::No;
-}
-
-void OfficeRun::Convert(const AutomationObject& application,
-                        const AutomationObject& documents) const {
-    const OfficeProgram& program = ProgramFor(kind_);
-    for (const AutomationArgument& setting : program.settings) {
-        application.Put(setting.name, setting.value);
-    }
-    const ChangedOptions options(application, program.options);
-    const AutomationObject document =
-        documents.CallForObject(L"Open", With(L"FileName", source_, program.open));
-    const ObLib::ScopeExit close([&] { Try([&] { document.Call(L"Close", program.close); }); });
-    document.Call(program.write, With(program.writeFile, target_, program.writeRest));
+    if (!process) return Adopted::Refused;
+    processId_ = added[0];
+    if (!AssignProcessToJobObject(job_.Get(), process.Get())) return Adopted::Refused;
+    process_ = std::move(process);
+    return Adopted::Yes;
 }
 
 // A document that the user opened meanwhile may have come to this process: it then goes on, visible
 // and outside the job's limits.
-void OfficeRun::Quit(const AutomationObject& application, const AutomationObject& documents) {
-    bool isInUse = false;
-    Try([&] {
-        isInUse = documents.GetNumber(L"Count") > 0;
-        if (!isInUse) application.Call(L"Quit", ProgramFor(kind_).quit);
-    });
-    if (isInUse && !isAbandoned_) {
+void OfficeRun::Finish(OfficeSession& session) noexcept {
+    session.Close();
+    if (session.IsInUse() || HasUsersWindow(processId_)) {
         FreeJob(job_.Get());
-        Try([&] { application.Put(L"Visible", true); });
-        return;
+        return session.LeaveToUser();
     }
+    session.Quit();
     if (process_) WaitForSingleObject(process_.Get(), kQuitLimit);
-    EndJob(job_.Get());
+    EndProgram();
 }
 
 } // namespace providers

@@ -12,13 +12,15 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/suite/OfficeProgram.h"
+#include "services/providers/suite/OfficeSession.h"
 
 namespace providers {
 
 enum class OfficeEnd : std::uint8_t {
     Written, // the program reported success
     Failed,
-    Busy, // the user has the program open, and it would work in that same process
+    Busy,    // the user has the program open, and it would work in that same process
+    NotOurs, // the system doesn't let this process end the one that was started
 };
 
 // Runs on a thread of its own, since calls of another program can't be given up by the thread that
@@ -44,24 +46,31 @@ public:
     // Valid once the thread has ended.
     OfficeEnd End() const noexcept { return end_; }
 
-    // Nobody waits for the result any more. Ends the program, also one that is only starting.
+    // Nobody waits for the result any more. Ends the program, also one that is only starting; one
+    // in which the user has opened a window goes on, and the thread leaves it to the user.
     void Abandon() noexcept;
 
 private:
     static DWORD WINAPI Entry(void* run) noexcept;
     OfficeEnd Run();
     OfficeEnd Work();
-    enum class Adopted : std::uint8_t { Yes, Shared, No };
+    enum class Adopted : std::uint8_t {
+        Yes,
+        Shared,  // a program that runs already serves the call
+        Unclear, // several have started at the same time
+        Refused, // it can't be put into the job
+    };
     Adopted Adopt(const std::vector<DWORD>& before);
-    void Convert(const AutomationObject& application, const AutomationObject& documents) const;
-    void Quit(const AutomationObject& application, const AutomationObject& documents);
+    void Finish(OfficeSession& session) noexcept;
+    void EndProgram() noexcept;
 
     DocumentKind kind_;
     InstalledOffice office_;
     std::wstring source_;
     std::wstring target_;
     ObLib::UniqueKernelHandle job_;
-    ObLib::UniqueKernelHandle process_; // of the thread
+    ObLib::UniqueKernelHandle process_; // of the thread; empty unless it is in the job
+    std::atomic<DWORD> processId_ = 0;  // valid before the process is in the job
     OfficeEnd end_ = OfficeEnd::Failed;
     std::atomic<bool> isAbandoned_ = false;
 };

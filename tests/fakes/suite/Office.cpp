@@ -10,6 +10,7 @@
 #include <oleauto.h>
 
 #include <fstream>
+#include <map>
 #include <mutex>
 #include <set>
 #include <sstream>
@@ -24,6 +25,7 @@ HANDLE quit;
 std::mutex lock;
 std::vector<std::wstring> names; // by their ids
 std::wstring opened;             // the document
+bool isOpen = false;             // that document
 bool wasRejected = false;
 std::set<std::wstring> rejected; // names that were asked for
 
@@ -94,8 +96,45 @@ void WritePdf(const std::wstring& path) {
     target << "%PDF-1.6\n% " << text.str() << "\n%%EOF\n";
 }
 
+// The values that can be read before they are set: those of a user's own, unlike what a run sets.
+struct Value {
+    VARTYPE type;
+    int value;
+};
+std::map<std::wstring, Value> values{
+    {L"UpdateLinksAtOpen", {VT_BOOL, 1}}, {L"IgnoreRemoteRequests", {VT_BOOL, 0}},
+    {L"AutomationSecurity", {VT_I4, 1}},  {L"DisplayAlerts", {VT_I4, -1}},
+    {L"EnableEvents", {VT_BOOL, 1}},      {L"Visible", {VT_BOOL, 0}}};
+
+void SetValue(const std::wstring& name, const VARIANT& value) {
+    const std::lock_guard guard(lock);
+    values[name] = {value.vt, value.vt == VT_BOOL ? value.boolVal != 0 : value.lVal};
+}
+
+bool GetValue(const std::wstring& name, VARIANT* result) {
+    const std::lock_guard guard(lock);
+    const auto found = values.find(name);
+    if (found == values.end()) return false;
+    result->vt = found->second.type;
+    if (result->vt == VT_BOOL) {
+        result->boolVal = found->second.value ? VARIANT_TRUE : VARIANT_FALSE;
+    } else {
+        result->lVal = found->second.value;
+    }
+    return true;
+}
+
+// A user's document has come, and the program is busy with ours until the test says another mode.
+void HangInUse() {
+    CreateWindowExW(0, L"Static", L"A document", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 200, 100,
+                    nullptr, nullptr, nullptr, nullptr);
+    Note(L"shown");
+    while (Mode() == L"hang-in-use") Sleep(10);
+}
+
 HRESULT Open(const DISPPARAMS& parameters) {
     const std::wstring mode = Mode();
+    if (mode == L"hang-in-use") HangInUse();
     if (mode == L"refuse") return DISP_E_EXCEPTION;
     if (mode == L"hang") Hang();
     if (mode == L"crash") TerminateProcess(GetCurrentProcess(), 3);
@@ -104,6 +143,13 @@ HRESULT Open(const DISPPARAMS& parameters) {
         return RPC_E_CALL_REJECTED;
     }
     opened = Argument(parameters, L"FileName")->bstrVal;
+    isOpen = true;
+    return S_OK;
+}
+
+HRESULT Close() {
+    if (Mode() == L"refuse-closing") return DISP_E_EXCEPTION;
+    isOpen = false;
     return S_OK;
 }
 
@@ -157,6 +203,7 @@ public:
         if (result) VariantInit(result);
         if (kind & DISPATCH_PROPERTYPUT) {
             Note(path_ + L'.' + name + L" = " + TextOf(*parameters));
+            SetValue(name, parameters->rgvarg[0]);
             return S_OK;
         }
         if (kind & DISPATCH_PROPERTYGET) return Property(name, result);
@@ -175,14 +222,12 @@ private:
     HRESULT Property(const std::wstring& name, VARIANT* result) const {
         if (name == L"Count") {
             result->vt = VT_I4;
-            result->lVal = Mode() == L"in-use" ? 1 : 0;
+            result->lVal = (isOpen ? 1 : 0) + (Mode() == L"in-use" ? 1 : 0);
             return S_OK;
         }
-        if (name == L"UpdateLinksAtOpen") {
-            result->vt = VT_BOOL;
-            result->boolVal = VARIANT_TRUE;
-            return S_OK;
-        }
+        if (name == L"Documents" && Mode() == L"no-documents") return DISP_E_EXCEPTION;
+        if (name == L"Application") return Give(L"application", result);
+        if (GetValue(name, result)) return S_OK;
         return Give(name, result);
     }
     HRESULT Method(const std::wstring& name, const DISPPARAMS& parameters, VARIANT* result) const {
@@ -191,7 +236,7 @@ private:
             return FAILED(done) ? done : Give(L"document", result);
         }
         if (name == L"Quit") return SetEvent(quit), S_OK;
-        return name == L"Close" ? S_OK : Write(parameters);
+        return name == L"Close" ? Close() : Write(parameters);
     }
 
     std::wstring path_;

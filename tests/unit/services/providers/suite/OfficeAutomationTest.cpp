@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "contracts/TransformWork.h"
 #include "services/providers/suite/DocumentToPdf.h"
 #include "services/providers/suite/OfficeProgram.h"
+#include "services/providers/suite/OfficeRun.h"
 #include "tests/fakes/Recording.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
@@ -72,12 +74,17 @@ protected:
         return lines;
     }
     static bool IsStart(const std::wstring& line) {
-        return line.starts_with(L"process ") || line == L"ready";
+        return line.starts_with(L"process ") || line == L"ready" || line == L"shown";
     }
     static Lines Calls() {
         Lines lines = AllCalls();
         std::erase_if(lines, IsStart);
         return lines;
+    }
+    static Lines LastCalls(std::size_t count) {
+        const Lines calls = Calls();
+        return {calls.end() - static_cast<std::ptrdiff_t>(std::min(count, calls.size())),
+                calls.end()};
     }
     static bool AwaitCall(const std::wstring& begin) {
         for (DWORD waited = 0; waited < kLimit; waited += 10, Sleep(10)) {
@@ -130,10 +137,9 @@ TEST_F(OfficeAutomation, OpensATextReadOnlyAndClosesEverything) {
     EXPECT_EQ(Convert(L"letter.docx", "good"), SuiteOutcome::Converted);
     EXPECT_EQ(Target(), kPdf);
     const Lines wanted = {
+        L"Options.UpdateLinksAtOpen = false",
         L"application.AutomationSecurity = 3",
         L"application.DisplayAlerts = 0",
-        L"application.Visible = false",
-        L"Options.UpdateLinksAtOpen = false",
         L"Documents.Open(FileName=" + Document(L"docx") +
             L", ConfirmConversions=false, ReadOnly=true, AddToRecentFiles=false, "
             L"PasswordDocument='-', Visible=false, OpenAndRepair=false, NoEncodingDialog=true)",
@@ -151,15 +157,16 @@ TEST_F(OfficeAutomation, OpensATableWithoutItsLinks) {
     EXPECT_EQ(Convert(L"numbers.xls", "good"), SuiteOutcome::Converted);
     EXPECT_EQ(Target(), kPdf);
     const Lines wanted = {
+        L"application.IgnoreRemoteRequests = true",
         L"application.AutomationSecurity = 3",
         L"application.DisplayAlerts = false",
-        L"application.Visible = false",
         L"application.EnableEvents = false",
         L"Workbooks.Open(FileName=" + Document(L"xls") +
             L", UpdateLinks=0, ReadOnly=true, Password='-', IgnoreReadOnlyRecommended=true, "
             L"Notify=false, AddToMru=false)",
         L"document.ExportAsFixedFormat(Filename=" + Result() + L", Type=0, OpenAfterPublish=false)",
         L"document.Close(SaveChanges=false)",
+        L"application.IgnoreRemoteRequests = false",
         L"application.Quit()",
     };
     EXPECT_EQ(Calls(), wanted);
@@ -231,7 +238,75 @@ TEST_F(OfficeAutomation, EndsTheProgramAtOnceWhenTheCallEnds) {
 TEST_F(OfficeAutomation, LeavesAProgramToTheUserThatHasAnotherDocumentOpen) {
     EXPECT_EQ(Convert(L"letter.docx", "in-use"), SuiteOutcome::Converted);
     EXPECT_EQ(Target(), kPdf);
-    EXPECT_EQ(Calls().back(), L"application.Visible = true");
+    const Lines wanted = {
+        L"document.Close(SaveChanges=0)",  L"Options.UpdateLinksAtOpen = true",
+        L"application.DisplayAlerts = -1", L"application.AutomationSecurity = 1",
+        L"application.Visible = true",
+    };
+    EXPECT_EQ(LastCalls(wanted.size()), wanted);
+    EndProgram();
+}
+
+TEST_F(OfficeAutomation, PutsEachSettingOfATableBackForTheUser) {
+    EXPECT_EQ(Convert(L"numbers.xls", "in-use"), SuiteOutcome::Converted);
+    const Lines wanted = {
+        L"document.Close(SaveChanges=false)",  L"application.IgnoreRemoteRequests = false",
+        L"application.EnableEvents = true",    L"application.DisplayAlerts = true",
+        L"application.AutomationSecurity = 1", L"application.Visible = true",
+    };
+    EXPECT_EQ(LastCalls(wanted.size()), wanted);
+    EndProgram();
+}
+
+TEST_F(OfficeAutomation, QuitsWhenOnlyItsOwnDocumentIsStillOpen) {
+    EXPECT_EQ(Convert(L"letter.docx", "refuse-closing"), SuiteOutcome::Converted);
+    const Lines wanted = {
+        L"document.Close(SaveChanges=0)",
+        L"document.Close(SaveChanges=0)",
+        L"Options.UpdateLinksAtOpen = true",
+        L"application.Quit(SaveChanges=0)",
+    };
+    EXPECT_EQ(LastCalls(wanted.size()), wanted);
+    ExpectNothingLeft("refuse-closing");
+}
+
+TEST_F(OfficeAutomation, QuitsAProgramWithoutItsDocuments) {
+    ExpectFailed("no-documents", SuiteOutcome::Failed);
+    EXPECT_EQ(Calls().back(), L"application.Quit(SaveChanges=0)");
+}
+
+// What isn't a job takes no process, as a job of the system's own may refuse one.
+TEST_F(OfficeAutomation, QuitsAProgramThatCannotBePutIntoTheJob) {
+    ASSERT_TRUE(obtest::WriteFileContent(InOffice(L"office.txt"), "good"));
+    const auto office = OfficeFor(DocumentKind::Text);
+    ASSERT_TRUE(office);
+    const auto run = std::make_shared<OfficeRun>(
+        DocumentKind::Text, *office, folder_ / L"letter", folder_ / L"result.pdf",
+        ObLib::UniqueKernelHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr)));
+    const auto thread = OfficeRun::Start(run);
+    ASSERT_TRUE(thread);
+    ASSERT_EQ(WaitForSingleObject(thread.Get(), kLimit), WAIT_OBJECT_0);
+    EXPECT_EQ(run->End(), OfficeEnd::NotOurs);
+    EXPECT_EQ(Calls(), Lines{L"application.Quit(SaveChanges=0)"});
+    EXPECT_FALSE(obtest::FileExists(folder_ / L"result.pdf"));
+    ExpectNothingLeft("not ours");
+}
+
+TEST_F(OfficeAutomation, LeavesAProgramToTheUserWhoWorksInItWhenTheCallEnds) {
+    std::thread ender([&] {
+        EXPECT_TRUE(AwaitCall(L"shown"));
+        SetEvent(ended_.Get());
+    });
+    EXPECT_EQ(Convert(L"letter.docx", "hang-in-use"), SuiteOutcome::Cancelled);
+    ender.join();
+    ASSERT_TRUE(obtest::WriteFileContent(InOffice(L"office.txt"), "in-use"));
+    EXPECT_TRUE(AwaitCall(L"application.Visible = true"));
+    const Lines wanted = {
+        L"document.Close(SaveChanges=0)",  L"Options.UpdateLinksAtOpen = true",
+        L"application.DisplayAlerts = -1", L"application.AutomationSecurity = 1",
+        L"application.Visible = true",
+    };
+    EXPECT_EQ(LastCalls(wanted.size()), wanted);
     EndProgram();
 }
 

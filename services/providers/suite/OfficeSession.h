@@ -1,0 +1,61 @@
+// What one document needs of an office program, and how the program is left afterwards.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "services/providers/suite/Automation.h"
+#include "services/providers/suite/OfficeProgram.h"
+
+namespace providers {
+
+// Values of an object that are changed for a while. Nothing is put back by the destructor.
+class ChangedValues {
+public:
+    explicit ChangedValues(AutomationObject object) noexcept : object_(std::move(object)) {}
+
+    // Each value is read before it is set. Throws as Automation.h says.
+    void Change(AutomationArguments values);
+    // Puts the values back that were read, the last one first.
+    void Restore() noexcept;
+
+private:
+    AutomationObject object_;
+    std::vector<AutomationArgument> before_;
+};
+
+// Belongs to the thread of the run. A program that automation started is hidden until it is shown,
+// so it is never hidden here: one that is visible has come to the user.
+class OfficeSession {
+public:
+    OfficeSession(const OfficeProgram& program, AutomationObject application)
+        : program_(program), application_(std::move(application)) {}
+    OfficeSession(const OfficeSession&) = delete;
+    OfficeSession& operator=(const OfficeSession&) = delete;
+
+    // Paths without the prefix for long paths. Throw as Automation.h says.
+    void Open(const std::wstring& source);
+    void Write(const std::wstring& target) const;
+
+    // Closes the document without saving it and puts back what the program stores. Each step is
+    // tried whether or not the one before failed.
+    void Close() noexcept;
+    // After Close: whether another document is open or the program is visible.
+    bool IsInUse() const noexcept;
+    // After Close, one of the two: the user goes on with the program, or it ends by itself.
+    void LeaveToUser() noexcept;
+    void Quit() const noexcept;
+
+private:
+    bool IsDocumentOpen() const noexcept;
+    int OtherDocuments() const;
+
+    const OfficeProgram& program_;
+    AutomationObject application_;
+    std::optional<ChangedValues> settings_;
+    std::optional<ChangedValues> options_;
+    std::optional<AutomationObject> document_;
+};
+
+} // namespace providers
