@@ -1,7 +1,5 @@
 #include "services/transforms/combine/PdfAttachments.h"
 
-#include <qpdf/QPDFNameTreeObjectHelper.hh>
-
 namespace transforms::combine {
 namespace {
 
@@ -12,17 +10,20 @@ using Object = QPDFObjectHandle;
 PdfAttachments::Files PdfAttachments::Copy(PdfCopier& copier, QPDF& source) {
     Files files;
     auto names = source.getRoot().getKey("/Names");
-    if (!names.isDictionary() || !names.getKey("/EmbeddedFiles").isDictionary()) return files;
-    QPDFNameTreeObjectHelper tree(names.getKey("/EmbeddedFiles"), source, false);
-    for (const auto& [name, file] : tree) files.emplace(name, copier.Copy(file));
+    if (!names.isDictionary()) return files;
+    files = NamesOf(names.getKey("/EmbeddedFiles"));
+    for (auto& row : files) row.value = copier.Copy(row.value);
     return files;
 }
 
 void PdfAttachments::Add(const Files& files) {
     for (const auto& [name, file] : files) {
         std::string unique = name;
-        for (int number = 2; files_.contains(unique); ++number) {
-            unique = name + " (" + std::to_string(number) + ")";
+        if (files_.contains(name)) {
+            int& number = numbers_.try_emplace(name, 1).first->second;
+            do {
+                unique = name + " (" + std::to_string(++number) + ")";
+            } while (files_.contains(unique));
         }
         files_.emplace(unique, file);
     }
@@ -31,7 +32,7 @@ void PdfAttachments::Add(const Files& files) {
 // The keys are written as they are compared: in the order of their bytes.
 void PdfAttachments::Write(Object catalog) {
     if (files_.empty()) return;
-    std::map<std::string, Object> sorted;
+    std::multimap<std::string, Object> sorted; // no file is lost, whatever its name becomes
     for (const auto& [name, file] : files_) {
         sorted.emplace(Object::newUnicodeString(name).getStringValue(), file);
     }

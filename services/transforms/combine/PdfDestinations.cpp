@@ -1,6 +1,6 @@
 #include "services/transforms/combine/PdfDestinations.h"
 
-#include <qpdf/QPDFNameTreeObjectHelper.hh>
+#include "services/transforms/combine/PdfNames.h"
 
 namespace transforms::combine {
 namespace {
@@ -28,9 +28,10 @@ const PdfDestinations::Names& PdfDestinations::ReadNames() {
         for (auto& [name, place] : old.getDictAsMap()) names_->emplace(name, PlaceOf(place));
     }
     auto names = pdf_.getRoot().getKey("/Names");
-    if (!names.isDictionary() || !names.getKey("/Dests").isDictionary()) return *names_;
-    QPDFNameTreeObjectHelper tree(names.getKey("/Dests"), pdf_, false);
-    for (const auto& [name, place] : tree) names_->emplace(name, PlaceOf(place));
+    if (!names.isDictionary()) return *names_;
+    for (const auto& [name, place] : NamesOf(names.getKey("/Dests"))) {
+        names_->emplace(name, PlaceOf(place));
+    }
     return *names_;
 }
 

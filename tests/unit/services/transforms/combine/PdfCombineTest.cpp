@@ -1,6 +1,8 @@
 // PDFs that become one: order, layers, attached files; parts that are refused, and huge ones.
 #include "services/transforms/combine/PdfCombine.h"
 
+#include <set>
+
 #include <qpdf/QPDFNameTreeObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 
@@ -109,6 +111,42 @@ TEST(PdfCombine, KeepsAttachedFilesUnderNamesOfTheirOwn) {
     }
     EXPECT_EQ(contents,
               (std::map<std::string, std::string>{{"data.xml", "one"}, {"data.xml (2)", "two"}}));
+}
+
+// One part with a row for each of the names, in a chain of nodes below each other.
+std::string Attached(const std::vector<std::string>& names) {
+    std::vector<std::string> nodes;
+    for (std::size_t at = 0; at < names.size(); ++at) {
+        const bool isLast = at + 1 == names.size();
+        nodes.push_back("<</Names [(" + names[at] + ") <</Type /Filespec /F (" + names[at] +
+                        ")>>]" + (isLast ? "" : " /Kids [" + std::to_string(at + 5) + " 0 R]") +
+                        ">>");
+    }
+    return Pages(1, 0, "", "/Names <</EmbeddedFiles 4 0 R>>", nodes);
+}
+
+std::set<std::string> AttachedTo(CombinedFile& file) {
+    std::set<std::string> names;
+    auto rows = file.Catalog().getKey("/Names").getKey("/EmbeddedFiles").getKey("/Names");
+    for (int at = 0; at < rows.getArrayNItems(); at += 2) {
+        EXPECT_TRUE(names.insert(rows.getArrayItem(at).getUTF8Value()).second);
+        EXPECT_TRUE(rows.getArrayItem(at + 1).isDictionary());
+    }
+    return names;
+}
+
+TEST(PdfCombine, KeepsAttachedFilesThatHaveOneNameInOnePart) {
+    CombinedFile file({{"a", Attached({"x", "x", "y", "x (2)", "x"})}, {"b", Attached({"x"})}});
+    EXPECT_EQ(AttachedTo(file),
+              (std::set<std::string>{"x", "x (2)", "x (3)", "x (2) (2)", "x (4)", "y"}));
+}
+
+TEST(PdfCombine, KeepsTensOfThousandsOfAttachedFilesOfOneName) {
+    std::string rows;
+    for (int row = 0; row < 30'000; ++row) rows += "(x) <<>> ";
+    const std::string part = Pages(1, 0, "", "/Names <</EmbeddedFiles <</Names [" + rows + "]>>>>");
+    CombinedFile file({{"a", part}});
+    EXPECT_EQ(AttachedTo(file).size(), 30'000u);
 }
 
 TEST(PdfCombine, NamesThePartThatIsDamaged) {
@@ -356,6 +394,9 @@ TEST(PdfCombineChains, RefusesTreesThatAreAsDeepAsTheFileIsLong) {
     auto parents = Chain(4, kLong, "<</Subtype /Widget /T (x) /Parent ", ">>");
     parents.push_back("<</T (last) /FT /Tx>>");
     files.push_back(Pages(1, 0, "/Annots [4 0 R]", "/AcroForm <</Fields []>>", parents));
+    files.push_back(Attached(std::vector<std::string>(1000, "x")));
+    files.push_back(Pages(1, 0, "/Annots [<</Subtype /Link /Dest (x)>>]", "/Names <</Dests 4 0 R>>",
+                          Chain(4, kLong, "<</Kids [", "]>>")));
     for (const std::string& file : files) {
         EXPECT_EQ(Combined({{"a", file}}).outcome, CleanOutcome::Damaged)
             << file.substr(file.find("4 0 obj"), 60);
@@ -376,6 +417,9 @@ TEST(PdfCombineChains, EndsWithTreesThatLoop) {
     const std::vector<std::string> parents{"<</T (x) /Subtype /Widget /Parent 4 0 R>>"};
     EXPECT_EQ(Combined({{"a", Pages(1, 0, "/Annots [4 0 R]", "/AcroForm <</Fields []>>", parents)}})
                   .outcome,
+              CleanOutcome::Damaged);
+    const std::vector<std::string> names{"<</Kids [5 0 R]>>", "<</Kids [4 0 R]>>"};
+    EXPECT_EQ(Combined({{"a", Pages(1, 0, "", "/Names <</EmbeddedFiles 4 0 R>>", names)}}).outcome,
               CleanOutcome::Damaged);
 }
 
