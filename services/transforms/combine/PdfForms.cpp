@@ -1,6 +1,7 @@
 #include "services/transforms/combine/PdfForms.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace transforms::combine {
@@ -19,23 +20,44 @@ Object RootOf(Object field) {
     throw PdfRefusal{CleanOutcome::Damaged};
 }
 
-// The form's own list, and what it should list besides.
-std::vector<Object> RootsOf(Object form, const std::vector<PdfPage>& pages) {
-    std::vector<Object> roots = DictionariesOf(form.getKey("/Fields"));
-    std::set<QPDFObjGen> known;
-    for (const auto& root : roots) known.insert(root.getObjGen());
-    for (const PdfPage& page : pages) {
-        Object dictionary = page.page;
-        for (auto& widget : DictionariesOf(dictionary.getKey("/Annots"))) {
-            if (!widget.getKey("/Subtype").isNameAndEquals("/Widget")) continue;
-            auto root = RootOf(widget);
-            const bool isField = root.hasKey("/T") || root.hasKey("/FT");
-            if (isField && root.isIndirect() && known.insert(root.getObjGen()).second) {
-                roots.push_back(root);
-            }
+// The form's own list, and what it should list besides. Pages, their lists and widgets may be named
+// any number of times, and are looked at once.
+class RootList {
+public:
+    std::vector<Object> Take(Object form, const std::vector<PdfPage>& pages) {
+        roots_ = DictionariesOf(form.getKey("/Fields"));
+        for (const auto& root : roots_) known_.insert(root.getObjGen());
+        for (const PdfPage& page : pages) {
+            Object dictionary = page.page;
+            if (!IsNew(dictionary)) continue;
+            auto annotations = dictionary.getKey("/Annots");
+            if (!IsNew(annotations)) continue;
+            for (auto& annotation : DictionariesOf(annotations)) Add(annotation);
+        }
+        return std::move(roots_);
+    }
+
+private:
+    bool IsNew(const Object& object) {
+        return !object.isIndirect() || seen_.insert(object.getObjGen()).second;
+    }
+    void Add(Object& annotation) {
+        if (!IsNew(annotation)) return;
+        if (!annotation.getKey("/Subtype").isNameAndEquals("/Widget")) return;
+        auto root = RootOf(annotation);
+        const bool isField = root.hasKey("/T") || root.hasKey("/FT");
+        if (isField && root.isIndirect() && known_.insert(root.getObjGen()).second) {
+            roots_.push_back(root);
         }
     }
-    return roots;
+
+    std::vector<Object> roots_;
+    std::set<QPDFObjGen> known_; // of the roots
+    std::set<QPDFObjGen> seen_;
+};
+
+std::vector<Object> RootsOf(Object form, const std::vector<PdfPage>& pages) {
+    return RootList().Take(std::move(form), pages);
 }
 
 bool IsDelimiter(char c) {
@@ -63,25 +85,46 @@ void ChangeFonts(Object& field, const std::map<std::string, std::string>& fonts)
     field.replaceKey("/DA", Object::newString(WithFonts(appearance.getStringValue(), fonts)));
 }
 
-// Whether two objects of one file have the same content. False for streams and what is nested more
-// deeply than a font that every reader has.
-bool AreAlike(Object one, Object other, int depth = 6) {
-    if (one.isSameObjectAs(other) && one.isIndirect()) return true;
-    if (depth == 0 || one.getTypeCode() != other.getTypeCode() || one.isStream()) return false;
-    if (one.isDictionary()) {
+// Whether two objects of one file have the same content. False for streams, what is nested more
+// deeply than a font that every reader has, and when the work becomes too much: objects may name
+// each other so often that their tree has no end in practice.
+class Comparison {
+public:
+    bool AreAlike(Object one, Object other, int depth = kDeepestFont) {
+        if (--left_ < 0) return false;
+        if (one.isSameObjectAs(other) && one.isIndirect()) return true;
+        if (depth == 0 || one.getTypeCode() != other.getTypeCode() || one.isStream()) return false;
+        if (one.isDictionary()) return HaveAlikeKeys(one, other, depth);
+        if (one.isArray()) return HaveAlikeItems(one, other, depth);
+        const std::string text = one.unparseResolved();
+        left_ -= static_cast<std::int64_t>(text.size() / kTextOfOne);
+        return text == other.unparseResolved();
+    }
+
+private:
+    bool HaveAlikeKeys(Object& one, Object& other, int depth) {
         const auto keys = one.getKeys();
+        left_ -= static_cast<std::int64_t>(keys.size()); // also where no value is compared
         return keys == other.getKeys() && std::ranges::all_of(keys, [&](const std::string& key) {
                    return AreAlike(one.getKey(key), other.getKey(key), depth - 1);
                });
     }
-    if (!one.isArray()) return one.unparseResolved() == other.unparseResolved();
-    const int count = one.getArrayNItems();
-    if (count != other.getArrayNItems()) return false;
-    for (int item = 0; item < count; ++item) {
-        if (!AreAlike(one.getArrayItem(item), other.getArrayItem(item), depth - 1)) return false;
+    bool HaveAlikeItems(Object& one, Object& other, int depth) {
+        const int count = one.getArrayNItems();
+        if (count != other.getArrayNItems()) return false;
+        for (int item = 0; item < count; ++item) {
+            const bool isAlike =
+                AreAlike(one.getArrayItem(item), other.getArrayItem(item), depth - 1);
+            if (!isAlike) return false;
+        }
+        return true;
     }
-    return true;
-}
+
+    static constexpr int kDeepestFont = 6;
+    static constexpr std::size_t kTextOfOne = 64; // characters that count as one object
+    // A font with its widths and glyph names has about 600.
+    std::int64_t left_ = 200'000;
+};
 
 // The dictionary under the key, which is made where there is none.
 Object Below(Object& dictionary, const std::string& key) {
@@ -170,10 +213,14 @@ void PdfForms::RenameFields(std::vector<Field>& fields) {
 // A font whose name another one has gets another name.
 PdfForms::Renamed PdfForms::AddFonts(Object fonts) {
     Renamed renamed;
+    Comparison fontsOfPart;
     auto all = Below(resources_, "/Font");
     for (auto& [name, font] : fonts.getDictAsMap()) {
         std::string unique = name;
-        for (int number = 2; all.hasKey(unique) && !AreAlike(all.getKey(unique), font); ++number) {
+        const auto isTaken = [&] {
+            return all.hasKey(unique) && !fontsOfPart.AreAlike(all.getKey(unique), font);
+        };
+        for (int number = 2; isTaken(); ++number) {
             unique = name + "_" + std::to_string(number);
         }
         if (!all.hasKey(unique)) all.replaceKey(unique, font);

@@ -128,6 +128,41 @@ TEST(PdfForms, GiveAFontAnotherNameWhenItsNameIsTaken) {
     EXPECT_EQ(FieldOn(file, 3).getDefaultAppearance(), "/F 12 Tf 0 g");
 }
 
+// A font whose arrays name each other: a thousand items of a thousand items and so on.
+std::string FontWithoutEnd() {
+    PdfBuilder pdf = OnePage("/Annots [5 0 R]", "/AcroForm <</Fields [5 0 R] /DA (/F 12 Tf) /DR "
+                                                "<</Font <</F <</Widths 6 0 R>>>>>>>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /P 3 0 R /FT /Tx /T (name)>>");
+    for (int array = 7; array < 11; ++array) {
+        std::string items;
+        for (int item = 0; item < 1000; ++item) items += std::to_string(array) + " 0 R ";
+        pdf.Add("[" + items + "]");
+    }
+    pdf.Add("(end)");
+    return pdf.File();
+}
+
+TEST(PdfForms, TakeFontsThatAreTooLargeToCompareForDifferent) {
+    CombinedFile file({{"a", FontWithoutEnd()}, {"b", FontWithoutEnd()}});
+    EXPECT_EQ(FormOf(file).getKey("/DR").getKey("/Font").getKeys(), (Names{"/F", "/F_2"}));
+    EXPECT_EQ(FieldOn(file, 1).getDefaultAppearance(), "/F_2 12 Tf");
+}
+
+// Each occurrence of the page would go through all of its comments.
+TEST(PdfForms, LookOnceAtAPageThatIsManyTimesInItsFile) {
+    std::string kids, comments;
+    for (int kid = 0; kid < 3000; ++kid) kids += "3 0 R ";
+    for (int comment = 0; comment < 30'000; ++comment) comments += "5 0 R ";
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R /AcroForm <</Fields []>>>>");
+    pdf.Add("<</Type /Pages /Kids [" + kids + "] /Count 3000 /MediaBox [0 0 9 9]>>");
+    pdf.Add("<</Type /Page /Parent 2 0 R /Annots 4 0 R>>");
+    pdf.Add("[" + comments + "]");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Tx /T (name)>>");
+    CombinedFile file({{"a", pdf.File()}});
+    EXPECT_EQ(FormOf(file).getKey("/Fields").getArrayNItems(), 1);
+}
+
 TEST(PdfForms, KeepWhatAFormSaysForAllOfItsFields) {
     CombinedFile file({{"a", TextField("a", "", "/DA (/Helv 8 Tf) /CO [5 0 R]")},
                        {"b", TextField("b", "", "/DA (/Helv 9 Tf) /Q 2 /NeedAppearances true")},
