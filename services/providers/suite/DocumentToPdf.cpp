@@ -63,8 +63,10 @@ std::wstring Arguments(const SuiteFolder& folder, const std::wstring& name) {
            folder / kResultFolder + L"\" \"" + folder / name + L'"';
 }
 
-// Converted: the process or thread that works has ended.
-SuiteOutcome Await(HANDLE working, HANDLE job, CallWait& wait, const SuiteLimits& limits) {
+// Converted: the process or thread that works has ended. `look` is called in each step.
+template <class Look>
+SuiteOutcome Await(HANDLE working, HANDLE job, CallWait& wait, const SuiteLimits& limits,
+                   Look look) {
     constexpr DWORD kStep = 250; // milliseconds between two looks at its work
     SuiteWatch watch(limits, GetTickCount64());
     for (;;) {
@@ -72,6 +74,7 @@ SuiteOutcome Await(HANDLE working, HANDLE job, CallWait& wait, const SuiteLimits
         case Waited::Ended:
             return SuiteOutcome::Cancelled;
         case Waited::TimedOut:
+            look();
             if (watch.IsHung(TimeOfJob(job), GetTickCount64())) return SuiteOutcome::NoAnswer;
             break;
         case Waited::Signalled:
@@ -93,7 +96,7 @@ SuiteOutcome RunSuite(const std::wstring& program, const SuiteFolder& folder,
     const UniqueKernelHandle process =
         StartSuite({program, Arguments(folder, name), folder / kTemporary}, job.Get());
     if (!process) return SuiteOutcome::Failed;
-    const SuiteOutcome outcome = Await(process.Get(), job.Get(), wait, limits);
+    const SuiteOutcome outcome = Await(process.Get(), job.Get(), wait, limits, [] {});
     const bool succeeded = HasSucceeded(process.Get());
     EndJob(job.Get());
     WaitForSingleObject(process.Get(), INFINITE);
@@ -115,7 +118,8 @@ SuiteOutcome RunOffice(DocumentKind kind, const InstalledOffice& office, const S
         std::make_shared<OfficeRun>(kind, office, folder / name, folder / kResult, std::move(job));
     const UniqueKernelHandle thread = OfficeRun::Start(run);
     if (!thread) return SuiteOutcome::Failed;
-    const SuiteOutcome outcome = Await(thread.Get(), run->Job(), wait, limits);
+    const SuiteOutcome outcome =
+        Await(thread.Get(), run->Job(), wait, limits, [&] { run->FreeIfInUse(); });
     if (outcome == SuiteOutcome::Converted) return OutcomeOf(run->End());
     run->Abandon();
     WaitForSingleObject(thread.Get(), kEndLimit);

@@ -60,9 +60,14 @@ void OfficeRun::Abandon() noexcept {
 }
 
 // A document of the user's may have come to the process.
+bool OfficeRun::FreeIfInUse() noexcept {
+    if (!HasUsersWindow(processId_)) return false;
+    FreeJob(job_.Get());
+    return true;
+}
+
 void OfficeRun::EndProgram() noexcept {
-    if (HasUsersWindow(processId_)) return FreeJob(job_.Get());
-    EndJob(job_.Get());
+    if (!FreeIfInUse()) EndJob(job_.Get());
 }
 
 OfficeEnd OfficeRun::Run() {

@@ -46,6 +46,10 @@ public:
     // Valid once the thread has ended.
     OfficeEnd End() const noexcept { return end_; }
 
+    // Lets a program in which the user has opened a window outlive this process. True when there is
+    // one. On any thread.
+    bool FreeIfInUse() noexcept;
+
     // Nobody waits for the result any more. Ends the program, also one that is only starting; one
     // in which the user has opened a window goes on, and the thread leaves it to the user.
     void Abandon() noexcept;

@@ -15,6 +15,7 @@
 #include "services/providers/suite/DocumentToPdf.h"
 #include "services/providers/suite/OfficeProgram.h"
 #include "services/providers/suite/OfficeRun.h"
+#include "services/providers/suite/SuiteProcess.h"
 #include "tests/fakes/Recording.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
@@ -307,6 +308,24 @@ TEST_F(OfficeAutomation, LeavesAProgramToTheUserWhoWorksInItWhenTheCallEnds) {
         L"application.Visible = true",
     };
     EXPECT_EQ(LastCalls(wanted.size()), wanted);
+    EndProgram();
+}
+
+// What becomes of the program when this process is killed: SuiteProcessTest has the job's part.
+TEST_F(OfficeAutomation, LeavesAProgramTheUserWorksInOutOfTheJobAtOnce) {
+    ASSERT_TRUE(obtest::WriteFileContent(InOffice(L"office.txt"), "hang-in-use"));
+    const auto office = OfficeFor(DocumentKind::Text);
+    ASSERT_TRUE(office);
+    const auto run =
+        std::make_shared<OfficeRun>(DocumentKind::Text, *office, folder_ / L"letter",
+                                    folder_ / L"result.pdf", providers::MakeSuiteJob());
+    EXPECT_FALSE(run->FreeIfInUse());
+    const auto thread = OfficeRun::Start(run);
+    ASSERT_TRUE(thread && AwaitCall(L"shown"));
+    EXPECT_TRUE(run->FreeIfInUse());
+    ASSERT_TRUE(obtest::WriteFileContent(InOffice(L"office.txt"), "in-use"));
+    ASSERT_EQ(WaitForSingleObject(thread.Get(), kLimit), WAIT_OBJECT_0);
+    EXPECT_EQ(run->End(), OfficeEnd::Written);
     EndProgram();
 }
 
