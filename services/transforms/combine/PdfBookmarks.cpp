@@ -7,6 +7,7 @@
 namespace transforms::combine {
 namespace {
 
+using namespace documents;
 using Object = QPDFObjectHandle;
 
 struct Next {
@@ -35,7 +36,7 @@ Object PdfBookmarks::Copy(PdfCopier& copier, PdfDestinations& places, QPDF& sour
         open.pop_back();
         if (!item.isDictionary()) continue;
         if (item.isIndirect() && !seen.insert(item.getObjGen()).second) continue;
-        if (depth > kDeepestTree) throw PdfRefusal{CleanOutcome::Damaged};
+        if (depth > kDeepestTree) throw PdfRefusal(CleanOutcome::Damaged);
         auto copy = target_.makeIndirectObject(Object::newDictionary());
         for (const char* key : {"/Title", "/A", "/C", "/F"}) {
             if (item.hasKey(key)) copy.replaceKey(key, copier.Copy(item.getKey(key)));

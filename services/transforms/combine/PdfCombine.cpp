@@ -25,6 +25,7 @@
 namespace transforms::combine {
 namespace {
 
+using namespace documents;
 using namespace personal;
 using Object = QPDFObjectHandle;
 
@@ -148,8 +149,6 @@ CleanOutcome PdfCombiner::Work::Add(const PdfPart& part) {
         sources.push_back(std::move(source));
         refused_.pop_back();
         return outcome;
-    } catch (const PdfRefusal& refusal) {
-        return refusal.outcome;
     } catch (const std::exception&) {
         return documents::OutcomeOfPdfError();
     }

@@ -5,6 +5,7 @@
 namespace transforms::combine {
 namespace {
 
+using namespace documents;
 using Object = QPDFObjectHandle;
 
 // A place in a table of names is an array, or a dictionary with one.

@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "services/transforms/combine/PdfPages.h"
+#include "services/transforms/documents/PdfPages.h"
 
 namespace transforms::combine {
 
 // Of one file; the pages are the file's. One thread.
 class PdfDestinations {
 public:
-    PdfDestinations(QPDF& pdf, const std::vector<PdfPage>& pages);
+    PdfDestinations(QPDF& pdf, const std::vector<documents::PdfPage>& pages);
 
     // An array whose first item is a page of the file, for a name, an array with a page and one
     // with the page's number from 0 on. Null for a place that the file doesn't have.

@@ -7,6 +7,7 @@
 namespace transforms::combine {
 namespace {
 
+using namespace documents;
 using Object = QPDFObjectHandle;
 
 // The field without a parent to which a widget belongs. Throws PdfRefusal for a chain of parents
@@ -17,7 +18,7 @@ Object RootOf(Object field) {
         if (!parent.isDictionary()) return field;
         field = parent;
     }
-    throw PdfRefusal{CleanOutcome::Damaged};
+    throw PdfRefusal(CleanOutcome::Damaged);
 }
 
 // The form's own list, and what it should list besides. Pages, their lists and widgets may be named
@@ -173,7 +174,7 @@ std::vector<PdfForms::Field> PdfForms::FieldsOf(const std::vector<Object>& roots
         open.pop_back();
         if (!field.isDictionary()) continue;
         if (field.isIndirect() && !seen.insert(field.getObjGen()).second) continue;
-        if (depth > kDeepestTree) throw PdfRefusal{CleanOutcome::Damaged};
+        if (depth > kDeepestTree) throw PdfRefusal(CleanOutcome::Damaged);
         const bool hasName = field.getKey("/T").isString();
         fields.push_back({field, hasName && !isNamed});
         for (const auto& kid : DictionariesOf(field.getKey("/Kids"))) {

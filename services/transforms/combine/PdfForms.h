@@ -24,7 +24,8 @@ class PdfForms {
 public:
     // A field stays one, with all its widgets, whatever page they are on. A widget whose field the
     // form doesn't list counts too. To be added after the copier has finished.
-    static PdfFormPart Copy(PdfCopier& copier, QPDF& source, const std::vector<PdfPage>& pages);
+    static PdfFormPart Copy(PdfCopier& copier, QPDF& source,
+                            const std::vector<documents::PdfPage>& pages);
 
     // Throws PdfRefusal when the fields are nested too deeply; nothing is added then.
     void Add(PdfFormPart part);

@@ -2,11 +2,12 @@
 
 #include <set>
 
-#include "services/transforms/combine/PdfPages.h"
+#include "services/transforms/documents/PdfPages.h"
 
 namespace transforms::combine {
 namespace {
 
+using namespace documents;
 using Object = QPDFObjectHandle;
 
 void AppendAll(Object& to, Object from) {

@@ -4,11 +4,12 @@
 #include <cstddef>
 #include <set>
 
-#include "services/transforms/combine/PdfPages.h"
+#include "services/transforms/documents/PdfPages.h"
 
 namespace transforms::combine {
 namespace {
 
+using namespace documents;
 using Object = QPDFObjectHandle;
 
 struct Node {
@@ -33,7 +34,7 @@ private:
         const bool isNew =
             !node.object.isIndirect() || seen_.insert(node.object.getObjGen()).second;
         if (!node.object.isDictionary() || !isNew || node.depth > kDeepestTree) {
-            throw PdfRefusal{CleanOutcome::Damaged};
+            throw PdfRefusal(CleanOutcome::Damaged);
         }
         TakePairs(node.object.getKey("/Names"));
         auto kids = node.object.getKey("/Kids");
@@ -46,9 +47,9 @@ private:
     void TakePairs(Object pairs) {
         if (!pairs.isArray()) return;
         auto items = pairs.getArrayAsVector();
-        if (items.size() % 2 != 0) throw PdfRefusal{CleanOutcome::Damaged};
+        if (items.size() % 2 != 0) throw PdfRefusal(CleanOutcome::Damaged);
         for (std::size_t at = 0; at < items.size(); at += 2) {
-            if (!items[at].isString()) throw PdfRefusal{CleanOutcome::Damaged};
+            if (!items[at].isString()) throw PdfRefusal(CleanOutcome::Damaged);
             names_.push_back({items[at].getUTF8Value(), items[at + 1]});
         }
     }

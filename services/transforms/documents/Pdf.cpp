@@ -7,6 +7,7 @@
 
 #include "services/transforms/documents/PdfDictionaries.h"
 #include "services/transforms/documents/PdfFile.h"
+#include "services/transforms/documents/PdfPages.h"
 #include "services/transforms/documents/PdfPictures.h"
 #include "services/transforms/documents/PdfWalk.h"
 
@@ -41,7 +42,7 @@ public:
     Analysis Run() {
         OpenPdf(pdf_, file_, control_);
         if (const auto refusal = RefusalOf(pdf_)) return Failed(*refusal);
-        if (pdf_.getAllPages().empty()) return Failed(CleanOutcome::Damaged);
+        PagesOf(pdf_); // throws when there are none, or a tree of them that nobody should read
         CleanTrailer();
         VisitPdfObjects(
             pdf_.getRoot(), [&](QPDFObjectHandle& object) { Take(object); }, control_.steps);

@@ -15,6 +15,7 @@
 #include <qpdf/QUtil.hh>
 
 #include "services/transforms/documents/PdfSeed.h"
+#include "services/transforms/documents/PdfStreamSizes.h"
 
 namespace transforms::documents {
 namespace {
@@ -168,6 +169,7 @@ OwnedBytes WriteEncrypted(QPDF& pdf, PdfStreams streams, PictureSteps* steps) {
 
 void OpenPdf(QPDF& pdf, Bytes file, const DocumentControl& control) {
     Read(pdf, file, control.steps, SpellingOf(file, control));
+    RequirePackedObjectsFit(pdf, control.steps);
 }
 
 bool NeedsPassword(Bytes file, PictureSteps* steps) { return !Opens(file, steps, {}); }
@@ -199,6 +201,8 @@ CleanOutcome OutcomeOfPdfError() {
         throw;
     } catch (const std::bad_alloc&) {
         throw;
+    } catch (const PdfRefusal& refusal) {
+        return refusal.outcome;
     } catch (const QPDFExc& error) {
         if (error.getErrorCode() == qpdf_e_password) return CleanOutcome::Encrypted;
         const bool isUnknown = error.getErrorCode() == qpdf_e_unsupported;

@@ -7,6 +7,7 @@
 #include <qpdf/QPDF.hh>
 
 #include "services/transforms/documents/DocumentControl.h"
+#include "services/transforms/documents/PdfRefusal.h"
 #include "services/transforms/personal/Bytes.h"
 #include "services/transforms/personal/Findings.h"
 
@@ -14,8 +15,8 @@ namespace transforms::documents {
 
 // Reads the file's tables; nothing in it is guessed. The bytes outlive the object, and so do the
 // steps, which learn of everything that is read until the object's end. A password is tried as it
-// is and in the encodings that older programs used. Throws what the library throws: see
-// OutcomeOfPdfError.
+// is and in the encodings that older programs used. Throws what the library throws, see
+// OutcomeOfPdfError, and PdfRefusal for packed objects that are too large (PdfStreamSizes.h).
 void OpenPdf(QPDF& pdf, personal::Bytes file, const DocumentControl& control = {});
 
 // Whether a PDF that can be opened doesn't open with an empty password. Throws as OpenPdf does.
@@ -36,7 +37,8 @@ enum class PdfStreams { AsTheyAre, Compressed };
 // the work goes on. Throws what the library throws.
 personal::OwnedBytes WritePdf(QPDF& pdf, PdfStreams streams, PictureSteps* steps = nullptr);
 
-// Encrypted, which is a missing or wrong password, OtherCipher or Damaged, inside a catch block.
+// Inside a catch block: the outcome of a PdfRefusal; of an error of the library Encrypted, which is
+// a missing or wrong password, OtherCipher or Damaged.
 // Throws std::bad_alloc on.
 CleanOutcome OutcomeOfPdfError();
 

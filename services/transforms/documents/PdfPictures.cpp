@@ -6,6 +6,7 @@
 #include <qpdf/Buffer.hh>
 #include <qpdf/QPDFExc.hh>
 
+#include "services/transforms/documents/PdfStreamSizes.h"
 #include "services/transforms/personal/Jpeg.h"
 
 namespace transforms::documents {
@@ -35,6 +36,7 @@ auto DataOfLast(QPDF& pdf, Object stream, std::vector<Object> codings, std::vect
     auto outer = Object::newStream(&pdf, stream.getRawStreamData());
     outer.getDict().replaceKey("/Filter", Object::newArray(codings));
     outer.getDict().replaceKey("/DecodeParms", Object::newArray(with));
+    RequireStreamsFit({outer});
     try {
         return outer.getStreamData(qpdf_dl_specialized);
     } catch (const QPDFExc& error) {

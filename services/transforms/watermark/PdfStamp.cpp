@@ -4,17 +4,19 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include <qpdf/QPDF.hh>
-#include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QUtil.hh>
 
 #include "services/transforms/documents/PdfDictionaries.h"
 #include "services/transforms/documents/PdfFile.h"
+#include "services/transforms/documents/PdfPages.h"
+#include "services/transforms/documents/PdfStreamSizes.h"
 #include "services/transforms/documents/PdfWalk.h"
 #include "services/transforms/watermark/OpenContents.h"
 
@@ -181,12 +183,7 @@ public:
         documents::OpenPdf(pdf_, file, {control_.steps, password});
         if (const auto refusal = documents::RefusalOf(pdf_)) return {*refusal, {}};
         if (IsSigned()) return {CleanOutcome::Signed, {}};
-        const auto pages = QPDFPageDocumentHelper(pdf_).getAllPages();
-        if (pages.empty()) return {};
-        for (QPDFPageObjectHelper page : pages) {
-            control_.ThrowIfCancelled();
-            StampPage(page);
-        }
+        StampPages();
         if (!isStamped_) return {CleanOutcome::NothingFound, {}};
         auto written = documents::WritePdf(pdf_, documents::PdfStreams::Compressed, control_.steps);
         if (pdf_.anyWarnings()) return {};
@@ -203,11 +200,23 @@ private:
         return isSigned;
     }
 
+    // A page that is in the tree twice is one object, and is stamped once.
+    void StampPages() {
+        std::set<QPDFObjGen> seen;
+        for (const documents::PdfPage& found : documents::PagesOf(pdf_)) {
+            control_.ThrowIfCancelled();
+            if (found.page.isIndirect() && !seen.insert(found.page.getObjGen()).second) continue;
+            QPDFPageObjectHelper page(found.page);
+            StampPage(page);
+        }
+    }
+
     void StampPage(QPDFPageObjectHelper& page) {
         const ShownPage shown = Shown(page);
         if (!IsSensible(shown)) return;
         const PdfPicture* const picture = PictureFor(shown.Pixels());
         if (!picture) return;
+        documents::RequireContentsFit(page.getObjectHandle(), control_.steps);
         isStamped_ = true;
         const std::string name = Register(page, picture->object);
         // What the page's own contents leave changed is put back before the stamp is drawn.

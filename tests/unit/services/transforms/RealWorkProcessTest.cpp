@@ -10,7 +10,7 @@
 #include "tests/fakes/Recording.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
-#include "tests/unit/services/transforms/documents/PdfBuilder.h"
+#include "tests/unit/services/transforms/documents/BombSamples.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
@@ -142,6 +142,55 @@ TEST_F(RealWorkProcess, RefusesAFileThatIsTooLarge) {
         ASSERT_TRUE(SetEndOfFile(huge.Get())); // takes no room on the disk
     }
     EXPECT_EQ(Check(path).result, WorkResult::TooLarge);
+}
+
+// Each bomb has about a megabyte, decodes to more than a gigabyte, and is given to each transform.
+class RealWorkProcessBombs : public RealWorkProcess {
+protected:
+    static constexpr std::uint64_t kMegabytes = 1100; // more than the process may have
+
+    struct Results {
+        WorkResult clean, watermark, combine;
+    };
+    WorkResult Watermark(const std::string& file) {
+        using namespace obcontract;
+        return Change(file, {WorkKind::Watermark, WorkWatermark{WorkPlace::Centre, 50}, L"Copy"})
+            .result;
+    }
+    WorkResult Combine(const std::string& file) {
+        using namespace obcontract;
+        const auto source = Open(folder_.File(L"part", file), GENERIC_READ, OPEN_EXISTING);
+        CallWait wait(ended_.Get(), nullptr);
+        WorkSeries series(process_);
+        return series
+            .Run({WorkKind::CombineAdd, WorkCombineAdd{}, L"part"}, source.Get(), nullptr, wait)
+            .result;
+    }
+    // Each transform has one result and leaves the file, and the process takes the next one.
+    Results Try(const std::string& file) {
+        EXPECT_LT(file.size(), 6 * samples::kMegabyte); // as deflate packs at its quickest
+        const Results results{Clean(file).result, Watermark(file), Combine(file)};
+        EXPECT_EQ(obtest::ReadFileContent(folder_ / L"source"), file);
+        EXPECT_EQ(Clean(samples::Photo()).result, WorkResult::Changed);
+        return results;
+    }
+};
+
+// What isn't decoded is copied as it is.
+TEST_F(RealWorkProcessBombs, HaveOneResultEachAndTheNextFileIsServed) {
+    const std::string bomb = samples::Bomb(samples::kPackedPage, kMegabytes);
+    const Results objects = Try(samples::BombOfPackedObjects(bomb));
+    EXPECT_EQ(objects.clean, WorkResult::TooLarge);
+    EXPECT_EQ(objects.watermark, WorkResult::TooLarge);
+    EXPECT_EQ(objects.combine, WorkResult::TooLarge);
+    const Results contents = Try(samples::BombOfContents(bomb));
+    EXPECT_EQ(contents.clean, WorkResult::Changed);
+    EXPECT_EQ(contents.watermark, WorkResult::TooLarge);
+    EXPECT_EQ(contents.combine, WorkResult::Changed);
+    const Results picture = Try(samples::BombOfPicture(bomb));
+    EXPECT_EQ(picture.clean, WorkResult::TooLarge);
+    EXPECT_EQ(picture.watermark, WorkResult::Changed);
+    EXPECT_EQ(picture.combine, WorkResult::Changed);
 }
 
 } // namespace

@@ -177,6 +177,16 @@ TEST(OdfRefusals, EveryPackageThatIsCutOffIsDamaged) {
     }
 }
 
+TEST(OdfRefusals, BombsAreTooLarge) {
+    ZipBuilder one = Odt();
+    one.Add("Pictures/huge.bin", std::string((std::size_t{256} << 20) + 1, '\0'));
+    EXPECT_EQ(CleanDocument(one.File()).outcome, CleanOutcome::TooLarge);
+    ZipBuilder many = Odt();
+    for (int part = 0; part <= 20000; ++part)
+        many.Add("Pictures/" + std::to_string(part), "", true);
+    EXPECT_EQ(CleanDocument(many.File()).outcome, CleanOutcome::TooLarge);
+}
+
 TEST(OdfMutations, FlippedBitsGiveACleanFileOrARefusal) {
     std::mt19937 random(8);
     for (const std::string& file : {Odt().File(), Ods().File()}) {

@@ -6,6 +6,8 @@
 
 #include <qpdf/QPDFWriter.hh>
 
+#include "services/transforms/documents/PdfStreamSizes.h"
+#include "tests/unit/services/transforms/documents/BombSamples.h"
 #include "tests/unit/services/transforms/documents/DocumentSamples.h"
 #include "tests/unit/services/transforms/documents/LargeSamples.h"
 #include "tests/unit/services/transforms/documents/PdfSamples.h"
@@ -282,6 +284,47 @@ TEST(PdfRefusals, PagesThatFormALoopEnd) {
 TEST(PdfRefusals, ObjectsThatAreNestedWithoutEndAreDamaged) {
     const std::string deep(100000, '[');
     EXPECT_EQ(CheckDocument(OnePage("/A " + deep).File()).outcome, CleanOutcome::Damaged);
+}
+
+// Each level is a node of the tree.
+std::string DeepTree(const std::string& root) {
+    constexpr int kLevels = 100'000;
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
+    pdf.Add(root);
+    pdf.Add("<</Type /Page /Parent 2 0 R /MediaBox [0 0 9 9]>>");
+    for (int node = 4; node < kLevels; ++node) {
+        pdf.Add("<</Type /Pages /Kids [" + std::to_string(node + 1) + " 0 R] /Count 1>>");
+    }
+    pdf.Add("<</Type /Page /MediaBox [0 0 9 9]>>");
+    return pdf.File();
+}
+
+TEST(PdfRefusals, ATreeOfPagesThatIsAsDeepAsTheFileIsLongIsDamaged) {
+    EXPECT_EQ(CheckDocument(DeepTree("<</Type /Pages /Kids [4 0 R] /Count 1>>")).outcome,
+              CleanOutcome::Damaged);
+}
+
+// The catalog's node names one above it.
+TEST(PdfRefusals, ADeepTreeThatNoPageIsInIsNotWalked) {
+    const auto cleaned =
+        CleanDocument(DeepTree("<</Type /Pages /Parent 4 0 R /Kids [3 0 R] /Count 1>>"));
+    EXPECT_EQ(cleaned.outcome, CleanOutcome::Cleaned);
+}
+
+TEST(PdfBombs, WhatIsReadWholeIsTooLarge) {
+    const std::string bomb = Bomb(kPackedPage, transforms::documents::kMostDecoded / kMegabyte);
+    EXPECT_LT(bomb.size(), kMegabyte);
+    EXPECT_EQ(CleanDocument(BombOfPackedObjects(bomb)).outcome, CleanOutcome::TooLarge);
+    EXPECT_EQ(CleanDocument(BombOfPicture(bomb)).outcome, CleanOutcome::TooLarge);
+    EXPECT_EQ(CleanDocument(BombOfContents(bomb)).outcome, CleanOutcome::Cleaned);
+}
+
+TEST(PdfBombs, FilesOfTheSameKindUpToTheLimitAreCleaned) {
+    const std::string most = Bomb(kPackedPage, 1);
+    EXPECT_EQ(CheckDocument(BombOfPackedObjects(most)).outcome, CleanOutcome::Cleaned);
+    EXPECT_EQ(CheckDocument(BombOfPicture(most)).outcome, CleanOutcome::Cleaned);
+    EXPECT_EQ(CheckDocument(PackedPageWithCodedTable(1)).outcome, CleanOutcome::Cleaned);
 }
 
 TEST(PdfMutations, FlippedBitsGiveACleanFileOrARefusal) {

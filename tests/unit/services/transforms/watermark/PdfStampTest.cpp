@@ -9,7 +9,9 @@
 #include <array>
 #include <sstream>
 
+#include "services/transforms/documents/PdfStreamSizes.h"
 #include "services/transforms/watermark/TextStamp.h"
+#include "tests/unit/services/transforms/documents/BombSamples.h"
 #include "tests/unit/services/transforms/documents/PdfSamples.h"
 #include "tests/unit/services/transforms/personal/Samples.h"
 
@@ -193,6 +195,46 @@ TEST(PdfStamp, EndsWhenItIsCancelled) {
     } catch (const PictureFailure& failure) {
         EXPECT_EQ(failure.outcome, PictureOutcome::Cancelled);
     }
+}
+
+TEST(PdfStampRefusals, ATreeOfPagesThatIsAsDeepAsTheFileIsLongIsDamaged) {
+    constexpr int kLevels = 100'000;
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
+    for (int node = 2; node < kLevels; ++node) {
+        pdf.Add("<</Type /Pages /Kids [" + std::to_string(node + 1) + " 0 R] /Count 1>>");
+    }
+    pdf.Add("<</Type /Page /MediaBox [0 0 200 100]>>");
+    EXPECT_EQ(OutcomeOf(pdf.File()), CleanOutcome::Damaged);
+}
+
+TEST(PdfStampRefusals, ContentsThatAreABombAreTooLarge) {
+    const std::string bomb = Bomb(kPackedPage, documents::kMostDecoded / kMegabyte);
+    EXPECT_EQ(OutcomeOf(BombOfContents(bomb)), CleanOutcome::TooLarge);
+    EXPECT_EQ(OutcomeOf(BombOfPackedObjects(bomb)), CleanOutcome::TooLarge);
+}
+
+// The page names one stream many times.
+TEST(PdfStampRefusals, ContentsThatAreABombTogetherAreTooLarge) {
+    std::string contents;
+    for (int part = 0; part < 129; ++part) contents += "4 0 R ";
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
+    pdf.Add("<</Type /Pages /Kids [3 0 R] /Count 1>>");
+    pdf.Add("<</Type /Page /Parent 2 0 R /MediaBox [0 0 200 100] /Contents [" + contents + "]>>");
+    pdf.AddStream("/Filter /FlateDecode", Bomb("", 1));
+    EXPECT_EQ(OutcomeOf(pdf.File()), CleanOutcome::TooLarge);
+}
+
+TEST(PdfStamp, IsOnceOnAPageThatIsTwiceInTheTree) {
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
+    pdf.Add("<</Type /Pages /Kids [3 0 R 3 0 R] /Count 2>>");
+    pdf.Add("<</Type /Page /Parent 2 0 R /MediaBox [0 0 200 100]>>");
+    const std::string unpacked = Unpacked(Stamped(pdf.File(), Corner()));
+    const auto first = unpacked.find(" Do Q EMC");
+    ASSERT_NE(first, std::string::npos);
+    EXPECT_EQ(unpacked.find(" Do Q EMC", first + 1), std::string::npos);
 }
 
 } // namespace

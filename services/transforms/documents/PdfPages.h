@@ -8,14 +8,9 @@
 
 #include <qpdf/QPDF.hh>
 
-#include "services/transforms/personal/Findings.h"
+#include "services/transforms/documents/PdfRefusal.h"
 
-namespace transforms::combine {
-
-// Why a file can't be a part. Thrown by this room's functions, and ends in PdfCombiner.
-struct PdfRefusal {
-    CleanOutcome outcome;
-};
+namespace transforms::documents {
 
 // Trees of pages, bookmarks and form fields that are deeper count as damaged: whoever reads the
 // result may recurse.
@@ -36,4 +31,4 @@ std::vector<PdfPage> PagesOf(QPDF& pdf);
 // The dictionaries among the items of an array; none of anything else.
 std::vector<QPDFObjectHandle> DictionariesOf(const QPDFObjectHandle& array);
 
-} // namespace transforms::combine
+} // namespace transforms::documents

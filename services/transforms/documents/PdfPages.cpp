@@ -1,10 +1,10 @@
-#include "services/transforms/combine/PdfPages.h"
+#include "services/transforms/documents/PdfPages.h"
 
 #include <algorithm>
 #include <set>
 #include <utility>
 
-namespace transforms::combine {
+namespace transforms::documents {
 namespace {
 
 using Object = QPDFObjectHandle;
@@ -31,13 +31,13 @@ public:
             open_.pop_back();
             Visit(node);
         }
-        if (pages_.empty()) throw PdfRefusal{CleanOutcome::Damaged};
+        if (pages_.empty()) throw PdfRefusal(CleanOutcome::Damaged);
         return std::move(pages_);
     }
 
 private:
     void Visit(Node& node) {
-        if (!node.object.isDictionary()) throw PdfRefusal{CleanOutcome::Damaged};
+        if (!node.object.isDictionary()) throw PdfRefusal(CleanOutcome::Damaged);
         auto kids = node.object.getKey("/Kids");
         if (kids.isArray()) return Open(node, kids);
         if (!node.object.getKey("/Type").isNameAndEquals("/Pages")) {
@@ -48,7 +48,7 @@ private:
     void Open(Node& node, Object& kids) {
         const bool isNew =
             !node.object.isIndirect() || seen_.insert(node.object.getObjGen()).second;
-        if (!isNew || node.depth >= kDeepestTree) throw PdfRefusal{CleanOutcome::Damaged};
+        if (!isNew || node.depth >= kDeepestTree) throw PdfRefusal(CleanOutcome::Damaged);
         Inherit(node.inherited, node.object);
         auto inOrder = kids.getArrayAsVector();
         std::ranges::reverse(inOrder);
@@ -76,4 +76,4 @@ std::vector<QPDFObjectHandle> DictionariesOf(const QPDFObjectHandle& array) {
     return list;
 }
 
-} // namespace transforms::combine
+} // namespace transforms::documents
