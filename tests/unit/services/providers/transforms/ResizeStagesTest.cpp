@@ -330,4 +330,24 @@ TEST_F(FitStages, RemovePersonalDataAgainFromWhatIsNew) {
     EXPECT_EQ(Results(3), paths);
 }
 
+// A suite of its own, as it takes long.
+class FitOfManyFiles : public FitStages {};
+
+// The requests of more files don't fit into the pipe of one process, and none is started.
+TEST_F(FitOfManyFiles, ReportsThatTheyAreTooMany) {
+    Script("crash-at-start");
+    Names paths;
+    for (int number = 0; number <= 3000; ++number) {
+        paths.push_back(Picture(std::to_wstring(number) + L".jpg", 300));
+    }
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(List(paths, 3));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_EQ(boxes.Seen()[0].text,
+              L"So many files can't be made to fit into one mail. Nothing was attached, and your "
+              L"files are unchanged. Please pick fewer files.");
+    EXPECT_EQ(Files().size(), paths.size());
+    EXPECT_EQ(Content(paths.back()).size(), 300u);
+}
+
 } // namespace
