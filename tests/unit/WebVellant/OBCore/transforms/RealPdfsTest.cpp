@@ -67,9 +67,11 @@ TEST_F(PicturePdfsByTheRealManager, BecomeOnePdfTogether) {
 }
 
 TEST_F(PicturePdfsByTheRealManager, AttachNothingWhenAPictureIsDamaged) {
-    const std::wstring source = sources_.File(L"Beach.jpg", photo_.substr(0, photo_.size() / 2));
+    const std::string damaged = photo_.substr(0, photo_.size() / 2);
+    const std::wstring source = sources_.File(L"Beach.jpg", damaged);
     const obtest::MessageBoxWatcher boxes;
     EXPECT_FALSE(obcore::CompressUtils::TransformSingleFile(job_, {source}));
+    EXPECT_EQ(Content(source), damaged);
     EXPECT_TRUE(job_.Files.empty());
     ASSERT_EQ(boxes.Seen().size(), 1u);
     EXPECT_NE(boxes.Seen()[0].text.find(L"Beach.jpg"), std::wstring::npos);

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "tests/unit/services/providers/transforms/ManagerFixture.h"
 
 namespace {
@@ -33,6 +35,20 @@ TEST_F(PhotoRefusals, StopTheRunWithoutAWorkProcess) {
     ASSERT_TRUE(MoveFileW(program.c_str(), away.c_str()));
     ExpectRefused("good");
     ASSERT_TRUE(MoveFileW(away.c_str(), program.c_str()));
+}
+
+// A cancel while the work process writes.
+TEST_F(PhotoRefusals, EndWithTheSessionAndLeaveOnlyTheCopy) {
+    const std::wstring path = folder_.File(L"photo.heic", "photo");
+    Script("hang-after-writing");
+    const obtest::MessageBoxWatcher boxes;
+    std::thread worker([&] { EXPECT_FALSE(Execute(path)); });
+    EXPECT_TRUE(AwaitUnfinished());
+    Entries().Deinit(manager_);
+    worker.join();
+    EXPECT_EQ(Files(), (Names{L"photo.heic"}));
+    EXPECT_EQ(obtest::ReadFileContent(path), "photo");
+    EXPECT_TRUE(boxes.Seen().empty());
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 
 #include "services/providers/ui/WatermarkDialogIds.h"
 #include "tests/unit/services/providers/transforms/ManagerFixture.h"
@@ -119,6 +120,20 @@ TEST_F(WatermarkStages, StopWithASentenceOnAFullDisk) { ExpectRefused("full"); }
 TEST_F(WatermarkStages, StopWithASentenceWhenTheResultIsNotWhole) { ExpectRefused("wrong-size"); }
 TEST_F(WatermarkStages, StopWithASentenceWhenTheProcessDies) {
     ExpectRefused("crash-after-writing");
+}
+
+// A cancel while the work process writes.
+TEST_F(WatermarkStages, EndWithTheSessionAndLeaveOnlyTheCopy) {
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    Script("hang-after-writing");
+    const obtest::MessageBoxWatcher boxes;
+    std::thread worker([&] { EXPECT_FALSE(Execute(path)); });
+    EXPECT_TRUE(AwaitUnfinished());
+    Entries().Deinit(manager_);
+    worker.join();
+    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+    EXPECT_EQ(Content(path), "photo");
+    EXPECT_TRUE(boxes.Seen().empty());
 }
 
 TEST_F(WatermarkStages, HaveATextBeforeOneWasEntered) {
