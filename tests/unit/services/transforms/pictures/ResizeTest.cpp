@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
+#include <vector>
 
 #include "services/transforms/pictures/Resize.h"
 #include "services/transforms/pictures/SizeSearch.h"
@@ -71,6 +73,80 @@ TEST(ResizeTest, ReportsBytesThatCantBeMet) {
     const auto result = Resize(MakeJpeg(Photo(700, 500, 3)), {ResizeAim::Bytes, 300});
     EXPECT_EQ(result.outcome, PictureOutcome::CannotFit);
     EXPECT_TRUE(result.bytes.empty());
+}
+
+void Put(PictureBytes& file, std::uint32_t value, int count) {
+    for (int i = 0; i < count; ++i) file.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}
+
+// A TIFF without compression, 40 by 30 pixels of up to 2 samples.
+struct TiffForm {
+    std::uint16_t photometric = 1, bits = 8, samples = 1, planes = 1; // planes: 2 for separate ones
+};
+PictureBytes PlainTiff(const TiffForm& form) {
+    constexpr std::uint32_t kWidth = 40, kHeight = 30, kColourMap = 300, kPixels = 2000;
+    const bool areSeparate = form.planes == 2;
+    const std::uint32_t bytes =
+        kWidth * kHeight * form.bits / 8 * (areSeparate ? 1u : form.samples);
+    struct Entry {
+        std::uint16_t tag, type;
+        std::uint32_t count, value;
+    };
+    const auto twice = [](std::uint32_t value) { return value << 16 | value; };
+    const std::uint32_t strips = areSeparate ? 2 : 1;
+    std::vector<Entry> entries{
+        {256, 3, 1, kWidth},
+        {257, 3, 1, kHeight},
+        {258, 3, form.samples, form.samples == 2 ? twice(form.bits) : form.bits},
+        {259, 3, 1, 1},
+        {262, 3, 1, form.photometric},
+        {273, 3, strips, areSeparate ? (kPixels + bytes) << 16 | kPixels : kPixels},
+        {277, 3, 1, form.samples},
+        {278, 3, 1, kHeight},
+        {279, 3, strips, areSeparate ? twice(bytes) : bytes},
+        {284, 3, 1, form.planes}};
+    if (form.photometric == 3) entries.push_back({320, 3, 3u << form.bits, kColourMap});
+    if (form.samples == 2) entries.push_back({338, 3, 1, 2});
+    PictureBytes file{'I', 'I', 42, 0, 8, 0, 0, 0};
+    Put(file, static_cast<std::uint32_t>(entries.size()), 2);
+    for (const Entry& entry : entries) {
+        Put(file, entry.tag, 2);
+        Put(file, entry.type, 2);
+        Put(file, entry.count, 4);
+        Put(file, entry.value, 4);
+    }
+    Put(file, 0, 4); // no further page
+    file.resize(kPixels + strips * bytes, 100);
+    return file;
+}
+
+// A BMP whose header says this of a picture of enough bytes.
+PictureBytes BmpOf(unsigned channels, std::uint8_t bits, std::uint8_t compression) {
+    constexpr std::size_t kBitsAt = 28, kCompressionAt = 30;
+    PictureBytes file = MakeBmp(Photo(40, 30, channels));
+    file[kBitsAt] = bits;
+    file[kCompressionAt] = compression;
+    return file;
+}
+
+TEST(ResizeTest, PassesPicturesOfAFormThatIsNotWorkedOn) {
+    const ResizeRequest request{ResizeAim::LongestEdge, 20};
+    // The makers make pictures that are worked on, but for the form.
+    for (const PictureBytes& file :
+         {PlainTiff({}), PlainTiff({.samples = 2}), BmpOf(3, 24, 0), BmpOf(1, 8, 0)})
+        EXPECT_EQ(Resize(file, request).outcome, PictureOutcome::Shrunk);
+    const std::pair<const char*, PictureBytes> rows[] = {
+        {"TIFF with a palette", PlainTiff({.photometric = 3})},
+        {"TIFF with separate planes", PlainTiff({.samples = 2, .planes = 2})},
+        {"TIFF of 4 bits", PlainTiff({.bits = 4})},
+        {"TIFF of 32 bits", PlainTiff({.bits = 32})},
+        {"BMP with packed pixels", BmpOf(1, 8, 1)},
+        {"BMP of 16 bits", BmpOf(3, 16, 0)}};
+    for (const auto& [name, file] : rows) {
+        const auto result = Resize(file, request);
+        EXPECT_EQ(result.outcome, PictureOutcome::Unsupported) << name;
+        EXPECT_TRUE(result.bytes.empty()) << name;
+    }
 }
 
 TEST(ShrinkLadderTest, FallsInSmallSteps) {
