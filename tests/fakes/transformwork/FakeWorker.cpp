@@ -141,6 +141,11 @@ void Act(const std::string& word, const Taken& taken) {
         Find("position", 1);
         Crash();
     }
+    if (word == "jpeg") {
+        WriteTarget(taken, "\xFF\xD8\xFF jpeg");
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 8});
+        return;
+    }
     if (word == "full") {
         WriteTarget(taken, "half");
         Send(WorkKind::Failed, WorkFailed{WorkFailure::Unwritable, 0});
