@@ -165,6 +165,7 @@ CleanOutcome PdfCombiner::Work::Take(QPDF& source, const PdfPart& part) {
     PdfCopier copier(
         target_, places, part.breaksSignatures ? PdfSignatures::AreLeftOut : PdfSignatures::AreMet,
         [this, number = sources.size()] { Enter(number); }, steps_);
+    if (forms_.WillRename(source, pages)) copier.LeaveOutScripts();
     auto copies = CopyPages(copier, pages);
     auto form = PdfForms::Copy(copier, source, pages);
     auto layers = copier.Copy(source.getRoot().getKey("/OCProperties"));

@@ -36,12 +36,12 @@ public:
 
 // Pages in the order of the parts. Each part has a bookmark of its title with its own bookmarks
 // below. Links and bookmarks lead to the same pages as before; a form field whose name another part
-// has too gets another one; layers are shown or hidden as before; attached files stay attached.
-// What belongs to a file as a whole isn't taken over: its information, scripts, tags, page labels
-// and a form in XML. If a part is encrypted, the file has the key, passwords and permissions of one
-// such part: of those that don't open without a password, or of all if there are none, the one with
-// the strongest cipher, and the first of several. Equal parts give equal bytes. One thread; throws
-// std::bad_alloc alone.
+// has too gets another one, and its part loses its scripts; layers are shown or hidden as before;
+// attached files stay attached. What belongs to a file as a whole isn't taken over: its
+// information, scripts, tags, page labels and a form in XML. If a part is encrypted, the file has
+// the key, passwords and permissions of one such part: of those that don't open without a password,
+// or of all if there are none, the one with the strongest cipher, and the first of several. Equal
+// parts give equal bytes. One thread; throws std::bad_alloc alone.
 class PdfCombiner {
 public:
     // `steps`, which may be null, outlives the combiner.

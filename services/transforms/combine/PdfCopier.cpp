@@ -22,6 +22,32 @@ bool IsNotCopied(const std::string& key) {
     return std::ranges::find(kNotCopied, key) != std::end(kNotCopied);
 }
 
+// A field by its name: one that is referred to stays the same field.
+bool NamesField(Object fields) {
+    if (fields.isString()) return true;
+    if (!fields.isArray()) return false;
+    const auto items = fields.getArrayAsVector();
+    return std::ranges::any_of(items, [](Object item) { return item.isString(); });
+}
+
+struct FieldAction {
+    const char* kind;
+    const char* fields;
+};
+constexpr FieldAction kFieldActions[] = {
+    {"/ResetForm", "/Fields"}, {"/SubmitForm", "/Fields"}, {"/Hide", "/T"}};
+
+// Whether the action is a script, whatever that does, or acts on fields by their names.
+bool FindsFieldsByName(Object& action) {
+    auto kind = action.getKey("/S");
+    if (!kind.isName()) return false;
+    const bool isScript = kind.isNameAndEquals("/JavaScript") ||
+                          (kind.isNameAndEquals("/Rendition") && action.hasKey("/JS"));
+    return isScript || std::ranges::any_of(kFieldActions, [&](const FieldAction& row) {
+               return kind.isNameAndEquals(row.kind) && NamesField(action.getKey(row.fields));
+           });
+}
+
 } // namespace
 
 void PdfCopier::Map(const Object& from, const Object& to) { copies_.emplace(from.getObjGen(), to); }
@@ -92,6 +118,7 @@ bool PdfCopier::IsLeftOut(Object dictionary) {
         hasMetSignature_ = true;
         return signatures_ == PdfSignatures::AreLeftOut;
     }
+    if (leavesOutScripts_ && FindsFieldsByName(dictionary)) return true;
     auto type = dictionary.getKey("/Type");
     return type.isName() && std::ranges::find(kOfFile, type.getName()) != std::end(kOfFile);
 }

@@ -28,6 +28,10 @@ public:
     PdfCopier(const PdfCopier&) = delete;
     PdfCopier& operator=(const PdfCopier&) = delete;
 
+    // From now on scripts, and actions that name form fields, become null: they would act on other
+    // fields when a field is renamed.
+    void LeaveOutScripts() noexcept { leavesOutScripts_ = true; }
+
     // References to `from` become references to `to`.
     void Map(const QPDFObjectHandle& from, const QPDFObjectHandle& to);
 
@@ -57,6 +61,7 @@ private:
     std::map<QPDFObjGen, QPDFObjectHandle> copies_;
     std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> open_; // from and to
     bool hasMetSignature_ = false;
+    bool leavesOutScripts_ = false;
 };
 
 } // namespace transforms::combine

@@ -184,14 +184,27 @@ std::vector<PdfForms::Field> PdfForms::FieldsOf(const std::vector<Object>& roots
     return fields;
 }
 
+std::set<std::string> PdfForms::FirstNamesOf(std::vector<Field>& fields) {
+    std::set<std::string> names;
+    for (Field& field : fields) {
+        if (field.hasFirstName) names.insert(field.field.getKey("/T").getUTF8Value());
+    }
+    return names;
+}
+
+bool PdfForms::WillRename(QPDF& source, const std::vector<PdfPage>& pages) const {
+    auto form = source.getRoot().getKey("/AcroForm");
+    if (!form.isDictionary()) return false;
+    auto fields = FieldsOf(RootsOf(form, pages));
+    return std::ranges::any_of(FirstNamesOf(fields),
+                               [&](const auto& name) { return names_.contains(name); });
+}
+
 // Two fields of one name are one field with one value: those of one part stay that, and those of
 // different parts mustn't become it.
-void PdfForms::RenameFields(std::vector<Field>& fields) {
-    std::set<std::string> own;
+bool PdfForms::RenameFields(std::vector<Field>& fields) {
+    const std::set<std::string> own = FirstNamesOf(fields);
     const auto nameOf = [](Field& field) { return field.field.getKey("/T").getUTF8Value(); };
-    for (Field& field : fields) {
-        if (field.hasFirstName) own.insert(nameOf(field));
-    }
     Renamed renamed;
     for (const std::string& name : own) {
         std::string unique = name;
@@ -204,11 +217,15 @@ void PdfForms::RenameFields(std::vector<Field>& fields) {
         names_.insert(unique);
         renamed[name] = unique;
     }
+    bool hasRenamed = false;
     for (Field& field : fields) {
         if (!field.hasFirstName) continue;
         const std::string& name = renamed[nameOf(field)];
-        if (name != nameOf(field)) field.field.replaceKey("/T", Object::newUnicodeString(name));
+        if (name == nameOf(field)) continue;
+        field.field.replaceKey("/T", Object::newUnicodeString(name));
+        hasRenamed = true;
     }
+    return hasRenamed;
 }
 
 // A font whose name another one has gets another name.
@@ -262,7 +279,10 @@ void PdfForms::AddDefaults(PdfFormPart& part, const Renamed& fonts) {
 
 void PdfForms::Add(PdfFormPart part) {
     auto fields = FieldsOf(part.roots);
-    RenameFields(fields);
+    if (RenameFields(fields)) {
+        part.orders.clear();
+        for (Field& field : fields) field.field.removeKey("/AA");
+    }
     const Renamed fonts = AddResources(part.resources);
     for (Field& field : fields) ChangeFonts(field.field, fonts);
     AddDefaults(part, fonts);

@@ -27,7 +27,12 @@ public:
     static PdfFormPart Copy(PdfCopier& copier, QPDF& source,
                             const std::vector<documents::PdfPage>& pages);
 
-    // Throws PdfRefusal when the fields are nested too deeply; nothing is added then.
+    // Whether a field of the file gets another name by Add. Its scripts, which then would find
+    // other fields, aren't to be copied. Throws PdfRefusal as Add does.
+    bool WillRename(QPDF& source, const std::vector<PdfPage>& pages) const;
+
+    // A part with a field that gets another name loses what its fields do on events, and what is
+    // calculated. Throws PdfRefusal when the fields are nested too deeply; nothing is added then.
     void Add(PdfFormPart part);
     void Write(QPDFObjectHandle catalog);
 
@@ -39,7 +44,8 @@ private:
     };
 
     static std::vector<Field> FieldsOf(const std::vector<QPDFObjectHandle>& roots);
-    void RenameFields(std::vector<Field>& fields);
+    static std::set<std::string> FirstNamesOf(std::vector<Field>& fields);
+    bool RenameFields(std::vector<Field>& fields); // true: one got another name
     Renamed AddResources(QPDFObjectHandle resources);
     Renamed AddFonts(QPDFObjectHandle fonts);
     void AddDefaults(PdfFormPart& part, const Renamed& fonts);

@@ -103,6 +103,48 @@ TEST(PdfForms, TakeNoNameThatAFieldOfThePartHas) {
     EXPECT_EQ(FieldOn(file, 1, 1).getFullyQualifiedName(), "name (2)");
 }
 
+// A sum that is calculated by a script, and buttons that act on it by its name and by reference.
+std::string CalculatingForm() {
+    PdfBuilder pdf = OnePage("/Annots [5 0 R 6 0 R 7 0 R 8 0 R 9 0 R 10 0 R] "
+                             "/AA <</O <</S /JavaScript /JS (this.getField)>>>>",
+                             "/AcroForm <</Fields [5 0 R 6 0 R 7 0 R 8 0 R 9 0 R] /CO [5 0 R]>>");
+    const auto button = [&](const std::string& name, const std::string& action) {
+        pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Btn /Ff 65536 /T (" + name +
+                ") /A <<" + action + ">>>>");
+    };
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Tx /T (sum) /V (7) "
+            "/AA <</C <</S /JavaScript /JS (event.value)>>>>>>");
+    button("reset", "/S /ResetForm /Fields [(sum)]");
+    button("send", "/S /SubmitForm /F (https://example.com) /Fields [5 0 R (sum)]");
+    button("hide", "/S /Hide /T (sum)");
+    button("own", "/S /ResetForm /Fields [5 0 R]");
+    pdf.Add("<</Type /Annot /Subtype /Link /Rect [0 0 9 9] /A <</S /JavaScript /JS (x)>>>>");
+    return pdf.File();
+}
+
+TEST(PdfForms, LoseScriptsThatWouldActOnFieldsOfAnotherPart) {
+    CombinedFile file({{"a", CalculatingForm()},
+                       {"b", TextField("other", "x", "/CO [5 0 R]", "/AA <</C 4 0 R>>")},
+                       {"c", CalculatingForm()}});
+    EXPECT_EQ(FieldOn(file, 0).getValueAsString(), "7");
+    EXPECT_EQ(FieldOn(file, 2).getFullyQualifiedName(), "sum (2)");
+    EXPECT_EQ(FieldOn(file, 2).getValueAsString(), "7");
+    EXPECT_TRUE(file.Page(0).getKey("/AA").hasKey("/O"));
+    EXPECT_FALSE(file.Page(2).getKey("/AA").hasKey("/O"));
+    for (const std::size_t page : {0u, 1u}) EXPECT_TRUE(file.Annotation(page).hasKey("/AA"));
+    EXPECT_FALSE(file.Annotation(2).hasKey("/AA"));
+    for (const int button : {1, 2, 3, 5}) {
+        EXPECT_TRUE(file.Annotation(0, button).hasKey("/A")) << button;
+        EXPECT_FALSE(file.Annotation(2, button).hasKey("/A")) << button;
+    }
+    auto own = file.Annotation(2, 4).getKey("/A").getKey("/Fields").getArrayItem(0);
+    EXPECT_TRUE(own.isSameObjectAs(file.Annotation(2)));
+    auto orders = FormOf(file).getKey("/CO");
+    ASSERT_EQ(orders.getArrayNItems(), 2);
+    EXPECT_TRUE(orders.getArrayItem(0).isSameObjectAs(file.Annotation(0)));
+    EXPECT_TRUE(orders.getArrayItem(1).isSameObjectAs(file.Annotation(1)));
+}
+
 TEST(PdfForms, ListAFieldThatItsPartDidNotList) {
     PdfBuilder pdf = OnePage("/Annots [5 0 R]", "/AcroForm <</Fields []>>");
     pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Tx /T (name) /V (x)>>");
