@@ -29,7 +29,7 @@ public:
 
     // Whether a field of the file gets another name by Add. Its scripts, which then would find
     // other fields, aren't to be copied. Throws PdfRefusal as Add does.
-    bool WillRename(QPDF& source, const std::vector<PdfPage>& pages) const;
+    bool WillRename(QPDF& source, const std::vector<documents::PdfPage>& pages) const;
 
     // A part with a field that gets another name loses what its fields do on events, and what is
     // calculated. Throws PdfRefusal when the fields are nested too deeply; nothing is added then.
