@@ -127,11 +127,12 @@ bool Combination::Open(const std::vector<std::wstring>& paths) {
     return true;
 }
 
-// Some are sent twice.
+// Each is sent twice at most: as it is, and with its password or without its signature.
 bool Combination::HasRoom() const {
+    constexpr std::size_t kPassword = sizeof(WorkHeader) + kMostPasswordBytes;
     std::size_t bytes = 0;
     for (const PdfFile& file : files_) {
-        bytes += 2 * AddOrder(file.path, WorkSignatures::Keep).RecordSize();
+        bytes += 2 * AddOrder(file.path, WorkSignatures::Keep).RecordSize() + kPassword;
     }
     return bytes + kLargestWorkPayload <= WorkProcess::kPipeRoom;
 }
@@ -147,10 +148,17 @@ bool Combination::AddAll() {
     return std::ranges::all_of(files_, [&](PdfFile& file) { return Add(file); });
 }
 
+// A user may type any number of passwords, and the series has room for few requests: it gets a
+// password only after that has opened the PDF in another process.
 WorkReport Combination::Send(const PdfFile& file, WorkSignatures signatures) {
+    const HANDLE source = file.copy.Handle();
     return RunWithPassword(call_, file.path, AddOrder(file.path, signatures),
                            [&](const WorkOrder& order) {
-                               return series_->Run(order, file.copy.Handle(), nullptr, call_.wait);
+                               if (order.HasPassword()) {
+                                   WorkReport tried = series_->Try(order, source, call_.wait);
+                                   if (tried.result != WorkResult::Changed) return tried;
+                               }
+                               return series_->Run(order, source, nullptr, call_.wait);
                            });
 }
 

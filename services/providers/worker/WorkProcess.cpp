@@ -216,4 +216,8 @@ WorkReport WorkSeries::Run(const WorkOrder& order, HANDLE source, HANDLE target,
     return process_.RunOnce(order, source, target, wait);
 }
 
+WorkReport WorkSeries::Try(const WorkOrder& order, HANDLE source, CallWait& wait) {
+    return WorkProcess(process_.settings_).RunOnce(order, source, nullptr, wait);
+}
+
 } // namespace providers

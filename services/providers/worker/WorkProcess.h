@@ -92,6 +92,10 @@ public:
     // process.
     WorkReport Run(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait);
 
+    // The same in a process of its own that ends at once: for an attempt that may fail and takes no
+    // room in the series. Nothing of it counts for the next request.
+    WorkReport Try(const WorkOrder& order, HANDLE source, CallWait& wait);
+
 private:
     WorkProcess& process_;
     bool hasBegun_ = false;

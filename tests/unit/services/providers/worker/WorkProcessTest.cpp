@@ -196,6 +196,26 @@ TEST_F(WorkProcessTest, TakesMoreRequestsInASeriesThanBesides) {
     }
 }
 
+TEST_F(WorkProcessTest, TakesAsManyRequestsInASeriesWhateverIsTriedBesides) {
+    Script("good");
+    CallWait wait(ended_.Get(), nullptr);
+    const WorkOrder order(obcontract::WorkKind::CombineAdd, obcontract::WorkCombineAdd{},
+                          std::wstring(obcontract::kMostCombineTitle, L't'));
+    const auto taken = [&](int attempts) {
+        WorkProcess process(Settings());
+        WorkSeries series(process);
+        int requests = 0;
+        while (series.Run(order, source_.Get(), nullptr, wait).result == WorkResult::Changed) {
+            if (++requests > attempts) continue;
+            EXPECT_EQ(series.Try(order, source_.Get(), wait).result, WorkResult::Changed);
+        }
+        return requests;
+    };
+    const int alone = taken(0);
+    EXPECT_GT(alone, 20);
+    EXPECT_EQ(taken(20), alone);
+}
+
 // A write to a process that doesn't read never waits, as the system's pipe takes what this side
 // counts on.
 TEST_F(WorkProcessTest, HasAPipeWithTheRoomThatItCountsOn) {
