@@ -174,7 +174,7 @@ std::vector<PdfForms::Field> PdfForms::FieldsOf(const std::vector<Object>& roots
         open.pop_back();
         if (!field.isDictionary()) continue;
         if (field.isIndirect() && !seen.insert(field.getObjGen()).second) continue;
-        if (depth > kDeepestTree) throw PdfRefusal(CleanOutcome::Damaged);
+        if (depth >= kDeepestTree) throw PdfRefusal(CleanOutcome::Damaged);
         const bool hasName = field.getKey("/T").isString();
         fields.push_back({field, hasName && !isNamed});
         for (const auto& kid : DictionariesOf(field.getKey("/Kids"))) {

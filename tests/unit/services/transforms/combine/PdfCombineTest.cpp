@@ -380,24 +380,40 @@ TEST(PdfCombineChains, CombinesLongChainsOfBookmarksAndOfOtherObjects) {
               -(kLong + 1));
 }
 
-TEST(PdfCombineChains, RefusesTreesThatAreAsDeepAsTheFileIsLong) {
+// Trees of so many levels: of pages, bookmarks, fields from above, and fields from below.
+std::vector<std::string> FilesOfLevels(int levels) {
     std::vector<std::string> files;
-    auto pages = Chain(4, kLong, "<</Type /Pages /Kids [", "]>>");
-    pages.push_back("<</Type /Page>>");
+    auto pages = Chain(4, levels - 2, "<</Type /Pages /Kids [", "]>>"); // two are above them
+    pages.push_back("<</Type /Page /MediaBox [0 0 9 9]>>");
     files.push_back(Pages(1, 0, "/Kids [4 0 R]", "", pages));
-    auto bookmarks = Chain(4, kLong, "<</Title (x) /First ", ">>");
+    auto bookmarks = Chain(4, levels - 1, "<</Title (x) /First ", ">>");
     bookmarks.push_back("<</Title (last)>>");
-    files.push_back(Pages(1, 0, "", "/Outlines 4 0 R", bookmarks));
-    auto fields = Chain(4, kLong, "<</T (x) /Kids [", "]>>");
+    files.push_back(Pages(1, 0, "", "/Outlines <</First 4 0 R>>", bookmarks));
+    auto fields = Chain(4, levels - 1, "<</T (x) /Kids [", "]>>");
     fields.push_back("<</T (last) /FT /Tx>>");
     files.push_back(Pages(1, 0, "", "/AcroForm <</Fields [4 0 R]>>", fields));
-    auto parents = Chain(4, kLong, "<</Subtype /Widget /T (x) /Parent ", ">>");
+    auto parents = Chain(4, levels - 1, "<</Subtype /Widget /T (x) /Parent ", ">>");
     parents.push_back("<</T (last) /FT /Tx>>");
     files.push_back(Pages(1, 0, "/Annots [4 0 R]", "/AcroForm <</Fields []>>", parents));
-    files.push_back(Attached(std::vector<std::string>(1000, "x")));
-    files.push_back(Pages(1, 0, "/Annots [<</Subtype /Link /Dest (x)>>]", "/Names <</Dests 4 0 R>>",
-                          Chain(4, kLong, "<</Kids [", "]>>")));
-    for (const std::string& file : files) {
+    return files;
+}
+
+TEST(PdfCombineChains, RefusesTreesOfMoreThan500Levels) {
+    for (const auto& [levels, outcome] : {std::pair(500, CleanOutcome::Cleaned),
+                                          {501, CleanOutcome::Damaged},
+                                          {kLong, CleanOutcome::Damaged}}) {
+        for (const std::string& file : FilesOfLevels(levels)) {
+            EXPECT_EQ(Combined({{"a", file}}).outcome, outcome)
+                << levels << ' ' << file.substr(file.find("4 0 obj"), 60);
+        }
+    }
+}
+
+TEST(PdfCombineChains, RefusesDeepTreesOfNames) {
+    for (const std::string& file :
+         {Attached(std::vector<std::string>(1000, "x")),
+          Pages(1, 0, "/Annots [<</Subtype /Link /Dest (x)>>]", "/Names <</Dests 4 0 R>>",
+                Chain(4, kLong, "<</Kids [", "]>>"))}) {
         EXPECT_EQ(Combined({{"a", file}}).outcome, CleanOutcome::Damaged)
             << file.substr(file.find("4 0 obj"), 60);
     }

@@ -94,13 +94,29 @@ TEST(PdfPlaces, OfABookmarkForEachPartAreItsFirstPageWithItsOwnBelow) {
 
 // The catalog and the trees above it would bring the whole part a second time.
 TEST(PdfPlaces, BringNothingOfTheFileAsAWhole) {
-    CombinedFile file(
-        {{"a", Pages(2, 0, Link("/Dest [4 0 R /Fit] /Other 1 0 R /Tree 2 0 R"),
-                     "/Threads [5 0 R] /Metadata 5 0 R", {"<</Type /StructElem /P 1 0 R>>"})}});
+    const char* const keys[] = {"/Threads",  "/Metadata",   "/PageLabels", "/StructTreeRoot",
+                                "/MarkInfo", "/OpenAction", "/AA"};
+    const std::string catalog =
+        "/Threads [5 0 R] /Metadata 5 0 R /PageLabels <</Nums [0 <</S /r>>]>> "
+        "/StructTreeRoot 5 0 R /MarkInfo <</Marked true>> "
+        "/OpenAction <</S /JavaScript /JS (canary)>> /AA <</WC 6 0 R>> "
+        "/Names <</JavaScript <</Names [(canary) 6 0 R]>>>>";
+    std::string part = Pages(2, 0, Link("/Dest [4 0 R /Fit] /Other 1 0 R /Tree 2 0 R"), catalog,
+                             {"<</Type /StructElem /P 1 0 R>>", "<</S /JavaScript /JS (canary)>>",
+                              "<</Title (canary) /Author (canary)>>"});
+    const std::size_t trailer = part.find("/Root ");
+    ASSERT_NE(trailer, std::string::npos);
+    part.insert(trailer, "/Info 7 0 R ");
+    CombinedFile file({{"a", part}, {"b", part}});
     auto link = file.Annotation(0);
     EXPECT_FALSE(link.hasKey("/Other"));
     EXPECT_FALSE(link.hasKey("/Tree"));
-    EXPECT_FALSE(file.Catalog().hasKey("/Threads"));
+    for (const char* const key : keys) EXPECT_FALSE(file.Catalog().hasKey(key)) << key;
+    auto names = file.Catalog().getKey("/Names");
+    EXPECT_FALSE(names.isDictionary() && names.hasKey("/JavaScript"));
+    EXPECT_FALSE(file.Pdf().getTrailer().hasKey("/Info"));
+    for (auto& object : file.Pdf().getAllObjects())
+        EXPECT_EQ(object.unparse().find("canary"), std::string::npos);
 }
 
 } // namespace

@@ -50,6 +50,19 @@ TEST(JpegPdf, LeavesOutWhatFollowsThePicture) {
     EXPECT_EQ(MakePdf(longer).Page().coded, TextOf(file));
 }
 
+// A PDF contains JPEG data of 8 bits only, and nothing here decodes the others.
+TEST(JpegPdf, IsNotMadeOfAPictureOf12Bits) {
+    std::string text = TextOf(MakeJpeg(Photo(64, 48, 3)));
+    const std::size_t frame = text.find("\xFF\xC0");
+    ASSERT_NE(frame, std::string::npos);
+    constexpr std::size_t kPrecision = 4; // after the marker and the length
+    ASSERT_EQ(text[frame + kPrecision], 8);
+    text[frame + kPrecision] = 12;
+    const auto made = MakePdf(PictureBytes(text.begin(), text.end()));
+    EXPECT_EQ(made.outcome, PictureOutcome::Unsupported); // the file passes as it is
+    EXPECT_TRUE(made.file.empty());
+}
+
 TEST(JpegPdf, KeepsASoundProfileAndLeavesOutADamagedOne) {
     const std::string profile = SoundProfile();
     const JpegMaking sound{.markers = {{0xE2, ProfileMarker(profile)}}};
