@@ -233,7 +233,9 @@ PdfForms::Renamed PdfForms::AddFonts(Object fonts) {
     Renamed renamed;
     Comparison fontsOfPart;
     auto all = Below(resources_, "/Font");
-    for (auto& [name, font] : fonts.getDictAsMap()) {
+    for (auto& named : fonts.getDictAsMap()) {
+        const std::string& name = named.first;
+        Object& font = named.second;
         std::string unique = name;
         const auto isTaken = [&] {
             return all.hasKey(unique) && !fontsOfPart.AreAlike(all.getKey(unique), font);

@@ -85,7 +85,7 @@ TEST_F(ManagerStages, StopWithASentenceWithoutTheWorkProcess) {
 
 TEST_F(ManagerStages, AreReadyWithTheWorkProcess) {
     EXPECT_TRUE(Entries().GetReadyForConvert(nullptr, manager_, kRemoveInfo, kTransform));
-    EXPECT_FALSE(Entries().GetReadyForConvert(nullptr, manager_, 3, kTransform));
+    EXPECT_FALSE(Entries().GetReadyForConvert(nullptr, manager_, 66, kTransform)); // not planned
 }
 
 // A cancelled dialog stores nothing, so that the next tick asks again.

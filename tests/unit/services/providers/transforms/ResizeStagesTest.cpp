@@ -154,7 +154,7 @@ TEST_F(ResizeStages, HaveTheirOwnSettings) {
     EXPECT_EQ(ask(IDOK), 3);
     EXPECT_EQ(obtest::ReadValue(HKEY_CURRENT_USER, kResizeKey, L"Aim"), L"Percent");
     EXPECT_EQ(ask(IDOK), 1);
-    Entries().ShowProviderOptions(manager_, 3, kTransform, nullptr, nullptr); // not supported
+    Entries().ShowProviderOptions(manager_, 66, kTransform, nullptr, nullptr); // not supported
 }
 
 // A mail of 1 MB has room for 729,927 bytes.
