@@ -1,5 +1,5 @@
-// A document's way through an office program that is driven by automation: a recording program
-// stands in its place, since no real one can be had here.
+// Documents converted by an office program through automation. The program is a fake that records
+// what it is asked: under Wine there is no real one.
 #include <windows.h>
 
 #include <gtest/gtest.h>
