@@ -92,4 +92,16 @@ void TiffFile::ThrowFailure() const {
     throw PictureFailure{target_ ? PictureOutcome::OutOfMemory : PictureOutcome::Damaged};
 }
 
+std::uint16_t TiffShort(TIFF* tiff, std::uint32_t tag) noexcept {
+    std::uint16_t value = 0;
+    TIFFGetFieldDefaulted(tiff, tag, &value);
+    return value;
+}
+
+std::uint32_t TiffLong(TIFF* tiff, std::uint32_t tag) noexcept {
+    std::uint32_t value = 0;
+    TIFFGetField(tiff, tag, &value);
+    return value;
+}
+
 } // namespace transforms

@@ -42,4 +42,9 @@ private:
     std::exception_ptr failure_;
 };
 
+// A tag of the page that was read last: the default of the format where the file lacks it, for
+// TiffLong 0.
+std::uint16_t TiffShort(TIFF* tiff, std::uint32_t tag) noexcept;
+std::uint32_t TiffLong(TIFF* tiff, std::uint32_t tag) noexcept;
+
 } // namespace transforms

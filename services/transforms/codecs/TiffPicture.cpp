@@ -12,38 +12,28 @@ namespace {
 
 [[noreturn]] void Throw(PictureOutcome outcome) { throw PictureFailure{outcome}; }
 
-std::uint16_t Short(TIFF* tiff, std::uint32_t tag) noexcept {
-    std::uint16_t value = 0;
-    TIFFGetFieldDefaulted(tiff, tag, &value);
-    return value;
-}
-
-std::uint32_t Long(TIFF* tiff, std::uint32_t tag) noexcept {
-    std::uint32_t value = 0;
-    TIFFGetField(tiff, tag, &value);
-    return value;
-}
-
 PictureSize SizeOf(TIFF* tiff, const PictureControl& control) {
-    const PictureSize size{Long(tiff, TIFFTAG_IMAGEWIDTH), Long(tiff, TIFFTAG_IMAGELENGTH)};
+    const PictureSize size{TiffLong(tiff, TIFFTAG_IMAGEWIDTH), TiffLong(tiff, TIFFTAG_IMAGELENGTH)};
     if (!size.width || !size.height) Throw(PictureOutcome::Damaged);
     control.ThrowIfTooLarge(size.width, size.height);
     return size;
 }
 
-bool IsJpeg(TIFF* tiff) noexcept { return Short(tiff, TIFFTAG_COMPRESSION) == COMPRESSION_JPEG; }
+bool IsJpeg(TIFF* tiff) noexcept {
+    return TiffShort(tiff, TIFFTAG_COMPRESSION) == COMPRESSION_JPEG;
+}
 
 enum class LabPictures { Refused, Served }; // their samples have signs, which no filter knows
 
 unsigned ColoursOf(TIFF* tiff, LabPictures lab) {
-    switch (Short(tiff, TIFFTAG_PHOTOMETRIC)) {
+    switch (TiffShort(tiff, TIFFTAG_PHOTOMETRIC)) {
     case PHOTOMETRIC_MINISBLACK:
     case PHOTOMETRIC_MINISWHITE:
         return 1;
     case PHOTOMETRIC_RGB:
         return 3;
     case PHOTOMETRIC_SEPARATED:
-        if (Short(tiff, TIFFTAG_INKSET) == INKSET_CMYK) return 4;
+        if (TiffShort(tiff, TIFFTAG_INKSET) == INKSET_CMYK) return 4;
         Throw(PictureOutcome::Unsupported);
     case PHOTOMETRIC_YCBCR:
         if (IsJpeg(tiff)) return 3; // the codec delivers RGB
@@ -58,11 +48,12 @@ unsigned ColoursOf(TIFF* tiff, LabPictures lab) {
 }
 
 RasterForm FormOf(TIFF* tiff, PictureSize size, LabPictures lab = LabPictures::Refused) {
-    RasterForm form{size, Short(tiff, TIFFTAG_SAMPLESPERPIXEL), Short(tiff, TIFFTAG_BITSPERSAMPLE)};
+    RasterForm form{size, TiffShort(tiff, TIFFTAG_SAMPLESPERPIXEL),
+                    TiffShort(tiff, TIFFTAG_BITSPERSAMPLE)};
     const bool isServed = (form.bits == 8 || form.bits == 16) &&
-                          Short(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_CONTIG &&
-                          Short(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_UINT &&
-                          TIFFIsCODECConfigured(Short(tiff, TIFFTAG_COMPRESSION));
+                          TiffShort(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_CONTIG &&
+                          TiffShort(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_UINT &&
+                          TIFFIsCODECConfigured(TiffShort(tiff, TIFFTAG_COMPRESSION));
     const unsigned colours = ColoursOf(tiff, lab);
     if (!isServed || form.channels < colours || form.channels > colours + 1)
         Throw(PictureOutcome::Unsupported);
@@ -74,7 +65,7 @@ RasterForm FormOf(TIFF* tiff, PictureSize size, LabPictures lab = LabPictures::R
         form.isPremultiplied = kinds[0] == EXTRASAMPLE_ASSOCALPHA;
     }
     form.hasOtherChannel = form.channels > colours && !form.hasAlpha;
-    const std::uint16_t photometric = Short(tiff, TIFFTAG_PHOTOMETRIC);
+    const std::uint16_t photometric = TiffShort(tiff, TIFFTAG_PHOTOMETRIC);
     form.isInk = photometric == PHOTOMETRIC_MINISWHITE || photometric == PHOTOMETRIC_SEPARATED;
     return form;
 }
@@ -109,8 +100,8 @@ private:
     }
 
     void PrepareTiles(const PictureControl& control) {
-        tileWidth_ = Long(tiff_, TIFFTAG_TILEWIDTH);
-        tileHeight_ = Long(tiff_, TIFFTAG_TILELENGTH);
+        tileWidth_ = TiffLong(tiff_, TIFFTAG_TILEWIDTH);
+        tileHeight_ = TiffLong(tiff_, TIFFTAG_TILELENGTH);
         const auto tileRow = static_cast<std::uint64_t>(TIFFTileRowSize64(tiff_));
         if (!tileWidth_ || !tileHeight_ ||
             tileRow != std::uint64_t{tileWidth_} * form_.channels * form_.bits / 8)
@@ -182,7 +173,7 @@ void CopyTags(TIFF* from, TIFF* to) {
 // Those that pictures of these depths can be written in; fax and others give way to one without
 // loss.
 std::uint16_t CompressionFor(TIFF* from) noexcept {
-    const std::uint16_t old = Short(from, TIFFTAG_COMPRESSION);
+    const std::uint16_t old = TiffShort(from, TIFFTAG_COMPRESSION);
     const std::uint16_t kept[] = {COMPRESSION_NONE,          COMPRESSION_LZW,
                                   COMPRESSION_PACKBITS,      COMPRESSION_DEFLATE,
                                   COMPRESSION_ADOBE_DEFLATE, COMPRESSION_JPEG};
@@ -213,7 +204,7 @@ public:
         TIFFSetField(to, TIFFTAG_BITSPERSAMPLE, form.bits);
         TIFFSetField(to, TIFFTAG_SAMPLESPERPIXEL, form.channels);
         TIFFSetField(to, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-        TIFFSetField(to, TIFFTAG_PHOTOMETRIC, Short(from, TIFFTAG_PHOTOMETRIC));
+        TIFFSetField(to, TIFFTAG_PHOTOMETRIC, TiffShort(from, TIFFTAG_PHOTOMETRIC));
         SetCompression(from, to, step);
         CopyTags(from, to);
         TIFFSetField(to, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(to, 0));
@@ -247,7 +238,7 @@ void ShrinkTiff(PictureSource& source, PictureTarget& target, const ShrinkStep& 
     const PictureSize to = SizeAfter(rows.Form().size, step);
     TiffFile file(target, TIFFIsBigEndian(from.get()) != 0);
     TiffWriter writer(file, from.get(), rows.Form(), to, step);
-    ShrinkAndStampRows(rows, writer, to, step, Short(from.get(), TIFFTAG_ORIENTATION), control);
+    ShrinkAndStampRows(rows, writer, to, step, TiffShort(from.get(), TIFFTAG_ORIENTATION), control);
     file.Close();
 }
 

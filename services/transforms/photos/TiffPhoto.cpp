@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "services/transforms/codecs/TiffLibrary.h"
 #include "services/transforms/codecs/TiffPicture.h"
 #include "services/transforms/photos/CarriedExif.h"
 
@@ -10,14 +11,8 @@ namespace {
 
 [[noreturn]] void Throw(PictureOutcome outcome) { throw PictureFailure{outcome}; }
 
-std::uint16_t Short(TIFF* tiff, std::uint32_t tag) noexcept {
-    std::uint16_t value = 0;
-    TIFFGetFieldDefaulted(tiff, tag, &value);
-    return value;
-}
-
 PhotoSamples SamplesOf(TIFF* tiff) noexcept {
-    switch (Short(tiff, TIFFTAG_PHOTOMETRIC)) {
+    switch (TiffShort(tiff, TIFFTAG_PHOTOMETRIC)) {
     case PHOTOMETRIC_MINISBLACK:
         return PhotoSamples::Grey;
     case PHOTOMETRIC_MINISWHITE:
@@ -87,7 +82,7 @@ private:
 };
 
 unsigned OrientationOf(TIFF* tiff) noexcept {
-    const unsigned orientation = Short(tiff, TIFFTAG_ORIENTATION);
+    const unsigned orientation = TiffShort(tiff, TIFFTAG_ORIENTATION);
     return orientation >= 1 && orientation <= 8 ? orientation : 1;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "services/transforms/codecs/TiffLibrary.h"
 #include "services/transforms/photos/TiffPhoto.h"
 
 namespace transforms {
@@ -11,21 +12,9 @@ namespace {
 // Many pages may share their data: a small file doesn't make a PDF without end.
 constexpr std::uint64_t kMostBytes = 8ull << 30;
 
-std::uint16_t Short(TIFF* tiff, std::uint32_t tag) noexcept {
-    std::uint16_t value = 0;
-    TIFFGetFieldDefaulted(tiff, tag, &value);
-    return value;
-}
-
-std::uint32_t Long(TIFF* tiff, std::uint32_t tag) noexcept {
-    std::uint32_t value = 0;
-    TIFFGetField(tiff, tag, &value);
-    return value;
-}
-
 Resolution ResolutionOf(TIFF* tiff) noexcept {
     float across = 0, down = 0;
-    const std::uint16_t unit = Short(tiff, TIFFTAG_RESOLUTIONUNIT);
+    const std::uint16_t unit = TiffShort(tiff, TIFFTAG_RESOLUTIONUNIT);
     if (unit == RESUNIT_NONE || !TIFFGetField(tiff, TIFFTAG_XRESOLUTION, &across) ||
         !TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &down))
         return {};
@@ -35,13 +24,13 @@ Resolution ResolutionOf(TIFF* tiff) noexcept {
 
 // Black and white, few shades, and palettes: their rows stay as they are stored.
 bool IsPacked(TIFF* tiff) noexcept {
-    const unsigned bits = Short(tiff, TIFFTAG_BITSPERSAMPLE);
-    const unsigned kind = Short(tiff, TIFFTAG_PHOTOMETRIC);
+    const unsigned bits = TiffShort(tiff, TIFFTAG_BITSPERSAMPLE);
+    const unsigned kind = TiffShort(tiff, TIFFTAG_PHOTOMETRIC);
     const bool isGrey = kind == PHOTOMETRIC_MINISBLACK || kind == PHOTOMETRIC_MINISWHITE;
     const bool isServed = kind == PHOTOMETRIC_PALETTE ? bits <= 8 : isGrey && bits < 8;
-    return isServed && (bits & (bits - 1)) == 0 && Short(tiff, TIFFTAG_SAMPLESPERPIXEL) == 1 &&
-           Short(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_UINT && !TIFFIsTiled(tiff) &&
-           TIFFIsCODECConfigured(Short(tiff, TIFFTAG_COMPRESSION));
+    return isServed && (bits & (bits - 1)) == 0 && TiffShort(tiff, TIFFTAG_SAMPLESPERPIXEL) == 1 &&
+           TiffShort(tiff, TIFFTAG_SAMPLEFORMAT) == SAMPLEFORMAT_UINT && !TIFFIsTiled(tiff) &&
+           TIFFIsCODECConfigured(TiffShort(tiff, TIFFTAG_COMPRESSION));
 }
 
 PictureBytes PaletteOf(TIFF* tiff, unsigned bits) {
@@ -102,7 +91,7 @@ TiffPages::TiffPages(PictureSource& source, const PictureControl& control)
 
 bool TiffPages::IsPage() const noexcept {
     constexpr std::uint32_t kOfAnother = FILETYPE_REDUCEDIMAGE | FILETYPE_MASK;
-    return (Long(file_.get(), TIFFTAG_SUBFILETYPE) & kOfAnother) == 0;
+    return (TiffLong(file_.get(), TIFFTAG_SUBFILETYPE) & kOfAnother) == 0;
 }
 
 bool TiffPages::GoOn() {
@@ -126,7 +115,7 @@ std::optional<PagePicture> TiffPages::Next() {
 PagePicture TiffPages::Read() {
     TIFF* const tiff = file_.get();
     PagePicture picture;
-    picture.size = {Long(tiff, TIFFTAG_IMAGEWIDTH), Long(tiff, TIFFTAG_IMAGELENGTH)};
+    picture.size = {TiffLong(tiff, TIFFTAG_IMAGEWIDTH), TiffLong(tiff, TIFFTAG_IMAGELENGTH)};
     if (!picture.size.width || !picture.size.height) throw PictureFailure{PictureOutcome::Damaged};
     control_.ThrowIfTooLarge(picture.size.width, picture.size.height);
     picture.resolution = ResolutionOf(tiff);
@@ -136,10 +125,10 @@ PagePicture TiffPages::Read() {
 
 void TiffPages::ReadPacked(PagePicture& picture) {
     TIFF* const tiff = file_.get();
-    const unsigned orientation = Short(tiff, TIFFTAG_ORIENTATION);
+    const unsigned orientation = TiffShort(tiff, TIFFTAG_ORIENTATION);
     if (orientation >= 1 && orientation <= 8) picture.orientation = orientation;
-    picture.bits = Short(tiff, TIFFTAG_BITSPERSAMPLE);
-    const unsigned kind = Short(tiff, TIFFTAG_PHOTOMETRIC);
+    picture.bits = TiffShort(tiff, TIFFTAG_BITSPERSAMPLE);
+    const unsigned kind = TiffShort(tiff, TIFFTAG_PHOTOMETRIC);
     picture.isInverted = kind == PHOTOMETRIC_MINISWHITE;
     picture.samples = kind == PHOTOMETRIC_PALETTE ? PhotoSamples::Rgb : PhotoSamples::Grey;
     if (kind == PHOTOMETRIC_PALETTE) picture.palette = PaletteOf(tiff, picture.bits);
