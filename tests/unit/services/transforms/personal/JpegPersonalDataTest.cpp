@@ -191,6 +191,18 @@ TEST(JpegPersonalData, EveryKindOfFrameAndCodingIsKeptByteForByte) {
                     Scan() + End());
 }
 
+// Blocks of bytes are searched at once, so a mark is put at each place of a block and after it.
+TEST(JpegPersonalData, MarksAreFoundWhereverTheyAreInCodedData) {
+    for (std::size_t size = 0; size < 50; ++size) {
+        const Sample coded = Sample(size, '\x12') + "\xFF\0\x34"s + Sample(size / 2, '\x56');
+        const Sample begin = Tables() + Frame() + Scan(coded);
+        ExpectCleaned(Start() + begin + End() + Sample(size + 1, 'c'), Start() + begin + End(),
+                      {{FindingKind::TrailingData, 1}});
+        ExpectCleaned(Start() + begin + Segment(0xFE, "comment"s) + End(), Start() + begin + End(),
+                      {{FindingKind::Comment, 1}});
+    }
+}
+
 TEST(JpegPersonalData, TablesWithMoreInThemThanTheyNeedAreDamage) {
     const Sample canary(kCanary);
     const auto expectDamaged = [](const Sample& segment) {
