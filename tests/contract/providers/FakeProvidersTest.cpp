@@ -76,6 +76,31 @@ TEST_F(FakeProviders, GivesTheSameInstanceEachTime) {
     EXPECT_EQ(Entries().GetProviderInstance(manager_, 7, kTransform), nullptr);
 }
 
+TEST_F(FakeProviders, CanRefuseTheInstanceOfAWalkedProvider) {
+    Answer(L"Providers", L"7");
+    EXPECT_NE(Entries().GetProviderInstance(manager_, 7, ProviderKind::Storage), nullptr);
+    Answer(L"GetProviderInstance.7", L"0");
+    EXPECT_EQ(Entries().GetProviderInstance(manager_, 7, ProviderKind::Storage), nullptr);
+    EXPECT_NE(Entries().EnumStorageProviders(manager_), nullptr);
+}
+
+TEST_F(FakeProviders, AnswersLoginAndSpaceByTheAccountsKey) {
+    Answer(L"Providers", L"7");
+    CloudProvider* provider = Entries().EnumStorageProviders(manager_);
+    Answer(L"provider7.IsAccountLoggedIn.ann", L"1");
+    Answer(L"provider7.GetAccountSpace", L"5,6");
+    Answer(L"provider7.GetAccountSpace.ann", L"7,8");
+    using OnProvider = slots::OnCloudProvider;
+    EXPECT_TRUE(OnProvider::IsAccountLoggedIn::Call(provider, L"ann"));
+    EXPECT_FALSE(OnProvider::IsAccountLoggedIn::Call(provider, L"bob"));
+    std::int64_t freeBytes = 0;
+    std::int64_t totalBytes = 0;
+    EXPECT_TRUE(OnProvider::GetAccountSpace::Call(provider, L"ann", &freeBytes, &totalBytes));
+    EXPECT_EQ(freeBytes, 7);
+    EXPECT_TRUE(OnProvider::GetAccountSpace::Call(provider, L"bob", &freeBytes, &totalBytes));
+    EXPECT_EQ(freeBytes, 5);
+}
+
 TEST_F(FakeProviders, TakesSupportFromTheScriptByIdAndKind) {
     Answer(L"IsProviderSupport.3", L"1");
     Answer(L"IsProviderSupport.5.4", L"1");

@@ -75,6 +75,9 @@ CloudProvider* GetProviderInstance(ProviderManagerHandle manager, std::uint32_t 
                                    ProviderKind kind) {
     Record(L"GetProviderInstance", manager, providerId, kind);
     if (!IsReady(manager) || kind != ProviderKind::Storage) return nullptr;
+    if (ScriptedCount(L"GetProviderInstance." + std::to_wstring(providerId), 1) == 0) {
+        return nullptr;
+    }
     return ProviderOfId(providerId);
 }
 

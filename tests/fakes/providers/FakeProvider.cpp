@@ -28,6 +28,13 @@ void Drop(std::vector<std::unique_ptr<List>>& lists, Given* list) {
     lists.erase(found);
 }
 
+// What the script has for one account of a provider, or for all of them.
+std::wstring TextOfAccount(Provider* provider, const wchar_t* operation,
+                           const wchar_t* accountKey) {
+    const std::wstring key = Fake(provider).Key(operation);
+    return ScriptedText(key + L'.' + (accountKey ? accountKey : L""), ScriptedText(key));
+}
+
 // Slot 10 of the callback takes a value that nobody uses and the reason.
 void TellReason(ObPVX::ObPvxCallback* callback, std::int32_t reason) {
     constexpr std::size_t kReasonSlot = 10;
@@ -98,7 +105,7 @@ void DestroyUploadList(Provider* provider, obcontract::UploadList* list) {
 Bool GetAccountSpace(Provider* provider, const wchar_t* accountKey, std::int64_t* freeBytes,
                      std::int64_t* totalBytes) {
     Record(L"GetAccountSpace", provider, accountKey);
-    const auto values = Split(ScriptedText(Fake(provider).Key(L"GetAccountSpace")), L',');
+    const auto values = Split(TextOfAccount(provider, L"GetAccountSpace", accountKey), L',');
     if (values.size() != 2) return 0;
     *freeBytes = std::wcstoll(values[0].c_str(), nullptr, 10);
     *totalBytes = std::wcstoll(values[1].c_str(), nullptr, 10);
@@ -144,7 +151,7 @@ Bool ShareItems(Provider* provider, obcontract::DownloadList* list) {
 
 Bool IsAccountLoggedIn(Provider* provider, const wchar_t* accountKey) {
     Record(L"IsAccountLoggedIn", provider, accountKey);
-    return ScriptedCount(Fake(provider).Key(L"IsAccountLoggedIn"), 0) != 0;
+    return NumberAt(TextOfAccount(provider, L"IsAccountLoggedIn", accountKey), 0, 0) != 0;
 }
 
 std::int32_t GetAccountProfiles(Provider* provider, ProviderProfile* profiles,

@@ -7,6 +7,7 @@
 //   CreateObExtensionsManager         0: null is answered [1]
 //   IsProviderSupport.N.KIND          KIND 1 or 4 [1 for a storage provider of the list, else 0]
 //   IsProviderSupport.N               the same for both kinds
+//   GetProviderInstance.N             0: null [the provider of the list]
 //   GetDefaultStorageProvider         "id|label|key" [what was set in this manager]
 //   SetDefaultStorageProvider         [1]
 //   Login2                            [0]; Login2.accountKey, Login2.accountLabel: texts given out
@@ -42,6 +43,7 @@
 //   providerN.HasCapability           sum of the masks [0]
 //   providerN.CreateUploadList, providerN.CreateDownloadList   0: null [1]
 //   providerN.GetAccountSpace         "free,total" [no; the values are left alone]
+//   providerN.GetAccountSpace.KEY     the same for the account of this key
 //   providerN.GetMaxFileSize          [the largest number]
 //   providerN.GetAccountRootFolder    [none]
 //   providerN.RunUpload               results of the attempts, "0,1"; the last one repeats [1]
@@ -49,6 +51,7 @@
 //                                     no call for 0 and for attempts past the end [0]
 //   providerN.ShareItems              [1]; the link of an item becomes https://N.example/NAME
 //   providerN.IsAccountLoggedIn       [0]
+//   providerN.IsAccountLoggedIn.KEY   the same for the account of this key
 //   providerN.GetAccountProfiles      "label|key;label|key", or a number as the count [0]
 //
 // Calls are written as Name(arguments) in the order of the contract, a slot's object first.
