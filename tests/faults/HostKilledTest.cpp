@@ -9,6 +9,7 @@
 #include "tests/e2e/RealRequest.h"
 #include "tests/faults/HostProcess.h"
 #include "tests/support/FakeModules.h"
+#include "tests/support/HeldCall.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 
@@ -20,7 +21,7 @@ using Texts = std::vector<std::wstring>;
 class HostKilled : public RealRequest {
 protected:
     void SetUp() override {
-        ReleaseHeldCall();
+        HeldCall::Release();
         FakeModules::Reset();
         RealRequest::SetUp();
         SetUserValue(L"DefaultZipName", L"two files");
@@ -41,9 +42,9 @@ protected:
     }
 
     static void KillAtHeldCall() {
-        EXPECT_TRUE(AwaitHeldCall()) << "the call never came";
+        EXPECT_FALSE(HeldCall::Await().empty()) << "the call never came";
         EXPECT_TRUE(KillHost());
-        ReleaseHeldCall();
+        HeldCall::Release();
     }
 
     // The UI driver picks two files for a zip; the host is killed at the call that the script
@@ -209,7 +210,7 @@ protected:
     Use PickAndKillAsItWrites(std::function<int()> blockId) const {
         return [pick = Pick(Choice::None, many_), blockId](OpenPicker& picker) {
             pick(picker);
-            EXPECT_TRUE(AwaitHeldCall()) << "the write never came";
+            EXPECT_FALSE(HeldCall::Await().empty()) << "the write never came";
             const BlockOf block(blockId());
             EXPECT_TRUE(block.Ok());
             if (block.Ok()) {
@@ -217,7 +218,7 @@ protected:
                 EXPECT_TRUE(block.IsEmpty(1)) << "the answer is further already";
             }
             EXPECT_TRUE(KillHost());
-            ReleaseHeldCall();
+            HeldCall::Release();
         };
     }
 

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "tests/fakes/Recording.h"
 
 namespace obtest {
 namespace {
@@ -50,17 +49,5 @@ bool CrashHost() {
         CreateRemoteThread(host.Get(), nullptr, 0, nullptr, nullptr, 0, nullptr));
     return thread && IsGone(host);
 }
-
-bool AwaitHeldCall() {
-    const std::wstring sign = BesideProgram(kHeldFileName);
-    const ULONGLONG begin = GetTickCount64();
-    while (GetFileAttributesW(sign.c_str()) == INVALID_FILE_ATTRIBUTES) {
-        if (GetTickCount64() - begin > kLimit) return false;
-        Sleep(1);
-    }
-    return true;
-}
-
-void ReleaseHeldCall() { DeleteFileW(BesideProgram(kHeldFileName).c_str()); }
 
 } // namespace obtest

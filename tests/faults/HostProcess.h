@@ -18,10 +18,4 @@ bool KillHost(UINT exitCode = kKilled);
 // Makes the host crash, by a thread that starts at address 0, and waits until it is gone.
 bool CrashHost();
 
-// Waits until a fake module blocks a call (script: Hold=NAME). False after 20 seconds.
-bool AwaitHeldCall();
-
-// Lets the blocked call return, or forgets the one of a process that was killed.
-void ReleaseHeldCall();
-
 } // namespace obtest

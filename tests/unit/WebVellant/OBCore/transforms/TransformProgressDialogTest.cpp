@@ -95,7 +95,7 @@ protected:
                                std::size_t visit = 1) {
         Answer(L"Hold", call);
         TransformUiDriver driver([&](HWND dialog) {
-            HeldCall::AwaitVisit(call, visit);
+            EXPECT_TRUE(HeldCall::AwaitVisit(call, visit));
             cancel(dialog);
             EXPECT_TRUE(WaitUntilClosed(dialog));
         });

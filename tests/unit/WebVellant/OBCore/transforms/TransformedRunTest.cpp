@@ -93,7 +93,7 @@ TEST_F(TransformedRun, LeavesNothingAfterACancelInAnyStage) {
         Answer(L"Hold", call);
         obtest::FakeModules::ForgetCalls();
         obtest::TransformUiDriver driver([&, call = call, visit = visit](HWND dialog) {
-            HeldCall::AwaitVisit(call, visit);
+            EXPECT_TRUE(HeldCall::AwaitVisit(call, visit));
             PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         });
         EXPECT_EQ(Process(), 0);

@@ -182,23 +182,6 @@ bool TransformUiDriver::SawDialog() {
     return saw_;
 }
 
-std::wstring HeldCall::Await() {
-    std::wstring line;
-    WaitUntil([&] { return !(line = ReadUtf8File(BesideProgram(kHeldFileName))).empty(); });
-    return line;
-}
-
-void HeldCall::AwaitVisit(const wchar_t* call, std::size_t visit) {
-    for (std::size_t number = 1;; ++number) {
-        EXPECT_TRUE(WaitUntil([&] { return FakeModules::CallsOf({call}).size() == number; }));
-        EXPECT_FALSE(Await().empty());
-        if (number == visit) return;
-        Release();
-    }
-}
-
-void HeldCall::Release() { DeleteFileW(BesideProgram(kHeldFileName).c_str()); }
-
 void TransformsFixture::SetUp() {
     RunFixture::SetUp();
     watch.emplace();

@@ -11,6 +11,7 @@
 #include "OBCore/modules/DialogIds.h"
 #include "OBCore/transforms/DoTransformsProgress.h"
 #include "OBCore/transforms/Transforms.h"
+#include "tests/support/HeldCall.h"
 #include "tests/support/WindowKit.h"
 #include "tests/unit/WebVellant/OBCore/compression/RunFixture.h"
 
@@ -36,15 +37,6 @@ private:
 
     bool saw_ = false; // read after the join
     std::thread thread_;
-};
-
-// A call that the fake keeps until a test lets it go on (script: Hold).
-struct HeldCall {
-    // Waits for one; the recorded line, empty when none came.
-    static std::wstring Await();
-    // The same for the call of this name with this number, from 1 on; those before it go on.
-    static void AwaitVisit(const wchar_t* call, std::size_t visit);
-    static void Release();
 };
 
 class TransformsFixture : public RunFixture {
