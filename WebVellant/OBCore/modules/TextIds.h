@@ -10,6 +10,7 @@ namespace obcore {
     TEXT(ChoiceZipAndEncrypt, 102)                                                                 \
     TEXT(ChoiceNoZip, 103)                                                                         \
     TEXT(OneFileOnly, 104)                                                                         \
+    TEXT(CopyFailed, 105)                                                                          \
     TEXT(ZipFailed, 129)                                                                           \
     TEXT(AllFiles, 140)                                                                            \
     TEXT(TransformProgress, 141)                                                                   \

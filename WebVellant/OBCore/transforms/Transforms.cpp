@@ -4,9 +4,12 @@
 
 #include <shlwapi.h>
 
+#include <string_view>
 #include <utility>
 
 #include "OBCore/files/TemporaryFolders.h"
+#include "OBCore/modules/Messages.h"
+#include "OBCore/modules/ResourceModule.h"
 #include "OBCore/transforms/FileConversionReport.h"
 #include "OBCore/transforms/TransformProgressDialog.h"
 #include "OBCore/transforms/TransformSelection.h"
@@ -14,6 +17,17 @@
 
 namespace obcore::CompressUtils {
 namespace {
+
+// The one sentence about a file that can't be copied: the callers only stop the run.
+void ShowCopyFailure(const OBAttachJob& job, const std::wstring& path) {
+    constexpr std::wstring_view placeholder = L"%ls";
+    std::wstring text = LoadText(TextId::CopyFailed);
+    const std::size_t at = text.find(placeholder);
+    if (at != std::wstring::npos) {
+        text.replace(at, placeholder.size(), PathFindFileNameW(path.c_str()));
+    }
+    ShowMessage(job.ParentWindow, text.c_str());
+}
 
 // The files become the result of the run; the browser side deletes the folder and the first file
 // when the page is done with them.
@@ -43,7 +57,10 @@ bool TransformSingleFile(OBAttachJob& job, const std::vector<std::wstring>& file
     std::wstring folder;
     if (!GetTemporaryFolder(folder) || !CreateUniqueTempFolder(folder)) return false;
     CopyFilesToFolder(folder, copies);
-    if (copies.empty()) return false;
+    if (copies.empty()) {
+        if (!files.empty()) ShowCopyFailure(job, files.front());
+        return false;
+    }
     job.TransformsBeforeArchive = false;
     if (!RunTransforms(job, copies, folder)) return false;
     if (copies.empty()) return false;

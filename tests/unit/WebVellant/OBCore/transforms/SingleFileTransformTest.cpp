@@ -32,6 +32,21 @@ protected:
         EXPECT_EQ(obtest::ReadFileContent(source_), "one");
     }
 
+    // Nothing is called, and one box names the file.
+    void ExpectStopWithTheFilesName() {
+        const obtest::MessageBoxWatcher boxes;
+        EXPECT_FALSE(Transform());
+        EXPECT_TRUE(Written().empty()); // no call of the manager, no dialog, no report
+        EXPECT_EQ(LastDialog(), nullptr);
+        EXPECT_EQ(Left(), Lines{L"1000\\"});
+        const auto seen = boxes.Seen();
+        ASSERT_EQ(seen.size(), 1u);
+        EXPECT_EQ(seen[0].caption, L"Ombrix Vellant");
+        EXPECT_TRUE(seen[0].text.starts_with(L"“one.jpg” can't be copied to the temporary folder."))
+            << testing::PrintToString(seen[0].text);
+        EXPECT_EQ(seen[0].owner, owner_.Get());
+    }
+
     const std::wstring source_ = sources_.File(L"one.jpg", "one");
 };
 
@@ -91,14 +106,33 @@ TEST_F(SingleFileTransform, StopsWhenTheProviderDropsTheFile) {
     ExpectNoResult();
 }
 
-TEST_F(SingleFileTransform, StopsSilentlyBeforeAnyCallWhenTheFileCantBeCopied) {
+TEST_F(SingleFileTransform, NamesAMissingFileAndStopsBeforeAnyCall) {
     ASSERT_TRUE(DeleteFileW(source_.c_str()));
-    const obtest::MessageBoxWatcher boxes;
-    EXPECT_FALSE(Transform());
-    EXPECT_TRUE(Written().empty()); // no call of the manager, no dialog, no report
-    EXPECT_EQ(LastDialog(), nullptr);
-    EXPECT_TRUE(boxes.Seen().empty());
+    ExpectStopWithTheFilesName();
     ASSERT_TRUE(obtest::WriteFileContent(source_, "one"));
+    ExpectNoResult();
+}
+
+TEST_F(SingleFileTransform, NamesAFileThatAnotherProgramUsesAlone) {
+    {
+        const ObLib::UniqueKernelHandle alone(
+            CreateFileW(source_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        ASSERT_TRUE(alone);
+        ExpectStopWithTheFilesName();
+    }
+    ExpectNoResult();
+}
+
+BOOL WINAPI CopyToFullDisk(LPCWSTR, LPCWSTR, BOOL) {
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+TEST_F(SingleFileTransform, NamesTheFileWhenTheDiskIsFull) {
+    const obtest::ImportPatch<decltype(&CopyFileW)> full("kernel32.dll", "CopyFileW",
+                                                         &CopyToFullDisk);
+    ASSERT_TRUE(full.Ok());
+    ExpectStopWithTheFilesName();
     ExpectNoResult();
 }
 
