@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdint>
+#include <stdexcept>
+#include <string_view>
 
 #include "ObLib/Src/Win32/ModulePath.h"
 #include "services/transforms/photos/CarriedExif.h"
@@ -107,6 +110,31 @@ TEST(HeicPhoto, OfTwoHundredMegapixelsIsRefusedBeforeItIsDecoded) {
     control.limits.pixels = kPhotoWidth * kPhotoHeight - 1;
     EXPECT_EQ(Convert(PhotoSample(L"grid.heic"), PhotoRequestOfTest(), control).outcome,
               PictureOutcome::TooLarge);
+}
+
+// The sample with another size in its container than its pixels have.
+PictureBytes Claiming(const std::wstring& name, std::uint32_t width, std::uint32_t height) {
+    PictureBytes file = PhotoSample(name);
+    const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
+    std::size_t at = text.find("ispe");
+    if (at == text.npos) throw std::runtime_error("the sample names no size");
+    at += 8; // after the name, its version and flags
+    for (const std::uint32_t number : {width, height}) {
+        for (int shift = 24; shift >= 0; shift -= 8)
+            file[at++] = static_cast<std::uint8_t>(number >> shift);
+    }
+    return file;
+}
+
+// Within the limit the file is read, and turns out not to have the pixels that it claims.
+TEST(HeicPhoto, MayHaveAHundredMegapixels) {
+    EXPECT_EQ(Convert(Claiming(L"plain.heic", 8192, 12'288)).outcome, PictureOutcome::Damaged);
+    EXPECT_EQ(Convert(Claiming(L"plain.heic", 8192, 12'289)).outcome, PictureOutcome::TooLarge);
+}
+
+TEST(HeicPhoto, OfTenBitsMayHaveSixtySevenMegapixels) {
+    EXPECT_EQ(Convert(Claiming(L"deep.heic", 8192, 8192)).outcome, PictureOutcome::Damaged);
+    EXPECT_EQ(Convert(Claiming(L"deep.heic", 8192, 8193)).outcome, PictureOutcome::TooLarge);
 }
 
 TEST(HeicPhoto, DoesNotEndTheProcessWhateverByteIsChanged) {

@@ -1,4 +1,4 @@
-// Pictures of 200 megapixels pass through a few megabytes of memory.
+// Pictures of 200 megapixels pass through a few megabytes of memory; pages of a file have a limit.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -6,7 +6,10 @@
 #include <psapi.h>
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
+#include "services/transforms/topdf/TiffPages.h"
 #include "tests/unit/services/transforms/photos/PhotoSamples.h"
 #include "tests/unit/services/transforms/topdf/PdfReading.h"
 
@@ -43,6 +46,52 @@ TEST(HugePicturePdf, NeedsLittleMemoryForAScan) {
     const unsigned width = 20000, height = 10000;
     ExpectLittleMemoryFor(PlainTiff(width, height, 1, 1, std::string(width / 8 * height, '\x55'),
                                     {ShortTag(262, {0})}));
+}
+
+// Pages of 256 MB each once they are decoded, which all share a few bytes of pixels.
+PictureBytes ManyLargePages(unsigned count) {
+    constexpr unsigned kSide = 16'384, kPixelsAt = 8, kPixels = 128, kFirst = kPixelsAt + kPixels;
+    constexpr unsigned kPackBits = 32773, kPalette = 3;
+    const std::vector<TiffTag> tags = {LongTag(256, kSide),
+                                       LongTag(257, kSide),
+                                       ShortTag(258, {8}),
+                                       ShortTag(259, {kPackBits}),
+                                       ShortTag(262, {kPalette}),
+                                       LongTag(273, kPixelsAt),
+                                       LongTag(278, kSide),
+                                       LongTag(279, kPixels),
+                                       ShortTag(320, std::vector<unsigned>(3 * 256))};
+    std::string file = "II*" + std::string(1, '\0') + LongTag(0, kFirst).value;
+    file.resize(kFirst, '\0');
+    for (unsigned page = 1; page <= count; ++page) {
+        std::string directory = TiffDirectory(tags, file.size());
+        const auto next = static_cast<unsigned>(file.size() + directory.size());
+        directory.replace(2 + 12 * tags.size(), 4, LongTag(0, page < count ? next : 0).value);
+        file += directory;
+    }
+    return {file.begin(), file.end()};
+}
+
+// Only the pages' directories are read here: the limit is that of their sum.
+unsigned PagesWithin(const PictureBytes& file, PictureOutcome& end) {
+    MemorySource source(file);
+    const PictureControl control;
+    unsigned pages = 0;
+    end = PictureOutcome::Shrunk;
+    try {
+        for (TiffPages all(source, control); all.Next();) ++pages;
+    } catch (const PictureFailure& failure) {
+        end = failure.outcome;
+    }
+    return pages;
+}
+
+TEST(HugePicturePdf, HasEightGigabytesOfPagesAtMost) {
+    PictureOutcome end{};
+    EXPECT_EQ(PagesWithin(ManyLargePages(32), end), 32u);
+    EXPECT_EQ(end, PictureOutcome::Shrunk);
+    EXPECT_EQ(PagesWithin(ManyLargePages(33), end), 32u);
+    EXPECT_EQ(end, PictureOutcome::TooLarge);
 }
 
 } // namespace
