@@ -9,7 +9,8 @@
 namespace obtest {
 namespace {
 
-constexpr int kFileNameEdit = 1152; // the dialog's file name field
+// The file name field: of IFileDialog, and of GetOpenFileNameW.
+constexpr int kFileNameEdits[] = {1152, 1148};
 
 std::wstring WithoutMarks(std::wstring text) {
     std::erase(text, L'&');
@@ -18,7 +19,8 @@ std::wstring WithoutMarks(std::wstring text) {
 
 HWND NameField(HWND dialog) {
     return FindDescendant(dialog, [](HWND child) {
-        return GetDlgCtrlID(child) == kFileNameEdit && ClassOf(child) == L"Edit";
+        return std::ranges::find(kFileNameEdits, GetDlgCtrlID(child)) != std::end(kFileNameEdits) &&
+               ClassOf(child) == L"Edit";
     });
 }
 

@@ -19,7 +19,9 @@
 #include "services/providers/ui/WatermarkDialog.h"
 #include "services/providers/ui/WatermarkDialogIds.h"
 #include "tests/support/MessageBoxWatcher.h"
+#include "tests/support/PickerUiDriver.h"
 #include "tests/support/TestFolder.h"
+#include "tests/support/Utf8.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
 using namespace providers;
@@ -361,6 +363,78 @@ TEST_F(WatermarkDialog, RefusesAnEmptyTextAndAWrongNumberWithASentence) {
     EXPECT_EQ(settings_, (WatermarkSettings{L"Bob", WatermarkPlace::TopRight, 5}));
 }
 
+// The system's dialog for a file, which a button of a dialog opens: `use` operates it and leaves it
+// closed.
+void InFileDialog(HWND dialog, int button, const std::function<void(obtest::OpenPicker&)>& use) {
+    obtest::Click(GetDlgItem(dialog, button));
+    auto picker = obtest::OpenPicker::Await(GetCurrentProcessId());
+    ASSERT_NE(picker.Window(), nullptr);
+    EXPECT_EQ(GetWindow(picker.Window(), GW_OWNER), dialog); // in front of it
+    EXPECT_FALSE(IsWindowEnabled(dialog));
+    use(picker);
+    if (!picker.WaitUntilClosed()) picker.PressCancel();
+    EXPECT_TRUE(obtest::WaitUntil([&] { return IsWindowEnabled(dialog) != FALSE; }));
+}
+
+std::function<void(obtest::OpenPicker&)> Choosing(const std::wstring& path) {
+    return [path](obtest::OpenPicker& picker) {
+        EXPECT_TRUE(picker.TypeNames(path));
+        picker.PressOk();
+    };
+}
+
+class WatermarkBrowse : public WatermarkDialog {
+protected:
+    // Opens the settings with a picture as the watermark, chooses with the button, and answers.
+    bool Browse(const std::function<void(obtest::OpenPicker&)>& use,
+                const std::wstring& shownAfterwards, int answer = IDOK) {
+        settings_.usesPicture = true;
+        settings_.picture = L"C:\\Pictures\\old.png";
+        return Ask([&, answer](HWND dialog) {
+            InFileDialog(dialog, OB_WATERMARK_BROWSE, use);
+            const HWND field = GetDlgItem(dialog, OB_WATERMARK_PICTURE);
+            EXPECT_TRUE(obtest::WaitUntil([&] { return obtest::TextOf(field) == shownAfterwards; }))
+                << obtest::Utf8(obtest::TextOf(field));
+            DialogUiDriver::Press(dialog, answer);
+        });
+    }
+
+    const obtest::TestFolder folder_;
+};
+
+TEST_F(WatermarkBrowse, TakesThePictureThatTheUserChooses) {
+    const std::wstring logo = folder_.File(L"Logo \u00FC.png");
+    EXPECT_TRUE(Browse(Choosing(logo), logo));
+    EXPECT_EQ(settings_.picture, logo);
+    EXPECT_TRUE(settings_.usesPicture);
+}
+
+TEST_F(WatermarkBrowse, ChangesNothingWhenTheUserCancels) {
+    const std::wstring old = L"C:\\Pictures\\old.png";
+    EXPECT_TRUE(Browse([](obtest::OpenPicker& picker) { picker.PressCancel(); }, old));
+    EXPECT_EQ(settings_.picture, old);
+    const std::wstring logo = folder_.File(L"logo.png");
+    EXPECT_FALSE(Browse(Choosing(logo), logo, IDCANCEL));
+    EXPECT_EQ(settings_.picture, old);
+}
+
+TEST_F(WatermarkBrowse, AsksAgainForAFileThatIsNotThere) {
+    const obtest::MessageBoxWatcher boxes;
+    const std::wstring logo = folder_.File(L"logo.png");
+    EXPECT_TRUE(Browse(
+        [&](obtest::OpenPicker& picker) {
+            EXPECT_TRUE(picker.TypeNames(folder_ / L"missing.png"));
+            picker.PressOk();
+            EXPECT_TRUE(boxes.WaitFor(1));
+            EXPECT_TRUE(
+                obtest::WaitUntil([&] { return IsWindowEnabled(picker.Window()) != FALSE; }));
+            EXPECT_TRUE(picker.IsOpen());
+            Choosing(logo)(picker);
+        },
+        logo));
+    EXPECT_EQ(settings_.picture, logo);
+}
+
 class ReceiptDialog : public testing::Test {
 protected:
     bool Show(const std::function<void(HWND)>& use) {
@@ -392,6 +466,20 @@ TEST_F(ReceiptDialog, StopsWithEnterWhenThereIsAQuestion) {
         EXPECT_EQ(obtest::TextOf(GetDlgItem(dialog, IDOK)), L"&Attach anyway");
         PostMessageW(dialog, WM_CLOSE, 0, 0);
     }));
+}
+
+TEST_F(ReceiptDialog, IsSavedWhereTheUserChooses) {
+    const obtest::TestFolder folder;
+    EXPECT_TRUE(Show([&](HWND dialog) {
+        InFileDialog(dialog, OB_RECEIPT_SAVE,
+                     [](obtest::OpenPicker& picker) { picker.PressCancel(); });
+        EXPECT_TRUE(IsWindow(dialog));
+        InFileDialog(dialog, OB_RECEIPT_SAVE, Choosing(folder / L"list.txt"));
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    const std::string list = obtest::ReadFileContent(folder / L"list.txt").value_or("");
+    EXPECT_NE(list.find("Personal data was removed from your file."), std::string::npos) << list;
+    EXPECT_NE(list.find("photo.jpg: removed"), std::string::npos) << list;
 }
 
 TEST(ReceiptFile, IsSavedAsTextUnderANameThatIsFree) {
