@@ -28,8 +28,12 @@ struct StayingRow {
 };
 constexpr StayingRow kStaying[] = {
     {"vbaProject", FindingKind::Macros},
+    {"xlMacrosheet", FindingKind::Macros},
+    {"xlIntlMacrosheet", FindingKind::Macros},
     {"customXml", FindingKind::CustomData},
 };
+// The signatures of macros: parts of the macros, which aren't named a second time.
+constexpr std::string_view kMacroSignature = "vbaProjectSignature";
 
 bool Contains(std::string_view text, std::string_view part) { return text.find(part) != text.npos; }
 
@@ -82,9 +86,8 @@ private:
         if (source.empty() && last == "officeDocument") main_ = relationship.target;
         const auto row = std::ranges::find(kStaying, last, &StayingRow::type);
         if (row != std::end(kStaying)) Found().Note(row->kind);
-        if (row != std::end(kStaying) && row->kind == FindingKind::Macros) {
-            known_.insert(relationship.target);
-        }
+        const bool isMacros = row != std::end(kStaying) && row->kind == FindingKind::Macros;
+        if (isMacros || last.starts_with(kMacroSignature)) known_.insert(relationship.target);
         if (!byKey_.contains(relationship.target)) return;
         if (reached_.insert(relationship.target).second) open.push_back(relationship.target);
     }

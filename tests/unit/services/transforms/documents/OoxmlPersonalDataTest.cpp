@@ -105,15 +105,6 @@ TEST(OoxmlPersonalData, CleansAWorkbookAndKeepsItsCells) {
               (std::vector<Finding>{{FindingKind::HiddenSheets, 1}, {FindingKind::Comments, 1}}));
 }
 
-// Adds a relationship to the end of a list.
-void AddLink(ZipBuilder& zip, const std::string& list, const std::string& type,
-             const std::string& target, bool isExternal = false) {
-    std::string& links = zip.Content(list);
-    links.insert(links.find("</Rel"), "<Relationship Id=\"added" + std::to_string(links.size()) +
-                                          "\" Type=\"" + type + "\" Target=\"" + target + "\"" +
-                                          (isExternal ? " TargetMode=\"External\"/>" : "/>"));
-}
-
 TEST(OoxmlPersonalData, RemovesTheRevisionIdOfAStyle) {
     ZipBuilder zip = Docx();
     AddLink(zip, "word/_rels/document.xml.rels", OB_OFFICE "/relationships/styles", "styles.xml");

@@ -78,6 +78,29 @@ inline std::string RootLinks(const std::string& main) {
                   {"rId5", "metadata/thumbnail", "docProps/thumbnail.jpeg"}});
 }
 
+// Adds a relationship to the end of a list.
+inline void AddLink(ZipBuilder& zip, const std::string& list, const std::string& type,
+                    const std::string& target, bool isExternal = false) {
+    std::string& links = zip.Content(list);
+    links.insert(links.find("</Rel"), "<Relationship Id=\"added" + std::to_string(links.size()) +
+                                          "\" Type=\"" + type + "\" Target=\"" + target + "\"" +
+                                          (isExternal ? " TargetMode=\"External\"/>" : "/>"));
+}
+
+// Gives a part a content type, by the type's whole name without "application/vnd.".
+inline void AddType(ZipBuilder& zip, const std::string& part, const std::string& type) {
+    std::string& types = zip.Content("[Content_Types].xml");
+    types.insert(types.find("</Types"), "<Override PartName=\"/" + part +
+                                            "\" ContentType=\"application/vnd." + type + "\"/>");
+}
+
+// The same sample as a document of another kind: its main part gets another content type.
+inline ZipBuilder AsKind(ZipBuilder zip, const std::string& old, const std::string& type) {
+    std::string& types = zip.Content("[Content_Types].xml");
+    types.replace(types.find(old), old.size(), type);
+    return zip;
+}
+
 // A text with a comment, tracked changes, a picture, a template and a link.
 inline ZipBuilder Docx() {
     ZipBuilder zip;

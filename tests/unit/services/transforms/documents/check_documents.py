@@ -33,8 +33,10 @@ PASSWORD = "secret"
 WITH_FILE = "with a file.pdf"
 READ = "What is read stays"
 # The documents that have a text which an office suite shows.
-SHOWN = ["letter.odt", "table.ods", "talk.odp", "text.docx", "written text.docx", "written table.xlsx",
-         "written slides.pptx"]
+SHOWN = ["letter.odt", "table.ods", "talk.odp", "drawing.odg", "text.docx", "template.dotx", "written text.docx",
+         "written table.xlsx", "written slides.pptx"]
+# mat2 doesn't read it.
+TEMPLATE = "template.dotx"
 # What the suite writes one of them from, and the name of its filter.
 WRITTEN = {"written text.docx": ("text.html", "docx:MS Word 2007 XML"),
            "written table.xlsx": ("table.csv", "xlsx:Calc MS Excel 2007 XML"),
@@ -111,9 +113,10 @@ class Samples:
 
     def ooxmls(self):
         word = "http://schemas.openxmlformats.org/wordprocessingml/2006/main"
-        self.ooxml("text.docx", "word/document.xml", "wordprocessingml.document",
-                   f'<w:document xmlns:w="{word}"><w:body><w:p w:rsidR="{CANARY}"><w:ins w:author="{CANARY}" '
-                   f'w:date="{CANARY}"><w:r><w:t>What is read stays</w:t></w:r></w:ins></w:p></w:body></w:document>')
+        for name, kind in (("text.docx", "document"), (TEMPLATE, "template")):
+            self.ooxml(name, "word/document.xml", f"wordprocessingml.{kind}",
+                       f'<w:document xmlns:w="{word}"><w:body><w:p w:rsidR="{CANARY}"><w:ins w:author="{CANARY}" '
+                       f'w:date="{CANARY}"><w:r><w:t>{READ}</w:t></w:r></w:ins></w:p></w:body></w:document>')
         self.ooxml("workbook.xlsx", "xl/workbook.xml", "spreadsheetml.sheet",
                    '<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main">'
                    f'<fileSharing userName="{CANARY}"/><sheets/></workbook>')
@@ -137,7 +140,9 @@ class Samples:
                             f'svg:width="9cm" svg:height="2cm"><draw:text-box><text:p>{READ}</text:p></draw:text-box>'
                             f"</draw:frame>{note}</draw:page></office:presentation>",
         }
-        for name, kind in {"letter.odt": "text", "table.ods": "spreadsheet", "talk.odp": "presentation"}.items():
+        bodies["graphics"] = bodies["presentation"].replace("office:presentation", "office:drawing")
+        for name, kind in {"letter.odt": "text", "table.ods": "spreadsheet", "talk.odp": "presentation",
+                           "drawing.odg": "graphics"}.items():
             listed = {"content.xml": "text/xml", "meta.xml": "text/xml", "Pictures/photo.jpg": "image/jpeg"}
             rows = "".join(f'<manifest:file-entry manifest:full-path="{path}" manifest:media-type="{of}"/>'
                            for path, of in {"/": f"application/vnd.oasis.opendocument.{kind}", **listed}.items())
@@ -215,7 +220,7 @@ def judge_package(path, name):
             if part.endswith((".xml", ".rels")):
                 ElementTree.fromstring(package.read(part))
         first = package.infolist()[0]
-        is_odf = name.endswith((".odt", ".ods", ".odp"))
+        is_odf = name.endswith((".odt", ".ods", ".odp", ".odg"))
         check(not is_odf or (first.filename, first.compress_type) == ("mimetype", zipfile.ZIP_STORED),
               f"{name}: the kind comes first, if it is for it")
         check(all(entry.date_time == (1980, 1, 1, 0, 0, 0) for entry in package.infolist()), f"{name}: no times")
@@ -248,7 +253,7 @@ def judge_properties(before, after, names):
     for name in (name for name in names if name.endswith(".pdf")):
         check(CANARY in json.dumps(first[name]), f"{name}: exiftool found a canary before")
         check(not second[name], f"{name}: exiftool finds no property {second[name]}")
-    others = [name for name in names if name != WITH_FILE]
+    others = [name for name in names if name not in (WITH_FILE, TEMPLATE)]
     for name in others:
         check(bool(found_by_mat2([os.path.join(before, name)])), f"{name}: mat2 found something before")
     found = found_by_mat2([os.path.join(after, name) for name in others])
