@@ -20,8 +20,14 @@ void UseInstalledLanguage() {
 
 bool IsWell(const TransformRun& run) { return run.Result == kTransformsGoOn; }
 
-void RunListStageShown(TransformRun& run, const TransformDisplay& display) {
+// All files are worked on together, in a number of steps that only the manager knows.
+void ShowAllFiles(const TransformDisplay& display) {
+    display.ReturnToMarquee();
     display.ShowFile({});
+}
+
+void RunListStageShown(TransformRun& run, const TransformDisplay& display) {
+    ShowAllFiles(display);
     if (!RunListStage(run)) run.Result = kTransformsStop;
 }
 
@@ -42,7 +48,7 @@ void RunStages(TransformRun& run, const TransformDisplay& display,
     }
     if (IsWell(run) && summary.afterList > 0) RunListStageShown(run, display);
     if (!IsWell(run) || summary.final < 1) return;
-    display.ShowFile({});
+    ShowAllFiles(display);
     SendMessageW(run.Dialog, kFinalStageMessage, 0, reinterpret_cast<LPARAM>(&run));
 }
 

@@ -60,6 +60,10 @@ TransformDisplay::TransformDisplay(HWND dialog) noexcept
 
 void TransformDisplay::StartMarquee() const { SetMarqueeStyle(bar_, true); }
 
+void TransformDisplay::ReturnToMarquee() const {
+    if (!(GetWindowLongPtrW(bar_, GWL_STYLE) & PBS_MARQUEE)) StartMarquee();
+}
+
 void TransformDisplay::LeaveMarquee(std::size_t files) const {
     SetMarqueeStyle(bar_, false);
     SendMessageW(bar_, PBM_SETRANGE32, 0, static_cast<LPARAM>(files));

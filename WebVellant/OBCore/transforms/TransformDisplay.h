@@ -16,6 +16,9 @@ public:
     // A bar that moves without a measure: how much there is to do isn't known.
     void StartMarquee() const;
 
+    // The same after a bar of steps; a bar that moves already stays as it is.
+    void ReturnToMarquee() const;
+
     // A bar of `files` steps.
     void LeaveMarquee(std::size_t files) const;
 

@@ -27,6 +27,8 @@ TEST(TransformDisplay, AddsAndRemovesTheMarqueeStyleAndLeavesTheOtherStyles) {
     EXPECT_EQ(GetWindowLongPtrW(bar, GWL_STYLE), before | PBS_MARQUEE);
     display.LeaveMarquee(3);
     EXPECT_EQ(GetWindowLongPtrW(bar, GWL_STYLE), before);
+    display.ReturnToMarquee();
+    EXPECT_EQ(GetWindowLongPtrW(bar, GWL_STYLE), before | PBS_MARQUEE);
 }
 
 } // namespace

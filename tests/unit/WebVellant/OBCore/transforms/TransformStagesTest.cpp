@@ -46,6 +46,9 @@ std::wstring FinalCall(const Lines& paths, const wchar_t* mode = L"3") {
            std::to_wstring(paths.size()) + L", " + mode + L", null, null) [dialog]";
 }
 
+// After a per-file stage of several files.
+constexpr wchar_t kMovesAgain[] = L"bar.SetMarquee(1, moving)";
+
 const Lines kFinalStage = {kNoName, L"dialog.FinalStage(0) [dialog]",
                            L"GetSelectedTransformSummary(manager) [dialog]"};
 
@@ -101,7 +104,7 @@ TEST_F(TransformStages, RunInTheirOrderWithTheirArgumentsAndThreads) {
             Measured(2),
             FileStep(L"a.doc", 1, L"1"),
             FileStep(L"b.doc", 2, L"1"),
-            {kNoName, kSummary, PostCall(both, L"1"), kTargets},
+            {kMovesAgain, kNoName, kSummary, PostCall(both, L"1"), kTargets},
             kFinalStage,
             {FinalCall(both, L"1"), L"GetTargetFile(manager, 514) [dialog]", kEnd1, kReport}});
     EXPECT_EQ(files_, both);
@@ -115,7 +118,7 @@ TEST_F(TransformStages, HaveMode3WithoutAZip) {
             Measured(2),
             FileStep(L"a.doc", 1),
             FileStep(L"b.doc", 2),
-            {kNoName, kSummary, PostCall({a_, b_}), kTargets},
+            {kMovesAgain, kNoName, kSummary, PostCall({a_, b_}), kTargets},
             kFinalStage,
             {FinalCall({a_, b_}), L"GetTargetFile(manager, 514) [dialog]", kEnd1, kReport}});
 }
@@ -257,7 +260,7 @@ TEST_F(TransformStages, StopAfterAFailedAfterListStage) {
             Measured(2),
             FileStep(L"a.doc", 1),
             FileStep(L"b.doc", 2),
-            {kNoName, kSummary, PostCall({a_, b_}), kEnd2}});
+            {kMovesAgain, kNoName, kSummary, PostCall({a_, b_}), kEnd2}});
 }
 
 TEST_F(TransformStages, GiveTheLaterStagesWhatTheEarlierOnesLeft) {
@@ -279,6 +282,18 @@ TEST_F(TransformStages, KeepTheBarMovingForASingleFile) {
     files_ = {a_};
     EXPECT_TRUE(Run());
     Expect({kOpening, FileStep(L"a.doc", 0), {kEnd1, kReport}});
+}
+
+TEST_F(TransformStages, LetTheBarMoveAgainInAFinalStageAfterSeveralFiles) {
+    Stages(L"0,0,1,1");
+    EXPECT_TRUE(Run());
+    Expect({kOpening,
+            Measured(2),
+            FileStep(L"a.doc", 1),
+            FileStep(L"b.doc", 2),
+            {kMovesAgain},
+            kFinalStage,
+            {FinalCall({a_, b_}), L"GetTargetFile(manager, 514) [dialog]", kEnd1, kReport}});
 }
 
 TEST_F(TransformStages, SkipThePerFileStageWithoutFiles) {
