@@ -11,9 +11,7 @@
 
 #include "OBCore/modules/ProviderLibrary.h"
 #include "tests/support/FakeModules.h"
-#include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/TestFolder.h"
 
 namespace {
 
@@ -51,8 +49,6 @@ ProviderProfile DirtyProfile() {
 bool SameBytes(const ProviderProfile& one, const ProviderProfile& other) {
     return std::memcmp(&one, &other, sizeof(one)) == 0;
 }
-
-constexpr std::uint32_t kResultWidth = 514; // units of a result's buffer, with its NUL
 
 // Each result of a manager that isn't in a session, and of one that lacks the provider, has to be
 // no.
@@ -343,73 +339,6 @@ TEST_F(ProviderManagerContract, FailsToTransformOutsideASession) {
     EXPECT_EQ(count, 2u);
     EXPECT_FALSE(
         Entries().ExecuteFinalTransforms(manager_, nullptr, paths, 2, 1, nullptr, nullptr));
-}
-
-// A session in which the provider of personal data is selected, and a copy of a file that it
-// doesn't know, in a subfolder of the temporary path.
-class StageContract : public ProviderManagerContract {
-protected:
-    void SetUp() override {
-        ProviderManagerContract::SetUp();
-        obtest::FakeModules::Answer(L"GetSelectedTransformSummary", L"0,0,1,1");
-        const std::wstring key = std::wstring(kProviderManagerKey) + L"\\Transforms\\51";
-        for (const wchar_t* question : {L"ShowReceipt", L"AskAboutOtherFiles"}) {
-            obtest::SetValue(HKEY_CURRENT_USER, key, question, L"0");
-        }
-        Init();
-        ASSERT_TRUE(
-            Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, ProviderKind::Transform));
-    }
-    bool Execute(const std::wstring& path) {
-        Entries().SetProviderTarget(manager_, path.c_str());
-        return Entries().ExecuteTransforms(
-            manager_, nullptr, nullptr, (folder_.Path() + L"\\").c_str(), 1, 3, nullptr, nullptr);
-    }
-    bool Post(const std::vector<std::wstring>& paths, std::uint32_t& count) {
-        std::vector<const wchar_t*> pointers;
-        for (const std::wstring& path : paths) pointers.push_back(path.c_str());
-        return Entries().ExecutePostTransforms(manager_, nullptr, pointers.data(), &count, 1,
-                                               nullptr, nullptr);
-    }
-
-    const obtest::TestFolder folder_;
-    const std::wstring copy_ = folder_.File(L"copy.txt", "text");
-    const std::wstring other_ = folder_.File(L"other.txt", "text");
-};
-
-TEST_F(StageContract, CountsTheStagesOfTheSelectedTransform) {
-    std::int32_t counts[] = {9, 9, 9, 9}; // before the list, after it, per file, at the end
-    Entries().GetSelectedTransformSummary(manager_, &counts[0], &counts[1], &counts[2], &counts[3]);
-    EXPECT_EQ(std::vector<std::int32_t>(counts, counts + 4),
-              (std::vector<std::int32_t>{0, 0, 1, 1}));
-}
-
-TEST_F(StageContract, KeepsThePathOfAFileThatNothingReplaces) {
-    ASSERT_TRUE(Execute(copy_));
-    EXPECT_EQ(Entries().GetProviderTarget(manager_), copy_);
-    EXPECT_EQ(obtest::ReadFileContent(copy_), "text");
-}
-
-TEST_F(StageContract, ReturnsTheCountOfAListStageAndItsResults) {
-    std::uint32_t count = 2;
-    ASSERT_TRUE(Post({copy_, other_}, count));
-    EXPECT_EQ(count, 2u);
-    std::vector<wchar_t> texts(2 * kResultWidth, L'x');
-    wchar_t* const buffers[] = {texts.data(), texts.data() + kResultWidth};
-    std::uint32_t results = 99;
-    Entries().GetTargetFile(manager_, buffers, &results, kResultWidth);
-    ASSERT_EQ(results, 2u);
-    EXPECT_EQ(buffers[0], copy_);
-    EXPECT_EQ(buffers[1], other_);
-}
-
-// A result that no buffer takes: the real manager refuses it by itself, and the fake is told to.
-TEST_F(StageContract, LeavesTheCountWhenAListStageFails) {
-    obtest::FakeModules::Answer(L"ExecutePostTransforms", L"0");
-    const obtest::MessageBoxWatcher boxes; // the real manager's sentence
-    std::uint32_t count = 2;
-    EXPECT_FALSE(Post({copy_, std::wstring(kResultWidth, L'p')}, count));
-    EXPECT_EQ(count, 2u);
 }
 
 TEST_F(ProviderManagerContract, ShowsNoSettingsOfAProviderThatItLacks) {
