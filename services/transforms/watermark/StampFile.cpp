@@ -49,6 +49,14 @@ DecodedPhoto DecodeOther(PhotoKind kind, PictureSource& source, const PictureCon
     return std::move(*photo);
 }
 
+// What begins as a TIFF file may be a raw photo of a camera, which is none of the kinds that a
+// watermark may be.
+DecodedPhoto DecodeTiffOrBmp(PictureSource& source, const PictureControl& control) {
+    const PhotoKind kind = PhotoFormOf(source).kind;
+    const bool isServed = kind == PhotoKind::Tiff || kind == PhotoKind::Bmp;
+    return DecodeOther(isServed ? kind : PhotoKind::None, source, control);
+}
+
 DecodedPhoto Decode(PictureSource& source, const PictureControl& control) {
     const PictureForm form = FormOfPicture(source, control);
     if (form.hasManyPictures) throw PictureFailure{PictureOutcome::Unsupported};
@@ -59,8 +67,11 @@ DecodedPhoto Decode(PictureSource& source, const PictureControl& control) {
         return DecodePng(source, control);
     case PictureKind::Webp:
         return DecodeOther(PhotoKind::Webp, source, control);
+    case PictureKind::Tiff:
+    case PictureKind::Bmp:
+        return DecodeTiffOrBmp(source, control);
     default:
-        return DecodeOther(PhotoFormOf(source).kind, source, control);
+        throw PictureFailure{PictureOutcome::Unsupported};
     }
 }
 

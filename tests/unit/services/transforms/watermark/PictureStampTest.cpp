@@ -10,6 +10,7 @@
 #include "services/transforms/watermark/StampFile.h"
 #include "tests/unit/services/transforms/documents/PdfSamples.h"
 #include "tests/unit/services/transforms/personal/Samples.h"
+#include "tests/unit/services/transforms/photos/PhotoSamples.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
@@ -148,6 +149,13 @@ TEST(StampFile, IsRefusedWhereItCantBeUsed) {
     const std::size_t frame = std::string(bomb.begin(), bomb.end()).find("\xff\xc0");
     for (const std::size_t at : {5, 7}) bomb[frame + at] = 0xff, bomb[frame + at + 1] = 0xdc;
     EXPECT_EQ(RefusalOf(bomb), PictureOutcome::TooLarge);
+}
+
+// Although the system or a library could decode it.
+TEST(StampFile, IsNoPhotoOfAnotherKind) {
+    ASSERT_EQ(obtest::Convert(obtest::PhotoSample(L"stored1.jxr")).outcome, PictureOutcome::Shrunk);
+    for (const wchar_t* name : {L"stored1.jxr", L"plain.heic", L"plain.avif", L"moving.heic"})
+        EXPECT_EQ(RefusalOf(obtest::PhotoSample(name)), PictureOutcome::Unsupported) << name;
 }
 
 PlacedStamp Placed(const Raster& raster, PictureSize shown, WatermarkLook look = {}) {
