@@ -1,6 +1,5 @@
 #include "services/transforms/CombineWork.h"
 
-#include <cstring>
 #include <string>
 #include <utility>
 
@@ -29,14 +28,11 @@ std::string Utf8Of(const std::wstring& text) {
 // Nothing for values that the contract lacks.
 std::optional<Asked> AskedFor(const WorkRequest& request) {
     const auto settings = request.SettingsAs<WorkCombineAdd>();
-    const std::size_t bytes = request.settings.size() - sizeof settings;
+    const auto title = request.TextAfter<WorkCombineAdd>();
     const bool isKnown =
         settings.signatures == WorkSignatures::Keep || settings.signatures == WorkSignatures::Break;
-    if (!isKnown || settings.reserved != 0 || bytes % sizeof(wchar_t) != 0) return {};
-    std::wstring title(bytes / sizeof(wchar_t), L'\0');
-    std::memcpy(title.data(), request.settings.data() + sizeof settings, bytes);
-    if (title.find(L'\0') != title.npos) return {};
-    return Asked{Utf8Of(title), settings.signatures == WorkSignatures::Break};
+    if (!isKnown || settings.reserved != 0 || !title) return {};
+    return Asked{Utf8Of(*title), settings.signatures == WorkSignatures::Break};
 }
 
 class TargetSink final : public combine::PdfSink {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "services/transforms/PictureFiles.h"
 #include "services/transforms/PictureWatch.h"
@@ -50,11 +51,9 @@ struct Asked {
 std::optional<Asked> AskedFor(const WorkRequest& request) {
     const auto settings = request.SettingsAs<WorkWatermark>();
     const auto look = LookOf(settings.place, settings.opacity);
-    const std::size_t bytes = request.settings.size() - sizeof settings;
-    if (!look || bytes % sizeof(wchar_t) != 0) return {};
-    Asked asked{*look, std::wstring(bytes / sizeof(wchar_t), L'\0')};
-    std::memcpy(asked.text.data(), request.settings.data() + sizeof settings, bytes);
-    return asked;
+    auto text = request.TextAfter<WorkWatermark>();
+    if (!look || !text) return {};
+    return Asked{*look, std::move(*text)};
 }
 
 std::optional<WorkEnd> OnPicture(const WorkRequest& request, const Stamp& stamp, FileSource& source,

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -32,6 +33,19 @@ struct WorkRequest {
         Record record{};
         std::memcpy(&record, settings.data(), std::min(sizeof record, settings.size()));
         return record;
+    }
+
+    // The text after the settings of a kind that ends with one; nothing for half a unit and for a
+    // NUL, which no text of the contract has. Throws std::bad_alloc.
+    template <class Record>
+    std::optional<std::wstring> TextAfter() const {
+        if (settings.size() < sizeof(Record)) return {};
+        const std::size_t bytes = settings.size() - sizeof(Record);
+        if (bytes % sizeof(wchar_t) != 0) return {};
+        std::wstring text(bytes / sizeof(wchar_t), L'\0');
+        std::memcpy(text.data(), settings.data() + sizeof(Record), bytes);
+        if (text.find(L'\0') != text.npos) return {};
+        return text;
     }
 };
 

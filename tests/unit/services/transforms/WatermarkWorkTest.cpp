@@ -182,3 +182,5 @@ TEST_F(WatermarkWork, TakesNoValueThatTheContractLacks) {
 }
 
 } // namespace
+    settings_ = Settings(WorkPlace::Centre, 50, std::wstring(L"a\0b", 3));
+    EXPECT_FALSE(Add(picture));
