@@ -1,7 +1,7 @@
 #include "services/transforms/WatermarkWork.h"
 
 #include <algorithm>
-#include <cstring>
+#include <exception>
 #include <string>
 #include <utility>
 
@@ -64,13 +64,13 @@ std::optional<WorkEnd> OnPicture(const WorkRequest& request, const Stamp& stamp,
     return EndOfPicture(outcome, target.Size());
 }
 
-std::optional<WorkEnd> OnPages(const WorkRequest& request, const Stamp& stamp,
-                               WorkChannel& channel) {
+std::optional<WorkEnd> OnPages(const WorkRequest& request, const Stamp& stamp, WorkChannel& channel,
+                               std::uint64_t before) {
     WorkFailure failure{};
     const auto source = SourceView::Map(request.source.Get(), failure);
     if (!source) return WorkEnd(failure);
-    if (!ReadAhead(source->Bytes(), channel)) return {};
-    PictureWatch watch(channel, source->Bytes().size());
+    if (!ReadAhead(source->Bytes(), channel, before)) return {};
+    PictureWatch watch(channel, before + source->Bytes().size());
     try {
         const StampedPdf stamped =
             StampPdf(source->Bytes(), stamp, watch.Control(), request.password.Text());
@@ -90,19 +90,20 @@ bool IsPages(FileSource& source, bool& isRead) {
     return isRead && documents::IsPdf(std::as_bytes(std::span(bytes, count)));
 }
 
-// `onPages` and `onPicture` may be the same stamp.
+// `onPages` and `onPicture` may be the same stamp. `before` is what earlier records said was done.
 std::optional<WorkEnd> AddStamp(const WorkRequest& request, const Stamp& onPages,
-                                const Stamp& onPicture, WorkChannel& channel) {
+                                const Stamp& onPicture, WorkChannel& channel,
+                                std::uint64_t before = 0) {
     FileSource source(request.source.Get());
     bool isRead = false;
     const bool isPages = source.IsOpen() && IsPages(source, isRead);
     if (!isRead) return WorkEnd(WorkFailure::Unreadable);
-    if (isPages) return OnPages(request, onPages, channel);
-    PictureWatch watch(channel);
+    if (isPages) return OnPages(request, onPages, channel, before);
+    PictureWatch watch(channel, before);
     return OnPicture(request, onPicture, source, watch);
 }
 
-// Nothing for a picture that can't be used.
+// Nothing for a picture that can't be used, such as one that is too large for the memory.
 std::optional<StampPixels> PixelsOf(const WorkRequest& request, PictureWatch& watch) {
     FileSource source(request.picture.Get());
     if (!source.IsOpen()) return {};
@@ -110,6 +111,8 @@ std::optional<StampPixels> PixelsOf(const WorkRequest& request, PictureWatch& wa
         return ReadStampFile(source, watch.Control());
     } catch (const PictureFailure&) {
         return {};
+    } catch (const std::exception&) {
+        return {}; // memory, or a thread that couldn't be made
     }
 }
 
@@ -126,15 +129,12 @@ std::optional<WorkEnd> AddPictureWatermark(const WorkRequest& request, WorkChann
     const auto settings = request.SettingsAs<WorkPictureWatermark>();
     const auto look = LookOf(settings.place, settings.opacity);
     if (!look) return {}; // not a valid record
-    std::optional<StampPixels> pixels;
-    {
-        PictureWatch watch(channel);
-        pixels = PixelsOf(request, watch);
-        if (watch.IsUnread()) return {};
-    }
+    PictureWatch watch(channel);
+    auto pixels = PixelsOf(request, watch);
+    if (watch.IsUnread()) return {};
     if (!pixels) return WorkEnd(WorkFailure::BadPicture);
     const PictureStamp stamp(std::move(*pixels), *look);
-    return AddStamp(request, stamp, stamp, channel);
+    return AddStamp(request, stamp, stamp, channel, watch.Steps());
 }
 
 } // namespace transforms

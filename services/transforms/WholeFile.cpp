@@ -81,7 +81,8 @@ private:
 
 } // namespace
 
-bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel) noexcept {
+bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel,
+               std::uint64_t before) noexcept {
     constexpr std::size_t kPage = 4096;
     for (std::size_t done = 0; done < bytes.size(); done += kBlock) {
         const auto block = bytes.subspan(done, std::min(kBlock, bytes.size() - done));
@@ -89,7 +90,8 @@ bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel) noexcept 
             static_cast<void>(*static_cast<const volatile std::byte*>(&block[at]));
         }
         // Writing is the other half, of a size that isn't known yet.
-        if (!channel.SendProgress(done + block.size(), 2 * std::uint64_t{bytes.size()})) {
+        if (!channel.SendProgress(before + done + block.size(),
+                                  before + 2 * std::uint64_t{bytes.size()})) {
             return false;
         }
     }

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "ObLib/Src/Win32/WholeTransfer.h"
+#include "services/providers/worker/ReplyReader.h"
 #include "services/transforms/WorkChannel.h"
 #include "tests/support/TestFolder.h"
 
@@ -56,6 +58,23 @@ protected:
         EXPECT_FALSE(end->failure);
         EXPECT_EQ(end->outcome, outcome);
         EXPECT_TRUE(Target().empty());
+    }
+    // The progress records so far; the manager's reader accepts all of them. The last call of a
+    // test on the channel.
+    int Records() {
+        channel_.reset();
+        providers::ReplyReader reader;
+        reader.Begin();
+        int records = 0;
+        for (obcontract::WorkHeader header;
+             ObLib::ReadWhole(answered_.Get(), &header, sizeof header);) {
+            std::byte payload[obcontract::kLargestWorkPayload];
+            EXPECT_TRUE(ObLib::ReadWhole(answered_.Get(), payload, header.size));
+            const bool isProgress = header.kind == obcontract::WorkKind::Progress;
+            EXPECT_TRUE(reader.Take(header.kind, {payload, header.size})) << records;
+            records += isProgress;
+        }
+        return records;
     }
     static obcontract::WorkFailure FailureOf(const std::optional<transforms::WorkEnd>& end) {
         return end && end->failure ? *end->failure : obcontract::WorkFailure{};

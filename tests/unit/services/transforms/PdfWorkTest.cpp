@@ -10,6 +10,7 @@
 #include <string>
 
 #include "tests/unit/services/transforms/FileRequestFixture.h"
+#include "tests/unit/services/transforms/SteppedClock.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
@@ -61,6 +62,13 @@ TEST_F(PdfWork, ReportsThatAPhotoHasNoDecoder) {
     DWORD count = 0;
     ASSERT_TRUE(ReadFile(answered_.Get(), bytes, sizeof bytes, &count, nullptr));
     EXPECT_NE(std::string(bytes, count).find("no-decoder"), std::string::npos);
+}
+
+TEST_F(PdfWork, ReportsThatAPictureIsWorkedOn) {
+    const obtest::SteppedClock clock(500); // so that every second step is a second
+    ASSERT_TRUE(clock.Ok());
+    ExpectChanged(Make(Text(obtest::MakePng(obtest::Photo(300, 400, 3)))));
+    EXPECT_GT(Records(), 400 / 4);
 }
 
 TEST_F(PdfWork, ReportsWhyItCannotBeMade) {

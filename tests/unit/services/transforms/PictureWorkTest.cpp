@@ -17,6 +17,7 @@
 #include "services/providers/worker/ReplyReader.h"
 #include "services/transforms/PictureWatch.h"
 #include "tests/unit/services/transforms/FileRequestFixture.h"
+#include "tests/unit/services/transforms/SteppedClock.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
@@ -122,6 +123,22 @@ TEST_F(PictureWork, ReportsItsStepsWhileTimePasses) {
     }
     EXPECT_GT(reader.Progress().done, 0u);
     EXPECT_LE(reader.Progress().done, static_cast<std::uint64_t>(steps));
+}
+
+TEST_F(PictureWork, ReportsThatAPictureIsWorkedOn) {
+    const obtest::SteppedClock clock(500); // so that every second step is a second
+    ASSERT_TRUE(clock.Ok());
+    ExpectChanged(Resize(obtest::MakePng(obtest::Photo(300, 400, 3)), ToEdge(200)));
+    EXPECT_GT(Records(), 200 / 2);
+}
+
+// A search codes the picture several times.
+TEST_F(PictureWork, ReportsThatASizeIsSearchedFor) {
+    const obtest::SteppedClock clock(500);
+    ASSERT_TRUE(clock.Ok());
+    const auto picture = obtest::MakeJpeg(obtest::Photo(800, 600, 3), {.quality = 98});
+    ExpectChanged(Resize(picture, {WorkAim::Bytes, 1, 40'000}));
+    EXPECT_GT(Records(), 600 / 2);
 }
 
 TEST_F(PictureWork, EndsWhenTheManagerNoLongerReads) {

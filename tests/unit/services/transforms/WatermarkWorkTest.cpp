@@ -9,8 +9,11 @@
 #include <optional>
 #include <string>
 
+#include "tests/support/Allocations.h"
 #include "tests/unit/services/transforms/FileRequestFixture.h"
+#include "tests/unit/services/transforms/SteppedClock.h"
 #include "tests/unit/services/transforms/documents/EncryptedSamples.h"
+#include "tests/unit/services/transforms/documents/LargeSamples.h"
 #include "tests/unit/services/transforms/documents/PdfSamples.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
@@ -81,6 +84,20 @@ TEST_F(WatermarkWork, IsOnThePagesOfAnEncryptedPdfWhosePasswordIsGiven) {
     }
 }
 
+TEST_F(WatermarkWork, ReportsOnceASecondThatAPdfOf5000PagesIsWorkedOn) {
+    const obtest::SteppedClock clock(10); // so that each hundredth step is a second
+    ASSERT_TRUE(clock.Ok());
+    ExpectChanged(Add(samples::ManyPages(5000, 300)));
+    EXPECT_GT(Records(), 3 * 5000 / 100);
+}
+
+TEST_F(WatermarkWork, ReportsThatAPictureIsWorkedOn) {
+    const obtest::SteppedClock clock(500);
+    ASSERT_TRUE(clock.Ok());
+    ExpectChanged(Add(Text(obtest::MakePng(obtest::Photo(400, 300, 3)))));
+    EXPECT_GT(Records(), 300 / 2);
+}
+
 TEST_F(WatermarkWork, ReportsThatAPdfForbidsChanges) {
     const auto file = samples::Encrypted(samples::OnePage().File(),
                                          {samples::Cipher::Aes256, "", "owner", false});
@@ -138,6 +155,39 @@ TEST_F(PictureWatermarkWork, ReportsAPictureThatCantBeUsed) {
     ExpectPassed(AddPicture("a text", RedLogo()), WorkOutcome::NotSupported);
 }
 
+// The attached file isn't to blame.
+TEST_F(PictureWatermarkWork, ReportsAPictureThatTakesMoreMemoryThanThereIs) {
+    constexpr std::size_t kPixels = std::size_t{1000} * 1000 * 4;
+    const auto logo = obtest::MakePng(obtest::Photo(1000, 1000, 3));
+    const std::string file = Text(obtest::MakePng(obtest::Photo(60, 40, 3)));
+    ExpectChanged(AddPicture(file, logo));
+    const obtest::FailingAllocations failing({.smallest = kPixels, .once = true});
+    const auto end = AddPicture(file, logo);
+    EXPECT_TRUE(failing.Failed());
+    EXPECT_EQ(FailureOf(end), WorkFailure::BadPicture);
+}
+
+// The reports of the picture come first, then those of the file.
+TEST_F(PictureWatermarkWork, ReportsMoreAndMoreFromThePictureToTheFile) {
+    const obtest::SteppedClock clock(500); // so that every second step is a second
+    ASSERT_TRUE(clock.Ok());
+    constexpr int kRows = 3000; // more steps than a small file has bytes
+    const auto logo = obtest::MakePng(obtest::Photo(20, kRows, 3));
+    const std::string pdf = samples::OnePage().File();
+    ASSERT_LT(pdf.size(), std::size_t{kRows});
+    ExpectChanged(AddPicture(pdf, logo));
+    EXPECT_GT(Records(), kRows / 2);
+}
+
+TEST_F(PictureWatermarkWork, ReportsMoreAndMoreFromThePictureToThePicture) {
+    const obtest::SteppedClock clock(500);
+    ASSERT_TRUE(clock.Ok());
+    constexpr int kRows = 3000;
+    const auto logo = obtest::MakePng(obtest::Photo(20, kRows, 3));
+    ExpectChanged(AddPicture(Text(obtest::MakePng(obtest::Photo(400, 300, 3))), logo));
+    EXPECT_GT(Records(), kRows / 2 + 300 / 2);
+}
+
 TEST_F(PictureWatermarkWork, TakesNoValueThatTheContractLacks) {
     const std::string file = Text(obtest::MakePng(obtest::Photo(60, 40, 3)));
     EXPECT_FALSE(AddPicture(file, RedLogo(), WorkPlace{0}));
@@ -179,8 +229,8 @@ TEST_F(WatermarkWork, TakesNoValueThatTheContractLacks) {
     settings_ = Settings(WorkPlace::Centre, 50, L"ab");
     settings_.pop_back(); // half a unit
     EXPECT_FALSE(Add(picture));
+    settings_ = Settings(WorkPlace::Centre, 50, std::wstring(L"a\0b", 3));
+    EXPECT_FALSE(Add(picture));
 }
 
 } // namespace
-    settings_ = Settings(WorkPlace::Centre, 50, std::wstring(L"a\0b", 3));
-    EXPECT_FALSE(Add(picture));

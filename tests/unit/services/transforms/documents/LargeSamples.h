@@ -8,7 +8,9 @@
 
 namespace samples {
 
-inline std::string ManyPages(int count) {
+// Square pages of so many points.
+inline std::string ManyPages(int count, int side = 9) {
+    const std::string box = std::to_string(side) + " " + std::to_string(side);
     PdfBuilder pdf;
     pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
     std::string kids;
@@ -16,8 +18,8 @@ inline std::string ManyPages(int count) {
     pdf.Add("<</Type /Pages /Kids [" + kids + "] /Count " + std::to_string(count) + ">>");
     pdf.AddStream("", "KEPT");
     for (int page = 0; page < count; ++page) {
-        pdf.Add("<</Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] /Contents 3 0 R "
-                "/PieceInfo <</A (CANARY)>>>>");
+        pdf.Add("<</Type /Page /Parent 2 0 R /MediaBox [0 0 " + box +
+                "] /Contents 3 0 R /PieceInfo <</A (CANARY)>>>>");
     }
     return pdf.File();
 }
