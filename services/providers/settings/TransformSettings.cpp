@@ -28,13 +28,13 @@ std::optional<std::wstring> TransformSettings::Read(obcontract::TransformId id,
                                                     const wchar_t* name) const {
     const auto key = ObLib::OpenRegistryKey(hive_, KeyOf(key_, id).c_str(), KEY_QUERY_VALUE);
     if (!key) return {};
-    wchar_t text[128] = L"";
-    DWORD size = sizeof text;
-    if (RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text, &size) !=
+    std::wstring text(kLongestSetting + 1, L'\0');
+    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    if (RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text.data(), &size) !=
         ERROR_SUCCESS) {
         return {};
     }
-    return text;
+    return text.c_str();
 }
 
 bool TransformSettings::Write(obcontract::TransformId id,

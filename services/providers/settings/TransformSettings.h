@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -12,6 +13,8 @@
 #include "contracts/ProviderManager.h"
 
 namespace providers {
+
+inline constexpr std::size_t kLongestSetting = 1000; // characters
 
 struct SettingValue {
     const wchar_t* name;
@@ -25,7 +28,7 @@ public:
     TransformSettings(HKEY hive, std::wstring key);
 
     // Nothing where there is no value of this name, or one that isn't a text of this module's:
-    // those have at most 127 characters.
+    // those have at most kLongestSetting characters. Throws std::bad_alloc.
     std::optional<std::wstring> Read(obcontract::TransformId id, const wchar_t* name) const;
 
     // Writes the values in their order. False when one can't be written; those before it stay.

@@ -26,14 +26,12 @@ std::wstring StoredPicture(const TransformSettings& stored) {
     return path;
 }
 
-bool UsesPicture(const TransformSettings& stored) {
-    return stored.Read(kId, kKind) == kPicture && !StoredPicture(stored).empty();
-}
+bool UsesPicture(const TransformSettings& stored) { return stored.Read(kId, kKind) == kPicture; }
 
 } // namespace
 
 bool WatermarkSettings::AreStored(const TransformSettings& stored) {
-    return UsesPicture(stored) || !StoredText(stored).empty();
+    return !(UsesPicture(stored) ? StoredPicture(stored) : StoredText(stored)).empty();
 }
 
 WatermarkSettings WatermarkSettings::Load(const TransformSettings& stored) {

@@ -16,9 +16,9 @@ inline constexpr const wchar_t* kWatermarkPlaces[] = {L"TopLeft", L"TopRight", L
                                                       L"BottomRight", L"Centre"};
 inline constexpr std::size_t kWatermarkPlaceCount = std::size(kWatermarkPlaces);
 
-inline constexpr std::size_t kLongestWatermark = 100;    // characters
-inline constexpr std::size_t kLongestPicturePath = 1000; // characters
-inline constexpr std::uint32_t kLeastOpacity = 5;        // percent; less can't be seen
+inline constexpr std::size_t kLongestWatermark = 100; // characters
+inline constexpr std::size_t kLongestPicturePath = kLongestSetting;
+inline constexpr std::uint32_t kLeastOpacity = 5; // percent; less can't be seen
 inline constexpr std::uint32_t kMostOpacity = 100;
 
 struct WatermarkSettings {
@@ -28,10 +28,10 @@ struct WatermarkSettings {
     std::uint32_t opacity = 60; // percent
     // A picture instead of the text: the full path of its file, of which no copy is made.
     bool usesPicture = false;
-    std::wstring picture; // not empty when it is used
+    std::wstring picture; // empty, although it is used, when no path can be read
     bool operator==(const WatermarkSettings&) const = default;
 
-    // As for PersonalDataSettings.
+    // As for PersonalDataSettings: whether there is a text, or a path where a picture is used.
     static bool AreStored(const TransformSettings& stored);
     static WatermarkSettings Load(const TransformSettings& stored);
     bool Save(const TransformSettings& stored) const;

@@ -36,12 +36,15 @@ WorkOrder PictureOrderFor(const WatermarkSettings& settings, HANDLE picture) {
     return WorkOrder(WorkKind::PictureWatermark, record).WithPicture(picture);
 }
 
-// It is the user's own file, which is read alone.
+// It is the user's own file, which is read alone. Empty for what is no file on a disk, such as a
+// pipe: the work process takes no other.
 ObLib::UniqueKernelHandle OpenPicture(const WatermarkSettings& settings) {
-    return ObLib::UniqueKernelHandle(
+    ObLib::UniqueKernelHandle picture(
         CreateFileW(ObLib::WithLongPathPrefix(settings.picture).c_str(), GENERIC_READ,
                     FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                     FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (picture && GetFileType(picture.Get()) != FILE_TYPE_DISK) picture.Reset();
+    return picture;
 }
 
 // Stops the run with the sentence about the watermark's own picture.
@@ -70,6 +73,8 @@ bool HasLimit(const StageCall& call) {
 
 bool AddWatermark(StageCall& call, const std::wstring& path, const std::wstring& folder) {
     const auto settings = WatermarkSettings::Load(call.settings);
+    if (settings.usesPicture && settings.picture.empty())
+        return RefusePicture(call, OB_TEXT_WATERMARK_CHOOSE);
     const auto picture = settings.usesPicture ? OpenPicture(settings) : ObLib::UniqueKernelHandle();
     if (settings.usesPicture && !picture) return RefusePicture(call, OB_TEXT_WATERMARK_NO_PICTURE);
     const WorkOrder order = picture ? PictureOrderFor(settings, picture.Get()) : OrderFor(settings);

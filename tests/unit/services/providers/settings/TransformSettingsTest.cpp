@@ -249,13 +249,25 @@ TEST_F(WatermarkSettingsTest, HaveATextOrAPicture) {
     EXPECT_EQ(WatermarkSettings::Load(settings_), stored);
 }
 
-TEST_F(WatermarkSettingsTest, HaveNoPictureWithoutItsPath) {
+TEST_F(WatermarkSettingsTest, KeepAPathOfAnyLengthThatCanBeEntered) {
+    for (const std::size_t length : {127u, 128u, 999u, 1000u}) {
+        const WatermarkSettings stored{L"Ann", WatermarkPlace::Centre, 35, true,
+                                       std::wstring(length, L'a')};
+        ASSERT_TRUE(stored.Save(settings_));
+        EXPECT_TRUE(WatermarkSettings::AreStored(settings_)) << length;
+        EXPECT_EQ(WatermarkSettings::Load(settings_), stored) << length;
+    }
+}
+
+// The text never takes the place of a picture that the user chose.
+TEST_F(WatermarkSettingsTest, HaveAPictureAlsoWithoutItsPath) {
     Set(L"Text", L"Ann");
     Set(L"Kind", L"Picture");
     for (const std::wstring& path : {std::wstring(), std::wstring(1001, L'a')}) {
         Set(L"Picture", path);
-        EXPECT_FALSE(WatermarkSettings::Load(settings_).usesPicture);
-        EXPECT_EQ(WatermarkSettings::Load(settings_).text, L"Ann");
+        EXPECT_TRUE(WatermarkSettings::Load(settings_).usesPicture);
+        EXPECT_EQ(WatermarkSettings::Load(settings_).picture, L"");
+        EXPECT_FALSE(WatermarkSettings::AreStored(settings_));
     }
     Set(L"Text", L"");
     EXPECT_FALSE(WatermarkSettings::AreStored(settings_));

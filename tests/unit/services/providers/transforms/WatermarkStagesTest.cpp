@@ -7,6 +7,7 @@
 #include <string>
 #include <thread>
 
+#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/ui/WatermarkDialogIds.h"
 #include "tests/unit/services/providers/transforms/ManagerFixture.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
@@ -170,6 +171,50 @@ TEST_F(WatermarkStages, StopWithASentenceWithoutTheirPicture) {
               0u);
     EXPECT_EQ(Content(path), "photo");
     EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
+}
+
+// A path of 1,001 characters was written by somebody else.
+TEST_F(WatermarkStages, StopWithASentenceWithoutThePathOfTheirPicture) {
+    Set(L"Kind", L"Picture");
+    for (const std::wstring& stored : {std::wstring(), L"C:\\" + std::wstring(998, L'a')}) {
+        Set(L"Picture", stored.c_str());
+        const std::wstring path = folder_.File(L"photo.jpg", "photo");
+        const obtest::MessageBoxWatcher boxes;
+        EXPECT_FALSE(Execute(path));
+        ASSERT_EQ(boxes.Seen().size(), 1u);
+        EXPECT_EQ(boxes.Seen()[0].text, L"Please choose the picture of the watermark.");
+        EXPECT_EQ(Content(path), "photo");
+    }
+}
+
+TEST_F(WatermarkStages, LayAPictureWithALongPathOverEachFile) {
+    const obtest::TestFolder own;
+    const std::wstring folder = own / std::wstring(120, L'a');
+    ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
+    const std::wstring logo = folder + L"\\logo.png";
+    ASSERT_GT(logo.size(), 128u);
+    ASSERT_TRUE(obtest::WriteFileContent(logo, "logo"));
+    Set(L"Kind", L"Picture");
+    Set(L"Picture", logo.c_str());
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    EXPECT_TRUE(Execute(path));
+    EXPECT_EQ(Content(path), "picture 2 45 logo");
+}
+
+// The work process would take it for a request that isn't valid.
+TEST_F(WatermarkStages, StopWithASentenceForAPictureThatIsNoFileOnADisk) {
+    constexpr wchar_t kPipe[] = L"\\\\.\\pipe\\logo.png";
+    const ObLib::UniqueKernelHandle pipe(
+        CreateNamedPipeW(kPipe, PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE, 1, 4096, 4096, 0, nullptr));
+    ASSERT_TRUE(pipe);
+    Set(L"Kind", L"Picture");
+    Set(L"Picture", kPipe);
+    const std::wstring path = folder_.File(L"photo.jpg", "photo");
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Execute(path));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_NE(boxes.Seen()[0].text.find(L"is missing or can't be read"), std::wstring::npos);
+    EXPECT_EQ(Content(path), "photo");
 }
 
 TEST_F(WatermarkStages, StopWithASentenceForAPictureThatCantBeUsed) {
