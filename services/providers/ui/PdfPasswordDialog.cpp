@@ -66,6 +66,9 @@ INT_PTR OnCommand(HWND dialog, Question& question, int control) {
         ShowOrHide(dialog, question);
         return TRUE;
     case IDOK:
+        // The Enter key reports OK also while the button is disabled.
+        if (IsWindowEnabled(GetDlgItem(dialog, IDOK))) End(dialog, question, control);
+        return TRUE;
     case IDCANCEL:
     case OB_PDF_PASSWORD_LEAVE:
         End(dialog, question, control);

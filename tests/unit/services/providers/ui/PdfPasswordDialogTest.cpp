@@ -62,6 +62,18 @@ TEST_F(PdfPasswordDialog, CutsThePasswordAsTheFormatDoes) {
     EXPECT_EQ(password_.Bytes().size(), obcontract::kMostPasswordBytes);
 }
 
+// The Enter key reports OK also while the button is disabled.
+TEST_F(PdfPasswordDialog, StaysOpenWhenEnterIsPressedInTheEmptyField) {
+    EXPECT_EQ(Ask([](HWND dialog) {
+                  SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+                  EXPECT_TRUE(IsWindow(dialog));
+                  SetWindowTextW(Field(dialog), L"secret");
+                  SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+              }),
+              PasswordAnswer::Given);
+    EXPECT_STREQ(password_.Text(), "secret");
+}
+
 TEST_F(PdfPasswordDialog, GivesNoneWithoutOk) {
     EXPECT_EQ(Type(L"secret", OB_PDF_PASSWORD_LEAVE), PasswordAnswer::LeaveAsItIs);
     EXPECT_EQ(Type(L"secret", IDCANCEL), PasswordAnswer::Cancelled);
