@@ -9,6 +9,13 @@
 namespace providers {
 namespace {
 
+// Results by which a password is known to open the file. With any other one the file may not have
+// been read at all.
+bool HasOpened(WorkResult result) {
+    return result == WorkResult::Changed || result == WorkResult::Unchanged ||
+           result == WorkResult::Signed || result == WorkResult::NotSupported;
+}
+
 class PasswordedRequest {
 public:
     PasswordedRequest(StageCall& call, const std::wstring& path, const WorkOrder& order,
@@ -16,9 +23,7 @@ public:
         : call_(call), passwords_(call.run.passwords), path_(path), order_(order), run_(run) {}
 
     WorkReport Run() {
-        const auto known = passwords_.known.find(path_);
-        if (known != passwords_.known.end()) return With(passwords_.given[known->second]);
-        WorkReport report = run_(order_);
+        WorkReport report = TryKnown();
         if (!NeedsPassword(report.result) || passwords_.left.contains(path_)) return report;
         if (auto opened = TryGiven()) return std::move(*opened);
         return AskUntilItOpens(std::move(report));
@@ -27,12 +32,19 @@ public:
 private:
     WorkReport With(const ObLib::Secret& password) { return run_(order_.With(password)); }
 
+    // With the password that has opened the file before, if there is one.
+    WorkReport TryKnown() {
+        const auto known = passwords_.known.find(path_);
+        return known == passwords_.known.end() ? run_(order_)
+                                               : With(passwords_.given[known->second]);
+    }
+
     // With the passwords of the run's other files.
     std::optional<WorkReport> TryGiven() {
         for (std::size_t number = 0; number < passwords_.given.size(); ++number) {
             WorkReport report = With(passwords_.given[number]);
             if (NeedsPassword(report.result)) continue;
-            passwords_.known[path_] = number;
+            if (HasOpened(report.result)) passwords_.known[path_] = number;
             return report;
         }
         return {};
@@ -49,7 +61,7 @@ private:
             }
             if (answer == PasswordAnswer::Cancelled) return Cancelled();
             report = With(password);
-            if (!NeedsPassword(report.result)) Keep(std::move(password));
+            if (HasOpened(report.result)) Keep(std::move(password));
             text = TextFor(report.result, OB_TEXT_PDF_PASSWORD_WRONG);
         }
         return report;

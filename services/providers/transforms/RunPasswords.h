@@ -15,7 +15,7 @@ namespace providers {
 // Wiped at the end of the run.
 struct RunPasswords {
     std::vector<ObLib::Secret> given;                     // in the order in which they were typed
-    std::map<std::wstring, std::size_t, PathOrder> known; // which of them opens the file
+    std::map<std::wstring, std::size_t, PathOrder> known; // which of them has opened the file
     std::set<std::wstring, PathOrder> left; // files that stay as they are, by the user's choice
 };
 
