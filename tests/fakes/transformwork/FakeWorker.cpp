@@ -146,6 +146,11 @@ void Act(const std::string& word, const Taken& taken) {
         Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 8});
         return;
     }
+    if (word == "pdf") {
+        WriteTarget(taken, "%PDF-made");
+        Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 9});
+        return;
+    }
     if (word == "full") {
         WriteTarget(taken, "half");
         Send(WorkKind::Failed, WorkFailed{WorkFailure::Unwritable, 0});

@@ -24,13 +24,16 @@ struct Transform {
     const wchar_t* result;      // the extension of a result
     const char* resultContent;  // a part of it
     std::size_t resultsOfThree; // files
+    const wchar_t* aim = L"";   // of pictures that become smaller
 };
 
 const Transform kTransforms[] = {
+    {"pdf", 3, false, "pdf", L".jpg", "photo", 5, L".pdf", "%PDF-made", 3},
     {"photos", 50, false, "jpeg", L".heic", "photo", 5, L".jpg", "jpeg", 3},
+    {"resize", 2, false, "good", L".jpg", "photo", 5, L".jpg", "aim 1 2048", 3, L"LongestEdge"},
     {"watermark", 5, false, "good", L".jpg", "photo", 5, L".jpg", "mark ", 3},
     {"combine", 65, true, "good", L".pdf", "%PDF-pages", 10, L".pdf", "=pages;", 1},
-    {"fit", 2, true, "good", L".jpg", "pic", 400'000, L".jpg", "smaller", 3},
+    {"fit", 2, true, "good", L".jpg", "pic", 400'000, L".jpg", "smaller", 3, L"FitMail"},
 };
 
 std::wstring Long(const std::wstring& path) { return L"\\\\?\\" + path; }
@@ -43,7 +46,7 @@ protected:
         ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, transform.id, kTransform));
         const std::wstring key = std::wstring(kProviderManagerKey) + L"\\Transforms\\";
         obtest::SetValue(HKEY_CURRENT_USER, key + L"5", L"Text", L"Ann Example");
-        obtest::SetValue(HKEY_CURRENT_USER, key + L"2", L"Aim", L"FitMail");
+        obtest::SetValue(HKEY_CURRENT_USER, key + L"2", L"Aim", transform.aim);
         obtest::SetValue(HKEY_CURRENT_USER, key + L"2", L"Megabytes", L"1");
         Script(transform.word);
     }
