@@ -185,6 +185,48 @@ TEST_F(FakeProviders, FillsAListWithWhatTheUserPicks) {
     EXPECT_EQ(Calls().back(), L"DeleteDownloadList(provider7, list)");
 }
 
+TEST_F(FakeProviders, PicksItemsOfOtherProvidersAndAccounts) {
+    Answer(L"Providers", L"7,8");
+    Answer(L"GetSharedListFromOpenPicker", L"a|x|8|ann;b|y");
+    CloudProvider* provider = Entries().EnumStorageProviders(manager_);
+    DownloadList* list = slots::OnCloudProvider::CreateDownloadList::Call(provider);
+    ASSERT_TRUE(Entries().GetSharedListFromOpenPicker(manager_, provider, list, nullptr));
+    CloudItem item;
+    ASSERT_TRUE(slots::OnDownloadList::GetItem::Call(list, 0, &item));
+    EXPECT_EQ(item.profile.providerId, 8u);
+    EXPECT_STREQ(item.profile.accountKey, L"ann");
+    ASSERT_TRUE(slots::OnDownloadList::GetItem::Call(list, 1, &item));
+    EXPECT_EQ(item.profile.providerId, 7u);
+    Entries().DeleteDownloadList(provider, list);
+}
+
+TEST_F(FakeProviders, CanRefuseToScheduleTheDeletionOfOneItem) {
+    Answer(L"AddFileToDeletionSchedule.b", L"0");
+    CloudItem item{};
+    item.name[0] = L'a';
+    EXPECT_TRUE(Entries().AddFileToDeletionSchedule(&item, 1));
+    item.name[0] = L'b';
+    EXPECT_FALSE(Entries().AddFileToDeletionSchedule(&item, 1));
+}
+
+TEST_F(FakeProviders, CanFillInTheSpaceOfAFailedCall) {
+    Answer(L"Providers", L"7");
+    CloudProvider* provider = Entries().EnumStorageProviders(manager_);
+    std::int64_t values[] = {1, 1};
+    const auto ask = [&] {
+        return slots::OnCloudProvider::GetAccountSpace::Call(provider, L"", &values[0], &values[1]);
+    };
+    EXPECT_FALSE(ask());
+    EXPECT_EQ(values[0], 1);
+    Answer(L"provider7.GetAccountSpace", L"-2,-2,0");
+    EXPECT_FALSE(ask());
+    EXPECT_EQ(values[0], -2);
+    EXPECT_EQ(values[1], -2);
+    Answer(L"provider7.GetAccountSpace", L"5,6");
+    EXPECT_TRUE(ask());
+    EXPECT_EQ(values[1], 6);
+}
+
 TEST_F(FakeProviders, MakesABitmapOfTheSizeThatTheIndexNames) {
     Answer(L"Providers", L"7");
     Answer(L"provider7.GetBitmap", L"1");

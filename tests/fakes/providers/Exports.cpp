@@ -31,6 +31,18 @@ ProviderProfile ProfileOf(const std::wstring& script) {
     return profile;
 }
 
+// The account of a picked item: after its name and link come a provider's id and an account key,
+// where the script has them.
+ProviderProfile AccountOf(const std::vector<std::wstring>& fields, std::uint32_t providerId) {
+    ProviderProfile account{};
+    account.providerId = providerId;
+    if (fields.size() > 2) {
+        account.providerId = static_cast<std::uint32_t>(NumberAt(fields[2], 0, 0));
+    }
+    if (fields.size() > 3) FillText(account.accountKey, kAccountKeyCapacity, fields[3]);
+    return account;
+}
+
 } // namespace
 
 extern "C" {
@@ -170,11 +182,9 @@ Bool GetSharedListFromOpenPicker(ProviderManagerHandle manager, CloudProvider* p
     if (!IsReady(manager) || !fake || !list || !picked) return 0;
     for (const std::wstring& text : Split(*picked, L';')) {
         const auto fields = Split(text, L'|');
-        if (fields.size() != 2) continue;
-        ProviderProfile account{};
-        account.providerId = fake->id;
+        if (fields.size() < 2) continue;
         static_cast<FakeDownloadList*>(list)->items.push_back(
-            MakeItem(account, fields[0], fields[1]));
+            MakeItem(AccountOf(fields, fake->id), fields[0], fields[1]));
     }
     return 1;
 }
@@ -187,7 +197,9 @@ void DeleteDownloadList(CloudProvider* provider, DownloadList* list) {
 
 Bool AddFileToDeletionSchedule(const CloudItem* item, std::int32_t days) {
     Record(L"AddFileToDeletionSchedule", item, days);
-    return item && ScriptedCount(L"AddFileToDeletionSchedule", 1) != 0;
+    if (!item) return 0;
+    const std::wstring ofItem = std::wstring(L"AddFileToDeletionSchedule.") + item->name;
+    return ScriptedCount(ofItem, ScriptedCount(L"AddFileToDeletionSchedule", 1)) != 0;
 }
 
 } // extern "C"

@@ -106,10 +106,10 @@ Bool GetAccountSpace(Provider* provider, const wchar_t* accountKey, std::int64_t
                      std::int64_t* totalBytes) {
     Record(L"GetAccountSpace", provider, accountKey);
     const auto values = Split(TextOfAccount(provider, L"GetAccountSpace", accountKey), L',');
-    if (values.size() != 2) return 0;
+    if (values.size() < 2) return 0;
     *freeBytes = std::wcstoll(values[0].c_str(), nullptr, 10);
     *totalBytes = std::wcstoll(values[1].c_str(), nullptr, 10);
-    return 1;
+    return values.size() == 2 || values[2] != L"0";
 }
 
 std::uint64_t GetMaxFileSize(Provider* provider, const wchar_t* accountKey) {

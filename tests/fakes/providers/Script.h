@@ -14,7 +14,9 @@
 //   IsAuthorized2                     [0]
 //   GetLastErrorOfProvider            [text "error CODE" after a code was set, else none]
 //   GetLastErrorCodeOfProvider        [0]; GetLastErrorCodeOfProvider.text
-//   GetSharedListFromOpenPicker       "name|link;name|link": what the user picks [nothing: no]
+//   GetSharedListFromOpenPicker       "name|link;name|link": what the user picks [nothing: no];
+//                                     "name|link|id|key": an item of that provider and account
+//   AddFileToDeletionSchedule.NAME    result for the item of that name [as the next line has it]
 //   AddFileToDeletionSchedule         [1]
 //   GetReadyForConvert.N, SelectProviders.N, ShowProviderOptionsWhenNoOptionsSet.N
 //                                     [as IsProviderSupport.N.4]
@@ -42,7 +44,8 @@
 //   providerN.GetBitmap               1: a bitmap of the size that the index names [0]
 //   providerN.HasCapability           sum of the masks [0]
 //   providerN.CreateUploadList, providerN.CreateDownloadList   0: null [1]
-//   providerN.GetAccountSpace         "free,total" [no; the values are left alone]
+//   providerN.GetAccountSpace         "free,total" [no; the values are left alone]; "free,total,0":
+//                                     the values are filled in and the answer is no
 //   providerN.GetAccountSpace.KEY     the same for the account of this key
 //   providerN.GetMaxFileSize          [the largest number]
 //   providerN.GetAccountRootFolder    [none]
