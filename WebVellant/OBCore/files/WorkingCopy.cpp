@@ -20,14 +20,6 @@ bool IsLink(const WIN32_FIND_DATAW& entry) {
            IsReparseTagNameSurrogate(entry.dwReserved0);
 }
 
-// Whether the run's own folder was replaced by a link since it was made.
-bool IsLinkInstead(std::wstring folder) {
-    if (folder.ends_with(L'\\')) folder.pop_back();
-    const DWORD attributes = GetFileAttributesW(ExtendedPath(folder).c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES &&
-           (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-}
-
 // A copy inherits the mark of a write-protected source, and such a file can't be deleted.
 void DeleteCopy(const std::wstring& path) {
     const std::wstring file = ExtendedPath(path);
@@ -37,6 +29,23 @@ void DeleteCopy(const std::wstring& path) {
 }
 
 } // namespace
+
+bool IsLinkInstead(std::wstring folder) {
+    if (folder.ends_with(L'\\')) folder.pop_back();
+    const DWORD attributes = GetFileAttributesW(ExtendedPath(folder).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES &&
+           (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+void WipeResult(const std::wstring& file, const std::wstring& folder) {
+    if (IsLinkInstead(folder)) return;
+    std::vector<std::wstring> files = {file};
+    std::vector<std::wstring> folders = {folder};
+    WipeFiles(files, folders);
+    if (files.empty()) return;
+    DeleteCopy(file);
+    RemoveDirectoryW(ExtendedPath(folder).c_str());
+}
 
 namespace CompressUtils {
 

@@ -13,6 +13,15 @@ struct WorkingCopy {
     std::vector<std::wstring> Files; // the picked paths, then their copies
 };
 
+// Whether a junction or a symbolic link has taken the place of a folder that the run has made. What
+// it leads to belongs to somebody else. With or without a trailing backslash.
+bool IsLinkInstead(std::wstring folder);
+
+// Clears a result that goes nowhere, a file alone in a folder that the run has made for it: by the
+// wipe program, which works on after this call, or by plain deletion. When a link has taken the
+// folder's place, nothing is deleted. What can't be removed stays, without a message.
+void WipeResult(const std::wstring& file, const std::wstring& folder);
+
 namespace CompressUtils {
 
 // Adds every file below `folder`, subfolders included, in the order of the file system. A folder
