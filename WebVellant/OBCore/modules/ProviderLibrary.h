@@ -18,6 +18,8 @@ const obcontract::ProviderManagerEntries& ProviderManager() noexcept;
 // Process detach only.
 void FreeProviderManager() noexcept;
 
+inline constexpr std::uint32_t kAccountCapacity = 16; // profiles that GetAccountProfiles is given
+
 // Whether a walk over the storage providers that looks for a place to store takes this one.
 constexpr bool IsOfferedForStoring(std::uint32_t providerId) noexcept {
     for (const std::uint32_t other : obcontract::kProvidersNotForStoring) {

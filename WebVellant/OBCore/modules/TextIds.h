@@ -12,8 +12,18 @@ namespace obcore {
     TEXT(OneFileOnly, 104)                                                                         \
     TEXT(CopyFailed, 105)                                                                          \
     TEXT(ZipFailed, 129)                                                                           \
+    TEXT(ShareProvider, 130)                                                                       \
+    TEXT(ShareOpen, 131)                                                                           \
+    TEXT(ShareTrouble, 132)                                                                        \
+    TEXT(SharePassword, 133)                                                                       \
+    TEXT(ShareClosing, 134)                                                                        \
+    TEXT(UploadTitle, 136)                                                                         \
+    TEXT(UploadBody, 137)                                                                          \
     TEXT(AllFiles, 140)                                                                            \
     TEXT(TransformProgress, 141)                                                                   \
+    TEXT(ShareExpiry, 145)                                                                         \
+    TEXT(PickedFrom, 150)                                                                          \
+    TEXT(SharePopup, 160)                                                                          \
     TEXT(PublicKeyUnusable, 161)                                                                   \
     TEXT(ConvertPdf, 180)                                                                          \
     TEXT(Watermark, 181)                                                                           \

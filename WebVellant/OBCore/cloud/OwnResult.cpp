@@ -1,0 +1,33 @@
+#include "OBCore/cloud/OwnResult.h"
+
+#include "OBCore/cloud/ArchiveNames.h"
+#include "OBCore/files/Paths.h"
+#include "OBCore/files/WorkingCopy.h"
+
+using obcontract::kCompressionZipx;
+
+namespace obcore {
+
+bool IsOwnResult(const OBAttachJob& job) {
+    const std::wstring& folder = job.CleanupFolder; // with its trailing backslash
+    return !folder.empty() && job.ResultFolder == folder && job.ResultPath.starts_with(folder) &&
+           job.ResultPath.rfind(L'\\') == folder.size() - 1 && !IsLinkInstead(folder);
+}
+
+void GiveArchiveExtension(OBAttachJob& job) {
+    if (IsArchiveName(job.ResultPath)) return;
+    const wchar_t* extension = job.CompressionMethod == kCompressionZipx ? L".zipx" : L".zip";
+    job.ResultName = WithExtension(job.ResultName, extension);
+    if (!IsOwnResult(job)) return;
+    const std::wstring before = job.ResultPath;
+    job.ResultPath = WithExtension(job.ResultPath, extension);
+    job.CleanupFile = WithExtension(job.CleanupFile, extension);
+    MoveFileExW(ExtendedPath(before).c_str(), ExtendedPath(job.ResultPath).c_str(),
+                MOVEFILE_COPY_ALLOWED);
+}
+
+void WipeOwnResult(const OBAttachJob& job) {
+    if (IsOwnResult(job)) WipeResult(job.ResultPath, job.ResultFolder);
+}
+
+} // namespace obcore

@@ -1,0 +1,65 @@
+#include "OBCore/cloud/ShareText.h"
+
+#include <string_view>
+#include <utility>
+
+#include "OBCore/modules/ProviderLibrary.h"
+#include "OBCore/modules/ResourceModule.h"
+
+using obcontract::CloudItem;
+using obcontract::DownloadList;
+using obcore::slots::OnDownloadList;
+
+namespace obcore {
+namespace {
+
+constexpr int kTextCapacity = 4096; // wide characters
+constexpr wchar_t kUploadMark[] = L"0";
+constexpr wchar_t kPopupBegin[] = L"#POPUP_MESSAGE_BEGIN#";
+constexpr wchar_t kPopupEnd[] = L"#POPUP_MESSAGE_END#";
+
+// The loaded text with `value` in its one place. Formatting by hand: a text of the resources that a
+// translator got wrong then costs no more than its place.
+std::wstring Filled(TextId id, std::wstring_view place, const std::wstring& value) {
+    std::wstring text = LoadText(id, kTextCapacity);
+    const std::size_t at = text.find(place);
+    if (at != std::wstring::npos) text.replace(at, place.size(), value);
+    return text;
+}
+
+// The days that the item's group names: negative when it was not put on the schedule.
+std::int32_t ScheduledDays(const CloudItem& item, std::int32_t days) {
+    if (days < 0) return days;
+    return ProviderManager().AddFileToDeletionSchedule(&item, days) ? days : -1;
+}
+
+} // namespace
+
+void AppendShareTail(std::wstring& text, const std::wstring& displayName, std::int32_t days) {
+    text += L'|' + Filled(TextId::ShareProvider, L"%s", displayName);
+    for (const TextId id : {TextId::ShareOpen, TextId::ShareTrouble, TextId::SharePassword}) {
+        text += L'|' + LoadText(id, kTextCapacity);
+    }
+    text += L'|';
+    if (days >= 0) text += Filled(TextId::ShareExpiry, L"%d", std::to_wstring(days));
+    text += LoadText(TextId::ShareClosing, kTextCapacity);
+    text += std::wstring(L"|") + kPopupBegin + LoadText(TextId::SharePopup, kTextCapacity);
+    text += kPopupEnd;
+}
+
+void FormatShareText(DownloadList* list, const std::wstring& displayName, std::int32_t days,
+                     std::wstring& linkText) {
+    std::wstring text = kUploadMark;
+    CloudItem item{};
+    for (std::uint32_t index = 0; OnDownloadList::GetItem::Call(list, index, &item); ++index) {
+        const std::int32_t itemDays = ScheduledDays(item, days);
+        text += L"| |";
+        text += item.name;
+        text += L'|';
+        text += item.link;
+        AppendShareTail(text, displayName, itemDays);
+    }
+    linkText = std::move(text);
+}
+
+} // namespace obcore
