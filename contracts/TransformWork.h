@@ -42,6 +42,7 @@ enum class WorkKind : std::uint32_t {
     CombineAdd = 10,
     CombineWrite = 11,
     PictureToPdf = 12, // makes a PDF of a picture
+    RemoveDates = 13,  // writes a PDF without what differs each time a program makes it
     // No request and without files: its payload is the password of the PDF in the next request, 1
     // to kMostPasswordBytes bytes of UTF-8 without a NUL. The manager ends the process after that
     // request, as libraries make copies that nobody can wipe.
@@ -182,9 +183,10 @@ inline constexpr std::uint32_t kMostCombineTitle = 255;
 
 // The settings of CombineWrite are WorkPlain; it comes last.
 
-// The settings of Measure and FitAdd. Measure is always Changed, with the bytes in WorkDone. FitAdd
-// is Changed for a picture that can be made smaller, which then has the next number from 0 on, and
-// Unchanged for one that passes.
+// The settings of Measure, FitAdd and RemoveDates. Measure is always Changed, with the bytes in
+// WorkDone. FitAdd is Changed for a picture that can be made smaller, which then has the next
+// number from 0 on, and Unchanged for one that passes. RemoveDates is Changed or fails: dates and
+// identifiers of the whole file go, and the pages stay.
 struct WorkPlain {
     std::uint64_t reserved; // zero
 };
@@ -244,6 +246,7 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
      sizeof(WorkCombineAdd) + 2 * kMostCombineTitle, true, false},
     {WorkKind::CombineWrite, sizeof(WorkPlain), sizeof(WorkPlain), false, true},
     {WorkKind::PictureToPdf, sizeof(WorkPdf), sizeof(WorkPdf), true, true},
+    {WorkKind::RemoveDates, sizeof(WorkPlain), sizeof(WorkPlain), true, true},
     {WorkKind::PictureWatermark, sizeof(WorkPictureWatermark), sizeof(WorkPictureWatermark), true,
      true, true},
     {WorkKind::Measure, sizeof(WorkPlain), sizeof(WorkPlain), true, false},

@@ -1,6 +1,7 @@
 #include "services/transforms/FileRequests.h"
 
 #include "services/transforms/CleanWork.h"
+#include "services/transforms/DatesWork.h"
 #include "services/transforms/MeasureWork.h"
 #include "services/transforms/PdfWork.h"
 #include "services/transforms/PhotoWork.h"
@@ -26,6 +27,7 @@ constexpr RequestRow kRequests[] = {
     {WorkKind::Watermark, &AddWatermark},
     {WorkKind::PictureWatermark, &AddPictureWatermark},
     {WorkKind::PictureToPdf, &MakePdf},
+    {WorkKind::RemoveDates, &RemoveDates},
 };
 
 // The requests that belong together.

@@ -146,17 +146,30 @@ void Empty(HANDLE target) {
     SetEndOfFile(target);
 }
 
-SuiteOutcome TakeResult(const SuiteFolder& folder, HANDLE target) {
-    switch (TakeWholePdf(folder / kResult, target)) {
-    case TakenPdf::Taken:
-        return SuiteOutcome::Converted;
-    case TakenPdf::Unwritable:
-        Empty(target);
-        return SuiteOutcome::Unwritable;
-    default:
-        Empty(target);
-        return SuiteOutcome::Failed;
-    }
+// Has the work process write the suite's PDF without its dates into the target, so that equal
+// documents give equal PDFs. False, with an empty target, when that can't be done: a PDF that the
+// work process doesn't understand goes out as the suite wrote it.
+bool TakeWithoutDates(HANDLE made, HANDLE target, WorkProcess& process, CallWait& wait) {
+    const WorkOrder order(obcontract::WorkKind::RemoveDates, obcontract::WorkPlain{});
+    const WorkReport report = process.Run(order, made, target, wait);
+    LARGE_INTEGER size;
+    const bool isWhole = report.result == WorkResult::Changed && IsWholePdf(target) &&
+                         GetFileSizeEx(target, &size) &&
+                         report.size == static_cast<std::uint64_t>(size.QuadPart);
+    if (!isWhole) Empty(target);
+    return isWhole;
+}
+
+SuiteOutcome TakeResult(const SuiteFolder& folder, HANDLE target, WorkProcess& process,
+                        CallWait& wait) {
+    const UniqueKernelHandle made = OpenWholePdf(folder / kResult);
+    if (!made) return SuiteOutcome::Failed;
+    if (TakeWithoutDates(made.Get(), target, process, wait)) return SuiteOutcome::Converted;
+    if (wait.IsEnded()) return SuiteOutcome::Cancelled;
+    const TakenPdf taken = TakePdf(made.Get(), target);
+    if (taken == TakenPdf::Taken) return SuiteOutcome::Converted;
+    Empty(target);
+    return taken == TakenPdf::Unwritable ? SuiteOutcome::Unwritable : SuiteOutcome::Failed;
 }
 
 // Looks at the document in the work process, so that no suite is started that would ask for a
@@ -192,7 +205,8 @@ SuiteOutcome ConvertDocument(const SuiteDocument& document, HANDLE target, WorkP
     if (outcome != SuiteOutcome::Converted) return outcome;
     outcome = found->office ? RunOffice(form->kind, *found->office, *folder, name, wait, limits)
                             : RunSuite(found->suite, *folder, name, wait, limits);
-    return outcome == SuiteOutcome::Converted ? TakeResult(*folder, target) : outcome;
+    return outcome == SuiteOutcome::Converted ? TakeResult(*folder, target, process, wait)
+                                              : outcome;
 }
 
 } // namespace providers

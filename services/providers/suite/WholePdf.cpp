@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "ObLib/Src/Win32/LongPath.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/suite/FileContent.h"
 
 namespace providers {
@@ -26,6 +25,8 @@ std::string BytesAt(HANDLE file, std::uint64_t at) {
     return bytes;
 }
 
+} // namespace
+
 bool IsWholePdf(HANDLE file) {
     LARGE_INTEGER size;
     if (!GetFileSizeEx(file, &size) || size.QuadPart <= 0) return false;
@@ -34,14 +35,16 @@ bool IsWholePdf(HANDLE file) {
            BytesAt(file, all - std::min(all, kTail)).find(kEnd) != std::string::npos;
 }
 
-} // namespace
-
-TakenPdf TakeWholePdf(const std::wstring& path, HANDLE target) {
-    const ObLib::UniqueKernelHandle made(CreateFileW(
+ObLib::UniqueKernelHandle OpenWholePdf(const std::wstring& path) {
+    ObLib::UniqueKernelHandle made(CreateFileW(
         ObLib::WithLongPathPrefix(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
         nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-    if (!made || !IsWholePdf(made.Get())) return TakenPdf::NotWhole;
-    switch (CopyContent(made.Get(), target, [] { return false; })) {
+    if (!made || !IsWholePdf(made.Get())) return {};
+    return made;
+}
+
+TakenPdf TakePdf(HANDLE made, HANDLE target) {
+    switch (CopyContent(made, target, [] { return false; })) {
     case CopiedContent::Whole:
         return TakenPdf::Taken;
     case CopiedContent::Unwritable:

@@ -6,15 +6,23 @@
 #include <cstdint>
 #include <string>
 
+#include "ObLib/Src/Win32/UniqueHandle.h"
+
 namespace providers {
 
 enum class TakenPdf : std::uint8_t {
     Taken,
-    NotWhole,   // no file, an empty one, or one that doesn't begin and end as a PDF does
+    NotWhole,   // the file can't be read to its end
     Unwritable, // the target can't be written, as on a full disk
 };
 
-// Copies the file at `path` into the empty file `target`. Throws std::bad_alloc.
-TakenPdf TakeWholePdf(const std::wstring& path, HANDLE target);
+// Whether the file begins and ends as a PDF does.
+bool IsWholePdf(HANDLE file);
+
+// The file at `path`, for reading, if it is a whole PDF; empty otherwise.
+ObLib::UniqueKernelHandle OpenWholePdf(const std::wstring& path);
+
+// Copies the whole of the file `made` into the empty file `target`. Throws std::bad_alloc.
+TakenPdf TakePdf(HANDLE made, HANDLE target);
 
 } // namespace providers

@@ -123,7 +123,8 @@ protected:
     TakenPdf Take(std::string_view content) {
         target_.Reset(CreateFileW((folder_ / L"target").c_str(), GENERIC_READ | GENERIC_WRITE,
                                   FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr));
-        return TakeWholePdf(folder_.File(L"made.pdf", content), target_.Get());
+        const auto made = OpenWholePdf(folder_.File(L"made.pdf", content));
+        return made ? TakePdf(made.Get(), target_.Get()) : TakenPdf::NotWhole;
     }
     const obtest::TestFolder folder_;
     ObLib::UniqueKernelHandle target_;
@@ -141,14 +142,16 @@ TEST_F(WholePdfTest, HasABeginningAndAnEnd) {
     EXPECT_EQ(Take("%PDF-1.6\ncut"), TakenPdf::NotWhole);
     EXPECT_EQ(Take("text %PDF-1.6\n%%EOF"), TakenPdf::NotWhole);
     EXPECT_EQ(Take("%PDF-1.6\n%%EOF" + std::string(2000, ' ')), TakenPdf::NotWhole);
-    EXPECT_EQ(TakeWholePdf(folder_ / L"missing.pdf", target_.Get()), TakenPdf::NotWhole);
+    EXPECT_FALSE(OpenWholePdf(folder_ / L"missing.pdf"));
 }
 
 TEST_F(WholePdfTest, ReportsATargetThatCannotBeWritten) {
     ASSERT_EQ(Take("%PDF-1.6\n%%EOF"), TakenPdf::Taken);
     const ObLib::UniqueKernelHandle reading(CreateFileW(
         folder_.File(L"other").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    EXPECT_EQ(TakeWholePdf(folder_ / L"made.pdf", reading.Get()), TakenPdf::Unwritable);
+    const auto made = OpenWholePdf(folder_ / L"made.pdf");
+    ASSERT_TRUE(made);
+    EXPECT_EQ(TakePdf(made.Get(), reading.Get()), TakenPdf::Unwritable);
 }
 
 } // namespace

@@ -198,6 +198,14 @@ def check_pdf(path, text):
     check(text in tool("pdftotext", "-layout", path, "-")[1], f"{name} contains its text (pdftotext)")
 
 
+def check_equal(path, again):
+    """The second conversion came seconds later."""
+    with open(path, "rb") as one, open(again, "rb") as other:
+        check(one.read() == other.read(), f"{os.path.basename(path)}: the same document gives the same bytes")
+    dates = [line for line in tool("pdfinfo", "-isodates", path)[1].splitlines() if "Date" in line]
+    check(not dates, f"{os.path.basename(path)} has no date {dates}")
+
+
 def check_all(options, work):
     folder = os.path.join(work, "documents")
     os.mkdir(folder)
@@ -209,6 +217,7 @@ def check_all(options, work):
     for name, text in texts.items():
         check(outcomes.get(name) == "converted", f"{name} is converted ({outcomes.get(name)})")
         check_pdf(os.path.join(after, name + ".pdf"), text)
+        check_equal(os.path.join(after, name + ".pdf"), os.path.join(after, os.pardir, "again", name + ".pdf"))
     check(outcomes.get("broken.docx") == "failed", f"a broken document fails ({outcomes.get('broken.docx')})")
     check(os.path.getsize(os.path.join(after, "broken.docx.pdf")) == 0, "its result is empty")
     for name in protected:

@@ -1,0 +1,85 @@
+// PDFs of other programs without what differs each time such a program makes them.
+#include "services/transforms/documents/PdfDates.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "services/transforms/documents/PdfFile.h"
+#include "tests/unit/services/transforms/SamplePhoto.h"
+#include "tests/unit/services/transforms/documents/PdfBuilder.h"
+
+using namespace samples;
+using transforms::documents::RemovePdfDates;
+
+namespace {
+
+struct Dateless {
+    CleanOutcome outcome;
+    std::string file;
+};
+
+Dateless WithoutDates(const std::string& file) {
+    const auto analysis = RemovePdfDates(BytesOf(file), {});
+    return {transforms::personal::OutcomeOf(analysis), SampleOf(analysis.parts.Join())};
+}
+
+// What a program makes of one document at a time of day.
+std::string MadeAt(const std::string& time, const std::string& properties = {}) {
+    PdfBuilder pdf = OnePage({}, properties.empty() ? "" : "/Metadata 6 0 R");
+    pdf.Add("<</Title (KEPT) /Producer (A suite) /CreationDate (D:" + time +
+            ") /ModDate (D:" + time + ")>>");
+    if (!properties.empty()) pdf.AddStream("/Type /Metadata /Subtype /XML", properties + time);
+    const std::string id = "<" + time + "00112233445566>";
+    return pdf.File("/Info 5 0 R /ID [" + id + id + "] /DocChecksum /" + time);
+}
+
+constexpr char kNoon[] = "20261122120000";
+constexpr char kLater[] = "20261122120001";
+
+TEST(PdfDates, GoSoThatEqualDocumentsGiveEqualFiles) {
+    const Dateless made = WithoutDates(MadeAt(kNoon));
+    EXPECT_EQ(made.outcome, CleanOutcome::Cleaned);
+    EXPECT_NE(MadeAt(kNoon), MadeAt(kLater));
+    EXPECT_EQ(made.file, WithoutDates(MadeAt(kLater)).file);
+    EXPECT_EQ(made.file.find("2026"), std::string::npos);
+    for (const char* kept : {"(KEPT)", "(A suite)", "(KEPT) Tj", "/ID ["}) {
+        EXPECT_NE(made.file.find(kept), std::string::npos) << kept;
+    }
+}
+
+TEST(PdfDates, LeaveTheIdentifierToTheContent) {
+    const std::string one = WithoutDates(MadeAt(kNoon)).file;
+    std::string other = MadeAt(kNoon);
+    other.replace(other.find("(A suite)"), 9, "(B suite)");
+    EXPECT_NE(one.substr(one.rfind("/ID")), WithoutDates(other).file.substr(one.rfind("/ID")));
+}
+
+TEST(PdfDates, GoFromPropertiesUnlessTheseNameAStandard) {
+    EXPECT_EQ(WithoutDates(MadeAt(kNoon, "<x:xmpmeta/>")).file,
+              WithoutDates(MadeAt(kLater, "<x:xmpmeta/>")).file);
+    for (const char* standard :
+         {"<pdfaid:part>2</pdfaid:part>", "<pdfuaid:part>1</pdfuaid:part>"}) {
+        const Dateless made = WithoutDates(MadeAt(kNoon, standard));
+        EXPECT_EQ(made.outcome, CleanOutcome::Cleaned);
+        EXPECT_NE(made.file.find(std::string(standard) + kNoon), std::string::npos);
+    }
+}
+
+TEST(PdfDates, StayAwayTheSecondTime) {
+    const std::string once = WithoutDates(MadeAt(kNoon)).file;
+    EXPECT_EQ(WithoutDates(once).file, once);
+}
+
+TEST(PdfDates, AreNotLookedForInAFileThatHasToBeGuessed) {
+    EXPECT_EQ(WithoutDates("%PDF-1.6\n% nothing\n%%EOF\n").outcome, CleanOutcome::Damaged);
+    EXPECT_EQ(WithoutDates("").outcome, CleanOutcome::Damaged);
+    const std::string file = MadeAt(kNoon);
+    for (std::size_t size = 0; size < file.size() - 10; size += 11) {
+        const Dateless cut = WithoutDates(file.substr(0, size));
+        EXPECT_EQ(cut.outcome, CleanOutcome::Damaged) << size;
+        EXPECT_TRUE(cut.file.empty());
+    }
+}
+
+} // namespace
