@@ -129,6 +129,21 @@ TEST_F(ProviderDialogPictures, OfTheSettingsOfWatermarks) {
     EXPECT_FALSE(AskForSettings(nullptr, settings));
 }
 
+// The introduction names what is worked on, whichever choice is made.
+TEST_F(ProviderDialogPictures, OfTheSettingsOfWatermarksWithAPicture) {
+    DialogUiDriver user(OB_WATERMARK_TEXT, [](HWND dialog) {
+        const std::wstring intro = obtest::TextOf(GetDlgItem(dialog, OB_WATERMARK_INTRO));
+        for (const wchar_t* named : {L"text or a picture", L"TIFF", L"pages of PDFs"}) {
+            EXPECT_NE(intro.find(named), std::wstring::npos);
+        }
+        Look(dialog, L"settings-watermark-picture", {OB_WATERMARK_INTRO, OB_WATERMARK_BROWSE});
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    WatermarkSettings settings{L"Draft", WatermarkPlace::Centre, 60, true,
+                               L"C:\\Users\\Ann\\Pictures\\Logo of the company.png"};
+    EXPECT_FALSE(AskForSettings(nullptr, settings));
+}
+
 // The longest sentence with a long name.
 TEST_F(ProviderDialogPictures, OfTheQuestionForAPassword) {
     DialogUiDriver user(OB_PDF_PASSWORD_TEXT, [](HWND dialog) {
