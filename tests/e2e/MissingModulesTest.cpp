@@ -1,6 +1,7 @@
 // Whole requests while a file of the product is missing.
 #include <gmock/gmock.h>
 
+#include "tests/e2e/Missing.h"
 #include "tests/e2e/RealRequest.h"
 
 namespace obtest {
@@ -8,22 +9,6 @@ namespace {
 
 using testing::ElementsAre;
 using Texts = std::vector<std::wstring>;
-
-// Moves a file of C:\app away for a scope.
-class Missing {
-public:
-    explicit Missing(const std::wstring& name)
-        : path_(L"C:\\app\\" + name), moved_(path_ + L".away") {
-        EXPECT_TRUE(MoveFileW(path_.c_str(), moved_.c_str())) << "error " << GetLastError();
-    }
-    ~Missing() { MoveFileW(moved_.c_str(), path_.c_str()); }
-    Missing(const Missing&) = delete;
-    Missing& operator=(const Missing&) = delete;
-
-private:
-    std::wstring path_;
-    std::wstring moved_;
-};
 
 // A suite of its own: a service that was bound once stays bound, as a library that has opened
 // itself as a resource stays loaded.

@@ -3,12 +3,10 @@
 #include <atomic>
 #include <thread>
 
-#include "contracts/ProviderManager.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
-#include "tests/e2e/RealRequest.h"
+#include "tests/e2e/TickedRequest.h"
 #include "tests/e2e/ZipContents.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
 #include "tests/unit/services/transforms/documents/PdfBuilder.h"
 #include "tests/unit/services/transforms/pictures/TestPictures.h"
@@ -18,12 +16,6 @@ namespace {
 
 using Texts = std::vector<std::wstring>;
 
-// The texts of the boxes.
-constexpr UINT kConvertPdf = 180;
-constexpr UINT kAddWatermark = 181;
-constexpr UINT kResizeImages = 182;
-constexpr UINT kRemovePersonalData = 185;
-constexpr UINT kCombinePdfs = 186;
 constexpr DWORD kReceiptLimit = 60000; // milliseconds
 
 struct ReceiptSearch {
@@ -52,36 +44,19 @@ bool AnswerReceipt(int button) {
     return WaitUntil([&] { return !IsWindow(receipt); }, kReceiptLimit);
 }
 
-// What the UI driver does when a transform is wanted.
-class TickedRequest : public RealRequest {
-protected:
-    Use PickTicked(UINT boxText, Choice choice, Texts paths) const {
-        return [box = Text(boxText), pick = Pick(choice, std::move(paths))](OpenPicker& picker) {
-            ASSERT_TRUE(WaitUntil([&] { return picker.IsEnabled(box); }));
-            ASSERT_TRUE(picker.Click(box));
-            ASSERT_TRUE(WaitUntil([&] { return picker.IsChecked(box); }));
-            pick(picker);
-        };
-    }
-};
-
 class TransformEndToEnd : public TickedRequest {
 protected:
     // The settings are there, so that the tick asks for none.
     void SetUp() override {
         RealRequest::SetUp();
-        const std::wstring key =
-            std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\51";
-        SetValue(HKEY_CURRENT_USER, key, L"ShowReceipt", L"1");
-        SetValue(HKEY_CURRENT_USER, key, L"AskAboutOtherFiles", L"1");
-        const std::wstring mark =
-            std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\5";
-        SetValue(HKEY_CURRENT_USER, mark, L"Text", L"Ann Example");
+        Store(51, L"ShowReceipt", L"1");
+        Store(51, L"AskAboutOtherFiles", L"1");
+        Store(5, L"Text", L"Ann Example");
     }
 
     using TickedRequest::PickTicked;
     Use PickTicked(Choice choice, Texts paths, int receiptButton) const {
-        return [pick = PickTicked(kRemovePersonalData, choice, std::move(paths)),
+        return [pick = PickTicked(Box::RemovePersonalData, choice, std::move(paths)),
                 receiptButton](OpenPicker& picker) {
             pick(picker);
             EXPECT_TRUE(AnswerReceipt(receiptButton));
@@ -155,7 +130,7 @@ TEST_F(TransformEndToEnd, LaysAWatermarkOverAPdfAndLeavesATextAsItIs) {
     const std::string pdf = samples::OnePage().File();
     const std::wstring pages = files_.File(L"pages.pdf", pdf);
     const std::wstring text = files_.File(L"letter.txt", "Dear all");
-    PickerUiDriver driver(PickTicked(kAddWatermark, Choice::Zip, {pages, text}));
+    PickerUiDriver driver(PickTicked(Box::AddWatermark, Choice::Zip, {pages, text}));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
@@ -179,7 +154,7 @@ TEST_F(TransformEndToEnd, ZipsOnePdfInThePlaceOfThree) {
     }
     picked.push_back(files_.File(L"data.bin", "Dear all"));
     obtest::MessageBoxWatcher boxes(obtest::MessageBoxWatcher::Scope::AllProcesses);
-    PickerUiDriver driver(PickTicked(kCombinePdfs, Choice::Zip, picked));
+    PickerUiDriver driver(PickTicked(Box::CombinePdfs, Choice::Zip, picked));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
@@ -200,9 +175,8 @@ protected:
     // The settings are there and want no documents, so that the tick shows nothing.
     void SetUp() override {
         RealRequest::SetUp();
-        const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\3";
-        SetValue(HKEY_CURRENT_USER, key, L"Page", L"A4");
-        SetValue(HKEY_CURRENT_USER, key, L"Documents", L"0");
+        Store(3, L"Page", L"A4");
+        Store(3, L"Documents", L"0");
     }
     static std::string Coded() {
         const auto jpeg = MakeJpeg(Photo(300, 200, 3));
@@ -213,7 +187,7 @@ protected:
 TEST_F(PdfEndToEnd, GivesAPdfWithTheDataOfThePhoto) {
     const std::string photo = Coded();
     const std::wstring source = files_.File(L"photo.jpg", photo);
-    PickerUiDriver driver(PickTicked(kConvertPdf, Choice::None, {source}));
+    PickerUiDriver driver(PickTicked(Box::ConvertPdf, Choice::None, {source}));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
@@ -228,7 +202,7 @@ TEST_F(PdfEndToEnd, GivesAPdfWithTheDataOfThePhoto) {
 TEST_F(PdfEndToEnd, ZipsPdfsBesideFilesThatStayAsTheyAre) {
     const Texts picked{files_.File(L"one.jpg", Coded()), files_.File(L"one.pdf", "%PDF-1.4"),
                        files_.File(L"letter.txt", "Dear all")};
-    PickerUiDriver driver(PickTicked(kConvertPdf, Choice::Zip, picked));
+    PickerUiDriver driver(PickTicked(Box::ConvertPdf, Choice::Zip, picked));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
@@ -243,9 +217,8 @@ TEST_F(PdfEndToEnd, ZipsPdfsBesideFilesThatStayAsTheyAre) {
 class ResizeEndToEnd : public TickedRequest {
 protected:
     static void Aim(const wchar_t* aim, const wchar_t* name, const wchar_t* number) {
-        const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\2";
-        SetValue(HKEY_CURRENT_USER, key, L"Aim", aim);
-        SetValue(HKEY_CURRENT_USER, key, name, number);
+        Store(2, L"Aim", aim);
+        Store(2, name, number);
     }
     static std::string Coded(unsigned width, unsigned seed, unsigned grain) {
         const auto jpeg = MakeJpeg(Photo(width, 900, 3, 8, seed, grain), {.quality = 95});
@@ -260,7 +233,7 @@ TEST_F(ResizeEndToEnd, GivesASmallerCopyOfOnePhoto) {
     Aim(L"LongestEdge", L"Pixels", L"300");
     const std::string photo = Coded(1200, 1, 16);
     const std::wstring source = files_.File(L"photo.jpg", photo);
-    PickerUiDriver driver(PickTicked(kResizeImages, Choice::None, {source}));
+    PickerUiDriver driver(PickTicked(Box::ResizeImages, Choice::None, {source}));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
@@ -279,7 +252,7 @@ TEST_F(ResizeEndToEnd, GivesOneZipThatFitsTheMail) {
     std::string text;
     while (text.size() < 1'500'000) text += "line " + std::to_string(text.size() % 977) + "\r\n";
     paths.push_back(files_.File(L"log.txt", text));
-    PickerUiDriver driver(PickTicked(kResizeImages, Choice::Zip, paths));
+    PickerUiDriver driver(PickTicked(Box::ResizeImages, Choice::Zip, paths));
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
@@ -296,16 +269,15 @@ TEST_F(ResizeEndToEnd, GivesOneZipThatFitsTheMail) {
 }
 
 // Photos that are converted in every run since the user chose so once.
-class SavedOptionEndToEnd : public RealRequest {
+class SavedOptionEndToEnd : public TickedRequest {
 protected:
     void SetUp() override {
         RealRequest::SetUp();
         SetUserValue(L"AutoConvertPhotos", L"1");
         SetUserValue(L"AutoRemoveInfo", L"1");
-        const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\";
-        SetValue(HKEY_CURRENT_USER, key + L"50", L"Bmp", L"1");
-        SetValue(HKEY_CURRENT_USER, key + L"51", L"ShowReceipt", L"0");
-        SetValue(HKEY_CURRENT_USER, key + L"51", L"AskAboutOtherFiles", L"0");
+        Store(50, L"Bmp", L"1");
+        Store(51, L"ShowReceipt", L"0");
+        Store(51, L"AskAboutOtherFiles", L"0");
     }
     // 24 bits a pixel, all of one colour.
     static std::string Bmp() {
