@@ -159,6 +159,9 @@ ULONG RecordingFileDialog::Release() {
 HRESULT RecordingFileDialog::Show(HWND owner) {
     const HRESULT failed = Answer(L"Show", WindowText(owner));
     if (FAILED(failed)) return failed;
+    // As the shell's does: its own window is the first dialog of Show, before any message box.
+    const ObLib::UniqueWindow window(CreateWindowExW(0, L"#32770", nullptr, WS_POPUP, 0, 0, 0, 0,
+                                                     nullptr, nullptr, nullptr, nullptr));
     if (script_.onShow) script_.onShow(*this);
     return script_.showResult;
 }

@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "OBCore/modules/ObTrace.h"
+#include "OBCore/picker/CloudButton.h"
+#include "OBCore/picker/Logo.h"
 
 using obcontract::ProviderManagerHandle;
 
@@ -10,18 +12,24 @@ namespace obcore {
 namespace {
 
 // Empty on failure; the error is then the thread's last one.
-ObLib::UniqueWindowHook InstallHook() {
-    SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
-    return {};
+ObLib::UniqueWindowHook InstallHook(HOOKPROC procedure) {
+    return ObLib::UniqueWindowHook(
+        SetWindowsHookExW(WH_CBT, procedure, nullptr, GetCurrentThreadId()));
 }
 
 } // namespace
 
-PickerHooks::PickerHooks(ProviderManagerHandle manager) : logo_(InstallHook()) {
+PickerHooks::PickerHooks(ProviderManagerHandle manager) : logo_(InstallHook(&LogoHookProcedure)) {
     if (!logo_) ObTrace("SetWindowsHookEx for Logo failed %x", GetLastError());
     cloud_.providerManager = manager;
-    cloud_.hook = InstallHook();
+    SetCloudButtonRecord(&cloud_);
+    cloud_.hook = InstallHook(&CloudButtonHookProcedure);
     if (!cloud_.hook) ObTrace("SetWindowsHookEx failed %x", GetLastError());
+}
+
+PickerHooks::~PickerHooks() {
+    SetCloudButtonRecord(nullptr);
+    cloud_.hook.Reset();
 }
 
 void PickerHooks::MoveLinkText(std::wstring& text) {

@@ -1,5 +1,6 @@
 // What a user sees of a request isn't blank and grows with the screen's scale. With OB_PICTURES, a
 // folder, the pictures are stored there to be looked at.
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 
@@ -51,6 +52,18 @@ protected:
     }
 };
 
+// The button that picks from the cloud, and the logo in the bottom strip. What a picture shows of
+// the windows around them is the tests' own under Wine.
+void ExpectButtonAndLogo(HWND picker) {
+    std::puts("[   NOTE   ] the dialog's file name box and view of Windows' classes are the tests' "
+              "own under Wine");
+    EXPECT_TRUE(IsWindowVisible(GetDlgItem(picker, 3011)));
+    EXPECT_TRUE(FindDescendant(picker, [](HWND child) {
+        return IsWindowVisible(child) && ClassOf(child) == L"Static" &&
+               (GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) == SS_BITMAP;
+    }));
+}
+
 // Typing a folder and pressing Open shows it; the shell fills the list some time later.
 void OpenFolder(const OpenPicker& picker, const std::wstring& folder, int files) {
     ASSERT_NE(picker.RowCount(), files) << "the folder before has as many files";
@@ -67,6 +80,7 @@ TEST_F(Pictures, ThePickerShowsItsChoices) {
     PickerUiDriver driver([&](OpenPicker& picker) {
         OpenFolder(picker, folder, static_cast<int>(std::size(kNames)));
         EXPECT_TRUE(picker.SelectInList({0, 2}));
+        ExpectButtonAndLogo(picker.Window());
         Look(picker.Window(), L"picker", 500, 400);
         picker.PressCancel();
     });

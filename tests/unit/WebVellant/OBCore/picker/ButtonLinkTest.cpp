@@ -19,6 +19,7 @@ std::wstring buttonLink;
 namespace obcore {
 
 PickerHooks::PickerHooks(obcontract::ProviderManagerHandle) {}
+PickerHooks::~PickerHooks() = default;
 
 void PickerHooks::MoveLinkText(std::wstring& text) {
     if (!buttonLink.empty()) text = std::exchange(buttonLink, {});

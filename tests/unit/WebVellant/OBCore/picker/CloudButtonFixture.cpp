@@ -1,0 +1,60 @@
+#include "tests/unit/WebVellant/OBCore/picker/CloudButtonFixture.h"
+
+#include "OBCore/modules/ServiceLibrary.h"
+#include "ObLib/Src/Win32/ObXAppGlobals.h"
+#include "tests/support/FakeModules.h"
+#include "tests/support/ProductRegistry.h"
+
+namespace obtest {
+
+namespace {
+
+decltype(&SendMessageW) realSend = nullptr;
+
+} // namespace
+
+SIZE CloudButtonFixture::idealSize;
+
+LRESULT WINAPI CloudButtonFixture::SendWithIdealSize(HWND window, UINT message, WPARAM wParam,
+                                                     LPARAM lParam) {
+    if (message != BCM_GETIDEALSIZE) return realSend(window, message, wParam, lParam);
+    *reinterpret_cast<SIZE*>(lParam) = idealSize;
+    return TRUE;
+}
+
+ObLib::UniqueWindowHook HookThread(HOOKPROC procedure) {
+    return ObLib::UniqueWindowHook(
+        SetWindowsHookExW(WH_CBT, procedure, nullptr, GetCurrentThreadId()));
+}
+
+CloudButtonScope::CloudButtonScope() {
+    obcore::SetCloudButtonRecord(&record);
+    record.hook = HookThread(&obcore::CloudButtonHookProcedure);
+}
+
+CloudButtonScope::~CloudButtonScope() {
+    obcore::SetCloudButtonRecord(nullptr);
+    record.hook.Reset();
+}
+
+void CloudButtonFixture::SetUp() {
+    ASSERT_TRUE(send_.Ok());
+    realSend = send_.Real();
+    idealSize = {83, 25};
+    FakeModules::Reset();
+    FakeCloudPick::Reset();
+    ClearProductRegistry();
+    ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
+    ASSERT_TRUE(obcore::LoadArchiveService());
+    const INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_USEREX_CLASSES};
+    ASSERT_TRUE(InitCommonControlsEx(&controls));
+}
+
+void CloudButtonFixture::TearDown() { ObLib::AppGlobals().Clear(); }
+
+bool NextDialogGetsAButton() {
+    SyntheticDialog form;
+    return GetDlgItem(form.Create(), 3011) != nullptr;
+}
+
+} // namespace obtest
