@@ -1,5 +1,7 @@
 // The run with the real provider manager and its work process: personal data of a photo
 // and of documents.
+#include "OBCore/planning/OBOpenFileNameDlg.h"
+#include "OBCore/transforms/DoTransformsProgress.h"
 #include "OBCore/transforms/Transforms.h"
 #include "services/providers/ui/ReceiptDialogIds.h"
 #include "services/transforms/documents/AnyFile.h"
@@ -95,6 +97,54 @@ TEST_F(TransformsByTheRealManager, AttachNothingWhenTheUserRefusesTheReceipt) {
     EXPECT_FALSE(Transform(IDCANCEL));
     EXPECT_TRUE(job_.Files.empty());
     EXPECT_EQ(obtest::ReadFileContent(source_), photo_);
+}
+
+// Whole runs of the planning.
+class PlannedCleaning : public TransformsByTheRealManager {
+protected:
+    class Picker : public obcore::OBOpenFileNameDlg {
+    public:
+        explicit Picker(obcore::OBAttachJob& job) : OBOpenFileNameDlg(nullptr, job) {}
+        int ShowPickerDialog() override { return 0; }
+    };
+};
+
+HWND cancelledDialog = nullptr;
+
+// The command is in the queue when the final stage begins, which takes it while it waits for the
+// work process.
+LRESULT CALLBACK CancelTheFinalStage(int code, WPARAM wParam, LPARAM lParam) {
+    const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+    if (code == HC_ACTION && sent.message == obcore::kFinalStageMessage && !cancelledDialog &&
+        obtest::IsDialog(sent.hwnd)) {
+        cancelledDialog = sent.hwnd;
+        PostMessageW(sent.hwnd, WM_COMMAND, IDCANCEL, 0);
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+TEST_F(PlannedCleaning, LeavesNothingAfterACancelInTheFinalStage) {
+    job_.SendItem = true;
+    job_.SendSetting = obcore::SendSettingKind::Never;
+    obtest::SetValue(HKEY_CURRENT_USER,
+                     std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\51",
+                     L"ShowReceipt", L"1");
+    Lines picked{source_};
+    for (const wchar_t* name : {L"a.jpg", L"b.jpg", L"c.jpg"}) {
+        picked.push_back(sources_.File(name, photo_));
+    }
+    const ObLib::UniqueWindowHook hook(
+        SetWindowsHookExW(WH_CALLWNDPROC, &CancelTheFinalStage, nullptr, GetCurrentThreadId()));
+    const obtest::MessageBoxWatcher boxes;
+    obtest::DialogUiDriver receipt(OB_RECEIPT_LIST, [](HWND) {});
+    EXPECT_EQ(Picker(job_).ProcessPickedFiles(picked), 0);
+    EXPECT_NE(cancelledDialog, nullptr);
+    EXPECT_FALSE(receipt.WasUsed());
+    obcore::ProviderManager().Deinit(job_.OwnedProviderManager); // as the end of a run does
+    EXPECT_TRUE(job_.Files.empty());
+    EXPECT_TRUE(Left().empty());
+    EXPECT_TRUE(boxes.Seen().empty());
+    for (const std::wstring& path : picked) EXPECT_EQ(obtest::ReadFileContent(path), photo_);
 }
 
 } // namespace

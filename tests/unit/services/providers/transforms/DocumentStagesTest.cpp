@@ -75,6 +75,24 @@ TEST_F(DocumentStages, StopWithASentenceWhenTheSuiteMakesNoPdf) {
     }
 }
 
+TEST_F(DocumentStages, StopWithASentenceWhenTheSuitesFolderCannotBeMade) {
+    const std::wstring path = folder_.File(L"Letter.docx", kDocument);
+    for (int number = 1; number <= 100; ++number) {
+        ASSERT_TRUE(obtest::WriteFileContent(
+            folder_.Folder(L"~suite" + std::to_wstring(number)) + L"\\theirs.txt", "theirs"));
+    }
+    const Names before = Files();
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Execute(path));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_NE(boxes.Seen()[0].text.find(L"copy of \u201CLetter.docx\u201D can't be written"),
+              std::wstring::npos)
+        << testing::PrintToString(boxes.Seen()[0].text);
+    EXPECT_EQ(obtest::ReadFileContent(path), kDocument);
+    EXPECT_EQ(Files(), before);
+    EXPECT_FALSE(obtest::FileExists(InSuite(L"suite-calls.txt")));
+}
+
 // The module's clock goes on by more than a minute at each look once the suite works.
 ULONGLONG WINAPI FastClock() {
     static ULONGLONG ahead = 0;

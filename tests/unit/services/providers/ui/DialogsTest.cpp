@@ -1,6 +1,8 @@
 // The module's dialogs, operated as a user does.
 #include <windows.h>
 
+#include <commdlg.h>
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -18,6 +20,7 @@
 #include "services/providers/ui/SaveList.h"
 #include "services/providers/ui/WatermarkDialog.h"
 #include "services/providers/ui/WatermarkDialogIds.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/TestFolder.h"
@@ -480,6 +483,51 @@ TEST_F(ReceiptDialog, IsSavedWhereTheUserChooses) {
     const std::string list = obtest::ReadFileContent(folder / L"list.txt").value_or("");
     EXPECT_NE(list.find("Personal data was removed from your file."), std::string::npos) << list;
     EXPECT_NE(list.find("photo.jpg: removed"), std::string::npos) << list;
+}
+
+// What the system's file question returns, one after the other; an empty name is a cancel.
+std::vector<std::wstring> namesToReturn;
+std::size_t questions = 0;
+
+BOOL WINAPI ReturnNextName(OPENFILENAMEW* dialog) {
+    const std::wstring name = questions < namesToReturn.size() ? namesToReturn[questions] : L"";
+    ++questions;
+    if (name.empty() || name.size() >= dialog->nMaxFile) return FALSE;
+    dialog->lpstrFile[name.copy(dialog->lpstrFile, name.size())] = L'\0';
+    return TRUE;
+}
+
+TEST_F(ReceiptDialog, AsksForAnotherNameUntilOneIsFreeAndReplacesNoFile) {
+    const obtest::ImportPatch<decltype(&GetSaveFileNameW)> question(
+        "comdlg32.dll", "GetSaveFileNameW", &ReturnNextName);
+    ASSERT_TRUE(question.Ok());
+    const obtest::TestFolder folder;
+    const std::wstring theirs = folder.File(L"theirs.txt", "theirs");
+    const std::wstring free = folder / L"list.txt";
+    questions = 0;
+    std::vector<obtest::SeenBox> seen;
+    EXPECT_TRUE(Show([&](HWND dialog) {
+        namesToReturn = {L""};
+        DialogUiDriver::Press(dialog, OB_RECEIPT_SAVE);
+        EXPECT_EQ(questions, 1u);
+        EXPECT_EQ(obtest::ListTree(folder.Path()), std::vector<std::wstring>{L"theirs.txt"});
+        namesToReturn = {L"", theirs, theirs, free};
+        {
+            const obtest::MessageBoxWatcher boxes;
+            DialogUiDriver::Press(dialog, OB_RECEIPT_SAVE);
+            seen = boxes.Seen();
+        }
+        EXPECT_TRUE(IsWindow(dialog));
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    EXPECT_EQ(questions, 4u);
+    std::erase_if(seen, [](const auto& box) {
+        return box.text.find(L"a file of this name already") == std::wstring::npos;
+    });
+    EXPECT_EQ(seen.size(), 2u);
+    EXPECT_EQ(obtest::ReadFileContent(theirs), "theirs");
+    EXPECT_NE(obtest::ReadFileContent(free).value_or("").find("photo.jpg: removed"),
+              std::string::npos);
 }
 
 TEST(ReceiptFile, IsSavedAsTextUnderANameThatIsFree) {
