@@ -181,7 +181,7 @@ static_assert(offsetof(WorkCombineAdd, signatures) == 0);
 static_assert(offsetof(WorkCombineAdd, reserved) == 4);
 inline constexpr std::uint32_t kMostCombineTitle = 255;
 
-// The settings of CombineWrite are WorkPlain; it comes last.
+// The settings of CombineWrite are WorkPlain. `CombineWrite` ends the series.
 
 // The settings of Measure, FitAdd and RemoveDates. Measure is always Changed, with the bytes in
 // WorkDone. FitAdd is Changed for a picture that can be made smaller, which then has the next
@@ -217,7 +217,7 @@ static_assert(offsetof(WorkFitWrite, reserved) == 4);
 struct WorkPictureWatermark {
     WorkPlace place;
     std::uint32_t opacity; // percent, 1 to 100
-    // The last member of each kind that has it: a file on disk for reading, as those of WorkFiles.
+    // A file on disk for reading, as those of WorkFiles. Always the last member of the settings.
     std::uint64_t picture;
 };
 static_assert(sizeof(WorkPictureWatermark) == 16);

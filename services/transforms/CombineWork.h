@@ -19,8 +19,8 @@ public:
     CombineWork(const CombineWork&) = delete;
     CombineWork& operator=(const CombineWork&) = delete;
 
-    // Each is one kind of request; results as for CarryOut. A request out of its order, which is
-    // adding and one writing, isn't valid.
+    // Each carries out one kind of request; results as for CarryOut. Any number of Add comes first,
+    // then one Write; a request in another order isn't valid.
     std::optional<WorkEnd> Add(WorkRequest& request); // keeps the source mapped
     std::optional<WorkEnd> Write(WorkRequest& request);
 

@@ -47,7 +47,7 @@ struct Asked {
     std::wstring text;
 };
 
-// The same.
+// Nothing for values that the contract lacks, or without a text.
 std::optional<Asked> AskedFor(const WorkRequest& request) {
     const auto settings = request.SettingsAs<WorkWatermark>();
     const auto look = LookOf(settings.place, settings.opacity);

@@ -40,13 +40,13 @@ void CloseNote() {
 }
 
 void Await(const std::wstring& what, DWORD limit, HANDLE program,
-           const std::function<bool()>& holds) {
+           const std::function<bool()>& condition) {
     const ULONGLONG end = GetTickCount64() + limit;
-    while (!holds()) {
+    while (!condition()) {
         if (const HWND box = MessageBoxOnScreen()) {
             throw Failure{L"a message instead of " + what + L": " + MessageOf(box)};
         }
-        if (program && WaitForSingleObject(program, 0) == WAIT_OBJECT_0 && !holds()) {
+        if (program && WaitForSingleObject(program, 0) == WAIT_OBJECT_0 && !condition()) {
             throw Failure{L"the program ended before " + what};
         }
         if (GetTickCount64() > end) throw Failure{L"time is up: no " + what};

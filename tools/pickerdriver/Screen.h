@@ -21,7 +21,7 @@ void CloseNote();
 // has passed, when `program` (may be null) has ended, or when a message box comes instead: the UI
 // driver expects none, and waiting on would only hide its text.
 void Await(const std::wstring& what, DWORD limit, HANDLE program,
-           const std::function<bool()>& holds);
+           const std::function<bool()>& condition);
 
 // The visible dialog that has this control; null when there is none.
 HWND DialogWith(int control);

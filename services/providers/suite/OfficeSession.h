@@ -43,7 +43,7 @@ public:
     void Close() noexcept;
     // After Close: whether another document is open or the program is visible.
     bool IsInUse() const noexcept;
-    // After Close, one of the two: the user goes on with the program, or it ends by itself.
+    // Call exactly one of these two after Close: the user goes on with the program, or it ends.
     void LeaveToUser() noexcept;
     void Quit() const noexcept;
 

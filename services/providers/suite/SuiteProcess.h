@@ -10,9 +10,8 @@
 
 namespace providers {
 
-// The job ends the processes in it with this process. It limits no use of windows: the system puts
-// no process into such a job that is in another one already, as those of a browser and of the
-// programs that a service starts are.
+// The job ends the processes in it with this process. It sets no UI limits: the system can't nest a
+// job that has them, and browsers already run in jobs.
 ObLib::UniqueKernelHandle MakeSuiteJob();
 
 // Processor time of all processes of the job so far, in units of 100 nanoseconds; 0 when the system

@@ -9,11 +9,11 @@ constexpr std::uint64_t kWork = 10'000'000; // one second of a processor
 } // namespace
 
 bool SuiteWatch::IsHung(std::uint64_t used, std::uint64_t now) noexcept {
-    if (used >= used_ + kWork) {
-        used_ = used;
-        moved_ = now;
+    if (used >= cpuTimeThen_ + kWork) {
+        cpuTimeThen_ = used;
+        lastProgressAt_ = now;
     }
-    return now - moved_ >= limits_.silence || now - start_ >= limits_.whole;
+    return now - lastProgressAt_ >= limits_.silence || now - start_ >= limits_.whole;
 }
 
 } // namespace providers

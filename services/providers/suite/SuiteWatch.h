@@ -19,7 +19,7 @@ class SuiteWatch {
 public:
     // `now` is the time of GetTickCount64 as for all calls.
     SuiteWatch(const SuiteLimits& limits, std::uint64_t now) noexcept
-        : limits_(limits), start_(now), moved_(now) {}
+        : limits_(limits), start_(now), lastProgressAt_(now) {}
 
     // `used` is the processor time of the suite so far, in units of 100 nanoseconds. True when it
     // counts as hung.
@@ -28,8 +28,8 @@ public:
 private:
     SuiteLimits limits_;
     std::uint64_t start_;
-    std::uint64_t moved_;    // when it was last seen to work
-    std::uint64_t used_ = 0; // by then
+    std::uint64_t lastProgressAt_;
+    std::uint64_t cpuTimeThen_ = 0; // of the suite at that time
 };
 
 } // namespace providers

@@ -187,7 +187,8 @@ bool Combination::Take(PdfFile& file, WorkResult result) {
     return true;
 }
 
-// The PDF that the work process read last. Its own word for it isn't trusted to be one.
+// The PDF that the work process read last. The number comes from the work process and may be
+// invalid; then the first file is named.
 const std::wstring& Combination::PathOf(std::uint32_t number) {
     const auto file = std::ranges::find(files_, number, &PdfFile::number);
     return file == files_.end() ? First().path : file->path;

@@ -189,7 +189,8 @@ bool Fit::Search() {
     return RefuseResize(call_, report.result, PathOf(report.number));
 }
 
-// The picture on which the work process was last. Its own word for it isn't trusted to be one.
+// The picture on which the work process was last. The number comes from the work process and may be
+// invalid; then the first file is named.
 const std::wstring& Fit::PathOf(std::uint32_t number) const {
     const auto file = std::ranges::find(files_, number, &FitFile::number);
     return file == files_.end() ? files_.front().path : file->path;

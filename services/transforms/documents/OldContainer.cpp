@@ -71,7 +71,7 @@ private:
 // Empty when there is none of this name.
 Bytes FindEntry(Bytes container, const Sectors& sectors, std::string_view name, unsigned type) {
     std::optional<std::uint32_t> number = LittleEndian32(container, kDirectoryAt);
-    // A directory that goes in a circle ends here.
+    // The bound ends a directory whose chain of sectors loops.
     for (std::size_t left = container.size() / sectors.Size(); left > 0 && number; --left) {
         const Bytes sector = sectors.At(*number);
         for (std::size_t at = 0; at + kEntrySize <= sector.size(); at += kEntrySize) {

@@ -40,7 +40,7 @@ void Package::Replace(std::size_t part, Bytes plain) {
 }
 
 // A look that reports each element before it looks.
-XmlLook Package::Talking(const XmlLook& look) const {
+XmlLook Package::WithSteps(const XmlLook& look) const {
     if (!steps_) return look;
     return [this, &look](const XmlReader& reader) {
         Step();
@@ -50,7 +50,7 @@ XmlLook Package::Talking(const XmlLook& look) const {
 
 void Package::CleanXmlPart(std::size_t part, std::span<const XmlRule> rules, const XmlLook& look) {
     const OwnedBytes plain = Read(part);
-    const XmlResult result = CleanXml(TextOf(plain), rules, found_, Talking(look));
+    const XmlResult result = CleanXml(TextOf(plain), rules, found_, WithSteps(look));
     if (result.outcome == CleanOutcome::Cleaned) {
         return Replace(part, std::as_bytes(std::span(result.text)));
     }
@@ -60,7 +60,7 @@ void Package::CleanXmlPart(std::size_t part, std::span<const XmlRule> rules, con
 void Package::CleanLooseXmlPart(std::size_t part, std::span<const XmlRule> rules) {
     const OwnedBytes plain = Read(part);
     FindingCounter found;
-    const XmlResult result = CleanXml(TextOf(plain), rules, found, Talking({}));
+    const XmlResult result = CleanXml(TextOf(plain), rules, found, WithSteps({}));
     const bool isXml =
         result.outcome == CleanOutcome::Cleaned || result.outcome == CleanOutcome::NothingFound;
     if (isXml) found_.Note(found);

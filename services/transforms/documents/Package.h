@@ -60,7 +60,7 @@ private:
     void Step() const {
         if (steps_) steps_->Step();
     }
-    XmlLook Talking(const XmlLook& look) const;
+    XmlLook WithSteps(const XmlLook& look) const;
     void Replace(std::size_t part, personal::Bytes plain);
     NewZipEntry Unpacked(std::size_t part) const;
     std::vector<NewZipEntry> NewEntries();

@@ -39,9 +39,9 @@ private:
 };
 
 // The library reads through it for as long as objects are asked for, streams too.
-class TalkingInput : public BufferInputSource {
+class ProgressInput : public BufferInputSource {
 public:
-    TalkingInput(Bytes file, PictureSteps* steps)
+    ProgressInput(Bytes file, PictureSteps* steps)
         : BufferInputSource("pdf", new Buffer(BytesOf(file), file.size()), true), steps_(steps) {}
     std::size_t read(char* buffer, std::size_t length) override {
         if (steps_) steps_->Step();
@@ -75,7 +75,7 @@ void PutKeyLength(QPDF& pdf) {
 void Read(QPDF& pdf, Bytes file, PictureSteps* steps, const std::string& password) {
     pdf.setSuppressWarnings(true);
     pdf.setAttemptRecovery(false);
-    pdf.processInputSource(std::make_shared<TalkingInput>(file, steps), password.c_str());
+    pdf.processInputSource(std::make_shared<ProgressInput>(file, steps), password.c_str());
     PutKeyLength(pdf);
 }
 

@@ -14,7 +14,7 @@ constexpr int kBits = 256;
 
 const unsigned char* Raw(const void* bytes) { return static_cast<const unsigned char*>(bytes); }
 
-// The key's own digest comes first: its length is fixed, so no key goes on in the content.
+// SHA-256 of the key and, after it, the content.
 std::string Digest(const std::string& key, const void* content, std::size_t size) {
     const auto hash = QPDFCryptoProvider::getImpl();
     hash->SHA2_init(kBits);
@@ -26,7 +26,8 @@ std::string Digest(const std::string& key, const void* content, std::size_t size
 
 } // namespace
 
-// Twice, as an outer digest keeps anybody from going on with the content.
+// A MAC of two nested hashes: the outer one prevents length extension of the inner one. The key is
+// hashed first, so that its length is fixed and no key can end with the beginning of a content.
 std::string KeyedDigest(const std::string& key, personal::Bytes content) {
     const std::string inner = Digest(Digest(key, nullptr, 0), content.data(), content.size());
     return Digest(Digest(key, "outer", 5), inner.data(), inner.size());

@@ -10,8 +10,9 @@
 
 namespace transforms::documents {
 
-// A number that nobody computes who doesn't have the key: the content that is encrypted can't be
-// guessed by comparing it, and two contents under one key share no start of a cipher.
+// A keyed hash (MAC) of the content. Without the key nobody can compute it, so the encrypted
+// content can't be guessed by comparing results; two contents under one key share no start of a
+// cipher.
 std::string KeyedDigest(const std::string& key, personal::Bytes content);
 
 // The library's random bytes while this object lives. One at a time, on the thread that writes.

@@ -11,10 +11,10 @@
 namespace transforms {
 namespace {
 
-constexpr int kKinds = 5; // none, left, above, average, the best of three
+constexpr int kKinds = 5; // none, left, above, average, Paeth
 constexpr std::size_t kPiece = 64 * 1024;
 
-std::uint8_t BestOfThree(int left, int above, int corner) noexcept {
+std::uint8_t Paeth(int left, int above, int corner) noexcept {
     const int toLeft = std::abs(above - corner), toAbove = std::abs(left - corner);
     const int toCorner = std::abs(left + above - 2 * corner);
     if (toLeft <= toAbove && toLeft <= toCorner) return static_cast<std::uint8_t>(left);
@@ -89,7 +89,7 @@ std::size_t FlateRows::Try(int kind, const std::uint8_t* row, std::uint8_t* to) 
         each([&](std::size_t i) { return (left[i] + above[i]) / 2; });
         break;
     default:
-        each([&](std::size_t i) { return BestOfThree(left[i], above[i], corner[i]); });
+        each([&](std::size_t i) { return Paeth(left[i], above[i], corner[i]); });
     }
     return sum;
 }

@@ -88,7 +88,7 @@ private:
     bool isEnded_ = false;
 };
 
-// Strings of indices, each one longer than another.
+// The LZW dictionary: each string is an earlier one and one more index.
 class GifStrings {
 public:
     static constexpr int kMost = 4096;
