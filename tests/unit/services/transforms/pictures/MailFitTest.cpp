@@ -72,6 +72,8 @@ PictureBytes RandomPicture(Random& random, unsigned seed) {
         return MakeTiff(photo, {.compression = 5});
     case 2:
         return MakeBmp(photo);
+    case 3:
+        return MakeWebp(photo);
     default:
         return MakeJpeg(photo, {.quality = static_cast<int>(75 + random.Below(25)),
                                 .progressive = random.Below(4) == 0});
