@@ -28,13 +28,16 @@ constexpr Transform kTransforms[] = {
     {L"fit", 182, OB_RESIZE_EDGE, OB_RESIZE_FIT, OB_RESIZE_FIT_NUMBER, false},
     {L"combine", 186, 0, 0, 0, false},
     {L"watermark", 181, OB_WATERMARK_TEXT, 0, OB_WATERMARK_TEXT, false},
+    {L"watermark-picture", 181, OB_WATERMARK_TEXT, OB_WATERMARK_USE_PICTURE, OB_WATERMARK_PICTURE,
+     false},
 };
 
 const Transform* ParseTransform(const std::wstring& name) {
     for (const Transform& transform : kTransforms) {
         if (name == transform.name) return &transform;
     }
-    throw Failure{L"--tick is clean, pdf, photos, resize, fit, combine or watermark, not \"" +
+    throw Failure{L"--tick is clean, pdf, photos, resize, fit, combine, watermark or "
+                  L"watermark-picture, not \"" +
                   name + L"\""};
 }
 
@@ -113,8 +116,10 @@ const wchar_t kUsage[] =
     L"  --choice zip|encrypt|none  clicked in the picker; without it the picker's own is kept\n"
     L"  --tick NAME                ticks the box of this transform and answers its dialogs: "
     L"clean,\n"
-    L"                             pdf, photos, resize, fit, combine or watermark\n"
-    L"  --value TEXT               typed in its settings: a number, or the text of a watermark\n"
+    L"                             pdf, photos, resize, fit, combine, watermark or\n"
+    L"                             watermark-picture\n"
+    L"  --value TEXT               typed in its settings: a number, the text of a watermark or\n"
+    L"                             the path of its picture\n"
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"
     L"  --pdf-password TEXT        for encrypted PDFs; without it they are left as they are\n"
