@@ -1,15 +1,200 @@
 #include "OBCore/chooser/SelectDefaultCloudDialog.h"
 
-#include "OBCore/modules/ObTrace.h"
+#include <commctrl.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "OBCore/chooser/CloudChoice.h"
+#include "OBCore/chooser/CloudRows.h"
+#include "OBCore/modules/DialogIds.h"
+#include "OBCore/modules/ResourceModule.h"
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
 
 namespace obcore {
+namespace {
 
-// This build has no chooser yet, and no provider to choose: the answer is that of a user who
-// cancels, and the job's record stays as it is. The dialog takes the place of the trace.
+constexpr COLORREF kHeadlineColour = 0x0000EA; // a red
+constexpr wchar_t kPartsProperty[] = L"ObChooserParts";
+
+struct IconPolicy : ObLib::NullPolicy<HICON> {
+    static void Close(HICON icon) noexcept { DestroyIcon(icon); }
+};
+using UniqueIcon = ObLib::UniqueResource<IconPolicy>;
+
+// What the open dialog owns. A property of its window, since the window's own slot has the job.
+struct DialogParts {
+    UniqueIcon smallIcon;
+    UniqueIcon largeIcon;
+    ObLib::UniqueFont headline;
+};
+
+UniqueIcon LoadProductIcon(int widthMetric, int heightMetric) {
+    return UniqueIcon(static_cast<HICON>(
+        LoadImageW(ResourceModule(), MAKEINTRESOURCEW(OB_PRODUCT_ICON), IMAGE_ICON,
+                   GetSystemMetrics(widthMetric), GetSystemMetrics(heightMetric), 0)));
+}
+
+void SetIcons(HWND window, DialogParts& parts) {
+    parts.smallIcon = LoadProductIcon(SM_CXSMICON, SM_CYSMICON);
+    parts.largeIcon = LoadProductIcon(SM_CXICON, SM_CYICON);
+    SendMessageW(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(parts.smallIcon.Get()));
+    SendMessageW(window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(parts.largeIcon.Get()));
+}
+
+// One and a half times the dialog's font. Empty when it can't be made.
+ObLib::UniqueFont HeadlineFont(HWND window) {
+    LOGFONTW font{};
+    const auto own = reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0));
+    if (!own || !GetObjectW(own, sizeof font, &font)) return {};
+    font.lfWidth = font.lfWidth * 12 / 8;
+    font.lfHeight = font.lfHeight * 12 / 8;
+    font.lfWeight = FW_BOLD;
+    return ObLib::UniqueFont(CreateFontIndirectW(&font));
+}
+
+void SetHeadlineFont(HWND window, DialogParts& parts) {
+    parts.headline = HeadlineFont(window);
+    if (!parts.headline) return;
+    SendDlgItemMessageW(window, OB_CHOOSER_HEADLINE, WM_SETFONT,
+                        reinterpret_cast<WPARAM>(parts.headline.Get()), TRUE);
+}
+
+// One column without a header, of which the rows are the whole width.
+void PrepareList(HWND list) {
+    ListView_SetExtendedListViewStyleEx(list, LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP,
+                                        LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
+    LVCOLUMNW column{};
+    ListView_InsertColumn(list, 0, &column);
+}
+
+// As wide as the longest text, and at least as wide as the list, so that a click anywhere in a row
+// counts.
+void FitColumn(HWND list) {
+    ListView_SetColumnWidth(list, 0, LVSCW_AUTOSIZE);
+    RECT client{};
+    GetClientRect(list, &client);
+    const int room = static_cast<int>(client.right);
+    ListView_SetColumnWidth(list, 0, std::max(ListView_GetColumnWidth(list, 0), room));
+}
+
+// The first row takes the arrow keys and the space bar as soon as the dialog is open.
+void FocusFirstRow(HWND list) {
+    ListView_SetItemState(list, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
+}
+
+RECT PlaceIn(HWND window, HWND control) {
+    RECT place{};
+    GetWindowRect(control, &place);
+    MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+// Who has no account reads where links are switched off. The text takes the list's lower end.
+void ShowHint(HWND window) {
+    const HWND list = GetDlgItem(window, OB_CHOOSER_LIST);
+    if (HasAccount(list)) return;
+    const HWND hint = GetDlgItem(window, OB_CHOOSER_HINT);
+    const RECT place = PlaceIn(window, list);
+    RECT gap{0, 0, 0, 4}; // dialog units
+    MapDialogRect(window, &gap);
+    SetWindowPos(list, nullptr, 0, 0, place.right - place.left,
+                 PlaceIn(window, hint).top - gap.bottom - place.top, SWP_NOMOVE | SWP_NOZORDER);
+    SetWindowTextW(hint, LoadText(TextId::NoAccountHint).c_str());
+    ShowWindow(hint, SW_SHOW);
+}
+
+void ShowRows(HWND window, const OBAttachJob& job) {
+    const HWND list = GetDlgItem(window, OB_CHOOSER_LIST);
+    PrepareList(list);
+    SelectCloudRows(window, job);
+    ShowHint(window);
+    FitColumn(list);
+    FocusFirstRow(list);
+}
+
+// The window owns them from here on. Null when they can't be attached.
+DialogParts* AttachParts(HWND window) {
+    auto parts = std::make_unique<DialogParts>();
+    return SetPropW(window, kPartsProperty, parts.get()) ? parts.release() : nullptr;
+}
+
+void Open(HWND window, OBAttachJob& job) {
+    SetWindowLongPtrW(window, DWLP_USER, reinterpret_cast<LONG_PTR>(&job));
+    DialogParts* const parts = AttachParts(window);
+    if (parts) SetIcons(window, *parts);
+    ShowRows(window, job);
+    if (parts) SetHeadlineFont(window, *parts);
+    EnableWindow(GetDlgItem(window, OB_CHOOSER_CONTINUE), FALSE);
+    CheckDlgButton(window, OB_CHOOSER_DEFAULT, BST_CHECKED);
+}
+
+void Close(HWND window) {
+    const std::unique_ptr<DialogParts> ended(
+        static_cast<DialogParts*>(RemovePropW(window, kPartsProperty)));
+}
+
+void OnCommand(HWND window, WORD id) {
+    if (id == OB_CHOOSER_CONTINUE) OnSelectOk(window);
+    if (id == IDCANCEL) EndDialog(window, kNothingChosen);
+}
+
+void OnNotify(HWND window, const NMHDR& header) {
+    if (header.idFrom != OB_CHOOSER_LIST || header.code != LVN_ITEMCHANGED) return;
+    OnListRowChanged(window, reinterpret_cast<const NMLISTVIEW&>(header));
+}
+
+// What a colour message returns: the brush, or 0 for the system's own colours.
+INT_PTR ColourLabel(HWND window, HDC context, HWND label) {
+    if (label != GetDlgItem(window, OB_CHOOSER_HEADLINE)) return 0;
+    SetTextColor(context, kHeadlineColour);
+    SetBkMode(context, TRANSPARENT);
+    return reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH));
+}
+
+INT_PTR OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        Open(window, *reinterpret_cast<OBAttachJob*>(lParam));
+        return TRUE;
+    case WM_COMMAND:
+        OnCommand(window, LOWORD(wParam));
+        return TRUE;
+    case WM_NOTIFY:
+        OnNotify(window, *reinterpret_cast<const NMHDR*>(lParam));
+        return FALSE;
+    case WM_CTLCOLORSTATIC:
+        return ColourLabel(window, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+    case WM_DESTROY:
+        Close(window);
+        return FALSE;
+    default:
+        return FALSE;
+    }
+}
+
+// A dialog that can't be filled counts as cancelled. A later message that fails has done nothing.
+INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    return ObLib::GuardedElse([&] { return OnMessage(window, message, wParam, lParam); },
+                              [&]() -> INT_PTR {
+                                  if (message == WM_INITDIALOG) EndDialog(window, kNothingChosen);
+                                  return TRUE;
+                              });
+}
+
+// The class of the list may not be registered in the process yet.
+void RegisterList() {
+    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&controls);
+}
+
+} // namespace
+
 bool ShowSelectDefaultCloudDialog(HWND owner, OBAttachJob& job) {
-    ObTrace("ShowSelectDefaultCloudDialog: nothing to choose, owner %p, provider %u", owner,
-            job.SelectedStorageProvider.providerId);
-    return false;
+    RegisterList();
+    return DialogBoxParamW(ResourceModule(), MAKEINTRESOURCEW(OB_CHOOSER), owner, &Procedure,
+                           reinterpret_cast<LPARAM>(&job)) == kProviderChosen;
 }
 
 } // namespace obcore

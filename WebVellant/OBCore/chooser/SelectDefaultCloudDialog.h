@@ -7,8 +7,11 @@
 
 namespace obcore {
 
-// Shows the dialog (resource 114) owned by `owner`. True when the user chose a provider; the choice
-// is then in job.SelectedStorageProvider. False leaves that record as it was.
+// Shows the dialog (resource 114) owned by `owner`, with the providers and accounts of the job's
+// manager, and waits. True when the user chose an account, which is logged in then; it is in
+// job.SelectedStorageProvider, and is the manager's default where the user wants that. False leaves
+// that record as it was: the user cancelled, or the dialog can't be shown. On the picker's dialog
+// thread; ResourceModule() must be bound.
 bool ShowSelectDefaultCloudDialog(HWND owner, OBAttachJob& job);
 
 } // namespace obcore

@@ -19,8 +19,12 @@ namespace obcore {
     TEXT(ShareClosing, 134)                                                                        \
     TEXT(UploadTitle, 136)                                                                         \
     TEXT(UploadBody, 137)                                                                          \
+    TEXT(ContinueByLogin, 138)                                                                     \
+    TEXT(ContinueLoggedIn, 139)                                                                    \
     TEXT(AllFiles, 140)                                                                            \
     TEXT(TransformProgress, 141)                                                                   \
+    TEXT(FreeOfTotal, 142)                                                                         \
+    TEXT(SpaceUnknown, 144)                                                                        \
     TEXT(ShareExpiry, 145)                                                                         \
     TEXT(PickedFrom, 150)                                                                          \
     TEXT(SharePopup, 160)                                                                          \
@@ -33,7 +37,8 @@ namespace obcore {
     TEXT(RemoveInfo, 185)                                                                          \
     TEXT(CombinePdfs, 186)                                                                         \
     TEXT(SignPdfs, 187)                                                                            \
-    TEXT(ConvertFromPdf, 188)
+    TEXT(ConvertFromPdf, 188)                                                                      \
+    TEXT(NoAccountHint, 2001)
 
 enum class TextId : UINT {
 #define OB_NAME_TEXT(name, id) name = id,
