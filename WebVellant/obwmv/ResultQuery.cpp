@@ -9,7 +9,7 @@
 #include "OBCore/exchange/PickedFiles.h"
 #include "OBCore/modules/ObTrace.h"
 #include "OBCore/modules/TraceFailure.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 
 using obcontract::BrowserContext;
 

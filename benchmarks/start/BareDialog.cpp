@@ -8,8 +8,8 @@
 
 #include <cwchar>
 
+#include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
 
 namespace {
 

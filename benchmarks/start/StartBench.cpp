@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "benchmarks/start/DialogWatch.h"

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/StringList.h"
 
 namespace mailpage {

@@ -1,6 +1,6 @@
 #include "demo/mailpage/MailPageContext.h"
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 #include "contracts/ExchangeBlock.h"
 
 namespace mailpage {

@@ -11,7 +11,7 @@
 #include <iterator>
 #include <new>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 #include "tests/shelldialog/AddedWindows.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 #include "tests/shelldialog/AddedWindows.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/TestFolder.h"

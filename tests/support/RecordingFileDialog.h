@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 
 namespace obtest {
 

@@ -6,8 +6,6 @@
 
 #include <windows.h>
 
-#include <shlobj.h>
-
 #include <utility>
 
 namespace ObLib {
@@ -109,20 +107,6 @@ struct MemoryDcPolicy : NullPolicy<HDC> {
 };
 using UniqueMemoryDc = UniqueResource<MemoryDcPolicy>;
 
-// An item identifier list of the shell.
-struct ItemIdListPolicy : NullPolicy<PIDLIST_ABSOLUTE> {
-    static void Close(Handle handle) noexcept { ILFree(handle); }
-};
-using UniqueItemIdList = UniqueResource<ItemIdListPolicy>;
-
-// Memory of the COM task allocator.
-template <class Type>
-struct CoTaskMemoryPolicy : NullPolicy<Type*> {
-    static void Close(Type* memory) noexcept { CoTaskMemFree(memory); }
-};
-template <class Type>
-using UniqueCoTaskMemory = UniqueResource<CoTaskMemoryPolicy<Type>>;
-
 // A mapped view of a file mapping, typed by its content.
 template <class Type>
 struct MappedViewPolicy : NullPolicy<Type*> {
@@ -130,18 +114,5 @@ struct MappedViewPolicy : NullPolicy<Type*> {
 };
 template <class Type>
 using UniqueMappedView = UniqueResource<MappedViewPolicy<Type>>;
-
-// One reference on a COM object.
-template <class Interface>
-struct ComPolicy : NullPolicy<Interface*> {
-    static void Close(Interface* object) noexcept { object->Release(); }
-};
-
-template <class Interface>
-class ComPtr : public UniqueResource<ComPolicy<Interface>> {
-public:
-    using UniqueResource<ComPolicy<Interface>>::UniqueResource;
-    Interface* operator->() const noexcept { return this->Get(); }
-};
 
 } // namespace ObLib

@@ -8,7 +8,7 @@
 #include "OBCore/modules/ServiceLibrary.h"
 #include "OBCore/modules/TraceFailure.h"
 #include "OBCore/options/TransformTable.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 
 using obcontract::kSwitchEncryptionOff;
 using obcontract::ProviderKind;

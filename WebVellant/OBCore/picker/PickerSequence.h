@@ -13,7 +13,7 @@
 #include "OBCore/options/OBAttachJob.h"
 #include "OBCore/picker/Win7DlgEvents.h"
 #include "OBCore/planning/OBOpenFileNameDlg.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 
 namespace obcore {
 

@@ -5,8 +5,8 @@
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/TraceFailure.h"
 #include "OBCore/picker/PickerControls.h"
+#include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
 
 using obcontract::kSelectLeaveOut;
 using obcontract::kSelectUse;

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cwchar>
 
+#include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/archive/Paths.h"

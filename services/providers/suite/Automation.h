@@ -9,7 +9,7 @@
 #include <string>
 #include <variant>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 
 namespace providers {
 

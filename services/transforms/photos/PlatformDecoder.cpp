@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 #include "services/transforms/photos/CarriedExif.h"
 
 namespace transforms {

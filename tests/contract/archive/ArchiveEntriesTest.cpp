@@ -9,7 +9,7 @@
 
 #include <vector>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 #include "tests/contract/archive/LoadedService.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"

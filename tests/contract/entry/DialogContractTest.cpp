@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "ObLib/Src/Win32/ComResources.h"
 #include "tests/contract/entry/LoadedLibrary.h"
 #include "tests/fakes/host/HostScript.h"
 #include "tests/support/FakeBrowserContext.h"

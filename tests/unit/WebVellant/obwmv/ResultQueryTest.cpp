@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "OBCore/exchange/PickedFiles.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/ComResources.h"
 #include "obwmv/Exports.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/WebVellant/obwmv/RequestFakes.h"

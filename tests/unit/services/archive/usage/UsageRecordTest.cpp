@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <map>
 
+#include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/ProductRegistry.h"
