@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "OBCore/modules/ResourceModule.h"
+#include "ObLib/Src/Win32/ComResources.h"
 #include "tests/support/Allocations.h"
 #include "tests/unit/WebVellant/OBCore/chooser/ChooserFixture.h"
 
