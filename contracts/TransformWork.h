@@ -32,6 +32,7 @@ enum class WorkKind : std::uint32_t {
     Measure = 4,    // reports how many bytes a file takes in a zip
     // Pictures that are made smaller together. The process keeps what it has of them until its end:
     // each FitAdd adds one picture, FitSearch finds the step for all of them, FitWrite writes one.
+    // FitWatermark or FitPictureWatermark comes first where some of them get a watermark.
     FitAdd = 5,
     FitSearch = 6,
     FitWrite = 7,
@@ -47,7 +48,10 @@ enum class WorkKind : std::uint32_t {
     // to kMostPasswordBytes bytes of UTF-8 without a NUL. The manager ends the process after that
     // request, as libraries make copies that nobody can wipe.
     Password = 14,
-    PictureWatermark = 15, // lays a picture over a picture or the pages of a PDF
+    PictureWatermark = 15,    // lays a picture over a picture or the pages of a PDF
+    FitWatermark = 16,        // of the pictures that FitAdd adds with one: a text
+    FitPictureWatermark = 17, // the same: a picture
+    FitCheck = 18,            // reports whether FitAdd takes a picture
     // Replies.
     Progress = 0x101,
     Finding = 0x102,
@@ -183,17 +187,47 @@ inline constexpr std::uint32_t kMostCombineTitle = 255;
 
 // The settings of CombineWrite are WorkPlain. `CombineWrite` ends the series.
 
-// The settings of Measure, FitAdd and RemoveDates. Measure is always Changed, with the bytes in
-// WorkDone. FitAdd is Changed for a picture that can be made smaller, which then has the next
-// number from 0 on, and Unchanged for one that passes. RemoveDates is Changed or fails: dates and
-// identifiers of the whole file go, and the pages stay.
+// The settings of Measure and RemoveDates. Measure is always Changed, with the bytes in WorkDone.
+// RemoveDates is Changed or fails: dates and identifiers of the whole file go, and the pages stay.
 struct WorkPlain {
     std::uint64_t reserved; // zero
 };
 static_assert(sizeof(WorkPlain) == 8);
 static_assert(offsetof(WorkPlain, reserved) == 0);
 
+// The settings of FitCheck. Changed: with kinds, the file is a photo of one of them that is to be
+// converted; without, a picture that can be made smaller. Its headers alone were read. Unchanged:
+// an animation or a file of many pages. Not supported: another kind of file.
+struct WorkFitCheck {
+    WorkPhotoKinds kinds;
+    std::uint32_t reserved; // zero
+};
+static_assert(sizeof(WorkFitCheck) == 8);
+static_assert(offsetof(WorkFitCheck, kinds) == 0);
+static_assert(offsetof(WorkFitCheck, reserved) == 4);
+
+// The settings of FitAdd. Changed: the picture can be made smaller and has the next number from 0
+// on. A photo of one of the kinds becomes a JPEG or PNG, as by ConvertPhoto; a picture with a
+// watermark gets it in its new size. Such pictures are always written. Unchanged and not supported:
+// as for FitCheck, and not supported for a photo that nothing on the machine opens.
+struct WorkFitAdd {
+    std::uint8_t quality;   // at most, of a JPEG that a photo becomes: 1 to 100; zero without kinds
+    std::uint8_t isStamped; // 1: with the watermark that was given before; otherwise zero
+    std::uint16_t reserved; // zero
+    WorkPhotoKinds kinds;   // that are converted
+};
+static_assert(sizeof(WorkFitAdd) == 8);
+static_assert(offsetof(WorkFitAdd, quality) == 0);
+static_assert(offsetof(WorkFitAdd, isStamped) == 1);
+static_assert(offsetof(WorkFitAdd, reserved) == 2);
+static_assert(offsetof(WorkFitAdd, kinds) == 4);
+
+// The settings of FitWatermark are those of Watermark, of FitPictureWatermark those of
+// PictureWatermark. One of them comes once, before the first FitAdd, and is Changed.
+
 // The settings of FitSearch, which is Changed when a step was found and Unchanged when all fits.
+// Not supported: the picture whose number was reported last has a form for which ConvertPhoto or
+// Watermark isn't supported either.
 struct WorkFitSearch {
     std::uint64_t mailLimit;  // bytes of the mail as it is sent; not zero
     std::uint64_t otherBytes; // of the files that weren't added
@@ -250,7 +284,12 @@ inline constexpr WorkRequestForm kWorkRequests[] = {
     {WorkKind::PictureWatermark, sizeof(WorkPictureWatermark), sizeof(WorkPictureWatermark), true,
      true, true},
     {WorkKind::Measure, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
-    {WorkKind::FitAdd, sizeof(WorkPlain), sizeof(WorkPlain), true, false},
+    {WorkKind::FitCheck, sizeof(WorkFitCheck), sizeof(WorkFitCheck), true, false},
+    {WorkKind::FitWatermark, sizeof(WorkWatermark) + 2,
+     sizeof(WorkWatermark) + 2 * kMostWatermarkText, false, false},
+    {WorkKind::FitPictureWatermark, sizeof(WorkPictureWatermark), sizeof(WorkPictureWatermark),
+     false, false, true},
+    {WorkKind::FitAdd, sizeof(WorkFitAdd), sizeof(WorkFitAdd), true, false},
     {WorkKind::FitSearch, sizeof(WorkFitSearch), sizeof(WorkFitSearch), false, false},
     {WorkKind::FitWrite, sizeof(WorkFitWrite), sizeof(WorkFitWrite), false, true},
 };

@@ -8,6 +8,10 @@ std::optional<DecodedPhoto> DecodeHeic(PictureSource&, const std::wstring&, cons
     return std::nullopt;
 }
 
+std::optional<PictureSize> HeicSize(PictureSource&, const std::wstring&, const PictureControl&) {
+    return std::nullopt;
+}
+
 DecodedPhoto DecodeByPlatform(PictureSource&, PhotoKind, const PictureControl&) {
     throw PictureFailure{PictureOutcome::Unsupported};
 }

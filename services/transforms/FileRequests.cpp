@@ -28,6 +28,7 @@ constexpr RequestRow kRequests[] = {
     {WorkKind::PictureWatermark, &AddPictureWatermark},
     {WorkKind::PictureToPdf, &MakePdf},
     {WorkKind::RemoveDates, &RemoveDates},
+    {WorkKind::FitCheck, &CheckForFit},
 };
 
 // The requests that belong together.
@@ -42,6 +43,8 @@ std::optional<WorkEnd> On(WorkRequest& request, SeriesWork& series) {
 }
 
 constexpr SeriesRow kSeriesRequests[] = {
+    {WorkKind::FitWatermark, &On<&SeriesWork::fit, &FitWork::TakeText>},
+    {WorkKind::FitPictureWatermark, &On<&SeriesWork::fit, &FitWork::TakePicture>},
     {WorkKind::FitAdd, &On<&SeriesWork::fit, &FitWork::Add>},
     {WorkKind::FitSearch, &On<&SeriesWork::fit, &FitWork::Search>},
     {WorkKind::FitWrite, &On<&SeriesWork::fit, &FitWork::Write>},

@@ -4,7 +4,6 @@
 #include "services/transforms/PictureFiles.h"
 #include "services/transforms/PictureWatch.h"
 #include "services/transforms/PictureWork.h"
-#include "services/transforms/photos/ConvertPhoto.h"
 #include "services/transforms/photos/HeifLibrary.h"
 
 namespace transforms {
@@ -26,16 +25,15 @@ static_assert(static_cast<unsigned>(WorkPhotoKinds::JpegXr) ==
 static_assert(static_cast<unsigned>(WorkPhotoKinds::Raw) == static_cast<unsigned>(PhotoKind::Raw));
 static_assert(static_cast<unsigned>(WorkPhotoKinds::All) == kAllPhotoKinds);
 
-// Nothing for values that the contract lacks.
-std::optional<PhotoRequest> Asked(const WorkPhoto& settings) {
+} // namespace
+
+std::optional<PhotoRequest> PhotoRequestOf(const WorkPhoto& settings) {
     const auto kinds = static_cast<unsigned>(settings.kinds);
     if (settings.quality < 1 || settings.quality > 100 || (kinds & ~kAllPhotoKinds) != 0) return {};
     auto library = ObLib::PathBesideModule(nullptr, kHeifLibraryFileName);
     return PhotoRequest{static_cast<int>(settings.quality), kinds,
                         library ? std::move(*library) : std::wstring()};
 }
-
-} // namespace
 
 bool IsPhotoOf(PictureSource& source, unsigned kinds) {
     try {
@@ -46,7 +44,7 @@ bool IsPhotoOf(PictureSource& source, unsigned kinds) {
 }
 
 std::optional<WorkEnd> ConvertPhotoFile(const WorkRequest& request, WorkChannel& channel) {
-    const auto asked = Asked(request.SettingsAs<WorkPhoto>());
+    const auto asked = PhotoRequestOf(request.SettingsAs<WorkPhoto>());
     if (!asked) return {};
     FileSource source(request.source.Get());
     if (!source.IsOpen()) return WorkEnd(WorkFailure::Unreadable);

@@ -126,15 +126,28 @@ std::optional<WorkEnd> AddWatermark(const WorkRequest& request, WorkChannel& cha
 }
 
 std::optional<WorkEnd> AddPictureWatermark(const WorkRequest& request, WorkChannel& channel) {
+    PictureWatch watch(channel);
+    std::optional<WorkEnd> end;
+    const auto stamp = PictureStampOf(request, watch, end);
+    return stamp ? AddStamp(request, *stamp, *stamp, channel, watch.Steps()) : end;
+}
+
+std::unique_ptr<Stamp> TextStampOf(const WorkRequest& request) {
+    const auto asked = AskedFor(request);
+    if (!asked) return nullptr;
+    return std::make_unique<TextStamp>(asked->text, asked->look, Letters::White);
+}
+
+std::unique_ptr<Stamp> PictureStampOf(const WorkRequest& request, PictureWatch& watch,
+                                      std::optional<WorkEnd>& end) {
     const auto settings = request.SettingsAs<WorkPictureWatermark>();
     const auto look = LookOf(settings.place, settings.opacity);
-    if (!look) return {}; // not a valid record
-    PictureWatch watch(channel);
+    if (!look) return nullptr; // not a valid record
     auto pixels = PixelsOf(request, watch);
-    if (watch.IsUnread()) return {};
-    if (!pixels) return WorkEnd(WorkFailure::BadPicture);
-    const PictureStamp stamp(std::move(*pixels), *look);
-    return AddStamp(request, stamp, stamp, channel, watch.Steps());
+    if (watch.IsUnread()) return nullptr;
+    if (pixels) return std::make_unique<PictureStamp>(std::move(*pixels), *look);
+    end = WorkEnd(WorkFailure::BadPicture);
+    return nullptr;
 }
 
 } // namespace transforms

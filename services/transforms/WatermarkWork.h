@@ -1,9 +1,12 @@
 // The request that lays a text over a picture or the pages of a PDF.
 #pragma once
 
+#include <memory>
 #include <optional>
 
+#include "services/transforms/PictureWatch.h"
 #include "services/transforms/WorkChannel.h"
+#include "services/transforms/raster/Stamp.h"
 
 namespace transforms {
 
@@ -13,5 +16,14 @@ std::optional<WorkEnd> AddWatermark(const WorkRequest& request, WorkChannel& cha
 
 // Lays the request's picture over a picture or over each page of a PDF. As AddWatermark.
 std::optional<WorkEnd> AddPictureWatermark(const WorkRequest& request, WorkChannel& channel);
+
+// The stamp for pictures that the settings of Watermark ask for. Null for values that the contract
+// lacks.
+std::unique_ptr<Stamp> TextStampOf(const WorkRequest& request);
+
+// The same for PictureWatermark, whose picture is read. Null with the result of the request in
+// `end`, which is as for CarryOut.
+std::unique_ptr<Stamp> PictureStampOf(const WorkRequest& request, PictureWatch& watch,
+                                      std::optional<WorkEnd>& end);
 
 } // namespace transforms

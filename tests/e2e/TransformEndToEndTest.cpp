@@ -1,5 +1,6 @@
 // Whole requests with the box of a transform ticked: between the picker and the page each file is
 // changed by the real provider manager and its work process.
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -279,11 +280,10 @@ protected:
         Store(51, L"ShowReceipt", L"0");
         Store(51, L"AskAboutOtherFiles", L"0");
     }
-    // 24 bits a pixel, all of one colour.
-    static std::string Bmp() {
-        constexpr int kSide = 16;
-        BITMAPINFOHEADER info{sizeof(info), kSide, kSide, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-        const std::string pixels(3 * kSide * kSide, '\x55');
+    // 24 bits a pixel, all of one colour; the side is a multiple of 4.
+    static std::string Bmp(int side = 16) {
+        BITMAPINFOHEADER info{sizeof(info), side, side, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+        const std::string pixels(static_cast<std::size_t>(3 * side * side), '\x55');
         BITMAPFILEHEADER head{};
         head.bfType = 0x4D42;
         head.bfOffBits = sizeof(head) + sizeof(info);
@@ -305,6 +305,42 @@ TEST_F(SavedOptionEndToEnd, ConvertsAPhotoAndCleansAnotherOne) {
     EXPECT_TRUE(entries.at("scan.jpg").content.starts_with("\xFF\xD8"));
     EXPECT_EQ(entries.at("photo.jpg").content.find(samples::kCanary), std::string::npos);
     EXPECT_EQ(ReadFileContent(bitmap), Bmp());
+}
+
+// Pictures that fit the mail once they are converted, stamped and made smaller, all in one pass.
+TEST_F(SavedOptionEndToEnd, GivesOneZipOfConvertedAndStampedPicturesThatFitsTheMail) {
+    const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\";
+    SetUserValue(L"AutoResizeImages", L"1");
+    SetUserValue(L"AutoWatermark", L"1");
+    SetValue(HKEY_CURRENT_USER, key + L"2", L"Aim", L"FitMail");
+    SetValue(HKEY_CURRENT_USER, key + L"2", L"Megabytes", L"1");
+    SetValue(HKEY_CURRENT_USER, key + L"5", L"Text", L"Ann Example");
+    SetValue(HKEY_CURRENT_USER, key + L"5", L"Place", L"Centre");
+    SetValue(HKEY_CURRENT_USER, key + L"5", L"Opacity", L"100");
+    const std::wstring bitmap = files_.File(L"scan.bmp", Bmp(800));
+    Texts paths{bitmap};
+    for (unsigned number = 0; number < 3; ++number) {
+        const auto jpeg = MakeJpeg(Photo(1000, 900, 3, 8, number + 1, 40), {.quality = 95});
+        paths.push_back(files_.File(L"p" + std::to_wstring(number) + L".jpg",
+                                    std::string(jpeg.begin(), jpeg.end())));
+    }
+    PickerUiDriver driver(Pick(Choice::Zip, paths));
+    const OpenAnswer answer = AskOpen();
+    EXPECT_TRUE(driver.Done());
+    ASSERT_EQ(answer.given.size(), 1u);
+    const std::size_t zip = ReadFileContent(answer.given[0]).value_or("").size();
+    constexpr std::size_t kRoom = 729'927; // 1,000,000 bytes without what a mail adds
+    EXPECT_LE(zip, kRoom);
+    EXPECT_GE(zip, kRoom * 85 / 100);
+    const auto entries = ReadZip(answer.given[0]);
+    ASSERT_EQ(entries.size(), 4u);
+    const std::string& scan = entries.at("scan.jpg").content;
+    const Raster pixels = ParseJpeg({scan.begin(), scan.end()}).raster;
+    unsigned lightest = 0; // of the row through the letters, on a dark ground
+    for (unsigned x = 0; x < pixels.width; ++x)
+        lightest = std::max(lightest, pixels.At(x, pixels.height / 2, 0));
+    EXPECT_GT(lightest, 200u);
+    EXPECT_EQ(ReadFileContent(bitmap), Bmp(800));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // One working copy changed by one request to the work process.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -30,6 +31,13 @@ using DecideResult = std::optional<bool>(StageCall& call, WorkResult result,
 // WorkingCopy::Open; `decide` may be null.
 bool ChangeCopy(StageCall& call, const std::wstring& path, const std::wstring& folder,
                 const WorkOrder& order, const RefusalTexts& texts, DecideResult* decide = nullptr);
+
+// What became of one step on one file.
+enum class StepResult : std::uint8_t {
+    Made,    // the new file is whole
+    Passed,  // the file goes on as it is
+    Stopped, // the run has to stop; the user has read why
+};
 
 // The extension of a result, and whether the file has a name for it already.
 struct ResultKind {

@@ -5,8 +5,7 @@
 #include <iterator>
 
 #include "services/providers/files/ResultName.h"
-#include "services/providers/settings/PhotoSettings.h"
-#include "services/providers/transforms/ChangeCopy.h"
+#include "services/providers/transforms/FitNotes.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 
@@ -36,17 +35,33 @@ bool HasNameOf(const std::wstring& path, const std::wstring& extension) {
     return HasExtension(path, extension) || (extension == L"jpg" && HasExtension(path, L"jpeg"));
 }
 
-// False, after a sentence, when the result isn't whole or can't get its name.
-bool Place(StageCall& call, NewFile& made, WorkingCopy& copy, const WorkReport& report,
-           std::wstring& path) {
-    const wchar_t* const extension = ExtensionOf(made.Handle());
-    if (!extension || report.size != made.Size()) {
-        return RefuseResult(call, WorkResult::ProcessFailed, kTexts, path);
-    }
-    return PlaceResult(call, made, copy, {extension, HasNameOf(path, extension)}, path);
+bool PlacePhoto(StageCall& call, NewFile& made, WorkingCopy& copy, std::wstring& path) {
+    const auto kind = PhotoKindOf(made, path);
+    if (!kind) return RefusePhoto(call, WorkResult::ProcessFailed, path);
+    return PlaceResult(call, made, copy, *kind, path);
+}
+
+bool ConvertNow(StageCall& call, std::wstring& path, const std::wstring& folder) {
+    auto copy = OpenCopy(call, path, folder);
+    if (!copy) return false;
+    const auto made = NewFile::MakeBeside(*copy, call.run.unfinished);
+    if (!made) return Refuse(call, OB_TEXT_UNWRITABLE, path);
+    const StepResult step = MakePhoto(call, copy->Handle(), *made, path);
+    return step == StepResult::Made ? PlacePhoto(call, *made, *copy, path)
+                                    : step == StepResult::Passed;
 }
 
 } // namespace
+
+bool RefusePhoto(StageCall& call, WorkResult result, const std::wstring& path) {
+    return RefuseResult(call, result, kTexts, path);
+}
+
+std::optional<ResultKind> PhotoKindOf(const NewFile& made, const std::wstring& path) {
+    const wchar_t* const extension = ExtensionOf(made.Handle());
+    if (!extension) return {};
+    return ResultKind{extension, HasNameOf(path, extension)};
+}
 
 bool PassPhoto(StageCall& call, const WorkReport& report, const std::wstring& path) {
     const bool hasNoDecoder =
@@ -57,24 +72,33 @@ bool PassPhoto(StageCall& call, const WorkReport& report, const std::wstring& pa
     return !call.wait.IsEnded();
 }
 
+StepResult MakePhoto(StageCall& call, HANDLE source, NewFile& made, const std::wstring& path) {
+    const auto goOn = [](bool passes) { return passes ? StepResult::Passed : StepResult::Stopped; };
+    const WorkOrder order(obcontract::WorkKind::ConvertPhoto,
+                          PhotoSettings::Load(call.settings).Order());
+    const WorkReport report = call.run.process.Run(order, source, made.Handle(), call.wait);
+    if (report.result == WorkResult::Unchanged) return StepResult::Passed;
+    if (report.result == WorkResult::NotSupported) return goOn(PassPhoto(call, report, path));
+    if (report.result != WorkResult::Changed) return goOn(RefusePhoto(call, report.result, path));
+    if (!PhotoKindOf(made, path) || report.size != made.Size())
+        return goOn(RefusePhoto(call, WorkResult::ProcessFailed, path));
+    return StepResult::Made;
+}
+
 bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folder) {
     // The extensions of both results are equally long.
     if (ResultPath(path, L"jpg").size() > kLongestResult) {
         return Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
     }
-    auto copy = OpenCopy(call, path, folder);
-    if (!copy) return false;
-    const auto made = NewFile::MakeBeside(*copy, call.run.unfinished);
-    if (!made) return Refuse(call, OB_TEXT_UNWRITABLE, path);
-    const WorkOrder order(obcontract::WorkKind::ConvertPhoto,
-                          PhotoSettings::Load(call.settings).Order());
-    const WorkReport report =
-        call.run.process.Run(order, copy->Handle(), made->Handle(), call.wait);
-    if (report.result == WorkResult::Unchanged) return true;
-    if (report.result == WorkResult::NotSupported) return PassPhoto(call, report, path);
-    if (report.result != WorkResult::Changed)
-        return RefuseResult(call, report.result, kTexts, path);
-    return Place(call, *made, *copy, report, path);
+    const auto kinds = PhotoSettings::Load(call.settings).Order().kinds;
+    switch (NoteForFit(call, path, folder, kinds, &FitNote::isConverted)) {
+    case Noted::Yes:
+        return true;
+    case Noted::Stopped:
+        return false;
+    default:
+        return ConvertNow(call, path, folder);
+    }
 }
 
 } // namespace providers

@@ -7,6 +7,9 @@
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "services/providers/settings/PhotoSettings.h"
+#include "services/providers/transforms/FittedFile.h"
+#include "services/providers/transforms/PersonalData.h"
 #include "services/providers/transforms/Resize.h"
 #include "services/providers/ui/SizeText.h"
 #include "services/providers/ui/TextIds.h"
@@ -15,24 +18,12 @@
 namespace providers {
 namespace {
 
-using obcontract::WorkKind;
-using obcontract::WorkPlain;
+using namespace obcontract;
 
 // A zip's own bytes: what it writes for each file besides the name, which is in it twice, and at
 // its end, with room for what encryption adds.
 constexpr std::uint64_t kZipEntry = 240;
 constexpr std::uint64_t kZipEnd = 4096;
-
-// One file of the mail.
-struct FitFile {
-    std::wstring path;
-    WorkingCopy copy;
-    std::uint64_t size = 0;
-    std::uint64_t bytes = 0;             // that it counts for if it stays as it is
-    std::optional<std::uint32_t> number; // of a picture that can be made smaller
-    std::unique_ptr<NewFile> smaller;    // null for a file that stays
-    std::optional<WorkReport> written;
-};
 
 std::uint64_t Utf8Length(const std::wstring& text) {
     return static_cast<std::uint64_t>(
@@ -49,43 +40,58 @@ public:
     ~Fit() {
         if (!call_.wait.IsEnded()) return;
         ObLib::RanGuarded([&] {
-            for (const FitFile& file : files_) call_.run.unfinished.AddFolderOf(file.copy);
+            for (const FittedFile& file : files_) call_.run.unfinished.AddFolderOf(file.copy);
         });
     }
     Fit(const Fit&) = delete;
     Fit& operator=(const Fit&) = delete;
 
-    bool Run(const std::vector<std::wstring>& paths) {
+    bool Run(std::vector<std::wstring>& paths) {
         if (!Open(paths)) return false;
-        if (Total() <= Room()) return true;
-        if (call_.isZipped && !MeasureAll()) return false;
-        if (Total() <= Room()) return true;
-        return MakeSmaller();
+        const auto fits = AllFits();
+        if (!fits || (!*fits && !MakeSmaller())) return false;
+        return PlaceAll(paths);
     }
 
 private:
+    // How one attempt to make the pictures smaller ended.
+    enum class Attempt { Done, Again, Stopped };
+
     std::uint64_t Room() const { return limit_ / 137 * 100 + limit_ % 137 * 100 / 137; }
     bool Open(const std::vector<std::wstring>& paths);
+    bool LoadWatermark();
+    const WatermarkOrder* Watermark() const { return watermark_ ? &*watermark_ : nullptr; }
     std::uint64_t Total() const; // a picture that was written counts as what was written
     std::uint64_t Others() const;
-    bool MeasureAll();
+    std::optional<bool> AllFits();
+    std::optional<bool> KnownFits();
+    bool MeasureKnown();
+    bool Measure(FittedFile& file);
     bool MakeSmaller();
-    bool AddAll();
-    bool Search();
+    Attempt TryToMakeSmaller();
+    bool SendWatermark();
+    Attempt AddAll();
+    WorkReport Add(FittedFile& file);
+    void TakeAdded(FittedFile& file);
+    Attempt Settle(std::vector<FittedFile*> files);
+    Attempt Search();
+    static Attempt After(bool goesOn) { return goesOn ? Attempt::Done : Attempt::Stopped; }
     bool Say(UINT text);
     bool SayWhatCannotFit();
     bool WriteAll();
-    bool Write(FitFile& file);
-    bool PlaceAll();
-    const std::wstring& PathOf(std::uint32_t number) const;
-    WorkReport Ask(WorkKind kind, const auto& settings, HANDLE source, HANDLE target) {
-        return series_->Run(WorkOrder(kind, settings), source, target, call_.wait);
+    bool Write(FittedFile& file);
+    bool PlaceAll(std::vector<std::wstring>& paths);
+    void Rename(const std::wstring& from, const std::wstring& to, std::vector<std::wstring>& paths);
+    FittedFile* FileOf(std::uint32_t number);
+    WorkReport Ask(const WorkOrder& order, HANDLE source, HANDLE target) {
+        return series_->Run(order, source, target, call_.wait);
     }
 
     StageCall& call_;
     std::uint64_t limit_; // of the mail as it is sent
-    std::vector<FitFile> files_;
-    std::uint64_t zip_ = 0; // the zip's own bytes
+    std::vector<FittedFile> files_;
+    std::optional<WatermarkOrder> watermark_; // where a picture is to have one
+    std::uint64_t zip_ = 0;                   // the zip's own bytes
     std::uint32_t pictures_ = 0;
     std::unique_ptr<WorkSeries> series_;
 };
@@ -99,40 +105,75 @@ bool Fit::Open(const std::vector<std::wstring>& paths) {
         if (!copy) return false;
         LARGE_INTEGER size{};
         if (!GetFileSizeEx(copy->Handle(), &size)) return Refuse(call_, OB_TEXT_UNREADABLE, path);
-        const auto bytes = static_cast<std::uint64_t>(size.QuadPart);
-        files_.push_back({path, std::move(*copy), bytes, bytes, {}, nullptr, {}});
+        FittedFile file{.path = path, .copy = std::move(*copy)};
+        file.copySize = static_cast<std::uint64_t>(size.QuadPart);
+        const auto noted = call_.run.record.noted.find(path);
+        if (noted != call_.run.record.noted.end()) file.note = noted->second;
+        if (!file.note) file.Count(file.copySize);
+        files_.push_back(std::move(file));
         if (call_.isZipped) zip_ += kZipEntry + 2 * Utf8Length(FileNameOf(path));
     }
     if (call_.isZipped) zip_ += kZipEnd;
-    return true;
+    return LoadWatermark();
 }
 
+bool Fit::LoadWatermark() {
+    const auto isStamped = [](const FittedFile& file) { return file.note.isStamped; };
+    if (std::ranges::none_of(files_, isStamped)) return true;
+    watermark_ = WatermarkOrder::Load(call_);
+    return watermark_.has_value();
+}
+
+// Noted pictures that aren't known yet count for nothing.
 std::uint64_t Fit::Total() const {
     std::uint64_t total = zip_;
-    for (const FitFile& file : files_) total += file.written ? file.written->size : file.bytes;
+    for (const FittedFile& file : files_) total += file.written ? file.written->size : file.bytes;
     return total;
 }
 
 std::uint64_t Fit::Others() const {
     std::uint64_t others = zip_;
-    for (const FitFile& file : files_) {
+    for (const FittedFile& file : files_) {
         if (!file.number) others += file.bytes;
     }
     return others;
 }
 
-// What each file takes in the zip. Whatever the work process says, it is never more than the file
-// and what a block of a zip adds.
-bool Fit::MeasureAll() {
-    call_.run.process.Stop(); // a file that took the process over doesn't get to measure others
-    for (FitFile& file : files_) {
-        const WorkReport report = call_.run.process.Run({WorkKind::Measure, WorkPlain{}},
-                                                        file.copy.Handle(), nullptr, call_.wait);
-        if (report.result != WorkResult::Changed) {
-            return RefuseResize(call_, report.result, file.path);
-        }
-        file.bytes = std::min(report.size, file.bytes + file.bytes / 1024 + 64);
+// Whether all files fit without being made smaller, with what was noted for them done: a picture
+// counts with its final form and its watermark. Ends with the first picture that is too much.
+// Nothing when the run has to stop.
+std::optional<bool> Fit::AllFits() {
+    for (FittedFile& file : files_) {
+        if (file.IsKnown()) continue;
+        const auto fits = KnownFits();
+        if (!fits || !*fits) return fits;
+        if (!MakeWhole(call_, file, Watermark())) return {};
     }
+    return KnownFits();
+}
+
+std::optional<bool> Fit::KnownFits() {
+    if (Total() <= Room()) return true;
+    if (!call_.isZipped) return false;
+    if (!MeasureKnown()) return {};
+    return Total() <= Room();
+}
+
+bool Fit::MeasureKnown() {
+    call_.run.process.Stop(); // a file that took the process over doesn't get to measure others
+    return std::ranges::all_of(files_, [this](FittedFile& file) {
+        return file.isMeasured || !file.IsKnown() || Measure(file);
+    });
+}
+
+// What a file takes in the zip. Whatever the work process says, it is never more than the file and
+// what a block of a zip adds.
+bool Fit::Measure(FittedFile& file) {
+    const WorkReport report = call_.run.process.Run({WorkKind::Measure, WorkPlain{}},
+                                                    file.Unshrunk(), nullptr, call_.wait);
+    if (report.result != WorkResult::Changed) return RefuseResize(call_, report.result, file.path);
+    file.bytes = std::min(report.size, file.size + file.size / 1024 + 64);
+    file.isMeasured = true;
     return true;
 }
 
@@ -140,30 +181,80 @@ bool Fit::MeasureAll() {
 // which has the copies open, has ended by then.
 bool Fit::MakeSmaller() {
     if (files_.size() > WorkSeries::kMostFiles) return Say(OB_TEXT_FIT_TOO_MANY);
-    series_ = std::make_unique<WorkSeries>(call_.run.process);
-    if (!AddAll()) return false;
-    if (pictures_ == 0 || Others() > Room()) return SayWhatCannotFit();
-    if (!Search() || !WriteAll()) return false;
-    series_.reset();
+    Attempt attempt = Attempt::Again;
+    while (attempt == Attempt::Again) attempt = TryToMakeSmaller();
+    if (attempt == Attempt::Stopped) return false;
     // The work process may have lied.
-    if (Total() > Room()) return RefuseResize(call_, WorkResult::ProcessFailed, files_[0].path);
-    return PlaceAll();
+    return Total() <= Room() || RefuseFitted(call_, WorkResult::ProcessFailed, files_[0]);
 }
 
-// Pictures count as they are coded, as they hardly become smaller in a zip.
-bool Fit::AddAll() {
-    for (FitFile& file : files_) {
-        const WorkReport report = Ask(WorkKind::FitAdd, WorkPlain{}, file.copy.Handle(), nullptr);
+// Each further attempt has settled at least one file more.
+Fit::Attempt Fit::TryToMakeSmaller() {
+    pictures_ = 0;
+    series_ = std::make_unique<WorkSeries>(call_.run.process);
+    if (watermark_ && !SendWatermark()) return Attempt::Stopped;
+    const Attempt added = AddAll();
+    if (added != Attempt::Done) return added;
+    if (pictures_ == 0 || Others() > Room()) return After(SayWhatCannotFit());
+    const Attempt found = Search();
+    if (found != Attempt::Done) return found;
+    const bool isWritten = WriteAll();
+    series_.reset();
+    return After(isWritten);
+}
+
+bool Fit::SendWatermark() {
+    const WorkReport report = Ask(watermark_->ForFit(), nullptr, nullptr);
+    return report.result == WorkResult::Changed ||
+           RefuseWatermark(call_, report.result, files_[0].path);
+}
+
+// A noted picture is coded from its copy, so that it is coded once.
+WorkReport Fit::Add(FittedFile& file) {
+    WorkFitAdd settings{};
+    settings.isStamped = file.note.isStamped && !file.whole;
+    if (file.note.isConverted && !file.whole) {
+        const WorkPhoto photo = PhotoSettings::Load(call_.settings).Order();
+        settings.quality = static_cast<std::uint8_t>(photo.quality);
+        settings.kinds = photo.kinds;
+    }
+    return Ask({WorkKind::FitAdd, settings}, file.Unshrunk(), nullptr);
+}
+
+// Pictures count as they are coded, as they hardly become smaller in a zip; one that stays counts
+// with its size, as in the search: on trial it may have taken a little more.
+void Fit::TakeAdded(FittedFile& file) {
+    file.number = pictures_++;
+    if (!file.IsKnown()) file.Count(file.copySize);
+    file.bytes = std::min(file.bytes, file.size);
+}
+
+Fit::Attempt Fit::AddAll() {
+    std::vector<FittedFile*> refused; // noted, but not taken with what was noted
+    for (FittedFile& file : files_) {
+        file.number.reset();
+        if (file.note && !file.isSettled) file.whole.reset();
+        const WorkReport report = Add(file);
         if (report.result == WorkResult::Changed) {
-            file.number = pictures_++;
-            // As the search counts a picture that stays; on trial it may take a little more.
-            file.bytes = std::min(file.bytes, file.size);
+            TakeAdded(file);
         } else if (report.result != WorkResult::Unchanged &&
                    report.result != WorkResult::NotSupported) {
-            return RefuseResize(call_, report.result, file.path);
+            return After(RefuseFitted(call_, report.result, file));
+        } else if (file.note && !file.isSettled) {
+            refused.push_back(&file);
         }
     }
-    return true;
+    return refused.empty() ? Attempt::Done : Settle(std::move(refused));
+}
+
+// Does for these files what was noted, as it is done without a fit, which may be nothing.
+Fit::Attempt Fit::Settle(std::vector<FittedFile*> files) {
+    series_.reset();
+    for (FittedFile* const file : files) {
+        file->isSettled = true;
+        if (!MakeWhole(call_, *file, Watermark())) return Attempt::Stopped;
+    }
+    return Attempt::Again;
 }
 
 // A sentence about all files; false.
@@ -181,54 +272,81 @@ bool Fit::SayWhatCannotFit() {
     return Say(Others() > Room() ? OB_TEXT_FIT_OTHERS : OB_TEXT_FIT_CANNOT);
 }
 
-bool Fit::Search() {
+Fit::Attempt Fit::Search() {
     const WorkReport report =
-        Ask(WorkKind::FitSearch, obcontract::WorkFitSearch{limit_, Others()}, nullptr, nullptr);
-    if (report.result == WorkResult::Changed || report.result == WorkResult::Unchanged) return true;
-    if (report.result == WorkResult::CannotFit) return SayWhatCannotFit();
-    return RefuseResize(call_, report.result, PathOf(report.number));
+        Ask({WorkKind::FitSearch, WorkFitSearch{limit_, Others()}}, nullptr, nullptr);
+    if (report.result == WorkResult::Changed || report.result == WorkResult::Unchanged) {
+        return Attempt::Done;
+    }
+    if (report.result == WorkResult::CannotFit) return After(SayWhatCannotFit());
+    // The picture on which the work process was last. Its own word for it isn't trusted to be one.
+    FittedFile* const file = FileOf(report.number);
+    if (!file) return After(RefuseResize(call_, report.result, files_.front().path));
+    if (report.result == WorkResult::NotSupported && file->note && !file->isSettled) {
+        return Settle({file});
+    }
+    return After(RefuseFitted(call_, report.result, *file));
 }
 
-// The picture on which the work process was last. The number comes from the work process and may be
-// invalid; then the first file is named.
-const std::wstring& Fit::PathOf(std::uint32_t number) const {
-    const auto file = std::ranges::find(files_, number, &FitFile::number);
-    return file == files_.end() ? files_.front().path : file->path;
+// Null when there is none.
+FittedFile* Fit::FileOf(std::uint32_t number) {
+    const auto file = std::ranges::find(files_, number, &FittedFile::number);
+    return file == files_.end() ? nullptr : &*file;
 }
 
 bool Fit::WriteAll() {
-    return std::ranges::all_of(files_, [&](FitFile& file) { return !file.number || Write(file); });
+    return std::ranges::all_of(files_,
+                               [&](FittedFile& file) { return !file.number || Write(file); });
 }
 
-bool Fit::Write(FitFile& file) {
+bool Fit::Write(FittedFile& file) {
     file.smaller = NewFile::MakeBeside(file.copy, call_.run.unfinished);
     if (!file.smaller) return Refuse(call_, OB_TEXT_UNWRITABLE, file.path);
-    WorkReport report = Ask(WorkKind::FitWrite, obcontract::WorkFitWrite{*file.number, 0}, nullptr,
-                            file.smaller->Handle());
-    if (report.result == WorkResult::Unchanged) {
+    WorkReport report =
+        Ask({WorkKind::FitWrite, WorkFitWrite{*file.number, 0}}, nullptr, file.smaller->Handle());
+    // A picture that is too small for a watermark may go out as it is.
+    if (report.result == WorkResult::Unchanged && (!file.note.isConverted || file.whole)) {
         file.smaller.reset();
         return true;
     }
-    if (report.result != WorkResult::Changed) return RefuseResize(call_, report.result, file.path);
+    if (report.result != WorkResult::Changed) {
+        const bool isLie = report.result == WorkResult::Unchanged;
+        return RefuseFitted(call_, isLie ? WorkResult::ProcessFailed : report.result, file);
+    }
     file.written = std::move(report);
     return true;
 }
 
-bool Fit::PlaceAll() {
-    for (FitFile& file : files_) {
-        if (!file.written) continue;
-        if (!TakePlace(call_, *file.smaller, file.copy, *file.written)) {
-            return Refuse(call_, OB_TEXT_UNWRITABLE, file.path);
-        }
+bool Fit::PlaceAll(std::vector<std::wstring>& paths) {
+    for (FittedFile& file : files_) {
+        if (!file.written && !file.whole) continue;
+        const std::wstring before = file.path;
+        if (!PlaceFitted(call_, file)) return false;
         call_.run.record.made.insert(file.path);
+        if (file.path != before) Rename(before, file.path, paths);
     }
+    call_.run.record.noted.clear();
     return true;
+}
+
+// The file of a converted photo has another name from here on.
+void Fit::Rename(const std::wstring& from, const std::wstring& to,
+                 std::vector<std::wstring>& paths) {
+    RunRecord& record = call_.run.record;
+    const auto isOld = [&](const std::wstring& path) {
+        return !PathOrder()(path, from) && !PathOrder()(from, path);
+    };
+    std::ranges::replace_if(paths, isOld, to);
+    for (auto& visit : record.visited) {
+        if (isOld(visit.second)) visit.second = to;
+    }
+    record.done.erase(from);
+    record.done.insert(to);
+    JoinCleaned(record, from, to);
 }
 
 } // namespace
 
-bool FitMail(StageCall& call, const std::vector<std::wstring>& paths) {
-    return Fit(call).Run(paths);
-}
+bool FitMail(StageCall& call, std::vector<std::wstring>& paths) { return Fit(call).Run(paths); }
 
 } // namespace providers

@@ -21,6 +21,14 @@ struct CleanRecord {
     std::vector<WorkFound> found;
 };
 
+// What is done with a picture when all pictures are made to fit, as noted in the per-file stage.
+struct FitNote {
+    bool isConverted = false;
+    bool isStamped = false;
+
+    explicit operator bool() const noexcept { return isConverted || isStamped; }
+};
+
 struct RunRecord {
     // The per-file stage's results by the paths that it was given: two picks of one name are twice
     // in the list, and the second visit gets the first one's result.
@@ -30,6 +38,8 @@ struct RunRecord {
     std::set<std::wstring, PathOrder> made;
     // By the path of the result.
     std::map<std::wstring, CleanRecord, PathOrder> cleaned;
+    // By the path of the picture that the steps are still to be done with.
+    std::map<std::wstring, FitNote, PathOrder> noted;
     // The user has read that a photo has no decoder on this machine.
     bool hasSaidNoDecoder = false;
     // The user has read that no office program is there for documents.

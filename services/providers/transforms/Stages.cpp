@@ -26,12 +26,6 @@ bool InPlace(StageCall& call, std::wstring& path, const std::wstring& folder) {
     return Work(call, path, folder);
 }
 
-// A transform of all files whose results have their names.
-template <bool (*Work)(StageCall&, const std::vector<std::wstring>&)>
-bool AllInPlace(StageCall& call, std::vector<std::wstring>& paths) {
-    return Work(call, paths);
-}
-
 constexpr TransformRow kRows[] = {
     {ConvertPdf, &ConvertToPdf, nullptr, nullptr},
     {ConvertPhotos, &ConvertPhoto, nullptr, nullptr},
@@ -39,7 +33,7 @@ constexpr TransformRow kRows[] = {
     {Watermark, &InPlace<&AddWatermark>, nullptr, nullptr},
     {RemoveInfo, &InPlace<&RemovePersonalData>, nullptr, &CheckPersonalData},
     {CombinePdfs, nullptr, &providers::CombinePdfs, nullptr},
-    {ResizeImages, nullptr, &AllInPlace<&FitMail>, nullptr, &FitsPictures},
+    {ResizeImages, nullptr, &FitMail, nullptr, &FitsPictures},
     {SignPdfs, nullptr, nullptr, nullptr},
     {ConvertFromPdf, nullptr, nullptr, nullptr},
 };

@@ -4,9 +4,7 @@
 #include <string_view>
 
 #include "ObLib/Src/Win32/LongPath.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/providers/settings/WatermarkSettings.h"
-#include "services/providers/transforms/ChangeCopy.h"
+#include "services/providers/transforms/FitNotes.h"
 #include "services/providers/transforms/PdfPasswords.h"
 #include "services/providers/transforms/Resize.h"
 #include "services/providers/ui/TextIds.h"
@@ -24,17 +22,6 @@ static_assert(kLongestWatermark == kMostWatermarkText);
 
 constexpr RefusalTexts kTexts = {OB_TEXT_WATERMARK_DAMAGED, OB_TEXT_WATERMARK_TOO_LARGE, 0,
                                  OB_TEXT_WATERMARK_FAILED};
-
-WorkOrder OrderFor(const WatermarkSettings& settings) {
-    const WorkWatermark record{kPlaces[static_cast<std::size_t>(settings.place)], settings.opacity};
-    return {WorkKind::Watermark, record, std::wstring_view(settings.text)};
-}
-
-WorkOrder PictureOrderFor(const WatermarkSettings& settings, HANDLE picture) {
-    const WorkPictureWatermark record{kPlaces[static_cast<std::size_t>(settings.place)],
-                                      settings.opacity, 0};
-    return WorkOrder(WorkKind::PictureWatermark, record).WithPicture(picture);
-}
 
 // It is the user's own file, which is read alone. Empty for what is no file on a disk, such as a
 // pipe: the work process takes no other.
@@ -69,17 +56,73 @@ bool HasLimit(const StageCall& call) {
            call.plan.resize.aim == ResizeAim::BytesEach;
 }
 
+bool AddNow(StageCall& call, const WatermarkOrder& order, const std::wstring& path,
+            const std::wstring& folder) {
+    return ChangeCopy(call, path, folder, order.ForFile(), kTexts, &GoesWithout) &&
+           (!HasLimit(call) || ResizePicture(call, path, folder));
+}
+
 } // namespace
 
+std::optional<WatermarkOrder> WatermarkOrder::Load(StageCall& call) {
+    WatermarkOrder order;
+    order.settings_ = WatermarkSettings::Load(call.settings);
+    if (!order.settings_.usesPicture) return order;
+    if (order.settings_.picture.empty()) {
+        RefusePicture(call, OB_TEXT_WATERMARK_CHOOSE);
+        return {};
+    }
+    order.picture_ = OpenPicture(order.settings_);
+    if (order.picture_) return order;
+    RefusePicture(call, OB_TEXT_WATERMARK_NO_PICTURE);
+    return {};
+}
+
+WorkOrder WatermarkOrder::Of(WorkKind text, WorkKind picture) const {
+    const WorkPlace place = kPlaces[static_cast<std::size_t>(settings_.place)];
+    if (!picture_)
+        return {text, WorkWatermark{place, settings_.opacity}, std::wstring_view(settings_.text)};
+    return WorkOrder(picture, WorkPictureWatermark{place, settings_.opacity, 0})
+        .WithPicture(picture_.Get());
+}
+
+WorkOrder WatermarkOrder::ForFile() const {
+    return Of(WorkKind::Watermark, WorkKind::PictureWatermark);
+}
+
+WorkOrder WatermarkOrder::ForFit() const {
+    return Of(WorkKind::FitWatermark, WorkKind::FitPictureWatermark);
+}
+
+bool RefuseWatermark(StageCall& call, WorkResult result, const std::wstring& path) {
+    if (result == WorkResult::BadPicture) return RefusePicture(call, OB_TEXT_WATERMARK_BAD_PICTURE);
+    return RefuseResult(call, result, kTexts, path);
+}
+
+StepResult StampPicture(StageCall& call, const WatermarkOrder& order, HANDLE source, NewFile& made,
+                        const std::wstring& path) {
+    const WorkReport report =
+        call.run.process.Run(order.ForFile(), source, made.Handle(), call.wait);
+    if (report.result == WorkResult::Unchanged || report.result == WorkResult::NotSupported)
+        return StepResult::Passed;
+    if (report.result == WorkResult::Changed && report.size != 0 && report.size == made.Size())
+        return StepResult::Made;
+    const bool isLie = report.result == WorkResult::Changed;
+    RefuseWatermark(call, isLie ? WorkResult::ProcessFailed : report.result, path);
+    return StepResult::Stopped;
+}
+
 bool AddWatermark(StageCall& call, const std::wstring& path, const std::wstring& folder) {
-    const auto settings = WatermarkSettings::Load(call.settings);
-    if (settings.usesPicture && settings.picture.empty())
-        return RefusePicture(call, OB_TEXT_WATERMARK_CHOOSE);
-    const auto picture = settings.usesPicture ? OpenPicture(settings) : ObLib::UniqueKernelHandle();
-    if (settings.usesPicture && !picture) return RefusePicture(call, OB_TEXT_WATERMARK_NO_PICTURE);
-    const WorkOrder order = picture ? PictureOrderFor(settings, picture.Get()) : OrderFor(settings);
-    return ChangeCopy(call, path, folder, order, kTexts, &GoesWithout) &&
-           (!HasLimit(call) || ResizePicture(call, path, folder));
+    const auto order = WatermarkOrder::Load(call);
+    if (!order) return false;
+    switch (NoteForFit(call, path, folder, WorkPhotoKinds::None, &FitNote::isStamped)) {
+    case Noted::Yes:
+        return true;
+    case Noted::Stopped:
+        return false;
+    default:
+        return AddNow(call, *order, path, folder);
+    }
 }
 
 } // namespace providers

@@ -18,10 +18,12 @@ using ObLib::UniqueKernelHandle;
 constexpr std::size_t kMostRequests = 64;
 constexpr DWORD kPipeRoom = WorkProcess::kPipeRoom;
 static_assert(2 * sizeof(WorkHeader) + kMostPasswordBytes + kLargestWorkPayload <= kPipeRoom);
-static_assert((2 * WorkSeries::kMostFiles + 1) *
-                  (sizeof(WorkHeader) + sizeof(WorkFiles) + sizeof(WorkPlain)) <=
-              kPipeRoom - sizeof(WorkFitSearch));
-static_assert(sizeof(WorkFitWrite) <= sizeof(WorkPlain));
+constexpr std::size_t kRequest = sizeof(WorkHeader) + sizeof(WorkFiles);
+static_assert(WorkSeries::kMostFiles * (2 * kRequest + sizeof(WorkFitAdd) + sizeof(WorkFitWrite)) +
+                  kRequest + sizeof(WorkWatermark) + 2 * kMostWatermarkText + kRequest +
+                  sizeof(WorkFitSearch) <=
+              kPipeRoom);
+static_assert(sizeof(WorkPictureWatermark) <= sizeof(WorkWatermark) + 2 * kMostWatermarkText);
 
 struct Pipe {
     UniqueKernelHandle reading;

@@ -79,7 +79,7 @@ private:
 // get a process of their own, which ends with this object. One that fails isn't replaced.
 class WorkSeries {
 public:
-    // Two requests for each of so many files, and one more, fit into the pipe.
+    // Two requests for each of so many files, a watermark and one more fit into the pipe.
     static constexpr std::size_t kMostFiles = 3000;
 
     explicit WorkSeries(WorkProcess& process) noexcept : process_(process) { process_.Stop(); }

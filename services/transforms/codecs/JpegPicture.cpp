@@ -2,15 +2,14 @@
 #include "services/transforms/codecs/JpegPicture.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <memory>
-#include <numeric>
 #include <optional>
 
 #include "services/transforms/codecs/JpegLibrary.h"
 #include "services/transforms/codecs/JpegMetadata.h"
 #include "services/transforms/codecs/JpegStamp.h"
+#include "services/transforms/codecs/JpegTables.h"
 #include "services/transforms/raster/BandPipe.h"
 #include "services/transforms/raster/Resampler.h"
 
@@ -96,24 +95,6 @@ void StartDecoder(JpegReader& reader, PictureSize to) {
     jpeg_start_decompress(&reader);
 }
 
-// The places of a table from the lowest frequency to the highest.
-std::array<int, DCTSIZE2> ByFrequency() {
-    std::array<int, DCTSIZE2> places;
-    std::iota(places.begin(), places.end(), 0);
-    std::stable_sort(places.begin(), places.end(), [](int a, int b) {
-        return a / DCTSIZE + a % DCTSIZE < b / DCTSIZE + b % DCTSIZE;
-    });
-    return places;
-}
-
-JQUANT_TBL Coarser(const JQUANT_TBL& one, const JQUANT_TBL& other) noexcept {
-    JQUANT_TBL table = one;
-    for (int i = 0; i < DCTSIZE2; ++i)
-        table.quantval[i] = std::min<UINT16>(std::max(one.quantval[i], other.quantval[i]), 255);
-    table.sent_table = FALSE;
-    return table;
-}
-
 // Gives a component its table: one that is there already or one more.
 void UseTable(JpegWriter& writer, jpeg_component_info& info, const JQUANT_TBL& table, int& used) {
     int number = 0;
@@ -128,19 +109,6 @@ void UseTable(JpegWriter& writer, jpeg_component_info& info, const JQUANT_TBL& t
     info.quant_tbl_no = number;
 }
 
-// The standard's two tables, between two percentages if the step says so.
-std::array<JQUANT_TBL, 2> StandardTables(JpegWriter& writer, const ShrinkStep& step) {
-    jpeg_set_linear_quality(&writer, step.coarseness + 1, TRUE);
-    std::array<JQUANT_TBL, 2> tables{*writer.quant_tbl_ptrs[0], *writer.quant_tbl_ptrs[1]};
-    jpeg_set_linear_quality(&writer, step.coarseness, TRUE);
-    const auto places = ByFrequency();
-    const int coarser = DCTSIZE2 * step.sixteenths / 16;
-    for (int place = 0; place < DCTSIZE2 - coarser; ++place)
-        for (int i = 0; i < 2; ++i)
-            tables[i].quantval[places[place]] = writer.quant_tbl_ptrs[i]->quantval[places[place]];
-    return tables;
-}
-
 void SetTables(const JpegReader& reader, JpegWriter& writer, const ShrinkStep& step) {
     const auto standard = StandardTables(writer, step);
     const bool hasColourPlanes =
@@ -152,7 +120,7 @@ void SetTables(const JpegReader& reader, JpegWriter& writer, const ShrinkStep& s
             info.quant_table ? info.quant_table : reader.quant_tbl_ptrs[info.quant_tbl_no];
         if (!table) throw PictureFailure{PictureOutcome::Damaged};
         const bool isColour = hasColourPlanes && (c == 1 || c == 2);
-        UseTable(writer, writer.comp_info[c], Coarser(standard[isColour], *table), used);
+        UseTable(writer, writer.comp_info[c], CoarserTable(standard[isColour], *table), used);
     }
 }
 

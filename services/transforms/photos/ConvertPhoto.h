@@ -7,6 +7,7 @@
 #include "services/transforms/photos/PhotoKind.h"
 #include "services/transforms/raster/PictureControl.h"
 #include "services/transforms/raster/PictureFile.h"
+#include "services/transforms/raster/ShrinkStep.h"
 
 namespace transforms {
 
@@ -23,5 +24,22 @@ struct PhotoRequest {
 // files give equal results.
 PictureOutcome ConvertPhoto(PictureSource& source, PictureTarget& target,
                             const PhotoRequest& request, const PictureControl& control) noexcept;
+
+// Whether the file is a photo that ConvertPhoto converts, by its headers: Shrunk, Unchanged or
+// Unsupported as above, and whether anything here decodes it isn't looked at. Throws
+// PictureFailure.
+PictureOutcome CanConvertPhoto(PictureSource& source, unsigned kinds,
+                               const PictureControl& control);
+
+// The size of such a photo as it is stored. Throws PictureFailure, Unsupported also for one that
+// isn't converted.
+PictureSize SizeOfPhoto(PictureSource& source, const PhotoRequest& request,
+                        const PictureControl& control);
+
+// ConvertPhoto at a step: the photo is decoded once, turned upright, made smaller, stamped and
+// coded once, a JPEG at most as finely as the request says. Throws PictureFailure, Unsupported also
+// for what ConvertPhoto passes.
+void ShrinkPhoto(PictureSource& source, PictureTarget& target, const PhotoRequest& request,
+                 const ShrinkStep& step, const PictureControl& control);
 
 } // namespace transforms

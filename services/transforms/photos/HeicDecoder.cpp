@@ -175,14 +175,21 @@ private:
     std::size_t next_ = 0;
 };
 
+// Null when the library isn't there.
+std::unique_ptr<HeicRows> Open(PictureSource& source, const std::wstring& libraryPath,
+                               const PictureControl& control) {
+    auto library = HeifLibrary::Load(libraryPath);
+    if (!library) return nullptr;
+    return std::make_unique<HeicRows>(ReadWholePicture(source, control.limits.memory / 4),
+                                      std::move(*library), control);
+}
+
 } // namespace
 
 std::optional<DecodedPhoto> DecodeHeic(PictureSource& source, const std::wstring& libraryPath,
                                        const PictureControl& control) {
-    auto library = HeifLibrary::Load(libraryPath);
-    if (!library) return {};
-    auto rows = std::make_unique<HeicRows>(ReadWholePicture(source, control.limits.memory / 4),
-                                           std::move(*library), control);
+    auto rows = Open(source, libraryPath, control);
+    if (!rows) return {};
     DecodedPhoto photo;
     photo.hasFineColours = false;
     photo.profile = rows->Profile();
@@ -190,6 +197,17 @@ std::optional<DecodedPhoto> DecodeHeic(PictureSource& source, const std::wstring
     rows->Decode(control);
     photo.rows = std::move(rows);
     return photo;
+}
+
+std::optional<PictureSize> HeicSize(PictureSource& source, const std::wstring& libraryPath,
+                                    const PictureControl& control) {
+    try {
+        const auto rows = Open(source, libraryPath, control);
+        return rows ? std::optional(rows->Form().size) : std::nullopt;
+    } catch (const PictureFailure& failure) {
+        if (failure.outcome != PictureOutcome::Unsupported) throw;
+        return {};
+    }
 }
 
 } // namespace transforms

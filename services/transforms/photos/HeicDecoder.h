@@ -16,4 +16,9 @@ namespace transforms {
 std::optional<DecodedPhoto> DecodeHeic(PictureSource& source, const std::wstring& libraryPath,
                                        const PictureControl& control);
 
+// The size of that picture, turned, by the container alone. Nothing also for a picture that the
+// library can't open. Throws PictureFailure.
+std::optional<PictureSize> HeicSize(PictureSource& source, const std::wstring& libraryPath,
+                                    const PictureControl& control);
+
 } // namespace transforms

@@ -4,6 +4,9 @@
 #include <png.h>
 
 #include "services/transforms/codecs/JpegLibrary.h"
+#include "services/transforms/codecs/JpegTables.h"
+#include "services/transforms/raster/ExifValues.h"
+#include "services/transforms/raster/StampedRows.h"
 
 namespace transforms {
 namespace {
@@ -34,6 +37,7 @@ void SetForm(JpegWriter& jpeg, const RasterForm& form, const PhotoWriting& writi
     jpeg.in_color_space = form.channels == 1 ? JCS_GRAYSCALE : JCS_RGB;
     jpeg_set_defaults(&jpeg);
     jpeg_set_quality(&jpeg, writing.quality, TRUE);
+    if (writing.step) CoarsenTables(jpeg, *writing.step);
     jpeg.dct_method = JDCT_ISLOW;
     if (writing.hasFineColours)
         jpeg.comp_info[0].h_samp_factor = jpeg.comp_info[0].v_samp_factor = 1;
@@ -43,14 +47,33 @@ void SetForm(JpegWriter& jpeg, const RasterForm& form, const PhotoWriting& writi
     jpeg.write_JFIF_header = writing.exif.empty();
 }
 
-void WriteMarkers(JpegWriter& jpeg, const PhotoWriting& writing) {
+void WriteMarkers(JpegWriter& jpeg, const PhotoWriting& writing, const PictureBytes& carried) {
     PictureBytes exif(std::begin(kExifMark), std::end(kExifMark));
-    exif.insert(exif.end(), writing.exif.begin(), writing.exif.end());
-    if (!writing.exif.empty() && exif.size() <= kMostInMarker)
+    exif.insert(exif.end(), carried.begin(), carried.end());
+    if (!carried.empty() && exif.size() <= kMostInMarker)
         jpeg_write_marker(&jpeg, kExifMarker, exif.data(), static_cast<unsigned>(exif.size()));
     if (!writing.profile.empty())
         jpeg_write_icc_profile(&jpeg, writing.profile.data(),
                                static_cast<unsigned>(writing.profile.size()));
+}
+
+RasterForm WrittenForm(const RowReader& rows, const PhotoWriting& writing) noexcept {
+    RasterForm form = rows.Form();
+    if (writing.step) form.size = SizeAfter(form.size, *writing.step);
+    return form;
+}
+
+// EXIF data for the size that is written.
+PictureBytes WrittenExif(const PhotoWriting& writing, PictureSize size) {
+    PictureBytes exif = writing.exif;
+    if (writing.step) SetExifSize(exif, size);
+    return exif;
+}
+
+void WriteRows(RowReader& rows, RowWriter& writer, const PhotoWriting& writing, PictureSize size,
+               const PictureControl& control) {
+    ShrinkAndStampRows(rows, writer, size, writing.step ? *writing.step : ShrinkStep{},
+                       kUprightOrientation, control);
 }
 
 // What each library writes at most, of one side.
@@ -90,7 +113,7 @@ public:
         if (!writing.profile.empty())
             png_set_iCCP(png_, info_, "ICC profile", PNG_COMPRESSION_TYPE_BASE,
                          writing.profile.data(), static_cast<png_uint_32>(writing.profile.size()));
-        PictureBytes exif = writing.exif;
+        PictureBytes exif = WrittenExif(writing, form.size);
         if (!exif.empty())
             png_set_eXIf_1(png_, info_, static_cast<png_uint_32>(exif.size()), exif.data());
         png_write_info(png_, info_);
@@ -125,21 +148,23 @@ private:
 void WriteJpegPhoto(RowReader& rows, PictureTarget& target, const PhotoWriting& writing,
                     const PictureControl& control) {
     ThrowIfLonger(rows.Form().size, kMostJpegPixels);
+    const RasterForm form = WrittenForm(rows, writing);
     JpegWriter jpeg(target);
-    SetForm(jpeg, rows.Form(), writing);
+    SetForm(jpeg, form, writing);
     jpeg_start_compress(&jpeg, TRUE);
-    WriteMarkers(jpeg, writing);
+    WriteMarkers(jpeg, writing, WrittenExif(writing, form.size));
     JpegRows writer(jpeg);
-    ShrinkRows(rows, writer, rows.Form().size, control);
+    WriteRows(rows, writer, writing, form.size, control);
     jpeg_finish_compress(&jpeg);
 }
 
 void WritePngPhoto(RowReader& rows, PictureTarget& target, const PhotoWriting& writing,
                    const PictureControl& control) {
     ThrowIfLonger(rows.Form().size, kMostPngPixels);
+    const RasterForm form = WrittenForm(rows, writing);
     PngRows writer(target);
-    writer.Start(rows.Form(), writing);
-    ShrinkRows(rows, writer, rows.Form().size, control);
+    writer.Start(form, writing);
+    WriteRows(rows, writer, writing, form.size, control);
     writer.Finish();
 }
 

@@ -3,8 +3,15 @@
 
 #include <algorithm>
 
+#include "services/transforms/pictures/StampPicture.h"
+
 namespace transforms {
 namespace {
+
+// Of a picture in another form than its file's, coded finely: a guess, where the search begins.
+std::uint64_t FineBytes(PictureSize size) noexcept {
+    return std::uint64_t{size.width} * size.height * 3 / 4 + 1;
+}
 
 // Coded pictures that are kept in memory; beyond that they are coded again when they are written.
 const std::uint64_t MostKept = 64ull << 20;
@@ -15,21 +22,26 @@ std::uint64_t RoomForFiles(std::uint64_t mailLimit) noexcept {
     return mailLimit / 137 * 100 + mailLimit % 137 * 100 / 137;
 }
 
-MailFit::MailFit(std::vector<PictureSource*> sources, std::uint64_t mailLimit,
-                 std::uint64_t otherBytes, const PictureControl& control)
+MailFit::MailFit(std::vector<FitSource> sources, std::uint64_t mailLimit, std::uint64_t otherBytes,
+                 const PictureControl& control)
     : control_(control), room_(RoomForFiles(mailLimit)), others_(otherBytes) {
-    for (auto* source : sources) pictures_.push_back({source, {}, false, source->Size(), {}});
+    for (const auto& source : sources)
+        pictures_.push_back({source, {}, false, source.file->Size(), {}});
 }
 
 bool MailFit::CanShrink(const FitPicture& picture) const noexcept {
-    return picture.form.kind != PictureKind::None && !picture.form.hasManyPictures;
+    return picture.from.maker ||
+           (picture.form.kind != PictureKind::None && !picture.form.hasManyPictures);
 }
 
 PictureOutcome MailFit::Search() noexcept {
     return RunPictureWork([this] {
         total_ = others_;
-        for (const auto& picture : pictures_) total_ += picture.source->Size();
-        if (total_ <= room_) return PictureOutcome::Unchanged;
+        for (const auto& picture : pictures_) total_ += picture.File().Size();
+        const bool isKnown =
+            std::none_of(pictures_.begin(), pictures_.end(),
+                         [](const FitPicture& picture) { return picture.IsAlwaysCoded(); });
+        if (isKnown && total_ <= room_) return PictureOutcome::Unchanged;
         LookAtPictures();
         if (OthersAreTooMuch() || !shrinkable_) return PictureOutcome::CannotFit;
         return SearchStep();
@@ -39,17 +51,27 @@ PictureOutcome MailFit::Search() noexcept {
 void MailFit::LookAtPictures() {
     for (failed_ = 0; failed_ < pictures_.size(); ++failed_) {
         auto& picture = pictures_[failed_];
-        try {
-            picture.form = FormOfPicture(*picture.source, control_);
-        } catch (const PictureFailure& failure) {
-            // Of a form that isn't worked on: it goes out as it is.
-            if (failure.outcome != PictureOutcome::Unsupported) throw;
-        }
-        (CanShrink(picture) ? shrinkable_ : fixed_) += picture.source->Size();
+        LookAt(picture);
+        (CanShrink(picture) ? shrinkable_ : fixed_) +=
+            picture.from.maker ? FineBytes(picture.from.madeSize) : picture.File().Size();
         if (CanShrink(picture))
             longestEdge_ =
                 std::max({longestEdge_, picture.form.size.width, picture.form.size.height});
     }
+}
+
+void MailFit::LookAt(FitPicture& picture) const {
+    try {
+        if (picture.from.maker)
+            picture.form.size = picture.from.madeSize;
+        else
+            picture.form = FormOfPicture(picture.File(), control_);
+    } catch (const PictureFailure& failure) {
+        // Of a form that isn't worked on: it goes out as it is.
+        if (failure.outcome != PictureOutcome::Unsupported) throw;
+    }
+    const Stamp*& stamp = picture.from.stamp;
+    if (stamp && !stamp->HasRoomIn(picture.form.size)) stamp = nullptr;
 }
 
 PictureOutcome MailFit::SearchStep() {
@@ -63,7 +85,7 @@ PictureOutcome MailFit::SearchStep() {
             best = std::move(pictures_);
             pictures_.clear();
             for (const auto& picture : best)
-                pictures_.push_back({picture.source, picture.form, false, 0, {}});
+                pictures_.push_back({picture.from, picture.form, false, 0, {}});
             bestBytes = bytes;
         }
         return bytes;
@@ -92,9 +114,9 @@ void MailFit::Code(FitPicture& picture, const ShrinkStep& step) {
     MemoryTarget coded;
     picture.coded.clear();
     picture.isShrunk = false;
-    picture.bytes = picture.source->Size();
-    ShrinkPicture(picture.form.kind, *picture.source, coded, step, control_);
-    if (coded.bytes.size() >= picture.bytes) return;
+    picture.bytes = picture.File().Size();
+    Make(picture, coded, step);
+    if (!picture.IsAlwaysCoded() && coded.bytes.size() >= picture.bytes) return;
     picture.isShrunk = true;
     picture.bytes = coded.bytes.size();
     if (kept_ + picture.bytes > MostKept) return;
@@ -102,12 +124,24 @@ void MailFit::Code(FitPicture& picture, const ShrinkStep& step) {
     picture.coded = std::move(coded.bytes);
 }
 
+// A picture with a stamp is never coded more finely than by StampPicture.
+void MailFit::Make(const FitPicture& picture, PictureTarget& target, const ShrinkStep& step) const {
+    ShrinkStep own = step;
+    own.stamp = picture.from.stamp;
+    if (picture.from.maker) return picture.from.maker->Make(picture.File(), target, own, control_);
+    if (own.stamp && own.coarseness < kCoarsenessOfStamped) {
+        own.coarseness = kCoarsenessOfStamped;
+        own.sixteenths = 0;
+    }
+    ShrinkPicture(picture.form.kind, picture.File(), target, own, control_);
+}
+
 PictureOutcome MailFit::Write(std::size_t number, PictureTarget& target) noexcept {
     return RunPictureWork([&] {
         auto& picture = pictures_[number];
         if (!picture.isShrunk) return PictureOutcome::Unchanged;
         if (picture.coded.empty())
-            ShrinkPicture(picture.form.kind, *picture.source, target, step_, control_);
+            Make(picture, target, step_);
         else
             WritePicture(target, 0, picture.coded);
         return PictureOutcome::Shrunk;

@@ -1,5 +1,6 @@
 // Makes pictures fit a mail together: one quality and size for all, the best at which they and the
-// other attachments stay within the limit. Each picture is coded from its unshrunk copy.
+// other attachments stay within the limit. Each picture is coded from its unshrunk copy, which is
+// converted, turned, made smaller and stamped on the way, so that it is coded once.
 #pragma once
 
 #include <cstdint>
@@ -14,16 +15,33 @@ namespace transforms {
 // What is left of a mail's limit for files: a mail carries them as text, which adds 37 %.
 std::uint64_t RoomForFiles(std::uint64_t mailLimit) noexcept;
 
+// Makes a picture of another form than the file's, as by a conversion.
+class FitMaker {
+public:
+    virtual ~FitMaker() = default;
+    // Writes the picture that the step makes, whatever its size. Throws PictureFailure.
+    virtual void Make(PictureSource& source, PictureTarget& target, const ShrinkStep& step,
+                      const PictureControl& control) const = 0;
+};
+
+// One picture, and what else is done with it; what it points to outlives the search.
+struct FitSource {
+    PictureSource* file;
+    const Stamp* stamp = nullptr;    // null for none
+    const FitMaker* maker = nullptr; // null: the picture keeps its form
+    PictureSize madeSize{};          // with a maker: of the unshrunk picture
+};
+
 class MailFit {
 public:
     // The sources must outlive the object and be as they are until the last Write. `mailLimit` is
     // for the mail as it is sent; `otherBytes` what the files that aren't in `sources` count for.
-    MailFit(std::vector<PictureSource*> sources, std::uint64_t mailLimit, std::uint64_t otherBytes,
+    MailFit(std::vector<FitSource> sources, std::uint64_t mailLimit, std::uint64_t otherBytes,
             const PictureControl& control);
 
-    // Writes nothing. Shrunk: a step was found; Unchanged: all fits as it is; CannotFit: neither,
-    // see below. Another outcome is that of the picture failed(). Throws nothing. Takes as long as
-    // coding all pictures a few times.
+    // Writes nothing. Shrunk: a step was found; Unchanged: all fits as it is, which isn't known of
+    // pictures with a stamp or a maker; CannotFit: neither, see below. Another outcome is that of
+    // the picture failed(). Throws nothing. Takes as long as coding all pictures a few times.
     PictureOutcome Search() noexcept;
 
     std::size_t failed() const noexcept { return failed_; }
@@ -36,25 +54,31 @@ public:
     // The step that was found.
     const ShrinkStep& step() const noexcept { return step_; }
 
-    // Whether a source became smaller; the others go out as they are.
+    // Whether a source became smaller or got its stamp or form; the others go out as they are.
     bool IsShrunk(std::size_t number) const noexcept { return pictures_[number].isShrunk; }
     // Writes such a picture: the bytes that were counted, coded again if they weren't kept.
     PictureOutcome Write(std::size_t number, PictureTarget& target) noexcept;
 
 private:
     struct FitPicture {
-        PictureSource* source;
+        FitSource from;
         PictureForm form;
         bool isShrunk = false;
         std::uint64_t bytes = 0; // at the step that was tried last
         PictureBytes coded;      // kept while there is room
+
+        PictureSource& File() const noexcept { return *from.file; }
+        // Whether it is coded even if that takes more bytes than the file.
+        bool IsAlwaysCoded() const noexcept { return from.stamp || from.maker; }
     };
 
     bool CanShrink(const FitPicture& picture) const noexcept;
     void LookAtPictures();
+    void LookAt(FitPicture& picture) const;
     PictureOutcome SearchStep();
     std::uint64_t CodeAll(const ShrinkStep& step);
     void Code(FitPicture& picture, const ShrinkStep& step);
+    void Make(const FitPicture& picture, PictureTarget& target, const ShrinkStep& step) const;
 
     std::vector<FitPicture> pictures_;
     PictureControl control_;

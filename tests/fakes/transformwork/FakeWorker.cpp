@@ -177,45 +177,6 @@ void Act(const std::string& word, const Taken& taken) {
     if (word == "crash-after-done") Crash();
 }
 
-// A file whose content begins with "pic" is a picture.
-bool IsPicture(const Taken& taken) {
-    char begin[3] = {};
-    return ObLib::ReadWhole(HandleOf(taken.files.source), begin, sizeof begin) &&
-           std::memcmp(begin, "pic", sizeof begin) == 0;
-}
-
-// Pictures that are made smaller together: each becomes "smaller", with what the test asks at the
-// request that the word names.
-void ActInFit(const std::string& word, const Taken& taken) {
-    const WorkKind kind = taken.header.kind;
-    if (kind == WorkKind::FitSearch) {
-        Send(WorkKind::Progress, WorkProgress{1, 5, 1, 0});
-        if (word == "fit-crash-in-search") Crash();
-        if (word == "fit-hang-in-search") Hang();
-        if (word == "fit-cannot") {
-            return Send(WorkKind::Failed, WorkFailed{WorkFailure::CannotFit, 0});
-        }
-        return Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 14});
-    }
-    if (kind == WorkKind::FitAdd) {
-        if (word == "fit-crash-in-add") Crash();
-        const WorkOutcome outcome =
-            IsPicture(taken) ? WorkOutcome::Changed : WorkOutcome::NotSupported;
-        return Send(WorkKind::Done, WorkDone{outcome, 0, 0});
-    }
-    std::uint32_t number = 0;
-    std::memcpy(&number, taken.settings.data(), sizeof number);
-    WriteTarget(taken, number == 1 && word == "fit-too-much" ? std::string(900'000, 'x').c_str()
-                                                             : "smaller");
-    if (number == 1 && word == "fit-crash-in-write") Crash();
-    if (number == 1 && word == "fit-hang-in-write") Hang();
-    if (number == 1 && word == "fit-full") {
-        return Send(WorkKind::Failed, WorkFailed{WorkFailure::Unwritable, 0});
-    }
-    const std::uint64_t size = number == 1 && word == "fit-too-much" ? 900'000 : 7;
-    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, size});
-}
-
 // What is in the source, from its start: the manager, which shares the position, may have read it.
 std::string Source(const Taken& taken) {
     char bytes[1000];
@@ -223,6 +184,128 @@ std::string Source(const Taken& taken) {
     OVERLAPPED atStart{};
     ReadFile(HandleOf(taken.files.source), bytes, sizeof bytes, &count, &atStart);
     return {bytes, count};
+}
+
+template <class Record>
+Record SettingsAs(const Taken& taken) {
+    Record record{};
+    std::memcpy(&record, taken.settings.data(), sizeof record);
+    return record;
+}
+
+// A file whose content begins with "pic" is a photo that can be converted, one with "jpe" a picture
+// of another kind.
+bool IsPhoto(const Taken& taken) { return Source(taken).starts_with("pic"); }
+bool IsPicture(const Taken& taken) { return IsPhoto(taken) || Source(taken).starts_with("jpe"); }
+
+void SendPassed() { Send(WorkKind::Done, WorkDone{WorkOutcome::NotSupported, 0, 0}); }
+void SendFailed(WorkFailure why) { Send(WorkKind::Failed, WorkFailed{why, 0}); }
+
+// The settings of the pictures that were added.
+std::vector<WorkFitAdd> added;
+
+bool IsNoted(const WorkFitAdd& settings) {
+    return settings.kinds != WorkPhotoKinds::None || settings.isStamped;
+}
+
+void ActInFitAdd(const std::string& word, const Taken& taken) {
+    const auto settings = SettingsAs<WorkFitAdd>(taken);
+    if (word == "fit-crash-in-add") Crash();
+    if (word == "fit-hang-in-add") Hang();
+    if (!IsPicture(taken) || (word == "fit-refuse" && IsNoted(settings))) return SendPassed();
+    added.push_back(settings);
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 0});
+}
+
+void ActInFitSearch(const std::string& word) {
+    Send(WorkKind::Progress, WorkProgress{1, 5, 1, 0});
+    if (word == "fit-crash-in-search") Crash();
+    if (word == "fit-hang-in-search") Hang();
+    if (word == "fit-cannot") return SendFailed(WorkFailure::CannotFit);
+    if (word == "fit-damaged") return SendFailed(WorkFailure::Damaged);
+    if (word == "fit-unsupported" && added.size() > 1 && IsNoted(added[1])) return SendPassed();
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 14});
+}
+
+void ActInFitWrite(const std::string& word, const Taken& taken) {
+    const std::uint32_t number = SettingsAs<WorkFitWrite>(taken).number;
+    const bool isPhoto = number < added.size() && added[number].kinds != WorkPhotoKinds::None;
+    std::string content = isPhoto ? "\xFF\xD8\xFF small" : "smaller";
+    if (number == 1 && word == "fit-too-much") content.assign(900'000, 'x');
+    WriteTarget(taken, content.c_str());
+    if (number == 1 && word == "fit-crash-in-write") Crash();
+    if (number == 1 && word == "fit-hang-in-write") Hang();
+    if (number == 1 && word == "fit-full") return SendFailed(WorkFailure::Unwritable);
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, content.size()});
+}
+
+// The watermark for all pictures.
+void ActInFitMark(const std::string& word, const Taken& taken) {
+    if (taken.header.kind == WorkKind::FitPictureWatermark) {
+        CloseHandle(HandleOf(SettingsAs<WorkPictureWatermark>(taken).picture));
+    }
+    if (word == "fit-bad-picture") return SendFailed(WorkFailure::BadPicture);
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 0});
+}
+
+void ActInFitCheck(const Taken& taken) {
+    const bool isForPhotos = SettingsAs<WorkFitCheck>(taken).kinds != WorkPhotoKinds::None;
+    if (isForPhotos ? !IsPhoto(taken) : !IsPicture(taken)) return SendPassed();
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 0});
+}
+
+// One step alone, whose result is as large as the source and begins with what was done.
+void ActInStep(const std::string& word, const Taken& taken, const std::string& done) {
+    LARGE_INTEGER size{};
+    GetFileSizeEx(HandleOf(taken.files.source), &size);
+    std::string content = done;
+    content.resize(static_cast<std::size_t>(size.QuadPart), 'w');
+    if (word == "fit-no-decoder") {
+        Find("no-decoder", 1);
+        return SendPassed();
+    }
+    if (word == "fit-damaged-step") return SendFailed(WorkFailure::Damaged);
+    WriteTarget(taken, content.c_str());
+    if (word == "fit-hang-in-step") Hang();
+    Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, content.size()});
+}
+
+void RecordKind(const Taken& taken) {
+    std::ofstream kinds(obtest::BesideProgram(L"kinds.txt").c_str(), std::ios::app);
+    kinds << static_cast<std::uint32_t>(taken.header.kind) << ' ';
+}
+
+// Pictures that are made smaller together: each becomes "smaller", with what the test asks at the
+// request that the word names. False for another request.
+bool ActInFit(const std::string& word, const Taken& taken) {
+    const bool isScripted = word.starts_with("fit-");
+    if (isScripted) RecordKind(taken);
+    switch (taken.header.kind) {
+    case WorkKind::FitCheck:
+        return ActInFitCheck(taken), true;
+    case WorkKind::FitWatermark:
+    case WorkKind::FitPictureWatermark:
+        return ActInFitMark(word, taken), true;
+    case WorkKind::FitAdd:
+        return ActInFitAdd(word, taken), true;
+    case WorkKind::FitSearch:
+        return ActInFitSearch(word), true;
+    case WorkKind::FitWrite:
+        return ActInFitWrite(word, taken), true;
+    case WorkKind::ConvertPhoto:
+        if (isScripted && !IsPhoto(taken)) return SendPassed(), true;
+        if (isScripted) ActInStep(word, taken, "\xFF\xD8\xFF converted");
+        return isScripted;
+    case WorkKind::Watermark:
+        if (isScripted) ActInStep(word, taken, Source(taken).substr(0, 12) + " marked");
+        return isScripted;
+    case WorkKind::PictureWatermark:
+        if (!isScripted) return false;
+        CloseHandle(HandleOf(SettingsAs<WorkPictureWatermark>(taken).picture));
+        return ActInStep(word, taken, Source(taken).substr(0, 12) + " marked"), true;
+    default:
+        return false;
+    }
 }
 
 std::string combined; // the titles and contents that were added
@@ -327,7 +410,7 @@ bool ActOnPicture(const std::string& word, const Taken& taken) {
         Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, size});
         return true;
     }
-    if (kind >= WorkKind::FitAdd && kind <= WorkKind::FitWrite) return ActInFit(word, taken), true;
+    if (ActInFit(word, taken)) return true;
     if (kind == WorkKind::CombineAdd || kind == WorkKind::CombineWrite) {
         return ActInCombine(word, taken), true;
     }

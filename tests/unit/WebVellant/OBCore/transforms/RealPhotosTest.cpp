@@ -77,4 +77,49 @@ TEST_F(PhotosByTheRealManager, AttachNothingWhenAPhotoIsDamaged) {
     EXPECT_NE(boxes.Seen()[0].text.find(L"Beach.heic"), std::wstring::npos);
 }
 
+// The whole run, with the product's own stages around the manager.
+TEST_F(PhotosByTheRealManager, FitAMailConvertedStampedAndCleanedInOnePass) {
+    job_.AutoResizeImages = job_.AutoWatermark = job_.AutoRemoveInfo = true;
+    const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\";
+    obtest::SetValue(HKEY_CURRENT_USER, key + L"2", L"Aim", L"FitMail");
+    obtest::SetValue(HKEY_CURRENT_USER, key + L"2", L"Megabytes", L"1");
+    obtest::SetValue(HKEY_CURRENT_USER, key + L"51", L"ShowReceipt", L"0");
+    obtest::SetValue(HKEY_CURRENT_USER, key + L"51", L"AskAboutOtherFiles", L"1");
+    const std::wstring folder = temp_.Folder(L"run") + L"\\";
+    const auto jpeg = obtest::MakeJpeg(obtest::Photo(1100, 900, 3, 8, 1, 40),
+                                       {.quality = 97, .markers = {{0xFE, "canary of a comment"}}});
+    Lines files;
+    for (const auto& [name, content] :
+         {std::pair(L"Beach.heic", Sample(L"turn6.heic")),
+          std::pair(L"Logo.heic", Sample(L"alpha.heic")),
+          std::pair(L"Beach.jpg", std::string(jpeg.begin(), jpeg.end()))}) {
+        files.push_back(folder + name);
+        ASSERT_TRUE(obtest::WriteFileContent(files.back(), content));
+    }
+    ASSERT_TRUE(obcore::CompressUtils::RunTransforms(job_, files, folder));
+    EXPECT_EQ(files,
+              (Lines{folder + L"Beach (2).jpg", folder + L"Logo.png", folder + L"Beach.jpg"}));
+    EXPECT_EQ(obtest::ListTree(folder), (Lines{L"Beach (2).jpg", L"Beach.jpg", L"Logo.png"}));
+    std::uint64_t sum = 0;
+    for (const std::wstring& path : files) {
+        const std::string content = *obtest::ReadFileContent(path);
+        EXPECT_EQ(content.find("canary"), std::string::npos);
+        EXPECT_EQ(content.find("MakerCo"), std::string::npos);
+        sum += content.size();
+    }
+    EXPECT_LE(sum, 729'927u);
+    EXPECT_GE(sum, 729'927u * 85 / 100);
+}
+
+TEST_F(PhotosByTheRealManager, FitAsASinglePhoto) {
+    job_.AutoResizeImages = true;
+    const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\2";
+    obtest::SetValue(HKEY_CURRENT_USER, key, L"Aim", L"FitMail");
+    obtest::SetValue(HKEY_CURRENT_USER, key, L"Megabytes", L"1");
+    const std::wstring source = sources_.File(L"Beach.heic", Sample(L"plain.heic"));
+    EXPECT_TRUE(obcore::CompressUtils::TransformSingleFile(job_, {source}));
+    EXPECT_EQ(job_.Files, Lines{RunFolder() + L"Beach.jpg"});
+    EXPECT_EQ(Left(), (Lines{L"1000\\", L"1000\\Beach.jpg"}));
+}
+
 } // namespace

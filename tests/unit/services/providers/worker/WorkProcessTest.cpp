@@ -190,7 +190,7 @@ TEST_F(WorkProcessTest, TakesMoreRequestsInASeriesThanBesides) {
     WorkProcess process(Settings());
     WorkSeries series(process);
     CallWait wait(ended_.Get(), nullptr);
-    const WorkOrder order(obcontract::WorkKind::FitAdd, obcontract::WorkPlain{});
+    const WorkOrder order(obcontract::WorkKind::FitAdd, obcontract::WorkFitAdd{});
     for (int request = 0; request < 200; ++request) {
         ASSERT_EQ(series.Run(order, source_.Get(), nullptr, wait).result, WorkResult::Unchanged);
     }

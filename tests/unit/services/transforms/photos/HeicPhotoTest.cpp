@@ -189,4 +189,18 @@ TEST(HeicPhotoLibrary, IsNotTakenFromTheCurrentFolder) {
     SetCurrentDirectoryW(L"C:\\");
 }
 
+// By the container, without a pixel decoded.
+TEST(HeicPhoto, IsMadeSmallerInOnePass) {
+    const PictureBytes file = PhotoSample(L"turn6.heic");
+    MemorySource source(file);
+    EXPECT_EQ(SizeOfPhoto(source, PhotoRequestOfTest(), {}),
+              (PictureSize{kPhotoWidth, kPhotoHeight}));
+    MemoryTarget target;
+    ShrinkPhoto(source, target, PhotoRequestOfTest(), {.longestEdge = 48}, {});
+    const Raster pixels = ParseJpeg(target.bytes).raster;
+    EXPECT_EQ(pixels.width, 48u);
+    EXPECT_EQ(pixels.height, 32u);
+    EXPECT_GT(pixels.At(5, 5, 0), 190u); // red at the top left
+}
+
 } // namespace

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "services/transforms/pictures/MailFit.h"
+#include "services/transforms/pictures/StampPicture.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
 namespace {
@@ -18,11 +19,11 @@ using namespace transforms;
 class Files {
 public:
     void Add(PictureBytes file) { files_.push_back(std::move(file)); }
-    std::vector<PictureSource*> Sources() {
+    std::vector<FitSource> Sources() {
         sources_.clear();
-        std::vector<PictureSource*> list;
+        std::vector<FitSource> list;
         for (const auto& file : files_)
-            list.push_back(sources_.emplace_back(std::make_unique<MemorySource>(file)).get());
+            list.push_back({sources_.emplace_back(std::make_unique<MemorySource>(file)).get()});
         return list;
     }
     std::uint64_t Bytes() const {
@@ -253,6 +254,136 @@ TEST(MailFitTest, GivesEqualBytesForEqualPictures) {
         }
         first = target.bytes;
     }
+}
+
+// A light bar across the picture.
+class Bar final : public Stamp {
+public:
+    PlacedStamp For(PictureSize shown) const override {
+        const PictureSize size{shown.width, shown.height / 8 + 1};
+        return {0, 0, size, PictureBytes(std::size_t{size.width} * size.height * 4, 0xC0)};
+    }
+    bool HasRoomIn(PictureSize size) const noexcept override { return size.width > 100; }
+};
+
+// Counts the codings; what it makes is as large as the step says.
+class CountingMaker final : public FitMaker {
+public:
+    void Make(PictureSource&, PictureTarget& target, const ShrinkStep& step,
+              const PictureControl&) const override {
+        ++made;
+        const double scale = step.longestEdge ? step.longestEdge / 1000.0 : 1;
+        const auto size = static_cast<std::size_t>(100'000 * scale * scale / step.coarseness);
+        WritePicture(target, 0, PictureBytes(size, 'm'));
+    }
+    mutable int made = 0;
+};
+
+PictureBytes CodedOnce(const PictureBytes& file, const ShrinkStep& step) {
+    MemorySource source(file);
+    MemoryTarget target;
+    ShrinkPicture(FormOfPicture(source, {}).kind, source, target, step, {});
+    return target.bytes;
+}
+
+TEST(MailFitTest, StampsAndCodesEachPictureOnceFromItsUnshrunkCopy) {
+    const Bar bar;
+    Files files;
+    files.Add(MakeJpeg(Photo(500, 400, 3), {.quality = 97}));
+    files.Add(MakeJpeg(Photo(400, 300, 3, 8, 2), {.quality = 97}));
+    auto sources = files.Sources();
+    for (auto& source : sources) source.stamp = &bar;
+    MailFit fit(sources, MailLimit(files.Bytes() / 3), 0, {});
+    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    EXPECT_LE(fit.TotalBytes(), files.Bytes() / 3);
+    ShrinkStep step = fit.step();
+    step.stamp = &bar;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        MemoryTarget target;
+        ASSERT_EQ(fit.Write(i, target), PictureOutcome::Shrunk);
+        EXPECT_EQ(target.bytes, CodedOnce(files[i], step));
+    }
+}
+
+// A stamp that is coded by itself first loses twice.
+TEST(MailFitTest, LosesLessThanAStampThatIsCodedBeforeTheFit) {
+    const Bar bar;
+    const Raster photo = Photo(500, 400, 3, 8, 3, 60);
+    Files files;
+    files.Add(MakeJpeg(photo, {.quality = 97}));
+    auto sources = files.Sources();
+    sources[0].stamp = &bar;
+    MailFit fit(sources, MailLimit(files.Bytes() / 4), 0, {});
+    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    MemoryTarget once;
+    fit.Write(0, once);
+    ShrinkStep whole{.coarseness = kCoarsenessOfStamped, .stamp = &bar};
+    const PictureBytes twice = CodedOnce(CodedOnce(files[0], whole), fit.step());
+    // What the pixels would be without any coding after the first.
+    ShrinkStep ideal = fit.step();
+    ideal.coarseness = 1;
+    ideal.sixteenths = 0;
+    ideal.stamp = &bar;
+    const Raster wanted = ParsePng(CodedOnce(MakePng(ParseJpeg(files[0]).raster), ideal));
+    EXPECT_LT(Difference(ParseJpeg(once.bytes).raster, wanted),
+              Difference(ParseJpeg(twice).raster, wanted));
+}
+
+TEST(MailFitTest, WritesAPictureWithAStampEvenIfItTakesMoreBytes) {
+    const Bar bar;
+    Files files;
+    files.Add(MakeJpeg(Photo(500, 400, 3), {.quality = 97}));
+    files.Add(MakeJpeg(Photo(200, 150, 3), {.quality = 20}));
+    files.Add(MakeBmp(Photo(90, 80, 3))); // no room for the stamp
+    auto sources = files.Sources();
+    for (auto& source : sources) source.stamp = &bar;
+    MailFit fit(sources, MailLimit(files.Bytes() - 1000), 0, {});
+    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    EXPECT_TRUE(fit.IsShrunk(0));
+    EXPECT_TRUE(fit.IsShrunk(1));
+    EXPECT_FALSE(fit.IsShrunk(2));
+    EXPECT_EQ(fit.TotalBytes(), Written(fit, files));
+}
+
+// All may fit with stamps or in other forms, but only by what they take then.
+TEST(MailFitTest, CodesPicturesWithAStampEvenIfTheFilesFit) {
+    const Bar bar;
+    Files files;
+    files.Add(MakeJpeg(Photo(300, 200, 3)));
+    auto sources = files.Sources();
+    sources[0].stamp = &bar;
+    MailFit fit(sources, MailLimit(2 * files.Bytes()), 0, {});
+    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    MemoryTarget target;
+    EXPECT_EQ(fit.Write(0, target), PictureOutcome::Shrunk);
+    // No finer than the stamp alone would be coded.
+    MemorySource source(files[0]);
+    MemoryTarget alone;
+    StampPicture(source, alone, bar, {});
+    EXPECT_TRUE(std::ranges::equal(ParseJpeg(target.bytes).table, ParseJpeg(alone.bytes).table));
+}
+
+// The bytes that were counted are those that are written: nothing is coded again for them.
+TEST(MailFitTest, WritesWhatItHasCodedInTheSearch) {
+    const CountingMaker maker;
+    Files files;
+    for (int i = 0; i < 3; ++i) files.Add(PictureBytes(50'000, 'x'));
+    auto sources = files.Sources();
+    for (auto& source : sources) {
+        source.maker = &maker;
+        source.madeSize = {1000, 800};
+    }
+    MailFit fit(sources, MailLimit(20'000), 0, {});
+    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    const int tried = maker.made;
+    EXPECT_EQ(tried % 3, 0);
+    for (std::size_t i = 0; i < 3; ++i) {
+        MemoryTarget target;
+        EXPECT_EQ(fit.Write(i, target), PictureOutcome::Shrunk);
+        EXPECT_EQ(target.bytes[0], 'm');
+    }
+    EXPECT_EQ(maker.made, tried);
+    EXPECT_LE(fit.TotalBytes(), RoomForFiles(MailLimit(20'000)));
 }
 
 } // namespace

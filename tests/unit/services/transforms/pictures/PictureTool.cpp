@@ -109,10 +109,10 @@ int FitAll(std::uint64_t limit, std::uint64_t others, const std::wstring& from,
            const std::wstring& to) {
     const auto names = NamesIn(from);
     std::vector<std::unique_ptr<FileSource>> files;
-    std::vector<PictureSource*> sources;
+    std::vector<FitSource> sources;
     for (const auto& name : names)
         sources.push_back(
-            files.emplace_back(std::make_unique<FileSource>(from + L"\\" + name)).get());
+            {files.emplace_back(std::make_unique<FileSource>(from + L"\\" + name)).get()});
     MailFit fit(sources, limit, others, {});
     const auto outcome = fit.Search();
     Report(L"fit", outcome);
