@@ -112,6 +112,23 @@ TEST_F(Texts, WipeProgramHasItsTextsAsTheyAre) {
     for (const auto& row : texts) EXPECT_EQ(row.text, TextOf(row.id)) << row.id;
 }
 
+TEST_F(Texts, OfALinkHaveTheirPlaceholdersAndNoFieldSeparator) {
+    for (const UINT id : {130u, 131u, 132u, 133u, 134u, 145u, 150u, 160u}) {
+        const std::wstring text = TextOf(id);
+        ASSERT_FALSE(text.empty()) << id;
+        EXPECT_EQ(CountOf(text, L'|'), 0) << id;
+        EXPECT_EQ(CountOf(text, L'%'), id == 130 || id == 145 ? 1 : 0) << id;
+        EXPECT_EQ(text.find(L"POPUP_MESSAGE"), std::wstring::npos) << id;
+    }
+    EXPECT_NE(TextOf(130).find(L"%s"), std::wstring::npos);
+    EXPECT_NE(TextOf(145).find(L"%d"), std::wstring::npos);
+    EXPECT_TRUE(TextOf(145).ends_with(L" ")); // 134 follows in the same field
+}
+
+TEST_F(Texts, OfAnUploadWindowFitTheirBuffers) {
+    for (const UINT id : {136u, 137u, 150u}) EXPECT_LT(TextOf(id).size(), 512u) << id;
+}
+
 TEST_F(Texts, ATextIsCutToTheCapacity) { EXPECT_EQ(L"All", LoadText(obcore::TextId::AllFiles, 4)); }
 
 TEST_F(Texts, AnIdWithoutATextIsEmpty) { EXPECT_EQ(L"", LoadText(obcore::TextId{9999})); }
