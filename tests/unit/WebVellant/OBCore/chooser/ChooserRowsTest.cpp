@@ -133,6 +133,11 @@ TEST_F(ChooserRows, ShowUnknownSpaceWhenADeadAccountLeavesTheValuesAlone) {
     EXPECT_EQ(RowsShown(), Lines{std::wstring(L"Shelf") + kUnknown});
 }
 
+TEST_F(ChooserRows, GoByTheValuesAlsoWhenTheProviderReportsAFailure) {
+    EXPECT_EQ(RowWithSpace(L"1024,2048,0"), L"Shelf" + Space(1024, 2048));
+    EXPECT_EQ(RowWithSpace(L"-2,-2,0"), std::wstring(L"Shelf") + kUnknown);
+}
+
 TEST_F(ChooserRows, CutANameAndALabelTo50CharactersBeforeTheSpace) {
     const std::wstring name(60, L'n');
     OneProvider(L"Ann|ann");
