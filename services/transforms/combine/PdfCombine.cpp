@@ -38,14 +38,27 @@ public:
     void write(const unsigned char* bytes, std::size_t size) override {
         if (steps_) steps_->Step();
         if (isRefused_) return;
-        Append(block_, std::as_bytes(std::span(bytes, size)));
+        const auto piece = std::as_bytes(std::span(bytes, size));
+        Append(block_, IsStaticHalf(TextOf(piece)) ? std::as_bytes(std::span(id_)) : piece);
         if (block_.size() >= kBlock) Flush();
     }
     void finish() override { Flush(); }
+    // Puts this half (see IdText) in the place of the one that is the same in all files.
+    void ReplaceStaticId(std::string id) { id_ = std::move(id); }
     bool IsRefused() const noexcept { return isRefused_; }
 
 private:
     static constexpr std::size_t kBlock = std::size_t{1} << 20;
+
+    // The library writes an identifier in pieces: its beginning, then each half. The first half is
+    // part of some keys and stays, whatever it is.
+    bool IsStaticHalf(std::string_view piece) {
+        if (piece == " /ID [")
+            halves_ = 0;
+        else
+            ++halves_;
+        return halves_ == 2 && !id_.empty() && piece == documents::kStaticId;
+    }
     void Flush() {
         if (!block_.empty() && !isRefused_) isRefused_ = !sink_.Write(block_);
         block_.clear();
@@ -55,6 +68,8 @@ private:
     PictureSteps* steps_;
     OwnedBytes block_;
     bool isRefused_ = false;
+    std::string id_;
+    unsigned halves_ = 3; // pieces since the beginning of an identifier; none has begun
 };
 
 // Small objects of the part are packed together in streams.
@@ -241,14 +256,16 @@ void PdfCombiner::Work::WriteObjects() {
     writer.setDecodeLevel(qpdf_dl_none);
     writer.setObjectStreamMode(packs_ ? qpdf_o_generate : qpdf_o_disable);
     writer.setMinimumPDFVersion(version_);
-    // An identifier of the content isn't made of encrypted content.
+    // An identifier of the content isn't made of encrypted content: see ReplaceStaticId.
     writer.setDeterministicID(!encrypted_);
     writer.setStaticID(encrypted_ != nullptr);
     std::optional<documents::SeededBytes> random;
     if (encrypted_) {
         writer.copyEncryptionParameters(*encrypted_);
-        random.emplace(documents::KeyedDigest(encrypted_->getEncryptionKey(),
-                                              std::as_bytes(std::span(content_))));
+        const std::string digest = documents::KeyedDigest(encrypted_->getEncryptionKey(),
+                                                          std::as_bytes(std::span(content_)));
+        pipeline_->ReplaceStaticId(documents::IdText(digest));
+        random.emplace(digest);
     }
     writer.write();
     pipeline_->finish();

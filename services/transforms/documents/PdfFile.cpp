@@ -136,15 +136,12 @@ OwnedBytes Write(QPDF& pdf, PdfStreams streams, PictureSteps* steps, bool encryp
     return memory.Take();
 }
 
-// What the library writes as the second half of a static identifier.
-constexpr std::string_view kStaticId = "<31415926535897932384626433832795>";
 constexpr std::size_t kIdSize = 16;
 
 // It is in the last dictionary of the file, which isn't encrypted.
-void PutId(OwnedBytes& file, const std::string& id) {
+void PutId(OwnedBytes& file, const std::string& text) {
     const std::size_t at = TextOf(Bytes(file)).rfind(kStaticId);
     if (at == std::string_view::npos) return;
-    const std::string text = "<" + QUtil::hex_encode(id) + ">";
     std::ranges::copy(std::as_bytes(std::span(text)),
                       file.begin() + static_cast<std::ptrdiff_t>(at));
 }
@@ -161,7 +158,7 @@ OwnedBytes WriteEncrypted(QPDF& pdf, PdfStreams streams, PictureSteps* steps) {
     }
     const SeededBytes random(digest);
     OwnedBytes written = Write(pdf, streams, steps, true);
-    PutId(written, id);
+    PutId(written, IdText(digest));
     return written;
 }
 
@@ -173,6 +170,10 @@ void OpenPdf(QPDF& pdf, Bytes file, const DocumentControl& control) {
 }
 
 bool NeedsPassword(Bytes file, PictureSteps* steps) { return !Opens(file, steps, {}); }
+
+std::string IdText(const std::string& digest) {
+    return "<" + QUtil::hex_encode(digest.substr(0, kIdSize)) + ">";
+}
 
 std::optional<CleanOutcome> RefusalOf(QPDF& pdf) {
     int revision = 0, permissions = 0, version = 0;

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include <qpdf/QPDF.hh>
 
@@ -28,6 +30,11 @@ std::optional<CleanOutcome> RefusalOf(QPDF& pdf);
 
 // Whether the first half of the identifier is part of the key.
 bool KeyHasId(QPDF& pdf);
+
+// What the library writes as the second half of a static identifier, and what takes its place: the
+// first bytes of a digest, in as many characters.
+inline constexpr std::string_view kStaticId = "<31415926535897932384626433832795>";
+std::string IdText(const std::string& digest);
 
 // How streams are written: as they are coded, or compressed where they aren't coded at all.
 enum class PdfStreams { AsTheyAre, Compressed };

@@ -33,6 +33,12 @@ std::string Packed(QPDF& pdf) {
     return {reinterpret_cast<const char*>(written->getBuffer()), written->getSize()};
 }
 
+std::string Packed(const std::string& file) {
+    QPDF pdf;
+    pdf.processMemoryFile("plain", file.data(), file.size());
+    return Packed(pdf);
+}
+
 // A chain of as many objects, each of which names the next one after the text.
 std::vector<std::string> Chain(int first, int count, const std::string& before,
                                const std::string& after) {
@@ -214,6 +220,31 @@ TEST(PdfCombine, EncryptsTheFileAsItsOnlyEncryptedPart) {
         EXPECT_EQ(file.Bytes().find("KEPT"), std::string::npos);
         EXPECT_EQ(Combined(parts).file, file.Bytes());
         EXPECT_FALSE(Opens(file.Bytes(), ""));
+    }
+}
+
+// The half that is made anew for each file; the other one is part of some keys.
+std::string IdOf(const std::string& file) {
+    QPDF pdf;
+    pdf.setAttemptRecovery(false);
+    pdf.processMemoryFile("combined", file.data(), file.size(), "secret");
+    pdf.getAllPages();
+    EXPECT_FALSE(pdf.anyWarnings());
+    return pdf.getTrailer().getKey("/ID").getArrayItem(1).getStringValue();
+}
+
+TEST(PdfCombine, GivesAnEncryptedFileAnIdentifierOfItsOwn) {
+    for (const Cipher cipher : kCiphers) {
+        const Part locked = Locked({.cipher = cipher}, "secret");
+        for (const bool isPacked : {false, true}) {
+            const std::string other = isPacked ? Packed(Pages(1, 0)) : Pages(1, 0);
+            const std::string one = Combined({locked, {"a", other}}).file;
+            const std::string two = Combined({locked, {"b", other}}).file;
+            EXPECT_EQ(IdOf(one).size(), 16u);
+            EXPECT_NE(IdOf(one), IdOf(two));
+            EXPECT_EQ(one, Combined({locked, {"a", other}}).file);
+            for (const std::string& file : {one, two}) EXPECT_NE(IdOf(file), IdOf(locked.file));
+        }
     }
 }
 
