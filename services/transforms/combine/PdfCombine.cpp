@@ -273,9 +273,9 @@ void PdfCombiner::Work::WriteObjects() {
 
 // An error of the library is one of the stream that is read at that time.
 bool PdfCombiner::Work::Write(PdfSink& sink) {
-    Complete();
     pipeline_.emplace(sink, steps_);
     try {
+        Complete();
         WriteObjects();
     } catch (const std::bad_alloc&) {
         throw;
