@@ -120,7 +120,7 @@ Protection ProtectionOf(QPDF& pdf, const PdfPart& part, PictureSteps* steps) {
 
 class PdfCombiner::Work {
 public:
-    explicit Work(PdfCombineSteps* steps) : steps_(steps) {
+    explicit Work(PdfCombineSteps* steps) : steps_(steps), forms_(steps) {
         target_.emptyPDF();
         bookmarks_.emplace(target_);
     }

@@ -158,8 +158,8 @@ PdfFormPart PdfForms::Copy(PdfCopier& copier, QPDF& source, const std::vector<Pd
     return part;
 }
 
-// Each once, however they refer to each other.
-std::vector<PdfForms::Field> PdfForms::FieldsOf(const std::vector<Object>& roots) {
+// Each field and each list of kids once, however they refer to each other.
+std::vector<PdfForms::Field> PdfForms::FieldsOf(const std::vector<Object>& roots) const {
     struct Open {
         Object field;
         bool isNamed;
@@ -168,16 +168,21 @@ std::vector<PdfForms::Field> PdfForms::FieldsOf(const std::vector<Object>& roots
     std::vector<Field> fields;
     std::vector<Open> open;
     std::set<QPDFObjGen> seen;
+    const auto isNew = [&](const Object& object) {
+        return !object.isIndirect() || seen.insert(object.getObjGen()).second;
+    };
     for (const auto& root : roots) open.push_back({root, false, 0});
     while (!open.empty()) {
         auto [field, isNamed, depth] = std::move(open.back());
         open.pop_back();
-        if (!field.isDictionary()) continue;
-        if (field.isIndirect() && !seen.insert(field.getObjGen()).second) continue;
+        if (steps_) steps_->Step();
+        if (!field.isDictionary() || !isNew(field)) continue;
         if (depth >= kDeepestTree) throw PdfRefusal(CleanOutcome::Damaged);
         const bool hasName = field.getKey("/T").isString();
         fields.push_back({field, hasName && !isNamed});
-        for (const auto& kid : DictionariesOf(field.getKey("/Kids"))) {
+        const auto kids = field.getKey("/Kids");
+        if (!isNew(kids)) continue;
+        for (const auto& kid : DictionariesOf(kids)) {
             open.push_back({kid, isNamed || hasName, depth + 1});
         }
     }

@@ -22,6 +22,9 @@ struct PdfFormPart {
 
 class PdfForms {
 public:
+    // `steps` learns that the work goes on; null when nobody wants to know.
+    explicit PdfForms(PictureSteps* steps = nullptr) : steps_(steps) {}
+
     // A field stays one, with all its widgets, whatever page they are on. A widget whose field the
     // form doesn't list counts too. To be added after the copier has finished.
     static PdfFormPart Copy(PdfCopier& copier, QPDF& source,
@@ -43,13 +46,14 @@ private:
         bool hasFirstName; // the first of those that its full name consists of
     };
 
-    static std::vector<Field> FieldsOf(const std::vector<QPDFObjectHandle>& roots);
+    std::vector<Field> FieldsOf(const std::vector<QPDFObjectHandle>& roots) const;
     static std::set<std::string> FirstNamesOf(std::vector<Field>& fields);
     bool RenameFields(std::vector<Field>& fields); // true: one got another name
     Renamed AddResources(QPDFObjectHandle resources);
     Renamed AddFonts(QPDFObjectHandle fonts);
     void AddDefaults(PdfFormPart& part, const Renamed& fonts);
 
+    PictureSteps* steps_;
     std::vector<QPDFObjectHandle> roots_;
     std::vector<QPDFObjectHandle> orders_;
     std::set<std::string> names_; // first names that are taken

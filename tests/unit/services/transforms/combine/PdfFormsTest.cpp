@@ -3,6 +3,8 @@
 
 #include <qpdf/QPDFAcroFormDocumentHelper.hh>
 
+#include "services/transforms/combine/PdfForms.h"
+#include "services/transforms/documents/PdfPages.h"
 #include "tests/unit/services/transforms/combine/CombinedFile.h"
 
 using namespace samples;
@@ -224,6 +226,38 @@ TEST(PdfForms, KeepWhatAFormSaysForAllOfItsFields) {
 TEST(PdfForms, AreNoneWithoutFields) {
     CombinedFile file({{"a", Pages(1, 0, "", "/AcroForm <</Fields []>>")}, {"b", Pages(1, 0)}});
     EXPECT_FALSE(file.Catalog().hasKey("/AcroForm"));
+}
+
+class CountedSteps final : public transforms::PictureSteps {
+public:
+    void Step() noexcept override { ++count; }
+    int count = 0;
+};
+
+// As many steps as there are fields and kids, not as many as pairs of them.
+TEST(PdfForms, LookOnceAtKidsThatManyFieldsShare) {
+    constexpr int kFields = 500, kKids = 700, kFirstField = 6;
+    PdfBuilder pdf;
+    std::string fields, kids;
+    for (int field = 0; field < kFields; ++field)
+        fields += std::to_string(kFirstField + field) + " 0 R ";
+    for (int kid = 0; kid < kKids; ++kid)
+        kids += std::to_string(kFirstField + kFields + kid) + " 0 R ";
+    pdf.Add("<</Type /Catalog /Pages 2 0 R /AcroForm <</Fields 4 0 R>>>>");
+    pdf.Add("<</Type /Pages /Kids [3 0 R] /Count 1 /MediaBox [0 0 9 9]>>");
+    pdf.Add("<</Type /Page /Parent 2 0 R>>");
+    pdf.Add("[" + fields + "]");
+    pdf.Add("[" + kids + "]");
+    for (int field = 0; field < kFields; ++field) pdf.Add("<</FT /Tx /T (a) /Kids 5 0 R>>");
+    for (int kid = 0; kid < kKids; ++kid)
+        pdf.Add("<</T (b" + std::to_string(kid) + ") /Parent 6 0 R>>");
+    const std::string file = pdf.File();
+    QPDF source;
+    source.processMemoryFile("form", file.data(), file.size());
+    CountedSteps steps;
+    const transforms::combine::PdfForms forms(&steps);
+    EXPECT_FALSE(forms.WillRename(source, transforms::documents::PagesOf(source)));
+    EXPECT_EQ(steps.count, kFields + kKids);
 }
 
 } // namespace
