@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "services/transforms/raster/PictureFile.h"
 #include "services/transforms/raster/ShrinkStep.h"
@@ -28,6 +29,9 @@ public:
     // For a picture that is shown with that size. An empty one changes nothing. Throws
     // PictureFailure.
     virtual PlacedStamp For(PictureSize shown) const = 0;
+    // Size and place of the stamp without its pixels, if that is one picture that is only scaled:
+    // then one of them can be drawn at every size. Nothing for a stamp that is drawn anew.
+    virtual std::optional<PlacedStamp> PlaceFor(PictureSize) const { return {}; }
     // False for a picture whose stamp is empty, however the picture is turned.
     virtual bool HasRoomIn(PictureSize) const noexcept { return true; }
 };

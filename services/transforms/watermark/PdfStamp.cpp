@@ -4,11 +4,15 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
+#include <qpdf/Pl_Buffer.hh>
+#include <qpdf/Pl_Flate.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QUtil.hh>
@@ -121,8 +125,18 @@ std::string Channels(const PlacedStamp& stamp, std::size_t first, std::size_t co
     return bytes;
 }
 
+std::shared_ptr<Buffer> Deflated(const std::string& bytes) {
+    Pl_Buffer deflated("deflated");
+    Pl_Flate deflate("deflate", &deflated, Pl_Flate::a_deflate);
+    deflate.writeString(bytes);
+    deflate.finish();
+    return deflated.getBufferSharedPointer();
+}
+
+// Kept in its compressed form, as a file may have pages of many sizes.
 Object MakePicture(QPDF& pdf, PictureSize size, const char* colours, const std::string& bytes) {
-    auto picture = pdf.newStream(bytes);
+    auto picture = pdf.newStream();
+    picture.replaceStreamData(Deflated(bytes), Object::newName("/FlateDecode"), Object::newNull());
     auto keys = picture.getDict();
     keys.replaceKey("/Type", Object::newName("/XObject"));
     keys.replaceKey("/Subtype", Object::newName("/Image"));
@@ -133,7 +147,8 @@ Object MakePicture(QPDF& pdf, PictureSize size, const char* colours, const std::
     return picture;
 }
 
-// A stamp that is in the file once for all pages of a size.
+// A stamp that is in the file once: for all pages of a size, or for all pages when it is only
+// scaled.
 struct PdfPicture {
     Object object;
     PlacedStamp place; // without its pixels
@@ -143,7 +158,7 @@ PdfPicture AddPicture(QPDF& pdf, PlacedStamp stamp) {
     auto mask = MakePicture(pdf, stamp.size, "/DeviceGray", Channels(stamp, 3, 1));
     auto picture = MakePicture(pdf, stamp.size, "/DeviceRGB", Channels(stamp, 0, 3));
     picture.getDict().replaceKey("/SMask", mask);
-    stamp.pixels.clear();
+    stamp.pixels = PictureBytes(); // and its memory
     return {picture, std::move(stamp)};
 }
 
@@ -203,7 +218,9 @@ private:
     // A page that is in the tree twice is one object, and is stamped once.
     void StampPages() {
         std::set<QPDFObjGen> seen;
-        for (const documents::PdfPage& found : documents::PagesOf(pdf_)) {
+        const auto pages = documents::PagesOf(pdf_);
+        FindLargest(pages);
+        for (const documents::PdfPage& found : pages) {
             control_.ThrowIfCancelled();
             if (found.page.isIndirect() && !seen.insert(found.page.getObjGen()).second) continue;
             QPDFPageObjectHelper page(found.page);
@@ -211,10 +228,25 @@ private:
         }
     }
 
+    // The page size at which a stamp that is only scaled is largest.
+    void FindLargest(const std::vector<documents::PdfPage>& pages) {
+        std::uint64_t most = 0;
+        for (const documents::PdfPage& found : pages) {
+            control_.ThrowIfCancelled();
+            QPDFPageObjectHelper page(found.page);
+            const ShownPage shown = Shown(page);
+            if (!IsSensible(shown)) continue;
+            const auto place = stamp_.PlaceFor(shown.Pixels());
+            if (!place) return;
+            const std::uint64_t area = std::uint64_t{place->size.width} * place->size.height;
+            if (area > std::exchange(most, std::max(most, area))) largest_ = shown.Pixels();
+        }
+    }
+
     void StampPage(QPDFPageObjectHelper& page) {
         const ShownPage shown = Shown(page);
         if (!IsSensible(shown)) return;
-        const PdfPicture* const picture = PictureFor(shown.Pixels());
+        const auto picture = PictureFor(shown.Pixels());
         if (!picture) return;
         documents::RequireContentsFit(page.getObjectHandle(), control_.steps);
         isStamped_ = true;
@@ -225,8 +257,16 @@ private:
         page.addPageContents(pdf_.newStream(closing + Drawing(shown, picture->place, name)), false);
     }
 
-    // Null for a page that is too small for a stamp.
-    const PdfPicture* PictureFor(PictureSize pixels) {
+    // Nothing for a page that is too small for a stamp.
+    std::optional<PdfPicture> PictureFor(PictureSize pixels) {
+        auto place = stamp_.PlaceFor(pixels);
+        if (!place) return PictureOf(pixels);
+        if (place->size.width == 0) return {};
+        return PdfPicture{PictureOf(largest_)->object, std::move(*place)};
+    }
+
+    // The same for a page of this size, drawn for it.
+    std::optional<PdfPicture> PictureOf(PictureSize pixels) {
         const auto key = std::pair(pixels.width, pixels.height);
         auto found = pictures_.find(key);
         if (found == pictures_.end()) {
@@ -235,13 +275,15 @@ private:
             if (!stamp.pixels.empty()) made = AddPicture(pdf_, std::move(stamp));
             found = pictures_.emplace(key, std::move(made)).first;
         }
-        return found->second.object.isStream() ? &found->second : nullptr;
+        if (!found->second.object.isStream()) return {};
+        return found->second;
     }
 
     const Stamp& stamp_;
     const PictureControl& control_;
     QPDF pdf_;
     bool isStamped_ = false;
+    PictureSize largest_; // see FindLargest
     std::map<std::pair<std::uint32_t, std::uint32_t>, PdfPicture> pictures_;
 };
 

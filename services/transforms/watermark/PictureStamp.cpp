@@ -105,16 +105,28 @@ bool PictureStamp::HasRoomIn(PictureSize size) const noexcept {
     return LetterHeight(size, look_.place) != 0;
 }
 
-PlacedStamp PictureStamp::For(PictureSize shown) const {
-    PlacedStamp stamp;
-    if (!HasRoomIn(shown)) return stamp;
+PictureSize PictureStamp::SizeIn(PictureSize shown) const noexcept {
     const PictureSize from = picture_.size;
     const double scale =
         1.0 * StampSide(shown, look_.place) / std::max({from.width, from.height, 1u});
     const auto side = [&](std::uint32_t length) {
         return static_cast<std::uint32_t>(std::max(std::lround(length * scale), 1L));
     };
-    stamp.size = {side(from.width), side(from.height)};
+    return {side(from.width), side(from.height)};
+}
+
+std::optional<PlacedStamp> PictureStamp::PlaceFor(PictureSize shown) const {
+    PlacedStamp stamp;
+    if (!HasRoomIn(shown)) return stamp;
+    stamp.size = SizeIn(shown);
+    Place(stamp, shown, look_);
+    return stamp;
+}
+
+PlacedStamp PictureStamp::For(PictureSize shown) const {
+    PlacedStamp stamp;
+    if (!HasRoomIn(shown)) return stamp;
+    stamp.size = SizeIn(shown);
     stamp.pixels = Scaled(picture_, stamp.size);
     Place(stamp, shown, look_);
     return stamp;

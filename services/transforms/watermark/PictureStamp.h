@@ -17,9 +17,12 @@ public:
     // `picture` isn't empty.
     PictureStamp(StampPixels picture, WatermarkLook look);
     PlacedStamp For(PictureSize shown) const override;
+    std::optional<PlacedStamp> PlaceFor(PictureSize shown) const override;
     bool HasRoomIn(PictureSize size) const noexcept override;
 
 private:
+    PictureSize SizeIn(PictureSize shown) const noexcept;
+
     StampPixels picture_;
     WatermarkLook look_;
 };

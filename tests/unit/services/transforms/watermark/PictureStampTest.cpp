@@ -8,6 +8,8 @@
 #include "services/transforms/photos/ColourProfile.h"
 #include "services/transforms/watermark/PdfStamp.h"
 #include "services/transforms/watermark/StampFile.h"
+#include "services/transforms/watermark/TextStamp.h"
+#include "tests/support/Allocations.h"
 #include "tests/unit/services/transforms/documents/PdfSamples.h"
 #include "tests/unit/services/transforms/personal/Samples.h"
 #include "tests/unit/services/transforms/photos/PhotoSamples.h"
@@ -219,6 +221,56 @@ TEST(PictureStamp, HasNoRoomInTinyPictures) {
     EXPECT_FALSE(stamp.HasRoomIn({1000, 24}));
     EXPECT_TRUE(stamp.For({1000, 24}).pixels.empty());
     EXPECT_TRUE(stamp.HasRoomIn({25, 25}));
+}
+
+// Pages for which stamps that are drawn have pictures of distinct sizes.
+std::string PagesOfManySizes(int count) {
+    constexpr int kWidths = 20;
+    samples::PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R>>");
+    std::string kids;
+    for (int page = 0; page < count; ++page) kids += std::to_string(page + 3) + " 0 R ";
+    pdf.Add("<</Type /Pages /Kids [" + kids + "] /Count " + std::to_string(count) + ">>");
+    for (int page = 0; page < count; ++page) {
+        const int width = 600 + 8 * (page % kWidths), height = 800 + 8 * (page / kWidths);
+        pdf.Add("<</Type /Page /Parent 2 0 R /MediaBox [0 0 " + std::to_string(width) + " " +
+                std::to_string(height) + "]>>");
+    }
+    return pdf.File();
+}
+
+std::size_t CountOf(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++count;
+    return count;
+}
+
+TEST(PictureStamp, IsOnceInAPdfOfManyPageSizesAndTakesLittleMemory) {
+    const std::string file = PagesOfManySizes(300);
+    const PictureStamp stamp(ReadFile(obtest::MakePng(obtest::Photo(300, 300, 3))),
+                             {WatermarkPlace::Centre, 50});
+    const obtest::HeapPeak peak;
+    const StampedPdf stamped = StampPdf(samples::BytesOf(file), stamp, PictureControl());
+    EXPECT_LT(peak.Bytes(), std::size_t{32} << 20);
+    ASSERT_EQ(stamped.outcome, CleanOutcome::Cleaned);
+    EXPECT_LT(stamped.bytes.size(), std::size_t{3} << 20);
+    const std::string all = samples::Unpacked(samples::SampleOf(stamped.bytes));
+    EXPECT_EQ(CountOf(all, "/SMask"), 1u);
+    EXPECT_EQ(CountOf(all, "/ObStamp1 Do"), 300u);
+    // As large as the largest page of 752 by 912 points needs it, at two pixels a point.
+    EXPECT_NE(all.find("/Width 752"), std::string::npos);
+    // A half of the shorter side of the first page, in its middle.
+    EXPECT_NE(all.find("300 0 0 300 150 250 cm"), std::string::npos);
+}
+
+TEST(TextStampOnPages, TakesLittleMemoryInAPdfOfManyPageSizes) {
+    const std::string file = PagesOfManySizes(60);
+    const TextStamp stamp(L"Ann Example", {WatermarkPlace::Centre, 50}, Letters::Black);
+    const obtest::HeapPeak peak;
+    const StampedPdf stamped = StampPdf(samples::BytesOf(file), stamp, PictureControl());
+    EXPECT_LT(peak.Bytes(), std::size_t{32} << 20);
+    ASSERT_EQ(stamped.outcome, CleanOutcome::Cleaned);
+    EXPECT_LT(stamped.bytes.size(), std::size_t{8} << 20);
 }
 
 TEST(PictureStamp, IsOnThePagesOfAPdfWithItsTransparency) {
