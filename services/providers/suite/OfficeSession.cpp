@@ -44,11 +44,11 @@ void ChangedValues::Restore() noexcept {
 }
 
 void OfficeSession::Open(const std::wstring& source) {
-    options_.emplace(application_.Get(program_.optionsOf));
+    options_.emplace(application_->Get(program_.optionsOf));
     options_->Change(program_.options);
-    settings_.emplace(application_.Get(L"Application"));
+    settings_.emplace(application_->Get(L"Application"));
     settings_->Change(program_.settings);
-    const AutomationObject documents = application_.Get(program_.documents);
+    const AutomationObject documents = application_->Get(program_.documents);
     document_ = documents.CallForObject(L"Open", With(L"FileName", source, program_.open));
 }
 
@@ -70,24 +70,28 @@ bool OfficeSession::IsDocumentOpen() const noexcept {
 }
 
 int OfficeSession::OtherDocuments() const {
-    const int all = application_.Get(program_.documents).GetNumber(L"Count");
+    const int all = application_->Get(program_.documents).GetNumber(L"Count");
     return IsDocumentOpen() ? all - 1 : all;
 }
 
 bool OfficeSession::IsInUse() const noexcept {
     bool isInUse = false;
     Try([&] { isInUse = OtherDocuments() > 0; });
-    if (!isInUse) Try([&] { isInUse = application_.GetNumber(L"Visible") != 0; });
+    if (!isInUse) Try([&] { isInUse = application_->GetNumber(L"Visible") != 0; });
     return isInUse;
 }
 
 void OfficeSession::LeaveToUser() noexcept {
     if (settings_) settings_->Restore();
-    Try([&] { application_.Put(L"Visible", true); });
+    Try([&] { application_->Put(L"Visible", true); });
 }
 
-void OfficeSession::Quit() const noexcept {
-    Try([&] { application_.Call(L"Quit", program_.quit); });
+void OfficeSession::Quit() noexcept {
+    document_.reset();
+    options_.reset();
+    settings_.reset();
+    Try([&] { application_->Call(L"Quit", program_.quit); });
+    application_.reset();
 }
 
 } // namespace providers

@@ -45,14 +45,15 @@ public:
     bool IsInUse() const noexcept;
     // Call exactly one of these two after Close: the user goes on with the program, or it ends.
     void LeaveToUser() noexcept;
-    void Quit() const noexcept;
+    // Refers to nothing of the program afterwards: a program ends only when nobody does.
+    void Quit() noexcept;
 
 private:
     bool IsDocumentOpen() const noexcept;
     int OtherDocuments() const;
 
     const OfficeProgram& program_;
-    AutomationObject application_;
+    std::optional<AutomationObject> application_; // empty after Quit
     std::optional<ChangedValues> settings_;
     std::optional<ChangedValues> options_;
     std::optional<AutomationObject> document_;

@@ -9,6 +9,7 @@
 #include <objbase.h>
 #include <oleauto.h>
 
+#include <atomic>
 #include <fstream>
 #include <map>
 #include <mutex>
@@ -21,7 +22,9 @@
 
 namespace {
 
-HANDLE quit;
+HANDLE quit;                       // set once the program is to end and no object is left
+std::atomic<int> objects = 0;      // that clients refer to
+std::atomic<bool> hasQuit = false; // the program was told to end
 std::mutex lock;
 std::vector<std::wstring> names; // by their ids
 std::wstring opened;             // the document
@@ -82,6 +85,11 @@ const VARIANT* Argument(const DISPPARAMS& parameters, const wchar_t* name) {
         }
     }
     return nullptr;
+}
+
+// As the real programs: one that was told to end goes on as long as a client refers to it.
+void EndUnused() {
+    if (hasQuit && objects == 0) SetEvent(quit);
 }
 
 [[noreturn]] void Hang() {
@@ -175,7 +183,7 @@ bool IsRejected(const wchar_t* name) {
 // Any object of the program: it knows every name.
 class Object : public IDispatch {
 public:
-    explicit Object(std::wstring path) : path_(std::move(path)) {}
+    explicit Object(std::wstring path) : path_(std::move(path)) { ++objects; }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
         const bool known = id == IID_IUnknown || id == IID_IDispatch;
@@ -212,7 +220,10 @@ public:
     }
 
 private:
-    virtual ~Object() = default;
+    virtual ~Object() {
+        --objects;
+        EndUnused();
+    }
 
     HRESULT Give(const std::wstring& name, VARIANT* result) const {
         result->vt = VT_DISPATCH;
@@ -235,7 +246,10 @@ private:
             const HRESULT done = Open(parameters);
             return FAILED(done) ? done : Give(L"document", result);
         }
-        if (name == L"Quit") return SetEvent(quit), S_OK;
+        if (name == L"Quit") {
+            hasQuit = true;
+            return S_OK;
+        }
         return name == L"Close" ? Close() : Write(parameters);
     }
 
@@ -282,6 +296,7 @@ int wmain(int count, wchar_t** arguments) {
     }
     Note(L"ready");
     WaitForSingleObject(quit, INFINITE);
+    Note(L"ended");
     CoRevokeClassObject(cookie);
     CoUninitialize();
     return 0;

@@ -75,7 +75,8 @@ protected:
         return lines;
     }
     static bool IsStart(const std::wstring& line) {
-        return line.starts_with(L"process ") || line == L"ready" || line == L"shown";
+        return line.starts_with(L"process ") || line == L"ready" || line == L"shown" ||
+               line == L"ended";
     }
     static Lines Calls() {
         Lines lines = AllCalls();
@@ -199,6 +200,18 @@ TEST_F(OfficeAutomation, ClosesAndQuitsAfterAFailure) {
     ASSERT_GE(calls.size(), 3u);
     EXPECT_EQ(calls[calls.size() - 3], L"document.Close(SaveChanges=0)");
     EXPECT_EQ(calls.back(), L"application.Quit(SaveChanges=0)");
+}
+
+// The program goes on as long as anybody refers to one of its objects; its job would end it after
+// ten seconds.
+TEST_F(OfficeAutomation, RefersToNothingOfAProgramThatItHasToldToEnd) {
+    for (const wchar_t* name : {L"letter.docx", L"numbers.xls", L"slides.odp"}) {
+        EXPECT_EQ(Convert(name, "good"), SuiteOutcome::Converted);
+        ASSERT_FALSE(AllCalls().empty());
+        EXPECT_EQ(AllCalls().back(), L"ended") << name;
+    }
+    EXPECT_EQ(Convert(L"letter.docx", "refuse-closing"), SuiteOutcome::Converted);
+    EXPECT_EQ(AllCalls().back(), L"ended");
 }
 
 TEST_F(OfficeAutomation, FailsWithoutAResult) {
