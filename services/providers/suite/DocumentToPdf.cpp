@@ -166,9 +166,10 @@ SuiteOutcome TakeResult(const SuiteFolder& folder, HANDLE target, WorkProcess& p
     if (!made) return SuiteOutcome::Failed;
     if (TakeWithoutDates(made.Get(), target, process, wait)) return SuiteOutcome::Converted;
     if (wait.IsEnded()) return SuiteOutcome::Cancelled;
-    const TakenPdf taken = TakePdf(made.Get(), target);
+    const TakenPdf taken = TakePdf(made.Get(), target, wait);
     if (taken == TakenPdf::Taken) return SuiteOutcome::Converted;
     Empty(target);
+    if (taken == TakenPdf::Ended) return SuiteOutcome::Cancelled;
     return taken == TakenPdf::Unwritable ? SuiteOutcome::Unwritable : SuiteOutcome::Failed;
 }
 

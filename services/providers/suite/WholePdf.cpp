@@ -43,12 +43,14 @@ ObLib::UniqueKernelHandle OpenWholePdf(const std::wstring& path) {
     return made;
 }
 
-TakenPdf TakePdf(HANDLE made, HANDLE target) {
-    switch (CopyContent(made, target, [] { return false; })) {
+TakenPdf TakePdf(HANDLE made, HANDLE target, CallWait& wait) {
+    switch (CopyContent(made, target, [&] { return wait.IsEnded(); })) {
     case CopiedContent::Whole:
         return TakenPdf::Taken;
     case CopiedContent::Unwritable:
         return TakenPdf::Unwritable;
+    case CopiedContent::Ended:
+        return TakenPdf::Ended;
     default:
         return TakenPdf::NotWhole;
     }

@@ -124,9 +124,11 @@ protected:
         target_.Reset(CreateFileW((folder_ / L"target").c_str(), GENERIC_READ | GENERIC_WRITE,
                                   FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr));
         const auto made = OpenWholePdf(folder_.File(L"made.pdf", content));
-        return made ? TakePdf(made.Get(), target_.Get()) : TakenPdf::NotWhole;
+        return made ? TakePdf(made.Get(), target_.Get(), wait_) : TakenPdf::NotWhole;
     }
     const obtest::TestFolder folder_;
+    const ObLib::UniqueKernelHandle ended_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    CallWait wait_{ended_.Get(), nullptr};
     ObLib::UniqueKernelHandle target_;
 };
 
@@ -145,13 +147,19 @@ TEST_F(WholePdfTest, HasABeginningAndAnEnd) {
     EXPECT_FALSE(OpenWholePdf(folder_ / L"missing.pdf"));
 }
 
+TEST_F(WholePdfTest, IsNotCopiedOnceTheCallIsToEnd) {
+    SetEvent(ended_.Get());
+    EXPECT_EQ(Take("%PDF-1.6\n" + std::string(1'000'000, 'x') + "\n%%EOF\r\n"), TakenPdf::Ended);
+    EXPECT_EQ(obtest::ReadFileContent(folder_ / L"target"), "");
+}
+
 TEST_F(WholePdfTest, ReportsATargetThatCannotBeWritten) {
     ASSERT_EQ(Take("%PDF-1.6\n%%EOF"), TakenPdf::Taken);
     const ObLib::UniqueKernelHandle reading(CreateFileW(
         folder_.File(L"other").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     const auto made = OpenWholePdf(folder_ / L"made.pdf");
     ASSERT_TRUE(made);
-    EXPECT_EQ(TakePdf(made.Get(), reading.Get()), TakenPdf::Unwritable);
+    EXPECT_EQ(TakePdf(made.Get(), reading.Get(), wait_), TakenPdf::Unwritable);
 }
 
 } // namespace
