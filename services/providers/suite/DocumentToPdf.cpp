@@ -33,7 +33,7 @@ bool MakeProfile(const SuiteFolder& folder) {
     for (const wchar_t* part : {kTemporary, kProfile, L"profile\\user"}) {
         if (!folder.MakeFolder(part)) return false;
     }
-    const UniqueKernelHandle file(folder.MakeFile(kSettings));
+    const UniqueKernelHandle file = folder.MakeFile(kSettings);
     const std::string text = SuiteProfile();
     return file && ObLib::WriteWhole(file.Get(), text.data(), text.size());
 }
@@ -42,7 +42,7 @@ bool MakeProfile(const SuiteFolder& folder) {
 SuiteOutcome Fill(const SuiteFolder& folder, HANDLE source, const std::wstring& name,
                   CallWait& wait) {
     if (!folder.MakeFolder(kResultFolder)) return SuiteOutcome::Unwritable;
-    const UniqueKernelHandle copy(folder.MakeFile(name.c_str()));
+    const UniqueKernelHandle copy = folder.MakeFile(name.c_str());
     if (!copy) return SuiteOutcome::Unwritable;
     switch (CopyContent(source, copy.Get(), [&] { return wait.IsEnded(); })) {
     case CopiedContent::Whole:

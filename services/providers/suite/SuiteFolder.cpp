@@ -2,6 +2,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/LongPath.h"
+#include "ObLib/Src/Win32/ScopeExit.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 namespace providers {
@@ -43,10 +44,10 @@ std::wstring PlaceFor(const std::wstring& folder) {
     return top.size() <= kLongestPlace ? top : temporary;
 }
 
-void DeleteFileAnyway(const std::wstring& path, DWORD attributes) {
+// The system deletes nothing that is read-only, no folder either.
+void MakeWritable(const std::wstring& path, DWORD attributes) {
     if (attributes & FILE_ATTRIBUTE_READONLY)
-        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-    DeleteFileW(path.c_str());
+        SetFileAttributesW(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
 }
 
 // A program can't nest its files deeper than a path is long; what is deeper stays.
@@ -61,8 +62,9 @@ void DeleteFolder(const std::wstring& path, int level) {
         const std::wstring name = found.cFileName;
         if (name == L"." || name == L"..") continue;
         const std::wstring item = path + L'\\' + name;
+        MakeWritable(item, found.dwFileAttributes);
         if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
-            DeleteFileAnyway(item, found.dwFileAttributes);
+            DeleteFileW(item.c_str());
         } else if (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) {
             RemoveDirectoryW(item.c_str()); // the link alone
         } else if (level < kMostLevels) {
@@ -75,6 +77,19 @@ void DeleteFolder(const std::wstring& path, int level) {
 
 } // namespace
 
+// The folder doesn't stay when there is no object that deletes it.
+std::unique_ptr<SuiteFolder> SuiteFolder::Own(std::wstring path, const std::wstring& prefixed) {
+    bool isOwned = false;
+    const ObLib::ScopeExit remove([&] {
+        if (!isOwned) RemoveDirectoryW(prefixed.c_str());
+    });
+    const auto identity = IdentityOfFolder(prefixed);
+    if (!identity) return nullptr;
+    std::unique_ptr<SuiteFolder> made(new SuiteFolder(std::move(path), *identity));
+    isOwned = true;
+    return made;
+}
+
 // A name that is taken isn't this run's.
 std::unique_ptr<SuiteFolder> SuiteFolder::MakeFor(const std::wstring& folder) {
     constexpr int kMostNames = 100;
@@ -82,11 +97,7 @@ std::unique_ptr<SuiteFolder> SuiteFolder::MakeFor(const std::wstring& folder) {
     for (int number = 1; number <= kMostNames; ++number) {
         std::wstring path = place + L"\\~suite" + std::to_wstring(number);
         const std::wstring prefixed = WithLongPathPrefix(path);
-        if (CreateDirectoryW(prefixed.c_str(), nullptr)) {
-            const auto identity = IdentityOfFolder(prefixed);
-            if (!identity) return nullptr;
-            return std::unique_ptr<SuiteFolder>(new SuiteFolder(std::move(path), *identity));
-        }
+        if (CreateDirectoryW(prefixed.c_str(), nullptr)) return Own(std::move(path), prefixed);
         if (GetLastError() != ERROR_ALREADY_EXISTS) return nullptr;
     }
     return nullptr;
@@ -110,9 +121,10 @@ bool SuiteFolder::MakeFolder(const wchar_t* name) const {
     return CreateDirectoryW(WithLongPathPrefix(*this / name).c_str(), nullptr) != FALSE;
 }
 
-HANDLE SuiteFolder::MakeFile(const wchar_t* name) const {
-    return CreateFileW(WithLongPathPrefix(*this / name).c_str(), GENERIC_WRITE, 0, nullptr,
-                       CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+ObLib::UniqueKernelHandle SuiteFolder::MakeFile(const wchar_t* name) const {
+    return ObLib::UniqueKernelHandle(CreateFileW(WithLongPathPrefix(*this / name).c_str(),
+                                                 GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                                 FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 } // namespace providers

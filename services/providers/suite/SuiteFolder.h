@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/files/FileIdentity.h"
 
 namespace providers {
@@ -23,15 +24,16 @@ public:
     SuiteFolder(const SuiteFolder&) = delete;
     SuiteFolder& operator=(const SuiteFolder&) = delete;
 
-    // Makes a file or a folder; `name` may have folders, which exist.
+    // Makes a file, which is open for writing, or a folder; `name` may have folders, which exist.
+    // Empty or false when it can't be made. Throw std::bad_alloc.
     bool MakeFolder(const wchar_t* name) const;
-    HANDLE
-    MakeFile(const wchar_t* name) const; // the caller's, for writing; or INVALID_HANDLE_VALUE
+    ObLib::UniqueKernelHandle MakeFile(const wchar_t* name) const;
 
     // The full path of a name in the folder, without the prefix for long paths: for programs.
     std::wstring operator/(const std::wstring& name) const { return path_ + L'\\' + name; }
 
 private:
+    static std::unique_ptr<SuiteFolder> Own(std::wstring path, const std::wstring& prefixed);
     SuiteFolder(std::wstring path, const FileIdentity& identity)
         : path_(std::move(path)), identity_(identity) {}
 

@@ -113,7 +113,7 @@ UniqueKernelHandle StartSuite(const SuiteStart& start, HANDLE job) {
                               &startup.StartupInfo, &made)) {
         return {};
     }
-    CloseHandle(made.hThread);
+    const UniqueKernelHandle thread(made.hThread); // closed
     return UniqueKernelHandle(made.hProcess);
 }
 

@@ -100,7 +100,7 @@ UniqueKernelHandle Create(const std::wstring& program, HANDLE token, AttributeLi
                               SystemFolder().c_str(), &startup.StartupInfo, &made)) {
         return {};
     }
-    CloseHandle(made.hThread);
+    const UniqueKernelHandle thread(made.hThread); // closed
     return UniqueKernelHandle(made.hProcess);
 }
 

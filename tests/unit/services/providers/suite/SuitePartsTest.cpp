@@ -5,9 +5,12 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/suite/DocumentKind.h"
+#include "services/providers/suite/SuiteFolder.h"
 #include "services/providers/suite/SuiteProfile.h"
 #include "services/providers/suite/SuiteWatch.h"
 #include "services/providers/suite/WholePdf.h"
+#include "tests/support/Allocations.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 
 using namespace providers;
@@ -160,6 +163,39 @@ TEST_F(WholePdfTest, ReportsATargetThatCannotBeWritten) {
     const auto made = OpenWholePdf(folder_ / L"made.pdf");
     ASSERT_TRUE(made);
     EXPECT_EQ(TakePdf(made.Get(), reading.Get(), wait_), TakenPdf::Unwritable);
+}
+
+// Refuses a read-only folder, as Windows does and Wine doesn't.
+decltype(&RemoveDirectoryW) g_removeDirectory = nullptr;
+BOOL WINAPI RemoveWritableDirectory(const wchar_t* path) {
+    const DWORD attributes = GetFileAttributesW(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_READONLY))
+        return g_removeDirectory(path);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+}
+
+TEST(SuiteFolderTest, IsDeletedWithReadOnlyFilesAndFolders) {
+    const obtest::ImportPatch patch("kernel32.dll", "RemoveDirectoryW", &RemoveWritableDirectory);
+    ASSERT_TRUE(patch.Ok());
+    g_removeDirectory = patch.Real();
+    const obtest::TestFolder place;
+    {
+        const auto folder = SuiteFolder::MakeFor(place.Path());
+        ASSERT_TRUE(folder && folder->MakeFolder(L"deep") && folder->MakeFile(L"deep\\file"));
+        for (const wchar_t* name : {L"deep\\file", L"deep"})
+            ASSERT_TRUE(SetFileAttributesW((*folder / name).c_str(), FILE_ATTRIBUTE_READONLY));
+    }
+    EXPECT_EQ(obtest::ListTree(place.Path()), std::vector<std::wstring>());
+}
+
+TEST(SuiteFolderTest, DoesNotStayWhenTheMemoryRunsOut) {
+    const obtest::TestFolder place;
+    const std::wstring path = place.Path();
+    const std::size_t failed = obtest::FailEachAllocation(
+        [&] { EXPECT_TRUE(SuiteFolder::MakeFor(path)); },
+        [&] { EXPECT_EQ(obtest::ListTree(path), std::vector<std::wstring>()); });
+    EXPECT_GT(failed, 3u);
 }
 
 } // namespace
