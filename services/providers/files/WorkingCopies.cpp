@@ -304,7 +304,8 @@ bool NewFile::NameBeside(const WorkingCopy& copy, const std::wstring& path,
     if (!folder || !Protect(copy, attributes_)) return false;
     for (int number = 1; number <= kMostNumbers; ++number) {
         result = ResultPath(path, extension, number);
-        if (result.size() > longest) break;
+        isNameTooLong_ = result.size() > longest;
+        if (isNameTooLong_) break;
         std::wstring target = folder_ + result.substr(result.rfind(L'\\'));
         // Noted under both names before it gets the new one, for which no memory is needed then.
         unfinished_.Add(target, identity_);

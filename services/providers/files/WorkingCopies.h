@@ -104,8 +104,9 @@ public:
     // Gives the file the copy's name with another extension, numbered where there is a file of that
     // name already, and deletes the copy; `path` is the copy's and becomes the result's. The file
     // has the copy's times and attributes. Closes both. False, with the copy and `path` as they
-    // were, when the copy is no longer there, no name of at most `longest` units is free or the
-    // system refuses for two seconds. No file is ever replaced. `isEnded` as above.
+    // were, when the copy is no longer there, no name of at most `longest` units is free, which
+    // IsNameTooLong then reports, or the system refuses for two seconds. No file is ever replaced.
+    // `isEnded` as above.
     template <class IsEnded>
     bool TakeNameBeside(WorkingCopy& copy, std::wstring& path, const std::wstring& extension,
                         std::size_t longest, IsEnded isEnded) {
@@ -116,6 +117,8 @@ public:
         path = std::move(result);
         return true;
     }
+
+    bool IsNameTooLong() const noexcept { return isNameTooLong_; }
 
     // Deletes a copy whose content another new file has. Closes it. True also when it is no longer
     // there. False when the system refuses for two seconds. `isEnded` as above.
@@ -157,6 +160,7 @@ private:
     FileIdentity folderIdentity_;
     DWORD attributes_ = FILE_ATTRIBUTE_NORMAL; // of the copy
     bool isPlaced_ = false;
+    bool isNameTooLong_ = false; // of every result that is free
     UnfinishedFiles& unfinished_;
 };
 

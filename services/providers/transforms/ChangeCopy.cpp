@@ -57,7 +57,8 @@ bool PlaceResult(StageCall& call, NewFile& made, WorkingCopy& copy, const Result
     const bool done =
         kind.hasName ? made.TakePlaceOf(copy, isEnded)
                      : made.TakeNameBeside(copy, path, kind.extension, kLongestResult, isEnded);
-    return done || Refuse(call, OB_TEXT_UNWRITABLE, path);
+    const UINT text = made.IsNameTooLong() ? OB_TEXT_PATH_TOO_LONG : OB_TEXT_UNWRITABLE;
+    return done || Refuse(call, text, path);
 }
 
 } // namespace providers

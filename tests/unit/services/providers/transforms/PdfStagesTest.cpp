@@ -45,6 +45,15 @@ protected:
         EXPECT_TRUE(obtest::FileExists(path));
         return path.substr(folder_.Path().size() + 1);
     }
+    // A folder with a path of 400 characters and more.
+    std::wstring DeepFolder() const {
+        std::wstring deep = folder_.Path();
+        while (deep.size() < 400) {
+            deep += L"\\" + std::wstring(60, L'd');
+            EXPECT_TRUE(CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr));
+        }
+        return deep;
+    }
     std::string Content(const std::wstring& name) const {
         return obtest::ReadFileContent(folder_ / name).value_or("");
     }
@@ -206,12 +215,23 @@ TEST_F(PdfStages, RefuseACopyThatAnotherProgramHasLocked) {
     EXPECT_EQ(Files(), Names{L"Beach.jpg"});
 }
 
+// The name without a number is taken, and only the work shows that one is needed at all.
+TEST_F(PdfStages, SayThatANumberedNameIsTooLong) {
+    const std::wstring deep = DeepFolder();
+    const std::wstring stem = deep + L"\\" + std::wstring(512 - deep.size() - 4, L'n');
+    const std::wstring path = stem + L".tf", taken = stem + L".pdf"; // 513 units
+    ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + path, Png()));
+    ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + taken, "taken"));
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Execute(path));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_NE(boxes.Seen()[0].text.find(L"is too long"), std::wstring::npos);
+    EXPECT_EQ(obtest::ReadFileContent(L"\\\\?\\" + path), Png());
+    EXPECT_EQ(obtest::ReadFileContent(L"\\\\?\\" + taken), "taken");
+}
+
 TEST_F(PdfStages, RefuseALongerPathThanTheResultMayHaveBeforeTheWork) {
-    std::wstring deep = folder_.Path();
-    while (deep.size() < 400) {
-        deep += L"\\" + std::wstring(60, L'd');
-        ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr));
-    }
+    const std::wstring deep = DeepFolder();
     const std::wstring path = deep + L"\\" + std::wstring(512 - deep.size() - 4, L'n') + L".tf";
     ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + path, Png()));
     const obtest::MessageBoxWatcher boxes;
