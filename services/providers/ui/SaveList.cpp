@@ -1,12 +1,11 @@
 #include "services/providers/ui/SaveList.h"
 
-#include <commdlg.h>
-
 #include <algorithm>
 
 #include "ObLib/Src/Win32/LongPath.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLib/Src/Win32/WholeTransfer.h"
+#include "services/providers/ui/FileQuestion.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 
@@ -24,20 +23,9 @@ std::string Utf8(const std::wstring& text) {
 
 // Empty when the user cancels.
 std::wstring AskForPath(HWND owner) {
-    std::wstring path(4096, L'\0');
-    OwnText(OB_TEXT_RECEIPT_FILE_NAME).copy(path.data(), path.size() - 1);
-    std::wstring filter = OwnText(OB_TEXT_RECEIPT_FILTER);
-    std::ranges::replace(filter, L'|', L'\0');
-    OPENFILENAMEW dialog{sizeof dialog};
-    dialog.hwndOwner = owner;
-    dialog.lpstrFilter = filter.c_str();
-    dialog.lpstrFile = path.data();
-    dialog.nMaxFile = static_cast<DWORD>(path.size());
-    dialog.lpstrDefExt = L"txt";
-    dialog.Flags =
-        OFN_EXPLORER | OFN_ENABLESIZING | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    if (!GetSaveFileNameW(&dialog)) return {};
-    return path.c_str();
+    constexpr std::size_t kLongest = 4095;
+    return AskForFileToSave(
+        {owner, OB_TEXT_RECEIPT_FILTER, kLongest, OwnText(OB_TEXT_RECEIPT_FILE_NAME), L"txt"});
 }
 
 } // namespace

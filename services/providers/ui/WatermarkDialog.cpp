@@ -1,13 +1,11 @@
 #include "services/providers/ui/WatermarkDialog.h"
 
-#include <commdlg.h>
-
-#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "services/providers/ui/FileQuestion.h"
 #include "services/providers/ui/SettingsBox.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
@@ -116,21 +114,10 @@ bool Read(HWND dialog, WatermarkSettings& settings) {
     return true;
 }
 
-// The system's dialog for a file's name.
 void Browse(HWND dialog) {
-    std::wstring path(kLongestPicturePath + 1, L'\0');
-    std::wstring filter = OwnText(OB_TEXT_WATERMARK_FILTER);
-    std::ranges::replace(filter, L'|', L'\0');
-    OPENFILENAMEW question{sizeof question};
-    question.hwndOwner = dialog;
-    question.lpstrFilter = filter.c_str();
-    question.lpstrFile = path.data();
-    question.nMaxFile = static_cast<DWORD>(path.size());
-    question.Flags =
-        OFN_EXPLORER | OFN_ENABLESIZING | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    if (GetOpenFileNameW(&question)) {
-        SetDlgItemTextW(dialog, OB_WATERMARK_PICTURE, path.c_str());
-    }
+    const std::wstring path =
+        AskForFileToOpen({dialog, OB_TEXT_WATERMARK_FILTER, kLongestPicturePath});
+    if (!path.empty()) SetDlgItemTextW(dialog, OB_WATERMARK_PICTURE, path.c_str());
 }
 
 bool OnCommand(HWND dialog, WORD command) {
