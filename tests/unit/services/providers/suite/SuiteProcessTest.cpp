@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 
 #include "tests/fakes/Recording.h"
@@ -63,10 +62,7 @@ TEST_F(SuiteProcessTest, CountsItsUseOfAProcessor) {
     const auto process = Start(L"--show");
     ASSERT_TRUE(process && HasEnded(process, kLimit));
     const std::uint64_t time = TimeOfJob(job_.Get());
-    if (time == 0) {
-        std::puts("This system counts no processor time of a job.");
-        GTEST_SKIP();
-    }
+    if (time == 0) GTEST_SKIP() << "this system counts no processor time of a job";
     EXPECT_GT(time, 500'000u); // 50 ms of the 200
 }
 
@@ -85,11 +81,14 @@ TEST_F(SuiteProcessTest, TakesAProcessThatIsInAnotherJobAlready) {
     EXPECT_TRUE(AssignProcessToJobObject(job_.Get(), process.Get()));
     EndJob(job_.Get());
     EXPECT_TRUE(HasEnded(process, kLimit));
+}
+
+// The system puts no process into a job with such limits that is in another one already.
+TEST_F(SuiteProcessTest, LimitsNoUseOfWindows) {
     JOBOBJECT_BASIC_UI_RESTRICTIONS windows{};
     if (!QueryInformationJobObject(job_.Get(), JobObjectBasicUIRestrictions, &windows,
                                    sizeof windows, nullptr)) {
-        std::puts("This system reports no limits of windows of a job.");
-        GTEST_SKIP();
+        GTEST_SKIP() << "this system reports no limits of windows of a job";
     }
     EXPECT_EQ(windows.UIRestrictionsClass, 0u);
 }
