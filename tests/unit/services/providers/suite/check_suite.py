@@ -124,8 +124,8 @@ def make_documents(folder, work):
             file.write(whole.read()[:300])
 
 
-def make_protected(folder, work):
-    """Documents with a password, which the suite stores by a macro of ours."""
+def make_protected(folder, work, control):
+    """Documents with a password, which the suite stores by a macro of ours, and the text as a PDF with its links updated."""
     profile = os.path.join(work, "profile")
     basic = os.path.join(profile, "user", "basic", "Standard")
     os.makedirs(basic)
@@ -158,8 +158,21 @@ how(1).Value = "secret"
 document.storeToURL(target, how())
 document.close(True)
 End Sub
+Sub StoreLinked(source, target)
+Dim hidden(0) As New com.sun.star.beans.PropertyValue
+hidden(0).Name = "Hidden"
+hidden(0).Value = True
+document = StarDesktop.loadComponentFromURL(source, "_blank", 0, hidden())
+document.updateLinks()
+Dim how(0) As New com.sun.star.beans.PropertyValue
+how(0).Name = "FilterName"
+how(0).Value = "writer_pdf_Export"
+document.storeToURL(target, how())
+document.close(True)
+End Sub
 Sub Main
 {calls}
+StoreLinked "file://{folder}/text.odt", "file://{control}"
 StarDesktop.terminate
 End Sub
 """
@@ -206,11 +219,21 @@ def check_equal(path, again):
     check(not dates, f"{os.path.basename(path)} has no date {dates}")
 
 
+def has_secret(path):
+    return SECRET in tool("pdftotext", path, "-")[1]
+
+
+def has_picture(path):
+    """Besides the two lines of the table's head."""
+    return len(tool("pdfimages", "-list", path)[1].splitlines()) > 2
+
+
 def check_all(options, work):
     folder = os.path.join(work, "documents")
     os.mkdir(folder)
     make_documents(folder, work)
-    protected = make_protected(folder, work)
+    control = os.path.join(work, "control.pdf")
+    protected = make_protected(folder, work, control)
     after, outcomes = convert(options, folder, work)
     texts = {"Grüße & mehr.docx": "Dear Ann, this is a letter.", "table.xlsx": "4711", "text.odt": "Dear Bob, a text.",
              "slides.odp": "A slide."}
@@ -222,9 +245,11 @@ def check_all(options, work):
     check(os.path.getsize(os.path.join(after, "broken.docx.pdf")) == 0, "its result is empty")
     for name in protected:
         check(outcomes.get(name) == "protected", f"{name} needs its password ({outcomes.get(name)})")
+    check(has_secret(control), "the text of another file comes where links are updated")
+    check(has_picture(control), "the picture of another file comes where links are updated")
     linked = os.path.join(after, "text.odt.pdf")
-    check(SECRET not in tool("pdftotext", linked, "-")[1], "no text of another file is loaded")
-    check(len(tool("pdfimages", "-list", linked)[1].splitlines()) == 2, "no picture of another file is loaded")
+    check(not has_secret(linked), "no text of another file is loaded")
+    check(not has_picture(linked), "no picture of another file is loaded")
 
 
 def main():
