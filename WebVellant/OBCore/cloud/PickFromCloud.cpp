@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/cloud/OpenPickerProvider.h"
 #include "OBCore/cloud/PickedText.h"
 #include "OBCore/cloud/ProviderTexts.h"
@@ -9,6 +10,7 @@
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/options/BrowserImage.h"
 #include "OBCore/usage/UsageEvents.h"
+#include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 
 using namespace obcontract; // most names of the contract's storage half
@@ -25,7 +27,7 @@ void ShowPickerError(ProviderManagerHandle manager, DownloadList* list, HWND dia
     wchar_t text[kErrorCapacity] = {};
     std::uint64_t capacity = kErrorCapacity;
     if (ProviderManager().GetLastErrorCodeOfProvider(manager, list, L"", text, &capacity) != 0) {
-        ShowMessage(dialog, text);
+        ShowMessage(dialog, TextIn(text).c_str());
     }
 }
 

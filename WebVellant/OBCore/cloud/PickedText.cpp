@@ -3,6 +3,7 @@
 #include <map>
 #include <utility>
 
+#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/cloud/ProviderTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
@@ -20,14 +21,13 @@ using ProviderByName = std::map<std::wstring, std::wstring>; // file name, provi
 
 ProviderByName ProvidersOf(ProviderManagerHandle manager, DownloadList* list) {
     ProviderByName providers;
-    CloudItem item{};
-    for (std::uint32_t index = 0; OnDownloadList::GetItem::Call(list, index, &item); ++index) {
+    ForEachItem<OnDownloadList::GetItem>(list, [&](const CloudItem& item) {
         std::wstring displayName;
         ProviderDisplayName(ProviderManager().GetProviderInstance(manager, item.profile.providerId,
                                                                   ProviderKind::Storage),
                             displayName);
-        providers.insert_or_assign(item.name, displayName);
-    }
+        providers.insert_or_assign(TextIn(item.name), displayName);
+    });
     return providers;
 }
 

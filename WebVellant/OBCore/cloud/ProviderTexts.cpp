@@ -1,6 +1,7 @@
 #include "OBCore/cloud/ProviderTexts.h"
 
 #include "OBCore/cloud/CloudAssertions.h"
+#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/modules/Messages.h"
 #include "OBCore/modules/ProviderLibrary.h"
 
@@ -22,7 +23,7 @@ void ProviderDisplayName(CloudProvider* provider, std::wstring& name) {
     wchar_t buffer[kDisplayNameCapacity] = {};
     std::uint32_t capacity = kDisplayNameCapacity;
     OnCloudProvider::GetDisplayName::Call(provider, ProviderKind::Storage, buffer, &capacity);
-    name = buffer;
+    name = TextIn(buffer);
 }
 
 void ShowProviderError(const OBAttachJob& job, CloudProvider* provider, const wchar_t* accountKey) {
@@ -30,7 +31,7 @@ void ShowProviderError(const OBAttachJob& job, CloudProvider* provider, const wc
     std::uint64_t capacity = kErrorCapacity;
     ProviderManager().GetLastErrorOfProvider(provider, accountKey, job.ResultName.c_str(), text,
                                              &capacity);
-    ShowMessage(job.ParentWindow, text);
+    ShowMessage(job.ParentWindow, TextIn(text).c_str());
 }
 
 } // namespace obcore

@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 
@@ -50,15 +51,11 @@ void AppendShareTail(std::wstring& text, const std::wstring& displayName, std::i
 void FormatShareText(DownloadList* list, const std::wstring& displayName, std::int32_t days,
                      std::wstring& linkText) {
     std::wstring text = kUploadMark;
-    CloudItem item{};
-    for (std::uint32_t index = 0; OnDownloadList::GetItem::Call(list, index, &item); ++index) {
+    ForEachItem<OnDownloadList::GetItem>(list, [&](const CloudItem& item) {
         const std::int32_t itemDays = ScheduledDays(item, days);
-        text += L"| |";
-        text += item.name;
-        text += L'|';
-        text += item.link;
+        text += L"| |" + TextIn(item.name) + L'|' + TextIn(item.link);
         AppendShareTail(text, displayName, itemDays);
-    }
+    });
     linkText = std::move(text);
 }
 

@@ -1,6 +1,7 @@
 #include "OBCore/cloud/ShareUploaded.h"
 
 #include "OBCore/cloud/CloudAssertions.h"
+#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/cloud/ProviderTexts.h"
 #include "OBCore/cloud/ShareText.h"
 #include "OBCore/modules/ProviderLibrary.h"
@@ -18,10 +19,8 @@ namespace obcore {
 namespace {
 
 void CopyItems(UploadList* from, DownloadList* to) {
-    CloudItem item{};
-    for (std::uint32_t index = 0; OnUploadList::GetItem::Call(from, index, &item); ++index) {
-        OnDownloadList::AddItem::Call(to, &item);
-    }
+    ForEachItem<OnUploadList::GetItem>(
+        from, [to](const CloudItem& item) { OnDownloadList::AddItem::Call(to, &item); });
 }
 
 } // namespace

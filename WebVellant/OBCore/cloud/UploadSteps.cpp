@@ -3,6 +3,7 @@
 #include <cwchar>
 #include <iterator>
 
+#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 
@@ -41,7 +42,7 @@ void MakeTargetFolder(CloudProvider* provider, std::wstring& folder,
     folder = kFolderBase + LocalTimeStamp();
     wchar_t root[kRootCapacity] = {};
     OnCloudProvider::GetAccountRootFolder::Call(provider, profile.accountKey, root, kRootCapacity);
-    if (root[0] != L'\0') folder = std::wstring(root) + L'\\' + folder;
+    if (root[0] != L'\0') folder = TextIn(root) + L'\\' + folder;
 }
 
 void AddAttachmentToUploadList(const OBAttachJob& job, CloudProvider* provider, UploadList* list,

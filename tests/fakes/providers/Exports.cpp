@@ -162,14 +162,16 @@ void GetLastErrorOfProvider(CloudProvider* provider, const wchar_t* accountKey,
     const FakeProvider* fake = FindProvider(provider);
     std::wstring text;
     if (fake && fake->lastError != 0) text = L"error " + std::to_wstring(fake->lastError);
-    FillText(buffer, capacity ? *capacity : 0, ScriptedText(L"GetLastErrorOfProvider", text));
+    FillTextOf(L"GetLastErrorOfProvider", buffer, capacity ? *capacity : 0,
+               ScriptedText(L"GetLastErrorOfProvider", text));
 }
 
 std::int32_t GetLastErrorCodeOfProvider(ProviderManagerHandle manager, DownloadList* list,
                                         const wchar_t* emptyText, wchar_t* buffer,
                                         std::uint64_t* capacity) {
     Record(L"GetLastErrorCodeOfProvider", manager, list, emptyText, capacity ? *capacity : 0);
-    FillText(buffer, capacity ? *capacity : 0, ScriptedText(L"GetLastErrorCodeOfProvider.text"));
+    FillTextOf(L"GetLastErrorCodeOfProvider", buffer, capacity ? *capacity : 0,
+               ScriptedText(L"GetLastErrorCodeOfProvider.text"));
     if (!IsReady(manager)) return 0;
     return static_cast<std::int32_t>(NumberAt(ScriptedText(L"GetLastErrorCodeOfProvider"), 0, 0));
 }

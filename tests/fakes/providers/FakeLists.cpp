@@ -1,5 +1,6 @@
 #include "tests/fakes/providers/FakeLists.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "tests/fakes/providers/Script.h"
@@ -12,14 +13,21 @@ constexpr std::size_t kListSlotCount = 16;
 
 using namespace obcontract; // the contract's tables name its types bare
 
+Bool GiveItem(const std::vector<CloudItem>& items, std::uint32_t index, CloudItem* item) {
+    if (index >= items.size()) return 0;
+    if (index == 0 || ScriptedCount(L"GetItem.nameOnly", 0) == 0) {
+        *item = items[index];
+    } else {
+        std::ranges::copy(items[index].name, item->name);
+    }
+    return 1;
+}
+
 namespace download {
 
 Bool GetItem(obcontract::DownloadList* list, std::uint32_t index, CloudItem* item) {
     Record(L"GetItem", list, index);
-    const auto& items = static_cast<FakeDownloadList*>(list)->items;
-    if (index >= items.size()) return 0;
-    *item = items[index];
-    return 1;
+    return GiveItem(static_cast<FakeDownloadList*>(list)->items, index, item);
 }
 
 void AddItem(obcontract::DownloadList* list, const CloudItem* item) {
@@ -49,10 +57,7 @@ void AddFile(obcontract::UploadList* list, const wchar_t* localPath, const wchar
 
 Bool GetItem(obcontract::UploadList* list, std::uint32_t index, CloudItem* item) {
     Record(L"GetItem", list, index);
-    const auto& items = static_cast<FakeUploadList*>(list)->items;
-    if (index >= items.size()) return 0;
-    *item = items[index];
-    return 1;
+    return GiveItem(static_cast<FakeUploadList*>(list)->items, index, item);
 }
 
 void ResetList(obcontract::UploadList* list, std::uint32_t zero) {

@@ -52,8 +52,8 @@ void GetDisplayName(Provider* provider, ProviderKind kind, wchar_t* buffer,
                     std::uint32_t* capacity) {
     Record(L"GetDisplayName", provider, kind, *capacity);
     const FakeProvider& fake = Fake(provider);
-    FillText(buffer, *capacity,
-             ScriptedText(fake.Key(L"GetDisplayName"), L"provider" + std::to_wstring(fake.id)));
+    const std::wstring call = fake.Key(L"GetDisplayName");
+    FillTextOf(call, buffer, *capacity, ScriptedText(call, L"provider" + std::to_wstring(fake.id)));
 }
 
 void SetLastProviderError(Provider* provider, std::uint32_t code) {
@@ -121,7 +121,8 @@ std::uint64_t GetMaxFileSize(Provider* provider, const wchar_t* accountKey) {
 void GetAccountRootFolder(Provider* provider, const wchar_t* accountKey, wchar_t* buffer,
                           std::uint32_t capacity) {
     Record(L"GetAccountRootFolder", provider, accountKey, capacity);
-    FillText(buffer, capacity, ScriptedText(Fake(provider).Key(L"GetAccountRootFolder")));
+    const std::wstring call = Fake(provider).Key(L"GetAccountRootFolder");
+    FillTextOf(call, buffer, capacity, ScriptedText(call));
 }
 
 Bool RunUpload(Provider* provider, obcontract::UploadList* list, HWND owner, const wchar_t* title,

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <iterator>
 
 #include "tests/fakes/providers/FakeManager.h"
 #include "tests/fakes/providers/ProviderIds.h"
@@ -51,6 +52,13 @@ void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text) 
     place[length] = L'\0';
 }
 
+void FillTextOf(const std::wstring& call, wchar_t* place, std::uint64_t capacity,
+                const std::wstring& text) {
+    FillText(place, capacity, text);
+    const bool isFull = place && capacity != 0 && text.size() >= capacity;
+    if (isFull && ScriptedCount(call + L".noNul", 0) != 0) place[capacity - 1] = text[capacity - 1];
+}
+
 std::wstring DescribeThread() {
     if (ScriptedCount(L"Threads", 0) == 0) return {};
     APTTYPE type;
@@ -84,7 +92,9 @@ std::wstring Describe(const obcontract::ProviderProfile* profile) {
 
 std::wstring Describe(const obcontract::CloudItem* item) {
     if (!item) return L"null";
-    return L"item(" + Quoted(item->name) + L", " + Quoted(item->link) + L')';
+    const std::wstring name(item->name, wcsnlen(item->name, std::size(item->name)));
+    const std::wstring link(item->link, wcsnlen(item->link, std::size(item->link)));
+    return L"item(" + Quoted(name.c_str()) + L", " + Quoted(link.c_str()) + L')';
 }
 
 std::wstring Describe(const ObPVX::ObPvxCallback* callback) {

@@ -14,6 +14,11 @@
 //   IsAuthorized2                     [0]
 //   GetLastErrorOfProvider            [text "error CODE" after a code was set, else none]
 //   GetLastErrorCodeOfProvider        [0]; GetLastErrorCodeOfProvider.text
+//   GetLastErrorOfProvider.noNul, GetLastErrorCodeOfProvider.noNul, providerN.GetDisplayName.noNul,
+//   providerN.GetAccountRootFolder.noNul
+//                                     1: a buffer that the text fills has no NUL [0]
+//   GetItem.nameOnly                  1: of the second item and of later ones, both kinds of list
+//                                     give only the name, the rest is left alone [0]
 //   GetSharedListFromOpenPicker       "name|link;name|link": what the user picks [nothing: no];
 //                                     "name|link|id|key": an item of that provider and account
 //   AddFileToDeletionSchedule.NAME    result for the item of that name [as the next line has it]
@@ -94,6 +99,10 @@ std::wstring ItemAt(const std::wstring& list, std::size_t index);
 
 // Copies as much of `text` as fits, with its NUL. A null or empty place is left alone.
 void FillText(wchar_t* place, std::uint64_t capacity, const std::wstring& text);
+
+// FillText, or without the NUL of a text that fills the place when the script has 1 for CALL.noNul.
+void FillTextOf(const std::wstring& call, wchar_t* place, std::uint64_t capacity,
+                const std::wstring& text);
 
 std::wstring Describe(const wchar_t* text);
 std::wstring Describe(obcontract::ProviderManagerHandle manager);

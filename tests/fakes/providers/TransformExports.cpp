@@ -40,11 +40,6 @@ void DispatchUntilHidden(HWND window) {
     }
 }
 
-// As a manager does that leaves no room for the NUL.
-void FillWithoutNul(wchar_t* place, std::size_t capacity, const std::wstring& text) {
-    std::copy_n(text.begin(), std::min(text.size(), capacity), place);
-}
-
 // The result that the script has for this call of the manager.
 bool NextResult(ProviderManagerHandle manager, const std::wstring& call) {
     return NumberAt(ScriptedText(call), CountCall(manager, call), 1) != 0;
@@ -174,9 +169,8 @@ void GetTargetFile(ProviderManagerHandle manager, wchar_t* const* buffers, std::
     if (count) *count = 0;
     if (!IsReady(manager)) return;
     const auto& produced = manager->produced;
-    const bool whole = ScriptedCount(L"GetTargetFile.noNul", 0) != 0;
     for (std::size_t index = 0; index < std::min(produced.size(), manager->buffers); ++index) {
-        (whole ? FillWithoutNul : FillText)(buffers[index], capacity, produced[index]);
+        FillTextOf(L"GetTargetFile", buffers[index], capacity, produced[index]);
     }
     const auto results = ScriptedCount(L"GetTargetFile.count", produced.size());
     if (count) *count = static_cast<std::uint32_t>(results);

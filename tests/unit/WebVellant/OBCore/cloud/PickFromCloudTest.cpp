@@ -103,6 +103,17 @@ TEST_F(CloudPick, ShowsTheManagersTextAfterAFailure) {
     }
 }
 
+TEST_F(CloudPick, ShowsATextThatFillsItsBuffer) {
+    const std::wstring text(2048, L't');
+    Answer(L"GetLastErrorCodeOfProvider", L"5");
+    Answer(L"GetLastErrorCodeOfProvider.text", text.c_str());
+    Answer(L"GetLastErrorCodeOfProvider.noNul", L"1");
+    const MessageBoxWatcher boxes;
+    EXPECT_FALSE(Pick());
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_EQ(boxes.Seen()[0].text, text);
+}
+
 TEST_F(CloudPick, KeepsAUsableDefaultAlsoWhenAnotherAccountWasPickedFrom) {
     Answer(L"GetSharedListFromOpenPicker", L"a|x|8|bob");
     EXPECT_TRUE(Pick());

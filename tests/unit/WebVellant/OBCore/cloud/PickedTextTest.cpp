@@ -60,6 +60,27 @@ TEST_F(PickedText, KeepsThePipesOfAName) {
     obcore::ProviderManager().DeleteDownloadList(Provider(7), list);
 }
 
+TEST_F(PickedText, EndsANameThatFillsItsFieldWithTheField) {
+    auto* list = obcore::slots::OnCloudProvider::CreateDownloadList::Call(Provider(7));
+    const std::wstring name(1569, L'n');
+    obcontract::CloudItem item{};
+    item.profile.providerId = 7;
+    name.copy(item.name, name.size());
+    obcore::slots::OnDownloadList::AddItem::Call(list, &item);
+    std::wstring text;
+    obcore::FormatPickedText(job_.OwnedProviderManager, list, text);
+    EXPECT_EQ(text, L"||" + name + Middle() + L"provider7||");
+    obcore::ProviderManager().DeleteDownloadList(Provider(7), list);
+}
+
+TEST_F(PickedText, NeverGivesAFileTheProviderOfTheOneBefore) {
+    Answer(L"GetItem.nameOnly", L"1");
+    const MessageBoxWatcher boxes;
+    EXPECT_EQ(TextOf(L"a|1|8;b|2|8"), L"||a||b" + Middle() + L"provider8||||");
+    ASSERT_EQ(boxes.Seen().size(), 1u); // nobody has the second one
+    ExpectAssertion(boxes.Seen()[0], L"cloud_svc != NULL");
+}
+
 TEST_F(PickedText, OfAnEmptyListIsTheSentenceAlone) {
     auto* list = obcore::slots::OnCloudProvider::CreateDownloadList::Call(Provider(7));
     std::wstring text;

@@ -124,6 +124,26 @@ TEST_F(ShareText, HasTextsOfFullLength) {
     EXPECT_EQ(Format(), L"0| |" + name + L"|" + link + Tail(L"Cloud", -1));
 }
 
+// A link without a NUL would run on into the name, which follows it in the record.
+TEST_F(ShareText, EndsATextThatFillsItsFieldWithTheField) {
+    const std::wstring name(1569, L'n');
+    const std::wstring link(2409, L'l');
+    CloudItem item{};
+    name.copy(item.name, name.size());
+    link.copy(item.link, link.size());
+    OnDownloadList::AddItem::Call(list_, &item);
+    Add(L"b", L"2");
+    EXPECT_EQ(Format(),
+              L"0| |" + name + L"|" + link + Tail(L"Cloud", -1) + L"| |b|2" + Tail(L"Cloud", -1));
+}
+
+TEST_F(ShareText, NeverGivesAnItemTheLinkOfTheOneBefore) {
+    Answer(L"GetItem.nameOnly", L"1");
+    Add(L"a", L"1");
+    Add(L"b", L"2");
+    EXPECT_EQ(Format(), L"0| |a|1" + Tail(L"Cloud", -1) + L"| |b|" + Tail(L"Cloud", -1));
+}
+
 TEST_F(ShareText, TakesADisplayNameThatLooksLikeAFormat) {
     std::wstring text = L"x";
     AppendShareTail(text, L"100%s %d", 3);
@@ -182,6 +202,12 @@ TEST_F(CloudTargetFolder, IsBelowTheAccountsRoot) {
     EXPECT_EQ(Made(longest.c_str()), longest + L"\\Quillbox\\20260304050608");
 }
 
+TEST_F(CloudTargetFolder, TakesARootThatFillsItsBuffer) {
+    Answer(L"provider7.GetAccountRootFolder.noNul", L"1");
+    const std::wstring root(2048, L'r');
+    EXPECT_EQ(Made(root.c_str()), root + L"\\Quillbox\\20260304050607");
+}
+
 class ProviderName : public obtest::CloudFixture {};
 
 TEST_F(ProviderName, IsAskedWithRoomFor128Characters) {
@@ -190,6 +216,14 @@ TEST_F(ProviderName, IsAskedWithRoomFor128Characters) {
     obcore::ProviderDisplayName(Provider(7), name);
     EXPECT_EQ(name, std::wstring(127, L'n'));
     EXPECT_EQ(CallsOf({L"GetDisplayName"}), Lines{L"GetDisplayName(provider7, 1, 128)"});
+}
+
+TEST_F(ProviderName, EndsWithItsBufferWhereTheProviderLeavesNoNul) {
+    Answer(L"provider7.GetDisplayName", std::wstring(200, L'n').c_str());
+    Answer(L"provider7.GetDisplayName.noNul", L"1");
+    std::wstring name;
+    obcore::ProviderDisplayName(Provider(7), name);
+    EXPECT_EQ(name, std::wstring(128, L'n'));
 }
 
 TEST_F(ProviderName, IsEmptyAfterTheAssertionBoxWithoutAProvider) {

@@ -204,6 +204,17 @@ TEST_F(CloudUpload, ShowsTheProvidersTextWhenItFailsAndClearsTheResult) {
     EXPECT_FALSE(job_.Usage.UsageExpiry);
 }
 
+TEST_F(CloudUpload, ShowsATextThatFillsItsBuffer) {
+    const std::wstring text(2048, L't');
+    Answer(L"provider7.RunUpload", L"0");
+    Answer(L"GetLastErrorOfProvider", text.c_str());
+    Answer(L"GetLastErrorOfProvider.noNul", L"1");
+    const MessageBoxWatcher boxes;
+    Upload();
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    ExpectPlainBox(boxes.Seen()[0], text);
+}
+
 TEST_F(CloudUpload, HandsAFailedResultToTheWipeProgram) {
     Answer(L"provider7.RunUpload", L"0");
     const PlacedWipeProgram program(ProgramFolder());
