@@ -2,16 +2,27 @@
 
 #include "OBCore/cloud/ArchiveNames.h"
 #include "OBCore/files/Paths.h"
+#include "OBCore/files/TemporaryFolders.h"
 #include "OBCore/files/WorkingCopy.h"
 
 using obcontract::kCompressionZipx;
 
 namespace obcore {
+namespace {
+
+// The folder that a run's zip is in when none could be made for it: everybody's.
+bool IsTemporaryFolder(const std::wstring& folder) {
+    std::wstring temporary;
+    return GetTemporaryFolder(temporary) && temporary == folder;
+}
+
+} // namespace
 
 bool IsOwnResult(const OBAttachJob& job) {
     const std::wstring& folder = job.CleanupFolder; // with its trailing backslash
     return !folder.empty() && job.ResultFolder == folder && job.ResultPath.starts_with(folder) &&
-           job.ResultPath.rfind(L'\\') == folder.size() - 1 && !IsLinkInstead(folder);
+           job.ResultPath.rfind(L'\\') == folder.size() - 1 && !IsTemporaryFolder(folder) &&
+           !IsLinkInstead(folder);
 }
 
 void GiveArchiveExtension(OBAttachJob& job) {

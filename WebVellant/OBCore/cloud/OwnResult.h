@@ -6,7 +6,8 @@
 
 namespace obcore {
 
-// Whether job.ResultPath is in the folder that this run has made for it.
+// Whether job.ResultPath is in the folder that this run has made for it. The temporary folder
+// itself, which a run names when it can't make a folder there, isn't such a folder.
 bool IsOwnResult(const OBAttachJob& job);
 
 // For a provider that takes archives only. Where the name of the result isn't that of an archive,

@@ -1,6 +1,7 @@
 // One upload: its calls, the second attempt, the days until expiry, and what a failure leaves.
 #include "OBCore/cloud/UploadAndShare.h"
 
+#include "OBCore/files/TemporaryFolders.h"
 #include "tests/support/AbsentModule.h"
 #include "tests/unit/WebVellant/OBCore/cloud/CloudFixture.h"
 #include "tests/unit/WebVellant/OBCore/files/WipeProgram.h"
@@ -225,6 +226,30 @@ TEST_F(CloudUpload, HandsAFailedResultToTheWipeProgram) {
     EXPECT_EQ(program.Runs()[0].commandLine,
               L"\"\" /timeout:120 \"" + job_.ResultPath + L"\" \"" + job_.ResultFolder + L"\"");
     EXPECT_TRUE(FileExists(job_.ResultPath)); // this wipe program only takes notes
+}
+
+// A run that can't make a folder writes into the temporary folder, where others have files too.
+TEST_F(CloudUpload, NeverClearsTheTemporaryFolderItself) {
+    Answer(L"provider7.RunUpload", L"0");
+    const PlacedWipeProgram program(ProgramFolder());
+    ASSERT_TRUE(program.Ok());
+    program.WipeForReal();
+    ASSERT_TRUE(obcore::GetTemporaryFolder(job_.ResultFolder));
+    temp_.File(L"canary.txt", "canary");
+    temp_.File(L"files.zip", "zip");
+    job_.ResultPath = job_.ResultFolder + L"files.zip";
+    job_.CleanupFolder = job_.ResultFolder;
+    job_.CleanupFile = job_.ResultPath;
+    ASSERT_TRUE(FileExists(job_.ResultPath));
+    const MessageBoxWatcher boxes;
+    Upload();
+    // An own result that does reach the wipe program shows that the first one didn't.
+    MakeOwnResult();
+    Upload();
+    ASSERT_EQ(program.WaitForRuns(1).size(), 1u);
+    EXPECT_NE(program.Runs()[0].commandLine.find(job_.ResultPath), std::wstring::npos);
+    EXPECT_EQ(obtest::ReadFileContent(temp_ / L"canary.txt"), "canary");
+    EXPECT_EQ(obtest::ReadFileContent(temp_ / L"files.zip"), "zip");
 }
 
 TEST_F(CloudUpload, LeavesTheFolderOfAFailedResultWhenSomethingElseIsInIt) {
