@@ -39,14 +39,12 @@ bool HasUsableDefault(ProviderManagerHandle manager) {
                                                ProviderKind::Storage) != 0;
 }
 
-// The first item has to do for the whole pick.
-void ReportPick(ProviderManagerHandle manager, DownloadList* list, HWND dialog) {
-    CloudItem item{};
-    OnDownloadList::GetItem::Call(list, 0, &item);
+// The first item has to do for the whole pick. The text has reported a missing instance already.
+void ReportPick(ProviderManagerHandle manager, const CloudItem& first, HWND dialog) {
+    CloudProvider* provider = ProviderManager().GetProviderInstance(
+        manager, first.profile.providerId, ProviderKind::Storage);
     std::wstring displayName;
-    ProviderDisplayName(ProviderManager().GetProviderInstance(manager, item.profile.providerId,
-                                                              ProviderKind::Storage),
-                        displayName);
+    if (provider) ProviderDisplayName(provider, displayName);
     const std::wstring browser = BrowserImage(dialog);
     ReportCloudUse(displayName);
     UsageFlags flags;
@@ -58,9 +56,11 @@ bool StorePickedText(CloudButtonHook& record, DownloadList* list, HWND dialog) {
     if (!HasUsableDefault(record.providerManager)) AdoptPickedProfile(record.providerManager, list);
     std::wstring text;
     FormatPickedText(record.providerManager, list, text);
-    if (text.empty()) return false;
+    CloudItem first{};
+    if (!OnDownloadList::GetItem::Call(list, 0, &first)) return false; // a pick of nothing
     record.linkText = std::move(text);
-    ReportPick(record.providerManager, list, dialog);
+    // From here on the text goes out: a report that fails changes nothing.
+    ObLib::RanGuarded([&] { ReportPick(record.providerManager, first, dialog); });
     return true;
 }
 

@@ -1,6 +1,7 @@
 // A pick from the cloud: its calls, what it leaves in the record, what is reported.
 #include <psapi.h>
 
+#include "tests/support/Allocations.h"
 #include "tests/unit/WebVellant/OBCore/cloud/PickFixture.h"
 
 namespace {
@@ -131,8 +132,14 @@ TEST_F(CloudPick, MakesTheFirstItemsAccountTheDefaultWhereThereIsNone) {
 // The walk still finds a provider, and the pick mends the default.
 TEST_F(CloudPick, MakesTheFirstItemsAccountTheDefaultWhereTheDefaultLostItsSupport) {
     Answer(L"IsProviderSupport.7.1", L"0");
+    Answer(L"GetProviderInstance.7", L"0");
+    Answer(L"provider8.HasCapability", L"1");
+    Answer(L"provider8.GetAccountProfiles", L"Bob|bob");
     Answer(L"GetSharedListFromOpenPicker", L"a|x|8|bob");
     EXPECT_TRUE(Pick());
+    EXPECT_EQ(CallsOf({L"EnumProvidersReset", L"GetSharedListFromOpenPicker"}),
+              (Lines{L"EnumProvidersReset(manager)",
+                     L"GetSharedListFromOpenPicker(manager, provider8, list, " + Dialog() + L")"}));
     EXPECT_EQ(Defaults(), Lines{L"SetDefaultStorageProvider(manager, profile(8, \"\", \"bob\"))"});
 }
 
@@ -179,6 +186,48 @@ TEST_F(CloudPick, SendsNoBrowserWhereItsProcessCannotBeOpened) {
 }
 
 // A manager whose picker succeeds with nothing in its list.
+TEST_F(CloudPick, GivesNoTextForAnEmptyListAndShowsNothing) {
+    Answer(L"GetDefaultStorageProvider", L"0||");
+    Answer(L"GetSharedListFromOpenPicker", L"");
+    const MessageBoxWatcher boxes;
+    EXPECT_FALSE(Pick());
+    EXPECT_TRUE(boxes.Seen().empty());
+    EXPECT_EQ(CallsOf({L"DeleteDownloadList"}).size(), 1u);
+    ExpectNothingPicked();
+}
+
+TEST_F(CloudPick, ReportsAMissingInstanceOfTheFirstItemOnce) {
+    Answer(L"GetSharedListFromOpenPicker", L"a|x|99|zed");
+    const MessageBoxWatcher boxes;
+    EXPECT_TRUE(Pick());
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    ExpectAssertion(boxes.Seen()[0], L"cloud_svc != NULL");
+    EXPECT_EQ(CallsOf({L"LogAppletFeature"})[0],
+              L"LogAppletFeature(\"feature.cloud\", \"cloud.name=\")");
+}
+
+// The caller inserts the text of the record also when the dialog is closed by a cancel later on.
+TEST_F(CloudPick, LeavesATextOnlyWhenItSucceedsAlsoWithoutMemory) {
+    Answer(L"GetSharedListFromOpenPicker", L"a|x");
+    std::size_t thrown = 0;
+    std::size_t swallowed = 0;
+    for (std::size_t which = 0;; ++which) {
+        record_.linkText.clear();
+        bool picked = false;
+        const obtest::FailingAllocations failing({.succeeding = which, .once = true});
+        try {
+            picked = Pick();
+        } catch (const std::bad_alloc&) {
+            ++thrown;
+        }
+        EXPECT_EQ(picked, !record_.linkText.empty()) << which;
+        if (!failing.Failed()) break;
+        if (picked) ++swallowed;
+    }
+    EXPECT_GT(thrown, 0u);
+    EXPECT_GT(swallowed, 0u); // the report's own
+}
+
 TEST_F(CloudPick, AdoptsNoAccountFromAnEmptyList) {
     Answer(L"GetDefaultStorageProvider", L"0||");
     auto* list = obcore::slots::OnCloudProvider::CreateDownloadList::Call(Provider(7));
