@@ -53,6 +53,8 @@ enum class Destination { Attachment, Cloud, Nowhere };
 Destination FindDestination(OBAttachJob& job) {
     if (IsUsable(job, DefaultProfile(job))) return Destination::Cloud;
     if (job.CloudServicesUnavailable()) return Destination::Attachment;
+    // Links are forbidden for this request: the send refuses, for which no account is needed.
+    if (job.UploadBlocked) return Destination::Cloud;
     // The choice counts by what it left in the record, however the dialog was closed.
     ShowSelectDefaultCloudDialog(job.ParentWindow, job);
     return IsUsable(job, job.SelectedStorageProvider) ? Destination::Cloud : Destination::Nowhere;

@@ -117,6 +117,18 @@ TEST_F(ProviderChoice, AttachesWithoutADialogWhenCloudServicesAreForbidden) {
     EXPECT_EQ(job_.ResultPath, archive_);
 }
 
+// With the answer that a send gives when links are forbidden.
+TEST_F(ProviderChoice, AttachesWithoutADialogOrAReportWhenLinksAreForbidden) {
+    job_.UploadBlocked = true;
+    TheFakePipeline().send = [](auto& job, auto&) { return !job.UploadBlocked; };
+    EXPECT_EQ(Process({archive_}), 1);
+    EXPECT_EQ(Calls(), (Lines{kDefaultAsked, kDefaultAsked,
+                              L"RunCloudSend(" + Quote(archive_) + L", 7, 0, \"\")"}));
+    EXPECT_EQ(job_.ResultPath, archive_);
+    EXPECT_TRUE(job_.ResultIsArchive);
+    EXPECT_EQ(picker_.LinkText, L"");
+}
+
 TEST_F(ProviderChoice, UsesTheDefaultAccountAlsoWhenCloudServicesAreForbidden) {
     FakeModules::Answer(L"GetDefaultStorageProvider", L"7|label|account");
     job_.DisableCloudServices = true;
