@@ -129,6 +129,27 @@ TEST_F(Texts, OfAnUploadWindowFitTheirBuffers) {
     for (const UINT id : {136u, 137u, 150u}) EXPECT_LT(TextOf(id).size(), 512u) << id;
 }
 
+// A mail's texts are fields with pipes between them, the last one between two markers.
+TEST_F(Texts, TextsOfAMailHaveNoSeparatorAndNoMarker) {
+    for (const UINT id : {130u, 131u, 132u, 133u, 134u, 145u, 150u, 160u}) {
+        const std::wstring text = TextOf(id);
+        ASSERT_FALSE(text.empty()) << id;
+        EXPECT_EQ(0, CountOf(text, L'|')) << id;
+        EXPECT_EQ(std::wstring::npos, text.find(L"#POPUP")) << id;
+    }
+}
+
+TEST_F(Texts, TextsOfAMailHaveTheirPlaceholders) {
+    for (const UINT id : {131u, 132u, 133u, 134u, 150u, 160u}) {
+        EXPECT_EQ(0, CountOf(TextOf(id), L'%')) << id;
+    }
+    EXPECT_EQ(1, CountOf(TextOf(130), L'%'));
+    EXPECT_NE(std::wstring::npos, TextOf(130).find(L"%s"));
+    EXPECT_EQ(1, CountOf(TextOf(145), L'%'));
+    EXPECT_NE(std::wstring::npos, TextOf(145).find(L"%d"));
+    EXPECT_TRUE(TextOf(145).ends_with(L' ')); // 134 follows in the same field
+}
+
 TEST_F(Texts, ATextIsCutToTheCapacity) { EXPECT_EQ(L"All", LoadText(obcore::TextId::AllFiles, 4)); }
 
 TEST_F(Texts, AnIdWithoutATextIsEmpty) { EXPECT_EQ(L"", LoadText(obcore::TextId{9999})); }
