@@ -93,7 +93,10 @@ bool FindRoom(OBAttachJob& job, std::int64_t totalSize, ProviderProfile& profile
               CloudProvider*& kept) {
     for (;;) {
         CloudProvider* provider = InstanceOf(job, profile);
-        if (!CheckProvider(provider, 423)) return true;
+        if (!provider) {
+            if (kept) CheckProvider(provider, 423); // else the upload reports it
+            return true;
+        }
         const std::uint32_t error = ExceededLimit(provider, profile.accountKey, totalSize);
         if (error == 0) return true;
         OnCloudProvider::SetLastProviderError::Call(provider, error);

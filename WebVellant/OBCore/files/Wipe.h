@@ -14,6 +14,10 @@ ObLib::UniqueKernelHandle StartWipeProcess(const std::wstring& arguments);
 
 // Hands the items to the wipe program, without waiting for it. Empties the list when the program
 // was started, leaves it as it was when not. A quotation mark within an item isn't escaped.
+//
+// The program gets an empty first word, /timeout:120 and each item in quotation marks. It has to
+// split its command line at these marks itself: a folder ends in a backslash, and the usual rules
+// for arguments take a backslash and the closing mark for a mark within the argument.
 void LaunchWipe(std::vector<std::wstring>& items);
 
 // LaunchWipe for both lists as one, files first. Both come back empty when the program was started,

@@ -157,6 +157,22 @@ TEST_F(CloudSend, AsksForAnotherAccountAfterAFailedLoginAndStopsWithoutOne) {
     EXPECT_TRUE(obtest::FileExists(job_.ResultPath));
 }
 
+// What an earlier chooser left in the record isn't a choice of this one.
+TEST_F(CloudSend, StopsAfterACancelWhateverWasChosenBefore) {
+    job_.SelectedStorageProvider = Profile(8, L"Bob", L"bob");
+    const MessageBoxWatcher boxes;
+    Answer(L"provider7.IsAccountLoggedIn", L"0");
+    EXPECT_TRUE(Send());
+    Answer(L"provider7.IsAccountLoggedIn", L"1");
+    Answer(L"provider7.GetMaxFileSize", L"4");
+    EXPECT_TRUE(Send(5));
+    EXPECT_EQ(CallsOf({L"ShowSelectDefaultCloudDialog", L"SetLastProviderError"}),
+              (Lines{ChooserShown(), L"SetLastProviderError(provider7, 7)", ChooserShown()}));
+    EXPECT_TRUE(Uploads().empty());
+    EXPECT_EQ(linkText_, L"");
+    EXPECT_TRUE(SameBytes(profile_, Profile(7, L"Ann", L"ann")));
+}
+
 // The limits are those of the choice; the upload goes through the instance of the first profile.
 TEST_F(CloudSend, ChecksTheChoiceAfterAFailedLoginAndUploadsThroughTheFirstInstance) {
     Answer(L"provider7.IsAccountLoggedIn", L"0");
@@ -325,12 +341,22 @@ TEST_F(CloudSend, FailsWithoutAnInstanceOfTheChoice) {
     chooserAnswers = {Profile(99, L"Zed", L"zed")};
     const MessageBoxWatcher boxes;
     EXPECT_TRUE(Send(5));
-    ASSERT_EQ(boxes.Seen().size(), 3u); // the limit, its choice's limits, the upload
+    ASSERT_EQ(boxes.Seen().size(), 2u); // the limit, then the missing instance
     ExpectAssertion(boxes.Seen()[1], L"cloud_svc != NULL");
-    ExpectAssertion(boxes.Seen()[2], L"cloud_svc != NULL");
     EXPECT_TRUE(Uploads().empty());
     EXPECT_EQ(linkText_, L"");
     EXPECT_TRUE(Left().empty());
+}
+
+// The upload goes through the first instance; only the limits of the choice can't be checked.
+TEST_F(CloudSend, AssertsOnceThatTheLimitsOfAChoiceCannotBeChecked) {
+    Answer(L"provider7.IsAccountLoggedIn", L"0");
+    chooserAnswers = {Profile(99, L"Zed", L"zed")};
+    const MessageBoxWatcher boxes;
+    EXPECT_TRUE(Send());
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    ExpectAssertion(boxes.Seen()[0], L"cloud_svc != NULL");
+    EXPECT_EQ(Uploads(), Lines{L"CreateUploadList(provider7, \"zed\")"});
 }
 
 } // namespace
