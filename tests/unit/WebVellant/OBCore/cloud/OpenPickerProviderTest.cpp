@@ -64,6 +64,15 @@ TEST_F(OpenPickerProvider, IsFoundByTheWalkWithoutADefault) {
                      L"EnumProvidersReset(manager)"}));
 }
 
+// A manager that gives an instance for the id of an empty profile.
+TEST_F(OpenPickerProvider, IsNeverThatOfAnEmptyDefault) {
+    Answer(L"Providers", L"0,8");
+    CanPick(L"0");
+    CanPick(L"8");
+    HasAccounts(L"8");
+    EXPECT_EQ(Chosen(), 8u);
+}
+
 TEST_F(OpenPickerProvider, IsFoundByTheWalkWhenTheDefaultHasNoInstance) {
     Answer(L"GetDefaultStorageProvider", L"99|Zed|zed");
     CanPick(L"8");

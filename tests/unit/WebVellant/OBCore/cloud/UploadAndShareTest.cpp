@@ -157,6 +157,21 @@ TEST_F(CloudUpload, AsksForExpiryOnlyWithBothSwitches) {
                     L"\"https://7.example/files.zip\"), 12)"});
 }
 
+// A number of days that the options read as negative.
+TEST_F(CloudUpload, NeverExpiresAfterANegativeNumberOfDays) {
+    job_.ExpireFilesAvailable = job_.ExpireFiles = true;
+    std::wstring expiry = obcore::LoadText(obcore::TextId::ShareExpiry);
+    expiry.resize(expiry.find(L"%d"));
+    for (const std::uint32_t days : {0xFFFFFFFFu, 0xFFFFFFFBu, 0x80000000u}) {
+        job_.S4DelExpireDays = days;
+        Upload();
+        EXPECT_TRUE(CallsOf({L"AddFileToDeletionSchedule"}).empty());
+        EXPECT_EQ(linkText_.find(expiry), std::wstring::npos);
+        EXPECT_TRUE(linkText_.starts_with(L"0| |files.zip|"));
+        EXPECT_FALSE(job_.Usage.UsageExpiry);
+    }
+}
+
 TEST_F(CloudUpload, SchedulesTheDeletionAfterNoDaysToo) {
     job_.ExpireFilesAvailable = job_.ExpireFiles = true;
     job_.S4DelExpireDays = 0;
@@ -203,6 +218,39 @@ TEST_F(CloudUpload, ShowsTheProvidersTextWhenItFailsAndClearsTheResult) {
     EXPECT_EQ(linkText_, L"");
     EXPECT_TRUE(Left().empty());
     EXPECT_FALSE(job_.Usage.UsageExpiry);
+}
+
+bool wasThereAtTheError = false;
+std::wstring resultOfTheError;
+decltype(&MessageBoxW) realBox = nullptr;
+int WINAPI NotedBox(HWND owner, LPCWSTR text, LPCWSTR caption, UINT style) {
+    wasThereAtTheError = FileExists(resultOfTheError);
+    return realBox(owner, text, caption, style);
+}
+
+TEST_F(CloudUpload, ClearsTheResultBeforeItShowsTheFailure) {
+    Answer(L"provider7.RunUpload", L"0");
+    const obtest::ImportPatch<decltype(&MessageBoxW)> box("user32.dll", "MessageBoxW", &NotedBox);
+    ASSERT_TRUE(box.Ok());
+    realBox = box.Real();
+    resultOfTheError = job_.ResultPath;
+    wasThereAtTheError = true;
+    ASSERT_TRUE(FileExists(resultOfTheError));
+    const MessageBoxWatcher boxes;
+    Upload();
+    EXPECT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_FALSE(wasThereAtTheError);
+}
+
+TEST_F(CloudUpload, AsksForTheErrorOfTheStampedNameAfterASecondFailure) {
+    Answer(L"provider7.RunUpload", L"0");
+    Answer(L"provider7.RunUpload.reason", L"1,0");
+    const MessageBoxWatcher boxes;
+    Upload();
+    const std::wstring stamped = std::wstring(L"files") + kFirstStamp + L".zip";
+    EXPECT_EQ(CallsOf({L"GetLastErrorOfProvider"}),
+              Lines{L"GetLastErrorOfProvider(provider7, \"ann\", " + Quote(stamped) + L", 2048)"});
+    EXPECT_TRUE(Left().empty());
 }
 
 TEST_F(CloudUpload, ShowsATextThatFillsItsBuffer) {
@@ -403,6 +451,27 @@ TEST_F(ArchivesOnly, LeavesOtherProvidersTheirNames) {
     Upload(7);
     EXPECT_EQ(job_.ResultName, L"report.pdf");
     EXPECT_TRUE(FileExists(temp_ / L"run\\report.pdf"));
+}
+
+TEST_F(ArchivesOnly, LeavesNothingAfterAFailedUpload) {
+    Answer(L"provider21.RunUpload", L"0");
+    MakeOwnResult(L"report.pdf");
+    const MessageBoxWatcher boxes;
+    Upload(21);
+    EXPECT_EQ(job_.ResultPath, temp_ / L"run\\report.zip");
+    EXPECT_TRUE(Left().empty());
+}
+
+TEST_F(ArchivesOnly, GetsAZipNameAlsoForAPathOfMoreThan260Characters) {
+    const std::wstring folder = temp_ / std::wstring(240, L'd');
+    ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + folder).c_str(), nullptr));
+    job_.ResultName = L"a long name of a report.pdf";
+    job_.ResultFolder = job_.CleanupFolder = folder + L"\\";
+    job_.ResultPath = job_.CleanupFile = job_.ResultFolder + job_.ResultName;
+    ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + job_.ResultPath, "zip"));
+    Upload(21);
+    EXPECT_EQ(job_.ResultPath, folder + L"\\a long name of a report.zip");
+    EXPECT_EQ(obtest::ReadFileContent(L"\\\\?\\" + job_.ResultPath), "zip");
 }
 
 // A file of the new name is in the way: nothing is overwritten, and the failed move isn't looked
