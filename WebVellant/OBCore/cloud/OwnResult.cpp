@@ -1,5 +1,8 @@
 #include "OBCore/cloud/OwnResult.h"
 
+#include <utility>
+#include <vector>
+
 #include "OBCore/cloud/ArchiveNames.h"
 #include "OBCore/files/Paths.h"
 #include "OBCore/files/TemporaryFolders.h"
@@ -25,20 +28,24 @@ bool IsOwnResult(const OBAttachJob& job) {
            !IsLinkInstead(folder);
 }
 
-void GiveArchiveExtension(OBAttachJob& job) {
-    if (IsArchiveName(job.ResultPath)) return;
+std::wstring GiveArchiveExtension(OBAttachJob& job) {
+    if (IsArchiveName(job.ResultPath)) return {};
     const wchar_t* extension = job.CompressionMethod == kCompressionZipx ? L".zipx" : L".zip";
     job.ResultName = WithExtension(job.ResultName, extension);
-    if (!IsOwnResult(job)) return;
+    if (!IsOwnResult(job)) return {};
     const std::wstring before = job.ResultPath;
     job.ResultPath = WithExtension(job.ResultPath, extension);
     job.CleanupFile = WithExtension(job.CleanupFile, extension);
-    MoveFileExW(ExtendedPath(before).c_str(), ExtendedPath(job.ResultPath).c_str(),
-                MOVEFILE_COPY_ALLOWED);
+    const bool moved = MoveFileExW(ExtendedPath(before).c_str(),
+                                   ExtendedPath(job.ResultPath).c_str(), MOVEFILE_COPY_ALLOWED);
+    return moved ? std::wstring() : before;
 }
 
-void WipeOwnResult(const OBAttachJob& job) {
-    if (IsOwnResult(job)) WipeResult(job.ResultPath, job.ResultFolder);
+void WipeOwnResult(const OBAttachJob& job, const std::wstring& left) {
+    if (!IsOwnResult(job)) return;
+    std::vector<std::wstring> files = {job.ResultPath};
+    if (!left.empty()) files.push_back(left);
+    WipeResult(std::move(files), job.ResultFolder);
 }
 
 } // namespace obcore

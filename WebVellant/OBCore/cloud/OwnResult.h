@@ -2,6 +2,8 @@
 // the user's own folder: none of this touches it.
 #pragma once
 
+#include <string>
+
 #include "OBCore/options/OBAttachJob.h"
 
 namespace obcore {
@@ -13,10 +15,11 @@ bool IsOwnResult(const OBAttachJob& job);
 // For a provider that takes archives only. Where the name of the result isn't that of an archive,
 // the name on the cloud gets the extension that the zip's kind has; so do the file and the paths
 // that name it, when the result is the run's own. A file that can't be renamed isn't reported: the
-// upload then finds none.
-void GiveArchiveExtension(OBAttachJob& job);
+// upload then finds none. Returns the path under which that file is left, else nothing.
+std::wstring GiveArchiveExtension(OBAttachJob& job);
 
-// After a failed upload: clears the result and its folder, when they are the run's own.
-void WipeOwnResult(const OBAttachJob& job);
+// After a failed upload: clears the result and its folder, when they are the run's own, and with
+// them the file of the run at `left`, if that isn't empty.
+void WipeOwnResult(const OBAttachJob& job, const std::wstring& left = {});
 
 } // namespace obcore

@@ -86,12 +86,13 @@ bool UploadAndShare(OBAttachJob& job, CloudProvider* provider, std::wstring& lin
         OnCloudProvider::ClearCallback::Call(provider);
         if (list) OnCloudProvider::DestroyUploadList::Call(provider, list);
     });
-    if (profile.providerId == kArchivesOnlyProvider) GiveArchiveExtension(job);
+    std::wstring left; // the result under its old name, when it can't be renamed
+    if (profile.providerId == kArchivesOnlyProvider) left = GiveArchiveExtension(job);
     const Upload upload{job, provider, list, profile, callback};
     if (list && RunUpToTwice(upload)) {
         Share(upload, linkText);
     } else {
-        WipeOwnResult(job);
+        WipeOwnResult(job, left);
         ShowProviderError(job, provider, profile.accountKey);
     }
     return true;

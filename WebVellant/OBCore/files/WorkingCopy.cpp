@@ -37,13 +37,12 @@ bool IsLinkInstead(std::wstring folder) {
            (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
 }
 
-void WipeResult(const std::wstring& file, const std::wstring& folder) {
+void WipeResult(std::vector<std::wstring> files, const std::wstring& folder) {
     if (IsLinkInstead(folder)) return;
-    std::vector<std::wstring> files = {file};
     std::vector<std::wstring> folders = {folder};
     WipeFiles(files, folders);
     if (files.empty()) return;
-    DeleteCopy(file);
+    for (const std::wstring& file : files) DeleteCopy(file);
     RemoveDirectoryW(ExtendedPath(folder).c_str());
 }
 

@@ -17,10 +17,10 @@ struct WorkingCopy {
 // it leads to belongs to somebody else. With or without a trailing backslash.
 bool IsLinkInstead(std::wstring folder);
 
-// Clears a result that goes nowhere, a file alone in a folder that the run has made for it: by the
-// wipe program, which works on after this call, or by plain deletion. When a link has taken the
-// folder's place, nothing is deleted. What can't be removed stays, without a message.
-void WipeResult(const std::wstring& file, const std::wstring& folder);
+// Clears a result that goes nowhere, files in a folder that the run has made for them: by the wipe
+// program, which works on after this call, or by plain deletion. When a link has taken the folder's
+// place, nothing is deleted. What can't be removed stays, without a message.
+void WipeResult(std::vector<std::wstring> files, const std::wstring& folder);
 
 namespace CompressUtils {
 

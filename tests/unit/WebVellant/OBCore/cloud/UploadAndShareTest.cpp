@@ -486,6 +486,15 @@ TEST_F(ArchivesOnly, GoesOnWhenTheFileCannotBeRenamed) {
     EXPECT_EQ(obtest::ReadFileContent(temp_ / L"run\\report.pdf"), "zip");
 }
 
+TEST_F(ArchivesOnly, LeavesNothingAfterAFailedUploadOfAFileThatCannotBeRenamed) {
+    Answer(L"provider21.RunUpload", L"0");
+    MakeOwnResult(L"report.pdf");
+    temp_.File(L"run\\report.zip", "in the way");
+    const MessageBoxWatcher boxes;
+    Upload(21);
+    EXPECT_TRUE(Left().empty());
+}
+
 DWORD movedWith = 0;
 decltype(&MoveFileExW) realMove = nullptr;
 BOOL WINAPI NotedMove(LPCWSTR from, LPCWSTR to, DWORD flags) {
