@@ -8,6 +8,7 @@
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/options/OBAttachJob.h"
+#include "ObLib/Src/Win32/Guarded.h"
 
 using obcontract::CloudProvider;
 using obcontract::ProviderManagerHandle;
@@ -71,7 +72,10 @@ bool MakeDefault(HWND window, ProviderManagerHandle manager, const ProviderProfi
 void OnListRowChanged(HWND window, const NMLISTVIEW& change) {
     const UINT image = StateImageOf(change.uNewState);
     if (image != kUntickedImage && image != kTickedImage) return;
-    OnSelectRowChanged(window);
+    // Without memory nothing is known of the row: the button must not keep what it says of another
+    // one, and the other rows lose their ticks all the same.
+    if (!ObLib::RanGuarded([window] { OnSelectRowChanged(window); }))
+        EnableWindow(GetDlgItem(window, OB_CHOOSER_CONTINUE), FALSE);
     if (image == kTickedImage && StateImageOf(change.uOldState) == kUntickedImage) {
         UntickOthers(ListOf(window), change.iItem);
     }

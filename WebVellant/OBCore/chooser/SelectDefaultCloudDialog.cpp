@@ -65,7 +65,7 @@ void SetHeadlineFont(HWND window, DialogParts& parts) {
 void PrepareList(HWND list) {
     ListView_SetExtendedListViewStyleEx(list, LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP,
                                         LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP);
-    LVCOLUMNW column{};
+    LVCOLUMNW column{.mask = LVCF_FMT, .fmt = LVCFMT_LEFT};
     ListView_InsertColumn(list, 0, &column);
 }
 

@@ -33,6 +33,14 @@ TEST_F(AccountCacheTest, TakesTheAccountsOfEveryProviderInTheirOrder) {
     EXPECT_STREQ(cache.at(9)[0].accountKey, L"cid");
 }
 
+TEST_F(AccountCacheTest, AppendsTheAccountsOfAProviderThatIsListedTwice) {
+    Answer(L"Providers", L"7,7");
+    Answer(L"provider7.GetAccountProfiles", L"Ann|ann");
+    const AccountCache cache = Refreshed();
+    ASSERT_EQ(cache.size(), 1u);
+    EXPECT_EQ(cache.at(7).size(), 2u);
+}
+
 TEST_F(AccountCacheTest, WalksTheProvidersOnceFromTheStart) {
     Answer(L"Providers", L"7,9");
     Refreshed();

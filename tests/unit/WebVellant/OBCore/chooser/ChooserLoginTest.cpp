@@ -132,6 +132,17 @@ TEST_F(ChooserLogin, KeepsTheChosenAccountWhenTheProviderReportsNone) {
     EXPECT_STREQ(job_.SelectedStorageProvider.accountLabel, L"Ann B"); // in and out
 }
 
+TEST_F(ChooserLogin, KeepsTheChosenAccountWhenTheProviderFillsInNone) {
+    OneProvider(L"Ann|ann", false);
+    EXPECT_TRUE(Show([](const Chooser& chooser) {
+        chooser.Tick(0);
+        Answer(L"Login2", L"1");
+        Answer(L"provider7.GetAccountProfiles", L"5"); // a count alone
+        chooser.Press(OB_CHOOSER_CONTINUE);
+    }));
+    EXPECT_EQ(ChosenKey(), L"ann");
+}
+
 TEST_F(ChooserLogin, GoesByTheTextOfTheButtonAndNotByTheAccountsStateByNow) {
     OneProvider(L"Ann|ann");
     EXPECT_TRUE(Show([](const Chooser& chooser) {

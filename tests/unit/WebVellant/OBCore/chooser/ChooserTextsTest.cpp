@@ -16,6 +16,11 @@
 
 namespace {
 
+// The numbers are fixed, whatever their names.
+static_assert(OB_CHOOSER == 114 && OB_PRODUCT_ICON == 111);
+static_assert(OB_CHOOSER_CONTINUE == 1208 && OB_CHOOSER_HEADLINE == 1211);
+static_assert(OB_CHOOSER_LIST == 1212 && OB_CHOOSER_DEFAULT == 1214);
+
 using Languages = std::vector<WORD>;
 
 constexpr int kTextsOfABlock = 16;

@@ -92,6 +92,28 @@ TEST_F(ChooserTicks, AreLikeRadioButtons) {
     });
 }
 
+TEST_F(ChooserTicks, AskForTheFirstTickedRowAtEachChange) {
+    OneProvider(L"Ann|ann;Bob|bob;Cid|cid");
+    Use([](const Chooser& chooser) {
+        chooser.Tick(0);
+        chooser.Tick(2); // two rows are ticked for a moment
+    });
+    const auto call = [](const wchar_t* key) {
+        return std::wstring(L"IsAccountLoggedIn(provider7, \"") + key + L"\")";
+    };
+    EXPECT_EQ(CallsOf({L"IsAccountLoggedIn"}), (Lines{call(L"ann"), call(L"ann"), call(L"cid")}));
+}
+
+TEST_F(ChooserTicks, LeaveTheOthersAloneWhenARowWasNotUntickedBefore) {
+    OneProvider(L"Ann|ann;Bob|bob");
+    Use([](const Chooser& chooser) {
+        chooser.Tick(1);
+        ListView_SetItemState(chooser.list, 0, INDEXTOSTATEIMAGEMASK(3), LVIS_STATEIMAGEMASK);
+        chooser.SetTick(0, true);
+        EXPECT_EQ(chooser.Ticked(), (Rows{0, 1}));
+    });
+}
+
 TEST_F(ChooserTicks, DisableTheButtonWhenTheOnlyOneIsTakenAway) {
     OneProvider(L"Ann|ann");
     Use([](const Chooser& chooser) {

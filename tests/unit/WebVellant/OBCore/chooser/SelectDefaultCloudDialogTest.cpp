@@ -307,6 +307,22 @@ TEST_F(SelectDefaultCloudDialog, CountsAsCancelledWhenThereIsNoMemoryForItsRows)
     EXPECT_TRUE(IsWindowEnabled(owner_.Get()));
 }
 
+TEST_F(SelectDefaultCloudDialog, KeepsNoOtherRowsTickOrTextWhenMemoryRunsOutForATick) {
+    OneProvider(L"Ann|ann;Bob|bob");
+    Answer(L"provider7.IsAccountLoggedIn.bob", L"0");
+    EXPECT_FALSE(Show([](const Chooser& chooser) {
+        chooser.Tick(0);
+        {
+            const obtest::FailingAllocations failing({.othersOnly = true});
+            chooser.Tick(1);
+            EXPECT_TRUE(failing.Failed());
+        }
+        EXPECT_EQ(chooser.Ticked(), std::vector<int>{1});
+        EXPECT_FALSE(chooser.ButtonIsEnabled());
+        chooser.Cancel();
+    }));
+}
+
 TEST_F(SelectDefaultCloudDialog, StaysUsableAfterMemoryRanOutForATick) {
     OneProvider(L"Ann|ann");
     EXPECT_TRUE(Show([](const Chooser& chooser) {
@@ -315,6 +331,7 @@ TEST_F(SelectDefaultCloudDialog, StaysUsableAfterMemoryRanOutForATick) {
             chooser.Tick(0);
             EXPECT_TRUE(failing.Failed());
         }
+        EXPECT_FALSE(chooser.ButtonIsEnabled());
         chooser.SetTick(0, false);
         chooser.Tick(0);
         EXPECT_EQ(chooser.ButtonText(), ContinueText());
