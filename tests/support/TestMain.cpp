@@ -27,14 +27,32 @@ class RunningTestRecorder final : public testing::EmptyTestEventListener {
     }
 };
 
+void PrintLine(const char* format, const char* value) {
+    char line[640];
+    const int length = snprintf(line, sizeof line, format, value);
+    DWORD written = 0;
+    WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), line, static_cast<DWORD>(length), &written, nullptr);
+}
+
+// Asks no window for its text, as its thread may hang.
+BOOL CALLBACK PrintText(HWND window, LPARAM isChild) {
+    wchar_t text[256] = L"";
+    char narrow[sizeof text] = "";
+    if (IsWindowVisible(window) && InternalGetWindowText(window, text, 256) > 0) {
+        WideCharToMultiByte(CP_UTF8, 0, text, -1, narrow, sizeof narrow - 1, nullptr, nullptr);
+        PrintLine(isChild ? "[  WATCHDOG  ]   in it: %s\n" : "[  WATCHDOG  ] window: %s\n", narrow);
+    }
+    if (!isChild) EnumChildWindows(window, &PrintText, TRUE);
+    return TRUE;
+}
+
 // Runs on a thread of its own. Takes no lock of the program: the main thread may own it for ever.
+// The texts of the open windows show what the test waits for, a message box that nobody expected
+// for instance.
 DWORD WINAPI Watch(void* limit) {
     Sleep(static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(limit)));
-    char text[640];
-    const int length =
-        snprintf(text, sizeof text, "\n[  WATCHDOG  ] time is up; running: %s\n", g_runningTest);
-    DWORD written = 0;
-    WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), text, static_cast<DWORD>(length), &written, nullptr);
+    PrintLine("\n[  WATCHDOG  ] time is up; running: %s\n", g_runningTest);
+    EnumWindows(&PrintText, FALSE);
     TerminateProcess(GetCurrentProcess(), ObTestTimeIsUp);
     return 0;
 }
