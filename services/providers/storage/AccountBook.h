@@ -1,0 +1,56 @@
+// The accounts of the storage providers, below the manager's registry key: one key a provider,
+// below it one key an account, whose values belong to the provider.
+//
+//   KEY\Accounts\<provider id>\<account key>
+//       Label    REG_SZ     shown for the account
+//       Order    REG_QWORD  the newest account has the highest
+//       others   REG_SZ     the provider's own; never a password or a link
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "services/providers/storage/StorageProvider.h"
+
+namespace providers {
+
+inline constexpr std::size_t kMostAccounts = 16; // of one provider: what a caller has room for
+
+// Opens the keys for each access and keeps nothing open in between, so that another process sees a
+// change at once. On any thread. Texts have at most 2,000 characters; a longer one, or a value of
+// another type, is as if it weren't there.
+class AccountBook {
+public:
+    // The hive and key that Init was given.
+    AccountBook(HKEY hive, std::wstring key);
+
+    // Oldest first, at most kMostAccounts; those without a label are left out.
+    std::vector<StorageAccount> Accounts(std::uint32_t providerId) const;
+
+    bool Contains(std::uint32_t providerId, const std::wstring& accountKey) const;
+
+    // Makes a new account, which is the newest, with a key that no other has. Nothing when there
+    // are kMostAccounts already, or when it can't be written.
+    std::optional<StorageAccount> Add(std::uint32_t providerId, const std::wstring& label) const;
+
+    // Removes an account with all its values. True when it isn't there afterwards.
+    bool Remove(std::uint32_t providerId, const std::wstring& accountKey) const;
+
+    // A text of an account; nothing when there is none.
+    std::optional<std::wstring> Text(std::uint32_t providerId, const std::wstring& accountKey,
+                                     const wchar_t* name) const;
+    // False, with the old value kept, when it can't be written or there is no such account.
+    bool SetText(std::uint32_t providerId, const std::wstring& accountKey, const wchar_t* name,
+                 const std::wstring& text) const;
+
+private:
+    HKEY hive_; // predefined: never closed
+    std::wstring key_;
+};
+
+} // namespace providers

@@ -1,0 +1,20 @@
+// What a pick from the cloud has room for in the record of a file and in the text for the mail.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "services/providers/storage/StorageProvider.h"
+
+namespace providers {
+
+// The name under which a picked file gets into the text for the mail: its name, a blank and its
+// link. The text has no place of its own for links. A pipe, which separates the parts of the text,
+// becomes "%7C" in the link and a blank in the name.
+std::wstring NameWithLink(const PickedFile& file);
+
+// Whether each name with its link fits the record of a file, and all of them fit the text. A link
+// is never cut: a picker asks for fewer files instead.
+bool FitsLinkText(std::span<const PickedFile> files, const std::wstring& displayName);
+
+} // namespace providers
