@@ -20,22 +20,26 @@
 namespace providers {
 
 inline constexpr std::size_t kMostAccounts = 16; // of one provider: what a caller has room for
+inline constexpr std::size_t kLongestLabel = 50; // characters, without the NUL
 
 // Opens the keys for each access and keeps nothing open in between, so that another process sees a
 // change at once. On any thread. Texts have at most 2,000 characters; a longer one, or a value of
-// another type, is as if it weren't there.
+// another type, is as if it weren't there. An account key that Add can't have made finds nothing
+// and never becomes part of a registry path.
 class AccountBook {
 public:
     // The hive and key that Init was given.
     AccountBook(HKEY hive, std::wstring key);
 
-    // Oldest first, at most kMostAccounts; those without a label are left out.
+    // Oldest first, the newest kMostAccounts if there are more; those without a label are left out.
+    // A label is cut to kLongestLabel.
     std::vector<StorageAccount> Accounts(std::uint32_t providerId) const;
 
+    // Whether there is an account of this key with a label.
     bool Contains(std::uint32_t providerId, const std::wstring& accountKey) const;
 
     // Makes a new account, which is the newest, with a key that no other has. Nothing when there
-    // are kMostAccounts already, or when it can't be written.
+    // are kMostAccounts already, or when it can't be written. The label is cut as above.
     std::optional<StorageAccount> Add(std::uint32_t providerId, const std::wstring& label) const;
 
     // Removes an account with all its values. True when it isn't there afterwards.
@@ -44,7 +48,8 @@ public:
     // A text of an account; nothing when there is none.
     std::optional<std::wstring> Text(std::uint32_t providerId, const std::wstring& accountKey,
                                      const wchar_t* name) const;
-    // False, with the old value kept, when it can't be written or there is no such account.
+    // False, with the old value kept, when it can't be written, is too long, or there is no such
+    // account.
     bool SetText(std::uint32_t providerId, const std::wstring& accountKey, const wchar_t* name,
                  const std::wstring& text) const;
 
