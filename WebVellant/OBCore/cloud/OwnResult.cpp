@@ -13,7 +13,7 @@ using obcontract::kCompressionZipx;
 namespace obcore {
 namespace {
 
-// The folder that a run's zip is in when none could be made for it: everybody's.
+// Everybody's folder, whoever noted it as the run's.
 bool IsTemporaryFolder(const std::wstring& folder) {
     std::wstring temporary;
     return GetTemporaryFolder(temporary) && temporary == folder;

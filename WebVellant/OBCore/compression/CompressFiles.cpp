@@ -18,8 +18,9 @@ constexpr std::uint32_t kZipOk = 0;
 // Where the zip is written.
 struct ZipTarget {
     std::wstring Name;   // file name
-    std::wstring Folder; // its own folder, with its trailing backslash
+    std::wstring Folder; // with its trailing backslash
     std::wstring Path;   // full path
+    bool HasOwnFolder = false;
 };
 
 UniqueZipContext MakeContext(const std::vector<std::wstring>& files) {
@@ -47,9 +48,12 @@ bool RunEngine(const OBAttachJob& job, UniqueZipContext context) {
 }
 
 void NoteResult(OBAttachJob& job, const ZipTarget& target) {
+    // The zip can come about without a folder of its own, when the temporary folder is missing for
+    // a moment only. That one is everybody's, and nobody may clean it up.
+    const std::wstring own = target.HasOwnFolder ? target.Folder : std::wstring();
     job.CleanupFile = target.Path;
-    job.CleanupFolder = target.Folder;
-    job.ResultFolder = target.Folder;
+    job.CleanupFolder = own;
+    job.ResultFolder = own;
     job.ResultName = target.Name;
     job.ResultPath = target.Path;
     ObTrace("ZipResult: %S", job.ResultPath.c_str());
@@ -68,7 +72,7 @@ bool CompressFiles(OBAttachJob& job) {
     if (!job.MakesZip()) return true;
     job.Usage.UsageZipped = true;
     // Where no folder can be made, the engine fails to write and reports that.
-    CreateUniqueTempFolder(target.Folder);
+    target.HasOwnFolder = CreateUniqueTempFolder(target.Folder);
     UniqueZipContext context = MakeContext(job.Files);
     NameZip(context, target);
     if (!SetUpEncryption(job, context, target.Folder)) return false;

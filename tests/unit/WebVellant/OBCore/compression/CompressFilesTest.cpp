@@ -230,4 +230,15 @@ TEST_F(Compression, RunsOnWhereNoFolderCanBeMade) {
     EXPECT_TRUE(Left().empty());
 }
 
+// The temporary folder was missing for a moment: the zip is in it and in no folder of its own.
+TEST_F(Compression, NeverNamesTheTemporaryFolderForTheCleanUp) {
+    const std::wstring missing = temp_ / L"missing";
+    UseTemporaryFolder(missing);
+    EXPECT_TRUE(CompressFiles(job_));
+    EXPECT_EQ(job_.ResultPath, missing + L"\\" + kZipName);
+    EXPECT_EQ(job_.CleanupFile, job_.ResultPath);
+    EXPECT_EQ(job_.CleanupFolder, L"");
+    EXPECT_EQ(job_.ResultFolder, L"");
+}
+
 } // namespace
