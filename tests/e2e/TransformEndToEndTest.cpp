@@ -45,6 +45,14 @@ bool AnswerReceipt(int button) {
     return WaitUntil([&] { return !IsWindow(receipt); }, kReceiptLimit);
 }
 
+// A zip that uses at least 85 percent of what a mail of 1 MB has room for.
+void ExpectFitsTheMail(const std::wstring& zip) {
+    constexpr std::size_t kRoom = 729'927; // 1,000,000 bytes without what a mail adds
+    const std::size_t size = ReadFileContent(zip).value_or("").size();
+    EXPECT_LE(size, kRoom);
+    EXPECT_GE(size, kRoom * 85 / 100);
+}
+
 class TransformEndToEnd : public TickedRequest {
 protected:
     // The settings are there, so that the tick asks for none.
@@ -257,10 +265,7 @@ TEST_F(ResizeEndToEnd, GivesOneZipThatFitsTheMail) {
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
-    const std::size_t zip = ReadFileContent(answer.given[0]).value_or("").size();
-    constexpr std::size_t kRoom = 729'927; // 1,000,000 bytes without what a mail adds
-    EXPECT_LE(zip, kRoom);
-    EXPECT_GE(zip, kRoom * 85 / 100);
+    ExpectFitsTheMail(answer.given[0]);
     const auto entries = ReadZip(answer.given[0]);
     ASSERT_EQ(entries.size(), 5u);
     EXPECT_EQ(entries.at("log.txt").content, text);
@@ -309,14 +314,13 @@ TEST_F(SavedOptionEndToEnd, ConvertsAPhotoAndCleansAnotherOne) {
 
 // Pictures that fit the mail once they are converted, stamped and made smaller, all in one pass.
 TEST_F(SavedOptionEndToEnd, GivesOneZipOfConvertedAndStampedPicturesThatFitsTheMail) {
-    const std::wstring key = std::wstring(obcontract::kProviderManagerKey) + L"\\Transforms\\";
     SetUserValue(L"AutoResizeImages", L"1");
     SetUserValue(L"AutoWatermark", L"1");
-    SetValue(HKEY_CURRENT_USER, key + L"2", L"Aim", L"FitMail");
-    SetValue(HKEY_CURRENT_USER, key + L"2", L"Megabytes", L"1");
-    SetValue(HKEY_CURRENT_USER, key + L"5", L"Text", L"Ann Example");
-    SetValue(HKEY_CURRENT_USER, key + L"5", L"Place", L"Centre");
-    SetValue(HKEY_CURRENT_USER, key + L"5", L"Opacity", L"100");
+    Store(2, L"Aim", L"FitMail");
+    Store(2, L"Megabytes", L"1");
+    Store(5, L"Text", L"Ann Example");
+    Store(5, L"Place", L"Centre");
+    Store(5, L"Opacity", L"100");
     const std::wstring bitmap = files_.File(L"scan.bmp", Bmp(800));
     Texts paths{bitmap};
     for (unsigned number = 0; number < 3; ++number) {
@@ -328,10 +332,7 @@ TEST_F(SavedOptionEndToEnd, GivesOneZipOfConvertedAndStampedPicturesThatFitsTheM
     const OpenAnswer answer = AskOpen();
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(answer.given.size(), 1u);
-    const std::size_t zip = ReadFileContent(answer.given[0]).value_or("").size();
-    constexpr std::size_t kRoom = 729'927; // 1,000,000 bytes without what a mail adds
-    EXPECT_LE(zip, kRoom);
-    EXPECT_GE(zip, kRoom * 85 / 100);
+    ExpectFitsTheMail(answer.given[0]);
     const auto entries = ReadZip(answer.given[0]);
     ASSERT_EQ(entries.size(), 4u);
     const std::string& scan = entries.at("scan.jpg").content;

@@ -9,12 +9,14 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "OBCore/modules/ProviderLibrary.h"
 #include "contracts/TransformWork.h"
 #include "tests/fakes/Recording.h"
+#include "tests/support/AbsentModule.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
@@ -155,6 +157,24 @@ protected:
             }
         }
         return false;
+    }
+    // A cancel while the work process writes: no sentence, and nothing but the copy is left.
+    void ExpectEndedBySession(const wchar_t* name) {
+        const std::wstring path = folder_.File(name, "photo");
+        Script("hang-after-writing");
+        const obtest::MessageBoxWatcher boxes;
+        std::thread worker([&] { EXPECT_FALSE(Execute(path)); });
+        EXPECT_TRUE(AwaitUnfinished());
+        Entries().Deinit(manager_);
+        worker.join();
+        EXPECT_EQ(Files(), (Names{name}));
+        EXPECT_EQ(obtest::ReadFileContent(path), "photo");
+        EXPECT_TRUE(boxes.Seen().empty());
+    }
+    void ExpectRefusedWithoutAWorkProcess() {
+        const obtest::AbsentModule absent(kTransformWorkFileName);
+        ASSERT_TRUE(absent.Ok());
+        ExpectRefused("good");
     }
 
     const obtest::TestFolder folder_;

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "tests/unit/services/providers/transforms/ManagerFixture.h"
 
 namespace {
@@ -29,26 +27,8 @@ TEST_F(PhotoRefusals, StopTheRunAndLeaveTheCopy) {
     }
 }
 
-TEST_F(PhotoRefusals, StopTheRunWithoutAWorkProcess) {
-    const std::wstring program = obtest::BesideProgram(kTransformWorkFileName);
-    const std::wstring away = obtest::BesideProgram(L"away.exe");
-    ASSERT_TRUE(MoveFileW(program.c_str(), away.c_str()));
-    ExpectRefused("good");
-    ASSERT_TRUE(MoveFileW(away.c_str(), program.c_str()));
-}
+TEST_F(PhotoRefusals, StopTheRunWithoutAWorkProcess) { ExpectRefusedWithoutAWorkProcess(); }
 
-// A cancel while the work process writes.
-TEST_F(PhotoRefusals, EndWithTheSessionAndLeaveOnlyTheCopy) {
-    const std::wstring path = folder_.File(L"photo.heic", "photo");
-    Script("hang-after-writing");
-    const obtest::MessageBoxWatcher boxes;
-    std::thread worker([&] { EXPECT_FALSE(Execute(path)); });
-    EXPECT_TRUE(AwaitUnfinished());
-    Entries().Deinit(manager_);
-    worker.join();
-    EXPECT_EQ(Files(), (Names{L"photo.heic"}));
-    EXPECT_EQ(obtest::ReadFileContent(path), "photo");
-    EXPECT_TRUE(boxes.Seen().empty());
-}
+TEST_F(PhotoRefusals, EndWithTheSessionAndLeaveOnlyTheCopy) { ExpectEndedBySession(L"photo.heic"); }
 
 } // namespace

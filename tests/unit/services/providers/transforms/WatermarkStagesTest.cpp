@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/ui/WatermarkDialogIds.h"
@@ -123,18 +122,8 @@ TEST_F(WatermarkStages, StopWithASentenceWhenTheProcessDies) {
     ExpectRefused("crash-after-writing");
 }
 
-// A cancel while the work process writes.
 TEST_F(WatermarkStages, EndWithTheSessionAndLeaveOnlyTheCopy) {
-    const std::wstring path = folder_.File(L"photo.jpg", "photo");
-    Script("hang-after-writing");
-    const obtest::MessageBoxWatcher boxes;
-    std::thread worker([&] { EXPECT_FALSE(Execute(path)); });
-    EXPECT_TRUE(AwaitUnfinished());
-    Entries().Deinit(manager_);
-    worker.join();
-    EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
-    EXPECT_EQ(Content(path), "photo");
-    EXPECT_TRUE(boxes.Seen().empty());
+    ExpectEndedBySession(L"photo.jpg");
 }
 
 TEST_F(WatermarkStages, HaveATextBeforeOneWasEntered) {
