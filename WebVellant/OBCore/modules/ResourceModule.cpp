@@ -37,4 +37,9 @@ std::wstring LoadText(TextId id, int capacity) {
     return std::wstring(buffer.data(), static_cast<std::size_t>(length));
 }
 
+void FillIn(std::wstring& text, std::wstring_view placeholder, std::wstring_view value) {
+    const std::size_t at = text.find(placeholder);
+    if (at != std::wstring::npos) text.replace(at, placeholder.size(), value);
+}
+
 } // namespace obcore

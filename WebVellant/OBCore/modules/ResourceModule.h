@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 
 #include "OBCore/modules/TextIds.h"
 
@@ -24,5 +25,9 @@ void FreeResourceModule() noexcept;
 // The text `id`, cut to `capacity` - 1 wide characters; empty when the module isn't bound or has no
 // such text.
 std::wstring LoadText(TextId id, int capacity = 512);
+
+// Puts `value` in the place of the first `placeholder` ("%ls") of a text of the resources. Not by a
+// format: a text that a translator got wrong then costs no more than its value.
+void FillIn(std::wstring& text, std::wstring_view placeholder, std::wstring_view value);
 
 } // namespace obcore

@@ -4,7 +4,6 @@
 
 #include <shlwapi.h>
 
-#include <string_view>
 #include <utility>
 
 #include "OBCore/files/TemporaryFolders.h"
@@ -20,12 +19,8 @@ namespace {
 
 // The one sentence about a file that can't be copied: the callers only stop the run.
 void ShowCopyFailure(const OBAttachJob& job, const std::wstring& path) {
-    constexpr std::wstring_view placeholder = L"%ls";
     std::wstring text = LoadText(TextId::CopyFailed);
-    const std::size_t at = text.find(placeholder);
-    if (at != std::wstring::npos) {
-        text.replace(at, placeholder.size(), PathFindFileNameW(path.c_str()));
-    }
+    FillIn(text, L"%ls", PathFindFileNameW(path.c_str()));
     ShowMessage(job.ParentWindow, text.c_str());
 }
 

@@ -97,4 +97,20 @@ TEST_F(ResourceModuleBinding, CutsATextToItsCapacity) {
     EXPECT_EQ(whole.substr(0, 3), LoadText(kPresentText, 4));
 }
 
+std::wstring Filled(std::wstring text, std::wstring_view value) {
+    obcore::FillIn(text, L"%ls", value);
+    return text;
+}
+
+TEST(FilledText, TakesTheValueInPlaceOfTheFirstPlaceholder) {
+    EXPECT_EQ(Filled(L"%ls of %ls", L"1 GB"), L"1 GB of %ls");
+    EXPECT_EQ(Filled(L"can't copy \"%ls\".", L""), L"can't copy \"\".");
+    EXPECT_EQ(Filled(L"%ls", L"100 %ls"), L"100 %ls");
+}
+
+TEST(FilledText, StaysAsItIsWithoutThePlaceholder) {
+    EXPECT_EQ(Filled(L"100 %s %d %", L"value"), L"100 %s %d %");
+    EXPECT_EQ(Filled(L"", L"value"), L"");
+}
+
 } // namespace
