@@ -1,14 +1,12 @@
 #include "OBCore/chooser/CloudRows.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cwchar>
-#include <iterator>
 #include <vector>
 
 #include "OBCore/chooser/AccountCache.h"
 #include "OBCore/chooser/ByteSizeText.h"
 #include "OBCore/modules/DialogIds.h"
+#include "OBCore/modules/ForeignTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 
@@ -23,43 +21,30 @@ using OnProvider = obcore::slots::OnCloudProvider;
 namespace obcore {
 namespace {
 
-constexpr std::uint32_t kNameCapacity = 128;         // wide characters, with the NUL
-constexpr int kUnknownSpaceCapacity = 51;            // the same
-constexpr std::size_t kLabelCapacity = 51;           // the same; of the name or label in a row
-constexpr std::size_t kSpaceCapacity = 512 + 2 * 64; // a text of the resources with two sizes
+constexpr int kUnknownSpaceCapacity = 51;  // wide characters, with the NUL
+constexpr std::size_t kLabelCapacity = 51; // the same; of the name or label in a row
 
 // Rows point into it. Dialog's thread only.
 AccountCache accounts;
 
-std::wstring DisplayName(CloudProvider* provider) {
-    wchar_t name[kNameCapacity] = L"";
-    std::uint32_t capacity = kNameCapacity;
-    OnProvider::GetDisplayName::Call(provider, ProviderKind::Storage, name, &capacity);
-    return std::wstring(name, wcsnlen(name, kNameCapacity));
-}
-
 // As much as fits, without half of a surrogate pair at the end.
-std::wstring CutLabel(const wchar_t* text, std::size_t length) {
-    std::size_t kept = std::min(length, kLabelCapacity - 1);
-    if (kept > 0 && kept < length && IS_HIGH_SURROGATE(text[kept - 1])) --kept;
-    return std::wstring(text, kept);
+std::wstring CutLabel(const std::wstring& text) {
+    std::size_t kept = std::min(text.size(), kLabelCapacity - 1);
+    if (kept > 0 && kept < text.size() && IS_HIGH_SURROGATE(text[kept - 1])) --kept;
+    return text.substr(0, kept);
 }
 
 std::wstring RowLabel(const ProviderProfile& profile, const std::wstring& name, bool isOneOfMany) {
-    if (!isOneOfMany) return CutLabel(name.data(), name.size());
-    constexpr std::size_t capacity = std::size(ProviderProfile{}.accountLabel);
-    return CutLabel(profile.accountLabel, wcsnlen(profile.accountLabel, capacity));
+    return CutLabel(isOneOfMany ? TextIn(profile.accountLabel) : name);
 }
 
 std::wstring SpaceText(std::int64_t freeBytes, std::int64_t totalBytes) {
     if (freeBytes == SizeUnknown && totalBytes == SizeUnknown) {
         return LoadText(TextId::SpaceUnknown, kUnknownSpaceCapacity);
     }
-    const std::wstring free = ByteSizeText(std::max<std::int64_t>(freeBytes, 0));
-    const std::wstring total = ByteSizeText(totalBytes);
-    wchar_t text[kSpaceCapacity] = L"";
-    _snwprintf(text, kSpaceCapacity - 1, LoadText(TextId::FreeOfTotal).c_str(), free.c_str(),
-               total.c_str());
+    std::wstring text = LoadText(TextId::FreeOfTotal);
+    FillIn(text, L"%ls", ByteSizeText(std::max<std::int64_t>(freeBytes, 0)));
+    FillIn(text, L"%ls", ByteSizeText(totalBytes));
     return text;
 }
 
@@ -81,7 +66,7 @@ void AddRow(HWND list, LVITEMW& item, std::wstring text, ProviderProfile* profil
 }
 
 void AddProvider(HWND list, LVITEMW& item, CloudProvider* provider) {
-    AddProviderRows(list, item, DisplayName(provider), provider);
+    AddProviderRows(list, item, DisplayNameOf(provider), provider);
 }
 
 bool IsOfferedInTheWalk(CloudProvider* provider) {

@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/cloud/OpenPickerProvider.h"
 #include "OBCore/cloud/PickedText.h"
 #include "OBCore/cloud/ProviderTexts.h"
+#include "OBCore/modules/ForeignTexts.h"
 #include "OBCore/modules/Messages.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/options/BrowserImage.h"

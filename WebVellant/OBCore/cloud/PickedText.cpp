@@ -3,8 +3,8 @@
 #include <map>
 #include <utility>
 
-#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/cloud/ProviderTexts.h"
+#include "OBCore/modules/ForeignTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <utility>
 
-#include "OBCore/cloud/ForeignTexts.h"
+#include "OBCore/modules/ForeignTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 
@@ -19,12 +19,9 @@ constexpr wchar_t kUploadMark[] = L"0";
 constexpr wchar_t kPopupBegin[] = L"#POPUP_MESSAGE_BEGIN#";
 constexpr wchar_t kPopupEnd[] = L"#POPUP_MESSAGE_END#";
 
-// The loaded text with `value` in its one place. Formatting by hand: a text of the resources that a
-// translator got wrong then costs no more than its place.
-std::wstring Filled(TextId id, std::wstring_view place, const std::wstring& value) {
+std::wstring Filled(TextId id, std::wstring_view placeholder, std::wstring_view value) {
     std::wstring text = LoadText(id, kTextCapacity);
-    const std::size_t at = text.find(place);
-    if (at != std::wstring::npos) text.replace(at, place.size(), value);
+    FillIn(text, placeholder, value);
     return text;
 }
 

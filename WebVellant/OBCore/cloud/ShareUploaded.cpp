@@ -1,9 +1,9 @@
 #include "OBCore/cloud/ShareUploaded.h"
 
 #include "OBCore/cloud/CloudAssertions.h"
-#include "OBCore/cloud/ForeignTexts.h"
 #include "OBCore/cloud/ProviderTexts.h"
 #include "OBCore/cloud/ShareText.h"
+#include "OBCore/modules/ForeignTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 

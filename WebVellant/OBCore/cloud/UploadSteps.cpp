@@ -3,7 +3,7 @@
 #include <cwchar>
 #include <iterator>
 
-#include "OBCore/cloud/ForeignTexts.h"
+#include "OBCore/modules/ForeignTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 

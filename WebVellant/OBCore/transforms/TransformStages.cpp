@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cwchar>
 #include <utility>
 
+#include "OBCore/modules/ForeignTexts.h"
 #include "OBCore/modules/ProviderLibrary.h"
 
 namespace obcore {
@@ -19,11 +19,6 @@ std::vector<const wchar_t*> PointersTo(const PathList& files) {
     std::vector<const wchar_t*> pointers;
     for (const std::wstring& file : files) pointers.push_back(file.c_str());
     return pointers;
-}
-
-// A buffer that the manager filled to its end has no NUL.
-std::wstring TextIn(const TargetBuffer& buffer) {
-    return std::wstring(buffer.data(), wcsnlen(buffer.data(), buffer.size()));
 }
 
 // Reads the results of a stage that succeeded into `capacity` buffers. The count that GetTargetFile

@@ -1,9 +1,8 @@
 // Texts and items that a module outside of this product writes, read within their bounds.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <cwchar>
+#include <span>
 #include <string>
 
 #include "contracts/ProviderManager.h"
@@ -12,10 +11,10 @@ namespace obcore {
 
 // The text in a buffer that another module has filled: up to its NUL, or the whole buffer when the
 // module left no room for one.
-template <std::size_t Capacity>
-std::wstring TextIn(const wchar_t (&buffer)[Capacity]) {
-    return std::wstring(buffer, wcsnlen(buffer, Capacity));
-}
+std::wstring TextIn(std::span<const wchar_t> buffer);
+
+// The name of a storage provider as shown, of up to 128 characters. `provider` isn't null.
+std::wstring DisplayNameOf(obcontract::CloudProvider* provider);
 
 // Calls `use` with each item of `list`, from the first to the one that `GetItem`, the slot of that
 // kind of list, refuses. What a provider doesn't fill is zero, also after an item that has it.
