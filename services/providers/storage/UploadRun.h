@@ -3,25 +3,29 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
 
 #include "services/providers/storage/StorageProvider.h"
+#include "services/providers/storage/UploadTexts.h"
 
 namespace providers {
 
-// What the progress window shows besides its bar.
-struct UploadTexts {
-    std::wstring title;
-    std::wstring body;
-};
+// Milliseconds of a monotonic clock, read on the calling thread alone.
+using UploadClock = std::uint64_t (*)();
 
 // Runs the upload of one file on a thread of its own, and shows bar, speed, time left and a cancel
-// button meanwhile. The window comes after a moment, so that a short upload shows none. Returns
-// when the upload has ended; it ends early after the cancel button, when the owner no longer
-// exists, and once `ended` is set. On the thread that owns the dialogs, whose messages are
-// dispatched meanwhile; the owner, which may be null, is disabled.
+// button meanwhile. The window comes after half a second, so that a short upload shows none, or
+// with the first question of the provider. Returns when the upload has ended; it ends early after
+// the cancel button, when the owner no longer exists, when the thread is to quit (the quit message
+// is posted again at the end) and once `ended` is set. After any of these the result is Cancelled,
+// unless the file was stored before the provider noticed. On the thread that owns the dialogs,
+// whose messages are dispatched meanwhile; the owner, which may be null, is disabled.
+//
+// A provider that throws, and an upload that can't be begun, give Failed without a sentence. May
+// throw std::bad_alloc, after the upload has ended. `clock` null: that of the system.
 UploadResult RunUploadInWindow(StorageProvider& provider, const std::wstring& accountKey,
                                const UploadFile& file, const UploadTexts& texts, HWND owner,
-                               HANDLE ended);
+                               HANDLE ended, UploadClock clock = nullptr);
 
 } // namespace providers

@@ -3,6 +3,17 @@
 
 #define OB_TEXT_CAPTION 500
 
+// The progress window of an upload. %1 is a number in the texts about time.
+#define OB_TEXT_UPLOAD_SENT 340
+#define OB_TEXT_UPLOAD_SPEED 341
+#define OB_TEXT_UPLOAD_HOURS 342
+#define OB_TEXT_UPLOAD_MINUTES 343
+#define OB_TEXT_UPLOAD_ONE_MINUTE 344
+#define OB_TEXT_UPLOAD_SECONDS 345
+#define OB_TEXT_UPLOAD_FEW_SECONDS 346
+#define OB_TEXT_UPLOAD_FINISHING 347
+#define OB_TEXT_UPLOAD_CANCELLING 348
+
 // Why a run stops; %1 is a file's name.
 #define OB_TEXT_NO_WORK_PROCESS 501
 #define OB_TEXT_NOT_A_COPY 502
