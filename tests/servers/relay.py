@@ -1,0 +1,269 @@
+"""A relay before the test servers that breaks what passes through it, by script.
+
+    relay.py PORT CONTROL-PORT NAME=UPSTREAM-PORT...
+
+A connection to the control port carries one command in a line and gets lines back, ended by the connection's end:
+
+    begin NAME             forgets all rules and requests; NAME is the server from now on
+    on METHOD SKIP TIMES ACTION [ARGUMENT]
+                           a rule for requests of this method ("*": any), after the first SKIP of them, so many
+                           TIMES; rules that were made first count first
+    release                lets go on what a rule "hold" keeps
+    waiting                how many requests a rule "hold" keeps now
+    requests               the requests since "begin": method, path, length of the body that came, status that the
+                           server gave ("-": none)
+
+    ACTION          what happens to the request
+    refuse          the connection ends before anything is passed on
+    cutbody N       N bytes of the body get to the server, then both connections end
+    keepbody N      the server gets a whole request with the first N bytes of the body, then the connection ends
+    swallow         the server gets and answers it; the connection ends without the reply
+    cutreply N      the reply ends after N bytes of its body
+    hold            waits for "release", then passes it on
+    holdreply       passes it on, keeps the reply until "release"
+    status CODE[|Header: value]...[|=BODY]   this reply; the server gets nothing, the body is read
+    early CODE[|...]                         this reply at once; the body isn't read, the connection ends
+    sink            201, the body is read and forgotten
+"""
+import re
+import socket
+import socketserver
+import sys
+import threading
+
+BLOCK = 1 << 18
+
+
+class Broken(Exception):
+    """A connection ended too early."""
+
+
+class Script:
+    """Rules and what was seen; used by all threads."""
+
+    def __init__(self, upstreams):
+        self.lock = threading.Condition()
+        self.upstreams = upstreams
+        self.begin(next(iter(upstreams), ""))
+
+    def begin(self, name):
+        with self.lock:
+            self.upstream = self.upstreams.get(name)
+            self.rules = []
+            self.seen = []
+            self.held = 0
+            self.released = True
+            self.lock.notify_all()
+
+    def add(self, method, skip, times, action, argument):
+        with self.lock:
+            self.rules.append([method, int(skip), int(times), action, argument])
+            if action.startswith("hold"):
+                self.released = False
+
+    def take(self, method):
+        with self.lock:
+            for rule in self.rules:
+                if rule[0] not in ("*", method):
+                    continue
+                if rule[1] > 0:
+                    rule[1] -= 1
+                elif rule[2] > 0:
+                    rule[2] -= 1
+                    return rule[3], rule[4]
+        return "pass", ""
+
+    def note(self, line):
+        with self.lock:
+            self.seen.append(line)
+            return len(self.seen) - 1
+
+    def change(self, number, line):
+        with self.lock:
+            if number < len(self.seen):
+                self.seen[number] = line
+
+    def hold(self):
+        with self.lock:
+            self.held += 1
+            while not self.released:
+                self.lock.wait()
+            self.held -= 1
+
+    def release(self):
+        with self.lock:
+            self.released = True
+            self.lock.notify_all()
+
+    def command(self, line):
+        words = line.split(" ", 5)
+        if words[0] == "begin":
+            self.begin(words[1])
+        elif words[0] == "on":
+            self.add(*words[1:5], words[5] if len(words) > 5 else "")
+        elif words[0] == "release":
+            self.release()
+        elif words[0] == "waiting":
+            return [str(self.held)]
+        elif words[0] == "requests":
+            with self.lock:
+                return list(self.seen)
+        else:
+            return ["unknown command"]
+        return ["done"]
+
+
+class Head:
+    """First line and headers of a request or reply; what was read past them is in `rest`."""
+
+    def __init__(self, connection):
+        data = b""
+        while b"\r\n\r\n" not in data:
+            block = connection.recv(BLOCK)
+            if not block:
+                raise Broken("in the head")
+            data += block
+        head, _, self.rest = data.partition(b"\r\n\r\n")
+        self.first, *self.lines = head.split(b"\r\n")
+
+    def value(self, name):
+        for line in self.lines:
+            key, _, value = line.partition(b":")
+            if key.strip().lower() == name:
+                return value.strip()
+        return None
+
+    def length(self):
+        return int(self.value(b"content-length") or 0)
+
+    def set(self, name, value):
+        self.lines = [line for line in self.lines if line.partition(b":")[0].strip().lower() != name.lower()]
+        self.lines.append(name + b": " + value)
+
+    def data(self):
+        return b"\r\n".join([self.first, *self.lines, b"", b""])
+
+
+def pass_body(head, source, target, limit):
+    """Passes on at most `limit` bytes of a body, and returns how many came."""
+    left = min(head.length(), limit)
+    passed = 0
+    block = head.rest[:left]
+    while left > 0:
+        if not block:
+            block = source.recv(min(BLOCK, left))
+            if not block:
+                raise Broken("in the body")
+        if target:
+            target.sendall(block)
+        left -= len(block)
+        passed += len(block)
+        block = b""
+    return passed
+
+
+def made_reply(argument):
+    parts, _, body = argument.partition("|=")
+    code, *headers = parts.split("|")
+    lines = [f"HTTP/1.1 {code} Made", *headers, f"Content-Length: {len(body.encode())}", "Connection: close", "", body]
+    return "\r\n".join(lines).encode()
+
+
+class Relay(socketserver.BaseRequestHandler):
+    def handle(self):
+        try:
+            self.serve(Head(self.request))
+        except (Broken, OSError):
+            pass
+
+    def serve(self, head):
+        script = self.server.script
+        method, path = head.first.decode("latin-1").split(" ")[:2]
+        if head.value(b"transfer-encoding"):
+            self.request.sendall(made_reply("411"))  # none of the tests' programs sends a body in chunks
+            return
+        action, argument = script.take(method)
+        number = script.note(f"{method} {path} 0 -")
+        if action == "refuse":
+            return
+        if action == "early":
+            self.request.sendall(made_reply(argument))
+            return
+        if action in ("status", "sink"):
+            came = pass_body(head, self.request, None, head.length())
+            self.request.sendall(made_reply(argument or "201"))
+            script.change(number, f"{method} {path} {came} {argument.partition('|')[0] or 201}")
+            return
+        if action == "hold":
+            script.hold()
+        with socket.create_connection(("127.0.0.1", script.upstream)) as upstream:
+            came, reply = self.ask(upstream, head, action, argument)
+            status = reply.first.split(b" ")[1].decode() if reply else "-"
+            script.change(number, f"{method} {path} {came} {status}")
+            if action == "holdreply":
+                script.hold()
+            if reply and action not in ("swallow", "keepbody"):
+                limit = int(argument) if action == "cutreply" else None
+                self.reply(upstream, reply, method, limit)
+
+    def ask(self, upstream, head, action, argument):
+        limit = head.length()
+        if action in ("cutbody", "keepbody"):
+            limit = min(limit, int(argument))
+        if action == "keepbody":
+            head.set(b"Content-Length", str(limit).encode())
+            # A range that ends where the body ends.
+            shorter = re.sub(rb"bytes (\d+)-\d+", lambda m: b"bytes %s-%d" % (m[1], int(m[1]) + limit - 1),
+                             head.value(b"content-range") or b"")
+            if shorter:
+                head.set(b"Content-Range", shorter)
+        head.set(b"Connection", b"close")
+        upstream.sendall(head.data())
+        came = pass_body(head, self.request, upstream, limit)
+        if action == "cutbody":
+            upstream.shutdown(socket.SHUT_WR)
+            while upstream.recv(BLOCK):  # until the server has noticed
+                pass
+            return came, None
+        return came, Head(upstream)
+
+    def reply(self, upstream, head, method, limit):
+        head.set(b"Connection", b"close")
+        self.request.sendall(head.data())
+        bodiless = method == "HEAD" or head.first.split(b" ")[1] in (b"204", b"304")
+        block = b"" if bodiless else head.rest or upstream.recv(BLOCK)
+        while block:
+            if limit is not None and len(block) >= limit:
+                self.request.sendall(block[:limit])
+                return
+            self.request.sendall(block)
+            limit = limit if limit is None else limit - len(block)
+            block = upstream.recv(BLOCK)
+
+
+class Control(socketserver.StreamRequestHandler):
+    def handle(self):
+        line = self.rfile.readline().decode().strip()
+        self.wfile.write(("\n".join(self.server.script.command(line)) + "\n").encode())
+
+
+class Server(socketserver.ThreadingTCPServer):
+    allow_reuse_address = True
+    daemon_threads = True
+    request_queue_size = 64
+
+    def __init__(self, port, handler, script):
+        self.script = script
+        super().__init__(("127.0.0.1", port), handler)
+
+
+def main():
+    upstreams = {name: int(port) for name, _, port in (item.partition("=") for item in sys.argv[3:])}
+    script = Script(upstreams)
+    control = Server(int(sys.argv[2]), Control, script)
+    threading.Thread(target=control.serve_forever, daemon=True).start()
+    Server(int(sys.argv[1]), Relay, script).serve_forever()
+
+
+if __name__ == "__main__":
+    main()
