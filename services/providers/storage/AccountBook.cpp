@@ -123,6 +123,10 @@ std::vector<OrderedAccount> AllAccounts(HKEY hive, const std::wstring& providerP
     return accounts;
 }
 
+std::uint64_t NextOrder(const std::vector<OrderedAccount>& all) {
+    return all.empty() ? 1 : all.back().order + 1;
+}
+
 ObLib::UniqueRegistryKey MakeAccount(HKEY hive, const std::wstring& path) {
     ObLib::UniqueRegistryKey key;
     DWORD made = 0;
@@ -150,6 +154,13 @@ bool AccountBook::Contains(std::uint32_t providerId, const std::wstring& account
     return Text(providerId, accountKey, kLabelValue).has_value();
 }
 
+std::optional<StorageAccount> AccountBook::Account(std::uint32_t providerId,
+                                                   const std::wstring& accountKey) const {
+    const auto label = Text(providerId, accountKey, kLabelValue);
+    if (!label) return {};
+    return StorageAccount{accountKey, ShortLabel(*label)};
+}
+
 // The label is written last: until then the account isn't seen.
 std::optional<StorageAccount> AccountBook::Add(std::uint32_t providerId,
                                                const std::wstring& label) const {
@@ -160,12 +171,19 @@ std::optional<StorageAccount> AccountBook::Add(std::uint32_t providerId,
     if (account.key.empty()) return {};
     const auto key = MakeAccount(hive_, path + L'\\' + account.key);
     if (!key) return {};
-    const std::uint64_t order = all.empty() ? 1 : all.back().order + 1;
-    if (WriteOrder(key.Get(), order) && WriteText(key.Get(), kLabelValue, account.label)) {
+    if (WriteOrder(key.Get(), NextOrder(all)) && WriteText(key.Get(), kLabelValue, account.label)) {
         return account;
     }
     Remove(providerId, account.key);
     return {};
+}
+
+bool AccountBook::MakeNewest(std::uint32_t providerId, const std::wstring& accountKey) const {
+    const std::wstring path = ProviderPath(key_, providerId);
+    const auto all = AllAccounts(hive_, path);
+    if (!all.empty() && all.back().account.key == accountKey) return true;
+    const auto key = OpenAccount(hive_, path, accountKey, KEY_SET_VALUE);
+    return key && WriteOrder(key.Get(), NextOrder(all));
 }
 
 bool AccountBook::Remove(std::uint32_t providerId, const std::wstring& accountKey) const {

@@ -38,9 +38,17 @@ public:
     // Whether there is an account of this key with a label.
     bool Contains(std::uint32_t providerId, const std::wstring& accountKey) const;
 
+    // The account of this key. Nothing when there is none with a label.
+    std::optional<StorageAccount> Account(std::uint32_t providerId,
+                                          const std::wstring& accountKey) const;
+
     // Makes a new account, which is the newest, with a key that no other has. Nothing when there
     // are kMostAccounts already, or when it can't be written. The label is cut as above.
     std::optional<StorageAccount> Add(std::uint32_t providerId, const std::wstring& label) const;
+
+    // Puts an account last, as the one that the user logged in to. False when it can't be written
+    // or there is no such account.
+    bool MakeNewest(std::uint32_t providerId, const std::wstring& accountKey) const;
 
     // Removes an account with all its values. True when it isn't there afterwards.
     bool Remove(std::uint32_t providerId, const std::wstring& accountKey) const;

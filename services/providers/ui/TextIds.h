@@ -3,6 +3,15 @@
 
 #define OB_TEXT_CAPTION 500
 
+// Files that go to a cloud account; %1 is a file's name, %2 the provider's.
+#define OB_TEXT_STORAGE_LIMIT 300 // %3: the largest size
+#define OB_TEXT_STORAGE_TOO_LARGE 301
+#define OB_TEXT_STORAGE_NO_SPACE 302
+#define OB_TEXT_STORAGE_CANCELLED 303
+#define OB_TEXT_STORAGE_NAME_TAKEN 304
+#define OB_TEXT_STORAGE_NO_ACCOUNT 305
+#define OB_TEXT_STORAGE_FAILED 306
+
 // The progress window of an upload. %1 is a number in the texts about time.
 #define OB_TEXT_UPLOAD_SENT 340
 #define OB_TEXT_UPLOAD_SPEED 341

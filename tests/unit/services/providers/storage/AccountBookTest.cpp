@@ -92,6 +92,27 @@ TEST_F(AccountBookTest, KeepsTheOrderWhenAnAccountBetweenIsRemoved) {
     EXPECT_EQ(Labels(), (std::vector<std::wstring>{L"one", L"three", L"four"}));
 }
 
+TEST_F(AccountBookTest, PutsAnAccountLastThatTheUserLoggedInTo) {
+    const std::wstring one = Add(L"one");
+    Add(L"two");
+    EXPECT_TRUE(book_.MakeNewest(kWebDavId, one));
+    EXPECT_EQ(Labels(), (std::vector<std::wstring>{L"two", L"one"}));
+    EXPECT_TRUE(book_.MakeNewest(kWebDavId, one));
+    EXPECT_FALSE(book_.MakeNewest(kWebDavId, kForeignAccount));
+    EXPECT_FALSE(book_.MakeNewest(kNetworkFolderId, one));
+    EXPECT_EQ(Labels(), (std::vector<std::wstring>{L"two", L"one"}));
+}
+
+TEST_F(AccountBookTest, ReturnsOneAccountByItsKey) {
+    const std::wstring one = Add(L"one");
+    const auto account = book_.Account(kWebDavId, one);
+    ASSERT_TRUE(account);
+    EXPECT_EQ(account->key, one);
+    EXPECT_EQ(account->label, L"one");
+    EXPECT_FALSE(book_.Account(kNetworkFolderId, one));
+    EXPECT_FALSE(book_.Account(kWebDavId, kForeignAccount));
+}
+
 TEST_F(AccountBookTest, GivesEachAccountAKeyThatRevealsNothing) {
     std::set<std::wstring> keys;
     for (int count = 0; count < 10; ++count) keys.insert(Add(L"ada@example.org"));

@@ -1,0 +1,21 @@
+#include "services/providers/storage/StorageRun.h"
+
+#include <new>
+#include <utility>
+
+namespace providers {
+
+StorageRun::StorageRun(AccountBook book, StorageParts parts)
+    : book_(std::move(book)), parts_(std::move(parts)),
+      ended_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
+    if (!ended_) throw std::bad_alloc();
+}
+
+StorageProvider* StorageRun::ProviderOf(const std::wstring& accountKey) const {
+    for (const auto& provider : parts_.providers) {
+        if (book_.Contains(provider->Id(), accountKey)) return provider.get();
+    }
+    return nullptr;
+}
+
+} // namespace providers
