@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "OBCore/chooser/CloudChoice.h"
 #include "OBCore/chooser/CloudRows.h"
@@ -17,6 +18,7 @@ namespace {
 
 constexpr COLORREF kHeadlineColour = 0x0000EA; // a red
 constexpr wchar_t kPartsProperty[] = L"ObChooserParts";
+constexpr UINT kScaleChanged = WM_APP; // the dialog posts it to itself
 
 struct IconPolicy : ObLib::NullPolicy<HICON> {
     static void Close(HICON icon) noexcept { DestroyIcon(icon); }
@@ -30,17 +32,19 @@ struct DialogParts {
     ObLib::UniqueFont headline;
 };
 
-UniqueIcon LoadProductIcon(int widthMetric, int heightMetric) {
-    return UniqueIcon(static_cast<HICON>(
-        LoadImageW(ResourceModule(), MAKEINTRESOURCEW(OB_PRODUCT_ICON), IMAGE_ICON,
-                   GetSystemMetrics(widthMetric), GetSystemMetrics(heightMetric), 0)));
+// Sets one of the window's icons, in the size for the window's scale; `icon` owns it then.
+void SetIcon(HWND window, WPARAM kind, int widthMetric, int heightMetric, UniqueIcon& icon) {
+    const UINT dpi = GetDpiForWindow(window);
+    UniqueIcon loaded(static_cast<HICON>(LoadImageW(
+        ResourceModule(), MAKEINTRESOURCEW(OB_PRODUCT_ICON), IMAGE_ICON,
+        GetSystemMetricsForDpi(widthMetric, dpi), GetSystemMetricsForDpi(heightMetric, dpi), 0)));
+    SendMessageW(window, WM_SETICON, kind, reinterpret_cast<LPARAM>(loaded.Get()));
+    icon = std::move(loaded);
 }
 
 void SetIcons(HWND window, DialogParts& parts) {
-    parts.smallIcon = LoadProductIcon(SM_CXSMICON, SM_CYSMICON);
-    parts.largeIcon = LoadProductIcon(SM_CXICON, SM_CYICON);
-    SendMessageW(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(parts.smallIcon.Get()));
-    SendMessageW(window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(parts.largeIcon.Get()));
+    SetIcon(window, ICON_SMALL, SM_CXSMICON, SM_CYSMICON, parts.smallIcon);
+    SetIcon(window, ICON_BIG, SM_CXICON, SM_CYICON, parts.largeIcon);
 }
 
 // One and a half times the dialog's font. Empty when it can't be made.
@@ -55,10 +59,11 @@ ObLib::UniqueFont HeadlineFont(HWND window) {
 }
 
 void SetHeadlineFont(HWND window, DialogParts& parts) {
-    parts.headline = HeadlineFont(window);
-    if (!parts.headline) return;
+    ObLib::UniqueFont font = HeadlineFont(window);
+    if (!font) return;
     SendDlgItemMessageW(window, OB_CHOOSER_HEADLINE, WM_SETFONT,
-                        reinterpret_cast<WPARAM>(parts.headline.Get()), TRUE);
+                        reinterpret_cast<WPARAM>(font.Get()), TRUE);
+    parts.headline = std::move(font);
 }
 
 // One column without a header, of which the rows are the whole width.
@@ -130,6 +135,16 @@ void Open(HWND window, OBAttachJob& job) {
     CheckDlgButton(window, OB_CHOOSER_DEFAULT, BST_CHECKED);
 }
 
+// The window has come to a monitor of another scale. The system's dialog code has enlarged the
+// dialog and given the controls its font; what was set by hand is set anew.
+void FollowScale(HWND window) {
+    if (auto* const parts = static_cast<DialogParts*>(GetPropW(window, kPartsProperty))) {
+        SetIcons(window, *parts);
+        SetHeadlineFont(window, *parts);
+    }
+    FitColumn(GetDlgItem(window, OB_CHOOSER_LIST));
+}
+
 void Close(HWND window) {
     const std::unique_ptr<DialogParts> ended(
         static_cast<DialogParts*>(RemovePropW(window, kPartsProperty)));
@@ -164,6 +179,12 @@ INT_PTR OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_NOTIFY:
         OnNotify(window, *reinterpret_cast<const NMHDR*>(lParam));
         return FALSE;
+    case WM_DPICHANGED: // the system's dialog code works on it after this procedure
+        PostMessageW(window, kScaleChanged, 0, 0);
+        return FALSE;
+    case kScaleChanged:
+        FollowScale(window);
+        return TRUE;
     case WM_CTLCOLORSTATIC:
         return ColourLabel(window, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
     case WM_DESTROY:

@@ -87,10 +87,14 @@ CloudProvider* GetProviderInstance(ProviderManagerHandle manager, std::uint32_t 
                                    ProviderKind kind) {
     Record(L"GetProviderInstance", manager, providerId, kind);
     if (!IsReady(manager) || kind != ProviderKind::Storage) return nullptr;
-    if (ScriptedCount(L"GetProviderInstance." + std::to_wstring(providerId), 1) == 0) {
+    switch (ScriptedCount(L"GetProviderInstance." + std::to_wstring(providerId), 1)) {
+    case 0:
         return nullptr;
+    case 2:
+        return &ProviderBesideTheList(providerId);
+    default:
+        return ProviderOfId(providerId);
     }
-    return ProviderOfId(providerId);
 }
 
 void GetDefaultStorageProvider(ProviderManagerHandle manager, ProviderProfile* profile) {

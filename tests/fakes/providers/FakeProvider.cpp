@@ -201,7 +201,11 @@ std::vector<std::uint32_t> ScriptedProviders() {
 FakeProvider* ProviderOfId(std::uint32_t id) {
     const auto ids = ScriptedProviders();
     if (std::find(ids.begin(), ids.end(), id) == ids.end()) return nullptr;
-    return &allProviders.try_emplace(id, id).first->second;
+    return &ProviderBesideTheList(id);
+}
+
+FakeProvider& ProviderBesideTheList(std::uint32_t id) {
+    return allProviders.try_emplace(id, id).first->second;
 }
 
 FakeProvider* FindProvider(const CloudProvider* provider) {
@@ -218,7 +222,8 @@ std::vector<ProviderProfile> ScriptedProfiles(const FakeProvider& provider) {
         ProviderProfile& profile = profiles.emplace_back();
         profile.providerId = provider.id;
         if (fields.size() != 2) continue;
-        FillText(profile.accountLabel, std::size(profile.accountLabel), fields[0]);
+        FillTextOf(provider.Key(L"GetAccountProfiles"), profile.accountLabel,
+                   std::size(profile.accountLabel), fields[0]);
         FillText(profile.accountKey, std::size(profile.accountKey), fields[1]);
     }
     return profiles;

@@ -33,6 +33,9 @@ std::vector<std::uint32_t> ScriptedProviders();
 // life of the module.
 FakeProvider* ProviderOfId(std::uint32_t id);
 
+// The provider of this id, whether or not the script names it.
+FakeProvider& ProviderBesideTheList(std::uint32_t id);
+
 // The provider that a returned pointer points to; null when it is none of this module.
 FakeProvider* FindProvider(const obcontract::CloudProvider* provider);
 

@@ -7,7 +7,8 @@
 //   CreateObExtensionsManager         0: null is answered [1]
 //   IsProviderSupport.N.KIND          KIND 1 or 4 [1 for a storage provider of the list, else 0]
 //   IsProviderSupport.N               the same for both kinds
-//   GetProviderInstance.N             0: null [the provider of the list]
+//   GetProviderInstance.N             0: null; 2: a provider although the list lacks it [1: the
+//                                     provider of the list]
 //   GetDefaultStorageProvider         "id|label|key" [what was set in this manager]
 //   SetDefaultStorageProvider         [1]
 //   Login2                            [0]; Login2.accountKey, Login2.accountLabel: texts given out
@@ -61,6 +62,8 @@
 //   providerN.IsAccountLoggedIn       [0]
 //   providerN.IsAccountLoggedIn.KEY   the same for the account of this key
 //   providerN.GetAccountProfiles      "label|key;label|key", or a number as the count [0]
+//   providerN.GetAccountProfiles.noNul
+//                                     1: a label of 51 characters and more has no NUL [0]
 //
 // Calls are written as Name(arguments) in the order of the contract, a slot's object first.
 // Output buffers aren't recorded; a capacity is, as a number. A profile is

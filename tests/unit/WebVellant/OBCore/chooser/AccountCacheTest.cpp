@@ -33,6 +33,17 @@ TEST_F(AccountCacheTest, TakesTheAccountsOfEveryProviderInTheirOrder) {
     EXPECT_STREQ(cache.at(9)[0].accountKey, L"cid");
 }
 
+TEST_F(AccountCacheTest, TakesAnIdForASignedNumberAndSortsByIt) {
+    Answer(L"Providers", L"7,4294967295");
+    Answer(L"provider4294967295.GetAccountProfiles", L"Ann|ann");
+    const AccountCache cache = Refreshed();
+    ASSERT_EQ(cache.size(), 2u);
+    EXPECT_EQ(cache.begin()->first, -1);
+    ASSERT_EQ(cache.at(-1).size(), 1u);
+    EXPECT_EQ(cache.at(-1)[0].providerId, 4294967295u);
+    EXPECT_STREQ(cache.at(-1)[0].accountKey, L"ann");
+}
+
 TEST_F(AccountCacheTest, AppendsTheAccountsOfAProviderThatIsListedTwice) {
     Answer(L"Providers", L"7,7");
     Answer(L"provider7.GetAccountProfiles", L"Ann|ann");

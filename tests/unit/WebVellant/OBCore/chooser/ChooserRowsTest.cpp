@@ -1,7 +1,14 @@
 // Which rows the chooser shows, and what their texts are.
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <cstdio>
+#include <cstring>
 #include <limits>
 
 #include "OBCore/chooser/ByteSizeText.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/OBCore/chooser/ChooserFixture.h"
 
 namespace {
@@ -90,6 +97,33 @@ TEST_F(ChooserRows, LeaveOut21WhenTheManagerHasNoInstanceOfIt) {
     EXPECT_EQ(RowsShown(), Lines{L"provider7"});
 }
 
+// The walk gives no accounts for it then, so its row has no data.
+TEST_F(ChooserRows, BeginWithAnInstanceOf21ThatTheWalkDoesntMeet) {
+    Answer(L"Providers", L"7");
+    Answer(L"GetProviderInstance.21", L"2");
+    Answer(L"provider21.GetAccountProfiles", L"Ann|ann");
+    EXPECT_FALSE(Show([](const Chooser& chooser) {
+        EXPECT_EQ(chooser.Rows(), (Lines{L"provider21", L"provider7"}));
+        chooser.Tick(0);
+        EXPECT_FALSE(chooser.ButtonIsEnabled());
+        EXPECT_EQ(chooser.ButtonText(), LoginText());
+        chooser.Tick(1);
+        EXPECT_TRUE(chooser.ButtonIsEnabled());
+        chooser.Cancel();
+    }));
+    EXPECT_TRUE(CallsOf({L"GetAccountSpace"}).empty());
+}
+
+TEST_F(ChooserRows, BeginWithEveryAccountOf21) {
+    Answer(L"Providers", L"7,21");
+    Answer(L"provider21.GetAccountProfiles", L"Ann|ann;Bob|bob");
+    Answer(L"provider21.IsAccountLoggedIn", L"1");
+    Answer(L"provider21.GetAccountSpace.ann", L"1024,2048");
+    Answer(L"provider21.GetAccountSpace.bob", L"3072,4096");
+    EXPECT_EQ(RowsShown(),
+              (Lines{L"Ann" + Space(1024, 2048), L"Bob" + Space(3072, 4096), L"provider7"}));
+}
+
 TEST_F(ChooserRows, LeaveOutWhatIsntOfferedForStoring) {
     Answer(L"Providers", L"30,29,31,32,33,34,35,45,44,46");
     EXPECT_EQ(RowsShown(), (Lines{L"provider29", L"provider35", L"provider44", L"provider46"}));
@@ -112,6 +146,27 @@ TEST_F(ChooserRows, AreMadeAnewEachTime) {
     EXPECT_EQ(RowsShown().size(), 2u);
     Answer(L"provider7.GetAccountProfiles", L"Cid|cid");
     EXPECT_EQ(RowsShown(), Lines{std::wstring(L"Shelf") + kUnknown});
+}
+
+HRESULT WINAPI RoundToGigabytes(ULONGLONG size, SFBS_FLAGS, PWSTR text, UINT capacity) {
+    _snwprintf(text, capacity, L"%.2f GB", static_cast<double>(size) / (1 << 30));
+    return S_OK;
+}
+
+decltype(&GetProcAddress) realFind = nullptr;
+
+// Wine lacks the call that rounds.
+FARPROC WINAPI FindRounding(HMODULE module, LPCSTR name) {
+    if (std::strcmp(name, "StrFormatByteSizeEx") != 0) return realFind(module, name);
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&RoundToGigabytes));
+}
+
+TEST_F(ChooserRows, ShowSpaceRoundedToTheNearestDigit) {
+    const obtest::ImportPatch<decltype(&GetProcAddress)> find{"kernel32.dll", "GetProcAddress",
+                                                              &FindRounding};
+    ASSERT_TRUE(find.Ok());
+    realFind = find.Real();
+    EXPECT_EQ(RowWithSpace(L"5000000000,-10000000000"), L"Shelf (4.66 GB free of -9.31 GB)");
 }
 
 TEST_F(ChooserRows, ShowUnknownSpaceOnlyWhenBothValuesAreUnknown) {
@@ -146,6 +201,18 @@ TEST_F(ChooserRows, CutANameAndALabelTo50CharactersBeforeTheSpace) {
     const std::wstring label(50, L'm');
     Answer(L"provider7.GetAccountProfiles", label + L"|ann;Bob|bob");
     EXPECT_EQ(RowsShown()[0], label + kUnknown);
+}
+
+TEST_F(ChooserRows, EndNamesAndLabelsWithTheirBuffersWhenTheyHaveNoNul) {
+    const std::wstring name(128, L'n');
+    OneProvider(L"0");
+    Answer(L"provider7.GetDisplayName", name + L"more");
+    Answer(L"provider7.GetDisplayName.noNul", L"1");
+    EXPECT_EQ(RowsShown(), Lines{name});
+    Answer(L"provider7.GetAccountProfiles", std::wstring(51, L'm') + L"|ann;Bob|bob");
+    Answer(L"provider7.GetAccountProfiles.noNul", L"1");
+    EXPECT_EQ(RowsShown(),
+              (Lines{std::wstring(50, L'm') + kUnknown, std::wstring(L"Bob") + kUnknown}));
 }
 
 TEST_F(ChooserRows, CutNoCharacterOfTwoUnitsInHalf) {

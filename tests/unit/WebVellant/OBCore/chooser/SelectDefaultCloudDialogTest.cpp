@@ -10,6 +10,7 @@
 #include "OBCore/modules/ResourceModule.h"
 #include "ObLib/Src/Win32/ComResources.h"
 #include "tests/support/Allocations.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/WebVellant/OBCore/chooser/ChooserFixture.h"
 
 namespace {
@@ -72,6 +73,33 @@ TEST_F(SelectDefaultCloudDialog, IsCancelledWithoutAProviderToo) {
     Use([](const Chooser& chooser) { EXPECT_TRUE(IsWindowEnabled(chooser.Item(IDCANCEL))); });
 }
 
+std::vector<INT_PTR> results;
+decltype(&EndDialog) realEnd = nullptr;
+
+BOOL WINAPI RecordEnd(HWND dialog, INT_PTR result) {
+    results.push_back(result);
+    return realEnd(dialog, result);
+}
+
+TEST_F(SelectDefaultCloudDialog, EndsWithOneAfterAChoiceAndWithTwoOtherwise) {
+    const obtest::ImportPatch<decltype(&EndDialog)> patch{"user32.dll", "EndDialog", &RecordEnd};
+    ASSERT_TRUE(patch.Ok());
+    realEnd = patch.Real();
+    results.clear();
+    results.reserve(3); // no memory is allocated for the third
+    OneProvider(L"Ann|ann");
+    EXPECT_TRUE(Show([](const Chooser& chooser) {
+        chooser.Tick(0);
+        chooser.Press(OB_CHOOSER_CONTINUE);
+    }));
+    Use([](const Chooser& chooser) { chooser.Tick(0); });
+    {
+        const obtest::FailingAllocations failing({.succeeding = 0});
+        EXPECT_FALSE(obcore::ShowSelectDefaultCloudDialog(owner_.Get(), job_));
+    }
+    EXPECT_EQ(results, (std::vector<INT_PTR>{1, 2, 2}));
+}
+
 TEST_F(SelectDefaultCloudDialog, CantBeShownOverAWindowThatHasGone) {
     EXPECT_FALSE(
         obcore::ShowSelectDefaultCloudDialog(reinterpret_cast<HWND>(INT_PTR{0x7FFE}), job_));
@@ -94,33 +122,103 @@ TEST_F(SelectDefaultCloudDialog, KeepsTheJobInItsWindow) {
 
 // Looks.
 
-TEST_F(SelectDefaultCloudDialog, HasTheProductsIconInBothSizes) {
-    Use([](const Chooser& chooser) {
-        for (const auto& [kind, metric] :
-             {std::pair(ICON_SMALL, SM_CXSMICON), std::pair(ICON_BIG, SM_CXICON)}) {
-            const auto icon = reinterpret_cast<HICON>(
-                SendMessageW(chooser.dialog, WM_GETICON, static_cast<WPARAM>(kind), 0));
-            ASSERT_NE(icon, nullptr) << kind;
-            ICONINFO info{};
-            ASSERT_TRUE(GetIconInfo(icon, &info));
-            const ObLib::UniqueBitmap mask(info.hbmMask);
-            const ObLib::UniqueBitmap colours(info.hbmColor);
-            BITMAP picture{};
-            GetObjectW(colours.Get(), sizeof picture, &picture);
-            EXPECT_EQ(picture.bmWidth, GetSystemMetrics(metric)) << kind;
-        }
-    });
+void ExpectIcons(const Chooser& chooser, UINT dpi) {
+    for (const auto& [kind, metric] :
+         {std::pair(ICON_SMALL, SM_CXSMICON), std::pair(ICON_BIG, SM_CXICON)}) {
+        const auto icon = reinterpret_cast<HICON>(
+            SendMessageW(chooser.dialog, WM_GETICON, static_cast<WPARAM>(kind), 0));
+        ASSERT_NE(icon, nullptr) << kind;
+        ICONINFO info{};
+        ASSERT_TRUE(GetIconInfo(icon, &info));
+        const ObLib::UniqueBitmap mask(info.hbmMask);
+        const ObLib::UniqueBitmap colours(info.hbmColor);
+        BITMAP picture{};
+        GetObjectW(colours.Get(), sizeof picture, &picture);
+        EXPECT_EQ(picture.bmWidth, GetSystemMetricsForDpi(metric, dpi)) << kind;
+    }
 }
 
-TEST_F(SelectDefaultCloudDialog, ShowsTheHeadlineBoldAndHalfAsLargeAgain) {
+TEST_F(SelectDefaultCloudDialog, HasTheProductsIconInBothSizes) {
+    Use([](const Chooser& chooser) { ExpectIcons(chooser, 96); });
+}
+
+void ExpectHeadline(const Chooser& chooser) {
+    const LOGFONTW own = FontOf(chooser.dialog);
+    const LOGFONTW headline = FontOf(chooser.Item(OB_CHOOSER_HEADLINE));
+    ASSERT_NE(own.lfHeight, 0);
+    EXPECT_EQ(headline.lfHeight, own.lfHeight * 12 / 8);
+    EXPECT_EQ(headline.lfWidth, own.lfWidth * 12 / 8);
+    EXPECT_EQ(headline.lfWeight, 700);
+    EXPECT_STREQ(headline.lfFaceName, own.lfFaceName);
+}
+
+TEST_F(SelectDefaultCloudDialog, ShowsTheHeadlineBoldAndHalfAsLargeAgain) { Use(&ExpectHeadline); }
+
+HFONT WINAPI RefuseFont(const LOGFONTW*) { return nullptr; }
+
+TEST_F(SelectDefaultCloudDialog, ShowsTheHeadlineInTheDialogsFontWhenNoOtherCanBeMade) {
+    const obtest::ImportPatch<decltype(&CreateFontIndirectW)> patch{
+        "gdi32.dll", "CreateFontIndirectW", &RefuseFont};
+    ASSERT_TRUE(patch.Ok());
+    OneProvider(L"Ann|ann");
+    EXPECT_TRUE(Show([](const Chooser& chooser) {
+        EXPECT_EQ(SendMessageW(chooser.Item(OB_CHOOSER_HEADLINE), WM_GETFONT, 0, 0),
+                  SendMessageW(chooser.dialog, WM_GETFONT, 0, 0));
+        chooser.Tick(0);
+        chooser.Press(OB_CHOOSER_CONTINUE);
+    }));
+    EXPECT_EQ(ChosenKey(), L"ann");
+}
+
+UINT scaleOfWindows = 96;
+
+UINT WINAPI ScaleOf(HWND) { return scaleOfWindows; }
+
+// The font of a dialog on another monitor; Wine's dialogs keep the one that they opened with.
+HWND scaledDialog = nullptr;
+HFONT scaledFont = nullptr;
+decltype(&SendMessageW) realSend = nullptr;
+
+LRESULT WINAPI SendToScaled(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_GETFONT && window == scaledDialog) {
+        return reinterpret_cast<LRESULT>(scaledFont);
+    }
+    return realSend(window, message, wParam, lParam);
+}
+
+TEST_F(SelectDefaultCloudDialog, FollowsTheScaleOfTheMonitorItComesTo) {
+    const obtest::ImportPatch<decltype(&GetDpiForWindow)> scale{"user32.dll", "GetDpiForWindow",
+                                                                &ScaleOf};
+    const obtest::ImportPatch<decltype(&SendMessageW)> send{"user32.dll", "SendMessageW",
+                                                            &SendToScaled};
+    ASSERT_TRUE(scale.Ok() && send.Ok());
+    realSend = send.Real();
+    OneProvider(L"Ann|ann");
     Use([](const Chooser& chooser) {
-        const LOGFONTW own = FontOf(chooser.dialog);
-        const LOGFONTW headline = FontOf(chooser.Item(OB_CHOOSER_HEADLINE));
-        ASSERT_NE(own.lfHeight, 0);
-        EXPECT_EQ(headline.lfHeight, own.lfHeight * 12 / 8);
-        EXPECT_EQ(headline.lfWidth, own.lfWidth * 12 / 8);
-        EXPECT_EQ(headline.lfWeight, 700);
-        EXPECT_STREQ(headline.lfFaceName, own.lfFaceName);
+        LOGFONTW larger = FontOf(chooser.dialog);
+        larger.lfHeight *= 2;
+        const ObLib::UniqueFont font(CreateFontIndirectW(&larger));
+        // What the system's dialog code does with the dialog and its controls.
+        scaledFont = font.Get();
+        scaledDialog = chooser.dialog;
+        scaleOfWindows = 192;
+        for (const int id : {OB_CHOOSER_HEADLINE, OB_CHOOSER_LIST}) {
+            SendMessageW(chooser.Item(id), WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), FALSE);
+        }
+        ListView_SetColumnWidth(chooser.list, 0, 5);
+        RECT place{};
+        GetWindowRect(chooser.dialog, &place);
+        SendMessageW(chooser.dialog, WM_DPICHANGED, MAKEWPARAM(192, 192),
+                     reinterpret_cast<LPARAM>(&place));
+        chooser.Settle();
+        EXPECT_EQ(FontOf(chooser.dialog).lfHeight, larger.lfHeight);
+        ExpectHeadline(chooser);
+        ExpectIcons(chooser, 192);
+        RECT room{};
+        GetClientRect(chooser.list, &room);
+        EXPECT_GE(ListView_GetColumnWidth(chooser.list, 0), room.right);
+        scaleOfWindows = 96;
+        scaledDialog = nullptr;
     });
 }
 
