@@ -14,9 +14,13 @@ decltype(&SendMessageW) realSend = nullptr;
 } // namespace
 
 SIZE CloudButtonFixture::idealSize;
+std::vector<CloudButtonFixture::FontGiven> CloudButtonFixture::fontsGiven;
 
 LRESULT WINAPI CloudButtonFixture::SendWithIdealSize(HWND window, UINT message, WPARAM wParam,
                                                      LPARAM lParam) {
+    if (message == WM_SETFONT) {
+        fontsGiven.push_back({window, reinterpret_cast<HFONT>(wParam), lParam != FALSE});
+    }
     if (message != BCM_GETIDEALSIZE) return realSend(window, message, wParam, lParam);
     *reinterpret_cast<SIZE*>(lParam) = idealSize;
     return TRUE;
@@ -41,6 +45,7 @@ void CloudButtonFixture::SetUp() {
     ASSERT_TRUE(send_.Ok());
     realSend = send_.Real();
     idealSize = {83, 25};
+    fontsGiven.clear();
     FakeModules::Reset();
     FakeCloudPick::Reset();
     ClearProductRegistry();
@@ -51,6 +56,37 @@ void CloudButtonFixture::SetUp() {
 }
 
 void CloudButtonFixture::TearDown() { ObLib::AppGlobals().Clear(); }
+
+namespace {
+
+SubclassRecord::Entries subclassed;
+SubclassRecord::Entries released;
+decltype(&SetWindowSubclass) realSet = nullptr;
+decltype(&RemoveWindowSubclass) realRemove = nullptr;
+
+BOOL WINAPI RecordSet(HWND window, SUBCLASSPROC procedure, UINT_PTR id, DWORD_PTR data) {
+    subclassed.push_back({window, id});
+    return realSet(window, procedure, id, data);
+}
+
+BOOL WINAPI RecordRemove(HWND window, SUBCLASSPROC procedure, UINT_PTR id) {
+    released.push_back({window, id});
+    return realRemove(window, procedure, id);
+}
+
+} // namespace
+
+SubclassRecord::SubclassRecord()
+    : set_("comctl32.dll", "SetWindowSubclass", &RecordSet),
+      remove_("comctl32.dll", "RemoveWindowSubclass", &RecordRemove) {
+    realSet = set_.Real();
+    realRemove = remove_.Real();
+    subclassed.clear();
+    released.clear();
+}
+
+const SubclassRecord::Entries& SubclassRecord::Added() { return subclassed; }
+const SubclassRecord::Entries& SubclassRecord::Removed() { return released; }
 
 bool NextDialogGetsAButton() {
     SyntheticDialog form;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "OBCore/cloud/CloudButtonHook.h"
 #include "OBCore/picker/CloudButton.h"
@@ -40,6 +41,13 @@ protected:
     // as in these tests, has none of its own.
     static SIZE idealSize;
 
+    struct FontGiven {
+        HWND window;
+        HFONT font;
+        bool redraws;
+    };
+    static std::vector<FontGiven> fontsGiven; // each WM_SETFONT, in order
+
     static HWND ButtonOf(HWND dialog) { return GetDlgItem(dialog, 3011); }
 
     // A click as the button reports it.
@@ -53,6 +61,26 @@ private:
                                             LPARAM lParam);
 
     ImportPatch<decltype(&SendMessageW)> send_{"user32.dll", "SendMessageW", &SendWithIdealSize};
+};
+
+// Records, for a scope, which windows the code under test subclasses and releases.
+class SubclassRecord {
+public:
+    struct Entry {
+        HWND window;
+        UINT_PTR id;
+        bool operator==(const Entry&) const = default;
+    };
+    using Entries = std::vector<Entry>;
+
+    SubclassRecord();
+    bool Ok() const { return set_.Ok() && remove_.Ok(); }
+    static const Entries& Added();
+    static const Entries& Removed();
+
+private:
+    ImportPatch<decltype(&SetWindowSubclass)> set_;
+    ImportPatch<decltype(&RemoveWindowSubclass)> remove_;
 };
 
 // Whether a dialog that this thread creates now gets a button.

@@ -2,6 +2,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -97,6 +98,8 @@ TEST_F(CloudButton, IsAButtonWithTextAndFontOfTheDialog) {
     EXPECT_EQ(TextOf(button), L"&Cloud...");
     EXPECT_EQ(static_cast<DWORD>(GetWindowLongW(button, GWL_STYLE)), 0x54010F00U);
     EXPECT_EQ(SendMessageW(button, WM_GETFONT, 0, 0), reinterpret_cast<LRESULT>(font.Get()));
+    EXPECT_EQ(fontsGiven.back().window, button);
+    EXPECT_TRUE(fontsGiven.back().redraws);
     EXPECT_TRUE(IsWindowEnabled(button));
 }
 
@@ -164,21 +167,30 @@ TEST_F(CloudButton, HandsItsCommandToTheDialogAfterThePick) {
     EXPECT_EQ(picksBefore, std::vector<std::size_t>{1});
 }
 
+// Calls of the provider manager's exports.
+std::vector<std::wstring> CallsOfManager() {
+#define OB_NAME_OF(name, result, arguments) L## #name,
+    static const std::vector<std::wstring> names{OB_PROVIDER_MANAGER_ENTRIES(OB_NAME_OF)};
+#undef OB_NAME_OF
+    return FakeModules::CallsOf(names);
+}
+
 TEST_F(CloudButton, LoadsTheOptionsWithoutAManagerBeforeThePick) {
+    ASSERT_TRUE(obcore::LoadProviderManager()); // so that it could be asked
     bool keysThere = false;
     FakeCloudPick::pick = [&](CloudButtonHook&, HWND) {
         keysThere = KeyExists(HKEY_CURRENT_USER, kUserKey);
+        EXPECT_EQ(CallsOfManager(), std::vector<std::wstring>{});
         return false;
     };
     CloudButtonScope scope;
     SyntheticDialog form;
     form.Create();
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, kUserKey));
+    FakeModules::ForgetCalls();
     Press(form.dialog);
     EXPECT_TRUE(keysThere);
-    for (const std::wstring& call : FakeModules::Calls()) {
-        EXPECT_FALSE(call.starts_with(L"IsProvider")) << "the manager was asked";
-    }
+    EXPECT_EQ(FakeCloudPick::picks.size(), 1U);
 }
 
 constexpr UINT kEndUnlessEnded = WM_APP + 1;
@@ -237,26 +249,17 @@ TEST_F(CloudButton, StopsAnExceptionWhileItIsAdded) {
     EXPECT_TRUE(form.fileTypes);
 }
 
-std::vector<HWND> unsubclassed;
-decltype(&RemoveWindowSubclass) realRemove = nullptr;
-
-BOOL WINAPI RecordRemoval(HWND window, SUBCLASSPROC procedure, UINT_PTR id) {
-    unsubclassed.push_back(window);
-    return realRemove(window, procedure, id);
-}
-
-TEST_F(CloudButton, ReleasesTheDialogWhenItIsDestroyed) {
-    const ImportPatch<decltype(&RemoveWindowSubclass)> patch{"comctl32.dll", "RemoveWindowSubclass",
-                                                             &RecordRemoval};
-    ASSERT_TRUE(patch.Ok());
-    realRemove = patch.Real();
-    unsubclassed.clear();
+TEST_F(CloudButton, SubclassesTheDialogOnceAndReleasesItWhenItIsDestroyed) {
+    const SubclassRecord record;
+    ASSERT_TRUE(record.Ok());
     CloudButtonScope scope;
     SyntheticDialog form;
     form.Create();
-    EXPECT_TRUE(unsubclassed.empty());
+    const SubclassRecord::Entries expected{{form.dialog, 0}};
+    EXPECT_EQ(SubclassRecord::Added(), expected);
+    EXPECT_TRUE(SubclassRecord::Removed().empty());
     DestroyWindow(form.dialog);
-    EXPECT_EQ(unsubclassed, std::vector<HWND>{form.dialog});
+    EXPECT_EQ(SubclassRecord::Removed(), expected);
 }
 
 } // namespace

@@ -157,25 +157,58 @@ TEST_F(Logo, PassesEveryCallOn) {
     EXPECT_EQ(createdInAView(), without + 1); // the picture
 }
 
-std::vector<HWND> released;
-decltype(&RemoveWindowSubclass) realRemove = nullptr;
-
-BOOL WINAPI RecordRelease(HWND window, SUBCLASSPROC procedure, UINT_PTR id) {
-    released.push_back(window);
-    return realRemove(window, procedure, id);
+TEST_F(Logo, SubclassesTheViewAndReleasesItWhenItIsDestroyed) {
+    const SubclassRecord record;
+    ASSERT_TRUE(record.Ok());
+    ObLib::UniqueWindow view = View();
+    const SubclassRecord::Entries expected{{view.Get(), 0}};
+    Child(view.Get());
+    EXPECT_EQ(SubclassRecord::Added(), expected);
+    EXPECT_TRUE(SubclassRecord::Removed().empty());
+    view.Reset();
+    EXPECT_EQ(SubclassRecord::Removed(), expected);
 }
 
-TEST_F(Logo, ReleasesTheViewWhenItIsDestroyed) {
-    const ImportPatch<decltype(&RemoveWindowSubclass)> patch{"comctl32.dll", "RemoveWindowSubclass",
-                                                             &RecordRelease};
+std::vector<std::wstring> titles;
+decltype(&CreateWindowExW) realCreate = nullptr;
+
+// Of the control that isn't the test's own.
+HWND WINAPI RecordTitle(DWORD extended, LPCWSTR type, LPCWSTR title, DWORD style, int x, int y,
+                        int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                        LPVOID data) {
+    if (title) titles.push_back(title);
+    return realCreate(extended, type, title, style, x, y, width, height, parent, menu, instance,
+                      data);
+}
+
+TEST_F(Logo, HasTheNumberOfItsPictureAsTitle) {
+    const ImportPatch<decltype(&CreateWindowExW)> patch{"user32.dll", "CreateWindowExW",
+                                                        &RecordTitle};
     ASSERT_TRUE(patch.Ok());
-    realRemove = patch.Real();
-    released.clear();
-    ObLib::UniqueWindow view = View();
-    const HWND window = view.Get();
-    Child(window);
-    view.Reset();
-    EXPECT_EQ(released, std::vector<HWND>{window});
+    realCreate = patch.Real();
+    titles.clear();
+    const ObLib::UniqueWindow view = View();
+    Child(view.Get());
+    EXPECT_EQ(titles, std::vector<std::wstring>{L"#100"});
+}
+
+std::vector<BOOL> repaints;
+decltype(&MoveWindow) realMove = nullptr;
+
+BOOL WINAPI RecordMove(HWND window, int x, int y, int width, int height, BOOL repaint) {
+    repaints.push_back(repaint);
+    return realMove(window, x, y, width, height, repaint);
+}
+
+TEST_F(Logo, IsPaintedAnewWhenItMoves) {
+    const ObLib::UniqueWindow view = View();
+    Child(view.Get());
+    const ImportPatch<decltype(&MoveWindow)> patch{"user32.dll", "MoveWindow", &RecordMove};
+    ASSERT_TRUE(patch.Ok());
+    realMove = patch.Real();
+    repaints.clear();
+    Resize(view.Get(), 333, 222);
+    EXPECT_EQ(repaints, std::vector<BOOL>{TRUE});
 }
 
 } // namespace
