@@ -30,6 +30,14 @@ protected:
         FakeModules::ForgetCalls();
         EXPECT_TRUE(UploadAndShare(job_, provider, linkText_, profile_));
     }
+    // An upload of so many attempts that gives no link, and one sentence about it.
+    void ExpectFailureAfter(std::size_t attempts) {
+        const MessageBoxWatcher boxes;
+        Upload();
+        EXPECT_EQ(CallsOf({L"RunUpload"}).size(), attempts);
+        EXPECT_EQ(linkText_, L"");
+        EXPECT_EQ(boxes.Seen().size(), 1u);
+    }
     static Lines Attempts() { return CallsOf({L"AddFile", L"RunUpload", L"ResetList"}); }
 
     ProviderProfile profile_ = Profile(7, L"Ann", L"ann");
@@ -96,32 +104,20 @@ TEST_F(CloudUpload, TriesOnceMoreUnderAStampedNameAfterAClash) {
 TEST_F(CloudUpload, TriesOnceMoreAfterAClashThatTheProviderCalledASuccess) {
     Answer(L"provider7.RunUpload", L"1,0");
     Answer(L"provider7.RunUpload.reason", L"1");
-    const MessageBoxWatcher boxes;
-    Upload();
-    EXPECT_EQ(CallsOf({L"RunUpload"}).size(), 2u);
-    EXPECT_EQ(linkText_, L""); // the last result counts
-    EXPECT_EQ(boxes.Seen().size(), 1u);
+    ExpectFailureAfter(2); // the last result counts
 }
 
 TEST_F(CloudUpload, NeverTriesAThirdTime) {
     Answer(L"provider7.RunUpload", L"0");
     Answer(L"provider7.RunUpload.reason", L"1,1,1");
-    const MessageBoxWatcher boxes;
-    Upload();
-    EXPECT_EQ(CallsOf({L"RunUpload"}).size(), 2u);
+    ExpectFailureAfter(2);
     EXPECT_EQ(CallsOf({L"ResetList"}).size(), 1u);
-    EXPECT_EQ(linkText_, L"");
-    ASSERT_EQ(boxes.Seen().size(), 1u);
 }
 
 TEST_F(CloudUpload, TriesOnlyOnceAfterAnyOtherReason) {
     Answer(L"provider7.RunUpload", L"0,1");
     Answer(L"provider7.RunUpload.reason", L"2");
-    const MessageBoxWatcher boxes;
-    Upload();
-    EXPECT_EQ(CallsOf({L"RunUpload"}).size(), 1u);
-    EXPECT_EQ(linkText_, L"");
-    EXPECT_EQ(boxes.Seen().size(), 1u);
+    ExpectFailureAfter(1);
 }
 
 TEST_F(CloudUpload, StampsTheNameBeforeItsLastPoint) {
