@@ -187,6 +187,7 @@ CleanOutcome PdfCombiner::Work::Take(QPDF& source, const PdfPart& part) {
     const auto bookmark = bookmarks_->Copy(copier, places, source, part.title, copies.front());
     const auto files = PdfAttachments::Copy(copier, source);
     copier.Finish();
+    form.actions = copier.TakeFormActions();
     if (copier.HasMetSignature() && !part.breaksSignatures) return CleanOutcome::Signed;
     if (source.anyWarnings()) return CleanOutcome::Damaged;
     const Protection protection = ProtectionOf(source, part, steps_);

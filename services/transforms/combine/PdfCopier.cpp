@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "services/transforms/combine/PdfFormActions.h"
 #include "services/transforms/documents/PdfDictionaries.h"
 
 namespace transforms::combine {
@@ -20,32 +21,6 @@ constexpr std::string_view kNotCopied[] = {"/StructParent", "/StructParents"};
 
 bool IsNotCopied(const std::string& key) {
     return std::ranges::find(kNotCopied, key) != std::end(kNotCopied);
-}
-
-// A field by its name: one that is referred to stays the same field.
-bool NamesField(Object fields) {
-    if (fields.isString()) return true;
-    if (!fields.isArray()) return false;
-    const auto items = fields.getArrayAsVector();
-    return std::ranges::any_of(items, [](Object item) { return item.isString(); });
-}
-
-struct FieldAction {
-    const char* kind;
-    const char* fields;
-};
-constexpr FieldAction kFieldActions[] = {
-    {"/ResetForm", "/Fields"}, {"/SubmitForm", "/Fields"}, {"/Hide", "/T"}};
-
-// Whether the action is a script, whatever that does, or acts on fields by their names.
-bool FindsFieldsByName(Object& action) {
-    auto kind = action.getKey("/S");
-    if (!kind.isName()) return false;
-    const bool isScript = kind.isNameAndEquals("/JavaScript") ||
-                          (kind.isNameAndEquals("/Rendition") && action.hasKey("/JS"));
-    return isScript || std::ranges::any_of(kFieldActions, [&](const FieldAction& row) {
-               return kind.isNameAndEquals(row.kind) && NamesField(action.getKey(row.fields));
-           });
 }
 
 } // namespace
@@ -124,6 +99,7 @@ bool PdfCopier::IsLeftOut(Object dictionary) {
 }
 
 void PdfCopier::CopyKeys(Object from, Object to) {
+    if (MayReachAllFields(from)) formActions_.push_back(to);
     for (auto& [key, value] : from.getDictAsMap()) {
         if (IsNotCopied(key)) continue;
         to.replaceKey(key,

@@ -42,6 +42,9 @@ public:
     void CopyKeys(QPDFObjectHandle from, QPDFObjectHandle to);
     void Finish();
 
+    // The copies of actions that may act on fields of other files. After Finish.
+    std::vector<QPDFObjectHandle> TakeFormActions() { return std::move(formActions_); }
+
     // Whether a signature was copied, or left out.
     bool HasMetSignature() const noexcept { return hasMetSignature_; }
 
@@ -60,6 +63,7 @@ private:
     PictureSteps* steps_;
     std::map<QPDFObjGen, QPDFObjectHandle> copies_;
     std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> open_; // from and to
+    std::vector<QPDFObjectHandle> formActions_;
     bool hasMetSignature_ = false;
     bool leavesOutScripts_ = false;
 };

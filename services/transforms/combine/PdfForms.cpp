@@ -293,13 +293,23 @@ void PdfForms::Add(PdfFormPart part) {
     const Renamed fonts = AddResources(part.resources);
     for (Field& field : fields) ChangeFonts(field.field, fonts);
     AddDefaults(part, fonts);
+    parts_.push_back({{part.roots, FirstNamesOf(fields), false, false}, std::move(part.actions)});
     std::ranges::move(part.roots, std::back_inserter(roots_));
     std::ranges::move(part.orders, std::back_inserter(orders_));
     needsAppearances_ |= part.needsAppearances;
 }
 
+void PdfForms::ConfineActions() {
+    for (auto& [scope, actions] : parts_) {
+        scope.hasOthers = parts_.size() > 1;
+        scope.othersHaveFields = roots_.size() > scope.roots.size();
+        for (const Object& action : actions) ConfineToPart(action, scope);
+    }
+}
+
 // Nothing is taken over of a form that is described in XML besides.
 void PdfForms::Write(Object catalog) {
+    ConfineActions();
     if (roots_.empty()) return;
     auto form = Object::newDictionary();
     form.replaceKey("/Fields", Object::newArray(roots_));

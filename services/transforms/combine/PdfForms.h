@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "services/transforms/combine/PdfCopier.h"
+#include "services/transforms/combine/PdfFormActions.h"
 
 namespace transforms::combine {
 
@@ -18,6 +19,7 @@ struct PdfFormPart {
     QPDFObjectHandle resources;           // /DR
     std::vector<QPDFObjectHandle> orders; // /CO: the fields that are calculated, in order
     bool needsAppearances = false;
+    std::vector<QPDFObjectHandle> actions; // of the whole part, that may act on all fields
 };
 
 class PdfForms {
@@ -34,9 +36,11 @@ public:
     // other fields, aren't to be copied. Throws PdfRefusal as Add does.
     bool WillRename(QPDF& source, const std::vector<documents::PdfPage>& pages) const;
 
-    // A part with a field that gets another name loses what its fields do on events, and what is
-    // calculated. Throws PdfRefusal when the fields are nested too deeply; nothing is added then.
+    // To be called for every part, also for one without fields. A part with a field that gets
+    // another name loses what its fields do on events, and what is calculated. Throws PdfRefusal
+    // when the fields are nested too deeply; nothing is added then.
     void Add(PdfFormPart part);
+    // Once. The actions of each part act on that part's fields alone afterwards.
     void Write(QPDFObjectHandle catalog);
 
 private:
@@ -52,8 +56,16 @@ private:
     Renamed AddResources(QPDFObjectHandle resources);
     Renamed AddFonts(QPDFObjectHandle fonts);
     void AddDefaults(PdfFormPart& part, const Renamed& fonts);
+    void ConfineActions();
+
+    // Of one part: its actions, and where they may act.
+    struct Part {
+        PdfFormScope scope;
+        std::vector<QPDFObjectHandle> actions;
+    };
 
     PictureSteps* steps_;
+    std::vector<Part> parts_;
     std::vector<QPDFObjectHandle> roots_;
     std::vector<QPDFObjectHandle> orders_;
     std::set<std::string> names_; // first names that are taken

@@ -1,5 +1,7 @@
 // Form fields of PDFs that become one: each stays one field with its value and its widgets.
 #include <set>
+#include <string>
+#include <vector>
 
 #include <qpdf/QPDFAcroFormDocumentHelper.hh>
 
@@ -145,6 +147,125 @@ TEST(PdfForms, LoseScriptsThatWouldActOnFieldsOfAnotherPart) {
     ASSERT_EQ(orders.getArrayNItems(), 2);
     EXPECT_TRUE(orders.getArrayItem(0).isSameObjectAs(file.Annotation(0)));
     EXPECT_TRUE(orders.getArrayItem(1).isSameObjectAs(file.Annotation(1)));
+}
+
+// A text field "own" and one button for each action.
+std::string ButtonsOf(const std::vector<std::string>& actions) {
+    std::string annotations = "5 0 R";
+    for (std::size_t at = 0; at < actions.size(); ++at)
+        annotations += ' ' + std::to_string(6 + at) + " 0 R";
+    PdfBuilder pdf = OnePage("/Annots [" + annotations + "]", "/AcroForm <</Fields [5 0 R]>>");
+    pdf.Add("<</Type /Annot /Subtype /Widget /Rect [0 0 9 9] /FT /Tx /T (own) /V (mine)>>");
+    for (const std::string& action : actions)
+        pdf.Add("<</Type /Annot /Subtype /Link /Rect [0 0 9 9] /A <<" + action + ">>>>");
+    return pdf.File();
+}
+
+// One row: an action, and what it is in a file with another part that has fields, too, and in one
+// with a part that has none.
+struct ActionRow {
+    std::string action;
+    enum Kept { AsItWas, OnOwnFields, Not } besideFields, besidePages;
+};
+const std::string kSend = "/S /SubmitForm /F (https://example.com) ";
+const ActionRow kActions[] = {
+    {kSend, ActionRow::OnOwnFields, ActionRow::AsItWas},
+    {kSend + "/Flags 4", ActionRow::OnOwnFields, ActionRow::AsItWas},
+    {kSend + "/Flags 1", ActionRow::OnOwnFields,
+     ActionRow::AsItWas}, // means nothing without /Fields
+    {"/S /ResetForm", ActionRow::OnOwnFields, ActionRow::AsItWas},
+    {"/S /ResetForm /Flags 1 /Fields [5 0 R]", ActionRow::Not, ActionRow::AsItWas},
+    {kSend + "/Flags 5 /Fields [(own)]", ActionRow::Not, ActionRow::AsItWas},
+    {kSend + "/Fields [5 0 R]", ActionRow::OnOwnFields, ActionRow::AsItWas},
+    {kSend + "/Fields [(name)]", ActionRow::Not, ActionRow::AsItWas}, // of the other part
+    {kSend + "/Fields []", ActionRow::Not, ActionRow::AsItWas},
+    {kSend + "/Flags 256", ActionRow::Not, ActionRow::Not},  // the whole file
+    {kSend + "/Flags 128", ActionRow::Not, ActionRow::Not},  // comments
+    {kSend + "/Flags 64", ActionRow::Not, ActionRow::Not},   // all changes
+    {kSend + "/Flags 8192", ActionRow::Not, ActionRow::Not}, // the file inside the values
+    {"/S /ImportData /F (values.fdf)", ActionRow::Not, ActionRow::AsItWas},
+    {"/S /Hide /T (name)", ActionRow::Not, ActionRow::AsItWas},
+    {"/S /JavaScript /JS (this.resetForm\\(\\))", ActionRow::Not, ActionRow::AsItWas},
+    {"/S /JavaScript /JS (for \\(i < this.numFields\\))", ActionRow::Not, ActionRow::AsItWas},
+    {"/S /JavaScript /JS <FEFF007300750062006D006900740046006F0072006D>", ActionRow::Not,
+     ActionRow::AsItWas},                                             // "submitForm"
+    {"/S /JavaScript /JS 4 0 R", ActionRow::Not, ActionRow::AsItWas}, // a stream
+    {"/S /JavaScript /JS (event.value = 1)", ActionRow::AsItWas, ActionRow::AsItWas},
+    {"/S /URI /URI (https://example.com)", ActionRow::AsItWas, ActionRow::AsItWas},
+};
+
+std::vector<std::string> Actions() {
+    std::vector<std::string> actions;
+    for (const ActionRow& row : kActions) actions.push_back(row.action);
+    return actions;
+}
+
+void ExpectAction(QPDFObjectHandle action, ActionRow::Kept kept, const QPDFObjectHandle& own,
+                  const std::string& row) {
+    ASSERT_TRUE(action.isDictionary()) << row;
+    auto fields = action.getKey("/Fields");
+    switch (kept) {
+    case ActionRow::AsItWas: {
+        const std::string kind = row.substr(3, row.find(' ', 3) - 3);
+        EXPECT_EQ(action.getKey("/S").getName(), kind) << row;
+        EXPECT_EQ(action.hasKey("/Fields"), row.find("/Fields") != row.npos) << row;
+        break;
+    }
+    case ActionRow::OnOwnFields:
+        ASSERT_TRUE(fields.isArray()) << row;
+        ASSERT_EQ(fields.getArrayNItems(), 1) << row;
+        EXPECT_TRUE(fields.getArrayItem(0).isSameObjectAs(own)) << row;
+        EXPECT_TRUE(!action.hasKey("/Flags") || action.getKey("/Flags").getIntValue() % 2 == 0);
+        break;
+    case ActionRow::Not:
+        EXPECT_EQ(action.unparseResolved(), "<< /S /Hide /T [ ] >>") << row;
+    }
+}
+
+// On the page, whose field is the first comment there.
+void ExpectActions(CombinedFile& file, std::size_t page, ActionRow::Kept ActionRow::*kept) {
+    int comment = 0;
+    for (const ActionRow& row : kActions) {
+        ExpectAction(file.Annotation(page, ++comment).getKey("/A"), row.*kept,
+                     file.Annotation(page), row.action);
+    }
+}
+
+TEST(PdfFormActions, ReachNoFieldsOfOtherParts) {
+    const std::string buttons = ButtonsOf(Actions());
+    CombinedFile first({{"a", buttons}, {"b", TextField("name", "secret")}});
+    ExpectActions(first, 0, &ActionRow::besideFields);
+    CombinedFile second({{"a", TextField("name", "secret")}, {"b", buttons}});
+    ExpectActions(second, 1, &ActionRow::besideFields);
+}
+
+TEST(PdfFormActions, StayWithoutFieldsOfOtherParts) {
+    CombinedFile file({{"a", ButtonsOf(Actions())}, {"b", Pages(1, 0)}});
+    ExpectActions(file, 0, &ActionRow::besidePages);
+}
+
+TEST(PdfFormActions, AllStayInAFileAlone) {
+    CombinedFile file({{"a", ButtonsOf(Actions())}});
+    int comment = 0;
+    for (const ActionRow& row : kActions) {
+        ExpectAction(file.Annotation(0, ++comment).getKey("/A"), ActionRow::AsItWas,
+                     file.Annotation(0), row.action);
+    }
+}
+
+// Also where the action is an object of its own, on a page, in a bookmark or after another one.
+TEST(PdfFormActions, ReachNoFieldsOfOtherPartsFromElsewhere) {
+    PdfBuilder pdf = OnePage("/AA <</O 5 0 R>>", "/Outlines 6 0 R");
+    pdf.Add("<</S /ResetForm /Next <</S /SubmitForm /F (x)>>>>");
+    pdf.Add("<</First 7 0 R /Last 7 0 R /Count 1>>");
+    pdf.Add("<</Title (t) /Parent 6 0 R /A <</S /ResetForm>>>>");
+    CombinedFile file({{"a", TextField("name", "secret")}, {"b", pdf.File()}});
+    const auto isDisarmed = [](QPDFObjectHandle action) {
+        return action.unparseResolved() == "<< /S /Hide /T [ ] >>";
+    };
+    EXPECT_TRUE(isDisarmed(file.Page(1).getKey("/AA").getKey("/O")));
+    auto mark = file.Catalog().getKey("/Outlines").getKey("/Last").getKey("/First");
+    EXPECT_TRUE(isDisarmed(mark.getKey("/A")));
 }
 
 TEST(PdfForms, ListAFieldThatItsPartDidNotList) {
