@@ -29,8 +29,10 @@ void DropFrom(std::vector<std::shared_ptr<List>>& lists, const Given* given) {
 
 } // namespace
 
-ProviderInstance::ProviderInstance(std::shared_ptr<StorageRun> run, StorageProvider& provider)
-    : CloudProvider{Table()}, run_(std::move(run)), provider_(provider) {}
+ProviderInstance::ProviderInstance(std::shared_ptr<StorageRun> run,
+                                   std::shared_ptr<AccountSpaces> spaces, StorageProvider& provider)
+    : CloudProvider{Table()}, run_(std::move(run)), spaces_(std::move(spaces)),
+      provider_(provider) {}
 
 void* const* ProviderInstance::Table() {
     using Own = ProviderInstance;
@@ -91,12 +93,17 @@ UploadList* ProviderInstance::CreateUploadList(const wchar_t* accountKey) {
 
 void ProviderInstance::DestroyUploadList(UploadList* list) { DropFrom(uploads_, list); }
 
-// Unknown space never blocks an upload.
+// True also when the space is unknown, which never blocks an upload.
 Bool ProviderInstance::GetAccountSpace(const wchar_t* accountKey, std::int64_t* freeBytes,
                                        std::int64_t* totalBytes) {
     if (freeBytes) *freeBytes = SizeUnknown;
     if (totalBytes) *totalBytes = SizeUnknown;
-    lastAsked_ = AccountKeyIn(accountKey).value_or(L"");
+    ObLib::RanGuarded([&] {
+        lastAsked_ = AccountKeyIn(accountKey).value_or(L"");
+        const AccountSpace space = spaces_->Of(lastAsked_);
+        if (freeBytes) *freeBytes = space.freeBytes;
+        if (totalBytes) *totalBytes = space.totalBytes;
+    });
     return true;
 }
 

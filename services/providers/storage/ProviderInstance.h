@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "contracts/ProviderManager.h"
+#include "services/providers/storage/AccountSpaces.h"
 #include "services/providers/storage/CloudLists.h"
 #include "services/providers/storage/StorageRun.h"
 
@@ -20,8 +21,9 @@ namespace providers {
 class ProviderInstance : public obcontract::CloudProvider,
                          public std::enable_shared_from_this<ProviderInstance> {
 public:
-    // `provider` is one of the run's.
-    ProviderInstance(std::shared_ptr<StorageRun> run, StorageProvider& provider);
+    // `provider` is one of the run's, whose instances share `spaces`.
+    ProviderInstance(std::shared_ptr<StorageRun> run, std::shared_ptr<AccountSpaces> spaces,
+                     StorageProvider& provider);
 
     StorageProvider& Provider() const noexcept { return provider_; }
     const std::shared_ptr<StorageRun>& Run() const noexcept { return run_; }
@@ -65,6 +67,7 @@ private:
     void ManageAccount(HWND owner, const wchar_t* accountKey);
 
     std::shared_ptr<StorageRun> run_;
+    std::shared_ptr<AccountSpaces> spaces_;
     StorageProvider& provider_;
     ObPVX::ObPvxCallback* callback_ = nullptr; // lent from SetCallback to ClearCallback
     std::wstring lastAsked_;                   // the account of the last question about a limit

@@ -44,8 +44,9 @@ protected:
                               const providers::UploadTexts& texts, HWND owner,
                               HANDLE) { return upload_(provider, key, file, texts, owner); };
         run_ = std::make_shared<providers::StorageRun>(book_, std::move(parts));
-        sevenInstance_ = std::make_shared<providers::ProviderInstance>(run_, *sevenScript_);
-        eightInstance_ = std::make_shared<providers::ProviderInstance>(run_, *eightScript_);
+        const auto spaces = std::make_shared<providers::AccountSpaces>(run_);
+        sevenInstance_ = std::make_shared<providers::ProviderInstance>(run_, spaces, *sevenScript_);
+        eightInstance_ = std::make_shared<providers::ProviderInstance>(run_, spaces, *eightScript_);
     }
 
     // The key of a new account.

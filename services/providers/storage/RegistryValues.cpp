@@ -1,0 +1,71 @@
+#include "services/providers/storage/RegistryValues.h"
+
+#include "ObLib/Src/Win32/RegistryView.h"
+
+namespace providers {
+
+// Without NOEXPAND the system would take a text with variables for a plain one.
+std::optional<std::wstring> ReadText(HKEY key, const wchar_t* name, std::size_t longest) {
+    std::wstring text(longest + 1, L'\0');
+    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    if (RegGetValueW(key, nullptr, name, RRF_RT_REG_SZ | RRF_NOEXPAND, nullptr, text.data(),
+                     &size) != ERROR_SUCCESS) {
+        return {};
+    }
+    return text.c_str();
+}
+
+bool WriteText(HKEY key, const wchar_t* name, const std::wstring& text) {
+    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+    return RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                          size) == ERROR_SUCCESS;
+}
+
+std::optional<std::uint64_t> ReadNumber(HKEY key, const wchar_t* name) {
+    std::uint64_t number = 0;
+    DWORD size = sizeof(number);
+    const LSTATUS status =
+        RegGetValueW(key, nullptr, name, RRF_RT_REG_QWORD, nullptr, &number, &size);
+    if (status != ERROR_SUCCESS) return {};
+    return number;
+}
+
+bool WriteNumber(HKEY key, const wchar_t* name, std::uint64_t number) {
+    return RegSetValueExW(key, name, 0, REG_QWORD, reinterpret_cast<const BYTE*>(&number),
+                          sizeof(number)) == ERROR_SUCCESS;
+}
+
+std::vector<std::wstring> SubkeyNames(HKEY hive, const std::wstring& path) {
+    constexpr DWORD kLongestName = 255; // of any key
+    const auto key = ObLib::OpenRegistryKey(hive, path.c_str(), KEY_ENUMERATE_SUB_KEYS);
+    if (!key) return {};
+    std::vector<std::wstring> names;
+    for (DWORD index = 0;; ++index) {
+        wchar_t name[kLongestName + 1] = L"";
+        DWORD size = kLongestName + 1;
+        if (RegEnumKeyExW(key.Get(), index, name, &size, nullptr, nullptr, nullptr, nullptr) !=
+            ERROR_SUCCESS) {
+            return names;
+        }
+        names.emplace_back(name, size);
+    }
+}
+
+ObLib::UniqueRegistryKey MakeNewKey(HKEY hive, const std::wstring& path) {
+    ObLib::UniqueRegistryKey key;
+    DWORD made = 0;
+    const LSTATUS status = RegCreateKeyExW(hive, path.c_str(), 0, nullptr, 0, KEY_SET_VALUE,
+                                           nullptr, key.Put(), &made);
+    if (status != ERROR_SUCCESS || made != REG_CREATED_NEW_KEY) key.Reset();
+    return key;
+}
+
+bool RemoveKey(HKEY hive, const std::wstring& path, const std::wstring& name) {
+    constexpr REGSAM kAccess = DELETE | KEY_ENUMERATE_SUB_KEYS | KEY_QUERY_VALUE | KEY_SET_VALUE;
+    const auto parent = ObLib::OpenRegistryKey(hive, path.c_str(), kAccess);
+    if (!parent) return true;
+    const LSTATUS status = RegDeleteTreeW(parent.Get(), name.c_str());
+    return status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
+}
+
+} // namespace providers
