@@ -6,13 +6,13 @@
 #include <cwchar>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/SecretClipboard.h"
 #include "ObLib/Src/Win32/SecretField.h"
 #include "services/archive/ThisModule.h"
 #include "services/archive/password/PassPhrase.h"
 #include "services/archive/password/PasswordPromptIds.h"
 #include "services/archive/password/PasswordStrength.h"
 #include "services/archive/password/PromptHint.h"
-#include "services/archive/password/SecretClipboard.h"
 #include "services/archive/policy/PasswordPolicy.h"
 #include "services/archive/recovery/RecoveryKey.h"
 #include "services/archive/texts/ProductTexts.h"
@@ -183,7 +183,7 @@ void OnSuggest(HWND dialog, Prompt& prompt) {
 void OnCopy(HWND dialog, Prompt& prompt) {
     FieldText text;
     ReadSecretField(GetDlgItem(dialog, OB_PASSWORD_FIRST), text);
-    prompt.state.copied = CopySecret(dialog, text.data);
+    prompt.state.copied = ObLib::CopySecret(dialog, text.data);
     prompt.state.problem = prompt.state.copied ? 0 : OB_TEXT_NOT_COPIED;
     ShowHint(dialog, prompt);
 }
@@ -282,7 +282,7 @@ PromptResult AskNewPassword(HWND owner, char* password, std::uint32_t capacity) 
                                            parent, &PromptProc, reinterpret_cast<LPARAM>(&prompt));
     if (result == static_cast<INT_PTR>(PromptResult::Given)) return PromptResult::Given;
     // The copied password protects nothing.
-    ForgetCopiedSecret();
+    ObLib::ForgetCopiedSecret();
     return result == static_cast<INT_PTR>(PromptResult::Cancelled) ? PromptResult::Cancelled
                                                                    : PromptResult::NotShown;
 }

@@ -1,4 +1,4 @@
-#include "services/archive/password/SecretClipboard.h"
+#include "ObLib/Src/Win32/SecretClipboard.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,13 +8,13 @@
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
-namespace obarchive {
+namespace ObLib {
 namespace {
 
-struct GlobalMemoryPolicy : ObLib::NullPolicy<HGLOBAL> {
+struct GlobalMemoryPolicy : NullPolicy<HGLOBAL> {
     static void Close(Handle memory) noexcept { GlobalFree(memory); }
 };
-using UniqueGlobalMemory = ObLib::UniqueResource<GlobalMemoryPolicy>;
+using UniqueGlobalMemory = UniqueResource<GlobalMemoryPolicy>;
 
 // Monitors look for the first one, whatever its content; the others are numbers, 0 for no.
 constexpr const wchar_t* kMarks[] = {
@@ -27,7 +27,7 @@ constexpr UINT kRetryInterval = 1000; // milliseconds
 
 struct CopiedSecret {
     DWORD sequence = 0; // the clipboard's number after the copy; 0 when nothing is to be cleared
-    UINT_PTR timer = 0; // of the thread, as it outlives the prompt's window
+    UINT_PTR timer = 0; // of the thread, as it outlives the dialog
 };
 CopiedSecret copied;
 
@@ -51,7 +51,7 @@ bool PutMark(const wchar_t* name) {
 
 bool PutMarkedText(HWND window, const wchar_t* text) {
     if (!OpenClipboard(window)) return false;
-    const ObLib::ScopeExit close([] { CloseClipboard(); });
+    const ScopeExit close([] { CloseClipboard(); });
     if (!EmptyClipboard()) return false;
     const std::size_t size = (std::wcslen(text) + 1) * sizeof(wchar_t);
     if (std::all_of(std::begin(kMarks), std::end(kMarks), &PutMark) &&
@@ -92,4 +92,4 @@ void ForgetCopiedSecret() {
     StopTimer();
 }
 
-} // namespace obarchive
+} // namespace ObLib

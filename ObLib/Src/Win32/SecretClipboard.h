@@ -1,10 +1,10 @@
-// A password on the clipboard, where the user asked for it. All calls come from the prompt's
-// thread.
+// A password on the clipboard, where the user asked for it. All calls in a module come from the one
+// thread that shows its dialogs.
 #pragma once
 
 #include <windows.h>
 
-namespace obarchive {
+namespace ObLib {
 
 inline constexpr UINT kCopiedSecretLifetime = 60'000; // milliseconds
 
@@ -14,7 +14,7 @@ inline constexpr UINT kCopiedSecretLifetime = 60'000; // milliseconds
 // isn't there then.
 //
 // After kCopiedSecretLifetime the calling thread takes the text off the clipboard again, unless
-// something else has been copied since. That needs the thread to dispatch messages; the prompt may
+// something else has been copied since. That needs the thread to dispatch messages; the dialog may
 // be closed by then. When the process ends earlier, the text stays.
 bool CopySecret(HWND window, const wchar_t* text);
 
@@ -22,4 +22,4 @@ bool CopySecret(HWND window, const wchar_t* text);
 // again every second while another program has the clipboard open.
 void ForgetCopiedSecret();
 
-} // namespace obarchive
+} // namespace ObLib
