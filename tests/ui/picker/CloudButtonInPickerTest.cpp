@@ -15,6 +15,7 @@
 #include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/PickerUiDriver.h"
+#include "tests/support/PictureSuite.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/WebVellant/OBCore/picker/FakeCloudPick.h"
@@ -74,6 +75,7 @@ void ExpectInPlace(const Parts& parts) {
 class CloudButtonInPicker : public testing::Test {
 protected:
     static void SetUpTestSuite() {
+        BeAwareOfTheScale();
         std::puts(
             "[   NOTE   ] Wine's dialog has no file name box and no view of Windows' classes: "
             "the tests' own are in their place");
@@ -145,7 +147,8 @@ TEST_F(CloudButtonInPicker, IsOnTheLineOfOkBelowTheFileNameWithoutAnAssertion) {
         EXPECT_EQ(SendMessageW(parts.button, WM_GETFONT, 0, 0),
                   SendMessageW(parts.ok, WM_GETFONT, 0, 0));
         // By the visual style of this program's manifest the button knows what its text needs.
-        EXPECT_GT(PlaceOf(parts.button).right - PlaceOf(parts.button).left, 30);
+        EXPECT_GT(PlaceOf(parts.button).right - PlaceOf(parts.button).left, AtScale(30));
+        ExpectWholeText(parts.button);
         EXPECT_LT(PlaceOf(parts.button).right, PlaceOf(parts.ok).left);
         ExpectInPlace(parts);
         picker.PressCancel();

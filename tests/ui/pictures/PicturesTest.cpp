@@ -1,12 +1,11 @@
 // What a user sees of a request isn't blank and grows with the screen's scale. With OB_PICTURES, a
 // folder, the pictures are stored there to be looked at.
 #include <cstdio>
-#include <cstdlib>
 #include <iterator>
 
 #include "tests/e2e/RealRequest.h"
 #include "tests/support/PasswordUiDriver.h"
-#include "tests/support/WindowPicture.h"
+#include "tests/support/PictureSuite.h"
 
 namespace obtest {
 namespace {
@@ -14,11 +13,6 @@ namespace {
 // Well above the number of a window whose contents were never painted.
 constexpr std::size_t kLeastColours = 12;
 constexpr DWORD kPageLimit = 30000; // milliseconds
-
-int ExpectedDpi() {
-    const char* const text = std::getenv("OB_EXPECTED_DPI");
-    return text ? std::atoi(text) : 0;
-}
 
 int ScreenDpi() {
     const HDC screen = GetDC(nullptr);
@@ -29,9 +23,7 @@ int ScreenDpi() {
 
 class Pictures : public RealRequest {
 protected:
-    static void SetUpTestSuite() {
-        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
-    }
+    static void SetUpTestSuite() { BeAwareOfTheScale(); }
 
     void SetUp() override {
         RealRequest::SetUp();
@@ -42,13 +34,7 @@ protected:
     static void Look(HWND window, const std::wstring& name, int leastWidth, int leastHeight) {
         const auto picture = TakeSettledPicture(window, kLeastColours);
         ASSERT_TRUE(picture) << Utf8(name) << " stays blank or keeps changing";
-        EXPECT_GE(picture->width, MulDiv(leastWidth, ExpectedDpi(), 96));
-        EXPECT_GE(picture->height, MulDiv(leastHeight, ExpectedDpi(), 96));
-        const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
-        if (!folder) return;
-        const std::wstring file =
-            std::wstring(folder) + L"\\" + name + L"-" + std::to_wstring(ExpectedDpi()) + L".png";
-        EXPECT_TRUE(WritePng(*picture, file)) << Utf8(file);
+        KeepPicture(*picture, name, leastWidth, leastHeight);
     }
 };
 

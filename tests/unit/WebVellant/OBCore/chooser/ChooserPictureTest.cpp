@@ -3,34 +3,13 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <cstdlib>
 
-#include "tests/support/WindowPicture.h"
+#include "tests/support/PictureSuite.h"
 #include "tests/unit/WebVellant/OBCore/chooser/ChooserFixture.h"
 
 namespace {
 
 using obtest::Chooser;
-
-int ExpectedDpi() {
-    const char* const text = std::getenv("OB_EXPECTED_DPI");
-    return text ? std::atoi(text) : 0;
-}
-
-// The text, broken into lines as its control breaks it, fits into the control.
-void ExpectWholeText(HWND control, int id, int margin = 0) {
-    RECT room{};
-    GetClientRect(control, &room);
-    RECT needed{0, 0, room.right - margin, 0};
-    const HDC context = GetDC(control);
-    const HGDIOBJ old =
-        SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    DrawTextW(context, obtest::TextOf(control).c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK);
-    SelectObject(context, old);
-    ReleaseDC(control, context);
-    EXPECT_LE(needed.bottom, room.bottom) << id;
-    EXPECT_LE(needed.right, room.right - margin) << id;
-}
 
 void ExpectRowsFit(const Chooser& chooser) {
     const int column = ListView_GetColumnWidth(chooser.list, 0);
@@ -49,19 +28,19 @@ void ExpectRowsFit(const Chooser& chooser) {
 class ChooserPicture : public obtest::ChooserFixture {
 protected:
     static void SetUpTestSuite() {
-        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+        obtest::BeAwareOfTheScale();
         ChooserFixture::SetUpTestSuite();
     }
 
-    void Look(const wchar_t* name, int tick = -1) {
+    void Look(const std::wstring& name, int tick = -1) {
         EXPECT_FALSE(Show([&](const Chooser& chooser) {
             if (tick >= 0) chooser.Tick(tick);
             for (const int id : {OB_CHOOSER_HEADLINE, OB_CHOOSER_EXPLANATION, OB_CHOOSER_LABEL,
                                  OB_CHOOSER_HINT, IDCANCEL}) {
-                ExpectWholeText(chooser.Item(id), id);
+                obtest::ExpectWholeText(chooser.Item(id));
             }
             for (const int id : {OB_CHOOSER_CONTINUE, OB_CHOOSER_DEFAULT}) {
-                ExpectWholeText(chooser.Item(id), id, MulDiv(16, ExpectedDpi(), 96));
+                obtest::ExpectWholeText(chooser.Item(id), obtest::AtScale(16));
             }
             ExpectRowsFit(chooser);
             Keep(chooser, name);
@@ -70,17 +49,12 @@ protected:
     }
 
 private:
-    static void Keep(const Chooser& chooser, const wchar_t* name) {
+    static void Keep(const Chooser& chooser, const std::wstring& name) {
         const auto picture = obtest::TakeSettledPicture(chooser.dialog);
         ASSERT_TRUE(picture);
-        EXPECT_GE(picture->width, MulDiv(380, ExpectedDpi(), 96));
         EXPECT_NE(std::count(picture->pixels.begin(), picture->pixels.end(), 0xEA0000u), 0)
             << "the headline has no pixel of its red";
-        const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
-        if (!folder) return;
-        const std::wstring file = std::wstring(folder) + L"\\chooser-" + name + L"-" +
-                                  std::to_wstring(ExpectedDpi()) + L".png";
-        EXPECT_TRUE(obtest::WritePng(*picture, file));
+        obtest::KeepPicture(*picture, L"chooser-" + name, 380);
     }
 };
 

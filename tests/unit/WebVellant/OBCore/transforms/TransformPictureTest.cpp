@@ -1,33 +1,14 @@
 // The progress dialog isn't blank, grows with the display's scale and cuts no text. In the folder
 // OB_PICTURES, where that is set, the test leaves its pictures to be judged by eye.
-#include <cstdlib>
-
-#include "tests/support/WindowPicture.h"
+#include "tests/support/PictureSuite.h"
 #include "tests/unit/WebVellant/OBCore/transforms/TransformsFixture.h"
 
 namespace {
 
 using obtest::HeldCall;
 
-int ExpectedDpi() {
-    const char* const text = std::getenv("OB_EXPECTED_DPI");
-    return text ? std::atoi(text) : 0;
-}
-
-void Keep(const obtest::Picture& picture, const wchar_t* name) {
-    EXPECT_GE(picture.width, MulDiv(300, ExpectedDpi(), 96));
-    EXPECT_GE(picture.height, MulDiv(110, ExpectedDpi(), 96));
-    const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
-    if (!folder) return;
-    const std::wstring file = std::wstring(folder) + L"\\transforms-" + name + L"-" +
-                              std::to_wstring(ExpectedDpi()) + L".png";
-    EXPECT_TRUE(obtest::WritePng(picture, file));
-}
-
-std::wstring TextOf(HWND control) {
-    wchar_t text[1024] = L"";
-    GetWindowTextW(control, text, 1024);
-    return text;
+void Keep(const obtest::Picture& picture, const std::wstring& name) {
+    obtest::KeepPicture(picture, L"transforms-" + name, 300, 110);
 }
 
 // The size that the system needs for the control's text, in as many lines as the text has.
@@ -35,7 +16,7 @@ SIZE NeededBy(HWND control) {
     const HDC context = GetDC(control);
     SelectObject(context, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
     RECT needed{};
-    DrawTextW(context, TextOf(control).c_str(), -1, &needed, DT_CALCRECT | DT_NOPREFIX);
+    DrawTextW(context, obtest::TextOf(control).c_str(), -1, &needed, DT_CALCRECT | DT_NOPREFIX);
     ReleaseDC(control, context);
     return {needed.right, needed.bottom};
 }
@@ -44,15 +25,15 @@ BOOL CALLBACK ExpectFits(HWND control, LPARAM) {
     RECT place{};
     GetClientRect(control, &place);
     const SIZE needed = NeededBy(control);
-    EXPECT_LE(needed.cx, place.right) << testing::PrintToString(TextOf(control));
-    EXPECT_LE(needed.cy, place.bottom) << testing::PrintToString(TextOf(control));
+    EXPECT_LE(needed.cx, place.right) << testing::PrintToString(obtest::TextOf(control));
+    EXPECT_LE(needed.cy, place.bottom) << testing::PrintToString(obtest::TextOf(control));
     return TRUE;
 }
 
 class TransformPicture : public obtest::TransformsFixture {
 protected:
     static void SetUpTestSuite() {
-        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+        obtest::BeAwareOfTheScale();
         TransformsFixture::SetUpTestSuite();
     }
     void SetUp() override {

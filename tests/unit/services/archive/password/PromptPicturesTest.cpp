@@ -2,14 +2,13 @@
 // folder OB_PICTURES, where that is set, the tests leave pictures to be judged by eye.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <string>
 
 #include "services/archive/password/PasswordPrompt.h"
 #include "services/archive/password/PasswordPromptIds.h"
+#include "tests/support/PictureSuite.h"
 #include "tests/support/ProductRegistry.h"
-#include "tests/support/WindowPicture.h"
 #include "tests/unit/services/archive/password/PromptDriver.h"
 #include "tests/unit/services/archive/recovery/RecoveryCertificates.h"
 
@@ -19,55 +18,22 @@ using obarchive::AskNewPassword;
 using obarchive::PromptResult;
 using obtest::PromptOnScreen;
 
-int ExpectedDpi() {
-    const char* const text = std::getenv("OB_EXPECTED_DPI");
-    return text ? std::atoi(text) : 0;
-}
-
 class PromptPictures : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
-    }
+    static void SetUpTestSuite() { obtest::BeAwareOfTheScale(); }
 
     void SetUp() override { obtest::ClearProductRegistry(); }
 
     static void Look(const PromptOnScreen& prompt, const std::wstring& name) {
-        ExpectWholeTexts(prompt, name);
-        TakePicture(prompt.Window(), name, 360, 280);
+        ExpectWholeTexts(prompt);
+        obtest::LookAt(prompt.Window(), name, 360, 280);
     }
 
-    // The least width and height are in pixels at 96 dpi.
-    static void TakePicture(HWND window, const std::wstring& name, int leastWidth,
-                            int leastHeight) {
-        const auto picture = obtest::TakeSettledPicture(window);
-        ASSERT_TRUE(picture);
-        EXPECT_GE(picture->width, MulDiv(leastWidth, ExpectedDpi(), 96));
-        EXPECT_GE(picture->height, MulDiv(leastHeight, ExpectedDpi(), 96));
-        const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
-        if (!folder) return;
-        const std::wstring file =
-            std::wstring(folder) + L"\\" + name + L"-" + std::to_wstring(ExpectedDpi()) + L".png";
-        EXPECT_TRUE(obtest::WritePng(*picture, file));
-    }
-
-    // Each text, broken into lines as its control breaks it, fits into the control.
-    static void ExpectWholeTexts(const PromptOnScreen& prompt, const std::wstring& name) {
+    static void ExpectWholeTexts(const PromptOnScreen& prompt) {
         for (const int id : {OB_PASSWORD_INTRO, OB_PASSWORD_LABEL, OB_PASSWORD_STRENGTH_LABEL,
                              OB_PASSWORD_REPEAT_LABEL, OB_PASSWORD_HINT, OB_PASSWORD_SHOW,
                              OB_PASSWORD_SUGGEST, OB_PASSWORD_COPY, IDOK, IDCANCEL}) {
-            const HWND control = prompt.Item(id);
-            RECT room;
-            GetClientRect(control, &room);
-            RECT needed{0, 0, room.right, 0};
-            const HDC dc = GetDC(control);
-            const HGDIOBJ old = SelectObject(
-                dc, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
-            DrawTextW(dc, prompt.Text(id).c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK);
-            SelectObject(dc, old);
-            ReleaseDC(control, dc);
-            EXPECT_LE(needed.bottom, room.bottom) << id << " in picture " << name.size();
-            EXPECT_LE(needed.right, room.right) << id << " in picture " << name.size();
+            obtest::ExpectWholeText(prompt.Item(id));
         }
     }
 
@@ -130,7 +96,7 @@ TEST_F(PromptPictures, OfTheQuestionAboutAVeryWeakPassword) {
         PostMessageW(prompt.Window(), WM_COMMAND, IDOK, 0);
         const HWND box = WaitForBox(prompt.Window());
         ASSERT_TRUE(box);
-        TakePicture(box, L"prompt-question", 200, 100);
+        obtest::LookAt(box, L"prompt-question", 200, 100);
         SendMessageW(box, WM_COMMAND, IDNO, 0);
     };
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);

@@ -5,24 +5,18 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 
 #include "services/archive/ui/ProgressWindow.h"
 #include "services/archive/ui/ProgressWindowIds.h"
 #include "services/archive/ui/TimeLeft.h"
 #include "services/archive/zip/ZipForUser.h"
+#include "tests/support/PictureSuite.h"
 #include "tests/support/ProgressUiDriver.h"
-#include "tests/support/WindowPicture.h"
 
 namespace {
 
 using obarchive::ProgressCallback;
 using obarchive::ZipResult;
-
-int ExpectedDpi() {
-    const char* const text = std::getenv("OB_EXPECTED_DPI");
-    return text ? std::atoi(text) : 0;
-}
 
 // The clock of a run; it stops after some seconds, so that the window no longer changes.
 constexpr std::uint64_t kStandstill = 12'500;
@@ -31,21 +25,7 @@ std::uint64_t RunClock() { return runTime = std::min(runTime + 500, kStandstill)
 
 class ProgressPicture : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
-    }
-
-    static void Look(HWND window, const std::wstring& name) {
-        const auto picture = obtest::TakeSettledPicture(window);
-        ASSERT_TRUE(picture) << "the window stays blank or never comes to rest";
-        EXPECT_GE(picture->width, MulDiv(300, ExpectedDpi(), 96));
-        EXPECT_GE(picture->height, MulDiv(110, ExpectedDpi(), 96));
-        const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
-        if (!folder) return;
-        const std::wstring file =
-            std::wstring(folder) + L"\\" + name + L"-" + std::to_wstring(ExpectedDpi()) + L".png";
-        EXPECT_TRUE(obtest::WritePng(*picture, file));
-    }
+    static void SetUpTestSuite() { obtest::BeAwareOfTheScale(); }
 };
 
 TEST_F(ProgressPicture, ShowsALongPathAndTheTimeLeft) {
@@ -59,7 +39,7 @@ TEST_F(ProgressPicture, ShowsALongPathAndTheTimeLeft) {
             return progress({file, runTime * kSpeed, 30'000 * kSpeed}) && runTime == kStandstill &&
                    obtest::ItemText(window, OB_PROGRESS_TIME_LEFT) == L"About 20 seconds left";
         }));
-        Look(window, L"progress");
+        obtest::LookAt(window, L"progress", 300, 110);
         return ZipResult::Ok;
     };
     EXPECT_EQ(obarchive::RunWithProgress(nullptr, work, &RunClock), ZipResult::Ok);

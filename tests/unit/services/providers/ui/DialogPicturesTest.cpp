@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 
 #include "services/providers/ui/PdfDialog.h"
@@ -23,7 +22,7 @@
 #include "services/providers/ui/Texts.h"
 #include "services/providers/ui/WatermarkDialog.h"
 #include "services/providers/ui/WatermarkDialogIds.h"
-#include "tests/support/WindowPicture.h"
+#include "tests/support/PictureSuite.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
 using namespace providers;
@@ -31,42 +30,13 @@ using obtest::DialogUiDriver;
 
 namespace {
 
-int ExpectedDpi() {
-    const char* const text = std::getenv("OB_EXPECTED_DPI");
-    return text ? std::atoi(text) : 0;
-}
-
 class ProviderDialogPictures : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
-    }
+    static void SetUpTestSuite() { obtest::BeAwareOfTheScale(); }
 
     static void Look(HWND dialog, const std::wstring& name, std::initializer_list<int> texts) {
-        for (const int id : texts) ExpectWholeText(GetDlgItem(dialog, id), id);
-        const auto picture = obtest::TakeSettledPicture(dialog);
-        ASSERT_TRUE(picture);
-        EXPECT_GE(picture->width, MulDiv(380, ExpectedDpi(), 96));
-        const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
-        if (!folder) return;
-        const std::wstring file =
-            std::wstring(folder) + L"\\" + name + L"-" + std::to_wstring(ExpectedDpi()) + L".png";
-        EXPECT_TRUE(obtest::WritePng(*picture, file));
-    }
-
-    // The text, broken into lines as its control breaks it, fits into the control.
-    static void ExpectWholeText(HWND control, int id) {
-        RECT room;
-        GetClientRect(control, &room);
-        RECT needed{0, 0, room.right, 0};
-        const HDC dc = GetDC(control);
-        const HGDIOBJ old =
-            SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
-        DrawTextW(dc, obtest::TextOf(control).c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK);
-        SelectObject(dc, old);
-        ReleaseDC(control, dc);
-        EXPECT_LE(needed.bottom, room.bottom) << id;
-        EXPECT_LE(needed.right, room.right) << id;
+        for (const int id : texts) obtest::ExpectWholeText(GetDlgItem(dialog, id));
+        obtest::LookAt(dialog, name, 380);
     }
 };
 
