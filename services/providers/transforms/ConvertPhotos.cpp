@@ -35,12 +35,6 @@ bool HasNameOf(const std::wstring& path, const std::wstring& extension) {
     return HasExtension(path, extension) || (extension == L"jpg" && HasExtension(path, L"jpeg"));
 }
 
-bool PlacePhoto(StageCall& call, NewFile& made, WorkingCopy& copy, std::wstring& path) {
-    const auto kind = PhotoKindOf(made, path);
-    if (!kind) return RefusePhoto(call, WorkResult::ProcessFailed, path);
-    return PlaceResult(call, made, copy, *kind, path);
-}
-
 bool ConvertNow(StageCall& call, std::wstring& path, const std::wstring& folder) {
     auto copy = OpenCopy(call, path, folder);
     if (!copy) return false;
@@ -61,6 +55,12 @@ std::optional<ResultKind> PhotoKindOf(const NewFile& made, const std::wstring& p
     const wchar_t* const extension = ExtensionOf(made.Handle());
     if (!extension) return {};
     return ResultKind{extension, HasNameOf(path, extension)};
+}
+
+bool PlacePhoto(StageCall& call, NewFile& made, WorkingCopy& copy, std::wstring& path) {
+    const auto kind = PhotoKindOf(made, path);
+    if (!kind) return RefusePhoto(call, WorkResult::ProcessFailed, path);
+    return PlaceResult(call, made, copy, *kind, path);
 }
 
 bool PassPhoto(StageCall& call, const WorkReport& report, const std::wstring& path) {

@@ -13,8 +13,8 @@ namespace providers {
 // the result: the copy's name with another extension, numbered where there is such a file. A file
 // that isn't such a photo stays, as does an animation, a file of many pages and, after one sentence
 // a run, a photo that nothing on this machine decodes. Where pictures are made to fit afterwards, a
-// photo is only noted. False, after a sentence for the user, when
-// the run has to stop, as for a damaged photo. `folder` as for WorkingCopy::Open.
+// photo is only noted. False, after a sentence for the user, when the run has to stop, as for a
+// damaged photo. `folder` as for WorkingCopy::Open.
 bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folder);
 
 // The step alone: writes the photo at `source` into the new file, which gets no name. `path` is for
@@ -24,6 +24,10 @@ StepResult MakePhoto(StageCall& call, HANDLE source, NewFile& made, const std::w
 // Of a converted photo, by what is in the file, for a copy at `path`. Nothing for neither JPEG nor
 // PNG.
 std::optional<ResultKind> PhotoKindOf(const NewFile& made, const std::wstring& path);
+
+// Puts a converted photo in the place of its copy, or beside it under another name, which `path`
+// becomes. False, after a sentence, when that fails or the file is no such photo.
+bool PlacePhoto(StageCall& call, NewFile& made, WorkingCopy& copy, std::wstring& path);
 
 // Stops the run with the sentence for a result by which a photo isn't converted; false.
 bool RefusePhoto(StageCall& call, WorkResult result, const std::wstring& path);

@@ -32,6 +32,9 @@ std::uint64_t Utf8Length(const std::wstring& text) {
                  0));
 }
 
+// Whether the picture's watermark is still to be added, while it is made smaller.
+bool IsStampedInPass(const FittedFile& file) { return file.note.isStamped && !file.isSettled; }
+
 class Fit {
 public:
     explicit Fit(StageCall& call)
@@ -83,6 +86,12 @@ private:
     bool PlaceAll(std::vector<std::wstring>& paths);
     void Rename(const std::wstring& from, const std::wstring& to, std::vector<std::wstring>& paths);
     FittedFile* FileOf(std::uint32_t number);
+    // The first of those that the condition is true for, or else the first of all.
+    template <class Condition>
+    const FittedFile& FirstWith(Condition condition) const {
+        const auto first = std::ranges::find_if(files_, condition);
+        return first == files_.end() ? files_.front() : *first;
+    }
     WorkReport Ask(const WorkOrder& order, HANDLE source, HANDLE target) {
         return series_->Run(order, source, target, call_.wait);
     }
@@ -184,15 +193,17 @@ bool Fit::MakeSmaller() {
     Attempt attempt = Attempt::Again;
     while (attempt == Attempt::Again) attempt = TryToMakeSmaller();
     if (attempt == Attempt::Stopped) return false;
-    // The work process may have lied.
-    return Total() <= Room() || RefuseFitted(call_, WorkResult::ProcessFailed, files_[0]);
+    if (Total() <= Room()) return true;
+    // The work process has lied about what it wrote.
+    return RefuseFitted(call_, WorkResult::ProcessFailed,
+                        FirstWith([](const FittedFile& file) { return file.written.has_value(); }));
 }
 
 // Each further attempt has settled at least one file more.
 Fit::Attempt Fit::TryToMakeSmaller() {
     pictures_ = 0;
     series_ = std::make_unique<WorkSeries>(call_.run.process);
-    if (watermark_ && !SendWatermark()) return Attempt::Stopped;
+    if (!SendWatermark()) return Attempt::Stopped;
     const Attempt added = AddAll();
     if (added != Attempt::Done) return added;
     if (pictures_ == 0 || Others() > Room()) return After(SayWhatCannotFit());
@@ -203,16 +214,18 @@ Fit::Attempt Fit::TryToMakeSmaller() {
     return After(isWritten);
 }
 
+// Nothing to do where no picture gets one in the pass.
 bool Fit::SendWatermark() {
+    if (std::ranges::none_of(files_, &IsStampedInPass)) return true;
     const WorkReport report = Ask(watermark_->ForFit(), nullptr, nullptr);
     return report.result == WorkResult::Changed ||
-           RefuseWatermark(call_, report.result, files_[0].path);
+           RefuseWatermark(call_, report.result, FirstWith(&IsStampedInPass).path);
 }
 
 // A noted picture is coded from its copy, so that it is coded once.
 WorkReport Fit::Add(FittedFile& file) {
     WorkFitAdd settings{};
-    settings.isStamped = file.note.isStamped && !file.whole;
+    settings.isStamped = IsStampedInPass(file);
     if (file.note.isConverted && !file.whole) {
         const WorkPhoto photo = PhotoSettings::Load(call_.settings).Order();
         settings.quality = static_cast<std::uint8_t>(photo.quality);
@@ -254,6 +267,7 @@ Fit::Attempt Fit::Settle(std::vector<FittedFile*> files) {
         file->isSettled = true;
         if (!MakeWhole(call_, *file, Watermark())) return Attempt::Stopped;
     }
+    if (call_.isZipped && !MeasureKnown()) return Attempt::Stopped;
     return Attempt::Again;
 }
 
@@ -309,10 +323,11 @@ bool Fit::Write(FittedFile& file) {
         file.smaller.reset();
         return true;
     }
-    if (report.result != WorkResult::Changed) {
-        const bool isLie = report.result == WorkResult::Unchanged;
-        return RefuseFitted(call_, isLie ? WorkResult::ProcessFailed : report.result, file);
-    }
+    const bool isImpossible =
+        report.result == WorkResult::Unchanged ||
+        (report.result == WorkResult::Changed && !IsWhole(*file.smaller, report, file));
+    if (isImpossible) return RefuseFitted(call_, WorkResult::ProcessFailed, file);
+    if (report.result != WorkResult::Changed) return RefuseFitted(call_, report.result, file);
     file.written = std::move(report);
     return true;
 }

@@ -54,19 +54,17 @@ bool MakeWhole(StageCall& call, FittedFile& file, const WatermarkOrder* watermar
     return true;
 }
 
+bool IsWhole(const NewFile& made, const WorkReport& report, const FittedFile& file) {
+    return report.size != 0 && report.size == made.Size() &&
+           (!file.note.isConverted || PhotoKindOf(made, file.path));
+}
+
 bool PlaceFitted(StageCall& call, FittedFile& file) {
     NewFile* const made = file.written ? file.smaller.get() : file.whole.get();
     if (!made) return true;
-    if (made->Size() == 0 || (file.written && file.written->size != made->Size())) {
-        return RefuseFitted(call, WorkResult::ProcessFailed, file);
-    }
-    if (!file.note.isConverted) {
-        return made->TakePlaceOf(file.copy, [&] { return call.wait.IsEnded(); }) ||
-               Refuse(call, OB_TEXT_UNWRITABLE, file.path);
-    }
-    const auto kind = PhotoKindOf(*made, file.path);
-    if (!kind) return RefuseFitted(call, WorkResult::ProcessFailed, file);
-    return PlaceResult(call, *made, file.copy, *kind, file.path);
+    if (file.note.isConverted) return PlacePhoto(call, *made, file.copy, file.path);
+    return made->TakePlaceOf(file.copy, [&] { return call.wait.IsEnded(); }) ||
+           Refuse(call, OB_TEXT_UNWRITABLE, file.path);
 }
 
 bool RefuseFitted(StageCall& call, WorkResult result, const FittedFile& file) {

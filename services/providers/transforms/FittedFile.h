@@ -43,6 +43,10 @@ struct FittedFile {
 // sentence, when the run has to stop.
 bool MakeWhole(StageCall& call, FittedFile& file, const WatermarkOrder* watermark);
 
+// Whether the new file is what the work process reported, and a JPEG or PNG where a photo was to be
+// converted.
+bool IsWhole(const NewFile& made, const WorkReport& report, const FittedFile& file);
+
 // Puts what was written, or else what is whole, in the place of the copy, or beside it under the
 // name of a converted photo, and `file.path` becomes that of the result. False, after a sentence,
 // when that fails. Nothing to do for a file that stays.

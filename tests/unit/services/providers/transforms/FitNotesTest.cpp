@@ -199,6 +199,18 @@ TEST_F(FitNotes, NoteInTheListStageWhatTheFileStageHasNotSeen) {
     EXPECT_EQ(Results(1), Names{folder_ / L"a.jpg"});
 }
 
+// What the zip takes of such a file is known before anybody says that it doesn't fit.
+TEST_F(FitNotes, MeasureInTheZipWhatIsDoneAlone) {
+    Select(kConvert);
+    const Names paths{Jpeg(L"a.jpg", 800'000), Photo(L"b.tif", 900'000)};
+    NoteAll(paths);
+    Begin("fit-refuse-small-steps");
+    EXPECT_TRUE(Fit(paths, 1));
+    EXPECT_EQ(Asked(), "5 5 8 5 5 6 7 ");
+    EXPECT_EQ(BeginOf(L"a.jpg"), "smaller");
+    EXPECT_EQ(obtest::ReadFileContent(folder_ / L"b.jpg").value_or("").size(), 900'000u);
+}
+
 // What isn't a picture that fit takes gets its steps at once.
 TEST_F(FitNotes, AreForPicturesThatFitTakesAlone) {
     Select(kWatermark);
@@ -266,6 +278,59 @@ TEST_F(FitNotes, StopForADamagedPictureThatGetsAWatermark) {
     Select(kWatermark);
     ExpectStopped("fit-damaged-step", {Jpeg(L"a.jpg", 90'000)},
                   L"\u201ca.jpg\u201d can't get a watermark, because it is damaged.");
+}
+
+// Each at a request of its own: the word, and what the user reads about which file.
+TEST_F(FitNotes, StopWithASentenceForTheFileThatFails) {
+    const struct {
+        const char* word;
+        const wchar_t* text;
+    } rows[] = {
+        {"fit-crash-in-add", L"\u201cletter.txt\u201d can't be made smaller"},
+        {"fit-crash-in-search", L"\u201cb.heic\u201d can't be converted"},
+        {"fit-crash-in-write", L"\u201cb.heic\u201d can't be converted"},
+        {"fit-crash-in-mark", L"\u201ca.jpg\u201d can't get a watermark"},
+        {"fit-full", L"copy of \u201cb.heic\u201d can't be written"},
+        {"fit-unchanged", L"\u201cb.heic\u201d can't be converted"},
+        {"fit-wrong-size", L"\u201cb.heic\u201d can't be converted"},
+        {"fit-odd", L"\u201cb.heic\u201d can't be converted"},
+        {"fit-too-much", L"\u201ca.jpg\u201d can't be made smaller"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.word);
+        Anew();
+        Select(kConvert);
+        Select(kWatermark);
+        const Names paths{folder_.File(L"letter.txt", "text"), Jpeg(L"a.jpg", 400'000),
+                          Photo(L"b.heic", 400'000)};
+        ExpectStopped(row.word, paths, row.text);
+    }
+}
+
+TEST_F(FitNotes, StopWithASentenceForTheStepThatFails) {
+    Select(kConvert);
+    const Names paths{Jpeg(L"a.jpg", 1000), Photo(L"b.heic", 1000)};
+    ExpectStopped("fit-full-in-step", paths, L"copy of \u201cb.heic\u201d can't be written");
+    ExpectStopped("fit-crash-in-step", paths, L"\u201cb.heic\u201d can't be converted");
+}
+
+// A file that ended the work process at the question is done at once, whose sentence names it.
+TEST_F(FitNotes, AreNotMadeWhenTheQuestionFails) {
+    Select(kConvert);
+    Begin("fit-crash-in-check");
+    EXPECT_TRUE(Execute(Photo(L"a.heic", 90'000)));
+    EXPECT_EQ(Entries().GetProviderTarget(manager_), folder_ / L"a.jpg");
+    EXPECT_EQ(Asked(), "18 8 ");
+}
+
+TEST_F(FitNotes, LeaveAnUnconvertedPictureThatStaysAsItIs) {
+    Select(kWatermark);
+    const Names paths{Jpeg(L"a.jpg", 800'000), Jpeg(L"b.jpg", 1000)};
+    NoteAll(paths);
+    Begin("fit-unchanged");
+    EXPECT_TRUE(Fit(paths));
+    EXPECT_EQ(BeginOf(L"a.jpg"), "smaller");
+    EXPECT_EQ(BeginOf(L"b.jpg"), "jpejjjjjjjjj");
 }
 
 TEST_F(FitNotes, StopForAWatermarksPictureThatCantBeUsed) {
