@@ -9,11 +9,11 @@ import subprocess
 
 # Name: (authority, name of the server, days from which and until which it is valid).
 SERVERS = {
-    "good": ("authority", "127.0.0.1", -1, 30),
-    "expired": ("authority", "127.0.0.1", -30, -1),
-    "early": ("authority", "127.0.0.1", 1, 30),
-    "otherhost": ("authority", "192.0.2.1", -1, 30),
-    "unknown": ("stranger", "127.0.0.1", -1, 30),
+    "good": ("authority", "localhost", -1, 30),
+    "expired": ("authority", "localhost", -30, -1),
+    "early": ("authority", "localhost", 1, 30),
+    "otherhost": ("authority", "other.example", -1, 30),
+    "unknown": ("stranger", "localhost", -1, 30),
 }
 SETTINGS = """[ca]
 default_ca = made
@@ -46,7 +46,7 @@ def make_server(folder, name, authority, host, first, last):
     now = datetime.datetime.utcnow()
     start, end = ((now + datetime.timedelta(days=days)).strftime("%Y%m%d%H%M%SZ") for days in (first, last))
     with open(os.path.join(folder, f"{name}.ext"), "w", encoding="ascii") as file:
-        file.write(f"subjectAltName = IP:{host}\nextendedKeyUsage = serverAuth\n")
+        file.write(f"subjectAltName = DNS:{host}\nextendedKeyUsage = serverAuth\n")
     openssl(folder, "req", "-new", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes",
             "-keyout", f"{name}.key", "-out", f"{name}.csr", "-subj", f"/CN={host}")
     openssl(folder, "ca", "-batch", "-notext", "-config", "settings", "-cert", f"{authority}.pem",

@@ -166,7 +166,7 @@ class CloudServers:
         self.processes.append(process)
         self.note("apache", ports[0], os.path.join(folder, "files"))
         for name, port in zip(kinds, ports[1:]):
-            self.environment[f"OB_TLS_{name.upper()}_URL"] = f"https://127.0.0.1:{port}/dav/"
+            self.environment[f"OB_TLS_{name.upper()}_URL"] = f"https://localhost:{port}/dav/"
 
     def start_sabre(self):
         folder = own_folder(self.folder, "sabre")

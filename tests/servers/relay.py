@@ -10,6 +10,7 @@ A connection to the control port carries one command in a line and gets lines ba
                            TIMES; rules that were made first count first
     release                lets go on what a rule "hold" keeps
     waiting                how many requests a rule "hold" keeps now
+    logins                 how many requests since "begin" had an Authorization header
     requests               the requests since "begin": method, path, length of the body that came, status that the
                            server gave ("-": none)
 
@@ -51,6 +52,7 @@ class Script:
             self.upstream = self.upstreams.get(name)
             self.rules = []
             self.seen = []
+            self.logins = 0
             self.held = 0
             self.released = True
             self.lock.notify_all()
@@ -73,8 +75,9 @@ class Script:
                     return rule[3], rule[4]
         return "pass", ""
 
-    def note(self, line):
+    def note(self, line, has_login):
         with self.lock:
+            self.logins += has_login
             self.seen.append(line)
             return len(self.seen) - 1
 
@@ -105,6 +108,8 @@ class Script:
             self.release()
         elif words[0] == "waiting":
             return [str(self.held)]
+        elif words[0] == "logins":
+            return [str(self.logins)]
         elif words[0] == "requests":
             with self.lock:
                 return list(self.seen)
@@ -183,7 +188,7 @@ class Relay(socketserver.BaseRequestHandler):
             self.request.sendall(made_reply("411"))  # none of the tests' programs sends a body in chunks
             return
         action, argument = script.take(method)
-        number = script.note(f"{method} {path} 0 -")
+        number = script.note(f"{method} {path} 0 -", head.value(b"authorization") is not None)
         if action == "refuse":
             return
         if action == "early":

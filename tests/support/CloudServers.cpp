@@ -81,6 +81,8 @@ void Relay::Release() const { Done("release"); }
 
 std::vector<std::string> Relay::Requests() const { return Command("requests"); }
 
+int Relay::Logins() const { return std::stoi(Command("logins").at(0)); }
+
 std::string Relay::Methods() const {
     std::string methods;
     for (const std::string& request : Requests())

@@ -31,6 +31,8 @@ public:
     // "METHOD PATH BODY-LENGTH STATUS", one each; the status is that of the server, "-" when it
     // gave none.
     std::vector<std::string> Requests() const;
+    // How many requests had a login.
+    int Logins() const;
     // The methods alone, with blanks between.
     std::string Methods() const;
 };

@@ -1,0 +1,55 @@
+// One request on the wire and its reply. Part of HttpSession.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "services/providers/http/HttpTypes.h"
+#include "services/providers/http/InternetHandle.h"
+
+namespace providers {
+
+// The client works on threads of its own and reports the end of each step to a callback; this
+// thread waits for that, for the caller's event, and no longer than the step may take. What the
+// client may still use after the request was given up (its buffers) is in a record that lives until
+// the client has reported its last.
+class HttpExchange {
+public:
+    HttpExchange(HINTERNET session, const HttpTimes& times, HANDLE cancelled);
+    ~HttpExchange();
+    HttpExchange(const HttpExchange&) = delete;
+    HttpExchange& operator=(const HttpExchange&) = delete;
+
+    HttpResult Run(const HttpRequest& request, const HttpUrl& url);
+
+private:
+    struct Shared;
+    using Failure = std::optional<HttpError>; // nothing: done
+
+    static void CALLBACK OnStatus(HINTERNET handle, DWORD_PTR context, DWORD status, void* info,
+                                  DWORD size);
+
+    Failure Open(const HttpRequest& request, const HttpUrl& url);
+    Failure SetOptions(const HttpUrl& url);
+    Failure AddHeaders(const HttpRequest& request, const HttpUrl& url);
+    Failure SendHead();
+    Failure SendBody(const HttpRequest& request);
+    Failure SendBytes(const HttpRequest& request, const std::string& bytes);
+    Failure SendFile(const HttpRequest& request, const HttpFilePart& part);
+    Failure ReceiveHead(HttpReply& reply);
+    Failure ReceiveBody(const HttpRequest& request, HttpReply& reply);
+
+    Failure Write(std::size_t buffer, std::size_t size);
+    // Waits for the step that was begun: true when the call that began it returned true.
+    Failure Wait(BOOL begun, DWORD limit);
+    HttpError Error(DWORD code) const;
+
+    HINTERNET session_;
+    HttpTimes times_;
+    HANDLE cancelled_;
+    std::shared_ptr<Shared> shared_;
+    UniqueInternetHandle connection_;
+    UniqueInternetHandle request_; // closed before the connection
+};
+
+} // namespace providers

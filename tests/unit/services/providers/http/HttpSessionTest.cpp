@@ -1,0 +1,170 @@
+#include "services/providers/http/HttpSession.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "tests/support/TestFolder.h"
+#include "tests/unit/services/providers/http/HttpFixture.h"
+
+namespace providers {
+namespace {
+
+class HttpSessionTest : public testing::Test {
+protected:
+    HttpResult Send(const HttpRequest& request, HANDLE cancelled = nullptr) const {
+        return session_.Send(request, cancelled);
+    }
+
+    obtest::Relay relay_{"apache"};
+    HttpSession session_;
+    HttpUrl url_ = ServerUrl(L"RELAY_URL");
+    HttpLogin login_ = LoginFor(url_);
+};
+
+TEST_F(HttpSessionTest, StoresAndReadsAFile) {
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "a"), &login_);
+    put.body = std::string("some bytes");
+    EXPECT_EQ(201, Outcome(Send(put)));
+    const HttpResult got = Send(Request("GET", ServerUrl(L"RELAY_URL", "a"), &login_));
+    ASSERT_EQ(200, Outcome(got));
+    EXPECT_EQ("some bytes", std::get<HttpReply>(got).body);
+    EXPECT_EQ("10", std::get<HttpReply>(got).Header("CONTENT-length"));
+    EXPECT_EQ("", std::get<HttpReply>(got).Header("None"));
+    EXPECT_EQ(404, Outcome(Send(Request("GET", ServerUrl(L"RELAY_URL", "none"), &login_))));
+}
+
+TEST_F(HttpSessionTest, SendsAPartOfAFileAndReportsHowFarItIs) {
+    const obtest::TestFolder folder;
+    std::string content(1'000'003, '\0');
+    for (std::size_t i = 0; i < content.size(); ++i)
+        content[i] = static_cast<char>(i * 7 + i / 256);
+    const ObLib::UniqueKernelHandle file(CreateFileW(
+        folder.File(L"f", content).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "part"), &login_);
+    put.body = HttpFilePart{file.Get(), 3, content.size() - 3};
+    std::vector<std::uint64_t> sent;
+    put.progress = [&](std::uint64_t bytes) { sent.push_back(bytes); };
+    ASSERT_EQ(201, Outcome(Send(put)));
+    EXPECT_EQ(content.substr(3),
+              obtest::ReadFileContent(obtest::ServerValue(L"APACHE_FILES") + L"\\part"));
+    ASSERT_GT(sent.size(), 1u);
+    EXPECT_TRUE(std::is_sorted(sent.begin(), sent.end()));
+    EXPECT_EQ(1'000'000u, sent.back());
+}
+
+TEST_F(HttpSessionTest, SendsAnEmptyBodyWithItsLength) {
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "empty"), &login_);
+    put.body = HttpFilePart{nullptr, 0, 0};
+    EXPECT_EQ(201, Outcome(Send(put)));
+    EXPECT_EQ("", obtest::ReadFileContent(obtest::ServerValue(L"APACHE_FILES") + L"\\empty"));
+}
+
+TEST_F(HttpSessionTest, LogsInAtItsOwnServerOnly) {
+    EXPECT_EQ(401, Outcome(Send(Request("GET", url_, nullptr))));
+    EXPECT_EQ(0, relay_.Logins());
+    HttpLogin other = LoginFor(url_);
+    other.origin.port ^= 1;
+    EXPECT_EQ(401, Outcome(Send(Request("GET", url_, &other))));
+    EXPECT_EQ(0, relay_.Logins());
+    HttpLogin wrong = login_;
+    wrong.password = ObLib::Secret("wrong");
+    EXPECT_EQ(401, Outcome(Send(Request("GET", url_, &wrong))));
+    EXPECT_EQ(1, relay_.Logins()) << "tried once, not again";
+    EXPECT_EQ(404, Outcome(Send(Request("GET", ServerUrl(L"RELAY_URL", "none"), &login_))));
+}
+
+TEST_F(HttpSessionTest, EndsAtOnceWhenItIsCancelled) {
+    const ObLib::UniqueKernelHandle cancelled(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    relay_.On("GET", "hold");
+    std::thread canceller([&] {
+        relay_.WaitUntilHeld(1);
+        SetEvent(cancelled.Get());
+    });
+    EXPECT_EQ(Outcome(HttpFault::Cancelled),
+              Outcome(Send(Request("GET", url_, &login_), cancelled.Get())));
+    canceller.join();
+    EXPECT_EQ(Outcome(HttpFault::Cancelled),
+              Outcome(Send(Request("GET", url_, &login_), cancelled.Get())))
+        << "nothing begins once it is cancelled";
+    relay_.Release();
+    EXPECT_EQ("GET", relay_.Methods());
+}
+
+TEST_F(HttpSessionTest, EndsAtOnceWhenItIsCancelledInTheBody) {
+    const ObLib::UniqueKernelHandle cancelled(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const obtest::TestFolder folder;
+    const std::string content(3'000'000, 'x');
+    const ObLib::UniqueKernelHandle file(CreateFileW(
+        folder.File(L"f", content).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "cancelled"), &login_);
+    put.body = HttpFilePart{file.Get(), 0, content.size()};
+    put.progress = [&](std::uint64_t) { SetEvent(cancelled.Get()); };
+    EXPECT_EQ(Outcome(HttpFault::Cancelled), Outcome(Send(put, cancelled.Get())));
+}
+
+TEST_F(HttpSessionTest, EndsAStepThatTakesTooLong) {
+    HttpTimes times;
+    times.reply = 50;
+    relay_.On("PUT", "holdreply");
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "slow"), &login_);
+    put.body = std::string("x");
+    EXPECT_EQ(Outcome(HttpFault::TimedOut), Outcome(HttpSession(times).Send(put, nullptr)));
+    // Without a body this system's client may count the wait for the reply to the step before.
+    times.connect = 50;
+    relay_.On("GET", "hold");
+    EXPECT_EQ(Outcome(HttpFault::TimedOut),
+              Outcome(HttpSession(times).Send(Request("GET", url_, &login_), nullptr)));
+    relay_.Release();
+}
+
+TEST_F(HttpSessionTest, ReportsConnectionsThatEndEarly) {
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "early"), &login_);
+    put.body = std::string(100'000, 'x');
+    relay_.On("PUT", "refuse");
+    EXPECT_EQ(Outcome(HttpFault::BrokenOff), Outcome(Send(put))) << "before it is read";
+    relay_.On("PUT", "cutbody 5000");
+    EXPECT_EQ(Outcome(HttpFault::BrokenOff), Outcome(Send(put))) << "in the body";
+    relay_.On("PUT", "swallow");
+    EXPECT_EQ(Outcome(HttpFault::BrokenOff), Outcome(Send(put))) << "after the body";
+    relay_.On("GET", "cutreply 10");
+    EXPECT_EQ(Outcome(HttpFault::BrokenOff),
+              Outcome(Send(Request("GET", ServerUrl(L"RELAY_URL", "early"), &login_))))
+        << "in the reply";
+    EXPECT_EQ("PUT PUT PUT GET", relay_.Methods()) << "the client repeats nothing itself";
+}
+
+TEST_F(HttpSessionTest, TakesNoLongerReplyThanItsCallerAllows) {
+    relay_.On("GET", "status 200|=0123456789", 0, 2);
+    HttpRequest get = Request("GET", url_, nullptr);
+    get.longestReply = 9;
+    EXPECT_EQ(Outcome(HttpFault::ReplyTooLong), Outcome(Send(get)));
+    get.longestReply = 10;
+    EXPECT_EQ(200, Outcome(Send(get)));
+}
+
+TEST_F(HttpSessionTest, SendsNothingOfAFileThatCannotBeRead) {
+    const obtest::TestFolder folder;
+    const ObLib::UniqueKernelHandle file(CreateFileW(
+        folder.File(L"f", "short").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "short"), &login_);
+    put.body = HttpFilePart{file.Get(), 0, 6};
+    EXPECT_EQ(Outcome(HttpFault::FileUnreadable), Outcome(Send(put)));
+}
+
+TEST_F(HttpSessionTest, ServesSeveralThreadsAtATime) {
+    relay_.On("GET", "hold", 0, 3);
+    std::array<int, 3> outcomes{};
+    std::vector<std::thread> threads;
+    for (int& outcome : outcomes)
+        threads.emplace_back([&] {
+            outcome = Outcome(Send(Request("GET", ServerUrl(L"RELAY_URL", "no"), &login_)));
+        });
+    relay_.WaitUntilHeld(3);
+    relay_.Release();
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ((std::array{404, 404, 404}), outcomes);
+}
+
+} // namespace
+} // namespace providers
