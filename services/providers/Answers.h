@@ -24,6 +24,16 @@ Result InSession(obcontract::ProviderManagerHandle manager, Result otherwise, Wo
     return ObLib::Guarded(otherwise, [&] { return manager->Quickly(otherwise, work); });
 }
 
+// Runs work that may wait for the user on the session of a manager, which stays alive meanwhile.
+template <class Work>
+obcontract::Bool WithSession(obcontract::ProviderManagerHandle manager, Work work) noexcept {
+    if (!manager) return false;
+    return ObLib::Guarded<obcontract::Bool>(false, [&]() -> obcontract::Bool {
+        const auto session = manager->KeptSession();
+        return session && work(*session);
+    });
+}
+
 // Makes the caller's place for a text an empty text.
 template <class Capacity>
 void ClearText(wchar_t* buffer, const Capacity* capacity) noexcept {

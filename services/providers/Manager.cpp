@@ -26,6 +26,13 @@ void AddTransforms(Catalogue& catalogue) {
     }
 }
 
+void AddStorage(Catalogue& catalogue, const StorageHalf& storage) {
+    for (const auto& instance : storage.Instances()) {
+        catalogue.Add(
+            {instance->Provider().Id(), obcontract::ProviderKind::Storage, instance.get()});
+    }
+}
+
 // A stage may show a box to the user who has left. Only boxes and dialogs of the module can be open
 // on the thread of a worker.
 BOOL CALLBACK CloseDialog(HWND window, LPARAM) noexcept {
@@ -49,11 +56,13 @@ obcontract::ObExtensionsManager::~ObExtensionsManager() {
     AwaitStage(INFINITE);
 }
 
-void obcontract::ObExtensionsManager::Begin(std::int64_t hive, const wchar_t* key) {
+void obcontract::ObExtensionsManager::Begin(std::int64_t hive, const wchar_t* key,
+                                            StoragePartsMaker make) {
     End();
     const auto root = PredefinedKey(hive);
     if (!root || !key || *key == L'\0') return;
-    auto session = std::make_shared<Session>(*root, key, OwnWorkProcess());
+    auto session = std::make_shared<Session>(*root, key, OwnWorkProcess(), make);
+    AddStorage(session->catalogue, session->storage);
     AddTransforms(session->catalogue);
     const std::lock_guard guard(state_->lock);
     if (!state_->idle) state_->idle.Reset(CreateEventW(nullptr, TRUE, TRUE, nullptr));
@@ -69,6 +78,7 @@ void obcontract::ObExtensionsManager::End() noexcept {
     }
     if (!session) return;
     SetEvent(session->ended.Get());
+    session->storage.End();
     AwaitStage(kLimit);
     session->run.unfinished.DeleteAll();
 }

@@ -15,19 +15,21 @@
 #include "services/providers/Catalogue.h"
 #include "services/providers/Selection.h"
 #include "services/providers/settings/TransformSettings.h"
+#include "services/providers/storage/StorageHalf.h"
 #include "services/providers/transforms/StageCall.h"
 
 namespace providers {
 
 // Everything that lasts from Init to Deinit.
 struct Session {
-    Session(HKEY hive, const std::wstring& key, WorkSettings work)
-        : accounts(hive, key), settings(hive, key), run(std::move(work)),
+    Session(HKEY hive, const std::wstring& key, WorkSettings work, StoragePartsMaker make)
+        : accounts(hive, key), settings(hive, key), run(std::move(work)), storage(hive, key, make),
           ended(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
 
     AccountStore accounts;
     TransformSettings settings;
     TransformRun run;
+    StorageHalf storage;
     ObLib::UniqueKernelHandle ended; // an event, set once by Deinit
     Catalogue catalogue;
     Selection selection;
@@ -49,9 +51,10 @@ public:
     ObExtensionsManager(const ObExtensionsManager&) = delete;
     ObExtensionsManager& operator=(const ObExtensionsManager&) = delete;
 
-    // Begins a session on the state below `key`; one that runs already ends. Without a predefined
-    // hive or a key the manager stays without a session.
-    void Begin(std::int64_t hive, const wchar_t* key);
+    // Begins a session on the state below `key`, with the storage providers that `make` makes; one
+    // that runs already ends. Without a predefined hive or a key the manager stays without a
+    // session.
+    void Begin(std::int64_t hive, const wchar_t* key, providers::StoragePartsMaker make);
 
     // Ends the session and a stage that runs on another thread, for which it waits a while: longer
     // than a stage takes to end, except for one that waits for the user. Then deletes what the

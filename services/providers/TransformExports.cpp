@@ -35,16 +35,6 @@ const SettingsRow* SettingsRowOf(const Session& session, std::uint32_t providerI
     return SettingsOf(static_cast<TransformId>(providerId));
 }
 
-// Runs work that may wait for the user on the session of a manager, which stays alive meanwhile.
-template <class Work>
-Bool WithSession(ProviderManagerHandle manager, Work work) noexcept {
-    if (!manager) return false;
-    return ObLib::Guarded<Bool>(false, [&]() -> Bool {
-        const auto session = manager->KeptSession();
-        return session && work(*session);
-    });
-}
-
 // Runs a stage of the manager. `Wait` is how its thread waits.
 template <class Wait, class Work>
 Bool InStage(ProviderManagerHandle manager, HWND owner, std::uint32_t mode, Work work) noexcept {

@@ -24,11 +24,9 @@ constexpr std::wstring_view kAfterProvider = L"||";
 
 } // namespace
 
-std::wstring NameWithLink(const PickedFile& file) {
-    std::wstring text = file.name;
-    std::ranges::replace(text, L'|', L' ');
-    text += L' ';
-    for (const wchar_t character : file.link) {
+std::wstring EscapedLink(const std::wstring& link) {
+    std::wstring text;
+    for (const wchar_t character : link) {
         if (character == L'|') {
             text += L"%7C";
         } else {
@@ -36,6 +34,12 @@ std::wstring NameWithLink(const PickedFile& file) {
         }
     }
     return text;
+}
+
+std::wstring NameWithLink(const PickedFile& file) {
+    std::wstring name = file.name;
+    std::ranges::replace(name, L'|', L' ');
+    return name + L' ' + EscapedLink(file.link);
 }
 
 bool FitsLinkText(std::span<const PickedFile> files, const std::wstring& displayName) {

@@ -8,9 +8,11 @@
 
 namespace providers {
 
+// A link as the text for the mail has it: a pipe, which separates the parts of the text, is "%7C".
+std::wstring EscapedLink(const std::wstring& link);
+
 // The name under which a picked file gets into the text for the mail: its name, a blank and its
-// link. The text has no place of its own for links. A pipe, which separates the parts of the text,
-// becomes "%7C" in the link and a blank in the name.
+// link, escaped. The text has no place of its own for links. A pipe in the name becomes a blank.
 std::wstring NameWithLink(const PickedFile& file);
 
 // Whether each name with its link fits the record of a file, and all of them fit the text. A link

@@ -7,6 +7,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "services/providers/storage/RecordTexts.h"
+#include "services/providers/storage/ShareStep.h"
 #include "services/providers/storage/SlotTable.h"
 #include "services/providers/storage/UploadStep.h"
 
@@ -133,7 +134,11 @@ Bool ProviderInstance::RunUpload(UploadList* list, HWND owner, const wchar_t* ti
     return UploadFiles(*run_, *own, callback_, {title, body}, owner);
 }
 
-Bool ProviderInstance::ShareItems(DownloadList*) { return false; }
+Bool ProviderInstance::ShareItems(DownloadList* list) {
+    const auto kept = shared_from_this();
+    const auto own = Find(list);
+    return own && ShareFiles(run_, *own);
+}
 
 Bool ProviderInstance::IsAccountLoggedIn(const wchar_t* accountKey) {
     const auto key = AccountKeyIn(accountKey);

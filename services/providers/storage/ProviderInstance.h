@@ -27,6 +27,10 @@ public:
 
     StorageProvider& Provider() const noexcept { return provider_; }
     const std::shared_ptr<StorageRun>& Run() const noexcept { return run_; }
+    AccountSpaces& Spaces() const noexcept { return *spaces_; }
+
+    // The provider of an account, this one's when there is no such account.
+    StorageProvider& ProviderOf(const std::wstring& accountKey) const;
 
     // A list of this instance; null for any other pointer. The list outlives its destruction by
     // the caller for as long as the result is kept.
@@ -40,9 +44,6 @@ private:
     using Bool = obcontract::Bool;
 
     static void* const* Table();
-
-    // The provider of an account, this one when there is no such account.
-    StorageProvider& ProviderOf(const std::wstring& accountKey) const;
 
     // The slots, by the contract's names.
     std::uint32_t GetProviderId();

@@ -5,8 +5,8 @@
 
 namespace providers {
 
-StorageRun::StorageRun(AccountBook book, StorageParts parts)
-    : book_(std::move(book)), parts_(std::move(parts)),
+StorageRun::StorageRun(HKEY hive, const std::wstring& key, StorageParts parts)
+    : book_(hive, key), deletions_(hive, key), parts_(std::move(parts)),
       ended_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
     if (!ended_) throw std::bad_alloc();
 }

@@ -11,6 +11,7 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/storage/AccountBook.h"
 #include "services/providers/storage/AccountErrors.h"
+#include "services/providers/storage/DeletionSchedule.h"
 #include "services/providers/storage/RunUploads.h"
 #include "services/providers/storage/StorageProvider.h"
 #include "services/providers/storage/UploadTexts.h"
@@ -32,11 +33,13 @@ struct StorageParts {
 // keeps it beyond Deinit, and with it the providers; so it may be destroyed on any thread.
 class StorageRun {
 public:
-    // Throws std::bad_alloc, also when the system has no event left.
-    StorageRun(AccountBook book, StorageParts parts);
+    // The hive and key that Init was given. Throws std::bad_alloc, also when the system has no
+    // event left.
+    StorageRun(HKEY hive, const std::wstring& key, StorageParts parts);
 
     // On any thread.
     const AccountBook& Book() const noexcept { return book_; }
+    const DeletionSchedule& Deletions() const noexcept { return deletions_; }
     const std::vector<std::unique_ptr<StorageProvider>>& Providers() const noexcept {
         return parts_.providers;
     }
@@ -55,6 +58,7 @@ public:
 
 private:
     AccountBook book_;
+    DeletionSchedule deletions_;
     StorageParts parts_;
     ObLib::UniqueKernelHandle ended_;
 };

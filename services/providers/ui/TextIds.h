@@ -11,6 +11,16 @@
 #define OB_TEXT_STORAGE_NAME_TAKEN 304
 #define OB_TEXT_STORAGE_NO_ACCOUNT 305
 #define OB_TEXT_STORAGE_FAILED 306
+#define OB_TEXT_STORAGE_TOO_MANY_ACCOUNTS 307 // %1: how many there may be
+
+// Links to files in a cloud account; %1 is a file's name.
+#define OB_TEXT_SHARE_FAILED 310 // %2: why
+#define OB_TEXT_SHARE_NO_LINK 311
+#define OB_TEXT_PICK_FAILED 312
+#define OB_TEXT_PICK_TOO_MANY 313
+#define OB_TEXT_LINK_PASSWORD 314
+#define OB_TEXT_LINK_PASSWORD_COPIED 315
+#define OB_TEXT_LINK_PASSWORD_NOT_COPIED 316
 
 // The progress window of an upload. %1 is a number in the texts about time.
 #define OB_TEXT_UPLOAD_SENT 340

@@ -49,4 +49,8 @@ bool AskQuestion(HWND owner, const std::wstring& question) {
     return ShowBox(owner, question, MB_YESNO | MB_DEFBUTTON2 | MB_ICONQUESTION) == IDYES;
 }
 
+bool AskToTryAgain(HWND owner, const std::wstring& sentence) {
+    return ShowBox(owner, sentence, MB_RETRYCANCEL | MB_ICONEXCLAMATION) == IDRETRY;
+}
+
 } // namespace providers

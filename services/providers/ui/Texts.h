@@ -23,4 +23,8 @@ void ShowSentence(HWND owner, const std::wstring& sentence);
 // A question in such a box. True after Yes; No has the focus, as Yes lets something out.
 bool AskQuestion(HWND owner, const std::wstring& question);
 
+// The same for something that failed. True when the user wants to try again, for which the button
+// has the focus.
+bool AskToTryAgain(HWND owner, const std::wstring& sentence);
+
 } // namespace providers

@@ -43,7 +43,8 @@ protected:
                               const providers::UploadFile& file,
                               const providers::UploadTexts& texts, HWND owner,
                               HANDLE) { return upload_(provider, key, file, texts, owner); };
-        run_ = std::make_shared<providers::StorageRun>(book_, std::move(parts));
+        run_ = std::make_shared<providers::StorageRun>(
+            HKEY_CURRENT_USER, obcontract::kProviderManagerKey, std::move(parts));
         const auto spaces = std::make_shared<providers::AccountSpaces>(run_);
         sevenInstance_ = std::make_shared<providers::ProviderInstance>(run_, spaces, *sevenScript_);
         eightInstance_ = std::make_shared<providers::ProviderInstance>(run_, spaces, *eightScript_);

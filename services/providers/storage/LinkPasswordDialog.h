@@ -1,0 +1,16 @@
+// The password of a link, which the user sends another way than the link.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace providers {
+
+// Shows the password in front of the owner, which may be null or no longer exist, and waits until
+// the user closes the dialog. False when it can't be shown. The dialog keeps no copy: the user's
+// own, on the clipboard, is kept out of its history and removed after a minute. On the thread of
+// the owner.
+bool ShowLinkPassword(HWND owner, const std::wstring& fileName, const std::wstring& password);
+
+} // namespace providers

@@ -1,0 +1,89 @@
+#include "services/providers/storage/ShareStep.h"
+
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include "ObLib/Src/Win32/ScopeExit.h"
+#include "services/providers/storage/LinkPasswordDialog.h"
+#include "services/providers/storage/PickLimits.h"
+#include "services/providers/storage/PumpedCall.h"
+#include "services/providers/storage/RecordTexts.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+
+namespace providers {
+namespace {
+
+using obcontract::CloudItem;
+using Run = std::shared_ptr<StorageRun>;
+
+constexpr DWORD kShareLimit = 60'000; // milliseconds; a server that is silent for longer has failed
+
+// Nobody is left to read a message.
+bool IsOver(const StorageRun& run) {
+    return WaitForSingleObject(run.Ended(), 0) == WAIT_OBJECT_0 ||
+           (run.owner && !IsWindow(run.owner));
+}
+
+// A result that isn't shared when the provider can't be asked or throws.
+ShareResult AskProvider(const Run& run, const RunUpload& upload) {
+    StorageProvider* const provider = run->ProviderOf(upload.accountKey);
+    if (!provider) return {};
+    const auto ask = [run, provider, key = upload.accountKey, file = upload.file](HANDLE stop) {
+        return provider->Share(key, file, stop);
+    };
+    return CallAndPump<ShareResult>(run->Ended(), run->owner, kShareLimit, ask)
+        .value_or(ShareResult{});
+}
+
+// Whether the result is a link that the record has room for, and the user has seen its password.
+bool TakeLink(const StorageRun& run, RunUpload& upload, CloudItem& item, ShareResult& result) {
+    const ObLib::ScopeExit wiped([&result] {
+        SecureZeroMemory(result.password.data(), result.password.size() * sizeof(wchar_t));
+    });
+    const std::wstring link = EscapedLink(result.link);
+    if (!result.isShared || link.empty() || link.size() >= std::size(item.link)) return false;
+    if (!result.password.empty() && !ShowLinkPassword(run.owner, item.name, result.password)) {
+        return false;
+    }
+    CopyWhole(link, item.link, std::size(item.link));
+    upload.link = link;
+    upload.shareId = result.shareId;
+    upload.isShared = true;
+    return true;
+}
+
+std::wstring FailureOf(const CloudItem& item, const ShareResult& result) {
+    const bool hasReason = !result.isShared && !result.sentence.empty();
+    return FormatOwnText(OB_TEXT_SHARE_FAILED,
+                         {item.name, hasReason ? result.sentence : OwnText(OB_TEXT_SHARE_NO_LINK)});
+}
+
+bool ShareFile(const Run& run, CloudItem& item) {
+    const auto upload = run->uploads.Find(item.profile.accountKey, item.link);
+    if (!upload) {
+        ShowSentence(run->owner, FailureOf(item, {}));
+        return false;
+    }
+    while (!upload->isShared) {
+        ShareResult result = AskProvider(run, *upload);
+        if (TakeLink(*run, *upload, item, result)) return true;
+        if (IsOver(*run) || !AskToTryAgain(run->owner, FailureOf(item, result))) return false;
+    }
+    return true;
+}
+
+} // namespace
+
+// By index: messages are dispatched, and what they cause may change the list.
+bool ShareFiles(const Run& run, OwnDownloadList& list) {
+    for (std::size_t index = 0; index < list.items.size(); ++index) {
+        CloudItem item = list.items[index];
+        if (!ShareFile(run, item)) return false;
+        list.items.at(index) = item;
+    }
+    return !list.items.empty();
+}
+
+} // namespace providers
