@@ -1,0 +1,15 @@
+// The shell's dialog for a folder.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace providers {
+
+// The full path of the folder that the user chose; empty after a cancel. Begins in `first`, if that
+// is a folder. On the thread of the owner, whose messages are dispatched; the dialog runs on a
+// thread of its own.
+std::wstring AskForFolder(HWND owner, const std::wstring& first);
+
+} // namespace providers

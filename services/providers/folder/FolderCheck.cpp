@@ -1,0 +1,59 @@
+#include "services/providers/folder/FolderCheck.h"
+
+#include <objbase.h>
+
+#include <cwchar>
+#include <iterator>
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/LongPath.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/folder/FolderPath.h"
+
+namespace providers {
+namespace {
+
+DWORD TryToWrite(const std::wstring& path) {
+    const ObLib::UniqueKernelHandle probe(
+        CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
+                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+    if (!probe) return GetLastError();
+    DWORD written = 0;
+    return WriteFile(probe.Get(), "", 1, &written, nullptr) && written == 1 ? 0 : GetLastError();
+}
+
+DWORD Check(const std::wstring& folder) {
+    const DWORD attributes = GetFileAttributesW(ObLib::WithLongPathPrefix(folder).c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return GetLastError();
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) return ERROR_DIRECTORY;
+    const std::wstring probe = PartPath(folder);
+    return probe.empty() ? ERROR_OUTOFMEMORY : TryToWrite(probe);
+}
+
+} // namespace
+
+DWORD CheckFolder(const std::wstring& folder) noexcept {
+    return ObLib::Guarded<DWORD>(ERROR_OUTOFMEMORY, [&] { return Check(folder); });
+}
+
+std::wstring PartPath(const std::wstring& folder) {
+    GUID id{};
+    wchar_t name[40] = L"";
+    if (FAILED(CoCreateGuid(&id)) || StringFromGUID2(id, name, 40) == 0) return {};
+    return ObLib::WithLongPathPrefix(BelowFolder(folder, std::wstring(L"~") + name + L".part"));
+}
+
+std::optional<std::uint64_t> LargestFileIn(const std::wstring& folder) noexcept {
+    wchar_t root[1024] = L""; // as long as the folder's own path at most
+    wchar_t system[32] = L"";
+    if (!GetVolumePathNameW(folder.c_str(), root, static_cast<DWORD>(std::size(root))) ||
+        !GetVolumeInformationW(root, nullptr, 0, nullptr, nullptr, nullptr, system,
+                               static_cast<DWORD>(std::size(system)))) {
+        return {};
+    }
+    constexpr std::uint64_t kLargestOfFat32 = 0xFFFFFFFF;
+    if (_wcsicmp(system, L"FAT32") != 0) return {};
+    return kLargestOfFat32;
+}
+
+} // namespace providers

@@ -1,0 +1,15 @@
+// Ids of the page of a network folder.
+#pragma once
+
+#define OB_FOLDER_DIALOG 840
+#define OB_FOLDER_INTRO 841
+#define OB_FOLDER_PATH_LABEL 842
+#define OB_FOLDER_PATH 843
+#define OB_FOLDER_BROWSE 844
+#define OB_FOLDER_PATTERN_LABEL 845
+#define OB_FOLDER_PATTERN 846
+#define OB_FOLDER_NOTE 847
+#define OB_FOLDER_PREVIEW_LABEL 848
+#define OB_FOLDER_PREVIEW 849
+#define OB_FOLDER_STATUS 850
+#define OB_FOLDER_LOG_OUT 851

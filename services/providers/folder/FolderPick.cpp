@@ -1,0 +1,176 @@
+#include "services/providers/folder/FolderPick.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "services/providers/files/FileIdentity.h"
+#include "services/providers/folder/FolderLink.h"
+#include "services/providers/folder/FolderPath.h"
+#include "services/providers/folder/ShellItems.h"
+#include "services/providers/folder/ShellThread.h"
+#include "services/providers/storage/PickLimits.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+
+namespace providers {
+namespace {
+
+using ObLib::ComPtr;
+
+// The folder's path with a backslash at its end, as in the paths of the files below it.
+std::wstring StartOf(const std::wstring& folder) { return BelowFolder(folder, L""); }
+
+bool StartsWith(const std::wstring& path, const std::wstring& start) {
+    const int length = static_cast<int>(start.size());
+    return path.size() > start.size() &&
+           CompareStringOrdinal(path.c_str(), length, start.c_str(), length, TRUE) == CSTR_EQUAL;
+}
+
+// The file's path below the folder, by the folder's identity: a drive's letter may lead to a share.
+// Empty when the file isn't below it.
+std::wstring BelowByIdentity(const std::wstring& path, const std::wstring& folder) {
+    const auto wanted = IdentityOfFolder(folder);
+    if (!wanted) return {};
+    for (std::size_t slash = path.find_last_of(L'\\'); slash != std::wstring::npos && slash > 1;
+         slash = path.find_last_of(L'\\', slash - 1)) {
+        if (IdentityOfFolder(path.substr(0, slash + 1)) == wanted) return path.substr(slash + 1);
+    }
+    return {};
+}
+
+std::wstring Below(const std::wstring& path, const std::wstring& folder) {
+    const std::wstring start = StartOf(folder);
+    return StartsWith(path, start) ? path.substr(start.size()) : BelowByIdentity(path, folder);
+}
+
+// The innermost folder that the file is below.
+std::optional<PickedFile> FileAt(const std::wstring& path,
+                                 std::span<const PickableFolder> folders) {
+    const PickableFolder* innermost = nullptr;
+    std::wstring shortest;
+    for (const PickableFolder& folder : folders) {
+        const std::wstring below = Below(path, folder.settings.folder);
+        if (below.empty() || (innermost && below.size() >= shortest.size())) continue;
+        innermost = &folder;
+        shortest = below;
+    }
+    if (!innermost) return {};
+    const FolderSettings& settings = innermost->settings;
+    return PickedFile{innermost->account, FileNameOf(path),
+                      LinkOf(settings.folder, settings.pattern, shortest)};
+}
+
+// Asks about the selection while the dialog is open; S_FALSE keeps it open. Lives on the stack for
+// one Show and isn't counted. All calls come on the thread that called Show.
+class PickEvents final : public IFileDialogEvents {
+public:
+    PickEvents(std::span<const PickableFolder> folders, const std::wstring& displayName)
+        : folders_(folders), displayName_(displayName) {}
+
+    std::vector<PickedFile>& Files() { return files_; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        const bool isKnown = iid == IID_IUnknown || iid == IID_IFileDialogEvents;
+        *object = isKnown ? this : nullptr;
+        return isKnown ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 0; }
+
+    HRESULT STDMETHODCALLTYPE OnFileOk(IFileDialog* dialog) override {
+        return ObLib::Guarded(S_FALSE, [&] { return Take(*dialog) ? S_OK : S_FALSE; });
+    }
+    HRESULT STDMETHODCALLTYPE OnFolderChanging(IFileDialog*, IShellItem*) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE OnFolderChange(IFileDialog*) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE OnSelectionChange(IFileDialog*) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE OnShareViolation(IFileDialog*, IShellItem*,
+                                               FDE_SHAREVIOLATION_RESPONSE*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE OnTypeChange(IFileDialog*) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE OnOverwrite(IFileDialog*, IShellItem*,
+                                          FDE_OVERWRITE_RESPONSE*) override {
+        return E_NOTIMPL;
+    }
+
+private:
+    bool Take(IFileDialog& dialog) {
+        ComPtr<IFileOpenDialog> open;
+        dialog.QueryInterface(IID_IFileOpenDialog, reinterpret_cast<void**>(open.Put()));
+        if (!open) return false;
+        PickedPaths picked = LinksOf(ChosenPaths(*open.Get()), folders_, displayName_);
+        files_ = std::move(picked.files);
+        if (!picked.sentence.empty()) ShowSentence(WindowOf(dialog), picked.sentence);
+        return !files_.empty();
+    }
+    static HWND WindowOf(IFileDialog& dialog) {
+        ComPtr<IOleWindow> window;
+        HWND handle = nullptr;
+        dialog.QueryInterface(IID_IOleWindow, reinterpret_cast<void**>(window.Put()));
+        return window && SUCCEEDED(window->GetWindow(&handle)) ? handle : nullptr;
+    }
+
+    std::span<const PickableFolder> folders_;
+    const std::wstring& displayName_;
+    std::vector<PickedFile> files_;
+};
+
+void Prepare(IFileOpenDialog& dialog, std::span<const PickableFolder> folders, IShellItem& first) {
+    FILEOPENDIALOGOPTIONS options = 0;
+    dialog.GetOptions(&options);
+    dialog.SetOptions(options | FOS_ALLOWMULTISELECT | FOS_FILEMUSTEXIST | FOS_FORCEFILESYSTEM |
+                      FOS_NOCHANGEDIR | FOS_NODEREFERENCELINKS | FOS_DONTADDTORECENT);
+    dialog.SetTitle(OwnText(OB_TEXT_FOLDER_PICK_TITLE).c_str());
+    dialog.SetOkButtonLabel(OwnText(OB_TEXT_FOLDER_PICK_OK).c_str());
+    dialog.SetFolder(&first);
+    // The other accounts, at the side where there is one.
+    for (const PickableFolder& folder : folders) {
+        const auto item = ShellItemAt(folder.settings.folder);
+        if (item && folders.size() > 1) dialog.AddPlace(item.Get(), FDAP_TOP);
+    }
+}
+
+PickResult Pick(HWND owner, std::span<const PickableFolder> folders, std::size_t first,
+                const std::wstring& displayName) {
+    const std::wstring& path = folders[first].settings.folder;
+    const auto dialog = MakeOpenDialog();
+    const auto folder = ShellItemAt(path);
+    if (!dialog || !folder) return {{}, FormatOwnText(OB_TEXT_FOLDER_NOT_THERE, {path})};
+    Prepare(*dialog.Get(), folders, *folder.Get());
+    PickEvents events(folders, displayName);
+    DWORD cookie = 0;
+    if (FAILED(dialog->Advise(&events, &cookie))) return {};
+    const HRESULT shown = dialog->Show(owner);
+    dialog->Unadvise(cookie);
+    return {SUCCEEDED(shown) ? std::move(events.Files()) : std::vector<PickedFile>(), {}};
+}
+
+} // namespace
+
+PickedPaths LinksOf(const std::vector<std::wstring>& paths, std::span<const PickableFolder> folders,
+                    const std::wstring& displayName) {
+    PickedPaths picked;
+    for (const std::wstring& path : paths) {
+        auto file = FileAt(path, folders);
+        if (!file) return {{}, FormatOwnText(OB_TEXT_FOLDER_PICK_OUTSIDE, {FileNameOf(path)})};
+        if (file->link.size() > kLongestLink || !FitsLinkText({&*file, 1}, displayName)) {
+            return {{}, FormatOwnText(OB_TEXT_FOLDER_PICK_LONG, {file->name})};
+        }
+        picked.files.push_back(std::move(*file));
+    }
+    if (!FitsLinkText(picked.files, displayName)) {
+        return {{}, OwnText(OB_TEXT_FOLDER_PICK_MANY)};
+    }
+    return picked;
+}
+
+PickResult PickFromFolders(HWND owner, std::span<const PickableFolder> folders, std::size_t first,
+                           const std::wstring& displayName) {
+    PickResult result;
+    RunOnShellThread(owner, [&] { result = Pick(owner, folders, first, displayName); });
+    return result;
+}
+
+} // namespace providers
