@@ -1,0 +1,317 @@
+// Files that are deleted when their days are over.
+#include "services/providers/storage/Deletions.h"
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "services/providers/storage/LocalDays.h"
+#include "services/providers/storage/RecordTexts.h"
+#include "tests/support/WindowKit.h"
+#include "tests/unit/services/providers/storage/InstanceFixture.h"
+
+namespace {
+
+using obcontract::CloudItem;
+using providers::DeletionEnd;
+using providers::DeletionSchedule;
+using providers::EndOfLocalDay;
+using providers::ScheduledDeletion;
+using providers::StoredFile;
+
+constexpr std::uint64_t kDay = 864'000'000'000;
+const std::wstring kKey = obcontract::kProviderManagerKey;
+
+std::uint64_t At(WORD year, WORD month, WORD day, WORD hour, WORD minute = 0) {
+    SYSTEMTIME local{year, month, 0, day, hour, minute, 0, 0};
+    SYSTEMTIME utc{};
+    FILETIME time{};
+    EXPECT_TRUE(TzSpecificLocalTimeToSystemTime(nullptr, &local, &utc));
+    EXPECT_TRUE(SystemTimeToFileTime(&utc, &time));
+    return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+}
+
+class DeletionScheduleTest : public testing::Test {
+protected:
+    void SetUp() override { obtest::ClearProductRegistry(); }
+
+    static ScheduledDeletion Deletion(std::uint64_t due, const std::wstring& path = L"/a.zip") {
+        return {L"account", {path, {}, L"\"etag\"", 5'000'000'000}, due};
+    }
+    std::vector<std::wstring> DuePaths(std::uint64_t time) {
+        std::vector<std::wstring> paths;
+        for (const auto& deletion : schedule_.DueAt(time)) paths.push_back(deletion.file.path);
+        return paths;
+    }
+
+    DeletionSchedule schedule_{HKEY_CURRENT_USER, kKey};
+};
+
+TEST_F(DeletionScheduleTest, ReturnsWhatIsDueInItsOrder) {
+    EXPECT_FALSE(schedule_.HasAny());
+    EXPECT_TRUE(schedule_.Add(Deletion(30, L"/c")));
+    EXPECT_TRUE(schedule_.Add(Deletion(10, L"/a")));
+    EXPECT_TRUE(schedule_.Add(Deletion(20, L"/b")));
+    EXPECT_TRUE(schedule_.HasAny());
+    EXPECT_TRUE(DuePaths(9).empty());
+    EXPECT_EQ(DuePaths(20), (std::vector<std::wstring>{L"/a", L"/b"}));
+    EXPECT_EQ(DuePaths(1000).size(), 3u);
+}
+
+TEST_F(DeletionScheduleTest, KeepsEachField) {
+    ASSERT_TRUE(schedule_.Add(Deletion(10, L"/folder/\u00e9")));
+    const auto due = DeletionSchedule(HKEY_CURRENT_USER, kKey).DueAt(10);
+    ASSERT_EQ(due.size(), 1u);
+    EXPECT_EQ(due[0].accountKey, L"account");
+    EXPECT_EQ(due[0].file.path, L"/folder/\u00e9");
+    EXPECT_EQ(due[0].file.version, L"\"etag\"");
+    EXPECT_EQ(due[0].file.size, 5'000'000'000u);
+    EXPECT_EQ(due[0].due, 10u);
+}
+
+TEST_F(DeletionScheduleTest, ForgetsWhatIsRemoved) {
+    schedule_.Add(Deletion(10, L"/a"));
+    schedule_.Add(Deletion(20, L"/b"));
+    schedule_.Remove(schedule_.DueAt(10).at(0));
+    EXPECT_EQ(DuePaths(100), std::vector<std::wstring>{L"/b"});
+}
+
+TEST_F(DeletionScheduleTest, TakesNoFileWithoutAPathOrAVersion) {
+    ScheduledDeletion deletion = Deletion(10);
+    deletion.file.version.clear();
+    EXPECT_FALSE(schedule_.Add(deletion));
+    EXPECT_FALSE(schedule_.Add(Deletion(10, L"")));
+    EXPECT_FALSE(schedule_.Add(Deletion(10, std::wstring(32'001, L'x'))));
+    EXPECT_FALSE(schedule_.HasAny());
+    EXPECT_TRUE(schedule_.Add(Deletion(10, std::wstring(32'000, L'x'))));
+    EXPECT_EQ(DuePaths(10).at(0).size(), 32'000u);
+}
+
+TEST_F(DeletionScheduleTest, LeavesOutWhatItCantRead) {
+    schedule_.Add(Deletion(10));
+    const std::wstring path = kKey + L"\\Deletions\\";
+    obtest::SetValue(HKEY_CURRENT_USER, path + L"foreign", L"Path", L"/x");
+    const std::wstring id = schedule_.DueAt(10).at(0).id;
+    const std::uint32_t number = 0;
+    obtest::SetRawValue(HKEY_CURRENT_USER, path + id, L"Due", REG_DWORD, &number, sizeof(number));
+    EXPECT_TRUE(schedule_.DueAt(100).empty());
+    EXPECT_TRUE(obtest::KeyExists(HKEY_CURRENT_USER, path + id));
+    EXPECT_FALSE(DeletionSchedule(HKEY_CURRENT_USER, std::wstring(300, L'k')).Add(Deletion(10)));
+}
+
+TEST(LocalDays, EndAtMidnightOfTheUsersClock) {
+    EXPECT_EQ(EndOfLocalDay(At(2026, 11, 22, 14), 0), At(2026, 11, 23, 0));
+    EXPECT_EQ(EndOfLocalDay(At(2026, 11, 22, 23, 59), 0), At(2026, 11, 23, 0));
+    EXPECT_EQ(EndOfLocalDay(At(2026, 11, 22, 0), 0), At(2026, 11, 23, 0));
+    EXPECT_EQ(EndOfLocalDay(At(2026, 11, 22, 14), 7), At(2026, 11, 30, 0));
+    EXPECT_EQ(EndOfLocalDay(At(2026, 12, 31, 14), 1), At(2027, 1, 2, 0));
+    EXPECT_EQ(EndOfLocalDay(At(2028, 2, 28, 14), 1), At(2028, 3, 1, 0)); // a leap year
+}
+
+TEST(LocalDays, AreBoundedByTheCalendar) {
+    const std::uint64_t now = At(2026, 11, 22, 14);
+    EXPECT_GT(EndOfLocalDay(now, 2'147'483'647), now + 1'000'000 * kDay);
+    EXPECT_EQ(EndOfLocalDay(now, 2'147'483'647), EndOfLocalDay(now, 2'000'000));
+}
+
+class DeletionOfUploads : public obtest::InstanceFixture {
+protected:
+    void SetUp() override {
+        InstanceFixture::SetUp();
+        key_ = Add(kSeven);
+        now_ = providers::TimeNow();
+        sevenScript_->remove = [this](auto&, auto&, HANDLE) {
+            ++deletions_;
+            return end_.load();
+        };
+    }
+
+    // The record of a file that was uploaded and shared in this run.
+    CloudItem Shared(const std::wstring& version = L"version", const std::wstring& id = L"share") {
+        const auto upload = run_->uploads.Add(key_, {L"/a.zip", L"a.zip", version, 5});
+        upload->isShared = true;
+        upload->shareId = id;
+        upload->link = L"https://example.org/1";
+        return ItemWith(upload->link);
+    }
+    CloudItem ItemWith(const std::wstring& link) {
+        return providers::ItemOf(providers::ProfileOf(kSeven, {key_, L""}), L"a.zip", link).value();
+    }
+    bool Schedule(const CloudItem& item, std::int32_t days) {
+        return providers::ScheduleDeletion(run_, item, days, now_);
+    }
+    void AddDue(const std::wstring& path, const std::wstring& accountKey) {
+        ASSERT_TRUE(run_->Deletions().Add({accountKey, {path, {}, L"version", 5}, now_ - 1}));
+    }
+    bool IsLeft(const std::wstring& path) {
+        for (const auto& deletion : run_->Deletions().DueAt(~0ull)) {
+            if (deletion.file.path == path) return true;
+        }
+        return false;
+    }
+    // Starts the thread and waits until the condition is true.
+    template <class Condition>
+    void StartUntil(Condition condition) {
+        providers::StartDeletions(run_, now_);
+        EXPECT_TRUE(obtest::WaitUntil(condition));
+    }
+
+    std::wstring key_;
+    std::uint64_t now_ = 0;
+    std::atomic<int> deletions_ = 0;
+    std::atomic<DeletionEnd> end_ = DeletionEnd::Gone; // of seven's files
+};
+
+TEST_F(DeletionOfUploads, IsWrittenDownForTheEndOfTheDay) {
+    ASSERT_TRUE(Schedule(Shared(), 7));
+    const auto all = run_->Deletions().DueAt(~0ull);
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_EQ(all[0].due, EndOfLocalDay(now_, 7));
+    EXPECT_EQ(all[0].accountKey, key_);
+    EXPECT_EQ(all[0].file.path, L"/a.zip");
+    EXPECT_EQ(all[0].file.version, L"version");
+    EXPECT_EQ(all[0].file.size, 5u);
+}
+
+TEST_F(DeletionOfUploads, KeepsNoLinkAndNoName) {
+    ASSERT_TRUE(Schedule(Shared(), 7));
+    const std::wstring path = kKey + L"\\Deletions\\" + run_->Deletions().DueAt(~0ull).at(0).id;
+    auto names = obtest::ValueNames(HKEY_CURRENT_USER, path);
+    std::ranges::sort(names);
+    EXPECT_EQ(names, (std::vector<std::wstring>{L"Account", L"Due", L"Path", L"Size", L"Version"}));
+    for (const auto& name : names) {
+        const auto text = obtest::ReadValue(HKEY_CURRENT_USER, path, name);
+        EXPECT_EQ(text.value_or(L"").find(L"example.org"), std::wstring::npos);
+    }
+}
+
+TEST_F(DeletionOfUploads, LetsTheLinkEndWhereItsServerCan) {
+    std::vector<std::wstring> calls;
+    sevenScript_->setExpiry = [&](const std::wstring& key, const std::wstring& id,
+                                  std::int32_t days) {
+        EXPECT_EQ(key, key_);
+        calls.push_back(id + L" " + std::to_wstring(days));
+        return false; // can't: the schedule remains
+    };
+    EXPECT_TRUE(Schedule(Shared(), 7));
+    EXPECT_EQ(calls, std::vector<std::wstring>{L"share 7"});
+    EXPECT_TRUE(IsLeft(L"/a.zip"));
+}
+
+TEST_F(DeletionOfUploads, LeavesALinkOfTodayToTheSchedule) {
+    sevenScript_->setExpiry = [](auto&, auto&, std::int32_t) {
+        ADD_FAILURE() << "0 days leave it to the schedule";
+        return true;
+    };
+    EXPECT_TRUE(Schedule(Shared(), 0));
+    EXPECT_EQ(run_->Deletions().DueAt(~0ull).at(0).due, EndOfLocalDay(now_, 0));
+}
+
+TEST_F(DeletionOfUploads, AsksNobodyForALinkWithoutAShare) {
+    sevenScript_->setExpiry = [](auto&, auto&, std::int32_t) {
+        ADD_FAILURE() << "there is no share";
+        return true;
+    };
+    EXPECT_TRUE(Schedule(Shared(L"version", L""), 7));
+}
+
+TEST_F(DeletionOfUploads, IsWrittenDownAlsoWhenTheProviderThrows) {
+    const CloudItem item = Shared();
+    sevenScript_->throws = true;
+    EXPECT_TRUE(Schedule(item, 7));
+}
+
+TEST_F(DeletionOfUploads, IsRefusedForWhatIsntAFileOfThisRun) {
+    const CloudItem item = Shared();
+    EXPECT_FALSE(Schedule(ItemWith(L"https://example.org/2"), 7));
+    EXPECT_FALSE(Schedule(ItemWith(L""), 7));
+    CloudItem other = item;
+    other.profile.accountKey[0] = L'x';
+    EXPECT_FALSE(Schedule(other, 7));
+    EXPECT_FALSE(Schedule(item, -1));
+    CloudItem endless = item;
+    std::ranges::fill(endless.link, L'x');
+    EXPECT_FALSE(Schedule(endless, 7));
+    EXPECT_FALSE(run_->Deletions().HasAny());
+}
+
+TEST_F(DeletionOfUploads, IsRefusedForAFileThatIsntSharedOrHasNoVersion) {
+    const auto unshared = run_->uploads.Add(key_, {L"/b.zip", L"b.zip", L"version", 5});
+    EXPECT_FALSE(Schedule(ItemWith(unshared->link), 7));
+    EXPECT_FALSE(Schedule(Shared(L""), 7));
+    EXPECT_FALSE(run_->Deletions().HasAny());
+}
+
+TEST_F(DeletionOfUploads, DeletesWhatIsDueWithWhatIsKnownOfIt) {
+    const DWORD dialogThread = GetCurrentThreadId();
+    AddDue(L"/a.zip", key_);
+    sevenScript_->remove = [&](const std::wstring& key, const StoredFile& file, HANDLE ended) {
+        EXPECT_EQ(key, key_);
+        EXPECT_EQ(file.path, L"/a.zip");
+        EXPECT_EQ(file.version, L"version");
+        EXPECT_EQ(file.size, 5u);
+        EXPECT_EQ(ended, run_->Ended());
+        EXPECT_NE(GetCurrentThreadId(), dialogThread);
+        return DeletionEnd::Gone;
+    };
+    StartUntil([&] { return !IsLeft(L"/a.zip"); });
+}
+
+TEST_F(DeletionOfUploads, ForgetsAFileThatHasChanged) {
+    AddDue(L"/a.zip", key_);
+    end_ = DeletionEnd::Changed;
+    StartUntil([&] { return !IsLeft(L"/a.zip"); });
+    EXPECT_EQ(deletions_, 1);
+}
+
+TEST_F(DeletionOfUploads, KeepsWhatCantBeReachedForALaterRun) {
+    AddDue(L"/a.zip", key_);
+    AddDue(L"/later.zip", Add(kEight));
+    end_ = DeletionEnd::Unreachable;
+    eightScript_->remove = [](auto&, auto&, HANDLE) { return DeletionEnd::Gone; };
+    StartUntil(
+        [&] { return !IsLeft(L"/later.zip"); }); // comes after it, in the registry or in time
+    EXPECT_TRUE(obtest::WaitUntil([&] { return deletions_ == 1; }));
+    EXPECT_TRUE(IsLeft(L"/a.zip"));
+    end_ = DeletionEnd::Gone;
+    StartUntil([&] { return !IsLeft(L"/a.zip"); });
+}
+
+TEST_F(DeletionOfUploads, KeepsAFileWhoseProviderThrows) {
+    AddDue(L"/a.zip", key_);
+    AddDue(L"/b.zip", Add(kEight));
+    sevenScript_->throws = true;
+    eightScript_->remove = [](auto&, auto&, HANDLE) { return DeletionEnd::Gone; };
+    StartUntil([&] { return !IsLeft(L"/b.zip"); });
+    EXPECT_TRUE(IsLeft(L"/a.zip"));
+}
+
+TEST_F(DeletionOfUploads, ForgetsAFileOfAnAccountThatIsNoLongerThere) {
+    AddDue(L"/a.zip", L"{01234567-89AB-CDEF-0123-456789ABCDEF}");
+    StartUntil([&] { return !IsLeft(L"/a.zip"); });
+}
+
+TEST_F(DeletionOfUploads, LeavesWhatIsntDueAlone) {
+    end_ = DeletionEnd::Gone;
+    ASSERT_TRUE(Schedule(Shared(), 0));
+    AddDue(L"/due.zip", key_);
+    StartUntil([&] { return !IsLeft(L"/due.zip"); });
+    EXPECT_TRUE(IsLeft(L"/a.zip"));
+    EXPECT_EQ(deletions_, 1);
+}
+
+TEST_F(DeletionOfUploads, BeginsNoFurtherFileOnceTheSessionHasEnded) {
+    AddDue(L"/a.zip", key_);
+    AddDue(L"/b.zip", key_);
+    const long users = run_.use_count(); // the thread is one more
+    sevenScript_->remove = [this](auto&, auto&, HANDLE) {
+        ++deletions_;
+        run_->End();
+        return DeletionEnd::Unreachable;
+    };
+    StartUntil([&] { return run_.use_count() == users; });
+    EXPECT_EQ(deletions_, 1);
+}
+
+} // namespace
