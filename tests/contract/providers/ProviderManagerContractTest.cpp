@@ -54,8 +54,6 @@ bool SameBytes(const ProviderProfile& one, const ProviderProfile& other) {
 // no.
 void ExpectOnlyNo(ProviderManagerHandle manager) {
     const auto& entries = ProviderManager();
-    entries.EnumProvidersReset(manager);
-    EXPECT_EQ(entries.EnumStorageProviders(manager), nullptr);
     EXPECT_EQ(entries.GetProviderInstance(manager, kStorageId, ProviderKind::Storage), nullptr);
     EXPECT_EQ(entries.GetProviderInstance(manager, kLacked, ProviderKind::Transform), nullptr);
     EXPECT_FALSE(entries.IsProviderSupport(manager, kStorageId, ProviderKind::Storage));
@@ -73,6 +71,16 @@ void ExpectOnlyNo(ProviderManagerHandle manager) {
     EXPECT_FALSE(entries.SelectProviders(manager, kSelectUse, kLacked, ProviderKind::Transform));
     EXPECT_FALSE(entries.SelectProviders(manager, kSelectLeaveOut, 70, ProviderKind::Transform));
     EXPECT_FALSE(entries.IsProviderTypeSelected(manager, ProviderKind::Transform));
+}
+
+// The providers of a walk from its start to its end.
+std::vector<CloudProvider*> Walk(ProviderManagerHandle manager) {
+    std::vector<CloudProvider*> providers;
+    ProviderManager().EnumProvidersReset(manager);
+    while (CloudProvider* provider = ProviderManager().EnumStorageProviders(manager)) {
+        providers.push_back(provider);
+    }
+    return providers;
 }
 
 class ProviderManagerContract : public testing::Test {
@@ -127,21 +135,27 @@ TEST_F(ProviderManagerContract, CanBeDeletedInsideItsSession) {
     manager_ = Entries().CreateObExtensionsManager();
     ASSERT_NE(manager_, nullptr);
     ExpectOnlyNo(manager_); // nothing of the ended session is left
+    EXPECT_TRUE(Walk(manager_).empty());
 }
 
 TEST_F(ProviderManagerContract, AnswersNoToANullManager) {
     Entries().Init(nullptr, kCurrentUser, kProviderManagerKey);
     ExpectOnlyNo(nullptr);
+    EXPECT_TRUE(Walk(nullptr).empty());
     Entries().Deinit(nullptr);
     Entries().DeleteObExtensionsManager(nullptr);
 }
 
-TEST_F(ProviderManagerContract, AnswersNoBeforeInit) { ExpectOnlyNo(manager_); }
+TEST_F(ProviderManagerContract, AnswersNoBeforeInit) {
+    ExpectOnlyNo(manager_);
+    EXPECT_TRUE(Walk(manager_).empty());
+}
 
 TEST_F(ProviderManagerContract, AnswersNoAfterDeinit) {
     Init();
     Entries().Deinit(manager_);
     ExpectOnlyNo(manager_);
+    EXPECT_TRUE(Walk(manager_).empty());
 }
 
 TEST_F(ProviderManagerContract, KeepsNothingOfTheSessionAfterDeinit) {
@@ -205,11 +219,12 @@ TEST_F(ProviderManagerContract, HasNoInstanceForATransform) {
               nullptr);
 }
 
+// Whatever providers the manager has.
 TEST_F(ProviderManagerContract, EndsTheWalkAgainAfterAReset) {
     Init();
+    const auto providers = Walk(manager_);
     EXPECT_EQ(Entries().EnumStorageProviders(manager_), nullptr);
-    Entries().EnumProvidersReset(manager_);
-    EXPECT_EQ(Entries().EnumStorageProviders(manager_), nullptr);
+    EXPECT_EQ(Walk(manager_), providers);
     EXPECT_EQ(Entries().EnumStorageProviders(manager_), nullptr);
 }
 
