@@ -4,31 +4,20 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdlib>
 #include <string>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/storage/UploadDialog.h"
 #include "services/providers/storage/UploadDialogIds.h"
 #include "services/providers/storage/UploadTimes.h"
-#include "tests/support/WindowKit.h"
-#include "tests/support/WindowPicture.h"
+#include "tests/support/PictureSuite.h"
 
 using namespace providers;
 
 namespace {
 
-int ExpectedDpi() {
-    const char* const text = std::getenv("OB_EXPECTED_DPI");
-    return text ? std::atoi(text) : 0;
-}
-
 class UploadPicture : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
-    }
+    static void SetUpTestSuite() { obtest::BeAwareOfTheScale(); }
 
     static void Look(const UploadWindow& window, const std::wstring& name) {
         MSG message;
@@ -37,37 +26,20 @@ protected:
                      RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
         for (const int id :
              {OB_UPLOAD_BODY, OB_UPLOAD_SPEED, OB_UPLOAD_TIME_LEFT, static_cast<int>(IDCANCEL)}) {
-            ExpectWholeText(GetDlgItem(window.Get(), id), id);
+            obtest::ExpectWholeText(GetDlgItem(window.Get(), id));
+            ExpectInside(GetDlgItem(window.Get(), id));
         }
-        const auto picture = obtest::TakeSettledPicture(window.Get());
-        ASSERT_TRUE(picture) << "the window stays blank or never comes to rest";
-        EXPECT_GE(picture->width, MulDiv(380, ExpectedDpi(), 96));
-        const wchar_t* const folder = _wgetenv(L"OB_PICTURES");
-        if (!folder) return;
-        const std::wstring file =
-            std::wstring(folder) + L"\\" + name + L"-" + std::to_wstring(ExpectedDpi()) + L".png";
-        EXPECT_TRUE(obtest::WritePng(*picture, file));
+        obtest::LookAt(window.Get(), name, 380);
     }
 
-    // The text, broken into lines as its control breaks it, fits into the control, and the control
-    // into its window.
-    static void ExpectWholeText(HWND control, int id) {
+    static void ExpectInside(HWND control) {
         RECT room;
-        GetClientRect(control, &room);
-        RECT needed{0, 0, room.right, 0};
-        const HDC dc = GetDC(control);
-        const HGDIOBJ old =
-            SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
-        DrawTextW(dc, obtest::TextOf(control).c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK);
-        SelectObject(dc, old);
-        ReleaseDC(control, dc);
-        EXPECT_LE(needed.bottom, room.bottom) << id;
-        EXPECT_LE(needed.right, room.right) << id;
         RECT window;
+        GetClientRect(control, &room);
         GetClientRect(GetParent(control), &window);
         MapWindowPoints(control, GetParent(control), reinterpret_cast<POINT*>(&room), 2);
-        EXPECT_LT(room.bottom, window.bottom) << id;
-        EXPECT_LT(room.right, window.right) << id;
+        EXPECT_LT(room.bottom, window.bottom) << GetDlgCtrlID(control);
+        EXPECT_LT(room.right, window.right) << GetDlgCtrlID(control);
     }
 };
 
