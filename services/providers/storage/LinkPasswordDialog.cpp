@@ -17,12 +17,20 @@ struct Shown {
     const std::wstring& password;
 };
 
+// What the sentence has room for; without half a character at its end.
+std::wstring ShortName(const std::wstring& name) {
+    constexpr std::size_t kLongest = 60;
+    if (name.size() <= kLongest) return name;
+    const std::size_t length = IS_HIGH_SURROGATE(name[kLongest - 2]) ? kLongest - 2 : kLongest - 1;
+    return name.substr(0, length) + L"\u2026";
+}
+
 HWND FieldOf(HWND dialog) { return GetDlgItem(dialog, OB_LINK_PASSWORD_TEXT); }
 
 void Begin(HWND dialog, const Shown& shown) {
     SetWindowLongPtrW(dialog, DWLP_USER, reinterpret_cast<LONG_PTR>(&shown));
     SetDlgItemTextW(dialog, OB_LINK_PASSWORD_SENTENCE,
-                    FormatOwnText(OB_TEXT_LINK_PASSWORD, {shown.fileName}).c_str());
+                    FormatOwnText(OB_TEXT_LINK_PASSWORD, {ShortName(shown.fileName)}).c_str());
     ObLib::PrepareSecretField(FieldOf(dialog));
     ObLib::FillSecretField(FieldOf(dialog), shown.password.c_str());
     SetFocus(GetDlgItem(dialog, OB_LINK_PASSWORD_COPY)); // what most users need first
@@ -52,8 +60,7 @@ INT_PTR OnCommand(HWND dialog, const Shown& shown, int control) {
 
 INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     if (message == WM_INITDIALOG) {
-        // A dialog without its password would be closed for good: one that can't be filled isn't
-        // shown.
+        // One that can't be filled isn't shown.
         const auto& shown = *reinterpret_cast<const Shown*>(lParam);
         if (!ObLib::RanGuarded([&] { Begin(dialog, shown); })) EndDialog(dialog, IDABORT);
         return FALSE; // the button has the focus

@@ -33,9 +33,9 @@ std::wstring ClipboardText() {
 
 class LinkPassword : public testing::Test {
 protected:
-    bool Show(const std::function<void(HWND)>& use) {
+    bool Show(const std::function<void(HWND)>& use, const std::wstring& name = L"a.zip") {
         DialogUiDriver user(OB_LINK_PASSWORD_TEXT, use);
-        const bool isShown = providers::ShowLinkPassword(nullptr, L"a.zip", kPassword);
+        const bool isShown = providers::ShowLinkPassword(nullptr, name, kPassword);
         EXPECT_TRUE(user.WasUsed());
         return isShown;
     }
@@ -59,15 +59,27 @@ TEST_F(LinkPassword, IsShownWithWhatToDoAndCopyInFocus) {
     }));
 }
 
+TEST_F(LinkPassword, IsShownWithAShortFormOfALongName) {
+    std::size_t length = 59;
+    const auto use = [&](HWND dialog) {
+        const std::wstring text = obtest::TextOf(GetDlgItem(dialog, OB_LINK_PASSWORD_SENTENCE));
+        EXPECT_EQ(text.rfind(L"The link to “" + std::wstring(length, L'x') + L"…” opens", 0), 0u);
+        DialogUiDriver::Press(dialog, IDOK);
+    };
+    EXPECT_TRUE(Show(use, std::wstring(200, L'x') + L".zip"));
+    length = 58; // half of the next character has no room
+    EXPECT_TRUE(Show(use, std::wstring(58, L'x') + L"\xD83D\xDE00.zip"));
+}
+
 TEST_F(LinkPassword, WasShownAlsoWhenTheUserPressesEscape) {
     EXPECT_TRUE(Show([](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0); }));
 }
 
-TEST_F(LinkPassword, IsCopiedForAMinuteAndKeptOutOfTheHistory) {
+TEST_F(LinkPassword, IsCopiedAndKeptOutOfTheHistory) {
     EXPECT_TRUE(Show([](HWND dialog) {
         DialogUiDriver::Press(dialog, OB_LINK_PASSWORD_COPY);
         EXPECT_EQ(obtest::TextOf(GetDlgItem(dialog, OB_LINK_PASSWORD_STATE)),
-                  L"Copied. It stays on the clipboard for one minute.");
+                  L"Copied. You can paste it now.");
         EXPECT_TRUE(
             IsClipboardFormatAvailable(RegisterClipboardFormatW(L"CanIncludeInClipboardHistory")));
         DialogUiDriver::Press(dialog, IDOK);

@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "services/providers/storage/LinkPasswordDialog.h"
+#include "services/providers/storage/LinkPasswordDialogIds.h"
 #include "services/providers/ui/PdfDialog.h"
 #include "services/providers/ui/PdfDialogIds.h"
 #include "services/providers/ui/PdfPasswordDialog.h"
@@ -155,6 +157,19 @@ TEST_F(ProviderDialogPictures, OfTheQuestion) {
                      {L"Broken.jpg", WorkResult::Damaged, {}},
                      {L"IMG_2041.jpg", WorkResult::Changed, {{"position", 1}, {"camera", 5}}}},
                     false));
+}
+
+TEST_F(ProviderDialogPictures, OfALinksPassword) {
+    DialogUiDriver user(OB_LINK_PASSWORD_TEXT, [](HWND dialog) {
+        SetDlgItemTextW(dialog, OB_LINK_PASSWORD_STATE,
+                        OwnText(OB_TEXT_LINK_PASSWORD_COPIED).c_str());
+        Look(dialog, L"link-password",
+             {OB_LINK_PASSWORD_SENTENCE, OB_LINK_PASSWORD_LABEL, OB_LINK_PASSWORD_STATE,
+              OB_LINK_PASSWORD_COPY, IDOK});
+        DialogUiDriver::Press(dialog, IDOK);
+    });
+    EXPECT_TRUE(ShowLinkPassword(nullptr, L"Statement of account, third quarter of 2026.zip",
+                                 L"Tr4ve-Moss-Quill-9"));
 }
 
 } // namespace
