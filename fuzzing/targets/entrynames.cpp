@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "ObLib/Src/Win32/Utf8.h"
 #include "fuzzing/shim/SystemCalls.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
@@ -63,7 +64,7 @@ void CheckParts(const Texts& paths) {
         const std::wstring clean = WithoutLoneSurrogates(path);
         Require(clean.size() == path.size(), "the length stays");
         Require(clean == WithWholePairs(path), "halves of pairs are replaced, whole pairs stay");
-        Require(ToUtf8(clean) == Utf8Of(clean), "UTF-8 is that of the standard");
+        Require(ObLib::ToUtf8(clean) == Utf8Of(clean), "UTF-8 is that of the standard");
     }
 }
 

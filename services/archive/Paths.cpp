@@ -96,13 +96,4 @@ std::wstring WithoutLoneSurrogates(std::wstring_view text) {
     return clean;
 }
 
-std::string ToUtf8(std::wstring_view text) {
-    const int units = static_cast<int>(text.size());
-    const int bytes =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<std::size_t>(bytes), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, utf8.data(), bytes, nullptr, nullptr);
-    return utf8;
-}
-
 } // namespace obarchive

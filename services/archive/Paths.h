@@ -28,6 +28,4 @@ struct LessIgnoringCase {
 // Halves of surrogate pairs, which a file name may contain and UTF-8 can't, become U+FFFD.
 std::wstring WithoutLoneSurrogates(std::wstring_view text);
 
-std::string ToUtf8(std::wstring_view text);
-
 } // namespace obarchive

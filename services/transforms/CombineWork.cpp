@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "ObLib/Src/Win32/Utf8.h"
 #include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/transforms/WholeFile.h"
 
@@ -16,15 +17,6 @@ struct Asked {
     bool breaksSignatures;
 };
 
-std::string Utf8Of(const std::wstring& text) {
-    const auto units = static_cast<int>(text.size());
-    const int bytes =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<std::size_t>(bytes), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, utf8.data(), bytes, nullptr, nullptr);
-    return utf8;
-}
-
 // Nothing for values that the contract lacks.
 std::optional<Asked> AskedFor(const WorkRequest& request) {
     const auto settings = request.SettingsAs<WorkCombineAdd>();
@@ -32,7 +24,7 @@ std::optional<Asked> AskedFor(const WorkRequest& request) {
     const bool isKnown =
         settings.signatures == WorkSignatures::Keep || settings.signatures == WorkSignatures::Break;
     if (!isKnown || settings.reserved != 0 || !title) return {};
-    return Asked{Utf8Of(*title), settings.signatures == WorkSignatures::Break};
+    return Asked{ObLib::ToUtf8(*title), settings.signatures == WorkSignatures::Break};
 }
 
 class TargetSink final : public combine::PdfSink {

@@ -9,6 +9,7 @@
 #include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/Utf8.h"
 #include "services/archive/Paths.h"
 #include "services/archive/policy/MachinePolicy.h"
 
@@ -66,7 +67,8 @@ std::string Line(const SYSTEMTIME& utc, std::wstring_view event, std::wstring_vi
     wchar_t time[32];
     _snwprintf(time, 32, L"%04u-%02u-%02uT%02u:%02u:%02uZ", utc.wYear, utc.wMonth, utc.wDay,
                utc.wHour, utc.wMinute, utc.wSecond);
-    return ToUtf8(std::wstring(time) + L'\t' + Field(event) + L'\t' + Field(details) + L"\r\n");
+    return ObLib::ToUtf8(std::wstring(time) + L'\t' + Field(event) + L'\t' + Field(details) +
+                         L"\r\n");
 }
 
 // Creates the folder and the one above it. Folders above those belong to the system.

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/Utf8.h"
 #include "services/archive/Paths.h"
 #include "services/archive/crypto/Ae2Algorithms.h"
 #include "services/archive/zip/ArchiveTarget.h"
@@ -131,7 +132,7 @@ bool ListSources(const ZipJob& job, std::vector<SourceEntry>& sources, RunState&
         SourceFacts facts;
         if (!ReadSourceFacts(paths[index], facts, run)) return false;
         run.totalBytes += facts.size;
-        sources.push_back({paths[index], ToUtf8(names[index]), facts});
+        sources.push_back({paths[index], ObLib::ToUtf8(names[index]), facts});
     }
     return true;
 }

@@ -1,8 +1,8 @@
 #include "services/providers/suite/SuiteProfile.h"
 
-#include <windows.h>
-
 #include <string_view>
+
+#include "ObLib/Src/Win32/Utf8.h"
 
 namespace providers {
 namespace {
@@ -32,15 +32,6 @@ constexpr std::string_view kBegin = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\
                                     "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">\n";
 constexpr std::string_view kEnd = "</oor:items>\n";
 
-std::string Utf8(const std::wstring& text) {
-    const int length = static_cast<int>(text.size());
-    const int size =
-        WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, bytes.data(), size, nullptr, nullptr);
-    return bytes;
-}
-
 bool IsPlain(char sign) {
     return (sign >= 'a' && sign <= 'z') || (sign >= 'A' && sign <= 'Z') ||
            (sign >= '0' && sign <= '9') ||
@@ -65,7 +56,7 @@ std::string SuiteProfile() {
 
 std::string FileUrl(const std::wstring& path) {
     std::string url = path.starts_with(L"\\\\") ? "file:" : "file:///";
-    for (const char byte : Utf8(path)) {
+    for (const char byte : ObLib::ToUtf8(path)) {
         constexpr char kDigits[] = "0123456789ABCDEF";
         const auto value = static_cast<unsigned char>(byte);
         if (byte == '\\') {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/Utf8.h"
 #include "services/providers/settings/PhotoSettings.h"
 #include "services/providers/transforms/FittedFile.h"
 #include "services/providers/transforms/PersonalData.h"
@@ -24,13 +25,6 @@ using namespace obcontract;
 // its end, with room for what encryption adds.
 constexpr std::uint64_t kZipEntry = 240;
 constexpr std::uint64_t kZipEnd = 4096;
-
-std::uint64_t Utf8Length(const std::wstring& text) {
-    return static_cast<std::uint64_t>(
-        std::max(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                     nullptr, 0, nullptr, nullptr),
-                 0));
-}
 
 // Whether the picture's watermark is still to be added, while it is made smaller.
 bool IsStampedInPass(const FittedFile& file) { return file.note.isStamped && !file.isSettled; }
@@ -120,7 +114,7 @@ bool Fit::Open(const std::vector<std::wstring>& paths) {
         if (noted != call_.run.record.noted.end()) file.note = noted->second;
         if (!file.note) file.Count(file.copySize);
         files_.push_back(std::move(file));
-        if (call_.isZipped) zip_ += kZipEntry + 2 * Utf8Length(FileNameOf(path));
+        if (call_.isZipped) zip_ += kZipEntry + 2 * ObLib::ToUtf8(FileNameOf(path)).size();
     }
     if (call_.isZipped) zip_ += kZipEnd;
     return LoadWatermark();

@@ -1,9 +1,8 @@
 #include "services/providers/ui/SaveList.h"
 
-#include <algorithm>
-
 #include "ObLib/Src/Win32/LongPath.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/Utf8.h"
 #include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/providers/ui/FileQuestion.h"
 #include "services/providers/ui/TextIds.h"
@@ -11,15 +10,6 @@
 
 namespace providers {
 namespace {
-
-std::string Utf8(const std::wstring& text) {
-    const int length = static_cast<int>(text.size());
-    const int size =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(std::max(size, 0)), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
-    return bytes;
-}
 
 // Empty when the user cancels.
 std::wstring AskForPath(HWND owner) {
@@ -31,7 +21,7 @@ std::wstring AskForPath(HWND owner) {
 } // namespace
 
 bool SaveListAs(const std::wstring& path, const std::wstring& headline, const std::wstring& list) {
-    const std::string content = "\xef\xbb\xbf" + Utf8(headline + L"\r\n\r\n" + list);
+    const std::string content = "\xef\xbb\xbf" + ObLib::ToUtf8(headline + L"\r\n\r\n" + list);
     ObLib::UniqueKernelHandle file(CreateFileW(ObLib::WithLongPathPrefix(path).c_str(),
                                                GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
                                                FILE_ATTRIBUTE_NORMAL, nullptr));

@@ -44,11 +44,6 @@ TEST(PathsTest, SplitsAtTheLastSeparatorOfEitherKind) {
     EXPECT_EQ(FolderOf(L"b.txt"), L"");
 }
 
-TEST(PathsTest, WritesUtf8) {
-    EXPECT_EQ(ToUtf8(L"\u00E4\u0308\U0001F600"), "\xC3\xA4\xCC\x88\xF0\x9F\x98\x80");
-    EXPECT_EQ(ToUtf8(L""), "");
-}
-
 TEST(SourceListTest, TheSamePathTwiceIsOneSource) {
     obtest::TestFolder folder;
     const std::wstring one = folder.File(L"one.txt");

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/Utf8.h"
 #include "services/archive/Paths.h"
 #include "services/archive/zip/ReadAhead.h"
 #include "services/archive/zip/SourceFile.h"
@@ -36,7 +37,7 @@ protected:
 
     void Add(const std::wstring& name, const std::string& content) {
         job_.files.push_back(in_.File(name, content));
-        expected_.push_back({obarchive::ToUtf8(name), content});
+        expected_.push_back({ObLib::ToUtf8(name), content});
     }
 
     void Encrypt(std::uint32_t method) {
