@@ -1,7 +1,5 @@
 #include "services/providers/settings/PdfSettings.h"
 
-#include <algorithm>
-
 namespace providers {
 namespace {
 
@@ -9,10 +7,7 @@ constexpr auto kId = obcontract::TransformId::ConvertPdf;
 constexpr wchar_t kPage[] = L"Page", kPictures[] = L"Pictures", kDocuments[] = L"Documents";
 
 const PdfPageRow* StoredPage(const TransformSettings& stored) {
-    const auto word = stored.Read(kId, kPage);
-    const auto* const row =
-        std::ranges::find_if(kPdfPages, [&](const PdfPageRow& page) { return word == page.word; });
-    return row == std::end(kPdfPages) ? nullptr : row;
+    return RowByWord(kPdfPages, stored.Read(kId, kPage));
 }
 
 } // namespace

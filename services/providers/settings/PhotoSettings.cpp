@@ -1,6 +1,5 @@
 #include "services/providers/settings/PhotoSettings.h"
 
-#include <algorithm>
 #include <iterator>
 
 namespace providers {
@@ -23,10 +22,7 @@ constexpr KindRow kKinds[] = {
 };
 
 const PhotoQualityRow* StoredQuality(const TransformSettings& stored) {
-    const auto word = stored.Read(kId, kQuality);
-    const auto* const row = std::ranges::find_if(
-        kPhotoQualities, [&](const PhotoQualityRow& quality) { return word == quality.word; });
-    return row == std::end(kPhotoQualities) ? nullptr : row;
+    return RowByWord(kPhotoQualities, stored.Read(kId, kQuality));
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "services/providers/settings/ResizeSettings.h"
 
-#include <algorithm>
-#include <iterator>
 #include <vector>
 
 namespace providers {
@@ -11,10 +9,7 @@ constexpr auto kId = obcontract::TransformId::ResizeImages;
 constexpr wchar_t kAim[] = L"Aim";
 
 const ResizeAimRow* StoredAim(const TransformSettings& stored) {
-    const auto word = stored.Read(kId, kAim);
-    const auto* const row = std::ranges::find_if(
-        kResizeAims, [&](const ResizeAimRow& aim) { return word == aim.word; });
-    return row == std::end(kResizeAims) ? nullptr : row;
+    return RowByWord(kResizeAims, stored.Read(kId, kAim));
 }
 
 } // namespace

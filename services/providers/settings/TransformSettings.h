@@ -39,6 +39,15 @@ private:
     std::wstring key_;
 };
 
+// The row of a table whose `word` is stored; null when none is.
+template <class Row, std::size_t Count>
+const Row* RowByWord(const Row (&rows)[Count], const std::optional<std::wstring>& word) {
+    for (const Row& row : rows) {
+        if (word == row.word) return &row;
+    }
+    return nullptr;
+}
+
 // A switch is stored as "1" or "0"; nothing for another text.
 std::optional<bool> SwitchOf(const std::optional<std::wstring>& text);
 std::wstring TextOfSwitch(bool value);

@@ -1,8 +1,8 @@
 #include "services/providers/suite/DocumentKind.h"
 
-#include <cstring>
 #include <string_view>
 
+#include "services/providers/files/FirstBytes.h"
 #include "services/providers/files/ResultName.h"
 
 namespace providers {
@@ -48,12 +48,9 @@ constexpr DocumentForm kDocuments[] = {
 
 // 0: none of them.
 unsigned BeginningOf(HANDLE source) {
-    char begin[8] = {};
-    OVERLAPPED atStart{};
-    DWORD read = 0;
-    if (!ReadFile(source, begin, sizeof begin, &read, &atStart)) return 0;
+    const std::string begin = FirstBytes(source, 8);
     for (const BeginningForm& form : kBeginnings) {
-        if (std::string_view(begin, read).starts_with(form.bytes)) return form.beginning;
+        if (begin.starts_with(form.bytes)) return form.beginning;
     }
     return 0;
 }

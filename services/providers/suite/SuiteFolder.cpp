@@ -4,6 +4,7 @@
 #include "ObLib/Src/Win32/LongPath.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/files/PathBelow.h"
 
 namespace providers {
 namespace {
@@ -26,12 +27,6 @@ std::wstring TemporaryFolder() {
     return length > 0 && length <= MAX_PATH ? std::wstring(path, length - 1) : std::wstring();
 }
 
-bool IsBelow(const std::wstring& path, const std::wstring& folder) {
-    const auto length = static_cast<int>(folder.size());
-    return path.size() > folder.size() && path[folder.size()] == L'\\' &&
-           CompareStringOrdinal(path.c_str(), length, folder.c_str(), length, TRUE) == CSTR_EQUAL;
-}
-
 // The folder itself while its path is short; otherwise the first one on the way to it from the
 // temporary folder, or the temporary folder. Without the prefix.
 std::wstring PlaceFor(const std::wstring& folder) {
@@ -39,7 +34,7 @@ std::wstring PlaceFor(const std::wstring& folder) {
     if (path.size() <= kLongestPlace) return path;
     const std::wstring temporary = TemporaryFolder();
     if (temporary.empty() || temporary.size() >= path.size()) return path;
-    if (!IsBelow(path, temporary)) return temporary;
+    if (!IsPathBelow(path, temporary)) return temporary;
     const std::wstring top = path.substr(0, path.find(L'\\', temporary.size() + 1));
     return top.size() <= kLongestPlace ? top : temporary;
 }

@@ -6,6 +6,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/files/FinalPath.h"
+#include "services/providers/files/PathBelow.h"
 #include "services/providers/suite/RegistryText.h"
 
 namespace providers {
@@ -32,20 +33,12 @@ bool IsFile(const std::wstring& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-bool IsBelow(const std::wstring& path, const std::wstring& folder) {
-    if (folder.empty() || path.size() <= folder.size() + 1 || path[folder.size()] != L'\\') {
-        return false;
-    }
-    const int length = static_cast<int>(folder.size());
-    return CompareStringOrdinal(path.c_str(), length, folder.c_str(), length, TRUE) == CSTR_EQUAL;
-}
-
 // The environment has these folders too, but the user can change that.
 bool IsBelowProgramFolder(const std::wstring& path) {
     return std::ranges::any_of(kFolderValues, [&](const wchar_t* value) {
         const std::wstring folder =
             RegistryText(HKEY_LOCAL_MACHINE, kSystemKey, value, ObLib::RegistryView::Bits64);
-        return IsFullPath(folder) && IsBelow(path, FinalPathOf(folder));
+        return IsFullPath(folder) && IsPathBelow(path, FinalPathOf(folder));
     });
 }
 

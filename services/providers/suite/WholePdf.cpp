@@ -4,26 +4,14 @@
 #include <string_view>
 
 #include "ObLib/Src/Win32/LongPath.h"
+#include "services/providers/files/FirstBytes.h"
 #include "services/providers/suite/FileContent.h"
 
 namespace providers {
 namespace {
 
-constexpr std::string_view kBegin = "%PDF-";
 constexpr std::string_view kEnd = "%%EOF";
 constexpr std::uint64_t kTail = 1024; // bytes; readers look for the end mark in as many
-
-// At most kTail bytes from `at` on.
-std::string BytesAt(HANDLE file, std::uint64_t at) {
-    std::string bytes(kTail, '\0');
-    OVERLAPPED place{};
-    place.Offset = static_cast<DWORD>(at);
-    place.OffsetHigh = static_cast<DWORD>(at >> 32);
-    DWORD read = 0;
-    ReadFile(file, bytes.data(), kTail, &read, &place);
-    bytes.resize(read);
-    return bytes;
-}
 
 } // namespace
 
@@ -31,8 +19,8 @@ bool IsWholePdf(HANDLE file) {
     LARGE_INTEGER size;
     if (!GetFileSizeEx(file, &size) || size.QuadPart <= 0) return false;
     const auto all = static_cast<std::uint64_t>(size.QuadPart);
-    return BytesAt(file, 0).starts_with(kBegin) &&
-           BytesAt(file, all - std::min(all, kTail)).find(kEnd) != std::string::npos;
+    return BeginsAsPdf(file) &&
+           BytesAt(file, all - std::min(all, kTail), kTail).find(kEnd) != std::string::npos;
 }
 
 ObLib::UniqueKernelHandle OpenWholePdf(const std::wstring& path) {

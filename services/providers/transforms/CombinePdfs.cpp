@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "services/providers/files/FirstBytes.h"
 #include "services/providers/files/ResultName.h"
 #include "services/providers/transforms/ChangeCopy.h"
 #include "services/providers/transforms/PdfPasswords.h"
@@ -37,11 +38,8 @@ struct PdfFile {
 bool IsPdf(HANDLE file) {
     constexpr std::string_view kBom = "\xEF\xBB\xBF";
     constexpr std::string_view kHeader = "%PDF-";
-    char bytes[1024];
-    OVERLAPPED atStart{};
-    DWORD count = 0;
-    if (!ReadFile(file, bytes, sizeof bytes, &count, &atStart)) return false;
-    std::string_view begin(bytes, count);
+    const std::string bytes = FirstBytes(file, 1024);
+    std::string_view begin = bytes;
     if (begin.starts_with(kBom)) begin.remove_prefix(kBom.size());
     begin.remove_prefix(std::min(begin.find_first_not_of(" \t\r\n"), begin.size()));
     return begin.starts_with(kHeader);
@@ -199,7 +197,7 @@ bool Combination::Write() {
     if (!made_) return Refuse(call_, OB_TEXT_UNWRITABLE, First().path);
     written_ = series_->Run(WorkOrder(WorkKind::CombineWrite, WorkPlain{}), nullptr,
                             made_->Handle(), call_.wait);
-    if (written_->result == WorkResult::Changed && IsPdf(made_->Handle())) return true;
+    if (written_->result == WorkResult::Changed && BeginsAsPdf(made_->Handle())) return true;
     const bool isOdd = written_->result == WorkResult::Changed;
     return RefuseResult(call_, isOdd ? WorkResult::ProcessFailed : written_->result, kTexts,
                         PathOf(written_->number));

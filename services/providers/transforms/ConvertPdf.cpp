@@ -1,7 +1,6 @@
 #include "services/providers/transforms/ConvertPdf.h"
 
-#include <cstring>
-
+#include "services/providers/files/FirstBytes.h"
 #include "services/providers/files/ResultName.h"
 #include "services/providers/settings/PdfSettings.h"
 #include "services/providers/suite/DocumentToPdf.h"
@@ -18,14 +17,7 @@ constexpr wchar_t kExtension[] = L"pdf";
 constexpr RefusalTexts kTexts = {OB_TEXT_PDF_DAMAGED, OB_TEXT_PDF_TOO_LARGE, 0, OB_TEXT_PDF_FAILED};
 
 // By what is in the file: the work process may have said anything.
-bool IsPdf(HANDLE file) {
-    constexpr char kBegin[] = {'%', 'P', 'D', 'F', '-'};
-    char begin[sizeof kBegin] = {};
-    OVERLAPPED atStart{};
-    DWORD read = 0;
-    return ReadFile(file, begin, sizeof begin, &read, &atStart) && read == sizeof begin &&
-           std::memcmp(begin, kBegin, sizeof begin) == 0;
-}
+bool IsPdf(const NewFile& made) { return BeginsAsPdf(made.Handle()); }
 
 bool Place(StageCall& call, NewFile& made, WorkingCopy& copy, std::wstring& path) {
     return PlaceResult(call, made, copy, {kExtension, HasExtension(path, kExtension)}, path);
@@ -36,14 +28,8 @@ bool ConvertPicture(StageCall& call, const PdfSettings& settings, WorkingCopy& c
     const auto made = NewFile::MakeBeside(copy, call.run.unfinished);
     if (!made) return Refuse(call, OB_TEXT_UNWRITABLE, path);
     const WorkOrder order(obcontract::WorkKind::PictureToPdf, settings.Order());
-    const WorkReport report = call.run.process.Run(order, copy.Handle(), made->Handle(), call.wait);
-    if (report.result == WorkResult::Unchanged) return true;
-    if (report.result == WorkResult::NotSupported) return PassPhoto(call, report, path);
-    if (report.result != WorkResult::Changed)
-        return RefuseResult(call, report.result, kTexts, path);
-    if (!IsPdf(made->Handle()) || report.size != made->Size())
-        return RefuseResult(call, WorkResult::ProcessFailed, kTexts, path);
-    return Place(call, *made, copy, path);
+    const StepResult step = MakeOfPicture(call, order, copy.Handle(), *made, IsPdf, kTexts, path);
+    return step == StepResult::Made ? Place(call, *made, copy, path) : step == StepResult::Passed;
 }
 
 // A sentence after which the file goes out as it is. False when the call was to end.

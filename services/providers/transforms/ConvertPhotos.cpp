@@ -1,9 +1,9 @@
 #include "services/providers/transforms/ConvertPhotos.h"
 
 #include <algorithm>
-#include <cstring>
-#include <iterator>
+#include <string_view>
 
+#include "services/providers/files/FirstBytes.h"
 #include "services/providers/files/ResultName.h"
 #include "services/providers/transforms/FitNotes.h"
 #include "services/providers/ui/TextIds.h"
@@ -20,20 +20,18 @@ constexpr RefusalTexts kTexts = {OB_TEXT_PHOTO_DAMAGED, OB_TEXT_PHOTO_TOO_LARGE,
 
 // By what is in the file: the work process may have said anything. Null when the file is neither.
 const wchar_t* ExtensionOf(HANDLE file) {
-    constexpr unsigned char kJpeg[] = {0xFF, 0xD8, 0xFF};
-    constexpr unsigned char kPng[] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
-    unsigned char begin[sizeof kPng] = {};
-    OVERLAPPED atStart{};
-    DWORD read = 0;
-    if (!ReadFile(file, begin, sizeof begin, &read, &atStart) || read != sizeof begin)
-        return nullptr;
-    if (std::memcmp(begin, kJpeg, sizeof kJpeg) == 0) return L"jpg";
-    return std::memcmp(begin, kPng, sizeof kPng) == 0 ? L"png" : nullptr;
+    constexpr std::string_view kJpeg = "\xFF\xD8\xFF";
+    constexpr std::string_view kPng = "\x89PNG\r\n\x1A\n";
+    const std::string begin = FirstBytes(file, kPng.size());
+    if (begin.starts_with(kJpeg)) return L"jpg";
+    return begin == kPng ? L"png" : nullptr;
 }
 
 bool HasNameOf(const std::wstring& path, const std::wstring& extension) {
     return HasExtension(path, extension) || (extension == L"jpg" && HasExtension(path, L"jpeg"));
 }
+
+bool IsPhoto(const NewFile& made) { return ExtensionOf(made.Handle()) != nullptr; }
 
 bool ConvertNow(StageCall& call, std::wstring& path, const std::wstring& folder) {
     auto copy = OpenCopy(call, path, folder);
@@ -72,17 +70,22 @@ bool PassPhoto(StageCall& call, const WorkReport& report, const std::wstring& pa
     return !call.wait.IsEnded();
 }
 
-StepResult MakePhoto(StageCall& call, HANDLE source, NewFile& made, const std::wstring& path) {
+StepResult MakeOfPicture(StageCall& call, const WorkOrder& order, HANDLE source, NewFile& made,
+                         IsResult& isResult, const RefusalTexts& texts, const std::wstring& path) {
     const auto goOn = [](bool passes) { return passes ? StepResult::Passed : StepResult::Stopped; };
-    const WorkOrder order(obcontract::WorkKind::ConvertPhoto,
-                          PhotoSettings::Load(call.settings).Order());
     const WorkReport report = call.run.process.Run(order, source, made.Handle(), call.wait);
     if (report.result == WorkResult::Unchanged) return StepResult::Passed;
     if (report.result == WorkResult::NotSupported) return goOn(PassPhoto(call, report, path));
-    if (report.result != WorkResult::Changed) return goOn(RefusePhoto(call, report.result, path));
-    if (!PhotoKindOf(made, path) || report.size != made.Size())
-        return goOn(RefusePhoto(call, WorkResult::ProcessFailed, path));
-    return StepResult::Made;
+    const bool isMade = report.result == WorkResult::Changed;
+    if (isMade && isResult(made) && report.size == made.Size()) return StepResult::Made;
+    return goOn(
+        RefuseResult(call, isMade ? WorkResult::ProcessFailed : report.result, texts, path));
+}
+
+StepResult MakePhoto(StageCall& call, HANDLE source, NewFile& made, const std::wstring& path) {
+    const WorkOrder order(obcontract::WorkKind::ConvertPhoto,
+                          PhotoSettings::Load(call.settings).Order());
+    return MakeOfPicture(call, order, source, made, IsPhoto, kTexts, path);
 }
 
 bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folder) {

@@ -21,6 +21,14 @@ bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folde
 // sentences.
 StepResult MakePhoto(StageCall& call, HANDLE source, NewFile& made, const std::wstring& path);
 
+// Whether what the work process made is what was asked for, by what is in the file.
+using IsResult = bool(const NewFile& made);
+
+// One order that makes another file of a picture, into the new file, which gets no name. A picture
+// that passes, and one that nothing on this machine decodes, goes on as it is.
+StepResult MakeOfPicture(StageCall& call, const WorkOrder& order, HANDLE source, NewFile& made,
+                         IsResult& isResult, const RefusalTexts& texts, const std::wstring& path);
+
 // Of a converted photo, by what is in the file, for a copy at `path`. Nothing for neither JPEG nor
 // PNG.
 std::optional<ResultKind> PhotoKindOf(const NewFile& made, const std::wstring& path);
