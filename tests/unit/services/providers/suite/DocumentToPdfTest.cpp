@@ -10,69 +10,36 @@
 #include <thread>
 #include <vector>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
-#include "contracts/TransformWork.h"
-#include "tests/fakes/Recording.h"
-#include "tests/support/TestFolder.h"
-#include "tests/unit/services/providers/suite/InstalledOffice.h"
+#include "tests/unit/services/providers/suite/ConversionFixture.h"
 
 using namespace providers;
 using namespace suitetest;
 
 namespace {
 
-constexpr DWORD kLimit = 20000; // milliseconds, for what has to happen soon
-const std::string kDocument = "PK\x03\x04 the document";
-const std::string kPdf = "%PDF-1.6\n% " + kDocument + "\n%%EOF\n";
-
-class DocumentToPdf : public testing::Test {
+class DocumentToPdf : public ConversionFixture {
 protected:
     void SetUp() override {
-        BeginAnew();
+        ConversionFixture::SetUp();
         Install(kProgramFolder);
         Register(kProgramFolder);
-        ended_.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-        source_ = Open(folder_.File(L"letter", kDocument), GENERIC_READ, OPEN_EXISTING);
-        target_ = Open(folder_ / L"target", GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
-        ASSERT_TRUE(ended_ && source_ && target_);
-        WorkScript("good");
-        run_ = folder_.Folder(L"run");
     }
     void TearDown() override { BeginAnew(); }
 
-    static ObLib::UniqueKernelHandle Open(const std::wstring& path, DWORD access, DWORD how) {
-        return ObLib::UniqueKernelHandle(CreateFileW(path.c_str(), access,
-                                                     FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                                     how, FILE_ATTRIBUTE_NORMAL, nullptr));
-    }
-    static void WorkScript(const char* word) {
-        ASSERT_TRUE(obtest::WriteFileContent(obtest::BesideProgram(L"worker.txt"), word));
-    }
     static std::wstring InSuite(const wchar_t* name) {
         return std::wstring(kProgramFolder) + L'\\' + name;
     }
-    WorkSettings Work() const {
-        WorkSettings settings;
-        settings.program = obtest::BesideProgram(
-            hasRealWorkProcess_ ? L"real\\PVXTransform64.exe" : obcontract::kTransformWorkFileName);
-        return settings;
-    }
     SuiteOutcome Convert(const char* mode, const SuiteLimits& limits = {}) {
         EXPECT_TRUE(obtest::WriteFileContent(InSuite(L"suite.txt"), mode));
-        WorkProcess process(Work());
-        CallWait wait(ended_.Get(), nullptr);
-        return ConvertDocument({source_.Get(), name_, run_}, target_.Get(), process, wait, limits);
+        return ConvertAs(name_, limits,
+                         hasRealWorkProcess_ ? L"real\\PVXTransform64.exe"
+                                             : obcontract::kTransformWorkFileName);
     }
-    std::string Target() const { return *obtest::ReadFileContent(folder_ / L"target"); }
     // Lines of the suite's record that begin with the word, without it.
-    static std::vector<std::wstring> Calls(const std::wstring& word) {
-        const std::wstring text = obtest::ReadUtf8File(InSuite(L"suite-calls.txt"));
-        std::vector<std::wstring> lines;
-        for (std::size_t start = 0; start < text.size();) {
-            const std::size_t end = std::min(text.find(L'\n', start), text.size());
-            const std::wstring line = text.substr(start, end - start);
+    static Lines Calls(const std::wstring& word) {
+        Lines lines;
+        for (const std::wstring& line : LinesOf(InSuite(L"suite-calls.txt"))) {
             if (line.starts_with(word + L' ')) lines.push_back(line.substr(word.size() + 1));
-            start = end + 1;
         }
         return lines;
     }
@@ -83,15 +50,7 @@ protected:
         return false;
     }
     // Expects that no process of the suite runs and nothing but the target is left.
-    void ExpectNothingLeft(const char* mode) {
-        EXPECT_EQ(obtest::ListTree(run_), std::vector<std::wstring>()) << mode;
-        for (const std::wstring& id : Calls(L"process")) {
-            const ObLib::UniqueKernelHandle process(
-                OpenProcess(SYNCHRONIZE, FALSE, std::stoul(id)));
-            EXPECT_TRUE(!process || WaitForSingleObject(process.Get(), kLimit) == WAIT_OBJECT_0)
-                << mode;
-        }
-    }
+    void ExpectNothingLeft(const char* mode) { ExpectNothingLeftOf(Calls(L"process"), mode); }
     void ExpectFailed(const char* mode, SuiteOutcome outcome, const SuiteLimits& limits = {}) {
         EXPECT_EQ(Convert(mode, limits), outcome) << mode;
         EXPECT_EQ(Target(), "") << mode;
@@ -118,13 +77,8 @@ protected:
         ender.join();
     }
 
-    const obtest::TestFolder folder_;
     std::wstring name_ = L"letter.docx";
     bool hasRealWorkProcess_ = false;
-    std::wstring run_;
-    ObLib::UniqueKernelHandle ended_;
-    ObLib::UniqueKernelHandle source_;
-    ObLib::UniqueKernelHandle target_;
 };
 
 TEST_F(DocumentToPdf, IsWrittenIntoTheTarget) {

@@ -11,69 +11,33 @@
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "contracts/TransformWork.h"
-#include "services/providers/suite/DocumentToPdf.h"
 #include "services/providers/suite/OfficeProgram.h"
 #include "services/providers/suite/OfficeRun.h"
 #include "services/providers/suite/SuiteProcess.h"
-#include "tests/fakes/Recording.h"
-#include "tests/support/ProductRegistry.h"
-#include "tests/support/TestFolder.h"
-#include "tests/unit/services/providers/suite/InstalledOffice.h"
+#include "tests/unit/services/providers/suite/ConversionFixture.h"
 
 using namespace providers;
 using namespace suitetest;
 
 namespace {
 
-constexpr DWORD kLimit = 20000; // milliseconds, for what has to happen soon
-const std::string kDocument = "PK\x03\x04 the document";
-const std::string kPdf = "%PDF-1.6\n% " + kDocument + "\n%%EOF\n";
-
-using Lines = std::vector<std::wstring>;
-
-class OfficeAutomation : public testing::Test {
+class OfficeAutomation : public ConversionFixture {
 protected:
     static void SetUpTestSuite() {
         std::puts("A recording program takes the place of each office program: none is here.");
     }
     void SetUp() override {
-        BeginAnew();
+        ConversionFixture::SetUp();
         ForgetOffice();
         InstallOffice();
-        ended_.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-        source_ = Open(folder_.File(L"letter", kDocument), GENERIC_READ, OPEN_EXISTING);
-        target_ = Open(folder_ / L"target", GENERIC_READ | GENERIC_WRITE, CREATE_NEW);
-        ASSERT_TRUE(ended_ && source_ && target_);
-        ASSERT_TRUE(obtest::WriteFileContent(obtest::BesideProgram(L"worker.txt"), "good"));
-        run_ = folder_.Folder(L"run");
     }
     void TearDown() override { ForgetOffice(); }
 
-    static ObLib::UniqueKernelHandle Open(const std::wstring& path, DWORD access, DWORD how) {
-        return ObLib::UniqueKernelHandle(CreateFileW(path.c_str(), access,
-                                                     FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                                                     how, FILE_ATTRIBUTE_NORMAL, nullptr));
-    }
     SuiteOutcome Convert(const wchar_t* name, const char* mode, const SuiteLimits& limits = {}) {
         EXPECT_TRUE(obtest::WriteFileContent(InOffice(L"office.txt"), mode));
-        WorkSettings settings;
-        settings.program = obtest::BesideProgram(obcontract::kTransformWorkFileName);
-        WorkProcess process(std::move(settings));
-        CallWait wait(ended_.Get(), nullptr);
-        return ConvertDocument({source_.Get(), name, run_}, target_.Get(), process, wait, limits);
+        return ConvertAs(name, limits);
     }
-    std::string Target() const { return *obtest::ReadFileContent(folder_ / L"target"); }
-    static Lines AllCalls() {
-        const std::wstring text = obtest::ReadUtf8File(InOffice(L"office-calls.txt"));
-        Lines lines;
-        for (std::size_t start = 0; start < text.size();) {
-            const std::size_t end = std::min(text.find(L'\n', start), text.size());
-            lines.push_back(text.substr(start, end - start));
-            start = end + 1;
-        }
-        return lines;
-    }
+    static Lines AllCalls() { return LinesOf(InOffice(L"office-calls.txt")); }
     static bool IsStart(const std::wstring& line) {
         return line.starts_with(L"process ") || line == L"ready" || line == L"shown" ||
                line == L"ended";
@@ -98,14 +62,11 @@ protected:
     }
     // Expects that nothing is left but the target and that each program has ended.
     void ExpectNothingLeft(const char* mode) {
-        EXPECT_EQ(obtest::ListTree(run_), Lines()) << mode;
+        Lines ids;
         for (const std::wstring& line : AllCalls()) {
-            if (!line.starts_with(L"process ")) continue;
-            const ObLib::UniqueKernelHandle process(
-                OpenProcess(SYNCHRONIZE, FALSE, std::stoul(line.substr(8))));
-            EXPECT_TRUE(!process || WaitForSingleObject(process.Get(), kLimit) == WAIT_OBJECT_0)
-                << mode;
+            if (line.starts_with(L"process ")) ids.push_back(line.substr(8));
         }
+        ExpectNothingLeftOf(ids, mode);
     }
     void ExpectFailed(const char* mode, SuiteOutcome outcome, const SuiteLimits& limits = {}) {
         EXPECT_EQ(Convert(L"letter.docx", mode, limits), outcome) << mode;
@@ -127,12 +88,6 @@ protected:
         return L"'" + run_ + L"\\~suite1\\document." + extension + L"'";
     }
     std::wstring Result() const { return L"'" + run_ + L"\\~suite1\\result\\document.pdf'"; }
-
-    const obtest::TestFolder folder_;
-    std::wstring run_;
-    ObLib::UniqueKernelHandle ended_;
-    ObLib::UniqueKernelHandle source_;
-    ObLib::UniqueKernelHandle target_;
 };
 
 TEST_F(OfficeAutomation, OpensATextReadOnlyAndClosesEverything) {
