@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/unit/services/transforms/FileRequestFixture.h"
+#include "tests/unit/services/transforms/SteppedClock.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
 using namespace obcontract;
@@ -183,6 +184,19 @@ TEST_F(FitWorkTest, ReportsADamagedPhoto) {
     const auto whole = cut;
     cut.resize(8);
     EXPECT_EQ(FailureOf(Add(cut, kConverted)), WorkFailure::Damaged);
+}
+
+// The requests of a series go on from what the one before has reported.
+TEST_F(FitWorkTest, ReportsThatPicturesAreWorkedOn) {
+    const obtest::SteppedClock clock(500); // so that every second step is a second
+    ASSERT_TRUE(clock.Ok());
+    fit_.emplace(*channel_);
+    const auto picture = obtest::MakeJpeg(obtest::Photo(800, 600, 3), {.quality = 98});
+    EXPECT_EQ(OutcomeOf(Add(picture, kAsItIs)), WorkOutcome::Changed);
+    EXPECT_EQ(OutcomeOf(Search(picture.size() / 2)), WorkOutcome::Changed);
+    EXPECT_EQ(OutcomeOf(Write(0)), WorkOutcome::Changed);
+    fit_.reset();
+    EXPECT_GT(Records(), 600 / 2);
 }
 
 } // namespace

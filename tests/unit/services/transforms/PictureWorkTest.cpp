@@ -15,6 +15,8 @@
 
 #include "ObLib/Src/Win32/WholeTransfer.h"
 #include "services/providers/worker/ReplyReader.h"
+#include "services/transforms/MeasureWork.h"
+#include "services/transforms/PhotoWork.h"
 #include "services/transforms/PictureWatch.h"
 #include "tests/unit/services/transforms/FileRequestFixture.h"
 #include "tests/unit/services/transforms/SteppedClock.h"
@@ -29,7 +31,8 @@ namespace {
 
 class PictureWork : public obtest::FileRequestFixture {
 protected:
-    static std::vector<std::byte> BytesOf(const WorkResize& settings) {
+    template <class Settings>
+    static std::vector<std::byte> BytesOf(const Settings& settings) {
         const auto bytes = std::as_bytes(std::span(&settings, 1));
         return {bytes.begin(), bytes.end()};
     }
@@ -139,6 +142,30 @@ TEST_F(PictureWork, ReportsThatASizeIsSearchedFor) {
     const auto picture = obtest::MakeJpeg(obtest::Photo(800, 600, 3), {.quality = 98});
     ExpectChanged(Resize(picture, {WorkAim::Bytes, 1, 40'000}));
     EXPECT_GT(Records(), 600 / 2);
+}
+
+TEST_F(PictureWork, ReportsThatAPhotoIsConverted) {
+    const obtest::SteppedClock clock(500);
+    ASSERT_TRUE(clock.Ok());
+    WriteSource(Text(obtest::MakeBmp(obtest::Photo(300, 400, 3))));
+    const WorkPhoto settings{90, WorkPhotoKinds::All};
+    // The request's files are closed before the target is read.
+    const auto end =
+        transforms::ConvertPhotoFile(Request(WorkKind::ConvertPhoto, BytesOf(settings)), *channel_);
+    ExpectChanged(end);
+    EXPECT_GT(Records(), 400 / 2);
+}
+
+TEST_F(PictureWork, ReportsThatAFileIsMeasured) {
+    constexpr int kBlocks = 5;
+    const obtest::SteppedClock clock(1000); // so that each step is a second
+    ASSERT_TRUE(clock.Ok());
+    WriteSource(std::string(std::size_t{kBlocks} << 20, 'x'));
+    const auto end =
+        transforms::Measure(Request(WorkKind::Measure, BytesOf(WorkPlain{})), *channel_);
+    ASSERT_TRUE(end);
+    EXPECT_EQ(end->outcome, WorkOutcome::Changed);
+    EXPECT_EQ(Records(), kBlocks);
 }
 
 TEST_F(PictureWork, EndsWhenTheManagerNoLongerReads) {
