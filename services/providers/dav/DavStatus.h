@@ -1,0 +1,57 @@
+// How a request to a WebDAV server can end.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <variant>
+
+#include "services/providers/http/HttpTypes.h"
+
+namespace providers {
+
+enum class DavFault {
+    Http,         // no reply: see the HttpError
+    WrongLogin,   // 401
+    Forbidden,    // 403
+    NotFound,     // 404, 410
+    NotPossible,  // 405: the server knows no such request here
+    Conflict,     // 409: the folder above is missing
+    Taken,        // 412: the name is taken, or the file has changed
+    TooLarge,     // 413
+    Locked,       // 423
+    TooMany,      // 429, and 503 with a time: the server asks for patience
+    ServerFailed, // 5xx
+    NoSpace,      // 507
+    NotDav,       // a reply that isn't WebDAV
+    WrongSize,    // what is stored has another length than what was sent
+    Other,        // any other status
+};
+
+struct DavError {
+    DavFault fault = DavFault::Other;
+    int status = 0; // of the reply; 0: none
+    HttpError http; // with DavFault::Http
+    // After TooMany: when the server wants to be asked again, in seconds from now.
+    std::optional<std::uint32_t> retryAfter;
+};
+
+template <class Value>
+using DavResult = std::variant<Value, DavError>;
+
+// Nothing for a success (2xx).
+std::optional<DavError> DavErrorOf(const HttpReply& reply);
+
+inline DavError DavErrorOf(const HttpError& error) {
+    return {DavFault::Http, 0, error, std::nullopt};
+}
+
+inline bool IsHttp(const DavError& error, HttpFault fault) {
+    return error.fault == DavFault::Http && error.http.fault == fault;
+}
+
+// Whether the connection ended before a reply came: the server may or may not have acted.
+inline bool MayHaveActed(const DavError& error) {
+    return IsHttp(error, HttpFault::BrokenOff) || IsHttp(error, HttpFault::TimedOut);
+}
+
+} // namespace providers
