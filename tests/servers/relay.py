@@ -23,7 +23,7 @@ A connection to the control port carries one command in a line and gets lines ba
     hold            waits for "release", then passes it on
     holdreply       passes it on, keeps the reply until "release"
     status CODE[|Header: value]...[|=BODY]   this reply; the server gets nothing, the body is read
-    early CODE[|...]                         this reply at once; the body isn't read, the connection ends
+    early CODE[|...]                         this reply at once; what still comes is read and forgotten
     sink            201, the body is read and forgotten
 """
 import re
@@ -193,6 +193,9 @@ class Relay(socketserver.BaseRequestHandler):
             return
         if action == "early":
             self.request.sendall(made_reply(argument))
+            self.request.shutdown(socket.SHUT_WR)
+            while self.request.recv(BLOCK):
+                pass
             return
         if action in ("status", "sink"):
             came = pass_body(head, self.request, None, head.length())

@@ -219,7 +219,9 @@ void DavXml::SkipBlanks() { at_ = std::min(text_.find_first_not_of(kBlanks, at_)
 
 std::string_view DavXml::TakeName() {
     const std::size_t from = at_;
-    while (at_ < text_.size() && IsNameByte(text_[at_])) ++at_;
+    const bool mayBegin = at_ < text_.size() && std::string_view("0123456789-.").find(text_[at_]) ==
+                                                    std::string_view::npos;
+    while (mayBegin && at_ < text_.size() && IsNameByte(text_[at_])) ++at_;
     return text_.substr(from, at_ - from);
 }
 

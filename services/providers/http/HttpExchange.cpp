@@ -332,11 +332,7 @@ HttpResult HttpExchange::Run(const HttpRequest& request, const HttpUrl& url) {
     Failure failure = Open(request, url);
     if (!failure) failure = AddHeaders(request, url);
     if (!failure) failure = SendHead();
-    const bool isHeadSent = !failure;
     if (!failure) failure = SendBody(request);
-    // A server that refuses a request may reply and end the connection before it has read the body.
-    const bool mayHaveReply = failure && failure->fault == HttpFault::BrokenOff && isHeadSent;
-    if (mayHaveReply && !ReceiveHead(reply) && reply.status >= 400) return reply;
     if (!failure) failure = ReceiveHead(reply);
     if (!failure) failure = ReceiveBody(request, reply);
     if (failure) return *failure;

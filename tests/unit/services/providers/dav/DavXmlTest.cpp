@@ -81,7 +81,9 @@ TEST(DavXmlTest, RefusesWhatIsNotWellFormed) {
                              "<?xml version='1.0' encoding='utf-16'?><a/>",
                              "<a b='1'c='2'/>",
                              "<![CDATA[x]]>",
-                             "<:/>"}) {
+                             "<:/>",
+                             "<1/>",
+                             "<a -b=''/>"}) {
         EXPECT_EQ('!', Events(text).back()) << text;
     }
 }

@@ -134,6 +134,13 @@ TEST_F(HttpSessionTest, ReportsConnectionsThatEndEarly) {
     EXPECT_EQ("PUT PUT PUT GET", relay_.Methods()) << "the client repeats nothing itself";
 }
 
+TEST_F(HttpSessionTest, ReadsAReplyThatComesBeforeTheBodyHasBeenRead) {
+    relay_.On("PUT", "early 413");
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "early"), &login_);
+    put.body = std::string(20'000'000, 'x');
+    EXPECT_EQ(413, Outcome(Send(put)));
+}
+
 TEST_F(HttpSessionTest, TakesNoLongerReplyThanItsCallerAllows) {
     relay_.On("GET", "status 200|=0123456789", 0, 2);
     HttpRequest get = Request("GET", url_, nullptr);
