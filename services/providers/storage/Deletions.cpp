@@ -4,6 +4,8 @@
 #include "services/providers/storage/LocalDays.h"
 #include "services/providers/storage/PumpedCall.h"
 #include "services/providers/storage/RecordTexts.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
 #include "services/providers/worker/DetachedThread.h"
 
 namespace providers {
@@ -17,7 +19,11 @@ constexpr DWORD kExpiryLimit = 30'000; // milliseconds
 void EndLink(const Run& run, const RunUpload& upload, std::int32_t days) {
     StorageProvider* const provider = run->ProviderOf(upload.accountKey);
     if (!provider || days == 0 || upload.shareId.empty()) return;
-    RunAndPump(run->Ended(), run->owner, kExpiryLimit,
+    const CallWindow window{run->owner,
+                            {OwnText(OB_TEXT_SHARE_TITLE), OwnText(OB_TEXT_SHARE_BODY)},
+                            upload.file.name,
+                            run->windowDelay};
+    RunAndPump(run->Ended(), window, kExpiryLimit,
                [run, provider, key = upload.accountKey, id = upload.shareId, days](HANDLE stop) {
                    provider->SetExpiry(key, id, days, stop);
                });

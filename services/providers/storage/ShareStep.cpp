@@ -27,14 +27,17 @@ bool IsOver(const StorageRun& run) {
 }
 
 // A result that isn't shared when the provider can't be asked or throws.
-ShareResult AskProvider(const Run& run, const RunUpload& upload) {
+ShareResult AskProvider(const Run& run, const RunUpload& upload, const CloudItem& item) {
     StorageProvider* const provider = run->ProviderOf(upload.accountKey);
     if (!provider) return {};
     const auto ask = [run, provider, key = upload.accountKey, file = upload.file](HANDLE stop) {
         return provider->Share(key, file, stop);
     };
-    return CallAndPump<ShareResult>(run->Ended(), run->owner, kShareLimit, ask)
-        .value_or(ShareResult{});
+    const CallWindow window{run->owner,
+                            {OwnText(OB_TEXT_SHARE_TITLE), OwnText(OB_TEXT_SHARE_BODY)},
+                            item.name,
+                            run->windowDelay};
+    return CallAndPump<ShareResult>(run->Ended(), window, kShareLimit, ask).value_or(ShareResult{});
 }
 
 // Whether the result is a link that the record has room for, and the user has seen its password.
@@ -67,7 +70,7 @@ bool ShareFile(const Run& run, CloudItem& item) {
         return false;
     }
     while (!upload->isShared) {
-        ShareResult result = AskProvider(run, *upload);
+        ShareResult result = AskProvider(run, *upload, item);
         if (TakeLink(*run, *upload, item, result)) return true;
         if (IsOver(*run) || !AskToTryAgain(run->owner, FailureOf(item, result))) return false;
     }
@@ -78,6 +81,7 @@ bool ShareFile(const Run& run, CloudItem& item) {
 
 // By index: messages are dispatched, and what they cause may change the list.
 bool ShareFiles(const Run& run, OwnDownloadList& list) {
+    if (list.items.empty()) ShowSentence(run->owner, OwnText(OB_TEXT_SHARE_NOTHING));
     for (std::size_t index = 0; index < list.items.size(); ++index) {
         CloudItem item = list.items[index];
         if (!ShareFile(run, item)) return false;

@@ -54,7 +54,8 @@ public:
     // On the thread that owns the dialogs.
     RunUploads uploads;
     AccountErrors errors;
-    HWND owner = nullptr; // the window of the last upload
+    HWND owner = nullptr;    // the window of the last upload
+    DWORD windowDelay = 500; // milliseconds until a call to a server shows a window
 
 private:
     AccountBook book_;

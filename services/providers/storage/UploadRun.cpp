@@ -7,6 +7,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/storage/OwnerWindow.h"
 #include "services/providers/storage/TransferRate.h"
 #include "services/providers/storage/UploadDialog.h"
 #include "services/providers/storage/UploadTimes.h"
@@ -174,39 +175,7 @@ private:
     ObLib::UniqueKernelHandle thread_;
 };
 
-// Gives the focus back to the window of this thread that had it.
-class KeptFocus {
-public:
-    KeptFocus() = default;
-    ~KeptFocus() {
-        if (IsWindow(window_)) SetFocus(window_);
-    }
-    KeptFocus(const KeptFocus&) = delete;
-    KeptFocus& operator=(const KeptFocus&) = delete;
-
-private:
-    HWND window_ = GetFocus();
-};
-
-// Disables the owner for a scope, unless it was disabled before.
-class DisabledOwner {
-public:
-    explicit DisabledOwner(HWND owner) {
-        // EnableWindow returns whether the window was disabled before.
-        if (owner && !EnableWindow(owner, FALSE)) owner_ = owner;
-    }
-    ~DisabledOwner() {
-        if (IsWindow(owner_)) EnableWindow(owner_, TRUE);
-    }
-    DisabledOwner(const DisabledOwner&) = delete;
-    DisabledOwner& operator=(const DisabledOwner&) = delete;
-
-private:
-    HWND owner_ = nullptr;
-};
-
-// The calling thread while the upload runs. The owner is enabled before the window is destroyed, or
-// the system would activate another program's window.
+// The calling thread while the upload runs.
 class UploadWait {
 public:
     UploadWait(SharedUpload& upload, const UploadTexts& texts, const std::wstring& fileName,

@@ -21,6 +21,9 @@
 #define OB_TEXT_LINK_PASSWORD 314
 #define OB_TEXT_LINK_PASSWORD_COPIED 315
 #define OB_TEXT_LINK_PASSWORD_NOT_COPIED 316
+#define OB_TEXT_SHARE_NOTHING 317 // of no file
+#define OB_TEXT_SHARE_TITLE 318   // of the window while a link is made
+#define OB_TEXT_SHARE_BODY 319
 
 // The progress window of an upload. %1 is a number in the texts about time.
 #define OB_TEXT_UPLOAD_SENT 340

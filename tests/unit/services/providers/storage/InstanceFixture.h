@@ -45,6 +45,7 @@ protected:
                               HANDLE) { return upload_(provider, key, file, texts, owner); };
         run_ = std::make_shared<providers::StorageRun>(
             HKEY_CURRENT_USER, obcontract::kProviderManagerKey, std::move(parts));
+        run_->windowDelay = 60'000; // no window unless a test asks for it
         const auto spaces = std::make_shared<providers::AccountSpaces>(run_);
         sevenInstance_ = std::make_shared<providers::ProviderInstance>(run_, spaces, *sevenScript_);
         eightInstance_ = std::make_shared<providers::ProviderInstance>(run_, spaces, *eightScript_);

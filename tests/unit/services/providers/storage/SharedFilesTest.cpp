@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "services/providers/storage/LinkPasswordDialogIds.h"
+#include "services/providers/storage/UploadDialogIds.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/storage/InstanceFixture.h"
@@ -190,7 +191,9 @@ TEST_F(SharedFiles, ArentSharedTwice) {
 }
 
 TEST_F(SharedFiles, AreNeverAnEmptyList) {
-    EXPECT_FALSE(Share(On::CreateDownloadList::Call(Seven())));
+    EXPECT_EQ(BoxesOfAFailure(On::CreateDownloadList::Call(Seven())),
+              std::vector<std::wstring>{L"There is no file to make a link to, and nothing was put "
+                                        L"into the mail. Please try again."});
 }
 
 TEST_F(SharedFiles, NeedAListOfThisInstance) {
@@ -234,6 +237,47 @@ TEST_F(SharedFiles, EndSilentlyWithTheSession) {
     EXPECT_FALSE(Share(list)); // a box would wait for ever
     EXPECT_EQ(WaitForSingleObject(left.Get(), 20000), WAIT_OBJECT_0);
     EXPECT_TRUE(wasStopped);
+}
+
+TEST_F(SharedFiles, ShowAWindowWhenItTakesLongAndCanBeCancelledInIt) {
+    DownloadList* list = Uploaded();
+    run_->windowDelay = 0;
+    sevenScript_->share = [](auto&, auto&, HANDLE stop) {
+        WaitForSingleObject(stop, 20000);
+        return ShareResult{true, L"https://example.org/late", L"id", {}, {}};
+    };
+    DialogUiDriver user(OB_UPLOAD_BAR, [](HWND dialog) {
+        EXPECT_EQ(obtest::TextOf(dialog), L"Making the link");
+        EXPECT_EQ(obtest::TextOf(GetDlgItem(dialog, OB_UPLOAD_BODY)),
+                  L"Your file is in the cloud. Its link is being made for your mail.");
+        EXPECT_EQ(obtest::TextOf(GetDlgItem(dialog, OB_UPLOAD_FILE)), L"a.zip");
+        DialogUiDriver::Press(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(BoxesOfAFailure(list), std::vector<std::wstring>{kNoLink});
+    EXPECT_TRUE(user.WasUsed());
+}
+
+TEST_F(SharedFiles, DisableTheUploadsWindowMeanwhile) {
+    const ObLib::UniqueWindow window(CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1,
+                                                     nullptr, nullptr, nullptr, nullptr));
+    DownloadList* list = Uploaded();
+    run_->owner = window.Get();
+    sevenScript_->share = [handle = window.Get()](auto&, auto&, HANDLE) {
+        const bool isDisabled = obtest::WaitUntil([handle] { return !IsWindowEnabled(handle); });
+        return ShareResult{isDisabled, L"https://example.org/1", L"id", {}, {}};
+    };
+    EXPECT_TRUE(Share(list));
+    EXPECT_TRUE(IsWindowEnabled(window.Get()));
+}
+
+TEST_F(SharedFiles, ArentExplainedOnceTheUploadsWindowHasGone) {
+    DownloadList* list = Uploaded();
+    {
+        const ObLib::UniqueWindow window(CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1,
+                                                         nullptr, nullptr, nullptr, nullptr));
+        run_->owner = window.Get();
+    }
+    EXPECT_FALSE(Share(list)); // a box would wait for ever
 }
 
 TEST_F(SharedFiles, ShowTheirPasswordOnce) {
