@@ -28,8 +28,7 @@ class CancelledStages : public ManagerFixture {
 protected:
     void Begin(std::uint32_t id) {
         SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, id, kTransform));
+        SelectOnly(id);
         const std::wstring key = std::wstring(kProviderManagerKey) + L"\\Transforms\\5";
         obtest::SetValue(HKEY_CURRENT_USER, key, L"Text", L"Ann Example");
         Script("hang-after-writing");

@@ -20,8 +20,7 @@ class CombinePasswords : public ManagerFixture {
 protected:
     void SetUp() override {
         ManagerFixture::SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, 65, kTransform));
+        SelectOnly(65);
     }
     // Runs the stage on a plain PDF and two that "secret" opens; the user answers once.
     bool Combine(const wchar_t* password, int button) {

@@ -6,6 +6,7 @@
 
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "tests/unit/services/providers/transforms/ManagerFixture.h"
@@ -21,29 +22,13 @@ class CombineStages : public ManagerFixture {
 protected:
     void SetUp() override {
         ManagerFixture::SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kCombine, kTransform));
+        SelectOnly(kCombine);
     }
     std::wstring Pdf(const std::wstring& name, const std::string& content = "pages") {
         return folder_.File(name, "%PDF-" + content);
     }
-    static std::string Content(const std::wstring& path) {
-        return obtest::ReadFileContent(path).value_or("none");
-    }
-    // Expects that the stage fails with one sentence that contains the text, and that all files are
-    // as they were.
     void ExpectStopped(const Names& paths, const std::wstring& text) {
-        std::vector<std::string> before;
-        for (const std::wstring& path : paths) before.push_back(Content(path));
-        const Names files = Files();
-        const obtest::MessageBoxWatcher boxes;
-        EXPECT_FALSE(List(paths, 1));
-        ASSERT_EQ(boxes.Seen().size(), 1u);
-        EXPECT_NE(boxes.Seen()[0].text.find(text), std::wstring::npos)
-            << testing::PrintToString(boxes.Seen()[0].text);
-        for (std::size_t at = 0; at < paths.size(); ++at) EXPECT_EQ(Content(paths[at]), before[at]);
-        EXPECT_EQ(Files(), files);
-        EXPECT_TRUE(Results(paths.size()).empty());
+        ExpectListStopped(paths, 1, text);
     }
     void ExpectStopped(const char* word, const std::wstring& text) {
         Script(word);
@@ -249,20 +234,11 @@ TEST_F(CombineStages, DeleteReadOnlyCopiesAndKeepTheFirstOnesAttributes) {
 }
 
 TEST_F(CombineStages, EndWithTheSessionAndLeaveOnlyTheCopies) {
-    for (const char* word : {"combine-hang-in-add", "combine-hang-in-write"}) {
+    const std::pair<const char*, std::size_t> rows[] = {{"combine-hang-in-add", 2},
+                                                        {"combine-hang-in-write", 3}};
+    for (const auto& [word, filesThen] : rows) {
         SetUp();
-        Script(word);
-        const Names paths{Pdf(L"a.pdf"), Pdf(L"b.pdf")};
-        Owner owner;
-        std::thread worker([&] { EXPECT_FALSE(List(paths, 1, owner.Get())); });
-        if (std::string(word) == "combine-hang-in-write") {
-            for (int waited = 0; waited < kLimit && Files().size() < 3; waited += 5) Sleep(5);
-            EXPECT_EQ(Files().size(), 3u);
-        }
-        Entries().Deinit(manager_);
-        worker.join();
-        EXPECT_EQ(Files(), (Names{L"a.pdf", L"b.pdf"})) << word;
-        EXPECT_EQ(Content(paths[0]), "%PDF-pages") << word;
+        ExpectListEndedBySession(word, {Pdf(L"a.pdf"), Pdf(L"b.pdf")}, 1, filesThen);
     }
 }
 

@@ -23,8 +23,7 @@ class DocumentStages : public ManagerFixture {
 protected:
     void SetUp() override {
         ManagerFixture::SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kPdf, kTransform));
+        SelectOnly(kPdf);
         suitetest::BeginAnew();
         suitetest::Install(suitetest::kProgramFolder);
         suitetest::Register(suitetest::kProgramFolder);

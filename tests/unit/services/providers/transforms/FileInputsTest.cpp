@@ -42,8 +42,7 @@ class FileInputs : public ManagerFixture {
 protected:
     void Begin(const Transform& transform) {
         SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, transform.id, kTransform));
+        SelectOnly(transform.id);
         const std::wstring key = std::wstring(kProviderManagerKey) + L"\\Transforms\\";
         obtest::SetValue(HKEY_CURRENT_USER, key + L"5", L"Text", L"Ann Example");
         obtest::SetValue(HKEY_CURRENT_USER, key + L"2", L"Aim", transform.aim);

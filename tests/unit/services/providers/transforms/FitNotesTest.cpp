@@ -81,33 +81,12 @@ protected:
     void ExpectStopped(const char* word, const Names& paths, const std::wstring& text) {
         NoteAll(paths);
         Begin(word);
-        const Names files = Files();
-        std::vector<std::string> before;
-        for (const std::wstring& path : paths) before.push_back(*obtest::ReadFileContent(path));
-        const obtest::MessageBoxWatcher boxes;
-        EXPECT_FALSE(List(paths, 3));
-        ASSERT_EQ(boxes.Seen().size(), 1u);
-        EXPECT_NE(boxes.Seen()[0].text.find(text), std::wstring::npos)
-            << testing::PrintToString(boxes.Seen()[0].text);
-        EXPECT_EQ(Files(), files);
-        for (std::size_t at = 0; at < paths.size(); ++at)
-            EXPECT_EQ(obtest::ReadFileContent(paths[at]), before[at]);
-        EXPECT_TRUE(Results(paths.size()).empty());
+        ExpectListStopped(paths, 3, text);
     }
     // A cancel once so many files are there; the copies alone stay, as they were.
     void ExpectOnlyCopiesAfterACancel(const char* word, const Names& paths, std::size_t files) {
         NoteAll(paths);
-        Script(word);
-        const Names names = Files();
-        Owner owner;
-        const obtest::MessageBoxWatcher boxes;
-        std::thread worker([&] { EXPECT_FALSE(List(paths, 3, owner.Get())); });
-        for (int waited = 0; waited < kLimit && Files().size() < files; waited += 5) Sleep(5);
-        EXPECT_EQ(Files().size(), files) << word;
-        Entries().Deinit(manager_);
-        worker.join();
-        EXPECT_EQ(Files(), names) << word;
-        EXPECT_TRUE(boxes.Seen().empty()) << word;
+        ExpectListEndedBySession(word, paths, 3, files);
     }
 };
 

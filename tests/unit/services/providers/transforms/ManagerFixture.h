@@ -158,6 +158,51 @@ protected:
         }
         return false;
     }
+    // The transform alone, without the removal of personal data.
+    void SelectOnly(std::uint32_t id) {
+        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
+        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, id, kTransform));
+    }
+    static std::string Content(const std::wstring& path) {
+        return obtest::ReadFileContent(path).value_or("none");
+    }
+    static std::vector<std::string> ContentsOf(const Names& paths) {
+        std::vector<std::string> contents;
+        for (const std::wstring& path : paths) contents.push_back(Content(path));
+        return contents;
+    }
+    // Expects that the stage after the list fails with one sentence that contains the text, and
+    // that all files are as they were.
+    void ExpectListStopped(const Names& paths, std::uint32_t mode, const std::wstring& text) {
+        const auto before = ContentsOf(paths);
+        const Names files = Files();
+        const obtest::MessageBoxWatcher boxes;
+        EXPECT_FALSE(List(paths, mode));
+        ASSERT_EQ(boxes.Seen().size(), 1u);
+        EXPECT_NE(boxes.Seen()[0].text.find(text), std::wstring::npos)
+            << testing::PrintToString(boxes.Seen()[0].text);
+        EXPECT_EQ(ContentsOf(paths), before);
+        EXPECT_EQ(Files(), files);
+        EXPECT_TRUE(Results(paths.size()).empty());
+    }
+    // A cancel while the work process hangs in a request of a series, once there are so many files:
+    // no sentence, the copies are as they were, and nothing else is left.
+    void ExpectListEndedBySession(const char* word, const Names& paths, std::uint32_t mode,
+                                  std::size_t filesThen) {
+        Script(word);
+        const Names files = Files();
+        const auto before = ContentsOf(paths);
+        const obtest::MessageBoxWatcher boxes;
+        Owner owner;
+        std::thread worker([&] { EXPECT_FALSE(List(paths, mode, owner.Get())); });
+        for (int waited = 0; waited < kLimit && Files().size() < filesThen; waited += 5) Sleep(5);
+        EXPECT_EQ(Files().size(), filesThen) << word;
+        Entries().Deinit(manager_);
+        worker.join();
+        EXPECT_EQ(Files(), files) << word;
+        EXPECT_EQ(ContentsOf(paths), before) << word;
+        EXPECT_TRUE(boxes.Seen().empty()) << word;
+    }
     // A cancel while the work process writes: no sentence, and nothing but the copy is left.
     void ExpectEndedBySession(const wchar_t* name) {
         const std::wstring path = folder_.File(name, "photo");

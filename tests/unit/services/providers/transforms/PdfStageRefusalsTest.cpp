@@ -13,8 +13,7 @@ class PdfStageRefusals : public ManagerFixture {
 protected:
     void SetUp() override {
         ManagerFixture::SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, 3, kTransform));
+        SelectOnly(3);
     }
 };
 

@@ -13,8 +13,7 @@ class PhotoRefusals : public ManagerFixture {
 protected:
     void SetUp() override {
         ManagerFixture::SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, 50, kTransform));
+        SelectOnly(50);
     }
 };
 

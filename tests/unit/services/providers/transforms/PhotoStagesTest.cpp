@@ -27,8 +27,7 @@ class PhotoStages : public ManagerFixture {
 protected:
     void SetUp() override {
         ManagerFixture::SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kConvert, kTransform));
+        SelectOnly(kConvert);
     }
     static std::string Sample(const wchar_t* name) {
         return *obtest::ReadFileContent(*ObLib::ModuleFolder(nullptr) + L"photos\\" + name);

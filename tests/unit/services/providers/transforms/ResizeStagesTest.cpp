@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
+#include <utility>
 #include <vector>
 
 #include "services/providers/ui/ResizeDialogIds.h"
@@ -24,8 +24,7 @@ class ResizeFixture : public ManagerFixture {
 protected:
     void SetUp() override {
         ManagerFixture::SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kResize, kTransform));
+        SelectOnly(kResize);
     }
     static void Aim(const wchar_t* aim, const wchar_t* name, const wchar_t* number) {
         obtest::SetValue(HKEY_CURRENT_USER, kResizeKey, L"Aim", aim);
@@ -33,9 +32,6 @@ protected:
     }
     void AlsoRemovePersonalData() {
         ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kRemoveInfo, kTransform));
-    }
-    std::string Content(const std::wstring& path) {
-        return obtest::ReadFileContent(path).value_or("none");
     }
 };
 
@@ -161,25 +157,9 @@ protected:
     std::wstring Other(const std::wstring& name, std::size_t size) {
         return folder_.File(name, std::string(size, 'o'));
     }
-    // Expects that the stage fails with one sentence that contains the text, and that all files are
-    // as they were.
-    void ExpectStopped(const Names& paths, std::uint32_t mode, const std::wstring& text) {
-        std::vector<std::string> before;
-        for (const std::wstring& path : paths) before.push_back(Content(path));
-        const Names files = Files();
-        const obtest::MessageBoxWatcher boxes;
-        EXPECT_FALSE(List(paths, mode));
-        ASSERT_EQ(boxes.Seen().size(), 1u);
-        EXPECT_NE(boxes.Seen()[0].text.find(text), std::wstring::npos)
-            << testing::PrintToString(boxes.Seen()[0].text);
-        for (std::size_t at = 0; at < paths.size(); ++at) EXPECT_EQ(Content(paths[at]), before[at]);
-        EXPECT_EQ(Files(), files);
-        EXPECT_TRUE(Results(paths.size()).empty());
-    }
     void ExpectStopped(const char* word, const std::wstring& text) {
         Script(word);
-        const Names paths{Picture(L"a.jpg"), Picture(L"b.jpg")};
-        ExpectStopped(paths, 3, text);
+        ExpectListStopped({Picture(L"a.jpg"), Picture(L"b.jpg")}, 3, text);
     }
 };
 
@@ -242,9 +222,9 @@ TEST_F(FitStages, CountAFileThatIsTwiceInTheListOnce) {
 
 TEST_F(FitStages, ReportBeforeAnythingIsWrittenThatTheOtherFilesAreTooMuch) {
     const Names paths{Picture(L"a.jpg"), Other(L"b.txt", 1'350'000)};
-    ExpectStopped(paths, 3,
-                  L"The other files alone take 1.4 MB, and a mail of 1 MB has room for 729 KB.");
-    ExpectStopped({paths[1]}, 3, L"Your files take 1.4 MB");
+    ExpectListStopped(
+        paths, 3, L"The other files alone take 1.4 MB, and a mail of 1 MB has room for 729 KB.");
+    ExpectListStopped({paths[1]}, 3, L"Your files take 1.4 MB");
 }
 
 TEST_F(FitStages, ReportThatThePicturesCannotBeSmallEnough) {
@@ -267,30 +247,21 @@ TEST_F(FitStages, StopWhenTheResultIsAboveTheLimit) {
     ExpectStopped("fit-too-much", L"can't be made smaller");
 }
 TEST_F(FitStages, StopWithoutTheFile) {
-    ExpectStopped({Picture(L"a.jpg"), folder_ / L"gone.jpg"}, 3, L"\u201cgone.jpg\u201d");
+    ExpectListStopped({Picture(L"a.jpg"), folder_ / L"gone.jpg"}, 3, L"\u201cgone.jpg\u201d");
 }
 TEST_F(FitStages, ChangeNothingOutsideTheTemporaryPath) {
     const std::wstring path = L"C:\\photo.jpg";
     ASSERT_TRUE(obtest::WriteFileContent(path, "pic" + std::string(900'000, 'p')));
-    ExpectStopped({Picture(L"a.jpg"), path}, 3, L"\u201cphoto.jpg\u201d");
+    ExpectListStopped({Picture(L"a.jpg"), path}, 3, L"\u201cphoto.jpg\u201d");
     DeleteFileW(path.c_str());
 }
 
 TEST_F(FitStages, EndWithTheSessionAndLeaveOnlyTheCopies) {
-    for (const char* word : {"fit-hang-in-search", "fit-hang-in-write"}) {
+    const std::pair<const char*, std::size_t> rows[] = {{"fit-hang-in-search", 2},
+                                                        {"fit-hang-in-write", 4}};
+    for (const auto& [word, filesThen] : rows) {
         SetUp();
-        Script(word);
-        const Names paths{Picture(L"a.jpg"), Picture(L"b.jpg")};
-        Owner owner;
-        std::thread worker([&] { EXPECT_FALSE(List(paths, 3, owner.Get())); });
-        if (std::string(word) == "fit-hang-in-write") {
-            for (int waited = 0; waited < kLimit && Files().size() < 4; waited += 5) Sleep(5);
-            EXPECT_EQ(Files().size(), 4u);
-        }
-        Entries().Deinit(manager_);
-        worker.join();
-        EXPECT_EQ(Files(), (Names{L"a.jpg", L"b.jpg"})) << word;
-        EXPECT_EQ(Content(paths[0]).size(), 400'000u) << word;
+        ExpectListEndedBySession(word, {Picture(L"a.jpg"), Picture(L"b.jpg")}, 3, filesThen);
     }
 }
 

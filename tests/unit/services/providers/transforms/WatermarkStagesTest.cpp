@@ -22,17 +22,13 @@ class WatermarkStages : public ManagerFixture {
 protected:
     void SetUp() override {
         ManagerFixture::SetUp();
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kRemoveInfo, kTransform));
-        ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectUse, kWatermark, kTransform));
+        SelectOnly(kWatermark);
         Set(L"Text", L"Ann Example");
         Set(L"Place", L"TopRight");
         Set(L"Opacity", L"45");
     }
     static void Set(const wchar_t* name, const wchar_t* text) {
         obtest::SetValue(HKEY_CURRENT_USER, kWatermarkKey, name, text);
-    }
-    static std::string Content(const std::wstring& path) {
-        return obtest::ReadFileContent(path).value_or("none");
     }
     // Runs the stage on a file about which a question is asked; gives the question.
     std::wstring Asked(const char* word, int answer, bool& goesOn) {
