@@ -3,28 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <memory>
+#include <utility>
 
 #include "OBCore/exchange/ExchangeAnswer.h"
-#include "OBCore/exchange/ExchangeRequest.h"
-#include "OBCore/modules/ProviderLibrary.h"
-#include "OBCore/modules/ResourceModule.h"
-#include "OBCore/modules/ServiceLibrary.h"
-#include "OBCore/picker/Drivers.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
-#include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/PickerUiDriver.h"
 #include "tests/support/PictureSuite.h"
-#include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
+#include "tests/ui/picker/RealPickerFixture.h"
 #include "tests/unit/WebVellant/OBCore/picker/FakeCloudPick.h"
-#include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
 
 namespace obtest {
 namespace {
 
-using obcontract::ExchangeBlock;
 using obcontract::ExchangeStatus;
 using namespace obcore;
 
@@ -72,7 +63,7 @@ void ExpectInPlace(const Parts& parts) {
     EXPECT_GT(logo.right - logo.left, 0);
 }
 
-class CloudButtonInPicker : public testing::Test {
+class CloudButtonInPicker : public RealPickerFixture {
 protected:
     static void SetUpTestSuite() {
         BeAwareOfTheScale();
@@ -82,44 +73,22 @@ protected:
     }
 
     void SetUp() override {
-        FakeModules::Reset();
         FakeCloudPick::Reset();
-        ClearProductRegistry();
-        FakePlanning::Reset();
-        CoInitialize(nullptr);
         ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
-        ASSERT_TRUE(LoadArchiveService());
-        ASSERT_TRUE(LoadProviderManager());
-        ASSERT_TRUE(BindResourceModule());
+        RealPickerFixture::SetUp();
         FakeCloudPick::hasProvider = [](auto) { return true; };
     }
     void TearDown() override {
         ObLib::AppGlobals().Clear();
-        CoUninitialize();
+        RealPickerFixture::TearDown();
     }
 
     HRESULT RunDialog(std::function<void(OpenPicker&)> use) {
-        *block = ExchangeBlock{};
-        block->Status = ExchangeStatus::DialogRequest;
-        block->DialogOptions = FOS_FORCEFILESYSTEM;
-        PickerUiDriver driver(std::move(use));
-        const HRESULT result = DialogDriver(nullptr, *block);
-        EXPECT_TRUE(driver.Done()) << "no picker came, or it didn't close";
-        return result;
+        return RealPickerFixture::RunDialog(FOS_FORCEFILESYSTEM, std::move(use));
     }
 
     BOOL RunOpenFileName(std::function<void(OpenPicker&)> use) {
-        OPENFILENAMEW page{};
-        page.lStructSize = sizeof(page);
-        page.nMaxFile = 4096;
-        *block = ExchangeBlock{};
-        WriteOpenFileNameRequest(*block, page);
-        block->Status = ExchangeStatus::OpenFileNameTaken;
-        OPENFILENAMEW request = ReadOpenFileNameRequest(*block, nullptr);
-        PickerUiDriver driver(std::move(use));
-        const BOOL result = OpenFileNameDriver(&request, *block);
-        EXPECT_TRUE(driver.Done()) << "no picker came, or it didn't close";
-        return result;
+        return RealPickerFixture::RunOpenFileName(0, std::move(use));
     }
 
     void ExpectLink(const std::wstring& text) {
@@ -133,8 +102,6 @@ protected:
             return true;
         };
     }
-
-    std::unique_ptr<ExchangeBlock> block = std::make_unique<ExchangeBlock>();
 };
 
 TEST_F(CloudButtonInPicker, IsOnTheLineOfOkBelowTheFileNameWithoutAnAssertion) {

@@ -1,25 +1,20 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
+#include <string>
+#include <vector>
 
 #include "OBCore/exchange/ExchangeAnswer.h"
-#include "OBCore/exchange/ExchangeRequest.h"
-#include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
-#include "OBCore/modules/ServiceLibrary.h"
-#include "OBCore/picker/Drivers.h"
 #include "OBCore/picker/PickerControls.h"
 #include "tests/support/FakeModules.h"
 #include "tests/support/MessageBoxWatcher.h"
-#include "tests/support/PickerUiDriver.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
-#include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
+#include "tests/ui/picker/RealPickerFixture.h"
 
 namespace {
 
-using obcontract::ExchangeBlock;
 using obcontract::ExchangeStatus;
 using namespace obcore;
 using namespace obtest;
@@ -40,16 +35,10 @@ bool WasCalled(const std::wstring& start) {
 
 // One request after the other in the real dialog. The UI driver collects what it finds, and the
 // test's own thread checks that.
-class RealPicker : public testing::Test {
+class RealPicker : public RealPickerFixture {
 protected:
     void SetUp() override {
-        FakeModules::Reset();
-        ClearProductRegistry();
-        FakePlanning::Reset();
-        CoInitialize(nullptr);
-        ASSERT_TRUE(LoadArchiveService());
-        ASSERT_TRUE(LoadProviderManager());
-        ASSERT_TRUE(BindResourceModule());
+        RealPickerFixture::SetUp();
         FakePlanning::process = [this](OBOpenFileNameDlg& dialog, const Paths& paths) {
             picked = paths;
             sendItem = dialog.Options->SendItem;
@@ -58,39 +47,10 @@ protected:
             return 1;
         };
     }
-    void TearDown() override { CoUninitialize(); }
-
     static void Support(std::uint32_t transform) {
         FakeModules::Answer(L"IsProviderSupport." + std::to_wstring(transform) + L".4", L"1");
     }
 
-    HRESULT RunDialog(DWORD options, std::function<void(OpenPicker&)> use) {
-        *block = ExchangeBlock{};
-        block->Status = ExchangeStatus::DialogRequest;
-        block->DialogOptions = options;
-        PickerUiDriver driver(std::move(use));
-        const HRESULT result = DialogDriver(nullptr, *block);
-        EXPECT_TRUE(driver.Done()) << "no picker came, or it didn't close";
-        return result;
-    }
-
-    BOOL RunOpenFileName(DWORD flags, std::function<void(OpenPicker&)> use) {
-        OPENFILENAMEW page{};
-        page.lStructSize = sizeof(page);
-        page.nMaxFile = 4096;
-        page.Flags = flags;
-        page.lpstrFilter = L"All\0*.*\0";
-        *block = ExchangeBlock{};
-        WriteOpenFileNameRequest(*block, page);
-        block->Status = ExchangeStatus::OpenFileNameTaken;
-        OPENFILENAMEW request = ReadOpenFileNameRequest(*block, nullptr);
-        PickerUiDriver driver(std::move(use));
-        const BOOL result = OpenFileNameDriver(&request, *block);
-        EXPECT_TRUE(driver.Done()) << "no picker came, or it didn't close";
-        return result;
-    }
-
-    std::unique_ptr<ExchangeBlock> block = std::make_unique<ExchangeBlock>();
     TestFolder folder;
     Paths picked;
     bool sendItem = false;
