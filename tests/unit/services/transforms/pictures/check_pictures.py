@@ -4,18 +4,14 @@
 They made the pictures too: sizes, depth, channels, profile and orientation must be those of the source but
 for the size, and each result must decode without a word.
 """
-import argparse
 import json
 import os
-import subprocess
 import sys
-import tempfile
 
-SIZE, EDGE = "400x300", 160
-SHRUNK, UNCHANGED, DAMAGED = 0, 1, 3
-# A second thread of these tools only waits, on pictures of this size.
-ENV = dict(os.environ, LC_ALL="C.UTF-8", TZ="UTC", OMP_NUM_THREADS="1", MAGICK_THREAD_LIMIT="1")
-BASE = ["base.miff"]
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from picture_judge import BASE, DAMAGED, SIZE, UNCHANGED, WRITTEN, check, check_outcomes, main, make_pictures, outcomes_of, run
+
+EDGE = 160
 LOOK = "%d|%f|%w %h|%m %z %[channels] %[profile:icc] %[orientation] %C\\n"
 # Name: what convert makes the picture from.
 PICTURES = {
@@ -34,56 +30,6 @@ PICTURES = {
     "lossless.webp": [*BASE, "-define", "webp:lossless=true"],
     "plain.bmp": [*BASE, "-type", "TrueColor"],
 }
-failures = []
-
-
-def check(condition, text):
-    if not condition:
-        failures.append(text)
-        print(f"FAILED: {text}", flush=True)
-
-
-def run(*command):
-    return subprocess.run(command, env=ENV, stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", check=False)
-
-
-def made(command):
-    result = run(*command)
-    if result.returncode != 0:
-        sys.exit(f"{' '.join(command)}: {result.stderr}")
-
-
-def windows(path):
-    return "Z:" + path.replace("/", "\\")
-
-
-def make_pictures(work, folder):
-    base = os.path.join(work, "base.miff")
-    made(["convert", "-seed", "7", "-size", SIZE, "plasma:tomato-steelblue", base])
-    for name, options in PICTURES.items():
-        made(["convert", *[base if word == BASE[0] else word for word in options], os.path.join(folder, name)])
-    tagged = [os.path.join(folder, name) for name in ("plain.jpg", "progressive.jpg", "plain.png", "deep.tif")]
-    made(["exiftool", "-q", "-n", "-overwrite_original", "-Orientation=6", "-Artist=A name", "-XMP-dc:Title=A title", *tagged])
-    made(["convert", "-delay", "10", "-size", SIZE, "xc:red", "xc:blue", os.path.join(folder, "moving.gif")])
-    made(["convert", "-size", SIZE, "xc:red", "xc:blue", os.path.join(folder, "pages.tif")])
-    with open(os.path.join(folder, "plain.jpg"), "rb") as file:
-        whole = file.read()
-    with open(os.path.join(folder, "cut.jpg"), "wb") as file:
-        file.write(whole[:len(whole) // 2])
-
-
-def shrink(options, source, target):
-    result = run(options.wine_run, "--timeout", "120", "--", options.tool, "edge", str(EDGE), "90", windows(source), windows(target))
-    if result.returncode != 0:
-        sys.exit(f"picture_tool ended with {result.returncode}: {result.stdout}{result.stderr}")
-    lines = [line.split("\t") for line in result.stdout.splitlines() if "\t" in line]
-    return {name: int(float(outcome)) for name, outcome in lines if name not in ("seconds", "megabytes")}
-
-
-def check_outcomes(outcomes):
-    expected = {**{name: SHRUNK for name in PICTURES}, "moving.gif": UNCHANGED, "pages.tif": UNCHANGED, "cut.jpg": DAMAGED}
-    for name, outcome in expected.items():
-        check(outcomes.get(name) == outcome, f"{name}: outcome {outcomes.get(name)}, not {outcome}")
 
 
 def looked_at(folder):
@@ -123,21 +69,17 @@ def check_pictures(source, target):
     check(old["plain.jpg"]["Artist"] == "A name", "exiftool wrote no tags")
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--wine-run", required=True)
-    parser.add_argument("--tool", required=True)
-    options = parser.parse_args()
-    with tempfile.TemporaryDirectory() as work:
-        source, target = os.path.join(work, "source"), os.path.join(work, "target")
-        os.mkdir(source)
-        os.mkdir(target)
-        make_pictures(work, source)
-        check_outcomes(shrink(options, source, target))
-        check_pictures(source, target)
-    print(f"{len(PICTURES)} pictures looked at by identify, convert, djpeg and exiftool; {len(failures)} failures")
-    return 1 if failures else 0
+def check_all(options, work):
+    source, target = os.path.join(work, "source"), os.path.join(work, "target")
+    os.mkdir(source)
+    os.mkdir(target)
+    make_pictures(work, source, PICTURES, ("plain.jpg", "progressive.jpg", "plain.png", "deep.tif"), ("red", "blue"))
+    check_outcomes(outcomes_of(options, ["edge", str(EDGE), "90"], source, target),
+                   {**{name: WRITTEN for name in PICTURES}, "moving.gif": UNCHANGED, "pages.tif": UNCHANGED,
+                    "cut.jpg": DAMAGED})
+    check_pictures(source, target)
+    return f"{len(PICTURES)} pictures looked at by identify, convert, djpeg and exiftool"
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(check_all))

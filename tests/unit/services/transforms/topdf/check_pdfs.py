@@ -4,17 +4,14 @@
 They made the pictures too: JPEG data must be those of the file, other pixels equal, pages as large and as
 upright as the picture, and no tool may have anything to say about a file.
 """
-import argparse
 import os
 import subprocess
 import sys
-import tempfile
 
-SIZE = "400x300"
-MADE, UNCHANGED, UNSUPPORTED, DAMAGED = 0, 1, 2, 3
-# A second thread of these tools only waits, on pictures of this size.
-ENV = dict(os.environ, LC_ALL="C.UTF-8", TZ="UTC", OMP_NUM_THREADS="1", MAGICK_THREAD_LIMIT="1")
-BASE = ["base.miff"]
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from picture_judge import (BASE, DAMAGED, ENV, SIZE, UNCHANGED, UNSUPPORTED, WRITTEN, check, check_outcomes, made, main, make_pictures,
+                           outcomes_of, run)
+
 # Name: what convert makes the picture from.
 JPEGS = {
     "plain.jpg": [*BASE, "-quality", "93", "-units", "PixelsPerInch", "-density", "200"],
@@ -44,61 +41,19 @@ LOSSLESS = {
 DEEP = ("deep.png", "deep.tif")
 # Colours of a palette have 8 bits in a PDF and 16 in a TIFF file.
 ROUNDED = ("palette.tif",)
-failures = []
 
 
-def check(condition, text):
-    if not condition:
-        failures.append(text)
-        print(f"FAILED: {text}", flush=True)
-
-
-def run(*command):
-    return subprocess.run(command, env=ENV, stdin=subprocess.DEVNULL, capture_output=True, text=True, errors="replace", check=False)
-
-
-def made(command):
-    result = run(*command)
-    if result.returncode != 0:
-        sys.exit(f"{' '.join(command)}: {result.stderr}")
-
-
-def windows(path):
-    return "Z:" + path.replace("/", "\\")
-
-
-def make_pictures(work, folder):
-    base = os.path.join(work, "base.miff")
-    made(["convert", "-seed", "7", "-size", SIZE, "plasma:tomato-steelblue", base])
-    for name, options in {**JPEGS, **LOSSLESS}.items():
-        made(["convert", *[base if word == BASE[0] else word for word in options], os.path.join(folder, name)])
-    made(["exiftool", "-q", "-n", "-overwrite_original", "-Orientation=6", "-Artist=A name", "-XMP-dc:Title=A title",
-          *[os.path.join(folder, name) for name in ("turned.jpg", "turned.png")]])
-    made(["convert", "-delay", "10", "-size", SIZE, "xc:red", "xc:blue", os.path.join(folder, "moving.gif")])
-    made(["convert", "-size", SIZE, "xc:red", "xc:blue", "xc:green", os.path.join(folder, "pages.tif")])
-    made(["convert", base, os.path.join(work, "base.ppm")])
+def make_samples(work, folder):
+    make_pictures(work, folder, {**JPEGS, **LOSSLESS}, ("turned.jpg", "turned.png"), ("red", "blue", "green"))
+    made(["convert", os.path.join(work, "base.miff"), os.path.join(work, "base.ppm")])
     made(["cjpeg", "-arithmetic", "-outfile", os.path.join(folder, "arithmetic.jpg"), os.path.join(work, "base.ppm")])
-    with open(os.path.join(folder, "plain.jpg"), "rb") as file:
-        whole = file.read()
-    with open(os.path.join(folder, "cut.jpg"), "wb") as file:
-        file.write(whole[:len(whole) // 2])
     with open(os.path.join(folder, "letter.txt"), "w", encoding="ascii") as file:
         file.write("Dear all\n")
 
 
 def make_pdfs(options, page, source, target):
     os.mkdir(target)
-    result = run(options.wine_run, "--timeout", "120", "--", options.tool, page, windows(source), windows(target))
-    if result.returncode != 0:
-        sys.exit(f"topdf_tool ended with {result.returncode}: {result.stdout}{result.stderr}")
-    return {name: int(outcome) for name, outcome in (line.split("\t") for line in result.stdout.splitlines() if "\t" in line)}
-
-
-def check_outcomes(outcomes):
-    expected = {**{name: MADE for name in (*JPEGS, *LOSSLESS, "pages.tif", "arithmetic.jpg")}, "moving.gif": UNCHANGED,
-                "cut.jpg": DAMAGED, "letter.txt": UNSUPPORTED}
-    for name, outcome in expected.items():
-        check(outcomes.get(name) == outcome, f"{name}: outcome {outcomes.get(name)}, not {outcome}")
+    return outcomes_of(options, [page], source, target)
 
 
 def check_files(folder):
@@ -197,32 +152,28 @@ def check_cleaned(target):
         check(b"A name" not in file.read(), "the author is still in the cleaned PDF")
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--wine-run", required=True)
-    parser.add_argument("--tool", required=True)
-    options = parser.parse_args()
-    with tempfile.TemporaryDirectory() as work:
-        source, target, sheets = (os.path.join(work, name) for name in ("source", "target", "sheets"))
-        os.mkdir(source)
-        make_pictures(work, source)
-        check_outcomes(make_pdfs(options, "picture", source, target))
-        few = os.path.join(work, "few")
-        os.mkdir(few)
-        for name in ("plain.png", "turned.jpg"):
-            os.link(os.path.join(source, name), os.path.join(few, name))
-        make_pdfs(options, "a4", few, sheets)
-        check_files(target)
-        check_files(sheets)
-        check_jpegs(source, target, work)
-        check_samples(source, target, work)
-        check_likeness(source, target, work, "PSNR", 30, [name for name in (*JPEGS, *LOSSLESS) if "cmyk" not in name])
-        check_pages(target)
-        check_sheets(sheets)
-        check_cleaned(target)
-    print(f"{len(JPEGS) + len(LOSSLESS)} pictures looked at by qpdf, pdfimages, pdftoppm and convert; {len(failures)} failures")
-    return 1 if failures else 0
+def check_all(options, work):
+    source, target, sheets = (os.path.join(work, name) for name in ("source", "target", "sheets"))
+    os.mkdir(source)
+    make_samples(work, source)
+    check_outcomes(make_pdfs(options, "picture", source, target),
+                   {**{name: WRITTEN for name in (*JPEGS, *LOSSLESS, "pages.tif", "arithmetic.jpg")},
+                    "moving.gif": UNCHANGED, "cut.jpg": DAMAGED, "letter.txt": UNSUPPORTED})
+    few = os.path.join(work, "few")
+    os.mkdir(few)
+    for name in ("plain.png", "turned.jpg"):
+        os.link(os.path.join(source, name), os.path.join(few, name))
+    make_pdfs(options, "a4", few, sheets)
+    check_files(target)
+    check_files(sheets)
+    check_jpegs(source, target, work)
+    check_samples(source, target, work)
+    check_likeness(source, target, work, "PSNR", 30, [name for name in (*JPEGS, *LOSSLESS) if "cmyk" not in name])
+    check_pages(target)
+    check_sheets(sheets)
+    check_cleaned(target)
+    return f"{len(JPEGS) + len(LOSSLESS)} pictures looked at by qpdf, pdfimages, pdftoppm and convert"
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(check_all))
