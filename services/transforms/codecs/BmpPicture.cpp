@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "services/transforms/raster/ExifValues.h"
+#include "services/transforms/raster/Numbers.h"
 #include "services/transforms/raster/StampedRows.h"
 
 namespace transforms {
@@ -21,10 +22,9 @@ const std::size_t PixelsAt = 10, HeaderSizeAt = 14, WidthAt = 18, HeightAt = 22,
 const std::uint32_t Plain = 0, BitFields = 3, AlphaBitFields = 6;
 const std::uint32_t EmbeddedProfile = 0x4D424544;
 
-std::uint32_t Get(std::span<const std::uint8_t> bytes, std::size_t at, int count = 4) noexcept {
-    std::uint32_t value = 0;
-    for (int i = count - 1; i >= 0; --i) value = value << 8 | bytes[at + i];
-    return value;
+std::uint32_t Get(std::span<const std::uint8_t> bytes, std::size_t at,
+                  std::size_t count = 4) noexcept {
+    return StoredNumber(bytes.subspan(at, count), true);
 }
 
 void Set(std::span<std::uint8_t> bytes, std::size_t at, std::uint32_t value,

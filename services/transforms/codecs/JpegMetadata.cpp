@@ -1,7 +1,9 @@
 // Which marker segments are kept.
 #include "services/transforms/codecs/JpegMetadata.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -43,6 +45,17 @@ void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size,
         }
         jpeg_write_marker(&writer, marker->marker, data.data(), static_cast<unsigned>(data.size()));
     }
+}
+
+PictureBytes JpegProfile(JpegReader& reader) {
+    struct Free {
+        void operator()(JOCTET* bytes) const noexcept { std::free(bytes); }
+    };
+    JOCTET* bytes = nullptr;
+    unsigned size = 0;
+    if (!jpeg_read_icc_profile(&reader, &bytes, &size)) return {};
+    const std::unique_ptr<JOCTET, Free> owner(bytes);
+    return {bytes, bytes + size};
 }
 
 std::uint16_t JpegOrientation(const JpegReader& reader) noexcept {

@@ -14,6 +14,9 @@ void KeepMarkers(JpegReader& reader);
 // is left out, as those pictures are, and so is a thumbnail of a picture that looks different now.
 void CopyMarkers(const JpegReader& reader, JpegWriter& writer, PictureSize size, bool isStamped);
 
+// The colour profile; empty for none and for one that is damaged. After the header was read.
+PictureBytes JpegProfile(JpegReader& reader);
+
 // How the picture is shown, as ExifValues.h counts it. After the header was read.
 std::uint16_t JpegOrientation(const JpegReader& reader) noexcept;
 

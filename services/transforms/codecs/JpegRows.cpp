@@ -1,7 +1,5 @@
 #include "services/transforms/codecs/JpegRows.h"
 
-#include <cstdlib>
-
 #include "services/transforms/codecs/JpegLibrary.h"
 #include "services/transforms/codecs/JpegMetadata.h"
 
@@ -34,16 +32,7 @@ public:
         if (jpeg_.output_scanline == jpeg_.output_height) jpeg_finish_decompress(&jpeg_);
     }
 
-    PictureBytes Profile() {
-        struct Free {
-            void operator()(JOCTET* bytes) const { std::free(bytes); }
-        };
-        JOCTET* bytes = nullptr;
-        unsigned size = 0;
-        if (!jpeg_read_icc_profile(&jpeg_, &bytes, &size)) return {};
-        const std::unique_ptr<JOCTET, Free> owner(bytes);
-        return {bytes, bytes + size};
-    }
+    PictureBytes Profile() { return JpegProfile(jpeg_); }
 
     unsigned Orientation() const noexcept { return JpegOrientation(jpeg_); }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "services/transforms/raster/ExifValues.h"
+#include "services/transforms/raster/Numbers.h"
 
 namespace transforms {
 namespace {
@@ -19,10 +20,7 @@ const std::uint64_t SignatureSize = 8, HeaderSize = 8, ChecksumSize = 4;
 struct ChunkHeader {
     std::uint8_t bytes[8];
 
-    std::uint32_t Length() const noexcept {
-        return static_cast<std::uint32_t>(bytes[0]) << 24 | bytes[1] << 16 | bytes[2] << 8 |
-               bytes[3];
-    }
+    std::uint32_t Length() const noexcept { return BigEndian32(bytes); }
     std::string_view Type() const noexcept { return {reinterpret_cast<const char*>(bytes) + 4, 4}; }
 };
 

@@ -6,6 +6,8 @@
 
 #include <lcms2.h>
 
+#include "services/transforms/raster/Numbers.h"
+
 namespace transforms {
 namespace {
 
@@ -74,9 +76,7 @@ constexpr std::size_t kHeaderSize = 128, kSpaceAt = 16, kMarkAt = 36;
 ProfileSpace SpaceOfProfile(std::span<const std::uint8_t> profile) noexcept {
     if (profile.size() < kHeaderSize || std::memcmp(&profile[kMarkAt], "acsp", 4) != 0)
         return ProfileSpace::None;
-    const std::size_t size =
-        std::size_t{profile[0]} << 24 | profile[1] << 16 | profile[2] << 8 | profile[3];
-    if (size != profile.size()) return ProfileSpace::None;
+    if (BigEndian32(profile) != profile.size()) return ProfileSpace::None;
     const auto is = [&](const char* space) {
         return std::memcmp(&profile[kSpaceAt], space, 4) == 0;
     };

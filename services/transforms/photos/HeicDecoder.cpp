@@ -7,6 +7,7 @@
 #include "services/transforms/photos/CarriedExif.h"
 #include "services/transforms/photos/ColourProfile.h"
 #include "services/transforms/photos/HeifLibrary.h"
+#include "services/transforms/raster/Numbers.h"
 
 namespace transforms {
 namespace {
@@ -112,8 +113,7 @@ public:
         if (library_->heif_image_handle_get_metadata(picture_->Get(), id, bytes.data()).code != 0)
             return {};
         // The data are preceded by their offset from there.
-        const std::size_t offset =
-            std::size_t{bytes[0]} << 24 | bytes[1] << 16 | bytes[2] << 8 | bytes[3];
+        const std::size_t offset = BigEndian32(bytes);
         if (offset >= size - kOffsetSize) return {};
         return CarriedExif(std::span(bytes).subspan(kOffsetSize + offset), form_.size);
     }

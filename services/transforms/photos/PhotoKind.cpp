@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "services/transforms/photos/TiffDirectories.h"
+#include "services/transforms/raster/Numbers.h"
 
 namespace transforms {
 namespace {
@@ -59,8 +60,7 @@ bool HasBrand(std::string_view brands, std::string_view brand, bool hasToBeMajor
 
 PhotoForm FormOfContainer(std::string_view bytes) noexcept {
     if (!Begins(bytes, "....ftyp")) return {};
-    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
-    const std::size_t size = std::size_t{byte(0)} << 24 | byte(1) << 16 | byte(2) << 8 | byte(3);
+    const std::size_t size = BigEndian32({reinterpret_cast<const std::uint8_t*>(bytes.data()), 4});
     if (size < 16) return {};
     const std::string_view brands = bytes.substr(0, size).substr(8);
     for (const BrandRow& row : kBrands)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "services/transforms/raster/Numbers.h"
+
 namespace transforms {
 namespace {
 
@@ -31,10 +33,7 @@ TiffDirectories::TiffDirectories(PictureSource& source) : source_(source) {
 std::uint32_t TiffDirectories::Get(std::uint64_t at, std::size_t count) const {
     std::uint8_t bytes[4];
     if (ReadPicture(source_, at, {bytes, count}) != count) return 0;
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        value = value << 8 | bytes[isLittle_ ? count - 1 - i : i];
-    return value;
+    return StoredNumber({bytes, count}, isLittle_);
 }
 
 std::vector<TiffEntry> TiffDirectories::Entries(std::uint32_t offset) const {

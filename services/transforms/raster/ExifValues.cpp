@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "services/transforms/raster/Numbers.h"
+
 namespace transforms {
 namespace {
 
@@ -23,10 +25,8 @@ public:
         return at <= bytes_.size() && count <= bytes_.size() - at;
     }
     std::uint32_t Get(std::size_t at, int count) const noexcept {
-        std::uint32_t value = 0;
-        for (int i = 0; Has(at, count) && i < count; ++i)
-            value = value << 8 | bytes_[at + (little_ ? count - 1 - i : i)];
-        return value;
+        if (!Has(at, count)) return 0;
+        return StoredNumber(bytes_.subspan(at, static_cast<std::size_t>(count)), little_);
     }
 
 protected:

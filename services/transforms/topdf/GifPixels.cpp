@@ -5,6 +5,8 @@
 #include <array>
 #include <utility>
 
+#include "services/transforms/raster/Numbers.h"
+
 namespace transforms {
 namespace {
 
@@ -43,7 +45,7 @@ private:
     std::uint64_t offset_ = 0;
 };
 
-std::uint32_t Number(const std::uint8_t* bytes) noexcept { return bytes[0] | bytes[1] << 8; }
+std::uint32_t Number(const std::uint8_t* bytes) noexcept { return StoredNumber({bytes, 2}, true); }
 
 PictureBytes TakeColours(GifBytes& file, std::uint8_t flags) {
     if (!(flags & kHasColours)) return {};

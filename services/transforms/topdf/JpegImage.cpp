@@ -1,7 +1,6 @@
 #include "services/transforms/topdf/JpegImage.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -9,18 +8,6 @@
 
 namespace transforms {
 namespace {
-
-struct FreeBytes {
-    void operator()(void* bytes) const noexcept { std::free(bytes); }
-};
-
-PictureBytes ProfileOf(JpegReader& jpeg) {
-    JOCTET* bytes = nullptr;
-    unsigned size = 0;
-    if (!jpeg_read_icc_profile(&jpeg, &bytes, &size)) return {};
-    const std::unique_ptr<JOCTET, FreeBytes> owner(bytes);
-    return {bytes, bytes + size};
-}
 
 Resolution ResolutionOf(const JpegReader& jpeg) {
     constexpr std::string_view kExif("Exif\0\0", 6);
@@ -119,7 +106,7 @@ std::variant<JpegImage, PagePicture> ReadJpegImage(PictureSource& source,
     image.isInverted = image.samples == PhotoSamples::Cmyk && jpeg.saw_Adobe_marker;
     image.isConverted = jpeg.jpeg_color_space == JCS_YCbCr || jpeg.jpeg_color_space == JCS_YCCK;
     image.hasColourMark = jpeg.saw_Adobe_marker;
-    image.profile = ProfileOf(jpeg);
+    image.profile = JpegProfile(jpeg);
     image.orientation = JpegOrientation(jpeg);
     image.resolution = ResolutionOf(jpeg);
     const bool isArithmetic = jpeg.arith_code;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "services/transforms/raster/Numbers.h"
 #include "services/transforms/topdf/PdfOutput.h"
 
 namespace transforms {
@@ -66,12 +67,6 @@ std::string MatrixOf(const Sides& drawn, const Sides& page, unsigned orientation
     return text + "cm";
 }
 
-std::uint32_t Number(const PictureBytes& bytes, std::size_t at, bool isLittle) noexcept {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i) value = value << 8 | bytes[at + (isLittle ? 3 - i : i)];
-    return value;
-}
-
 double Ratio(const TiffDirectories& file, const std::vector<TiffEntry>& entries,
              std::uint32_t tag) {
     constexpr std::uint32_t kRatio = 5;
@@ -79,8 +74,10 @@ double Ratio(const TiffDirectories& file, const std::vector<TiffEntry>& entries,
     if (!entry || entry->type != kRatio || entry->count != 1) return 0;
     const PictureBytes value = file.Value(*entry);
     if (value.size() != 8) return 0;
-    const double below = Number(value, 4, file.IsLittleEndian());
-    return below == 0 ? 0 : Number(value, 0, file.IsLittleEndian()) / below;
+    const std::span<const std::uint8_t> numbers(value);
+    const bool isLittle = file.IsLittleEndian();
+    const double below = StoredNumber(numbers.last(4), isLittle);
+    return below == 0 ? 0 : StoredNumber(numbers.first(4), isLittle) / below;
 }
 
 } // namespace

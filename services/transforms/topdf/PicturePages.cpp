@@ -4,6 +4,7 @@
 
 #include "services/transforms/codecs/PngPicture.h"
 #include "services/transforms/photos/PhotoDecoders.h"
+#include "services/transforms/raster/Numbers.h"
 #include "services/transforms/topdf/GifPixels.h"
 #include "services/transforms/topdf/JpegImage.h"
 #include "services/transforms/topdf/PngProfile.h"
@@ -76,11 +77,8 @@ Resolution ResolutionOfBmp(PictureSource& source) {
     constexpr std::uint64_t kPlace = 38;
     std::uint8_t bytes[8] = {};
     if (ReadPicture(source, kPlace, bytes) != sizeof bytes) return {};
-    const auto number = [&](std::size_t at) {
-        return bytes[at] | bytes[at + 1] << 8 | bytes[at + 2] << 16 |
-               static_cast<std::uint32_t>(bytes[at + 3]) << 24;
-    };
-    return {number(0) * 0.0254, number(4) * 0.0254};
+    const std::span<const std::uint8_t> numbers(bytes);
+    return {LittleEndian32(numbers) * 0.0254, LittleEndian32(numbers.subspan(4)) * 0.0254};
 }
 
 Resolution ResolutionOf(const DecodedPhoto& photo) {

@@ -5,6 +5,8 @@
 
 #include <zlib.h>
 
+#include "services/transforms/raster/Numbers.h"
+
 namespace transforms {
 namespace {
 
@@ -13,11 +15,6 @@ const PictureBytes* Find(const PngChunks& chunks, const char* type) noexcept {
         return std::memcmp(chunk.type.data(), type, 4) == 0;
     });
     return found == chunks.kept.end() ? nullptr : &found->data;
-}
-
-std::uint32_t Number(const PictureBytes& bytes, std::size_t at) noexcept {
-    return std::uint32_t{bytes[at]} << 24 | bytes[at + 1] << 16 | bytes[at + 2] << 8 |
-           bytes[at + 3];
 }
 
 struct Inflater : z_stream {
@@ -64,7 +61,8 @@ Resolution ResolutionOfPng(const PngChunks& chunks) noexcept {
     constexpr std::size_t kSize = 9, kUnitAt = 8;
     const PictureBytes* const chunk = Find(chunks, "pHYs");
     if (!chunk || chunk->size() != kSize || (*chunk)[kUnitAt] != 1) return {};
-    return {Number(*chunk, 0) / kInchesAMetre, Number(*chunk, 4) / kInchesAMetre};
+    const std::span<const std::uint8_t> numbers(*chunk);
+    return {BigEndian32(numbers) / kInchesAMetre, BigEndian32(numbers.subspan(4)) / kInchesAMetre};
 }
 
 } // namespace transforms
