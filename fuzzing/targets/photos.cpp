@@ -14,7 +14,7 @@ constexpr std::uint32_t kEdge = 24;
 
 // Of a result; an empty one of none.
 PictureSize Checked(const PictureRun& made) {
-    if (made.outcome != PictureOutcome::Shrunk) return {};
+    if (made.outcome != PictureOutcome::Written) return {};
     MemorySource result(made.file);
     const PictureForm form = FormOfPicture(result, SmallLimits());
     Require(form.kind == PictureKind::Jpeg || form.kind == PictureKind::Png,
@@ -27,7 +27,7 @@ PictureRun Fit(std::span<const std::uint8_t> file) {
     return RunTwiceOnPicture(file, [](auto& source, auto& target) {
         return RunPictureWork([&] {
             ShrinkPhoto(source, target, {}, {.longestEdge = kEdge}, SmallLimits());
-            return PictureOutcome::Shrunk;
+            return PictureOutcome::Written;
         });
     });
 }

@@ -29,7 +29,7 @@ PictureForm FormOf(std::span<const std::uint8_t> file) {
 
 // A result has the file's kind.
 PictureRun Checked(std::span<const std::uint8_t> file, PictureRun made) {
-    const bool isMade = made.outcome == PictureOutcome::Shrunk;
+    const bool isMade = made.outcome == PictureOutcome::Written;
     Require(!isMade || FormOf(made.file).kind == FormOf(file).kind, "a result has the file's kind");
     return made;
 }
@@ -52,13 +52,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const std::span file(bytes, size);
     const ResizeRequest edge{ResizeAim::LongestEdge, kEdge, 80};
     const PictureRun shrunk = Shrink(file, edge);
-    if (shrunk.outcome == PictureOutcome::Shrunk) {
+    if (shrunk.outcome == PictureOutcome::Written) {
         const PictureSize made = FormOf(shrunk.file).size;
         Require(std::max(made.width, made.height) <= kEdge, "a result is within the aim");
         Require(Shrink(shrunk.file, edge).outcome == PictureOutcome::Unchanged, "and stays");
     }
     const PictureRun fitted = Shrink(file, {ResizeAim::Bytes, 200, 80});
-    Require(fitted.outcome != PictureOutcome::Shrunk || fitted.file.size() <= 200,
+    Require(fitted.outcome != PictureOutcome::Written || fitted.file.size() <= 200,
             "a result has no more bytes than asked for");
     Mark(file);
     return 0;

@@ -14,7 +14,7 @@ using namespace obcontract;
 PictureOutcome CanShrink(PictureSource& source, const PictureControl& control) {
     const PictureForm form = FormOfPicture(source, control);
     if (form.kind == PictureKind::None) return PictureOutcome::Unsupported;
-    return form.hasManyPictures ? PictureOutcome::Unchanged : PictureOutcome::Shrunk;
+    return form.hasManyPictures ? PictureOutcome::Unchanged : PictureOutcome::Written;
 }
 
 struct Asked {
@@ -79,7 +79,7 @@ std::optional<WorkEnd> FitWork::TakePicture(WorkRequest& request) {
 PictureOutcome FitWork::OpenPhoto(Added& added, const PhotoRequest& conversion) {
     const PictureControl control = watch_.Control();
     const PictureOutcome outcome = CanConvertPhoto(*added.file, conversion.kinds, control);
-    if (outcome != PictureOutcome::Shrunk) return outcome;
+    if (outcome != PictureOutcome::Written) return outcome;
     added.photoSize = SizeOfPhoto(*added.file, conversion, control);
     added.photo = std::make_unique<FittedPhoto>(conversion);
     return outcome;
@@ -103,7 +103,7 @@ std::optional<WorkEnd> FitWork::Add(WorkRequest& request) {
     if (!added.file->IsOpen()) return WorkEnd(WorkFailure::Unreadable);
     const PictureOutcome outcome = Open(added, asked->conversion);
     added.file->Rest();
-    if (outcome == PictureOutcome::Shrunk) sources_.push_back(std::move(added));
+    if (outcome == PictureOutcome::Written) sources_.push_back(std::move(added));
     return EndOfPicture(outcome, 0);
 }
 
@@ -122,7 +122,7 @@ std::optional<WorkEnd> FitWork::Search(WorkRequest& request) {
     current_ = {};
     fit_.emplace(Sources(), settings.mailLimit, settings.otherBytes, watch_.Control());
     const PictureOutcome outcome = fit_->Search();
-    if (outcome != PictureOutcome::Shrunk && outcome != PictureOutcome::Unchanged &&
+    if (outcome != PictureOutcome::Written && outcome != PictureOutcome::Unchanged &&
         outcome != PictureOutcome::CannotFit && fit_->failed() < sources_.size()) {
         Enter(static_cast<std::uint32_t>(fit_->failed()));
     }
@@ -134,7 +134,8 @@ std::optional<WorkEnd> FitWork::Write(WorkRequest& request) {
     if (!fit_ || settings.number >= sources_.size() || settings.reserved != 0) return {};
     FileTarget target(request.target.Get());
     PictureOutcome outcome = fit_->Write(settings.number, target);
-    if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
+    if (outcome == PictureOutcome::Written && !target.Flush())
+        outcome = PictureOutcome::WriteFailed;
     return EndOfPicture(outcome, target.Size());
 }
 

@@ -46,7 +46,8 @@ std::optional<WorkEnd> MakePdf(const WorkRequest& request, WorkChannel& channel)
     FileTarget target(request.target.Get());
     PictureWatch watch(channel);
     PictureOutcome outcome = MakePicturePdf(source, target, *asked, watch.Control());
-    if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
+    if (outcome == PictureOutcome::Written && !target.Flush())
+        outcome = PictureOutcome::WriteFailed;
     if (outcome == PictureOutcome::Unsupported && IsPhotoOf(source, kAllPhotoKinds) &&
         !channel.SendFinding("no-decoder", 1)) {
         return {};

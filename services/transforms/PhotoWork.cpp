@@ -51,7 +51,8 @@ std::optional<WorkEnd> ConvertPhotoFile(const WorkRequest& request, WorkChannel&
     FileTarget target(request.target.Get());
     PictureWatch watch(channel);
     PictureOutcome outcome = ConvertPhoto(source, target, *asked, watch.Control());
-    if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
+    if (outcome == PictureOutcome::Written && !target.Flush())
+        outcome = PictureOutcome::WriteFailed;
     if (outcome == PictureOutcome::Unsupported && IsPhotoOf(source, asked->kinds) &&
         !channel.SendFinding("no-decoder", 1)) {
         return {};

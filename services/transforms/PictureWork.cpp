@@ -50,7 +50,7 @@ constexpr FailureRow kFailures[] = {
 
 std::optional<WorkEnd> EndOfPicture(PictureOutcome outcome, std::uint64_t size) {
     switch (outcome) {
-    case PictureOutcome::Shrunk:
+    case PictureOutcome::Written:
         return WorkEnd(WorkOutcome::Changed, size);
     case PictureOutcome::Unchanged:
         return WorkEnd(WorkOutcome::Unchanged);
@@ -73,7 +73,8 @@ std::optional<WorkEnd> Resize(const WorkRequest& request, WorkChannel& channel) 
     FileTarget target(request.target.Get());
     PictureWatch watch(channel);
     PictureOutcome outcome = ResizePicture(source, target, *asked, watch.Control());
-    if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
+    if (outcome == PictureOutcome::Written && !target.Flush())
+        outcome = PictureOutcome::WriteFailed;
     return EndOfPicture(outcome, target.Size());
 }
 

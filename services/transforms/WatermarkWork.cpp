@@ -60,7 +60,8 @@ std::optional<WorkEnd> OnPicture(const WorkRequest& request, const Stamp& stamp,
                                  PictureWatch& watch) {
     FileTarget target(request.target.Get());
     PictureOutcome outcome = StampPicture(source, target, stamp, watch.Control());
-    if (outcome == PictureOutcome::Shrunk && !target.Flush()) outcome = PictureOutcome::WriteFailed;
+    if (outcome == PictureOutcome::Written && !target.Flush())
+        outcome = PictureOutcome::WriteFailed;
     return EndOfPicture(outcome, target.Size());
 }
 

@@ -45,7 +45,7 @@ PictureOutcome Convert(PictureSource& source, PictureTarget& target, const Photo
     auto photo = Decode(source, request, control);
     if (!photo) return PictureOutcome::Unchanged;
     Write(std::move(*photo), target, request, nullptr, control);
-    return PictureOutcome::Shrunk;
+    return PictureOutcome::Written;
 }
 
 bool HasManyPages(PictureSource& source, const PictureControl& control) {
@@ -71,7 +71,7 @@ PictureOutcome CanConvertPhoto(PictureSource& source, unsigned kinds,
     const PhotoForm form = PhotoFormOf(source);
     if ((static_cast<unsigned>(form.kind) & kinds) == 0) return PictureOutcome::Unsupported;
     return HasManyPictures(form, source, control) ? PictureOutcome::Unchanged
-                                                  : PictureOutcome::Shrunk;
+                                                  : PictureOutcome::Written;
 }
 
 // HEIC and WebP are decoded as a whole when their rows are opened.

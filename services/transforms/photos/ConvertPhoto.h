@@ -17,7 +17,7 @@ struct PhotoRequest {
     std::wstring heifLibrary;        // full path of the DLL, which may be missing
 };
 
-// Outcome Shrunk: the target is a whole JPEG or PNG, of 8 bits, upright, with the photo's colour
+// Outcome Written: the target is a whole JPEG or PNG, of 8 bits, upright, with the photo's colour
 // profile and what CarriedExif carries. Unchanged: an animation or a file of many pages.
 // Unsupported: another kind of file, or one that nothing here decodes. The target may have been
 // begun for Cancelled and the failures. Throws nothing. Uses a second thread for its time. Equal
@@ -25,7 +25,7 @@ struct PhotoRequest {
 PictureOutcome ConvertPhoto(PictureSource& source, PictureTarget& target,
                             const PhotoRequest& request, const PictureControl& control) noexcept;
 
-// Whether the file is a photo that ConvertPhoto converts, by its headers: Shrunk, Unchanged or
+// Whether the file is a photo that ConvertPhoto converts, by its headers: Written, Unchanged or
 // Unsupported as above, and whether anything here decodes it isn't looked at. Throws
 // PictureFailure.
 PictureOutcome CanConvertPhoto(PictureSource& source, unsigned kinds,

@@ -95,7 +95,7 @@ PictureOutcome MailFit::SearchStep() {
     pictures_ = std::move(best);
     step_ = *found;
     total_ = OtherBytes() + bestBytes;
-    return PictureOutcome::Shrunk;
+    return PictureOutcome::Written;
 }
 
 std::uint64_t MailFit::CodeAll(const ShrinkStep& step) {
@@ -144,7 +144,7 @@ PictureOutcome MailFit::Write(std::size_t number, PictureTarget& target) noexcep
             Make(picture, target, step_);
         else
             WritePicture(target, 0, picture.coded);
-        return PictureOutcome::Shrunk;
+        return PictureOutcome::Written;
     });
 }
 

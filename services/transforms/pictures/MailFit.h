@@ -39,7 +39,7 @@ public:
     MailFit(std::vector<FitSource> sources, std::uint64_t mailLimit, std::uint64_t otherBytes,
             const PictureControl& control);
 
-    // Writes nothing. Shrunk: a step was found; Unchanged: all fits as it is, which isn't known of
+    // Writes nothing. Written: a step was found; Unchanged: all fits as it is, which isn't known of
     // pictures with a stamp or a maker; CannotFit: neither, see below. Another outcome is that of
     // the picture failed(). Throws nothing. Takes as long as coding all pictures a few times.
     PictureOutcome Search() noexcept;
@@ -49,7 +49,7 @@ public:
     bool OthersAreTooMuch() const noexcept { return OtherBytes() > room_; }
     // All files that can't shrink, those among the sources included.
     std::uint64_t OtherBytes() const noexcept { return others_ + fixed_; }
-    // Of all files, after Shrunk and Unchanged.
+    // Of all files, after Written and Unchanged.
     std::uint64_t TotalBytes() const noexcept { return total_; }
     // The step that was found.
     const ShrinkStep& step() const noexcept { return step_; }

@@ -29,7 +29,7 @@ PictureOutcome ToSize(const PictureForm& form, PictureSource& source, PictureTar
                           .coarseness = CoarsenessOf(request.quality)};
     if (SizeAfter(form.size, step) == form.size) return PictureOutcome::Unchanged;
     ShrinkPicture(form.kind, source, target, step, control);
-    return PictureOutcome::Shrunk;
+    return PictureOutcome::Written;
 }
 
 PictureOutcome ToBytes(const PictureForm& form, PictureSource& source, PictureTarget& target,
@@ -48,7 +48,7 @@ PictureOutcome ToBytes(const PictureForm& form, PictureSource& source, PictureTa
     };
     if (!FindStep(longest, source.Size(), most, bytesAt)) return PictureOutcome::CannotFit;
     WritePicture(target, 0, best);
-    return PictureOutcome::Shrunk;
+    return PictureOutcome::Written;
 }
 
 } // namespace

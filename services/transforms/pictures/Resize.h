@@ -20,7 +20,7 @@ struct ResizeRequest {
     int quality = 90;
 };
 
-// Writes the target for Shrunk only, but may have begun to for Cancelled and the failures. A
+// Writes the target for Written only, but may have begun to for Cancelled and the failures. A
 // picture that meets the aim already is Unchanged, as is one that the aim by bytes would only make
 // larger. Throws nothing. Uses a second thread for its time.
 PictureOutcome ResizePicture(PictureSource& source, PictureTarget& target,

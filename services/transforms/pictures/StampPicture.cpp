@@ -12,7 +12,7 @@ PictureOutcome StampPicture(PictureSource& source, PictureTarget& target, const 
         if (form.hasManyPictures || !stamp.HasRoomIn(form.size)) return PictureOutcome::Unchanged;
         const ShrinkStep step{.coarseness = kCoarsenessOfStamped, .stamp = &stamp};
         ShrinkPicture(form.kind, source, target, step, control);
-        return PictureOutcome::Shrunk;
+        return PictureOutcome::Written;
     });
 }
 

@@ -10,7 +10,7 @@ namespace transforms {
 // Quality 96: finer than pictures are coded. JPEG keeps the coarser of its own tables and these.
 inline constexpr int kCoarsenessOfStamped = 8;
 
-// Writes the target for Shrunk only, but may have begun to for Cancelled and the failures. A lossy
+// Writes the target for Written only, but may have begun to for Cancelled and the failures. A lossy
 // picture is coded as finely as it was. Animations, files of many pages and pictures in which the
 // stamp has no room are Unchanged. Throws nothing. Uses a second thread for its time.
 PictureOutcome StampPicture(PictureSource& source, PictureTarget& target, const Stamp& stamp,

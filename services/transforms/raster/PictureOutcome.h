@@ -4,7 +4,7 @@
 namespace transforms {
 
 enum class PictureOutcome {
-    Shrunk,    // the target is whole
+    Written,   // the target is whole
     Unchanged, // the picture is within the aim already, or of a kind that passes: animated, of many
                // pages
     Unsupported, // no picture, or one of a form that isn't worked on; passes as well

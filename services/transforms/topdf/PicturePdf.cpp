@@ -48,7 +48,7 @@ PictureOutcome Make(PictureSource& source, PictureTarget& target, const PictureP
     if (!WritePictures(pdf, source, request.heifLibrary, pages, control))
         return PictureOutcome::Unchanged;
     pages.Finish();
-    return PictureOutcome::Shrunk;
+    return PictureOutcome::Written;
 }
 
 } // namespace

@@ -14,7 +14,7 @@ struct PicturePdfRequest {
     std::wstring heifLibrary; // full path of the DLL, which may be missing
 };
 
-// Outcome Shrunk: the target is a whole PDF. A JPEG is in it as it was, up to the picture's end;
+// Outcome Written: the target is a whole PDF. A JPEG is in it as it was, up to the picture's end;
 // other pictures have their pixels, alpha and depth, deflated. Profiles are kept, and the pages
 // show the pictures upright. Other data about a picture isn't carried, but for what is inside a
 // JPEG. Unchanged: an animation. Unsupported: no picture, or one that nothing here decodes; nothing

@@ -23,7 +23,7 @@ PictureOutcome OutcomeOf(const PictureBytes& file, const PictureControl& control
     } catch (const PictureFailure& failure) {
         return failure.outcome;
     }
-    return PictureOutcome::Shrunk;
+    return PictureOutcome::Written;
 }
 
 TEST(JpegPictureTest, ShrinksEachSamplingToWhatAnAverageGives) {
@@ -149,7 +149,7 @@ TEST(JpegPictureTest, RefusesMorePixelsOrMemoryThanTheLimits) {
     control.limits.pixels = 119'999;
     EXPECT_EQ(OutcomeOf(file, control), PictureOutcome::TooLarge);
     control.limits.pixels = 120'000;
-    EXPECT_EQ(OutcomeOf(file, control), PictureOutcome::Shrunk);
+    EXPECT_EQ(OutcomeOf(file, control), PictureOutcome::Written);
     control.limits.memory = 100'000;
     EXPECT_EQ(OutcomeOf(MakeJpeg(Photo(400, 300, 3), {.progressive = true}), control),
               PictureOutcome::TooLarge);

@@ -50,14 +50,14 @@ PictureBytes CmykTiff(const std::string& pixel, const PictureBytes& profile, uns
 // Red of the middle.
 int RedOf(const PictureBytes& tiff) {
     const auto photo = Convert(tiff);
-    EXPECT_EQ(photo.outcome, PictureOutcome::Shrunk);
-    return photo.outcome == PictureOutcome::Shrunk ? static_cast<int>(photo.Pixels().At(4, 4, 0))
-                                                   : -1;
+    EXPECT_EQ(photo.outcome, PictureOutcome::Written);
+    return photo.outcome == PictureOutcome::Written ? static_cast<int>(photo.Pixels().At(4, 4, 0))
+                                                    : -1;
 }
 
 TEST(ColourProfileTest, OfInksIsAppliedAndNotKept) {
     const auto photo = Convert(CmykTiff({'\0', '\0', '\0', '\xFF'}, PressProfile()));
-    ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk);
+    ASSERT_EQ(photo.outcome, PictureOutcome::Written);
     EXPECT_EQ(photo.Pixels().channels, 3u);
     EXPECT_EQ(photo.Profile(), "");
     // A lightness of 50.
@@ -97,7 +97,7 @@ TEST(ColourProfileTest, OfLabIsTheOneOfItsCoding) {
         for (int i = 0; i < 64; ++i) pixels += row.pixel;
         const auto photo =
             Convert(PlainTiff(8, 8, row.bits, 3, pixels, {ShortTag(262, {row.photometric})}));
-        ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk) << row.photometric;
+        ASSERT_EQ(photo.outcome, PictureOutcome::Written) << row.photometric;
         EXPECT_GT(photo.Pixels().At(4, 4, 0), 245u) << row.photometric << " " << row.bits;
         EXPECT_LT(photo.Pixels().At(4, 4, 1), 30u) << row.photometric << " " << row.bits;
         EXPECT_LT(photo.Pixels().At(4, 4, 2), 30u) << row.photometric << " " << row.bits;

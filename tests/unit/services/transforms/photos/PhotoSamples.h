@@ -23,7 +23,7 @@ struct ConvertedPhoto {
     // A result is a JPEG or a PNG.
     bool IsAsReported() const {
         const bool isJpeg = file.size() > 2 && file[0] == 0xFF && file[1] == 0xD8;
-        return outcome != transforms::PictureOutcome::Shrunk || isJpeg || IsPng();
+        return outcome != transforms::PictureOutcome::Written || isJpeg || IsPng();
     }
     Raster Pixels() const; // of a JPEG or a PNG
     std::string Exif() const;

@@ -48,14 +48,14 @@ TEST(PlatformPhoto, OfAPackedBmpBecomesAJpeg) {
         8,   0,   0, 0, 8, 1, 0, 1}; // a row of each, then the end
     file[2] = static_cast<std::uint8_t>(file.size());
     const auto photo = Convert(file);
-    ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk);
+    ASSERT_EQ(photo.outcome, PictureOutcome::Written);
     EXPECT_NEAR(static_cast<int>(photo.Pixels().At(4, 0, 1)), 200, 12);
     EXPECT_NEAR(static_cast<int>(photo.Pixels().At(4, 1, 0)), 200, 12);
 }
 
 TEST(PlatformPhoto, OfJpegXrBecomesAJpeg) {
     const auto photo = Convert(PhotoSample(L"stored1.jxr"));
-    ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk);
+    ASSERT_EQ(photo.outcome, PictureOutcome::Written);
     EXPECT_FALSE(photo.IsPng());
     ExpectQuarters(photo.Pixels());
 }
@@ -65,7 +65,7 @@ TEST(PlatformPhoto, IsTurnedOnceAndKeepsItsDate) {
         const auto photo = Convert(
             WithTags(PhotoSample(L"stored" + std::to_wstring(orientation) + L".jxr"),
                      {ShortTag(0x112, {orientation}), TextTag(0x132, "2024:05:06 07:08:09")}));
-        ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk);
+        ASSERT_EQ(photo.outcome, PictureOutcome::Written);
         ExpectQuarters(photo.Pixels());
         const std::string exif = photo.Exif();
         EXPECT_NE(exif.find("2024:05:06 07:08:09"), std::string::npos);
@@ -80,7 +80,7 @@ TEST(PlatformPhoto, BecomesAPngOnlyWithTransparentPixels) {
     EXPECT_FALSE(opaque.IsPng());
     ExpectQuarters(opaque.Pixels());
     const auto clear = Convert(PhotoSample(L"alpha.jxr"));
-    ASSERT_EQ(clear.outcome, PictureOutcome::Shrunk);
+    ASSERT_EQ(clear.outcome, PictureOutcome::Written);
     if (clear.IsPng()) {
         EXPECT_NEAR(static_cast<int>(clear.Pixels().At(10, 10, 3)), 100, 8);
         return;
@@ -98,11 +98,11 @@ TEST(PlatformPhoto, IsRefusedWhenItIsCutOrNone) {
     const auto file = PhotoSample(L"stored1.jxr");
     for (std::size_t tenths = 1; tenths < 9; tenths += 2) {
         const auto end = file.begin() + static_cast<std::ptrdiff_t>(file.size() * tenths / 10);
-        EXPECT_NE(Convert(PictureBytes(file.begin(), end)).outcome, PictureOutcome::Shrunk)
+        EXPECT_NE(Convert(PictureBytes(file.begin(), end)).outcome, PictureOutcome::Written)
             << tenths;
     }
     const std::string none = "II\xBC\1 and no picture after it";
-    EXPECT_NE(Convert({none.begin(), none.end()}).outcome, PictureOutcome::Shrunk);
+    EXPECT_NE(Convert({none.begin(), none.end()}).outcome, PictureOutcome::Written);
 }
 
 TEST(PlatformPhoto, IsRefusedWhenItHasTooManyPixels) {
@@ -118,7 +118,7 @@ TEST(PlatformPhoto, IsRefusedWhenItHasTooManyPixels) {
 
 TEST(PlatformPhoto, OfAvifPassesWithoutACodec) {
     const auto photo = Convert(PhotoSample(L"plain.avif"));
-    if (photo.outcome == PictureOutcome::Shrunk) {
+    if (photo.outcome == PictureOutcome::Written) {
         ExpectQuarters(photo.Pixels());
         return;
     }

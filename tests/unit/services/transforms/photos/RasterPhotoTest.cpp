@@ -52,7 +52,7 @@ const Maker kEveryKind[] = {
 TEST(RasterPhoto, OfEachKindBecomesAJpeg) {
     for (const auto& make : kEveryKind) {
         const auto photo = Convert(make());
-        ASSERT_EQ(photo.outcome, PictureOutcome::Shrunk);
+        ASSERT_EQ(photo.outcome, PictureOutcome::Written);
         EXPECT_FALSE(photo.IsPng());
         ExpectQuarters(photo.Pixels());
     }
@@ -172,14 +172,14 @@ TEST(RasterPhoto, OfATiffMayBeAFaxOrHaveAPalette) {
     std::string fax;
     for (int y = 0; y < 16; ++y) fax += {'\xFF', '\0'}; // 0 is white: the left half is black
     const auto page = Convert(PlainTiff(16, 16, 1, 1, fax, {ShortTag(262, {0})}));
-    ASSERT_EQ(page.outcome, PictureOutcome::Shrunk);
+    ASSERT_EQ(page.outcome, PictureOutcome::Written);
     EXPECT_LT(page.Pixels().At(3, 8, 0), 20u);
     EXPECT_GT(page.Pixels().At(12, 8, 0), 235u);
     std::vector<unsigned> colours(768, 0);
     colours[7] = 0xFFFF; // red of the colour 7
     const auto palette = Convert(PlainTiff(16, 16, 8, 1, std::string(256, '\7'),
                                            {ShortTag(262, {3}), ShortTag(320, colours)}));
-    ASSERT_EQ(palette.outcome, PictureOutcome::Shrunk);
+    ASSERT_EQ(palette.outcome, PictureOutcome::Written);
     EXPECT_GT(palette.Pixels().At(8, 8, 0), 245u);
     EXPECT_LT(palette.Pixels().At(8, 8, 1), 10u);
     const auto negative =
@@ -200,7 +200,7 @@ TEST(RasterPhoto, PassesWhenItsKindIsNotWanted) {
     PhotoRequest request = PhotoRequestOfTest();
     request.kinds = kAllPhotoKinds & ~static_cast<unsigned>(PhotoKind::Tiff);
     EXPECT_EQ(Convert(MakeTiff(Quarters()), request).outcome, PictureOutcome::Unsupported);
-    EXPECT_EQ(Convert(MakeBmpOf(Quarters()), request).outcome, PictureOutcome::Shrunk);
+    EXPECT_EQ(Convert(MakeBmpOf(Quarters()), request).outcome, PictureOutcome::Written);
 }
 
 TEST(RasterPhoto, PassesWhenItIsAJpegOrAPngUnderAnyName) {

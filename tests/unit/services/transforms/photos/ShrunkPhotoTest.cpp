@@ -35,7 +35,7 @@ ConvertedPhoto Shrink(const PictureBytes& file, const ShrinkStep& step,
     ConvertedPhoto photo;
     photo.outcome = RunPictureWork([&] {
         FittedPhoto(request).Make(source, target, step, {});
-        return PictureOutcome::Shrunk;
+        return PictureOutcome::Written;
     });
     photo.file = target.bytes;
     return photo;
@@ -88,7 +88,7 @@ TEST(ShrunkPhoto, IsTurnedOnceAndHasTheSizeOfTheStep) {
         const auto tiff =
             Shrink(MakeTiff(Quarters(orientation), {.orientation = static_cast<int>(orientation)}),
                    {.longestEdge = 48});
-        ASSERT_EQ(tiff.outcome, PictureOutcome::Shrunk);
+        ASSERT_EQ(tiff.outcome, PictureOutcome::Written);
         EXPECT_EQ(SizeOf(tiff), (PictureSize{48, 32})) << orientation;
         const Raster pixels = tiff.Pixels();
         EXPECT_GT(pixels.At(5, 5, 0), 190u) << orientation;   // red at the top left
@@ -148,7 +148,7 @@ TEST(ShrunkPhoto, IsRecognisedByItsHeaders) {
         MemorySource source(file);
         return CanConvertPhoto(source, kinds, {});
     };
-    EXPECT_EQ(can(MakeTiff(Quarters())), PictureOutcome::Shrunk);
+    EXPECT_EQ(can(MakeTiff(Quarters())), PictureOutcome::Written);
     EXPECT_EQ(can(MakeTiff(Quarters(), {.pages = 2})), PictureOutcome::Unchanged);
     EXPECT_EQ(can(MakeWebp(Quarters(), {.frames = 2})), PictureOutcome::Unchanged);
     EXPECT_EQ(can(MakeJpeg(Quarters())), PictureOutcome::Unsupported);

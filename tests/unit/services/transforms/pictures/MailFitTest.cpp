@@ -45,7 +45,7 @@ std::uint64_t Written(MailFit& fit, const Files& files) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         MemoryTarget target;
         const auto outcome = fit.Write(i, target);
-        EXPECT_EQ(outcome, fit.IsShrunk(i) ? PictureOutcome::Shrunk : PictureOutcome::Unchanged);
+        EXPECT_EQ(outcome, fit.IsShrunk(i) ? PictureOutcome::Written : PictureOutcome::Unchanged);
         sum += fit.IsShrunk(i) ? target.bytes.size() : files[i].size();
     }
     return sum;
@@ -140,7 +140,7 @@ Shown CheckRandomSet(unsigned seed) {
         EXPECT_GT(SmallestBytes(files, others), room) << seed;
         return Shown::NothingFits;
     }
-    EXPECT_EQ(outcome, PictureOutcome::Shrunk) << seed;
+    EXPECT_EQ(outcome, PictureOutcome::Written) << seed;
     return CheckShrunk(fit, files, room, others, seed);
 }
 
@@ -202,7 +202,7 @@ TEST(MailFitTest, LeavesAnimationsManyPagesAndOtherFilesAsTheyAre) {
     files.Add(MakeWebp(Photo(200, 150, 3), {.frames = 2}));
     files.Add(PictureBytes(2000, 'x'));
     MailFit fit(files.Sources(), MailLimit(files.Bytes() - files[0].size() / 2), 0, {});
-    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    ASSERT_EQ(fit.Search(), PictureOutcome::Written);
     EXPECT_TRUE(fit.IsShrunk(0));
     for (std::size_t i = 1; i < 4; ++i) EXPECT_FALSE(fit.IsShrunk(i)) << i;
 }
@@ -211,7 +211,7 @@ TEST(MailFitTest, UsesOneSizeForAllPictures) {
     Files files;
     for (unsigned i = 0; i < 3; ++i) files.Add(MakePng(Photo(400 + 50 * i, 300, 3, 8, i)));
     MailFit fit(files.Sources(), MailLimit(files.Bytes() / 3), 0, {});
-    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    ASSERT_EQ(fit.Search(), PictureOutcome::Written);
     for (std::size_t i = 0; i < 3; ++i) {
         MemoryTarget target;
         fit.Write(i, target);
@@ -246,7 +246,7 @@ TEST(MailFitTest, GivesEqualBytesForEqualPictures) {
     PictureBytes first;
     for (int i = 0; i < 2; ++i) {
         MailFit fit(files.Sources(), MailLimit(files.Bytes() / 2), 0, {});
-        ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+        ASSERT_EQ(fit.Search(), PictureOutcome::Written);
         MemoryTarget target;
         fit.Write(0, target);
         if (i) {
@@ -294,13 +294,13 @@ TEST(MailFitTest, StampsAndCodesEachPictureOnceFromItsUnshrunkCopy) {
     auto sources = files.Sources();
     for (auto& source : sources) source.stamp = &bar;
     MailFit fit(sources, MailLimit(files.Bytes() / 3), 0, {});
-    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    ASSERT_EQ(fit.Search(), PictureOutcome::Written);
     EXPECT_LE(fit.TotalBytes(), files.Bytes() / 3);
     ShrinkStep step = fit.step();
     step.stamp = &bar;
     for (std::size_t i = 0; i < files.size(); ++i) {
         MemoryTarget target;
-        ASSERT_EQ(fit.Write(i, target), PictureOutcome::Shrunk);
+        ASSERT_EQ(fit.Write(i, target), PictureOutcome::Written);
         EXPECT_EQ(target.bytes, CodedOnce(files[i], step));
     }
 }
@@ -314,7 +314,7 @@ TEST(MailFitTest, LosesLessThanAStampThatIsCodedBeforeTheFit) {
     auto sources = files.Sources();
     sources[0].stamp = &bar;
     MailFit fit(sources, MailLimit(files.Bytes() / 4), 0, {});
-    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    ASSERT_EQ(fit.Search(), PictureOutcome::Written);
     MemoryTarget once;
     fit.Write(0, once);
     ShrinkStep whole{.coarseness = kCoarsenessOfStamped, .stamp = &bar};
@@ -338,7 +338,7 @@ TEST(MailFitTest, WritesAPictureWithAStampEvenIfItTakesMoreBytes) {
     auto sources = files.Sources();
     for (auto& source : sources) source.stamp = &bar;
     MailFit fit(sources, MailLimit(files.Bytes() - 1000), 0, {});
-    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    ASSERT_EQ(fit.Search(), PictureOutcome::Written);
     EXPECT_TRUE(fit.IsShrunk(0));
     EXPECT_TRUE(fit.IsShrunk(1));
     EXPECT_FALSE(fit.IsShrunk(2));
@@ -353,9 +353,9 @@ TEST(MailFitTest, CodesPicturesWithAStampEvenIfTheFilesFit) {
     auto sources = files.Sources();
     sources[0].stamp = &bar;
     MailFit fit(sources, MailLimit(2 * files.Bytes()), 0, {});
-    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    ASSERT_EQ(fit.Search(), PictureOutcome::Written);
     MemoryTarget target;
-    EXPECT_EQ(fit.Write(0, target), PictureOutcome::Shrunk);
+    EXPECT_EQ(fit.Write(0, target), PictureOutcome::Written);
     // No finer than the stamp alone would be coded.
     MemorySource source(files[0]);
     MemoryTarget alone;
@@ -374,12 +374,12 @@ TEST(MailFitTest, WritesWhatItHasCodedInTheSearch) {
         source.madeSize = {1000, 800};
     }
     MailFit fit(sources, MailLimit(20'000), 0, {});
-    ASSERT_EQ(fit.Search(), PictureOutcome::Shrunk);
+    ASSERT_EQ(fit.Search(), PictureOutcome::Written);
     const int tried = maker.made;
     EXPECT_EQ(tried % 3, 0);
     for (std::size_t i = 0; i < 3; ++i) {
         MemoryTarget target;
-        EXPECT_EQ(fit.Write(i, target), PictureOutcome::Shrunk);
+        EXPECT_EQ(fit.Write(i, target), PictureOutcome::Written);
         EXPECT_EQ(target.bytes[0], 'm');
     }
     EXPECT_EQ(maker.made, tried);

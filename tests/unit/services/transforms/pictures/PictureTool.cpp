@@ -118,7 +118,7 @@ int FitAll(std::uint64_t limit, std::uint64_t others, const std::wstring& from,
     Report(L"fit", outcome);
     printf("total\t%llu\nroom\t%llu\n", static_cast<unsigned long long>(fit.TotalBytes()),
            static_cast<unsigned long long>(RoomForFiles(limit)));
-    for (std::size_t i = 0; outcome == PictureOutcome::Shrunk && i < names.size(); ++i) {
+    for (std::size_t i = 0; outcome == PictureOutcome::Written && i < names.size(); ++i) {
         FileTarget target(to + L"\\" + names[i]);
         Report(names[i], fit.Write(i, target));
     }

@@ -22,7 +22,7 @@ PictureOutcome Resize(const PictureBytes& file, PictureBytes& result,
 
 PictureBytes Shrunk(const PictureBytes& file, unsigned edge = 90) {
     PictureBytes result;
-    EXPECT_EQ(Resize(file, result, {.value = edge}), PictureOutcome::Shrunk);
+    EXPECT_EQ(Resize(file, result, {.value = edge}), PictureOutcome::Written);
     return result;
 }
 

@@ -28,7 +28,7 @@ Result Resize(const PictureBytes& file, const ResizeRequest& request) {
 
 TEST(ResizeTest, MakesTheLongestEdgeAsLongAsAsked) {
     const auto result = Resize(MakeJpeg(Photo(300, 400, 3)), {ResizeAim::LongestEdge, 200});
-    EXPECT_EQ(result.outcome, PictureOutcome::Shrunk);
+    EXPECT_EQ(result.outcome, PictureOutcome::Written);
     const auto read = ParseJpeg(result.bytes);
     EXPECT_EQ(read.raster.width, 150u);
     EXPECT_EQ(read.raster.height, 200u);
@@ -63,7 +63,7 @@ TEST(ResizeTest, KeepsToTheBytesAskedForAndUsesNearlyAll) {
         for (unsigned percent : {90u, 60u, 35u}) {
             const std::uint64_t most = file.size() * percent / 100;
             const auto result = Resize(file, {ResizeAim::Bytes, most});
-            EXPECT_EQ(result.outcome, PictureOutcome::Shrunk);
+            EXPECT_EQ(result.outcome, PictureOutcome::Written);
             EXPECT_LE(result.bytes.size(), most) << int(file[0]) << " " << percent;
             EXPECT_GE(result.bytes.size(), most * 85 / 100) << int(file[0]) << " " << percent;
         }
@@ -134,7 +134,7 @@ TEST(ResizeTest, PassesPicturesOfAFormThatIsNotWorkedOn) {
     // The makers make pictures that are worked on, but for the form.
     for (const PictureBytes& file :
          {PlainTiff({}), PlainTiff({.samples = 2}), BmpOf(3, 24, 0), BmpOf(1, 8, 0)})
-        EXPECT_EQ(Resize(file, request).outcome, PictureOutcome::Shrunk);
+        EXPECT_EQ(Resize(file, request).outcome, PictureOutcome::Written);
     const std::pair<const char*, PictureBytes> rows[] = {
         {"TIFF with a palette", PlainTiff({.photometric = 3})},
         {"TIFF with separate planes", PlainTiff({.samples = 2, .planes = 2})},

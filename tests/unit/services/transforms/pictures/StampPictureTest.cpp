@@ -50,7 +50,7 @@ PictureOutcome OutcomeOf(const PictureBytes& file, const Stamp& stamp, PictureBy
 
 PictureBytes Stamped(const PictureBytes& file, const Stamp& stamp) {
     PictureBytes result;
-    EXPECT_EQ(OutcomeOf(file, stamp, result), PictureOutcome::Shrunk);
+    EXPECT_EQ(OutcomeOf(file, stamp, result), PictureOutcome::Written);
     return result;
 }
 

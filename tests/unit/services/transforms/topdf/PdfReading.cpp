@@ -81,7 +81,7 @@ std::vector<PagedPicture> ReadPdf(const PictureBytes& file) {
 }
 
 PagedPicture MadePdf::Page() const {
-    EXPECT_EQ(outcome, PictureOutcome::Shrunk);
+    EXPECT_EQ(outcome, PictureOutcome::Written);
     const auto pages = Pages();
     EXPECT_EQ(pages.size(), 1u);
     return pages.at(0);

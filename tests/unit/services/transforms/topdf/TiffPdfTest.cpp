@@ -27,7 +27,7 @@ TEST(TiffPdf, HasTheSamplesInEachForm) {
 
 TEST(TiffPdf, HasAPageForEachPageInOrder) {
     const auto made = MakePdf(MakeTiff(Photo(61, 43, 3), {.pages = 3}));
-    ASSERT_EQ(made.outcome, PictureOutcome::Shrunk);
+    ASSERT_EQ(made.outcome, PictureOutcome::Written);
     const auto pages = made.Pages();
     ASSERT_EQ(pages.size(), 3u);
     for (const auto& page : pages) EXPECT_EQ(page.samples, TextOf(Photo(61, 43, 3).bytes));

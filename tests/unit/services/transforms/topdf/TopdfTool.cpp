@@ -43,7 +43,7 @@ void MakeOne(const std::wstring& name, const std::wstring& from, const std::wstr
     MemoryTarget target;
     const PictureOutcome outcome = MakePicturePdf(source, target, request, {});
     printf("%ls\t%d\n", name.c_str(), static_cast<int>(outcome));
-    if (outcome != PictureOutcome::Shrunk) return;
+    if (outcome != PictureOutcome::Written) return;
     WriteFileBytes(to + L"\\" + name + L".pdf", target.bytes.data(), target.bytes.size());
     const CleanedFile clean = CleanFile(std::as_bytes(std::span(target.bytes)));
     if (clean.outcome == CleanOutcome::Cleaned)

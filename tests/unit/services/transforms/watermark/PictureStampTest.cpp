@@ -32,7 +32,7 @@ PictureOutcome RefusalOf(const PictureBytes& file) {
     } catch (const PictureFailure& failure) {
         return failure.outcome;
     }
-    return PictureOutcome::Shrunk;
+    return PictureOutcome::Written;
 }
 
 using Colour = std::array<int, 4>;
@@ -155,7 +155,8 @@ TEST(StampFile, IsRefusedWhereItCantBeUsed) {
 
 // Although the system or a library could decode it.
 TEST(StampFile, IsNoPhotoOfAnotherKind) {
-    ASSERT_EQ(obtest::Convert(obtest::PhotoSample(L"stored1.jxr")).outcome, PictureOutcome::Shrunk);
+    ASSERT_EQ(obtest::Convert(obtest::PhotoSample(L"stored1.jxr")).outcome,
+              PictureOutcome::Written);
     for (const wchar_t* name : {L"stored1.jxr", L"plain.heic", L"plain.avif", L"moving.heic"})
         EXPECT_EQ(RefusalOf(obtest::PhotoSample(name)), PictureOutcome::Unsupported) << name;
 }
