@@ -1,6 +1,7 @@
 // PDFs: the input's lines that begin with "%%" end an object each, so that the table of objects is
 // right whatever they are. Cleaned: what is found is what is removed, and a result is clean.
-// Combined with itself: the result is a PDF that can be combined again.
+// Without dates: so again, nothing changes. Combined with itself: the result is a PDF that can be
+// combined again.
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -8,6 +9,7 @@
 #include "fuzzing/support/Require.h"
 #include "services/transforms/combine/PdfCombine.h"
 #include "services/transforms/documents/AnyFile.h"
+#include "services/transforms/documents/PdfDates.h"
 
 using namespace transforms;
 
@@ -60,6 +62,22 @@ void CheckCleaned(personal::Bytes file) {
     Require(twice.outcome == CleanOutcome::NothingFound, "nothing is removed from a result");
 }
 
+// Nothing when the file can't be read as what another program made.
+personal::OwnedBytes WithoutDates(personal::Bytes file) {
+    const personal::Analysis analysis = documents::RemovePdfDates(file, {});
+    personal::OwnedBytes made;
+    if (OutcomeOf(analysis) != CleanOutcome::Cleaned) return made;
+    for (const personal::Bytes part : analysis.parts.Parts())
+        made.insert(made.end(), part.begin(), part.end());
+    return made;
+}
+
+void CheckWithoutDates(personal::Bytes file) {
+    const personal::OwnedBytes made = WithoutDates(file);
+    Require(WithoutDates(file) == made, "equal files give equal files without dates");
+    Require(made.empty() || WithoutDates(made) == made, "a file without dates stays as it is");
+}
+
 class Kept final : public combine::PdfSink {
 public:
     bool Write(personal::Bytes bytes) override {
@@ -87,6 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const std::string pdf = PdfOf({reinterpret_cast<const char*>(bytes), size});
     const personal::Bytes file = std::as_bytes(std::span(pdf));
     CheckCleaned(file);
+    CheckWithoutDates(file);
     const personal::OwnedBytes twice = Combined(file);
     Require(Combined(file) == twice, "equal parts give equal files");
     Require(twice.empty() || !Combined(twice).empty(), "a result can be combined again");
