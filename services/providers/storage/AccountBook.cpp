@@ -14,6 +14,7 @@ namespace {
 constexpr wchar_t kLabelValue[] = L"Label";
 constexpr wchar_t kOrderValue[] = L"Order";
 constexpr std::size_t kLongestText = 2000;
+constexpr std::uint64_t kHighestOrder = 1'000'000'000; // more is a foreign value
 
 struct OrderedAccount {
     std::uint64_t order = 0;
@@ -38,17 +39,16 @@ ObLib::UniqueRegistryKey OpenAccount(HKEY hive, const std::wstring& providerPath
     return ObLib::OpenRegistryKey(hive, (providerPath + L'\\' + accountKey).c_str(), access);
 }
 
-// All accounts of a provider, oldest first. Of equal age the order of the keys decides, so that two
-// reads have one order.
+// All accounts of a provider, oldest first; one without a readable order counts as the oldest. Of
+// equal age the order of the keys decides, so that two reads have one order.
 std::vector<OrderedAccount> AllAccounts(HKEY hive, const std::wstring& providerPath) {
     std::vector<OrderedAccount> accounts;
     for (const std::wstring& name : SubkeyNames(hive, providerPath)) {
         const auto key = OpenAccount(hive, providerPath, name, KEY_QUERY_VALUE);
         const auto label = key ? ReadText(key.Get(), kLabelValue, kLongestText) : std::nullopt;
         if (!label) continue;
-        // Without a readable order it is the oldest.
         const std::uint64_t order = ReadNumber(key.Get(), kOrderValue).value_or(0);
-        accounts.push_back({order, {name, ShortLabel(*label)}});
+        accounts.push_back({order <= kHighestOrder ? order : 0, {name, ShortLabel(*label)}});
     }
     std::ranges::sort(accounts, [](const OrderedAccount& one, const OrderedAccount& other) {
         return std::pair(one.order, one.account.key) < std::pair(other.order, other.account.key);

@@ -130,7 +130,9 @@ Bool ProviderInstance::RunUpload(UploadList* list, HWND owner, const wchar_t* ti
                                  void*) {
     const auto kept = shared_from_this();
     const auto own = Find(list);
-    if (!own || !title || !body) return false;
+    if (!own) return false;
+    run_->errors.SetSentence(own->accountKey, {}); // until the upload knows better
+    if (!title || !body) return false;
     return UploadFiles(*run_, *own, callback_, {title, body}, owner);
 }
 

@@ -93,8 +93,9 @@ enum class DeletionEnd {
     Unreachable, // to be tried again in a later run
 };
 
-// One instance a manager. Where nothing else is stated a function is called on the thread that owns
-// the dialogs. `ended` is an event: once it is set, the function returns soon. May throw; the
+// One instance a manager, destroyed on any thread once the session has ended and none of its
+// functions runs any more. Where nothing else is stated a function is called on the thread that
+// owns the dialogs. `ended` is an event: once it is set, the function returns soon. May throw; the
 // caller takes that as a failure without a sentence.
 class StorageProvider {
 public:

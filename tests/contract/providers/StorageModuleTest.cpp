@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "OBCore/modules/ProviderLibrary.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -111,6 +113,30 @@ TEST_F(StorageModule, HasNoTextsOfAnInstanceAfterDeinit) {
     EXPECT_STREQ(text, L"");
     EXPECT_EQ(Entries().GetBitmap(provider, 1, 0), nullptr);
     Entries().DeleteDownloadList(provider, nullptr);
+}
+
+TEST_F(StorageModule, DrawsAnIconWithTransparentPixels) {
+    FakeModules::Answer(L"provider7.GetBitmap", L"1");
+    const ProviderManagerHandle manager = Begin();
+    const ObLib::UniqueBitmap bitmap(Entries().GetBitmap(Seven(manager), 1, 3));
+    ASSERT_TRUE(bitmap);
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof(info.bmiHeader), 32, -32, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    std::vector<std::uint8_t> pixels(32 * 32 * 4);
+    const HDC dc = GetDC(nullptr);
+    ASSERT_EQ(GetDIBits(dc, bitmap.Get(), 0, 32, pixels.data(), &info, DIB_RGB_COLORS), 32);
+    ReleaseDC(nullptr, dc);
+    std::size_t clear = 0;
+    std::size_t solid = 0;
+    for (std::size_t at = 0; at < pixels.size(); at += 4) {
+        const std::uint8_t alpha = pixels[at + 3];
+        clear += alpha == 0;
+        solid += alpha == 255;
+        EXPECT_LE(pixels[at], alpha); // premultiplied
+    }
+    EXPECT_GT(clear, 50u);
+    EXPECT_GT(solid, 200u);
+    End(manager);
 }
 
 TEST_F(StorageModule, HasATextWithTheFilesNameForACancelledOrFailedUpload) {

@@ -215,6 +215,12 @@ TEST_F(AccountBookTest, TakesAnAccountWithoutAReadableOrderAsTheOldest) {
     EXPECT_EQ(Labels(), (std::vector<std::wstring>{L"two", L"one"}));
 }
 
+TEST_F(AccountBookTest, AddsTheNewestAlsoAfterAForeignOrder) {
+    SetOrder(Add(L"one"), ~0ull);
+    Add(L"two");
+    EXPECT_EQ(Labels(), (std::vector<std::wstring>{L"one", L"two"}));
+}
+
 TEST_F(AccountBookTest, LeavesOutKeysThatItCantHaveMade) {
     for (const wchar_t* name :
          {L"account", L"{01234567-89ab-cdef-0123-456789abcdef}",

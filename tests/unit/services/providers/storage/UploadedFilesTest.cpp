@@ -199,6 +199,7 @@ TEST_F(UploadedFiles, NeedTextsThatArentNull) {
         On::RunUpload::Call(Seven(), list, nullptr, nullptr, L"body", 1, 0, 1, 1, 1, nullptr));
     EXPECT_FALSE(
         On::RunUpload::Call(Seven(), list, nullptr, L"title", nullptr, 1, 0, 1, 1, 1, nullptr));
+    EXPECT_EQ(Error(key_), kFailed);
     EXPECT_TRUE(Run(list));
 }
 
