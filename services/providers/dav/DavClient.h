@@ -56,6 +56,9 @@ public:
     // move whose reply is lost is looked up; `size` is that of the file.
     std::optional<DavError> Move(const HttpUrl& from, const HttpUrl& to, std::uint64_t size) const;
 
+    // Whether a move of a file of this size has happened: its old name is gone, the new one there.
+    DavResult<bool> HasMoved(const HttpUrl& from, const HttpUrl& to, std::uint64_t size) const;
+
     // Deletes a file whose version is still this one.
     DavResult<DavDeletion> Delete(const HttpUrl& url, const std::string& version) const;
     // Deletes what this client has stored itself, whatever its version.
@@ -76,7 +79,6 @@ public:
 private:
     DavResult<std::vector<DavItem>> Find(const HttpUrl& url, const char* depth) const;
     std::optional<DavError> MakeFolder(const HttpUrl& url) const;
-    DavResult<bool> HasMoved(const HttpUrl& from, const HttpUrl& to, std::uint64_t size) const;
 
     const HttpSession& session_;
     const HttpLogin& login_;

@@ -1,0 +1,204 @@
+#include "services/providers/webdav/DavUpload.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ObLib/Src/Win32/LongPath.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/dav/DavTransfer.h"
+#include "services/providers/http/Utf8.h"
+#include "services/providers/storage/GuidText.h"
+#include "services/providers/webdav/DavSentence.h"
+
+namespace providers {
+namespace {
+
+// A server that doesn't respond isn't waited for when there is only something to clear up.
+constexpr HttpTimes kTimesOfClearing{3'000, 3'000, 3'000};
+constexpr DavPatience kPatienceOfClearing{0, 0, 0, 0};
+
+// What backslashes separate, in UTF-8.
+std::vector<std::string> PartsOf(const std::wstring& folder) {
+    std::vector<std::string> parts;
+    for (std::size_t at = 0; at < folder.size();) {
+        const std::size_t end = std::min(folder.find(L'\\', at), folder.size());
+        if (end > at) parts.push_back(ToUtf8(std::wstring_view(folder).substr(at, end - at)));
+        at = end + 1;
+    }
+    return parts;
+}
+
+DavError Unreadable(DWORD code) { return DavErrorOf(HttpError{HttpFault::FileUnreadable, code}); }
+DavError NameIsTaken() { return {DavFault::Taken, 412, {}, std::nullopt}; }
+
+std::uint64_t Joined(DWORD high, DWORD low) { return static_cast<std::uint64_t>(high) << 32 | low; }
+
+// A name that nobody else uses; empty when none can be made.
+std::string OwnName() {
+    const std::string guid = ToUtf8(NewGuidText());
+    return guid.size() < 3 ? "" : "upload-" + guid.substr(1, guid.size() - 2) + ".tmp";
+}
+
+UploadResult Ended(const DavError& error, const DavAccess& access, const std::wstring& name) {
+    if (error.fault == DavFault::Taken) return {UploadEnd::NameTaken, {}, {}};
+    if (IsHttp(error, HttpFault::Cancelled)) return {UploadEnd::Cancelled, {}, {}};
+    return {UploadEnd::Failed, {}, DavUploadSentence(error, access.root.origin, name)};
+}
+
+bool IsBelow(const HttpUrl& url, const HttpUrl& root) {
+    return url.origin == root.origin && url.path.size() > root.path.size() &&
+           url.path.starts_with(root.path);
+}
+
+} // namespace
+
+DavUpload::DavUpload(const HttpSession& session, const DavPatience& patience)
+    : session_(session), patience_(patience) {}
+
+std::optional<DavUpload::Source> DavUpload::SourceOf(HANDLE file) {
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (!GetFileInformationByHandle(file, &info)) return std::nullopt;
+    return Source{Joined(info.nFileIndexHigh, info.nFileIndexLow), info.dwVolumeSerialNumber,
+                  Joined(info.nFileSizeHigh, info.nFileSizeLow),
+                  Joined(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime)};
+}
+
+// Goes on with the same file; another one takes its place.
+void DavUpload::Begin(const DavAccess& access, const Source& source) {
+    if (unfinished_ &&
+        (unfinished_->source != source || unfinished_->url.origin != access.root.origin))
+        Discard(access);
+    if (unfinished_) return;
+    unfinished_ = Unfinished{source, {}};
+    mayBeStored_ = false;
+}
+
+DavResult<HttpUrl> DavUpload::Folder(const DavClient& client, const DavAccess& access,
+                                     const UploadFile& file) const {
+    return client.MakeFolders(access.root, PartsOf(file.folder));
+}
+
+DavResult<StoredFile> DavUpload::Try(const DavAccess& access, const UploadFile& file, HANDLE source,
+                                     UploadProgress& progress) {
+    const DavClient client(session_, access.login, progress.Cancelled(), patience_);
+    const auto folder = Folder(client, access, file);
+    if (const auto* error = std::get_if<DavError>(&folder)) return *error;
+    const HttpUrl target = UrlBelow(std::get<HttpUrl>(folder), ToUtf8(file.name));
+    const auto taken = client.Look(target);
+    if (std::holds_alternative<DavItem>(taken)) return NameIsTaken();
+    if (std::get<DavError>(taken).fault != DavFault::NotFound) return std::get<DavError>(taken);
+
+    const std::uint64_t size = unfinished_->source.size;
+    const bool resumes = mayBeStored_;
+    if (!resumes) {
+        const std::string name = OwnName();
+        if (name.empty()) return DavErrorOf(HttpError{HttpFault::Failed, ERROR_GEN_FAILURE});
+        unfinished_->url = UrlBelow(std::get<HttpUrl>(folder), name);
+    }
+    mayBeStored_ = true;
+    DavTransfer transfer(client, unfinished_->url, {source, size},
+                         [&](std::uint64_t sent) { progress.Show(sent, size); });
+    if (const auto error = transfer.Run(resumes)) return *error;
+    moving_ = target;
+    if (const auto error = client.Move(unfinished_->url, target, size)) {
+        if (!MayHaveActed(*error) && !IsHttp(*error, HttpFault::Cancelled)) moving_.reset();
+        return *error;
+    }
+    return Stored(client, target, file.name, size);
+}
+
+// The file is there, whatever the look brings. Without a version it is never deleted.
+StoredFile DavUpload::Stored(const DavClient& client, const HttpUrl& target,
+                             const std::wstring& name, std::uint64_t size) const {
+    const auto stored = client.Look(target);
+    const auto* item = std::get_if<DavItem>(&stored);
+    const std::wstring version =
+        item && item->size == size ? FromUtf8(item->version).value_or(L"") : L"";
+    return StoredFile{FromUtf8(HttpUrlText(target)).value_or(L""), name, version, size};
+}
+
+// After a move that was given up: what the server has done decides.
+std::optional<StoredFile> DavUpload::StoredAfterAll(const DavAccess& access,
+                                                    const std::wstring& name) {
+    const auto target = std::exchange(moving_, std::nullopt);
+    if (!target) return std::nullopt;
+    const HttpSession session(kTimesOfClearing);
+    const DavClient client(session, access.login, nullptr, kPatienceOfClearing);
+    const auto moved = client.HasMoved(unfinished_->url, *target, unfinished_->source.size);
+    const auto* isMoved = std::get_if<bool>(&moved);
+    if (!isMoved || !*isMoved) return std::nullopt;
+    return Stored(client, *target, name, unfinished_->source.size);
+}
+
+void DavUpload::Discard(const DavAccess& access) {
+    if (mayBeStored_ && unfinished_->url.origin == access.root.origin) {
+        const HttpSession session(kTimesOfClearing);
+        static_cast<void>(DavClient(session, access.login, nullptr, kPatienceOfClearing)
+                              .Discard(unfinished_->url));
+    }
+    Forget();
+}
+
+void DavUpload::Forget() {
+    unfinished_.reset();
+    mayBeStored_ = false;
+    moving_.reset();
+}
+
+UploadResult DavUpload::Run(DavAccess access, const UploadFile& file, UploadProgress& progress,
+                            const AskForLogin& ask) {
+    const ObLib::UniqueKernelHandle source(
+        CreateFileW(ObLib::WithLongPathPrefix(file.localPath).c_str(), GENERIC_READ,
+                    FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (!source) return Ended(Unreadable(GetLastError()), access, file.name);
+    const auto identity = SourceOf(source.Get());
+    if (!identity) return Ended(Unreadable(GetLastError()), access, file.name);
+    Begin(access, *identity);
+    for (;;) {
+        auto result = Try(access, file, source.Get(), progress);
+        if (std::holds_alternative<DavError>(result)) {
+            if (auto stored = StoredAfterAll(access, file.name)) result = std::move(*stored);
+        }
+        if (auto* stored = std::get_if<StoredFile>(&result)) {
+            Forget();
+            return {UploadEnd::Done, std::move(*stored), {}};
+        }
+        const auto& error = std::get<DavError>(result);
+        std::optional<HttpLogin> login;
+        if (error.fault == DavFault::WrongLogin && ask) {
+            const bool isAsked = progress.Ask([&](HWND owner) { login = ask(owner); });
+            if (!isAsked || !login) {
+                Discard(access);
+                return {UploadEnd::Cancelled, {}, {}};
+            }
+            access.login = std::move(*login);
+            continue;
+        }
+        // What is whole and only lacks a name is kept for the next run.
+        if (error.fault != DavFault::Taken || !mayBeStored_) Discard(access);
+        return Ended(error, access, file.name);
+    }
+}
+
+std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& root) {
+    const auto there = client.Look(root);
+    const auto* item = std::get_if<DavItem>(&there);
+    if (!item) return std::nullopt;
+    AccountSpace space;
+    if (!item->freeBytes) return space;
+    space.freeBytes = static_cast<std::int64_t>(*item->freeBytes);
+    if (item->usedBytes)
+        space.totalBytes = static_cast<std::int64_t>(*item->freeBytes + *item->usedBytes);
+    return space;
+}
+
+DeletionEnd DeleteDavFile(const DavClient& client, const HttpUrl& root, const StoredFile& file) {
+    const auto url = ParseHttpUrl(ToUtf8(file.path));
+    if (!url || !IsBelow(*url, root)) return DeletionEnd::Changed;
+    const auto result = client.Delete(*url, ToUtf8(file.version));
+    const auto* end = std::get_if<DavDeletion>(&result);
+    if (!end) return DeletionEnd::Unreachable;
+    return *end == DavDeletion::Gone ? DeletionEnd::Gone : DeletionEnd::Changed;
+}
+
+} // namespace providers

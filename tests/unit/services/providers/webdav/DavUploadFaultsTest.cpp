@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include "tests/unit/services/providers/webdav/DavUploadFixture.h"
+
+namespace providers {
+namespace {
+
+// A server that misbehaves in one step: what the user reads, and that the server has the file once
+// or not at all.
+struct FaultRow {
+    const char* method;
+    const char* action;
+    int times;
+    UploadEnd end;
+    const wchar_t* sentence; // a part of it; null: none
+};
+
+constexpr int kAlways = 1000;
+constexpr FaultRow kRows[] = {
+    // Before the first byte.
+    {"PROPFIND", "status 401", 1, UploadEnd::Failed,
+     L"doesn't accept the user name or the password"},
+    {"PROPFIND", "status 403", 1, UploadEnd::Failed, L"doesn't allow you"},
+    {"PROPFIND", "status 500", 1, UploadEnd::Failed, L"reported the error 500"},
+    {"PROPFIND", "status 200|=<html/>", 1, UploadEnd::Failed, L"no WebDAV folders"},
+    {"PROPFIND", "status 302|Location: http://127.0.0.1:1/", 1, UploadEnd::Failed,
+     L"refers to another address"},
+    {"PROPFIND", "status 429|Retry-After: 3600", 1, UploadEnd::Failed, L"in 61 minutes"},
+    {"PROPFIND", "status 429|Retry-After: 0", 1, UploadEnd::Done, nullptr},
+    {"PROPFIND", "refuse", 2, UploadEnd::Done, nullptr},
+    {"PROPFIND", "cutreply 40", 2, UploadEnd::Done, nullptr},
+    {"PROPFIND", "refuse", kAlways, UploadEnd::Failed, L"broke off"},
+    {"MKCOL", "status 403", 1, UploadEnd::Failed, L"doesn't allow you"},
+    {"MKCOL", "status 409", 1, UploadEnd::Failed, L"something else in its place"},
+    {"MKCOL", "status 507", 1, UploadEnd::Failed, L"too little free space"},
+    {"MKCOL", "swallow", 1, UploadEnd::Done, nullptr},
+    {"MKCOL", "refuse", 1, UploadEnd::Done, nullptr},
+    // In and after the body.
+    {"PUT", "status 403", 1, UploadEnd::Failed, L"doesn't allow you"},
+    {"PUT", "status 413", 1, UploadEnd::Failed, L"too large for the server"},
+    {"PUT", "early 413", 1, UploadEnd::Failed, L"too large for the server"},
+    {"PUT", "status 423", 1, UploadEnd::Failed, L"locked"},
+    {"PUT", "status 507", 1, UploadEnd::Failed, L"too little free space"},
+    {"PUT", "status 500", 1, UploadEnd::Failed, L"reported the error 500"},
+    {"PUT", "status 503|Retry-After: 0", 1, UploadEnd::Done, nullptr},
+    {"PUT", "refuse", 1, UploadEnd::Done, nullptr},
+    {"PUT", "refuse", kAlways, UploadEnd::Failed, L"broke off"},
+    {"PUT", "cutbody 300000", 1, UploadEnd::Done, nullptr},
+    {"PUT", "cutbody 300000", kAlways, UploadEnd::Failed, L"broke off"},
+    {"PUT", "keepbody 300000", 1, UploadEnd::Done, nullptr},
+    {"PUT", "swallow", 1, UploadEnd::Done, nullptr},
+    {"PUT", "sink", 1, UploadEnd::Failed, L"hasn't stored the whole file"},
+    // At the last step.
+    {"MOVE", "status 403", 1, UploadEnd::Failed, L"doesn't allow you"},
+    {"MOVE", "status 423", 1, UploadEnd::Failed, L"locked"},
+    {"MOVE", "status 500", 1, UploadEnd::Failed, L"reported the error 500"},
+    {"MOVE", "status 307|Location: /dav/x", 1, UploadEnd::Failed, L"refers to another address"},
+    {"MOVE", "refuse", 1, UploadEnd::Done, nullptr},
+    {"MOVE", "refuse", kAlways, UploadEnd::Failed, L"broke off"},
+    {"MOVE", "swallow", 1, UploadEnd::Done, nullptr},
+};
+
+class DavUploadFaults : public DavUploadAccount {};
+INSTANTIATE_TEST_SUITE_P(Servers, DavUploadFaults, testing::Values("apache", "sabre"));
+
+TEST_P(DavUploadFaults, EndAsTheTableSays) {
+    for (const FaultRow& row : kRows) {
+        const std::string what = std::string(row.method) + " " + row.action;
+        relay_.Begin(GetParam());
+        relay_.On(row.method, row.action, 0, row.times);
+        const UploadResult result = Upload(L"a.zip", L"c");
+        EXPECT_EQ(row.end, result.end) << what << " " << testing::PrintToString(relay_.Requests());
+        const bool isDone = row.end == UploadEnd::Done;
+        EXPECT_EQ((isDone ? std::vector<std::wstring>{L"c\\a.zip"} : std::vector<std::wstring>{}),
+                  Files())
+            << what;
+        if (isDone) {
+            EXPECT_EQ(content_, Stored(L"c\\a.zip")) << what;
+        }
+        const bool isSentence = row.sentence
+                                    ? result.sentence.find(row.sentence) != std::wstring::npos
+                                    : result.sentence.empty();
+        EXPECT_TRUE(isSentence) << what << ": " << ToUtf8(result.sentence);
+        relay_.Begin(GetParam());
+        HttpUrl folder = Url("c");
+        folder.path += '/';
+        EXPECT_EQ("done", Outcome(client_.Discard(folder))) << what;
+    }
+}
+
+} // namespace
+} // namespace providers
