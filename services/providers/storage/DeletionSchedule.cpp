@@ -1,6 +1,7 @@
 #include "services/providers/storage/DeletionSchedule.h"
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "ObLib/Src/Win32/RegistryView.h"
@@ -10,6 +11,7 @@
 namespace providers {
 namespace {
 
+constexpr wchar_t kProvider[] = L"Provider";
 constexpr wchar_t kAccount[] = L"Account";
 constexpr wchar_t kPath[] = L"Path";
 constexpr wchar_t kVersion[] = L"Version";
@@ -25,20 +27,24 @@ bool IsSound(const ScheduledDeletion& deletion) {
 
 // The time comes last: without it a deletion isn't seen.
 bool Write(HKEY key, const ScheduledDeletion& deletion) {
-    return WriteText(key, kAccount, deletion.accountKey) &&
+    return WriteNumber(key, kProvider, deletion.providerId) &&
+           WriteText(key, kAccount, deletion.accountKey) &&
            WriteText(key, kPath, deletion.file.path) &&
            WriteText(key, kVersion, deletion.file.version) &&
            WriteNumber(key, kSize, deletion.file.size) && WriteNumber(key, kDue, deletion.due);
 }
 
 std::optional<ScheduledDeletion> Read(HKEY key, const std::wstring& id) {
+    const auto provider = ReadNumber(key, kProvider);
     const auto account = ReadText(key, kAccount, kLongest);
     const auto path = ReadText(key, kPath, kLongest);
     const auto version = ReadText(key, kVersion, kLongest);
     const auto size = ReadNumber(key, kSize);
     const auto due = ReadNumber(key, kDue);
-    if (!account || !path || !version || !size || !due) return {};
-    ScheduledDeletion deletion{*account, {*path, {}, *version, *size}, *due, id};
+    if (!provider || !account || !path || !version || !size || !due) return {};
+    if (*provider > std::numeric_limits<std::uint32_t>::max()) return {};
+    ScheduledDeletion deletion{
+        static_cast<std::uint32_t>(*provider), *account, {*path, {}, *version, *size}, *due, id};
     if (!IsSound(deletion)) return {};
     return deletion;
 }

@@ -1,11 +1,12 @@
 // Files in the cloud that are to be deleted later, below the manager's registry key.
 //
 //   KEY\Deletions\<GUID>
-//       Account  REG_SZ     key of the account
-//       Path     REG_SZ     of the file, as the account's provider understands it
-//       Version  REG_SZ     that the file had when it was stored
-//       Size     REG_QWORD  bytes
-//       Due      REG_QWORD  time in UTC from which on it is deleted
+//       Provider  REG_QWORD  id of the account's provider
+//       Account   REG_SZ     key of the account, which may be logged out by then
+//       Path      REG_SZ     of the file, as the provider understands it
+//       Version   REG_SZ     that the file had when it was stored
+//       Size      REG_QWORD  bytes
+//       Due       REG_QWORD  time in UTC from which on it is deleted
 //
 // No link and no password is among them.
 #pragma once
@@ -21,6 +22,7 @@
 namespace providers {
 
 struct ScheduledDeletion {
+    std::uint32_t providerId = 0;
     std::wstring accountKey;
     StoredFile file;       // without its name
     std::uint64_t due = 0; // as TimeNow counts

@@ -1,5 +1,10 @@
 #include "services/providers/storage/Deletions.h"
 
+#include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
+
 #include "ObLib/Src/Win32/Guarded.h"
 #include "services/providers/storage/LocalDays.h"
 #include "services/providers/storage/PumpedCall.h"
@@ -13,7 +18,9 @@ namespace {
 
 using Run = std::shared_ptr<StorageRun>;
 
-constexpr DWORD kExpiryLimit = 30'000; // milliseconds
+constexpr DWORD kExpiryLimit = 30'000;   // milliseconds
+constexpr std::size_t kMostThreads = 64; // the registry may have been filled by others
+constexpr std::uint64_t kLongestDelay = 365ull * 24 * 3600 * 10'000'000; // as TimeNow counts
 
 // Whatever comes of it, the file itself is deleted by the schedule.
 void EndLink(const Run& run, const RunUpload& upload, std::int32_t days) {
@@ -29,20 +36,36 @@ void EndLink(const Run& run, const RunUpload& upload, std::int32_t days) {
                });
 }
 
-// Whether nothing is left to do.
-bool Delete(const StorageRun& run, const ScheduledDeletion& deletion) {
-    StorageProvider* const provider = run.ProviderOf(deletion.accountKey);
-    if (!provider) return true;
-    return ObLib::Guarded(false, [&] {
-        return provider->Delete(deletion.accountKey, deletion.file, run.Ended()) !=
-               DeletionEnd::Unreachable;
+DeletionEnd Delete(StorageProvider& provider, const ScheduledDeletion& deletion, HANDLE ended) {
+    return ObLib::Guarded(DeletionEnd::Unreachable, [&] {
+        return provider.Delete(deletion.accountKey, deletion.file, ended);
     });
 }
 
-void DeleteDue(const StorageRun& run, std::uint64_t now) {
-    for (const ScheduledDeletion& deletion : run.Deletions().DueAt(now)) {
-        if (WaitForSingleObject(run.Ended(), 0) == WAIT_OBJECT_0) return;
-        if (Delete(run, deletion)) run.Deletions().Remove(deletion);
+// Stops at a file that can't be reached: a server that is silent takes minutes for each one.
+void DeleteInTurn(const StorageRun& run, const std::vector<ScheduledDeletion>& files,
+                  std::uint64_t now) {
+    for (const ScheduledDeletion& deletion : files) {
+        StorageProvider* const provider = run.ProviderWith(deletion.providerId);
+        if (!provider || WaitForSingleObject(run.Ended(), 0) == WAIT_OBJECT_0) return;
+        const bool isLeft = Delete(*provider, deletion, run.Ended()) == DeletionEnd::Unreachable;
+        if (!isLeft || now - deletion.due > kLongestDelay) run.Deletions().Remove(deletion);
+        if (isLeft) return;
+    }
+}
+
+// Each run begins with another file of the account, so that one that is never reached doesn't keep
+// the others.
+void DeleteDue(const Run& run, std::uint64_t now) {
+    std::map<std::pair<std::uint32_t, std::wstring>, std::vector<ScheduledDeletion>> accounts;
+    for (ScheduledDeletion& deletion : run->Deletions().DueAt(now)) {
+        accounts[{deletion.providerId, deletion.accountKey}].push_back(std::move(deletion));
+    }
+    std::size_t threads = 0;
+    for (auto& [account, files] : accounts) {
+        if (++threads > kMostThreads) return;
+        std::ranges::rotate(files, files.begin() + static_cast<std::ptrdiff_t>(now % files.size()));
+        RunDetached([run, now, own = std::move(files)] { DeleteInTurn(*run, own, now); });
     }
 }
 
@@ -53,13 +76,17 @@ bool ScheduleDeletion(const Run& run, const obcontract::CloudItem& item, std::in
     if (days < 0 || !IsSound(item)) return false;
     const auto upload = run->uploads.Find(item.profile.accountKey, item.link);
     if (!upload || !upload->isShared || upload->file.version.empty()) return false;
+    const std::uint64_t due = EndOfLocalDay(now, static_cast<std::uint32_t>(days));
+    // First of all, so that no link ends whose file isn't going to be deleted.
+    if (!run->Deletions().Add({item.profile.providerId, upload->accountKey, upload->file, due})) {
+        return false;
+    }
     EndLink(run, *upload, days);
-    return run->Deletions().Add(
-        {upload->accountKey, upload->file, EndOfLocalDay(now, static_cast<std::uint32_t>(days))});
+    return true;
 }
 
 void StartDeletions(const Run& run, std::uint64_t now) {
-    if (run->Deletions().HasAny()) RunDetached([run, now] { DeleteDue(*run, now); });
+    if (run->Deletions().HasAny()) RunDetached([run, now] { DeleteDue(run, now); });
 }
 
 } // namespace providers

@@ -16,9 +16,10 @@ namespace providers {
 bool ScheduleDeletion(const std::shared_ptr<StorageRun>& run, const obcontract::CloudItem& item,
                       std::int32_t days, std::uint64_t now);
 
-// Deletes what is due, on a thread that nobody waits for and that ends with the session. What can't
-// be reached stays for a later run; what has gone or changed is forgotten, and so is a file of an
-// account that is no longer there.
+// Deletes what is due, also of accounts that are logged out: each account on a thread of its own
+// that nobody waits for and that ends with the session. A file that can't be reached ends the
+// account's turn and stays for a later run, for a year at most; what has gone or changed is
+// forgotten. A file of a provider that this build doesn't have stays.
 void StartDeletions(const std::shared_ptr<StorageRun>& run, std::uint64_t now);
 
 } // namespace providers

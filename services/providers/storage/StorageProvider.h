@@ -137,7 +137,8 @@ public:
     // server can't, which leaves it to the deletion.
     virtual bool SetExpiry(const std::wstring& key, const std::wstring& shareId, std::int32_t days,
                            HANDLE ended) = 0;
-    // On a thread of its own. Deletes the file if it is unchanged.
+    // On a thread of its own, also after the account was logged out. Deletes the file if it is
+    // unchanged. Gone for a file that can't ever be reached without the account.
     virtual DeletionEnd Delete(const std::wstring& key, const StoredFile& file, HANDLE ended) = 0;
 
     // Lets the user pick files of an account, with their links. `preferred`: the account to begin

@@ -18,4 +18,11 @@ StorageProvider* StorageRun::ProviderOf(const std::wstring& accountKey) const {
     return nullptr;
 }
 
+StorageProvider* StorageRun::ProviderWith(std::uint32_t id) const noexcept {
+    for (const auto& provider : parts_.providers) {
+        if (provider->Id() == id) return provider.get();
+    }
+    return nullptr;
+}
+
 } // namespace providers

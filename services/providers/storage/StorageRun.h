@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -45,6 +46,8 @@ public:
     }
     // The provider that an account belongs to; null when there is no such account.
     StorageProvider* ProviderOf(const std::wstring& accountKey) const;
+    // The provider with this id; null when this build has none.
+    StorageProvider* ProviderWith(std::uint32_t id) const noexcept;
     // An event that Deinit sets.
     HANDLE Ended() const noexcept { return ended_.Get(); }
     void End() noexcept { SetEvent(ended_.Get()); }

@@ -37,7 +37,7 @@ protected:
     void SetUp() override { obtest::ClearProductRegistry(); }
 
     static ScheduledDeletion Deletion(std::uint64_t due, const std::wstring& path = L"/a.zip") {
-        return {L"account", {path, {}, L"\"etag\"", 5'000'000'000}, due};
+        return {7, L"account", {path, {}, L"\"etag\"", 5'000'000'000}, due};
     }
     std::vector<std::wstring> DuePaths(std::uint64_t time) {
         std::vector<std::wstring> paths;
@@ -63,6 +63,7 @@ TEST_F(DeletionScheduleTest, KeepsEachField) {
     ASSERT_TRUE(schedule_.Add(Deletion(10, L"/folder/\u00e9")));
     const auto due = DeletionSchedule(HKEY_CURRENT_USER, kKey).DueAt(10);
     ASSERT_EQ(due.size(), 1u);
+    EXPECT_EQ(due[0].providerId, 7u);
     EXPECT_EQ(due[0].accountKey, L"account");
     EXPECT_EQ(due[0].file.path, L"/folder/\u00e9");
     EXPECT_EQ(due[0].file.version, L"\"etag\"");
@@ -121,6 +122,7 @@ protected:
         InstanceFixture::SetUp();
         key_ = Add(kSeven);
         now_ = providers::TimeNow();
+        users_ = run_.use_count();
         sevenScript_->remove = [this](auto&, auto&, HANDLE) {
             ++deletions_;
             return end_.load();
@@ -141,8 +143,10 @@ protected:
     bool Schedule(const CloudItem& item, std::int32_t days) {
         return providers::ScheduleDeletion(run_, item, days, now_);
     }
-    void AddDue(const std::wstring& path, const std::wstring& accountKey) {
-        ASSERT_TRUE(run_->Deletions().Add({accountKey, {path, {}, L"version", 5}, now_ - 1}));
+    void AddDue(const std::wstring& path, const std::wstring& accountKey,
+                std::uint32_t providerId = kSeven, std::uint64_t age = 1) {
+        ASSERT_TRUE(
+            run_->Deletions().Add({providerId, accountKey, {path, {}, L"version", 5}, now_ - age}));
     }
     bool IsLeft(const std::wstring& path) {
         for (const auto& deletion : run_->Deletions().DueAt(~0ull)) {
@@ -157,8 +161,18 @@ protected:
         EXPECT_TRUE(obtest::WaitUntil(condition));
     }
 
+    // Each thread keeps the run.
+    void WaitForTheThreads() {
+        EXPECT_TRUE(obtest::WaitUntil([&] { return run_.use_count() == users_; }));
+    }
+    void StartAndWait() {
+        providers::StartDeletions(run_, now_);
+        WaitForTheThreads();
+    }
+
     std::wstring key_;
     std::uint64_t now_ = 0;
+    long users_ = 0; // of the run, without a thread
     std::atomic<int> deletions_ = 0;
     std::atomic<DeletionEnd> end_ = DeletionEnd::Gone; // of seven's files
 };
@@ -168,6 +182,7 @@ TEST_F(DeletionOfUploads, IsWrittenDownForTheEndOfTheDay) {
     const auto all = run_->Deletions().DueAt(~0ull);
     ASSERT_EQ(all.size(), 1u);
     EXPECT_EQ(all[0].due, EndOfLocalDay(now_, 7));
+    EXPECT_EQ(all[0].providerId, kSeven);
     EXPECT_EQ(all[0].accountKey, key_);
     EXPECT_EQ(all[0].file.path, L"/a.zip");
     EXPECT_EQ(all[0].file.version, L"version");
@@ -179,7 +194,8 @@ TEST_F(DeletionOfUploads, KeepsNoLinkAndNoName) {
     const std::wstring path = kKey + L"\\Deletions\\" + run_->Deletions().DueAt(~0ull).at(0).id;
     auto names = obtest::ValueNames(HKEY_CURRENT_USER, path);
     std::ranges::sort(names);
-    EXPECT_EQ(names, (std::vector<std::wstring>{L"Account", L"Due", L"Path", L"Size", L"Version"}));
+    EXPECT_EQ(names, (std::vector<std::wstring>{L"Account", L"Due", L"Path", L"Provider", L"Size",
+                                                L"Version"}));
     for (const auto& name : names) {
         const auto text = obtest::ReadValue(HKEY_CURRENT_USER, path, name);
         EXPECT_EQ(text.value_or(L"").find(L"example.org"), std::wstring::npos);
@@ -197,6 +213,18 @@ TEST_F(DeletionOfUploads, LetsTheLinkEndWhereItsServerCan) {
     EXPECT_TRUE(Schedule(Shared(), 7));
     EXPECT_EQ(calls, std::vector<std::wstring>{L"share 7"});
     EXPECT_TRUE(IsLeft(L"/a.zip"));
+}
+
+TEST_F(DeletionOfUploads, LetsNoLinkEndWhoseFileItCantWriteDown) {
+    sevenScript_->setExpiry = [](auto&, auto&, std::int32_t) {
+        ADD_FAILURE() << "the mail promises nothing";
+        return true;
+    };
+    const auto upload = run_->uploads.Add(key_, {std::wstring(32'001, L'x'), {}, L"version", 5});
+    upload->isShared = true;
+    upload->shareId = L"share";
+    EXPECT_FALSE(Schedule(ItemWith(upload->link), 7));
+    EXPECT_FALSE(run_->Deletions().HasAny());
 }
 
 TEST_F(DeletionOfUploads, LeavesALinkOfTodayToTheSchedule) {
@@ -267,7 +295,7 @@ TEST_F(DeletionOfUploads, ForgetsAFileThatHasChanged) {
 
 TEST_F(DeletionOfUploads, KeepsWhatCantBeReachedForALaterRun) {
     AddDue(L"/a.zip", key_);
-    AddDue(L"/later.zip", Add(kEight));
+    AddDue(L"/later.zip", Add(kEight), kEight);
     end_ = DeletionEnd::Unreachable;
     eightScript_->remove = [](auto&, auto&, HANDLE) { return DeletionEnd::Gone; };
     StartUntil(
@@ -280,16 +308,65 @@ TEST_F(DeletionOfUploads, KeepsWhatCantBeReachedForALaterRun) {
 
 TEST_F(DeletionOfUploads, KeepsAFileWhoseProviderThrows) {
     AddDue(L"/a.zip", key_);
-    AddDue(L"/b.zip", Add(kEight));
+    AddDue(L"/b.zip", Add(kEight), kEight);
     sevenScript_->throws = true;
     eightScript_->remove = [](auto&, auto&, HANDLE) { return DeletionEnd::Gone; };
     StartUntil([&] { return !IsLeft(L"/b.zip"); });
     EXPECT_TRUE(IsLeft(L"/a.zip"));
 }
 
-TEST_F(DeletionOfUploads, ForgetsAFileOfAnAccountThatIsNoLongerThere) {
-    AddDue(L"/a.zip", L"{01234567-89AB-CDEF-0123-456789ABCDEF}");
+// The mail promised it.
+TEST_F(DeletionOfUploads, IsDoneAlsoAfterALogout) {
+    AddDue(L"/a.zip", key_);
+    ASSERT_TRUE(book_.Remove(kSeven, key_));
     StartUntil([&] { return !IsLeft(L"/a.zip"); });
+    EXPECT_EQ(deletions_, 1);
+}
+
+TEST_F(DeletionOfUploads, KeepsAFileOfAProviderThatThisBuildLacks) {
+    AddDue(L"/a.zip", L"{01234567-89AB-CDEF-0123-456789ABCDEF}", 9);
+    AddDue(L"/b.zip", key_);
+    StartUntil([&] { return !IsLeft(L"/b.zip"); });
+    WaitForTheThreads();
+    EXPECT_TRUE(IsLeft(L"/a.zip"));
+}
+
+TEST_F(DeletionOfUploads, IsntKeptWaitingByAnAccountThatIsSilent) {
+    AddDue(L"/a.zip", key_, kSeven, 100);
+    AddDue(L"/b.zip", Add(kEight), kEight);
+    sevenScript_->remove = [](auto&, auto&, HANDLE ended) {
+        WaitForSingleObject(ended, obtest::kUiLimit);
+        return DeletionEnd::Unreachable;
+    };
+    eightScript_->remove = [](auto&, auto&, HANDLE) { return DeletionEnd::Gone; };
+    StartUntil([&] { return !IsLeft(L"/b.zip"); });
+    run_->End();
+    WaitForTheThreads();
+    EXPECT_TRUE(IsLeft(L"/a.zip"));
+}
+
+TEST_F(DeletionOfUploads, StopsInAnAccountAtAFileThatCantBeReached) {
+    AddDue(L"/a.zip", key_, kSeven, 2);
+    AddDue(L"/b.zip", key_, kSeven, 1);
+    std::vector<std::wstring> tried;
+    sevenScript_->remove = [&](auto&, const StoredFile& file, HANDLE) {
+        tried.push_back(file.path);
+        return DeletionEnd::Unreachable;
+    };
+    now_ += now_ % 2;
+    StartAndWait();
+    ++now_;
+    StartAndWait(); // begins with the other one
+    EXPECT_EQ(tried, (std::vector<std::wstring>{L"/a.zip", L"/b.zip"}));
+}
+
+TEST_F(DeletionOfUploads, GivesAFileUpThatWasntReachedForAYear) {
+    AddDue(L"/a.zip", key_, kSeven, 364 * kDay);
+    AddDue(L"/b.zip", Add(kEight), kEight, 366 * kDay);
+    end_ = DeletionEnd::Unreachable; // as eight's is
+    StartAndWait();
+    EXPECT_TRUE(IsLeft(L"/a.zip"));
+    EXPECT_FALSE(IsLeft(L"/b.zip"));
 }
 
 TEST_F(DeletionOfUploads, LeavesWhatIsntDueAlone) {
@@ -304,13 +381,12 @@ TEST_F(DeletionOfUploads, LeavesWhatIsntDueAlone) {
 TEST_F(DeletionOfUploads, BeginsNoFurtherFileOnceTheSessionHasEnded) {
     AddDue(L"/a.zip", key_);
     AddDue(L"/b.zip", key_);
-    const long users = run_.use_count(); // the thread is one more
     sevenScript_->remove = [this](auto&, auto&, HANDLE) {
         ++deletions_;
         run_->End();
         return DeletionEnd::Unreachable;
     };
-    StartUntil([&] { return run_.use_count() == users; });
+    StartAndWait();
     EXPECT_EQ(deletions_, 1);
 }
 
