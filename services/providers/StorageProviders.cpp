@@ -1,8 +1,8 @@
 #include "services/providers/StorageProviders.h"
 
-#include <initializer_list>
 #include <memory>
 
+#include "services/providers/folder/NetworkFolder.h"
 #include "services/providers/storage/UploadRun.h"
 
 namespace providers {
@@ -10,8 +10,13 @@ namespace {
 
 using Factory = std::unique_ptr<StorageProvider> (*)(const AccountBook& book);
 
+template <class Provider>
+std::unique_ptr<StorageProvider> Make(const AccountBook& book) {
+    return std::make_unique<Provider>(book);
+}
+
 // One row a provider.
-const std::initializer_list<Factory> kFactories = {};
+constexpr Factory kFactories[] = {&Make<NetworkFolder>};
 
 } // namespace
 
