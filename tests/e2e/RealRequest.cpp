@@ -65,6 +65,10 @@ Export* RealRequest::Find(const char* name) const {
     return reinterpret_cast<Export*>(reinterpret_cast<void*>(found));
 }
 
+void RealRequest::AttachEverySize() {
+    SetValue(HKEY_CURRENT_USER, kQuilletKey, L"SendSetting", L"0");
+}
+
 RealRequest::Use RealRequest::Pick(Choice choice, std::vector<std::wstring> paths) const {
     return [text = Text(static_cast<UINT>(choice)), paths](OpenPicker& picker) {
         Choose(picker, text);

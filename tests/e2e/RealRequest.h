@@ -33,6 +33,10 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
+    // From now on a zip is attached whatever its size. Otherwise one above five megabytes is for a
+    // cloud account, and without one the user is asked.
+    static void AttachEverySize();
+
     // What the UI driver does in the picker, on a thread of its own.
     using Use = std::function<void(OpenPicker&)>;
     Use Pick(Choice choice, std::vector<std::wstring> paths) const;

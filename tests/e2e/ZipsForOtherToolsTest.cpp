@@ -18,6 +18,7 @@ class ZipsForOtherTools : public RealRequest {
 protected:
     void SetUp() override {
         RealRequest::SetUp();
+        AttachEverySize();
         CreateDirectoryW(kKept, nullptr);
     }
     void TearDown() override {
