@@ -22,7 +22,7 @@ struct RunUpload {
 // Nothing of it leaves the memory of this process. On the thread that owns the dialogs.
 class RunUploads {
 public:
-    // Adds a file, whose link is an address that no other file of the run has. It says nothing
+    // Adds a file, whose link is an address that no other file of the run has. It reveals nothing
     // about the server and nobody can open it.
     std::shared_ptr<RunUpload> Add(std::wstring accountKey, StoredFile file);
 

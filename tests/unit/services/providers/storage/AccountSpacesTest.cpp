@@ -46,7 +46,7 @@ protected:
     std::atomic<int> asked_ = 0;
 };
 
-TEST_F(AccountSpacesTest, ReportWhatEachAccountsProviderTells) {
+TEST_F(AccountSpacesTest, AreThoseThatEachAccountsProviderReports) {
     const std::wstring seven = Add(kSeven);
     const std::wstring eight = Add(kEight);
     ExpectSpace(seven, 7, 100);
