@@ -14,7 +14,7 @@ namespace providers {
 namespace {
 
 // A server that doesn't respond isn't waited for when there is only something to clear up.
-constexpr HttpTimes kTimesOfClearing{3'000, 3'000, 3'000};
+constexpr HttpTimes kTimesOfClearing{5'000, 5'000, 5'000};
 constexpr DavPatience kPatienceOfClearing{0, 0, 0, 0};
 
 // What backslashes separate, in UTF-8.
