@@ -10,6 +10,7 @@
 
 #include "services/transforms/documents/PdfFile.h"
 #include "services/transforms/documents/PdfPages.h"
+#include "services/transforms/documents/PdfStreamSizes.h"
 
 namespace transforms::documents {
 namespace {
@@ -30,7 +31,7 @@ bool NamesAStandard(Object metadata) {
                                [&](const char* name) { return text.find(name) != text.npos; });
 }
 
-void RemoveDates(QPDF& pdf) {
+void RemoveDates(QPDF& pdf, PictureSteps* steps) {
     auto trailer = pdf.getTrailer();
     auto information = trailer.getKey("/Info");
     for (const char* key : kDates) {
@@ -39,7 +40,9 @@ void RemoveDates(QPDF& pdf) {
     for (const char* key : kOfTrailer) trailer.removeKey(key);
     auto catalog = pdf.getRoot();
     auto metadata = catalog.getKey("/Metadata");
-    if (metadata.isStream() && !NamesAStandard(metadata)) catalog.removeKey("/Metadata");
+    if (!metadata.isStream()) return;
+    RequireStreamsFit({metadata}, steps);
+    if (!NamesAStandard(metadata)) catalog.removeKey("/Metadata");
 }
 
 Analysis Rewritten(Bytes file, const DocumentControl& control) {
@@ -47,7 +50,7 @@ Analysis Rewritten(Bytes file, const DocumentControl& control) {
     OpenPdf(pdf, file, control);
     if (pdf.isEncrypted()) return Failed(CleanOutcome::Encrypted);
     PagesOf(pdf); // throws when there are none, or a tree of them that nobody should read
-    RemoveDates(pdf);
+    RemoveDates(pdf, control.steps);
     OwnedBytes written = WritePdf(pdf, PdfStreams::AsTheyAre, control.steps);
     if (pdf.anyWarnings()) return Failed(CleanOutcome::Damaged);
     Analysis analysis;

@@ -51,9 +51,15 @@ void RequireContentsFit(QPDFObjectHandle page, PictureSteps* steps) {
 
 void RequirePackedObjectsFit(QPDF& pdf, PictureSteps* steps) {
     constexpr int kPacked = 2;
+    const auto table = pdf.getXRefTable();
     std::set<int> streams;
-    for (const auto& [number, row] : pdf.getXRefTable()) {
+    for (const auto& [number, row] : table) {
         if (row.getType() == kPacked) streams.insert(row.getObjStreamNumber());
+    }
+    // No stream can be packed; the library would unpack what claims to contain it.
+    for (const auto& [number, row] : table) {
+        if (row.getType() == kPacked && streams.contains(number.getObj()))
+            throw PdfRefusal(CleanOutcome::Damaged);
     }
     for (const int stream : streams) RequireStreamsFit({pdf.getObject(stream, 0)}, steps);
 }

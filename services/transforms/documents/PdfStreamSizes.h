@@ -23,7 +23,9 @@ void RequireStreamsFit(const std::vector<QPDFObjectHandle>& streams, PictureStep
 // The same for the contents of a page, which are one stream or an array of streams.
 void RequireContentsFit(QPDFObjectHandle page, PictureSteps* steps = nullptr);
 
-// The same for each stream in which the file packs objects; before any of these is asked for.
+// The same for each stream in which the file packs objects; before any of these is asked for, but
+// for those that the library asks for while it opens the file: what the keys of encryption are made
+// of. Damaged when such a stream is itself said to be packed.
 void RequirePackedObjectsFit(QPDF& pdf, PictureSteps* steps = nullptr);
 
 } // namespace transforms::documents

@@ -87,6 +87,29 @@ std::string PackedPage(const std::string& objects, const std::string& tableKeys,
     return file + "startxref\n" + std::to_string(start) + "\n%%EOF\n";
 }
 
+// A file whose page is packed in object 4, which is said to be packed in object 5, a bomb.
+inline std::string PackedInABomb(const std::string& bomb) {
+    std::string file = "%PDF-1.7\n%\xE2\xE3\xCF\xD3\n";
+    std::string table = TableRow(0, 0);
+    const auto add = [&](const std::string& object) {
+        file += std::to_string(table.size() / 5 - 1) + " 0 obj\n" + object + "\nendobj\n";
+    };
+    const auto addAt = [&](const std::string& object) {
+        table += TableRow(1, file.size());
+        add(object);
+    };
+    addAt("<</Type /Catalog /Pages 2 0 R>>");
+    addAt("<</Type /Pages /Kids [3 0 R] /Count 1>>");
+    table += TableRow(2, 4) + TableRow(2, 5);
+    addAt("<</Type /ObjStm /N 1 /First 4 /Filter /FlateDecode /Length " +
+          std::to_string(bomb.size()) + ">>\nstream\n" + bomb + "\nendstream");
+    const std::size_t start = file.size();
+    table += TableRow(1, start);
+    add("<</Type /XRef /Size 7 /W [1 4 0] /Root 1 0 R /Length " + std::to_string(table.size()) +
+        ">>\nstream\n" + table + "\nendstream");
+    return file + "startxref\n" + std::to_string(start) + "\n%%EOF\n";
+}
+
 inline std::string BombOfPackedObjects(const std::string& bomb) {
     return PackedPage(bomb, "", [](const std::string& table) { return table; });
 }

@@ -6,7 +6,10 @@
 #include <string>
 
 #include "services/transforms/documents/PdfFile.h"
+#include "services/transforms/documents/PdfStreamSizes.h"
 #include "tests/unit/services/transforms/SamplePhoto.h"
+#include "tests/unit/services/transforms/documents/BombSamples.h"
+#include "tests/unit/services/transforms/documents/EncryptedSamples.h"
 #include "tests/unit/services/transforms/documents/PdfBuilder.h"
 
 using namespace samples;
@@ -64,6 +67,56 @@ TEST(PdfDates, GoFromPropertiesUnlessTheseNameAStandard) {
         EXPECT_EQ(made.outcome, CleanOutcome::Cleaned);
         EXPECT_NE(made.file.find(std::string(standard) + kNoon), std::string::npos);
     }
+}
+
+TEST(PdfDates, AreNotLookedForInPropertiesThatAreABomb) {
+    PdfBuilder pdf = OnePage({}, "/Metadata 5 0 R");
+    pdf.AddStream("/Type /Metadata /Subtype /XML /Filter /FlateDecode",
+                  Bomb("<x/>", transforms::documents::kMostDecoded / kMegabyte));
+    const Dateless made = WithoutDates(pdf.File());
+    EXPECT_EQ(made.outcome, CleanOutcome::TooLarge);
+    EXPECT_TRUE(made.file.empty());
+}
+
+TEST(PdfDates, StayInAnEncryptedFile) {
+    for (const char* password : {"", "secret"}) {
+        const Dateless made = WithoutDates(Encrypted(MadeAt(kNoon), {.user = password}));
+        EXPECT_EQ(made.outcome, CleanOutcome::Encrypted) << password;
+        EXPECT_TRUE(made.file.empty()) << password;
+    }
+}
+
+// What the pages show and lead to, and the tags, are the same objects as before.
+TEST(PdfDates, LeavePagesLinksBookmarksAndTags) {
+    PdfBuilder pdf;
+    pdf.Add("<</Type /Catalog /Pages 2 0 R /Outlines 6 0 R /StructTreeRoot 8 0 R /MarkInfo "
+            "<</Marked true>> /Lang (en)>>");
+    pdf.Add("<</Type /Pages /Kids [3 0 R 4 0 R] /Count 2 /MediaBox [0 0 9 9]>>");
+    pdf.Add("<</Type /Page /Parent 2 0 R /Annots [5 0 R] /StructParents 0>>");
+    pdf.Add("<</Type /Page /Parent 2 0 R>>");
+    pdf.Add("<</Type /Annot /Subtype /Link /Rect [0 0 9 9] /Dest [4 0 R /Fit]>>");
+    pdf.Add("<</First 7 0 R /Last 7 0 R /Count 1>>");
+    pdf.Add("<</Title (MARK) /Parent 6 0 R /Dest [4 0 R /Fit]>>");
+    pdf.Add("<</Type /StructTreeRoot /K 9 0 R /ParentTree <</Nums [0 [9 0 R]]>>>>");
+    pdf.Add("<</Type /StructElem /S /P /P 8 0 R /Pg 3 0 R /K 0>>");
+    pdf.Add("<</CreationDate (D:20261122120000)>>");
+    const Dateless made = WithoutDates(pdf.File("/Info 10 0 R"));
+    ASSERT_EQ(made.outcome, CleanOutcome::Cleaned);
+    QPDF read;
+    read.processMemoryFile("made", made.file.data(), made.file.size());
+    const auto pages = read.getAllPages();
+    ASSERT_EQ(pages.size(), 2u);
+    auto catalog = read.getRoot();
+    auto link = QPDFObjectHandle(pages[0]).getKey("/Annots").getArrayItem(0).getKey("/Dest");
+    EXPECT_TRUE(link.getArrayItem(0).isSameObjectAs(pages[1]));
+    auto mark = catalog.getKey("/Outlines").getKey("/First");
+    EXPECT_EQ(mark.getKey("/Title").getStringValue(), "MARK");
+    EXPECT_TRUE(mark.getKey("/Dest").getArrayItem(0).isSameObjectAs(pages[1]));
+    auto tag = catalog.getKey("/StructTreeRoot").getKey("/K");
+    EXPECT_EQ(tag.getKey("/S").getName(), "/P");
+    EXPECT_TRUE(tag.getKey("/Pg").isSameObjectAs(pages[0]));
+    EXPECT_TRUE(catalog.getKey("/MarkInfo").getKey("/Marked").getBoolValue());
+    EXPECT_FALSE(read.getTrailer().getKey("/Info").hasKey("/CreationDate"));
 }
 
 TEST(PdfDates, StayAwayTheSecondTime) {

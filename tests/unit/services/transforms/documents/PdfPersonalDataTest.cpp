@@ -6,6 +6,7 @@
 
 #include <qpdf/QPDFWriter.hh>
 
+#include "services/transforms/documents/PdfFile.h"
 #include "services/transforms/documents/PdfStreamSizes.h"
 #include "tests/unit/services/transforms/documents/BombSamples.h"
 #include "tests/unit/services/transforms/documents/DocumentSamples.h"
@@ -318,6 +319,35 @@ TEST(PdfBombs, WhatIsReadWholeIsTooLarge) {
     EXPECT_EQ(CleanDocument(BombOfPackedObjects(bomb)).outcome, CleanOutcome::TooLarge);
     EXPECT_EQ(CleanDocument(BombOfPicture(bomb)).outcome, CleanOutcome::TooLarge);
     EXPECT_EQ(CleanDocument(BombOfContents(bomb)).outcome, CleanOutcome::Cleaned);
+}
+
+// A stream can't be packed. Steps are counted while anything is decoded.
+TEST(PdfBombs, AStreamThatIsSaidToBePackedIsNotUnpacked) {
+    class Count final : public transforms::PictureSteps {
+    public:
+        void Step() noexcept override { ++steps; }
+        int steps = 0;
+    } count;
+    const std::string bomb = Bomb("4 0 <<>>", transforms::documents::kMostDecoded / kMegabyte);
+    const std::string file = PackedInABomb(bomb);
+    QPDF pdf;
+    try {
+        transforms::documents::OpenPdf(pdf, BytesOf(file), {&count, {}});
+        ADD_FAILURE() << "opened";
+    } catch (const transforms::documents::PdfRefusal& refusal) {
+        EXPECT_EQ(refusal.outcome, CleanOutcome::Damaged);
+    }
+    EXPECT_LT(count.steps, 100);
+    EXPECT_EQ(CleanDocument(file).outcome, CleanOutcome::Damaged);
+}
+
+// The library asks for these before anybody can look at their size; the work process's limit is
+// what ends one that is larger.
+TEST(PdfBombs, WhatTheKeysAreMadeOfIsNotCleaned) {
+    const std::string bomb = Bomb(kPackedPage, transforms::documents::kMostDecoded / kMegabyte);
+    const std::string file =
+        PackedPage(bomb, "/Encrypt 3 0 R", [](const std::string& table) { return table; });
+    EXPECT_EQ(CleanDocument(file).outcome, CleanOutcome::OtherCipher);
 }
 
 TEST(PdfBombs, FilesOfTheSameKindUpToTheLimitAreCleaned) {
