@@ -6,6 +6,7 @@
 #include "services/providers/suite/DocumentToPdf.h"
 #include "services/providers/transforms/ChangeCopy.h"
 #include "services/providers/transforms/ConvertPhotos.h"
+#include "services/providers/transforms/FitNotes.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 
@@ -70,18 +71,27 @@ bool ConvertOffice(StageCall& call, WorkingCopy& copy, std::wstring& path) {
     }
 }
 
+// Before the work, as far as headers show it. What becomes a PDF all the same finds no name.
+bool WillConvert(StageCall& call, const WorkingCopy& copy, bool isDocument) {
+    using enum obcontract::WorkPhotoKinds;
+    if (isDocument) return IsSuiteThere();
+    return LookAtPicture(call, copy, All) != WorkResult::NotSupported ||
+           LookAtPicture(call, copy, None) != WorkResult::NotSupported;
+}
+
 } // namespace
 
 bool ConvertToPdf(StageCall& call, std::wstring& path, const std::wstring& folder) {
-    if (ResultPath(path, kExtension).size() > kLongestResult) {
-        return Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
-    }
     auto copy = OpenCopy(call, path, folder);
     if (!copy) return false;
     const PdfSettings settings = PdfSettings::Load(call.settings);
-    if (IsDocument(copy->Handle(), FileNameOf(path)))
-        return !settings.documents || ConvertOffice(call, *copy, path);
-    return !settings.pictures || ConvertPicture(call, settings, *copy, path);
+    const bool isDocument = IsDocument(copy->Handle(), FileNameOf(path));
+    if (isDocument ? !settings.documents : !settings.pictures) return true;
+    if (ResultPath(path, kExtension).size() > kLongestResult &&
+        WillConvert(call, *copy, isDocument))
+        return Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
+    return isDocument ? ConvertOffice(call, *copy, path)
+                      : ConvertPicture(call, settings, *copy, path);
 }
 
 void NoteMissingSuite(TransformRun& run, const TransformSettings& settings, HWND owner) {

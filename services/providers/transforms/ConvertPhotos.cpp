@@ -43,6 +43,18 @@ bool ConvertNow(StageCall& call, std::wstring& path, const std::wstring& folder)
                                     : step == StepResult::Passed;
 }
 
+// For a file whose result would have too long a path, before the work: one that isn't to be
+// converted goes out as it is.
+bool PassUnlessPhoto(StageCall& call, const std::wstring& path, const std::wstring& folder,
+                     obcontract::WorkPhotoKinds kinds) {
+    if (kinds == obcontract::WorkPhotoKinds::None) return true;
+    const auto copy = OpenCopy(call, path, folder);
+    if (!copy) return false;
+    const WorkResult result = LookAtPicture(call, *copy, kinds);
+    return result == WorkResult::Unchanged || result == WorkResult::NotSupported ||
+           Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
+}
+
 } // namespace
 
 bool RefusePhoto(StageCall& call, WorkResult result, const std::wstring& path) {
@@ -89,11 +101,10 @@ StepResult MakePhoto(StageCall& call, HANDLE source, NewFile& made, const std::w
 }
 
 bool ConvertPhoto(StageCall& call, std::wstring& path, const std::wstring& folder) {
-    // The extensions of both results are equally long.
-    if (ResultPath(path, L"jpg").size() > kLongestResult) {
-        return Refuse(call, OB_TEXT_PATH_TOO_LONG, path);
-    }
     const auto kinds = PhotoSettings::Load(call.settings).Order().kinds;
+    // The extensions of both results are equally long.
+    if (ResultPath(path, L"jpg").size() > kLongestResult)
+        return PassUnlessPhoto(call, path, folder, kinds);
     switch (NoteForFit(call, path, folder, kinds, &FitNote::isConverted)) {
     case Noted::Yes:
         return true;

@@ -19,12 +19,15 @@ Noted NoteForFit(StageCall& call, const std::wstring& path, const std::wstring& 
     if (!noted.contains(path)) {
         const auto copy = OpenCopy(call, path, folder);
         if (!copy) return Noted::Stopped;
-        const WorkOrder order(WorkKind::FitCheck, WorkFitCheck{kinds, 0});
-        const WorkReport report = call.run.process.Run(order, copy->Handle(), nullptr, call.wait);
-        if (report.result != WorkResult::Changed) return Noted::No;
+        if (LookAtPicture(call, *copy, kinds) != WorkResult::Changed) return Noted::No;
     }
     noted[path].*step = true;
     return Noted::Yes;
+}
+
+WorkResult LookAtPicture(StageCall& call, const WorkingCopy& copy, WorkPhotoKinds kinds) {
+    const WorkOrder order(WorkKind::FitCheck, WorkFitCheck{kinds, 0});
+    return call.run.process.Run(order, copy.Handle(), nullptr, call.wait).result;
 }
 
 } // namespace providers

@@ -22,4 +22,10 @@ enum class Noted : std::uint8_t {
 Noted NoteForFit(StageCall& call, const std::wstring& path, const std::wstring& folder,
                  obcontract::WorkPhotoKinds kinds, bool FitNote::*step);
 
+// Whether the file is a photo of one of these kinds or, without kinds, a picture that can be made
+// smaller: Changed. Unchanged for an animation or many pages, NotSupported for another file. Its
+// headers alone are read.
+WorkResult LookAtPicture(StageCall& call, const WorkingCopy& copy,
+                         obcontract::WorkPhotoKinds kinds);
+
 } // namespace providers

@@ -66,14 +66,6 @@ protected:
         }
         return results;
     }
-    std::wstring DeepFolder() const {
-        std::wstring folder = folder_.Path();
-        for (int depth = 0; depth < 6; ++depth) {
-            folder += L"\\" + std::wstring(50, L'd');
-            CreateDirectoryW(Long(folder).c_str(), nullptr);
-        }
-        return folder;
-    }
 };
 
 TEST_F(FileInputs, ThatAreLockedStopTheRunWithOneSentence) {
@@ -99,7 +91,7 @@ TEST_F(FileInputs, ThatAreLockedStopTheRunWithOneSentence) {
 }
 
 TEST_F(FileInputs, ThatAreReadOnlyDeepBelowOrOddlyNamedAreTransformed) {
-    const std::wstring deep = DeepFolder();
+    const std::wstring deep = DeepFolder(300);
     for (const Transform& transform : kTransforms) {
         SCOPED_TRACE(transform.title);
         Begin(transform);

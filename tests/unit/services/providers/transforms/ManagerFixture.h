@@ -146,6 +146,24 @@ protected:
         EXPECT_EQ(Files(), (Names{L"photo.jpg"}));
     }
     Names Files() const { return obtest::ListTree(folder_.Path()); }
+    // A folder in the run's own, with a path of so many characters and more.
+    std::wstring DeepFolder(std::size_t length = 400) const {
+        std::wstring deep = folder_.Path();
+        while (deep.size() < length) {
+            deep += L"\\" + std::wstring(50, L'd');
+            EXPECT_TRUE(CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr) ||
+                        GetLastError() == ERROR_ALREADY_EXISTS);
+        }
+        return deep;
+    }
+    // A file in a deep folder whose path has so many characters.
+    std::wstring DeepFile(const std::wstring& extension, std::size_t length,
+                          const std::string& content) const {
+        std::wstring path = DeepFolder() + L'\\';
+        path += std::wstring(length - path.size() - extension.size(), L'n') + extension;
+        EXPECT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + path, content));
+        return path;
+    }
     // Waits until the work process has written half a file beside the copy.
     bool AwaitUnfinished() const {
         for (int waited = 0; waited < kLimit; waited += 5, Sleep(5)) {

@@ -150,14 +150,7 @@ TEST_F(PhotoStages, StopForAPhotoOfTooManyPixels) {
 }
 
 TEST_F(PhotoStages, RefuseALongerPathThanTheResultMayHaveBeforeTheWork) {
-    std::wstring deep = folder_.Path();
-    while (deep.size() < 400) {
-        deep += L"\\" + std::wstring(60, L'd');
-        ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr));
-    }
-    const std::wstring path = deep + L"\\" + std::wstring(512 - deep.size() - 4, L'n') + L".tf";
-    ASSERT_EQ(path.size(), 512u);
-    ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + path, Tiff()));
+    const std::wstring path = DeepFile(L".tf", 512, Tiff());
     const obtest::MessageBoxWatcher boxes;
     EXPECT_TRUE(Execute(path)) << "513 units";
     const std::wstring longer = path.substr(0, 510) + L"n.t";
