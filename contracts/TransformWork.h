@@ -208,8 +208,9 @@ static_assert(offsetof(WorkFitCheck, reserved) == 4);
 
 // The settings of FitAdd. Changed: the picture can be made smaller and has the next number from 0
 // on. A photo of one of the kinds becomes a JPEG or PNG, as by ConvertPhoto; a picture with a
-// watermark gets it in its new size. Such pictures are always written. Unchanged and not supported:
-// as for FitCheck, and not supported for a photo that nothing on the machine opens.
+// watermark gets it in its new size. Such pictures are always written, but for one that keeps its
+// form and is too small for the watermark. Unchanged and not supported: as for FitCheck, and not
+// supported for a photo that nothing on the machine opens.
 struct WorkFitAdd {
     std::uint8_t quality;   // at most, of a JPEG that a photo becomes: 1 to 100; zero without kinds
     std::uint8_t isStamped; // 1: with the watermark that was given before; otherwise zero
@@ -226,8 +227,10 @@ static_assert(offsetof(WorkFitAdd, kinds) == 4);
 // PictureWatermark. One of them comes once, before the first FitAdd, and is Changed.
 
 // The settings of FitSearch, which is Changed when a step was found and Unchanged when all fits.
-// Not supported: the picture whose number was reported last has a form for which ConvertPhoto or
-// Watermark isn't supported either.
+// Not supported: some pictures have a form for which ConvertPhoto or Watermark isn't supported
+// either. For each there is a finding with this key and the picture's number after it, up to as
+// many as a request has.
+inline constexpr char kWorkPictureKey[] = "picture.";
 struct WorkFitSearch {
     std::uint64_t mailLimit;  // bytes of the mail as it is sent; not zero
     std::uint64_t otherBytes; // of the files that weren't added
@@ -302,8 +305,8 @@ inline constexpr std::uint32_t kMostWorkSettings = kLargestWorkPayload - sizeof(
 struct WorkProgress {
     std::uint64_t done;
     std::uint64_t total; // not zero
-    // Of the picture that FitSearch works on, of the PDF that CombineWrite reads; zero for the
-    // other kinds.
+    // Of the picture that FitAdd, FitSearch or FitWrite works on, of the PDF that CombineWrite
+    // reads; zero for the other kinds.
     std::uint32_t number;
     std::uint32_t reserved; // zero
 };

@@ -1,5 +1,9 @@
 #include "services/transforms/FitWork.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
 #include "services/transforms/PhotoWork.h"
 #include "services/transforms/PictureWork.h"
 #include "services/transforms/WatermarkWork.h"
@@ -71,9 +75,10 @@ std::optional<WorkEnd> FitWork::TakeText(WorkRequest& request) {
 
 std::optional<WorkEnd> FitWork::TakePicture(WorkRequest& request) {
     if (!MayTakeStamp()) return {};
-    std::optional<WorkEnd> end;
-    stamp_ = PictureStampOf(request, watch_, end);
-    return stamp_ ? WorkEnd(WorkOutcome::Changed) : end;
+    StampOrEnd taken = PictureStampOf(request, watch_);
+    if (const auto* const end = std::get_if<std::optional<WorkEnd>>(&taken)) return *end;
+    stamp_ = std::move(std::get<std::unique_ptr<Stamp>>(taken));
+    return WorkEnd(WorkOutcome::Changed);
 }
 
 PictureOutcome FitWork::OpenPhoto(Added& added, const PhotoRequest& conversion) {
@@ -126,7 +131,18 @@ std::optional<WorkEnd> FitWork::Search(WorkRequest& request) {
         outcome != PictureOutcome::CannotFit && fit_->failed() < sources_.size()) {
         Enter(static_cast<std::uint32_t>(fit_->failed()));
     }
+    if (outcome == PictureOutcome::Unsupported && !SendUnsupported()) return {};
     return EndOfPicture(outcome, fit_->TotalBytes());
+}
+
+// As many as a request may have findings.
+bool FitWork::SendUnsupported() {
+    const auto& numbers = fit_->unsupported();
+    const auto last =
+        numbers.begin() + static_cast<std::ptrdiff_t>(std::min(numbers.size(), kMostWorkFindings));
+    return std::all_of(numbers.begin(), last, [&](std::size_t number) {
+        return channel_.SendFinding(kWorkPictureKey + std::to_string(number), 1);
+    });
 }
 
 std::optional<WorkEnd> FitWork::Write(WorkRequest& request) {

@@ -22,7 +22,7 @@ std::optional<WorkEnd> CheckForFit(const WorkRequest& request, WorkChannel& chan
 // What lasts between these requests. One thread; the channel outlives the object.
 class FitWork {
 public:
-    explicit FitWork(WorkChannel& channel) noexcept : watch_(channel) {}
+    explicit FitWork(WorkChannel& channel) noexcept : channel_(channel), watch_(channel) {}
     FitWork(const FitWork&) = delete;
     FitWork& operator=(const FitWork&) = delete;
 
@@ -61,7 +61,9 @@ private:
     PictureOutcome Open(Added& added, const std::optional<PhotoRequest>& conversion);
     PictureOutcome OpenPhoto(Added& added, const PhotoRequest& conversion);
     std::vector<FitSource> Sources() const;
+    bool SendUnsupported();
 
+    WorkChannel& channel_;
     PictureWatch watch_;
     std::unique_ptr<Stamp> stamp_; // null without a watermark
     std::vector<Added> sources_;

@@ -128,9 +128,10 @@ std::optional<WorkEnd> AddWatermark(const WorkRequest& request, WorkChannel& cha
 
 std::optional<WorkEnd> AddPictureWatermark(const WorkRequest& request, WorkChannel& channel) {
     PictureWatch watch(channel);
-    std::optional<WorkEnd> end;
-    const auto stamp = PictureStampOf(request, watch, end);
-    return stamp ? AddStamp(request, *stamp, *stamp, channel, watch.Steps()) : end;
+    const StampOrEnd taken = PictureStampOf(request, watch);
+    if (const auto* const end = std::get_if<std::optional<WorkEnd>>(&taken)) return *end;
+    const auto& stamp = *std::get<std::unique_ptr<Stamp>>(taken);
+    return AddStamp(request, stamp, stamp, channel, watch.Steps());
 }
 
 std::unique_ptr<Stamp> TextStampOf(const WorkRequest& request) {
@@ -139,16 +140,14 @@ std::unique_ptr<Stamp> TextStampOf(const WorkRequest& request) {
     return std::make_unique<TextStamp>(asked->text, asked->look, Letters::White);
 }
 
-std::unique_ptr<Stamp> PictureStampOf(const WorkRequest& request, PictureWatch& watch,
-                                      std::optional<WorkEnd>& end) {
+StampOrEnd PictureStampOf(const WorkRequest& request, PictureWatch& watch) {
     const auto settings = request.SettingsAs<WorkPictureWatermark>();
     const auto look = LookOf(settings.place, settings.opacity);
-    if (!look) return nullptr; // not a valid record
+    if (!look) return std::optional<WorkEnd>(); // not a valid record
     auto pixels = PixelsOf(request, watch);
-    if (watch.IsUnread()) return nullptr;
-    if (pixels) return std::make_unique<PictureStamp>(std::move(*pixels), *look);
-    end = WorkEnd(WorkFailure::BadPicture);
-    return nullptr;
+    if (watch.IsUnread()) return std::optional<WorkEnd>();
+    if (!pixels) return std::optional(WorkEnd(WorkFailure::BadPicture));
+    return std::make_unique<PictureStamp>(std::move(*pixels), *look);
 }
 
 } // namespace transforms

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <variant>
 
 #include "services/transforms/PictureWatch.h"
 #include "services/transforms/WorkChannel.h"
@@ -21,9 +22,10 @@ std::optional<WorkEnd> AddPictureWatermark(const WorkRequest& request, WorkChann
 // lacks.
 std::unique_ptr<Stamp> TextStampOf(const WorkRequest& request);
 
-// The same for PictureWatermark, whose picture is read. Null with the result of the request in
-// `end`, which is as for CarryOut.
-std::unique_ptr<Stamp> PictureStampOf(const WorkRequest& request, PictureWatch& watch,
-                                      std::optional<WorkEnd>& end);
+// A stamp, or how its request ends, as for CarryOut.
+using StampOrEnd = std::variant<std::unique_ptr<Stamp>, std::optional<WorkEnd>>;
+
+// The same for PictureWatermark, whose picture is read.
+StampOrEnd PictureStampOf(const WorkRequest& request, PictureWatch& watch);
 
 } // namespace transforms

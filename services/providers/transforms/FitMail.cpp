@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <string>
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
@@ -70,9 +71,9 @@ private:
     Attempt AddAll();
     WorkReport Add(FittedFile& file);
     void TakeAdded(FittedFile& file);
-    Attempt Settle(std::vector<FittedFile*> files);
+    Attempt DoAlone(std::vector<FittedFile*> files);
     Attempt Search();
-    static Attempt After(bool goesOn) { return goesOn ? Attempt::Done : Attempt::Stopped; }
+    static Attempt DoneOrStopped(bool goesOn) { return goesOn ? Attempt::Done : Attempt::Stopped; }
     bool Say(UINT text);
     bool SayWhatCannotFit();
     bool WriteAll();
@@ -80,6 +81,7 @@ private:
     bool PlaceAll(std::vector<std::wstring>& paths);
     void Rename(const std::wstring& from, const std::wstring& to, std::vector<std::wstring>& paths);
     FittedFile* FileOf(std::uint32_t number);
+    std::vector<FittedFile*> Named(const WorkReport& report);
     // The first of those that the condition is true for, or else the first of all.
     template <class Condition>
     const FittedFile& FirstWith(Condition condition) const {
@@ -97,6 +99,8 @@ private:
     std::uint64_t zip_ = 0;                   // the zip's own bytes
     std::uint32_t pictures_ = 0;
     std::unique_ptr<WorkSeries> series_;
+    // A file that took over the process of the steps doesn't get to measure others.
+    WorkProcess measuring_{call_.run.process.Settings()};
 };
 
 // A file that is twice in the list is in the mail once.
@@ -150,7 +154,7 @@ std::optional<bool> Fit::AllFits() {
         if (file.IsKnown()) continue;
         const auto fits = KnownFits();
         if (!fits || !*fits) return fits;
-        if (!MakeWhole(call_, file, Watermark())) return {};
+        if (!DoSteps(call_, file, Watermark())) return {};
     }
     return KnownFits();
 }
@@ -163,7 +167,6 @@ std::optional<bool> Fit::KnownFits() {
 }
 
 bool Fit::MeasureKnown() {
-    call_.run.process.Stop(); // a file that took the process over doesn't get to measure others
     return std::ranges::all_of(files_, [this](FittedFile& file) {
         return file.isMeasured || !file.IsKnown() || Measure(file);
     });
@@ -172,8 +175,8 @@ bool Fit::MeasureKnown() {
 // What a file takes in the zip. Whatever the work process says, it is never more than the file and
 // what a block of a zip adds.
 bool Fit::Measure(FittedFile& file) {
-    const WorkReport report = call_.run.process.Run({WorkKind::Measure, WorkPlain{}},
-                                                    file.Unshrunk(), nullptr, call_.wait);
+    const WorkReport report =
+        measuring_.Run({WorkKind::Measure, WorkPlain{}}, file.Unshrunk(), nullptr, call_.wait);
     if (report.result != WorkResult::Changed) return RefuseResize(call_, report.result, file.path);
     file.bytes = std::min(report.size, file.size + file.size / 1024 + 64);
     file.isMeasured = true;
@@ -200,12 +203,12 @@ Fit::Attempt Fit::TryToMakeSmaller() {
     if (!SendWatermark()) return Attempt::Stopped;
     const Attempt added = AddAll();
     if (added != Attempt::Done) return added;
-    if (pictures_ == 0 || Others() > Room()) return After(SayWhatCannotFit());
+    if (pictures_ == 0 || Others() > Room()) return DoneOrStopped(SayWhatCannotFit());
     const Attempt found = Search();
     if (found != Attempt::Done) return found;
     const bool isWritten = WriteAll();
     series_.reset();
-    return After(isWritten);
+    return DoneOrStopped(isWritten);
 }
 
 // Nothing to do where no picture gets one in the pass.
@@ -220,7 +223,7 @@ bool Fit::SendWatermark() {
 WorkReport Fit::Add(FittedFile& file) {
     WorkFitAdd settings{};
     settings.isStamped = IsStampedInPass(file);
-    if (file.note.isConverted && !file.whole) {
+    if (file.note.isConverted && !file.stepped) {
         const WorkPhoto photo = PhotoSettings::Load(call_.settings).Order();
         settings.quality = static_cast<std::uint8_t>(photo.quality);
         settings.kinds = photo.kinds;
@@ -240,26 +243,26 @@ Fit::Attempt Fit::AddAll() {
     std::vector<FittedFile*> refused; // noted, but not taken with what was noted
     for (FittedFile& file : files_) {
         file.number.reset();
-        if (file.note && !file.isSettled) file.whole.reset();
+        if (file.note && !file.isSettled) file.stepped.reset();
         const WorkReport report = Add(file);
         if (report.result == WorkResult::Changed) {
             TakeAdded(file);
         } else if (report.result != WorkResult::Unchanged &&
                    report.result != WorkResult::NotSupported) {
-            return After(RefuseFitted(call_, report.result, file));
+            return DoneOrStopped(RefuseFitted(call_, report.result, file));
         } else if (file.note && !file.isSettled) {
             refused.push_back(&file);
         }
     }
-    return refused.empty() ? Attempt::Done : Settle(std::move(refused));
+    return refused.empty() ? Attempt::Done : DoAlone(std::move(refused));
 }
 
 // Does for these files what was noted, as it is done without a fit, which may be nothing.
-Fit::Attempt Fit::Settle(std::vector<FittedFile*> files) {
+Fit::Attempt Fit::DoAlone(std::vector<FittedFile*> files) {
     series_.reset();
     for (FittedFile* const file : files) {
         file->isSettled = true;
-        if (!MakeWhole(call_, *file, Watermark())) return Attempt::Stopped;
+        if (!DoSteps(call_, *file, Watermark())) return Attempt::Stopped;
     }
     if (call_.isZipped && !MeasureKnown()) return Attempt::Stopped;
     return Attempt::Again;
@@ -286,14 +289,28 @@ Fit::Attempt Fit::Search() {
     if (report.result == WorkResult::Changed || report.result == WorkResult::Unchanged) {
         return Attempt::Done;
     }
-    if (report.result == WorkResult::CannotFit) return After(SayWhatCannotFit());
+    if (report.result == WorkResult::CannotFit) return DoneOrStopped(SayWhatCannotFit());
+    std::vector<FittedFile*> named = Named(report);
+    const auto isNoted = [](const FittedFile* file) { return file->note && !file->isSettled; };
+    const bool isSettling = report.result == WorkResult::NotSupported && !named.empty();
+    if (isSettling && std::ranges::all_of(named, isNoted)) return DoAlone(std::move(named));
     // The picture on which the work process was last. Its own word for it isn't trusted to be one.
-    FittedFile* const file = FileOf(report.number);
-    if (!file) return After(RefuseResize(call_, report.result, files_.front().path));
-    if (report.result == WorkResult::NotSupported && file->note && !file->isSettled) {
-        return Settle({file});
+    FittedFile* const file =
+        isSettling ? *std::ranges::find_if_not(named, isNoted) : FileOf(report.number);
+    if (!file) return DoneOrStopped(RefuseResize(call_, report.result, files_.front().path));
+    return DoneOrStopped(RefuseFitted(call_, report.result, *file));
+}
+
+// The pictures for which what is noted isn't supported, as the work process found in the search.
+std::vector<FittedFile*> Fit::Named(const WorkReport& report) {
+    std::vector<FittedFile*> named;
+    for (FittedFile& file : files_) {
+        if (!file.number) continue;
+        const std::string key = kWorkPictureKey + std::to_string(*file.number);
+        if (std::ranges::find(report.found, key, &WorkFound::key) != report.found.end())
+            named.push_back(&file);
     }
-    return After(RefuseFitted(call_, report.result, *file));
+    return named;
 }
 
 // Null when there is none.
@@ -313,7 +330,7 @@ bool Fit::Write(FittedFile& file) {
     WorkReport report =
         Ask({WorkKind::FitWrite, WorkFitWrite{*file.number, 0}}, nullptr, file.smaller->Handle());
     // A picture that is too small for a watermark may go out as it is.
-    if (report.result == WorkResult::Unchanged && (!file.note.isConverted || file.whole)) {
+    if (report.result == WorkResult::Unchanged && (!file.note.isConverted || file.stepped)) {
         file.smaller.reset();
         return true;
     }
@@ -327,8 +344,9 @@ bool Fit::Write(FittedFile& file) {
 }
 
 bool Fit::PlaceAll(std::vector<std::wstring>& paths) {
+    measuring_.Stop(); // it may have a copy open
     for (FittedFile& file : files_) {
-        if (!file.written && !file.whole) continue;
+        if (!file.written && !file.stepped) continue;
         const std::wstring before = file.path;
         if (!PlaceFitted(call_, file)) return false;
         call_.run.record.made.insert(file.path);

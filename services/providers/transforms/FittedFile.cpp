@@ -19,7 +19,7 @@ StepResult DoStep(StageCall& call, FittedFile& file, Step step) {
         return StepResult::Stopped;
     }
     const StepResult result = step(file.Unshrunk(), *made);
-    if (result == StepResult::Made) file.whole = std::move(made);
+    if (result == StepResult::Made) file.stepped = std::move(made);
     return result;
 }
 
@@ -35,22 +35,22 @@ StepResult PutStamp(StageCall& call, FittedFile& file, const WatermarkOrder& wat
     });
 }
 
-// Whether the run goes on.
-bool Settle(bool& isNoted, StepResult result) {
+// Whether the run goes on after the step, which is noted no longer if it passed the file.
+bool GoesOn(bool& isNoted, StepResult result) {
     if (result == StepResult::Passed) isNoted = false;
     return result != StepResult::Stopped;
 }
 
 } // namespace
 
-bool MakeWhole(StageCall& call, FittedFile& file, const WatermarkOrder* watermark) {
-    file.whole.reset();
+bool DoSteps(StageCall& call, FittedFile& file, const WatermarkOrder* watermark) {
+    file.stepped.reset();
     FitNote& note = file.note;
-    if (note.isConverted && !Settle(note.isConverted, Convert(call, file))) return false;
-    if (note.isStamped && watermark && !Settle(note.isStamped, PutStamp(call, file, *watermark))) {
+    if (note.isConverted && !GoesOn(note.isConverted, Convert(call, file))) return false;
+    if (note.isStamped && watermark && !GoesOn(note.isStamped, PutStamp(call, file, *watermark))) {
         return false;
     }
-    file.Count(file.whole ? file.whole->Size() : file.copySize);
+    file.Count(file.stepped ? file.stepped->Size() : file.copySize);
     return true;
 }
 
@@ -60,7 +60,7 @@ bool IsWhole(const NewFile& made, const WorkReport& report, const FittedFile& fi
 }
 
 bool PlaceFitted(StageCall& call, FittedFile& file) {
-    NewFile* const made = file.written ? file.smaller.get() : file.whole.get();
+    NewFile* const made = file.written ? file.smaller.get() : file.stepped.get();
     if (!made) return true;
     if (file.note.isConverted) return PlacePhoto(call, *made, file.copy, file.path);
     return made->TakePlaceOf(file.copy, [&] { return call.wait.IsEnded(); }) ||

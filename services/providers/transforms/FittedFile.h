@@ -19,10 +19,10 @@ struct FittedFile {
 
     // What goes out unless the file is made smaller; for a noted one that is known once it is
     // whole.
-    std::unique_ptr<NewFile> whole{}; // with the noted steps done; null: the copy
-    std::uint64_t size = 0;           // of that
-    std::uint64_t bytes = 0;          // that it counts for
-    bool isMeasured = false;          // as the zip makes it
+    std::unique_ptr<NewFile> stepped{}; // with the noted steps done; null: the copy
+    std::uint64_t size = 0;             // of that
+    std::uint64_t bytes = 0;            // that it counts for
+    bool isMeasured = false;            // as the zip makes it
     // FitAdd doesn't take it with the steps that were noted: they are done, or it has none.
     bool isSettled = false;
 
@@ -30,8 +30,8 @@ struct FittedFile {
     std::unique_ptr<NewFile> smaller{};    // null for a file that stays
     std::optional<WorkReport> written{};   // into that
 
-    HANDLE Unshrunk() const noexcept { return whole ? whole->Handle() : copy.Handle(); }
-    bool IsKnown() const noexcept { return !note || whole; }
+    HANDLE Unshrunk() const noexcept { return stepped ? stepped->Handle() : copy.Handle(); }
+    bool IsKnown() const noexcept { return !note || stepped; }
     void Count(std::uint64_t unshrunk) noexcept {
         size = bytes = unshrunk;
         isMeasured = false;
@@ -41,7 +41,7 @@ struct FittedFile {
 // Does the noted steps as they are done without a fit, and counts the result. A step that passes
 // the file is noted no longer. `watermark` may be null where none is noted. False, after a
 // sentence, when the run has to stop.
-bool MakeWhole(StageCall& call, FittedFile& file, const WatermarkOrder* watermark);
+bool DoSteps(StageCall& call, FittedFile& file, const WatermarkOrder* watermark);
 
 // Whether the new file is what the work process reported, and a JPEG or PNG where a photo was to be
 // converted.

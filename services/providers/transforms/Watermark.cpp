@@ -107,8 +107,8 @@ StepResult StampPicture(StageCall& call, const WatermarkOrder& order, HANDLE sou
         return StepResult::Passed;
     if (report.result == WorkResult::Changed && report.size != 0 && report.size == made.Size())
         return StepResult::Made;
-    const bool isLie = report.result == WorkResult::Changed;
-    RefuseWatermark(call, isLie ? WorkResult::ProcessFailed : report.result, path);
+    const bool isImpossible = report.result == WorkResult::Changed;
+    RefuseWatermark(call, isImpossible ? WorkResult::ProcessFailed : report.result, path);
     return StepResult::Stopped;
 }
 

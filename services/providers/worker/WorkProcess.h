@@ -47,6 +47,9 @@ public:
     // Ends the process and waits until it has ended, so that it has no file open any more.
     void Stop() noexcept;
 
+    // For another process of the same kind.
+    const WorkSettings& Settings() const noexcept { return settings_; }
+
 private:
     friend class WorkSeries;
     WorkReport RunOnce(const WorkOrder& order, HANDLE source, HANDLE target, CallWait& wait);

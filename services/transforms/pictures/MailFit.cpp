@@ -13,6 +13,18 @@ std::uint64_t FineBytes(PictureSize size) noexcept {
     return std::uint64_t{size.width} * size.height * 3 / 4 + 1;
 }
 
+// A picture whose stamp has no room at the step's size stays larger than the others: at the least
+// size at which there is room. The stamp has room in the unshrunk picture.
+void KeepRoom(const Stamp& stamp, PictureSize size, ShrinkStep& step) {
+    if (stamp.HasRoomIn(SizeAfter(size, step))) return;
+    std::uint32_t without = step.longestEdge, with = std::max(size.width, size.height);
+    while (with - without > 1) {
+        step.longestEdge = without + (with - without) / 2;
+        (stamp.HasRoomIn(SizeAfter(size, step)) ? with : without) = step.longestEdge;
+    }
+    step.longestEdge = with;
+}
+
 // Coded pictures that are kept in memory; beyond that they are coded again when they are written.
 const std::uint64_t MostKept = 64ull << 20;
 
@@ -104,10 +116,22 @@ std::uint64_t MailFit::CodeAll(const ShrinkStep& step) {
     for (failed_ = 0; failed_ < pictures_.size(); ++failed_) {
         auto& picture = pictures_[failed_];
         if (!CanShrink(picture)) continue;
-        Code(picture, step);
+        if (!TryCode(picture, step)) unsupported_.push_back(failed_);
         bytes += picture.bytes;
     }
+    if (!unsupported_.empty()) throw PictureFailure{PictureOutcome::Unsupported};
     return bytes;
+}
+
+// False for a form on which the work isn't supported, so that all of these are found at once.
+bool MailFit::TryCode(FitPicture& picture, const ShrinkStep& step) {
+    try {
+        Code(picture, step);
+        return true;
+    } catch (const PictureFailure& failure) {
+        if (failure.outcome != PictureOutcome::Unsupported) throw;
+        return false;
+    }
 }
 
 void MailFit::Code(FitPicture& picture, const ShrinkStep& step) {
@@ -128,6 +152,7 @@ void MailFit::Code(FitPicture& picture, const ShrinkStep& step) {
 void MailFit::Make(const FitPicture& picture, PictureTarget& target, const ShrinkStep& step) const {
     ShrinkStep own = step;
     own.stamp = picture.from.stamp;
+    if (own.stamp) KeepRoom(*own.stamp, picture.form.size, own);
     if (picture.from.maker) return picture.from.maker->Make(picture.File(), target, own, control_);
     if (own.stamp && own.coarseness < kCoarsenessOfStamped) {
         own.coarseness = kCoarsenessOfStamped;

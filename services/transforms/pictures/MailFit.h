@@ -40,9 +40,13 @@ public:
             const PictureControl& control);
 
     // Writes nothing. Written: a step was found; Unchanged: all fits as it is, which isn't known of
-    // pictures with a stamp or a maker; CannotFit: neither, see below. Another outcome is that of
-    // the picture failed(). Throws nothing. Takes as long as coding all pictures a few times.
+    // pictures with a stamp or a maker; CannotFit: neither, see below; Unsupported: the work isn't
+    // supported on the form of the pictures unsupported(). Another outcome is that of the picture
+    // failed(). Throws nothing. Takes as long as coding all pictures a few times.
     PictureOutcome Search() noexcept;
+
+    // Rising.
+    const std::vector<std::size_t>& unsupported() const noexcept { return unsupported_; }
 
     std::size_t failed() const noexcept { return failed_; }
     // After CannotFit: the files that can't shrink take more than there is room for, by themselves.
@@ -77,6 +81,7 @@ private:
     void LookAt(FitPicture& picture) const;
     PictureOutcome SearchStep();
     std::uint64_t CodeAll(const ShrinkStep& step);
+    bool TryCode(FitPicture& picture, const ShrinkStep& step);
     void Code(FitPicture& picture, const ShrinkStep& step);
     void Make(const FitPicture& picture, PictureTarget& target, const ShrinkStep& step) const;
 
@@ -85,6 +90,7 @@ private:
     std::uint64_t room_, others_, fixed_ = 0, shrinkable_ = 0, total_ = 0, kept_ = 0;
     std::uint32_t longestEdge_ = 1;
     std::size_t failed_ = 0;
+    std::vector<std::size_t> unsupported_;
     ShrinkStep step_;
 };
 

@@ -218,13 +218,28 @@ void ActInFitAdd(const std::string& word, const Taken& taken) {
     Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 0});
 }
 
+// Names each photo that was added as one. False when there is none.
+bool SendUnsupported() {
+    bool hasNamed = false;
+    for (std::size_t number = 0; number < added.size(); ++number) {
+        if (added[number].kinds == WorkPhotoKinds::None) continue;
+        Find((kWorkPictureKey + std::to_string(number)).c_str(), 1);
+        hasNamed = true;
+    }
+    return hasNamed;
+}
+
 void ActInFitSearch(const std::string& word) {
     Send(WorkKind::Progress, WorkProgress{1, 5, 1, 0});
     if (word == "fit-crash-in-search") Crash();
     if (word == "fit-hang-in-search") Hang();
+    if (word == "fit-unsupported-other") {
+        Find("picture.0", 1);
+        return SendPassed();
+    }
     if (word == "fit-cannot") return SendFailed(WorkFailure::CannotFit);
     if (word == "fit-damaged") return SendFailed(WorkFailure::Damaged);
-    if (word == "fit-unsupported" && added.size() > 1 && IsNoted(added[1])) return SendPassed();
+    if (word == "fit-unsupported" && SendUnsupported()) return SendPassed();
     Send(WorkKind::Done, WorkDone{WorkOutcome::Changed, 0, 14});
 }
 

@@ -74,6 +74,7 @@ protected:
             EXPECT_TRUE(reader.Take(header.kind, {payload, header.size})) << records;
             records += isProgress;
         }
+        reported_ = reader.Report();
         return records;
     }
     static obcontract::WorkFailure FailureOf(const std::optional<transforms::WorkEnd>& end) {
@@ -83,6 +84,7 @@ protected:
     const TestFolder folder_;
     ObLib::UniqueKernelHandle answered_;
     std::optional<transforms::WorkChannel> channel_;
+    providers::WorkReport reported_; // what the manager's reader made of the records; after Records
 };
 
 } // namespace obtest

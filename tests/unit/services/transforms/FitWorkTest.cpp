@@ -168,20 +168,26 @@ TEST_F(FitWorkTest, WritesPicturesWithoutStepsOnlyIfTheyBecomeSmaller) {
 }
 
 // With colours of 3 and 2 samples side by side no watermark can be laid over a JPEG.
-TEST_F(FitWorkTest, ReportsAPictureOnWhichNoStampCanBePut) {
+TEST_F(FitWorkTest, NamesAllPicturesOnWhichNoStampCanBePut) {
     ASSERT_EQ(OutcomeOf(Stamp()), WorkOutcome::Changed);
     std::string odd = Text(obtest::MakeJpeg(obtest::Photo(480, 480, 3), {.across = 1, .down = 1}));
     const std::size_t frame = odd.find("\xff\xc0");
     ASSERT_NE(frame, std::string::npos);
     odd[frame + 11] = 0x31; // three samples of brightness across
     odd[frame + 14] = 0x21; // to two of a colour
-    EXPECT_EQ(OutcomeOf(Add({odd.begin(), odd.end()}, kStamped)), WorkOutcome::Changed);
+    const PictureBytes good = obtest::MakeJpeg(obtest::Photo(480, 480, 3));
+    for (const PictureBytes& file :
+         {good, PictureBytes(odd.begin(), odd.end()), good, PictureBytes(odd.begin(), odd.end())})
+        EXPECT_EQ(OutcomeOf(Add(file, kStamped)), WorkOutcome::Changed);
     EXPECT_EQ(OutcomeOf(Search(10'000)), WorkOutcome::NotSupported);
+    fit_.reset();
+    Records();
+    EXPECT_EQ(reported_.found,
+              (std::vector<providers::WorkFound>{{"picture.1", 1}, {"picture.3", 1}}));
 }
 
-TEST_F(FitWorkTest, ReportsADamagedPhoto) {
+TEST_F(FitWorkTest, ReportsAPhotoWithoutAHeader) {
     auto cut = obtest::MakeTiff(obtest::Photo(500, 400, 3), {.compression = 5});
-    const auto whole = cut;
     cut.resize(8);
     EXPECT_EQ(FailureOf(Add(cut, kConverted)), WorkFailure::Damaged);
 }
@@ -197,6 +203,19 @@ TEST_F(FitWorkTest, ReportsThatPicturesAreWorkedOn) {
     EXPECT_EQ(OutcomeOf(Write(0)), WorkOutcome::Changed);
     fit_.reset();
     EXPECT_GT(Records(), 600 / 2);
+}
+
+// Its headers are whole, so that the search alone shows it.
+TEST_F(FitWorkTest, ReportsLastThePictureThatIsDamaged) {
+    const auto photo = obtest::MakeJpeg(obtest::Photo(500, 400, 3, 8, 1, 40), {.quality = 97});
+    auto cut = photo;
+    cut.resize(cut.size() / 2);
+    for (const PictureBytes& file : {photo, cut, photo})
+        EXPECT_EQ(OutcomeOf(Add(file, kAsItIs)), WorkOutcome::Changed);
+    EXPECT_EQ(FailureOf(Search(30'000)), WorkFailure::Damaged);
+    fit_.reset();
+    EXPECT_GT(Records(), 0);
+    EXPECT_EQ(reported_.number, 1u);
 }
 
 } // namespace

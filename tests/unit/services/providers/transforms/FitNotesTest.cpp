@@ -42,6 +42,11 @@ protected:
     static void Begin(const char* word) {
         Script(word);
         DeleteFileW(obtest::BesideProgram(L"kinds.txt").c_str());
+        DeleteFileW(obtest::BesideProgram(L"starts.txt").c_str());
+    }
+    // How many work processes were started since then.
+    static std::size_t Starts() {
+        return obtest::ReadFileContent(obtest::BesideProgram(L"starts.txt")).value_or("").size();
     }
     // The kinds of the requests since then, as numbers.
     static std::string Asked() {
@@ -190,6 +195,30 @@ TEST_F(FitNotes, MeasureInTheZipWhatIsDoneAlone) {
     EXPECT_EQ(obtest::ReadFileContent(folder_ / L"b.jpg").value_or("").size(), 900'000u);
 }
 
+TEST_F(FitNotes, MeasureEachFileInOneProcessBesideTheOneThatDoesTheSteps) {
+    Select(kWatermark);
+    Names paths;
+    for (int i = 0; i < 6; ++i) paths.push_back(Jpeg(std::to_wstring(i) + L".bmp", 800'000));
+    NoteAll(paths);
+    Begin("fit-small-zip");
+    EXPECT_TRUE(Fit(paths, 1));
+    EXPECT_EQ(Asked(), "9 9 9 9 9 9 ");
+    EXPECT_LE(Starts(), 2u);
+}
+
+// All that the search finds are done alone before the next search.
+TEST_F(FitNotes, SearchOnceMoreForAllPhotosThatTheSearchRefuses) {
+    Select(kConvert);
+    Names paths{Jpeg(L"a.jpg", 700'000)};
+    for (const wchar_t* name : {L"b.heic", L"c.heic", L"d.heic"})
+        paths.push_back(Photo(name, 10'000));
+    NoteAll(paths);
+    Begin("fit-unsupported");
+    EXPECT_TRUE(Fit(paths));
+    EXPECT_EQ(Asked(), "8 8 8 5 5 5 5 6 8 8 8 5 5 5 5 6 7 ");
+    EXPECT_EQ(Files(), (Names{L"a.jpg", L"b.jpg", L"c.jpg", L"d.jpg"}));
+}
+
 // What isn't a picture that fit takes gets its steps at once.
 TEST_F(FitNotes, AreForPicturesThatFitTakesAlone) {
     Select(kWatermark);
@@ -268,6 +297,7 @@ TEST_F(FitNotes, StopWithASentenceForTheFileThatFails) {
         {"fit-crash-in-add", L"\u201cletter.txt\u201d can't be made smaller"},
         {"fit-crash-in-search", L"\u201cb.heic\u201d can't be converted"},
         {"fit-crash-in-write", L"\u201cb.heic\u201d can't be converted"},
+        {"fit-unsupported-other", L"\u201ca.jpg\u201d can't be made smaller"},
         {"fit-crash-in-mark", L"\u201ca.jpg\u201d can't get a watermark"},
         {"fit-full", L"copy of \u201cb.heic\u201d can't be written"},
         {"fit-unchanged", L"\u201cb.heic\u201d can't be converted"},
@@ -345,17 +375,43 @@ TEST_F(FitNotes, LeaveOnlyTheCopiesAfterACancel) {
 
 TEST_F(FitNotes, RefuseALongerPathThanTheResultMayHaveBeforeTheWork) {
     Select(kConvert);
-    std::wstring deep = folder_.Path();
-    while (deep.size() < 400) {
-        deep += L"\\" + std::wstring(60, L'd');
-        ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr));
-    }
-    const std::wstring path = deep + L"\\" + std::wstring(513 - deep.size() - 3, L'n') + L".t";
-    ASSERT_TRUE(obtest::WriteFileContent(L"\\\\?\\" + path, "pic"));
+    const std::wstring path = DeepFile(L".t", 513, "pic");
     const obtest::MessageBoxWatcher boxes;
     EXPECT_FALSE(Execute(path));
     ASSERT_EQ(boxes.Seen().size(), 1u);
     EXPECT_NE(boxes.Seen()[0].text.find(L"too long"), std::wstring::npos);
+}
+
+// Its result would have a longer path, but it has none.
+TEST_F(FitNotes, PassALongPathOfWhatIsNoPhoto) {
+    for (const bool isFitted : {true, false}) {
+        Anew();
+        Select(kConvert);
+        if (!isFitted) {
+            ASSERT_TRUE(Entries().SelectProviders(manager_, kSelectLeaveOut, kResize, kTransform));
+        }
+        const std::wstring path = DeepFile(L"", 513, "text");
+        const obtest::MessageBoxWatcher boxes;
+        EXPECT_TRUE(Execute(path));
+        EXPECT_EQ(Entries().GetProviderTarget(manager_), path);
+        EXPECT_TRUE(boxes.Seen().empty());
+        DeleteFileW((L"\\\\?\\" + path).c_str());
+    }
+}
+
+// The second result finds no name once the first one has its place. Both are in one folder.
+TEST_F(FitNotes, StopWhenAResultFindsNoNameAnyMore) {
+    Select(kConvert);
+    const std::wstring first = DeepFile(L".tif", 513, "pic" + std::string(90'000, 'p'));
+    const std::wstring second = DeepFile(L".bmp", 513, "pic" + std::string(90'000, 'p'));
+    NoteAll({first, second});
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(List({first, second}, 3));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_NE(boxes.Seen()[0].text.find(L"too long"), std::wstring::npos);
+    EXPECT_EQ(obtest::ReadFileContent(L"\\\\?\\" + second).value_or("").size(), 90'003u);
+    for (const std::wstring& name : Files()) EXPECT_FALSE(name.ends_with(L".new"));
+    EXPECT_TRUE(Results(2).empty());
 }
 
 // What an earlier clean found in the copy counts for the result, which is cleaned again.

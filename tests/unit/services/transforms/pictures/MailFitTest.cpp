@@ -84,8 +84,19 @@ PictureBytes RandomPicture(Random& random, unsigned seed) {
 // What a limit of `room` bytes for files is for the mail.
 std::uint64_t MailLimit(std::uint64_t room) { return room * 137 / 100; }
 
+// A light bar across the picture.
+class Bar : public Stamp {
+public:
+    PlacedStamp For(PictureSize shown) const override {
+        const PictureSize size{shown.width, shown.height / 8 + 1};
+        return {0, 0, size, PictureBytes(std::size_t{size.width} * size.height * 4, 0xC0)};
+    }
+    bool HasRoomIn(PictureSize size) const noexcept override { return size.width > 100; }
+};
+
 // What all files take at the last step that a search can try.
-std::uint64_t SmallestBytes(const Files& files, std::uint64_t others) {
+std::uint64_t SmallestBytes(const std::vector<FitSource>& sources, const Files& files,
+                            std::uint64_t others) {
     std::uint32_t longestEdge = 1;
     std::vector<PictureForm> forms;
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -98,8 +109,10 @@ std::uint64_t SmallestBytes(const Files& files, std::uint64_t others) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         MemorySource source(files[i]);
         MemoryTarget coded;
-        ShrinkPicture(forms[i].kind, source, coded, ladder[ladder.size() - 1], {});
-        sum += std::min(files[i].size(), coded.bytes.size());
+        ShrinkStep step = ladder[ladder.size() - 1];
+        step.stamp = sources[i].stamp;
+        ShrinkPicture(forms[i].kind, source, coded, step, {});
+        sum += step.stamp ? coded.bytes.size() : std::min(files[i].size(), coded.bytes.size());
     }
     return sum;
 }
@@ -122,7 +135,9 @@ Shown CheckShrunk(MailFit& fit, const Files& files, std::uint64_t room, std::uin
     return Shown::UsesTheRoom;
 }
 
+// A third of the pictures gets a stamp.
 Shown CheckRandomSet(unsigned seed) {
+    const Bar bar;
     Random random(seed);
     Files files;
     const unsigned count = 1 + random.Below(3);
@@ -130,14 +145,19 @@ Shown CheckRandomSet(unsigned seed) {
     const std::uint64_t others = random.Below(3) ? random.Below(50'000) : 0;
     const std::uint64_t limit = MailLimit(others + files.Bytes() * (25 + random.Below(90)) / 100);
     const std::uint64_t room = RoomForFiles(limit);
-    MailFit fit(files.Sources(), limit, others, {});
+    auto sources = files.Sources();
+    for (FitSource& source : sources)
+        if (random.Below(3) == 0) source.stamp = &bar;
+    const bool hasStamp =
+        std::ranges::any_of(sources, [](const FitSource& source) { return source.stamp; });
+    MailFit fit(sources, limit, others, {});
     const auto outcome = fit.Search();
-    if (others + files.Bytes() <= room) {
+    if (others + files.Bytes() <= room && !hasStamp) {
         EXPECT_EQ(outcome, PictureOutcome::Unchanged) << seed;
         return Shown::AllFits;
     }
     if (outcome == PictureOutcome::CannotFit) {
-        EXPECT_GT(SmallestBytes(files, others), room) << seed;
+        EXPECT_GT(SmallestBytes(sources, files, others), room) << seed;
         return Shown::NothingFits;
     }
     EXPECT_EQ(outcome, PictureOutcome::Written) << seed;
@@ -256,14 +276,20 @@ TEST(MailFitTest, GivesEqualBytesForEqualPictures) {
     }
 }
 
-// A light bar across the picture.
-class Bar final : public Stamp {
+// Has no room in a picture with a side below 25 pixels.
+class NarrowBar final : public Bar {
 public:
-    PlacedStamp For(PictureSize shown) const override {
-        const PictureSize size{shown.width, shown.height / 8 + 1};
-        return {0, 0, size, PictureBytes(std::size_t{size.width} * size.height * 4, 0xC0)};
+    bool HasRoomIn(PictureSize size) const noexcept override {
+        return std::min(size.width, size.height) >= 25;
     }
-    bool HasRoomIn(PictureSize size) const noexcept override { return size.width > 100; }
+};
+
+class RefusingMaker final : public FitMaker {
+public:
+    void Make(PictureSource&, PictureTarget&, const ShrinkStep&,
+              const PictureControl&) const override {
+        throw PictureFailure{PictureOutcome::Unsupported};
+    }
 };
 
 // Counts the codings; what it makes is as large as the step says.
@@ -361,6 +387,51 @@ TEST(MailFitTest, CodesPicturesWithAStampEvenIfTheFilesFit) {
     MemoryTarget alone;
     StampPicture(source, alone, bar, {});
     EXPECT_TRUE(std::ranges::equal(ParseJpeg(target.bytes).table, ParseJpeg(alone.bytes).table));
+}
+
+// The step would leave it 13 pixels high.
+TEST(MailFitTest, KeepsAPictureLargeEnoughForItsStamp) {
+    const NarrowBar bar;
+    for (const bool isStamped : {true, false}) {
+        Files files;
+        files.Add(MakeJpeg(Photo(900, 45, 3, 8, 1, 30), {.quality = 97}));
+        files.Add(MakeJpeg(Photo(900, 700, 3, 8, 2, 30), {.quality = 97}));
+        auto sources = files.Sources();
+        if (isStamped) sources[0].stamp = &bar;
+        constexpr std::uint64_t kRoom = 10'000;
+        MailFit fit(sources, MailLimit(kRoom), 0, {});
+        ASSERT_EQ(fit.Search(), PictureOutcome::Written);
+        EXPECT_LE(fit.TotalBytes(), kRoom);
+        EXPECT_GE(fit.TotalBytes(), kRoom * 85 / 100);
+        EXPECT_LT(fit.step().longestEdge, 480u);
+        EXPECT_GE(fit.step().longestEdge, 200u);
+        MemoryTarget target;
+        ASSERT_EQ(fit.Write(0, target), PictureOutcome::Written);
+        const Raster written = ParseJpeg(target.bytes).raster;
+        if (isStamped) {
+            EXPECT_EQ(written.height, 25u);
+            EXPECT_NEAR(written.At(written.width / 2, 1, 0), 0xC0, 30); // the bar
+        } else {
+            EXPECT_LT(written.height, 25u);
+        }
+    }
+}
+
+TEST(MailFitTest, FindsAllPicturesOnWhichTheWorkIsNotSupportedAtOnce) {
+    const CountingMaker maker;
+    const RefusingMaker refusing;
+    Files files;
+    for (int i = 0; i < 4; ++i) files.Add(PictureBytes(50'000, 'x'));
+    auto sources = files.Sources();
+    for (std::size_t i = 0; i < 4; ++i) {
+        sources[i].maker = &maker;
+        if (i % 2) sources[i].maker = &refusing;
+        sources[i].madeSize = {1000, 800};
+    }
+    MailFit fit(sources, MailLimit(20'000), 0, {});
+    EXPECT_EQ(fit.Search(), PictureOutcome::Unsupported);
+    EXPECT_EQ(fit.unsupported(), (std::vector<std::size_t>{1, 3}));
+    EXPECT_EQ(maker.made, 2);
 }
 
 // The bytes that were counted are those that are written: nothing is coded again for them.
