@@ -80,7 +80,7 @@ std::unique_ptr<SuiteFolder> SuiteFolder::Own(std::wstring path, const std::wstr
     });
     const auto identity = IdentityOfFolder(prefixed);
     if (!identity) return nullptr;
-    std::unique_ptr<SuiteFolder> made(new SuiteFolder(std::move(path), *identity));
+    std::unique_ptr<SuiteFolder> made(new SuiteFolder(std::move(path), prefixed, *identity));
     isOwned = true;
     return made;
 }
@@ -98,18 +98,23 @@ std::unique_ptr<SuiteFolder> SuiteFolder::MakeFor(const std::wstring& folder) {
     return nullptr;
 }
 
+// A shortage of memory may pass, as a program's hold on a file does.
 SuiteFolder::~SuiteFolder() {
     constexpr int kAttempts = 100;
     constexpr DWORD kPause = 20; // milliseconds
-    ObLib::RanGuarded([this] {
-        const std::wstring path = WithLongPathPrefix(path_);
-        for (int attempt = 0; attempt < kAttempts; ++attempt) {
-            if (IsLink(path) || IdentityOfFolder(path) != identity_) return;
-            DeleteFolder(path, 0);
-            if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) return;
-            Sleep(kPause);
-        }
-    });
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        bool isDone = false;
+        ObLib::RanGuarded([&] { isDone = TryToDelete(); });
+        if (isDone) return;
+        Sleep(kPause);
+    }
+}
+
+// True when there is nothing left of it, or something else in its place.
+bool SuiteFolder::TryToDelete() const {
+    if (IsLink(prefixed_) || IdentityOfFolder(prefixed_) != identity_) return true;
+    DeleteFolder(prefixed_, 0);
+    return GetFileAttributesW(prefixed_.c_str()) == INVALID_FILE_ATTRIBUTES;
 }
 
 bool SuiteFolder::MakeFolder(const wchar_t* name) const {

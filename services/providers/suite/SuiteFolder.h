@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/files/FileIdentity.h"
@@ -19,7 +20,7 @@ public:
     // suites: below the run's top folder in the temporary one, or below the temporary one. Null
     // when it can't be made. Throws std::bad_alloc.
     static std::unique_ptr<SuiteFolder> MakeFor(const std::wstring& folder);
-    // Waits up to two seconds for files that an ended program still has open.
+    // Waits up to two seconds for files that an ended program still has open, and for memory.
     ~SuiteFolder();
     SuiteFolder(const SuiteFolder&) = delete;
     SuiteFolder& operator=(const SuiteFolder&) = delete;
@@ -34,10 +35,12 @@ public:
 
 private:
     static std::unique_ptr<SuiteFolder> Own(std::wstring path, const std::wstring& prefixed);
-    SuiteFolder(std::wstring path, const FileIdentity& identity)
-        : path_(std::move(path)), identity_(identity) {}
+    SuiteFolder(std::wstring path, std::wstring prefixed, const FileIdentity& identity)
+        : path_(std::move(path)), prefixed_(std::move(prefixed)), identity_(identity) {}
+    bool TryToDelete() const;
 
     std::wstring path_;
+    std::wstring prefixed_; // the same for long paths
     FileIdentity identity_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -14,12 +15,24 @@
 #include "services/providers/suite/OfficeProgram.h"
 #include "services/providers/suite/OfficeRun.h"
 #include "services/providers/suite/SuiteProcess.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/services/providers/suite/ConversionFixture.h"
 
 using namespace providers;
 using namespace suitetest;
 
 namespace {
+
+// The limits that were last set for a job. Without any, a program in it outlives this process.
+std::atomic<DWORD> lastLimits;
+decltype(&SetInformationJobObject) realSetInformation;
+BOOL WINAPI RecordLimits(HANDLE job, JOBOBJECTINFOCLASS kind, void* information, DWORD size) {
+    if (kind == JobObjectExtendedLimitInformation) {
+        lastLimits = static_cast<JOBOBJECT_EXTENDED_LIMIT_INFORMATION*>(information)
+                         ->BasicLimitInformation.LimitFlags;
+    }
+    return realSetInformation(job, kind, information, size);
+}
 
 class OfficeAutomation : public ConversionFixture {
 protected:
@@ -30,6 +43,9 @@ protected:
         ConversionFixture::SetUp();
         ForgetOffice();
         InstallOffice();
+        ASSERT_TRUE(limits_.Ok());
+        realSetInformation = limits_.Real();
+        lastLimits = 0;
     }
     void TearDown() override { ForgetOffice(); }
 
@@ -51,6 +67,10 @@ protected:
         const Lines calls = Calls();
         return {calls.end() - static_cast<std::ptrdiff_t>(std::min(count, calls.size())),
                 calls.end()};
+    }
+    static bool AwaitFreeJob() {
+        for (DWORD waited = 0; waited < kLimit && lastLimits != 0; waited += 10) Sleep(10);
+        return lastLimits == 0;
     }
     static bool AwaitCall(const std::wstring& begin) {
         for (DWORD waited = 0; waited < kLimit; waited += 10, Sleep(10)) {
@@ -88,6 +108,9 @@ protected:
         return L"'" + run_ + L"\\~suite1\\document." + extension + L"'";
     }
     std::wstring Result() const { return L"'" + run_ + L"\\~suite1\\result\\document.pdf'"; }
+
+    const obtest::ImportPatch<decltype(&SetInformationJobObject)> limits_{
+        "kernel32.dll", "SetInformationJobObject", &RecordLimits};
 };
 
 TEST_F(OfficeAutomation, OpensATextReadOnlyAndClosesEverything) {
@@ -264,6 +287,8 @@ TEST_F(OfficeAutomation, QuitsAProgramThatCannotBePutIntoTheJob) {
 TEST_F(OfficeAutomation, LeavesAProgramToTheUserWhoWorksInItWhenTheCallEnds) {
     std::thread ender([&] {
         EXPECT_TRUE(AwaitCall(L"shown"));
+        // While the program still works on the document.
+        EXPECT_TRUE(AwaitFreeJob());
         SetEvent(ended_.Get());
     });
     EXPECT_EQ(Convert(L"letter.docx", "hang-in-use"), SuiteOutcome::Cancelled);
@@ -288,9 +313,11 @@ TEST_F(OfficeAutomation, LeavesAProgramTheUserWorksInOutOfTheJobAtOnce) {
         std::make_shared<OfficeRun>(DocumentKind::Text, *office, folder_ / L"letter",
                                     folder_ / L"result.pdf", providers::MakeSuiteJob());
     EXPECT_FALSE(run->FreeIfInUse());
+    EXPECT_TRUE(lastLimits & JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE);
     const auto thread = OfficeRun::Start(run);
     ASSERT_TRUE(thread && AwaitCall(L"shown"));
     EXPECT_TRUE(run->FreeIfInUse());
+    EXPECT_EQ(lastLimits, 0u);
     ASSERT_TRUE(obtest::WriteFileContent(InOffice(L"office.txt"), "in-use"));
     ASSERT_EQ(WaitForSingleObject(thread.Get(), kLimit), WAIT_OBJECT_0);
     EXPECT_EQ(run->End(), OfficeEnd::Written);

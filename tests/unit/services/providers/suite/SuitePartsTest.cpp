@@ -198,4 +198,26 @@ TEST(SuiteFolderTest, DoesNotStayWhenTheMemoryRunsOut) {
     EXPECT_GT(failed, 3u);
 }
 
+// Each allocation of the deletion fails once.
+TEST(SuiteFolderTest, IsDeletedOnceThereIsMemoryAgain) {
+    bool hasFailed = true;
+    for (std::size_t at = 0; hasFailed; ++at) {
+        const obtest::TestFolder place;
+        const std::wstring path = place.Path();
+        auto folder = SuiteFolder::MakeFor(path);
+        ASSERT_TRUE(folder && folder->MakeFolder(L"profile"));
+        ASSERT_TRUE(folder->MakeFile(L"profile\\document"));
+        {
+            const obtest::FailingAllocations failing({.succeeding = at, .once = true});
+            folder.reset();
+            hasFailed = failing.Failed();
+        }
+        EXPECT_EQ(obtest::ListTree(path), std::vector<std::wstring>()) << at;
+        ASSERT_LT(at, 50u);
+        if (at == 0) {
+            EXPECT_TRUE(hasFailed);
+        }
+    }
+}
+
 } // namespace
