@@ -109,6 +109,14 @@ protected:
         EXPECT_GE(Sum(contents), kRoomOfOneMegabyte * 85 / 100);
     }
 
+    // A picture in one colour.
+    std::wstring Logo(const PictureBytes& colour) const {
+        obtest::Raster raster{10, 10, 3, 8, {}};
+        for (int pixel = 0; pixel < 100; ++pixel)
+            raster.bytes.insert(raster.bytes.end(), colour.begin(), colour.end());
+        return folder_.File(L"logo.png", Text(obtest::MakePng(raster)));
+    }
+
     std::vector<std::pair<std::wstring, std::string>> picked_;
     std::wstring logo_; // empty: the watermark is a text
 };
@@ -172,18 +180,23 @@ TEST_F(FittedPhotos, AreMadeSmallerConvertedAndStampedTogether) {
     EXPECT_GT(turned.raster.height, turned.raster.width); // turned once
     const auto scanned = obtest::ParseJpeg(Bytes(fitted.at(L"b.jpg")));
     EXPECT_TRUE(std::ranges::equal(turned.table, scanned.table)); // one quality
-    // The watermark is on each: without it other bytes would come out.
-    const Contents unstamped = Run({kResize, kConvert});
-    for (const auto& [name, content] : fitted) {
-        if (name != L"letter.txt") {
-            EXPECT_NE(content, unstamped.at(name)) << testing::PrintToString(name);
+    // The watermark is on each: nothing else in them is magenta.
+    logo_ = Logo({255, 0, 255});
+    const Contents marked = Run({kResize, kConvert, kWatermark});
+    ASSERT_EQ(marked.size(), 6u);
+    for (const auto& [name, content] : marked) {
+        if (name == L"letter.txt") continue;
+        const auto raster = IsPng(content) ? obtest::ParsePng(Bytes(content))
+                                           : obtest::ParseJpeg(Bytes(content)).raster;
+        for (const auto& [channel, wanted] : {std::pair{0u, 255u}, {1u, 0u}, {2u, 255u}}) {
+            EXPECT_NEAR(raster.At(raster.width / 2, raster.height / 2, channel), wanted, 60)
+                << testing::PrintToString(name);
         }
     }
 }
 
 TEST_F(FittedPhotos, GetAPictureAsTheirWatermark) {
-    logo_ = folder_.File(L"logo.png",
-                         Text(obtest::MakePng(obtest::Raster{10, 10, 3, 8, PictureBytes(300, 0)})));
+    logo_ = Logo({0, 0, 0});
     Pick(L"a.jpg", obtest::MakeJpeg(obtest::Raster{1000, 800, 3, 8, PictureBytes(2'400'000, 250)}));
     Pick(L"b.jpg", obtest::MakeJpeg(Grainy(1100, 900, 3), {.quality = 97}));
     const Contents fitted = Run({kResize, kWatermark});

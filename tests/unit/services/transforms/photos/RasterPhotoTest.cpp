@@ -244,6 +244,15 @@ TEST(HostileRasterPhoto, DoesNotEndTheProcessWhateverByteIsChanged) {
     }
 }
 
+// The longest side that a JPEG can have.
+TEST(RasterPhoto, IsTooLargeForAJpegAboveItsLongestSide) {
+    for (const auto& [width, outcome] : {std::pair{65'500u, PictureOutcome::Written},
+                                         std::pair{65'501u, PictureOutcome::TooLarge}}) {
+        const Raster line{width, 1, 3, 8, PictureBytes(std::size_t{3} * width, 90)};
+        EXPECT_EQ(Convert(MakeBmp(line)).outcome, outcome) << width;
+    }
+}
+
 TEST(HostileRasterPhoto, IsRefusedWhenItIsABomb) {
     PictureControl control;
     control.limits.pixels = kPhotoWidth * kPhotoHeight - 1;
