@@ -138,6 +138,7 @@ class CloudServers:
         self.upstreams = {}
         try:
             os.makedirs(folder, exist_ok=True)
+            os.chmod(folder, 0o711)  # one of the servers may be another user, whatever this one's umask
             if "apache" in names or "tls" in names:
                 self.start_apache("tls" in names)
             if "sabre" in names:
