@@ -2,6 +2,7 @@
 
 #include <objbase.h>
 
+#include <array>
 #include <optional>
 
 #include "ObLib/Src/Win32/Guarded.h"
@@ -36,19 +37,66 @@ BOOL CALLBACK CancelDialog(HWND window, LPARAM) noexcept {
     return TRUE;
 }
 
-void DispatchMessages(std::optional<int>& quitCode) {
-    constexpr int kMostAtOnce = 50; // so that a flood doesn't hide the end of the thread
-    MSG message;
-    for (int count = 0; count < kMostAtOnce; ++count) {
-        if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return;
-        if (message.message == WM_QUIT) {
-            quitCode = static_cast<int>(message.wParam);
-        } else {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
+// What the user does to the calling thread's windows.
+bool IsInput(const MSG& message) {
+    const UINT id = message.message;
+    return (id >= WM_KEYFIRST && id <= WM_KEYLAST) || (id >= WM_MOUSEFIRST && id <= WM_MOUSELAST) ||
+           (id >= WM_NCLBUTTONDOWN && id <= WM_NCXBUTTONDBLCLK) || id == WM_COMMAND ||
+           id == WM_SYSCOMMAND || id == WM_CLOSE;
+}
+
+// The calling thread's messages while the work runs. The shell disables the owner only once its
+// dialog is there, which takes a while; until then a second click would open a second dialog, or
+// end the owner below the first one. To disable the owner from the beginning is no way out: it
+// would still be disabled when the shell's dialog goes, and another program would come to the
+// front.
+class ShellWait {
+public:
+    explicit ShellWait(HWND owner) : owner_(owner) {}
+    ~ShellWait() {
+        for (std::size_t index = 0; index < lateCount_; ++index) {
+            const MSG& late = late_[index];
+            PostMessageW(late.hwnd, late.message, late.wParam, late.lParam);
+        }
+        if (quitCode_) PostQuitMessage(*quitCode_);
+    }
+    ShellWait(const ShellWait&) = delete;
+    ShellWait& operator=(const ShellWait&) = delete;
+
+    bool IsToEnd() const { return quitCode_ || (owner_ && !IsWindow(owner_)); }
+
+    void DispatchMessages() {
+        constexpr int kMostAtOnce = 50; // so that a flood doesn't hide the end of the thread
+        MSG message;
+        for (int count = 0; count < kMostAtOnce; ++count) {
+            const bool isThere = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;
+            hasShown_ = hasShown_ || (owner_ && !IsWindowEnabled(owner_));
+            if (!isThere) return;
+            if (message.message == WM_QUIT) {
+                quitCode_ = static_cast<int>(message.wParam);
+            } else if (owner_ && IsInput(message)) {
+                KeepIfLate(message);
+            } else {
+                TranslateMessage(&message);
+                DispatchMessageW(&message);
+            }
         }
     }
-}
+
+private:
+    // What comes after the shell's dialog waits for the end of the thread; the rest is dropped.
+    void KeepIfLate(const MSG& message) {
+        if (hasShown_ && IsWindowEnabled(owner_) && lateCount_ < late_.size()) {
+            late_[lateCount_++] = message;
+        }
+    }
+
+    HWND owner_;            // may be null
+    bool hasShown_ = false; // the shell's dialog
+    std::array<MSG, 16> late_ = {};
+    std::size_t lateCount_ = 0;
+    std::optional<int> quitCode_;
+};
 
 } // namespace
 
@@ -58,13 +106,12 @@ bool RunOnShellThread(HWND owner, const std::function<void()>& work) {
     const ObLib::UniqueKernelHandle thread(CreateThread(nullptr, 0, &Entry, &run, 0, &id));
     if (!thread) return false;
     const HANDLE handle = thread.Get();
-    std::optional<int> quitCode;
+    ShellWait wait(owner);
     while (MsgWaitForMultipleObjectsEx(1, &handle, kTick, QS_ALLINPUT, MWMO_INPUTAVAILABLE) !=
            WAIT_OBJECT_0) {
-        DispatchMessages(quitCode);
-        if (quitCode || (owner && !IsWindow(owner))) EnumThreadWindows(id, &CancelDialog, 0);
+        wait.DispatchMessages();
+        if (wait.IsToEnd()) EnumThreadWindows(id, &CancelDialog, 0);
     }
-    if (quitCode) PostQuitMessage(*quitCode);
     return run.hasRun;
 }
 

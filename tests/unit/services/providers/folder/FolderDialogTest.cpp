@@ -235,6 +235,21 @@ TEST_F(FolderDialog, KeepsTheFolderWhenBrowsingIsCancelled) {
               FolderPageEnd::Cancelled);
 }
 
+TEST_F(FolderDialog, TakesNoClickBeforeTheBrowserIsOpen) {
+    EXPECT_EQ(Show([&](HWND dialog) {
+                  PostMessageW(dialog, WM_COMMAND, OB_FOLDER_BROWSE, 0);
+                  PostMessageW(dialog, WM_COMMAND, OB_FOLDER_BROWSE, 0);
+                  PostMessageW(dialog, WM_COMMAND, OB_FOLDER_LOG_OUT, 0);
+                  const auto browser = obtest::OpenPicker::Await(GetCurrentProcessId());
+                  ASSERT_NE(browser.Window(), nullptr);
+                  EXPECT_TRUE(IsWindow(dialog));
+                  browser.PressCancel();
+                  EXPECT_TRUE(WaitUntil([&] { return IsWindowEnabled(dialog) != FALSE; }));
+                  obtest::PressCommand(dialog, IDCANCEL);
+              }),
+              FolderPageEnd::Cancelled);
+}
+
 TEST(FolderCheck, LeavesNothingInAFolderThatCanBeUsed) {
     const TestFolder cloud;
     EXPECT_EQ(CheckFolder(cloud.Path()), 0U);
