@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "services/providers/files/FileIdentity.h"
@@ -28,38 +29,67 @@ bool StartsWith(const std::wstring& path, const std::wstring& start) {
            CompareStringOrdinal(path.c_str(), length, start.c_str(), length, TRUE) == CSTR_EQUAL;
 }
 
-// The file's path below the folder, by the folder's identity: a drive's letter may lead to a share.
-// Empty when the file isn't below it.
-std::wstring BelowByIdentity(const std::wstring& path, const std::wstring& folder) {
-    const auto wanted = IdentityOfFolder(folder);
-    if (!wanted) return {};
+// The accounts' folders, each of which is opened once at most: one that doesn't respond takes long.
+class Identities {
+public:
+    explicit Identities(std::span<const PickableFolder> folders) : folders_(folders) {}
+
+    // Nothing for a folder that can't be reached or has no identity of its own.
+    const std::optional<FileIdentity>& Of(std::size_t index) {
+        if (known_.empty()) {
+            for (const PickableFolder& folder : folders_) {
+                const auto identity = IdentityOfFolder(folder.settings.folder);
+                known_.push_back(identity && identity->file != 0 ? identity : std::nullopt);
+            }
+        }
+        return known_[index];
+    }
+
+private:
+    std::span<const PickableFolder> folders_;
+    std::vector<std::optional<FileIdentity>> known_;
+};
+
+// A file below one of the folders.
+struct FoundFile {
+    std::size_t folder = 0;
+    std::wstring below; // its path there
+};
+
+// By the names in its path: the innermost folder.
+std::optional<FoundFile> FindByName(const std::wstring& path,
+                                    std::span<const PickableFolder> folders) {
+    std::optional<FoundFile> found;
+    for (std::size_t index = 0; index < folders.size(); ++index) {
+        const std::wstring start = StartOf(folders[index].settings.folder);
+        if (!StartsWith(path, start)) continue;
+        std::wstring below = path.substr(start.size());
+        if (!found || below.size() < found->below.size()) found = {index, std::move(below)};
+    }
+    return found;
+}
+
+// By the folders around it, from the innermost one: a drive's letter may lead to a share.
+std::optional<FoundFile> FindByIdentity(const std::wstring& path, std::size_t count,
+                                        Identities& identities) {
     for (std::size_t slash = path.find_last_of(L'\\'); slash != std::wstring::npos && slash > 1;
          slash = path.find_last_of(L'\\', slash - 1)) {
-        if (IdentityOfFolder(path.substr(0, slash + 1)) == wanted) return path.substr(slash + 1);
+        const auto around = IdentityOfFolder(path.substr(0, slash + 1));
+        for (std::size_t index = 0; around && index < count; ++index) {
+            if (identities.Of(index) == around) return FoundFile{index, path.substr(slash + 1)};
+        }
     }
     return {};
 }
 
-std::wstring Below(const std::wstring& path, const std::wstring& folder) {
-    const std::wstring start = StartOf(folder);
-    return StartsWith(path, start) ? path.substr(start.size()) : BelowByIdentity(path, folder);
-}
-
-// The innermost folder that the file is below.
-std::optional<PickedFile> FileAt(const std::wstring& path,
-                                 std::span<const PickableFolder> folders) {
-    const PickableFolder* innermost = nullptr;
-    std::wstring shortest;
-    for (const PickableFolder& folder : folders) {
-        const std::wstring below = Below(path, folder.settings.folder);
-        if (below.empty() || (innermost && below.size() >= shortest.size())) continue;
-        innermost = &folder;
-        shortest = below;
-    }
-    if (!innermost) return {};
-    const FolderSettings& settings = innermost->settings;
-    return PickedFile{innermost->account, FileNameOf(path),
-                      LinkOf(settings.folder, settings.pattern, shortest)};
+std::optional<PickedFile> FileAt(const std::wstring& path, std::span<const PickableFolder> folders,
+                                 Identities& identities) {
+    auto found = FindByName(path, folders);
+    if (!found) found = FindByIdentity(path, folders.size(), identities);
+    if (!found) return {};
+    const PickableFolder& folder = folders[found->folder];
+    return PickedFile{folder.account, FileNameOf(path),
+                      LinkOf(folder.settings.folder, folder.settings.pattern, found->below)};
 }
 
 // Asks about the selection while the dialog is open; S_FALSE keeps it open. Lives on the stack for
@@ -132,19 +162,33 @@ void Prepare(IFileOpenDialog& dialog, std::span<const PickableFolder> folders, I
     }
 }
 
+PickResult Failed() { return {{}, OwnText(OB_TEXT_PICK_FAILED)}; }
+
+// The folder to begin in: the first one, or another one that can be reached.
+ComPtr<IShellItem> BeginIn(std::span<const PickableFolder> folders, std::size_t first) {
+    auto item = ShellItemAt(folders[first].settings.folder);
+    for (std::size_t index = 0; !item && index < folders.size(); ++index) {
+        if (index != first) item = ShellItemAt(folders[index].settings.folder);
+    }
+    return item;
+}
+
 PickResult Pick(HWND owner, std::span<const PickableFolder> folders, std::size_t first,
                 const std::wstring& displayName) {
-    const std::wstring& path = folders[first].settings.folder;
     const auto dialog = MakeOpenDialog();
-    const auto folder = ShellItemAt(path);
-    if (!dialog || !folder) return {{}, FormatOwnText(OB_TEXT_FOLDER_NOT_THERE, {path})};
+    if (!dialog) return Failed();
+    const auto folder = BeginIn(folders, first);
+    if (!folder) {
+        return {{}, FormatOwnText(OB_TEXT_FOLDER_NOT_THERE, {folders[first].settings.folder})};
+    }
     Prepare(*dialog.Get(), folders, *folder.Get());
     PickEvents events(folders, displayName);
     DWORD cookie = 0;
-    if (FAILED(dialog->Advise(&events, &cookie))) return {};
+    if (FAILED(dialog->Advise(&events, &cookie))) return Failed();
     const HRESULT shown = dialog->Show(owner);
     dialog->Unadvise(cookie);
-    return {SUCCEEDED(shown) ? std::move(events.Files()) : std::vector<PickedFile>(), {}};
+    if (shown == HRESULT_FROM_WIN32(ERROR_CANCELLED)) return {};
+    return SUCCEEDED(shown) ? PickResult{std::move(events.Files()), {}} : Failed();
 }
 
 } // namespace
@@ -152,8 +196,9 @@ PickResult Pick(HWND owner, std::span<const PickableFolder> folders, std::size_t
 PickedPaths LinksOf(const std::vector<std::wstring>& paths, std::span<const PickableFolder> folders,
                     const std::wstring& displayName) {
     PickedPaths picked;
+    Identities identities(folders);
     for (const std::wstring& path : paths) {
-        auto file = FileAt(path, folders);
+        auto file = FileAt(path, folders, identities);
         if (!file) return {{}, FormatOwnText(OB_TEXT_FOLDER_PICK_OUTSIDE, {FileNameOf(path)})};
         if (file->link.size() > kLongestLink || !FitsLinkText({&*file, 1}, displayName)) {
             return {{}, FormatOwnText(OB_TEXT_FOLDER_PICK_LONG, {file->name})};
@@ -169,8 +214,9 @@ PickedPaths LinksOf(const std::vector<std::wstring>& paths, std::span<const Pick
 PickResult PickFromFolders(HWND owner, std::span<const PickableFolder> folders, std::size_t first,
                            const std::wstring& displayName) {
     PickResult result;
-    RunOnShellThread(owner, [&] { result = Pick(owner, folders, first, displayName); });
-    return result;
+    const bool hasRun =
+        RunOnShellThread(owner, [&] { result = Pick(owner, folders, first, displayName); });
+    return hasRun ? result : Failed();
 }
 
 } // namespace providers

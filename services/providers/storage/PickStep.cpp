@@ -45,8 +45,10 @@ bool PickFiles(StorageProvider& provider, const std::wstring& preferredAccount,
         list.failure = std::move(result.sentence);
         return false;
     }
-    list.items = ItemsOf(provider, result.files);
-    if (list.items.empty()) list.failure = OwnText(OB_TEXT_PICK_TOO_MANY);
+    const bool areMade = ObLib::RanGuarded([&] { list.items = ItemsOf(provider, result.files); });
+    if (list.items.empty()) {
+        list.failure = OwnText(areMade ? OB_TEXT_PICK_TOO_MANY : OB_TEXT_PICK_FAILED);
+    }
     return !list.items.empty();
 }
 

@@ -11,6 +11,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/folder/ShellThread.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/TestFolder.h"
@@ -31,6 +32,19 @@ LRESULT CALLBACK CountDialogs(int code, WPARAM window, LPARAM lParam) {
         ++dialogsOfThisThread;
     }
     return CallNextHookEx(nullptr, code, window, lParam);
+}
+
+// The fakes of system calls are functions, so what they need is here.
+std::atomic<int> opensOfInner;
+decltype(&CreateFileW) realOpen;
+HANDLE WINAPI CountOpens(const wchar_t* path, DWORD access, DWORD share,
+                         SECURITY_ATTRIBUTES* security, DWORD how, DWORD flags, HANDLE like) {
+    if (std::wstring(path).ends_with(L"\\inner")) ++opensOfInner;
+    return realOpen(path, access, share, security, how, flags, like);
+}
+HRESULT WINAPI NoObject(REFCLSID, IUnknown*, DWORD, REFIID, void**) { return E_FAIL; }
+HANDLE WINAPI NoThread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, void*, DWORD, DWORD*) {
+    return nullptr;
 }
 
 LRESULT CALLBACK DestroyedByMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -80,6 +94,19 @@ TEST_F(FolderPick, KnowsItsFolderByAnotherPath) {
     EXPECT_EQ(Links({upper + L"\\a.zip"}).files.at(0).link, L"https://h/a.zip");
     const std::wstring around = L"\\\\?\\" + (cloud_ / L"a.zip");
     EXPECT_EQ(Links({around}).files.at(0).link, L"https://h/a.zip");
+}
+
+// One that doesn't respond would keep the user waiting for minutes.
+TEST_F(FolderPick, OpensNoFolderOfAnAccountThatItNeedsNot) {
+    opensOfInner = 0;
+    obtest::ImportPatch patch("kernel32.dll", "CreateFileW", &CountOpens);
+    ASSERT_TRUE(patch.Ok());
+    realOpen = patch.Real();
+    EXPECT_EQ(Links({cloud_ / L"a.zip", cloud_ / L"b c.zip"}).files.size(), 2U);
+    EXPECT_EQ(opensOfInner, 0);
+    const std::wstring around = L"\\\\?\\" + cloud_.Path();
+    EXPECT_EQ(Links({around + L"\\a.zip", around + L"\\b c.zip"}).files.size(), 2U);
+    EXPECT_EQ(opensOfInner, 1);
 }
 
 TEST_F(FolderPick, TakesNoFileOutsideItsFolders) {
@@ -153,12 +180,36 @@ TEST_F(FolderPick, GivesNothingAfterACancel) {
 }
 
 TEST_F(FolderPick, ReportsAFolderThatCannotBeReached) {
+    folders_.resize(1);
     folders_[0].settings.folder = L"Q:\\Cloud";
     const PickResult picked = PickFromFolders(nullptr, folders_, 0, kName);
     EXPECT_TRUE(picked.files.empty());
     EXPECT_EQ(picked.sentence,
               L"The folder \u201CQ:\\Cloud\u201D can't be reached. Please check the "
               L"path, and make sure that the folder opens in Explorer.");
+}
+
+TEST_F(FolderPick, BeginsInAFolderThatCanBeReached) {
+    folders_[0].settings.folder = L"Q:\\Cloud";
+    const PickResult picked = Pick([](OpenPicker& picker) {
+        EXPECT_TRUE(picker.TypeNames(L"d.zip"));
+        picker.PressOk();
+    });
+    EXPECT_EQ(picked.sentence, L"");
+    ASSERT_EQ(picked.files.size(), 1U);
+    EXPECT_EQ(picked.files[0].link, L"https://inner/d.zip");
+}
+
+TEST_F(FolderPick, ReportsADialogThatCannotBeShown) {
+    constexpr wchar_t kFailed[] = L"Your files in the cloud can't be shown. Please try again.";
+    {
+        obtest::ImportPatch patch("ole32.dll", "CoCreateInstance", &NoObject);
+        ASSERT_TRUE(patch.Ok());
+        EXPECT_EQ(PickFromFolders(nullptr, folders_, 0, kName).sentence, kFailed);
+    }
+    obtest::ImportPatch patch("kernel32.dll", "CreateThread", &NoThread);
+    ASSERT_TRUE(patch.Ok());
+    EXPECT_EQ(PickFromFolders(nullptr, folders_, 0, kName).sentence, kFailed);
 }
 
 // The product's hook for its own picker must not find this dialog.

@@ -58,6 +58,16 @@ TEST_F(PickedFiles, AreNoneWithASentenceWhenTheProviderThrows) {
     EXPECT_EQ(list_.failure, L"Your files in the cloud can't be shown. Please try again.");
 }
 
+TEST_F(PickedFiles, AreNoneWithASentenceWhenTheirRecordsCantBeMade) {
+    sevenScript_->pick = [this](auto&) {
+        sevenScript_->throws = true; // when its name is asked for
+        return PickResult{{{account_, L"a.pdf", L"https://example.org/1"}}, {}};
+    };
+    EXPECT_FALSE(providers::PickFiles(*sevenScript_, L"", list_, nullptr));
+    EXPECT_TRUE(list_.items.empty());
+    EXPECT_EQ(list_.failure, L"Your files in the cloud can't be shown. Please try again.");
+}
+
 TEST_F(PickedFiles, AreRefusedWhenTheyDontFitRatherThanCut) {
     EXPECT_FALSE(
         Pick({{{account_, L"a.pdf", L"b"}, {account_, std::wstring(1600, L'x'), L"b"}}, {}}));
