@@ -13,8 +13,10 @@ constexpr wchar_t kFolderValue[] = L"Folder";
 constexpr wchar_t kPatternValue[] = L"LinkPattern";
 constexpr wchar_t kLabelValue[] = L"Label"; // the book's
 
+// At no time is there a folder with the pattern of another one, whose links would lead nowhere.
 bool Write(const AccountBook& book, const std::wstring& key, const FolderSettings& settings) {
-    return book.SetText(kNetworkFolderId, key, kFolderValue, settings.folder) &&
+    return book.SetText(kNetworkFolderId, key, kPatternValue, L"") &&
+           book.SetText(kNetworkFolderId, key, kFolderValue, settings.folder) &&
            book.SetText(kNetworkFolderId, key, kPatternValue, settings.pattern);
 }
 
@@ -42,8 +44,13 @@ std::optional<StorageAccount> AddFolder(const AccountBook& book, const FolderSet
 
 bool ChangeFolder(const AccountBook& book, const std::wstring& accountKey,
                   const FolderSettings& settings) {
-    return Write(book, accountKey, settings) &&
-           book.SetText(kNetworkFolderId, accountKey, kLabelValue, FolderLabel(settings.folder));
+    const auto before = ReadFolder(book, accountKey);
+    if (Write(book, accountKey, settings) &&
+        book.SetText(kNetworkFolderId, accountKey, kLabelValue, FolderLabel(settings.folder))) {
+        return true;
+    }
+    if (before) Write(book, accountKey, *before);
+    return false;
 }
 
 std::wstring AccountOfFolder(const AccountBook& book, const std::wstring& folder,

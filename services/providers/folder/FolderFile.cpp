@@ -1,5 +1,6 @@
 #include "services/providers/folder/FolderFile.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <iterator>
 
@@ -53,6 +54,28 @@ DeletionEnd EndWithout(const std::wstring& path, DWORD error) {
     return root == INVALID_FILE_ATTRIBUTES ? DeletionEnd::Unreachable : DeletionEnd::Gone;
 }
 
+// Whether each part of a path below a folder is a name, so that the path leads nowhere else.
+bool AreNames(const std::wstring& below) {
+    for (std::size_t at = 0; at <= below.size();) {
+        const std::size_t end = std::min(below.find(L'\\', at), below.size());
+        if (!IsFileName(below.substr(at, end - at))) return false;
+        at = end + 1;
+    }
+    return true;
+}
+
+// How many folders around the file have the names that an upload gives: a time's 14 digits, and the
+// program's name around it.
+unsigned OwnFolders(const std::wstring& below) {
+    constexpr std::size_t kDigits = 14;
+    const std::wstring around = ParentOf(below);
+    const std::wstring stamp = around.substr(around.find_last_of(L'\\') + 1);
+    if (stamp.size() != kDigits || stamp.find_first_not_of(L"0123456789") != std::wstring::npos) {
+        return 0;
+    }
+    return ParentOf(around) == L"Quillbox" ? 2 : 1;
+}
+
 bool Delete(HANDLE open) {
     FILE_DISPOSITION_INFO gone{TRUE};
     return SetFileInformationByHandle(open, FileDispositionInfo, &gone, sizeof gone) != FALSE;
@@ -60,20 +83,23 @@ bool Delete(HANDLE open) {
 
 } // namespace
 
+std::wstring FullPath(const FolderPlace& place) { return BelowFolder(place.folder, place.below); }
+
 std::wstring TextOf(const FolderPlace& place) {
-    return std::to_wstring(place.madeFolders) + kSeparator + place.path;
+    return std::to_wstring(std::min(place.madeFolders, 9U)) + kSeparator + place.folder +
+           kSeparator + place.below;
 }
 
 std::optional<FolderPlace> PlaceOf(const std::wstring& text) {
-    constexpr unsigned kMostFolders = 16;
-    const std::size_t separator = text.find(kSeparator);
-    if (separator == std::wstring::npos || separator == 0 || separator > 2) return {};
-    wchar_t* end = nullptr;
-    const unsigned long folders = std::wcstoul(text.c_str(), &end, 10);
-    const std::wstring path = text.substr(separator + 1);
-    const bool isFull = !FullFolderPath(ParentOf(path) + L'\\').empty();
-    if (end != text.c_str() + separator || folders > kMostFolders || !isFull) return {};
-    return FolderPlace{path, static_cast<unsigned>(folders)};
+    constexpr std::size_t kDigit = 1;
+    const std::size_t second = text.find(kSeparator, kDigit + 1);
+    if (second == std::wstring::npos || text[kDigit] != kSeparator) return {};
+    if (text[0] < L'0' || text[0] > L'9') return {};
+    FolderPlace place{text.substr(kDigit + 1, second - kDigit - 1), text.substr(second + 1),
+                      static_cast<unsigned>(text[0] - L'0')};
+    const bool isFull = !place.folder.empty() && FullFolderPath(place.folder) == place.folder;
+    if (!isFull || !AreNames(place.below)) return {};
+    return place;
 }
 
 std::wstring VersionOf(HANDLE open) {
@@ -96,15 +122,16 @@ std::wstring VersionAt(const std::wstring& path) {
 DeletionEnd DeleteFolderFile(const StoredFile& file) {
     const auto place = PlaceOf(file.path);
     if (!place || file.version.empty()) return DeletionEnd::Changed;
+    const std::wstring path = FullPath(*place);
     {
-        const UniqueKernelHandle open = Open(place->path, DELETE);
-        if (!open) return EndWithout(place->path, GetLastError());
+        const UniqueKernelHandle open = Open(path, DELETE);
+        if (!open) return EndWithout(path, GetLastError());
         const std::wstring version = VersionOf(open.Get());
         if (version.empty()) return DeletionEnd::Unreachable;
         if (version != file.version) return DeletionEnd::Changed;
         if (!Delete(open.Get())) return DeletionEnd::Unreachable;
     }
-    RemoveEmptyFolders(place->path, place->madeFolders);
+    RemoveEmptyFolders(path, std::min(place->madeFolders, OwnFolders(place->below)));
     return DeletionEnd::Gone;
 }
 

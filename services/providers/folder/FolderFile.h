@@ -12,9 +12,11 @@ namespace providers {
 
 // Where the file is, and how many of the folders around it were made for it.
 struct FolderPlace {
-    std::wstring path; // full
+    std::wstring folder; // of the account when the file was stored
+    std::wstring below;  // the file's path there
     unsigned madeFolders = 0;
 };
+std::wstring FullPath(const FolderPlace& place);
 
 // As the text that StoredFile::path keeps, and back; nothing when it is no such text.
 std::wstring TextOf(const FolderPlace& place);
@@ -26,7 +28,8 @@ std::wstring VersionOf(HANDLE open);
 // Of the file at this path, which must not be a link to be recognised.
 std::wstring VersionAt(const std::wstring& path);
 
-// Deletes the file if it is unchanged, and each folder that was made for it and is empty then.
+// Deletes the file if it is unchanged, and each folder that was made for it and is empty then. Only
+// a folder whose name an upload makes is removed, whatever the text asks for.
 DeletionEnd DeleteFolderFile(const StoredFile& file);
 
 // Removes so many of the folders around `path`, from the innermost one, each only if it is empty.

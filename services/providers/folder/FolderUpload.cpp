@@ -70,8 +70,9 @@ public:
         inside_ = folder + L"\\";
         ++count_;
     }
-    // How many there are; they stay.
-    unsigned Keep() noexcept { return std::exchange(count_, 0); }
+    unsigned Count() const noexcept { return count_; }
+    // They stay.
+    void Keep() noexcept { count_ = 0; }
 
 private:
     std::wstring inside_;
@@ -231,9 +232,12 @@ private:
         std::wstring version;
         Repeat([&] { return !(version = VersionAt(part.Path())).empty(); });
         StopIfCancelled();
+        // Made before the file has its name, after which nothing may fail.
+        const FolderPlace place{account_.folder, Below(), folders_.Count()};
+        UploadResult done{UploadEnd::Done, {TextOf(place), file_.name, version, total_}, {}};
         Name(part, version);
-        const FolderPlace place{BelowFolder(account_.folder, Below()), folders_.Keep()};
-        return {UploadEnd::Done, {TextOf(place), file_.name, version, total_}, {}};
+        folders_.Keep();
+        return done;
     }
 
     void Copy(PartFile& part) {
@@ -273,10 +277,29 @@ private:
         const bool isNamed =
             Repeat([&] { return MoveFileExW(part.Path().c_str(), target.c_str(), 0) != FALSE; });
         const DWORD error = GetLastError();
-        // The connection may break after the server has done it.
-        if (isNamed || (!version.empty() && VersionAt(target) == version)) return part.SetNamed();
+        if (isNamed || HasName(target, version, error)) return part.SetNamed();
         if (IsThere(error)) throw Stopped{UploadEnd::NameTaken};
         StopWith(error);
+    }
+
+    // The connection may break after the server has done it; then the server is asked for a while.
+    bool HasName(const std::wstring& target, const std::wstring& version, DWORD error) const {
+        constexpr ULONGLONG kPatience = 20'000; // milliseconds, as the pause
+        constexpr DWORD kPause = 250;
+        if (version.empty()) return false;
+        for (const ULONGLONG start = GetTickCount64();;) {
+            const std::wstring found = VersionAt(target);
+            if (!found.empty() || FolderErrorOf(error) != FolderError::Unreachable) {
+                return found == version;
+            }
+            const bool isKnownToLack =
+                GetFileAttributesW(target.c_str()) == INVALID_FILE_ATTRIBUTES &&
+                GetLastError() == ERROR_FILE_NOT_FOUND;
+            if (isKnownToLack || GetTickCount64() - start >= kPatience ||
+                WaitForSingleObject(progress_.Cancelled(), kPause) == WAIT_OBJECT_0) {
+                return false;
+            }
+        }
     }
 
     const FolderSettings& account_;

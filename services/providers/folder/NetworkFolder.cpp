@@ -136,9 +136,9 @@ ShareResult NetworkFolder::Share(const std::wstring& key, const StoredFile& file
     if (!settings) result.sentence = OwnText(OB_TEXT_FOLDER_NO_LINK);
     if (!settings || !place) return result;
     const std::wstring start = BelowFolder(settings->folder, L"");
-    if (!place->path.starts_with(start)) return result;
-    std::wstring link =
-        LinkOf(settings->folder, settings->pattern, place->path.substr(start.size()));
+    const std::wstring path = FullPath(*place);
+    if (!path.starts_with(start)) return result;
+    std::wstring link = LinkOf(settings->folder, settings->pattern, path.substr(start.size()));
     result.isShared = link.size() <= kLongestLink;
     if (result.isShared) result.link = std::move(link);
     return result;
@@ -166,7 +166,7 @@ PickResult NetworkFolder::Pick(const std::wstring& preferred, HWND owner) {
         // The newest account, unless the preferred one is among them.
         if (folders[first].account.key != preferred) first = folders.size() - 1;
     }
-    if (folders.empty()) return {};
+    if (folders.empty()) return {{}, OwnText(OB_TEXT_PICK_FAILED)};
     return PickFromFolders(owner, folders, first, DisplayName());
 }
 

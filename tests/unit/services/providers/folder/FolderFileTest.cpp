@@ -17,31 +17,36 @@ namespace {
 
 using Tree = std::vector<std::wstring>;
 
+constexpr wchar_t kBelow[] = L"Quillbox\\20261122101530\\Files.zip";
+
 class FolderFile : public testing::Test {
 protected:
     FolderFile() {
         cloud_.Folder(L"Quillbox");
-        cloud_.Folder(L"Quillbox\\2026");
-        path_ = cloud_.File(L"Quillbox\\2026\\Files.zip", "content");
-        stored_ = {TextOf({path_, 2}), L"Files.zip", VersionAt(path_), 7};
+        cloud_.Folder(L"Quillbox\\20261122101530");
+        path_ = cloud_.File(kBelow, "content");
+        stored_ = {TextOf({cloud_.Path(), kBelow, 2}), L"Files.zip", VersionAt(path_), 7};
     }
     Tree Left() const { return obtest::ListTree(cloud_.Path()); }
 
     obtest::TestFolder cloud_;
     std::wstring path_;
     StoredFile stored_;
-    const Tree all_{L"Quillbox\\", L"Quillbox\\2026\\", L"Quillbox\\2026\\Files.zip"};
+    const Tree all_{L"Quillbox\\", L"Quillbox\\20261122101530\\", kBelow};
 };
 
 TEST_F(FolderFile, KeepsItsPlaceAsAText) {
-    for (const wchar_t* path : {L"C:\\a\\b.zip", L"\\\\server\\share\\b.zip", L"Z:\\b.zip"}) {
-        const auto place = PlaceOf(TextOf({path, 2}));
-        ASSERT_TRUE(place) << path;
-        EXPECT_EQ(place->path, path);
+    for (const wchar_t* folder : {L"C:\\a", L"\\\\server\\share", L"Z:\\"}) {
+        const auto place = PlaceOf(TextOf({folder, L"x\\b.zip", 2}));
+        ASSERT_TRUE(place) << folder;
+        EXPECT_EQ(place->folder, folder);
+        EXPECT_EQ(place->below, L"x\\b.zip");
         EXPECT_EQ(place->madeFolders, 2U);
     }
-    for (const wchar_t* bad : {L"", L"C:\\a", L"|C:\\a\\b", L"x|C:\\a\\b", L"-1|C:\\a\\b",
-                               L"17|C:\\a\\b", L"1|a\\b", L"1|", L"1|\\\\.\\pipe\\x"}) {
+    for (const wchar_t* bad :
+         {L"", L"1", L"1|", L"1||", L"1|C:\\a", L"1|C:\\a|", L"|C:\\a|b", L"x|C:\\a|b",
+          L"-1|C:\\a|b", L"17|C:\\a|b", L"1|a|b", L"1|C:\\a|..\\b", L"1|C:\\a|\\b", L"1|C:\\a|b\\",
+          L"1|C:\\a\\..|b", L"1|\\\\.\\pipe|x", L"1|C:\\a|b:stream"}) {
         EXPECT_FALSE(PlaceOf(bad)) << bad;
     }
 }
@@ -65,9 +70,31 @@ TEST_F(FolderFile, IsDeletedWithTheEmptyFoldersThatWereMadeForIt) {
 }
 
 TEST_F(FolderFile, LeavesFoldersThatWereThereBefore) {
-    stored_.path = TextOf({path_, 1});
+    stored_.path = TextOf({cloud_.Path(), kBelow, 1});
     EXPECT_EQ(DeleteFolderFile(stored_), DeletionEnd::Gone);
     EXPECT_EQ(Left(), Tree{L"Quillbox\\"});
+}
+
+// The text comes from the registry, where others can have put it.
+TEST_F(FolderFile, LeavesFoldersThatNoUploadMakes) {
+    for (const wchar_t* name : {L"Letters", L"2026112210153", L"2026112210153x"}) {
+        const std::wstring folder = name;
+        cloud_.Folder(L"Mine");
+        cloud_.Folder(L"Mine\\" + folder);
+        const std::wstring below = L"Mine\\" + folder + L"\\Files.zip";
+        const std::wstring version = VersionAt(cloud_.File(below, "content"));
+        EXPECT_EQ(DeleteFolderFile({TextOf({cloud_.Path(), below, 9}), L"", version, 7}),
+                  DeletionEnd::Gone);
+        EXPECT_TRUE(RemoveDirectoryW((cloud_ / (L"Mine\\" + folder)).c_str())) << folder;
+    }
+    cloud_.Folder(L"Mine\\20261122101530");
+    const std::wstring below = L"Mine\\20261122101530\\Files.zip";
+    const std::wstring version = VersionAt(cloud_.File(below, "content"));
+    DeleteFolderFile({TextOf({cloud_.Path(), below, 9}), L"", version, 7});
+    EXPECT_TRUE(RemoveDirectoryW((cloud_ / L"Mine").c_str())) << "is there, and empty";
+    stored_.path = TextOf({cloud_.Path(), kBelow, 9});
+    EXPECT_EQ(DeleteFolderFile(stored_), DeletionEnd::Gone);
+    EXPECT_EQ(Left(), Tree{});
 }
 
 TEST_F(FolderFile, StaysWhenItWasChanged) {
@@ -85,14 +112,14 @@ TEST_F(FolderFile, StaysWhenItWasChanged) {
 }
 
 TEST_F(FolderFile, StaysWhenItsPlaceMakesNoSense) {
-    stored_.path = L"2|..\\Files.zip";
+    stored_.path = TextOf({cloud_ / L"Quillbox", L"..\\" + std::wstring(kBelow), 2});
     EXPECT_EQ(DeleteFolderFile(stored_), DeletionEnd::Changed);
     EXPECT_EQ(Left(), all_);
 }
 
 TEST_F(FolderFile, AFolderInItsPlaceStays) {
     DeleteFileW(path_.c_str());
-    cloud_.Folder(L"Quillbox\\2026\\Files.zip");
+    cloud_.Folder(kBelow);
     EXPECT_NE(DeleteFolderFile(stored_), DeletionEnd::Gone);
     EXPECT_EQ(Left().size(), 3U);
 }
@@ -100,13 +127,13 @@ TEST_F(FolderFile, AFolderInItsPlaceStays) {
 TEST_F(FolderFile, IsGoneWhenSomebodyElseDeletedIt) {
     DeleteFileW(path_.c_str());
     EXPECT_EQ(DeleteFolderFile(stored_), DeletionEnd::Gone);
-    EXPECT_EQ(Left(), (Tree{L"Quillbox\\", L"Quillbox\\2026\\"})); // not touched
+    EXPECT_EQ(Left(), (Tree{L"Quillbox\\", L"Quillbox\\20261122101530\\"})); // not touched
     obtest::RemoveTree(cloud_ / L"Quillbox");
     EXPECT_EQ(DeleteFolderFile(stored_), DeletionEnd::Gone);
 }
 
 TEST_F(FolderFile, IsUnreachableWhileItsDriveIsGone) {
-    stored_.path = L"2|Q:\\Cloud\\Quillbox\\2026\\Files.zip";
+    stored_.path = TextOf({L"Q:\\Cloud", kBelow, 2});
     EXPECT_EQ(DeleteFolderFile(stored_), DeletionEnd::Unreachable);
 }
 

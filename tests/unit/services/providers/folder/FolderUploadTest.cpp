@@ -78,10 +78,24 @@ BOOL WINAPI FailingMakeFolder(const wchar_t* path, SECURITY_ATTRIBUTES* security
     return IsToFail() ? Fail() : realMakeFolder(path, security);
 }
 
+bool isMoved;    // the file has its name
+int brokenOpens; // so many fail after that
+
+decltype(&CreateFileW) realOpen;
+HANDLE WINAPI BrokenOpen(const wchar_t* path, DWORD access, DWORD share,
+                         SECURITY_ATTRIBUTES* security, DWORD how, DWORD flags, HANDLE like) {
+    if (!isMoved || brokenOpens == 0) {
+        return realOpen(path, access, share, security, how, flags, like);
+    }
+    --brokenOpens;
+    SetLastError(failedWith);
+    return INVALID_HANDLE_VALUE;
+}
+
 decltype(&MoveFileExW) realMove;
 BOOL WINAPI FailingMove(const wchar_t* from, const wchar_t* to, DWORD flags) {
     EXPECT_EQ(flags, 0U); // never replaces
-    if (isDoneBefore) return realMove(from, to, flags) ? Fail() : FALSE;
+    if (isDoneBefore) return realMove(from, to, flags) ? (isMoved = true, Fail()) : FALSE;
     return callNumber++ < failingCall ? Fail() : realMove(from, to, flags);
 }
 
@@ -110,6 +124,8 @@ protected:
         callNumber = 0;
         failedWith = ERROR_NETNAME_DELETED;
         isDoneBefore = false;
+        isMoved = false;
+        brokenOpens = 0;
     }
 
     UploadResult Upload(const std::wstring& name = L"Files.zip",
@@ -153,7 +169,7 @@ TEST_F(FolderUpload, StoresTheFileUnderItsNameInItsFolder) {
     EXPECT_EQ(ReadFileContent(source_), content_);
     EXPECT_EQ(result.stored.name, L"Files.zip");
     EXPECT_EQ(result.stored.size, content_.size());
-    EXPECT_EQ(result.stored.path, L"2|" + Target());
+    EXPECT_EQ(result.stored.path, L"2|" + cloud_.Path() + L"|" + kFolder + L"\\Files.zip");
     EXPECT_EQ(result.stored.version, VersionAt(Target()));
     EXPECT_NE(result.stored.version, L"");
 }
@@ -179,13 +195,15 @@ TEST_F(FolderUpload, StoresFilesOfEverySizeAroundItsBlocks) {
 
 TEST_F(FolderUpload, StoresBeyondTheSystemsLimitOfPaths) {
     const std::wstring part(200, L'x');
-    const std::wstring folder = part + L"\\" + part + L"\\" + part;
+    const std::wstring around = part + L"\\" + part + L"\\" + part + L"\\";
+    const std::wstring folder = around + kFolder;
     const UploadResult result = Upload(std::wstring(251, L'n') + L".zip", folder);
     EXPECT_EQ(result.end, UploadEnd::Done) << result.sentence;
     EXPECT_EQ(ReadFileContent(L"\\\\?\\" + cloud_.Path() + L"\\" + folder + L"\\" +
                               std::wstring(251, L'n') + L".zip"),
               content_);
     EXPECT_EQ(DeleteFolderFile(result.stored), DeletionEnd::Gone);
+    RemoveEmptyFolders(cloud_ / (around + L"Quillbox\\"), 4); // not as an upload makes them
     EXPECT_EQ(Stored(), Tree{});
 }
 
@@ -396,6 +414,21 @@ TEST_F(FolderUpload, KnowsAFileThatGotItsNameBeforeTheConnectionBroke) {
     EXPECT_EQ(result.end, UploadEnd::Done);
     EXPECT_EQ(ReadFileContent(Target()), content_);
     EXPECT_EQ(Stored().size(), 3U);
+}
+
+TEST_F(FolderUpload, AsksAgainForAFileThatGotItsNameWhileTheConnectionIsBroken) {
+    isDoneBefore = true;
+    brokenOpens = 3;
+    ImportPatch move("kernel32.dll", "MoveFileExW", &FailingMove);
+    ImportPatch open("kernel32.dll", "CreateFileW", &BrokenOpen);
+    ASSERT_TRUE(move.Ok() && open.Ok());
+    realMove = move.Real();
+    realOpen = open.Real();
+    const UploadResult result = Upload();
+    EXPECT_EQ(result.end, UploadEnd::Done);
+    EXPECT_EQ(brokenOpens, 0);
+    EXPECT_EQ(ReadFileContent(Target()), content_);
+    EXPECT_EQ(result.stored.version, VersionAt(Target()));
 }
 
 TEST_F(FolderUpload, ReportsAConnectionThatBreaksBeforeTheFileHasItsName) {

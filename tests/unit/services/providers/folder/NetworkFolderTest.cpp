@@ -33,6 +33,17 @@ BOOL WINAPI OfFat32(const wchar_t*, wchar_t*, DWORD, DWORD*, DWORD*, DWORD*, wch
     return lstrcpyW(name, L"FAT32") != nullptr;
 }
 
+decltype(&RegSetValueExW) realWriteValue;
+const wchar_t* refusedText; // the value that can't be written
+LSTATUS WINAPI RefusingWrite(HKEY key, const wchar_t* name, DWORD reserved, DWORD type,
+                             const BYTE* data, DWORD size) {
+    const bool isText = type == REG_SZ;
+    if (isText && std::wstring(reinterpret_cast<const wchar_t*>(data)) == refusedText) {
+        return ERROR_ACCESS_DENIED;
+    }
+    return realWriteValue(key, name, reserved, type, data, size);
+}
+
 class NoProgress final : public UploadProgress {
 public:
     void Show(std::uint64_t, std::uint64_t) override {}
@@ -66,7 +77,7 @@ protected:
     StoredFile Uploaded(const std::wstring& key) {
         NoProgress progress;
         const auto result = provider_.Upload(
-            key, {run_.File(L"zip.tmp"), L"Our files.zip", L"Quillbox\\2026"}, progress);
+            key, {run_.File(L"zip.tmp"), L"Our files.zip", L"Quillbox\\20261122101530"}, progress);
         EXPECT_EQ(result.end, UploadEnd::Done) << result.sentence;
         return result.stored;
     }
@@ -151,13 +162,38 @@ TEST_F(NetworkFolderTest, TheAccountPageChangesFolderAndPattern) {
     EXPECT_EQ(book_.Text(kNetworkFolderId, account->key, L"Folder"), other);
 }
 
+TEST_F(NetworkFolderTest, AChangeThatCannotBeSavedWholeIsTakenBack) {
+    const auto account = LogIn(cloud_, kPattern);
+    const std::wstring other = parent_.Folder(L"Other");
+    constexpr wchar_t kNewPattern[] = L"https://other/{path}";
+    for (const std::wstring& refused : {other, std::wstring(kNewPattern), std::wstring(L"Other")}) {
+        refusedText = refused.c_str();
+        obtest::ImportPatch patch("advapi32.dll", "RegSetValueExW", &RefusingWrite);
+        ASSERT_TRUE(patch.Ok());
+        realWriteValue = patch.Real();
+        EXPECT_FALSE(ChangeFolder(book_, account->key, {other, kNewPattern}));
+        const auto left = ReadFolder(book_, account->key);
+        ASSERT_TRUE(left);
+        EXPECT_EQ(left->folder, cloud_) << refused;
+        EXPECT_EQ(left->pattern, kPattern) << refused;
+    }
+}
+
+TEST_F(NetworkFolderTest, ReportsAPickThatCannotBegin) {
+    const auto account = LogIn(cloud_);
+    book_.SetText(kNetworkFolderId, account->key, L"Folder", L"..\\x");
+    const PickResult picked = provider_.Pick(account->key, nullptr);
+    EXPECT_TRUE(picked.files.empty());
+    EXPECT_EQ(picked.sentence, L"Your files in the cloud can't be shown. Please try again.");
+}
+
 TEST_F(NetworkFolderTest, TheAccountPageLogsOut) {
     const auto account = LogIn(cloud_);
     const StoredFile stored = Uploaded(account->key);
     OnThePage(cloud_, L"", OB_FOLDER_LOG_OUT, [&] { provider_.Manage(account->key, nullptr); });
     EXPECT_TRUE(Accounts().empty());
     EXPECT_FALSE(provider_.IsLoggedIn(account->key));
-    EXPECT_EQ(VersionAt(cloud_ + L"\\Quillbox\\2026\\Our files.zip"), stored.version);
+    EXPECT_EQ(VersionAt(cloud_ + L"\\Quillbox\\20261122101530\\Our files.zip"), stored.version);
     provider_.Manage(account->key, nullptr); // shows nothing
 }
 
@@ -217,13 +253,13 @@ TEST_F(NetworkFolderTest, SharesByThePatternOrByTheFilesOwnAddress) {
     const StoredFile stored = Uploaded(account->key);
     const ShareResult shared = provider_.Share(account->key, stored, ended_.Get());
     EXPECT_TRUE(shared.isShared);
-    EXPECT_EQ(shared.link, L"https://h/Quillbox/2026/Our%20files.zip");
+    EXPECT_EQ(shared.link, L"https://h/Quillbox/20261122101530/Our%20files.zip");
     EXPECT_EQ(shared.password, L"");
     EXPECT_EQ(shared.shareId, L"");
     book_.SetText(kNetworkFolderId, account->key, L"LinkPattern", L"");
     const std::wstring link = provider_.Share(account->key, stored, ended_.Get()).link;
     EXPECT_TRUE(link.starts_with(L"file:///C:/")) << link;
-    EXPECT_TRUE(link.ends_with(L"/Our%20cloud/Quillbox/2026/Our%20files.zip")) << link;
+    EXPECT_TRUE(link.ends_with(L"/Our%20cloud/Quillbox/20261122101530/Our%20files.zip")) << link;
 }
 
 TEST_F(NetworkFolderTest, SharesNothingOfAFolderThatIsLoggedOut) {
