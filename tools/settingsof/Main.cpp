@@ -1,8 +1,10 @@
-// Opens the settings of one transform, as the product's settings dialogs will do.
+// Opens the settings of one transform, or the page of the newest network folder, as the product's
+// settings dialogs will do.
 //
-//   settingsof ID [PICTURE.png]   with PICTURE nobody is asked: the dialog is drawn into that file
-//   and
-//                                 cancelled
+//   settingsof ID|account [PICTURE.png]   with PICTURE nobody is asked: the dialog is drawn into
+//   that
+//                                         file and cancelled. Without an account "account" opens
+//                                         the login
 //
 // PVXManager64.dll has to be beside this program. Ends with 0 when the dialog was shown.
 #include <windows.h>
@@ -22,6 +24,7 @@ namespace {
 using namespace obcontract;
 
 constexpr auto kTransform = ProviderKind::Transform;
+constexpr std::uint32_t kNetworkFolder = 101;
 
 // The entries of the manager that are called here.
 struct Manager {
@@ -32,6 +35,8 @@ struct Manager {
     decltype(ProviderManagerEntries::DeleteObExtensionsManager) remove = nullptr;
     decltype(ProviderManagerEntries::IsProviderSupport) supports = nullptr;
     decltype(ProviderManagerEntries::ShowProviderOptions) show = nullptr;
+    decltype(ProviderManagerEntries::GetProviderInstance) instance = nullptr;
+    decltype(ProviderManagerEntries::Login2) logIn = nullptr;
 };
 
 template <class Entry>
@@ -49,7 +54,9 @@ bool Load(Manager& manager) {
            Bind(manager, "Init", manager.init) && Bind(manager, "Deinit", manager.deinit) &&
            Bind(manager, "DeleteObExtensionsManager", manager.remove) &&
            Bind(manager, "IsProviderSupport", manager.supports) &&
-           Bind(manager, "ShowProviderOptions", manager.show);
+           Bind(manager, "ShowProviderOptions", manager.show) &&
+           Bind(manager, "GetProviderInstance", manager.instance) &&
+           Bind(manager, "Login2", manager.logIn);
 }
 
 // The dialog of this thread; null while there is none.
@@ -82,19 +89,54 @@ bool Draw(DWORD thread, const std::wstring& file) {
     return drawn;
 }
 
-int Show(const Manager& manager, std::uint32_t id, const wchar_t* picture) {
+// Runs a call that shows a dialog, which nobody is asked in when there is a picture to draw.
+template <class Call>
+bool Shown(const wchar_t* picture, Call call) {
+    bool good = true;
+    const DWORD thread = GetCurrentThreadId();
+    std::thread artist([&] { good = !picture || Draw(thread, picture); });
+    call();
+    artist.join();
+    return good;
+}
+
+bool ShowSettings(const Manager& manager, ProviderManagerHandle handle, std::uint32_t id,
+                  const wchar_t* picture) {
+    return manager.supports(handle, id, kTransform) &&
+           Shown(picture, [&] { manager.show(handle, id, kTransform, nullptr, nullptr); });
+}
+
+// What the contract has at a slot of a provider.
+template <class Function>
+Function SlotOf(const CloudProvider& provider, std::size_t slot) {
+    return reinterpret_cast<Function>(provider.table[slot]);
+}
+
+bool ShowAccount(const Manager& manager, ProviderManagerHandle handle, const wchar_t* picture) {
+    using GetProfiles = std::int32_t (*)(CloudProvider*, ProviderProfile*, std::uint32_t);
+    using Manage = void (*)(CloudProvider*, HWND, const wchar_t*);
+    CloudProvider* const provider = manager.instance(handle, kNetworkFolder, ProviderKind::Storage);
+    if (!provider) return false;
+    static ProviderProfile profiles[16];
+    const std::int32_t count = SlotOf<GetProfiles>(*provider, 136)(provider, profiles, 16);
+    ProviderProfile& newest = profiles[count > 0 ? count - 1 : 0];
+    return Shown(picture, [&] {
+        if (count > 0) {
+            SlotOf<Manage>(*provider, 137)(provider, nullptr, newest.accountKey);
+        } else {
+            manager.logIn(handle, provider, newest.accountKey, newest.accountLabel, nullptr);
+        }
+    });
+}
+
+int Show(const Manager& manager, const wchar_t* what, const wchar_t* picture) {
     constexpr auto kCurrentUser = static_cast<std::int64_t>(static_cast<std::int32_t>(0x80000001));
     const ProviderManagerHandle handle = manager.create();
     manager.init(handle, kCurrentUser, kProviderManagerKey);
-    bool good = manager.supports(handle, id, kTransform) != 0;
-    if (good && picture) {
-        const DWORD thread = GetCurrentThreadId();
-        std::thread artist([&] { good = Draw(thread, picture); });
-        manager.show(handle, id, kTransform, nullptr, nullptr);
-        artist.join();
-    } else if (good) {
-        manager.show(handle, id, kTransform, nullptr, nullptr);
-    }
+    const auto id = static_cast<std::uint32_t>(std::wcstoul(what, nullptr, 10));
+    const bool good = std::wcscmp(what, L"account") == 0
+                          ? ShowAccount(manager, handle, picture)
+                          : ShowSettings(manager, handle, id, picture);
     manager.deinit(handle);
     manager.remove(handle);
     return good ? 0 : 1;
@@ -103,13 +145,12 @@ int Show(const Manager& manager, std::uint32_t id, const wchar_t* picture) {
 } // namespace
 
 int wmain(int count, wchar_t** words) {
-    const auto id = count > 1 ? static_cast<std::uint32_t>(std::wcstoul(words[1], nullptr, 10)) : 0;
     Manager manager;
-    if (id == 0 || !Load(manager)) {
-        std::printf("settingsof: no id, or no provider manager beside this program\n");
+    if (count < 2 || !Load(manager)) {
+        std::printf("settingsof: nothing to open, or no provider manager beside this program\n");
         return 2;
     }
-    const int result = Show(manager, id, count > 2 ? words[2] : nullptr);
-    if (result != 0) std::printf("settingsof: transform %u has no settings here\n", id);
+    const int result = Show(manager, words[1], count > 2 ? words[2] : nullptr);
+    if (result != 0) std::printf("settingsof: %ls has no settings here\n", words[1]);
     return result;
 }
