@@ -1,5 +1,7 @@
 #include "services/providers/storage/LinkPasswordDialog.h"
 
+#include <commctrl.h>
+
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/ModulePath.h"
 #include "ObLib/Src/Win32/SecretClipboard.h"
@@ -27,12 +29,27 @@ std::wstring ShortName(const std::wstring& name) {
 
 HWND FieldOf(HWND dialog) { return GetDlgItem(dialog, OB_LINK_PASSWORD_TEXT); }
 
+// The field itself copies without the marks that keep a password out of the clipboard's history, so
+// that Ctrl+C and the field's menu do what the button does.
+LRESULT CALLBACK CopyByTheButton(HWND field, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                 DWORD_PTR) noexcept {
+    if (message == WM_COPY) {
+        const HWND button = GetDlgItem(GetParent(field), OB_LINK_PASSWORD_COPY);
+        return SendMessageW(button, BM_CLICK, 0, 0);
+    }
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(field, &CopyByTheButton, 0);
+    return DefSubclassProc(field, message, wParam, lParam);
+}
+
 void Begin(HWND dialog, const Shown& shown) {
     SetWindowLongPtrW(dialog, DWLP_USER, reinterpret_cast<LONG_PTR>(&shown));
     SetDlgItemTextW(dialog, OB_LINK_PASSWORD_SENTENCE,
                     FormatOwnText(OB_TEXT_LINK_PASSWORD, {ShortName(shown.fileName)}).c_str());
     ObLib::PrepareSecretField(FieldOf(dialog));
     ObLib::FillSecretField(FieldOf(dialog), shown.password.c_str());
+    if (!SetWindowSubclass(FieldOf(dialog), &CopyByTheButton, 0, 0)) {
+        EnableWindow(FieldOf(dialog), FALSE); // nothing can be copied from it then
+    }
     SetFocus(GetDlgItem(dialog, OB_LINK_PASSWORD_COPY)); // what most users need first
 }
 

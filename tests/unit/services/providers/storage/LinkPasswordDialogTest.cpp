@@ -89,6 +89,21 @@ TEST_F(LinkPassword, IsCopiedAndKeptOutOfTheHistory) {
     EXPECT_EQ(ClipboardText(), L"");
 }
 
+TEST_F(LinkPassword, IsCopiedFromItsFieldAsByTheButton) {
+    EXPECT_TRUE(Show([](HWND dialog) {
+        const HWND field = GetDlgItem(dialog, OB_LINK_PASSWORD_TEXT);
+        SendMessageW(field, EM_SETSEL, 0, 1);
+        SendMessageW(field, WM_COPY, 0, 0); // as Ctrl+C and the field's menu do
+        EXPECT_EQ(obtest::TextOf(GetDlgItem(dialog, OB_LINK_PASSWORD_STATE)),
+                  L"Copied. You can paste it now.");
+        EXPECT_TRUE(
+            IsClipboardFormatAvailable(RegisterClipboardFormatW(L"CanIncludeInClipboardHistory")));
+        DialogUiDriver::Press(dialog, IDOK);
+    }));
+    EXPECT_EQ(ClipboardText(), kPassword) << "whole, also where one character was selected";
+    ObLib::ForgetCopiedSecret();
+}
+
 TEST_F(LinkPassword, IsExplainedWhenItCantBeCopied) {
     EXPECT_TRUE(Show([](HWND dialog) {
         ASSERT_TRUE(OpenClipboard(nullptr)); // by another thread
