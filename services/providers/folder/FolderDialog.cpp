@@ -49,7 +49,8 @@ std::wstring PatternText(HWND dialog) {
 void ShowPreview(HWND dialog) {
     const std::wstring folder = FullFolderPath(FieldText(dialog, OB_FOLDER_PATH));
     const std::wstring pattern = PatternText(dialog);
-    const bool makesLink = pattern.empty() ? !folder.empty() : IsLinkPattern(pattern);
+    const bool isShare = !folder.empty() && !IsOnDrive(folder);
+    const bool makesLink = pattern.empty() ? isShare : IsLinkPattern(pattern);
     SetDlgItemTextW(dialog, OB_FOLDER_PREVIEW,
                     makesLink ? LinkOf(folder, pattern, kExample).c_str() : L"");
 }
@@ -95,6 +96,11 @@ bool TakeFields(HWND dialog, OpenPage& open) {
     }
     if (!open.entered.pattern.empty() && !IsLinkPattern(open.entered.pattern)) {
         Refuse(dialog, OB_FOLDER_PATTERN, OwnText(OB_TEXT_FOLDER_PATTERN));
+        return false;
+    }
+    if (open.entered.pattern.empty() && IsOnDrive(open.entered.folder)) {
+        Refuse(dialog, OB_FOLDER_PATTERN,
+               FormatOwnText(OB_TEXT_FOLDER_NEEDS_PATTERN, {open.entered.folder}));
         return false;
     }
     const std::wstring why = open.page.refuse ? open.page.refuse(open.entered.folder) : L"";

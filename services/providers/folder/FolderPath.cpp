@@ -93,6 +93,8 @@ std::wstring FolderLabel(const std::wstring& folder) {
     return std::wstring(path.substr(path.find_last_of(L'\\') + 1));
 }
 
+bool IsOnDrive(const std::wstring& folder) { return !folder.starts_with(L"\\\\"); }
+
 std::wstring BelowFolder(const std::wstring& folder, const std::wstring& below) {
     return folder + (folder.ends_with(L'\\') ? L"" : L"\\") + below;
 }

@@ -16,6 +16,10 @@ std::wstring FullFolderPath(const std::wstring& typed);
 // folder, the drive's letter and colon where it is a drive.
 std::wstring FolderLabel(const std::wstring& folder);
 
+// Whether the path begins with a drive of this computer, so that it means nothing to others: also
+// for the letter of a share.
+bool IsOnDrive(const std::wstring& folder);
+
 // The path of something below such a folder.
 std::wstring BelowFolder(const std::wstring& folder, const std::wstring& below);
 

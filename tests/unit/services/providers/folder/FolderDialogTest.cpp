@@ -122,6 +122,10 @@ TEST_F(FolderDialog, ShowsWhatALinkLooksLike) {
         EXPECT_TRUE(shows(L"file://server/our%20share/Quillbox/20261231235959/Photos.zip"));
         Enter(dialog, L"\\\\server\\our share", L"https://");
         EXPECT_TRUE(shows(L""));
+        Enter(dialog, L"C:\\Cloud", L"https://h/{path}");
+        EXPECT_TRUE(shows(L"https://h/Quillbox/20261231235959/Photos.zip"));
+        Enter(dialog, L"C:\\Cloud", L"");
+        EXPECT_TRUE(shows(L""));
         Enter(dialog, L"not a path", L"");
         EXPECT_TRUE(shows(L""));
         obtest::PressCommand(dialog, IDCANCEL);
@@ -134,11 +138,27 @@ TEST_F(FolderDialog, AsksForAFullPathAndAPatternWithAPlace) {
               L"C:\\Users\\Ann\\Cloud.");
     EXPECT_EQ(RefusalOf(L"C:\\Cloud", L"https://h/", OB_FOLDER_PATTERN),
               L"A link pattern is an address with {path} in it and without blanks, such as "
-              L"https://files.example.com/{path}. Please change it, or leave it empty.");
+              L"https://files.example.com/{path}. Please change it.");
     page_.refuse = [](const std::wstring& folder) { return L"No: " + folder; };
-    EXPECT_EQ(RefusalOf(L"C:\\Cloud\\", L"", OB_FOLDER_PATH), L"No: C:\\Cloud");
+    EXPECT_EQ(RefusalOf(L"C:\\Cloud\\", L"https://h/{path}", OB_FOLDER_PATH), L"No: C:\\Cloud");
     EXPECT_EQ(checks, 0);
     EXPECT_EQ(page_.settings.folder, L"C:\\Cloud");
+}
+
+// A path with a drive's letter leads others nowhere, and may name the user.
+TEST_F(FolderDialog, AsksForAPatternForAFolderOnADrive) {
+    EXPECT_EQ(
+        RefusalOf(L"C:\\Users\\Ann\\Cloud", L" ", OB_FOLDER_PATTERN),
+        L"Others can't open links to \u201CC:\\Users\\Ann\\Cloud\u201D, because its path is one "
+        L"of this computer only. Please enter a link pattern, or the folder's path in the "
+        L"network, such as \\\\server\\share\\folder.");
+    EXPECT_EQ(checks, 0);
+    EXPECT_EQ(Show([](HWND dialog) {
+                  Enter(dialog, L"\\\\server\\share", L"");
+                  obtest::PressCommand(dialog, IDOK);
+              }),
+              FolderPageEnd::Saved);
+    EXPECT_EQ(page_.settings.pattern, L"");
 }
 
 TEST_F(FolderDialog, ExplainsWhyAFolderCannotBeUsed) {
@@ -162,7 +182,7 @@ TEST_F(FolderDialog, ExplainsWhyAFolderCannotBeUsed) {
     };
     for (const auto& refusal : kRefusals) {
         checkResult = refusal.error;
-        EXPECT_EQ(RefusalOf(L"C:\\x", L"", OB_FOLDER_PATH), refusal.sentence);
+        EXPECT_EQ(RefusalOf(L"C:\\x", L"https://h/{path}", OB_FOLDER_PATH), refusal.sentence);
     }
 }
 
@@ -206,7 +226,7 @@ TEST_F(FolderDialog, BrowsesWithTheShellsDialog) {
     const TestFolder cloud;
     const std::wstring inside = cloud.Folder(L"Sent");
     EXPECT_EQ(Show([&](HWND dialog) {
-                  Enter(dialog, cloud.Path(), L"");
+                  Enter(dialog, cloud.Path(), L"https://h/{path}");
                   obtest::PressCommand(dialog, OB_FOLDER_BROWSE);
                   const auto browser = obtest::OpenPicker::Await(GetCurrentProcessId());
                   ASSERT_NE(browser.Window(), nullptr);

@@ -70,7 +70,7 @@ protected:
         return call();
     }
     std::optional<StorageAccount> LogIn(const std::wstring& folder,
-                                        const std::wstring& pattern = L"", int button = IDOK,
+                                        const std::wstring& pattern = kPattern, int button = IDOK,
                                         const std::wstring& key = L"") {
         return OnThePage(folder, pattern, button, [&] { return provider_.LogIn(key, nullptr); });
     }
@@ -132,7 +132,7 @@ TEST_F(NetworkFolderTest, ALoginToAKnownFolderIsThatAccount) {
 
 TEST_F(NetworkFolderTest, ALoginToAnAccountChangesIt) {
     const auto account = LogIn(cloud_, kPattern);
-    const auto changed = LogIn(parent_.Folder(L"Other"), L"", IDOK, account->key);
+    const auto changed = LogIn(parent_.Folder(L"Other"), kPattern, IDOK, account->key);
     ASSERT_TRUE(changed);
     EXPECT_EQ(changed->key, account->key);
     EXPECT_EQ(changed->label, L"Other");
