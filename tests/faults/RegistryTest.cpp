@@ -105,7 +105,8 @@ TEST_F(RegistryFaults, ThatAreHugeDontStopTheRequest) {
 }
 
 TEST_F(RegistryFaults, ThatAreNumbersBeyondTheirFieldsDontStopTheRequest) {
-    for (const wchar_t* number : {L"-1", L"4294967295", L"4294967296", L"-2147483649", L"1e9"})
+    // The last one is read as 9. As 1 it would ask for a cloud account, which is no fault.
+    for (const wchar_t* number : {L"-1", L"4294967295", L"4294967296", L"-2147483649", L"9e1"})
         ExpectServed({REG_SZ, Bytes(std::wstring(number) + L'\0')});
 }
 
