@@ -5,15 +5,25 @@
 #include <algorithm>
 
 #include "tests/fakes/Recording.h"
+#include "tests/support/WindowKit.h"
 
 namespace obtest {
+namespace {
+
+// A thread that outlives its test's calls may have the file open for a moment.
+void Delete(const wchar_t* fileName) {
+    const std::wstring path = BesideProgram(fileName);
+    WaitUntil([&] { return DeleteFileW(path.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND; });
+}
+
+} // namespace
 
 void FakeModules::Reset() {
     ForgetCalls();
-    DeleteFileW(BesideProgram(kScriptFileName).c_str());
+    Delete(kScriptFileName);
 }
 
-void FakeModules::ForgetCalls() { DeleteFileW(BesideProgram(kCallsFileName).c_str()); }
+void FakeModules::ForgetCalls() { Delete(kCallsFileName); }
 
 void FakeModules::Answer(std::wstring_view call, std::wstring_view answer) {
     AppendUtf8File(BesideProgram(kScriptFileName),
