@@ -18,9 +18,10 @@ namespace {
 
 using Run = std::shared_ptr<StorageRun>;
 
-constexpr DWORD kExpiryLimit = 30'000;   // milliseconds
-constexpr std::size_t kMostThreads = 64; // the registry may have been filled by others
-constexpr std::uint64_t kLongestDelay = 365ull * 24 * 3600 * 10'000'000; // as TimeNow counts
+constexpr DWORD kExpiryLimit = 30'000;        // milliseconds
+constexpr std::size_t kMostThreads = 64;      // the registry may have been filled by others
+constexpr std::uint64_t kSecond = 10'000'000; // as TimeNow counts
+constexpr std::uint64_t kLongestDelay = 365 * 24 * 3600 * kSecond;
 
 // Whatever comes of it, the file itself is deleted by the schedule.
 void EndLink(const Run& run, const RunUpload& upload, std::int32_t days) {
@@ -54,8 +55,8 @@ void DeleteInTurn(const StorageRun& run, const std::vector<ScheduledDeletion>& f
     }
 }
 
-// Each run begins with another file of the account, so that one that is never reached doesn't keep
-// the others.
+// Runs begin with different files of the account, by the second, so that one that is never reached
+// doesn't keep the others. The system's clock moves in steps that may all be even.
 void DeleteDue(const Run& run, std::uint64_t now) {
     std::map<std::pair<std::uint32_t, std::wstring>, std::vector<ScheduledDeletion>> accounts;
     for (ScheduledDeletion& deletion : run->Deletions().DueAt(now)) {
@@ -64,7 +65,8 @@ void DeleteDue(const Run& run, std::uint64_t now) {
     std::size_t threads = 0;
     for (auto& [account, files] : accounts) {
         if (++threads > kMostThreads) return;
-        std::ranges::rotate(files, files.begin() + static_cast<std::ptrdiff_t>(now % files.size()));
+        std::ranges::rotate(files, files.begin() +
+                                       static_cast<std::ptrdiff_t>(now / kSecond % files.size()));
         RunDetached([run, now, own = std::move(files)] { DeleteInTurn(*run, own, now); });
     }
 }

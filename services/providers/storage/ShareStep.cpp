@@ -41,10 +41,8 @@ ShareResult AskProvider(const Run& run, const RunUpload& upload, const CloudItem
 }
 
 // Whether the result is a link that the record has room for, and the user has seen its password.
-bool TakeLink(const StorageRun& run, RunUpload& upload, CloudItem& item, ShareResult& result) {
-    const ObLib::ScopeExit wiped([&result] {
-        SecureZeroMemory(result.password.data(), result.password.size() * sizeof(wchar_t));
-    });
+bool TakeLink(const StorageRun& run, RunUpload& upload, CloudItem& item,
+              const ShareResult& result) {
     const std::wstring link = EscapedLink(result.link);
     if (!result.isShared || link.empty() || link.size() >= std::size(item.link)) return false;
     if (!result.password.empty() && !ShowLinkPassword(run.owner, item.name, result.password)) {
@@ -69,8 +67,14 @@ bool ShareFile(const Run& run, CloudItem& item) {
         ShowSentence(run->owner, FailureOf(item, {}));
         return false;
     }
+    ShareResult result;
+    const ObLib::ScopeExit wiped([&result] {
+        SecureZeroMemory(result.password.data(), result.password.size() * sizeof(wchar_t));
+    });
     while (!upload->isShared) {
-        ShareResult result = AskProvider(run, *upload, item);
+        // What the provider has shared isn't shared again: there would be two links, and nobody
+        // would have seen the password of the first one.
+        if (!result.isShared) result = AskProvider(run, *upload, item);
         if (TakeLink(*run, *upload, item, result)) return true;
         if (IsOver(*run) || !AskToTryAgain(run->owner, FailureOf(item, result))) return false;
     }

@@ -353,9 +353,10 @@ TEST_F(DeletionOfUploads, StopsInAnAccountAtAFileThatCantBeReached) {
         tried.push_back(file.path);
         return DeletionEnd::Unreachable;
     };
-    now_ += now_ % 2;
+    constexpr std::uint64_t kSecond = 10'000'000;
+    now_ += now_ / kSecond % 2 * kSecond;
     StartAndWait();
-    ++now_;
+    now_ += kSecond;
     StartAndWait(); // begins with the other one
     EXPECT_EQ(tried, (std::vector<std::wstring>{L"/a.zip", L"/b.zip"}));
 }

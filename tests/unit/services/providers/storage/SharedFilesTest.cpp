@@ -7,6 +7,7 @@
 
 #include "services/providers/storage/LinkPasswordDialogIds.h"
 #include "services/providers/storage/UploadDialogIds.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/storage/InstanceFixture.h"
@@ -297,6 +298,31 @@ TEST_F(SharedFiles, ShowTheirPasswordOnce) {
     }
     EXPECT_EQ(LinkOf(list), L"https://example.org/1");
     EXPECT_TRUE(Share(list)) << "no second dialog, which nobody would close";
+}
+
+int failuresLeft;
+
+// The dialog can't be created at first; then the user closes it.
+INT_PTR WINAPI LateDialog(HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM) {
+    return failuresLeft-- > 0 ? -1 : IDOK;
+}
+
+TEST_F(SharedFiles, AreSharedOnceWhenTheirPasswordCantBeShownAtFirst) {
+    std::atomic<int> shares = 0;
+    sevenScript_->share = [&](auto&, auto&, HANDLE) {
+        ++shares;
+        return ShareResult{true, L"https://example.org/1", L"id", L"correct-horse", {}};
+    };
+    DownloadList* list = Uploaded();
+    failuresLeft = 2;
+    const obtest::ImportPatch patch("user32.dll", "DialogBoxParamW", &LateDialog);
+    ASSERT_TRUE(patch.Ok());
+    MessageBoxWatcher watcher;
+    watcher.AnswerWith(IDRETRY);
+    EXPECT_TRUE(Share(list));
+    EXPECT_EQ(watcher.Seen().size(), 2u);
+    EXPECT_EQ(shares, 1);
+    EXPECT_EQ(LinkOf(list), L"https://example.org/1");
 }
 
 } // namespace
