@@ -161,7 +161,7 @@ public:
         : upload_(upload), thread_(CreateThread(nullptr, 0, &UploadEntry, &upload, 0, nullptr)) {}
     ~UploadThread() {
         if (!thread_) return;
-        // Only an exception on the calling thread finds it still running.
+        // Only after an exception on the calling thread it is still running.
         if (!IsSet(thread_.Get())) upload_.Cancel();
         WaitForSingleObject(thread_.Get(), INFINITE);
     }
@@ -266,15 +266,20 @@ UploadResult RunUploadInWindow(StorageProvider& provider, const std::wstring& ac
     if (owner && !IsWindow(owner)) return {UploadEnd::Cancelled, {}, {}};
     SharedUpload upload(provider, accountKey, file, ended);
     if (!upload.Exists()) return {};
+    bool wasWatched = false;
     {
         // Ends before the wait does, which re-enables the owner.
         UploadWait wait(upload, texts, file.name, owner ? GetAncestor(owner, GA_ROOT) : nullptr,
                         clock ? clock : &SystemClock);
         const UploadThread thread(upload);
         if (!thread.Get()) return {};
-        wait.Until(thread.Get(), ended);
+        wasWatched = ObLib::RanGuarded([&] { wait.Until(thread.Get(), ended); });
     }
-    return upload.Result();
+    UploadResult result = upload.Result();
+    // Where the memory ran out here, the upload was ended, but not by the user. A file that was
+    // stored all the same is done.
+    if (!wasWatched && result.end == UploadEnd::Cancelled) return {};
+    return result;
 }
 
 } // namespace providers

@@ -22,8 +22,9 @@ using UploadClock = std::uint64_t (*)();
 // unless the file was stored before the provider noticed. On the thread that owns the dialogs,
 // whose messages are dispatched meanwhile; the owner, which may be null, is disabled.
 //
-// A provider that throws, and an upload that can't be begun, give Failed without a sentence. May
-// throw std::bad_alloc, after the upload has ended. `clock` null: that of the system.
+// A provider that throws, an upload that can't be begun, and one that is ended because its progress
+// can't be shown give Failed without a sentence; a file that was stored is Done in any case. May
+// throw std::bad_alloc before the upload begins. `clock` null: that of the system.
 UploadResult RunUploadInWindow(StorageProvider& provider, const std::wstring& accountKey,
                                const UploadFile& file, const UploadTexts& texts, HWND owner,
                                HANDLE ended, UploadClock clock = nullptr);

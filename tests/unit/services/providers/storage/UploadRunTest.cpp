@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <functional>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -38,6 +39,13 @@ LRESULT CALLBACK OwnerProc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 std::atomic<std::uint64_t> clockNow;
 std::atomic<std::uint64_t> clockStep;
 std::uint64_t Clock() { return clockNow += clockStep; }
+
+// As when there is no memory for what is shown.
+std::atomic<int> readings;
+std::uint64_t FailingClock() {
+    if (++readings > 1) throw std::bad_alloc();
+    return 0;
+}
 
 HWND ProgressWindow() {
     return obtest::FindTopWindow(
@@ -243,6 +251,22 @@ TEST_F(UploadRun, AProviderThatThrowsHasFailed) {
         Run([](auto&, auto&, auto&) -> UploadResult { throw std::runtime_error("no"); });
     EXPECT_EQ(result.end, UploadEnd::Failed);
     EXPECT_EQ(result.sentence, L"");
+}
+
+TEST_F(UploadRun, IsDoneWhenTheFileWasStoredAlthoughNothingCouldBeShown) {
+    for (const UploadEnd end : {UploadEnd::Done, UploadEnd::Cancelled}) {
+        readings = 0;
+        ScriptedUpload provider([&](auto&, auto&, UploadProgress& progress) {
+            EXPECT_TRUE(WaitForSet(progress.Cancelled()));
+            return UploadResult{end, {L"/a.zip", L"a.zip", L"1", 1}, {}};
+        });
+        const UploadResult result =
+            RunUploadInWindow(provider, L"key", {L"C:\\a", L"a.zip", L""}, {L"A title", L"A body."},
+                              owner_.Get(), ended_.Get(), &FailingClock);
+        EXPECT_EQ(result.end, end == UploadEnd::Done ? UploadEnd::Done : UploadEnd::Failed);
+        EXPECT_EQ(result.stored.path, end == UploadEnd::Done ? L"/a.zip" : L"");
+        EXPECT_TRUE(IsWindowEnabled(owner_.Get()));
+    }
 }
 
 TEST_F(UploadRun, DisablesItsOwnerAndGivesTheFocusBack) {
