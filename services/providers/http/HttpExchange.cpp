@@ -199,6 +199,13 @@ HttpExchange::Failure HttpExchange::SetOptions(const HttpUrl& url) {
     }
     // The steps are limited by their waits. A client with limits of its own may begin a step again.
     WinHttpSetTimeouts(request_.Get(), 0, 0, 0, 0);
+    // A server that would like a certificate of the user's, and needs none, gets none; otherwise
+    // the system's client ends the request. Wine's client asks for none, and may not know the
+    // option.
+    if (url.origin.isSecure) {
+        WinHttpSetOption(request_.Get(), WINHTTP_OPTION_CLIENT_CERT_CONTEXT,
+                         WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
+    }
     WINHTTP_PROXY_INFO none{WINHTTP_ACCESS_TYPE_NO_PROXY, nullptr, nullptr};
     if (IsLoopback(url.origin))
         WinHttpSetOption(request_.Get(), WINHTTP_OPTION_PROXY, &none, sizeof none);
