@@ -8,6 +8,7 @@
 #include "services/providers/dav/DavTransfer.h"
 #include "services/providers/http/Utf8.h"
 #include "services/providers/storage/GuidText.h"
+#include "services/providers/webdav/DavAccount.h"
 #include "services/providers/webdav/DavSentence.h"
 
 namespace providers {
@@ -43,11 +44,6 @@ UploadResult Ended(const DavError& error, const DavAccess& access, const std::ws
     if (error.fault == DavFault::Taken) return {UploadEnd::NameTaken, {}, {}};
     if (IsHttp(error, HttpFault::Cancelled)) return {UploadEnd::Cancelled, {}, {}};
     return {UploadEnd::Failed, {}, DavUploadSentence(error, access.root.origin, name)};
-}
-
-bool IsBelow(const HttpUrl& url, const HttpUrl& root) {
-    return url.origin == root.origin && url.path.size() > root.path.size() &&
-           url.path.starts_with(root.path);
 }
 
 } // namespace
