@@ -11,6 +11,7 @@
 namespace providers {
 namespace {
 
+constexpr wchar_t kAccountsKey[] = L"\\Accounts";
 constexpr wchar_t kLabelValue[] = L"Label";
 constexpr wchar_t kOrderValue[] = L"Order";
 constexpr std::size_t kLongestText = 2000;
@@ -22,7 +23,7 @@ struct OrderedAccount {
 };
 
 std::wstring ProviderPath(const std::wstring& key, std::uint32_t providerId) {
-    return key + L"\\Accounts\\" + std::to_wstring(providerId);
+    return key + kAccountsKey + L'\\' + std::to_wstring(providerId);
 }
 
 // At most as long as a label may be, without half a character at its end.
@@ -114,6 +115,20 @@ bool AccountBook::MakeNewest(std::uint32_t providerId, const std::wstring& accou
 bool AccountBook::Remove(std::uint32_t providerId, const std::wstring& accountKey) const {
     if (!IsGuidText(accountKey)) return true;
     return RemoveKey(hive_, ProviderPath(key_, providerId), accountKey);
+}
+
+bool AccountBook::HasUnfinished(std::uint64_t time) const {
+    const std::wstring path = key_ + kAccountsKey;
+    return std::ranges::any_of(SubkeyNames(hive_, path), [&](const std::wstring& provider) {
+        return !UnfinishedKeys(hive_, path + L'\\' + provider, kLabelValue, time).empty();
+    });
+}
+
+void AccountBook::RemoveUnfinished(std::uint64_t time) const {
+    const std::wstring path = key_ + kAccountsKey;
+    for (const std::wstring& provider : SubkeyNames(hive_, path)) {
+        RemoveUnfinishedKeys(hive_, path + L'\\' + provider, kLabelValue, time);
+    }
 }
 
 std::optional<std::wstring> AccountBook::Text(std::uint32_t providerId,

@@ -31,6 +31,10 @@ public:
     // The hive and key that Init was given.
     AccountBook(HKEY hive, std::wstring key);
 
+    // Below which other things of the storage providers are kept, too.
+    HKEY Hive() const noexcept { return hive_; }
+    const std::wstring& Key() const noexcept { return key_; }
+
     // Oldest first, the newest kMostAccounts if there are more; those without a label are left out.
     // A label is cut to kLongestLabel.
     std::vector<StorageAccount> Accounts(std::uint32_t providerId) const;
@@ -52,6 +56,11 @@ public:
 
     // Removes an account with all its values. True when it isn't there afterwards.
     bool Remove(std::uint32_t providerId, const std::wstring& accountKey) const;
+
+    // Whether there are accounts of any provider that Add has begun before `time`, as TimeNow
+    // counts, and never finished, as when its process was killed; and removes them.
+    bool HasUnfinished(std::uint64_t time) const;
+    void RemoveUnfinished(std::uint64_t time) const;
 
     // A text of an account; nothing when there is none.
     std::optional<std::wstring> Text(std::uint32_t providerId, const std::wstring& accountKey,

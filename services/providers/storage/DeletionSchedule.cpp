@@ -81,6 +81,10 @@ void DeletionSchedule::Remove(const ScheduledDeletion& deletion) const {
     if (IsGuidText(deletion.id)) RemoveKey(hive_, path_, deletion.id);
 }
 
+void DeletionSchedule::RemoveUnfinished(std::uint64_t time) const {
+    RemoveUnfinishedKeys(hive_, path_, kDue, time);
+}
+
 bool DeletionSchedule::HasAny() const { return !SubkeyNames(hive_, path_).empty(); }
 
 } // namespace providers

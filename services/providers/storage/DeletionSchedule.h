@@ -44,6 +44,9 @@ public:
 
     void Remove(const ScheduledDeletion& deletion) const;
 
+    // Removes what Add has begun before `time`, as TimeNow counts, and never finished.
+    void RemoveUnfinished(std::uint64_t time) const;
+
     // Without looking whether any is due.
     bool HasAny() const;
 

@@ -1,6 +1,7 @@
 #include "services/providers/storage/Deletions.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <utility>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 #include "services/providers/worker/DetachedThread.h"
+#include "services/providers/worker/Event.h"
 
 namespace providers {
 namespace {
@@ -37,37 +39,70 @@ void EndLink(const Run& run, const RunUpload& upload, std::int32_t days) {
                });
 }
 
-DeletionEnd Delete(StorageProvider& provider, const ScheduledDeletion& deletion, HANDLE ended) {
-    return ObLib::Guarded(DeletionEnd::Unreachable, [&] {
-        return provider.Delete(deletion.accountKey, deletion.file, ended);
-    });
+// Something to delete: a file that is due, or a part that was left.
+struct Task {
+    std::uint32_t providerId;
+    std::wstring accountKey;
+    std::uint64_t since; // as TimeNow counts
+    std::function<DeletionEnd(StorageProvider& provider, HANDLE ended)> run;
+    std::function<void()> forget;
+};
+
+Task TaskOf(const Run& run, ScheduledDeletion deletion) {
+    return {deletion.providerId, deletion.accountKey, deletion.due,
+            [deletion](StorageProvider& provider, HANDLE ended) {
+                return provider.Delete(deletion.accountKey, deletion.file, ended);
+            },
+            [run, deletion] { run->Deletions().Remove(deletion); }};
+}
+
+Task TaskOf(const Run& run, NotedPart part) {
+    return {part.providerId, part.accountKey, part.noted,
+            [part](StorageProvider& provider, HANDLE ended) {
+                return provider.RemovePart(part.accountKey, part.path, ended);
+            },
+            [run, id = part.id] { run->Parts().Remove(id); }};
 }
 
 // Stops at a file that can't be reached: a server that is silent takes minutes for each one.
-void DeleteInTurn(const StorageRun& run, const std::vector<ScheduledDeletion>& files,
-                  std::uint64_t now) {
-    for (const ScheduledDeletion& deletion : files) {
-        StorageProvider* const provider = run.ProviderWith(deletion.providerId);
-        if (!provider || WaitForSingleObject(run.Ended(), 0) == WAIT_OBJECT_0) return;
-        const bool isLeft = Delete(*provider, deletion, run.Ended()) == DeletionEnd::Unreachable;
-        if (!isLeft || now - deletion.due > kLongestDelay) run.Deletions().Remove(deletion);
+void DeleteInTurn(const StorageRun& run, const std::vector<Task>& tasks, std::uint64_t now) {
+    for (const Task& task : tasks) {
+        StorageProvider* const provider = run.ProviderWith(task.providerId);
+        if (!provider || IsSet(run.Ended())) return;
+        const bool isLeft = ObLib::Guarded(DeletionEnd::Unreachable, [&] {
+                                return task.run(*provider, run.Ended());
+                            }) == DeletionEnd::Unreachable;
+        if (!isLeft || now - task.since > kLongestDelay) task.forget();
         if (isLeft) return;
     }
+}
+
+using Account = std::pair<std::uint32_t, std::wstring>; // the provider's id, and the key
+
+std::map<Account, std::vector<Task>> TasksAt(const Run& run, std::uint64_t now) {
+    std::map<Account, std::vector<Task>> accounts;
+    const auto add = [&](Task task) {
+        accounts[{task.providerId, task.accountKey}].push_back(std::move(task));
+    };
+    for (ScheduledDeletion& deletion : run->Deletions().DueAt(now)) {
+        add(TaskOf(run, std::move(deletion)));
+    }
+    for (NotedPart& part : run->Parts().OldAt(now)) add(TaskOf(run, std::move(part)));
+    return accounts;
 }
 
 // Runs begin with different files of the account, by the second, so that one that is never reached
 // doesn't keep the others. The system's clock moves in steps that may all be even.
 void DeleteDue(const Run& run, std::uint64_t now) {
-    std::map<std::pair<std::uint32_t, std::wstring>, std::vector<ScheduledDeletion>> accounts;
-    for (ScheduledDeletion& deletion : run->Deletions().DueAt(now)) {
-        accounts[{deletion.providerId, deletion.accountKey}].push_back(std::move(deletion));
-    }
+    const std::uint64_t yesterday = now - kOldPart;
+    run->Book().RemoveUnfinished(yesterday);
+    run->Deletions().RemoveUnfinished(yesterday);
     std::size_t threads = 0;
-    for (auto& [account, files] : accounts) {
+    for (auto& [account, tasks] : TasksAt(run, now)) {
         if (++threads > kMostThreads) return;
-        std::ranges::rotate(files, files.begin() +
-                                       static_cast<std::ptrdiff_t>(now / kSecond % files.size()));
-        RunDetached([run, now, own = std::move(files)] { DeleteInTurn(*run, own, now); });
+        std::ranges::rotate(tasks, tasks.begin() +
+                                       static_cast<std::ptrdiff_t>(now / kSecond % tasks.size()));
+        RunDetached([run, now, own = std::move(tasks)] { DeleteInTurn(*run, own, now); });
     }
 }
 
@@ -88,7 +123,9 @@ bool ScheduleDeletion(const Run& run, const obcontract::CloudItem& item, std::in
 }
 
 void StartDeletions(const Run& run, std::uint64_t now) {
-    if (run->Deletions().HasAny()) RunDetached([run, now] { DeleteDue(run, now); });
+    const bool hasAny = run->Deletions().HasAny() || run->Parts().HasAny() ||
+                        run->Book().HasUnfinished(now - kOldPart);
+    if (hasAny) RunDetached([run, now] { DeleteDue(run, now); });
 }
 
 } // namespace providers

@@ -19,7 +19,9 @@ bool ScheduleDeletion(const std::shared_ptr<StorageRun>& run, const obcontract::
 // Deletes what is due, also of accounts that are logged out: each account on a thread of its own
 // that nobody waits for and that ends with the session. A file that can't be reached ends the
 // account's turn and stays for a later run, for a year at most; what has gone or changed is
-// forgotten. A file of a provider that this build doesn't have stays.
+// forgotten. A file of a provider that this build doesn't have stays. The same happens to what
+// uploads of processes that were killed have left for a day; and what was written half, of accounts
+// and deletions, is removed after a day.
 void StartDeletions(const std::shared_ptr<StorageRun>& run, std::uint64_t now);
 
 } // namespace providers

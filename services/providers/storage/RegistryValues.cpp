@@ -1,6 +1,10 @@
 #include "services/providers/storage/RegistryValues.h"
 
+#include <limits>
+#include <utility>
+
 #include "ObLib/Src/Win32/RegistryView.h"
+#include "services/providers/storage/GuidText.h"
 
 namespace providers {
 
@@ -36,18 +40,49 @@ bool WriteNumber(HKEY key, const wchar_t* name, std::uint64_t number) {
 }
 
 std::vector<std::wstring> SubkeyNames(HKEY hive, const std::wstring& path) {
+    std::vector<std::wstring> names;
+    for (OldKey& key : KeysWrittenBefore(hive, path, std::numeric_limits<std::uint64_t>::max())) {
+        names.push_back(std::move(key.name));
+    }
+    return names;
+}
+
+std::vector<OldKey> KeysWrittenBefore(HKEY hive, const std::wstring& path, std::uint64_t time) {
     constexpr DWORD kLongestName = 255; // of any key
     const auto key = ObLib::OpenRegistryKey(hive, path.c_str(), KEY_ENUMERATE_SUB_KEYS);
     if (!key) return {};
-    std::vector<std::wstring> names;
+    std::vector<OldKey> keys;
     for (DWORD index = 0;; ++index) {
         wchar_t name[kLongestName + 1] = L"";
         DWORD size = kLongestName + 1;
-        if (RegEnumKeyExW(key.Get(), index, name, &size, nullptr, nullptr, nullptr, nullptr) !=
+        FILETIME written{};
+        if (RegEnumKeyExW(key.Get(), index, name, &size, nullptr, nullptr, nullptr, &written) !=
             ERROR_SUCCESS) {
-            return names;
+            return keys;
         }
-        names.emplace_back(name, size);
+        const ULARGE_INTEGER since{{written.dwLowDateTime, written.dwHighDateTime}};
+        if (since.QuadPart < time) keys.push_back({std::wstring(name, size), since.QuadPart});
+    }
+}
+
+std::vector<std::wstring> UnfinishedKeys(HKEY hive, const std::wstring& path,
+                                         const wchar_t* lastWritten, std::uint64_t time) {
+    std::vector<std::wstring> names;
+    for (OldKey& found : KeysWrittenBefore(hive, path, time)) {
+        if (!IsGuidText(found.name)) continue;
+        const auto key =
+            ObLib::OpenRegistryKey(hive, (path + L'\\' + found.name).c_str(), KEY_QUERY_VALUE);
+        const bool lacksIt = key && RegQueryValueExW(key.Get(), lastWritten, nullptr, nullptr,
+                                                     nullptr, nullptr) == ERROR_FILE_NOT_FOUND;
+        if (lacksIt) names.push_back(std::move(found.name));
+    }
+    return names;
+}
+
+void RemoveUnfinishedKeys(HKEY hive, const std::wstring& path, const wchar_t* lastWritten,
+                          std::uint64_t time) {
+    for (const std::wstring& name : UnfinishedKeys(hive, path, lastWritten, time)) {
+        RemoveKey(hive, path, name);
     }
 }
 

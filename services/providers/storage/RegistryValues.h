@@ -25,6 +25,22 @@ bool WriteNumber(HKEY key, const wchar_t* name, std::uint64_t number);
 // opened.
 std::vector<std::wstring> SubkeyNames(HKEY hive, const std::wstring& path);
 
+// A key, and when it was last written, as TimeNow counts.
+struct OldKey {
+    std::wstring name;
+    std::uint64_t written = 0;
+};
+
+// Those of all keys below one that were last written before `time`.
+std::vector<OldKey> KeysWrittenBefore(HKEY hive, const std::wstring& path, std::uint64_t time);
+
+// The names of the keys below one that are the texts of GUIDs, lack the value `lastWritten`, which
+// their maker writes last, and were last written before `time`: nobody is going to finish them.
+std::vector<std::wstring> UnfinishedKeys(HKEY hive, const std::wstring& path,
+                                         const wchar_t* lastWritten, std::uint64_t time);
+void RemoveUnfinishedKeys(HKEY hive, const std::wstring& path, const wchar_t* lastWritten,
+                          std::uint64_t time);
+
 // Makes a key for writing. Empty when it can't be made or is there already.
 ObLib::UniqueRegistryKey MakeNewKey(HKEY hive, const std::wstring& path);
 

@@ -140,6 +140,14 @@ public:
     // On a thread of its own, also after the account was logged out. Deletes the file if it is
     // unchanged. Gone for a file that can't ever be reached without the account.
     virtual DeletionEnd Delete(const std::wstring& key, const StoredFile& file, HANDLE ended) = 0;
+    // As Delete, for what an upload of a process that was killed may have left under a temporary
+    // name: `path` is that of its PartNote. Changed for a path that no upload makes. A provider
+    // that makes no such notes leaves this.
+    virtual DeletionEnd RemovePart(const std::wstring& key, const std::wstring& path,
+                                   HANDLE ended) {
+        static_cast<void>(key), static_cast<void>(path), static_cast<void>(ended);
+        return DeletionEnd::Changed;
+    }
 
     // Lets the user pick files of an account, with their links. `preferred`: the account to begin
     // with, empty when there is none. Takes no selection for which FitsLinkText is false.

@@ -13,6 +13,7 @@
 #include "services/providers/storage/AccountBook.h"
 #include "services/providers/storage/AccountErrors.h"
 #include "services/providers/storage/DeletionSchedule.h"
+#include "services/providers/storage/PartNotes.h"
 #include "services/providers/storage/RunUploads.h"
 #include "services/providers/storage/StorageProvider.h"
 #include "services/providers/storage/UploadTexts.h"
@@ -41,8 +42,9 @@ public:
     // On any thread.
     const AccountBook& Book() const noexcept { return book_; }
     const DeletionSchedule& Deletions() const noexcept { return deletions_; }
+    const PartNotes& Parts() const noexcept { return parts_; }
     const std::vector<std::unique_ptr<StorageProvider>>& Providers() const noexcept {
-        return parts_.providers;
+        return given_.providers;
     }
     // The provider that an account belongs to; null when there is no such account.
     StorageProvider* ProviderOf(const std::wstring& accountKey) const;
@@ -52,7 +54,7 @@ public:
     HANDLE Ended() const noexcept { return ended_.Get(); }
     void End() noexcept { SetEvent(ended_.Get()); }
 
-    const UploadRunner& Upload() const noexcept { return parts_.upload; }
+    const UploadRunner& Upload() const noexcept { return given_.upload; }
 
     // On the thread that owns the dialogs.
     RunUploads uploads;
@@ -63,7 +65,8 @@ public:
 private:
     AccountBook book_;
     DeletionSchedule deletions_;
-    StorageParts parts_;
+    PartNotes parts_;
+    StorageParts given_;
     ObLib::UniqueKernelHandle ended_;
 };
 

@@ -3,7 +3,9 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "services/providers/storage/LocalDays.h"
@@ -389,6 +391,132 @@ TEST_F(DeletionOfUploads, BeginsNoFurtherFileOnceTheSessionHasEnded) {
     };
     StartAndWait();
     EXPECT_EQ(deletions_, 1);
+}
+
+class LeftParts : public DeletionOfUploads {
+protected:
+    void SetUp() override {
+        DeletionOfUploads::SetUp();
+        sevenScript_->removePart = [this](auto&, const std::wstring& path, HANDLE) {
+            const std::lock_guard guard(lock_);
+            removed_.push_back(path);
+            return end_.load();
+        };
+    }
+    std::wstring Note(const std::wstring& path, std::uint32_t provider = kSeven) {
+        return run_->Parts().Add({provider, key_, path});
+    }
+    std::wstring KeyOf(const std::wstring& id) { return kKey + L"\\Parts\\" + id; }
+    bool IsNoted(const std::wstring& id) { return obtest::KeyExists(HKEY_CURRENT_USER, KeyOf(id)); }
+    // A session so many days after the notes were made.
+    std::vector<std::wstring> RemovedAfter(std::uint64_t days, std::uint64_t more = kDay / 1000) {
+        now_ = providers::TimeNow() + days * kDay + more;
+        StartAndWait();
+        const std::lock_guard guard(lock_);
+        return std::exchange(removed_, {});
+    }
+
+    std::mutex lock_; // of the next one
+    std::vector<std::wstring> removed_;
+};
+
+TEST_F(LeftParts, AreRemovedOnceTheyAreADayOld) {
+    const std::wstring id = Note(L"/a.part");
+    ASSERT_NE(id, L"");
+    EXPECT_TRUE(RemovedAfter(0).empty()) << "its upload may still run";
+    EXPECT_TRUE(IsNoted(id));
+    EXPECT_EQ(RemovedAfter(1), std::vector<std::wstring>{L"/a.part"});
+    EXPECT_FALSE(IsNoted(id));
+    EXPECT_FALSE(run_->Parts().HasAny());
+}
+
+TEST_F(LeftParts, AreTriedAgainWhileTheyCantBeReachedForAYearAtMost) {
+    const std::wstring id = Note(L"/a.part");
+    end_ = DeletionEnd::Unreachable;
+    EXPECT_EQ(RemovedAfter(2).size(), 1u);
+    EXPECT_TRUE(IsNoted(id));
+    EXPECT_EQ(RemovedAfter(364).size(), 1u);
+    EXPECT_TRUE(IsNoted(id));
+    EXPECT_EQ(RemovedAfter(366).size(), 1u);
+    EXPECT_FALSE(IsNoted(id));
+}
+
+TEST_F(LeftParts, AreForgottenWhenTheyArentOfAnUpload) {
+    const std::wstring id = Note(L"/mine.zip");
+    end_ = DeletionEnd::Changed;
+    EXPECT_EQ(RemovedAfter(2).size(), 1u);
+    EXPECT_FALSE(IsNoted(id));
+}
+
+TEST_F(LeftParts, StayOfAProviderThatThisBuildLacks) {
+    const std::wstring id = Note(L"/a.part", 9);
+    EXPECT_TRUE(RemovedAfter(2).empty());
+    EXPECT_TRUE(IsNoted(id));
+}
+
+TEST_F(LeftParts, AreRemovedAlsoAfterALogoutAndBesideWhatIsDue) {
+    Note(L"/a.part");
+    Note(L"/b.part");
+    AddDue(L"/a.zip", key_);
+    ASSERT_TRUE(book_.Remove(kSeven, key_));
+    EXPECT_EQ(RemovedAfter(2).size(), 2u);
+    EXPECT_FALSE(IsLeft(L"/a.zip"));
+}
+
+TEST_F(LeftParts, AreNotedWithoutTheirFilesNameAndALink) {
+    auto names = obtest::ValueNames(HKEY_CURRENT_USER, KeyOf(Note(L"/a.part")));
+    std::ranges::sort(names);
+    EXPECT_EQ(names, (std::vector<std::wstring>{L"Account", L"Path", L"Provider"}));
+}
+
+TEST_F(LeftParts, HaveNoNoteThatCantBeRead) {
+    EXPECT_EQ(Note(L""), L"");
+    EXPECT_EQ(Note(std::wstring(32'001, L'x')), L"");
+    const std::wstring id = Note(L"/a.part");
+    const std::uint32_t number = 0;
+    obtest::SetRawValue(HKEY_CURRENT_USER, KeyOf(id), L"Path", REG_DWORD, &number, sizeof(number));
+    obtest::SetValue(HKEY_CURRENT_USER, KeyOf(L"foreign"), L"Path", L"/x");
+    EXPECT_TRUE(RemovedAfter(2).empty());
+    EXPECT_FALSE(IsNoted(id));
+    EXPECT_TRUE(IsNoted(L"foreign"));
+}
+
+TEST_F(LeftParts, LoseTheirNoteWithTheirUploadUnlessTheyAreLeft) {
+    const providers::PartNotes& notes = run_->Parts();
+    {
+        providers::PartNote done(notes, {kSeven, key_, L"/done.part"});
+        EXPECT_TRUE(notes.HasAny());
+        done.Remove();
+        EXPECT_FALSE(notes.HasAny());
+        const providers::PartNote left(notes, {kSeven, key_, L"/left.part"});
+    }
+    EXPECT_EQ(RemovedAfter(2), std::vector<std::wstring>{L"/left.part"});
+}
+
+TEST_F(DeletionOfUploads, RemovesWhatWasWrittenHalfAfterADay) {
+    const std::wstring half = L"{01234567-89AB-CDEF-0123-456789ABCDEF}";
+    const std::wstring account = kKey + L"\\Accounts\\7\\" + half;
+    const std::wstring deletion = kKey + L"\\Deletions\\" + half;
+    const auto exists = [](const std::wstring& path) {
+        return obtest::KeyExists(HKEY_CURRENT_USER, path);
+    };
+    const std::uint64_t order = 7;
+    obtest::SetRawValue(HKEY_CURRENT_USER, account, L"Order", REG_QWORD, &order, sizeof(order));
+    StartAndWait();
+    EXPECT_TRUE(exists(account)) << "it may still be written";
+    now_ += kDay + kDay / 1000;
+    StartAndWait();
+    EXPECT_FALSE(exists(account));
+    EXPECT_TRUE(book_.Contains(kSeven, key_));
+    obtest::SetValue(HKEY_CURRENT_USER, deletion, L"Path", L"/a.zip");
+    obtest::SetValue(HKEY_CURRENT_USER, kKey + L"\\Deletions\\foreign", L"Path", L"/a.zip");
+    now_ = providers::TimeNow();
+    StartAndWait();
+    EXPECT_TRUE(exists(deletion)) << "it may still be written";
+    now_ += kDay + kDay / 1000;
+    StartAndWait();
+    EXPECT_FALSE(exists(deletion));
+    EXPECT_TRUE(exists(kKey + L"\\Deletions\\foreign"));
 }
 
 } // namespace

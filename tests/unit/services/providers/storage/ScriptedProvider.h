@@ -66,6 +66,10 @@ public:
         Checked(true);
         return remove ? remove(key, file, ended) : providers::DeletionEnd::Unreachable;
     }
+    providers::DeletionEnd RemovePart(Key key, const std::wstring& path, HANDLE ended) override {
+        Checked(true);
+        return removePart ? removePart(key, path, ended) : providers::DeletionEnd::Unreachable;
+    }
     providers::PickResult Pick(Key preferred, HWND owner) override {
         Note(L"Pick", preferred, owner);
         return pick ? pick(preferred) : providers::PickResult{};
@@ -86,6 +90,7 @@ public:
     std::function<providers::ShareResult(Key, const providers::StoredFile&, HANDLE ended)> share;
     std::function<bool(Key, const std::wstring& shareId, std::int32_t days)> setExpiry;
     std::function<providers::DeletionEnd(Key, const providers::StoredFile&, HANDLE ended)> remove;
+    std::function<providers::DeletionEnd(Key, const std::wstring& path, HANDLE ended)> removePart;
     std::function<providers::PickResult(Key)> pick;
 
     std::vector<std::wstring> calls; // of the thread of the dialogs, as "Manage(key)"
