@@ -1,7 +1,8 @@
-# The sources of the XML document library, for both builds: Windows (ObLibX/CMakeLists.txt) and
-# native (fuzzing/CMakeLists.txt). Include it; it sets
+# The sources of the XML document library and of what dialogs are described with, for both builds:
+# Windows (ObLibX/CMakeLists.txt) and native (fuzzing/CMakeLists.txt). Include it; it sets
 #   OBX_XML_SOURCES          what builds everywhere, the packed name tables among them
 #   OBX_XML_WINDOWS_SOURCES  the Windows side of src/xml/encoding/System*.h
+#   OBX_DIALOG_DATA_SOURCES  of src/dialog, what builds everywhere
 set(names
     names/NameTables
     scan/OpenTagStack
@@ -40,3 +41,9 @@ list(APPEND OBX_XML_SOURCES "${tables}")
 set(OBX_XML_WINDOWS_SOURCES
     "${CMAKE_CURRENT_LIST_DIR}/src/xml/encoding/SystemFileWindows.cpp"
     "${CMAKE_CURRENT_LIST_DIR}/src/xml/encoding/SystemTextWindows.cpp")
+
+# What a dialog is described with, and its arithmetic: no window, no registry.
+set(OBX_DIALOG_DATA_SOURCES "")
+foreach(name ObXMLNode ObXML FontSubstitution DialogDescription DialogTemplate)
+    list(APPEND OBX_DIALOG_DATA_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/dialog/${name}.cpp")
+endforeach()
