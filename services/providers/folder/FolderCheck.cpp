@@ -1,7 +1,5 @@
 #include "services/providers/folder/FolderCheck.h"
 
-#include <objbase.h>
-
 #include <cwchar>
 #include <iterator>
 
@@ -9,9 +7,13 @@
 #include "ObLib/Src/Win32/LongPath.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/folder/FolderPath.h"
+#include "services/providers/storage/GuidText.h"
 
 namespace providers {
 namespace {
+
+constexpr wchar_t kBeforeId[] = L"~";
+constexpr wchar_t kAfterId[] = L".part";
 
 DWORD TryToWrite(const std::wstring& path) {
     const ObLib::UniqueKernelHandle probe(
@@ -26,8 +28,9 @@ DWORD Check(const std::wstring& folder) {
     const DWORD attributes = GetFileAttributesW(ObLib::WithLongPathPrefix(folder).c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return GetLastError();
     if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) return ERROR_DIRECTORY;
-    const std::wstring probe = PartPath(folder);
-    return probe.empty() ? ERROR_OUTOFMEMORY : TryToWrite(probe);
+    const std::wstring probe = PartName();
+    if (probe.empty()) return ERROR_OUTOFMEMORY;
+    return TryToWrite(ObLib::WithLongPathPrefix(BelowFolder(folder, probe)));
 }
 
 } // namespace
@@ -36,11 +39,15 @@ DWORD CheckFolder(const std::wstring& folder) noexcept {
     return ObLib::Guarded<DWORD>(ERROR_OUTOFMEMORY, [&] { return Check(folder); });
 }
 
-std::wstring PartPath(const std::wstring& folder) {
-    GUID id{};
-    wchar_t name[40] = L"";
-    if (FAILED(CoCreateGuid(&id)) || StringFromGUID2(id, name, 40) == 0) return {};
-    return ObLib::WithLongPathPrefix(BelowFolder(folder, std::wstring(L"~") + name + L".part"));
+std::wstring PartName() {
+    const std::wstring id = NewGuidText();
+    return id.empty() ? id : kBeforeId + id + kAfterId;
+}
+
+bool IsPartName(const std::wstring& name) {
+    constexpr std::size_t kAround = std::size(kBeforeId) + std::size(kAfterId) - 2; // without NULs
+    return name.size() > kAround && name.starts_with(kBeforeId) && name.ends_with(kAfterId) &&
+           IsGuidText(name.substr(std::size(kBeforeId) - 1, name.size() - kAround));
 }
 
 std::optional<std::uint64_t> LargestFileIn(const std::wstring& folder) noexcept {

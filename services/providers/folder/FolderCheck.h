@@ -14,9 +14,10 @@ namespace providers {
 // respond blocks it for a minute.
 DWORD CheckFolder(const std::wstring& folder) noexcept;
 
-// A new path in the folder for a file of this module that isn't finished, which no other file has:
-// a random name that ends in ".part". Empty when the system has no random name.
-std::wstring PartPath(const std::wstring& folder);
+// A new name for a file of this module that isn't finished, which no other file has: a random text
+// in front of ".part". Empty when the system has none. And whether a name is such a one.
+std::wstring PartName();
+bool IsPartName(const std::wstring& name);
 
 // The largest file that the folder's file system takes, in bytes; nothing when no limit is known.
 // Blocks as CheckFolder.

@@ -7,7 +7,7 @@
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/LongPath.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/providers/folder/FolderError.h"
+#include "services/providers/folder/FolderCheck.h"
 #include "services/providers/folder/FolderPath.h"
 
 namespace providers {
@@ -130,6 +130,24 @@ DeletionEnd DeleteFolderFile(const StoredFile& file) {
         if (version.empty()) return DeletionEnd::Unreachable;
         if (version != file.version) return DeletionEnd::Changed;
         if (!Delete(open.Get())) return DeletionEnd::Unreachable;
+    }
+    RemoveEmptyFolders(path, std::min(place->madeFolders, OwnFolders(place->below)));
+    return DeletionEnd::Gone;
+}
+
+DeletionEnd RemoveFolderPart(const std::wstring& text) {
+    const auto place = PlaceOf(text);
+    if (!place || !IsPartName(place->below.substr(place->below.find_last_of(L'\\') + 1))) {
+        return DeletionEnd::Changed;
+    }
+    const std::wstring path = FullPath(*place);
+    {
+        const UniqueKernelHandle open = Open(path, DELETE);
+        const DWORD error = open ? 0 : GetLastError();
+        if (error != 0 && EndWithout(path, error) != DeletionEnd::Gone) {
+            return DeletionEnd::Unreachable;
+        }
+        if (open && !Delete(open.Get())) return DeletionEnd::Unreachable;
     }
     RemoveEmptyFolders(path, std::min(place->madeFolders, OwnFolders(place->below)));
     return DeletionEnd::Gone;

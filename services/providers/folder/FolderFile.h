@@ -32,6 +32,11 @@ std::wstring VersionAt(const std::wstring& path);
 // a folder whose name an upload makes is removed, whatever the text asks for.
 DeletionEnd DeleteFolderFile(const StoredFile& file);
 
+// Deletes what an upload has left under its temporary name, and its empty folders as above. The
+// text is that of its place; Changed when its name isn't one that uploads use. An upload that still
+// runs has the file open: Unreachable.
+DeletionEnd RemoveFolderPart(const std::wstring& text);
+
 // Removes so many of the folders around `path`, from the innermost one, each only if it is empty.
 void RemoveEmptyFolders(const std::wstring& path, unsigned count) noexcept;
 

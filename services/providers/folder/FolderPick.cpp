@@ -206,7 +206,7 @@ PickedPaths LinksOf(const std::vector<std::wstring>& paths, std::span<const Pick
         picked.files.push_back(std::move(*file));
     }
     if (!FitsLinkText(picked.files, displayName)) {
-        return {{}, OwnText(OB_TEXT_FOLDER_PICK_MANY)};
+        return {{}, OwnText(OB_TEXT_PICK_TOO_MANY)};
     }
     return picked;
 }

@@ -1,7 +1,7 @@
 #include "services/providers/folder/FolderUpload.h"
 
 #include <algorithm>
-#include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -9,20 +9,25 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/folder/BreakableCalls.h"
 #include "services/providers/folder/FolderCheck.h"
+#include "services/providers/folder/FolderCopy.h"
 #include "services/providers/folder/FolderError.h"
 #include "services/providers/folder/FolderFile.h"
 #include "services/providers/folder/FolderLink.h"
 #include "services/providers/folder/FolderPath.h"
+#include "services/providers/folder/FolderRename.h"
+#include "services/providers/folder/MadeFolders.h"
+#include "services/providers/folder/PartFile.h"
+#include "services/providers/folder/RepeatedStep.h"
+#include "services/providers/storage/ProviderIds.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
+#include "services/providers/worker/Event.h"
 
 namespace providers {
 namespace {
 
 using ObLib::UniqueKernelHandle;
 using ObLib::WithLongPathPrefix;
-
-constexpr DWORD kBlock = 1 << 20; // bytes
 
 // How the upload ends before its time. What was made so far is removed on the way.
 struct Stopped {
@@ -43,77 +48,12 @@ std::vector<std::wstring> PartsOf(const std::wstring& path) {
     return parts;
 }
 
-// Repeats a step while another program, such as a scanner or a sync client, has the new file open.
-template <class Step>
-bool Repeat(Step step) {
-    constexpr int kAttempts = 100;
-    constexpr DWORD kPause = 20; // milliseconds
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        if (step()) return true;
-        const DWORD error = GetLastError();
-        if (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED) return false;
-        Sleep(kPause);
-        SetLastError(error);
-    }
-    return false;
-}
-
-// The folders that the upload made; those that are empty are removed with this object.
-class MadeFolders {
-public:
-    MadeFolders() = default;
-    ~MadeFolders() { RemoveEmptyFolders(inside_, count_); }
-    MadeFolders(const MadeFolders&) = delete;
-    MadeFolders& operator=(const MadeFolders&) = delete;
-
-    void Add(const std::wstring& folder) {
-        inside_ = folder + L"\\";
-        ++count_;
-    }
-    unsigned Count() const noexcept { return count_; }
-    // They stay.
-    void Keep() noexcept { count_ = 0; }
-
-private:
-    std::wstring inside_;
-    unsigned count_ = 0;
-};
-
-// The file under its temporary name; deleted with this object unless it got its own name.
-class PartFile {
-public:
-    explicit PartFile(std::wstring path) : path_(std::move(path)) {}
-    ~PartFile() {
-        if (!isMade_) return;
-        file_.Reset();
-        Repeat([this] { return DeleteFileW(path_.c_str()) != FALSE; });
-    }
-    PartFile(const PartFile&) = delete;
-    PartFile& operator=(const PartFile&) = delete;
-
-    const std::wstring& Path() const noexcept { return path_; }
-    HANDLE Handle() const noexcept { return file_.Get(); }
-    bool Make(BreakableCalls& calls) {
-        file_ = calls.Run([this] {
-            return UniqueKernelHandle(
-                CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                            FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-        });
-        return isMade_ = static_cast<bool>(file_);
-    }
-    void Close() noexcept { file_.Reset(); }
-    void SetNamed() noexcept { isMade_ = false; }
-
-private:
-    std::wstring path_;
-    UniqueKernelHandle file_;
-    bool isMade_ = false;
-};
-
 class FolderUpload {
 public:
-    FolderUpload(const FolderSettings& account, const UploadFile& file, UploadProgress& progress)
-        : account_(account), file_(file), progress_(progress), calls_(progress.Cancelled()) {}
+    FolderUpload(const FolderSettings& account, const UploadFile& file, UploadProgress& progress,
+                 const FolderUploadCare& care)
+        : account_(account), file_(file), progress_(progress), care_(care),
+          calls_(progress.Cancelled()) {}
 
     UploadResult Run() {
         CheckNames();
@@ -125,14 +65,16 @@ public:
     }
 
 private:
-    std::wstring Below() const {
-        return file_.folder.empty() ? file_.name : file_.folder + L'\\' + file_.name;
+    // Where a file of this name is, below the account's folder and as a whole.
+    std::wstring Below(const std::wstring& name) const {
+        return file_.folder.empty() ? name : file_.folder + L'\\' + name;
     }
-    std::wstring Target() const {
-        return WithLongPathPrefix(BelowFolder(account_.folder, Below()));
+    std::wstring PathOf(const std::wstring& name) const {
+        return WithLongPathPrefix(BelowFolder(account_.folder, Below(name)));
     }
-    std::wstring TargetFolder() const {
-        return file_.folder.empty() ? account_.folder : BelowFolder(account_.folder, file_.folder);
+    // The same as the text that a deletion needs.
+    std::wstring PlaceText(const std::wstring& name) const {
+        return TextOf(FolderPlace{account_.folder, Below(name), folders_.Count()});
     }
 
     [[noreturn]] void Stop(UINT text) const {
@@ -148,9 +90,7 @@ private:
         Stop(OB_TEXT_FOLDER_SOURCE);
     }
     void StopIfCancelled() const {
-        if (WaitForSingleObject(progress_.Cancelled(), 0) == WAIT_OBJECT_0) {
-            throw Stopped{UploadEnd::Cancelled};
-        }
+        if (IsSet(progress_.Cancelled())) throw Stopped{UploadEnd::Cancelled};
     }
 
     // Each part of the folder has to be a name, so that the file is stored below the account's
@@ -161,7 +101,7 @@ private:
             areNames = areNames && IsFileName(part);
         }
         if (!areNames) Stop(OB_TEXT_FOLDER_NAME);
-        if (LinkOf(account_.folder, account_.pattern, Below()).size() > kLongestLink) {
+        if (LinkOf(account_.folder, account_.pattern, Below(file_.name)).size() > kLongestLink) {
             Stop(OB_TEXT_FOLDER_LINK_TOO_LONG);
         }
     }
@@ -215,7 +155,7 @@ private:
 
     // The rename refuses a name that is taken, too; this spares the copy.
     void CheckName() {
-        const std::wstring target = Target();
+        const std::wstring target = PathOf(file_.name);
         if (calls_.Run([&] { return GetFileAttributesW(target.c_str()); }) !=
             INVALID_FILE_ATTRIBUTES) {
             throw Stopped{UploadEnd::NameTaken};
@@ -223,88 +163,64 @@ private:
     }
 
     UploadResult Store() {
-        const std::wstring path = PartPath(TargetFolder());
-        if (path.empty()) StopWith(ERROR_OUTOFMEMORY);
-        PartFile part(path);
-        if (!part.Make(calls_)) StopWith(GetLastError());
+        const std::wstring name = PartName();
+        if (name.empty()) StopWith(ERROR_OUTOFMEMORY);
+        std::optional<PartNote> note;
+        if (care_.notes) {
+            note.emplace(*care_.notes,
+                         NotedPart{kNetworkFolderId, care_.accountKey, PlaceText(name)});
+        }
+        PartFile part(PathOf(name), note ? &*note : nullptr);
+        if (const DWORD error = part.Make(calls_)) StopWith(error);
         Copy(part);
         part.Close();
         std::wstring version;
         Repeat([&] { return !(version = VersionAt(part.Path())).empty(); });
         StopIfCancelled();
         // Made before the file has its name, after which nothing may fail.
-        const FolderPlace place{account_.folder, Below(), folders_.Count()};
-        UploadResult done{UploadEnd::Done, {TextOf(place), file_.name, version, total_}, {}};
+        UploadResult done{
+            UploadEnd::Done, {PlaceText(file_.name), file_.name, version, total_}, {}};
         Name(part, version);
         folders_.Keep();
         return done;
     }
 
     void Copy(PartFile& part) {
-        const auto block = std::make_unique_for_overwrite<char[]>(kBlock);
-        std::uint64_t sent = 0;
-        while (const DWORD size = Read(block.get())) {
-            Write(part.Handle(), block.get(), size);
-            sent += size;
-            progress_.Show(sent, total_);
-        }
-        if (!calls_.Run([&] { return FlushFileBuffers(part.Handle()); })) StopWith(GetLastError());
-        LARGE_INTEGER stored{};
-        if (!GetFileSizeEx(part.Handle(), &stored)) StopWith(GetLastError());
-        if (sent != total_ || static_cast<std::uint64_t>(stored.QuadPart) != total_) {
+        FolderCopy copy(source_.Get(), total_, part, calls_, progress_, care_.patience);
+        const CopyEnd end = copy.Run();
+        switch (end.fault) {
+        case CopyFault::None:
+            return;
+        case CopyFault::Cancelled:
+            throw Stopped{UploadEnd::Cancelled};
+        case CopyFault::Source:
+            StopAtSource();
+        case CopyFault::Target:
+            StopWith(end.error);
+        case CopyFault::Length:
             Stop(OB_TEXT_FOLDER_INCOMPLETE);
         }
     }
-    DWORD Read(char* block) {
-        StopIfCancelled();
-        DWORD size = 0;
-        const bool isRead = calls_.Run(
-            [&] { return ReadFile(source_.Get(), block, kBlock, &size, nullptr) != FALSE; });
-        if (!isRead) StopAtSource();
-        return size;
-    }
-    void Write(HANDLE target, const char* block, DWORD size) {
-        DWORD written = 0;
-        const bool isWritten =
-            calls_.Run([&] { return WriteFile(target, block, size, &written, nullptr) != FALSE; });
-        if (!isWritten) StopWith(GetLastError());
-        if (written != size) StopWith(ERROR_DISK_FULL);
-    }
 
-    // Not broken off: whether the file has its name has to be known.
     void Name(PartFile& part, const std::wstring& version) {
-        const std::wstring target = Target();
-        const bool isNamed =
-            Repeat([&] { return MoveFileExW(part.Path().c_str(), target.c_str(), 0) != FALSE; });
-        const DWORD error = GetLastError();
-        if (isNamed || HasName(target, version, error)) return part.SetNamed();
-        if (IsThere(error)) throw Stopped{UploadEnd::NameTaken};
-        StopWith(error);
-    }
-
-    // The connection may break after the server has done it; then the server is asked for a while.
-    bool HasName(const std::wstring& target, const std::wstring& version, DWORD error) const {
-        constexpr ULONGLONG kPatience = 20'000; // milliseconds, as the pause
-        constexpr DWORD kPause = 250;
-        if (version.empty()) return false;
-        for (const ULONGLONG start = GetTickCount64();;) {
-            const std::wstring found = VersionAt(target);
-            if (!found.empty() || FolderErrorOf(error) != FolderError::Unreachable) {
-                return found == version;
-            }
-            const bool isKnownToLack =
-                GetFileAttributesW(target.c_str()) == INVALID_FILE_ATTRIBUTES &&
-                GetLastError() == ERROR_FILE_NOT_FOUND;
-            if (isKnownToLack || GetTickCount64() - start >= kPatience ||
-                WaitForSingleObject(progress_.Cancelled(), kPause) == WAIT_OBJECT_0) {
-                return false;
-            }
+        const RenameEnd end = RenamePart(part.Path(), PathOf(file_.name), version,
+                                         progress_.Cancelled(), care_.patience);
+        switch (end.fault) {
+        case RenameFault::None:
+            return part.SetNamed();
+        case RenameFault::Taken:
+            throw Stopped{UploadEnd::NameTaken};
+        case RenameFault::Failed:
+            StopWith(end.error);
+        case RenameFault::Unknown:
+            Stop(OB_TEXT_FOLDER_MAY_BE_THERE);
         }
     }
 
     const FolderSettings& account_;
     const UploadFile& file_;
     UploadProgress& progress_;
+    const FolderUploadCare& care_;
     BreakableCalls calls_;
     UniqueKernelHandle source_;
     std::uint64_t total_ = 0; // bytes
@@ -314,9 +230,9 @@ private:
 } // namespace
 
 UploadResult UploadToFolder(const FolderSettings& account, const UploadFile& file,
-                            UploadProgress& progress) {
+                            UploadProgress& progress, const FolderUploadCare& care) {
     try {
-        return FolderUpload(account, file, progress).Run();
+        return FolderUpload(account, file, progress, care).Run();
     } catch (const Stopped& stopped) {
         return {stopped.end, {}, stopped.sentence};
     }

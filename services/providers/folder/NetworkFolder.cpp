@@ -1,10 +1,8 @@
 #include "services/providers/folder/NetworkFolder.h"
 
-#include <memory>
 #include <utility>
 #include <vector>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/folder/FolderCheck.h"
 #include "services/providers/folder/FolderDialog.h"
 #include "services/providers/folder/FolderFile.h"
@@ -16,21 +14,12 @@
 #include "services/providers/storage/ProviderIds.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
-#include "services/providers/worker/DetachedThread.h"
+#include "services/providers/worker/DetachedCall.h"
 
 namespace providers {
 
 using obcontract::ProviderCapability;
-
-namespace {
-
-// Shared by the thread that asks and the one that answers, perhaps too late.
-struct LimitQuestion {
-    std::optional<std::uint64_t> largest;
-    ObLib::UniqueKernelHandle answered{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
-};
-
-} // namespace
+using Limit = std::optional<std::uint64_t>;
 
 std::uint32_t NetworkFolder::Id() const noexcept { return kNetworkFolderId; }
 
@@ -108,15 +97,11 @@ std::optional<AccountSpace> NetworkFolder::Space(const std::wstring& key, HANDLE
 std::optional<std::uint64_t> NetworkFolder::MaxFileSize(const std::wstring& key) const {
     constexpr DWORD kPatience = 2000; // milliseconds
     const auto settings = ReadFolder(book_, key);
-    const auto question = std::make_shared<LimitQuestion>();
-    if (!settings || !question->answered || !RunDetached([question, folder = settings->folder] {
-            question->largest = LargestFileIn(folder);
-            SetEvent(question->answered.Get());
-        })) {
-        return {};
-    }
-    const DWORD waited = WaitForSingleObject(question->answered.Get(), kPatience);
-    return waited == WAIT_OBJECT_0 ? question->largest : std::nullopt;
+    if (!settings) return {};
+    DetachedCall<Limit> question(
+        [folder = settings->folder](HANDLE) { return LargestFileIn(folder); });
+    WaitForSingleObject(question.Done(), kPatience);
+    return question.Take().value_or(Limit{});
 }
 
 std::wstring NetworkFolder::RootFolder(const std::wstring&) const { return {}; }
@@ -124,7 +109,8 @@ std::wstring NetworkFolder::RootFolder(const std::wstring&) const { return {}; }
 UploadResult NetworkFolder::Upload(const std::wstring& key, const UploadFile& file,
                                    UploadProgress& progress) {
     const auto settings = ReadFolder(book_, key);
-    if (settings) return UploadToFolder(*settings, file, progress);
+    const PartNotes notes(book_);
+    if (settings) return UploadToFolder(*settings, file, progress, {&notes, key});
     return {UploadEnd::Failed, {}, FormatOwnText(OB_TEXT_FOLDER_LOGGED_OUT, {file.name})};
 }
 
@@ -151,8 +137,11 @@ bool NetworkFolder::SetExpiry(const std::wstring&, const std::wstring&, std::int
 
 // The file's own path is enough: what an account that is logged out has promised is still done.
 DeletionEnd NetworkFolder::Delete(const std::wstring&, const StoredFile& file, HANDLE ended) {
-    if (WaitForSingleObject(ended, 0) == WAIT_OBJECT_0) return DeletionEnd::Unreachable;
-    return DeleteFolderFile(file);
+    return IsSet(ended) ? DeletionEnd::Unreachable : DeleteFolderFile(file);
+}
+
+DeletionEnd NetworkFolder::RemovePart(const std::wstring&, const std::wstring& path, HANDLE ended) {
+    return IsSet(ended) ? DeletionEnd::Unreachable : RemoveFolderPart(path);
 }
 
 PickResult NetworkFolder::Pick(const std::wstring& preferred, HWND owner) {

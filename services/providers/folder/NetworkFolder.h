@@ -35,6 +35,9 @@ public:
                    HANDLE ended) override;
     DeletionEnd Delete(const std::wstring& key, const StoredFile& file, HANDLE ended) override;
 
+    DeletionEnd RemovePart(const std::wstring& key, const std::wstring& path,
+                           HANDLE ended) override;
+
     PickResult Pick(const std::wstring& preferred, HWND owner) override;
 
 private:

@@ -51,6 +51,7 @@
 #define OB_TEXT_FOLDER_INCOMPLETE 360
 #define OB_TEXT_FOLDER_LOGGED_OUT 361
 #define OB_TEXT_FOLDER_NO_LINK 362
+#define OB_TEXT_FOLDER_MAY_BE_THERE 379 // nobody knows whether the rename was done
 
 // The page of a network folder. %1 is the folder.
 #define OB_TEXT_FOLDER_NO_FULL_PATH 363
@@ -71,7 +72,6 @@
 #define OB_TEXT_FOLDER_PICK_OK 376
 #define OB_TEXT_FOLDER_PICK_OUTSIDE 377
 #define OB_TEXT_FOLDER_PICK_LONG 378
-#define OB_TEXT_FOLDER_PICK_MANY 379
 
 // Why a WebDAV server can't be used. %1 is the server, %2 an error code; in the first a file's name
 // and one of the others.

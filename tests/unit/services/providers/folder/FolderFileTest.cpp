@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/folder/FolderCheck.h"
 #include "tests/support/TestFolder.h"
 
 using namespace providers;
@@ -146,6 +147,48 @@ TEST_F(FolderFile, IsUnreachableWhileItIsOpenElsewhere) {
     }
     EXPECT_EQ(DeleteFolderFile(stored_), DeletionEnd::Gone);
     EXPECT_EQ(Left(), Tree{});
+}
+
+TEST_F(FolderFile, APartIsRemovedWithTheEmptyFoldersThatWereMadeForIt) {
+    const std::wstring name = PartName();
+    const std::wstring below = L"Quillbox\\20261122101530\\" + name;
+    const std::wstring place = L"2|" + cloud_.Path() + L"|" + below;
+    DeleteFileW(path_.c_str());
+    cloud_.File(below, "half");
+    {
+        const ObLib::UniqueKernelHandle open(CreateFileW((cloud_ / below).c_str(), GENERIC_WRITE, 0,
+                                                         nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_EQ(RemoveFolderPart(place), DeletionEnd::Unreachable) << "its upload still runs";
+    }
+    EXPECT_EQ(RemoveFolderPart(place), DeletionEnd::Gone);
+    EXPECT_EQ(obtest::ListTree(cloud_.Path()), std::vector<std::wstring>{});
+    EXPECT_EQ(RemoveFolderPart(place), DeletionEnd::Gone);
+}
+
+TEST_F(FolderFile, NothingButAPartIsRemovedAsOne) {
+    const std::wstring id = L"{01234567-89AB-CDEF-0123-456789ABCDEF}";
+    for (const std::wstring& name :
+         {std::wstring(L"mine.zip"), std::wstring(L"mine.part"), L"~" + id, id + L".part",
+          L"~" + id + L".part.txt", L"~{0}" + std::wstring(L".part"), L"x~" + id + L".part"}) {
+        cloud_.File(name, "mine");
+        EXPECT_EQ(RemoveFolderPart(L"0|" + cloud_.Path() + L"|" + name), DeletionEnd::Changed);
+        EXPECT_TRUE(obtest::FileExists(cloud_ / name)) << name;
+    }
+    const std::wstring part = L"~" + id + L".part";
+    cloud_.File(part, "mine");
+    CreateDirectoryW((cloud_ / L"account").c_str(), nullptr);
+    for (const std::wstring& place :
+         {L"0|" + cloud_.Path() + L"\\account|..\\" + part, L"0|account|" + part,
+          L"0||" + cloud_ / part, L"16|" + cloud_.Path() + L"|" + part, cloud_ / part}) {
+        EXPECT_EQ(RemoveFolderPart(place), DeletionEnd::Changed) << place;
+    }
+    EXPECT_TRUE(obtest::FileExists(cloud_ / part));
+    EXPECT_EQ(RemoveFolderPart(L"9|" + cloud_.Path() + L"|" + part), DeletionEnd::Gone);
+    EXPECT_TRUE(obtest::FileExists(cloud_ / L"mine.zip"));
+}
+
+TEST_F(FolderFile, APartIsUnreachableWhileItsDriveIsGone) {
+    EXPECT_EQ(RemoveFolderPart(L"0|Q:\\cloud|" + PartName()), DeletionEnd::Unreachable);
 }
 
 } // namespace

@@ -140,7 +140,7 @@ TEST_F(FolderPick, TakesNoMoreLinksThanTheMailHasRoomFor) {
     const auto picked = Links(paths);
     EXPECT_TRUE(picked.files.empty());
     EXPECT_EQ(picked.sentence,
-              L"The links to so many files are too long for the mail. Please choose fewer files.");
+              L"The links to so many files don't fit into one mail. Please choose fewer files.");
     paths.resize(20);
     EXPECT_EQ(Links(paths).files.size(), 20U);
 }

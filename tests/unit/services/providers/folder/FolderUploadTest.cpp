@@ -6,14 +6,21 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/ProviderManager.h"
+#include "services/providers/folder/FolderCopy.h"
 #include "services/providers/folder/FolderFile.h"
 #include "services/providers/folder/FolderLink.h"
+#include "services/providers/storage/LocalDays.h"
+#include "services/providers/storage/ProviderIds.h"
 #include "tests/support/ImportPatch.h"
+#include "tests/support/ProductRegistry.h"
 #include "tests/support/TestFolder.h"
 
 using namespace providers;
@@ -58,6 +65,7 @@ private:
 // The fakes of system calls are functions, so what they need is here. Each is called on the test's
 // thread.
 int failingCall;   // counted from 0: this call and those after it fail, or for a move those before
+int failures;      // so many writes fail
 int callNumber;    // of the next call
 DWORD failedWith;  // the error
 bool isDoneBefore; // the move is done before its failure is reported
@@ -71,12 +79,59 @@ BOOL WINAPI FailingWrite(HANDLE file, const void* data, DWORD size, DWORD* writt
     return IsToFail() ? Fail() : realWrite(file, data, size, written, overlapped);
 }
 
+// The connection breaks, and what the share has by then isn't what was sent.
+BOOL WINAPI BreakingWrite(HANDLE file, const void* data, DWORD size, DWORD* written,
+                          OVERLAPPED* overlapped) {
+    const int call = callNumber++;
+    if (call < failingCall || call >= failingCall + failures) {
+        return realWrite(file, data, size, written, overlapped);
+    }
+    const std::string garbage(kBlock / 4, 'x');
+    LARGE_INTEGER at{};
+    EXPECT_TRUE(SetFilePointerEx(file, at, &at, FILE_CURRENT));
+    at.QuadPart = std::max<LONGLONG>(kStoredAtOnce, at.QuadPart - kBlock / 2);
+    EXPECT_TRUE(SetFilePointerEx(file, at, nullptr, FILE_BEGIN));
+    DWORD done = 0;
+    EXPECT_TRUE(realWrite(file, garbage.data(), garbage.size(), &done, nullptr));
+    EXPECT_TRUE(SetEndOfFile(file));
+    return Fail();
+}
+
 BOOL WINAPI FailingFlush(HANDLE) { return Fail(); }
+
+decltype(&FlushFileBuffers) realFlush;
+BOOL WINAPI FailingFirstFlush(HANDLE file) { return callNumber++ == 0 ? Fail() : realFlush(file); }
 
 decltype(&CreateDirectoryW) realMakeFolder;
 BOOL WINAPI FailingMakeFolder(const wchar_t* path, SECURITY_ATTRIBUTES* security) {
     return IsToFail() ? Fail() : realMakeFolder(path, security);
 }
+
+DWORD openFailsWith; // when a part is opened again
+int failingOpens;    // so many times
+
+decltype(&CreateFileW) realOpenOfPart;
+HANDLE WINAPI FailingOpenOfPart(const wchar_t* path, DWORD access, DWORD share,
+                                SECURITY_ATTRIBUTES* security, DWORD how, DWORD flags,
+                                HANDLE like) {
+    const bool isAgain = std::wstring_view(path).ends_with(L".part") && how == OPEN_EXISTING;
+    if (isAgain && failingOpens > 0) {
+        --failingOpens;
+        SetLastError(openFailsWith);
+        return INVALID_HANDLE_VALUE;
+    }
+    return realOpenOfPart(path, access, share, security, how, flags, like);
+}
+
+int refusedDeletions;
+
+BOOL WINAPI RefusedDeletion(const wchar_t*) {
+    ++refusedDeletions;
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+}
+
+BOOL WINAPI NoInformation(HANDLE, BY_HANDLE_FILE_INFORMATION*) { return Fail(); }
 
 bool isMoved;    // the file has its name
 int brokenOpens; // so many fail after that
@@ -121,8 +176,12 @@ class FolderUpload : public testing::Test {
 protected:
     FolderUpload() {
         failingCall = 0;
+        failures = 1;
         callNumber = 0;
         failedWith = ERROR_NETNAME_DELETED;
+        openFailsWith = ERROR_BAD_NETPATH;
+        failingOpens = 0;
+        refusedDeletions = 0;
         isDoneBefore = false;
         isMoved = false;
         brokenOpens = 0;
@@ -130,7 +189,7 @@ protected:
 
     UploadResult Upload(const std::wstring& name = L"Files.zip",
                         const std::wstring& folder = kFolder) {
-        return UploadToFolder({cloud_.Path(), pattern_}, {source_, name, folder}, progress_);
+        return UploadToFolder({cloud_.Path(), pattern_}, {source_, name, folder}, progress_, care_);
     }
     void WriteSource(std::size_t size) {
         content_.resize(size);
@@ -158,6 +217,38 @@ protected:
     std::wstring source_ = run_.File(L"zip.tmp", content_);
     std::wstring pattern_;
     FakeProgress progress_;
+    FolderUploadCare care_{nullptr, {}, {.resume = 200, .rename = 2000, .pause = 10}};
+};
+
+// Uploads a file whose connection breaks after the first bytes are stored for certain.
+class BrokenFolderUpload : public FolderUpload {
+protected:
+    static constexpr int kStoredBlocks = static_cast<int>(kStoredAtOnce / kBlock);
+
+    BrokenFolderUpload() {
+        realWrite = write_.Real();
+        realOpenOfPart = open_.Real();
+        failures = 0;
+        WriteSource((kStoredBlocks + 3) * kBlock + 77);
+        callNumber = 0;
+        failingCall = kStoredBlocks + 2;
+        failures = 1;
+        care_.patience.resume = 20'000;
+        progress_.step = [this](int) {
+            if (progress_.Sent() < last_) wentBackTo_ = progress_.Sent();
+            last_ = progress_.Sent();
+        };
+    }
+    void ExpectStored() {
+        EXPECT_EQ(Upload().end, UploadEnd::Done);
+        EXPECT_TRUE(ReadFileContent(Target()) == content_);
+        EXPECT_EQ(Stored().size(), 3U);
+    }
+
+    ImportPatch<decltype(&WriteFile)> write_{"kernel32.dll", "WriteFile", &BreakingWrite};
+    ImportPatch<decltype(&CreateFileW)> open_{"kernel32.dll", "CreateFileW", &FailingOpenOfPart};
+    std::uint64_t last_ = 0;
+    std::uint64_t wentBackTo_ = 0;
 };
 
 TEST_F(FolderUpload, StoresTheFileUnderItsNameInItsFolder) {
@@ -474,6 +565,179 @@ TEST_F(FolderUpload, RemovesNothingThatItDidNotMake) {
     progress_.step = nullptr;
     EXPECT_EQ(Upload().end, UploadEnd::Cancelled);
     EXPECT_EQ(Stored(), Tree{L"Quillbox\\"}); // was there before
+}
+
+TEST_F(BrokenFolderUpload, GoesOnWithWhatTheFolderHasForCertain) {
+    ExpectStored();
+    EXPECT_EQ(wentBackTo_, kStoredAtOnce);
+    EXPECT_EQ(callNumber, kStoredBlocks + 3 + 1 + 1 + 2) << "each block once, but for three";
+}
+
+TEST_F(BrokenFolderUpload, WaitsForTheFolderAndForItsServerToNotice) {
+    failingOpens = 3;
+    ExpectStored();
+    failingOpens = 3;
+    openFailsWith = ERROR_SHARING_VIOLATION;
+    callNumber = 0;
+    EXPECT_EQ(Upload(L"Second.zip").end, UploadEnd::Done);
+    EXPECT_EQ(failingOpens, 0);
+}
+
+TEST_F(BrokenFolderUpload, GoesOnAfterSeveralBreaks) {
+    failures = 4;
+    ExpectStored();
+}
+
+TEST_F(BrokenFolderUpload, EndsWithoutTheFolderAfterAWhile) {
+    care_.patience.resume = 100;
+    failingOpens = 1'000'000;
+    ExpectFailed(Upload(), Folder() + L" can't be reached",
+                 L"Please make sure that the folder opens in Explorer and try again.");
+    EXPECT_LT(failingOpens, 1'000'000);
+}
+
+TEST_F(BrokenFolderUpload, EndsAtOnceWhenItsPartHasGone) {
+    care_.patience.resume = 600'000;
+    failingOpens = 1;
+    openFailsWith = ERROR_FILE_NOT_FOUND;
+    EXPECT_EQ(Upload().end, UploadEnd::Failed);
+    EXPECT_EQ(Stored(), Tree{});
+}
+
+TEST_F(BrokenFolderUpload, EndsWithACancelWhileItWaits) {
+    care_.patience = {600'000, 0, 600'000};
+    failures = 1'000'000;
+    progress_.step = [this](int) {
+        if (callNumber == failingCall) progress_.Cancel();
+    };
+    failingCall = kStoredBlocks + 2;
+    EXPECT_EQ(Upload().end, UploadEnd::Cancelled);
+    EXPECT_EQ(Stored(), Tree{});
+}
+
+TEST_F(FolderUpload, GoesOnWhenTheLastBytesCantBeStoredAtFirst) {
+    WriteSource(2 * kBlock);
+    failingCall = 0;
+    care_.patience.resume = 20'000;
+    ImportPatch patch("kernel32.dll", "FlushFileBuffers", &FailingFirstFlush);
+    ASSERT_TRUE(patch.Ok());
+    realFlush = patch.Real();
+    EXPECT_EQ(Upload().end, UploadEnd::Done);
+    EXPECT_TRUE(ReadFileContent(Target()) == content_);
+}
+
+TEST_F(FolderUpload, ReportsAFileThatMayBeInTheFolder) {
+    isDoneBefore = true;
+    brokenOpens = 1'000'000;
+    care_.patience.rename = 100;
+    ImportPatch move("kernel32.dll", "MoveFileExW", &FailingMove);
+    ImportPatch open("kernel32.dll", "CreateFileW", &BrokenOpen);
+    ASSERT_TRUE(move.Ok() && open.Ok());
+    realMove = move.Real();
+    realOpen = open.Real();
+    const UploadResult result = Upload();
+    EXPECT_EQ(result.end, UploadEnd::Failed);
+    EXPECT_EQ(result.sentence,
+              L"\u201CFiles.zip\u201D was sent to " + Folder() +
+                  L", but the connection broke at the last step: the file may be in the folder "
+                  L"already. Nothing was attached, and your files are unchanged. Please look into "
+                  L"the folder before you try again.");
+    EXPECT_EQ(Stored().size(), 3U);
+}
+
+TEST_F(FolderUpload, KnowsAFileWithoutAVersionByTheNameThatItNoLongerHas) {
+    isDoneBefore = true;
+    ImportPatch move("kernel32.dll", "MoveFileExW", &FailingMove);
+    ImportPatch version("kernel32.dll", "GetFileInformationByHandle", &NoInformation);
+    ASSERT_TRUE(move.Ok() && version.Ok());
+    realMove = move.Real();
+    const UploadResult result = Upload();
+    EXPECT_EQ(result.end, UploadEnd::Done);
+    EXPECT_EQ(result.stored.version, L"") << "so it is never deleted";
+}
+
+class NotedFolderUpload : public FolderUpload {
+protected:
+    NotedFolderUpload() {
+        obtest::ClearProductRegistry();
+        care_.notes = &notes_;
+        care_.accountKey = L"account";
+    }
+    // As a session two days later finds them.
+    std::vector<NotedPart> Notes() const { return notes_.OldAt(TimeNow() + 2 * kOldPart); }
+
+    const AccountBook book_{HKEY_CURRENT_USER, obcontract::kProviderManagerKey};
+    const PartNotes notes_{book_};
+};
+
+TEST_F(NotedFolderUpload, IsNotedWhileItHasItsTemporaryName) {
+    WriteSource(2 * kBlock);
+    std::vector<NotedPart> during;
+    progress_.step = [&](int report) {
+        if (report == 1) during = Notes();
+    };
+    EXPECT_EQ(Upload().end, UploadEnd::Done);
+    ASSERT_EQ(during.size(), 1U);
+    EXPECT_EQ(during[0].providerId, kNetworkFolderId);
+    EXPECT_EQ(during[0].accountKey, L"account");
+    const std::wstring before = L"2|" + cloud_.Path() + L"|" + kFolder + L"\\~{";
+    EXPECT_TRUE(during[0].path.starts_with(before)) << during[0].path;
+    EXPECT_TRUE(during[0].path.ends_with(L"}.part"));
+    EXPECT_FALSE(notes_.HasAny());
+}
+
+TEST_F(NotedFolderUpload, LeavesNoNoteAfterACancelOrAFailure) {
+    progress_.step = [&](int) { progress_.Cancel(); };
+    EXPECT_EQ(Upload().end, UploadEnd::Cancelled);
+    EXPECT_FALSE(notes_.HasAny());
+    FakeProgress progress;
+    CreateDirectoryW((cloud_ / L"Quillbox").c_str(), nullptr);
+    progress.step = [&](int report) {
+        if (report == 1) obtest::WriteFileContent(Target(), "another");
+    };
+    EXPECT_EQ(
+        UploadToFolder({cloud_.Path(), L""}, {source_, L"Files.zip", kFolder}, progress, care_).end,
+        UploadEnd::NameTaken);
+    EXPECT_FALSE(notes_.HasAny());
+}
+
+TEST_F(NotedFolderUpload, UploadsAlsoWhereItCantBeNoted) {
+    const AccountBook unwritable(HKEY_CURRENT_USER, std::wstring(300, L'k'));
+    const PartNotes none(unwritable);
+    care_.notes = &none;
+    EXPECT_EQ(Upload().end, UploadEnd::Done);
+}
+
+// A scanner that keeps the part, or a folder from which nothing may be deleted.
+TEST_F(NotedFolderUpload, IsRemovedLaterWhenItCantBeDeletedAtOnce) {
+    WriteSource(3 * kBlock);
+    progress_.step = [&](int report) {
+        if (report == 2) progress_.Cancel();
+    };
+    {
+        ImportPatch patch("kernel32.dll", "DeleteFileW", &RefusedDeletion);
+        ASSERT_TRUE(patch.Ok());
+        EXPECT_EQ(Upload().end, UploadEnd::Cancelled);
+    }
+    EXPECT_EQ(refusedDeletions, 100);
+    ASSERT_EQ(Stored().size(), 3U);
+    const auto notes = Notes();
+    ASSERT_EQ(notes.size(), 1U);
+    EXPECT_EQ(RemoveFolderPart(notes[0].path), DeletionEnd::Gone);
+    EXPECT_EQ(Stored(), Tree{});
+}
+
+TEST_F(NotedFolderUpload, ThatFailsIsExplainedAlsoWhenItsPartCantBeDeleted) {
+    failedWith = ERROR_DISK_FULL;
+    ImportPatch patch("kernel32.dll", "DeleteFileW", &RefusedDeletion);
+    ImportPatch flush("kernel32.dll", "FlushFileBuffers", &FailingFlush);
+    ASSERT_TRUE(patch.Ok() && flush.Ok());
+    EXPECT_EQ(Upload().sentence,
+              L"\u201CFiles.zip\u201D wasn't uploaded, because there is no room for it in " +
+                  Folder() +
+                  L". Nothing was attached, and your files are unchanged. Please free some space "
+                  L"there or choose another account, and try again.");
+    EXPECT_EQ(Notes().size(), 1U);
 }
 
 } // namespace

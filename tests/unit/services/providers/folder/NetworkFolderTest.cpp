@@ -11,8 +11,11 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "contracts/ProviderManager.h"
+#include "services/providers/folder/FolderCheck.h"
 #include "services/providers/folder/FolderDialogIds.h"
 #include "services/providers/folder/FolderFile.h"
+#include "services/providers/storage/LocalDays.h"
+#include "services/providers/storage/PartNotes.h"
 #include "services/providers/storage/ProviderIds.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
@@ -292,6 +295,27 @@ TEST_F(NetworkFolderTest, DeletesAlsoAfterALogout) {
     provider_.LogOut(account->key, nullptr);
     EXPECT_EQ(provider_.Delete(account->key, stored, ended_.Get()), DeletionEnd::Gone);
     EXPECT_TRUE(obtest::ListTree(cloud_).empty());
+}
+
+// A process that was killed in the middle of an upload has left a part and its note.
+TEST_F(NetworkFolderTest, RemovesThePartOfAnUploadThatWasKilled) {
+    const auto account = LogIn(cloud_);
+    ASSERT_TRUE(account);
+    const PartNotes notes(book_);
+    const std::wstring part = PartName();
+    parent_.File(L"Our cloud\\" + part, "half");
+    ASSERT_NE(notes.Add({kNetworkFolderId, account->key, L"0|" + cloud_ + L"|" + part}), L"");
+    Uploaded(account->key);
+    const auto left = notes.OldAt(TimeNow() + 2 * kOldPart);
+    ASSERT_EQ(left.size(), 1U) << "the upload's own note has gone";
+    provider_.LogOut(account->key, nullptr);
+    SetEvent(ended_.Get());
+    EXPECT_EQ(provider_.RemovePart(account->key, left[0].path, ended_.Get()),
+              DeletionEnd::Unreachable);
+    ResetEvent(ended_.Get());
+    EXPECT_EQ(provider_.RemovePart(account->key, left[0].path, ended_.Get()), DeletionEnd::Gone);
+    EXPECT_FALSE(obtest::FileExists(cloud_ + L"\\" + part));
+    EXPECT_EQ(obtest::ListTree(cloud_).size(), 3U);
 }
 
 TEST_F(NetworkFolderTest, DeletesNothingOnceTheSessionHasEnded) {
