@@ -20,6 +20,13 @@ HttpRequest RequestFor(const char* method, const HttpUrl& url) {
     return request;
 }
 
+DavResult<HttpReply> OfSuccess(DavResult<HttpReply> result) {
+    const auto* reply = std::get_if<HttpReply>(&result);
+    const auto error = reply ? DavErrorOf(*reply) : std::nullopt;
+    if (error) return *error;
+    return result;
+}
+
 std::string_view WithoutSlash(std::string_view path) {
     while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
     return path;
@@ -71,31 +78,38 @@ std::optional<DavError> DavClient::Pause(DWORD milliseconds) const {
     return DavErrorOf(HttpError{HttpFault::Cancelled});
 }
 
-DavResult<HttpReply> DavClient::Send(HttpRequest request) const {
+DavResult<HttpReply> DavClient::SendForAny(HttpRequest request) const {
     request.login = &login_;
     for (int waits = 0;; ++waits) {
         HttpResult result = session_.Send(request, cancelled_);
         if (const auto* error = std::get_if<HttpError>(&result)) return DavErrorOf(*error);
         auto& reply = std::get<HttpReply>(result);
         const auto error = DavErrorOf(reply);
-        if (!error) return std::move(reply);
-        const bool isWaitedFor = error->fault == DavFault::TooMany && error->retryAfter &&
+        const bool isWaitedFor = error && error->fault == DavFault::TooMany && error->retryAfter &&
                                  waits < patience_.waits &&
                                  *error->retryAfter <= patience_.longestWait / 1000;
-        if (!isWaitedFor) return *error;
+        if (!isWaitedFor) return std::move(reply);
         if (const auto cancelled = Pause(*error->retryAfter * 1000)) return *cancelled;
     }
 }
 
-DavResult<HttpReply> DavClient::Ask(const HttpRequest& request) const {
+DavResult<HttpReply> DavClient::AskForAny(const HttpRequest& request) const {
     DWORD pause = patience_.pause;
     for (int breaks = 0;; ++breaks, pause *= 2) {
-        auto result = Send(request);
+        auto result = SendForAny(request);
         const auto* error = std::get_if<DavError>(&result);
         if (!error || !IsHttp(*error, HttpFault::BrokenOff) || breaks == patience_.breaks)
             return result;
         if (const auto cancelled = Pause(pause)) return *cancelled;
     }
+}
+
+DavResult<HttpReply> DavClient::Send(HttpRequest request) const {
+    return OfSuccess(SendForAny(std::move(request)));
+}
+
+DavResult<HttpReply> DavClient::Ask(const HttpRequest& request) const {
+    return OfSuccess(AskForAny(request));
 }
 
 DavResult<std::vector<DavItem>> DavClient::Find(const HttpUrl& url, const char* depth) const {

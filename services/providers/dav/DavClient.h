@@ -69,8 +69,11 @@ public:
 
     // One request; waits where the server asks for it. Any status of success is a reply.
     DavResult<HttpReply> Send(HttpRequest request) const;
-    // The same, again after a break: for requests that change nothing.
+    // The same, again after a break: for requests that may be done twice.
     DavResult<HttpReply> Ask(const HttpRequest& request) const;
+    // The same two for a reply of any status.
+    DavResult<HttpReply> SendForAny(HttpRequest request) const;
+    DavResult<HttpReply> AskForAny(const HttpRequest& request) const;
     // Waits so long; the error when it is cancelled meanwhile.
     std::optional<DavError> Pause(DWORD milliseconds) const;
 

@@ -45,7 +45,7 @@ std::optional<std::uint32_t> RetryAfter(const HttpReply& reply) {
     if (error == std::errc() && end == text.data() + text.size())
         return std::min<std::uint32_t>(seconds, kMost);
     const auto until = Seconds(text);
-    const auto now = Seconds(reply.Header("Date"));
+    const auto now = ServerTime(reply);
     if (!until || !now) return std::nullopt;
     return static_cast<std::uint32_t>(*until > *now ? std::min(*until - *now, kMost) : 0);
 }
@@ -59,6 +59,10 @@ DavFault FaultOf(int status) {
 }
 
 } // namespace
+
+std::optional<std::uint64_t> ServerTime(const HttpReply& reply) {
+    return Seconds(reply.Header("Date"));
+}
 
 std::optional<DavError> DavErrorOf(const HttpReply& reply) {
     if (reply.status >= 200 && reply.status < 300) return std::nullopt;

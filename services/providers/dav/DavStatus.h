@@ -41,6 +41,9 @@ using DavResult = std::variant<Value, DavError>;
 // Nothing for a success (2xx).
 std::optional<DavError> DavErrorOf(const HttpReply& reply);
 
+// When the server wrote this reply, by its own clock, in seconds since 1601.
+std::optional<std::uint64_t> ServerTime(const HttpReply& reply);
+
 inline DavError DavErrorOf(const HttpError& error) {
     return {DavFault::Http, 0, error, std::nullopt};
 }

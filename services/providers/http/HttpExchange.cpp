@@ -28,6 +28,8 @@ std::wstring HostForTheClient(const HttpOrigin& origin) {
 std::uint64_t BodySize(const HttpRequest& request) {
     if (const auto* bytes = std::get_if<std::string>(&request.body)) return bytes->size();
     if (const auto* part = std::get_if<HttpFilePart>(&request.body)) return part->size;
+    if (const auto* secret = std::get_if<ObLib::Secret>(&request.body))
+        return secret->Bytes().size();
     return 0;
 }
 
@@ -119,6 +121,14 @@ struct HttpExchange::Shared {
     DWORD size = 0;                                    // bytes that it read
     DWORD certificate = 0;                             // flags of a refused certificate
     std::array<std::vector<char>, 2> buffers;
+    bool isSecret = false; // what is in the first of them
+
+    ~Shared() { Wipe(); }
+
+    void Wipe() {
+        if (isSecret) SecureZeroMemory(buffers[0].data(), buffers[0].size());
+        isSecret = false;
+    }
 
     void End(DWORD code, DWORD bytes) {
         const std::lock_guard lock(mutex);
@@ -254,12 +264,19 @@ HttpExchange::Failure HttpExchange::Write(std::size_t buffer, std::size_t size) 
                 times_.transfer);
 }
 
-HttpExchange::Failure HttpExchange::SendBytes(const HttpRequest& request,
-                                              const std::string& bytes) {
+HttpExchange::Failure HttpExchange::SendBytes(const HttpRequest& request, std::string_view bytes) {
     shared_->buffers[0].assign(bytes.begin(), bytes.end());
     if (auto failure = Write(0, bytes.size())) return failure;
     if (request.progress) request.progress(bytes.size());
     return std::nullopt;
+}
+
+HttpExchange::Failure HttpExchange::SendSecret(const HttpRequest& request,
+                                               const ObLib::Secret& secret) {
+    shared_->isSecret = true; // until the client is done with it, also after a failure
+    auto failure = SendBytes(request, secret.Text());
+    if (!failure) shared_->Wipe();
+    return failure;
 }
 
 // The next block is read while the client sends this one.
@@ -289,6 +306,8 @@ HttpExchange::Failure HttpExchange::SendBody(const HttpRequest& request) {
     if (BodySize(request) == 0) return std::nullopt;
     if (const auto* bytes = std::get_if<std::string>(&request.body))
         return SendBytes(request, *bytes);
+    if (const auto* secret = std::get_if<ObLib::Secret>(&request.body))
+        return SendSecret(request, *secret);
     return SendFile(request, std::get<HttpFilePart>(request.body));
 }
 

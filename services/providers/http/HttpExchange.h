@@ -34,7 +34,8 @@ private:
     Failure AddHeaders(const HttpRequest& request, const HttpUrl& url);
     Failure SendHead();
     Failure SendBody(const HttpRequest& request);
-    Failure SendBytes(const HttpRequest& request, const std::string& bytes);
+    Failure SendBytes(const HttpRequest& request, std::string_view bytes);
+    Failure SendSecret(const HttpRequest& request, const ObLib::Secret& secret);
     Failure SendFile(const HttpRequest& request, const HttpFilePart& part);
     Failure ReceiveHead(HttpReply& reply);
     Failure ReceiveBody(const HttpRequest& request, HttpReply& reply);

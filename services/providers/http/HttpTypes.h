@@ -41,9 +41,10 @@ struct HttpRequest {
     std::string method = "GET";
     HttpUrl url;
     std::vector<HttpHeader> headers; // without Content-Length and Authorization
-    std::variant<std::monostate, std::string, HttpFilePart> body; // monostate: none
-    const HttpLogin* login = nullptr;                             // null: nobody
-    std::size_t longestReply = 4u << 20;                          // bytes of the reply's body
+    // monostate: none. A Secret is wiped wherever a request has it.
+    std::variant<std::monostate, std::string, HttpFilePart, ObLib::Secret> body;
+    const HttpLogin* login = nullptr;                 // null: nobody
+    std::size_t longestReply = 4u << 20;              // bytes of the reply's body
     std::function<void(std::uint64_t sent)> progress; // bytes of the body; on the caller's thread
 };
 

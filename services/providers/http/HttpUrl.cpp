@@ -187,14 +187,18 @@ bool IsLoopback(const HttpOrigin& origin) {
            std::all_of(host.begin(), host.end(), [](char c) { return IsDigit(c) || c == '.'; });
 }
 
-std::string EncodePathPart(std::string_view part) {
-    std::string encoded;
+void AppendPathPart(std::string& to, std::string_view part) {
     for (const char c : part) {
         if (IsUnreserved(c))
-            encoded += c;
+            to += c;
         else
-            AppendEncoded(encoded, c);
+            AppendEncoded(to, c);
     }
+}
+
+std::string EncodePathPart(std::string_view part) {
+    std::string encoded;
+    AppendPathPart(encoded, part);
     return encoded;
 }
 

@@ -48,6 +48,8 @@ bool IsLoopback(const HttpOrigin& origin);
 
 // One part of a path, with everything encoded but letters, digits and "-._~".
 std::string EncodePathPart(std::string_view part);
+// The same, after what `to` has. Makes no other copy of the text.
+void AppendPathPart(std::string& to, std::string_view part);
 
 // Percent-decoded; nothing when an encoding is cut or decodes to NUL.
 std::optional<std::string> DecodePercent(std::string_view text);
