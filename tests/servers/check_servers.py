@@ -4,6 +4,7 @@ with the process that started them, also when it is killed."""
 import base64
 import http.client
 import os
+import re
 import signal
 import socket
 import subprocess
@@ -11,7 +12,7 @@ import sys
 import tempfile
 import time
 import unittest
-from urllib.parse import urlsplit
+from urllib.parse import urlencode, urlsplit
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, HERE)
@@ -41,7 +42,7 @@ class CloudServersTest(unittest.TestCase):
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()
         os.chmod(cls.folder.name, 0o711)
-        cls.servers = cloud_servers.CloudServers(os.path.join(cls.folder.name, "s"), ["apache", "sabre", "relay"])
+        cls.servers = cloud_servers.CloudServers(os.path.join(cls.folder.name, "s"), ["apache", "sabre", "ocs", "relay"])
         cls.urls = cls.servers.environment
 
     @classmethod
@@ -49,8 +50,8 @@ class CloudServersTest(unittest.TestCase):
         cls.servers.end()
         cls.folder.cleanup()
 
-    def control(self, line):
-        with socket.create_connection(("127.0.0.1", int(self.urls["OB_RELAY_CONTROL"])), LIMIT) as connection:
+    def control(self, line, port="OB_RELAY_CONTROL"):
+        with socket.create_connection(("127.0.0.1", int(self.urls[port])), LIMIT) as connection:
             connection.sendall(line.encode() + b"\n")
             return connection.makefile(encoding="utf-8").read().splitlines()
 
@@ -99,16 +100,40 @@ class CloudServersTest(unittest.TestCase):
         self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET", "none"), (503, b"later"))
         self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET", "none")[0], 404)
 
+    def share(self, **fields):
+        """Status and reply of a wish for a link."""
+        url = self.urls["OB_OCS_URL"].replace("remote.php/webdav/", "ocs/v2.php/apps/files_sharing/api/v1/shares")
+        return ask(url, "POST", "", urlencode({"shareType": "3", **fields}), {"OCS-APIRequest": "true"})
+
+    def test_links_download_the_file_with_their_password_until_they_end(self):
+        self.control("begin", "OB_OCS_CONTROL")
+        self.assertEqual(ask(self.urls["OB_OCS_URL"], "PUT", "e", b"123")[0], 201)
+        status, reply = self.share(path="/e", password="word", expireDate="2999-01-01")
+        self.assertEqual(status, 200)
+        link = re.search(b"<url>(.*)</url>", reply)[1].decode()
+        known = {"Authorization": "Basic " + base64.b64encode(b"x:word").decode()}
+        self.assertEqual(ask(link, "GET", login=known), (200, b"123"))
+        self.assertEqual(ask(link, "GET", login={})[0], 401)
+        self.assertEqual(ask(link + "x", "GET", login=known)[0], 404)
+        self.control("set clock 400000", "OB_OCS_CONTROL")
+        self.assertEqual(ask(link, "GET", login=known)[0], 404)
+
+    def test_nothing_outside_of_its_folder_is_shared(self):
+        self.control("begin", "OB_OCS_CONTROL")
+        for path in ("/../shares.log", "/none", "/", "", "/../../../etc/passwd"):
+            self.assertEqual(self.share(path=path)[0], 404, path)
+        self.assertEqual(self.control("shares", "OB_OCS_CONTROL"), [""])
+
     def test_all_end_when_their_starter_is_killed(self):
         with tempfile.TemporaryDirectory() as folder:
             os.chmod(folder, 0o711)
             starter = subprocess.Popen([sys.executable, "-IS", os.path.join(HERE, "cloud_servers.py"), folder,
-                                        "apache", "sabre", "relay"], stdout=subprocess.PIPE, text=True)
+                                        "apache", "sabre", "ocs", "relay"], stdout=subprocess.PIPE, text=True)
             ports = []
             for line in starter.stdout:
                 if "_URL=" in line:
                     ports.append(urlsplit(line.partition("=")[2]).port)
-                if len(ports) == 3:
+                if len(ports) == 4:
                     break
             self.assertTrue(all(cloud_servers.answers(port) for port in ports))
             starter.send_signal(signal.SIGKILL)

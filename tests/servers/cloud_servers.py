@@ -1,9 +1,11 @@
 """Real servers for tests of cloud accounts, on free loopback ports: Apache with mod_dav, sabre/dav under PHP's
-own web server, and a relay that breaks what passes through it.
+own web server, and a relay that breaks what passes through it. None of them makes links: a small server of the
+tests' own does, before a sabre/dav of its own.
 
     cloud_servers.py FOLDER [NAME]...     starts them by hand, prints their addresses, ends with Ctrl+C
 
-Names: apache, tls (Apache with one port for each certificate), sabre, relay (before those that were started).
+Names: apache, tls (Apache with one port for each certificate), sabre, ocs (the open collaboration share interface),
+relay (before those that were started).
 Each server keeps to the folder that it is given and ends with the process that started it, however that ends.
 User and password are those below.
 """
@@ -143,6 +145,8 @@ class CloudServers:
                 self.start_apache("tls" in names)
             if "sabre" in names:
                 self.start_sabre()
+            if "ocs" in names:
+                self.start_shares()
             if "relay" in names:
                 self.start_relay()
         except BaseException:
@@ -170,17 +174,37 @@ class CloudServers:
             self.environment[f"OB_TLS_{name.upper()}_URL"] = f"https://localhost:{port}/dav/"
 
     def start_sabre(self):
-        folder = own_folder(self.folder, "sabre")
+        port, files = self.sabre("sabre", "/dav/")
+        self.note("sabre", port, files)
+
+    def sabre(self, name, root):
+        """One that has its files below this path; its port and its folder of files."""
+        folder = own_folder(self.folder, name)
         files = own_folder(folder, "files")
 
         def command(ports):
-            return ["env", f"OB_FILES={files}", f"OB_USER={USER}", f"OB_PASSWORD={PASSWORD}", "php",
+            return ["env", f"OB_FILES={files}", f"OB_USER={USER}", f"OB_PASSWORD={PASSWORD}", f"OB_ROOT={root}", "php",
                     "-d", "display_errors=0", "-d", "memory_limit=-1", "-d", "post_max_size=0", "-S",
                     f"127.0.0.1:{ports[0]}", os.path.join(HERE, "sabre.php")]
 
         process, ports = started(command, 1, os.path.join(folder, "output.log"))
         self.processes.append(process)
-        self.note("sabre", ports[0], files)
+        return ports[0], files
+
+    def start_shares(self):
+        root = "/cloud/remote.php/webdav/"
+        upstream, files = self.sabre("ocs", root)
+
+        def command(ports):
+            return ["env", f"OB_USER={USER}", f"OB_PASSWORD={PASSWORD}", sys.executable, "-IS",
+                    os.path.join(HERE, "shares.py"), str(ports[0]), str(ports[1]), str(upstream), files]
+
+        process, ports = started(command, 2, os.path.join(self.folder, "ocs", "shares.log"))
+        self.processes.append(process)
+        self.note("ocs", ports[0], files, root)
+        self.environment["OB_OCS_CONTROL"] = str(ports[1])
+        print("cloud_servers: no packaged server has the share interface; the one that makes links here is the "
+              "tests' own", file=sys.stderr, flush=True)
 
     def start_relay(self):
         folder = own_folder(self.folder, "relay")
@@ -194,9 +218,9 @@ class CloudServers:
         self.environment["OB_RELAY_URL"] = f"http://127.0.0.1:{ports[0]}/dav/"
         self.environment["OB_RELAY_CONTROL"] = str(ports[1])
 
-    def note(self, name, port, files):
+    def note(self, name, port, files, root="/dav/"):
         self.upstreams[name] = port
-        self.environment[f"OB_{name.upper()}_URL"] = f"http://127.0.0.1:{port}/dav/"
+        self.environment[f"OB_{name.upper()}_URL"] = f"http://127.0.0.1:{port}{root}"
         self.environment[f"OB_{name.upper()}_FILES"] = "Z:" + files.replace("/", "\\")
 
     def end(self):
@@ -212,7 +236,7 @@ def main():
         sys.exit(__doc__)
     folder = os.path.abspath(sys.argv[1])
     shutil.rmtree(os.path.join(folder, "servers"), ignore_errors=True)
-    servers = CloudServers(os.path.join(folder, "servers"), sys.argv[2:] or ["apache", "tls", "sabre", "relay"])
+    servers = CloudServers(os.path.join(folder, "servers"), sys.argv[2:] or ["apache", "tls", "sabre", "ocs", "relay"])
     try:
         for name, value in servers.environment.items():
             print(f"{name}={value}")

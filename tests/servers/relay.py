@@ -170,8 +170,10 @@ def pass_body(head, source, target, limit):
 def made_reply(argument):
     parts, _, body = argument.partition("|=")
     code, *headers = parts.split("|")
-    lines = [f"HTTP/1.1 {code} Made", *headers, f"Content-Length: {len(body.encode())}", "Connection: close", "", body]
-    return "\r\n".join(lines).encode()
+    # A script may have bytes that are no UTF-8.
+    size = len(body.encode(errors="surrogateescape"))
+    lines = [f"HTTP/1.1 {code} Made", *headers, f"Content-Length: {size}", "Connection: close", "", body]
+    return "\r\n".join(lines).encode(errors="surrogateescape")
 
 
 class Relay(socketserver.BaseRequestHandler):
@@ -251,7 +253,7 @@ class Relay(socketserver.BaseRequestHandler):
 
 class Control(socketserver.StreamRequestHandler):
     def handle(self):
-        line = self.rfile.readline().decode().strip()
+        line = self.rfile.readline().decode(errors="surrogateescape").strip()
         self.wfile.write(("\n".join(self.server.script.command(line)) + "\n").encode())
 
 

@@ -11,7 +11,7 @@ class OneUser extends \Sabre\DAV\Auth\Backend\AbstractBasic {
 }
 
 $server = new \Sabre\DAV\Server(new \Sabre\DAV\FSExt\Directory(getenv('OB_FILES')));
-$server->setBaseUri('/dav/');
+$server->setBaseUri(getenv('OB_ROOT'));
 $server->addPlugin(new \Sabre\DAV\Auth\Plugin(new OneUser(), 'files'));
 $server->addPlugin(new \Sabre\DAV\PartialUpdate\Plugin());
 $server->exec();

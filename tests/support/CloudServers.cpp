@@ -26,26 +26,26 @@ bool StartSockets() {
     return WSAStartup(MAKEWORD(2, 2), &data) == 0;
 }
 
-UniqueSocket ConnectToControl() {
+UniqueSocket ConnectTo(const wchar_t* control) {
     static const bool started = StartSockets();
     EXPECT_TRUE(started);
-    UniqueSocket control(socket(AF_INET, SOCK_STREAM, 0));
+    UniqueSocket connection(socket(AF_INET, SOCK_STREAM, 0));
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<u_short>(std::stoi(ServerValue(L"RELAY_CONTROL"))));
+    address.sin_port = htons(static_cast<u_short>(std::stoi(ServerValue(control))));
     const auto* to = reinterpret_cast<const sockaddr*>(&address);
-    EXPECT_EQ(0, connect(control.Get(), to, sizeof address));
-    return control;
+    EXPECT_EQ(0, connect(connection.Get(), to, sizeof address));
+    return connection;
 }
 
-std::vector<std::string> Command(std::string line) {
-    const UniqueSocket control = ConnectToControl();
+std::vector<std::string> Command(const wchar_t* control, std::string line) {
+    const UniqueSocket connection = ConnectTo(control);
     line += "\n";
-    send(control.Get(), line.data(), static_cast<int>(line.size()), 0);
+    send(connection.Get(), line.data(), static_cast<int>(line.size()), 0);
     std::string reply;
     char block[4096];
-    for (int got; (got = recv(control.Get(), block, sizeof block, 0)) > 0;)
+    for (int got; (got = recv(connection.Get(), block, sizeof block, 0)) > 0;)
         reply.append(block, static_cast<std::size_t>(got));
     std::vector<std::string> lines;
     for (std::size_t end; (end = reply.find('\n')) != std::string::npos; reply.erase(0, end + 1))
@@ -53,8 +53,11 @@ std::vector<std::string> Command(std::string line) {
     return lines;
 }
 
-void Done(const std::string& line) {
-    EXPECT_EQ(std::vector<std::string>{"done"}, Command(line)) << line;
+constexpr wchar_t kRelay[] = L"RELAY_CONTROL";
+constexpr wchar_t kShares[] = L"OCS_CONTROL";
+
+void Done(const wchar_t* control, const std::string& line) {
+    EXPECT_EQ(std::vector<std::string>{"done"}, Command(control, line)) << line;
 }
 
 } // namespace
@@ -65,23 +68,23 @@ std::wstring ServerValue(const wchar_t* name) {
     return value ? value : L"";
 }
 
-void Relay::Begin(const char* server) const { Done(std::string("begin ") + server); }
+void Relay::Begin(const char* server) const { Done(kRelay, std::string("begin ") + server); }
 
 void Relay::On(const char* method, const char* action, int skip, int times) const {
-    Done(std::string("on ") + method + " " + std::to_string(skip) + " " + std::to_string(times) +
-         " " + action);
+    Done(kRelay, std::string("on ") + method + " " + std::to_string(skip) + " " +
+                     std::to_string(times) + " " + action);
 }
 
 void Relay::WaitUntilHeld(int requests) const {
     const std::vector<std::string> wanted{std::to_string(requests)};
-    EXPECT_TRUE(WaitUntil([&] { return Command("waiting") == wanted; }));
+    EXPECT_TRUE(WaitUntil([&] { return Command(kRelay, "waiting") == wanted; }));
 }
 
-void Relay::Release() const { Done("release"); }
+void Relay::Release() const { Done(kRelay, "release"); }
 
-std::vector<std::string> Relay::Requests() const { return Command("requests"); }
+std::vector<std::string> Relay::Requests() const { return Command(kRelay, "requests"); }
 
-int Relay::Logins() const { return std::stoi(Command("logins").at(0)); }
+int Relay::Logins() const { return std::stoi(Command(kRelay, "logins").at(0)); }
 
 std::string Relay::Methods() const {
     std::string methods;
@@ -89,5 +92,13 @@ std::string Relay::Methods() const {
         methods += (methods.empty() ? "" : " ") + request.substr(0, request.find(' '));
     return methods;
 }
+
+void ShareServer::Begin() const { Done(kShares, "begin"); }
+
+void ShareServer::Set(const char* name, const std::string& value) const {
+    Done(kShares, std::string("set ") + name + " " + value);
+}
+
+std::vector<std::string> ShareServer::Shares() const { return Command(kShares, "shares"); }
 
 } // namespace obtest

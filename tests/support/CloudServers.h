@@ -1,5 +1,5 @@
 // The cloud servers that tools/wine-run starts for this program (RUN --servers
-// apache,tls,sabre,relay), and the relay before them, which breaks what passes through it.
+// apache,tls,sabre,ocs,relay), and the relay before them, which breaks what passes through it.
 #pragma once
 
 #include <string>
@@ -15,7 +15,8 @@ std::wstring ServerValue(const wchar_t* name);
 // The relay's script (tests/servers/relay.py has the actions). On any thread.
 class Relay {
 public:
-    // Forgets rules and requests; what passes goes to this server from now on: "apache", "sabre".
+    // Forgets rules and requests; what passes goes to this server from now on: "apache", "sabre",
+    // "ocs".
     explicit Relay(const char* server) { Begin(server); }
     void Begin(const char* server) const;
 
@@ -35,6 +36,21 @@ public:
     int Logins() const;
     // The methods alone, with blanks between.
     std::string Methods() const;
+};
+
+// The tests' own server with the share interface ("OCS_URL", "OCS_FILES"): its settings and what
+// was shared. On any thread.
+class ShareServer {
+public:
+    // Forgets shares and settings.
+    ShareServer() { Begin(); }
+    void Begin() const;
+
+    // A setting of tests/servers/shares.py.
+    void Set(const char* name, const std::string& value) const;
+
+    // "ID PATH password|- LAST-DAY|- LABEL|-", one each.
+    std::vector<std::string> Shares() const;
 };
 
 } // namespace obtest
