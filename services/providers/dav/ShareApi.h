@@ -41,10 +41,12 @@ struct ShareWish {
     HttpUrl file; // below the account's root
     // For this link. With needsPassword one that fits the rules is needed.
     const ObLib::Secret* password = nullptr;
-    // The link's last day. A server that allows fewer days decides; see LinkShare::ends.
+    // The link's last day, of which some servers see the beginning as the end. A server that allows
+    // fewer days decides; see LinkShare::ends.
     std::optional<ShareDate> expires;
-    // What this link is recognised by: NewShareLabel, kept and used again when the same link is
-    // asked for again after a failure. Such a share is then used, with this password.
+    // What this link is recognised by, and no other one: at most 64 characters of ASCII, kept and
+    // used again when the same link is asked for again after a failure. A share with this label is
+    // used then, and gets this password.
     std::string label;
     // Nobody else can have shared the file: this run has stored it. Then a share without a label is
     // an earlier try's, as of a server that knows no labels.
@@ -71,16 +73,33 @@ public:
     std::optional<ShareError> Remove(const DavClient& client, const std::string& id) const;
 
 private:
-    ShareApi(HttpUrl base, std::string filesPath, ShareRules rules)
-        : base_(std::move(base)), filesPath_(std::move(filesPath)), rules_(rules) {}
+    ShareApi(HttpUrl base, std::string filesPath, const ShareRules& rules, int clockDays)
+        : base_(std::move(base)), filesPath_(std::move(filesPath)), rules_(rules),
+          clockDays_(clockDays) {}
+
+    using Shares = std::vector<ShareEntry>;
+    std::optional<std::string> PathOf(const HttpUrl& file) const;
+    std::optional<ShareError> Refusal(const ShareWish& wish) const;
+    std::string ExpiryField(const ShareDate& day) const;
+    std::optional<ShareDate> OwnDay(const std::optional<ShareDate>& serversDay) const;
+    ShareOutcome<Shares> List(const DavClient& client, const std::string& path) const;
+    ShareOutcome<ShareEntry> Create(const DavClient& client, const std::string& path,
+                                    const ShareWish& wish) const;
+    ShareOutcome<ShareEntry> Change(const DavClient& client, const std::string& id,
+                                    std::string_view field, const ObLib::Secret& value) const;
+    ShareOutcome<ShareEntry> Renew(const DavClient& client, ShareEntry entry,
+                                   const ShareWish& wish) const;
+    ShareOutcome<ShareEntry> MakeOnce(const DavClient& client, const std::string& path,
+                                      const ShareWish& wish, const Shares& before) const;
+    ShareEntry DropOthers(const DavClient& client, const ShareEntry& kept, const Shares& shares,
+                          const ShareWish& wish) const;
+    ShareOutcome<LinkShare> Checked(const DavClient& client, const ShareEntry& entry) const;
 
     HttpUrl base_;          // that of all shares
     std::string filesPath_; // of the folder that the interface's paths begin at; decoded
     ShareRules rules_;
+    int clockDays_ = 0; // how far the server's clock is ahead of this computer's
 };
-
-// A text that no other share has: "WebVellant" and random digits.
-std::string NewShareLabel();
 
 // Whether a link can go into a mail: http or https, at any host, as the server may have another
 // name for others; by https if the account is; visible ASCII without quotation marks, brackets,
