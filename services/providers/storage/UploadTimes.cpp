@@ -10,16 +10,12 @@
 #include "services/providers/ui/Texts.h"
 
 namespace providers {
-namespace {
 
-// As the shell writes sizes, in the user's format of numbers.
 std::wstring ByteText(std::uint64_t bytes) {
     wchar_t text[64] = L"";
     StrFormatByteSizeW(static_cast<LONGLONG>(bytes), text, static_cast<UINT>(std::size(text)));
     return text;
 }
-
-} // namespace
 
 std::wstring UploadSpeedText(std::uint64_t sent, std::uint64_t total,
                              std::optional<std::uint64_t> bytesPerSecond) {

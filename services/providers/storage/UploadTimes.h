@@ -1,4 +1,4 @@
-// What the progress window of an upload writes under its bar.
+// Sizes and times as windows about files in the cloud write them.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +6,9 @@
 #include <string>
 
 namespace providers {
+
+// A size as the shell writes it, in the user's format of numbers: "3.20 MB".
+std::wstring ByteText(std::uint64_t bytes);
 
 // "3.20 MB of 12.0 MB, 1.50 MB a second"; without the speed while that isn't known, and empty while
 // the whole size isn't.

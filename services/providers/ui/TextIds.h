@@ -105,6 +105,19 @@
 #define OB_TEXT_DAV_STATUS 407
 #define OB_TEXT_DAV_FAILED 408
 
+// Picking files of a WebDAV server; %1 is a file's or folder's name.
+#define OB_TEXT_DAVPICK_NAME 430 // the columns
+#define OB_TEXT_DAVPICK_SIZE 431
+#define OB_TEXT_DAVPICK_READING 432
+#define OB_TEXT_DAVPICK_EMPTY 433
+#define OB_TEXT_DAVPICK_FAILED 434
+#define OB_TEXT_DAVPICK_GONE 435
+#define OB_TEXT_DAVPICK_ONE_SELECTED 436
+#define OB_TEXT_DAVPICK_SELECTED 437 // %1: how many
+#define OB_TEXT_DAVPICK_FOLDER 438
+#define OB_TEXT_DAVPICK_LINKING 439    // %1: which of %2
+#define OB_TEXT_DAVPICK_NOT_LINKED 440 // %2: why
+
 // Why a run stops; %1 is a file's name.
 #define OB_TEXT_NO_WORK_PROCESS 501
 #define OB_TEXT_NOT_A_COPY 502

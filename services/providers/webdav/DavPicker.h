@@ -4,33 +4,13 @@
 #include <windows.h>
 
 #include <cstddef>
-#include <functional>
 #include <span>
 #include <string>
-#include <vector>
 
-#include "services/providers/dav/DavClient.h"
 #include "services/providers/storage/StorageProvider.h"
+#include "services/providers/webdav/DavPickAccount.h"
 
 namespace providers {
-
-// An account that the user can pick from. Both functions run on threads of their own and own all
-// that they use: after `cancelled` is set, a call that doesn't return at once goes on while the
-// picker, and whoever showed it, have gone. An exception is a failure without a sentence.
-struct DavPickAccount {
-    StorageAccount account;
-    HttpOrigin server; // named in the sentence of a failure
-
-    // What is in a folder; `folder` has the names of the folders from the account's root down to
-    // it, none for the root itself. An account whose password is missing: DavFault::WrongLogin.
-    std::function<DavResult<std::vector<DavItem>>(const std::vector<std::wstring>& folder,
-                                                  HANDLE cancelled)>
-        list;
-
-    // A link to a file that `list` has returned. Called once for a file, again only after a
-    // failure.
-    std::function<ShareResult(const DavItem& file, HANDLE cancelled)> share;
-};
 
 // Shows the picker in front of the owner, which may be null, until the user has picked files whose
 // links fit the text for the mail (FitsLinkText), or leaves. Begins with the account `first`.

@@ -1,0 +1,14 @@
+// Ids of the picker of files on servers.
+#pragma once
+
+#define OB_DAVPICK_DIALOG 880
+#define OB_DAVPICK_ACCOUNT_LABEL 881
+#define OB_DAVPICK_ACCOUNT 882
+#define OB_DAVPICK_PATH_LABEL 883
+#define OB_DAVPICK_PATH 884
+#define OB_DAVPICK_UP 885
+#define OB_DAVPICK_REFRESH 886
+#define OB_DAVPICK_MESSAGE 887
+#define OB_DAVPICK_LIST_LABEL 888
+#define OB_DAVPICK_LIST 889
+#define OB_DAVPICK_STATUS 890
