@@ -117,7 +117,8 @@ def apache_settings(folder, plain, tls):
               "ServerLimit 1", "MaxRequestWorkers 16", f'DavLockDB "{folder}/locks/db"',
               f'Alias /dav "{folder}/files"', f'DocumentRoot "{folder}/empty"',
               "<Location /dav>", "Dav On", "DirectoryIndex disabled", "AuthType Basic", 'AuthName "files"',
-              f'AuthUserFile "{folder}/users"', "Require valid-user", "</Location>"]
+              f'AuthUserFile "{folder}/users"', "Require valid-user", "</Location>",
+              f"Redirect 302 /tohttp http://localhost:{plain}/dav/"]
     lines += [f"Listen 127.0.0.1:{plain}"]
     for name, port in tls.items():
         lines += [f"Listen 127.0.0.1:{port}", f"<VirtualHost 127.0.0.1:{port}>", "SSLEngine on",

@@ -24,6 +24,9 @@ A connection to the control port carries one command in a line and gets lines ba
     holdreply       passes it on, keeps the reply until "release"
     status CODE[|Header: value]...[|=BODY]   this reply; the server gets nothing, the body is read
     early CODE[|...]                         this reply at once; what still comes is read and forgotten
+    deny CODE[|...]                          this reply after 5,000 bytes of the body, then the connection ends
+    stall CODE[|...]                         the same, but nothing is read and the connection stays until "release"
+    twice           the server gets it two times, as from a client that repeats it; the second reply counts
     sink            201, the body is read and forgotten
 """
 import re
@@ -33,6 +36,7 @@ import sys
 import threading
 
 BLOCK = 1 << 18
+EARLY = 5000  # bytes of a body that a server has read when it refuses the body
 
 
 class Broken(Exception):
@@ -60,7 +64,7 @@ class Script:
     def add(self, method, skip, times, action, argument):
         with self.lock:
             self.rules.append([method, int(skip), int(times), action, argument])
-            if action.startswith("hold"):
+            if action.startswith("hold") or action == "stall":
                 self.released = False
 
     def take(self, method):
@@ -199,6 +203,12 @@ class Relay(socketserver.BaseRequestHandler):
             while self.request.recv(BLOCK):
                 pass
             return
+        if action in ("deny", "stall"):
+            pass_body(head, self.request, None, min(head.length(), EARLY))
+            self.request.sendall(made_reply(argument))
+            if action == "stall":
+                script.hold()
+            return
         if action in ("status", "sink"):
             came = pass_body(head, self.request, None, head.length())
             self.request.sendall(made_reply(argument or "201"))
@@ -206,6 +216,9 @@ class Relay(socketserver.BaseRequestHandler):
             return
         if action == "hold":
             script.hold()
+        if action == "twice":
+            with socket.create_connection(("127.0.0.1", script.upstream)) as upstream:
+                self.ask(upstream, head, "", "")
         with socket.create_connection(("127.0.0.1", script.upstream)) as upstream:
             came, reply = self.ask(upstream, head, action, argument)
             status = reply.first.split(b" ")[1].decode() if reply else "-"

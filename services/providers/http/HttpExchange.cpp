@@ -13,6 +13,7 @@ namespace providers {
 namespace {
 
 constexpr std::size_t kBlock = 256u << 10; // bytes: larger ones are no faster
+constexpr DWORD kRefusalLimit = 2'000;     // milliseconds
 constexpr DWORD kReports = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
                            WINHTTP_CALLBACK_FLAG_SECURE_FAILURE;
 
@@ -311,9 +312,8 @@ HttpExchange::Failure HttpExchange::SendBody(const HttpRequest& request) {
     return SendFile(request, std::get<HttpFilePart>(request.body));
 }
 
-HttpExchange::Failure HttpExchange::ReceiveHead(HttpReply& reply) {
-    if (auto failure = Wait(WinHttpReceiveResponse(request_.Get(), nullptr), times_.reply))
-        return failure;
+HttpExchange::Failure HttpExchange::ReceiveHead(HttpReply& reply, DWORD limit) {
+    if (auto failure = Wait(WinHttpReceiveResponse(request_.Get(), nullptr), limit)) return failure;
     DWORD status = 0;
     DWORD size = sizeof status;
     if (!WinHttpQueryHeaders(request_.Get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
@@ -352,15 +352,33 @@ HttpExchange::Failure HttpExchange::ReceiveBody(const HttpRequest& request, Http
     return std::nullopt;
 }
 
+// A server that refuses a body replies while the body is still coming, and then reads no more of it
+// or ends the connection. Nothing when there is such a reply, else why the body wasn't sent.
+HttpExchange::Failure HttpExchange::ReceiveRefusal(const HttpRequest& request, HttpReply& reply,
+                                                   const HttpError& unsent) {
+    if (unsent.fault == HttpFault::Cancelled || unsent.fault == HttpFault::FileUnreadable)
+        return unsent;
+    if (ReceiveHead(reply, std::min(times_.reply, kRefusalLimit)) || reply.status < 400)
+        return unsent;
+    ReceiveBody(request, reply); // as much as came
+    return std::nullopt;
+}
+
 HttpResult HttpExchange::Run(const HttpRequest& request, const HttpUrl& url) {
     HttpReply reply;
     reply.url = url;
     Failure failure = Open(request, url);
     if (!failure) failure = AddHeaders(request, url);
     if (!failure) failure = SendHead();
-    if (!failure) failure = SendBody(request);
-    if (!failure) failure = ReceiveHead(reply);
-    if (!failure) failure = ReceiveBody(request, reply);
+    if (!failure) {
+        failure = SendBody(request);
+        if (failure) {
+            failure = ReceiveRefusal(request, reply, *failure);
+        } else {
+            failure = ReceiveHead(reply, times_.reply);
+            if (!failure) failure = ReceiveBody(request, reply);
+        }
+    }
     if (failure) return *failure;
     return reply;
 }

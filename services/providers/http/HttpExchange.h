@@ -37,8 +37,10 @@ private:
     Failure SendBytes(const HttpRequest& request, std::string_view bytes);
     Failure SendSecret(const HttpRequest& request, const ObLib::Secret& secret);
     Failure SendFile(const HttpRequest& request, const HttpFilePart& part);
-    Failure ReceiveHead(HttpReply& reply);
+    Failure ReceiveHead(HttpReply& reply, DWORD limit);
     Failure ReceiveBody(const HttpRequest& request, HttpReply& reply);
+
+    Failure ReceiveRefusal(const HttpRequest& request, HttpReply& reply, const HttpError& unsent);
 
     Failure Write(std::size_t buffer, std::size_t size);
     // Waits for the step that was begun: true when the call that began it returned true.

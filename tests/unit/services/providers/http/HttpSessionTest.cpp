@@ -141,6 +141,27 @@ TEST_F(HttpSessionTest, ReadsAReplyThatComesBeforeTheBodyHasBeenRead) {
     EXPECT_EQ(413, Outcome(Send(put)));
 }
 
+// The connection ends while most of the body is still to be sent.
+TEST_F(HttpSessionTest, ReadsTheReplyOfAServerThatRefusesTheBody) {
+    const obtest::TestFolder folder;
+    const std::string content(20'000'000, 'x');
+    const ObLib::UniqueKernelHandle file(CreateFileW(
+        folder.File(L"f", content).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "refused"), &login_);
+    put.body = HttpFilePart{file.Get(), 0, content.size()};
+    std::uint64_t sent = 0;
+    put.progress = [&](std::uint64_t bytes) { sent = bytes; };
+    for (const auto& [action, status] :
+         {std::pair{"deny 413", 413}, std::pair{"deny 401", 401}, std::pair{"deny 507|=no", 507}}) {
+        relay_.On("PUT", action);
+        EXPECT_EQ(status, Outcome(Send(put))) << action;
+        EXPECT_LT(sent, content.size()) << "the body wasn't sent as a whole";
+    }
+    // What isn't a refusal is no reply to a body that never came.
+    relay_.On("PUT", "deny 201");
+    EXPECT_EQ(Outcome(HttpFault::BrokenOff), Outcome(Send(put)));
+}
+
 TEST_F(HttpSessionTest, TakesNoLongerReplyThanItsCallerAllows) {
     relay_.On("GET", "status 200|=0123456789", 0, 2);
     HttpRequest get = Request("GET", url_, nullptr);
