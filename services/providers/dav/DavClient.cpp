@@ -199,10 +199,17 @@ std::optional<DavError> DavClient::Move(const HttpUrl& from, const HttpUrl& to,
         const auto result = Send(request);
         const auto* failure = std::get_if<DavError>(&result);
         if (!failure) return std::nullopt;
-        if (!MayHaveActed(*failure)) return *failure;
+        // The system's client repeats a request without a body when a kept connection has ended:
+        // then the second one is refused because of what the first one has done.
+        const bool isRefused =
+            failure->fault == DavFault::Taken || failure->fault == DavFault::NotFound;
+        if (!isRefused && !MayHaveActed(*failure)) return *failure;
         const auto moved = HasMoved(from, to, size);
-        if (const auto* error = std::get_if<DavError>(&moved)) return *error;
-        if (std::get<bool>(moved)) return std::nullopt;
+        const auto* error = std::get_if<DavError>(&moved);
+        const bool hasMoved = !error && std::get<bool>(moved);
+        if (isRefused) return hasMoved ? std::nullopt : std::optional(*failure);
+        if (error) return *error;
+        if (hasMoved) return std::nullopt;
         if (IsHttp(*failure, HttpFault::TimedOut) || breaks == patience_.breaks) return *failure;
         if (const auto cancelled = Pause(pause)) return *cancelled;
     }

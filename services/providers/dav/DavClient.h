@@ -53,7 +53,8 @@ public:
                                    const std::vector<std::string>& parts) const;
 
     // Gives a file another name and replaces nothing: Taken when there is something of this name. A
-    // move whose reply is lost is looked up; `size` is that of the file.
+    // move whose reply is lost is looked up, and so is one that is refused because its name is
+    // taken or the file is missing, as it may be by this move; `size` is that of the file.
     std::optional<DavError> Move(const HttpUrl& from, const HttpUrl& to, std::uint64_t size) const;
 
     // Whether a move of a file of this size has happened: its old name is gone, the new one there.

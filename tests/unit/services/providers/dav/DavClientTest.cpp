@@ -117,6 +117,18 @@ TEST_P(DavClientTest, LooksUpAMoveWhoseReplyIsLost) {
     EXPECT_EQ("other", Stored(L"from"));
 }
 
+TEST_P(DavClientTest, KnowsItsOwnMoveThatWasDoneTwice) {
+    ASSERT_EQ("done", Put("from", "new"));
+    relay_.On("MOVE", "twice");
+    EXPECT_EQ("done", Outcome(client_.Move(Url("from"), Url("to"), 3)));
+    EXPECT_EQ("new", Stored(L"to"));
+    // The name is taken by something else.
+    EXPECT_EQ("done", Put("from", "other"));
+    relay_.On("MOVE", "twice");
+    EXPECT_EQ(Outcome(DavFault::Taken, 412), Outcome(client_.Move(Url("from"), Url("to"), 5)));
+    EXPECT_EQ("other", Stored(L"from"));
+}
+
 TEST_P(DavClientTest, DeletesAFileThatIsUnchanged) {
     ASSERT_EQ("done", Put("file", "one"));
     const std::string version = Version("file");

@@ -58,6 +58,7 @@ constexpr FaultRow kRows[] = {
     {"MOVE", "refuse", 1, UploadEnd::Done, nullptr},
     {"MOVE", "refuse", kAlways, UploadEnd::Failed, L"broke off"},
     {"MOVE", "swallow", 1, UploadEnd::Done, nullptr},
+    {"MOVE", "twice", 1, UploadEnd::Done, nullptr},
 };
 
 class DavUploadFaults : public DavUploadAccount {};
