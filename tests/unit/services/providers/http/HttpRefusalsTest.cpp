@@ -43,6 +43,15 @@ TEST_F(HttpRefusals, FollowsNoRedirectToAnotherServerOrOfAChange) {
     EXPECT_EQ("GET GET GET GET GET PUT MOVE DELETE MKCOL", relay_.Methods());
 }
 
+TEST_F(HttpRefusals, FollowsNoRedirectFromHttpsToHttp) {
+    HttpUrl url = ServerUrl(L"TLS_GOOD_URL");
+    const HttpLogin login = LoginFor(url);
+    url.path = "/tohttp";
+    for (const char* method : {"GET", "PROPFIND", "PUT"})
+        EXPECT_EQ(Outcome(HttpFault::Redirected), Outcome(Send(Request(method, url, &login))))
+            << method;
+}
+
 TEST_F(HttpRefusals, FollowsNoEndlessRedirects) {
     relay_.On("GET", "status 302|Location: /dav/", 0, 100);
     EXPECT_EQ(Outcome(HttpFault::Redirected), Ask("GET"));
