@@ -8,22 +8,25 @@ namespace providers {
 namespace {
 
 struct Setting {
-    std::string_view path; // below org.openoffice.Office
+    std::string_view path; // below org.openoffice
     std::string_view name;
     std::string_view value;
 };
 
 // The numbers of the two "Link" settings mean "never"; their lists differ.
 constexpr Setting kSettings[] = {
-    {"Common/Security/Scripting", "MacroSecurityLevel", "3"},
-    {"Common/Security/Scripting", "DisableMacrosExecution", "true"},
-    {"Common/Security/Scripting", "DisableActiveContent", "true"}, // newer versions know it
-    {"Common/Security/Scripting", "BlockUntrustedRefererLinks", "true"},
-    {"Writer/Content/Update", "Link", "0"},
-    {"WriterWeb/Content/Update", "Link", "0"},
-    {"Calc/Content/Update", "Link", "1"},
-    {"Common/Misc", "FirstRun", "false"},
-    {"Common/Save/Document", "CreateBackup", "false"},
+    {"Office.Common/Security/Scripting", "MacroSecurityLevel", "3"},
+    {"Office.Common/Security/Scripting", "DisableMacrosExecution", "true"},
+    {"Office.Common/Security/Scripting", "DisableActiveContent", "true"}, // newer versions know it
+    {"Office.Common/Security/Scripting", "BlockUntrustedRefererLinks", "true"},
+    {"Office.Writer/Content/Update", "Link", "0"},
+    {"Office.WriterWeb/Content/Update", "Link", "0"},
+    {"Office.Calc/Content/Update", "Link", "1"},
+    {"Office.Common/Misc", "FirstRun", "false"},
+    // With the profile of an earlier version the suite begins with tests of its drawing, which take
+    // several times as long as a document.
+    {"Setup/Product", "ooSetupLastVersion", "9999.0"},
+    {"Office.Common/Save/Document", "CreateBackup", "false"},
 };
 
 constexpr std::string_view kBegin = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -43,7 +46,7 @@ bool IsPlain(char sign) {
 std::string SuiteProfile() {
     std::string text(kBegin);
     for (const Setting& setting : kSettings) {
-        text += "<item oor:path=\"/org.openoffice.Office.";
+        text += "<item oor:path=\"/org.openoffice.";
         text += setting.path;
         text += "\"><prop oor:name=\"";
         text += setting.name;

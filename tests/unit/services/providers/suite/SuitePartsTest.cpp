@@ -65,19 +65,24 @@ TEST_F(OfficeDocumentKind, IsNoneForOtherNamesAndOtherBytes) {
     EXPECT_FALSE(Is(L"a.rtf", kZip));
 }
 
+bool ProfileHas(const char* path, const char* name, const char* value) {
+    const std::string item = std::string("<item oor:path=\"/org.openoffice.") + path +
+                             "\"><prop oor:name=\"" + name + "\" oor:op=\"fuse\"><value>" + value +
+                             "</value></prop></item>";
+    return SuiteProfile().find(item) != std::string::npos;
+}
+
 TEST(SuiteProfileText, ForbidsMacrosAndLinks) {
-    const std::string text = SuiteProfile();
-    const auto has = [&](const char* path, const char* name, const char* value) {
-        const std::string item = std::string("<item oor:path=\"/org.openoffice.Office.") + path +
-                                 "\"><prop oor:name=\"" + name + "\" oor:op=\"fuse\"><value>" +
-                                 value + "</value></prop></item>";
-        return text.find(item) != std::string::npos;
-    };
-    EXPECT_TRUE(has("Common/Security/Scripting", "DisableMacrosExecution", "true"));
-    EXPECT_TRUE(has("Common/Security/Scripting", "MacroSecurityLevel", "3"));
-    EXPECT_TRUE(has("Common/Security/Scripting", "BlockUntrustedRefererLinks", "true"));
-    EXPECT_TRUE(has("Writer/Content/Update", "Link", "0"));
-    EXPECT_TRUE(has("Calc/Content/Update", "Link", "1"));
+    EXPECT_TRUE(ProfileHas("Office.Common/Security/Scripting", "DisableMacrosExecution", "true"));
+    EXPECT_TRUE(ProfileHas("Office.Common/Security/Scripting", "MacroSecurityLevel", "3"));
+    EXPECT_TRUE(
+        ProfileHas("Office.Common/Security/Scripting", "BlockUntrustedRefererLinks", "true"));
+    EXPECT_TRUE(ProfileHas("Office.Writer/Content/Update", "Link", "0"));
+    EXPECT_TRUE(ProfileHas("Office.Calc/Content/Update", "Link", "1"));
+}
+
+TEST(SuiteProfileText, IsOfNoEarlierVersion) {
+    EXPECT_TRUE(ProfileHas("Setup/Product", "ooSetupLastVersion", "9999.0"));
 }
 
 TEST(SuiteProfileUrl, EncodesWhateverIsNoPlainSign) {

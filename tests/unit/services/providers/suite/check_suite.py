@@ -130,9 +130,11 @@ def make_protected(folder, work, control):
     basic = os.path.join(profile, "user", "basic", "Standard")
     os.makedirs(basic)
     with open(os.path.join(profile, "user", "registrymodifications.xcu"), "w", encoding="utf-8") as file:
-        # So that the suite doesn't put its own macros into the new profile.
+        # So that the suite doesn't put its own macros into the new profile, nor begins with tests of its drawing.
         file.write('<oor:items xmlns:oor="http://openoffice.org/2001/registry"><item oor:path="/org.openoffice.Setup/Office">'
-                   '<prop oor:name="ooSetupInstCompleted" oor:op="fuse"><value>true</value></prop></item></oor:items>')
+                   '<prop oor:name="ooSetupInstCompleted" oor:op="fuse"><value>true</value></prop></item>'
+                   '<item oor:path="/org.openoffice.Setup/Product"><prop oor:name="ooSetupLastVersion" oor:op="fuse">'
+                   '<value>9999.0</value></prop></item></oor:items>')
     library = 'xmlns:library="http://openoffice.org/2000/library" library:name="Standard"'
     with open(os.path.join(basic, "script.xlb"), "w", encoding="utf-8") as file:
         file.write(f'<library:library {library} library:readonly="false" library:passwordprotected="false">'
