@@ -8,6 +8,7 @@
 #include "services/providers/dav/DavTransfer.h"
 #include "services/providers/http/Utf8.h"
 #include "services/providers/storage/GuidText.h"
+#include "services/providers/storage/ProviderIds.h"
 #include "services/providers/webdav/DavAccount.h"
 #include "services/providers/webdav/DavSentence.h"
 
@@ -34,10 +35,23 @@ DavError NameIsTaken() { return {DavFault::Taken, 412, {}, std::nullopt}; }
 
 std::uint64_t Joined(DWORD high, DWORD low) { return static_cast<std::uint64_t>(high) << 32 | low; }
 
+constexpr std::string_view kOwnStart = "upload-";
+constexpr std::string_view kOwnEnd = ".tmp";
+
 // A name that nobody else uses; empty when none can be made.
 std::string OwnName() {
     const std::string guid = ToUtf8(NewGuidText());
-    return guid.size() < 3 ? "" : "upload-" + guid.substr(1, guid.size() - 2) + ".tmp";
+    if (guid.size() < 3) return {};
+    return std::string(kOwnStart) + guid.substr(1, guid.size() - 2) + std::string(kOwnEnd);
+}
+
+// Whether OwnName can have made the name.
+bool IsOwnName(std::string_view name) {
+    if (!name.starts_with(kOwnStart) || !name.ends_with(kOwnEnd)) return false;
+    name.remove_prefix(kOwnStart.size());
+    if (name.size() < kOwnEnd.size()) return false;
+    name.remove_suffix(kOwnEnd.size());
+    return IsGuidText(L"{" + FromUtf8(name).value_or(L"") + L"}");
 }
 
 UploadResult Ended(const DavError& error, const DavAccess& access, const std::wstring& name) {
@@ -48,8 +62,9 @@ UploadResult Ended(const DavError& error, const DavAccess& access, const std::ws
 
 } // namespace
 
-DavUpload::DavUpload(const HttpSession& session, const DavPatience& patience)
-    : session_(session), patience_(patience) {}
+DavUpload::DavUpload(const HttpSession& session, const DavPatience& patience,
+                     std::optional<Notes> notes)
+    : session_(session), patience_(patience), notes_(std::move(notes)) {}
 
 std::optional<DavUpload::Source> DavUpload::SourceOf(HANDLE file) {
     BY_HANDLE_FILE_INFORMATION info{};
@@ -90,6 +105,7 @@ DavResult<StoredFile> DavUpload::Try(const DavAccess& access, const UploadFile& 
         const std::string name = OwnName();
         if (name.empty()) return DavErrorOf(HttpError{HttpFault::Failed, ERROR_GEN_FAILURE});
         unfinished_->url = UrlBelow(std::get<HttpUrl>(folder), name);
+        Note();
     }
     mayBeStored_ = true;
     DavTransfer transfer(client, unfinished_->url, {source, size},
@@ -126,16 +142,29 @@ std::optional<StoredFile> DavUpload::StoredAfterAll(const DavAccess& access,
     return Stored(client, *target, name, unfinished_->source.size);
 }
 
+void DavUpload::Note() {
+    note_.reset();
+    if (!notes_) return;
+    note_.emplace(notes_->book, NotedPart{kWebDavId, notes_->accountKey,
+                                          FromUtf8(HttpUrlText(unfinished_->url)).value_or(L"")});
+}
+
+// What can't be removed now stays noted.
 void DavUpload::Discard(const DavAccess& access) {
+    bool isGone = !mayBeStored_;
     if (mayBeStored_ && unfinished_->url.origin == access.root.origin) {
         const HttpSession session(kTimesOfClearing);
-        static_cast<void>(DavClient(session, access.login, nullptr, kPatienceOfClearing)
-                              .Discard(unfinished_->url));
+        isGone = !DavClient(session, access.login, nullptr, kPatienceOfClearing)
+                      .Discard(unfinished_->url);
     }
+    if (!isGone) note_.reset();
     Forget();
 }
 
+// Nothing is under the upload's own name any more, or its note is to stay.
 void DavUpload::Forget() {
+    if (note_) note_->Remove();
+    note_.reset();
     unfinished_.reset();
     mayBeStored_ = false;
     moving_.reset();
@@ -195,6 +224,15 @@ DeletionEnd DeleteDavFile(const DavClient& client, const HttpUrl& root, const St
     const auto* end = std::get_if<DavDeletion>(&result);
     if (!end) return DeletionEnd::Unreachable;
     return *end == DavDeletion::Gone ? DeletionEnd::Gone : DeletionEnd::Changed;
+}
+
+DeletionEnd RemoveDavPart(const DavClient& client, const HttpUrl& root, const std::wstring& path) {
+    const auto url = ParseHttpUrl(ToUtf8(path));
+    if (!url || !url->query.empty() || !IsBelow(*url, root) ||
+        !IsOwnName(std::string_view(url->path).substr(url->path.rfind('/') + 1))) {
+        return DeletionEnd::Changed;
+    }
+    return client.Discard(*url) ? DeletionEnd::Unreachable : DeletionEnd::Gone;
 }
 
 } // namespace providers

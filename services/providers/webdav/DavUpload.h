@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "services/providers/dav/DavClient.h"
+#include "services/providers/storage/PartNotes.h"
 #include "services/providers/storage/StorageProvider.h"
 
 namespace providers {
@@ -25,8 +26,16 @@ using AskForLogin = std::function<std::optional<HttpLogin>(HWND owner)>;
 // any thread.
 class DavUpload {
 public:
+    // Where what is under a name of the upload's own is noted, so that a later session removes what
+    // a process that was killed has left.
+    struct Notes {
+        PartNotes book;
+        std::wstring accountKey;
+    };
+
     // `session` outlives the object.
-    explicit DavUpload(const HttpSession& session, const DavPatience& patience = {});
+    explicit DavUpload(const HttpSession& session, const DavPatience& patience = {},
+                       std::optional<Notes> notes = {});
 
     // As StorageProvider::Upload. A cancel that comes once the file has got its name is too late:
     // Done. `ask` may be empty: then a password that doesn't count ends the upload. After any end
@@ -57,12 +66,15 @@ private:
     StoredFile Stored(const DavClient& client, const HttpUrl& target, const std::wstring& name,
                       std::uint64_t size) const;
     std::optional<StoredFile> StoredAfterAll(const DavAccess& access, const std::wstring& name);
+    void Note();
     void Discard(const DavAccess& access);
     void Forget();
 
     const HttpSession& session_;
     DavPatience patience_;
+    std::optional<Notes> notes_; // outlive the note
     std::optional<Unfinished> unfinished_;
+    std::optional<PartNote> note_;  // of the unfinished file
     bool mayBeStored_ = false;      // a part of the unfinished file
     std::optional<HttpUrl> moving_; // where to, while nobody knows whether it is there
 };
@@ -72,5 +84,8 @@ std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& roo
 
 // Deletes a file below the account's folder if it is unchanged.
 DeletionEnd DeleteDavFile(const DavClient& client, const HttpUrl& root, const StoredFile& file);
+
+// Deletes what an upload has left under a name of its own; `path` is that of its note.
+DeletionEnd RemoveDavPart(const DavClient& client, const HttpUrl& root, const std::wstring& path);
 
 } // namespace providers
