@@ -83,19 +83,22 @@ std::wstring EscapedPath(const std::wstring& path) {
     return text;
 }
 
-std::wstring LinkOf(const std::wstring& folder, const std::wstring& pattern,
-                    const std::wstring& below) {
-    if (pattern.empty()) return FileAddress(folder, below);
+std::wstring PatternLink(const std::wstring& pattern, const std::wstring& escapedPath) {
     std::wstring link;
     wstring_view rest = pattern;
     for (std::size_t place = rest.find(kPlace); place != wstring_view::npos;
          place = rest.find(kPlace)) {
         AppendEscaped(link, rest.substr(0, place), &IsOfAddress);
-        link += EscapedPath(below);
+        link += escapedPath;
         rest.remove_prefix(place + kPlace.size());
     }
     AppendEscaped(link, rest, &IsOfAddress);
     return link;
+}
+
+std::wstring LinkOf(const std::wstring& folder, const std::wstring& pattern,
+                    const std::wstring& below) {
+    return pattern.empty() ? FileAddress(folder, below) : PatternLink(pattern, EscapedPath(below));
 }
 
 } // namespace providers

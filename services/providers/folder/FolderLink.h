@@ -20,6 +20,9 @@ bool IsLinkPattern(const std::wstring& pattern);
 // slashes. A part that isn't Unicode gets a replacement character.
 std::wstring EscapedPath(const std::wstring& path);
 
+// The link by a pattern to a file with this path, whose parts are escaped and separated by slashes.
+std::wstring PatternLink(const std::wstring& pattern, const std::wstring& escapedPath);
+
 // The link to a file. `folder` is a full path as FullFolderPath gives it, `below` the file's path
 // below the folder. With an empty pattern it is the "file:" address of the full path. It contains
 // no pipe, which separates the parts of the text for the mail.

@@ -1,0 +1,32 @@
+#include "services/providers/webdav/DavCheck.h"
+
+#include <utility>
+
+#include "services/providers/dav/DavAddress.h"
+#include "services/providers/webdav/DavSentence.h"
+
+namespace providers {
+namespace {
+
+// The user waits for the result and can try again.
+constexpr DavPatience kPatienceOfLogins{1, 500, 0, 0};
+
+} // namespace
+
+DavCheckResult CheckDavLogin(DavServers& servers, const HttpUrl& typed, const std::wstring& user,
+                             const ObLib::Secret& password, HANDLE cancelled) {
+    DavAccess access{typed, {typed.origin, user, password}};
+    const DavClient client(servers.Session(), access.login, cancelled, kPatienceOfLogins);
+    const auto found = FindRoot(client, RootCandidates(typed, user));
+    if (const auto* error = std::get_if<DavError>(&found)) {
+        return {DavSentence(*error, typed.origin), {}};
+    }
+    access.root = std::get<DavItem>(found).url;
+    access.root.query.clear();
+    if (!access.root.path.ends_with('/')) access.root.path += '/';
+    servers.Forget(access.root);
+    static_cast<void>(servers.Shares(client, access));
+    return {{}, std::move(access.root)};
+}
+
+} // namespace providers

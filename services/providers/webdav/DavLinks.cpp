@@ -1,0 +1,168 @@
+#include "services/providers/webdav/DavLinks.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "services/providers/folder/FolderLink.h"
+#include "services/providers/http/Utf8.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+#include "services/providers/webdav/DavSentence.h"
+#include "services/providers/webdav/LinkPassword.h"
+
+namespace providers {
+namespace {
+
+using std::chrono::days;
+using std::chrono::sys_days;
+using std::chrono::year_month_day;
+
+std::wstring Wide(std::string_view text) { return FromUtf8(text).value_or(L""); }
+
+std::wstring SentenceAbout(UINT text, const HttpOrigin& server) {
+    return FormatOwnText(text, {Wide(server.host)});
+}
+
+ShareResult NotShared(std::wstring sentence) {
+    ShareResult result;
+    result.sentence = std::move(sentence);
+    return result;
+}
+
+// Servers write the same name in several ways; a link has one.
+std::string PlainlyEncoded(std::string_view path) {
+    std::string encoded;
+    for (std::size_t at = 0; at <= path.size();) {
+        const std::size_t end = std::min(path.find('/', at), path.size());
+        const std::string_view part = path.substr(at, end - at);
+        const auto name = DecodePercent(part);
+        encoded += name ? EncodePathPart(*name) : std::string(part);
+        if (end < path.size()) encoded += '/';
+        at = end + 1;
+    }
+    return encoded;
+}
+
+year_month_day Today() {
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    return {std::chrono::year(now.wYear), std::chrono::month(now.wMonth),
+            std::chrono::day(now.wDay)};
+}
+
+ShareDate DaysFromToday(int count) { return sys_days(Today()) + days(count); }
+
+// The password of the link, the same at each try.
+std::optional<ObLib::Secret> PasswordOf(DavServers& servers, const HttpUrl& file,
+                                        const DavServers::Share& share, const ShareRules& rules) {
+    if (!share.password.Empty()) return share.password;
+    auto made = NewLinkPassword(rules);
+    if (made) servers.SetPassword(file, *made);
+    return made;
+}
+
+ShareResult ShareByServer(DavServers& servers, const DavClient& client, const LinkPlan& plan,
+                          const HttpUrl& file, bool isOwnFile) {
+    const DavServers::Share share = servers.ShareOf(file);
+    const ShareRules& rules = plan.server->Rules();
+    std::optional<ObLib::Secret> password;
+    if (plan.hasPassword) {
+        password = PasswordOf(servers, file, share, rules);
+        if (!password) return NotShared(SentenceAbout(OB_TEXT_DAV_NO_LINK_MADE, file.origin));
+    }
+    // Where each link has to end, the server sets the day itself.
+    const ShareWish wish{file, password ? &*password : nullptr, {}, share.label, isOwnFile};
+    const auto made = plan.server->Make(client, wish);
+    if (const auto* error = std::get_if<ShareError>(&made)) {
+        return NotShared(ShareSentence(*error, file.origin));
+    }
+    const auto& link = std::get<LinkShare>(made);
+    servers.ForgetShare(file);
+    ShareResult result{true, link.link, Wide(link.id), {}, {}};
+    if (password) result.password = Wide(password->Text());
+    return result;
+}
+
+ShareResult ShareByPattern(const DavSettings& settings, const HttpUrl& file) {
+    std::wstring link = LinkByPattern(settings, file);
+    if (link.empty() || link.size() > kLongestLink) {
+        return NotShared(SentenceAbout(OB_TEXT_DAV_ODD_LINK, file.origin));
+    }
+    return {true, std::move(link), {}, {}, {}};
+}
+
+} // namespace
+
+LinkPlan PlanLinks(const DavSettings& settings, const std::optional<ShareApi>& server) {
+    const bool isPasswordWanted = settings.hasLinkPasswords || IsLinkPasswordPolicyOn();
+    if (server && server->Rules().canShareByLink) {
+        return {LinkWay::ByServer, server, isPasswordWanted || server->Rules().needsPassword, {}};
+    }
+    const auto none = [&](UINT text) {
+        return LinkPlan{LinkWay::None, {}, false, SentenceAbout(text, settings.root.origin)};
+    };
+    if (isPasswordWanted) return none(OB_TEXT_DAV_NO_LINK_PASSWORDS);
+    if (settings.pattern.empty()) return none(OB_TEXT_DAV_NO_WAY_TO_LINK);
+    return {LinkWay::ByPattern, {}, false, {}};
+}
+
+std::wstring LinkByPattern(const DavSettings& settings, const HttpUrl& file) {
+    if (!IsBelow(file, settings.root)) return {};
+    const std::string below = file.path.substr(settings.root.path.size());
+    return PatternLink(settings.pattern, Wide(PlainlyEncoded(below)));
+}
+
+ShareResult ShareDavFile(DavServers& servers, const std::wstring& accountKey, const HttpUrl& file,
+                         bool isOwnFile, HANDLE cancelled) {
+    const auto settings = ReadDavAccount(servers.Book(), accountKey);
+    const auto access = servers.AccessTo(accountKey);
+    if (!settings || !access) return NotShared(OwnText(OB_TEXT_DAV_LINK_LOGGED_OUT));
+    if (!IsBelow(file, access->root)) {
+        return NotShared(SentenceAbout(OB_TEXT_DAV_NOT_FOUND, access->root.origin));
+    }
+    const DavClient client(servers.Session(), access->login, cancelled, servers.Patience());
+    const auto server = servers.Shares(client, *access);
+    if (const auto* error = std::get_if<ShareError>(&server)) {
+        return NotShared(ShareSentence(*error, access->root.origin));
+    }
+    const LinkPlan plan = PlanLinks(*settings, std::get<0>(server));
+    if (plan.way == LinkWay::None) return NotShared(plan.sentence);
+    if (plan.way == LinkWay::ByPattern) return ShareByPattern(*settings, file);
+    return ShareByServer(servers, client, plan, file, isOwnFile);
+}
+
+bool EndDavLink(DavServers& servers, const std::wstring& accountKey, const std::wstring& shareId,
+                std::int32_t days, HANDLE cancelled) {
+    const auto access = servers.AccessTo(accountKey);
+    if (!access || shareId.empty() || days <= 0) return false;
+    const DavClient client(servers.Session(), access->login, cancelled, servers.Patience());
+    const auto server = servers.Shares(client, *access);
+    const auto* api = std::get_if<0>(&server);
+    if (!api || !*api) return false;
+    return std::holds_alternative<ShareDate>(
+        (*api)->SetExpiry(client, ToUtf8(shareId), DaysFromToday(days)));
+}
+
+std::wstring ShareSentence(const ShareError& error, const HttpOrigin& server) {
+    switch (error.fault) {
+    case ShareFault::Dav:
+        // What isn't there is the file, not the account's folder.
+        if (error.dav.fault == DavFault::NotFound) {
+            return SentenceAbout(OB_TEXT_DAV_NO_LINK_MADE, server);
+        }
+        return DavSentence(error.dav, server);
+    case ShareFault::Off:
+        return SentenceAbout(OB_TEXT_DAV_LINKS_OFF, server);
+    case ShareFault::NeedsPassword:
+    case ShareFault::Refused:
+        if (error.message.empty()) return SentenceAbout(OB_TEXT_DAV_NO_LINK_MADE, server);
+        return FormatOwnText(OB_TEXT_DAV_NO_LINK_BECAUSE, {Wide(server.host), error.message});
+    case ShareFault::OddLink:
+    case ShareFault::Damaged:
+        break;
+    }
+    return SentenceAbout(OB_TEXT_DAV_ODD_LINK, server);
+}
+
+} // namespace providers

@@ -1,0 +1,275 @@
+#include "services/providers/webdav/WebDav.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "services/providers/folder/FolderLink.h"
+#include "services/providers/http/Utf8.h"
+#include "services/providers/storage/ProviderIds.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
+#include "services/providers/webdav/AccountPassword.h"
+#include "services/providers/webdav/DavAccountDialogs.h"
+#include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavPicker.h"
+#include "services/providers/webdav/DavSentence.h"
+
+namespace providers {
+
+using obcontract::ProviderCapability;
+
+namespace {
+
+// The chooser waits for the space, and a deletion has other runs.
+constexpr DavPatience kNoPatience{0, 0, 0, 0};
+
+bool IsSet(HANDLE event) { return WaitForSingleObject(event, 0) == WAIT_OBJECT_0; }
+
+UploadResult Failed(std::wstring sentence) { return {UploadEnd::Failed, {}, std::move(sentence)}; }
+
+UploadResult NotUploaded(const std::wstring& name, const std::wstring& why) {
+    return Failed(FormatOwnText(OB_TEXT_DAV_NOT_UPLOADED, {name, why}));
+}
+
+// One upload of one account: what has to be known and asked before its first byte.
+class LinkedUpload {
+public:
+    LinkedUpload(std::shared_ptr<DavServers> servers, const std::wstring& key,
+                 const UploadFile& file, UploadProgress& progress)
+        : servers_(std::move(servers)), key_(key), file_(file), progress_(progress) {}
+
+    UploadResult Run(DavUpload& upload) {
+        if (!ReadDavAccount(servers_->Book(), key_)) {
+            return Failed(FormatOwnText(OB_TEXT_DAV_LOGGED_OUT, {file_.name}));
+        }
+        if (!servers_->AccessTo(key_) && !AskForPassword({})) return Cancelled();
+        if (auto ended = MakeSureOfLinks()) return std::move(*ended);
+        auto access = servers_->AccessTo(key_);
+        if (!access) return Failed(FormatOwnText(OB_TEXT_DAV_LOGGED_OUT, {file_.name}));
+        const HttpOrigin server = access->root.origin;
+        return upload.Run(std::move(*access), file_, progress_,
+                          [this, server](HWND owner) -> std::optional<HttpLogin> {
+                              if (!AskForDavPassword(servers_, key_, WrongLogin(server), owner))
+                                  return {};
+                              auto now = servers_->AccessTo(key_);
+                              if (!now) return {};
+                              return std::move(now->login);
+                          });
+    }
+
+private:
+    using Ended = std::optional<UploadResult>; // nothing: the upload goes on
+
+    static UploadResult Cancelled() { return {UploadEnd::Cancelled, {}, {}}; }
+    static std::wstring WrongLogin(const HttpOrigin& server) {
+        return DavSentence({DavFault::WrongLogin, 401, {}, std::nullopt}, server);
+    }
+
+    bool AskForPassword(const std::wstring& reason) {
+        bool isGiven = false;
+        return progress_.Ask([&](HWND owner) {
+            isGiven = AskForDavPassword(servers_, key_, reason, owner);
+        }) && isGiven;
+    }
+
+    // Nothing is uploaded that can't be linked. A server that can't be asked now is left to the
+    // upload, which knows what to do about it.
+    Ended MakeSureOfLinks() {
+        for (;;) {
+            const auto access = servers_->AccessTo(key_);
+            const auto settings = ReadDavAccount(servers_->Book(), key_);
+            if (!access || !settings) return {};
+            const DavClient client(servers_->Session(), access->login, progress_.Cancelled(),
+                                   kNoPatience);
+            const auto server = servers_->Shares(client, *access);
+            if (const auto* error = std::get_if<ShareError>(&server)) {
+                const bool isLogin =
+                    error->fault == ShareFault::Dav && error->dav.fault == DavFault::WrongLogin;
+                if (!isLogin) return {};
+                if (!AskForPassword(WrongLogin(access->root.origin))) return Cancelled();
+                continue;
+            }
+            const LinkPlan plan = PlanLinks(*settings, std::get<0>(server));
+            if (plan.way == LinkWay::ByPattern) return CheckLength(*settings);
+            if (plan.way == LinkWay::ByServer) return {};
+            if (!AskForPattern()) return NotUploaded(file_.name, plan.sentence);
+        }
+    }
+    bool AskForPattern() {
+        bool isChanged = false;
+        return progress_.Ask([&](HWND owner) {
+            isChanged = ManageDavAccount(servers_, key_, false, owner);
+        }) && isChanged;
+    }
+    Ended CheckLength(const DavSettings& settings) const {
+        HttpUrl target = settings.root;
+        std::wstring below = file_.folder + L'\\' + file_.name;
+        std::ranges::replace(below, L'\\', L'/');
+        target.path += EscapedBelow(below);
+        if (LinkByPattern(settings, target).size() <= kLongestLink) return {};
+        return Failed(FormatOwnText(OB_TEXT_FOLDER_LINK_TOO_LONG, {file_.name}));
+    }
+    static std::string EscapedBelow(const std::wstring& below) {
+        std::string escaped;
+        const std::string bytes = ToUtf8(below);
+        for (std::size_t at = 0; at <= bytes.size();) {
+            const std::size_t end = std::min(bytes.find('/', at), bytes.size());
+            escaped += EncodePathPart(std::string_view(bytes).substr(at, end - at));
+            if (end < bytes.size()) escaped += '/';
+            at = end + 1;
+        }
+        return escaped;
+    }
+
+    std::shared_ptr<DavServers> servers_;
+    const std::wstring& key_;
+    const UploadFile& file_;
+    UploadProgress& progress_;
+};
+
+// Removes a file by the login of its account. An account that is logged out has left a promise:
+// another one with the file in its folder carries it out, and without any the file can't be reached
+// for good.
+template <class Remove>
+DeletionEnd RemoveBy(DavServers& servers, const std::wstring& key, const std::wstring& path,
+                     HANDLE ended, Remove remove) {
+    const auto url = ParseHttpUrl(ToUtf8(path));
+    if (!url) return DeletionEnd::Changed;
+    if (IsSet(ended)) return DeletionEnd::Unreachable;
+    const bool isAccount = ReadDavAccount(servers.Book(), key).has_value();
+    const std::wstring around = isAccount ? key : DavAccountAround(servers.Book(), *url);
+    if (around.empty()) return DeletionEnd::Gone;
+    const auto access = servers.AccessTo(around);
+    if (!access) return DeletionEnd::Unreachable;
+    const DavClient client(servers.Session(), access->login, ended, kNoPatience);
+    return remove(client, access->root);
+}
+
+DavResult<std::vector<DavItem>> ListFolder(DavServers& servers, const std::wstring& key,
+                                           const std::vector<std::wstring>& folder,
+                                           HANDLE cancelled) {
+    const auto access = servers.AccessTo(key);
+    if (!access) return DavError{DavFault::WrongLogin, 401, {}, std::nullopt};
+    HttpUrl url = access->root;
+    for (const std::wstring& part : folder) {
+        url = UrlBelow(url, ToUtf8(part));
+        url.path += '/';
+    }
+    const DavClient client(servers.Session(), access->login, cancelled, servers.Patience());
+    return client.List(url);
+}
+
+DavPickAccount PickableAccount(const std::shared_ptr<DavServers>& servers,
+                               const StorageAccount& account, const DavSettings& settings) {
+    return {
+        account, settings.root.origin,
+        [servers, key = account.key](const std::vector<std::wstring>& folder, HANDLE cancelled) {
+            return ListFolder(*servers, key, folder, cancelled);
+        },
+        [servers, key = account.key](const DavItem& file, HANDLE cancelled) {
+            return ShareDavFile(*servers, key, file.url, false, cancelled);
+        }};
+}
+
+} // namespace
+
+WebDav::WebDav(AccountBook book, const DavPatience& patience)
+    : servers_(std::make_shared<DavServers>(std::move(book), patience)) {}
+
+std::uint32_t WebDav::Id() const noexcept { return kWebDavId; }
+
+std::wstring WebDav::DisplayName() const { return OwnText(OB_TEXT_DAV_NAME_OF_PROVIDER); }
+
+std::wstring WebDav::ShortDescription() const { return DisplayName(); }
+
+UINT WebDav::IconId() const noexcept { return OB_DAV_ICON; }
+
+bool WebDav::Has(ProviderCapability capability) const noexcept {
+    return capability == ProviderCapability::OpenPicker ||
+           capability == ProviderCapability::FreeSpace || capability == ProviderCapability::Folders;
+}
+
+std::optional<StorageAccount> WebDav::LogIn(const std::wstring& key, HWND owner) {
+    if (!ReadDavAccount(Book(), key)) return LogInToDav(servers_, owner);
+    if (!AskForDavPassword(servers_, key, {}, owner)) return {};
+    return Book().Account(kWebDavId, key);
+}
+
+bool WebDav::IsLoggedIn(const std::wstring& key) const {
+    return servers_->AccessTo(key).has_value();
+}
+
+void WebDav::LogOut(const std::wstring& key, HWND) { RemoveDavAccount(Book(), key); }
+
+void WebDav::Manage(const std::wstring& key, HWND owner) {
+    ManageDavAccount(servers_, key, true, owner);
+}
+
+std::optional<AccountSpace> WebDav::Space(const std::wstring& key, HANDLE ended) const {
+    const auto access = servers_->AccessTo(key);
+    if (!access) return {};
+    const DavClient client(servers_->Session(), access->login, ended, kNoPatience);
+    return DavSpace(client, access->root);
+}
+
+// Servers don't report it.
+std::optional<std::uint64_t> WebDav::MaxFileSize(const std::wstring&) const { return {}; }
+
+std::wstring WebDav::RootFolder(const std::wstring&) const { return {}; }
+
+// One for an account, kept for the run: the second run of a clash only moves what is there.
+std::shared_ptr<DavUpload> WebDav::UploadOf(const std::wstring& key) {
+    const std::lock_guard guard(uploadsLock_);
+    auto& upload = uploads_[key];
+    if (!upload) {
+        upload = std::make_shared<DavUpload>(servers_->Session(), servers_->Patience(),
+                                             DavUpload::Notes{PartNotes(Book()), key});
+    }
+    return upload;
+}
+
+UploadResult WebDav::Upload(const std::wstring& key, const UploadFile& file,
+                            UploadProgress& progress) {
+    return LinkedUpload(servers_, key, file, progress).Run(*UploadOf(key));
+}
+
+ShareResult WebDav::Share(const std::wstring& key, const StoredFile& file, HANDLE ended) {
+    const auto url = ParseHttpUrl(ToUtf8(file.path));
+    if (!url) return {};
+    return ShareDavFile(*servers_, key, *url, true, ended);
+}
+
+bool WebDav::SetExpiry(const std::wstring& key, const std::wstring& shareId, std::int32_t days,
+                       HANDLE ended) {
+    return EndDavLink(*servers_, key, shareId, days, ended);
+}
+
+DeletionEnd WebDav::Delete(const std::wstring& key, const StoredFile& file, HANDLE ended) {
+    return RemoveBy(*servers_, key, file.path, ended,
+                    [&](const DavClient& client, const HttpUrl& root) {
+                        return DeleteDavFile(client, root, file);
+                    });
+}
+
+DeletionEnd WebDav::RemovePart(const std::wstring& key, const std::wstring& path, HANDLE ended) {
+    return RemoveBy(*servers_, key, path, ended, [&](const DavClient& client, const HttpUrl& root) {
+        return RemoveDavPart(client, root, path);
+    });
+}
+
+PickResult WebDav::Pick(const std::wstring& preferred, HWND owner) {
+    if (Book().Accounts(kWebDavId).empty() && !LogIn({}, owner)) return {};
+    std::vector<DavPickAccount> accounts;
+    std::size_t first = 0;
+    for (const StorageAccount& account : Book().Accounts(kWebDavId)) {
+        const auto settings = ReadDavAccount(Book(), account.key);
+        if (!settings) continue;
+        accounts.push_back(PickableAccount(servers_, account, *settings));
+        // The newest account, unless the preferred one is among them.
+        if (accounts[first].account.key != preferred) first = accounts.size() - 1;
+    }
+    if (accounts.empty()) return {{}, OwnText(OB_TEXT_PICK_FAILED)};
+    return PickFromServers(accounts, first, DisplayName(), owner);
+}
+
+} // namespace providers
