@@ -3,11 +3,11 @@
 #include <objbase.h>
 
 #include <array>
-#include <optional>
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "services/providers/worker/ThreadMessages.h"
 
 namespace providers {
 namespace {
@@ -27,14 +27,6 @@ DWORD WINAPI Entry(void* parameter) noexcept {
     const ObLib::ScopeExit uninitialise([] { CoUninitialize(); });
     run.hasRun = ObLib::RanGuarded(run.work);
     return 0;
-}
-
-// A dialog whose own dialog is open is disabled, and gets its turn after that one.
-BOOL CALLBACK CancelDialog(HWND window, LPARAM) noexcept {
-    if (IsWindowVisible(window) && IsWindowEnabled(window)) {
-        PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-    }
-    return TRUE;
 }
 
 // What the user does to the calling thread's windows.
@@ -58,32 +50,29 @@ public:
             const MSG& late = late_[index];
             PostMessageW(late.hwnd, late.message, late.wParam, late.lParam);
         }
-        if (quitCode_) PostQuitMessage(*quitCode_);
     }
     ShellWait(const ShellWait&) = delete;
     ShellWait& operator=(const ShellWait&) = delete;
 
-    bool IsToEnd() const { return quitCode_ || (owner_ && !IsWindow(owner_)); }
+    bool IsToEnd() const { return quit_.HasCome() || (owner_ && !IsWindow(owner_)); }
 
     void DispatchMessages() {
-        constexpr int kMostAtOnce = 50; // so that a flood doesn't hide the end of the thread
-        MSG message;
-        for (int count = 0; count < kMostAtOnce; ++count) {
-            const bool isThere = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;
-            hasShown_ = hasShown_ || (owner_ && !IsWindowEnabled(owner_));
-            if (!isThere) return;
-            if (message.message == WM_QUIT) {
-                quitCode_ = static_cast<int>(message.wParam);
-            } else if (owner_ && IsInput(message)) {
+        HandlePendingMessages([this](const MSG& message) {
+            NoteTheDialog();
+            if (quit_.Takes(message)) return true;
+            if (owner_ && IsInput(message)) {
                 KeepIfLate(message);
             } else {
                 TranslateMessage(&message);
                 DispatchMessageW(&message);
             }
-        }
+            return true;
+        });
+        NoteTheDialog();
     }
 
 private:
+    void NoteTheDialog() { hasShown_ = hasShown_ || (owner_ && !IsWindowEnabled(owner_)); }
     // What comes after the shell's dialog waits for the end of the thread; the rest is dropped.
     void KeepIfLate(const MSG& message) {
         if (hasShown_ && IsWindowEnabled(owner_) && lateCount_ < late_.size()) {
@@ -95,7 +84,7 @@ private:
     bool hasShown_ = false; // the shell's dialog
     std::array<MSG, 16> late_ = {};
     std::size_t lateCount_ = 0;
-    std::optional<int> quitCode_;
+    KeptQuit quit_;
 };
 
 } // namespace
@@ -110,7 +99,7 @@ bool RunOnShellThread(HWND owner, const std::function<void()>& work) {
     while (MsgWaitForMultipleObjectsEx(1, &handle, kTick, QS_ALLINPUT, MWMO_INPUTAVAILABLE) !=
            WAIT_OBJECT_0) {
         wait.DispatchMessages();
-        if (wait.IsToEnd()) EnumThreadWindows(id, &CancelDialog, 0);
+        if (wait.IsToEnd()) CancelDialogOf(id, nullptr);
     }
     return run.hasRun;
 }

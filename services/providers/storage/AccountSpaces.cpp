@@ -1,25 +1,8 @@
 #include "services/providers/storage/AccountSpaces.h"
 
-#include <new>
-#include <optional>
 #include <utility>
 
-#include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/providers/worker/DetachedThread.h"
-
 namespace providers {
-
-// Shared by the thread that asks and the one that waits. The space is written before the event is
-// set, and read after.
-struct AccountSpaces::Answer {
-    Answer() : came(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
-        if (!came) throw std::bad_alloc();
-    }
-
-    ObLib::UniqueKernelHandle came;
-    AccountSpace space;
-};
 
 AccountSpaces::AccountSpaces(std::shared_ptr<StorageRun> run, DWORD limit)
     : run_(std::move(run)), limit_(limit) {}
@@ -50,28 +33,23 @@ void AccountSpaces::AskAll() {
 void AccountSpaces::Ask(const StorageProvider& provider, const std::wstring& accountKey) {
     Question& question = questions_[accountKey];
     if (!provider.Has(obcontract::ProviderCapability::FreeSpace)) return;
-    const auto answer = std::make_shared<Answer>();
-    const bool isAsked = RunDetached([run = run_, &provider, accountKey, answer] {
-        answer->space = ObLib::Guarded(std::optional<AccountSpace>(), [&] {
-                            return provider.Space(accountKey, run->Ended());
-                        }).value_or(AccountSpace{});
-        SetEvent(answer->came.Get());
+    question.call.emplace([run = run_, &provider, accountKey](HANDLE) {
+        return provider.Space(accountKey, run->Ended());
     });
-    if (isAsked) question.answer = answer;
     question.asked = GetTickCount64();
 }
 
 // What comes later than the limit isn't waited for, and not taken once the account was reported as
 // unknown.
 void AccountSpaces::Settle(Question& question) const {
-    const auto answer = std::exchange(question.answer, nullptr);
-    if (!answer) return;
+    auto call = std::exchange(question.call, std::nullopt);
+    if (!call) return;
     const ULONGLONG passed = GetTickCount64() - question.asked;
     const DWORD rest = passed < limit_ ? limit_ - static_cast<DWORD>(passed) : 0;
-    const HANDLE events[] = {answer->came.Get(), run_->Ended()};
-    if (WaitForMultipleObjects(2, events, FALSE, rest) == WAIT_OBJECT_0) {
-        question.space = answer->space;
-    }
+    const HANDLE events[] = {call->Done(), run_->Ended()};
+    if (WaitForMultipleObjects(2, events, FALSE, rest) != WAIT_OBJECT_0) return;
+    const auto space = call->Take().value_or(std::nullopt);
+    if (space) question.space = *space;
 }
 
 } // namespace providers

@@ -5,9 +5,11 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "services/providers/storage/StorageRun.h"
+#include "services/providers/worker/DetachedCall.h"
 
 namespace providers {
 
@@ -28,10 +30,10 @@ public:
     void Forget(const std::wstring& accountKey);
 
 private:
-    struct Answer;
+    using Call = DetachedCall<std::optional<AccountSpace>>;
     struct Question {
-        std::shared_ptr<Answer> answer; // null once the space is settled
-        ULONGLONG asked = 0;            // of GetTickCount64
+        std::optional<Call> call = {}; // nothing once the space is settled
+        ULONGLONG asked = 0;           // of GetTickCount64
         AccountSpace space;
     };
 

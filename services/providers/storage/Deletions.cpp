@@ -33,10 +33,9 @@ void EndLink(const Run& run, const RunUpload& upload, std::int32_t days) {
                             {OwnText(OB_TEXT_SHARE_TITLE), OwnText(OB_TEXT_SHARE_BODY)},
                             upload.file.name,
                             run->windowDelay};
-    RunAndPump(run->Ended(), window, kExpiryLimit,
-               [run, provider, key = upload.accountKey, id = upload.shareId, days](HANDLE stop) {
-                   provider->SetExpiry(key, id, days, stop);
-               });
+    CallAndPump<bool>(run->Ended(), window, kExpiryLimit,
+                      [run, provider, key = upload.accountKey, id = upload.shareId,
+                       days](HANDLE stop) { return provider->SetExpiry(key, id, days, stop); });
 }
 
 // Something to delete: a file that is due, or a part that was left.

@@ -1,31 +1,13 @@
 #include "services/providers/storage/PumpedCall.h"
 
 #include <algorithm>
-#include <atomic>
-#include <new>
 
-#include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/storage/OwnerWindow.h"
 #include "services/providers/storage/UploadDialog.h"
-#include "services/providers/worker/DetachedThread.h"
 #include "services/providers/worker/PumpingWait.h"
 
 namespace providers {
 namespace {
-
-ObLib::UniqueKernelHandle MakeEvent() {
-    ObLib::UniqueKernelHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    if (!event) throw std::bad_alloc();
-    return event;
-}
-
-// Shared by the thread that works and the one that waits.
-struct Call {
-    ObLib::UniqueKernelHandle stop = MakeEvent();
-    ObLib::UniqueKernelHandle done = MakeEvent();
-    std::atomic<bool> isWhole = false; // the work didn't throw
-};
 
 // With a window once the call takes longer, whose cancel button ends the wait. Nothing is shown
 // when it can't be created.
@@ -46,18 +28,9 @@ Waited Await(HANDLE done, HANDLE ended, const CallWindow& window, DWORD limit) {
 
 } // namespace
 
-bool RunAndPump(HANDLE ended, const CallWindow& window, DWORD limit,
-                std::function<void(HANDLE stop)> work) {
+bool AwaitAndPump(HANDLE done, HANDLE ended, const CallWindow& window, DWORD limit) {
     if (window.owner && !IsWindow(window.owner)) return false;
-    const auto call = std::make_shared<Call>();
-    const bool isBegun = RunDetached([call, work = std::move(work)] {
-        call->isWhole = ObLib::RanGuarded([&] { work(call->stop.Get()); });
-        SetEvent(call->done.Get());
-    });
-    if (!isBegun) return false;
-    if (Await(call->done.Get(), ended, window, limit) == Waited::Signalled) return call->isWhole;
-    SetEvent(call->stop.Get());
-    return false;
+    return Await(done, ended, window, limit) == Waited::Signalled;
 }
 
 } // namespace providers

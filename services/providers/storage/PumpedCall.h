@@ -4,12 +4,12 @@
 #include <windows.h>
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "services/providers/storage/UploadTexts.h"
+#include "services/providers/worker/DetachedCall.h"
 
 namespace providers {
 
@@ -22,22 +22,21 @@ struct CallWindow {
     DWORD delay = 500; // milliseconds until it comes
 };
 
-// Runs `work` on a thread of its own and waits for its end, with the calling thread's messages
-// dispatched, at most `limit` milliseconds. False when the wait ended first: `ended` was set, the
-// owner has gone, the user has cancelled, or the thread is to quit. The event that the work gets is
-// set then, and nobody waits for it any more; so it owns what it uses. False also when the work
-// throws.
-bool RunAndPump(HANDLE ended, const CallWindow& window, DWORD limit,
-                std::function<void(HANDLE stop)> work);
+// Waits until `done` is set, with the calling thread's messages dispatched, at most `limit`
+// milliseconds. False when the wait ended first: `ended` was set, the owner has gone, the user has
+// cancelled, or the thread is to quit.
+bool AwaitAndPump(HANDLE done, HANDLE ended, const CallWindow& window, DWORD limit);
 
-// The same with a result; nothing in place of false.
-template <class Result, class Work>
-std::optional<Result> CallAndPump(HANDLE ended, const CallWindow& window, DWORD limit, Work work) {
-    const auto result = std::make_shared<Result>();
-    const bool isDone = RunAndPump(ended, window, limit,
-                                   [result, work](HANDLE stop) mutable { *result = work(stop); });
-    if (!isDone) return {};
-    return std::move(*result);
+// Runs `work` on a thread of its own and waits for it as above. Nothing when the wait ended first:
+// the event that the work gets is set then, and nobody waits for it any more. Nothing also when the
+// work throws.
+template <class Result>
+std::optional<Result> CallAndPump(HANDLE ended, const CallWindow& window, DWORD limit,
+                                  std::function<Result(HANDLE stop)> work) {
+    if (window.owner && !IsWindow(window.owner)) return {};
+    DetachedCall<Result> call(std::move(work));
+    if (!AwaitAndPump(call.Done(), ended, window, limit)) return {};
+    return call.Take();
 }
 
 } // namespace providers

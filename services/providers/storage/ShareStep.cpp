@@ -22,23 +22,45 @@ constexpr DWORD kShareLimit = 60'000; // milliseconds; a server that is silent f
 
 // Nobody is left to read a message.
 bool IsOver(const StorageRun& run) {
-    return WaitForSingleObject(run.Ended(), 0) == WAIT_OBJECT_0 ||
-           (run.owner && !IsWindow(run.owner));
+    return IsSet(run.Ended()) || (run.owner && !IsWindow(run.owner));
 }
 
-// A result that isn't shared when the provider can't be asked or throws.
-ShareResult AskProvider(const Run& run, const RunUpload& upload, const CloudItem& item) {
-    StorageProvider* const provider = run->ProviderOf(upload.accountKey);
-    if (!provider) return {};
-    const auto ask = [run, provider, key = upload.accountKey, file = upload.file](HANDLE stop) {
-        return provider->Share(key, file, stop);
-    };
-    const CallWindow window{run->owner,
-                            {OwnText(OB_TEXT_SHARE_TITLE), OwnText(OB_TEXT_SHARE_BODY)},
-                            item.name,
-                            run->windowDelay};
-    return CallAndPump<ShareResult>(run->Ended(), window, kShareLimit, ask).value_or(ShareResult{});
-}
+// The call that shares one file. It goes on while the user decides whether to try again: its server
+// may have made the link, which nobody would know of, and a second call would make another one.
+class Sharing {
+public:
+    Sharing(const Run& run, const RunUpload& upload, const CloudItem& item)
+        : run_(run), upload_(upload), item_(item) {}
+
+    // A result that isn't shared when the provider can't be asked, throws or takes too long; in the
+    // last case the next call of this function waits for the same result.
+    ShareResult Ask() {
+        if (IsOver(*run_) || !Begin()) return {};
+        const CallWindow window{run_->owner,
+                                {OwnText(OB_TEXT_SHARE_TITLE), OwnText(OB_TEXT_SHARE_BODY)},
+                                item_.name,
+                                run_->windowDelay};
+        if (!AwaitAndPump(call_->Done(), run_->Ended(), window, kShareLimit)) return {};
+        ShareResult result = call_->Take().value_or(ShareResult{});
+        call_.reset();
+        return result;
+    }
+
+private:
+    // False without a provider.
+    bool Begin() {
+        StorageProvider* const provider = run_->ProviderOf(upload_.accountKey);
+        if (call_ || !provider) return call_.has_value();
+        call_.emplace([run = run_, provider, key = upload_.accountKey, file = upload_.file](
+                          HANDLE stop) { return provider->Share(key, file, stop); });
+        return true;
+    }
+
+    const Run& run_;
+    const RunUpload& upload_;
+    const CloudItem& item_;
+    std::optional<DetachedCall<ShareResult>> call_; // that runs
+};
 
 // Whether the result is a link that the record has room for, and the user has seen its password.
 bool TakeLink(const StorageRun& run, RunUpload& upload, CloudItem& item,
@@ -67,6 +89,7 @@ bool ShareFile(const Run& run, CloudItem& item) {
         ShowSentence(run->owner, FailureOf(item, {}));
         return false;
     }
+    Sharing sharing(run, *upload, item);
     ShareResult result;
     const ObLib::ScopeExit wiped([&result] {
         SecureZeroMemory(result.password.data(), result.password.size() * sizeof(wchar_t));
@@ -74,7 +97,7 @@ bool ShareFile(const Run& run, CloudItem& item) {
     while (!upload->isShared) {
         // What the provider has shared isn't shared again: there would be two links, and nobody
         // would have seen the password of the first one.
-        if (!result.isShared) result = AskProvider(run, *upload, item);
+        if (!result.isShared) result = sharing.Ask();
         if (TakeLink(*run, *upload, item, result)) return true;
         if (IsOver(*run) || !AskToTryAgain(run->owner, FailureOf(item, result))) return false;
     }

@@ -131,7 +131,8 @@ public:
     // name is there already.
     virtual UploadResult Upload(const std::wstring& key, const UploadFile& file,
                                 UploadProgress& progress) = 0;
-    // On a thread of its own. Makes a link that others can open.
+    // On a thread of its own. Makes a link that others can open. After a result that isn't shared
+    // it may be called again: a server that has made the share before is looked at first.
     virtual ShareResult Share(const std::wstring& key, const StoredFile& file, HANDLE ended) = 0;
     // On a thread of its own. Lets the link of a share end after so many days; false when its
     // server can't, which leaves it to the deletion.

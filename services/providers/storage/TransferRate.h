@@ -6,6 +6,9 @@
 
 namespace providers {
 
+// Milliseconds of a monotonic clock, read on the thread of the dialogs alone.
+using UploadClock = std::uint64_t (*)();
+
 // Its caller reports the progress a few times a second. Times are milliseconds of a monotonic
 // clock, which the caller reads. One thread.
 class TransferRate {

@@ -7,12 +7,10 @@
 #include <string>
 
 #include "services/providers/storage/StorageProvider.h"
+#include "services/providers/storage/TransferRate.h"
 #include "services/providers/storage/UploadTexts.h"
 
 namespace providers {
-
-// Milliseconds of a monotonic clock, read on the calling thread alone.
-using UploadClock = std::uint64_t (*)();
 
 // Runs the upload of one file on a thread of its own, and shows bar, speed, time left and a cancel
 // button meanwhile. The window comes after half a second, so that a short upload shows none, or

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "services/providers/worker/Event.h"
+
 namespace providers {
 namespace {
 
 // A window sets no event when it is destroyed, so it is asked this often.
 constexpr DWORD kOwnerInterval = 100; // milliseconds
-
-bool IsSet(HANDLE event) { return WaitForSingleObject(event, 0) == WAIT_OBJECT_0; }
 
 } // namespace
 

@@ -5,10 +5,6 @@
 namespace providers {
 namespace {
 
-// A window that posts messages to itself without end must not keep the wait from noticing its
-// events.
-constexpr int kMostMessages = 64;
-
 // The waits of this thread: one may begin in a message that another one dispatches.
 thread_local PumpingWait* innermost = nullptr;
 
@@ -28,10 +24,7 @@ PumpingWait::PumpingWait(HANDLE ended, HWND owner)
     hook_.Reset(SetWindowsHookExW(WH_CALLWNDPROC, &Watch, nullptr, GetCurrentThreadId()));
 }
 
-PumpingWait::~PumpingWait() {
-    innermost = outer_;
-    if (quits_) PostQuitMessage(quitCode_);
-}
+PumpingWait::~PumpingWait() { innermost = outer_; }
 
 // A button, the Esc key and the close box send their command; a command that is posted passes
 // Dispatch instead.
@@ -46,10 +39,8 @@ LRESULT CALLBACK PumpingWait::Watch(int code, WPARAM wParam, LPARAM lParam) noex
 }
 
 void PumpingWait::Dispatch(MSG& message) {
-    if (message.message == WM_QUIT) {
-        quits_ = true;
+    if (quit_.Takes(message)) {
         isLeft_ = true;
-        quitCode_ = static_cast<int>(message.wParam);
         return;
     }
     if (message.hwnd == Owner() && Owner() && IsCancel(message.message, message.wParam)) {
@@ -62,11 +53,11 @@ void PumpingWait::Dispatch(MSG& message) {
 
 void PumpingWait::Sleep(const HANDLE (&events)[2], DWORD limit) {
     MsgWaitForMultipleObjectsEx(2, events, limit, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-    MSG message;
-    for (int handled = 0; handled < kMostMessages && !isLeft_; ++handled) {
-        if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return;
+    if (isLeft_) return;
+    HandlePendingMessages([this](MSG& message) {
         Dispatch(message);
-    }
+        return !isLeft_;
+    });
 }
 
 } // namespace providers

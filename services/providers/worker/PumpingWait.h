@@ -5,6 +5,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/worker/CallWait.h"
+#include "services/providers/worker/ThreadMessages.h"
 
 namespace providers {
 
@@ -29,8 +30,7 @@ private:
     PumpingWait* outer_;           // of the same thread; null for the outermost
     ObLib::UniqueWindowHook hook_; // of this thread; empty without an owner to watch
     bool isLeft_ = false;
-    bool quits_ = false;
-    int quitCode_ = 0;
+    KeptQuit quit_;
 };
 
 } // namespace providers

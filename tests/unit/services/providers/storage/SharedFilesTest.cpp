@@ -258,6 +258,46 @@ TEST_F(SharedFiles, ShowAWindowWhenItTakesLongAndCanBeCancelledInIt) {
     EXPECT_TRUE(user.WasUsed());
 }
 
+// The server takes its time; the user is impatient.
+TEST_F(SharedFiles, AreSharedOnceWhenTheUserTriesAgainBeforeTheServerHasReplied) {
+    DownloadList* list = Uploaded();
+    run_->windowDelay = 0;
+    std::atomic<int> shares = 0;
+    std::atomic<bool> wasStopped = false;
+    const ObLib::UniqueKernelHandle replies(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    sevenScript_->share = [&](auto&, auto&, HANDLE stop) {
+        ++shares;
+        const HANDLE events[] = {replies.Get(), stop};
+        wasStopped = WaitForMultipleObjects(2, events, FALSE, 20000) != WAIT_OBJECT_0;
+        return ShareResult{true, L"https://example.org/first", L"id", {}, {}};
+    };
+    DialogUiDriver user(OB_UPLOAD_BAR, [&](HWND dialog) {
+        DialogUiDriver::Press(dialog, IDCANCEL);
+        SetEvent(replies.Get());
+    });
+    MessageBoxWatcher watcher;
+    watcher.AnswerWith(IDRETRY);
+    EXPECT_TRUE(Share(list));
+    EXPECT_EQ(watcher.Seen().size(), 1u);
+    EXPECT_EQ(shares, 1);
+    EXPECT_FALSE(wasStopped);
+    EXPECT_EQ(LinkOf(list), L"https://example.org/first");
+}
+
+TEST_F(SharedFiles, StopTheServersCallOnceTheUserGivesUp) {
+    DownloadList* list = Uploaded();
+    run_->windowDelay = 0;
+    const ObLib::UniqueKernelHandle stopped(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    sevenScript_->share = [&](auto&, auto&, HANDLE stop) {
+        if (WaitForSingleObject(stop, 20000) == WAIT_OBJECT_0) SetEvent(stopped.Get());
+        return ShareResult{};
+    };
+    DialogUiDriver user(OB_UPLOAD_BAR,
+                        [&](HWND dialog) { DialogUiDriver::Press(dialog, IDCANCEL); });
+    EXPECT_EQ(BoxesOfAFailure(list).size(), 1u);
+    EXPECT_EQ(WaitForSingleObject(stopped.Get(), 20000), WAIT_OBJECT_0);
+}
+
 TEST_F(SharedFiles, DisableTheUploadsWindowMeanwhile) {
     const ObLib::UniqueWindow window(CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1,
                                                      nullptr, nullptr, nullptr, nullptr));
