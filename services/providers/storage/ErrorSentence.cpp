@@ -1,6 +1,6 @@
 #include "services/providers/storage/ErrorSentence.h"
 
-#include "services/providers/ui/SizeText.h"
+#include "services/providers/storage/UploadTimes.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 
@@ -12,7 +12,7 @@ std::wstring TooLarge(const StorageProvider& provider, const std::wstring& accou
     const auto most = provider.MaxFileSize(accountKey);
     if (!most) return FormatOwnText(OB_TEXT_STORAGE_TOO_LARGE, {fileName});
     return FormatOwnText(OB_TEXT_STORAGE_LIMIT,
-                         {fileName, provider.DisplayName(), SizeText(*most, Rounding::Down)});
+                         {fileName, provider.DisplayName(), ByteText(*most)});
 }
 
 } // namespace

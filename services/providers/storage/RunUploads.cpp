@@ -11,6 +11,10 @@ std::shared_ptr<RunUpload> RunUploads::Add(std::wstring accountKey, StoredFile f
         RunUpload{std::move(accountKey), std::move(file), address, {}, false}));
 }
 
+void RunUploads::Drop(const std::shared_ptr<RunUpload>& upload) noexcept {
+    std::erase(uploads_, upload);
+}
+
 std::shared_ptr<RunUpload> RunUploads::Find(const std::wstring& accountKey,
                                             const std::wstring& link) const {
     const auto found = std::find_if(uploads_.rbegin(), uploads_.rend(), [&](const auto& upload) {

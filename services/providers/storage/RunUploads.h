@@ -26,6 +26,9 @@ public:
     // about the server and nobody can open it.
     std::shared_ptr<RunUpload> Add(std::wstring accountKey, StoredFile file);
 
+    // Takes back what Add gave last for a file that wasn't stored after all.
+    void Drop(const std::shared_ptr<RunUpload>& upload) noexcept;
+
     // The file of a record with this link; the newest one of several. Null when it isn't of this
     // run.
     std::shared_ptr<RunUpload> Find(const std::wstring& accountKey, const std::wstring& link) const;

@@ -25,6 +25,10 @@ bool IsOver(const StorageRun& run) {
     return IsSet(run.Ended()) || (run.owner && !IsWindow(run.owner));
 }
 
+void Wipe(std::wstring& password) noexcept {
+    SecureZeroMemory(password.data(), password.size() * sizeof(wchar_t));
+}
+
 // The call that shares one file. It goes on while the user decides whether to try again: its server
 // may have made the link, which nobody would know of, and a second call would make another one.
 class Sharing {
@@ -51,8 +55,12 @@ private:
     bool Begin() {
         StorageProvider* const provider = run_->ProviderOf(upload_.accountKey);
         if (call_ || !provider) return call_.has_value();
-        call_.emplace([run = run_, provider, key = upload_.accountKey, file = upload_.file](
-                          HANDLE stop) { return provider->Share(key, file, stop); });
+        call_.emplace(
+            [run = run_, provider, key = upload_.accountKey, file = upload_.file](HANDLE stop) {
+                ShareResult result = provider->Share(key, file, stop);
+                if (IsSet(stop)) Wipe(result.password); // nobody takes it
+                return result;
+            });
         return true;
     }
 
@@ -91,9 +99,7 @@ bool ShareFile(const Run& run, CloudItem& item) {
     }
     Sharing sharing(run, *upload, item);
     ShareResult result;
-    const ObLib::ScopeExit wiped([&result] {
-        SecureZeroMemory(result.password.data(), result.password.size() * sizeof(wchar_t));
-    });
+    const ObLib::ScopeExit wiped([&result] { Wipe(result.password); });
     while (!upload->isShared) {
         // What the provider has shared isn't shared again: there would be two links, and nobody
         // would have seen the password of the first one.

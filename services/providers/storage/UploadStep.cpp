@@ -1,5 +1,7 @@
 #include "services/providers/storage/UploadStep.h"
 
+#include <iterator>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -24,19 +26,39 @@ UploadResult Upload(const StorageRun& run, const std::wstring& accountKey, const
         [] { return UploadResult{}; });
 }
 
-// The record of a file that was stored, which the run keeps in mind.
-std::optional<obcontract::CloudItem> Note(StorageRun& run, const std::wstring& accountKey,
-                                          const std::wstring& name, StoredFile stored) {
-    const StorageProvider* const provider = run.ProviderOf(accountKey);
-    const std::uint32_t id = provider ? provider->Id() : obcontract::kNoProvider;
-    const auto account = run.Book().Account(id, accountKey);
-    const std::wstring shown = stored.name.empty() ? name : stored.name;
-    const auto upload = run.uploads.Add(accountKey, std::move(stored));
-    const auto profile = ProfileOf(id, account.value_or(StorageAccount{accountKey, {}}));
-    const auto item = ItemOf(profile, shown, upload->link);
-    // The list took a name that fits, so that a file that was stored always has a record.
-    return item ? item : ItemOf(profile, name, upload->link);
-}
+// The record of a file, made before its upload: once the file is stored, nothing may fail any more,
+// or it would be in the cloud and count as failed. What isn't stored is taken back.
+class PreparedRecord {
+public:
+    PreparedRecord(StorageRun& run, const std::wstring& accountKey, const std::wstring& name)
+        : run_(run), upload_(run.uploads.Add(accountKey, {})) {
+        const StorageProvider* const provider = run.ProviderOf(accountKey);
+        const std::uint32_t id = provider ? provider->Id() : obcontract::kNoProvider;
+        const auto account = run.Book().Account(id, accountKey);
+        const auto profile = ProfileOf(id, account.value_or(StorageAccount{accountKey, {}}));
+        item_ = ItemOf(profile, name, upload_->link); // the list took a name that fits
+    }
+    ~PreparedRecord() {
+        if (!isStored_) run_.uploads.Drop(upload_);
+    }
+    PreparedRecord(const PreparedRecord&) = delete;
+    PreparedRecord& operator=(const PreparedRecord&) = delete;
+
+    // The record of the file as it was stored, which the run keeps in mind.
+    const std::optional<obcontract::CloudItem>& Keep(StoredFile stored) noexcept {
+        isStored_ = true;
+        const bool hasName = !stored.name.empty() && stored.name.size() < std::size(item_->name);
+        if (item_ && hasName) CopyWhole(stored.name, item_->name, std::size(item_->name));
+        upload_->file = std::move(stored);
+        return item_;
+    }
+
+private:
+    StorageRun& run_;
+    std::shared_ptr<RunUpload> upload_;
+    std::optional<obcontract::CloudItem> item_;
+    bool isStored_ = false;
+};
 
 std::wstring SentenceOf(const UploadResult& result, const std::wstring& name) {
     if (result.end == UploadEnd::Cancelled) return OwnText(OB_TEXT_STORAGE_CANCELLED);
@@ -63,13 +85,14 @@ bool UploadFiles(StorageRun& run, OwnUploadList& list, ObPVX::ObPvxCallback* cal
     for (std::size_t index = 0; index < list.entries.size(); ++index) {
         if (list.entries[index].stored) continue;
         const UploadFile file = list.entries[index].file;
+        PreparedRecord record(run, accountKey, file.name);
         UploadResult result = Upload(run, accountKey, file, texts, owner);
         Report(callback, result.end);
         if (result.end != UploadEnd::Done) {
             run.errors.SetSentence(accountKey, SentenceOf(result, file.name));
             return false;
         }
-        list.entries.at(index).stored = Note(run, accountKey, file.name, std::move(result.stored));
+        list.entries.at(index).stored = record.Keep(std::move(result.stored));
     }
     if (list.entries.empty()) return false;
     run.errors.Clear(accountKey);

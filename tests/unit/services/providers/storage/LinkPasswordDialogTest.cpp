@@ -6,13 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <iterator>
 #include <string>
 
 #include "ObLib/Src/Win32/SecretClipboard.h"
 #include "services/providers/storage/LinkPasswordDialogIds.h"
-#include "tests/support/ReadableMemory.h"
 #include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
+#include "tests/unit/services/providers/ui/MaskedLetters.h"
 
 namespace {
 
@@ -132,6 +133,21 @@ TEST_F(LinkPassword, IsOverwrittenInItsField) {
         EXPECT_TRUE(obtest::WaitUntil([] { return !after.empty(); }));
         EXPECT_EQ(after, L"[]");
     }));
+}
+
+TEST_F(LinkPassword, LeavesNoCopyInMemory) {
+    for (const int button : {IDOK, IDCANCEL}) {
+        std::wstring password(std::size(obtest::kMasked), L' ');
+        for (std::size_t at = 0; at < password.size(); ++at) password[at] = obtest::Letter(at);
+        DialogUiDriver user(OB_LINK_PASSWORD_TEXT, [&](HWND dialog) {
+            EXPECT_GE(obtest::TimesInMemory(2), 2) << "the caller's and the field's";
+            PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
+        });
+        EXPECT_TRUE(providers::ShowLinkPassword(nullptr, L"a.zip", password));
+        EXPECT_EQ(obtest::TimesInMemory(2), 1) << "the caller's";
+        EXPECT_EQ(obtest::TimesInMemory(1), 0);
+        SecureZeroMemory(password.data(), password.size() * sizeof(wchar_t));
+    }
 }
 
 } // namespace

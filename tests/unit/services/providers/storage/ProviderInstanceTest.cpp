@@ -192,7 +192,7 @@ TEST_F(ProviderInstanceTest, GivesTheErrorOfAnAccountToEachInstance) {
     On::SetLastProviderError::Call(Eight(), ProviderErrorTooLarge);
     // Seven is the one that is asked.
     EXPECT_EQ(Error(key, L"b.zip"), L"“b.zip” is too large for this account: Eight takes files of "
-                                    L"up to 2000 MB. Please choose another account.");
+                                    L"up to 1.86 GB. Please choose another account.");
 }
 
 TEST_F(ProviderInstanceTest, ForgetsTheErrorWhenItIsSetToNone) {

@@ -12,6 +12,7 @@
 #include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/storage/InstanceFixture.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
+#include "tests/unit/services/providers/ui/MaskedLetters.h"
 
 namespace {
 
@@ -338,6 +339,24 @@ TEST_F(SharedFiles, ShowTheirPasswordOnce) {
     }
     EXPECT_EQ(LinkOf(list), L"https://example.org/1");
     EXPECT_TRUE(Share(list)) << "no second dialog, which nobody would close";
+}
+
+TEST_F(SharedFiles, LeaveNoCopyOfTheirPasswordInMemory) {
+    sevenScript_->share = [](auto&, auto&, HANDLE) {
+        ShareResult result{true, L"https://example.org/1", L"id", {}, {}};
+        result.password.assign(std::size(obtest::kMasked), L' ');
+        for (std::size_t at = 0; at < result.password.size(); ++at) {
+            result.password[at] = obtest::Letter(at);
+        }
+        return result;
+    };
+    DownloadList* list = Uploaded();
+    DialogUiDriver user(OB_LINK_PASSWORD_TEXT, [](HWND dialog) {
+        EXPECT_GE(obtest::TimesInMemory(2), 2) << "the share's and the field's";
+        DialogUiDriver::Press(dialog, IDOK);
+    });
+    EXPECT_TRUE(Share(list));
+    EXPECT_EQ(obtest::TimesInMemory(2), 0);
 }
 
 int failuresLeft;

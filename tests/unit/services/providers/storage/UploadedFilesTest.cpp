@@ -1,8 +1,10 @@
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "OBCore/cloud/CloudUploadCallBack.h"
+#include "tests/support/Allocations.h"
 #include "tests/unit/services/providers/storage/InstanceFixture.h"
 
 namespace {
@@ -273,6 +275,31 @@ TEST_F(UploadedFiles, KeepTheInstanceWhileItRuns) {
         return Store(file);
     };
     EXPECT_TRUE(On::RunUpload::Call(instance, list, nullptr, L"", L"", 1, 0, 1, 1, 1, nullptr));
+}
+
+// From the end of the upload on, nothing is allocated for a file that is stored.
+TEST_F(UploadedFiles, AreStoredAlsoWhenTheMemoryRunsOutAtTheEnd) {
+    UploadList* list = ListOf(key_);
+    std::optional<obtest::FailingAllocations> shortage;
+    upload_ = [&](auto&, auto&, const UploadFile& file, auto&, HWND) {
+        UploadResult result = Store(file);
+        shortage.emplace(obtest::AllocationPlan{});
+        return result;
+    };
+    const bool isDone = Run(list) != 0;
+    shortage.reset();
+    EXPECT_TRUE(isDone);
+    CloudItem item{};
+    ASSERT_TRUE(OnUploads::GetItem::Call(list, 0, &item));
+    EXPECT_STREQ(item.name, L"a.zip");
+    EXPECT_TRUE(run_->uploads.Find(key_, item.link));
+    EXPECT_EQ(Error(key_), L"");
+}
+
+TEST_F(UploadedFiles, ArentKeptInMindUnlessTheyAreStored) {
+    EndWith(UploadEnd::Cancelled);
+    EXPECT_FALSE(Run(ListOf(key_)));
+    EXPECT_FALSE(run_->uploads.Find(key_, L"unshared:1"));
 }
 
 } // namespace

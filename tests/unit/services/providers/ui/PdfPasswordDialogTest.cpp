@@ -13,11 +13,14 @@
 
 #include "contracts/TransformWork.h"
 #include "services/providers/ui/PdfPasswordDialogIds.h"
-#include "tests/support/ReadableMemory.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
+#include "tests/unit/services/providers/ui/MaskedLetters.h"
 
 using namespace providers;
 using obtest::DialogUiDriver;
+using obtest::kMasked;
+using obtest::Letter;
+using obtest::TimesInMemory;
 
 namespace {
 
@@ -107,37 +110,6 @@ TEST_F(PdfPasswordDialog, ShowsThePasswordWhileTheBoxIsTicked) {
                   DialogUiDriver::Press(dialog, IDCANCEL);
               }),
               PasswordAnswer::Cancelled);
-}
-
-// The letters under a mask, so that the test itself never has them in one piece.
-constexpr wchar_t kMask = 0x55;
-constexpr wchar_t kMasked[] = {L'Q' ^ kMask, L'x' ^ kMask, L'7' ^ kMask, L'v' ^ kMask,
-                               L'k' ^ kMask, L'9' ^ kMask, L'V' ^ kMask, L'u' ^ kMask,
-                               L'3' ^ kMask, L'n' ^ kMask, L'w' ^ kMask, L'h' ^ kMask};
-
-// Volatile, or the compiler may store the plain letters in one piece.
-wchar_t Letter(std::size_t index) {
-    const volatile wchar_t mask = kMask;
-    return static_cast<wchar_t>(kMasked[index] ^ mask);
-}
-
-bool IsAt(const std::uint8_t* at, std::size_t width) {
-    for (std::size_t index = 0; index < std::size(kMasked); ++index) {
-        if (at[index * width] != static_cast<std::uint8_t>(Letter(index))) return false;
-        if (width == 2 && at[index * width + 1] != 0) return false;
-    }
-    return true;
-}
-
-// How often the readable memory of this process contains the letters, `width` bytes each.
-int TimesInMemory(std::size_t width) {
-    int times = 0;
-    obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
-        const auto* at = static_cast<const std::uint8_t*>(region.BaseAddress);
-        const auto* const end = at + region.RegionSize;
-        for (; at + std::size(kMasked) * width <= end; ++at) times += IsAt(at, width);
-    });
-    return times;
 }
 
 TEST_F(PdfPasswordDialog, KeepsNoCopyOfThePassword) {
