@@ -27,7 +27,7 @@ struct CopyEnd {
 };
 
 // From so many bytes on that may be lost in a break, the folder is made to store them.
-inline constexpr std::uint64_t kStoredAtOnce = 32u << 20;
+inline constexpr std::uint64_t kStoredAtOnce = 16u << 20;
 
 // Copies a file once. When the folder can't be reached any more, it waits for it and goes on with
 // what the folder has stored for certain: what was only sent may be lost, with its length there. On

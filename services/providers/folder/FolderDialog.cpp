@@ -150,9 +150,9 @@ void OnChecked(HWND dialog, OpenPage& open, DWORD error) {
 }
 
 void Browse(HWND dialog) {
-    const std::wstring folder =
-        AskForFolder(dialog, FullFolderPath(FieldText(dialog, OB_FOLDER_PATH)));
-    if (!folder.empty()) SetDlgItemTextW(dialog, OB_FOLDER_PATH, folder.c_str());
+    const auto folder = AskForFolder(dialog, FullFolderPath(FieldText(dialog, OB_FOLDER_PATH)));
+    if (!folder) return Refuse(dialog, OB_FOLDER_PATH, OwnText(OB_TEXT_FOLDER_BROWSE_FAILED));
+    if (!folder->empty()) SetDlgItemTextW(dialog, OB_FOLDER_PATH, folder->c_str());
 }
 
 INT_PTR OnCommand(HWND dialog, OpenPage& open, int control, int event) {

@@ -9,6 +9,7 @@
 #include "services/providers/files/FileIdentity.h"
 #include "services/providers/folder/FolderLink.h"
 #include "services/providers/folder/FolderPath.h"
+#include "services/providers/folder/ReachableFolders.h"
 #include "services/providers/folder/ShellItems.h"
 #include "services/providers/folder/ShellThread.h"
 #include "services/providers/storage/PickLimits.h"
@@ -147,7 +148,21 @@ private:
     std::vector<PickedFile> files_;
 };
 
-void Prepare(IFileOpenDialog& dialog, std::span<const PickableFolder> folders, IShellItem& first) {
+// The folders that respond, as the shell knows them; empty for those that don't. Nothing else is
+// asked for: a dead one would hold the dialog back.
+std::vector<ComPtr<IShellItem>> ReachableItems(std::span<const PickableFolder> folders) {
+    std::vector<std::wstring> paths;
+    for (const PickableFolder& folder : folders) paths.push_back(folder.settings.folder);
+    const std::vector<bool> areThere = ReachableFolders(paths);
+    std::vector<ComPtr<IShellItem>> items(folders.size());
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        if (areThere[index]) items[index] = ShellItemAt(paths[index]);
+    }
+    return items;
+}
+
+void Prepare(IFileOpenDialog& dialog, std::span<const ComPtr<IShellItem>> items,
+             IShellItem& first) {
     FILEOPENDIALOGOPTIONS options = 0;
     dialog.GetOptions(&options);
     dialog.SetOptions(options | FOS_ALLOWMULTISELECT | FOS_FILEMUSTEXIST | FOS_FORCEFILESYSTEM |
@@ -156,32 +171,31 @@ void Prepare(IFileOpenDialog& dialog, std::span<const PickableFolder> folders, I
     dialog.SetOkButtonLabel(OwnText(OB_TEXT_FOLDER_PICK_OK).c_str());
     dialog.SetFolder(&first);
     // The other accounts, at the side where there is one.
-    for (const PickableFolder& folder : folders) {
-        const auto item = ShellItemAt(folder.settings.folder);
-        if (item && folders.size() > 1) dialog.AddPlace(item.Get(), FDAP_TOP);
+    for (const ComPtr<IShellItem>& item : items) {
+        if (item && items.size() > 1) dialog.AddPlace(item.Get(), FDAP_TOP);
     }
 }
 
 PickResult Failed() { return {{}, OwnText(OB_TEXT_PICK_FAILED)}; }
 
-// The folder to begin in: the first one, or another one that can be reached.
-ComPtr<IShellItem> BeginIn(std::span<const PickableFolder> folders, std::size_t first) {
-    auto item = ShellItemAt(folders[first].settings.folder);
-    for (std::size_t index = 0; !item && index < folders.size(); ++index) {
-        if (index != first) item = ShellItemAt(folders[index].settings.folder);
-    }
-    return item;
+// The folder to begin in: the first one, or another one that can be reached; null for none.
+IShellItem* BeginIn(std::span<const ComPtr<IShellItem>> items, std::size_t first) {
+    if (items[first]) return items[first].Get();
+    const auto other =
+        std::ranges::find_if(items, [](const ComPtr<IShellItem>& item) { return bool{item}; });
+    return other != items.end() ? other->Get() : nullptr;
 }
 
 PickResult Pick(HWND owner, std::span<const PickableFolder> folders, std::size_t first,
                 const std::wstring& displayName) {
     const auto dialog = MakeOpenDialog();
     if (!dialog) return Failed();
-    const auto folder = BeginIn(folders, first);
+    const auto items = ReachableItems(folders);
+    IShellItem* const folder = BeginIn(items, first);
     if (!folder) {
         return {{}, FormatOwnText(OB_TEXT_FOLDER_NOT_THERE, {folders[first].settings.folder})};
     }
-    Prepare(*dialog.Get(), folders, *folder.Get());
+    Prepare(*dialog.Get(), items, *folder);
     PickEvents events(folders, displayName);
     DWORD cookie = 0;
     if (FAILED(dialog->Advise(&events, &cookie))) return Failed();

@@ -66,6 +66,7 @@
 #define OB_TEXT_FOLDER_NEEDS_PATTERN 372
 #define OB_TEXT_FOLDER_NOT_SAVED 373
 #define OB_TEXT_FOLDER_CHECKING 374
+#define OB_TEXT_FOLDER_BROWSE_FAILED 320
 
 // Picking from a network folder. %1 is a file's name.
 #define OB_TEXT_FOLDER_PICK_TITLE 375

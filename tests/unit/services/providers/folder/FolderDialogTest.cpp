@@ -255,6 +255,25 @@ TEST_F(FolderDialog, KeepsTheFolderWhenBrowsingIsCancelled) {
               FolderPageEnd::Cancelled);
 }
 
+HRESULT WINAPI NoObject(REFCLSID, IUnknown*, DWORD, REFIID, void**) { return E_FAIL; }
+
+TEST_F(FolderDialog, ExplainsABrowserThatCannotBeShown) {
+    obtest::ImportPatch patch("ole32.dll", "CoCreateInstance", &NoObject);
+    ASSERT_TRUE(patch.Ok());
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_EQ(Show([&](HWND dialog) {
+                  obtest::PressCommand(dialog, OB_FOLDER_BROWSE);
+                  EXPECT_TRUE(boxes.WaitFor(1));
+                  EXPECT_TRUE(WaitUntil([&] { return IsWindowEnabled(dialog) != FALSE; }));
+                  EXPECT_EQ(ItemText(dialog, OB_FOLDER_PATH), L"C:\\Cloud");
+                  obtest::PressCommand(dialog, IDCANCEL);
+              }),
+              FolderPageEnd::Cancelled);
+    ASSERT_EQ(boxes.Seen().size(), 1U);
+    EXPECT_EQ(boxes.Seen()[0].text, L"The list of folders can't be shown. Please enter the full "
+                                    L"path of the folder.");
+}
+
 TEST_F(FolderDialog, TakesNoClickBeforeTheBrowserIsOpen) {
     EXPECT_EQ(Show([&](HWND dialog) {
                   PostMessageW(dialog, WM_COMMAND, OB_FOLDER_BROWSE, 0);

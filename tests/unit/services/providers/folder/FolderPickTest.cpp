@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <shobjidl.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -15,6 +17,7 @@
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/TestFolder.h"
+#include "tests/support/WindowKit.h"
 
 using namespace providers;
 using obtest::OpenPicker;
@@ -41,6 +44,21 @@ HANDLE WINAPI CountOpens(const wchar_t* path, DWORD access, DWORD share,
                          SECURITY_ATTRIBUTES* security, DWORD how, DWORD flags, HANDLE like) {
     if (std::wstring(path).ends_with(L"\\inner")) ++opensOfInner;
     return realOpen(path, access, share, security, how, flags, like);
+}
+std::wstring dead; // a folder that doesn't respond
+HANDLE deadUntil;
+std::atomic<int> deadCalls; // that came back
+decltype(&GetFileAttributesW) realAttributes;
+DWORD WINAPI AttributesOfDead(const wchar_t* path) {
+    if (!std::wstring(path).ends_with(dead)) return realAttributes(path);
+    WaitForSingleObject(deadUntil, 60'000);
+    ++deadCalls;
+    return INVALID_FILE_ATTRIBUTES;
+}
+decltype(&SHCreateItemFromParsingName) realItem;
+HRESULT WINAPI ItemOfDead(PCWSTR path, IBindCtx* context, REFIID iid, void** item) {
+    EXPECT_NE(path, dead);
+    return realItem(path, context, iid, item);
 }
 HRESULT WINAPI NoObject(REFCLSID, IUnknown*, DWORD, REFIID, void**) { return E_FAIL; }
 HANDLE WINAPI NoThread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, void*, DWORD, DWORD*) {
@@ -198,6 +216,31 @@ TEST_F(FolderPick, BeginsInAFolderThatCanBeReached) {
     EXPECT_EQ(picked.sentence, L"");
     ASSERT_EQ(picked.files.size(), 1U);
     EXPECT_EQ(picked.files[0].link, L"https://inner/d.zip");
+}
+
+// A share that doesn't respond blocks each call for a minute.
+TEST_F(FolderPick, ADeadAccountHoldsTheDialogBackForAMomentOnly) {
+    const ObLib::UniqueKernelHandle over(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    dead = inner_;
+    deadUntil = over.Get();
+    deadCalls = 0;
+    obtest::ImportPatch attributes("kernel32.dll", "GetFileAttributesW", &AttributesOfDead);
+    obtest::ImportPatch items("shell32.dll", "SHCreateItemFromParsingName", &ItemOfDead);
+    ASSERT_TRUE(attributes.Ok() && items.Ok());
+    realAttributes = attributes.Real();
+    realItem = items.Real();
+    for (const std::size_t first : {0, 1}) {
+        PickerUiDriver user([](OpenPicker& picker) {
+            EXPECT_TRUE(picker.TypeNames(L"a.zip"));
+            picker.PressOk();
+        });
+        const PickResult picked = PickFromFolders(nullptr, folders_, first, kName);
+        ASSERT_EQ(picked.files.size(), 1U) << first;
+        EXPECT_EQ(picked.files[0].link, L"https://h/a.zip");
+    }
+    EXPECT_EQ(deadCalls, 0);
+    SetEvent(over.Get());
+    EXPECT_TRUE(obtest::WaitUntil([] { return deadCalls == 2; }));
 }
 
 TEST_F(FolderPick, ReportsADialogThatCannotBeShown) {
