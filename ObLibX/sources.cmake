@@ -44,6 +44,7 @@ set(OBX_XML_WINDOWS_SOURCES
 
 # What a dialog is described with, and its arithmetic: no window, no registry.
 set(OBX_DIALOG_DATA_SOURCES "")
-foreach(name ObXMLNode ObXML FontSubstitution DialogDescription DialogTemplate)
+foreach(name DialogDescription DialogTemplate FontSubstitution ImageSet ObXML ObXMLNode Pixels ScrollAreas
+        WindowPlacement)
     list(APPEND OBX_DIALOG_DATA_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/dialog/${name}.cpp")
 endforeach()

@@ -1,0 +1,152 @@
+#include "ObLibX/src/dialog/Images.h"
+
+#include <objidl.h>
+#include <shlwapi.h>
+
+#include <algorithm>
+#include <span>
+
+// The headers of GDI+ use these two without their namespace.
+using std::max;
+using std::min;
+#include <gdiplus.h>
+
+#include "ObLib/Src/ObFatal.h"
+#include "ObLib/Src/Win32/ComResources.h"
+#include "ObLib/Src/Win32/ObXAppGlobals.h"
+#include "ObLibX/src/dialog/GraphicsToken.h"
+#include "ObLibX/src/dialog/Pixels.h"
+#include "ObLibX/src/utilities/ObUtil.h"
+
+namespace ObLibX {
+namespace {
+
+using ObLib::UniqueBitmap;
+
+constexpr wchar_t kModule[] = L"ObLibX\\src\\Images.cpp";
+
+constexpr int kAlphaBits = 32;
+constexpr COLORREF kDisabledColor = 0x808080;
+constexpr COLORREF kColorBits = 0xFFFFFF;
+
+using StreamPtr = ObLib::ComPtr<IStream>;
+
+// Empty when the module has no such resource.
+StreamPtr ResourceStream(HMODULE module, std::int32_t id, const wchar_t* type) {
+    const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(id), type);
+    const HGLOBAL loaded = found != nullptr ? LoadResource(module, found) : nullptr;
+    const void* const bytes = loaded != nullptr ? LockResource(loaded) : nullptr;
+    if (bytes == nullptr) return {};
+    return StreamPtr(
+        SHCreateMemStream(static_cast<const BYTE*>(bytes), SizeofResource(module, found)));
+}
+
+// Over an opaque black ground, as the handle of a bitmap has no room for transparency of its own.
+UniqueBitmap Decoded(IStream* stream) {
+    const GraphicsToken token;
+    if (!token) return {};
+    Gdiplus::Bitmap image(stream);
+    HBITMAP bitmap = nullptr;
+    const bool isDecoded = image.GetLastStatus() == Gdiplus::Ok &&
+                           image.GetHBITMAP(Gdiplus::Color(0xFF000000), &bitmap) == Gdiplus::Ok;
+    return UniqueBitmap(isDecoded ? bitmap : nullptr);
+}
+
+UniqueBitmap LoadCompressed(std::int32_t id, HMODULE module) {
+    for (const wchar_t* const type : {static_cast<const wchar_t*>(RT_RCDATA), L"IMAGE", L"PNG"}) {
+        const StreamPtr stream = ResourceStream(module, id, type);
+        if (stream) return Decoded(stream.Get());
+    }
+    return {};
+}
+
+BITMAP Described(HBITMAP bitmap) {
+    BITMAP described{};
+    if (GetObjectW(bitmap, sizeof described, &described) != sizeof described) described = {};
+    return described;
+}
+
+// A picture of 32 bits whose pixels are memory of this process.
+struct PixelCopy {
+    UniqueBitmap bitmap;
+    std::span<Pixel> pixels;
+};
+
+// Empty when there is no memory for it.
+PixelCopy CopyOf(HBITMAP bitmap, const BITMAP& described) {
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = described.bmWidth;
+    info.bmiHeader.biHeight = -described.bmHeight;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = kAlphaBits;
+    void* bits = nullptr;
+    const ObLib::UniqueMemoryDc dc(CreateCompatibleDC(nullptr));
+    UniqueBitmap copy(CreateDIBSection(dc.Get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    const auto rows = static_cast<UINT>(described.bmHeight);
+    if (!copy || GetDIBits(dc.Get(), bitmap, 0, rows, bits, &info, DIB_RGB_COLORS) == 0) return {};
+    const std::size_t count = static_cast<std::size_t>(described.bmWidth) * rows;
+    return {std::move(copy), {static_cast<Pixel*>(bits), count}};
+}
+
+// A bitmap in a memory device context, for as long as it is drawn.
+class SelectedBitmap {
+public:
+    explicit SelectedBitmap(HBITMAP bitmap)
+        : dc_(CreateCompatibleDC(nullptr)), old_(SelectObject(dc_.Get(), bitmap)) {}
+    SelectedBitmap(const SelectedBitmap&) = delete;
+    SelectedBitmap& operator=(const SelectedBitmap&) = delete;
+    ~SelectedBitmap() { SelectObject(dc_.Get(), old_); }
+    HDC Dc() const { return dc_.Get(); }
+
+private:
+    ObLib::UniqueMemoryDc dc_;
+    HGDIOBJ old_;
+};
+
+void DrawWithAlpha(HDC dc, HBITMAP bitmap, const BITMAP& described, int x, int y) {
+    const PixelCopy copy = CopyOf(bitmap, described);
+    if (!copy.bitmap) return;
+    Premultiply(copy.pixels);
+    const SelectedBitmap source(copy.bitmap.Get());
+    const BLENDFUNCTION blend{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
+    AlphaBlend(dc, x, y, described.bmWidth, described.bmHeight, source.Dc(), 0, 0,
+               described.bmWidth, described.bmHeight, blend);
+}
+
+} // namespace
+
+UniqueBitmap LoadImage(std::int32_t id, HMODULE module) {
+    const HMODULE from = module != nullptr ? module : ObLib::AppGlobals().programModule;
+    UniqueBitmap bitmap(static_cast<HBITMAP>(
+        LoadImageW(from, MAKEINTRESOURCEW(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
+    return bitmap ? std::move(bitmap) : LoadCompressed(id, from);
+}
+
+SIZE ImageSize(HBITMAP bitmap) {
+    const BITMAP described = Described(bitmap);
+    return {described.bmWidth, described.bmHeight};
+}
+
+UniqueBitmap RecolorForHighContrast(HBITMAP bitmap, bool isEnabled) {
+    const BITMAP described = Described(bitmap);
+    if (described.bmBitsPixel != kAlphaBits || !IsHighContrast()) return {};
+    PixelCopy copy = CopyOf(bitmap, described);
+    const COLORREF inverse = ~GetSysColor(COLOR_WINDOW) & kColorBits;
+    Recolor(copy.pixels, isEnabled ? inverse : kDisabledColor);
+    return std::move(copy.bitmap);
+}
+
+void DrawImageAt(HDC dc, HBITMAP bitmap, int x, int y) {
+    const BITMAP described = Described(bitmap);
+    ObAssert(described.bmBitsPixel <= kAlphaBits);
+    if (described.bmWidth == 0) return;
+    if (described.bmBitsPixel == kAlphaBits) {
+        DrawWithAlpha(dc, bitmap, described, x, y);
+        return;
+    }
+    const SelectedBitmap source(bitmap);
+    BitBlt(dc, x, y, described.bmWidth, described.bmHeight, source.Dc(), 0, 0, SRCCOPY);
+}
+
+} // namespace ObLibX

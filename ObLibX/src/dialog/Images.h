@@ -1,0 +1,32 @@
+// Pictures from resources, and how they are drawn. On the thread of the dialogs.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+
+// A macro of the system's headers renames LoadImage. Without it the function has one name,
+// whichever header is included first.
+#undef LoadImage
+
+namespace ObLibX {
+
+// A picture of 8 to 32 bits a pixel: the bitmap `id`, or else a compressed image of this id
+// (RCDATA, IMAGE or PNG) over a black ground. `module` null: the program's. Empty when there is
+// none.
+ObLib::UniqueBitmap LoadImage(std::int32_t id, HMODULE module = nullptr);
+
+// Width and height in pixels; nothing but zeros for what is no bitmap.
+SIZE ImageSize(HBITMAP bitmap);
+
+// A copy of a picture of 32 bits in the colour that high contrast asks for; empty when it isn't
+// needed: without high contrast, and for pictures of fewer bits.
+ObLib::UniqueBitmap RecolorForHighContrast(HBITMAP bitmap, bool isEnabled);
+
+// Draws a picture; one of 32 bits with its alpha, which isn't premultiplied. Changes a copy of the
+// pixels, not the picture. More than 32 bits end the process.
+void DrawImageAt(HDC dc, HBITMAP bitmap, int x, int y);
+
+} // namespace ObLibX

@@ -1,0 +1,140 @@
+#include "ObLibX/src/dialog/ObCustCtrl.h"
+
+#include <commctrl.h>
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLibX/src/dialog/DlgFont.h"
+#include "ObLibX/src/dialog/Images.h"
+#include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/utilities/ObUtil.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr std::int32_t kFallbackFontSize = 9;
+constexpr int kFocusInset = 2; // at 96 dpi
+
+PixelRect WindowRectAtOrigin(HWND window) {
+    RECT rect{};
+    GetWindowRect(window, &rect);
+    return {0, 0, rect.right - rect.left, rect.bottom - rect.top};
+}
+
+PixelRect Grown(const PixelRect& rect, int by) {
+    return {rect.left - by, rect.top - by, rect.right + by, rect.bottom + by};
+}
+
+PixelRect Clipped(const PixelRect& rect, const PixelRect& to) {
+    return {std::max(rect.left, to.left), std::max(rect.top, to.top),
+            std::min(rect.right, to.right), std::min(rect.bottom, to.bottom)};
+}
+
+} // namespace
+
+ObCustomControl::ObCustomControl(std::int32_t controlId, const std::int32_t* imageList,
+                                 const ObLib::ObString& name, std::int32_t size)
+    : id(controlId), images(imageList), hoverColor(GetPaletteColor(kPaletteHover)), fontName(name),
+      fontSize(size) {}
+
+ObCustomControl::~ObCustomControl() = default;
+
+void ObCustomControl::Attach(HWND attached) {
+    window = attached;
+    if (!fontName.HasText()) {
+        std::int32_t baseSize = 0;
+        fontName = GetBaseFont(baseSize);
+        if (fontSize == 0) fontSize = baseSize;
+    }
+    if (fontSize == 0) fontSize = kFallbackFontSize;
+    endEllipsis = false;
+    SetWindowSubclass(window, &ObCustomControl::Procedure, reinterpret_cast<UINT_PTR>(this),
+                      reinterpret_cast<DWORD_PTR>(this));
+}
+
+LRESULT CALLBACK ObCustomControl::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                            UINT_PTR id, DWORD_PTR object) {
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, &ObCustomControl::Procedure, id);
+    } else if (message == WM_KEYUP) {
+        auto* const control = reinterpret_cast<ObCustomControl*>(object);
+        static_cast<void>(ObLib::RanGuarded([&] { control->OnKeyUp(wParam); }));
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+void ObCustomControl::OnKeyUp(WPARAM key) {
+    if (ownerPage == nullptr || GetKeyState(VK_CONTROL) >= 0) return;
+    if (key == VK_NEXT) ownerPage->SelectNextPage();
+    if (key == VK_PRIOR) ownerPage->SelectPreviousPage();
+}
+
+HBRUSH ObCustomControl::OnCtlColor(HDC dc, HWND control) {
+    const bool isTransparent =
+        (GetWindowLongPtrW(control, GWL_EXSTYLE) & WS_EX_TRANSPARENT) != 0 && !IsHighContrast();
+    if (!isTransparent) return nullptr;
+    SetBkMode(dc, TRANSPARENT);
+    return static_cast<HBRUSH>(GetStockObject(NULL_BRUSH));
+}
+
+void ObCustomControl::Refresh() { InvalidateRect(window, nullptr, FALSE); }
+
+COLORREF ObCustomControl::GetTextColor() {
+    return IsHighContrast() ? GetSysColor(COLOR_WINDOWTEXT) : textColor;
+}
+
+COLORREF ObCustomControl::GetFillColor() {
+    if (IsHighContrast()) return GetSysColor(COLOR_WINDOW);
+    if (isPressed && GetPressedColor() != kNoColor) return GetPressedColor();
+    if (animatedColor != kNoColor) return animatedColor;
+    return fillColor != kNoColor ? fillColor : GetParentBackground(window);
+}
+
+void ObCustomControl::DrawImage(HDC dc, HBITMAP bitmap, int x, int y) {
+    ObLib::UniqueBitmap recolored;
+    if (!noHighContrastRecolor) {
+        recolored = RecolorForHighContrast(bitmap, IsWindowEnabled(window) != FALSE);
+    }
+    DrawImageAt(dc, recolored ? recolored.Get() : bitmap, x, y);
+}
+
+void ObCustomControl::DrawFocus(HDC dc) {
+    if (GetFocus() != window || focusRectangle.IsEmpty()) return;
+    const RECT rect{focusRectangle.left, focusRectangle.top, focusRectangle.right,
+                    focusRectangle.bottom};
+    DrawFocusRect(dc, &rect);
+}
+
+void ObCustomControl::ComputeFocusRectangle() {
+    const int inset = Scale(kFocusInset);
+    focusRectangle = clipFocusToText ? Clipped(Grown(textRectangle, inset), layoutRectangle)
+                                     : Grown(WindowRectAtOrigin(window), -inset);
+}
+
+HFONT ObCustomControl::GetControlFont() const {
+    return GetFont(fontSize, fontName, fontWeight, fontStyle);
+}
+
+void ObCustomControl::SetControlFont(const ObLib::ObString& name, std::int32_t size,
+                                     std::int32_t weight, std::int32_t style) {
+    fontName = name;
+    fontSize = size;
+    fontWeight = weight;
+    fontStyle = style;
+    if (window != nullptr) OnFontChanged();
+}
+
+void ObCustomControl::OnFontChanged() {
+    SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(GetControlFont()), TRUE);
+}
+
+void ObCustomControl::SetTextColor(COLORREF color) {
+    textColor = color;
+    if (window != nullptr) Refresh();
+}
+
+void ObCustomControl::SetFillColor(COLORREF color) {
+    fillColor = color;
+    if (window != nullptr) Refresh();
+}
+
+} // namespace ObLibX

@@ -1,0 +1,205 @@
+#include "ObLibX/src/dialog/ObXDlg.h"
+
+#include "ObLib/Src/ObFatal.h"
+#include "ObLib/Src/ObMacro.h"
+#include "ObLib/Src/Win32/ObXAppGlobals.h"
+#include "ObLibX/src/dialog/DialogRun.h"
+#include "ObLibX/src/dialog/DialogSettings.h"
+#include "ObLibX/src/dialog/FlatDressing.h"
+#include "ObLibX/src/dialog/GroupHeadings.h"
+#include "ObLibX/src/dialog/Tooltips.h"
+#include "ObLibX/src/dialog/WindowCentring.h"
+#include "ObLibX/src/utilities/ObUtil.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr wchar_t kModule[] = L"ObLibX\\src\\ObXDlg.cpp";
+
+constexpr int kResultOk = 1;
+constexpr int kResultCancel = 2;
+
+LPARAM AsParameter(ObXDlg* dialog) { return reinterpret_cast<LPARAM>(dialog); }
+
+void GiveEditsABorder(HWND dialog) {
+    ForEachChild(dialog, [](HWND child) {
+        if (!IsOfClass(child, L"Edit")) return;
+        SetWindowLongPtrW(child, GWL_STYLE, GetWindowLongPtrW(child, GWL_STYLE) | WS_BORDER);
+        SetWindowPos(child, nullptr, 0, 0, 0, 0,
+                     SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+    });
+}
+
+// One brush for all dialogs, of the colour that was asked for last.
+HBRUSH DialogBrush(COLORREF color) {
+    static ObLib::UniqueBrush brush;
+    static COLORREF brushColor = kNoColor;
+    if (!brush || brushColor != color) {
+        brush.Reset(CreateSolidBrush(color));
+        brushColor = color;
+    }
+    return brush.Get();
+}
+
+} // namespace
+
+ObXDlg::ObXDlg(std::int32_t dialogTemplate, HWND parent, std::uint32_t help, bool isCentered)
+    : parentWindow(parent), templateId(dialogTemplate), helpId(help), centerOnOpen(isCentered) {}
+
+ObXDlg::~ObXDlg() = default;
+
+std::int32_t ObXDlg::DoModal() {
+    const bool hasOwner =
+        parentWindow != nullptr && (keepHiddenParent || IsWindowVisible(parentWindow));
+    OnPreCreate();
+    const INT_PTR result =
+        RunDialog(ObLib::AppGlobals().languageModule, templateId, hasOwner ? parentWindow : nullptr,
+                  &ObXDlg::Procedure, AsParameter(this), 0);
+    ObAssert(result != -1);
+    window = nullptr;
+    return ObLib::CheckedInt32(result);
+}
+
+void ObXDlg::Create(HWND parent) {
+    ObAssert(window == nullptr);
+    parentWindow = parent;
+    isModeless = true;
+    OnPreCreate();
+    const HWND created = CreateModelessDialog(ObLib::AppGlobals().languageModule, templateId,
+                                              parent, &ObXDlg::Procedure, AsParameter(this), 0);
+    ObAssert(created != nullptr);
+    window = created;
+}
+
+bool ObXDlg::OnInitDialog() {
+    ObAssert(IsWindow(window));
+    LoadDialogDefaults();
+    auto headings = ReplaceGroupBoxes(window, isFlat);
+    for (auto& heading : headings) AddControl(std::move(heading));
+    if (isFlat) {
+        DressControls();
+    } else {
+        GiveEditsABorder(window);
+    }
+    if (centerOnOpen) CenterWindow(window, nullptr, nullptr, true);
+    return false;
+}
+
+void ObXDlg::DressControls() {
+    auto made = CreateFlatControls(window, templateId,
+                                   [&](std::int32_t id) { return controls_.contains(id); });
+    for (auto& control : made) {
+        ObCustomControl& added = *control;
+        AddControl(std::move(control));
+        if (added.tooltipText.HasText()) AddTooltip(added.window, added.tooltipText.CStr());
+    }
+    for (const auto& [id, control] : controls_) {
+        control->ownerPage = ownerSheet;
+        control->Attach(GetItem(id, true));
+    }
+}
+
+bool ObXDlg::EndWith(int result) {
+    ObAssert(IsWindow(window));
+    if (isModeless) {
+        DestroyWindow(window);
+    } else {
+        EndDialog(window, result);
+    }
+    window = nullptr;
+    return true;
+}
+
+bool ObXDlg::OnOK() { return EndWith(kResultOk); }
+
+bool ObXDlg::OnCancel() { return EndWith(kResultCancel); }
+
+bool ObXDlg::OnHelp() {
+    ObAssert(IsWindow(window));
+    return true;
+}
+
+bool ObXDlg::OnNotify(int, NMHDR*, LRESULT& result) {
+    result = 0;
+    return false;
+}
+
+bool ObXDlg::OnMeasureItem(int id, MEASUREITEMSTRUCT* data) {
+    ObCustomControl* const control = isFlat ? GetControl(id) : nullptr;
+    return control != nullptr && control->OnMeasureItem(data);
+}
+
+bool ObXDlg::OnDrawItem(int id, DRAWITEMSTRUCT* data) {
+    ObCustomControl* const control = isFlat ? GetControl(id) : nullptr;
+    return control != nullptr && control->OnDrawItem(data);
+}
+
+bool ObXDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
+    return OnCommandId(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam));
+}
+
+bool ObXDlg::OnDestroy() {
+    window = nullptr;
+    return false;
+}
+
+bool ObXDlg::OnColorChange() {
+    for (const auto& [id, control] : controls_) control->Refresh();
+    return false;
+}
+
+HBRUSH ObXDlg::OnCtlColorDlg() {
+    return isFlat && !IsHighContrast() ? DialogBrush(backgroundColor) : nullptr;
+}
+
+ObCustomControl* ObXDlg::ControlOf(HWND control) const { return GetControl(GetDlgCtrlID(control)); }
+
+HBRUSH ObXDlg::OnCtlColorStatic(HWND control, HDC dc) {
+    if (!isFlat) return nullptr;
+    if (ObCustomControl* const object = ControlOf(control)) return object->OnCtlColor(dc, control);
+    ::SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
+    SetBkMode(dc, TRANSPARENT);
+    return static_cast<HBRUSH>(GetStockObject(NULL_BRUSH));
+}
+
+HBRUSH ObXDlg::OnCtlColorBtn(HWND control, HDC dc) {
+    ObCustomControl* const object = isFlat ? ControlOf(control) : nullptr;
+    return object != nullptr ? object->OnCtlColor(dc, control) : nullptr;
+}
+
+bool ObXDlg::OnUpdateUIState(WORD action, WORD state) {
+    if (!isFlat) return false;
+    for (const auto& [id, control] : controls_) control->OnUpdateUIState(action, state);
+    return false;
+}
+
+LRESULT ObXDlg::OnOtherMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    const bool isGesture = message == WM_GESTURE || message == WM_GESTURENOTIFY;
+    return isGesture ? DefWindowProcW(window, message, wParam, lParam) : 0;
+}
+
+ObCustomControl* ObXDlg::GetControl(std::int32_t id) const {
+    const auto found = controls_.find(id);
+    return found == controls_.end() ? nullptr : found->second.get();
+}
+
+HWND ObXDlg::GetItem(std::int32_t id, bool mustExist) const {
+    ObAssert(IsWindow(window));
+    const HWND item = GetDlgItem(window, id);
+    ObAssert(item != nullptr || !mustExist);
+    return item;
+}
+
+void ObXDlg::AddControl(std::unique_ptr<ObCustomControl> control) {
+    ObCustomControl& added = *control;
+    ObAssert(!controls_.contains(added.id));
+    controls_.emplace(added.id, std::move(control));
+    added.OnCreated();
+}
+
+void ObXDlg::AddTooltip(HWND tool, const wchar_t* text) {
+    if (tooltipWindow_ == nullptr) tooltipWindow_ = MakeTooltipWindow(window);
+    if (tooltipWindow_ != nullptr) AddTool(tooltipWindow_, tool, text);
+}
+
+} // namespace ObLibX

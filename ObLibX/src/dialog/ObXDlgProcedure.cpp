@@ -1,0 +1,157 @@
+// The dialog procedure: finds the object of a window and calls the handler of each message.
+#include <windowsx.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/ScopeExit.h"
+#include "ObLibX/src/dialog/ObXDlg.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr int kCommandOk = 1;
+constexpr int kCommandCancel = 2;
+constexpr int kCommandHelp = 9;
+// Codes of notifications by which a property sheet asks for help.
+constexpr UINT kNotifyHelp = static_cast<UINT>(-205);
+constexpr UINT kNotifyHelpButton = static_cast<UINT>(-605);
+
+struct Message {
+    WPARAM wParam;
+    LPARAM lParam;
+
+    template <class Data>
+    Data* As() const {
+        return reinterpret_cast<Data*>(lParam);
+    }
+    HWND Control() const { return As<HWND__>(); }
+    HDC Dc() const { return reinterpret_cast<HDC>(wParam); }
+};
+
+INT_PTR AsResult(HBRUSH brush) { return reinterpret_cast<INT_PTR>(brush); }
+
+// The result also goes where the sender of the notification finds it.
+INT_PTR Notify(ObXDlg& dialog, const Message& message) {
+    auto* const header = message.As<NMHDR>();
+    if (header->code == kNotifyHelp || header->code == kNotifyHelpButton) return dialog.OnHelp();
+    LRESULT result = 0;
+    if (!dialog.OnNotify(static_cast<int>(message.wParam), header, result)) return 0;
+    if (dialog.window != nullptr) SetWindowLongPtrW(dialog.window, DWLP_MSGRESULT, result);
+    return result;
+}
+
+INT_PTR Command(ObXDlg& dialog, const Message& message) {
+    switch (LOWORD(message.wParam)) {
+    case kCommandOk:
+        return dialog.OnOK();
+    case kCommandCancel:
+        return dialog.OnCancel();
+    case kCommandHelp:
+        return dialog.OnHelp();
+    default:
+        return dialog.OnCommand(message.wParam, message.lParam);
+    }
+}
+
+INT_PTR InitDialog(ObXDlg& dialog, const Message&) {
+    dialog.inInitDialog = true;
+    const ObLib::ScopeExit lower([&] { dialog.inInitDialog = false; });
+    return dialog.OnInitDialog();
+}
+
+INT_PTR Moved(ObXDlg& dialog, const Message& message) {
+    dialog.OnMove(GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam));
+    return FALSE;
+}
+
+INT_PTR Gesture(ObXDlg& dialog, const Message& message) {
+    if (dialog.Scrolling().OnGesture(dialog.window, message.lParam)) return TRUE;
+    return dialog.OnOtherMessage(WM_GESTURE, message.wParam, message.lParam);
+}
+
+struct Handler {
+    UINT message;
+    INT_PTR (*call)(ObXDlg& dialog, const Message& message);
+};
+
+using D = ObXDlg;
+using M = Message;
+
+constexpr Handler kHandlers[] = {
+    {WM_INITDIALOG, &InitDialog},
+    {WM_COMMAND, &Command},
+    {WM_NOTIFY, &Notify},
+    {WM_MOVE, &Moved},
+    {WM_HELP, [](D& d, const M&) -> INT_PTR { return d.OnHelp(); }},
+    {WM_CONTEXTMENU,
+     [](D& d, const M& m) -> INT_PTR { return d.OnContextMenu(m.wParam, m.lParam); }},
+    {WM_CLOSE, [](D& d, const M&) -> INT_PTR { return d.OnClose(); }},
+    {WM_SIZE,
+     [](D& d, const M& m) -> INT_PTR {
+         return d.OnSize(m.wParam, GET_X_LPARAM(m.lParam), GET_Y_LPARAM(m.lParam));
+     }},
+    {WM_GETMINMAXINFO,
+     [](D& d, const M& m) -> INT_PTR { return d.OnGetMinMaxInfo(m.As<MINMAXINFO>()); }},
+    {WM_MEASUREITEM,
+     [](D& d, const M& m) -> INT_PTR {
+         return d.OnMeasureItem(static_cast<int>(m.wParam), m.As<MEASUREITEMSTRUCT>());
+     }},
+    {WM_DRAWITEM,
+     [](D& d, const M& m) -> INT_PTR {
+         return d.OnDrawItem(static_cast<int>(m.wParam), m.As<DRAWITEMSTRUCT>());
+     }},
+    {WM_SIZING, [](D& d, const M& m) -> INT_PTR { return d.OnSizing(m.wParam, m.As<RECT>()); }},
+    {WM_MOVING, [](D& d, const M& m) -> INT_PTR { return d.OnMoving(m.wParam, m.As<RECT>()); }},
+    {WM_PAINT, [](D& d, const M&) -> INT_PTR { return d.OnPaint(); }},
+    {WM_TIMER, [](D& d, const M& m) -> INT_PTR { return d.OnTimer(m.wParam); }},
+    {WM_DESTROY, [](D& d, const M&) -> INT_PTR { return d.OnDestroy(); }},
+    {WM_SYSCOMMAND, [](D& d, const M& m) -> INT_PTR { return d.OnSysCommand(m.wParam, m.lParam); }},
+    {WM_SYSCOLORCHANGE, [](D& d, const M&) -> INT_PTR { return d.OnColorChange(); }},
+    {WM_THEMECHANGED, [](D& d, const M&) -> INT_PTR { return d.OnColorChange(); }},
+    {WM_CTLCOLORDLG, [](D& d, const M&) { return AsResult(d.OnCtlColorDlg()); }},
+    {WM_CTLCOLORSTATIC,
+     [](D& d, const M& m) { return AsResult(d.OnCtlColorStatic(m.Control(), m.Dc())); }},
+    {WM_CTLCOLORBTN,
+     [](D& d, const M& m) { return AsResult(d.OnCtlColorBtn(m.Control(), m.Dc())); }},
+    {WM_UPDATEUISTATE,
+     [](D& d, const M& m) -> INT_PTR {
+         return d.OnUpdateUIState(LOWORD(m.wParam), HIWORD(m.wParam));
+     }},
+    {WM_MOUSEWHEEL,
+     [](D& d, const M& m) -> INT_PTR {
+         return d.Scrolling().OnMouseWheel(d.window, m.wParam, m.lParam);
+     }},
+    {WM_GESTURE, &Gesture},
+    {WM_GESTURENOTIFY,
+     [](D& d, const M& m) -> INT_PTR {
+         d.Scrolling().OnGestureNotify(d.window, m.lParam);
+         return d.OnOtherMessage(WM_GESTURENOTIFY, m.wParam, m.lParam);
+     }},
+    {WM_VSCROLL,
+     [](D& d, const M& m) -> INT_PTR { return d.Scrolling().OnScrollBar(m.wParam, m.lParam); }},
+};
+
+INT_PTR Dispatch(ObXDlg& dialog, UINT message, const Message& arguments) {
+    const auto* const handler = std::ranges::find(kHandlers, message, &Handler::message);
+    return handler != std::end(kHandlers)
+               ? handler->call(dialog, arguments)
+               : dialog.OnOtherMessage(message, arguments.wParam, arguments.lParam);
+}
+
+} // namespace
+
+INT_PTR CALLBACK ObXDlg::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(window, DWLP_USER, lParam);
+        reinterpret_cast<ObXDlg*>(lParam)->window = window;
+    }
+    auto* const dialog = reinterpret_cast<ObXDlg*>(GetWindowLongPtrW(window, DWLP_USER));
+    if (dialog == nullptr) return FALSE;
+    return ObLib::Guarded(INT_PTR{FALSE}, [&] {
+        return Dispatch(*dialog, message, {wParam, lParam});
+    });
+}
+
+} // namespace ObLibX

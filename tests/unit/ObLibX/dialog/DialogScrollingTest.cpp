@@ -1,0 +1,138 @@
+// Panels of a dialog that are scrolled by real scroll bars and by the wheel.
+#include "ObLibX/src/dialog/DialogScrolling.h"
+
+#include "tests/unit/ObLibX/dialog/DialogFixture.h"
+
+namespace {
+
+using namespace ObLibX;
+
+class ScrolledDialog : public RecordingDialog {
+public:
+    ScrolledDialog() : RecordingDialog(OB_TEST_SCROLLED) {
+        Open();
+        ShowWindow(window, SW_SHOWNA);
+        AddArea(2001, {0, 0, 50, 50});
+        AddArea(2002, {});
+    }
+    void OnScroll(std::int64_t position, std::intptr_t cookie) override {
+        scrolled.emplace_back(position, cookie);
+        if (duringScroll) std::exchange(duringScroll, nullptr)();
+    }
+    HWND Bar(int id) const { return GetItem(id, true); }
+    int Position(int id) const { return GetScrollPos(Bar(id), SB_CTL); }
+    void Press(int id, int code) {
+        Send(WM_VSCROLL, static_cast<WPARAM>(code), reinterpret_cast<LPARAM>(Bar(id)));
+    }
+    // A turn of the wheel over a point of the dialog's client area.
+    void Turn(int x, int y, int delta, WORD keys = 0) {
+        POINT point{x, y};
+        ClientToScreen(window, &point);
+        Send(WM_MOUSEWHEEL, MAKEWPARAM(keys, delta), MAKELPARAM(point.x, point.y));
+    }
+
+    using Scrolls = std::vector<std::pair<std::int64_t, std::intptr_t>>;
+    Scrolls scrolled;
+    std::function<void()> duringScroll;
+
+private:
+    void AddArea(int id, const PixelRect& rectangle) {
+        SCROLLINFO info{sizeof info, SIF_ALL, 0, 99, 30, 0, 0};
+        SetScrollInfo(Bar(id), SB_CTL, &info, FALSE);
+        Scrolling().Add(id, {this, id, Bar(id), GetItem(1001, true), {100, 30}, 10, rectangle});
+    }
+};
+
+using Scrolls = ScrolledDialog::Scrolls;
+
+class DialogScrollingTest : public DialogTest {};
+
+TEST_F(DialogScrollingTest, FollowsTheBar) {
+    ScrolledDialog dialog;
+    EXPECT_EQ(2u, dialog.Scrolling().Count());
+    dialog.Press(2001, SB_LINEDOWN);
+    dialog.Press(2001, SB_PAGEDOWN);
+    dialog.Press(2001, SB_BOTTOM);
+    dialog.Press(2001, SB_LINEDOWN);
+    dialog.Press(2001, SB_TOP);
+    dialog.Press(2001, SB_ENDSCROLL);
+    dialog.Press(2002, SB_LINEDOWN);
+    const Scrolls expected{{1, 2001}, {31, 2001}, {70, 2001}, {70, 2001}, {0, 2001}, {1, 2002}};
+    EXPECT_EQ(expected, dialog.scrolled);
+    EXPECT_EQ(0, dialog.Position(2001));
+    EXPECT_EQ(1, dialog.Position(2002));
+}
+
+TEST_F(DialogScrollingTest, LeavesOtherBarsToTheSystem) {
+    ScrolledDialog dialog;
+    EXPECT_FALSE(dialog.Scrolling().OnScrollBar(SB_LINEDOWN, 0));
+    EXPECT_FALSE(
+        dialog.Scrolling().OnScrollBar(SB_LINEDOWN, reinterpret_cast<LPARAM>(dialog.window)));
+    EXPECT_TRUE(dialog.scrolled.empty());
+}
+
+TEST_F(DialogScrollingTest, EndsAtTheLastPositionOfATargetThatIsSlow) {
+    ScrolledDialog dialog;
+    dialog.duringScroll = [&] {
+        dialog.Press(2001, SB_LINEDOWN);
+        dialog.Press(2001, SB_LINEDOWN);
+    };
+    dialog.Press(2001, SB_LINEDOWN);
+    EXPECT_EQ((Scrolls{{1, 2001}, {3, 2001}}), dialog.scrolled);
+    EXPECT_EQ(3, dialog.Position(2001));
+}
+
+TEST_F(DialogScrollingTest, FollowsTheWheelOverTheFirstAreaThatIsHit) {
+    ScrolledDialog dialog;
+    dialog.Turn(10, 10, -120);
+    dialog.Turn(10, 10, -360);
+    dialog.Turn(100, 10, -120);
+    dialog.Turn(10, 10, 120);
+    EXPECT_EQ((Scrolls{{1, 2001}, {2, 2001}, {1, 2002}, {1, 2001}}), dialog.scrolled);
+    dialog.Turn(10, 10, 120);
+    dialog.Turn(10, 10, 120);
+    EXPECT_EQ(5u, dialog.scrolled.size()) << "at the top already";
+    EXPECT_EQ(0, dialog.Position(2001));
+}
+
+TEST_F(DialogScrollingTest, DropsTheWheelWhileTheBarIsHidden) {
+    ScrolledDialog dialog;
+    ShowWindow(dialog.Bar(2001), SW_HIDE);
+    dialog.Turn(10, 10, -120);
+    EXPECT_TRUE(dialog.scrolled.empty());
+    ShowWindow(dialog.Bar(2001), SW_SHOWNA);
+    dialog.Turn(10, 10, -120);
+    EXPECT_EQ(1u, dialog.scrolled.size());
+}
+
+TEST_F(DialogScrollingTest, DropsTheWheelAfterATurnWithCtrlUntilABarIsUsed) {
+    for (const WORD key : {MK_CONTROL, MK_SHIFT}) {
+        ScrolledDialog dialog;
+        dialog.Turn(10, 10, -120, key);
+        dialog.Turn(10, 10, -120);
+        dialog.Turn(100, 10, -120);
+        EXPECT_TRUE(dialog.scrolled.empty());
+        dialog.Press(2002, SB_LINEDOWN);
+        dialog.Turn(10, 10, -120);
+        EXPECT_EQ((Scrolls{{1, 2002}, {1, 2001}}), dialog.scrolled);
+    }
+}
+
+TEST_F(DialogScrollingTest, LowersItsGuardAfterAnException) {
+    ScrolledDialog dialog;
+    dialog.duringScroll = [] { throw std::bad_alloc(); };
+    dialog.Press(2001, SB_LINEDOWN);
+    dialog.Turn(10, 10, -120);
+    EXPECT_EQ((Scrolls{{1, 2001}, {2, 2001}}), dialog.scrolled);
+}
+
+TEST_F(DialogScrollingTest, LeavesAGestureWithoutInformationToTheSystem) {
+    ScrolledDialog dialog;
+    EXPECT_FALSE(dialog.Scrolling().OnGesture(dialog.window, 0));
+    GESTURENOTIFYSTRUCT notified{};
+    notified.cbSize = sizeof notified;
+    dialog.Send(WM_GESTURENOTIFY, 0, reinterpret_cast<LPARAM>(&notified));
+    EXPECT_TRUE(dialog.scrolled.empty());
+}
+
+} // namespace

@@ -1,0 +1,8 @@
+// Ids of the tests' dialogs.
+#pragma once
+
+#define OB_TEST_PLAIN 2001
+#define OB_TEST_EXTENDED 2002
+#define OB_TEST_GROUPS 2003
+#define OB_TEST_SCROLLED 2004
+#define OB_TEST_DRESSED 2005

@@ -1,0 +1,146 @@
+// The fonts of dialogs: the base font, the cache, and what a template gets.
+#include "ObLibX/src/dialog/DlgFont.h"
+
+#include "ObLibX/src/dialog/DescribedControls.h"
+#include "tests/unit/ObLibX/dialog/DialogFixture.h"
+
+namespace {
+
+using namespace ObLibX;
+using ObLib::ObString;
+
+LOGFONTW Described(HFONT font) {
+    LOGFONTW described{};
+    GetObjectW(font, sizeof described, &described);
+    return described;
+}
+
+LOGFONTW FontOf(HWND window) {
+    return Described(reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)));
+}
+
+class DlgFontTest : public DialogTest {};
+
+TEST_F(DlgFontTest, IsSegoeUi9WithoutADescription) {
+    std::int32_t size = 0;
+    EXPECT_STREQ(L"Segoe UI", GetBaseFont(size).CStr());
+    EXPECT_EQ(9, size);
+}
+
+TEST_F(DlgFontTest, IsThatOfTheDescription) {
+    UseDescription();
+    LoadDialogDefaults();
+    std::int32_t size = 0;
+    EXPECT_STREQ(L"Arial", GetBaseFont(size).CStr());
+    EXPECT_EQ(10, size);
+    EXPECT_STREQ(L"Times New Roman", Described(GetFont(8, L"Tahoma", 400, 0)).lfFaceName);
+}
+
+TEST_F(DlgFontTest, HasSizeWeightAndStyle) {
+    const LOGFONTW plain = Described(GetFont(12, L"Arial", 400, 0));
+    EXPECT_STREQ(L"Arial", plain.lfFaceName);
+    EXPECT_EQ(-16, plain.lfHeight);
+    EXPECT_EQ(400, plain.lfWeight);
+    EXPECT_FALSE(plain.lfItalic || plain.lfUnderline || plain.lfStrikeOut);
+    const LOGFONTW styled = Described(GetFont(12, L"Arial", 700, 1 | 2 | 4));
+    EXPECT_EQ(700, styled.lfWeight);
+    EXPECT_TRUE(styled.lfItalic && styled.lfUnderline && styled.lfStrikeOut);
+}
+
+TEST_F(DlgFontTest, IsTheBaseFontForNoNameAndNoSize) {
+    const LOGFONTW font = Described(GetFont(0, ObString(), 400, 0));
+    EXPECT_STREQ(L"Segoe UI", font.lfFaceName);
+    EXPECT_EQ(-12, font.lfHeight);
+}
+
+TEST_F(DlgFontTest, IsOneHandleForOneFont) {
+    const HFONT font = GetFont(12, L"Arial", 400, 0);
+    EXPECT_EQ(font, GetFont(12, L"ARIAL", 400, 0));
+    EXPECT_NE(font, GetFont(13, L"Arial", 400, 0));
+    EXPECT_NE(font, GetFont(12, L"Arial", 400, 1));
+    const FontEntry* const entry = FindFontEntry(font);
+    ASSERT_NE(nullptr, entry);
+    EXPECT_STREQ(L"arial/12/400/0", entry->key.CStr());
+    EXPECT_EQ(font, entry->handle);
+    EXPECT_EQ(nullptr, FindFontEntry(static_cast<HFONT>(GetStockObject(SYSTEM_FONT))));
+}
+
+TEST_F(DlgFontTest, IsSubstituted) {
+    AddFontSubstitution(L"MS Shell Dlg", 8, L"Arial", 9);
+    EXPECT_EQ(GetFont(9, L"Arial", 400, 0), GetFont(8, L"MS Shell Dlg", 400, 0));
+}
+
+TEST_F(DlgFontTest, CutsALongFaceAt31Characters) {
+    const std::wstring face(40, L'F');
+    EXPECT_EQ(31u, std::wstring(Described(GetFont(9, face.c_str(), 400, 0)).lfFaceName).size());
+}
+
+TEST_F(DlgFontTest, IsGivenToATemplate) {
+    wchar_t face[32] = {};
+    std::int32_t size = 0;
+    EXPECT_TRUE(FindDialogFont(nullptr, face, 32, size));
+    EXPECT_STREQ(L"Segoe UI", face);
+    EXPECT_EQ(9, size);
+    EXPECT_TRUE(FindDialogFont(nullptr, face, 6, size));
+    EXPECT_STREQ(L"Segoe", face);
+    EXPECT_FALSE(FindDialogFont(nullptr, face, 0, size));
+}
+
+TEST_F(DlgFontTest, IsThatOfEachDialogAndItsControls) {
+    for (const std::int32_t dialogTemplate : {OB_TEST_PLAIN, OB_TEST_EXTENDED}) {
+        RecordingDialog dialog(dialogTemplate);
+        dialog.Open();
+        EXPECT_STREQ(L"Segoe UI", FontOf(dialog.GetItem(1001, true)).lfFaceName) << dialogTemplate;
+    }
+    RecordingDialog extended(OB_TEST_EXTENDED);
+    EXPECT_EQ(700, FontOf(extended.Open().GetItem(1001, true)).lfWeight);
+}
+
+TEST_F(DlgFontTest, IsSharedInBoldByAllWindows) {
+    RecordingDialog first(OB_TEST_PLAIN);
+    RecordingDialog second(OB_TEST_EXTENDED);
+    const SharedFonts fonts = InitSharedBoldFont(first.Open().window);
+    EXPECT_EQ(700, Described(fonts.bold).lfWeight);
+    EXPECT_STREQ(Described(fonts.normal).lfFaceName, Described(fonts.bold).lfFaceName);
+    EXPECT_EQ(fonts.bold, InitSharedBoldFont(second.Open().window).bold);
+}
+
+class DescriptionResource : public DialogTest {};
+
+TEST_F(DescriptionResource, IsReadInTheSystemsCodePageWhateverItDeclares) {
+    UseDescription();
+    std::vector<ControlDescription> controls;
+    EXPECT_TRUE(ReadDialogDescription(OB_TEST_DRESSED, controls));
+    ASSERT_EQ(3u, controls.size());
+    EXPECT_STREQ(L"A tooltip from the string table", controls[0].tooltip.CStr());
+    EXPECT_STREQ(L"A1", controls[1].tooltip.CStr());
+    EXPECT_FALSE(ReadDialogDescription(OB_TEST_PLAIN, controls));
+}
+
+TEST_F(DescriptionResource, IsLookedForInTheLanguageModuleFirstAndThenInTheProgram) {
+    ObLib::AppGlobals().SetModules(GetModuleHandleW(nullptr), GetModuleHandleW(L"kernel32.dll"),
+                                   L"", L"");
+    UseDescription();
+    std::vector<ControlDescription> controls;
+    EXPECT_TRUE(ReadDialogDescription(OB_TEST_DRESSED, controls));
+}
+
+TEST_F(DescriptionResource, IsNotLookedForASecondTime) {
+    const HMODULE other = GetModuleHandleW(L"kernel32.dll");
+    ObLib::AppGlobals().SetModules(other, other, L"", L"");
+    UseDescription();
+    std::vector<ControlDescription> controls;
+    EXPECT_FALSE(ReadDialogDescription(OB_TEST_DRESSED, controls));
+    ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
+    EXPECT_FALSE(ReadDialogDescription(OB_TEST_DRESSED, controls));
+}
+
+TEST_F(DescriptionResource, HasAnErrorTextWhenItIsEmpty) {
+    ObXML tree;
+    EXPECT_FALSE(tree.LoadText(L""));
+    EXPECT_STREQ(L"Empty document", tree.Error().CStr());
+    EXPECT_TRUE(tree.LoadText(L"<r/>"));
+    EXPECT_FALSE(tree.Error().HasText());
+}
+
+} // namespace
