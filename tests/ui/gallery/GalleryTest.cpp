@@ -1,0 +1,68 @@
+// The gallery opens each of its pages, whole and at the screen's scale. With OB_PICTURES, a folder,
+// their pictures are stored there to be looked at.
+#include <gtest/gtest.h>
+
+#include "ObLib/Src/Win32/ModulePath.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "demo/gallery/GalleryIds.h"
+#include "tests/support/PictureSuite.h"
+#include "tests/support/WindowKit.h"
+
+namespace obtest {
+namespace {
+
+class Gallery : public testing::Test {
+protected:
+    static void SetUpTestSuite() { BeAwareOfTheScale(); }
+
+    void SetUp() override {
+        const auto path = ObLib::PathBesideModule(nullptr, L"gallery.exe");
+        ASSERT_TRUE(path);
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION started{};
+        ASSERT_TRUE(CreateProcessW(path->c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr,
+                                   nullptr, &startup, &started));
+        CloseHandle(started.hThread);
+        process_.Reset(started.hProcess);
+        page_ = WaitForTopWindow(&IsDialog, started.dwProcessId);
+        ASSERT_NE(nullptr, page_);
+    }
+    void TearDown() override {
+        if (!process_) return;
+        PostMessageW(page_, WM_COMMAND, IDOK, 0);
+        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process_.Get(), kUiLimit));
+        DWORD code = 99;
+        GetExitCodeProcess(process_.Get(), &code);
+        EXPECT_EQ(0u, code);
+    }
+
+    ObLib::UniqueKernelHandle process_;
+    HWND page_ = nullptr;
+};
+
+TEST_F(Gallery, ShowsStockControls) {
+    LookAt(page_, L"gallery-stock", 440, 300);
+    for (const int id : {OB_GALLERY_DEFAULTS, IDOK, IDCANCEL}) {
+        ExpectWholeText(GetDlgItem(page_, id), AtScale(6));
+    }
+}
+
+TEST_F(Gallery, HasHeadingsInPlaceOfGroupBoxes) {
+    std::vector<std::wstring> headings;
+    for (const HWND child : Descendants(page_)) {
+        const std::wstring text = TextOf(child);
+        if (text == L"Boxes" || text == L"Circles")
+            headings.push_back(ClassOf(child) + L" " + text);
+    }
+    EXPECT_EQ((std::vector<std::wstring>{L"Static Boxes", L"Static Circles"}), headings);
+}
+
+TEST_F(Gallery, PutsBackItsDefaults) {
+    SetText(GetDlgItem(page_, OB_GALLERY_NAME), L"changed");
+    Click(GetDlgItem(page_, OB_GALLERY_DEFAULTS));
+    EXPECT_TRUE(WaitUntil([&] { return ItemText(page_, OB_GALLERY_NAME) == L"Meeting"; }));
+}
+
+} // namespace
+} // namespace obtest
