@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "ObLib/Src/MailRoom.h"
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/Utf8.h"
 #include "services/providers/settings/PhotoSettings.h"
@@ -55,7 +56,7 @@ private:
     // How one attempt to make the pictures smaller ended.
     enum class Attempt { Done, Again, Stopped };
 
-    std::uint64_t Room() const { return limit_ / 137 * 100 + limit_ % 137 * 100 / 137; }
+    std::uint64_t Room() const { return ObLib::RoomForFiles(limit_); }
     bool Open(const std::vector<std::wstring>& paths);
     bool LoadWatermark();
     const WatermarkOrder* Watermark() const { return watermark_ ? &*watermark_ : nullptr; }

@@ -39,10 +39,15 @@ PngChunk ReadChunk(PictureSource& source, std::uint64_t offset, const ChunkHeade
 
 } // namespace
 
+const PictureBytes* PngChunks::Find(const char* type) const noexcept {
+    const auto found = std::ranges::find_if(
+        kept, [&](const PngChunk& chunk) { return std::memcmp(chunk.type.data(), type, 4) == 0; });
+    return found == kept.end() ? nullptr : &found->data;
+}
+
 std::uint16_t PngChunks::Orientation() const noexcept {
-    for (const PngChunk& chunk : kept)
-        if (std::memcmp(chunk.type.data(), "eXIf", 4) == 0) return ExifOrientation(chunk.data);
-    return kUprightOrientation;
+    const PictureBytes* const exif = Find("eXIf");
+    return exif ? ExifOrientation(*exif) : kUprightOrientation;
 }
 
 PngChunks ScanPng(PictureSource& source, const PictureControl& control) {

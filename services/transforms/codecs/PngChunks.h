@@ -22,6 +22,8 @@ struct PngChunks {
     // The size in EXIF data is still the old one.
     std::vector<PngChunk> kept;
 
+    // The first one of a type, which is four letters; null when the file has none.
+    const PictureBytes* Find(const char* type) const noexcept;
     std::uint16_t Orientation() const noexcept; // of the EXIF data, as ExifValues.h counts it
 };
 

@@ -30,10 +30,6 @@ const std::uint64_t MostKept = 64ull << 20;
 
 } // namespace
 
-std::uint64_t RoomForFiles(std::uint64_t mailLimit) noexcept {
-    return mailLimit / 137 * 100 + mailLimit % 137 * 100 / 137;
-}
-
 MailFit::MailFit(std::vector<FitSource> sources, std::uint64_t mailLimit, std::uint64_t otherBytes,
                  const PictureControl& control)
     : control_(control), room_(RoomForFiles(mailLimit)), others_(otherBytes) {

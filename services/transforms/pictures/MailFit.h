@@ -7,13 +7,13 @@
 #include <optional>
 #include <vector>
 
+#include "ObLib/Src/MailRoom.h"
 #include "services/transforms/pictures/Picture.h"
 #include "services/transforms/pictures/SizeSearch.h"
 
 namespace transforms {
 
-// What is left of a mail's limit for files: a mail carries them as text, which adds 37 %.
-std::uint64_t RoomForFiles(std::uint64_t mailLimit) noexcept;
+using ObLib::RoomForFiles;
 
 // Makes a picture of another form than the file's, as by a conversion.
 class FitMaker {

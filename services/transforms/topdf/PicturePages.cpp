@@ -3,11 +3,12 @@
 #include <string_view>
 
 #include "services/transforms/codecs/PngPicture.h"
+#include "services/transforms/codecs/PngProfile.h"
 #include "services/transforms/photos/PhotoDecoders.h"
 #include "services/transforms/raster/Numbers.h"
 #include "services/transforms/topdf/GifPixels.h"
 #include "services/transforms/topdf/JpegImage.h"
-#include "services/transforms/topdf/PngProfile.h"
+#include "services/transforms/topdf/PngResolution.h"
 #include "services/transforms/topdf/TiffPages.h"
 
 namespace transforms {

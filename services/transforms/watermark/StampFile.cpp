@@ -7,11 +7,11 @@
 #include "services/transforms/codecs/JpegRows.h"
 #include "services/transforms/codecs/PngChunks.h"
 #include "services/transforms/codecs/PngPicture.h"
+#include "services/transforms/codecs/PngProfile.h"
 #include "services/transforms/photos/ColourProfile.h"
 #include "services/transforms/photos/KeptRows.h"
 #include "services/transforms/photos/PhotoDecoders.h"
 #include "services/transforms/pictures/Picture.h"
-#include "services/transforms/topdf/PngProfile.h"
 
 namespace transforms {
 namespace {
