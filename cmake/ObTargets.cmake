@@ -157,7 +157,7 @@ endfunction()
 
 # ob_test(<name> SOURCES ... [LIBS ...] [RESOURCES <rc>] [STAGE <item>...] [TIMEOUT <seconds>]
 #         [ENV NAME=VALUE ...] [LABELS ...] [RUN <wine-run options>...] [SUITES <suite>...]
-#         [SERIAL])
+#         [COST <seconds>] [SERIAL])
 #
 # One GoogleTest program and one ctest entry, <name>.<Suite>, for each suite that its sources
 # define, so that suites run side by side, each in a fresh prefix. Suites are read from SOURCES at
@@ -167,20 +167,23 @@ endfunction()
 # STAGE items lie beside the program when it runs, as copies of its own: a target (its built file),
 # a file or a folder; "name=item" gives it another name or a folder ("sub/name.dll=target").
 # TIMEOUT is for one suite (default 60). RUN hands options on to tools/wine-run (--dpi 144, --services ...).
+# COST is about what the longest of the suites takes, where that is more than ten seconds: such suites begin first,
+# so that none of them runs alone at the end. ctest takes times that it has measured itself for all others.
 # SERIAL keeps the suites from running beside other tests.
 function(ob_test name)
-    cmake_parse_arguments(arg "SERIAL" "TIMEOUT" "SOURCES;LIBS;RESOURCES;STAGE;ENV;LABELS;RUN;SUITES" ${ARGN})
+    cmake_parse_arguments(arg "SERIAL" "TIMEOUT;COST" "SOURCES;LIBS;RESOURCES;STAGE;ENV;LABELS;RUN;SUITES" ${ARGN})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 60)
     endif()
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE ob_base ob_test_main ${arg_LIBS})
-    target_link_options(${name} PRIVATE -municode)
+    # Without symbols, a program has half the size; nothing reads them under Wine.
+    target_link_options(${name} PRIVATE -municode -s ${OB_PAGED_FILE})
     ob_resources(${name} ${arg_RESOURCES})
     target_precompile_headers(${name} REUSE_FROM ob_test_main)
     ob_test_options(${name})
 
-    set(options --timeout ${arg_TIMEOUT} --env OB_TEST_TIMEOUT=${arg_TIMEOUT})
+    set(options --own-code --timeout ${arg_TIMEOUT} --env OB_TEST_TIMEOUT=${arg_TIMEOUT})
     foreach(item ${arg_ENV})
         list(APPEND options --env "${item}")
     endforeach()
@@ -189,7 +192,7 @@ function(ob_test name)
         list(APPEND options --stage "${staged}")
     endforeach()
     list(APPEND options ${arg_RUN})
-    ob_register_suites(${name} "${options}" "${arg_TIMEOUT}" "${arg_SERIAL}" "${arg_LABELS}"
+    ob_register_suites(${name} "${options}" "${arg_TIMEOUT}" "${arg_COST}" "${arg_SERIAL}" "${arg_LABELS}"
         "${arg_SUITES}" ${arg_SOURCES})
 endfunction()
 
@@ -221,7 +224,7 @@ endfunction()
 
 # The ctest entries are written at build time, when sources change, by ObTestSuites.cmake; ctest
 # reads them through the folder's TEST_INCLUDE_FILES.
-function(ob_register_suites name options timeout serial labels extra)
+function(ob_register_suites name options timeout cost serial labels extra)
     set(sources "")
     foreach(source ${ARGN})
         get_filename_component(path "${source}" ABSOLUTE)
@@ -235,6 +238,7 @@ set(python [==[${OB_PYTHON3}]==])
 set(wine_run [==[${CMAKE_SOURCE_DIR}/tools/wine-run]==])
 set(options [==[${options}]==])
 set(timeout [==[${timeout}]==])
+set(cost [==[${cost}]==])
 set(serial [==[${serial}]==])
 set(labels [==[${labels}]==])
 set(extra [==[${extra}]==])

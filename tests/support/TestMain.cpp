@@ -108,14 +108,30 @@ bool AllSuitesKnown(int argc, char** argv) {
     return all;
 }
 
-} // namespace
+// Where the launcher wants the exit code; empty when the program was started in another way.
+// Processes that a test starts don't inherit it.
+std::wstring TakeExitCodePath() {
+    constexpr wchar_t kName[] = L"OB_EXIT_CODE";
+    wchar_t path[MAX_PATH] = L"";
+    const DWORD length = GetEnvironmentVariableW(kName, path, MAX_PATH);
+    SetEnvironmentVariableW(kName, nullptr);
+    return length < MAX_PATH ? std::wstring(path, length) : std::wstring();
+}
 
-int wmain(int argc, wchar_t** argv) {
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    // A pipe is fully buffered here, and what a crashed test had printed would be lost.
-    setvbuf(stdout, nullptr, _IONBF, 0);
-    setvbuf(stderr, nullptr, _IONBF, 0);
+// Reports the exit code in full: the launcher's own system has only its low eight bits. A program
+// that ends before that leaves no file, which the launcher takes for a failure.
+void ReportExitCode(const std::wstring& path, int code) {
+    if (path.empty()) return;
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return;
+    const std::string text = std::to_string(static_cast<unsigned>(code));
+    DWORD written = 0;
+    WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    CloseHandle(file);
+}
 
+int RunTests(int argc, wchar_t** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (!AllSuitesKnown(__argc, __argv)) {
         return ObTestUnknownSuite;
@@ -131,5 +147,19 @@ int wmain(int argc, wchar_t** argv) {
         printf("The filter matched no test.\n");
         return ObTestNothingMatched;
     }
+    return result;
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv) {
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+    // A pipe is fully buffered here, and what a crashed test had printed would be lost.
+    setvbuf(stdout, nullptr, _IONBF, 0);
+    setvbuf(stderr, nullptr, _IONBF, 0);
+
+    const std::wstring exitCode = TakeExitCodePath();
+    const int result = RunTests(argc, argv);
+    ReportExitCode(exitCode, result);
     return result;
 }
