@@ -47,6 +47,15 @@ def write(path, size, head):
             file.write(b"end")
 
 
+def folder_for_holes(work, name):
+    """In memory where the system has a file system there: its holes are read without a page of memory for each,
+    which takes a hundredth of the time. Files take space for their ends alone."""
+    memory = "/dev/shm"
+    if os.path.isdir(memory) and os.access(memory, os.W_OK | os.X_OK):
+        return tempfile.TemporaryDirectory(prefix="webvellant-archives-", dir=memory)
+    return tempfile.TemporaryDirectory(prefix=name, dir=work)
+
+
 def make(options, folder, archive, encryption):
     start = time.monotonic()
     windows = ["Z:" + path.replace("/", "\\") for path in (folder, archive)]
@@ -235,9 +244,13 @@ def large_cases(noise):
 
 
 def check_large(options, work, archive_name, encryption, sources):
-    folder, out = os.path.join(work, "in-" + archive_name), os.path.join(work, "out-" + archive_name)
-    os.mkdir(folder)
+    out = os.path.join(work, "out-" + archive_name)
     os.mkdir(out)
+    with folder_for_holes(work, "in-") as folder:
+        check_large_of(options, folder, out, archive_name, encryption, sources)
+
+
+def check_large_of(options, folder, out, archive_name, encryption, sources):
     for name, size, head, _ in sources:
         write(os.path.join(folder, name), size, head)
     archive = os.path.join(out, archive_name)
@@ -264,14 +277,14 @@ def check_large(options, work, archive_name, encryption, sources):
 def check_steps(options, work):
     """One zip with a file of each size; nearly all of each file is a hole. The bytes themselves aren't
     compared here: a checksum of 4 GiB that is right is proof enough, and the large part does compare."""
-    folder, out = os.path.join(work, "steps"), os.path.join(work, "steps-out")
-    os.mkdir(folder)
+    out = os.path.join(work, "steps-out")
     os.mkdir(out)
-    for size in STEPS:
-        write(os.path.join(folder, str(size)), size, b"begin")
     archive = os.path.join(out, "steps.zip")
-    if not make(options, folder, archive, 0):
-        return
+    with folder_for_holes(work, "steps") as folder:
+        for size in STEPS:
+            write(os.path.join(folder, str(size)), size, b"begin")
+        if not make(options, folder, archive, 0):
+            return
     start = time.monotonic()
     _, entries = central_headers(archive)
     check([entry[:2] for entry in entries] == [(str(size), size) for size in STEPS], f"names and sizes: {entries}")
