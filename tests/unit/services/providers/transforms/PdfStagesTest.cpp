@@ -245,4 +245,15 @@ TEST_F(PdfStages, RefuseALongerPathThanTheResultMayHaveBeforeTheWork) {
     EXPECT_NE(boxes.Seen()[0].text.find(L"too long"), std::wstring::npos);
 }
 
+// Two pixels of two colours, whose codes are damaged: that comes out in the work only.
+TEST_F(PdfStages, RefuseAGifWithTooLongAPathBeforeTheWork) {
+    using namespace std::string_literals;
+    const std::string gif =
+        "GIF89a\2\0\1\0\x80\0\0\0\0\0\xFF\xFF\xFF"s + ",\0\0\0\0\2\0\1\0\0\2\1\xFF\0;"s;
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(Execute(DeepFile(L".g", 512, gif)));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_NE(boxes.Seen()[0].text.find(L"too long"), std::wstring::npos) << boxes.Seen()[0].text;
+}
+
 } // namespace
