@@ -15,7 +15,9 @@ namespace {
 constexpr std::size_t kBlock = 256u << 10; // bytes: larger ones are no faster
 constexpr DWORD kRefusalLimit = 2'000;     // milliseconds
 constexpr DWORD kReports = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
-                           WINHTTP_CALLBACK_FLAG_SECURE_FAILURE;
+                           WINHTTP_CALLBACK_FLAG_SECURE_FAILURE |
+                           WINHTTP_CALLBACK_FLAG_RESOLVE_NAME;
+constexpr int kMostRounds = 4; // of a login at a proxy
 
 std::wstring Wide(std::string_view bytes) { return std::wstring(bytes.begin(), bytes.end()); }
 
@@ -121,6 +123,7 @@ struct HttpExchange::Shared {
     DWORD error = 0;                                   // of that step
     DWORD size = 0;                                    // bytes that it read
     DWORD certificate = 0;                             // flags of a refused certificate
+    std::wstring peer;                                 // what is asked: the server or a proxy
     std::array<std::vector<char>, 2> buffers;
     bool isSecret = false; // what is in the first of them
 
@@ -131,6 +134,16 @@ struct HttpExchange::Shared {
         isSecret = false;
     }
 
+    // Called by the client, which must get no exception: a name that isn't kept isn't known.
+    void SetPeer(const wchar_t* name) noexcept {
+        const std::lock_guard lock(mutex);
+        try {
+            peer = name;
+        } catch (const std::bad_alloc&) {
+            peer.clear();
+        }
+    }
+
     void End(DWORD code, DWORD bytes) {
         const std::lock_guard lock(mutex);
         error = code;
@@ -139,9 +152,10 @@ struct HttpExchange::Shared {
     }
 };
 
-HttpExchange::HttpExchange(HINTERNET session, const HttpTimes& times, HANDLE cancelled)
-    : session_(session), times_(times), cancelled_(cancelled), shared_(std::make_shared<Shared>()) {
-}
+HttpExchange::HttpExchange(HINTERNET session, const HttpTimes& times, HANDLE cancelled,
+                           const Ways& ways)
+    : session_(session), times_(times), cancelled_(cancelled), ways_(ways),
+      shared_(std::make_shared<Shared>()) {}
 
 // The client reports the end of the request handle last of all, and only then lets go of the
 // record.
@@ -153,6 +167,9 @@ void CALLBACK HttpExchange::OnStatus(HINTERNET, DWORD_PTR context, DWORD status,
     if (!owner) return; // the session's own handle, or that of a connection
     Shared& shared = **owner;
     switch (status) {
+    case WINHTTP_CALLBACK_STATUS_RESOLVING_NAME:
+        shared.SetPeer(static_cast<const wchar_t*>(info));
+        break;
     case WINHTTP_CALLBACK_STATUS_SECURE_FAILURE:
         shared.certificate = *static_cast<const DWORD*>(info);
         break;
@@ -202,21 +219,51 @@ HttpExchange::Failure HttpExchange::Open(const HttpRequest& request, const HttpU
     return SetOptions(url);
 }
 
-HttpExchange::Failure HttpExchange::SetOptions(const HttpUrl& url) {
-    DWORD off =
-        WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_AUTHENTICATION;
-    if (!WinHttpSetOption(request_.Get(), WINHTTP_OPTION_DISABLE_FEATURE, &off, sizeof off)) {
+// No login of the user's but the request's own gets to a server. A proxy gets that of the system's
+// user, in a form that doesn't reveal the password.
+HttpExchange::Failure HttpExchange::SetAuthentication() {
+    DWORD off = WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS;
+    if (ways_.proxyScheme == 0) off |= WINHTTP_DISABLE_AUTHENTICATION;
+    if (!WinHttpSetOption(request_.Get(), WINHTTP_OPTION_DISABLE_FEATURE, &off, sizeof off))
         return Error(GetLastError());
+    if (ways_.proxyScheme == 0) return std::nullopt;
+    constexpr DWORD kProxyOnly = 3; // older systems don't know it, and some headers neither
+    DWORD policy = kProxyOnly;
+    if (!WinHttpSetOption(request_.Get(), WINHTTP_OPTION_AUTOLOGON_POLICY, &policy,
+                          sizeof policy)) {
+        policy = WINHTTP_AUTOLOGON_SECURITY_LEVEL_HIGH;
+        if (!WinHttpSetOption(request_.Get(), WINHTTP_OPTION_AUTOLOGON_POLICY, &policy,
+                              sizeof policy))
+            return Error(GetLastError());
     }
-    // The steps are limited by their waits. A client with limits of its own may begin a step again.
-    WinHttpSetTimeouts(request_.Get(), 0, 0, 0, 0);
+    if (!WinHttpSetCredentials(request_.Get(), WINHTTP_AUTH_TARGET_PROXY, ways_.proxyScheme,
+                               nullptr, nullptr, nullptr))
+        return Error(GetLastError());
+    return std::nullopt;
+}
+
+void HttpExchange::SetCertificates() {
     // A server that would like a certificate of the user's, and needs none, gets none; otherwise
     // the system's client ends the request. Wine's client asks for none, and may not know the
     // option.
-    if (url.origin.isSecure) {
-        WinHttpSetOption(request_.Get(), WINHTTP_OPTION_CLIENT_CERT_CONTEXT,
-                         WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
-    }
+    WinHttpSetOption(request_.Get(), WINHTTP_OPTION_CLIENT_CERT_CONTEXT,
+                     WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
+    // A revoked certificate is refused; one of which nobody can say so isn't. Systems that can't
+    // tell the two apart aren't asked.
+    constexpr DWORD kIgnoreRevocationOffline = 155; // not in every header
+    DWORD on = TRUE;
+    if (!ways_.asksForRevocation ||
+        !WinHttpSetOption(request_.Get(), kIgnoreRevocationOffline, &on, sizeof on))
+        return;
+    DWORD feature = WINHTTP_ENABLE_SSL_REVOCATION;
+    WinHttpSetOption(request_.Get(), WINHTTP_OPTION_ENABLE_FEATURE, &feature, sizeof feature);
+}
+
+HttpExchange::Failure HttpExchange::SetOptions(const HttpUrl& url) {
+    if (auto failure = SetAuthentication()) return failure;
+    // The steps are limited by their waits. A client with limits of its own may begin a step again.
+    WinHttpSetTimeouts(request_.Get(), 0, 0, 0, 0);
+    if (url.origin.isSecure) SetCertificates();
     WINHTTP_PROXY_INFO none{WINHTTP_ACCESS_TYPE_NO_PROXY, nullptr, nullptr};
     if (IsLoopback(url.origin))
         WinHttpSetOption(request_.Get(), WINHTTP_OPTION_PROXY, &none, sizeof none);
@@ -364,23 +411,45 @@ HttpExchange::Failure HttpExchange::ReceiveRefusal(const HttpRequest& request, H
     return std::nullopt;
 }
 
+HttpExchange::Failure HttpExchange::SendAndReceive(const HttpRequest& request, HttpReply& reply) {
+    if (auto failure = SendHead()) return failure;
+    if (auto failure = SendBody(request)) return ReceiveRefusal(request, reply, *failure);
+    if (auto failure = ReceiveHead(reply, times_.reply)) return failure;
+    return ReceiveBody(request, reply);
+}
+
+// A login at a proxy takes several rounds, of which each sends the request anew.
 HttpResult HttpExchange::Run(const HttpRequest& request, const HttpUrl& url) {
     HttpReply reply;
     reply.url = url;
     Failure failure = Open(request, url);
     if (!failure) failure = AddHeaders(request, url);
-    if (!failure) failure = SendHead();
-    if (!failure) {
-        failure = SendBody(request);
-        if (failure) {
-            failure = ReceiveRefusal(request, reply, *failure);
-        } else {
-            failure = ReceiveHead(reply, times_.reply);
-            if (!failure) failure = ReceiveBody(request, reply);
-        }
-    }
+    if (!failure) failure = SendAndReceive(request, reply);
+    for (int rounds = 1; ways_.proxyScheme != 0 && failure && rounds < kMostRounds &&
+                         failure->code == ERROR_WINHTTP_RESEND_REQUEST;
+         ++rounds)
+        failure = SendAndReceive(request, reply);
     if (failure) return *failure;
     return reply;
+}
+
+std::wstring HttpExchange::Proxy(const HttpUrl& url) const {
+    const std::wstring host = HostForTheClient(url.origin);
+    // The client may write such a name in another way, so that nothing can be concluded.
+    const bool isPlain = std::all_of(host.begin(), host.end(), [](wchar_t c) { return c < 0x80; });
+    const std::lock_guard lock(shared_->mutex);
+    return isPlain && _wcsicmp(host.c_str(), shared_->peer.c_str()) != 0 ? shared_->peer : L"";
+}
+
+DWORD HttpExchange::ProxyScheme() const {
+    DWORD supported = 0;
+    DWORD first = 0;
+    DWORD target = 0;
+    if (!WinHttpQueryAuthSchemes(request_.Get(), &supported, &first, &target)) return 0;
+    if (target != WINHTTP_AUTH_TARGET_PROXY) return 0;
+    for (const DWORD scheme : {WINHTTP_AUTH_SCHEME_NEGOTIATE, WINHTTP_AUTH_SCHEME_NTLM})
+        if (supported & scheme) return scheme;
+    return 0;
 }
 
 } // namespace providers

@@ -15,12 +15,24 @@ namespace providers {
 // the client has reported its last.
 class HttpExchange {
 public:
-    HttpExchange(HINTERNET session, const HttpTimes& times, HANDLE cancelled);
+    struct Ways {
+        // How the system's user logs in at the proxy (WINHTTP_AUTH_SCHEME_...); 0: not at all.
+        DWORD proxyScheme = 0;
+        bool asksForRevocation = true; // where the system can take no answer for an answer
+    };
+
+    HttpExchange(HINTERNET session, const HttpTimes& times, HANDLE cancelled, const Ways& ways);
     ~HttpExchange();
     HttpExchange(const HttpExchange&) = delete;
     HttpExchange& operator=(const HttpExchange&) = delete;
 
     HttpResult Run(const HttpRequest& request, const HttpUrl& url);
+
+    // After a reply with status 407: the proxy that the request went to; empty where it went to the
+    // server itself, or that isn't known.
+    std::wstring Proxy(const HttpUrl& url) const;
+    // How the system's user can log in there without being asked; 0: not at all.
+    DWORD ProxyScheme() const;
 
 private:
     struct Shared;
@@ -31,6 +43,9 @@ private:
 
     Failure Open(const HttpRequest& request, const HttpUrl& url);
     Failure SetOptions(const HttpUrl& url);
+    Failure SetAuthentication();
+    void SetCertificates();
+    Failure SendAndReceive(const HttpRequest& request, HttpReply& reply);
     Failure AddHeaders(const HttpRequest& request, const HttpUrl& url);
     Failure SendHead();
     Failure SendBody(const HttpRequest& request);
@@ -50,6 +65,7 @@ private:
     HINTERNET session_;
     HttpTimes times_;
     HANDLE cancelled_;
+    Ways ways_;
     std::shared_ptr<Shared> shared_;
     UniqueInternetHandle connection_;
     UniqueInternetHandle request_; // closed before the connection

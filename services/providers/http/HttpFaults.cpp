@@ -33,7 +33,7 @@ constexpr FaultOfCode kFaults[] = {
     {ERROR_WINHTTP_SECURE_CERT_CN_INVALID, HttpFault::Certificate, CertificateFault::Host},
     {ERROR_WINHTTP_SECURE_INVALID_CA, HttpFault::Certificate, CertificateFault::Issuer},
     {ERROR_WINHTTP_SECURE_CERT_REVOKED, HttpFault::Certificate, CertificateFault::Revoked},
-    {ERROR_WINHTTP_SECURE_CERT_REV_FAILED, HttpFault::Certificate, CertificateFault::Revoked},
+    {ERROR_WINHTTP_SECURE_CERT_REV_FAILED, HttpFault::Certificate, CertificateFault::Unconfirmed},
     {ERROR_WINHTTP_SECURE_CERT_WRONG_USAGE, HttpFault::Certificate, CertificateFault::Other},
     {ERROR_WINHTTP_SECURE_INVALID_CERT, HttpFault::Certificate, CertificateFault::Other},
     {ERROR_WINHTTP_SECURE_CHANNEL_ERROR, HttpFault::Certificate, CertificateFault::Other},
@@ -51,7 +51,7 @@ constexpr FaultOfFlag kCertificateFlags[] = {
     {WINHTTP_CALLBACK_STATUS_FLAG_INVALID_CA, CertificateFault::Issuer},
     {WINHTTP_CALLBACK_STATUS_FLAG_CERT_CN_INVALID, CertificateFault::Host},
     {WINHTTP_CALLBACK_STATUS_FLAG_CERT_DATE_INVALID, CertificateFault::Date},
-    {WINHTTP_CALLBACK_STATUS_FLAG_CERT_REV_FAILED, CertificateFault::Revoked},
+    {WINHTTP_CALLBACK_STATUS_FLAG_CERT_REV_FAILED, CertificateFault::Unconfirmed},
 };
 
 } // namespace

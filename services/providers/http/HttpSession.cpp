@@ -1,6 +1,7 @@
 #include "services/providers/http/HttpSession.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "services/providers/http/HttpExchange.h"
 #include "services/providers/http/HttpPolicy.h"
@@ -10,6 +11,7 @@ namespace {
 
 constexpr wchar_t kUserAgent[] = L"WebVellant";
 constexpr int kMostRedirects = 5;
+constexpr int kProxyWantsLogin = 407;
 
 // A request that was given up ends on a thread of the client, some time later.
 void PinThisModule() {
@@ -37,6 +39,17 @@ UniqueInternetHandle OpenSession() {
 
 bool IsSafe(const std::string& method) {
     return method == "GET" || method == "HEAD" || method == "PROPFIND" || method == "OPTIONS";
+}
+
+// Before anything of the request was sent.
+bool IsUnconfirmed(const HttpResult& result) {
+    const auto* error = std::get_if<HttpError>(&result);
+    return error && error->certificate == CertificateFault::Unconfirmed;
+}
+
+bool IsFromProxy(const HttpResult& result) {
+    const auto* reply = std::get_if<HttpReply>(&result);
+    return reply && reply->status == kProxyWantsLogin;
 }
 
 bool IsRedirect(int status) {
@@ -91,8 +104,21 @@ HttpResult HttpSession::SendOnce(const HttpRequest& request, const HttpUrl& url,
                                  HANDLE cancelled) const {
     if (const auto refused = RefusedBy(RuleFor(url.origin))) return *refused;
     if (!session_) return HttpError{HttpFault::Failed, ERROR_WINHTTP_INTERNAL_ERROR};
-    HttpExchange exchange(session_.Get(), times_, cancelled);
-    return exchange.Run(request, url);
+    HttpExchange::Ways ways;
+    std::wstring proxy;
+    for (;;) {
+        HttpExchange exchange(session_.Get(), times_, cancelled, ways);
+        HttpResult result = exchange.Run(request, url);
+        if (IsUnconfirmed(result) && std::exchange(ways.asksForRevocation, false)) continue;
+        if (!IsFromProxy(result)) return result;
+        if (proxy.empty()) proxy = exchange.Proxy(url);
+        // A server that is reached directly gets no login, whatever status it makes up.
+        const DWORD scheme = proxy.empty() || ways.proxyScheme != 0 ? 0 : exchange.ProxyScheme();
+        if (scheme == 0)
+            return HttpError{HttpFault::ProxyLogin, kProxyWantsLogin, CertificateFault::None,
+                             proxy};
+        ways.proxyScheme = scheme;
+    }
 }
 
 } // namespace providers

@@ -18,8 +18,9 @@ public:
 
     // Sends a request and waits for its reply, of any status, or an error. Returns at once when the
     // event `cancelled` (null: none) is set, whatever the request waits for. Redirects are followed
-    // within one origin for requests that change nothing. No cookies, no login but the request's
-    // own, no way around a bad certificate. On any thread, also several at the same time. Throws
+    // within one origin for requests that change nothing. No cookies, no login at a server but the
+    // request's own, no way around a bad certificate. A proxy of the system's settings that wants
+    // it gets the login of the system's user. On any thread, also several at the same time. Throws
     // std::bad_alloc only.
     HttpResult Send(const HttpRequest& request, HANDLE cancelled) const;
 

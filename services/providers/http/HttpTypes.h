@@ -69,16 +69,26 @@ enum class HttpFault {
     ReplyTooLong,    // the reply is longer than the request allows
     NeedsHttps,      // plain http isn't allowed to this server
     ServerNotListed, // the administrator allows other servers only
-    FileUnreadable,  // the body's file can't be read, or is shorter than the part
-    Failed,          // anything else; the code says what
+    ProxyLogin,     // the network's proxy wants a login, and doesn't take that of the system's user
+    FileUnreadable, // the body's file can't be read, or is shorter than the part
+    Failed,         // anything else; the code says what
 };
 
-enum class CertificateFault { None, Date, Host, Issuer, Revoked, Other };
+enum class CertificateFault {
+    None,
+    Date,
+    Host,
+    Issuer,
+    Revoked,
+    Unconfirmed, // nobody can say whether it was revoked
+    Other
+};
 
 struct HttpError {
     HttpFault fault = HttpFault::Failed;
     DWORD code = 0; // the system's
     CertificateFault certificate = CertificateFault::None;
+    std::wstring proxy; // after ProxyLogin: its name; empty where it isn't known
 };
 
 using HttpResult = std::variant<HttpReply, HttpError>;

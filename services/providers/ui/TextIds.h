@@ -105,6 +105,8 @@
 #define OB_TEXT_DAV_WRONG_SIZE 406
 #define OB_TEXT_DAV_STATUS 407
 #define OB_TEXT_DAV_FAILED 408
+#define OB_TEXT_DAV_PROXY_LOGIN 445
+#define OB_TEXT_DAV_NAMED_PROXY_LOGIN 446 // %2: the proxy
 
 // Accounts of WebDAV servers: login, links. %1 is a file's name where a file is named, else the
 // server.

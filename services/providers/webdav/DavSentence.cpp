@@ -33,6 +33,7 @@ constexpr Row<CertificateFault> kCertificateRows[] = {
     {CertificateFault::Host, OB_TEXT_DAV_CERTIFICATE_HOST},
     {CertificateFault::Issuer, OB_TEXT_DAV_CERTIFICATE_ISSUER},
     {CertificateFault::Revoked, OB_TEXT_DAV_CERTIFICATE_REVOKED},
+    {CertificateFault::Unconfirmed, OB_TEXT_DAV_CERTIFICATE_REVOKED},
 };
 
 constexpr Row<DavFault> kDavRows[] = {
@@ -69,6 +70,11 @@ std::wstring DavSentence(const DavError& error, const HttpOrigin& server) {
     const std::wstring host = FromUtf8(server.host).value_or(L"");
     if (error.fault == DavFault::TooMany && error.retryAfter) {
         return FormatOwnText(OB_TEXT_DAV_TOO_MANY_UNTIL, {host, MinutesText(*error.retryAfter)});
+    }
+    if (IsHttp(error, HttpFault::ProxyLogin)) {
+        const UINT text =
+            error.http.proxy.empty() ? OB_TEXT_DAV_PROXY_LOGIN : OB_TEXT_DAV_NAMED_PROXY_LOGIN;
+        return FormatOwnText(text, {host, error.http.proxy});
     }
     const DWORD code =
         error.fault == DavFault::Http ? error.http.code : static_cast<DWORD>(error.status);

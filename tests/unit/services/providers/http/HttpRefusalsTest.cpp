@@ -1,9 +1,26 @@
 #include <gtest/gtest.h>
+#include <winhttp.h>
 
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/services/providers/http/HttpFixture.h"
 
 namespace providers {
 namespace {
+
+decltype(&WinHttpSetOption) realSetOption = nullptr;
+std::vector<std::string> revocation; // what was asked for
+
+// Knows the option that Wine's client doesn't know: no answer about revocation is no refusal.
+BOOL WINAPI RecordRevocation(HINTERNET handle, DWORD option, void* value, DWORD size) {
+    const DWORD number = size == sizeof(DWORD) && value ? *static_cast<const DWORD*>(value) : 0;
+    if (option == 155) {
+        revocation.push_back("no answer is fine");
+        return TRUE;
+    }
+    if (option == WINHTTP_OPTION_ENABLE_FEATURE && number == WINHTTP_ENABLE_SSL_REVOCATION)
+        revocation.push_back("asked");
+    return realSetOption(handle, option, value, size);
+}
 
 class HttpRefusals : public testing::Test {
 protected:
@@ -82,6 +99,57 @@ TEST_F(HttpRefusals, TakesAGoodCertificate) {
     const HttpResult got = Send(Request("GET", url, &login));
     ASSERT_EQ(200, Outcome(got));
     EXPECT_EQ(500'000u, std::get<HttpReply>(got).body.size());
+}
+
+decltype(&WinHttpSendRequest) realSendRequest = nullptr;
+DWORD failure = 0; // of the next requests
+int failures = 0;  // how many of them are left
+int sent = 0;
+
+BOOL WINAPI SendOrFail(HINTERNET request, const wchar_t* headers, DWORD length, void* optional,
+                       DWORD size, DWORD total, DWORD_PTR context) {
+    ++sent;
+    if (failures-- <= 0)
+        return realSendRequest(request, headers, length, optional, size, total, context);
+    SetLastError(failure);
+    return FALSE;
+}
+
+TEST_F(HttpRefusals, TakesACertificateOfWhichNobodyCanSayWhetherItWasRevoked) {
+    const obtest::ImportPatch<decltype(WinHttpSendRequest)> patch(
+        "winhttp.dll", "WinHttpSendRequest", &SendOrFail);
+    ASSERT_TRUE(patch.Ok());
+    realSendRequest = patch.Real();
+    const HttpUrl url = ServerUrl(L"TLS_GOOD_URL", "none");
+    const HttpLogin login = LoginFor(url);
+    const auto ask = [&](DWORD code, int times) {
+        failure = code;
+        failures = times;
+        sent = 0;
+        return Outcome(Send(Request("GET", url, &login)));
+    };
+    EXPECT_EQ(404, ask(ERROR_WINHTTP_SECURE_CERT_REV_FAILED, 1));
+    EXPECT_EQ(2, sent);
+    EXPECT_EQ(Outcome(HttpFault::Certificate), ask(ERROR_WINHTTP_SECURE_CERT_REV_FAILED, 2));
+    EXPECT_EQ(2, sent);
+    EXPECT_EQ(Outcome(HttpFault::Certificate), ask(ERROR_WINHTTP_SECURE_CERT_REVOKED, 1));
+    EXPECT_EQ(1, sent) << "one that was revoked isn't tried again";
+}
+
+// The test authority has no list of revoked certificates.
+TEST_F(HttpRefusals, AsksForRevocationAndTakesNoAnswerForNone) {
+    const obtest::ImportPatch<decltype(WinHttpSetOption)> patch("winhttp.dll", "WinHttpSetOption",
+                                                                &RecordRevocation);
+    ASSERT_TRUE(patch.Ok());
+    realSetOption = patch.Real();
+    const HttpUrl url = ServerUrl(L"TLS_GOOD_URL", "none");
+    const HttpLogin login = LoginFor(url);
+    EXPECT_EQ(404, Outcome(Send(Request("GET", url, &login))));
+    EXPECT_EQ((std::vector<std::string>{"no answer is fine", "asked"}), revocation);
+    EXPECT_EQ(Outcome(HttpFault::Certificate),
+              Outcome(Send(Request("GET", ServerUrl(L"TLS_UNKNOWN_URL"), &login))));
+    std::puts("HttpRefusals: this system's client has no revocation without an answer; the test "
+              "accepts the option for it");
 }
 
 TEST_F(HttpRefusals, SendsNothingByPlainHttpToAnotherMachine) {

@@ -55,6 +55,13 @@ TEST(DavSentenceTest, NamesTheTimeThatAServerAsksFor) {
     EXPECT_NE(std::wstring::npos, DavSentence(error, kServer).find(L"in 10 minutes"));
 }
 
+TEST(DavSentenceTest, NamesTheProxyThatWantsALogin) {
+    DavError error = Of(HttpFault::ProxyLogin);
+    EXPECT_NE(std::wstring::npos, DavSentence(error, kServer).find(L"the proxy of your network"));
+    error.http.proxy = L"proxy.example.org";
+    EXPECT_NE(std::wstring::npos, DavSentence(error, kServer).find(L"proxy.example.org"));
+}
+
 TEST(DavSentenceTest, NamesTheFileOfAnUpload) {
     const std::wstring sentence =
         DavUploadSentence(Of(DavFault::NoSpace, 507), kServer, L"my %2 file.zip");
