@@ -31,10 +31,10 @@ def undisturbed(cores):
     return prefix, words + " beside other work"
 
 
-def run_program(program, *arguments, stage=(), timeout=600, prefix=()):
-    """Runs a bench program in a fresh prefix, with what is staged beside it. It prints one line a
+def run_program(program, *arguments, stage=(), timeout=600, prefix=(), options=()):
+    """Runs a bench program in a fresh prefix, with what is staged beside it and with further options of wine-run. It prints one line a
     series: a name, a tab, and numbers with blanks between. Gives name -> numbers."""
-    command = [*prefix, WINE_RUN, "--timeout", str(timeout)]
+    command = [*prefix, WINE_RUN, "--timeout", str(timeout), *options]
     for path in stage:
         command += ["--stage", path]
     result = subprocess.run([*command, "--", program, *arguments], stdout=subprocess.PIPE, text=True)
