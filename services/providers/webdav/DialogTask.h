@@ -6,13 +6,12 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <new>
 #include <optional>
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/worker/DetachedThread.h"
+#include "services/providers/worker/Event.h"
 
 namespace providers {
 
@@ -45,10 +44,7 @@ public:
 
 private:
     struct State {
-        State() {
-            if (!cancelled) throw std::bad_alloc();
-        }
-        const ObLib::UniqueKernelHandle cancelled{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+        const ObLib::UniqueKernelHandle cancelled = MakeEvent();
         std::optional<Result> result; // the thread's until isDone
         std::atomic<bool> isDone = false;
     };

@@ -1,22 +1,19 @@
 #include "services/providers/webdav/PickedLinks.h"
 
-#include <iterator>
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "services/providers/folder/FolderLink.h"
 #include "services/providers/http/Utf8.h"
 #include "services/providers/storage/PickLimits.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
+#include "services/providers/worker/Event.h"
 
 namespace providers {
 namespace {
 
-constexpr std::size_t kLongestLink = std::size(obcontract::CloudItem{}.link) - 1;
-
 void Wipe(std::wstring& text) { SecureZeroMemory(text.data(), text.size() * sizeof(wchar_t)); }
-
-bool IsSet(HANDLE event) { return WaitForSingleObject(event, 0) == WAIT_OBJECT_0; }
 
 std::wstring KeyOf(const DavPickAccount& account, const DavItem& item) {
     return account.account.key + L' ' + FromUtf8(HttpUrlText(item.url)).value_or(item.name);
