@@ -1,10 +1,10 @@
 #include "services/providers/folder/FolderLink.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <string_view>
 
+#include "ObLib/Src/PercentEncoding.h"
+#include "ObLib/Src/Win32/Utf8.h"
 #include "services/providers/folder/FolderPath.h"
 
 namespace providers {
@@ -18,33 +18,10 @@ bool IsLetter(wchar_t character) {
     return (character >= L'a' && character <= L'z') || (character >= L'A' && character <= L'Z');
 }
 
-bool IsUnreserved(wchar_t character) {
-    return IsLetter(character) || (character >= L'0' && character <= L'9') ||
-           wstring_view(L"-._~").find(character) != wstring_view::npos;
-}
-
 // What an address may contain besides: the separators of its parts, and what was escaped already.
-bool IsOfAddress(wchar_t character) {
-    return IsUnreserved(character) ||
-           wstring_view(L":/?#[]@!$&'()*+,;=%").find(character) != wstring_view::npos;
-}
-
-// Appends a text with everything escaped, as bytes of UTF-8, but for what `stays` is true for.
-template <class Stays>
-void AppendEscaped(std::wstring& link, wstring_view text, Stays stays) {
-    constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
-    const int units = static_cast<int>(text.size());
-    std::string bytes(text.size() * 3, '\0');
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), units, bytes.data(),
-                                         static_cast<int>(bytes.size()), nullptr, nullptr);
-    for (const char byte : std::string_view(bytes.data(), static_cast<std::size_t>(size))) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value < 0x80 && stays(static_cast<wchar_t>(value))) {
-            link += static_cast<wchar_t>(value);
-        } else {
-            link.append({L'%', kDigits[value >> 4], kDigits[value & 15]});
-        }
-    }
+bool IsOfAddress(char character) {
+    return ObLib::IsUnreserved(character) ||
+           std::string_view(":/?#[]@!$&'()*+,;=%").find(character) != std::string_view::npos;
 }
 
 // "https://" and the like.
@@ -53,7 +30,8 @@ std::size_t LengthOfScheme(wstring_view pattern) {
     const std::size_t end = pattern.find(kAfterScheme);
     if (end == wstring_view::npos || end == 0 || !IsLetter(pattern[0])) return 0;
     const auto isOfScheme = [](wchar_t character) {
-        return IsUnreserved(character) && character != L'_' && character != L'~';
+        return character < 0x80 && ObLib::IsUnreserved(static_cast<char>(character)) &&
+               character != L'_' && character != L'~';
     };
     return std::ranges::all_of(pattern.substr(0, end), isOfScheme) ? end + kAfterScheme.size() : 0;
 }
@@ -77,8 +55,9 @@ bool IsLinkPattern(const std::wstring& pattern) {
 
 std::wstring EscapedPath(const std::wstring& path) {
     std::wstring text;
-    AppendEscaped(text, path,
-                  [](wchar_t character) { return IsUnreserved(character) || character == L'\\'; });
+    ObLib::AppendPercentEncoded(text, ObLib::ToUtf8(path), [](char character) {
+        return ObLib::IsUnreserved(character) || character == '\\';
+    });
     std::ranges::replace(text, L'\\', L'/');
     return text;
 }
@@ -88,11 +67,11 @@ std::wstring PatternLink(const std::wstring& pattern, const std::wstring& escape
     wstring_view rest = pattern;
     for (std::size_t place = rest.find(kPlace); place != wstring_view::npos;
          place = rest.find(kPlace)) {
-        AppendEscaped(link, rest.substr(0, place), &IsOfAddress);
+        ObLib::AppendPercentEncoded(link, ObLib::ToUtf8(rest.substr(0, place)), &IsOfAddress);
         link += escapedPath;
         rest.remove_prefix(place + kPlace.size());
     }
-    AppendEscaped(link, rest, &IsOfAddress);
+    ObLib::AppendPercentEncoded(link, ObLib::ToUtf8(rest), &IsOfAddress);
     return link;
 }
 

@@ -4,17 +4,14 @@
 #include <charconv>
 #include <vector>
 
+#include "ObLib/Src/PercentEncoding.h"
+
 namespace providers {
 namespace {
-
-constexpr char kHexDigits[] = "0123456789ABCDEF";
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-bool IsUnreserved(char c) {
-    return IsLetter(c) || IsDigit(c) || std::string_view("-._~").find(c) != std::string_view::npos;
-}
 
 int HexValue(char c) {
     if (IsDigit(c)) return c - '0';
@@ -26,23 +23,18 @@ bool IsEncoding(std::string_view text, std::size_t at) {
     return text.size() - at >= 3 && HexValue(text[at + 1]) >= 0 && HexValue(text[at + 2]) >= 0;
 }
 
-void AppendEncoded(std::string& to, char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    to += {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
-}
-
 // Encodes what may not be in a path or query, and leaves what is encoded.
 std::string Tidied(std::string_view text) {
     constexpr std::string_view kAllowed = "!$&'()*+,;=:@/?";
     std::string tidy;
     for (std::size_t at = 0; at < text.size(); ++at) {
         const char c = text[at];
-        const bool stays = IsUnreserved(c) || kAllowed.find(c) != std::string_view::npos ||
+        const bool stays = ObLib::IsUnreserved(c) || kAllowed.find(c) != std::string_view::npos ||
                            (c == '%' && IsEncoding(text, at));
         if (stays)
             tidy += c;
         else
-            AppendEncoded(tidy, c);
+            ObLib::AppendPercentByte(tidy, c);
     }
     return tidy;
 }
@@ -188,12 +180,7 @@ bool IsLoopback(const HttpOrigin& origin) {
 }
 
 void AppendPathPart(std::string& to, std::string_view part) {
-    for (const char c : part) {
-        if (IsUnreserved(c))
-            to += c;
-        else
-            AppendEncoded(to, c);
-    }
+    ObLib::AppendPercentEncoded(to, part, &ObLib::IsUnreserved);
 }
 
 std::string EncodePathPart(std::string_view part) {

@@ -2,17 +2,11 @@
 
 #include <windows.h>
 
+#include "ObLib/Src/Win32/Utf8.h"
+
 namespace providers {
 
-std::string ToUtf8(std::wstring_view text) {
-    if (text.empty()) return {};
-    const int units = static_cast<int>(text.size());
-    const int size =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), units, bytes.data(), size, nullptr, nullptr);
-    return bytes;
-}
+std::string ToUtf8(std::wstring_view text) { return ObLib::ToUtf8(text); }
 
 std::optional<std::wstring> FromUtf8(std::string_view bytes) {
     if (bytes.empty()) return std::wstring();
