@@ -4,6 +4,7 @@
 
 #include "services/providers/folder/NetworkFolder.h"
 #include "services/providers/storage/UploadRun.h"
+#include "services/providers/webdav/WebDav.h"
 
 namespace providers {
 namespace {
@@ -16,7 +17,7 @@ std::unique_ptr<StorageProvider> Make(const AccountBook& book) {
 }
 
 // One row a provider.
-constexpr Factory kFactories[] = {&Make<NetworkFolder>};
+constexpr Factory kFactories[] = {&Make<NetworkFolder>, &Make<WebDav>};
 
 } // namespace
 

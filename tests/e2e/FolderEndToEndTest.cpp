@@ -11,6 +11,7 @@
 #include "services/providers/folder/FolderDialogIds.h"
 #include "services/providers/storage/ProviderIds.h"
 #include "services/providers/storage/RecordTexts.h"
+#include "tests/e2e/CloudRequest.h"
 #include "tests/e2e/RealRequest.h"
 #include "tests/e2e/ZipContents.h"
 
@@ -22,35 +23,6 @@ using Texts = std::vector<std::wstring>;
 
 constexpr wchar_t kPattern[] = L"https://files.example.com/{path}";
 constexpr int kCloudButton = 3011;
-
-// Above the five megabytes that the default options allow, and nothing that a zip makes smaller.
-std::string LargeContent() {
-    std::string content(6 << 20, '\0');
-    std::uint32_t state = 88172645;
-    for (char& byte : content) {
-        state ^= state << 13;
-        state ^= state >> 17;
-        state ^= state << 5;
-        byte = static_cast<char>(state);
-    }
-    return content;
-}
-
-Texts FieldsOf(const std::wstring& text) {
-    Texts fields(1);
-    for (const wchar_t character : text) {
-        if (character == L'|') {
-            fields.emplace_back();
-        } else {
-            fields.back() += character;
-        }
-    }
-    return fields;
-}
-
-HWND AwaitDialogWith(int control) {
-    return WaitForTopWindow([=](HWND window) { return GetDlgItem(window, control) != nullptr; });
-}
 
 class FolderEndToEnd : public RealRequest {
 protected:
