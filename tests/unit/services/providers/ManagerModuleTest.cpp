@@ -6,8 +6,10 @@
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "OBCore/modules/ProviderLibrary.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/support/ProductRegistry.h"
 
 namespace {
@@ -104,6 +106,33 @@ TEST_F(ManagerModule, FailsEachStageRatherThanPassFilesAsChanged) {
     EXPECT_EQ(count, 1u);
     EXPECT_FALSE(ProviderManager().ExecuteFinalTransforms(manager.Get(), nullptr, paths, 1, 3,
                                                           nullptr, nullptr));
+}
+
+// A process that uses no cloud account never has the system's HTTP client.
+TEST_F(ManagerModule, DescribesItsStorageProvidersWithoutTheHttpClient) {
+    using On = slots::OnCloudProvider;
+    const OwnManager manager(kCurrentUser, kProviderManagerKey);
+    const std::pair<std::uint32_t, const wchar_t*> kProviders[] = {{101, L"Network folder"},
+                                                                   {102, L"WebDAV server"}};
+    for (const auto& [id, name] : kProviders) {
+        CloudProvider* const provider = ProviderManager().EnumStorageProviders(manager.Get());
+        ASSERT_NE(provider, nullptr);
+        EXPECT_EQ(On::GetProviderId::Call(provider), id);
+        wchar_t text[128] = L"";
+        std::uint32_t capacity = 128;
+        On::GetDisplayName::Call(provider, ProviderKind::Storage, text, &capacity);
+        EXPECT_STREQ(text, name);
+        for (std::uint32_t index = 0; index < 4; ++index) {
+            EXPECT_TRUE(ObLib::UniqueBitmap(ProviderManager().GetBitmap(provider, 1, index)));
+        }
+        for (const auto mask : {ProviderCapability::OpenPicker, ProviderCapability::FreeSpace,
+                                ProviderCapability::Folders}) {
+            EXPECT_TRUE(On::HasCapability::Call(provider, ProviderKind::Storage, mask));
+        }
+        EXPECT_FALSE(On::IsAccountLoggedIn::Call(provider, L"none"));
+    }
+    EXPECT_EQ(ProviderManager().EnumStorageProviders(manager.Get()), nullptr);
+    EXPECT_EQ(GetModuleHandleW(L"winhttp.dll"), nullptr);
 }
 
 TEST_F(ManagerModule, SchedulesNoDeletion) {
