@@ -10,6 +10,7 @@
 #include "services/providers/folder/FolderError.h"
 #include "services/providers/folder/FolderLink.h"
 #include "services/providers/folder/FolderPath.h"
+#include "services/providers/ui/FieldText.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 #include "services/providers/worker/DetachedThread.h"
@@ -30,25 +31,10 @@ struct OpenPage {
     bool isChecking = false;
 };
 
-std::wstring FieldText(HWND dialog, int id) {
-    const HWND field = GetDlgItem(dialog, id);
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(field)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(
-        GetWindowTextW(field, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
-std::wstring PatternText(HWND dialog) {
-    std::wstring text = FieldText(dialog, OB_FOLDER_PATTERN);
-    const std::size_t first = text.find_first_not_of(L" \t");
-    if (first == std::wstring::npos) return {};
-    return text.substr(first, text.find_last_not_of(L" \t") - first + 1);
-}
-
 // Empty while one of the fields makes no link.
 void ShowPreview(HWND dialog) {
     const std::wstring folder = FullFolderPath(FieldText(dialog, OB_FOLDER_PATH));
-    const std::wstring pattern = PatternText(dialog);
+    const std::wstring pattern = TrimmedText(dialog, OB_FOLDER_PATTERN);
     const bool isShare = !folder.empty() && !IsOnDrive(folder);
     const bool makesLink = pattern.empty() ? isShare : IsLinkPattern(pattern);
     SetDlgItemTextW(dialog, OB_FOLDER_PREVIEW,
@@ -89,7 +75,8 @@ void SetChecking(HWND dialog, OpenPage& open, bool isChecking) {
 
 // The fields, as they can be checked. False with the user told why they can't.
 bool TakeFields(HWND dialog, OpenPage& open) {
-    open.entered = {FullFolderPath(FieldText(dialog, OB_FOLDER_PATH)), PatternText(dialog)};
+    open.entered = {FullFolderPath(FieldText(dialog, OB_FOLDER_PATH)),
+                    TrimmedText(dialog, OB_FOLDER_PATTERN)};
     if (open.entered.folder.empty()) {
         Refuse(dialog, OB_FOLDER_PATH, OwnText(OB_TEXT_FOLDER_NO_FULL_PATH));
         return false;
