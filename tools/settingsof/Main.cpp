@@ -1,10 +1,11 @@
 // Opens the settings of one transform, or the page of the newest network folder, as the product's
 // settings dialogs will do.
 //
-//   settingsof ID|account [PICTURE.png]   with PICTURE nobody is asked: the dialog is drawn into
-//   that
-//                                         file and cancelled. Without an account "account" opens
-//                                         the login
+//   settingsof ID|account[ID] [PICTURE.png]
+//
+// With PICTURE nobody is asked: the dialog is drawn into that file and cancelled. ID is that of a
+// transform; after "account" that of a storage provider, network folders without one, whose newest
+// account is shown, or its login while it has none.
 //
 // PVXManager64.dll has to be beside this program. Ends with 0 when the dialog was shown.
 #include <windows.h>
@@ -12,6 +13,7 @@
 #include <cstdio>
 #include <cwchar>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include "ObLib/Src/Win32/LoadModule.h"
@@ -112,10 +114,11 @@ Function SlotOf(const CloudProvider& provider, std::size_t slot) {
     return reinterpret_cast<Function>(provider.table[slot]);
 }
 
-bool ShowAccount(const Manager& manager, ProviderManagerHandle handle, const wchar_t* picture) {
+bool ShowAccount(const Manager& manager, ProviderManagerHandle handle, std::uint32_t id,
+                 const wchar_t* picture) {
     using GetProfiles = std::int32_t (*)(CloudProvider*, ProviderProfile*, std::uint32_t);
     using Manage = void (*)(CloudProvider*, HWND, const wchar_t*);
-    CloudProvider* const provider = manager.instance(handle, kNetworkFolder, ProviderKind::Storage);
+    CloudProvider* const provider = manager.instance(handle, id, ProviderKind::Storage);
     if (!provider) return false;
     static ProviderProfile profiles[16];
     const std::int32_t count = SlotOf<GetProfiles>(*provider, 136)(provider, profiles, 16);
@@ -133,9 +136,12 @@ int Show(const Manager& manager, const wchar_t* what, const wchar_t* picture) {
     constexpr auto kCurrentUser = static_cast<std::int64_t>(static_cast<std::int32_t>(0x80000001));
     const ProviderManagerHandle handle = manager.create();
     manager.init(handle, kCurrentUser, kProviderManagerKey);
-    const auto id = static_cast<std::uint32_t>(std::wcstoul(what, nullptr, 10));
-    const bool good = std::wcscmp(what, L"account") == 0
-                          ? ShowAccount(manager, handle, picture)
+    constexpr std::wstring_view kAccount = L"account";
+    const bool isAccount = std::wstring_view(what).starts_with(kAccount);
+    const wchar_t* const number = isAccount ? what + kAccount.size() : what;
+    const auto id = static_cast<std::uint32_t>(std::wcstoul(number, nullptr, 10));
+    const bool good = isAccount
+                          ? ShowAccount(manager, handle, id != 0 ? id : kNetworkFolder, picture)
                           : ShowSettings(manager, handle, id, picture);
     manager.deinit(handle);
     manager.remove(handle);
