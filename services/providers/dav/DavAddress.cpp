@@ -1,5 +1,10 @@
 #include "services/providers/dav/DavAddress.h"
 
+#include <algorithm>
+#include <iterator>
+#include <span>
+#include <utility>
+
 #include "services/providers/http/Utf8.h"
 
 namespace providers {
@@ -12,6 +17,12 @@ constexpr std::string_view kUsualPlaces[] = {
     "webdav/",
     "dav/",
 };
+
+// The places among them that are at a server's root though its pages are below a folder.
+constexpr std::size_t kPlacesAtRoot = 2;
+
+// What a browser shows after the address of the server itself.
+constexpr std::string_view kPages[] = {"/index.php/", "/apps/", "/login/", "/s/", "/f/"};
 
 // Other schemes for the same two.
 constexpr std::pair<std::string_view, std::string_view> kSchemes[] = {
@@ -34,6 +45,40 @@ HttpUrl FolderUrl(HttpUrl url) {
     return url;
 }
 
+// The part in front of a page's address; nothing when the address has no page in it.
+std::optional<HttpUrl> InFrontOfPage(const HttpUrl& folder) {
+    std::size_t end = std::string::npos;
+    for (const std::string_view page : kPages) end = std::min(end, folder.path.find(page));
+    if (end == std::string::npos) return {};
+    HttpUrl front = folder;
+    front.path.resize(end + 1);
+    return front;
+}
+
+// Makes a list of addresses, each of them once.
+class Candidates {
+public:
+    explicit Candidates(std::wstring_view user) : user_(EncodePathPart(ToUtf8(user))) {}
+
+    void Add(const HttpUrl& url) {
+        if (std::ranges::find(urls_, url) == urls_.end()) urls_.push_back(url);
+    }
+    void AddUsualPlaces(const HttpUrl& folder, std::size_t count = std::size(kUsualPlaces)) {
+        for (const std::string_view place : std::span(kUsualPlaces).first(count)) {
+            std::string path(place);
+            if (const std::size_t at = path.find('%'); at != std::string::npos) {
+                path.replace(at, 1, user_);
+            }
+            if (const auto url = ResolveHttpUrl(folder, path)) Add(*url);
+        }
+    }
+    std::vector<HttpUrl> Take() { return std::move(urls_); }
+
+private:
+    std::string user_;
+    std::vector<HttpUrl> urls_;
+};
+
 // Whether another address may still be the right one.
 bool IsElsewhere(const DavError& error) {
     return error.fault == DavFault::NotFound || error.fault == DavFault::NotPossible ||
@@ -54,15 +99,18 @@ std::optional<HttpUrl> TypedAddress(std::wstring_view typed) {
 
 std::vector<HttpUrl> RootCandidates(const HttpUrl& typed, std::wstring_view user) {
     const HttpUrl own = FolderUrl(typed);
-    std::vector<HttpUrl> candidates{own};
-    for (const std::string_view place : kUsualPlaces) {
-        std::string path(place);
-        if (const std::size_t at = path.find('%'); at != std::string::npos) {
-            path.replace(at, 1, EncodePathPart(ToUtf8(user)));
-        }
-        if (const auto url = ResolveHttpUrl(own, path)) candidates.push_back(*url);
+    Candidates candidates(user);
+    candidates.Add(own);
+    if (const auto front = InFrontOfPage(own)) {
+        candidates.AddUsualPlaces(*front);
+        candidates.Add(*front);
     }
-    return candidates;
+    // A script has no folders below it.
+    if (own.path.find("/index.php/") == std::string::npos) candidates.AddUsualPlaces(own);
+    HttpUrl root = own;
+    root.path = "/";
+    candidates.AddUsualPlaces(root, kPlacesAtRoot);
+    return candidates.Take();
 }
 
 DavResult<DavItem> FindRoot(const DavClient& client, const std::vector<HttpUrl>& candidates) {

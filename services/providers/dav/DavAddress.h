@@ -12,7 +12,9 @@ namespace providers {
 // are left out. Nothing when it is none.
 std::optional<HttpUrl> TypedAddress(std::wstring_view typed);
 
-// The addresses to try, in order: the one that was typed, then the usual places of WebDAV below it.
+// The addresses to try, in order, at most a dozen: the one that was typed; where a browser shows a
+// page of a server by it, the usual places of WebDAV in front of that page; those below the
+// address; those at the server's root.
 std::vector<HttpUrl> RootCandidates(const HttpUrl& typed, std::wstring_view user);
 
 // The first of them that is a folder of WebDAV. A wrong password is tried once only. When none is

@@ -54,8 +54,11 @@ std::optional<DavSettings> ReadDavAccount(const AccountBook& book, const std::ws
     const auto root = ParseHttpUrl(ToUtf8(text(kAddressValue)));
     if (!root) return {};
     const std::wstring pattern = text(kPatternValue);
+    // Each account has this value: one that can't be read now never makes links without passwords.
+    const bool hasPasswords =
+        book.Text(kWebDavId, accountKey, kPasswordsValue).value_or(L"1") == L"1";
     DavSettings settings{*root, text(kUserValue), IsLinkPattern(pattern) ? pattern : std::wstring(),
-                         text(kPasswordsValue) == L"1"};
+                         hasPasswords};
     if (!CanBeKept(settings)) return {};
     return settings;
 }
@@ -97,12 +100,13 @@ std::wstring DavAccountOf(const AccountBook& book, const HttpUrl& root, const st
     return {};
 }
 
-std::wstring DavAccountAround(const AccountBook& book, const HttpUrl& url) {
+std::vector<std::wstring> DavAccountsAround(const AccountBook& book, const HttpUrl& url) {
+    std::vector<std::wstring> keys;
     for (const StorageAccount& account : book.Accounts(kWebDavId)) {
         const auto settings = ReadDavAccount(book, account.key);
-        if (settings && IsBelow(url, settings->root)) return account.key;
+        if (settings && IsBelow(url, settings->root)) keys.push_back(account.key);
     }
-    return {};
+    return keys;
 }
 
 bool IsBelow(const HttpUrl& url, const HttpUrl& root) {

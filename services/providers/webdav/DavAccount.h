@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "ObLib/Src/Win32/Secret.h"
 #include "services/providers/http/HttpUrl.h"
@@ -46,8 +47,9 @@ void RemoveDavAccount(const AccountBook& book, const std::wstring& accountKey);
 // The key of the account of this user and folder; empty for none.
 std::wstring DavAccountOf(const AccountBook& book, const HttpUrl& root, const std::wstring& user);
 
-// An account whose folder is around this address; empty for none.
-std::wstring DavAccountAround(const AccountBook& book, const HttpUrl& url);
+// The keys of the accounts whose folders are around this address, oldest first. They may be of
+// several users, who have different files at one address.
+std::vector<std::wstring> DavAccountsAround(const AccountBook& book, const HttpUrl& url);
 
 // Whether the address is below the folder of an account.
 bool IsBelow(const HttpUrl& url, const HttpUrl& root);

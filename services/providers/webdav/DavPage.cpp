@@ -72,21 +72,29 @@ std::wstring RulesText(const OpenPage& open) {
     return text;
 }
 
-// Why links have a password, or can't have one; nothing when the user decides.
-std::optional<UINT> PasswordRule(const OpenPage& open) {
-    if (open.links == Links::ByPattern) return OB_TEXT_DAV_PASSWORD_BY_PATTERN;
-    if (IsLinkPasswordPolicyOn()) return OB_TEXT_DAV_PASSWORD_BY_POLICY;
+// The check box for passwords.
+struct PasswordBox {
+    bool isFree;    // the user decides
+    bool isChecked; // at first
+    UINT note;
+};
+
+PasswordBox PasswordBoxOf(const OpenPage& open) {
+    const bool isWanted = open.page.settings.hasLinkPasswords;
+    if (IsLinkPasswordPolicyOn()) return {false, true, OB_TEXT_DAV_PASSWORD_BY_POLICY};
+    // A wish that can't be met is the user's to take back, and nobody else's.
+    if (open.links == Links::ByPattern)
+        return {isWanted, isWanted, OB_TEXT_DAV_PASSWORD_BY_PATTERN};
     const bool isByServer = open.links == Links::ByServer && open.answer.rules->needsPassword;
-    return isByServer ? std::optional<UINT>(OB_TEXT_DAV_PASSWORD_BY_SERVER) : std::nullopt;
+    if (isByServer) return {false, true, OB_TEXT_DAV_PASSWORD_BY_SERVER};
+    return {true, isWanted, OB_TEXT_DAV_PASSWORD_NOTE};
 }
 
 void ShowPasswords(HWND dialog, const OpenPage& open) {
-    const auto rule = PasswordRule(open);
-    const bool isChecked =
-        rule ? rule != OB_TEXT_DAV_PASSWORD_BY_PATTERN : open.page.settings.hasLinkPasswords;
-    EnableWindow(GetDlgItem(dialog, OB_DAV_PAGE_PASSWORDS), !rule);
-    CheckDlgButton(dialog, OB_DAV_PAGE_PASSWORDS, isChecked ? BST_CHECKED : BST_UNCHECKED);
-    Show(dialog, OB_DAV_PAGE_PASSWORDS_NOTE, OwnText(rule.value_or(OB_TEXT_DAV_PASSWORD_NOTE)));
+    const PasswordBox box = PasswordBoxOf(open);
+    EnableWindow(GetDlgItem(dialog, OB_DAV_PAGE_PASSWORDS), box.isFree);
+    CheckDlgButton(dialog, OB_DAV_PAGE_PASSWORDS, box.isChecked ? BST_CHECKED : BST_UNCHECKED);
+    Show(dialog, OB_DAV_PAGE_PASSWORDS_NOTE, OwnText(box.note));
 }
 
 // A disabled control keeps no focus.
@@ -154,18 +162,16 @@ std::wstring RefusalOf(const OpenPage& open, const DavSettings& entered) {
     if (open.links != Links::ByPattern) return {};
     const LinkPlan plan = PlanLinks(entered, {});
     if (plan.way != LinkWay::None) return {};
-    return entered.pattern.empty() ? OwnText(OB_TEXT_DAV_PATTERN_NEEDED) : plan.sentence;
+    const bool isPasswordWanted = entered.hasLinkPasswords || IsLinkPasswordPolicyOn();
+    return isPasswordWanted ? plan.sentence : OwnText(OB_TEXT_DAV_PATTERN_NEEDED);
 }
 
 void Save(HWND dialog, OpenPage& open) {
     DavSettings entered = open.page.settings;
     entered.pattern = TrimmedText(dialog, OB_DAV_PAGE_PATTERN);
-    const auto rule = PasswordRule(open);
-    if (!rule) {
+    if (PasswordBoxOf(open).isFree) {
         entered.hasLinkPasswords = IsDlgButtonChecked(dialog, OB_DAV_PAGE_PASSWORDS) == BST_CHECKED;
     }
-    // The wish can't be met, and the user has seen that.
-    if (rule == OB_TEXT_DAV_PASSWORD_BY_PATTERN) entered.hasLinkPasswords = false;
     const std::wstring refusal = RefusalOf(open, entered);
     if (!refusal.empty()) {
         Refuse(dialog, refusal);

@@ -127,22 +127,38 @@ private:
     UploadProgress& progress_;
 };
 
-// Removes a file by the login of its account. An account that is logged out has left a promise:
-// another one with the file in its folder carries it out, and without any the file can't be reached
-// for good.
+// Whether the login of another account removes the file. Servers have several users at one address:
+// what isn't there, or is another version, may be another user's folder.
+template <class Remove>
+bool IsRemovedByAnother(DavServers& servers, const std::wstring& other, const HttpUrl& url,
+                        HANDLE ended, Remove remove) {
+    const auto access = servers.AccessTo(other);
+    if (!access || IsSet(ended)) return false;
+    const DavClient client(servers.Session(), access->login, ended, kNoPatience);
+    return std::holds_alternative<DavItem>(client.Look(url)) &&
+           remove(client, access->root) == DeletionEnd::Gone;
+}
+
+// Removes a file by the login of its account. An account that is logged out, or can't be read now,
+// has left a promise: another one with the file in its folder carries it out, and until there is
+// one the file can't be reached.
 template <class Remove>
 DeletionEnd RemoveBy(DavServers& servers, const std::wstring& key, const std::wstring& path,
                      HANDLE ended, Remove remove) {
     const auto url = ParseHttpUrl(ToUtf8(path));
     if (!url) return DeletionEnd::Changed;
     if (IsSet(ended)) return DeletionEnd::Unreachable;
-    const bool isAccount = ReadDavAccount(servers.Book(), key).has_value();
-    const std::wstring around = isAccount ? key : DavAccountAround(servers.Book(), *url);
-    if (around.empty()) return DeletionEnd::Gone;
-    const auto access = servers.AccessTo(around);
-    if (!access) return DeletionEnd::Unreachable;
-    const DavClient client(servers.Session(), access->login, ended, kNoPatience);
-    return remove(client, access->root);
+    if (ReadDavAccount(servers.Book(), key)) {
+        const auto access = servers.AccessTo(key);
+        if (!access) return DeletionEnd::Unreachable;
+        const DavClient client(servers.Session(), access->login, ended, kNoPatience);
+        return remove(client, access->root);
+    }
+    const auto others = DavAccountsAround(servers.Book(), *url);
+    const bool isGone = std::ranges::any_of(others, [&](const std::wstring& other) {
+        return IsRemovedByAnother(servers, other, *url, ended, remove);
+    });
+    return isGone ? DeletionEnd::Gone : DeletionEnd::Unreachable;
 }
 
 DavResult<std::vector<DavItem>> ListFolder(DavServers& servers, const std::wstring& key,

@@ -12,6 +12,13 @@ std::string Typed(const wchar_t* address) {
     return url ? HttpUrlText(*url) : "none";
 }
 
+std::vector<std::string> Tried(const std::wstring& address, std::wstring_view user) {
+    std::vector<std::string> paths;
+    for (const HttpUrl& url : RootCandidates(TypedAddress(address).value(), user))
+        paths.push_back(url.path);
+    return paths;
+}
+
 class DavAddressTest : public DavAccount {
 protected:
     // The path that is found from a typed address, or why none is.
@@ -38,19 +45,38 @@ TEST_P(DavAddressTest, TakesWhatPeopleType) {
     }
 }
 
-TEST_P(DavAddressTest, TriesTheUsualPlacesBelowTheAddress) {
-    std::vector<std::string> tried;
-    for (const HttpUrl& url : RootCandidates(*TypedAddress(L"cloud.example.org/sub?x"), L"a b/c"))
-        tried.push_back(url.path);
+TEST_P(DavAddressTest, TriesTheUsualPlacesBelowTheAddressAndTheRoot) {
     EXPECT_EQ((std::vector<std::string>{"/sub/", "/sub/remote.php/dav/files/a%20b%2Fc/",
-                                        "/sub/remote.php/webdav/", "/sub/webdav/", "/sub/dav/"}),
-              tried);
+                                        "/sub/remote.php/webdav/", "/sub/webdav/", "/sub/dav/",
+                                        "/remote.php/dav/files/a%20b%2Fc/", "/remote.php/webdav/"}),
+              Tried(L"cloud.example.org/sub?x", L"a b/c"));
+    EXPECT_EQ((std::vector<std::string>{"/", "/remote.php/dav/files/u/", "/remote.php/webdav/",
+                                        "/webdav/", "/dav/"}),
+              Tried(L"cloud.example.org", L"u"));
+}
+
+TEST_P(DavAddressTest, TriesTheUsualPlacesInFrontOfThePageThatABrowserShows) {
+    EXPECT_EQ(
+        (std::vector<std::string>{"/sub/index.php/apps/files/", "/sub/remote.php/dav/files/u/",
+                                  "/sub/remote.php/webdav/", "/sub/webdav/", "/sub/dav/", "/sub/",
+                                  "/remote.php/dav/files/u/", "/remote.php/webdav/"}),
+        Tried(L"cloud.example.org/sub/index.php/apps/files/?dir=/x", L"u"));
+    for (const wchar_t* page : {L"/apps/files/files/12", L"/login", L"/s/a1b2", L"/f/12",
+                                L"/index.php", L"/index.php/login?redirect_url=/apps/files"}) {
+        const auto tried = Tried(std::wstring(L"cloud.example.org") + page, L"u");
+        ASSERT_GT(tried.size(), 5u) << ToUtf8(page);
+        EXPECT_EQ("/remote.php/dav/files/u/", tried[1]) << ToUtf8(page);
+        EXPECT_EQ("/", tried[5]) << ToUtf8(page);
+        EXPECT_LE(tried.size(), 10u) << ToUtf8(page);
+    }
 }
 
 TEST_P(DavAddressTest, FindsTheFolder) {
     EXPECT_EQ("/dav/", Found(L"/dav/", L"u"));
     EXPECT_EQ("/dav/", Found(L"/dav", L"u"));
     EXPECT_EQ("/dav/", Found(L"", L"u"));
+    EXPECT_EQ("/dav/", Found(L"/index.php/apps/files/?dir=/", L"u"));
+    EXPECT_EQ("/dav/", Found(L"/apps/files/files/12", L"u"));
     relay_.Begin(GetParam());
     relay_.On("PROPFIND", "status 401");
     EXPECT_EQ(Outcome(DavFault::WrongLogin, 401), Found(L"", L"u"));

@@ -65,10 +65,11 @@ TEST_F(DavAccountTest, IsFoundByItsFolderAndUser) {
     EXPECT_EQ(DavAccountOf(book_, ann_.root, L"ann@example.org"), account->key);
     EXPECT_EQ(DavAccountOf(book_, ann_.root, L"Ann@example.org"), L"");
     EXPECT_EQ(DavAccountOf(book_, Root("https://cloud.example.org/dav/a%20b/"), ann_.user), L"");
-    EXPECT_EQ(DavAccountAround(book_, UrlBelow(ann_.root, "x.zip")), account->key);
-    EXPECT_EQ(DavAccountAround(book_, ann_.root), L"");
-    EXPECT_EQ(DavAccountAround(book_, Root("https://cloud.example.org:8443/dav/x.zip")), L"");
-    EXPECT_EQ(DavAccountAround(book_, Root("https://cloud.example.org/dav/a%20b/x.zip")), L"");
+    const auto around = [&](const HttpUrl& url) { return DavAccountsAround(book_, url); };
+    EXPECT_EQ(around(UrlBelow(ann_.root, "x.zip")), std::vector{account->key});
+    EXPECT_TRUE(around(ann_.root).empty());
+    EXPECT_TRUE(around(Root("https://cloud.example.org:8443/dav/x.zip")).empty());
+    EXPECT_TRUE(around(Root("https://cloud.example.org/dav/a%20b/x.zip")).empty());
 }
 
 TEST_F(DavAccountTest, ChangesAllButThePassword) {
@@ -135,6 +136,18 @@ TEST_F(DavAccountTest, DamagedValuesMakeNoAccount) {
         EXPECT_FALSE(ReadDavAccount(book_, account->key)) << address;
     }
     EXPECT_FALSE(ReadDavAccount(book_, L"..\\101"));
+}
+
+// No link goes out without a password because the registry couldn't be read once.
+TEST_F(DavAccountTest, HasPasswordsWhenTheValueCannotBeRead) {
+    const auto account = Add(ann_);
+    ASSERT_TRUE(account);
+    Set(account->key, L"LinkPasswords", L"");
+    EXPECT_FALSE(ReadDavAccount(book_, account->key)->hasLinkPasswords);
+    const std::wstring key =
+        std::wstring(obcontract::kProviderManagerKey) + L"\\Accounts\\102\\" + account->key;
+    ASSERT_EQ(RegDeleteKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"LinkPasswords"), 0);
+    EXPECT_TRUE(ReadDavAccount(book_, account->key)->hasLinkPasswords);
 }
 
 TEST_F(DavAccountTest, IsRemovedWithItsPassword) {

@@ -162,8 +162,30 @@ TEST_F(DavPageDialog, ShowsWhoDecidesAboutPasswords) {
     EXPECT_EQ(Passwords(), L"off, fixed: Links by a pattern have no password.");
     obtest::SetMachinePolicy(L"RequireLinkPassword", L"1");
     answer_.rules = MakesLinks();
-    EXPECT_EQ(Passwords(), L"on, fixed: Your administrator requires it. " + once +
-                               L": send it to the recipients another way than the link.");
+    const std::wstring byPolicy = L"on, fixed: Your administrator requires it. " + once +
+                                  L": send it to the recipients another way than the link.";
+    EXPECT_EQ(Passwords(), byPolicy);
+    answer_ = {};
+    EXPECT_EQ(Passwords(), byPolicy);
+}
+
+// A server may make no links today and do so tomorrow: only the user takes the wish back.
+TEST_F(DavPageDialog, KeepsTheWishForPasswordsThatAPatternCannotMeet) {
+    page_.settings.hasLinkPasswords = true;
+    constexpr wchar_t kNoPasswords[] =
+        L"Each link has to have a password, and the server \u201Ccloud.example.org\u201D "
+        L"can't protect links by passwords. Please choose another account, or ask whoever "
+        L"manages the server.";
+    EXPECT_EQ(Passwords(), L"on, free: Links by a pattern have no password.");
+    EXPECT_EQ(RefusalOf(kPattern), kNoPasswords);
+    EXPECT_EQ(RefusalOf(L" "), kNoPasswords);
+    EXPECT_TRUE(page_.settings.hasLinkPasswords);
+    EXPECT_EQ(Show([](HWND dialog) {
+                  CheckDlgButton(dialog, OB_DAV_PAGE_PASSWORDS, BST_UNCHECKED);
+                  obtest::PressCommand(dialog, IDOK);
+              }),
+              DavPageEnd::Saved);
+    EXPECT_FALSE(page_.settings.hasLinkPasswords);
 }
 
 // What somebody else decides doesn't change what the user has chosen.
@@ -181,10 +203,12 @@ TEST_F(DavPageDialog, AsksForAPatternThatMakesLinks) {
     EXPECT_EQ(RefusalOf(L" "), L"This server makes no links itself, so links need a pattern. "
                                L"Please enter one, such as https://files.example.com/{path}.");
     obtest::SetMachinePolicy(L"RequireLinkPassword", L"1");
-    EXPECT_EQ(RefusalOf(kPattern),
-              L"Each link has to have a password, and the server \u201Ccloud.example.org\u201D "
-              L"can't protect links by passwords. Please choose another account, or ask whoever "
-              L"manages the server.");
+    for (const wchar_t* pattern : {kPattern, L" "}) {
+        EXPECT_EQ(RefusalOf(pattern),
+                  L"Each link has to have a password, and the server \u201Ccloud.example.org\u201D "
+                  L"can't protect links by passwords. Please choose another account, or ask "
+                  L"whoever manages the server.");
+    }
 }
 
 TEST_F(DavPageDialog, CanBeUsedWhileTheServerIsSilent) {

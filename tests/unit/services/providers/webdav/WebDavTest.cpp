@@ -490,11 +490,32 @@ TEST_F(WebDavTest, DeletesTheFileOfAnAccountThatIsLoggedOutByAnotherOneOfTheFold
     ASSERT_EQ(first.end, UploadEnd::Done);
     ASSERT_EQ(second.end, UploadEnd::Done);
     provider_.LogOut(account.key, nullptr);
-    EXPECT_EQ(provider_.Delete(account.key, first.stored, ended_.Get()), DeletionEnd::Gone);
-    EXPECT_EQ(Stored().size(), 2u); // it can't be reached any more
+    EXPECT_EQ(provider_.Delete(account.key, first.stored, ended_.Get()), DeletionEnd::Unreachable);
+    EXPECT_EQ(Stored().size(), 2u); // until there is an account again
     AddAccount();
     EXPECT_EQ(provider_.Delete(account.key, second.stored, ended_.Get()), DeletionEnd::Gone);
     EXPECT_EQ(Stored(), std::vector<std::wstring>{L"Quillbox\\20261122101530\\first.zip"});
+    EXPECT_EQ(provider_.Delete(account.key, first.stored, ended_.Get()), DeletionEnd::Gone);
+    EXPECT_THAT(Stored(), IsEmpty());
+}
+
+// At one address each user of a server has files of their own.
+TEST_F(WebDavTest, AnotherUsersFolderWithoutTheFileKeepsTheDeletion) {
+    const StorageAccount account = AddAccount();
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done);
+    provider_.LogOut(account.key, nullptr);
+    ASSERT_TRUE(AddDavAccount(book_, {Root(), L"another user", kPattern, false}, login_.password));
+    const auto deleteIt = [&] {
+        return provider_.Delete(account.key, uploaded.stored, ended_.Get());
+    };
+    relay_.On("PROPFIND", "status 404");
+    EXPECT_EQ(deleteIt(), DeletionEnd::Unreachable);
+    AddAccount();
+    relay_.Begin("apache");
+    relay_.On("PROPFIND", "status 404"); // the other user's account is the older one
+    EXPECT_EQ(deleteIt(), DeletionEnd::Gone);
+    EXPECT_THAT(Stored(), IsEmpty());
 }
 
 TEST_F(WebDavTest, DeletesNothingThatWasChangedOrCannotBeReached) {
