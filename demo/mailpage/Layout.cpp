@@ -63,7 +63,9 @@ Layout MakeLayout(const RECT& client, Scale scale, int rows) {
     Layout layout{};
     layout.frame = {0, 0, client.right, scale(52)};
     layout.address = {scale(88), scale(10), client.right - scale(20), scale(42)};
-    layout.status = {scale(24), client.bottom - scale(26), client.right - scale(24), client.bottom};
+    // Two lines of text.
+    layout.status = {scale(24), client.bottom - scale(38), client.right - scale(24),
+                     client.bottom - scale(2)};
     layout.card = {scale(24), layout.frame.bottom + scale(density.gap), client.right - scale(24),
                    layout.status.top - scale(6)};
     const RECT& card = layout.card;

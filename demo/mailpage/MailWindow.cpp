@@ -6,6 +6,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "demo/mailpage/Files.h"
+#include "demo/mailpage/LinkText.h"
 #include "demo/mailpage/Picture.h"
 
 namespace mailpage {
@@ -52,7 +53,8 @@ LRESULT ColourControl(WPARAM wide, COLORREF ink, COLORREF ground, const ObLib::U
     return reinterpret_cast<LRESULT>(brush.Get());
 }
 
-std::wstring StatusOf(const AttachAnswer& answer) {
+std::wstring StatusOf(const AttachAnswer& answer, const std::wstring& popup) {
+    if (!popup.empty()) return popup;
     if (!answer.links.empty()) return L"Links were put into the message.";
     if (answer.paths.empty()) return L"No file was chosen.";
     std::wstring text = answer.paths.size() == 1
@@ -183,7 +185,7 @@ bool MailWindow::CreateControls() {
         AddControl(L"LISTBOX", L"", kList, kAttachmentList) &&
         AddControl(L"BUTTON", L"Send", WS_TABSTOP | BS_OWNERDRAW, kSendButton) &&
         AddControl(L"BUTTON", L"Attach files...", WS_TABSTOP | BS_OWNERDRAW, kAttachButton) &&
-        AddControl(L"STATIC", L"Ready.", SS_ENDELLIPSIS | SS_NOPREFIX, kStatusLine);
+        AddControl(L"STATIC", L"Ready.", SS_NOPREFIX, kStatusLine);
     if (made) ApplyScale();
     return made;
 }
@@ -243,15 +245,10 @@ void MailWindow::Attach() {
 }
 
 void MailWindow::Take(const AttachAnswer& answer) {
-    for (const auto& list : {answer.paths, answer.links}) {
-        for (const auto& entry : list) {
-            attachments_.push_back(entry);
-            ListBox_AddString(Control(kAttachmentList), entry.c_str());
-        }
-    }
-    for (const auto& link : answer.links) InsertText(link);
+    for (const auto& path : answer.paths) Add({FileName(path), path});
+    const std::wstring popup = TakeLinks(answer.links);
     cleanup_.insert(cleanup_.end(), answer.cleanup.begin(), answer.cleanup.end());
-    SetStatus(StatusOf(answer));
+    SetStatus(StatusOf(answer, popup));
     Arrange();
     if (!options_.pictureFile.empty() && !SavePicture(window_.Get(), options_.pictureFile)) {
         SetStatus(L"The picture could not be written.");
@@ -259,6 +256,25 @@ void MailWindow::Take(const AttachAnswer& answer) {
     if (!options_.resultFile.empty() && !WriteAnswer(options_.resultFile, answer)) {
         SetStatus(L"The result file could not be written.");
     }
+}
+
+void MailWindow::Add(const Attachment& attachment) {
+    attachments_.push_back(attachment);
+    ListBox_AddString(Control(kAttachmentList), attachment.place.c_str());
+}
+
+// What the sender is to read about them; empty when there is nothing.
+std::wstring MailWindow::TakeLinks(const std::vector<std::wstring>& texts) {
+    std::wstring popup;
+    for (const auto& given : texts) {
+        const LinkText text = ReadLinkText(given);
+        for (const auto& [name, link] : text.files) {
+            Add({name.empty() ? L"Link in the message" : name, link, true});
+        }
+        InsertText(text.message);
+        if (!text.popup.empty()) popup = text.popup;
+    }
+    return popup;
 }
 
 void MailWindow::InsertText(const std::wstring& text) {
@@ -271,7 +287,9 @@ void MailWindow::InsertText(const std::wstring& text) {
 void MailWindow::Send() {
     std::vector<std::wstring> files;
     for (const auto& entry : attachments_) {
-        if (GetFileAttributesW(entry.c_str()) != INVALID_FILE_ATTRIBUTES) files.push_back(entry);
+        if (!entry.isLink && GetFileAttributesW(entry.place.c_str()) != INVALID_FILE_ATTRIBUTES) {
+            files.push_back(entry.place);
+        }
     }
     if (!options_.outbox.empty() && !CopyToOutbox(options_.outbox, files)) {
         SetStatus(L"The message could not be sent: an attachment can't be read.");

@@ -20,8 +20,15 @@ inline constexpr int kSubjectField = 102;
 inline constexpr int kBodyField = 103;
 inline constexpr int kAttachButton = 104;
 inline constexpr int kSendButton = 105;
-inline constexpr int kAttachmentList = 106; // its strings are the full paths and the link texts
+inline constexpr int kAttachmentList = 106; // its strings are the full paths and the links
 inline constexpr int kStatusLine = 107;
+
+// What the list shows: a file, or a link that the message has.
+struct Attachment {
+    std::wstring name;
+    std::wstring place; // the full path, or the link
+    bool isLink = false;
+};
 
 // Lives on the thread that runs it, with COM and the drawing library up.
 class MailWindow {
@@ -54,6 +61,8 @@ private:
 
     void Attach();
     void Take(const AttachAnswer& answer);
+    void Add(const Attachment& attachment);
+    std::wstring TakeLinks(const std::vector<std::wstring>& texts);
     void InsertText(const std::wstring& text);
     void Send();
     void CleanUp();
@@ -68,7 +77,7 @@ private:
     Scale scale_;
     std::optional<Fonts> fonts_;
     Layout layout_;
-    std::vector<std::wstring> attachments_;
+    std::vector<Attachment> attachments_;
     std::vector<CleanupNote> cleanup_;
     ObLib::UniqueWindow window_;
 };

@@ -4,12 +4,10 @@
 namespace mailpage {
 namespace {
 
-bool IsLink(const std::wstring& entry) { return entry.find(L"://") != std::wstring::npos; }
-
 // The text in the coloured mark before an attachment.
-std::wstring MarkText(const std::wstring& entry) {
-    if (IsLink(entry)) return L"LINK";
-    const std::wstring name = FileName(entry);
+std::wstring MarkText(const Attachment& entry) {
+    if (entry.isLink) return L"LINK";
+    const std::wstring& name = entry.name;
     const std::size_t point = name.rfind(L'.');
     std::wstring extension = point == std::wstring::npos ? L"FILE" : name.substr(point + 1, 4);
     CharUpperW(extension.data());
@@ -109,7 +107,7 @@ void MailWindow::PaintAttachment(const DRAWITEMSTRUCT& item) const {
     const BufferedPaint buffer(item.hDC, item.rcItem);
     FillArea(buffer.Dc(), item.rcItem, colour::kCard);
     if (item.itemID >= attachments_.size()) return;
-    const std::wstring& entry = attachments_[item.itemID];
+    const Attachment& entry = attachments_[item.itemID];
     RECT chip = item.rcItem;
     InflateRect(&chip, -scale_(4), -scale_(3));
     const bool chosen = item.itemState & ODS_SELECTED;
@@ -123,11 +121,10 @@ void MailWindow::PaintAttachment(const DRAWITEMSTRUCT& item) const {
     RECT upper{badge.right + scale_(12), chip.top + scale_(1), chip.right - scale_(12),
                (chip.top + chip.bottom) / 2 + scale_(1)};
     RECT lower{upper.left, upper.bottom - scale_(2), upper.right, chip.bottom - scale_(2)};
-    DrawLine(buffer.Dc(), fonts_->bold.Get(), upper, colour::kText,
-             IsLink(entry) ? L"Link in the message" : FileName(entry));
-    const std::wstring size = IsLink(entry) ? L"" : FileSizeText(entry);
+    DrawLine(buffer.Dc(), fonts_->bold.Get(), upper, colour::kText, entry.name);
+    const std::wstring size = entry.isLink ? L"" : FileSizeText(entry.place);
     DrawLine(buffer.Dc(), fonts_->small.Get(), lower, colour::kQuiet,
-             size.empty() ? entry : size + L"  \u00B7  " + entry);
+             size.empty() ? entry.place : size + L"  \u00B7  " + entry.place);
 }
 
 } // namespace mailpage

@@ -1,8 +1,16 @@
 // What a user sees of a request isn't blank and grows with the screen's scale. With OB_PICTURES, a
 // folder, the pictures are stored there to be looked at.
+#include <algorithm>
 #include <cstdio>
 #include <iterator>
 
+#include "contracts/ProviderManager.h"
+#include "demo/mailpage/MailWindow.h"
+#include "services/providers/AccountStore.h"
+#include "services/providers/folder/FolderAccount.h"
+#include "services/providers/storage/ProviderIds.h"
+#include "services/providers/storage/RecordTexts.h"
+#include "tests/e2e/CloudRequest.h"
 #include "tests/e2e/RealRequest.h"
 #include "tests/support/PasswordUiDriver.h"
 #include "tests/support/PictureSuite.h"
@@ -88,10 +96,29 @@ TEST_F(Pictures, ThePasswordPromptShowsItsFields) {
     EXPECT_TRUE(driver.Done());
 }
 
-TEST_F(Pictures, TheMailPageShowsTheFilesThatItGot) {
-    const std::wstring one = files_.File(L"Meeting notes.txt", std::string(20000, 'n'));
-    const std::wstring two = files_.File(L"Chart.png", std::string(3000, 'c'));
-    const std::wstring result = files_.Path() + L"\\answer.txt";
+// A mail page that asks once; whoever uses its picker comes after it.
+class PageProgram {
+public:
+    explicit PageProgram(const std::wstring& result) { Start(result); }
+    ~PageProgram() {
+        if (WaitForSingleObject(process_.Get(), 0) != WAIT_OBJECT_0) {
+            TerminateProcess(process_.Get(), 1);
+        }
+    }
+    HWND Window() const { return FindMainWindow(id_); }
+    void Close() const {
+        PostMessageW(Window(), WM_CLOSE, 0, 0);
+        EXPECT_EQ(WaitForSingleObject(process_.Get(), kPageLimit), WAIT_OBJECT_0);
+    }
+
+private:
+    void Start(const std::wstring& result);
+
+    ObLib::UniqueKernelHandle process_;
+    DWORD id_ = 0;
+};
+
+void PageProgram::Start(const std::wstring& result) {
     std::wstring command = L"C:\\app\\mailpage.exe --auto --keep-open --no-fallback-dialog "
                            L"--result \"" +
                            result + L"\"";
@@ -101,16 +128,65 @@ TEST_F(Pictures, TheMailPageShowsTheFilesThatItGot) {
     ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
                                nullptr, &startup, &started));
     CloseHandle(started.hThread);
-    const ObLib::UniqueKernelHandle process(started.hProcess);
+    process_.Reset(started.hProcess);
+    id_ = started.dwProcessId;
+}
+
+TEST_F(Pictures, TheMailPageShowsTheFilesThatItGot) {
+    const std::wstring one = files_.File(L"Meeting notes.txt", std::string(20000, 'n'));
+    const std::wstring two = files_.File(L"Chart.png", std::string(3000, 'c'));
+    const std::wstring result = files_ / L"answer.txt";
+    const PageProgram page(result);
     PickerUiDriver driver(Pick(Choice::Zip, {one, two}));
     EXPECT_TRUE(driver.Done());
     EXPECT_TRUE(WaitUntil([&] { return FileExists(result); }, kPageLimit));
-    const HWND window = FindMainWindow(started.dwProcessId);
-    EXPECT_TRUE(window);
-    Look(window, L"mailpage", 600, 400);
-    PostMessageW(window, WM_CLOSE, 0, 0);
-    EXPECT_EQ(WaitForSingleObject(process.Get(), kPageLimit), WAIT_OBJECT_0);
-    if (WaitForSingleObject(process.Get(), 0) != WAIT_OBJECT_0) TerminateProcess(process.Get(), 1);
+    Look(page.Window(), L"mailpage", 600, 400);
+    page.Close();
+}
+
+// The text of the list's only entry, and the mail's.
+void ExpectLinkInMail(HWND page, const std::wstring& link) {
+    const HWND list = GetDlgItem(page, mailpage::kAttachmentList);
+    std::wstring place(512, L'\0');
+    EXPECT_EQ(SendMessageW(list, LB_GETCOUNT, 0, 0), 1);
+    place.resize(static_cast<std::size_t>(
+        SendMessageW(list, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(place.data()))));
+    EXPECT_EQ(place, link);
+    const std::wstring mail = ItemText(page, mailpage::kBodyField);
+    EXPECT_NE(mail.find(L"large.zip\r\n" + link + L"\r\n"), std::wstring::npos) << mail;
+    EXPECT_EQ(mail.find(L'|'), std::wstring::npos) << mail;
+    EXPECT_EQ(mail.find(L'#'), std::wstring::npos) << mail;
+}
+
+// The path of the one stored file, as a link has it.
+std::wstring StoredBelow(const std::wstring& folder) {
+    for (std::wstring path : ListTree(folder)) {
+        std::ranges::replace(path, L'\\', L'/');
+        if (path.ends_with(L"large.zip")) return path;
+    }
+    ADD_FAILURE() << "nothing was stored";
+    return {};
+}
+
+TEST_F(Pictures, TheMailPageShowsALinkWithItsSentences) {
+    const std::wstring cloud = files_.Folder(L"Our cloud");
+    const providers::AccountBook book(HKEY_CURRENT_USER, obcontract::kProviderManagerKey);
+    const providers::AccountStore store(HKEY_CURRENT_USER, obcontract::kProviderManagerKey);
+    const auto account = providers::AddFolder(book, {cloud, L"https://files.example.com/{path}"});
+    ASSERT_TRUE(account);
+    ASSERT_TRUE(
+        store.SaveDefaultProfile(providers::ProfileOf(providers::kNetworkFolderId, *account)));
+    const std::wstring file = files_.File(L"large.bin", LargeContent());
+    const std::wstring result = files_ / L"answer.txt";
+    const PageProgram page(result);
+    PickerUiDriver driver(Pick(Choice::Zip, {file}));
+    EXPECT_TRUE(driver.Done());
+    EXPECT_TRUE(WaitUntil([&] { return FileExists(result); }, kPageLimit));
+    ExpectLinkInMail(page.Window(), L"https://files.example.com/" + StoredBelow(cloud));
+    EXPECT_EQ(ItemText(page.Window(), mailpage::kStatusLine), Text(160));
+    ExpectWholeText(GetDlgItem(page.Window(), mailpage::kStatusLine));
+    Look(page.Window(), L"mailpage-link", 600, 400);
+    page.Close();
 }
 
 } // namespace
