@@ -52,5 +52,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t siz
             "it grows by the font alone");
     if ((KindWord(*once) == 0xFFFF) != (KindWord(bytes) == 0xFFFF)) return 0;
     Require(RewriteTemplate(*once, extra, font) == once, "the second time changes nothing");
+    // Whatever is lost on the way to another font and back would be missing.
+    const auto other = RewriteTemplate(*once, extra, TemplateFont{L"Another face", 11});
+    Require(other && RewriteTemplate(*other, extra, font) == once, "the items stay");
     return 0;
 }

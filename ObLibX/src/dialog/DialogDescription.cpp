@@ -7,6 +7,9 @@ namespace {
 
 using ObLib::ObString;
 
+constexpr std::int32_t kSmallestFont = 1; // points
+constexpr std::int32_t kLargestFont = 1638;
+
 constexpr wchar_t kModule[] = L"ObLibX\\src\\DialogDescription.cpp";
 
 const ObXMLNode* Below(const ObXMLNode& node, const wchar_t* first, const wchar_t* second) {
@@ -19,7 +22,9 @@ void ReadBaseFont(const ObXMLNode& fonts, BaseFont& font) {
     if (base == nullptr) return;
     const ObString name = base->Attribute(L"name", ObString());
     ObAssert(name.HasText());
-    font = {name, base->IntAttribute(L"size", 9)};
+    const std::int32_t size = base->IntAttribute(L"size", 9);
+    ObAssert(size >= kSmallestFont && size <= kLargestFont);
+    font = {name, size};
 }
 
 void ReadSubstitution(const ObXMLNode& pair, FontSubstitution& substitution) {

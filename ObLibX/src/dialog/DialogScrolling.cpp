@@ -44,6 +44,7 @@ void Run(const ScrollArea& area, std::int64_t position) {
     }
 }
 
+// Bars keep positions as int, so a panel has fewer units than that has.
 void ScrollTo(const ScrollArea& area, std::int64_t position) {
     ShowPosition(area.scrollBarWindow, position);
     Run(area, position);
@@ -77,8 +78,12 @@ DialogScrolling::~DialogScrolling() {
 
 void DialogScrolling::Add(std::int32_t scrollBarId, const ScrollArea& area) {
     auto& place = areas_[scrollBarId];
-    if (place) Guard().Forget(place.get());
-    place = std::make_unique<ScrollArea>(area);
+    // In place, as a target that is being called may replace its own area.
+    if (place) {
+        *place = area;
+    } else {
+        place = std::make_unique<ScrollArea>(area);
+    }
 }
 
 const ScrollArea* DialogScrolling::Hit(HWND dialog, POINT point) const {
@@ -110,19 +115,19 @@ bool DialogScrolling::OnScrollBar(WPARAM wParam, LPARAM lParam) const {
     return true;
 }
 
+// The system itself has to see the beginning of a gesture, and closes the handle of what it sees.
 bool DialogScrolling::OnGesture(HWND dialog, LPARAM lParam) const {
+    const auto handle = reinterpret_cast<HGESTUREINFO>(lParam);
     GESTUREINFO info{};
     info.cbSize = sizeof info;
-    if (!ObLibX::GetGestureInfo(reinterpret_cast<HGESTUREINFO>(lParam), &info)) return false;
-    if (info.dwID != GID_BEGIN && info.dwID != GID_PAN) return false;
+    if (!ObLibX::GetGestureInfo(handle, &info)) return false;
     const POINT point{info.ptsLocation.x, info.ptsLocation.y};
     const ScrollArea* const area = Hit(dialog, point);
     if (area == nullptr) return false;
-    if (info.dwID == GID_BEGIN) {
-        panStart = point.y;
-    } else {
-        Pan(*area, point.y);
-    }
+    if (info.dwID == GID_BEGIN) panStart = point.y;
+    if (info.dwID != GID_PAN) return false;
+    const ObLib::ScopeExit close([handle] { ObLibX::CloseGestureInfoHandle(handle); });
+    Pan(*area, point.y);
     return true;
 }
 

@@ -26,7 +26,7 @@ struct ScrollArea {
     std::intptr_t cookie = 0; // passed back to the target
     HWND scrollBarWindow = nullptr;
     HWND panelWindow = nullptr;
-    ScrollExtent extent;         // in scroll units
+    ScrollExtent extent;         // in scroll units; below 2^31, as bars keep positions as int
     std::int32_t unitPixels = 0; // that a finger moves for one unit
     PixelRect rectangle; // in the dialog's client coordinates; an empty one catches every point
 };

@@ -10,7 +10,9 @@ using Bytes = std::span<const std::byte>;
 constexpr std::uint32_t kSetFont = 0x40;          // DS_SETFONT
 constexpr std::uint16_t kExtendedMark = 0xFFFF;   // second word of an extended template
 constexpr std::uint16_t kOrdinalFollows = 0xFFFF; // in place of a text
-constexpr std::size_t kAlignment = 4;             // of the items
+// In place of a size: the system's message font, without anything after it.
+constexpr std::uint16_t kMessageFont = 0x7FFF;
+constexpr std::size_t kAlignment = 4; // of the items
 
 // Where a kind of template has its fields.
 struct TemplateKind {
@@ -93,14 +95,15 @@ std::optional<TemplateParts> TakeApart(Bytes bytes) {
     reader.SkipText();          // title
     parts.titleEnd = reader.At();
     std::size_t detail = 0;
+    bool hasFace = false;
     if ((parts.style & kSetFont) != 0) {
-        reader.Word();
+        hasFace = reader.Word() != kMessageFont;
         detail = reader.At();
-        reader.Skip(kind->fontDetail);
-        reader.SkipText();
+        if (hasFace) reader.Skip(kind->fontDetail);
+        if (hasFace) reader.SkipText();
     }
     if (!reader.IsGood()) return {};
-    if (detail != 0) parts.fontDetail = bytes.subspan(detail, kind->fontDetail);
+    if (hasFace) parts.fontDetail = bytes.subspan(detail, kind->fontDetail);
     // A template without items may end before the next multiple of four.
     const std::size_t aligned = (reader.At() + kAlignment - 1) / kAlignment * kAlignment;
     if (aligned < bytes.size()) parts.items = bytes.subspan(aligned);
@@ -134,7 +137,9 @@ std::optional<std::vector<std::byte>> RewriteTemplate(Bytes bytes, std::uint32_t
     } else {
         Append(written, bytes);
     }
-    const std::uint32_t style = parts->style | extraStyle | (font ? kSetFont : 0);
+    // A template without a font mustn't announce one.
+    const std::uint32_t added = font ? extraStyle | kSetFont : extraStyle & ~kSetFont;
+    const std::uint32_t style = parts->style | added;
     std::memcpy(&written[parts->kind.style], &style, sizeof style);
     return written;
 }

@@ -5,8 +5,8 @@
 //   extended:  version 16 (1), signature 16 (0xFFFF), help id 32, extended style 32, style 32,
 //              number of items 16, x y cx cy 16 each
 //   both:      menu, class: 0xFFFF and an ordinal, or a text that ends with a NUL; title: a text;
-//              with DS_SETFONT: point size 16, in an extended one weight 16, italic 8, charset 8,
-//              then the face, a text
+//              with DS_SETFONT: point size 16 (0x7FFF: the message font, and nothing of the rest),
+//              in an extended one weight 16, italic 8, charset 8, then the face, a text
 //              the items, from the next multiple of four on
 // Source: the documentation of DLGTEMPLATE and DLGTEMPLATEEX.
 #pragma once

@@ -18,6 +18,11 @@ BOOL GetGestureInfo(HGESTUREINFO gesture, GESTUREINFO* info) {
     return call != nullptr ? call(gesture, info) : FALSE;
 }
 
+BOOL CloseGestureInfoHandle(HGESTUREINFO gesture) {
+    auto* const call = Find<BOOL WINAPI(HGESTUREINFO)>("CloseGestureInfoHandle");
+    return call != nullptr ? call(gesture) : FALSE;
+}
+
 BOOL SetGestureConfig(HWND window, DWORD reserved, UINT count, GESTURECONFIG* config, UINT size) {
     auto* const call =
         Find<BOOL WINAPI(HWND, DWORD, UINT, GESTURECONFIG*, UINT)>("SetGestureConfig");

@@ -1,4 +1,4 @@
-// The system's two calls for touch, which systems before Windows 7 don't have.
+// The system's calls for touch, which systems before Windows 7 don't have.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +7,7 @@ namespace ObLibX {
 
 // As the system's calls of these names; FALSE where there is none. Any thread.
 BOOL GetGestureInfo(HGESTUREINFO gesture, GESTUREINFO* info);
+BOOL CloseGestureInfoHandle(HGESTUREINFO gesture);
 BOOL SetGestureConfig(HWND window, DWORD reserved, UINT count, GESTURECONFIG* config, UINT size);
 
 } // namespace ObLibX

@@ -16,6 +16,9 @@ constexpr LONG kHeadingHeight = 8; // dialog units
 constexpr std::int32_t kHeadingSize = 11;
 constexpr std::int32_t kHeadingWeight = 700;
 constexpr LONG_PTR kButtonKind = 0xF; // the bits of a button's style that are its kind
+// What a group box does besides showing its frame: it also ends a group of radio buttons.
+constexpr DWORD kKeptStyle = WS_VISIBLE | WS_GROUP | WS_DISABLED;
+constexpr DWORD kKeptExtended = WS_EX_RTLREADING | WS_EX_RIGHT;
 constexpr int kNoId = -1;
 constexpr int kNoIdShort = 0xFFFF;
 
@@ -44,15 +47,13 @@ HWND MakeHeadingWindow(HWND dialog, HWND group, int id) {
     ObLib::ObString text;
     ObLib::GetWindowTextString(group, text);
     const RECT rect = HeadingRect(dialog, group);
-    const auto extended =
-        static_cast<DWORD>(GetWindowLongPtrW(group, GWL_EXSTYLE)) & WS_EX_RTLREADING;
-    const DWORD shown = IsWindowVisible(group) || (GetWindowLongPtrW(group, GWL_STYLE) & WS_VISIBLE)
-                            ? WS_VISIBLE
-                            : 0;
+    const auto extended = static_cast<DWORD>(GetWindowLongPtrW(group, GWL_EXSTYLE)) & kKeptExtended;
+    const auto kept = static_cast<DWORD>(GetWindowLongPtrW(group, GWL_STYLE)) & kKeptStyle;
     const HWND heading =
-        CreateWindowExW(extended, L"static", text.CStr(), WS_CHILD | shown, rect.left, rect.top,
+        CreateWindowExW(extended, L"static", text.CStr(), WS_CHILD | kept, rect.left, rect.top,
                         rect.right - rect.left, rect.bottom - rect.top, dialog,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), nullptr, nullptr);
+    if (heading == nullptr) return nullptr;
     SetWindowPos(heading, group, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     return heading;
 }
@@ -82,6 +83,15 @@ void MakeBold(HWND dialog, HWND heading) {
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+// Empty without a maker.
+std::unique_ptr<ObCustomControl> Dressed(int id, HWND heading) {
+    const MakeHeading make = TheControlMaker().heading;
+    if (make == nullptr) return nullptr;
+    auto object = make(id, kHeadingSize, kHeadingWeight, GetPaletteColor(kPaletteHeading));
+    if (object) object->window = heading;
+    return object;
+}
+
 } // namespace
 
 std::vector<std::unique_ptr<ObCustomControl>> ReplaceGroupBoxes(HWND dialog, bool isFlat) {
@@ -90,14 +100,12 @@ std::vector<std::unique_ptr<ObCustomControl>> ReplaceGroupBoxes(HWND dialog, boo
         if (!IsGroupBox(child)) return;
         const int id = HeadingId(dialog, child, isFlat);
         const HWND heading = MakeHeadingWindow(dialog, child, id);
+        if (heading == nullptr) return; // the group box stays
         DestroyWindow(child);
-        const MakeHeading make = TheControlMaker().heading;
-        if (!isFlat) {
+        if (auto object = isFlat ? Dressed(id, heading) : nullptr) {
+            headings.push_back(std::move(object));
+        } else {
             MakeBold(dialog, heading);
-        } else if (make != nullptr) {
-            headings.push_back(
-                make(id, kHeadingSize, kHeadingWeight, GetPaletteColor(kPaletteHeading)));
-            headings.back()->window = heading;
         }
     });
     return headings;

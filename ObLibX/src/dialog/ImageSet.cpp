@@ -21,9 +21,8 @@ std::int32_t ScaleOfDpi(std::int32_t dpi) {
 }
 
 std::int32_t ImageIndex(std::int32_t row, std::int32_t dpi) {
-    const std::int32_t index = row * kImageScales + ScaleOfDpi(dpi);
-    ObAssert(row >= 0 && index < kMostImages);
-    return index;
+    ObAssert(row >= 0 && row < kMostImages / kImageScales);
+    return row * kImageScales + ScaleOfDpi(dpi);
 }
 
 ImageSet::ImageSet(const std::int32_t* list) {

@@ -55,7 +55,8 @@ UniqueBitmap Decoded(IStream* stream) {
 UniqueBitmap LoadCompressed(std::int32_t id, HMODULE module) {
     for (const wchar_t* const type : {static_cast<const wchar_t*>(RT_RCDATA), L"IMAGE", L"PNG"}) {
         const StreamPtr stream = ResourceStream(module, id, type);
-        if (stream) return Decoded(stream.Get());
+        UniqueBitmap bitmap = stream ? Decoded(stream.Get()) : UniqueBitmap();
+        if (bitmap) return bitmap;
     }
     return {};
 }

@@ -53,10 +53,11 @@ void ObCustomControl::Attach(HWND attached) {
 
 LRESULT CALLBACK ObCustomControl::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                             UINT_PTR id, DWORD_PTR object) {
+    auto* const control = reinterpret_cast<ObCustomControl*>(object);
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(window, &ObCustomControl::Procedure, id);
+        control->window = nullptr;
     } else if (message == WM_KEYUP) {
-        auto* const control = reinterpret_cast<ObCustomControl*>(object);
         static_cast<void>(ObLib::RanGuarded([&] { control->OnKeyUp(wParam); }));
     }
     return DefSubclassProc(window, message, wParam, lParam);
@@ -76,7 +77,10 @@ HBRUSH ObCustomControl::OnCtlColor(HDC dc, HWND control) {
     return static_cast<HBRUSH>(GetStockObject(NULL_BRUSH));
 }
 
-void ObCustomControl::Refresh() { InvalidateRect(window, nullptr, FALSE); }
+// Without a window the system would take all windows for this one.
+void ObCustomControl::Refresh() {
+    if (window != nullptr) InvalidateRect(window, nullptr, FALSE);
+}
 
 COLORREF ObCustomControl::GetTextColor() {
     return IsHighContrast() ? GetSysColor(COLOR_WINDOWTEXT) : textColor;
@@ -129,12 +133,12 @@ void ObCustomControl::OnFontChanged() {
 
 void ObCustomControl::SetTextColor(COLORREF color) {
     textColor = color;
-    if (window != nullptr) Refresh();
+    Refresh();
 }
 
 void ObCustomControl::SetFillColor(COLORREF color) {
     fillColor = color;
-    if (window != nullptr) Refresh();
+    Refresh();
 }
 
 } // namespace ObLibX

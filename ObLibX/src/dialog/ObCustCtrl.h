@@ -70,7 +70,7 @@ public:
     void SetTextColor(COLORREF color);
     void SetFillColor(COLORREF color);
 
-    HWND window = nullptr;     // from Attach on
+    HWND window = nullptr;     // null again once the window has gone
     std::int32_t id;           // of the control in its dialog
     ImageSet images;           // the current ones
     std::int32_t hasFrame = 1; // 1: a frame is drawn in currentFrameColor

@@ -46,12 +46,18 @@ HBRUSH DialogBrush(COLORREF color) {
 ObXDlg::ObXDlg(std::int32_t dialogTemplate, HWND parent, std::uint32_t help, bool isCentered)
     : parentWindow(parent), templateId(dialogTemplate), helpId(help), centerOnOpen(isCentered) {}
 
-ObXDlg::~ObXDlg() = default;
+// A modeless dialog's window may still be there: it mustn't find its object any more.
+ObXDlg::~ObXDlg() {
+    if (window == nullptr) return;
+    SetWindowLongPtrW(window, DWLP_USER, 0);
+    DestroyWindow(window);
+}
 
 std::int32_t ObXDlg::DoModal() {
+    isModeless = false;
+    OnPreCreate();
     const bool hasOwner =
         parentWindow != nullptr && (keepHiddenParent || IsWindowVisible(parentWindow));
-    OnPreCreate();
     const INT_PTR result =
         RunDialog(ObLib::AppGlobals().languageModule, templateId, hasOwner ? parentWindow : nullptr,
                   &ObXDlg::Procedure, AsParameter(this), 0);
@@ -74,8 +80,9 @@ void ObXDlg::Create(HWND parent) {
 bool ObXDlg::OnInitDialog() {
     ObAssert(IsWindow(window));
     LoadDialogDefaults();
+    tooltipWindow_ = nullptr; // that of an earlier opening has gone
     auto headings = ReplaceGroupBoxes(window, isFlat);
-    for (auto& heading : headings) AddControl(std::move(heading));
+    for (auto& heading : headings) TakeHeading(std::move(heading));
     if (isFlat) {
         DressControls();
     } else {
@@ -88,15 +95,18 @@ bool ObXDlg::OnInitDialog() {
 void ObXDlg::DressControls() {
     auto made = CreateFlatControls(window, templateId,
                                    [&](std::int32_t id) { return controls_.contains(id); });
-    for (auto& control : made) {
-        ObCustomControl& added = *control;
-        AddControl(std::move(control));
-        if (added.tooltipText.HasText()) AddTooltip(added.window, added.tooltipText.CStr());
-    }
+    for (auto& control : made) AddControl(std::move(control));
     for (const auto& [id, control] : controls_) {
+        const HWND item = GetItem(id, true);
+        if (control->tooltipText.HasText()) AddTooltip(item, control->tooltipText.CStr());
         control->ownerPage = ownerSheet;
-        control->Attach(GetItem(id, true));
+        control->Attach(item);
     }
+}
+
+// A dialog that is opened again has the objects of its headings already.
+void ObXDlg::TakeHeading(std::unique_ptr<ObCustomControl> heading) {
+    if (GetControl(heading->id) == nullptr) AddControl(std::move(heading));
 }
 
 bool ObXDlg::EndWith(int result) {
@@ -145,6 +155,8 @@ bool ObXDlg::OnDestroy() {
 
 bool ObXDlg::OnColorChange() {
     for (const auto& [id, control] : controls_) control->Refresh();
+    // Common controls expect this of the window that they are on.
+    ForEachChild(window, [](HWND child) { SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0); });
     return false;
 }
 

@@ -36,6 +36,7 @@ public:
     virtual std::int32_t DoModal();
     // Makes a modeless dialog; its message loop is the caller's.
     virtual void Create(HWND parent);
+    // Before the window is made; may still change the fields.
     virtual void OnPreCreate() {}
     virtual bool OnInitDialog();
     virtual bool OnOK();
@@ -92,8 +93,13 @@ public:
     bool inInitDialog = false;
     bool isFlat = false; // its controls are dressed
     COLORREF backgroundColor = 0xFFFFFF;
-    ObPropSheet* ownerSheet = nullptr; // whose page this dialog is; not owned
+
+private:
+    GraphicsToken graphicsToken_; // ends after what may use GDI+
+
+public:
     ObLib::UniqueResource<ObLib::GdiObjectPolicy<HGDIOBJ>> extraObject; // of a dialog's own
+    ObPropSheet* ownerSheet = nullptr; // whose page this dialog is; not owned
 
 private:
     // Of all dialogs; `lParam` of WM_INITDIALOG is the object. In ObXDlgProcedure.cpp.
@@ -101,12 +107,12 @@ private:
 
     bool EndWith(int result);
     void DressControls();
-    void AttachControls();
     ObCustomControl* ControlOf(HWND control) const;
 
-    ControlMap controls_;
+    void TakeHeading(std::unique_ptr<ObCustomControl> heading);
+
     DialogScrolling scrolling_;
-    GraphicsToken graphicsToken_;
+    ControlMap controls_;
     HWND tooltipWindow_ = nullptr; // owned by the dialog's window
 };
 

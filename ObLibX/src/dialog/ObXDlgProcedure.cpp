@@ -14,7 +14,7 @@ namespace {
 constexpr int kCommandOk = 1;
 constexpr int kCommandCancel = 2;
 constexpr int kCommandHelp = 9;
-// Codes of notifications by which a property sheet asks for help.
+// Codes of notifications by which a property sheet and a common dialog ask for help.
 constexpr UINT kNotifyHelp = static_cast<UINT>(-205);
 constexpr UINT kNotifyHelpButton = static_cast<UINT>(-605);
 
@@ -66,9 +66,22 @@ INT_PTR Moved(ObXDlg& dialog, const Message& message) {
     return FALSE;
 }
 
+// What the default procedure has returned is final: without this it would be called again by the
+// dialog's own, with a handle that is closed by then.
+INT_PTR Finished(ObXDlg& dialog, LRESULT result) {
+    SetWindowLongPtrW(dialog.window, DWLP_MSGRESULT, result);
+    return TRUE;
+}
+
 INT_PTR Gesture(ObXDlg& dialog, const Message& message) {
     if (dialog.Scrolling().OnGesture(dialog.window, message.lParam)) return TRUE;
-    return dialog.OnOtherMessage(WM_GESTURE, message.wParam, message.lParam);
+    return Finished(dialog, dialog.OnOtherMessage(WM_GESTURE, message.wParam, message.lParam));
+}
+
+INT_PTR GestureNotify(ObXDlg& dialog, const Message& message) {
+    dialog.Scrolling().OnGestureNotify(dialog.window, message.lParam);
+    return Finished(dialog,
+                    dialog.OnOtherMessage(WM_GESTURENOTIFY, message.wParam, message.lParam));
 }
 
 struct Handler {
@@ -90,7 +103,7 @@ constexpr Handler kHandlers[] = {
     {WM_CLOSE, [](D& d, const M&) -> INT_PTR { return d.OnClose(); }},
     {WM_SIZE,
      [](D& d, const M& m) -> INT_PTR {
-         return d.OnSize(m.wParam, GET_X_LPARAM(m.lParam), GET_Y_LPARAM(m.lParam));
+         return d.OnSize(m.wParam, LOWORD(m.lParam), HIWORD(m.lParam));
      }},
     {WM_GETMINMAXINFO,
      [](D& d, const M& m) -> INT_PTR { return d.OnGetMinMaxInfo(m.As<MINMAXINFO>()); }},
@@ -124,16 +137,18 @@ constexpr Handler kHandlers[] = {
          return d.Scrolling().OnMouseWheel(d.window, m.wParam, m.lParam);
      }},
     {WM_GESTURE, &Gesture},
-    {WM_GESTURENOTIFY,
-     [](D& d, const M& m) -> INT_PTR {
-         d.Scrolling().OnGestureNotify(d.window, m.lParam);
-         return d.OnOtherMessage(WM_GESTURENOTIFY, m.wParam, m.lParam);
-     }},
+    {WM_GESTURENOTIFY, &GestureNotify},
     {WM_VSCROLL,
      [](D& d, const M& m) -> INT_PTR { return d.Scrolling().OnScrollBar(m.wParam, m.lParam); }},
 };
 
+// Controls still notify while they are destroyed after their dialog has ended.
+bool IsTooLate(const ObXDlg& dialog, UINT message) {
+    return dialog.window == nullptr && (message == WM_COMMAND || message == WM_NOTIFY);
+}
+
 INT_PTR Dispatch(ObXDlg& dialog, UINT message, const Message& arguments) {
+    if (IsTooLate(dialog, message)) return FALSE;
     const auto* const handler = std::ranges::find(kHandlers, message, &Handler::message);
     return handler != std::end(kHandlers)
                ? handler->call(dialog, arguments)

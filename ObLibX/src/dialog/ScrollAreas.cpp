@@ -80,7 +80,9 @@ void ScrollGuard::End() { *this = ScrollGuard(); }
 
 void ScrollGuard::Forget(const void* area) {
     if (pending_ && pending_->area == area) pending_ = taken_;
-    if (taken_ && taken_->area == area) pending_ = taken_ = {};
+    if (!taken_ || taken_->area != area) return;
+    if (pending_ == taken_) pending_.reset();
+    taken_.reset();
 }
 
 } // namespace ObLibX

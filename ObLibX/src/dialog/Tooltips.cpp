@@ -24,7 +24,7 @@ HWND MakeTooltipWindow(HWND dialog) {
 
 bool AddTool(HWND tooltips, HWND tool, const wchar_t* text) {
     TTTOOLINFOW info{};
-    info.cbSize = sizeof info;
+    info.cbSize = TTTOOLINFOW_V2_SIZE; // both versions of the common controls take this size
     info.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
     info.hwnd = GetParent(tool);
     info.uId = reinterpret_cast<UINT_PTR>(tool);

@@ -80,7 +80,9 @@ TEST(DialogDefaults, EndTheProcessWhereTheyContradictThemselves) {
          {L"<default/>", L"<default name=''/>", L"<font><orig name='A'/></font>",
           L"<font><subst name='A'/></font>", L"<font><orig/><subst name='A'/></font>",
           L"<font><orig name='A'/><subst name=''/></font>",
-          L"<font><orig name='A' size='8'/><subst name='B'/></font>"}) {
+          L"<font><orig name='A' size='8'/><subst name='B'/></font>",
+          L"<default name='A' size='0'/>", L"<default name='A' size='-9'/>",
+          L"<default name='A' size='1639'/>"}) {
         EXPECT_FATAL(ReadFonts(fonts), "ObLibX\\src\\DialogDescription.cpp") << fonts;
     }
 }

@@ -1,5 +1,8 @@
 // Which windows of a flat dialog get an object, with what, and in which order.
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
+
+#include <commctrl.h>
+
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
 
@@ -98,7 +101,7 @@ TEST_F(DialogDressing, GivesObjectsWhatTheDescriptionHas) {
     EXPECT_STREQ(L"A1", dialog.GetControl(1004)->tooltipText.CStr());
     EXPECT_FALSE(dialog.GetControl(1002)->tooltipText.HasText());
     const HWND tips = FindWindowExW(nullptr, nullptr, L"tooltips_class32", nullptr);
-    EXPECT_EQ(2, SendMessageW(tips, WM_USER + 13 /* TTM_GETTOOLCOUNT */, 0, 0));
+    EXPECT_EQ(2, SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0));
 }
 
 TEST_F(DialogDressing, LeavesOutTheId0AndWhatTheMakerLeavesStock) {
@@ -265,6 +268,34 @@ TEST_F(GroupHeadings, KeepThePlaceInTheZOrderAndTheReadingDirection) {
     EXPECT_EQ(dialog.GetItem(1000, true), GetWindow(first, GW_HWNDNEXT));
     EXPECT_EQ(0, GetWindowLongPtrW(first, GWL_EXSTYLE) & WS_EX_RTLREADING);
     EXPECT_NE(0, GetWindowLongPtrW(dialog.GetItem(1003, true), GWL_EXSTYLE) & WS_EX_RTLREADING);
+}
+
+TEST_F(GroupHeadings, StillEndAGroupOfRadioButtons) {
+    FlatDialog dialog(OB_TEST_GROUPS);
+    dialog.Open();
+    const LONG_PTR kept = GetWindowLongPtrW(dialog.GetItem(1005, true), GWL_STYLE);
+    EXPECT_EQ(static_cast<LONG_PTR>(WS_GROUP | WS_DISABLED), kept & (WS_GROUP | WS_DISABLED));
+    EXPECT_EQ(0, GetWindowLongPtrW(dialog.GetItem(1002, true), GWL_STYLE) & WS_DISABLED);
+}
+
+TEST_F(GroupHeadings, KeepTheirObjectsWhenTheDialogIsOpenedAgain) {
+    FlatDialog dialog(OB_TEST_GROUPS);
+    dialog.Open();
+    ObCustomControl* const heading = dialog.GetControl(1002);
+    DestroyWindow(dialog.window);
+    dialog.Open();
+    EXPECT_EQ(heading, dialog.GetControl(1002));
+    EXPECT_EQ(dialog.GetItem(1002, true), heading->window);
+}
+
+TEST_F(GroupHeadings, AreBoldWithoutAMakerToo) {
+    SetControlMaker({});
+    FlatDialog dialog(OB_TEST_GROUPS);
+    dialog.Open();
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog.GetItem(1002, true), WM_GETFONT, 0, 0)),
+               sizeof font, &font);
+    EXPECT_EQ(700, font.lfWeight);
 }
 
 TEST_F(GroupHeadings, AreBoldStaticsWithTheirOwnIdsElsewhere) {

@@ -38,9 +38,6 @@ public:
     using ObXDlg::ObXDlg;
     explicit RecordingDialog(std::int32_t dialogTemplate)
         : ObXDlg(dialogTemplate, nullptr, 0, false) {}
-    ~RecordingDialog() override {
-        if (window != nullptr) DestroyWindow(window);
-    }
     RecordingDialog& Open() {
         Create(nullptr);
         return *this;

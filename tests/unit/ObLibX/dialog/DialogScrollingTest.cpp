@@ -1,6 +1,7 @@
 // Panels of a dialog that are scrolled by real scroll bars and by the wheel.
 #include "ObLibX/src/dialog/DialogScrolling.h"
 
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
 
 namespace {
@@ -82,6 +83,18 @@ TEST_F(DialogScrollingTest, EndsAtTheLastPositionOfATargetThatIsSlow) {
     EXPECT_EQ(3, dialog.Position(2001));
 }
 
+TEST_F(DialogScrollingTest, KeepsThePositionWhenItsAreaIsReplacedMeanwhile) {
+    ScrolledDialog dialog;
+    dialog.duringScroll = [&] {
+        dialog.Press(2001, SB_LINEDOWN);
+        dialog.Press(2001, SB_LINEDOWN);
+        dialog.Scrolling().Add(
+            2001, {&dialog, 7, dialog.Bar(2001), nullptr, {90, 30}, 10, {0, 0, 50, 50}});
+    };
+    dialog.Press(2001, SB_LINEDOWN);
+    EXPECT_EQ((Scrolls{{1, 2001}, {3, 7}}), dialog.scrolled);
+}
+
 TEST_F(DialogScrollingTest, FollowsTheWheelOverTheFirstAreaThatIsHit) {
     ScrolledDialog dialog;
     dialog.Turn(10, 10, -120);
@@ -132,6 +145,100 @@ TEST_F(DialogScrollingTest, LeavesAGestureWithoutInformationToTheSystem) {
     GESTURENOTIFYSTRUCT notified{};
     notified.cbSize = sizeof notified;
     dialog.Send(WM_GESTURENOTIFY, 0, reinterpret_cast<LPARAM>(&notified));
+    EXPECT_TRUE(dialog.scrolled.empty());
+}
+
+// What the system's calls for touch were asked, in place of a finger.
+struct Touch {
+    bool exists = true;
+    GESTUREINFO info{};
+    int closed = 0;
+    std::vector<HWND> configured;
+};
+Touch touch;
+
+BOOL WINAPI FakeGetGestureInfo(HGESTUREINFO, GESTUREINFO* info) {
+    *info = touch.info;
+    return TRUE;
+}
+BOOL WINAPI FakeCloseGestureInfoHandle(HGESTUREINFO) { return ++touch.closed; }
+BOOL WINAPI FakeSetGestureConfig(HWND window, DWORD, UINT count, GESTURECONFIG* config, UINT) {
+    if (count == 1 && config->dwWant == GC_ALLGESTURES) touch.configured.push_back(window);
+    return TRUE;
+}
+
+template <class Function>
+FARPROC AsEntry(Function* function) {
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+}
+
+FARPROC WINAPI FakeGetProcAddress(HMODULE, LPCSTR name) {
+    if (!touch.exists) return nullptr;
+    const std::string_view wanted(name);
+    if (wanted == "GetGestureInfo") return AsEntry(&FakeGetGestureInfo);
+    if (wanted == "CloseGestureInfoHandle") return AsEntry(&FakeCloseGestureInfoHandle);
+    return wanted == "SetGestureConfig" ? AsEntry(&FakeSetGestureConfig) : nullptr;
+}
+
+class DialogTouch : public DialogTest {
+protected:
+    void SetUp() override {
+        DialogTest::SetUp();
+        touch = Touch();
+        ASSERT_TRUE(patch_.Ok());
+    }
+    // A finger at a point of the dialog's client area; whether an area took the message.
+    static bool Gesture(const ScrolledDialog& dialog, DWORD kind, int x, int y) {
+        POINT point{x, y};
+        ClientToScreen(dialog.window, &point);
+        touch.info.dwID = kind;
+        touch.info.ptsLocation = {static_cast<SHORT>(point.x), static_cast<SHORT>(point.y)};
+        return const_cast<ScrolledDialog&>(dialog).Scrolling().OnGesture(dialog.window, 1);
+    }
+
+private:
+    obtest::ImportPatch<decltype(&GetProcAddress)> patch_{"kernel32.dll", "GetProcAddress",
+                                                          &FakeGetProcAddress};
+};
+
+TEST_F(DialogTouch, PansByWholeUnitsFromThePresentPosition) {
+    ScrolledDialog dialog;
+    EXPECT_FALSE(Gesture(dialog, GID_BEGIN, 10, 45)) << "the system has to see it too";
+    EXPECT_TRUE(Gesture(dialog, GID_PAN, 10, 40));
+    EXPECT_TRUE(Gesture(dialog, GID_PAN, 10, 25));
+    EXPECT_TRUE(Gesture(dialog, GID_PAN, 10, 24));
+    EXPECT_EQ((Scrolls{{2, 2001}, {4, 2001}}), dialog.scrolled);
+    EXPECT_EQ(3, touch.closed) << "once for each message that the system doesn't see";
+}
+
+TEST_F(DialogTouch, LeavesOtherGesturesToTheSystem) {
+    ScrolledDialog dialog;
+    for (const DWORD kind : {GID_END, GID_ZOOM, GID_ROTATE, GID_TWOFINGERTAP, GID_PRESSANDTAP}) {
+        EXPECT_FALSE(Gesture(dialog, kind, 10, 10)) << kind;
+    }
+    EXPECT_EQ(0, touch.closed);
+    EXPECT_TRUE(dialog.scrolled.empty());
+}
+
+TEST_F(DialogTouch, AsksForAllGesturesOfThePanelUnderTheFinger) {
+    ScrolledDialog dialog;
+    POINT point{10, 10};
+    ClientToScreen(dialog.window, &point);
+    GESTURENOTIFYSTRUCT notified{};
+    notified.cbSize = sizeof notified;
+    notified.ptsLocation = {static_cast<SHORT>(point.x), static_cast<SHORT>(point.y)};
+    dialog.Send(WM_GESTURENOTIFY, 0, reinterpret_cast<LPARAM>(&notified));
+    EXPECT_EQ(std::vector<HWND>{dialog.GetItem(1001, true)}, touch.configured);
+}
+
+TEST_F(DialogTouch, DoesNothingOnASystemWithoutTouch) {
+    touch.exists = false;
+    ScrolledDialog dialog;
+    EXPECT_FALSE(Gesture(dialog, GID_PAN, 10, 10));
+    GESTURENOTIFYSTRUCT notified{};
+    notified.cbSize = sizeof notified;
+    dialog.Send(WM_GESTURENOTIFY, 0, reinterpret_cast<LPARAM>(&notified));
+    EXPECT_TRUE(touch.configured.empty());
     EXPECT_TRUE(dialog.scrolled.empty());
 }
 

@@ -191,6 +191,19 @@ TEST(DialogTemplateTest, GetsStylesAndFontTogether) {
     EXPECT_EQ(after, Rewritten(before, 0x400000, TemplateFont{L"A", 9}));
 }
 
+TEST(DialogTemplateTest, MayHaveTheMessageFontWhichHasNoFace) {
+    const Bytes before =
+        Builder().Plain(kStyle | kSetFont).NoNames().Text(L"T").Word(0x7FFF).Items();
+    const Bytes after =
+        Builder().Plain(kStyle | kSetFont).NoNames().Text(L"T").Word(9).Text(L"Face").Items();
+    EXPECT_EQ(after, Rewritten(before, 0, TemplateFont{L"Face", 9}));
+}
+
+TEST(DialogTemplateTest, NeverAnnouncesAFontThatItHasNot) {
+    const Bytes plain = Builder().Plain(kStyle).NoNames().Text(L"T").Items();
+    EXPECT_EQ(plain, Rewritten(plain, kSetFont, {}));
+}
+
 TEST(DialogTemplateTest, MayHaveNoItems) {
     const Bytes before =
         Builder().Plain(kStyle | kSetFont, 0).NoNames().Text(L"T").Word(8).Text(L"Ab");

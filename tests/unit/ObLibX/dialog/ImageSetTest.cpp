@@ -38,6 +38,7 @@ TEST(ImageScale, GivesThePlaceInASet) {
     EXPECT_EQ(23, ImageIndex(2, 480));
     EXPECT_FATAL(ImageIndex(3, 96), "ObLibX\\src\\ImageSet.cpp");
     EXPECT_FATAL(ImageIndex(-1, 480), "ObLibX\\src\\ImageSet.cpp");
+    EXPECT_FATAL(ImageIndex(0x7FFFFFFF, 96), "ObLibX\\src\\ImageSet.cpp");
 }
 
 TEST(ImageSetTest, HasOneToThreeRows) {

@@ -200,10 +200,25 @@ TEST_F(ControlTest, TakesAnotherFontAndColoursAfterItIsAttached) {
     EXPECT_EQ(2u, control_.fillColor);
 }
 
+std::vector<HWND> invalidated;
+
+BOOL WINAPI RecordInvalidation(HWND window, const RECT*, BOOL) {
+    invalidated.push_back(window);
+    return TRUE;
+}
+
 TEST_F(ControlTest, OutlivesItsWindow) {
     control_.Attach(window_);
     DestroyWindow(window_);
-    EXPECT_EQ(0x000000u, control_.GetTextColor());
+    EXPECT_EQ(nullptr, control_.window);
+    const obtest::ImportPatch<decltype(&InvalidateRect)> patch("user32.dll", "InvalidateRect",
+                                                               &RecordInvalidation);
+    ASSERT_TRUE(patch.Ok());
+    invalidated.clear();
+    control_.SetTextColor(1);
+    control_.SetControlFont(L"Arial", 9, 400, 0);
+    control_.Refresh();
+    EXPECT_TRUE(invalidated.empty()) << "without a window the system takes all windows";
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // A dialog from its opening to its end, and which handler gets which message.
 #include "ObLibX/src/dialog/ObXDlg.h"
 
+#include <commctrl.h>
+
 #include <stdexcept>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -355,6 +357,17 @@ TEST_F(ObXDlgTest, IsCentredOnItsOwnerOnlyWhenThatIsWanted) {
     EXPECT_NE(place.left, elsewhere.left);
 }
 
+std::wstring TipOf(HWND tips, const ObXDlg& dialog, int id) {
+    wchar_t text[100] = {};
+    TTTOOLINFOW info{};
+    info.cbSize = TTTOOLINFOW_V2_SIZE;
+    info.hwnd = dialog.window;
+    info.uId = reinterpret_cast<UINT_PTR>(dialog.GetItem(id, true));
+    info.lpszText = text;
+    SendMessageW(tips, TTM_GETTEXTW, 100, reinterpret_cast<LPARAM>(&info));
+    return text;
+}
+
 TEST_F(ObXDlgTest, ShowsTooltipsOfItsWindows) {
     RecordingDialog dialog(OB_TEST_PLAIN);
     dialog.Open();
@@ -365,12 +378,86 @@ TEST_F(ObXDlgTest, ShowsTooltipsOfItsWindows) {
     const HWND tips = FindWindowExW(nullptr, nullptr, L"tooltips_class32", nullptr);
     ASSERT_NE(nullptr, tips);
     EXPECT_EQ(dialog.window, GetWindow(tips, GW_OWNER));
-    EXPECT_EQ(2, SendMessageW(tips, WM_USER + 13 /* TTM_GETTOOLCOUNT */, 0, 0));
-    EXPECT_EQ(300, SendMessageW(tips, WM_USER + 25 /* TTM_GETMAXTIPWIDTH */, 0, 0));
+    EXPECT_EQ(2, SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0));
+    EXPECT_EQ(300, SendMessageW(tips, TTM_GETMAXTIPWIDTH, 0, 0));
+    EXPECT_EQ(500, SendMessageW(tips, TTM_GETDELAYTIME, TTDT_INITIAL, 0));
+    EXPECT_EQ(L"Second", TipOf(tips, dialog, 1003));
     EXPECT_EQ(static_cast<LONG_PTR>(WS_EX_TOPMOST),
               GetWindowLongPtrW(tips, GWL_EXSTYLE) & WS_EX_TOPMOST);
     DestroyWindow(dialog.window);
     EXPECT_FALSE(IsWindow(tips));
+}
+
+TEST_F(ObXDlgTest, HasTooltipsWhenItIsOpenedAgain) {
+    RecordingDialog dialog(OB_TEST_PLAIN);
+    for (int opening = 0; opening < 2; ++opening) {
+        dialog.Open();
+        dialog.AddTooltip(dialog.GetItem(1001, true), L"Tip");
+        const HWND tips = FindWindowExW(nullptr, nullptr, L"tooltips_class32", nullptr);
+        EXPECT_EQ(1, SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0)) << opening;
+        DestroyWindow(dialog.window);
+    }
+}
+
+TEST_F(ObXDlgTest, IsModalAfterItWasModeless) {
+    EndingDialog dialog(nullptr, 1);
+    dialog.Create(nullptr);
+    DestroyWindow(dialog.window);
+    EXPECT_EQ(1, dialog.DoModal());
+    EXPECT_FALSE(dialog.isModeless);
+}
+
+TEST_F(ObXDlgTest, TakesItsWindowAlong) {
+    HWND window = nullptr;
+    {
+        ObXDlg dialog(OB_TEST_PLAIN, nullptr, 0, false);
+        dialog.Create(nullptr);
+        window = dialog.window;
+        EXPECT_TRUE(IsWindow(window));
+    }
+    EXPECT_FALSE(IsWindow(window));
+}
+
+// Looks for its list whenever that notifies.
+class ListDialog : public EndingDialog {
+public:
+    ListDialog() : EndingDialog(nullptr, 1) { templateId = OB_TEST_LIST; }
+    bool OnInitDialog() override {
+        LVITEMW item{};
+        item.mask = LVIF_TEXT;
+        item.pszText = const_cast<wchar_t*>(L"Item");
+        SendMessageW(GetItem(3001, true), LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        return EndingDialog::OnInitDialog();
+    }
+    bool OnNotify(int, NMHDR*, LRESULT&) override {
+        ++notified;
+        static_cast<void>(GetItem(3001, true));
+        return false;
+    }
+    int notified = 0;
+};
+
+TEST_F(ObXDlgTest, HearsNoNotificationsOfControlsThatEndAfterIt) {
+    ListDialog dialog;
+    EXPECT_EQ(1, dialog.DoModal());
+    EXPECT_LT(0, dialog.notified);
+}
+
+class OwnedLate : public EndingDialog {
+public:
+    explicit OwnedLate(HWND owner) : EndingDialog(nullptr, 1), wanted_(owner) {}
+    void OnPreCreate() override { parentWindow = wanted_; }
+
+private:
+    HWND wanted_;
+};
+
+TEST_F(ObXDlgTest, MayChooseItsOwnerBeforeItIsMade) {
+    const ObLib::UniqueWindow parent(CreateWindowExW(0, L"static", L"", WS_POPUP | WS_VISIBLE, 0, 0,
+                                                     100, 100, nullptr, nullptr, nullptr, nullptr));
+    OwnedLate dialog(parent.Get());
+    dialog.DoModal();
+    EXPECT_EQ(parent.Get(), dialog.owner);
 }
 
 } // namespace

@@ -116,6 +116,14 @@ TEST_F(ScrollGuardTest, DropsTheWheelAfterATurnWithCtrlUntilSomethingElseScrolls
     EXPECT_TRUE(guard_.BeginWheel());
 }
 
+TEST_F(ScrollGuardTest, KeepsThePositionOfAnotherAreaThanTheOneThatEnds) {
+    EXPECT_TRUE(guard_.Begin({&area_, 1}));
+    EXPECT_TRUE(guard_.TakePending());
+    EXPECT_FALSE(guard_.Begin({&other_, 2}));
+    guard_.Forget(&area_);
+    EXPECT_EQ((PendingScroll{&other_, 2}), guard_.TakePending());
+}
+
 TEST_F(ScrollGuardTest, ForgetsAnAreaThatEnds) {
     EXPECT_TRUE(guard_.Begin({&area_, 1}));
     EXPECT_TRUE(guard_.TakePending());
