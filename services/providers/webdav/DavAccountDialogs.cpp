@@ -23,11 +23,11 @@ DavLoginCheck CheckOf(const Servers& servers) {
     };
 }
 
-// Of an account that has moved, or needs its folder found anew, nothing but the folder is tried.
+// Of an account that there is nothing but its folder is tried.
 DavLoginCheck CheckOf(const Servers& servers, const DavSettings& known) {
     return [servers, root = known.root](const HttpUrl&, const std::wstring& user,
                                         const ObLib::Secret& password, HANDLE cancelled) {
-        return CheckDavLogin(*servers, root, user, password, cancelled);
+        return CheckDavPassword(*servers, root, user, password, cancelled);
     };
 }
 
@@ -51,8 +51,8 @@ DavPageEnd ShowPage(const Servers& servers, DavPage& page, const std::optional<D
 }
 
 // Whether a pattern has to be asked for. A server that couldn't be asked may make links itself.
-bool LacksLinks(DavServers& servers, const HttpUrl& root, const DavSettings& settings) {
-    const auto found = servers.Known(root);
+bool LacksLinks(DavServers& servers, const DavAccess& access, const DavSettings& settings) {
+    const auto found = servers.Known(access);
     return found && PlanLinks(settings, *found).way == LinkWay::None;
 }
 
@@ -78,12 +78,13 @@ std::optional<StorageAccount> LogInToDav(const Servers& servers, HWND owner) {
     page.settings =
         ReadDavAccount(book, known).value_or(DavSettings{login.root, login.user, {}, false});
     const DavAccess access{login.root, {login.root.origin, login.user, login.password}};
-    if (LacksLinks(*servers, login.root, page.settings) &&
+    if (LacksLinks(*servers, access, page.settings) &&
         ShowPage(servers, page, access, owner) != DavPageEnd::Saved) {
         return {};
     }
     auto account = Keep(book, page.settings, known, login.password);
     if (!account) ShowSentence(owner, OwnText(OB_TEXT_DAV_NOT_SAVED));
+    if (account) servers->SetRefused(account->key, false);
     return account;
 }
 
@@ -98,7 +99,10 @@ bool AskForDavPassword(const Servers& servers, const std::wstring& accountKey,
     login.reason = reason;
     login.check = CheckOf(servers, *settings);
     if (!ShowDavLogin(owner, login)) return false;
-    if (SaveAccountPassword(accountKey, login.password)) return true;
+    if (SaveAccountPassword(accountKey, login.password)) {
+        servers->SetRefused(accountKey, false);
+        return true;
+    }
     ShowSentence(owner, OwnText(OB_TEXT_DAV_NOT_SAVED));
     return false;
 }

@@ -20,4 +20,8 @@ struct DavCheckResult {
 DavCheckResult CheckDavLogin(DavServers& servers, const HttpUrl& typed, const std::wstring& user,
                              const ObLib::Secret& password, HANDLE cancelled);
 
+// As above, for the folder of an account that there is: nothing else is tried.
+DavCheckResult CheckDavPassword(DavServers& servers, const HttpUrl& root, const std::wstring& user,
+                                const ObLib::Secret& password, HANDLE cancelled);
+
 } // namespace providers

@@ -53,32 +53,49 @@ year_month_day Today() {
 
 ShareDate DaysFromToday(int count) { return sys_days(Today()) + days(count); }
 
+// An account, and the file of it that is to get a link.
+struct Shared {
+    DavServers& servers;
+    const std::wstring& accountKey;
+    const DavAccess& access;
+    const HttpUrl& file;
+    bool isOwnFile;
+};
+
 // The password of the link, the same at each try.
-std::optional<ObLib::Secret> PasswordOf(DavServers& servers, const HttpUrl& file,
-                                        const DavServers::Share& share, const ShareRules& rules) {
+std::optional<ObLib::Secret> PasswordOf(const Shared& shared, const DavServers::Share& share,
+                                        const ShareRules& rules) {
     if (!share.password.Empty()) return share.password;
     auto made = NewLinkPassword(rules);
-    if (made) servers.SetPassword(file, *made);
+    if (made) shared.servers.SetPassword(shared.accountKey, shared.file, *made);
     return made;
 }
 
-ShareResult ShareByServer(DavServers& servers, const DavClient& client, const LinkPlan& plan,
-                          const HttpUrl& file, bool isOwnFile) {
-    const DavServers::Share share = servers.ShareOf(file);
-    const ShareRules& rules = plan.server->Rules();
+ShareResult NotShared(const Shared& shared, const ShareError& error) {
+    // The rules may have changed since they were asked for.
+    const bool isByRule =
+        error.fault == ShareFault::Refused || error.fault == ShareFault::NeedsPassword;
+    if (isByRule) shared.servers.Forget(shared.access);
+    const bool isRefused =
+        error.fault == ShareFault::Dav && error.dav.fault == DavFault::WrongLogin;
+    if (isRefused) shared.servers.SetRefused(shared.accountKey, true);
+    return NotShared(ShareSentence(error, shared.file.origin));
+}
+
+ShareResult ShareByServer(const Shared& shared, const DavClient& client, const LinkPlan& plan) {
+    const HttpUrl& file = shared.file;
+    const DavServers::Share share = shared.servers.ShareOf(shared.accountKey, file);
     std::optional<ObLib::Secret> password;
     if (plan.hasPassword) {
-        password = PasswordOf(servers, file, share, rules);
+        password = PasswordOf(shared, share, plan.server->Rules());
         if (!password) return NotShared(SentenceAbout(OB_TEXT_DAV_NO_LINK_MADE, file.origin));
     }
     // Where each link has to end, the server sets the day itself.
-    const ShareWish wish{file, password ? &*password : nullptr, {}, share.label, isOwnFile};
+    const ShareWish wish{file, password ? &*password : nullptr, {}, share.label, shared.isOwnFile};
     const auto made = plan.server->Make(client, wish);
-    if (const auto* error = std::get_if<ShareError>(&made)) {
-        return NotShared(ShareSentence(*error, file.origin));
-    }
+    if (const auto* error = std::get_if<ShareError>(&made)) return NotShared(shared, *error);
     const auto& link = std::get<LinkShare>(made);
-    servers.ForgetShare(file);
+    shared.servers.ForgetShare(shared.accountKey, file);
     ShareResult result{true, link.link, Wide(link.id), {}, {}};
     if (password) result.password = Wide(password->Text());
     return result;
@@ -121,15 +138,14 @@ ShareResult ShareDavFile(DavServers& servers, const std::wstring& accountKey, co
     if (!IsBelow(file, access->root)) {
         return NotShared(SentenceAbout(OB_TEXT_DAV_NOT_FOUND, access->root.origin));
     }
+    const Shared shared{servers, accountKey, *access, file, isOwnFile};
     const DavClient client(servers.Session(), access->login, cancelled, servers.Patience());
     const auto server = servers.Shares(client, *access);
-    if (const auto* error = std::get_if<ShareError>(&server)) {
-        return NotShared(ShareSentence(*error, access->root.origin));
-    }
+    if (const auto* error = std::get_if<ShareError>(&server)) return NotShared(shared, *error);
     const LinkPlan plan = PlanLinks(*settings, std::get<0>(server));
     if (plan.way == LinkWay::None) return NotShared(plan.sentence);
     if (plan.way == LinkWay::ByPattern) return ShareByPattern(*settings, file);
-    return ShareByServer(servers, client, plan, file, isOwnFile);
+    return ShareByServer(shared, client, plan);
 }
 
 bool EndDavLink(DavServers& servers, const std::wstring& accountKey, const std::wstring& shareId,

@@ -104,12 +104,13 @@ std::optional<Entered> TakeFields(HWND dialog) {
 
 void BeginCheck(HWND dialog, OpenLogin& open, Entered entered) {
     open.entered = std::move(entered);
-    ShowState(dialog, OwnText(OB_TEXT_DAV_CHECKING));
-    EnableFields(dialog, false);
+    // First, as this may throw: the dialog stays usable then.
     open.check.emplace(dialog, kChecked,
                        [ask = open.login.check, entered = open.entered](HANDLE cancelled) {
                            return ask(entered.typed, entered.user, entered.password, cancelled);
                        });
+    ShowState(dialog, OwnText(OB_TEXT_DAV_CHECKING));
+    EnableFields(dialog, false);
 }
 
 void OnChecked(HWND dialog, OpenLogin& open) {

@@ -12,8 +12,8 @@
 
 namespace providers {
 
-// An account that the user can pick from. Both functions run on threads of their own and own all
-// that they use: after `cancelled` is set, a call that doesn't return at once goes on while the
+// An account that the user can pick from. `list` and `share` run on threads of their own and own
+// all that they use: after `cancelled` is set, a call that doesn't return at once goes on while the
 // picker, and whoever showed it, have gone. An exception is a failure without a sentence.
 struct DavPickAccount {
     StorageAccount account;
@@ -28,6 +28,10 @@ struct DavPickAccount {
     // A link to a file that `list` has returned. Called once for a file, again only after a
     // failure.
     std::function<ShareResult(const DavItem& file, HANDLE cancelled)> share;
+
+    // Lets the user enter the account's password again, in front of the picker and on its thread.
+    // False without one that the server accepts. May be empty.
+    std::function<bool(HWND owner)> logIn = {};
 };
 
 } // namespace providers

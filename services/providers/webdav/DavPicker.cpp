@@ -110,6 +110,7 @@ private:
     void BeginReading();
     void ShowPath();
     void OnListed();
+    bool HasLoggedIn(bool isNeeded);
     void ShowRows(std::vector<PickerRow> rows);
     std::wstring SentenceOf(const std::optional<Listing>& listing) const;
     void ShowMessage(const std::wstring& text);
@@ -139,7 +140,10 @@ private:
     std::vector<PickerRow> rows_;
     std::unique_ptr<ListTask> listing_; // while a folder is being read
     std::unique_ptr<LinkTask> linking_; // while links are being made
-    std::size_t linkCount_ = 0;         // of those
+    // Whether the user has been asked to log in since something was read: a login that doesn't
+    // count either isn't asked for in a circle.
+    bool isLoginAsked_ = false;
+    std::size_t linkCount_ = 0; // of those
 };
 
 void Picker::Begin(HWND dialog) {
@@ -259,8 +263,19 @@ void Picker::OnListed() {
     KillTimer(dialog_, kReadingTimer);
     auto listing = listing_->TakeResult();
     listing_.reset();
+    const bool needsLogin =
+        listing && listing->error && listing->error->fault == DavFault::WrongLogin;
     ShowMessage(SentenceOf(listing));
+    if (HasLoggedIn(needsLogin)) return BeginReading();
+    isLoginAsked_ = false;
     if (listing) ShowRows(std::move(listing->rows));
+}
+
+// Whether there is a new login for what has failed for want of one.
+bool Picker::HasLoggedIn(bool isNeeded) {
+    if (!isNeeded || isLoginAsked_ || !accounts_[account_].logIn) return false;
+    isLoginAsked_ = true;
+    return accounts_[account_].logIn(dialog_);
 }
 
 // What is shown in place of rows; empty when there are some.

@@ -12,6 +12,13 @@ namespace {
 // Nobody else's, and without anything about the user or the file.
 std::string NewLabel() { return "WebVellant " + ToUtf8(NewGuidText()); }
 
+// A user's name has no control characters.
+std::string KeyOf(const std::wstring& user, const HttpUrl& url) {
+    return ToUtf8(user) + '\n' + HttpUrlText(url);
+}
+
+std::string KeyOf(const DavAccess& access) { return KeyOf(access.login.user, access.root); }
+
 } // namespace
 
 DavServers::DavServers(AccountBook book, const DavPatience& patience)
@@ -33,42 +40,54 @@ std::optional<DavAccess> DavServers::AccessTo(const std::wstring& accountKey) co
 
 ShareOutcome<std::optional<ShareApi>> DavServers::Shares(const DavClient& client,
                                                          const DavAccess& access) {
-    if (auto known = Known(access.root)) return std::move(*known);
+    if (auto known = Known(access)) return std::move(*known);
     auto found = ShareApi::Find(client, access.root);
     if (const auto* api = std::get_if<0>(&found)) {
         const std::lock_guard guard(lock_);
-        shareApis_.insert_or_assign(HttpUrlText(access.root), *api);
+        shareApis_.insert_or_assign(KeyOf(access), *api);
     }
     return found;
 }
 
-std::optional<std::optional<ShareApi>> DavServers::Known(const HttpUrl& root) {
+std::optional<std::optional<ShareApi>> DavServers::Known(const DavAccess& access) {
     const std::lock_guard guard(lock_);
-    const auto known = shareApis_.find(HttpUrlText(root));
+    const auto known = shareApis_.find(KeyOf(access));
     if (known == shareApis_.end()) return {};
     return known->second;
 }
 
-void DavServers::Forget(const HttpUrl& root) {
+void DavServers::Forget(const DavAccess& access) {
     const std::lock_guard guard(lock_);
-    shareApis_.erase(HttpUrlText(root));
+    shareApis_.erase(KeyOf(access));
 }
 
-DavServers::Share DavServers::ShareOf(const HttpUrl& file) {
+DavServers::Share DavServers::ShareOf(const std::wstring& accountKey, const HttpUrl& file) {
     const std::lock_guard guard(lock_);
-    Share& share = shares_[HttpUrlText(file)];
+    Share& share = shares_[KeyOf(accountKey, file)];
     if (share.label.empty()) share.label = NewLabel();
     return share;
 }
 
-void DavServers::SetPassword(const HttpUrl& file, const ObLib::Secret& password) {
+void DavServers::SetPassword(const std::wstring& accountKey, const HttpUrl& file,
+                             const ObLib::Secret& password) {
     const std::lock_guard guard(lock_);
-    shares_[HttpUrlText(file)].password = password;
+    shares_[KeyOf(accountKey, file)].password = password;
 }
 
-void DavServers::ForgetShare(const HttpUrl& file) {
+void DavServers::ForgetShare(const std::wstring& accountKey, const HttpUrl& file) {
     const std::lock_guard guard(lock_);
-    shares_.erase(HttpUrlText(file));
+    shares_.erase(KeyOf(accountKey, file));
+}
+
+bool DavServers::IsRefused(const std::wstring& accountKey) {
+    const std::lock_guard guard(lock_);
+    return refused_.contains(accountKey);
+}
+
+void DavServers::SetRefused(const std::wstring& accountKey, bool isRefused) {
+    const std::lock_guard guard(lock_);
+    if (isRefused) refused_.insert(accountKey);
+    if (!isRefused) refused_.erase(accountKey);
 }
 
 } // namespace providers

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "services/providers/dav/ShareApi.h"
@@ -34,11 +35,11 @@ public:
     std::optional<DavAccess> AccessTo(const std::wstring& accountKey) const;
 
     // The interface through which the server of this folder makes links; nothing when it has none.
-    // A server that has answered isn't asked again until Forget.
+    // A server that has answered isn't asked again until Forget: not for this user.
     ShareOutcome<std::optional<ShareApi>> Shares(const DavClient& client, const DavAccess& access);
     // What the server has answered; nothing when it hasn't.
-    std::optional<std::optional<ShareApi>> Known(const HttpUrl& root);
-    void Forget(const HttpUrl& root);
+    std::optional<std::optional<ShareApi>> Known(const DavAccess& access);
+    void Forget(const DavAccess& access);
 
     // What a link to this file is recognised by and protected with: the same each time that the
     // link is asked for, so that a share whose reply was lost is found again.
@@ -46,18 +47,25 @@ public:
         std::string label;
         ObLib::Secret password; // empty until SetPassword
     };
-    Share ShareOf(const HttpUrl& file);
-    void SetPassword(const HttpUrl& file, const ObLib::Secret& password);
+    Share ShareOf(const std::wstring& accountKey, const HttpUrl& file);
+    void SetPassword(const std::wstring& accountKey, const HttpUrl& file,
+                     const ObLib::Secret& password);
     // The next link to this file is another one.
-    void ForgetShare(const HttpUrl& file);
+    void ForgetShare(const std::wstring& accountKey, const HttpUrl& file);
+
+    // Whether a server has refused the account's login, until another one counts.
+    bool IsRefused(const std::wstring& accountKey);
+    void SetRefused(const std::wstring& accountKey, bool isRefused);
 
 private:
     AccountBook book_;
     DavPatience patience_;
     std::mutex lock_; // never kept during a request
     std::unique_ptr<HttpSession> session_;
-    std::map<std::string, std::optional<ShareApi>> shareApis_; // by the folder's address
-    std::map<std::string, Share> shares_;                      // by the file's address
+    // At one address users have folders, rights and links of their own.
+    std::map<std::string, std::optional<ShareApi>> shareApis_; // by user and folder
+    std::map<std::string, Share> shares_;                      // by account and file
+    std::set<std::wstring> refused_;                           // accounts
 };
 
 } // namespace providers

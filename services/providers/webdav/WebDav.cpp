@@ -31,6 +31,10 @@ UploadResult NotUploaded(const std::wstring& name, const std::wstring& why) {
     return Failed(FormatOwnText(OB_TEXT_DAV_NOT_UPLOADED, {name, why}));
 }
 
+std::wstring WrongLoginSentence(const HttpOrigin& server) {
+    return DavSentence({DavFault::WrongLogin, 401, {}, std::nullopt}, server);
+}
+
 // One upload of one account: what has to be known and asked before its first byte.
 class LinkedUpload {
 public:
@@ -47,24 +51,21 @@ public:
         auto access = servers_->AccessTo(key_);
         if (!access) return Failed(FormatOwnText(OB_TEXT_DAV_LOGGED_OUT, {file_.name}));
         const HttpOrigin server = access->root.origin;
-        return upload.Run(std::move(*access), file_, progress_,
-                          [this, server](HWND owner) -> std::optional<HttpLogin> {
-                              if (!AskForDavPassword(servers_, key_, WrongLogin(server), owner))
-                                  return {};
-                              auto now = servers_->AccessTo(key_);
-                              if (!now) return {};
-                              return std::move(now->login);
-                          });
+        return upload.Run(
+            std::move(*access), file_, progress_,
+            [this, server](HWND owner) -> std::optional<HttpLogin> {
+                if (!AskForDavPassword(servers_, key_, WrongLoginSentence(server), owner))
+                    return {};
+                auto now = servers_->AccessTo(key_);
+                if (!now) return {};
+                return std::move(now->login);
+            });
     }
 
 private:
     using Ended = std::optional<UploadResult>; // nothing: the upload goes on
 
     static UploadResult Cancelled() { return {UploadEnd::Cancelled, {}, {}}; }
-    static std::wstring WrongLogin(const HttpOrigin& server) {
-        return DavSentence({DavFault::WrongLogin, 401, {}, std::nullopt}, server);
-    }
-
     bool AskForPassword(const std::wstring& reason) {
         bool isGiven = false;
         return progress_.Ask([&](HWND owner) {
@@ -86,7 +87,7 @@ private:
                 const bool isLogin =
                     error->fault == ShareFault::Dav && error->dav.fault == DavFault::WrongLogin;
                 if (!isLogin) return {};
-                if (!AskForPassword(WrongLogin(access->root.origin))) return Cancelled();
+                if (!AskForPassword(WrongLoginSentence(access->root.origin))) return Cancelled();
                 continue;
             }
             const LinkPlan plan = PlanLinks(*settings, std::get<0>(server));
@@ -184,7 +185,19 @@ DavPickAccount PickableAccount(const std::shared_ptr<DavServers>& servers,
         },
         [servers, key = account.key](const DavItem& file, HANDLE cancelled) {
             return ShareDavFile(*servers, key, file.url, false, cancelled);
+        },
+        [servers, key = account.key, server = settings.root.origin](HWND owner) {
+            return AskForDavPassword(servers, key, WrongLoginSentence(server), owner);
         }};
+}
+
+std::vector<DavPickAccount> PickableAccounts(const std::shared_ptr<DavServers>& servers) {
+    std::vector<DavPickAccount> accounts;
+    for (const StorageAccount& account : servers->Book().Accounts(kWebDavId)) {
+        const auto settings = ReadDavAccount(servers->Book(), account.key);
+        if (settings) accounts.push_back(PickableAccount(servers, account, *settings));
+    }
+    return accounts;
 }
 
 } // namespace
@@ -206,13 +219,16 @@ bool WebDav::Has(ProviderCapability capability) const noexcept {
 }
 
 std::optional<StorageAccount> WebDav::LogIn(const std::wstring& key, HWND owner) {
-    if (!ReadDavAccount(Book(), key)) return LogInToDav(servers_, owner);
-    if (!AskForDavPassword(servers_, key, {}, owner)) return {};
+    const auto settings = ReadDavAccount(Book(), key);
+    if (!settings) return LogInToDav(servers_, owner);
+    const std::wstring reason =
+        servers_->IsRefused(key) ? WrongLoginSentence(settings->root.origin) : std::wstring();
+    if (!AskForDavPassword(servers_, key, reason, owner)) return {};
     return Book().Account(kWebDavId, key);
 }
 
 bool WebDav::IsLoggedIn(const std::wstring& key) const {
-    return servers_->AccessTo(key).has_value();
+    return servers_->AccessTo(key) && !servers_->IsRefused(key);
 }
 
 void WebDav::LogOut(const std::wstring& key, HWND) { RemoveDavAccount(Book(), key); }
@@ -274,17 +290,17 @@ DeletionEnd WebDav::RemovePart(const std::wstring& key, const std::wstring& path
 }
 
 PickResult WebDav::Pick(const std::wstring& preferred, HWND owner) {
-    if (Book().Accounts(kWebDavId).empty() && !LogIn({}, owner)) return {};
-    std::vector<DavPickAccount> accounts;
-    std::size_t first = 0;
-    for (const StorageAccount& account : Book().Accounts(kWebDavId)) {
-        const auto settings = ReadDavAccount(Book(), account.key);
-        if (!settings) continue;
-        accounts.push_back(PickableAccount(servers_, account, *settings));
-        // The newest account, unless the preferred one is among them.
-        if (accounts[first].account.key != preferred) first = accounts.size() - 1;
+    auto accounts = PickableAccounts(servers_);
+    if (accounts.empty()) {
+        if (!LogIn({}, owner)) return {};
+        accounts = PickableAccounts(servers_);
     }
     if (accounts.empty()) return {{}, OwnText(OB_TEXT_PICK_FAILED)};
+    // The newest account, unless the preferred one is among them.
+    std::size_t first = accounts.size() - 1;
+    for (std::size_t index = 0; index < accounts.size(); ++index) {
+        if (accounts[index].account.key == preferred) first = index;
+    }
     return PickFromServers(accounts, first, DisplayName(), owner);
 }
 

@@ -224,6 +224,49 @@ TEST_F(DavPickerTest, ExplainsADeadAccountAndLeavesTheOthersUsable) {
     EXPECT_EQ(result.files[0].link, L"https://l/other.txt");
 }
 
+TEST_F(DavPickerTest, AsksForAPasswordThatNoLongerCounts) {
+    fake_->folders[L""] = DavError{DavFault::WrongLogin, 401, {}, std::nullopt};
+    DavPickAccount account = AccountOf(fake_);
+    std::atomic<int> logins = 0;
+    account.logIn = [&](HWND owner) { // nothing is read meanwhile
+        EXPECT_NE(owner, nullptr);
+        ++logins;
+        fake_->folders[L""] = std::vector{File(L"a.txt")};
+        return true;
+    };
+    const PickResult result = Show({account}, [&](PickerUser user) {
+        EXPECT_TRUE(user.Sees({L"a.txt"}));
+        EXPECT_EQ(user.Message(), L"");
+        user.Select(0);
+        user.Press(IDOK);
+    });
+    ASSERT_EQ(result.files.size(), 1U);
+    EXPECT_EQ(result.files[0].link, L"https://l/a.txt");
+    EXPECT_EQ(logins, 1);
+}
+
+TEST_F(DavPickerTest, AsksForAPasswordOnceUntilTheUserReadsAgain) {
+    fake_->folders[L""] = DavError{DavFault::WrongLogin, 401, {}, std::nullopt};
+    DavPickAccount account = AccountOf(fake_);
+    std::atomic<int> logins = 0;
+    account.logIn = [&](HWND) { return ++logins != 2; };
+    Show({account}, [&](PickerUser user) {
+        const auto explains = [&](int lists) {
+            return WaitUntil([&] {
+                return fake_->lists == lists &&
+                       user.Message().starts_with(L"The server \u201Cfiles.example.com\u201D "
+                                                  L"doesn't accept the user name");
+            });
+        };
+        EXPECT_TRUE(explains(2)); // after the new password, too
+        EXPECT_EQ(logins, 1);
+        user.Press(OB_DAVPICK_REFRESH);
+        EXPECT_TRUE(explains(3)); // without a new one
+        EXPECT_EQ(logins, 2);
+        user.Press(IDCANCEL);
+    });
+}
+
 TEST_F(DavPickerTest, ExplainsAFolderThatIsGoneAndOneThatCannotBeRead) {
     fake_->folders.erase(L"Photos");
     Show([&](PickerUser user) {

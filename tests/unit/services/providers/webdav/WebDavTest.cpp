@@ -13,6 +13,7 @@
 #include "services/providers/storage/ProviderIds.h"
 #include "services/providers/webdav/AccountPassword.h"
 #include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavPickerIds.h"
 #include "services/providers/webdav/DavSentence.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
@@ -329,6 +330,53 @@ TEST_F(WebDavTest, ProtectsALinkWhereUserAdministratorOrServerWantIt) {
     }
 }
 
+// The days in the mail are those of the file, which the schedule deletes; the link ends before.
+TEST_F(WebDavTest, AServersEarlierEndOfALinkCountsAsItsEnd) {
+    Use("ocs");
+    shares_.Set("expiry", "1");
+    shares_.Set("days", "3");
+    const StorageAccount account = AddAccount(L"");
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    const ShareResult shared = provider_.Share(account.key, uploaded.stored, ended_.Get());
+    ASSERT_TRUE(shared.isShared) << shared.sentence;
+    const auto before = shares_.Shares();
+    EXPECT_TRUE(provider_.SetExpiry(account.key, shared.shareId, 30, ended_.Get()));
+    EXPECT_EQ(shares_.Shares(), before); // three days
+    EXPECT_EQ(before.size(), 1u);
+}
+
+// The administrator of the server may change the rules at any time.
+TEST_F(WebDavTest, AsksForTheRulesAgainAfterARefusal) {
+    Use("ocs");
+    const StorageAccount account = AddAccount(L"");
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    shares_.Set("password", "1");
+    EXPECT_FALSE(provider_.Share(account.key, uploaded.stored, ended_.Get()).isShared);
+    const ShareResult shared = provider_.Share(account.key, uploaded.stored, ended_.Get());
+    ASSERT_TRUE(shared.isShared) << shared.sentence;
+    EXPECT_FALSE(shared.password.empty());
+    EXPECT_NE(Download(shared.link), content_);
+}
+
+// At one address the users of a server have rights, files and links of their own.
+TEST_F(WebDavTest, KeepsRulesAndPasswordsOfLinksByAccount) {
+    Use("ocs");
+    DavServers servers(book_, kNoPauses);
+    const DavAccess access{Root(), login_};
+    const DavAccess another{Root(), {login_.origin, L"another user", login_.password}};
+    const DavClient client(session_, login_, nullptr, kNoPauses);
+    ASSERT_TRUE(std::holds_alternative<std::optional<ShareApi>>(servers.Shares(client, access)));
+    EXPECT_TRUE(servers.Known(access));
+    EXPECT_FALSE(servers.Known(another));
+    const HttpUrl file = UrlBelow(Root(), "a.zip");
+    servers.SetPassword(L"{1}", file, ObLib::Secret("a password"));
+    EXPECT_STREQ(servers.ShareOf(L"{1}", file).password.Text(), "a password");
+    EXPECT_TRUE(servers.ShareOf(L"{2}", file).password.Empty());
+    EXPECT_NE(servers.ShareOf(L"{1}", file).label, servers.ShareOf(L"{2}", file).label);
+}
+
 // Nobody knows whether a share was made whose reply didn't come: the next call uses it.
 TEST_F(WebDavTest, AShareWhoseReplyIsLostIsNotMadeTwice) {
     Use("ocs");
@@ -399,6 +447,55 @@ TEST_F(WebDavTest, APasswordThatIsRevokedInTheMiddleIsAskedForOnce) {
     EXPECT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
     EXPECT_EQ(Stored(), std::vector<std::wstring>{L"Quillbox\\20261122101530\\Our files.zip"});
     EXPECT_EQ(progress_.asked_, 1);
+}
+
+TEST_F(WebDavTest, AShareWithAPasswordThatNoLongerCountsLeavesTheAccountWithoutALogin) {
+    Use("ocs");
+    const StorageAccount account = AddAccount(L"");
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    ASSERT_TRUE(SaveAccountPassword(account.key, ObLib::Secret("an old one")));
+    const ShareResult refused = provider_.Share(account.key, uploaded.stored, ended_.Get());
+    EXPECT_FALSE(refused.isShared);
+    EXPECT_FALSE(provider_.IsLoggedIn(account.key)); // the next send asks
+    EXPECT_THAT(refused.sentence, HasSubstr(L"doesn't accept"));
+    DialogUiDriver user(OB_DAV_ADDRESS, [&](HWND dialog) {
+        EXPECT_THAT(ItemText(dialog, OB_DAV_LOGIN_STATE), HasSubstr(L"doesn't accept"));
+        SetDlgItemTextW(dialog, OB_DAV_PASSWORD, obtest::ServerValue(L"SERVER_PASSWORD").c_str());
+        obtest::PressCommand(dialog, IDOK);
+    });
+    EXPECT_TRUE(provider_.LogIn(account.key, nullptr));
+    EXPECT_TRUE(provider_.IsLoggedIn(account.key));
+    const ShareResult shared = provider_.Share(account.key, uploaded.stored, ended_.Get());
+    EXPECT_TRUE(shared.isShared) << shared.sentence;
+}
+
+// What is below the folder of an account isn't another folder of it.
+TEST_F(WebDavTest, ANewPasswordIsTriedAtTheAccountsFolderAlone) {
+    const StorageAccount account = AddAccount(kPattern, false, "an old one");
+    relay_.On("PROPFIND", "status 404");
+    DialogUiDriver user(OB_DAV_ADDRESS, [&](HWND dialog) {
+        SetDlgItemTextW(dialog, OB_DAV_PASSWORD, obtest::ServerValue(L"SERVER_PASSWORD").c_str());
+        obtest::PressCommand(dialog, IDOK);
+        EXPECT_TRUE(WaitUntil([=] {
+            return ItemText(dialog, OB_DAV_LOGIN_STATE).find(L"127.0.0.1") != std::wstring::npos;
+        })) << ItemText(dialog, OB_DAV_LOGIN_STATE);
+        obtest::PressCommand(dialog, IDCANCEL);
+    });
+    EXPECT_FALSE(provider_.LogIn(account.key, nullptr));
+    EXPECT_EQ(relay_.Methods(), "PROPFIND");
+    EXPECT_EQ(PasswordOf(account.key), "an old one");
+}
+
+// A server deletes a folder only with all that is in it by then, so the folders stay.
+TEST_F(WebDavTest, AFailedUploadLeavesEmptyFoldersOnly) {
+    const StorageAccount account = AddAccount();
+    relay_.On("PUT", "status 507", 0, 100);
+    EXPECT_EQ(Upload(account.key).end, UploadEnd::Failed);
+    EXPECT_THAT(Stored(), IsEmpty());
+    EXPECT_FALSE(PartNotes(book_).HasAny());
+    EXPECT_THAT(obtest::ListTree(Files()), testing::Contains(L"Quillbox\\20261122101530\\"));
+    EXPECT_THAT(relay_.Methods(), HasSubstr("DELETE"));
 }
 
 TEST_F(WebDavTest, AnUploadThatGetsNoPasswordIsCancelledAndLeavesNothing) {
@@ -591,6 +688,42 @@ TEST_F(WebDavTest, TheAccountPageChangesLinksAndLogsOut) {
     provider_.Manage(account.key, nullptr);
     EXPECT_THAT(Accounts(), IsEmpty());
     EXPECT_EQ(PasswordOf(account.key), "none");
+}
+
+TEST_F(WebDavTest, APickBeginsWithThePreferredAccountElseWithTheNewest) {
+    const StorageAccount account = AddAccount();
+    HttpUrl other = UrlBelow(Root(), "x");
+    other.path += '/';
+    ASSERT_TRUE(AddDavAccount(book_, {other, login_.user, kPattern, false}, login_.password));
+    const auto firstOf = [&](const std::wstring& preferred) {
+        LRESULT chosen = -1;
+        DialogUiDriver user(OB_DAVPICK_LIST, [&](HWND dialog) {
+            chosen = SendDlgItemMessageW(dialog, OB_DAVPICK_ACCOUNT, CB_GETCURSEL, 0, 0);
+            obtest::PressCommand(dialog, IDCANCEL);
+        });
+        provider_.Pick(preferred, nullptr);
+        return chosen;
+    };
+    EXPECT_EQ(firstOf(account.key), 0);
+    EXPECT_EQ(firstOf({}), 1);
+    provider_.LogOut(account.key, nullptr);
+    EXPECT_EQ(firstOf(account.key), 0);
+}
+
+TEST_F(WebDavTest, APickAsksForAPasswordThatNoLongerCounts) {
+    const StorageAccount account = AddAccount(kPattern, false, "an old one");
+    DialogUiDriver login(OB_DAV_ADDRESS, [&](HWND dialog) {
+        EXPECT_THAT(ItemText(dialog, OB_DAV_LOGIN_STATE), HasSubstr(L"doesn't accept"));
+        SetDlgItemTextW(dialog, OB_DAV_PASSWORD, obtest::ServerValue(L"SERVER_PASSWORD").c_str());
+        obtest::PressCommand(dialog, IDOK);
+    });
+    DialogUiDriver user(OB_DAVPICK_LIST, [&](HWND dialog) {
+        EXPECT_TRUE(WaitUntil([&] {
+            return PasswordOf(account.key) == login_.password.Text() && IsWindowEnabled(dialog);
+        }));
+        obtest::PressCommand(dialog, IDCANCEL);
+    });
+    EXPECT_THAT(provider_.Pick(account.key, nullptr).files, IsEmpty());
 }
 
 TEST_F(WebDavTest, APickWithoutAnAccountBeginsWithALogin) {
