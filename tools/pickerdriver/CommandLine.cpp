@@ -71,6 +71,12 @@ void Apply(Task& task, const std::wstring& option, const std::wstring& value) {
         task.password = value;
     } else if (option == L"--pdf-password") {
         task.pdfPassword = value;
+    } else if (option == L"--server") {
+        task.server = value;
+    } else if (option == L"--user") {
+        task.user = value;
+    } else if (option == L"--server-password") {
+        task.serverPassword = value;
     } else if (option == L"--picture") {
         task.picture = value;
     } else if (option == L"--timeout") {
@@ -104,6 +110,9 @@ void Check(const Task& task) {
     if (!task.keepFolder.empty() && task.pageResult.empty()) {
         throw Failure{L"--keep needs --page-result"};
     }
+    if ((task.pickFromCloud || !task.server.empty()) && task.pageResult.empty()) {
+        throw Failure{L"--server and --pick-from-cloud need --page-result"};
+    }
     if (!task.pageResult.empty() && task.program.empty()) {
         throw Failure{L"--page-result needs a program"};
     }
@@ -123,10 +132,15 @@ const wchar_t kUsage[] =
     L"  --files A;B;C, --file A    full paths, typed as names\n"
     L"  --password TEXT            for --choice encrypt\n"
     L"  --pdf-password TEXT        for encrypted PDFs; without it they are left as they are\n"
+    L"  --server ADDRESS           of WebDAV, logged in to in the chooser of a cloud account, "
+    L"with\n"
+    L"  --user, --server-password  these\n"
+    L"  --pick-from-cloud          asks once more, for the last file that the cloud button shows\n"
     L"  --cancel                   presses Cancel instead of Open\n"
     L"  --picture FILE.png         of the open picker; -chosen, -settings, -password,\n"
-    L"                             -pdf-password, -message and -receipt are put before .png for\n"
-    L"                             the pictures that follow\n"
+    L"                             -pdf-password, -message, -receipt, -chooser, -login, -upload,\n"
+    L"                             -cloud and -cloud-list are put before .png for the pictures\n"
+    L"                             that follow\n"
     L"  --page-result FILE         where PROGRAM, a mail page, lists what it got\n"
     L"  --keep FOLDER              where to copy the files that the page got\n"
     L"  --timeout SECONDS          for each wait (60)\n"
@@ -139,6 +153,10 @@ Task ParseCommandLine(int argc, wchar_t** argv) {
         const std::wstring option = argv[index];
         if (option == L"--cancel") {
             task.cancel = true;
+            continue;
+        }
+        if (option == L"--pick-from-cloud") {
+            task.pickFromCloud = true;
             continue;
         }
         if (++index == argc) throw Failure{option + L" needs a value"};

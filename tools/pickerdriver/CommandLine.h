@@ -28,6 +28,10 @@ struct Task {
     std::wstring password;
     std::wstring pdfPassword; // of encrypted PDFs; empty: they are left as they are
     bool cancel = false;
+    std::wstring server; // of WebDAV, that the user logs in to in the chooser; empty: no chooser
+    std::wstring user;
+    std::wstring serverPassword;
+    bool pickFromCloud = false;      // a second request on the same page
     const Transform* tick = nullptr; // whose box is ticked; null: none
     std::wstring value;              // typed in its settings; empty: as they are
     DWORD limit = 60000;             // milliseconds for each wait

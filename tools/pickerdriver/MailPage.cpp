@@ -91,8 +91,12 @@ void MailPage::LookAtAnswer(const Task& task) const {
     const std::vector<std::wstring> note = AwaitNote(task.pageResult, Process(), task.limit);
     for (const std::wstring& line : note) Say(L"page: " + line);
     if (!task.keepFolder.empty()) KeepCopies(note, task.keepFolder);
-    const HWND window = obtest::FindMainWindow(processId_);
-    if (window) PostMessageW(window, WM_CLOSE, 0, 0);
+}
+
+HWND MailPage::Window() const { return obtest::FindMainWindow(processId_); }
+
+void MailPage::Close() const {
+    if (const HWND window = Window()) PostMessageW(window, WM_CLOSE, 0, 0);
 }
 
 int MailPage::AwaitEnd(DWORD limit) const {

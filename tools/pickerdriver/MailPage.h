@@ -22,9 +22,14 @@ public:
 
     HANDLE Process() const { return process_.Get(); }
 
-    // Waits until the page has its answer, copies the files as the task asks, and closes the page's
-    // window, after which its temporary files are gone.
+    // Its window; null while it has none.
+    HWND Window() const;
+
+    // Waits until the page has its answer, and copies the files as the task asks.
     void LookAtAnswer(const Task& task) const;
+
+    // Closes the page's window, after which its temporary files are gone.
+    void Close() const;
 
     // The program's exit code.
     int AwaitEnd(DWORD limit) const;

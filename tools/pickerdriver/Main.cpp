@@ -4,6 +4,7 @@
 #include <exception>
 #include <optional>
 
+#include "tools/pickerdriver/CloudVisit.h"
 #include "tools/pickerdriver/CommandLine.h"
 #include "tools/pickerdriver/MailPage.h"
 #include "tools/pickerdriver/Output.h"
@@ -21,6 +22,11 @@ int Run(const Task& task) {
     VisitPicker(task, page ? page->Process() : nullptr);
     if (!page) return 0;
     if (!task.pageResult.empty()) page->LookAtAnswer(task);
+    if (task.pickFromCloud) {
+        PickFromCloud(task, page->Window(), page->Process());
+        page->LookAtAnswer(task);
+    }
+    if (!task.pageResult.empty()) page->Close();
     return page->AwaitEnd(task.limit);
 }
 

@@ -69,11 +69,14 @@ std::wstring PlainText(const wchar_t* module, UINT id) {
     return plain;
 }
 
+std::wstring PictureName(const Task& task, const wchar_t* suffix) {
+    std::wstring path = task.picture;
+    return path.insert(std::min(path.rfind(L'.'), path.size()), suffix);
+}
+
 void TakePictureOf(HWND window, const Task& task, const wchar_t* suffix) {
     if (task.picture.empty()) return;
-    std::wstring path = task.picture;
-    const std::size_t point = std::min(path.rfind(L'.'), path.size());
-    path.insert(point, suffix);
+    const std::wstring path = PictureName(task, suffix);
     const auto picture = obtest::TakeSettledPicture(window);
     if (!picture) throw Failure{L"the window stays blank: no picture for " + path};
     if (!obtest::WritePng(*picture, path)) throw Failure{path + L" can't be written"};

@@ -30,6 +30,9 @@ HWND DialogWith(int control);
 // can't be read.
 std::wstring PlainText(const wchar_t* module, UINT id);
 
+// The file of the task's pictures with the suffix in its name.
+std::wstring PictureName(const Task& task, const wchar_t* suffix);
+
 // Into the file of the task's pictures with the suffix in its name; nothing if the task wants none.
 void TakePictureOf(HWND window, const Task& task, const wchar_t* suffix);
 

@@ -3,6 +3,7 @@
 #include "tests/support/PasswordUiDriver.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/WindowKit.h"
+#include "tools/pickerdriver/CloudVisit.h"
 #include "tools/pickerdriver/Output.h"
 #include "tools/pickerdriver/Questions.h"
 #include "tools/pickerdriver/Screen.h"
@@ -117,6 +118,7 @@ void VisitPicker(const Task& task, HANDLE program) {
     Await(L"end of the picker", task.limit, nullptr, [&] { return !picker.IsOpen(); });
     Say(task.cancel ? L"pressed Cancel" : L"pressed Open");
     AnswerQuestions(task, program);
+    if (!task.cancel) LogIn(task, program);
     if (task.choice == Choice::Encrypt && !task.cancel) GivePassword(task, program);
 }
 
