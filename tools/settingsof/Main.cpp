@@ -5,11 +5,14 @@
 //
 // With PICTURE nobody is asked: the dialog is drawn into that file and cancelled. ID is that of a
 // transform; after "account" that of a storage provider, network folders without one, whose newest
-// account is shown, or its login while it has none.
+// account is shown. While it has none its login comes before; with PICTURE and the variables
+// OB_OCS_URL, OB_SERVER_USER and OB_SERVER_PASSWORD it is the one to that WebDAV server, and the
+// account page goes into PICTURE with "-page" in its name.
 //
 // PVXManager64.dll has to be beside this program. Ends with 0 when the dialog was shown.
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cwchar>
 #include <string>
@@ -19,6 +22,8 @@
 #include "ObLib/Src/Win32/LoadModule.h"
 #include "ObLib/Src/Win32/ModulePath.h"
 #include "contracts/ProviderManager.h"
+#include "services/providers/webdav/DavDialogIds.h"
+#include "tests/support/WindowKit.h"
 #include "tests/support/WindowPicture.h"
 
 namespace {
@@ -77,7 +82,30 @@ HWND DialogOf(DWORD thread) {
     return found;
 }
 
-// Draws the dialog of the thread into a file and cancels it. False when that can't be done.
+std::wstring Variable(const wchar_t* name) {
+    wchar_t value[512] = L"";
+    return GetEnvironmentVariableW(name, value, 512) < 512 ? value : L"";
+}
+
+// Whether the dialog is a login that can be filled in, which it is then.
+bool FillIn(HWND dialog) {
+    if (!GetDlgItem(dialog, OB_DAV_ADDRESS) || Variable(L"OB_OCS_URL").empty()) return false;
+    obtest::SetText(GetDlgItem(dialog, OB_DAV_ADDRESS), Variable(L"OB_OCS_URL"));
+    obtest::SetText(GetDlgItem(dialog, OB_DAV_USER), Variable(L"OB_SERVER_USER"));
+    obtest::SetText(GetDlgItem(dialog, OB_DAV_PASSWORD), Variable(L"OB_SERVER_PASSWORD"));
+    return true;
+}
+
+// Ends the dialog; false when a login wasn't one.
+bool End(HWND dialog, bool isFilledIn) {
+    const bool good =
+        !isFilledIn || (obtest::PressCommand(dialog, IDOK) && obtest::WaitUntilClosed(dialog));
+    if (!isFilledIn || !good) PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    return good;
+}
+
+// Draws the dialog of the thread into a file and ends it: a login that can be filled in with OK,
+// any other by cancelling. False when that can't be done.
 bool Draw(DWORD thread, const std::wstring& file) {
     constexpr int kLimit = 20000; // milliseconds
     HWND dialog = nullptr;
@@ -85,10 +113,10 @@ bool Draw(DWORD thread, const std::wstring& file) {
         dialog = DialogOf(thread);
     }
     if (!dialog) return false;
+    const bool isFilledIn = FillIn(dialog);
     const auto picture = obtest::TakeSettledPicture(dialog);
     const bool drawn = picture && obtest::WritePng(*picture, file);
-    PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-    return drawn;
+    return End(dialog, isFilledIn) && drawn;
 }
 
 // Runs a call that shows a dialog, which nobody is asked in when there is a picture to draw.
@@ -114,6 +142,11 @@ Function SlotOf(const CloudProvider& provider, std::size_t slot) {
     return reinterpret_cast<Function>(provider.table[slot]);
 }
 
+std::wstring PagePicture(const std::wstring& picture) {
+    std::wstring file = picture;
+    return file.insert(std::min(file.rfind(L'.'), file.size()), L"-page");
+}
+
 bool ShowAccount(const Manager& manager, ProviderManagerHandle handle, std::uint32_t id,
                  const wchar_t* picture) {
     using GetProfiles = std::int32_t (*)(CloudProvider*, ProviderProfile*, std::uint32_t);
@@ -121,14 +154,21 @@ bool ShowAccount(const Manager& manager, ProviderManagerHandle handle, std::uint
     CloudProvider* const provider = manager.instance(handle, id, ProviderKind::Storage);
     if (!provider) return false;
     static ProviderProfile profiles[16];
-    const std::int32_t count = SlotOf<GetProfiles>(*provider, 136)(provider, profiles, 16);
-    ProviderProfile& newest = profiles[count > 0 ? count - 1 : 0];
-    return Shown(picture, [&] {
-        if (count > 0) {
-            SlotOf<Manage>(*provider, 137)(provider, nullptr, newest.accountKey);
-        } else {
-            manager.logIn(handle, provider, newest.accountKey, newest.accountLabel, nullptr);
-        }
+    const auto getProfiles = SlotOf<GetProfiles>(*provider, 136);
+    std::int32_t count = getProfiles(provider, profiles, 16);
+    const bool hasNone = count <= 0;
+    if (hasNone) {
+        const auto logIn = [&] {
+            manager.logIn(handle, provider, profiles[0].accountKey, profiles[0].accountLabel,
+                          nullptr);
+        };
+        if (!Shown(picture, logIn)) return false;
+        count = getProfiles(provider, profiles, 16);
+        if (count <= 0) return true; // the login was cancelled
+    }
+    const std::wstring file = picture ? (hasNone ? PagePicture(picture) : picture) : L"";
+    return Shown(picture ? file.c_str() : nullptr, [&] {
+        SlotOf<Manage>(*provider, 137)(provider, nullptr, profiles[count - 1].accountKey);
     });
 }
 
