@@ -1,125 +1,26 @@
 // Whole requests whose zip is too large for a mail, with accounts of real WebDAV servers:
 // everything is real. The page gets the text with the link, and the link gives the bytes.
-#include <gmock/gmock.h>
-
-#include <algorithm>
+#include <commctrl.h>
 
 #include "OBCore/modules/DialogIds.h"
-#include "contracts/ProviderManager.h"
-#include "services/providers/AccountStore.h"
-#include "services/providers/http/Utf8.h"
 #include "services/providers/storage/LinkPasswordDialogIds.h"
-#include "services/providers/storage/ProviderIds.h"
-#include "services/providers/storage/RecordTexts.h"
-#include "services/providers/webdav/DavAccount.h"
 #include "services/providers/webdav/DavDialogIds.h"
 #include "services/providers/webdav/DavPickerIds.h"
-#include "tests/e2e/CloudRequest.h"
-#include "tests/e2e/Curl.h"
-#include "tests/e2e/RealRequest.h"
-#include "tests/e2e/ZipContents.h"
-#include "tests/support/CloudServers.h"
+#include "tests/e2e/KeptBytes.h"
+#include "tests/e2e/WebDavRequest.h"
 
 namespace obtest {
 namespace {
 
-using testing::IsEmpty;
 using Texts = std::vector<std::wstring>;
 
 constexpr int kCloudButton = 3011;
+constexpr wchar_t kNoSpace[] =
+    L"There is too little free space on the server \u201C127.0.0.1\u201D. Please delete files "
+    L"there, or choose another account.";
 
-// One run of a test for each server.
-class WebDavEndToEnd : public RealRequest, public testing::WithParamInterface<const char*> {
+class WebDavEndToEnd : public WebDavRequest {
 protected:
-    void SetUp() override {
-        RealRequest::SetUp();
-        shares_.Begin();
-    }
-    void TearDown() override {
-        RemoveTree(FilesOfServer() + L"\\Quillbox");
-        for (const auto& account : book_.Accounts(providers::kWebDavId)) {
-            providers::RemoveDavAccount(book_, account.key);
-        }
-        RealRequest::TearDown();
-    }
-
-    bool MakesLinks() const { return GetParam() == std::string("ocs"); }
-    std::wstring Value(const wchar_t* name) const {
-        std::wstring value;
-        for (const char* c = GetParam(); *c; ++c) value += static_cast<wchar_t>(*c - 'a' + 'A');
-        return ServerValue((value + name).c_str());
-    }
-    std::wstring Address() const { return Value(L"_URL"); }
-    std::wstring FilesOfServer() const { return Value(L"_FILES"); }
-    std::wstring User() const { return ServerValue(L"SERVER_USER"); }
-    std::wstring Password() const { return ServerValue(L"SERVER_PASSWORD"); }
-    // The server itself, where it makes no links.
-    std::wstring Pattern() const { return MakesLinks() ? L"" : Address() + L"{path}"; }
-
-    void AddDefaultAccount(const std::wstring& address, bool hasPasswords = false) {
-        const auto root = providers::ParseHttpUrl(providers::ToUtf8(address));
-        ASSERT_TRUE(root);
-        const auto account =
-            providers::AddDavAccount(book_, {*root, User(), Pattern(), hasPasswords},
-                                     ObLib::Secret(providers::ToUtf8(Password()).c_str()));
-        ASSERT_TRUE(account);
-        ASSERT_TRUE(
-            store_.SaveDefaultProfile(providers::ProfileOf(providers::kWebDavId, *account)));
-    }
-    std::wstring LargeFile() const { return files_.File(L"large.bin", LargeContent()); }
-
-    // The one file of the server, below the folders that the request made for it.
-    std::wstring Stored() const {
-        Texts tree = ListTree(FilesOfServer());
-        std::erase_if(tree, [](const std::wstring& path) {
-            return !path.starts_with(L"Quillbox\\") || path.find(L"\\.") != std::wstring::npos ||
-                   path.ends_with(L"\\");
-        });
-        EXPECT_EQ(tree.size(), 1u);
-        return tree.empty() ? L"" : tree[0];
-    }
-    // What the page was handed, field by field; the link.
-    std::wstring ExpectLinkText() {
-        EXPECT_FALSE(browser_.delivered.empty());
-        if (browser_.delivered.empty()) return {};
-        const std::wstring start = L"link ";
-        EXPECT_TRUE(browser_.delivered[0].starts_with(start)) << browser_.delivered[0];
-        const Texts fields = FieldsOf(browser_.delivered[0].substr(start.size()));
-        EXPECT_EQ(fields.size(), 10u);
-        if (fields.size() != 10) return {};
-        EXPECT_EQ(fields[0], L"0");
-        EXPECT_EQ(fields[1], L" ");
-        EXPECT_EQ(fields[2], L"large.zip");
-        EXPECT_EQ(fields[4], L"Shared from: WebDAV server");
-        EXPECT_EQ(fields[5], Text(131));
-        EXPECT_EQ(fields[6], Text(132));
-        EXPECT_EQ(fields[7], Text(133));
-        EXPECT_EQ(fields[8], Text(134));
-        EXPECT_EQ(fields[9], L"#POPUP_MESSAGE_BEGIN#" + Text(160) + L"#POPUP_MESSAGE_END#");
-        EXPECT_THAT(browser_.OwnDialogs(), IsEmpty());
-        return fields[3];
-    }
-    // The link of the page gives others the bytes that the server has, which are the zip.
-    void ExpectLinkToZip(const std::wstring& linkPassword = L"") {
-        const std::wstring link = ExpectLinkText();
-        const std::wstring stored = Stored();
-        EXPECT_TRUE(stored.ends_with(L"\\large.zip")) << stored;
-        std::wstring below = stored;
-        std::ranges::replace(below, L'\\', L'/');
-        if (!MakesLinks()) {
-            EXPECT_EQ(link, Address() + below);
-        }
-        const auto bytes =
-            MakesLinks() ? CurlGet(link, linkPassword.empty() ? L"" : L"anybody", linkPassword)
-                         : CurlGet(link, User(), Password());
-        ASSERT_TRUE(bytes);
-        EXPECT_TRUE(bytes == ReadFileContent(FilesOfServer() + L"\\" + stored));
-        ASSERT_TRUE(browser_.cleanupFile); // the zip that was uploaded
-        EXPECT_TRUE(bytes == ReadFileContent(*browser_.cleanupFile));
-        const auto entries = ReadZip(*browser_.cleanupFile);
-        ASSERT_EQ(entries.size(), 1u);
-        EXPECT_TRUE(entries.at("large.bin").content == LargeContent());
-    }
     // The user chooses the second provider of the chooser and presses the button.
     void ContinueWithWebDav(HWND chooser) const {
         ASSERT_NE(chooser, nullptr);
@@ -132,10 +33,6 @@ protected:
         EXPECT_EQ(TextOf(button), Text(138));
         Click(button);
     }
-
-    ShareServer shares_;
-    providers::AccountBook book_{HKEY_CURRENT_USER, obcontract::kProviderManagerKey};
-    providers::AccountStore store_{HKEY_CURRENT_USER, obcontract::kProviderManagerKey};
 };
 
 INSTANTIATE_TEST_SUITE_P(Servers, WebDavEndToEnd, testing::Values("apache", "sabre", "ocs"));
@@ -184,12 +81,10 @@ TEST_P(WebDavEndToEnd, LogsInInTheChooserAndLinksAZip) {
     EXPECT_EQ(store_.DefaultProfile().accountKey, accounts[0].key);
 }
 
-// A server that has gone: nothing is attached, and nothing is lost.
+// Nothing is attached, nothing is lost, and no file is left on the server.
 TEST_P(WebDavEndToEnd, LeavesNothingOfAFailedUpload) {
     const Relay relay(GetParam());
-    std::wstring address = ServerValue(L"RELAY_URL");
-    if (MakesLinks()) address.replace(address.find(L"/dav/"), 5, L"/cloud/remote.php/webdav/");
-    AddDefaultAccount(address);
+    AddDefaultAccount(AddressOfRelay());
     relay.On("PUT", "status 507", 0, 100);
     const std::wstring archive = files_.File(L"large.zip", LargeContent());
     const std::wstring canary = files_.File(L"canary.txt", "canary");
@@ -197,16 +92,27 @@ TEST_P(WebDavEndToEnd, LeavesNothingOfAFailedUpload) {
     PickerUiDriver driver(Pick(Choice::Zip, {archive}));
     EXPECT_EQ(AskShow(), kCancelled);
     EXPECT_TRUE(driver.Done());
-    ASSERT_EQ(boxes.Seen().size(), 1u);
-    EXPECT_EQ(boxes.Seen()[0].caption, L"Ombrix Vellant");
-    EXPECT_EQ(boxes.Seen()[0].text,
-              L"\u201Clarge.zip\u201D wasn't uploaded. There is too little free space on the "
-              L"server \u201C127.0.0.1\u201D. Please delete files there, or choose another "
-              L"account. Nothing was attached, and your files are unchanged.");
-    EXPECT_THAT(browser_.delivered, testing::Each(testing::Not(testing::StartsWith(L"link"))));
+    ExpectNotUploaded(boxes, kNoSpace);
     EXPECT_TRUE(ReadFileContent(archive) == LargeContent());
     EXPECT_EQ(ReadFileContent(canary), "canary");
     EXPECT_EQ(LeftInTemp(), Texts{});
+    EXPECT_EQ(AllStored(), Texts{});
+}
+
+// The same for a zip that the request made.
+TEST_P(WebDavEndToEnd, OnTheOpenFileNamePathLeavesNothingOfAFailedUpload) {
+    const Relay relay(GetParam());
+    AddDefaultAccount(AddressOfRelay());
+    relay.On("PUT", "status 507", 0, 100);
+    const std::wstring file = LargeFile();
+    const MessageBoxWatcher boxes(MessageBoxWatcher::Scope::AllProcesses);
+    PickerUiDriver driver(Pick(Choice::Zip, {file}));
+    EXPECT_EQ(AskOpen().result, FALSE);
+    EXPECT_TRUE(driver.Done());
+    ExpectNotUploaded(boxes, kNoSpace);
+    EXPECT_TRUE(ReadFileContent(file) == LargeContent());
+    EXPECT_EQ(LeftInTemp(), Texts{});
+    EXPECT_EQ(AllStored(), Texts{});
 }
 
 TEST_P(WebDavEndToEnd, LinksWhatIsThereAlreadyByTheCloudButton) {
@@ -240,7 +146,7 @@ TEST_P(WebDavEndToEnd, LinksWhatIsThereAlreadyByTheCloudButton) {
     DeleteFileW((FilesOfServer() + L"\\a b.zip").c_str());
 }
 
-class WebDavLinks : public WebDavEndToEnd {};
+class WebDavLinks : public WebDavRequest {};
 INSTANTIATE_TEST_SUITE_P(Servers, WebDavLinks, testing::Values("ocs"));
 
 // The password is shown once and isn't in the text for the mail.
@@ -259,6 +165,38 @@ TEST_P(WebDavLinks, ShowThePasswordOnce) {
     EXPECT_GE(password.size(), 19u);
     ExpectLinkToZip(password);
     EXPECT_EQ(browser_.delivered[0].find(password), std::wstring::npos);
+}
+
+// The mail has the link and the user the link's password: nothing else keeps either of them.
+TEST_P(WebDavLinks, AreInNoRecordNoCommandLineAndNoRegistryValue) {
+    AddDefaultAccount(Address(), true);
+    RemoveUsageRecord();
+    std::wstring linkPassword, commandLine;
+    PickerUiDriver driver([&](OpenPicker& picker) {
+        Pick(Choice::Zip, {LargeFile()})(picker);
+        const HWND dialog = AwaitDialogWith(OB_LINK_PASSWORD_TEXT);
+        ASSERT_NE(dialog, nullptr);
+        linkPassword = ItemText(dialog, OB_LINK_PASSWORD_TEXT);
+        commandLine = CommandLineOf(dialog);
+        PressCommand(dialog, IDOK);
+    });
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_TRUE(driver.Done());
+    const std::wstring link = ExpectLinkText();
+    ASSERT_FALSE(link.empty() || linkPassword.empty());
+    EXPECT_NE(commandLine.find(L".exe"), std::wstring::npos) << commandLine;
+    EXPECT_TRUE(WaitUntil([] { return HasText(UsageRecord(), L"feature.cloud"); }));
+    const std::string usage = UsageRecord();
+    const std::string registry = ProductRegistryBytes();
+    ASSERT_TRUE(HasText(registry, User())); // the account is there
+    for (const std::wstring& secret : {link, linkPassword, Password()}) {
+        EXPECT_FALSE(HasText(usage, secret)) << usage;
+        EXPECT_FALSE(HasText(registry, secret)) << secret;
+        EXPECT_EQ(commandLine.find(secret), std::wstring::npos) << commandLine;
+    }
+    for (const std::wstring& place : {Address(), std::wstring(L"127.0.0.1"), User()}) {
+        EXPECT_FALSE(HasText(usage, place)) << usage;
+    }
 }
 
 } // namespace
