@@ -25,6 +25,7 @@
 #include "services/providers/ui/WatermarkDialog.h"
 #include "services/providers/ui/WatermarkDialogIds.h"
 #include "tests/support/PictureSuite.h"
+#include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
 using namespace providers;
@@ -51,6 +52,20 @@ TEST_F(ProviderDialogPictures, OfTheSettings) {
     });
     PersonalDataSettings settings;
     EXPECT_FALSE(AskForSettings(nullptr, settings));
+}
+
+// The system's own box: its text isn't ours to measure.
+TEST_F(ProviderDialogPictures, OfTheQuestionWhetherToTryALinkAgain) {
+    constexpr int kMessageText = 0xFFFF;
+    DialogUiDriver user(kMessageText, [](HWND box) {
+        EXPECT_TRUE(GetDlgItem(box, IDRETRY));
+        EXPECT_NE(obtest::ItemText(box, kMessageText).find(L"Report.zip"), std::wstring::npos);
+        obtest::LookAt(box, L"link-again", 300);
+        DialogUiDriver::Press(box, IDCANCEL);
+    });
+    EXPECT_FALSE(
+        AskToTryAgain(nullptr, FormatOwnText(OB_TEXT_SHARE_FAILED,
+                                             {L"Report.zip", OwnText(OB_TEXT_SHARE_NO_LINK)})));
 }
 
 TEST_F(ProviderDialogPictures, OfTheSettingsOfPdfs) {
