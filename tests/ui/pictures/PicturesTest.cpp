@@ -136,6 +136,7 @@ TEST_F(Pictures, TheMailPageShowsTheFilesThatItGot) {
     const std::wstring one = files_.File(L"Meeting notes.txt", std::string(20000, 'n'));
     const std::wstring two = files_.File(L"Chart.png", std::string(3000, 'c'));
     const std::wstring result = files_ / L"answer.txt";
+    ShowWindow(Owner(), SW_HIDE); // it would cover the page
     const PageProgram page(result);
     PickerUiDriver driver(Pick(Choice::Zip, {one, two}));
     EXPECT_TRUE(driver.Done());
@@ -178,6 +179,7 @@ TEST_F(Pictures, TheMailPageShowsALinkWithItsSentences) {
         store.SaveDefaultProfile(providers::ProfileOf(providers::kNetworkFolderId, *account)));
     const std::wstring file = files_.File(L"large.bin", LargeContent());
     const std::wstring result = files_ / L"answer.txt";
+    ShowWindow(Owner(), SW_HIDE); // it would cover the page
     const PageProgram page(result);
     PickerUiDriver driver(Pick(Choice::Zip, {file}));
     EXPECT_TRUE(driver.Done());
