@@ -1,12 +1,10 @@
 #include "tests/e2e/KeptBytes.h"
 
 #include <gtest/gtest.h>
-#include <winternl.h>
 
 #include <vector>
 
 #include "ObLib/Src/Win32/RegistryView.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/Utf8.h"
 
@@ -66,21 +64,6 @@ std::string ProductRegistryBytes() {
     std::string bytes;
     AddKey(L"Software\\Tavi Ren Computing", bytes);
     return bytes;
-}
-
-std::wstring CommandLineOf(HWND window) {
-    constexpr auto kCommandLine = static_cast<PROCESSINFOCLASS>(60);
-    DWORD id = 0;
-    GetWindowThreadProcessId(window, &id);
-    const ObLib::UniqueKernelHandle process(
-        OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
-    alignas(UNICODE_STRING) BYTE buffer[65536 + sizeof(UNICODE_STRING)] = {};
-    ULONG size = 0;
-    const NTSTATUS status = NtQueryInformationProcess(process.Get(), kCommandLine, buffer,
-                                                      static_cast<ULONG>(sizeof buffer), &size);
-    EXPECT_EQ(status, 0);
-    const auto* text = reinterpret_cast<const UNICODE_STRING*>(buffer);
-    return text->Buffer ? std::wstring(text->Buffer, text->Length / sizeof(wchar_t)) : L"";
 }
 
 bool HasText(const std::string& bytes, const std::wstring& text) {

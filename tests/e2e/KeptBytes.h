@@ -15,10 +15,6 @@ void RemoveUsageRecord();
 // keys.
 std::string ProductRegistryBytes();
 
-// The command line of the process that shows a window, which may be another one. Fails the test
-// when it can't be read.
-std::wstring CommandLineOf(HWND window);
-
 // Whether the bytes have the text in them, in UTF-8 or in UTF-16.
 bool HasText(const std::string& bytes, const std::wstring& text);
 
