@@ -40,6 +40,7 @@ SETTINGS = {
     "days": "",              # after so many at most
     "labels": "1",           # 0: this server knows none
     "clock": "0",            # days that this server's clock is ahead
+    "forget": "",            # the password of a new link ("new"), of every link ("all")
     "link": "",              # given in place of each link
     "status": "",            # 200: that of HTTP, whatever that of the interface is
 }
@@ -106,7 +107,7 @@ class Shares:
         self.check_password(form.get("password", ""))
         self.last_id += 1
         share = {"id": str(self.last_id), "path": path, "token": secrets.token_urlsafe(11),
-                 "password": form.get("password", ""), "day": self.checked_day(form.get("expireDate", "")),
+                 "password": "" if self.settings["forget"] else form.get("password", ""), "day": self.checked_day(form.get("expireDate", "")),
                  "label": form.get("label", "") if self.is_on("labels") else ""}
         self.shares[share["id"]] = share
         return share
@@ -115,7 +116,7 @@ class Shares:
         share = self.found(number)
         if "password" in form:
             self.check_password(form["password"])
-            share["password"] = form["password"]
+            share["password"] = "" if self.settings["forget"] == "all" else form["password"]
         if "expireDate" in form:
             share["day"] = self.checked_day(form["expireDate"])
         return share

@@ -27,9 +27,22 @@ DavResult<HttpReply> OfSuccess(DavResult<HttpReply> result) {
     return result;
 }
 
+// Of a request that does one thing: where a reply lists several ends, something has failed.
+DavResult<HttpReply> OfOneStep(DavResult<HttpReply> result) {
+    const auto* reply = std::get_if<HttpReply>(&result);
+    if (reply && reply->status == kPartlyDone)
+        return DavError{DavFault::ServerFailed, kPartlyDone, {}, std::nullopt};
+    return result;
+}
+
 std::string_view WithoutSlash(std::string_view path) {
     while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
     return path;
+}
+
+// What the user has to do something about before anything else can be found out.
+bool IsOfTheUser(const DavError& error) {
+    return error.fault == DavFault::WrongLogin || IsHttp(error, HttpFault::Cancelled);
 }
 
 // The path of an address decoded, as servers write the same name in several ways.
@@ -155,6 +168,7 @@ std::optional<DavError> DavClient::MakeFolder(const HttpUrl& url) const {
         return item->isFolder ? std::nullopt : std::optional(*failure);
     const auto& error = std::get<DavError>(there);
     if (error.fault != DavFault::NotFound) return error;
+    if (failure->fault == DavFault::ServerFailed || failure->status == 408) return *failure;
     const auto again = Send(RequestFor("MKCOL", url));
     if (const auto* second = std::get_if<DavError>(&again)) return *second;
     return std::nullopt;
@@ -196,7 +210,7 @@ std::optional<DavError> DavClient::Move(const HttpUrl& from, const HttpUrl& to,
     request.headers = {{"Destination", HttpUrlText(to)}, {"Overwrite", "F"}};
     DWORD pause = patience_.pause;
     for (int breaks = 0;; ++breaks, pause *= 2) {
-        const auto result = Send(request);
+        const auto result = OfOneStep(Send(request));
         const auto* failure = std::get_if<DavError>(&result);
         if (!failure) return std::nullopt;
         // The system's client repeats a request without a body when a kept connection has ended:
@@ -208,9 +222,10 @@ std::optional<DavError> DavClient::Move(const HttpUrl& from, const HttpUrl& to,
         const auto* error = std::get_if<DavError>(&moved);
         const bool hasMoved = !error && std::get<bool>(moved);
         if (isRefused) return hasMoved ? std::nullopt : std::optional(*failure);
-        if (error) return *error;
+        if (error && IsOfTheUser(*error)) return *error;
         if (hasMoved) return std::nullopt;
-        if (IsHttp(*failure, HttpFault::TimedOut) || breaks == patience_.breaks) return *failure;
+        const bool isBroken = IsHttp(*failure, HttpFault::BrokenOff);
+        if (error || !isBroken || breaks == patience_.breaks) return *failure;
         if (const auto cancelled = Pause(pause)) return *cancelled;
     }
 }
@@ -226,7 +241,7 @@ DavResult<DavDeletion> DavClient::Delete(const HttpUrl& url, const std::string& 
     HttpRequest request = RequestFor("DELETE", url);
     // A weak tag never fits this header; the look was just now.
     if (!item.isWeak) request.headers = {{"If-Match", version}};
-    const auto result = Send(request);
+    const auto result = OfOneStep(Send(request));
     const auto* error = std::get_if<DavError>(&result);
     if (!error || error->fault == DavFault::NotFound) return DavDeletion::Gone;
     if (error->fault == DavFault::Taken) return DavDeletion::Changed;
@@ -234,7 +249,7 @@ DavResult<DavDeletion> DavClient::Delete(const HttpUrl& url, const std::string& 
 }
 
 std::optional<DavError> DavClient::Discard(const HttpUrl& url) const {
-    const auto result = Ask(RequestFor("DELETE", url));
+    const auto result = OfOneStep(Ask(RequestFor("DELETE", url)));
     const auto* error = std::get_if<DavError>(&result);
     if (!error || error->fault == DavFault::NotFound) return std::nullopt;
     return *error;

@@ -20,6 +20,8 @@ struct DavPatience {
     DWORD pause = 1'000;        // milliseconds after a break, doubled with each
     int waits = 3;              // that the server asks for
     DWORD longestWait = 60'000; // milliseconds of one of them; a longer one ends the request
+    DWORD question = 10'000;    // milliseconds of a step of a request that can be done without
+    DWORD clearing = 10'000;    // milliseconds of all requests that clear up after an end
 };
 
 // A file or folder of the server.

@@ -60,6 +60,15 @@ DavFault FaultOf(int status) {
 
 } // namespace
 
+bool MayHaveActed(const DavError& error) {
+    constexpr int kStatuses[] = {kPartlyDone, 408, 500, 502, 503, 504};
+    const bool isStatus = error.fault == DavFault::ServerFailed || error.status == 408;
+    return IsHttp(error, HttpFault::BrokenOff) || IsHttp(error, HttpFault::TimedOut) ||
+           IsHttp(error, HttpFault::Failed) ||
+           (isStatus && std::find(std::begin(kStatuses), std::end(kStatuses), error.status) !=
+                            std::end(kStatuses));
+}
+
 std::optional<std::uint64_t> ServerTime(const HttpReply& reply) {
     return Seconds(reply.Header("Date"));
 }

@@ -27,6 +27,9 @@ enum class DavFault {
     Other,        // any other status
 };
 
+// Of a request that has done only a part of what it should.
+inline constexpr int kPartlyDone = 207;
+
 struct DavError {
     DavFault fault = DavFault::Other;
     int status = 0; // of the reply; 0: none
@@ -52,9 +55,8 @@ inline bool IsHttp(const DavError& error, HttpFault fault) {
     return error.fault == DavFault::Http && error.http.fault == fault;
 }
 
-// Whether the connection ended before a reply came: the server may or may not have acted.
-inline bool MayHaveActed(const DavError& error) {
-    return IsHttp(error, HttpFault::BrokenOff) || IsHttp(error, HttpFault::TimedOut);
-}
+// Whether the server may have acted in spite of the error, so that a look has to decide: the
+// connection ended before a reply came, or a server between gave up waiting and replied itself.
+bool MayHaveActed(const DavError& error);
 
 } // namespace providers

@@ -127,7 +127,7 @@ std::optional<DavError> DavTransfer::AfterFailure(const DavError& failure) {
     if (!MayHaveActed(failure)) return failure;
     if (const auto error = LookUp()) return error;
     if (IsWhole()) return std::nullopt;
-    if (IsHttp(failure, HttpFault::TimedOut)) return failure;
+    if (!IsHttp(failure, HttpFault::BrokenOff)) return failure;
     if (stored_ > furthest_ && stored_ < source_.size) {
         furthest_ = stored_;
         breaks_ = 0;

@@ -37,6 +37,8 @@ std::vector<Place> PlacesFor(const HttpUrl& davRoot) {
     if (!path.ends_with('/')) path += '/';
     const std::size_t front = path.find(kFront);
     const bool hasFront = front != std::string::npos;
+    // Any other folder may be another application's than the interface at the server's root.
+    if (!hasFront && !path.starts_with("/webdav/") && !path.starts_with("/dav/files/")) return {};
     const std::size_t files = LengthOfFilesPath(path, hasFront ? front + kFront.size() : 1);
     const auto filesPath = DecodePercent(string_view(path).substr(0, files));
     if (!filesPath) return {};
@@ -174,6 +176,16 @@ const ShareEntry* NewIn(const std::vector<ShareEntry>& after, const std::vector<
     return found == after.end() ? nullptr : &*found;
 }
 
+// Asked where a refusal certainly is the login's: the same one may count for the files only. And a
+// wrong one is tried once, as servers lock an account after a few.
+std::optional<DavError> LoginError(const DavClient& client, const HttpUrl& davRoot) {
+    const auto root = client.Look(davRoot);
+    const auto* error = std::get_if<DavError>(&root);
+    const bool isEnd =
+        error && (error->fault == DavFault::WrongLogin || IsHttp(*error, HttpFault::Cancelled));
+    return isEnd ? std::optional(*error) : std::nullopt;
+}
+
 // How far the server's clock is ahead, in whole days; a few hours are none.
 int DaysAhead(const HttpReply& reply) {
     constexpr std::int64_t kDay = 86'400;
@@ -205,8 +217,7 @@ HttpUrl UrlOf(const HttpUrl& shares, const std::string& id) {
 }
 
 // The rules in a reply; nothing when it has none, and its error when that may pass.
-ShareOutcome<std::optional<ShareRules>>
-RulesIn(const DavClient& client, const DavResult<HttpReply>& result, const HttpUrl& davRoot) {
+ShareOutcome<std::optional<ShareRules>> RulesIn(const DavResult<HttpReply>& result) {
     if (const auto* error = std::get_if<DavError>(&result)) {
         if (IsHttp(*error, HttpFault::Redirected)) return std::nullopt;
         return ErrorOf(*error);
@@ -214,13 +225,6 @@ RulesIn(const DavClient& client, const DavResult<HttpReply>& result, const HttpU
     const auto& reply = std::get<HttpReply>(result);
     const auto error = ErrorIn(reply);
     if (!error) return ReadShareRules(reply.body);
-    // The same login may count for the files only.
-    if (error->dav.fault == DavFault::WrongLogin) {
-        const auto root = client.Look(davRoot);
-        const auto* wrong = std::get_if<DavError>(&root);
-        if (wrong && wrong->fault == DavFault::WrongLogin) return *error;
-        return std::nullopt;
-    }
     const bool mayPass = error->dav.fault == DavFault::TooMany ||
                          (error->dav.fault == DavFault::ServerFailed && error->dav.status != 501);
     if (mayPass) return *error;
@@ -241,14 +245,22 @@ bool IsUsableLink(string_view link, const HttpOrigin& account) {
 
 ShareOutcome<std::optional<ShareApi>> ShareApi::Find(const DavClient& client,
                                                      const HttpUrl& davRoot) {
+    const std::vector<Place> places = PlacesFor(davRoot);
+    if (places.empty()) return std::nullopt;
+    if (const auto error = LoginError(client, davRoot)) return ErrorOf(*error);
+    const DWORD limit = client.Patience().question;
     std::optional<ShareError> failure;
-    for (const Place& place : PlacesFor(davRoot)) {
+    for (const Place& place : places) {
         HttpUrl url = place.base;
         url.path += kCapabilitiesPath;
-        const auto reply = client.AskForAny(RequestTo("GET", url));
-        const auto found = RulesIn(client, reply, davRoot);
+        HttpRequest request = RequestTo("GET", url);
+        request.times = HttpTimes{limit, limit, limit, limit};
+        const auto reply = client.AskForAny(request);
+        const auto found = RulesIn(reply);
         if (const auto* error = std::get_if<ShareError>(&found)) {
-            if (IsHttp(error->dav, HttpFault::Cancelled)) return *error;
+            // A server that is silent at one place is so at the other.
+            if (IsHttp(error->dav, HttpFault::Cancelled) || IsHttp(error->dav, HttpFault::TimedOut))
+                return *error;
             if (!failure) failure = *error;
             continue;
         }
@@ -373,6 +385,18 @@ ShareEntry ShareApi::DropOthers(const DavClient& client, const ShareEntry& kept,
     return kept;
 }
 
+// A link that is to have a password and has none is ended: a server may ignore the password, or the
+// share is another request's.
+ShareOutcome<ShareEntry> ShareApi::Protected(const DavClient& client, const ShareEntry& entry,
+                                             const ShareWish& wish) const {
+    if (!wish.password || wish.password->Empty() || entry.hasPassword) return entry;
+    auto changed = Change(client, entry.id, "password", *wish.password);
+    const auto* share = std::get_if<ShareEntry>(&changed);
+    if (share && share->hasPassword) return changed;
+    static_cast<void>(Remove(client, entry.id));
+    return share ? ErrorOf(ShareFault::NoPassword) : std::get<ShareError>(changed);
+}
+
 ShareOutcome<LinkShare> ShareApi::Checked(const DavClient& client, const ShareEntry& entry) const {
     if (!entry.isLink || !IsUsableLink(entry.url, base_.origin)) {
         static_cast<void>(Remove(client, entry.id)); // nobody gets to know this link
@@ -393,7 +417,9 @@ ShareOutcome<LinkShare> ShareApi::Make(const DavClient& client, const ShareWish&
     const auto share = earlier == before.end() ? MakeOnce(client, *path, wish, before)
                                                : Renew(client, *earlier, wish);
     if (const auto* error = std::get_if<ShareError>(&share)) return *error;
-    return Checked(client, std::get<ShareEntry>(share));
+    const auto result = Protected(client, std::get<ShareEntry>(share), wish);
+    if (const auto* error = std::get_if<ShareError>(&result)) return *error;
+    return Checked(client, std::get<ShareEntry>(result));
 }
 
 // A server that refuses a later day than its own may have ended the link earlier already.

@@ -18,6 +18,7 @@ enum class ShareFault {
     Off,           // the server doesn't make links
     NeedsPassword, // it makes none without a password
     Refused,       // it makes none for this file, or none as asked for; see `message`
+    NoPassword,    // it made one without the password; that one is ended
     OddLink,       // it has made a link that isn't handed out: see IsUsableLink
     Damaged,       // its reply can't be read
 };
@@ -93,6 +94,8 @@ private:
                                       const ShareWish& wish, const Shares& before) const;
     ShareEntry DropOthers(const DavClient& client, const ShareEntry& kept, const Shares& shares,
                           const ShareWish& wish) const;
+    ShareOutcome<ShareEntry> Protected(const DavClient& client, const ShareEntry& entry,
+                                       const ShareWish& wish) const;
     ShareOutcome<LinkShare> Checked(const DavClient& client, const ShareEntry& entry) const;
 
     HttpUrl base_;          // that of all shares

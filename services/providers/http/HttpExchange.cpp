@@ -124,8 +124,9 @@ struct HttpExchange::Shared {
     DWORD size = 0;                                    // bytes that it read
     DWORD certificate = 0;                             // flags of a refused certificate
     std::wstring peer;                                 // what is asked: the server or a proxy
-    std::array<std::vector<char>, 2> buffers;
-    bool isSecret = false; // what is in the first of them
+    std::array<std::vector<char>, 2> buffers;          // of the request's body
+    std::vector<char> reply; // not one of those: a write may be given up and still use its buffer
+    bool isSecret = false;   // what is in the first of them
 
     ~Shared() { Wipe(); }
 
@@ -384,12 +385,15 @@ HttpExchange::Failure HttpExchange::ReceiveHead(HttpReply& reply, DWORD limit) {
 }
 
 HttpExchange::Failure HttpExchange::ReceiveBody(const HttpRequest& request, HttpReply& reply) {
-    std::vector<char>& buffer = shared_->buffers[0];
+    std::vector<char>& buffer = shared_->reply;
     buffer.resize(std::min(kBlock, request.longestReply + 1));
+    const ULONGLONG start = GetTickCount64();
     for (;;) {
+        const ULONGLONG passed = std::min<ULONGLONG>(GetTickCount64() - start, times_.replyBody);
+        const DWORD left = times_.replyBody - static_cast<DWORD>(passed);
         const BOOL begun = WinHttpReadData(request_.Get(), buffer.data(),
                                            static_cast<DWORD>(buffer.size()), nullptr);
-        if (auto failure = Wait(begun, times_.transfer)) return failure;
+        if (auto failure = Wait(begun, std::min(times_.transfer, left))) return failure;
         if (shared_->size == 0) break;
         if (reply.body.size() + shared_->size > request.longestReply)
             return HttpError{HttpFault::ReplyTooLong};
@@ -403,7 +407,9 @@ HttpExchange::Failure HttpExchange::ReceiveBody(const HttpRequest& request, Http
 // or ends the connection. Nothing when there is such a reply, else why the body wasn't sent.
 HttpExchange::Failure HttpExchange::ReceiveRefusal(const HttpRequest& request, HttpReply& reply,
                                                    const HttpError& unsent) {
-    if (unsent.fault == HttpFault::Cancelled || unsent.fault == HttpFault::FileUnreadable)
+    // The late end of a write that was given up would be taken for that of the next step.
+    if (unsent.fault == HttpFault::Cancelled || unsent.fault == HttpFault::FileUnreadable ||
+        unsent.fault == HttpFault::TimedOut)
         return unsent;
     if (ReceiveHead(reply, std::min(times_.reply, kRefusalLimit)) || reply.status < 400)
         return unsent;
@@ -433,12 +439,15 @@ HttpResult HttpExchange::Run(const HttpRequest& request, const HttpUrl& url) {
     return reply;
 }
 
-std::wstring HttpExchange::Proxy(const HttpUrl& url) const {
+std::optional<std::wstring> HttpExchange::Proxy(const HttpUrl& url) const {
     const std::wstring host = HostForTheClient(url.origin);
     // The client may write such a name in another way, so that nothing can be concluded.
     const bool isPlain = std::all_of(host.begin(), host.end(), [](wchar_t c) { return c < 0x80; });
     const std::lock_guard lock(shared_->mutex);
-    return isPlain && _wcsicmp(host.c_str(), shared_->peer.c_str()) != 0 ? shared_->peer : L"";
+    if (shared_->peer.empty()) return std::nullopt;
+    std::wstring peer = shared_->peer;
+    if (peer.front() == L'[' && peer.back() == L']') peer = peer.substr(1, peer.size() - 2);
+    return isPlain && _wcsicmp(host.c_str(), peer.c_str()) != 0 ? peer : L"";
 }
 
 DWORD HttpExchange::ProxyScheme() const {

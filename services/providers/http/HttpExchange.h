@@ -29,8 +29,8 @@ public:
     HttpResult Run(const HttpRequest& request, const HttpUrl& url);
 
     // After a reply with status 407: the proxy that the request went to; empty where it went to the
-    // server itself, or that isn't known.
-    std::wstring Proxy(const HttpUrl& url) const;
+    // server itself, or nothing can be concluded. Nothing where the connection was there before.
+    std::optional<std::wstring> Proxy(const HttpUrl& url) const;
     // How the system's user can log in there without being asked; 0: not at all.
     DWORD ProxyScheme() const;
 

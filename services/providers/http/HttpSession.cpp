@@ -100,6 +100,19 @@ HttpResult HttpSession::Send(const HttpRequest& request, HANDLE cancelled) const
     }
 }
 
+std::wstring HttpSession::ProxyOf(const HttpOrigin& server,
+                                  const std::optional<std::wstring>& reported) const {
+    const std::lock_guard guard(lock_);
+    const auto known = std::find_if(proxies_.begin(), proxies_.end(),
+                                    [&](const auto& proxy) { return proxy.first == server; });
+    if (!reported) return known == proxies_.end() ? L"" : known->second;
+    if (known == proxies_.end())
+        proxies_.emplace_back(server, *reported);
+    else
+        known->second = *reported;
+    return *reported;
+}
+
 HttpResult HttpSession::SendOnce(const HttpRequest& request, const HttpUrl& url,
                                  HANDLE cancelled) const {
     if (const auto refused = RefusedBy(RuleFor(url.origin))) return *refused;
@@ -107,11 +120,11 @@ HttpResult HttpSession::SendOnce(const HttpRequest& request, const HttpUrl& url,
     HttpExchange::Ways ways;
     std::wstring proxy;
     for (;;) {
-        HttpExchange exchange(session_.Get(), times_, cancelled, ways);
+        HttpExchange exchange(session_.Get(), request.times.value_or(times_), cancelled, ways);
         HttpResult result = exchange.Run(request, url);
         if (IsUnconfirmed(result) && std::exchange(ways.asksForRevocation, false)) continue;
         if (!IsFromProxy(result)) return result;
-        if (proxy.empty()) proxy = exchange.Proxy(url);
+        if (proxy.empty()) proxy = ProxyOf(url.origin, exchange.Proxy(url));
         // A server that is reached directly gets no login, whatever status it makes up.
         const DWORD scheme = proxy.empty() || ways.proxyScheme != 0 ? 0 : exchange.ProxyScheme();
         if (scheme == 0)

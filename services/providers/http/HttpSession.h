@@ -5,6 +5,12 @@
 
 #include <windows.h>
 
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "services/providers/http/HttpTypes.h"
 #include "services/providers/http/InternetHandle.h"
 
@@ -27,7 +33,14 @@ public:
 private:
     HttpResult SendOnce(const HttpRequest& request, const HttpUrl& url, HANDLE cancelled) const;
 
+    // The proxy of a server by what was reported for this connection; a kept one reports nothing,
+    // and is one that an earlier request has opened.
+    std::wstring ProxyOf(const HttpOrigin& server,
+                         const std::optional<std::wstring>& reported) const;
+
     HttpTimes times_;
+    mutable std::mutex lock_;
+    mutable std::vector<std::pair<HttpOrigin, std::wstring>> proxies_;
     UniqueInternetHandle session_; // null when the client can't be had
 };
 

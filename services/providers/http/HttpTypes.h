@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -37,12 +38,22 @@ struct HttpFilePart {
     std::uint64_t size = 0;
 };
 
+// How long one step may take, in milliseconds.
+struct HttpTimes {
+    DWORD connect = 30'000;  // name, connection, TLS and the request's head
+    DWORD transfer = 60'000; // one block of a body
+    DWORD reply =
+        120'000; // until the reply begins, once the body is sent: the server may copy it first
+    DWORD replyBody = 180'000; // all of a reply's body, however steadily it comes
+};
+
 struct HttpRequest {
     std::string method = "GET";
     HttpUrl url;
     std::vector<HttpHeader> headers; // without Content-Length and Authorization
     // monostate: none. A Secret is wiped wherever a request has it.
     std::variant<std::monostate, std::string, HttpFilePart, ObLib::Secret> body;
+    std::optional<HttpTimes> times;                   // in place of the session's
     const HttpLogin* login = nullptr;                 // null: nobody
     std::size_t longestReply = 4u << 20;              // bytes of the reply's body
     std::function<void(std::uint64_t sent)> progress; // bytes of the body; on the caller's thread
@@ -92,13 +103,5 @@ struct HttpError {
 };
 
 using HttpResult = std::variant<HttpReply, HttpError>;
-
-// How long one step may take, in milliseconds.
-struct HttpTimes {
-    DWORD connect = 30'000;  // name, connection, TLS and the request's head
-    DWORD transfer = 60'000; // one block of a body
-    DWORD reply =
-        120'000; // until the reply begins, once the body is sent: the server may copy it first
-};
 
 } // namespace providers

@@ -141,7 +141,14 @@ ShareResult ShareDavFile(DavServers& servers, const std::wstring& accountKey, co
     const Shared shared{servers, accountKey, *access, file, isOwnFile};
     const DavClient client(servers.Session(), access->login, cancelled, servers.Patience());
     const auto server = servers.Shares(client, *access);
-    if (const auto* error = std::get_if<ShareError>(&server)) return NotShared(shared, *error);
+    if (const auto* error = std::get_if<ShareError>(&server)) {
+        // A link by the pattern doesn't wait for an interface that is silent.
+        const bool isSilent =
+            error->fault == ShareFault::Dav && IsHttp(error->dav, HttpFault::TimedOut);
+        if (isSilent && PlanLinks(*settings, {}).way == LinkWay::ByPattern)
+            return ShareByPattern(*settings, file);
+        return NotShared(shared, *error);
+    }
     const LinkPlan plan = PlanLinks(*settings, std::get<0>(server));
     if (plan.way == LinkWay::None) return NotShared(plan.sentence);
     if (plan.way == LinkWay::ByPattern) return ShareByPattern(*settings, file);
@@ -174,6 +181,8 @@ std::wstring ShareSentence(const ShareError& error, const HttpOrigin& server) {
     case ShareFault::Refused:
         if (error.message.empty()) return SentenceAbout(OB_TEXT_DAV_NO_LINK_MADE, server);
         return FormatOwnText(OB_TEXT_DAV_NO_LINK_BECAUSE, {Wide(server.host), error.message});
+    case ShareFault::NoPassword:
+        return SentenceAbout(OB_TEXT_DAV_NO_LINK_PASSWORDS, server);
     case ShareFault::OddLink:
     case ShareFault::Damaged:
         break;

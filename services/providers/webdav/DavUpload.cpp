@@ -16,8 +16,22 @@ namespace providers {
 namespace {
 
 // A server that doesn't respond isn't waited for when there is only something to clear up.
-constexpr HttpTimes kTimesOfClearing{5'000, 5'000, 5'000};
+constexpr HttpTimes kTimesOfClearing{5'000, 5'000, 5'000, 5'000};
 constexpr DavPatience kPatienceOfClearing{0, 0, 0, 0};
+
+// An event that is set after so many milliseconds, whatever a server does meanwhile.
+class Limit {
+public:
+    explicit Limit(DWORD milliseconds) : timer_(CreateWaitableTimerW(nullptr, TRUE, nullptr)) {
+        LARGE_INTEGER due;
+        due.QuadPart = -10'000LL * milliseconds;
+        if (timer_) SetWaitableTimer(timer_.Get(), &due, 0, nullptr, nullptr, FALSE);
+    }
+    HANDLE Event() const { return timer_.Get(); }
+
+private:
+    ObLib::UniqueKernelHandle timer_;
+};
 
 // What backslashes separate, in UTF-8.
 std::vector<std::string> PartsOf(const std::wstring& folder) {
@@ -108,8 +122,10 @@ DavResult<StoredFile> DavUpload::Try(const DavAccess& access, const UploadFile& 
         Note();
     }
     mayBeStored_ = true;
-    DavTransfer transfer(client, unfinished_->url, {source, size},
-                         [&](std::uint64_t sent) { progress.Show(sent, size); });
+    DavTransfer transfer(client, unfinished_->url, {source, size}, [&](std::uint64_t sent) {
+        RenewNote();
+        progress.Show(sent, size);
+    });
     if (const auto error = transfer.Run(resumes)) return *error;
     moving_ = target;
     if (const auto error = client.Move(unfinished_->url, target, size)) {
@@ -135,7 +151,8 @@ std::optional<StoredFile> DavUpload::StoredAfterAll(const DavAccess& access,
     const auto target = std::exchange(moving_, std::nullopt);
     if (!target) return std::nullopt;
     const HttpSession session(kTimesOfClearing);
-    const DavClient client(session, access.login, nullptr, kPatienceOfClearing);
+    const Limit limit(patience_.clearing);
+    const DavClient client(session, access.login, limit.Event(), kPatienceOfClearing);
     const auto moved = client.HasMoved(unfinished_->url, *target, unfinished_->source.size);
     const auto* isMoved = std::get_if<bool>(&moved);
     if (!isMoved || !*isMoved) return std::nullopt;
@@ -145,8 +162,17 @@ std::optional<StoredFile> DavUpload::StoredAfterAll(const DavAccess& access,
 void DavUpload::Note() {
     note_.reset();
     if (!notes_) return;
+    noted_ = GetTickCount64();
     note_.emplace(notes_->book, NotedPart{kWebDavId, notes_->accountKey,
                                           FromUtf8(HttpUrlText(unfinished_->url)).value_or(L"")});
+}
+
+// An old note is one of a process that is gone, and an upload may take longer than that.
+void DavUpload::RenewNote() {
+    if (!note_ || GetTickCount64() - noted_ < notes_->renewal) return;
+    PartNote old = *note_;
+    Note();
+    old.Remove();
 }
 
 // What can't be removed now stays noted.
@@ -154,7 +180,8 @@ void DavUpload::Discard(const DavAccess& access) {
     bool isGone = !mayBeStored_;
     if (mayBeStored_ && unfinished_->url.origin == access.root.origin) {
         const HttpSession session(kTimesOfClearing);
-        isGone = !DavClient(session, access.login, nullptr, kPatienceOfClearing)
+        const Limit limit(patience_.clearing);
+        isGone = !DavClient(session, access.login, limit.Event(), kPatienceOfClearing)
                       .Discard(unfinished_->url);
     }
     if (!isGone) note_.reset();

@@ -31,6 +31,7 @@ public:
     struct Notes {
         PartNotes book;
         std::wstring accountKey;
+        DWORD renewal = 3'600'000; // milliseconds; much less than kOldPart
     };
 
     // `session` outlives the object.
@@ -67,6 +68,7 @@ private:
                       std::uint64_t size) const;
     std::optional<StoredFile> StoredAfterAll(const DavAccess& access, const std::wstring& name);
     void Note();
+    void RenewNote();
     void Discard(const DavAccess& access);
     void Forget();
 
@@ -75,6 +77,7 @@ private:
     std::optional<Notes> notes_; // outlive the note
     std::optional<Unfinished> unfinished_;
     std::optional<PartNote> note_;  // of the unfinished file
+    ULONGLONG noted_ = 0;           // when, as GetTickCount64 counts
     bool mayBeStored_ = false;      // a part of the unfinished file
     std::optional<HttpUrl> moving_; // where to, while nobody knows whether it is there
 };

@@ -140,6 +140,34 @@ TEST_P(DavClientTest, DeletesAFileThatIsUnchanged) {
     EXPECT_EQ(DavDeletion::Gone, std::get<0>(client_.Delete(Url("file"), version)));
 }
 
+TEST_P(DavClientTest, TakesAReplyOfSeveralEndsForAFailure) {
+    ASSERT_EQ("done", Put("file", "one"));
+    const std::string version = Version("file");
+    relay_.On("DELETE", "status 207|=<x/>", 0, 2);
+    EXPECT_EQ(Outcome(DavFault::ServerFailed, 207), Outcome(client_.Delete(Url("file"), version)));
+    EXPECT_EQ(Outcome(DavFault::ServerFailed, 207), Outcome(client_.Discard(Url("file"))));
+    EXPECT_EQ("one", Stored(L"file"));
+    EXPECT_EQ(DavDeletion::Gone, std::get<0>(client_.Delete(Url("file"), version)));
+}
+
+// As of a server between that waits no longer for the one with the files.
+TEST_P(DavClientTest, LooksUpWhatAServerBetweenReportsAsFailed) {
+    for (const char* reply : {"instead 408", "instead 500", "instead 502", "instead 504"}) {
+        ASSERT_EQ("done", Put("from", "new"));
+        relay_.On("MOVE", reply);
+        EXPECT_EQ("done", Outcome(client_.Move(Url("from"), Url("to"), 3))) << reply;
+        EXPECT_EQ("new", Stored(L"to"));
+        EXPECT_EQ("done", Outcome(client_.Discard(Url("to"))));
+    }
+    ASSERT_EQ("done", Put("from", "new"));
+    relay_.Begin(GetParam());
+    relay_.On("MOVE", "status 504");
+    EXPECT_EQ(Outcome(DavFault::ServerFailed, 504),
+              Outcome(client_.Move(Url("from"), Url("to"), 3)));
+    EXPECT_EQ("MOVE PROPFIND", relay_.Methods()) << "a move that wasn't made isn't made again";
+    EXPECT_EQ("new", Stored(L"from"));
+}
+
 TEST_P(DavClientTest, KeepsAFileThatChangesInTheMiddleOfADeletion) {
     ASSERT_EQ("done", Put("file", "one"));
     const std::string version = Version("file");

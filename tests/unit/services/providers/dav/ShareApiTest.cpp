@@ -32,9 +32,9 @@ TEST_F(ShareApiTest, IsFoundAtTheServersRoot) {
     ASSERT_EQ("done", Outcome(found));
     EXPECT_TRUE(std::get<0>(found).has_value());
     const auto requests = relay_.Requests();
-    ASSERT_EQ(3u, requests.size());
-    EXPECT_TRUE(requests[1].starts_with("GET /cloud/ocs/v2.php/cloud/capabilities"));
-    EXPECT_TRUE(requests[2].starts_with("GET /ocs/v2.php/cloud/capabilities"));
+    ASSERT_EQ(4u, requests.size());
+    EXPECT_TRUE(requests[2].starts_with("GET /cloud/ocs/v2.php/cloud/capabilities"));
+    EXPECT_TRUE(requests[3].starts_with("GET /ocs/v2.php/cloud/capabilities"));
 }
 
 TEST_F(ShareApiTest, IsntFoundOnAServerWithoutIt) {
@@ -43,6 +43,28 @@ TEST_F(ShareApiTest, IsntFoundOnAServerWithoutIt) {
     const auto none = ShareApi::Find(DavClient(session_, login, nullptr, kNoPauses), root);
     ASSERT_EQ("done", Outcome(none));
     EXPECT_FALSE(std::get<0>(none).has_value());
+}
+
+// What is at the server's root may be another application's, with other files.
+TEST_F(ShareApiTest, IsntLookedForBesideAnyFolder) {
+    relay_.Begin("ocs");
+    relay_.On("GET",
+              "status 200|=<ocs><meta><statuscode>200</statuscode></meta><data><capabilities>"
+              "<files_sharing><api_enabled>1</api_enabled></files_sharing></capabilities>"
+              "</data></ocs>",
+              0, 100);
+    const auto isFound = [&](const char* path) {
+        HttpUrl root = root_;
+        root.path = path;
+        const auto found = ShareApi::Find(client_, root);
+        return std::holds_alternative<std::optional<ShareApi>>(found) &&
+               std::get<0>(found).has_value();
+    };
+    for (const char* path : {"/", "/dav/", "/files/", "/folder/webdav/"})
+        EXPECT_FALSE(isFound(path)) << path;
+    EXPECT_EQ("", relay_.Methods());
+    for (const char* path : {"/webdav/", "/dav/files/ann/", "/remote.php/webdav/"})
+        EXPECT_TRUE(isFound(path)) << path;
 }
 
 TEST_F(ShareApiTest, MakesALinkThatDownloadsTheFile) {
@@ -97,6 +119,31 @@ TEST_F(ShareApiTest, MakesLinksWithPasswordAndLastDay) {
     EXPECT_EQ(Lines{"/a b.txt password " + ShareDateText(InDays(5)) + " ours 1"}, Shares());
     server_.Set("clock", "6");
     EXPECT_EQ(Outcome(DavFault::NotFound, 404), Download(share.link, password.Text()));
+}
+
+// A server may not know the field, or an administrator may have switched passwords off.
+TEST_F(ShareApiTest, HandsOutNoLinkWithoutThePasswordThatItIsToHave) {
+    const ObLib::Secret password("a password");
+    ShareWish wish = Wish();
+    wish.password = &password;
+    server_.Set("forget", "all");
+    EXPECT_EQ(Outcome(ShareFault::NoPassword), Outcome(Make(wish)));
+    EXPECT_EQ(Lines{}, Shares());
+    server_.Set("forget", "new");
+    const auto made = Make(wish);
+    ASSERT_EQ("done", Outcome(made));
+    EXPECT_EQ(Lines{"/a b.txt password - ours 1"}, Shares());
+    EXPECT_EQ("content", Download(std::get<LinkShare>(made).link, "a password"));
+}
+
+TEST_F(ShareApiTest, EndsALinkWhosePasswordTheServerRefuses) {
+    const ObLib::Secret password("a password");
+    ShareWish wish = Wish();
+    wish.password = &password;
+    server_.Set("forget", "all");
+    relay_.On("PUT", "status 403");
+    EXPECT_EQ(Outcome(DavFault::Forbidden, 403), Outcome(Make(wish)));
+    EXPECT_EQ(Lines{}, Shares());
 }
 
 TEST_F(ShareApiTest, KeepsToTheServersRules) {

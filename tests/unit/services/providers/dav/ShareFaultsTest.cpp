@@ -8,7 +8,7 @@ namespace providers {
 namespace {
 
 // A server that misbehaves in one step of a link, what comes of it, and how many shares there are
-// then.
+// then. "none": no interface is found.
 struct FaultRow {
     const char* method;
     int skip; // requests of this method before; the first two GETs are the rules and the list
@@ -23,7 +23,9 @@ constexpr char kRefusal[] = "<ocs><meta><status>failure</status><statuscode>403<
 
 const FaultRow kRows[] = {
     // The rules.
-    {"GET", 0, "status 401", "done", 1}, // this place isn't looked at; the other place has none
+    {"PROPFIND", 0, "status 401", Outcome(DavFault::WrongLogin, 401), 0},
+    {"PROPFIND", 0, "status 500", "done", 1}, // only the login is looked at
+    {"GET", 0, "status 401", "none", 0}, // this place isn't looked at; the other place has none
     {"GET", 0, "status 429|Retry-After: 3600", Outcome(DavFault::TooMany, 429), 0},
     {"GET", 0, "status 429|Retry-After: 0", "done", 1},
     {"GET", 0, "status 500", Outcome(DavFault::ServerFailed, 500), 0},
@@ -78,11 +80,9 @@ TEST_F(ShareFaults, EndAsTheTableSays) {
             relay_.On(row.method, action.c_str(), row.skip, row.times);
             ShareWish wish = Wish();
             wish.password = &password;
-            const bool isElsewhere =
-                row.skip == 0 && action == "status 401" && std::string(row.method) == "GET";
-            EXPECT_EQ(isElsewhere ? "none" : row.outcome, FindAndMake(wish))
+            EXPECT_EQ(row.outcome, FindAndMake(wish))
                 << row.method << " " << action << testing::PrintToString(relay_.Requests());
-            EXPECT_EQ(isElsewhere ? 0 : row.shares, Shares().size()) << row.method << " " << action;
+            EXPECT_EQ(row.shares, Shares().size()) << row.method << " " << action;
         }
     }
 }
@@ -91,7 +91,7 @@ TEST_F(ShareFaults, NeverMakeASecondShareAfterALostReply) {
     relay_.On("POST", "swallow");
     const auto made = Make(Wish());
     ASSERT_EQ("done", Outcome(made));
-    EXPECT_EQ("PUT GET GET POST GET", relay_.Methods());
+    EXPECT_EQ("PUT PROPFIND GET GET POST GET", relay_.Methods());
     EXPECT_EQ("content", Download(std::get<LinkShare>(made).link));
 }
 
@@ -135,9 +135,26 @@ TEST_F(ShareFaults, LookUpAShareWhoseReplyIsHuge) {
 TEST_F(ShareFaults, FindNothingWhereTheLoginCountsForTheFilesOnly) {
     relay_.On("GET", "status 401", 0, 2);
     EXPECT_EQ("none", FindAndMake(Wish()));
-    relay_.On("GET", "status 401", 0, 2);
-    relay_.On("PROPFIND", "status 401");
-    EXPECT_EQ(Outcome(DavFault::WrongLogin, 401), FindAndMake(Wish()));
+}
+
+// Servers lock an account after a few wrong passwords.
+TEST_F(ShareFaults, TryAWrongPasswordOnce) {
+    relay_.Begin("ocs");
+    const HttpLogin wrong{login_.origin, login_.user, ObLib::Secret("wrong")};
+    const DavClient client(session_, wrong, nullptr, kNoPauses);
+    EXPECT_EQ(Outcome(DavFault::WrongLogin, 401), Outcome(ShareApi::Find(client, root_)));
+    EXPECT_EQ(1, relay_.Logins());
+}
+
+TEST_F(ShareFaults, WaitForASilentInterfaceOnceAndNotLong) {
+    relay_.Begin("ocs");
+    relay_.On("GET", "hold", 0, 2);
+    DavPatience patience = kNoPauses;
+    patience.question = 50;
+    const DavClient client(session_, login_, nullptr, patience);
+    EXPECT_EQ(Outcome(HttpFault::TimedOut), Outcome(ShareApi::Find(client, root_)));
+    relay_.Release();
+    EXPECT_EQ("PROPFIND GET", relay_.Methods());
 }
 
 TEST_F(ShareFaults, EndAtOnceWhenCancelled) {

@@ -26,6 +26,14 @@ BOOL WINAPI RecordLogin(HINTERNET, DWORD target, DWORD scheme, const wchar_t* us
     return TRUE;
 }
 
+decltype(&WinHttpSetStatusCallback) realSetCallback = nullptr;
+
+WINHTTP_STATUS_CALLBACK WINAPI ReportNoNames(HINTERNET handle, WINHTTP_STATUS_CALLBACK callback,
+                                             DWORD reports, DWORD_PTR reserved) {
+    return realSetCallback(handle, callback, reports & ~WINHTTP_CALLBACK_FLAG_RESOLVE_NAME,
+                           reserved);
+}
+
 // The relay as the system's proxy, in front of a server that there isn't.
 class HttpProxy : public testing::Test {
 protected:
@@ -42,12 +50,13 @@ protected:
     }
     ~HttpProxy() override { obtest::ClearProductRegistry(); }
 
-    HttpResult Ask(const HttpUrl& url) const {
+    HttpResult Ask(const HttpUrl& url) const { return Ask(url, HttpSession()); }
+    HttpResult Ask(const HttpUrl& url, const HttpSession& session) const {
         HttpLogin login = login_;
         login.origin = url.origin;
         HttpRequest request = Request("PROPFIND", url, &login);
         request.headers = {{"Depth", "0"}};
-        return HttpSession().Send(request, nullptr);
+        return session.Send(request, nullptr);
     }
 
     obtest::Relay relay_{"apache"};
@@ -77,6 +86,24 @@ TEST_F(HttpProxy, GetsTheLoginOfTheSystemsUserWhenItWantsOne) {
     }
 }
 
+// As on a connection that was kept.
+TEST_F(HttpProxy, GetsTheLoginAlsoWhereItsNameIsntReportedAgain) {
+    const HttpSession session;
+    relay_.On("PROPFIND", "status 407|Proxy-Authenticate: NTLM");
+    EXPECT_EQ(207, Outcome(Ask(url_, session)));
+    const obtest::ImportPatch<decltype(WinHttpSetStatusCallback)> patch(
+        "winhttp.dll", "WinHttpSetStatusCallback", &ReportNoNames);
+    ASSERT_TRUE(patch.Ok());
+    realSetCallback = patch.Real();
+    relay_.On("PROPFIND", "status 407|Proxy-Authenticate: NTLM");
+    EXPECT_EQ(207, Outcome(Ask(url_, session)));
+    EXPECT_EQ(2u, logins.size());
+    // A proxy that was never named gets none.
+    relay_.On("PROPFIND", "status 407|Proxy-Authenticate: NTLM");
+    EXPECT_EQ(Outcome(HttpFault::ProxyLogin), Outcome(Ask(url_)));
+    EXPECT_EQ(2u, logins.size());
+}
+
 TEST_F(HttpProxy, IsNamedWhenItDoesntTakeThatLogin) {
     for (const auto& [scheme, times] :
          {std::pair{"Basic realm=x", 1u}, std::pair{"NTLM", 2u}, std::pair{"Negotiate", 2u}}) {
@@ -98,7 +125,8 @@ TEST(HttpDirect, TriesNoLoginAtAServerThatRepliesAsAProxy) {
     ASSERT_TRUE(patch.Ok());
     logins.clear();
     relay.On("GET", "status 407|Proxy-Authenticate: NTLM", 0, 100);
-    const HttpUrl url = ServerUrl(L"RELAY_URL");
+    HttpUrl url = ServerUrl(L"RELAY_URL");
+    url.origin.host = "localhost"; // a name, which the client reports
     const HttpLogin login = LoginFor(url);
     const HttpResult result = HttpSession().Send(Request("GET", url, &login), nullptr);
     ASSERT_EQ(Outcome(HttpFault::ProxyLogin), Outcome(result));

@@ -32,8 +32,9 @@ protected:
     }
 
     DavPickAccount Account() const {
-        const auto server = std::make_shared<Connection>(
-            Connection{HttpSession{}, root_, {login_.origin, login_.user, login_.password}});
+        const auto server = std::make_shared<Connection>();
+        server->root = root_;
+        server->login = {login_.origin, login_.user, login_.password};
         return {{L"{key}", L"Work"},
                 root_.origin,
                 [server](const std::vector<std::wstring>& folder, HANDLE cancelled) {

@@ -4,6 +4,8 @@
 
 #include <thread>
 
+#include "contracts/ProviderManager.h"
+#include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/providers/webdav/DavUploadFixture.h"
 
 namespace providers {
@@ -121,6 +123,40 @@ TEST_P(DavUploadTest, IsDoneWhenTheCancelComesAfterTheLastStep) {
     EXPECT_EQ(UploadEnd::Done, result.end);
     EXPECT_EQ((std::vector<std::wstring>{L"a.zip"}), Files());
     EXPECT_FALSE(result.stored.version.empty());
+}
+
+// A session that begins while a long upload runs takes no note of it for an old one.
+TEST_P(DavUploadTest, RenewsTheNoteOfAnUploadThatTakesLong) {
+    obtest::ClearProductRegistry();
+    const AccountBook book(HKEY_CURRENT_USER, obcontract::kProviderManagerKey);
+    const PartNotes notes(book);
+    const auto ids = [&] {
+        std::vector<std::wstring> found;
+        for (const NotedPart& part : notes.OldAt(UINT64_MAX)) found.push_back(part.id);
+        return found;
+    };
+    std::vector<std::wstring> seen;
+    class Watched final : public UploadProgress {
+    public:
+        explicit Watched(std::function<void()> shown) : shown_(std::move(shown)) {}
+        void Show(std::uint64_t, std::uint64_t) override { shown_(); }
+        HANDLE Cancelled() const override { return nullptr; }
+        bool Ask(const std::function<void(HWND)>&) override { return false; }
+
+    private:
+        std::function<void()> shown_;
+    } progress([&] {
+        const auto now = ids();
+        ASSERT_EQ(1u, now.size());
+        if (seen.empty() || seen.back() != now[0]) seen.push_back(now[0]);
+    });
+    DavUpload upload(session_, kNoPauses, DavUpload::Notes{notes, L"account", 0});
+    const UploadResult result =
+        upload.Run({root_, login_}, {source_, L"a.zip", L""}, progress, ask_);
+    EXPECT_EQ(UploadEnd::Done, result.end);
+    EXPECT_GT(seen.size(), 1u);
+    EXPECT_TRUE(ids().empty());
+    obtest::ClearProductRegistry();
 }
 
 TEST_P(DavUploadTest, ReportsAFileThatCannotBeRead) {

@@ -419,6 +419,55 @@ TEST_F(WebDavTest, SaysWhyTheServerMakesNoLink) {
               L"You are no longer logged in to its server. Please log in again.");
 }
 
+TEST_F(WebDavTest, GivesNoLinkWithoutThePasswordThatTheUserWants) {
+    Use("ocs");
+    const StorageAccount account = AddAccount(L"", true);
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    shares_.Set("forget", "all");
+    const ShareResult refused = provider_.Share(account.key, uploaded.stored, ended_.Get());
+    EXPECT_FALSE(refused.isShared);
+    EXPECT_EQ(refused.password, L"");
+    EXPECT_THAT(refused.sentence, HasSubstr(L"can't protect links by passwords"));
+    EXPECT_THAT(shares_.Shares(), IsEmpty());
+}
+
+TEST_F(WebDavTest, LinksByThePatternWhereTheInterfaceOfTheServerIsSilent) {
+    Use("ocs");
+    const StorageAccount account = AddAccount();
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    DavPatience patience = kNoPauses;
+    patience.question = 50;
+    WebDav provider(book_, patience); // that knows nothing of the server yet
+    relay_.On("GET", "hold", 0, 2);
+    const ShareResult shared = provider.Share(account.key, uploaded.stored, ended_.Get());
+    EXPECT_EQ(shared.link, L"https://files.example.com/Quillbox/20261122101530/Our%20files.zip")
+        << shared.sentence;
+    // A link that is to have a password isn't one by the pattern.
+    obtest::SetMachinePolicy(L"RequireLinkPassword", L"1");
+    EXPECT_FALSE(provider.Share(account.key, uploaded.stored, ended_.Get()).isShared);
+    relay_.Release();
+    EXPECT_THAT(shares_.Shares(), IsEmpty());
+}
+
+TEST_F(WebDavTest, EndsALinkByTheServersClock) {
+    Use("ocs");
+    shares_.Set("clock", "400");
+    const StorageAccount account = AddAccount(L"");
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    const ShareResult shared = provider_.Share(account.key, uploaded.stored, ended_.Get());
+    ASSERT_TRUE(shared.isShared) << shared.sentence;
+    EXPECT_TRUE(provider_.SetExpiry(account.key, shared.shareId, 7, ended_.Get()));
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    const std::chrono::sys_days today =
+        std::chrono::year(now.wYear) / std::chrono::month(now.wMonth) / std::chrono::day(now.wDay);
+    EXPECT_THAT(shares_.Shares(),
+                testing::ElementsAre(HasSubstr(ShareDateText(today + std::chrono::days(407)))));
+}
+
 // The password was changed on the server: the upload asks for the new one and goes on.
 TEST_F(WebDavTest, AnUploadAsksForAPasswordThatNoLongerCounts) {
     const StorageAccount account = AddAccount(kPattern, false, "an old one");
