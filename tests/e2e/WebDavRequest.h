@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,15 +58,27 @@ protected:
     // The server itself, where it makes no links.
     std::wstring Pattern() const { return MakesLinks() ? L"" : Address() + L"{path}"; }
 
+    // The account's key.
+    std::wstring AddAccount(const std::wstring& address, bool hasPasswords = false) {
+        const auto account = MakeAccount(address, hasPasswords);
+        return account ? account->key : L"";
+    }
     void AddDefaultAccount(const std::wstring& address, bool hasPasswords = false) {
-        const auto root = providers::ParseHttpUrl(providers::ToUtf8(address));
-        ASSERT_TRUE(root);
-        const auto account =
-            providers::AddDavAccount(book_, {*root, User(), Pattern(), hasPasswords},
-                                     ObLib::Secret(providers::ToUtf8(Password()).c_str()));
+        const auto account = MakeAccount(address, hasPasswords);
         ASSERT_TRUE(account);
         ASSERT_TRUE(
             store_.SaveDefaultProfile(providers::ProfileOf(providers::kWebDavId, *account)));
+    }
+    std::optional<providers::StorageAccount> MakeAccount(const std::wstring& address,
+                                                         bool hasPasswords) {
+        const auto root = providers::ParseHttpUrl(providers::ToUtf8(address));
+        EXPECT_TRUE(root) << address;
+        if (!root) return {};
+        auto account =
+            providers::AddDavAccount(book_, {*root, User(), Pattern(), hasPasswords},
+                                     ObLib::Secret(providers::ToUtf8(Password()).c_str()));
+        EXPECT_TRUE(account);
+        return account;
     }
     std::wstring LargeFile() const { return files_.File(L"large.bin", LargeContent()); }
 

@@ -1,5 +1,7 @@
 // Whole requests with accounts of a real WebDAV server in which something goes wrong or the user
 // changes their mind.
+#include <commctrl.h>
+
 #include "OBCore/modules/DialogIds.h"
 #include "tests/e2e/WebDavRequest.h"
 
@@ -83,6 +85,35 @@ TEST_P(WebDavTrouble, OfChoosingNoAccountLeavesTheZip) {
     EXPECT_EQ(AskShow(), kCancelled);
     EXPECT_TRUE(driver.Done());
     ExpectOnlyTheZip();
+}
+
+// One account's server gives no reply while the chooser asks for its space.
+TEST_P(WebDavTrouble, OfASilentServerLeavesTheOtherAccountUsable) {
+    AddAccount(AddressOfRelay());
+    const std::wstring sound = AddAccount(Address());
+    const auto accounts = book_.Accounts(providers::kWebDavId);
+    ASSERT_EQ(accounts.size(), 2u);
+    const int row = accounts[0].key == sound ? 1 : 2; // after that of the network folder
+    relay_.On("*", "hold", 0, 1000);
+    PickerUiDriver driver([&](OpenPicker& picker) {
+        Pick(Choice::Zip, {LargeFile()})(picker);
+        const HWND chooser = AwaitDialogWith(OB_CHOOSER_LIST);
+        ASSERT_NE(chooser, nullptr);
+        const HWND list = GetDlgItem(chooser, OB_CHOOSER_LIST);
+        EXPECT_EQ(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0), 3);
+        PostMessageW(list, WM_KEYDOWN, VK_HOME, 1);
+        for (int down = 0; down < row; ++down) PostMessageW(list, WM_KEYDOWN, VK_DOWN, 1);
+        PostMessageW(list, WM_KEYDOWN, VK_SPACE, 1);
+        const HWND button = GetDlgItem(chooser, OB_CHOOSER_CONTINUE);
+        EXPECT_TRUE(WaitUntil([=] { return IsWindowEnabled(button) != 0; }));
+        Click(button);
+    });
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_TRUE(driver.Done());
+    relay_.Release();
+    EXPECT_FALSE(relay_.Requests().empty());
+    ExpectLinkToZip();
+    EXPECT_EQ(store_.DefaultProfile().accountKey, sound);
 }
 
 } // namespace
