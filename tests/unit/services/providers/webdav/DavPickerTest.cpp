@@ -448,6 +448,7 @@ TEST_F(DavPickerTest, CanBeCancelledWhileItMakesLinks) {
              {OB_DAVPICK_PATH, OB_DAVPICK_UP, OB_DAVPICK_REFRESH, OB_DAVPICK_LIST, int{IDOK}}) {
             EXPECT_FALSE(user.IsEnabled(id)) << id;
         }
+        EXPECT_TRUE(WaitUntil([&] { return fake_->shares == 1; }));
         user.Press(IDCANCEL); // ends the links
         EXPECT_TRUE(WaitUntil([&] { return user.Status() == L"2 selected"; }));
         EXPECT_TRUE(user.HasFocus(OB_DAVPICK_LIST));

@@ -43,6 +43,9 @@ constexpr FaultRow kRows[] = {
     {"PUT", "early 413", 1, UploadEnd::Failed, L"too large for the server"},
     {"PUT", "status 423", 1, UploadEnd::Failed, L"locked"},
     {"PUT", "status 507", 1, UploadEnd::Failed, L"too little free space"},
+    // The space ends in the middle.
+    {"PUT", "early 507", 1, UploadEnd::Failed, L"too little free space"},
+    {"PUT", "deny 507", 1, UploadEnd::Failed, L"too little free space"},
     {"PUT", "status 500", 1, UploadEnd::Failed, L"reported the error 500"},
     {"PUT", "status 503|Retry-After: 0", 1, UploadEnd::Done, nullptr},
     {"PUT", "refuse", 1, UploadEnd::Done, nullptr},
@@ -106,6 +109,40 @@ TEST_P(DavUploadFaults, EndAsTheTableSays) {
         folder.path += '/';
         EXPECT_EQ("done", Outcome(client_.Discard(folder))) << what;
     }
+}
+
+// A server that is silent at one step, for longer than the client waits.
+TEST_P(DavUploadFaults, EndWhenTheServerIsSilentAtAStep) {
+    const HttpSession impatient(HttpTimes{2'000, 2'000, 500, 2'000});
+    // The next Begin lets go on what was held: a body comes last, as its server then stores it
+    // late.
+    for (const char* const method : {"PROPFIND", "MKCOL", "MOVE", "PUT"}) {
+        relay_.Begin(GetParam());
+        relay_.On(method, "hold", 0, kAlways);
+        DavUpload upload(impatient, DavPatience{1, 0, 1, 0});
+        const UploadResult result =
+            upload.Run({root_, login_}, {source_, L"a.zip", L"silent"}, progress_, ask_);
+        EXPECT_EQ(UploadEnd::Failed, result.end) << method;
+        EXPECT_NE(std::wstring::npos, result.sentence.find(L"doesn't respond"))
+            << method << ": " << ToUtf8(result.sentence);
+        EXPECT_TRUE(Files().empty()) << method;
+    }
+}
+
+// A reply that comes late, after the step was done: the step is looked up, and nothing is doubled.
+TEST_P(DavUploadFaults, GoOnAfterAReplyThatComesTooLate) {
+    const HttpSession impatient(HttpTimes{2'000, 2'000, 500, 2'000});
+    for (const char* const method : {"MKCOL", "PUT", "MOVE"}) {
+        relay_.Begin(GetParam());
+        relay_.On(method, "holdreply", 0, 1);
+        DavUpload upload(impatient, DavPatience{1, 0, 1, 0});
+        const std::wstring name = std::wstring(L"late ") + static_cast<wchar_t>(method[1]);
+        const UploadResult result =
+            upload.Run({root_, login_}, {source_, name, L"late"}, progress_, ask_);
+        EXPECT_EQ(UploadEnd::Done, result.end) << method << " " << ToUtf8(result.sentence);
+        EXPECT_EQ(content_, Stored(L"late\\" + name)) << method;
+    }
+    EXPECT_EQ(3u, Files().size());
 }
 
 } // namespace
