@@ -20,7 +20,7 @@ constexpr std::size_t kLongestFace = 32;
 // What the font of a template may take more than without it, beside the face: sizes and padding.
 constexpr std::size_t kFontBytes = 6 + 2 * sizeof(wchar_t);
 
-// The second word, which says what kind a template is, is also the upper half of a plain one's
+// The second word, by which the kinds of templates differ, is also the upper half of a plain one's
 // style: more styles can turn it into that of an extended one.
 std::uint16_t KindWord(std::span<const std::byte> bytes) {
     std::uint16_t word = 0;

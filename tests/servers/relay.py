@@ -23,7 +23,6 @@ A connection to the control port carries one command in a line and gets lines ba
     hold            waits for "release", then passes it on
     holdreply       passes it on, keeps the reply until "release"
     instead CODE[|...]                       the server gets and answers it; this reply takes the place of the server's
-    drip            a reply whose body never ends, a byte at a time
     status CODE[|Header: value]...[|=BODY]   this reply; the server gets nothing, the body is read
     early CODE[|...]                         this reply at once; what still comes is read and forgotten
     deny CODE[|...]                          this reply after 5,000 bytes of the body, then the connection ends
@@ -36,7 +35,6 @@ import socket
 import socketserver
 import sys
 import threading
-import time
 
 BLOCK = 1 << 18
 EARLY = 5000  # bytes of a body that a server has read when it refuses the body
@@ -217,12 +215,6 @@ class Relay(socketserver.BaseRequestHandler):
             self.request.sendall(made_reply(argument or "201"))
             script.change(number, f"{method} {path} {came} {argument.partition('|')[0] or 201}")
             return
-        if action == "drip":
-            pass_body(head, self.request, None, head.length())
-            self.request.sendall(b"HTTP/1.1 207 Made\r\nContent-Length: 4000000\r\n\r\n")
-            while True:  # until the client has left
-                self.request.sendall(b"x")
-                time.sleep(0.02)
         if action == "hold":
             script.hold()
         if action == "twice":

@@ -26,7 +26,7 @@ void AddFontSubstitution(const ObLib::ObString& origName, std::int32_t origSize,
 
 // The face for a dialog's template, cut to `nameCapacity` characters with the NUL, and its size in
 // points: the base font if it can be made, else the system's message font. False before Windows
-// Vista: the template keeps its own. `module` is that of the template, which has no say in it.
+// Vista: the template keeps its own. `module` isn't used.
 bool FindDialogFont(HMODULE module, wchar_t* outName, std::size_t nameCapacity,
                     std::int32_t& outSize);
 

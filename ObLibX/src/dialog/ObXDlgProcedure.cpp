@@ -32,7 +32,7 @@ struct Message {
 
 INT_PTR AsResult(HBRUSH brush) { return reinterpret_cast<INT_PTR>(brush); }
 
-// The result also goes where the sender of the notification finds it.
+// Also stores the result in the dialog's message result, from which its sender gets it.
 INT_PTR Notify(ObXDlg& dialog, const Message& message) {
     auto* const header = message.As<NMHDR>();
     if (header->code == kNotifyHelp || header->code == kNotifyHelpButton) return dialog.OnHelp();

@@ -249,8 +249,8 @@ void HttpExchange::SetCertificates() {
     // option.
     WinHttpSetOption(request_.Get(), WINHTTP_OPTION_CLIENT_CERT_CONTEXT,
                      WINHTTP_NO_CLIENT_CERT_CONTEXT, 0);
-    // A revoked certificate is refused; one of which nobody can say so isn't. Systems that can't
-    // tell the two apart aren't asked.
+    // A certificate that is known to be revoked is refused; one whose state is unknown is taken.
+    // Where the system can't be told to take the latter, revocation isn't checked at all.
     constexpr DWORD kIgnoreRevocationOffline = 155; // not in every header
     DWORD on = TRUE;
     if (!ways_.asksForRevocation ||

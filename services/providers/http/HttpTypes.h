@@ -82,7 +82,7 @@ enum class HttpFault {
     ServerNotListed, // the administrator allows other servers only
     ProxyLogin,     // the network's proxy wants a login, and doesn't take that of the system's user
     FileUnreadable, // the body's file can't be read, or is shorter than the part
-    Failed,         // anything else; the code says what
+    Failed,         // anything else; see the code
 };
 
 enum class CertificateFault {
@@ -91,7 +91,7 @@ enum class CertificateFault {
     Host,
     Issuer,
     Revoked,
-    Unconfirmed, // nobody can say whether it was revoked
+    Unconfirmed, // it is unknown whether it was revoked
     Other
 };
 

@@ -15,8 +15,8 @@ namespace providers {
 // All of them on the thread of the owner, which may be null.
 
 // Adds an account, or takes a new password for the one that there is of this user and folder. Where
-// the server makes no links, the page asks for a pattern. Nothing after a cancel or a failure,
-// which the user has been told.
+// the server makes no links, the page asks for a pattern. Nothing after a cancel, or after a
+// failure that was shown to the user.
 std::optional<StorageAccount> LogInToDav(const std::shared_ptr<DavServers>& servers, HWND owner);
 
 // Asks for the password of an account that there is, and keeps it. `reason`: why, as a sentence;

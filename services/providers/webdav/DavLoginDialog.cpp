@@ -81,7 +81,7 @@ ObLib::Secret PasswordIn(HWND dialog) {
     return ObLib::Secret(bytes.data);
 }
 
-// The fields, as they can be checked. Nothing with the user told why they can't.
+// What is in the fields. Nothing, with a sentence shown to the user, when it can't be used.
 std::optional<Entered> TakeFields(HWND dialog) {
     const auto typed = TypedAddress(FieldText(dialog, OB_DAV_ADDRESS));
     Entered entered{{}, TrimmedText(dialog, OB_DAV_USER), PasswordIn(dialog)};

@@ -30,7 +30,7 @@ public:
         while (bytes_.size() % 4 != 0) Byte(0);
         return *this;
     }
-    // What stands for the items: any bytes.
+    // Any bytes in place of items.
     Builder& Items(int size = 12) {
         Align();
         for (int at = 0; at < size; ++at) Byte(static_cast<std::uint8_t>(0xA0 + at));

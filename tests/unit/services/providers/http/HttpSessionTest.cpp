@@ -162,6 +162,20 @@ TEST_F(HttpSessionTest, ReadsTheReplyOfAServerThatRefusesTheBody) {
     EXPECT_EQ(Outcome(HttpFault::BrokenOff), Outcome(Send(put)));
 }
 
+// Its status isn't read then: the client may still be sending the block.
+TEST_F(HttpSessionTest, EndsInATimeoutWhereARefusedBodyIsReadNoFurther) {
+    const obtest::TestFolder folder;
+    const std::string content(50'000'000, 'x');
+    const ObLib::UniqueKernelHandle file(CreateFileW(
+        folder.File(L"f", content).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "refused"), &login_);
+    put.body = HttpFilePart{file.Get(), 0, content.size()};
+    put.times = HttpTimes{2'000, 1'000, 2'000, 2'000};
+    relay_.On("PUT", "stall 413");
+    EXPECT_EQ(Outcome(HttpFault::TimedOut), Outcome(Send(put)));
+    relay_.Release();
+}
+
 TEST_F(HttpSessionTest, TakesNoLongerReplyThanItsCallerAllows) {
     relay_.On("GET", "status 200|=0123456789", 0, 2);
     HttpRequest get = Request("GET", url_, nullptr);
