@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <utility>
 
 namespace ObLib {
@@ -101,6 +103,19 @@ struct GdiObjectPolicy : NullPolicy<GdiHandle> {
 using UniqueBitmap = UniqueResource<GdiObjectPolicy<HBITMAP>>;
 using UniqueFont = UniqueResource<GdiObjectPolicy<HFONT>>;
 using UniqueBrush = UniqueResource<GdiObjectPolicy<HBRUSH>>;
+using UniquePen = UniqueResource<GdiObjectPolicy<HPEN>>;
+
+// A menu that no window has: windows destroy their own.
+struct MenuPolicy : NullPolicy<HMENU> {
+    static void Close(Handle handle) noexcept { DestroyMenu(handle); }
+};
+using UniqueMenu = UniqueResource<MenuPolicy>;
+
+// Who uses it links the common controls.
+struct ImageListPolicy : NullPolicy<HIMAGELIST> {
+    static void Close(Handle handle) noexcept { ImageList_Destroy(handle); }
+};
+using UniqueImageList = UniqueResource<ImageListPolicy>;
 
 struct MemoryDcPolicy : NullPolicy<HDC> {
     static void Close(Handle handle) noexcept { DeleteDC(handle); }

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "ObLibX/src/dialog/ToolkitTexts.h"
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 #include "ObLibX/src/xml/document/ElementText.h"
 
@@ -11,8 +12,6 @@ namespace ObLibX {
 namespace {
 
 using ObLib::ObString;
-
-constexpr std::int32_t kEmptyDocument = 62003; // "Empty document"
 
 // Without blanks and line ends at both ends; a tab stays.
 ObString Trimmed(std::wstring_view text) {
@@ -80,7 +79,7 @@ bool ObXML::LoadText(const ObString& text) {
         hasElement = root != 0;
         if (hasElement) reader.Read(root, tree);
     }
-    ObString error = hasElement ? ObString() : ObString(kEmptyDocument);
+    ObString error = hasElement ? ObString() : ObString(kTextEmptyDocument);
     Swap(tree);
     error_.Swap(error);
     return hasElement;

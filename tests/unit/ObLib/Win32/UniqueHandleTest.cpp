@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ObLib/Src/Win32/ScopeExit.h"
+#include "tests/support/ImportPatch.h"
 
 namespace {
 
@@ -104,6 +105,29 @@ TEST(ScopeExit, RunsItsStepAlsoWhenAnExceptionPasses) {
         ++runs;
     }
     EXPECT_EQ(2, runs);
+}
+
+HIMAGELIST destroyedList = nullptr;
+
+BOOL WINAPI NoteDestroyed(HIMAGELIST list) {
+    destroyedList = list;
+    return TRUE;
+}
+
+TEST(UniqueHandle, EndsMenusPensAndImageLists) {
+    const HMENU menu = CreatePopupMenu();
+    static_cast<void>(ObLib::UniqueMenu(menu));
+    EXPECT_FALSE(IsMenu(menu));
+    const HPEN pen = CreatePen(PS_SOLID, 3, RGB(1, 2, 3));
+    static_cast<void>(ObLib::UniquePen(pen));
+    EXPECT_EQ(0u, GetObjectType(pen));
+    const obtest::ImportPatch<decltype(&ImageList_Destroy)> patch(
+        "comctl32.dll", "ImageList_Destroy", &NoteDestroyed);
+    ASSERT_TRUE(patch.Ok());
+    const HIMAGELIST list = ImageList_Create(16, 16, ILC_COLOR32, 1, 1);
+    static_cast<void>(ObLib::UniqueImageList(list));
+    EXPECT_EQ(list, destroyedList);
+    EXPECT_NE(nullptr, list);
 }
 
 } // namespace

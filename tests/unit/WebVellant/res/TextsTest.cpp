@@ -7,6 +7,8 @@
 
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/TextIds.h"
+#include "ObLibX/src/dialog/ToolkitTexts.h"
+#include "ObLibX/src/xml/scan/DocumentReport.h"
 
 namespace {
 
@@ -32,6 +34,26 @@ TEST_F(Texts, EveryIdThatTheCodeLoadsHasAText) {
     for (const obcore::TextId id : obcore::kAllTextIds) {
         EXPECT_FALSE(LoadText(id).empty()) << static_cast<UINT>(id);
     }
+}
+
+TEST_F(Texts, EveryIdThatTheDialogToolkitNamesHasAText) {
+    for (const std::int32_t id : ObLibX::kToolkitTexts) {
+        EXPECT_FALSE(TextOf(static_cast<UINT>(id)).empty()) << id;
+    }
+}
+
+TEST_F(Texts, ReportsOfXmlDocumentsReadAsInTheLibrary) {
+    for (const ObLibX::ReportText& report : ObLibX::kReportTexts) {
+        EXPECT_EQ(report.text, TextOf(report.id));
+    }
+    EXPECT_TRUE(TextOf(62006).empty()) << "no report has this id";
+}
+
+TEST_F(Texts, SwitchAndEyeOfThePasswordReadAsAgreed) {
+    EXPECT_EQ(L"Off", TextOf(ObLibX::kTextSwitchOff));
+    EXPECT_EQ(L"On", TextOf(ObLibX::kTextSwitchOn));
+    EXPECT_EQ(L"Click to show or hide the password", TextOf(ObLibX::kTextEyeTip));
+    EXPECT_EQ(L"Show or hide the password", TextOf(ObLibX::kTextEyeName));
 }
 
 TEST_F(Texts, EveryLabelOfThePickerHasOneAccessKeyOfItsOwn) {
