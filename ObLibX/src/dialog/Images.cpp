@@ -3,18 +3,11 @@
 #include <objidl.h>
 #include <shlwapi.h>
 
-#include <algorithm>
 #include <span>
-
-// The headers of GDI+ use these two without their namespace.
-using std::max;
-using std::min;
-#include <gdiplus.h>
 
 #include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
-#include "ObLibX/src/dialog/GraphicsToken.h"
 #include "ObLibX/src/dialog/Pixels.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
@@ -41,24 +34,19 @@ StreamPtr ResourceStream(HMODULE module, std::int32_t id, const wchar_t* type) {
         SHCreateMemStream(static_cast<const BYTE*>(bytes), SizeofResource(module, found)));
 }
 
-// Over an opaque black ground, as the handle of a bitmap has no room for transparency of its own.
-UniqueBitmap Decoded(IStream* stream) {
-    const GraphicsToken token;
-    if (!token) return {};
-    Gdiplus::Bitmap image(stream);
-    HBITMAP bitmap = nullptr;
-    const bool isDecoded = image.GetLastStatus() == Gdiplus::Ok &&
-                           image.GetHBITMAP(Gdiplus::Color(0xFF000000), &bitmap) == Gdiplus::Ok;
-    return UniqueBitmap(isDecoded ? bitmap : nullptr);
-}
-
-UniqueBitmap LoadCompressed(std::int32_t id, HMODULE module) {
+// The first of the types under which a picture is found that GDI+ knows; null: none is.
+std::unique_ptr<GraphicsImage> Decoded(std::int32_t id, HMODULE module) {
     for (const wchar_t* const type : {static_cast<const wchar_t*>(RT_RCDATA), L"IMAGE", L"PNG"}) {
         const StreamPtr stream = ResourceStream(module, id, type);
-        UniqueBitmap bitmap = stream ? Decoded(stream.Get()) : UniqueBitmap();
-        if (bitmap) return bitmap;
+        if (!stream) continue;
+        auto image = std::make_unique<GraphicsImage>(stream.Get());
+        if (image->IsDecoded()) return image;
     }
-    return {};
+    return nullptr;
+}
+
+HMODULE ModuleOrProgram(HMODULE module) {
+    return module != nullptr ? module : ObLib::AppGlobals().programModule;
 }
 
 BITMAP Described(HBITMAP bitmap) {
@@ -118,10 +106,16 @@ void DrawWithAlpha(HDC dc, HBITMAP bitmap, const BITMAP& described, int x, int y
 } // namespace
 
 UniqueBitmap LoadImage(std::int32_t id, HMODULE module) {
-    const HMODULE from = module != nullptr ? module : ObLib::AppGlobals().programModule;
+    const HMODULE from = ModuleOrProgram(module);
     UniqueBitmap bitmap(static_cast<HBITMAP>(
         LoadImageW(from, MAKEINTRESOURCEW(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
-    return bitmap ? std::move(bitmap) : LoadCompressed(id, from);
+    if (bitmap) return bitmap;
+    const auto image = Decoded(id, from);
+    return UniqueBitmap(image ? image->MakeBitmap() : nullptr);
+}
+
+std::unique_ptr<GraphicsImage> LoadGraphicsImage(std::int32_t id, HMODULE module) {
+    return Decoded(id, ModuleOrProgram(module));
 }
 
 SIZE ImageSize(HBITMAP bitmap) {

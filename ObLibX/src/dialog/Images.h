@@ -4,8 +4,10 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <memory>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLibX/src/dialog/GraphicsImage.h"
 
 // A macro of the system's headers renames LoadImage. Without it the function has one name,
 // whichever header is included first.
@@ -17,6 +19,10 @@ namespace ObLibX {
 // (RCDATA, IMAGE or PNG) over a black ground. `module` null: the program's. Empty when there is
 // none.
 ObLib::UniqueBitmap LoadImage(std::int32_t id, HMODULE module = nullptr);
+
+// The compressed image of this id as an object of GDI+, which keeps its transparency; a bitmap
+// resource isn't looked at. `module` as above. Null when there is none. Throws std::bad_alloc.
+std::unique_ptr<GraphicsImage> LoadGraphicsImage(std::int32_t id, HMODULE module = nullptr);
 
 // Width and height in pixels; nothing but zeros for what is no bitmap.
 SIZE ImageSize(HBITMAP bitmap);

@@ -1,6 +1,13 @@
 // Pictures of resources, and how they are drawn.
 #include "ObLibX/src/dialog/Images.h"
 
+#include <algorithm>
+
+// The headers of GDI+ use these two without their namespace.
+using std::max;
+using std::min;
+#include <gdiplus.h>
+
 #include "ObLibX/src/dialog/ObCustCtrl.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/support/ImportPatch.h"
@@ -88,6 +95,34 @@ TEST_F(Images, AreEmptyWhereThereIsNone) {
     EXPECT_FALSE(LoadImage(4242));
     EXPECT_FALSE(LoadImage(5007)) << "no picture under that id";
     EXPECT_EQ(0, ImageSize(nullptr).cx);
+}
+
+TEST_F(Images, AreObjectsThatKeepTheirTransparency) {
+    for (const int id : {5002, 5003, 5004, 5006}) {
+        const auto image = LoadGraphicsImage(id);
+        ASSERT_NE(nullptr, image) << id;
+        EXPECT_EQ(2u, image->Object()->GetWidth()) << id;
+        EXPECT_EQ(1u, image->Object()->GetHeight()) << id;
+        Gdiplus::Color color;
+        ASSERT_EQ(Gdiplus::Ok, image->Object()->GetPixel(1, 0, &color));
+        EXPECT_EQ(0, color.GetAlpha()) << id;
+    }
+    EXPECT_EQ(nullptr, LoadGraphicsImage(5001)) << "a bitmap resource isn't compressed";
+    EXPECT_EQ(nullptr, LoadGraphicsImage(5007)) << "no picture under that id";
+    EXPECT_EQ(nullptr, LoadGraphicsImage(5002, GetModuleHandleW(L"kernel32.dll")));
+}
+
+TEST_F(Images, OfMoreThan32BitsEndTheProcess) {
+    struct Wide {
+        static int WINAPI Describe(HANDLE, int size, LPVOID into) {
+            static_cast<BITMAP*>(into)->bmBitsPixel = 64;
+            return size;
+        }
+    };
+    const obtest::ImportPatch<decltype(&GetObjectW)> patch("gdi32.dll", "GetObjectW",
+                                                           &Wide::Describe);
+    ASSERT_TRUE(patch.Ok());
+    EXPECT_FATAL(DrawImageAt(nullptr, nullptr, 0, 0), "ObLibX\\src\\Images.cpp");
 }
 
 TEST_F(Images, AreBlendedByTheirAlphaAndStayAsTheyAre) {
