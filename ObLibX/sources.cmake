@@ -3,6 +3,7 @@
 #   OBX_XML_SOURCES          what builds everywhere, the packed name tables among them
 #   OBX_XML_WINDOWS_SOURCES  the Windows side of src/xml/encoding/System*.h
 #   OBX_DIALOG_DATA_SOURCES  of src/dialog, what builds everywhere
+#   OBX_CONTROL_DATA_SOURCES of src/controls, what builds everywhere
 set(names
     names/NameTables
     scan/OpenTagStack
@@ -47,4 +48,10 @@ set(OBX_DIALOG_DATA_SOURCES "")
 foreach(name DialogDescription DialogTemplate FontSubstitution ImageSet ObXML ObXMLNode Pixels ScrollAreas
         WindowPlacement)
     list(APPEND OBX_DIALOG_DATA_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/dialog/${name}.cpp")
+endforeach()
+
+# Tables and arithmetic of the flat controls, without a window.
+set(OBX_CONTROL_DATA_SOURCES "")
+foreach(name ControlImages FadedColor)
+    list(APPEND OBX_CONTROL_DATA_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/controls/${name}.cpp")
 endforeach()
