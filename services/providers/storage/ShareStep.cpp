@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "ObLib/Src/Win32/ScopeExit.h"
+#include "ObLib/Src/Win32/Guarded.h"
 #include "services/providers/storage/LinkPasswordDialog.h"
 #include "services/providers/storage/PickLimits.h"
 #include "services/providers/storage/PumpedCall.h"
@@ -23,10 +23,6 @@ constexpr DWORD kShareLimit = 60'000; // milliseconds; a server that is silent f
 // Nobody is left to read a message.
 bool IsOver(const StorageRun& run) {
     return IsSet(run.Ended()) || (run.owner && !IsWindow(run.owner));
-}
-
-void Wipe(std::wstring& password) noexcept {
-    SecureZeroMemory(password.data(), password.size() * sizeof(wchar_t));
 }
 
 // The call that shares one file. It goes on while the user decides whether to try again: its server
@@ -55,12 +51,8 @@ private:
     bool Begin() {
         StorageProvider* const provider = run_->ProviderOf(upload_.accountKey);
         if (call_ || !provider) return call_.has_value();
-        call_.emplace(
-            [run = run_, provider, key = upload_.accountKey, file = upload_.file](HANDLE stop) {
-                ShareResult result = provider->Share(key, file, stop);
-                if (IsSet(stop)) Wipe(result.password); // nobody takes it
-                return result;
-            });
+        call_.emplace([run = run_, provider, key = upload_.accountKey, file = upload_.file](
+                          HANDLE stop) { return provider->Share(key, file, stop); });
         return true;
     }
 
@@ -85,6 +77,22 @@ bool TakeLink(const StorageRun& run, RunUpload& upload, CloudItem& item,
     return true;
 }
 
+// The user logs in again. False without a new login to this account.
+bool HasLoggedIn(const StorageRun& run, const std::wstring& accountKey) {
+    StorageProvider* const provider = run.ProviderOf(accountKey);
+    return provider && ObLib::Guarded(false, [&] {
+               const auto account = provider->LogIn(accountKey, run.owner);
+               return account && account->key == accountKey;
+           });
+}
+
+// After a login that doesn't count either, the user decides whether to try again.
+ShareResult AskWithLogin(const StorageRun& run, const std::wstring& accountKey, Sharing& sharing) {
+    ShareResult result = sharing.Ask();
+    if (!result.needsLogin || IsOver(run) || !HasLoggedIn(run, accountKey)) return result;
+    return sharing.Ask();
+}
+
 std::wstring FailureOf(const CloudItem& item, const ShareResult& result) {
     const bool hasReason = !result.isShared && !result.sentence.empty();
     return FormatOwnText(OB_TEXT_SHARE_FAILED,
@@ -99,11 +107,10 @@ bool ShareFile(const Run& run, CloudItem& item) {
     }
     Sharing sharing(run, *upload, item);
     ShareResult result;
-    const ObLib::ScopeExit wiped([&result] { Wipe(result.password); });
     while (!upload->isShared) {
         // What the provider has shared isn't shared again: there would be two links, and nobody
         // would have seen the password of the first one.
-        if (!result.isShared) result = sharing.Ask();
+        if (!result.isShared) result = AskWithLogin(*run, upload->accountKey, sharing);
         if (TakeLink(*run, *upload, item, result)) return true;
         if (IsOver(*run) || !AskToTryAgain(run->owner, FailureOf(item, result))) return false;
     }

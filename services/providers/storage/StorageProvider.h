@@ -70,9 +70,13 @@ protected:
 struct ShareResult {
     bool isShared = false;
     std::wstring link;
-    std::wstring shareId;  // what SetExpiry needs; may be empty
-    std::wstring password; // made for this link; empty: it has none. Shown once, stored nowhere
-    std::wstring sentence; // when it isn't shared: why, and what to do
+    std::wstring shareId;    // what SetExpiry needs; may be empty
+    std::wstring password;   // made for this link; empty: it has none. Shown once, stored nowhere
+    std::wstring sentence;   // when it isn't shared: why, and what to do
+    bool needsLogin = false; // it isn't shared because the account's login no longer counts
+
+    // Nobody empties it on the way out of a thread that nobody waits for any more.
+    ~ShareResult() { SecureZeroMemory(password.data(), password.size() * sizeof(wchar_t)); }
 };
 
 // A file that the user picked in the cloud.
@@ -111,7 +115,8 @@ public:
     virtual bool Has(obcontract::ProviderCapability capability) const noexcept = 0;
 
     // Lets the user log in to an account, or to a new one when the key is empty. Nothing after a
-    // cancel. Explains a failure itself, in the window.
+    // cancel. Explains a failure itself, in the window. Called for an account that is logged in
+    // when a share needs a login.
     virtual std::optional<StorageAccount> LogIn(const std::wstring& key, HWND owner) = 0;
     // Asks no server: whether an upload may be tried without asking the user first.
     virtual bool IsLoggedIn(const std::wstring& key) const = 0;

@@ -47,8 +47,9 @@ public:
     // The record of the file as it was stored, which the run keeps in mind.
     const std::optional<obcontract::CloudItem>& Keep(StoredFile stored) noexcept {
         isStored_ = true;
-        const bool hasName = !stored.name.empty() && stored.name.size() < std::size(item_->name);
-        if (item_ && hasName) CopyWhole(stored.name, item_->name, std::size(item_->name));
+        const bool hasName =
+            item_ && !stored.name.empty() && stored.name.size() < std::size(item_->name);
+        if (hasName) CopyWhole(stored.name, item_->name, std::size(item_->name));
         upload_->file = std::move(stored);
         return item_;
     }

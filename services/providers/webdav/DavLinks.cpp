@@ -76,10 +76,10 @@ ShareResult NotShared(const Shared& shared, const ShareError& error) {
     const bool isByRule =
         error.fault == ShareFault::Refused || error.fault == ShareFault::NeedsPassword;
     if (isByRule) shared.servers.Forget(shared.access);
-    const bool isRefused =
-        error.fault == ShareFault::Dav && error.dav.fault == DavFault::WrongLogin;
-    if (isRefused) shared.servers.SetRefused(shared.accountKey, true);
-    return NotShared(ShareSentence(error, shared.file.origin));
+    ShareResult result = NotShared(ShareSentence(error, shared.file.origin));
+    result.needsLogin = error.fault == ShareFault::Dav && error.dav.fault == DavFault::WrongLogin;
+    if (result.needsLogin) shared.servers.SetRefused(shared.accountKey, true);
+    return result;
 }
 
 ShareResult ShareByServer(const Shared& shared, const DavClient& client, const LinkPlan& plan) {
@@ -134,7 +134,11 @@ ShareResult ShareDavFile(DavServers& servers, const std::wstring& accountKey, co
                          bool isOwnFile, HANDLE cancelled) {
     const auto settings = ReadDavAccount(servers.Book(), accountKey);
     const auto access = servers.AccessTo(accountKey);
-    if (!settings || !access) return NotShared(OwnText(OB_TEXT_DAV_LINK_LOGGED_OUT));
+    if (!settings || !access) {
+        ShareResult result = NotShared(OwnText(OB_TEXT_DAV_LINK_LOGGED_OUT));
+        result.needsLogin = settings.has_value(); // only the password is missing
+        return result;
+    }
     if (!IsBelow(file, access->root)) {
         return NotShared(SentenceAbout(OB_TEXT_DAV_NOT_FOUND, access->root.origin));
     }

@@ -140,10 +140,10 @@ private:
     std::vector<PickerRow> rows_;
     std::unique_ptr<ListTask> listing_; // while a folder is being read
     std::unique_ptr<LinkTask> linking_; // while links are being made
-    // Whether the user has been asked to log in since something was read: a login that doesn't
-    // count either isn't asked for in a circle.
+    // Whether the user has been asked to log in to this account since something of it was read or
+    // linked: after a login that doesn't count either the user decides when to try again.
     bool isLoginAsked_ = false;
-    std::size_t linkCount_ = 0; // of those
+    std::vector<std::size_t> chosen_; // rows of the links that are being made
 };
 
 void Picker::Begin(HWND dialog) {
@@ -207,6 +207,7 @@ void Picker::FitColumns() {
 }
 
 void Picker::OpenAccount() {
+    isLoginAsked_ = false;
     folder_.clear();
     cameFrom_.clear();
     BeginReading();
@@ -374,7 +375,7 @@ void Picker::Accept() {
 void Picker::BeginLinking(const std::vector<std::size_t>& selected) {
     std::vector<PickerRow> chosen;
     for (const std::size_t index : selected) chosen.push_back(rows_[index]);
-    linkCount_ = chosen.size();
+    chosen_ = selected;
     linking_ = std::make_unique<LinkTask>(
         dialog_, kLinked,
         [dialog = dialog_, links = links_, account = accounts_[account_],
@@ -391,9 +392,10 @@ void Picker::BeginLinking(const std::vector<std::size_t>& selected) {
 void Picker::ShowProgress(std::size_t index) {
     if (!linking_) return;
     const std::wstring text =
-        linkCount_ == 1 ? OwnText(OB_TEXT_SHARE_TITLE)
-                        : FormatOwnText(OB_TEXT_DAVPICK_LINKING,
-                                        {std::to_wstring(index + 1), std::to_wstring(linkCount_)});
+        chosen_.size() == 1
+            ? OwnText(OB_TEXT_SHARE_TITLE)
+            : FormatOwnText(OB_TEXT_DAVPICK_LINKING,
+                            {std::to_wstring(index + 1), std::to_wstring(chosen_.size())});
     SetDlgItemTextW(dialog_, OB_DAVPICK_STATUS, text.c_str());
 }
 
@@ -417,6 +419,8 @@ void Picker::StopLinking() {
 void Picker::OnLinked() {
     auto linked = linking_->TakeResult();
     StopLinking();
+    if (HasLoggedIn(linked && linked->needsLogin)) return BeginLinking(std::vector(chosen_));
+    isLoginAsked_ = false;
     if (!linked || linked->files.empty()) {
         const std::wstring why = linked ? linked->sentence : OwnText(OB_TEXT_SHARE_NO_LINK);
         if (!why.empty()) ShowSentence(dialog_, why);

@@ -38,10 +38,6 @@ LinkedFiles::~LinkedFiles() {
     for (std::wstring& password : passwords) Wipe(password);
 }
 
-PickedLinks::~PickedLinks() {
-    for (auto& [key, result] : made_) Wipe(result.password);
-}
-
 // Why the file, or all of them together, aren't taken; empty when they are.
 std::wstring PickedLinks::Refusal(const PickedFile& file, std::span<const PickedFile> files) const {
     const bool isLong =
@@ -52,7 +48,7 @@ std::wstring PickedLinks::Refusal(const PickedFile& file, std::span<const Picked
 
 // The file's link, made now if it isn't there yet. Null with the reason when there is none.
 const ShareResult* PickedLinks::Made(const DavPickAccount& account, const PickerRow& row,
-                                     HANDLE cancelled, std::wstring& sentence) {
+                                     HANDLE cancelled, LinkedFiles& refused) {
     const std::wstring key = KeyOf(account, row.item);
     if (const auto known = made_.find(key); known != made_.end()) return &known->second;
     ShareResult result;
@@ -63,7 +59,8 @@ const ShareResult* PickedLinks::Made(const DavPickAccount& account, const Picker
     }
     if (IsSet(cancelled)) return nullptr;
     const bool hasReason = !result.isShared && !result.sentence.empty();
-    sentence =
+    refused.needsLogin = result.needsLogin;
+    refused.sentence =
         FormatOwnText(OB_TEXT_DAVPICK_NOT_LINKED,
                       {row.name, hasReason ? result.sentence : OwnText(OB_TEXT_SHARE_NO_LINK)});
     return nullptr;
@@ -85,13 +82,14 @@ LinkedFiles PickedLinks::Make(const DavPickAccount& account, std::span<const Pic
     for (std::size_t index = 0; index < chosen.size(); ++index) {
         if (IsSet(cancelled)) return {};
         begins(index);
-        std::wstring why;
-        const ShareResult* const result = Made(account, chosen[index], cancelled, why);
-        if (!result) return Refused(std::move(why));
+        LinkedFiles refused;
+        const ShareResult* const result = Made(account, chosen[index], cancelled, refused);
+        if (!result) return refused;
         files[index].link = result->link;
         linked.passwords.push_back(result->password);
         // What doesn't fit already needs no more links.
-        if (why = Refusal(files[index], files); !why.empty()) return Refused(std::move(why));
+        if (std::wstring why = Refusal(files[index], files); !why.empty())
+            return Refused(std::move(why));
     }
     linked.files = std::move(files);
     return linked;

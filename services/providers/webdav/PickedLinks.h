@@ -22,6 +22,7 @@ struct LinkedFiles {
     std::vector<std::wstring> passwords;
     // Why there are none: what happened, and what to do. Empty after a cancel.
     std::wstring sentence;
+    bool needsLogin = false; // there are none because the account's login no longer counts
 
     LinkedFiles() = default;
     LinkedFiles(LinkedFiles&&) = default;
@@ -34,7 +35,6 @@ struct LinkedFiles {
 class PickedLinks {
 public:
     explicit PickedLinks(std::wstring displayName) : displayName_(std::move(displayName)) {}
-    ~PickedLinks(); // wipes the passwords
     PickedLinks(const PickedLinks&) = delete;
     PickedLinks& operator=(const PickedLinks&) = delete;
 
@@ -48,7 +48,7 @@ public:
 private:
     std::wstring Refusal(const PickedFile& file, std::span<const PickedFile> files) const;
     const ShareResult* Made(const DavPickAccount& account, const PickerRow& row, HANDLE cancelled,
-                            std::wstring& sentence);
+                            LinkedFiles& refused);
 
     const std::wstring displayName_;
     std::mutex turn_;                               // of the members below

@@ -25,6 +25,15 @@ using providers::StoredFile;
 constexpr wchar_t kNoLink[] = L"“a.zip” was uploaded, but it has no link yet, and nothing was put "
                               L"into the mail. The link can't be made.";
 
+ShareResult ProtectedShare() {
+    ShareResult result{true, L"https://example.org/1", L"id", {}, {}};
+    result.password.assign(std::size(obtest::kMasked), L' ');
+    for (std::size_t at = 0; at < result.password.size(); ++at) {
+        result.password[at] = obtest::Letter(at);
+    }
+    return result;
+}
+
 class SharedFiles : public obtest::InstanceFixture {
 protected:
     void SetUp() override {
@@ -173,6 +182,49 @@ TEST_F(SharedFiles, AreTriedAgainUntilTheUserGivesUp) {
     EXPECT_TRUE(watcher.Seen()[0].hasIcon);
     EXPECT_EQ(watcher.Seen()[0].defaultButton, IDRETRY);
     EXPECT_EQ(LinkOf(list), L"https://example.org/3");
+}
+
+// The password was changed on the server after the upload.
+TEST_F(SharedFiles, AreSharedAfterANewLogin) {
+    std::atomic<bool> hasLoggedIn = false;
+    sevenScript_->share = [&](auto&, const StoredFile&, HANDLE) {
+        if (hasLoggedIn) return ShareResult{true, L"https://example.org/1", L"id", {}, {}};
+        return ShareResult{false, {}, {}, {}, L"Please log in again.", true};
+    };
+    sevenScript_->logIn = [&](const std::wstring& key) {
+        EXPECT_EQ(key, key_);
+        hasLoggedIn = true;
+        return providers::StorageAccount{key, L"my files"};
+    };
+    DownloadList* list = Uploaded();
+    const MessageBoxWatcher watcher;
+    EXPECT_TRUE(Share(list));
+    EXPECT_TRUE(watcher.Seen().empty());
+    EXPECT_EQ(LinkOf(list), L"https://example.org/1");
+}
+
+TEST_F(SharedFiles, AskForALoginOnceBeforeTheUserDecides) {
+    std::atomic<int> shares = 0;
+    sevenScript_->share = [&](auto&, const StoredFile&, HANDLE) {
+        ++shares;
+        return ShareResult{false, {}, {}, {}, L"Please log in again.", true};
+    };
+    int logins = 0;
+    bool isCancelled = false;
+    using Login = std::optional<providers::StorageAccount>;
+    sevenScript_->logIn = [&](const std::wstring& key) {
+        ++logins;
+        return isCancelled ? Login() : Login({key, L"my files"});
+    };
+    DownloadList* list = Uploaded();
+    EXPECT_EQ(BoxesOfAFailure(list).size(), 1u);
+    EXPECT_EQ(shares, 2);
+    EXPECT_EQ(logins, 1);
+    isCancelled = true;
+    const auto boxes = BoxesOfAFailure(list);
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_TRUE(boxes[0].ends_with(L"Please log in again.")) << boxes[0];
+    EXPECT_EQ(shares, 3);
 }
 
 TEST_F(SharedFiles, ArentSharedTwice) {
@@ -342,20 +394,37 @@ TEST_F(SharedFiles, ShowTheirPasswordOnce) {
 }
 
 TEST_F(SharedFiles, LeaveNoCopyOfTheirPasswordInMemory) {
-    sevenScript_->share = [](auto&, auto&, HANDLE) {
-        ShareResult result{true, L"https://example.org/1", L"id", {}, {}};
-        result.password.assign(std::size(obtest::kMasked), L' ');
-        for (std::size_t at = 0; at < result.password.size(); ++at) {
-            result.password[at] = obtest::Letter(at);
-        }
-        return result;
-    };
+    sevenScript_->share = [](auto&, auto&, HANDLE) { return ProtectedShare(); };
     DownloadList* list = Uploaded();
     DialogUiDriver user(OB_LINK_PASSWORD_TEXT, [](HWND dialog) {
         EXPECT_GE(obtest::TimesInMemory(2), 2) << "the share's and the field's";
         DialogUiDriver::Press(dialog, IDOK);
     });
     EXPECT_TRUE(Share(list));
+    EXPECT_EQ(obtest::TimesInMemory(2), 0);
+}
+
+// The user has given up, and the link comes all the same.
+TEST_F(SharedFiles, LeaveNoCopyOfAPasswordThatComesTooLate) {
+    ObLib::UniqueKernelHandle thread;
+    std::atomic<int> copies = 0;
+    run_->windowDelay = 0;
+    sevenScript_->share = [&](auto&, auto&, HANDLE stop) {
+        HANDLE own = nullptr;
+        DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &own,
+                        SYNCHRONIZE, FALSE, 0);
+        thread.Reset(own);
+        WaitForSingleObject(stop, 20000);
+        ShareResult result = ProtectedShare();
+        copies = obtest::TimesInMemory(2);
+        return result;
+    };
+    DownloadList* list = Uploaded();
+    DialogUiDriver user(OB_UPLOAD_BAR,
+                        [](HWND dialog) { DialogUiDriver::Press(dialog, IDCANCEL); });
+    EXPECT_EQ(BoxesOfAFailure(list).size(), 1u);
+    ASSERT_EQ(WaitForSingleObject(thread.Get(), 20000), WAIT_OBJECT_0);
+    EXPECT_GE(copies, 1);
     EXPECT_EQ(obtest::TimesInMemory(2), 0);
 }
 

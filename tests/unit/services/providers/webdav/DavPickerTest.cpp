@@ -245,6 +245,82 @@ TEST_F(DavPickerTest, AsksForAPasswordThatNoLongerCounts) {
     EXPECT_EQ(logins, 1);
 }
 
+// The password was changed on the server after the folder was read.
+TEST_F(DavPickerTest, AsksForAPasswordWhileItMakesLinksAndGoesOn) {
+    fake_->links[L"10.txt"].needsLogin = true;
+    DavPickAccount account = AccountOf(fake_);
+    std::atomic<int> logins = 0;
+    account.logIn = [&](HWND owner) { // nothing is linked meanwhile
+        EXPECT_NE(owner, nullptr);
+        ++logins;
+        fake_->links.clear();
+        return true;
+    };
+    const obtest::MessageBoxWatcher boxes;
+    const PickResult result = Show({account}, [&](PickerUser user) {
+        EXPECT_TRUE(user.Sees(root_));
+        user.Select(2);
+        user.Select(3);
+        user.Press(IDOK);
+    });
+    ASSERT_EQ(result.files.size(), 2U);
+    EXPECT_EQ(result.files[1].link, L"https://l/10.txt");
+    EXPECT_EQ(logins, 1);
+    EXPECT_EQ(fake_->shares, 3) << "the first link was made before the login";
+    EXPECT_TRUE(boxes.Seen().empty());
+}
+
+TEST_F(DavPickerTest, ExplainsALinkThatFailsAfterTheLoginOrWithoutOne) {
+    fake_->links[L"9.txt"].needsLogin = true;
+    fake_->links[L"9.txt"].sentence = L"Please log in again.";
+    DavPickAccount account = AccountOf(fake_);
+    std::atomic<int> logins = 0;
+    account.logIn = [&](HWND) { return ++logins == 1; };
+    const obtest::MessageBoxWatcher boxes;
+    const PickResult result = Show({account}, [&](PickerUser user) {
+        EXPECT_TRUE(user.Sees(root_));
+        user.Select(2);
+        for (const unsigned seen : {1U, 2U}) {
+            user.Press(IDOK);
+            EXPECT_TRUE(boxes.WaitFor(seen));
+            EXPECT_TRUE(WaitUntil([&] { return IsWindowEnabled(user.Dialog()) != FALSE; }));
+        }
+        user.Press(IDCANCEL);
+    });
+    EXPECT_TRUE(result.files.empty());
+    EXPECT_EQ(logins, 2) << "one for each time that the user asks for the link";
+    EXPECT_EQ(fake_->shares, 3);
+    for (const auto& box : boxes.Seen()) {
+        EXPECT_EQ(box.text, L"\u201C9.txt\u201D has no link yet, and nothing was put into the "
+                            L"mail. Please log in again.");
+    }
+}
+
+TEST_F(DavPickerTest, AsksForThePasswordOfEachAccount) {
+    const DavError wrong{DavFault::WrongLogin, 401, {}, std::nullopt};
+    fake_->folders[L""] = wrong;
+    other_->folders[L""] = wrong;
+    std::vector accounts{AccountOf(fake_, L"{1}"), AccountOf(other_, L"{2}")};
+    std::atomic<int> logins = 0;
+    accounts[0].logIn = [&](HWND) { // nothing is read meanwhile
+        ++logins;
+        fake_->silent.insert(L"");
+        return true;
+    };
+    accounts[1].logIn = [&](HWND) {
+        ++logins;
+        other_->folders[L""] = std::vector{File(L"other.txt")};
+        return true;
+    };
+    Show(accounts, [&](PickerUser user) {
+        EXPECT_TRUE(WaitUntil([&] { return fake_->lists == 2; }));
+        user.ChooseAccount(1); // while the first one is silent
+        EXPECT_TRUE(user.Sees({L"other.txt"}));
+        EXPECT_EQ(logins, 2);
+        user.Press(IDCANCEL);
+    });
+}
+
 TEST_F(DavPickerTest, AsksForAPasswordOnceUntilTheUserReadsAgain) {
     fake_->folders[L""] = DavError{DavFault::WrongLogin, 401, {}, std::nullopt};
     DavPickAccount account = AccountOf(fake_);

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,6 +19,7 @@
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 #include "tests/unit/services/providers/webdav/DavUploadFixture.h"
+#include "tests/unit/services/providers/webdav/PickerUser.h"
 
 namespace providers {
 namespace {
@@ -498,7 +500,7 @@ TEST_F(WebDavTest, APasswordThatIsRevokedInTheMiddleIsAskedForOnce) {
     EXPECT_EQ(progress_.asked_, 1);
 }
 
-TEST_F(WebDavTest, AShareWithAPasswordThatNoLongerCountsLeavesTheAccountWithoutALogin) {
+TEST_F(WebDavTest, AShareNeedsALoginForAPasswordThatNoLongerCounts) {
     Use("ocs");
     const StorageAccount account = AddAccount(L"");
     const UploadResult uploaded = Upload(account.key);
@@ -506,7 +508,8 @@ TEST_F(WebDavTest, AShareWithAPasswordThatNoLongerCountsLeavesTheAccountWithoutA
     ASSERT_TRUE(SaveAccountPassword(account.key, ObLib::Secret("an old one")));
     const ShareResult refused = provider_.Share(account.key, uploaded.stored, ended_.Get());
     EXPECT_FALSE(refused.isShared);
-    EXPECT_FALSE(provider_.IsLoggedIn(account.key)); // the next send asks
+    EXPECT_TRUE(refused.needsLogin);
+    EXPECT_FALSE(provider_.IsLoggedIn(account.key));
     EXPECT_THAT(refused.sentence, HasSubstr(L"doesn't accept"));
     DialogUiDriver user(OB_DAV_ADDRESS, [&](HWND dialog) {
         EXPECT_THAT(ItemText(dialog, OB_DAV_LOGIN_STATE), HasSubstr(L"doesn't accept"));
@@ -517,6 +520,53 @@ TEST_F(WebDavTest, AShareWithAPasswordThatNoLongerCountsLeavesTheAccountWithoutA
     EXPECT_TRUE(provider_.IsLoggedIn(account.key));
     const ShareResult shared = provider_.Share(account.key, uploaded.stored, ended_.Get());
     EXPECT_TRUE(shared.isShared) << shared.sentence;
+    EXPECT_FALSE(shared.needsLogin);
+    EXPECT_EQ(shares_.Shares().size(), 1u);
+}
+
+TEST_F(WebDavTest, AShareNeedsALoginWhereThePasswordIsMissing) {
+    Use("ocs");
+    const StorageAccount account = AddAccount(L"");
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    ASSERT_TRUE(ForgetAccountPassword(account.key));
+    EXPECT_TRUE(provider_.Share(account.key, uploaded.stored, ended_.Get()).needsLogin);
+    provider_.LogOut(account.key, nullptr);
+    EXPECT_FALSE(provider_.Share(account.key, uploaded.stored, ended_.Get()).needsLogin)
+        << "there is no account left to log in to";
+}
+
+// Revoked at each request of a share: before the link, after it was made without a reply, and
+// before it is protected. The link is the same one then, with the same password.
+TEST_F(WebDavTest, APasswordThatIsRevokedWhileALinkIsMadeLeavesOneLink) {
+    Use("ocs");
+    const struct {
+        const char* method;
+        int skip; // so many requests are accepted
+        const char* post;
+    } kRows[] = {{"GET", 0, nullptr}, {"POST", 0, nullptr}, {"GET", 1, "swallow"}};
+    for (const auto& row : kRows) {
+        shares_.Begin();
+        Use("ocs");
+        obtest::ClearProductRegistry();
+        const StorageAccount account = AddAccount(L"", true);
+        const std::wstring name = L"file " + std::to_wstring(&row - kRows) + L".zip";
+        const UploadResult uploaded = Upload(account.key, name);
+        ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+        relay_.On(row.method, "status 401", row.skip, 10);
+        if (row.post) relay_.On("POST", row.post);
+        const ShareResult refused = provider_.Share(account.key, uploaded.stored, ended_.Get());
+        EXPECT_FALSE(refused.isShared);
+        EXPECT_TRUE(refused.needsLogin) << name << refused.sentence;
+        EXPECT_EQ(refused.password, L"");
+        EXPECT_EQ(shares_.Shares().size(), row.post ? 1u : 0u);
+        relay_.Begin("ocs");
+        ASSERT_TRUE(SaveAccountPassword(account.key, login_.password));
+        const ShareResult shared = provider_.Share(account.key, uploaded.stored, ended_.Get());
+        ASSERT_TRUE(shared.isShared) << shared.sentence;
+        EXPECT_EQ(shares_.Shares().size(), 1u);
+        EXPECT_EQ(Download(shared.link, shared.password), content_);
+    }
 }
 
 // What is below the folder of an account isn't another folder of it.
@@ -773,6 +823,34 @@ TEST_F(WebDavTest, APickAsksForAPasswordThatNoLongerCounts) {
         obtest::PressCommand(dialog, IDCANCEL);
     });
     EXPECT_THAT(provider_.Pick(account.key, nullptr).files, IsEmpty());
+}
+
+TEST_F(WebDavTest, APickAsksForAPasswordThatIsRevokedBeforeItsLinkIsMade) {
+    Use("ocs");
+    const StorageAccount account = AddAccount(L"");
+    const std::wstring name = L"to pick.zip";
+    ASSERT_EQ(provider_.Upload(account.key, {source_, name, L""}, progress_).end, UploadEnd::Done);
+    DialogUiDriver login(OB_DAV_ADDRESS, [&](HWND dialog) {
+        EXPECT_THAT(ItemText(dialog, OB_DAV_LOGIN_STATE), HasSubstr(L"doesn't accept"));
+        SetDlgItemTextW(dialog, OB_DAV_PASSWORD, obtest::ServerValue(L"SERVER_PASSWORD").c_str());
+        obtest::PressCommand(dialog, IDOK);
+    });
+    DialogUiDriver user(OB_DAVPICK_LIST, [&](HWND dialog) {
+        const obtest::PickerUser picker(dialog);
+        EXPECT_TRUE(WaitUntil([&] { return picker.Count() > 0; }));
+        const auto names = picker.Names();
+        const auto row = std::find(names.begin(), names.end(), name) - names.begin();
+        relay_.On("POST", "status 401");
+        picker.Select(static_cast<int>(row));
+        picker.Press(IDOK);
+    });
+    const PickResult picked = provider_.Pick(account.key, nullptr);
+    EXPECT_TRUE(login.WasUsed());
+    ASSERT_EQ(picked.files.size(), 1u) << picked.sentence;
+    EXPECT_EQ(Download(picked.files[0].link), content_);
+    EXPECT_EQ(shares_.Shares().size(), 1u);
+    const DavClient client(session_, login_, nullptr, kNoPauses);
+    EXPECT_FALSE(client.Discard(UrlBelow(Root(), ToUtf8(name))));
 }
 
 TEST_F(WebDavTest, APickWithoutAnAccountBeginsWithALogin) {
