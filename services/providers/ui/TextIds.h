@@ -107,6 +107,7 @@
 #define OB_TEXT_DAV_FAILED 408
 #define OB_TEXT_DAV_PROXY_LOGIN 445
 #define OB_TEXT_DAV_NAMED_PROXY_LOGIN 446 // %2: the proxy
+#define OB_TEXT_DAV_TOO_MANY_A_MINUTE 447
 
 // Accounts of WebDAV servers: login, links. %1 is a file's name where a file is named, else the
 // server.
@@ -137,6 +138,7 @@
 #define OB_TEXT_DAV_PASSWORD_BY_POLICY 466
 #define OB_TEXT_DAV_PASSWORD_BY_PATTERN 467
 #define OB_TEXT_DAV_PREVIEW_BY_SERVER 468
+#define OB_TEXT_DAV_SERVER_ENDS_LINKS_NEXT_DAY 469
 
 // Picking files of a WebDAV server; %1 is a file's or folder's name.
 #define OB_TEXT_DAVPICK_NAME 430 // the columns

@@ -66,8 +66,10 @@ std::wstring RulesText(const OpenPage& open) {
     const ShareRules& rules = *open.answer.rules;
     std::wstring text = OwnText(OB_TEXT_DAV_SERVER_LINKS);
     if (rules.needsExpiry && rules.expiryDays) {
+        const int days = *rules.expiryDays;
         text += L" " +
-                FormatOwnText(OB_TEXT_DAV_SERVER_ENDS_LINKS, {std::to_wstring(*rules.expiryDays)});
+                (days == 1 ? OwnText(OB_TEXT_DAV_SERVER_ENDS_LINKS_NEXT_DAY)
+                           : FormatOwnText(OB_TEXT_DAV_SERVER_ENDS_LINKS, {std::to_wstring(days)}));
     }
     return text;
 }

@@ -61,7 +61,10 @@ UINT TextOf(const DavError& error) {
 }
 
 // Whole minutes are enough.
-std::wstring MinutesText(std::uint32_t seconds) { return std::to_wstring(seconds / 60 + 1); }
+std::wstring TooManyUntil(std::uint32_t seconds, const std::wstring& host) {
+    if (seconds < 60) return FormatOwnText(OB_TEXT_DAV_TOO_MANY_A_MINUTE, {host});
+    return FormatOwnText(OB_TEXT_DAV_TOO_MANY_UNTIL, {host, std::to_wstring(seconds / 60 + 1)});
+}
 
 } // namespace
 
@@ -69,7 +72,7 @@ std::wstring DavSentence(const DavError& error, const HttpOrigin& server) {
     if (IsHttp(error, HttpFault::Cancelled)) return {};
     const std::wstring host = FromUtf8(server.host).value_or(L"");
     if (error.fault == DavFault::TooMany && error.retryAfter) {
-        return FormatOwnText(OB_TEXT_DAV_TOO_MANY_UNTIL, {host, MinutesText(*error.retryAfter)});
+        return TooManyUntil(*error.retryAfter, host);
     }
     if (IsHttp(error, HttpFault::ProxyLogin)) {
         const UINT text =

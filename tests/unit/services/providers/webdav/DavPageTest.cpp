@@ -147,6 +147,17 @@ TEST_F(DavPageDialog, NeedsNoPatternWhereTheServerMakesLinks) {
     EXPECT_TRUE(page_.settings.hasLinkPasswords);
 }
 
+TEST_F(DavPageDialog, NamesOneDayAsOne) {
+    answer_.rules = MakesLinks();
+    answer_.rules->needsExpiry = true;
+    answer_.rules->expiryDays = 1;
+    Show([](HWND dialog) {
+        EXPECT_TRUE(ItemText(dialog, OB_DAV_PAGE_RULES)
+                        .ends_with(L"It ends each link after one day at most."));
+        obtest::PressCommand(dialog, IDCANCEL);
+    });
+}
+
 TEST_F(DavPageDialog, ShowsWhoDecidesAboutPasswords) {
     const std::wstring once = L"You see the password once, after the upload";
     answer_.rules = MakesLinks();

@@ -53,6 +53,10 @@ TEST(DavSentenceTest, NamesTheTimeThatAServerAsksFor) {
     DavError error = Of(DavFault::TooMany, 429);
     error.retryAfter = 590;
     EXPECT_NE(std::wstring::npos, DavSentence(error, kServer).find(L"in 10 minutes"));
+    error.retryAfter = 59;
+    EXPECT_TRUE(DavSentence(error, kServer).ends_with(L"in a minute."));
+    error.retryAfter = 60;
+    EXPECT_TRUE(DavSentence(error, kServer).ends_with(L"in 2 minutes."));
 }
 
 TEST(DavSentenceTest, NamesTheProxyThatWantsALogin) {
