@@ -100,6 +100,33 @@ class CloudServersTest(unittest.TestCase):
         self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET", "none"), (503, b"later"))
         self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET", "none")[0], 404)
 
+    def test_what_the_relay_drips_ends_by_itself_or_when_it_is_released(self):
+        self.control("begin apache")
+        self.control("on GET 0 2 drip 3")
+        self.control("on GET 0 1 driphead 3")
+        self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET"), (200, b"xxx"))
+        with socket.create_connection(("127.0.0.1", urlsplit(self.urls["OB_RELAY_URL"]).port), LIMIT) as late:
+            late.sendall(b"GET /dav/ HTTP/1.1\r\n\r\n")
+            self.assertTrue(late.recv(1))
+            self.control("release")
+            while late.recv(100):
+                pass
+        self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET"), (200, b""))
+        self.assertEqual(self.control("waiting"), ["0"])
+
+    def test_the_relay_keeps_nothing_of_an_earlier_script(self):
+        self.control("begin apache")
+        self.control("on GET 0 1 hold")
+        with socket.create_connection(("127.0.0.1", urlsplit(self.urls["OB_RELAY_URL"]).port), LIMIT) as old:
+            old.sendall(b"GET /dav/ HTTP/1.1\r\n\r\n")
+            limit = time.monotonic() + LIMIT
+            while self.control("waiting") != ["1"]:
+                self.assertLess(time.monotonic(), limit)
+            self.control("begin apache")
+            self.control("on PUT 0 1 hold")
+            self.assertTrue(old.recv(100))
+            self.assertEqual(self.control("waiting"), ["0"])
+
     def share(self, **fields):
         """Status and reply of a wish for a link."""
         url = self.urls["OB_OCS_URL"].replace("remote.php/webdav/", "ocs/v2.php/apps/files_sharing/api/v1/shares")

@@ -29,7 +29,12 @@ A connection to the control port carries one command in a line and gets lines ba
     stall CODE[|...]                         the same, but nothing is read and the connection stays until "release"
     twice           the server gets it two times, as from a client that repeats it; the second reply counts
     sink            201, the body is read and forgotten
+    drip N          200 at once, then a body of N bytes, one every DRIP seconds; the body of the request is read
+    driphead N      the same for a head: a header of N bytes in it comes in that way; the body is empty
+                    Both count as kept until they end: after N bytes, with the client, or at "release". Their
+                    request has the status 200 only after N bytes
 """
+import contextlib
 import re
 import socket
 import socketserver
@@ -38,6 +43,8 @@ import threading
 
 BLOCK = 1 << 18
 EARLY = 5000  # bytes of a body that a server has read when it refuses the body
+DRIP = 0.02  # seconds between two bytes
+KEEPING = ("hold", "stall", "drip")  # how actions begin that "release" ends
 
 
 class Broken(Exception):
@@ -50,11 +57,13 @@ class Script:
     def __init__(self, upstreams):
         self.lock = threading.Condition()
         self.upstreams = upstreams
+        self.run = 0  # one more with each "begin"
         self.begin(next(iter(upstreams), ""))
 
     def begin(self, name):
         with self.lock:
             self.upstream = self.upstreams.get(name)
+            self.run += 1
             self.rules = []
             self.seen = []
             self.logins = 0
@@ -65,7 +74,7 @@ class Script:
     def add(self, method, skip, times, action, argument):
         with self.lock:
             self.rules.append([method, int(skip), int(times), action, argument])
-            if action.startswith("hold") or action == "stall":
+            if action.startswith(KEEPING):
                 self.released = False
 
     def take(self, method):
@@ -91,12 +100,35 @@ class Script:
             if number < len(self.seen):
                 self.seen[number] = line
 
-    def hold(self):
+    def keep(self, run, seconds=None):
+        """Waits for "release", but no longer than that; whether it came. One that is kept from before the last
+        "begin" is released, and not counted any more: neither may be missed when rules are made at once after."""
         with self.lock:
+            return self.lock.wait_for(lambda: self.released or self.run != run, seconds)
+
+    @contextlib.contextmanager
+    def kept(self):
+        with self.lock:
+            run = self.run
             self.held += 1
-            while not self.released:
-                self.lock.wait()
-            self.held -= 1
+        try:
+            yield run
+        finally:
+            with self.lock:
+                self.held -= self.run == run
+
+    def hold(self):
+        with self.kept() as run:
+            self.keep(run)
+
+    def drip(self, connection, data):
+        """Sends byte by byte, unless it is released meanwhile; whether all of it was sent."""
+        with self.kept() as run:
+            for at in range(len(data)):
+                connection.sendall(data[at:at + 1])
+                if self.keep(run, DRIP):
+                    return False
+        return True
 
     def release(self):
         with self.lock:
@@ -214,6 +246,17 @@ class Relay(socketserver.BaseRequestHandler):
             came = pass_body(head, self.request, None, head.length())
             self.request.sendall(made_reply(argument or "201"))
             script.change(number, f"{method} {path} {came} {argument.partition('|')[0] or 201}")
+            return
+        if action in ("drip", "driphead"):
+            came = pass_body(head, self.request, None, head.length())
+            slow = b"x" * int(argument)
+            quick = f"HTTP/1.1 200 Made\r\nContent-Length: {len(slow)}\r\n\r\n".encode()
+            if action == "driphead":
+                quick = b"HTTP/1.1 200 Made\r\nContent-Length: 0\r\nX-Slow: "
+                slow += b"\r\n\r\n"
+            self.request.sendall(quick)
+            if script.drip(self.request, slow):
+                script.change(number, f"{method} {path} {came} 200")
             return
         if action == "hold":
             script.hold()

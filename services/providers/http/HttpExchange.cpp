@@ -121,7 +121,7 @@ struct HttpExchange::Shared {
     ObLib::UniqueKernelHandle done{
         CreateEventW(nullptr, FALSE, FALSE, nullptr)}; // a step has ended
     DWORD error = 0;                                   // of that step
-    DWORD size = 0;                                    // bytes that it read
+    DWORD size = 0;                                    // bytes that came, or that it read
     DWORD certificate = 0;                             // flags of a refused certificate
     std::wstring peer;                                 // what is asked: the server or a proxy
     std::array<std::vector<char>, 2> buffers;          // of the request's body
@@ -181,6 +181,9 @@ void CALLBACK HttpExchange::OnStatus(HINTERNET, DWORD_PTR context, DWORD status,
     case WINHTTP_CALLBACK_STATUS_WRITE_COMPLETE:
     case WINHTTP_CALLBACK_STATUS_HEADERS_AVAILABLE:
         shared.End(0, 0);
+        break;
+    case WINHTTP_CALLBACK_STATUS_DATA_AVAILABLE:
+        shared.End(0, *static_cast<const DWORD*>(info));
         break;
     case WINHTTP_CALLBACK_STATUS_READ_COMPLETE:
         shared.End(0, size);
@@ -384,16 +387,23 @@ HttpExchange::Failure HttpExchange::ReceiveHead(HttpReply& reply, DWORD limit) {
     return std::nullopt;
 }
 
+// Only what has come is read: a read of more may block this thread until the rest has come, however
+// slowly, so that neither a limit nor a cancel would end it.
 HttpExchange::Failure HttpExchange::ReceiveBody(const HttpRequest& request, HttpReply& reply) {
     std::vector<char>& buffer = shared_->reply;
     buffer.resize(std::min(kBlock, request.longestReply + 1));
     const ULONGLONG start = GetTickCount64();
-    for (;;) {
+    const auto wait = [&](BOOL begun) {
         const ULONGLONG passed = std::min<ULONGLONG>(GetTickCount64() - start, times_.replyBody);
         const DWORD left = times_.replyBody - static_cast<DWORD>(passed);
-        const BOOL begun = WinHttpReadData(request_.Get(), buffer.data(),
-                                           static_cast<DWORD>(buffer.size()), nullptr);
-        if (auto failure = Wait(begun, std::min(times_.transfer, left))) return failure;
+        return Wait(begun, std::min(times_.transfer, left));
+    };
+    for (;;) {
+        if (auto failure = wait(WinHttpQueryDataAvailable(request_.Get(), nullptr))) return failure;
+        if (shared_->size == 0) break;
+        const DWORD size = std::min(shared_->size, static_cast<DWORD>(buffer.size()));
+        if (auto failure = wait(WinHttpReadData(request_.Get(), buffer.data(), size, nullptr)))
+            return failure;
         if (shared_->size == 0) break;
         if (reply.body.size() + shared_->size > request.longestReply)
             return HttpError{HttpFault::ReplyTooLong};

@@ -15,6 +15,13 @@ protected:
     HttpResult Send(const HttpRequest& request, HANDLE cancelled = nullptr) const {
         return session_.Send(request, cancelled);
     }
+    // Whether the only request so far has ended before its reply did. Lets go of the reply.
+    bool EndedWhileItDripped() const {
+        relay_.Release();
+        relay_.WaitUntilHeld(0);
+        const auto requests = relay_.Requests();
+        return requests.size() == 1 && requests[0].ends_with(" -");
+    }
 
     obtest::Relay relay_{"apache"};
     HttpSession session_;
@@ -116,6 +123,48 @@ TEST_F(HttpSessionTest, EndsAStepThatTakesTooLong) {
     EXPECT_EQ(Outcome(HttpFault::TimedOut),
               Outcome(HttpSession(times).Send(Request("GET", url_, &login_), nullptr)));
     relay_.Release();
+}
+
+// Bytes that come one by one for longer than a test may take, unless the relay is released.
+constexpr char kDrippingBody[] = "drip 2000";
+constexpr char kDrippingHead[] = "driphead 2000";
+constexpr DWORD kSoon = 200; // milliseconds
+constexpr DWORD kLate = 60'000;
+
+// Each byte comes in time; all of them together don't. In this system's client a
+// read that asks for more than what has come blocks its caller until the buffer is full, whatever
+// the limit.
+TEST_F(HttpSessionTest, EndsABodyThatDripsForTooLong) {
+    HttpRequest get = Request("GET", url_, &login_);
+    get.times = HttpTimes{kLate, kLate, kLate, kSoon};
+    relay_.On("GET", kDrippingBody);
+    EXPECT_EQ(Outcome(HttpFault::TimedOut), Outcome(Send(get)));
+    EXPECT_TRUE(EndedWhileItDripped());
+    EXPECT_EQ(404, Outcome(Send(Request("GET", ServerUrl(L"RELAY_URL", "none"), &login_))))
+        << "the session serves on";
+}
+
+// The request has a body: without one this system's client waits for the reply in the step before.
+TEST_F(HttpSessionTest, EndsAHeadThatDripsForTooLong) {
+    HttpRequest put = Request("PUT", ServerUrl(L"RELAY_URL", "head"), &login_);
+    put.body = std::string("x");
+    put.times = HttpTimes{kLate, kLate, kSoon, kLate};
+    relay_.On("PUT", kDrippingHead);
+    EXPECT_EQ(Outcome(HttpFault::TimedOut), Outcome(Send(put)));
+    EXPECT_TRUE(EndedWhileItDripped());
+}
+
+TEST_F(HttpSessionTest, EndsAtOnceWhenItIsCancelledInAReplyThatDrips) {
+    const ObLib::UniqueKernelHandle cancelled(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    relay_.On("GET", kDrippingBody);
+    std::thread canceller([&] {
+        relay_.WaitUntilHeld(1);
+        SetEvent(cancelled.Get());
+    });
+    EXPECT_EQ(Outcome(HttpFault::Cancelled),
+              Outcome(Send(Request("GET", url_, &login_), cancelled.Get())));
+    canceller.join();
+    EXPECT_TRUE(EndedWhileItDripped());
 }
 
 TEST_F(HttpSessionTest, ReportsConnectionsThatEndEarly) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "tests/unit/services/providers/webdav/DavUploadFixture.h"
 
 namespace providers {
@@ -143,6 +145,49 @@ TEST_P(DavUploadFaults, GoOnAfterAReplyThatComesTooLate) {
         EXPECT_EQ(content_, Stored(L"late\\" + name)) << method;
     }
     EXPECT_EQ(3u, Files().size());
+}
+
+// Whatever clears up after a cancel has a limit of its own: a server that replies byte by byte,
+// each in time, doesn't keep the user waiting.
+TEST_P(DavUploadFaults, EndACancelWhileTheServerDrips) {
+    struct Row {
+        const char* method; // of the step that is cancelled, done on the server
+        const char* clears; // of the request that drips after it
+    };
+    DavPatience patience = kNoPauses;
+    patience.clearing = 200;
+    for (const Row& row : {Row{"PUT", "DELETE"}, Row{"MOVE", "PROPFIND"}}) {
+        RecordedProgress progress;
+        relay_.Begin(GetParam());
+        relay_.On(row.method, "holdreply");
+        std::thread canceller([&] {
+            relay_.WaitUntilHeld(1);
+            relay_.On(row.clears, "drip 2000");
+            progress.Cancel();
+        });
+        DavUpload upload(session_, patience);
+        const UploadResult result =
+            upload.Run({root_, login_}, {source_, L"a.zip", L"drip"}, progress, ask_);
+        canceller.join();
+        EXPECT_EQ(UploadEnd::Cancelled, result.end) << row.method;
+        relay_.Release();
+        relay_.WaitUntilHeld(0);
+        const auto requests = relay_.Requests();
+        EXPECT_TRUE(std::any_of(requests.begin(), requests.end(), [&](const std::string& line) {
+            return line.starts_with(row.clears) && line.ends_with(" -");
+        })) << testing::PrintToString(requests);
+    }
+}
+
+TEST_P(DavUploadFaults, AskNothingMoreOnceTheTimeForClearingUpIsOver) {
+    DavPatience patience = kNoPauses;
+    patience.clearing = 0;
+    relay_.On("PUT", "status 403");
+    DavUpload upload(session_, patience);
+    EXPECT_EQ(UploadEnd::Failed,
+              upload.Run({root_, login_}, {source_, L"a.zip", L"c"}, progress_, ask_).end);
+    EXPECT_EQ(1, Count("PUT"));
+    EXPECT_EQ(0, Count("DELETE"));
 }
 
 } // namespace
