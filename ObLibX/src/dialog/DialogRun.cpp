@@ -38,10 +38,47 @@ const DLGTEMPLATE* AsTemplate(const std::vector<std::byte>& bytes) {
     return reinterpret_cast<const DLGTEMPLATE*>(bytes.data());
 }
 
+// The toolkit has one scale, that of the first monitor, while the system's dialog code gives a
+// window of a thread that knows of several the fonts and sizes of its own monitor. So dialogs are
+// made for the one scale, and the system stretches them on other monitors. Systems before
+// Windows 10 have neither the calls nor dialogs of several scales.
+class OneScale {
+public:
+    OneScale()
+        : set_(Find<SetContext>("SetThreadDpiAwarenessContext")),
+          old_(IsPerMonitor() ? set_(DPI_AWARENESS_CONTEXT_SYSTEM_AWARE) : nullptr) {}
+    OneScale(const OneScale&) = delete;
+    OneScale& operator=(const OneScale&) = delete;
+    ~OneScale() {
+        if (old_ != nullptr) set_(old_);
+    }
+
+private:
+    using SetContext = DPI_AWARENESS_CONTEXT WINAPI(DPI_AWARENESS_CONTEXT);
+    using GetContext = DPI_AWARENESS_CONTEXT WINAPI();
+    using GetAwareness = DPI_AWARENESS WINAPI(DPI_AWARENESS_CONTEXT);
+
+    template <class Function>
+    static Function* Find(const char* name) {
+        const HMODULE user = GetModuleHandleW(L"user32.dll");
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(user, name)));
+    }
+    bool IsPerMonitor() const {
+        auto* const get = Find<GetContext>("GetThreadDpiAwarenessContext");
+        auto* const awareness = Find<GetAwareness>("GetAwarenessFromDpiAwarenessContext");
+        return set_ != nullptr && get != nullptr && awareness != nullptr &&
+               awareness(get()) == DPI_AWARENESS_PER_MONITOR_AWARE;
+    }
+
+    SetContext* set_;
+    DPI_AWARENESS_CONTEXT old_;
+};
+
 } // namespace
 
 INT_PTR RunDialog(HMODULE module, std::int32_t templateId, HWND parent, DLGPROC procedure,
                   LPARAM param, DWORD extraStyle) {
+    const OneScale scale;
     const auto bytes = Rewritten(module, templateId, extraStyle);
     return bytes.empty()
                ? DialogBoxParamW(module, MAKEINTRESOURCEW(templateId), parent, procedure, param)
@@ -50,6 +87,7 @@ INT_PTR RunDialog(HMODULE module, std::int32_t templateId, HWND parent, DLGPROC 
 
 HWND CreateModelessDialog(HMODULE module, std::int32_t templateId, HWND parent, DLGPROC procedure,
                           LPARAM param, DWORD extraStyle) {
+    const OneScale scale;
     const auto bytes = Rewritten(module, templateId, extraStyle);
     return bytes.empty()
                ? CreateDialogParamW(module, MAKEINTRESOURCEW(templateId), parent, procedure, param)

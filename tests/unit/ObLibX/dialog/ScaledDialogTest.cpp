@@ -60,6 +60,20 @@ TEST_F(ScaledDialog, HasTheBaseFontAtThisScale) {
     EXPECT_EQ(-MulDiv(9, ExpectedDpi(), 72), font.lfHeight);
 }
 
+// The scale of which a window knows.
+DPI_AWARENESS AwarenessOf(DPI_AWARENESS_CONTEXT context) {
+    return GetAwarenessFromDpiAwarenessContext(context);
+}
+
+TEST_F(ScaledDialog, IsStretchedByTheSystemOnMonitorsOfOtherScales) {
+    ASSERT_EQ(DPI_AWARENESS_PER_MONITOR_AWARE, AwarenessOf(GetThreadDpiAwarenessContext()));
+    RecordingDialog dialog(OB_TEST_PLAIN);
+    dialog.Open();
+    EXPECT_EQ(DPI_AWARENESS_SYSTEM_AWARE, AwarenessOf(GetWindowDpiAwarenessContext(dialog.window)));
+    EXPECT_EQ(DPI_AWARENESS_PER_MONITOR_AWARE, AwarenessOf(GetThreadDpiAwarenessContext()))
+        << "the thread's own is put back";
+}
+
 TEST_F(ScaledDialog, HasABoldHeadingThatIsWhole) {
     RecordingDialog dialog(OB_TEST_GROUPS);
     dialog.Open();
