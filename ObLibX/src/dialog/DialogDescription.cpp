@@ -7,6 +7,7 @@ namespace {
 
 using ObLib::ObString;
 
+constexpr std::int32_t kLargestTextId = 0xFFFF;
 constexpr std::int32_t kSmallestFont = 1; // points
 constexpr std::int32_t kLargestFont = 1638;
 
@@ -59,10 +60,12 @@ void ReadFont(const ObXMLNode& control, const BaseFont& base, ControlDescription
     }
 }
 
-// The text of a negative number is no id of a string table, so it is the tooltip itself.
+// A number that can't be an id of a string table is the tooltip itself: the system would take the
+// low bits of a larger one for another text's id.
 ObString TooltipOf(const ObXMLNode& control) {
     ObString text = control.ChildText(L"tooltip", ObString());
-    const bool isId = text.IsInteger() && text.ToInteger() >= 0;
+    const bool isId =
+        text.IsInteger() && text.ToInteger() >= 0 && text.ToInteger() <= kLargestTextId;
     return isId ? ObString(text.ToInteger()) : text;
 }
 

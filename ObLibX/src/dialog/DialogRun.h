@@ -1,5 +1,5 @@
-// Opens a dialog of the system from a template, in the font of all dialogs. Its window has the scale
-// of the first monitor on every monitor.
+// Opens a dialog of the system from a template, in the font of all dialogs. Its window has the
+// scale of the first monitor on every monitor.
 #pragma once
 
 #include <windows.h>

@@ -152,8 +152,10 @@ TEST(DialogControls, HaveTheirTexts) {
     EXPECT_STREQ(L"A1", control.tooltip.CStr());
 }
 
-TEST(DialogControls, HaveANegativeNumberAsATooltipOfItsOwn) {
+TEST(DialogControls, HaveANumberThatIsNoIdAsATooltipOfItsOwn) {
     EXPECT_STREQ(L"-5", TheControl(L"<tooltip> -5 </tooltip>").tooltip.CStr());
+    EXPECT_STREQ(L"106548", TheControl(L"<tooltip>106548</tooltip>").tooltip.CStr())
+        << "its low 16 bits are another text's id";
 }
 
 TEST(DialogControls, TakeTheBaseFontForWhatTheirFontLeavesOut) {

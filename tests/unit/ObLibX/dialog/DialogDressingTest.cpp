@@ -129,6 +129,24 @@ TEST_F(DialogDressing, HappensInNoOtherDialog) {
     EXPECT_TRUE(Happened().empty());
 }
 
+TEST_F(DialogDressing, GivesNoMessagesToObjectsOfADialogThatIsNotFlat) {
+    RecordingDialog dialog(OB_TEST_DRESSED);
+    dialog.AddControl(std::make_unique<RecordingControl>(1002, nullptr));
+    dialog.Open();
+    Happened().clear();
+    const HWND label = dialog.GetItem(1002, true);
+    EXPECT_EQ(nullptr, dialog.OnCtlColorStatic(label, nullptr));
+    EXPECT_EQ(nullptr, dialog.OnCtlColorBtn(label, nullptr));
+    EXPECT_FALSE(dialog.OnDrawItem(1002, nullptr));
+    EXPECT_FALSE(dialog.OnMeasureItem(1002, nullptr));
+    dialog.OnUpdateUIState(1, 3);
+    EXPECT_TRUE(Happened().empty());
+}
+
+TEST_F(DialogDressing, EndsTheProcessForTwoLabelsWithoutAnIdOfTheirOwn) {
+    EXPECT_FATAL(FlatDialog(OB_TEST_LABELS).Open(), "ObLibX\\src\\ObXDlg.cpp");
+}
+
 TEST_F(DialogDressing, EndsTheProcessForAnIdTwiceAndForAnObjectWithoutAWindow) {
     EXPECT_FATAL(
         {
@@ -316,6 +334,51 @@ TEST_F(GroupHeadings, AreBoldStaticsWithTheirOwnIdsElsewhere) {
     DeleteObject(SelectObject(dc, old));
     ReleaseDC(third, dc);
     EXPECT_GE(place.bottom - place.top, metrics.tmHeight) << "no text is cut off";
+}
+
+TEST_F(GroupHeadings, AreMadeOfGroupBoxesOnly) {
+    for (const bool isFlat : {false, true}) {
+        RecordingDialog dialog(OB_TEST_BUTTONS);
+        dialog.isFlat = isFlat;
+        dialog.Open();
+        for (int kind = 0; kind < 16; ++kind) {
+            const std::wstring expected = kind == BS_GROUPBOX ? L"static" : L"button";
+            EXPECT_EQ(expected, ClassOf(dialog.GetItem(3000 + kind, true))) << kind;
+        }
+    }
+}
+
+TEST_F(GroupHeadings, OfHiddenGroupsAreHidden) {
+    FlatDialog dialog(OB_TEST_BUTTONS);
+    dialog.Open();
+    EXPECT_EQ(0, GetWindowLongPtrW(dialog.GetItem(3020, true), GWL_STYLE) & WS_VISIBLE);
+    EXPECT_NE(0, GetWindowLongPtrW(dialog.GetItem(3021, true), GWL_STYLE) & WS_VISIBLE);
+}
+
+// What the text of a static window needs in its font and width.
+int TextHeightOf(HWND window) {
+    wchar_t text[100] = {};
+    GetWindowTextW(window, text, 100);
+    RECT needed{};
+    GetClientRect(window, &needed);
+    const HDC dc = GetDC(window);
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
+    const HGDIOBJ old = SelectObject(dc, font);
+    const int height = DrawTextW(dc, text, -1, &needed, DT_CALCRECT | DT_WORDBREAK);
+    SelectObject(dc, old);
+    ReleaseDC(window, dc);
+    return height;
+}
+
+TEST_F(GroupHeadings, GrowToTheirTextAndTwoPixelsWhereItNeedsMoreThanALine) {
+    RecordingDialog dialog(OB_TEST_BUTTONS);
+    dialog.Open();
+    const HWND narrow = dialog.GetItem(3021, true);
+    const RECT place = PlaceOf(dialog, narrow);
+    EXPECT_EQ(TextHeightOf(narrow) + 2, place.bottom - place.top);
+    RECT units{0, 0, 0, 8};
+    MapDialogRect(dialog.window, &units);
+    EXPECT_LT(units.bottom * 2, place.bottom - place.top);
 }
 
 TEST_F(GroupHeadings, LeaveOtherButtonsAsTheyAre) {

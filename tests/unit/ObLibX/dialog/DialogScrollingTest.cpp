@@ -131,6 +131,17 @@ TEST_F(DialogScrollingTest, DropsTheWheelAfterATurnWithCtrlUntilABarIsUsed) {
     }
 }
 
+TEST_F(DialogScrollingTest, DropsTheWheelOfOtherDialogsToo) {
+    ScrolledDialog first;
+    ScrolledDialog second;
+    first.Turn(10, 10, -120, MK_CONTROL);
+    second.Turn(10, 10, -120);
+    EXPECT_TRUE(second.scrolled.empty());
+    second.Press(2001, SB_LINEDOWN);
+    first.Turn(10, 10, -120);
+    EXPECT_EQ((Scrolls{{1, 2001}}), first.scrolled);
+}
+
 TEST_F(DialogScrollingTest, LowersItsGuardAfterAnException) {
     ScrolledDialog dialog;
     dialog.duringScroll = [] { throw std::bad_alloc(); };
@@ -218,6 +229,15 @@ TEST_F(DialogTouch, LeavesOtherGesturesToTheSystem) {
     }
     EXPECT_EQ(0, touch.closed);
     EXPECT_TRUE(dialog.scrolled.empty());
+}
+
+TEST_F(DialogTouch, LiftsTheWheelsGuard) {
+    ScrolledDialog dialog;
+    dialog.Turn(10, 10, -120, MK_CONTROL);
+    Gesture(dialog, GID_BEGIN, 10, 45);
+    EXPECT_TRUE(Gesture(dialog, GID_PAN, 10, 35));
+    dialog.Turn(10, 10, -120);
+    EXPECT_EQ((Scrolls{{1, 2001}, {2, 2001}}), dialog.scrolled);
 }
 
 TEST_F(DialogTouch, AsksForAllGesturesOfThePanelUnderTheFinger) {

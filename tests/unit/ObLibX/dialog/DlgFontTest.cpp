@@ -62,6 +62,10 @@ TEST_F(DlgFontTest, IsOneHandleForOneFont) {
     ASSERT_NE(nullptr, entry);
     EXPECT_STREQ(L"arial/12/400/0", entry->key.CStr());
     EXPECT_EQ(font, entry->handle);
+    EXPECT_STREQ(L"Arial", entry->name.CStr());
+    EXPECT_EQ(12, entry->size);
+    EXPECT_EQ(400, entry->weight);
+    EXPECT_EQ(0, entry->style);
     EXPECT_EQ(nullptr, FindFontEntry(static_cast<HFONT>(GetStockObject(SYSTEM_FONT))));
 }
 

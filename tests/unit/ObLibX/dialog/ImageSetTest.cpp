@@ -73,6 +73,13 @@ TEST(ImageSetTest, HasAPictureForEachStateAndScale) {
     EXPECT_EQ(115, GetImageId(set, 1, 480));
 }
 
+TEST(ImageSetTest, HasNoPictureWhereItsListEndsInsideOfARow) {
+    ImageSet set(List(16).data());
+    set.ids[10] = kImageListEnd;
+    EXPECT_EQ(0, GetImageId(set, 1, 144));
+    EXPECT_EQ(109, GetImageId(set, 1, 120));
+}
+
 TEST(ImageSetTest, HasThatOfTheFirstStateForAStateThatItLacks) {
     const ImageSet set(List(8).data());
     EXPECT_EQ(102, GetImageId(set, 1, 144));

@@ -84,6 +84,13 @@ TEST_F(Images, AreLoadedAsBitmapsAndElseAsCompressedPictures) {
     EXPECT_EQ(0u, PixelOf(LoadImage(5002).Get(), 1)) << "transparent over black";
 }
 
+TEST_F(Images, AreLookedForInTheOrderOfTheirTypes) {
+    constexpr COLORREF kRed = 0x0000FF;
+    EXPECT_EQ(kRed, PixelOf(LoadImage(5008).Get(), 0)) << "RCDATA before IMAGE";
+    EXPECT_EQ(kRed, PixelOf(LoadImage(5009).Get(), 0)) << "IMAGE before PNG";
+    EXPECT_EQ(0x00FF00u, PixelOf(LoadImage(5010).Get(), 0));
+}
+
 TEST_F(Images, ComeFromTheGivenModuleOrTheProgram) {
     EXPECT_TRUE(LoadImage(5001, GetModuleHandleW(nullptr)));
     EXPECT_FALSE(LoadImage(5001, GetModuleHandleW(L"kernel32.dll")));

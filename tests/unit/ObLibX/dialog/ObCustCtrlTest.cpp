@@ -138,6 +138,25 @@ TEST_F(ControlTest, HasSize9WithANameAlone) {
     EXPECT_EQ(9, control_.fontSize);
 }
 
+TEST_F(ControlTest, KeepsASizeWithoutAName) {
+    control_.fontSize = 14;
+    control_.Attach(window_);
+    EXPECT_STREQ(L"Segoe UI", control_.fontName.CStr());
+    EXPECT_EQ(14, control_.fontSize);
+}
+
+TEST_F(ControlTest, IsLeftAloneByPageKeysWithoutASheet) {
+    control_.Attach(window_);
+    BYTE keys[256] = {};
+    keys[VK_CONTROL] = 0x80;
+    SetKeyboardState(keys);
+    SendMessageW(window_, WM_KEYUP, VK_NEXT, 0);
+    SendMessageW(window_, WM_KEYUP, VK_PRIOR, 0);
+    keys[VK_CONTROL] = 0;
+    SetKeyboardState(keys);
+    EXPECT_EQ(window_, control_.window);
+}
+
 TEST_F(ControlTest, FillsByItsState) {
     control_.Attach(window_);
     EXPECT_EQ(GetParentBackground(window_), control_.GetFillColor());

@@ -7,6 +7,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
 
@@ -175,6 +176,19 @@ TEST_F(ObXDlgTest, GivesTheResultOfANotificationToItsSender) {
     EXPECT_EQ(0x12345, dialog.result);
 }
 
+TEST_F(ObXDlgTest, ReturnsNothingForMessagesBeforeItHasAWindow) {
+    HandlerDialog dialog(OB_TEST_PLAIN);
+    dialog.Open();
+    const auto procedure =
+        reinterpret_cast<DLGPROC>(GetWindowLongPtrW(dialog.window, DWLP_DLGPROC));
+    const ObLib::UniqueWindow other(CreateWindowExW(0, L"#32770", L"", WS_POPUP, 0, 0, 100, 100,
+                                                    nullptr, nullptr, nullptr, nullptr));
+    dialog.calls.clear();
+    EXPECT_EQ(0, procedure(other.Get(), WM_CLOSE, 0, 0));
+    EXPECT_EQ(0, procedure(other.Get(), WM_APP, 14, 15));
+    EXPECT_TRUE(dialog.calls.empty());
+}
+
 TEST_F(ObXDlgTest, TakesTwoNotificationsForHelp) {
     HandlerDialog dialog(OB_TEST_PLAIN);
     dialog.Open();
@@ -251,6 +265,53 @@ TEST_F(ObXDlgTest, EndsWith1ForOkAnd2ForCancel) {
         EXPECT_TRUE(dialog.wasInInit);
         EXPECT_FALSE(dialog.inInitDialog);
     }
+}
+
+// In place of the system's call, whose result Wine cuts to 32 bits.
+INT_PTR modalResult = 0;
+INT_PTR WINAPI ModalResult(HINSTANCE, LPCDLGTEMPLATEW, HWND, DLGPROC, LPARAM) {
+    return modalResult;
+}
+
+INT_PTR ResultFor(INT_PTR result) {
+    const obtest::ImportPatch<decltype(&DialogBoxIndirectParamW)> patch(
+        "user32.dll", "DialogBoxIndirectParamW", &ModalResult);
+    EXPECT_TRUE(patch.Ok());
+    modalResult = result;
+    return ObXDlg(OB_TEST_PLAIN, nullptr, 0, false).DoModal();
+}
+
+TEST_F(ObXDlgTest, HasAResultOf32Bits) {
+    EXPECT_EQ(-77, ResultFor(-77));
+    EXPECT_EQ(0x7FFFFFFF, ResultFor(0x7FFFFFFF));
+    EXPECT_FATAL(ResultFor(INT_PTR{1} << 32), "ObMacro");
+    EXPECT_FATAL(ResultFor(-1), "ObLibX\\src\\ObXDlg.cpp");
+}
+
+class ThrowingDialog : public EndingDialog {
+public:
+    ThrowingDialog() : EndingDialog(nullptr, 2) {}
+    bool OnInitDialog() override {
+        EndingDialog::OnInitDialog();
+        throw std::runtime_error("in the middle of opening");
+    }
+};
+
+TEST_F(ObXDlgTest, IsNoLongerOpeningAfterAnException) {
+    ThrowingDialog dialog;
+    EXPECT_EQ(2, dialog.DoModal());
+    EXPECT_TRUE(dialog.wasInInit);
+    EXPECT_FALSE(dialog.inInitDialog);
+}
+
+TEST_F(ObXDlgTest, EndsAnObjectOfItsOwn) {
+    const HPEN pen = CreatePen(PS_SOLID, 1, RGB(1, 2, 3));
+    {
+        ObXDlg dialog(OB_TEST_PLAIN, nullptr, 0, false);
+        dialog.extraObject.Reset(pen);
+        EXPECT_EQ(static_cast<DWORD>(OBJ_PEN), GetObjectType(pen));
+    }
+    EXPECT_EQ(0u, GetObjectType(pen));
 }
 
 TEST_F(ObXDlgTest, HasItsParentAsOwnerWhileThatIsVisible) {
@@ -384,6 +445,8 @@ TEST_F(ObXDlgTest, ShowsTooltipsOfItsWindows) {
     EXPECT_EQ(L"Second", TipOf(tips, dialog, 1003));
     EXPECT_EQ(static_cast<LONG_PTR>(WS_EX_TOPMOST),
               GetWindowLongPtrW(tips, GWL_EXSTYLE) & WS_EX_TOPMOST);
+    const LONG_PTR style = GetWindowLongPtrW(tips, GWL_STYLE);
+    EXPECT_TRUE((style & TTS_ALWAYSTIP) != 0 && (style & TTS_NOPREFIX) != 0);
     DestroyWindow(dialog.window);
     EXPECT_FALSE(IsWindow(tips));
 }
