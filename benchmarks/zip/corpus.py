@@ -12,7 +12,7 @@ import sys
 
 import generated
 
-VERSION = "real-3"  # counts up when the choice changes
+VERSION = "real-3"  # counts up when a set changes; a new set is made beside the others
 TUNE, JUDGE, GENERATED = "tune", "judge", "generated"
 
 
@@ -46,6 +46,7 @@ REAL = {
     "locale data": Choice(JUDGE, ["unicode-cldr-core"], r"\.xml$", 30),
     "spelling lists": Choice(JUDGE, ["hunspell-de-de", "hunspell-fr-classical", "hunspell-es", "hunspell-it"], r"\.(dic|aff)$"),
     "books in PDF": Choice(JUDGE, ["debian-reference-en", "maint-guide"], r"\.pdf$"),
+    "source archives": Choice(JUDGE, ["newlib-source", "glibc-source", "xtables-addons-source"], r"\.(tar\.[gx]z|tar\.bz2|tgz)$", 40),
     "wallpapers": Choice(JUDGE, ["plasma-workspace-wallpapers"], r"\.(png|jpg)$", 40),
 }
 LOGS = "logs"  # what the system's loader writes down about two programs
