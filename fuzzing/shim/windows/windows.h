@@ -35,6 +35,8 @@ using HDC = struct HDC__*;
 using HBITMAP = struct HBITMAP__*;
 using HFONT = struct HFONT__*;
 using HBRUSH = struct HBRUSH__*;
+using HPEN = struct HPEN__*;
+using HMENU = struct HMENU__*;
 
 struct IMAGE_DOS_HEADER {
     WORD e_magic;
@@ -78,6 +80,7 @@ BOOL FreeLibrary(HMODULE module);
 LSTATUS RegCloseKey(HKEY key);
 BOOL DestroyWindow(HWND window);
 BOOL UnhookWindowsHookEx(HHOOK hook);
+BOOL DestroyMenu(HMENU menu);
 BOOL DeleteObject(void* object);
 BOOL DeleteDC(HDC context);
 BOOL UnmapViewOfFile(const void* view);
