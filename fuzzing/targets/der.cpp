@@ -54,6 +54,16 @@ bool IsInside(Bytes part, Bytes whole) {
     return part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size();
 }
 
+void CheckSerialNumber(const DerValue& serial, Bytes bytes) {
+    Require(IsInside(serial.whole, bytes), "a serial number is inside the certificate");
+    Require(IsInside(serial.content, serial.whole), "its content is inside it");
+    Require(serial.tag == static_cast<std::uint8_t>(DerTag::Integer),
+            "a serial number is an integer");
+    const auto again = FirstDerValue(serial.whole);
+    Require(again && again->whole.size() == serial.whole.size(),
+            "a serial number is a whole value");
+}
+
 // On the heap, so that the sanitizer sees a read past the end.
 void CheckAnyCertificate(Bytes input) {
     const auto exact = std::make_unique<std::uint8_t[]>(input.size());
@@ -73,10 +83,7 @@ void CheckAnyCertificate(Bytes input) {
         const bool longTag = !bytes.empty() && (bytes[0] & 0x1F) == 0x1F;
         Require(longTag || !ReadValue(bytes), "a strict reader finds none either");
     }
-    const auto serial = SerialNumberOf(bytes);
-    Require(!serial || IsInside(serial->whole, bytes), "a serial number is inside the certificate");
-    Require(!serial || serial->tag == static_cast<std::uint8_t>(DerTag::Integer),
-            "a serial number is an integer");
+    if (const auto serial = SerialNumberOf(bytes)) CheckSerialNumber(*serial, bytes);
 }
 
 void CheckWrittenCertificate(FuzzInput input) {
