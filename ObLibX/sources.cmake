@@ -52,6 +52,6 @@ endforeach()
 
 # Tables and arithmetic of the flat controls, without a window.
 set(OBX_CONTROL_DATA_SOURCES "")
-foreach(name ControlImages FadedColor ScrollLayout)
+foreach(name ControlImages ControlKinds EditLayout FadedColor ListColumns ScrollLayout TextFit)
     list(APPEND OBX_CONTROL_DATA_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/controls/${name}.cpp")
 endforeach()
