@@ -1,5 +1,6 @@
 // The description of the dialogs, on any text: the tree has the elements that were indexed, and
 // what is read for a dialog is what its elements have.
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -49,14 +50,25 @@ std::size_t IndexedElements(const std::wstring& text) {
     return count;
 }
 
+bool IsSame(const ObString& one, const ObString& other) {
+    return std::wstring_view(one.CStr(), one.Length()) ==
+           std::wstring_view(other.CStr(), other.Length());
+}
+
 void CompareCopy(const ObXMLNode& tree) {
     const ObXMLNode copy(tree);
     const auto originals = NodesOf(tree);
     const auto copies = NodesOf(copy);
     Require(originals.size() == copies.size(), "a copy has as many nodes");
     for (std::size_t at = 0; at < copies.size(); ++at) {
-        Require(originals[at]->text.CompareNoCase(copies[at]->text) == 0, "the same texts");
-        Require(originals[at]->attributes.size() == copies[at]->attributes.size(), "attributes");
+        Require(IsSame(originals[at]->name, copies[at]->name), "the same names");
+        Require(IsSame(originals[at]->text, copies[at]->text), "the same texts");
+        Require(std::ranges::equal(originals[at]->attributes, copies[at]->attributes,
+                                   [](const ObXMLAttribute& one, const ObXMLAttribute& other) {
+                                       return IsSame(one.name, other.name) &&
+                                              IsSame(one.value, other.value);
+                                   }),
+                "the same attributes");
     }
 }
 
@@ -79,6 +91,48 @@ void CheckDialog(const ObXML& tree, const ObXMLNode& dialog) {
     }
 }
 
+bool HasName(const ObXMLNode* node) {
+    return node != nullptr && node->Attribute(L"name", ObString()).HasText();
+}
+
+bool IsCompletePair(const ObXMLNode& pair) {
+    const ObXMLNode* const orig = pair.FirstChild(L"orig");
+    const ObXMLNode* const subst = pair.FirstChild(L"subst");
+    return HasName(orig) && HasName(subst) &&
+           (orig->IntAttribute(L"size", kAnyFontSize) == kAnyFontSize ||
+            subst->IntAttribute(L"size", kAnyFontSize) != kAnyFontSize);
+}
+
+// Whether nothing in the element contradicts itself, which would end the process.
+bool IsSound(const ObXMLNode& fonts) {
+    const ObXMLNode* const base = fonts.FirstChild(L"default");
+    const std::int32_t size = base != nullptr ? base->IntAttribute(L"size", 9) : 9;
+    if ((base != nullptr && !HasName(base)) || size < 1 || size > 1638) return false;
+    std::vector<std::unique_ptr<ObXMLNode>> pairs;
+    fonts.Children(L"font", pairs);
+    return std::ranges::all_of(pairs, [](const auto& pair) { return IsCompletePair(*pair); });
+}
+
+void CheckDefaults(const ObXML& tree) {
+    const ObXMLNode* const defaults = tree.FirstChild(L"defaults");
+    const ObXMLNode* const fonts = defaults != nullptr ? defaults->FirstChild(L"fonts") : nullptr;
+    if (fonts != nullptr && !IsSound(*fonts)) return;
+    BaseFont font;
+    FontSubstitution substitution;
+    ReadDialogDefaults(tree, font, substitution);
+    const bool isNamed = fonts != nullptr && fonts->FirstChild(L"default") != nullptr;
+    Require(font.name.HasText() == isNamed, "the base font is the one of the element");
+    Require(font.size >= 1 && font.size <= 1638, "its size can be made");
+    std::vector<std::unique_ptr<ObXMLNode>> pairs;
+    if (fonts == nullptr || !fonts->Children(L"font", pairs)) return;
+    const ObXMLNode& orig = *pairs.front()->FirstChild(L"orig");
+    FontRequest wanted;
+    wanted.name = orig.Attribute(L"name", ObString());
+    wanted.size = orig.IntAttribute(L"size", kAnyFontSize);
+    const FontRequest applied = substitution.Apply(wanted);
+    Require(applied.name.HasText(), "a font that is replaced has a name");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
@@ -90,6 +144,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (!isLoaded) return 0;
     Require(NodesOf(tree).size() == elements, "a node for each element");
     CompareCopy(tree);
+    CheckDefaults(tree);
     for (const auto& child : tree.children) {
         if (child->name.CompareNoCase(ObString(L"dialog")) == 0) CheckDialog(tree, *child);
     }

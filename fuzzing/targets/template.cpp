@@ -28,6 +28,41 @@ std::uint16_t KindWord(std::span<const std::byte> bytes) {
     return word;
 }
 
+std::uint16_t WordAt(std::span<const std::byte> bytes, std::size_t at) {
+    std::uint16_t word = 0;
+    if (at + sizeof word <= bytes.size()) std::memcpy(&word, &bytes[at], sizeof word);
+    return word;
+}
+
+// The end of a text, or of an ordinal where there may be one.
+std::size_t TextEnd(std::span<const std::byte> bytes, std::size_t at, bool mayBeOrdinal) {
+    if (mayBeOrdinal && WordAt(bytes, at) == 0xFFFF) return at + 4;
+    while (WordAt(bytes, at) != 0) at += 2;
+    return at + 2;
+}
+
+// Where the items of a whole template begin.
+std::size_t ItemsAt(std::span<const std::byte> bytes) {
+    const bool isExtended = KindWord(bytes) == 0xFFFF;
+    const std::uint16_t style = WordAt(bytes, isExtended ? 12 : 0);
+    std::size_t at = TextEnd(bytes, isExtended ? 26 : 18, true);
+    at = TextEnd(bytes, TextEnd(bytes, at, true), false);
+    if ((style & 0x40) != 0) {
+        const bool hasFace = WordAt(bytes, at) != 0x7FFF;
+        at += 2;
+        if (hasFace) at = TextEnd(bytes, at + (isExtended ? 4 : 0), false);
+    }
+    return (at + 3) / 4 * 4;
+}
+
+void CheckItems(std::span<const std::byte> old, std::span<const std::byte> written) {
+    const std::size_t at = ItemsAt(old);
+    const auto items = at < old.size() ? old.subspan(at) : std::span<const std::byte>();
+    Require(written.size() >= items.size() && std::ranges::equal(items, written.last(items.size())),
+            "the items are the old ones, byte by byte");
+    Require((written.size() - items.size()) % 4 == 0, "and begin at a multiple of four");
+}
+
 void CheckWithoutFont(std::span<const std::byte> bytes) {
     const auto same = RewriteTemplate(bytes, 0, {});
     Require(!same || std::ranges::equal(*same, bytes), "nothing to change changes nothing");
@@ -48,6 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t siz
     Require(once.has_value() == RewriteTemplate(bytes, 0, {}).has_value(),
             "what is refused doesn't depend on the font");
     if (!once) return 0;
+    CheckItems(bytes, *once);
     Require(once->size() <= bytes.size() + kFontBytes + font.face.size() * sizeof(wchar_t) + 4,
             "it grows by the font alone");
     if ((KindWord(*once) == 0xFFFF) != (KindWord(bytes) == 0xFFFF)) return 0;
