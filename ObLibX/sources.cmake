@@ -52,6 +52,15 @@ endforeach()
 
 # Tables and arithmetic of the flat controls, without a window.
 set(OBX_CONTROL_DATA_SOURCES "")
-foreach(name ControlImages ControlKinds EditLayout FadedColor ListColumns ScrollLayout TextFit)
+foreach(name
+        ButtonLayout
+        ControlImages
+        ControlKinds
+        EditLayout
+        FadedColor
+        ListColumns
+        ScrollLayout
+        SwitchLayout
+        TextFit)
     list(APPEND OBX_CONTROL_DATA_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/controls/${name}.cpp")
 endforeach()

@@ -1,0 +1,53 @@
+#include "ObLibX/src/controls/ControlText.h"
+
+#include "ObLib/Src/ObFatal.h"
+#include "ObLib/Src/Win32/ScopeExit.h"
+#include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/dialog/DlgFont.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr wchar_t kModule[] = L"ObLibX\\src\\ControlText.cpp";
+
+// The numbers of HorizontalPlace are those of the system's flags; the vertical place is arithmetic.
+UINT DrawFlags(const ObCustomControl& control, const TextStyle& style) {
+    UINT flags = static_cast<UINT>(style.horizontal);
+    flags |= style.wraps ? DT_WORDBREAK : DT_SINGLELINE;
+    if ((HiddenCues(control) & UISF_HIDEACCEL) != 0) flags |= DT_HIDEPREFIX;
+    if (control.endEllipsis) flags |= DT_WORD_ELLIPSIS;
+    const LONG_PTR extended = GetWindowLongPtrW(control.window, GWL_EXSTYLE);
+    if ((extended & WS_EX_RTLREADING) != 0) flags |= DT_RTLREADING;
+    return flags;
+}
+
+PixelSize Measured(HDC dc, const ObLib::ObString& text, const PixelRect& area, UINT flags) {
+    RECT needed{0, 0, area.Width(), 0};
+    DrawTextW(dc, text.CStr(), -1, &needed, (flags & ~DT_WORD_ELLIPSIS) | DT_CALCRECT);
+    return {needed.right - needed.left, needed.bottom - needed.top};
+}
+
+} // namespace
+
+UINT HiddenCues(const ObCustomControl& control) {
+    if (!control.useUIState) return UISF_HIDEACCEL;
+    return static_cast<UINT>(SendMessageW(control.window, WM_QUERYUISTATE, 0, 0));
+}
+
+PixelRect DrawControlText(const ObCustomControl& control, HDC dc, const ObLib::ObString& text,
+                          const PixelRect& area, const TextStyle& style) {
+    const HFONT font = GetFont(control.fontSize, control.fontName, control.fontWeight, 0);
+    ObAssert(font != nullptr);
+    const HGDIOBJ old = SelectObject(dc, font);
+    const ObLib::ScopeExit restore([&] { SelectObject(dc, old); });
+    const UINT flags = DrawFlags(control, style);
+    const PixelRect placed =
+        PlaceText(area, Measured(dc, text, area, flags), style.horizontal, style.vertical);
+    RECT rect = AsRect(placed);
+    ::SetTextColor(dc, style.color);
+    SetBkMode(dc, TRANSPARENT);
+    DrawTextW(dc, text.CStr(), -1, &rect, flags);
+    return placed;
+}
+
+} // namespace ObLibX

@@ -1,0 +1,317 @@
+#include "ObLibX/src/controls/ObCustBtn.h"
+
+#include "ObLib/Src/Win32/ObWinGUI.h"
+#include "ObLibX/src/controls/ControlText.h"
+#include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/dialog/Images.h"
+#include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/utilities/ObUtil.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr COLORREF kDisabledAccentFill = 0xF0F0F0;
+constexpr COLORREF kDisabledAccentText = 0xC0C0C0;
+constexpr std::int32_t kImageMargin = 4; // of a button that is sized to its image; at 96 dpi
+constexpr int kRingDistance = 2;         // pixels, at every scale
+constexpr int kSeparatorInset = 3;       // at 96 dpi
+
+const std::int32_t* ImagesOf(const ButtonLook& look) {
+    return look.image ? ImageList(*look.image) : nullptr;
+}
+
+void TakeColor(COLORREF& color, std::int32_t entry) {
+    if (entry == kParentColor) color = kNoColor;
+    if (entry >= 0) color = GetPaletteColor(static_cast<std::uint32_t>(entry));
+}
+
+PixelSize SizeOf(HBITMAP bitmap) {
+    const SIZE size = ImageSize(bitmap);
+    return {size.cx, size.cy};
+}
+
+std::uint32_t StyleOf(HWND window) {
+    return static_cast<std::uint32_t>(GetWindowLongPtrW(window, GWL_STYLE));
+}
+
+// What the parent fills itself with, also in high contrast. Owned by the system or the dialog.
+HBRUSH BackgroundBrush(HWND parent, HDC dc) {
+    return reinterpret_cast<HBRUSH>(SendMessageW(
+        parent, WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(parent)));
+}
+
+} // namespace
+
+// What one painting needs to know.
+struct ObFlatBtn::Face {
+    ObLib::ObString text;
+    ObLib::UniqueBitmap bitmap;
+    ButtonArrangement arrangement;
+    ButtonContents contents;
+    std::uint32_t style = 0;
+};
+
+ObFlatBtn::ObFlatBtn(std::int32_t buttonId) : ObFlatBtn(buttonId, ButtonClass::Plain) {}
+
+ObFlatBtn::ObFlatBtn(std::int32_t buttonId, ButtonClass buttonClass)
+    : ObCustomControl(buttonId, ImagesOf(LookOf(buttonClass)), L"", 0) {
+    const ButtonLook& look = LookOf(buttonClass);
+    const auto has = [&](std::uint32_t flag) { return (look.flags & flag) != 0; };
+    TakeColor(fillColor, look.fill);
+    TakeColor(textColor, look.text);
+    TakeColor(hoverColor, look.hover);
+    TakeColor(pressedColor, look.pressed);
+    accentRing = has(kLookRing);
+    sizeToImage = has(kLookSizeToImage);
+    imageOnly = has(kLookImageOnly);
+    imageGap = !has(kLookNoGap);
+    hasFrame = has(kLookNoFrame) ? 0 : 1;
+    clipFocusToText = has(kLookTextFocus);
+    if (has(kLookLeft)) defaultHorizontal = HorizontalPlace::Left;
+    imageSide = look.imageSide;
+    padding = look.padding;
+}
+
+// A window that outlives its object goes on as the stock button.
+ObFlatBtn::~ObFlatBtn() {
+    if (window != nullptr) {
+        RemoveWindowSubclass(window, &ObFlatBtn::ButtonProcedure, reinterpret_cast<UINT_PTR>(this));
+    }
+}
+
+void ObFlatBtn::Attach(HWND attached) {
+    ObCustomControl::Attach(attached);
+    if (sizeToImage) SizeToImage();
+    SetWindowSubclass(window, Procedure(), reinterpret_cast<UINT_PTR>(this),
+                      reinterpret_cast<DWORD_PTR>(this));
+}
+
+void ObFlatBtn::SizeToImage() {
+    const PixelSize image = SizeOf(LoadImage(images.ids[0]).Get());
+    if (image.IsEmpty()) return;
+    RECT rect{};
+    GetWindowRect(window, &rect);
+    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&rect), 2);
+    const PixelRect sized = Centred(
+        AsPixels(rect), {Scale(image.width + kImageMargin), Scale(image.height + kImageMargin)});
+    SetWindowPos(window, nullptr, sized.left, sized.top, sized.Width(), sized.Height(),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+bool ObFlatBtn::IsAccent() const {
+    return fillColor == kAccentColor || fillColor == GetPaletteColor(kPaletteAccent);
+}
+
+COLORREF ObFlatBtn::GetFillColor() {
+    if (IsAccent() && !IsEnabled()) return kDisabledAccentFill;
+    return IsHighContrast() ? GetSysColor(COLOR_BTNFACE) : ObCustomControl::GetFillColor();
+}
+
+COLORREF ObFlatBtn::GetTextColor() {
+    if (IsAccent() && !IsEnabled()) return kDisabledAccentText;
+    return IsHighContrast() ? GetSysColor(COLOR_BTNTEXT) : textColor;
+}
+
+ButtonState ObFlatBtn::State() const {
+    if (isDown) return ButtonState::Pressed;
+    return isHot ? ButtonState::Hot : ButtonState::Idle;
+}
+
+std::uint32_t ObFlatBtn::SetAnimatedColor(COLORREF color) {
+    if (window == nullptr) return 0;
+    animatedColor = color;
+    PaintState(isDown ? ButtonState::Pressed : ButtonState::Hot);
+    return 1;
+}
+
+void ObFlatBtn::OnMouseMove(int, int) {
+    if (noMouseStates || isHot) return;
+    isHot = true;
+    TRACKMOUSEEVENT leave{sizeof leave, TME_LEAVE, window, 0};
+    TrackMouseEvent(&leave);
+    if (!IsAccent()) {
+        // A click inside a fade has ended the hover, but not the fade.
+        if (!fade.IsRunning()) fade.Start(*this, GetFillColor(), GetHoverColor());
+        currentFrameColor = GetHotFrameColor();
+    }
+    PaintState(isDown ? ButtonState::Pressed : ButtonState::Hot);
+}
+
+void ObFlatBtn::OnMouseLeave() {
+    fade.Stop();
+    currentFrameColor = GetFrameColor();
+    animatedColor = kNoColor;
+    isHot = false;
+    PaintState(ButtonState::Idle);
+}
+
+void ObFlatBtn::OnLeftButtonDown(int, int) {
+    isDown = !noMouseStates;
+    isPressed = true;
+    PaintState(ButtonState::Pressed);
+}
+
+// The next movement of the mouse makes it hot again.
+void ObFlatBtn::OnLeftButtonUp(int, int) {
+    isDown = false;
+    isPressed = false;
+    isHot = false;
+    PaintState(ButtonState::Idle);
+}
+
+void ObFlatBtn::ForgetMouse() {
+    if (!isHot && !isDown && !isPressed) return;
+    isDown = false;
+    isPressed = false;
+    OnMouseLeave();
+}
+
+void ObFlatBtn::Paint(HDC dc) { PaintButton(State(), dc); }
+
+void ObFlatBtn::Repaint() {
+    if (!IsWindowVisible(window)) return;
+    const ClientDc dc(window);
+    Paint(dc.Get());
+}
+
+void ObFlatBtn::PaintState(ButtonState state) {
+    if (!IsWindowVisible(window)) return;
+    const ClientDc dc(window);
+    PaintButton(state, dc.Get());
+}
+
+void ObFlatBtn::PaintButton(ButtonState state, HDC target) {
+    const OffscreenPaint paint(window, target);
+    if (paint) {
+        PaintFace(state, paint.Dc(), paint.Area());
+        paint.Show();
+    }
+    if (accentRing) PaintRing(state);
+}
+
+void ObFlatBtn::PaintFace(ButtonState state, HDC dc, const PixelRect& area) {
+    Face face;
+    ObLib::GetWindowTextString(window, face.text);
+    UpdateImages();
+    const std::int32_t dpi = GetDpi();
+    std::int32_t image = GetImageId(images, static_cast<std::int32_t>(state), dpi);
+    if (image == 0) image = GetImageId(images, 0, dpi);
+    if (image != 0) face.bitmap = LoadImage(image);
+    face.arrangement = {imageBesideText, imageSide, imageGap, imageOnly};
+    face.contents = {SizeOf(face.bitmap.Get()), 0, Scale(padding), face.text.HasText()};
+    face.contents.spare = std::max(0, GetImageWidth() - face.contents.image.width);
+    face.style = StyleOf(window);
+    const ButtonAreas areas = AreasOf(area, face.arrangement, face.contents);
+    layoutRectangle = areas.layout;
+    imageRectangle = areas.image;
+
+    FillArea(dc, area, GetFillColor());
+    if (hasFrame == 1) FrameArea(dc, area, currentFrameColor);
+    PaintText(face, dc);
+    PaintOver(dc, PaintImage(face, dc));
+    PaintFocus(dc);
+}
+
+void ObFlatBtn::PaintText(const Face& face, HDC dc) {
+    textRectangle = {};
+    if (imageOnly || !face.contents.hasText) return;
+    const bool isDimmed = !IsEnabled() && !IsAccent();
+    const TextStyle style{
+        isDimmed ? kDisabledTextColor : GetTextColor(), HorizontalOf(face.style, defaultHorizontal),
+        VerticalOf(face.style, defaultVertical), (face.style & BS_MULTILINE) != 0};
+    const PixelRect area = Inset(layoutRectangle, face.contents.padding);
+    textRectangle = DrawControlText(*this, dc, face.text, area, style);
+}
+
+// Returns the image's left edge; without one, where it would be.
+std::int32_t ObFlatBtn::PaintImage(const Face& face, HDC dc) {
+    const PixelPoint place = PlaceImage(imageRectangle, face.arrangement, face.contents,
+                                        VerticalOf(face.style, VerticalPlace::Centre));
+    if (face.bitmap) DrawImage(dc, face.bitmap.Get(), place.x, place.y);
+    return place.x;
+}
+
+// A window whose focus isn't to be seen before keys are used has no rectangle for it.
+void ObFlatBtn::PaintFocus(HDC dc) {
+    ComputeFocusRectangle();
+    if ((HiddenCues(*this) & UISF_HIDEFOCUS) != 0) focusRectangle = {};
+    if (!frameFocus) {
+        DrawFocus(dc);
+    } else if (GetFocus() == window && !focusRectangle.IsEmpty()) {
+        FrameArea(dc, focusRectangle, focusFrameColor);
+    }
+}
+
+void ObFlatBtn::PaintRing(ButtonState state) {
+    const HWND parent = GetParent(window);
+    if (parent == nullptr || !IsWindowVisible(window)) return;
+    RECT rect{};
+    GetWindowRect(window, &rect);
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&rect), 2);
+    InflateRect(&rect, kRingDistance, kRingDistance);
+    const ClientDc dc(parent);
+    if (state == ButtonState::Idle) {
+        FrameRect(dc.Get(), &rect, BackgroundBrush(parent, dc.Get()));
+    } else {
+        FrameArea(dc.Get(), AsPixels(rect), GetPaletteColor(kPaletteAccent));
+    }
+}
+
+ObFlatBlueBtn::ObFlatBlueBtn(std::int32_t buttonId) : ObFlatBtn(buttonId, ButtonClass::Blue) {}
+
+ObFlatSettingsBtn::ObFlatSettingsBtn(std::int32_t buttonId)
+    : ObFlatBtn(buttonId, ButtonClass::Settings) {}
+
+void ObFlatSettingsBtn::Refresh() {
+    images = ImageSet(ImageList(ControlImage::Settings));
+    ObFlatBtn::Refresh();
+}
+
+void ObFlatSettingsBtn::OnMouseMove(int x, int y) {
+    hasFrame = 1;
+    ObFlatBtn::OnMouseMove(x, y);
+}
+
+void ObFlatSettingsBtn::OnMouseLeave() {
+    hasFrame = 0;
+    ObFlatBtn::OnMouseLeave();
+}
+
+ObFlatBrowserBtn::ObFlatBrowserBtn(std::int32_t buttonId)
+    : ObFlatBtn(buttonId, ButtonClass::Browser) {}
+
+ObFlatSplitBtn::ObFlatSplitBtn(std::int32_t buttonId)
+    : ObFlatSplitBtn(buttonId, ButtonClass::Split) {}
+
+ObFlatSplitBtn::ObFlatSplitBtn(std::int32_t buttonId, ButtonClass buttonClass)
+    : ObFlatBtn(buttonId, buttonClass) {}
+
+void ObFlatSplitBtn::UpdateImages() {
+    images = ImageSet(
+        ImageList(IsEnabled() ? ControlImage::DownArrow : ControlImage::DownArrowDisabled));
+}
+
+// Where the arrow's part begins. A button without a text has its arrow in the middle.
+void ObFlatSplitBtn::PaintOver(HDC dc, std::int32_t imageLeft) {
+    BUTTON_SPLITINFO info{};
+    info.mask = BCSIF_STYLE;
+    SendMessageW(window, BCM_GETSPLITINFO, 0, reinterpret_cast<LPARAM>(&info));
+    if ((info.uSplitStyle & BCSS_NOSPLIT) != 0) return;
+    const PixelRect client = ClientArea(window);
+    const bool isStrip = imageRectangle.left > client.left;
+    const std::int32_t left = isStrip ? imageRectangle.left : imageLeft - Scale(padding) / 2;
+    const int inset = Scale(kSeparatorInset);
+    FillArea(dc, {left, client.top + inset, left + 1, client.bottom - inset},
+             GetPaletteColor(kPaletteGray));
+}
+
+ObFlatDropBtn::ObFlatDropBtn(std::int32_t buttonId) : ObFlatSplitBtn(buttonId, ButtonClass::Drop) {}
+
+void ObFlatDropBtn::OnCreated() {
+    BUTTON_SPLITINFO info{};
+    info.mask = BCSIF_STYLE;
+    info.uSplitStyle = BCSS_NOSPLIT;
+    SendMessageW(window, BCM_SETSPLITINFO, 0, reinterpret_cast<LPARAM>(&info));
+}
+
+} // namespace ObLibX
