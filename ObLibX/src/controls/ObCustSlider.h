@@ -1,0 +1,33 @@
+// The flat slider: a scroll bar that looks and behaves as a trackbar.
+#pragma once
+
+#include "ObLibX/src/controls/ObCustScroll.h"
+
+namespace ObLibX {
+
+// What differs from the bar: no arrows, a position of its own that clicks, keys and drags change,
+// and a page that follows the range. The window gets 28 pixels at 96 dpi across, around the middle
+// of where it was.
+class ObFlatSlider : public ObFlatScrollbar {
+public:
+    using ObFlatScrollbar::ObFlatScrollbar;
+
+    void Attach(HWND attached) override;
+    void ComputeFocusRectangle() override;
+    void OnThumbReleased(std::int32_t value) override;
+    bool OnKeyDown(WPARAM key) override;
+    void OnSetFocus() override;
+
+protected:
+    ScrollLayout LaidOut(PixelPoint size) override;
+    PixelRect Placed(const PixelRect& place) override;
+    void OnRangeSet() override;
+    void LimitState() override;
+    void OnPartPressed(ScrollPart part) override;
+    void PaintParts(HDC dc, const PixelRect& area) override;
+
+private:
+    void PaintThumb(HDC dc);
+};
+
+} // namespace ObLibX
