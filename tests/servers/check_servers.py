@@ -114,6 +114,13 @@ class CloudServersTest(unittest.TestCase):
         self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET"), (200, b""))
         self.assertEqual(self.control("waiting"), ["0"])
 
+    def test_the_relay_lets_the_server_act_late(self):
+        self.control("begin apache")
+        self.control("on PUT 0 1 later 2 504")
+        self.assertEqual(ask(self.urls["OB_RELAY_URL"], "PUT", "late", b"x" * 100_000)[0], 504)
+        self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET", "late")[0], 404)
+        self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET", "late"), (200, b"x" * 100_000))
+
     def test_the_relay_keeps_nothing_of_an_earlier_script(self):
         self.control("begin apache")
         self.control("on GET 0 1 hold")

@@ -27,6 +27,7 @@ A connection to the control port carries one command in a line and gets lines ba
     early CODE[|...]                         this reply at once; what still comes is read and forgotten
     deny CODE[|...]                          this reply after 5,000 bytes of the body, then the connection ends
     stall CODE[|...]                         the same, but nothing is read and the connection stays until "release"
+    later N CODE[|...]                       this reply at once; the server gets the request once N more have come
     twice           the server gets it two times, as from a client that repeats it; the second reply counts
     sink            201, the body is read and forgotten
     drip N          200 at once, then a body of N bytes, one every DRIP seconds; the body of the request is read
@@ -67,6 +68,7 @@ class Script:
             self.rules = []
             self.seen = []
             self.logins = 0
+            self.late = []  # for the server: how many requests have to come first, and what to send then
             self.held = 0
             self.released = True
             self.lock.notify_all()
@@ -99,6 +101,19 @@ class Script:
         with self.lock:
             if number < len(self.seen):
                 self.seen[number] = line
+
+    def put_off(self, requests, data):
+        with self.lock:
+            self.late.append([int(requests), data])
+
+    def due(self):
+        """Counts a request that has come; what the server is to get before it."""
+        with self.lock:
+            for late in self.late:
+                late[0] -= 1
+            due = [data for left, data in self.late if left <= 0]
+            self.late = [late for late in self.late if late[0] > 0]
+            return due
 
     def keep(self, run, seconds=None):
         """Waits for "release", but no longer than that; whether it came. One that is kept from before the last
@@ -226,6 +241,11 @@ class Relay(socketserver.BaseRequestHandler):
         if head.value(b"transfer-encoding"):
             self.request.sendall(made_reply("411"))  # none of the tests' programs sends a body in chunks
             return
+        for data in script.due():
+            with socket.create_connection(("127.0.0.1", script.upstream)) as upstream:
+                upstream.sendall(data)
+                while upstream.recv(BLOCK):  # until the server has acted
+                    pass
         action, argument = script.take(method)
         number = script.note(f"{method} {path} 0 -", head.value(b"authorization") is not None)
         if action == "refuse":
@@ -246,6 +266,12 @@ class Relay(socketserver.BaseRequestHandler):
             came = pass_body(head, self.request, None, head.length())
             self.request.sendall(made_reply(argument or "201"))
             script.change(number, f"{method} {path} {came} {argument.partition('|')[0] or 201}")
+            return
+        if action == "later":
+            requests, _, argument = argument.partition(" ")
+            head.set(b"Connection", b"close")
+            script.put_off(requests, head.data() + self.body(head))
+            self.request.sendall(made_reply(argument))
             return
         if action in ("drip", "driphead"):
             came = pass_body(head, self.request, None, head.length())
@@ -274,6 +300,15 @@ class Relay(socketserver.BaseRequestHandler):
             elif reply and action not in ("swallow", "keepbody"):
                 limit = int(argument) if action == "cutreply" else None
                 self.reply(upstream, reply, method, limit)
+
+    def body(self, head):
+        data = head.rest
+        while len(data) < head.length():
+            block = self.request.recv(BLOCK)
+            if not block:
+                raise Broken("in the body")
+            data += block
+        return data
 
     def ask(self, upstream, head, action, argument):
         limit = head.length()

@@ -91,6 +91,20 @@ std::optional<DavError> DavClient::Pause(DWORD milliseconds) const {
     return DavErrorOf(HttpError{HttpFault::Cancelled});
 }
 
+DavResult<bool> DavClient::WasDone(const DavError& failure,
+                                   const std::function<DavResult<bool>()>& isDone) const {
+    DWORD pause = patience_.pause;
+    for (int looks = 0;; ++looks, pause *= 2) {
+        auto done = isDone();
+        const auto* error = std::get_if<DavError>(&done);
+        // A server that doesn't reply to the question either isn't asked for minutes.
+        const bool isEnd =
+            error ? error->fault == DavFault::Http || IsOfTheUser(*error) : std::get<bool>(done);
+        if (isEnd || !MayActLater(failure) || looks == patience_.looks) return done;
+        if (const auto cancelled = Pause(pause)) return *cancelled;
+    }
+}
+
 DavResult<HttpReply> DavClient::SendForAny(HttpRequest request) const {
     request.login = &login_;
     for (int waits = 0;; ++waits) {
@@ -218,7 +232,7 @@ std::optional<DavError> DavClient::Move(const HttpUrl& from, const HttpUrl& to,
         const bool isRefused =
             failure->fault == DavFault::Taken || failure->fault == DavFault::NotFound;
         if (!isRefused && !MayHaveActed(*failure)) return *failure;
-        const auto moved = HasMoved(from, to, size);
+        const auto moved = WasDone(*failure, [&] { return HasMoved(from, to, size); });
         const auto* error = std::get_if<DavError>(&moved);
         const bool hasMoved = !error && std::get<bool>(moved);
         if (isRefused) return hasMoved ? std::nullopt : std::optional(*failure);

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +23,7 @@ struct DavPatience {
     DWORD longestWait = 60'000; // milliseconds of one of them; a longer one ends the request
     DWORD question = 10'000;    // milliseconds of a step of a request that can be done without
     DWORD clearing = 10'000;    // milliseconds of all requests that clear up after an end
+    int looks = 4;              // more for a step that the server may do late, each after a pause
 };
 
 // A file or folder of the server.
@@ -55,8 +57,9 @@ public:
                                    const std::vector<std::string>& parts) const;
 
     // Gives a file another name and replaces nothing: Taken when there is something of this name. A
-    // move whose reply is lost is looked up, and so is one that is refused because its name is
-    // taken or the file is missing, as it may be by this move; `size` is that of the file.
+    // move whose reply is lost is looked up, for some time where the server may act late, and so is
+    // one that is refused because its name is taken or the file is missing, as it may be by this
+    // move; `size` is that of the file.
     std::optional<DavError> Move(const HttpUrl& from, const HttpUrl& to, std::uint64_t size) const;
 
     // Whether a move of a file of this size has happened: its old name is gone, the new one there.
@@ -77,6 +80,10 @@ public:
     // The same two for a reply of any status.
     DavResult<HttpReply> SendForAny(HttpRequest request) const;
     DavResult<HttpReply> AskForAny(const HttpRequest& request) const;
+    // Whether a step was done in spite of this failure. A server that may still do it is asked some
+    // times, after waits that grow. The result of the last question.
+    DavResult<bool> WasDone(const DavError& failure,
+                            const std::function<DavResult<bool>()>& isDone) const;
     // Waits so long; the error when it is cancelled meanwhile.
     std::optional<DavError> Pause(DWORD milliseconds) const;
 

@@ -69,6 +69,10 @@ bool MayHaveActed(const DavError& error) {
                             std::end(kStatuses));
 }
 
+bool MayActLater(const DavError& error) {
+    return IsHttp(error, HttpFault::TimedOut) || error.status == 502 || error.status == 504;
+}
+
 std::optional<std::uint64_t> ServerTime(const HttpReply& reply) {
     return Seconds(reply.Header("Date"));
 }

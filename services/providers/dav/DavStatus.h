@@ -59,4 +59,8 @@ inline bool IsHttp(const DavError& error, HttpFault fault) {
 // connection ended before a reply came, or a server between gave up waiting and replied itself.
 bool MayHaveActed(const DavError& error);
 
+// Whether the server may act even later than now: a server between, or this client, only gave up
+// waiting for it.
+bool MayActLater(const DavError& error);
+
 } // namespace providers

@@ -56,6 +56,16 @@ std::optional<DavError> DavTransfer::LookUp() {
     return std::nullopt;
 }
 
+// For some time where the server may still be storing what was sent.
+std::optional<DavError> DavTransfer::LookUpAfter(const DavError& failure) {
+    const auto stored = client_.WasDone(failure, [this]() -> DavResult<bool> {
+        if (const auto error = LookUp()) return *error;
+        return IsWhole();
+    });
+    if (const auto* error = std::get_if<DavError>(&stored)) return *error;
+    return std::nullopt;
+}
+
 // A server may ignore the range of a request and store the part as if it were the file. A byte
 // after others shows it: the file has to be one byte longer then.
 DavResult<bool> DavTransfer::TakesRanges() {
@@ -125,7 +135,7 @@ std::optional<DavError> DavTransfer::AfterFailure(const DavError& failure) {
         return std::nullopt;
     }
     if (!MayHaveActed(failure)) return failure;
-    if (const auto error = LookUp()) return error;
+    if (const auto error = LookUpAfter(failure)) return error;
     if (IsWhole()) return std::nullopt;
     if (!IsHttp(failure, HttpFault::BrokenOff)) return failure;
     if (stored_ > furthest_ && stored_ < source_.size) {

@@ -39,6 +39,7 @@ private:
     std::optional<DavError> SendPart(std::uint64_t from, std::uint64_t size);
     std::optional<DavError> AfterFailure(const DavError& failure);
     std::optional<DavError> LookUp();
+    std::optional<DavError> LookUpAfter(const DavError& failure);
     void SendAsAWhole();
     std::optional<DavError> BeforeNextTry(const DavError& failure);
     bool IsWhole() const { return exists_ && stored_ == source_.size; }

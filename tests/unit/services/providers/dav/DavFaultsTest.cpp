@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include "tests/support/ImportPatch.h"
 #include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/dav/DavFixture.h"
 
@@ -75,6 +76,45 @@ TEST_P(DavFaults, AsksAgainAfterABreakWhenNothingIsChangedByIt) {
     EXPECT_EQ("PROPFIND PROPFIND PROPFIND PROPFIND", relay_.Methods());
     relay_.On("PROPFIND", "cutreply 100", 0, 4);
     EXPECT_EQ(Outcome(HttpFault::BrokenOff), Outcome(client_.Look(root_)));
+}
+
+decltype(&WaitForSingleObject) realWait = nullptr;
+HANDLE watched = nullptr;
+std::vector<DWORD> pauses; // asked for with `watched`; they take no time
+
+DWORD WINAPI RecordPause(HANDLE object, DWORD milliseconds) {
+    if (object != watched || milliseconds == 0) return realWait(object, milliseconds);
+    pauses.push_back(milliseconds);
+    return WAIT_TIMEOUT;
+}
+
+// 15 seconds in all: the user waits for nothing else by then.
+TEST_P(DavFaults, LooksForALateStepAfterWaitsThatGrow) {
+    const obtest::ImportPatch<decltype(WaitForSingleObject)> patch(
+        "kernel32.dll", "WaitForSingleObject", &RecordPause);
+    ASSERT_TRUE(patch.Ok());
+    realWait = patch.Real();
+    watched = cancelled_.Get();
+    pauses.clear();
+    ASSERT_EQ("done", Put("from", "12345"));
+    const DavClient patient(session_, login_, cancelled_.Get());
+    relay_.On("MOVE", "status 504");
+    EXPECT_EQ(Outcome(DavFault::ServerFailed, 504),
+              Outcome(patient.Move(Url("from"), Url("to"), 5)));
+    EXPECT_EQ((std::vector<DWORD>{1'000, 2'000, 4'000, 8'000}), pauses);
+    // What is looked at reports errors of its own meanwhile.
+    pauses.clear();
+    relay_.On("MOVE", "later 4 502");
+    relay_.On("PROPFIND", "status 502", 0, 2);
+    EXPECT_EQ("done", Outcome(patient.Move(Url("from"), Url("to"), 5)));
+    EXPECT_EQ((std::vector<DWORD>{1'000, 2'000, 4'000}), pauses);
+    // What only the user can mend isn't waited for.
+    pauses.clear();
+    relay_.On("MOVE", "status 504");
+    relay_.On("PROPFIND", "status 401");
+    EXPECT_EQ(Outcome(DavFault::WrongLogin, 401), Outcome(patient.Move(Url("to"), Url("from"), 5)));
+    EXPECT_EQ((std::vector<DWORD>{}), pauses);
+    EXPECT_EQ("done", Outcome(client_.Discard(Url("to"))));
 }
 
 } // namespace

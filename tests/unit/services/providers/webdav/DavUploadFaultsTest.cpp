@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/webdav/DavUploadFixture.h"
 
 namespace providers {
@@ -60,6 +61,9 @@ constexpr FaultRow kRows[] = {
     {"PUT", "instead 504", 1, UploadEnd::Done, nullptr},
     {"PUT", "instead 408", 1, UploadEnd::Done, nullptr},
     {"PUT", "status 504", 1, UploadEnd::Failed, L"reported the error 504"},
+    {"PUT", "later 3 502", 1, UploadEnd::Done, nullptr},
+    {"PUT", "later 5 504", 1, UploadEnd::Done, nullptr},
+    {"PUT", "later 100 504", 1, UploadEnd::Failed, L"reported the error 504"},
     {"PUT", "status 404", 1, UploadEnd::Failed, L"folder"},
     {"PUT", "status 409", 1, UploadEnd::Failed, L"something else in its place"},
     {"PUT", "status 429|Retry-After: 3600", 1, UploadEnd::Failed, L"in 61 minutes"},
@@ -70,6 +74,9 @@ constexpr FaultRow kRows[] = {
     {"MOVE", "instead 207|=<x/>", 1, UploadEnd::Done, nullptr},
     {"MOVE", "status 207|=<x/>", 1, UploadEnd::Failed, L"reported the error 207"},
     {"MOVE", "status 504", 1, UploadEnd::Failed, L"reported the error 504"},
+    {"MOVE", "later 3 502", 1, UploadEnd::Done, nullptr},
+    {"MOVE", "later 5 504", 1, UploadEnd::Done, nullptr},
+    {"MOVE", "later 100 502", 1, UploadEnd::Failed, L"reported the error 502"},
     {"MOVE", "status 404", 1, UploadEnd::Failed, L"folder"},
     {"MOVE", "status 409", 1, UploadEnd::Failed, L"something else in its place"},
     {"MOVE", "status 429|Retry-After: 3600", 1, UploadEnd::Failed, L"in 61 minutes"},
@@ -145,6 +152,40 @@ TEST_P(DavUploadFaults, GoOnAfterAReplyThatComesTooLate) {
         EXPECT_EQ(content_, Stored(L"late\\" + name)) << method;
     }
     EXPECT_EQ(3u, Files().size());
+}
+
+// The server between gives up at once, and the server itself is asked for a while.
+TEST_P(DavUploadFaults, AskAFewTimesWhetherAServerHasActedLate) {
+    for (const char* const method : {"PUT", "MOVE"}) {
+        relay_.Begin(GetParam());
+        relay_.On(method, "status 504");
+        EXPECT_EQ(UploadEnd::Failed, Upload(L"a.zip", L"c").end);
+        const std::string methods = relay_.Methods();
+        const std::string looks =
+            method + std::string(" PROPFIND PROPFIND PROPFIND PROPFIND PROPFIND");
+        const std::size_t at = methods.find(looks);
+        ASSERT_NE(std::string::npos, at) << methods;
+        EXPECT_EQ(1, Count(method)) << "nothing is done twice";
+    }
+}
+
+TEST_P(DavUploadFaults, EndAtOnceWhenTheWaitForAServerIsCancelled) {
+    constexpr DavPatience kLongWaits{3, 600'000, 3, 60'000};
+    for (const char* const method : {"PUT", "MOVE"}) {
+        RecordedProgress progress;
+        relay_.Begin(GetParam());
+        relay_.On(method, "status 504");
+        std::thread canceller([&] {
+            EXPECT_TRUE(obtest::WaitUntil(
+                [&] { return relay_.Methods().ends_with(method + std::string(" PROPFIND")); }));
+            progress.Cancel();
+        });
+        DavUpload upload(session_, kLongWaits);
+        EXPECT_EQ(UploadEnd::Cancelled,
+                  upload.Run({root_, login_}, {source_, L"a.zip", L"c"}, progress, ask_).end);
+        canceller.join();
+        EXPECT_EQ(std::vector<std::wstring>{}, Files()) << method;
+    }
 }
 
 // Whatever clears up after a cancel has a limit of its own: a server that replies byte by byte,
