@@ -9,6 +9,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/ModulePath.h"
+#include "services/providers/http/Utf8.h"
 #include "services/providers/storage/LinkPasswordDialog.h"
 #include "services/providers/storage/RecordTexts.h"
 #include "services/providers/storage/UploadTimes.h"
@@ -115,6 +116,7 @@ private:
     std::wstring SentenceOf(const std::optional<Listing>& listing) const;
     void ShowMessage(const std::wstring& text);
     void FocusRow(std::size_t index, bool isSelected);
+    void SelectFiles();
     void FillItem(LVITEMW& item);
 
     std::vector<std::size_t> Selected() const;
@@ -288,7 +290,13 @@ std::wstring Picker::SentenceOf(const std::optional<Listing>& listing) const {
     if (listing->error->fault == DavFault::NotFound && !folder_.empty()) {
         return FormatOwnText(OB_TEXT_DAVPICK_GONE, {ShownName(folder_.back())});
     }
-    return DavSentence(*listing->error, accounts_[account_].server);
+    const HttpOrigin& server = accounts_[account_].server;
+    if (IsHttp(*listing->error, HttpFault::ReplyTooLong)) {
+        return FormatOwnText(OB_TEXT_DAV_TOO_MANY_FILES, {TextFromUtf8(server.host)});
+    }
+    std::wstring sentence = DavSentence(*listing->error, server);
+    // Nobody has cancelled a listing whose task is still there.
+    return sentence.empty() ? OwnText(OB_TEXT_DAVPICK_FAILED) : sentence;
 }
 
 void Picker::ShowMessage(const std::wstring& text) {
@@ -316,6 +324,14 @@ void Picker::FocusRow(std::size_t index, bool isSelected) {
     ListView_SetItemState(List(), item, state, LVIS_FOCUSED | LVIS_SELECTED);
     ListView_SetSelectionMark(List(), item);
     ListView_EnsureVisible(List(), item, FALSE);
+}
+
+// Folders can't be linked. They are the first rows.
+void Picker::SelectFiles() {
+    ListView_SetItemState(List(), -1, LVIS_SELECTED, LVIS_SELECTED);
+    for (std::size_t row = 0; row < rows_.size() && rows_[row].item.isFolder; ++row) {
+        ListView_SetItemState(List(), static_cast<int>(row), 0, LVIS_SELECTED);
+    }
 }
 
 void Picker::FillItem(LVITEMW& item) {
@@ -511,7 +527,13 @@ LRESULT CALLBACK Picker::OnKey(HWND control, UINT message, WPARAM wParam, LPARAM
         ObLib::RanGuarded([&] { isUp ? picker.GoUp() : picker.Refresh(); });
         return 0;
     }
-    if (message == WM_CHAR && wParam == VK_BACK) return 0; // no letter to look for
+    const bool isInList = control == picker.List();
+    if (isPlainKey && isInList && wParam == 'A' && GetKeyState(VK_CONTROL) < 0) {
+        ObLib::RanGuarded([&] { picker.SelectFiles(); });
+        return 0;
+    }
+    // No letters to look for: of Backspace and Ctrl+A.
+    if (message == WM_CHAR && (wParam == VK_BACK || (isInList && wParam == 1))) return 0;
     if (message == WM_NCDESTROY) RemoveWindowSubclass(control, &OnKey, 0);
     return DefSubclassProc(control, message, wParam, lParam);
 }

@@ -33,17 +33,6 @@ private:
     ObLib::UniqueKernelHandle timer_;
 };
 
-// What backslashes separate, in UTF-8.
-std::vector<std::string> PartsOf(const std::wstring& folder) {
-    std::vector<std::string> parts;
-    for (std::size_t at = 0; at < folder.size();) {
-        const std::size_t end = std::min(folder.find(L'\\', at), folder.size());
-        if (end > at) parts.push_back(ToUtf8(std::wstring_view(folder).substr(at, end - at)));
-        at = end + 1;
-    }
-    return parts;
-}
-
 DavError Unreadable(DWORD code) { return DavErrorOf(HttpError{HttpFault::FileUnreadable, code}); }
 DavError NameIsTaken() { return {DavFault::Taken, 412, {}, std::nullopt}; }
 
@@ -57,15 +46,6 @@ std::string OwnName() {
     const std::string guid = ToUtf8(NewGuidText());
     if (guid.size() < 3) return {};
     return std::string(kOwnStart) + guid.substr(1, guid.size() - 2) + std::string(kOwnEnd);
-}
-
-// Whether OwnName can have made the name.
-bool IsOwnName(std::string_view name) {
-    if (!name.starts_with(kOwnStart) || !name.ends_with(kOwnEnd)) return false;
-    name.remove_prefix(kOwnStart.size());
-    if (name.size() < kOwnEnd.size()) return false;
-    name.remove_suffix(kOwnEnd.size());
-    return IsGuidText(L"{" + FromUtf8(name).value_or(L"") + L"}");
 }
 
 UploadResult Ended(const DavError& error, const DavAccess& access, const std::wstring& name) {
@@ -232,6 +212,24 @@ UploadResult DavUpload::Run(DavAccess access, const UploadFile& file, UploadProg
     }
 }
 
+bool IsPartName(std::string_view name) {
+    if (!name.starts_with(kOwnStart) || !name.ends_with(kOwnEnd)) return false;
+    name.remove_prefix(kOwnStart.size());
+    if (name.size() < kOwnEnd.size()) return false;
+    name.remove_suffix(kOwnEnd.size());
+    return IsGuidText(L"{" + FromUtf8(name).value_or(L"") + L"}");
+}
+
+std::vector<std::string> PartsOf(const std::wstring& folder) {
+    std::vector<std::string> parts;
+    for (std::size_t at = 0; at < folder.size();) {
+        const std::size_t end = std::min(folder.find(L'\\', at), folder.size());
+        if (end > at) parts.push_back(ToUtf8(std::wstring_view(folder).substr(at, end - at)));
+        at = end + 1;
+    }
+    return parts;
+}
+
 std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& root) {
     const auto there = client.Look(root);
     const auto* item = std::get_if<DavItem>(&there);
@@ -239,8 +237,9 @@ std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& roo
     AccountSpace space;
     if (!item->freeBytes) return space;
     space.freeBytes = static_cast<std::int64_t>(*item->freeBytes);
-    if (item->usedBytes)
-        space.totalBytes = static_cast<std::int64_t>(*item->freeBytes + *item->usedBytes);
+    // Servers without a limit report the largest numbers that there are.
+    const std::uint64_t total = *item->freeBytes + item->usedBytes.value_or(0);
+    if (item->usedBytes && total <= INT64_MAX) space.totalBytes = static_cast<std::int64_t>(total);
     return space;
 }
 
@@ -256,7 +255,7 @@ DeletionEnd DeleteDavFile(const DavClient& client, const HttpUrl& root, const St
 DeletionEnd RemoveDavPart(const DavClient& client, const HttpUrl& root, const std::wstring& path) {
     const auto url = ParseHttpUrl(ToUtf8(path));
     if (!url || !url->query.empty() || !IsBelow(*url, root) ||
-        !IsOwnName(std::string_view(url->path).substr(url->path.rfind('/') + 1))) {
+        !IsPartName(std::string_view(url->path).substr(url->path.rfind('/') + 1))) {
         return DeletionEnd::Changed;
     }
     return client.Discard(*url) ? DeletionEnd::Unreachable : DeletionEnd::Gone;

@@ -3,6 +3,9 @@
 
 #include <functional>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "services/providers/dav/DavClient.h"
 #include "services/providers/storage/PartNotes.h"
@@ -81,6 +84,12 @@ private:
     bool mayBeStored_ = false;      // a part of the unfinished file
     std::optional<HttpUrl> moving_; // where to, while nobody knows whether it is there
 };
+
+// The names, in UTF-8, that backslashes separate.
+std::vector<std::string> PartsOf(const std::wstring& folder);
+
+// Whether an upload gives names of this form to files that aren't whole yet.
+bool IsPartName(std::string_view name);
 
 // Nothing when the server can't be asked.
 std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& root);

@@ -9,6 +9,9 @@
 #include <iterator>
 #include <utility>
 
+#include "services/providers/http/Utf8.h"
+#include "services/providers/webdav/DavUpload.h"
+
 namespace providers {
 namespace {
 
@@ -32,7 +35,10 @@ bool IsUnshown(wchar_t character) {
 }
 
 // ".", ".." and the empty name begin with a dot or with nothing.
-bool IsLeftOut(const DavItem& item) { return item.name.empty() || item.name.front() == L'.'; }
+bool IsLeftOut(const DavItem& item) {
+    return item.name.empty() || item.name.front() == L'.' ||
+           (!item.isFolder && IsPartName(ToUtf8(item.name)));
+}
 
 bool IsBefore(const PickerRow& left, const PickerRow& right) {
     if (left.item.isFolder != right.item.isFolder) return left.item.isFolder;

@@ -24,7 +24,7 @@ std::wstring ShownName(const std::wstring& name);
 
 // Folders first, then files, each in the order in which the shell sorts names: "2.txt" is before
 // "10.txt". Left out are names that begin with a dot, which servers and their programs keep for
-// themselves, and names that are no part of a path.
+// themselves, files whose upload isn't finished, and names that are no part of a path.
 std::vector<PickerRow> RowsOf(std::vector<DavItem> items);
 
 // The first row from `start` on, then from the first one on, whose name begins with the text in any

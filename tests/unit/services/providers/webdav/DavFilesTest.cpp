@@ -18,6 +18,20 @@ TEST_P(DavFilesTest, KnowsTheSpaceWhereTheServerReportsIt) {
     EXPECT_FALSE(DavSpace(client_, root_).has_value());
 }
 
+// As of a server without a limit.
+TEST_P(DavFilesTest, KnowsNoTotalThatIsNoNumber) {
+    const std::string reply = "status 207|=<multistatus xmlns='DAV:'><response><href>" +
+                              root_.path +
+                              "</href><propstat><prop><quota-available-bytes>9223372036854775807"
+                              "</quota-available-bytes><quota-used-bytes>1</quota-used-bytes>"
+                              "</prop></propstat></response></multistatus>";
+    relay_.On("PROPFIND", reply.c_str());
+    const auto space = DavSpace(client_, root_);
+    ASSERT_TRUE(space.has_value());
+    EXPECT_EQ(INT64_MAX, space->freeBytes);
+    EXPECT_EQ(obcontract::SizeUnknown, space->totalBytes);
+}
+
 TEST_P(DavFilesTest, DeletesAnUploadedFileThatIsUnchanged) {
     const UploadResult result = Upload(L"a.zip", L"");
     ASSERT_EQ(UploadEnd::Done, result.end);

@@ -161,6 +161,31 @@ TEST_F(DavPickerTest, ReadsAgainByF5AndButtonAndKeepsTheRow) {
     });
 }
 
+TEST_F(DavPickerTest, SelectsAllFilesByCtrlA) {
+    const PickResult result = Show([&](PickerUser user) {
+        EXPECT_TRUE(user.Sees(root_));
+        user.Select(1); // a folder
+        user.PressWithCtrl('A');
+        EXPECT_TRUE(WaitUntil([&] { return user.Status() == L"2 selected"; })) << user.Status();
+        for (const int row : {0, 1, 2, 3}) EXPECT_EQ(user.IsSelected(row), row >= 2) << row;
+        EXPECT_EQ(user.Focused(), 1);
+        user.Press(IDOK);
+    });
+    EXPECT_EQ(result.files.size(), 2U);
+}
+
+TEST_F(DavPickerTest, SelectsNothingByCtrlAWhereThereAreOnlyFolders) {
+    fake_->folders[L""] = std::vector{Folder(L"Photos"), Folder(L"Empty")};
+    Show([&](PickerUser user) {
+        EXPECT_TRUE(user.Sees({L"Empty", L"Photos"}));
+        user.Select(0);
+        user.PressWithCtrl('A');
+        EXPECT_TRUE(WaitUntil([&] { return user.Status() == L""; }));
+        EXPECT_FALSE(user.IsEnabled(IDOK));
+        user.Press(IDCANCEL);
+    });
+}
+
 TEST_F(DavPickerTest, FindsRowsByTyping) {
     Show([&](PickerUser user) {
         EXPECT_TRUE(user.Sees(root_));
@@ -369,6 +394,21 @@ TEST_F(DavPickerTest, ExplainsAFolderThatIsGoneAndOneThatCannotBeRead) {
     });
 }
 
+TEST_F(DavPickerTest, ExplainsAListThatIsTooLongAndOneThatTheSystemHasGivenUp) {
+    fake_->folders[L""] = DavErrorOf(HttpError{HttpFault::ReplyTooLong});
+    fake_->folders[L"Photos"] = DavErrorOf(HttpError{HttpFault::Cancelled});
+    Show([&](PickerUser user) {
+        EXPECT_TRUE(user.Reads(L"The server \u201Cfiles.example.com\u201D sends more than can be "
+                               L"shown. Please use a folder with fewer files."));
+        user.Press(IDCANCEL);
+    });
+    fake_->folders[L""] = fake_->folders[L"Photos"];
+    Show([&](PickerUser user) {
+        EXPECT_TRUE(user.Reads(L"The folder can't be read. Please try again."));
+        user.Press(IDCANCEL);
+    });
+}
+
 TEST_F(DavPickerTest, ExplainsThatThereIsNoThread) {
     obtest::ImportPatch patch("kernel32.dll", "CreateThread", &NoThread);
     ASSERT_TRUE(patch.Ok());
@@ -431,6 +471,9 @@ TEST_F(DavPickerTest, ShowsTenThousandFiles) {
         EXPECT_TRUE(WaitUntil([&] { return user.Count() == 10'000; }));
         EXPECT_EQ(user.Cell(0), L"1");
         EXPECT_EQ(user.Cell(9'999), L"10000");
+        user.PressWithCtrl('A');
+        EXPECT_TRUE(WaitUntil([&] { return user.Status() == L"10000 selected"; }));
+        user.Select(-1, false);
         user.Select(9'999);
         EXPECT_TRUE(WaitUntil([&] { return user.Status() == L"1 selected"; }));
         user.Press(IDOK);

@@ -29,6 +29,13 @@ TEST(PickerRows, LeaveOutNamesThatBeginWithADot) {
               (List{L"a.", L"b.."}));
 }
 
+TEST(PickerRows, LeaveOutFilesWhoseUploadIsNotFinished) {
+    const std::wstring part = L"upload-01234567-89AB-CDEF-0123-456789ABCDEF.tmp";
+    EXPECT_EQ(Names(RowsOf({File(part), Folder(part), File(L"upload-of-mine.tmp"),
+                            File(L"upload-.tmp"), File(part + L"2"), File(L"my " + part)})),
+              (List{part, L"my " + part, part + L"2", L"upload-.tmp", L"upload-of-mine.tmp"}));
+}
+
 TEST(PickerRows, ShowNoNameThatLooksLikeAnother) {
     EXPECT_EQ(ShownName(L"a\r\nb\tc\x7F\x85"), L"a\uFFFD\uFFFDb\uFFFDc\uFFFD\uFFFD");
     EXPECT_EQ(ShownName(L"fdp.\u202Eexe"), L"fdp.\uFFFDexe");

@@ -78,6 +78,17 @@ public:
     }
     void Press(int command) const { PressCommand(dialog_, command); }
     void PressKey(WPARAM key) const { PostMessageW(Focus(), WM_KEYDOWN, key, 1); }
+    // On the keyboard itself, which works for the window in front.
+    void PressWithCtrl(WORD key) const {
+        SetForegroundWindow(dialog_);
+        WaitUntil([this] { return GetForegroundWindow() == dialog_; });
+        INPUT keys[4]{};
+        for (INPUT& input : keys) input.type = INPUT_KEYBOARD;
+        keys[0].ki.wVk = keys[3].ki.wVk = VK_CONTROL;
+        keys[1].ki.wVk = keys[2].ki.wVk = key;
+        keys[2].ki.dwFlags = keys[3].ki.dwFlags = KEYEVENTF_KEYUP;
+        SendInput(4, keys, sizeof keys[0]);
+    }
     void Type(wchar_t letter) const { PostMessageW(List(), WM_CHAR, letter, 1); }
     void ChooseAccount(int index) const {
         SendMessageW(Control(OB_DAVPICK_ACCOUNT), CB_SETCURSEL, static_cast<WPARAM>(index), 0);
