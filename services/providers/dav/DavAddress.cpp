@@ -32,9 +32,17 @@ constexpr std::pair<std::string_view, std::string_view> kSchemes[] = {
     {"webdav://", "http://"},
 };
 
+bool BeginsInAnyCase(std::string_view address, std::string_view scheme) {
+    const auto isSame = [](char typed, char known) {
+        return (typed >= 'A' && typed <= 'Z' ? typed | 0x20 : typed) == known;
+    };
+    return std::ranges::equal(address.substr(0, scheme.size()), scheme, isSame);
+}
+
 std::string WithScheme(std::string address) {
     for (const auto& [typed, meant] : kSchemes) {
-        if (address.starts_with(typed)) return std::string(meant) + address.substr(typed.size());
+        if (BeginsInAnyCase(address, typed))
+            return std::string(meant) + address.substr(typed.size());
     }
     return address.find("://") == std::string::npos ? "https://" + address : address;
 }

@@ -45,6 +45,17 @@ bool IsOfTheUser(const DavError& error) {
     return error.fault == DavFault::WrongLogin || IsHttp(error, HttpFault::Cancelled);
 }
 
+// A file whose name isn't UTF-8 can still be linked, by its address. A folder is found by its name.
+std::optional<std::wstring> ShownName(const std::string& name, bool isFolder) {
+    auto exact = FromUtf8(name);
+    if (exact || isFolder) return exact;
+    const auto size = static_cast<int>(name.size());
+    std::wstring text(name.size(), L'\0');
+    const int length = MultiByteToWideChar(CP_UTF8, 0, name.data(), size, text.data(), size);
+    text.resize(static_cast<std::size_t>(std::max(length, 0)));
+    return text;
+}
+
 // The path of an address decoded, as servers write the same name in several ways.
 std::optional<std::string> PlainPath(const HttpUrl& url) {
     return DecodePercent(WithoutSlash(url.path));
@@ -52,23 +63,25 @@ std::optional<std::string> PlainPath(const HttpUrl& url) {
 
 // The name of an entry in a folder; empty when it is the folder itself; nothing when it is
 // elsewhere.
-std::optional<std::wstring> NameIn(const HttpUrl& folder, const HttpUrl& entry) {
+std::optional<std::string> NameIn(const HttpUrl& folder, const HttpUrl& entry) {
     const auto above = PlainPath(folder);
     const auto path = PlainPath(entry);
     if (!above || !path || entry.origin != folder.origin) return std::nullopt;
-    if (*path == *above) return std::wstring();
+    if (*path == *above) return std::string();
     const std::string front = *above == "/" ? "/" : *above + "/";
     if (!path->starts_with(front)) return std::nullopt;
     const std::string_view encoded = WithoutSlash(entry.path);
     const auto name = DecodePercent(encoded.substr(encoded.rfind('/') + 1));
     if (!name || front.size() + name->size() != path->size()) return std::nullopt; // deeper
-    return FromUtf8(*name);
+    return name;
 }
 
 std::optional<DavItem> ItemOf(const HttpUrl& base, const DavEntry& entry) {
     const auto url = ResolveHttpUrl(base, entry.href);
     if (!url) return std::nullopt;
-    auto name = NameIn(base, *url);
+    const auto bytes = NameIn(base, *url);
+    if (!bytes) return std::nullopt;
+    auto name = ShownName(*bytes, entry.isFolder);
     if (!name) return std::nullopt;
     const bool isWeak = entry.etag.starts_with("W/");
     return DavItem{
@@ -198,7 +211,7 @@ DavResult<HttpUrl> DavClient::MakeFolders(const HttpUrl& root,
         const auto* missing = std::get_if<DavError>(&there);
         if (missing && missing->fault != DavFault::NotFound) return *missing;
         if (!missing && !std::get<DavItem>(there).isFolder)
-            return DavError{DavFault::Conflict, 409, {}, std::nullopt};
+            return DavError{DavFault::InTheWay, 0, {}, std::nullopt};
         if (!missing) continue;
         if (const auto error = MakeFolder(url)) return *error;
     }

@@ -1,6 +1,8 @@
 #include "services/providers/dav/DavReply.h"
 
+#include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "services/providers/dav/DavXml.h"
 
@@ -24,6 +26,13 @@ std::string Trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos) return {};
     return std::string(text.substr(first, text.find_last_not_of(kBlanks) - first + 1));
+}
+
+// A version gets into headers of later requests. One that no header may have counts as unknown.
+std::string VersionOf(std::string text) {
+    const bool isPlain =
+        std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < 0x7F; });
+    return isPlain ? std::move(text) : std::string();
 }
 
 // "HTTP/1.1 200 OK".
@@ -105,7 +114,7 @@ private:
     void EndedProperty() {
         const std::string_view name = xml_.Name();
         if (name == "getcontentlength") found_.size = Number(value_);
-        if (name == "getetag") found_.etag = Trimmed(value_);
+        if (name == "getetag") found_.etag = VersionOf(Trimmed(value_));
         if (name == "quota-available-bytes") found_.freeBytes = Number(value_);
         if (name == "quota-used-bytes") found_.usedBytes = Number(value_);
     }

@@ -50,6 +50,26 @@ std::optional<std::uint32_t> RetryAfter(const HttpReply& reply) {
     return static_cast<std::uint32_t>(*until > *now ? std::min(*until - *now, kMost) : 0);
 }
 
+// Names of schemes are compared in any case; one header may have several.
+bool OffersBasic(std::string_view schemes) {
+    constexpr std::string_view kBasic = "basic";
+    const auto isSame = [](char left, char right) { return (left | 0x20) == right; };
+    return std::ranges::search(schemes, kBasic, isSame).size() != 0;
+}
+
+// A server that names no scheme at all is taken for one that knows the usual one.
+bool WantsOtherLogin(const HttpReply& reply) {
+    constexpr std::string_view kSchemes = "www-authenticate";
+    bool hasOther = false;
+    for (const HttpHeader& header : reply.headers) {
+        const bool isSchemes = std::ranges::equal(
+            header.name, kSchemes, [](char left, char right) { return (left | 0x20) == right; });
+        if (isSchemes && OffersBasic(header.value)) return false;
+        hasOther |= isSchemes;
+    }
+    return hasOther;
+}
+
 DavFault FaultOf(int status) {
     const auto* row =
         std::find_if(std::begin(kFaults), std::end(kFaults),
@@ -80,6 +100,7 @@ std::optional<std::uint64_t> ServerTime(const HttpReply& reply) {
 std::optional<DavError> DavErrorOf(const HttpReply& reply) {
     if (reply.status >= 200 && reply.status < 300) return std::nullopt;
     DavError error{FaultOf(reply.status), reply.status, {}, std::nullopt};
+    if (reply.status == 401 && WantsOtherLogin(reply)) error.fault = DavFault::OtherLogin;
     if (reply.status == 429 || reply.status == 503) error.retryAfter = RetryAfter(reply);
     if (reply.status == 503 && error.retryAfter) error.fault = DavFault::TooMany;
     return error;

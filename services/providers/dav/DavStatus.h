@@ -12,10 +12,12 @@ namespace providers {
 enum class DavFault {
     Http,         // no reply: see the HttpError
     WrongLogin,   // 401
+    OtherLogin,   // 401 of a server that takes no user name and password as they are sent
     Forbidden,    // 403
     NotFound,     // 404, 410
     NotPossible,  // 405: the server knows no such request here
     Conflict,     // 409: the folder above is missing
+    InTheWay,     // found by a look: a file in place of a folder, or the other way round
     Taken,        // 412: the name is taken, or the file has changed
     TooLarge,     // 413
     Locked,       // 423

@@ -50,7 +50,7 @@ std::optional<DavError> DavTransfer::LookUp() {
     }
     const auto& item = std::get<DavItem>(there);
     exists_ = true;
-    if (item.isFolder) return DavError{DavFault::Conflict, 409, {}, std::nullopt};
+    if (item.isFolder) return DavError{DavFault::InTheWay, 0, {}, std::nullopt};
     // A server that reports no length isn't asked to go on.
     stored_ = item.size.value_or(0);
     return std::nullopt;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "contracts/ProviderManager.h"
 #include "services/providers/http/Utf8.h"
+#include "services/providers/storage/PickLimits.h"
 
 namespace providers {
 namespace {
@@ -12,7 +12,6 @@ using std::string_view;
 
 constexpr string_view kSharesPath = "ocs/v2.php/apps/files_sharing/api/v1/shares";
 constexpr string_view kCapabilitiesPath = "ocs/v2.php/cloud/capabilities";
-constexpr std::size_t kLongestLink = sizeof(obcontract::CloudItem::link) / sizeof(wchar_t) - 1;
 constexpr std::size_t kLongestMessage = 200; // characters
 
 // Where the interface may be, and which folder its paths begin at.
@@ -132,6 +131,7 @@ std::optional<ShareError> ErrorIn(const HttpReply& reply) {
     const auto meant = DavErrorOf(stated);
     if (!meant) return std::nullopt;
     const bool isRefusal = stated.status < 500 && meant->fault != DavFault::WrongLogin &&
+                           meant->fault != DavFault::OtherLogin &&
                            meant->fault != DavFault::TooMany;
     return ShareError{isRefusal ? ShareFault::Refused : ShareFault::Dav, *meant,
                       CleanMessage(status->message)};
@@ -182,7 +182,8 @@ std::optional<DavError> LoginError(const DavClient& client, const HttpUrl& davRo
     const auto root = client.Look(davRoot);
     const auto* error = std::get_if<DavError>(&root);
     const bool isEnd =
-        error && (error->fault == DavFault::WrongLogin || IsHttp(*error, HttpFault::Cancelled));
+        error && (error->fault == DavFault::WrongLogin || error->fault == DavFault::OtherLogin ||
+                  IsHttp(*error, HttpFault::Cancelled));
     return isEnd ? std::optional(*error) : std::nullopt;
 }
 
@@ -197,17 +198,6 @@ int DaysAhead(const HttpReply& reply) {
     const auto ticks = static_cast<std::int64_t>(now.dwHighDateTime) << 32 | now.dwLowDateTime;
     const std::int64_t ahead = static_cast<std::int64_t>(*server) - ticks / kTicksPerSecond;
     return static_cast<int>((ahead + (ahead < 0 ? -kDay / 2 : kDay / 2)) / kDay);
-}
-
-ShareDate Today() {
-    SYSTEMTIME now{};
-    GetLocalTime(&now);
-    return {std::chrono::year(now.wYear), std::chrono::month(now.wMonth),
-            std::chrono::day(now.wDay)};
-}
-
-ShareDate DaysLater(const ShareDate& date, int days) {
-    return {std::chrono::sys_days(date) + std::chrono::days(days)};
 }
 
 HttpUrl UrlOf(const HttpUrl& shares, const std::string& id) {
@@ -232,6 +222,17 @@ ShareOutcome<std::optional<ShareRules>> RulesIn(const DavResult<HttpReply>& resu
 }
 
 } // namespace
+
+ShareDate Today() {
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    return {std::chrono::year(now.wYear), std::chrono::month(now.wMonth),
+            std::chrono::day(now.wDay)};
+}
+
+ShareDate DaysLater(const ShareDate& date, int days) {
+    return {std::chrono::sys_days(date) + std::chrono::days(days)};
+}
 
 bool IsUsableLink(string_view link, const HttpOrigin& account) {
     constexpr string_view kNotInAMail = "\"<>\\^`{|}";

@@ -104,6 +104,10 @@ private:
     int clockDays_ = 0; // how far the server's clock is ahead of this computer's
 };
 
+// By this computer's calendar.
+ShareDate Today();
+ShareDate DaysLater(const ShareDate& date, int days);
+
 // Whether a link can go into a mail: http or https, at any host, as the server may have another
 // name for others; by https if the account is; visible ASCII without quotation marks, brackets,
 // backslash or pipe; at most as long as CloudItem::link.

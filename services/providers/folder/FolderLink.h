@@ -3,18 +3,12 @@
 
 #include <cstddef>
 #include <string>
-#include <type_traits>
-
-#include "contracts/ProviderManager.h"
 
 namespace providers {
 
 // In a pattern: where the file's path below the folder is put.
 inline constexpr wchar_t kPathPlace[] = L"{path}";
 inline constexpr std::size_t kLongestPattern = 1000; // characters
-// What the record of a file in the cloud has room for; a link is never cut.
-inline constexpr std::size_t kLongestLink =
-    std::extent_v<decltype(obcontract::CloudItem::link)> - 1;
 
 // Whether links can be made by the pattern: an address with a scheme and a host that contains the
 // place for the path, and no blank or control character.

@@ -18,6 +18,7 @@
 #include "services/providers/folder/MadeFolders.h"
 #include "services/providers/folder/PartFile.h"
 #include "services/providers/folder/RepeatedStep.h"
+#include "services/providers/storage/PickLimits.h"
 #include "services/providers/storage/ProviderIds.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"

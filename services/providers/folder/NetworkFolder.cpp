@@ -11,6 +11,7 @@
 #include "services/providers/folder/FolderPath.h"
 #include "services/providers/folder/FolderPick.h"
 #include "services/providers/folder/FolderUpload.h"
+#include "services/providers/storage/PickLimits.h"
 #include "services/providers/storage/ProviderIds.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"

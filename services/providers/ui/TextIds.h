@@ -108,6 +108,9 @@
 #define OB_TEXT_DAV_PROXY_LOGIN 445
 #define OB_TEXT_DAV_NAMED_PROXY_LOGIN 446 // %2: the proxy
 #define OB_TEXT_DAV_TOO_MANY_A_MINUTE 447
+#define OB_TEXT_DAV_OTHER_LOGIN 448
+#define OB_TEXT_DAV_FOLDER_GONE 449
+#define OB_TEXT_DAV_NO_STORING 450
 
 // Accounts of WebDAV servers: login, links. %1 is a file's name where a file is named, else the
 // server.
@@ -127,6 +130,8 @@
 #define OB_TEXT_DAV_NO_LINK_PASSWORDS 422
 #define OB_TEXT_DAV_NO_WAY_TO_LINK 423
 #define OB_TEXT_DAV_PATTERN_NEEDED 424
+#define OB_TEXT_DAV_LONG_PASSWORD 425 // %1: bytes that there is room for
+#define OB_TEXT_DAV_LONG_ADDRESS 426
 
 // The account page of a WebDAV server.
 #define OB_TEXT_DAV_ASKING_LINKS 460

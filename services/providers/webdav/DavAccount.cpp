@@ -16,12 +16,9 @@ constexpr wchar_t kPatternValue[] = L"LinkPattern";
 constexpr wchar_t kPasswordsValue[] = L"LinkPasswords";
 constexpr wchar_t kLabelValue[] = L"Label"; // the book's
 
-// UTF-8 without what isn't: the host of an address that was parsed has nothing else.
-std::wstring Wide(const std::string& text) { return FromUtf8(text).value_or(L""); }
-
 // A server may have several users, and a user may be on several servers.
 std::wstring LabelOf(const DavSettings& settings) {
-    return Wide(HostAndPort(settings.root.origin)) + L" (" + settings.user + L")";
+    return TextFromUtf8(HostAndPort(settings.root.origin)) + L" (" + settings.user + L")";
 }
 
 // Links are made by a pattern last: at no time does an account have the pattern of another folder.
@@ -29,7 +26,8 @@ bool Write(const AccountBook& book, const std::wstring& key, const DavSettings& 
     const auto set = [&](const wchar_t* name, const std::wstring& text) {
         return book.SetText(kWebDavId, key, name, text);
     };
-    return set(kPatternValue, L"") && set(kAddressValue, Wide(HttpUrlText(settings.root))) &&
+    return set(kPatternValue, L"") &&
+           set(kAddressValue, TextFromUtf8(HttpUrlText(settings.root))) &&
            set(kUserValue, settings.user) &&
            set(kPasswordsValue, settings.hasLinkPasswords ? L"1" : L"") &&
            set(kPatternValue, settings.pattern);

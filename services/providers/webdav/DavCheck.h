@@ -10,8 +10,9 @@
 namespace providers {
 
 struct DavCheckResult {
-    std::wstring sentence; // why the login can't be used; empty: it can, and the rest is known
-    HttpUrl root;          // the folder of the account
+    std::wstring sentence;       // why the login can't be used; empty: it can, and `root` is known
+    HttpUrl root;                // the folder of the account
+    bool isAboutAddress = false; // another address may help, and another password doesn't
 };
 
 // Looks for the folder of the account at a typed address and below it. What the server reports

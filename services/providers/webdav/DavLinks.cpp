@@ -1,11 +1,11 @@
 #include "services/providers/webdav/DavLinks.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include "services/providers/folder/FolderLink.h"
 #include "services/providers/http/Utf8.h"
+#include "services/providers/storage/PickLimits.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 #include "services/providers/webdav/DavSentence.h"
@@ -14,14 +14,8 @@
 namespace providers {
 namespace {
 
-using std::chrono::days;
-using std::chrono::sys_days;
-using std::chrono::year_month_day;
-
-std::wstring Wide(std::string_view text) { return FromUtf8(text).value_or(L""); }
-
 std::wstring SentenceAbout(UINT text, const HttpOrigin& server) {
-    return FormatOwnText(text, {Wide(server.host)});
+    return FormatOwnText(text, {TextFromUtf8(server.host)});
 }
 
 ShareResult NotShared(std::wstring sentence) {
@@ -43,15 +37,6 @@ std::string PlainlyEncoded(std::string_view path) {
     }
     return encoded;
 }
-
-year_month_day Today() {
-    SYSTEMTIME now{};
-    GetLocalTime(&now);
-    return {std::chrono::year(now.wYear), std::chrono::month(now.wMonth),
-            std::chrono::day(now.wDay)};
-}
-
-ShareDate DaysFromToday(int count) { return sys_days(Today()) + days(count); }
 
 // An account, and the file of it that is to get a link.
 struct Shared {
@@ -96,8 +81,8 @@ ShareResult ShareByServer(const Shared& shared, const DavClient& client, const L
     if (const auto* error = std::get_if<ShareError>(&made)) return NotShared(shared, *error);
     const auto& link = std::get<LinkShare>(made);
     shared.servers.ForgetShare(shared.accountKey, file);
-    ShareResult result{true, link.link, Wide(link.id), {}, {}};
-    if (password) result.password = Wide(password->Text());
+    ShareResult result{true, link.link, TextFromUtf8(link.id), {}, {}};
+    if (password) result.password = TextFromUtf8(password->Text());
     return result;
 }
 
@@ -127,7 +112,7 @@ LinkPlan PlanLinks(const DavSettings& settings, const std::optional<ShareApi>& s
 std::wstring LinkByPattern(const DavSettings& settings, const HttpUrl& file) {
     if (!IsBelow(file, settings.root)) return {};
     const std::string below = file.path.substr(settings.root.path.size());
-    return PatternLink(settings.pattern, Wide(PlainlyEncoded(below)));
+    return PatternLink(settings.pattern, TextFromUtf8(PlainlyEncoded(below)));
 }
 
 ShareResult ShareDavFile(DavServers& servers, const std::wstring& accountKey, const HttpUrl& file,
@@ -168,14 +153,14 @@ bool EndDavLink(DavServers& servers, const std::wstring& accountKey, const std::
     const auto* api = std::get_if<0>(&server);
     if (!api || !*api) return false;
     return std::holds_alternative<ShareDate>(
-        (*api)->SetExpiry(client, ToUtf8(shareId), DaysFromToday(days)));
+        (*api)->SetExpiry(client, ToUtf8(shareId), DaysLater(Today(), days)));
 }
 
 std::wstring ShareSentence(const ShareError& error, const HttpOrigin& server) {
     switch (error.fault) {
     case ShareFault::Dav:
-        // What isn't there is the file, not the account's folder.
-        if (error.dav.fault == DavFault::NotFound) {
+        // What isn't there is the file, not the account's folder; and no list of files is shown.
+        if (error.dav.fault == DavFault::NotFound || IsHttp(error.dav, HttpFault::ReplyTooLong)) {
             return SentenceAbout(OB_TEXT_DAV_NO_LINK_MADE, server);
         }
         return DavSentence(error.dav, server);
@@ -184,7 +169,8 @@ std::wstring ShareSentence(const ShareError& error, const HttpOrigin& server) {
     case ShareFault::NeedsPassword:
     case ShareFault::Refused:
         if (error.message.empty()) return SentenceAbout(OB_TEXT_DAV_NO_LINK_MADE, server);
-        return FormatOwnText(OB_TEXT_DAV_NO_LINK_BECAUSE, {Wide(server.host), error.message});
+        return FormatOwnText(OB_TEXT_DAV_NO_LINK_BECAUSE,
+                             {TextFromUtf8(server.host), error.message});
     case ShareFault::NoPassword:
         return SentenceAbout(OB_TEXT_DAV_NO_LINK_PASSWORDS, server);
     case ShareFault::OddLink:

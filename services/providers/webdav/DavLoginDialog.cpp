@@ -96,7 +96,10 @@ std::optional<Entered> TakeFields(HWND dialog) {
     }
     const std::size_t size = entered.password.Bytes().size();
     if (size == 0 || size > kLongestAccountPassword) {
-        Refuse(dialog, OB_DAV_PASSWORD, OwnText(OB_TEXT_DAV_NO_PASSWORD));
+        const std::wstring room = std::to_wstring(kLongestAccountPassword);
+        Refuse(dialog, OB_DAV_PASSWORD,
+               size == 0 ? OwnText(OB_TEXT_DAV_NO_PASSWORD)
+                         : FormatOwnText(OB_TEXT_DAV_LONG_PASSWORD, {room}));
         return {};
     }
     return entered;
@@ -119,8 +122,10 @@ void OnChecked(HWND dialog, OpenLogin& open) {
     EnableFields(dialog, true);
     if (!result) result = DavCheckResult{OwnText(OB_TEXT_DAV_CHECK_FAILED), {}};
     if (!result->sentence.empty()) {
-        Refuse(dialog, OB_DAV_PASSWORD, result->sentence);
-        SendMessageW(PasswordField(dialog), EM_SETSEL, 0, -1);
+        const bool isAddress = result->isAboutAddress && !open.login.isKnown;
+        const int field = isAddress ? OB_DAV_ADDRESS : OB_DAV_PASSWORD;
+        Refuse(dialog, field, result->sentence);
+        SendDlgItemMessageW(dialog, field, EM_SETSEL, 0, -1);
         return;
     }
     DavLogin& login = open.login;
@@ -162,9 +167,11 @@ INT_PTR CALLBACK Proc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) n
 
 bool ShowDavLogin(HWND owner, DavLogin& login) {
     OpenLogin open{login};
-    return DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_DAV_LOGIN_DIALOG),
-                           IsWindow(owner) ? owner : nullptr, &Proc,
-                           reinterpret_cast<LPARAM>(&open)) == IDOK;
+    const INT_PTR button =
+        DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_DAV_LOGIN_DIALOG),
+                        IsWindow(owner) ? owner : nullptr, &Proc, reinterpret_cast<LPARAM>(&open));
+    if (button == -1) ShowSentence(owner, OwnText(OB_TEXT_DAV_CHECK_FAILED));
+    return button == IDOK;
 }
 
 } // namespace providers

@@ -222,6 +222,7 @@ DavPageEnd ShowDavPage(HWND owner, DavPage& page) {
     const INT_PTR button =
         DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_DAV_PAGE_DIALOG),
                         IsWindow(owner) ? owner : nullptr, &Proc, reinterpret_cast<LPARAM>(&open));
+    if (button == -1) ShowSentence(owner, OwnText(OB_TEXT_DAV_CHECK_FAILED));
     if (button == IDOK) return DavPageEnd::Saved;
     return button == OB_DAV_PAGE_LOG_OUT ? DavPageEnd::LogOut : DavPageEnd::Cancelled;
 }

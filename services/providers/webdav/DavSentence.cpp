@@ -22,7 +22,7 @@ constexpr Row<HttpFault> kHttpRows[] = {
     {HttpFault::TimedOut, OB_TEXT_DAV_TIMED_OUT},
     {HttpFault::BrokenOff, OB_TEXT_DAV_BROKEN_OFF},
     {HttpFault::Redirected, OB_TEXT_DAV_REDIRECTED},
-    {HttpFault::ReplyTooLong, OB_TEXT_DAV_TOO_MANY_FILES},
+    {HttpFault::ReplyTooLong, OB_TEXT_DAV_NOT_DAV},
     {HttpFault::NeedsHttps, OB_TEXT_DAV_NEEDS_HTTPS},
     {HttpFault::ServerNotListed, OB_TEXT_DAV_NOT_LISTED},
     {HttpFault::FileUnreadable, OB_TEXT_DAV_FILE_UNREADABLE},
@@ -37,12 +37,20 @@ constexpr Row<CertificateFault> kCertificateRows[] = {
 };
 
 constexpr Row<DavFault> kDavRows[] = {
-    {DavFault::WrongLogin, OB_TEXT_DAV_WRONG_LOGIN}, {DavFault::Forbidden, OB_TEXT_DAV_FORBIDDEN},
-    {DavFault::NotFound, OB_TEXT_DAV_NOT_FOUND},     {DavFault::NotPossible, OB_TEXT_DAV_NOT_DAV},
-    {DavFault::Conflict, OB_TEXT_DAV_CONFLICT},      {DavFault::Taken, OB_TEXT_DAV_CHANGED},
-    {DavFault::TooLarge, OB_TEXT_DAV_TOO_LARGE},     {DavFault::Locked, OB_TEXT_DAV_LOCKED},
-    {DavFault::TooMany, OB_TEXT_DAV_TOO_MANY},       {DavFault::NoSpace, OB_TEXT_DAV_NO_SPACE},
-    {DavFault::NotDav, OB_TEXT_DAV_NOT_DAV},         {DavFault::WrongSize, OB_TEXT_DAV_WRONG_SIZE},
+    {DavFault::WrongLogin, OB_TEXT_DAV_WRONG_LOGIN},
+    {DavFault::OtherLogin, OB_TEXT_DAV_OTHER_LOGIN},
+    {DavFault::Forbidden, OB_TEXT_DAV_FORBIDDEN},
+    {DavFault::NotFound, OB_TEXT_DAV_NOT_FOUND},
+    {DavFault::NotPossible, OB_TEXT_DAV_NOT_DAV},
+    {DavFault::Conflict, OB_TEXT_DAV_FOLDER_GONE},
+    {DavFault::InTheWay, OB_TEXT_DAV_CONFLICT},
+    {DavFault::Taken, OB_TEXT_DAV_CHANGED},
+    {DavFault::TooLarge, OB_TEXT_DAV_TOO_LARGE},
+    {DavFault::Locked, OB_TEXT_DAV_LOCKED},
+    {DavFault::TooMany, OB_TEXT_DAV_TOO_MANY},
+    {DavFault::NoSpace, OB_TEXT_DAV_NO_SPACE},
+    {DavFault::NotDav, OB_TEXT_DAV_NOT_DAV},
+    {DavFault::WrongSize, OB_TEXT_DAV_WRONG_SIZE},
 };
 
 template <class Fault, std::size_t Count>
@@ -86,7 +94,10 @@ std::wstring DavSentence(const DavError& error, const HttpOrigin& server) {
 
 std::wstring DavUploadSentence(const DavError& error, const HttpOrigin& server,
                                const std::wstring& fileName) {
-    const std::wstring why = DavSentence(error, server);
+    const std::wstring why =
+        error.fault == DavFault::Forbidden
+            ? FormatOwnText(OB_TEXT_DAV_NO_STORING, {TextFromUtf8(server.host)})
+            : DavSentence(error, server);
     return why.empty() ? why : FormatOwnText(OB_TEXT_DAV_NOT_UPLOADED, {fileName, why});
 }
 

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
-#include "services/providers/folder/FolderLink.h"
 #include "services/providers/http/Utf8.h"
 #include "services/providers/storage/PickLimits.h"
 #include "services/providers/ui/TextIds.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "services/providers/folder/FolderLink.h"
 #include "services/providers/http/Utf8.h"
+#include "services/providers/storage/PickLimits.h"
 #include "services/providers/storage/ProviderIds.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
@@ -13,6 +13,7 @@
 #include "services/providers/webdav/DavDialogIds.h"
 #include "services/providers/webdav/DavPicker.h"
 #include "services/providers/webdav/DavSentence.h"
+#include "services/providers/worker/Event.h"
 
 namespace providers {
 
@@ -22,8 +23,6 @@ namespace {
 
 // The chooser waits for the space, and a deletion has other runs.
 constexpr DavPatience kNoPatience{0, 0, 0, 0};
-
-bool IsSet(HANDLE event) { return WaitForSingleObject(event, 0) == WAIT_OBJECT_0; }
 
 UploadResult Failed(std::wstring sentence) { return {UploadEnd::Failed, {}, std::move(sentence)}; }
 
@@ -104,22 +103,11 @@ private:
     }
     Ended CheckLength(const DavSettings& settings) const {
         HttpUrl target = settings.root;
-        std::wstring below = file_.folder + L'\\' + file_.name;
-        std::ranges::replace(below, L'\\', L'/');
-        target.path += EscapedBelow(below);
+        for (const std::string& part : PartsOf(file_.folder + L'\\' + file_.name)) {
+            target = UrlBelow(target, part);
+        }
         if (LinkByPattern(settings, target).size() <= kLongestLink) return {};
         return Failed(FormatOwnText(OB_TEXT_FOLDER_LINK_TOO_LONG, {file_.name}));
-    }
-    static std::string EscapedBelow(const std::wstring& below) {
-        std::string escaped;
-        const std::string bytes = ToUtf8(below);
-        for (std::size_t at = 0; at <= bytes.size();) {
-            const std::size_t end = std::min(bytes.find('/', at), bytes.size());
-            escaped += EncodePathPart(std::string_view(bytes).substr(at, end - at));
-            if (end < bytes.size()) escaped += '/';
-            at = end + 1;
-        }
-        return escaped;
     }
 
     std::shared_ptr<DavServers> servers_;

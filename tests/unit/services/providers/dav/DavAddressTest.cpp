@@ -37,6 +37,9 @@ TEST_P(DavAddressTest, TakesWhatPeopleType) {
     EXPECT_EQ("https://cloud.example.org/", Typed(L"  cloud.example.org "));
     EXPECT_EQ("https://cloud.example.org:8443/files", Typed(L"cloud.example.org:8443/files"));
     EXPECT_EQ("https://a/", Typed(L"davs://a"));
+    EXPECT_EQ("https://a/Dav/", Typed(L"DAVS://A/Dav/"));
+    EXPECT_EQ("http://localhost/", Typed(L"WebDAV://localhost"));
+    EXPECT_EQ("https://dav/", Typed(L"dav"));
     EXPECT_EQ("http://localhost/", Typed(L"http://localhost"));
     EXPECT_EQ("https://a/%C3%A4%20b", Typed(L"https://a/\u00E4 b"));
     for (const wchar_t* odd : {L"", L"  ", L"ftp://a", L"\\\\server\\share", L"C:\\folder", L"a b",

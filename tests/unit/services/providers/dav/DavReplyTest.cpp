@@ -55,6 +55,20 @@ TEST(DavReplyTest, TakesNumbersThatAreOnesOnly) {
     }
 }
 
+// A version gets into the headers of a deletion.
+TEST(DavReplyTest, TakesVersionsThatAHeaderMayHaveOnly) {
+    for (const char* version : {"&quot;a&#13;&#10;X: y&quot;", "&quot;a b&quot;",
+                                "&#9;&quot;a&#9;b", "&quot;\xC3\xA4&quot;", "a&#127;"}) {
+        const auto entries = ReadMultistatus(
+            Multistatus(Response("/a", "<x:getetag>" + std::string(version) + "</x:getetag>")));
+        ASSERT_TRUE(entries.has_value()) << version;
+        EXPECT_EQ("", entries->at(0).etag) << version;
+    }
+    const auto entries =
+        ReadMultistatus(Multistatus(Response("/a", "<x:getetag> W/&quot;a!~&quot; </x:getetag>")));
+    EXPECT_EQ("W/\"a!~\"", entries.value().at(0).etag);
+}
+
 TEST(DavReplyTest, IgnoresPropertiesOfOthers) {
     const auto entries = ReadMultistatus(Multistatus(Response(
         "/a", "<y:getcontentlength "

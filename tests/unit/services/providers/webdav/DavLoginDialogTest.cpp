@@ -12,6 +12,8 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/webdav/AccountPassword.h"
 #include "services/providers/webdav/DavDialogIds.h"
+#include "tests/support/ImportPatch.h"
+#include "tests/support/MessageBoxWatcher.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
 using namespace providers;
@@ -123,7 +125,32 @@ TEST_F(DavLoginDialog, ExplainsWhatCannotBeTried) {
     ExpectRefusal(L"h", L" ", L"x", OB_DAV_USER, kUser);
     ExpectRefusal(L"h", L"a:b", L"x", OB_DAV_USER, kUser);
     ExpectRefusal(L"h", L"ann", L"", OB_DAV_PASSWORD, L"Please enter your password on the server.");
+    ExpectRefusal(
+        L"h", L"ann", std::wstring(1500, L'\u20AC'), OB_DAV_PASSWORD,
+        L"The password is too long: this computer can keep 2560 bytes. Please ask whoever "
+        L"manages the server for a shorter one.");
     EXPECT_EQ(checks_->count, 0);
+}
+
+// The user reads and changes what has to be another one.
+TEST_F(DavLoginDialog, HasTheFocusOnTheFieldThatTheSentenceIsAbout) {
+    checks_->result.sentence = L"There is no server \u201Ch\u201D.";
+    checks_->result.isAboutAddress = true;
+    ExpectRefusal(L"h", L"ann", L"x", OB_DAV_ADDRESS, checks_->result.sentence);
+    login_.isKnown = true; // its address can't be changed
+    ExpectRefusal(L"h", L"ann", L"x", OB_DAV_PASSWORD, checks_->result.sentence);
+}
+
+INT_PTR WINAPI NoDialog(HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM) { return -1; }
+
+TEST_F(DavLoginDialog, IsExplainedWhenItCannotBeShown) {
+    const obtest::ImportPatch patch("user32.dll", "DialogBoxParamW", &NoDialog);
+    ASSERT_TRUE(patch.Ok());
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_FALSE(ShowDavLogin(nullptr, login_));
+    ASSERT_EQ(boxes.Seen().size(), 1u);
+    EXPECT_EQ(boxes.Seen()[0].text, L"The server can't be asked, because this computer is short of "
+                                    L"memory. Please try again.");
 }
 
 TEST_F(DavLoginDialog, ShowsWhyTheServerCannotBeUsedAndStaysOpen) {

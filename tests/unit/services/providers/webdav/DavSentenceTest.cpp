@@ -73,6 +73,8 @@ TEST(DavSentenceTest, NamesTheFileOfAnUpload) {
         L"\u201Cmy %2 file.zip\u201D wasn't uploaded. There is too little free space"));
     EXPECT_TRUE(sentence.ends_with(L"Nothing was attached, and your files are unchanged."));
     EXPECT_EQ(L"", DavUploadSentence(Of(HttpFault::Cancelled), kServer, L"a"));
+    EXPECT_NE(std::wstring::npos, DavUploadSentence(Of(DavFault::Forbidden, 403), kServer, L"a")
+                                      .find(L"doesn't allow you to store files in the folder"));
 }
 
 } // namespace

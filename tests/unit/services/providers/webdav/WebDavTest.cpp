@@ -13,6 +13,7 @@
 #include "contracts/ProviderManager.h"
 #include "services/providers/storage/ProviderIds.h"
 #include "services/providers/webdav/AccountPassword.h"
+#include "services/providers/webdav/DavCheck.h"
 #include "services/providers/webdav/DavDialogIds.h"
 #include "services/providers/webdav/DavPickerIds.h"
 #include "services/providers/webdav/DavSentence.h"
@@ -227,6 +228,21 @@ TEST_F(WebDavTest, ALoginWithAWrongPasswordIsExplainedInTheDialog) {
     });
     EXPECT_FALSE(provider_.LogIn({}, nullptr));
     EXPECT_EQ(relay_.Logins(), 1); // a wrong password is tried once
+}
+
+TEST_F(WebDavTest, ALoginExplainsAnAddressThatIsTooLongToBeKept) {
+    DavServers servers(book_, kNoPauses);
+    HttpUrl typed = Root();
+    typed.path = "/" + std::string(kLongestDavAddress, 'a') + "/";
+    const std::string reply = "status 207|=<multistatus xmlns='DAV:'><response><href>" +
+                              typed.path +
+                              "</href><propstat><prop><resourcetype><collection/></resourcetype>"
+                              "</prop></propstat></response></multistatus>";
+    relay_.On("PROPFIND", reply.c_str());
+    const DavCheckResult result =
+        CheckDavLogin(servers, typed, login_.user, login_.password, nullptr);
+    EXPECT_THAT(result.sentence, HasSubstr(L"is too long to be kept"));
+    EXPECT_TRUE(result.isAboutAddress);
 }
 
 // What policies refuse is refused before a request.
