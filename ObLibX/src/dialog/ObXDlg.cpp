@@ -3,6 +3,7 @@
 #include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/ObMacro.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
+#include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/DialogRun.h"
 #include "ObLibX/src/dialog/DialogSettings.h"
 #include "ObLibX/src/dialog/FlatDressing.h"
@@ -96,12 +97,22 @@ void ObXDlg::DressControls() {
     auto made = CreateFlatControls(window, templateId,
                                    [&](std::int32_t id) { return controls_.contains(id); });
     for (auto& control : made) AddControl(std::move(control));
+    SettleControls();
     for (const auto& [id, control] : controls_) {
         const HWND item = GetItem(id, true);
         if (control->tooltipText.HasText()) AddTooltip(item, control->tooltipText.CStr());
         control->ownerPage = ownerSheet;
         control->Attach(item);
     }
+}
+
+void ObXDlg::SettleControls() {
+    std::vector<ObCustomControl*> controls;
+    for (const auto& [id, control] : controls_) {
+        control->window = GetItem(id, true);
+        controls.push_back(control.get());
+    }
+    if (TheControlMaker().settle != nullptr) TheControlMaker().settle(window, controls);
 }
 
 // A dialog that is opened again has the objects of its headings already.

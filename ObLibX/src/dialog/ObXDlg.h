@@ -107,6 +107,7 @@ private:
 
     bool EndWith(int result);
     void DressControls();
+    void SettleControls();
     ObCustomControl* ControlOf(HWND control) const;
 
     void TakeHeading(std::unique_ptr<ObCustomControl> heading);
