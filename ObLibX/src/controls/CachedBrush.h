@@ -1,0 +1,28 @@
+// A solid brush that is made again only when its colour changes.
+#pragma once
+
+#include <windows.h>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+
+namespace ObLibX {
+
+// On the thread of the dialogs.
+class CachedBrush {
+public:
+    // The brush belongs to the cache and is valid until another colour is asked for. Null when it
+    // can't be made.
+    HBRUSH Get(COLORREF color) {
+        if (!brush_ || color_ != color) {
+            brush_.Reset(CreateSolidBrush(color));
+            color_ = color;
+        }
+        return brush_.Get();
+    }
+
+private:
+    ObLib::UniqueBrush brush_;
+    COLORREF color_ = 0;
+};
+
+} // namespace ObLibX

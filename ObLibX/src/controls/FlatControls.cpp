@@ -1,0 +1,110 @@
+#include "ObLibX/src/controls/FlatControls.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "ObLibX/src/controls/ControlKinds.h"
+#include "ObLibX/src/controls/DefaultButton.h"
+#include "ObLibX/src/controls/ObCustEdit.h"
+#include "ObLibX/src/controls/ObCustPassword.h"
+#include "ObLibX/src/controls/ObCustStatic.h"
+#include "ObLibX/src/dialog/ControlMaker.h"
+#include "ObLibX/src/dialog/Palette.h"
+
+namespace ObLibX {
+namespace {
+
+using ObLib::ObString;
+using Control = std::unique_ptr<ObCustomControl>;
+
+constexpr int kClassCapacity = 61; // of a class's name, with its NUL
+constexpr DWORD kButtonKindBits = 0xF;
+
+bool IsSplitButton(const WindowTraits& traits) {
+    const DWORD kind = traits.style & kButtonKindBits;
+    return ObString(traits.className.c_str()).CompareNoCase(L"Button") == 0 &&
+           (kind == BS_SPLITBUTTON || kind == BS_DEFSPLITBUTTON);
+}
+
+bool HasNoSplit(HWND button) {
+    BUTTON_SPLITINFO info{};
+    info.mask = BCSIF_STYLE;
+    return SendMessageW(button, BCM_GETSPLITINFO, 0, reinterpret_cast<LPARAM>(&info)) != FALSE &&
+           (info.uSplitStyle & BCSS_NOSPLIT) != 0;
+}
+
+WindowTraits TraitsOf(HWND window) {
+    wchar_t name[kClassCapacity] = {};
+    GetClassNameW(window, name, kClassCapacity);
+    WindowTraits traits{name, static_cast<DWORD>(GetWindowLongPtrW(window, GWL_STYLE)), false};
+    traits.hasNoSplit = IsSplitButton(traits) && HasNoSplit(window);
+    return traits;
+}
+
+// What a control is made from. `description` null: there is none.
+struct Wanted {
+    HWND window;
+    std::int32_t id;
+    const ControlDescription* description;
+};
+
+COLORREF StaticColor(const ControlDescription* description) {
+    const COLORREF hot = GetSysColor(COLOR_HOTLIGHT);
+    const bool isHeading = description != nullptr
+                               ? description->color == hot || description->color == kAccentColor
+                               : hot == 0;
+    if (isHeading) return GetPaletteColor(kPaletteHeading);
+    return description != nullptr ? description->color : 0;
+}
+
+Control MakeStaticText(const Wanted& wanted) {
+    const ControlDescription* const font = wanted.description;
+    const COLORREF color = StaticColor(font);
+    if (font == nullptr) {
+        return std::make_unique<ObFlatStaticText>(wanted.id, ObString(), 0, kNormalFontWeight, 0,
+                                                  color);
+    }
+    return std::make_unique<ObFlatStaticText>(wanted.id, font->fontName, font->fontSize,
+                                              font->fontWeight, font->fontStyle, color);
+}
+
+template <class Edit>
+Control MakeEdit(const Wanted& wanted) {
+    return std::make_unique<Edit>(wanted.id, wanted.description != nullptr ? wanted.description->cue
+                                                                           : ObString());
+}
+
+struct KindRow {
+    ControlKind kind;
+    Control (*make)(const Wanted& wanted);
+};
+
+// What isn't here stays stock.
+constexpr KindRow kKinds[] = {
+    {ControlKind::Edit, &MakeEdit<ObFlatEdit>},
+    {ControlKind::Password, &MakeEdit<ObFlatPassword>},
+    {ControlKind::StaticText, &MakeStaticText},
+};
+
+Control MakeFlatControl(HWND window, const ControlDescription* description) {
+    const ControlKind kind = KindOfControl(TraitsOf(window), description);
+    const auto row = std::ranges::find(kKinds, kind, &KindRow::kind);
+    return row == std::end(kKinds) ? nullptr
+                                   : row->make({window, GetDlgCtrlID(window), description});
+}
+
+Control MakeFlatHeading(std::int32_t id, std::int32_t size, std::int32_t weight,
+                        COLORREF textColor) {
+    return std::make_unique<ObFlatStaticText>(id, ObString(), size, weight, 0, textColor);
+}
+
+} // namespace
+
+void UseFlatControls() {
+    SetControlMaker({&MakeFlatControl, &MakeFlatHeading, &SettleDefaultButton});
+}
+
+} // namespace ObLibX

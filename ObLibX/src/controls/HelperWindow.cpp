@@ -1,0 +1,61 @@
+#include "ObLibX/src/controls/HelperWindow.h"
+
+#include <commctrl.h>
+
+namespace ObLibX {
+namespace {
+
+constexpr UINT_PTR kSubclassId = 1;
+
+HANDLE PropertyValue() { return reinterpret_cast<HANDLE>(INT_PTR{1}); }
+
+// `property` is the name of the property, which must be removed before the window has gone.
+LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                           DWORD_PTR property) {
+    if (message == WM_CLOSE) {
+        DestroyWindow(window);
+        return 0;
+    }
+    if (message == WM_NCDESTROY) {
+        RemovePropW(window, reinterpret_cast<const wchar_t*>(property));
+        RemoveWindowSubclass(window, &Procedure, id);
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+} // namespace
+
+HWND MakeHelperWindow(HWND parent, const PixelRect& rect, const HelperTraits& traits) {
+    const HWND window = CreateWindowExW(traits.extendedStyle, traits.className, traits.title,
+                                        WS_CHILD | traits.style, rect.left, rect.top, rect.Width(),
+                                        rect.Height(), parent, nullptr, nullptr, nullptr);
+    if (window == nullptr) return nullptr;
+    SetWindowPos(window, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    SetPropW(window, traits.property, PropertyValue());
+    SetWindowSubclass(window, &Procedure, kSubclassId,
+                      reinterpret_cast<DWORD_PTR>(traits.property));
+    return window;
+}
+
+int CountWithProperty(HWND parent, const wchar_t* property) {
+    int count = 0;
+    for (HWND child = GetWindow(parent, GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        if (GetPropW(child, property) != nullptr) ++count;
+    }
+    return count;
+}
+
+PixelRect RectInParent(HWND child) {
+    RECT rect{};
+    GetWindowRect(child, &rect);
+    MapWindowPoints(nullptr, GetParent(child), reinterpret_cast<POINT*>(&rect), 2);
+    return {rect.left, rect.top, rect.right, rect.bottom};
+}
+
+void MoveChild(HWND child, const PixelRect& rect) {
+    SetWindowPos(child, nullptr, rect.left, rect.top, rect.Width(), rect.Height(),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+} // namespace ObLibX

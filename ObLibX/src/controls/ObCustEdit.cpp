@@ -1,0 +1,200 @@
+#include "ObLibX/src/controls/ObCustEdit.h"
+
+#include <commctrl.h>
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLibX/src/controls/CachedBrush.h"
+#include "ObLibX/src/controls/HelperWindow.h"
+#include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/controls/TextMeasure.h"
+#include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/utilities/ObUtil.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr COLORREF kDisabledText = 0x808080;
+
+// Of a line. Its height is that of the font, so what the edit contains needn't be read: it may be a
+// password.
+constexpr wchar_t kLine[] = L"Aq";
+
+// One brush for all edits, of the colour that was asked for last.
+HBRUSH EditFillBrush(COLORREF color) {
+    static CachedBrush brush;
+    return brush.Get(color);
+}
+
+bool HasStyle(HWND window, LONG_PTR style) {
+    return (GetWindowLongPtrW(window, GWL_STYLE) & style) != 0;
+}
+
+void TakeBorderOff(HWND window) {
+    SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) & ~WS_BORDER);
+    SetWindowLongPtrW(window, GWL_EXSTYLE,
+                      GetWindowLongPtrW(window, GWL_EXSTYLE) & ~WS_EX_CLIENTEDGE);
+    SetWindowPos(window, nullptr, 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+}
+
+} // namespace
+
+ObFlatEdit::ObFlatEdit(std::int32_t controlId, const ObLib::ObString& cue)
+    : ObCustomControl(controlId, nullptr, ObLib::ObString(), 0), cueText(cue) {}
+
+void ObFlatEdit::Attach(HWND attached) {
+    TakeBorderOff(attached);
+    ObCustomControl::Attach(attached);
+    if (cueText.HasText()) {
+        SendMessageW(window, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(cueText.CStr()));
+    }
+    ObCustomControl::OnFontChanged();
+    places = PlaceEdit(RectInParent(window), Measures());
+    MakeFrame();
+    MoveChild(window, places.edit);
+    SetPropW(window, kEditProperty, this);
+    SetWindowSubclass(window, &ObFlatEdit::Procedure, reinterpret_cast<UINT_PTR>(this),
+                      reinterpret_cast<DWORD_PTR>(this));
+}
+
+EditMeasures ObFlatEdit::Measures() const {
+    const TextSize line = MeasureTextIn(GetControlFont(), kLine, 0, DT_SINGLELINE);
+    return {line.height, frameWidth, HasStyle(window, ES_MULTILINE), HasEye()};
+}
+
+void ObFlatEdit::MakeFrame() {
+    HelperTraits traits;
+    traits.className = L"static";
+    // It must not paint over the edit, which is above it.
+    traits.style = WS_DISABLED | WS_CLIPSIBLINGS;
+    if (!hideFrame && IsShown()) traits.style |= WS_VISIBLE;
+    traits.property = kEditFrameProperty;
+    frameWindow = MakeHelperWindow(GetParent(window), places.frame, traits);
+    if (frameWindow == nullptr) return;
+    SetWindowSubclass(frameWindow, &ObFlatEdit::FrameProcedure, reinterpret_cast<UINT_PTR>(this),
+                      reinterpret_cast<DWORD_PTR>(this));
+}
+
+LRESULT CALLBACK ObFlatEdit::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                       UINT_PTR id, DWORD_PTR object) {
+    auto* const edit = reinterpret_cast<ObFlatEdit*>(object);
+    if (message == WM_NCDESTROY) {
+        RemovePropW(window, kEditProperty);
+        RemoveWindowSubclass(window, &ObFlatEdit::Procedure, id);
+        return DefSubclassProc(window, message, wParam, lParam);
+    }
+    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    static_cast<void>(ObLib::RanGuarded([&] {
+        if (edit->window != nullptr) edit->OnHandled(message, wParam);
+    }));
+    return result;
+}
+
+void ObFlatEdit::OnHandled(UINT message, WPARAM wParam) {
+    switch (message) {
+    case WM_MOVE:
+    case WM_SIZE:
+        OnLayoutChanged();
+        break;
+    case WM_SHOWWINDOW:
+        OnShow(wParam != FALSE);
+        break;
+    case EM_SETREADONLY:
+    case WM_ENABLE:
+        Refresh();
+        break;
+    }
+}
+
+bool ObFlatEdit::IsShown() const { return HasStyle(window, WS_VISIBLE); }
+
+void ObFlatEdit::OnLayoutChanged() {
+    places.edit = RectInParent(window);
+    places.frame = FrameAround(places.edit, frameWidth, places);
+    if (frameWindow != nullptr) {
+        MoveChild(frameWindow, places.frame);
+        InvalidateRect(frameWindow, nullptr, FALSE);
+    }
+    if (spinControl != nullptr) spinControl->FollowEdit(frameWindow, frameWidth);
+}
+
+void ObFlatEdit::OnShow(bool isShown) {
+    if (frameWindow != nullptr) {
+        ShowWindow(frameWindow, isShown && !hideFrame ? SW_SHOWNA : SW_HIDE);
+    }
+    if (spinControl != nullptr) spinControl->OnEditShown(isShown);
+}
+
+// The edit keeps its middle.
+void ObFlatEdit::OnFontChanged() {
+    ObCustomControl::OnFontChanged();
+    const EditMeasures measures = Measures();
+    if (measures.isMultiLine) return;
+    const std::int32_t needed = measures.textHeight + 2 * frameWidth + 1;
+    places.minimumHeight = std::max(places.minimumHeight, needed);
+    MoveChild(window, OfHeight(places.edit, measures.textHeight + 1));
+    Refresh();
+}
+
+void ObFlatEdit::Refresh() {
+    ObCustomControl::Refresh();
+    if (window != nullptr && frameWindow != nullptr) InvalidateRect(frameWindow, nullptr, FALSE);
+}
+
+HBRUSH ObFlatEdit::OnCtlColor(HDC dc, HWND control) {
+    if (IsHighContrast()) return nullptr;
+    const COLORREF fill = GetFillColor();
+    ::SetTextColor(dc, IsWindowEnabled(control) ? GetTextColor() : kDisabledText);
+    SetBkColor(dc, fill);
+    return EditFillBrush(fill);
+}
+
+// ---- the frame
+
+LRESULT CALLBACK ObFlatEdit::FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM lParam,
+                                            UINT_PTR id, DWORD_PTR object) {
+    auto* const edit = reinterpret_cast<ObFlatEdit*>(object);
+    switch (message) {
+    case WM_ERASEBKGND:
+        return TRUE; // WM_PAINT paints all of it
+    case WM_PAINT:
+        static_cast<void>(ObLib::RanGuarded([&] { edit->PaintFrame(); }));
+        return 0;
+    case WM_NCDESTROY:
+        edit->frameWindow = nullptr;
+        RemoveWindowSubclass(frame, &ObFlatEdit::FrameProcedure, id);
+        break;
+    }
+    return DefSubclassProc(frame, message, wParam, lParam);
+}
+
+COLORREF ObFlatEdit::RingColor() const {
+    if (!HasStyle(window, ES_READONLY) || keepFrameWhenReadOnly) {
+        return GetPaletteColor(kPaletteFrame);
+    }
+    return IsHighContrast() ? GetSysColor(COLOR_WINDOW) : GetParentBackground(window);
+}
+
+void ObFlatEdit::PaintFrame() {
+    const PaintDc paint(frameWindow);
+    if (paint.Get() == nullptr || window == nullptr) return;
+    const PixelRect area = ClientArea(frameWindow);
+    // The eye is below the frame in the Z-order, where the system doesn't clip it.
+    const PixelRect eye = EyeArea();
+    const PixelRect frame = RectInParent(frameWindow);
+    ExcludeClipRect(paint.Get(), eye.left - frame.left, eye.top - frame.top, eye.right - frame.left,
+                    eye.bottom - frame.top);
+    FillAsEdit(paint.Get(), AsRect(area));
+    FrameArea(paint.Get(), area, RingColor(), frameWidth);
+}
+
+// By the brush that the parent gives the edit.
+void ObFlatEdit::FillAsEdit(HDC dc, const RECT& area) const {
+    const bool isStatic = HasStyle(window, ES_READONLY | WS_DISABLED);
+    const LRESULT brush =
+        SendMessageW(GetParent(window), isStatic ? WM_CTLCOLORSTATIC : WM_CTLCOLOREDIT,
+                     reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(window));
+    FillRect(dc, &area, reinterpret_cast<HBRUSH>(brush));
+}
+
+} // namespace ObLibX

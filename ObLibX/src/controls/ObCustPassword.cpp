@@ -1,0 +1,238 @@
+#include "ObLibX/src/controls/ObCustPassword.h"
+
+#include <windowsx.h>
+
+#include <commctrl.h>
+#include <oleacc.h>
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLibX/src/controls/ControlImages.h"
+#include "ObLibX/src/controls/HelperWindow.h"
+#include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/dialog/Images.h"
+#include "ObLibX/src/dialog/Tooltips.h"
+#include "ObLibX/src/utilities/ObUtil.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr WPARAM kPasswordCharacter = L'*';
+constexpr std::int32_t kTipText = 62264;
+constexpr std::int32_t kNameText = 62265;
+constexpr LPARAM kWasDown = 1 << 30; // of a key: it repeats
+
+bool IsDown(int key) { return GetKeyState(key) < 0; }
+
+bool IsHidden(HWND edit) { return (GetWindowLongPtrW(edit, GWL_STYLE) & ES_PASSWORD) != 0; }
+
+} // namespace
+
+ObFlatPassword::ObFlatPassword(std::int32_t controlId, const ObLib::ObString& cue)
+    : ObFlatEdit(controlId, cue) {}
+
+void ObFlatPassword::Attach(HWND attached) {
+    ObFlatEdit::Attach(attached);
+    MakeEye();
+    tooltipWindow = MakeTooltipWindow(GetParent(window));
+    SetPropW(window, kPasswordProperty, this);
+    SetWindowSubclass(window, &ObFlatPassword::Procedure, reinterpret_cast<UINT_PTR>(this),
+                      reinterpret_cast<DWORD_PTR>(this));
+    SendMessageW(window, EM_SETPASSWORDCHAR, kPasswordCharacter, 0);
+}
+
+void ObFlatPassword::MakeEye() {
+    const HWND parent = GetParent(window);
+    wchar_t title[32] = {};
+    wsprintfW(title, L"Eyeball %d", CountWithProperty(parent, kEditEyeProperty) + 1);
+    HelperTraits traits;
+    traits.className = L"button";
+    traits.title = title;
+    traits.style = IsShown() && IsWindowEnabled(window) ? WS_VISIBLE : 0;
+    traits.extendedStyle = WS_EX_TRANSPARENT;
+    traits.property = kEditEyeProperty;
+    eyeButton = MakeHelperWindow(parent, EyeIn(places.frame, frameWidth, places.eyeWidth), traits);
+    if (eyeButton == nullptr) return;
+    SetWindowSubclass(eyeButton, &ObFlatPassword::EyeProcedure, reinterpret_cast<UINT_PTR>(this),
+                      reinterpret_cast<DWORD_PTR>(this));
+}
+
+// ---- the edit
+
+LRESULT CALLBACK ObFlatPassword::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                           UINT_PTR id, DWORD_PTR object) {
+    auto* const password = reinterpret_cast<ObFlatPassword*>(object);
+    if (message == WM_NCDESTROY) {
+        RemovePropW(window, kPasswordProperty);
+        RemoveWindowSubclass(window, &ObFlatPassword::Procedure, id);
+    } else if (message == WM_KEYDOWN || message == WM_SYSKEYDOWN) {
+        static_cast<void>(ObLib::RanGuarded([&] { password->OnKeyDown(wParam, lParam); }));
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+// Keys that repeat don't count, or the text would flicker.
+void ObFlatPassword::OnKeyDown(WPARAM key, LPARAM flags) {
+    const bool isOfPair = (key == VK_MENU || key == VK_F8) && (flags & kWasDown) == 0;
+    if (!isOfPair || !IsDown(VK_MENU) || !IsDown(VK_F8)) return;
+    Toggle();
+    FocusAtEnd();
+}
+
+void ObFlatPassword::OnHandled(UINT message, WPARAM wParam) {
+    ObFlatEdit::OnHandled(message, wParam);
+    if (message == WM_ENABLE) OnShow(IsShown());
+    if (message == EM_SETPASSWORDCHAR) RepaintEye();
+}
+
+void ObFlatPassword::OnLayoutChanged() {
+    ObFlatEdit::OnLayoutChanged();
+    if (eyeButton == nullptr) return;
+    MoveChild(eyeButton, EyeIn(places.frame, frameWidth, places.eyeWidth));
+    RepaintEye();
+}
+
+void ObFlatPassword::Refresh() {
+    ObFlatEdit::Refresh();
+    RepaintEye();
+}
+
+void ObFlatPassword::OnShow(bool isShown) {
+    ObFlatEdit::OnShow(isShown);
+    if (eyeButton == nullptr) return;
+    ShowWindow(eyeButton, isShown && IsWindowEnabled(window) ? SW_SHOWNA : SW_HIDE);
+    Refresh();
+}
+
+void ObFlatPassword::Toggle() {
+    reveal = !reveal;
+    SetFocus(window);
+    SendMessageW(window, EM_SETPASSWORDCHAR, reveal ? 0 : kPasswordCharacter, 0);
+    SetWindowPos(window, nullptr, 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+    InvalidateRect(window, nullptr, TRUE);
+    RepaintEye();
+    SetFocus(GetParent(window));
+}
+
+void ObFlatPassword::FocusAtEnd() {
+    const int end = GetWindowTextLengthW(window);
+    SetFocus(window);
+    SendMessageW(window, EM_SETSEL, static_cast<WPARAM>(end), end);
+}
+
+// ---- the eye
+
+LRESULT CALLBACK ObFlatPassword::EyeProcedure(HWND eye, UINT message, WPARAM wParam, LPARAM lParam,
+                                              UINT_PTR id, DWORD_PTR object) {
+    auto* const password = reinterpret_cast<ObFlatPassword*>(object);
+    if (message == WM_NCDESTROY) {
+        password->accessible_.End();
+        password->eyeButton = nullptr;
+        RemoveWindowSubclass(eye, &ObFlatPassword::EyeProcedure, id);
+        return DefSubclassProc(eye, message, wParam, lParam);
+    }
+    LRESULT result = 0;
+    const bool isDone = password->window != nullptr && ObLib::Guarded(false, [&] {
+                            return password->OnEyeMessage(message, wParam, lParam, result);
+                        });
+    return isDone ? result : DefSubclassProc(eye, message, wParam, lParam);
+}
+
+// True: the button isn't told. It would paint itself, take the focus and notify the dialog.
+bool ObFlatPassword::OnEyeMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    switch (message) {
+    case WM_PAINT:
+        PaintEye();
+        return true;
+    case WM_PRINTCLIENT:
+        DrawEye(reinterpret_cast<HDC>(wParam));
+        return true;
+    case WM_ERASEBKGND:
+        result = TRUE;
+        return true;
+    case WM_LBUTTONDOWN:
+        OnLeftButtonDown(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
+        return true;
+    case WM_LBUTTONDBLCLK:
+        focusAfterPaint = true;
+        RepaintEye();
+        return true;
+    case BM_SETSTATE:
+    case BM_SETSTYLE:
+    case WM_ENABLE:
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS:
+        RepaintEye();
+        return true;
+    case WM_MOUSEMOVE:
+        AddEyeTip();
+        return false;
+    case WM_GETOBJECT:
+        result = accessible_.OnGetObject(eyeButton, wParam, lParam, *this);
+        return result != 0;
+    }
+    return false;
+}
+
+void ObFlatPassword::OnLeftButtonDown(int, int) {
+    Toggle();
+    focusAfterPaint = true;
+}
+
+void ObFlatPassword::AddEyeTip() {
+    if (tooltipWindow == nullptr || SendMessageW(tooltipWindow, TTM_GETTOOLCOUNT, 0, 0) != 0) {
+        return;
+    }
+    tipText_ = ObLib::ObString(kTipText);
+    AddTool(tooltipWindow, eyeButton, tipText_.CStr());
+}
+
+PixelRect ObFlatPassword::EyeArea() const {
+    const bool isShown =
+        eyeButton != nullptr && (GetWindowLongPtrW(eyeButton, GWL_STYLE) & WS_VISIBLE) != 0;
+    return isShown ? RectInParent(eyeButton) : PixelRect();
+}
+
+void ObFlatPassword::RepaintEye() {
+    if (eyeButton != nullptr) InvalidateRect(eyeButton, nullptr, FALSE);
+}
+
+void ObFlatPassword::PaintEye() {
+    {
+        const PaintDc paint(eyeButton);
+        if (paint.Get() != nullptr) DrawEye(paint.Get());
+    }
+    if (!focusAfterPaint) return;
+    focusAfterPaint = false;
+    FocusAtEnd();
+}
+
+void ObFlatPassword::DrawEye(HDC dc) {
+    const OffscreenPaint paint(eyeButton, dc);
+    if (!paint) return;
+    FillAsEdit(paint.Dc(), AsRect(paint.Area()));
+    reveal = !IsHidden(window);
+    if (IsWindowEnabled(window)) {
+        images = ImageSet(ImageList(reveal ? ControlImage::EyeVisible : ControlImage::EyeHidden));
+        const ObLib::UniqueBitmap eye = LoadImage(GetImageId(images, 0, GetDpi()));
+        const SIZE size = ImageSize(eye.Get());
+        DrawImage(paint.Dc(), eye.Get(), (paint.Area().Width() - size.cx) / 2,
+                  (paint.Area().Height() - size.cy) / 2);
+    }
+    paint.Show();
+}
+
+// ---- what screen readers get
+
+ObLib::ObString ObFlatPassword::AccessibleName() { return ObLib::ObString(kNameText); }
+
+LONG ObFlatPassword::AccessibleRole() { return ROLE_SYSTEM_PUSHBUTTON; }
+
+LONG ObFlatPassword::AccessibleState() { return IsHidden(window) ? 0 : STATE_SYSTEM_PRESSED; }
+
+void ObFlatPassword::DoAccessibleAction() {
+    if (window == nullptr || !IsWindowEnabled(window)) return;
+    OnLeftButtonDown(0, 0);
+}
+
+} // namespace ObLibX

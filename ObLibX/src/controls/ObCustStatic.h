@@ -1,0 +1,38 @@
+// A static text in the flat look.
+#pragma once
+
+#include "ObLibX/src/controls/CachedBrush.h"
+#include "ObLibX/src/dialog/ObCustCtrl.h"
+
+namespace ObLibX {
+
+// On white. A text that doesn't fit its window gets a smaller font, or the window grows
+// (TextFit.h).
+class ObFlatStaticText : public ObCustomControl {
+public:
+    // `name` empty: the base font; `size` 0: the base size.
+    ObFlatStaticText(std::int32_t id, const ObLib::ObString& name, std::int32_t size,
+                     std::int32_t weight, std::int32_t style, COLORREF color);
+
+    void Attach(HWND attached) override;
+    HBRUSH OnCtlColor(HDC dc, HWND control) override;
+    // In high contrast that of windows: white behind a dark scheme's text can't be meant.
+    COLORREF GetRawFillColor() override;
+
+    // Makes `newText` fit, or, for null, the window's own text; `fontSize` keeps what it is reduced
+    // to. The process ends when no font can be made.
+    void FitText(const wchar_t* newText);
+
+protected:
+    void OnFontChanged() override;
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                      UINT_PTR id, DWORD_PTR object);
+    void SetFont();
+    void OnTextSet();
+
+    CachedBrush brush_;
+};
+
+} // namespace ObLibX

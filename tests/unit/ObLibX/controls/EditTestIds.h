@@ -1,0 +1,7 @@
+// Ids of the dialogs that the tests of texts and edits open.
+#pragma once
+
+#define OB_TEST_FIELDS 2301
+#define OB_TEST_TEXTS 2302
+#define OB_TEST_TWO_PUSHES 2303
+#define OB_TEST_SAME_IDS 2304

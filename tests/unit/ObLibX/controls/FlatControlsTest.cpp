@@ -1,0 +1,198 @@
+// The dressing of a dialog: which objects its windows get, and with what of the description.
+#include "ObLibX/src/controls/FlatControls.h"
+
+#include "ObLibX/src/controls/DefaultButton.h"
+#include "ObLibX/src/controls/ObCustPassword.h"
+#include "ObLibX/src/controls/ObCustStatic.h"
+#include "ObLibX/src/dialog/Palette.h"
+#include "tests/unit/ObLib/FatalExit.h"
+#include "tests/unit/ObLibX/controls/EditFixture.h"
+
+namespace {
+
+using namespace ObLibX;
+using namespace fieldtest;
+
+class FlatControlsTest : public FieldsTest {};
+
+TEST_F(FlatControlsTest, DressEditsAndPasswords) {
+    Open(OB_TEST_FIELDS, false);
+    EXPECT_TRUE(Is<ObFlatEdit>(1001) && !Is<ObFlatPassword>(1001));
+    EXPECT_TRUE(Is<ObFlatEdit>(1002));
+    EXPECT_TRUE(Is<ObFlatPassword>(1003));
+    EXPECT_STREQ(L"Your name", Object<ObFlatEdit>(1001).cueText.CStr());
+    EXPECT_STREQ(L"Your password", Object<ObFlatEdit>(1003).cueText.CStr());
+    EXPECT_FALSE(Object<ObFlatEdit>(1002).cueText.HasText());
+    EXPECT_EQ(nullptr, dialog_->GetControl(7777)) << "described, but there is no such window";
+}
+
+TEST_F(FlatControlsTest, GiveAnEditTheBaseFontWhateverItsDescription) {
+    Open(OB_TEST_FIELDS, false);
+    EXPECT_STREQ(L"Segoe UI", Object<ObFlatEdit>(1001).fontName.CStr());
+    EXPECT_EQ(9, Object<ObFlatEdit>(1001).fontSize);
+}
+
+TEST_F(FlatControlsTest, GiveATextItsFont) {
+    Open(OB_TEST_TEXTS, false);
+    const auto& plain = Object<ObFlatStaticText>(1001);
+    EXPECT_EQ(GetFont(9, L"Segoe UI", 400, 0), plain.GetControlFont());
+    EXPECT_EQ(GetFont(8, L"Arial", 700, 1), Object<ObFlatStaticText>(1002).GetControlFont());
+    EXPECT_EQ(GetFont(9, L"Segoe UI", 600, 0), Object<ObFlatStaticText>(1006).GetControlFont());
+}
+
+TEST_F(FlatControlsTest, GiveATextItsColour) {
+    Open(OB_TEST_TEXTS, false);
+    EXPECT_EQ(0u, Object<ObFlatStaticText>(1001).textColor);
+    EXPECT_EQ(GetPaletteColor(14), Object<ObFlatStaticText>(1003).textColor);
+    EXPECT_EQ(GetPaletteColor(14), Object<ObFlatStaticText>(1004).textColor);
+    EXPECT_EQ(255u, Object<ObFlatStaticText>(1005).textColor);
+    EXPECT_EQ(0u, Object<ObFlatStaticText>(1007).textColor);
+    for (const int id : {1001, 1002, 1003, 1005}) {
+        EXPECT_EQ(0xFFFFFFu, Object<ObFlatStaticText>(id).GetRawFillColor());
+    }
+}
+
+// A colour of the system for a scope.
+class SystemColor {
+public:
+    SystemColor(int index, COLORREF color) : index_(index), old_(GetSysColor(index)) {
+        SetSysColors(1, &index_, &color);
+    }
+    ~SystemColor() { SetSysColors(1, &index_, &old_); }
+    SystemColor(const SystemColor&) = delete;
+    SystemColor& operator=(const SystemColor&) = delete;
+
+private:
+    int index_;
+    COLORREF old_;
+};
+
+TEST_F(FlatControlsTest, TakeTheSystemsHotColourForAHeading) {
+    isContrast = true; // palette 14 is a colour of the system then
+    const SystemColor heading(COLOR_BTNTEXT, 0x00FFFF);
+    {
+        const SystemColor hot(COLOR_HOTLIGHT, 255);
+        Open(OB_TEST_TEXTS, false);
+        EXPECT_EQ(0x00FFFFu, Object<ObFlatStaticText>(1005).textColor) << "equals the hot colour";
+        EXPECT_EQ(0x00FFFFu, Object<ObFlatStaticText>(1003).textColor) << "HOTLIGHT";
+        EXPECT_EQ(0u, Object<ObFlatStaticText>(1001).textColor);
+    }
+    const SystemColor hot(COLOR_HOTLIGHT, 0);
+    Open(OB_TEST_TEXTS, false);
+    EXPECT_EQ(0x00FFFFu, Object<ObFlatStaticText>(1001).textColor) << "no description, hot is 0";
+    EXPECT_EQ(0x00FFFFu, Object<ObFlatStaticText>(1007).textColor) << "its colour is 0";
+}
+
+TEST_F(FlatControlsTest, MakeHeadingsOfGroupBoxes) {
+    Open(OB_TEST_TEXTS, false);
+    const auto& heading = Object<ObFlatStaticText>(1008);
+    EXPECT_EQ(700, heading.fontWeight);
+    EXPECT_EQ(GetPaletteColor(14), heading.textColor);
+    EXPECT_EQ(9, heading.fontSize) << "from 11, as it is too narrow";
+    EXPECT_GT(RectOf(1008).Height(), FromUnits(0, 0, 0, 8).Height());
+}
+
+TEST_F(FlatControlsTest, LeaveOtherWindowsAlone) {
+    Open(OB_TEST_TEXTS, false);
+    EXPECT_EQ(nullptr, dialog_->GetControl(1009));
+    EXPECT_EQ(nullptr, dialog_->GetControl(0));
+    EXPECT_STREQ(L"data", dialog_->GetControl(1007)->itemData.CStr());
+}
+
+TEST_F(FlatControlsTest, DressADialogThatIsOpenedAgain) {
+    Open(OB_TEST_FIELDS);
+    ObCustomControl* const first = dialog_->GetControl(1003);
+    DestroyWindow(dialog_->window);
+    dialog_->Create(nullptr);
+    EXPECT_EQ(first, dialog_->GetControl(1003));
+    EXPECT_EQ(Item(1003), first->window);
+    EXPECT_EQ(dialog_->window, GetParent(Object<ObFlatPassword>(1003).eyeButton));
+}
+
+TEST_F(FlatControlsTest, EndTheProcessForTwoLabelsWithOneId) {
+    EXPECT_FATAL(Open(OB_TEST_SAME_IDS, false), "ObLibX\\src\\ObXDlg.cpp");
+}
+
+// ---- the default button
+
+class FakeButton : public ObCustomControl {
+public:
+    FakeButton(std::int32_t id, HWND button, COLORREF fill) : ObCustomControl(id, nullptr, L"", 0) {
+        window = button;
+        fillColor = fill;
+    }
+};
+
+class DefaultButtonTest : public FieldsTest {
+protected:
+    void SetUp() override {
+        FieldsTest::SetUp();
+        SetControlMaker({});
+        Open(OB_TEST_TWO_PUSHES, false);
+    }
+    void MakeDefault(std::int32_t id) const {
+        SetWindowLongPtrW(Item(id), GWL_STYLE,
+                          GetWindowLongPtrW(Item(id), GWL_STYLE) | BS_DEFPUSHBUTTON);
+    }
+    LONG_PTR Kind(std::int32_t id) const { return GetWindowLongPtrW(Item(id), GWL_STYLE) & 0xF; }
+    // Objects with these fills for the two push buttons and the check box.
+    void Settle(COLORREF first, COLORREF second, COLORREF check) {
+        buttons_.clear();
+        const COLORREF fills[] = {first, second, check};
+        std::vector<ObCustomControl*> objects;
+        for (int at = 0; at < 3; ++at) {
+            buttons_.push_back(std::make_unique<FakeButton>(1001 + at, Item(1001 + at), fills[at]));
+            objects.push_back(buttons_.back().get());
+        }
+        SettleDefaultButton(dialog_->window, objects);
+    }
+
+    std::vector<std::unique_ptr<FakeButton>> buttons_;
+};
+
+constexpr COLORREF kPlain = 0xF6F6F6;
+
+TEST_F(DefaultButtonTest, GetsTheAccentWhereNoButtonHasIt) {
+    MakeDefault(1002);
+    Settle(kPlain, kPlain, kAccentColor);
+    EXPECT_EQ(kAccentColor, buttons_[1]->fillColor);
+    EXPECT_EQ(0xFFFFFFu, buttons_[1]->textColor);
+    EXPECT_EQ(kAccentColor, buttons_[1]->GetHoverColor());
+    EXPECT_EQ(kAccentColor, buttons_[1]->GetPressedColor());
+    EXPECT_EQ(kPlain, buttons_[0]->fillColor);
+    EXPECT_EQ(0u, buttons_[0]->textColor);
+}
+
+TEST_F(DefaultButtonTest, StaysPlainBesideAnAccentButton) {
+    MakeDefault(1002);
+    Settle(kAccentColor, kPlain, kPlain);
+    EXPECT_EQ(kPlain, buttons_[1]->fillColor);
+    EXPECT_EQ(BS_PUSHBUTTON, Kind(1001));
+    EXPECT_EQ(BS_DEFPUSHBUTTON, Kind(1002));
+}
+
+TEST_F(DefaultButtonTest, IsTheAccentButtonWhereThereIsNone) {
+    Settle(kPlain, kAccentColor, kAccentColor);
+    EXPECT_EQ(BS_PUSHBUTTON, Kind(1001));
+    EXPECT_EQ(BS_DEFPUSHBUTTON, Kind(1002));
+    EXPECT_EQ(BS_AUTOCHECKBOX, Kind(1003)) << "only push buttons count";
+    const auto reply = static_cast<DWORD>(SendMessageW(dialog_->window, DM_GETDEFID, 0, 0));
+    EXPECT_EQ(MAKELONG(1002, DC_HASDEFID), static_cast<LONG>(reply)) << "Enter presses it";
+    EXPECT_EQ(0u, buttons_[1]->textColor) << "its colours are its own";
+}
+
+TEST_F(DefaultButtonTest, IsNoneWithoutEither) {
+    Settle(kPlain, kPlain, kAccentColor);
+    EXPECT_EQ(BS_PUSHBUTTON, Kind(1001));
+    EXPECT_EQ(BS_PUSHBUTTON, Kind(1002));
+    EXPECT_EQ(kPlain, buttons_[0]->fillColor);
+}
+
+TEST_F(DefaultButtonTest, HasTheSystemsHotColourInHighContrast) {
+    isContrast = true;
+    MakeDefault(1001);
+    Settle(kPlain, kPlain, kPlain);
+    EXPECT_EQ(GetSysColor(COLOR_HOTLIGHT), buttons_[0]->fillColor);
+}
+
+} // namespace

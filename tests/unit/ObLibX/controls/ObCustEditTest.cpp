@@ -1,0 +1,240 @@
+// Text fields in the flat look: the frame around the edit, and how it follows.
+#include "ObLibX/src/controls/ObCustEdit.h"
+
+#include <commctrl.h>
+
+#include "ObLibX/src/controls/TextMeasure.h"
+#include "ObLibX/src/utilities/ObUtil.h"
+#include "tests/unit/ObLibX/controls/EditFixture.h"
+
+namespace {
+
+using namespace ObLibX;
+using namespace fieldtest;
+
+constexpr COLORREF kRing = 0xDFDFDF;
+constexpr COLORREF kWhite = 0xFFFFFF;
+
+class ObFlatEditTest : public FieldsTest {
+protected:
+    void SetUp() override {
+        FieldsTest::SetUp();
+        Open(OB_TEST_FIELDS);
+    }
+    ObFlatEdit& Edit(std::int32_t id) const { return Object<ObFlatEdit>(id); }
+    HWND Frame(std::int32_t id) const { return Edit(id).frameWindow; }
+    static std::int32_t LineHeight() {
+        return MeasureTextIn(GetFont(0, L"", 400, 0), L"Aq", 0, DT_SINGLELINE).height;
+    }
+    // What is drawn from the outside of a frame's left edge inwards.
+    std::vector<COLORREF> LeftEdge(std::int32_t id) const {
+        PaintNow(Frame(id));
+        std::vector<COLORREF> colors;
+        for (int x = 0; x < 4; ++x) colors.push_back(PixelOf(Frame(id), x, 4));
+        return colors;
+    }
+};
+
+TEST_F(ObFlatEditTest, TakesTheBorderOff) {
+    for (const int id : {1001, 1002, 1003}) {
+        EXPECT_EQ(0, GetWindowLongPtrW(Item(id), GWL_STYLE) & WS_BORDER) << id;
+        EXPECT_EQ(0, GetWindowLongPtrW(Item(id), GWL_EXSTYLE) & WS_EX_CLIENTEDGE) << id;
+        RECT client{};
+        GetClientRect(Item(id), &client);
+        EXPECT_EQ(RectOf(id).Width(), client.right) << id;
+    }
+}
+
+TEST_F(ObFlatEditTest, IsAsTallAsItsTextInTheMiddleOfAFrame) {
+    const PixelRect placed = FromUnits(10, 10, 100, 14);
+    const PixelRect frame = RectInParent(Frame(1001));
+    EXPECT_EQ((PixelRect{placed.left - 2, placed.top - 2, placed.right + 2, placed.bottom + 2}),
+              frame);
+    const PixelRect edit = RectOf(1001);
+    EXPECT_EQ(LineHeight() + 1, edit.Height());
+    EXPECT_EQ(placed.left, edit.left);
+    EXPECT_EQ(placed.right, edit.right);
+    EXPECT_LE(std::abs((edit.top - frame.top) - (frame.bottom - edit.bottom)), 1);
+    EXPECT_EQ(frame.Height() + 1, Edit(1001).places.minimumHeight);
+}
+
+TEST_F(ObFlatEditTest, KeepsItsHeightWithSeveralLines) {
+    EXPECT_EQ(FromUnits(10, 40, 100, 40), RectOf(1002));
+}
+
+TEST_F(ObFlatEditTest, HasRoomForItsTextInAWindowThatIsTooLow) {
+    EXPECT_EQ(LineHeight() + 1, RectOf(1009).Height());
+    const PixelRect frame = RectInParent(Frame(1009));
+    EXPECT_EQ(LineHeight() + 5, frame.Height());
+    EXPECT_EQ(frame.top + 2, RectOf(1009).top);
+}
+
+TEST_F(ObFlatEditTest, HasAFrameThatTakesNoPartInTheDialog) {
+    const HWND frame = Frame(1001);
+    EXPECT_TRUE(IsWindowVisible(frame));
+    EXPECT_FALSE(IsWindowEnabled(frame));
+    EXPECT_EQ(dialog_->window, GetParent(frame));
+    EXPECT_EQ(0, GetDlgCtrlID(frame));
+    EXPECT_EQ(reinterpret_cast<HANDLE>(1), GetPropW(frame, L"OB_EDIT_FRAME"));
+    EXPECT_EQ(nullptr, dialog_->GetControl(0)) << "and isn't dressed";
+}
+
+TEST_F(ObFlatEditTest, HasItsFrameBelowAllWindowsOfTheTemplate) {
+    for (HWND above = GetWindow(Frame(1001), GW_HWNDNEXT); above != nullptr;
+         above = GetWindow(above, GW_HWNDNEXT)) {
+        EXPECT_EQ(0, GetDlgCtrlID(above)) << "only frames and eyes are further down";
+    }
+}
+
+TEST_F(ObFlatEditTest, IsFoundByItsWindow) {
+    EXPECT_EQ(&Edit(1001), GetPropW(Item(1001), L"PROP_EDIT_OBJECT"));
+    EXPECT_EQ(nullptr, GetPropW(Item(1001), L"PROP_PASSWORD_OBJECT"));
+}
+
+TEST_F(ObFlatEditTest, ShowsACueWhileItIsEmpty) {
+    wchar_t cue[40] = {};
+    SendMessageW(Item(1001), EM_GETCUEBANNER, reinterpret_cast<WPARAM>(cue), 40);
+    EXPECT_STREQ(L"Your name", cue);
+}
+
+TEST_F(ObFlatEditTest, HasTheFrameOfAnEdit) {
+    EXPECT_EQ((std::vector<COLORREF>{kRing, kRing, kWhite, kWhite}), LeftEdge(1001));
+    EXPECT_EQ((std::vector<COLORREF>{kRing, kRing, kWhite, kWhite}), LeftEdge(1006)) << "disabled";
+    EXPECT_EQ((std::vector<COLORREF>{kRing, kRing, kWhite, kWhite}), LeftEdge(1003));
+    const PixelRect frame = RectInParent(Frame(1001));
+    EXPECT_EQ(kRing, PixelOf(Frame(1001), frame.Width() - 2, frame.Height() / 2));
+    EXPECT_EQ(kRing, PixelOf(Frame(1001), frame.Width() / 2, 1));
+    EXPECT_EQ(kRing, PixelOf(Frame(1001), frame.Width() / 2, frame.Height() - 1));
+}
+
+TEST_F(ObFlatEditTest, LooksLikeALabelWhenItIsReadOnly) {
+    EXPECT_EQ((std::vector<COLORREF>(4, GetParentBackground(Item(1004)))), LeftEdge(1004));
+    Edit(1004).keepFrameWhenReadOnly = true;
+    EXPECT_EQ(kRing, LeftEdge(1004)[1]);
+}
+
+TEST_F(ObFlatEditTest, BecomesALabelAndAnEditAgain) {
+    UpdateWindow(Frame(1001));
+    SendMessageW(Item(1001), EM_SETREADONLY, TRUE, 0);
+    EXPECT_TRUE(GetUpdateRect(Frame(1001), nullptr, FALSE));
+    UpdateWindow(Frame(1001));
+    EXPECT_EQ(kWhite, PixelOf(Frame(1001), 0, 4));
+    SendMessageW(Item(1001), EM_SETREADONLY, FALSE, 0);
+    UpdateWindow(Frame(1001));
+    EXPECT_EQ(kRing, PixelOf(Frame(1001), 0, 4));
+}
+
+TEST_F(ObFlatEditTest, IsFilledAsItsFrame) {
+    const HDC dc = GetDC(Item(1006));
+    const HBRUSH brush = Edit(1006).OnCtlColor(dc, Item(1006));
+    EXPECT_EQ(GetParentBackground(Item(1006)), ColorOfBrush(brush));
+    EXPECT_EQ(brush, Edit(1004).OnCtlColor(dc, Item(1004))) << "one brush for all edits";
+    EXPECT_EQ(brush, dialog_->OnCtlColorStatic(Item(1006), dc)) << "what the system asks for";
+    Edit(1006).SetFillColor(0x00FF00);
+    EXPECT_EQ(0x00FF00u, ColorOfBrush(Edit(1006).OnCtlColor(dc, Item(1006))));
+    EXPECT_EQ(0x00FF00u, GetBkColor(dc));
+    EXPECT_EQ(0x808080u, GetTextColor(dc)) << "disabled";
+    Edit(1004).SetTextColor(0x123456);
+    Edit(1004).OnCtlColor(dc, Item(1004));
+    EXPECT_EQ(0x123456u, GetTextColor(dc)) << "read-only";
+    isContrast = true;
+    EXPECT_EQ(nullptr, Edit(1006).OnCtlColor(dc, Item(1006)));
+    ReleaseDC(Item(1006), dc);
+}
+
+TEST_F(ObFlatEditTest, MovesItsFrameAlong) {
+    const std::int32_t least = Edit(1001).places.minimumHeight;
+    SetWindowPos(Item(1001), nullptr, 30, 100, 80, 12, SWP_NOZORDER);
+    PixelRect frame = RectInParent(Frame(1001));
+    EXPECT_EQ(28, frame.left);
+    EXPECT_EQ(112, frame.right);
+    EXPECT_EQ(least, frame.Height());
+    EXPECT_EQ(OfHeight(frame, 12).top, 100) << "centred on the edit";
+    SetWindowPos(Item(1001), nullptr, 30, 100, 80, 90, SWP_NOZORDER);
+    frame = RectInParent(Frame(1001));
+    EXPECT_EQ((PixelRect{28, 98, 112, 192}), frame);
+    EXPECT_EQ(frame, Edit(1001).places.frame);
+    EXPECT_EQ((PixelRect{30, 100, 110, 190}), Edit(1001).places.edit);
+}
+
+TEST_F(ObFlatEditTest, ShowsAndHidesItsFrame) {
+    EXPECT_FALSE(IsWindowVisible(Frame(1005))) << "hidden in the template";
+    ShowWindow(Item(1005), SW_SHOW);
+    EXPECT_TRUE(IsWindowVisible(Frame(1005)));
+    ShowWindow(Item(1001), SW_HIDE);
+    EXPECT_FALSE(IsWindowVisible(Frame(1001)));
+}
+
+// An edit of the test's own, with a frame as it wants it.
+TEST_F(ObFlatEditTest, CanBeWithoutAFrameToBeSeen) {
+    const HWND window = CreateWindowExW(WS_EX_CLIENTEDGE, L"edit", L"", WS_CHILD | WS_VISIBLE, 10,
+                                        10, 80, 20, dialog_->window, nullptr, nullptr, nullptr);
+    ObFlatEdit edit(78);
+    edit.hideFrame = true;
+    edit.frameWidth = 1;
+    edit.Attach(window);
+    EXPECT_EQ((PixelRect{9, 9, 91, 31}), RectInParent(edit.frameWindow));
+    EXPECT_FALSE(IsWindowVisible(edit.frameWindow));
+    ShowWindow(window, SW_HIDE);
+    ShowWindow(window, SW_SHOW);
+    EXPECT_FALSE(IsWindowVisible(edit.frameWindow));
+    DestroyWindow(window);
+    EXPECT_EQ(nullptr, edit.window);
+    DestroyWindow(edit.frameWindow);
+    EXPECT_EQ(nullptr, edit.frameWindow);
+    edit.Refresh();
+    edit.OnShow(true);
+}
+
+TEST_F(ObFlatEditTest, ClosesItsFrameOnDemand) {
+    const HWND frame = Frame(1001);
+    SendMessageW(frame, WM_CLOSE, 0, 0);
+    EXPECT_FALSE(IsWindow(frame));
+    EXPECT_EQ(nullptr, Frame(1001));
+    SetWindowPos(Item(1001), nullptr, 0, 0, 50, 50, SWP_NOZORDER);
+}
+
+class RecordingFollower : public EditFollower {
+public:
+    void FollowEdit(HWND frame, std::int32_t width) override {
+        frames.push_back(frame);
+        frameWidth = width;
+    }
+    void OnEditShown(bool isShown) override { shown.push_back(isShown); }
+
+    std::vector<HWND> frames;
+    std::int32_t frameWidth = 0;
+    std::vector<bool> shown;
+};
+
+TEST_F(ObFlatEditTest, ReportsMovesToItsSpinControl) {
+    RecordingFollower spin;
+    Edit(1001).spinControl = &spin;
+    SetWindowPos(Item(1001), nullptr, 20, 20, 0, 0, SWP_NOZORDER | SWP_NOSIZE);
+    EXPECT_EQ(std::vector<HWND>{Frame(1001)}, spin.frames);
+    EXPECT_EQ(2, spin.frameWidth);
+    ShowWindow(Item(1001), SW_HIDE);
+    ShowWindow(Item(1001), SW_SHOW);
+    EXPECT_EQ((std::vector<bool>{false, true}), spin.shown);
+    Edit(1001).spinControl = nullptr;
+}
+
+TEST_F(ObFlatEditTest, IsAsTallAsAFontThatItIsGivenLater) {
+    const PixelRect before = RectOf(1001);
+    Edit(1001).SetControlFont(L"Arial", 30, 400, 0);
+    const PixelRect now = RectOf(1001);
+    EXPECT_GT(now.Height(), before.Height());
+    EXPECT_LE(std::abs(before.Centre().y - now.Centre().y), 1);
+    EXPECT_LE(now.Height() + 4, RectInParent(Frame(1001)).Height());
+    const PixelRect lines = RectOf(1002);
+    Edit(1002).SetControlFont(L"Arial", 30, 400, 0);
+    EXPECT_EQ(lines, RectOf(1002)) << "of several lines";
+}
+
+TEST_F(ObFlatEditTest, KeepsTheFrameOfAnEditInHighContrast) {
+    isContrast = true;
+    EXPECT_EQ(kRing, LeftEdge(1001)[1]);
+    EXPECT_EQ(GetSysColor(COLOR_WINDOW), LeftEdge(1004)[1]) << "read-only";
+}
+
+} // namespace
