@@ -8,8 +8,10 @@
 
 #include "ObLibX/src/controls/ControlKinds.h"
 #include "ObLibX/src/controls/DefaultButton.h"
+#include "ObLibX/src/controls/ObCustBtn.h"
 #include "ObLibX/src/controls/ObCustEdit.h"
 #include "ObLibX/src/controls/ObCustPassword.h"
+#include "ObLibX/src/controls/ObCustSlider.h"
 #include "ObLibX/src/controls/ObCustStatic.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/Palette.h"
@@ -77,6 +79,16 @@ Control MakeEdit(const Wanted& wanted) {
                                                                            : ObString());
 }
 
+template <class Class>
+Control MakePlain(const Wanted& wanted) {
+    return std::make_unique<Class>(wanted.id);
+}
+
+template <class Bar, ScrollOrientation Orientation>
+Control MakeBar(const Wanted& wanted) {
+    return std::make_unique<Bar>(wanted.id, Orientation);
+}
+
 struct KindRow {
     ControlKind kind;
     Control (*make)(const Wanted& wanted);
@@ -87,6 +99,16 @@ constexpr KindRow kKinds[] = {
     {ControlKind::Edit, &MakeEdit<ObFlatEdit>},
     {ControlKind::Password, &MakeEdit<ObFlatPassword>},
     {ControlKind::StaticText, &MakeStaticText},
+    {ControlKind::HorizontalScrollbar, &MakeBar<ObFlatScrollbar, ScrollOrientation::Horizontal>},
+    {ControlKind::VerticalScrollbar, &MakeBar<ObFlatScrollbar, ScrollOrientation::Vertical>},
+    {ControlKind::HorizontalSlider, &MakeBar<ObFlatSlider, ScrollOrientation::Horizontal>},
+    {ControlKind::VerticalSlider, &MakeBar<ObFlatSlider, ScrollOrientation::Vertical>},
+    {ControlKind::Button, &MakePlain<ObFlatBtn>},
+    {ControlKind::BlueButton, &MakePlain<ObFlatBlueBtn>},
+    {ControlKind::SettingsButton, &MakePlain<ObFlatSettingsBtn>},
+    {ControlKind::BrowserButton, &MakePlain<ObFlatBrowserBtn>},
+    {ControlKind::SplitButton, &MakePlain<ObFlatSplitBtn>},
+    {ControlKind::DropButton, &MakePlain<ObFlatDropBtn>},
 };
 
 Control MakeFlatControl(HWND window, const ControlDescription* description) {

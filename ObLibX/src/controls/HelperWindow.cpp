@@ -1,7 +1,5 @@
 #include "ObLibX/src/controls/HelperWindow.h"
 
-#include <commctrl.h>
-
 namespace ObLibX {
 namespace {
 
@@ -56,6 +54,12 @@ PixelRect RectInParent(HWND child) {
 void MoveChild(HWND child, const PixelRect& rect) {
     SetWindowPos(child, nullptr, rect.left, rect.top, rect.Width(), rect.Height(),
                  SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void RemoveSubclass(HWND window, SUBCLASSPROC procedure, const void* object) {
+    if (window != nullptr) {
+        RemoveWindowSubclass(window, procedure, reinterpret_cast<UINT_PTR>(object));
+    }
 }
 
 } // namespace ObLibX

@@ -42,6 +42,12 @@ void TakeBorderOff(HWND window) {
 ObFlatEdit::ObFlatEdit(std::int32_t controlId, const ObLib::ObString& cue)
     : ObCustomControl(controlId, nullptr, ObLib::ObString(), 0), cueText(cue) {}
 
+// Windows that outlive their object go on as stock ones.
+ObFlatEdit::~ObFlatEdit() {
+    RemoveSubclass(window, &ObFlatEdit::Procedure, this);
+    RemoveSubclass(frameWindow, &ObFlatEdit::FrameProcedure, this);
+}
+
 void ObFlatEdit::Attach(HWND attached) {
     TakeBorderOff(attached);
     ObCustomControl::Attach(attached);

@@ -30,6 +30,7 @@ public:
     // `cue`: shown while the edit is empty, with the focus too.
     explicit ObFlatEdit(std::int32_t id, const ObLib::ObString& cue = {});
 
+    ~ObFlatEdit() override;
     // Takes the border off, gives an edit of one line the height of its text, and makes the frame.
     // The process ends when no font can be made.
     void Attach(HWND attached) override;

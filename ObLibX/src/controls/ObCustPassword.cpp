@@ -30,6 +30,12 @@ bool IsHidden(HWND edit) { return (GetWindowLongPtrW(edit, GWL_STYLE) & ES_PASSW
 ObFlatPassword::ObFlatPassword(std::int32_t controlId, const ObLib::ObString& cue)
     : ObFlatEdit(controlId, cue) {}
 
+// Windows that outlive their object go on as stock ones.
+ObFlatPassword::~ObFlatPassword() {
+    RemoveSubclass(window, &ObFlatPassword::Procedure, this);
+    RemoveSubclass(eyeButton, &ObFlatPassword::EyeProcedure, this);
+}
+
 void ObFlatPassword::Attach(HWND attached) {
     ObFlatEdit::Attach(attached);
     MakeEye();

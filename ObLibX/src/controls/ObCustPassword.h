@@ -13,6 +13,7 @@ public:
     // As ObFlatEdit.
     explicit ObFlatPassword(std::int32_t id, const ObLib::ObString& cue = {});
 
+    ~ObFlatPassword() override;
     void Attach(HWND attached) override;
     void OnLayoutChanged() override;
     void Refresh() override;

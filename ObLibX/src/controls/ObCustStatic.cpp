@@ -4,6 +4,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/ObWinGUI.h"
+#include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/TextMeasure.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/utilities/ObUtil.h"
@@ -65,6 +66,11 @@ ObFlatStaticText::ObFlatStaticText(std::int32_t controlId, const ObLib::ObString
     fontStyle = style;
     textColor = color;
     fillColor = GetPaletteColor(kPaletteWhite);
+}
+
+// A window that outlives its object goes on as a stock one.
+ObFlatStaticText::~ObFlatStaticText() {
+    RemoveSubclass(window, &ObFlatStaticText::Procedure, this);
 }
 
 void ObFlatStaticText::Attach(HWND attached) {

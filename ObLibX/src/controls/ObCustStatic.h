@@ -14,6 +14,7 @@ public:
     ObFlatStaticText(std::int32_t id, const ObLib::ObString& name, std::int32_t size,
                      std::int32_t weight, std::int32_t style, COLORREF color);
 
+    ~ObFlatStaticText() override;
     void Attach(HWND attached) override;
     HBRUSH OnCtlColor(HDC dc, HWND control) override;
     // In high contrast that of windows: white behind a dark scheme's text can't be meant.

@@ -1,9 +1,16 @@
 // The dressing of a dialog: which objects its windows get, and with what of the description.
 #include "ObLibX/src/controls/FlatControls.h"
 
+#include <commctrl.h>
+
+#include <typeinfo>
+
 #include "ObLibX/src/controls/DefaultButton.h"
+#include "ObLibX/src/controls/ObCustBtn.h"
 #include "ObLibX/src/controls/ObCustPassword.h"
+#include "ObLibX/src/controls/ObCustSlider.h"
 #include "ObLibX/src/controls/ObCustStatic.h"
+#include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/controls/EditFixture.h"
@@ -111,6 +118,55 @@ TEST_F(FlatControlsTest, DressADialogThatIsOpenedAgain) {
 
 TEST_F(FlatControlsTest, EndTheProcessForTwoLabelsWithOneId) {
     EXPECT_FATAL(Open(OB_TEST_SAME_IDS, false), "ObLibX\\src\\ObXDlg.cpp");
+}
+
+TEST_F(FlatControlsTest, DressBars) {
+    Open(OB_TEST_CLASSES, false);
+    EXPECT_EQ(typeid(ObFlatScrollbar), typeid(*dialog_->GetControl(1001)));
+    EXPECT_EQ(ScrollOrientation::Horizontal, Object<ObFlatScrollbar>(1001).Orientation());
+    EXPECT_EQ(typeid(ObFlatScrollbar), typeid(*dialog_->GetControl(1002)));
+    EXPECT_EQ(ScrollOrientation::Vertical, Object<ObFlatScrollbar>(1002).Orientation());
+    EXPECT_EQ(typeid(ObFlatSlider), typeid(*dialog_->GetControl(1003)));
+    EXPECT_EQ(ScrollOrientation::Horizontal, Object<ObFlatScrollbar>(1003).Orientation());
+    EXPECT_EQ(typeid(ObFlatSlider), typeid(*dialog_->GetControl(1004)));
+    EXPECT_EQ(ScrollOrientation::Vertical, Object<ObFlatScrollbar>(1004).Orientation());
+}
+
+TEST_F(FlatControlsTest, DressPushButtons) {
+    Open(OB_TEST_CLASSES, false);
+    EXPECT_EQ(typeid(ObFlatBtn), typeid(*dialog_->GetControl(1011)));
+    EXPECT_EQ(typeid(ObFlatBlueBtn), typeid(*dialog_->GetControl(1012)));
+    EXPECT_EQ(typeid(ObFlatBlueBtn), typeid(*dialog_->GetControl(1013)));
+    EXPECT_EQ(typeid(ObFlatSettingsBtn), typeid(*dialog_->GetControl(1014)));
+    EXPECT_EQ(typeid(ObFlatBrowserBtn), typeid(*dialog_->GetControl(1015)));
+    EXPECT_EQ(typeid(ObFlatSplitBtn), typeid(*dialog_->GetControl(1016)));
+    EXPECT_EQ(typeid(ObFlatDropBtn), typeid(*dialog_->GetControl(1017)));
+    EXPECT_EQ(nullptr, dialog_->GetControl(1018));
+    EXPECT_EQ(typeid(ObFlatBtn), typeid(*dialog_->GetControl(1019)));
+    EXPECT_EQ(nullptr, dialog_->GetControl(1020));
+}
+
+TEST_F(FlatControlsTest, TakeTheWindowsOwnSplitStyleForADropButton) {
+    Open(OB_TEST_CLASSES, false);
+    BUTTON_SPLITINFO info{};
+    info.mask = BCSIF_STYLE;
+    info.uSplitStyle = BCSS_NOSPLIT;
+    SendMessageW(Item(1016), BCM_SETSPLITINFO, 0, reinterpret_cast<LPARAM>(&info));
+    const auto made = TheControlMaker().control(Item(1016), nullptr);
+    EXPECT_EQ(typeid(ObFlatDropBtn), typeid(*made));
+}
+
+TEST_F(FlatControlsTest, GiveThePlainDefaultButtonTheAccent) {
+    Open(OB_TEST_DEFAULT, false);
+    EXPECT_EQ(kAccentColor, dialog_->GetControl(1)->GetFillColor());
+    EXPECT_EQ(0xFFFFFFu, dialog_->GetControl(1)->GetTextColor());
+    EXPECT_EQ(0xF6F6F6u, dialog_->GetControl(2)->GetFillColor());
+}
+
+TEST_F(FlatControlsTest, MakeTheBlueButtonTheDefault) {
+    Open(OB_TEST_ACCENT, false);
+    EXPECT_EQ(BS_DEFPUSHBUTTON, GetWindowLongPtrW(Item(1001), GWL_STYLE) & 0xF);
+    EXPECT_EQ(BS_PUSHBUTTON, GetWindowLongPtrW(Item(2), GWL_STYLE) & 0xF);
 }
 
 // ---- the default button
