@@ -59,6 +59,7 @@ foreach(name
         EditLayout
         FadedColor
         ListColumns
+        ProgressLayout
         ScrollLayout
         SwitchLayout
         TextFit)

@@ -1,0 +1,134 @@
+#include "ObLibX/src/controls/ObCustProgress.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/dialog/Palette.h"
+
+namespace ObLibX {
+namespace {
+
+constexpr int kFrameThickness = 2; // at every scale
+
+struct StateColor {
+    LRESULT state;
+    COLORREF color;
+};
+// Every other state has the accent colour.
+constexpr StateColor kStateColors[] = {{PBST_ERROR, 0x2626DA}, {PBST_PAUSED, 0x26CBDA}};
+
+// One for all progress bars.
+HBRUSH WhiteBrush() { return static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)); }
+
+} // namespace
+
+ObFlatProgressBar::ObFlatProgressBar(std::int32_t controlId)
+    : ObCustomControl(controlId, nullptr, L"", 0) {}
+
+void ObFlatProgressBar::Attach(HWND attached) {
+    ObCustomControl::Attach(attached);
+    SetWindowSubclass(window, &ObFlatProgressBar::Procedure, reinterpret_cast<UINT_PTR>(this),
+                      reinterpret_cast<DWORD_PTR>(this));
+    Refresh();
+}
+
+LRESULT CALLBACK ObFlatProgressBar::Procedure(HWND window, UINT message, WPARAM wParam,
+                                              LPARAM lParam, UINT_PTR id, DWORD_PTR object) {
+    auto* const bar = reinterpret_cast<ObFlatProgressBar*>(object);
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(window, &ObFlatProgressBar::Procedure, id);
+        bar->RunMarquee(false);
+    } else if (ObLib::Guarded(true, [&] { return bar->OnMessage(message, wParam); })) {
+        return message == WM_ERASEBKGND ? TRUE : 0;
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+bool ObFlatProgressBar::OnMessage(UINT message, WPARAM wParam) {
+    switch (message) {
+    case WM_PAINT:
+        OnPaint();
+        return true;
+    case WM_PRINTCLIENT:
+        Paint(reinterpret_cast<HDC>(wParam));
+        return true;
+    case WM_NCPAINT:
+    case WM_ERASEBKGND: // all of it is painted
+        return true;
+    case WM_TIMER:
+        if (wParam == kMarqueeTimer) Tick();
+        return true;
+    case PBM_SETMARQUEE:
+        RunMarquee(wParam != FALSE && HasStyle(PBS_MARQUEE));
+        return false;
+    default:
+        return false;
+    }
+}
+
+void ObFlatProgressBar::OnPaint() {
+    const PaintDc dc(window);
+    if (dc.Get() != nullptr) Paint(dc.Get());
+}
+
+bool ObFlatProgressBar::HasStyle(LONG_PTR style) const {
+    return (GetWindowLongPtrW(window, GWL_STYLE) & style) != 0;
+}
+
+void ObFlatProgressBar::RunMarquee(bool isOn) {
+    if (isOn == isMarquee) return;
+    isMarquee = isOn;
+    marquee = {};
+    if (isOn) {
+        SetTimer(window, kMarqueeTimer, kMarqueePeriod, nullptr);
+    } else {
+        KillTimer(window, kMarqueeTimer);
+    }
+    Refresh();
+}
+
+void ObFlatProgressBar::Tick() {
+    if (!isMarquee) return;
+    const PixelRect area = ClientArea(window);
+    marquee = marquee.Moved(HasStyle(PBS_VERTICAL) ? area.Height() : area.Width());
+    Refresh();
+}
+
+COLORREF ObFlatProgressBar::BarColor() const {
+    const auto own = static_cast<COLORREF>(SendMessageW(window, PBM_GETBARCOLOR, 0, 0));
+    if (own != CLR_DEFAULT) return own;
+    const LRESULT state = SendMessageW(window, PBM_GETSTATE, 0, 0);
+    const auto* const found = std::ranges::find(kStateColors, state, &StateColor::state);
+    return found == std::end(kStateColors) ? GetPaletteColor(kPaletteAccent) : found->color;
+}
+
+PixelRect ObFlatProgressBar::Filled(const PixelRect& area) const {
+    const bool isVertical = HasStyle(PBS_VERTICAL);
+    if (isMarquee) return FilledPart(area, isVertical, marquee.start, marquee.end);
+    const auto limit = static_cast<std::int32_t>(SendMessageW(window, PBM_GETRANGE, FALSE, 0));
+    const auto position = static_cast<std::int32_t>(SendMessageW(window, PBM_GETPOS, 0, 0));
+    const std::int32_t length = isVertical ? area.Height() : area.Width();
+    return FilledPart(area, isVertical, 0, FilledLength(length, position, limit));
+}
+
+void ObFlatProgressBar::Paint(HDC dc) {
+    const OffscreenPaint picture(window, dc);
+    if (!picture) return;
+    const PixelRect& area = picture.Area();
+    FillArea(picture.Dc(), area, GetPaletteColor(kPaletteButtonFill));
+    FillArea(picture.Dc(), Filled(area), BarColor());
+    FrameArea(picture.Dc(), area, GetPaletteColor(kPaletteFrame), kFrameThickness);
+    picture.Show();
+}
+
+HBRUSH ObFlatProgressBar::OnCtlColor(HDC dc, HWND) {
+    SetBkMode(dc, TRANSPARENT);
+    return WhiteBrush();
+}
+
+} // namespace ObLibX
