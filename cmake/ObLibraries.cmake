@@ -17,9 +17,9 @@
 #                 dep::pugixml can't link it too
 #   ${OB_HEIF_DLL}  libheif with libde265 inside: a DLL, loaded at run time and linked by nothing
 #   dep::pugixml  an XML reader in its wide form, static (tests and measurements only); its source
-#                 lies in ${OB_PREFIX_PUGIXML}/source
+#                 is in ${OB_PREFIX_PUGIXML}/source
 if(NOT EXISTS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
-    message(FATAL_ERROR "Run tools/setup first: it builds the libraries and says where they are.")
+    message(FATAL_ERROR "Run tools/setup first: it builds the libraries and writes down their paths.")
 endif()
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/build/setup.cmake")
 include("${CMAKE_SOURCE_DIR}/build/setup.cmake")

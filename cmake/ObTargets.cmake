@@ -57,11 +57,11 @@ function(ob_resources target)
         if(NOT IS_ABSOLUTE "${script}")
             set(folder "${CMAKE_CURRENT_SOURCE_DIR}/${folder}")
         endif()
-        file(GLOB_RECURSE neighbours CONFIGURE_DEPENDS
+        file(GLOB_RECURSE companions CONFIGURE_DEPENDS
             "${folder}/*.rc" "${folder}/*.h" "${folder}/*.rc2" "${folder}/*.rcinc"
             "${folder}/*.manifest" "${folder}/*.xml" "${folder}/*.bmp" "${folder}/*.ico" "${folder}/*.html")
-        list(FILTER neighbours EXCLUDE REGEX "/build/")
-        set_property(SOURCE ${script} APPEND PROPERTY OBJECT_DEPENDS ${neighbours})
+        list(FILTER companions EXCLUDE REGEX "/build/")
+        set_property(SOURCE ${script} APPEND PROPERTY OBJECT_DEPENDS ${companions})
         set_property(SOURCE ${script} APPEND PROPERTY INCLUDE_DIRECTORIES
             "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/WebVellant" "${folder}"
             "${CMAKE_CURRENT_BINARY_DIR}")
@@ -164,7 +164,7 @@ endfunction()
 # build time; a suite that is written in a header is named under SUITES. A suite that the program
 # has and no entry runs is an error of every entry, and so is an entry that matches no test.
 #
-# STAGE items lie beside the program when it runs, as copies of its own: a target (its built file),
+# STAGE items are beside the program when it runs, as copies of its own: a target (its built file),
 # a file or a folder; "name=item" gives it another name or a folder ("sub/name.dll=target").
 # TIMEOUT is for one suite (default 60). RUN hands options on to tools/wine-run (--dpi 144, --services ...).
 # COST is about what the longest of the suites takes, where that is more than ten seconds: such suites begin first,

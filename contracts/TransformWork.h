@@ -338,7 +338,7 @@ enum class WorkOutcome : std::uint32_t {
 struct WorkDone {
     WorkOutcome outcome;
     std::uint32_t reserved; // zero
-    std::uint64_t size;     // bytes in the target, or as the kind says; zero unless Changed
+    std::uint64_t size;     // bytes in the target, or by the kind; zero unless Changed
 };
 static_assert(sizeof(WorkDone) == 16);
 static_assert(offsetof(WorkDone, outcome) == 0);

@@ -15,7 +15,7 @@ class Writer:
         self.random = random.Random(seed)
         syllables = [a + b for a in "b c d f g h l m n p r s t v w st tr ch".split() for b in "a e i o u ai en or".split()]
         self.words = ["".join(self.random.choices(syllables, k=self.random.randint(1, 4))) for _ in range(12000)]
-        # Often used words stand in front, as in a language.
+        # The first words are used most, as in a language.
         self.weights = [1 / (rank + 3) for rank in range(len(self.words))]
         self.phrases = [" ".join(self.pick(self.random.randint(2, 6))) for _ in range(3000)]
 

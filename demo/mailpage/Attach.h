@@ -21,7 +21,8 @@ struct AttachAnswer {
     bool browserDialog = false; // the browser's own dialog was asked for
 };
 
-// Holds the calling thread, which dispatches its messages meanwhile. COM is initialised on it.
+// Returns when the dialog has ended; the calling thread dispatches its messages until then. COM is
+// initialised on it.
 AttachAnswer AskForFiles(const HookedLibrary& library, const Options& options, HWND owner);
 
 // The paths of an lpstrFile as a dialog left it: one full path, or a folder and names in it.

@@ -42,8 +42,8 @@ void PlaceButtons(Layout& layout, const Density& density, Scale scale) {
     layout.attach = {layout.send.right + scale(10), top, layout.send.right + scale(170), bottom};
 }
 
-// What lies between the fields and the buttons: the body has what the attachments leave, and they
-// give way before it is gone.
+// Between the fields and the buttons the body has the space that the attachments leave; rows of
+// attachments are dropped before the body is gone.
 void PlaceBody(Layout& layout, const Density& density, Scale scale, int rows) {
     const RECT& card = layout.card;
     const int end = layout.send.top - scale(density.margin) + scale(4);

@@ -69,7 +69,8 @@ MailWindow::MailWindow(const Options& options, const HookedLibrary& library)
     : options_(options), library_(library), icon_(MakeEnvelopeIcon(32)) {}
 
 MailWindow::~MailWindow() {
-    // By hand: the window's last messages still come to this object, which gives the handle away.
+    // Destroyed here and not by window_'s destructor: its last messages still reach this object,
+    // and one of them releases the handle.
     if (window_) DestroyWindow(window_.Get());
     CleanUp();
 }

@@ -136,7 +136,7 @@ void CheckHint(FuzzInput& input, const std::wstring& text) {
     state.policy = ReadPasswordPolicy();
     const bool calm = state.problem == 0 && !state.differ && !state.capsLock &&
                       state.phraseBits == 0 && !state.copied && state.meetsPolicy;
-    Require(!calm || HintText(state).empty(), "where nothing is wrong nothing is said");
+    Require(!calm || HintText(state).empty(), "where nothing is wrong there is no hint");
     HintText(state);
 }
 

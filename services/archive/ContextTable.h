@@ -11,7 +11,7 @@
 
 namespace obarchive {
 
-// Any thread. Each number is used once in a process, and 0 never.
+// Usable on any thread. Each number is used once in a process, and 0 never.
 class ContextTable {
 public:
     obcontract::ZipContext Create();

@@ -15,7 +15,7 @@ namespace transforms {
 // Used by all threads of the work on one request. Ends before the request's last reply is sent.
 class PictureWatch final : public PictureSteps {
 public:
-    // `reported` is what the request's earlier records said was done.
+    // `reported` is the work that the request's earlier records have reported.
     explicit PictureWatch(WorkChannel& channel, std::uint64_t reported = 0) noexcept
         : channel_(channel), steps_(reported), reported_(reported) {}
 
@@ -30,7 +30,7 @@ public:
     PictureControl Control() noexcept;
     // Whether the manager no longer reads; the codecs then end with Cancelled.
     bool IsUnread() const noexcept { return isUnread_; }
-    // No record says that more is done.
+    // The work that is done. No record has reported more.
     std::uint64_t Steps() const noexcept { return steps_; }
 
 private:

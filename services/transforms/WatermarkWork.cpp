@@ -91,7 +91,8 @@ bool IsPages(FileSource& source, bool& isRead) {
     return isRead && documents::IsPdf(std::as_bytes(std::span(bytes, count)));
 }
 
-// `onPages` and `onPicture` may be the same stamp. `before` is what earlier records said was done.
+// `onPages` and `onPicture` may be the same stamp. `before` is the work that earlier records have
+// reported.
 std::optional<WorkEnd> AddStamp(const WorkRequest& request, const Stamp& onPages,
                                 const Stamp& onPicture, WorkChannel& channel,
                                 std::uint64_t before = 0) {

@@ -14,14 +14,14 @@
 namespace transforms {
 
 // Has the system read a mapped file, with a report after each block: a slow disk isn't a process
-// that hangs. `before` is what the request's earlier records said was done. False when nobody reads
-// the reports.
+// that hangs. `before` is the work that the request's earlier records have reported. False when
+// nobody reads the reports.
 bool ReadAhead(std::span<const std::byte> bytes, WorkChannel& channel,
                std::uint64_t before = 0) noexcept;
 
 // Writes the result, which are these parts one after the other, with a report after each block.
-// `read` is what the request's earlier records said was done. Without a target nothing is written.
-// Nothing when nobody reads the reports. Throws std::bad_alloc.
+// `read` is the work that the request's earlier records have reported. Without a target nothing is
+// written. Nothing when nobody reads the reports. Throws std::bad_alloc.
 std::optional<WorkEnd> WriteTarget(HANDLE target, std::span<const std::span<const std::byte>> parts,
                                    std::uint64_t read, WorkChannel& channel);
 

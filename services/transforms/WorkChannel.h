@@ -60,7 +60,7 @@ struct WorkEnd {
     std::uint64_t size = 0;
 };
 
-// One thread. The pipes belong to the channel.
+// Used by one thread. The pipes belong to the channel.
 class WorkChannel {
 public:
     WorkChannel(ObLib::UniqueKernelHandle requests, ObLib::UniqueKernelHandle replies) noexcept

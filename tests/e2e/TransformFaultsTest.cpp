@@ -159,7 +159,7 @@ TEST_F(FailedTransform, WithoutItsProgramGivesTheUserOneSentence) {
     }
 }
 
-// The user is told at the tick, the box stays empty, and the files go out as they are.
+// A message comes at the tick, the box stays empty, and the files go out as they are.
 TEST_F(FailedTransform, CantBeTickedWithoutItsProgram) {
     const Missing missing(kWorkProcess);
     const std::wstring photo = Pickable(L"a.jpg", samples::Photo());

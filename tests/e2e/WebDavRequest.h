@@ -82,7 +82,7 @@ protected:
     }
     std::wstring LargeFile() const { return files_.File(L"large.bin", LargeContent()); }
 
-    // The server's files below the folders that requests made for them.
+    // The paths of all files in the folders that requests have created on the server.
     Texts AllStored() const {
         Texts tree = ListTree(FilesOfServer());
         std::erase_if(tree, [](const std::wstring& path) {

@@ -62,7 +62,7 @@ protected:
     void ExpectOnlyTheZipIsLeft(const Answer& answer) const;
     static void ExpectNothingGiven(const Answer& answer);
 
-    // How many message boxes said that no zip could be made.
+    // How many message boxes reported that no zip could be made.
     std::size_t ZipFailureMessages() const;
 
     OPENFILENAMEW page_ = {};

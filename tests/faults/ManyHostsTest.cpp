@@ -116,7 +116,7 @@ public:
     int Next() { return played_++; }
 
     int Played() const { return played_; }
-    void Tell() const {
+    void Print() const {
         printf("%d requests in a row, each with a host process of its own, at %.1f milliseconds; "
                "%d starts that the system refused were asked for again.\n",
                played_, static_cast<double>(Elapsed()) / played_, refusedStarts);
@@ -148,7 +148,7 @@ TEST_F(ManyHosts, LeaveNothingInTheBrowserAndNothingInTheSystem) {
     const ProcessResources before = ProcessResources::Now();
     Rounds rounds;
     while (rounds.More()) ASSERT_NO_FATAL_FAILURE(Ask(rounds.Next()));
-    rounds.Tell();
+    rounds.Print();
     ASSERT_GT(rounds.Played(), 0);
     ExpectNoMoreThan(before);
     EXPECT_FALSE(HostRuns());

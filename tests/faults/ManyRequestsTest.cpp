@@ -22,7 +22,7 @@ namespace {
 using obtest::HostScript;
 using obtest::ProcessResources;
 
-// Stands in for the start of a host: its request is served and its process has ended already, as
+// Replaces the start of a host: its request is served and its process has ended already, as
 // starting a thousand programs would take longer than all else. The handles are real, so that a
 // handle that isn't closed is counted.
 BOOL WINAPI ServeAtOnce(LPCWSTR, LPWSTR commandLine, LPSECURITY_ATTRIBUTES, LPSECURITY_ATTRIBUTES,

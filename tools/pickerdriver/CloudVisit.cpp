@@ -52,7 +52,7 @@ void AwaitLogin(HWND login, const Task& task, HANDLE program) {
         if (!obtest::IsOpen(login)) return true;
         const std::wstring state = obtest::ItemText(login, OB_DAV_LOGIN_STATE);
         if (IsWindowEnabled(GetDlgItem(login, IDOK)) && !state.empty()) {
-            throw Failure{L"the login says: " + state};
+            throw Failure{L"the login reports: " + state};
         }
         return false;
     });

@@ -20,7 +20,7 @@ UINT PageOf(std::int32_t kind) {
 }
 
 const wchar_t* TextIn(HMODULE module, std::uint32_t id, std::size_t& length) {
-    // With a length of 0 the call answers where the text lies in the module.
+    // With a length of 0 the call returns the address of the text in the module.
     const wchar_t* text = nullptr;
     const int units = LoadStringW(module, id, reinterpret_cast<wchar_t*>(&text), 0);
     length = units > 0 ? static_cast<std::size_t>(units) : 0;

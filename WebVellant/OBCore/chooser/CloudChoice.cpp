@@ -72,7 +72,7 @@ bool MakeDefault(HWND window, ProviderManagerHandle manager, const ProviderProfi
 void OnListRowChanged(HWND window, const NMLISTVIEW& change) {
     const UINT image = StateImageOf(change.uNewState);
     if (image != kUntickedImage && image != kTickedImage) return;
-    // Without memory nothing is known of the row: the button must not keep what it says of another
+    // Without memory nothing is known of the row: the button must not keep its text for another
     // one, and the other rows lose their ticks all the same.
     if (!ObLib::RanGuarded([window] { OnSelectRowChanged(window); }))
         EnableWindow(GetDlgItem(window, OB_CHOOSER_CONTINUE), FALSE);

@@ -1,5 +1,5 @@
 // The checks of this room. Support knows the source name and the lines 266 and 332, of the two
-// lists; the other lines only tell the checks of this room apart.
+// lists; the other lines only distinguish the checks of this room.
 #pragma once
 
 #include "OBCore/modules/Messages.h"

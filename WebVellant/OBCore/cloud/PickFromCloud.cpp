@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::uint64_t kErrorCapacity = 2048; // wide characters
 
-// A code of 0 is a cancel, which nobody has to be told about.
+// A code of 0 is a cancel, which shows no message.
 void ShowPickerError(ProviderManagerHandle manager, DownloadList* list, HWND dialog) {
     wchar_t text[kErrorCapacity] = {};
     std::uint64_t capacity = kErrorCapacity;

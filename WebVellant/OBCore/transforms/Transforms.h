@@ -14,7 +14,7 @@ namespace obcore::CompressUtils {
 // job.ParentWindow is open while the providers work.
 //
 // True to go on, also with a list that the providers have emptied; false to stop: a provider failed
-// and has told the user, or the user cancelled. `files` is the list of the last finished step in
+// and has shown a message, or the user cancelled. `files` is the list of the last finished step in
 // both cases. After a cancel a provider may still be at work on its current call: no other call
 // begins, and Deinit of the manager ends that one. On the picker's dialog thread.
 bool RunTransforms(OBAttachJob& job, std::vector<std::wstring>& files, const std::wstring& folder);

@@ -5,10 +5,10 @@
 namespace obarchive {
 namespace {
 
-// The library's level names the matcher. Depth is the number of matches that are tried at a
-// position, and a match of the nice length is taken as it is. The library's own levels of these
-// matchers search further: on shared libraries they are 1.6 and 1.4 times slower, for 0.2 per cent
-// (lazy) and 0.7 per cent (near-optimal).
+// `level` selects the library's matcher. `depth` is the number of matches tried at each position;
+// a match of `niceLength` ends the search. The library's own levels of these matchers search
+// further: on shared libraries they are 1.6 and 1.4 times slower, for 0.2 per cent (lazy) and
+// 0.7 per cent (near-optimal).
 struct Search {
     int level;
     unsigned depth; // 0 for the level's own search

@@ -18,7 +18,7 @@ enum class Effort {
     Thorough, // near-optimal parsing: up to a fifth smaller at a third to a sixth of the speed
 };
 
-// One thread. Its tables are made when they are first wanted and used again: one
+// Used by one thread. Its tables are made when they are first wanted and used again: one
 // megabyte for normal work and nine for thorough work.
 class BlockCompressor {
 public:

@@ -10,7 +10,7 @@
 
 namespace obarchive {
 
-// Any thread. Outlives what returns its buffers.
+// Usable on any thread. Outlives what returns its buffers.
 class SpareBlocks {
 public:
     // Keeps at most `most` bytes of spare buffers.

@@ -12,7 +12,8 @@ constexpr std::size_t kMostLanes = 8;
 constexpr std::size_t kHashWords = 5;
 constexpr std::size_t kBlockWords = 16;
 
-// In words as the hash takes them, of big-endian bytes. Contains secrets: its owner wipes it.
+// In 32-bit words as the hash takes them, of big-endian bytes. Contains secrets: its owner wipes
+// it.
 struct Pbkdf2Simd {
     std::uint32_t password[kBlockWords];          // one block, padded with zeros
     std::uint32_t begin[kMostLanes][kBlockWords]; // a block each: salt, number, padding

@@ -27,7 +27,8 @@ private:
     UniqueHash hash_;
 };
 
-// Only files of one size can be equal, so that most files are never hashed. The thread of the run.
+// Only files of one size can be equal, so that most files are never hashed. Used on
+// the run's thread only.
 class DuplicateFinder {
 public:
     // The sizes of all files of the run.

@@ -32,7 +32,7 @@ struct StreamContext {
     std::vector<EntryRecord> records;
 };
 
-// The stream of the entry, as its body sees it. The thread of the run.
+// The stream of the entry, as its body sees it. Used on the run's thread only.
 class EntrySink {
 public:
     // The next piece of this entry, or null with the run's failure noted.
@@ -51,7 +51,7 @@ protected:
     ~EntrySink() = default;
 };
 
-// The thread of the run. One entry's data, from its beginning to its end.
+// One entry's data, from its beginning to its end. Used on the run's thread only.
 class EntryBody {
 public:
     virtual ~EntryBody() = default;

@@ -10,7 +10,7 @@
 
 namespace obarchive {
 
-// The thread of the run. Entries are streamed in order, one at a time, each to its end.
+// Used on the run's thread only. One entry is read to its end before the next begins.
 class EntryStream : private EntrySink {
 public:
     EntryStream(StreamContext& context, std::size_t entry) : context_(context), entry_(entry) {}

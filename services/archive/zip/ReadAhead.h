@@ -36,8 +36,8 @@ struct Piece {
         copyOf; // the entry with the same content; `task` then made keys only
 };
 
-// The thread of the run. At most two blocks for each worker and two more are in memory, and a few
-// hundred small files, however many and large the files are.
+// Used on the run's thread only. At most two blocks for each worker and two more are in memory, and
+// a few hundred small files, however many and large the files are.
 class ReadAhead {
 public:
     // All must outlive it.

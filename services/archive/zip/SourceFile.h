@@ -25,7 +25,7 @@ bool ReadSourceFacts(const std::wstring& path, SourceFacts& facts, RunState& run
 // 2107, local time).
 std::int64_t ZipTime(const FILETIME& time);
 
-// Opened for reading only and shared with every other program. The thread of the run.
+// Opened for reading only and shared with every other program. Used on the run's thread.
 class SourceFile {
 public:
     explicit SourceFile(RunState& run) : run_(run) {}

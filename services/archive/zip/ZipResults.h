@@ -32,7 +32,7 @@ enum class ZipResult : std::uint32_t {
     OutOfMemory = 42,
     EngineFailed = 43,
 
-    Cancelled = 60,  // the progress callback said so
+    Cancelled = 60,  // the progress callback asked for it
     Unexpected = 61, // an exception reached the export's edge
 };
 

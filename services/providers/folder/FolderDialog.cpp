@@ -73,7 +73,7 @@ void SetChecking(HWND dialog, OpenPage& open, bool isChecking) {
     }
 }
 
-// The fields, as they can be checked. False with the user told why they can't.
+// Takes the fields into `open`. False when they can't be used, after a message with the reason.
 bool TakeFields(HWND dialog, OpenPage& open) {
     open.entered = {FullFolderPath(FieldText(dialog, OB_FOLDER_PATH)),
                     TrimmedText(dialog, OB_FOLDER_PATTERN)};

@@ -18,7 +18,8 @@ bool IsLetter(wchar_t character) {
     return (character >= L'a' && character <= L'z') || (character >= L'A' && character <= L'Z');
 }
 
-// What an address may contain besides: the separators of its parts, and what was escaped already.
+// Whether the character may be in an address unescaped: a letter, digit or separator, or the % of
+// an escape.
 bool IsOfAddress(char character) {
     return ObLib::IsUnreserved(character) ||
            std::string_view(":/?#[]@!$&'()*+,;=%").find(character) != std::string_view::npos;

@@ -149,7 +149,7 @@ private:
 };
 
 // The folders that respond, as the shell knows them; empty for those that don't. Nothing else is
-// asked for: a dead one would hold the dialog back.
+// asked for: a dead one would delay the dialog.
 std::vector<ComPtr<IShellItem>> ReachableItems(std::span<const PickableFolder> folders) {
     std::vector<std::wstring> paths;
     for (const PickableFolder& folder : folders) paths.push_back(folder.settings.folder);

@@ -17,7 +17,7 @@ struct OfficeDocument {
     const wchar_t* extension; // in small letters, without the dot
 };
 
-// Nothing for any other file, and for one whose first bytes aren't those of what its name says. The
+// Nothing for any other file, and for one whose first bytes aren't those of its name's kind. The
 // bytes are compared because a suite would open anything as some kind of text.
 std::optional<OfficeDocument> DocumentOf(HANDLE source, const std::wstring& name);
 

@@ -29,7 +29,7 @@ enum class SuiteOutcome : std::uint8_t {
 // that links of the document to files beside it lead nowhere and nothing can change it.
 struct SuiteDocument {
     HANDLE source = nullptr; // the file, open for reading; stays the caller's
-    std::wstring name;       // its file name, whose extension says what the document is
+    std::wstring name;       // its file name, whose extension is the kind of the document
     std::wstring folder;     // of the run, below the temporary path, as WorkingCopy::Folder
 };
 

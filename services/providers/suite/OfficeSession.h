@@ -15,7 +15,7 @@ class ChangedValues {
 public:
     explicit ChangedValues(AutomationObject object) noexcept : object_(std::move(object)) {}
 
-    // Each value is read before it is set. Throws as Automation.h says.
+    // Each value is read before it is set. Throws what Automation.h lists.
     void Change(AutomationArguments values);
     // Puts the values back that were read, the last one first.
     void Restore() noexcept;
@@ -25,7 +25,7 @@ private:
     std::vector<AutomationArgument> before_;
 };
 
-// Belongs to the thread of the run. A program that automation started is hidden until it is shown,
+// Used on the run's thread only. A program that automation started is hidden until it is shown,
 // so it is never hidden here: one that is visible has come to the user.
 class OfficeSession {
 public:
@@ -34,7 +34,7 @@ public:
     OfficeSession(const OfficeSession&) = delete;
     OfficeSession& operator=(const OfficeSession&) = delete;
 
-    // Paths without the prefix for long paths. Throw as Automation.h says.
+    // Paths without the prefix for long paths. Throw what Automation.h lists.
     void Open(const std::wstring& source);
     void Write(const std::wstring& target) const;
 

@@ -98,7 +98,7 @@ std::unique_ptr<SuiteFolder> SuiteFolder::MakeFor(const std::wstring& folder) {
     return nullptr;
 }
 
-// A shortage of memory may pass, as a program's hold on a file does.
+// A shortage of memory may pass, as a program may close a file that it has open.
 SuiteFolder::~SuiteFolder() {
     constexpr int kAttempts = 100;
     constexpr DWORD kPause = 20; // milliseconds

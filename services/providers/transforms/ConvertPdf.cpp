@@ -17,7 +17,7 @@ constexpr wchar_t kExtension[] = L"pdf";
 
 constexpr RefusalTexts kTexts = {OB_TEXT_PDF_DAMAGED, OB_TEXT_PDF_TOO_LARGE, 0, OB_TEXT_PDF_FAILED};
 
-// By what is in the file: the work process may have said anything.
+// By what is in the file: the work process may have reported anything.
 bool IsPdf(const NewFile& made) { return BeginsAsPdf(made.Handle()); }
 
 bool Place(StageCall& call, NewFile& made, WorkingCopy& copy, std::wstring& path) {

@@ -15,8 +15,8 @@ namespace providers {
 // picture. `folder` as for WorkingCopy::Open.
 bool ConvertToPdf(StageCall& call, std::wstring& path, const std::wstring& folder);
 
-// Tells the user, once a run, that documents stay as they are when they are wanted as PDFs and no
-// office program is there. In front of `owner`, on its thread.
+// Informs the user, once a run, that documents stay as they are when they are wanted as PDFs and
+// no office program is there. In front of `owner`, on its thread.
 void NoteMissingSuite(TransformRun& run, const TransformSettings& settings, HWND owner);
 
 } // namespace providers

@@ -18,7 +18,8 @@ constexpr char kNoDecoder[] = "no-decoder";
 constexpr RefusalTexts kTexts = {OB_TEXT_PHOTO_DAMAGED, OB_TEXT_PHOTO_TOO_LARGE, 0,
                                  OB_TEXT_PHOTO_FAILED};
 
-// By what is in the file: the work process may have said anything. Null when the file is neither.
+// By what is in the file: the work process may have reported anything. Null when the file is
+// neither.
 const wchar_t* ExtensionOf(HANDLE file) {
     constexpr std::string_view kJpeg = "\xFF\xD8\xFF";
     constexpr std::string_view kPng = "\x89PNG\r\n\x1A\n";

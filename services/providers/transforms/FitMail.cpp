@@ -173,8 +173,8 @@ bool Fit::MeasureKnown() {
     });
 }
 
-// What a file takes in the zip. Whatever the work process says, it is never more than the file and
-// what a block of a zip adds.
+// What a file takes in the zip. Whatever the work process reports, it is never more than the file
+// and what a block of a zip adds.
 bool Fit::Measure(FittedFile& file) {
     const WorkReport report =
         measuring_.Run({WorkKind::Measure, WorkPlain{}}, file.Unshrunk(), nullptr, call_.wait);

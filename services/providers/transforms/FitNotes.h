@@ -17,8 +17,8 @@ enum class Noted : std::uint8_t {
 
 // Notes a step for the working copy at `path` where all pictures are made to fit later and this is
 // one of them: with `kinds` a photo that is to be converted, without a picture that can be made
-// smaller. A file about which that can't be found out isn't noted: the step then says why. `folder`
-// as for WorkingCopy::Open.
+// smaller. A file about which that can't be found out isn't noted: the step then reports why.
+// `folder` as for WorkingCopy::Open.
 Noted NoteForFit(StageCall& call, const std::wstring& path, const std::wstring& folder,
                  obcontract::WorkPhotoKinds kinds, bool FitNote::*step);
 

@@ -31,7 +31,7 @@ std::optional<WorkingCopy> OpenCopy(StageCall& call, const std::wstring& path,
     return copy;
 }
 
-// The work process may have said anything: what counts is what is on the disk.
+// The work process may have reported anything: what counts is what is on the disk.
 bool TakePlace(StageCall& call, NewFile& made, WorkingCopy& copy, const WorkReport& report) {
     if (report.size == 0 || made.Size() != report.size) return false;
     return made.TakePlaceOf(copy, [&] { return call.wait.IsEnded(); });

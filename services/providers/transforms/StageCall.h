@@ -78,7 +78,7 @@ std::optional<WorkingCopy> OpenCopy(StageCall& call, const std::wstring& path,
                                     const std::wstring& folder);
 
 // Puts what the work process wrote in the place of the copy. False, with the copy unchanged, when
-// that isn't on the disk as the report says or the system refuses.
+// that isn't on the disk as it was reported or the system refuses.
 bool TakePlace(StageCall& call, NewFile& made, WorkingCopy& copy, const WorkReport& report);
 
 } // namespace providers

@@ -20,7 +20,7 @@ struct Receipt {
     bool isQuestion; // there are files that can't be cleaned
 };
 
-// Where the user looks first: Stop when there is a question, Attach otherwise.
+// Makes Stop the default button and focuses it when there is a question; Attach otherwise.
 void ShowDefault(HWND dialog, const Receipt& receipt) {
     const int button = receipt.isQuestion ? IDCANCEL : IDOK;
     SendMessageW(dialog, DM_SETDEFID, static_cast<WPARAM>(button), 0);

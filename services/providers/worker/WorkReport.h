@@ -34,7 +34,7 @@ struct WorkFound {
 
 struct WorkReport {
     WorkResult result = WorkResult::ProcessFailed;
-    std::uint64_t size = 0;       // bytes that the work process says it wrote, or as the kind says
+    std::uint64_t size = 0;       // bytes that were written, by the report, or by the kind
     std::uint32_t number = 0;     // of the picture that it reported last, of several
     std::vector<WorkFound> found; // in the order in which they were sent, each key once
 };

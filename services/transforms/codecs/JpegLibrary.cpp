@@ -97,7 +97,7 @@ struct JpegCallbacks {
         writer.writing_.free_in_buffer = writer.buffer_.size();
     }
 
-    // The whole buffer is written, whatever the library says is free.
+    // The whole buffer is written, whatever the library reports as free.
     static boolean Flush(j_compress_ptr jpeg) {
         auto& writer = static_cast<JpegWriter&>(*jpeg);
         WritePicture(writer.file_, writer.offset_, writer.buffer_);

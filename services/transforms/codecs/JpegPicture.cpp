@@ -132,7 +132,7 @@ void SetColours(const JpegReader& reader, JpegWriter& writer) {
         writer.X_density = reader.X_density;
         writer.Y_density = reader.Y_density;
     }
-    // The marker also says that CMYK is stored inverted: without it nothing may say so.
+    // The marker also declares that CMYK is stored inverted: without it nothing declares that.
     if (reader.jpeg_color_space != JCS_RGB) writer.write_Adobe_marker = reader.saw_Adobe_marker;
     for (int c = 0; c < writer.num_components; ++c) {
         writer.comp_info[c].h_samp_factor = reader.comp_info[c].h_samp_factor;

@@ -8,8 +8,8 @@
 
 namespace transforms {
 
-// For brightness and for colours, between two percentages if the step says so. Changes the writer's
-// tables, which the caller sets afterwards.
+// For brightness and for colours, between two percentages if the step asks for it. Changes the
+// writer's tables, which the caller sets afterwards.
 std::array<JQUANT_TBL, 2> StandardTables(JpegWriter& writer, const ShrinkStep& step);
 
 // Each value the coarser of both, at most 255.

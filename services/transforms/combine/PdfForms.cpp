@@ -271,7 +271,7 @@ PdfForms::Renamed PdfForms::AddResources(Object resources) {
     return fonts;
 }
 
-// What the form says for all of its fields becomes their own.
+// The form's defaults for all of its fields become their own.
 void PdfForms::AddDefaults(PdfFormPart& part, const Renamed& fonts) {
     if (part.appearance.isInitialized()) {
         part.appearance = Object::newString(WithFonts(part.appearance.getStringValue(), fonts));

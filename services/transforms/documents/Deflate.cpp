@@ -44,7 +44,7 @@ struct Deflater {
 } // namespace
 
 std::optional<OwnedBytes> Inflate(Bytes packed, std::size_t size) {
-    // One byte more, so that a stream that is longer than it says doesn't fit.
+    // One byte more, so that a stream that is longer than its header declares doesn't fit.
     OwnedBytes plain(size + 1);
     Inflater inflater;
     inflater.stream.next_in = InputOf(packed);

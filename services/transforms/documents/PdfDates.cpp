@@ -21,7 +21,7 @@ using Object = QPDFObjectHandle;
 constexpr const char* kDates[] = {"/CreationDate", "/ModDate"};
 // The second is the checksum that one of the office suites adds: it is made of the dates too.
 constexpr const char* kOfTrailer[] = {"/ID", "/DocChecksum"};
-// The names by which XMP says which standard the file follows.
+// The names by which XMP declares the standard that the file follows.
 constexpr const char* kStandards[] = {"pdfaid", "pdfuaid"};
 
 bool NamesAStandard(Object metadata) {

@@ -25,7 +25,7 @@ void RequireContentsFit(QPDFObjectHandle page, PictureSteps* steps = nullptr);
 
 // The same for each stream in which the file packs objects; before any of these is asked for, but
 // for those that the library asks for while it opens the file: what the keys of encryption are made
-// of. Damaged when such a stream is itself said to be packed.
+// of. Damaged when such a stream is itself in a packed stream.
 void RequirePackedObjectsFit(QPDF& pdf, PictureSteps* steps = nullptr);
 
 } // namespace transforms::documents

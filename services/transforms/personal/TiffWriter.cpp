@@ -103,7 +103,8 @@ private:
         out_.resize(out_.size() + Width() - size);
     }
 
-    // Offsets take the width of the file, as new ones may not fit into a narrower type.
+    // Offsets have the file's own width (32 or 64 bits): a new one may not fit into a narrower
+    // type.
     void WriteLinkToList(const TiffEntry& entry, const TiffEntry& sizes, std::uint64_t list) {
         WriteHead(entry, reader_.IsBig() ? TiffType::Long8 : TiffType::Long);
         if (entry.count > 1) return Put(list, Width());

@@ -37,7 +37,7 @@ PictureSize SizeOfPhoto(PictureSource& source, const PhotoRequest& request,
                         const PictureControl& control);
 
 // ConvertPhoto at a step: the photo is decoded once, turned upright, made smaller, stamped and
-// coded once, a JPEG at most as finely as the request says. Throws PictureFailure, Unsupported also
+// coded once, a JPEG at most as finely as the request asks. Throws PictureFailure, Unsupported also
 // for what ConvertPhoto passes.
 void ShrinkPhoto(PictureSource& source, PictureTarget& target, const PhotoRequest& request,
                  const ShrinkStep& step, const PictureControl& control);

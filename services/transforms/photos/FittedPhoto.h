@@ -8,7 +8,7 @@
 
 namespace transforms {
 
-// Any thread.
+// Usable on any thread.
 class FittedPhoto final : public FitMaker {
 public:
     explicit FittedPhoto(PhotoRequest request) : request_(std::move(request)) {}

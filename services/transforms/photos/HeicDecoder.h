@@ -10,7 +10,7 @@
 namespace transforms {
 
 // The primary picture, put together from its tiles, cropped, turned and mirrored as the container
-// says: the orientation in the EXIF data is then a remark about the camera, and is not followed.
+// asks: the orientation in the EXIF data is then a remark about the camera, and is not followed.
 // The numbers of a picture's colours become a profile where it has none. Nothing when the library
 // isn't there. Throws PictureFailure, Unsupported for a picture that the library can't decode.
 std::optional<DecodedPhoto> DecodeHeic(PictureSource& source, const std::wstring& libraryPath,

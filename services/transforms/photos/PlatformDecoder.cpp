@@ -88,7 +88,7 @@ public:
                                                                                 : PictureBytes();
     }
 
-    // What the codec says is still to be turned.
+    // The turn that the codec leaves to be made.
     unsigned Orientation() const {
         ComPtr<IWICMetadataQueryReader> reader;
         PROPVARIANT value;

@@ -49,7 +49,7 @@ public:
     const std::vector<std::size_t>& unsupported() const noexcept { return unsupported_; }
 
     std::size_t failed() const noexcept { return failed_; }
-    // After CannotFit: the files that can't shrink take more than there is room for, by themselves.
+    // After CannotFit: whether the files that can't shrink exceed the room already.
     bool OthersAreTooMuch() const noexcept { return OtherBytes() > room_; }
     // All files that can't shrink, those among the sources included.
     std::uint64_t OtherBytes() const noexcept { return others_ + fixed_; }

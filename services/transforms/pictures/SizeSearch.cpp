@@ -46,7 +46,7 @@ public:
     double Used() const noexcept { return used_; }
 
 private:
-    // The first step that would fit if all steps were off by as much as the last one that was
+    // The first step that fits if each step's estimate has the same error as the last one that was
     // tried.
     std::ptrdiff_t Guessed() const {
         std::ptrdiff_t step = tooMuch_ + 1;

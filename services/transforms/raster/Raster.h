@@ -14,7 +14,7 @@ struct RasterForm {
     PictureSize size;
     unsigned channels = 0;
     unsigned bits = 8; // or 16, in the processor's order
-    // The last channel says how opaque a pixel is: colours count by it when they are averaged, so
+    // The last channel is the opacity of a pixel: colours count by it when they are averaged, so
     // that those of pixels that nobody sees don't come out.
     bool hasAlpha = false;
     bool isPremultiplied = false; // the colours were multiplied by alpha already

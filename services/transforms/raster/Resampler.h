@@ -1,6 +1,6 @@
 // Shrinks one plane of samples row by row with a Lanczos filter of three lobes, widened by the
 // scale so that it is an antialiasing filter too. Colours are averaged as they are coded: peers do
-// the same unless they are asked not to, and a profile says no more than the coding. Memory is a
+// the same unless they are asked not to, and a profile adds nothing to the coding. Memory is a
 // few rows.
 //
 // 8-bit samples are weighted in whole numbers by SSE2, which every 64-bit processor has; deeper

@@ -25,7 +25,7 @@ struct PageLayout {
     std::string matrix;           // of the picture, as PDF writes it
 };
 
-// The picture is shown as its orientation (1 to 8, as in EXIF) says. As the picture: the page has
+// The picture is shown by its orientation (1 to 8, as in EXIF). As the picture: the page has
 // the picture's size at its resolution where that is 50 to 2,400 pixels an inch; otherwise the page
 // is as large as fits an A4 sheet. A4 and Letter: a page of that size, turned as the picture is,
 // with the picture in its middle, at its resolution if it fits so and otherwise as large as fits.

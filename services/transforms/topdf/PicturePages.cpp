@@ -73,7 +73,7 @@ bool AddTiff(const Work& work) {
     return true;
 }
 
-// A file's header says how many pixels a metre has.
+// A file's header has the number of pixels a metre.
 Resolution ResolutionOfBmp(PictureSource& source) {
     constexpr std::uint64_t kPlace = 38;
     std::uint8_t bytes[8] = {};

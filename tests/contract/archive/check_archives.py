@@ -62,7 +62,7 @@ def prose(noise, size):
 
 
 def make_sources(folder):
-    """Writes the tree and returns what each zip must hold: name -> content."""
+    """Writes the tree and returns what each zip must contain: name -> content."""
     noise = random.Random(7)
     expected = {}
 
@@ -212,7 +212,7 @@ def check_headers(archive):
 
 
 def check_date_fields(archive):
-    """What the zip's own fields can't hold is moved to their ends."""
+    """A time outside the range of the zip's own fields becomes their first or last."""
     with zipfile.ZipFile(archive) as file:
         for name, years in (("1980.txt", (1980,)), ("2107.txt", (2107,)), ("1970.txt", (1979, 1980))):
             check(file.getinfo(name).date_time[0] in years, f"{name}: {file.getinfo(name).date_time}")

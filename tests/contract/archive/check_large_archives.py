@@ -147,8 +147,8 @@ def wide(extra, fields):
 
 
 def central_headers(archive):
-    """The end record's count and, for each entry, name, size, packed size and offset, with what the
-    32-bit fields hold. Read by the 64-bit end record when there is one."""
+    """The end record's count and, for each entry, name, size, packed size and offset, with the
+    values of the 32-bit fields. Read by the 64-bit end record when there is one."""
     with open(archive, "rb") as file:
         file.seek(0, os.SEEK_END)
         length = file.tell()

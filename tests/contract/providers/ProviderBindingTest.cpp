@@ -22,7 +22,7 @@ protected:
         DeleteFileW(Expected().c_str());
     }
 
-    // Where the manager has to lie.
+    // Where the manager has to be.
     static std::wstring Expected() { return *PathBesideOwnModule(kProviderManagerFileName); }
 
     // Puts a staged file there.

@@ -26,7 +26,7 @@ constexpr TransformId kTransformIds[] = {TransformId::ResizeImages, TransformId:
 constexpr std::uint32_t kStorageId = 7;
 constexpr std::uint32_t kRemoveInfo = 51;
 constexpr std::uint32_t kLacked = 66; // no manager has it
-// The transforms that this build's manager has; the fake is told the same.
+// The transforms that this build's manager has; the fake gets the same list.
 constexpr TransformId kSupported[] = {TransformId::ResizeImages,  TransformId::ConvertPdf,
                                       TransformId::ConvertPhotos, TransformId::RemoveInfo,
                                       TransformId::Watermark,     TransformId::CombinePdfs};

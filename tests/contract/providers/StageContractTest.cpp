@@ -160,7 +160,7 @@ TEST_F(StageContract, ReturnsASmallerCountWhenAListStageMergesFiles) {
     EXPECT_EQ(Results(1), Names{parts[0]});
 }
 
-// A result that no buffer takes: the real manager refuses it by itself, and the fake is told to.
+// A result that no buffer takes: the real manager refuses it by itself, and the fake by its script.
 TEST_F(StageContract, LeavesTheCountWhenAListStageFails) {
     FakeModules::Answer(L"ExecutePostTransforms", L"0");
     const obtest::MessageBoxWatcher boxes; // the real manager's sentence

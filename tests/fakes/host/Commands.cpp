@@ -26,7 +26,7 @@ bool MapBlock(HostRun& run) {
     return run.block != nullptr;
 }
 
-// What would lie outside the block is left out: a script can ask for it all the same.
+// Bytes that would be outside the block are left out: a script can ask for them all the same.
 void PutBytes(HostRun& run, std::int64_t offset, const void* bytes, std::size_t count) {
     const auto* source = static_cast<const std::uint8_t*>(bytes);
     for (std::size_t index = 0; index < count; ++index) {

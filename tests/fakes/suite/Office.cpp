@@ -24,7 +24,7 @@ namespace {
 
 HANDLE quit;                       // set once the program is to end and no object is left
 std::atomic<int> objects = 0;      // that clients refer to
-std::atomic<bool> hasQuit = false; // the program was told to end
+std::atomic<bool> hasQuit = false; // a client has called Quit
 std::mutex lock;
 std::vector<std::wstring> names; // by their ids
 std::wstring opened;             // the document
@@ -87,7 +87,7 @@ const VARIANT* Argument(const DISPPARAMS& parameters, const wchar_t* name) {
     return nullptr;
 }
 
-// As the real programs: one that was told to end goes on as long as a client refers to it.
+// As the real programs: after Quit the program goes on as long as a client refers to it.
 void EndUnused() {
     if (hasQuit && objects == 0) SetEvent(quit);
 }
@@ -132,7 +132,7 @@ bool GetValue(const std::wstring& name, VARIANT* result) {
     return true;
 }
 
-// A user's document has come, and the program is busy with ours until the test says another mode.
+// A user's document has come, and the program is busy with ours until the test sets another mode.
 void HangInUse() {
     CreateWindowExW(0, L"Static", L"A document", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 200, 100,
                     nullptr, nullptr, nullptr, nullptr);

@@ -340,8 +340,8 @@ std::string combined; // the titles and contents that were added
     Hang();
 }
 
-// PDFs that become one: a content of "%PDF-" and a word says what the file is; a test may ask for
-// more at the request that its word names.
+// PDFs that become one: a content of "%PDF-" and a word selects what the file is; a test may ask
+// for more at the request that its word names.
 void ActInCombine(const std::string& word, const Taken& taken) {
     if (taken.header.kind == WorkKind::CombineWrite) {
         Send(WorkKind::Progress, WorkProgress{1, 5, 1, 0});

@@ -50,7 +50,7 @@ std::uint32_t NumberValue(std::wstring_view digits) {
 }
 
 // The code point, 0 for what is no reference. There is no code point above 0x10FFFF, and no pair
-// of units could hold one.
+// of units can encode one.
 std::uint32_t ReferenceValue(const Reference& reference) {
     const std::wstring_view name = reference.Name();
     if (name.empty() || name[0] != L'#') return LookupEntity(name);

@@ -42,7 +42,7 @@ protected:
     void Send(const void* bytes, std::size_t size) {
         ASSERT_TRUE(ObLib::WriteWhole(asked_.Get(), bytes, size));
     }
-    // Sends the record for these files, with as many bytes of settings as the header says.
+    // Sends the record for these files, with as many bytes of settings as the header announces.
     void Ask(const WorkHeader& header, const WorkFiles& files, std::string settings = {}) {
         settings.resize(header.size - sizeof files);
         Send(&header, sizeof header);

@@ -65,7 +65,7 @@ def check_outcomes(outcomes, expected):
 
 
 def main(check_all):
-    """Runs the checks in a folder of their own; what they give says what was looked at."""
+    """Runs the checks in a folder of their own; what they return lists what was looked at."""
     parser = argparse.ArgumentParser()
     parser.add_argument("--wine-run", required=True)
     parser.add_argument("--tool", required=True)

@@ -124,7 +124,7 @@ TEST(StreamFileErrors, ReportThatWritingFailedAndWriteNothingMore) {
     ASSERT_TRUE(document.OpenForWriting(file.Path(), {.declaration = false, .blockSize = 4}));
     ASSERT_TRUE(document.AddElement(L"first", nullptr));
     document.State().channel->file.reset(std::fopen(other.NarrowPath(), "rb"));
-    // A write of text that the C library has buffered fails at the next flush at the latest.
+    // Unbuffered, so that the write of the element itself fails and not a later flush.
     std::setvbuf(document.State().channel->file.get(), nullptr, _IONBF, 0);
     EXPECT_FALSE(document.AddElement(L"second", nullptr));
     EXPECT_TRUE(ResultHas(document, L"<file_error "));

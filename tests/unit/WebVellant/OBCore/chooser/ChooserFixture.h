@@ -64,7 +64,7 @@ protected:
     static void Answer(const std::wstring& key, const std::wstring& answer) {
         FakeModules::Answer(key, answer);
     }
-    // Provider 7 with accounts "label|key;label|key", all logged in where `loggedIn` says so.
+    // Provider 7 with accounts "label|key;label|key", all logged in where `loggedIn` is true.
     static void OneProvider(const std::wstring& accounts, bool loggedIn = true);
 
     // Shows the chooser and lets `use` operate it; a chooser that is still open then is cancelled.

@@ -329,7 +329,7 @@ TEST_F(CloudUpload, AssertsAMissingDownloadListAndGivesNoLink) {
     EXPECT_EQ(linkText_, L"");
 }
 
-// What the user has picked is the user's: it stays as it is, with what lies beside it.
+// What the user has picked is the user's: it stays as it is, with the files beside it.
 class PickedArchive : public CloudUpload {
 protected:
     void SetUp() override {

@@ -21,7 +21,7 @@ inline std::wstring ProgramFolder() {
     return folder;
 }
 
-// Lies in a folder for the length of a scope.
+// Is in a folder for the length of a scope.
 class PlacedWipeProgram {
 public:
     explicit PlacedWipeProgram(std::wstring folder) : folder_(std::move(folder)) {

@@ -53,7 +53,7 @@ public:
         realRemoveDirectory = remove_.Real();
         filesDeleted = searches = foldersRemoved = 0;
     }
-    bool Stand() const { return delete_.Ok() && find_.Ok() && remove_.Ok(); }
+    bool Ok() const { return delete_.Ok() && find_.Ok() && remove_.Ok(); }
 
 private:
     ImportPatch<decltype(&DeleteFileW)> delete_{"kernel32.dll", "DeleteFileW", &CountedDelete};
@@ -105,12 +105,12 @@ TEST_F(CleanedWorkingCopy, KeepsACopyThatIsInUse) {
 }
 
 TEST_F(CleanedWorkingCopy, LeavesEverythingOutsideItsFolderAlone) {
-    home_.File(L"neighbour.txt");
+    home_.File(L"beside.txt");
     home_.Folder(L"1a2b3d");
     home_.File(L"1a2b3d\\other run.txt");
     File(L"a.txt");
     CleanupWorkingCopy(Copy());
-    EXPECT_EQ(Left(), (Files{L"1a2b3d\\", L"1a2b3d\\other run.txt", L"neighbour.txt"}));
+    EXPECT_EQ(Left(), (Files{L"1a2b3d\\", L"1a2b3d\\other run.txt", L"beside.txt"}));
 }
 
 TEST_F(CleanedWorkingCopy, LosesACopyWithTheLongestName) {
@@ -128,7 +128,7 @@ TEST_F(CleanedWorkingCopy, IsSearchedAndDeletedByExtendedPathsWhereTheyAreLong) 
     const std::wstring file = L"\\\\?\\" + (home_ / subfolder) + L"\\a.txt";
     ASSERT_TRUE(obtest::WriteFileContent(file, "content"));
     const CallCounts counts;
-    ASSERT_TRUE(counts.Stand());
+    ASSERT_TRUE(counts.Ok());
     CleanupWorkingCopy(Copy());
     EXPECT_EQ(lastSearched, L"\\\\?\\" + (home_ / subfolder) + L"\\*");
     EXPECT_EQ(lastDeleted, file);
@@ -148,7 +148,7 @@ TEST_F(CleanedWorkingCopy, IsLeftToTheWipeProgramWhereThereIsOne) {
     const std::wstring a = File(L"a.txt");
     const PlacedWipeProgram program(ProgramFolder());
     const CallCounts counts;
-    ASSERT_TRUE(counts.Stand());
+    ASSERT_TRUE(counts.Ok());
     CleanupWorkingCopy(Copy());
     EXPECT_EQ(filesDeleted, 0);
     EXPECT_EQ(foldersRemoved, 1);
@@ -194,7 +194,7 @@ protected:
 
 TEST_F(WorkingCopyWithoutFolder, SearchesNothingAndDeletesNothing) {
     const CallCounts counts;
-    ASSERT_TRUE(counts.Stand());
+    ASSERT_TRUE(counts.Ok());
     CleanupWorkingCopy({false, L"", {current_ / L"canary.txt"}});
     CleanupWorkingCopy({false, current_.Path() + L"\\", {}});
     EXPECT_EQ(searches, 0);

@@ -6,7 +6,7 @@
 
 namespace {
 
-RegistryRecorder* standing = nullptr;
+RegistryRecorder* current = nullptr;
 
 std::map<HKEY, std::string>& OpenPaths() {
     static std::map<HKEY, std::string> paths;
@@ -38,13 +38,13 @@ RegistryRecorder::RegistryRecorder()
       create_("advapi32.dll", "RegCreateKeyExW", &Create),
       query_("advapi32.dll", "RegQueryValueExW", &Query),
       set_("advapi32.dll", "RegSetValueExW", &Set) {
-    standing = this;
+    current = this;
     obtest::ObserveTrace([](const std::string& line) { Note("trace " + line); });
 }
 
 RegistryRecorder::~RegistryRecorder() {
     obtest::ObserveTrace(nullptr);
-    standing = nullptr;
+    current = nullptr;
 }
 
 bool RegistryRecorder::Ok() const { return open_.Ok() && create_.Ok() && query_.Ok() && set_.Ok(); }
@@ -58,14 +58,14 @@ std::vector<std::string> RegistryRecorder::LinesThatBeginWith(const std::string&
 }
 
 void RegistryRecorder::Note(const std::string& line) {
-    if (standing) standing->lines_.push_back(line);
+    if (current) current->lines_.push_back(line);
 }
 
 LSTATUS WINAPI RegistryRecorder::Open(HKEY root, LPCWSTR path, DWORD options, REGSAM access,
                                       PHKEY key) {
-    const bool fails = path == standing->failing_;
+    const bool fails = path == current->failing_;
     const LSTATUS status =
-        fails ? ERROR_ACCESS_DENIED : standing->open_.Real()(root, path, options, access, key);
+        fails ? ERROR_ACCESS_DENIED : current->open_.Real()(root, path, options, access, key);
     Note("open " + RootName(root) + Narrow(path) + ViewName(access) + AccessName(access, KEY_READ) +
          (status == ERROR_SUCCESS ? "" : " fails"));
     if (status == ERROR_SUCCESS) OpenPaths()[*key] = Narrow(path);
@@ -76,10 +76,10 @@ LSTATUS WINAPI RegistryRecorder::Create(HKEY root, LPCWSTR path, DWORD reserved,
                                         DWORD options, REGSAM access,
                                         const LPSECURITY_ATTRIBUTES security, PHKEY key,
                                         LPDWORD disposition) {
-    const bool fails = path == standing->failing_;
+    const bool fails = path == current->failing_;
     const LSTATUS status = fails ? ERROR_ACCESS_DENIED
-                                 : standing->create_.Real()(root, path, reserved, keyClass, options,
-                                                            access, security, key, disposition);
+                                 : current->create_.Real()(root, path, reserved, keyClass, options,
+                                                           access, security, key, disposition);
     Note("create " + RootName(root) + Narrow(path) + AccessName(access, KEY_ALL_ACCESS) +
          (status == ERROR_SUCCESS ? "" : " fails"));
     if (status == ERROR_SUCCESS) OpenPaths()[*key] = Narrow(path);
@@ -89,7 +89,7 @@ LSTATUS WINAPI RegistryRecorder::Create(HKEY root, LPCWSTR path, DWORD reserved,
 LSTATUS WINAPI RegistryRecorder::Query(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
                                        LPBYTE data, LPDWORD size) {
     Note("get " + OpenPaths()[key] + "!" + Narrow(name) + " " + std::to_string(*size));
-    return standing->query_.Real()(key, name, reserved, type, data, size);
+    return current->query_.Real()(key, name, reserved, type, data, size);
 }
 
 LSTATUS WINAPI RegistryRecorder::Set(HKEY key, LPCWSTR name, DWORD reserved, DWORD type,
@@ -101,5 +101,5 @@ LSTATUS WINAPI RegistryRecorder::Set(HKEY key, LPCWSTR name, DWORD reserved, DWO
     if (!shown.empty() && shown.back() == '\0') shown.back() = '|';
     Note("set " + OpenPaths()[key] + "!" + Narrow(name) + "=" + shown +
          (type == REG_SZ ? "" : " type " + std::to_string(type)));
-    return standing->set_.Real()(key, name, reserved, type, data, size);
+    return current->set_.Real()(key, name, reserved, type, data, size);
 }

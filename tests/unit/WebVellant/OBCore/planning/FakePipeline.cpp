@@ -30,8 +30,8 @@ void FakePipeline::Reset() {
 }
 
 FakePipeline& TheFakePipeline() {
-    static FakePipeline neighbours;
-    return neighbours;
+    static FakePipeline pipeline;
+    return pipeline;
 }
 
 } // namespace obtest

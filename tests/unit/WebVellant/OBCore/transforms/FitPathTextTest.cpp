@@ -1,4 +1,4 @@
-// Fitting a text, measured at one unit a character unless a test says otherwise.
+// Fitting a text, measured at one unit a character unless a test sets another width.
 #include <gtest/gtest.h>
 
 #include <string>

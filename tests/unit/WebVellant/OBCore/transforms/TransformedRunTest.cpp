@@ -65,7 +65,7 @@ TEST_F(TransformedRun, AttachesNothingWhenTheThirdOfFiveFilesFails) {
     EXPECT_EQ(Written({L"bar.SetRange", L"bar.SetPos"}),
               (Lines{L"bar.SetRange(0, 5)", L"bar.SetPos(1)", L"bar.SetPos(2)"}));
     ExpectNothingAttached();
-    EXPECT_TRUE(boxes.Seen().empty()); // the provider has told the user
+    EXPECT_TRUE(boxes.Seen().empty()); // the provider has shown its own message
 }
 
 TEST_F(TransformedRun, AttachesNothingWhenAllFilesAreDropped) {

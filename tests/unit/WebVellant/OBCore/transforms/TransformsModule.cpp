@@ -3,8 +3,8 @@
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/transforms/Transforms.h"
 
-// One run on `owner`: 1 to go on, 0 to stop. The providers are beside the program, and the dialog
-// is in it. The job is never deleted, as its end would wait for the worker's call.
+// Runs the transforms: 1 to go on, 0 to stop. The provider manager is in the program's folder; the
+// dialog is in the program. The job is never deleted, as its end would wait for the worker's call.
 extern "C" int RunInModule(HWND owner) {
     using namespace obcore;
     if (!LoadProviderManager() || !BindResourceModule()) return -1;

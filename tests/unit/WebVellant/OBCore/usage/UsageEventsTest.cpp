@@ -156,7 +156,7 @@ TEST_F(UsageEvents, EndTheProcessAtAServiceNameOfOneCharacterMore) {
     EXPECT_EXIT(obcore::ReportCloudUse(std::wstring(249, L'n')), IsFailFast, "");
 }
 
-// The archive service lies where no event finds it, as in a broken installation.
+// The archive service is where no event finds it, as in a broken installation.
 class UsageEventsWithoutService : public testing::Test {};
 
 TEST_F(UsageEventsWithoutService, ArentSentAndComeBackWithTheService) {

@@ -170,7 +170,7 @@ int InkOf(const LoadedPicture& picture, bool row, int at) {
     return ink;
 }
 
-// How many pixels of the middle row or column lie before the first one with ink.
+// How many pixels of the middle row or column are before the first one with ink.
 int GapBefore(const LoadedPicture& picture, bool row) {
     const int middle = picture.width / 2;
     int gap = 0;

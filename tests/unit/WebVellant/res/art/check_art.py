@@ -4,7 +4,7 @@
     check_art.py --sets SETS.txt --draw-art PROGRAM FOLDER
 
 FOLDER has the bitmaps that were built. Checked is, besides their sizes: straight edges are sharp, lines have the
-thickness of their scale, colours are those of the set or between two of them, marks can be told from the ground that
+thickness of their scale, colours are those of the set or between two of them, marks differ enough from the ground that
 they are on, disabled ones are paler, and drawing them again gives the same bytes.
 """
 import argparse

@@ -19,26 +19,26 @@ constexpr std::uint64_t kTick = 100; // milliseconds
 std::vector<std::uint64_t> Play(std::uint64_t total, std::uint64_t length,
                                 const std::function<double(std::uint64_t)>& speed) {
     TimeLeft timeLeft(kStart);
-    std::vector<std::uint64_t> told;
+    std::vector<std::uint64_t> shown;
     double done = 0;
     for (std::uint64_t at = 0; at <= length; at += kTick) {
         timeLeft.Note(kStart + at, static_cast<std::uint64_t>(done), total);
-        told.push_back(timeLeft.Seconds(kStart + at).value_or(0));
+        shown.push_back(timeLeft.Seconds(kStart + at).value_or(0));
         done += speed(at) * kTick;
     }
-    return told;
+    return shown;
 }
 
 TEST(TimeLeftTest, ThereIsNoEstimateInTheFirstTwoSeconds) {
-    const auto told = Play(30'000'000, 3000, [](std::uint64_t) { return 1000.0; });
-    for (std::size_t tick = 0; tick < 20; ++tick) EXPECT_EQ(told[tick], 0U) << tick;
-    EXPECT_EQ(told[20], 28U);
+    const auto shown = Play(30'000'000, 3000, [](std::uint64_t) { return 1000.0; });
+    for (std::size_t tick = 0; tick < 20; ++tick) EXPECT_EQ(shown[tick], 0U) << tick;
+    EXPECT_EQ(shown[20], 28U);
 }
 
 TEST(TimeLeftTest, ASteadyRunCountsDownSecondBySecond) {
-    const auto told = Play(30'000'000, 29'900, [](std::uint64_t) { return 1000.0; });
-    for (std::size_t tick = 20; tick < told.size(); ++tick) {
-        EXPECT_EQ(told[tick], (300 - tick + 9) / 10) << tick;
+    const auto shown = Play(30'000'000, 29'900, [](std::uint64_t) { return 1000.0; });
+    for (std::size_t tick = 20; tick < shown.size(); ++tick) {
+        EXPECT_EQ(shown[tick], (300 - tick + 9) / 10) << tick;
     }
 }
 
@@ -54,11 +54,11 @@ TEST(TimeLeftTest, ThereIsNoEstimateWithoutATotalOrBeforeAnythingIsDone) {
 // As with a disk: every second is four times as fast or slow as the one before.
 TEST(TimeLeftTest, AnUnsteadySpeedDoesNotMakeItJump) {
     const auto speed = [](std::uint64_t at) { return at / 1000 % 2 ? 1600.0 : 400.0; };
-    const auto told = Play(60'000'000, 50'000, speed);
+    const auto shown = Play(60'000'000, 50'000, speed);
     int jumps = 0;
-    for (std::size_t tick = 30; tick + 1 < told.size(); ++tick) {
+    for (std::size_t tick = 30; tick + 1 < shown.size(); ++tick) {
         const auto step =
-            static_cast<long long>(told[tick + 1]) - static_cast<long long>(told[tick]);
+            static_cast<long long>(shown[tick + 1]) - static_cast<long long>(shown[tick]);
         if (step > 0 || step < -1) ++jumps;
     }
     EXPECT_LE(jumps, 4);
@@ -66,10 +66,10 @@ TEST(TimeLeftTest, AnUnsteadySpeedDoesNotMakeItJump) {
 
 TEST(TimeLeftTest, AShortStallDoesNotMakeItJump) {
     const auto speed = [](std::uint64_t at) { return at >= 10'000 && at < 11'000 ? 0.0 : 1000.0; };
-    const auto told = Play(40'000'000, 39'000, speed);
-    for (std::size_t tick = 20; tick + 1 < told.size(); ++tick) {
+    const auto shown = Play(40'000'000, 39'000, speed);
+    for (std::size_t tick = 20; tick + 1 < shown.size(); ++tick) {
         const auto step =
-            static_cast<long long>(told[tick + 1]) - static_cast<long long>(told[tick]);
+            static_cast<long long>(shown[tick + 1]) - static_cast<long long>(shown[tick]);
         EXPECT_LE(step, 0) << tick;
         EXPECT_GE(step, -1) << tick;
     }
@@ -77,17 +77,17 @@ TEST(TimeLeftTest, AShortStallDoesNotMakeItJump) {
 
 TEST(TimeLeftTest, ALastingChangeOfSpeedIsFollowed) {
     const auto speed = [](std::uint64_t at) { return at < 10'000 ? 1000.0 : 250.0; };
-    const auto told = Play(40'000'000, 60'000, speed);
-    EXPECT_LE(told[100], 31U);
+    const auto shown = Play(40'000'000, 60'000, speed);
+    EXPECT_LE(shown[100], 31U);
     // At 30 seconds 15 MB are done, and the other 25 take 100 seconds more.
-    EXPECT_GE(told[300], 80U);
-    EXPECT_LE(told[300], 110U);
+    EXPECT_GE(shown[300], 80U);
+    EXPECT_LE(shown[300], 110U);
 }
 
 TEST(TimeLeftTest, ALateRunStaysAtOneSecondAndNeverBelow) {
-    const auto told =
+    const auto shown =
         Play(5'000'000, 20'000, [](std::uint64_t at) { return at < 4500 ? 1000.0 : 1.0; });
-    for (std::size_t tick = 20; tick < told.size(); ++tick) EXPECT_GE(told[tick], 1U);
+    for (std::size_t tick = 20; tick < shown.size(); ++tick) EXPECT_GE(shown[tick], 1U);
 }
 
 TEST(TimeLeftTest, MoreReadThanTheTotalShowsOneSecond) {

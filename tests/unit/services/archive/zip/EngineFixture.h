@@ -40,7 +40,8 @@ protected:
         return job_.files.emplace_back(in_.File(name, content));
     }
 
-    // So small that each is one call of the compressor, and few enough to be read in one go.
+    // So small that each is one call of the compressor, and few enough that the read-ahead takes
+    // all at once.
     void AddSmallFiles(std::size_t count) {
         const std::string text = EngineProse(60'000);
         for (std::size_t index = 0; index < count; ++index) {

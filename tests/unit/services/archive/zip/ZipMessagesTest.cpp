@@ -54,11 +54,11 @@ TEST(ZipMessagesTest, EveryFailureHasASentenceOfItsOwnAndNothingElseHas) {
     for (UINT number = 0; number <= kHighestResult; ++number) {
         const auto result = static_cast<ZipResult>(number);
         const std::wstring sentence = FailureSentence(result, L"C:\\folder\\notes.txt");
-        const bool told =
+        const bool isFailure =
             IsResult(result) && result != ZipResult::Ok && result != ZipResult::Cancelled;
-        EXPECT_EQ(!sentence.empty(), told) << number;
-        failures += told;
-        if (!told) continue;
+        EXPECT_EQ(!sentence.empty(), isFailure) << number;
+        failures += isFailure;
+        if (!isFailure) continue;
         sentences.insert(sentence);
         EXPECT_EQ(sentence.find(L'%'), std::wstring::npos) << number;
         EXPECT_TRUE(sentence.ends_with(L".")) << number;

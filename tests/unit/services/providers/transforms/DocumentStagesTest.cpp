@@ -45,7 +45,7 @@ protected:
         }
         return false;
     }
-    // What one box says, with the copy unchanged; `goesOn` whether the run does.
+    // The text of one box, with the copy unchanged; `goesOn` whether the run does.
     void ExpectSentence(const std::string& content, bool goesOn, const wchar_t* part) {
         const std::wstring path = folder_.File(L"Letter.docx", content);
         const obtest::MessageBoxWatcher boxes;

@@ -183,7 +183,7 @@ TEST_F(FitNotes, NoteInTheListStageWhatTheFileStageHasNotSeen) {
     EXPECT_EQ(Results(1), Names{folder_ / L"a.jpg"});
 }
 
-// What the zip takes of such a file is known before anybody says that it doesn't fit.
+// What the zip takes of such a file is known before it is reported that it doesn't fit.
 TEST_F(FitNotes, MeasureInTheZipWhatIsDoneAlone) {
     Select(kConvert);
     const Names paths{Jpeg(L"a.jpg", 800'000), Photo(L"b.tif", 900'000)};

@@ -242,7 +242,7 @@ TEST_F(FitStages, StopWithThePicturesNameWhenTheProcessDiesWhileItWrites) {
 TEST_F(FitStages, StopWithThePicturesNameOnAFullDisk) {
     ExpectStopped("fit-full", L"\u201cb.jpg\u201d");
 }
-// The process said that a step fits, and wrote more.
+// The process reported that a step fits, and wrote more.
 TEST_F(FitStages, StopWhenTheResultIsAboveTheLimit) {
     ExpectStopped("fit-too-much", L"can't be made smaller");
 }

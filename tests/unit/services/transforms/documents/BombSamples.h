@@ -87,7 +87,7 @@ std::string PackedPage(const std::string& objects, const std::string& tableKeys,
     return file + "startxref\n" + std::to_string(start) + "\n%%EOF\n";
 }
 
-// A file whose page is packed in object 4, which is said to be packed in object 5, a bomb.
+// A file whose page is packed in object 4, which the table puts into object 5, a bomb.
 inline std::string PackedInABomb(const std::string& bomb) {
     std::string file = "%PDF-1.7\n%\xE2\xE3\xCF\xD3\n";
     std::string table = TableRow(0, 0);

@@ -23,15 +23,15 @@ inline std::string TextOfXml(const std::string& content) {
                                            pugi::parse_default | pugi::parse_ws_pcdata);
     EXPECT_TRUE(read) << read.description() << content;
     std::string text;
-    struct Walker : pugi::xml_tree_walker {
+    struct TextCollector : pugi::xml_tree_walker {
         std::string& text;
-        explicit Walker(std::string& to) : text(to) {}
+        explicit TextCollector(std::string& to) : text(to) {}
         bool for_each(pugi::xml_node& node) override {
             text += node.value();
             return true;
         }
-    } walker(text);
-    document.traverse(walker);
+    } collector(text);
+    document.traverse(collector);
     return text;
 }
 

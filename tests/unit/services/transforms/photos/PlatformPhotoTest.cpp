@@ -39,7 +39,7 @@ TEST(PlatformPhoto, PassesWhereACodecOrAPartOfItIsMissing) {
     EXPECT_EQ(OutcomeOfPlatform(static_cast<long>(0x88982F60)), PictureOutcome::Damaged);
 }
 
-// Packed pixels, which the system decodes.
+// The bitmap is run-length encoded, so the system's codec decodes it.
 TEST(PlatformPhoto, OfAPackedBmpBecomesAJpeg) {
     PictureBytes file{
         'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 62, 0, 0, 0, 40,  0, 0, 0,   8, 0, 0,

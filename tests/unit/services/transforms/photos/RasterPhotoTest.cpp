@@ -222,7 +222,7 @@ TEST(HostileRasterPhoto, IsDamagedWhenItIsCut) {
     for (const auto& make : kEveryKind) {
         const auto file = make();
         for (std::size_t tenths = 1; tenths < 10; ++tenths) {
-            if (file.size() * tenths < 200) continue; // nothing says what kind it was
+            if (file.size() * tenths < 200) continue; // its kind is unknown
             const auto end = file.begin() + static_cast<std::ptrdiff_t>(file.size() * tenths / 10);
             EXPECT_EQ(Convert(PictureBytes(file.begin(), end)).outcome, PictureOutcome::Damaged)
                 << tenths;

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes the HEIC, AVIF and JPEG XR photos of the tests, with encoders of the machine: make_photos.py FOLDER.
 
-Each shows four quarters, red, green, blue and white, when it is turned as its container says.
+Each shows four quarters, red, green, blue and white, when it is turned as its container asks.
 """
 import os
 import struct
@@ -166,7 +166,7 @@ def parts(path):
     return dict(boxes(content))[b"mdat"], box(b"hvcC", properties[b"hvcC"]), box(b"ispe", properties[b"ispe"])
 
 
-# What a container says to turn a picture as an orientation of EXIF does: quarters of a turn to the left,
+# How a container asks to turn a picture as an orientation of EXIF does: quarters of a turn to the left,
 # then a mirror.
 TURNS = {1: (), 2: ((b"imir", 1),), 3: ((b"irot", 2),), 4: ((b"imir", 0),), 5: ((b"irot", 3), (b"imir", 1)),
          6: ((b"irot", 3),), 7: ((b"irot", 3), (b"imir", 0)), 8: ((b"irot", 1),)}

@@ -292,7 +292,7 @@ public:
     }
 };
 
-// Counts the codings; what it makes is as large as the step says.
+// Counts the codings; what it makes is as large as the step sets.
 class CountingMaker final : public FitMaker {
 public:
     void Make(PictureSource&, PictureTarget& target, const ShrinkStep& step,

@@ -120,7 +120,7 @@ PictureBytes PlainTiff(const TiffForm& form) {
     return file;
 }
 
-// A BMP whose header says this of a picture of enough bytes.
+// A BMP with this header and enough bytes for its picture.
 PictureBytes BmpOf(unsigned channels, std::uint8_t bits, std::uint8_t compression) {
     constexpr std::size_t kBitsAt = 28, kCompressionAt = 30;
     PictureBytes file = MakeBmp(Photo(40, 30, channels));
