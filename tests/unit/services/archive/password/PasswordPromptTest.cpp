@@ -233,7 +233,7 @@ TEST_F(PasswordPromptTest, HalfASurrogatePairIsRefusedWithASentence) {
         EXPECT_TRUE(IsWindow(prompt.Window()));
         EXPECT_EQ(
             prompt.Text(OB_PASSWORD_HINT),
-            L"This password holds a character that can't be used. Please choose another one.");
+            L"This password contains a character that can't be used. Please choose another one.");
     };
     EXPECT_EQ(Ask(act), PromptResult::Cancelled);
     EXPECT_STREQ(buffer_, "");
