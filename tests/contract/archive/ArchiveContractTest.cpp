@@ -138,7 +138,7 @@ TEST_F(ArchiveContract, TheUsualNamesAreAccepted) {
     EXPECT_EQ(service_->ValidateFilespecW(L"zip", 4), 0U);
 }
 
-TEST_F(ArchiveContract, TheCallsWithoutAResultReturn) {
+TEST_F(ArchiveContract, LeavesTheServiceUsableAfterCallsWithoutAResult) {
     const obtest::MessageBoxWatcher boxes; // the entries may say something
     service_->LogLaunch();
     service_->LogAppletFeature(L"Feature", L"details");

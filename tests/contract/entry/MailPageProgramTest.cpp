@@ -105,7 +105,7 @@ TEST_F(MailPageProgram, IsLeftToItsOwnDialogOnAnotherPage) {
     EXPECT_THAT(HostScript::Record(), IsEmpty());
 }
 
-TEST_F(MailPageProgram, IsTheOwnerOfTheHostsDialogAndHeldMeanwhile) {
+TEST_F(MailPageProgram, OwnsTheHostsDialogThroughALayerWindow) {
     HostScript::Play(L"owner\nstatus 3");
     EXPECT_EQ(Attach(L""), "answer=0\n");
     EXPECT_EQ(HostScript::RecordOf(L"start").size(), 1u);

@@ -50,7 +50,7 @@ TEST(ProviderNumbers, NameTheManagersFileAndKey) {
     EXPECT_STREQ(kProviderManagerKey, L"Software\\Tavi Ren Computing\\Ombrix\\PVX");
 }
 
-TEST(ProviderNumbers, SingleOutSomeStorageProviders) {
+TEST(ProviderNumbers, ExcludeSixProvidersFromStoring) {
     EXPECT_EQ(kNoProvider, 0u);
     EXPECT_EQ(kArchivesOnlyProvider, 21u);
     for (const std::uint32_t id : {30u, 31u, 32u, 33u, 34u, 45u}) {

@@ -48,7 +48,7 @@ void AskOnAnotherThread() {
 }
 
 // The list is empty, so that the core comes from the heap, under the lock.
-TEST(PoolLock, HeldByAnotherThreadThatAllocatesItSurfacesARefusedEvent) {
+TEST(PoolLock, SurfacesARefusedEventWhenAnotherThreadHasIt) {
     ObLib::PoolSwitchOff();
     ObLib::PoolSwitchOn();
     obtest::AtNextAllocation(&AskOnAnotherThread);

@@ -74,7 +74,7 @@ TEST_F(BrowserContextSlots, RunTheBrowsersOwnDialogsAndQueriesFromZeroToThree) {
     ExpectAsked(3, dialog_, items);
 }
 
-TEST_F(BrowserContextSlots, TellOfThePageAndItsWindowFromFourToSeven) {
+TEST_F(BrowserContextSlots, ReturnPageAndWindowFromFourToSeven) {
     EXPECT_EQ(context_.GetPageUrl(), Pointer<const wchar_t>(0xABCD0000'00000004));
     ExpectAsked(4);
     EXPECT_EQ(context_.GetBrowserWindowClasses(),

@@ -61,7 +61,7 @@ TEST_F(DialogRequest, DoesntLookAtWhetherTheOptionsCouldBeHad) {
     EXPECT_EQ(obtest::DumpedBlock(L"request.bin")[12], 0x42);
 }
 
-TEST_F(DialogRequest, MakesNoTestForForbiddenLinks) {
+TEST_F(DialogRequest, DoesNotCheckWhetherThePageForbidsLinks) {
     context.pageUrl = L"https://mail.google.com/h?view=amf";
     Run(L"dump request.bin");
     EXPECT_EQ(obtest::DumpedBlock(L"request.bin")[8], 0);
@@ -188,7 +188,7 @@ TEST_F(DialogRequest, KeepsTheBrowserDisabledWhileTheHostRuns) {
     EXPECT_TRUE(browser.Enabled());
 }
 
-TEST_F(DialogRequest, ReadsNoPathsFromWhereNoneCanStand) {
+TEST_F(DialogRequest, ReadsNoPathsFromAnOffsetOutsideTheTextArea) {
     for (const std::int32_t offset : {0, 32, 77, 65535, 65536, INT_MAX, -2, INT_MIN}) {
         const std::wstring text = std::to_wstring(offset);
         EXPECT_EQ(Run(L"status 4\npoke32 28 " + text + L"\npoke32 32 " + text), S_OK);

@@ -212,7 +212,7 @@ TEST_F(HostEntryTest, LeavesStatus3AndResult0WhenTheUserCancels) {
     EXPECT_EQ(Copy(), expected);
 }
 
-TEST_F(HostEntryTest, HandsOnNoTextThatLiesOutsideTheBlock) {
+TEST_F(HostEntryTest, HandsOnNoTextOutsideTheBlock) {
     Poke32(52, 65536);
     Poke32(56, 0xFFFFFFFC);
     Poke32(72, 0x7FFFFFFE);

@@ -292,7 +292,7 @@ TEST_F(OpenFileNameRequest, KeepsTheBrowserDisabledWhileTheHostRuns) {
     EXPECT_EQ(request.hwndOwner, browser.Page());
 }
 
-TEST_F(OpenFileNameRequest, ReadsNoListFromWhereNoneCanStand) {
+TEST_F(OpenFileNameRequest, ReadsNoListFromAnOffsetOutsideTheTextArea) {
     for (const std::int32_t offset : {0, 24, 75, 77, 65535, 65536, INT_MAX, -2, INT_MIN}) {
         const std::wstring text = std::to_wstring(offset);
         EXPECT_EQ(Run(L"status 3\nresult 1\npoke32 72 " + text + L"\npoke32 16 " + text), 1);

@@ -88,7 +88,7 @@ TEST(MailPageFiles, RemovesTemporaryOutputWithEverythingInIt) {
     EXPECT_THAT(obtest::ListTree(folder.Path()), ElementsAre(L"kept.txt"));
 }
 
-TEST(MailPageFiles, KeepsWhatLiesOutsideTheTemporaryFolder) {
+TEST(MailPageFiles, KeepsFilesOutsideTheTemporaryFolder) {
     const std::wstring folder = L"C:\\app\\mine";
     CreateDirectoryW(folder.c_str(), nullptr);
     ASSERT_TRUE(obtest::WriteFileContent(folder + L"\\a.txt", "mine"));

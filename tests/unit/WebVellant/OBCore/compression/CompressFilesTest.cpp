@@ -75,7 +75,7 @@ std::string Narrow(const std::wstring& ascii) {
     return text;
 }
 
-TEST_F(Compression, TracesWhereTheZipLies) {
+TEST_F(Compression, TracesTheZipsPath) {
     obtest::ForgetTrace();
     EXPECT_TRUE(CompressFiles(job_));
     const std::string folder = Narrow(RunFolder());

@@ -62,7 +62,7 @@ TEST_F(DialogAnswer, ContainsAnEmptyFolderAndTheListOfFullPaths) {
     EXPECT_EQ(block.Copy(), expected.Copy());
 }
 
-TEST_F(DialogAnswer, LeavesWhatStoodBesideTheFlagByte) {
+TEST_F(DialogAnswer, LeavesTheBytesAfterTheFlagByte) {
     GuardedBlock used(0xCC);
     WriteDialogAnswer(*used, {L"x"});
     EXPECT_EQ(used.U8(25), 0xCC);

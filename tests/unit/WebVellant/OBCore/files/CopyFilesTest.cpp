@@ -46,7 +46,7 @@ TEST_F(CopyFiles, LeavesAnEmptyListEmpty) {
     EXPECT_TRUE(obtest::ListTree(copies_.Path()).empty());
 }
 
-TEST_F(CopyFiles, OverwritesWhatLiesThere) {
+TEST_F(CopyFiles, OverwritesAFileOfThatName) {
     copies_.File(L"a.txt", "old and longer");
     const std::wstring a = sources_.File(L"a.txt", "new");
     EXPECT_EQ(Copy({a}), Files{copies_ / L"a.txt"});

@@ -111,7 +111,7 @@ TEST_F(WipeStart, TakesTheRegisteredFolderUpToTheLastBackslash) {
     ExpectNothingStarts();
 }
 
-TEST_F(WipeStart, RunsInTheRootOfADriveWhereTheProductLiesThere) {
+TEST_F(WipeStart, RunsInTheRootOfADriveWhenTheProductIsInstalledThere) {
     Register(L"C:\\ombrix.exe");
     const PlacedWipeProgram program(L"C:");
     ASSERT_TRUE(program.Ok());

@@ -93,7 +93,7 @@ TEST_F(Assertions, NameExpressionSourceAndLine) {
     EXPECT_EQ(48u, boxCalls[0].style);
 }
 
-TEST_F(Assertions, AreToldByAFailedCheckThatAnswersAndGoesOn) {
+TEST_F(Assertions, AreShownByAFailedCheckThatReturnsFalse) {
     EXPECT_FALSE(obcore::Check(false, "x", "OBCore\\Y", 3));
     ASSERT_EQ(1u, boxCalls.size());
     EXPECT_EQ(Text("Expr: x\nFile: OBCore\\Y\nLine: 3"), boxCalls[0].text);

@@ -102,13 +102,13 @@ std::wstring Filled(std::wstring text, std::wstring_view value) {
     return text;
 }
 
-TEST(FilledText, TakesTheValueInPlaceOfTheFirstPlaceholder) {
+TEST(MessagePlaceholder, TakesTheValueInPlaceOfTheFirstPlaceholder) {
     EXPECT_EQ(Filled(L"%ls of %ls", L"1 GB"), L"1 GB of %ls");
     EXPECT_EQ(Filled(L"can't copy \"%ls\".", L""), L"can't copy \"\".");
     EXPECT_EQ(Filled(L"%ls", L"100 %ls"), L"100 %ls");
 }
 
-TEST(FilledText, StaysAsItIsWithoutThePlaceholder) {
+TEST(MessagePlaceholder, StaysAsItIsWithoutThePlaceholder) {
     EXPECT_EQ(Filled(L"100 %s %d %", L"value"), L"100 %s %d %");
     EXPECT_EQ(Filled(L"", L"value"), L"");
 }

@@ -189,7 +189,7 @@ TEST_F(OptionsOfPolicy, DisableTheCloudByAnItemOfAList) {
     }
 }
 
-TEST_F(OptionsOfPolicy, BelieveTheSixtyFourBitViewAboutTheCertificate) {
+TEST_F(OptionsOfPolicy, TakeTheCertificateFromThe64BitViewFirst) {
     struct Row {
         const wchar_t* low; // null: the key isn't there
         const wchar_t* high;

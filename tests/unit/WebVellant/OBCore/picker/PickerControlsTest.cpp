@@ -30,7 +30,7 @@ protected:
     ObLib::ComPtr<RecordingFileDialog> dialog;
 };
 
-TEST_F(PickerControlsAdded, StandInFourGroupsInOrderWithTheirTexts) {
+TEST_F(PickerControlsAdded, AreInFourGroupsInOrderWithTheirTexts) {
     job.SingleAttachConversion = true;
     Add();
     const Calls expected = {

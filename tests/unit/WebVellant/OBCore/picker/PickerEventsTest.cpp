@@ -398,7 +398,7 @@ protected:
     }
 };
 
-TEST_F(PickerEventsCombine, TicksTheConversionWithTheModeOfLeavingOut) {
+TEST_F(PickerEventsCombine, TicksTheConversionAndSelectsItInLeaveOutMode) {
     EXPECT_EQ(Tick(), OwnStepsAnd({Ready(L"3"), Select(1, L"3"), tickConversion}));
     EXPECT_TRUE(job.AutoCombinePDFs);
     EXPECT_TRUE(job.AutoConvertPDF);

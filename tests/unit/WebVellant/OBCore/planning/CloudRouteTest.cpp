@@ -54,7 +54,7 @@ TEST_F(CloudRoute, NeverSendsByAValueThatMeansNothing) {
     ExpectAttached(ArchiveOf(100));
 }
 
-TEST_F(CloudRoute, AlwaysSendsWhenToldTo) {
+TEST_F(CloudRoute, SendsEveryFileWhenTheOptionIsOn) {
     job_.SendSetting = SendSettingKind::Always;
     ExpectSent(ArchiveOf(3), L"3");
     ExpectSent(ArchiveOf(0), L"0");
@@ -67,7 +67,7 @@ TEST_F(CloudRoute, SendsWhatIsLargerThanTheThreshold) {
     ExpectSent(ArchiveOf(11), L"11");
 }
 
-TEST_F(CloudRoute, TakesAThresholdOf2048MegabytesForANegativeOne) {
+TEST_F(CloudRoute, SendsEveryFileWhenTheThresholdOverflowsToANegativeNumber) {
     job_.MinimumSizeBytes = 0x7FFFFFFF;
     ExpectAttached(ArchiveOf(1));
     job_.MinimumSizeBytes = 0x80000000;

@@ -99,7 +99,7 @@ TEST_F(NoZip, DoesNotCombineASingleFile) {
     ExpectAttachedAsPicked({one_});
 }
 
-TEST_F(NoZip, DoesNotConvertASingleFileUnlessToldTo) {
+TEST_F(NoZip, ConvertsASingleFileOnlyWhenTheOptionIsOn) {
     TurnAllTransformsOn();
     job_.SingleAttachConversion = false;
     ExpectAttachedAsPicked({one_});

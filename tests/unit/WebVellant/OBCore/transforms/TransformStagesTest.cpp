@@ -206,7 +206,7 @@ TEST_F(TransformStages, LetAListStageMakeMoreFiles) {
     EXPECT_EQ(files_, (Lines{L"C:\\t\\1.pdf", L"C:\\t\\2.pdf", L"C:\\t\\3.pdf"}));
 }
 
-TEST_F(TransformStages, TakeAsManyResultsAsTheSecondCountSays) {
+TEST_F(TransformStages, TakeAsManyResultsAsTheSecondCountReturns) {
     Stages(L"0,1,0,0");
     Answer(L"ExecutePostTransforms.count", L"4"); // buffers; two are filled
     Answer(L"GetTargetFile.count", L"1");

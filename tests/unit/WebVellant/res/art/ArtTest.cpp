@@ -181,7 +181,7 @@ int GapBefore(const LoadedPicture& picture, bool row) {
     return gap;
 }
 
-TEST(DialogArt, ArrowsPointWhereTheirNamesSay) {
+TEST(DialogArt, ArrowsPointTheWayOfTheirNames) {
     for (int scale = 0; scale < kScaleCount; ++scale) {
         const LoadedPicture down = Load(62096 + scale);
         const LoadedPicture left = Load(62112 + scale);

@@ -198,12 +198,12 @@ protected:
     }
 };
 
-TEST_F(Pbkdf2Simd, EightTellTheSame) {
+TEST_F(Pbkdf2Simd, EightLanesGiveTheKeysOfFour) {
     if (!obarchive::HasEightLanes()) GTEST_SKIP() << "this processor has four lanes only";
     ExpectTheSameOf(&obarchive::DeriveEightLanes);
 }
 
-TEST_F(Pbkdf2Simd, EightRotatingOnesTellTheSame) {
+TEST_F(Pbkdf2Simd, EightRotatingLanesGiveTheKeysOfFour) {
     if (!obarchive::HasEightLanesRotating()) GTEST_SKIP() << "this processor has none that rotate";
     ExpectTheSameOf(&obarchive::DeriveEightLanesRotating);
 }

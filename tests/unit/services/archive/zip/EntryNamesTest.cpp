@@ -59,7 +59,7 @@ TEST(EntryNamesTest, ShorteningDoesNotSplitASurrogatePair) {
     EXPECT_TRUE(names[1].ends_with(L"\U0001F600 (2).txt"));
 }
 
-TEST(EntryNamesTest, HalvesOfSurrogatePairsAreReplacedAndStillTellApart) {
+TEST(EntryNamesTest, HalvesOfSurrogatePairsAreReplacedAndNamesStayDifferent) {
     const std::wstring high(1, static_cast<wchar_t>(0xD83D));
     const std::wstring low(1, static_cast<wchar_t>(0xDE00));
     EXPECT_EQ(UniqueEntryNames({L"a\\" + high, L"a\\" + low, L"a\\" + high + low}),

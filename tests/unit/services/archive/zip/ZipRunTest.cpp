@@ -239,7 +239,7 @@ TEST_F(ZipRunTest, AWrongPasswordOpensNothing) {
     EXPECT_TRUE(ReadZip(job_.target, job_.password.Text()));
 }
 
-TEST_F(ZipRunTest, EncryptedEntriesAreAe2AndTellNoChecksum) {
+TEST_F(ZipRunTest, EncryptedEntriesAreAe2WithoutAChecksum) {
     Encrypt(8);
     Add(L"a.txt", std::string(1000, 'x'));
     Add(L"b.txt", "short");
@@ -324,7 +324,7 @@ TEST_F(ZipRunTest, ModificationTimesAreKept) {
               std::string(reinterpret_cast<const char*>(&time), 8));
 }
 
-TEST_F(ZipRunTest, TimesThatAZipCannotHoldAreMovedToItsEnds) {
+TEST_F(ZipRunTest, TimesOutsideTheRangeOfAZipBecomeItsFirstOrLast) {
     constexpr std::int64_t kDay = 24 * 60 * 60;
     const std::int64_t first = obarchive::ZipTime(TimeOf(1970, 6, 1, 0, 0, 0));
     EXPECT_NEAR(static_cast<double>(first), 315532800.0, kDay); // 1980-01-01

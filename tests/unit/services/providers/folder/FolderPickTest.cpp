@@ -219,7 +219,7 @@ TEST_F(FolderPick, BeginsInAFolderThatCanBeReached) {
 }
 
 // A share that doesn't respond blocks each call for a minute.
-TEST_F(FolderPick, ADeadAccountHoldsTheDialogBackForAMomentOnly) {
+TEST_F(FolderPick, ADeadAccountDelaysTheDialogForAMomentOnly) {
     const ObLib::UniqueKernelHandle over(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     dead = inner_;
     deadUntil = over.Get();

@@ -567,7 +567,7 @@ TEST_F(FolderUpload, RemovesNothingThatItDidNotMake) {
     EXPECT_EQ(Stored(), Tree{L"Quillbox\\"}); // was there before
 }
 
-TEST_F(BrokenFolderUpload, GoesOnWithWhatTheFolderHasForCertain) {
+TEST_F(BrokenFolderUpload, ContinuesAtTheLastLengthThatWasFlushed) {
     ExpectStored();
     EXPECT_EQ(wentBackTo_, kStoredAtOnce);
     EXPECT_EQ(callNumber, kStoredBlocks + 3 + 1 + 1 + 2) << "each block once, but for three";

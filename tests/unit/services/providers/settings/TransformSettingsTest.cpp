@@ -260,7 +260,7 @@ TEST_F(WatermarkSettingsTest, KeepAPathOfAnyLengthThatCanBeEntered) {
 }
 
 // The text never takes the place of a picture that the user chose.
-TEST_F(WatermarkSettingsTest, HaveAPictureAlsoWithoutItsPath) {
+TEST_F(WatermarkSettingsTest, KeepTheKindPictureWhenItsPathIsMissing) {
     Set(L"Text", L"Ann");
     Set(L"Kind", L"Picture");
     for (const std::wstring& path : {std::wstring(), std::wstring(1001, L'a')}) {

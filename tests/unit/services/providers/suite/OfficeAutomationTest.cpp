@@ -182,7 +182,7 @@ TEST_F(OfficeAutomation, ClosesAndQuitsAfterAFailure) {
 
 // The program goes on as long as anybody refers to one of its objects; its job would end it after
 // ten seconds.
-TEST_F(OfficeAutomation, RefersToNothingOfAProgramThatItHasToldToEnd) {
+TEST_F(OfficeAutomation, ReleasesEveryObjectOfAProgramSoThatItEnds) {
     for (const wchar_t* name : {L"letter.docx", L"numbers.xls", L"slides.odp"}) {
         EXPECT_EQ(Convert(name, "good"), SuiteOutcome::Converted);
         ASSERT_FALSE(AllCalls().empty());

@@ -111,7 +111,7 @@ TEST_F(ManagerStages, AskForTheirSettingsUntilThereAreSome) {
     EXPECT_FALSE(shown);
 }
 
-TEST_F(ManagerStages, SayThatSettingsCannotBeSaved) {
+TEST_F(ManagerStages, ReportThatSettingsCannotBeSaved) {
     constexpr std::size_t kTooLongForAKey = 300;
     const std::wstring key = L"Software\\" + std::wstring(kTooLongForAKey, L'x');
     Delete();
@@ -349,7 +349,7 @@ TEST_F(ManagerStages, AtTheEndAskAboutFilesThatCannotBeCleaned) {
     EXPECT_EQ(Results(1), (Names{path}));
 }
 
-TEST_F(ManagerStages, AtTheEndStopForThemWhenTheSettingsSaySo) {
+TEST_F(ManagerStages, AtTheEndStopForThemWhenTheSettingsAskForIt) {
     Settings(true, false);
     const std::wstring path = folder_.File(L"photo.jpg", "photo");
     Script("too-large");
@@ -357,7 +357,7 @@ TEST_F(ManagerStages, AtTheEndStopForThemWhenTheSettingsSaySo) {
     ExpectRefused(path, [&] { return Final({path}); });
 }
 
-TEST_F(ManagerStages, AtTheEndShowTheReceiptWhenTheSettingsSaySo) {
+TEST_F(ManagerStages, AtTheEndShowTheReceiptWhenTheSettingsAskForIt) {
     Settings(true, true);
     const std::wstring path = folder_.File(L"photo.jpg", "photo");
     ASSERT_TRUE(Execute(path));

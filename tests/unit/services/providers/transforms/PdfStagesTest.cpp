@@ -117,7 +117,7 @@ TEST_F(PdfStages, FollowTheSettings) {
     EXPECT_TRUE(boxes.Seen().empty());
 }
 
-TEST_F(PdfStages, SayOnceThatDocumentsStayAsTheyAre) {
+TEST_F(PdfStages, ReportOnceThatDocumentsStayAsTheyAre) {
     const obtest::MessageBoxWatcher boxes;
     EXPECT_EQ(Converted(L"One.rtf", Document()), L"One.rtf");
     EXPECT_EQ(Converted(L"Two.rtf", Document()), L"Two.rtf");
@@ -207,7 +207,7 @@ TEST_F(PdfStages, RefuseACopyThatAnotherProgramHasLocked) {
 }
 
 // The name without a number is taken, and only the work shows that one is needed at all.
-TEST_F(PdfStages, SayThatANumberedNameIsTooLong) {
+TEST_F(PdfStages, ReportThatANumberedNameIsTooLong) {
     const std::wstring deep = DeepFolder();
     const std::wstring stem = deep + L"\\" + std::wstring(512 - deep.size() - 4, L'n');
     const std::wstring path = stem + L".tf", taken = stem + L".pdf"; // 513 units

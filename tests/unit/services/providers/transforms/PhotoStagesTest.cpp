@@ -119,7 +119,7 @@ TEST_F(PhotoStages, ConvertTheKindsThatTheUserWants) {
 }
 
 // The system of the tests has no codec for AVIF.
-TEST_F(PhotoStages, SayOnceThatAPhotoHasNoDecoder) {
+TEST_F(PhotoStages, ReportOnceThatAPhotoHasNoDecoder) {
     const obtest::MessageBoxWatcher boxes;
     EXPECT_EQ(Converted(L"One.avif", Sample(L"plain.avif")), L"One.avif");
     EXPECT_EQ(Converted(L"Two.avif", Sample(L"plain.avif")), L"Two.avif");

@@ -16,7 +16,7 @@ ReceiptFile Cleaned(const wchar_t* name, std::vector<WorkFound> removed) {
 ReceiptFile Rest(const wchar_t* name, WorkResult result) { return {name, result, {}}; }
 ReceiptFile Clean(const wchar_t* name) { return {name, WorkResult::Unchanged, {}}; }
 
-TEST(ReceiptText, SaysFirstWhichFilesCannotBeCleaned) {
+TEST(ReceiptText, ReportsFirstWhichFilesCannotBeCleaned) {
     const auto one = Rest(L"a.doc", WorkResult::NotSupported);
     EXPECT_EQ(ReceiptHeadline({Cleaned(L"b.jpg", {{"position", 1}}), one}),
               L"One file can't be cleaned. What it contains will be sent as it is.");

@@ -116,7 +116,7 @@ TEST_F(WorkProcessTest, IsStartedAnewAfterHalfARecord) { ExpectEndedBy("half"); 
 TEST_F(WorkProcessTest, IsEndedForBytesThatAreNoRecord) { ExpectEndedBy("garbage"); }
 TEST_F(WorkProcessTest, IsEndedForARecordOfAnySize) { ExpectEndedBy("huge"); }
 TEST_F(WorkProcessTest, IsEndedForFindingsWithoutEnd) { ExpectEndedBy("flood"); }
-TEST_F(WorkProcessTest, IsEndedForProgressThatStandsStill) { ExpectEndedBy("standstill"); }
+TEST_F(WorkProcessTest, IsEndedForProgressThatDoesNotAdvance) { ExpectEndedBy("standstill"); }
 
 TEST_F(WorkProcessTest, IsEndedWhenItIsSilentForTooLong) {
     WorkSettings settings = Settings();

@@ -328,7 +328,7 @@ TEST(PdfForms, LookOnceAtAPageThatIsManyTimesInItsFile) {
     EXPECT_EQ(FormOf(file).getKey("/Fields").getArrayNItems(), 1);
 }
 
-TEST(PdfForms, KeepWhatAFormSaysForAllOfItsFields) {
+TEST(PdfForms, KeepTheFormsDefaultsForAllOfItsFields) {
     CombinedFile file({{"a", TextField("a", "", "/DA (/Helv 8 Tf) /CO [5 0 R]")},
                        {"b", TextField("b", "", "/DA (/Helv 9 Tf) /Q 2 /NeedAppearances true")},
                        {"c", TextField("c", "", "/CO [5 0 R] /XFA (<form/>) /SigFlags 1")}});

@@ -47,7 +47,7 @@ TEST(OdfPersonalData, CleansATextAndKeepsWhatIsWritten) {
                                                    {FindingKind::Comments, 1}}));
 }
 
-TEST(OdfPersonalData, KeepsTextsNotesAndChangesWithANameThatStandsForAll) {
+TEST(OdfPersonalData, KeepsTextsNotesAndChangesUnderOneNeutralName) {
     const std::string content = PartOf(ExpectPackageCleaned(Odt()).file, "content.xml");
     EXPECT_NE(content.find("<office:change-info><dc:creator>Author</dc:creator>"
                            "<dc:date>2000-01-01T00:00:00</dc:date></office:change-info>"

@@ -41,7 +41,7 @@ struct Container {
 constexpr auto kText = "\xEC\xA5\xC1\0\0\0\0\0\0\0\0\x01"sv; // the last byte has the flag
 constexpr auto kTable = "\x09\x08\x04\0\0\x06\x05\0\x86\0\0\0\x2F\0\x02\0\0\0"sv;
 
-TEST(OldContainerPassword, IsNeededByTextsTablesAndSlidesThatSaySo) {
+TEST(OldContainerPassword, IsNeededByTextsTablesAndSlidesThatDeclareIt) {
     EXPECT_TRUE(Container("WordDocument", kText).IsProtected());
     EXPECT_TRUE(Container("Workbook", kTable).IsProtected());
     EXPECT_TRUE(Container("Book", kTable).IsProtected());

@@ -124,7 +124,7 @@ TEST(PdfDates, StayAwayTheSecondTime) {
     EXPECT_EQ(WithoutDates(once).file, once);
 }
 
-TEST(PdfDates, AreNotLookedForInAFileThatHasToBeGuessed) {
+TEST(PdfDates, AreNotRemovedFromADamagedFile) {
     EXPECT_EQ(WithoutDates("%PDF-1.6\n% nothing\n%%EOF\n").outcome, CleanOutcome::Damaged);
     EXPECT_EQ(WithoutDates("").outcome, CleanOutcome::Damaged);
     const std::string file = MadeAt(kNoon);

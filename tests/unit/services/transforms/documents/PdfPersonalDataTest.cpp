@@ -322,7 +322,7 @@ TEST(PdfBombs, WhatIsReadWholeIsTooLarge) {
 }
 
 // A stream can't be packed. Steps are counted while anything is decoded.
-TEST(PdfBombs, AStreamThatIsSaidToBePackedIsNotUnpacked) {
+TEST(PdfBombs, AStreamInsideAPackedStreamIsNotUnpacked) {
     class Count final : public transforms::PictureSteps {
     public:
         void Step() noexcept override { ++steps; }

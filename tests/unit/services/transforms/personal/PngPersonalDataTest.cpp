@@ -74,7 +74,7 @@ TEST(PngPersonalData, FramesOutsideAnAnimationAreRemoved) {
     ExpectRemoved(Chunk("fdAT", "\0\0\0\2"s + Sample(kCanary)), FindingKind::PrivateData);
 }
 
-TEST(PngPersonalData, ChunksThatAreNotWhatTheirNameSaysAreRemoved) {
+TEST(PngPersonalData, ChunksOfAnotherKindThanTheirNameAreRemoved) {
     const Sample canary(kCanary);
     ExpectRemoved(Chunk("gAMA", canary), FindingKind::PrivateData);
     ExpectRemoved(Chunk("pHYs", canary), FindingKind::PrivateData);

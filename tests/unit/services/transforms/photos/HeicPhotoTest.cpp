@@ -28,7 +28,7 @@ TEST(HeicPhoto, BecomesAJpeg) {
     EXPECT_EQ(ParseJpeg(photo.file).across, 2); // as in the source
 }
 
-TEST(HeicPhoto, IsTurnedOnceAsItsContainerSays) {
+TEST(HeicPhoto, IsTurnedOnceAsItsContainerAsks) {
     for (int orientation = 1; orientation <= 8; ++orientation) {
         const auto photo = Sample(L"turn" + std::to_wstring(orientation) + L".heic");
         ASSERT_EQ(photo.outcome, PictureOutcome::Written) << orientation;

@@ -70,7 +70,7 @@ TEST(ShrunkPhoto, IsTheConvertedOneAtTheFinestStep) {
     }
 }
 
-TEST(ShrunkPhoto, IsCodedAtMostAsFinelyAsTheRequestSays) {
+TEST(ShrunkPhoto, IsCodedAtMostAsFinelyAsTheRequestAsks) {
     const PictureBytes file = MakeTiff(Photo(300, 200, 3));
     PhotoRequest low = PhotoRequestOfTest();
     low.quality = 70;
