@@ -7,9 +7,9 @@
 #include "tests/e2e/RealRequest.h"
 #include "tests/fakes/Recording.h"
 #include "tests/faults/HostProcess.h"
-#include "tests/faults/ProcessResources.h"
 #include "tests/support/FakeModules.h"
 #include "tests/support/ImportPatch.h"
+#include "tests/support/ProcessResources.h"
 #include "tests/support/ProductRegistry.h"
 
 namespace obtest {

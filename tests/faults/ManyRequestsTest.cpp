@@ -11,9 +11,9 @@
 #include "obwmv/BrowserRequest.h"
 #include "tests/fakes/Recording.h"
 #include "tests/fakes/host/HostScript.h"
-#include "tests/faults/ProcessResources.h"
 #include "tests/support/FakeBrowserContext.h"
 #include "tests/support/ImportPatch.h"
+#include "tests/support/ProcessResources.h"
 #include "tests/unit/WebVellant/obwmv/BrowserWindow.h"
 #include "tests/unit/WebVellant/obwmv/RequestSupport.h"
 

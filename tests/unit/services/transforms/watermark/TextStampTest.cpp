@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "services/transforms/pictures/StampPicture.h"
+#include "tests/support/ProcessResources.h"
 #include "tests/unit/services/transforms/pictures/TestRasters.h"
 
 namespace {
@@ -111,9 +112,9 @@ TEST(TextStamp, IsTheSameForTheSamePicture) {
 
 TEST(TextStamp, LeavesNoObjectOfTheSystemOpen) {
     Drawn(L"first", {1200, 900}); // what the system keeps for itself is made now
-    const DWORD before = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    const DWORD before = obtest::CountGdiObjects();
     for (int round = 0; round < 20; ++round) Drawn(L"again", {1200, 900});
-    EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), before + 2);
+    EXPECT_LE(obtest::CountGdiObjects(), before + 2);
 }
 
 TEST(TextStamp, IsSeenOnLightAndDarkPictures) {
