@@ -11,8 +11,10 @@
 namespace obtest {
 namespace {
 
+// One page of the gallery, which a process of its own shows.
 class Gallery : public testing::Test {
 protected:
+    explicit Gallery(const wchar_t* page = L"stock") : pageName_(page) {}
     static void SetUpTestSuite() { BeAwareOfTheScale(); }
 
     void SetUp() override {
@@ -21,8 +23,9 @@ protected:
         STARTUPINFOW startup{};
         startup.cb = sizeof startup;
         PROCESS_INFORMATION started{};
-        ASSERT_TRUE(CreateProcessW(path->c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr,
-                                   nullptr, &startup, &started));
+        std::wstring command = L"gallery " + pageName_;
+        ASSERT_TRUE(CreateProcessW(path->c_str(), command.data(), nullptr, nullptr, FALSE, 0,
+                                   nullptr, nullptr, &startup, &started));
         CloseHandle(started.hThread);
         process_.Reset(started.hProcess);
         page_ = WaitForTopWindow(&IsDialog, started.dwProcessId);
@@ -30,13 +33,14 @@ protected:
     }
     void TearDown() override {
         if (!process_) return;
-        PostMessageW(page_, WM_COMMAND, IDOK, 0);
+        PressCommand(page_, IDCANCEL);
         ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process_.Get(), kUiLimit));
         DWORD code = 99;
         GetExitCodeProcess(process_.Get(), &code);
         EXPECT_EQ(0u, code);
     }
 
+    std::wstring pageName_;
     ObLib::UniqueKernelHandle process_;
     HWND page_ = nullptr;
 };
@@ -62,6 +66,38 @@ TEST_F(Gallery, PutsBackItsDefaults) {
     SetText(GetDlgItem(page_, OB_GALLERY_NAME), L"changed");
     Click(GetDlgItem(page_, OB_GALLERY_DEFAULTS));
     EXPECT_TRUE(WaitUntil([&] { return ItemText(page_, OB_GALLERY_NAME) == L"Meeting"; }));
+}
+
+// Every page, one after the other.
+class GalleryOfAll : public Gallery {
+protected:
+    GalleryOfAll() : Gallery(L"") {}
+};
+
+TEST_F(GalleryOfAll, ShowsTheNextPageAfterOk) {
+    const std::wstring first = TextOf(page_);
+    ASSERT_TRUE(PressCommand(page_, IDOK));
+    const auto isAnother = [&](HWND window) {
+        const std::wstring title = TextOf(window); // empty while the first one closes
+        return IsDialog(window) && !title.empty() && title != first;
+    };
+    page_ = WaitForTopWindow(isAnother, GetProcessId(process_.Get()));
+    EXPECT_NE(nullptr, page_);
+}
+
+class GalleryOfTexts : public Gallery {
+protected:
+    GalleryOfTexts() : Gallery(L"texts") {}
+};
+
+TEST_F(GalleryOfTexts, ShowsTextsEditsAndPasswords) { LookAt(page_, L"gallery-texts", 500, 380); }
+
+TEST_F(GalleryOfTexts, HasAnEyeInEachPasswordThatIsEnabled) {
+    int eyes = 0;
+    for (const HWND child : Descendants(page_)) {
+        eyes += GetPropW(child, L"OB_EDIT_IMGBTN") != nullptr && IsWindowVisible(child);
+    }
+    EXPECT_EQ(3, eyes);
 }
 
 } // namespace

@@ -1,0 +1,29 @@
+#include "demo/gallery/Pages.h"
+
+#include "demo/gallery/StockPage.h"
+#include "demo/gallery/TextsPage.h"
+
+namespace gallery {
+namespace {
+
+template <class Page>
+std::unique_ptr<ObLibX::ObXDlg> Make() {
+    return std::make_unique<Page>();
+}
+
+constexpr PageRow kPages[] = {
+    {L"stock", &Make<StockPage>},
+    {L"texts", &Make<TextsPage>},
+};
+
+} // namespace
+
+std::vector<PageRow> PagesNamed(std::wstring_view name) {
+    std::vector<PageRow> rows;
+    for (const PageRow& row : kPages) {
+        if (name.empty() || name == row.name) rows.push_back(row);
+    }
+    return rows;
+}
+
+} // namespace gallery
