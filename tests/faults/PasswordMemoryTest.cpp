@@ -36,9 +36,8 @@ bool StandsAt(const std::uint8_t* at, std::size_t width) {
     return true;
 }
 
-int TimesIn(const MEMORY_BASIC_INFORMATION& region) {
-    const auto* at = static_cast<const std::uint8_t*>(region.BaseAddress);
-    const std::uint8_t* const end = at + region.RegionSize - 2 * std::size(kMasked);
+int TimesIn(const std::uint8_t* at, std::size_t size) {
+    const std::uint8_t* const end = at + size - 2 * std::size(kMasked);
     int times = 0;
     const std::uint8_t first = Letter(0);
     for (; at <= end; ++at)
@@ -52,9 +51,11 @@ int TimesInMemory() {
     int times = 0;
     MEMORY_BASIC_INFORMATION own = {};
     VirtualQuery(&own, &own, sizeof(own));
-    obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
-        if (region.AllocationBase != own.AllocationBase) times += TimesIn(region);
-    });
+    obtest::ForEachReadableRegion(
+        [&](const MEMORY_BASIC_INFORMATION& region, const std::uint8_t* bytes) {
+            if (region.AllocationBase != own.AllocationBase)
+                times += TimesIn(bytes, region.RegionSize);
+        });
     return times;
 }
 

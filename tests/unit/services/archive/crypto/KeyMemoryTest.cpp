@@ -71,10 +71,10 @@ int TimesIn(const std::uint8_t* start, const std::uint8_t* end, const std::vecto
 // How often any of them is in the readable memory of this process, in the clear.
 int TimesInMemory(const std::vector<Masked>& wanted) {
     int times = 0;
-    obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
-        const auto* const start = static_cast<const std::uint8_t*>(region.BaseAddress);
-        times += TimesIn(start, start + region.RegionSize, wanted);
-    });
+    obtest::ForEachReadableRegion(
+        [&](const MEMORY_BASIC_INFORMATION& region, const std::uint8_t* start) {
+            times += TimesIn(start, start + region.RegionSize, wanted);
+        });
     return times;
 }
 

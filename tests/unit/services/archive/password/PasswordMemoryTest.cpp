@@ -4,14 +4,17 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "services/archive/crypto/Secret.h"
 #include "services/archive/password/PasswordPrompt.h"
 #include "services/archive/password/PasswordPromptIds.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/ReadableMemory.h"
 #include "tests/unit/services/archive/password/PromptDriver.h"
 
@@ -64,11 +67,11 @@ bool IsAt(const std::uint8_t* at, const std::vector<std::uint8_t>& masked) {
 // How often the readable memory of this process contains the bytes without the mask.
 int TimesInMemory(const std::vector<std::uint8_t>& masked) {
     int times = 0;
-    obtest::ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
-        const auto* at = static_cast<const std::uint8_t*>(region.BaseAddress);
-        const auto* const end = at + region.RegionSize;
-        for (; at + masked.size() <= end; ++at) times += IsAt(at, masked);
-    });
+    obtest::ForEachReadableRegion(
+        [&](const MEMORY_BASIC_INFORMATION& region, const std::uint8_t* at) {
+            const auto* const end = at + region.RegionSize;
+            for (; at + masked.size() <= end; ++at) times += IsAt(at, masked);
+        });
     return times;
 }
 
@@ -98,6 +101,24 @@ TEST_F(PasswordMemory, TheSearchFindsAPasswordInMemory) {
     EXPECT_GE(TimesInMemory(MaskedBytes(false)), 1);
     SecureZeroMemory(plain.data, sizeof plain.data);
     EXPECT_EQ(TimesInAnyForm(), 0);
+}
+
+// As another thread of this process may do in the middle of a search.
+TEST_F(PasswordMemory, TheSearchPassesOverMemoryThatIsGivenBackMeanwhile) {
+    constexpr std::size_t kPage = 4096;
+    auto* const memory = static_cast<std::uint8_t*>(
+        VirtualAlloc(nullptr, 3 * kPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    ASSERT_TRUE(memory);
+    std::memset(memory, 'x', 3 * kPage);
+    MEMORY_BASIC_INFORMATION region{};
+    ASSERT_NE(VirtualQuery(memory, &region, sizeof region), 0U);
+    ASSERT_EQ(region.RegionSize, 3 * kPage);
+    ASSERT_TRUE(VirtualFree(memory + kPage, kPage, MEM_DECOMMIT));
+    obtest::MemoryCopy copy;
+    const std::uint8_t* const bytes = copy.Of(region);
+    const std::string kept(kPage, 'x');
+    EXPECT_EQ(std::string(bytes, bytes + 3 * kPage), kept + std::string(kPage, '\0') + kept);
+    VirtualFree(memory, 0, MEM_RELEASE);
 }
 
 TEST_F(PasswordMemory, NothingIsLeftAfterAPasswordWasGiven) {
@@ -145,6 +166,38 @@ TEST_F(PasswordMemory, NothingIsLeftOfAShownPassword) {
     ASSERT_EQ(Ask(act, buffer), PromptResult::Given);
     SecureZeroMemory(buffer, sizeof buffer);
     EXPECT_EQ(TimesInAnyForm(), 0);
+}
+
+decltype(&HeapFree) realHeapFree = nullptr;
+std::atomic<int> freedLetters = 0;
+
+// Counts blocks that the field gives back with the letters in them.
+BOOL WINAPI LookAndFree(HANDLE heap, DWORD flags, void* block) {
+    const std::vector<std::uint8_t> masked = MaskedBytes(false);
+    const SIZE_T size = block ? HeapSize(heap, 0, block) : 0;
+    const auto* const bytes = static_cast<const std::uint8_t*>(block);
+    for (std::size_t at = 0; size != SIZE_MAX && at + masked.size() <= size; ++at)
+        freedLetters += IsAt(bytes + at, masked);
+    return realHeapFree(heap, flags, block);
+}
+
+// This system's field copies a text that is replaced, and frees the copy unwiped. Most often, but
+// not always, what is allocated next overwrites it.
+TEST_F(PasswordMemory, TheFieldFreesNoCopyOfAPasswordThatIsWiped) {
+    char buffer[260];
+    const auto act = [&](const PromptOnScreen& prompt) {
+        for (int field : {OB_PASSWORD_FIRST, OB_PASSWORD_REPEAT}) {
+            for (int times = 0; times < 20; ++times) TypeLetters(prompt, field);
+        }
+        prompt.Press(IDCANCEL);
+    };
+    const obtest::ImportPatch<decltype(HeapFree)> patch("kernelbase.dll", "HeapFree", &LookAndFree,
+                                                        GetModuleHandleW(L"user32.dll"));
+    ASSERT_TRUE(patch.Ok());
+    realHeapFree = patch.Real();
+    freedLetters = 0;
+    ASSERT_EQ(Ask(act, buffer), PromptResult::Cancelled);
+    EXPECT_EQ(freedLetters, 0);
 }
 
 TEST_F(PasswordMemory, NothingIsLeftOfARefusedPassword) {

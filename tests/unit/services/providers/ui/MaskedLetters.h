@@ -34,8 +34,7 @@ inline bool IsAt(const std::uint8_t* at, std::size_t width) {
 // How often the readable memory of this process contains the letters, `width` bytes each.
 inline int TimesInMemory(std::size_t width) {
     int times = 0;
-    ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region) {
-        const auto* at = static_cast<const std::uint8_t*>(region.BaseAddress);
+    ForEachReadableRegion([&](const MEMORY_BASIC_INFORMATION& region, const std::uint8_t* at) {
         const auto* const end = at + region.RegionSize;
         for (; at + std::size(kMasked) * width <= end; ++at) times += IsAt(at, width);
     });
