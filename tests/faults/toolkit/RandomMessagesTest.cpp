@@ -1,0 +1,174 @@
+// Ten thousand messages in any order to a control of each class: it stays, and nothing is left of
+// it. The seed is printed; OB_SEED chooses another one.
+#include <commctrl.h>
+
+#include <cstdlib>
+#include <iterator>
+#include <random>
+#include <string>
+
+#include "tests/faults/toolkit/ToolkitSuite.h"
+
+namespace obtest {
+namespace {
+
+constexpr int kMessages = 10'000;
+constexpr unsigned kSeed = 20261123;
+
+unsigned Seed() {
+    const wchar_t* const asked = _wgetenv(L"OB_SEED");
+    return asked != nullptr ? static_cast<unsigned>(_wtoi(asked)) : kSeed;
+}
+
+// Chooses arguments that are valid for the window.
+class Choices {
+public:
+    Choices(unsigned seed, HWND window) : random_(seed), window_(window) {}
+
+    HWND Window() const { return window_; }
+    int Between(int low, int high) {
+        return std::uniform_int_distribution<int>(low, high)(random_);
+    }
+    bool Flag() { return Between(0, 1) != 0; }
+    // Inside the window, or near it.
+    LPARAM Point() {
+        RECT client{};
+        GetClientRect(window_, &client);
+        return MAKELPARAM(Between(-3, client.right + 3), Between(-3, client.bottom + 3));
+    }
+    const wchar_t* Text() {
+        text_.assign(static_cast<std::size_t>(Between(0, 60)), L'w');
+        for (wchar_t& unit : text_) unit = static_cast<wchar_t>(Between(L' ', L'~'));
+        return text_.c_str();
+    }
+    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+        return SendMessageW(window_, message, wParam, lParam);
+    }
+
+private:
+    std::mt19937 random_;
+    HWND window_;
+    std::wstring text_;
+};
+
+void Paint(Choices& choices) {
+    InvalidateRect(choices.Window(), nullptr, choices.Flag());
+    UpdateWindow(choices.Window());
+}
+
+void PrintInto(Choices& choices) {
+    const ObLib::UniqueMemoryDc dc(CreateCompatibleDC(nullptr));
+    const ObLib::UniqueBitmap bitmap(CreateBitmap(300, 100, 1, 32, nullptr));
+    const HGDIOBJ old = SelectObject(dc.Get(), bitmap.Get());
+    choices.Send(WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc.Get()), PRF_CLIENT);
+    SelectObject(dc.Get(), old);
+}
+
+void Size(Choices& choices) {
+    SetWindowPos(choices.Window(), nullptr, choices.Between(-5, 200), choices.Between(-5, 200),
+                 choices.Between(0, 300), choices.Between(0, 100), SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Key(Choices& choices) {
+    constexpr int kKeys[] = {VK_LEFT, VK_RIGHT, VK_UP,  VK_DOWN, VK_HOME, VK_END, VK_PRIOR,
+                             VK_NEXT, VK_SPACE, VK_TAB, VK_BACK, VK_F8,   'A',    VK_DELETE};
+    const auto key = static_cast<WPARAM>(kKeys[choices.Between(0, std::size(kKeys) - 1)]);
+    choices.Send(WM_KEYDOWN, key);
+    if (choices.Flag()) choices.Send(WM_KEYUP, key);
+}
+
+void Wheel(Choices& choices) {
+    choices.Send(WM_MOUSEWHEEL, MAKEWPARAM(0, 120 * choices.Between(-2, 2)), choices.Point());
+}
+
+void Bar(Choices& choices) {
+    SCROLLINFO info{sizeof info,
+                    SIF_ALL,
+                    choices.Between(-5, 5),
+                    choices.Between(-5, 200),
+                    static_cast<UINT>(choices.Between(0, 60)),
+                    choices.Between(-10, 210),
+                    0};
+    choices.Send(SBM_SETSCROLLINFO, static_cast<WPARAM>(choices.Flag()),
+                 reinterpret_cast<LPARAM>(&info));
+}
+
+struct Row {
+    const char* name;
+    void (*send)(Choices& choices);
+};
+
+// Left out: the right mouse button and the context menu, which wait for a user.
+constexpr Row kRows[] = {
+    {"paint", &Paint},
+    {"print", &PrintInto},
+    {"size", &Size},
+    {"key", &Key},
+    {"wheel", &Wheel},
+    {"scroll info", &Bar},
+    {"mouse move", [](Choices& c) { c.Send(WM_MOUSEMOVE, 0, c.Point()); }},
+    {"mouse down", [](Choices& c) { c.Send(WM_LBUTTONDOWN, MK_LBUTTON, c.Point()); }},
+    {"mouse up", [](Choices& c) { c.Send(WM_LBUTTONUP, 0, c.Point()); }},
+    {"double click", [](Choices& c) { c.Send(WM_LBUTTONDBLCLK, MK_LBUTTON, c.Point()); }},
+    {"mouse leave", [](Choices& c) { c.Send(WM_MOUSELEAVE); }},
+    {"drag", [](Choices& c) { c.Send(WM_MOUSEMOVE, MK_LBUTTON, c.Point()); }},
+    {"capture", [](Choices& c) { c.Send(WM_CAPTURECHANGED); }},
+    {"cancel", [](Choices& c) { c.Send(WM_CANCELMODE); }},
+    {"character", [](Choices& c) { c.Send(WM_CHAR, static_cast<WPARAM>(c.Between(' ', '~'))); }},
+    {"focus", [](Choices& c) { SetFocus(c.Flag() ? c.Window() : GetParent(c.Window())); }},
+    {"enable", [](Choices& c) { EnableWindow(c.Window(), c.Flag()); }},
+    {"show", [](Choices& c) { ShowWindow(c.Window(), c.Flag() ? SW_SHOWNA : SW_HIDE); }},
+    {"text", [](Choices& c) { SetWindowTextW(c.Window(), c.Text()); }},
+    {"select", [](Choices& c) { c.Send(EM_SETSEL, static_cast<WPARAM>(c.Between(0, 9)), -1); }},
+    {"read only", [](Choices& c) { c.Send(EM_SETREADONLY, static_cast<WPARAM>(c.Flag())); }},
+    {"check", [](Choices& c) { c.Send(BM_SETCHECK, static_cast<WPARAM>(c.Between(0, 2))); }},
+    {"state", [](Choices& c) { c.Send(BM_SETSTATE, static_cast<WPARAM>(c.Flag())); }},
+    {"click", [](Choices& c) { c.Send(BM_CLICK); }},
+    {"cues",
+     [](Choices& c) {
+         c.Send(WM_UPDATEUISTATE, MAKEWPARAM(c.Between(UIS_SET, UIS_CLEAR), c.Between(0, 3)));
+     }},
+    {"colours", [](Choices& c) { c.Send(WM_SYSCOLORCHANGE); }},
+    {"theme", [](Choices& c) { c.Send(WM_THEMECHANGED); }},
+    {"redraw", [](Choices& c) { c.Send(WM_SETREDRAW, static_cast<WPARAM>(c.Flag())); }},
+    {"dialog code", [](Choices& c) { c.Send(WM_GETDLGCODE); }},
+    {"timer", [](Choices& c) { c.Send(WM_TIMER, static_cast<WPARAM>(c.Between(0, 9))); }},
+    {"object", [](Choices& c) { c.Send(WM_GETOBJECT, 0, static_cast<LPARAM>(OBJID_CLIENT)); }},
+    {"posted", [](Choices&) { PumpPosted(); }},
+};
+
+class RandomMessages : public ToolkitSuite {
+protected:
+    static void SetUpTestSuite() {
+        printf("seed %u; OB_SEED=%u repeats this run\n", Seed(), Seed());
+    }
+
+    // A dialog whose control gets them all. True when the control's window is still there.
+    static bool Play(int id) {
+        EveryControlDialog dialog;
+        dialog.Open();
+        Choices choices(Seed() + static_cast<unsigned>(id), dialog.GetItem(id, true));
+        for (int left = kMessages; left > 0; --left) {
+            kRows[choices.Between(0, static_cast<int>(std::size(kRows)) - 1)].send(choices);
+        }
+        const ObLibX::ObCustomControl* const control = dialog.GetControl(id);
+        return IsWindow(choices.Window()) && control != nullptr &&
+               control->window == choices.Window();
+    }
+};
+
+TEST_F(RandomMessages, LeaveEachControlWhole) {
+    const std::vector<int> ids = OneOfEachClass();
+    ASSERT_FALSE(ids.empty());
+    for (const int id : ids) {
+        SCOPED_TRACE(id);
+        const ProcessResources before = ProcessResources::Now();
+        EXPECT_TRUE(Play(id));
+        PumpPosted();
+        ExpectNoMoreThan(before);
+    }
+    printf("%zu controls, %d messages each\n", ids.size(), kMessages);
+}
+
+} // namespace
+} // namespace obtest
