@@ -57,7 +57,7 @@ void SharedUpload::AwaitAnswer(const Question& question) const {
     const HANDLE events[] = {question.answered.Get(), ended_};
     WaitForMultipleObjects(2, events, FALSE, INFINITE);
     while (WaitForSingleObject(question.answered.Get(), kPokeInterval) == WAIT_TIMEOUT) {
-        CancelDialogOf(GetWindowThreadProcessId(question.owner, nullptr), question.owner);
+        CancelDialogOf(question.thread, question.owner);
     }
 }
 
@@ -73,7 +73,10 @@ bool SharedUpload::HasQuestion() const {
 
 SharedUpload::Question* SharedUpload::Take(HWND owner) {
     const std::lock_guard guard(lock_);
-    if (question_) question_->owner = owner;
+    if (question_) {
+        question_->thread = GetCurrentThreadId(); // an owner may be missing
+        question_->owner = owner;
+    }
     return std::exchange(question_, nullptr);
 }
 

@@ -46,7 +46,8 @@ private:
         const std::function<void(HWND)>& ask;
         ObLib::UniqueKernelHandle answered = MakeEvent();
         std::exception_ptr error = {};
-        HWND owner = nullptr; // set when the question is taken
+        DWORD thread = 0; // with the owner set when the question is taken
+        HWND owner = nullptr;
     };
 
     bool Hand(Question& question);

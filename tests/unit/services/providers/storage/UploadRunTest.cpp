@@ -15,6 +15,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/storage/UploadDialogIds.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/storage/ScriptedUpload.h"
 
@@ -362,6 +363,26 @@ TEST_F(UploadRun, TheEndOfTheSessionClosesAQuestion) {
                   return {};
               }).end,
               UploadEnd::Cancelled);
+}
+
+HWND WINAPI NoWindow(HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM) { return nullptr; }
+
+// There is neither an owner nor memory for a window.
+TEST_F(UploadRun, TheEndOfTheSessionClosesAQuestionWithoutAnOwner) {
+    const obtest::ImportPatch patch("user32.dll", "CreateDialogParamW", &NoWindow);
+    ASSERT_TRUE(patch.Ok());
+    int answer = 0;
+    Run(
+        [&](auto&, auto&, UploadProgress& progress) -> UploadResult {
+            EXPECT_TRUE(progress.Ask([&](HWND owner) {
+                EXPECT_EQ(owner, nullptr);
+                SetEvent(ended_.Get());
+                answer = MessageBoxW(owner, L"A question?", L"Caption", MB_OKCANCEL);
+            }));
+            return {};
+        },
+        nullptr);
+    EXPECT_EQ(answer, IDCANCEL);
 }
 
 } // namespace
