@@ -186,7 +186,7 @@ DavResult<std::vector<DavItem>> DavClient::List(const HttpUrl& folder) const {
 // Whatever comes back, a look decides: the folder may have been made by somebody else meanwhile, or
 // the reply is lost.
 std::optional<DavError> DavClient::MakeFolder(const HttpUrl& url) const {
-    const auto made = Send(RequestFor("MKCOL", url));
+    const auto made = OfOneStep(Send(RequestFor("MKCOL", url)));
     const auto* failure = std::get_if<DavError>(&made);
     if (!failure) return std::nullopt;
     if (failure->fault != DavFault::NotPossible && !MayHaveActed(*failure)) return *failure;

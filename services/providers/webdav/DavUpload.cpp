@@ -106,7 +106,9 @@ DavResult<StoredFile> DavUpload::Try(const DavAccess& access, const UploadFile& 
         RenewNote();
         progress.Show(sent, size);
     });
-    if (const auto error = transfer.Run(resumes)) return *error;
+    const auto broken = transfer.Run(resumes);
+    mayComeLate_ = broken && (MayHaveActed(*broken) || IsHttp(*broken, HttpFault::Cancelled));
+    if (broken) return *broken;
     moving_ = target;
     if (const auto error = client.Move(unfinished_->url, target, size)) {
         if (!MayHaveActed(*error) && !IsHttp(*error, HttpFault::Cancelled)) moving_.reset();
@@ -164,7 +166,7 @@ void DavUpload::Discard(const DavAccess& access) {
         isGone = !DavClient(session, access.login, limit.Event(), kPatienceOfClearing)
                       .Discard(unfinished_->url);
     }
-    if (!isGone) note_.reset();
+    if (!isGone || mayComeLate_) note_.reset();
     Forget();
 }
 
@@ -174,6 +176,7 @@ void DavUpload::Forget() {
     note_.reset();
     unfinished_.reset();
     mayBeStored_ = false;
+    mayComeLate_ = false;
     moving_.reset();
 }
 

@@ -43,7 +43,8 @@ public:
 
     // As StorageProvider::Upload. A cancel that comes once the file has got its name is too late:
     // Done. `ask` may be empty: then a password that doesn't count ends the upload. After any end
-    // but Done and NameTaken nothing of the file stays on a server that can be reached.
+    // but Done and NameTaken nothing of the file stays on a server that can be reached. A server
+    // may store late what it got before: then the note stays, too.
     UploadResult Run(DavAccess access, const UploadFile& file, UploadProgress& progress,
                      const AskForLogin& ask);
 
@@ -82,6 +83,7 @@ private:
     std::optional<PartNote> note_;  // of the unfinished file
     ULONGLONG noted_ = 0;           // when, as GetTickCount64 counts
     bool mayBeStored_ = false;      // a part of the unfinished file
+    bool mayComeLate_ = false;      // bytes whose request got no reply
     std::optional<HttpUrl> moving_; // where to, while nobody knows whether it is there
 };
 

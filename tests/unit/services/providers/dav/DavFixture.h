@@ -1,7 +1,10 @@
 // What the suites of the WebDAV client share: an account on a server with the relay before it.
 #pragma once
 
+#include <windows.h>
+
 #include <gtest/gtest.h>
+#include <winioctl.h>
 
 #include <memory>
 
@@ -22,6 +25,19 @@ inline HttpUrl ServerUrl(const wchar_t* name) {
 // The folder of a server's files, in Windows form.
 inline std::wstring FilesOf(const std::string& server) {
     return obtest::ServerValue(server == "apache" ? L"APACHE_FILES" : L"SABRE_FILES");
+}
+
+// Gives a file this size, with zeros in what is new and no room on the disk for them.
+inline ObLib::UniqueKernelHandle MakeSparse(const std::wstring& path, std::uint64_t size) {
+    ObLib::UniqueKernelHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+                                               FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                               OPEN_ALWAYS, 0, nullptr));
+    DWORD done = 0;
+    DeviceIoControl(file.Get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &done, nullptr);
+    LARGE_INTEGER end;
+    end.QuadPart = static_cast<LONGLONG>(size);
+    EXPECT_TRUE(SetFilePointerEx(file.Get(), end, nullptr, FILE_BEGIN) && SetEndOfFile(file.Get()));
+    return file;
 }
 
 // A text for a result: its fault and status, or "done".

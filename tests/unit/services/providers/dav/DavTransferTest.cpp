@@ -1,7 +1,6 @@
 #include "services/providers/dav/DavTransfer.h"
 
 #include <gtest/gtest.h>
-#include <winioctl.h>
 
 #include <thread>
 
@@ -152,18 +151,6 @@ TEST_P(DavTransferTest, EndsAtOnceWhenItIsCancelled) {
 constexpr std::uint64_t kFourGibibytes = 1ull << 32;
 constexpr std::uint64_t kHuge = kFourGibibytes + 100'000;
 constexpr std::uint64_t kThere = kFourGibibytes - 100'000;
-
-ObLib::UniqueKernelHandle MakeSparse(const std::wstring& path, std::uint64_t size) {
-    ObLib::UniqueKernelHandle file(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
-                                               FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                               CREATE_ALWAYS, 0, nullptr));
-    DWORD done = 0;
-    DeviceIoControl(file.Get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &done, nullptr);
-    LARGE_INTEGER end;
-    end.QuadPart = static_cast<LONGLONG>(size);
-    EXPECT_TRUE(SetFilePointerEx(file.Get(), end, nullptr, FILE_BEGIN) && SetEndOfFile(file.Get()));
-    return file;
-}
 
 OVERLAPPED At(std::uint64_t offset) {
     OVERLAPPED place{};

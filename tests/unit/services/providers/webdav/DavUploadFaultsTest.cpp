@@ -2,6 +2,8 @@
 
 #include <thread>
 
+#include "contracts/ProviderManager.h"
+#include "tests/support/ProductRegistry.h"
 #include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/webdav/DavUploadFixture.h"
 
@@ -41,6 +43,9 @@ constexpr FaultRow kRows[] = {
     {"MKCOL", "swallow", 1, UploadEnd::Done, nullptr},
     {"MKCOL", "refuse", 1, UploadEnd::Done, nullptr},
     {"MKCOL", "instead 504", 1, UploadEnd::Done, nullptr},
+    {"MKCOL", "instead 408", 1, UploadEnd::Done, nullptr},
+    {"MKCOL", "instead 207|=<x/>", 1, UploadEnd::Done, nullptr},
+    {"MKCOL", "status 207|=<x/>", 1, UploadEnd::Failed, L"reported the error 207"},
     {"MKCOL", "status 504", 1, UploadEnd::Failed, L"reported the error 504"},
     // In and after the body.
     {"PUT", "status 403", 1, UploadEnd::Failed, L"doesn't allow you"},
@@ -61,6 +66,7 @@ constexpr FaultRow kRows[] = {
     {"PUT", "swallow", 1, UploadEnd::Done, nullptr},
     {"PUT", "sink", 1, UploadEnd::Failed, L"hasn't stored the whole file"},
     {"PUT", "instead 504", 1, UploadEnd::Done, nullptr},
+    {"PUT", "instead 502", 1, UploadEnd::Done, nullptr},
     {"PUT", "instead 408", 1, UploadEnd::Done, nullptr},
     {"PUT", "status 504", 1, UploadEnd::Failed, L"reported the error 504"},
     {"PUT", "later 3 502", 1, UploadEnd::Done, nullptr},
@@ -75,6 +81,8 @@ constexpr FaultRow kRows[] = {
     {"MOVE", "instead 504", 1, UploadEnd::Done, nullptr},
     {"MOVE", "instead 207|=<x/>", 1, UploadEnd::Done, nullptr},
     {"MOVE", "status 207|=<x/>", 1, UploadEnd::Failed, L"reported the error 207"},
+    {"MOVE", "instead 408", kAlways, UploadEnd::Done, nullptr},
+    {"MOVE", "status 408", 1, UploadEnd::Failed, L"reported the error 408"},
     {"MOVE", "status 504", 1, UploadEnd::Failed, L"reported the error 504"},
     {"MOVE", "later 3 502", 1, UploadEnd::Done, nullptr},
     {"MOVE", "later 5 504", 1, UploadEnd::Done, nullptr},
@@ -120,6 +128,39 @@ TEST_P(DavUploadFaults, EndAsTheTableSays) {
         folder.path += '/';
         EXPECT_EQ("done", Outcome(client_.Discard(folder))) << what;
     }
+}
+
+// From one of the requests on the server has gone for good: what it keeps is noted, and removed
+// once it is there again.
+TEST_P(DavUploadFaults, LeaveNothingButANotedPartWhenTheServerGoesAtAnyStep) {
+    obtest::ClearProductRegistry();
+    const PartNotes notes(AccountBook(HKEY_CURRENT_USER, obcontract::kProviderManagerKey));
+    for (int passed = 0;; ++passed) {
+        const std::wstring folder = L"gone " + std::to_wstring(passed);
+        relay_.Begin(GetParam());
+        relay_.On("*", "refuse", passed, kAlways);
+        DavUpload upload(session_, DavPatience{1, 0, 1, 0}, DavUpload::Notes{notes, L"account"});
+        const UploadResult result =
+            upload.Run({root_, login_}, {source_, L"a.zip", folder}, progress_, ask_);
+        relay_.Begin(GetParam());
+        const auto noted = notes.OldAt(UINT64_MAX);
+        if (result.end == UploadEnd::Done) {
+            EXPECT_EQ(content_, Stored(folder + L"\\a.zip")) << passed;
+            EXPECT_TRUE(noted.empty()) << passed;
+            EXPECT_GE(passed, 6) << "folder and name are looked up and made before the move";
+            break;
+        }
+        EXPECT_EQ(UploadEnd::Failed, result.end) << passed;
+        EXPECT_NE(std::wstring::npos, result.sentence.find(L"broke off"))
+            << passed << ": " << ToUtf8(result.sentence);
+        for (const NotedPart& part : noted) {
+            EXPECT_EQ(DeletionEnd::Gone, RemoveDavPart(client_, root_, part.path)) << passed;
+            notes.Remove(part.id);
+        }
+        EXPECT_TRUE(Files().empty()) << passed << " " << testing::PrintToString(Files());
+        ASSERT_LT(passed, 30);
+    }
+    obtest::ClearProductRegistry();
 }
 
 // A server that is silent at one step, for longer than the client waits.
@@ -231,6 +272,31 @@ TEST_P(DavUploadFaults, AskNothingMoreOnceTheTimeForClearingUpIsOver) {
               upload.Run({root_, login_}, {source_, L"a.zip", L"c"}, progress_, ask_).end);
     EXPECT_EQ(1, Count("PUT"));
     EXPECT_EQ(0, Count("DELETE"));
+}
+
+// A cancel isn't kept waiting by a server that doesn't remove what it has.
+TEST_P(DavUploadFaults, EndACancelWhileTheServerIsSilentAboutTheRest) {
+    obtest::ClearProductRegistry();
+    const PartNotes notes(AccountBook(HKEY_CURRENT_USER, obcontract::kProviderManagerKey));
+    DavPatience patience = kNoPauses;
+    patience.clearing = 300;
+    DavUpload upload(session_, patience, DavUpload::Notes{notes, L"account"});
+    relay_.On("PUT", "holdreply");
+    relay_.On("DELETE", "hold");
+    std::thread canceller([&] {
+        relay_.WaitUntilHeld(1);
+        progress_.Cancel();
+    });
+    const UploadResult result =
+        upload.Run({root_, login_}, {source_, L"a.zip", L"c"}, progress_, ask_);
+    canceller.join();
+    EXPECT_EQ(UploadEnd::Cancelled, result.end);
+    const auto noted = notes.OldAt(UINT64_MAX);
+    ASSERT_EQ(1u, noted.size());
+    relay_.Release();
+    EXPECT_EQ(DeletionEnd::Gone, RemoveDavPart(client_, root_, noted[0].path));
+    EXPECT_TRUE(Files().empty());
+    obtest::ClearProductRegistry();
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 
 #include "contracts/ProviderManager.h"
 #include "tests/support/ProductRegistry.h"
+#include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/webdav/DavUploadFixture.h"
 
 namespace providers {
@@ -32,6 +33,38 @@ TEST_P(DavUploadTest, StoresAnEmptyFile) {
     source_ = folder_.File(L"empty.zip", "");
     EXPECT_EQ(UploadEnd::Done, Upload(L"empty.zip", L"").end);
     EXPECT_EQ("", Stored(L"empty.zip"));
+}
+
+// The connection breaks once. The zeros that were on their way are given to the server's file
+// meanwhile, so that few bytes of each file are sent.
+TEST_P(DavUploadTest, StoresFilesOfFourGibibytesAndOfOneByteMore) {
+    if (!IsApache()) return; // the other one reads a file as a whole for its version
+    constexpr std::uint64_t kFourGibibytes = 1ull << 32;
+    for (const std::uint64_t size : {kFourGibibytes, kFourGibibytes + 1}) {
+        source_ = folder_ / L"huge";
+        MakeSparse(source_, size);
+        relay_.Begin(GetParam());
+        relay_.On("PUT", "cutbody 1000", 3); // after those that try whether the server takes parts
+        relay_.On("PROPFIND", "hold", 2);
+        std::thread network([&] {
+            relay_.WaitUntilHeld(1);
+            const auto part = Files();
+            ASSERT_EQ(1u, part.size());
+            MakeSparse(FilesOf(Server()) + L"\\" + part[0], size - 100'000);
+            relay_.Release();
+        });
+        const UploadResult result = Upload(L"huge.zip", L"");
+        network.join();
+        ASSERT_EQ(UploadEnd::Done, result.end) << ToUtf8(result.sentence);
+        EXPECT_EQ(size, result.stored.size);
+        EXPECT_FALSE(result.stored.version.empty());
+        EXPECT_EQ((std::vector<std::wstring>{L"huge.zip"}), Files());
+        const auto there = client_.Look(Url("huge.zip"));
+        ASSERT_EQ("done", Outcome(there));
+        EXPECT_EQ(size, std::get<DavItem>(there).size);
+        EXPECT_EQ(5, Count("PUT")) << testing::PrintToString(relay_.Requests());
+        EXPECT_EQ("done", Outcome(client_.Discard(Url("huge.zip"))));
+    }
 }
 
 TEST_P(DavUploadTest, ReplacesNoFile) {
@@ -90,8 +123,28 @@ TEST_P(DavUploadTest, IsCancelledWithoutANewPassword) {
     EXPECT_EQ(std::vector<std::wstring>{}, Files());
 }
 
-// A server that stores the bytes only after they were deleted, as a proxy with the whole request
-// may make it, keeps them under the upload's own name: no client can prevent that.
+// A server may store the bytes only after they were deleted, as a proxy with the whole request may
+// make it: a later session removes them.
+TEST_P(DavUploadTest, KeepsTheNoteOfBytesThatAreStoredAfterTheirDeletion) {
+    obtest::ClearProductRegistry();
+    const PartNotes notes(AccountBook(HKEY_CURRENT_USER, obcontract::kProviderManagerKey));
+    DavUpload upload(session_, kNoPauses, DavUpload::Notes{notes, L"account"});
+    relay_.On("PUT", "later 12 504");
+    EXPECT_EQ(UploadEnd::Failed,
+              upload.Run({root_, login_}, {source_, L"a.zip", L"c"}, progress_, ask_).end);
+    EXPECT_EQ(1, Count("DELETE"));
+    EXPECT_EQ(std::vector<std::wstring>{}, Files());
+    EXPECT_TRUE(obtest::WaitUntil([&] {
+        EXPECT_EQ("done", Outcome(client_.Look(root_))); // one request more
+        return Files().size() == 1;
+    }));
+    const auto noted = notes.OldAt(UINT64_MAX);
+    ASSERT_EQ(1u, noted.size());
+    EXPECT_EQ(DeletionEnd::Gone, RemoveDavPart(client_, root_, noted[0].path));
+    EXPECT_EQ(std::vector<std::wstring>{}, Files());
+    obtest::ClearProductRegistry();
+}
+
 TEST_P(DavUploadTest, LeavesNothingAfterACancelAtAnyStep) {
     for (const char* method : {"PROPFIND", "MKCOL", "PUT", "MOVE"}) {
         RecordedProgress progress;
