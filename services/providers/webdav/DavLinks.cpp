@@ -156,6 +156,16 @@ bool EndDavLink(DavServers& servers, const std::wstring& accountKey, const std::
         (*api)->SetExpiry(client, ToUtf8(shareId), DaysLater(Today(), days)));
 }
 
+void RemoveDavLink(DavServers& servers, const std::wstring& accountKey,
+                   const std::wstring& shareId) {
+    const auto access = servers.AccessTo(accountKey);
+    if (!access || shareId.empty()) return;
+    const DavClient client(servers.Session(), access->login, nullptr, servers.Patience());
+    const auto server = servers.Shares(client, *access);
+    const auto* api = std::get_if<0>(&server);
+    if (api && *api) static_cast<void>((*api)->Remove(client, ToUtf8(shareId)));
+}
+
 std::wstring ShareSentence(const ShareError& error, const HttpOrigin& server) {
     switch (error.fault) {
     case ShareFault::Dav:

@@ -39,6 +39,10 @@ ShareResult ShareDavFile(DavServers& servers, const std::wstring& accountKey, co
 bool EndDavLink(DavServers& servers, const std::wstring& accountKey, const std::wstring& shareId,
                 std::int32_t days, HANDLE cancelled);
 
+// Ends a link that the server has made. Nobody is told when it can't be asked.
+void RemoveDavLink(DavServers& servers, const std::wstring& accountKey,
+                   const std::wstring& shareId);
+
 // Whole sentences: why a server has made no link, and what to do. Empty for a cancel.
 std::wstring ShareSentence(const ShareError& error, const HttpOrigin& server);
 

@@ -22,6 +22,7 @@
 #include "services/providers/webdav/PickerIcons.h"
 #include "services/providers/webdav/PickerLayout.h"
 #include "services/providers/webdav/PickerRows.h"
+#include "services/providers/worker/DetachedThread.h"
 
 namespace providers {
 namespace {
@@ -83,6 +84,7 @@ public:
     void Begin(HWND dialog);
     INT_PTR OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     std::vector<PickedFile>& Files() { return files_; }
+    void EndOtherLinks() const;
 
 private:
     // Keys that do the same wherever the focus is.
@@ -447,6 +449,12 @@ void Picker::OnLinked() {
     EndDialog(dialog_, IDOK);
 }
 
+// Links that were made for a selection that wasn't taken. The servers aren't waited for.
+void Picker::EndOtherLinks() const {
+    ObLib::RanGuarded(
+        [this] { RunDetached([links = links_, files = files_] { links->EndAllBut(files); }); });
+}
+
 // False when one can't be shown: its link would be of no use.
 bool Picker::ShowPasswords(const LinkedFiles& linked) {
     for (std::size_t index = 0; index < linked.files.size(); ++index) {
@@ -601,6 +609,7 @@ PickResult PickFromServers(std::span<const DavPickAccount> accounts, std::size_t
     const INT_PTR end = DialogBoxParamW(ObLib::ThisModule(), MAKEINTRESOURCEW(OB_DAVPICK_DIALOG),
                                         IsWindow(owner) ? owner : nullptr, &Proc,
                                         reinterpret_cast<LPARAM>(&picker));
+    picker.EndOtherLinks();
     if (end == IDOK) return {std::move(picker.Files()), {}};
     // 0: the owner has gone, and the dialog with it.
     if (end == IDCANCEL || end == 0) return {};

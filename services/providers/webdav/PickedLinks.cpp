@@ -1,5 +1,6 @@
 #include "services/providers/webdav/PickedLinks.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
@@ -49,12 +50,12 @@ std::wstring PickedLinks::Refusal(const PickedFile& file, std::span<const Picked
 const ShareResult* PickedLinks::Made(const DavPickAccount& account, const PickerRow& row,
                                      HANDLE cancelled, LinkedFiles& refused) {
     const std::wstring key = KeyOf(account, row.item);
-    if (const auto known = made_.find(key); known != made_.end()) return &known->second;
+    if (const auto known = made_.find(key); known != made_.end()) return &known->second.result;
     ShareResult result;
     // An exception leaves the result as it is: not shared, without a sentence.
     ObLib::RanGuarded([&] { result = account.share(row.item, cancelled); });
     if (result.isShared && !result.link.empty()) {
-        return &made_.emplace(key, std::move(result)).first->second;
+        return &made_.emplace(key, MadeLink{std::move(result), account.end}).first->second.result;
     }
     if (IsSet(cancelled)) return nullptr;
     const bool hasReason = !result.isShared && !result.sentence.empty();
@@ -92,6 +93,16 @@ LinkedFiles PickedLinks::Make(const DavPickAccount& account, std::span<const Pic
     }
     linked.files = std::move(files);
     return linked;
+}
+
+void PickedLinks::EndAllBut(std::span<const PickedFile> files) {
+    const std::lock_guard lock(turn_);
+    for (const auto& [key, made] : made_) {
+        const bool isGiven = std::ranges::any_of(
+            files, [&](const PickedFile& file) { return file.link == made.result.link; });
+        if (!isGiven && made.end) ObLib::RanGuarded([&] { made.end(made.result); });
+    }
+    made_.clear();
 }
 
 } // namespace providers

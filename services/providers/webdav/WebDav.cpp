@@ -167,12 +167,16 @@ DavResult<std::vector<DavItem>> ListFolder(DavServers& servers, const std::wstri
 DavPickAccount PickableAccount(const std::shared_ptr<DavServers>& servers,
                                const StorageAccount& account, const DavSettings& settings) {
     return {
-        account, settings.root.origin,
+        account,
+        settings.root.origin,
         [servers, key = account.key](const std::vector<std::wstring>& folder, HANDLE cancelled) {
             return ListFolder(*servers, key, folder, cancelled);
         },
         [servers, key = account.key](const DavItem& file, HANDLE cancelled) {
             return ShareDavFile(*servers, key, file.url, false, cancelled);
+        },
+        [servers, key = account.key](const ShareResult& link) {
+            RemoveDavLink(*servers, key, link.shareId);
         },
         [servers, key = account.key, server = settings.root.origin](HWND owner) {
             return AskForDavPassword(servers, key, WrongLoginSentence(server), owner);
@@ -237,20 +241,27 @@ std::optional<std::uint64_t> WebDav::MaxFileSize(const std::wstring&) const { re
 
 std::wstring WebDav::RootFolder(const std::wstring&) const { return {}; }
 
+WebDav::AccountUpload::AccountUpload(DavServers& servers, const std::wstring& key)
+    : upload(servers.Session(), servers.Patience(),
+             DavUpload::Notes{PartNotes(servers.Book()), key}) {}
+
 // One for an account, kept for the run: the second run of a clash only moves what is there.
-std::shared_ptr<DavUpload> WebDav::UploadOf(const std::wstring& key) {
+std::shared_ptr<WebDav::AccountUpload> WebDav::UploadOf(const std::wstring& key) {
     const std::lock_guard guard(uploadsLock_);
     auto& upload = uploads_[key];
-    if (!upload) {
-        upload = std::make_shared<DavUpload>(servers_->Session(), servers_->Patience(),
-                                             DavUpload::Notes{PartNotes(Book()), key});
-    }
+    if (!upload) upload = std::make_shared<AccountUpload>(*servers_, key);
     return upload;
 }
 
 UploadResult WebDav::Upload(const std::wstring& key, const UploadFile& file,
                             UploadProgress& progress) {
-    return LinkedUpload(servers_, key, file, progress).Run(*UploadOf(key));
+    const auto kept = UploadOf(key);
+    const std::unique_lock turn(kept->turn, std::try_to_lock);
+    LinkedUpload upload(servers_, key, file, progress);
+    if (turn) return upload.Run(kept->upload);
+    // An upload of another window runs.
+    AccountUpload own(*servers_, key);
+    return upload.Run(own.upload);
 }
 
 ShareResult WebDav::Share(const std::wstring& key, const StoredFile& file, HANDLE ended) {

@@ -47,11 +47,17 @@ public:
 
 private:
     const AccountBook& Book() const noexcept { return servers_->Book(); }
-    std::shared_ptr<DavUpload> UploadOf(const std::wstring& key);
+    // What uploads of an account go through, one at a time.
+    struct AccountUpload {
+        AccountUpload(DavServers& servers, const std::wstring& key);
+        std::mutex turn;
+        DavUpload upload;
+    };
+    std::shared_ptr<AccountUpload> UploadOf(const std::wstring& key);
 
     std::shared_ptr<DavServers> servers_; // shared with threads that ask a server
     std::mutex uploadsLock_;
-    std::map<std::wstring, std::shared_ptr<DavUpload>> uploads_; // by account
+    std::map<std::wstring, std::shared_ptr<AccountUpload>> uploads_; // by account
 };
 
 } // namespace providers

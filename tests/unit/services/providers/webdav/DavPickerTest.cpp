@@ -542,6 +542,17 @@ TEST_F(DavPickerTest, ExplainsALinkThatFailsAndHandsNothingOut) {
     EXPECT_EQ(fake_->shares, 2);
 }
 
+TEST_F(DavPickerTest, EndsTheLinksOfASelectionThatIsGivenUp) {
+    fake_->links[L"10.txt"].sentence = L"No.";
+    BoxAfter([&](PickerUser user) {
+        EXPECT_TRUE(user.Sees(root_));
+        user.Select(2);
+        user.Select(3);
+        user.Press(IDOK);
+    });
+    EXPECT_TRUE(WaitUntil([&] { return fake_->EndedLinks() == Names{L"https://l/9.txt"}; }));
+}
+
 TEST_F(DavPickerTest, RefusesLinksThatDoNotFitTheMail) {
     fake_->links[L"9.txt"] = Link(L"https://l/" + std::wstring(2'000, L'x'));
     EXPECT_EQ(
@@ -579,6 +590,8 @@ TEST_F(DavPickerTest, CanBeCancelledWhileItMakesLinks) {
     SetEvent(fake_->answers.Get());
     EXPECT_TRUE(WaitUntil([&] { return fake_->endedShares == 1; }));
     EXPECT_EQ(fake_->shares, 1);
+    // The link that came too late.
+    EXPECT_TRUE(WaitUntil([&] { return fake_->EndedLinks() == Names{L"https://l/9.txt"}; }));
 }
 
 // The server has made it: a second one would have another password.

@@ -63,6 +63,8 @@ struct FakeDavAccount {
     std::atomic<int> endedLists = 0;
     std::atomic<int> shares = 0;
     std::atomic<int> endedShares = 0;
+    std::mutex lock; // of the links that were ended
+    std::vector<std::wstring> endedLinks;
 
     void Wait(HANDLE cancelled) const {
         const HANDLE events[] = {answers.Get(), cancelled};
@@ -79,6 +81,14 @@ struct FakeDavAccount {
         const auto known = folders.find(path);
         if (known != folders.end()) return known->second;
         return DavError{DavFault::NotFound, 404, {}, std::nullopt};
+    }
+    void End(const ShareResult& link) {
+        const std::lock_guard guard(lock);
+        endedLinks.push_back(link.link);
+    }
+    std::vector<std::wstring> EndedLinks() {
+        const std::lock_guard guard(lock);
+        return endedLinks;
     }
     ShareResult Share(const DavItem& item, HANDLE cancelled) {
         ++shares;
@@ -97,7 +107,8 @@ inline DavPickAccount AccountOf(const std::shared_ptr<FakeDavAccount>& fake,
             [fake](const std::vector<std::wstring>& folder, HANDLE cancelled) {
                 return fake->List(folder, cancelled);
             },
-            [fake](const DavItem& item, HANDLE cancelled) { return fake->Share(item, cancelled); }};
+            [fake](const DavItem& item, HANDLE cancelled) { return fake->Share(item, cancelled); },
+            [fake](const ShareResult& link) { fake->End(link); }};
 }
 
 } // namespace providers

@@ -91,6 +91,17 @@ TEST_F(PickedLinksTest, OfAnotherAccountAreLinksOfTheirOwn) {
     EXPECT_EQ(fake_->shares, 2);
 }
 
+TEST_F(PickedLinksTest, AreEndedUnlessTheyAreHandedOut) {
+    const LinkedFiles first = Make({L"a", L"b"});
+    const LinkedFiles second = Make({L"b", L"c"});
+    links_.EndAllBut(second.files);
+    EXPECT_EQ(fake_->EndedLinks(), std::vector<std::wstring>{L"https://l/a"});
+    links_.EndAllBut({});
+    EXPECT_EQ(fake_->EndedLinks().size(), 1U) << "each once";
+    Make({L"b"});
+    EXPECT_EQ(fake_->shares, 4) << "a link that was handed out isn't given a second time";
+}
+
 TEST_F(PickedLinksTest, AreNotMadeForNamesThatNeverFit) {
     const std::wstring longName(1568, L'n');
     ExpectRefusal({L"a", longName}, TooLong(longName));

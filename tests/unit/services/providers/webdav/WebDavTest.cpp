@@ -11,12 +11,14 @@
 #include <vector>
 
 #include "contracts/ProviderManager.h"
+#include "services/providers/storage/PickLimits.h"
 #include "services/providers/storage/ProviderIds.h"
 #include "services/providers/webdav/AccountPassword.h"
 #include "services/providers/webdav/DavCheck.h"
 #include "services/providers/webdav/DavDialogIds.h"
 #include "services/providers/webdav/DavPickerIds.h"
 #include "services/providers/webdav/DavSentence.h"
+#include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 #include "tests/unit/services/providers/webdav/DavUploadFixture.h"
@@ -437,6 +439,20 @@ TEST_F(WebDavTest, SaysWhyTheServerMakesNoLink) {
               L"You are no longer logged in to its server. Please log in again.");
 }
 
+// It would be cut in the mail. Nobody else gets to know it.
+TEST_F(WebDavTest, TakesNoLinkOfTheServerThatIsTooLong) {
+    Use("ocs");
+    const StorageAccount account = AddAccount(L"");
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    shares_.Set("link", "https://h/" + std::string(kLongestLink, 'x'));
+    const ShareResult refused = provider_.Share(account.key, uploaded.stored, ended_.Get());
+    EXPECT_FALSE(refused.isShared);
+    EXPECT_EQ(refused.sentence, L"The server \u201C127.0.0.1\u201D gave no link that can be used. "
+                                L"Please ask whoever manages the server.");
+    EXPECT_THAT(shares_.Shares(), IsEmpty());
+}
+
 TEST_F(WebDavTest, GivesNoLinkWithoutThePasswordThatTheUserWants) {
     Use("ocs");
     const StorageAccount account = AddAccount(L"", true);
@@ -501,6 +517,39 @@ TEST_F(WebDavTest, AnUploadAsksForAPasswordThatNoLongerCounts) {
     EXPECT_EQ(Stored().size(), 1u);
     EXPECT_EQ(progress_.asked_, 1);
     EXPECT_EQ(PasswordOf(account.key), login_.password.Text());
+}
+
+// Servers lock an account after a few.
+TEST_F(WebDavTest, AWrongPasswordIsTriedOnceBeforeTheUserIsAsked) {
+    Use("ocs");
+    const StorageAccount account = AddAccount(L"", false, "an old one");
+    DialogUiDriver user(OB_DAV_ADDRESS, [&](HWND dialog) {
+        EXPECT_EQ(relay_.Logins(), 1);
+        obtest::PressCommand(dialog, IDCANCEL);
+    });
+    EXPECT_EQ(Upload(account.key).end, UploadEnd::Cancelled);
+    EXPECT_TRUE(user.WasUsed());
+}
+
+// Two windows of a program may send to one account.
+TEST_F(WebDavTest, ASecondUploadOfAnAccountDoesNotDisturbTheFirst) {
+    const StorageAccount account = AddAccount();
+    relay_.On("PUT", "hold", 0, 1);
+    UploadResult first;
+    std::thread window([&] { first = Upload(account.key, L"first.zip"); });
+    relay_.WaitUntilHeld(1);
+    const std::wstring other = folder_.File(L"other.zip", "another file");
+    RecordedProgress progress;
+    const UploadResult second =
+        provider_.Upload(account.key, {other, L"second.zip", L"Quillbox"}, progress);
+    relay_.Release();
+    window.join();
+    EXPECT_EQ(first.end, UploadEnd::Done) << first.sentence;
+    EXPECT_EQ(second.end, UploadEnd::Done) << second.sentence;
+    EXPECT_EQ(Stored().size(), 2u);
+    EXPECT_EQ(obtest::ReadFileContent(Files() + L"\\Quillbox\\second.zip"), "another file");
+    EXPECT_EQ(obtest::ReadFileContent(Files() + L"\\Quillbox\\20261122101530\\first.zip"),
+              content_);
 }
 
 TEST_F(WebDavTest, APasswordThatIsRevokedInTheMiddleIsAskedForOnce) {
@@ -867,6 +916,37 @@ TEST_F(WebDavTest, APickAsksForAPasswordThatIsRevokedBeforeItsLinkIsMade) {
     EXPECT_EQ(shares_.Shares().size(), 1u);
     const DavClient client(session_, login_, nullptr, kNoPauses);
     EXPECT_FALSE(client.Discard(UrlBelow(Root(), ToUtf8(name))));
+}
+
+TEST_F(WebDavTest, APickThatIsGivenUpLeavesNoLink) {
+    Use("ocs");
+    const StorageAccount account = AddAccount(L"");
+    const std::wstring names[] = {L"pick 1.zip", L"pick 2.zip"};
+    for (const std::wstring& name : names) {
+        ASSERT_EQ(provider_.Upload(account.key, {source_, name, L""}, progress_).end,
+                  UploadEnd::Done);
+    }
+    const obtest::MessageBoxWatcher boxes;
+    DialogUiDriver user(OB_DAVPICK_LIST, [&](HWND dialog) {
+        const obtest::PickerUser picker(dialog);
+        EXPECT_TRUE(WaitUntil([&] { return picker.Count() > 1; }));
+        const auto rows = picker.Names();
+        for (const std::wstring& name : names) {
+            picker.Select(static_cast<int>(std::ranges::find(rows, name) - rows.begin()));
+        }
+        relay_.On("POST", "status 403", 1);
+        picker.Press(IDOK);
+        EXPECT_TRUE(boxes.WaitFor(1));
+        EXPECT_EQ(shares_.Shares().size(), 1u);
+        EXPECT_TRUE(WaitUntil([=] { return IsWindowEnabled(dialog) != FALSE; }));
+        picker.Press(IDCANCEL);
+    });
+    EXPECT_THAT(provider_.Pick(account.key, nullptr).files, IsEmpty());
+    EXPECT_TRUE(WaitUntil([&] { return shares_.Shares().empty(); }));
+    const DavClient client(session_, login_, nullptr, kNoPauses);
+    for (const std::wstring& name : names) {
+        EXPECT_FALSE(client.Discard(UrlBelow(Root(), ToUtf8(name))));
+    }
 }
 
 TEST_F(WebDavTest, APickWithoutAnAccountBeginsWithALogin) {
