@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "services/providers/dav/UnshownCharacters.h"
 #include "services/providers/http/Utf8.h"
 #include "services/providers/storage/PickLimits.h"
 
@@ -90,10 +91,10 @@ int HttpStatusOf(int code) {
     return code == 996 ? 500 : code == 997 ? 401 : code == 998 ? 404 : code;
 }
 
+// A sentence needs none of the characters without a width either.
 bool IsInvisible(wchar_t c) {
-    return c < L' ' || (c >= 0x7F && c < 0xA0) || c == 0xAD || (c >= 0x200B && c <= 0x200F) ||
-           (c >= 0x2028 && c <= 0x202E) || (c >= 0x2060 && c <= 0x206F) || c == 0xFEFF ||
-           c >= 0xFFF0;
+    return IsUnshown(c) || c == 0xAD || (c >= 0x200B && c <= 0x200D) ||
+           (c >= 0x2060 && c <= 0x206F) || c == 0xFEFF || c >= 0xFFF0;
 }
 
 // A server's text for a sentence in quotation marks: one line, without what could change the look

@@ -6,33 +6,14 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <iterator>
 #include <utility>
 
+#include "services/providers/dav/UnshownCharacters.h"
 #include "services/providers/http/Utf8.h"
 #include "services/providers/webdav/DavUpload.h"
 
 namespace providers {
 namespace {
-
-struct Range {
-    wchar_t first;
-    wchar_t last;
-};
-
-constexpr Range kUnshown[] = {
-    {0x0000, 0x001F}, // control characters
-    {0x007F, 0x009F},
-    {0x200E, 0x200F}, // marks, embeddings and isolates that turn the order of characters round
-    {0x2028, 0x202E}, // with the separators of lines and paragraphs
-    {0x2066, 0x2069},
-};
-
-bool IsUnshown(wchar_t character) {
-    return std::any_of(std::begin(kUnshown), std::end(kUnshown), [character](const Range& range) {
-        return character >= range.first && character <= range.last;
-    });
-}
 
 // ".", ".." and the empty name begin with a dot or with nothing.
 bool IsLeftOut(const DavItem& item) {
