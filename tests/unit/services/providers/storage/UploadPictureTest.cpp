@@ -9,6 +9,8 @@
 #include "services/providers/storage/UploadDialog.h"
 #include "services/providers/storage/UploadDialogIds.h"
 #include "services/providers/storage/UploadTimes.h"
+#include "services/providers/ui/TextIds.h"
+#include "services/providers/ui/Texts.h"
 #include "tests/support/PictureSuite.h"
 
 using namespace providers;
@@ -52,6 +54,13 @@ TEST_F(UploadPicture, OfAnUploadHalfDone) {
     window.Show(
         {kTotal / 2, kTotal, UploadSpeedText(kTotal / 2, kTotal, 12'582'912), UploadTimeText(28)});
     Look(window, L"upload");
+}
+
+// The same window while a server makes a link, of which nobody knows how long it takes.
+TEST_F(UploadPicture, OfTheWaitForALink) {
+    UploadWindow window({OwnText(OB_TEXT_SHARE_TITLE), OwnText(OB_TEXT_SHARE_BODY)},
+                        L"Photos of the summer.zip", nullptr);
+    Look(window, L"upload-link");
 }
 
 // The longest texts, as other languages may have them.
