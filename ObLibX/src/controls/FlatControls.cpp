@@ -13,6 +13,8 @@
 #include "ObLibX/src/controls/ObCustPassword.h"
 #include "ObLibX/src/controls/ObCustSlider.h"
 #include "ObLibX/src/controls/ObCustStatic.h"
+#include "ObLibX/src/controls/ObCustSwitch.h"
+#include "ObLibX/src/controls/ObCustToggle.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/Palette.h"
 
@@ -109,6 +111,9 @@ constexpr KindRow kKinds[] = {
     {ControlKind::BrowserButton, &MakePlain<ObFlatBrowserBtn>},
     {ControlKind::SplitButton, &MakePlain<ObFlatSplitBtn>},
     {ControlKind::DropButton, &MakePlain<ObFlatDropBtn>},
+    {ControlKind::Checkbox, &MakePlain<ObFlatCheckbox>},
+    {ControlKind::Radio, &MakePlain<ObFlatRadio>},
+    {ControlKind::ToggleButton, &MakePlain<ObFlatToggleBtn>},
 };
 
 Control MakeFlatControl(HWND window, const ControlDescription* description) {

@@ -68,6 +68,11 @@ protected:
     virtual void PaintOver(HDC /*dc*/, std::int32_t /*imageLeft*/) {}
     [[nodiscard]] bool IsAccent() const;
     [[nodiscard]] bool IsEnabled() const { return IsWindowEnabled(window) != FALSE; }
+    // After text and image: the focus, unless the window hides it.
+    void PaintFocus(HDC dc);
+    // WM_PAINT, WM_PRINTCLIENT and WM_ERASEBKGND: true when it was one of them, whose result is 1.
+    // What painting throws ends here.
+    static bool PaintedByMessage(ObFlatBtn& button, UINT message, WPARAM wParam);
     // Its own procedure instead of the one of all buttons; for Attach.
     virtual SUBCLASSPROC Procedure() const { return &ObFlatBtn::ButtonProcedure; }
 
@@ -82,7 +87,6 @@ private:
     void PaintFace(ButtonState state, HDC dc, const PixelRect& area);
     void PaintText(const Face& face, HDC dc);
     std::int32_t PaintImage(const Face& face, HDC dc);
-    void PaintFocus(HDC dc);
     void PaintRing(ButtonState state);
     void SizeToImage();
 };

@@ -89,6 +89,10 @@ bool Ran(const Row (&rows)[Count], UINT message, B& button, const M& arguments) 
 
 } // namespace
 
+bool ObFlatBtn::PaintedByMessage(ObFlatBtn& button, UINT message, WPARAM wParam) {
+    return Ran(kInstead, message, button, {wParam, 0});
+}
+
 // The stock button notifies the dialog, which may destroy the window and then the object: the
 // object is used afterwards only where the window is still there.
 LRESULT CALLBACK ObFlatBtn::ButtonProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
@@ -100,7 +104,7 @@ LRESULT CALLBACK ObFlatBtn::ButtonProcedure(HWND window, UINT message, WPARAM wP
         RemoveWindowSubclass(window, &ObFlatBtn::ButtonProcedure, id);
         return DefSubclassProc(window, message, wParam, lParam);
     }
-    if (Ran(kInstead, message, button, arguments)) return 1;
+    if (PaintedByMessage(button, message, wParam)) return 1;
     if (message == WM_GETDLGCODE) {
         const LRESULT own = ObLib::Guarded(LRESULT{0}, [&] { return button.OnGetDlgCode(wParam); });
         if (own != 0) return own;

@@ -1,0 +1,14 @@
+// The label that names a control for screen readers.
+#pragma once
+
+#include <windows.h>
+
+#include "ObLib/Src/ObString.h"
+
+namespace ObLibX {
+
+// The text of the static window before this one in Z-order, without its access key; empty when a
+// control that takes the focus comes first. On the window's thread.
+ObLib::ObString LabelBefore(HWND window);
+
+} // namespace ObLibX
