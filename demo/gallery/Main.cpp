@@ -8,6 +8,7 @@
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLibX/src/controls/FlatControls.h"
 #include "demo/gallery/Pages.h"
+#include "demo/gallery/ScrolledPanel.h"
 
 namespace {
 
@@ -26,6 +27,7 @@ int WINAPI wWinMain(HINSTANCE program, HINSTANCE, wchar_t* page, int) {
     INITCOMMONCONTROLSEX classes{sizeof classes, ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&classes);
     ObLib::AppGlobals().SetModule(program, L"", L"");
+    gallery::RegisterScrolledPanel(program);
     ObLibX::UseFlatControls();
     return ObLib::Guarded(false, [&] { return ShowPages(page); }) ? 0 : 1;
 }

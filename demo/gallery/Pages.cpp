@@ -1,5 +1,6 @@
 #include "demo/gallery/Pages.h"
 
+#include "demo/gallery/BarsPage.h"
 #include "demo/gallery/StockPage.h"
 #include "demo/gallery/TextsPage.h"
 
@@ -14,6 +15,7 @@ std::unique_ptr<ObLibX::ObXDlg> Make() {
 constexpr PageRow kPages[] = {
     {L"stock", &Make<StockPage>},
     {L"texts", &Make<TextsPage>},
+    {L"bars", &Make<BarsPage>},
 };
 
 } // namespace

@@ -11,6 +11,7 @@
 #include "ObLibX/src/controls/ObCustBtn.h"
 #include "ObLibX/src/controls/ObCustEdit.h"
 #include "ObLibX/src/controls/ObCustPassword.h"
+#include "ObLibX/src/controls/ObCustProgress.h"
 #include "ObLibX/src/controls/ObCustSlider.h"
 #include "ObLibX/src/controls/ObCustStatic.h"
 #include "ObLibX/src/controls/ObCustSwitch.h"
@@ -105,6 +106,7 @@ constexpr KindRow kKinds[] = {
     {ControlKind::VerticalScrollbar, &MakeBar<ObFlatScrollbar, ScrollOrientation::Vertical>},
     {ControlKind::HorizontalSlider, &MakeBar<ObFlatSlider, ScrollOrientation::Horizontal>},
     {ControlKind::VerticalSlider, &MakeBar<ObFlatSlider, ScrollOrientation::Vertical>},
+    {ControlKind::ProgressBar, &MakePlain<ObFlatProgressBar>},
     {ControlKind::Button, &MakePlain<ObFlatBtn>},
     {ControlKind::BlueButton, &MakePlain<ObFlatBlueBtn>},
     {ControlKind::SettingsButton, &MakePlain<ObFlatSettingsBtn>},

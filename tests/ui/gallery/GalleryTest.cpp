@@ -1,48 +1,13 @@
 // The gallery opens each of its pages, whole and at the screen's scale. With OB_PICTURES, a folder,
 // their pictures are stored there to be looked at.
-#include <gtest/gtest.h>
-
-#include "ObLib/Src/Win32/ModulePath.h"
-#include "ObLib/Src/Win32/UniqueHandle.h"
-#include "demo/gallery/GalleryIds.h"
-#include "tests/support/PictureSuite.h"
-#include "tests/support/WindowKit.h"
+#include "tests/ui/gallery/GalleryFixture.h"
 
 namespace obtest {
 namespace {
 
-// One page of the gallery, which a process of its own shows.
-class Gallery : public testing::Test {
+class Gallery : public GalleryFixture {
 protected:
-    explicit Gallery(const wchar_t* page = L"stock") : pageName_(page) {}
-    static void SetUpTestSuite() { BeAwareOfTheScale(); }
-
-    void SetUp() override {
-        const auto path = ObLib::PathBesideModule(nullptr, L"gallery.exe");
-        ASSERT_TRUE(path);
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION started{};
-        std::wstring command = L"gallery " + pageName_;
-        ASSERT_TRUE(CreateProcessW(path->c_str(), command.data(), nullptr, nullptr, FALSE, 0,
-                                   nullptr, nullptr, &startup, &started));
-        CloseHandle(started.hThread);
-        process_.Reset(started.hProcess);
-        page_ = WaitForTopWindow(&IsDialog, started.dwProcessId);
-        ASSERT_NE(nullptr, page_);
-    }
-    void TearDown() override {
-        if (!process_) return;
-        PressCommand(page_, IDCANCEL);
-        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process_.Get(), kUiLimit));
-        DWORD code = 99;
-        GetExitCodeProcess(process_.Get(), &code);
-        EXPECT_EQ(0u, code);
-    }
-
-    std::wstring pageName_;
-    ObLib::UniqueKernelHandle process_;
-    HWND page_ = nullptr;
+    explicit Gallery(const wchar_t* page = L"stock") : GalleryFixture(page) {}
 };
 
 TEST_F(Gallery, ShowsStockControls) {
