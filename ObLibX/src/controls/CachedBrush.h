@@ -13,16 +13,16 @@ public:
     // The brush belongs to the cache and is valid until another colour is asked for. Null when it
     // can't be made.
     HBRUSH Get(COLORREF color) {
-        if (!brush_ || color_ != color) {
+        if (!brush_ || brushColor_ != color) {
             brush_.Reset(CreateSolidBrush(color));
-            color_ = color;
+            brushColor_ = color;
         }
         return brush_.Get();
     }
 
 private:
     ObLib::UniqueBrush brush_;
-    COLORREF color_ = 0;
+    COLORREF brushColor_ = 0;
 };
 
 } // namespace ObLibX

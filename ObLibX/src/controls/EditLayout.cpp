@@ -20,21 +20,23 @@ EditPlaces PlaceEdit(const PixelRect& window, const EditMeasures& measures) {
     const std::int32_t textHeight = measures.textHeight;
     places.minimumHeight = std::max(window.Height(), textHeight) + 2 * frameWidth + 1;
     const std::int32_t height = measures.isMultiLine ? window.Height() : textHeight + 1;
-    places.frame = Grown(window, frameWidth);
+    places.frameRectangle = Grown(window, frameWidth);
     // A window that the text has no room in: the frame is as tall as it needs.
-    if (height + 2 * frameWidth > places.frame.Height()) {
-        places.frame = OfHeight(places.frame, places.minimumHeight);
+    if (height + 2 * frameWidth > places.frameRectangle.Height()) {
+        places.frameRectangle = OfHeight(places.frameRectangle, places.minimumHeight);
     }
-    places.eyeWidth = measures.hasEye ? places.frame.Height() : 0;
-    places.edit = OfHeight(Grown(places.frame, -frameWidth), height);
-    places.edit.right = std::max(places.edit.left, places.edit.right - places.eyeWidth);
+    places.eyeWidth = measures.hasEye ? places.frameRectangle.Height() : 0;
+    places.editRectangle = OfHeight(Grown(places.frameRectangle, -frameWidth), height);
+    places.editRectangle.right =
+        std::max(places.editRectangle.left, places.editRectangle.right - places.eyeWidth);
     return places;
 }
 
-PixelRect FrameAround(const PixelRect& edit, std::int32_t frameWidth, const EditPlaces& places) {
+PixelRect FrameAround(const PixelRect& edit, std::int32_t frameWidth, std::int32_t minimumHeight,
+                      std::int32_t eyeWidth) {
     PixelRect frame = Grown(edit, frameWidth);
-    frame.right += places.eyeWidth;
-    return frame.Height() < places.minimumHeight ? OfHeight(frame, places.minimumHeight) : frame;
+    frame.right += eyeWidth;
+    return frame.Height() < minimumHeight ? OfHeight(frame, minimumHeight) : frame;
 }
 
 PixelRect EyeIn(const PixelRect& frame, std::int32_t frameWidth, std::int32_t eyeWidth) {

@@ -55,12 +55,20 @@ void ObFlatEdit::Attach(HWND attached) {
         SendMessageW(window, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(cueText.CStr()));
     }
     ObCustomControl::OnFontChanged();
-    places = PlaceEdit(RectInParent(window), Measures());
+    Place();
     MakeFrame();
-    MoveChild(window, places.edit);
+    MoveChild(window, editRectangle);
     SetPropW(window, kEditProperty, this);
     SetWindowSubclass(window, &ObFlatEdit::Procedure, reinterpret_cast<UINT_PTR>(this),
                       reinterpret_cast<DWORD_PTR>(this));
+}
+
+void ObFlatEdit::Place() {
+    const EditPlaces places = PlaceEdit(RectInParent(window), Measures());
+    editRectangle = places.editRectangle;
+    frameRectangle = places.frameRectangle;
+    minimumHeight = places.minimumHeight;
+    eyeWidth_ = places.eyeWidth;
 }
 
 EditMeasures ObFlatEdit::Measures() const {
@@ -75,7 +83,7 @@ void ObFlatEdit::MakeFrame() {
     traits.style = WS_DISABLED | WS_CLIPSIBLINGS;
     if (!hideFrame && IsShown()) traits.style |= WS_VISIBLE;
     traits.property = kEditFrameProperty;
-    frameWindow = MakeHelperWindow(GetParent(window), places.frame, traits);
+    frameWindow = MakeHelperWindow(GetParent(window), frameRectangle, traits);
     if (frameWindow == nullptr) return;
     SetWindowSubclass(frameWindow, &ObFlatEdit::FrameProcedure, reinterpret_cast<UINT_PTR>(this),
                       reinterpret_cast<DWORD_PTR>(this));
@@ -115,10 +123,10 @@ void ObFlatEdit::OnHandled(UINT message, WPARAM wParam) {
 bool ObFlatEdit::IsShown() const { return HasStyle(window, WS_VISIBLE); }
 
 void ObFlatEdit::OnLayoutChanged() {
-    places.edit = RectInParent(window);
-    places.frame = FrameAround(places.edit, frameWidth, places);
+    editRectangle = RectInParent(window);
+    frameRectangle = FrameAround(editRectangle, frameWidth, minimumHeight, eyeWidth_);
     if (frameWindow != nullptr) {
-        MoveChild(frameWindow, places.frame);
+        MoveChild(frameWindow, frameRectangle);
         InvalidateRect(frameWindow, nullptr, FALSE);
     }
     if (spinControl != nullptr) spinControl->FollowEdit(frameWindow, frameWidth);
@@ -137,8 +145,8 @@ void ObFlatEdit::OnFontChanged() {
     const EditMeasures measures = Measures();
     if (measures.isMultiLine) return;
     const std::int32_t needed = measures.textHeight + 2 * frameWidth + 1;
-    places.minimumHeight = std::max(places.minimumHeight, needed);
-    MoveChild(window, OfHeight(places.edit, measures.textHeight + 1));
+    minimumHeight = std::max(minimumHeight, needed);
+    MoveChild(window, OfHeight(editRectangle, measures.textHeight + 1));
     Refresh();
 }
 
@@ -184,14 +192,20 @@ COLORREF ObFlatEdit::RingColor() const {
 void ObFlatEdit::PaintFrame() {
     const PaintDc paint(frameWindow);
     if (paint.Get() == nullptr || window == nullptr) return;
-    const PixelRect area = ClientArea(frameWindow);
     // The eye is below the frame in the Z-order, where the system doesn't clip it.
     const PixelRect eye = EyeArea();
     const PixelRect frame = RectInParent(frameWindow);
     ExcludeClipRect(paint.Get(), eye.left - frame.left, eye.top - frame.top, eye.right - frame.left,
                     eye.bottom - frame.top);
-    FillAsEdit(paint.Get(), AsRect(area));
-    FrameArea(paint.Get(), area, RingColor(), frameWidth);
+    DrawFrame(paint.Get());
+}
+
+void ObFlatEdit::DrawFrame(HDC dc) {
+    const OffscreenPaint bitmap(frameWindow, dc);
+    if (!bitmap) return;
+    FillAsEdit(bitmap.Dc(), AsRect(bitmap.Area()));
+    FrameArea(bitmap.Dc(), bitmap.Area(), RingColor(), frameWidth);
+    bitmap.Show();
 }
 
 // By the brush that the parent gives the edit.

@@ -42,11 +42,13 @@ public:
     // The edit is about to be shown or hidden.
     virtual void OnShow(bool isShown);
 
-    EditPlaces places;          // in the coordinates of the parent
+    PixelRect frameRectangle; // these two in the coordinates of the parent
+    PixelRect editRectangle;
     HWND frameWindow = nullptr; // a child of the edit's parent, which destroys it
     ObLib::ObString cueText;
     bool hideFrame = false;              // before Attach
     std::int32_t frameWidth = 2;         // pixels at every scale; before Attach
+    std::int32_t minimumHeight = 0;      // of the frame once the edit is moved, in pixels
     bool keepFrameWhenReadOnly = false;  // else a read-only edit looks like a label
     EditFollower* spinControl = nullptr; // not owned
 
@@ -54,6 +56,7 @@ protected:
     void OnFontChanged() override;
     // Room is left for an eye.
     virtual bool HasEye() const { return false; }
+    [[nodiscard]] std::int32_t EyeWidth() const { return eyeWidth_; }
     // Where the eye is now, in the coordinates of the parent; empty when there is none to be seen.
     virtual PixelRect EyeArea() const { return {}; }
     // A message has been handled by the edit.
@@ -69,8 +72,12 @@ private:
                                            UINT_PTR id, DWORD_PTR object);
     [[nodiscard]] EditMeasures Measures() const;
     [[nodiscard]] COLORREF RingColor() const;
+    void Place();
     void MakeFrame();
     void PaintFrame();
+    void DrawFrame(HDC dc);
+
+    std::int32_t eyeWidth_ = 0; // pixels; 0 without an eye
 };
 
 } // namespace ObLibX

@@ -56,7 +56,7 @@ void ObFlatPassword::MakeEye() {
     traits.style = IsShown() && IsWindowEnabled(window) ? WS_VISIBLE : 0;
     traits.extendedStyle = WS_EX_TRANSPARENT;
     traits.property = kEditEyeProperty;
-    eyeButton = MakeHelperWindow(parent, EyeIn(places.frame, frameWidth, places.eyeWidth), traits);
+    eyeButton = MakeHelperWindow(parent, EyeIn(frameRectangle, frameWidth, EyeWidth()), traits);
     if (eyeButton == nullptr) return;
     SetWindowSubclass(eyeButton, &ObFlatPassword::EyeProcedure, reinterpret_cast<UINT_PTR>(this),
                       reinterpret_cast<DWORD_PTR>(this));
@@ -79,7 +79,7 @@ LRESULT CALLBACK ObFlatPassword::Procedure(HWND window, UINT message, WPARAM wPa
 // Keys that repeat don't count, or the text would flicker.
 void ObFlatPassword::OnKeyDown(WPARAM key, LPARAM flags) {
     const bool isOfPair = (key == VK_MENU || key == VK_F8) && (flags & kWasDown) == 0;
-    if (!isOfPair || !IsDown(VK_MENU) || !IsDown(VK_F8)) return;
+    if (!isOfPair || !IsDown(VK_MENU) || !IsDown(VK_F8) || !IsWindowEnabled(window)) return;
     Toggle();
     FocusAtEnd();
 }
@@ -93,7 +93,7 @@ void ObFlatPassword::OnHandled(UINT message, WPARAM wParam) {
 void ObFlatPassword::OnLayoutChanged() {
     ObFlatEdit::OnLayoutChanged();
     if (eyeButton == nullptr) return;
-    MoveChild(eyeButton, EyeIn(places.frame, frameWidth, places.eyeWidth));
+    MoveChild(eyeButton, EyeIn(frameRectangle, frameWidth, EyeWidth()));
     RepaintEye();
 }
 

@@ -179,6 +179,21 @@ TEST_F(ObFlatPasswordTest, ShowsItsTextByAltAndF8) {
     EXPECT_FALSE(Password().reveal) << "Alt after F8";
 }
 
+TEST_F(ObFlatPasswordTest, DoesNothingByKeysWhileItIsDisabled) {
+    EnableWindow(Item(1003), FALSE);
+    SetKeys(true, true);
+    SendMessageW(Item(1003), WM_SYSKEYDOWN, VK_F8, 0x20000001);
+    EXPECT_FALSE(Password().reveal);
+}
+
+TEST_F(ObFlatPasswordTest, HasAnEyeInTheColourOfTextsInHighContrast) {
+    isContrast = true;
+    const COLORREF inverse = ~GetSysColor(COLOR_WINDOW) & 0xFFFFFF;
+    const Pixels pixels = EyePixels();
+    EXPECT_LT(0, std::ranges::count(pixels, inverse));
+    EXPECT_LT(0, std::ranges::count(pixels, GetSysColor(COLOR_WINDOW)));
+}
+
 TEST_F(ObFlatPasswordTest, DoesNothingForOneOfTheTwoKeys) {
     SetFocus(Item(1003));
     SetKeys(true, false);
@@ -242,10 +257,10 @@ TEST_F(ObFlatPasswordTest, PaintsNoEyeWhileItIsDisabled) {
 }
 
 TEST_F(ObFlatPasswordTest, MovesItsEyeAlong) {
-    SetWindowPos(Item(1003), nullptr, 30, 100, 80, 40, SWP_NOZORDER);
-    const int width = Password().places.eyeWidth;
-    EXPECT_EQ((PixelRect{28, 98, 112 + width, 142}), RectInParent(Password().frameWindow));
-    EXPECT_EQ((PixelRect{110, 100, 110 + width, 140}), RectInParent(Eye()));
+    SetWindowPos(Item(1003), nullptr, 30, 100, 80, 90, SWP_NOZORDER);
+    const int width = RectInParent(Eye()).Width();
+    EXPECT_EQ((PixelRect{28, 98, 112 + width, 192}), RectInParent(Password().frameWindow));
+    EXPECT_EQ((PixelRect{110, 100, 110 + width, 190}), RectInParent(Eye()));
 }
 
 // The stock button paints by itself on these; the pixels stay those of the eye.

@@ -1,6 +1,7 @@
 // Static texts in the flat look: how they come to fit, and in which colours they are drawn.
 #include "ObLibX/src/controls/ObCustStatic.h"
 
+#include "ObLibX/src/controls/TextMeasure.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/controls/EditFixture.h"
@@ -49,6 +50,14 @@ TEST_F(ObFlatStaticTextTest, KeepsNinePointsAndItsHeight) {
     EXPECT_EQ(9, Attached(9, 60, 14, kLong).fontSize);
     EXPECT_EQ(60, SizeNow().cx);
     EXPECT_EQ(14, SizeNow().cy);
+}
+
+// The window is one pixel too narrow for its only word.
+TEST_F(ObFlatStaticTextTest, GetsAPixelWiderAbove96Dpi) {
+    const TextSize needed = MeasureTextIn(GetFont(9, L"", 400, 0), L"Unbreakable", 0, 0);
+    Attached(9, needed.width - 1, needed.height, L"Unbreakable");
+    EXPECT_EQ(GetDpi() > 96 ? needed.width : needed.width - 1, SizeNow().cx);
+    EXPECT_EQ(needed.height, SizeNow().cy);
 }
 
 TEST_F(ObFlatStaticTextTest, KeepsASizeThatFits) {
