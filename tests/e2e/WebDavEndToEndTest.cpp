@@ -4,6 +4,7 @@
 
 #include "OBCore/modules/DialogIds.h"
 #include "services/providers/storage/LinkPasswordDialogIds.h"
+#include "services/providers/storage/PartNotes.h"
 #include "services/providers/webdav/DavDialogIds.h"
 #include "services/providers/webdav/DavPickerIds.h"
 #include "tests/e2e/KeptBytes.h"
@@ -97,6 +98,7 @@ TEST_P(WebDavEndToEnd, LeavesNothingOfAFailedUpload) {
     EXPECT_EQ(ReadFileContent(canary), "canary");
     EXPECT_EQ(LeftInTemp(), Texts{});
     EXPECT_EQ(AllStored(), Texts{});
+    EXPECT_FALSE(providers::PartNotes(book_).HasAny());
 }
 
 // The same for a zip that the request made.

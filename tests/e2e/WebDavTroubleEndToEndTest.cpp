@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include "OBCore/modules/DialogIds.h"
+#include "services/providers/webdav/DavDialogIds.h"
 #include "tests/e2e/WebDavRequest.h"
 
 namespace obtest {
@@ -70,6 +71,25 @@ TEST_P(WebDavTrouble, OfALinkIsOverWhenTheUserTriesAgain) {
     EXPECT_TRUE(driver.Done());
     ASSERT_EQ(boxes.Seen().size(), 1u);
     EXPECT_NE(boxes.Seen()[0].text.find(L"large.zip"), std::wstring::npos) << boxes.Seen()[0].text;
+    ExpectLinkToZip();
+    EXPECT_EQ(CountOf("PUT"), 1);
+    EXPECT_EQ(shares_.Shares().size(), 1u);
+}
+
+TEST_P(WebDavTrouble, OfAPasswordThatIsRevokedAfterTheUploadEndsWithTheLogin) {
+    AddDefaultAccount(AddressOfRelay());
+    relay_.On("POST", "status 401", 0, 1);
+    const MessageBoxWatcher boxes(MessageBoxWatcher::Scope::AllProcesses);
+    PickerUiDriver driver([&](OpenPicker& picker) {
+        Pick(Choice::Zip, {LargeFile()})(picker);
+        const HWND login = AwaitDialogWith(OB_DAV_ADDRESS);
+        ASSERT_NE(login, nullptr);
+        SetText(GetDlgItem(login, OB_DAV_PASSWORD), Password());
+        PressCommand(login, IDOK);
+    });
+    EXPECT_EQ(AskShow(), kCancelled);
+    EXPECT_TRUE(driver.Done());
+    EXPECT_TRUE(boxes.Seen().empty());
     ExpectLinkToZip();
     EXPECT_EQ(CountOf("PUT"), 1);
     EXPECT_EQ(shares_.Shares().size(), 1u);
