@@ -1,8 +1,10 @@
 #include "demo/gallery/Pages.h"
 
 #include "demo/gallery/BarsPage.h"
+#include "demo/gallery/ButtonsPage.h"
 #include "demo/gallery/StockPage.h"
 #include "demo/gallery/TextsPage.h"
+#include "demo/gallery/TogglesPage.h"
 
 namespace gallery {
 namespace {
@@ -13,9 +15,8 @@ std::unique_ptr<ObLibX::ObXDlg> Make() {
 }
 
 constexpr PageRow kPages[] = {
-    {L"stock", &Make<StockPage>},
-    {L"texts", &Make<TextsPage>},
-    {L"bars", &Make<BarsPage>},
+    {L"stock", &Make<StockPage>},     {L"texts", &Make<TextsPage>},     {L"bars", &Make<BarsPage>},
+    {L"buttons", &Make<ButtonsPage>}, {L"toggles", &Make<TogglesPage>},
 };
 
 } // namespace

@@ -40,10 +40,12 @@ PixelRect DrawControlText(const ObCustomControl& control, HDC dc, const ObLib::O
     ObAssert(font != nullptr);
     const HGDIOBJ old = SelectObject(dc, font);
     const ObLib::ScopeExit restore([&] { SelectObject(dc, old); });
-    const UINT flags = DrawFlags(control, style);
-    const PixelRect placed =
-        PlaceText(area, Measured(dc, text, area, flags), style.horizontal, style.vertical);
+    UINT flags = DrawFlags(control, style);
+    const PixelSize size = Measured(dc, text, area, flags);
+    const PixelRect placed = PlaceText(area, size, style.horizontal, style.vertical);
     RECT rect = AsRect(placed);
+    // Of a text that is too long, the beginning is shown.
+    if (size.width > area.Width()) flags &= ~static_cast<UINT>(DT_CENTER | DT_RIGHT);
     ::SetTextColor(dc, style.color);
     SetBkMode(dc, TRANSPARENT);
     DrawTextW(dc, text.CStr(), -1, &rect, flags);

@@ -65,5 +65,35 @@ TEST_F(GalleryOfTexts, HasAnEyeInEachPasswordThatIsEnabled) {
     EXPECT_EQ(3, eyes);
 }
 
+class GalleryOfButtons : public Gallery {
+protected:
+    GalleryOfButtons() : Gallery(L"buttons") {}
+};
+
+TEST_F(GalleryOfButtons, ShowsPushButtonsInEveryState) {
+    LookAt(page_, L"gallery-buttons", 500, 380);
+    for (int row = 0; row < OB_GALLERY_BUTTON_CLASSES; ++row) {
+        const int id = OB_GALLERY_BUTTON_STATE + OB_GALLERY_BUTTON_STEP * row;
+        EXPECT_TRUE(IsWindowVisible(GetDlgItem(page_, id))) << id;
+        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(page_, id + 3))) << id;
+    }
+}
+
+class GalleryOfToggles : public Gallery {
+protected:
+    GalleryOfToggles() : Gallery(L"toggles") {}
+};
+
+TEST_F(GalleryOfToggles, ShowsCheckBoxesRadiosAndSwitches) {
+    LookAt(page_, L"gallery-toggles", 500, 280);
+}
+
+TEST_F(GalleryOfToggles, NamesTheStateOfASwitchInItsText) {
+    const int id = OB_GALLERY_SWITCH;
+    EXPECT_EQ(L"Off", ItemText(page_, id));
+    Click(GetDlgItem(page_, id));
+    EXPECT_TRUE(WaitUntil([&] { return ItemText(page_, id) == L"On"; }));
+}
+
 } // namespace
 } // namespace obtest

@@ -302,6 +302,7 @@ TEST_F(FlatButton, KeepsALongTextInsideItsPadding) {
     EXPECT_EQ(Scale(8), cut.rect.left);
     EXPECT_EQ(SizeOf(kPlain).cx - Scale(8), cut.rect.right);
     EXPECT_EQ(0u, cut.flags & DT_WORD_ELLIPSIS);
+    EXPECT_EQ(0u, cut.flags & (DT_CENTER | DT_RIGHT)) << "its beginning is shown";
     Button(kPlain).endEllipsis = true;
     EXPECT_NE(0u, TextOf(kPlain).flags & DT_WORD_ELLIPSIS);
 }
