@@ -114,6 +114,17 @@ class CloudServersTest(unittest.TestCase):
         self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET"), (200, b""))
         self.assertEqual(self.control("waiting"), ["0"])
 
+    def test_the_relay_stores_holes_in_the_servers_file(self):
+        self.control("begin apache")
+        self.assertEqual(ask(self.urls["OB_RELAY_URL"], "PUT", "h%20ole", b"x")[0], 201)
+        folder = os.path.join(self.folder.name, "s", "apache", "files")
+        self.control(f"on PUT 0 1 holes {folder}")
+        body = bytes(1_000_000) + b"y" * 3
+        part = {"Content-Range": "bytes 1-1000003/1000004"}
+        self.assertEqual(ask(self.urls["OB_RELAY_URL"], "PUT", "h%20ole", body, part)[0], 204)
+        self.assertEqual(self.stored("apache", "h ole"), b"x" + body)
+        self.assertEqual(self.control("nonzero"), ["3"])
+
     def test_the_relay_lets_the_server_act_late(self):
         self.control("begin apache")
         self.control("on PUT 0 1 later 2 504")

@@ -11,6 +11,7 @@ A connection to the control port carries one command in a line and gets lines ba
     release                lets go on what a rule "hold" keeps
     waiting                how many requests a rule "hold" keeps now
     logins                 how many requests since "begin" had an Authorization header
+    nonzero                how many bytes other than 0 the last body had that "holes" has stored
     requests               the requests since "begin": method, path, length of the body that came, status that the
                            server gave ("-": none)
 
@@ -29,6 +30,8 @@ A connection to the control port carries one command in a line and gets lines ba
     stall CODE[|...]                         the same, but nothing is read and the connection stays until "release"
     later N CODE[|...]                       this reply at once; the server gets the request once N more have come
     twice           the server gets it two times, as from a client that repeats it; the second reply counts
+    holes FOLDER    the relay itself stores the body, or the part of the file that it is, in the file that the server
+                    has in this folder, without room for zeros: for files of gigabytes
     sink            201, the body is read and forgotten
     drip N          200 at once, then a body of N bytes, one every DRIP seconds; the body of the request is read
     driphead N      the same for a head: a header of N bytes in it comes in that way; the body is empty
@@ -36,14 +39,17 @@ A connection to the control port carries one command in a line and gets lines ba
                     request has the status 200 only after N bytes
 """
 import contextlib
+import os
 import re
 import socket
 import socketserver
 import sys
 import threading
+from urllib.parse import unquote
 
 BLOCK = 1 << 18
 EARLY = 5000  # bytes of a body that a server has read when it refuses the body
+ZEROS = bytes(BLOCK)
 DRIP = 0.02  # seconds between two bytes
 KEEPING = ("hold", "stall", "drip")  # how actions begin that "release" ends
 
@@ -68,6 +74,7 @@ class Script:
             self.rules = []
             self.seen = []
             self.logins = 0
+            self.nonzero = 0
             self.late = []  # for the server: how many requests have to come first, and what to send then
             self.held = 0
             self.released = True
@@ -162,6 +169,8 @@ class Script:
             return [str(self.held)]
         elif words[0] == "logins":
             return [str(self.logins)]
+        elif words[0] == "nonzero":
+            return [str(self.nonzero)]
         elif words[0] == "requests":
             with self.lock:
                 return list(self.seen)
@@ -267,6 +276,11 @@ class Relay(socketserver.BaseRequestHandler):
             self.request.sendall(made_reply(argument or "201"))
             script.change(number, f"{method} {path} {came} {argument.partition('|')[0] or 201}")
             return
+        if action == "holes":
+            came = self.store(head, os.path.join(argument, unquote(path).removeprefix("/dav/")))
+            self.request.sendall(made_reply("204"))
+            script.change(number, f"{method} {path} {came} 204")
+            return
         if action == "later":
             requests, _, argument = argument.partition(" ")
             head.set(b"Connection", b"close")
@@ -300,6 +314,28 @@ class Relay(socketserver.BaseRequestHandler):
             elif reply and action not in ("swallow", "keepbody"):
                 limit = int(argument) if action == "cutreply" else None
                 self.reply(upstream, reply, method, limit)
+
+    def store(self, head, path):
+        """Stores the body in a file that is there, and returns its length."""
+        start = re.match(rb"bytes (\d+)-", head.value(b"content-range") or b"bytes 0-")
+        place = int(start[1])
+        left, nonzero = head.length(), 0
+        with open(path, "r+b") as file:
+            block = head.rest
+            while left > 0:
+                block = block or self.request.recv(BLOCK)
+                if not block:
+                    raise Broken("in the body")
+                if block != ZEROS[:len(block)]:
+                    file.seek(place)
+                    file.write(block)
+                    nonzero += len(block) - block.count(0)
+                place += len(block)
+                left -= len(block)
+                block = b""
+            file.truncate(place)
+        self.server.script.nonzero = nonzero
+        return head.length()
 
     def body(self, head):
         data = head.rest

@@ -84,6 +84,8 @@ void Relay::Release() const { Done(kRelay, "release"); }
 
 std::vector<std::string> Relay::Requests() const { return Command(kRelay, "requests"); }
 
+std::uint64_t Relay::BytesInHoles() const { return std::stoull(Command(kRelay, "nonzero").at(0)); }
+
 int Relay::Logins() const { return std::stoi(Command(kRelay, "logins").at(0)); }
 
 std::string Relay::Methods() const {

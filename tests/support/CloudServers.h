@@ -2,6 +2,7 @@
 // apache,tls,sabre,ocs,relay), and the relay before them, which breaks what passes through it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,8 @@ public:
     // "METHOD PATH BODY-LENGTH STATUS", one each; the status is that of the server, "-" when it
     // gave none.
     std::vector<std::string> Requests() const;
+    // How many bytes other than 0 came in the body that "holes" has stored last.
+    std::uint64_t BytesInHoles() const;
     // How many requests had a login.
     int Logins() const;
     // The methods alone, with blanks between.
