@@ -5,7 +5,11 @@
 
 #include "services/providers/folder/FolderDialog.h"
 #include "services/providers/folder/FolderDialogIds.h"
+#include "services/providers/folder/FolderPick.h"
+#include "tests/support/PickerUiDriver.h"
 #include "tests/support/PictureSuite.h"
+#include "tests/support/TestFolder.h"
+#include "tests/support/WindowKit.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"
 
 using namespace providers;
@@ -46,6 +50,27 @@ TEST_F(FolderPicture, OfTheAccountPage) {
           {},
           nullptr},
          L"folder-page");
+}
+
+// The shell's own dialog, with what this provider changes in it.
+TEST_F(FolderPicture, OfThePick) {
+    const obtest::TestFolder cloud;
+    cloud.Folder(L"Photos of the summer");
+    for (const wchar_t* const name : {L"Contract.pdf", L"Minutes of the meeting.docx", L"Plan.zip"})
+        cloud.File(name);
+    const obtest::TestFolder other;
+    const std::vector<PickableFolder> folders{
+        {{L"key", L"Team"}, {cloud.Path(), L"https://files.example.com/{path}"}},
+        {{L"other key", L"Archive"}, {other.Path(), L"https://archive.example.com/{path}"}}};
+    obtest::PickerUiDriver user([](obtest::OpenPicker& picker) {
+        EXPECT_TRUE(obtest::WaitUntil([&] { return picker.RowCount() == 4; }));
+        const HWND link = GetDlgItem(picker.Window(), IDOK);
+        EXPECT_EQ(obtest::TextOf(link), L"Link");
+        obtest::ExpectWholeText(link);
+        obtest::LookAt(picker.Window(), L"folder-pick", 400);
+        picker.PressCancel();
+    });
+    EXPECT_TRUE(PickFromFolders(nullptr, folders, 0, L"Network folder").files.empty());
 }
 
 } // namespace
