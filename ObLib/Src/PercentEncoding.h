@@ -3,12 +3,14 @@
 
 #include <string_view>
 
+#include "ObLib/Src/AsciiLetters.h"
+
 namespace ObLib {
 
 // What stays as it is everywhere in an address: letters and digits of ASCII, and "-._~".
 constexpr bool IsUnreserved(char c) noexcept {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '.' || c == '_' || c == '~';
+    return IsAsciiLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '_' ||
+           c == '~';
 }
 
 // Appends a byte as "%E4" to a string of narrow or wide characters.

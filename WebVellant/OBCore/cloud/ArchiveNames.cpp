@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "ObLib/Src/AsciiLetters.h"
+
 namespace obcore {
 namespace {
 
@@ -19,11 +21,6 @@ constexpr std::wstring_view kArchiveExtensions[] = {
     L"iso", L"img",  L"exe", L"uu",  L"xxe", L"bhx", L"b64", L"hqx",  L"mim", L"roaming"};
 static_assert(std::size(kArchiveExtensions) == 32);
 
-// Every extension of the table is plain ASCII, so no language's rules for case matter.
-wchar_t LowerCase(wchar_t unit) {
-    return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit - L'A' + L'a') : unit;
-}
-
 std::size_t NameStart(const std::wstring& path) {
     return path.rfind(L'\\') + 1; // 0 without a separator
 }
@@ -34,7 +31,8 @@ bool IsArchiveName(const std::wstring& path) {
     const std::wstring name = path.substr(NameStart(path));
     std::wstring extension = PathFindExtensionW(name.c_str());
     if (extension.empty()) return false;
-    std::ranges::transform(extension, extension.begin(), LowerCase);
+    // Every extension of the table is plain ASCII, so no language's rules for case matter.
+    std::ranges::transform(extension, extension.begin(), ObLib::FoldAscii<wchar_t>);
     const std::wstring_view bare = std::wstring_view(extension).substr(1); // without the point
     return std::ranges::find(kArchiveExtensions, bare) != std::end(kArchiveExtensions);
 }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <utility>
 
+#include "ObLib/Src/AsciiLetters.h"
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/LongPath.h"
 #include "services/providers/files/FinalPath.h"
@@ -29,15 +30,11 @@ constexpr wchar_t kSharePrefix[] = L"\\\\?\\UNC\\";
 constexpr std::size_t kPrefixLength = std::size(kPrefix) - 1;
 constexpr std::size_t kDriveLength = kPrefixLength + 2; // a letter and a colon
 
-bool IsLetter(wchar_t sign) {
-    return (sign >= L'a' && sign <= L'z') || (sign >= L'A' && sign <= L'Z');
-}
-
 // The length of the part that contains no names of folders; 0: not a full path with the prefix.
 std::size_t RootLength(const std::wstring& path) {
     if (path.starts_with(kSharePrefix)) return std::size(kSharePrefix) - 1;
     const bool onDrive = path.starts_with(kPrefix) && path.size() > kDriveLength &&
-                         IsLetter(path[kPrefixLength]) &&
+                         ObLib::IsAsciiLetter(path[kPrefixLength]) &&
                          path.compare(kPrefixLength + 1, 2, L":\\") == 0;
     return onDrive ? kDriveLength + 1 : 0;
 }

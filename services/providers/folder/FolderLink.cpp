@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "ObLib/Src/AsciiLetters.h"
 #include "ObLib/Src/PercentEncoding.h"
 #include "ObLib/Src/Win32/Utf8.h"
 #include "services/providers/folder/FolderPath.h"
@@ -13,10 +14,6 @@ namespace {
 using std::wstring_view;
 
 constexpr wstring_view kPlace = kPathPlace;
-
-bool IsLetter(wchar_t character) {
-    return (character >= L'a' && character <= L'z') || (character >= L'A' && character <= L'Z');
-}
 
 // Whether the character may be in an address unescaped: a letter, digit or separator, or the % of
 // an escape.
@@ -29,7 +26,7 @@ bool IsOfAddress(char character) {
 std::size_t LengthOfScheme(wstring_view pattern) {
     constexpr wstring_view kAfterScheme = L"://";
     const std::size_t end = pattern.find(kAfterScheme);
-    if (end == wstring_view::npos || end == 0 || !IsLetter(pattern[0])) return 0;
+    if (end == wstring_view::npos || end == 0 || !ObLib::IsAsciiLetter(pattern[0])) return 0;
     const auto isOfScheme = [](wchar_t character) {
         return character < 0x80 && ObLib::IsUnreserved(static_cast<char>(character)) &&
                character != L'_' && character != L'~';

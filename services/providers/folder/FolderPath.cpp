@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "ObLib/Src/AsciiLetters.h"
+
 namespace providers {
 namespace {
 
@@ -13,8 +15,7 @@ using std::wstring_view;
 constexpr std::size_t kLongestName = 255;
 
 bool IsDrive(wstring_view path) {
-    return path.size() >= 3 && ((path[0] | 0x20) >= L'a' && (path[0] | 0x20) <= L'z') &&
-           path[1] == L':' && path[2] == L'\\';
+    return path.size() >= 3 && ObLib::IsAsciiLetter(path[0]) && path[1] == L':' && path[2] == L'\\';
 }
 
 // A server and a share, and neither the device "." nor the prefix "?".

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "ObLib/Src/PercentEncoding.h"
 #include "ObLib/Src/Win32/Utf8.h"
 
 namespace providers {
@@ -35,11 +36,7 @@ constexpr std::string_view kBegin = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\
                                     "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">\n";
 constexpr std::string_view kEnd = "</oor:items>\n";
 
-bool IsPlain(char sign) {
-    return (sign >= 'a' && sign <= 'z') || (sign >= 'A' && sign <= 'Z') ||
-           (sign >= '0' && sign <= '9') ||
-           std::string_view("-._~/:").find(sign) != std::string_view::npos;
-}
+bool IsPlain(char sign) { return ObLib::IsUnreserved(sign) || sign == '/' || sign == ':'; }
 
 } // namespace
 

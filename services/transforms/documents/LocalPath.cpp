@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "ObLib/Src/AsciiLetters.h"
+
 namespace transforms::documents {
 namespace {
 
-bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-
 bool IsOfServerName(char c) {
-    return IsLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '_';
+    return ObLib::IsAsciiLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '_';
 }
 
 bool IsSeparator(char c) { return c == '/' || c == '\\'; }
@@ -17,11 +17,11 @@ bool IsFileAddress(std::string_view text) {
     constexpr std::string_view kScheme = "file:";
     return text.size() > kScheme.size() &&
            std::ranges::equal(text.substr(0, kScheme.size()), kScheme,
-                              [](char c, char lower) { return (c | 0x20) == lower; });
+                              [](char c, char lower) { return ObLib::FoldAscii(c) == lower; });
 }
 
 bool HasDrive(std::string_view text) {
-    return text.size() > 3 && IsLetter(text[0]) && (text[1] == ':' || text[1] == '|') &&
+    return text.size() > 3 && ObLib::IsAsciiLetter(text[0]) && (text[1] == ':' || text[1] == '|') &&
            IsSeparator(text[2]);
 }
 

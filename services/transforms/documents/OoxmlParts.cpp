@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <charconv>
 
+#include "ObLib/Src/AsciiLetters.h"
+
 namespace transforms::documents {
 namespace {
 
 constexpr std::string_view kRelationshipFolder = "_rels/";
 constexpr std::string_view kRelationshipEnd = ".rels";
-
-char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
 
 // "%20" and the like as the character; anything else stays.
 std::string Decoded(std::string_view text) {
@@ -49,7 +49,7 @@ std::string Straightened(std::string_view path) {
 
 std::string PartKey(std::string_view name) {
     std::string key = Decoded(name);
-    for (char& c : key) c = c == '\\' ? '/' : ToLower(c);
+    for (char& c : key) c = c == '\\' ? '/' : ObLib::FoldAscii(c);
     return key.starts_with('/') ? key.substr(1) : key;
 }
 

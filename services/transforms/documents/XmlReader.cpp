@@ -6,6 +6,8 @@
 #include <iterator>
 #include <system_error>
 
+#include "ObLib/Src/AsciiLetters.h"
+
 namespace transforms::documents {
 namespace {
 
@@ -255,9 +257,8 @@ bool IsUtf8Xml(std::string_view text) {
     if (quote == name.npos) return false;
     name = name.substr(quote + 1);
     name = name.substr(0, name.find_first_of("\"'"));
-    const auto isEqual = [&](std::string_view other) {
-        return std::ranges::equal(name, other,
-                                  [](char c, char lower) { return (c | 0x20) == (lower | 0x20); });
+    const auto isEqual = [&](std::string_view lower) {
+        return std::ranges::equal(name, lower, {}, ObLib::FoldAscii<char>);
     };
     return isEqual("utf-8") || isEqual("us-ascii");
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "ObLib/Src/AsciiLetters.h"
 #include "services/transforms/personal/Crc32.h"
 #include "services/transforms/personal/ExifBlock.h"
 
@@ -69,8 +70,6 @@ struct Chunk {
     bool hasRightChecksum = false;
 };
 
-bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-
 bool IsFrame(std::string_view type) { return type == "fcTL" || type == "fdAT"; }
 
 // Upper case marks a chunk without which a picture can't be drawn.
@@ -83,7 +82,7 @@ std::optional<Chunk> ReadChunk(Bytes rest) {
     if (length > kLongest || length > rest.size() - kAround) return std::nullopt;
     Chunk chunk;
     chunk.type = TextOf(rest.subspan(kLengthSize, kTypeSize));
-    if (!std::ranges::all_of(chunk.type, IsLetter)) return std::nullopt;
+    if (!std::ranges::all_of(chunk.type, ObLib::IsAsciiLetter<char>)) return std::nullopt;
     chunk.data = rest.subspan(kLengthSize + kTypeSize, length);
     chunk.whole = rest.first(kAround + length);
     chunk.hasRightChecksum = Crc32(rest.subspan(kLengthSize, kTypeSize + length)) ==

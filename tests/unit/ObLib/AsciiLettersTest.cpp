@@ -22,4 +22,15 @@ TEST(AsciiLetters, AreTheTwentySixOfEitherCase) {
     }
 }
 
+TEST(AsciiLetters, OfNarrowTextAreThoseOfWideText) {
+    for (int value = 0; value <= 0xFF; ++value) {
+        const char unit = static_cast<char>(value);
+        const auto wide = static_cast<wchar_t>(value);
+        ASSERT_EQ(ObLib::IsAsciiUpper(wide), ObLib::IsAsciiUpper(unit)) << value;
+        ASSERT_EQ(ObLib::IsAsciiLower(wide), ObLib::IsAsciiLower(unit)) << value;
+        ASSERT_EQ(ObLib::IsAsciiLetter(wide), ObLib::IsAsciiLetter(unit)) << value;
+        ASSERT_EQ(static_cast<char>(ObLib::FoldAscii(wide)), ObLib::FoldAscii(unit)) << value;
+    }
+}
+
 } // namespace
