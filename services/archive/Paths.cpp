@@ -9,7 +9,6 @@
 namespace obarchive {
 namespace {
 
-constexpr std::wstring_view kLongPrefix = L"\\\\?\\";
 // Folders end earlier than files; the lower of the two limits serves both.
 constexpr std::size_t kLongestPlainPath = MAX_PATH - 13;
 constexpr std::size_t kLongestPath = 32766; // with the prefix
@@ -37,7 +36,7 @@ int CompareOrdinal(std::wstring_view first, std::wstring_view second) {
 }
 
 std::wstring AbsolutePath(const std::wstring& path) {
-    if (path.empty() || path.starts_with(kLongPrefix)) return path;
+    if (path.empty() || path.starts_with(ObLib::kLongPathPrefix)) return path;
     const DWORD capacity = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
     if (capacity == 0) return {};
     std::wstring full(capacity, L'\0');

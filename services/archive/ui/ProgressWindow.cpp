@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "ObLib/Src/Win32/LongPath.h"
 #include "services/archive/ThisModule.h"
 #include "services/archive/ui/ProgressWindowIds.h"
 
@@ -16,14 +17,6 @@ constexpr int kSteps = 1000; // of the bar
 void RegisterBar() {
     const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
-}
-
-// The path without the prefix for long paths, which users don't know.
-std::wstring ShownPath(const std::wstring& path) {
-    constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
-    constexpr std::wstring_view kLong = L"\\\\?\\";
-    if (path.starts_with(kShare)) return L"\\\\" + path.substr(kShare.size());
-    return path.starts_with(kLong) ? path.substr(kLong.size()) : path;
 }
 
 int StepOf(const ProgressView& view) {
@@ -75,7 +68,7 @@ void ProgressWindow::ShowBar(const ProgressView& view) {
 
 void ProgressWindow::Show(const ProgressView& view) {
     if (!window_) return;
-    ShowText(OB_PROGRESS_FILE, shownFile_, ShownPath(view.file));
+    ShowText(OB_PROGRESS_FILE, shownFile_, ObLib::WithoutLongPathPrefix(view.file));
     ShowText(OB_PROGRESS_TIME_LEFT, shownTime_, view.timeLeft);
     ShowBar(view);
 }

@@ -25,15 +25,13 @@ std::wstring FolderOf(const std::wstring& path) {
     return end == std::wstring::npos ? std::wstring() : path.substr(0, end);
 }
 
-constexpr wchar_t kPrefix[] = L"\\\\?\\";
-constexpr wchar_t kSharePrefix[] = L"\\\\?\\UNC\\";
-constexpr std::size_t kPrefixLength = std::size(kPrefix) - 1;
+constexpr std::size_t kPrefixLength = ObLib::kLongPathPrefix.size();
 constexpr std::size_t kDriveLength = kPrefixLength + 2; // a letter and a colon
 
 // The length of the part that contains no names of folders; 0: not a full path with the prefix.
 std::size_t RootLength(const std::wstring& path) {
-    if (path.starts_with(kSharePrefix)) return std::size(kSharePrefix) - 1;
-    const bool onDrive = path.starts_with(kPrefix) && path.size() > kDriveLength &&
+    if (path.starts_with(ObLib::kLongSharePrefix)) return ObLib::kLongSharePrefix.size();
+    const bool onDrive = path.starts_with(ObLib::kLongPathPrefix) && path.size() > kDriveLength &&
                          ObLib::IsAsciiLetter(path[kPrefixLength]) &&
                          path.compare(kPrefixLength + 1, 2, L":\\") == 0;
     return onDrive ? kDriveLength + 1 : 0;

@@ -11,11 +11,6 @@ namespace {
 
 using ObLib::WithLongPathPrefix;
 
-std::wstring WithoutPrefix(const std::wstring& path) {
-    if (path.starts_with(L"\\\\?\\UNC\\")) return L"\\\\" + path.substr(8);
-    return path.starts_with(L"\\\\?\\") ? path.substr(4) : path;
-}
-
 // Programs of others can't open what has a longer path than 259 units, and a new profile has files
 // with up to 150 units below its folder.
 constexpr std::size_t kLongestPlace = 100;
@@ -30,7 +25,7 @@ std::wstring TemporaryFolder() {
 // The folder itself while its path is short; otherwise the first one on the way to it from the
 // temporary folder, or the temporary folder. Without the prefix.
 std::wstring PlaceFor(const std::wstring& folder) {
-    std::wstring path = WithoutPrefix(folder);
+    std::wstring path = ObLib::WithoutLongPathPrefix(folder);
     if (path.size() <= kLongestPlace) return path;
     const std::wstring temporary = TemporaryFolder();
     if (temporary.empty() || temporary.size() >= path.size()) return path;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "ObLib/Src/Win32/LongPath.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/files/FinalPath.h"
 #include "services/providers/files/PathBelow.h"
@@ -47,8 +48,8 @@ bool IsBelowProgramFolder(const std::wstring& path) {
 std::wstring TrustedProgram(const std::wstring& path) {
     if (!IsFullPath(path) || !IsFile(path)) return {};
     const std::wstring real = FinalPathOf(path);
-    if (!real.starts_with(L"\\\\?\\") || !IsBelowProgramFolder(real)) return {};
-    return real.substr(4); // programs expect their own path without the prefix
+    if (!real.starts_with(ObLib::kLongPathPrefix) || !IsBelowProgramFolder(real)) return {};
+    return ObLib::WithoutLongPathPrefix(real); // programs expect their own path without the prefix
 }
 
 } // namespace providers
