@@ -12,15 +12,16 @@
 
 #include "ObLib/Src/Win32/RegistryView.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/Policies.h"
 
 namespace obcore {
 
-inline constexpr wchar_t kPolicyKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Policies";
 inline constexpr wchar_t kLanguagesKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Langs";
 inline constexpr wchar_t kUserKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Ombrix";
 inline constexpr wchar_t kQuilletKey[] = L"Software\\Tavi Ren Computing\\Common\\Quillet";
 inline constexpr wchar_t kDefaultExtKey[] = L"SOFTWARE\\Tavi Ren Computing\\Common\\DefaultExt";
 
+using obcontract::kPolicyKey;
 using ObLib::RegistryView;
 
 // Opens a key of the machine for reading.

@@ -1,15 +1,16 @@
 #include "services/archive/policy/PolicyValues.h"
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/Policies.h"
 
 namespace obarchive {
 namespace {
 
-constexpr wchar_t kPolicyKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Policies";
 constexpr std::size_t kMostDigits = 9; // of a number that fits into 32 bits whatever its digits
 
 ObLib::UniqueRegistryKey OpenKey(PolicyView view) {
-    return ObLib::OpenRegistryKey(HKEY_LOCAL_MACHINE, kPolicyKey, KEY_QUERY_VALUE, view);
+    return ObLib::OpenRegistryKey(HKEY_LOCAL_MACHINE, obcontract::kPolicyKey, KEY_QUERY_VALUE,
+                                  view);
 }
 
 std::optional<DWORD> DwordOf(const ObLib::UniqueRegistryKey& key, const wchar_t* name) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ObLib/Src/Win32/RegistryText.h"
 #include "ObLib/Src/Win32/RegistryView.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
@@ -28,13 +29,12 @@ std::optional<std::wstring> TransformSettings::Read(obcontract::TransformId id,
                                                     const wchar_t* name) const {
     const auto key = ObLib::OpenRegistryKey(hive_, KeyOf(key_, id).c_str(), KEY_QUERY_VALUE);
     if (!key) return {};
-    std::wstring text(kLongestSetting + 1, L'\0');
-    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    if (RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text.data(), &size) !=
-        ERROR_SUCCESS) {
+    std::wstring text;
+    if (ObLib::ReadRegistryText(key.Get(), name, kLongestSetting, ObLib::RegistryVariables::Expand,
+                                text) != ERROR_SUCCESS) {
         return {};
     }
-    return text.c_str();
+    return text;
 }
 
 bool TransformSettings::Write(obcontract::TransformId id,
