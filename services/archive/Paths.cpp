@@ -14,9 +14,6 @@ constexpr std::size_t kLongestPlainPath = MAX_PATH - 13;
 constexpr std::size_t kLongestPath = 32766; // with the prefix
 constexpr std::size_t kLongestName = 255;   // of a file or a folder, on every file system
 
-bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowSurrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
 int CompareLengths(std::size_t first, std::size_t second) {
     if (first == second) return CSTR_EQUAL;
     return first < second ? CSTR_LESS_THAN : CSTR_GREATER_THAN;
@@ -84,11 +81,11 @@ bool LessIgnoringCase::operator()(std::wstring_view first, std::wstring_view sec
 std::wstring WithoutLoneSurrogates(std::wstring_view text) {
     std::wstring clean(text);
     for (std::size_t at = 0; at < clean.size(); ++at) {
-        const bool pair =
-            IsHighSurrogate(clean[at]) && at + 1 < clean.size() && IsLowSurrogate(clean[at + 1]);
+        const bool pair = IS_HIGH_SURROGATE(clean[at]) && at + 1 < clean.size() &&
+                          IS_LOW_SURROGATE(clean[at + 1]);
         if (pair) {
             ++at;
-        } else if (IsHighSurrogate(clean[at]) || IsLowSurrogate(clean[at])) {
+        } else if (IS_HIGH_SURROGATE(clean[at]) || IS_LOW_SURROGATE(clean[at])) {
             clean[at] = 0xFFFD;
         }
     }

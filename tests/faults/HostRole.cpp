@@ -9,6 +9,7 @@
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
+#include "contracts/ExchangeBlock.h"
 #include "obwmv/HostEntry.h"
 #include "tests/e2e/ZipContents.h"
 #include "tests/support/ProductRegistry.h"
@@ -127,8 +128,7 @@ void HostRole::ExpectOnlyTheZipIsLeft(const Answer& answer) const {
 }
 
 void HostRole::ExpectNothingGiven(const Answer& answer) {
-    EXPECT_TRUE(answer.result == FALSE || answer.result == HRESULT_FROM_WIN32(ERROR_CANCELLED))
-        << answer.result;
+    EXPECT_TRUE(answer.result == FALSE || answer.result == obcontract::kCancelled) << answer.result;
     EXPECT_EQ(answer.files, Texts{});
 }
 

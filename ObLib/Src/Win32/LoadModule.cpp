@@ -29,4 +29,12 @@ UniqueModule LoadModule(const wchar_t* path) noexcept {
     return UniqueModule(LoadLibraryW(path));
 }
 
+UniqueModule KeepThisModule() noexcept {
+    HMODULE module = nullptr;
+    const BOOL isKept =
+        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                           reinterpret_cast<const wchar_t*>(&KeepThisModule), &module);
+    return UniqueModule(isKept ? module : nullptr);
+}
+
 } // namespace ObLib

@@ -6,6 +6,7 @@
 #include "OBCore/transforms/TransformSelection.h"
 #include "OBCore/transforms/TransformStages.h"
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/LoadModule.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 namespace obcore {
@@ -83,19 +84,10 @@ DWORD WINAPI WorkerThread(void* parameter) noexcept {
     FreeLibraryAndExitThread(module, 0);
 }
 
-ObLib::UniqueModule KeepThisModule() {
-    ObLib::UniqueModule module;
-    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                            reinterpret_cast<const wchar_t*>(&WorkerThread), module.Put())) {
-        module.Reset();
-    }
-    return module;
-}
-
 } // namespace
 
 bool StartTransformsWorker(TransformRun& run) {
-    auto worker = std::make_unique<Worker>(Worker{run.shared_from_this(), KeepThisModule()});
+    auto worker = std::make_unique<Worker>(Worker{run.shared_from_this(), ObLib::KeepThisModule()});
     if (!worker->module) return false;
     const ObLib::UniqueKernelHandle thread(
         CreateThread(nullptr, 0, &WorkerThread, worker.get(), 0, nullptr));

@@ -1,5 +1,7 @@
 #include "OBCore/transforms/FitPathText.h"
 
+#include <windows.h>
+
 #include <string_view>
 #include <utility>
 
@@ -22,12 +24,10 @@ std::size_t LongestTail(const MeasureText& measure, int width, const std::wstrin
     return start;
 }
 
-bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-
 // A surrogate pair is one character: neither half stays without the other.
 void DropLastCharacter(std::wstring& text) {
     text.pop_back();
-    if (!text.empty() && IsHighSurrogate(text.back())) text.pop_back();
+    if (!text.empty() && IS_HIGH_SURROGATE(text.back())) text.pop_back();
 }
 
 } // namespace

@@ -63,6 +63,8 @@ inline constexpr DWORD FILE_FLAG_BACKUP_SEMANTICS = 0x02000000;
 inline constexpr DWORD LOAD_LIBRARY_AS_DATAFILE = 0x02;
 inline constexpr DWORD LOAD_LIBRARY_AS_IMAGE_RESOURCE = 0x20;
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(std::uintptr_t{0x80000002}))
+#define IS_HIGH_SURROGATE(unit) ((unit) >= 0xD800 && (unit) <= 0xDBFF)
+#define IS_LOW_SURROGATE(unit) ((unit) >= 0xDC00 && (unit) <= 0xDFFF)
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(std::intptr_t{-1}))
 
 struct BY_HANDLE_FILE_INFORMATION {

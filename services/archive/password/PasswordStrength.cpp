@@ -31,15 +31,13 @@ constexpr LevelRow kLevels[] = {{28, StrengthLevel::VeryWeak},
                                 {50, StrengthLevel::Fair},
                                 {65, StrengthLevel::Good}};
 
-bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-
 // One byte for each character, as the estimate counts bytes. A character beyond ASCII becomes its
 // low bits, so that the same character is the same byte each time.
 void Narrow(std::wstring_view text, NarrowText& narrow) {
     std::size_t length = 0;
     for (const wchar_t unit : text) {
         if (length == kMostCharacters) return;
-        if (IsHighSurrogate(unit)) continue;
+        if (IS_HIGH_SURROGATE(unit)) continue;
         narrow.data[length++] = static_cast<char>(unit < 0x80 ? unit : 0x80 | (unit & 0x7F));
     }
 }

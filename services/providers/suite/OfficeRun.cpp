@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/LoadModule.h"
 #include "ObLib/Src/Win32/ModulePath.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "services/providers/suite/OfficeProcess.h"
@@ -30,17 +31,12 @@ AutomationObject Create(const CLSID& classId) {
 
 UniqueKernelHandle OfficeRun::Start(std::shared_ptr<OfficeRun> run) {
     auto owned = std::make_unique<std::shared_ptr<OfficeRun>>(std::move(run));
-    HMODULE module = nullptr;
-    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                            reinterpret_cast<const wchar_t*>(&OfficeRun::Entry), &module)) {
-        return {};
-    }
+    ObLib::UniqueModule module = ObLib::KeepThisModule();
+    if (!module) return {};
     UniqueKernelHandle thread(CreateThread(nullptr, 0, &OfficeRun::Entry, owned.get(), 0, nullptr));
-    if (!thread) {
-        FreeLibrary(module);
-        return thread;
-    }
-    static_cast<void>(owned.release()); // the thread's now
+    if (!thread) return thread;
+    static_cast<void>(owned.release()); // the thread's now, as is the reference on the module
+    static_cast<void>(module.Release());
     return thread;
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/LoadModule.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 
 namespace providers {
@@ -15,15 +16,6 @@ struct Start {
     std::function<void()> work;
     ObLib::UniqueModule module; // the reference that the thread has
 };
-
-ObLib::UniqueModule ReferToThisModule() {
-    ObLib::UniqueModule module;
-    const auto* const inside = reinterpret_cast<const wchar_t*>(&ReferToThisModule);
-    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, inside, module.Put())) {
-        module.Reset();
-    }
-    return module;
-}
 
 // What the work owns is destroyed while the module is certainly there; then the thread's last step
 // in it is a call that doesn't return.
@@ -40,7 +32,7 @@ DWORD WINAPI Entry(void* given) noexcept {
 } // namespace
 
 bool RunDetached(std::function<void()> work) {
-    auto start = std::make_unique<Start>(Start{std::move(work), ReferToThisModule()});
+    auto start = std::make_unique<Start>(Start{std::move(work), ObLib::KeepThisModule()});
     if (!start->module) return false;
     const ObLib::UniqueKernelHandle thread(
         CreateThread(nullptr, 0, &Entry, start.get(), 0, nullptr));

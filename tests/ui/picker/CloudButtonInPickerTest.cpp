@@ -7,6 +7,7 @@
 
 #include "OBCore/exchange/ExchangeAnswer.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
+#include "contracts/ExchangeBlock.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/PictureSuite.h"
 #include "tests/support/TestFolder.h"
@@ -19,7 +20,7 @@ namespace {
 using obcontract::ExchangeStatus;
 using namespace obcore;
 
-constexpr HRESULT kCancel = static_cast<HRESULT>(0x800704C7);
+using obcontract::kCancelled;
 
 bool ShowsABitmap(HWND window) {
     return ClassOf(window) == L"Static" &&
@@ -171,7 +172,7 @@ TEST_F(CloudButtonInPicker, StaysWithTheDialogWhenNothingWasPicked) {
         picker.PressCancel();
     });
     EXPECT_TRUE(stayed);
-    EXPECT_EQ(result, kCancel);
+    EXPECT_EQ(result, kCancelled);
     EXPECT_EQ(block->Status, ExchangeStatus::DialogRequest);
 }
 
@@ -183,7 +184,7 @@ TEST_F(CloudButtonInPicker, GivesThePageALinkOnTheDialogPath) {
         Click(Parts(picker.Window()).button);
         picker.WaitUntilClosed();
     });
-    EXPECT_EQ(result, kCancel);
+    EXPECT_EQ(result, kCancelled);
     ExpectLink(L"https://cloud/1");
     ASSERT_EQ(FakeCloudPick::picks.size(), 1U);
     EXPECT_EQ(FakeCloudPick::picks[0].dialog, window);

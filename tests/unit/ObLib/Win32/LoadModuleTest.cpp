@@ -46,4 +46,25 @@ TEST(LoadModule, SwitchesTheBoxesOfTheSystemOffForTheLoadOnly) {
     SetThreadErrorMode(before, nullptr);
 }
 
+DWORD g_flags = 0;
+
+BOOL WINAPI RefuseHandle(DWORD flags, LPCWSTR, HMODULE* module) {
+    g_flags = flags;
+    *module = GetModuleHandleW(nullptr); // not to be released by anybody
+    return FALSE;
+}
+
+TEST(KeepThisModule, RefersToTheModuleThatLinksIt) {
+    EXPECT_EQ(GetModuleHandleW(nullptr), ObLib::KeepThisModule().Get());
+}
+
+// Without a reference of its own the system could unload the module under the thread.
+TEST(KeepThisModule, IsEmptyWhenTheSystemGivesNoReference) {
+    const obtest::ImportPatch<decltype(GetModuleHandleExW)> patch(
+        "kernel32.dll", "GetModuleHandleExW", &RefuseHandle);
+    ASSERT_TRUE(patch.Ok());
+    EXPECT_FALSE(ObLib::KeepThisModule());
+    EXPECT_EQ(static_cast<DWORD>(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS), g_flags);
+}
+
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "OBCore/exchange/PickedFiles.h"
 #include "ObLib/Src/Win32/ComResources.h"
+#include "contracts/ExchangeBlock.h"
 #include "obwmv/Exports.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/WebVellant/obwmv/RequestFakes.h"
@@ -185,15 +186,15 @@ TEST_F(ResultQueryTest, WorksOutsideTheActivationContext) {
     EXPECT_TRUE(Fakes().steps.empty());
 }
 
-constexpr HRESULT kCancel = static_cast<HRESULT>(0x800704C7);
+using obcontract::kCancelled;
 
 TEST_F(ResultQueryTest, ReadsAsACancelWhenTheContextThrows) {
     IShellItem* item = nullptr;
     context_.throwsIn = BrowserCall::CallGetResult;
-    EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kOther, &item, &context_), kCancel);
+    EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kOther, &item, &context_), kCancelled);
     IShellItemArray* items = nullptr;
     context_.throwsIn = BrowserCall::CallGetResults;
-    EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kOther, &items, &context_), kCancel);
+    EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kOther, &items, &context_), kCancelled);
     EXPECT_THAT(Fakes().steps, ElementsAre("CallGetResult", "CallGetResults"));
 }
 
@@ -206,8 +207,8 @@ TEST_F(ResultQueryTest, ReadsAsACancelWhenThereIsNoMemory) {
     Pick({first_});
     IShellItem* item = nullptr;
     IShellItemArray* items = nullptr;
-    EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kDialog, &item, &context_), kCancel);
-    EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kDialog, &items, &context_), kCancel);
+    EXPECT_EQ(FileOpenDialog_GetResultInBrowser(kDialog, &item, &context_), kCancelled);
+    EXPECT_EQ(FileOpenDialog_GetResultsInBrowser(kDialog, &items, &context_), kCancelled);
     EXPECT_EQ(item, nullptr);
     EXPECT_EQ(items, nullptr);
 }

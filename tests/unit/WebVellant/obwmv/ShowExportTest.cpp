@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "OBCore/modules/ResourceModule.h"
+#include "contracts/ExchangeBlock.h"
 #include "obwmv/Exports.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/unit/WebVellant/obwmv/RequestFakes.h"
@@ -18,7 +19,7 @@ using obtest::Icon;
 using obtest::MakeWindow;
 using testing::ElementsAre;
 
-constexpr HRESULT kCancel = static_cast<HRESULT>(0x800704C7);
+using obcontract::kCancelled;
 
 // The library never follows the pointer here: any number will do.
 IFileDialog* const kDialog = reinterpret_cast<IFileDialog*>(0x5550);
@@ -119,7 +120,7 @@ TEST_F(ShowExport, GivesAnExceptionBeforeTheRunToTheBrowserWithTheOwnerOfTheCall
 
 TEST_F(ShowExport, ReadsAsACancelWhenTheRunThrows) {
     Fakes().dialog = [](IFileDialog*, HWND, BrowserContext*) -> HRESULT { throw std::bad_alloc(); };
-    EXPECT_EQ(Ask(), kCancel);
+    EXPECT_EQ(Ask(), kCancelled);
     EXPECT_THAT(std::vector(Steps().end() - 2, Steps().end()),
                 ElementsAre("RunDialogRequest", "deactivate"));
 }
@@ -127,7 +128,7 @@ TEST_F(ShowExport, ReadsAsACancelWhenTheRunThrows) {
 TEST_F(ShowExport, AsksTheBrowsersDialogOnceAlsoWhenThatThrows) {
     context_.throwsIn = BrowserCall::CallShow;
     context_.pickerWanted = false;
-    EXPECT_EQ(Ask(), kCancel);
+    EXPECT_EQ(Ask(), kCancelled);
     EXPECT_EQ(std::count(Steps().begin(), Steps().end(), "CallShow"), 1);
 }
 

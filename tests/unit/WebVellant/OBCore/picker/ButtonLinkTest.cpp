@@ -6,6 +6,7 @@
 #include "OBCore/exchange/ExchangeRequest.h"
 #include "OBCore/picker/Drivers.h"
 #include "OBCore/picker/PickerHooks.h"
+#include "contracts/ExchangeBlock.h"
 #include "tests/unit/WebVellant/OBCore/picker/FakePlanning.h"
 #include "tests/unit/WebVellant/OBCore/picker/PickerFixture.h"
 
@@ -33,7 +34,7 @@ using namespace obcontract;
 using namespace obcore;
 using namespace obtest;
 
-constexpr HRESULT kCancel = static_cast<HRESULT>(0x800704C7);
+using obcontract::kCancelled;
 
 class ButtonLink : public PickerTest {
 protected:
@@ -69,11 +70,11 @@ protected:
 };
 
 TEST_F(ButtonLink, OfAnEndedDialogIsTheAnswerBesideTheResultOfTheDialog) {
-    shell.script.showResult = kCancel;
+    shell.script.showResult = kCancelled;
     EXPECT_EQ(RunOpenFileName(), 0);
     ExpectLink(L"https://cloud/1");
     buttonLink = L"https://cloud/2";
-    EXPECT_EQ(RunDialog(), kCancel);
+    EXPECT_EQ(RunDialog(), kCancelled);
     ExpectLink(L"https://cloud/2");
     EXPECT_FALSE(WasCalled(L"ProcessPickedFiles"));
 }
@@ -103,18 +104,18 @@ TEST_F(ButtonLink, OfAConfirmedDialogIsReplacedByThatOfThePipelineOnTheDialogEnt
         seen = std::exchange(dialog.LinkText, L"https://upload");
         return 1;
     };
-    EXPECT_EQ(RunDialog(), kCancel);
+    EXPECT_EQ(RunDialog(), kCancelled);
     EXPECT_EQ(seen, L"");
     ExpectLink(L"https://upload");
 
     buttonLink = L"https://cloud/1";
     FakePlanning::process = nullptr;
-    EXPECT_EQ(RunDialog(), kCancel);
+    EXPECT_EQ(RunDialog(), kCancelled);
     EXPECT_EQ(block->Status, ExchangeStatus::DialogRequest);
 }
 
 TEST_F(ButtonLink, IsCutAtTheEndOfTheBlockOnBothEntryPoints) {
-    shell.script.showResult = kCancel;
+    shell.script.showResult = kCancelled;
     for (const bool dialog : {false, true}) {
         buttonLink.assign(40000, L'l');
         dialog ? RunDialog() : RunOpenFileName();
