@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 
+#include "ObLib/Src/Win32/Guarded.h"
 #include "contracts/ArchiveService.h"
 #include "services/archive/zip/ZipJob.h"
 
@@ -24,6 +25,13 @@ public:
     void Change(obcontract::ZipContext context, Action action) {
         const std::lock_guard guard(lock_);
         if (const auto found = jobs_.find(context); found != jobs_.end()) action(found->second);
+    }
+
+    // The same; a context whose action throws is destroyed. Zip then refuses it instead of running
+    // without a setting that couldn't be stored.
+    template <class Action>
+    void ChangeOrDestroy(obcontract::ZipContext context, Action action) noexcept {
+        if (!ObLib::RanGuarded([&] { Change(context, action); })) Destroy(context);
     }
 
     // A copy of the job, so that calls from other threads don't change a running one.

@@ -26,13 +26,6 @@ using ObLib::Guarded;
 
 obarchive::ContextTable contexts;
 
-// When a setting can't be stored, the context is destroyed: Zip then refuses instead of running
-// without the setting.
-template <class Action>
-void Set(obcontract::ZipContext context, Action action) noexcept {
-    if (!ObLib::RanGuarded([&] { contexts.Change(context, action); })) contexts.Destroy(context);
-}
-
 std::wstring TextOf(const wchar_t* text) { return text ? text : L""; }
 
 } // namespace
@@ -58,31 +51,34 @@ std::uint32_t PasswordNewDlg_C(HWND owner, std::uint32_t*, char* password, std::
 }
 
 void SetZipNameW(ZipContext context, const wchar_t* path) {
-    Set(context, [path](ZipJob& job) { job.target = TextOf(path); });
+    contexts.ChangeOrDestroy(context, [path](ZipJob& job) { job.target = TextOf(path); });
 }
 
 void SetEncrypt(ZipContext context, std::uint32_t method) {
-    Set(context, [method](ZipJob& job) { job.encryptionMethod = method; });
+    contexts.ChangeOrDestroy(context, [method](ZipJob& job) { job.encryptionMethod = method; });
 }
 
 void SetTempFolderW(ZipContext context, const wchar_t* folder) {
-    Set(context, [folder](ZipJob& job) { job.temporaryFolder = TextOf(folder); });
+    contexts.ChangeOrDestroy(context,
+                             [folder](ZipJob& job) { job.temporaryFolder = TextOf(folder); });
 }
 
 void AddFileW(ZipContext context, const wchar_t* path) {
-    Set(context, [path](ZipJob& job) { job.files.push_back(TextOf(path)); });
+    contexts.ChangeOrDestroy(context, [path](ZipJob& job) { job.files.push_back(TextOf(path)); });
 }
 
 void SetPassword(ZipContext context, const char* password) {
-    Set(context, [password](ZipJob& job) { job.password = obarchive::Secret(password); });
+    contexts.ChangeOrDestroy(
+        context, [password](ZipJob& job) { job.password = obarchive::Secret(password); });
 }
 
 void SetCompression(ZipContext context, std::uint32_t method) {
-    Set(context, [method](ZipJob& job) { job.compressionMethod = method; });
+    contexts.ChangeOrDestroy(context, [method](ZipJob& job) { job.compressionMethod = method; });
 }
 
 void SetDuplicateReferences(ZipContext context, std::uint8_t enabled) {
-    Set(context, [enabled](ZipJob& job) { job.duplicateReferences = enabled != 0; });
+    contexts.ChangeOrDestroy(context,
+                             [enabled](ZipJob& job) { job.duplicateReferences = enabled != 0; });
 }
 
 std::uint32_t Zip(HWND owner, ZipContext context) {
@@ -135,11 +131,12 @@ std::uint32_t GetPublicKeyResult(char* buffer, std::uint32_t capacity) {
 
 // A result of 1 or a key means that the caller relies on recovery: Zip carries it out or refuses.
 void SetPublicKeyResult(ZipContext context, std::uint32_t result) {
-    Set(context, [result](ZipJob& job) { job.recoveryAsked = job.recoveryAsked || result == 1; });
+    contexts.ChangeOrDestroy(
+        context, [result](ZipJob& job) { job.recoveryAsked = job.recoveryAsked || result == 1; });
 }
 
 void SetPublicKeyW(ZipContext context, const wchar_t* key) {
-    Set(context, [key](ZipJob& job) {
+    contexts.ChangeOrDestroy(context, [key](ZipJob& job) {
         job.recoveryAsked = true;
         job.recoveryKey = TextOf(key);
     });

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <set>
+#include <string>
+#include <vector>
+
+#include "tests/support/Allocations.h"
 
 namespace {
 
@@ -55,24 +58,23 @@ TEST(ContextTableTest, CopiesAreNotTouchedByLaterChanges) {
     EXPECT_STREQ(table.Copy(context)->password.Text(), "second");
 }
 
-TEST(SecretTest, StoresATextOrNothing) {
-    EXPECT_TRUE(obarchive::Secret().Empty());
-    EXPECT_TRUE(obarchive::Secret(nullptr).Empty());
-    EXPECT_TRUE(obarchive::Secret("").Empty());
-    EXPECT_STREQ(obarchive::Secret("").Text(), "");
-    obarchive::Secret secret("p\xC3\xA4ss");
-    EXPECT_STREQ(secret.Text(), "p\xC3\xA4ss");
-    const obarchive::Secret moved = std::move(secret);
-    EXPECT_STREQ(moved.Text(), "p\xC3\xA4ss");
-}
-
-// The memory of a local buffer stays mapped after its scope, so a test can read what is left in it.
-TEST(SecretTest, AStackBufferIsWipedAtTheEndOfItsScope) {
-    alignas(8) static unsigned char place[sizeof(obarchive::WipedBuffer<char, 32>)];
-    auto* buffer = new (place) obarchive::WipedBuffer<char, 32>;
-    std::memcpy(buffer->data, "very secret", 12);
-    buffer->~WipedBuffer();
-    for (const unsigned char byte : place) EXPECT_EQ(byte, 0);
+// What an export does: a context without its setting would zip in another way than was asked for.
+TEST(ContextTableTest, DestroysAContextWhoseSettingCannotBeStored) {
+    const std::wstring path(1000, L'p');
+    ContextTable table;
+    obcontract::ZipContext context = 0;
+    std::size_t failures = 0;
+    for (bool stored = false; !stored; failures += !stored) {
+        context = table.Create();
+        {
+            const obtest::FailingAllocations failing({.succeeding = failures, .once = true});
+            table.ChangeOrDestroy(context, [&](ZipJob& job) { job.files.push_back(path); });
+        }
+        const auto copy = table.Copy(context);
+        stored = copy && copy->files == std::vector{path};
+        ASSERT_TRUE(stored || !copy) << failures;
+    }
+    EXPECT_GT(failures, 0U);
 }
 
 } // namespace
