@@ -1,6 +1,10 @@
 // What a run has in memory, however much it packs.
+#include <psapi.h>
+
+#include "services/archive/compress/AdaptiveDeflate.h"
 #include "services/archive/compress/WorkerPool.h"
 #include "services/archive/zip/ReadAhead.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/services/archive/zip/EngineFixture.h"
 
 namespace obtest {
@@ -96,6 +100,67 @@ TEST_F(EngineMemoryTest, KeepsAtMostABoundedNumberOfSmallFilesInMemory) {
     EXPECT_LT(many, few + (kMany - kFew) * kNotes);
     RecordProperty("BytesOfAFile", static_cast<int>((many - few) / (kMany - kFew)));
     EXPECT_LT(many, kMany * kSize / 2);
+}
+
+DWORD WINAPI FourProcessors(WORD) { return 4; }
+
+// Lines of columns, which are compressed thoroughly: that takes the most memory.
+std::string EngineTable(std::size_t size, unsigned seed) {
+    std::mt19937 random(seed);
+    std::string table;
+    while (table.size() < size) {
+        char line[64];
+        std::snprintf(line, sizeof line, "%05zX;%u;%s;%u\n", table.size() / 16,
+                      unsigned(random() % 50), random() % 3 ? "Lu" : "Ll",
+                      unsigned(random() % 1000));
+        table += line;
+    }
+    return table;
+}
+
+// A suite of its own, as the peak is that of a whole process.
+class EngineProcessMemory : public EngineFixture {
+protected:
+    // In parts, so that the test itself never has all of it in memory.
+    void AddTable(std::size_t megabytes) {
+        const std::wstring path = Add(L"table.txt", "");
+        const ObLib::UniqueKernelHandle file(
+            CreateFileW(path.c_str(), FILE_APPEND_DATA, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        for (unsigned part = 0; part < megabytes; ++part) {
+            const std::string table = EngineTable(1'000'000, part);
+            DWORD written = 0;
+            ASSERT_TRUE(WriteFile(file.Get(), table.data(), static_cast<DWORD>(table.size()),
+                                  &written, nullptr));
+            ASSERT_EQ(written, table.size());
+        }
+    }
+
+    static PROCESS_MEMORY_COUNTERS Memory() {
+        PROCESS_MEMORY_COUNTERS memory{};
+        K32GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+        return memory;
+    }
+};
+
+// The machine may have fewer processors than the pool has workers at most.
+TEST_F(EngineProcessMemory, GrowsByLessThan64MegabytesWithFourWorkersOnATable) {
+    const ImportPatch<decltype(&GetActiveProcessorCount)> patch(
+        "kernel32.dll", "GetActiveProcessorCount", &FourProcessors);
+    ASSERT_TRUE(patch.Ok());
+    ASSERT_EQ(obarchive::WorkerPool().Size(), 4U);
+    AddTable(40);
+    {
+        const std::string part = EngineTable(1'000'000, 0);
+        obarchive::BlockCompressor compressor;
+        ASSERT_TRUE(obarchive::IsWorthThoroughWork(
+            compressor, {reinterpret_cast<const std::uint8_t*>(part.data()), part.size()}));
+    }
+    const std::size_t before = Memory().WorkingSetSize;
+    ASSERT_EQ(Run(), ZipResult::Ok);
+    const std::size_t most = Memory().PeakWorkingSetSize;
+    ASSERT_GT(most, before + 8 * kBlockSize) << "the blocks are seen";
+    EXPECT_LT(most - before, 64'000'000U);
+    RecordProperty("Megabytes", static_cast<int>((most - before) / 1'000'000));
 }
 
 } // namespace
