@@ -19,28 +19,12 @@ using Texts = std::vector<std::wstring>;
 
 constexpr DWORD kReceiptLimit = 60000; // milliseconds
 
-struct ReceiptSearch {
-    HWND found = nullptr;
-};
+bool HasReceiptList(HWND window) { return GetDlgItem(window, OB_RECEIPT_LIST) != nullptr; }
 
-BOOL CALLBACK TakeReceipt(HWND window, LPARAM search) {
-    if (!IsWindowVisible(window) || !GetDlgItem(window, OB_RECEIPT_LIST)) return TRUE;
-    reinterpret_cast<ReceiptSearch*>(search)->found = window;
-    return FALSE;
-}
-
-// The receipt of the host, which is another process.
-HWND FindReceipt() {
-    ReceiptSearch search;
-    EnumWindows(&TakeReceipt, reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
-
+// The receipt is a window of the host, which is another process.
 bool AnswerReceipt(int button) {
-    HWND receipt = nullptr;
-    if (!WaitUntil([&] { return (receipt = FindReceipt()) != nullptr; }, kReceiptLimit)) {
-        return false;
-    }
+    const HWND receipt = WaitForTopWindow(&HasReceiptList, 0, kReceiptLimit);
+    if (!receipt) return false;
     PostMessageW(GetDlgItem(receipt, button), BM_CLICK, 0, 0);
     return WaitUntil([&] { return !IsWindow(receipt); }, kReceiptLimit);
 }

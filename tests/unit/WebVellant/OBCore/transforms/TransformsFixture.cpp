@@ -13,19 +13,8 @@ namespace {
 constexpr DWORD kLimit = 10000; // milliseconds
 
 bool IsTransformDialog(HWND window) {
-    wchar_t name[16] = L"";
-    GetClassNameW(window, name, 16);
-    return std::wstring(name) == L"#32770" && GetDlgItem(window, OB_TRANSFORM_BAR) &&
+    return IsDialog(window) && GetDlgItem(window, OB_TRANSFORM_BAR) &&
            GetDlgItem(window, OB_TRANSFORM_STATUS);
-}
-
-BOOL CALLBACK TakeDialog(HWND window, LPARAM found) {
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process != GetCurrentProcessId() || !IsWindowVisible(window)) return TRUE;
-    if (!IsTransformDialog(window)) return TRUE;
-    *reinterpret_cast<HWND*>(found) = window;
-    return FALSE;
 }
 
 void Note(const std::wstring& line) {
@@ -160,11 +149,7 @@ bool WaitForEnd(HANDLE thread) {
 
 } // namespace
 
-HWND FindTransformDialog() {
-    HWND found = nullptr;
-    EnumWindows(&TakeDialog, reinterpret_cast<LPARAM>(&found));
-    return found;
-}
+HWND FindTransformDialog() { return FindTopWindow(&IsTransformDialog, GetCurrentProcessId()); }
 
 TransformUiDriver::TransformUiDriver(std::function<void(HWND)> act)
     : thread_([this, act = std::move(act)] {

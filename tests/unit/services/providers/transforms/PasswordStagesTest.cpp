@@ -48,18 +48,12 @@ private:
         stop_ = true;
         if (thread_.joinable()) thread_.join();
     }
-    static BOOL CALLBACK Look(HWND window, LPARAM found) {
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        const bool is = process == GetCurrentProcessId() && IsWindowVisible(window) &&
-                        GetDlgItem(window, OB_PDF_PASSWORD_TEXT);
-        if (is) *reinterpret_cast<HWND*>(found) = window;
-        return !is;
+    static bool IsQuestion(HWND window) {
+        return GetDlgItem(window, OB_PDF_PASSWORD_TEXT) != nullptr;
     }
     void Run() {
         while (!stop_) {
-            HWND dialog = nullptr;
-            EnumWindows(&Look, reinterpret_cast<LPARAM>(&dialog));
+            const HWND dialog = obtest::FindTopWindow(&IsQuestion, GetCurrentProcessId());
             if (dialog) Answer(dialog);
             Sleep(5);
         }

@@ -32,19 +32,12 @@ public:
     }
 
 private:
-    static BOOL CALLBACK Look(HWND window, LPARAM self) {
-        auto& driver = *reinterpret_cast<DialogUiDriver*>(self);
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        if (process == GetCurrentProcessId() && IsWindowVisible(window) &&
-            GetDlgItem(window, driver.control_)) {
-            driver.found_ = window;
-        }
-        return driver.found_ == nullptr;
-    }
     void Run() {
+        const auto hasControl = [this](HWND window) {
+            return GetDlgItem(window, control_) != nullptr;
+        };
         while (!stop_ && !found_) {
-            EnumWindows(&Look, reinterpret_cast<LPARAM>(this));
+            found_ = FindTopWindow(hasControl, GetCurrentProcessId());
             Sleep(5);
         }
         if (!found_) return;
