@@ -84,7 +84,7 @@ std::optional<StorageAccount> LogInToDav(const Servers& servers, HWND owner) {
     }
     auto account = Keep(book, page.settings, known, login.password);
     if (!account) ShowSentence(owner, OwnText(OB_TEXT_DAV_NOT_SAVED));
-    if (account) servers->SetRefused(account->key, false);
+    if (account) servers->ForgetRefused(account->key);
     return account;
 }
 
@@ -100,7 +100,7 @@ bool AskForDavPassword(const Servers& servers, const std::wstring& accountKey,
     login.check = CheckOf(servers, *settings);
     if (!ShowDavLogin(owner, login)) return false;
     if (SaveAccountPassword(accountKey, login.password)) {
-        servers->SetRefused(accountKey, false);
+        servers->ForgetRefused(accountKey);
         return true;
     }
     ShowSentence(owner, OwnText(OB_TEXT_DAV_NOT_SAVED));

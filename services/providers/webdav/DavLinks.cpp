@@ -63,7 +63,19 @@ ShareResult NotShared(const Shared& shared, const ShareError& error) {
     if (isByRule) shared.servers.Forget(shared.access);
     ShareResult result = NotShared(ShareSentence(error, shared.file.origin));
     result.needsLogin = error.fault == ShareFault::Dav && error.dav.fault == DavFault::WrongLogin;
-    if (result.needsLogin) shared.servers.SetRefused(shared.accountKey, true);
+    if (result.needsLogin) {
+        shared.servers.NoteRefused(shared.accountKey, shared.access.login.password);
+    }
+    return result;
+}
+
+// The password is missing, or it was refused before.
+ShareResult NeedsLogin(DavServers& servers, const std::wstring& accountKey,
+                       const HttpOrigin& server) {
+    ShareResult result =
+        NotShared(servers.IsRefused(accountKey) ? SentenceAbout(OB_TEXT_DAV_WRONG_LOGIN, server)
+                                                : OwnText(OB_TEXT_DAV_LINK_LOGGED_OUT));
+    result.needsLogin = true;
     return result;
 }
 
@@ -118,12 +130,9 @@ std::wstring LinkByPattern(const DavSettings& settings, const HttpUrl& file) {
 ShareResult ShareDavFile(DavServers& servers, const std::wstring& accountKey, const HttpUrl& file,
                          bool isOwnFile, HANDLE cancelled) {
     const auto settings = ReadDavAccount(servers.Book(), accountKey);
-    const auto access = servers.AccessTo(accountKey);
-    if (!settings || !access) {
-        ShareResult result = NotShared(OwnText(OB_TEXT_DAV_LINK_LOGGED_OUT));
-        result.needsLogin = settings.has_value(); // only the password is missing
-        return result;
-    }
+    if (!settings) return NotShared(OwnText(OB_TEXT_DAV_LINK_LOGGED_OUT));
+    const auto access = servers.UsableAccessTo(accountKey);
+    if (!access) return NeedsLogin(servers, accountKey, settings->root.origin);
     if (!IsBelow(file, access->root)) {
         return NotShared(SentenceAbout(OB_TEXT_DAV_NOT_FOUND, access->root.origin));
     }
@@ -146,7 +155,7 @@ ShareResult ShareDavFile(DavServers& servers, const std::wstring& accountKey, co
 
 bool EndDavLink(DavServers& servers, const std::wstring& accountKey, const std::wstring& shareId,
                 std::int32_t days, HANDLE cancelled) {
-    const auto access = servers.AccessTo(accountKey);
+    const auto access = servers.UsableAccessTo(accountKey);
     if (!access || shareId.empty() || days <= 0) return false;
     const DavClient client(servers.Session(), access->login, cancelled, servers.Patience());
     const auto server = servers.Shares(client, *access);
@@ -158,7 +167,7 @@ bool EndDavLink(DavServers& servers, const std::wstring& accountKey, const std::
 
 void RemoveDavLink(DavServers& servers, const std::wstring& accountKey,
                    const std::wstring& shareId) {
-    const auto access = servers.AccessTo(accountKey);
+    const auto access = servers.UsableAccessTo(accountKey);
     if (!access || shareId.empty()) return;
     const DavClient client(servers.Session(), access->login, nullptr, servers.Patience());
     const auto server = servers.Shares(client, *access);

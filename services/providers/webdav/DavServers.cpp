@@ -1,5 +1,6 @@
 #include "services/providers/webdav/DavServers.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "services/providers/http/Utf8.h"
@@ -79,15 +80,27 @@ void DavServers::ForgetShare(const std::wstring& accountKey, const HttpUrl& file
     shares_.erase(KeyOf(accountKey, file));
 }
 
+// Another process may have stored another password meanwhile.
 bool DavServers::IsRefused(const std::wstring& accountKey) {
+    const auto password = LoadAccountPassword(accountKey);
     const std::lock_guard guard(lock_);
-    return refused_.contains(accountKey);
+    const auto refused = refused_.find(accountKey);
+    return password && refused != refused_.end() &&
+           std::ranges::equal(refused->second.Bytes(), password->Bytes());
 }
 
-void DavServers::SetRefused(const std::wstring& accountKey, bool isRefused) {
+void DavServers::NoteRefused(const std::wstring& accountKey, const ObLib::Secret& password) {
     const std::lock_guard guard(lock_);
-    if (isRefused) refused_.insert(accountKey);
-    if (!isRefused) refused_.erase(accountKey);
+    refused_.insert_or_assign(accountKey, password);
+}
+
+void DavServers::ForgetRefused(const std::wstring& accountKey) {
+    const std::lock_guard guard(lock_);
+    refused_.erase(accountKey);
+}
+
+std::optional<DavAccess> DavServers::UsableAccessTo(const std::wstring& accountKey) {
+    return IsRefused(accountKey) ? std::nullopt : AccessTo(accountKey);
 }
 
 } // namespace providers

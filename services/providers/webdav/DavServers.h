@@ -8,7 +8,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "services/providers/dav/ShareApi.h"
@@ -53,9 +52,14 @@ public:
     // The next link to this file is another one.
     void ForgetShare(const std::wstring& accountKey, const HttpUrl& file);
 
-    // Whether a server has refused the account's login, until another one counts.
+    // Whether a server has refused the password that the account has now. It isn't tried again
+    // without the user: servers lock an account after a few tries.
     bool IsRefused(const std::wstring& accountKey);
-    void SetRefused(const std::wstring& accountKey, bool isRefused);
+    void NoteRefused(const std::wstring& accountKey, const ObLib::Secret& password);
+    // After a login with any password.
+    void ForgetRefused(const std::wstring& accountKey);
+    // As AccessTo; also nothing for a password that was refused.
+    std::optional<DavAccess> UsableAccessTo(const std::wstring& accountKey);
 
 private:
     AccountBook book_;
@@ -65,7 +69,7 @@ private:
     // At one address users have folders, rights and links of their own.
     std::map<std::string, std::optional<ShareApi>> shareApis_; // by user and folder
     std::map<std::string, Share> shares_;                      // by account and file
-    std::set<std::wstring> refused_;                           // accounts
+    std::map<std::wstring, ObLib::Secret> refused_;            // passwords, by account
 };
 
 } // namespace providers

@@ -233,8 +233,10 @@ std::vector<std::string> PartsOf(const std::wstring& folder) {
     return parts;
 }
 
-std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& root) {
+std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& root,
+                                     DavError* failure) {
     const auto there = client.Look(root);
+    if (const auto* error = std::get_if<DavError>(&there); error && failure) *failure = *error;
     const auto* item = std::get_if<DavItem>(&there);
     if (!item) return std::nullopt;
     AccountSpace space;
@@ -246,22 +248,27 @@ std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& roo
     return space;
 }
 
-DeletionEnd DeleteDavFile(const DavClient& client, const HttpUrl& root, const StoredFile& file) {
+DeletionEnd DeleteDavFile(const DavClient& client, const HttpUrl& root, const StoredFile& file,
+                          DavError* failure) {
     const auto url = ParseHttpUrl(ToUtf8(file.path));
     if (!url || !IsBelow(*url, root)) return DeletionEnd::Changed;
     const auto result = client.Delete(*url, ToUtf8(file.version));
     const auto* end = std::get_if<DavDeletion>(&result);
+    if (!end && failure) *failure = std::get<DavError>(result);
     if (!end) return DeletionEnd::Unreachable;
     return *end == DavDeletion::Gone ? DeletionEnd::Gone : DeletionEnd::Changed;
 }
 
-DeletionEnd RemoveDavPart(const DavClient& client, const HttpUrl& root, const std::wstring& path) {
+DeletionEnd RemoveDavPart(const DavClient& client, const HttpUrl& root, const std::wstring& path,
+                          DavError* failure) {
     const auto url = ParseHttpUrl(ToUtf8(path));
     if (!url || !url->query.empty() || !IsBelow(*url, root) ||
         !IsPartName(std::string_view(url->path).substr(url->path.rfind('/') + 1))) {
         return DeletionEnd::Changed;
     }
-    return client.Discard(*url) ? DeletionEnd::Unreachable : DeletionEnd::Gone;
+    const auto error = client.Discard(*url);
+    if (error && failure) *failure = *error;
+    return error ? DeletionEnd::Unreachable : DeletionEnd::Gone;
 }
 
 } // namespace providers

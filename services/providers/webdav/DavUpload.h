@@ -93,13 +93,18 @@ std::vector<std::string> PartsOf(const std::wstring& folder);
 // Whether an upload gives names of this form to files that aren't whole yet.
 bool IsPartName(std::string_view name);
 
-// Nothing when the server can't be asked.
-std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& root);
+// In the next three `failure`, which may be null, gets why the server couldn't be asked.
+
+// Nothing when it can't be asked.
+std::optional<AccountSpace> DavSpace(const DavClient& client, const HttpUrl& root,
+                                     DavError* failure = nullptr);
 
 // Deletes a file below the account's folder if it is unchanged.
-DeletionEnd DeleteDavFile(const DavClient& client, const HttpUrl& root, const StoredFile& file);
+DeletionEnd DeleteDavFile(const DavClient& client, const HttpUrl& root, const StoredFile& file,
+                          DavError* failure = nullptr);
 
 // Deletes what an upload has left under a name of its own; `path` is that of its note.
-DeletionEnd RemoveDavPart(const DavClient& client, const HttpUrl& root, const std::wstring& path);
+DeletionEnd RemoveDavPart(const DavClient& client, const HttpUrl& root, const std::wstring& path,
+                          DavError* failure = nullptr);
 
 } // namespace providers

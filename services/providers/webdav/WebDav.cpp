@@ -34,6 +34,13 @@ std::wstring WrongLoginSentence(const HttpOrigin& server) {
     return DavSentence({DavFault::WrongLogin, 401, {}, std::nullopt}, server);
 }
 
+// What the login of an account begins with: nothing without a refusal.
+std::wstring ReasonForLogin(DavServers& servers, const std::wstring& key) {
+    const auto settings = ReadDavAccount(servers.Book(), key);
+    return settings && servers.IsRefused(key) ? WrongLoginSentence(settings->root.origin)
+                                              : std::wstring();
+}
+
 // One upload of one account: what has to be known and asked before its first byte.
 class LinkedUpload {
 public:
@@ -45,7 +52,9 @@ public:
         if (!ReadDavAccount(servers_->Book(), key_)) {
             return Failed(FormatOwnText(OB_TEXT_DAV_LOGGED_OUT, {file_.name}));
         }
-        if (!servers_->AccessTo(key_) && !AskForPassword({})) return Cancelled();
+        if (!servers_->UsableAccessTo(key_) && !AskForPassword(ReasonForLogin(*servers_, key_))) {
+            return Cancelled();
+        }
         if (auto ended = MakeSureOfLinks()) return std::move(*ended);
         auto access = servers_->AccessTo(key_);
         if (!access) return Failed(FormatOwnText(OB_TEXT_DAV_LOGGED_OUT, {file_.name}));
@@ -116,16 +125,25 @@ private:
     UploadProgress& progress_;
 };
 
+void NoteRefusal(DavServers& servers, const std::wstring& key, const DavAccess& access,
+                 const DavError& error) {
+    if (error.fault == DavFault::WrongLogin) servers.NoteRefused(key, access.login.password);
+}
+
 // Whether the login of another account removes the file. Servers have several users at one address:
 // what isn't there, or is another version, may be another user's folder.
 template <class Remove>
 bool IsRemovedByAnother(DavServers& servers, const std::wstring& other, const HttpUrl& url,
                         HANDLE ended, Remove remove) {
-    const auto access = servers.AccessTo(other);
+    const auto access = servers.UsableAccessTo(other);
     if (!access || IsSet(ended)) return false;
     const DavClient client(servers.Session(), access->login, ended, kNoPatience);
-    return std::holds_alternative<DavItem>(client.Look(url)) &&
-           remove(client, access->root) == DeletionEnd::Gone;
+    const auto there = client.Look(url);
+    if (const auto* error = std::get_if<DavError>(&there)) {
+        NoteRefusal(servers, other, *access, *error);
+        return false;
+    }
+    return remove(client, access->root, nullptr) == DeletionEnd::Gone;
 }
 
 // Removes a file by the login of its account. An account that is logged out, or can't be read now,
@@ -138,10 +156,13 @@ DeletionEnd RemoveBy(DavServers& servers, const std::wstring& key, const std::ws
     if (!url) return DeletionEnd::Changed;
     if (IsSet(ended)) return DeletionEnd::Unreachable;
     if (ReadDavAccount(servers.Book(), key)) {
-        const auto access = servers.AccessTo(key);
+        const auto access = servers.UsableAccessTo(key);
         if (!access) return DeletionEnd::Unreachable;
         const DavClient client(servers.Session(), access->login, ended, kNoPatience);
-        return remove(client, access->root);
+        DavError failure;
+        const DeletionEnd end = remove(client, access->root, &failure);
+        if (end == DeletionEnd::Unreachable) NoteRefusal(servers, key, *access, failure);
+        return end;
     }
     const auto others = DavAccountsAround(servers.Book(), *url);
     const bool isGone = std::ranges::any_of(others, [&](const std::wstring& other) {
@@ -153,7 +174,7 @@ DeletionEnd RemoveBy(DavServers& servers, const std::wstring& key, const std::ws
 DavResult<std::vector<DavItem>> ListFolder(DavServers& servers, const std::wstring& key,
                                            const std::vector<std::wstring>& folder,
                                            HANDLE cancelled) {
-    const auto access = servers.AccessTo(key);
+    const auto access = servers.UsableAccessTo(key);
     if (!access) return DavError{DavFault::WrongLogin, 401, {}, std::nullopt};
     HttpUrl url = access->root;
     for (const std::wstring& part : folder) {
@@ -161,7 +182,11 @@ DavResult<std::vector<DavItem>> ListFolder(DavServers& servers, const std::wstri
         url.path += '/';
     }
     const DavClient client(servers.Session(), access->login, cancelled, servers.Patience());
-    return client.List(url);
+    auto listed = client.List(url);
+    if (const auto* error = std::get_if<DavError>(&listed)) {
+        NoteRefusal(servers, key, *access, *error);
+    }
+    return listed;
 }
 
 DavPickAccount PickableAccount(const std::shared_ptr<DavServers>& servers,
@@ -211,16 +236,13 @@ bool WebDav::Has(ProviderCapability capability) const noexcept {
 }
 
 std::optional<StorageAccount> WebDav::LogIn(const std::wstring& key, HWND owner) {
-    const auto settings = ReadDavAccount(Book(), key);
-    if (!settings) return LogInToDav(servers_, owner);
-    const std::wstring reason =
-        servers_->IsRefused(key) ? WrongLoginSentence(settings->root.origin) : std::wstring();
-    if (!AskForDavPassword(servers_, key, reason, owner)) return {};
+    if (!ReadDavAccount(Book(), key)) return LogInToDav(servers_, owner);
+    if (!AskForDavPassword(servers_, key, ReasonForLogin(*servers_, key), owner)) return {};
     return Book().Account(kWebDavId, key);
 }
 
 bool WebDav::IsLoggedIn(const std::wstring& key) const {
-    return servers_->AccessTo(key) && !servers_->IsRefused(key);
+    return servers_->UsableAccessTo(key).has_value();
 }
 
 void WebDav::LogOut(const std::wstring& key, HWND) { RemoveDavAccount(Book(), key); }
@@ -230,10 +252,13 @@ void WebDav::Manage(const std::wstring& key, HWND owner) {
 }
 
 std::optional<AccountSpace> WebDav::Space(const std::wstring& key, HANDLE ended) const {
-    const auto access = servers_->AccessTo(key);
+    const auto access = servers_->UsableAccessTo(key);
     if (!access) return {};
     const DavClient client(servers_->Session(), access->login, ended, kNoPatience);
-    return DavSpace(client, access->root);
+    DavError failure;
+    const auto space = DavSpace(client, access->root, &failure);
+    if (!space) NoteRefusal(*servers_, key, *access, failure);
+    return space;
 }
 
 // Servers don't report it.
@@ -277,15 +302,16 @@ bool WebDav::SetExpiry(const std::wstring& key, const std::wstring& shareId, std
 
 DeletionEnd WebDav::Delete(const std::wstring& key, const StoredFile& file, HANDLE ended) {
     return RemoveBy(*servers_, key, file.path, ended,
-                    [&](const DavClient& client, const HttpUrl& root) {
-                        return DeleteDavFile(client, root, file);
+                    [&](const DavClient& client, const HttpUrl& root, DavError* failure) {
+                        return DeleteDavFile(client, root, file, failure);
                     });
 }
 
 DeletionEnd WebDav::RemovePart(const std::wstring& key, const std::wstring& path, HANDLE ended) {
-    return RemoveBy(*servers_, key, path, ended, [&](const DavClient& client, const HttpUrl& root) {
-        return RemoveDavPart(client, root, path);
-    });
+    return RemoveBy(*servers_, key, path, ended,
+                    [&](const DavClient& client, const HttpUrl& root, DavError* failure) {
+                        return RemoveDavPart(client, root, path, failure);
+                    });
 }
 
 PickResult WebDav::Pick(const std::wstring& preferred, HWND owner) {

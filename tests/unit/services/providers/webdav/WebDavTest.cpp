@@ -531,6 +531,30 @@ TEST_F(WebDavTest, AWrongPasswordIsTriedOnceBeforeTheUserIsAsked) {
     EXPECT_TRUE(user.WasUsed());
 }
 
+TEST_F(WebDavTest, AWrongPasswordIsTriedOnceWithoutTheUser) {
+    const StorageAccount account = AddAccount();
+    const UploadResult uploaded = Upload(account.key);
+    ASSERT_EQ(uploaded.end, UploadEnd::Done) << uploaded.sentence;
+    const auto deleteIt = [&] {
+        return provider_.Delete(account.key, uploaded.stored, ended_.Get());
+    };
+    for (const bool isSpaceFirst : {true, false}) {
+        ASSERT_TRUE(SaveAccountPassword(account.key, ObLib::Secret(isSpaceFirst ? "a" : "b")));
+        relay_.Begin("apache");
+        if (isSpaceFirst) {
+            EXPECT_FALSE(provider_.Space(account.key, ended_.Get()));
+        }
+        for (int files = 0; files < 3; ++files) EXPECT_EQ(deleteIt(), DeletionEnd::Unreachable);
+        EXPECT_FALSE(provider_.Space(account.key, ended_.Get()));
+        EXPECT_FALSE(provider_.IsLoggedIn(account.key));
+        EXPECT_TRUE(provider_.Share(account.key, uploaded.stored, ended_.Get()).needsLogin);
+        EXPECT_EQ(relay_.Logins(), 1);
+    }
+    ASSERT_TRUE(SaveAccountPassword(account.key, login_.password)); // by another process
+    EXPECT_TRUE(provider_.IsLoggedIn(account.key));
+    EXPECT_EQ(deleteIt(), DeletionEnd::Gone);
+}
+
 // Two windows of a program may send to one account.
 TEST_F(WebDavTest, ASecondUploadOfAnAccountDoesNotDisturbTheFirst) {
     const StorageAccount account = AddAccount();
@@ -626,7 +650,12 @@ TEST_F(WebDavTest, APasswordThatIsRevokedWhileALinkIsMadeLeavesOneLink) {
         EXPECT_EQ(refused.password, L"");
         EXPECT_EQ(shares_.Shares().size(), row.post ? 1u : 0u);
         relay_.Begin("ocs");
-        ASSERT_TRUE(SaveAccountPassword(account.key, login_.password));
+        DialogUiDriver user(OB_DAV_ADDRESS, [&](HWND dialog) {
+            SetDlgItemTextW(dialog, OB_DAV_PASSWORD,
+                            obtest::ServerValue(L"SERVER_PASSWORD").c_str());
+            obtest::PressCommand(dialog, IDOK);
+        });
+        ASSERT_TRUE(provider_.LogIn(account.key, nullptr));
         const ShareResult shared = provider_.Share(account.key, uploaded.stored, ended_.Get());
         ASSERT_TRUE(shared.isShared) << shared.sentence;
         EXPECT_EQ(shares_.Shares().size(), 1u);
