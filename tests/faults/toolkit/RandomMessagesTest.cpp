@@ -133,7 +133,7 @@ constexpr Row kRows[] = {
     {"redraw", [](Choices& c) { c.Send(WM_SETREDRAW, static_cast<WPARAM>(c.Flag())); }},
     {"dialog code", [](Choices& c) { c.Send(WM_GETDLGCODE); }},
     {"timer", [](Choices& c) { c.Send(WM_TIMER, static_cast<WPARAM>(c.Between(0, 9))); }},
-    {"object", [](Choices& c) { c.Send(WM_GETOBJECT, 0, static_cast<LPARAM>(OBJID_CLIENT)); }},
+    {"object", [](Choices& c) { TakeObjectOf(c.Window()); }},
     {"posted", [](Choices&) { PumpPosted(); }},
 };
 

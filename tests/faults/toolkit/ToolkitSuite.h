@@ -5,11 +5,14 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
+#include <oleacc.h>
+
 #include <functional>
 #include <set>
 #include <typeindex>
 #include <vector>
 
+#include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLibX/src/controls/FlatControls.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
@@ -46,12 +49,21 @@ inline void PumpPosted() {
     }
 }
 
+// As a screen reader does: a result of WM_GETOBJECT that nobody takes would keep its object.
+inline void TakeObjectOf(HWND window) {
+    void* object = nullptr;
+    AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
+                               &object);
+    const ObLib::ComPtr<IAccessible> taken(static_cast<IAccessible*>(object));
+}
+
 class ToolkitSuite : public testing::Test {
 protected:
     void SetUp() override {
         ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
         ObLibX::UseFlatControls();
-        EveryControlDialog().Open(); // what is made once is made
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        MakeWhatIsMadeOnce();
         PumpPosted();
         ASSERT_TRUE(timers_.Ok());
     }
@@ -60,6 +72,19 @@ protected:
         EXPECT_EQ(0u, timers_.Running()) << "a timer wasn't ended";
         ObLibX::SetControlMaker({});
         ObLib::AppGlobals().Clear();
+        CoUninitialize();
+    }
+    // Pictures, fonts, the brushes that classes of controls keep for the process, and what COM
+    // keeps for the thread.
+    static void MakeWhatIsMadeOnce() {
+        EveryControlDialog dialog;
+        dialog.Open();
+        const HDC dc = GetDC(dialog.window);
+        for (const auto& [id, control] : dialog.Controls()) {
+            control->OnCtlColor(dc, control->window);
+            TakeObjectOf(control->window);
+        }
+        ReleaseDC(dialog.window, dc);
     }
     // One control of each class that has an object, by id.
     static std::vector<int> OneOfEachClass() {
