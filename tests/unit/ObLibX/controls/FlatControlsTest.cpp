@@ -10,6 +10,8 @@
 #include "ObLibX/src/controls/ObCustPassword.h"
 #include "ObLibX/src/controls/ObCustSlider.h"
 #include "ObLibX/src/controls/ObCustStatic.h"
+#include "ObLibX/src/controls/ObCustSwitch.h"
+#include "ObLibX/src/controls/ObCustToggle.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "tests/unit/ObLib/FatalExit.h"
@@ -144,6 +146,14 @@ TEST_F(FlatControlsTest, DressPushButtons) {
     EXPECT_EQ(nullptr, dialog_->GetControl(1018));
     EXPECT_EQ(typeid(ObFlatBtn), typeid(*dialog_->GetControl(1019)));
     EXPECT_EQ(nullptr, dialog_->GetControl(1020));
+}
+
+TEST_F(FlatControlsTest, DressCheckBoxesRadiosAndSwitches) {
+    Open(OB_TEST_CLASSES, false);
+    EXPECT_EQ(typeid(ObFlatCheckbox), typeid(*dialog_->GetControl(1021)));
+    EXPECT_EQ(typeid(ObFlatCheckbox), typeid(*dialog_->GetControl(1022)));
+    EXPECT_EQ(typeid(ObFlatRadio), typeid(*dialog_->GetControl(1023)));
+    EXPECT_EQ(typeid(ObFlatToggleBtn), typeid(*dialog_->GetControl(1024)));
 }
 
 TEST_F(FlatControlsTest, TakeTheWindowsOwnSplitStyleForADropButton) {
