@@ -1,0 +1,203 @@
+// Measures flat dialogs beside the system's own from the same templates: opening, memory, GDI
+// objects, the paint of each class; and the reading of a description.
+//
+//   toolkit_bench [ROUNDS]
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "ObLib/Src/Win32/ObXAppGlobals.h"
+#include "ObLibX/src/controls/FlatControls.h"
+#include "ObLibX/src/dialog/ObXFlatDlg.h"
+#include "benchmarks/support/Series.h"
+#include "benchmarks/support/Stopwatch.h"
+#include "benchmarks/toolkit/DescriptionBench.h"
+#include "tests/support/ProcessResources.h"
+
+namespace {
+
+constexpr int kRounds = 21;
+constexpr int kDialogs = 10; // open at a time, where memory and objects are counted
+constexpr int kPaints = 20;  // of one control in one sample
+constexpr int kSixty = 2501;
+constexpr int kBars = 2502;
+
+class FlatDialog : public ObLibX::ObXFlatDlg {
+public:
+    explicit FlatDialog(int id) : ObXFlatDlg(id, nullptr, 0, false) {}
+};
+
+INT_PTR CALLBACK Nothing(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+
+// A dialog of the system, from the same template.
+class StockDialog {
+public:
+    explicit StockDialog(int id) : id_(id) {}
+    void Create(HWND) {
+        window_.Reset(CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(id_), nullptr,
+                                         &Nothing, 0));
+        window = window_.Get();
+    }
+    HWND window = nullptr;
+
+private:
+    int id_;
+    ObLib::UniqueWindow window_;
+};
+
+void PaintAll(HWND window) {
+    RedrawWindow(window, nullptr, nullptr,
+                 RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+}
+
+void Pump() {
+    MSG message;
+    for (int left = 500; left > 0 && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE); --left) {
+        DispatchMessageW(&message);
+    }
+}
+
+// From the call to the last paint.
+template <class Dialog>
+std::unique_ptr<Dialog> Opened(int id) {
+    auto dialog = std::make_unique<Dialog>(id);
+    dialog->Create(nullptr);
+    ShowWindow(dialog->window, SW_SHOWNA);
+    PaintAll(dialog->window);
+    Pump();
+    return dialog;
+}
+
+template <class Dialog>
+double TimeOpening() {
+    const bench::Stopwatch watch;
+    const auto dialog = Opened<Dialog>(kSixty);
+    return watch.Milliseconds();
+}
+
+double BusyBytes(HANDLE heap) {
+    double bytes = 0;
+    PROCESS_HEAP_ENTRY entry{};
+    HeapLock(heap);
+    while (HeapWalk(heap, &entry)) {
+        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+    }
+    HeapUnlock(heap);
+    return bytes;
+}
+
+// KB in use in all heaps of the process, as what it has committed grows in large steps only.
+double Used() {
+    HANDLE heaps[64] = {};
+    const DWORD count = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
+    double bytes = 0;
+    for (DWORD at = 0; at < count; ++at) bytes += BusyBytes(heaps[at]);
+    return bytes / 1024;
+}
+
+struct Use {
+    double memory;  // KB a dialog
+    double objects; // a dialog
+};
+
+template <class Dialog>
+Use UseOfOne() {
+    const double memory = Used();
+    const DWORD objects = obtest::CountGdiObjects();
+    std::vector<std::unique_ptr<Dialog>> dialogs;
+    for (int at = 0; at < kDialogs; ++at) dialogs.push_back(Opened<Dialog>(kSixty));
+    return {(Used() - memory) / kDialogs,
+            static_cast<double>(obtest::CountGdiObjects() - objects) / kDialogs};
+}
+
+double TimePaint(HWND control) {
+    const bench::Stopwatch watch;
+    for (int left = kPaints; left > 0; --left) {
+        RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    }
+    return watch.Nanoseconds() / 1000 / kPaints;
+}
+
+struct PaintRow {
+    const char* name;
+    int dialog;
+    int flat; // the ids of the two windows
+    int stock;
+};
+
+constexpr PaintRow kPaintRows[] = {
+    {"text", kSixty, 1001, 1001},  {"edit", kSixty, 1016, 1016},   {"password", kSixty, 1024, 1024},
+    {"push", kSixty, 1028, 1028},  {"accent", kSixty, 1038, 1038}, {"check", kSixty, 1040, 1040},
+    {"radio", kSixty, 1048, 1048}, {"split", kSixty, 1054, 1054},  {"progress", kSixty, 1057, 1057},
+    {"scroll", kBars, 1101, 1103}, {"slider", kBars, 1102, 1104},
+};
+
+void PrintPair(const std::string& name, const bench::Pair& pair) {
+    bench::PrintSeries((name + " ours").c_str(), pair.ours);
+    bench::PrintSeries((name + " theirs").c_str(), pair.theirs);
+}
+
+// Classes that aren't dressed yet have no row.
+void MeasurePaints(int rounds) {
+    for (const PaintRow& row : kPaintRows) {
+        const auto flat = Opened<FlatDialog>(row.dialog);
+        const auto stock = Opened<StockDialog>(row.dialog);
+        if (flat->GetControl(row.flat) == nullptr) continue;
+        bench::Pair pair;
+        for (int round = 0; round < rounds; ++round) {
+            pair.ours.push_back(TimePaint(GetDlgItem(flat->window, row.flat)));
+            pair.theirs.push_back(TimePaint(GetDlgItem(stock->window, row.stock)));
+        }
+        PrintPair(std::string("paint ") + row.name, pair);
+    }
+}
+
+void MeasureOpening(int rounds) {
+    bench::Pair times;
+    for (int round = 0; round < rounds + 2; ++round) {
+        const double ours = TimeOpening<FlatDialog>();
+        const double theirs = TimeOpening<StockDialog>();
+        if (round < 2) continue; // what is made once
+        times.ours.push_back(ours);
+        times.theirs.push_back(theirs);
+    }
+    PrintPair("open", times);
+}
+
+void MeasureUse() {
+    bench::Pair memory;
+    bench::Pair objects;
+    for (int round = 0; round < 3; ++round) {
+        const Use ours = UseOfOne<FlatDialog>();
+        const Use theirs = UseOfOne<StockDialog>();
+        memory.ours.push_back(ours.memory);
+        memory.theirs.push_back(theirs.memory);
+        objects.ours.push_back(ours.objects);
+        objects.theirs.push_back(theirs.objects);
+    }
+    PrintPair("memory", memory);
+    PrintPair("objects", objects);
+}
+
+} // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    const int rounds = count > 1 ? _wtoi(arguments[1]) : kRounds;
+    INITCOMMONCONTROLSEX classes{sizeof classes, ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&classes);
+    ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
+    ObLibX::UseFlatControls();
+    if (!Opened<StockDialog>(kSixty)->window) return bench::Fail("no dialog");
+    MeasureUse();
+    MeasureOpening(rounds);
+    MeasurePaints(rounds);
+    const bench::Pair description = bench::MeasureDescription(rounds * 10);
+    if (description.ours.empty()) return bench::Fail("the two readers differ");
+    PrintPair("description", description);
+    return 0;
+}
