@@ -1,6 +1,7 @@
 #include "ObLibX/src/controls/ControlText.h"
 
 #include "ObLib/Src/ObFatal.h"
+#include "ObLib/Src/Win32/ObWinGUI.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/DlgFont.h"
@@ -10,11 +11,13 @@ namespace {
 
 constexpr wchar_t kModule[] = L"ObLibX\\src\\ControlText.cpp";
 
+constexpr int kShortText = 128; // characters, with the NUL
+
 // The numbers of HorizontalPlace are those of the system's flags; the vertical place is arithmetic.
 UINT DrawFlags(const ObCustomControl& control, const TextStyle& style) {
     UINT flags = static_cast<UINT>(style.horizontal);
     flags |= style.wraps ? DT_WORDBREAK : DT_SINGLELINE;
-    if ((HiddenCues(control) & UISF_HIDEACCEL) != 0) flags |= DT_HIDEPREFIX;
+    if ((style.hiddenCues & UISF_HIDEACCEL) != 0) flags |= DT_HIDEPREFIX;
     if (control.endEllipsis) flags |= DT_WORD_ELLIPSIS;
     const LONG_PTR extended = GetWindowLongPtrW(control.window, GWL_EXSTYLE);
     if ((extended & WS_EX_RTLREADING) != 0) flags |= DT_RTLREADING;
@@ -32,6 +35,15 @@ PixelSize Measured(HDC dc, const ObLib::ObString& text, const PixelRect& area, U
 UINT HiddenCues(const ObCustomControl& control) {
     if (!control.useUIState) return UISF_HIDEACCEL;
     return static_cast<UINT>(SendMessageW(control.window, WM_QUERYUISTATE, 0, 0));
+}
+
+ObLib::ObString TextOfControl(const ObCustomControl& control) {
+    wchar_t text[kShortText] = {};
+    const int units = GetWindowTextW(control.window, text, kShortText);
+    if (units < kShortText - 1) return ObLib::ObString(text);
+    ObLib::ObString whole;
+    ObLib::GetWindowTextString(control.window, whole);
+    return whole;
 }
 
 PixelRect DrawControlText(const ObCustomControl& control, HDC dc, const ObLib::ObString& text,

@@ -16,8 +16,12 @@ inline constexpr COLORREF kDisabledTextColor = 0x808080;
 // its window shows the focus and no access keys.
 UINT HiddenCues(const ObCustomControl& control);
 
+// The text of a control's window, by a single message where it is short.
+ObLib::ObString TextOfControl(const ObCustomControl& control);
+
 struct TextStyle {
     COLORREF color = 0;
+    UINT hiddenCues = 0; // HiddenCues
     HorizontalPlace horizontal = HorizontalPlace::Centre;
     VerticalPlace vertical = VerticalPlace::Centre;
     bool wraps = false; // into lines, at blanks

@@ -1,6 +1,5 @@
 #include "ObLibX/src/controls/ObCustBtn.h"
 
-#include "ObLib/Src/Win32/ObWinGUI.h"
 #include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Images.h"
@@ -13,6 +12,7 @@ namespace {
 constexpr COLORREF kDisabledAccentFill = 0xF0F0F0;
 constexpr COLORREF kDisabledAccentText = 0xC0C0C0;
 constexpr std::int32_t kImageMargin = 4; // of a button that is sized to its image; at 96 dpi
+constexpr std::int32_t kFocusInset = 2;  // at 96 dpi
 constexpr int kRingDistance = 2;         // pixels, at every scale
 constexpr int kSeparatorInset = 3;       // at 96 dpi
 
@@ -49,6 +49,7 @@ struct ObFlatBtn::Face {
     ButtonArrangement arrangement;
     ButtonContents contents;
     std::uint32_t style = 0;
+    UINT hiddenCues = 0;
 };
 
 ObFlatBtn::ObFlatBtn(std::int32_t buttonId) : ObFlatBtn(buttonId, ButtonClass::Plain) {}
@@ -120,7 +121,7 @@ ButtonState ObFlatBtn::State() const {
 std::uint32_t ObFlatBtn::SetAnimatedColor(COLORREF color) {
     if (window == nullptr) return 0;
     animatedColor = color;
-    PaintState(isDown ? ButtonState::Pressed : ButtonState::Hot);
+    PaintState(State());
     return 1;
 }
 
@@ -134,7 +135,7 @@ void ObFlatBtn::OnMouseMove(int, int) {
         if (!fade.IsRunning()) fade.Start(*this, GetFillColor(), GetHoverColor());
         currentFrameColor = GetHotFrameColor();
     }
-    PaintState(isDown ? ButtonState::Pressed : ButtonState::Hot);
+    PaintState(State());
 }
 
 void ObFlatBtn::OnMouseLeave() {
@@ -190,17 +191,8 @@ void ObFlatBtn::PaintButton(ButtonState state, HDC target) {
 }
 
 void ObFlatBtn::PaintFace(ButtonState state, HDC dc, const PixelRect& area) {
-    Face face;
-    ObLib::GetWindowTextString(window, face.text);
-    UpdateImages();
-    const std::int32_t dpi = GetDpi();
-    std::int32_t image = GetImageId(images, static_cast<std::int32_t>(state), dpi);
-    if (image == 0) image = GetImageId(images, 0, dpi);
-    if (image != 0) face.bitmap = LoadImage(image);
-    face.arrangement = {imageBesideText, imageSide, imageGap, imageOnly};
-    face.contents = {SizeOf(face.bitmap.Get()), 0, Scale(padding), face.text.HasText()};
-    face.contents.spare = std::max(0, GetImageWidth() - face.contents.image.width);
-    face.style = StyleOf(window);
+    paintDpi_ = GetDeviceCaps(dc, LOGPIXELSX);
+    const Face face = FaceOf(state);
     const ButtonAreas areas = AreasOf(area, face.arrangement, face.contents);
     layoutRectangle = areas.layout;
     imageRectangle = areas.image;
@@ -209,16 +201,32 @@ void ObFlatBtn::PaintFace(ButtonState state, HDC dc, const PixelRect& area) {
     if (hasFrame == 1) FrameArea(dc, area, currentFrameColor);
     PaintText(face, dc);
     PaintOver(dc, PaintImage(face, dc));
-    PaintFocus(dc);
+    PaintFocus(dc, face.hiddenCues);
+}
+
+ObFlatBtn::Face ObFlatBtn::FaceOf(ButtonState state) {
+    Face face;
+    face.text = TextOfControl(*this);
+    UpdateImages();
+    std::int32_t image = GetImageId(images, static_cast<std::int32_t>(state), paintDpi_);
+    if (image == 0) image = GetImageId(images, 0, paintDpi_);
+    if (image != 0) face.bitmap = LoadImage(image);
+    face.arrangement = {imageBesideText, imageSide, imageGap, imageOnly};
+    face.contents = {SizeOf(face.bitmap.Get()), 0, Scaled(padding), face.text.HasText()};
+    face.contents.spare = SpareOf(face.contents.image.width);
+    face.style = StyleOf(window);
+    face.hiddenCues = HiddenCues(*this);
+    return face;
 }
 
 void ObFlatBtn::PaintText(const Face& face, HDC dc) {
     textRectangle = {};
     if (imageOnly || !face.contents.hasText) return;
     const bool isDimmed = !IsEnabled() && !IsAccent();
-    const TextStyle style{
-        isDimmed ? kDisabledTextColor : GetTextColor(), HorizontalOf(face.style, defaultHorizontal),
-        VerticalOf(face.style, defaultVertical), (face.style & BS_MULTILINE) != 0};
+    const TextStyle style{isDimmed ? kDisabledTextColor : GetTextColor(), face.hiddenCues,
+                          HorizontalOf(face.style, defaultHorizontal),
+                          VerticalOf(face.style, defaultVertical),
+                          (face.style & BS_MULTILINE) != 0};
     const PixelRect area = Inset(layoutRectangle, face.contents.padding);
     textRectangle = DrawControlText(*this, dc, face.text, area, style);
 }
@@ -232,14 +240,30 @@ std::int32_t ObFlatBtn::PaintImage(const Face& face, HDC dc) {
 }
 
 // A window whose focus isn't to be seen before keys are used has no rectangle for it.
-void ObFlatBtn::PaintFocus(HDC dc) {
+void ObFlatBtn::PaintFocus(HDC dc, UINT hiddenCues) {
     ComputeFocusRectangle();
-    if ((HiddenCues(*this) & UISF_HIDEFOCUS) != 0) focusRectangle = {};
+    if ((hiddenCues & UISF_HIDEFOCUS) != 0) focusRectangle = {};
     if (!frameFocus) {
         DrawFocus(dc);
     } else if (GetFocus() == window && !focusRectangle.IsEmpty()) {
         FrameArea(dc, focusRectangle, focusFrameColor);
     }
+}
+
+// As the base class does it, but for the screen that is painted on.
+void ObFlatBtn::ComputeFocusRectangle() {
+    const std::int32_t inset = Scaled(kFocusInset);
+    if (!clipFocusToText) {
+        RECT rect{};
+        GetWindowRect(window, &rect);
+        focusRectangle = Inset({0, 0, rect.right - rect.left, rect.bottom - rect.top}, inset);
+        return;
+    }
+    const PixelRect grown = Inset(textRectangle, -inset);
+    focusRectangle = {std::max(grown.left, layoutRectangle.left),
+                      std::max(grown.top, layoutRectangle.top),
+                      std::min(grown.right, layoutRectangle.right),
+                      std::min(grown.bottom, layoutRectangle.bottom)};
 }
 
 void ObFlatBtn::PaintRing(ButtonState state) {
@@ -299,8 +323,8 @@ void ObFlatSplitBtn::PaintOver(HDC dc, std::int32_t imageLeft) {
     if ((info.uSplitStyle & BCSS_NOSPLIT) != 0) return;
     const PixelRect client = ClientArea(window);
     const bool isStrip = imageRectangle.left > client.left;
-    const std::int32_t left = isStrip ? imageRectangle.left : imageLeft - Scale(padding) / 2;
-    const int inset = Scale(kSeparatorInset);
+    const std::int32_t left = isStrip ? imageRectangle.left : imageLeft - Scaled(padding) / 2;
+    const int inset = Scaled(kSeparatorInset);
     FillArea(dc, {left, client.top + inset, left + 1, client.bottom - inset},
              GetPaletteColor(kPaletteGray));
 }

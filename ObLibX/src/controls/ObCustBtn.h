@@ -32,6 +32,7 @@ public:
     void OnLeftButtonDown(int x, int y) override;
     void OnLeftButtonUp(int x, int y) override;
     void OnMouseLeave() override;
+    void ComputeFocusRectangle() override;
 
     // WM_GETDLGCODE; 0: the stock button's answer.
     virtual LRESULT OnGetDlgCode(WPARAM) { return 0; }
@@ -64,12 +65,19 @@ protected:
 
     // Paints all but the ring into a bitmap, which it then shows on `dc`.
     void PaintButton(ButtonState state, HDC dc);
+    // How much wider than its image the place of the image is beside a text.
+    virtual std::int32_t SpareOf(std::int32_t /*imageWidth*/) { return 0; }
     // On top of text and image, before the focus. `imageLeft`: where the image begins.
     virtual void PaintOver(HDC /*dc*/, std::int32_t /*imageLeft*/) {}
     [[nodiscard]] bool IsAccent() const;
+    // A length at 96 dpi in pixels of the screen that is painted on.
+    [[nodiscard]] std::int32_t Scaled(std::int32_t length) const {
+        return MulDiv(length, paintDpi_, kUnscaledDpi);
+    }
+    static constexpr std::int32_t kUnscaledDpi = 96;
     [[nodiscard]] bool IsEnabled() const { return IsWindowEnabled(window) != FALSE; }
-    // After text and image: the focus, unless the window hides it.
-    void PaintFocus(HDC dc);
+    // After text and image: the focus, unless it is among what the window hides (HiddenCues).
+    void PaintFocus(HDC dc, UINT hiddenCues);
     // WM_PAINT, WM_PRINTCLIENT and WM_ERASEBKGND: true when it was one of them, whose result is 1.
     // What painting throws ends here.
     static bool PaintedByMessage(ObFlatBtn& button, UINT message, WPARAM wParam);
@@ -85,10 +93,14 @@ private:
     [[nodiscard]] ButtonState State() const;
     void PaintState(ButtonState state);
     void PaintFace(ButtonState state, HDC dc, const PixelRect& area);
+    [[nodiscard]] Face FaceOf(ButtonState state);
     void PaintText(const Face& face, HDC dc);
     std::int32_t PaintImage(const Face& face, HDC dc);
     void PaintRing(ButtonState state);
     void SizeToImage();
+
+    // Asked once for each painting, of the device context, which knows it.
+    std::int32_t paintDpi_ = kUnscaledDpi;
 };
 
 class ObFlatBlueBtn : public ObFlatBtn {

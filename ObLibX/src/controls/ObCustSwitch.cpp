@@ -4,7 +4,6 @@
 #include <windowsx.h>
 
 #include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/ObWinGUI.h"
 #include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/LabelBefore.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
@@ -222,17 +221,16 @@ void ObFlatToggleBtn::Paint(HDC target) {
     FillArea(paint.Dc(), trackRectangle, colors.track);
     FrameArea(paint.Dc(), trackRectangle, colors.frame, kFrameWidth);
     FillArea(paint.Dc(), thumbRectangle, colors.thumb);
-    PaintLabel(paint.Dc());
-    PaintFocus(paint.Dc());
+    const UINT hidden = HiddenCues(*this);
+    PaintLabel(paint.Dc(), hidden);
+    PaintFocus(paint.Dc(), hidden);
     paint.Show();
 }
 
-void ObFlatToggleBtn::PaintLabel(HDC dc) {
-    ObLib::ObString text;
-    ObLib::GetWindowTextString(window, text);
-    const TextStyle style{IsEnabled() ? GetTextColor() : kDisabledTextColor, HorizontalPlace::Left,
-                          VerticalPlace::Centre, false};
-    textRectangle = DrawControlText(*this, dc, text, layoutRectangle, style);
+void ObFlatToggleBtn::PaintLabel(HDC dc, UINT hiddenCues) {
+    const TextStyle style{IsEnabled() ? GetTextColor() : kDisabledTextColor, hiddenCues,
+                          HorizontalPlace::Left, VerticalPlace::Centre, false};
+    textRectangle = DrawControlText(*this, dc, TextOfControl(*this), layoutRectangle, style);
 }
 
 void ObFlatToggleBtn::ComputeFocusRectangle() { focusRectangle = ClientArea(window); }

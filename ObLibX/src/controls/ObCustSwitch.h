@@ -44,7 +44,7 @@ private:
     void LetGo();
     void ShowState(bool isOn);
     void Arrange();
-    void PaintLabel(HDC dc);
+    void PaintLabel(HDC dc, UINT hiddenCues);
     [[nodiscard]] bool IsOn() const { return Checked() == CheckState::On; }
     [[nodiscard]] Colors ColorsNow();
 

@@ -80,7 +80,7 @@ void ObFlatBmpToggleBase::DrawImage(HDC dc, HBITMAP bitmap, int x, int y) {
 void ObFlatBmpToggleBase::ComputeFocusRectangle() {
     ObFlatToggleBase::ComputeFocusRectangle();
     if (textRectangle.IsEmpty()) {
-        focusRectangle = Inset(ClientArea(window), Scale(focusInset_));
+        focusRectangle = Inset(ClientArea(window), Scaled(focusInset_));
     }
 }
 

@@ -16,6 +16,7 @@ public:
 
 protected:
     using ObFlatBtn::ObFlatBtn;
+    std::int32_t SpareOf(std::int32_t) override { return Scaled(padding); }
     [[nodiscard]] CheckState Checked() const;
 };
 

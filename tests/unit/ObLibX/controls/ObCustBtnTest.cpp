@@ -4,6 +4,7 @@
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/utilities/ObUtil.h"
+#include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/controls/ControlFixture.h"
 #include "tests/unit/ObLibX/controls/ControlTestIds.h"
 
@@ -288,6 +289,14 @@ TEST_F(FlatButton, AlignsItsTextByTheWindowsStyle) {
     EXPECT_NEAR(centred.top, size.cy - centred.bottom, 1);
 }
 
+TEST_F(FlatButton, DrawsATextOfAnyLength) {
+    for (const std::size_t length : {126u, 127u, 128u, 5000u}) {
+        const std::wstring text(length, L'x');
+        SetWindowTextW(Item(kPlain), text.c_str());
+        EXPECT_EQ(text, TextOf(kPlain).text) << length;
+    }
+}
+
 TEST_F(FlatButton, BreaksItsTextOnlyWithTheStyleForIt) {
     const DrawnText lines = TextOf(kTwoLines);
     const DrawnText line = TextOf(kPlain);
@@ -326,7 +335,9 @@ TEST_F(FlatButton, ShowsItsFocusOnceKeysAreUsed) {
     const auto shown = PixelsOf(kWithoutText);
     EXPECT_NE(hidden, shown);
     const SIZE size = SizeOf(kWithoutText);
-    EXPECT_EQ((PixelRect{2, 2, size.cx - 2, size.cy - 2}), Button(kWithoutText).focusRectangle);
+    const int inset = Scale(2);
+    EXPECT_EQ((PixelRect{inset, inset, size.cx - inset, size.cy - inset}),
+              Button(kWithoutText).focusRectangle);
     SetFocus(Item(kStock));
     EXPECT_EQ(hidden, PixelsOf(kWithoutText));
 }
@@ -336,9 +347,12 @@ TEST_F(FlatButton, MayShowItsFocusAsAFrame) {
     Button(kPlain).focusFrameColor = 0x00AA00;
     SetFocus(Item(kPlain));
     const SIZE size = SizeOf(kPlain);
-    for (const auto& [x, y] : {std::pair{2, 2}, {2, 5}, {size.cx - 3, size.cy - 3}}) {
-        EXPECT_EQ(0x00AA00u, PixelOf(kPlain, x, y));
-    }
+    const int inset = Scale(2);
+    EXPECT_EQ(0x00AA00u, PixelOf(kPlain, inset, inset));
+    EXPECT_EQ(0x00AA00u, PixelOf(kPlain, inset, 2 * inset));
+    EXPECT_EQ(0x00AA00u, PixelOf(kPlain, size.cx - inset - 1, size.cy - inset - 1));
+    EXPECT_EQ(kFill, PixelOf(kPlain, inset - 1, inset)) << "one pixel thick";
+    EXPECT_EQ(kFill, PixelOf(kPlain, inset + 1, inset + 1));
     SetFocus(Item(kStock));
     EXPECT_EQ(0, CountOf(kPlain, 0x00AA00));
 }
@@ -555,7 +569,7 @@ LRESULT CALLBACK DestroyWhenAsked(HWND window, UINT message, WPARAM wParam, LPAR
 
 TEST_F(FlatButton, MayLoseItsWindowWhileItPaints) {
     int id = kPlain;
-    for (const UINT message : {WM_GETTEXTLENGTH, WM_QUERYUISTATE}) {
+    for (const UINT message : {WM_GETTEXT, WM_QUERYUISTATE}) {
         const HWND window = Item(id);
         SetWindowSubclass(window, &DestroyWhenAsked, 1, message);
         InvalidateRect(window, nullptr, FALSE);
@@ -564,6 +578,27 @@ TEST_F(FlatButton, MayLoseItsWindowWhileItPaints) {
         EXPECT_EQ(nullptr, dialog_->GetControl(id)->window);
         id = kSplit;
     }
+}
+
+HFONT WINAPI MakeNoFont(const LOGFONTW*) { return nullptr; }
+
+TEST_F(FlatButton, EndsTheProcessWithoutAFontForItsText) {
+    EXPECT_FATAL(
+        {
+            const obtest::ImportPatch<decltype(CreateFontIndirectW)> patch(
+                "gdi32.dll", "CreateFontIndirectW", &MakeNoFont);
+            Button(kPlain).fontName = L"Another";
+            Button(kPlain).Repaint();
+        },
+        "ObLibX\\src\\ControlText.cpp");
+}
+
+TEST_F(FlatButton, TakesItsFontWithoutItsStyle) {
+    Button(kPlain).fontStyle = 1; // italic
+    Button(kPlain).fontWeight = 700;
+    const int before = TextOf(kPlain).rect.right;
+    Button(kPlain).fontStyle = 0;
+    EXPECT_EQ(before, TextOf(kPlain).rect.right);
 }
 
 TEST_F(FlatButton, EndsItsFadeWithItsWindow) {
