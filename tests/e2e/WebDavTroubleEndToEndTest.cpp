@@ -3,7 +3,7 @@
 #include <commctrl.h>
 
 #include "OBCore/modules/DialogIds.h"
-#include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavLoginDialogIds.h"
 #include "tests/e2e/WebDavRequest.h"
 
 namespace obtest {

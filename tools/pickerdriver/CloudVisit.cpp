@@ -7,7 +7,7 @@
 #include "OBCore/modules/DialogIds.h"
 #include "demo/mailpage/MailWindow.h"
 #include "services/providers/storage/UploadDialogIds.h"
-#include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavLoginDialogIds.h"
 #include "services/providers/webdav/DavPickerIds.h"
 #include "tests/support/PickerUiDriver.h"
 #include "tests/support/WindowKit.h"

@@ -22,7 +22,7 @@
 #include "ObLib/Src/Win32/LoadModule.h"
 #include "ObLib/Src/Win32/ModulePath.h"
 #include "contracts/ProviderManager.h"
-#include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavLoginDialogIds.h"
 #include "tests/support/WindowKit.h"
 #include "tests/support/WindowPicture.h"
 

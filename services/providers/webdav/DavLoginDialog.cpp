@@ -11,7 +11,7 @@
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
 #include "services/providers/webdav/AccountPassword.h"
-#include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavLoginDialogIds.h"
 #include "services/providers/webdav/DialogTask.h"
 
 namespace providers {

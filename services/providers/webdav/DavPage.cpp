@@ -10,8 +10,8 @@
 #include "services/providers/ui/FieldText.h"
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
-#include "services/providers/webdav/DavDialogIds.h"
 #include "services/providers/webdav/DavLinks.h"
+#include "services/providers/webdav/DavPageIds.h"
 #include "services/providers/webdav/DialogTask.h"
 #include "services/providers/webdav/LinkPassword.h"
 

@@ -10,7 +10,7 @@
 #include "services/providers/ui/Texts.h"
 #include "services/providers/webdav/AccountPassword.h"
 #include "services/providers/webdav/DavAccountDialogs.h"
-#include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavIconIds.h"
 #include "services/providers/webdav/DavPicker.h"
 #include "services/providers/webdav/DavSentence.h"
 #include "services/providers/worker/Event.h"

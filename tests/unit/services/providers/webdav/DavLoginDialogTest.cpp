@@ -11,7 +11,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "services/providers/webdav/AccountPassword.h"
-#include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavLoginDialogIds.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"

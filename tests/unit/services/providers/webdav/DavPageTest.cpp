@@ -9,7 +9,7 @@
 #include <string>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "services/providers/webdav/DavDialogIds.h"
+#include "services/providers/webdav/DavPageIds.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"

@@ -6,9 +6,10 @@
 
 #include "services/providers/ui/TextIds.h"
 #include "services/providers/ui/Texts.h"
-#include "services/providers/webdav/DavDialogIds.h"
 #include "services/providers/webdav/DavLoginDialog.h"
+#include "services/providers/webdav/DavLoginDialogIds.h"
 #include "services/providers/webdav/DavPage.h"
+#include "services/providers/webdav/DavPageIds.h"
 #include "tests/support/PictureSuite.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/services/providers/ui/DialogUiDriver.h"

@@ -1,15 +1,5 @@
-// Ids of the login to a WebDAV server and of the page of its account, and of the provider's icon.
+// Ids of the page of a WebDAV account.
 #pragma once
-
-#define OB_DAV_LOGIN_DIALOG 870
-#define OB_DAV_LOGIN_INTRO 871
-#define OB_DAV_ADDRESS_LABEL 872
-#define OB_DAV_ADDRESS 873
-#define OB_DAV_USER_LABEL 874
-#define OB_DAV_USER 875
-#define OB_DAV_PASSWORD_LABEL 876
-#define OB_DAV_PASSWORD 877
-#define OB_DAV_LOGIN_STATE 878
 
 #define OB_DAV_PAGE_DIALOG 920
 #define OB_DAV_PAGE_SERVER_LABEL 921
@@ -26,5 +16,3 @@
 #define OB_DAV_PAGE_PREVIEW_LABEL 932
 #define OB_DAV_PAGE_PREVIEW 933
 #define OB_DAV_PAGE_LOG_OUT 934
-
-#define OB_DAV_ICON 861
