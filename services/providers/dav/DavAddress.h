@@ -18,7 +18,7 @@ std::optional<HttpUrl> TypedAddress(std::wstring_view typed);
 std::vector<HttpUrl> RootCandidates(const HttpUrl& typed, std::wstring_view user);
 
 // The first of them that is a folder of WebDAV. A wrong password is tried once only. When none is
-// one, the error says why the address itself isn't.
+// one, the error is why the address itself isn't.
 DavResult<DavItem> FindRoot(const DavClient& client, const std::vector<HttpUrl>& candidates);
 
 } // namespace providers

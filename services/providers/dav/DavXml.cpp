@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "ObLib/Src/AsciiLetters.h"
+
 namespace providers {
 namespace {
 
@@ -20,8 +22,8 @@ constexpr Entity kEntities[] = {
     {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
 
 bool IsNameByte(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '-' || c == '.' || c == ':' || (c & 0x80);
+    return ObLib::IsAsciiLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '.' ||
+           c == ':' || (c & 0x80);
 }
 
 bool IsCharacter(std::uint32_t code) {
@@ -76,9 +78,7 @@ bool IsUtf8Name(std::string_view declaration) {
     const std::size_t at = declaration.find("encoding");
     if (at == std::string_view::npos) return true;
     std::string rest(declaration.substr(at + 8));
-    std::transform(rest.begin(), rest.end(), rest.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
+    std::transform(rest.begin(), rest.end(), rest.begin(), ObLib::FoldAscii<char>);
     return rest.find("utf-8") != std::string::npos || rest.find("us-ascii") != std::string::npos;
 }
 

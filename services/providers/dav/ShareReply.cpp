@@ -5,6 +5,7 @@
 #include <functional>
 #include <iterator>
 
+#include "ObLib/Src/AsciiLetters.h"
 #include "services/providers/dav/DavXml.h"
 
 namespace providers {
@@ -138,7 +139,7 @@ bool IsId(const std::string& text) {
     constexpr std::string_view kOthers = "-_.:~=";
     return !text.empty() && text.size() <= 200 && text != "." && text != ".." &&
            std::all_of(text.begin(), text.end(), [kOthers](char c) {
-               return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+               return (c >= '0' && c <= '9') || ObLib::IsAsciiLetter(c) ||
                       kOthers.find(c) != std::string_view::npos;
            });
 }

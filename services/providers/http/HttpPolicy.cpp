@@ -4,26 +4,28 @@
 #include <optional>
 #include <string>
 
+#include "ObLib/Src/AsciiLetters.h"
+#include "ObLib/Src/Win32/RegistryText.h"
 #include "ObLib/Src/Win32/RegistryView.h"
+#include "contracts/Policies.h"
 #include "services/providers/http/Utf8.h"
 
 namespace providers {
 namespace {
 
-constexpr wchar_t kPolicyKey[] = L"SOFTWARE\\Tavi Ren Computing\\Ombrix\\Policies";
-constexpr std::size_t kLongestPolicy = 8192; // characters
+constexpr std::size_t kLongestPolicy = 8191; // characters
 
 // Nothing when there is no such value. One that is no text, or too long, is an empty text: what it
 // was meant to allow isn't known.
 std::optional<std::string> TextIn(ObLib::RegistryView view, const wchar_t* name) {
-    const auto key = ObLib::OpenRegistryKey(HKEY_LOCAL_MACHINE, kPolicyKey, KEY_QUERY_VALUE, view);
+    const auto key =
+        ObLib::OpenRegistryKey(HKEY_LOCAL_MACHINE, obcontract::kPolicyKey, KEY_QUERY_VALUE, view);
     if (!key) return std::nullopt;
-    std::wstring text(kLongestPolicy, L'\0');
-    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    const LSTATUS status =
-        RegGetValueW(key.Get(), nullptr, name, RRF_RT_REG_SZ, nullptr, text.data(), &size);
+    std::wstring text;
+    const LSTATUS status = ObLib::ReadRegistryText(key.Get(), name, kLongestPolicy,
+                                                   ObLib::RegistryVariables::Expand, text);
     if (status == ERROR_FILE_NOT_FOUND) return std::nullopt;
-    return status == ERROR_SUCCESS ? ToUtf8(text.c_str()) : "";
+    return ToUtf8(text);
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -34,9 +36,7 @@ std::string_view Trimmed(std::string_view text) {
 
 std::string LowerAscii(std::string_view text) {
     std::string low(text);
-    std::transform(low.begin(), low.end(), low.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
+    std::transform(low.begin(), low.end(), low.begin(), ObLib::FoldAscii<char>);
     return low;
 }
 

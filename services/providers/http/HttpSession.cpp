@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ObLib/Src/AsciiLetters.h"
 #include "services/providers/http/HttpExchange.h"
 #include "services/providers/http/HttpPolicy.h"
 
@@ -63,11 +64,7 @@ std::optional<HttpError> RefusedBy(ServerRule rule) {
 }
 
 bool EqualInAnyCase(std::string_view a, std::string_view b) {
-    const auto low = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    };
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
-                                              [low](char x, char y) { return low(x) == low(y); });
+    return std::ranges::equal(a, b, {}, ObLib::FoldAscii<char>, ObLib::FoldAscii<char>);
 }
 
 } // namespace

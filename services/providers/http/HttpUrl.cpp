@@ -4,18 +4,17 @@
 #include <charconv>
 #include <vector>
 
+#include "ObLib/Src/AsciiLetters.h"
 #include "ObLib/Src/PercentEncoding.h"
 
 namespace providers {
 namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 int HexValue(char c) {
     if (IsDigit(c)) return c - '0';
-    const char low = Lower(c);
+    const char low = ObLib::FoldAscii(c);
     return low >= 'a' && low <= 'f' ? low - 'a' + 10 : -1;
 }
 
@@ -69,7 +68,7 @@ void SetPathAndQuery(HttpUrl& url, std::string_view text) {
 }
 
 bool IsHostByte(char c) {
-    return IsLetter(c) || IsDigit(c) || c == '-' || c == '.' || c == '_' || (c & 0x80);
+    return ObLib::IsAsciiLetter(c) || IsDigit(c) || c == '-' || c == '.' || c == '_' || (c & 0x80);
 }
 
 bool IsHost(std::string_view host) {
@@ -102,14 +101,16 @@ std::optional<HttpOrigin> Origin(bool isSecure, std::string_view text) {
     }
     if (!IsHost(text)) return std::nullopt;
     origin.host = text;
-    std::transform(origin.host.begin(), origin.host.end(), origin.host.begin(), Lower);
+    std::transform(origin.host.begin(), origin.host.end(), origin.host.begin(),
+                   ObLib::FoldAscii<char>);
     return origin;
 }
 
 // Whether a text begins with this, in any case.
 bool Begins(std::string_view text, std::string_view with) {
-    return text.size() >= with.size() && std::equal(with.begin(), with.end(), text.begin(),
-                                                    [](char a, char b) { return a == Lower(b); });
+    return text.size() >= with.size() &&
+           std::equal(with.begin(), with.end(), text.begin(),
+                      [](char a, char b) { return a == ObLib::FoldAscii(b); });
 }
 
 // Length of "http://" or "https://" in front; 0 when there is neither.

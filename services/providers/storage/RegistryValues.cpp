@@ -3,20 +3,18 @@
 #include <limits>
 #include <utility>
 
+#include "ObLib/Src/Win32/RegistryText.h"
 #include "ObLib/Src/Win32/RegistryView.h"
 #include "services/providers/storage/GuidText.h"
 
 namespace providers {
 
-// Without NOEXPAND the system would take a text with variables for a plain one.
 std::optional<std::wstring> ReadText(HKEY key, const wchar_t* name, std::size_t longest) {
-    std::wstring text(longest + 1, L'\0');
-    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    if (RegGetValueW(key, nullptr, name, RRF_RT_REG_SZ | RRF_NOEXPAND, nullptr, text.data(),
-                     &size) != ERROR_SUCCESS) {
-        return {};
-    }
-    return text.c_str();
+    std::wstring text;
+    const LSTATUS status =
+        ObLib::ReadRegistryText(key, name, longest, ObLib::RegistryVariables::Refuse, text);
+    if (status != ERROR_SUCCESS) return {};
+    return text;
 }
 
 bool WriteText(HKEY key, const wchar_t* name, const std::wstring& text) {

@@ -1,4 +1,4 @@
-// A storage provider whose upload is what a test says.
+// A storage provider whose upload is scripted by a test.
 #pragma once
 
 #include <functional>
