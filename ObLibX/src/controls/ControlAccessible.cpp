@@ -73,7 +73,7 @@ struct AccessibleObject final : IAccessible {
             return S_OK;
         });
     }
-    // Where the system has no word for it, the name says what it does.
+    // Where the system has no word for it, the name describes what it does.
     HRESULT STDMETHODCALLTYPE get_accDefaultAction(VARIANT child, BSTR* action) override {
         return Answered(child, [&] {
             const HRESULT result = standard_->get_accDefaultAction(child, action);

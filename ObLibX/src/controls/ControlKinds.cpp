@@ -15,7 +15,7 @@ constexpr wchar_t kModule[] = L"ObLibX\\src\\ControlKinds.cpp";
 constexpr std::uint32_t kPasswordStyle = 0x20; // ES_PASSWORD
 constexpr std::uint32_t kButtonKindBits = 0xF;
 constexpr std::uint32_t kComboKindBits = 3;
-constexpr std::uint32_t kBlue = 0x1B76C0; // a push button's colour that stands for the word blue
+constexpr std::uint32_t kBlue = 0x1B76C0; // a push button's colour for the word blue
 
 bool AreSameText(const ObString& text, const wchar_t* other) {
     return text.CompareNoCase(ObString(other)) == 0;

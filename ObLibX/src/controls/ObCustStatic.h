@@ -17,7 +17,7 @@ public:
     ~ObFlatStaticText() override;
     void Attach(HWND attached) override;
     HBRUSH OnCtlColor(HDC dc, HWND control) override;
-    // In high contrast that of windows: white behind a dark scheme's text can't be meant.
+    // In high contrast that of windows: a dark scheme's text on white can't be meant.
     COLORREF GetRawFillColor() override;
 
     // Makes `newText` fit, or, for null, the window's own text; `fontSize` keeps what it is reduced

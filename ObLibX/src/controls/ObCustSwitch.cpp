@@ -188,7 +188,7 @@ LRESULT CALLBACK ObFlatToggleBtn::SwitchProcedure(HWND window, UINT message, WPA
     return result;
 }
 
-// The thumb, and while it is dragged the state that it stands for.
+// The thumb, and while it is dragged the state that it would set.
 void ObFlatToggleBtn::Arrange() {
     const SwitchAreas areas = SwitchAreasOf(ClientArea(window), Scale(kMargin));
     layoutRectangle = areas.text;

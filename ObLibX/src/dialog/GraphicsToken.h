@@ -1,12 +1,12 @@
-// The start of GDI+, ended with its owner.
+// Starts GDI+ and shuts it down when this object is destroyed.
 #pragma once
 
 #include <windows.h>
 
 namespace ObLibX {
 
-// On any thread; the same for both ends isn't needed. What fails leaves it empty: GDI+ then draws
-// nothing.
+// Usable on any thread; the two ends may be on different ones. When the start fails the object is
+// empty, and GDI+ draws nothing.
 class GraphicsToken {
 public:
     GraphicsToken();

@@ -36,7 +36,7 @@ int MissingHeight(HWND control) {
     RECT room{};
     GetClientRect(control, &room);
     RECT needed{0, 0, room.right, 0};
-    wchar_t text[512]; // no longer text is handed in
+    wchar_t text[512]; // callers pass at most 511 characters
     const int length = GetWindowTextW(control, text, static_cast<int>(std::size(text)));
     const HDC dc = GetDC(control);
     const HGDIOBJ old =

@@ -579,7 +579,7 @@ TEST_F(ScrollBarMessages, IgnoreNoRecord) {
 }
 
 // A stock scroll bar gets what the flat one gets; the results must be equal.
-class ScrollBarTwin : public ScrollBarTest {
+class ScrollBarComparison : public ScrollBarTest {
 protected:
     void SetUp() override {
         ScrollBarTest::SetUp();
@@ -606,7 +606,7 @@ protected:
 
 constexpr int kNumbers[] = {0, 1, -1, 5, 40, 79, 80, 81, 99, 100, -40, 5000, INT_MAX, INT_MIN};
 
-TEST_F(ScrollBarTwin, AnswersPositionsAlike) {
+TEST_F(ScrollBarComparison, AnswersPositionsAlike) {
     for (const int value : kNumbers) {
         ExpectSame(SBM_SETPOS, static_cast<WPARAM>(value), TRUE, "set " + std::to_string(value));
         ExpectSame(SBM_GETPOS, 0, 0, "get");
@@ -615,7 +615,7 @@ TEST_F(ScrollBarTwin, AnswersPositionsAlike) {
 
 // Only ranges that contain page and position: the stock bar of the system that the tests run on
 // limits neither at these two messages, as it does at SBM_SETSCROLLINFO.
-TEST_F(ScrollBarTwin, AnswersRangesAlike) {
+TEST_F(ScrollBarComparison, AnswersRangesAlike) {
     for (const UINT message : {SBM_SETRANGE, SBM_SETRANGEREDRAW}) {
         for (const int minimum : {0, 1, -1, 40, -40, INT_MIN / 2}) {
             for (const int maximum : {59, 60, 99, 5000, INT_MAX / 2}) {
@@ -634,7 +634,7 @@ TEST_F(ScrollBarTwin, AnswersRangesAlike) {
     EXPECT_EQ(stock[1], flat[1]);
 }
 
-TEST_F(ScrollBarTwin, AnswersRecordsAlike) {
+TEST_F(ScrollBarComparison, AnswersRecordsAlike) {
     for (const UINT mask : {SIF_POS, SIF_PAGE, SIF_RANGE, SIF_RANGE | SIF_PAGE,
                             SIF_RANGE | SIF_PAGE | SIF_POS, 0, 0x100}) {
         for (const int value : kNumbers) {
@@ -650,7 +650,7 @@ TEST_F(ScrollBarTwin, AnswersRecordsAlike) {
     }
 }
 
-TEST_F(ScrollBarTwin, GivesTheSameRecord) {
+TEST_F(ScrollBarComparison, GivesTheSameRecord) {
     for (const UINT size : {static_cast<UINT>(sizeof(SCROLLINFO)), 24u, 3u}) {
         for (const UINT mask : {SIF_ALL, SIF_POS, SIF_PAGE, SIF_RANGE, SIF_TRACKPOS, 0, 0x100}) {
             SCROLLINFO stock{size, mask, 1, 2, 3, 4, 5};
@@ -664,7 +664,7 @@ TEST_F(ScrollBarTwin, GivesTheSameRecord) {
     }
 }
 
-TEST_F(ScrollBarTwin, SwitchesArrowsAlike) {
+TEST_F(ScrollBarComparison, SwitchesArrowsAlike) {
     for (const WPARAM flags : {1u, 1u, 2u, 0u, 0u, 3u, 3u, 2u, 1u, 0u}) {
         ExpectSame(SBM_ENABLE_ARROWS, flags, 0, std::to_string(flags));
     }

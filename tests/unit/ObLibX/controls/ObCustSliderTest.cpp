@@ -159,7 +159,7 @@ TEST_F(SliderDrag, ReportsValuesAndEndsAtTheLastOne) {
     EXPECT_LT(tracked, 50);
 }
 
-TEST_F(SliderDrag, EndsBelowTheMaximumUnlessTheItemDataSaysOtherwise) {
+TEST_F(SliderDrag, EndsBelowTheMaximumUnlessTheItemDataAllowsIt) {
     const auto dragged = [&] {
         scrolled_.clear();
         Press(window_, ThumbX(), 5);
@@ -182,7 +182,7 @@ TEST_F(SliderDrag, BeginsAtTheThumbOnly) {
 }
 
 // A stock trackbar gets what the slider gets; the results must be equal.
-class SliderTwin : public SliderTest {
+class SliderComparison : public SliderTest {
 protected:
     void SetUp() override {
         SliderTest::SetUp();
@@ -207,13 +207,13 @@ protected:
 
 constexpr int kNumbers[] = {0, 1, -1, 5, 40, 100, -40, 5000, 40000, INT_MAX, INT_MIN};
 
-TEST_F(SliderTwin, AnswersPositionsAlike) {
+TEST_F(SliderComparison, AnswersPositionsAlike) {
     for (const int value : kNumbers) {
         ExpectSame(TBM_SETPOS, TRUE, value, "position " + std::to_string(value));
     }
 }
 
-TEST_F(SliderTwin, AnswersRangesAlike) {
+TEST_F(SliderComparison, AnswersRangesAlike) {
     for (const int minimum : kNumbers) {
         for (const int maximum : kNumbers) {
             if (minimum > maximum) continue;
@@ -229,7 +229,7 @@ TEST_F(SliderTwin, AnswersRangesAlike) {
     ExpectSame(TBM_SETPAGESIZE, 0, 12, "page again");
 }
 
-TEST_F(SliderTwin, SurvivesARangeUpsideDown) {
+TEST_F(SliderComparison, SurvivesARangeUpsideDown) {
     SendMessageW(window_, TBM_SETRANGE, TRUE, MAKELPARAM(100, 0));
     for (const WPARAM key : {VK_UP, VK_DOWN}) Key(window_, key);
     Press(window_, 3, 5);

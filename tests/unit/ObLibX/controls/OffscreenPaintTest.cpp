@@ -16,7 +16,7 @@ protected:
     }
 };
 
-TEST_F(OffscreenPaintTest, ShowsNothingBeforeItIsTold) {
+TEST_F(OffscreenPaintTest, ShowsNothingBeforeShowIsCalled) {
     const auto window = WindowOf(20, 10);
     const ClientDc dc(window.Get());
     FillArea(dc.Get(), {0, 0, 20, 10}, 0x010203);

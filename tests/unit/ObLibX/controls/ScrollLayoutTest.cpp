@@ -47,7 +47,7 @@ TEST(ScrollBarLayout, HasArrowsAtItsEndsAndTheTrackBetween) {
     EXPECT_EQ((PixelRect{0, 57, 17, 217}), bar.pageAfter);
 }
 
-TEST(ScrollBarLayout, LiesOnItsSideWhenItIsHorizontal) {
+TEST(ScrollBarLayout, HasItsPartsSideBySideWhenItIsHorizontal) {
     const ScrollLayout bar = Bar(kHorizontal, {234, 17}, {0, 99, 20}, 80);
     EXPECT_EQ((PixelRect{0, 0, 17, 17}), bar.upArrow);
     EXPECT_EQ((PixelRect{217, 0, 234, 17}), bar.downArrow);

@@ -67,7 +67,7 @@ protected:
     }
 };
 
-TEST_F(ShareFaults, EndAsTheTableSays) {
+TEST_F(ShareFaults, EndAsTheTableLists) {
     const ObLib::Secret password("a password");
     for (const bool hasLabels : {true, false}) {
         for (const FaultRow& row : kRows) {

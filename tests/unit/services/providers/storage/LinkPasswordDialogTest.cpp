@@ -90,7 +90,7 @@ TEST_F(LinkPassword, IsCopiedAndKeptOutOfTheHistory) {
     EXPECT_EQ(ClipboardText(), L"");
 }
 
-TEST_F(LinkPassword, IsCopiedFromItsFieldAsByTheButton) {
+TEST_F(LinkPassword, IsCopiedWholeAndMarkedByCtrlCInItsField) {
     EXPECT_TRUE(Show([](HWND dialog) {
         const HWND field = GetDlgItem(dialog, OB_LINK_PASSWORD_TEXT);
         SendMessageW(field, EM_SETSEL, 0, 1);

@@ -93,7 +93,7 @@ public:
     std::function<providers::DeletionEnd(Key, const std::wstring& path, HANDLE ended)> removePart;
     std::function<providers::PickResult(Key)> pick;
 
-    std::vector<std::wstring> calls; // of the thread of the dialogs, as "Manage(key)"
+    std::vector<std::wstring> calls; // calls on the dialogs' thread, written as "Manage(key)"
     HWND lastOwner = nullptr;
 
 private:

@@ -195,7 +195,7 @@ TEST_F(DavPickerTest, FindsRowsByTyping) {
     });
 }
 
-TEST_F(DavPickerTest, SaysThatAFolderIsEmptyAlsoWhenAllIsHidden) {
+TEST_F(DavPickerTest, ReportsAnEmptyFolderAlsoWhenAllIsHidden) {
     Show([&](PickerUser user) {
         EXPECT_TRUE(user.Sees(root_));
         user.DoubleClick(0);

@@ -27,7 +27,7 @@ std::vector<DavError> EveryError() {
     return errors;
 }
 
-TEST(DavSentenceTest, TellsWhatHappenedAndWhatToDo) {
+TEST(DavSentenceTest, StatesWhatHappenedAndWhatToDo) {
     for (const DavError& error : EveryError()) {
         const std::wstring sentence = DavSentence(error, kServer);
         if (IsHttp(error, HttpFault::Cancelled)) {

@@ -105,7 +105,7 @@ constexpr FaultRow kRows[] = {
 class DavUploadFaults : public DavUploadAccount {};
 INSTANTIATE_TEST_SUITE_P(Servers, DavUploadFaults, testing::Values("apache", "sabre"));
 
-TEST_P(DavUploadFaults, EndAsTheTableSays) {
+TEST_P(DavUploadFaults, EndAsTheTableLists) {
     for (const FaultRow& row : kRows) {
         const std::string what = std::string(row.method) + " " + row.action;
         relay_.Begin(GetParam());

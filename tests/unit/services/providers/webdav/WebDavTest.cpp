@@ -249,7 +249,7 @@ TEST_F(WebDavTest, ALoginExplainsAnAddressThatIsTooLongToBeKept) {
 }
 
 // What policies refuse is refused before a request.
-TEST_F(WebDavTest, ALoginSaysWhatAPolicyRefuses) {
+TEST_F(WebDavTest, ALoginReportsWhatAPolicyRefuses) {
     const struct {
         const wchar_t* address;
         const wchar_t* sentence;
@@ -423,7 +423,7 @@ TEST_F(WebDavTest, AShareWhoseReplyIsLostIsNotMadeTwice) {
     EXPECT_EQ(Download(shared.link, shared.password), content_);
 }
 
-TEST_F(WebDavTest, SaysWhyTheServerMakesNoLink) {
+TEST_F(WebDavTest, ReportsWhyTheServerMakesNoLink) {
     Use("ocs");
     const StorageAccount account = AddAccount(L"");
     const UploadResult uploaded = Upload(account.key);
