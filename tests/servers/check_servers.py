@@ -102,8 +102,10 @@ class CloudServersTest(unittest.TestCase):
 
     def test_what_the_relay_drips_ends_by_itself_or_when_it_is_released(self):
         self.control("begin apache")
+        self.control("on GET 0 1 dripchunks 3")
         self.control("on GET 0 2 drip 3")
         self.control("on GET 0 1 driphead 3")
+        self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET"), (200, b"xxx"))
         self.assertEqual(ask(self.urls["OB_RELAY_URL"], "GET"), (200, b"xxx"))
         with socket.create_connection(("127.0.0.1", urlsplit(self.urls["OB_RELAY_URL"]).port), LIMIT) as late:
             late.sendall(b"GET /dav/ HTTP/1.1\r\n\r\n")

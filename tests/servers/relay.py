@@ -34,8 +34,9 @@ A connection to the control port carries one command in a line and gets lines ba
                     has in this folder, without room for zeros: for files of gigabytes
     sink            201, the body is read and forgotten
     drip N          200 at once, then a body of N bytes, one every DRIP seconds; the body of the request is read
+    dripchunks N    the same with a chunk for each byte
     driphead N      the same for a head: a header of N bytes in it comes in that way; the body is empty
-                    Both count as kept until they end: after N bytes, with the client, or at "release". Their
+                    All count as kept until they end: after N bytes, with the client, or at "release". Their
                     request has the status 200 only after N bytes
 """
 import contextlib
@@ -143,11 +144,11 @@ class Script:
         with self.kept() as run:
             self.keep(run)
 
-    def drip(self, connection, data):
-        """Sends byte by byte, unless it is released meanwhile; whether all of it was sent."""
+    def drip(self, connection, pieces):
+        """Sends piece by piece, unless it is released meanwhile; whether all of them were sent."""
         with self.kept() as run:
-            for at in range(len(data)):
-                connection.sendall(data[at:at + 1])
+            for piece in pieces:
+                connection.sendall(piece)
                 if self.keep(run, DRIP):
                     return False
         return True
@@ -287,13 +288,16 @@ class Relay(socketserver.BaseRequestHandler):
             script.put_off(requests, head.data() + self.body(head))
             self.request.sendall(made_reply(argument))
             return
-        if action in ("drip", "driphead"):
+        if action in ("drip", "dripchunks", "driphead"):
             came = pass_body(head, self.request, None, head.length())
-            slow = b"x" * int(argument)
+            slow = [b"x"] * int(argument)
             quick = f"HTTP/1.1 200 Made\r\nContent-Length: {len(slow)}\r\n\r\n".encode()
-            if action == "driphead":
+            if action == "dripchunks":
+                quick = b"HTTP/1.1 200 Made\r\nTransfer-Encoding: chunked\r\n\r\n"
+                slow = [b"1\r\nx\r\n"] * len(slow) + [b"0\r\n\r\n"]
+            elif action == "driphead":
                 quick = b"HTTP/1.1 200 Made\r\nContent-Length: 0\r\nX-Slow: "
-                slow += b"\r\n\r\n"
+                slow += [b"\r\n\r\n"]
             self.request.sendall(quick)
             if script.drip(self.request, slow):
                 script.change(number, f"{method} {path} {came} 200")

@@ -1,9 +1,11 @@
 #include "services/providers/http/HttpSession.h"
 
 #include <gtest/gtest.h>
+#include <winhttp.h>
 
 #include <thread>
 
+#include "tests/support/ImportPatch.h"
 #include "tests/support/TestFolder.h"
 #include "tests/unit/services/providers/http/HttpFixture.h"
 
@@ -142,6 +144,28 @@ TEST_F(HttpSessionTest, EndsABodyThatDripsForTooLong) {
     EXPECT_TRUE(EndedWhileItDripped());
     EXPECT_EQ(404, Outcome(Send(Request("GET", ServerUrl(L"RELAY_URL", "none"), &login_))))
         << "the session serves on";
+}
+
+decltype(&WinHttpReadData) realReadData = nullptr;
+
+// Returns at once, as the client is documented to.
+BOOL WINAPI ReadOnAnotherThread(HINTERNET request, void* buffer, DWORD size, DWORD* read) {
+    std::thread([=] { realReadData(request, buffer, size, read); }).detach();
+    return TRUE;
+}
+
+TEST_F(HttpSessionTest, EndsABodyWhoseChunksDripForTooLong) {
+    const obtest::ImportPatch<decltype(WinHttpReadData)> patch("winhttp.dll", "WinHttpReadData",
+                                                               &ReadOnAnotherThread);
+    ASSERT_TRUE(patch.Ok());
+    realReadData = patch.Real();
+    std::puts("HttpSessionTest: after each chunk this system's client blocks its caller until the "
+              "next one begins; the test reads on another thread");
+    HttpRequest get = Request("GET", url_, &login_);
+    get.times = HttpTimes{kLate, kLate, kLate, kSoon};
+    relay_.On("GET", "dripchunks 2000");
+    EXPECT_EQ(Outcome(HttpFault::TimedOut), Outcome(Send(get)));
+    EXPECT_TRUE(EndedWhileItDripped());
 }
 
 // The request has a body: without one this system's client waits for the reply in the step before.
