@@ -174,6 +174,11 @@ LRESULT CALLBACK ObFlatEdit::FrameProcedure(HWND frame, UINT message, WPARAM wPa
     case WM_PAINT:
         static_cast<void>(ObLib::RanGuarded([&] { edit->PaintFrame(); }));
         return 0;
+    case WM_PRINTCLIENT:
+        static_cast<void>(ObLib::RanGuarded([&] {
+            if (edit->window != nullptr) edit->DrawFrame(reinterpret_cast<HDC>(wParam));
+        }));
+        return 0;
     case WM_NCDESTROY:
         edit->frameWindow = nullptr;
         RemoveWindowSubclass(frame, &ObFlatEdit::FrameProcedure, id);

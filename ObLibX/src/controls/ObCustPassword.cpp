@@ -234,7 +234,10 @@ ObLib::ObString ObFlatPassword::AccessibleName() { return ObLib::ObString(kNameT
 
 LONG ObFlatPassword::AccessibleRole() { return ROLE_SYSTEM_PUSHBUTTON; }
 
-LONG ObFlatPassword::AccessibleState() { return IsHidden(window) ? 0 : STATE_SYSTEM_PRESSED; }
+LONG ObFlatPassword::AccessibleState() {
+    if (window == nullptr || !IsWindowEnabled(window)) return STATE_SYSTEM_UNAVAILABLE;
+    return IsHidden(window) ? 0 : STATE_SYSTEM_PRESSED;
+}
 
 void ObFlatPassword::DoAccessibleAction() {
     if (window == nullptr || !IsWindowEnabled(window)) return;

@@ -3,6 +3,7 @@
 
 #include <commctrl.h>
 
+#include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/TextMeasure.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLibX/controls/EditFixture.h"
@@ -105,6 +106,14 @@ TEST_F(ObFlatEditTest, HasTheFrameOfAnEdit) {
     EXPECT_EQ(kRing, PixelOf(Frame(1001), frame.Width() - 2, frame.Height() / 2));
     EXPECT_EQ(kRing, PixelOf(Frame(1001), frame.Width() / 2, 1));
     EXPECT_EQ(kRing, PixelOf(Frame(1001), frame.Width() / 2, frame.Height() - 1));
+}
+
+TEST_F(ObFlatEditTest, HasItsFrameInAPictureOfItToo) {
+    const ClientDc screen(Frame(1001));
+    const OffscreenPaint picture(Frame(1001), screen.Get());
+    SendMessageW(Frame(1001), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(picture.Dc()), PRF_CLIENT);
+    EXPECT_EQ(kRing, GetPixel(picture.Dc(), 1, 4));
+    EXPECT_EQ(kWhite, GetPixel(picture.Dc(), 3, 4));
 }
 
 TEST_F(ObFlatEditTest, LooksLikeALabelWhenItIsReadOnly) {

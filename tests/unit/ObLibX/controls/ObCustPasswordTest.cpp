@@ -387,6 +387,7 @@ TEST_F(PasswordAccessibleTest, IsPressedWhileTheTextIsShown) {
 TEST_F(PasswordAccessibleTest, IsInvisibleAndIdleWhileTheFieldIsDisabled) {
     EnableWindow(Item(1003), FALSE);
     EXPECT_NE(0, State() & STATE_SYSTEM_INVISIBLE);
+    EXPECT_NE(0, State() & STATE_SYSTEM_UNAVAILABLE);
     EXPECT_EQ(S_OK, eye_->accDoDefaultAction(Self()));
     EXPECT_FALSE(Password().reveal);
 }
