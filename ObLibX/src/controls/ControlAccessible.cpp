@@ -9,8 +9,9 @@
 
 namespace ObLibX {
 
-// Answers for name, role, state and action; the rest is what the system's own object for the window
-// answers. Called on the window's thread: the system passes calls of other processes on to it.
+// Answers for name, role, state, value, description and action; the rest is what the system's own
+// object for the window answers. Called on the window's thread: the system passes calls of other
+// processes on to it.
 struct AccessibleObject final : IAccessible {
     AccessibleObject(AccessibleSource& control, ObLib::ComPtr<IAccessible> standard)
         : source_(&control), standard_(std::move(standard)) {}
@@ -69,13 +70,21 @@ struct AccessibleObject final : IAccessible {
     }
     HRESULT STDMETHODCALLTYPE accDoDefaultAction(VARIANT child) override {
         return Answered(child, [&] {
+            if (!source_->HasAccessibleAction()) return DISP_E_MEMBERNOTFOUND;
             source_->DoAccessibleAction();
             return S_OK;
         });
     }
+    HRESULT STDMETHODCALLTYPE get_accValue(VARIANT child, BSTR* value) override {
+        return Answered(child, [&] { return Text(source_->AccessibleValue(), value); });
+    }
+    HRESULT STDMETHODCALLTYPE get_accDescription(VARIANT child, BSTR* text) override {
+        return Answered(child, [&] { return Text(source_->AccessibleDescription(), text); });
+    }
     // Where the system has no word for it, the name describes what it does.
     HRESULT STDMETHODCALLTYPE get_accDefaultAction(VARIANT child, BSTR* action) override {
         return Answered(child, [&] {
+            if (!source_->HasAccessibleAction()) return None(action);
             const HRESULT result = standard_->get_accDefaultAction(child, action);
             return result == S_OK && *action != nullptr ? S_OK : get_accName(child, action);
         });
@@ -92,10 +101,6 @@ struct AccessibleObject final : IAccessible {
     HRESULT STDMETHODCALLTYPE get_accChild(VARIANT, IDispatch** child) override {
         *child = nullptr;
         return S_FALSE;
-    }
-    HRESULT STDMETHODCALLTYPE get_accValue(VARIANT, BSTR* value) override { return None(value); }
-    HRESULT STDMETHODCALLTYPE get_accDescription(VARIANT, BSTR* text) override {
-        return None(text);
     }
     HRESULT STDMETHODCALLTYPE get_accHelp(VARIANT, BSTR* help) override { return None(help); }
     HRESULT STDMETHODCALLTYPE get_accHelpTopic(BSTR* file, VARIANT, LONG*) override {
@@ -140,6 +145,11 @@ private:
         result->vt = VT_I4;
         result->lVal = value;
         return S_OK;
+    }
+    static HRESULT Text(const ObLib::ObString& value, BSTR* text) {
+        if (!value.HasText()) return None(text);
+        *text = SysAllocString(value.CStr());
+        return *text != nullptr ? S_OK : E_OUTOFMEMORY;
     }
     static HRESULT None(BSTR* text) {
         *text = nullptr;

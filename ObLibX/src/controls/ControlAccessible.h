@@ -14,6 +14,11 @@ public:
     virtual LONG AccessibleRole() = 0;  // ROLE_SYSTEM_...
     virtual LONG AccessibleState() = 0; // STATE_SYSTEM_..., besides what any window has
     virtual void DoAccessibleAction() = 0;
+    // False: there is nothing that a click on the whole control does.
+    virtual bool HasAccessibleAction() { return true; }
+    // Empty: none.
+    virtual ObLib::ObString AccessibleValue() { return {}; }
+    virtual ObLib::ObString AccessibleDescription() { return {}; }
 
 protected:
     ~AccessibleSource() = default;

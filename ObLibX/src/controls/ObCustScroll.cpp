@@ -1,13 +1,16 @@
 #include "ObLibX/src/controls/ObCustScroll.h"
 
 #include <commctrl.h>
+#include <oleacc.h>
 #include <windowsx.h>
 
 #include <algorithm>
 #include <cwchar>
+#include <string>
 
 #include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLibX/src/controls/LabelBefore.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/ScrollRepeat.h"
 
@@ -87,6 +90,7 @@ LRESULT CALLBACK ObFlatScrollbar::BarProcedure(HWND window, UINT message, WPARAM
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(window, &ObFlatScrollbar::BarProcedure, id);
         bar->EndInput();
+        bar->accessible_.End();
         return DefSubclassProc(window, message, wParam, lParam);
     }
     return ObLib::Guarded(LRESULT{0}, [&] { return bar->WindowProc(message, wParam, lParam); });
@@ -310,6 +314,22 @@ void ObFlatScrollbar::ForgetDrag() {
     lastReported_.reset();
 }
 
+// ---- Screen readers
+
+ObLib::ObString ObFlatScrollbar::AccessibleName() { return LabelBefore(window); }
+
+LONG ObFlatScrollbar::AccessibleRole() { return ROLE_SYSTEM_SCROLLBAR; }
+
+ObLib::ObString ObFlatScrollbar::AccessibleValue() {
+    return ObLib::ObString(std::to_wstring(TrackPosition()).c_str());
+}
+
+ObLib::ObString ObFlatScrollbar::AccessibleDescription() {
+    const std::wstring range =
+        std::to_wstring(range_.minimum) + L" - " + std::to_wstring(range_.maximum);
+    return ObLib::ObString(range.c_str());
+}
+
 // ---- State
 
 void ObFlatScrollbar::LimitState() {
@@ -322,6 +342,7 @@ void ObFlatScrollbar::LimitState() {
 }
 
 void ObFlatScrollbar::AfterChange(bool redraw) {
+    NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, window, OBJID_CLIENT, CHILDID_SELF);
     LimitState();
     ComputeLayout();
     if (redraw) Refresh();
@@ -334,6 +355,7 @@ void ObFlatScrollbar::SetPosition(std::int32_t value, bool redraw) {
 
 void ObFlatScrollbar::MoveTo(std::int32_t position) {
     position_ = position;
+    NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, window, OBJID_CLIENT, CHILDID_SELF);
     ComputeLayout();
     PaintNow(false);
 }

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLibX/src/controls/ControlAccessible.h"
 #include "ObLibX/src/controls/ScrollLayout.h"
 #include "ObLibX/src/dialog/ObCustCtrl.h"
 
@@ -20,7 +21,7 @@ namespace ObLibX {
 // typed is only reported.
 //
 // The window gets the system's thickness of scroll bars, from its right or bottom edge.
-class ObFlatScrollbar : public ObCustomControl {
+class ObFlatScrollbar : public ObCustomControl, private AccessibleSource {
 public:
     ObFlatScrollbar(std::int32_t id, ScrollOrientation orientation);
 
@@ -84,6 +85,8 @@ protected:
     virtual ScrollLayout LaidOut(PixelPoint size);
     // The window's place in its parent for the place that it has.
     virtual PixelRect Placed(const PixelRect& place);
+    // For screen readers: ROLE_SYSTEM_ of a scroll bar.
+    LONG AccessibleRole() override;
     // A new range was set.
     virtual void OnRangeSet() {}
     // Brings range, page and position into what the system's bars allow.
@@ -146,6 +149,15 @@ private:
     bool isDownArrowOn_ = true;
     ObLib::UniqueBitmap arrowImages_[4]; // up or left, the same disabled, down or right, disabled
     PixelPoint lastMouse_;
+    ControlAccessible accessible_;
+
+    // AccessibleSource: the label before the bar, its position, and from where to where it goes.
+    ObLib::ObString AccessibleName() override;
+    LONG AccessibleState() override { return 0; }
+    ObLib::ObString AccessibleValue() override;
+    ObLib::ObString AccessibleDescription() override;
+    bool HasAccessibleAction() override { return false; }
+    void DoAccessibleAction() override {}
 };
 
 } // namespace ObLibX

@@ -63,6 +63,10 @@ struct ObFlatScrollbar::Answers {
         TheScrollRepeat().OnTick(bar.window);
         return 0;
     }
+    static LRESULT GetObject(Bar& bar, const Message& m) {
+        const LRESULT result = bar.accessible_.OnGetObject(bar.window, m.wParam, m.lParam, bar);
+        return result != 0 ? result : Default(bar, m);
+    }
     static LRESULT SetPos(Bar& bar, const Message& m) {
         const std::int32_t before = bar.position_;
         bar.SetPosition(m.First(), m.lParam != FALSE);
@@ -154,6 +158,7 @@ constexpr ObFlatScrollbar::Answers::Row ObFlatScrollbar::Answers::kRows[] = {
     {WM_KEYDOWN,
      [](Bar& bar,
         const Message& m) -> LRESULT { return bar.OnKeyDown(m.wParam) ? 0 : Default(bar, m); }},
+    {WM_GETOBJECT, &GetObject},
     {SBM_SETPOS, &SetPos},
     {SBM_GETPOS, [](Bar& bar, const Message&) -> LRESULT { return bar.position_; }},
     {SBM_SETRANGE, &SetBarRange},

@@ -1,6 +1,7 @@
 // How the flat scroll bar is painted.
 #include <algorithm>
 
+#include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/FittingImage.h"
 #include "ObLibX/src/controls/ObCustScroll.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
@@ -25,10 +26,6 @@ constexpr ControlImage kArrows[][4] = {{ControlImage::LeftArrow, ControlImage::L
                                         ControlImage::RightArrow, ControlImage::RightArrowDisabled},
                                        {ControlImage::UpArrow, ControlImage::UpArrowDisabled,
                                         ControlImage::DownArrow, ControlImage::DownArrowDisabled}};
-
-PixelRect Inset(const PixelRect& rect, int by) {
-    return {rect.left + by, rect.top + by, rect.right - by, rect.bottom - by};
-}
 
 // Short lines across the middle of the thumb.
 void PaintGrip(HDC dc, const PixelRect& thumb, bool isVertical, COLORREF color) {
@@ -82,8 +79,7 @@ COLORREF ObFlatScrollbar::StateFrame(ScrollPart part) const {
 }
 
 bool ObFlatScrollbar::ShowsFocus() const {
-    if (GetFocus() != window) return false;
-    return !useUIState || (SendMessageW(window, WM_QUERYUISTATE, 0, 0) & UISF_HIDEFOCUS) == 0;
+    return GetFocus() == window && (HiddenCues(*this) & UISF_HIDEFOCUS) == 0;
 }
 
 void ObFlatScrollbar::PaintParts(HDC dc, const PixelRect& area) {

@@ -1,5 +1,7 @@
 #include "ObLibX/src/controls/ObCustSlider.h"
 
+#include <oleacc.h>
+
 #include <algorithm>
 
 #include "ObLibX/src/controls/OffscreenPaint.h"
@@ -55,6 +57,8 @@ ScrollLayout ObFlatSlider::LaidOut(PixelPoint size) {
 }
 
 void ObFlatSlider::ComputeFocusRectangle() { focusRectangle = ClientArea(window); }
+
+LONG ObFlatSlider::AccessibleRole() { return ROLE_SYSTEM_SLIDER; }
 
 void ObFlatSlider::OnRangeSet() { ChangePage(SliderPage(Range())); }
 

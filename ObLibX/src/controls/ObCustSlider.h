@@ -21,6 +21,7 @@ public:
 protected:
     ScrollLayout LaidOut(PixelPoint size) override;
     PixelRect Placed(const PixelRect& place) override;
+    LONG AccessibleRole() override;
     void OnRangeSet() override;
     void LimitState() override;
     void OnPartPressed(ScrollPart part) override;

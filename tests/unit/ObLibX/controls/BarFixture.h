@@ -6,11 +6,13 @@
 
 #include <commctrl.h>
 #include <gtest/gtest.h>
+#include <oleacc.h>
 
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
@@ -79,6 +81,37 @@ private:
     ObLib::UniqueBitmap bitmap_;
     HGDIOBJ old_ = nullptr;
 };
+
+// What a screen reader gets to know about a window.
+struct Accessible {
+    std::wstring name;
+    std::wstring value;
+    std::wstring description;
+    std::wstring action;
+    LONG role = 0;
+};
+
+inline Accessible AccessibleOf(HWND window) {
+    ObLib::ComPtr<IAccessible> object;
+    if (AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
+                                   reinterpret_cast<void**>(object.Put())) != S_OK) {
+        return {};
+    }
+    VARIANT self{};
+    self.vt = VT_I4;
+    VARIANT role{};
+    object->get_accRole(self, &role);
+    const auto text = [&](HRESULT (STDMETHODCALLTYPE IAccessible::*get)(VARIANT, BSTR*)) {
+        BSTR found = nullptr;
+        (object.Get()->*get)(self, &found);
+        const std::wstring copy = found != nullptr ? found : L"";
+        SysFreeString(found);
+        return copy;
+    };
+    return {text(&IAccessible::get_accName), text(&IAccessible::get_accValue),
+            text(&IAccessible::get_accDescription), text(&IAccessible::get_accDefaultAction),
+            role.lVal};
+}
 
 class BarTest : public testing::Test {
 protected:

@@ -791,4 +791,20 @@ TEST_F(ScrollBarPainting, SurvivesNoSizeAndNoPictures) {
     DestroyWindow(window);
 }
 
+class ScrollBarAccessible : public ScrollBarTest {};
+
+TEST_F(ScrollBarAccessible, HasTheNameOfTheLabelBeforeAndAValueWithItsRange) {
+    const HWND label = Child(L"Static", 0, {10, 10, 90, 20});
+    SetWindowTextW(label, L"&Lines:");
+    SetWindowPos(label, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    const auto seen = obtest::AccessibleOf(window_);
+    EXPECT_EQ(LONG{ROLE_SYSTEM_SCROLLBAR}, seen.role);
+    EXPECT_EQ(L"Lines:", seen.name);
+    EXPECT_EQ(L"40", seen.value);
+    EXPECT_EQ(L"0 - 99", seen.description);
+    EXPECT_EQ(L"", seen.action);
+    SetInfo(SIF_POS, 0, 0, 0, 12);
+    EXPECT_EQ(L"12", obtest::AccessibleOf(window_).value);
+}
+
 } // namespace

@@ -306,4 +306,15 @@ TEST_F(SliderPainting, HasTheSystemsColoursInHighContrast) {
         << "no accent frame for the focus";
 }
 
+class SliderAccessible : public SliderTest {};
+
+TEST_F(SliderAccessible, IsASliderWithItsValueAndRange) {
+    const auto seen = obtest::AccessibleOf(window_);
+    EXPECT_EQ(LONG{ROLE_SYSTEM_SLIDER}, seen.role);
+    EXPECT_EQ(L"50", seen.value);
+    EXPECT_EQ(L"0 - 100", seen.description);
+    Key(window_, VK_RIGHT);
+    EXPECT_EQ(L"60", obtest::AccessibleOf(window_).value);
+}
+
 } // namespace
