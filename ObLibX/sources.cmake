@@ -54,6 +54,7 @@ endforeach()
 set(OBX_CONTROL_DATA_SOURCES "")
 foreach(name
         ButtonLayout
+        ComboLayout
         ControlImages
         ControlKinds
         EditLayout
@@ -61,6 +62,7 @@ foreach(name
         ListColumns
         ProgressLayout
         ScrollLayout
+        SpinLayout
         SwitchLayout
         TextFit)
     list(APPEND OBX_CONTROL_DATA_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/controls/${name}.cpp")

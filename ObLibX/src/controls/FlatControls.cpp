@@ -9,10 +9,13 @@
 #include "ObLibX/src/controls/ControlKinds.h"
 #include "ObLibX/src/controls/DefaultButton.h"
 #include "ObLibX/src/controls/ObCustBtn.h"
+#include "ObLibX/src/controls/ObCustCombo.h"
+#include "ObLibX/src/controls/ObCustDate.h"
 #include "ObLibX/src/controls/ObCustEdit.h"
 #include "ObLibX/src/controls/ObCustPassword.h"
 #include "ObLibX/src/controls/ObCustProgress.h"
 #include "ObLibX/src/controls/ObCustSlider.h"
+#include "ObLibX/src/controls/ObCustSpin.h"
 #include "ObLibX/src/controls/ObCustStatic.h"
 #include "ObLibX/src/controls/ObCustSwitch.h"
 #include "ObLibX/src/controls/ObCustToggle.h"
@@ -107,6 +110,11 @@ constexpr KindRow kKinds[] = {
     {ControlKind::HorizontalSlider, &MakeBar<ObFlatSlider, ScrollOrientation::Horizontal>},
     {ControlKind::VerticalSlider, &MakeBar<ObFlatSlider, ScrollOrientation::Vertical>},
     {ControlKind::ProgressBar, &MakePlain<ObFlatProgressBar>},
+    {ControlKind::ComboBoxSimple, &MakePlain<ObFlatComboBoxSimple>},
+    {ControlKind::ComboBoxDropdown, &MakePlain<ObFlatComboBoxDropdown>},
+    {ControlKind::ComboBoxDropdownList, &MakePlain<ObFlatComboBoxDropdownList>},
+    {ControlKind::SpinControl, &MakePlain<ObFlatSpinCtrl>},
+    {ControlKind::DatePicker, &MakePlain<ObFlatDatePicker>},
     {ControlKind::Button, &MakePlain<ObFlatBtn>},
     {ControlKind::BlueButton, &MakePlain<ObFlatBlueBtn>},
     {ControlKind::SettingsButton, &MakePlain<ObFlatSettingsBtn>},

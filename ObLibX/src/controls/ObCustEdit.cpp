@@ -94,6 +94,8 @@ LRESULT CALLBACK ObFlatEdit::Procedure(HWND window, UINT message, WPARAM wParam,
     auto* const edit = reinterpret_cast<ObFlatEdit*>(object);
     if (message == WM_NCDESTROY) {
         RemovePropW(window, kEditProperty);
+        if (edit->spinControl != nullptr) edit->spinControl->OnEditGone();
+        edit->spinControl = nullptr;
         RemoveWindowSubclass(window, &ObFlatEdit::Procedure, id);
         return DefSubclassProc(window, message, wParam, lParam);
     }

@@ -20,6 +20,8 @@ public:
     // The frame was moved, or has another size.
     virtual void FollowEdit(HWND frameWindow, std::int32_t frameWidth) = 0;
     virtual void OnEditShown(bool isShown) = 0;
+    // The edit's window goes first: its object is not to be used any more.
+    virtual void OnEditGone() = 0;
 
 protected:
     ~EditFollower() = default;

@@ -210,11 +210,20 @@ public:
         frameWidth = width;
     }
     void OnEditShown(bool isShown) override { shown.push_back(isShown); }
+    void OnEditGone() override { isGone = true; }
 
     std::vector<HWND> frames;
     std::int32_t frameWidth = 0;
     std::vector<bool> shown;
+    bool isGone = false;
 };
+
+TEST_F(ObFlatEditTest, TakesLeaveOfItsSpinControl) {
+    RecordingFollower spin;
+    Edit(1001).spinControl = &spin;
+    DestroyWindow(Item(1001));
+    EXPECT_TRUE(spin.isGone);
+}
 
 TEST_F(ObFlatEditTest, ReportsMovesToItsSpinControl) {
     RecordingFollower spin;
