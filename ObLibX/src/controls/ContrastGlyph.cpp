@@ -17,6 +17,12 @@ namespace {
 
 constexpr COLORREF kOuterCircle = 0xC0C0C0;
 
+// Thinner than a box's frame, so that a radio that is off has room inside.
+std::int32_t CircleLine(std::int32_t width) {
+    constexpr std::int32_t kShare = 16; // of the width
+    return std::max(1, width / kShare);
+}
+
 Gdiplus::Color Opaque(COLORREF color) {
     return {255, GetRValue(color), GetGValue(color), GetBValue(color)};
 }
@@ -57,7 +63,7 @@ void DrawContrastCheck(HDC dc, const PixelRect& box, CheckState state, COLORREF 
 
 // Each circle is a filled one that leaves a line of the one before.
 void DrawContrastRadio(HDC dc, const PixelRect& box, bool isOn, const RadioColors& colors) {
-    const std::int32_t line = ContrastLine(box.Width());
+    const std::int32_t line = CircleLine(box.Width());
     FillCircle(dc, box, kOuterCircle);
     FillCircle(dc, Inset(box, line), colors.line);
     FillCircle(dc, Inset(box, 2 * line), isOn ? colors.line : colors.ground);

@@ -238,7 +238,7 @@ TEST_F(FlatToggleInContrast, ADisabledBoxIsPaler) {
 }
 
 TEST_F(FlatToggleInContrast, ARadioIsTwoCirclesAndAFilledOne) {
-    const int line = std::max(2, box_ >= 32 ? box_ / 16 : 2);
+    const int line = std::max(1, box_ / 16);
     const int middle = box_ / 2;
     EXPECT_EQ(Face(), At(kOne, 0, 0));
     EXPECT_EQ(0xC0C0C0u, At(kOne, 0, middle));
