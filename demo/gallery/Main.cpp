@@ -24,7 +24,8 @@ bool ShowPages(const wchar_t* name) {
 } // namespace
 
 int WINAPI wWinMain(HINSTANCE program, HINSTANCE, wchar_t* page, int) {
-    INITCOMMONCONTROLSEX classes{sizeof classes, ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS};
+    INITCOMMONCONTROLSEX classes{sizeof classes, ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS |
+                                                     ICC_UPDOWN_CLASS | ICC_DATE_CLASSES};
     InitCommonControlsEx(&classes);
     ObLib::AppGlobals().SetModule(program, L"", L"");
     gallery::RegisterScrolledPanel(program);

@@ -2,6 +2,7 @@
 
 #include "demo/gallery/BarsPage.h"
 #include "demo/gallery/ButtonsPage.h"
+#include "demo/gallery/ChoicesPage.h"
 #include "demo/gallery/StockPage.h"
 #include "demo/gallery/TextsPage.h"
 #include "demo/gallery/TogglesPage.h"
@@ -15,7 +16,8 @@ std::unique_ptr<ObLibX::ObXDlg> Make() {
 }
 
 constexpr PageRow kPages[] = {
-    {L"stock", &Make<StockPage>},     {L"texts", &Make<TextsPage>},     {L"bars", &Make<BarsPage>},
+    {L"stock", &Make<StockPage>},     {L"texts", &Make<TextsPage>},
+    {L"bars", &Make<BarsPage>},       {L"choices", &Make<ChoicesPage>},
     {L"buttons", &Make<ButtonsPage>}, {L"toggles", &Make<TogglesPage>},
 };
 
