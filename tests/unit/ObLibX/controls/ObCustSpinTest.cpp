@@ -110,9 +110,9 @@ TEST_F(SpinPlace, StaysWhereItIsWithoutAnEdit) {
 }
 
 // A stock one gets what the flat one gets.
-class SpinTwin : public SpinTest {};
+class SpinComparison : public SpinTest {};
 
-TEST_F(SpinTwin, CountsAndAnswersAlike) {
+TEST_F(SpinComparison, CountsAndAnswersAlike) {
     AttachBoth();
     const HWND other = Child(L"Edit", ES_NUMBER, {100, 150, 200, 180});
     const HWND stock = Child(UPDOWN_CLASSW, UDS_SETBUDDYINT | UDS_ARROWKEYS, {200, 150, 218, 180});
