@@ -302,6 +302,7 @@ void ObFlatScrollbar::Drag(PixelPoint point) {
 // The parent may ask for the track position while it is called.
 void ObFlatScrollbar::EndDrag() {
     const std::int32_t value = TrackPosition();
+    OnDragEnding(value);
     Notify(SB_THUMBPOSITION, value);
     ForgetDrag();
     OnThumbReleased(value);

@@ -93,6 +93,8 @@ protected:
     virtual void LimitState();
     // A press outside the thumb.
     virtual void OnPartPressed(ScrollPart part);
+    // A drag ends with this value; the parent is told next.
+    virtual void OnDragEnding(std::int32_t) {}
     // Draws all parts into `dc`, whose size is that of the client area.
     virtual void PaintParts(HDC dc, const PixelRect& area);
 
@@ -102,6 +104,8 @@ protected:
     void RepeatPress();
     // Moves the thumb and shows it.
     void MoveTo(std::int32_t position);
+    // No drag any more; nobody is told.
+    void ForgetDrag();
     // These only store.
     void ChangePosition(std::int32_t position) { position_ = position; }
     void ChangePage(std::int32_t page) { range_.page = page; }
@@ -126,7 +130,6 @@ private:
     void BeginDrag(PixelPoint point);
     void Drag(PixelPoint point);
     void EndDrag();
-    void ForgetDrag();
     void TakeCapture();
     void DropCapture();
     void AfterChange(bool redraw);

@@ -69,7 +69,13 @@ void ObFlatSlider::OnSetFocus() {
     PaintNow(false);
 }
 
-void ObFlatSlider::OnThumbReleased(std::int32_t value) { MoveTo(MovedWithin(Range(), value, 0)); }
+// Before the parent is told, so that a position which the parent then sets remains.
+void ObFlatSlider::OnDragEnding(std::int32_t value) {
+    ForgetDrag();
+    ChangePosition(MovedWithin(Range(), value, 0));
+}
+
+void ObFlatSlider::OnThumbReleased(std::int32_t) { MoveTo(Position()); }
 
 // A page towards the press.
 void ObFlatSlider::OnPartPressed(ScrollPart part) {

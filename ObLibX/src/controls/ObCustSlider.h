@@ -25,6 +25,7 @@ protected:
     void OnRangeSet() override;
     void LimitState() override;
     void OnPartPressed(ScrollPart part) override;
+    void OnDragEnding(std::int32_t value) override;
     void PaintParts(HDC dc, const PixelRect& area) override;
 
 private:

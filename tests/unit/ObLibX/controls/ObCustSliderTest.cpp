@@ -175,6 +175,27 @@ TEST_F(SliderDrag, EndsBelowTheMaximumUnlessTheItemDataAllowsIt) {
     EXPECT_EQ(100, Position());
 }
 
+// A parent that accepts only some values, or none but the one from before.
+TEST_F(SliderDrag, KeepsWhatTheParentSetsAtItsEnd) {
+    std::int32_t given = 0;
+    std::int32_t answered = 0;
+    onScrolled_ = [&](const Scrolled& sent) {
+        if (sent.code != SB_THUMBPOSITION) return;
+        given = static_cast<std::int32_t>(SendMessageW(window_, SBM_GETPOS, 0, 0));
+        SendMessageW(window_, TBM_SETPOS, TRUE, 50);
+        answered = Position();
+    };
+    Press(window_, ThumbX(), 5);
+    Move(window_, ThumbX() - 50, 5);
+    const std::int32_t tracked = scrolled_.back().value;
+    LetGo(window_, ThumbX(), 5);
+    EXPECT_NE(50, tracked);
+    EXPECT_EQ(tracked, given) << "the position is the dragged one when the parent is called";
+    EXPECT_EQ(50, answered) << "within the notification";
+    EXPECT_EQ(50, Position()) << "after it";
+    EXPECT_EQ(100, slider_.Layout().thumbOffset);
+}
+
 TEST_F(SliderDrag, BeginsAtTheThumbOnly) {
     Press(window_, ThumbX() + Scale(10), 5);
     EXPECT_FALSE(slider_.IsDragging());
