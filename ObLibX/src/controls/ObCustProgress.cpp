@@ -22,6 +22,10 @@ struct StateColor {
 // Every other state has the accent colour.
 constexpr StateColor kStateColors[] = {{PBST_ERROR, 0x2626DA}, {PBST_PAUSED, 0x26CBDA}};
 
+// What changes the picture.
+constexpr UINT kRepainted[] = {PBM_SETPOS,     PBM_DELTAPOS, PBM_STEPIT,     PBM_SETRANGE,
+                               PBM_SETRANGE32, PBM_SETSTATE, PBM_SETBARCOLOR};
+
 // One for all progress bars.
 HBRUSH WhiteBrush() { return static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)); }
 
@@ -46,7 +50,10 @@ LRESULT CALLBACK ObFlatProgressBar::Procedure(HWND window, UINT message, WPARAM 
     } else if (ObLib::Guarded(true, [&] { return bar->OnMessage(message, wParam); })) {
         return message == WM_ERASEBKGND ? TRUE : 0;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    // A themed stock bar invalidates itself only in the ticks of its timer, which end here.
+    if (std::ranges::find(kRepainted, message) != std::end(kRepainted)) bar->Refresh();
+    return result;
 }
 
 bool ObFlatProgressBar::OnMessage(UINT message, WPARAM wParam) {

@@ -141,6 +141,27 @@ TEST_F(ProgressPainting, HasAColourByItsState) {
     EXPECT_EQ((Range{2, 130}), Filled(kAccentColor));
 }
 
+// The stock bar may repaint by a timer of its own, whose ticks it doesn't get.
+TEST_F(ProgressPainting, IsRepaintedAfterEachMessageThatChangesIt) {
+    const struct {
+        UINT message;
+        WPARAM wParam;
+        LPARAM lParam;
+    } rows[] = {{PBM_SETPOS, 40, 0},     {PBM_DELTAPOS, 3, 0},
+                {PBM_STEPIT, 0, 0},      {PBM_SETRANGE, 0, MAKELPARAM(0, 90)},
+                {PBM_SETRANGE32, 0, 80}, {PBM_SETSTATE, PBST_ERROR, 0},
+                {PBM_SETBARCOLOR, 0, 1}};
+    for (const auto& row : rows) {
+        RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+        ASSERT_FALSE(GetUpdateRect(window_, nullptr, FALSE));
+        Send(row.message, row.wParam, row.lParam);
+        EXPECT_TRUE(GetUpdateRect(window_, nullptr, FALSE)) << row.message;
+    }
+    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    Send(PBM_GETPOS);
+    EXPECT_FALSE(GetUpdateRect(window_, nullptr, FALSE));
+}
+
 TEST_F(ProgressPainting, PrefersABarColourToTheStates) {
     RememberStates();
     Send(PBM_SETPOS, 50);
