@@ -192,6 +192,14 @@ void ObFlatScrollbar::TakeCapture() {
     if (GetCapture() != window) SetCapture(window);
 }
 
+// The system sends a window with the capture no moves over windows of other threads, unless a
+// button is down.
+void ObFlatScrollbar::AskForLeave() {
+    if (isLeaveAsked_ || isMouseDown_) return;
+    TRACKMOUSEEVENT leave{sizeof leave, TME_LEAVE, window, 0};
+    isLeaveAsked_ = TrackMouseEvent(&leave) != FALSE;
+}
+
 void ObFlatScrollbar::DropCapture() {
     hasCapture_ = false;
     if (GetCapture() == window) ReleaseCapture();
@@ -203,6 +211,7 @@ void ObFlatScrollbar::OnMouseMove(int x, int y) {
     lastMouse_ = {x, y};
     if (isMouseDown_ || ClientArea(window).Contains(lastMouse_)) {
         TakeCapture();
+        AskForLeave();
     } else {
         DropCapture();
     }
@@ -254,6 +263,7 @@ void ObFlatScrollbar::OnLeftButtonUp(int x, int y) {
 }
 
 void ObFlatScrollbar::OnMouseLeave() {
+    isLeaveAsked_ = false;
     if (isMouseDown_) return;
     DropCapture();
     PaintNow(false);

@@ -132,6 +132,7 @@ private:
     void EndDrag();
     void TakeCapture();
     void DropCapture();
+    void AskForLeave();
     void AfterChange(bool redraw);
     [[nodiscard]] ScrollPart HotPart() const;
     [[nodiscard]] std::int32_t AlongBar(PixelPoint point) const;
@@ -142,8 +143,9 @@ private:
     std::int32_t position_ = 0;
     ScrollRange range_;
     ScrollLayout layout_;
-    bool isMouseDown_ = false; // a button went down on the bar
-    bool hasCapture_ = false;  // the mouse is on the bar, or went down on it
+    bool isMouseDown_ = false;  // a button went down on the bar
+    bool hasCapture_ = false;   // the mouse is on the bar, or went down on it
+    bool isLeaveAsked_ = false; // WM_MOUSELEAVE comes when the mouse leaves
     bool isDragging_ = false;
     std::int32_t dragStart_ = -1;      // of the mouse, along the bar
     std::int32_t dragThumbStart_ = -1; // of the thumb

@@ -28,6 +28,12 @@ BOOL WINAPI RecordKill(HWND, UINT_PTR) {
     return TRUE;
 }
 
+std::vector<TRACKMOUSEEVENT> leavesAsked;
+BOOL WINAPI RecordTracking(TRACKMOUSEEVENT* event) {
+    leavesAsked.push_back(*event);
+    return TRUE;
+}
+
 POINT fakeCursor{}; // on the screen
 BOOL WINAPI FakeCursor(POINT* point) {
     *point = fakeCursor;
@@ -426,6 +432,30 @@ TEST_F(ScrollBarHover, TakesTheMouseAndReleasesItOutside) {
     Move(window_, Middle(), 5);
     SendMessageW(window_, WM_MOUSELEAVE, 0, 0);
     EXPECT_EQ(nullptr, GetCapture());
+}
+
+// With the capture alone the system sends no moves over windows of other threads.
+TEST_F(ScrollBarHover, AsksOnceToHearOfTheMouseLeaving) {
+    leavesAsked.clear();
+    const obtest::ImportPatch<decltype(&TrackMouseEvent)> track("user32.dll", "TrackMouseEvent",
+                                                                &RecordTracking);
+    ASSERT_TRUE(track.Ok());
+    Move(window_, Middle(), 5);
+    Move(window_, Middle(), 6);
+    ASSERT_EQ(1u, leavesAsked.size());
+    EXPECT_EQ(DWORD{TME_LEAVE}, leavesAsked[0].dwFlags);
+    EXPECT_EQ(window_, leavesAsked[0].hwndTrack);
+    SendMessageW(window_, WM_MOUSELEAVE, 0, 0);
+    Move(window_, Middle(), 5);
+    EXPECT_EQ(2u, leavesAsked.size()) << "again after it left";
+    Press(window_, Middle(), Track(90));
+    SendMessageW(window_, WM_MOUSELEAVE, 0, 0);
+    Move(window_, -50, Track(95));
+    EXPECT_EQ(2u, leavesAsked.size()) << "not while a button is down";
+    EXPECT_TRUE(bar_.IsDragging());
+    LetGo(window_, Middle(), Track(90));
+    Move(window_, Middle(), Track(91));
+    EXPECT_EQ(3u, leavesAsked.size());
 }
 
 TEST_F(ScrollBarHover, KeepsTheMouseWhileTheButtonIsDown) {
