@@ -58,8 +58,14 @@ struct ObFlatScrollbar::Answers {
         bar.Refresh();
         return 0;
     }
+    static LRESULT ShowOrHide(Bar& bar, const Message& m) {
+        if (m.wParam == FALSE) bar.EndInput();
+        return Default(bar, m);
+    }
+    // A bar isn't told that a window around it was hidden.
     static LRESULT Timer(Bar& bar, const Message& m) {
         if (m.wParam != kScrollRepeatTimer) return Default(bar, m);
+        if (!IsWindowVisible(bar.window)) bar.EndInput();
         TheScrollRepeat().OnTick(bar.window);
         return 0;
     }
@@ -132,6 +138,7 @@ constexpr ObFlatScrollbar::Answers::Row ObFlatScrollbar::Answers::kRows[] = {
      }},
     {WM_SIZE, &Size},
     {WM_ENABLE, &Enable},
+    {WM_SHOWWINDOW, &ShowOrHide},
     {WM_SETTEXT, &DefaultAndRefresh},
     {WM_UPDATEUISTATE, &DefaultAndRefresh},
     {WM_SETFOCUS, [](Bar& bar, const Message&) -> LRESULT { return bar.Refresh(), 0; }},

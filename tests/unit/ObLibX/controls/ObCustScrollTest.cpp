@@ -273,6 +273,26 @@ TEST_F(ScrollBarRepeat, EndsWithTheCaptureAndTheFocus) {
     EXPECT_EQ(2, timersKilled);
 }
 
+TEST_F(ScrollBarRepeat, EndsWhenTheBarIsHidden) {
+    Press(window_, Middle(), 1);
+    ShowWindow(window_, SW_HIDE);
+    EXPECT_FALSE(TheScrollRepeat().IsRunning(window_));
+    EXPECT_EQ(nullptr, GetCapture());
+    ShowWindow(window_, SW_SHOW);
+    Press(window_, Middle(), Track(90));
+    EXPECT_TRUE(bar_.IsDragging());
+    ShowWindow(window_, SW_HIDE);
+    EXPECT_FALSE(bar_.IsDragging());
+}
+
+TEST_F(ScrollBarRepeat, EndsWithTheNextTickWhenTheParentIsHidden) {
+    Press(window_, Middle(), 1);
+    ShowWindow(parent_.Get(), SW_HIDE);
+    Tick();
+    EXPECT_FALSE(TheScrollRepeat().IsRunning(window_));
+    EXPECT_EQ(nullptr, GetCapture());
+}
+
 TEST_F(ScrollBarRepeat, DropsAPressThatWasPostedBeforeItEnded) {
     PutCursor(Middle(), 1);
     Press(window_, Middle(), 1);
