@@ -90,6 +90,7 @@ LRESULT CALLBACK ObFlatScrollbar::BarProcedure(HWND window, UINT message, WPARAM
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(window, &ObFlatScrollbar::BarProcedure, id);
         bar->EndInput();
+        TheScrollRepeat().Forget(window);
         bar->accessible_.End();
         return DefSubclassProc(window, message, wParam, lParam);
     }

@@ -16,6 +16,11 @@ void ScrollRepeat::Stop(HWND bar) {
     bar_ = nullptr;
 }
 
+void ScrollRepeat::Forget(HWND bar) {
+    Stop(bar);
+    if (postedTo_ == bar) postedTo_ = nullptr;
+}
+
 // One press at a time, so that a slow parent isn't flooded.
 void ScrollRepeat::OnTick(HWND bar) {
     if (!IsRunning(bar)) return;

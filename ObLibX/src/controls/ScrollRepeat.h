@@ -12,7 +12,7 @@ inline constexpr UINT kScrollRepeatPeriod = 200; // milliseconds
 inline constexpr int kScrollRepeatDelay = 4;
 
 // One for the process, as only one bar repeats at a time: on the thread of the dialogs. The bar
-// stops it at button up, when it loses the capture or the focus, and at WM_NCDESTROY.
+// stops it at button up, when it loses the capture or the focus, and forgets it at WM_NCDESTROY.
 class ScrollRepeat {
 public:
     // Nothing while it runs for this bar already, so that the presses which it posts don't start
@@ -20,6 +20,8 @@ public:
     void Start(HWND bar);
     // Nothing while it runs for another bar, or not at all.
     void Stop(HWND bar);
+    // Stops, and doesn't wait for a posted press any more: at WM_NCDESTROY.
+    void Forget(HWND bar);
     [[nodiscard]] bool IsRunning(HWND bar) const { return bar_ == bar && bar != nullptr; }
 
     // For the bar's WM_TIMER of this id: posts a press at the cursor, once the delay is over.

@@ -293,6 +293,15 @@ TEST_F(ScrollBarRepeat, EndsWithTheNextTickWhenTheParentIsHidden) {
     EXPECT_EQ(nullptr, GetCapture());
 }
 
+// The system may give the same handle to a later window.
+TEST_F(ScrollBarRepeat, ForgetsAPressThatWasPostedToADestroyedBar) {
+    PutCursor(Middle(), 1);
+    Press(window_, Middle(), 1);
+    for (int tick = 0; tick < 4; ++tick) Tick();
+    DestroyWindow(window_);
+    EXPECT_FALSE(TheScrollRepeat().TakePosted(window_));
+}
+
 TEST_F(ScrollBarRepeat, DropsAPressThatWasPostedBeforeItEnded) {
     PutCursor(Middle(), 1);
     Press(window_, Middle(), 1);
