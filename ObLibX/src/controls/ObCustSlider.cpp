@@ -62,6 +62,10 @@ LONG ObFlatSlider::AccessibleRole() { return ROLE_SYSTEM_SLIDER; }
 
 void ObFlatSlider::OnRangeSet() { ChangePage(SliderPage(Range())); }
 
+void ObFlatSlider::SetPageSize(std::int32_t value) {
+    ObFlatScrollbar::SetPageSize(value < 0 ? SliderPage(Range()) : value);
+}
+
 void ObFlatSlider::LimitState() { ChangePosition(MovedWithin(Range(), Position(), 0)); }
 
 void ObFlatSlider::OnSetFocus() {

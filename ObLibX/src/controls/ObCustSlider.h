@@ -17,6 +17,8 @@ public:
     void OnThumbReleased(std::int32_t value) override;
     bool OnKeyDown(WPARAM key) override;
     void OnSetFocus() override;
+    // A value below zero is the page that follows the range.
+    void SetPageSize(std::int32_t value) override;
 
 protected:
     ScrollLayout LaidOut(PixelPoint size) override;

@@ -106,6 +106,17 @@ TEST_F(SliderPress, MovesNothingWhereAFifthOfTheRangeIsNothing) {
     EXPECT_EQ(2, Position());
 }
 
+TEST_F(SliderPress, NeverMovesAwayFromThePress) {
+    for (const int page : {-1, -7, INT_MIN}) {
+        SendMessageW(window_, TBM_SETPAGESIZE, 0, page);
+        EXPECT_EQ(20, slider_.Range().page) << page;
+        const std::int32_t before = Position();
+        Press(window_, 1, 5);
+        LetGo(window_, 1, 5);
+        EXPECT_LE(Position(), before) << page;
+    }
+}
+
 class SliderKeys : public SliderTest {};
 
 TEST_F(SliderKeys, MoveByATenthAndReportTheirCodes) {
@@ -248,6 +259,9 @@ TEST_F(SliderComparison, AnswersRangesAlike) {
     ExpectSame(TBM_SETRANGE, TRUE, MAKELPARAM(-7, 30000), "both at once");
     ExpectSame(TBM_SETPAGESIZE, 0, 11, "page");
     ExpectSame(TBM_SETPAGESIZE, 0, 12, "page again");
+    ExpectSame(TBM_SETPAGESIZE, 0, 0, "no page");
+    ExpectSame(TBM_SETPAGESIZE, 0, -1, "the page of the range");
+    ExpectSame(TBM_SETPAGESIZE, 0, 5, "after the page of the range");
 }
 
 TEST_F(SliderComparison, SurvivesARangeUpsideDown) {
