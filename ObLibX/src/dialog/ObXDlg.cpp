@@ -159,7 +159,10 @@ bool ObXDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
     return OnCommandId(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam));
 }
 
+// A page's tooltip window has the window around the pages as its owner, and would stay there.
 bool ObXDlg::OnDestroy() {
+    if (IsWindow(tooltipWindow_)) DestroyWindow(tooltipWindow_);
+    tooltipWindow_ = nullptr;
     window = nullptr;
     return false;
 }

@@ -451,6 +451,19 @@ TEST_F(ObXDlgTest, ShowsTooltipsOfItsWindows) {
     EXPECT_FALSE(IsWindow(tips));
 }
 
+// The system gives them the window that the page is on as their owner, and that stays.
+TEST_F(ObXDlgTest, TakesItsTooltipsAlongWhenItIsAPage) {
+    RecordingDialog sheet(OB_TEST_PLAIN);
+    sheet.Open();
+    RecordingDialog page(OB_TEST_PAGE);
+    page.Create(sheet.window);
+    page.AddTooltip(page.GetItem(1001, true), L"Tip");
+    const HWND tips = FindWindowExW(nullptr, nullptr, L"tooltips_class32", nullptr);
+    ASSERT_EQ(sheet.window, GetWindow(tips, GW_OWNER));
+    DestroyWindow(page.window);
+    EXPECT_FALSE(IsWindow(tips));
+}
+
 TEST_F(ObXDlgTest, HasTooltipsWhenItIsOpenedAgain) {
     RecordingDialog dialog(OB_TEST_PLAIN);
     for (int opening = 0; opening < 2; ++opening) {
