@@ -45,6 +45,7 @@ ObFlatEdit::ObFlatEdit(std::int32_t controlId, const ObLib::ObString& cue)
 // Windows that outlive their object go on as stock ones.
 ObFlatEdit::~ObFlatEdit() {
     RemoveSubclass(window, &ObFlatEdit::Procedure, this);
+    if (window != nullptr) RemovePropW(window, kEditProperty);
     RemoveSubclass(frameWindow, &ObFlatEdit::FrameProcedure, this);
 }
 
@@ -79,8 +80,9 @@ EditMeasures ObFlatEdit::Measures() const {
 void ObFlatEdit::MakeFrame() {
     HelperTraits traits;
     traits.className = L"static";
-    // It must not paint over the edit, which is above it.
-    traits.style = WS_DISABLED | WS_CLIPSIBLINGS;
+    // It must not paint over the edit, which is above it. As a group of its own it ends the last
+    // one of the template: arrow keys stay there.
+    traits.style = WS_DISABLED | WS_CLIPSIBLINGS | WS_GROUP;
     if (!hideFrame && IsShown()) traits.style |= WS_VISIBLE;
     traits.property = kEditFrameProperty;
     frameWindow = MakeHelperWindow(GetParent(window), frameRectangle, traits);
@@ -96,6 +98,7 @@ LRESULT CALLBACK ObFlatEdit::Procedure(HWND window, UINT message, WPARAM wParam,
         RemovePropW(window, kEditProperty);
         if (edit->spinControl != nullptr) edit->spinControl->OnEditGone();
         edit->spinControl = nullptr;
+        if (edit->frameWindow != nullptr) DestroyWindow(edit->frameWindow);
         RemoveWindowSubclass(window, &ObFlatEdit::Procedure, id);
         return DefSubclassProc(window, message, wParam, lParam);
     }
@@ -152,9 +155,11 @@ void ObFlatEdit::OnFontChanged() {
     Refresh();
 }
 
+// An edit fills what is beside its text at WM_ERASEBKGND only.
 void ObFlatEdit::Refresh() {
-    ObCustomControl::Refresh();
-    if (window != nullptr && frameWindow != nullptr) InvalidateRect(frameWindow, nullptr, FALSE);
+    if (window == nullptr) return;
+    InvalidateRect(window, nullptr, TRUE);
+    if (frameWindow != nullptr) InvalidateRect(frameWindow, nullptr, FALSE);
 }
 
 HBRUSH ObFlatEdit::OnCtlColor(HDC dc, HWND control) {

@@ -46,7 +46,7 @@ public:
 
     PixelRect frameRectangle; // these two in the coordinates of the parent
     PixelRect editRectangle;
-    HWND frameWindow = nullptr; // a child of the edit's parent, which destroys it
+    HWND frameWindow = nullptr; // a child of the edit's parent; destroyed with the edit
     ObLib::ObString cueText;
     bool hideFrame = false;              // before Attach
     std::int32_t frameWidth = 2;         // pixels at every scale; before Attach

@@ -33,6 +33,7 @@ ObFlatPassword::ObFlatPassword(std::int32_t controlId, const ObLib::ObString& cu
 // Windows that outlive their object go on as stock ones.
 ObFlatPassword::~ObFlatPassword() {
     RemoveSubclass(window, &ObFlatPassword::Procedure, this);
+    if (window != nullptr) RemovePropW(window, kPasswordProperty);
     RemoveSubclass(eyeButton, &ObFlatPassword::EyeProcedure, this);
 }
 
@@ -53,7 +54,9 @@ void ObFlatPassword::MakeEye() {
     HelperTraits traits;
     traits.className = L"button";
     traits.title = title;
-    traits.style = IsShown() && IsWindowEnabled(window) ? WS_VISIBLE : 0;
+    // As a group of its own it is out of the reach of arrow keys, too.
+    traits.style = WS_GROUP;
+    if (IsShown() && IsWindowEnabled(window)) traits.style |= WS_VISIBLE;
     traits.extendedStyle = WS_EX_TRANSPARENT;
     traits.property = kEditEyeProperty;
     eyeButton = MakeHelperWindow(parent, EyeIn(frameRectangle, frameWidth, EyeWidth()), traits);
@@ -69,11 +72,20 @@ LRESULT CALLBACK ObFlatPassword::Procedure(HWND window, UINT message, WPARAM wPa
     auto* const password = reinterpret_cast<ObFlatPassword*>(object);
     if (message == WM_NCDESTROY) {
         RemovePropW(window, kPasswordProperty);
+        password->DestroyHelpers();
         RemoveWindowSubclass(window, &ObFlatPassword::Procedure, id);
     } else if (message == WM_KEYDOWN || message == WM_SYSKEYDOWN) {
         static_cast<void>(ObLib::RanGuarded([&] { password->OnKeyDown(wParam, lParam); }));
     }
     return DefSubclassProc(window, message, wParam, lParam);
+}
+
+// The system destroys neither with the edit: on a page the tooltip's owner is the window around the
+// pages.
+void ObFlatPassword::DestroyHelpers() {
+    if (IsWindow(tooltipWindow)) DestroyWindow(tooltipWindow);
+    tooltipWindow = nullptr;
+    if (eyeButton != nullptr) DestroyWindow(eyeButton);
 }
 
 // Keys that repeat don't count, or the text would flicker.

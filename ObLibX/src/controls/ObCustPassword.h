@@ -6,8 +6,8 @@
 
 namespace ObLibX {
 
-// The eye is a button at the right end of the frame, which no Tab reaches: Alt+F8 does the same in
-// the edit.
+// The eye is a button at the right end of the frame, which neither Tab nor arrow keys reach: Alt+F8
+// does the same in the edit.
 class ObFlatPassword : public ObFlatEdit, private AccessibleSource {
 public:
     // As ObFlatEdit.
@@ -23,8 +23,8 @@ public:
     // Shows or hides the text; the edit's parent then has the focus, so that no caret is in it.
     void Toggle();
 
-    HWND tooltipWindow = nullptr; // owned by the dialog
-    HWND eyeButton = nullptr;     // a child of the edit's parent, which destroys it
+    HWND tooltipWindow = nullptr; // destroyed with the edit
+    HWND eyeButton = nullptr;     // a child of the edit's parent; destroyed with the edit
     bool reveal = false;          // the text is shown
     bool focusAfterPaint = false; // the edit gets the focus when the eye has been painted
 
@@ -41,6 +41,7 @@ private:
     bool OnEyeMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
     void OnKeyDown(WPARAM key, LPARAM flags);
     void MakeEye();
+    void DestroyHelpers();
     void AddEyeTip();
     void PaintEye();
     void DrawEye(HDC dc);

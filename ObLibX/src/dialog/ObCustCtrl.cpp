@@ -36,7 +36,11 @@ ObCustomControl::ObCustomControl(std::int32_t controlId, const std::int32_t* ima
     : id(controlId), images(imageList), hoverColor(GetPaletteColor(kPaletteHover)), fontName(name),
       fontSize(size) {}
 
-ObCustomControl::~ObCustomControl() = default;
+// A window that outlives its object goes on as a stock one.
+ObCustomControl::~ObCustomControl() {
+    if (window == nullptr) return;
+    RemoveWindowSubclass(window, &ObCustomControl::Procedure, reinterpret_cast<UINT_PTR>(this));
+}
 
 void ObCustomControl::Attach(HWND attached) {
     window = attached;

@@ -151,6 +151,31 @@ TEST_F(ObFlatEditTest, IsFilledAsItsFrame) {
     ReleaseDC(Item(1006), dc);
 }
 
+struct Invalidation {
+    HWND window;
+    BOOL erase;
+};
+
+std::vector<Invalidation> invalidations;
+
+BOOL WINAPI RecordInvalidateRect(HWND window, const RECT* rect, BOOL erase) {
+    invalidations.push_back({window, erase});
+    return ValidateRect(window, rect);
+}
+
+// The edit fills what is beside its text only when it is erased.
+TEST_F(ObFlatEditTest, IsErasedForAnotherColour) {
+    const obtest::ImportPatch<decltype(&InvalidateRect)> patch("user32.dll", "InvalidateRect",
+                                                               &RecordInvalidateRect);
+    ASSERT_TRUE(patch.Ok());
+    invalidations.clear();
+    Edit(1006).SetFillColor(0x00FF00);
+    ASSERT_EQ(2u, invalidations.size());
+    EXPECT_EQ(Item(1006), invalidations[0].window);
+    EXPECT_TRUE(invalidations[0].erase);
+    EXPECT_EQ(Frame(1006), invalidations[1].window);
+}
+
 TEST_F(ObFlatEditTest, MovesItsFrameAlong) {
     const std::int32_t least = Edit(1001).minimumHeight;
     SetWindowPos(Item(1001), nullptr, 30, 100, 80, 12, SWP_NOZORDER);

@@ -108,6 +108,56 @@ TEST_F(ObFlatPasswordTest, HasAnEyeThatTabDoesNotReach) {
     }
 }
 
+// From the last window of the template, whose group the eyes would belong to.
+TEST_F(ObFlatPasswordTest, HasAnEyeThatArrowKeysDoNotReach) {
+    for (const BOOL isBack : {FALSE, TRUE}) {
+        HWND next = Item(1010);
+        for (int step = 0; step < 20; ++step) {
+            next = GetNextDlgGroupItem(dialog_->window, next, isBack);
+            EXPECT_NE(0, GetDlgCtrlID(next)) << step;
+        }
+    }
+}
+
+TEST_F(ObFlatPasswordTest, TakesItsOtherWindowsWithIt) {
+    const HWND others[] = {Eye(), Password().frameWindow, Password().tooltipWindow};
+    DestroyWindow(Item(1003));
+    for (const HWND other : others) EXPECT_FALSE(IsWindow(other));
+    EXPECT_EQ(nullptr, Password().eyeButton);
+    EXPECT_EQ(nullptr, Password().frameWindow);
+    EXPECT_EQ(nullptr, Password().tooltipWindow);
+}
+
+TEST_F(ObFlatPasswordTest, LeavesAStockEditToAWindowThatOutlivesIt) {
+    const HWND edit = CreateWindowExW(0, L"edit", L"secret", WS_CHILD | WS_VISIBLE | ES_PASSWORD,
+                                      10, 10, 200, 24, dialog_->window, nullptr, nullptr, nullptr);
+    const LONG_PTR stock = GetWindowLongPtrW(edit, GWLP_WNDPROC);
+    {
+        ObFlatPassword password(78);
+        password.Attach(edit);
+        EXPECT_NE(stock, GetWindowLongPtrW(edit, GWLP_WNDPROC));
+    }
+    EXPECT_EQ(stock, GetWindowLongPtrW(edit, GWLP_WNDPROC));
+    EXPECT_EQ(nullptr, GetPropW(edit, L"PROP_EDIT_OBJECT"));
+    EXPECT_EQ(nullptr, GetPropW(edit, L"PROP_PASSWORD_OBJECT"));
+    DestroyWindow(edit);
+}
+
+// The owner of the tooltips is the window that the parent is on, which stays.
+TEST_F(ObFlatPasswordTest, LeavesNoTooltipsOfAPageThatIsClosed) {
+    const HWND page = CreateWindowExW(0, L"static", L"", WS_CHILD | WS_VISIBLE, 0, 0, 300, 100,
+                                      dialog_->window, nullptr, nullptr, nullptr);
+    const HWND edit = CreateWindowExW(0, L"edit", L"secret", WS_CHILD | WS_VISIBLE | ES_PASSWORD,
+                                      10, 10, 200, 24, page, nullptr, nullptr, nullptr);
+    ObFlatPassword password(78);
+    password.Attach(edit);
+    const HWND tips = password.tooltipWindow;
+    ASSERT_TRUE(IsWindow(tips));
+    EXPECT_EQ(dialog_->window, GetWindow(tips, GW_OWNER));
+    DestroyWindow(page);
+    EXPECT_FALSE(IsWindow(tips));
+}
+
 TEST_F(ObFlatPasswordTest, CountsTheEyesOfEachParent) {
     EXPECT_EQ(L"Eyeball 1", TextOfWindow(Eye(1003)));
     EXPECT_EQ(L"Eyeball 2", TextOfWindow(Eye(1007)));
