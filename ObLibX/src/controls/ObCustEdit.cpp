@@ -83,7 +83,8 @@ void ObFlatEdit::MakeFrame() {
     // It must not paint over the edit, which is above it. As a group of its own it ends the last
     // one of the template: arrow keys stay there.
     traits.style = WS_DISABLED | WS_CLIPSIBLINGS | WS_GROUP;
-    if (!hideFrame && IsShown()) traits.style |= WS_VISIBLE;
+    wasShown_ = IsShown();
+    if (!hideFrame && wasShown_) traits.style |= WS_VISIBLE;
     traits.property = kEditFrameProperty;
     frameWindow = MakeHelperWindow(GetParent(window), frameRectangle, traits);
     if (frameWindow == nullptr) return;
@@ -104,12 +105,12 @@ LRESULT CALLBACK ObFlatEdit::Procedure(HWND window, UINT message, WPARAM wParam,
     }
     const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
     static_cast<void>(ObLib::RanGuarded([&] {
-        if (edit->window != nullptr) edit->OnHandled(message, wParam);
+        if (edit->window != nullptr) edit->OnHandled(message, wParam, lParam);
     }));
     return result;
 }
 
-void ObFlatEdit::OnHandled(UINT message, WPARAM wParam) {
+void ObFlatEdit::OnHandled(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_MOVE:
     case WM_SIZE:
@@ -118,11 +119,21 @@ void ObFlatEdit::OnHandled(UINT message, WPARAM wParam) {
     case WM_SHOWWINDOW:
         OnShow(wParam != FALSE);
         break;
+    case WM_WINDOWPOSCHANGED:
+        OnPosChanged(*reinterpret_cast<const WINDOWPOS*>(lParam));
+        break;
     case EM_SETREADONLY:
     case WM_ENABLE:
         Refresh();
         break;
     }
+}
+
+// SetWindowPos shows and hides without WM_SHOWWINDOW; ShowWindow does it by both messages.
+void ObFlatEdit::OnPosChanged(const WINDOWPOS& pos) {
+    if ((pos.flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW)) == 0) return;
+    const bool isShown = (pos.flags & SWP_SHOWWINDOW) != 0;
+    if (isShown != wasShown_) OnShow(isShown);
 }
 
 bool ObFlatEdit::IsShown() const { return HasStyle(window, WS_VISIBLE); }
@@ -138,6 +149,7 @@ void ObFlatEdit::OnLayoutChanged() {
 }
 
 void ObFlatEdit::OnShow(bool isShown) {
+    wasShown_ = isShown;
     if (frameWindow != nullptr) {
         ShowWindow(frameWindow, isShown && !hideFrame ? SW_SHOWNA : SW_HIDE);
     }

@@ -41,7 +41,7 @@ public:
     // The edit was moved or resized: what is around it follows.
     void OnLayoutChanged() override;
     void Refresh() override;
-    // The edit is about to be shown or hidden.
+    // The edit is about to be shown or hidden, or was by SetWindowPos.
     virtual void OnShow(bool isShown);
 
     PixelRect frameRectangle; // these two in the coordinates of the parent
@@ -62,7 +62,7 @@ protected:
     // Where the eye is now, in the coordinates of the parent; empty when there is none to be seen.
     virtual PixelRect EyeArea() const { return {}; }
     // A message has been handled by the edit.
-    virtual void OnHandled(UINT message, WPARAM wParam);
+    virtual void OnHandled(UINT message, WPARAM wParam, LPARAM lParam);
     // Paints an area as the edit itself is painted.
     void FillAsEdit(HDC dc, const RECT& area) const;
     [[nodiscard]] bool IsShown() const; // by its own style, whether the dialog is visible or not
@@ -74,12 +74,14 @@ private:
                                            UINT_PTR id, DWORD_PTR object);
     [[nodiscard]] EditMeasures Measures() const;
     [[nodiscard]] COLORREF RingColor() const;
+    void OnPosChanged(const WINDOWPOS& pos);
     void Place();
     void MakeFrame();
     void PaintFrame();
     void DrawFrame(HDC dc);
 
     std::int32_t eyeWidth_ = 0; // pixels; 0 without an eye
+    bool wasShown_ = false;     // what OnShow was called with last
 };
 
 } // namespace ObLibX

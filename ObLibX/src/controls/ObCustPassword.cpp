@@ -38,6 +38,8 @@ ObFlatPassword::~ObFlatPassword() {
 }
 
 void ObFlatPassword::Attach(HWND attached) {
+    reveal = false; // a field that is opened again hides its text again
+    focusAfterPaint = false;
     ObFlatEdit::Attach(attached);
     MakeEye();
     tooltipWindow = MakeTooltipWindow(GetParent(window));
@@ -96,8 +98,8 @@ void ObFlatPassword::OnKeyDown(WPARAM key, LPARAM flags) {
     FocusAtEnd();
 }
 
-void ObFlatPassword::OnHandled(UINT message, WPARAM wParam) {
-    ObFlatEdit::OnHandled(message, wParam);
+void ObFlatPassword::OnHandled(UINT message, WPARAM wParam, LPARAM lParam) {
+    ObFlatEdit::OnHandled(message, wParam, lParam);
     if (message == WM_ENABLE) OnShow(IsShown());
     if (message == EM_SETPASSWORDCHAR) RepaintEye();
 }
@@ -122,7 +124,7 @@ void ObFlatPassword::OnShow(bool isShown) {
 }
 
 void ObFlatPassword::Toggle() {
-    reveal = !reveal;
+    reveal = IsHidden(window); // the style counts, whoever has changed it
     SetFocus(window);
     SendMessageW(window, EM_SETPASSWORDCHAR, reveal ? 0 : kPasswordCharacter, 0);
     SetWindowPos(window, nullptr, 0, 0, 0, 0,
@@ -130,6 +132,15 @@ void ObFlatPassword::Toggle() {
     InvalidateRect(window, nullptr, TRUE);
     RepaintEye();
     SetFocus(GetParent(window));
+    ReportState();
+}
+
+// To screen readers: the eye is pressed or isn't, the text of the edit is protected or isn't.
+void ObFlatPassword::ReportState() const {
+    for (const HWND changed : {eyeButton, window}) {
+        if (changed == nullptr) continue;
+        NotifyWinEvent(EVENT_OBJECT_STATECHANGE, changed, OBJID_CLIENT, CHILDID_SELF);
+    }
 }
 
 void ObFlatPassword::FocusAtEnd() {
@@ -175,6 +186,11 @@ bool ObFlatPassword::OnEyeMessage(UINT message, WPARAM wParam, LPARAM lParam, LR
         focusAfterPaint = true;
         RepaintEye();
         return true;
+    case WM_SETTEXT: // a button paints itself; this only keeps the text
+        result = DefWindowProcW(eyeButton, message, wParam, lParam);
+        RepaintEye();
+        return true;
+    case BM_SETCHECK:
     case BM_SETSTATE:
     case BM_SETSTYLE:
     case WM_ENABLE:

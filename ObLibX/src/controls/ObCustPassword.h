@@ -31,7 +31,7 @@ public:
 protected:
     bool HasEye() const override { return true; }
     PixelRect EyeArea() const override;
-    void OnHandled(UINT message, WPARAM wParam) override;
+    void OnHandled(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
@@ -46,6 +46,7 @@ private:
     void PaintEye();
     void DrawEye(HDC dc);
     void RepaintEye();
+    void ReportState() const;
     void FocusAtEnd();
 
     // AccessibleSource

@@ -16,6 +16,21 @@ using namespace fieldtest;
 constexpr COLORREF kRing = 0xDFDFDF;
 constexpr COLORREF kWhite = 0xFFFFFF;
 
+class RecordingFollower : public EditFollower {
+public:
+    void FollowEdit(HWND frame, std::int32_t width) override {
+        frames.push_back(frame);
+        frameWidth = width;
+    }
+    void OnEditShown(bool isShown) override { shown.push_back(isShown); }
+    void OnEditGone() override { isGone = true; }
+
+    std::vector<HWND> frames;
+    std::int32_t frameWidth = 0;
+    std::vector<bool> shown;
+    bool isGone = false;
+};
+
 class ObFlatEditTest : public FieldsTest {
 protected:
     void SetUp() override {
@@ -199,6 +214,18 @@ TEST_F(ObFlatEditTest, ShowsAndHidesItsFrame) {
     EXPECT_FALSE(IsWindowVisible(Frame(1001)));
 }
 
+TEST_F(ObFlatEditTest, ShowsAndHidesItsFrameByPosition) {
+    constexpr UINT kInPlace = SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE;
+    RecordingFollower spin;
+    Edit(1001).spinControl = &spin;
+    SetWindowPos(Item(1001), nullptr, 0, 0, 0, 0, kInPlace | SWP_HIDEWINDOW);
+    EXPECT_FALSE(IsWindowVisible(Frame(1001)));
+    SetWindowPos(Item(1001), nullptr, 0, 0, 0, 0, kInPlace | SWP_SHOWWINDOW);
+    EXPECT_TRUE(IsWindowVisible(Frame(1001)));
+    EXPECT_EQ((std::vector<bool>{false, true}), spin.shown);
+    Edit(1001).spinControl = nullptr;
+}
+
 // An edit of the test's own, with a frame as it wants it.
 TEST_F(ObFlatEditTest, CanBeWithoutAFrameToBeSeen) {
     const HWND window = CreateWindowExW(WS_EX_CLIENTEDGE, L"edit", L"", WS_CHILD | WS_VISIBLE, 10,
@@ -227,21 +254,6 @@ TEST_F(ObFlatEditTest, ClosesItsFrameOnDemand) {
     EXPECT_EQ(nullptr, Frame(1001));
     SetWindowPos(Item(1001), nullptr, 0, 0, 50, 50, SWP_NOZORDER);
 }
-
-class RecordingFollower : public EditFollower {
-public:
-    void FollowEdit(HWND frame, std::int32_t width) override {
-        frames.push_back(frame);
-        frameWidth = width;
-    }
-    void OnEditShown(bool isShown) override { shown.push_back(isShown); }
-    void OnEditGone() override { isGone = true; }
-
-    std::vector<HWND> frames;
-    std::int32_t frameWidth = 0;
-    std::vector<bool> shown;
-    bool isGone = false;
-};
 
 TEST_F(ObFlatEditTest, TakesLeaveOfItsSpinControl) {
     RecordingFollower spin;

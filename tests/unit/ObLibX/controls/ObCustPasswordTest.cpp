@@ -52,6 +52,9 @@ protected:
     }
     Pixels EyePixels(std::int32_t id = 1003) const {
         PaintNow(Eye(id));
+        return ShownPixels(id);
+    }
+    Pixels ShownPixels(std::int32_t id = 1003) const {
         const PixelRect area = ClientArea(Eye(id));
         Pixels pixels;
         for (int y = 0; y < area.bottom; ++y) {
@@ -267,12 +270,7 @@ TEST_F(ObFlatPasswordTest, ShowsTheEyeOfItsState) {
 TEST_F(ObFlatPasswordTest, KeepsItsEyeWhenTheFrameIsPainted) {
     const Pixels before = EyePixels();
     PaintNow(Password().frameWindow);
-    const PixelRect area = ClientArea(Eye());
-    Pixels after;
-    for (int y = 0; y < area.bottom; ++y) {
-        for (int x = 0; x < area.right; ++x) after.push_back(PixelOf(Eye(), x, y));
-    }
-    EXPECT_EQ(before, after);
+    EXPECT_EQ(before, ShownPixels());
 }
 
 // Whoever changes the edit's style: the eye catches up when it is painted.
@@ -299,6 +297,14 @@ TEST_F(ObFlatPasswordTest, HasNoEyeWhileItIsDisabled) {
     EXPECT_TRUE(IsWindowVisible(Eye()));
 }
 
+TEST_F(ObFlatPasswordTest, ShowsAndHidesItsEyeByPosition) {
+    constexpr UINT kInPlace = SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE;
+    SetWindowPos(Item(1003), nullptr, 0, 0, 0, 0, kInPlace | SWP_HIDEWINDOW);
+    EXPECT_FALSE(IsWindowVisible(Eye()));
+    SetWindowPos(Item(1003), nullptr, 0, 0, 0, 0, kInPlace | SWP_SHOWWINDOW);
+    EXPECT_TRUE(IsWindowVisible(Eye()));
+}
+
 TEST_F(ObFlatPasswordTest, PaintsNoEyeWhileItIsDisabled) {
     EnableWindow(Item(1003), FALSE);
     ShowWindow(Eye(), SW_SHOW); // by somebody else
@@ -313,22 +319,68 @@ TEST_F(ObFlatPasswordTest, MovesItsEyeAlong) {
     EXPECT_EQ((PixelRect{110, 100, 110 + width, 190}), RectInParent(Eye()));
 }
 
-// The stock button paints by itself on these; the pixels stay those of the eye.
+// The stock button paints by itself on these; the pixels stay those of the eye, before the next
+// paint too, which each of them asks for.
 TEST_F(ObFlatPasswordTest, KeepsItsEyeOnMessagesOfButtons) {
+    struct Row {
+        UINT message;
+        WPARAM wParam;
+        LPARAM lParam;
+    };
+    const Row kRows[] = {{BM_SETSTATE, TRUE, 0},
+                         {BM_SETSTYLE, BS_DEFPUSHBUTTON, TRUE},
+                         {BM_SETCHECK, BST_CHECKED, 0},
+                         {WM_ENABLE, TRUE, 0},
+                         {WM_SETFOCUS, 0, 0},
+                         {WM_KILLFOCUS, 0, 0},
+                         {WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"Another title")}};
     const Pixels expected = EyePixels();
-    SendMessageW(Eye(), BM_SETSTATE, TRUE, 0);
-    SendMessageW(Eye(), BM_SETSTYLE, BS_DEFPUSHBUTTON, TRUE);
-    SendMessageW(Eye(), WM_ENABLE, TRUE, 0);
-    SendMessageW(Eye(), BM_SETCHECK, BST_CHECKED, 0);
-    SetFocus(Eye());
-    SetFocus(Item(1001));
-    UpdateWindow(Eye());
-    const PixelRect area = ClientArea(Eye());
-    Pixels now;
-    for (int y = 0; y < area.bottom; ++y) {
-        for (int x = 0; x < area.right; ++x) now.push_back(PixelOf(Eye(), x, y));
+    for (const Row& row : kRows) {
+        ValidateRect(Eye(), nullptr);
+        SendMessageW(Eye(), row.message, row.wParam, row.lParam);
+        EXPECT_TRUE(GetUpdateRect(Eye(), nullptr, FALSE)) << row.message;
+        EXPECT_EQ(expected, ShownPixels()) << row.message;
     }
-    EXPECT_EQ(expected, now);
+    EXPECT_EQ(L"Another title", TextOfWindow(Eye()));
+}
+
+std::vector<HWND> reported;
+
+void WINAPI RecordWinEvent(DWORD event, HWND window, LONG object, LONG child) {
+    EXPECT_EQ(static_cast<DWORD>(EVENT_OBJECT_STATECHANGE), event);
+    EXPECT_EQ(static_cast<LONG>(OBJID_CLIENT), object);
+    EXPECT_EQ(CHILDID_SELF, child);
+    reported.push_back(window);
+}
+
+TEST_F(ObFlatPasswordTest, ReportsEachToggleToScreenReaders) {
+    const obtest::ImportPatch<decltype(&NotifyWinEvent)> patch("user32.dll", "NotifyWinEvent",
+                                                               &RecordWinEvent);
+    ASSERT_TRUE(patch.Ok());
+    reported.clear();
+    PressEye();
+    EXPECT_EQ((std::vector<HWND>{Eye(), Item(1003)}), reported);
+    Password().Toggle();
+    EXPECT_EQ(4u, reported.size());
+}
+
+TEST_F(ObFlatPasswordTest, HidesItsTextAgainWhenItIsOpenedAgain) {
+    PressEye();
+    ASSERT_TRUE(Password().reveal);
+    ASSERT_TRUE(Password().focusAfterPaint);
+    DestroyWindow(dialog_->window);
+    dialog_->Create(nullptr);
+    EXPECT_FALSE(Password().reveal);
+    EXPECT_FALSE(Password().focusAfterPaint);
+    EXPECT_EQ(L'*', Character());
+}
+
+// The eye hasn't been painted since the style was changed.
+TEST_F(ObFlatPasswordTest, TogglesWhatTheEditShows) {
+    SendMessageW(Item(1003), EM_SETPASSWORDCHAR, 0, 0);
+    Password().Toggle();
+    EXPECT_FALSE(Password().reveal);
+    EXPECT_EQ(L'*', Character());
 }
 
 TEST_F(ObFlatPasswordTest, HasATooltipFromTheFirstMoveOverItsEye) {
