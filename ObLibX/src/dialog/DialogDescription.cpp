@@ -54,6 +54,7 @@ void ReadFont(const ObXMLNode& control, const BaseFont& base, ControlDescription
     if (font == nullptr) return;
     described.fontName = font->Attribute(L"name", base.name);
     described.fontSize = font->IntAttribute(L"size", base.size);
+    ObAssert(described.fontSize >= 0 && described.fontSize <= kLargestFont);
     described.fontWeight = font->IntAttribute(L"weight", kNormalFontWeight);
     for (const StyleAttribute& attribute : kStyleAttributes) {
         if (font->AttributeEquals(attribute.name, L"true")) described.fontStyle |= attribute.bit;

@@ -103,6 +103,17 @@ TEST(DialogControls, AreThoseOfTheFirstDialogWithTheId) {
     EXPECT_EQ(3, controls[1].id);
 }
 
+// Texts that don't fit are tried in each smaller size.
+TEST(DialogControls, EndTheProcessForAFontThatCanNotBe) {
+    for (const wchar_t* const size : {L"-9", L"1639", L"2000000"}) {
+        EXPECT_FATAL(TheControl(std::wstring(L"<font size='") + size + L"'/>"),
+                     "ObLibX\\src\\DialogDescription.cpp")
+            << size;
+    }
+    EXPECT_EQ(0, TheControl(L"<font size='0'/>").fontSize) << "the base size";
+    EXPECT_EQ(1638, TheControl(L"<font size='1638'/>").fontSize);
+}
+
 TEST(DialogControls, AreNotThereWithoutTheDialog) {
     std::vector<ControlDescription> controls(3);
     const DescriptionContext context;
