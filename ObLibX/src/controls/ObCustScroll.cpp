@@ -282,6 +282,7 @@ void ObFlatScrollbar::OnKillFocus() {
 void ObFlatScrollbar::OnCaptureLost(HWND newOwner) {
     if (newOwner == window || (!hasCapture_ && !isMouseDown_)) return;
     EndInput();
+    ReportValue();
     PaintNow(true);
 }
 
@@ -307,6 +308,7 @@ void ObFlatScrollbar::Drag(PixelPoint point) {
     const std::int32_t value = ValueAt(layout_.thumbOffset);
     if (lastReported_ == value) return;
     lastReported_ = value;
+    ReportValue();
     Notify(SB_THUMBTRACK, value);
 }
 
@@ -317,6 +319,7 @@ void ObFlatScrollbar::EndDrag() {
     Notify(SB_THUMBPOSITION, value);
     ForgetDrag();
     OnThumbReleased(value);
+    ReportValue();
 }
 
 void ObFlatScrollbar::ForgetDrag() {
@@ -329,6 +332,12 @@ void ObFlatScrollbar::ForgetDrag() {
 // ---- Screen readers
 
 ObLib::ObString ObFlatScrollbar::AccessibleName() { return LabelBefore(window); }
+
+void ObFlatScrollbar::ReportValue() {
+    if (window == nullptr || TrackPosition() == heardValue_) return;
+    heardValue_ = TrackPosition();
+    NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, window, OBJID_CLIENT, CHILDID_SELF);
+}
 
 LONG ObFlatScrollbar::AccessibleRole() { return ROLE_SYSTEM_SCROLLBAR; }
 
@@ -354,9 +363,9 @@ void ObFlatScrollbar::LimitState() {
 }
 
 void ObFlatScrollbar::AfterChange(bool redraw) {
-    NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, window, OBJID_CLIENT, CHILDID_SELF);
     LimitState();
     ComputeLayout();
+    ReportValue();
     if (redraw) Refresh();
 }
 
@@ -367,8 +376,8 @@ void ObFlatScrollbar::SetPosition(std::int32_t value, bool redraw) {
 
 void ObFlatScrollbar::MoveTo(std::int32_t position) {
     position_ = position;
-    NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, window, OBJID_CLIENT, CHILDID_SELF);
     ComputeLayout();
+    ReportValue();
     PaintNow(false);
 }
 

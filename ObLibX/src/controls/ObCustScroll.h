@@ -134,6 +134,7 @@ private:
     void DropCapture();
     void AskForLeave();
     void AfterChange(bool redraw);
+    void ReportValue(); // to screen readers, when it isn't the one from before
     [[nodiscard]] ScrollPart HotPart() const;
     [[nodiscard]] std::int32_t AlongBar(PixelPoint point) const;
     [[nodiscard]] std::int32_t ValueAt(std::int32_t pixel) const;
@@ -155,6 +156,7 @@ private:
     ObLib::UniqueBitmap arrowImages_[4]; // up or left, the same disabled, down or right, disabled
     PixelPoint lastMouse_;
     ControlAccessible accessible_;
+    std::int32_t heardValue_ = 0; // by screen readers
 
     // AccessibleSource: the label before the bar, its position, and from where to where it goes.
     ObLib::ObString AccessibleName() override;

@@ -34,6 +34,17 @@ BOOL WINAPI RecordTracking(TRACKMOUSEEVENT* event) {
     return TRUE;
 }
 
+// The values that a listener reads within the events of changed values.
+std::vector<int> valuesHeard;
+void WINAPI HearEvent(DWORD event, HWND window, LONG, LONG) {
+    if (event != EVENT_OBJECT_VALUECHANGE) return;
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_TRACKPOS;
+    SendMessageW(window, SBM_GETSCROLLINFO, 0, reinterpret_cast<LPARAM>(&info));
+    valuesHeard.push_back(info.nTrackPos);
+}
+
 POINT fakeCursor{}; // on the screen
 BOOL WINAPI FakeCursor(POINT* point) {
     *point = fakeCursor;
@@ -864,6 +875,26 @@ TEST_F(ScrollBarAccessible, HasTheNameOfTheLabelBeforeAndAValueWithItsRange) {
     EXPECT_EQ(L"", seen.action);
     SetInfo(SIF_POS, 0, 0, 0, 12);
     EXPECT_EQ(L"12", obtest::AccessibleOf(window_).value);
+}
+
+TEST_F(ScrollBarAccessible, ReportsEachNewValueOnce) {
+    valuesHeard.clear();
+    const obtest::ImportPatch<decltype(&NotifyWinEvent)> hear("user32.dll", "NotifyWinEvent",
+                                                              &HearEvent);
+    ASSERT_TRUE(hear.Ok());
+    SetInfo(SIF_POS, 0, 0, 0, 5000);
+    EXPECT_EQ((std::vector{80}), valuesHeard) << "within the range already";
+    SetInfo(SIF_POS, 0, 0, 0, 5000);
+    SetInfo(SIF_PAGE, 0, 0, 20, 0);
+    EXPECT_EQ(1u, valuesHeard.size()) << "nothing changed";
+    SetInfo(SIF_POS, 0, 0, 0, 40);
+    valuesHeard.clear();
+    Press(window_, Middle(), Track(90));
+    Move(window_, Middle(), Track(94));
+    Move(window_, Middle(), Track(98));
+    EXPECT_EQ((std::vector{42, 44}), valuesHeard);
+    LetGo(window_, Middle(), Track(98));
+    EXPECT_EQ((std::vector{42, 44, 40}), valuesHeard) << "back, as the parent didn't move it";
 }
 
 } // namespace
