@@ -73,6 +73,9 @@ bool ObFlatProgressBar::OnMessage(UINT message, WPARAM wParam) {
     case PBM_SETMARQUEE:
         RunMarquee(wParam != FALSE && HasStyle(PBS_MARQUEE));
         return false;
+    case WM_STYLECHANGED:
+        if (!HasStyle(PBS_MARQUEE)) RunMarquee(false);
+        return false;
     default:
         return false;
     }

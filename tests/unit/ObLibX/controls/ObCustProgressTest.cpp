@@ -228,6 +228,19 @@ TEST_F(ProgressMarquee, MovesABlockWithEachTick) {
     EXPECT_EQ((Range{70, 200}), Filled(kAccentColor)) << "another timer's tick";
 }
 
+TEST_F(ProgressMarquee, EndsWhenTheStyleIsTakenOff) {
+    Make(PBS_MARQUEE);
+    Send(PBM_SETMARQUEE, TRUE, 0);
+    const LONG_PTR style = GetWindowLongPtrW(window_, GWL_STYLE);
+    SetWindowLongPtrW(window_, GWL_STYLE, style | WS_TABSTOP);
+    EXPECT_TRUE(bar_->isMarquee) << "another style";
+    SetWindowLongPtrW(window_, GWL_STYLE, style & ~LONG_PTR{PBS_MARQUEE});
+    EXPECT_FALSE(bar_->isMarquee);
+    EXPECT_EQ((std::vector<UINT_PTR>{10551}), timersKilled);
+    Send(PBM_SETPOS, 50);
+    EXPECT_EQ((Range{2, 130}), Filled(kAccentColor));
+}
+
 TEST_F(ProgressMarquee, EndsWithTheWindow) {
     Make(PBS_MARQUEE);
     Send(PBM_SETMARQUEE, TRUE, 0);
