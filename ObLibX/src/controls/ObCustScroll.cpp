@@ -64,6 +64,11 @@ PixelRect PlaceInParent(HWND window) {
     return AsPixels(rect);
 }
 
+// Whether there is more than one position.
+bool CanScroll(const ScrollRange& range) {
+    return range.minimum < std::int64_t{range.maximum} - std::max(range.page - 1, 0);
+}
+
 // As large as the system's own bars take it; `isOld`: without the track position.
 bool IsKnown(const SCROLLINFO& info) {
     const bool isOld = info.cbSize == sizeof info - sizeof info.nTrackPos;
@@ -425,7 +430,7 @@ bool ObFlatScrollbar::SetInfo(const SCROLLINFO& info, bool redraw) {
     if ((info.fMask & SIF_POS) != 0) position_ = info.nPos;
     AfterChange(redraw);
     if ((info.fMask & SIF_DISABLENOSCROLL) != 0) {
-        EnableArrows(ValueCount(range_) > 0 ? ESB_ENABLE_BOTH : ESB_DISABLE_BOTH);
+        EnableArrows(CanScroll(range_) ? ESB_ENABLE_BOTH : ESB_DISABLE_BOTH);
     }
     return true;
 }

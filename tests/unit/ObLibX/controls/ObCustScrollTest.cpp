@@ -623,6 +623,10 @@ TEST_F(ScrollBarMessages, LimitARangeUpsideDownOrTooWideToZero) {
 TEST_F(ScrollBarMessages, SwitchTheArrowsOffWithNothingToScroll) {
     SetInfo(SIF_ALL | SIF_DISABLENOSCROLL, 0, 9, 10, 0);
     EXPECT_TRUE(bar_.EnableArrows(ESB_ENABLE_BOTH)) << "they were off";
+    SetInfo(SIF_ALL | SIF_DISABLENOSCROLL, 0, 0, 0, 0);
+    EXPECT_TRUE(bar_.EnableArrows(ESB_ENABLE_BOTH)) << "one value without a page";
+    SetInfo(SIF_ALL | SIF_DISABLENOSCROLL, 0, 1, 0, 0);
+    EXPECT_FALSE(bar_.EnableArrows(ESB_ENABLE_BOTH));
     SetInfo(SIF_ALL | SIF_DISABLENOSCROLL, 0, 9, 5, 0);
     EXPECT_FALSE(bar_.EnableArrows(ESB_ENABLE_BOTH));
 }
