@@ -457,9 +457,17 @@ bool ObFlatScrollbar::GetBarInfo(SCROLLBARINFO& info) const {
     info.xyThumbBottom = layout_.thumbOffset + layout_.thumbLength;
     info.reserved = 0;
     std::ranges::fill(info.rgstate, 0UL);
-    if (!IsWindowEnabled(window)) info.rgstate[0] = STATE_SYSTEM_UNAVAILABLE;
-    if (!isUpArrowOn_) info.rgstate[1] = STATE_SYSTEM_UNAVAILABLE;
-    if (!isDownArrowOn_) info.rgstate[5] = STATE_SYSTEM_UNAVAILABLE;
+    const auto put = [&](ScrollPart part, bool isSo, DWORD state) {
+        if (isSo) info.rgstate[static_cast<std::size_t>(part)] |= state;
+    };
+    put(ScrollPart::None, !IsWindowEnabled(window), STATE_SYSTEM_UNAVAILABLE);
+    put(ScrollPart::None, !IsWindowVisible(window), STATE_SYSTEM_INVISIBLE);
+    put(ScrollPart::UpArrow, !isUpArrowOn_, STATE_SYSTEM_UNAVAILABLE);
+    put(ScrollPart::DownArrow, !isDownArrowOn_, STATE_SYSTEM_UNAVAILABLE);
+    put(ScrollPart::PageBefore, layout_.pageBefore.IsEmpty(), STATE_SYSTEM_INVISIBLE);
+    put(ScrollPart::PageAfter, layout_.pageAfter.IsEmpty(), STATE_SYSTEM_INVISIBLE);
+    const ScrollPart held = HotPart();
+    put(held, isMouseDown_ && held != ScrollPart::None && IsArrowOn(held), STATE_SYSTEM_PRESSED);
     return true;
 }
 

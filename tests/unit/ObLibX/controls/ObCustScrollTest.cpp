@@ -599,6 +599,31 @@ TEST_F(ScrollBarMessages, ReportTheGeometryOfTheBar) {
     EXPECT_FALSE(SendMessageW(window_, SBM_GETSCROLLBARINFO, 0, reinterpret_cast<LPARAM>(&info)));
 }
 
+TEST_F(ScrollBarMessages, ReportThePressedPartAndWhatIsNotSeen) {
+    const auto states = [&] {
+        SCROLLBARINFO info{};
+        info.cbSize = sizeof info;
+        SendMessageW(window_, SBM_GETSCROLLBARINFO, 0, reinterpret_cast<LPARAM>(&info));
+        return std::vector<DWORD>(std::begin(info.rgstate), std::end(info.rgstate));
+    };
+    constexpr DWORD kPressed = STATE_SYSTEM_PRESSED;
+    constexpr DWORD kUnseen = STATE_SYSTEM_INVISIBLE;
+    EXPECT_EQ((std::vector<DWORD>{0, 0, 0, 0, 0, 0}), states());
+    Press(window_, Middle(), 1);
+    EXPECT_EQ((std::vector<DWORD>{0, kPressed, 0, 0, 0, 0}), states());
+    LetGo(window_, Middle(), 1);
+    EXPECT_EQ((std::vector<DWORD>{0, 0, 0, 0, 0, 0}), states()) << "the mouse alone";
+    Press(window_, Middle(), Track(90));
+    EXPECT_EQ((std::vector<DWORD>{0, 0, 0, kPressed, 0, 0}), states());
+    LetGo(window_, Middle(), Track(90));
+    SetInfo(SIF_POS, 0, 0, 0, 0);
+    EXPECT_EQ((std::vector<DWORD>{0, 0, kUnseen, 0, 0, 0}), states());
+    SetInfo(SIF_POS, 0, 0, 0, 80);
+    EXPECT_EQ((std::vector<DWORD>{0, 0, 0, 0, kUnseen, 0}), states());
+    ShowWindow(window_, SW_HIDE);
+    EXPECT_EQ((std::vector<DWORD>{kUnseen, 0, 0, 0, kUnseen, 0}), states());
+}
+
 TEST_F(ScrollBarMessages, LimitARangeUpsideDownOrTooWideToZero) {
     const struct {
         int minimum;
