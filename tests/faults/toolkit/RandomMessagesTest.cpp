@@ -1,5 +1,5 @@
 // Ten thousand messages in any order to a control of each class: it stays, and nothing is left of
-// it. The seed is printed; OB_SEED chooses another one.
+// it. The seed is printed; OB_SEED chooses another one, and OB_CONTROL a single control by its id.
 #include <commctrl.h>
 
 #include <cstdlib>
@@ -18,6 +18,11 @@ constexpr unsigned kSeed = 20261123;
 unsigned Seed() {
     const wchar_t* const asked = _wgetenv(L"OB_SEED");
     return asked != nullptr ? static_cast<unsigned>(_wtoi(asked)) : kSeed;
+}
+
+bool IsAskedFor(int id) {
+    const wchar_t* const asked = _wgetenv(L"OB_CONTROL");
+    return asked == nullptr || _wtoi(asked) == id;
 }
 
 // Chooses arguments that are valid for the window.
@@ -143,10 +148,18 @@ protected:
         printf("seed %u; OB_SEED=%u repeats this run\n", Seed(), Seed());
     }
 
+    // Hidden, the others take no time to paint themselves whenever this one moves.
+    static void HideAllBut(int id, EveryControlDialog& dialog) {
+        for (const auto& [other, control] : dialog.Controls()) {
+            if (other != id) ShowWindow(control->window, SW_HIDE);
+        }
+    }
+
     // A dialog whose control gets them all. True when the control's window is still there.
     static bool Play(int id) {
         EveryControlDialog dialog;
         dialog.Open();
+        HideAllBut(id, dialog);
         Choices choices(Seed() + static_cast<unsigned>(id), dialog.GetItem(id, true));
         for (int left = kMessages; left > 0; --left) {
             kRows[choices.Between(0, static_cast<int>(std::size(kRows)) - 1)].send(choices);
@@ -161,7 +174,10 @@ TEST_F(RandomMessages, LeaveEachControlWhole) {
     const std::vector<int> ids = OneOfEachClass();
     ASSERT_FALSE(ids.empty());
     for (const int id : ids) {
+        if (!IsAskedFor(id)) continue;
         SCOPED_TRACE(id);
+        printf("control %d\n", id); // the last one, where the process crashes
+        fflush(stdout);
         const ProcessResources before = ProcessResources::Now();
         EXPECT_TRUE(Play(id));
         PumpPosted();
