@@ -46,6 +46,22 @@ function(ob_room target)
     cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
     add_library(${target} STATIC ${arg_SOURCES})
     target_link_libraries(${target} PUBLIC ob_base ${arg_LIBS})
+    ob_share_windows_header(${target})
+endfunction()
+
+# <windows.h>, half of what most files cost to compile, is precompiled once for all targets, by the first room
+# that there is. Only this header: out of a precompiled one the compiler takes the standard library's
+# code for our own and warns of it. A file still includes what it uses. ccache needs -fpch-preprocess. A source
+# that has compiler options of its own sets SKIP_PRECOMPILE_HEADERS, as the header was compiled without them.
+function(ob_share_windows_header target)
+    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fpch-preprocess>)
+    get_property(first GLOBAL PROPERTY OB_WINDOWS_HEADER_TARGET)
+    if(first)
+        target_precompile_headers(${target} REUSE_FROM ${first})
+    else()
+        set_property(GLOBAL PROPERTY OB_WINDOWS_HEADER_TARGET ${target})
+        target_precompile_headers(${target} PRIVATE <windows.h>)
+    endif()
 endfunction()
 
 # ob_resources(<target> <rc files>): resource scripts are UTF-8 and include from the source roots
@@ -78,6 +94,7 @@ function(ob_module target)
     add_library(${target} SHARED ${arg_SOURCES} ${arg_DEF})
     set_target_properties(${target} PROPERTIES PREFIX "" IMPORT_PREFIX "" OUTPUT_NAME "${arg_OUTPUT}")
     target_link_libraries(${target} PRIVATE ob_base ${arg_LIBS})
+    ob_share_windows_header(${target})
     target_link_options(${target} PRIVATE -s -Wl,--exclude-all-symbols ${OB_PAGED_FILE})
     if(arg_DEF)
         get_filename_component(def "${arg_DEF}" ABSOLUTE)
@@ -151,6 +168,7 @@ function(ob_program target)
         set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
     endif()
     target_link_libraries(${target} PRIVATE ob_base ${arg_LIBS})
+    ob_share_windows_header(${target})
     target_link_options(${target} PRIVATE -municode -s ${OB_PAGED_FILE})
     ob_resources(${target} ${arg_RESOURCES})
 endfunction()

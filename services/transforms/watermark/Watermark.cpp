@@ -11,11 +11,12 @@ constexpr std::uint32_t kSmallPicture = 100; // pixels of the shorter side that 
 
 std::uint32_t ShorterSide(PictureSize size) noexcept { return std::min(size.width, size.height); }
 
-// From the far side when `far`; the stamp may take all there is.
-std::uint32_t Offset(std::uint32_t whole, std::uint32_t part, std::uint32_t margin, bool far) {
+// From the far side when `isFromEnd`; the stamp may take all there is.
+std::uint32_t Offset(std::uint32_t whole, std::uint32_t part, std::uint32_t margin,
+                     bool isFromEnd) {
     const std::uint32_t room = whole > part ? whole - part : 0;
     const std::uint32_t kept = std::min(margin, room);
-    return far ? room - kept : kept;
+    return isFromEnd ? room - kept : kept;
 }
 
 } // namespace
