@@ -59,6 +59,7 @@ foreach(name
         ControlKinds
         EditLayout
         FadedColor
+        LinkFit
         ListColumns
         ProgressLayout
         ScrollLayout
