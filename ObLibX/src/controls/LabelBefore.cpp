@@ -22,13 +22,19 @@ bool TakesFocus(HWND window) { return (GetWindowLongPtrW(window, GWL_STYLE) & WS
 
 } // namespace
 
-ObLib::ObString LabelBefore(HWND window) {
+ObLib::ObString LabelText(HWND label) {
     ObLib::ObString text;
+    ObLib::GetWindowTextString(label, text);
+    const bool hasKeys = (GetWindowLongPtrW(label, GWL_STYLE) & SS_NOPREFIX) == 0;
+    return hasKeys ? ObLib::ObString(WithoutAccessKey(text.CStr()).c_str()) : text;
+}
+
+ObLib::ObString LabelBefore(HWND window) {
     for (HWND before = GetWindow(window, GW_HWNDPREV); before != nullptr && !TakesFocus(before);
          before = GetWindow(before, GW_HWNDPREV)) {
         if (!IsOfClass(before, L"Static")) continue;
-        ObLib::GetWindowTextString(before, text);
-        if (text.HasText()) return ObLib::ObString(WithoutAccessKey(text.CStr()).c_str());
+        ObLib::ObString text = LabelText(before);
+        if (text.HasText()) return text;
     }
     return {};
 }

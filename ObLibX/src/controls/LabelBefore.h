@@ -1,4 +1,4 @@
-// The label that names a control for screen readers.
+// The label that names a control for screen readers, and what its text is to them.
 #pragma once
 
 #include <windows.h>
@@ -6,6 +6,9 @@
 #include "ObLib/Src/ObString.h"
 
 namespace ObLibX {
+
+// The text of a static window, without its access key.
+ObLib::ObString LabelText(HWND label);
 
 // The text of the static window before this one in Z-order, without its access key; empty when a
 // control that takes the focus comes first. On the window's thread.

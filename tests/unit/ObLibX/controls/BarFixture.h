@@ -89,6 +89,7 @@ struct Accessible {
     std::wstring description;
     std::wstring action;
     LONG role = 0;
+    LONG state = 0;
 };
 
 inline Accessible AccessibleOf(HWND window) {
@@ -101,6 +102,8 @@ inline Accessible AccessibleOf(HWND window) {
     self.vt = VT_I4;
     VARIANT role{};
     object->get_accRole(self, &role);
+    VARIANT state{};
+    object->get_accState(self, &state);
     const auto text = [&](HRESULT (STDMETHODCALLTYPE IAccessible::*get)(VARIANT, BSTR*)) {
         BSTR found = nullptr;
         (object.Get()->*get)(self, &found);
@@ -108,9 +111,12 @@ inline Accessible AccessibleOf(HWND window) {
         SysFreeString(found);
         return copy;
     };
-    return {text(&IAccessible::get_accName), text(&IAccessible::get_accValue),
-            text(&IAccessible::get_accDescription), text(&IAccessible::get_accDefaultAction),
-            role.lVal};
+    return {text(&IAccessible::get_accName),
+            text(&IAccessible::get_accValue),
+            text(&IAccessible::get_accDescription),
+            text(&IAccessible::get_accDefaultAction),
+            role.lVal,
+            state.lVal};
 }
 
 class BarTest : public testing::Test {
