@@ -3,12 +3,17 @@
 
 #include <commctrl.h>
 
+#include <string>
 #include <typeinfo>
 
 #include "ObLibX/src/controls/DefaultButton.h"
 #include "ObLibX/src/controls/ObCustBtn.h"
+#include "ObLibX/src/controls/ObCustCombo.h"
+#include "ObLibX/src/controls/ObCustDate.h"
 #include "ObLibX/src/controls/ObCustPassword.h"
+#include "ObLibX/src/controls/ObCustProgress.h"
 #include "ObLibX/src/controls/ObCustSlider.h"
+#include "ObLibX/src/controls/ObCustSpin.h"
 #include "ObLibX/src/controls/ObCustStatic.h"
 #include "ObLibX/src/controls/ObCustSwitch.h"
 #include "ObLibX/src/controls/ObCustToggle.h"
@@ -177,6 +182,99 @@ TEST_F(FlatControlsTest, MakeTheBlueButtonTheDefault) {
     Open(OB_TEST_ACCENT, false);
     EXPECT_EQ(BS_DEFPUSHBUTTON, GetWindowLongPtrW(Item(1001), GWL_STYLE) & 0xF);
     EXPECT_EQ(BS_PUSHBUTTON, GetWindowLongPtrW(Item(2), GWL_STYLE) & 0xF);
+}
+
+// ---- every row of the table of classes
+
+constexpr wchar_t kRichEdit[] = L"RichEditOfTheTest";
+constexpr wchar_t kMsftEdit[] = L"MsftEditOfTheTest";
+
+// A window of a class, style and word; `tooltip`: its description has one.
+struct ClassCase {
+    const wchar_t* className;
+    DWORD style;
+    const wchar_t* word;        // null: no description
+    const std::type_info* made; // null: the window stays stock
+    bool tooltip = false;
+};
+
+const ClassCase kClassCases[] = {
+    {L"Edit", 0, nullptr, &typeid(ObFlatEdit)},
+    {L"Edit", ES_PASSWORD, nullptr, &typeid(ObFlatPassword)},
+    {kRichEdit, 0, nullptr, &typeid(ObFlatEdit)},
+    {kMsftEdit, 0, nullptr, &typeid(ObFlatEdit)},
+    {L"Static", 0, L"hscroll", &typeid(ObFlatScrollbar)},
+    {L"Static", 0, L"vscroll", &typeid(ObFlatScrollbar)},
+    {L"Static", 0, L"hslider", &typeid(ObFlatSlider)},
+    {L"Static", 0, L"vslider", &typeid(ObFlatSlider)},
+    {L"Static", 0, L"other", &typeid(ObFlatStaticText)},
+    {L"Static", 0, nullptr, &typeid(ObFlatStaticText)},
+    {PROGRESS_CLASSW, 0, nullptr, &typeid(ObFlatProgressBar)},
+    {L"Button", BS_PUSHBUTTON, nullptr, &typeid(ObFlatBtn)},
+    {L"Button", BS_DEFPUSHBUTTON, L"blue", &typeid(ObFlatBlueBtn)},
+    {L"Button", BS_PUSHBUTTON, L"settings", &typeid(ObFlatSettingsBtn)},
+    {L"Button", BS_PUSHBUTTON, L"browser", &typeid(ObFlatBrowserBtn)},
+    {L"Button", BS_CHECKBOX, nullptr, &typeid(ObFlatCheckbox)},
+    {L"Button", BS_AUTOCHECKBOX, nullptr, &typeid(ObFlatCheckbox)},
+    {L"Button", BS_3STATE, nullptr, &typeid(ObFlatCheckbox)},
+    {L"Button", BS_AUTO3STATE, nullptr, &typeid(ObFlatCheckbox)},
+    {L"Button", BS_AUTOCHECKBOX, L"toggle", &typeid(ObFlatToggleBtn)},
+    {L"Button", BS_RADIOBUTTON, nullptr, &typeid(ObFlatRadio)},
+    {L"Button", BS_AUTORADIOBUTTON, L"toggle", &typeid(ObFlatRadio)},
+    {L"Button", BS_SPLITBUTTON, nullptr, &typeid(ObFlatSplitBtn)},
+    {L"Button", BS_DEFSPLITBUTTON, nullptr, &typeid(ObFlatSplitBtn)},
+    {L"Button", BS_SPLITBUTTON, L"drop", &typeid(ObFlatDropBtn)},
+    {L"Button", BS_COMMANDLINK, L"", nullptr},
+    {L"Button", BS_COMMANDLINK, nullptr, nullptr},
+    {L"Button", BS_COMMANDLINK, L"", &typeid(ObFlatBtn), true},
+    {L"Button", BS_COMMANDLINK, L"blue", &typeid(ObFlatBlueBtn), true},
+    {L"Button", BS_OWNERDRAW, nullptr, nullptr},
+    {L"ComboBox", CBS_SIMPLE, nullptr, &typeid(ObFlatComboBoxSimple)},
+    {L"ComboBox", CBS_DROPDOWN, nullptr, &typeid(ObFlatComboBoxDropdown)},
+    {L"ComboBox", CBS_DROPDOWNLIST, nullptr, &typeid(ObFlatComboBoxDropdownList)},
+    {UPDOWN_CLASSW, 0, nullptr, &typeid(ObFlatSpinCtrl)},
+    {DATETIMEPICK_CLASSW, 0, nullptr, &typeid(ObFlatDatePicker)},
+    {L"ListBox", 0, nullptr, nullptr},
+};
+
+class ClassTableTest : public FieldsTest {
+protected:
+    void SetUp() override {
+        FieldsTest::SetUp();
+        INITCOMMONCONTROLSEX classes{sizeof classes, ICC_WIN95_CLASSES | ICC_DATE_CLASSES};
+        InitCommonControlsEx(&classes);
+        for (const wchar_t* const name : {kRichEdit, kMsftEdit}) {
+            WNDCLASSW row{};
+            row.lpfnWndProc = &DefWindowProcW;
+            row.hInstance = GetModuleHandleW(nullptr);
+            row.lpszClassName = name;
+            RegisterClassW(&row);
+        }
+        Open(OB_TEST_TWO_PUSHES, false);
+    }
+    ObLib::UniqueWindow WindowOf(const ClassCase& row) const {
+        return ObLib::UniqueWindow(CreateWindowExW(
+            0, row.className, L"", WS_CHILD | row.style, 0, 0, 100, 40, dialog_->window,
+            reinterpret_cast<HMENU>(INT_PTR{1500}), GetModuleHandleW(nullptr), nullptr));
+    }
+};
+
+TEST_F(ClassTableTest, MakesTheControlOfEachRow) {
+    for (const ClassCase& row : kClassCases) {
+        SCOPED_TRACE("row " + std::to_string(&row - kClassCases));
+        const ObLib::UniqueWindow window = WindowOf(row);
+        ASSERT_TRUE(window);
+        ControlDescription description;
+        if (row.word != nullptr) description.subclass = row.word;
+        if (row.tooltip) description.tooltip = L"A tooltip";
+        const auto made =
+            TheControlMaker().control(window.Get(), row.word != nullptr ? &description : nullptr);
+        ASSERT_EQ(row.made != nullptr, made != nullptr);
+        if (made == nullptr) continue;
+        const ObCustomControl& control = *made;
+        EXPECT_STREQ(row.made->name(), typeid(control).name());
+        EXPECT_EQ(1500, control.id);
+    }
 }
 
 // ---- the default button
