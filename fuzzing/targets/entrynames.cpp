@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ObLib/Src/Win32/Utf8.h"
-#include "fuzzing/shim/SystemCalls.h"
+#include "fuzzing/shim/WindowsCalls.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 #include "services/archive/Paths.h"

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <string>
 
-#include "fuzzing/shim/SystemCalls.h"
+#include "fuzzing/shim/WindowsCalls.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"
 #include "services/archive/password/PasswordPromptIds.h"

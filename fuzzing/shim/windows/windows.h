@@ -1,7 +1,7 @@
 // The few types, values and calls of the system's headers that the exchange block and the archive
 // service's parsers use, so that both are fuzzed natively from their own sources. Types have the
 // sizes that they have on 64-bit Windows. What is declared for closing handles only is never called
-// here, and so isn't implemented. SystemCalls.h has the state that the calls answer from.
+// here, and so isn't implemented. WindowsCalls.h has the state that the calls answer from.
 #pragma once
 
 #include <cstddef>

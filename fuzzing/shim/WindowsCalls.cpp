@@ -1,4 +1,4 @@
-#include "fuzzing/shim/SystemCalls.h"
+#include "fuzzing/shim/WindowsCalls.h"
 
 #include <algorithm>
 #include <cstring>
