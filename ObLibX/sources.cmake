@@ -1,7 +1,7 @@
 # The sources of the XML document library and of what dialogs are described with, for both builds:
 # Windows (ObLibX/CMakeLists.txt) and native (fuzzing/CMakeLists.txt). Include it; it sets
 #   OBX_XML_SOURCES          what builds everywhere, the packed name tables among them
-#   OBX_XML_WINDOWS_SOURCES  the Windows side of src/xml/encoding/System*.h
+#   OBX_XML_WINDOWS_SOURCES  the Windows side of src/xml/encoding/SystemCalls.h
 #   OBX_DIALOG_DATA_SOURCES  of src/dialog, what builds everywhere
 #   OBX_CONTROL_DATA_SOURCES of src/controls, what builds everywhere
 set(names
@@ -39,9 +39,7 @@ include("${CMAKE_CURRENT_LIST_DIR}/../cmake/ObNameTables.cmake")
 ob_name_tables(tables)
 list(APPEND OBX_XML_SOURCES "${tables}")
 
-set(OBX_XML_WINDOWS_SOURCES
-    "${CMAKE_CURRENT_LIST_DIR}/src/xml/encoding/SystemFileWindows.cpp"
-    "${CMAKE_CURRENT_LIST_DIR}/src/xml/encoding/SystemTextWindows.cpp")
+set(OBX_XML_WINDOWS_SOURCES "${CMAKE_CURRENT_LIST_DIR}/src/xml/encoding/SystemCallsWindows.cpp")
 
 # What a dialog is described with, and its arithmetic: no window, no registry.
 set(OBX_DIALOG_DATA_SOURCES "")

@@ -1,8 +1,7 @@
-// The native side of ObSystem.h: the conversions of SystemTextNative.cpp, and no
-// string table.
+// The native side of ObSystem.h: the conversions of SystemCallsNative.cpp, and no string table.
 #include "ObLib/Src/ObSystem.h"
 
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 
 namespace ObLib {
 

@@ -7,7 +7,7 @@
 #include <cwchar>
 #include <string>
 
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string_view>
 
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 #include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 

@@ -7,7 +7,7 @@
 #include <limits>
 #include <memory>
 
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 
 namespace ObLibX {

@@ -6,7 +6,7 @@
 
 #include "ObLibX/src/xml/document/ElementParser.h"
 #include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
-#include "ObLibX/src/xml/encoding/SystemFile.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 #include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"

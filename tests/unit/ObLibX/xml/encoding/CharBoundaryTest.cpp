@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "ObLibX/src/xml/encoding/CharBoundary.h"
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 
 namespace {

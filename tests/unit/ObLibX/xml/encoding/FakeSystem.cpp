@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 
 namespace obtest {
 

@@ -1,6 +1,6 @@
-// A system of the test's own in place of SystemText.h's functions: code pages that few systems
-// have, errors as they are wanted, and a memory of what was asked. The program that has it links
-// none of the real one's.
+// A system of the test's own in place of the calls for texts of SystemCalls.h: code pages that few
+// systems have, errors as they are wanted, and a memory of what was asked. The program that has it
+// links none of the real ones and opens no file by a wide path.
 #pragma once
 
 #include <cstdint>

@@ -1,10 +1,10 @@
-// The results of this system's side of SystemText.h.
+// The results of this system's side of SystemCalls.h.
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
 
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <string>
 
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 #include "tests/unit/ObLibX/xml/stream/StreamChecks.h"
 #include "tests/unit/ObLibX/xml/stream/StreamFiles.h"
 

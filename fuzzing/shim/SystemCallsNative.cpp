@@ -1,11 +1,11 @@
-// The native side of SystemText.h: results as on Windows, by means of iconv. It serves tests and
+// The native side of SystemCalls.h: results as on Windows, by means of iconv. It serves tests and
 // fuzzers and knows the code pages of this table; every other one fails, as a page that isn't
 // installed does there.
 //
 // As on Windows with flags 0: bytes that mean nothing become U+FFFD one by one, a character that
 // the page lacks becomes '?' (in UTF-8 a lone surrogate becomes U+FFFD) and is noted, a page of
 // Unicode may not be asked for the note, and a buffer that is too small is a failure.
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 
 #include <iconv.h>
 
@@ -186,6 +186,23 @@ std::wstring SystemErrorText(std::uint32_t error) {
     for (; *words != '\0' && text.size() < 100; ++words)
         text.push_back(static_cast<unsigned char>(*words));
     return text;
+}
+
+std::FILE* OpenFileStream(const wchar_t* path, bool forWriting) {
+    std::size_t length = 0;
+    while (path[length] != 0) ++length;
+    const auto units = static_cast<std::int32_t>(length);
+    std::string name(3 * length, '\0');
+    const std::int32_t bytes = SystemFromWide(65001, path, units, name.data(),
+                                              static_cast<std::int32_t>(name.size()), nullptr);
+    name.resize(static_cast<std::size_t>(bytes));
+    return std::fopen(name.c_str(), forWriting ? "wb" : "rb");
+}
+
+std::int64_t FileStreamLength(std::FILE* file) {
+    if (fseeko(file, 0, SEEK_END) != 0) return -1;
+    const std::int64_t length = ftello(file);
+    return fseeko(file, 0, SEEK_SET) == 0 ? length : -1;
 }
 
 } // namespace ObLibX

@@ -1,11 +1,14 @@
-// The system's text calls that this room makes, as plain functions, so that no header of the system
+// The system's calls that this library makes, as plain functions, so that no header of the system
 // is included here. Windows and other platforms have a source of this header each.
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 namespace ObLibX {
+
+// ---- Texts
 
 // MultiByteToWideChar with flags 0. Null `out` counts. Units, 0 on failure.
 std::int32_t SystemToWide(std::uint32_t codePage, const char* in, std::int32_t length, wchar_t* out,
@@ -19,5 +22,13 @@ std::uint32_t SystemCodePage();
 // inserts ignored, line ends as the system writes them; empty when there is no message.
 std::uint32_t SystemLastError();
 std::wstring SystemErrorText(std::uint32_t error);
+
+// ---- Files, for which each platform's C library has calls of its own
+
+// Opens a file in binary mode. For writing the file is made, or emptied. The caller closes the
+// file. Null on failure, with the last error set.
+std::FILE* OpenFileStream(const wchar_t* path, bool forWriting);
+// Bytes of a file that was just opened; -1 on failure.
+std::int64_t FileStreamLength(std::FILE* file);
 
 } // namespace ObLibX

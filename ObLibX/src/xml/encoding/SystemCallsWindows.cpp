@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "ObLibX/src/xml/encoding/SystemText.h"
+#include "ObLibX/src/xml/encoding/SystemCalls.h"
 
 namespace ObLibX {
 namespace {
@@ -42,6 +42,16 @@ std::wstring SystemErrorText(std::uint32_t error) {
         FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
                        0, text, static_cast<DWORD>(std::size(text)), nullptr);
     return {text, std::min<std::size_t>(length, kMostErrorText)};
+}
+
+std::FILE* OpenFileStream(const wchar_t* path, bool forWriting) {
+    return _wfopen(path, forWriting ? L"wb" : L"rb");
+}
+
+std::int64_t FileStreamLength(std::FILE* file) {
+    if (_fseeki64(file, 0, SEEK_END) != 0) return -1;
+    const std::int64_t length = _ftelli64(file);
+    return _fseeki64(file, 0, SEEK_SET) == 0 ? length : -1;
 }
 
 } // namespace ObLibX
