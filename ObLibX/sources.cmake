@@ -24,7 +24,6 @@ set(names
     document/Navigation
     document/AttributeCursor
     document/Editing
-    document/AttributeEditing
     document/Shifting
     document/ElementText
     stream/StreamReading

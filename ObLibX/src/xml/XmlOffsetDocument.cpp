@@ -1,6 +1,5 @@
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 
-#include "ObLibX/src/xml/document/AttributeEditing.h"
 #include "ObLibX/src/xml/document/Editing.h"
 #include "ObLibX/src/xml/document/ElementParser.h"
 #include "ObLibX/src/xml/document/ElementText.h"

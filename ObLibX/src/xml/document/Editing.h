@@ -1,4 +1,4 @@
-// Elements added: text spliced in place, and the numbers after it moved.
+// Elements added and attributes set: text spliced in place, and the numbers after it moved.
 //
 // The records after a change are those of a fresh parse, in another order of their indices, as long
 // as every element has its end. An element added with kAddNoEndTag has none: <r></r> becomes
@@ -39,6 +39,22 @@ inline constexpr std::uint32_t kAddAsChild = 0x4000; // as a child of the curren
 // record. Throws std::bad_alloc and changes nothing.
 bool AddElement(DocumentState& document, const wchar_t* name, const wchar_t* value,
                 std::uint32_t flags);
+
+// Replaces the attribute's value, or adds the attribute after the last token of the tag, on an
+// element or on the current processing instruction. The new attribute comes before the others when
+// the last one is a '=' without a value, which would take the new one for its value. An attribute
+// without '=' gets one. The name ends as EndsCallerName has it, as in GetAttribute.
+// kAddKeepReferences is the only flag that matters.
+//
+// False with nothing changed: in a stream mode; where there is no such tag or the tag has no name;
+// for a null value and a null or unwritable name; when the tag or the text would become too long.
+// Throws std::bad_alloc and changes nothing.
+bool SetAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
+                  const wchar_t* value, std::uint32_t flags);
+
+// As SetAttribute in every mode: for a stream's current element, whose text is still there.
+bool EditAttribute(DocumentState& document, std::int32_t position, const wchar_t* name,
+                   const wchar_t* value, std::uint32_t flags);
 
 // ---- The text of an element that is to be added, for both modes that add one
 

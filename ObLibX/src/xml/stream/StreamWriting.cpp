@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "ObLibX/src/xml/document/AttributeEditing.h"
 #include "ObLibX/src/xml/document/DocumentState.h"
 #include "ObLibX/src/xml/document/Editing.h"
 #include "ObLibX/src/xml/document/ElementText.h"
