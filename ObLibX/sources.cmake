@@ -19,7 +19,7 @@ set(names
     encoding/DeclaredEncoding
     document/ElementRecordTable
     document/DocumentState
-    document/ElementParser
+    document/DocumentStateParser
     document/XmlPath
     document/Navigation
     document/AttributeCursor

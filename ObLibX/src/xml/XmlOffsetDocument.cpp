@@ -1,7 +1,6 @@
 #include "ObLibX/src/xml/XmlOffsetDocument.h"
 
 #include "ObLibX/src/xml/document/Editing.h"
-#include "ObLibX/src/xml/document/ElementParser.h"
 #include "ObLibX/src/xml/document/ElementText.h"
 #include "ObLibX/src/xml/document/Navigation.h"
 #include "ObLibX/src/xml/stream/StreamReading.h"

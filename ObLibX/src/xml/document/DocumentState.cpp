@@ -45,6 +45,30 @@ void SetPosition(DocumentState& document, std::int32_t parent, std::int32_t curr
     document.nodeLength = 0;
 }
 
+void ForgetElements(DocumentState& document) noexcept {
+    SetPosition(document, 0, 0, 0);
+    if (document.savedPositions) {
+        document.savedPositions->clear();
+    }
+    document.nextFreePos = 1;
+    document.deletedPos = 0;
+    if (document.records->Size() > 0) {
+        (*document.records)[0] = ElementRecord{};
+    }
+}
+
+bool IsWellFormed(const DocumentState& document) {
+    if (document.Has(kDocStreamWrite)) {
+        return true;
+    }
+    const ElementRecordTable& records = *document.records;
+    const ElementRecord& root = records[0];
+    if (document.Has(kDocStreamRead)) {
+        return !root.Has(kRecordBad);
+    }
+    return !root.Has(kRecordBad) && root.firstChild != 0 && records[root.firstChild].next == 0;
+}
+
 ElementRecord& MakeStreamRecord(DocumentState& document, std::uint32_t level) {
     ElementRecordTable& records = *document.records;
     while (records.Size() <= level) {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "ObLibX/src/xml/document/ElementParser.h"
+#include "ObLibX/src/xml/document/DocumentState.h"
 #include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
 #include "ObLibX/src/xml/encoding/SystemCalls.h"
 #include "ObLibX/src/xml/encoding/TextConverter.h"

@@ -1,4 +1,5 @@
-#include "ObLibX/src/xml/document/ElementParser.h"
+// Reads a text into the records of its elements.
+#include "ObLibX/src/xml/document/DocumentState.h"
 
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"
@@ -265,18 +266,6 @@ void ParseAll(DocumentState& document) {
 
 } // namespace
 
-void ForgetElements(DocumentState& document) noexcept {
-    SetPosition(document, 0, 0, 0);
-    if (document.savedPositions) {
-        document.savedPositions->clear();
-    }
-    document.nextFreePos = 1;
-    document.deletedPos = 0;
-    if (document.records->Size() > 0) {
-        (*document.records)[0] = ElementRecord{};
-    }
-}
-
 void IndexElements(DocumentState& document) {
     ForgetElements(document);
     ElementRecordTable& records = *document.records;
@@ -292,18 +281,6 @@ void IndexElements(DocumentState& document) {
         ForgetElements(document);
         throw;
     }
-}
-
-bool IsWellFormed(const DocumentState& document) {
-    if (document.Has(kDocStreamWrite)) {
-        return true;
-    }
-    const ElementRecordTable& records = *document.records;
-    const ElementRecord& root = records[0];
-    if (document.Has(kDocStreamRead)) {
-        return !root.Has(kRecordBad);
-    }
-    return !root.Has(kRecordBad) && root.firstChild != 0 && records[root.firstChild].next == 0;
 }
 
 } // namespace ObLibX
