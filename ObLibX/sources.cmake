@@ -14,9 +14,9 @@ set(names
     scan/TextCoding
     scan/StreamTagStack
     encoding/TextConverter
-    encoding/CharBoundary
+    encoding/TextConverterBoundary
+    encoding/TextConverterDeclaration
     encoding/TextFileChannel
-    encoding/DeclaredEncoding
     document/ElementRecordTable
     document/DocumentState
     document/DocumentStateParser

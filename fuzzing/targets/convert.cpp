@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ObLibX/src/xml/encoding/CharBoundary.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/NameRows.h"

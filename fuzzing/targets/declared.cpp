@@ -1,7 +1,7 @@
 // A text's own declaration of its encoding is found, and only there.
 #include <algorithm>
 
-#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/XmlCharacters.h"
 #include "fuzzing/support/FuzzInput.h"
 #include "fuzzing/support/Require.h"

@@ -1,8 +1,10 @@
-// Text from one encoding to another.
+// Text from one encoding to another: the conversion, where a block of bytes may end without a
+// character being cut in two, and the encoding that a text declares.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace ObLibX {
 
@@ -34,6 +36,16 @@ struct TextConverter {
 std::int32_t ConversionPage(const std::wstring& encoding);
 // Bytes of one code unit in text of that page: 4, 2 or 1.
 std::int32_t CodeUnitSize(std::int32_t page);
+
+// How many bytes at the end of the converter's source must be given back so that no character of
+// its fromEncoding is cut in two. True when a boundary was found; false, with 0, when there is
+// none. In UTF-16 half a surrogate pair is given back even when the source is nothing else. Throws
+// std::bad_alloc.
+bool FindCharBoundary(const TextConverter& converter, std::int32_t& outBytesToGiveBack);
+
+// What the text's XML declaration or an HTML meta element of it declares; empty when it declares
+// none. Linear. Throws std::bad_alloc.
+std::wstring GetDeclaredEncoding(std::wstring_view text);
 
 // ---- The UTF-8 decoder that conversion, detection and the search for a boundary share
 

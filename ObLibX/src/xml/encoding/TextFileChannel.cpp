@@ -5,8 +5,6 @@
 #include <limits>
 #include <new>
 
-#include "ObLibX/src/xml/encoding/CharBoundary.h"
-#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
 #include "ObLibX/src/xml/encoding/SystemCalls.h"
 #include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/scan/DocumentReport.h"

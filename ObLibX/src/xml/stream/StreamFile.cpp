@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "ObLibX/src/xml/document/DocumentState.h"
-#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
 #include "ObLibX/src/xml/encoding/SystemCalls.h"
 #include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"

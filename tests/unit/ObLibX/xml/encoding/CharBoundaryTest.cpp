@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "ObLibX/src/xml/encoding/CharBoundary.h"
 #include "ObLibX/src/xml/encoding/SystemCalls.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 
 namespace {
 

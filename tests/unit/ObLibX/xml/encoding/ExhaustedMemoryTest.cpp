@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "ObLibX/src/xml/encoding/CharBoundary.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "tests/support/Allocations.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"

@@ -7,8 +7,7 @@
 #include <random>
 #include <string>
 
-#include "ObLibX/src/xml/encoding/CharBoundary.h"
-#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/encoding/TextFileChannel.h"
 #include "tests/unit/ObLibX/xml/encoding/ScratchFile.h"
 

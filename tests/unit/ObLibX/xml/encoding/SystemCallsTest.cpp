@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-#include "ObLibX/src/xml/encoding/CharBoundary.h"
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 #include "tests/unit/ObLibX/xml/encoding/CodePages.h"
 #include "tests/unit/ObLibX/xml/encoding/FakeSystem.h"

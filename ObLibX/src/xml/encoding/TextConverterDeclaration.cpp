@@ -1,4 +1,5 @@
-#include "ObLibX/src/xml/encoding/DeclaredEncoding.h"
+// The encoding that a text declares.
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 
 #include <algorithm>
 #include <cstdint>

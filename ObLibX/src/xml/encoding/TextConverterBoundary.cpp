@@ -1,4 +1,5 @@
-#include "ObLibX/src/xml/encoding/CharBoundary.h"
+// Where a block of bytes may end without a character being cut in two.
+#include "ObLibX/src/xml/encoding/TextConverter.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -9,7 +10,6 @@
 #include <string_view>
 
 #include "ObLibX/src/xml/encoding/SystemCalls.h"
-#include "ObLibX/src/xml/encoding/TextConverter.h"
 #include "ObLibX/src/xml/names/NameTables.h"
 
 namespace ObLibX {
