@@ -3,6 +3,7 @@
 #include "demo/gallery/BarsPage.h"
 #include "demo/gallery/ButtonsPage.h"
 #include "demo/gallery/ChoicesPage.h"
+#include "demo/gallery/LinksPage.h"
 #include "demo/gallery/StockPage.h"
 #include "demo/gallery/TextsPage.h"
 #include "demo/gallery/TogglesPage.h"
@@ -19,6 +20,7 @@ constexpr PageRow kPages[] = {
     {L"stock", &Make<StockPage>},     {L"texts", &Make<TextsPage>},
     {L"bars", &Make<BarsPage>},       {L"choices", &Make<ChoicesPage>},
     {L"buttons", &Make<ButtonsPage>}, {L"toggles", &Make<TogglesPage>},
+    {L"links", &Make<LinksPage>},
 };
 
 } // namespace
