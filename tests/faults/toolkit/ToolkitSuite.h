@@ -15,6 +15,7 @@
 #include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLibX/src/controls/FlatControls.h"
+#include "ObLibX/src/controls/ObHyperlink.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/DialogSettings.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
@@ -26,6 +27,11 @@ namespace obtest {
 class EveryControlDialog : public ObLibX::ObXFlatDlg {
 public:
     EveryControlDialog() : ObXFlatDlg(OB_EVERY_CONTROL, nullptr, 0, false) {}
+    bool OnInitDialog() override {
+        ObXFlatDlg::OnInitDialog();
+        link_.Attach(window);
+        return false;
+    }
     // Opens it and has it painted.
     EveryControlDialog& Open() {
         Create(nullptr);
@@ -39,6 +45,9 @@ public:
         return false;
     }
     std::function<void(int id, int code)> onCommand;
+
+private:
+    ObLibX::ObCmdLinkCtrl link_{OB_LINK, this};
 };
 
 // Dispatches what is posted, which ends.
@@ -86,12 +95,12 @@ protected:
         }
         ReleaseDC(dialog.window, dc);
     }
-    // One control of each class that has an object, by id.
+    // One control of each class that has an object, by id, and the link.
     static std::vector<int> OneOfEachClass() {
         EveryControlDialog dialog;
         dialog.Open();
         std::set<std::type_index> seen;
-        std::vector<int> ids;
+        std::vector<int> ids{OB_LINK};
         for (const auto& [id, control] : dialog.Controls()) {
             const ObLibX::ObCustomControl& object = *control;
             if (seen.insert(typeid(object)).second) ids.push_back(id);
