@@ -1,24 +1,25 @@
 #include "ObLibX/src/controls/HelperWindow.h"
 
+#include "ObLibX/src/dialog/WindowSubclass.h"
+
 namespace ObLibX {
 namespace {
-
-constexpr UINT_PTR kSubclassId = 1;
 
 HANDLE PropertyValue() { return reinterpret_cast<HANDLE>(INT_PTR{1}); }
 
 // `property` is the name of the property, which must be removed before the window has gone.
-LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                            DWORD_PTR property) {
     if (message == WM_CLOSE) {
         DestroyWindow(window);
         return 0;
     }
     if (message == WM_NCDESTROY) {
-        RemovePropW(window, reinterpret_cast<const wchar_t*>(property));
-        RemoveWindowSubclass(window, &Procedure, id);
+        const auto* const name = reinterpret_cast<const wchar_t*>(property);
+        RemovePropW(window, name);
+        RemoveSubclass(window, &Procedure, name);
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return CallNextSubclass(window, message, wParam, lParam);
 }
 
 } // namespace
@@ -30,8 +31,7 @@ HWND MakeHelperWindow(HWND parent, const PixelRect& rect, const HelperTraits& tr
     if (window == nullptr) return nullptr;
     SetWindowPos(window, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     SetPropW(window, traits.property, PropertyValue());
-    SetWindowSubclass(window, &Procedure, kSubclassId,
-                      reinterpret_cast<DWORD_PTR>(traits.property));
+    AddSubclass(window, &Procedure, traits.property);
     return window;
 }
 
@@ -54,12 +54,6 @@ PixelRect RectInParent(HWND child) {
 void MoveChild(HWND child, const PixelRect& rect) {
     SetWindowPos(child, nullptr, rect.left, rect.top, rect.Width(), rect.Height(),
                  SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-void RemoveSubclass(HWND window, SUBCLASSPROC procedure, const void* object) {
-    if (window != nullptr) {
-        RemoveWindowSubclass(window, procedure, reinterpret_cast<UINT_PTR>(object));
-    }
 }
 
 } // namespace ObLibX

@@ -3,8 +3,6 @@
 
 #include <windows.h>
 
-#include <commctrl.h>
-
 #include "ObLibX/src/dialog/Geometry.h"
 
 namespace ObLibX {
@@ -27,8 +25,5 @@ int CountWithProperty(HWND parent, const wchar_t* property);
 // In the coordinates of its parent.
 PixelRect RectInParent(HWND child);
 void MoveChild(HWND child, const PixelRect& rect);
-
-// A subclass that is known by its object. `window` may be null.
-void RemoveSubclass(HWND window, SUBCLASSPROC procedure, const void* object);
 
 } // namespace ObLibX

@@ -4,6 +4,7 @@
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -74,17 +75,12 @@ ObFlatBtn::ObFlatBtn(std::int32_t buttonId, ButtonClass buttonClass)
 }
 
 // A window that outlives its object goes on as the stock button.
-ObFlatBtn::~ObFlatBtn() {
-    if (window != nullptr) {
-        RemoveWindowSubclass(window, &ObFlatBtn::ButtonProcedure, reinterpret_cast<UINT_PTR>(this));
-    }
-}
+ObFlatBtn::~ObFlatBtn() { RemoveSubclass(window, &ObFlatBtn::ButtonProcedure, this); }
 
 void ObFlatBtn::Attach(HWND attached) {
     ObCustomControl::Attach(attached);
     if (sizeToImage) SizeToImage();
-    SetWindowSubclass(window, Procedure(), reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(window, Procedure(), this);
 }
 
 void ObFlatBtn::SizeToImage() {

@@ -7,6 +7,7 @@
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLibX/src/controls/ObCustBtn.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 
 namespace ObLibX {
 namespace {
@@ -96,13 +97,13 @@ bool ObFlatBtn::PaintedByMessage(ObFlatBtn& button, UINT message, WPARAM wParam)
 // The stock button notifies the dialog, which may destroy the window and then the object: the
 // object is used afterwards only where the window is still there.
 LRESULT CALLBACK ObFlatBtn::ButtonProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                            UINT_PTR id, DWORD_PTR object) {
+                                            UINT_PTR, DWORD_PTR object) {
     auto& button = *reinterpret_cast<ObFlatBtn*>(object);
     const Message arguments{wParam, lParam};
     if (message == WM_NCDESTROY) {
         button.fade.Stop();
-        RemoveWindowSubclass(window, &ObFlatBtn::ButtonProcedure, id);
-        return DefSubclassProc(window, message, wParam, lParam);
+        RemoveSubclass(window, &ObFlatBtn::ButtonProcedure, &button);
+        return CallNextSubclass(window, message, wParam, lParam);
     }
     if (PaintedByMessage(button, message, wParam)) return 1;
     if (message == WM_GETDLGCODE) {
@@ -110,7 +111,7 @@ LRESULT CALLBACK ObFlatBtn::ButtonProcedure(HWND window, UINT message, WPARAM wP
         if (own != 0) return own;
     }
     Ran(kBefore, message, button, arguments);
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     if (IsWindow(window)) Ran(kAfter, message, button, arguments);
     return result;
 }

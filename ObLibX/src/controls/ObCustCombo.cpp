@@ -19,6 +19,7 @@
 #include "ObLibX/src/dialog/ImageSet.h"
 #include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -80,8 +81,7 @@ void ObFlatComboBoxBase::Attach(HWND attached) {
     for (const auto& [part, procedure] :
          {std::pair{window, &ObFlatComboBoxBase::ComboProcedure},
           std::pair{listWindow, &ObFlatComboBoxBase::ListProcedure}}) {
-        SetWindowSubclass(part, procedure, reinterpret_cast<UINT_PTR>(this),
-                          reinterpret_cast<DWORD_PTR>(this));
+        AddSubclass(part, procedure, this);
     }
 }
 
@@ -122,17 +122,17 @@ void ObFlatComboBoxBase::OnEditNcPaint() { FrameNonClient(window, 1); }
 void ObFlatComboBoxBase::OnListNcPaint() { FrameNonClient(listWindow, 1); }
 
 LRESULT CALLBACK ObFlatComboBoxBase::ComboProcedure(HWND window, UINT message, WPARAM wParam,
-                                                    LPARAM lParam, UINT_PTR id, DWORD_PTR object) {
+                                                    LPARAM lParam, UINT_PTR, DWORD_PTR object) {
     auto* const combo = reinterpret_cast<ObFlatComboBoxBase*>(object);
     if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, &ObFlatComboBoxBase::ComboProcedure, id);
+        RemoveSubclass(window, &ObFlatComboBoxBase::ComboProcedure, combo);
         combo->OnMessage(message, wParam, lParam);
-        return DefSubclassProc(window, message, wParam, lParam);
+        return CallNextSubclass(window, message, wParam, lParam);
     }
     if (ObLib::Guarded(true, [&] { return combo->OnMessage(message, wParam, lParam); })) {
         return message == WM_ERASEBKGND ? TRUE : 0;
     }
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     static_cast<void>(ObLib::RanGuarded([&] {
         if (combo->window == nullptr) return;
         if (message == WM_NCPAINT) combo->OnEditNcPaint();
@@ -144,14 +144,14 @@ LRESULT CALLBACK ObFlatComboBoxBase::ComboProcedure(HWND window, UINT message, W
 }
 
 LRESULT CALLBACK ObFlatComboBoxBase::ListProcedure(HWND window, UINT message, WPARAM wParam,
-                                                   LPARAM lParam, UINT_PTR id, DWORD_PTR object) {
+                                                   LPARAM lParam, UINT_PTR, DWORD_PTR object) {
     auto* const combo = reinterpret_cast<ObFlatComboBoxBase*>(object);
     if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, &ObFlatComboBoxBase::ListProcedure, id);
+        RemoveSubclass(window, &ObFlatComboBoxBase::ListProcedure, combo);
         combo->listWindow = nullptr;
-        return DefSubclassProc(window, message, wParam, lParam);
+        return CallNextSubclass(window, message, wParam, lParam);
     }
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     if (message == WM_NCPAINT) {
         static_cast<void>(ObLib::RanGuarded([combo] { combo->OnListNcPaint(); }));
     }

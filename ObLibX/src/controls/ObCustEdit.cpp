@@ -8,6 +8,7 @@
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/TextMeasure.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -60,8 +61,7 @@ void ObFlatEdit::Attach(HWND attached) {
     MakeFrame();
     MoveChild(window, editRectangle);
     SetPropW(window, kEditProperty, this);
-    SetWindowSubclass(window, &ObFlatEdit::Procedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(window, &ObFlatEdit::Procedure, this);
 }
 
 void ObFlatEdit::Place() {
@@ -88,22 +88,21 @@ void ObFlatEdit::MakeFrame() {
     traits.property = kEditFrameProperty;
     frameWindow = MakeHelperWindow(GetParent(window), frameRectangle, traits);
     if (frameWindow == nullptr) return;
-    SetWindowSubclass(frameWindow, &ObFlatEdit::FrameProcedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(frameWindow, &ObFlatEdit::FrameProcedure, this);
 }
 
 LRESULT CALLBACK ObFlatEdit::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                       UINT_PTR id, DWORD_PTR object) {
+                                       UINT_PTR, DWORD_PTR object) {
     auto* const edit = reinterpret_cast<ObFlatEdit*>(object);
     if (message == WM_NCDESTROY) {
         RemovePropW(window, kEditProperty);
         if (edit->spinControl != nullptr) edit->spinControl->OnEditGone();
         edit->spinControl = nullptr;
         if (edit->frameWindow != nullptr) DestroyWindow(edit->frameWindow);
-        RemoveWindowSubclass(window, &ObFlatEdit::Procedure, id);
-        return DefSubclassProc(window, message, wParam, lParam);
+        RemoveSubclass(window, &ObFlatEdit::Procedure, edit);
+        return CallNextSubclass(window, message, wParam, lParam);
     }
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     static_cast<void>(ObLib::RanGuarded([&] {
         if (edit->window != nullptr) edit->OnHandled(message, wParam, lParam);
     }));
@@ -185,7 +184,7 @@ HBRUSH ObFlatEdit::OnCtlColor(HDC dc, HWND control) {
 // ---- the frame
 
 LRESULT CALLBACK ObFlatEdit::FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM lParam,
-                                            UINT_PTR id, DWORD_PTR object) {
+                                            UINT_PTR, DWORD_PTR object) {
     auto* const edit = reinterpret_cast<ObFlatEdit*>(object);
     switch (message) {
     case WM_ERASEBKGND:
@@ -200,10 +199,10 @@ LRESULT CALLBACK ObFlatEdit::FrameProcedure(HWND frame, UINT message, WPARAM wPa
         return 0;
     case WM_NCDESTROY:
         edit->frameWindow = nullptr;
-        RemoveWindowSubclass(frame, &ObFlatEdit::FrameProcedure, id);
+        RemoveSubclass(frame, &ObFlatEdit::FrameProcedure, edit);
         break;
     }
-    return DefSubclassProc(frame, message, wParam, lParam);
+    return CallNextSubclass(frame, message, wParam, lParam);
 }
 
 COLORREF ObFlatEdit::RingColor() const {

@@ -11,6 +11,7 @@
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Tooltips.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -44,8 +45,7 @@ void ObFlatPassword::Attach(HWND attached) {
     MakeEye();
     tooltipWindow = MakeTooltipWindow(GetParent(window));
     SetPropW(window, kPasswordProperty, this);
-    SetWindowSubclass(window, &ObFlatPassword::Procedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(window, &ObFlatPassword::Procedure, this);
     SendMessageW(window, EM_SETPASSWORDCHAR, kPasswordCharacter, 0);
 }
 
@@ -63,23 +63,22 @@ void ObFlatPassword::MakeEye() {
     traits.property = kEditEyeProperty;
     eyeButton = MakeHelperWindow(parent, EyeIn(frameRectangle, frameWidth, EyeWidth()), traits);
     if (eyeButton == nullptr) return;
-    SetWindowSubclass(eyeButton, &ObFlatPassword::EyeProcedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(eyeButton, &ObFlatPassword::EyeProcedure, this);
 }
 
 // ---- the edit
 
 LRESULT CALLBACK ObFlatPassword::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                           UINT_PTR id, DWORD_PTR object) {
+                                           UINT_PTR, DWORD_PTR object) {
     auto* const password = reinterpret_cast<ObFlatPassword*>(object);
     if (message == WM_NCDESTROY) {
         RemovePropW(window, kPasswordProperty);
         password->DestroyHelpers();
-        RemoveWindowSubclass(window, &ObFlatPassword::Procedure, id);
+        RemoveSubclass(window, &ObFlatPassword::Procedure, password);
     } else if (message == WM_KEYDOWN || message == WM_SYSKEYDOWN) {
         static_cast<void>(ObLib::RanGuarded([&] { password->OnKeyDown(wParam, lParam); }));
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return CallNextSubclass(window, message, wParam, lParam);
 }
 
 // The system destroys neither with the edit: on a page the tooltip's owner is the window around the
@@ -152,19 +151,19 @@ void ObFlatPassword::FocusAtEnd() {
 // ---- the eye
 
 LRESULT CALLBACK ObFlatPassword::EyeProcedure(HWND eye, UINT message, WPARAM wParam, LPARAM lParam,
-                                              UINT_PTR id, DWORD_PTR object) {
+                                              UINT_PTR, DWORD_PTR object) {
     auto* const password = reinterpret_cast<ObFlatPassword*>(object);
     if (message == WM_NCDESTROY) {
         password->accessible_.End();
         password->eyeButton = nullptr;
-        RemoveWindowSubclass(eye, &ObFlatPassword::EyeProcedure, id);
-        return DefSubclassProc(eye, message, wParam, lParam);
+        RemoveSubclass(eye, &ObFlatPassword::EyeProcedure, password);
+        return CallNextSubclass(eye, message, wParam, lParam);
     }
     LRESULT result = 0;
     const bool isDone = password->window != nullptr && ObLib::Guarded(false, [&] {
                             return password->OnEyeMessage(message, wParam, lParam, result);
                         });
-    return isDone ? result : DefSubclassProc(eye, message, wParam, lParam);
+    return isDone ? result : CallNextSubclass(eye, message, wParam, lParam);
 }
 
 // True: the button isn't told. It would paint itself, take the focus and notify the dialog.

@@ -9,6 +9,7 @@
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 
 namespace ObLibX {
 namespace {
@@ -36,21 +37,20 @@ ObFlatProgressBar::ObFlatProgressBar(std::int32_t controlId)
 
 void ObFlatProgressBar::Attach(HWND attached) {
     ObCustomControl::Attach(attached);
-    SetWindowSubclass(window, &ObFlatProgressBar::Procedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(window, &ObFlatProgressBar::Procedure, this);
     Refresh();
 }
 
 LRESULT CALLBACK ObFlatProgressBar::Procedure(HWND window, UINT message, WPARAM wParam,
-                                              LPARAM lParam, UINT_PTR id, DWORD_PTR object) {
+                                              LPARAM lParam, UINT_PTR, DWORD_PTR object) {
     auto* const bar = reinterpret_cast<ObFlatProgressBar*>(object);
     if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, &ObFlatProgressBar::Procedure, id);
+        RemoveSubclass(window, &ObFlatProgressBar::Procedure, bar);
         bar->RunMarquee(false);
     } else if (ObLib::Guarded(true, [&] { return bar->OnMessage(message, wParam); })) {
         return message == WM_ERASEBKGND ? TRUE : 0;
     }
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     // A themed stock bar invalidates itself only in the ticks of its timer, which end here.
     if (std::ranges::find(kRepainted, message) != std::end(kRepainted)) bar->Refresh();
     return result;

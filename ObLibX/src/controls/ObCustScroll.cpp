@@ -13,6 +13,7 @@
 #include "ObLibX/src/controls/LabelBefore.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/ScrollRepeat.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 
 namespace ObLibX {
 namespace {
@@ -82,22 +83,21 @@ ObFlatScrollbar::ObFlatScrollbar(std::int32_t controlId, ScrollOrientation orien
 
 void ObFlatScrollbar::Attach(HWND attached) {
     ObCustomControl::Attach(attached);
-    SetWindowSubclass(window, &ObFlatScrollbar::BarProcedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(window, &ObFlatScrollbar::BarProcedure, this);
     LoadArrows();
     ComputeLayout();
     Refresh();
 }
 
 LRESULT CALLBACK ObFlatScrollbar::BarProcedure(HWND window, UINT message, WPARAM wParam,
-                                               LPARAM lParam, UINT_PTR id, DWORD_PTR object) {
+                                               LPARAM lParam, UINT_PTR, DWORD_PTR object) {
     auto* const bar = reinterpret_cast<ObFlatScrollbar*>(object);
     if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, &ObFlatScrollbar::BarProcedure, id);
+        RemoveSubclass(window, &ObFlatScrollbar::BarProcedure, bar);
         bar->EndInput();
         TheScrollRepeat().Forget(window);
         bar->accessible_.End();
-        return DefSubclassProc(window, message, wParam, lParam);
+        return CallNextSubclass(window, message, wParam, lParam);
     }
     return ObLib::Guarded(LRESULT{0}, [&] { return bar->WindowProc(message, wParam, lParam); });
 }

@@ -10,6 +10,7 @@
 #include "ObLibX/src/controls/ObCustScroll.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/ScrollRepeat.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 
 namespace ObLibX {
 namespace {
@@ -37,7 +38,7 @@ struct ObFlatScrollbar::Answers {
     using Bar = ObFlatScrollbar;
 
     static LRESULT Default(const Bar& bar, const Message& m) {
-        return DefSubclassProc(bar.window, m.id, m.wParam, m.lParam);
+        return CallNextSubclass(bar.window, m.id, m.wParam, m.lParam);
     }
     static LRESULT DefaultAndRefresh(Bar& bar, const Message& m) {
         const LRESULT result = Default(bar, m);

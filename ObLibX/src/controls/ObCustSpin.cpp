@@ -9,6 +9,7 @@
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -26,22 +27,21 @@ ObFlatSpinCtrl::ObFlatSpinCtrl(std::int32_t controlId)
 void ObFlatSpinCtrl::Attach(HWND attached) {
     buddyRectangle = RectInParent(attached);
     ObCustomControl::Attach(attached);
-    SetWindowSubclass(window, &ObFlatSpinCtrl::Procedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(window, &ObFlatSpinCtrl::Procedure, this);
     PlaceParts(kFrameThickness);
     Refresh();
 }
 
 LRESULT CALLBACK ObFlatSpinCtrl::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                           UINT_PTR id, DWORD_PTR object) {
+                                           UINT_PTR, DWORD_PTR object) {
     auto* const spin = reinterpret_cast<ObFlatSpinCtrl*>(object);
     if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, &ObFlatSpinCtrl::Procedure, id);
+        RemoveSubclass(window, &ObFlatSpinCtrl::Procedure, spin);
         spin->Detach();
     } else if (ObLib::Guarded(true, [&] { return spin->OnMessage(message, wParam, lParam); })) {
         return message == WM_ERASEBKGND ? TRUE : 0;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return CallNextSubclass(window, message, wParam, lParam);
 }
 
 bool ObFlatSpinCtrl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {

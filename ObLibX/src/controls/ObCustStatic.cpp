@@ -7,6 +7,7 @@
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/TextMeasure.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -77,15 +78,14 @@ void ObFlatStaticText::Attach(HWND attached) {
     ObCustomControl::Attach(attached);
     SetFont();
     FitText(nullptr);
-    SetWindowSubclass(window, &ObFlatStaticText::Procedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(window, &ObFlatStaticText::Procedure, this);
 }
 
 LRESULT CALLBACK ObFlatStaticText::Procedure(HWND window, UINT message, WPARAM wParam,
-                                             LPARAM lParam, UINT_PTR id, DWORD_PTR object) {
+                                             LPARAM lParam, UINT_PTR, DWORD_PTR object) {
     auto* const text = reinterpret_cast<ObFlatStaticText*>(object);
-    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, &ObFlatStaticText::Procedure, id);
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    if (message == WM_NCDESTROY) RemoveSubclass(window, &ObFlatStaticText::Procedure, text);
+    const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     if (message == WM_SETTEXT) {
         static_cast<void>(ObLib::RanGuarded([&] { text->OnTextSet(); }));
     }

@@ -9,6 +9,7 @@
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/SwitchLayout.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -40,8 +41,7 @@ ObFlatToggleBtn::ObFlatToggleBtn(std::int32_t switchId)
 
 ObFlatToggleBtn::~ObFlatToggleBtn() {
     if (window == nullptr) return;
-    RemoveWindowSubclass(window, &ObFlatToggleBtn::SwitchProcedure,
-                         reinterpret_cast<UINT_PTR>(this));
+    RemoveSubclass(window, &ObFlatToggleBtn::SwitchProcedure, this);
 }
 
 void ObFlatToggleBtn::Attach(HWND attached) {
@@ -166,12 +166,12 @@ void ObFlatToggleBtn::TakeAfter(UINT message, WPARAM wParam) {
 }
 
 LRESULT CALLBACK ObFlatToggleBtn::SwitchProcedure(HWND window, UINT message, WPARAM wParam,
-                                                  LPARAM lParam, UINT_PTR id, DWORD_PTR object) {
+                                                  LPARAM lParam, UINT_PTR, DWORD_PTR object) {
     auto& control = *reinterpret_cast<ObFlatToggleBtn*>(object);
     if (message == WM_NCDESTROY) {
         control.accessible_.End();
-        RemoveWindowSubclass(window, &ObFlatToggleBtn::SwitchProcedure, id);
-        return DefSubclassProc(window, message, wParam, lParam);
+        RemoveSubclass(window, &ObFlatToggleBtn::SwitchProcedure, &control);
+        return CallNextSubclass(window, message, wParam, lParam);
     }
     if (message == WM_GETOBJECT) {
         const LRESULT own = ObLib::Guarded(LRESULT{0}, [&] {
@@ -181,7 +181,7 @@ LRESULT CALLBACK ObFlatToggleBtn::SwitchProcedure(HWND window, UINT message, WPA
     }
     if (PaintedByMessage(control, message, wParam)) return 1;
     if (ObLib::Guarded(true, [&] { return control.Take(message, wParam, lParam); })) return 0;
-    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     if (IsWindow(window)) {
         static_cast<void>(ObLib::RanGuarded([&] { control.TakeAfter(message, wParam); }));
     }

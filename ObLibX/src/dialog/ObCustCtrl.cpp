@@ -6,6 +6,7 @@
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -39,7 +40,7 @@ ObCustomControl::ObCustomControl(std::int32_t controlId, const std::int32_t* ima
 // A window that outlives its object goes on as a stock one.
 ObCustomControl::~ObCustomControl() {
     if (window == nullptr) return;
-    RemoveWindowSubclass(window, &ObCustomControl::Procedure, reinterpret_cast<UINT_PTR>(this));
+    RemoveSubclass(window, &ObCustomControl::Procedure, this);
 }
 
 void ObCustomControl::Attach(HWND attached) {
@@ -51,20 +52,19 @@ void ObCustomControl::Attach(HWND attached) {
     }
     if (fontSize == 0) fontSize = kFallbackFontSize;
     endEllipsis = false;
-    SetWindowSubclass(window, &ObCustomControl::Procedure, reinterpret_cast<UINT_PTR>(this),
-                      reinterpret_cast<DWORD_PTR>(this));
+    AddSubclass(window, &ObCustomControl::Procedure, this);
 }
 
 LRESULT CALLBACK ObCustomControl::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
-                                            UINT_PTR id, DWORD_PTR object) {
+                                            UINT_PTR, DWORD_PTR object) {
     auto* const control = reinterpret_cast<ObCustomControl*>(object);
     if (message == WM_NCDESTROY) {
-        RemoveWindowSubclass(window, &ObCustomControl::Procedure, id);
+        RemoveSubclass(window, &ObCustomControl::Procedure, control);
         control->window = nullptr;
     } else if (message == WM_KEYUP) {
         static_cast<void>(ObLib::RanGuarded([&] { control->OnKeyUp(wParam); }));
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return CallNextSubclass(window, message, wParam, lParam);
 }
 
 void ObCustomControl::OnKeyUp(WPARAM key) {

@@ -100,9 +100,9 @@ void ObXDlg::DressControls() {
     SettleControls();
     for (const auto& [id, control] : controls_) {
         const HWND item = GetItem(id, true);
-        if (control->tooltipText.HasText()) AddTooltip(item, control->tooltipText.CStr());
         control->ownerPage = ownerSheet;
         control->Attach(item);
+        if (control->tooltipText.HasText()) AddTooltip(item, control->tooltipText.CStr());
     }
 }
 
