@@ -2,7 +2,6 @@
 
 #include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
-#include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
@@ -26,8 +25,9 @@ void TakeColor(COLORREF& color, std::int32_t entry) {
     if (entry >= 0) color = GetPaletteColor(static_cast<std::uint32_t>(entry));
 }
 
-PixelSize SizeOf(HBITMAP bitmap) {
-    const SIZE size = ImageSize(bitmap);
+PixelSize SizeOf(const SharedImagePtr& image) {
+    if (!image) return {};
+    const SIZE size = image->Size();
     return {size.cx, size.cy};
 }
 
@@ -46,7 +46,6 @@ HBRUSH BackgroundBrush(HWND parent, HDC dc) {
 // What one painting needs to know.
 struct ObFlatBtn::Face {
     ObLib::ObString text;
-    ObLib::UniqueBitmap bitmap;
     ButtonArrangement arrangement;
     ButtonContents contents;
     std::uint32_t style = 0;
@@ -84,7 +83,7 @@ void ObFlatBtn::Attach(HWND attached) {
 }
 
 void ObFlatBtn::SizeToImage() {
-    const PixelSize image = SizeOf(LoadImage(images.ids[0]).Get());
+    const PixelSize image = SizeOf(LoadSharedImage(images.ids[0]));
     if (image.IsEmpty()) return;
     RECT rect{};
     GetWindowRect(window, &rect);
@@ -206,9 +205,9 @@ ObFlatBtn::Face ObFlatBtn::FaceOf(ButtonState state) {
     UpdateImages();
     std::int32_t image = GetImageId(images, static_cast<std::int32_t>(state), paintDpi_);
     if (image == 0) image = GetImageId(images, 0, paintDpi_);
-    if (image != 0) face.bitmap = LoadImage(image);
+    image_ = image != 0 ? LoadSharedImage(image) : nullptr;
     face.arrangement = {imageBesideText, imageSide, imageGap, imageOnly};
-    face.contents = {SizeOf(face.bitmap.Get()), 0, Scaled(padding), face.text.HasText()};
+    face.contents = {SizeOf(image_), 0, Scaled(padding), face.text.HasText()};
     face.contents.spare = SpareOf(face.contents.image.width);
     face.style = StyleOf(window);
     face.hiddenCues = HiddenCues(*this);
@@ -231,7 +230,7 @@ void ObFlatBtn::PaintText(const Face& face, HDC dc) {
 std::int32_t ObFlatBtn::PaintImage(const Face& face, HDC dc) {
     const PixelPoint place = PlaceImage(imageRectangle, face.arrangement, face.contents,
                                         VerticalOf(face.style, VerticalPlace::Centre));
-    if (face.bitmap) DrawImage(dc, face.bitmap.Get(), place.x, place.y);
+    if (image_) DrawImage(dc, image_->Bitmap(), place.x, place.y);
     return place.x;
 }
 

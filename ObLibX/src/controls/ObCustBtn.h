@@ -13,6 +13,7 @@
 #include "ObLibX/src/controls/ButtonLooks.h"
 #include "ObLibX/src/controls/ColorFade.h"
 #include "ObLibX/src/dialog/ObCustCtrl.h"
+#include "ObLibX/src/dialog/SharedImage.h"
 
 namespace ObLibX {
 
@@ -83,6 +84,8 @@ protected:
     static bool PaintedByMessage(ObFlatBtn& button, UINT message, WPARAM wParam);
     // Its own procedure instead of the one of all buttons; for Attach.
     virtual SUBCLASSPROC Procedure() const { return &ObFlatBtn::ButtonProcedure; }
+
+    SharedImagePtr image_; // painted last; kept, as most likely the next one is the same
 
 private:
     // In ObCustBtnProcedure.cpp.

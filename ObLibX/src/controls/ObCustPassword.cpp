@@ -9,10 +9,8 @@
 #include "ObLibX/src/controls/ControlImages.h"
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
-#include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Tooltips.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
-#include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
 namespace {
@@ -247,12 +245,16 @@ void ObFlatPassword::DrawEye(HDC dc) {
     reveal = !IsHidden(window);
     if (IsWindowEnabled(window)) {
         images = ImageSet(ImageList(reveal ? ControlImage::EyeVisible : ControlImage::EyeHidden));
-        const ObLib::UniqueBitmap eye = LoadImage(GetImageId(images, 0, GetDpi()));
-        const SIZE size = ImageSize(eye.Get());
-        DrawImage(paint.Dc(), eye.Get(), (paint.Area().Width() - size.cx) / 2,
-                  (paint.Area().Height() - size.cy) / 2);
+        eye_ = LoadSharedImage(GetImageId(images, 0, GetDeviceCaps(dc, LOGPIXELSX)));
+        if (eye_) DrawInMiddle(paint, *eye_);
     }
     paint.Show();
+}
+
+void ObFlatPassword::DrawInMiddle(const OffscreenPaint& paint, const SharedImage& image) {
+    const SIZE size = image.Size();
+    DrawImage(paint.Dc(), image.Bitmap(), (paint.Area().Width() - size.cx) / 2,
+              (paint.Area().Height() - size.cy) / 2);
 }
 
 // ---- what screen readers get

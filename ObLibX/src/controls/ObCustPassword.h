@@ -3,8 +3,11 @@
 
 #include "ObLibX/src/controls/ControlAccessible.h"
 #include "ObLibX/src/controls/ObCustEdit.h"
+#include "ObLibX/src/dialog/SharedImage.h"
 
 namespace ObLibX {
+
+class OffscreenPaint;
 
 // The eye is a button at the right end of the frame, which neither Tab nor arrow keys reach: Alt+F8
 // does the same in the edit.
@@ -45,6 +48,7 @@ private:
     void AddEyeTip();
     void PaintEye();
     void DrawEye(HDC dc);
+    void DrawInMiddle(const OffscreenPaint& paint, const SharedImage& image);
     void RepaintEye();
     void ReportState() const;
     void FocusAtEnd();
@@ -56,6 +60,7 @@ private:
     void DoAccessibleAction() override;
 
     ObLib::ObString tipText_; // the tooltip has a pointer to it
+    SharedImagePtr eye_;      // painted last
     ControlAccessible accessible_;
 };
 

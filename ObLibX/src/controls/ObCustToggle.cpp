@@ -17,19 +17,23 @@ constexpr std::int32_t kRadioFocusInset = 2; // at 96 dpi
 
 ImageSet SetOf(ControlImage image) { return ImageSet(ImageList(image)); }
 
-ToggleImages CheckboxImages() {
-    return {SetOf(ControlImage::CheckOn),         SetOf(ControlImage::CheckOff),
-            SetOf(ControlImage::CheckOnDisabled), SetOf(ControlImage::CheckOffDisabled),
-            SetOf(ControlImage::CheckThird),      SetOf(ControlImage::CheckThirdDisabled)};
+// One for all check boxes.
+const ToggleImages& CheckboxImages() {
+    static const ToggleImages images{
+        SetOf(ControlImage::CheckOn),         SetOf(ControlImage::CheckOff),
+        SetOf(ControlImage::CheckOnDisabled), SetOf(ControlImage::CheckOffDisabled),
+        SetOf(ControlImage::CheckThird),      SetOf(ControlImage::CheckThirdDisabled)};
+    return images;
 }
 
-ToggleImages RadioImages() {
-    return {SetOf(ControlImage::RadioOn),
-            SetOf(ControlImage::RadioOff),
-            SetOf(ControlImage::RadioOnDisabled),
-            SetOf(ControlImage::RadioOffDisabled),
-            ImageSet(),
-            ImageSet()};
+const ToggleImages& RadioImages() {
+    static const ToggleImages images{SetOf(ControlImage::RadioOn),
+                                     SetOf(ControlImage::RadioOff),
+                                     SetOf(ControlImage::RadioOnDisabled),
+                                     SetOf(ControlImage::RadioOffDisabled),
+                                     ImageSet(),
+                                     ImageSet()};
+    return images;
 }
 
 COLORREF ContrastColor(bool isEnabled) {
@@ -40,19 +44,21 @@ COLORREF ContrastColor(bool isEnabled) {
 
 std::int32_t ObFlatToggleBase::GetImageWidth() {
     const std::int32_t image = GetImageId(images, 0, GetDpi());
-    const LONG width = image != 0 ? ImageSize(LoadImage(image).Get()).cx : 0;
+    const SharedImagePtr shown = image != 0 ? LoadSharedImage(image) : nullptr;
+    const LONG width = shown ? shown->Size().cx : 0;
     return width != 0 ? width + Scale(padding) : 0;
 }
 
 CheckState ObFlatToggleBase::Checked() const {
-    return static_cast<CheckState>(IsDlgButtonChecked(GetParent(window), GetDlgCtrlID(window)));
+    return static_cast<CheckState>(SendMessageW(window, BM_GETCHECK, 0, 0));
 }
 
 ObFlatBmpToggleBase::ObFlatBmpToggleBase(std::int32_t toggleId, const ToggleImages& sets,
                                          std::int32_t focusInset)
     : ObFlatToggleBase(toggleId, ButtonClass::Toggle), sets_(sets), focusInset_(focusInset) {
     images = sets_.on;
-    ObAssert(GetImageWidth() != 0);
+    image_ = LoadSharedImage(GetImageId(images, 0, GetDpi()));
+    ObAssert(image_ != nullptr);
 }
 
 // Sets that a kind of toggle doesn't have are those of its cleared state.

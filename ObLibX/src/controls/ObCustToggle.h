@@ -40,7 +40,8 @@ public:
     void ComputeFocusRectangle() override;
 
 protected:
-    // Sets whose first image isn't among the program's resources end the process.
+    // `sets` is valid to the end of the process. Sets whose first image isn't among the program's
+    // resources end the process.
     ObFlatBmpToggleBase(std::int32_t id, const ToggleImages& sets, std::int32_t focusInset);
     // In high contrast, in place of the image.
     virtual void DrawGlyph(HDC dc, const PixelRect& box, COLORREF color) = 0;
@@ -48,7 +49,7 @@ protected:
 private:
     const ImageSet& SetFor(CheckState state, bool isEnabled) const;
 
-    ToggleImages sets_;
+    const ToggleImages& sets_;
     std::int32_t focusInset_;
 };
 

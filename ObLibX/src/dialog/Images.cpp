@@ -78,30 +78,23 @@ PixelCopy CopyOf(HBITMAP bitmap, const BITMAP& described) {
     return {std::move(copy), {static_cast<Pixel*>(bits), count}};
 }
 
-// A bitmap in a memory device context, for as long as it is drawn.
+// A bitmap in the memory device context that all pictures are drawn from, for as long as it is
+// drawn.
 class SelectedBitmap {
 public:
-    explicit SelectedBitmap(HBITMAP bitmap)
-        : dc_(CreateCompatibleDC(nullptr)), old_(SelectObject(dc_.Get(), bitmap)) {}
+    explicit SelectedBitmap(HBITMAP bitmap) : old_(SelectObject(Dc(), bitmap)) {}
     SelectedBitmap(const SelectedBitmap&) = delete;
     SelectedBitmap& operator=(const SelectedBitmap&) = delete;
-    ~SelectedBitmap() { SelectObject(dc_.Get(), old_); }
-    HDC Dc() const { return dc_.Get(); }
+    ~SelectedBitmap() { SelectObject(Dc(), old_); }
+    static HDC Dc() {
+        static ObLib::UniqueMemoryDc dc;
+        if (!dc) dc.Reset(CreateCompatibleDC(nullptr));
+        return dc.Get();
+    }
 
 private:
-    ObLib::UniqueMemoryDc dc_;
     HGDIOBJ old_;
 };
-
-void DrawWithAlpha(HDC dc, HBITMAP bitmap, const BITMAP& described, int x, int y) {
-    const PixelCopy copy = CopyOf(bitmap, described);
-    if (!copy.bitmap) return;
-    Premultiply(copy.pixels);
-    const SelectedBitmap source(copy.bitmap.Get());
-    const BLENDFUNCTION blend{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
-    AlphaBlend(dc, x, y, described.bmWidth, described.bmHeight, source.Dc(), 0, 0,
-               described.bmWidth, described.bmHeight, blend);
-}
 
 } // namespace
 
@@ -136,12 +129,28 @@ void DrawImageAt(HDC dc, HBITMAP bitmap, int x, int y) {
     const BITMAP described = Described(bitmap);
     ObAssert(described.bmBitsPixel <= kAlphaBits);
     if (described.bmWidth == 0) return;
+    const SIZE size{described.bmWidth, described.bmHeight};
     if (described.bmBitsPixel == kAlphaBits) {
-        DrawWithAlpha(dc, bitmap, described, x, y);
+        const UniqueBitmap copy = PremultipliedCopy(bitmap);
+        if (copy) BlendImageAt(dc, copy.Get(), size, x, y);
         return;
     }
     const SelectedBitmap source(bitmap);
-    BitBlt(dc, x, y, described.bmWidth, described.bmHeight, source.Dc(), 0, 0, SRCCOPY);
+    BitBlt(dc, x, y, size.cx, size.cy, source.Dc(), 0, 0, SRCCOPY);
+}
+
+UniqueBitmap PremultipliedCopy(HBITMAP bitmap) {
+    const BITMAP described = Described(bitmap);
+    if (described.bmBitsPixel != kAlphaBits) return {};
+    PixelCopy copy = CopyOf(bitmap, described);
+    Premultiply(copy.pixels);
+    return std::move(copy.bitmap);
+}
+
+void BlendImageAt(HDC dc, HBITMAP premultiplied, const SIZE& size, int x, int y) {
+    const SelectedBitmap source(premultiplied);
+    const BLENDFUNCTION blend{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
+    AlphaBlend(dc, x, y, size.cx, size.cy, source.Dc(), 0, 0, size.cx, size.cy, blend);
 }
 
 } // namespace ObLibX

@@ -35,4 +35,10 @@ ObLib::UniqueBitmap RecolorForHighContrast(HBITMAP bitmap, bool isEnabled);
 // pixels, not the picture. More than 32 bits end the process.
 void DrawImageAt(HDC dc, HBITMAP bitmap, int x, int y);
 
+// A copy of a picture of 32 bits that is multiplied by its alpha, as BlendImageAt wants it; empty
+// for pictures of fewer bits, and when there is no memory for it.
+ObLib::UniqueBitmap PremultipliedCopy(HBITMAP bitmap);
+// Draws such a copy, which has this size.
+void BlendImageAt(HDC dc, HBITMAP premultiplied, const SIZE& size, int x, int y);
+
 } // namespace ObLibX

@@ -6,6 +6,7 @@
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/SharedImage.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
@@ -102,7 +103,12 @@ void ObCustomControl::DrawImage(HDC dc, HBITMAP bitmap, int x, int y) {
     if (!noHighContrastRecolor) {
         recolored = RecolorForHighContrast(bitmap, IsWindowEnabled(window) != FALSE);
     }
-    DrawImageAt(dc, recolored ? recolored.Get() : bitmap, x, y);
+    const SharedImage* const shared = recolored ? nullptr : FindSharedImage(bitmap);
+    if (shared != nullptr) {
+        shared->Draw(dc, x, y);
+    } else {
+        DrawImageAt(dc, recolored ? recolored.Get() : bitmap, x, y);
+    }
 }
 
 void ObCustomControl::DrawFocus(HDC dc) {
