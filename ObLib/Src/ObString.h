@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 #include "ObLib/Src/ObSystem.h"
@@ -29,6 +30,9 @@ public:
     ObString(const ObString& other)
         : core_(other.core_ != nullptr ? new StringCore(*other.core_) : nullptr) {}
     ObString(ObString&& other) noexcept : core_(std::exchange(other.core_, nullptr)) {}
+    // The units of a view; an empty view makes an empty string.
+    explicit ObString(std::wstring_view text)
+        : core_(new StringCore(text.empty() ? L"" : text.data(), text.size())) {}
     // The text `id` of the string table, as LoadString finds it.
     explicit ObString(std::int32_t id) { LoadString(id); }
     // NUL-ended bytes in the encoding `codePageKind` (a CodePageKind); null makes a null string.

@@ -14,13 +14,17 @@ namespace {
 using ObLib::ObString;
 
 // Without blanks and line ends at both ends; a tab stays.
-ObString Trimmed(std::wstring_view text) {
+std::wstring_view Trimmed(std::wstring_view text) {
     constexpr std::wstring_view kTrimmed = L" \r\n";
     const std::size_t first = text.find_first_not_of(kTrimmed);
-    if (first == std::wstring_view::npos) return ObString(L"");
-    const std::size_t last = text.find_last_not_of(kTrimmed);
-    return ObString(std::wstring(text.substr(first, last - first + 1)).c_str());
+    if (first == std::wstring_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(kTrimmed) - first + 1);
 }
+
+// Most elements have no text: a null string needs no memory.
+ObString StringOf(std::wstring_view text) { return text.empty() ? ObString() : ObString(text); }
+
+ObString StringFrom(const std::wstring& text) { return ObString(std::wstring_view(text)); }
 
 // Reads elements out of an indexed document.
 class TreeReader {
@@ -35,6 +39,7 @@ public:
         while (!open.empty()) {
             const auto [position, parent] = open.back();
             open.pop_back();
+            parent->children.reserve(CountChildren(position));
             for (std::int32_t child = FirstChildOf(position); child != 0; child = NextOf(child)) {
                 parent->children.push_back(std::make_unique<ObXMLNode>());
                 ObXMLNode* const added = parent->children.back().get();
@@ -53,12 +58,26 @@ private:
     std::int32_t NextOf(std::int32_t position) const {
         return static_cast<std::int32_t>(RecordAt(document_.State(), position).next);
     }
+    std::size_t CountChildren(std::int32_t position) const {
+        std::size_t count = 0;
+        for (std::int32_t at = FirstChildOf(position); at != 0; at = NextOf(at)) ++count;
+        return count;
+    }
     void ReadOwn(std::int32_t position, ObXMLNode& node) {
-        node.name = Trimmed(ElementName(document_.State(), position));
-        node.text = Trimmed(document_.GetData(position));
+        const DocumentState& state = document_.State();
+        node.name = StringOf(Trimmed(ElementName(state, position)));
+        node.text = TextAt(position);
+        ReadAttributes(position, node.attributes);
+    }
+    ObString TextAt(std::int32_t position) {
+        const auto plain = PlainData(document_.State(), position);
+        if (plain) return StringOf(Trimmed(*plain));
+        return StringOf(Trimmed(document_.GetData(position)));
+    }
+    void ReadAttributes(std::int32_t position, std::vector<ObXMLAttribute>& attributes) {
         cursor_.Begin(position);
         while (document_.GetNextAttribute(cursor_)) {
-            node.attributes.push_back({cursor_.Name().c_str(), cursor_.Value().c_str()});
+            attributes.push_back({StringFrom(cursor_.Name()), StringFrom(cursor_.Value())});
         }
     }
 

@@ -3,6 +3,7 @@
 #include <cwchar>
 #include <set>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -40,6 +41,16 @@ TEST(StringBasics, FromAnEmptyTextComesAnEmptyStringThatIsNotNull) {
     const ObString string(L"");
     EXPECT_FALSE(string.IsNull());
     EXPECT_FALSE(string.HasText());
+}
+
+TEST(StringBasics, TakesAPartOfALongerText) {
+    const ObString string(std::wstring_view(kLong).substr(2, 4));
+    EXPECT_STREQ(L"text", string.CStr());
+    EXPECT_EQ(4u, string.Length());
+    EXPECT_STREQ(kLong, ObString(std::wstring_view(kLong)).CStr());
+    const ObString empty{std::wstring_view()};
+    EXPECT_FALSE(empty.IsNull());
+    EXPECT_FALSE(empty.HasText());
 }
 
 TEST(StringBasics, StoresTextsOfEveryLengthAroundTheInlineLimit) {

@@ -1,6 +1,7 @@
 #include "ObLibX/src/xml/document/ElementText.h"
 
 #include "ObLibX/src/xml/names/XmlCharacters.h"
+#include "ObLibX/src/xml/scan/QuickScan.h"
 #include "ObLibX/src/xml/scan/TextCoding.h"
 
 namespace ObLibX {
@@ -12,6 +13,16 @@ constexpr std::size_t kInstructionEnd = 2;   // "?>"
 bool IsElementOrNone(const DocumentState& document, std::int32_t position) {
     return position == 0 || IsElement(document, position);
 }
+
+// What begins a node or a reference.
+struct LessOrAmpersand {
+    bool One(wchar_t unit) const { return unit == L'<' || unit == L'&'; }
+#if defined(__SSE2__)
+    __m128i Eight(__m128i units) const {
+        return _mm_or_si128(EqualTo{L'<'}.Eight(units), EqualTo{L'&'}.Eight(units));
+    }
+#endif
+};
 
 std::size_t SkipSpace(const std::wstring& text, std::size_t at, std::size_t end) {
     while (at < end && IsXmlSpace(text[at])) ++at;
@@ -208,6 +219,15 @@ std::wstring GetData(DocumentState& document, std::int32_t position) {
         return DecodeText(content, document.docFlags);
     }
     return MixedData(content, document.docFlags);
+}
+
+std::optional<std::wstring_view> PlainData(const DocumentState& document, std::int32_t position) {
+    if (IsCurrentNode(document, position) || document.Has(kDocTrim | kDocCollapse)) return {};
+    if (!IsElement(document, position)) return std::wstring_view();
+    const std::wstring_view content = ContentOf(document, position);
+    const wchar_t* const end = content.data() + content.size();
+    const bool isPlain = FindUnit(content.data(), end, LessOrAmpersand{}) == end;
+    return isPlain ? std::optional(content) : std::nullopt;
 }
 
 } // namespace ObLibX

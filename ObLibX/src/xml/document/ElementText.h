@@ -72,4 +72,7 @@ std::wstring GetAttributeNameAt(const DocumentState& document, std::int32_t inde
 // For the current node the text inside its marks; a text node is decoded. Empty otherwise.
 std::wstring GetData(DocumentState& document, std::int32_t position);
 
+// What GetData returns for an element, in place; none where the text has to be decoded for it.
+std::optional<std::wstring_view> PlainData(const DocumentState& document, std::int32_t position);
+
 } // namespace ObLibX

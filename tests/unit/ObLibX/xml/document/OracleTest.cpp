@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <pugixml.hpp>
 
+#include "ObLibX/src/xml/document/ElementText.h"
 #include "ObLibX/src/xml/document/Navigation.h"
 #include "tests/unit/ObLibX/xml/document/DocumentMaker.h"
 #include "tests/unit/ObLibX/xml/document/ElementTree.h"
@@ -65,6 +66,10 @@ void ExpectSameElement(XmlOffsetDocument& document, const pugi::xml_node& elemen
               static_cast<std::uint32_t>(element.offset_debug() - 1));
     ASSERT_NO_FATAL_FAILURE(ExpectSameAttributes(document, element));
     ASSERT_EQ(document.GetData(position), DataOf(element));
+    const auto plain = PlainData(document.State(), position);
+    if (plain) {
+        ASSERT_EQ(*plain, DataOf(element));
+    }
 }
 
 // Goes through all elements of both: in, along, out. Returns the number of elements.

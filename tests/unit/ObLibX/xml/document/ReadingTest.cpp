@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "ObLibX/src/xml/document/ElementText.h"
 #include "tests/unit/ObLibX/xml/document/ElementTree.h"
 
 using namespace ObLibX;
@@ -224,6 +225,27 @@ TEST_F(Reading, GivesTheInsideOfANode) {
     EXPECT_EQ(NodeData(), L"<!DOCTYPE g>");
     PutOnNode(document_, kNodeComment, L"<r>");
     EXPECT_EQ(NodeData(), L"");
+}
+
+TEST_F(Reading, ReturnsDataInPlaceWhereNothingIsToBeDecoded) {
+    const auto plain = [&] { return PlainData(document_.State(), 1); };
+    EXPECT_EQ(plain(), L"") << "no element";
+    for (const wchar_t* const data : {L"", L" x\n y ", L"a longer text; > too"}) {
+        Load((std::wstring(L"<a b='&amp;'>") + data + L"</a>").c_str());
+        EXPECT_EQ(plain(), data);
+    }
+    Load(L"<a>x<b/></a>");
+    EXPECT_EQ(plain(), L"") << "an element with children has none";
+    for (const wchar_t* const text : {L"<a>123456789&amp;</a>", L"<a>x<!--c--></a>",
+                                      L"<a><![CDATA[x]]></a>", L"<a>x<?p?></a>", L"<a>&</a>"}) {
+        Load(text);
+        EXPECT_FALSE(plain().has_value()) << text;
+    }
+    for (const std::uint32_t flag : {kDocTrim, kDocCollapse}) {
+        document_.SetFlags(flag);
+        Load(L"<a> x </a>");
+        EXPECT_FALSE(plain().has_value()) << flag;
+    }
 }
 
 TEST_F(Reading, ReadsAnElementBesideTheCurrentNode) {
