@@ -29,7 +29,9 @@ HWND MakeHelperWindow(HWND parent, const PixelRect& rect, const HelperTraits& tr
                                         WS_CHILD | traits.style, rect.left, rect.top, rect.Width(),
                                         rect.Height(), parent, nullptr, nullptr, nullptr);
     if (window == nullptr) return nullptr;
-    SetWindowPos(window, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    if (GetWindow(window, GW_HWNDNEXT) != nullptr) {
+        SetWindowPos(window, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    }
     SetPropW(window, traits.property, PropertyValue());
     AddSubclass(window, &Procedure, traits.property);
     return window;

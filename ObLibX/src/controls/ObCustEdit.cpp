@@ -30,12 +30,20 @@ bool HasStyle(HWND window, LONG_PTR style) {
     return (GetWindowLongPtrW(window, GWL_STYLE) & style) != 0;
 }
 
+void TakeStyleOff(HWND window, int index, LONG_PTR style) {
+    const LONG_PTR old = GetWindowLongPtrW(window, index);
+    if ((old & style) != 0) SetWindowLongPtrW(window, index, old & ~style);
+}
+
+// To be seen once the window has been given its place.
 void TakeBorderOff(HWND window) {
-    SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) & ~WS_BORDER);
-    SetWindowLongPtrW(window, GWL_EXSTYLE,
-                      GetWindowLongPtrW(window, GWL_EXSTYLE) & ~WS_EX_CLIENTEDGE);
-    SetWindowPos(window, nullptr, 0, 0, 0, 0,
-                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+    TakeStyleOff(window, GWL_STYLE, WS_BORDER);
+    TakeStyleOff(window, GWL_EXSTYLE, WS_EX_CLIENTEDGE);
+}
+
+void MoveWithNewBorder(HWND window, const PixelRect& rect) {
+    SetWindowPos(window, nullptr, rect.left, rect.top, rect.Width(), rect.Height(),
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
 }
 
 } // namespace
@@ -59,7 +67,7 @@ void ObFlatEdit::Attach(HWND attached) {
     ObCustomControl::OnFontChanged();
     Place();
     MakeFrame();
-    MoveChild(window, editRectangle);
+    MoveWithNewBorder(window, editRectangle);
     SetPropW(window, kEditProperty, this);
     AddSubclass(window, &ObFlatEdit::Procedure, this);
 }

@@ -43,11 +43,10 @@ BaseFont MessageFont() {
 class FontCache {
 public:
     HFONT Get(const FontRequest& font) {
-        const ObString key = FontKey(font);
-        const auto found = byKey_.find(key);
-        if (found != byKey_.end()) return found->second.handle;
+        if (const FontEntry* const made = Find(font)) return made->handle;
         const HFONT handle = Make(font);
         if (handle == nullptr) return nullptr;
+        const ObString key = FontKey(font);
         const auto added = byKey_.try_emplace(
             key, FontEntry{key, font.name, font.size, font.weight, font.style, handle});
         byHandle_.try_emplace(handle, &added.first->second);
@@ -59,6 +58,17 @@ public:
     }
 
 private:
+    // By the parts of the key, as making the key takes longer than looking through a few fonts, and
+    // controls ask whenever they paint.
+    const FontEntry* Find(const FontRequest& font) const {
+        for (const auto& [key, entry] : byKey_) {
+            if (entry.size == font.size && entry.weight == font.weight &&
+                entry.style == font.style && entry.name.CompareNoCase(font.name) == 0) {
+                return &entry;
+            }
+        }
+        return nullptr;
+    }
     static HFONT Make(const FontRequest& font) {
         LOGFONTW wanted{};
         wanted.lfHeight = -MulDiv(font.size, ScreenDpiY(), kPointsToTheInch);

@@ -19,6 +19,7 @@ void FontSubstitution::Add(const ObString& origName, std::int32_t origSize,
 }
 
 const FontSubstitution::Entry* FontSubstitution::Find(const FontRequest& wanted) const {
+    if (entries_.empty()) return nullptr;
     const auto exact = entries_.find(FontKey(wanted));
     if (exact != entries_.end()) return &exact->second;
     const Entry* anySize = nullptr;

@@ -99,17 +99,19 @@ void ObXDlg::DressControls() {
     for (auto& control : made) AddControl(std::move(control));
     SettleControls();
     for (const auto& [id, control] : controls_) {
-        const HWND item = GetItem(id, true);
+        const HWND item = control->window;
+        ObAssert(item != nullptr);
         control->ownerPage = ownerSheet;
         control->Attach(item);
         if (control->tooltipText.HasText()) AddTooltip(item, control->tooltipText.CStr());
     }
 }
 
+// An object that was made just now knows its window; one of an earlier opening has none any more.
 void ObXDlg::SettleControls() {
     std::vector<ObCustomControl*> controls;
     for (const auto& [id, control] : controls_) {
-        control->window = GetItem(id, true);
+        if (control->window == nullptr) control->window = GetItem(id, true);
         controls.push_back(control.get());
     }
     if (TheControlMaker().settle != nullptr) TheControlMaker().settle(window, controls);
