@@ -42,12 +42,13 @@ LRESULT CallOld(WNDPROC old, HWND window, UINT message, WPARAM wParam, LPARAM lP
                           : DefWindowProcW(window, message, wParam, lParam);
 }
 
-// Once for each window.
-void ReplaceProcedure(HWND window, WNDPROC procedure) {
-    if (OldProcedure(window) != nullptr) return;
+// Once for each window. Returns what was replaced.
+WNDPROC ReplaceProcedure(HWND window, WNDPROC procedure) {
+    if (const WNDPROC replaced = OldProcedure(window)) return replaced;
     const LONG_PTR old = GetWindowLongPtrW(window, GWLP_WNDPROC);
     ObAssert(SetPropW(window, kOldProcedureProperty, reinterpret_cast<HANDLE>(old)));
     SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
+    return reinterpret_cast<WNDPROC>(old);
 }
 
 // Where another procedure has replaced this one meanwhile, this one stays and only passes on.
@@ -112,7 +113,6 @@ bool IsShown(HWND window) { return (GetWindowLongPtrW(window, GWL_STYLE) & WS_VI
 // The link that a child of the dialog is; null for any other window.
 ObHyperlinkCtrl* LinkOn(HWND dialog, HWND child) {
     if (child == nullptr || GetParent(child) != dialog) return nullptr;
-    if (GetPropW(child, kLinkProperty) == nullptr) return nullptr;
     return static_cast<ObHyperlinkCtrl*>(GetPropW(child, kObjectProperty));
 }
 
@@ -162,7 +162,7 @@ void ObHyperlinkCtrl::TakeWindow() {
     oldUserData_ = SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     ObAssert(SetPropW(window, kObjectProperty, this));
     ObAssert(SetPropW(window, kLinkProperty, reinterpret_cast<HANDLE>(INT_PTR{1})));
-    ReplaceProcedure(window, &ObHyperlinkCtrl::ControlProcedure);
+    oldProcedure_ = ReplaceProcedure(window, &ObHyperlinkCtrl::ControlProcedure);
 }
 
 void ObHyperlinkCtrl::Detach() {
@@ -208,7 +208,7 @@ LRESULT CALLBACK ObHyperlinkCtrl::ControlProcedure(HWND window, UINT message, WP
 }
 
 LRESULT ObHyperlinkCtrl::ToWindow(UINT message, WPARAM wParam, LPARAM lParam) {
-    return CallOld(OldProcedure(window), window, message, wParam, lParam);
+    return CallOld(oldProcedure_, window, message, wParam, lParam);
 }
 
 LRESULT ObHyperlinkCtrl::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -245,7 +245,7 @@ LRESULT ObHyperlinkCtrl::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) 
 
 LRESULT ObHyperlinkCtrl::OnDestroy(WPARAM wParam, LPARAM lParam) {
     const HWND ended = window;
-    const WNDPROC old = OldProcedure(window);
+    const WNDPROC old = oldProcedure_;
     Detach();
     return CallOld(old, ended, WM_DESTROY, wParam, lParam);
 }
@@ -306,7 +306,7 @@ void ObHyperlinkCtrl::ShowFocus(bool hasFocus) {
     PlaceFocus();
 }
 
-// What was painted is painted over, where it is painted is painted now.
+// The dialog paints at once: what is below the old place, and the focus in the new one.
 void ObHyperlinkCtrl::PlaceFocus() {
     PixelRect place;
     if (hasFocus_ && IsShown(window)) {

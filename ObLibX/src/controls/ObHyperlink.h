@@ -92,9 +92,10 @@ private:
     void DrawFocus() const;
 
     ControlAccessible accessible_;
-    PixelRect room_;   // of the window before it was fitted; in its parent
-    PixelRect fitted_; // and after
-    PixelRect focus_;  // what shows the focus, in the dialog; empty: nothing does
+    PixelRect room_;                 // of the window before it was fitted; in its parent
+    PixelRect fitted_;               // and after
+    PixelRect focus_;                // what shows the focus, in the dialog; empty: nothing does
+    WNDPROC oldProcedure_ = nullptr; // of the window; a property of it, too, which is slow to read
     LONG_PTR addedStyle_ = 0;
     LONG_PTR oldUserData_ = 0;
     bool hasFocus_ = false;

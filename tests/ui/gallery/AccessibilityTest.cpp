@@ -52,6 +52,22 @@ TEST_F(AccessibleBars, DescribeEveryControl) {
     EXPECT_EQ((std::vector<std::string>{}), silent);
 }
 
+class AccessibleLinks : public AccessibleGallery {
+protected:
+    AccessibleLinks() : AccessibleGallery(L"links") {}
+};
+
+TEST_F(AccessibleLinks, HaveTheirTextsAndAnActionWhileEnabled) {
+    const auto lines = Lines([](const AccessibleNode& node) {
+        return node.id == OB_GALLERY_LINK_PLAIN || node.id == OB_GALLERY_LINK_OFF;
+    });
+    EXPECT_EQ(
+        (std::vector<std::string>{R"(8001  link "About this program"; is focusable, linked; )"
+                                  R"(action About this program)",
+                                  R"(8003  link "Look for updates"; is unavailable, linked)"}),
+        lines);
+}
+
 class AccessibleToggles : public AccessibleGallery {
 protected:
     AccessibleToggles() : AccessibleGallery(L"toggles") {}
