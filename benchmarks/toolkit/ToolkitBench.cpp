@@ -13,6 +13,7 @@
 
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLibX/src/controls/FlatControls.h"
+#include "ObLibX/src/controls/ObHyperlink.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
@@ -26,10 +27,19 @@ constexpr int kDialogs = 10; // open at a time, where memory and objects are cou
 constexpr int kPaints = 20;  // of one control in one sample
 constexpr int kSixty = 2501;
 constexpr int kBars = 2502;
+constexpr int kLink = 1105; // on the dialog of the bars
 
 class FlatDialog : public ObLibX::ObXFlatDlg {
 public:
     explicit FlatDialog(int id) : ObXFlatDlg(id, nullptr, 0, false) {}
+    bool OnInitDialog() override {
+        ObXFlatDlg::OnInitDialog();
+        if (templateId == kBars) link_.Attach(window);
+        return false;
+    }
+
+private:
+    ObLibX::ObCmdLinkCtrl link_{kLink};
 };
 
 INT_PTR CALLBACK Nothing(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
@@ -134,7 +144,7 @@ constexpr PaintRow kPaintRows[] = {
     {"text", kSixty, 1001, 1001},  {"edit", kSixty, 1016, 1016},   {"password", kSixty, 1024, 1024},
     {"push", kSixty, 1028, 1028},  {"accent", kSixty, 1038, 1038}, {"check", kSixty, 1040, 1040},
     {"radio", kSixty, 1048, 1048}, {"split", kSixty, 1054, 1054},  {"progress", kSixty, 1057, 1057},
-    {"scroll", kBars, 1101, 1103}, {"slider", kBars, 1102, 1104},
+    {"scroll", kBars, 1101, 1103}, {"slider", kBars, 1102, 1104},  {"link", kBars, kLink, kLink},
 };
 
 void PrintPair(const std::string& name, const bench::Pair& pair) {
