@@ -103,7 +103,7 @@ ScrollLayout LayOutScrollBar(const ScrollMetrics& metrics, const ScrollRange& ra
     layout.upArrow = Along(along, whole, 0, layout.arrowLength);
     layout.downArrow = Along(along, whole, length - layout.arrowLength, length);
     layout.track = Along(along, whole, layout.arrowLength, length - layout.arrowLength);
-    layout.thumb = layout.track;
+    layout.thumbSpace = layout.track;
     MoveThumb(layout, along,
               layout.arrowLength +
                   ThumbTravel(layout.Travel(), ValueCount(range), range.minimum, position));
@@ -116,7 +116,7 @@ ScrollLayout LayOutSlider(const SliderMetrics& metrics, const ScrollRange& range
     layout.trackLength = LengthOf(metrics.orientation, metrics.size);
     layout.thumbLength = std::clamp(metrics.thumbLength, 0, layout.trackLength);
     layout.track = Middle(metrics.orientation, metrics.size, metrics.trackThickness);
-    layout.thumb = Whole(metrics.size);
+    layout.thumbSpace = Whole(metrics.size);
     MoveThumb(layout, metrics.orientation,
               ThumbTravel(layout.Travel(), WholeValueCount(range), range.minimum, position));
     return layout;
@@ -127,9 +127,9 @@ void MoveThumb(ScrollLayout& layout, ScrollOrientation orientation, std::int32_t
     const std::int32_t end = start + layout.trackLength;
     layout.thumbOffset = std::clamp(thumbOffset, start, start + layout.Travel());
     const std::int32_t thumbEnd = layout.thumbOffset + layout.thumbLength;
-    layout.thumb = Along(orientation, layout.thumb, layout.thumbOffset, thumbEnd);
-    layout.pageBefore = Along(orientation, layout.thumb, start, layout.thumbOffset);
-    layout.pageAfter = Along(orientation, layout.thumb, thumbEnd, end);
+    layout.thumb = Along(orientation, layout.thumbSpace, layout.thumbOffset, thumbEnd);
+    layout.pageBefore = Along(orientation, layout.thumbSpace, start, layout.thumbOffset);
+    layout.pageAfter = Along(orientation, layout.thumbSpace, thumbEnd, end);
 }
 
 std::int32_t ValueFromPixel(const ScrollLayout& layout, std::int32_t pixel, std::int64_t count,

@@ -54,7 +54,8 @@ struct ScrollLayout {
     PixelRect upArrow;            // or left
     PixelRect downArrow;          // or right
     PixelRect track;
-    PixelRect pageBefore; // the track before the thumb
+    PixelRect thumbSpace; // where the thumb moves: as thick as the thumb, as long as the track
+    PixelRect pageBefore; // thumbSpace before the thumb
     PixelRect pageAfter;
     PixelRect thumb;
 
@@ -83,7 +84,7 @@ struct SliderMetrics {
 ScrollLayout LayOutSlider(const SliderMetrics& metrics, const ScrollRange& range,
                           std::int32_t position);
 
-// Moves the thumb, and the parts of the track beside it, to start at `thumbOffset`, which is
+// Moves the thumb, and the parts of its space beside it, to start at `thumbOffset`, which is
 // limited to the track.
 void MoveThumb(ScrollLayout& layout, ScrollOrientation orientation, std::int32_t thumbOffset);
 
