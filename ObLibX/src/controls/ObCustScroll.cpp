@@ -10,6 +10,7 @@
 
 #include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/LabelBefore.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/ScrollRepeat.h"
@@ -81,12 +82,31 @@ bool IsKnown(const SCROLLINFO& info) {
 ObFlatScrollbar::ObFlatScrollbar(std::int32_t controlId, ScrollOrientation orientation)
     : ObCustomControl(controlId, nullptr, L"", 0), orientation_(orientation) {}
 
+// A window that outlives its object goes on as a stock one.
+ObFlatScrollbar::~ObFlatScrollbar() {
+    RemoveSubclass(window, &ObFlatScrollbar::BarProcedure, this);
+    if (window != nullptr) EndInput();
+}
+
 void ObFlatScrollbar::Attach(HWND attached) {
+    BeginAnew();
     ObCustomControl::Attach(attached);
     AddSubclass(window, &ObFlatScrollbar::BarProcedure, this);
     LoadArrows();
     ComputeLayout();
     Refresh();
+}
+
+// A dialog that is opened again has the objects of before, on new windows.
+void ObFlatScrollbar::BeginAnew() {
+    position_ = 0;
+    range_ = {};
+    OnRangeSet();
+    isUpArrowOn_ = true;
+    isDownArrowOn_ = true;
+    isLeaveAsked_ = false;
+    lastMouse_ = {};
+    heardValue_ = 0;
 }
 
 LRESULT CALLBACK ObFlatScrollbar::BarProcedure(HWND window, UINT message, WPARAM wParam,
@@ -95,7 +115,6 @@ LRESULT CALLBACK ObFlatScrollbar::BarProcedure(HWND window, UINT message, WPARAM
     if (message == WM_NCDESTROY) {
         RemoveSubclass(window, &ObFlatScrollbar::BarProcedure, bar);
         bar->EndInput();
-        TheScrollRepeat().Forget(window);
         bar->accessible_.End();
         return CallNextSubclass(window, message, wParam, lParam);
     }
@@ -174,9 +193,10 @@ void ObFlatScrollbar::ScrollHere() {
     const std::int32_t pixel = std::clamp(AlongBar(lastMouse_), start, start + layout_.trackLength);
     const std::int32_t value = ValueAt(pixel);
     if (value == position_) return;
+    const auto presence = Presence();
     lastReported_ = value;
     Notify(SB_THUMBTRACK, value);
-    lastReported_.reset();
+    if (!presence.expired()) lastReported_.reset();
 }
 
 bool ObFlatScrollbar::OnKeyDown(WPARAM key) {
@@ -228,42 +248,58 @@ void ObFlatScrollbar::OnMouseMove(int x, int y) {
     }
 }
 
-void ObFlatScrollbar::OnPress(LPARAM point) {
-    // One that was posted before the button went up is late.
-    if (TheScrollRepeat().TakePosted(window) && !TheScrollRepeat().IsRunning(window)) return;
+void ObFlatScrollbar::OnPress(WPARAM keys, LPARAM point) {
+    if (!TheScrollRepeat().Accept(window, keys)) return;
     OnLeftButtonDown(GET_X_LPARAM(point), GET_Y_LPARAM(point));
 }
 
 void ObFlatScrollbar::OnLeftButtonDown(int x, int y) {
+    const auto presence = Presence();
     lastMouse_ = {x, y};
     isMouseDown_ = true;
+    pressedPart_ = HitTest(layout_, lastMouse_);
     TakeCapture();
     OnSetFocus();
-    if (!isMouseDown_) return; // whoever lost the focus took the mouse
-    const ScrollPart part = HitTest(layout_, lastMouse_);
-    if (part == ScrollPart::Thumb) {
+    if (presence.expired() || !isMouseDown_) return; // whoever lost the focus took the mouse
+    focusAtPress_ = GetFocus();
+    if (pressedPart_ == ScrollPart::Thumb) {
         BeginDrag(lastMouse_);
-    } else if (part != ScrollPart::None && IsArrowOn(part)) {
-        OnPartPressed(part);
+    } else if (pressedPart_ != ScrollPart::None && IsArrowOn(pressedPart_)) {
+        OnPartPressed(pressedPart_);
     }
-    PaintNow(false);
+    if (!presence.expired()) PaintNow(false);
 }
 
 void ObFlatScrollbar::OnPartPressed(ScrollPart part) {
+    const auto presence = Presence();
     PaintNow(false);
     (this->*std::ranges::find(kPressed, part, &Operation::part)->run)();
-    RepeatPress();
+    if (!presence.expired()) RepeatPress();
 }
 
 void ObFlatScrollbar::RepeatPress() {
-    if (isMouseDown_) TheScrollRepeat().Start(window);
+    if (isMouseDown_ && GetFocus() == focusAtPress_) TheScrollRepeat().Start(window);
+}
+
+// A bar isn't told that a window around it was hidden, nor, where a press doesn't give it the
+// focus, that the focus has gone.
+void ObFlatScrollbar::OnRepeatTick() {
+    if (!IsWindowVisible(window)) {
+        BreakOffInput();
+    } else if (GetFocus() != focusAtPress_) {
+        TheScrollRepeat().Stop(window);
+    } else {
+        TheScrollRepeat().OnTick(window);
+    }
 }
 
 void ObFlatScrollbar::OnLeftButtonUp(int x, int y) {
+    const auto presence = Presence();
     lastMouse_ = {x, y};
     TheScrollRepeat().Stop(window);
-    isMouseDown_ = false;
+    ForgetPress();
     if (isDragging_) EndDrag();
+    if (presence.expired()) return;
     if (!ClientArea(window).Contains(lastMouse_)) DropCapture();
     PaintNow(true);
 }
@@ -286,16 +322,29 @@ void ObFlatScrollbar::OnKillFocus() {
 
 void ObFlatScrollbar::OnCaptureLost(HWND newOwner) {
     if (newOwner == window || (!hasCapture_ && !isMouseDown_)) return;
+    BreakOffInput();
+}
+
+void ObFlatScrollbar::BreakOffInput() {
+    const auto presence = Presence();
+    const std::optional<std::int32_t> dragged = isDragging_ ? lastReported_ : std::nullopt;
     EndInput();
+    if (dragged) OnDragBroken(*dragged);
+    if (presence.expired()) return;
     ReportValue();
     PaintNow(true);
 }
 
 void ObFlatScrollbar::EndInput() {
     TheScrollRepeat().Stop(window);
-    isMouseDown_ = false;
+    ForgetPress();
     ForgetDrag();
     DropCapture();
+}
+
+void ObFlatScrollbar::ForgetPress() {
+    isMouseDown_ = false;
+    pressedPart_ = ScrollPart::None;
 }
 
 // ---- Dragging
@@ -319,9 +368,11 @@ void ObFlatScrollbar::Drag(PixelPoint point) {
 
 // The parent may ask for the track position while it is called.
 void ObFlatScrollbar::EndDrag() {
+    const auto presence = Presence();
     const std::int32_t value = TrackPosition();
     OnDragEnding(value);
     Notify(SB_THUMBPOSITION, value);
+    if (presence.expired()) return;
     ForgetDrag();
     OnThumbReleased(value);
     ReportValue();
@@ -399,11 +450,11 @@ void ObFlatScrollbar::SetRange(std::int32_t minimum, std::int32_t maximum, bool 
 }
 
 void ObFlatScrollbar::SetMinimum(std::int32_t value, bool redraw) {
-    SetRange(value, range_.maximum, redraw);
+    SetRange(value, std::max(value, range_.maximum), redraw);
 }
 
 void ObFlatScrollbar::SetMaximum(std::int32_t value, bool redraw) {
-    SetRange(range_.minimum, value, redraw);
+    SetRange(std::min(range_.minimum, value), value, redraw);
 }
 
 bool ObFlatScrollbar::EnableArrows(WPARAM flags) {
@@ -466,8 +517,8 @@ bool ObFlatScrollbar::GetBarInfo(SCROLLBARINFO& info) const {
     put(ScrollPart::DownArrow, !isDownArrowOn_, STATE_SYSTEM_UNAVAILABLE);
     put(ScrollPart::PageBefore, layout_.pageBefore.IsEmpty(), STATE_SYSTEM_INVISIBLE);
     put(ScrollPart::PageAfter, layout_.pageAfter.IsEmpty(), STATE_SYSTEM_INVISIBLE);
-    const ScrollPart held = HotPart();
-    put(held, isMouseDown_ && held != ScrollPart::None && IsArrowOn(held), STATE_SYSTEM_PRESSED);
+    const bool isHeld = pressedPart_ != ScrollPart::None && pressedPart_ == HotPart();
+    put(pressedPart_, isHeld && IsArrowOn(pressedPart_), STATE_SYSTEM_PRESSED);
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -21,10 +22,20 @@ namespace ObLibX {
 // typed is only reported.
 //
 // The window gets the system's thickness of scroll bars, from its right or bottom edge.
+//
+// Input, in the order of the calls; the parent may delete the object wherever it is notified:
+//   a press     OnPress, OnLeftButtonDown, then BeginDrag on the thumb or else OnPartPressed, which
+//               notifies, and RepeatPress
+//   a move      OnMouseMove, Drag, which notifies
+//   a release   OnLeftButtonUp, EndDrag with OnDragEnding, which notifies, and OnThumbReleased
+//   the mouse is taken away, or the bar is disabled or hidden   BreakOffInput with OnDragBroken
+//   the window or the object goes                               EndInput: nobody is told
 class ObFlatScrollbar : public ObCustomControl, private AccessibleSource {
 public:
     ObFlatScrollbar(std::int32_t id, ScrollOrientation orientation);
+    ~ObFlatScrollbar() override;
 
+    // Begins with the defaults: position 0, range 0 to 100, no page, both arrows on.
     void Attach(HWND attached) override;
     void OnMouseMove(int x, int y) override;
     void OnLeftButtonDown(int x, int y) override;
@@ -48,12 +59,13 @@ public:
     virtual void OnThumbReleased(std::int32_t) {}
     // False: the key isn't the bar's.
     virtual bool OnKeyDown(WPARAM key);
-    // At each press.
+    // At each press, not at WM_SETFOCUS: takes the focus.
     virtual void OnSetFocus();
     // Sizes the window and places its parts. During a drag the thumb stays where it was dragged to.
     virtual void ComputeLayout();
     virtual void SetPageSize(std::int32_t value);
     virtual void SetRange(std::int32_t minimum, std::int32_t maximum, bool redraw);
+    // These two move the other end along where it would be passed.
     virtual void SetMinimum(std::int32_t value, bool redraw);
     virtual void SetMaximum(std::int32_t value, bool redraw);
     // The SB_ code that a notification has instead of this one.
@@ -87,20 +99,26 @@ protected:
     virtual PixelRect Placed(const PixelRect& place);
     // For screen readers: ROLE_SYSTEM_ of a scroll bar.
     LONG AccessibleRole() override;
-    // A new range was set.
+    // A new range was set, which isn't limited yet; LimitState follows.
     virtual void OnRangeSet() {}
-    // Brings range, page and position into what the system's bars allow.
+    // Brings what was set into what the system's controls of this kind allow: of a bar range, page
+    // and position.
     virtual void LimitState();
-    // A press outside the thumb.
+    // A press outside the thumb, on a part that isn't switched off.
     virtual void OnPartPressed(ScrollPart part);
     // A drag ends with this value; the parent is told next.
     virtual void OnDragEnding(std::int32_t) {}
+    // A drag has been broken off, after the parent was told this value.
+    virtual void OnDragBroken(std::int32_t) {}
     // Draws all parts into `dc`, whose size is that of the client area.
     virtual void PaintParts(HDC dc, const PixelRect& area);
 
-    // Sends WM_HSCROLL or WM_VSCROLL. The parent may destroy the window: `window` is null then.
+    // Sends WM_HSCROLL or WM_VSCROLL. The parent may destroy the window: `window` is null then. It
+    // may also delete the object: whoever goes on afterwards asks Presence.
     void Notify(std::uint16_t code, std::int32_t value = 0);
-    // Starts the repeat, unless the button went up while the parent was called.
+    // Has expired once the object is gone.
+    [[nodiscard]] std::weak_ptr<const void> Presence() const { return presence_; }
+    // Starts the repeat, unless the button went up or the focus went while the parent was called.
     void RepeatPress();
     // Moves the thumb and shows it.
     void MoveTo(std::int32_t position);
@@ -109,7 +127,8 @@ protected:
     // These only store.
     void ChangePosition(std::int32_t position) { position_ = position; }
     void ChangePage(std::int32_t page) { range_.page = page; }
-    // The frame of a part that the mouse is on or presses; kNoColor for any other part.
+    // The frame of a part that the mouse is on or presses; kNoColor for any other part, also for
+    // one that the mouse has come to from the part that it presses.
     [[nodiscard]] COLORREF StateFrame(ScrollPart part) const;
     // Whether the focus is to be seen: it is here, and the window's cues aren't hidden.
     [[nodiscard]] bool ShowsFocus() const;
@@ -121,9 +140,13 @@ private:
 
     static LRESULT CALLBACK BarProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                          UINT_PTR id, DWORD_PTR object);
-    void OnPress(LPARAM point);
+    void BeginAnew();
+    void OnPress(WPARAM keys, LPARAM point);
     void OnCaptureLost(HWND newOwner);
+    void OnRepeatTick();
+    void BreakOffInput();
     void EndInput();
+    void ForgetPress();
     void LoadArrows();
     void PaintArrow(HDC dc, ScrollPart part, const PixelRect& area);
     void PaintThumb(HDC dc);
@@ -144,9 +167,11 @@ private:
     std::int32_t position_ = 0;
     ScrollRange range_;
     ScrollLayout layout_;
-    bool isMouseDown_ = false;  // a button went down on the bar
-    bool hasCapture_ = false;   // the mouse is on the bar, or went down on it
-    bool isLeaveAsked_ = false; // WM_MOUSELEAVE comes when the mouse leaves
+    bool isMouseDown_ = false;                  // a button went down on the bar
+    ScrollPart pressedPart_ = ScrollPart::None; // on which it went down
+    HWND focusAtPress_ = nullptr;               // what had the focus then
+    bool hasCapture_ = false;                   // the mouse is on the bar, or went down on it
+    bool isLeaveAsked_ = false;                 // WM_MOUSELEAVE comes when the mouse leaves
     bool isDragging_ = false;
     std::int32_t dragStart_ = -1;      // of the mouse, along the bar
     std::int32_t dragThumbStart_ = -1; // of the thumb
@@ -157,6 +182,7 @@ private:
     PixelPoint lastMouse_;
     ControlAccessible accessible_;
     std::int32_t heardValue_ = 0; // by screen readers
+    std::shared_ptr<const void> presence_ = std::make_shared<char>();
 
     // AccessibleSource: the label before the bar, its position, and from where to where it goes.
     ObLib::ObString AccessibleName() override;

@@ -55,20 +55,24 @@ struct ObFlatScrollbar::Answers {
         return DefaultAndRefresh(bar, m);
     }
     static LRESULT Enable(Bar& bar, const Message& m) {
-        if (m.wParam == FALSE) bar.EndInput();
         bar.Refresh();
+        if (m.wParam == FALSE) bar.BreakOffInput();
         return 0;
     }
     static LRESULT ShowOrHide(Bar& bar, const Message& m) {
-        if (m.wParam == FALSE) bar.EndInput();
-        return Default(bar, m);
+        const LRESULT result = Default(bar, m);
+        if (m.wParam == FALSE) bar.BreakOffInput();
+        return result;
     }
-    // A bar isn't told that a window around it was hidden.
     static LRESULT Timer(Bar& bar, const Message& m) {
         if (m.wParam != kScrollRepeatTimer) return Default(bar, m);
-        if (!IsWindowVisible(bar.window)) bar.EndInput();
-        TheScrollRepeat().OnTick(bar.window);
+        bar.OnRepeatTick();
         return 0;
+    }
+    // Not to a stock scroll bar, which would scroll by keys that aren't the bar's.
+    static LRESULT KeyDown(Bar& bar, const Message& m) {
+        const HWND window = bar.window;
+        return bar.OnKeyDown(m.wParam) ? 0 : DefWindowProcW(window, m.id, m.wParam, m.lParam);
     }
     static LRESULT GetObject(Bar& bar, const Message& m) {
         const LRESULT result = bar.accessible_.OnGetObject(bar.window, m.wParam, m.lParam, bar);
@@ -150,9 +154,9 @@ constexpr ObFlatScrollbar::Answers::Row ObFlatScrollbar::Answers::kRows[] = {
          return 0;
      }},
     {WM_LBUTTONDOWN,
-     [](Bar& bar, const Message& m) -> LRESULT { return bar.OnPress(m.lParam), 0; }},
+     [](Bar& bar, const Message& m) -> LRESULT { return bar.OnPress(m.wParam, m.lParam), 0; }},
     {WM_LBUTTONDBLCLK,
-     [](Bar& bar, const Message& m) -> LRESULT { return bar.OnPress(m.lParam), 0; }},
+     [](Bar& bar, const Message& m) -> LRESULT { return bar.OnPress(m.wParam, m.lParam), 0; }},
     {WM_LBUTTONUP,
      [](Bar& bar, const Message& m) -> LRESULT {
          bar.OnLeftButtonUp(GET_X_LPARAM(m.lParam), GET_Y_LPARAM(m.lParam));
@@ -163,9 +167,7 @@ constexpr ObFlatScrollbar::Answers::Row ObFlatScrollbar::Answers::kRows[] = {
      [](Bar& bar, const Message& m)
          -> LRESULT { return bar.OnCaptureLost(reinterpret_cast<HWND>(m.lParam)), 0; }},
     {WM_TIMER, &Timer},
-    {WM_KEYDOWN,
-     [](Bar& bar,
-        const Message& m) -> LRESULT { return bar.OnKeyDown(m.wParam) ? 0 : Default(bar, m); }},
+    {WM_KEYDOWN, &KeyDown},
     {WM_GETOBJECT, &GetObject},
     {SBM_SETPOS, &SetPos},
     {SBM_GETPOS, [](Bar& bar, const Message&) -> LRESULT { return bar.position_; }},

@@ -75,7 +75,8 @@ ScrollPart ObFlatScrollbar::HotPart() const {
 
 COLORREF ObFlatScrollbar::StateFrame(ScrollPart part) const {
     if (part != HotPart() || !IsWindowEnabled(window) || !IsArrowOn(part)) return kNoColor;
-    return GetPaletteColor(isMouseDown_ ? kPaletteAccent : kPaletteHotFrame);
+    if (!isMouseDown_) return GetPaletteColor(kPaletteHotFrame);
+    return part == pressedPart_ ? GetPaletteColor(kPaletteAccent) : kNoColor;
 }
 
 bool ObFlatScrollbar::ShowsFocus() const {

@@ -5,6 +5,7 @@ namespace ObLibX {
 void ScrollRepeat::Start(HWND bar) {
     if (IsRunning(bar)) return;
     Stop(bar_);
+    isPosted_ = false;
     bar_ = bar;
     countdown_ = kScrollRepeatDelay;
     SetTimer(bar, kScrollRepeatTimer, kScrollRepeatPeriod, nullptr);
@@ -16,27 +17,22 @@ void ScrollRepeat::Stop(HWND bar) {
     bar_ = nullptr;
 }
 
-void ScrollRepeat::Forget(HWND bar) {
-    Stop(bar);
-    if (postedTo_ == bar) postedTo_ = nullptr;
-}
-
 // One press at a time, so that a slow parent isn't flooded.
 void ScrollRepeat::OnTick(HWND bar) {
     if (!IsRunning(bar)) return;
     if (countdown_ > 0) --countdown_;
-    if (countdown_ > 0 || postedTo_ == bar) return;
+    if (countdown_ > 0 || isPosted_) return;
     POINT cursor{};
     GetCursorPos(&cursor);
     ScreenToClient(bar, &cursor);
-    if (PostMessageW(bar, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(cursor.x, cursor.y))) {
-        postedTo_ = bar;
-    }
+    isPosted_ =
+        PostMessageW(bar, WM_LBUTTONDOWN, kRepeatedPress, MAKELPARAM(cursor.x, cursor.y)) != FALSE;
 }
 
-bool ScrollRepeat::TakePosted(HWND bar) {
-    if (postedTo_ != bar || bar == nullptr) return false;
-    postedTo_ = nullptr;
+bool ScrollRepeat::Accept(HWND bar, WPARAM keys) {
+    if (keys != kRepeatedPress) return true;
+    if (!IsRunning(bar)) return false;
+    isPosted_ = false;
     return true;
 }
 

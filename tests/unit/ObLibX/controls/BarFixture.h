@@ -8,7 +8,10 @@
 #include <gtest/gtest.h>
 #include <oleacc.h>
 
+#include <cstddef>
+#include <cstring>
 #include <functional>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -41,6 +44,11 @@ inline BOOL WINAPI ParametersWithBarContrast(UINT action, UINT size, PVOID data,
     if (action != SPI_GETHIGHCONTRAST) return real(action, size, data, flags);
     static_cast<HIGHCONTRASTW*>(data)->dwFlags = isBarContrast ? HCF_HIGHCONTRASTON : 0;
     return TRUE;
+}
+
+// Whether the stock controls beside ours are Wine's, which answer some messages otherwise.
+inline bool AreStockControlsOfWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
 
 // A client area as it is painted, to be asked for single pixels.
@@ -119,6 +127,34 @@ inline Accessible AccessibleOf(HWND window) {
             state.lVal};
 }
 
+// An object in memory of its own, which keeps nothing of it once it is deleted: whoever uses it
+// then is noticed.
+template <class Object>
+class Deletable {
+public:
+    template <class... Arguments>
+    explicit Deletable(Arguments... arguments) {
+        object_ = new (memory_) Object(arguments...);
+    }
+    ~Deletable() { Delete(); }
+    Deletable(const Deletable&) = delete;
+    Deletable& operator=(const Deletable&) = delete;
+
+    Object* operator->() const { return object_; }
+    Object& operator*() const { return *object_; }
+    [[nodiscard]] bool IsThere() const { return object_ != nullptr; }
+    void Delete() {
+        if (object_ == nullptr) return;
+        object_->~Object();
+        object_ = nullptr;
+        std::memset(memory_, 0xDD, sizeof memory_);
+    }
+
+private:
+    alignas(Object) std::byte memory_[sizeof(Object)];
+    Object* object_ = nullptr;
+};
+
 class BarTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -188,6 +224,7 @@ protected:
     ObLib::UniqueWindow parent_;
     std::vector<Scrolled> scrolled_;
     std::function<void(const Scrolled&)> onScrolled_; // the parent's reaction
+    std::function<void(int code)> onCommand_;         // and that to the code of a WM_COMMAND
 
 private:
     static LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam,
@@ -202,6 +239,10 @@ private:
             test->scrolled_.push_back({message, LOWORD(wParam), static_cast<short>(HIWORD(wParam)),
                                        reinterpret_cast<HWND>(lParam)});
             if (test->onScrolled_) test->onScrolled_(test->scrolled_.back());
+            return 0;
+        }
+        if (test != nullptr && message == WM_COMMAND && test->onCommand_) {
+            test->onCommand_(HIWORD(wParam));
             return 0;
         }
         return DefWindowProcW(window, message, wParam, lParam);

@@ -87,13 +87,54 @@ TEST_F(ScrollBarRepeat, EndsWithTheNextTickWhenTheParentIsHidden) {
     EXPECT_EQ(nullptr, GetCapture());
 }
 
-// The system may give the same handle to a later window.
-TEST_F(ScrollBarRepeat, ForgetsAPressThatWasPostedToADestroyedBar) {
+// Somebody else's message loop or hook takes the press that was posted.
+TEST_F(ScrollBarRepeat, BeginsAgainAfterAPressThatNeverCame) {
     PutCursor(Middle(), 1);
     Press(window_, Middle(), 1);
     for (int tick = 0; tick < 4; ++tick) Tick();
-    DestroyWindow(window_);
-    EXPECT_FALSE(TheScrollRepeat().TakePosted(window_));
+    MSG taken{};
+    ASSERT_TRUE(PeekMessageW(&taken, window_, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE));
+    LetGo(window_, Middle(), 1);
+    scrolled_.clear();
+    Press(window_, Middle(), 1);
+    EXPECT_EQ(1u, scrolled_.size()) << "a real press isn't taken for the late one";
+    for (int tick = 0; tick < 4; ++tick) Tick();
+    EXPECT_TRUE(DeliverPress());
+    EXPECT_EQ(2u, scrolled_.size());
+    LetGo(window_, Middle(), 1);
+}
+
+// A panel may take the focus when it scrolls.
+TEST_F(ScrollBarRepeat, DoesNotBeginWhenTheFocusWentMeanwhile) {
+    onScrolled_ = [this](const Scrolled&) { SetFocus(parent_.Get()); };
+    Press(window_, Middle(), 1);
+    EXPECT_EQ(1u, scrolled_.size());
+    EXPECT_TRUE(timersSet.empty());
+    EXPECT_EQ(parent_.Get(), GetFocus());
+    LetGo(window_, Middle(), 1);
+}
+
+// Of a bar whose presses leave the focus with another window, which it then scrolls.
+TEST_F(ScrollBarRepeat, EndsWhenTheFocusGoesFromWhereItWas) {
+    class Hosted : public ObFlatScrollbar {
+    public:
+        using ObFlatScrollbar::ObFlatScrollbar;
+        void OnSetFocus() override {}
+    };
+    const HWND host = Child(L"Edit", 0, {400, 50, 500, 80});
+    const HWND window = Child(L"Static", 0, {200, 50, 260, 284});
+    Hosted bar(1002, ScrollOrientation::Vertical);
+    bar.Attach(window);
+    SetFocus(host);
+    Press(window, Middle(), 1);
+    EXPECT_TRUE(TheScrollRepeat().IsRunning(window));
+    SendMessageW(window, WM_TIMER, kScrollRepeatTimer, 0);
+    EXPECT_TRUE(TheScrollRepeat().IsRunning(window));
+    SetFocus(parent_.Get());
+    SendMessageW(window, WM_TIMER, kScrollRepeatTimer, 0);
+    EXPECT_FALSE(TheScrollRepeat().IsRunning(window));
+    LetGo(window, Middle(), 1);
+    DestroyWindow(window);
 }
 
 TEST_F(ScrollBarRepeat, DropsAPressThatWasPostedBeforeItEnded) {
@@ -123,6 +164,49 @@ TEST_F(ScrollBarRepeat, RunsForOneBarAtATime) {
     EXPECT_TRUE(TheScrollRepeat().IsRunning(window));
     DestroyWindow(window);
     EXPECT_FALSE(TheScrollRepeat().IsRunning(window));
+}
+
+// With its window or without.
+TEST_F(ScrollBarRepeat, SurvivesAParentThatDeletesTheBar) {
+    struct Way {
+        const char* name;
+        void (*act)(ObFlatScrollbar& bar);
+    };
+    const Way ways[] = {{"a press", [](ObFlatScrollbar& bar) { Press(bar.window, 3, 1); }},
+                        {"a key", [](ObFlatScrollbar& bar) { Key(bar.window, VK_UP); }},
+                        {"a drag",
+                         [](ObFlatScrollbar& bar) {
+                             const PixelPoint thumb = bar.Layout().thumb.Centre();
+                             Press(bar.window, thumb.x, thumb.y);
+                             Move(bar.window, thumb.x, thumb.y + 30);
+                         }},
+                        {"the end of a drag",
+                         [](ObFlatScrollbar& bar) {
+                             const HWND window = bar.window;
+                             const PixelPoint thumb = bar.Layout().thumb.Centre();
+                             Press(window, thumb.x, thumb.y);
+                             LetGo(window, thumb.x, thumb.y);
+                         }},
+                        {"a place", [](ObFlatScrollbar& bar) {
+                             bar.SetLastMouse({3, 120}), bar.ScrollHere();
+                         }}};
+    for (const Way& way : ways) {
+        for (const bool isWindowThere : {true, false}) {
+            SCOPED_TRACE(way.name);
+            const HWND window = Child(L"Static", 0, {200, 50, 260, 284});
+            Deletable<ObFlatScrollbar> bar(1002, ScrollOrientation::Vertical);
+            bar->Attach(window);
+            onScrolled_ = [&](const Scrolled&) {
+                if (!isWindowThere) DestroyWindow(window);
+                bar.Delete();
+            };
+            way.act(*bar);
+            EXPECT_FALSE(bar.IsThere());
+            EXPECT_FALSE(TheScrollRepeat().IsRunning(window));
+            EXPECT_EQ(nullptr, GetCapture());
+            if (isWindowThere) DestroyWindow(window);
+        }
+    }
 }
 
 class ScrollBarDrag : public ScrollBarTest {
@@ -237,12 +321,30 @@ TEST_F(ScrollBarDrag, SurvivesAParentThatDestroysTheBar) {
 
 TEST_F(ScrollBarDrag, OfAThumbWithoutTravelReportsThePosition) {
     SetWindowPos(window_, nullptr, 0, 0, thickness_, 2 * arrow_ + 10, SWP_NOZORDER | SWP_NOMOVE);
-    Begin();
     EXPECT_EQ(0, bar_.Layout().Travel());
     Press(window_, Middle(), Track(5));
+    EXPECT_TRUE(bar_.IsDragging());
     Move(window_, Middle(), Track(60));
-    LetGo(window_, Middle(), Track(60));
-    for (const Scrolled& sent : scrolled_) EXPECT_EQ(40, sent.value);
+    Move(window_, Middle(), Track(-60));
+    LetGo(window_, Middle(), Track(-60));
+    EXPECT_EQ((std::vector{Vertical(SB_THUMBTRACK, 40), Vertical(SB_THUMBPOSITION, 40)}),
+              scrolled_);
+}
+
+TEST_F(ScrollBarDrag, GoesOnWhenHighContrastComes) {
+    Begin();
+    Move(window_, Middle(), Track(94));
+    isBarContrast = true;
+    SendMessageW(window_, WM_SYSCOLORCHANGE, 0, 0);
+    SendMessageW(window_, WM_THEMECHANGED, 0, 0);
+    bar_.Refresh();
+    EXPECT_TRUE(bar_.IsDragging());
+    EXPECT_EQ(GetSysColor(COLOR_WINDOW), PaintedPixels(window_).At(1, bar_.Layout().thumb.top + 1));
+    Move(window_, Middle(), Track(98));
+    LetGo(window_, Middle(), Track(98));
+    EXPECT_EQ((std::vector{Vertical(SB_THUMBTRACK, 42), Vertical(SB_THUMBTRACK, 44),
+                           Vertical(SB_THUMBPOSITION, 44)}),
+              scrolled_);
 }
 
 } // namespace

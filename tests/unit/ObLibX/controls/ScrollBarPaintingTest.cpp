@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLibX/controls/ScrollBarFixture.h"
 
 namespace {
@@ -72,6 +73,36 @@ TEST_F(ScrollBarPainting, FramesThePressedPartInTheAccentColour) {
     LetGo(window_, -80, Track(110));
 }
 
+// What is under the mouse isn't what is pressed.
+TEST_F(ScrollBarPainting, FramesNoOtherPartWhileOneIsPressed) {
+    HideFocusCues(window_);
+    Press(window_, Middle(), 5);
+    Move(window_, Middle(), Track(100));
+    EXPECT_EQ(Thumb().Width() * Thumb().Height(), PaintedPixels(window_).Count(Thumb(), 0xCCCCCC));
+    EXPECT_FALSE(PaintedPixels(window_).IsFramed(bar_.Layout().upArrow, kAccentColor));
+    Move(window_, Middle(), 5);
+    EXPECT_TRUE(PaintedPixels(window_).IsFramed(bar_.Layout().upArrow, kAccentColor)) << "back";
+    Move(window_, Middle(), Track(100));
+    LetGo(window_, Middle(), Track(100));
+    EXPECT_TRUE(PaintedPixels(window_).IsFramed(Thumb(), GetPaletteColor(7)));
+    Press(window_, Middle(), Track(5));
+    Move(window_, Middle(), Bottom() - 5);
+    EXPECT_FALSE(PaintedPixels(window_).IsFramed(bar_.Layout().downArrow, kAccentColor));
+    LetGo(window_, Middle(), Bottom() - 5);
+}
+
+// The mouse doesn't move meanwhile.
+TEST_F(ScrollBarPainting, HasTheSystemsColoursWhenHighContrastComesUnderTheMouse) {
+    Move(window_, Middle(), Track(100));
+    isBarContrast = true;
+    SendMessageW(window_, WM_SYSCOLORCHANGE, 0, 0);
+    bar_.Refresh();
+    const PaintedPixels pixels(window_);
+    EXPECT_EQ(GetSysColor(COLOR_WINDOW), pixels.At(2, Thumb().top + 2));
+    EXPECT_EQ(GetPaletteColor(7), pixels.At(0, Thumb().top + 2)) << "the frame of the hover";
+    EXPECT_EQ(GetSysColor(COLOR_ACTIVECAPTION), GetPaletteColor(7));
+}
+
 TEST_F(ScrollBarPainting, DrawsArrowsThatAreOffAsDisabled) {
     const auto arrowPixels = [&](const PixelRect& arrow) {
         const PaintedPixels pixels(window_);
@@ -104,7 +135,7 @@ TEST_F(ScrollBarPainting, HasTheSystemsColoursAndAGripInHighContrast) {
     EXPECT_TRUE(pixels.IsFramed(Thumb(), line));
     const PixelRect thumb = Thumb();
     const PixelRect column{Middle(), thumb.top + 1, Middle() + 1, thumb.bottom - 1};
-    EXPECT_EQ(3, pixels.Count(column, line)) << "three lines";
+    EXPECT_EQ(3 * Scale(1), pixels.Count(column, line)) << "three lines";
 }
 
 TEST_F(ScrollBarPainting, ShowsTheFocusOnItsThumbUnlessCuesAreHidden) {
