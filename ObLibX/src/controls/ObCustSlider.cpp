@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/controls/ScrollRepeat.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
@@ -32,11 +33,6 @@ constexpr Key kKeys[] = {{VK_PRIOR, 1, SB_PAGEUP},   {VK_UP, 1, SB_LINEUP},
                          {VK_LEFT, -1, SB_LINEDOWN}, {VK_DOWN, -1, SB_LINEDOWN}};
 
 } // namespace
-
-void ObFlatSlider::Attach(HWND attached) {
-    OnRangeSet();
-    ObFlatScrollbar::Attach(attached);
-}
 
 PixelRect ObFlatSlider::Placed(const PixelRect& place) {
     const int thickness = Scale(kThickness);
@@ -69,8 +65,9 @@ void ObFlatSlider::SetPageSize(std::int32_t value) {
 void ObFlatSlider::LimitState() { ChangePosition(MovedWithin(Range(), Position(), 0)); }
 
 void ObFlatSlider::OnSetFocus() {
+    const auto presence = Presence();
     ObFlatScrollbar::OnSetFocus();
-    PaintNow(false);
+    if (!presence.expired()) PaintNow(false);
 }
 
 // Before the parent is told, so that a position which the parent then sets remains.
@@ -81,12 +78,25 @@ void ObFlatSlider::OnDragEnding(std::int32_t value) {
 
 void ObFlatSlider::OnThumbReleased(std::int32_t) { MoveTo(Position()); }
 
-// A page towards the press.
+// The parent has been told the values of the drag: the last one counts.
+void ObFlatSlider::OnDragBroken(std::int32_t value) {
+    MoveTo(MovedWithin(Range(), value, 0));
+    Notify(SB_THUMBPOSITION, Position());
+}
+
+// A page towards the press. A press that is repeated ends where the thumb has passed the mouse: it
+// would swing around it.
 void ObFlatSlider::OnPartPressed(ScrollPart part) {
+    if (TheScrollRepeat().IsRunning(window) && part != pressedSide_) {
+        TheScrollRepeat().Stop(window);
+        return;
+    }
+    pressedSide_ = part;
+    const auto presence = Presence();
     const std::int64_t page = Range().page;
     MoveTo(MovedWithin(Range(), Position(), part == ScrollPart::PageBefore ? -page : page));
     Notify(SB_THUMBPOSITION, Position());
-    RepeatPress();
+    if (!presence.expired()) RepeatPress();
 }
 
 bool ObFlatSlider::OnKeyDown(WPARAM key) {
@@ -104,7 +114,9 @@ void ObFlatSlider::PaintParts(HDC dc, const PixelRect& area) {
     FillArea(dc, Layout().track, isEnabled ? GetPaletteColor(kPaletteLine) : kDisabledTrack);
     PaintThumb(dc);
     if (!ShowsFocus()) return;
-    if (!IsHighContrast()) FrameArea(dc, Layout().thumb, GetPaletteColor(kPaletteAccent));
+    if (!IsHighContrast() && StateFrame(ScrollPart::Thumb) == kNoColor) {
+        FrameArea(dc, Layout().thumb, GetPaletteColor(kPaletteAccent));
+    }
     ComputeFocusRectangle();
     DrawFocus(dc);
 }

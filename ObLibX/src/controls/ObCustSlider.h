@@ -12,7 +12,6 @@ class ObFlatSlider : public ObFlatScrollbar {
 public:
     using ObFlatScrollbar::ObFlatScrollbar;
 
-    void Attach(HWND attached) override;
     void ComputeFocusRectangle() override;
     void OnThumbReleased(std::int32_t value) override;
     bool OnKeyDown(WPARAM key) override;
@@ -24,14 +23,17 @@ protected:
     ScrollLayout LaidOut(PixelPoint size) override;
     PixelRect Placed(const PixelRect& place) override;
     LONG AccessibleRole() override;
-    void OnRangeSet() override;
-    void LimitState() override;
+    void OnRangeSet() override; // the page follows
+    void LimitState() override; // the position only, as a trackbar
     void OnPartPressed(ScrollPart part) override;
     void OnDragEnding(std::int32_t value) override;
+    void OnDragBroken(std::int32_t value) override;
     void PaintParts(HDC dc, const PixelRect& area) override;
 
 private:
     void PaintThumb(HDC dc);
+
+    ScrollPart pressedSide_ = ScrollPart::None; // of the thumb, before the repeat
 };
 
 } // namespace ObLibX
