@@ -6,6 +6,10 @@ namespace ObLibX {
 namespace {
 
 constexpr std::int32_t kSimpleGap = 2; // around the list of a simple combo box
+constexpr std::int32_t kDropGap = 1;   // below the combo box
+
+bool IsFirstHalf(wchar_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+bool IsSecondHalf(wchar_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 } // namespace
 
@@ -13,9 +17,10 @@ PixelRect PlaceComboList(ComboKind kind, const PixelRect& combo, const PixelRect
                          std::int32_t listHeight) {
     if (kind == ComboKind::Simple) {
         const std::int32_t top = item.bottom + kSimpleGap;
-        return {item.left - kSimpleGap, top, item.right + kSimpleGap, top + listHeight};
+        const std::int32_t bottom = std::min(top + listHeight, std::max(combo.bottom, top));
+        return {item.left - kSimpleGap, top, item.right + kSimpleGap, bottom};
     }
-    const std::int32_t top = combo.bottom + 1;
+    const std::int32_t top = combo.bottom + kDropGap;
     return {item.left, top, item.right, top + listHeight};
 }
 
@@ -29,9 +34,13 @@ std::int32_t ButtonBesideEdit(const PixelRect& combo, const PixelRect& edit) {
     return std::max(combo.bottom - edit.bottom, combo.right - edit.right) - 1;
 }
 
-std::size_t FittingCharacters(std::size_t count, const std::function<bool(std::size_t)>& fits) {
-    while (count > 0 && !fits(count)) --count;
-    return count;
+std::int32_t DroppedListTop(const PixelRect& combo, std::int32_t stockTop) {
+    return stockTop > combo.top ? combo.bottom + kDropGap : stockTop;
+}
+
+std::size_t WholeCharacters(const wchar_t* text, std::size_t count) {
+    const bool isCut = count > 0 && IsFirstHalf(text[count - 1]) && IsSecondHalf(text[count]);
+    return isCut ? count - 1 : count;
 }
 
 } // namespace ObLibX

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 
 #include "ObLibX/src/dialog/Geometry.h"
 
@@ -12,7 +11,8 @@ namespace ObLibX {
 enum class ComboKind { Simple, Dropdown, DropdownList };
 
 // Place of the list of `listHeight`, in the coordinates of the other two: as wide as the item and
-// below the combo, or of a simple one a little wider than the edit and below that.
+// below the combo, or of a simple one, which is inside the combo, a little wider than the edit and
+// below that.
 PixelRect PlaceComboList(ComboKind kind, const PixelRect& combo, const PixelRect& item,
                          std::int32_t listHeight);
 
@@ -22,7 +22,12 @@ PixelRect ComboButton(const PixelRect& client, std::int32_t width);
 // The width of the button beside an edit.
 std::int32_t ButtonBesideEdit(const PixelRect& combo, const PixelRect& edit);
 
-// How many of `count` characters fit: the last one is left out until `fits` is true.
-std::size_t FittingCharacters(std::size_t count, const std::function<bool(std::size_t)>& fits);
+// Where a list that is dropped down begins, for the place that the stock combo box gives it; one
+// that is dropped up stays where it is.
+std::int32_t DroppedListTop(const PixelRect& combo, std::int32_t stockTop);
+
+// How many units of a text are drawn where the first `count` fit: without half a surrogate pair at
+// their end. `text` is followed by its NUL.
+std::size_t WholeCharacters(const wchar_t* text, std::size_t count);
 
 } // namespace ObLibX

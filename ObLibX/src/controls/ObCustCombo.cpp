@@ -31,13 +31,46 @@ constexpr COLORREF kFocusText = 0xFFFFFF;
 constexpr std::int32_t kSimpleFrame = 1; // of the edit, in pixels at every scale
 constexpr int kTextPadding = 4;          // at 96 dpi
 
-// After these the stock combo box has painted by itself, or has another text.
+// After these the stock combo box has painted something over what the object painted.
 constexpr UINT kRepaintedAfter[] = {
-    WM_ENABLE,    WM_SETFOCUS,     WM_KILLFOCUS,     WM_SETTEXT,        WM_SETFONT,
-    WM_SIZE,      WM_COMMAND,      WM_KEYDOWN,       WM_CHAR,           WM_MOUSEWHEEL,
-    WM_LBUTTONUP, WM_LBUTTONDOWN,  WM_LBUTTONDBLCLK, WM_CAPTURECHANGED, WM_UPDATEUISTATE,
-    CB_SETCURSEL, CB_SELECTSTRING, CB_RESETCONTENT,  CB_DELETESTRING,   CB_SHOWDROPDOWN,
+    // The button, pressed or not, and the frame of the focus, without WM_PAINT.
+    WM_ENABLE, WM_SETFOCUS, WM_KILLFOCUS, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, WM_LBUTTONUP,
+    WM_CAPTURECHANGED, CB_SHOWDROPDOWN, WM_UPDATEUISTATE,
+    // Another text, also without WM_PAINT. The list selects by WM_COMMAND.
+    WM_SETTEXT, WM_COMMAND, WM_KEYDOWN, WM_CHAR, WM_MOUSEWHEEL, CB_SETCURSEL, CB_SELECTSTRING,
+    CB_RESETCONTENT, CB_DELETESTRING,
+    // Its parts have other places, and the arrow may have another picture.
+    WM_SETFONT, WM_SIZE};
+
+// After these the stock combo box has placed its list anew.
+constexpr UINT kListPlacedAfter[] = {WM_SIZE, WM_SETFONT, CB_SETITEMHEIGHT};
+
+template <std::size_t Count>
+bool IsOneOf(const UINT (&messages)[Count], UINT message) {
+    return std::ranges::find(messages, message) != std::end(messages);
+}
+
+// What is excluded from a device context for a scope, which may be somebody else's.
+class SavedClip {
+public:
+    explicit SavedClip(HDC dc) : dc_(dc), saved_(SaveDC(dc)) {}
+    ~SavedClip() { RestoreDC(dc_, saved_); }
+    SavedClip(const SavedClip&) = delete;
+    SavedClip& operator=(const SavedClip&) = delete;
+
+private:
+    HDC dc_;
+    int saved_;
 };
+
+// How many units of a text fit a width, beginning with the first.
+std::size_t FittingUnits(HDC dc, const ObLib::ObString& text, int width) {
+    int fitting = 0;
+    SIZE size{};
+    GetTextExtentExPointW(dc, text.CStr(), static_cast<int>(std::wcslen(text.CStr())),
+                          std::max(width, 0), &fitting, nullptr, &size);
+    return static_cast<std::size_t>(std::max(fitting, 0));
+}
 
 // A frame over the whole window, border and client area.
 void FrameNonClient(HWND window, int width) {
@@ -70,6 +103,12 @@ void TakeEdgesOff(HWND window) {
 ObFlatComboBoxBase::ObFlatComboBoxBase(std::int32_t controlId, ComboKind kind)
     : ObCustomControl(controlId, nullptr, L"", 0), kind_(kind) {}
 
+// Windows that outlive their object go on as stock ones.
+ObFlatComboBoxBase::~ObFlatComboBoxBase() {
+    RemoveSubclass(window, &ObFlatComboBoxBase::ComboProcedure, this);
+    RemoveSubclass(listWindow, &ObFlatComboBoxBase::ListProcedure, this);
+}
+
 void ObFlatComboBoxBase::Attach(HWND attached) {
     ObCustomControl::Attach(attached);
     TakeEdgesOff(window);
@@ -101,14 +140,30 @@ void ObFlatComboBoxBase::FindParts() {
 // A simple combo box has its list as a child, the others on the desktop.
 void ObFlatComboBoxBase::PlaceList() {
     const PixelRect list = OnScreen(listWindow);
-    const PixelRect place =
-        PlaceComboList(kind_, OnScreen(window), OnScreen(comboInfo.hwndItem), list.Height());
+    const PixelRect place = PlaceComboList(kind_, OnScreen(window), ItemOnScreen(), list.Height());
     RECT rect = AsRect(place);
     if (kind_ == ComboKind::Simple) {
         MapWindowPoints(HWND_DESKTOP, window, reinterpret_cast<POINT*>(&rect), 2);
     }
     SetWindowPos(listWindow, nullptr, rect.left, rect.top, place.Width(), place.Height(),
                  SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// An edit with a frame is lower than what is inside its frame: measured from the edit, the list
+// would cover the frame.
+PixelRect ObFlatComboBoxBase::ItemOnScreen() const {
+    const PixelRect item = OnScreen(comboInfo.hwndItem);
+    if (kind_ != ComboKind::Simple || editObject == nullptr) return item;
+    if (editObject->frameWindow == nullptr) return item;
+    const PixelRect frame = OnScreen(editObject->frameWindow);
+    const std::int32_t width = editObject->frameWidth;
+    return {item.left, frame.top + width, item.right, frame.bottom - width};
+}
+
+// At each drop the stock combo box places its list.
+void ObFlatComboBoxBase::PlaceDroppedList(WINDOWPOS& place) const {
+    if (kind_ == ComboKind::Simple || (place.flags & SWP_NOMOVE) != 0) return;
+    place.y = DroppedListTop(OnScreen(window), place.y);
 }
 
 void ObFlatComboBoxBase::MakeEdit(bool hideFrame, std::int32_t frameWidth) {
@@ -126,20 +181,16 @@ LRESULT CALLBACK ObFlatComboBoxBase::ComboProcedure(HWND window, UINT message, W
     auto* const combo = reinterpret_cast<ObFlatComboBoxBase*>(object);
     if (message == WM_NCDESTROY) {
         RemoveSubclass(window, &ObFlatComboBoxBase::ComboProcedure, combo);
-        combo->OnMessage(message, wParam, lParam);
+        combo->OnWindowGone();
         return CallNextSubclass(window, message, wParam, lParam);
     }
-    if (ObLib::Guarded(true, [&] { return combo->OnMessage(message, wParam, lParam); })) {
-        return message == WM_ERASEBKGND ? TRUE : 0;
-    }
+    const auto own = ObLib::Guarded(std::optional<LRESULT>(0),
+                                    [&] { return combo->OnMessage(message, wParam, lParam); });
+    if (own) return *own;
     const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
-    static_cast<void>(ObLib::RanGuarded([&] {
-        if (combo->window == nullptr) return;
-        if (message == WM_NCPAINT) combo->OnEditNcPaint();
-        if (std::ranges::find(kRepaintedAfter, message) != std::end(kRepaintedAfter)) {
-            combo->Refresh();
-        }
-    }));
+    if (IsWindow(window)) {
+        static_cast<void>(ObLib::RanGuarded([&] { combo->OnHandled(message); }));
+    }
     return result;
 }
 
@@ -151,6 +202,9 @@ LRESULT CALLBACK ObFlatComboBoxBase::ListProcedure(HWND window, UINT message, WP
         combo->listWindow = nullptr;
         return CallNextSubclass(window, message, wParam, lParam);
     }
+    if (message == WM_WINDOWPOSCHANGING && combo->window != nullptr) {
+        combo->PlaceDroppedList(*reinterpret_cast<WINDOWPOS*>(lParam));
+    }
     const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     if (message == WM_NCPAINT) {
         static_cast<void>(ObLib::RanGuarded([combo] { combo->OnListNcPaint(); }));
@@ -158,22 +212,39 @@ LRESULT CALLBACK ObFlatComboBoxBase::ListProcedure(HWND window, UINT message, WP
     return result;
 }
 
-bool ObFlatComboBoxBase::OnMessage(UINT message, WPARAM wParam, LPARAM) {
-    if (!PaintsItself()) return false;
+std::optional<LRESULT> ObFlatComboBoxBase::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_CTLCOLOREDIT || message == WM_CTLCOLORSTATIC) {
+        const bool isEdit = editObject && reinterpret_cast<HWND>(lParam) == comboInfo.hwndItem;
+        if (isEdit) return ColorsOfEdit(message, wParam, lParam);
+    }
+    if (!PaintsItself()) return std::nullopt;
     switch (message) {
     case WM_PAINT: {
         const PaintDc dc(window);
         if (dc.Get() != nullptr) Paint(dc.Get());
-        return true;
+        return 0;
     }
     case WM_PRINTCLIENT:
         Paint(reinterpret_cast<HDC>(wParam));
-        return true;
+        return 0;
     case WM_ERASEBKGND:
-        return true;
+        return TRUE;
     default:
-        return false;
+        return std::nullopt;
     }
+}
+
+// A stock combo box passes the question on to the dialog, which doesn't know the edit.
+LRESULT ObFlatComboBoxBase::ColorsOfEdit(UINT message, WPARAM wParam, LPARAM lParam) {
+    const HBRUSH brush =
+        editObject->OnCtlColor(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+    return brush != nullptr ? reinterpret_cast<LRESULT>(brush)
+                            : DefWindowProcW(window, message, wParam, lParam);
+}
+
+void ObFlatComboBoxBase::OnHandled(UINT message) {
+    if (message == WM_NCPAINT) OnEditNcPaint();
+    if (IsOneOf(kRepaintedAfter, message)) Refresh();
 }
 
 // ---- Simple
@@ -184,11 +255,19 @@ ObFlatComboBoxSimple::ObFlatComboBoxSimple(std::int32_t controlId)
 void ObFlatComboBoxSimple::Attach(HWND attached) {
     ObFlatComboBoxBase::Attach(attached);
     MakeEdit(false, kSimpleFrame);
+    PlaceList();
+}
+
+void ObFlatComboBoxSimple::OnHandled(UINT message) {
+    ObFlatComboBoxBase::OnHandled(message);
+    if (IsOneOf(kListPlacedAfter, message)) PlaceList();
 }
 
 // ---- With a button
 
 void ObFlatComboBoxDropdownBase::Attach(HWND attached) {
+    buttonHot = false; // of the window before, in a dialog that is opened again
+    animatedButtonColor = kNoColor;
     ObFlatComboBoxBase::Attach(attached);
     LoadArrows();
     buttonWidth = WantedButtonWidth();
@@ -216,11 +295,17 @@ void ObFlatComboBoxDropdownBase::Refresh() {
     ObFlatComboBoxBase::Refresh();
 }
 
-bool ObFlatComboBoxDropdownBase::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_NCDESTROY) fade.Stop();
+std::optional<LRESULT> ObFlatComboBoxDropdownBase::OnMessage(UINT message, WPARAM wParam,
+                                                             LPARAM lParam) {
     if (message == WM_MOUSEMOVE) OnMouseMove(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
     if (message == WM_MOUSELEAVE) OnMouseLeave();
     return ObFlatComboBoxBase::OnMessage(message, wParam, lParam);
+}
+
+// A window that is disabled under the mouse isn't told of the mouse's leaving.
+void ObFlatComboBoxDropdownBase::OnHandled(UINT message) {
+    if (message == WM_ENABLE && !IsWindowEnabled(window)) OnMouseLeave();
+    ObFlatComboBoxBase::OnHandled(message);
 }
 
 // No hover where a fade can't be seen or colours are the user's.
@@ -263,6 +348,7 @@ PixelRect ObFlatComboBoxDropdownBase::TextSpace(const PixelRect& client) const {
 void ObFlatComboBoxDropdownBase::Paint(HDC dc) {
     const OffscreenPaint picture(window, dc);
     if (!picture) return;
+    const SavedClip clip(dc);
     if (comboInfo.hwndItem != window) {
         const PixelRect edit = RectInParent(comboInfo.hwndItem);
         ExcludeClipRect(dc, edit.left, edit.top, edit.right, edit.bottom);
@@ -275,7 +361,8 @@ void ObFlatComboBoxDropdownBase::Paint(HDC dc) {
 }
 
 void ObFlatComboBoxDropdownBase::PaintButton(HDC dc) {
-    const COLORREF fill = animatedButtonColor != kNoColor ? animatedButtonColor : GetFillColor();
+    const bool isFading = animatedButtonColor != kNoColor && !IsHighContrast();
+    const COLORREF fill = isFading ? animatedButtonColor : GetFillColor();
     FillArea(dc, buttonRectangle, fill);
     const bool isOn = IsWindowEnabled(window) != FALSE;
     DrawImage(dc, isOn ? arrowImage.Get() : arrowImageDisabled.Get(), arrowPosition.x,
@@ -318,17 +405,20 @@ void ObFlatComboBoxDropdownList::PaintText(HDC dc, const PixelRect& area) {
     ObLib::GetWindowTextString(window, text);
     RECT place = AsRect(area);
     place.left += Scale(kTextPadding);
-    const auto fits = [&](std::size_t count) {
-        SIZE size{};
-        GetTextExtentPoint32W(dc, text.CStr(), static_cast<int>(count), &size);
-        return size.cx <= place.right - place.left;
-    };
-    const auto count = static_cast<int>(FittingCharacters(std::wcslen(text.CStr()), fits));
+    const std::size_t count =
+        WholeCharacters(text.CStr(), FittingUnits(dc, text, place.right - place.left));
     SetBkMode(dc, TRANSPARENT);
-    const COLORREF plain = IsWindowEnabled(window) ? GetTextColor() : kDisabledTextColor;
-    ::SetTextColor(dc, hasFocus ? kFocusText : plain);
-    DrawTextW(dc, text.CStr(), count, &place, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+    ::SetTextColor(dc, ListTextColor(hasFocus));
+    DrawTextW(dc, text.CStr(), static_cast<int>(count), &place,
+              DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
     SelectObject(dc, old);
+}
+
+// In high contrast the hot colour is one that is read on a window, so a window's is read on it;
+// white may not be.
+COLORREF ObFlatComboBoxDropdownList::ListTextColor(bool hasFocus) {
+    if (hasFocus) return IsHighContrast() ? GetSysColor(COLOR_WINDOW) : kFocusText;
+    return IsWindowEnabled(window) ? GetTextColor() : kDisabledTextColor;
 }
 
 } // namespace ObLibX

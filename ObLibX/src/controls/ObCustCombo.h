@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <memory>
+#include <optional>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/controls/ColorFade.h"
@@ -17,6 +18,7 @@ namespace ObLibX {
 // The process ends for a window without the parts of a combo box.
 class ObFlatComboBoxBase : public ObCustomControl {
 public:
+    ~ObFlatComboBoxBase() override;
     void Attach(HWND attached) override;
     // WM_PAINT and WM_PRINTCLIENT of the combo box.
     virtual void Paint(HDC) {}
@@ -33,9 +35,15 @@ protected:
 
     // The object paints the combo box.
     [[nodiscard]] virtual bool PaintsItself() const { return false; }
-    // True: the message is done with.
-    virtual bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    // Before the stock combo box gets a message. A value: it doesn't, and that is the result.
+    virtual std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    // The stock combo box has handled a message, and its window is still there.
+    virtual void OnHandled(UINT message);
+    // WM_NCDESTROY.
+    virtual void OnWindowGone() {}
     void MakeEdit(bool hideFrame, std::int32_t frameWidth);
+    // Below the item, or of a simple combo box below the frame of its edit.
+    void PlaceList();
 
 private:
     static LRESULT CALLBACK ComboProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
@@ -43,7 +51,9 @@ private:
     static LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                           UINT_PTR id, DWORD_PTR object);
     void FindParts();
-    void PlaceList();
+    [[nodiscard]] PixelRect ItemOnScreen() const;
+    [[nodiscard]] LRESULT ColorsOfEdit(UINT message, WPARAM wParam, LPARAM lParam);
+    void PlaceDroppedList(WINDOWPOS& place) const;
 
     ComboKind kind_;
 };
@@ -52,6 +62,9 @@ class ObFlatComboBoxSimple : public ObFlatComboBoxBase {
 public:
     explicit ObFlatComboBoxSimple(std::int32_t id);
     void Attach(HWND attached) override;
+
+protected:
+    void OnHandled(UINT message) override;
 };
 
 // What the two have in common that drop a list down: a button with an arrow.
@@ -78,7 +91,9 @@ protected:
     using ObFlatComboBoxBase::ObFlatComboBoxBase;
 
     bool PaintsItself() const override { return true; }
-    bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnHandled(UINT message) override;
+    void OnWindowGone() override { fade.Stop(); }
     [[nodiscard]] virtual std::int32_t WantedButtonWidth() const = 0;
     // On the filled client area, left of the button.
     virtual void PaintText(HDC, const PixelRect&) {}
@@ -108,6 +123,9 @@ public:
 protected:
     std::int32_t WantedButtonWidth() const override;
     void PaintText(HDC dc, const PixelRect& area) override;
+
+private:
+    [[nodiscard]] COLORREF ListTextColor(bool hasFocus);
 };
 
 } // namespace ObLibX

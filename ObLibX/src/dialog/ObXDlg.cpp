@@ -180,7 +180,11 @@ HBRUSH ObXDlg::OnCtlColorDlg() {
     return isFlat && !IsHighContrast() ? DialogBrush(backgroundColor) : nullptr;
 }
 
-ObCustomControl* ObXDlg::ControlOf(HWND control) const { return GetControl(GetDlgCtrlID(control)); }
+// A part of a control may have the id of another control, as the edit of a combo box.
+ObCustomControl* ObXDlg::ControlOf(HWND control) const {
+    const bool isPart = window != nullptr && GetParent(control) != window;
+    return isPart ? nullptr : GetControl(GetDlgCtrlID(control));
+}
 
 HBRUSH ObXDlg::OnCtlColorStatic(HWND control, HDC dc) {
     if (!isFlat) return nullptr;

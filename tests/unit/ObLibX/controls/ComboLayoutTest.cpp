@@ -17,7 +17,14 @@ TEST(ComboListPlace, IsOneBelowAComboThatDropsItDown) {
 }
 
 TEST(ComboListPlace, IsTwoBelowTheEditAndTwoWiderOnEachSideWhenSimple) {
-    EXPECT_EQ((PixelRect{11, 43, 112, 143}), PlaceComboList(ComboKind::Simple, kCombo, kEdit, 100));
+    const PixelRect combo{10, 20, 130, 200};
+    EXPECT_EQ((PixelRect{11, 43, 112, 143}), PlaceComboList(ComboKind::Simple, combo, kEdit, 100));
+}
+
+TEST(ComboListPlace, EndsWithASimpleCombo) {
+    const PixelRect combo{10, 20, 130, 120};
+    EXPECT_EQ((PixelRect{11, 43, 112, 120}), PlaceComboList(ComboKind::Simple, combo, kEdit, 100));
+    EXPECT_EQ((PixelRect{11, 43, 112, 43}), PlaceComboList(ComboKind::Simple, kEdit, kEdit, 100));
 }
 
 TEST(ComboButtonPlace, IsAtTheRightEnd) {
@@ -31,11 +38,23 @@ TEST(ComboButtonPlace, IsAsWideAsTheRoomBesideTheEdit) {
     EXPECT_EQ(25, ButtonBesideEdit({0, 0, 100, 50}, {2, 2, 90, 24}));
 }
 
-TEST(ComboText, LosesOneCharacterAtATime) {
-    EXPECT_EQ(7u, FittingCharacters(20, [](std::size_t count) { return count <= 7; }));
-    EXPECT_EQ(20u, FittingCharacters(20, [](std::size_t) { return true; }));
-    EXPECT_EQ(0u, FittingCharacters(20, [](std::size_t) { return false; }));
-    EXPECT_EQ(0u, FittingCharacters(0, [](std::size_t) { return false; }));
+TEST(ComboText, EndsWithAWholeCharacter) {
+    const wchar_t pair[] = {L'a', static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00), L'b',
+                            0};
+    const std::size_t whole[] = {0, 1, 1, 3, 4};
+    for (std::size_t count = 0; count <= 4; ++count) {
+        EXPECT_EQ(whole[count], WholeCharacters(pair, count)) << count;
+    }
+    const wchar_t half[] = {static_cast<wchar_t>(0xD83D), L'b', 0};
+    EXPECT_EQ(1u, WholeCharacters(half, 1)) << "nothing belongs to it";
+    const wchar_t last[] = {static_cast<wchar_t>(0xD83D), 0};
+    EXPECT_EQ(1u, WholeCharacters(last, 1));
+}
+
+TEST(ComboListPlace, IsOneBelowOrWhereItWasDroppedUp) {
+    EXPECT_EQ(45, DroppedListTop(kCombo, 44));
+    EXPECT_EQ(45, DroppedListTop(kCombo, 60));
+    EXPECT_EQ(-80, DroppedListTop(kCombo, -80));
 }
 
 } // namespace

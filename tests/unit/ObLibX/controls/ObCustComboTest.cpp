@@ -1,85 +1,127 @@
-// The flat combo boxes: their parts, places, the button and the text.
-#include "ObLibX/src/controls/ObCustCombo.h"
-
+// The flat combo boxes: their parts and places, and what the stock ones go on doing.
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLib/FatalExit.h"
-#include "tests/unit/ObLibX/controls/BarFixture.h"
+#include "tests/unit/ObLibX/controls/ComboFixture.h"
 
 namespace {
 
 using namespace ObLibX;
-using obtest::PaintedPixels;
+using namespace obtest;
 
 constexpr COLORREF kLine = 0xDFDFDF;
+constexpr char kSource[] = "ObLibX\\src\\ObCustCombo.cpp";
 
-// The objects outlive their windows, as in a dialog.
-class ComboTest : public obtest::BarTest {
-protected:
-    HWND Make(DWORD kind) {
-        window_ =
-            Child(L"ComboBox", kind | WS_VSCROLL | CBS_HASSTRINGS | WS_TABSTOP, {20, 20, 180, 220});
-        for (const wchar_t* const text : {L"First", L"Second", L"Third"}) {
-            SendMessageW(window_, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
-        }
-        SendMessageW(window_, CB_SETCURSEL, 1, 0);
-        return window_;
-    }
-    PixelRect ListOnScreen() const {
-        COMBOBOXINFO info{};
-        info.cbSize = sizeof info;
-        GetComboBoxInfo(window_, &info);
-        return OnScreen(info.hwndList);
-    }
-    static PixelRect OnScreen(HWND window) {
-        RECT rect{};
-        GetWindowRect(window, &rect);
-        return AsPixels(rect);
-    }
-    HWND window_ = nullptr;
-};
+COMBOBOXINFO fakeParts{};
+BOOL WINAPI GiveFakeParts(HWND, COMBOBOXINFO* info) {
+    *info = fakeParts;
+    return TRUE;
+}
 
 class ComboParts : public ComboTest {};
 
 TEST_F(ComboParts, AreFatalWhenMissing) {
     const HWND label = Child(L"Static", 0, {20, 20, 100, 40});
     ObFlatComboBoxSimple simple(1001);
-    EXPECT_FATAL(simple.Attach(label), "ObLibX\\src\\ObCustCombo.cpp");
-    ObFlatComboBoxDropdown withEdit(1001);
-    EXPECT_FATAL(withEdit.Attach(Make(CBS_DROPDOWNLIST)), "ObLibX\\src\\ObCustCombo.cpp");
+    EXPECT_FATAL(simple.Attach(label), kSource);
+    Make(CBS_DROPDOWN);
+    const ImportPatch<decltype(&GetComboBoxInfo)> parts("user32.dll", "GetComboBoxInfo",
+                                                        &GiveFakeParts);
+    ASSERT_TRUE(parts.Ok());
+    ObFlatComboBoxDropdown dropdown(1001);
+    fakeParts = {};
+    fakeParts.hwndList = window_;
+    EXPECT_FATAL(dropdown.Attach(window_), kSource) << "no edit";
+    fakeParts = {};
+    fakeParts.hwndItem = window_;
+    EXPECT_FATAL(dropdown.Attach(window_), kSource) << "no list";
 }
 
-TEST_F(ComboParts, OfASimpleOneAreAFramedEditAndAListBelow) {
-    ObFlatComboBoxSimple combo(1001);
-    SetWindowLongPtrW(Make(CBS_SIMPLE), GWL_EXSTYLE, WS_EX_CLIENTEDGE);
-    const PixelRect edit = [&] {
-        COMBOBOXINFO info{};
-        info.cbSize = sizeof info;
-        GetComboBoxInfo(window_, &info);
-        return OnScreen(info.hwndItem);
-    }();
+TEST_F(ComboParts, HaveNoEdgesOfTheSystem) {
+    ObFlatComboBoxDropdownList combo(1001);
+    Make(CBS_DROPDOWNLIST);
+    SetWindowLongPtrW(window_, GWL_EXSTYLE, WS_EX_CLIENTEDGE | WS_EX_DLGMODALFRAME | WS_EX_RIGHT);
     combo.Attach(window_);
-    EXPECT_EQ(0, GetWindowLongPtrW(window_, GWL_EXSTYLE) & WS_EX_CLIENTEDGE);
-    ASSERT_NE(nullptr, combo.editObject);
-    EXPECT_EQ(1, combo.editObject->frameWidth);
-    EXPECT_NE(nullptr, combo.editObject->frameWindow);
-    EXPECT_EQ(4, ListOnScreen().Width() - edit.Width());
+    EXPECT_EQ(WS_EX_RIGHT, GetWindowLongPtrW(window_, GWL_EXSTYLE) &
+                               (WS_EX_CLIENTEDGE | WS_EX_DLGMODALFRAME | WS_EX_RIGHT));
     EXPECT_EQ(0u, GetClassLongPtrW(combo.listWindow, GCL_STYLE) & CS_DROPSHADOW);
     parent_.Reset();
     EXPECT_EQ(nullptr, combo.listWindow);
 }
 
+// A frame of one pixel over the whole window, once the stock one has painted its border.
+TEST_F(ComboParts, HaveAFrameOverTheirWholeWindows) {
+    ObFlatComboBoxSimple combo(1001);
+    combo.Attach(Make(CBS_SIMPLE));
+    for (const HWND part : {window_, combo.listWindow}) {
+        RedrawWindow(part, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+        SendMessageW(part, WM_NCPAINT, 1, 0);
+        const PixelRect rect = OnScreen(part);
+        const HDC dc = GetWindowDC(part);
+        for (int x = 0; x < rect.Width(); ++x) {
+            ASSERT_EQ(kLine, GetPixel(dc, x, 0)) << x;
+            ASSERT_EQ(kLine, GetPixel(dc, x, rect.Height() - 1)) << x;
+        }
+        for (int y = 0; y < rect.Height(); ++y) {
+            ASSERT_EQ(kLine, GetPixel(dc, 0, y)) << y;
+            ASSERT_EQ(kLine, GetPixel(dc, rect.Width() - 1, y)) << y;
+        }
+        ReleaseDC(part, dc);
+    }
+    parent_.Reset();
+}
+
+TEST_F(ComboParts, OfASimpleOneAreAFramedEditAndAListBelow) {
+    ObFlatComboBoxSimple combo(1001);
+    Make(CBS_SIMPLE);
+    const PixelRect edit = OnScreen(Parts().hwndItem);
+    combo.Attach(window_);
+    ASSERT_NE(nullptr, combo.editObject);
+    EXPECT_EQ(1, combo.editObject->frameWidth);
+    const PixelRect frame = OnScreen(combo.editObject->frameWindow);
+    const PixelRect list = ListOnScreen();
+    EXPECT_EQ(frame.bottom - 1 + 2, list.top) << "two below what is inside the frame";
+    EXPECT_EQ(edit.left - 2, list.left);
+    EXPECT_EQ(edit.right + 2, list.right);
+    EXPECT_LE(list.bottom, OnScreen(window_).bottom);
+    parent_.Reset();
+}
+
+TEST_F(ComboParts, OfASimpleOneStayTogether) {
+    ObFlatComboBoxSimple combo(1001);
+    combo.Attach(Make(CBS_SIMPLE));
+    const auto expectBelow = [&](const char* after) {
+        const PixelRect frame = OnScreen(combo.editObject->frameWindow);
+        const PixelRect edit = OnScreen(Parts().hwndItem);
+        EXPECT_EQ(frame.bottom + 1, ListOnScreen().top) << after;
+        EXPECT_EQ(edit.left - 2, ListOnScreen().left) << after;
+        EXPECT_EQ(edit.right + 2, ListOnScreen().right) << after;
+        EXPECT_LE(ListOnScreen().bottom, OnScreen(window_).bottom) << after;
+    };
+    SetWindowPos(window_, nullptr, 0, 0, 240, 150, SWP_NOMOVE | SWP_NOZORDER);
+    expectBelow("another size");
+    SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(ANSI_FIXED_FONT)),
+                 TRUE);
+    expectBelow("another font");
+    SendMessageW(window_, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), 30);
+    expectBelow("another height of the edit");
+    parent_.Reset();
+}
+
 TEST_F(ComboParts, OfADropdownAreAnEditWithoutAFrameAndAButton) {
     ObFlatComboBoxDropdown combo(1001);
-    combo.Attach(Make(CBS_DROPDOWN));
+    Make(CBS_DROPDOWN);
+    const PixelRect edit = OnScreen(Parts().hwndItem);
+    combo.Attach(window_);
     ASSERT_NE(nullptr, combo.editObject);
     EXPECT_TRUE(combo.editObject->hideFrame);
     EXPECT_FALSE(IsWindowVisible(combo.editObject->frameWindow));
-    EXPECT_GT(combo.buttonWidth, 0);
+    const PixelRect whole = OnScreen(window_);
+    EXPECT_EQ(std::max(whole.bottom - edit.bottom, whole.right - edit.right) - 1,
+              combo.buttonWidth);
+    EXPECT_EQ(combo.buttonWidth, combo.buttonRectangle.Width());
     EXPECT_EQ(ClientArea(window_).right, combo.buttonRectangle.right);
-    EXPECT_EQ(OnScreen(window_).bottom + 1, ListOnScreen().top);
-    EXPECT_GE(combo.arrowPosition.x, combo.buttonRectangle.left);
     parent_.Reset();
 }
 
@@ -90,7 +132,48 @@ TEST_F(ComboParts, OfAListAloneAreAButtonAsWideAsItsArrowAndTwoPaddings) {
     EXPECT_EQ(Scale(8), combo.arrowSize.cx);
     EXPECT_EQ(combo.arrowSize.cx + 2 * Scale(8), combo.buttonWidth);
     EXPECT_EQ(combo.buttonWidth, combo.buttonRectangle.Width());
-    EXPECT_EQ(OnScreen(window_).bottom + 1, ListOnScreen().top);
+    const PixelRect& button = combo.buttonRectangle;
+    const int left = combo.arrowPosition.x - button.left;
+    const int right = button.right - combo.arrowPosition.x - static_cast<int>(combo.arrowSize.cx);
+    const int above = combo.arrowPosition.y - button.top;
+    const int below = button.bottom - combo.arrowPosition.y - static_cast<int>(combo.arrowSize.cy);
+    EXPECT_EQ(Scale(8), left);
+    EXPECT_EQ(left, right);
+    EXPECT_TRUE(above == below || above + 1 == below) << above << " and " << below;
+    parent_.Reset();
+}
+
+// The stock combo box places the list anew at each drop.
+TEST_F(ComboParts, BeginTheirListOneBelowTheComboBoxEachTime) {
+    for (const DWORD kind : {CBS_DROPDOWN, CBS_DROPDOWNLIST}) {
+        ObFlatComboBoxDropdown dropdown(1001);
+        ObFlatComboBoxDropdownList list(1001);
+        Make(kind);
+        if (kind == CBS_DROPDOWN) dropdown.Attach(window_);
+        if (kind == CBS_DROPDOWNLIST) list.Attach(window_);
+        EXPECT_EQ(OnScreen(window_).bottom + 1, ListOnScreen().top) << "before the first drop";
+        EXPECT_EQ(OnScreen(Parts().hwndItem != nullptr ? Parts().hwndItem : window_).left,
+                  ListOnScreen().left);
+        for (int drop = 0; drop < 2; ++drop) {
+            SendMessageW(window_, CB_SHOWDROPDOWN, TRUE, 0);
+            EXPECT_TRUE(IsWindowVisible(Parts().hwndList));
+            EXPECT_EQ(OnScreen(window_).bottom + 1, ListOnScreen().top) << kind << " " << drop;
+            SendMessageW(window_, CB_SHOWDROPDOWN, FALSE, 0);
+            SetWindowPos(window_, nullptr, 40, 70, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+        }
+        DestroyWindow(window_);
+    }
+}
+
+TEST_F(ComboParts, LeaveAListAboveThatHasNoRoomBelow) {
+    ObFlatComboBoxDropdownList combo(1001);
+    combo.Attach(Make(CBS_DROPDOWNLIST));
+    const int height = OnScreen(window_).Height();
+    SetWindowPos(parent_.Get(), nullptr, 0, GetSystemMetrics(SM_CYSCREEN) - 20 - height, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER);
+    SendMessageW(window_, CB_SHOWDROPDOWN, TRUE, 0);
+    EXPECT_LE(ListOnScreen().bottom, OnScreen(window_).top + 1);
+    SendMessageW(window_, CB_SHOWDROPDOWN, FALSE, 0);
     parent_.Reset();
 }
 
@@ -133,102 +216,58 @@ TEST_F(ComboParts, LeaveTheStockAnswers) {
     }
 }
 
-class ComboPainting : public ComboTest {
-protected:
-    void SetUp() override {
-        ComboTest::SetUp();
-        combo_.Attach(Make(CBS_DROPDOWNLIST));
-        SetFocus(parent_.Get());
-        MSG message{};
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-    }
-    // Inside the button, beside the arrow.
-    COLORREF Button() const {
-        return PaintedPixels(window_).At(combo_.buttonRectangle.right - 3, 3);
-    }
-    // The columns of the text's space that aren't all ground: those of the text.
-    int TextWidth(COLORREF ground) const {
-        const PaintedPixels pixels(window_);
-        int last = 0;
-        for (int x = 2; x < combo_.buttonRectangle.left; ++x) {
-            const PixelRect column{x, 2, x + 1, pixels.Area().bottom - 2};
-            if (pixels.Count(column, ground) < column.Height()) last = x;
+// A stock combo box passes the question on to its parent, which doesn't know the edit.
+TEST_F(ComboParts, GiveADisabledEditItsColours) {
+    for (const bool isContrast : {false, true}) {
+        for (const DWORD kind : {CBS_SIMPLE, CBS_DROPDOWN}) {
+            isBarContrast = isContrast;
+            ObFlatComboBoxSimple simple(1001);
+            ObFlatComboBoxDropdown dropdown(1001);
+            Make(kind);
+            if (kind == CBS_SIMPLE) simple.Attach(window_);
+            if (kind == CBS_DROPDOWN) dropdown.Attach(window_);
+            ObFlatEdit& edit = kind == CBS_SIMPLE ? *simple.editObject : *dropdown.editObject;
+            EnableWindow(window_, FALSE);
+            const ClientDc dc(edit.window);
+            ::SetTextColor(dc.Get(), 0x123456);
+            const auto brush = reinterpret_cast<HBRUSH>(
+                SendMessageW(window_, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc.Get()),
+                             reinterpret_cast<LPARAM>(edit.window)));
+            LOGBRUSH described{};
+            ASSERT_NE(0, GetObjectW(brush, sizeof described, &described));
+            if (isContrast) {
+                EXPECT_EQ(UINT{BS_SOLID}, described.lbStyle) << "the system's own";
+            } else {
+                EXPECT_EQ(edit.GetFillColor(), described.lbColor) << kind;
+                EXPECT_EQ(0x808080u, ::GetTextColor(dc.Get())) << kind;
+            }
+            DestroyWindow(window_);
         }
-        return last;
     }
-    COLORREF Ground() { return combo_.GetFillColor(); }
-
-    ObFlatComboBoxDropdownList combo_{1001};
-};
-
-TEST_F(ComboPainting, HasAFrameALineAndAnArrow) {
-    const PaintedPixels pixels(window_);
-    EXPECT_TRUE(pixels.IsFramed(pixels.Area(), kLine));
-    const PixelRect& button = combo_.buttonRectangle;
-    EXPECT_EQ(button.Height(),
-              pixels.Count({button.left, button.top, button.left + 1, button.bottom}, kLine));
-    const PixelRect arrow{combo_.arrowPosition.x, combo_.arrowPosition.y,
-                          combo_.arrowPosition.x + static_cast<int>(combo_.arrowSize.cx),
-                          combo_.arrowPosition.y + static_cast<int>(combo_.arrowSize.cy)};
-    EXPECT_LT(pixels.Count(arrow, Ground()), arrow.Width() * arrow.Height());
-    EXPECT_EQ(0, pixels.Count(pixels.Area(), 0x123456));
 }
 
-TEST_F(ComboPainting, CutsALongTextBeforeTheButton) {
-    const int whole = TextWidth(Ground());
-    EXPECT_GT(whole, 10);
-    SendMessageW(
-        window_, CB_INSERTSTRING, 0,
-        reinterpret_cast<LPARAM>(L"A text that is much longer than the combo box is wide"));
-    SendMessageW(window_, CB_SETCURSEL, 0, 0);
-    EXPECT_GT(TextWidth(Ground()), whole);
-    EXPECT_LT(TextWidth(Ground()), combo_.buttonRectangle.left);
+TEST_F(ComboParts, FillTheFrameOfADisabledEditAsTheEdit) {
+    ObFlatComboBoxSimple combo(1001);
+    combo.Attach(Make(CBS_SIMPLE));
+    EnableWindow(window_, FALSE);
+    const PaintedPixels frame(combo.editObject->frameWindow);
+    EXPECT_TRUE(frame.IsFramed(frame.Area(), kLine));
+    EXPECT_EQ(combo.editObject->GetFillColor(), frame.At(1, 1));
+    parent_.Reset();
 }
 
-TEST_F(ComboPainting, IsWhiteOnTheHotLightColourWithTheFocus) {
-    EXPECT_EQ(Ground(), PaintedPixels(window_).At(3, 3));
+// As the dialog may delete them.
+TEST_F(ComboParts, SurviveAParentThatDeletesThemWhileItIsNotified) {
+    Deletable<ObFlatComboBoxDropdownList> combo(1001);
+    combo->Attach(Make(CBS_DROPDOWNLIST));
     SetFocus(window_);
-    const PaintedPixels pixels(window_);
-    EXPECT_EQ(GetSysColor(COLOR_HOTLIGHT), pixels.At(2, 2));
-    EXPECT_EQ(GetSysColor(COLOR_HOTLIGHT), pixels.At(combo_.buttonRectangle.left - 1, 2));
-    EXPECT_LT(0, pixels.Count(pixels.Area(), 0xFFFFFF));
-}
-
-TEST_F(ComboPainting, FadesItsButtonUnderTheMouse) {
-    const PixelPoint in = combo_.buttonRectangle.Centre();
-    Move(window_, in.x, in.y);
-    EXPECT_TRUE(combo_.buttonHot);
-    EXPECT_TRUE(combo_.fade.IsRunning());
-    combo_.SetAnimatedColor(0x112233);
-    EXPECT_EQ(0x112233u, Button());
-    Move(window_, 5, 5);
-    EXPECT_FALSE(combo_.buttonHot || combo_.fade.IsRunning());
-    EXPECT_EQ(Ground(), Button());
-    Move(window_, in.x, in.y);
-    SendMessageW(window_, WM_MOUSELEAVE, 0, 0);
-    EXPECT_FALSE(combo_.buttonHot || combo_.fade.IsRunning());
-}
-
-TEST_F(ComboPainting, HasNoHoverInHighContrast) {
-    obtest::isBarContrast = true;
-    const PixelPoint in = combo_.buttonRectangle.Centre();
-    Move(window_, in.x, in.y);
-    EXPECT_FALSE(combo_.buttonHot);
-    EXPECT_EQ(GetSysColor(COLOR_WINDOW), Button());
-}
-
-TEST_F(ComboPainting, EndsItsFadeWithTheWindow) {
-    const PixelPoint in = combo_.buttonRectangle.Centre();
-    Move(window_, in.x, in.y);
-    DestroyWindow(window_);
-    EXPECT_FALSE(combo_.fade.IsRunning());
-    EXPECT_EQ(nullptr, combo_.window);
-}
-
-TEST_F(ComboPainting, SurvivesNoSize) {
-    SetWindowPos(window_, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOZORDER);
-    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-    combo_.Refresh();
+    onCommand_ = [&](int code) {
+        if (code != CBN_KILLFOCUS) return;
+        DestroyWindow(window_);
+        combo.Delete();
+    };
+    SetFocus(parent_.Get());
+    EXPECT_FALSE(combo.IsThere());
 }
 
 } // namespace
