@@ -56,6 +56,7 @@ ObFlatEdit::~ObFlatEdit() {
     RemoveSubclass(window, &ObFlatEdit::Procedure, this);
     if (window != nullptr) RemovePropW(window, kEditProperty);
     RemoveSubclass(frameWindow, &ObFlatEdit::FrameProcedure, this);
+    if (spinControl != nullptr) spinControl->OnEditGone();
 }
 
 void ObFlatEdit::Attach(HWND attached) {

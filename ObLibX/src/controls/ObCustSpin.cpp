@@ -17,6 +17,11 @@ namespace {
 
 constexpr int kFrameThickness = 2; // at every scale
 
+// By its own style: the dialog may not be visible yet.
+bool HasVisibleStyle(HWND window) {
+    return (GetWindowLongPtrW(window, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
 } // namespace
 
 ObFlatSpinCtrl::ObFlatSpinCtrl(std::int32_t controlId)
@@ -24,8 +29,17 @@ ObFlatSpinCtrl::ObFlatSpinCtrl(std::int32_t controlId)
     fillColor = GetPaletteColor(kPaletteButtonFill);
 }
 
+// A window that outlives its object goes on as a stock one.
+ObFlatSpinCtrl::~ObFlatSpinCtrl() {
+    RemoveSubclass(window, &ObFlatSpinCtrl::Procedure, this);
+    Detach();
+}
+
+// Nothing is left of the window before, in a dialog that is opened again.
 void ObFlatSpinCtrl::Attach(HWND attached) {
     buddyRectangle = RectInParent(attached);
+    asksForBuddy_ = true;
+    isHiddenWithEdit_ = false;
     ObCustomControl::Attach(attached);
     AddSubclass(window, &ObFlatSpinCtrl::Procedure, this);
     PlaceParts(kFrameThickness);
@@ -48,7 +62,7 @@ bool ObFlatSpinCtrl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != UDM_GETBUDDY) FindEdit();
     switch (message) {
     case WM_PAINT: {
-        asksForBuddy_ = false; // all controls of the dialog are dressed by now
+        asksForBuddy_ = false;
         const PaintDc dc(window);
         if (dc.Get() != nullptr) Paint(dc.Get());
         return true;
@@ -69,6 +83,9 @@ bool ObFlatSpinCtrl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         PlaceParts(edit != nullptr ? edit->frameWidth : kFrameThickness);
         return false;
     case WM_ENABLE:
+        if (wParam == FALSE) ForgetMouse();
+        Refresh();
+        return false;
     case WM_UPDATEUISTATE:
         Refresh();
         return false;
@@ -93,20 +110,16 @@ void ObFlatSpinCtrl::FindEdit() {
                      SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     }
     FollowEdit(edit->frameWindow, edit->frameWidth);
-    OnEditShown((GetWindowLongPtrW(buddy, GWL_STYLE) & WS_VISIBLE) != 0);
+    if (!HasVisibleStyle(buddy)) OnEditShown(false);
 }
 
 void ObFlatSpinCtrl::Detach() {
-    fade.Stop();
+    ForgetMouse();
     if (edit != nullptr) edit->spinControl = nullptr;
     edit = nullptr;
-    asksForBuddy_ = false;
 }
 
-void ObFlatSpinCtrl::OnEditGone() {
-    edit = nullptr;
-    asksForBuddy_ = false;
-}
+void ObFlatSpinCtrl::OnEditGone() { edit = nullptr; }
 
 void ObFlatSpinCtrl::FollowEdit(HWND frameWindow, std::int32_t frameWidth) {
     if (window == nullptr || frameWindow == nullptr) return;
@@ -115,8 +128,16 @@ void ObFlatSpinCtrl::FollowEdit(HWND frameWindow, std::int32_t frameWidth) {
     Refresh();
 }
 
+// What the dialog has hidden stays hidden.
 void ObFlatSpinCtrl::OnEditShown(bool isShown) {
-    if (window != nullptr) ShowWindow(window, isShown ? SW_SHOWNA : SW_HIDE);
+    if (window == nullptr) return;
+    if (isShown) {
+        if (isHiddenWithEdit_) ShowWindow(window, SW_SHOWNA);
+        isHiddenWithEdit_ = false;
+    } else if (HasVisibleStyle(window)) {
+        isHiddenWithEdit_ = true;
+        ShowWindow(window, SW_HIDE);
+    }
 }
 
 void ObFlatSpinCtrl::PlaceParts(std::int32_t border) {
@@ -137,6 +158,13 @@ void ObFlatSpinCtrl::OnMouseMove(int x, int y) {
 void ObFlatSpinCtrl::OnMouseLeave() {
     mouseTracked = false;
     SetHotPart(SpinPart::None);
+}
+
+void ObFlatSpinCtrl::ForgetMouse() {
+    fade.Stop();
+    animatedColor = kNoColor;
+    hotPart = SpinPart::None;
+    mouseTracked = false;
 }
 
 void ObFlatSpinCtrl::SetHotPart(SpinPart part) {

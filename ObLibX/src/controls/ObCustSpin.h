@@ -17,6 +17,7 @@ namespace ObLibX {
 class ObFlatSpinCtrl : public ObCustomControl, public EditFollower {
 public:
     explicit ObFlatSpinCtrl(std::int32_t id);
+    ~ObFlatSpinCtrl() override;
 
     void Attach(HWND attached) override;
     std::uint32_t SetAnimatedColor(COLORREF color) override;
@@ -44,11 +45,13 @@ private:
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void FindEdit();
     void Detach();
+    void ForgetMouse();
     void PlaceParts(std::int32_t border);
     void SetHotPart(SpinPart part);
     void PaintArrow(HDC dc, bool isUp, const PixelRect& button);
 
-    bool asksForBuddy_ = true;
+    bool asksForBuddy_ = true;      // until the first paint: then every control is dressed
+    bool isHiddenWithEdit_ = false; // to be shown again with its edit
 };
 
 } // namespace ObLibX

@@ -3,7 +3,10 @@
 
 #include <commctrl.h>
 
+#include "ObLibX/src/controls/FittingImage.h"
 #include "ObLibX/src/controls/HelperWindow.h"
+#include "ObLibX/src/controls/ObCustPassword.h"
+#include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "tests/unit/ObLibX/controls/BarFixture.h"
 
@@ -15,12 +18,17 @@ using obtest::PaintedPixels;
 constexpr COLORREF kLine = 0xDFDFDF;
 constexpr COLORREF kGround = 0xF6F6F6;
 
-class SpinTest : public obtest::BarTest {
+// The edit of the fixture is of this class.
+template <class Edit>
+class SpinTestOf : public obtest::BarTest {
 protected:
     void SetUp() override {
         BarTest::SetUp();
         INITCOMMONCONTROLSEX classes{sizeof classes, ICC_UPDOWN_CLASS};
         InitCommonControlsEx(&classes);
+        MakeWindows();
+    }
+    void MakeWindows() {
         editWindow_ = Child(L"Edit", ES_NUMBER, {100, 50, 200, 80});
         window_ = Child(UPDOWN_CLASSW, UDS_SETBUDDYINT | UDS_ARROWKEYS, {200, 50, 218, 80});
         SendMessageW(window_, UDM_SETBUDDY, reinterpret_cast<WPARAM>(editWindow_), 0);
@@ -39,13 +47,87 @@ protected:
     }
     RECT Frame() const { return PlaceOf(edit_.frameWindow); }
 
-    ObFlatEdit edit_{1001};
+    Edit edit_{1001};
     ObFlatSpinCtrl spin_{1002};
     HWND editWindow_ = nullptr;
     HWND window_ = nullptr;
 };
 
+using SpinTest = SpinTestOf<ObFlatEdit>;
+
 class SpinPlace : public SpinTest {};
+
+class SpinOfPassword : public SpinTestOf<ObFlatPassword> {};
+
+TEST_F(SpinOfPassword, FollowsIt) {
+    AttachBoth();
+    ASSERT_EQ(&edit_, spin_.edit);
+    EXPECT_EQ(&spin_, edit_.spinControl);
+    EXPECT_EQ(Frame().right - 2, PlaceOf(window_).right);
+}
+
+TEST_F(SpinPlace, LeavesTheFrameWidthOfItsEditAroundItsButtons) {
+    edit_.frameWidth = 5;
+    AttachBoth();
+    EXPECT_EQ(5, spin_.layout.up.left);
+    EXPECT_EQ(5, spin_.layout.up.top);
+    EXPECT_EQ(ClientArea(window_).right - 5, spin_.layout.down.right);
+    EXPECT_EQ(ClientArea(window_).bottom - 5, spin_.layout.down.bottom);
+}
+
+TEST_F(SpinPlace, HasTheLargestArrowBelowAButtonsHeightLessFour) {
+    AttachBoth();
+    const auto height = [](int scale) {
+        return ImageSize(ImageOfScale(ControlImage::UpArrow, scale).Get()).cy;
+    };
+    for (const int pixels : {20, 30, 45, 60, 90, 200}) {
+        SetWindowPos(editWindow_, nullptr, 100, 50, 200, pixels, SWP_NOZORDER);
+        const int most = spin_.layout.up.Height() - 4;
+        const std::int32_t scale = spin_.imageScale;
+        EXPECT_TRUE(scale == 0 || height(scale) < most) << pixels;
+        EXPECT_TRUE(scale == 7 || height(scale + 1) >= most) << pixels;
+    }
+    EXPECT_EQ(7, spin_.imageScale);
+}
+
+TEST_F(SpinPlace, SurvivesNoSize) {
+    AttachBoth();
+    SetWindowPos(window_, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOZORDER);
+    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    EXPECT_TRUE(spin_.layout.up.IsEmpty() && spin_.layout.down.IsEmpty());
+    Move(window_, 0, 0);
+    EXPECT_EQ(SpinPart::None, spin_.hotPart);
+}
+
+// The dialog's own decision.
+TEST_F(SpinPlace, StaysHiddenWhereTheDialogHidIt) {
+    ShowWindow(window_, SW_HIDE);
+    AttachBoth();
+    ASSERT_EQ(&edit_, spin_.edit);
+    EXPECT_FALSE(IsWindowVisible(window_));
+    ShowWindow(editWindow_, SW_HIDE);
+    ShowWindow(editWindow_, SW_SHOW);
+    EXPECT_FALSE(IsWindowVisible(window_));
+}
+
+TEST_F(SpinPlace, IsHiddenWithAnEditThatIsHiddenFromTheBeginning) {
+    ShowWindow(editWindow_, SW_HIDE);
+    AttachBoth();
+    EXPECT_FALSE(IsWindowVisible(window_));
+    ShowWindow(editWindow_, SW_SHOW);
+    EXPECT_TRUE(IsWindowVisible(window_));
+}
+
+TEST_F(SpinPlace, IsFoundOnTheNextWindowsToo) {
+    AttachBoth();
+    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    DestroyWindow(window_);
+    DestroyWindow(editWindow_);
+    MakeWindows();
+    AttachBoth();
+    ASSERT_EQ(&edit_, spin_.edit);
+    EXPECT_EQ(Frame().right - 2, PlaceOf(window_).right);
+}
 
 TEST_F(SpinPlace, IsInsideTheFrameOfItsEdit) {
     const PixelRect before = RectInParent(window_);
@@ -193,6 +275,35 @@ TEST_F(SpinPainting, FadesTheHalfUnderTheMouse) {
     EXPECT_FALSE(spin_.fade.IsRunning());
     EXPECT_EQ(SpinPart::None, spin_.hotPart);
     EXPECT_FALSE(spin_.mouseTracked);
+}
+
+TEST_F(SpinPainting, EndsItsHoverWhenItIsDisabledAndWithItsWindow) {
+    MoveTo(spin_.layout.up);
+    spin_.SetAnimatedColor(0x112233);
+    EnableWindow(window_, FALSE);
+    EXPECT_EQ(SpinPart::None, spin_.hotPart);
+    EXPECT_FALSE(spin_.mouseTracked || spin_.fade.IsRunning());
+    EXPECT_EQ(kGround, Up());
+    EnableWindow(window_, TRUE);
+    MoveTo(spin_.layout.up);
+    spin_.SetAnimatedColor(0x112233);
+    DestroyWindow(window_);
+    DestroyWindow(editWindow_);
+    MakeWindows();
+    AttachBoth();
+    EXPECT_EQ(SpinPart::None, spin_.hotPart);
+    EXPECT_FALSE(spin_.mouseTracked);
+    EXPECT_EQ(kGround, Up());
+}
+
+TEST_F(SpinPainting, HasTheSystemsColoursWhenHighContrastComesWhileItFades) {
+    MoveTo(spin_.layout.up);
+    spin_.SetAnimatedColor(0x112233);
+    obtest::isBarContrast = true;
+    spin_.Refresh();
+    EXPECT_EQ(GetSysColor(COLOR_WINDOW), Up());
+    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), Down());
+    obtest::isBarContrast = false;
 }
 
 TEST_F(SpinPainting, HasOtherArrowsWhenDisabled) {
