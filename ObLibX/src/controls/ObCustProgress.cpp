@@ -7,6 +7,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
@@ -34,6 +35,12 @@ HBRUSH WhiteBrush() { return static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)); }
 
 ObFlatProgressBar::ObFlatProgressBar(std::int32_t controlId)
     : ObCustomControl(controlId, nullptr, L"", 0) {}
+
+// A window that outlives its object goes on as a stock one.
+ObFlatProgressBar::~ObFlatProgressBar() {
+    RemoveSubclass(window, &ObFlatProgressBar::Procedure, this);
+    if (isMarquee) KillTimer(window, kMarqueeTimer);
+}
 
 void ObFlatProgressBar::Attach(HWND attached) {
     ObCustomControl::Attach(attached);

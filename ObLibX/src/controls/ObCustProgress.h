@@ -19,6 +19,7 @@ inline constexpr UINT kMarqueePeriod = 30; // milliseconds
 class ObFlatProgressBar : public ObCustomControl {
 public:
     explicit ObFlatProgressBar(std::int32_t id);
+    ~ObFlatProgressBar() override;
 
     void Attach(HWND attached) override;
     // White, transparent text.

@@ -200,7 +200,28 @@ TEST_F(ProgressPainting, LeavesBorderAndBackgroundUnpainted) {
     EXPECT_EQ(TRANSPARENT, GetBkMode(dc.Get()));
 }
 
+TEST_F(ProgressPainting, SurvivesNoSize) {
+    Send(PBM_SETPOS, 50);
+    SetWindowPos(window_, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOZORDER);
+    RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    SetWindowPos(window_, nullptr, 0, 0, 3, 3, SWP_NOMOVE | SWP_NOZORDER);
+    const PaintedPixels pixels(window_);
+    EXPECT_EQ(0, pixels.Count(pixels.Area(), 0x123456)) << "all of it is painted";
+    Make(PBS_MARQUEE);
+    Send(PBM_SETMARQUEE, TRUE, 0);
+    SetWindowPos(window_, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOZORDER);
+    for (int tick = 0; tick < 5; ++tick) Send(WM_TIMER, kMarqueeTimer);
+    EXPECT_EQ(Marquee{}, bar_->marquee);
+}
+
 class ProgressMarquee : public ProgressTest {};
+
+TEST_F(ProgressMarquee, EndsWithTheObject) {
+    Make(PBS_MARQUEE);
+    Send(PBM_SETMARQUEE, TRUE, 0);
+    bar_.reset();
+    EXPECT_EQ((std::vector<UINT_PTR>{10551}), timersKilled);
+}
 
 TEST_F(ProgressMarquee, RunsOnlyWithItsStyle) {
     Send(PBM_SETMARQUEE, TRUE, 0);
