@@ -53,10 +53,7 @@ struct AccessibleObject final : IAccessible {
 
     // ---- IAccessible: ours
     HRESULT STDMETHODCALLTYPE get_accName(VARIANT child, BSTR* name) override {
-        return Answered(child, [&] {
-            *name = SysAllocString(source_->AccessibleName().CStr());
-            return *name != nullptr ? S_OK : E_OUTOFMEMORY;
-        });
+        return Answered(child, [&] { return Text(source_->AccessibleName(), name); });
     }
     HRESULT STDMETHODCALLTYPE get_accRole(VARIANT child, VARIANT* role) override {
         return Answered(child, [&] { return Number(source_->AccessibleRole(), role); });

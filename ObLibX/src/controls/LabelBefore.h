@@ -11,7 +11,8 @@ namespace ObLibX {
 ObLib::ObString LabelText(HWND label);
 
 // The text of the static window before this one in Z-order, without its access key; empty when a
-// control that takes the focus comes first. On the window's thread.
+// control that takes the focus comes first. A hidden label counts, as to the system: it names a
+// control beside which no text is to be seen. On the window's thread.
 ObLib::ObString LabelBefore(HWND window);
 
 } // namespace ObLibX
