@@ -7,7 +7,6 @@
 
 #include <oleacc.h>
 
-#include <functional>
 #include <set>
 #include <typeindex>
 #include <vector>
@@ -39,12 +38,6 @@ public:
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
         return *this;
     }
-    // `onCommand`, where there is one, runs at each notification of a control.
-    bool OnCommandId(int id, int code, HWND) override {
-        if (onCommand) onCommand(id, code);
-        return false;
-    }
-    std::function<void(int id, int code)> onCommand;
 
 private:
     ObLibX::ObCmdLinkCtrl link_{OB_LINK, this};
