@@ -7,7 +7,6 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
-#include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"

@@ -10,7 +10,6 @@
 
 #include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/Guarded.h"
-#include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/LabelBefore.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/ScrollRepeat.h"
