@@ -11,8 +11,10 @@ namespace ObLibX {
 enum class ButtonClass { Plain, Blue, Settings, Browser, Split, Drop, Toggle, Switch };
 
 // In place of a palette entry.
-inline constexpr std::int32_t kOwnColor = -1;    // what every control begins with
-inline constexpr std::int32_t kParentColor = -2; // the parent's background; no colour for a press
+inline constexpr std::int32_t kOwnColor = -1; // what every control begins with
+// kNoColor: as a fill the parent's background, as the colour of a press none, so that the fill
+// stays.
+inline constexpr std::int32_t kWithoutColor = -2;
 
 struct ButtonLook {
     ButtonClass buttonClass;

@@ -27,11 +27,11 @@ bool HasAccent(ObCustomControl* control) {
 
 // The same colour for hover and press, as white text isn't readable on the paler ones.
 void GiveAccent(ObCustomControl& control) {
-    const COLORREF accent = GetPaletteColor(kPaletteAccent);
-    control.textColor = GetPaletteColor(kPaletteWhite);
-    control.fillColor = accent;
-    control.hoverColor = accent;
-    control.pressedColor = accent;
+    control.UsePalette(&ObCustomControl::textColor, kPaletteWhite);
+    for (const auto color : {&ObCustomControl::fillColor, &ObCustomControl::hoverColor,
+                             &ObCustomControl::pressedColor}) {
+        control.UsePalette(color, kPaletteAccent);
+    }
 }
 
 void MakeDefault(HWND dialog, const ObCustomControl& control) {

@@ -59,24 +59,27 @@ struct Wanted {
     const ControlDescription* description;
 };
 
-COLORREF StaticColor(const ControlDescription* description) {
+bool HasHeadingColor(const ControlDescription* description) {
     const COLORREF hot = GetSysColor(COLOR_HOTLIGHT);
-    const bool isHeading = description != nullptr
-                               ? description->color == hot || description->color == kAccentColor
-                               : hot == 0;
-    if (isHeading) return GetPaletteColor(kPaletteHeading);
-    return description != nullptr ? description->color : 0;
+    return description != nullptr ? description->color == hot || description->color == kAccentColor
+                                  : hot == 0;
+}
+
+std::unique_ptr<ObFlatStaticText> TextOf(std::int32_t id, const ControlDescription* description) {
+    if (description == nullptr) {
+        return std::make_unique<ObFlatStaticText>(id, ObString(), 0, kNormalFontWeight, 0, 0);
+    }
+    return std::make_unique<ObFlatStaticText>(id, description->fontName, description->fontSize,
+                                              description->fontWeight, description->fontStyle,
+                                              description->color);
 }
 
 Control MakeStaticText(const Wanted& wanted) {
-    const ControlDescription* const font = wanted.description;
-    const COLORREF color = StaticColor(font);
-    if (font == nullptr) {
-        return std::make_unique<ObFlatStaticText>(wanted.id, ObString(), 0, kNormalFontWeight, 0,
-                                                  color);
+    auto text = TextOf(wanted.id, wanted.description);
+    if (HasHeadingColor(wanted.description)) {
+        text->UsePalette(&ObCustomControl::textColor, kPaletteHeading);
     }
-    return std::make_unique<ObFlatStaticText>(wanted.id, font->fontName, font->fontSize,
-                                              font->fontWeight, font->fontStyle, color);
+    return text;
 }
 
 template <class Edit>
@@ -133,9 +136,10 @@ Control MakeFlatControl(HWND window, const ControlDescription* description) {
                                    : row->make({window, GetDlgCtrlID(window), description});
 }
 
-Control MakeFlatHeading(std::int32_t id, std::int32_t size, std::int32_t weight,
-                        COLORREF textColor) {
-    return std::make_unique<ObFlatStaticText>(id, ObString(), size, weight, 0, textColor);
+Control MakeFlatHeading(std::int32_t id, std::int32_t size, std::int32_t weight) {
+    auto heading = std::make_unique<ObFlatStaticText>(id, ObString(), size, weight, 0, 0);
+    heading->UsePalette(&ObCustomControl::textColor, kPaletteHeading);
+    return heading;
 }
 
 } // namespace

@@ -20,9 +20,9 @@ const std::int32_t* ImagesOf(const ButtonLook& look) {
     return look.image ? ImageList(*look.image) : nullptr;
 }
 
-void TakeColor(COLORREF& color, std::int32_t entry) {
-    if (entry == kParentColor) color = kNoColor;
-    if (entry >= 0) color = GetPaletteColor(static_cast<std::uint32_t>(entry));
+void TakeColor(ObCustomControl& control, COLORREF ObCustomControl::*color, std::int32_t entry) {
+    if (entry == kWithoutColor) control.*color = kNoColor;
+    if (entry >= 0) control.UsePalette(color, static_cast<std::uint32_t>(entry));
 }
 
 PixelSize SizeOf(const SharedImagePtr& image) {
@@ -58,10 +58,10 @@ ObFlatBtn::ObFlatBtn(std::int32_t buttonId, ButtonClass buttonClass)
     : ObCustomControl(buttonId, ImagesOf(LookOf(buttonClass)), L"", 0) {
     const ButtonLook& look = LookOf(buttonClass);
     const auto has = [&](std::uint32_t flag) { return (look.flags & flag) != 0; };
-    TakeColor(fillColor, look.fill);
-    TakeColor(textColor, look.text);
-    TakeColor(hoverColor, look.hover);
-    TakeColor(pressedColor, look.pressed);
+    TakeColor(*this, &ObCustomControl::fillColor, look.fill);
+    TakeColor(*this, &ObCustomControl::textColor, look.text);
+    TakeColor(*this, &ObCustomControl::hoverColor, look.hover);
+    TakeColor(*this, &ObCustomControl::pressedColor, look.pressed);
     accentRing = has(kLookRing);
     sizeToImage = has(kLookSizeToImage);
     imageOnly = has(kLookImageOnly);

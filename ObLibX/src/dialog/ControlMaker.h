@@ -14,9 +14,10 @@ namespace ObLibX {
 // `description` null: the control has none.
 using MakeControl = std::unique_ptr<ObCustomControl> (*)(HWND window,
                                                          const ControlDescription* description);
-// A heading in place of a group box: a static text of `size` points and `weight`.
+// A heading in place of a group box: a static text of `size` points and `weight`, in the palette's
+// colour of headings.
 using MakeHeading = std::unique_ptr<ObCustomControl> (*)(std::int32_t id, std::int32_t size,
-                                                         std::int32_t weight, COLORREF textColor);
+                                                         std::int32_t weight);
 // Called for each opening of a flat dialog, when all its windows have been dressed and none is
 // attached yet. The objects' windows are known.
 using SettleControls = void (*)(HWND dialog, const std::vector<ObCustomControl*>& controls);

@@ -6,7 +6,6 @@
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/dialog/FlatDressing.h"
-#include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
@@ -87,7 +86,7 @@ void MakeBold(HWND dialog, HWND heading) {
 std::unique_ptr<ObCustomControl> Dressed(int id, HWND heading) {
     const MakeHeading make = TheControlMaker().heading;
     if (make == nullptr) return nullptr;
-    auto object = make(id, kHeadingSize, kHeadingWeight, GetPaletteColor(kPaletteHeading));
+    auto object = make(id, kHeadingSize, kHeadingWeight);
     if (object) object->window = heading;
     return object;
 }

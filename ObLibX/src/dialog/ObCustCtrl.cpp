@@ -2,6 +2,9 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
+#include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/dialog/Images.h"
@@ -12,6 +15,8 @@
 
 namespace ObLibX {
 namespace {
+
+constexpr wchar_t kModule[] = L"ObLibX\\src\\ObCustCtrl.cpp";
 
 constexpr std::int32_t kFallbackFontSize = 9;
 constexpr int kFocusInset = 2; // at 96 dpi
@@ -35,8 +40,9 @@ PixelRect Clipped(const PixelRect& rect, const PixelRect& to) {
 
 ObCustomControl::ObCustomControl(std::int32_t controlId, const std::int32_t* imageList,
                                  const ObLib::ObString& name, std::int32_t size)
-    : id(controlId), images(imageList), hoverColor(GetPaletteColor(kPaletteHover)), fontName(name),
-      fontSize(size) {}
+    : id(controlId), images(imageList), fontName(name), fontSize(size) {
+    UsePalette(&ObCustomControl::hoverColor, kPaletteHover);
+}
 
 // A window that outlives its object goes on as a stock one.
 ObCustomControl::~ObCustomControl() {
@@ -52,8 +58,6 @@ void ObCustomControl::Attach(HWND attached) {
         if (fontSize == 0) fontSize = baseSize;
     }
     if (fontSize == 0) fontSize = kFallbackFontSize;
-    endEllipsis = false;
-    AddSubclass(window, &ObCustomControl::Procedure, this);
 }
 
 LRESULT CALLBACK ObCustomControl::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
@@ -149,6 +153,23 @@ void ObCustomControl::SetTextColor(COLORREF color) {
 void ObCustomControl::SetFillColor(COLORREF color) {
     fillColor = color;
     Refresh();
+}
+
+void ObCustomControl::UsePalette(COLORREF ObCustomControl::*color, std::uint32_t entry) {
+    const auto uses = [&](auto wanted) {
+        return std::ranges::find(paletteUses_, wanted, &PaletteUse::color);
+    };
+    auto use = uses(color);
+    if (use == paletteUses_.end()) use = uses(PaletteUse().color); // a free place
+    ObAssert(use != paletteUses_.end());
+    this->*color = GetPaletteColor(entry);
+    *use = {color, entry, this->*color};
+}
+
+void ObCustomControl::TakePaletteColors() {
+    for (const PaletteUse& use : paletteUses_) {
+        if (use.color != nullptr && this->*use.color == use.taken) UsePalette(use.color, use.entry);
+    }
 }
 
 } // namespace ObLibX

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <array>
 #include <cstdint>
 
 #include "ObLib/Src/ObString.h"
@@ -70,6 +71,14 @@ public:
     void SetTextColor(COLORREF color);
     void SetFillColor(COLORREF color);
 
+    // Gives a colour of this control, such as &ObCustomControl::fillColor, the value of an entry of
+    // the palette: now, and at each TakePaletteColors until somebody sets another colour. More than
+    // four colours, or an entry that the palette doesn't have, end the process.
+    void UsePalette(COLORREF ObCustomControl::*color, std::uint32_t entry);
+    // Called by the dialog when it opens, and when the system's colours change: high contrast may
+    // have begun or ended.
+    void TakePaletteColors();
+
     HWND window = nullptr;     // null again once the window has gone
     std::int32_t id;           // of the control in its dialog
     ImageSet images;           // the current ones
@@ -106,6 +115,13 @@ protected:
     virtual void OnFontChanged();
 
 private:
+    // A colour that comes from the palette.
+    struct PaletteUse {
+        COLORREF ObCustomControl::*color = nullptr; // null: the place is free
+        std::uint32_t entry = 0;
+        COLORREF taken = 0; // another one by now: somebody has set it
+    };
+
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                       UINT_PTR id, DWORD_PTR object);
     void OnKeyUp(WPARAM key);

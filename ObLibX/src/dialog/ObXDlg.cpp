@@ -112,6 +112,7 @@ void ObXDlg::SettleControls() {
     std::vector<ObCustomControl*> controls;
     for (const auto& [id, control] : controls_) {
         if (control->window == nullptr) control->window = GetItem(id, true);
+        control->TakePaletteColors(); // those of an earlier opening may have changed
         controls.push_back(control.get());
     }
     if (TheControlMaker().settle != nullptr) TheControlMaker().settle(window, controls);
@@ -170,7 +171,10 @@ bool ObXDlg::OnDestroy() {
 }
 
 bool ObXDlg::OnColorChange() {
-    for (const auto& [id, control] : controls_) control->Refresh();
+    for (const auto& [id, control] : controls_) {
+        control->TakePaletteColors();
+        control->Refresh();
+    }
     // Common controls expect this of the window that they are on.
     ForEachChild(window, [](HWND child) { SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0); });
     return false;

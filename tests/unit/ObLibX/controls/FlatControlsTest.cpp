@@ -21,6 +21,7 @@
 #include "ObLibX/src/dialog/Palette.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/controls/EditFixture.h"
+#include "tests/unit/ObLibX/controls/SystemColor.h"
 
 namespace {
 
@@ -65,21 +66,6 @@ TEST_F(FlatControlsTest, GiveATextItsColour) {
         EXPECT_EQ(0xFFFFFFu, Object<ObFlatStaticText>(id).GetRawFillColor());
     }
 }
-
-// A colour of the system for a scope.
-class SystemColor {
-public:
-    SystemColor(int index, COLORREF color) : index_(index), old_(GetSysColor(index)) {
-        SetSysColors(1, &index_, &color);
-    }
-    ~SystemColor() { SetSysColors(1, &index_, &old_); }
-    SystemColor(const SystemColor&) = delete;
-    SystemColor& operator=(const SystemColor&) = delete;
-
-private:
-    int index_;
-    COLORREF old_;
-};
 
 TEST_F(FlatControlsTest, TakeTheSystemsHotColourForAHeading) {
     isContrast = true; // palette 14 is a colour of the system then

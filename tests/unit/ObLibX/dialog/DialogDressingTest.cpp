@@ -53,10 +53,9 @@ std::unique_ptr<ObCustomControl> MakeRecording(HWND window, const ControlDescrip
 }
 
 std::unique_ptr<ObCustomControl> MakeRecordingHeading(std::int32_t id, std::int32_t size,
-                                                      std::int32_t weight, COLORREF color) {
+                                                      std::int32_t weight) {
     EXPECT_EQ(11, size);
     EXPECT_EQ(700, weight);
-    EXPECT_EQ(0u, color);
     return std::make_unique<RecordingControl>(id, nullptr);
 }
 

@@ -1,6 +1,8 @@
 // What all flat controls share: fields, colours, focus box, and the palette.
 #include "ObLibX/src/dialog/ObCustCtrl.h"
 
+#include <commctrl.h>
+
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/dialog/Palette.h"
@@ -147,6 +149,27 @@ TEST_F(ControlTest, KeepsASizeWithoutAName) {
 
 TEST_F(ControlTest, IsLeftAloneByPageKeysWithoutASheet) {
     control_.Attach(window_);
+    control_.SetControlFont(L"", 0, 400, 0);
+    EXPECT_STREQ(L"Segoe UI", control_.fontName.CStr());
+    EXPECT_EQ(12, control_.fontSize);
+    control_.SetControlFont(L"Arial", 0, 400, 0);
+    EXPECT_EQ(9, control_.fontSize);
+    EXPECT_EQ(GetFont(9, L"Arial", 400, 0),
+              reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0)));
+}
+
+std::vector<WPARAM> released; // keys whose release has reached the window itself
+
+LRESULT CALLBACK RecordKeyUp(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                             DWORD_PTR) {
+    if (message == WM_KEYUP) released.push_back(wParam);
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+TEST_F(ControlTest, LeavesPageKeysToItsWindowWithoutASheet) {
+    SetWindowSubclass(window_, &RecordKeyUp, 1, 0);
+    control_.Attach(window_);
+    released.clear();
     BYTE keys[256] = {};
     keys[VK_CONTROL] = 0x80;
     SetKeyboardState(keys);
@@ -154,7 +177,7 @@ TEST_F(ControlTest, IsLeftAloneByPageKeysWithoutASheet) {
     SendMessageW(window_, WM_KEYUP, VK_PRIOR, 0);
     keys[VK_CONTROL] = 0;
     SetKeyboardState(keys);
-    EXPECT_EQ(window_, control_.window);
+    EXPECT_EQ((std::vector<WPARAM>{VK_NEXT, VK_PRIOR}), released);
 }
 
 TEST_F(ControlTest, FillsByItsState) {
@@ -179,6 +202,33 @@ TEST_F(ControlTest, HasTheSystemsTextColourInHighContrast) {
     isContrast = true;
     EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), control_.GetTextColor());
     EXPECT_EQ(0x123456u, control_.GetRawTextColor());
+}
+
+TEST_F(ControlTest, FollowsThePaletteUntilAColourIsSet) {
+    EXPECT_EQ(0xFBF3E5u, control_.hoverColor);
+    control_.UsePalette(&ObCustomControl::textColor, 14);
+    control_.UsePalette(&ObCustomControl::fillColor, 3);
+    control_.SetFillColor(0x123456);
+    isContrast = true;
+    control_.TakePaletteColors();
+    EXPECT_EQ(GetSysColor(COLOR_GRADIENTACTIVECAPTION), control_.hoverColor);
+    EXPECT_EQ(GetSysColor(COLOR_BTNTEXT), control_.textColor);
+    EXPECT_EQ(0x123456u, control_.fillColor) << "somebody's own";
+    control_.UsePalette(&ObCustomControl::textColor, 0);
+    isContrast = false;
+    control_.TakePaletteColors();
+    EXPECT_EQ(0xFBF3E5u, control_.hoverColor);
+    EXPECT_EQ(0xFFFFFFu, control_.textColor) << "the entry that it was given last";
+    EXPECT_FATAL(control_.UsePalette(&ObCustomControl::textColor, 15), "ObLibX\\src\\Palette.cpp");
+}
+
+TEST_F(ControlTest, FollowsThePaletteInFourColoursAtMost) {
+    control_.UsePalette(&ObCustomControl::textColor, 14);
+    control_.UsePalette(&ObCustomControl::fillColor, 3);
+    control_.UsePalette(&ObCustomControl::pressedColor, 3);
+    control_.UsePalette(&ObCustomControl::hoverColor, 3);
+    EXPECT_FATAL(control_.UsePalette(&ObCustomControl::frameColor, 3),
+                 "ObLibX\\src\\ObCustCtrl.cpp");
 }
 
 TEST_F(ControlTest, LeavesATransparentWindowToTheDialogsBackground) {
