@@ -4,6 +4,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLibX/src/controls/CachedBrush.h"
+#include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/TextMeasure.h"
@@ -14,10 +15,8 @@
 namespace ObLibX {
 namespace {
 
-constexpr COLORREF kDisabledText = 0x808080;
-
 // Of a line. Its height is that of the font, so what the edit contains needn't be read: it may be a
-// password.
+// password. An edit of several lines keeps the height that its window has.
 constexpr wchar_t kLine[] = L"Aq";
 
 // One brush for all edits, of the colour that was asked for last.
@@ -185,7 +184,7 @@ void ObFlatEdit::Refresh() {
 HBRUSH ObFlatEdit::OnCtlColor(HDC dc, HWND control) {
     if (IsHighContrast()) return nullptr;
     const COLORREF fill = GetFillColor();
-    ::SetTextColor(dc, IsWindowEnabled(control) ? GetTextColor() : kDisabledText);
+    ::SetTextColor(dc, IsWindowEnabled(control) ? GetTextColor() : kDisabledTextColor);
     SetBkColor(dc, fill);
     return EditFillBrush(fill);
 }

@@ -4,6 +4,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/ObWinGUI.h"
+#include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/TextMeasure.h"
 #include "ObLibX/src/dialog/Palette.h"
@@ -12,8 +13,6 @@
 
 namespace ObLibX {
 namespace {
-
-constexpr COLORREF kDisabledText = 0x808080;
 
 struct StyleFlag {
     DWORD style;
@@ -76,6 +75,7 @@ ObFlatStaticText::~ObFlatStaticText() {
 
 void ObFlatStaticText::Attach(HWND attached) {
     ObCustomControl::Attach(attached);
+    wantedSize_ = fontSize;
     SetFont();
     FitText(nullptr);
     AddSubclass(window, &ObFlatStaticText::Procedure, this);
@@ -84,7 +84,10 @@ void ObFlatStaticText::Attach(HWND attached) {
 LRESULT CALLBACK ObFlatStaticText::Procedure(HWND window, UINT message, WPARAM wParam,
                                              LPARAM lParam, UINT_PTR, DWORD_PTR object) {
     auto* const text = reinterpret_cast<ObFlatStaticText*>(object);
-    if (message == WM_NCDESTROY) RemoveSubclass(window, &ObFlatStaticText::Procedure, text);
+    if (message == WM_NCDESTROY) {
+        text->fontSize = text->wantedSize_;
+        RemoveSubclass(window, &ObFlatStaticText::Procedure, text);
+    }
     const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     if (message == WM_SETTEXT) {
         static_cast<void>(ObLib::RanGuarded([&] { text->OnTextSet(); }));
@@ -97,6 +100,7 @@ void ObFlatStaticText::SetFont() {
 }
 
 void ObFlatStaticText::OnFontChanged() {
+    wantedSize_ = fontSize;
     SetFont();
     FitText(nullptr);
     Refresh();
@@ -129,7 +133,7 @@ void ObFlatStaticText::FitText(const wchar_t* newText) {
 }
 
 HBRUSH ObFlatStaticText::OnCtlColor(HDC dc, HWND control) {
-    ::SetTextColor(dc, IsWindowEnabled(control) ? GetTextColor() : kDisabledText);
+    ::SetTextColor(dc, IsWindowEnabled(control) ? GetTextColor() : kDisabledTextColor);
     SetBkMode(dc, TRANSPARENT);
     const COLORREF fill = GetRawFillColor();
     return brush_.Get(fill != kNoColor ? fill : GetFillColor());

@@ -21,7 +21,8 @@ public:
     COLORREF GetRawFillColor() override;
 
     // Makes `newText` fit, or, for null, the window's own text; `fontSize` keeps what it is reduced
-    // to. The process ends when no font can be made.
+    // to, as long as the window is there: the next one has its own room. The process ends when no
+    // font can be made.
     void FitText(const wchar_t* newText);
 
 protected:
@@ -33,6 +34,7 @@ private:
     void SetFont();
     void OnTextSet();
 
+    std::int32_t wantedSize_ = 0; // points, before it was made to fit
     CachedBrush brush_;
 };
 

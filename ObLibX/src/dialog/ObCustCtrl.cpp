@@ -52,6 +52,13 @@ ObCustomControl::~ObCustomControl() {
 
 void ObCustomControl::Attach(HWND attached) {
     window = attached;
+    SettleFont();
+    endEllipsis = false;
+    AddSubclass(window, &ObCustomControl::Procedure, this);
+}
+
+// A name and a size in place of those that are left open.
+void ObCustomControl::SettleFont() {
     if (!fontName.HasText()) {
         std::int32_t baseSize = 0;
         fontName = GetBaseFont(baseSize);
@@ -138,7 +145,9 @@ void ObCustomControl::SetControlFont(const ObLib::ObString& name, std::int32_t s
     fontSize = size;
     fontWeight = weight;
     fontStyle = style;
-    if (window != nullptr) OnFontChanged();
+    if (window == nullptr) return;
+    SettleFont();
+    OnFontChanged();
 }
 
 void ObCustomControl::OnFontChanged() {

@@ -19,6 +19,10 @@ inline constexpr COLORREF kNoColor = 0xFFFFFFFF;
 // Dresses a window that the dialog's template made: takes over its colours, its font and, in most
 // classes, its painting. The object belongs to the dialog and dies with it, after its window. On
 // the dialog's thread. What an override throws ends in the window procedure.
+//
+// One object dresses several windows where its dialog is opened several times, one after the other:
+// OnCreated is called once, Attach at each opening, and `window` is null in between. What belongs
+// to a window, such as that the mouse is on it, begins anew in Attach.
 class ObCustomControl {
 public:
     // `imageList` as ImageSet takes it. An empty `fontName`: the base font; size 0: the base size.
@@ -30,7 +34,7 @@ public:
     virtual ~ObCustomControl();
     // The dialog has entered the object in its map.
     virtual void OnCreated() {}
-    // Takes the window over. Once.
+    // Takes a window over, once for each window.
     virtual void Attach(HWND attached);
     // The brush for the window's background; null: the dialog's.
     virtual HBRUSH OnCtlColor(HDC dc, HWND control);
@@ -95,7 +99,7 @@ public:
     std::int32_t fontSize;    // points
     std::int32_t fontWeight = 400;
     std::int32_t fontStyle = 0;       // kFontItalic and the others
-    std::int32_t imageBesideText = 0; // 0: image over text, 1: beside it
+    std::int32_t imageBesideText = 0; // 1: the text is below the image, 0: beside it
     std::int32_t imageSide = 0;       // 0: left, 1: right, 2: centred
     bool useUIState = true;           // the window is asked whether it shows focus cues
     bool endEllipsis = false;         // the text is drawn with word ellipsis
@@ -125,6 +129,9 @@ private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                       UINT_PTR id, DWORD_PTR object);
     void OnKeyUp(WPARAM key);
+    void SettleFont();
+
+    std::array<PaletteUse, 4> paletteUses_; // text, fill, hover and pressed at most
 };
 
 } // namespace ObLibX

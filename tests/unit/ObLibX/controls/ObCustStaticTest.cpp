@@ -5,6 +5,7 @@
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/controls/EditFixture.h"
+#include "tests/unit/ObLibX/controls/SystemColor.h"
 
 namespace {
 
@@ -72,6 +73,47 @@ TEST_F(ObFlatStaticTextTest, FitsAgainWhenItsTextChangesAndKeepsTheSmallerFont) 
     EXPECT_EQ(9, text.fontSize);
     SetWindowTextW(own_.Get(), L"Text");
     EXPECT_EQ(9, text.fontSize);
+}
+
+// The objects of a dialog that is opened again get new windows, of the template's size.
+TEST_F(ObFlatStaticTextTest, FitsEachWindowFromTheSizeThatItWasMadeWith) {
+    ObFlatStaticText& text = Attached(11, 60, 14, kLong);
+    const int height = SizeNow().cy;
+    own_.Reset(CreateWindowExW(0, L"static", kLong, WS_CHILD | WS_VISIBLE, 0, 0, 60, 14,
+                               dialog_->window, nullptr, nullptr, nullptr));
+    text.Attach(own_.Get());
+    EXPECT_EQ(9, text.fontSize);
+    EXPECT_EQ(height, SizeNow().cy) << "nothing of it is cut off";
+    own_.Reset(CreateWindowExW(0, L"static", L"Text", WS_CHILD | WS_VISIBLE, 0, 0, 200, 60,
+                               dialog_->window, nullptr, nullptr, nullptr));
+    text.Attach(own_.Get());
+    EXPECT_EQ(11, text.fontSize) << "has room here";
+}
+
+TEST_F(ObFlatStaticTextTest, KeepsAFontThatItIsGivenForTheNextWindow) {
+    ObFlatStaticText& text = Attached(11, 60, 14, kLong);
+    text.SetControlFont(L"Arial", 16, 400, 0);
+    EXPECT_EQ(9, text.fontSize);
+    own_.Reset();
+    EXPECT_EQ(16, text.fontSize);
+    text.SetControlFont(L"Arial", 14, 400, 0);
+    own_.Reset(CreateWindowExW(0, L"static", L"Text", WS_CHILD | WS_VISIBLE, 0, 0, 200, 60,
+                               dialog_->window, nullptr, nullptr, nullptr));
+    text.Attach(own_.Get());
+    EXPECT_EQ(14, text.fontSize);
+}
+
+TEST_F(ObFlatStaticTextTest, TakesTheBaseSizeForNoSize) {
+    ProcessDialogSettings().font = {L"Segoe UI", 12};
+    ObFlatStaticText& text = Attached(9, 400, 60, L"Text");
+    text.SetControlFont(L"", 0, 400, 0);
+    EXPECT_EQ(12, text.fontSize);
+    text.SetControlFont(L"", 0, 400, 0);
+    SetWindowPos(own_.Get(), nullptr, 0, 0, 30, 14, SWP_NOMOVE | SWP_NOZORDER);
+    SetWindowTextW(own_.Get(), kLong);
+    EXPECT_EQ(9, text.fontSize) << "made to fit from there";
+    text.SetControlFont(L"Arial", 0, 400, 0);
+    EXPECT_EQ(9, text.fontSize) << "as in Attach";
 }
 
 TEST_F(ObFlatStaticTextTest, FitsATextThatItDoesNotShowYet) {
@@ -167,11 +209,13 @@ TEST_F(ObFlatStaticTextTest, HasItsTextOnWhite) {
 }
 
 TEST_F(ObFlatStaticTextTest, HasTheColoursOfWindowsInHighContrast) {
+    const SystemColor window(COLOR_WINDOW, 0x400000);
+    const SystemColor windowText(COLOR_WINDOWTEXT, 0x00FFFF);
     ObFlatStaticText& text = Attached(9, 100, 20, L"Text");
     isContrast = true;
     const HDC dc = GetDC(own_.Get());
-    EXPECT_EQ(GetSysColor(COLOR_WINDOW), ColorOfBrush(text.OnCtlColor(dc, own_.Get())));
-    EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetTextColor(dc));
+    EXPECT_EQ(0x400000u, ColorOfBrush(text.OnCtlColor(dc, own_.Get())));
+    EXPECT_EQ(0x00FFFFu, GetTextColor(dc));
     ReleaseDC(own_.Get(), dc);
 }
 

@@ -147,7 +147,8 @@ TEST_F(ControlTest, KeepsASizeWithoutAName) {
     EXPECT_EQ(14, control_.fontSize);
 }
 
-TEST_F(ControlTest, IsLeftAloneByPageKeysWithoutASheet) {
+TEST_F(ControlTest, HasTheBaseSizeOr9ForASizeOf0ThatItIsGivenLater) {
+    ProcessDialogSettings().font = {L"Segoe UI", 12};
     control_.Attach(window_);
     control_.SetControlFont(L"", 0, 400, 0);
     EXPECT_STREQ(L"Segoe UI", control_.fontName.CStr());
