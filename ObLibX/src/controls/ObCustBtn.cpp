@@ -12,7 +12,6 @@ namespace {
 constexpr COLORREF kDisabledAccentFill = 0xF0F0F0;
 constexpr COLORREF kDisabledAccentText = 0xC0C0C0;
 constexpr std::int32_t kImageMargin = 4; // of a button that is sized to its image; at 96 dpi
-constexpr std::int32_t kFocusInset = 2;  // at 96 dpi
 constexpr int kRingDistance = 2;         // pixels, at every scale
 constexpr int kSeparatorInset = 3;       // at 96 dpi
 
@@ -245,21 +244,8 @@ void ObFlatBtn::PaintFocus(HDC dc, UINT hiddenCues) {
     }
 }
 
-// As the base class does it, but for the screen that is painted on.
-void ObFlatBtn::ComputeFocusRectangle() {
-    const std::int32_t inset = Scaled(kFocusInset);
-    if (!clipFocusToText) {
-        RECT rect{};
-        GetWindowRect(window, &rect);
-        focusRectangle = Inset({0, 0, rect.right - rect.left, rect.bottom - rect.top}, inset);
-        return;
-    }
-    const PixelRect grown = Inset(textRectangle, -inset);
-    focusRectangle = {std::max(grown.left, layoutRectangle.left),
-                      std::max(grown.top, layoutRectangle.top),
-                      std::min(grown.right, layoutRectangle.right),
-                      std::min(grown.bottom, layoutRectangle.bottom)};
-}
+// Without asking the system for its scale.
+void ObFlatBtn::ComputeFocusRectangle() { PlaceFocusRectangle(Scaled(kFocusBoxInset)); }
 
 void ObFlatBtn::PaintRing(ButtonState state) {
     const HWND parent = GetParent(window);

@@ -71,7 +71,8 @@ protected:
     // On top of text and image, before the focus. `imageLeft`: where the image begins.
     virtual void PaintOver(HDC /*dc*/, std::int32_t /*imageLeft*/) {}
     [[nodiscard]] bool IsAccent() const;
-    // A length at 96 dpi in pixels of the screen that is painted on.
+    // A length at 96 dpi in pixels of the screen that is painted on: in place of Scale, as it asks
+    // the system for nothing, and only while Paint of this class runs.
     [[nodiscard]] std::int32_t Scaled(std::int32_t length) const {
         return MulDiv(length, paintDpi_, kUnscaledDpi);
     }

@@ -19,7 +19,6 @@ namespace {
 constexpr wchar_t kModule[] = L"ObLibX\\src\\ObCustCtrl.cpp";
 
 constexpr std::int32_t kFallbackFontSize = 9;
-constexpr int kFocusInset = 2; // at 96 dpi
 
 PixelRect WindowRectAtOrigin(HWND window) {
     RECT rect{};
@@ -129,8 +128,9 @@ void ObCustomControl::DrawFocus(HDC dc) {
     DrawFocusRect(dc, &rect);
 }
 
-void ObCustomControl::ComputeFocusRectangle() {
-    const int inset = Scale(kFocusInset);
+void ObCustomControl::ComputeFocusRectangle() { PlaceFocusRectangle(Scale(kFocusBoxInset)); }
+
+void ObCustomControl::PlaceFocusRectangle(std::int32_t inset) {
     focusRectangle = clipFocusToText ? Clipped(Grown(textRectangle, inset), layoutRectangle)
                                      : Grown(WindowRectAtOrigin(window), -inset);
 }

@@ -115,6 +115,9 @@ public:
     std::int32_t padding = 8; // at 96 dpi
 
 protected:
+    static constexpr std::int32_t kFocusBoxInset = 2; // at 96 dpi
+    // ComputeFocusRectangle, with kFocusBoxInset in pixels.
+    void PlaceFocusRectangle(std::int32_t inset);
     // After the font was changed on an attached control.
     virtual void OnFontChanged();
 
