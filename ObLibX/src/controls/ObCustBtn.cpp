@@ -202,15 +202,23 @@ ObFlatBtn::Face ObFlatBtn::FaceOf(ButtonState state) {
     Face face;
     face.text = TextOfControl(*this);
     UpdateImages();
-    std::int32_t image = GetImageId(images, static_cast<std::int32_t>(state), paintDpi_);
-    if (image == 0) image = GetImageId(images, 0, paintDpi_);
-    image_ = image != 0 ? LoadSharedImage(image) : nullptr;
+    image_ = ImageOf(state);
     face.arrangement = {imageBesideText, imageSide, imageGap, imageOnly};
     face.contents = {SizeOf(image_), 0, Scaled(padding), face.text.HasText()};
     face.contents.spare = SpareOf(face.contents.image.width);
     face.style = StyleOf(window);
     face.hiddenCues = HiddenCues(*this);
     return face;
+}
+
+// That of the first state where this one has none, or one that isn't among the resources.
+SharedImagePtr ObFlatBtn::ImageOf(ButtonState state) const {
+    SharedImagePtr image;
+    for (const std::int32_t row : {static_cast<std::int32_t>(state), 0}) {
+        const std::int32_t id = GetImageId(images, row, paintDpi_);
+        if (!image && id != 0) image = LoadSharedImage(id);
+    }
+    return image;
 }
 
 void ObFlatBtn::PaintText(const Face& face, HDC dc) {

@@ -98,6 +98,7 @@ private:
     void PaintState(ButtonState state);
     void PaintFace(ButtonState state, HDC dc, const PixelRect& area);
     [[nodiscard]] Face FaceOf(ButtonState state);
+    [[nodiscard]] SharedImagePtr ImageOf(ButtonState state) const;
     void PaintText(const Face& face, HDC dc);
     std::int32_t PaintImage(const Face& face, HDC dc);
     void PaintRing(ButtonState state);
