@@ -75,8 +75,14 @@ ObFlatBtn::ObFlatBtn(std::int32_t buttonId, ButtonClass buttonClass)
 // A window that outlives its object goes on as the stock button.
 ObFlatBtn::~ObFlatBtn() { RemoveSubclass(window, &ObFlatBtn::ButtonProcedure, this); }
 
+// The mouse isn't on a window that is new, wherever it was on the one before.
 void ObFlatBtn::Attach(HWND attached) {
     ObCustomControl::Attach(attached);
+    isDown = false;
+    isHot = false;
+    isPressed = false;
+    animatedColor = kNoColor;
+    currentFrameColor = GetFrameColor();
     if (sizeToImage) SizeToImage();
     AddSubclass(window, Procedure(), this);
 }
@@ -154,11 +160,15 @@ void ObFlatBtn::OnLeftButtonUp(int, int) {
     PaintState(ButtonState::Idle);
 }
 
+// Also after a click, which has ended the hover, but has left its colours.
 void ObFlatBtn::ForgetMouse() {
-    if (!isHot && !isDown && !isPressed) return;
     isDown = false;
     isPressed = false;
     OnMouseLeave();
+}
+
+void ObFlatBtn::HideRing() {
+    if (accentRing && State() != ButtonState::Idle) PaintRing(ButtonState::Idle);
 }
 
 void ObFlatBtn::Paint(HDC dc) { PaintButton(State(), dc); }
@@ -275,6 +285,11 @@ ObFlatBlueBtn::ObFlatBlueBtn(std::int32_t buttonId) : ObFlatBtn(buttonId, Button
 ObFlatSettingsBtn::ObFlatSettingsBtn(std::int32_t buttonId)
     : ObFlatBtn(buttonId, ButtonClass::Settings) {}
 
+void ObFlatSettingsBtn::Attach(HWND attached) {
+    hasFrame = 0;
+    ObFlatBtn::Attach(attached);
+}
+
 void ObFlatSettingsBtn::Refresh() {
     images = ImageSet(ImageList(ControlImage::Settings));
     ObFlatBtn::Refresh();
@@ -320,7 +335,8 @@ void ObFlatSplitBtn::PaintOver(HDC dc, std::int32_t imageLeft) {
 
 ObFlatDropBtn::ObFlatDropBtn(std::int32_t buttonId) : ObFlatSplitBtn(buttonId, ButtonClass::Drop) {}
 
-void ObFlatDropBtn::OnCreated() {
+void ObFlatDropBtn::Attach(HWND attached) {
+    ObFlatSplitBtn::Attach(attached);
     BUTTON_SPLITINFO info{};
     info.mask = BCSIF_STYLE;
     info.uSplitStyle = BCSS_NOSPLIT;

@@ -46,6 +46,8 @@ public:
     void Repaint();
     // Ends a hover and a press: the window gets no mouse any more.
     void ForgetMouse();
+    // Takes the ring off the parent, before the window leaves its place.
+    void HideRing();
 
     bool sizeToImage = false;   // Attach makes the window as large as the image needs
     bool imageGap = true;       // a padding is between image and text
@@ -117,6 +119,7 @@ public:
 class ObFlatSettingsBtn : public ObFlatBtn {
 public:
     explicit ObFlatSettingsBtn(std::int32_t id);
+    void Attach(HWND attached) override;
     void Refresh() override;
     void OnMouseMove(int x, int y) override;
     void OnMouseLeave() override;
@@ -142,7 +145,7 @@ protected:
 class ObFlatDropBtn : public ObFlatSplitBtn {
 public:
     explicit ObFlatDropBtn(std::int32_t id);
-    void OnCreated() override;
+    void Attach(HWND attached) override;
 };
 
 } // namespace ObLibX

@@ -37,9 +37,16 @@ void OnEnabled(B& button, const M& message) {
 }
 
 void OnCaptureLost(B& button, const M& message) {
-    if (reinterpret_cast<HWND>(message.lParam) != button.window && button.isDown) {
+    if (reinterpret_cast<HWND>(message.lParam) != button.window && button.isPressed) {
         button.ForgetMouse();
     }
+}
+
+// What the system invalidates of the parent is where the window was, without the ring around it.
+void OnPlaceChanges(B& button, const M& message) {
+    constexpr UINT kStays = SWP_NOMOVE | SWP_NOSIZE;
+    const UINT flags = reinterpret_cast<const WINDOWPOS*>(message.lParam)->flags;
+    if ((flags & SWP_HIDEWINDOW) != 0 || (flags & kStays) != kStays) button.HideRing();
 }
 
 using Call = void (*)(B& button, const M& message);
@@ -57,6 +64,7 @@ constexpr Row kBefore[] = {
     {WM_LBUTTONUP, [](B& b, const M& m) { b.OnLeftButtonUp(m.X(), m.Y()); }},
     {WM_MOUSELEAVE, [](B& b, const M&) { b.OnMouseLeave(); }},
     {WM_CAPTURECHANGED, &OnCaptureLost},
+    {WM_WINDOWPOSCHANGING, &OnPlaceChanges},
 };
 
 // What a message does after the stock button has had it. That paints by itself, without WM_PAINT;

@@ -1,68 +1,15 @@
 // Flat push buttons: their classes, states, colours, texts and pictures.
 #include "ObLibX/src/controls/ObCustBtn.h"
 
-#include "ObLibX/src/controls/OffscreenPaint.h"
-#include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLib/FatalExit.h"
-#include "tests/unit/ObLibX/controls/ControlFixture.h"
-#include "tests/unit/ObLibX/controls/ControlTestIds.h"
+#include "tests/unit/ObLibX/controls/ButtonFixture.h"
+#include "tests/unit/ObLibX/controls/SystemColor.h"
 
 namespace {
 
-using namespace ObLibX;
-
-constexpr int kPlain = 1001;
-constexpr int kBlue = 1002;
-constexpr int kSettings = 1003;
-constexpr int kBrowser = 1004;
-constexpr int kSplit = 1005;
-constexpr int kDrop = 1006;
-constexpr int kWithoutText = 1007;
-constexpr int kTwoLines = 1008;
-constexpr int kTopLeft = 1009;
-constexpr int kBottomRight = 1010;
-constexpr int kStock = 1099;
-
-constexpr COLORREF kFill = 0xF6F6F6;
-constexpr COLORREF kHover = 0xFBF3E5;
-constexpr COLORREF kPressed = 0xFCE8D4;
-constexpr COLORREF kFrame = 0xC0C0C0;
-constexpr COLORREF kHotFrame = 0xEAB47E;
-constexpr COLORREF kAccent = 0xC0761B;
-constexpr COLORREF kWhite = 0xFFFFFF;
-
-class FlatButton : public ControlsTest {
-protected:
-    void SetUp() override {
-        ControlsTest::SetUp();
-        Dress({{kPlain, &Make<ObFlatBtn>},
-               {kBlue, &Make<ObFlatBlueBtn>},
-               {kSettings, &Make<ObFlatSettingsBtn>},
-               {kBrowser, &Make<ObFlatBrowserBtn>},
-               {kSplit, &Make<ObFlatSplitBtn>},
-               {kDrop, &Make<ObFlatDropBtn>},
-               {kWithoutText, &Make<ObFlatBtn>},
-               {kTwoLines, &Make<ObFlatBtn>},
-               {kTopLeft, &Make<ObFlatBtn>},
-               {kBottomRight, &Make<ObFlatBtn>}});
-        Open(OB_TEST_PUSH_BUTTONS);
-        SetFocus(Item(kStock));
-    }
-    void Hover(int id) { Send(id, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5)); }
-    void Leave(int id) { Send(id, WM_MOUSELEAVE); }
-    void Down(int id) { Send(id, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5)); }
-    void Up(int id) { Send(id, WM_LBUTTONUP, 0, MAKELPARAM(5, 5)); }
-    ObFlatBtn& Button(int id) { return Object<ObFlatBtn>(id); }
-    // A pixel of the parent, as far left and up of the window's corner.
-    COLORREF BesideOf(int id, int distance) {
-        RECT rect{};
-        GetWindowRect(Item(id), &rect);
-        MapWindowPoints(nullptr, dialog_->window, reinterpret_cast<POINT*>(&rect), 2);
-        const ClientDc dc(dialog_->window);
-        return GetPixel(dc.Get(), rect.left - distance, rect.top - distance);
-    }
-};
+using namespace buttontest;
 
 TEST_F(FlatButton, HasItsDefaults) {
     const ObFlatBtn button(7);
@@ -257,13 +204,18 @@ TEST_F(FlatButton, IsNotPressedAnyMoreWhenAnotherWindowTakesTheCapture) {
 }
 
 TEST_F(FlatButton, HasTheSystemsColoursInHighContrast) {
+    const SystemColor text(COLOR_BTNTEXT, 0x00FFFF);
+    const SystemColor face(COLOR_BTNFACE, 0x400000);
     Fakes().isContrast = true;
-    EXPECT_EQ(GetSysColor(COLOR_BTNTEXT), TextOf(kPlain).color);
-    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), PixelOf(kPlain, 1, 1));
-    EXPECT_EQ(GetSysColor(COLOR_BTNTEXT), TextOf(kBlue).color);
-    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), PixelOf(kBlue, 1, 1));
+    EXPECT_EQ(0x00FFFFu, TextOf(kPlain).color);
+    EXPECT_EQ(0x400000u, PixelOf(kPlain, 1, 1));
+    EXPECT_EQ(0x00FFFFu, TextOf(kBlue).color);
+    EXPECT_EQ(0x400000u, PixelOf(kBlue, 1, 1));
     EnableWindow(Item(kPlain), FALSE);
     EXPECT_EQ(0x808080u, TextOf(kPlain).color);
+    EnableWindow(Item(kBlue), FALSE);
+    EXPECT_EQ(0xC0C0C0u, TextOf(kBlue).color);
+    EXPECT_EQ(0xF0F0F0u, PixelOf(kBlue, 1, 1));
     const ObFlatBlueBtn made(1);
     EXPECT_EQ(GetSysColor(COLOR_HOTLIGHT), made.fillColor);
 }
@@ -287,6 +239,16 @@ TEST_F(FlatButton, AlignsItsTextByTheWindowsStyle) {
     const SIZE size = SizeOf(kPlain);
     EXPECT_NEAR(centred.left, size.cx - centred.right, 1);
     EXPECT_NEAR(centred.top, size.cy - centred.bottom, 1);
+}
+
+TEST_F(FlatButton, CentresItsTextWhereTheStyleNamesBothSides) {
+    const LONG_PTR style = GetWindowLongPtrW(Item(kTopLeft), GWL_STYLE);
+    SetWindowLongPtrW(Item(kTopLeft), GWL_STYLE, style | BS_RIGHT | BS_BOTTOM);
+    const RECT text = TextOf(kTopLeft).rect;
+    const SIZE size = SizeOf(kTopLeft);
+    EXPECT_NEAR(text.left, size.cx - text.right, 1);
+    EXPECT_NEAR(text.top, size.cy - text.bottom, 1);
+    EXPECT_LT(Scale(8), text.left) << "not at the edge, as with one of the two";
 }
 
 TEST_F(FlatButton, DrawsATextOfAnyLength) {
@@ -546,6 +508,24 @@ TEST_F(FlatButton, TakesThePictureOfItsState) {
     EXPECT_EQ(idle, pressed) << "the first row's where a state has none";
 }
 
+TEST_F(FlatButton, TakesTheFirstPictureWhereThatOfItsStateIsMissing) {
+    // The second row names pictures that the program doesn't have.
+    static constexpr std::int32_t kRows[] = {
+        62224, 62225, 62226, 62227, 62228, 62229, 62230, 62231,        1,
+        2,     3,     4,     5,     6,     7,     8,     kImageListEnd};
+    ObFlatBtn& button = Button(kWithoutText);
+    const long without = CountOf(kWithoutText, kFill);
+    button.images = ImageSet(kRows);
+    button.hoverColor = button.fillColor;
+    button.hotFrameColor = button.frameColor;
+    button.Repaint();
+    const auto idle = PixelsOf(kWithoutText);
+    EXPECT_GT(without, CountOf(kWithoutText, kFill)) << "it has a picture";
+    Hover(kWithoutText);
+    EXPECT_EQ(idle, PixelsOf(kWithoutText));
+    Leave(kWithoutText);
+}
+
 // The dialog ends with its objects while a click is still under way.
 TEST_F(FlatButton, MayEndWithItsDialogWhileItNotifies) {
     dialog_->onCommand = [&] { DestroyWindow(dialog_->window); };
@@ -593,12 +573,21 @@ TEST_F(FlatButton, EndsTheProcessWithoutAFontForItsText) {
         "ObLibX\\src\\ControlText.cpp");
 }
 
+// Called by DrawText: how the font differs that the text is drawn in.
+std::int32_t drawnStyle = -1;
+int WINAPI RecordFont(HDC dc, LPCWSTR, int, RECT*, UINT) {
+    const FontEntry* const font = FindFontEntry(static_cast<HFONT>(GetCurrentObject(dc, OBJ_FONT)));
+    drawnStyle = font != nullptr && font->weight == 700 ? font->style : -1;
+    return 1;
+}
+
 TEST_F(FlatButton, TakesItsFontWithoutItsStyle) {
-    Button(kPlain).fontStyle = 1; // italic
+    Button(kPlain).fontStyle = 7; // italic, underlined, struck out
     Button(kPlain).fontWeight = 700;
-    const int before = TextOf(kPlain).rect.right;
-    Button(kPlain).fontStyle = 0;
-    EXPECT_EQ(before, TextOf(kPlain).rect.right);
+    const obtest::ImportPatch<decltype(DrawTextW)> patch("user32.dll", "DrawTextW", &RecordFont);
+    ASSERT_TRUE(patch.Ok());
+    Button(kPlain).Repaint();
+    EXPECT_EQ(0, drawnStyle);
 }
 
 TEST_F(FlatButton, EndsItsFadeWithItsWindow) {
