@@ -9,14 +9,13 @@
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/SwitchLayout.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/ToolkitTexts.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 
 namespace ObLibX {
 namespace {
 
-constexpr std::int32_t kOffText = 62107;
-constexpr std::int32_t kOnText = 62108;
 constexpr RECT kSizeInUnits{0, 0, 44, 8}; // of the dialog
 constexpr int kMargin = 2;                // at 96 dpi
 constexpr int kFrameWidth = 2;            // pixels, at every scale
@@ -46,6 +45,8 @@ ObFlatToggleBtn::~ObFlatToggleBtn() {
 
 void ObFlatToggleBtn::Attach(HWND attached) {
     ObFlatToggleBase::Attach(attached);
+    lastMouseX = kNoMouse;
+    isSpaceDown_ = false;
     RECT size = kSizeInUnits;
     MapDialogRect(GetParent(window), &size);
     const int grown = 2 * Scale(kMargin);
@@ -55,7 +56,7 @@ void ObFlatToggleBtn::Attach(HWND attached) {
 }
 
 void ObFlatToggleBtn::ShowState(bool isOn) {
-    SetWindowTextW(window, ObLib::ObString(isOn ? kOnText : kOffText).CStr());
+    SetWindowTextW(window, ObLib::ObString(isOn ? kTextSwitchOn : kTextSwitchOff).CStr());
 }
 
 void ObFlatToggleBtn::OnSetCheck(bool isChecked) { ShowState(isChecked); }
@@ -70,14 +71,17 @@ void ObFlatToggleBtn::OnMouseMove(int x, int) {
     Repaint();
 }
 
-// A click that isn't dragged changes the state, wherever it is.
+// A click that isn't dragged changes the state, wherever it is. The capture is taken first: a
+// dialog may show a message box, or end, as another control loses the focus. The press then ends
+// with the capture, or by the button's release.
 void ObFlatToggleBtn::OnLeftButtonDown(int x, int) {
+    const HWND pressed = window;
     isDown = true;
     pressedX_ = x;
     newState = !IsOn();
-    SetFocus(window);
-    SetCapture(window);
-    Repaint();
+    SetCapture(pressed);
+    SetFocus(pressed);
+    if (IsWindow(pressed) && isDown) Repaint();
 }
 
 void ObFlatToggleBtn::OnLeftButtonUp(int, int) {
@@ -95,9 +99,10 @@ void ObFlatToggleBtn::LetGo() {
     Repaint();
 }
 
-// The dialog may destroy the window while it is notified.
+// A screen reader asks for it whether the switch is disabled or not. The dialog may destroy the
+// window while it is notified.
 void ObFlatToggleBtn::Change(bool isOn) {
-    if (isOn == IsOn()) return;
+    if (isOn == IsOn() || !IsEnabled()) return;
     const HWND parent = GetParent(window);
     const int control = GetDlgCtrlID(window);
     CheckDlgButton(parent, control, isOn ? BST_CHECKED : BST_UNCHECKED);
@@ -144,14 +149,16 @@ bool ObFlatToggleBtn::Take(UINT message, WPARAM wParam, LPARAM lParam) {
 // What the stock check box paints by itself is painted over at once.
 void ObFlatToggleBtn::TakeAfter(UINT message, WPARAM wParam) {
     switch (message) {
-    case BM_SETCHECK:
-        OnSetCheck(wParam == BST_CHECKED);
+    case BM_SETCHECK: // a box of two states takes any other value than 0 for checked
+        OnSetCheck(IsOn());
         break;
     case WM_KILLFOCUS:
         isSpaceDown_ = false;
         break;
     case WM_ENABLE:
-        if (wParam == FALSE && isDown) LetGo();
+        if (wParam != FALSE) break;
+        isSpaceDown_ = false;
+        if (isDown) LetGo();
         break;
     case WM_SETFOCUS:
     case WM_SETTEXT:
@@ -235,7 +242,11 @@ void ObFlatToggleBtn::PaintLabel(HDC dc, UINT hiddenCues) {
 
 void ObFlatToggleBtn::ComputeFocusRectangle() { focusRectangle = ClientArea(window); }
 
-ObLib::ObString ObFlatToggleBtn::AccessibleName() { return LabelBefore(window); }
+// Without a label its own text is better than no name.
+ObLib::ObString ObFlatToggleBtn::AccessibleName() {
+    const ObLib::ObString label = LabelBefore(window);
+    return label.HasText() ? label : TextOfControl(*this);
+}
 
 LONG ObFlatToggleBtn::AccessibleRole() { return ROLE_SYSTEM_CHECKBUTTON; }
 

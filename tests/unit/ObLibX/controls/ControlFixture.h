@@ -7,6 +7,7 @@
 
 #include <commctrl.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -54,7 +55,7 @@ public:
         : ObXFlatDlg(dialogTemplate, nullptr, 0, false) {}
     bool OnCommandId(int id, int code, HWND) override {
         commands.push_back({id, code});
-        if (onCommand) onCommand();
+        if (const auto call = onCommand) call(); // a copy: the call may delete the dialog
         return true;
     }
     std::vector<std::pair<int, int>> commands;

@@ -13,6 +13,7 @@ namespace {
 
 using namespace ObLibX;
 
+constexpr int kLabel = 1100;
 constexpr int kSwitch = 1107;
 constexpr int kStock = 1199;
 
@@ -66,6 +67,28 @@ TEST_F(FlatSwitch, HasItsSizeInDialogUnitsAndItsStateAsText) {
     Send(kSwitch, BM_SETCHECK, BST_UNCHECKED);
     EXPECT_EQ(L"Off", Text());
     EXPECT_TRUE(Clicks().empty());
+}
+
+// A check box of two states takes any number but 0 for checked.
+TEST_F(FlatSwitch, HasTheTextOfItsStateWhateverItIsSetTo) {
+    Send(kSwitch, BM_SETCHECK, BST_INDETERMINATE);
+    EXPECT_TRUE(IsOn());
+    EXPECT_EQ(L"On", Text());
+    EXPECT_EQ(kAccent, Track(50));
+    Send(kSwitch, BM_SETCHECK, BST_UNCHECKED);
+    EXPECT_EQ(L"Off", Text());
+}
+
+TEST_F(FlatSwitch, IsOffInTheThirdStateOfItsBox) {
+    SetWindowLongPtrW(Item(kSwitch), GWL_STYLE,
+                      (GetWindowLongPtrW(Item(kSwitch), GWL_STYLE) & ~BS_TYPEMASK) | BS_AUTO3STATE);
+    Send(kSwitch, BM_SETCHECK, BST_INDETERMINATE);
+    ASSERT_EQ(BST_INDETERMINATE, Send(kSwitch, BM_GETCHECK));
+    EXPECT_EQ(L"Off", Text());
+    EXPECT_EQ(kWhite, Track(50));
+    Send(kSwitch, BM_CLICK);
+    EXPECT_TRUE(IsOn());
+    EXPECT_EQ(L"On", Text());
 }
 
 TEST_F(FlatSwitch, FlipsByAClickWithoutMoving) {
@@ -149,6 +172,71 @@ TEST_F(FlatSwitch, IsNotChangedWhenTheCaptureIsLost) {
     EnableWindow(Item(kSwitch), FALSE);
     EXPECT_FALSE(Switch().isDown);
     EXPECT_TRUE(Clicks().empty());
+}
+
+TEST_F(FlatSwitch, IsNotChangedWhileItIsDisabled) {
+    EnableWindow(Item(kSwitch), FALSE);
+    Send(kSwitch, BM_CLICK);
+    EXPECT_FALSE(IsOn());
+    EnableWindow(Item(kSwitch), TRUE);
+    Send(kSwitch, WM_KEYDOWN, VK_SPACE);
+    EnableWindow(Item(kSwitch), FALSE);
+    EnableWindow(Item(kSwitch), TRUE);
+    Send(kSwitch, WM_KEYUP, VK_SPACE);
+    EXPECT_FALSE(IsOn()) << "disabled while Space was down";
+    EXPECT_TRUE(Clicks().empty());
+}
+
+TEST_F(FlatSwitch, IsIdleWhenItsDialogIsOpenedAgain) {
+    PixelsOf(kSwitch);
+    const PixelRect track = Switch().trackRectangle;
+    Mouse(WM_LBUTTONDOWN, track.left + 2);
+    Mouse(WM_MOUSEMOVE, track.right - 1);
+    DestroyWindow(dialog_->window);
+    dialog_->Create(nullptr);
+    ShowWindow(dialog_->window, SW_SHOW);
+    EXPECT_FALSE(Switch().isDown);
+    EXPECT_EQ(-1, Switch().lastMouseX);
+    EXPECT_EQ(kGray, Track(10)) << "the thumb";
+    EXPECT_EQ(kWhite, Track(50)) << "not the colour of a drag";
+    Send(kSwitch, WM_KEYDOWN, VK_SPACE);
+    DestroyWindow(dialog_->window);
+    dialog_->Create(nullptr);
+    Send(kSwitch, WM_KEYUP, VK_SPACE);
+    EXPECT_FALSE(IsOn()) << "pressed in the window before";
+}
+
+// What a control does when it loses the focus: `called` runs.
+std::function<void()> called;
+LRESULT CALLBACK CallAtKillFocus(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                 UINT_PTR id, DWORD_PTR) {
+    if (message == WM_KILLFOCUS) called();
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, &CallAtKillFocus, id);
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+// As a message box that is shown by the control that had the focus: the box gets the release.
+TEST_F(FlatSwitch, IsNotDraggedAfterAPressThatTheFocusHasEnded) {
+    called = [&] {
+        EnableWindow(dialog_->window, FALSE);
+        ReleaseCapture();
+        EnableWindow(dialog_->window, TRUE);
+    };
+    SetWindowSubclass(Item(kStock), &CallAtKillFocus, 1, 0);
+    Mouse(WM_LBUTTONDOWN, 5);
+    EXPECT_FALSE(Switch().isDown);
+    EXPECT_EQ(nullptr, GetCapture());
+    Mouse(WM_MOUSEMOVE, Switch().trackRectangle.right - 1);
+    EXPECT_EQ(-1, Switch().lastMouseX);
+}
+
+TEST_F(FlatSwitch, MayEndWithItsDialogWhenTheFocusIsLostElsewhere) {
+    called = [&] { DestroyWindow(dialog_->window); };
+    SetWindowSubclass(Item(kStock), &CallAtKillFocus, 1, 0);
+    const HWND window = Item(kSwitch);
+    SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+    EXPECT_FALSE(IsWindow(window));
+    EXPECT_EQ(nullptr, GetCapture());
 }
 
 TEST_F(FlatSwitch, HasItsColoursByState) {
@@ -239,38 +327,73 @@ TEST_F(FlatSwitch, MayEndWithItsDialogWhileItNotifies) {
     EXPECT_FALSE(IsWindow(window));
 }
 
-TEST_F(FlatSwitch, IsACheckBoxForReadersNamedByTheLabelBeforeIt) {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    {
-        ObLib::ComPtr<IAccessible> object;
+class SwitchForReaders : public FlatSwitch {
+protected:
+    void SetUp() override {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        FlatSwitch::SetUp();
+        self_.vt = VT_I4;
         ASSERT_EQ(S_OK, AccessibleObjectFromWindow(Item(kSwitch), static_cast<DWORD>(OBJID_CLIENT),
                                                    __uuidof(IAccessible),
-                                                   reinterpret_cast<void**>(object.Put())));
-        VARIANT self{};
-        self.vt = VT_I4;
+                                                   reinterpret_cast<void**>(object_.Put())));
+    }
+    void TearDown() override {
+        object_.Reset();
+        FlatSwitch::TearDown();
+        CoUninitialize();
+    }
+    std::wstring Name() {
         BSTR name = nullptr;
-        EXPECT_EQ(S_OK, object->get_accName(self, &name));
-        EXPECT_STREQ(L"Sound & light:", name);
+        EXPECT_EQ(S_OK, object_->get_accName(self_, &name));
+        const std::wstring copy = name != nullptr ? name : L"";
         SysFreeString(name);
+        return copy;
+    }
+    LONG State() {
         VARIANT number{};
-        EXPECT_EQ(S_OK, object->get_accRole(self, &number));
-        EXPECT_EQ(ROLE_SYSTEM_CHECKBUTTON, number.lVal);
-        EXPECT_EQ(S_OK, object->get_accState(self, &number));
-        EXPECT_EQ(0, number.lVal & STATE_SYSTEM_CHECKED);
-        BSTR action = nullptr;
-        EXPECT_EQ(S_OK, object->get_accDefaultAction(self, &action));
-        EXPECT_NE(0u, SysStringLen(action));
-        SysFreeString(action);
-        EXPECT_EQ(S_OK, object->accDoDefaultAction(self));
+        EXPECT_EQ(S_OK, object_->get_accState(self_, &number));
+        return number.lVal;
+    }
+    static void Pump() {
         MSG message{};
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-        EXPECT_TRUE(IsOn());
-        EXPECT_EQ(S_OK, object->get_accState(self, &number));
-        EXPECT_NE(0, number.lVal & STATE_SYSTEM_CHECKED);
-        dialog_.reset();
-        EXPECT_EQ(CO_E_OBJNOTCONNECTED, object->get_accState(self, &number));
     }
-    CoUninitialize();
+    VARIANT self_{};
+    ObLib::ComPtr<IAccessible> object_;
+};
+
+TEST_F(SwitchForReaders, IsACheckBoxNamedByTheLabelBeforeIt) {
+    EXPECT_EQ(L"Sound & light:", Name());
+    VARIANT number{};
+    EXPECT_EQ(S_OK, object_->get_accRole(self_, &number));
+    EXPECT_EQ(ROLE_SYSTEM_CHECKBUTTON, number.lVal);
+    EXPECT_EQ(0, State() & STATE_SYSTEM_CHECKED);
+    BSTR action = nullptr;
+    EXPECT_EQ(S_OK, object_->get_accDefaultAction(self_, &action));
+    EXPECT_NE(0u, SysStringLen(action));
+    SysFreeString(action);
+    EXPECT_EQ(S_OK, object_->accDoDefaultAction(self_));
+    Pump();
+    EXPECT_TRUE(IsOn());
+    EXPECT_NE(0, State() & STATE_SYSTEM_CHECKED);
+    dialog_.reset();
+    EXPECT_EQ(CO_E_OBJNOTCONNECTED, object_->get_accState(self_, &number));
+}
+
+TEST_F(SwitchForReaders, HasItsTextForANameWithoutALabel) {
+    DestroyWindow(Item(kLabel));
+    EXPECT_EQ(L"Off", Name());
+}
+
+TEST_F(SwitchForReaders, StaysAsItIsWhileDisabled) {
+    EXPECT_EQ(S_OK, object_->accDoDefaultAction(self_));
+    EnableWindow(Item(kSwitch), FALSE); // before the click arrives
+    Pump();
+    EXPECT_FALSE(IsOn());
+    EXPECT_EQ(S_OK, object_->accDoDefaultAction(self_));
+    Pump();
+    EXPECT_FALSE(IsOn());
+    EXPECT_TRUE(Clicks().empty());
 }
 
 } // namespace
