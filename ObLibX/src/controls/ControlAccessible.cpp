@@ -9,9 +9,9 @@
 
 namespace ObLibX {
 
-// Answers for name, role, state, value, description and action; the rest is what the system's own
-// object for the window answers. Called on the window's thread: the system passes calls of other
-// processes on to it.
+// Answers for name, role, state, value, description, keys and action; the rest is what the system's
+// own object for the window answers. Called on the window's thread: the system passes calls of
+// other processes on to it.
 struct AccessibleObject final : IAccessible {
     AccessibleObject(AccessibleSource& control, ObLib::ComPtr<IAccessible> standard)
         : source_(&control), standard_(std::move(standard)) {}
@@ -78,6 +78,13 @@ struct AccessibleObject final : IAccessible {
     HRESULT STDMETHODCALLTYPE get_accDescription(VARIANT child, BSTR* text) override {
         return Answered(child, [&] { return Text(source_->AccessibleDescription(), text); });
     }
+    HRESULT STDMETHODCALLTYPE get_accKeyboardShortcut(VARIANT child, BSTR* shortcut) override {
+        return Answered(child, [&] {
+            const ObLib::ObString own = source_->AccessibleShortcut();
+            return own.HasText() ? Text(own, shortcut)
+                                 : standard_->get_accKeyboardShortcut(child, shortcut);
+        });
+    }
     // Where the system has no word for it, the name describes what it does.
     HRESULT STDMETHODCALLTYPE get_accDefaultAction(VARIANT child, BSTR* action) override {
         return Answered(child, [&] {
@@ -102,9 +109,6 @@ struct AccessibleObject final : IAccessible {
     HRESULT STDMETHODCALLTYPE get_accHelp(VARIANT, BSTR* help) override { return None(help); }
     HRESULT STDMETHODCALLTYPE get_accHelpTopic(BSTR* file, VARIANT, LONG*) override {
         return None(file);
-    }
-    HRESULT STDMETHODCALLTYPE get_accKeyboardShortcut(VARIANT child, BSTR* shortcut) override {
-        return standard_->get_accKeyboardShortcut(child, shortcut);
     }
     HRESULT STDMETHODCALLTYPE get_accFocus(VARIANT* focus) override {
         return standard_->get_accFocus(focus);

@@ -10,15 +10,18 @@ namespace ObLibX {
 // The control, as it is now. On the window's thread. Throws std::bad_alloc.
 class AccessibleSource {
 public:
-    virtual ObLib::ObString AccessibleName() = 0;
-    virtual LONG AccessibleRole() = 0;  // ROLE_SYSTEM_...
-    virtual LONG AccessibleState() = 0; // STATE_SYSTEM_..., besides what any window has
+    virtual ObLib::ObString AccessibleName() = 0; // empty: none
+    virtual LONG AccessibleRole() = 0;            // ROLE_SYSTEM_...
+    virtual LONG AccessibleState() = 0;           // STATE_SYSTEM_..., besides what any window has
     virtual void DoAccessibleAction() = 0;
     // False: there is nothing that a click on the whole control does.
     virtual bool HasAccessibleAction() { return true; }
     // Empty: none.
     virtual ObLib::ObString AccessibleValue() { return {}; }
     virtual ObLib::ObString AccessibleDescription() { return {}; }
+    // The keys that do the action anywhere in the field, such as "Alt+F8". Empty: what the system
+    // takes for them.
+    virtual ObLib::ObString AccessibleShortcut() { return {}; }
 
 protected:
     ~AccessibleSource() = default;

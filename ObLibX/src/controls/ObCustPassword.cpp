@@ -9,6 +9,7 @@
 #include "ObLibX/src/controls/ControlImages.h"
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/dialog/ToolkitTexts.h"
 #include "ObLibX/src/dialog/Tooltips.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
 
@@ -16,8 +17,6 @@ namespace ObLibX {
 namespace {
 
 constexpr WPARAM kPasswordCharacter = L'*';
-constexpr std::int32_t kTipText = 62264;
-constexpr std::int32_t kNameText = 62265;
 constexpr LPARAM kWasDown = 1 << 30; // of a key: it repeats
 
 bool IsDown(int key) { return GetKeyState(key) < 0; }
@@ -214,7 +213,7 @@ void ObFlatPassword::AddEyeTip() {
     if (tooltipWindow == nullptr || SendMessageW(tooltipWindow, TTM_GETTOOLCOUNT, 0, 0) != 0) {
         return;
     }
-    tipText_ = ObLib::ObString(kTipText);
+    tipText_ = ObLib::ObString(kTextEyeTip);
     AddTool(tooltipWindow, eyeButton, tipText_.CStr());
 }
 
@@ -259,7 +258,9 @@ void ObFlatPassword::DrawInMiddle(const OffscreenPaint& paint, const SharedImage
 
 // ---- what screen readers get
 
-ObLib::ObString ObFlatPassword::AccessibleName() { return ObLib::ObString(kNameText); }
+ObLib::ObString ObFlatPassword::AccessibleShortcut() { return L"Alt+F8"; }
+
+ObLib::ObString ObFlatPassword::AccessibleName() { return ObLib::ObString(kTextEyeName); }
 
 LONG ObFlatPassword::AccessibleRole() { return ROLE_SYSTEM_PUSHBUTTON; }
 

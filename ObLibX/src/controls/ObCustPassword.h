@@ -55,6 +55,7 @@ private:
 
     // AccessibleSource
     ObLib::ObString AccessibleName() override;
+    ObLib::ObString AccessibleShortcut() override;
     LONG AccessibleRole() override;
     LONG AccessibleState() override;
     void DoAccessibleAction() override;
