@@ -36,7 +36,7 @@ public:
     // Takes the border off, gives an edit of one line the height of its text, and makes the frame.
     // The process ends when no font can be made.
     void Attach(HWND attached) override;
-    // Of an edit that is disabled or read-only, as only those ask. Null in high contrast.
+    // Asked for in every state of the edit, and for the inside of its frame. Null in high contrast.
     HBRUSH OnCtlColor(HDC dc, HWND control) override;
     // The edit was moved or resized: what is around it follows.
     void OnLayoutChanged() override;

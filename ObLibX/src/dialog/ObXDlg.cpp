@@ -198,10 +198,14 @@ HBRUSH ObXDlg::OnCtlColorStatic(HWND control, HDC dc) {
     return static_cast<HBRUSH>(GetStockObject(NULL_BRUSH));
 }
 
-HBRUSH ObXDlg::OnCtlColorBtn(HWND control, HDC dc) {
+HBRUSH ObXDlg::BrushOf(HWND control, HDC dc) const {
     ObCustomControl* const object = isFlat ? ControlOf(control) : nullptr;
     return object != nullptr ? object->OnCtlColor(dc, control) : nullptr;
 }
+
+HBRUSH ObXDlg::OnCtlColorBtn(HWND control, HDC dc) { return BrushOf(control, dc); }
+
+HBRUSH ObXDlg::OnCtlColorEdit(HWND control, HDC dc) { return BrushOf(control, dc); }
 
 bool ObXDlg::OnUpdateUIState(WORD action, WORD state) {
     if (!isFlat) return false;

@@ -65,6 +65,7 @@ public:
     virtual HBRUSH OnCtlColorDlg();
     virtual HBRUSH OnCtlColorStatic(HWND control, HDC dc);
     virtual HBRUSH OnCtlColorBtn(HWND control, HDC dc);
+    virtual HBRUSH OnCtlColorEdit(HWND control, HDC dc);
     virtual bool OnUpdateUIState(WORD action, WORD state);
     // The colour of a list view's cell; `flags`: 1 selected, 2 hot, 4 focused, 8 high contrast.
     virtual COLORREF GetListItemColor(int, int, int, std::uint32_t) { return kNoColor; }
@@ -109,6 +110,7 @@ private:
     void DressControls();
     void SettleControls();
     ObCustomControl* ControlOf(HWND control) const;
+    HBRUSH BrushOf(HWND control, HDC dc) const;
 
     void TakeHeading(std::unique_ptr<ObCustomControl> heading);
 

@@ -128,6 +128,8 @@ constexpr Handler kHandlers[] = {
      [](D& d, const M& m) { return AsResult(d.OnCtlColorStatic(m.Control(), m.Dc())); }},
     {WM_CTLCOLORBTN,
      [](D& d, const M& m) { return AsResult(d.OnCtlColorBtn(m.Control(), m.Dc())); }},
+    {WM_CTLCOLOREDIT,
+     [](D& d, const M& m) { return AsResult(d.OnCtlColorEdit(m.Control(), m.Dc())); }},
     {WM_UPDATEUISTATE,
      [](D& d, const M& m) -> INT_PTR {
          return d.OnUpdateUIState(LOWORD(m.wParam), HIWORD(m.wParam));

@@ -7,6 +7,7 @@
 #include "ObLibX/src/controls/TextMeasure.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLibX/controls/EditFixture.h"
+#include "tests/unit/ObLibX/controls/SystemColor.h"
 
 namespace {
 
@@ -166,6 +167,73 @@ TEST_F(ObFlatEditTest, IsFilledAsItsFrame) {
     ReleaseDC(Item(1006), dc);
 }
 
+TEST_F(ObFlatEditTest, HasTheColoursThatItIsGiven) {
+    Edit(1001).SetFillColor(0x00FF00);
+    Edit(1001).SetTextColor(0x0000FF);
+    SetWindowTextW(Item(1001), L"Text");
+    PaintNow(Item(1001));
+    const PixelRect size = ClientArea(Item(1001));
+    long filled = 0, written = 0, white = 0;
+    for (int y = 0; y < size.bottom; ++y) {
+        for (int x = 0; x < size.right; ++x) {
+            const COLORREF color = PixelOf(Item(1001), x, y);
+            filled += color == 0x00FF00;
+            written += color == 0x0000FF;
+            white += color == kWhite;
+        }
+    }
+    EXPECT_LT(size.right * size.bottom / 2, filled);
+    EXPECT_LT(0, written);
+    EXPECT_EQ(0, white);
+    EXPECT_EQ((std::vector<COLORREF>{kRing, kRing, 0x00FF00, 0x00FF00}), LeftEdge(1001));
+}
+
+TEST_F(ObFlatEditTest, IsBlackOnWhiteUnlessItIsGivenColours) {
+    const HDC dc = GetDC(Item(1001));
+    const auto brush = reinterpret_cast<HBRUSH>(SendMessageW(dialog_->window, WM_CTLCOLOREDIT,
+                                                             reinterpret_cast<WPARAM>(dc),
+                                                             reinterpret_cast<LPARAM>(Item(1001))));
+    EXPECT_EQ(Edit(1001).OnCtlColor(dc, Item(1001)), brush) << "the control is asked";
+    EXPECT_EQ(kWhite, ColorOfBrush(brush));
+    EXPECT_EQ(kWhite, GetBkColor(dc));
+    EXPECT_EQ(0u, GetTextColor(dc));
+    ReleaseDC(Item(1001), dc);
+}
+
+TEST_F(ObFlatEditTest, HasTheColoursOfWindowsInHighContrast) {
+    const SystemColor window(COLOR_WINDOW, 0x400000);
+    const SystemColor text(COLOR_WINDOWTEXT, 0x00FFFF);
+    isContrast = true;
+    Edit(1001).SetFillColor(0x00FF00);
+    const HDC dc = GetDC(Item(1001));
+    const auto brush = reinterpret_cast<HBRUSH>(SendMessageW(dialog_->window, WM_CTLCOLOREDIT,
+                                                             reinterpret_cast<WPARAM>(dc),
+                                                             reinterpret_cast<LPARAM>(Item(1001))));
+    EXPECT_EQ(0x400000u, ColorOfBrush(brush));
+    EXPECT_EQ(0x00FFFFu, GetTextColor(dc));
+    ReleaseDC(Item(1001), dc);
+}
+
+// Its id is that of another control of the dialog, here of an edit with colours of its own.
+TEST_F(ObFlatEditTest, GivesItsColoursToNoPartOfAnotherControl) {
+    Edit(1001).SetFillColor(0x00FF00);
+    Edit(1004).SetFillColor(0x00FF00);
+    const HWND combo =
+        CreateWindowExW(0, L"combobox", L"", WS_CHILD | CBS_DROPDOWN, 130, 60, 80, 60,
+                        dialog_->window, reinterpret_cast<HMENU>(INT_PTR{500}), nullptr, nullptr);
+    const HWND part = FindWindowExW(combo, nullptr, L"edit", nullptr);
+    ASSERT_EQ(1001, GetDlgCtrlID(part));
+    const HDC dc = GetDC(part);
+    for (const UINT message : {WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC, WM_CTLCOLORBTN}) {
+        const auto brush = reinterpret_cast<HBRUSH>(SendMessageW(dialog_->window, message,
+                                                                 reinterpret_cast<WPARAM>(dc),
+                                                                 reinterpret_cast<LPARAM>(part)));
+        EXPECT_NE(0x00FF00u, ColorOfBrush(brush)) << message;
+    }
+    ReleaseDC(part, dc);
+    DestroyWindow(combo);
+}
+
 struct Invalidation {
     HWND window;
     BOOL erase;
@@ -241,10 +309,14 @@ TEST_F(ObFlatEditTest, CanBeWithoutAFrameToBeSeen) {
     EXPECT_FALSE(IsWindowVisible(edit.frameWindow));
     DestroyWindow(window);
     EXPECT_EQ(nullptr, edit.window);
-    DestroyWindow(edit.frameWindow);
-    EXPECT_EQ(nullptr, edit.frameWindow);
+    const obtest::ImportPatch<decltype(&InvalidateRect)> patch("user32.dll", "InvalidateRect",
+                                                               &RecordInvalidateRect);
+    ASSERT_TRUE(patch.Ok());
+    invalidations.clear();
     edit.Refresh();
     edit.OnShow(true);
+    EXPECT_EQ(nullptr, edit.frameWindow);
+    EXPECT_TRUE(invalidations.empty()) << "without a window the system takes all windows";
 }
 
 TEST_F(ObFlatEditTest, ClosesItsFrameOnDemand) {
@@ -253,6 +325,12 @@ TEST_F(ObFlatEditTest, ClosesItsFrameOnDemand) {
     EXPECT_FALSE(IsWindow(frame));
     EXPECT_EQ(nullptr, Frame(1001));
     SetWindowPos(Item(1001), nullptr, 0, 0, 50, 50, SWP_NOZORDER);
+    EXPECT_EQ((PixelRect{0, 0, 50, 50}), RectOf(1001)) << "still an edit";
+    EXPECT_EQ(-2, Edit(1001).frameRectangle.left);
+    EXPECT_EQ(52, Edit(1001).frameRectangle.right);
+    ShowWindow(Item(1001), SW_HIDE);
+    EXPECT_FALSE(IsWindowVisible(Item(1001)));
+    EXPECT_EQ(nullptr, Frame(1001)) << "none is made again";
 }
 
 TEST_F(ObFlatEditTest, TakesLeaveOfItsSpinControl) {
@@ -287,9 +365,10 @@ TEST_F(ObFlatEditTest, IsAsTallAsAFontThatItIsGivenLater) {
 }
 
 TEST_F(ObFlatEditTest, KeepsTheFrameOfAnEditInHighContrast) {
+    const SystemColor window(COLOR_WINDOW, 0x400000);
     isContrast = true;
-    EXPECT_EQ(kRing, LeftEdge(1001)[1]);
-    EXPECT_EQ(GetSysColor(COLOR_WINDOW), LeftEdge(1004)[1]) << "read-only";
+    EXPECT_EQ((std::vector<COLORREF>{kRing, kRing, 0x400000, 0x400000}), LeftEdge(1001));
+    EXPECT_EQ(0x400000u, LeftEdge(1004)[1]) << "read-only";
 }
 
 } // namespace
