@@ -110,10 +110,10 @@ LRESULT CALLBACK ObFlatEdit::Procedure(HWND window, UINT message, WPARAM wParam,
         RemoveSubclass(window, &ObFlatEdit::Procedure, edit);
         return CallNextSubclass(window, message, wParam, lParam);
     }
+    // The edit notifies the dialog, which may destroy the window and then the object.
     const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
-    static_cast<void>(ObLib::RanGuarded([&] {
-        if (edit->window != nullptr) edit->OnHandled(message, wParam, lParam);
-    }));
+    if (!IsWindow(window)) return result;
+    static_cast<void>(ObLib::RanGuarded([&] { edit->OnHandled(message, wParam, lParam); }));
     return result;
 }
 

@@ -90,8 +90,9 @@ void ObFlatPassword::DestroyHelpers() {
 void ObFlatPassword::OnKeyDown(WPARAM key, LPARAM flags) {
     const bool isOfPair = (key == VK_MENU || key == VK_F8) && (flags & kWasDown) == 0;
     if (!isOfPair || !IsDown(VK_MENU) || !IsDown(VK_F8) || !IsWindowEnabled(window)) return;
+    const HWND edit = window;
     Toggle();
-    FocusAtEnd();
+    if (IsWindow(edit)) FocusAtEnd();
 }
 
 void ObFlatPassword::OnHandled(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -119,16 +120,19 @@ void ObFlatPassword::OnShow(bool isShown) {
     Refresh();
 }
 
+// What another control does as it loses the focus may end the dialog, and the object with it.
 void ObFlatPassword::Toggle() {
-    reveal = IsHidden(window); // the style counts, whoever has changed it
-    SetFocus(window);
-    SendMessageW(window, EM_SETPASSWORDCHAR, reveal ? 0 : kPasswordCharacter, 0);
-    SetWindowPos(window, nullptr, 0, 0, 0, 0,
+    const HWND edit = window;
+    reveal = IsHidden(edit); // the style counts, whoever has changed it
+    SetFocus(edit);
+    if (!IsWindow(edit)) return;
+    SendMessageW(edit, EM_SETPASSWORDCHAR, reveal ? 0 : kPasswordCharacter, 0);
+    SetWindowPos(edit, nullptr, 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
-    InvalidateRect(window, nullptr, TRUE);
+    InvalidateRect(edit, nullptr, TRUE);
     RepaintEye();
-    SetFocus(GetParent(window));
-    ReportState();
+    SetFocus(GetParent(edit));
+    if (IsWindow(edit)) ReportState();
 }
 
 // To screen readers: the eye is pressed or isn't, the text of the edit is protected or isn't.
@@ -139,10 +143,13 @@ void ObFlatPassword::ReportState() const {
     }
 }
 
+// Without a window the system would take the focus from the thread.
 void ObFlatPassword::FocusAtEnd() {
-    const int end = GetWindowTextLengthW(window);
-    SetFocus(window);
-    SendMessageW(window, EM_SETSEL, static_cast<WPARAM>(end), end);
+    const HWND edit = window;
+    if (edit == nullptr) return;
+    const int end = GetWindowTextLengthW(edit);
+    SetFocus(edit);
+    SendMessageW(edit, EM_SETSEL, static_cast<WPARAM>(end), end);
 }
 
 // ---- the eye
@@ -205,8 +212,9 @@ bool ObFlatPassword::OnEyeMessage(UINT message, WPARAM wParam, LPARAM lParam, LR
 }
 
 void ObFlatPassword::OnLeftButtonDown(int, int) {
+    const HWND edit = window;
     Toggle();
-    focusAfterPaint = true;
+    if (IsWindow(edit)) focusAfterPaint = true;
 }
 
 void ObFlatPassword::AddEyeTip() {

@@ -32,13 +32,15 @@ struct Message {
 
 INT_PTR AsResult(HBRUSH brush) { return reinterpret_cast<INT_PTR>(brush); }
 
-// Also stores the result in the dialog's message result, from which its sender gets it.
+// Also stores the result in the dialog's message result, from which its sender gets it. A dialog
+// may end, and its object with it, while it is notified.
 INT_PTR Notify(ObXDlg& dialog, const Message& message) {
     auto* const header = message.As<NMHDR>();
+    const HWND window = dialog.window;
     if (header->code == kNotifyHelp || header->code == kNotifyHelpButton) return dialog.OnHelp();
     LRESULT result = 0;
     if (!dialog.OnNotify(static_cast<int>(message.wParam), header, result)) return 0;
-    if (dialog.window != nullptr) SetWindowLongPtrW(dialog.window, DWLP_MSGRESULT, result);
+    if (IsWindow(window)) SetWindowLongPtrW(window, DWLP_MSGRESULT, result);
     return result;
 }
 

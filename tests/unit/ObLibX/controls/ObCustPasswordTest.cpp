@@ -5,6 +5,7 @@
 #include <oleacc.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "ObLib/Src/Win32/ComResources.h"
 #include "ObLibX/src/controls/ControlImages.h"
@@ -80,6 +81,23 @@ protected:
         return pixels;
     }
 };
+
+std::vector<HWND> invalidated;
+BOOL WINAPI RecordInvalidation(HWND window, const RECT* rect, BOOL erase) {
+    static const auto real = reinterpret_cast<decltype(&InvalidateRect)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "InvalidateRect")));
+    invalidated.push_back(window);
+    return window != nullptr && real(window, rect, erase);
+}
+
+// A dialog that goes in the middle of a paint.
+HDC WINAPI BeginAndDestroyParent(HWND window, PAINTSTRUCT* paint) {
+    static const auto real = reinterpret_cast<decltype(&BeginPaint)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "BeginPaint")));
+    const HDC dc = real(window, paint);
+    DestroyWindow(GetParent(window));
+    return dc;
+}
 
 TEST_F(ObFlatPasswordTest, HasAnEyeAtTheRightEndOfItsFrame) {
     const PixelRect placed = FromUnits(10, 90, 100, 14);
@@ -406,15 +424,70 @@ TEST_F(ObFlatPasswordTest, OutlivesItsWindows) {
     EXPECT_EQ(nullptr, Password().window);
     EXPECT_EQ(nullptr, Password().eyeButton);
     EXPECT_EQ(nullptr, Password().frameWindow);
+    const obtest::ImportPatch<decltype(&InvalidateRect)> patch("user32.dll", "InvalidateRect",
+                                                               &RecordInvalidation);
+    ASSERT_TRUE(patch.Ok());
+    invalidated.clear();
     Password().Refresh();
+    EXPECT_TRUE(invalidated.empty()) << "without a window the system takes all windows";
+}
+
+// What a field does that loses the focus: `called` runs.
+std::function<void()> called;
+LRESULT CALLBACK CallAtKillFocus(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                 UINT_PTR id, DWORD_PTR) {
+    if (message == WM_KILLFOCUS) called();
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, &CallAtKillFocus, id);
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+HWND focused = nullptr; // what SetFocus was called with last
+HWND WINAPI RecordFocus(HWND window) {
+    static const auto real = reinterpret_cast<decltype(&SetFocus)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetFocus")));
+    focused = window;
+    return real(window);
+}
+
+TEST_F(ObFlatPasswordTest, MayEndWithItsDialogWhenTheFocusIsLostElsewhere) {
+    const obtest::ImportPatch<decltype(&InvalidateRect)> invalidate("user32.dll", "InvalidateRect",
+                                                                    &RecordInvalidation);
+    const obtest::ImportPatch<decltype(&SetFocus)> focus("user32.dll", "SetFocus", &RecordFocus);
+    ASSERT_TRUE(invalidate.Ok() && focus.Ok());
+    SetFocus(Item(1001));
+    called = [&] { DestroyWindow(dialog_->window); };
+    SetWindowSubclass(Item(1001), &CallAtKillFocus, 1, 0);
+    const HWND edit = Item(1003);
+    invalidated.clear();
+    PressEye();
+    EXPECT_FALSE(IsWindow(edit));
+    EXPECT_EQ(edit, focused) << "and nothing after it: null would take the thread's focus";
+    EXPECT_EQ(0, std::ranges::count(invalidated, HWND{})) << "all windows of the desktop";
+    EXPECT_FALSE(Password().focusAfterPaint);
+}
+
+TEST_F(ObFlatPasswordTest, TakesNoFocusWithoutAWindow) {
+    SendMessageW(Eye(), WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(3, 3));
+    const obtest::ImportPatch<decltype(&BeginPaint)> paint("user32.dll", "BeginPaint",
+                                                           &BeginAndDestroyParent);
+    const obtest::ImportPatch<decltype(&SetFocus)> focus("user32.dll", "SetFocus", &RecordFocus);
+    ASSERT_TRUE(paint.Ok() && focus.Ok());
+    const HWND eye = Eye();
+    focused = eye;
+    UpdateWindow(eye);
+    EXPECT_FALSE(IsWindow(eye)) << "it has gone while it was painted";
+    EXPECT_EQ(eye, focused) << "nothing was called";
 }
 
 TEST_F(ObFlatPasswordTest, ClosesItsEyeOnDemand) {
     SendMessageW(Eye(), WM_CLOSE, 0, 0);
     EXPECT_EQ(nullptr, Eye());
     SetWindowPos(Item(1003), nullptr, 30, 100, 80, 40, SWP_NOZORDER);
+    EXPECT_EQ(28, RectInParent(Password().frameWindow).left) << "the frame still follows";
     Password().Toggle();
+    EXPECT_EQ(0, Character());
     EnableWindow(Item(1003), FALSE);
+    EXPECT_EQ(nullptr, Eye()) << "none is made again";
 }
 
 // ---- what screen readers get
@@ -473,6 +546,9 @@ TEST_F(PasswordAccessibleTest, NamesTheEye) {
     BSTR action = nullptr;
     EXPECT_EQ(S_OK, eye_->get_accDefaultAction(Self(), &action));
     EXPECT_NE(L"", Taken(action));
+    BSTR keys = nullptr;
+    EXPECT_EQ(S_OK, eye_->get_accKeyboardShortcut(Self(), &keys));
+    EXPECT_EQ(L"Alt+F8", Taken(keys));
     BSTR value = nullptr;
     EXPECT_EQ(S_FALSE, eye_->get_accValue(Self(), &value)) << "never the password";
 }
