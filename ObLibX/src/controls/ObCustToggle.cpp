@@ -1,5 +1,7 @@
 #include "ObLibX/src/controls/ObCustToggle.h"
 
+#include <algorithm>
+
 #include "ObLib/Src/ObFatal.h"
 #include "ObLibX/src/controls/CachedBrush.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
@@ -36,6 +38,17 @@ const ToggleImages& RadioImages() {
     return images;
 }
 
+// A set without pictures is one that the kind of toggle doesn't have.
+bool IsThere(const ImageSet& set, std::int32_t dpi) {
+    return set.rows == 0 || HasImage(GetImageId(set, 0, dpi));
+}
+
+bool AreThere(const ToggleImages& sets, std::int32_t dpi) {
+    const ImageSet* const all[] = {&sets.on,          &sets.off,   &sets.onDisabled,
+                                   &sets.offDisabled, &sets.third, &sets.thirdDisabled};
+    return std::ranges::all_of(all, [&](const ImageSet* set) { return IsThere(*set, dpi); });
+}
+
 COLORREF ContrastColor(bool isEnabled) {
     return isEnabled ? ~GetSysColor(COLOR_WINDOW) & kColorBits : GetPaletteColor(kPaletteGray);
 }
@@ -57,7 +70,9 @@ ObFlatBmpToggleBase::ObFlatBmpToggleBase(std::int32_t toggleId, const ToggleImag
                                          std::int32_t focusInset)
     : ObFlatToggleBase(toggleId, ButtonClass::Toggle), sets_(sets), focusInset_(focusInset) {
     images = sets_.on;
-    image_ = LoadSharedImage(GetImageId(images, 0, GetDpi()));
+    const std::int32_t dpi = GetDpi();
+    ObAssert(AreThere(sets_, dpi));
+    image_ = LoadSharedImage(GetImageId(images, 0, dpi));
     ObAssert(image_ != nullptr);
 }
 

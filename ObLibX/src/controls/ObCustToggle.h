@@ -40,8 +40,8 @@ public:
     void ComputeFocusRectangle() override;
 
 protected:
-    // `sets` is valid to the end of the process. Sets whose first image isn't among the program's
-    // resources end the process.
+    // `sets` is valid to the end of the process. A set of which the program's resources don't have
+    // the image for this screen ends the process.
     ObFlatBmpToggleBase(std::int32_t id, const ToggleImages& sets, std::int32_t focusInset);
     // In high contrast, in place of the image.
     virtual void DrawGlyph(HDC dc, const PixelRect& box, COLORREF color) = 0;

@@ -3,6 +3,7 @@
 #include <objidl.h>
 #include <shlwapi.h>
 
+#include <algorithm>
 #include <span>
 
 #include "ObLib/Src/ObFatal.h"
@@ -34,9 +35,12 @@ StreamPtr ResourceStream(HMODULE module, std::int32_t id, const wchar_t* type) {
         SHCreateMemStream(static_cast<const BYTE*>(bytes), SizeofResource(module, found)));
 }
 
+// Of compressed images, in the order in which they are tried.
+const wchar_t* const kCompressed[] = {RT_RCDATA, L"IMAGE", L"PNG"};
+
 // The first of the types under which a picture is found that GDI+ knows; null: none is.
 std::unique_ptr<GraphicsImage> Decoded(std::int32_t id, HMODULE module) {
-    for (const wchar_t* const type : {static_cast<const wchar_t*>(RT_RCDATA), L"IMAGE", L"PNG"}) {
+    for (const wchar_t* const type : kCompressed) {
         const StreamPtr stream = ResourceStream(module, id, type);
         if (!stream) continue;
         auto image = std::make_unique<GraphicsImage>(stream.Get());
@@ -105,6 +109,14 @@ UniqueBitmap LoadImage(std::int32_t id, HMODULE module) {
     if (bitmap) return bitmap;
     const auto image = Decoded(id, from);
     return UniqueBitmap(image ? image->MakeBitmap() : nullptr);
+}
+
+bool HasImage(std::int32_t id, HMODULE module) {
+    const HMODULE from = ModuleOrProgram(module);
+    const auto isThere = [&](const wchar_t* type) {
+        return FindResourceW(from, MAKEINTRESOURCEW(id), type) != nullptr;
+    };
+    return isThere(RT_BITMAP) || std::ranges::any_of(kCompressed, isThere);
 }
 
 std::unique_ptr<GraphicsImage> LoadGraphicsImage(std::int32_t id, HMODULE module) {

@@ -20,6 +20,9 @@ namespace ObLibX {
 // none.
 ObLib::UniqueBitmap LoadImage(std::int32_t id, HMODULE module = nullptr);
 
+// Whether LoadImage finds a resource of this id; it isn't read.
+bool HasImage(std::int32_t id, HMODULE module = nullptr);
+
 // The compressed image of this id as an object of GDI+, which keeps its transparency; a bitmap
 // resource isn't looked at. `module` as above. Null when there is none. Throws std::bad_alloc.
 std::unique_ptr<GraphicsImage> LoadGraphicsImage(std::int32_t id, HMODULE module = nullptr);

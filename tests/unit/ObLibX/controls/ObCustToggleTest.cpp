@@ -9,6 +9,7 @@
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/controls/ControlFixture.h"
 #include "tests/unit/ObLibX/controls/ControlTestIds.h"
+#include "tests/unit/ObLibX/controls/SystemColor.h"
 
 namespace {
 
@@ -186,13 +187,35 @@ TEST_F(FlatToggle, EndsTheProcessWithoutItsImages) {
     EXPECT_FATAL(ObFlatRadio(1), "ObLibX\\src\\ObCustToggle.cpp");
 }
 
+// The first id of eight pictures that the program doesn't have.
+std::int32_t missingSet = 0;
+HRSRC WINAPI FindAllButOneSet(HMODULE module, LPCWSTR name, LPCWSTR type) {
+    static const auto real = reinterpret_cast<decltype(&FindResourceW)>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "FindResourceW")));
+    const auto id = static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(name));
+    return id >= missingSet && id < missingSet + 8 ? nullptr : real(module, name, type);
+}
+
+TEST_F(FlatToggle, EndsTheProcessWithoutAnyOfItsSets) {
+    const obtest::ImportPatch<decltype(FindResourceW)> patch("kernel32.dll", "FindResourceW",
+                                                             &FindAllButOneSet);
+    ASSERT_TRUE(patch.Ok());
+    for (const std::int32_t first : {62024, 62032, 62040, 62048, 62232, 62240}) {
+        EXPECT_FATAL(missingSet = first; ObFlatCheckbox(1), "ObLibX\\src\\ObCustToggle.cpp");
+    }
+    for (const std::int32_t first : {62056, 62064, 62072, 62080}) {
+        EXPECT_FATAL(missingSet = first; ObFlatRadio(1), "ObLibX\\src\\ObCustToggle.cpp");
+    }
+    missingSet = 62056;
+    EXPECT_EQ(1u, ObFlatCheckbox(1).images.rows) << "those of the other class don't count";
+}
+
 class FlatToggleInContrast : public FlatToggle {
 protected:
     void SetUp() override {
         FlatToggle::SetUp();
         Fakes().isContrast = true;
         for (const int id : {kCheck, kThird, kOne, kTwo}) {
-            Object<ObFlatBtn>(id).textColor = GetSysColor(COLOR_BTNFACE);
             SetWindowTextW(Item(id), L"");
             Object<ObFlatBtn>(id).Refresh();
         }
@@ -235,6 +258,57 @@ TEST_F(FlatToggleInContrast, AThirdStateIsATriangle) {
 TEST_F(FlatToggleInContrast, ADisabledBoxIsPaler) {
     EnableWindow(Item(kCheck), FALSE);
     EXPECT_EQ(0xA8A8A8u, At(kCheck, 0, 0));
+    EXPECT_EQ(0xA8A8A8u, At(kCheck, box_ - 1, box_ - 1));
+    EXPECT_EQ(Face(), At(kCheck, box_ / 2, box_ / 2));
+    Check(kCheck, BST_CHECKED);
+    EXPECT_EQ(0xA8A8A8u, At(kCheck, box_ / 2, box_ / 2));
+    for (const COLORREF color : PixelsOf(kCheck)) EXPECT_NE(Inverse(), color);
+}
+
+TEST_F(FlatToggleInContrast, ADisabledThirdStateIsAPalerTriangle) {
+    Check(kThird, BST_INDETERMINATE);
+    EnableWindow(Item(kThird), FALSE);
+    EXPECT_EQ(0xA8A8A8u, At(kThird, 0, 0));
+    EXPECT_EQ(0xA8A8A8u, At(kThird, box_ / 2, box_ / 2 + 1));
+    EXPECT_EQ(Face(), At(kThird, box_ / 4 + 1, box_ / 4 + 1)) << "no square";
+}
+
+TEST_F(FlatToggleInContrast, IsAtTheLeftOfItsText) {
+    const SystemColor text(COLOR_BTNTEXT, 0x00FFFF);
+    SetWindowTextW(Item(kCheck), L"Check");
+    SetWindowTextW(Item(kOne), L"One");
+    Check(kOne, BST_CHECKED);
+    for (const int id : {kCheck, kOne}) {
+        const PixelRect box = Box(id);
+        const int line = std::max(1, box_ / 16);
+        EXPECT_EQ(Inverse(), PixelOf(id, box.left + line, box.top + box_ / 2)) << id;
+        EXPECT_EQ(Face(), PixelOf(id, box.right, box.top + box_ / 2)) << id;
+        const DrawnText drawn = TextOf(id);
+        EXPECT_EQ(0x00FFFFu, drawn.color) << id;
+        EXPECT_EQ(box_ + 2 * Scale(2), drawn.rect.left) << id;
+        EXPECT_LT(0, CountOf(id, 0x00FFFF)) << id;
+    }
+    EnableWindow(Item(kCheck), FALSE);
+    EXPECT_EQ(0x808080u, TextOf(kCheck).color);
+}
+
+// Frames of boxes that are larger than those of the screen that the test runs on.
+TEST_F(FlatToggleInContrast, HasThickerLinesFrom32PixelsOn) {
+    constexpr std::pair<int, int> kLines[] = {{31, 2}, {32, 2}, {47, 2}, {48, 3}, {65, 4}};
+    for (const auto& [side, line] : kLines) {
+        const ObLib::UniqueBitmap image(CreateBitmap(side, side, 1, 32, nullptr));
+        const ClientDc screen(Item(kCheck));
+        const ObLib::UniqueMemoryDc dc(CreateCompatibleDC(screen.Get()));
+        const ObLib::UniqueBitmap target(CreateCompatibleBitmap(screen.Get(), side, side));
+        const HGDIOBJ old = SelectObject(dc.Get(), target.Get());
+        FillArea(dc.Get(), {0, 0, side, side}, Face());
+        Object<ObFlatCheckbox>(kCheck).DrawImage(dc.Get(), image.Get(), 0, 0);
+        EXPECT_EQ(Inverse(), GetPixel(dc.Get(), line - 1, side / 2)) << side;
+        EXPECT_EQ(Face(), GetPixel(dc.Get(), line, side / 2)) << side;
+        EXPECT_EQ(Inverse(), GetPixel(dc.Get(), side / 2, side - line)) << side;
+        EXPECT_EQ(Face(), GetPixel(dc.Get(), side / 2, side - line - 1)) << side;
+        SelectObject(dc.Get(), old);
+    }
 }
 
 TEST_F(FlatToggleInContrast, ARadioIsTwoCirclesAndAFilledOne) {
