@@ -14,6 +14,7 @@
 
 #include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "contracts/ExchangeBlock.h"
 #include "tests/support/FakeBrowserContext.h"
 #include "tests/support/MessageBoxWatcher.h"
 #include "tests/support/PickerUiDriver.h"
@@ -22,7 +23,7 @@
 
 namespace obtest {
 
-inline constexpr HRESULT kCancelled = HRESULT_FROM_WIN32(ERROR_CANCELLED);
+using obcontract::kCancelled;
 
 // The product's choices, by their text ids.
 enum class Choice : UINT { Zip = 101, Encrypt = 102, None = 103 };
