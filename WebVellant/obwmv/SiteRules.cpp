@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "OBCore/modules/ServiceLibrary.h"
+#include "ObLib/Src/Win32/StringList.h"
 #include "obwmv/SiteHosts.h"
 
 namespace obwmv {
@@ -63,9 +64,9 @@ Answer AnswerFor(std::wstring_view url) noexcept {
 
 // The page's own upload dialog for files that go to a file service, not into a mail.
 bool NamesUploadFiles(const wchar_t* filter) noexcept {
-    for (std::wstring_view text = filter; !text.empty(); text = text.data() + text.size() + 1)
-        if (Contains(text, L"YouSendIt Supported Files")) return true;
-    return false;
+    return ObLib::AnyOfList(filter, [](std::wstring_view text) noexcept {
+        return Contains(text, L"YouSendIt Supported Files");
+    });
 }
 
 } // namespace

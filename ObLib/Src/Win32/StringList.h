@@ -31,6 +31,16 @@ constexpr std::size_t WalkList(std::wstring_view list, Visit visit) {
     return size - list.size();
 }
 
+// Whether `test` is true of a text of a list whose end nobody gives. Reads nothing after the first
+// such text.
+template <class Test>
+bool AnyOfList(const wchar_t* list, Test test) {
+    for (std::wstring_view text = list; !text.empty(); text = text.data() + text.size() + 1) {
+        if (test(text)) return true;
+    }
+    return false;
+}
+
 // Units of a list whose end nobody gives, from its first text through the closing NUL.
 inline std::size_t ListLength(const wchar_t* list) noexcept {
     const wchar_t* end = list;

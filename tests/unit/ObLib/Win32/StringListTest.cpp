@@ -36,6 +36,23 @@ TEST(StringList, IsMeasuredThroughTheNulThatClosesIt) {
     EXPECT_EQ(1U, ObLib::ListLength(L""));
 }
 
+TEST(StringList, IsSearchedUpToTheFirstMatch) {
+    std::vector<std::wstring> seen;
+    const auto has = [&](const wchar_t* list, std::wstring_view wanted) {
+        seen.clear();
+        return ObLib::AnyOfList(list, [&](std::wstring_view text) {
+            seen.emplace_back(text);
+            return text == wanted;
+        });
+    };
+    EXPECT_TRUE(has(L"one\0two\0three\0", L"two"));
+    EXPECT_EQ(seen, (std::vector<std::wstring>{L"one", L"two"}));
+    EXPECT_FALSE(has(L"one\0two\0\0three\0", L"three"));
+    EXPECT_EQ(seen, (std::vector<std::wstring>{L"one", L"two"}));
+    EXPECT_FALSE(has(L"\0one\0", L"one"));
+    EXPECT_EQ(seen, std::vector<std::wstring>());
+}
+
 TEST(StringList, EndsAtTheEndOfTheView) {
     EXPECT_EQ((Walked{{L"one", L"tw"}, 6}), Walk(Units(L"one\0tw")));
     EXPECT_EQ((Walked{{L"one"}, 4}), Walk(Units(L"one\0")));
