@@ -27,4 +27,11 @@ inline LSTATUS ReadRegistryText(HKEY key, const wchar_t* name, std::size_t longe
     return status;
 }
 
+// Stores a text, as REG_SZ with its NUL, in a key that was opened with KEY_SET_VALUE. `name` null:
+// as the key's own value. The system's status.
+inline LSTATUS WriteRegistryText(HKEY key, const wchar_t* name, const std::wstring& text) noexcept {
+    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+    return RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()), size);
+}
+
 } // namespace ObLib

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <vector>
 
+#include "ObLib/Src/Win32/RegistryText.h"
+
 namespace obcore {
 namespace {
 
@@ -70,8 +72,7 @@ bool ReadNumber(HKEY key, const wchar_t* name, std::uint32_t& field) {
 }
 
 void WriteValue(HKEY key, const wchar_t* name, const std::wstring& text) {
-    const auto bytes = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-    RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()), bytes);
+    ObLib::WriteRegistryText(key, name, text);
 }
 
 void WriteSwitch(HKEY key, const wchar_t* name, bool on) {

@@ -14,12 +14,6 @@ std::wstring KeyOf(const std::wstring& key, obcontract::TransformId id) {
     return key + L"\\Transforms\\" + std::to_wstring(static_cast<std::uint32_t>(id));
 }
 
-bool WriteText(HKEY key, const SettingValue& value) {
-    const auto size = static_cast<DWORD>((value.text.size() + 1) * sizeof(wchar_t));
-    return RegSetValueExW(key, value.name, 0, REG_SZ,
-                          reinterpret_cast<const BYTE*>(value.text.c_str()), size) == ERROR_SUCCESS;
-}
-
 } // namespace
 
 TransformSettings::TransformSettings(HKEY hive, std::wstring key)
@@ -45,7 +39,8 @@ bool TransformSettings::Write(obcontract::TransformId id,
         return false;
     }
     for (const SettingValue& value : values) {
-        if (!WriteText(key.Get(), value)) return false;
+        if (ObLib::WriteRegistryText(key.Get(), value.name, value.text) != ERROR_SUCCESS)
+            return false;
     }
     return true;
 }

@@ -18,9 +18,7 @@ std::optional<std::wstring> ReadText(HKEY key, const wchar_t* name, std::size_t 
 }
 
 bool WriteText(HKEY key, const wchar_t* name, const std::wstring& text) {
-    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-    return RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                          size) == ERROR_SUCCESS;
+    return ObLib::WriteRegistryText(key, name, text) == ERROR_SUCCESS;
 }
 
 std::optional<std::uint64_t> ReadNumber(HKEY key, const wchar_t* name) {

@@ -74,4 +74,28 @@ TEST_F(ReadRegistryTextTest, WithVariablesHasTheirValuesOrIsRefused) {
     EXPECT_EQ(L"", text_);
 }
 
+using WriteRegistryTextTest = ReadRegistryTextTest;
+
+TEST_F(WriteRegistryTextTest, StoresATextWithItsNul) {
+    ASSERT_EQ(ERROR_SUCCESS, ObLib::WriteRegistryText(key_.Get(), L"a", L"text"));
+    DWORD type = REG_NONE;
+    wchar_t stored[8] = L"-------";
+    DWORD size = sizeof stored;
+    ASSERT_EQ(ERROR_SUCCESS, RegQueryValueExW(key_.Get(), L"a", nullptr, &type,
+                                              reinterpret_cast<BYTE*>(stored), &size));
+    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
+    EXPECT_EQ(std::wstring(stored, size / sizeof(wchar_t)), std::wstring(L"text\0", 5));
+    ASSERT_EQ(ERROR_SUCCESS, ObLib::WriteRegistryText(key_.Get(), nullptr, L""));
+    EXPECT_EQ(ERROR_SUCCESS, Read(nullptr));
+    EXPECT_EQ(L"", text_);
+}
+
+TEST_F(WriteRegistryTextTest, ReportsAKeyThatCantBeWritten) {
+    ObLib::UniqueRegistryKey readable;
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegOpenKeyExW(HKEY_CURRENT_USER, kKey, 0, KEY_QUERY_VALUE, readable.Put()));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ObLib::WriteRegistryText(readable.Get(), L"a", L"text"));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, Read(L"a"));
+}
+
 } // namespace
