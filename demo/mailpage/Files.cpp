@@ -5,18 +5,10 @@
 #include <cstdio>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLib/Src/Win32/Utf8.h"
 
 namespace mailpage {
 namespace {
-
-std::string ToUtf8(const std::wstring& text) {
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                         nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), size,
-                        nullptr, nullptr);
-    return bytes;
-}
 
 std::wstring OneLine(const std::wstring& text) {
     std::wstring line;
@@ -101,7 +93,7 @@ void RemoveTree(std::wstring folder) {
 
 bool WriteAnswer(const std::wstring& file, const AttachAnswer& answer) {
     const std::wstring temporary = file + L".part";
-    return WriteBytes(temporary, ToUtf8(Report(answer))) &&
+    return WriteBytes(temporary, ObLib::ToUtf8(Report(answer))) &&
            MoveFileExW(temporary.c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING);
 }
 

@@ -13,7 +13,6 @@ struct Failure {
 // One line on the standard output, in UTF-8, at once.
 void Say(const std::wstring& line);
 
-std::string ToUtf8(const std::wstring& text);
 std::wstring FromUtf8(const std::string& text);
 
 } // namespace pickerdriver
