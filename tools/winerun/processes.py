@@ -48,13 +48,32 @@ def processes_of(prefix, others):
             continue  # it ended meanwhile, or it is another user's
 
 
+def states_of(prefix, others):
+    """A line for each process of the prefix: its number, its name and the states of its threads. D is a thread that
+    waits for the disk and can't be ended before that."""
+    for pid in processes_of(prefix, others):
+        try:
+            with open(f"/proc/{pid}/comm", encoding="utf-8", errors="replace") as file:
+                name = file.read().strip()
+            states = [state_of(f"/proc/{pid}/task/{thread}") for thread in os.listdir(f"/proc/{pid}/task")]
+        except OSError:
+            continue  # it ended meanwhile
+        yield f"{pid} {name}: {''.join(sorted(states))}"
+
+
+def state_of(thread):
+    """The letter after the name, which is in brackets and may contain any."""
+    with open(f"{thread}/stat", encoding="utf-8", errors="replace") as file:
+        return file.read().rpartition(") ")[2][:1]
+
+
 def end_prefix(prefix, others=frozenset()):
-    """Ends what still runs. The orderly way waits half a second for the registry to be written,
-    and the prefix is thrown away; the server's end alone would leave its services running."""
+    """Ends what still runs, and returns what can't be ended within ten seconds, as states_of does. The orderly way
+    waits half a second for the registry to be written, and the prefix is thrown away; the server's end alone would
+    leave its services running."""
     limit = time.monotonic() + 10
-    while time.monotonic() < limit:
-        left = list(processes_of(prefix, others))
-        if not left:
+    while left := list(processes_of(prefix, others)):
+        if time.monotonic() >= limit:
             break
         for pid in left:
             try:
@@ -63,6 +82,7 @@ def end_prefix(prefix, others=frozenset()):
                 pass
         time.sleep(0.002)
     remove_server_folder(prefix)
+    return list(states_of(prefix, others)) if left else []
 
 
 def remove_server_folder(prefix):
