@@ -56,6 +56,7 @@ foreach(name
         ControlKinds
         EditLayout
         FadedColor
+        HolderLayout
         LinkFit
         ListColumns
         ProgressLayout
