@@ -3,6 +3,7 @@
 #include "demo/gallery/BarsPage.h"
 #include "demo/gallery/ButtonsPage.h"
 #include "demo/gallery/ChoicesPage.h"
+#include "demo/gallery/HostedPage.h"
 #include "demo/gallery/LinksPage.h"
 #include "demo/gallery/StockPage.h"
 #include "demo/gallery/TextsPage.h"
@@ -18,9 +19,9 @@ std::unique_ptr<ObLibX::ObXDlg> Make() {
 
 constexpr PageRow kPages[] = {
     {L"stock", &Make<StockPage>},     {L"texts", &Make<TextsPage>},
-    {L"bars", &Make<BarsPage>},       {L"choices", &Make<ChoicesPage>},
-    {L"buttons", &Make<ButtonsPage>}, {L"toggles", &Make<TogglesPage>},
-    {L"links", &Make<LinksPage>},
+    {L"bars", &Make<BarsPage>},       {L"hosted", &Make<HostedPage>},
+    {L"choices", &Make<ChoicesPage>}, {L"buttons", &Make<ButtonsPage>},
+    {L"toggles", &Make<TogglesPage>}, {L"links", &Make<LinksPage>},
 };
 
 } // namespace
