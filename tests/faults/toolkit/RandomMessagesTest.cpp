@@ -2,6 +2,7 @@
 // it. The seed is printed; OB_SEED chooses another one, and OB_CONTROL a single control by its id.
 #include <commctrl.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <iterator>
 #include <random>
@@ -272,6 +273,23 @@ constexpr Row kRows[] = {
     {"posted", [](Choices&) { PumpPosted(); }},
 };
 
+// Besides these, for a window whose bars are hosted.
+constexpr Row kHostRows[] = {
+    {"scroll",
+     [](Choices& c) {
+         // To the end and the beginning, by lines and pages, to a place.
+         c.Send(c.Flag() ? WM_VSCROLL : WM_HSCROLL,
+                MAKEWPARAM(c.Between(SB_LINEUP, SB_ENDSCROLL), c.Between(0, 70)));
+     }},
+    {"frame",
+     [](Choices& c) {
+         SetWindowPos(c.Window(), nullptr, 0, 0, 0, 0,
+                      SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+     }},
+    {"rest", [](Choices& c) { c.Send(WM_MOUSEHOVER, 0, c.Point()); }},
+    {"bars' timer", [](Choices& c) { c.Send(WM_TIMER, ObLibX::kHideBarsTimer); }},
+};
+
 class RandomMessages : public ToolkitSuite {
 protected:
     static void SetUpTestSuite() {
@@ -283,6 +301,27 @@ protected:
         for (const auto& [other, control] : dialog.Controls()) {
             if (other != id) ShowWindow(control->window, SW_HIDE);
         }
+    }
+
+    // To the host and its two bars in turn, whose mode changes meanwhile. True when all windows
+    // are still there.
+    static bool PlayHost(int messages) {
+        EveryControlDialog dialog;
+        dialog.Open();
+        HideAllBut(0, dialog);
+        const HWND windows[] = {dialog.hosted,
+                                dialog.bars.Holder(ObLibX::HolderKind::Vertical).Bar()->window,
+                                dialog.bars.Holder(ObLibX::HolderKind::Horizontal).Bar()->window};
+        std::vector<Choices> choices;
+        for (const HWND window : windows) choices.emplace_back(Seed(), window);
+        for (int left = messages; left > 0; --left) {
+            Choices& chosen = choices[static_cast<std::size_t>(choices[0].Between(0, 2))];
+            constexpr int kPlain = static_cast<int>(std::size(kRows));
+            const int row = chosen.Between(0, kPlain + static_cast<int>(std::size(kHostRows)) - 1);
+            (row < kPlain ? kRows[row] : kHostRows[row - kPlain]).send(chosen);
+            if (left % 100 == 0) dialog.bars.SetAutoHide(choices[0].Flag());
+        }
+        return std::ranges::all_of(windows, [](HWND window) { return IsWindow(window) != FALSE; });
     }
 
     // A dialog whose control gets them all. True when the control's window is still there.
@@ -307,6 +346,16 @@ protected:
                control->window == choices.Window();
     }
 };
+
+TEST_F(RandomMessages, LeaveAHostAndItsBarsWhole) {
+    EXPECT_TRUE(PlayHost(kFirstMessages));
+    PumpPosted();
+    const ProcessResources before = ProcessResources::Now();
+    EXPECT_TRUE(PlayHost(kMessages));
+    PumpPosted();
+    ExpectNoMoreThan(before);
+    EXPECT_EQ(nullptr, GetCapture());
+}
 
 TEST_F(RandomMessages, LeaveEachControlWhole) {
     const std::vector<int> ids = OneOfEachClass();

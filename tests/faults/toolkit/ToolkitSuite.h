@@ -15,6 +15,7 @@
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLibX/src/controls/FlatControls.h"
 #include "ObLibX/src/controls/ObHyperlink.h"
+#include "ObLibX/src/controls/ScrollBarHost.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/DialogSettings.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
@@ -26,11 +27,6 @@ namespace obtest {
 class EveryControlDialog : public ObLibX::ObXFlatDlg {
 public:
     EveryControlDialog() : ObXFlatDlg(OB_EVERY_CONTROL, nullptr, 0, false) {}
-    bool OnInitDialog() override {
-        ObXFlatDlg::OnInitDialog();
-        link_.Attach(window);
-        return false;
-    }
     // Opens it and has it painted.
     EveryControlDialog& Open() {
         Create(nullptr);
@@ -38,6 +34,23 @@ public:
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
         return *this;
     }
+    // Besides those of the template it has a list whose bars are hosted.
+    bool OnInitDialog() override {
+        ObXFlatDlg::OnInitDialog();
+        link_.Attach(window);
+        hosted =
+            CreateWindowExW(0, L"ListBox", L"",
+                            WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | LBS_NOINTEGRALHEIGHT,
+                            430, 10, 100, 90, window, nullptr, nullptr, nullptr);
+        for (int row = 0; row < 60; ++row) {
+            SendMessageW(hosted, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(L"A row"));
+        }
+        SendMessageW(hosted, LB_SETHORIZONTALEXTENT, 300, 0);
+        bars.Attach(hosted);
+        return false;
+    }
+    HWND hosted = nullptr;
+    ObLibX::ScrollBarHost bars;
 
 private:
     ObLibX::ObCmdLinkCtrl link_{OB_LINK, this};
