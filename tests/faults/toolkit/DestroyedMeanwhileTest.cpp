@@ -3,13 +3,12 @@
 
 #include <set>
 
+#include "ObLibX/src/controls/ObCustPassword.h"
 #include "tests/faults/toolkit/ToolkitSuite.h"
 #include "tests/support/ImportPatch.h"
 
 namespace obtest {
 namespace {
-
-class DestroyedMeanwhile : public ToolkitSuite {};
 
 // Destroys a window in the middle of its paint, after the system has given the device context.
 HWND destroyedInPaint = nullptr;
@@ -21,24 +20,60 @@ HDC WINAPI BeginAndDestroy(HWND window, PAINTSTRUCT* paint) {
     return dc;
 }
 
+class DestroyedMeanwhile : public ToolkitSuite {
+protected:
+    static void DestroyInPaint(HWND window) {
+        destroyedInPaint = window;
+        RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+        destroyedInPaint = nullptr;
+        EXPECT_FALSE(IsWindow(window)) << "painted by the system";
+    }
+    static void DestroyFramesAndAnEye() {
+        for (const int id : {1001, 1002, 1004}) {
+            EveryControlDialog dialog;
+            dialog.Open();
+            auto& edit = dynamic_cast<ObLibX::ObFlatEdit&>(*dialog.GetControl(id));
+            DestroyInPaint(edit.frameWindow);
+            EXPECT_EQ(nullptr, edit.frameWindow) << id;
+            EXPECT_NE(nullptr, edit.window) << id;
+        }
+        EveryControlDialog dialog;
+        dialog.Open();
+        DestroyInPaint(PasswordOf(dialog).eyeButton);
+        EXPECT_EQ(nullptr, PasswordOf(dialog).eyeButton);
+        EXPECT_NE(nullptr, PasswordOf(dialog).window);
+    }
+    static ObLibX::ObFlatPassword& PasswordOf(const EveryControlDialog& dialog) {
+        return dynamic_cast<ObLibX::ObFlatPassword&>(*dialog.GetControl(1002));
+    }
+};
+
+// Those that paint themselves, as buttons, bars and combo boxes do; edits, labels, the date picker,
+// the list view and a simple combo box are painted by the system.
+constexpr int kPainted[] = {1006, 1007, 1008, 1009, 1010, 1011, 1012, 1013, 1014, 1015, 1016,
+                            1017, 1018, 1019, 1020, 1021, 1023, 1025, 1026, 1028, 1031};
+
 TEST_F(DestroyedMeanwhile, InAPaint) {
-    const std::vector<int> ids = DressedIds();
+    DressedIds(); // what a first opening after that of SetUp makes
     const ImportPatch<decltype(&BeginPaint)> patch("user32.dll", "BeginPaint", &BeginAndDestroy);
     ASSERT_TRUE(patch.Ok());
     const ProcessResources before = ProcessResources::Now();
-    int destroyed = 0;
-    for (const int id : ids) {
+    for (const int id : kPainted) {
         EveryControlDialog dialog;
         dialog.Open();
-        destroyedInPaint = dialog.GetItem(id, true);
-        const HWND window = destroyedInPaint;
-        RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-        destroyedInPaint = nullptr;
-        if (IsWindow(window)) continue; // painted by the system
-        ++destroyed;
+        DestroyInPaint(dialog.GetItem(id, true));
         EXPECT_EQ(nullptr, dialog.GetControl(id)->window) << id;
     }
-    EXPECT_LT(0, destroyed);
+    ExpectNoMoreThan(before);
+}
+
+// The windows that a field makes beside its own.
+TEST_F(DestroyedMeanwhile, InAPaintOfAFrameOrAnEye) {
+    const ImportPatch<decltype(&BeginPaint)> patch("user32.dll", "BeginPaint", &BeginAndDestroy);
+    ASSERT_TRUE(patch.Ok());
+    DestroyFramesAndAnEye();
+    const ProcessResources before = ProcessResources::Now();
+    DestroyFramesAndAnEye();
     ExpectNoMoreThan(before);
 }
 
