@@ -58,7 +58,9 @@ foreach(name
         FadedColor
         HolderLayout
         LinkFit
+        ListColours
         ListColumns
+        ListLayout
         ProgressLayout
         ScrollLayout
         SpinLayout
