@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "ObLibX/src/controls/ControlKinds.h"
 #include "ObLibX/src/controls/DefaultButton.h"
@@ -12,6 +13,7 @@
 #include "ObLibX/src/controls/ObCustCombo.h"
 #include "ObLibX/src/controls/ObCustDate.h"
 #include "ObLibX/src/controls/ObCustEdit.h"
+#include "ObLibX/src/controls/ObCustList.h"
 #include "ObLibX/src/controls/ObCustPassword.h"
 #include "ObLibX/src/controls/ObCustProgress.h"
 #include "ObLibX/src/controls/ObCustSlider.h"
@@ -20,6 +22,7 @@
 #include "ObLibX/src/controls/ObCustSwitch.h"
 #include "ObLibX/src/controls/ObCustToggle.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
+#include "ObLibX/src/dialog/ObXDlg.h"
 #include "ObLibX/src/dialog/Palette.h"
 
 namespace ObLibX {
@@ -88,6 +91,13 @@ Control MakeEdit(const Wanted& wanted) {
                                                                            : ObString());
 }
 
+Control MakeListView(const Wanted& wanted) {
+    auto columns = wanted.description != nullptr ? wanted.description->columns
+                                                 : std::vector<ColumnDescription>();
+    return std::make_unique<ObFlatListView>(wanted.id, std::move(columns),
+                                            ObXDlg::FromWindow(GetParent(wanted.window)));
+}
+
 template <class Class>
 Control MakePlain(const Wanted& wanted) {
     return std::make_unique<Class>(wanted.id);
@@ -113,6 +123,7 @@ constexpr KindRow kKinds[] = {
     {ControlKind::HorizontalSlider, &MakeBar<ObFlatSlider, ScrollOrientation::Horizontal>},
     {ControlKind::VerticalSlider, &MakeBar<ObFlatSlider, ScrollOrientation::Vertical>},
     {ControlKind::ProgressBar, &MakePlain<ObFlatProgressBar>},
+    {ControlKind::ListView, &MakeListView},
     {ControlKind::ComboBoxSimple, &MakePlain<ObFlatComboBoxSimple>},
     {ControlKind::ComboBoxDropdown, &MakePlain<ObFlatComboBoxDropdown>},
     {ControlKind::ComboBoxDropdownList, &MakePlain<ObFlatComboBoxDropdownList>},

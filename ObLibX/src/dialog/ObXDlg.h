@@ -71,6 +71,9 @@ public:
     virtual COLORREF GetListItemColor(int, int, int, std::uint32_t) { return kNoColor; }
     virtual LRESULT OnOtherMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
+    // The object of a dialog's window; null for any other window. On the window's thread.
+    static ObXDlg* FromWindow(HWND window);
+
     // ---- What a dialog calls
     // Null when no object has this id.
     [[nodiscard]] ObCustomControl* GetControl(std::int32_t id) const;

@@ -161,6 +161,12 @@ INT_PTR Dispatch(ObXDlg& dialog, UINT message, const Message& arguments) {
 
 } // namespace
 
+ObXDlg* ObXDlg::FromWindow(HWND window) {
+    const auto own = reinterpret_cast<LONG_PTR>(&ObXDlg::Procedure);
+    if (GetWindowLongPtrW(window, DWLP_DLGPROC) != own) return nullptr;
+    return reinterpret_cast<ObXDlg*>(GetWindowLongPtrW(window, DWLP_USER));
+}
+
 INT_PTR CALLBACK ObXDlg::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(window, DWLP_USER, lParam);

@@ -10,6 +10,7 @@
 #include "ObLibX/src/controls/ObCustBtn.h"
 #include "ObLibX/src/controls/ObCustCombo.h"
 #include "ObLibX/src/controls/ObCustDate.h"
+#include "ObLibX/src/controls/ObCustList.h"
 #include "ObLibX/src/controls/ObCustPassword.h"
 #include "ObLibX/src/controls/ObCustProgress.h"
 #include "ObLibX/src/controls/ObCustSlider.h"
@@ -196,6 +197,8 @@ const ClassCase kClassCases[] = {
     {L"Static", 0, L"other", &typeid(ObFlatStaticText)},
     {L"Static", 0, nullptr, &typeid(ObFlatStaticText)},
     {PROGRESS_CLASSW, 0, nullptr, &typeid(ObFlatProgressBar)},
+    {WC_LISTVIEWW, LVS_REPORT, nullptr, &typeid(ObFlatListView)},
+    {WC_LISTVIEWW, LVS_ICON, nullptr, &typeid(ObFlatListView)},
     {L"Button", BS_PUSHBUTTON, nullptr, &typeid(ObFlatBtn)},
     {L"Button", BS_DEFPUSHBUTTON, L"blue", &typeid(ObFlatBlueBtn)},
     {L"Button", BS_PUSHBUTTON, L"settings", &typeid(ObFlatSettingsBtn)},

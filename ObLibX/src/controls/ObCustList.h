@@ -1,0 +1,146 @@
+// The flat list view.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "ObLibX/src/controls/ListAccessible.h"
+#include "ObLibX/src/controls/ListColours.h"
+#include "ObLibX/src/controls/ListGroupMode.h"
+#include "ObLibX/src/dialog/DialogDescription.h"
+#include "ObLibX/src/dialog/ObCustCtrl.h"
+
+namespace ObLibX {
+
+class ObXDlg;
+
+// On a stock list view, which goes on doing its work. In its details view header, rows and cells
+// are painted here, by the system's custom drawing; the parent hears of that first, and a font that
+// it selects for a row is the font of its cells. The other views stay stock.
+//
+// With group mode, which a details view has from the beginning, rows are 18 pixels high at 96 dpi,
+// 24 with check boxes; a press on a check box, or Space on the focused row, flips it.
+class ObFlatListView : public ObCustomControl, private RowChecks {
+public:
+    // `columnsToMake`: what the description has for the list; made at Attach. `dialog`: asked for
+    // the colours of cells; null: nobody is. It outlives the object's window.
+    ObFlatListView(std::int32_t id, std::vector<ColumnDescription> columnsToMake, ObXDlg* dialog);
+    ~ObFlatListView() override;
+
+    // A list without a parent ends the process.
+    void Attach(HWND attached) override;
+
+    void TurnOnGroupView();
+    void TurnOffGroupView();
+    [[nodiscard]] bool IsGroupViewOn() const { return groupMode_.IsOn(); }
+    // The row that the mouse is on; -1 for none.
+    [[nodiscard]] int HotRow() const { return hotRow_; }
+
+    HFONT font; // of all rows and titles; belongs to the cache of fonts
+    bool isFocused = false;
+    std::array<ObLib::UniqueBitmap, 4> checkImages; // on, off, on disabled, off disabled
+    SIZE checkSize{};
+    ObXDlg* colorSource; // null for none
+
+protected:
+    void OnFontChanged() override;
+
+private:
+    struct Column {
+        std::int32_t left = 0; // in the list's client coordinates
+        std::int32_t right = 0;
+        HorizontalPlace horizontal = HorizontalPlace::Left;
+    };
+    // What is the same for all rows of one painting.
+    struct Painting {
+        ListMeasures measures{};
+        std::vector<Column> columns; // by their number
+        bool isContrast = false;
+        bool isDisabled = false;
+        bool hasChecks = false;
+        bool showsFocus = false;
+        HIMAGELIST images = nullptr;
+    };
+    // The row that is being painted.
+    struct Row {
+        int index = -1;
+        PixelRect area; // in the list's client coordinates
+        RowState state;
+        int image = -1;
+        HGDIOBJ font = nullptr; // of its cells
+    };
+
+    static LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                          UINT_PTR id, DWORD_PTR object);
+    static LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                            UINT_PTR id, DWORD_PTR object);
+    static LRESULT CALLBACK HeaderProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                            UINT_PTR id, DWORD_PTR object);
+
+    // ---- The list's messages. Empty: the list goes on with it.
+    std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    void AfterMessage(UINT message, WPARAM wParam);
+    void OnGone();
+    void Detach();
+    void MakeColumns();
+    void LoadCheckImages();
+    [[nodiscard]] bool IsDetails() const;
+    void MoveMouse(std::optional<PixelPoint> place);
+    void UpdateHotRow();
+    [[nodiscard]] int RowAt(PixelPoint point) const;
+    [[nodiscard]] PixelRect AreaOfRow(int row) const;
+    void InvalidateRow(int row);
+    bool OnPress(PixelPoint point);
+    bool OnKey(WPARAM key, bool repeats);
+    void Flip(int row);
+
+    // ---- Painting, in ObCustListPaint.cpp. `heard`: what the parent has answered.
+    LRESULT EraseParent(WPARAM wParam, LPARAM lParam) const;
+    void SelectFont(const NMLVCUSTOMDRAW& draw) const;
+    LRESULT OnDrawStage(NMLVCUSTOMDRAW& draw, LRESULT heard);
+    void BeginPainting(HDC dc);
+    void ReadColumns();
+    void ReadRow(int index);
+    void PaintRow(NMLVCUSTOMDRAW& draw);
+    void PaintCell(const NMLVCUSTOMDRAW& draw);
+    void PaintPictures(HDC dc, const PixelRect& cell, const CellParts& parts);
+    const wchar_t* TextOfCell(int row, int column); // valid until the next call
+    [[nodiscard]] COLORREF CellColor(int column) const;
+    [[nodiscard]] PixelRect FirstCell(int row);
+
+    // ---- The header, in the same file
+    std::optional<LRESULT> OnHeaderNotification(const NMHDR& header);
+    void PaintHeader();
+    void FillAfterTitles(HDC dc) const;
+    void MoveOnHeader(PixelPoint point);
+    void SetHotTitle(int title);
+    void PaintTitle(const NMCUSTOMDRAW& draw) const;
+
+    // RowChecks
+    int RowCount() override;
+    bool HasRowChecks() override { return groupMode_.HasChecks(); }
+    bool IsRowChecked(int row) override;
+
+    std::vector<ColumnDescription> columnsToMake_;
+    HWND parent_ = nullptr;
+    HWND header_ = nullptr; // null for a list that has none
+    ListGroupMode groupMode_;
+    std::optional<PixelPoint> mouse_; // where it is on the list, in client coordinates
+    int hotRow_ = -1;
+    int hotTitle_ = -1;
+    bool isPainting_ = false; // the list's own procedure has WM_PAINT
+    bool paintsRows_ = false; // of the painting that goes on
+    Painting painting_;
+    Row row_;
+    std::vector<wchar_t> text_; // of the cell that is being painted
+    ListAccessible accessible_;
+};
+
+} // namespace ObLibX

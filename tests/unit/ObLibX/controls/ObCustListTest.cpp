@@ -1,0 +1,493 @@
+// The flat list view: its columns, group mode, check boxes, and what screen readers get.
+#include "ObLibX/src/controls/ObCustList.h"
+
+#include <oleacc.h>
+
+#include <algorithm>
+
+#include "ObLib/Src/Win32/ComResources.h"
+#include "ObLibX/src/dialog/DlgFont.h"
+#include "tests/unit/ObLib/FatalExit.h"
+#include "tests/unit/ObLibX/controls/ListFixture.h"
+
+namespace {
+
+using namespace ObLibX;
+using namespace listtest;
+
+// Bits of group mode.
+constexpr DWORD kModeStyles = 0x410060;
+
+class ListColumnsOfADialog : public ListsTest {
+protected:
+    LVCOLUMNW Column(int index, wchar_t* text, int id = 1001) const {
+        LVCOLUMNW column{};
+        column.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
+        column.pszText = text;
+        column.cchTextMax = 40;
+        Send(id, LVM_GETCOLUMNW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&column));
+        return column;
+    }
+};
+
+TEST_F(ListColumnsOfADialog, HaveTheTitlesWidthsAndAlignmentsOfTheDescription) {
+    const int width = ClientArea(Window()).Width();
+    const int widths[] = {width / 2, width * 30 / 100, width - width / 2 - width * 30 / 100};
+    const wchar_t* const titles[] = {L"Name", L"Size", L""};
+    constexpr int kFormats[] = {LVCFMT_LEFT, LVCFMT_RIGHT, LVCFMT_CENTER};
+    ASSERT_EQ(3, SendMessageW(Header(), HDM_GETITEMCOUNT, 0, 0));
+    for (int at = 0; at < 3; ++at) {
+        wchar_t text[40] = L"?";
+        const LVCOLUMNW column = Column(at, text);
+        EXPECT_EQ(widths[at], column.cx) << at;
+        EXPECT_STREQ(titles[at], text) << at;
+        EXPECT_EQ(kFormats[at], column.fmt & LVCFMT_JUSTIFYMASK) << at;
+        EXPECT_EQ(at, column.iSubItem);
+    }
+}
+
+TEST_F(ListColumnsOfADialog, AreMadeAgainWhenTheDialogOpensAgain) {
+    const ObFlatListView* const first = &List();
+    DestroyWindow(dialog_->window);
+    dialog_->Create(nullptr);
+    EXPECT_EQ(first, &List());
+    EXPECT_EQ(3, SendMessageW(Header(), HDM_GETITEMCOUNT, 0, 0));
+    EXPECT_TRUE(List().IsGroupViewOn());
+    EXPECT_EQ(Scale(18), RowImages());
+}
+
+TEST_F(ListColumnsOfADialog, AreNoneWithoutADescription) {
+    EXPECT_EQ(0, SendMessageW(Header(1002), HDM_GETITEMCOUNT, 0, 0));
+}
+
+class ListViewObject : public ListsTest {};
+
+TEST_F(ListViewObject, HasTheBaseFontOfNinePoints) {
+    EXPECT_EQ(GetFont(9, L"", 400, 0), List().font);
+    EXPECT_EQ(List().font, reinterpret_cast<HFONT>(Send(1001, WM_GETFONT)));
+    List().SetControlFont(L"Tahoma", 14, 700, 0);
+    EXPECT_EQ(GetFont(14, L"Tahoma", 700, 0), List().font);
+    EXPECT_EQ(List().font, reinterpret_cast<HFONT>(Send(1001, WM_GETFONT)));
+    const HFONT clients = GetFont(12, L"", 400, 0);
+    Send(1001, WM_SETFONT, reinterpret_cast<WPARAM>(clients), TRUE);
+    EXPECT_EQ(clients, List().font);
+}
+
+TEST_F(ListViewObject, HasItsDialogAndFourCheckImages) {
+    EXPECT_EQ(dialog_.get(), List().colorSource);
+    for (const auto& image : List().checkImages) EXPECT_TRUE(image);
+    EXPECT_EQ(Scale(13), List().checkSize.cx);
+    EXPECT_EQ(Scale(13), List().checkSize.cy);
+}
+
+TEST_F(ListViewObject, NeedsAParent) {
+    const ObLib::UniqueWindow bare(CreateWindowExW(0, WC_LISTVIEWW, L"", WS_POPUP, 0, 0, 90, 90,
+                                                   nullptr, nullptr, nullptr, nullptr));
+    ASSERT_TRUE(bare);
+    ObFlatListView list(1, {}, nullptr);
+    EXPECT_FATAL(list.Attach(bare.Get()), "ObLibX\\src\\ObCustList.cpp");
+}
+
+TEST_F(ListViewObject, LeavesAStockListWhenItGoesFirst) {
+    const HWND window = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | LVS_REPORT, 0, 0, 90, 90,
+                                        dialog_->window, nullptr, nullptr, nullptr);
+    const ObLib::UniqueImageList images = ColouredImages(16, 1, 0);
+    SendMessageW(window, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images.Get()));
+    {
+        ObFlatListView list(1, {}, nullptr);
+        list.Attach(window);
+        EXPECT_TRUE(list.IsGroupViewOn());
+    }
+    EXPECT_EQ(0, SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
+    EXPECT_EQ(reinterpret_cast<LRESULT>(images.Get()),
+              SendMessageW(window, LVM_SETIMAGELIST, LVSIL_SMALL, 0));
+    SendMessageW(GetParent(window), WM_ERASEBKGND, 0, 0);
+    SendMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(5, 50));
+    DestroyWindow(window);
+}
+
+// ---- Group mode
+
+class GroupMode : public ListsTest {};
+
+TEST_F(GroupMode, IsOnInADetailsViewFromTheBeginning) {
+    EXPECT_TRUE(List(1001).IsGroupViewOn());
+    EXPECT_TRUE(List(1002).IsGroupViewOn());
+    EXPECT_FALSE(List(1003).IsGroupViewOn()) << "icons";
+    EXPECT_EQ(kModeStyles, StockStyle());
+    EXPECT_EQ(0u, StockStyle(1003));
+    EXPECT_EQ(4u, themes.size());
+    EXPECT_EQ(L"none", themes[0]);
+}
+
+TEST_F(GroupMode, IsTurnedOffAndOnByItsMessage) {
+    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
+    EXPECT_EQ(4u, themes.size()) << "it is on already";
+    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
+    EXPECT_FALSE(List().IsGroupViewOn());
+    EXPECT_EQ(0u, StockStyle());
+    EXPECT_EQ(0, RowImages());
+    EXPECT_EQ(L"Explorer", themes.back());
+    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
+    EXPECT_EQ(5u, themes.size());
+    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
+    EXPECT_TRUE(List().IsGroupViewOn());
+    EXPECT_EQ(kModeStyles, StockStyle());
+    EXPECT_EQ(L"none", themes.back());
+    printf("The grouping itself is the system's, which the system of this run doesn't have.\n");
+}
+
+TEST_F(GroupMode, SetsTheHeightOfRowsByEmptyImages) {
+    EXPECT_EQ(Scale(18), RowImages());
+    GiveChecks();
+    EXPECT_EQ(Scale(24), RowImages());
+    Send(1001, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_GRIDLINES, LVS_EX_GRIDLINES);
+    EXPECT_EQ(Scale(24), RowImages()) << "another style";
+    Send(1001, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, 0);
+    EXPECT_EQ(Scale(18), RowImages());
+    const auto rows = reinterpret_cast<HIMAGELIST>(Stock(1001, LVM_GETIMAGELIST, LVSIL_SMALL));
+    EXPECT_EQ(0, ImageList_GetImageCount(rows));
+    int width = 0;
+    int height = 0;
+    ImageList_GetIconSize(rows, &width, &height);
+    EXPECT_EQ(1, width);
+    Insert(L"One");
+    EXPECT_LE(Scale(18), RowArea(0).Height());
+    EXPECT_GT(Scale(24), RowArea(0).Height());
+}
+
+TEST_F(GroupMode, KeepsTheClientsSmallImages) {
+    const ObLib::UniqueImageList first = ColouredImages(16, 1, 0);
+    const ObLib::UniqueImageList second = ColouredImages(16, 1, 0);
+    const auto set = [&](HIMAGELIST images) {
+        return reinterpret_cast<HIMAGELIST>(
+            Send(1001, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images)));
+    };
+    const auto get = [&] {
+        return reinterpret_cast<HIMAGELIST>(Send(1001, LVM_GETIMAGELIST, LVSIL_SMALL));
+    };
+    EXPECT_EQ(nullptr, get());
+    EXPECT_EQ(nullptr, set(first.Get()));
+    EXPECT_EQ(first.Get(), get());
+    EXPECT_EQ(Scale(18), RowImages());
+    EXPECT_EQ(first.Get(), set(second.Get()));
+    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
+    EXPECT_EQ(second.Get(), get()) << "the control's own again";
+    EXPECT_EQ(16, RowImages());
+    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
+    EXPECT_EQ(second.Get(), get()) << "those from before stay the client's";
+    EXPECT_EQ(Scale(18), RowImages());
+    EXPECT_EQ(second.Get(), set(nullptr));
+    EXPECT_EQ(nullptr, get());
+}
+
+TEST_F(GroupMode, LeavesOtherImagesToTheControl) {
+    const ObLib::UniqueImageList images = ColouredImages(32, 1, 0);
+    Send(1001, LVM_SETIMAGELIST, LVSIL_NORMAL, reinterpret_cast<LPARAM>(images.Get()));
+    EXPECT_EQ(reinterpret_cast<LRESULT>(images.Get()), Stock(1001, LVM_GETIMAGELIST, LVSIL_NORMAL));
+    EXPECT_EQ(reinterpret_cast<LRESULT>(images.Get()), Send(1001, LVM_GETIMAGELIST, LVSIL_NORMAL));
+    Send(1001, LVM_SETIMAGELIST, LVSIL_NORMAL, 0);
+}
+
+// A list destroys its images with itself, unless they are shared; those of the rows aren't its own.
+TEST_F(GroupMode, LetsTheListDestroyTheClientsImagesAlone) {
+    const HIMAGELIST own = ColouredImages(16, 1, 0).Release();
+    const ObLib::UniqueImageList shared = ColouredImages(16, 1, 0);
+    Send(1001, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(own));
+    Send(1004, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(shared.Get()));
+    const auto rows = reinterpret_cast<HIMAGELIST>(Stock(1001, LVM_GETIMAGELIST, LVSIL_SMALL));
+    DestroyWindow(dialog_->window);
+    EXPECT_FALSE(List().IsGroupViewOn());
+    EXPECT_FALSE(IsAlive(own));
+    EXPECT_TRUE(IsAlive(shared.Get()));
+    EXPECT_TRUE(IsAlive(rows));
+    dialog_->Create(nullptr);
+    EXPECT_EQ(reinterpret_cast<LRESULT>(rows), Stock(1001, LVM_GETIMAGELIST, LVSIL_SMALL));
+}
+
+// A client that sees nothing of the mode: what it sets, gets and is answered is as on a stock list.
+TEST_F(GroupMode, AnswersAboutStylesAsAStockListDoes) {
+    const ObLib::UniqueWindow stock(CreateWindowExW(0, WC_LISTVIEWW, L"", WS_POPUP | LVS_REPORT, 0,
+                                                    0, 90, 90, nullptr, nullptr, nullptr, nullptr));
+    const struct {
+        WPARAM mask;
+        LPARAM style;
+    } rows[] = {{LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES},
+                {LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT},
+                {LVS_EX_FULLROWSELECT, 0},
+                {0, LVS_EX_GRIDLINES | LVS_EX_LABELTIP},
+                {LVS_EX_GRIDLINES, LVS_EX_CHECKBOXES},
+                {0, 0}};
+    for (const auto& row : rows) {
+        const auto ask = [&](HWND window) {
+            const LRESULT before =
+                SendMessageW(window, LVM_SETEXTENDEDLISTVIEWSTYLE, row.mask, row.style);
+            return std::pair(before, SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
+        };
+        EXPECT_EQ(ask(stock.Get()), ask(Window())) << row.mask << " " << row.style;
+        EXPECT_EQ(kModeStyles, StockStyle() & kModeStyles) << "the mode needs them";
+        EXPECT_EQ(0u, StockStyle() & LVS_EX_CHECKBOXES);
+    }
+}
+
+TEST_F(GroupMode, GivesTheClientsStylesBack) {
+    Send(1001, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_CHECKBOXES | LVS_EX_GRIDLINES);
+    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
+    EXPECT_EQ(DWORD{LVS_EX_CHECKBOXES | LVS_EX_GRIDLINES}, StockStyle());
+    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
+    EXPECT_EQ(kModeStyles | LVS_EX_GRIDLINES, StockStyle());
+    EXPECT_EQ(Scale(24), RowImages()) << "the client's check boxes are taken over";
+}
+
+TEST_F(GroupMode, StartsInsertedRowsUnchecked) {
+    GiveChecks();
+    LVITEMW item{};
+    wchar_t text[] = L"One";
+    item.mask = LVIF_TEXT | LVIF_STATE | LVIF_PARAM;
+    item.pszText = text;
+    item.lParam = 77;
+    item.state = INDEXTOSTATEIMAGEMASK(2) | LVIS_SELECTED;
+    item.stateMask = LVIS_STATEIMAGEMASK | LVIS_SELECTED;
+    const LVITEMW before = item;
+    EXPECT_EQ(0, Send(1001, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+    EXPECT_EQ(RowCheck::Off, Check(0));
+    EXPECT_EQ(UINT{LVIS_SELECTED}, StateOf(0, LVIS_SELECTED)) << "the rest of its state";
+    EXPECT_EQ(before.state, item.state);
+    EXPECT_EQ(before.mask, item.mask);
+    LVITEMA narrow{};
+    char bytes[] = "Two";
+    narrow.mask = LVIF_TEXT;
+    narrow.iItem = 1;
+    narrow.pszText = bytes;
+    narrow.state = ~0u;
+    EXPECT_EQ(1, Send(1001, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&narrow)));
+    EXPECT_EQ(RowCheck::Off, Check(1));
+    EXPECT_EQ(0u, StateOf(1, LVIS_SELECTED | LVIS_CUT)) << "a state without its bit in the mask";
+    EXPECT_EQ(-1, Send(1001, LVM_INSERTITEMW, 0, 0));
+}
+
+TEST_F(GroupMode, StartsRowsWithoutAStateUncheckedAndKeepsTheOthers) {
+    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
+    for (const wchar_t* const text : {L"None", L"Off", L"On"}) Insert(text);
+    for (const int row : {0, 1, 2}) {
+        SetState(row, INDEXTOSTATEIMAGEMASK(row), LVIS_STATEIMAGEMASK);
+        ASSERT_EQ(static_cast<RowCheck>(row), Check(row));
+    }
+    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
+    EXPECT_EQ(RowCheck::Off, Check(0));
+    EXPECT_EQ(RowCheck::Off, Check(1));
+    EXPECT_EQ(RowCheck::On, Check(2));
+}
+
+TEST_F(GroupMode, KeepsChecksThroughItsEnd) {
+    GiveChecks();
+    for (const wchar_t* const text : {L"Off", L"On"}) Insert(text);
+    SetCheckOfRow(Window(), 1, RowCheck::On);
+    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
+    EXPECT_EQ(RowCheck::Off, Check(0));
+    EXPECT_EQ(RowCheck::On, Check(1));
+    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
+    EXPECT_EQ(RowCheck::Off, Check(0));
+    EXPECT_EQ(RowCheck::On, Check(1));
+}
+
+TEST_F(GroupMode, StartsRowsUncheckedWhenCheckBoxesCome) {
+    Insert(L"One");
+    SetState(0, 0, LVIS_STATEIMAGEMASK);
+    ASSERT_EQ(RowCheck::None, Check(0));
+    GiveChecks();
+    EXPECT_EQ(RowCheck::Off, Check(0));
+}
+
+// ---- Check boxes
+
+class ListChecks : public ListsTest {
+protected:
+    void SetUp() override {
+        ListsTest::SetUp();
+        GiveChecks();
+        for (const wchar_t* const text : {L"One", L"Two", L"Three"}) Insert(text);
+        Heard().codes.clear();
+    }
+    // Inside the area of the row's check box, and right of it.
+    PixelPoint OnCheck(int row) const {
+        const PixelRect cell = CellArea(row, 0);
+        return {cell.left + Scale(24) - 1, cell.top + 1};
+    }
+    PixelPoint BesideCheck(int row) const {
+        const PixelRect cell = CellArea(row, 0);
+        return {cell.left + Scale(24), cell.top + 1};
+    }
+    bool Heard(int code) const {
+        return std::ranges::find(ListsTest::Heard().codes, std::pair(1001, code)) !=
+               ListsTest::Heard().codes.end();
+    }
+    using ListsTest::Heard;
+    void PressSpace(LPARAM lParam = 1) const {
+        Send(1001, WM_KEYDOWN, VK_SPACE, lParam);
+        Send(1001, WM_CHAR, L' ', lParam);
+    }
+};
+
+TEST_F(ListChecks, AreFlippedByAPressOnThem) {
+    SetState(2, LVIS_SELECTED, LVIS_SELECTED);
+    Click(OnCheck(1));
+    EXPECT_EQ(RowCheck::On, Check(1));
+    EXPECT_EQ(RowCheck::Off, Check(0));
+    EXPECT_TRUE(Heard(LVN_ITEMCHANGED));
+    EXPECT_EQ(Window(), GetFocus());
+    EXPECT_EQ(1, Send(1001, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+    EXPECT_EQ(UINT{LVIS_SELECTED}, StateOf(2, LVIS_SELECTED)) << "the selection stays";
+    EXPECT_EQ(0u, StateOf(1, LVIS_SELECTED));
+    Click(OnCheck(1));
+    EXPECT_EQ(RowCheck::Off, Check(1));
+}
+
+TEST_F(ListChecks, AreFlippedByEachPressOfADoubleClick) {
+    Click(OnCheck(0));
+    Click(OnCheck(0), WM_LBUTTONDBLCLK);
+    EXPECT_EQ(RowCheck::Off, Check(0));
+    Click(OnCheck(0), WM_LBUTTONDBLCLK);
+    EXPECT_EQ(RowCheck::On, Check(0));
+    EXPECT_FALSE(Heard(static_cast<int>(LVN_ITEMACTIVATE)));
+}
+
+TEST_F(ListChecks, StayAtAPressBesideThem) {
+    Click(BesideCheck(1));
+    EXPECT_EQ(RowCheck::Off, Check(1));
+    EXPECT_EQ(UINT{LVIS_SELECTED}, StateOf(1, LVIS_SELECTED))
+        << "the system's list has selected it";
+    const PixelRect last = RowArea(2);
+    Click({last.left + 5, last.bottom + 5});
+    for (const int row : {0, 1, 2}) EXPECT_EQ(RowCheck::Off, Check(row)) << row;
+}
+
+TEST_F(ListChecks, AreFlippedBySpaceOnTheFocusedRow) {
+    SetState(1, LVIS_FOCUSED, LVIS_FOCUSED);
+    PressSpace();
+    EXPECT_EQ(RowCheck::On, Check(1));
+    PressSpace(1 | LPARAM{1} << 30);
+    EXPECT_EQ(RowCheck::On, Check(1)) << "a key that is held";
+    PressSpace();
+    EXPECT_EQ(RowCheck::Off, Check(1));
+    EXPECT_EQ(RowCheck::Off, Check(0));
+    EXPECT_EQ(RowCheck::Off, Check(2));
+}
+
+TEST_F(ListChecks, StayAtSpaceWithoutAFocusedRowOrWithCtrl) {
+    SetState(-1, 0, LVIS_FOCUSED);
+    PressSpace();
+    SetState(1, LVIS_FOCUSED, LVIS_FOCUSED);
+    BYTE keys[256] = {};
+    GetKeyboardState(keys);
+    const BYTE control = std::exchange(keys[VK_CONTROL], BYTE{0x80});
+    SetKeyboardState(keys);
+    PressSpace();
+    keys[VK_CONTROL] = control;
+    SetKeyboardState(keys);
+    for (const int row : {0, 1, 2}) EXPECT_EQ(RowCheck::Off, Check(row)) << row;
+}
+
+TEST_F(ListChecks, AreNotFlippedWithoutTheirStyle) {
+    Send(1001, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, 0);
+    Click(OnCheck(1));
+    EXPECT_EQ(RowCheck::Off, Check(1));
+    EXPECT_EQ(UINT{LVIS_SELECTED}, StateOf(1, LVIS_SELECTED));
+    PressSpace();
+    EXPECT_EQ(RowCheck::Off, Check(1));
+}
+
+TEST_F(ListChecks, MayDestroyTheDialogThatHearsOfThem) {
+    SetFocus(Window());
+    Heard().onChanged = [&] {
+        if (dialog_->window != nullptr) DestroyWindow(dialog_->window);
+    };
+    const HWND window = Window();
+    const LPARAM point = MAKELPARAM(OnCheck(1).x, OnCheck(1).y);
+    SendMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, point);
+    EXPECT_FALSE(IsWindow(window));
+    EXPECT_EQ(nullptr, List().window);
+}
+
+// ---- Screen readers
+
+class ListAccessibility : public ListChecks {
+protected:
+    ObLib::ComPtr<IAccessible> Object() const {
+        ObLib::ComPtr<IAccessible> object;
+        AccessibleObjectFromWindow(Window(), static_cast<DWORD>(OBJID_CLIENT),
+                                   __uuidof(IAccessible), reinterpret_cast<void**>(object.Put()));
+        return object;
+    }
+    static VARIANT Child(LONG number) {
+        VARIANT child{};
+        child.vt = VT_I4;
+        child.lVal = number;
+        return child;
+    }
+    // -1 where there is no state.
+    static LONG State(IAccessible& object, LONG child) {
+        VARIANT state{};
+        const HRESULT result = object.get_accState(Child(child), &state);
+        return result == S_OK && state.vt == VT_I4 ? state.lVal : -1;
+    }
+};
+
+TEST_F(ListAccessibility, HasTheCheckStateOfEachRow) {
+    const auto object = Object();
+    ASSERT_TRUE(object);
+    EXPECT_EQ(0, State(*object.Get(), 2) & STATE_SYSTEM_CHECKED);
+    SetCheckOfRow(Window(), 1, RowCheck::On);
+    ASSERT_NE(-1, State(*object.Get(), 2));
+    EXPECT_EQ(STATE_SYSTEM_CHECKED, State(*object.Get(), 2) & STATE_SYSTEM_CHECKED);
+    ASSERT_NE(-1, State(*object.Get(), 1));
+    EXPECT_EQ(0, State(*object.Get(), 1) & STATE_SYSTEM_CHECKED);
+    ASSERT_NE(-1, State(*object.Get(), CHILDID_SELF));
+    EXPECT_EQ(0, State(*object.Get(), CHILDID_SELF) & STATE_SYSTEM_CHECKED) << "the list itself";
+}
+
+TEST_F(ListAccessibility, HasNoCheckStateWithoutCheckBoxesOrRows) {
+    SetCheckOfRow(Window(), 1, RowCheck::On);
+    const auto object = Object();
+    const auto isChecked = [&](LONG child) {
+        const LONG state = State(*object.Get(), child);
+        return state != -1 && (state & STATE_SYSTEM_CHECKED) != 0;
+    };
+    EXPECT_TRUE(isChecked(2));
+    EXPECT_FALSE(isChecked(4)) << "after the last row";
+    Send(1001, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, 0);
+    EXPECT_FALSE(isChecked(2));
+}
+
+TEST_F(ListAccessibility, IsThePlatformsButForStates) {
+    const auto object = Object();
+    ObLib::ComPtr<IAccessible> platforms;
+    CreateStdAccessibleObject(Window(), OBJID_CLIENT, __uuidof(IAccessible),
+                              reinterpret_cast<void**>(platforms.Put()));
+    ASSERT_TRUE(object && platforms);
+    VARIANT ours{};
+    VARIANT theirs{};
+    EXPECT_EQ(platforms->get_accState(Child(0), &theirs), object->get_accState(Child(0), &ours));
+    EXPECT_EQ(theirs.lVal, ours.lVal);
+    long place[4] = {};
+    EXPECT_EQ(S_OK, object->accLocation(&place[0], &place[1], &place[2], &place[3], Child(0)));
+    EXPECT_EQ(ClientArea(Window()).Width(), place[2]);
+    ObLib::ComPtr<IDispatch> parent;
+    EXPECT_EQ(S_OK, object->get_accParent(parent.Put()));
+    EXPECT_TRUE(parent);
+}
+
+TEST_F(ListAccessibility, ReportsAFlipOfTheRow) {
+    events.clear();
+    Click(OnCheck(1));
+    EXPECT_EQ(1, std::ranges::count(events, std::pair<DWORD, LONG>(EVENT_OBJECT_STATECHANGE, 2)));
+}
+
+TEST_F(ListAccessibility, EndsWithTheWindow) {
+    const auto object = Object();
+    DestroyWindow(dialog_->window);
+    VARIANT state{};
+    EXPECT_EQ(CO_E_OBJNOTCONNECTED, object->get_accState(Child(1), &state));
+}
+
+} // namespace
