@@ -25,7 +25,8 @@ bool ShowPages(const wchar_t* name) {
 
 int WINAPI wWinMain(HINSTANCE program, HINSTANCE, wchar_t* page, int) {
     INITCOMMONCONTROLSEX classes{sizeof classes, ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS |
-                                                     ICC_UPDOWN_CLASS | ICC_DATE_CLASSES};
+                                                     ICC_UPDOWN_CLASS | ICC_DATE_CLASSES |
+                                                     ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&classes);
     ObLib::AppGlobals().SetModule(program, L"", L"");
     gallery::RegisterScrolledPanel(program);

@@ -5,6 +5,7 @@
 #include "demo/gallery/ChoicesPage.h"
 #include "demo/gallery/HostedPage.h"
 #include "demo/gallery/LinksPage.h"
+#include "demo/gallery/ListsPage.h"
 #include "demo/gallery/StockPage.h"
 #include "demo/gallery/TextsPage.h"
 #include "demo/gallery/TogglesPage.h"
@@ -22,6 +23,7 @@ constexpr PageRow kPages[] = {
     {L"bars", &Make<BarsPage>},       {L"hosted", &Make<HostedPage>},
     {L"choices", &Make<ChoicesPage>}, {L"buttons", &Make<ButtonsPage>},
     {L"toggles", &Make<TogglesPage>}, {L"links", &Make<LinksPage>},
+    {L"lists", &Make<ListsPage>},
 };
 
 } // namespace
