@@ -228,6 +228,81 @@ void Tick(Choices& choices) {
     choices.Send(WM_TIMER, choices.Flag() ? WPARAM{ObLibX::kScrollRepeatTimer} : other);
 }
 
+// ---- Lists, whose messages have other meanings elsewhere
+
+constexpr int kMostRows = 40;
+
+void InsertListRow(Choices& choices) {
+    if (choices.Send(LVM_GETITEMCOUNT) >= kMostRows) choices.Send(LVM_DELETEALLITEMS);
+    LVITEMW item{};
+    item.mask = LVIF_TEXT | (choices.Flag() ? LVIF_STATE : 0);
+    item.iItem = choices.Between(0, kMostRows);
+    item.pszText = const_cast<wchar_t*>(choices.Text());
+    item.state = INDEXTOSTATEIMAGEMASK(choices.Between(0, 2));
+    item.stateMask = LVIS_STATEIMAGEMASK;
+    choices.Send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+
+void SetListState(Choices& choices) {
+    LVITEMW item{};
+    item.state = static_cast<UINT>(choices.Between(0, 3)) |
+                 static_cast<UINT>(INDEXTOSTATEIMAGEMASK(choices.Between(0, 2)));
+    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED | LVIS_STATEIMAGEMASK;
+    choices.Send(LVM_SETITEMSTATE, static_cast<WPARAM>(choices.Between(-1, kMostRows)),
+                 reinterpret_cast<LPARAM>(&item));
+}
+
+void SetListCell(Choices& choices) {
+    LVITEMW item{};
+    item.iSubItem = choices.Between(0, 2);
+    item.pszText = const_cast<wchar_t*>(choices.Text());
+    choices.Send(LVM_SETITEMTEXTW, static_cast<WPARAM>(choices.Between(0, kMostRows)),
+                 reinterpret_cast<LPARAM>(&item));
+}
+
+// Whoever sets images gets the ones from before to destroy.
+void SetListImages(Choices& choices) {
+    const int size = choices.Between(8, 32);
+    const HIMAGELIST images =
+        choices.Flag() ? ImageList_Create(size, size, ILC_COLOR32, 1, 1) : nullptr;
+    const ObLib::UniqueImageList before(reinterpret_cast<HIMAGELIST>(
+        choices.Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images))));
+}
+
+struct ListRow {
+    void (*send)(Choices& choices);
+};
+constexpr ListRow kListRows[] = {
+    {&InsertListRow},
+    {&InsertListRow},
+    {&SetListState},
+    {&SetListCell},
+    {&SetListImages},
+    {[](Choices& c) { c.Send(LVM_DELETEITEM, static_cast<WPARAM>(c.Between(0, kMostRows))); }},
+    {[](Choices& c) {
+        c.Send(LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, c.Flag() ? LVS_EX_CHECKBOXES : 0);
+    }},
+    {[](Choices& c) { c.Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, c.Between(0, 0x7F)); }},
+    {[](Choices& c) { c.Send(LVM_ENABLEGROUPVIEW, static_cast<WPARAM>(c.Flag())); }},
+    {[](Choices& c) {
+        c.Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(c.Between(0, 2)), c.Between(0, 300));
+    }},
+    {[](Choices& c) {
+        c.Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(c.Between(0, kMostRows)), c.Flag());
+    }},
+    {[](Choices& c) {
+        c.Send(WM_VSCROLL, static_cast<WPARAM>(c.Between(SB_LINEUP, SB_PAGEDOWN)));
+    }},
+    {[](Choices& c) {
+        c.Send(WM_HSCROLL, static_cast<WPARAM>(c.Between(SB_LINEUP, SB_PAGEDOWN)));
+    }},
+};
+
+void ListMessage(Choices& choices) {
+    if (!ObLibX::IsOfClass(choices.Window(), WC_LISTVIEWW)) return;
+    kListRows[choices.Between(0, static_cast<int>(std::size(kListRows)) - 1)].send(choices);
+}
+
 struct Row {
     const char* name;
     void (*send)(Choices& choices);
@@ -271,6 +346,8 @@ constexpr Row kRows[] = {
     {"own", &SendOwn},
     {"object", [](Choices& c) { TakeObjectOf(c.Window()); }},
     {"posted", [](Choices&) { PumpPosted(); }},
+    {"list", &ListMessage},
+    {"list again", &ListMessage},
 };
 
 // Besides these, for a window whose bars are hosted.
