@@ -22,7 +22,10 @@ constexpr const wchar_t* kFiles[][4] = {
     {L"A photo with a very long name, which doesn't fit.jpg", L"5,310 KB", L"Saturday", L"Picture"},
 };
 constexpr int kColumns = static_cast<int>(std::size(kFiles[0]));
-constexpr int kFewRows = static_cast<int>(std::size(kFiles));
+constexpr int kFileCount = static_cast<int>(std::size(kFiles));
+// As many as a list shows without a scroll bar.
+constexpr int kFewRows = 3;
+constexpr int kCheckRows = 2;
 constexpr int kManyRows = 1000;
 
 constexpr int kLarge = 2; // the row of the largest file
@@ -59,18 +62,18 @@ bool ListsPage::OnInitDialog() {
     SendMessageW(GetItem(OB_GALLERY_LIST_STOCK, true), LVM_ENABLEGROUPVIEW, FALSE, 0);
     UseIcons(OB_GALLERY_LIST_CHECKS);
     UseIcons(OB_GALLERY_LIST_OFF);
-    for (const int id : {OB_GALLERY_LIST_PLAIN, OB_GALLERY_LIST_CHECKS, OB_GALLERY_LIST_COLOURS,
-                         OB_GALLERY_LIST_OFF, OB_GALLERY_LIST_STOCK}) {
+    for (const int id : {OB_GALLERY_LIST_PLAIN, OB_GALLERY_LIST_COLOURS, OB_GALLERY_LIST_STOCK}) {
         Fill(id, kFewRows);
     }
+    Fill(OB_GALLERY_LIST_CHECKS, kCheckRows);
+    Fill(OB_GALLERY_LIST_OFF, kCheckRows);
     Fill(OB_GALLERY_LIST_MANY, kManyRows);
     Select(OB_GALLERY_LIST_PLAIN, 1);
     Select(OB_GALLERY_LIST_COLOURS, 1);
     for (const int id : {OB_GALLERY_LIST_CHECKS, OB_GALLERY_LIST_OFF, OB_GALLERY_LIST_STOCK}) {
         Check(id, 1);
-        Check(id, 2);
     }
-    PointAt(OB_GALLERY_LIST_CHECKS, 2);
+    PointAt(OB_GALLERY_LIST_CHECKS, 0);
     return true;
 }
 
@@ -80,7 +83,9 @@ void ListsPage::UseIcons(int id) {
         icons_.Reset(ImageList_Create(size, size, ILC_COLOR32, 2, 1));
         const std::int32_t scale = ObLibX::ScaleOfDpi(ObLibX::GetDpi());
         for (const auto image : {ObLibX::ControlImage::Settings, ObLibX::ControlImage::Browser}) {
-            ImageList_Add(icons_.Get(), ObLibX::ImageOfScale(image, scale).Get(), nullptr);
+            const auto bitmap = ObLibX::ImageOfScale(image, scale);
+            const auto recolored = ObLibX::RecolorForHighContrast(bitmap.Get(), true);
+            ImageList_Add(icons_.Get(), recolored ? recolored.Get() : bitmap.Get(), nullptr);
         }
     }
     SendMessageW(GetItem(id, true), LVM_SETIMAGELIST, LVSIL_SMALL,
@@ -91,7 +96,7 @@ void ListsPage::Fill(int id, int rows) {
     const HWND list = GetItem(id, true);
     SendMessageW(list, WM_SETREDRAW, FALSE, 0);
     for (int row = 0; row < rows; ++row) {
-        const auto& file = kFiles[row % kFewRows];
+        const auto& file = kFiles[row % kFileCount];
         const std::wstring name = rows == kManyRows ? L"File " + std::to_wstring(row + 1) : file[0];
         SetCell(list, row, 0, name.c_str());
         for (int column = 1; column < kColumns; ++column) SetCell(list, row, column, file[column]);

@@ -29,7 +29,8 @@ CellParts PlaceInCell(const PixelRect& cell, const CellContents& contents,
     CellParts parts;
     std::int32_t left = cell.left + measures.inset;
     if (!contents.check.IsEmpty()) {
-        const std::int32_t top = cell.top + measures.checkTop;
+        const std::int32_t middle = (cell.Height() - contents.check.height) / 2;
+        const std::int32_t top = cell.top + std::clamp(middle, 0, measures.checkTop);
         parts.check = {left, top, left + contents.check.width, top + contents.check.height};
         left += measures.checkAdvance;
     }

@@ -12,7 +12,7 @@ namespace ObLibX {
 struct ListMeasures {
     std::int32_t inset;          // of texts, left and right, and of a check box, left
     std::int32_t titleBottom;    // below a title's text
-    std::int32_t checkTop;       // above a check box
+    std::int32_t checkTop;       // above a check box; less in a row that has no room for it
     std::int32_t checkAdvance;   // from a check box to what is right of it
     std::int32_t icon;           // width and height of an icon's place
     std::int32_t iconAdvance;    // from an icon to the text

@@ -41,6 +41,13 @@ TEST(ListLayout, PutsACheckBoxFourDownAndTheTextTwentyFurther) {
     EXPECT_EQ((PixelRect{124, 50, 296, 75}), parts.text);
 }
 
+TEST(ListLayout, PutsACheckBoxInTheMiddleOfALowRow) {
+    const ListMeasures measures = ListMeasuresAt(96);
+    EXPECT_EQ(51, PlaceInCell({0, 50, 99, 66}, {{13, 13}, false}, measures).check.top);
+    EXPECT_EQ(50, PlaceInCell({0, 50, 99, 60}, {{13, 13}, false}, measures).check.top);
+    EXPECT_EQ(54, PlaceInCell({0, 50, 99, 71}, {{13, 13}, false}, measures).check.top);
+}
+
 TEST(ListLayout, PutsAnIconInTheMiddleAndTheTextTwentyFourFurther) {
     const CellParts parts = PlaceInCell(kCell, {{}, true}, ListMeasuresAt(96));
     EXPECT_EQ((PixelRect{104, 54, 120, 70}), parts.icon);
