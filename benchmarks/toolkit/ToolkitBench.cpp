@@ -18,6 +18,7 @@
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
 #include "benchmarks/toolkit/DescriptionBench.h"
+#include "benchmarks/toolkit/ListBench.h"
 #include "tests/support/ProcessResources.h"
 
 namespace {
@@ -28,6 +29,8 @@ constexpr int kPaints = 20;  // of one control in one sample
 constexpr int kSixty = 2501;
 constexpr int kBars = 2502;
 constexpr int kLink = 1105; // on the dialog of the bars
+constexpr int kLists = 2503;
+constexpr int kList = 1201; // in that dialog
 
 class FlatDialog : public ObLibX::ObXFlatDlg {
 public:
@@ -194,6 +197,56 @@ void MeasureUse() {
     PrintPair("objects", objects);
 }
 
+template <class Dialog>
+std::unique_ptr<Dialog> OpenedList() {
+    auto dialog = Opened<Dialog>(kLists);
+    bench::FillList(GetDlgItem(dialog->window, kList));
+    return dialog;
+}
+
+template <class Dialog>
+double MemoryOfList() {
+    const double memory = Used();
+    std::vector<std::unique_ptr<Dialog>> dialogs;
+    for (int at = 0; at < kDialogs; ++at) dialogs.push_back(OpenedList<Dialog>());
+    return (Used() - memory) / kDialogs;
+}
+
+void MeasureListMemory() {
+    bench::Pair memory;
+    for (int round = 0; round < 3; ++round) {
+        memory.ours.push_back(MemoryOfList<FlatDialog>());
+        memory.theirs.push_back(MemoryOfList<StockDialog>());
+    }
+    PrintPair("list memory", memory);
+}
+
+void MeasurePaging(const char* name, HWND ours, HWND theirs, int rounds) {
+    bench::Pair times;
+    for (int round = 0; round < rounds; ++round) {
+        times.ours.push_back(bench::TimePaging(ours));
+        times.theirs.push_back(bench::TimePaging(theirs));
+    }
+    PrintPair(name, times);
+}
+
+void MeasureLists(int rounds) {
+    const auto flat = OpenedList<FlatDialog>();
+    const auto stock = OpenedList<StockDialog>();
+    const HWND ours = GetDlgItem(flat->window, kList);
+    const HWND theirs = GetDlgItem(stock->window, kList);
+    bench::Pair paint;
+    for (int round = 0; round < rounds; ++round) {
+        paint.ours.push_back(TimePaint(ours));
+        paint.theirs.push_back(TimePaint(theirs));
+    }
+    PrintPair("paint list", paint);
+    MeasurePaging("list pages", ours, theirs, rounds);
+    bench::CheckList(ours);
+    bench::CheckList(theirs);
+    MeasurePaging("list checks", ours, theirs, rounds);
+}
+
 } // namespace
 
 int wmain(int count, wchar_t** arguments) {
@@ -206,6 +259,8 @@ int wmain(int count, wchar_t** arguments) {
     MeasureUse();
     MeasureOpening(rounds);
     MeasurePaints(rounds);
+    MeasureListMemory();
+    MeasureLists(rounds);
     const bench::Pair description = bench::MeasureDescription(rounds * 10);
     if (description.ours.empty()) return bench::Fail("the two readers differ");
     PrintPair("description", description);
