@@ -33,13 +33,13 @@ std::unique_ptr<ObCustomControl> Dressed(HWND child, const ControlDescription* d
 
 std::vector<std::unique_ptr<ObCustomControl>>
 CreateFlatControls(HWND dialog, std::int32_t templateId,
-                   const std::function<bool(std::int32_t id)>& hasObject) {
+                   const std::function<bool(HWND child)>& hasObject) {
     std::vector<ControlDescription> described;
     ReadDialogDescription(templateId, described);
     std::vector<std::unique_ptr<ObCustomControl>> controls;
     ForEachChild(dialog, [&](HWND child) {
         const std::int32_t id = GetDlgCtrlID(child);
-        if (id == 0 || hasObject(id)) return;
+        if (id == 0 || hasObject(child)) return;
         if (auto control = Dressed(child, DescriptionOf(described, id))) {
             controls.push_back(std::move(control));
         }

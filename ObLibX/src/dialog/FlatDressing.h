@@ -18,7 +18,7 @@ namespace ObLibX {
 // left out.
 std::vector<std::unique_ptr<ObCustomControl>>
 CreateFlatControls(HWND dialog, std::int32_t templateId,
-                   const std::function<bool(std::int32_t id)>& hasObject);
+                   const std::function<bool(HWND child)>& hasObject);
 
 // Calls `use` for each child window, in Z-order. It may make and destroy windows.
 void ForEachChild(HWND dialog, const std::function<void(HWND child)>& use);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/ObWinGUI.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/DlgFont.h"
@@ -10,6 +11,8 @@
 
 namespace ObLibX {
 namespace {
+
+constexpr wchar_t kModule[] = L"ObLibX\\src\\GroupHeadings.cpp";
 
 constexpr LONG kHeadingHeight = 8; // dialog units
 constexpr std::int32_t kHeadingSize = 11;
@@ -57,8 +60,9 @@ HWND MakeHeadingWindow(HWND dialog, HWND group, int id) {
     return heading;
 }
 
-// The height that the text needs in the window's font.
+// The height that the text needs in a font.
 int TextHeight(HWND heading, HFONT font) {
+    ObAssert(font != nullptr);
     ObLib::ObString text;
     ObLib::GetWindowTextString(heading, text);
     RECT needed{};

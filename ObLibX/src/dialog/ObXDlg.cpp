@@ -94,21 +94,22 @@ bool ObXDlg::OnInitDialog() {
 }
 
 void ObXDlg::DressControls() {
-    auto made = CreateFlatControls(window, templateId,
-                                   [&](std::int32_t id) { return controls_.contains(id); });
+    auto made =
+        CreateFlatControls(window, templateId, [&](HWND child) { return HasObjectFor(child); });
     for (auto& control : made) AddControl(std::move(control));
-    SettleControls();
+    PrepareControls();
+    ObPropSheet* const sheet = EnclosingSheet();
     for (const auto& [id, control] : controls_) {
         const HWND item = control->window;
         ObAssert(item != nullptr);
-        control->ownerPage = ownerSheet;
+        control->ownerPage = sheet;
         control->Attach(item);
         if (control->tooltipText.HasText()) AddTooltip(item, control->tooltipText.CStr());
     }
 }
 
-// An object that was made just now knows its window; one of an earlier opening has none any more.
-void ObXDlg::SettleControls() {
+// An object without a window is one that the template has no window for.
+void ObXDlg::PrepareControls() {
     std::vector<ObCustomControl*> controls;
     for (const auto& [id, control] : controls_) {
         if (control->window == nullptr) control->window = GetItem(id, true);
@@ -118,9 +119,25 @@ void ObXDlg::SettleControls() {
     if (TheControlMaker().settle != nullptr) TheControlMaker().settle(window, controls);
 }
 
-// A dialog that is opened again has the objects of its headings already.
+// Objects are there before their window: of an earlier opening, or of the dialog's own. An object
+// that would get two windows is a control id that is there twice.
+bool ObXDlg::HasObjectFor(HWND child) {
+    ObCustomControl* const object = ControlOf(child);
+    if (object == nullptr) return false;
+    ObAssert(object->window == child || !IsChild(window, object->window));
+    object->window = child;
+    return true;
+}
+
 void ObXDlg::TakeHeading(std::unique_ptr<ObCustomControl> heading) {
-    if (GetControl(heading->id) == nullptr) AddControl(std::move(heading));
+    if (!HasObjectFor(heading->window)) AddControl(std::move(heading));
+}
+
+ObPropSheet* ObXDlg::EnclosingSheet() {
+    if (ownerSheet != nullptr) return ownerSheet;
+    if (auto* const sheet = dynamic_cast<ObPropSheet*>(this)) return sheet;
+    const auto* const page = dynamic_cast<ObPropPage*>(this);
+    return page != nullptr ? &page->Sheet() : nullptr;
 }
 
 bool ObXDlg::EndWith(int result) {

@@ -57,6 +57,8 @@ public:
     virtual bool OnCommandId(int, int, HWND) { return false; }
     virtual bool OnCommand(WPARAM wParam, LPARAM lParam);
     virtual bool OnTimer(UINT_PTR) { return false; }
+    // The window is being destroyed; `window` is null already where OnOK or OnCancel ended the
+    // dialog. An override calls this one.
     virtual bool OnDestroy();
     // A scroll area of this target has another position.
     void OnScroll(std::int64_t, std::intptr_t) override {}
@@ -82,12 +84,13 @@ public:
     [[nodiscard]] HWND GetItem(std::int32_t id, bool mustExist) const;
     // Takes an object over. One id twice ends the process.
     void AddControl(std::unique_ptr<ObCustomControl> control);
-    // `text` is valid as long as the dialog's window.
+    // `text` is valid as long as the dialog's window. A label that has a tooltip also notifies of
+    // clicks (STN_CLICKED): without that the mouse doesn't see it.
     void AddTooltip(HWND tool, const wchar_t* text);
     DialogScrolling& Scrolling() { return scrolling_; }
     [[nodiscard]] const ControlMap& Controls() const { return controls_; }
 
-    HWND window = nullptr; // null while closed
+    HWND window = nullptr; // null while closed, and once OnOK or OnCancel has ended the dialog
     HWND parentWindow;
     std::int32_t templateId;
     bool isModeless = false;
@@ -103,7 +106,9 @@ private:
 
 public:
     ObLib::UniqueResource<ObLib::GdiObjectPolicy<HGDIOBJ>> extraObject; // of a dialog's own
-    ObPropSheet* ownerSheet = nullptr; // whose page this dialog is; not owned
+    // The sheet that Ctrl with Page Up and Page Down turns the pages of; not owned. Needed only by
+    // a dialog that is neither an ObPropSheet nor an ObPropPage itself.
+    ObPropSheet* ownerSheet = nullptr;
 
 private:
     // Of all dialogs; `lParam` of WM_INITDIALOG is the object. In ObXDlgProcedure.cpp.
@@ -111,11 +116,13 @@ private:
 
     bool EndWith(int result);
     void DressControls();
-    void SettleControls();
+    void PrepareControls();
+    bool HasObjectFor(HWND child);
+    void TakeHeading(std::unique_ptr<ObCustomControl> heading);
+    ObPropSheet* EnclosingSheet();
     ObCustomControl* ControlOf(HWND control) const;
     HBRUSH BrushOf(HWND control, HDC dc) const;
-
-    void TakeHeading(std::unique_ptr<ObCustomControl> heading);
+    void DestroyTooltips();
 
     DialogScrolling scrolling_;
     ControlMap controls_;

@@ -25,10 +25,11 @@ private:
     }
 };
 
-// A page, which belongs to a sheet.
+// A page, which belongs to a sheet. A base of the dialog that is the page, which finds it there.
 class ObPropPage {
 public:
     explicit ObPropPage(ObPropSheet& sheet) : sheet_(&sheet) {}
+    virtual ~ObPropPage() = default;
     [[nodiscard]] ObPropSheet& Sheet() const { return *sheet_; }
 
 private:

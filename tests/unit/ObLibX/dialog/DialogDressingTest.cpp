@@ -3,6 +3,9 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
 
@@ -146,6 +149,26 @@ TEST_F(DialogDressing, EndsTheProcessForTwoLabelsWithoutAnIdOfTheirOwn) {
     EXPECT_FATAL(FlatDialog(OB_TEST_LABELS).Open(), "ObLibX\\src\\ObXDlg.cpp");
 }
 
+TEST_F(DialogDressing, TakesOneLabelWithoutAnIdOfItsOwn) {
+    for (const std::int32_t id : {OB_TEST_ONE_LABEL, OB_TEST_ONE_LABEL_EXTENDED}) {
+        FlatDialog dialog(id);
+        dialog.Open();
+        ASSERT_EQ(1u, dialog.Controls().size()) << id;
+        EXPECT_EQ(GetWindow(dialog.window, GW_CHILD), dialog.Controls().begin()->second->window);
+    }
+}
+
+TEST_F(DialogDressing, TakesTheFirstOfTwoDescriptionsOfAControl) {
+    UseDescription();
+    FlatDialog dialog(OB_TEST_BUTTONS);
+    dialog.Open();
+    const auto isMade = [](const wchar_t* what) {
+        return std::ranges::find(Happened(), what) != Happened().end();
+    };
+    EXPECT_TRUE(isMade(L"made 3000 first"));
+    EXPECT_FALSE(isMade(L"made 3000 second"));
+}
+
 TEST_F(DialogDressing, EndsTheProcessForAnIdTwiceAndForAnObjectWithoutAWindow) {
     EXPECT_FATAL(
         {
@@ -213,6 +236,33 @@ TEST(PageSwitch, GoesRoundInBothDirections) {
     sheet.SelectNextPage();
     EXPECT_EQ(1, sheet.page);
     EXPECT_EQ(&sheet, &ObPropPage(sheet).Sheet());
+}
+
+class SheetDialog : public FlatDialog, public Sheet {
+public:
+    SheetDialog() : FlatDialog(OB_TEST_DRESSED) {}
+};
+
+class PageDialog : public FlatDialog, public ObPropPage {
+public:
+    explicit PageDialog(ObPropSheet& sheet) : FlatDialog(OB_TEST_DRESSED), ObPropPage(sheet) {}
+};
+
+TEST_F(DialogDressing, FindsTheSheetThatTheDialogIsOrIsAPageOf) {
+    SheetDialog sheet;
+    sheet.Open();
+    EXPECT_EQ(static_cast<ObPropSheet*>(&sheet), sheet.GetControl(1003)->ownerPage);
+    PageDialog page(sheet);
+    page.Open();
+    EXPECT_EQ(static_cast<ObPropSheet*>(&sheet), page.GetControl(1003)->ownerPage);
+    Sheet other;
+    PageDialog elsewhere(sheet);
+    elsewhere.ownerSheet = &other;
+    elsewhere.Open();
+    EXPECT_EQ(&other, elsewhere.GetControl(1003)->ownerPage) << "what the dialog has set counts";
+    FlatDialog neither(OB_TEST_DRESSED);
+    neither.Open();
+    EXPECT_EQ(nullptr, neither.GetControl(1003)->ownerPage);
 }
 
 TEST_F(DialogDressing, TurnsThePageOnCtrlWithPageKeys) {
@@ -326,13 +376,35 @@ TEST_F(GroupHeadings, AreBoldStaticsWithTheirOwnIdsElsewhere) {
     EXPECT_EQ(nullptr, dialog.GetItem(1002, false)) << "no new ids";
     EXPECT_TRUE(dialog.Controls().empty());
     const RECT place = PlaceOf(dialog, third);
-    const HDC dc = GetDC(third);
-    const HGDIOBJ old = SelectObject(dc, CreateFontIndirectW(&font));
-    TEXTMETRICW metrics{};
-    GetTextMetricsW(dc, &metrics);
-    DeleteObject(SelectObject(dc, old));
-    ReleaseDC(third, dc);
-    EXPECT_GE(place.bottom - place.top, metrics.tmHeight) << "no text is cut off";
+    EXPECT_EQ(TextHeightOf(third) + 2, place.bottom - place.top) << "no text is cut off";
+}
+
+TEST_F(GroupHeadings, AreFatalWithTheIdOfAnotherOneOrOfAControl) {
+    EXPECT_FATAL(FlatDialog(OB_TEST_SAME_GROUPS).Open(), "ObLibX\\src\\ObXDlg.cpp");
+    EXPECT_FATAL(FlatDialog(OB_TEST_GROUP_AND_EDIT).Open(), "ObLibX\\src\\ObXDlg.cpp");
+}
+
+TEST_F(GroupHeadings, HaveTheirOwnWindowAmongTextsThatNobodyNames) {
+    FlatDialog dialog(OB_TEST_GROUP_0);
+    for (int opening = 0; opening < 2; ++opening) {
+        dialog.Open();
+        const ObCustomControl* const heading = dialog.GetControl(0);
+        ASSERT_NE(nullptr, heading);
+        EXPECT_EQ(L"Group", TextOf(heading->window)) << opening;
+        DestroyWindow(dialog.window);
+    }
+}
+
+HFONT WINAPI MakeNoFont(const LOGFONTW*) { return nullptr; }
+
+TEST_F(GroupHeadings, AreFatalWithoutAFontToMeasureTheirText) {
+    EXPECT_FATAL(
+        {
+            const obtest::ImportPatch<decltype(&CreateFontIndirectW)> patch(
+                "gdi32.dll", "CreateFontIndirectW", &MakeNoFont);
+            RecordingDialog(OB_TEST_GROUPS).Open();
+        },
+        "ObLibX\\src\\GroupHeadings.cpp");
 }
 
 TEST_F(GroupHeadings, AreMadeOfGroupBoxesOnly) {
@@ -352,21 +424,6 @@ TEST_F(GroupHeadings, OfHiddenGroupsAreHidden) {
     dialog.Open();
     EXPECT_EQ(0, GetWindowLongPtrW(dialog.GetItem(3020, true), GWL_STYLE) & WS_VISIBLE);
     EXPECT_NE(0, GetWindowLongPtrW(dialog.GetItem(3021, true), GWL_STYLE) & WS_VISIBLE);
-}
-
-// What the text of a static window needs in its font and width.
-int TextHeightOf(HWND window) {
-    wchar_t text[100] = {};
-    GetWindowTextW(window, text, 100);
-    RECT needed{};
-    GetClientRect(window, &needed);
-    const HDC dc = GetDC(window);
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
-    const HGDIOBJ old = SelectObject(dc, font);
-    const int height = DrawTextW(dc, text, -1, &needed, DT_CALCRECT | DT_WORDBREAK);
-    SelectObject(dc, old);
-    ReleaseDC(window, dc);
-    return height;
 }
 
 TEST_F(GroupHeadings, GrowToTheirTextAndTwoPixelsWhereItNeedsMoreThanALine) {

@@ -5,7 +5,9 @@
 #include <windows.h>
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
@@ -30,6 +32,44 @@ protected:
     }
     // The description of the program's resources counts.
     static void UseDescription() { ObLibX::ProcessDialogSettings().isTried = false; }
+};
+
+// The height that the text of a static window needs in its font and width.
+inline int TextHeightOf(HWND window) {
+    wchar_t text[100] = {};
+    GetWindowTextW(window, text, 100);
+    RECT needed{};
+    GetClientRect(window, &needed);
+    const HDC dc = GetDC(window);
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
+    const HGDIOBJ old = SelectObject(dc, font);
+    const int height = DrawTextW(dc, text, -1, &needed, DT_CALCRECT | DT_WORDBREAK);
+    SelectObject(dc, old);
+    ReleaseDC(window, dc);
+    return height;
+}
+
+// An object whose memory is gone as soon as it is deleted: whoever uses it then crashes.
+template <class Class>
+class DeletedAtOnce {
+public:
+    DeletedAtOnce()
+        : object_(new (VirtualAlloc(nullptr, sizeof(Class), MEM_RESERVE | MEM_COMMIT,
+                                    PAGE_READWRITE)) Class) {}
+    DeletedAtOnce(const DeletedAtOnce&) = delete;
+    DeletedAtOnce& operator=(const DeletedAtOnce&) = delete;
+    ~DeletedAtOnce() { Delete(); }
+    void Delete() {
+        Class* const object = std::exchange(object_, nullptr);
+        if (object == nullptr) return;
+        object->~Class();
+        VirtualFree(object, 0, MEM_RELEASE);
+    }
+    bool IsDeleted() const { return object_ == nullptr; }
+    Class* operator->() const { return object_; }
+
+private:
+    Class* object_;
 };
 
 // A modeless dialog, opened by Open.

@@ -82,7 +82,7 @@ TEST_F(ScaledDialog, HasABoldHeadingThatIsWhole) {
     EXPECT_EQ(700, font.lfWeight);
     RECT rect{};
     GetWindowRect(heading, &rect);
-    EXPECT_GE(rect.bottom - rect.top, std::abs(font.lfHeight));
+    EXPECT_EQ(TextHeightOf(heading) + 2, rect.bottom - rect.top);
 }
 
 TEST_F(ScaledDialog, HasFocusBoxesAtThisScale) {
