@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 #include <map>
+#include <optional>
 
 #include "ObLibX/src/dialog/DialogSettings.h"
 #include "ObLibX/src/utilities/ObUtil.h"
@@ -90,6 +91,19 @@ FontCache& Cache() {
     return cache;
 }
 
+HGDIOBJ ShownFont(HWND window) {
+    const auto own = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
+    return own != nullptr ? own : GetStockObject(SYSTEM_FONT);
+}
+
+// Null when it can't be made. Without a `weight` it is the font's own.
+HFONT CopyOf(HGDIOBJ font, std::optional<LONG> weight) {
+    LOGFONTW described{};
+    if (GetObjectW(font, sizeof described, &described) == 0) return nullptr;
+    described.lfWeight = weight.value_or(described.lfWeight);
+    return CreateFontIndirectW(&described);
+}
+
 } // namespace
 
 ObString GetBaseFont(std::int32_t& outSize) {
@@ -129,14 +143,8 @@ bool FindDialogFont(HMODULE, wchar_t* outName, std::size_t nameCapacity, std::in
 
 const SharedFonts& InitSharedBoldFont(HWND window) {
     static SharedFonts fonts;
-    if (fonts.normal != nullptr) return fonts;
-    LOGFONTW font{};
-    const auto own = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
-    const HGDIOBJ shown = own != nullptr ? own : GetStockObject(SYSTEM_FONT);
-    if (GetObjectW(shown, sizeof font, &font) == 0) return fonts;
-    fonts.normal = CreateFontIndirectW(&font);
-    font.lfWeight = kBold;
-    fonts.bold = CreateFontIndirectW(&font);
+    if (fonts.normal == nullptr) fonts.normal = CopyOf(ShownFont(window), {});
+    if (fonts.normal != nullptr && fonts.bold == nullptr) fonts.bold = CopyOf(fonts.normal, kBold);
     return fonts;
 }
 

@@ -30,7 +30,8 @@ void AddFontSubstitution(const ObLib::ObString& origName, std::int32_t origSize,
 bool FindDialogFont(HMODULE module, wchar_t* outName, std::size_t nameCapacity,
                     std::int32_t& outSize);
 
-// The font of the first window that this was asked for, and that font in bold, for all windows.
+// The font of the first window that this was asked for, and that font in bold, for all windows. One
+// that can't be made is null and tried again when it is asked for the next time.
 struct SharedFonts {
     HFONT normal = nullptr;
     HFONT bold = nullptr;

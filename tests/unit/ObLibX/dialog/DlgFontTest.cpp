@@ -1,7 +1,11 @@
 // The fonts of dialogs: the base font, the cache, and what a template gets.
 #include "ObLibX/src/dialog/DlgFont.h"
 
+#include <algorithm>
+#include <string>
+
 #include "ObLibX/src/dialog/DescribedControls.h"
+#include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
 
 namespace {
@@ -53,6 +57,13 @@ TEST_F(DlgFontTest, IsTheBaseFontForNoNameAndNoSize) {
     EXPECT_EQ(-12, font.lfHeight);
 }
 
+TEST_F(DlgFontTest, HasTheBaseSizeWithoutASizeWhateverItsName) {
+    ProcessDialogSettings().font = {L"Segoe UI", 18};
+    const LOGFONTW font = Described(GetFont(0, L"Arial", 400, 0));
+    EXPECT_STREQ(L"Arial", font.lfFaceName);
+    EXPECT_EQ(-24, font.lfHeight);
+}
+
 TEST_F(DlgFontTest, IsOneHandleForOneFont) {
     const HFONT font = GetFont(12, L"Arial", 400, 0);
     EXPECT_EQ(font, GetFont(12, L"ARIAL", 400, 0));
@@ -100,13 +111,50 @@ TEST_F(DlgFontTest, IsThatOfEachDialogAndItsControls) {
     EXPECT_EQ(700, FontOf(extended.Open().GetItem(1001, true)).lfWeight);
 }
 
-TEST_F(DlgFontTest, IsSharedInBoldByAllWindows) {
-    RecordingDialog first(OB_TEST_PLAIN);
-    RecordingDialog second(OB_TEST_EXTENDED);
-    const SharedFonts fonts = InitSharedBoldFont(first.Open().window);
-    EXPECT_EQ(700, Described(fonts.bold).lfWeight);
-    EXPECT_STREQ(Described(fonts.normal).lfFaceName, Described(fonts.bold).lfFaceName);
-    EXPECT_EQ(fonts.bold, InitSharedBoldFont(second.Open().window).bold);
+// The fonts are those of the process: this suite has one test.
+class SharedBoldFont : public DialogTest {
+protected:
+    // A label in a font of its own.
+    static HWND InFont(RecordingDialog& dialog, const wchar_t* face, std::int32_t size) {
+        const HWND label = dialog.Open().GetItem(1001, true);
+        SendMessageW(label, WM_SETFONT, reinterpret_cast<WPARAM>(GetFont(size, face, 400, 1)), 0);
+        return label;
+    }
+};
+
+bool isBoldAlone = false; // that can't be made
+HFONT WINAPI MakeNoFont(const LOGFONTW* font) {
+    static const auto real =
+        reinterpret_cast<decltype(&CreateFontIndirectW)>(reinterpret_cast<void*>(
+            GetProcAddress(GetModuleHandleW(L"gdi32.dll"), "CreateFontIndirectW")));
+    return isBoldAlone && font->lfWeight != 700 ? real(font) : nullptr;
+}
+
+TEST_F(SharedBoldFont, IsThatOfTheFirstWindowAsSoonAsItCanBeMade) {
+    RecordingDialog plain(OB_TEST_PLAIN);
+    RecordingDialog extended(OB_TEST_EXTENDED);
+    const HWND first = InFont(plain, L"Arial", 14);
+    const HWND second = InFont(extended, L"Times New Roman", 20);
+    {
+        const obtest::ImportPatch<decltype(&CreateFontIndirectW)> patch(
+            "gdi32.dll", "CreateFontIndirectW", &MakeNoFont);
+        ASSERT_TRUE(patch.Ok());
+        EXPECT_EQ(nullptr, InitSharedBoldFont(second).normal);
+        isBoldAlone = true;
+        EXPECT_NE(nullptr, InitSharedBoldFont(first).normal);
+        EXPECT_EQ(nullptr, InitSharedBoldFont(first).bold);
+    }
+    const SharedFonts fonts = InitSharedBoldFont(second);
+    const LOGFONTW normal = Described(fonts.normal);
+    const LOGFONTW bold = Described(fonts.bold);
+    EXPECT_EQ(400, normal.lfWeight);
+    EXPECT_EQ(700, bold.lfWeight);
+    for (const LOGFONTW& font : {normal, bold}) {
+        EXPECT_STREQ(L"Arial", font.lfFaceName);
+        EXPECT_EQ(Described(GetFont(14, L"Arial", 400, 1)).lfHeight, font.lfHeight);
+        EXPECT_TRUE(font.lfItalic);
+    }
+    EXPECT_EQ(fonts.bold, InitSharedBoldFont(first).bold);
 }
 
 class DescriptionResource : public DialogTest {};
@@ -119,6 +167,58 @@ TEST_F(DescriptionResource, IsReadInTheSystemsCodePageWhateverItDeclares) {
     EXPECT_STREQ(L"A tooltip from the string table", controls[0].tooltip.CStr());
     EXPECT_STREQ(L"A1", controls[1].tooltip.CStr());
     EXPECT_FALSE(ReadDialogDescription(OB_TEST_PLAIN, controls));
+}
+
+TEST_F(DescriptionResource, HasSegoeUi9ForAControlWithoutAFontWhateverTheBaseFont) {
+    UseDescription();
+    std::vector<ControlDescription> controls;
+    EXPECT_TRUE(ReadDialogDescription(OB_TEST_DRESSED, controls));
+    std::int32_t size = 0;
+    EXPECT_STREQ(L"Arial", GetBaseFont(size).CStr());
+    for (const ControlDescription& control : controls) {
+        EXPECT_STREQ(L"Segoe UI", control.fontName.CStr());
+        EXPECT_EQ(9, control.fontSize);
+    }
+}
+
+// A resource of the test, in a code page with characters of two bytes.
+std::string givenBytes;
+LPVOID WINAPI GiveBytes(HGLOBAL) { return givenBytes.data(); }
+DWORD WINAPI GiveSize(HMODULE, HRSRC) { return static_cast<DWORD>(givenBytes.size()); }
+int WINAPI ConvertAsJapanese(UINT page, DWORD flags, LPCCH bytes, int length, LPWSTR out,
+                             int capacity) {
+    static const auto real =
+        reinterpret_cast<decltype(&MultiByteToWideChar)>(reinterpret_cast<void*>(
+            GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "MultiByteToWideChar")));
+    return real(page == CP_ACP ? 932 : page, flags, bytes, length, out, capacity);
+}
+
+TEST_F(DescriptionResource, MayEndInTheMiddleOfACharacter) {
+    const obtest::ImportPatch<decltype(&LockResource)> lock("kernel32.dll", "LockResource",
+                                                            &GiveBytes);
+    const obtest::ImportPatch<decltype(&SizeofResource)> size("kernel32.dll", "SizeofResource",
+                                                              &GiveSize);
+    const obtest::ImportPatch<decltype(&MultiByteToWideChar)> convert(
+        "kernel32.dll", "MultiByteToWideChar", &ConvertAsJapanese);
+    ASSERT_TRUE(lock.Ok() && size.Ok() && convert.Ok());
+    const std::string whole = "<r><dialog id='7'><control id='3'><cue>\x93\xFA\x96\x7B</cue>"
+                              "</control></dialog></r>";
+    const std::wstring cue = L"\x65E5\x672C";
+    std::size_t described = 0;
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        givenBytes = whole.substr(0, length);
+        ProcessDialogSettings() = DialogSettings();
+        std::vector<ControlDescription> controls;
+        ReadDialogDescription(7, controls);
+        if (controls.empty()) continue;
+        ++described;
+        const std::wstring text = controls[0].cue.CStr();
+        EXPECT_EQ(cue.substr(0, text.size()), text.substr(0, cue.size())) << length;
+    }
+    EXPECT_LT(0u, described);
+    std::vector<ControlDescription> controls;
+    ASSERT_TRUE(ReadDialogDescription(7, controls));
+    EXPECT_EQ(cue, controls.at(0).cue.CStr()) << "the whole text, which was the last one";
 }
 
 TEST_F(DescriptionResource, IsLookedForInTheLanguageModuleFirstAndThenInTheProgram) {
