@@ -47,11 +47,14 @@ HBRUSH DialogBrush(COLORREF color) {
 ObXDlg::ObXDlg(std::int32_t dialogTemplate, HWND parent, std::uint32_t help, bool isCentered)
     : parentWindow(parent), templateId(dialogTemplate), helpId(help), centerOnOpen(isCentered) {}
 
-// A modeless dialog's window may still be there: it mustn't find its object any more.
+// A modeless dialog's window may still be there: it mustn't find its object any more. So OnDestroy
+// doesn't run then.
 ObXDlg::~ObXDlg() {
-    if (window == nullptr) return;
-    SetWindowLongPtrW(window, DWLP_USER, 0);
-    DestroyWindow(window);
+    if (window != nullptr) {
+        SetWindowLongPtrW(window, DWLP_USER, 0);
+        DestroyWindow(window);
+    }
+    DestroyTooltips();
 }
 
 std::int32_t ObXDlg::DoModal() {
@@ -180,9 +183,13 @@ bool ObXDlg::OnCommand(WPARAM wParam, LPARAM lParam) {
 }
 
 // A page's tooltip window has the window around the pages as its owner, and would stay there.
-bool ObXDlg::OnDestroy() {
+void ObXDlg::DestroyTooltips() {
     if (IsWindow(tooltipWindow_)) DestroyWindow(tooltipWindow_);
     tooltipWindow_ = nullptr;
+}
+
+bool ObXDlg::OnDestroy() {
+    DestroyTooltips();
     window = nullptr;
     return false;
 }

@@ -2,11 +2,19 @@
 
 #include <commctrl.h>
 
+#include "ObLibX/src/dialog/FlatDressing.h"
+
 namespace ObLibX {
 namespace {
 
 constexpr int kDelay = 500;  // milliseconds
 constexpr int kWidest = 300; // pixels, at every scale
+
+// The mouse passes through a static text that doesn't notify, and its tooltip would never be shown.
+void LetTheMouseSee(HWND tool) {
+    if (!IsOfClass(tool, L"static")) return;
+    SetWindowLongPtrW(tool, GWL_STYLE, GetWindowLongPtrW(tool, GWL_STYLE) | SS_NOTIFY);
+}
 
 } // namespace
 
@@ -23,6 +31,7 @@ HWND MakeTooltipWindow(HWND dialog) {
 }
 
 bool AddTool(HWND tooltips, HWND tool, const wchar_t* text) {
+    LetTheMouseSee(tool);
     TTTOOLINFOW info{};
     info.cbSize = TTTOOLINFOW_V2_SIZE; // both versions of the common controls take this size
     info.uFlags = TTF_IDISHWND | TTF_SUBCLASS;

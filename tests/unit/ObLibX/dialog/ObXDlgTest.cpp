@@ -418,63 +418,6 @@ TEST_F(ObXDlgTest, IsCentredOnItsOwnerOnlyWhenThatIsWanted) {
     EXPECT_NE(place.left, elsewhere.left);
 }
 
-std::wstring TipOf(HWND tips, const ObXDlg& dialog, int id) {
-    wchar_t text[100] = {};
-    TTTOOLINFOW info{};
-    info.cbSize = TTTOOLINFOW_V2_SIZE;
-    info.hwnd = dialog.window;
-    info.uId = reinterpret_cast<UINT_PTR>(dialog.GetItem(id, true));
-    info.lpszText = text;
-    SendMessageW(tips, TTM_GETTEXTW, 100, reinterpret_cast<LPARAM>(&info));
-    return text;
-}
-
-TEST_F(ObXDlgTest, ShowsTooltipsOfItsWindows) {
-    RecordingDialog dialog(OB_TEST_PLAIN);
-    dialog.Open();
-    const std::wstring first = L"First";
-    const std::wstring second = L"Second";
-    dialog.AddTooltip(dialog.GetItem(1001, true), first.c_str());
-    dialog.AddTooltip(dialog.GetItem(1003, true), second.c_str());
-    const HWND tips = FindWindowExW(nullptr, nullptr, L"tooltips_class32", nullptr);
-    ASSERT_NE(nullptr, tips);
-    EXPECT_EQ(dialog.window, GetWindow(tips, GW_OWNER));
-    EXPECT_EQ(2, SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0));
-    EXPECT_EQ(300, SendMessageW(tips, TTM_GETMAXTIPWIDTH, 0, 0));
-    EXPECT_EQ(500, SendMessageW(tips, TTM_GETDELAYTIME, TTDT_INITIAL, 0));
-    EXPECT_EQ(L"Second", TipOf(tips, dialog, 1003));
-    EXPECT_EQ(static_cast<LONG_PTR>(WS_EX_TOPMOST),
-              GetWindowLongPtrW(tips, GWL_EXSTYLE) & WS_EX_TOPMOST);
-    const LONG_PTR style = GetWindowLongPtrW(tips, GWL_STYLE);
-    EXPECT_TRUE((style & TTS_ALWAYSTIP) != 0 && (style & TTS_NOPREFIX) != 0);
-    DestroyWindow(dialog.window);
-    EXPECT_FALSE(IsWindow(tips));
-}
-
-// The system gives them the window that the page is on as their owner, and that stays.
-TEST_F(ObXDlgTest, TakesItsTooltipsAlongWhenItIsAPage) {
-    RecordingDialog sheet(OB_TEST_PLAIN);
-    sheet.Open();
-    RecordingDialog page(OB_TEST_PAGE);
-    page.Create(sheet.window);
-    page.AddTooltip(page.GetItem(1001, true), L"Tip");
-    const HWND tips = FindWindowExW(nullptr, nullptr, L"tooltips_class32", nullptr);
-    ASSERT_EQ(sheet.window, GetWindow(tips, GW_OWNER));
-    DestroyWindow(page.window);
-    EXPECT_FALSE(IsWindow(tips));
-}
-
-TEST_F(ObXDlgTest, HasTooltipsWhenItIsOpenedAgain) {
-    RecordingDialog dialog(OB_TEST_PLAIN);
-    for (int opening = 0; opening < 2; ++opening) {
-        dialog.Open();
-        dialog.AddTooltip(dialog.GetItem(1001, true), L"Tip");
-        const HWND tips = FindWindowExW(nullptr, nullptr, L"tooltips_class32", nullptr);
-        EXPECT_EQ(1, SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0)) << opening;
-        DestroyWindow(dialog.window);
-    }
-}
-
 TEST_F(ObXDlgTest, IsModalAfterItWasModeless) {
     EndingDialog dialog(nullptr, 1);
     dialog.Create(nullptr);
