@@ -122,10 +122,9 @@ bool DialogScrolling::OnGesture(HWND dialog, LPARAM lParam) const {
     info.cbSize = sizeof info;
     if (!ObLibX::GetGestureInfo(handle, &info)) return false;
     const POINT point{info.ptsLocation.x, info.ptsLocation.y};
+    if (info.dwID == GID_BEGIN) panStart = point.y; // also beside the areas: the finger may pan in
     const ScrollArea* const area = Hit(dialog, point);
-    if (area == nullptr) return false;
-    if (info.dwID == GID_BEGIN) panStart = point.y;
-    if (info.dwID != GID_PAN) return false;
+    if (area == nullptr || info.dwID != GID_PAN) return false;
     const ObLib::ScopeExit close([handle] { ObLibX::CloseGestureInfoHandle(handle); });
     Pan(*area, point.y);
     return true;

@@ -44,8 +44,9 @@ public:
     void Add(std::int32_t scrollBarId, const ScrollArea& area);
     [[nodiscard]] std::size_t Count() const { return areas_.size(); }
 
-    // False for what concerns no area: the message is then the system's. `dialog`: whose areas they
-    // are. The arguments are those of the message.
+    // False for what concerns no area: the message is then one like any other. `dialog`: whose
+    // areas they are. The arguments are those of the message. A target that is called may delete
+    // this.
     bool OnMouseWheel(HWND dialog, WPARAM wParam, LPARAM lParam) const;
     bool OnScrollBar(WPARAM wParam, LPARAM lParam) const;
     bool OnGesture(HWND dialog, LPARAM lParam) const;

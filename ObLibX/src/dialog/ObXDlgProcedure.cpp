@@ -70,20 +70,35 @@ INT_PTR Moved(ObXDlg& dialog, const Message& message) {
 
 // What the default procedure has returned is final: without this it would be called again by the
 // dialog's own, with a handle that is closed by then.
-INT_PTR Finished(ObXDlg& dialog, LRESULT result) {
-    SetWindowLongPtrW(dialog.window, DWLP_MSGRESULT, result);
+INT_PTR Finished(HWND window, LRESULT result) {
+    SetWindowLongPtrW(window, DWLP_MSGRESULT, result);
     return TRUE;
 }
 
+// What concerns no scroll area is a message like any other. The target of an area may delete the
+// dialog's object.
 INT_PTR Gesture(ObXDlg& dialog, const Message& message) {
-    if (dialog.Scrolling().OnGesture(dialog.window, message.lParam)) return TRUE;
-    return Finished(dialog, dialog.OnOtherMessage(WM_GESTURE, message.wParam, message.lParam));
+    const HWND window = dialog.window;
+    if (dialog.Scrolling().OnGesture(window, message.lParam)) return TRUE;
+    return Finished(window, dialog.OnOtherMessage(WM_GESTURE, message.wParam, message.lParam));
 }
 
 INT_PTR GestureNotify(ObXDlg& dialog, const Message& message) {
-    dialog.Scrolling().OnGestureNotify(dialog.window, message.lParam);
-    return Finished(dialog,
+    const HWND window = dialog.window;
+    dialog.Scrolling().OnGestureNotify(window, message.lParam);
+    return Finished(window,
                     dialog.OnOtherMessage(WM_GESTURENOTIFY, message.wParam, message.lParam));
+}
+
+INT_PTR Wheel(ObXDlg& dialog, const Message& message) {
+    const bool isTaken =
+        dialog.Scrolling().OnMouseWheel(dialog.window, message.wParam, message.lParam);
+    return isTaken ? TRUE : dialog.OnOtherMessage(WM_MOUSEWHEEL, message.wParam, message.lParam);
+}
+
+INT_PTR Bar(ObXDlg& dialog, const Message& message) {
+    const bool isTaken = dialog.Scrolling().OnScrollBar(message.wParam, message.lParam);
+    return isTaken ? TRUE : dialog.OnOtherMessage(WM_VSCROLL, message.wParam, message.lParam);
 }
 
 struct Handler {
@@ -136,19 +151,21 @@ constexpr Handler kHandlers[] = {
      [](D& d, const M& m) -> INT_PTR {
          return d.OnUpdateUIState(LOWORD(m.wParam), HIWORD(m.wParam));
      }},
-    {WM_MOUSEWHEEL,
-     [](D& d, const M& m) -> INT_PTR {
-         return d.Scrolling().OnMouseWheel(d.window, m.wParam, m.lParam);
-     }},
+    {WM_MOUSEWHEEL, &Wheel},
     {WM_GESTURE, &Gesture},
     {WM_GESTURENOTIFY, &GestureNotify},
-    {WM_VSCROLL,
-     [](D& d, const M& m) -> INT_PTR { return d.Scrolling().OnScrollBar(m.wParam, m.lParam); }},
+    {WM_VSCROLL, &Bar},
 };
 
-// Controls still notify while they are destroyed after their dialog has ended.
+// What a user or a control asks of a dialog, whose handlers look for its window.
+constexpr UINT kRequests[] = {WM_COMMAND,       WM_NOTIFY,  WM_HELP,       WM_CONTEXTMENU,
+                              WM_CLOSE,         WM_TIMER,   WM_MOUSEWHEEL, WM_GESTURE,
+                              WM_GESTURENOTIFY, WM_HSCROLL, WM_VSCROLL};
+
+// A dialog that has ended keeps its window for a moment: controls still notify while they are
+// destroyed, and messages that wait are still sent.
 bool IsTooLate(const ObXDlg& dialog, UINT message) {
-    return dialog.window == nullptr && (message == WM_COMMAND || message == WM_NOTIFY);
+    return dialog.window == nullptr && std::ranges::find(kRequests, message) != std::end(kRequests);
 }
 
 INT_PTR Dispatch(ObXDlg& dialog, UINT message, const Message& arguments) {

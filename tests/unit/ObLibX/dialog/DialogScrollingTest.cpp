@@ -1,6 +1,11 @@
 // Panels of a dialog that are scrolled by real scroll bars and by the wheel.
 #include "ObLibX/src/dialog/DialogScrolling.h"
 
+#include <commctrl.h>
+
+#include <algorithm>
+#include <functional>
+
 #include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
 
@@ -8,14 +13,24 @@ namespace {
 
 using namespace ObLibX;
 
+constexpr PixelRect kTopLeft{0, 0, 50, 50}; // of the first area
+
+// Two areas, the second one added first and everywhere.
 class ScrolledDialog : public RecordingDialog {
 public:
-    ScrolledDialog() : RecordingDialog(OB_TEST_SCROLLED) {
+    ScrolledDialog() : ScrolledDialog(true) {}
+    explicit ScrolledDialog(bool hasAreaEverywhere) : RecordingDialog(OB_TEST_SCROLLED) {
         Open();
         ShowWindow(window, SW_SHOWNA);
-        AddArea(2001, {0, 0, 50, 50});
-        AddArea(2002, {});
+        if (hasAreaEverywhere) AddArea(2002, {});
+        AddArea(2001, kTopLeft);
     }
+    LRESULT OnOtherMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
+        others.push_back(message);
+        return ObXDlg::OnOtherMessage(message, wParam, lParam);
+    }
+    // Whether a message came to OnOtherMessage.
+    bool IsOther(UINT message) const { return std::ranges::find(others, message) != others.end(); }
     void OnScroll(std::int64_t position, std::intptr_t cookie) override {
         scrolled.emplace_back(position, cookie);
         if (duringScroll) std::exchange(duringScroll, nullptr)();
@@ -34,6 +49,7 @@ public:
 
     using Scrolls = std::vector<std::pair<std::int64_t, std::intptr_t>>;
     Scrolls scrolled;
+    std::vector<UINT> others;
     std::function<void()> duringScroll;
 
 private:
@@ -64,12 +80,70 @@ TEST_F(DialogScrollingTest, FollowsTheBar) {
     EXPECT_EQ(1, dialog.Position(2002));
 }
 
-TEST_F(DialogScrollingTest, LeavesOtherBarsToTheSystem) {
+TEST_F(DialogScrollingTest, LeavesBarsWithoutAnAreaToTheDialog) {
+    ScrolledDialog dialog(false);
+    dialog.Press(2001, SB_LINEDOWN);
+    EXPECT_FALSE(dialog.IsOther(WM_VSCROLL));
+    dialog.Press(2002, SB_LINEDOWN);
+    EXPECT_TRUE(dialog.IsOther(WM_VSCROLL));
+    dialog.others.clear();
+    dialog.Send(WM_VSCROLL, SB_LINEDOWN, 0);
+    EXPECT_TRUE(dialog.IsOther(WM_VSCROLL)) << "the dialog's own bar";
+    EXPECT_EQ((Scrolls{{1, 2001}}), dialog.scrolled);
+}
+
+TEST_F(DialogScrollingTest, LeavesTheWheelBesideItsAreasToTheDialog) {
+    ScrolledDialog dialog(false);
+    dialog.Turn(10, 10, -120);
+    EXPECT_FALSE(dialog.IsOther(WM_MOUSEWHEEL));
+    dialog.Turn(100, 10, -120);
+    EXPECT_TRUE(dialog.IsOther(WM_MOUSEWHEEL));
+    EXPECT_EQ((Scrolls{{1, 2001}}), dialog.scrolled);
+}
+
+// A bar whose thumb is held at a position.
+int heldThumb = 0;
+LRESULT CALLBACK AnswerHeldThumb(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                 DWORD_PTR) {
+    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    if (message == SBM_GETSCROLLINFO) reinterpret_cast<SCROLLINFO*>(lParam)->nTrackPos = heldThumb;
+    return result;
+}
+
+TEST_F(DialogScrollingTest, EndsAtTheLastPositionOfAThumbWhoseTargetIsSlow) {
     ScrolledDialog dialog;
-    EXPECT_FALSE(dialog.Scrolling().OnScrollBar(SB_LINEDOWN, 0));
-    EXPECT_FALSE(
-        dialog.Scrolling().OnScrollBar(SB_LINEDOWN, reinterpret_cast<LPARAM>(dialog.window)));
-    EXPECT_TRUE(dialog.scrolled.empty());
+    SetWindowSubclass(dialog.Bar(2001), &AnswerHeldThumb, 1, 0);
+    const auto drag = [&](int position) {
+        heldThumb = position;
+        dialog.Press(2001, SB_THUMBTRACK);
+    };
+    dialog.duringScroll = [&] {
+        drag(20);
+        drag(35);
+    };
+    drag(10);
+    EXPECT_EQ((Scrolls{{10, 2001}, {35, 2001}}), dialog.scrolled);
+    EXPECT_EQ(35, dialog.Position(2001));
+    drag(90);
+    EXPECT_EQ(70, dialog.scrolled.back().first) << "the last position that there is";
+}
+
+using DeletedDialog = DeletedAtOnce<ScrolledDialog>;
+
+// Whether a dialog may be deleted by the target of its area.
+void DeleteDuringScroll(const std::function<void(ScrolledDialog& dialog)>& scroll) {
+    DeletedDialog dialog;
+    dialog->duringScroll = [&] { dialog.Delete(); };
+    scroll(*dialog.operator->());
+    EXPECT_TRUE(dialog.IsDeleted());
+    ScrolledDialog next;
+    next.Turn(10, 10, -120);
+    EXPECT_EQ((Scrolls{{1, 2001}}), next.scrolled) << "the guard is down";
+}
+
+TEST_F(DialogScrollingTest, MayEndWithItsDialogInATarget) {
+    DeleteDuringScroll([](ScrolledDialog& dialog) { dialog.Press(2001, SB_LINEDOWN); });
+    DeleteDuringScroll([](ScrolledDialog& dialog) { dialog.Turn(10, 10, -120); });
 }
 
 TEST_F(DialogScrollingTest, EndsAtTheLastPositionOfATargetThatIsSlow) {
@@ -153,9 +227,6 @@ TEST_F(DialogScrollingTest, LowersItsGuardAfterAnException) {
 TEST_F(DialogScrollingTest, LeavesAGestureWithoutInformationToTheSystem) {
     ScrolledDialog dialog;
     EXPECT_FALSE(dialog.Scrolling().OnGesture(dialog.window, 0));
-    GESTURENOTIFYSTRUCT notified{};
-    notified.cbSize = sizeof notified;
-    dialog.Send(WM_GESTURENOTIFY, 0, reinterpret_cast<LPARAM>(&notified));
     EXPECT_TRUE(dialog.scrolled.empty());
 }
 
@@ -220,6 +291,64 @@ TEST_F(DialogTouch, PansByWholeUnitsFromThePresentPosition) {
     EXPECT_TRUE(Gesture(dialog, GID_PAN, 10, 24));
     EXPECT_EQ((Scrolls{{2, 2001}, {4, 2001}}), dialog.scrolled);
     EXPECT_EQ(3, touch.closed) << "once for each message that the system doesn't see";
+}
+
+TEST_F(DialogTouch, PansFromWhereTheFingerWentDownBesideTheArea) {
+    ScrolledDialog dialog(false);
+    EXPECT_FALSE(Gesture(dialog, GID_BEGIN, 10, 25)) << "an earlier pan";
+    EXPECT_FALSE(Gesture(dialog, GID_BEGIN, 10, 70));
+    EXPECT_FALSE(Gesture(dialog, GID_PAN, 10, 60)) << "not there yet";
+    EXPECT_TRUE(Gesture(dialog, GID_PAN, 10, 40));
+    EXPECT_EQ((Scrolls{{3, 2001}}), dialog.scrolled);
+}
+
+TEST_F(DialogTouch, LeavesItsPositionToATargetThatRuns) {
+    ScrolledDialog dialog;
+    Gesture(dialog, GID_BEGIN, 10, 45);
+    std::size_t during = 0;
+    dialog.duringScroll = [&] {
+        EXPECT_TRUE(Gesture(dialog, GID_PAN, 10, 15));
+        during = dialog.scrolled.size();
+    };
+    dialog.Press(2001, SB_LINEDOWN);
+    EXPECT_EQ(1u, during) << "the target isn't called inside itself";
+    EXPECT_EQ((Scrolls{{1, 2001}, {4, 2001}}), dialog.scrolled);
+    EXPECT_EQ(4, dialog.Position(2001));
+}
+
+TEST_F(DialogTouch, MayEndWithItsDialogInATarget) {
+    DeleteDuringScroll([](ScrolledDialog& dialog) {
+        Gesture(dialog, GID_BEGIN, 10, 45);
+        touch.info.ptsLocation.y = static_cast<SHORT>(touch.info.ptsLocation.y - 20);
+        touch.info.dwID = GID_PAN;
+        dialog.Send(WM_GESTURE, 0, 1);
+    });
+    EXPECT_EQ(1, touch.closed);
+}
+
+// What the toolkit passes to the system's default procedure.
+int defaultGestures = 0;
+LRESULT WINAPI FakeDefault(HWND, UINT message, WPARAM, LPARAM) {
+    defaultGestures += message == WM_GESTURE || message == WM_GESTURENOTIFY;
+    return 0x77;
+}
+
+TEST_F(DialogTouch, IsFinalAfterTheDefaultProcedure) {
+    ScrolledDialog dialog;
+    const obtest::ImportPatch<decltype(&DefWindowProcW)> patch("user32.dll", "DefWindowProcW",
+                                                               &FakeDefault);
+    ASSERT_TRUE(patch.Ok());
+    touch.info.dwID = GID_ZOOM;
+    GESTURENOTIFYSTRUCT notified{};
+    notified.cbSize = sizeof notified;
+    const std::pair<UINT, LPARAM> rows[] = {
+        {WM_GESTURE, 1}, {WM_GESTURENOTIFY, reinterpret_cast<LPARAM>(&notified)}};
+    for (const auto& [message, lParam] : rows) {
+        defaultGestures = 0;
+        EXPECT_EQ(0x77, dialog.Send(message, 0, lParam)) << message;
+        EXPECT_EQ(1, defaultGestures) << message;
+    }
+    EXPECT_EQ(0, touch.closed) << "the default procedure does it";
 }
 
 TEST_F(DialogTouch, LeavesOtherGesturesToTheSystem) {

@@ -3,6 +3,9 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
 #include <stdexcept>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -74,7 +77,10 @@ public:
         return Note(L"OnUpdateUIState" + Numbers({action, state}));
     }
     LRESULT OnOtherMessage(UINT message, WPARAM w, LPARAM l) override {
-        if (message != WM_APP) return ObXDlg::OnOtherMessage(message, w, l);
+        constexpr UINT kNoted[] = {WM_APP, WM_HSCROLL, WM_VSCROLL, WM_MOUSEWHEEL};
+        if (std::ranges::find(kNoted, message) == std::end(kNoted)) {
+            return ObXDlg::OnOtherMessage(message, w, l);
+        }
         Note(L"OnOtherMessage" + Numbers({static_cast<std::int64_t>(w), l}));
         return 0x54321;
     }
@@ -145,13 +151,16 @@ TEST_F(ObXDlgTest, GivesEachMessageToItsHandler) {
         {WM_CTLCOLORBTN, 0, 0, L"OnCtlColorBtn"},
         {WM_UPDATEUISTATE, MAKEWPARAM(1, 3), 0, L"OnUpdateUIState 1 3"},
         {WM_APP, 14, 15, L"OnOtherMessage 14 15"},
+        {WM_HSCROLL, 16, 17, L"OnOtherMessage 16 17"},
+        {WM_VSCROLL, 18, 19, L"OnOtherMessage 18 19"},
+        {WM_MOUSEWHEEL, 20, 21, L"OnOtherMessage 20 21"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(Calls{row.call}, dialog.CallsOf(row.message, row.wParam, row.lParam)) << row.call;
     }
 }
 
-TEST_F(ObXDlgTest, PassesTheLowBitsOfAResultOnAndTheWholeOneOfOtherMessages) {
+TEST_F(ObXDlgTest, ReturnsWhetherAMessageIsHandledAndResultsOfOtherMessagesWhole) {
     HandlerDialog dialog(OB_TEST_PLAIN);
     dialog.Open();
     dialog.CallsOf(WM_CTLCOLORDLG);
@@ -159,7 +168,9 @@ TEST_F(ObXDlgTest, PassesTheLowBitsOfAResultOnAndTheWholeOneOfOtherMessages) {
     const auto procedure =
         reinterpret_cast<DLGPROC>(GetWindowLongPtrW(dialog.window, DWLP_DLGPROC));
     EXPECT_EQ(1, procedure(dialog.window, WM_CLOSE, 0, 0));
-    EXPECT_EQ(0x54321, procedure(dialog.window, WM_APP, 0, 0));
+    for (const UINT message : {WM_APP, WM_VSCROLL, WM_MOUSEWHEEL}) {
+        EXPECT_EQ(0x54321, procedure(dialog.window, message, 0, 0)) << message;
+    }
     NMHDR header{nullptr, 5, 100};
     EXPECT_EQ(0x12345, procedure(dialog.window, WM_NOTIFY, 5, reinterpret_cast<LPARAM>(&header)));
     dialog.isHandled = false;
@@ -264,6 +275,111 @@ TEST_F(ObXDlgTest, EndsWith1ForOkAnd2ForCancel) {
         EXPECT_EQ(nullptr, dialog.window);
         EXPECT_TRUE(dialog.wasInInit);
         EXPECT_FALSE(dialog.inInitDialog);
+    }
+}
+
+// Is asked for more in the moment between its end and that of its window.
+class LateDialog : public EndingDialog {
+public:
+    LateDialog() : EndingDialog(nullptr, 1) {}
+    bool OnOK() override {
+        const HWND ended = window;
+        EndingDialog::OnOK();
+        hasEnded_ = true;
+        HELPINFO help{};
+        help.cbSize = sizeof help;
+        NMHDR header{nullptr, 5, static_cast<UINT>(-205)};
+        SendMessageW(ended, WM_HELP, 0, reinterpret_cast<LPARAM>(&help));
+        SendMessageW(ended, WM_NOTIFY, 5, reinterpret_cast<LPARAM>(&header));
+        for (const UINT message : {WM_COMMAND, WM_CONTEXTMENU, WM_CLOSE, WM_TIMER, WM_MOUSEWHEEL,
+                                   WM_HSCROLL, WM_VSCROLL}) {
+            SendMessageW(ended, message, 2, 0);
+        }
+        return true;
+    }
+    bool OnCancel() override { return Note(L"OnCancel"); }
+    bool OnHelp() override { return Note(L"OnHelp"); }
+    bool OnContextMenu(WPARAM, LPARAM) override { return Note(L"OnContextMenu"); }
+    bool OnClose() override { return Note(L"OnClose"); }
+    bool OnTimer(UINT_PTR) override { return Note(L"OnTimer"); }
+    bool OnDestroy() override {
+        isDestroyed = true;
+        return EndingDialog::OnDestroy();
+    }
+    LRESULT OnOtherMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_MOUSEWHEEL || message == WM_HSCROLL || message == WM_VSCROLL) {
+            Note(L"OnOtherMessage " + std::to_wstring(message));
+        }
+        return EndingDialog::OnOtherMessage(message, wParam, lParam);
+    }
+    Calls late; // handlers that ran after the end
+    bool isDestroyed = false;
+
+private:
+    bool Note(const std::wstring& call) {
+        if (hasEnded_) late.push_back(call);
+        return true;
+    }
+    bool hasEnded_ = false;
+};
+
+TEST_F(ObXDlgTest, IsAskedForNothingAfterItsEndButHearsThatItsWindowGoes) {
+    LateDialog dialog;
+    EXPECT_EQ(1, dialog.DoModal());
+    EXPECT_EQ(Calls(), dialog.late);
+    EXPECT_TRUE(dialog.isDestroyed);
+}
+
+// A modal dialog whose owner goes while it is open.
+class OrphanDialog : public ObXDlg {
+public:
+    explicit OrphanDialog(HWND owner) : ObXDlg(OB_TEST_PLAIN, owner, 0, false) {
+        keepHiddenParent = true;
+    }
+    bool OnInitDialog() override {
+        PostMessageW(window, WM_APP, 0, 0);
+        return ObXDlg::OnInitDialog();
+    }
+    LRESULT OnOtherMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_APP) DestroyWindow(parentWindow);
+        return ObXDlg::OnOtherMessage(message, wParam, lParam);
+    }
+};
+
+TEST_F(ObXDlgTest, EndsWithoutAResultWhenItsOwnerGoes) {
+    const HWND owner = CreateWindowExW(0, L"static", L"", WS_POPUP, 0, 0, 100, 100, nullptr,
+                                       nullptr, nullptr, nullptr);
+    OrphanDialog dialog(owner);
+    EXPECT_EQ(0, dialog.DoModal());
+    EXPECT_EQ(nullptr, dialog.window);
+    EXPECT_FALSE(IsWindow(owner));
+}
+
+// Deletes itself at its first notification.
+class DeletedByNotification : public RecordingDialog {
+public:
+    DeletedByNotification() : RecordingDialog(OB_TEST_PLAIN) { Open(); }
+    bool OnNotify(int, NMHDR*, LRESULT& result) override {
+        result = 5;
+        onNotify();
+        return true;
+    }
+    bool OnCommandId(int, int, HWND) override {
+        onNotify();
+        return true;
+    }
+    std::function<void()> onNotify;
+};
+
+TEST_F(ObXDlgTest, MayBeDeletedInANotification) {
+    for (const UINT message : {WM_NOTIFY, WM_COMMAND}) {
+        DeletedAtOnce<DeletedByNotification> dialog;
+        const HWND window = dialog->window;
+        dialog->onNotify = [&] { dialog.Delete(); };
+        NMHDR header{nullptr, 1003, 100};
+        SendMessageW(window, message, 1003, reinterpret_cast<LPARAM>(&header));
+        EXPECT_TRUE(dialog.IsDeleted()) << message;
+        EXPECT_FALSE(IsWindow(window)) << message;
     }
 }
 
@@ -397,6 +513,26 @@ TEST_F(ObXDlgTest, HasABrushOfItsBackgroundWhileItIsFlat) {
     EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetTextColor(dc));
     EXPECT_EQ(nullptr, dialog.OnCtlColorBtn(dialog.GetItem(1003, true), dc));
     ReleaseDC(dialog.window, dc);
+}
+
+BOOL WINAPI ParametersInContrast(UINT action, UINT size, PVOID data, UINT flags) {
+    static const auto real =
+        reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
+            GetProcAddress(GetModuleHandleW(L"user32.dll"), "SystemParametersInfoW")));
+    if (action != SPI_GETHIGHCONTRAST) return real(action, size, data, flags);
+    static_cast<HIGHCONTRASTW*>(data)->dwFlags = HCF_HIGHCONTRASTON;
+    return TRUE;
+}
+
+TEST_F(ObXDlgTest, HasTheSystemsBackgroundInHighContrast) {
+    RecordingDialog dialog(OB_TEST_PLAIN);
+    dialog.isFlat = true;
+    dialog.Open();
+    EXPECT_NE(nullptr, dialog.OnCtlColorDlg());
+    const obtest::ImportPatch<decltype(&SystemParametersInfoW)> patch(
+        "user32.dll", "SystemParametersInfoW", &ParametersInContrast);
+    ASSERT_TRUE(patch.Ok());
+    EXPECT_EQ(nullptr, dialog.OnCtlColorDlg());
 }
 
 TEST_F(ObXDlgTest, IsCentredOnItsOwnerOnlyWhenThatIsWanted) {
