@@ -8,7 +8,9 @@ namespace {
 using ObLib::ObString;
 
 constexpr std::int32_t kLargestTextId = 0xFFFF;
-constexpr std::int32_t kSmallestFont = 1; // points
+constexpr std::uint32_t kLargestColor = 0xFFFFFF;
+constexpr std::int32_t kDefaultFontSize = 9; // points
+constexpr std::int32_t kSmallestFont = 1;
 constexpr std::int32_t kLargestFont = 1638;
 
 constexpr wchar_t kModule[] = L"ObLibX\\src\\DialogDescription.cpp";
@@ -18,14 +20,19 @@ const ObXMLNode* Below(const ObXMLNode& node, const wchar_t* first, const wchar_
     return child != nullptr ? child->FirstChild(second) : nullptr;
 }
 
+// A size in points that no font has counts as none: texts that don't fit are tried in each size
+// below theirs.
+std::int32_t SizeOf(const ObXMLNode& font, std::int32_t fallback) {
+    const std::int32_t size = font.IntAttribute(L"size", fallback);
+    return size >= kSmallestFont && size <= kLargestFont ? size : fallback;
+}
+
 void ReadBaseFont(const ObXMLNode& fonts, BaseFont& font) {
     const ObXMLNode* const base = fonts.FirstChild(L"default");
     if (base == nullptr) return;
     const ObString name = base->Attribute(L"name", ObString());
     ObAssert(name.HasText());
-    const std::int32_t size = base->IntAttribute(L"size", 9);
-    ObAssert(size >= kSmallestFont && size <= kLargestFont);
-    font = {name, size};
+    font = {name, SizeOf(*base, kDefaultFontSize)};
 }
 
 void ReadSubstitution(const ObXMLNode& pair, FontSubstitution& substitution) {
@@ -36,7 +43,7 @@ void ReadSubstitution(const ObXMLNode& pair, FontSubstitution& substitution) {
     const ObString substName = subst->Attribute(L"name", ObString());
     ObAssert(origName.HasText() && substName.HasText());
     const std::int32_t origSize = orig->IntAttribute(L"size", kAnyFontSize);
-    const std::int32_t substSize = subst->IntAttribute(L"size", kAnyFontSize);
+    const std::int32_t substSize = SizeOf(*subst, kAnyFontSize);
     ObAssert(origSize == kAnyFontSize || substSize != kAnyFontSize);
     substitution.Add(origName, origSize, substName, substSize);
 }
@@ -53,27 +60,33 @@ void ReadFont(const ObXMLNode& control, const BaseFont& base, ControlDescription
     const ObXMLNode* const font = control.FirstChild(L"font");
     if (font == nullptr) return;
     described.fontName = font->Attribute(L"name", base.name);
-    described.fontSize = font->IntAttribute(L"size", base.size);
-    ObAssert(described.fontSize >= 0 && described.fontSize <= kLargestFont);
+    described.fontSize = SizeOf(*font, base.size);
     described.fontWeight = font->IntAttribute(L"weight", kNormalFontWeight);
     for (const StyleAttribute& attribute : kStyleAttributes) {
         if (font->AttributeEquals(attribute.name, L"true")) described.fontStyle |= attribute.bit;
     }
 }
 
-// A number that can't be an id of a string table is the tooltip itself: the system would take the
-// low bits of a larger one for another text's id.
+// The system would take the low bits of a larger number for another text's id.
+bool IsTextId(std::int32_t number) { return number >= 0 && number <= kLargestTextId; }
+
+// A number that can't be an id of a string table is the tooltip itself.
 ObString TooltipOf(const ObXMLNode& control) {
     ObString text = control.ChildText(L"tooltip", ObString());
-    const bool isId =
-        text.IsInteger() && text.ToInteger() >= 0 && text.ToInteger() <= kLargestTextId;
+    const bool isId = text.IsInteger() && IsTextId(text.ToInteger());
     return isId ? ObString(text.ToInteger()) : text;
 }
 
 std::uint32_t ColorOf(const ObXMLNode& control, std::uint32_t accent) {
     const ObString text = control.ChildText(L"color", ObString());
     if (text.HasText() && text.CompareNoCase(ObString(L"HOTLIGHT")) == 0) return accent;
-    return text.IsInteger() ? static_cast<std::uint32_t>(text.ToInteger()) : 0;
+    const auto color = static_cast<std::uint32_t>(text.IsInteger() ? text.ToInteger() : 0);
+    return color <= kLargestColor ? color : 0;
+}
+
+std::int32_t TitleOf(const ObXMLNode& column) {
+    const std::int32_t id = column.IntAttribute(L"title", 0);
+    return IsTextId(id) ? id : 0;
 }
 
 ColumnAlignment AlignmentOf(const ObXMLNode& column) {
@@ -88,8 +101,8 @@ void ReadColumns(const ObXMLNode& control, std::vector<ColumnDescription>& colum
     std::vector<std::unique_ptr<ObXMLNode>> described;
     list->Children(L"column", described);
     for (const auto& column : described) {
-        columns.push_back({column->IntAttribute(L"title", 0), column->IntAttribute(L"width", 0),
-                           AlignmentOf(*column)});
+        columns.push_back(
+            {TitleOf(*column), column->IntAttribute(L"width", 0), AlignmentOf(*column)});
     }
 }
 

@@ -6,13 +6,15 @@
 //       <default name="" size="9"/>
 //       <font><orig name="" size="-1"/><subst name="" size="-1"/></font> ...
 //     </fonts></defaults>
-//     <dialog id=""> ...
+//     <dialog id="" autogen="yes"> ...
 //       <control id=""> ...
 //         <subclass/> <cue/> <tooltip/> <itemdata/> <color/>
 //         <font name="" size="" weight="400" italic="true" underline="true" strikeout="true"/>
 //         <columns><column title="" width="" align="right|center"/> ...</columns>
 //
-// The names of the root, and whatever isn't named here, don't count.
+// The names of the root, and whatever isn't named here, don't count, nor does `autogen`. A size
+// that no font has, a colour above 0xFFFFFF and a title that is no id of a string table count as
+// missing.
 #pragma once
 
 #include <cstdint>

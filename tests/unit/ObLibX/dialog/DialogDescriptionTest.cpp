@@ -65,6 +65,36 @@ TEST(DialogDefaults, HaveSize9WithoutASize) {
         9, DefaultsOf(L"<r><defaults><fonts><default name='A'/></fonts></defaults></r>").font.size);
 }
 
+TEST(DialogDefaults, HaveSize9ForASizeThatNoFontHas) {
+    for (const wchar_t* const size : {L"0", L"-9", L"1639", L"2000000", L"x"}) {
+        EXPECT_EQ(9, DefaultsOf(std::wstring(L"<r><defaults><fonts><default name='A' size='") +
+                                size + L"'/></fonts></defaults></r>")
+                         .font.size)
+            << size;
+    }
+    EXPECT_EQ(
+        1638,
+        DefaultsOf(L"<r><defaults><fonts><default name='A' size='1638'/></fonts></defaults></r>")
+            .font.size);
+}
+
+// What the end cuts off isn't indexed, so that nothing contradicts itself.
+TEST(DialogDefaults, AreReadOfATextThatEndsAnywhere) {
+    const std::wstring whole = L"<r><defaults><fonts><default name='A'/><font><orig name='B'/>"
+                               L"<subst name='C'/></font></fonts></defaults></r>";
+    std::size_t named = 0;
+    std::size_t paired = 0;
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        const Defaults defaults = DefaultsOf(whole.substr(0, length));
+        const std::wstring name = defaults.font.name.CStr();
+        EXPECT_TRUE(name.empty() || name == L"A") << length;
+        named += name == L"A";
+        paired += std::wstring(defaults.substitution.Apply({L"B", 8}).name.CStr()) == L"C";
+    }
+    EXPECT_LT(0u, paired);
+    EXPECT_LT(paired, named) << "the base font comes first";
+}
+
 TEST(DialogDefaults, StayWhereTheDescriptionHasNone) {
     for (const wchar_t* const text :
          {L"", L"<r/>", L"<r><defaults/></r>", L"<r><fonts><default name='A'/></fonts></r>",
@@ -81,8 +111,7 @@ TEST(DialogDefaults, EndTheProcessWhereTheyContradictThemselves) {
           L"<font><subst name='A'/></font>", L"<font><orig/><subst name='A'/></font>",
           L"<font><orig name='A'/><subst name=''/></font>",
           L"<font><orig name='A' size='8'/><subst name='B'/></font>",
-          L"<default name='A' size='0'/>", L"<default name='A' size='-9'/>",
-          L"<default name='A' size='1639'/>"}) {
+          L"<font><orig name='A' size='8'/><subst name='B' size='-5'/></font>"}) {
         EXPECT_FATAL(ReadFonts(fonts), "ObLibX\\src\\DialogDescription.cpp") << fonts;
     }
 }
@@ -104,14 +133,18 @@ TEST(DialogControls, AreThoseOfTheFirstDialogWithTheId) {
 }
 
 // Texts that don't fit are tried in each smaller size.
-TEST(DialogControls, EndTheProcessForAFontThatCanNotBe) {
-    for (const wchar_t* const size : {L"-9", L"1639", L"2000000"}) {
-        EXPECT_FATAL(TheControl(std::wstring(L"<font size='") + size + L"'/>"),
-                     "ObLibX\\src\\DialogDescription.cpp")
-            << size;
+TEST(DialogControls, HaveTheBaseSizeForASizeThatNoFontHas) {
+    for (const wchar_t* const size : {L"0", L"-9", L"1639", L"2000000"}) {
+        EXPECT_EQ(10, TheControl(std::wstring(L"<font size='") + size + L"'/>").fontSize) << size;
     }
-    EXPECT_EQ(0, TheControl(L"<font size='0'/>").fontSize) << "the base size";
     EXPECT_EQ(1638, TheControl(L"<font size='1638'/>").fontSize);
+}
+
+TEST(DialogControls, HaveTheBaseFontInASizeOfTheirOwn) {
+    const ControlDescription control = TheControl(L"<font size='14'/>");
+    EXPECT_STREQ(L"Base", control.fontName.CStr());
+    EXPECT_EQ(14, control.fontSize);
+    EXPECT_EQ(400, control.fontWeight);
 }
 
 TEST(DialogControls, AreNotThereWithoutTheDialog) {
@@ -199,6 +232,9 @@ TEST(DialogControls, HaveTheirColor) {
                                   {L"1799872", 0x1B76C0},
                                   {L"red", 0},
                                   {L"0xFF", 0},
+                                  {L"16777215", 0xFFFFFF},
+                                  {L"16777216", 0},
+                                  {L"-1", 0},
                                   {L"", 0}};
     for (const ColorRow& row : kRows) {
         const std::wstring element = std::wstring(L"<color>") + row.text + L"</color>";
@@ -221,6 +257,16 @@ TEST(DialogControls, HaveTheirColumns) {
     EXPECT_EQ(ColumnAlignment::Left, control.columns[3].alignment);
 }
 
+TEST(DialogControls, HaveNoTitleForANumberThatIsNoId) {
+    const ControlDescription control =
+        TheControl(L"<columns><column title='65535'/><column title='65536'/><column title='-1'/>"
+                   L"</columns>");
+    ASSERT_EQ(3u, control.columns.size());
+    EXPECT_EQ(65535, control.columns[0].titleId);
+    EXPECT_EQ(0, control.columns[1].titleId);
+    EXPECT_EQ(0, control.columns[2].titleId);
+}
+
 TEST(DialogControls, MayHaveOneIdTwice) {
     EXPECT_EQ(2u, ControlsOf(L"<dialog id='7'><control id='1'/><control id='1'/></dialog>").size());
 }
@@ -229,11 +275,25 @@ TEST(DialogControls, AreReadOfATextThatEndsAnywhere) {
     const std::wstring whole = L"<r><dialog id='7'><control id='3'><font name='A'/><columns>"
                                L"<column title='1'/></columns><color>5</color></control></dialog>"
                                L"</r>";
+    const auto endOf = [&](const wchar_t* part) {
+        return whole.find(part) + std::wstring_view(part).size();
+    };
     for (std::size_t length = 0; length <= whole.size(); ++length) {
-        std::vector<ControlDescription> controls;
+        std::vector<ControlDescription> controls(3);
         const bool isThere = ReadDialogControls(Loaded(whole.substr(0, length)), 7, {}, controls);
-        EXPECT_TRUE(isThere || controls.empty()) << length;
-        EXPECT_LE(controls.size(), 1u);
+        if (length < whole.find(L"<control")) {
+            EXPECT_TRUE(controls.empty()) << length;
+        }
+        if (length < endOf(L"<columns>")) continue;
+        EXPECT_TRUE(isThere) << length;
+        ASSERT_EQ(1u, controls.size()) << length;
+        EXPECT_EQ(3, controls[0].id) << length;
+        EXPECT_STREQ(L"A", controls[0].fontName.CStr()) << length;
+        if (length < whole.find(L"<color>")) {
+            EXPECT_EQ(0u, controls[0].color) << length;
+        } else if (length >= endOf(L"</color>")) {
+            EXPECT_EQ(5u, controls[0].color) << length;
+        }
     }
 }
 
