@@ -79,6 +79,12 @@ std::size_t CountOf(const ObXMLNode& node, const wchar_t* name) {
     return count;
 }
 
+bool IsFontSize(std::int32_t size) { return size >= 1 && size <= 1638; }
+
+bool HasTitleId(const ColumnDescription& column) {
+    return column.titleId >= 0 && column.titleId <= 0xFFFF;
+}
+
 void CheckDialog(const ObXML& tree, const ObXMLNode& dialog) {
     std::vector<ControlDescription> controls;
     const std::int32_t id = dialog.IntAttribute(L"id", -1);
@@ -88,6 +94,9 @@ void CheckDialog(const ObXML& tree, const ObXMLNode& dialog) {
     Require(isSame || !isFirst, "it has the controls of its element");
     for (const ControlDescription& control : controls) {
         Require(control.fontStyle >= 0 && control.fontStyle <= 7, "only bits that exist");
+        Require(IsFontSize(control.fontSize), "its size can be made");
+        Require(control.color <= 0xFFFFFF, "a colour that there is");
+        Require(std::ranges::all_of(control.columns, &HasTitleId), "ids of a string table");
     }
 }
 
@@ -100,14 +109,13 @@ bool IsCompletePair(const ObXMLNode& pair) {
     const ObXMLNode* const subst = pair.FirstChild(L"subst");
     return HasName(orig) && HasName(subst) &&
            (orig->IntAttribute(L"size", kAnyFontSize) == kAnyFontSize ||
-            subst->IntAttribute(L"size", kAnyFontSize) != kAnyFontSize);
+            IsFontSize(subst->IntAttribute(L"size", kAnyFontSize)));
 }
 
 // Whether nothing in the element contradicts itself, which would end the process.
 bool IsSound(const ObXMLNode& fonts) {
     const ObXMLNode* const base = fonts.FirstChild(L"default");
-    const std::int32_t size = base != nullptr ? base->IntAttribute(L"size", 9) : 9;
-    if ((base != nullptr && !HasName(base)) || size < 1 || size > 1638) return false;
+    if (base != nullptr && !HasName(base)) return false;
     std::vector<std::unique_ptr<ObXMLNode>> pairs;
     fonts.Children(L"font", pairs);
     return std::ranges::all_of(pairs, [](const auto& pair) { return IsCompletePair(*pair); });
@@ -122,7 +130,7 @@ void CheckDefaults(const ObXML& tree) {
     ReadDialogDefaults(tree, font, substitution);
     const bool isNamed = fonts != nullptr && fonts->FirstChild(L"default") != nullptr;
     Require(font.name.HasText() == isNamed, "the base font is the one of the element");
-    Require(font.size >= 1 && font.size <= 1638, "its size can be made");
+    Require(IsFontSize(font.size), "its size can be made");
     std::vector<std::unique_ptr<ObXMLNode>> pairs;
     if (fonts == nullptr || !fonts->Children(L"font", pairs)) return;
     const ObXMLNode& orig = *pairs.front()->FirstChild(L"orig");
