@@ -1,6 +1,8 @@
-// What the dressing of texts and edits depends on: the base font, a rich edit, a font that is
-// there.
+// What dressed texts and edits depend on: the base font, the window's class, a font at all.
 #include "ObLibX/src/controls/ObCustEdit.h"
+
+#include <typeinfo>
+
 #include "ObLibX/src/controls/ObCustStatic.h"
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "tests/unit/ObLib/FatalExit.h"
