@@ -14,8 +14,9 @@ using ObLibX::ObCustomControl;
 // Check boxes and radios, which end the process without their pictures: they stay stock.
 constexpr int kBoxes[] = {1014, 1015, 1016, 1017};
 
-// What shows a picture besides the boxes: eye, settings, browser, split, drop, bars, combos, spin.
-constexpr int kWithPictures[] = {1002, 1012, 1013, 1019, 1020, 1006, 1007, 1024, 1025, 1026, 1028};
+// What shows a picture besides the boxes: eye, settings, browser, split, drop, bars, combos that
+// drop, spin.
+constexpr int kWithPictures[] = {1002, 1012, 1013, 1019, 1020, 1006, 1007, 1025, 1026, 1028};
 
 ObLibX::ControlMaker& RealMaker() {
     static ObLibX::ControlMaker maker;
