@@ -71,6 +71,8 @@ public:
     void Show() const;
 
 private:
+    void Take(HBITMAP bitmap);
+
     PixelRect area_;
     HDC target_;
     ObLib::UniqueMemoryDc dc_;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/ImportPatch.h"
+
 namespace {
 
 using namespace ObLibX;
@@ -28,6 +30,32 @@ TEST_F(OffscreenPaintTest, ShowsNothingBeforeShowIsCalled) {
     paint.Show();
     EXPECT_EQ(0x00AA00u, GetPixel(dc.Get(), 0, 0));
     EXPECT_EQ(0x00AA00u, GetPixel(dc.Get(), 19, 9));
+}
+
+int bitsGiven = 0;
+HBITMAP WINAPI GiveAnother(int width, int height, UINT planes, UINT, const void*) {
+    static const auto real = reinterpret_cast<decltype(&CreateBitmap)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"gdi32.dll"), "CreateBitmap")));
+    return bitsGiven != 0 ? real(width, height, planes, static_cast<UINT>(bitsGiven), nullptr)
+                          : nullptr;
+}
+
+// As on a screen that hasn't 32 bits.
+TEST_F(OffscreenPaintTest, TakesTheScreensKindOfBitmapWhereItsOwnIsRefused) {
+    const auto window = WindowOf(20, 10);
+    const ClientDc dc(window.Get());
+    for (const int bits : {0, 16}) {
+        bitsGiven = bits;
+        const obtest::ImportPatch<decltype(&CreateBitmap)> patch("gdi32.dll", "CreateBitmap",
+                                                                 &GiveAnother);
+        ASSERT_TRUE(patch.Ok());
+        const OffscreenPaint paint(window.Get(), dc.Get());
+        ASSERT_TRUE(paint) << bits;
+        FillArea(paint.Dc(), paint.Area(), 0x0102A0);
+        paint.Show();
+        EXPECT_EQ(0x0102A0u, GetPixel(dc.Get(), 5, 5)) << bits;
+        FillArea(dc.Get(), {0, 0, 20, 10}, 0);
+    }
 }
 
 TEST_F(OffscreenPaintTest, IsEmptyWithoutAnArea) {
