@@ -1,9 +1,24 @@
 #include "ObLibX/src/controls/HelperWindow.h"
 
+#include <algorithm>
+#include <cwchar>
+#include <vector>
+
 #include "ObLibX/src/dialog/WindowSubclass.h"
 
 namespace ObLibX {
 namespace {
+
+struct Helper {
+    HWND window;
+    const wchar_t* property;
+};
+
+// All that there are.
+std::vector<Helper>& AllHelpers() {
+    static std::vector<Helper> helpers;
+    return helpers;
+}
 
 HANDLE PropertyValue() { return reinterpret_cast<HANDLE>(INT_PTR{1}); }
 
@@ -17,6 +32,7 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
     if (message == WM_NCDESTROY) {
         const auto* const name = reinterpret_cast<const wchar_t*>(property);
         RemovePropW(window, name);
+        std::erase_if(AllHelpers(), [&](const Helper& one) { return one.window == window; });
         RemoveSubclass(window, &Procedure, name);
     }
     return CallNextSubclass(window, message, wParam, lParam);
@@ -34,6 +50,7 @@ HWND MakeHelperWindow(HWND parent, const PixelRect& rect, const HelperTraits& tr
     }
     SetPropW(window, traits.property, PropertyValue());
     AddSubclass(window, &Procedure, traits.property);
+    AllHelpers().push_back({window, traits.property});
     return window;
 }
 
@@ -44,6 +61,12 @@ int CountWithProperty(HWND parent, const wchar_t* property) {
         if (GetPropW(child, property) != nullptr) ++count;
     }
     return count;
+}
+
+int CountHelpers(HWND parent, const wchar_t* property) {
+    return static_cast<int>(std::ranges::count_if(AllHelpers(), [&](const Helper& one) {
+        return std::wcscmp(one.property, property) == 0 && GetParent(one.window) == parent;
+    }));
 }
 
 PixelRect RectInParent(HWND child) {

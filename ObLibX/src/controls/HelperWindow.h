@@ -21,6 +21,8 @@ HWND MakeHelperWindow(HWND parent, const PixelRect& rect, const HelperTraits& tr
 
 // How many children of `parent` have a property.
 int CountWithProperty(HWND parent, const wchar_t* property);
+// The same of those that MakeHelperWindow has made, whose windows needn't be asked.
+int CountHelpers(HWND parent, const wchar_t* property);
 
 // In the coordinates of its parent.
 PixelRect RectInParent(HWND child);

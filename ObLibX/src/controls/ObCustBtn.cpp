@@ -255,11 +255,17 @@ std::int32_t ObFlatBtn::PaintImage(const Face& face, HDC dc) {
 void ObFlatBtn::PaintFocus(HDC dc, UINT hiddenCues) {
     ComputeFocusRectangle();
     if ((hiddenCues & UISF_HIDEFOCUS) != 0) focusRectangle = {};
+    if (!HasFocus()) return;
     if (!frameFocus) {
         DrawFocus(dc);
-    } else if (GetFocus() == window && !focusRectangle.IsEmpty()) {
+    } else if (!focusRectangle.IsEmpty()) {
         FrameArea(dc, focusRectangle, focusFrameColor);
     }
+}
+
+// The stock button knows it by its messages; the system would be asked in another process.
+bool ObFlatBtn::HasFocus() const {
+    return (SendMessageW(window, BM_GETSTATE, 0, 0) & BST_FOCUS) != 0;
 }
 
 // Without asking the system for its scale.

@@ -104,6 +104,7 @@ private:
     void PaintText(const Face& face, HDC dc);
     std::int32_t PaintImage(const Face& face, HDC dc);
     void PaintRing(ButtonState state);
+    [[nodiscard]] bool HasFocus() const;
     void SizeToImage();
 
     // Asked once for each painting, of the device context, which knows it.

@@ -49,7 +49,7 @@ void ObFlatPassword::Attach(HWND attached) {
 void ObFlatPassword::MakeEye() {
     const HWND parent = GetParent(window);
     wchar_t title[32] = {};
-    wsprintfW(title, L"Eyeball %d", CountWithProperty(parent, kEditEyeProperty) + 1);
+    wsprintfW(title, L"Eyeball %d", CountHelpers(parent, kEditEyeProperty) + 1);
     HelperTraits traits;
     traits.className = L"button";
     traits.title = title;
