@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLibX/src/controls/FlatControls.h"
@@ -61,6 +62,24 @@ public:
 private:
     int id_;
     ObLib::UniqueWindow window_;
+};
+
+// The undressed dialog and an object for each of its controls that has what all flat controls have
+// and does nothing: less can't be had with an object a control.
+class ObjectsDialog : public StockDialog {
+public:
+    using StockDialog::StockDialog;
+    void Create(HWND parent) {
+        StockDialog::Create(parent);
+        for (HWND child = GetWindow(window, GW_CHILD); child != nullptr;
+             child = GetWindow(child, GW_HWNDNEXT)) {
+            objects_.push_back(
+                std::make_unique<ObLibX::ObCustomControl>(GetDlgCtrlID(child), nullptr, L"", 0));
+        }
+    }
+
+private:
+    std::vector<std::unique_ptr<ObLibX::ObCustomControl>> objects_;
 };
 
 void PaintAll(HWND window) {
@@ -184,16 +203,19 @@ void MeasureOpening(int rounds) {
 
 void MeasureUse() {
     bench::Pair memory;
+    std::vector<double> bare;
     bench::Pair objects;
     for (int round = 0; round < 3; ++round) {
         const Use ours = UseOfOne<FlatDialog>();
         const Use theirs = UseOfOne<StockDialog>();
+        bare.push_back(UseOfOne<ObjectsDialog>().memory);
         memory.ours.push_back(ours.memory);
         memory.theirs.push_back(theirs.memory);
         objects.ours.push_back(ours.objects);
         objects.theirs.push_back(theirs.objects);
     }
     PrintPair("memory", memory);
+    bench::PrintSeries("memory bare", bare);
     PrintPair("objects", objects);
 }
 
