@@ -55,10 +55,10 @@ TEST(ListLayout, PutsAnIconInTheMiddleAndTheTextTwentyFourFurther) {
 }
 
 TEST(ListLayout, PutsAnIconAfterACheckBox) {
-    const CellParts parts = PlaceInCell(kCell, {{26, 26}, true}, ListMeasuresAt(192));
+    const CellParts parts = PlaceInCell({100, 50, 300, 98}, {{26, 26}, true}, ListMeasuresAt(192));
     EXPECT_EQ((PixelRect{108, 58, 134, 84}), parts.check);
-    EXPECT_EQ((PixelRect{148, 46, 180, 78}), parts.icon);
-    EXPECT_EQ((PixelRect{196, 50, 292, 75}), parts.text);
+    EXPECT_EQ((PixelRect{148, 58, 180, 90}), parts.icon);
+    EXPECT_EQ((PixelRect{196, 50, 292, 98}), parts.text);
 }
 
 TEST(ListLayout, LeavesNoRoomForATextInANarrowCell) {
