@@ -127,12 +127,15 @@ void ScrollBarHolder::Show(bool isShown) const {
     if (window_ && IsShown() != isShown) ShowWindow(Window(), isShown ? SW_SHOWNA : SW_HIDE);
 }
 
-// Nobody sees it in a dialog that is hidden. Where the call fails, the holder is shown at once.
+// Nobody sees it in a dialog that is hidden. Where the call fails, the holder is shown at once. The
+// window goes with the holder, which may be deleted while it slides.
 void ScrollBarHolder::Slide(bool isShown) const {
+    const HWND window = Window();
     const auto* const row = std::ranges::find(kSlides, kind_, &SlideRow::kind);
     if (row != std::end(kSlides) && window_ && IsShown() != isShown &&
         IsWindowVisible(GetParent(Window()))) {
-        AnimateWindow(Window(), kSlideTime, AW_SLIDE | (isShown ? row->in : row->out | AW_HIDE));
+        AnimateWindow(window, kSlideTime, AW_SLIDE | (isShown ? row->in : row->out | AW_HIDE));
+        if (!IsWindow(window)) return;
     }
     Show(isShown);
 }

@@ -131,8 +131,9 @@ void ScrollBarHost::Attach(HWND host) {
     horizontalHolder_.Create(parent_);
     cornerHolder_.Create(parent_);
     AddSubclass(host, &ScrollBarHost::Procedure, this);
+    const auto presence = Presence();
     Refresh();
-    EnableBars();
+    if (!presence.expired()) EnableBars();
 }
 
 void ScrollBarHost::Detach() {
@@ -183,6 +184,14 @@ LRESULT ScrollBarHost::Default(UINT message, WPARAM wParam, LPARAM lParam) const
     return CallNextSubclass(host_, message, wParam, lParam);
 }
 
+template <typename Rest>
+LRESULT ScrollBarHost::DefaultAnd(UINT message, WPARAM wParam, LPARAM lParam, Rest rest) {
+    const auto presence = Presence();
+    const LRESULT result = Default(message, wParam, lParam);
+    if (!presence.expired()) rest();
+    return result;
+}
+
 LRESULT ScrollBarHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_NCCALCSIZE:
@@ -190,16 +199,10 @@ LRESULT ScrollBarHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_SIZE:
     case WM_WINDOWPOSCHANGED:
         return OnPosChanged(message, wParam, lParam);
-    case WM_ERASEBKGND: {
-        const LRESULT result = Default(message, wParam, lParam);
-        CopyState();
-        return result;
-    }
-    case WM_ENABLE: {
-        const LRESULT result = Default(message, wParam, lParam);
-        EnableBars();
-        return result;
-    }
+    case WM_ERASEBKGND:
+        return DefaultAnd(message, wParam, lParam, [this] { CopyState(); });
+    case WM_ENABLE:
+        return DefaultAnd(message, wParam, lParam, [this] { EnableBars(); });
     case WM_SETREDRAW:
         return OnSetRedraw(wParam, lParam);
     default:
@@ -210,47 +213,47 @@ LRESULT ScrollBarHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT ScrollBarHost::DefaultAndCopy(UINT message, WPARAM wParam, LPARAM lParam) {
-    const LRESULT result = Default(message, wParam, lParam);
-    if (MayChangeBars(message)) CopyState();
-    return result;
+    return DefaultAnd(message, wParam, lParam, [&] {
+        if (MayChangeBars(message)) CopyState();
+    });
 }
 
 LRESULT ScrollBarHost::OnScrolling(UINT message, WPARAM wParam, LPARAM lParam) {
-    const LRESULT result = Default(message, wParam, lParam);
-    CopyState();
-    ShowBars();
-    return result;
+    return DefaultAnd(message, wParam, lParam, [this] {
+        CopyState();
+        ShowBars();
+    });
 }
 
 // The rectangle is that of the window before the system takes the border and the bars off.
 LRESULT ScrollBarHost::OnNcCalcSize(WPARAM wParam, LPARAM lParam) {
     RECT& rect = *reinterpret_cast<RECT*>(lParam);
     const HostFrame frame = Frame(AsPixels(rect));
-    const LRESULT result = Default(WM_NCCALCSIZE, wParam, lParam);
-    if (host_ == nullptr) return result;
-    if (autoHide_) rect = AsRect(ClientBesideStrips(frame, AsPixels(rect), Strip()));
-    if (wParam != FALSE && !changingMode_) PlaceBars(frame);
-    return result;
+    return DefaultAnd(WM_NCCALCSIZE, wParam, lParam, [&] {
+        if (host_ == nullptr) return;
+        if (autoHide_) rect = AsRect(ClientBesideStrips(frame, AsPixels(rect), Strip()));
+        if (wParam != FALSE && !changingMode_) PlaceBars(frame);
+    });
 }
 
 LRESULT ScrollBarHost::OnPosChanged(UINT message, WPARAM wParam, LPARAM lParam) {
     const bool isRaised = message == WM_WINDOWPOSCHANGED &&
                           (reinterpret_cast<const WINDOWPOS*>(lParam)->flags & SWP_NOZORDER) == 0;
-    const LRESULT result = Default(message, wParam, lParam);
-    if (host_ == nullptr || changingMode_) return result;
-    if (isRaised) {
-        for (const ScrollBarHolder* const holder : Holders()) holder->Raise();
-    }
-    PlaceBars(FrameNow());
-    return result;
+    return DefaultAnd(message, wParam, lParam, [&] {
+        if (host_ == nullptr || changingMode_) return;
+        if (isRaised) {
+            for (const ScrollBarHolder* const holder : Holders()) holder->Raise();
+        }
+        PlaceBars(FrameNow());
+    });
 }
 
 // A window that isn't to be redrawn has the style of a hidden one meanwhile.
 LRESULT ScrollBarHost::OnSetRedraw(WPARAM wParam, LPARAM lParam) {
     isRedrawOff_ = wParam == FALSE && (isRedrawOff_ || (StyleOf(host_) & WS_VISIBLE) != 0);
-    const LRESULT result = Default(WM_SETREDRAW, wParam, lParam);
-    if (host_ != nullptr && !isRedrawOff_) PlaceBars(FrameNow());
-    return result;
+    return DefaultAnd(WM_SETREDRAW, wParam, lParam, [this] {
+        if (host_ != nullptr && !isRedrawOff_) PlaceBars(FrameNow());
+    });
 }
 
 // ---- The bars
@@ -302,18 +305,24 @@ void ScrollBarHost::CopyState() {
 
 void ScrollBarHost::OnHolderScroll(ObFlatScrollbar& bar, std::uint16_t code) {
     if (host_ == nullptr) return;
-    const bool before = std::exchange(relaying_, true);
-    const ObLib::ScopeExit restore([&] { relaying_ = before; });
-    ScrollHost(host_, bar.Orientation(), code, bar.TrackPosition());
-    relaying_ = before;
-    CopyState();
+    const auto presence = Presence();
+    {
+        const bool before = std::exchange(relaying_, true);
+        const ObLib::ScopeExit restore([&] {
+            if (!presence.expired()) relaying_ = before;
+        });
+        ScrollHost(host_, bar.Orientation(), code, bar.TrackPosition());
+    }
+    if (!presence.expired()) CopyState();
 }
 
 void ScrollBarHost::OnHolderMenu(ObFlatScrollbar& bar, POINT point) {
     const HolderMenu menu(bar.Orientation(), autoHide_);
     const HWND window = bar.window;
+    const auto presence = Presence();
     isMenuOpen_ = true;
     const std::uint32_t command = menu.Choose(window, point);
+    if (presence.expired()) return;
     isMenuOpen_ = false;
     const auto isOurs = [&](const ScrollBarHolder* holder) {
         return holder->Bar() == &bar && bar.window == window;
@@ -322,7 +331,7 @@ void ScrollBarHost::OnHolderMenu(ObFlatScrollbar& bar, POINT point) {
     if (command == kCommandShowBars || command == kCommandHideBars) {
         const bool isShowing = command == kCommandShowBars;
         SendMessageW(host_, kShowBarsMessage, 0, isShowing ? 1 : 0);
-        SetAutoHide(!isShowing);
+        if (!presence.expired()) SetAutoHide(!isShowing);
         return;
     }
     ScreenToClient(bar.window, &point);
@@ -337,14 +346,17 @@ void ScrollBarHost::SetAutoHide(bool isOn) {
     areShown_ = isOn;
     hoverTracking_ = false;
     StopHideTimer();
+    const auto presence = Presence();
     ApplyFrame();
-    if (isOn) HideBars();
+    if (!presence.expired() && isOn) HideBars();
 }
 
 void ScrollBarHost::Refresh() {
     verticalWidth_ = GetSystemMetrics(SM_CXVSCROLL);
     horizontalHeight_ = GetSystemMetrics(SM_CYHSCROLL);
+    const auto presence = Presence();
     ApplyFrame();
+    if (presence.expired()) return;
     for (const ScrollBarHolder* const holder : Holders()) {
         if (holder->Bar() != nullptr) holder->Bar()->Refresh();
     }
@@ -353,9 +365,11 @@ void ScrollBarHost::Refresh() {
 // The client area is anew what the mode leaves of it.
 void ScrollBarHost::ApplyFrame() {
     if (host_ == nullptr) return;
+    const auto presence = Presence();
     changingMode_ = true;
     SetWindowPos(host_, nullptr, 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+    if (presence.expired()) return;
     changingMode_ = false;
     if (host_ != nullptr) PlaceBars(FrameNow());
 }

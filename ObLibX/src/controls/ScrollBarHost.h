@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 
 #include "ObLibX/src/controls/HolderLayout.h"
 #include "ObLibX/src/controls/ScrollBarHolder.h"
@@ -30,7 +31,8 @@ inline constexpr UINT kHideBarsDelay = 300; // milliseconds
 //
 // Made and attached by a list view for itself, and by a dialog for any other window, in
 // OnInitDialog after the dialog's own. On the thread of the dialogs. The object outlives the host's
-// window or takes the bars away.
+// window or takes the bars away. It may be deleted in whatever the host answers or tells its parent
+// while a bar is used, its menu is open or the host gets a message.
 class ScrollBarHost : private HolderOwner {
 public:
     ScrollBarHost();
@@ -59,6 +61,9 @@ private:
                                       UINT_PTR id, DWORD_PTR object);
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Default(UINT message, WPARAM wParam, LPARAM lParam) const;
+    // Then does the rest, unless the object has gone meanwhile.
+    template <typename Rest>
+    LRESULT DefaultAnd(UINT message, WPARAM wParam, LPARAM lParam, Rest rest);
     LRESULT OnNcCalcSize(WPARAM wParam, LPARAM lParam);
     LRESULT OnPosChanged(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT DefaultAndCopy(UINT message, WPARAM wParam, LPARAM lParam);
@@ -66,6 +71,8 @@ private:
     LRESULT OnScrolling(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnAutoHideMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void OnHostGone();
+    // Has expired once the object is gone: to be asked after each call of the host.
+    [[nodiscard]] std::weak_ptr<const void> Presence() const { return presence_; }
 
     // HolderOwner
     [[nodiscard]] HWND HeldWindow() const override { return host_; }
@@ -114,6 +121,7 @@ private:
     bool isLeaveAsked_ = false; // the system reports when the mouse leaves
     bool isMenuOpen_ = false;
     bool isRedrawOff_ = false; // of a host that is shown
+    std::shared_ptr<const void> presence_ = std::make_shared<char>();
 };
 
 } // namespace ObLibX

@@ -77,8 +77,9 @@ LRESULT ScrollBarHost::OnAutoHideMessage(UINT message, WPARAM wParam, LPARAM lPa
     case WM_NCHITTEST:
         return HTCLIENT;
     case WM_NCPAINT: {
+        const auto presence = Presence();
         const LRESULT result = Default(message, wParam, lParam);
-        PaintStrips();
+        if (!presence.expired()) PaintStrips();
         return result;
     }
     case WM_TIMER:
@@ -131,10 +132,12 @@ void ScrollBarHost::HideBars() {
 // The corner has no direction of its own.
 void ScrollBarHost::SlideBars(bool isShown) {
     const bool isCornerShown = isShown && !verticalOff_ && !horizontalOff_;
+    const auto presence = Presence();
     if (!isCornerShown) cornerHolder_.Show(false);
     verticalHolder_.Slide(isShown && !verticalOff_);
+    if (presence.expired()) return;
     horizontalHolder_.Slide(isShown && !horizontalOff_);
-    if (isCornerShown) cornerHolder_.Show(true);
+    if (!presence.expired() && isCornerShown) cornerHolder_.Show(true);
 }
 
 // Windows that come and go under the mouse make it move as well, by nothing.

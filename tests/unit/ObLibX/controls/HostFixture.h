@@ -45,7 +45,8 @@ struct MenuItem {
 
 struct HostFakes {
     std::vector<Animation> animations;
-    std::vector<SentTimer> timers; // that are running
+    std::function<void()> onAnimation; // while a window slides, once
+    std::vector<SentTimer> timers;     // that are running
     std::vector<TRACKMOUSEEVENT> tracked;
     POINT cursor{-1000, -1000}; // on the screen
     std::vector<MenuItem> menu; // that was shown last
@@ -59,6 +60,7 @@ inline HostFakes hostFakes;
 
 inline BOOL WINAPI FakeAnimate(HWND window, DWORD time, DWORD flags) {
     hostFakes.animations.push_back({window, time, flags});
+    if (const auto call = std::exchange(hostFakes.onAnimation, nullptr)) call();
     return FALSE;
 }
 inline UINT_PTR WINAPI FakeHostTimer(HWND window, UINT_PTR id, UINT period, TIMERPROC) {
@@ -229,10 +231,14 @@ protected:
     std::vector<HostMessage> sent_;
     std::function<void(const HostMessage&)> onHost_;
     std::function<void()> onScroll_;
+    std::function<void()> onAnyMessage_; // of a host, once
 
 private:
     static LRESULT CALLBACK HostProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         auto* const test = reinterpret_cast<HostTest*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (test != nullptr && test->onAnyMessage_) {
+            std::exchange(test->onAnyMessage_, nullptr)();
+        }
         constexpr UINT kRecorded[] = {WM_VSCROLL,    WM_HSCROLL, ObLibX::kShowBarsMessage,
                                       WM_MOUSEHOVER, WM_TIMER,   WM_MOUSEWHEEL};
         if (test != nullptr && std::ranges::find(kRecorded, message) != std::end(kRecorded)) {

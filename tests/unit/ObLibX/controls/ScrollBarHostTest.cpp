@@ -5,7 +5,9 @@
 #include <oleacc.h>
 
 #include <algorithm>
+#include <optional>
 
+#include "ObLibX/src/controls/HolderMenu.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLibX/controls/HostFixture.h"
 
@@ -531,6 +533,102 @@ TEST_F(HostEnds, TheParentMayGoWhileTheHostScrolls) {
     onHost_ = [this](const HostMessage&) { parent_.Reset(); };
     SendMessageW(VerticalBar().window, WM_MOUSEWHEEL, MAKEWPARAM(0, 120), 0);
     EXPECT_EQ(nullptr, bars_.Host());
+}
+
+// The object's memory is another object by the time that the call of the host returns: what would
+// use it as the old one changes the new one. Wine passes over crashes within its callbacks.
+class HostDeletion : public HostTest {
+protected:
+    void SetUp() override {
+        HostTest::SetUp();
+        second_ = MakeHost(0, 0);
+        Begin();
+    }
+    void Begin() {
+        first_ = MakeHost(0, 0);
+        memory_.emplace().Attach(first_);
+    }
+    // The new one's host then has a state that nobody has told it of.
+    void Replace() {
+        memory_.reset();
+        SetHost(second_, SB_VERT, 99, 20, 40);
+        memory_.emplace().Attach(second_);
+        SetHost(second_, SB_VERT, 99, 20, 77);
+        SetWindowLongPtrW(second_, GWL_STYLE, GetWindowLongPtrW(second_, GWL_STYLE) | WS_DISABLED);
+    }
+    HWND OwnBar(HolderKind kind) const { return memory_->Holder(kind).Bar()->window; }
+    void ExpectUntouched(const char* by) {
+        ASSERT_EQ(second_, memory_->Host()) << by << ": nothing was deleted";
+        EXPECT_EQ(40, memory_->Holder(HolderKind::Vertical).Bar()->Position()) << by;
+        EXPECT_TRUE(memory_->Holder(HolderKind::Vertical).IsShown()) << by;
+        EXPECT_TRUE(memory_->Holder(HolderKind::Horizontal).IsShown()) << by;
+        EXPECT_TRUE(IsWindowEnabled(OwnBar(HolderKind::Vertical))) << by;
+        EXPECT_FALSE(memory_->IsAutoHide()) << by;
+        SetWindowLongPtrW(second_, GWL_STYLE, GetWindowLongPtrW(second_, GWL_STYLE) & ~WS_DISABLED);
+        DestroyWindow(first_);
+    }
+
+    std::optional<ScrollBarHost> memory_;
+    HWND first_ = nullptr;
+    HWND second_ = nullptr;
+};
+
+TEST_F(HostDeletion, IsAllowedInAnyMessageOfTheHost) {
+    const struct {
+        const char* name;
+        UINT message;
+        WPARAM wParam;
+    } rows[] = {{"WM_ENABLE", WM_ENABLE, TRUE},    {"WM_SIZE", WM_SIZE, 0},
+                {"WM_SETREDRAW", WM_SETREDRAW, 1}, {"WM_CHAR", WM_CHAR, 'x'},
+                {"WM_KEYDOWN", WM_KEYDOWN, VK_UP}, {"WM_MOUSEWHEEL", WM_MOUSEWHEEL, 0}};
+    for (const auto& row : rows) {
+        onAnyMessage_ = [this] { Replace(); };
+        SendMessageW(first_, row.message, row.wParam, 0);
+        ExpectUntouched(row.name);
+        Begin();
+    }
+    onAnyMessage_ = [this] { Replace(); };
+    Erase(first_);
+    ExpectUntouched("WM_ERASEBKGND");
+    Begin();
+    onAnyMessage_ = [this] { Replace(); };
+    RECT rect{0, 0, 300, 200};
+    SendMessageW(first_, WM_NCCALCSIZE, TRUE, reinterpret_cast<LPARAM>(&rect));
+    ExpectUntouched("WM_NCCALCSIZE");
+}
+
+TEST_F(HostDeletion, IsAllowedWhileABarScrollsTheHost) {
+    onHost_ = [this](const HostMessage&) {
+        onHost_ = nullptr;
+        Replace();
+    };
+    Press(OwnBar(HolderKind::Vertical), 5, 2);
+    ExpectUntouched("a press");
+}
+
+TEST_F(HostDeletion, IsAllowedWhileTheMenuIsOpenOrSendsItsMessage) {
+    hostFakes.onMenu = [this] { Replace(); };
+    hostFakes.chosen = kCommandHideBars;
+    SendMessageW(OwnBar(HolderKind::Vertical), WM_CONTEXTMENU, 0, 0);
+    ExpectUntouched("the menu");
+    hostFakes.onMenu = nullptr;
+    Begin();
+    onHost_ = [this](const HostMessage&) {
+        onHost_ = nullptr;
+        Replace();
+    };
+    SendMessageW(OwnBar(HolderKind::Vertical), WM_CONTEXTMENU, 0, 0);
+    ExpectUntouched("the message");
+}
+
+TEST_F(HostDeletion, IsAllowedWhileTheModeChanges) {
+    onAnyMessage_ = [this] { Replace(); };
+    memory_->SetAutoHide(true);
+    ExpectUntouched("the frame");
+    Begin();
+    hostFakes.onAnimation = [this] { Replace(); };
+    memory_->SetAutoHide(true);
+    ExpectUntouched("the slide");
 }
 
 } // namespace
