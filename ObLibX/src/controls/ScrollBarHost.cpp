@@ -201,6 +201,10 @@ LRESULT ScrollBarHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         return OnPosChanged(message, wParam, lParam);
     case WM_ERASEBKGND:
         return DefaultAnd(message, wParam, lParam, [this] { CopyState(); });
+    case WM_SHOWWINDOW: // all that comes while the parent is hidden, and before the style changes
+        return DefaultAnd(message, wParam, lParam, [&] {
+            if (host_ != nullptr && !changingMode_) PlaceBars(FrameNow(), wParam != FALSE);
+        });
     case WM_ENABLE:
         return DefaultAnd(message, wParam, lParam, [this] { EnableBars(); });
     case WM_SETREDRAW:
@@ -272,8 +276,11 @@ HostFrame ScrollBarHost::Frame(const PixelRect& window) const {
 HostFrame ScrollBarHost::FrameNow() const { return Frame(RectInParent(host_)); }
 
 void ScrollBarHost::PlaceBars(const HostFrame& frame) {
+    PlaceBars(frame, isRedrawOff_ || (StyleOf(host_) & WS_VISIBLE) != 0);
+}
+
+void ScrollBarHost::PlaceBars(const HostFrame& frame, bool isHostShown) {
     const HolderPlaces places = PlaceHolders(frame);
-    const bool isHostShown = isRedrawOff_ || (StyleOf(host_) & WS_VISIBLE) != 0;
     const bool isShown = isHostShown && (!autoHide_ || areShown_);
     verticalOff_ = places.vertical.IsEmpty();
     horizontalOff_ = places.horizontal.IsEmpty();

@@ -85,6 +85,7 @@ private:
     [[nodiscard]] HostFrame Frame(const PixelRect& window) const;
     [[nodiscard]] HostFrame FrameNow() const;
     void PlaceBars(const HostFrame& frame);
+    void PlaceBars(const HostFrame& frame, bool isHostShown);
     void EnableBars() const;
     void CopyState();
     void ApplyFrame();

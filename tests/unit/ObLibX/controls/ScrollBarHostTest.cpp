@@ -139,6 +139,18 @@ TEST_F(HostHolders, FollowTheHost) {
     EXPECT_EQ(None(), Shown()) << "no room";
 }
 
+// As a dialog does before it is shown.
+TEST_F(HostHolders, FollowTheHostInAHiddenDialog) {
+    ShowWindow(parent_.Get(), SW_HIDE);
+    ShowWindow(host_, SW_HIDE);
+    EXPECT_EQ(None(), Shown());
+    ShowWindow(host_, SW_SHOW);
+    EXPECT_EQ(All(), Shown());
+    ShowWindow(host_, SW_HIDE);
+    ShowWindow(parent_.Get(), SW_SHOW);
+    EXPECT_EQ(None(), Shown());
+}
+
 // As a program fills a list.
 TEST_F(HostHolders, AreThereAfterAHostWasNotToBeRedrawn) {
     ShowScrollBar(host_, SB_BOTH, FALSE);
@@ -578,9 +590,13 @@ TEST_F(HostDeletion, IsAllowedInAnyMessageOfTheHost) {
         const char* name;
         UINT message;
         WPARAM wParam;
-    } rows[] = {{"WM_ENABLE", WM_ENABLE, TRUE},    {"WM_SIZE", WM_SIZE, 0},
-                {"WM_SETREDRAW", WM_SETREDRAW, 1}, {"WM_CHAR", WM_CHAR, 'x'},
-                {"WM_KEYDOWN", WM_KEYDOWN, VK_UP}, {"WM_MOUSEWHEEL", WM_MOUSEWHEEL, 0}};
+    } rows[] = {{"WM_ENABLE", WM_ENABLE, TRUE},
+                {"WM_SIZE", WM_SIZE, 0},
+                {"WM_SHOWWINDOW", WM_SHOWWINDOW, TRUE},
+                {"WM_SETREDRAW", WM_SETREDRAW, 1},
+                {"WM_CHAR", WM_CHAR, 'x'},
+                {"WM_KEYDOWN", WM_KEYDOWN, VK_UP},
+                {"WM_MOUSEWHEEL", WM_MOUSEWHEEL, 0}};
     for (const auto& row : rows) {
         onAnyMessage_ = [this] { Replace(); };
         SendMessageW(first_, row.message, row.wParam, 0);
