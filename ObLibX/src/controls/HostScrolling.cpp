@@ -36,44 +36,64 @@ std::int32_t ListUnit(HWND list, ScrollOrientation orientation) {
     return row.bottom - row.top;
 }
 
-bool ScrollList(HWND list, ScrollOrientation orientation, std::int32_t distance) {
+// Where a bar's thumb was dragged to.
+struct Thumb {
+    ScrollOrientation orientation;
+    std::uint16_t code;
+    std::int32_t value;
+    std::int32_t distance; // from the position that the host has
+};
+
+void ScrollList(HWND list, const Thumb& thumb) {
+    const auto [orientation, code, value, distance] = thumb;
     const std::int64_t pixels = std::int64_t{distance} * ListUnit(list, orientation);
     const auto by = static_cast<std::int32_t>(std::clamp<std::int64_t>(pixels, -kFar, kFar));
     const bool isVertical = orientation == ScrollOrientation::Vertical;
     SendMessageW(list, LVM_SCROLL, static_cast<WPARAM>(isVertical ? 0 : by), isVertical ? by : 0);
-    return true;
 }
 
-// By lines; across it scrolls by characters, which its bar doesn't.
-bool ScrollEdit(HWND edit, ScrollOrientation orientation, std::int32_t distance) {
-    if (orientation != ScrollOrientation::Vertical) return false;
-    SendMessageW(edit, EM_LINESCROLL, 0, distance);
-    return true;
+// By lines.
+void ScrollEdit(HWND edit, const Thumb& thumb) {
+    SendMessageW(edit, EM_LINESCROLL, 0, thumb.distance);
+}
+
+// Asks its own bar for the value, which isn't being dragged here and answers with its position.
+void ScrollListBox(HWND list, const Thumb& thumb) {
+    const SCROLLINFO moved{sizeof moved, SIF_POS, 0, 0, 0, thumb.value, 0};
+    SetScrollInfo(list, BarOf(thumb.orientation), &moved, FALSE);
+    Send(list, thumb.orientation, thumb.code, thumb.value);
 }
 
 struct Way {
     const wchar_t* className;
-    bool (*scroll)(HWND host, ScrollOrientation orientation, std::int32_t distance);
+    bool isAcrossToo; // an edit scrolls by characters there, which its bar doesn't
+    void (*scroll)(HWND host, const Thumb& thumb);
 };
-constexpr Way kWays[] = {{WC_LISTVIEWW, &ScrollList}, {WC_EDITW, &ScrollEdit}};
+constexpr Way kWays[] = {{WC_LISTVIEWW, true, &ScrollList},
+                         {WC_EDITW, false, &ScrollEdit},
+                         {WC_LISTBOXW, true, &ScrollListBox}};
 
-bool ScrollItsWay(HWND host, ScrollOrientation orientation, std::int32_t distance) {
-    const auto* const way = std::ranges::find_if(
-        kWays, [host](const Way& row) { return IsOfClass(host, row.className); });
-    return way != std::end(kWays) && way->scroll(host, orientation, distance);
+// Null for any other window.
+const Way* WayOf(HWND host, ScrollOrientation orientation) {
+    const bool isAcross = orientation == ScrollOrientation::Horizontal;
+    const auto* const way = std::ranges::find_if(kWays, [&](const Way& row) {
+        return (row.isAcrossToo || !isAcross) && IsOfClass(host, row.className);
+    });
+    return way != std::end(kWays) ? way : nullptr;
 }
 
-// A message has 16 bits for the value. So most windows ask their own bar for the rest, which isn't
-// being dragged here and answers with its position.
+// A message has 16 bits for the value. Windows that are known to need it otherwise get the rest
+// their way; any other window gets the message once, and its own bar is its own to move.
 void ScrollHostTo(HWND host, ScrollOrientation orientation, std::uint16_t code,
                   std::int32_t value) {
-    if (value == static_cast<std::int16_t>(value)) Send(host, orientation, code, value);
+    const Way* const way = WayOf(host, orientation);
+    if (way == nullptr || value == static_cast<std::int16_t>(value)) {
+        Send(host, orientation, code, value);
+    }
+    if (way == nullptr) return;
     const auto now = HostScrollInfo(host, orientation);
     if (!now || now->nPos == value) return;
-    if (ScrollItsWay(host, orientation, value - now->nPos)) return;
-    const SCROLLINFO moved{sizeof moved, SIF_POS, 0, 0, 0, value, 0};
-    SetScrollInfo(host, BarOf(orientation), &moved, FALSE);
-    Send(host, orientation, code, value);
+    way->scroll(host, {orientation, code, value, value - now->nPos});
 }
 
 } // namespace
