@@ -257,8 +257,10 @@ LRESULT ObHyperlinkCtrl::OnMoved(WPARAM wParam, LPARAM lParam) {
 }
 
 // A dressed label fits the text, too: it gets the whole room for that, and its font only counts
-// again when the link has gone.
+// again when the link has gone. Nobody else has the dialog paint what the old text leaves.
 LRESULT ObHyperlinkCtrl::OnSetText(WPARAM wParam, LPARAM lParam) {
+    const HWND dialog = dialogWindow;
+    const RECT old = AsRect(RectInParent(window));
     if (RectInParent(window) == fitted_) {
         SetWindowPos(window, nullptr, room_.left, room_.top, room_.Width(), room_.Height(),
                      SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW);
@@ -267,6 +269,7 @@ LRESULT ObHyperlinkCtrl::OnSetText(WPARAM wParam, LPARAM lParam) {
     const ObLib::ScopeExit lower([&] { isTextChanging_ = false; });
     const LRESULT result = ToWindow(WM_SETTEXT, wParam, lParam);
     FitToText();
+    InvalidateRect(dialog, &old, TRUE);
     return result;
 }
 

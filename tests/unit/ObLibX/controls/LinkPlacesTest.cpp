@@ -97,6 +97,20 @@ TEST_F(LinkPlaces, KeepTheFontWhenALabelFitsItsText) {
     EXPECT_EQ(GetFont(9, L"", 400, 0), FontOf(Child(1007))) << "the label's, when the link ends";
 }
 
+TEST_F(LinkPlaces, LeaveNothingOfALongerTextBelow) {
+    OpenLinks(OB_TEST_LINKS_AND_TEXTS, {1004});
+    const PixelRect before = PlaceOf(1004);
+    ValidateRect(links_->window, nullptr);
+    SetWindowTextW(Child(1004), L"Short");
+    const PixelRect now = PlaceOf(1004);
+    ASSERT_LT(now.bottom, before.bottom - 1);
+    RECT invalid{};
+    ASSERT_TRUE(GetUpdateRect(links_->window, &invalid, FALSE));
+    EXPECT_LE(invalid.top, now.bottom);
+    EXPECT_LE(before.bottom, invalid.bottom) << "the dialog paints where the old lines were";
+    EXPECT_LE(before.right, invalid.right);
+}
+
 TEST_F(LinkPlaces, SurviveATextOf65536Characters) {
     OpenLinks(OB_TEST_LINKS_AND_TEXTS, {1001});
     const PixelRect room = FromTemplate(20, 20, 120, 10);
