@@ -42,11 +42,13 @@ ListGroupMode::ListGroupMode() {
     largeRows_.Reset(EmptyImages(measures.checkRowHeight));
 }
 
-// The list's own procedure and those below ours get it.
+// The list's own procedure and those below ours get it. A client that hears of it may destroy the
+// window, and this object with it.
 LRESULT ListGroupMode::Stock(UINT message, WPARAM wParam, LPARAM lParam) {
+    const HWND list = list_;
     passing_ = message;
-    const LRESULT result = SendMessageW(list_, message, wParam, lParam);
-    passing_ = 0;
+    const LRESULT result = SendMessageW(list, message, wParam, lParam);
+    if (IsWindow(list) != FALSE) passing_ = 0;
     return result;
 }
 
@@ -62,17 +64,18 @@ bool ListGroupMode::KnowsChecks() const {
 // The control resets all check boxes when its own come or go.
 template <class Change>
 void ListGroupMode::KeepingChecks(bool startsOff, Change change) {
+    const HWND list = list_;
     const int count = KnowsChecks() ? RowCount() : 0;
     std::vector<RowCheck> checks(static_cast<std::size_t>(count));
     for (int row = 0; row < count; ++row) {
         RowCheck& check = checks[static_cast<std::size_t>(row)];
-        check = CheckOfRow(list_, row);
+        check = CheckOfRow(list, row);
         if (startsOff && check == RowCheck::None) check = RowCheck::Off;
     }
     change();
     for (int row = 0; row < count; ++row) {
         const RowCheck check = checks[static_cast<std::size_t>(row)];
-        if (CheckOfRow(list_, row) != check) SetCheckOfRow(list_, row, check);
+        if (CheckOfRow(list, row) != check) SetCheckOfRow(list, row, check);
     }
 }
 
@@ -98,12 +101,13 @@ void ListGroupMode::TurnOn(HWND list) {
 
 void ListGroupMode::TurnOff() {
     if (!IsOn()) return;
+    const HWND list = list_;
     Stock(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images_));
-    SetWindowTheme(list_, L"Explorer", nullptr);
+    SetWindowTheme(list, L"Explorer", nullptr);
     KeepingChecks(false, [&] {
         Stock(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, static_cast<LPARAM>(extendedStyle_));
     });
-    list_ = nullptr;
+    if (IsWindow(list) != FALSE) list_ = nullptr;
 }
 
 void ListGroupMode::End() {
@@ -159,7 +163,9 @@ LRESULT ListGroupMode::SetExtendedStyle(DWORD mask, DWORD style) {
     const DWORD before = extendedStyle_;
     const bool hadChecks = HasChecks();
     extendedStyle_ = mask != 0 ? (before & ~mask) | (style & mask) : style;
+    const HWND list = list_;
     SendStyle();
+    if (IsWindow(list) == FALSE) return static_cast<LRESULT>(before);
     if (HasChecks() != hadChecks) SendRowImages();
     if (HasChecks() && !hadChecks) KeepingChecks(true, [] {});
     return static_cast<LRESULT>(before);

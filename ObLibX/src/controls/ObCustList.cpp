@@ -75,6 +75,7 @@ void ObFlatListView::Attach(HWND attached) {
     isFocused = GetFocus() == window;
     mouse_.reset();
     hotRow_ = hotTitle_ = -1;
+    isPainting_ = paintsRows_ = false;
     AddSubclass(window, &ObFlatListView::ListProcedure, this);
     AddSubclass(parent_, &ObFlatListView::ParentProcedure, this);
     OnFontChanged();
@@ -144,6 +145,7 @@ LRESULT CALLBACK ObFlatListView::ListProcedure(HWND window, UINT message, WPARAM
     if (answer) return *answer;
     const bool wasPainting = std::exchange(list->isPainting_, message == WM_PAINT);
     const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
+    if (IsWindow(window) == FALSE) return result; // the object may be deleted
     list->isPainting_ = wasPainting;
     if (list->window == window) list->AfterMessage(message, wParam);
     return result;
@@ -242,15 +244,17 @@ void ObFlatListView::InvalidateRow(int row) {
     if (area.right > area.left) InvalidateRect(window, &area, FALSE);
 }
 
-// The focus comes to the list and to the row, as from any press; what is selected stays.
+// The focus comes to the list and to the row, as from any press; what is selected stays. A client
+// that hears of it may destroy the window, and the object with it.
 bool ObFlatListView::OnPress(PixelPoint point) {
     if (!groupMode_.HasChecks() || !IsDetails()) return false;
     const int row = RowAt(point);
     if (row < 0) return false;
     if (!CheckArea(FirstCell(row), ListMeasuresAt(GetDpi())).Contains(point)) return false;
-    SetFocus(window);
-    if (window != nullptr) FocusRow(window, row);
-    if (window != nullptr) Flip(row);
+    const HWND list = window;
+    SetFocus(list);
+    if (IsWindow(list) != FALSE) FocusRow(list, row);
+    if (IsWindow(list) != FALSE) Flip(row);
     return true;
 }
 
@@ -266,9 +270,10 @@ bool ObFlatListView::OnKey(WPARAM key, bool repeats) {
 
 // Clients hear of it as of any change of a row's state.
 void ObFlatListView::Flip(int row) {
-    SetCheckOfRow(window, row, IsRowChecked(row) ? RowCheck::Off : RowCheck::On);
-    if (window == nullptr) return;
-    NotifyWinEvent(EVENT_OBJECT_STATECHANGE, window, OBJID_CLIENT, row + 1);
+    const HWND list = window;
+    SetCheckOfRow(list, row, IsRowChecked(row) ? RowCheck::Off : RowCheck::On);
+    if (IsWindow(list) == FALSE) return;
+    NotifyWinEvent(EVENT_OBJECT_STATECHANGE, list, OBJID_CLIENT, row + 1);
 }
 
 // ---- For screen readers

@@ -71,8 +71,9 @@ LRESULT CALLBACK ObFlatListView::ParentProcedure(HWND window, UINT message, WPAR
     }
     auto& draw = *reinterpret_cast<NMLVCUSTOMDRAW*>(lParam);
     list->SelectFont(draw);
+    const HWND own = list->window;
     const LRESULT heard = CallNextSubclass(window, message, wParam, lParam);
-    if (list->window == nullptr) return heard;
+    if (IsWindow(own) == FALSE || list->window != own) return heard;
     return ObLib::Guarded(heard, [&] { return list->OnDrawStage(draw, heard); });
 }
 

@@ -4,9 +4,11 @@
 #include <oleacc.h>
 
 #include <algorithm>
+#include <memory>
 
 #include "ObLib/Src/Win32/ComResources.h"
 #include "ObLibX/src/dialog/DlgFont.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/controls/ListFixture.h"
 
@@ -104,6 +106,107 @@ TEST_F(ListViewObject, LeavesAStockListWhenItGoesFirst) {
     SendMessageW(GetParent(window), WM_ERASEBKGND, 0, 0);
     SendMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(5, 50));
     DestroyWindow(window);
+}
+
+// What lies below the object's procedures destroys the window and deletes the object, as a dialog
+// does that closes when it hears of a click.
+class DeletedList : public ListsTest {
+protected:
+    void Make() {
+        window_ = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | WS_VISIBLE | LVS_REPORT, 0, 0,
+                                  90, 90, dialog_->window, nullptr, nullptr, nullptr);
+        AddSubclass(window_, &DeletedList::Procedure, this);
+        list_ = std::make_unique<DeletedAtOnce<ObFlatListView>>(
+            1, std::vector<ColumnDescription>(1), nullptr);
+        (*list_)->Attach(window_);
+        SendMessageW(window_, LVM_SETCOLUMNWIDTH, 0, 80);
+        SendMessageW(window_, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+        LVITEMW item{};
+        SendMessageW(window_, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        item.state = item.stateMask = LVIS_FOCUSED;
+        SendMessageW(window_, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&item));
+    }
+    // A point of the first row's check box.
+    LPARAM OnCheck() const {
+        RECT area{LVIR_BOUNDS, 0, 0, 0};
+        SendMessageW(window_, LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&area));
+        return MAKELPARAM(area.left + 5, area.top + 1);
+    }
+    void ExpectSurvived(UINT fatal, UINT sent, WPARAM wParam, LPARAM lParam) {
+        fatal_ = fatal;
+        SendMessageW(window_, sent, wParam, lParam);
+        EXPECT_TRUE((*list_).IsDeleted()) << fatal << " in " << sent;
+        EXPECT_FALSE(IsWindow(window_)) << fatal << " in " << sent;
+    }
+    HWND window_ = nullptr;
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                      UINT_PTR, DWORD_PTR object) {
+        auto& test = *reinterpret_cast<DeletedList*>(object);
+        if (message == WM_NCDESTROY) RemoveSubclass(window, &DeletedList::Procedure, &test);
+        if (message != test.fatal_) return CallNextSubclass(window, message, wParam, lParam);
+        test.fatal_ = 0;
+        DestroyWindow(window);
+        test.list_->Delete();
+        return 0;
+    }
+    UINT fatal_ = 0;
+    std::unique_ptr<DeletedAtOnce<ObFlatListView>> list_;
+};
+
+TEST_F(DeletedList, IsNotUsedByAnyMessageThatWasOnItsWay) {
+    RECT area{0, 0, 90, 90};
+    WINDOWPOS place{nullptr, nullptr, 0, 0, 90, 90, 0};
+    LVITEMW item{};
+    const struct {
+        UINT message;
+        WPARAM wParam;
+        LPARAM lParam;
+    } rows[] = {{WM_PAINT, 0, 0},
+                {WM_LBUTTONDOWN, 0, MAKELPARAM(2, 88)},
+                {WM_LBUTTONUP, 0, 0},
+                {WM_KEYDOWN, VK_DOWN, 1},
+                {WM_VSCROLL, SB_LINEDOWN, 0},
+                {WM_SETFOCUS, 0, 0},
+                {WM_ENABLE, FALSE, 0},
+                {WM_SETREDRAW, TRUE, 0},
+                {WM_SIZE, 0, MAKELPARAM(90, 90)},
+                {WM_WINDOWPOSCHANGED, 0, reinterpret_cast<LPARAM>(&place)},
+                {WM_NCCALCSIZE, FALSE, reinterpret_cast<LPARAM>(&area)},
+                {LVM_DELETEALLITEMS, 0, 0},
+                {LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)},
+                {LVM_SETEXTENDEDLISTVIEWSTYLE, 0, 0}};
+    for (const auto& row : rows) {
+        Make();
+        ExpectSurvived(row.message, row.message, row.wParam, row.lParam);
+    }
+}
+
+TEST_F(DeletedList, IsNotUsedAfterAFlip) {
+    Make();
+    ExpectSurvived(LVM_SETITEMSTATE, WM_LBUTTONDOWN, MK_LBUTTON, OnCheck());
+    Make();
+    ExpectSurvived(WM_SETFOCUS, WM_LBUTTONDOWN, MK_LBUTTON, OnCheck());
+    Make();
+    ExpectSurvived(LVM_SETITEMSTATE, WM_KEYDOWN, VK_SPACE, 1);
+}
+
+TEST_F(DeletedList, IsNotUsedAfterItsParentHasHeardOfADrawing) {
+    Make();
+    const HWND window = window_;
+    NMLVCUSTOMDRAW draw{};
+    draw.nmcd.hdr = {window, 0, static_cast<UINT>(NM_CUSTOMDRAW)};
+    draw.nmcd.dwDrawStage = CDDS_PREPAINT;
+    const ClientDc dc(dialog_->window);
+    draw.nmcd.hdc = dc.Get();
+    Heard().onDraw = [&](NMLVCUSTOMDRAW&) -> LRESULT {
+        ExpectSurvived(WM_NULL + 1, WM_NULL + 1, 0, 0);
+        return CDRF_DODEFAULT;
+    };
+    SendMessageW(dialog_->window, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&draw));
+    EXPECT_FALSE(IsWindow(window));
+    Heard().onDraw = nullptr;
 }
 
 // ---- Group mode

@@ -53,9 +53,10 @@ inline int TextHeightOf(HWND window) {
 template <class Class>
 class DeletedAtOnce {
 public:
-    DeletedAtOnce()
+    template <class... Arguments>
+    explicit DeletedAtOnce(Arguments... arguments)
         : object_(new (VirtualAlloc(nullptr, sizeof(Class), MEM_RESERVE | MEM_COMMIT,
-                                    PAGE_READWRITE)) Class) {}
+                                    PAGE_READWRITE)) Class(arguments...)) {}
     DeletedAtOnce(const DeletedAtOnce&) = delete;
     DeletedAtOnce& operator=(const DeletedAtOnce&) = delete;
     ~DeletedAtOnce() { Delete(); }
