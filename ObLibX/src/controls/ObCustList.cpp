@@ -83,10 +83,12 @@ void ObFlatListView::Attach(HWND attached) {
     header_ = reinterpret_cast<HWND>(SendMessageW(window, LVM_GETHEADER, 0, 0));
     if (header_ != nullptr) AddSubclass(header_, &ObFlatListView::HeaderProcedure, this);
     if (IsDetails()) TurnOnGroupView();
+    scrollBarHost.Attach(window); // in front, as it looks at messages that are answered here
 }
 
 // The window goes on as a stock list.
 void ObFlatListView::Detach() {
+    scrollBarHost.Detach();
     TurnOffGroupView();
     RemoveSubclass(window, &ObFlatListView::ListProcedure, this);
     RemoveSubclass(parent_, &ObFlatListView::ParentProcedure, this);
@@ -101,6 +103,11 @@ void ObFlatListView::OnGone() {
     RemoveSubclass(parent_, &ObFlatListView::ParentProcedure, this);
     groupMode_.End();
     accessible_.End();
+}
+
+void ObFlatListView::Refresh() {
+    ObCustomControl::Refresh();
+    if (scrollBarHost.Host() != nullptr) scrollBarHost.Refresh();
 }
 
 void ObFlatListView::OnFontChanged() {
@@ -201,7 +208,7 @@ void ObFlatListView::AfterMessage(UINT message, WPARAM wParam) {
     case WM_KILLFOCUS:
     case WM_ENABLE:
     case WM_UPDATEUISTATE:
-        Refresh();
+        ObCustomControl::Refresh(); // the bars are as they were
         break;
     default:
         break;

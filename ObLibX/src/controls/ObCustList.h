@@ -14,6 +14,7 @@
 #include "ObLibX/src/controls/ListAccessible.h"
 #include "ObLibX/src/controls/ListColours.h"
 #include "ObLibX/src/controls/ListGroupMode.h"
+#include "ObLibX/src/controls/ScrollBarHost.h"
 #include "ObLibX/src/dialog/DialogDescription.h"
 #include "ObLibX/src/dialog/ObCustCtrl.h"
 
@@ -36,6 +37,8 @@ public:
 
     // A list without a parent ends the process.
     void Attach(HWND attached) override;
+    // Also takes the system's colours and sizes for the scroll bars.
+    void Refresh() override;
 
     void TurnOnGroupView();
     void TurnOffGroupView();
@@ -47,7 +50,8 @@ public:
     bool isFocused = false;
     std::array<ObLib::UniqueBitmap, 4> checkImages; // on, off, on disabled, off disabled
     SIZE checkSize{};
-    ObXDlg* colorSource; // null for none
+    ObXDlg* colorSource;         // null for none
+    ScrollBarHost scrollBarHost; // its flat scroll bars; attached with the list
 
 protected:
     void OnFontChanged() override;

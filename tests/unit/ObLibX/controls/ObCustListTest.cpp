@@ -209,6 +209,81 @@ TEST_F(DeletedList, IsNotUsedAfterItsParentHasHeardOfADrawing) {
     Heard().onDraw = nullptr;
 }
 
+// ---- Scroll bars
+
+class ListBars : public ListsTest {
+protected:
+    const ScrollBarHost& Bars() const { return List().scrollBarHost; }
+    HWND Holder(HolderKind kind) const { return Bars().Holder(kind).Window(); }
+    const ObFlatScrollbar& Bar(HolderKind kind) const { return *Bars().Holder(kind).Bar(); }
+};
+
+TEST_F(ListBars, CoverTheListsOwn) {
+    EXPECT_EQ(Window(), Bars().Host());
+    EXPECT_FALSE(IsWindowVisible(Holder(HolderKind::Vertical))) << "nothing to scroll";
+    InsertMany(100);
+    Send(1001, LVM_SETCOLUMNWIDTH, 0, 5000);
+    ASSERT_TRUE(IsWindowVisible(Holder(HolderKind::Vertical)));
+    ASSERT_TRUE(IsWindowVisible(Holder(HolderKind::Horizontal)));
+    const PixelRect list = RectOf(1001);
+    const PixelRect vertical = RectInParent(Holder(HolderKind::Vertical));
+    EXPECT_EQ(list.right, vertical.right);
+    EXPECT_EQ(list.left + ClientArea(Window()).Width(), vertical.left);
+    EXPECT_EQ(dialog_->window, GetParent(Holder(HolderKind::Vertical)));
+}
+
+TEST_F(ListBars, ShowWhereTheListIsAndScrollIt) {
+    InsertMany(100);
+    const HWND bar = Bar(HolderKind::Vertical).window;
+    Send(1001, LVM_ENSUREVISIBLE, 99, FALSE);
+    const LRESULT top = Send(1001, LVM_GETTOPINDEX);
+    EXPECT_LT(0, top);
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_POS;
+    Bar(HolderKind::Vertical).GetInfo(info);
+    EXPECT_EQ(top, info.nPos);
+    SendMessageW(Holder(HolderKind::Vertical), WM_VSCROLL, SB_PAGEUP,
+                 reinterpret_cast<LPARAM>(bar));
+    EXPECT_GT(top, Send(1001, LVM_GETTOPINDEX));
+}
+
+TEST_F(ListBars, TakeTheColoursOfTheSystem) {
+    InsertMany(100);
+    const HWND bar = Bar(HolderKind::Vertical).window;
+    UpdateWindow(bar);
+    fieldtest::isContrast = true;
+    for (const UINT message : {WM_SYSCOLORCHANGE, WM_THEMECHANGED}) {
+        ValidateRect(bar, nullptr);
+        SendMessageW(dialog_->window, message, 0, 0);
+        EXPECT_TRUE(GetUpdateRect(bar, nullptr, FALSE)) << message;
+    }
+}
+
+TEST_F(ListBars, GoWithTheListAndComeAgain) {
+    const HWND first = Holder(HolderKind::Vertical);
+    DestroyWindow(Window());
+    EXPECT_EQ(nullptr, Bars().Host());
+    EXPECT_FALSE(IsWindow(first));
+    DestroyWindow(dialog_->window);
+    dialog_->Create(nullptr);
+    EXPECT_EQ(Window(), Bars().Host());
+}
+
+TEST_F(ListBars, AreTheSystemsAgainWhenTheObjectGoesFirst) {
+    const HWND window = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | WS_VISIBLE | LVS_REPORT, 0,
+                                        0, 90, 90, dialog_->window, nullptr, nullptr, nullptr);
+    HWND holder = nullptr;
+    {
+        ObFlatListView list(1, {}, nullptr);
+        list.Attach(window);
+        holder = list.scrollBarHost.Holder(HolderKind::Vertical).Window();
+        EXPECT_TRUE(IsWindow(holder));
+    }
+    EXPECT_FALSE(IsWindow(holder));
+    DestroyWindow(window);
+}
+
 // ---- Group mode
 
 class GroupMode : public ListsTest {};
