@@ -106,7 +106,9 @@ void ObFlatListView::SelectFont(const NMLVCUSTOMDRAW& draw) const {
     }
 }
 
+// Groups are the system's to paint; each is announced as if a painting began.
 LRESULT ObFlatListView::OnDrawStage(NMLVCUSTOMDRAW& draw, LRESULT heard) {
+    if (draw.dwItemType == LVCDI_GROUP) return heard;
     const DWORD stage = draw.nmcd.dwDrawStage;
     if (stage == CDDS_PREPAINT) {
         paintsRows_ = !IsLast(heard) && IsDetails();

@@ -385,6 +385,25 @@ TEST_F(ListPainting, LeavesARowToAParentThatPaintsItItself) {
     EXPECT_EQ(kWhite, shown.At(RowArea(0).left, RowArea(0).top));
 }
 
+// The system announces each group in the middle of a painting, after rows that are there already.
+TEST_F(ListPainting, FillsNothingForAGroup) {
+    const ClientDc dc(Window());
+    const PixelRect area = ClientArea(Window());
+    NMLVCUSTOMDRAW draw{};
+    draw.nmcd.hdr = {Window(), 1001, static_cast<UINT>(NM_CUSTOMDRAW)};
+    draw.nmcd.dwDrawStage = CDDS_PREPAINT;
+    draw.nmcd.hdc = dc.Get();
+    const auto sent = [&](DWORD type) {
+        FillArea(dc.Get(), area, kRed);
+        draw.dwItemType = type;
+        return SendMessageW(dialog_->window, WM_NOTIFY, 1001, reinterpret_cast<LPARAM>(&draw));
+    };
+    EXPECT_EQ(CDRF_NOTIFYITEMDRAW, sent(LVCDI_ITEM));
+    EXPECT_EQ(kWhite, GetPixel(dc.Get(), area.right / 2, area.bottom - 3)) << "the list itself";
+    EXPECT_EQ(CDRF_DODEFAULT, sent(LVCDI_GROUP));
+    EXPECT_EQ(kRed, GetPixel(dc.Get(), area.right / 2, area.bottom - 3));
+}
+
 TEST_F(ListPainting, AnswersEachStage) {
     NMLVCUSTOMDRAW draw{};
     const ClientDc dc(Window());
