@@ -80,10 +80,17 @@ void ObFlatListView::Attach(HWND attached) {
     AddSubclass(parent_, &ObFlatListView::ParentProcedure, this);
     OnFontChanged();
     MakeColumns();
-    header_ = reinterpret_cast<HWND>(SendMessageW(window, LVM_GETHEADER, 0, 0));
-    if (header_ != nullptr) AddSubclass(header_, &ObFlatListView::HeaderProcedure, this);
+    TakeHeader();
     if (IsDetails()) TurnOnGroupView();
     scrollBarHost.Attach(window); // in front, as it looks at messages that are answered here
+}
+
+// A list may make its header only when it is shown.
+void ObFlatListView::TakeHeader() {
+    const auto header = reinterpret_cast<HWND>(SendMessageW(window, LVM_GETHEADER, 0, 0));
+    if (header == nullptr || header == header_) return;
+    AddSubclass(header, &ObFlatListView::HeaderProcedure, this);
+    header_ = header;
 }
 
 // The window goes on as a stock list.
@@ -203,6 +210,12 @@ void ObFlatListView::AfterMessage(UINT message, WPARAM wParam) {
     switch (message) {
     case WM_SETFONT:
         if (wParam != 0) font = reinterpret_cast<HFONT>(wParam);
+        break;
+    case WM_STYLECHANGED:
+    case LVM_SETVIEW:
+    case LVM_INSERTCOLUMNA:
+    case LVM_INSERTCOLUMNW:
+        static_cast<void>(ObLib::RanGuarded([&] { TakeHeader(); }));
         break;
     case WM_SETFOCUS:
     case WM_KILLFOCUS:

@@ -94,6 +94,7 @@ private:
     void OnGone();
     void Detach();
     void MakeColumns();
+    void TakeHeader();
     void LoadCheckImages();
     [[nodiscard]] bool IsDetails() const;
     void MoveMouse(std::optional<PixelPoint> place);

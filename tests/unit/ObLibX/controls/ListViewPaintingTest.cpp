@@ -6,6 +6,7 @@
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
+#include "ObLibX/src/dialog/WindowSubclass.h"
 #include "tests/unit/ObLibX/controls/ListFixture.h"
 
 namespace {
@@ -574,6 +575,34 @@ protected:
         return {shown.At(area.left + 1, area.top + 1), frame};
     }
 };
+
+// As lists are that make their header only when it is shown.
+LRESULT CALLBACK WithoutHeaderInIcons(HWND list, UINT message, WPARAM wParam, LPARAM lParam,
+                                      UINT_PTR, DWORD_PTR object) {
+    if (message == WM_NCDESTROY) {
+        RemoveSubclass(list, &WithoutHeaderInIcons, reinterpret_cast<void*>(object));
+    }
+    const bool isAsked = message == LVM_GETHEADER;
+    if (isAsked && SendMessageW(list, LVM_GETVIEW, 0, 0) != LV_VIEW_DETAILS) return 0;
+    return CallNextSubclass(list, message, wParam, lParam);
+}
+
+TEST_F(ListHeader, MayComeWithTheDetailsViewOnly) {
+    const HWND window = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | WS_VISIBLE | LVS_ICON, 0,
+                                        0, 90, 90, dialog_->window, nullptr, nullptr, nullptr);
+    AddSubclass(window, &WithoutHeaderInIcons, this);
+    ObFlatListView list(1, {}, nullptr);
+    list.Attach(window);
+    LVCOLUMNW column{};
+    column.mask = LVCF_WIDTH;
+    column.cx = Scale(60);
+    SendMessageW(window, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
+    SendMessageW(window, LVM_SETVIEW, LV_VIEW_DETAILS, 0);
+    const auto header = reinterpret_cast<HWND>(SendMessageW(window, LVM_GETHEADER, 0, 0));
+    SendMessageW(header, WM_MOUSEMOVE, 0, MAKELPARAM(Scale(5), 3));
+    EXPECT_EQ(kHotFrame, ShownPixels(header).At(0, 0));
+    DestroyWindow(window);
+}
 
 TEST_F(ListHeader, IsWhiteAllOver) {
     const ShownPixels shown(ListsTest::Header());
