@@ -31,8 +31,8 @@ inline constexpr UINT kHideBarsDelay = 300; // milliseconds
 //
 // Made and attached by a list view for itself, and by a dialog for any other window, in
 // OnInitDialog after the dialog's own. On the thread of the dialogs. The object outlives the host's
-// window or takes the bars away. It may be deleted in whatever the host answers or tells its parent
-// while a bar is used, its menu is open or the host gets a message.
+// window or takes the bars away. It may be deleted in whatever the host answers or reports to its
+// parent while a bar is used, its menu is open or the host gets a message.
 class ScrollBarHost : private HolderOwner {
 public:
     ScrollBarHost();

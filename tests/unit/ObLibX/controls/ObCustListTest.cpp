@@ -108,7 +108,7 @@ TEST_F(ListViewObject, LeavesAStockListWhenItGoesFirst) {
     DestroyWindow(window);
 }
 
-// What lies below the object's procedures destroys the window and deletes the object, as a dialog
+// What is below the object's procedures destroys the window and deletes the object, as a dialog
 // does that closes when it hears of a click.
 class DeletedList : public ListsTest {
 protected:
