@@ -9,6 +9,7 @@
 #include "OBCore/chooser/CloudChoice.h"
 #include "OBCore/chooser/CloudRows.h"
 #include "OBCore/modules/DialogIds.h"
+#include "OBCore/modules/ProductIcon.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
@@ -20,32 +21,11 @@ constexpr COLORREF kHeadlineColour = 0x0000EA; // a red
 constexpr wchar_t kPartsProperty[] = L"ObChooserParts";
 constexpr UINT kScaleChanged = WM_APP; // the dialog posts it to itself
 
-struct IconPolicy : ObLib::NullPolicy<HICON> {
-    static void Close(HICON icon) noexcept { DestroyIcon(icon); }
-};
-using UniqueIcon = ObLib::UniqueResource<IconPolicy>;
-
 // What the open dialog owns. A property of its window, since the window's own slot has the job.
 struct DialogParts {
-    UniqueIcon smallIcon;
-    UniqueIcon largeIcon;
+    ProductIcon icon;
     ObLib::UniqueFont headline;
 };
-
-// Sets one of the window's icons, in the size for the window's scale; `icon` owns it then.
-void SetIcon(HWND window, WPARAM kind, int widthMetric, int heightMetric, UniqueIcon& icon) {
-    const UINT dpi = GetDpiForWindow(window);
-    UniqueIcon loaded(static_cast<HICON>(LoadImageW(
-        ResourceModule(), MAKEINTRESOURCEW(OB_PRODUCT_ICON), IMAGE_ICON,
-        GetSystemMetricsForDpi(widthMetric, dpi), GetSystemMetricsForDpi(heightMetric, dpi), 0)));
-    SendMessageW(window, WM_SETICON, kind, reinterpret_cast<LPARAM>(loaded.Get()));
-    icon = std::move(loaded);
-}
-
-void SetIcons(HWND window, DialogParts& parts) {
-    SetIcon(window, ICON_SMALL, SM_CXSMICON, SM_CYSMICON, parts.smallIcon);
-    SetIcon(window, ICON_BIG, SM_CXICON, SM_CYICON, parts.largeIcon);
-}
 
 // One and a half times the dialog's font. Empty when it can't be made.
 ObLib::UniqueFont HeadlineFont(HWND window) {
@@ -128,7 +108,7 @@ DialogParts* AttachParts(HWND window) {
 void Open(HWND window, OBAttachJob& job) {
     SetWindowLongPtrW(window, DWLP_USER, reinterpret_cast<LONG_PTR>(&job));
     DialogParts* const parts = AttachParts(window);
-    if (parts) SetIcons(window, *parts);
+    if (parts) parts->icon.Set(window);
     ShowRows(window, job);
     if (parts) SetHeadlineFont(window, *parts);
     EnableWindow(GetDlgItem(window, OB_CHOOSER_CONTINUE), FALSE);
@@ -139,7 +119,7 @@ void Open(HWND window, OBAttachJob& job) {
 // dialog and given the controls its font; what was set by hand is set anew.
 void FollowScale(HWND window) {
     if (auto* const parts = static_cast<DialogParts*>(GetPropW(window, kPartsProperty))) {
-        SetIcons(window, *parts);
+        parts->icon.Set(window);
         SetHeadlineFont(window, *parts);
     }
     FitColumn(GetDlgItem(window, OB_CHOOSER_LIST));
