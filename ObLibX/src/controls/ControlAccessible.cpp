@@ -6,50 +6,16 @@
 
 #include "ObLib/Src/Win32/ComResources.h"
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLibX/src/controls/SystemAccessible.h"
 
 namespace ObLibX {
 
 // Answers for name, role, state, value, description, keys and action; the rest is what the system's
-// own object for the window answers. Called on the window's thread: the system passes calls of
-// other processes on to it.
-struct AccessibleObject final : IAccessible {
+// own object for the window answers.
+struct AccessibleObject final : SystemAccessible {
     AccessibleObject(AccessibleSource& control, ObLib::ComPtr<IAccessible> standard)
-        : source_(&control), standard_(std::move(standard)) {}
+        : SystemAccessible(std::move(standard)), source_(&control) {}
     void Disconnect() { source_ = nullptr; }
-
-    // ---- IUnknown
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool isOurs =
-            iid == IID_IUnknown || iid == IID_IDispatch || iid == __uuidof(IAccessible);
-        *object = isOurs ? static_cast<IAccessible*>(this) : nullptr;
-        if (!isOurs) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override {
-        return static_cast<ULONG>(InterlockedIncrement(&references_));
-    }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = InterlockedDecrement(&references_);
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
-    }
-
-    // ---- IDispatch: the system's object knows the type
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-        return standard_->GetTypeInfoCount(count);
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID language, ITypeInfo** info) override {
-        return standard_->GetTypeInfo(index, language, info);
-    }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID language,
-                                            DISPID* ids) override {
-        return standard_->GetIDsOfNames(iid, names, count, language, ids);
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                     UINT*) override {
-        return E_NOTIMPL;
-    }
 
     // ---- IAccessible: ours
     HRESULT STDMETHODCALLTYPE get_accName(VARIANT child, BSTR* name) override {
@@ -94,10 +60,7 @@ struct AccessibleObject final : IAccessible {
         });
     }
 
-    // ---- IAccessible: the system's
-    HRESULT STDMETHODCALLTYPE get_accParent(IDispatch** parent) override {
-        return standard_->get_accParent(parent);
-    }
+    // ---- IAccessible: what a control without children doesn't have
     HRESULT STDMETHODCALLTYPE get_accChildCount(LONG* count) override {
         *count = 0;
         return S_OK;
@@ -110,31 +73,12 @@ struct AccessibleObject final : IAccessible {
     HRESULT STDMETHODCALLTYPE get_accHelpTopic(BSTR* file, VARIANT, LONG*) override {
         return None(file);
     }
-    HRESULT STDMETHODCALLTYPE get_accFocus(VARIANT* focus) override {
-        return standard_->get_accFocus(focus);
-    }
-    HRESULT STDMETHODCALLTYPE get_accSelection(VARIANT* selection) override {
-        return standard_->get_accSelection(selection);
-    }
-    HRESULT STDMETHODCALLTYPE accSelect(LONG flags, VARIANT child) override {
-        return standard_->accSelect(flags, child);
-    }
-    HRESULT STDMETHODCALLTYPE accLocation(LONG* left, LONG* top, LONG* width, LONG* height,
-                                          VARIANT child) override {
-        return standard_->accLocation(left, top, width, height, child);
-    }
-    HRESULT STDMETHODCALLTYPE accNavigate(LONG direction, VARIANT start, VARIANT* end) override {
-        return standard_->accNavigate(direction, start, end);
-    }
-    HRESULT STDMETHODCALLTYPE accHitTest(LONG left, LONG top, VARIANT* child) override {
-        return standard_->accHitTest(left, top, child);
-    }
     HRESULT STDMETHODCALLTYPE put_accName(VARIANT, BSTR) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE put_accValue(VARIANT, BSTR) override { return E_NOTIMPL; }
 
 private:
-    // Without a virtual destructor: interfaces have none.
     ~AccessibleObject() = default;
+    void Destroy() override { delete this; }
 
     template <class Work>
     HRESULT Answered(const VARIANT& child, Work work) {
@@ -158,8 +102,6 @@ private:
     }
 
     AccessibleSource* source_; // null once the window has gone
-    ObLib::ComPtr<IAccessible> standard_;
-    LONG references_ = 1;
 };
 
 LRESULT ControlAccessible::OnGetObject(HWND window, WPARAM wParam, LPARAM lParam,

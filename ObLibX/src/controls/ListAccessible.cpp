@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "ObLib/Src/Win32/ComResources.h"
-#include "ObLib/Src/Win32/Guarded.h"
+#include "ObLibX/src/controls/SystemAccessible.h"
 
 namespace ObLibX {
 namespace {
@@ -14,47 +14,11 @@ using Accessible = ObLib::ComPtr<IAccessible>;
 
 } // namespace
 
-// Called on the list's thread: the system passes calls of other processes on to it.
-struct ListObject final : IAccessible {
+struct ListObject final : SystemAccessible {
     ListObject(RowChecks& checks, Accessible standard)
-        : checks_(&checks), standard_(std::move(standard)) {}
+        : SystemAccessible(std::move(standard)), checks_(&checks) {}
     void Disconnect() { checks_ = nullptr; }
 
-    // ---- IUnknown
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        const bool isOurs =
-            iid == IID_IUnknown || iid == IID_IDispatch || iid == __uuidof(IAccessible);
-        *object = isOurs ? static_cast<IAccessible*>(this) : nullptr;
-        if (!isOurs) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override {
-        return static_cast<ULONG>(InterlockedIncrement(&references_));
-    }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = InterlockedDecrement(&references_);
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
-    }
-
-    // ---- IDispatch
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-        return standard_->GetTypeInfoCount(count);
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID language, ITypeInfo** info) override {
-        return standard_->GetTypeInfo(index, language, info);
-    }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID language,
-                                            DISPID* ids) override {
-        return standard_->GetIDsOfNames(iid, names, count, language, ids);
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                     UINT*) override {
-        return E_NOTIMPL;
-    }
-
-    // ---- IAccessible: ours
     HRESULT STDMETHODCALLTYPE get_accState(VARIANT child, VARIANT* state) override {
         if (checks_ == nullptr) return CO_E_OBJNOTCONNECTED;
         const HRESULT systems = standard_->get_accState(child, state);
@@ -66,72 +30,9 @@ struct ListObject final : IAccessible {
         return S_OK;
     }
 
-    // ---- IAccessible: the system's
-    HRESULT STDMETHODCALLTYPE get_accName(VARIANT child, BSTR* name) override {
-        return standard_->get_accName(child, name);
-    }
-    HRESULT STDMETHODCALLTYPE get_accRole(VARIANT child, VARIANT* role) override {
-        return standard_->get_accRole(child, role);
-    }
-    HRESULT STDMETHODCALLTYPE accDoDefaultAction(VARIANT child) override {
-        return standard_->accDoDefaultAction(child);
-    }
-    HRESULT STDMETHODCALLTYPE get_accValue(VARIANT child, BSTR* value) override {
-        return standard_->get_accValue(child, value);
-    }
-    HRESULT STDMETHODCALLTYPE get_accDescription(VARIANT child, BSTR* text) override {
-        return standard_->get_accDescription(child, text);
-    }
-    HRESULT STDMETHODCALLTYPE get_accDefaultAction(VARIANT child, BSTR* action) override {
-        return standard_->get_accDefaultAction(child, action);
-    }
-    HRESULT STDMETHODCALLTYPE get_accParent(IDispatch** parent) override {
-        return standard_->get_accParent(parent);
-    }
-    HRESULT STDMETHODCALLTYPE get_accChildCount(LONG* count) override {
-        return standard_->get_accChildCount(count);
-    }
-    HRESULT STDMETHODCALLTYPE get_accChild(VARIANT id, IDispatch** child) override {
-        return standard_->get_accChild(id, child);
-    }
-    HRESULT STDMETHODCALLTYPE get_accHelp(VARIANT child, BSTR* help) override {
-        return standard_->get_accHelp(child, help);
-    }
-    HRESULT STDMETHODCALLTYPE get_accHelpTopic(BSTR* file, VARIANT child, LONG* topic) override {
-        return standard_->get_accHelpTopic(file, child, topic);
-    }
-    HRESULT STDMETHODCALLTYPE get_accKeyboardShortcut(VARIANT child, BSTR* shortcut) override {
-        return standard_->get_accKeyboardShortcut(child, shortcut);
-    }
-    HRESULT STDMETHODCALLTYPE get_accFocus(VARIANT* focus) override {
-        return standard_->get_accFocus(focus);
-    }
-    HRESULT STDMETHODCALLTYPE get_accSelection(VARIANT* selection) override {
-        return standard_->get_accSelection(selection);
-    }
-    HRESULT STDMETHODCALLTYPE accSelect(LONG flags, VARIANT child) override {
-        return standard_->accSelect(flags, child);
-    }
-    HRESULT STDMETHODCALLTYPE accLocation(LONG* left, LONG* top, LONG* width, LONG* height,
-                                          VARIANT child) override {
-        return standard_->accLocation(left, top, width, height, child);
-    }
-    HRESULT STDMETHODCALLTYPE accNavigate(LONG direction, VARIANT start, VARIANT* end) override {
-        return standard_->accNavigate(direction, start, end);
-    }
-    HRESULT STDMETHODCALLTYPE accHitTest(LONG left, LONG top, VARIANT* child) override {
-        return standard_->accHitTest(left, top, child);
-    }
-    HRESULT STDMETHODCALLTYPE put_accName(VARIANT child, BSTR name) override {
-        return standard_->put_accName(child, name);
-    }
-    HRESULT STDMETHODCALLTYPE put_accValue(VARIANT child, BSTR value) override {
-        return standard_->put_accValue(child, value);
-    }
-
 private:
-    // Without a virtual destructor: interfaces have none.
     ~ListObject() = default;
+    void Destroy() override { delete this; }
 
     [[nodiscard]] bool IsCheckRow(const VARIANT& child) const {
         return child.vt == VT_I4 && child.lVal > CHILDID_SELF && checks_->HasRowChecks() &&
@@ -139,8 +40,6 @@ private:
     }
 
     RowChecks* checks_; // null once the list has gone
-    Accessible standard_;
-    LONG references_ = 1;
 };
 
 LRESULT ListAccessible::OnGetObject(HWND list, WPARAM wParam, LPARAM lParam, RowChecks& checks) {
