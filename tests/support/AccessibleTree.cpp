@@ -1,6 +1,9 @@
 #include "tests/support/AccessibleTree.h"
 
+#include <commctrl.h>
 #include <oleacc.h>
+
+#include <algorithm>
 
 #include "ObLib/Src/Win32/ComResources.h"
 #include "tests/support/WindowKit.h"
@@ -8,12 +11,16 @@
 namespace obtest {
 namespace {
 
-VARIANT Self() {
-    VARIANT self{};
-    self.vt = VT_I4;
-    self.lVal = CHILDID_SELF;
-    return self;
+constexpr LRESULT kMostRows = 5; // of a list view that are described
+
+VARIANT Child(LONG id) {
+    VARIANT child{};
+    child.vt = VT_I4;
+    child.lVal = id;
+    return child;
 }
+
+VARIANT Self() { return Child(CHILDID_SELF); }
 
 using TextGetter = HRESULT (STDMETHODCALLTYPE IAccessible::*)(VARIANT, BSTR*);
 
@@ -33,9 +40,9 @@ std::wstring RoleOf(IAccessible& object) {
     return name;
 }
 
-std::wstring StatesOf(IAccessible& object) {
+std::wstring StatesOf(IAccessible& object, const VARIANT& child) {
     VARIANT states{};
-    if (object.get_accState(Self(), &states) != S_OK || states.vt != VT_I4) return {};
+    if (object.get_accState(child, &states) != S_OK || states.vt != VT_I4) return {};
     std::wstring names;
     for (DWORD bit = 1; bit != 0; bit <<= 1) {
         if ((static_cast<DWORD>(states.lVal) & bit) == 0) continue;
@@ -44,6 +51,16 @@ std::wstring StatesOf(IAccessible& object) {
         names += (names.empty() ? L"" : L", ") + std::wstring(name);
     }
     return names;
+}
+
+std::vector<std::wstring> RowsOf(HWND window, IAccessible& object) {
+    std::vector<std::wstring> rows;
+    if (ClassOf(window) != WC_LISTVIEWW) return rows;
+    const LRESULT count = SendMessageW(window, LVM_GETITEMCOUNT, 0, 0);
+    for (LONG id = 1; id <= std::min(count, kMostRows); ++id) {
+        rows.push_back(StatesOf(object, Child(id)));
+    }
+    return rows;
 }
 
 AccessibleNode NodeOf(HWND window) {
@@ -58,10 +75,11 @@ AccessibleNode NodeOf(HWND window) {
     IAccessible& object = *owner.Get();
     node.role = RoleOf(object);
     node.name = TextBy(&IAccessible::get_accName, object);
-    node.states = StatesOf(object);
+    node.states = StatesOf(object, Self());
     node.value = TextBy(&IAccessible::get_accValue, object);
     node.description = TextBy(&IAccessible::get_accDescription, object);
     node.action = TextBy(&IAccessible::get_accDefaultAction, object);
+    node.rows = RowsOf(window, object);
     return node;
 }
 
@@ -87,6 +105,9 @@ std::wstring Line(const AccessibleNode& node) {
     Append(line, L"value", node.value);
     Append(line, L"range", node.description);
     Append(line, L"action", node.action);
+    for (std::size_t row = 0; row < node.rows.size(); ++row) {
+        Append(line, (L"row " + std::to_wstring(row + 1)).c_str(), node.rows[row]);
+    }
     return line;
 }
 

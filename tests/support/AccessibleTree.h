@@ -17,6 +17,8 @@ struct AccessibleNode {
     std::wstring value;
     std::wstring description;
     std::wstring action; // the name of what a press does
+    // Of a list view: the names of the states of its first rows, which have no windows.
+    std::vector<std::wstring> rows;
 };
 
 // The visible controls at every depth, in the order in which the system lists them. COM has to be

@@ -68,6 +68,27 @@ TEST_F(AccessibleLinks, HaveTheirTextsAndAnActionWhileEnabled) {
         lines);
 }
 
+class AccessibleLists : public AccessibleGallery {
+protected:
+    AccessibleLists() : AccessibleGallery(L"lists") {}
+};
+
+TEST_F(AccessibleLists, ReportWhichRowsAreChecked) {
+    const auto rows = [&](int id) {
+        std::vector<bool> checked;
+        for (const AccessibleNode& node : AccessibleNodes(page_)) {
+            if (node.id != id) continue;
+            for (const std::wstring& states : node.rows) {
+                checked.push_back(states.find(L"checked") != std::wstring::npos);
+            }
+        }
+        return checked;
+    };
+    EXPECT_EQ((std::vector<bool>{false, true}), rows(OB_GALLERY_LIST_CHECKS));
+    EXPECT_EQ((std::vector<bool>{false, true}), rows(OB_GALLERY_LIST_OFF));
+    EXPECT_EQ((std::vector<bool>{false, false, false}), rows(OB_GALLERY_LIST_PLAIN));
+}
+
 class AccessibleToggles : public AccessibleGallery {
 protected:
     AccessibleToggles() : AccessibleGallery(L"toggles") {}
