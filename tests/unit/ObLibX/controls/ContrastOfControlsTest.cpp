@@ -38,17 +38,47 @@ TEST(Contrast, IsThatOfTheGuidelines) {
 
 struct AgreedColor {
     COLORREF color;
-    double onWhite;
+    COLORREF ground;
+    double contrast;
 };
 
-constexpr AgreedColor kAgreed[] = {{0x797979, 4.35}, {0xA8A8A8, 2.38}, {0xC0C0C0, 1.82},
-                                   {0xDFDFDF, 1.33}, {0x808080, 3.95}, {kAccentColor, 4.77},
-                                   {0xCC6600, 5.57}};
+constexpr COLORREF kWhite = 0xFFFFFF;
+constexpr COLORREF kBarTrack = 0xF0F0F0;
+// The fills of a list's rows and titles: hot; selected, and pressed; selected in a list without the
+// focus.
+constexpr COLORREF kHotFill = 0xFBF3E5;
+constexpr COLORREF kSelectedFill = 0xFDE8D2;
+constexpr COLORREF kSelectedAwayFill = 0xF0F0F0;
 
-TEST(Contrast, OfAgreedColoursOnWhiteIsAsDocumented) {
+constexpr AgreedColor kAgreed[] = {{0x797979, kWhite, 4.35},
+                                   {0x797979, kHotFill, 3.84},
+                                   {0x797979, kSelectedFill, 3.46},
+                                   {0xA9A9A9, kWhite, 2.35},
+                                   {0xA9A9A9, kHotFill, 2.08},
+                                   {0xA9A9A9, kSelectedAwayFill, 2.06},
+                                   {0xA9A9A9, kSelectedFill, 1.87},
+                                   {0xE6A869, kWhite, 2.52},
+                                   {0xE6A869, kSelectedFill, 2.00},
+                                   {0xE6C37A, kWhite, 1.95},
+                                   {0xE6C37A, kHotFill, 1.72},
+                                   {0xA8A8A8, kWhite, 2.38},
+                                   {0xC0C0C0, kWhite, 1.82},
+                                   {0xDFDFDF, kWhite, 1.33},
+                                   {0xCCCCCC, kWhite, 1.61},
+                                   {0xCCCCCC, kBarTrack, 1.41},
+                                   {0xE6E6E6, kWhite, 1.25},
+                                   {0x808080, kWhite, 3.95},
+                                   {0x808080, kSelectedAwayFill, 3.47},
+                                   {kAccentColor, kWhite, 4.77},
+                                   {0xCC6600, kWhite, 5.57}};
+
+TEST(Contrast, OfAgreedColoursOnTheirGroundsIsAsDocumented) {
     for (const AgreedColor& row : kAgreed) {
-        EXPECT_NEAR(row.onWhite, Contrast(row.color, 0xFFFFFF), 0.005) << std::hex << row.color;
+        EXPECT_NEAR(row.contrast, Contrast(row.color, row.ground), 0.0051)
+            << std::hex << row.color << " on " << row.ground;
     }
+    EXPECT_EQ(kHotFill, GetPaletteColor(4));
+    EXPECT_EQ(kSelectedFill, GetPaletteColor(6));
 }
 
 class TextOfButton : public FlatButton {
