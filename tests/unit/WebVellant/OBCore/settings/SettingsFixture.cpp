@@ -1,0 +1,101 @@
+#include "tests/unit/WebVellant/OBCore/settings/SettingsFixture.h"
+
+#include "OBCore/modules/ResourceModule.h"
+#include "OBCore/modules/ServiceLibrary.h"
+#include "ObLib/Src/Win32/ObXAppGlobals.h"
+#include "ObLibX/src/controls/FlatControls.h"
+
+namespace obtest {
+namespace {
+
+constexpr int kMessageTextId = 0xFFFF; // of a message box
+
+// Those of `ids` for which `is` is true.
+template <class Predicate>
+std::vector<int> Which(const std::vector<int>& ids, Predicate is) {
+    std::vector<int> chosen;
+    for (const int id : ids) {
+        if (is(id)) chosen.push_back(id);
+    }
+    return chosen;
+}
+
+} // namespace
+
+obcore::OBOptions PlainOptions() {
+    obcore::OBOptions options;
+    options.AllowedEncryptMethods = 12;
+    return options;
+}
+
+HWND FindDialogWith(int id) {
+    return FindTopWindow(
+        [id](HWND window) { return IsDialog(window) && GetDlgItem(window, id) != nullptr; },
+        GetCurrentProcessId());
+}
+
+std::vector<int> OpenDialog::Checked(const std::vector<int>& ids) const {
+    return Which(ids, [this](int id) { return IsChecked(id); });
+}
+
+std::vector<int> OpenDialog::Disabled(const std::vector<int>& ids) const {
+    return Which(ids, [this](int id) { return !IsEnabled(id); });
+}
+
+void OpenDialog::Select(int id, int row) const {
+    SendMessageW(Item(id), CB_SETCURSEL, static_cast<WPARAM>(row), 0);
+    Notify(id, CBN_SELCHANGE);
+}
+
+void OpenDialog::Notify(int id, int code) const {
+    SendMessageW(window, WM_COMMAND, MAKEWPARAM(id, code), reinterpret_cast<LPARAM>(Item(id)));
+}
+
+SeenBox CloseBoxOf(HWND owner) {
+    const HWND box = WaitForTopWindow(
+        [owner](HWND window) { return IsDialog(window) && GetWindow(window, GW_OWNER) == owner; },
+        GetCurrentProcessId());
+    SeenBox seen{TextOf(box), ItemText(box, kMessageTextId)};
+    seen.owner = owner;
+    seen.hasIcon = FindDescendant(box, [](HWND child) {
+                       return ClassOf(child) == L"Static" &&
+                              (GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) == SS_ICON &&
+                              SendMessageW(child, STM_GETICON, 0, 0) != 0;
+                   }) != nullptr;
+    PressCommand(box, IDCANCEL);
+    WaitUntilClosed(box);
+    return seen;
+}
+
+void SettingsFixture::SetUp() {
+    ClearProductRegistry();
+    FakeModules::Reset();
+    ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
+    ASSERT_TRUE(obcore::LoadArchiveService());
+    ASSERT_TRUE(obcore::BindResourceModule());
+    ObLibX::UseFlatControls();
+}
+
+void SettingsFixture::TearDown() { ObLib::AppGlobals().Clear(); }
+
+INT_PTR SettingsFixture::Operate(int id, const std::function<INT_PTR()>& show,
+                                 const std::function<void(const OpenDialog&)>& use) {
+    WindowDriver driver([id] { return FindDialogWith(id); },
+                        [&use](HWND window) {
+                            const OpenDialog dialog{window};
+                            use(dialog);
+                            if (IsOpen(window)) dialog.Cancel();
+                        },
+                        WindowDriver::kLeaveOpen);
+    const INT_PTR result = show();
+    EXPECT_TRUE(driver.SawWindow());
+    return result;
+}
+
+obcore::OBOptions SettingsFixture::Loaded() {
+    obcore::OBOptions options;
+    options.Load();
+    return options;
+}
+
+} // namespace obtest
