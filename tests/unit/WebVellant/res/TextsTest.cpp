@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/TextIds.h"
@@ -80,6 +82,47 @@ TEST_F(Texts, PasswordPolicyNamesWhatTheIdAsksFor) {
             EXPECT_EQ((mask >> bit & 1) != 0, named) << mask << " " << bit;
         }
     }
+}
+
+// The characters that a mask asks for, each with its article.
+std::vector<std::wstring> WantedCharacters(UINT mask, bool withArticle) {
+    const std::pair<const wchar_t*, const wchar_t*> characters[] = {
+        {L"a ", L"lower case character (a-z)"},
+        {L"an ", L"upper case character (A-Z)"},
+        {L"a ", L"number character (0-9)"},
+        {L"a ", L"symbol character (!, @, #, $, %%, ^, &&, *, ...)"}};
+    std::vector<std::wstring> wanted;
+    for (UINT bit = 0; bit < 4; ++bit) {
+        const std::wstring article = withArticle ? characters[bit].first : L"";
+        if ((mask >> bit & 1) != 0) wanted.push_back(article + characters[bit].second);
+    }
+    return wanted;
+}
+
+// "a", "a and b", "a, b, and c".
+std::wstring Listed(const std::vector<std::wstring>& parts) {
+    if (parts.size() == 2) return parts[0] + L" and " + parts[1];
+    std::wstring list;
+    for (std::size_t index = 0; index < parts.size(); ++index) {
+        if (index > 0) list += L", ";
+        if (index > 0 && index + 1 == parts.size()) list += L"and ";
+        list += parts[index];
+    }
+    return list;
+}
+
+std::wstring PolicyText(UINT mask) {
+    const std::wstring length = L"PASSWORD POLICY: Password must be at least %d characters long";
+    const auto wanted = WantedCharacters(mask, true);
+    if (wanted.empty()) return length + L".";
+    if (wanted.size() == 1) {
+        return length + L" and contain at least one " + WantedCharacters(mask, false)[0] + L".";
+    }
+    return length + L" and contain at least one each of the following: " + Listed(wanted) + L".";
+}
+
+TEST_F(Texts, PasswordPolicyReadsAsAgreedByTheBitsOfItsId) {
+    for (UINT mask = 0; mask < 16; ++mask) EXPECT_EQ(PolicyText(mask), TextOf(41000 + mask));
 }
 
 TEST_F(Texts, SymbolsOfThePolicyAreDoubledWhereFormattingAndDrawingHalveThem) {
