@@ -23,6 +23,10 @@ constexpr int kHeadlines[] = {OB_ATTACHMENT_HEADLINE_5, OB_ATTACHMENT_HEADLINE_1
                               OB_ATTACHMENT_HEADLINE_2, OB_ATTACHMENT_HEADLINE_3,
                               OB_ATTACHMENT_HEADLINE_6, OB_ATTACHMENT_HEADLINE_4};
 
+constexpr int kSendRadios[] = {OB_ATTACHMENT_SEND_ZIP, OB_ATTACHMENT_SEND_ENCRYPTED,
+                               OB_ATTACHMENT_SEND_PLAIN};
+constexpr int kEndingRadios[] = {OB_ATTACHMENT_ZIP, OB_ATTACHMENT_ZIPX};
+
 struct OptionBox {
     int id;
     bool OBOptions::*option;
@@ -74,7 +78,7 @@ void ShowSendChoice(HWND window, const OBOptions& options) {
     if (options.AlwaysEncrypt) {
         Disable(window, OB_ATTACHMENT_SEND_ZIP);
         Disable(window, OB_ATTACHMENT_SEND_PLAIN);
-        SetChecked(window, OB_ATTACHMENT_SEND_ENCRYPTED, true);
+        CheckOneOf(window, kSendRadios, OB_ATTACHMENT_SEND_ENCRYPTED);
         return;
     }
     if (IsEncryptionForbidden(options)) {
@@ -83,7 +87,7 @@ void ShowSendChoice(HWND window, const OBOptions& options) {
     }
     for (const SendRow& row : kSendRows) {
         if (!row.applies(options)) continue;
-        SetChecked(window, row.checked, true);
+        CheckOneOf(window, kSendRadios, row.checked);
         for (const int id : row.disabled) Disable(window, id);
         return;
     }
@@ -111,7 +115,7 @@ void InitAttachmentDialog(HWND window, const OBOptions& options) {
     for (const OptionBox& box : kBoxes) SetChecked(window, box.id, options.*box.option);
     ShowTexts(window, options);
     const bool isZip = options.CompressionMethod < kCompressionZipx;
-    SetChecked(window, isZip ? OB_ATTACHMENT_ZIP : OB_ATTACHMENT_ZIPX, true);
+    CheckOneOf(window, kEndingRadios, isZip ? OB_ATTACHMENT_ZIP : OB_ATTACHMENT_ZIPX);
     ShowAppend(window, options.NameAppend);
     ShowStoredName(window, options);
 }

@@ -16,6 +16,10 @@ void SetChecked(HWND dialog, int id, bool isChecked) {
     CheckDlgButton(dialog, id, isChecked ? BST_CHECKED : BST_UNCHECKED);
 }
 
+void CheckOneOf(HWND dialog, std::span<const int> radios, int chosen) {
+    for (const int radio : radios) SetChecked(dialog, radio, radio == chosen);
+}
+
 void SetEnabled(HWND dialog, int id, bool isEnabled) {
     EnableWindow(GetDlgItem(dialog, id), isEnabled ? TRUE : FALSE);
 }

@@ -117,6 +117,22 @@ TEST_F(AttachmentDialog, ShowsTheChoiceThatPolicyLeaves) {
     }
 }
 
+// A radio that isn't checked and gets the focus as the dialog opens would count as clicked.
+TEST_F(AttachmentDialog, StopsTabAtTheCheckedRadiosOnly) {
+    for (const SendCase& row : kSendCases) {
+        options_ = obtest::PlainOptions();
+        row.set(options_);
+        options_.CompressionMethod = 0xFFFFFFFF;
+        Show([&row](const OpenDialog& dialog) {
+            for (const int id : {kZip, kEncrypted, kPlain}) {
+                EXPECT_EQ(dialog.IsChecked(id), obtest::IsTabStop(dialog.Item(id))) << row.name;
+            }
+            EXPECT_FALSE(obtest::IsTabStop(dialog.Item(OB_ATTACHMENT_ZIP)));
+            EXPECT_TRUE(obtest::IsTabStop(dialog.Item(OB_ATTACHMENT_ZIPX)));
+        });
+    }
+}
+
 TEST_F(AttachmentDialog, ShowsEachBoxAsItsOptionIs) {
     const struct {
         int id;
@@ -177,11 +193,7 @@ TEST_F(AttachmentDialog, ListsTheFiveAppendices) {
 TEST_F(AttachmentDialog, DrawsItsSixHeadlinesBold) {
     Show([](const OpenDialog& dialog) {
         for (const int id : {1012, 1013, 1014, 1015, 1016, 1020}) {
-            const auto font =
-                reinterpret_cast<HGDIOBJ>(SendMessageW(dialog.Item(id), WM_GETFONT, 0, 0));
-            LOGFONTW face{};
-            GetObjectW(font, sizeof face, &face);
-            EXPECT_EQ(FW_BOLD, face.lfWeight) << id;
+            EXPECT_TRUE(obtest::IsBold(dialog.Item(id))) << id;
         }
     });
 }

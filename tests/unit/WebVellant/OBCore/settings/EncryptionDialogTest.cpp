@@ -118,11 +118,7 @@ TEST_F(EncryptionDialog, NamesTheStrongMethodAlsoWhereItIsDisabled) {
 
 TEST_F(EncryptionDialog, DrawsItsHeadlineBold) {
     Show([](const OpenDialog& dialog) {
-        const auto font = reinterpret_cast<HGDIOBJ>(
-            SendMessageW(dialog.Item(OB_ENCRYPTION_HEADLINE), WM_GETFONT, 0, 0));
-        LOGFONTW face{};
-        GetObjectW(font, sizeof face, &face);
-        EXPECT_EQ(FW_BOLD, face.lfWeight);
+        EXPECT_TRUE(obtest::IsBold(dialog.Item(OB_ENCRYPTION_HEADLINE)));
     });
 }
 

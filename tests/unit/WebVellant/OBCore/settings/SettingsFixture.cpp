@@ -34,6 +34,14 @@ HWND FindDialogWith(int id) {
         GetCurrentProcessId());
 }
 
+bool IsBold(HWND window) {
+    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0));
+    LOGFONTW face{};
+    return GetObjectW(font, sizeof face, &face) != 0 && face.lfWeight == FW_BOLD;
+}
+
+bool IsTabStop(HWND window) { return (GetWindowLongPtrW(window, GWL_STYLE) & WS_TABSTOP) != 0; }
+
 std::vector<int> OpenDialog::Checked(const std::vector<int>& ids) const {
     return Which(ids, [this](int id) { return IsChecked(id); });
 }

@@ -27,6 +27,12 @@ obcore::OBOptions PlainOptions();
 // The visible dialog of this process that has the control `id`; null when there is none.
 HWND FindDialogWith(int id);
 
+// Whether the window's font is bold.
+bool IsBold(HWND window);
+
+// Whether Tab stops at it.
+bool IsTabStop(HWND window);
+
 // An open dialog, on the thread of a UI driver. A call returns after the dialog has dealt with it.
 struct OpenDialog {
     HWND Item(int id) const { return GetDlgItem(window, id); }
