@@ -21,3 +21,7 @@
 #define OB_CLOUD_DAYS 1218
 #define OB_CLOUD_DAYS_SPIN 1219
 #define OB_CLOUD_MANAGE 1220
+
+// Labels that the dialog's code doesn't use.
+#define OB_CLOUD_SIZE_LABEL 2001
+#define OB_CLOUD_DAYS_LABEL 2002
