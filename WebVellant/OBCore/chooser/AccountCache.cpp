@@ -37,6 +37,14 @@ std::int32_t ReadAccountProfiles(CloudProvider* provider, ProfileArray& profiles
     return std::min(count, static_cast<std::int32_t>(kAccountCapacity));
 }
 
+void TakeNewestAccount(CloudProvider* provider, ProviderProfile& profile) {
+    ProfileArray profiles{};
+    const std::int32_t count = ReadAccountProfiles(provider, profiles);
+    if (count <= 0) return;
+    const ProviderProfile& newest = profiles[static_cast<std::size_t>(count) - 1];
+    if (newest.providerId != obcontract::kNoProvider) profile = newest;
+}
+
 void RefreshAccountCache(AccountCache& cache, ProviderManagerHandle manager) {
     ProviderManager().EnumProvidersReset(manager);
     while (CloudProvider* const provider = ProviderManager().EnumStorageProviders(manager)) {

@@ -22,6 +22,10 @@ using ProfileArray = std::array<obcontract::ProviderProfile, kAccountCapacity>;
 // 16: that many profiles are filled; 0 or less means that it has no account.
 std::int32_t ReadAccountProfiles(obcontract::CloudProvider* provider, ProfileArray& profiles);
 
+// After a login: the provider's newest account takes the place of `profile`, which stays as it is
+// when the provider counts none, or more than it has filled in.
+void TakeNewestAccount(obcontract::CloudProvider* provider, obcontract::ProviderProfile& profile);
+
 // Walks all providers of the manager, also those that aren't offered for storing, and fills a cache
 // that was just emptied. A provider without an account gets one profile that has its id alone; one
 // that reports a negative count gets none. No other walk over the providers may be under way.

@@ -5,7 +5,6 @@
 #include "OBCore/modules/ProviderLibrary.h"
 
 using obcontract::CloudProvider;
-using obcontract::kNoProvider;
 using obcontract::ProviderKind;
 using obcontract::ProviderManagerHandle;
 using obcontract::ProviderProfile;
@@ -15,15 +14,6 @@ namespace {
 
 constexpr char kSource[] = "OBCore\\OBSelectDefaultCloudDialog";
 constexpr int kLoginLine = 2;
-
-// The chosen profile stays when the provider counts more accounts than it has filled in.
-void TakeNewestAccount(CloudProvider* provider, ProviderProfile& profile) {
-    ProfileArray profiles{};
-    const std::int32_t count = ReadAccountProfiles(provider, profiles);
-    if (count <= 0) return;
-    const ProviderProfile& newest = profiles[static_cast<std::size_t>(count) - 1];
-    if (newest.providerId != kNoProvider) profile = newest;
-}
 
 } // namespace
 
