@@ -140,15 +140,19 @@ void Logout2(ProviderManagerHandle manager, CloudProvider* provider, const wchar
 Bool IsAuthorized2(ProviderManagerHandle manager, CloudProvider* provider,
                    const wchar_t* accountKey, HWND owner) {
     Record(L"IsAuthorized2", manager, provider, accountKey, owner);
-    return IsReady(manager) && provider && ScriptedCount(L"IsAuthorized2", 0) != 0;
+    if (!IsReady(manager) || !provider) return 0;
+    const std::wstring ofAccount =
+        std::wstring(L"IsAuthorized2.") + (accountKey ? accountKey : L"");
+    return ScriptedCount(ofAccount, ScriptedCount(L"IsAuthorized2", 0)) != 0;
 }
 
 void GetShortDescription(CloudProvider* provider, std::uint32_t one, wchar_t* buffer,
                          std::uint32_t* capacity) {
     Record(L"GetShortDescription", provider, one, capacity ? *capacity : 0);
     const FakeProvider* fake = FindProvider(provider);
-    FillText(buffer, capacity ? *capacity : 0,
-             fake ? ScriptedText(fake->Key(L"GetShortDescription")) : std::wstring());
+    if (!fake) return FillText(buffer, capacity ? *capacity : 0, {});
+    const std::wstring call = fake->Key(L"GetShortDescription");
+    FillTextOf(call, buffer, capacity ? *capacity : 0, ScriptedText(call));
 }
 
 HBITMAP GetBitmap(CloudProvider* provider, std::uint32_t one, std::uint32_t sizeIndex) {

@@ -12,11 +12,12 @@
 //   GetDefaultStorageProvider         "id|label|key" [what was set in this manager]
 //   SetDefaultStorageProvider         [1]
 //   Login2                            [0]; Login2.accountKey, Login2.accountLabel: texts given out
+//   IsAuthorized2.KEY                 for the account of this key [as the next line has it]
 //   IsAuthorized2                     [0]
 //   GetLastErrorOfProvider            [text "error CODE" after a code was set, else none]
 //   GetLastErrorCodeOfProvider        [0]; GetLastErrorCodeOfProvider.text
 //   GetLastErrorOfProvider.noNul, GetLastErrorCodeOfProvider.noNul, providerN.GetDisplayName.noNul,
-//   providerN.GetAccountRootFolder.noNul
+//   providerN.GetAccountRootFolder.noNul, providerN.GetShortDescription.noNul
 //                                     1: a buffer that the text fills has no NUL [0]
 //   GetItem.nameOnly                  1: of the second item and of later ones, both kinds of list
 //                                     give only the name, the rest is left alone [0]
