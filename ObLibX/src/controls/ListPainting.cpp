@@ -19,16 +19,6 @@ void FillAndFrameArea(HDC dc, const PixelRect& area, const FillAndFrame& colors)
     if (frame != fill) FrameArea(dc, area, frame);
 }
 
-// The system draws it by the text colours, which have to be black and white for it.
-void PaintFocusBox(HDC dc, const PixelRect& row) {
-    const RECT box = AsRect(Inset(row, 1));
-    const COLORREF text = SetTextColor(dc, 0);
-    const COLORREF ground = SetBkColor(dc, 0xFFFFFF);
-    DrawFocusRect(dc, &box);
-    SetBkColor(dc, ground);
-    SetTextColor(dc, text);
-}
-
 void CopyBitmap(HDC dc, HBITMAP bitmap, const PixelRect& box) {
     const ObLib::UniqueMemoryDc source(CreateCompatibleDC(dc));
     const HGDIOBJ old = SelectObject(source.Get(), bitmap);
@@ -52,6 +42,16 @@ COLORREF AsColor(const ListColor& color) {
     default:
         return color.number;
     }
+}
+
+// The system draws it by the text colours, which have to be black and white for it.
+void PaintFocusBox(HDC dc, const PixelRect& area) {
+    const RECT box = AsRect(Inset(area, 1));
+    const COLORREF text = SetTextColor(dc, 0);
+    const COLORREF ground = SetBkColor(dc, 0xFFFFFF);
+    DrawFocusRect(dc, &box);
+    SetBkColor(dc, ground);
+    SetTextColor(dc, text);
 }
 
 void PaintListRow(HDC dc, const PixelRect& row, const RowState& state, bool isContrast,

@@ -20,6 +20,10 @@ COLORREF AsColor(const ListColor& color);
 void PaintListRow(HDC dc, const PixelRect& row, const RowState& state, bool isContrast,
                   bool showsFocus);
 
+// A dotted box one pixel inside an area, on whatever has been painted there. Painted twice it is
+// gone.
+void PaintFocusBox(HDC dc, const PixelRect& area);
+
 // A text on what has been painted, with the device context's font, in one line.
 struct ListText {
     const wchar_t* text = L"";

@@ -39,6 +39,9 @@ int FocusedRow(HWND list) {
         SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
 }
 
+// Its rows are its client's.
+bool HasOwnerData(HWND list) { return (GetWindowLongPtrW(list, GWL_STYLE) & LVS_OWNERDATA) != 0; }
+
 void FocusRow(HWND list, int row) {
     LVITEMW item{};
     item.state = LVIS_FOCUSED;
@@ -75,7 +78,7 @@ void ObFlatListView::Attach(HWND attached) {
     isFocused = GetFocus() == window;
     mouse_.reset();
     hotRow_ = hotTitle_ = -1;
-    isPainting_ = paintsRows_ = false;
+    isPainting_ = isBoxed_ = false;
     AddSubclass(window, &ObFlatListView::ListProcedure, this);
     AddSubclass(parent_, &ObFlatListView::ParentProcedure, this);
     OnFontChanged();
@@ -96,7 +99,7 @@ void ObFlatListView::TakeHeader() {
 // The window goes on as a stock list.
 void ObFlatListView::Detach() {
     scrollBarHost.Detach();
-    TurnOffGroupView();
+    if (!ObLib::RanGuarded([&] { TurnOffGroupView(); })) groupMode_.End();
     RemoveSubclass(window, &ObFlatListView::ListProcedure, this);
     RemoveSubclass(parent_, &ObFlatListView::ParentProcedure, this);
     if (header_ != nullptr) {
@@ -143,10 +146,6 @@ void ObFlatListView::TurnOnGroupView() { groupMode_.TurnOn(window); }
 
 void ObFlatListView::TurnOffGroupView() { groupMode_.TurnOff(); }
 
-bool ObFlatListView::IsDetails() const {
-    return SendMessageW(window, LVM_GETVIEW, 0, 0) == LV_VIEW_DETAILS;
-}
-
 LRESULT CALLBACK ObFlatListView::ListProcedure(HWND window, UINT message, WPARAM wParam,
                                                LPARAM lParam, UINT_PTR, DWORD_PTR object) {
     auto* const list = reinterpret_cast<ObFlatListView*>(object);
@@ -154,13 +153,14 @@ LRESULT CALLBACK ObFlatListView::ListProcedure(HWND window, UINT message, WPARAM
         list->OnGone();
         return CallNextSubclass(window, message, wParam, lParam);
     }
+    if (message == WM_PAINT || message == WM_PRINTCLIENT) {
+        return list->OnPaint(message, wParam, lParam);
+    }
     const auto answer = ObLib::Guarded(std::optional<LRESULT>(),
                                        [&] { return list->OnMessage(message, wParam, lParam); });
     if (answer) return *answer;
-    const bool wasPainting = std::exchange(list->isPainting_, message == WM_PAINT);
     const LRESULT result = CallNextSubclass(window, message, wParam, lParam);
     if (IsWindow(window) == FALSE) return result; // the object may be deleted
-    list->isPainting_ = wasPainting;
     if (list->window == window) list->AfterMessage(message, wParam);
     return result;
 }
@@ -169,9 +169,6 @@ std::optional<LRESULT> ObFlatListView::OnMessage(UINT message, WPARAM wParam, LP
     switch (message) {
     case WM_ERASEBKGND: // every painting fills the ground itself
         if (IsDetails()) return TRUE;
-        break;
-    case WM_PAINT:
-        UpdateHotRow();
         break;
     case WM_MOUSEMOVE:
         MoveMouse(PointOf(lParam));
@@ -187,14 +184,14 @@ std::optional<LRESULT> ObFlatListView::OnMessage(UINT message, WPARAM wParam, LP
         if (OnKey(wParam, (lParam & kKeyRepeats) != 0)) return 0;
         break;
     case WM_CHAR: // of the key that has flipped a check box
-        if (wParam == L' ' && groupMode_.HasChecks()) return 0;
+        if (wParam == L' ' && FlipsChecks()) return 0;
         break;
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
         isFocused = message == WM_SETFOCUS;
         break;
     case WM_NOTIFY:
-        return OnHeaderNotification(*reinterpret_cast<const NMHDR*>(lParam));
+        return OnHeaderNotification(wParam, lParam);
     case WM_GETOBJECT: {
         const LRESULT object = accessible_.OnGetObject(window, wParam, lParam, *this);
         if (object != 0) return object;
@@ -215,7 +212,10 @@ void ObFlatListView::AfterMessage(UINT message, WPARAM wParam) {
     case LVM_SETVIEW:
     case LVM_INSERTCOLUMNA:
     case LVM_INSERTCOLUMNW:
-        static_cast<void>(ObLib::RanGuarded([&] { TakeHeader(); }));
+        static_cast<void>(ObLib::RanGuarded([&] {
+            TakeHeader();
+            groupMode_.FollowView();
+        }));
         break;
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
@@ -264,10 +264,19 @@ void ObFlatListView::InvalidateRow(int row) {
     if (area.right > area.left) InvalidateRect(window, &area, FALSE);
 }
 
+PixelRect ObFlatListView::FirstCell(int row) const {
+    const auto columns = ColumnsOf(window, header_);
+    if (columns.empty()) return {};
+    const PixelRect area = AreaOfRow(row);
+    return {columns[0].left, area.top, columns[0].right, area.bottom};
+}
+
+bool ObFlatListView::FlipsChecks() const { return groupMode_.HasChecks() && !HasOwnerData(window); }
+
 // The focus comes to the list and to the row, as from any press; what is selected stays. A client
 // that hears of it may destroy the window, and the object with it.
 bool ObFlatListView::OnPress(PixelPoint point) {
-    if (!groupMode_.HasChecks() || !IsDetails()) return false;
+    if (!FlipsChecks()) return false;
     const int row = RowAt(point);
     if (row < 0) return false;
     if (!CheckArea(FirstCell(row), ListMeasuresAt(GetDpi())).Contains(point)) return false;
@@ -280,19 +289,19 @@ bool ObFlatListView::OnPress(PixelPoint point) {
 
 // A key that is held flips once.
 bool ObFlatListView::OnKey(WPARAM key, bool repeats) {
-    if (key != VK_SPACE || GetKeyState(VK_CONTROL) < 0) return false;
-    if (!groupMode_.HasChecks() || !IsDetails()) return false;
+    if (key != VK_SPACE || GetKeyState(VK_CONTROL) < 0 || !FlipsChecks()) return false;
     const int row = FocusedRow(window);
     if (row < 0) return false;
     if (!repeats) Flip(row);
     return true;
 }
 
-// Clients hear of it as of any change of a row's state.
+// Clients hear of it as of any change of a row's state, and may refuse it.
 void ObFlatListView::Flip(int row) {
     const HWND list = window;
-    SetCheckOfRow(list, row, IsRowChecked(row) ? RowCheck::Off : RowCheck::On);
-    if (IsWindow(list) == FALSE) return;
+    const RowCheck before = CheckOfRow(list, row);
+    SetCheckOfRow(list, row, before == RowCheck::On ? RowCheck::Off : RowCheck::On);
+    if (IsWindow(list) == FALSE || CheckOfRow(list, row) == before) return;
     NotifyWinEvent(EVENT_OBJECT_STATECHANGE, list, OBJID_CLIENT, row + 1);
 }
 

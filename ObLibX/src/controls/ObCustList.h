@@ -7,13 +7,14 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/controls/ListAccessible.h"
-#include "ObLibX/src/controls/ListColours.h"
 #include "ObLibX/src/controls/ListGroupMode.h"
+#include "ObLibX/src/controls/ListPainter.h"
 #include "ObLibX/src/controls/ScrollBarHost.h"
 #include "ObLibX/src/dialog/DialogDescription.h"
 #include "ObLibX/src/dialog/ObCustCtrl.h"
@@ -27,7 +28,9 @@ class ObXDlg;
 // it selects for a row is the font of its cells. The other views stay stock.
 //
 // With group mode, which a details view has from the beginning, rows are 18 pixels high at 96 dpi,
-// 24 with check boxes; a press on a check box, or Space on the focused row, flips it.
+// 24 with check boxes; a press on a check box, or Space on the focused row, flips it. The client
+// hears of that by LVN_ITEMCHANGED and by no NM_CLICK or LVN_KEYDOWN. A list whose rows are its
+// client's gets press and key as any other list does, and its client flips the box.
 class ObFlatListView : public ObCustomControl, private RowChecks {
 public:
     // `columnsToMake`: what the description has for the list; made at Attach. `dialog`: asked for
@@ -40,6 +43,8 @@ public:
     // Also takes the system's colours and sizes for the scroll bars.
     void Refresh() override;
 
+    // In another view than that of the details it begins when that view comes. Throws
+    // std::bad_alloc before anything has changed; so does TurnOffGroupView.
     void TurnOnGroupView();
     void TurnOffGroupView();
     [[nodiscard]] bool IsGroupViewOn() const { return groupMode_.IsOn(); }
@@ -57,30 +62,6 @@ protected:
     void OnFontChanged() override;
 
 private:
-    struct Column {
-        std::int32_t left = 0; // in the list's client coordinates
-        std::int32_t right = 0;
-        HorizontalPlace horizontal = HorizontalPlace::Left;
-    };
-    // What is the same for all rows of one painting.
-    struct Painting {
-        ListMeasures measures{};
-        std::vector<Column> columns; // by their number
-        bool isContrast = false;
-        bool isDisabled = false;
-        bool hasChecks = false;
-        bool showsFocus = false;
-        HIMAGELIST images = nullptr;
-    };
-    // The row that is being painted.
-    struct Row {
-        int index = -1;
-        PixelRect area; // in the list's client coordinates
-        RowState state;
-        int image = -1;
-        HGDIOBJ font = nullptr; // of its cells
-    };
-
     static LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                           UINT_PTR id, DWORD_PTR object);
     static LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
@@ -96,32 +77,31 @@ private:
     void MakeColumns();
     void TakeHeader();
     void LoadCheckImages();
-    [[nodiscard]] bool IsDetails() const;
+    [[nodiscard]] bool IsDetails() const { return IsDetailsView(window); }
     void MoveMouse(std::optional<PixelPoint> place);
     void UpdateHotRow();
     [[nodiscard]] int RowAt(PixelPoint point) const;
     [[nodiscard]] PixelRect AreaOfRow(int row) const;
     void InvalidateRow(int row);
+    [[nodiscard]] PixelRect FirstCell(int row) const;
+    [[nodiscard]] bool FlipsChecks() const;
     bool OnPress(PixelPoint point);
     bool OnKey(WPARAM key, bool repeats);
     void Flip(int row);
 
     // ---- Painting, in ObCustListPaint.cpp. `heard`: what the parent has answered.
+    LRESULT OnPaint(UINT message, WPARAM wParam, LPARAM lParam);
+    void PaintOffscreen();
+    void FollowFocusBox();
+    [[nodiscard]] bool IsBuffered() const;
+    [[nodiscard]] ListLook Look() const;
     LRESULT EraseParent(WPARAM wParam, LPARAM lParam) const;
-    void SelectFont(const NMLVCUSTOMDRAW& draw) const;
     LRESULT OnDrawStage(NMLVCUSTOMDRAW& draw, LRESULT heard);
-    void BeginPainting(HDC dc);
-    void ReadColumns();
-    void ReadRow(int index);
-    void PaintRow(NMLVCUSTOMDRAW& draw);
-    void PaintCell(const NMLVCUSTOMDRAW& draw);
-    void PaintPictures(HDC dc, const PixelRect& cell, const CellParts& parts);
-    const wchar_t* TextOfCell(int row, int column); // valid until the next call
-    [[nodiscard]] COLORREF CellColor(int column) const;
-    [[nodiscard]] PixelRect FirstCell(int row);
 
     // ---- The header, in the same file
-    std::optional<LRESULT> OnHeaderNotification(const NMHDR& header);
+    std::optional<LRESULT> OnHeaderNotification(WPARAM wParam, LPARAM lParam);
+    LRESULT OnTitleStage(const NMCUSTOMDRAW& draw) const;
+    LRESULT OnDividerClick(WPARAM wParam, LPARAM lParam);
     void PaintHeader();
     void FillAfterTitles(HDC dc) const;
     void MoveOnHeader(PixelPoint point);
@@ -141,10 +121,9 @@ private:
     int hotRow_ = -1;
     int hotTitle_ = -1;
     bool isPainting_ = false; // the list's own procedure has WM_PAINT
-    bool paintsRows_ = false; // of the painting that goes on
-    Painting painting_;
-    Row row_;
-    std::vector<wchar_t> text_; // of the cell that is being painted
+    bool isBoxed_ = false;    // the last painting has put the focus around all rows
+    // Of the painting that goes on; null: rows are painted by the system.
+    std::shared_ptr<ListPainter> painter_;
     ListAccessible accessible_;
 };
 

@@ -1,7 +1,9 @@
-// How the flat list view is painted: its ground, rows and cells, and the header.
+// How the flat list view comes to be painted, rows by a ListPainter, and its header.
 #include <algorithm>
+#include <utility>
 
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/ListPainting.h"
 #include "ObLibX/src/controls/ObCustList.h"
@@ -13,48 +15,7 @@
 namespace ObLibX {
 namespace {
 
-constexpr std::size_t kUsualText = 260;    // characters, with the NUL
-constexpr std::size_t kLongestText = 4096; // no screen shows more of a cell
-
-HorizontalPlace PlaceOfFormat(int format) {
-    switch (format & HDF_JUSTIFYMASK) {
-    case HDF_RIGHT:
-        return HorizontalPlace::Right;
-    case HDF_CENTER:
-        return HorizontalPlace::Centre;
-    default:
-        return HorizontalPlace::Left;
-    }
-}
-
-PixelRect TitleArea(HWND header, int title) {
-    RECT area{};
-    const bool isThere = SendMessageW(header, HDM_GETITEMRECT, static_cast<WPARAM>(title),
-                                      reinterpret_cast<LPARAM>(&area)) != FALSE;
-    return isThere ? AsPixels(area) : PixelRect{};
-}
-
-int TitleCount(HWND header) {
-    return header != nullptr ? static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0)) : 0;
-}
-
-// Format and text of a title.
-struct Title {
-    HorizontalPlace horizontal = HorizontalPlace::Left;
-    wchar_t text[kUsualText] = {};
-
-    Title(HWND header, int index, UINT mask) {
-        HDITEMW item{};
-        item.mask = mask;
-        item.pszText = text;
-        item.cchTextMax = kUsualText;
-        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(index),
-                     reinterpret_cast<LPARAM>(&item));
-        horizontal = PlaceOfFormat(item.fmt);
-    }
-};
-
-bool IsLast(LRESULT heard) { return (heard & CDRF_SKIPDEFAULT) != 0; }
+using UniqueRegion = ObLib::UniqueResource<ObLib::GdiObjectPolicy<HRGN>>;
 
 } // namespace
 
@@ -70,7 +31,7 @@ LRESULT CALLBACK ObFlatListView::ParentProcedure(HWND window, UINT message, WPAR
         return CallNextSubclass(window, message, wParam, lParam);
     }
     auto& draw = *reinterpret_cast<NMLVCUSTOMDRAW*>(lParam);
-    list->SelectFont(draw);
+    if (const auto painter = list->painter_) painter->BeforeParent(draw);
     const HWND own = list->window;
     const LRESULT heard = CallNextSubclass(window, message, wParam, lParam);
     if (IsWindow(own) == FALSE || list->window != own) return heard;
@@ -95,162 +56,95 @@ LRESULT ObFlatListView::EraseParent(WPARAM wParam, LPARAM lParam) const {
     return result;
 }
 
-// ---- Custom drawing
+// ---- Rows
 
-// Of the list for a row, and of the row for its cells, before the parent may choose another one.
-void ObFlatListView::SelectFont(const NMLVCUSTOMDRAW& draw) const {
-    if (!paintsRows_) return;
-    if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT) SelectObject(draw.nmcd.hdc, font);
-    if (draw.nmcd.dwDrawStage == (CDDS_ITEMPREPAINT | CDDS_SUBITEM) && row_.font != nullptr) {
-        SelectObject(draw.nmcd.hdc, row_.font);
+// A painting in the middle of another one, which a client asks for that is asked for a colour or a
+// text, leaves that one's painter alone.
+LRESULT ObFlatListView::OnPaint(UINT message, WPARAM wParam, LPARAM lParam) {
+    const HWND list = window;
+    const bool isOwn = message == WM_PAINT && wParam == 0;
+    if (isOwn) {
+        UpdateHotRow();
+        FollowFocusBox();
     }
+    const bool wasPainting = std::exchange(isPainting_, message == WM_PAINT);
+    auto outer = std::exchange(painter_, nullptr);
+    LRESULT result = 0;
+    if (isOwn && !IsBuffered()) {
+        PaintOffscreen();
+    } else {
+        result = CallNextSubclass(list, message, wParam, lParam);
+    }
+    if (IsWindow(list) == FALSE) return result; // the object may be deleted
+    isPainting_ = wasPainting;
+    painter_ = std::move(outer);
+    return result;
+}
+
+// Other views are erased and painted by the system as ever.
+bool ObFlatListView::IsBuffered() const {
+    const LRESULT style = SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0);
+    return groupMode_.IsInUse() || (style & LVS_EX_DOUBLEBUFFER) != 0 || !IsDetails();
+}
+
+// Without group mode the control paints onto the screen, where each row would be the ground first.
+void ObFlatListView::PaintOffscreen() {
+    const HWND list = window;
+    const UniqueRegion invalid(CreateRectRgn(0, 0, 0, 0));
+    GetUpdateRgn(list, invalid.Get(), FALSE);
+    const PaintDc dc(list);
+    const OffscreenPaint picture(list, dc.Get());
+    if (!picture) return;
+    SelectClipRgn(picture.Dc(), invalid.Get());
+    CallNextSubclass(list, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(picture.Dc()), PRF_CLIENT);
+    picture.Show();
+}
+
+// The box around all rows moves with them when they scroll, and goes when a row gets the focus: it
+// is painted as a whole or not at all.
+void ObFlatListView::FollowFocusBox() {
+    const bool isWanted =
+        isFocused && (HiddenCues(*this) & UISF_HIDEFOCUS) == 0 &&
+        SendMessageW(window, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED) == -1;
+    if (std::exchange(isBoxed_, isWanted) || isWanted) InvalidateRect(window, nullptr, FALSE);
+}
+
+ListLook ObFlatListView::Look() const {
+    const bool isOurs = groupMode_.IsInUse();
+    const LRESULT style = SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0);
+    ListLook look;
+    look.list = window;
+    look.header = header_;
+    look.id = id;
+    look.font = font;
+    look.images =
+        isOurs
+            ? groupMode_.Images()
+            : reinterpret_cast<HIMAGELIST>(SendMessageW(window, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
+    look.hasChecks = isOurs ? groupMode_.HasChecks() : (style & LVS_EX_CHECKBOXES) != 0;
+    for (std::size_t at = 0; at < checkImages.size(); ++at) {
+        look.checkImages[at] = checkImages[at].Get();
+    }
+    look.checkSize = checkSize;
+    look.hasFocus = isFocused;
+    look.showsFocus = (HiddenCues(*this) & UISF_HIDEFOCUS) == 0;
+    look.boxesItself = isBoxed_;
+    look.hotRow = hotRow_;
+    look.colors = colorSource;
+    return look;
 }
 
 // Groups are the system's to paint; each is announced as if a painting began.
 LRESULT ObFlatListView::OnDrawStage(NMLVCUSTOMDRAW& draw, LRESULT heard) {
     if (draw.dwItemType == LVCDI_GROUP) return heard;
-    const DWORD stage = draw.nmcd.dwDrawStage;
-    if (stage == CDDS_PREPAINT) {
-        paintsRows_ = !IsLast(heard) && IsDetails();
-        if (!paintsRows_) return heard;
-        BeginPainting(draw.nmcd.hdc);
-        return heard | CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) {
+        painter_.reset();
+        if ((heard & CDRF_SKIPDEFAULT) != 0 || !IsDetails()) return heard;
+        painter_ = std::make_shared<ListPainter>(Look());
+        return heard | painter_->Begin(draw.nmcd.hdc);
     }
-    if (!paintsRows_ || IsLast(heard)) return heard;
-    if (stage == CDDS_ITEMPREPAINT) {
-        PaintRow(draw);
-        return (heard & CDRF_NOTIFYPOSTPAINT) | CDRF_NOTIFYSUBITEMDRAW;
-    }
-    if (stage != (CDDS_ITEMPREPAINT | CDDS_SUBITEM)) return heard;
-    PaintCell(draw);
-    return CDRF_SKIPDEFAULT;
-}
-
-void ObFlatListView::BeginPainting(HDC dc) {
-    painting_.measures = ListMeasuresAt(GetDpi());
-    painting_.isContrast = IsHighContrast();
-    painting_.isDisabled = IsWindowEnabled(window) == FALSE;
-    painting_.showsFocus = (HiddenCues(*this) & UISF_HIDEFOCUS) == 0;
-    painting_.images =
-        groupMode_.IsOn()
-            ? groupMode_.Images()
-            : reinterpret_cast<HIMAGELIST>(SendMessageW(window, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
-    painting_.hasChecks =
-        groupMode_.IsOn()
-            ? groupMode_.HasChecks()
-            : (SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0) & LVS_EX_CHECKBOXES) != 0;
-    ReadColumns();
-    RECT clip{};
-    if (GetClipBox(dc, &clip) == NULLREGION) return;
-    FillArea(dc, AsPixels(clip), AsColor(ColorOfListGround(painting_.isContrast)));
-}
-
-void ObFlatListView::ReadColumns() {
-    painting_.columns.clear();
-    POINT origin{};
-    if (header_ != nullptr) MapWindowPoints(header_, window, &origin, 1);
-    const int count = TitleCount(header_);
-    for (int at = 0; at < count; ++at) {
-        const PixelRect title = TitleArea(header_, at);
-        painting_.columns.push_back({title.left + origin.x, title.right + origin.x,
-                                     Title(header_, at, HDI_FORMAT).horizontal});
-    }
-}
-
-void ObFlatListView::ReadRow(int index) {
-    LVITEMW item{};
-    item.mask = LVIF_STATE | LVIF_IMAGE;
-    item.iItem = index;
-    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    item.iImage = I_IMAGENONE;
-    SendMessageW(window, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    row_.index = index;
-    row_.area = AreaOfRow(index);
-    row_.state = {(item.state & LVIS_SELECTED) != 0, index == hotRow_,
-                  (item.state & LVIS_FOCUSED) != 0, isFocused};
-    row_.image = item.iImage;
-}
-
-// Without the focus of the row the system draws no box around its text.
-void ObFlatListView::PaintRow(NMLVCUSTOMDRAW& draw) {
-    ReadRow(static_cast<int>(draw.nmcd.dwItemSpec));
-    row_.font = GetCurrentObject(draw.nmcd.hdc, OBJ_FONT);
-    draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_FOCUS);
-    PaintListRow(draw.nmcd.hdc, row_.area, row_.state, painting_.isContrast, painting_.showsFocus);
-}
-
-void ObFlatListView::PaintCell(const NMLVCUSTOMDRAW& draw) {
-    const int column = draw.iSubItem;
-    const auto row = static_cast<int>(draw.nmcd.dwItemSpec);
-    if (row != row_.index) ReadRow(row);
-    if (column < 0 || static_cast<std::size_t>(column) >= painting_.columns.size()) return;
-    const Column& place = painting_.columns[static_cast<std::size_t>(column)];
-    const PixelRect cell{place.left, row_.area.top, place.right, row_.area.bottom};
-    if (cell.IsEmpty()) return;
-    const bool isFirst = column == 0;
-    CellContents contents;
-    if (isFirst && painting_.hasChecks) contents.check = {checkSize.cx, checkSize.cy};
-    contents.hasIcon = isFirst && painting_.images != nullptr;
-    const CellParts parts = PlaceInCell(cell, contents, painting_.measures);
-    const HDC dc = draw.nmcd.hdc;
-    if (isFirst) PaintPictures(dc, cell, parts);
-    PaintListText(dc, {TextOfCell(row, column), parts.text, CellColor(column), place.horizontal,
-                       VerticalPlace::Centre});
-}
-
-// Clipped where the cell is narrower than they are.
-void ObFlatListView::PaintPictures(HDC dc, const PixelRect& cell, const CellParts& parts) {
-    if (parts.check.IsEmpty() && parts.icon.IsEmpty()) return;
-    const bool isNarrow = std::max(parts.check.right, parts.icon.right) > cell.right;
-    const int saved = isNarrow ? SaveDC(dc) : 0;
-    if (saved != 0) IntersectClipRect(dc, cell.left, cell.top, cell.right, cell.bottom);
-    if (!parts.check.IsEmpty()) {
-        const bool isOn = IsRowChecked(row_.index);
-        const std::size_t image = (painting_.isDisabled ? 2u : 0u) + (isOn ? 0u : 1u);
-        PaintListCheck(
-            dc, parts.check,
-            {checkImages[image].Get(), isOn, !painting_.isDisabled, row_.state.isSelected});
-    }
-    if (!parts.icon.IsEmpty()) PaintListIcon(dc, painting_.images, row_.image, parts.icon);
-    if (saved != 0) RestoreDC(dc, saved);
-}
-
-COLORREF ObFlatListView::CellColor(int column) const {
-    const COLORREF dialogs =
-        colorSource != nullptr
-            ? colorSource->GetListItemColor(id, row_.index, column,
-                                            CellFlags(row_.state, painting_.isContrast))
-            : kNoColor;
-    if (dialogs != kNoColor) return dialogs;
-    return AsColor(
-        ColorOfCell(row_.state, column == 0, painting_.isDisabled, painting_.isContrast));
-}
-
-// The control may answer with a text of its own instead of a copy.
-const wchar_t* ObFlatListView::TextOfCell(int row, int column) {
-    if (text_.empty()) text_.resize(kUsualText);
-    while (true) {
-        LVITEMW item{};
-        item.iSubItem = column;
-        item.pszText = text_.data();
-        item.cchTextMax = static_cast<int>(text_.size());
-        text_[0] = 0;
-        const auto length = static_cast<std::size_t>(SendMessageW(
-            window, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item)));
-        if (length + 1 >= text_.size() && text_.size() < kLongestText) {
-            text_.resize(kLongestText);
-            continue;
-        }
-        const bool isText = item.pszText != nullptr && item.pszText != LPSTR_TEXTCALLBACKW;
-        return isText ? item.pszText : L"";
-    }
-}
-
-PixelRect ObFlatListView::FirstCell(int row) {
-    ReadColumns();
-    if (painting_.columns.empty()) return {};
-    const PixelRect area = AreaOfRow(row);
-    return {painting_.columns[0].left, area.top, painting_.columns[0].right, area.bottom};
+    const auto painter = painter_; // the list may go in the middle of it
+    return painter != nullptr ? painter->AfterParent(draw, heard) : heard;
 }
 
 // ---- The header
@@ -323,15 +217,35 @@ void ObFlatListView::SetHotTitle(int title) {
     InvalidateRect(header_, nullptr, FALSE);
 }
 
-std::optional<LRESULT> ObFlatListView::OnHeaderNotification(const NMHDR& header) {
-    const bool isDraw = header.hwndFrom == header_ && header_ != nullptr &&
-                        header.code == static_cast<UINT>(NM_CUSTOMDRAW);
-    if (!isDraw) return std::nullopt;
-    const auto& draw = reinterpret_cast<const NMCUSTOMDRAW&>(header);
+std::optional<LRESULT> ObFlatListView::OnHeaderNotification(WPARAM wParam, LPARAM lParam) {
+    const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+    if (header_ == nullptr || header.hwndFrom != header_) return std::nullopt;
+    switch (header.code) {
+    case static_cast<UINT>(NM_CUSTOMDRAW):
+        return OnTitleStage(reinterpret_cast<const NMCUSTOMDRAW&>(header));
+    case static_cast<UINT>(HDN_DIVIDERDBLCLICKA):
+    case static_cast<UINT>(HDN_DIVIDERDBLCLICKW):
+        if (groupMode_.IsInUse()) return OnDividerClick(wParam, lParam);
+        return std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+LRESULT ObFlatListView::OnTitleStage(const NMCUSTOMDRAW& draw) const {
     if (draw.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
     if (draw.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
     PaintTitle(draw);
     return CDRF_SKIPDEFAULT;
+}
+
+// The control fits the column to its texts alone.
+LRESULT ObFlatListView::OnDividerClick(WPARAM wParam, LPARAM lParam) {
+    const HWND list = window;
+    const int column = reinterpret_cast<const NMHEADERW*>(lParam)->iItem;
+    const LRESULT result = CallNextSubclass(list, WM_NOTIFY, wParam, lParam);
+    if (IsWindow(list) != FALSE) groupMode_.FitColumn(column, false);
+    return result;
 }
 
 void ObFlatListView::PaintTitle(const NMCUSTOMDRAW& draw) const {
@@ -341,7 +255,7 @@ void ObFlatListView::PaintTitle(const NMCUSTOMDRAW& draw) const {
     const bool isContrast = IsHighContrast();
     const HeaderState state{(draw.uItemState & CDIS_SELECTED) != 0, index == hotTitle_};
     PaintListTitle(draw.hdc, area, state, isContrast);
-    const Title title(header_, index, HDI_TEXT | HDI_FORMAT);
+    const Title title = TitleOf(header_, index);
     const HGDIOBJ old = SelectObject(draw.hdc, font);
     PaintListText(draw.hdc,
                   {title.text, TitleText(area, ListMeasuresAt(GetDpi())),

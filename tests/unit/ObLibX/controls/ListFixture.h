@@ -39,7 +39,8 @@ public:
         if (header->code == static_cast<UINT>(LVN_GETDISPINFOW) && onAsked) {
             onAsked(reinterpret_cast<NMLVDISPINFOW*>(header)->item);
         }
-        result = 0;
+        const bool isChanging = header->code == static_cast<UINT>(LVN_ITEMCHANGING);
+        result = isChanging && refusesChanges ? TRUE : FALSE;
         return true;
     }
     COLORREF GetListItemColor(int id, int row, int column, std::uint32_t flags) override {
@@ -53,6 +54,7 @@ public:
     std::function<LRESULT(NMLVCUSTOMDRAW&)> onDraw;
     std::function<COLORREF(int row, int column)> cellColor;
     std::function<void()> onChanged;
+    bool refusesChanges = false;
     std::function<void(LVITEMW&)> onAsked;
 
 private:
@@ -164,6 +166,20 @@ inline std::vector<std::wstring> themes; // as they were set; "none" for null
 inline HRESULT WINAPI RecordTheme(HWND, LPCWSTR name, LPCWSTR) {
     themes.emplace_back(name != nullptr ? name : L"none");
     return S_OK;
+}
+
+inline std::vector<HWND> filled; // the window of each fill; null for a bitmap
+inline int WINAPI RecordFill(HDC dc, const RECT* rect, HBRUSH brush) {
+    static const auto real = reinterpret_cast<decltype(&FillRect)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "FillRect")));
+    filled.push_back(WindowFromDC(dc));
+    return real(dc, rect, brush);
+}
+
+inline std::vector<std::pair<std::wstring, HGDIOBJ>> drawn; // texts, each with its font
+inline int WINAPI RecordText(HDC dc, LPCWSTR text, int count, RECT* rect, UINT format) {
+    drawn.emplace_back(text, GetCurrentObject(dc, OBJ_FONT));
+    return DrawTextExW(dc, const_cast<wchar_t*>(text), count, rect, format, nullptr);
 }
 
 inline BOOL WINAPI TrackNothing(TRACKMOUSEEVENT*) { return TRUE; }

@@ -1,4 +1,4 @@
-// The flat list view: its columns, group mode, check boxes, and what screen readers get.
+// The flat list view: its columns, scroll bars, check boxes, and what screen readers get.
 #include "ObLibX/src/controls/ObCustList.h"
 
 #include <oleacc.h>
@@ -16,9 +16,6 @@ namespace {
 
 using namespace ObLibX;
 using namespace listtest;
-
-// Bits of group mode.
-constexpr DWORD kModeStyles = 0x410060;
 
 class ListColumnsOfADialog : public ListsTest {
 protected:
@@ -126,6 +123,7 @@ protected:
         item.state = item.stateMask = LVIS_FOCUSED;
         SendMessageW(window_, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&item));
     }
+    ObFlatListView& Object() const { return *list_->operator->(); }
     // A point of the first row's check box.
     LPARAM OnCheck() const {
         RECT area{LVIR_BOUNDS, 0, 0, 0};
@@ -209,6 +207,30 @@ TEST_F(DeletedList, IsNotUsedAfterItsParentHasHeardOfADrawing) {
     Heard().onDraw = nullptr;
 }
 
+// A dialog that is asked for a cell's colour closes, at each stage at which a cell is painted.
+TEST_F(DeletedList, IsNotUsedAfterTheQuestionForAColour) {
+    Make();
+    const HWND window = window_;
+    const ClientDc dc(window);
+    NMLVCUSTOMDRAW draw{};
+    draw.nmcd.hdr = {window, 0, static_cast<UINT>(NM_CUSTOMDRAW)};
+    draw.nmcd.hdc = dc.Get();
+    const auto send = [&](DWORD stage) {
+        draw.nmcd.dwDrawStage = stage;
+        return SendMessageW(dialog_->window, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&draw));
+    };
+    Object().colorSource = &Heard();
+    send(CDDS_PREPAINT);
+    send(CDDS_ITEMPREPAINT);
+    Heard().cellColor = [&](int, int) {
+        ExpectSurvived(WM_NULL + 1, WM_NULL + 1, 0, 0);
+        return kNoColor;
+    };
+    send(CDDS_ITEMPREPAINT | CDDS_SUBITEM);
+    EXPECT_FALSE(IsWindow(window));
+    Heard().cellColor = nullptr;
+}
+
 // ---- Scroll bars
 
 class ListBars : public ListsTest {
@@ -282,199 +304,6 @@ TEST_F(ListBars, AreTheSystemsAgainWhenTheObjectGoesFirst) {
     }
     EXPECT_FALSE(IsWindow(holder));
     DestroyWindow(window);
-}
-
-// ---- Group mode
-
-class GroupMode : public ListsTest {};
-
-TEST_F(GroupMode, IsOnInADetailsViewFromTheBeginning) {
-    EXPECT_TRUE(List(1001).IsGroupViewOn());
-    EXPECT_TRUE(List(1002).IsGroupViewOn());
-    EXPECT_FALSE(List(1003).IsGroupViewOn()) << "icons";
-    EXPECT_EQ(kModeStyles, StockStyle());
-    EXPECT_EQ(0u, StockStyle(1003));
-    EXPECT_EQ(4u, themes.size());
-    EXPECT_EQ(L"none", themes[0]);
-}
-
-TEST_F(GroupMode, IsTurnedOffAndOnByItsMessage) {
-    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
-    EXPECT_EQ(4u, themes.size()) << "it is on already";
-    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
-    EXPECT_FALSE(List().IsGroupViewOn());
-    EXPECT_EQ(0u, StockStyle());
-    EXPECT_EQ(0, RowImages());
-    EXPECT_EQ(L"Explorer", themes.back());
-    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
-    EXPECT_EQ(5u, themes.size());
-    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
-    EXPECT_TRUE(List().IsGroupViewOn());
-    EXPECT_EQ(kModeStyles, StockStyle());
-    EXPECT_EQ(L"none", themes.back());
-    printf("The grouping itself is the system's, which the system of this run doesn't have.\n");
-}
-
-TEST_F(GroupMode, SetsTheHeightOfRowsByEmptyImages) {
-    EXPECT_EQ(Scale(18), RowImages());
-    GiveChecks();
-    EXPECT_EQ(Scale(24), RowImages());
-    Send(1001, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_GRIDLINES, LVS_EX_GRIDLINES);
-    EXPECT_EQ(Scale(24), RowImages()) << "another style";
-    Send(1001, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, 0);
-    EXPECT_EQ(Scale(18), RowImages());
-    const auto rows = reinterpret_cast<HIMAGELIST>(Stock(1001, LVM_GETIMAGELIST, LVSIL_SMALL));
-    EXPECT_EQ(0, ImageList_GetImageCount(rows));
-    int width = 0;
-    int height = 0;
-    ImageList_GetIconSize(rows, &width, &height);
-    EXPECT_EQ(1, width);
-    Insert(L"One");
-    EXPECT_LE(Scale(18), RowArea(0).Height());
-    EXPECT_GT(Scale(24), RowArea(0).Height());
-}
-
-TEST_F(GroupMode, KeepsTheClientsSmallImages) {
-    const ObLib::UniqueImageList first = ColouredImages(16, 1, 0);
-    const ObLib::UniqueImageList second = ColouredImages(16, 1, 0);
-    const auto set = [&](HIMAGELIST images) {
-        return reinterpret_cast<HIMAGELIST>(
-            Send(1001, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images)));
-    };
-    const auto get = [&] {
-        return reinterpret_cast<HIMAGELIST>(Send(1001, LVM_GETIMAGELIST, LVSIL_SMALL));
-    };
-    EXPECT_EQ(nullptr, get());
-    EXPECT_EQ(nullptr, set(first.Get()));
-    EXPECT_EQ(first.Get(), get());
-    EXPECT_EQ(Scale(18), RowImages());
-    EXPECT_EQ(first.Get(), set(second.Get()));
-    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
-    EXPECT_EQ(second.Get(), get()) << "the control's own again";
-    EXPECT_EQ(16, RowImages());
-    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
-    EXPECT_EQ(second.Get(), get()) << "those from before stay the client's";
-    EXPECT_EQ(Scale(18), RowImages());
-    EXPECT_EQ(second.Get(), set(nullptr));
-    EXPECT_EQ(nullptr, get());
-}
-
-TEST_F(GroupMode, LeavesOtherImagesToTheControl) {
-    const ObLib::UniqueImageList images = ColouredImages(32, 1, 0);
-    Send(1001, LVM_SETIMAGELIST, LVSIL_NORMAL, reinterpret_cast<LPARAM>(images.Get()));
-    EXPECT_EQ(reinterpret_cast<LRESULT>(images.Get()), Stock(1001, LVM_GETIMAGELIST, LVSIL_NORMAL));
-    EXPECT_EQ(reinterpret_cast<LRESULT>(images.Get()), Send(1001, LVM_GETIMAGELIST, LVSIL_NORMAL));
-    Send(1001, LVM_SETIMAGELIST, LVSIL_NORMAL, 0);
-}
-
-// A list destroys its images with itself, unless they are shared; those of the rows aren't its own.
-TEST_F(GroupMode, LetsTheListDestroyTheClientsImagesAlone) {
-    const HIMAGELIST own = ColouredImages(16, 1, 0).Release();
-    const ObLib::UniqueImageList shared = ColouredImages(16, 1, 0);
-    Send(1001, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(own));
-    Send(1004, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(shared.Get()));
-    const auto rows = reinterpret_cast<HIMAGELIST>(Stock(1001, LVM_GETIMAGELIST, LVSIL_SMALL));
-    DestroyWindow(dialog_->window);
-    EXPECT_FALSE(List().IsGroupViewOn());
-    EXPECT_FALSE(IsAlive(own));
-    EXPECT_TRUE(IsAlive(shared.Get()));
-    EXPECT_TRUE(IsAlive(rows));
-    dialog_->Create(nullptr);
-    EXPECT_EQ(reinterpret_cast<LRESULT>(rows), Stock(1001, LVM_GETIMAGELIST, LVSIL_SMALL));
-}
-
-// A client that sees nothing of the mode: what it sets, gets and is answered is as on a stock list.
-TEST_F(GroupMode, AnswersAboutStylesAsAStockListDoes) {
-    const ObLib::UniqueWindow stock(CreateWindowExW(0, WC_LISTVIEWW, L"", WS_POPUP | LVS_REPORT, 0,
-                                                    0, 90, 90, nullptr, nullptr, nullptr, nullptr));
-    const struct {
-        WPARAM mask;
-        LPARAM style;
-    } rows[] = {{LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES},
-                {LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT},
-                {LVS_EX_FULLROWSELECT, 0},
-                {0, LVS_EX_GRIDLINES | LVS_EX_LABELTIP},
-                {LVS_EX_GRIDLINES, LVS_EX_CHECKBOXES},
-                {0, 0}};
-    for (const auto& row : rows) {
-        const auto ask = [&](HWND window) {
-            const LRESULT before =
-                SendMessageW(window, LVM_SETEXTENDEDLISTVIEWSTYLE, row.mask, row.style);
-            return std::pair(before, SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0));
-        };
-        EXPECT_EQ(ask(stock.Get()), ask(Window())) << row.mask << " " << row.style;
-        EXPECT_EQ(kModeStyles, StockStyle() & kModeStyles) << "the mode needs them";
-        EXPECT_EQ(0u, StockStyle() & LVS_EX_CHECKBOXES);
-    }
-}
-
-TEST_F(GroupMode, GivesTheClientsStylesBack) {
-    Send(1001, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_CHECKBOXES | LVS_EX_GRIDLINES);
-    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
-    EXPECT_EQ(DWORD{LVS_EX_CHECKBOXES | LVS_EX_GRIDLINES}, StockStyle());
-    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
-    EXPECT_EQ(kModeStyles | LVS_EX_GRIDLINES, StockStyle());
-    EXPECT_EQ(Scale(24), RowImages()) << "the client's check boxes are taken over";
-}
-
-TEST_F(GroupMode, StartsInsertedRowsUnchecked) {
-    GiveChecks();
-    LVITEMW item{};
-    wchar_t text[] = L"One";
-    item.mask = LVIF_TEXT | LVIF_STATE | LVIF_PARAM;
-    item.pszText = text;
-    item.lParam = 77;
-    item.state = INDEXTOSTATEIMAGEMASK(2) | LVIS_SELECTED;
-    item.stateMask = LVIS_STATEIMAGEMASK | LVIS_SELECTED;
-    const LVITEMW before = item;
-    EXPECT_EQ(0, Send(1001, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
-    EXPECT_EQ(RowCheck::Off, Check(0));
-    EXPECT_EQ(UINT{LVIS_SELECTED}, StateOf(0, LVIS_SELECTED)) << "the rest of its state";
-    EXPECT_EQ(before.state, item.state);
-    EXPECT_EQ(before.mask, item.mask);
-    LVITEMA narrow{};
-    char bytes[] = "Two";
-    narrow.mask = LVIF_TEXT;
-    narrow.iItem = 1;
-    narrow.pszText = bytes;
-    narrow.state = ~0u;
-    EXPECT_EQ(1, Send(1001, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&narrow)));
-    EXPECT_EQ(RowCheck::Off, Check(1));
-    EXPECT_EQ(0u, StateOf(1, LVIS_SELECTED | LVIS_CUT)) << "a state without its bit in the mask";
-    EXPECT_EQ(-1, Send(1001, LVM_INSERTITEMW, 0, 0));
-}
-
-TEST_F(GroupMode, StartsRowsWithoutAStateUncheckedAndKeepsTheOthers) {
-    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
-    for (const wchar_t* const text : {L"None", L"Off", L"On"}) Insert(text);
-    for (const int row : {0, 1, 2}) {
-        SetState(row, INDEXTOSTATEIMAGEMASK(row), LVIS_STATEIMAGEMASK);
-        ASSERT_EQ(static_cast<RowCheck>(row), Check(row));
-    }
-    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
-    EXPECT_EQ(RowCheck::Off, Check(0));
-    EXPECT_EQ(RowCheck::Off, Check(1));
-    EXPECT_EQ(RowCheck::On, Check(2));
-}
-
-TEST_F(GroupMode, KeepsChecksThroughItsEnd) {
-    GiveChecks();
-    for (const wchar_t* const text : {L"Off", L"On"}) Insert(text);
-    SetCheckOfRow(Window(), 1, RowCheck::On);
-    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
-    EXPECT_EQ(RowCheck::Off, Check(0));
-    EXPECT_EQ(RowCheck::On, Check(1));
-    Send(1001, LVM_ENABLEGROUPVIEW, TRUE);
-    EXPECT_EQ(RowCheck::Off, Check(0));
-    EXPECT_EQ(RowCheck::On, Check(1));
-}
-
-TEST_F(GroupMode, StartsRowsUncheckedWhenCheckBoxesCome) {
-    Insert(L"One");
-    SetState(0, 0, LVIS_STATEIMAGEMASK);
-    ASSERT_EQ(RowCheck::None, Check(0));
-    GiveChecks();
-    EXPECT_EQ(RowCheck::Off, Check(0));
 }
 
 // ---- Check boxes
@@ -587,6 +416,55 @@ TEST_F(ListChecks, MayDestroyTheDialogThatHearsOfThem) {
     EXPECT_EQ(nullptr, List().window);
 }
 
+// Rows and check boxes of list 1005 are its client's.
+class OwnerDataChecks : public ListChecks {
+protected:
+    void SetUp() override {
+        ListChecks::SetUp();
+        GiveChecks(1005);
+        LVCOLUMNW column{};
+        column.mask = LVCF_WIDTH;
+        column.cx = Scale(60);
+        Send(1005, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
+        Send(1005, LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);
+        ListsTest::Heard().onAsked = [this](LVITEMW& item) {
+            if ((item.mask & LVIF_STATE) != 0) item.state = INDEXTOSTATEIMAGEMASK(isOn_ ? 2 : 1);
+        };
+        Send(1005, LVM_SETITEMCOUNT, 2);
+        SetState(1, LVIS_FOCUSED, LVIS_FOCUSED, 1005);
+        ListsTest::Heard().codes.clear();
+    }
+    long Notified(UINT code) const {
+        return std::ranges::count(ListsTest::Heard().codes,
+                                  std::pair(1005, static_cast<int>(code)));
+    }
+    bool isOn_ = false;
+};
+
+TEST_F(OwnerDataChecks, HearOfAPressOnTheirBox) {
+    const PixelRect cell = CellArea(1, 0, 1005);
+    Click({cell.left + Scale(8), cell.top + 2}, WM_LBUTTONDOWN, 1005);
+    EXPECT_EQ(1, Notified(static_cast<UINT>(NM_CLICK)));
+}
+
+TEST_F(OwnerDataChecks, HearOfSpace) {
+    events.clear();
+    Send(1005, WM_KEYDOWN, VK_SPACE, 1);
+    EXPECT_EQ(1, Notified(static_cast<UINT>(LVN_KEYDOWN)));
+    EXPECT_TRUE(events.empty()) << "the client flips it, or doesn't";
+}
+
+TEST_F(OwnerDataChecks, AreDrawnAsTheClientHasThem) {
+    const auto box = [&] {
+        const PixelRect cell = CellArea(1, 0, 1005);
+        return ShownPixels(Window(1005))
+            .Of({cell.left, cell.top, cell.left + Scale(20), cell.bottom});
+    };
+    const auto off = box();
+    isOn_ = true;
+    EXPECT_NE(off, box());
+}
+
 // ---- Screen readers
 
 class ListAccessibility : public ListChecks {
@@ -659,6 +537,15 @@ TEST_F(ListAccessibility, ReportsAFlipOfTheRow) {
     events.clear();
     Click(OnCheck(1));
     EXPECT_EQ(1, std::ranges::count(events, std::pair<DWORD, LONG>(EVENT_OBJECT_STATECHANGE, 2)));
+}
+
+TEST_F(ListAccessibility, ReportsNoFlipThatTheClientRefuses) {
+    ListsTest::Heard().refusesChanges = true;
+    events.clear();
+    Click(OnCheck(1));
+    EXPECT_EQ(RowCheck::Off, Check(1));
+    EXPECT_TRUE(std::ranges::none_of(
+        events, [](const auto& event) { return event.first == EVENT_OBJECT_STATECHANGE; }));
 }
 
 TEST_F(ListAccessibility, EndsWithTheWindow) {
