@@ -1,37 +1,12 @@
 // A thousand openings of a dialog with a control of each class leave nothing.
-#include <cstdlib>
-
 #include "tests/faults/toolkit/ToolkitSuite.h"
+#include "tests/support/Openings.h"
 
 namespace obtest {
 namespace {
 
-constexpr int kAll = 1000;
-constexpr int kLeast = 20;
 constexpr ULONGLONG kLimit = 20000; // milliseconds
 constexpr ULONGLONG kLimitOfOneObject = 5000;
-
-// A thousand openings of so many controls take one to several minutes. Without OB_OPENINGS the test
-// makes as many as fit into its limit.
-class Openings {
-public:
-    explicit Openings(ULONGLONG limit) : limit_(limit) {}
-    bool More() const {
-        if (asked_ != nullptr) return made_ < _wtoi(asked_);
-        return made_ < kAll && (made_ < kLeast || GetTickCount64() - begin_ < limit_);
-    }
-    void Made() { ++made_; }
-    void Print() const {
-        printf("%d openings of %d\n", made_, kAll);
-        if (made_ < kAll) printf("OB_OPENINGS=%d makes them all.\n", kAll);
-    }
-
-private:
-    ULONGLONG limit_;
-    const wchar_t* asked_ = _wgetenv(L"OB_OPENINGS");
-    int made_ = 0;
-    ULONGLONG begin_ = GetTickCount64();
-};
 
 class ManyOpenings : public ToolkitSuite {};
 
