@@ -22,9 +22,14 @@ bool TakesFocus(HWND window) { return (GetWindowLongPtrW(window, GWL_STYLE) & WS
 
 } // namespace
 
-ObLib::ObString LabelText(HWND label) {
+ObLib::ObString WindowText(HWND window) {
     ObLib::ObString text;
-    ObLib::GetWindowTextString(label, text);
+    ObLib::GetWindowTextString(window, text);
+    return text;
+}
+
+ObLib::ObString LabelText(HWND label) {
+    const ObLib::ObString text = WindowText(label);
     const bool hasKeys = (GetWindowLongPtrW(label, GWL_STYLE) & SS_NOPREFIX) == 0;
     return hasKeys ? ObLib::ObString(WithoutAccessKey(text.CStr()).c_str()) : text;
 }

@@ -7,6 +7,9 @@
 
 namespace ObLibX {
 
+// The whole text of a window, with its access key.
+ObLib::ObString WindowText(HWND window);
+
 // The text of a static window, without its access key.
 ObLib::ObString LabelText(HWND label);
 

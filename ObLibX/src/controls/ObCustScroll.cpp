@@ -10,6 +10,7 @@
 
 #include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/Guarded.h"
+#include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/LabelBefore.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/controls/ScrollRepeat.h"
@@ -56,18 +57,6 @@ constexpr BarMetrics kMetrics[] = {{SM_CYHSCROLL, SM_CXHSCROLL, SM_CXHTHUMB},
 
 const BarMetrics& MetricsOf(ScrollOrientation orientation) {
     return kMetrics[static_cast<std::size_t>(orientation)];
-}
-
-PixelRect PlaceInParent(HWND window) {
-    RECT rect{};
-    GetWindowRect(window, &rect);
-    MapWindowPoints(HWND_DESKTOP, GetParent(window), reinterpret_cast<POINT*>(&rect), 2);
-    return AsPixels(rect);
-}
-
-// Whether there is more than one position.
-bool CanScroll(const ScrollRange& range) {
-    return range.minimum < std::int64_t{range.maximum} - std::max(range.page - 1, 0);
 }
 
 // As large as the system's own bars take it; `isOld`: without the track position.
@@ -142,7 +131,7 @@ ScrollLayout ObFlatScrollbar::LaidOut(PixelPoint size) {
 
 void ObFlatScrollbar::ComputeLayout() {
     if (window == nullptr) return;
-    const PixelRect place = PlaceInParent(window);
+    const PixelRect place = RectInParent(window);
     const PixelRect wanted = Placed(place);
     if (wanted != place) {
         SetWindowPos(window, nullptr, wanted.left, wanted.top, wanted.Width(), wanted.Height(),

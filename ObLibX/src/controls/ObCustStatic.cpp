@@ -3,9 +3,9 @@
 #include <commctrl.h>
 
 #include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/ObWinGUI.h"
 #include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/HelperWindow.h"
+#include "ObLibX/src/controls/LabelBefore.h"
 #include "ObLibX/src/controls/TextMeasure.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
@@ -48,12 +48,6 @@ TextSize SizeOf(HWND window) {
 void Resize(HWND window, const TextSize& size) {
     SetWindowPos(window, nullptr, 0, 0, size.width, size.height,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-ObLib::ObString TextOf(HWND window) {
-    ObLib::ObString text;
-    ObLib::GetWindowTextString(window, text);
-    return text;
 }
 
 } // namespace
@@ -119,7 +113,7 @@ void ObFlatStaticText::OnTextSet() {
 }
 
 void ObFlatStaticText::FitText(const wchar_t* newText) {
-    const ObLib::ObString text = newText != nullptr ? ObLib::ObString(newText) : TextOf(window);
+    const ObLib::ObString text = newText != nullptr ? ObLib::ObString(newText) : WindowText(window);
     const UINT flags = TextFlags(static_cast<DWORD>(GetWindowLongPtrW(window, GWL_STYLE)));
     const TextFit now{SizeOf(window), fontSize};
     const TextFit fit = ObLibX::FitText(now, GetDpi(), [&](std::int32_t size, bool isWrapped) {

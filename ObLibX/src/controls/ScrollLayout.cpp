@@ -56,6 +56,10 @@ std::int64_t WholeValueCount(const ScrollRange& range) {
     return std::int64_t{range.maximum} - range.minimum;
 }
 
+bool CanScroll(const ScrollRange& range) {
+    return range.minimum < std::int64_t{range.maximum} - std::max(range.page - 1, 0);
+}
+
 std::int64_t MultiplyDivide(std::int64_t value, std::int64_t numerator, std::int64_t denominator) {
     if (denominator == 0) return -1;
     const std::int64_t product = value * numerator;

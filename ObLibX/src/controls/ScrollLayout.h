@@ -26,6 +26,8 @@ inline constexpr std::int32_t kLeastThumbLength = 15;
 std::int64_t ValueCount(const ScrollRange& range);
 // The same for a bar whose thumb ends at the maximum, whatever its page: maximum - minimum.
 std::int64_t WholeValueCount(const ScrollRange& range);
+// Whether there is more than one position, as the system counts them: a page of 1 is as none.
+bool CanScroll(const ScrollRange& range);
 
 // value * numerator / denominator, rounded to the nearest, halves away from 0; -1 for a denominator
 // of 0, as the system's own call. The product must fit 64 bits.

@@ -30,6 +30,20 @@ TEST(MultiplyDivide, RoundsHalvesAwayFromZero) {
 
 TEST(MultiplyDivide, IsMinusOneWithoutADivisor) { EXPECT_EQ(-1, MultiplyDivide(5, 5, 0)); }
 
+// As the system's bars switch their arrows off: a page of 1 shows one value, as no page does.
+TEST(CanScroll, IsTrueOnceThereAreTwoPositions) {
+    EXPECT_FALSE(CanScroll({0, 0, 0}));
+    EXPECT_FALSE(CanScroll({0, 0, 1}));
+    EXPECT_TRUE(CanScroll({0, 1, 0}));
+    EXPECT_TRUE(CanScroll({0, 1, 1}));
+    EXPECT_FALSE(CanScroll({0, 1, 2}));
+    EXPECT_TRUE(CanScroll({0, 99, 99}));
+    EXPECT_FALSE(CanScroll({0, 99, 100}));
+    EXPECT_FALSE(CanScroll({5, 4, -3})) << "upside down";
+    EXPECT_TRUE(CanScroll({kLowest, kHighest, kHighest}));
+    EXPECT_FALSE(CanScroll({0, kLowest, kHighest}));
+}
+
 ScrollLayout Bar(ScrollOrientation orientation, PixelPoint size, const ScrollRange& range,
                  std::int32_t position) {
     return LayOutScrollBar({orientation, size, 17, 20}, range, position);
