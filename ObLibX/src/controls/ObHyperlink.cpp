@@ -6,7 +6,6 @@
 
 #include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/Guarded.h"
-#include "ObLib/Src/Win32/ObWinGUI.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/LabelBefore.h"
@@ -33,7 +32,8 @@ constexpr LPARAM kIsRepeated = LPARAM{KF_REPEAT} << 16;
 
 // ---- Procedures that are replaced
 
-WNDPROC OldProcedure(HWND window) {
+// What the property has: slow to read, as the system's server is asked.
+WNDPROC ReadOldProcedure(HWND window) {
     return reinterpret_cast<WNDPROC>(GetPropW(window, kOldProcedureProperty));
 }
 
@@ -44,7 +44,7 @@ LRESULT CallOld(WNDPROC old, HWND window, UINT message, WPARAM wParam, LPARAM lP
 
 // Once for each window. Returns what was replaced.
 WNDPROC ReplaceProcedure(HWND window, WNDPROC procedure) {
-    if (const WNDPROC replaced = OldProcedure(window)) return replaced;
+    if (const WNDPROC replaced = ReadOldProcedure(window)) return replaced;
     const LONG_PTR old = GetWindowLongPtrW(window, GWLP_WNDPROC);
     ObAssert(SetPropW(window, kOldProcedureProperty, reinterpret_cast<HANDLE>(old)));
     SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
@@ -66,12 +66,6 @@ LRESULT EndProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 // ---- The window's text and font
-
-ObLib::ObString TextOf(HWND window) {
-    ObLib::ObString text;
-    ObLib::GetWindowTextString(window, text);
-    return text;
-}
 
 HFONT SystemFont() { return static_cast<HFONT>(GetStockObject(SYSTEM_FONT)); }
 
@@ -204,7 +198,7 @@ LRESULT CALLBACK ObHyperlinkCtrl::ControlProcedure(HWND window, UINT message, WP
                               [&] { return link->WindowProc(message, wParam, lParam); });
     }
     if (message == WM_NCDESTROY) return EndProcedure(window, message, wParam, lParam);
-    return CallOld(OldProcedure(window), window, message, wParam, lParam);
+    return CallOld(ReadOldProcedure(window), window, message, wParam, lParam);
 }
 
 LRESULT ObHyperlinkCtrl::ToWindow(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -224,14 +218,16 @@ LRESULT ObHyperlinkCtrl::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) 
         return 0;
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
-        ShowFocus(message == WM_SETFOCUS);
-        break;
+        return OnFocus(message, wParam, lParam);
     case WM_WINDOWPOSCHANGED:
         return OnMoved(wParam, lParam);
     case WM_SETTEXT:
         return OnSetText(wParam, lParam);
     case WM_SETFONT:
         return OnSetFont(reinterpret_cast<HFONT>(wParam), lParam);
+    case BM_CLICK:
+        if (IsWindowEnabled(window)) OnClick();
+        return 0;
     case WM_GETOBJECT:
         if (const LRESULT own = accessible_.OnGetObject(window, wParam, lParam, *this)) return own;
         break;
@@ -250,6 +246,13 @@ LRESULT ObHyperlinkCtrl::OnDestroy(WPARAM wParam, LPARAM lParam) {
     return CallOld(old, ended, WM_DESTROY, wParam, lParam);
 }
 
+// The dialog may destroy itself, and the object, in the paint that shows the focus.
+LRESULT ObHyperlinkCtrl::OnFocus(UINT message, WPARAM wParam, LPARAM lParam) {
+    const LRESULT result = ToWindow(message, wParam, lParam);
+    ShowFocus(message == WM_SETFOCUS);
+    return result;
+}
+
 LRESULT ObHyperlinkCtrl::OnMoved(WPARAM wParam, LPARAM lParam) {
     const LRESULT result = ToWindow(WM_WINDOWPOSCHANGED, wParam, lParam);
     PlaceFocus();
@@ -259,16 +262,15 @@ LRESULT ObHyperlinkCtrl::OnMoved(WPARAM wParam, LPARAM lParam) {
 // A dressed label fits the text, too: it gets the whole room for that, and its font only counts
 // again when the link has gone. Nobody else has the dialog paint what the old text leaves.
 LRESULT ObHyperlinkCtrl::OnSetText(WPARAM wParam, LPARAM lParam) {
+    NoteMove();
     const HWND dialog = dialogWindow;
-    const RECT old = AsRect(RectInParent(window));
-    if (RectInParent(window) == fitted_) {
-        SetWindowPos(window, nullptr, room_.left, room_.top, room_.Width(), room_.Height(),
-                     SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW);
-    }
+    const RECT old = AsRect(fitted_);
+    SetWindowPos(window, nullptr, room_.left, room_.top, room_.Width(), room_.Height(),
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW);
     isTextChanging_ = true;
     const ObLib::ScopeExit lower([&] { isTextChanging_ = false; });
     const LRESULT result = ToWindow(WM_SETTEXT, wParam, lParam);
-    FitToText();
+    Fit();
     InvalidateRect(dialog, &old, TRUE);
     return result;
 }
@@ -276,10 +278,11 @@ LRESULT ObHyperlinkCtrl::OnSetText(WPARAM wParam, LPARAM lParam) {
 LRESULT ObHyperlinkCtrl::OnSetFont(HFONT font, LPARAM lParam) {
     oldFont = font;
     if (isTextChanging_) return 0;
+    NoteMove();
     ObLib::UniqueFont underlined = UnderlinedCopy(font);
     std::swap(underlineFont, underlined); // the one before goes when the window has this one
     ToWindow(WM_SETFONT, reinterpret_cast<WPARAM>(Font()), lParam);
-    FitToText();
+    Fit();
     return 0;
 }
 
@@ -288,14 +291,25 @@ HFONT ObHyperlinkCtrl::Font() const {
     return oldFont != nullptr ? oldFont : SystemFont();
 }
 
-void ObHyperlinkCtrl::FitToText() {
-    if (!attached) return;
+// Where the window isn't where it was fitted, the dialog has moved it.
+void ObHyperlinkCtrl::NoteMove() {
     const PixelRect now = RectInParent(window);
-    if (now != fitted_) room_ = now;
-    const PixelRect fit = FitLink(room_, LineSize(Font(), TextOf(window)), AlignmentOf(window));
-    if (fit != now) MoveChild(window, fit);
+    if (now != fitted_) room_ = fitted_ = now;
+}
+
+// Wherever a label's growth has left the window, the room is the one from before.
+void ObHyperlinkCtrl::Fit() {
+    if (!attached) return;
+    const PixelRect fit = FitLink(room_, LineSize(Font(), WindowText(window)), AlignmentOf(window));
+    if (fit != RectInParent(window)) MoveChild(window, fit);
     fitted_ = RectInParent(window);
     InvalidateRect(window, nullptr, TRUE);
+}
+
+void ObHyperlinkCtrl::FitToText() {
+    if (!attached) return;
+    NoteMove();
+    Fit();
 }
 
 void ObHyperlinkCtrl::OnClick() {
@@ -304,22 +318,24 @@ void ObHyperlinkCtrl::OnClick() {
 
 // ---- The focus, which the dialog paints around the window
 
+// The dialog paints at once: what is below the old place, and the focus in the new one. It may
+// destroy itself in that, so this is the last step of its callers.
 void ObHyperlinkCtrl::ShowFocus(bool hasFocus) {
     hasFocus_ = hasFocus;
     PlaceFocus();
+    UpdateWindow(dialogWindow);
 }
 
-// The dialog paints at once: what is below the old place, and the focus in the new one.
 void ObHyperlinkCtrl::PlaceFocus() {
     PixelRect place;
     if (hasFocus_ && IsShown(window)) {
-        const TextSize text = MeasureTextIn(Font(), TextOf(window), kMeasureWidth, DT_WORDBREAK);
+        const TextSize text =
+            MeasureTextIn(Font(), WindowText(window), kMeasureWidth, DT_WORDBREAK);
         place = LinkFocus(RectInParent(window), text.height);
     }
     if (place == focus_) return;
     InvalidateEdges(dialogWindow, std::exchange(focus_, place));
     InvalidateEdges(dialogWindow, focus_);
-    UpdateWindow(dialogWindow);
 }
 
 // A focus rectangle inverts what it is painted on, so the dialog has to paint all of that first.
@@ -344,14 +360,14 @@ void ObHyperlinkCtrl::DrawFocus() const {
 LRESULT ObHyperlinkCtrl::OnDialogPaint(HWND dialog, WPARAM wParam, LPARAM lParam) {
     const ObHyperlinkCtrl* const before = LinkOn(dialog, GetFocus());
     const bool isPainted = before != nullptr && before->WillPaintFocus();
-    const LRESULT result = CallOld(OldProcedure(dialog), dialog, WM_PAINT, wParam, lParam);
+    const LRESULT result = CallOld(ReadOldProcedure(dialog), dialog, WM_PAINT, wParam, lParam);
     const ObHyperlinkCtrl* const after = LinkOn(dialog, GetFocus());
     if (isPainted && after != nullptr) after->DrawFocus();
     return result;
 }
 
 LRESULT ObHyperlinkCtrl::OnDialogDestroy(HWND dialog, WPARAM wParam, LPARAM lParam) {
-    const WNDPROC old = OldProcedure(dialog);
+    const WNDPROC old = ReadOldProcedure(dialog);
     RestoreProcedure(dialog, &ObHyperlinkCtrl::DialogProcedure);
     return CallOld(old, dialog, WM_DESTROY, wParam, lParam);
 }
@@ -365,7 +381,7 @@ LRESULT ObHyperlinkCtrl::OnDialogCommand(WPARAM wParam) {
 LRESULT ObHyperlinkCtrl::OnDialogMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     ObHyperlinkCtrl* const link = LinkOn(dialog, reinterpret_cast<HWND>(lParam));
     if (message == WM_COMMAND && link != nullptr) return link->OnDialogCommand(wParam);
-    const LRESULT result = CallOld(OldProcedure(dialog), dialog, message, wParam, lParam);
+    const LRESULT result = CallOld(ReadOldProcedure(dialog), dialog, message, wParam, lParam);
     if (message != WM_CTLCOLORSTATIC || link == nullptr) return result;
     const auto brushOfDialog = reinterpret_cast<HBRUSH>(result);
     return reinterpret_cast<LRESULT>(
@@ -386,7 +402,7 @@ LRESULT CALLBACK ObHyperlinkCtrl::DialogProcedure(HWND window, UINT message, WPA
         case WM_NCDESTROY:
             return EndProcedure(window, message, wParam, lParam);
         default:
-            return CallOld(OldProcedure(window), window, message, wParam, lParam);
+            return CallOld(ReadOldProcedure(window), window, message, wParam, lParam);
         }
     });
 }
@@ -418,10 +434,8 @@ LONG ObHyperlinkCtrl::AccessibleState() { return STATE_SYSTEM_LINKED; }
 
 bool ObHyperlinkCtrl::HasAccessibleAction() { return IsWindowEnabled(window) != FALSE; }
 
-// Posted, as the dialog may show another one at the click.
-void ObHyperlinkCtrl::DoAccessibleAction() {
-    PostMessageW(dialogWindow, WM_COMMAND, MAKEWPARAM(id, STN_CLICKED),
-                 reinterpret_cast<LPARAM>(window));
-}
+// Posted, as the dialog may show another one at the click; to the link's own window, so that a
+// click that waits goes with it.
+void ObHyperlinkCtrl::DoAccessibleAction() { PostMessageW(window, BM_CLICK, 0, 0); }
 
 } // namespace ObLibX

@@ -43,8 +43,8 @@ public:
     // Gives the window back what Attach took, but for its place. Nothing on an object that isn't
     // attached. Attach, the window's end and the destructor call it.
     void Detach();
-    // Makes the window as large as its text, in the place that it had before the last time. Attach
-    // and WM_SETTEXT call it; a dialog that moves the window may.
+    // Makes the window as large as its text, in the room that it had at Attach or was moved to by
+    // the dialog last. Attach, WM_SETTEXT and WM_SETFONT do so; a dialog that moves the window may.
     void FitToText();
     // From now on the text is on this colour, but in high contrast; before, on the dialog's.
     void SetBackgroundColor(COLORREF color);
@@ -80,20 +80,23 @@ private:
     void GiveDialogBack();
     LRESULT ToWindow(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnDestroy(WPARAM wParam, LPARAM lParam);
+    LRESULT OnFocus(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnMoved(WPARAM wParam, LPARAM lParam);
     LRESULT OnSetText(WPARAM wParam, LPARAM lParam);
     LRESULT OnSetFont(HFONT font, LPARAM lParam);
     LRESULT OnDialogCommand(WPARAM wParam);
     HBRUSH OnCtlColor(HDC dc, HBRUSH ofDialog);
     [[nodiscard]] HFONT Font() const;
+    void NoteMove();
+    void Fit();
     void ShowFocus(bool hasFocus);
     void PlaceFocus();
     [[nodiscard]] bool WillPaintFocus() const;
     void DrawFocus() const;
 
     ControlAccessible accessible_;
-    PixelRect room_;                 // of the window before it was fitted; in its parent
-    PixelRect fitted_;               // and after
+    PixelRect room_;                 // in the parent: what the dialog has given the window
+    PixelRect fitted_;               // and what of it the text has taken
     PixelRect focus_;                // what shows the focus, in the dialog; empty: nothing does
     WNDPROC oldProcedure_ = nullptr; // of the window; a property of it, too, which is slow to read
     LONG_PTR addedStyle_ = 0;

@@ -4,6 +4,7 @@
 #include "ObLibX/src/controls/LinkFit.h"
 #include "ObLibX/src/controls/ObCustStatic.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLibX/controls/LinkFixture.h"
 
 namespace {
@@ -81,6 +82,39 @@ TEST_F(LinkPlaces, StartFromWhereTheDialogMovedThem) {
     EXPECT_EQ(210, PlaceOf(1003).right);
 }
 
+// A label grows for a text that just doesn't fit, and for one that needs many lines; the link
+// shrinks again with the text.
+TEST_F(LinkPlaces, KeepTheirRoomWhenALabelGrowsForAText) {
+    OpenLinks(OB_TEST_LINKS_AND_TEXTS, {1001, 1002, 1003, 1007});
+    const struct {
+        int id;
+        PixelRect room;
+        LinkAlignment alignment;
+    } rows[] = {{1001, FromTemplate(20, 20, 120, 10), LinkAlignment::Left},
+                {1002, FromTemplate(20, 40, 120, 10), LinkAlignment::Centre},
+                {1003, FromTemplate(20, 60, 120, 10), LinkAlignment::Right},
+                {1007, FromTemplate(20, 180, 120, 18), LinkAlignment::Left}};
+    for (const auto& row : rows) {
+        const HWND window = Child(row.id);
+        const auto textOver = [&](int pixels) {
+            std::wstring text = L"i";
+            while (LineOf(window, text).cx <= row.room.Width() + pixels)
+                text += text.size() % 9 == 8 ? L' ' : L'i';
+            return text;
+        };
+        for (const std::wstring& longer :
+             {textOver(0), textOver(Scale(2)), textOver(7 * row.room.Width())}) {
+            SetWindowTextW(window, longer.c_str());
+            EXPECT_EQ(row.room.left, PlaceOf(row.id).left);
+            EXPECT_EQ(row.room.right, PlaceOf(row.id).right) << longer.size() << " letters";
+            SetWindowTextW(window, L"Short");
+            const SIZE line = LineOf(window, L"Short");
+            EXPECT_EQ(FitLink(row.room, {line.cx, line.cy}, row.alignment), PlaceOf(row.id))
+                << row.id << " after " << longer.size() << " letters";
+        }
+    }
+}
+
 // The label makes its font smaller for the longer text; the link's font stays.
 TEST_F(LinkPlaces, KeepTheFontWhenALabelFitsItsText) {
     OpenLinks(OB_TEST_LINKS_AND_TEXTS, {1007});
@@ -138,32 +172,50 @@ protected:
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
         UpdateWindow(links_->window);
     }
+    // Whether the lines of a rectangle are dotted: each second pixel of them, corners aside, where
+    // two lines meet, and between the dots what the ground is.
+    void ExpectDotted(const PixelRect& rect, COLORREF ground = 0xFFFFFF) const {
+        const auto isMark = [&](int x, int y) { return PixelOf(links_->window, x, y) != ground; };
+        int unevenDots = 0;
+        for (int x = rect.left + 1; x + 2 < rect.right; ++x) {
+            unevenDots += isMark(x, rect.top) == isMark(x + 1, rect.top);
+            unevenDots += isMark(x, rect.bottom - 1) == isMark(x + 1, rect.bottom - 1);
+        }
+        for (int y = rect.top + 1; y + 2 < rect.bottom; ++y) {
+            unevenDots += isMark(rect.left, y) == isMark(rect.left, y + 1);
+            unevenDots += isMark(rect.right - 1, y) == isMark(rect.right - 1, y + 1);
+        }
+        EXPECT_EQ(0, unevenDots) << "solid, doubled or missing";
+        for (const int distance : {-1, 1}) { // and there is one line only
+            const PixelRect beside{rect.left + distance, rect.top + distance, rect.right - distance,
+                                   rect.bottom - distance};
+            EXPECT_EQ(0, MarksOn(beside, ground)) << distance;
+        }
+    }
     // Where the focus of a link is shown.
     PixelRect FocusOf(int id) const { return LinkFocus(PlaceOf(id), 0); }
-    // How many pixels of the lines of a rectangle aren't white.
-    int MarksOn(const PixelRect& rect) const {
+    // How many pixels of the lines of a rectangle aren't the ground's.
+    int MarksOn(const PixelRect& rect, COLORREF ground = 0xFFFFFF) const {
         int marks = 0;
         for (const PixelRect& edge : EdgesOf(rect)) {
             for (int y = edge.top; y < edge.bottom; ++y) {
                 for (int x = edge.left; x < edge.right; ++x) {
-                    marks += PixelOf(links_->window, x, y) != 0xFFFFFF;
+                    marks += PixelOf(links_->window, x, y) != ground;
                 }
             }
         }
         return marks;
     }
-    // Each second pixel.
-    static int Dots(const PixelRect& rect) { return rect.Width() + rect.Height() - 4; }
 };
 
 TEST_F(LinkFocusLook, IsADottedRectangleTwoPixelsAround) {
     EXPECT_EQ(0, MarksOn(FocusOf(1006)));
     SetFocus(Child(1006));
-    EXPECT_LE(Dots(FocusOf(1006)), MarksOn(FocusOf(1006)));
+    ExpectDotted(FocusOf(1006));
     EXPECT_EQ(0, MarksOn(FocusOf(1007)));
     SetFocus(Child(1007));
     EXPECT_EQ(0, MarksOn(FocusOf(1006)));
-    EXPECT_LE(Dots(FocusOf(1007)), MarksOn(FocusOf(1007)));
+    ExpectDotted(FocusOf(1007));
     SetFocus(Child(1010));
     EXPECT_EQ(0, MarksOn(FocusOf(1007)));
 }
@@ -192,11 +244,11 @@ TEST_F(LinkFocusLook, GoesWhereTheWindowGoes) {
     Settle();
     const PixelRect longer = FocusOf(1006);
     ASSERT_NE(before, longer);
-    EXPECT_LE(Dots(longer), MarksOn(longer));
+    ExpectDotted(longer);
     MoveChild(Child(1006), FromTemplate(20, 104, 90, 10));
     Settle();
     EXPECT_EQ(0, MarksOn(longer));
-    EXPECT_LE(Dots(FocusOf(1006)), MarksOn(FocusOf(1006)));
+    ExpectDotted(FocusOf(1006));
     ShowWindow(Child(1006), SW_HIDE);
     Settle();
     EXPECT_EQ(0, MarksOn(FocusOf(1006)));
@@ -210,30 +262,90 @@ TEST_F(LinkFocusLook, GoesWithTheLink) {
     EXPECT_EQ(0, MarksOn(focus));
     Link().Attach(links_->window);
     Settle();
-    EXPECT_LE(Dots(focus), MarksOn(FocusOf(1006))) << "it still has the focus";
+    ExpectDotted(focus); // it still has the focus
 }
 
-// The dialog may paint its ground by itself.
+// The dialog may paint its ground by itself, in any colour.
 class PaintingDialog : public linktest::LinkDialog {
 public:
-    using LinkDialog::LinkDialog;
+    explicit PaintingDialog(COLORREF itsGround)
+        : LinkDialog(OB_TEST_LINKS, {1006}, true), ground(itsGround) {}
     bool OnPaint() override {
         const PaintDc dc(window);
-        FillArea(dc.Get(), ClientArea(window), 0xFFFFFF);
+        FillArea(dc.Get(), ClientArea(window), ground);
         return true;
     }
+    COLORREF ground;
 };
 
 TEST_F(LinkFocusLook, IsThereOnAGroundThatTheDialogPaints) {
-    links_ = std::make_unique<PaintingDialog>(OB_TEST_LINKS, std::vector<int>{1006}, true);
-    links_->Create(nullptr);
-    SetFocus(Child(1006));
-    ShowWindow(links_->window, SW_SHOW);
-    UpdateWindow(links_->window);
-    EXPECT_LE(Dots(FocusOf(1006)), MarksOn(FocusOf(1006)));
-    const int marks = MarksOn(FocusOf(1006));
-    PaintNow(links_->window);
-    EXPECT_EQ(marks, MarksOn(FocusOf(1006)));
+    for (const COLORREF ground : {0xFFFFFFu, 0xF0E8D8u, 0x000000u, 0x402010u}) {
+        links_ = std::make_unique<PaintingDialog>(ground);
+        links_->Create(nullptr);
+        SetFocus(Child(1006));
+        ShowWindow(links_->window, SW_SHOW);
+        UpdateWindow(links_->window);
+        ExpectDotted(FocusOf(1006), ground);
+        const int marks = MarksOn(FocusOf(1006), ground);
+        PaintNow(links_->window);
+        EXPECT_EQ(marks, MarksOn(FocusOf(1006), ground));
+    }
+}
+
+// A procedure below the link's, and the window for which it hears of the focus.
+WNDPROC belowFocus = nullptr;
+HWND focusHeardFor = nullptr;
+int focusesHeard = 0;
+LRESULT CALLBACK NoteFocus(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_SETFOCUS) {
+        focusHeardFor = window;
+        ++focusesHeard;
+    }
+    return CallWindowProcW(belowFocus, window, message, wParam, lParam);
+}
+
+// Goes, or its link's window does, in the first paint after the focus has come to the link.
+class VanishingDialog : public linktest::LinkDialog {
+public:
+    VanishingDialog(bool isDressed, int whatGoes)
+        : LinkDialog(OB_TEST_LINKS, {1006}, isDressed), goes(whatGoes) {}
+    bool OnInitDialog() override {
+        ObXDlg::OnInitDialog();
+        belowFocus = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
+            GetItem(1006, true), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&NoteFocus)));
+        links[0]->Attach(window);
+        return false;
+    }
+    bool OnPaint() override {
+        if (!isArmed) return false;
+        isArmed = false;
+        DestroyWindow(goes != 0 ? GetItem(goes, true) : window);
+        return true;
+    }
+    int goes; // 0: the dialog
+    bool isArmed = false;
+};
+
+TEST_F(LinkFocusLook, MayEndTheDialogOrTheLinkInThePaintThatShowsIt) {
+    for (const bool isDressed : {true, false}) {
+        for (const int goes : {0, 1006}) {
+            auto dialog = std::make_unique<VanishingDialog>(isDressed, goes);
+            VanishingDialog& vanishing = *dialog;
+            links_ = std::move(dialog);
+            links_->Create(nullptr);
+            ShowWindow(links_->window, SW_SHOW);
+            SetFocus(Child(1010));
+            Settle();
+            const HWND link = Child(1006);
+            focusesHeard = 0;
+            vanishing.isArmed = true;
+            SetFocus(link);
+            EXPECT_FALSE(IsWindow(link)) << "painted at once";
+            EXPECT_FALSE(Link().attached);
+            EXPECT_EQ(1, focusesHeard);
+            EXPECT_EQ(link, focusHeardFor) << "while there was a window";
+        }
+    }
 }
 
 TEST_F(LinkFocusLook, IsAroundALinkOfSeveralLines) {
@@ -242,7 +354,7 @@ TEST_F(LinkFocusLook, IsAroundALinkOfSeveralLines) {
     Settle();
     const PixelRect focus = FocusOf(1004);
     EXPECT_EQ(PlaceOf(1004).Height() + 4, focus.Height());
-    EXPECT_LE(Dots(focus), MarksOn(focus));
+    ExpectDotted(focus);
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 // screen readers get of them.
 #include "ObLibX/src/controls/ObHyperlink.h"
 
+#include <optional>
+
 #include "ObLibX/src/controls/ObCustStatic.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/controls/BarFixture.h"
@@ -85,7 +87,7 @@ TEST_F(LinkAttaching, LeavesALabelDressedAndIsOutermost) {
 
 class LinkEnding : public LinkFixture {};
 
-TEST_F(LinkEnding, WithTheDialogPutsAllBack) {
+TEST_F(LinkEnding, WithTheDialogEmptiesTheObjects) {
     OpenLinks(OB_TEST_LINKS, {kLink, kOther});
     const HFONT underlined = Link().underlineFont.Get();
     ASSERT_EQ(static_cast<DWORD>(OBJ_FONT), GetObjectType(underlined));
@@ -108,39 +110,111 @@ TEST_F(LinkEnding, LetsItBeAttachedAtTheNextOpening) {
     EXPECT_EQ(1u, links_->commands.size());
 }
 
+// What a link changes of a window, a dialog's too; the system hides a window before its end.
 struct WindowState {
-    WNDPROC procedure;
-    HFONT font;
-    LONG_PTR style;
-    LONG_PTR userData;
+    WNDPROC procedure = nullptr;
+    HFONT font = nullptr;
+    LONG_PTR style = 0;
+    LONG_PTR userData = 0;
+    int properties = 0; // how many of a link's
     bool operator==(const WindowState&) const = default;
 };
+std::ostream& operator<<(std::ostream& out, const WindowState& state) {
+    return out << reinterpret_cast<void*>(state.procedure) << " font " << state.font << " style "
+               << std::hex << state.style << std::dec << " data " << state.userData << ", "
+               << state.properties << " properties";
+}
+
+WindowState StateOf(HWND window) {
+    int properties = 0;
+    for (const wchar_t* const name :
+         {L"_HYPERLINK_", L"_HYPERLINK_OBJECT_PTR_", L"_HYPERLINK_OLD_WNDPROC"}) {
+        properties += GetPropW(window, name) != nullptr;
+    }
+    return {reinterpret_cast<WNDPROC>(GetWindowLongPtrW(window, GWLP_WNDPROC)),
+            reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)),
+            GetWindowLongPtrW(window, GWL_STYLE) & ~LONG_PTR{WS_VISIBLE},
+            GetWindowLongPtrW(window, GWLP_USERDATA), properties};
+}
 
 TEST_F(LinkEnding, OfTheObjectLeavesALabel) {
     OpenLinks(OB_TEST_LINKS, {});
     const HWND window = Child(kLink);
-    const auto stateOf = [&] {
-        return WindowState{ProcedureOf(window), FontOf(window),
-                           GetWindowLongPtrW(window, GWL_STYLE),
-                           GetWindowLongPtrW(window, GWLP_USERDATA)};
-    };
     SetWindowLongPtrW(window, GWLP_USERDATA, 77);
-    const WindowState before = stateOf();
-    const WNDPROC ofDialog = ProcedureOf(links_->window);
+    const WindowState before = StateOf(window);
+    const WindowState ofDialog = StateOf(links_->window);
     auto link = std::make_unique<ObCmdLinkCtrl>(kLink, links_.get());
     link->Attach(links_->window);
-    EXPECT_NE(before, stateOf());
-    EXPECT_NE(ofDialog, ProcedureOf(links_->window));
+    EXPECT_EQ(3, StateOf(window).properties);
+    EXPECT_NE(before, StateOf(window));
+    EXPECT_NE(ofDialog, StateOf(links_->window));
     link.reset();
-    EXPECT_EQ(before, stateOf());
-    EXPECT_EQ(ofDialog, ProcedureOf(links_->window));
-    for (const wchar_t* const name :
-         {L"_HYPERLINK_", L"_HYPERLINK_OBJECT_PTR_", L"_HYPERLINK_OLD_WNDPROC"}) {
-        EXPECT_EQ(nullptr, GetPropW(window, name)) << testing::PrintToString(std::wstring(name));
-    }
-    EXPECT_EQ(nullptr, GetPropW(links_->window, L"_HYPERLINK_OLD_WNDPROC"));
+    EXPECT_EQ(before, StateOf(window));
+    EXPECT_EQ(ofDialog, StateOf(links_->window));
     Send(window, WM_LBUTTONDOWN, MK_LBUTTON);
     EXPECT_EQ(Commands(), links_->commands);
+}
+
+// A procedure below the link's, and what its window has when it hears of its end.
+WNDPROC belowNote = nullptr;
+std::optional<WindowState> stateAtEnd;
+LRESULT CALLBACK NoteEnd(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_DESTROY) stateAtEnd = StateOf(window);
+    return CallWindowProcW(belowNote, window, message, wParam, lParam);
+}
+void NoteTheEndOf(HWND window) {
+    stateAtEnd.reset();
+    belowNote = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&NoteEnd)));
+}
+
+TEST_F(LinkEnding, WithTheDialogPutsAllBackBeforeTheWindowHearsOfIt) {
+    for (const bool isWholeDialog : {true, false}) {
+        OpenLinks(OB_TEST_LINKS, {}, false);
+        const HWND window = Child(kLink);
+        SetWindowLongPtrW(window, GWLP_USERDATA, 77);
+        NoteTheEndOf(window);
+        const WindowState before = StateOf(window);
+        ObCmdLinkCtrl link(kLink);
+        link.Attach(links_->window);
+        ASSERT_NE(before, StateOf(window));
+        DestroyWindow(isWholeDialog ? links_->window : window);
+        ASSERT_TRUE(stateAtEnd);
+        EXPECT_EQ(before, *stateAtEnd) << isWholeDialog;
+    }
+}
+
+TEST_F(LinkEnding, WithTheDialogPutsTheDialogBackBeforeItHearsOfIt) {
+    OpenLinks(OB_TEST_LINKS, {});
+    const HWND dialog = links_->window;
+    NoteTheEndOf(dialog);
+    const WindowState before = StateOf(dialog);
+    ObCmdLinkCtrl link(kLink);
+    link.Attach(dialog);
+    ASSERT_NE(before, StateOf(dialog));
+    DestroyWindow(dialog);
+    ASSERT_TRUE(stateAtEnd);
+    EXPECT_EQ(before, *stateAtEnd);
+}
+
+TEST_F(LinkEnding, OfItsWindowAloneLeavesTheDialogAndTheOthers) {
+    OpenLinks(OB_TEST_LINKS, {});
+    const WindowState ofDialog = StateOf(links_->window);
+    ObCmdLinkCtrl link(kLink, links_.get());
+    ObCmdLinkCtrl other(kOther, links_.get());
+    link.Attach(links_->window);
+    other.Attach(links_->window);
+    SetFocus(Child(kLink));
+    DestroyWindow(Child(kLink));
+    EXPECT_FALSE(link.attached);
+    EXPECT_EQ(nullptr, link.window);
+    EXPECT_FALSE(link.underlineFont);
+    Send(Child(kOther), WM_LBUTTONDOWN, MK_LBUTTON);
+    EXPECT_EQ((Commands{{kOther, 0, Child(kOther)}}), links_->commands);
+    PaintNow(links_->window);
+    EXPECT_NE(ofDialog, StateOf(links_->window)) << "there is a link still";
+    DestroyWindow(Child(kOther));
+    EXPECT_EQ(ofDialog, StateOf(links_->window)) << "that was the last";
 }
 
 TEST_F(LinkEnding, OfOneLeavesTheOthers) {
@@ -451,6 +525,22 @@ TEST_F(LinkLook, HasTheSystemsColoursInHighContrast) {
     EXPECT_EQ(GetSysColor(COLOR_WINDOW), ColorsOf(kLink).ground);
 }
 
+// As the dialog does when the system reports it.
+TEST_F(LinkLook, TakesTheSystemsColoursWhenHighContrastComes) {
+    OpenLinks(OB_TEST_LINKS, {kLink});
+    Link().SetBackgroundColor(0x80FFFF);
+    ASSERT_LT(0, CountOf(kLink, kLinkColor));
+    for (const bool isOn : {true, false}) {
+        isContrast = isOn;
+        Send(links_->window, WM_SYSCOLORCHANGE);
+        EXPECT_TRUE(GetUpdateRect(Child(kLink), nullptr, FALSE)) << "painted anew by itself";
+        EXPECT_EQ(isOn ? GetSysColor(COLOR_HOTLIGHT) : kLinkColor, ColorsOf(kLink).text);
+        EXPECT_EQ(isOn ? GetSysColor(COLOR_WINDOW) : 0x80FFFFu, ColorsOf(kLink).ground);
+        EXPECT_EQ(isOn, CountOf(kLink, 0x80FFFF) == 0);
+        EXPECT_EQ(isOn, CountOf(kLink, kLinkColor) == 0);
+    }
+}
+
 // ---- Screen readers
 
 class LinkForScreenReaders : public LinkFixture {
@@ -494,10 +584,29 @@ TEST_F(LinkForScreenReaders, IsClickedByItsDefaultAction) {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
     EXPECT_EQ((Commands{{kLink, 0, Child(kLink)}}), links_->commands);
+    links_->commands.clear();
+    EXPECT_EQ(S_OK, object->accDoDefaultAction(self));
     EnableWindow(Child(kLink), FALSE);
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    EXPECT_EQ(Commands(), links_->commands) << "disabled meanwhile";
     EXPECT_EQ(DISP_E_MEMBERNOTFOUND, object->accDoDefaultAction(self));
     DestroyWindow(links_->window);
     EXPECT_EQ(CO_E_OBJNOTCONNECTED, object->accDoDefaultAction(self));
+}
+
+TEST_F(LinkForScreenReaders, IsNotClickedOnceItHasGone) {
+    OpenLinks(OB_TEST_LINKS, {kLink});
+    ObLib::ComPtr<IAccessible> object;
+    ASSERT_EQ(S_OK, AccessibleObjectFromWindow(Child(kLink), static_cast<DWORD>(OBJID_CLIENT),
+                                               __uuidof(IAccessible),
+                                               reinterpret_cast<void**>(object.Put())));
+    VARIANT self{};
+    self.vt = VT_I4;
+    EXPECT_EQ(S_OK, object->accDoDefaultAction(self));
+    DestroyWindow(Child(kLink));
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    EXPECT_EQ(Commands(), links_->commands);
 }
 
 } // namespace
