@@ -41,7 +41,7 @@ struct Thumb {
     ScrollOrientation orientation;
     std::uint16_t code;
     std::int32_t value;
-    std::int32_t distance; // from the position that the host has
+    std::int32_t distance; // from the position that the host has, for `scroll` of a Way
 };
 
 void ScrollList(HWND list, const Thumb& thumb) {
@@ -82,18 +82,27 @@ const Way* WayOf(HWND host, ScrollOrientation orientation) {
     return way != std::end(kWays) ? way : nullptr;
 }
 
-// A message has 16 bits for the value. Windows that are known to need it otherwise get the rest
-// their way; any other window gets the message once, and its own bar is its own to move.
-void ScrollHostTo(HWND host, ScrollOrientation orientation, std::uint16_t code,
-                  std::int32_t value) {
-    const Way* const way = WayOf(host, orientation);
-    if (way == nullptr || value == static_cast<std::int16_t>(value)) {
-        Send(host, orientation, code, value);
+bool FitsAMessage(std::int32_t value) { return value == static_cast<std::int16_t>(value); }
+
+// For a window of a known class that the message hasn't brought to the value: its 16 bits were too
+// few, or the window has asked its own bar for the value, which isn't being dragged here.
+void CatchUp(const Way& way, HWND host, const Thumb& thumb) {
+    const auto now = HostScrollInfo(host, thumb.orientation);
+    if (!now || now->nPos == thumb.value) return;
+    Thumb rest = thumb;
+    rest.distance = thumb.value - now->nPos;
+    way.scroll(host, rest);
+}
+
+// First the message that the system's own bar would send. All that any window can be told is in it,
+// and an unknown one gets no more: its bar is its own to move. A known one isn't sent a value that
+// the message would cut off.
+void ScrollHostTo(HWND host, const Thumb& thumb) {
+    const Way* const way = WayOf(host, thumb.orientation);
+    if (way == nullptr || FitsAMessage(thumb.value)) {
+        Send(host, thumb.orientation, thumb.code, thumb.value);
     }
-    if (way == nullptr) return;
-    const auto now = HostScrollInfo(host, orientation);
-    if (!now || now->nPos == value) return;
-    way->scroll(host, {orientation, code, value, value - now->nPos});
+    if (way != nullptr) CatchUp(*way, host, thumb);
 }
 
 } // namespace
@@ -108,7 +117,7 @@ std::optional<SCROLLINFO> HostScrollInfo(HWND host, ScrollOrientation orientatio
 
 void ScrollHost(HWND host, ScrollOrientation orientation, std::uint16_t code, std::int32_t value) {
     if (code == SB_THUMBTRACK || code == SB_THUMBPOSITION) {
-        ScrollHostTo(host, orientation, code, value);
+        ScrollHostTo(host, {orientation, code, value, 0});
     } else {
         Send(host, orientation, code, 0);
     }
