@@ -52,13 +52,13 @@ public:
     }
     // As the system's own bars, a press takes no focus from the window that it scrolls.
     void OnSetFocus() override {
-        const HWND host = owner_->HeldWindow();
+        const HWND host = owner_->HostWindow();
         if (host != nullptr && GetFocus() != host && IsWindowEnabled(host)) SetFocus(host);
     }
 
 private:
     ObLib::ObString AccessibleName() override {
-        const HWND host = owner_->HeldWindow();
+        const HWND host = owner_->HostWindow();
         return host != nullptr ? LabelBefore(host) : ObLib::ObString();
     }
 
@@ -89,24 +89,28 @@ bool ScrollBarHolder::Create(HWND parent) {
         CreateWindowExW(0, kHolderClass, L"", WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0, 0, 0,
                         0, parent, nullptr, program, this);
     if (made == nullptr) return false;
-    MakeChild();
+    if (!MakeChild()) {
+        Destroy();
+        return false;
+    }
     Raise();
     return true;
 }
 
 void ScrollBarHolder::Destroy() { window_.Reset(); }
 
-void ScrollBarHolder::MakeChild() {
+bool ScrollBarHolder::MakeChild() {
     const bool isVertical = kind_ == HolderKind::Vertical;
     const bool isCorner = kind_ == HolderKind::Corner;
     const DWORD style = isCorner ? 0 : (isVertical ? SBS_VERT : SBS_HORZ);
     child_ =
         CreateWindowExW(0, isCorner ? L"Static" : L"SCROLLBAR", L"", WS_CHILD | WS_VISIBLE | style,
                         0, 0, 0, 0, Window(), nullptr, ObLib::AppGlobals().programModule, nullptr);
-    if (isCorner || child_ == nullptr) return;
+    if (isCorner || child_ == nullptr) return child_ != nullptr;
     bar_ = std::make_unique<HostedScrollbar>(
         isVertical ? ScrollOrientation::Vertical : ScrollOrientation::Horizontal, *owner_);
     bar_->Attach(child_);
+    return true;
 }
 
 ObFlatScrollbar* ScrollBarHolder::Bar() const {
@@ -149,6 +153,14 @@ void ScrollBarHolder::Enable(bool isEnabled) const {
     if (window_ && child_ != nullptr) EnableWindow(child_, isEnabled);
 }
 
+void ScrollBarHolder::Refresh() const {
+    if (Bar() != nullptr) {
+        Bar()->Refresh();
+    } else if (window_ && child_ != nullptr) {
+        InvalidateRect(child_, nullptr, TRUE);
+    }
+}
+
 LRESULT CALLBACK ScrollBarHolder::Procedure(HWND window, UINT message, WPARAM wParam,
                                             LPARAM lParam) {
     if (message == WM_NCCREATE) {
@@ -174,6 +186,10 @@ void ScrollBarHolder::OnGone() {
     child_ = nullptr;
 }
 
+void ScrollBarHolder::LetGo() const {
+    if (Bar() != nullptr && GetCapture() == Bar()->window) ReleaseCapture();
+}
+
 LRESULT ScrollBarHolder::OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_SIZE:
@@ -182,17 +198,20 @@ LRESULT ScrollBarHolder::OnMessage(HWND window, UINT message, WPARAM wParam, LPA
                          SWP_NOZORDER | SWP_NOACTIVATE);
         }
         return 0;
+    case WM_WINDOWPOSCHANGED: // a bar that is held isn't told that the window around it is hidden
+        if ((reinterpret_cast<const WINDOWPOS*>(lParam)->flags & SWP_HIDEWINDOW) != 0) LetGo();
+        return DefWindowProcW(window, message, wParam, lParam);
     case WM_HSCROLL:
     case WM_VSCROLL:
         if (Bar() != nullptr) owner_->OnHolderScroll(*Bar(), LOWORD(wParam));
         return 0;
     case WM_SETFOCUS: // by the arrow keys of a dialog
-        if (owner_->HeldWindow() != nullptr) SetFocus(owner_->HeldWindow());
+        if (owner_->HostWindow() != nullptr) SetFocus(owner_->HostWindow());
         return 0;
     case WM_MOUSEWHEEL:
     case WM_MOUSEHWHEEL:
-        if (owner_->HeldWindow() == nullptr) return 0;
-        return SendMessageW(owner_->HeldWindow(), message, wParam, lParam);
+        if (owner_->HostWindow() == nullptr) return 0;
+        return SendMessageW(owner_->HostWindow(), message, wParam, lParam);
     case WM_CTLCOLORSTATIC:
         SetDCBrushColor(reinterpret_cast<HDC>(wParam),
                         IsHighContrast() ? GetSysColor(COLOR_SCROLLBAR) : kCornerColor);

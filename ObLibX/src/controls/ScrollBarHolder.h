@@ -1,5 +1,5 @@
-// A window that covers a scroll bar of another window and shows a flat one in its place, or covers
-// the corner between two bars.
+// A holder: a window that covers a scroll bar of another window, the host, and shows a flat one in
+// its place, or covers the corner between two bars.
 #pragma once
 
 #include <windows.h>
@@ -16,11 +16,12 @@ inline constexpr wchar_t kHolderClass[] = L"SCROLLBARHOLDER";
 
 enum class HolderKind : std::int32_t { Horizontal = 0, Vertical = 1, Corner = 2 };
 
-// Whose bars are held. On the thread of the dialogs; what these throw ends in the window procedure.
+// Whom holders ask and tell: the object that covers a host's bars. On the thread of the dialogs;
+// what these throw ends in the window procedure.
 class HolderOwner {
 public:
     // The window that has the bars; null once it has gone.
-    [[nodiscard]] virtual HWND HeldWindow() const = 0;
+    [[nodiscard]] virtual HWND HostWindow() const = 0;
     // The user scrolls, with an SB_ code. For those of the thumb the bar has the value.
     virtual void OnHolderScroll(ObFlatScrollbar& bar, std::uint16_t code) = 0;
     // The right mouse button, at a point of the screen.
@@ -37,8 +38,9 @@ public:
     ScrollBarHolder(const ScrollBarHolder&) = delete;
     ScrollBarHolder& operator=(const ScrollBarHolder&) = delete;
 
-    // Makes the window, hidden, as a child of `parent` in front of its others. False when it can't
-    // be made. The parent may destroy it.
+    // Makes the window, hidden, as a child of `parent` in front of its others. False, and nothing
+    // is made, when it or what is in it can't be made. The parent may destroy it. Throws
+    // std::bad_alloc, with the window there.
     bool Create(HWND parent);
     void Destroy();
 
@@ -58,12 +60,15 @@ public:
     // In front of the parent's other windows again.
     void Raise() const;
     void Enable(bool isEnabled) const;
+    // Paints what is in it anew, after a change of the system's colours or sizes.
+    void Refresh() const;
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     static bool Register(HINSTANCE program);
     LRESULT OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void MakeChild();
+    bool MakeChild();
+    void LetGo() const; // the user's press or drag is broken off
     void OnGone();
 
     HolderKind kind_;

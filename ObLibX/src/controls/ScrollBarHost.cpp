@@ -1,6 +1,7 @@
 #include "ObLibX/src/controls/ScrollBarHost.h"
 
 #include <commctrl.h>
+#include <windowsx.h>
 
 #include <algorithm>
 #include <iterator>
@@ -11,6 +12,7 @@
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/HolderMenu.h"
 #include "ObLibX/src/controls/HostScrolling.h"
+#include "ObLibX/src/controls/MenuWatch.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
 #include "ObLibX/src/dialog/Gesture.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
@@ -126,14 +128,25 @@ void ScrollBarHost::Attach(HWND host) {
     if (host == nullptr) return;
     host_ = host;
     parent_ = GetAncestor(host, GA_PARENT);
+    if (!CreateHolders()) return;
     SetWindowLongPtrW(host, GWL_STYLE, StyleOf(host) | WS_CLIPSIBLINGS);
-    verticalHolder_.Create(parent_);
-    horizontalHolder_.Create(parent_);
-    cornerHolder_.Create(parent_);
-    AddSubclass(host, &ScrollBarHost::Procedure, this);
     const auto presence = Presence();
     Refresh();
     if (!presence.expired()) EnableBars();
+}
+
+// All of it or nothing, also where an exception passes.
+bool ScrollBarHost::CreateHolders() {
+    bool isCovered = false;
+    const ObLib::ScopeExit orDetach([&] {
+        if (!isCovered) Detach();
+    });
+    if (verticalHolder_.Create(parent_) && horizontalHolder_.Create(parent_) &&
+        cornerHolder_.Create(parent_)) {
+        AddSubclass(host_, &ScrollBarHost::Procedure, this);
+        isCovered = true;
+    }
+    return isCovered;
 }
 
 void ScrollBarHost::Detach() {
@@ -153,7 +166,7 @@ void ScrollBarHost::OnHostGone() {
     horizontalHolder_.Destroy();
     cornerHolder_.Destroy();
     verticalOff_ = horizontalOff_ = true;
-    areShown_ = hoverTracking_ = isLeaveAsked_ = isRedrawOff_ = false;
+    areOut_ = hoverTracking_ = isLeaveAsked_ = isRedrawOff_ = false;
 }
 
 std::array<const ScrollBarHolder*, 3> ScrollBarHost::Holders() const {
@@ -209,6 +222,8 @@ LRESULT ScrollBarHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         return DefaultAnd(message, wParam, lParam, [this] { EnableBars(); });
     case WM_SETREDRAW:
         return OnSetRedraw(wParam, lParam);
+    case WM_CONTEXTMENU:
+        return OnContextMenu(wParam, lParam);
     default:
         if (IsScrolling(message, wParam, lParam)) return OnScrolling(message, wParam, lParam);
         return autoHide_ ? OnAutoHideMessage(message, wParam, lParam)
@@ -218,15 +233,34 @@ LRESULT ScrollBarHost::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT ScrollBarHost::DefaultAndCopy(UINT message, WPARAM wParam, LPARAM lParam) {
     return DefaultAnd(message, wParam, lParam, [&] {
-        if (MayChangeBars(message)) CopyState();
+        if (MayChangeBars(message)) CopyStateAfterChange();
     });
 }
 
 LRESULT ScrollBarHost::OnScrolling(UINT message, WPARAM wParam, LPARAM lParam) {
     return DefaultAnd(message, wParam, lParam, [this] {
-        CopyState();
+        CopyStateAfterChange();
         ShowBars();
     });
+}
+
+// The keyboard can't reach a bar, but its menu. What else opens one, the host itself or its dialog,
+// has been asked before.
+LRESULT ScrollBarHost::OnContextMenu(WPARAM wParam, LPARAM lParam) {
+    const bool isByKey = GET_X_LPARAM(lParam) == -1 && GET_Y_LPARAM(lParam) == -1;
+    const bool isOurs = isByKey && reinterpret_cast<HWND>(wParam) == host_;
+    if (!isOurs) return Default(WM_CONTEXTMENU, wParam, lParam);
+    const MenuWatch ofHost(host_);
+    const MenuWatch ofParent(parent_);
+    return DefaultAnd(WM_CONTEXTMENU, wParam, lParam, [&] {
+        if (!ofHost.HasSeenMenu() && !ofParent.HasSeenMenu()) OpenMenuOfABar();
+    });
+}
+
+void ScrollBarHost::OpenMenuOfABar() {
+    const ScrollBarHolder& holder = verticalOff_ ? horizontalHolder_ : verticalHolder_;
+    if (holder.Bar() == nullptr || (verticalOff_ && horizontalOff_)) return;
+    SendMessageW(holder.Bar()->window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(host_), -1);
 }
 
 // The rectangle is that of the window before the system takes the border and the bars off.
@@ -281,14 +315,14 @@ void ScrollBarHost::PlaceBars(const HostFrame& frame) {
 
 void ScrollBarHost::PlaceBars(const HostFrame& frame, bool isHostShown) {
     const HolderPlaces places = PlaceHolders(frame);
-    const bool isShown = isHostShown && (!autoHide_ || areShown_);
+    const bool areWanted = isHostShown && (!autoHide_ || areOut_);
     verticalOff_ = places.vertical.IsEmpty();
     horizontalOff_ = places.horizontal.IsEmpty();
     const PixelRect* const wanted[] = {&places.vertical, &places.horizontal, &places.corner};
     for (std::size_t at = 0; at < std::size(wanted); ++at) {
         const ScrollBarHolder& holder = *Holders()[at];
         if (!wanted[at]->IsEmpty()) holder.Place(*wanted[at]);
-        holder.Show(isShown && !wanted[at]->IsEmpty());
+        holder.Show(areWanted && !wanted[at]->IsEmpty());
     }
     CopyState();
 }
@@ -298,8 +332,9 @@ void ScrollBarHost::EnableBars() const {
     for (const ScrollBarHolder* const holder : Holders()) holder->Enable(IsWindowEnabled(host_));
 }
 
-void ScrollBarHost::CopyState() {
-    if (host_ == nullptr || relaying_) return;
+// False when the bars have all of it already.
+bool ScrollBarHost::TakeStates() {
+    if (host_ == nullptr || relaying_) return false;
     bool isChanged = false;
     for (const ScrollBarHolder* const holder : Holders()) {
         ObFlatScrollbar* const bar = holder->Bar();
@@ -307,7 +342,17 @@ void ScrollBarHost::CopyState() {
         const auto theirs = HostScrollInfo(host_, bar->Orientation());
         if (theirs && TakeState(*bar, *theirs)) isChanged = true;
     }
-    if (isChanged && autoHide_ && !areShown_) PaintStrips();
+    return isChanged;
+}
+
+void ScrollBarHost::CopyState() {
+    if (TakeStates()) CoverOwnBars();
+}
+
+// The host may have had the system paint its own bars, also with what they had before.
+void ScrollBarHost::CopyStateAfterChange() {
+    TakeStates();
+    CoverOwnBars();
 }
 
 void ScrollBarHost::OnHolderScroll(ObFlatScrollbar& bar, std::uint16_t code) {
@@ -350,7 +395,7 @@ void ScrollBarHost::OnHolderMenu(ObFlatScrollbar& bar, POINT point) {
 void ScrollBarHost::SetAutoHide(bool isOn) {
     if (autoHide_ == isOn) return;
     autoHide_ = isOn;
-    areShown_ = isOn;
+    areOut_ = isOn; // without auto-hide nobody asks
     hoverTracking_ = false;
     StopHideTimer();
     const auto presence = Presence();
@@ -364,9 +409,7 @@ void ScrollBarHost::Refresh() {
     const auto presence = Presence();
     ApplyFrame();
     if (presence.expired()) return;
-    for (const ScrollBarHolder* const holder : Holders()) {
-        if (holder->Bar() != nullptr) holder->Bar()->Refresh();
-    }
+    for (const ScrollBarHolder* const holder : Holders()) holder->Refresh();
 }
 
 // The client area is anew what the mode leaves of it.

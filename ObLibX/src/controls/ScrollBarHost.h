@@ -21,9 +21,13 @@ inline constexpr UINT kShowBarsMessage = 12089;
 inline constexpr UINT_PTR kHideBarsTimer = 10552;
 inline constexpr UINT kHideBarsDelay = 300; // milliseconds
 
-// Covers the own bars of a window, its host, by flat ones in three windows of the host's parent.
+// Covers the own bars of a window by flat ones. That window is the host; of the three windows that
+// do it, children of the host's parent, each is a holder; a holder's bar is the flat one in it.
 // The host goes on scrolling by itself: its bars are there, and what they have is shown by the flat
 // ones; what the user does on these is passed to the host as if its own bars were used.
+//
+// By the keyboard, Shift+F10 and the menu key on a host for which nothing else opens a menu open
+// that of a bar.
 //
 // With auto-hide the bars are shown only while they are needed, over the host's content, which has
 // their place but for a thin strip. They come when the mouse was moved and rests, and when the host
@@ -50,7 +54,7 @@ public:
     void SetAutoHide(bool isOn);
     [[nodiscard]] bool IsAutoHide() const { return autoHide_; }
 
-    // After a change of the system's colours or sizes.
+    // After a change of the system's colours or sizes; the owner of the object calls it.
     void Refresh();
 
     [[nodiscard]] HWND Host() const { return host_; } // null: none
@@ -69,13 +73,16 @@ private:
     LRESULT DefaultAndCopy(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnSetRedraw(WPARAM wParam, LPARAM lParam);
     LRESULT OnScrolling(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnContextMenu(WPARAM wParam, LPARAM lParam);
+    void OpenMenuOfABar();
     LRESULT OnAutoHideMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    bool CreateHolders();
     void OnHostGone();
     // Has expired once the object is gone: to be asked after each call of the host.
     [[nodiscard]] std::weak_ptr<const void> Presence() const { return presence_; }
 
     // HolderOwner
-    [[nodiscard]] HWND HeldWindow() const override { return host_; }
+    [[nodiscard]] HWND HostWindow() const override { return host_; }
     void OnHolderScroll(ObFlatScrollbar& bar, std::uint16_t code) override;
     void OnHolderMenu(ObFlatScrollbar& bar, POINT point) override;
 
@@ -87,7 +94,9 @@ private:
     void PlaceBars(const HostFrame& frame);
     void PlaceBars(const HostFrame& frame, bool isHostShown);
     void EnableBars() const;
+    bool TakeStates();
     void CopyState();
+    void CopyStateAfterChange();
     void ApplyFrame();
 
     // Auto-hide, in ScrollBarHostAutoHide.cpp.
@@ -100,6 +109,7 @@ private:
     void StopHideTimer();
     void OnHideTick();
     [[nodiscard]] bool AreBarsUsed() const;
+    void CoverOwnBars() const;
     void PaintStrips() const;
 
     std::int32_t verticalWidth_ = 0;
@@ -118,7 +128,7 @@ private:
     bool changingMode_ = false;
     PixelPoint lastPoint_; // of the mouse, where it was last moved away from
 
-    bool areShown_ = false;     // in auto-hide
+    bool areOut_ = false;       // in auto-hide: the bars are there now, over the content
     bool isLeaveAsked_ = false; // the system reports when the mouse leaves
     bool isMenuOpen_ = false;
     bool isRedrawOff_ = false; // of a host that is shown

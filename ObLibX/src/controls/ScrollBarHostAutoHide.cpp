@@ -33,6 +33,12 @@ bool IsUnderCursor(const ScrollBarHolder& holder) {
            PtInRect(&rect, cursor);
 }
 
+// On a list view's header, a window of its own, the mouse has left the list, but not for the user.
+bool IsCursorOnChildOf(HWND host) {
+    POINT cursor{};
+    return GetCursorPos(&cursor) && IsChild(host, WindowFromPoint(cursor)) != FALSE;
+}
+
 // The device context of a whole window for a scope.
 class WindowDc {
 public:
@@ -52,7 +58,7 @@ private:
 // Where a strip shows the place of what is visible; empty when all of it is.
 PixelRect StripThumb(const PixelRect& strip, const ObFlatScrollbar& bar) {
     const ScrollRange& range = bar.Range();
-    if (range.page > WholeValueCount(range)) return {};
+    if (!CanScroll(range)) return {};
     const PixelRect thumb =
         LayOutScrollBar({bar.Orientation(), {strip.Width(), strip.Height()}, 0, kLeastThumbLength},
                         range, bar.Position())
@@ -117,27 +123,34 @@ void ScrollBarHost::ShowBars() {
     } else {
         AskForMouse();
     }
-    if (areShown_) return;
+    if (areOut_) return;
     CopyState();
-    areShown_ = true;
+    areOut_ = true;
     SlideBars(true);
 }
 
 void ScrollBarHost::HideBars() {
-    areShown_ = false;
+    areOut_ = false;
     StopHideTimer();
     SlideBars(false);
 }
 
-// The corner has no direction of its own.
+// The corner has no direction of its own. What the host has scrolled, and what was below a bar that
+// has gone, is painted before each slide, which takes its time inside the call.
 void ScrollBarHost::SlideBars(bool isShown) {
-    const bool isCornerShown = isShown && !verticalOff_ && !horizontalOff_;
+    const struct {
+        const ScrollBarHolder& holder;
+        const bool& isOff;
+    } slides[] = {{verticalHolder_, verticalOff_}, {horizontalHolder_, horizontalOff_}};
     const auto presence = Presence();
-    if (!isCornerShown) cornerHolder_.Show(false);
-    verticalHolder_.Slide(isShown && !verticalOff_);
-    if (presence.expired()) return;
-    horizontalHolder_.Slide(isShown && !horizontalOff_);
-    if (!presence.expired() && isCornerShown) cornerHolder_.Show(true);
+    if (!isShown || verticalOff_ || horizontalOff_) cornerHolder_.Show(false);
+    for (const auto& [holder, isOff] : slides) {
+        UpdateWindow(host_);
+        if (presence.expired()) return;
+        holder.Slide(isShown && !isOff);
+        if (presence.expired()) return;
+    }
+    if (isShown && !verticalOff_ && !horizontalOff_) cornerHolder_.Show(true);
 }
 
 // Windows that come and go under the mouse make it move as well, by nothing.
@@ -145,7 +158,7 @@ void ScrollBarHost::OnMouseMove(PixelPoint point) {
     StopHideTimer();
     const bool isMoved = HasLeftHover(lastPoint_, point, HoverSize());
     if (isMoved) lastPoint_ = point;
-    if (isMoved && !areShown_) hoverTracking_ = true;
+    if (isMoved && !areOut_) hoverTracking_ = true;
     if (isMoved || !isLeaveAsked_) AskForMouse();
 }
 
@@ -157,7 +170,7 @@ void ScrollBarHost::AskForMouse() {
 
 // Starts anew while it runs.
 void ScrollBarHost::StartHideTimer() {
-    if (host_ == nullptr || !areShown_) return;
+    if (host_ == nullptr || !areOut_) return;
     hideTimerRunning_ = SetTimer(host_, kHideBarsTimer, kHideBarsDelay, nullptr) != 0;
 }
 
@@ -172,11 +185,15 @@ bool ScrollBarHost::AreBarsUsed() const {
         return holder.Bar() != nullptr && GetCapture() == holder.Bar()->window;
     };
     return isMenuOpen_ || hasCapture(verticalHolder_) || hasCapture(horizontalHolder_) ||
-           IsUnderCursor(cornerHolder_);
+           IsUnderCursor(cornerHolder_) || IsCursorOnChildOf(host_);
 }
 
 void ScrollBarHost::OnHideTick() {
     if (!AreBarsUsed()) HideBars();
+}
+
+void ScrollBarHost::CoverOwnBars() const {
+    if (autoHide_ && !areOut_) PaintStrips();
 }
 
 // The system paints a piece of its own bars there.

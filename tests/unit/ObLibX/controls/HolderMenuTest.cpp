@@ -85,18 +85,82 @@ TEST_F(HostMenu, ChangesTheModeAfterAMessageToTheHost) {
     EXPECT_EQ(All(), Shown());
 }
 
-TEST_F(HostMenu, OpensAtTheClickAndByTheKeyboardOnTheBar) {
+TEST_F(HostMenu, OpensAtTheClick) {
     ChooseFromMenu(HolderKind::Vertical, 0, 3, 70);
     POINT clicked{3, 70};
     ClientToScreen(VerticalBar().window, &clicked);
     EXPECT_EQ(clicked.x, hostFakes.menuPoint.x);
     EXPECT_EQ(clicked.y, hostFakes.menuPoint.y);
-    hostFakes.menu.clear();
-    SendMessageW(VerticalBar().window, WM_CONTEXTMENU, 0, -1);
-    EXPECT_EQ(12u, hostFakes.menu.size());
-    RECT bar{};
-    GetWindowRect(VerticalBar().window, &bar);
-    EXPECT_TRUE(PtInRect(&bar, hostFakes.menuPoint));
+}
+
+TEST_F(HostMenu, OpensByTheKeyboardOnTheHost) {
+    for (const bool isAutoHide : {false, true}) {
+        bars_.SetAutoHide(isAutoHide);
+        hostFakes.menu.clear();
+        AskForMenu(host_);
+        EXPECT_TRUE((isAutoHide ? OfVertical(63007, L"Show Scrollbars")
+                                : OfVertical(63008, L"Hide Scrollbars")) == hostFakes.menu);
+        RECT bar{};
+        GetWindowRect(VerticalBar().window, &bar);
+        EXPECT_TRUE(PtInRect(&bar, hostFakes.menuPoint)) << "in the middle of the bar";
+    }
+    hostFakes.chosen = 63007;
+    AskForMenu(host_);
+    EXPECT_FALSE(bars_.IsAutoHide());
+    EXPECT_EQ(All(), Shown());
+    EXPECT_EQ((std::vector<HostMessage>{{12089, 0, 1}}), sent_);
+}
+
+TEST_F(HostMenu, OpensByTheKeyboardForTheBarThatTheHostHas) {
+    ShowScrollBar(host_, SB_VERT, FALSE);
+    AskForMenu(host_);
+    EXPECT_TRUE(OfHorizontal(63008, L"Hide Scrollbars") == hostFakes.menu);
+    ShowScrollBar(host_, SB_HORZ, FALSE);
+    AskForMenu(host_);
+    EXPECT_EQ(1, hostFakes.menusShown) << "no bar";
+}
+
+// Of the host's own, or of its dialog: menus that one of the two windows is told of.
+TEST_F(HostMenu, LeavesTheKeyboardToAMenuThatTheHostHasAlready) {
+    const ObLib::UniqueMenu own(CreatePopupMenu());
+    for (const HWND owner : {host_, parent_.Get()}) {
+        hostFakes.menusShown = 0;
+        onContextMenu_ = [&] { TrackPopupMenu(own.Get(), 0, 0, 0, 0, owner, nullptr); };
+        AskForMenu(host_);
+        EXPECT_EQ(1, hostFakes.menusShown);
+    }
+    onContextMenu_ = [] {};
+    AskForMenu(host_);
+    EXPECT_EQ(2, hostFakes.menusShown) << "it opened none";
+}
+
+TEST_F(HostMenu, OpensForNoClickOnTheHostAndForNoOtherWindow) {
+    POINT point{20, 20};
+    ClientToScreen(host_, &point);
+    SendMessageW(host_, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(host_),
+                 MAKELPARAM(point.x, point.y));
+    SendMessageW(host_, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(parent_.Get()), -1);
+    EXPECT_EQ(0, hostFakes.menusShown);
+}
+
+TEST_F(HostMenu, OpensNotForAHostThatGoesWhenItIsAsked) {
+    onContextMenu_ = [this] { DestroyWindow(host_); };
+    AskForMenu(host_);
+    EXPECT_EQ(0, hostFakes.menusShown);
+    host_ = MakeHost(0, 0);
+    bars_.Attach(host_);
+    onContextMenu_ = [this] { parent_.Reset(); };
+    AskForMenu(host_);
+    EXPECT_EQ(0, hostFakes.menusShown);
+}
+
+TEST_F(HostMenu, ChangesTheModeOfAHostThatGoesAtTheMessage) {
+    onHost_ = [this](const HostMessage&) { DestroyWindow(host_); };
+    ChooseFromMenu(HolderKind::Vertical, 63008);
+    EXPECT_EQ(nullptr, bars_.Host());
+    EXPECT_TRUE(bars_.IsAutoHide()) << "for the next host";
+    EXPECT_TRUE(hostFakes.animations.empty());
+    EXPECT_EQ(0, CountHolders());
 }
 
 TEST_F(HostMenu, DoesNothingForABarThatHasGoneMeanwhile) {

@@ -45,11 +45,13 @@ struct MenuItem {
 
 struct HostFakes {
     std::vector<Animation> animations;
+    bool doesSlide = false;            // else AnimateWindow fails
     std::function<void()> onAnimation; // while a window slides, once
     std::vector<SentTimer> timers;     // that are running
     std::vector<TRACKMOUSEEVENT> tracked;
     POINT cursor{-1000, -1000}; // on the screen
     std::vector<MenuItem> menu; // that was shown last
+    int menusShown = 0;
     POINT menuPoint{};
     UINT chosen = 0;              // by the user
     std::function<void()> onMenu; // while it is shown
@@ -61,7 +63,9 @@ inline HostFakes hostFakes;
 inline BOOL WINAPI FakeAnimate(HWND window, DWORD time, DWORD flags) {
     hostFakes.animations.push_back({window, time, flags});
     if (const auto call = std::exchange(hostFakes.onAnimation, nullptr)) call();
-    return FALSE;
+    if (!hostFakes.doesSlide) return FALSE;
+    ShowWindow(window, (flags & AW_HIDE) != 0 ? SW_HIDE : SW_SHOWNA);
+    return TRUE;
 }
 inline UINT_PTR WINAPI FakeHostTimer(HWND window, UINT_PTR id, UINT period, TIMERPROC) {
     std::erase_if(hostFakes.timers,
@@ -81,7 +85,10 @@ inline BOOL WINAPI FakeHostCursor(POINT* point) {
     *point = hostFakes.cursor;
     return TRUE;
 }
-inline BOOL WINAPI FakePopup(HMENU menu, UINT flags, int x, int y, int, HWND, const RECT*) {
+// Informs the window that a menu opens, as the system does.
+inline BOOL WINAPI FakePopup(HMENU menu, UINT flags, int x, int y, int, HWND owner, const RECT*) {
+    SendMessageW(owner, WM_ENTERMENULOOP, TRUE, 0);
+    ++hostFakes.menusShown;
     hostFakes.menu.clear();
     hostFakes.menuPoint = {x, y};
     for (int at = 0; at < GetMenuItemCount(menu); ++at) {
@@ -208,6 +215,17 @@ protected:
     }
     static std::array<bool, 3> All() { return {true, true, true}; }
     static std::array<bool, 3> None() { return {}; }
+    // How many holders the parent has, of any host.
+    int CountHolders() const {
+        int count = 0;
+        for (HWND child = GetWindow(parent_.Get(), GW_CHILD); child != nullptr;
+             child = GetWindow(child, GW_HWNDNEXT)) {
+            wchar_t name[40] = {};
+            GetClassNameW(child, name, 40);
+            if (name == std::wstring_view(ObLibX::kHolderClass)) ++count;
+        }
+        return count;
+    }
     // Drags the vertical bar's thumb to the end of its way, or back to its beginning.
     void DragTo(bool isEnd) const {
         ObLibX::ObFlatScrollbar& bar = VerticalBar();
@@ -216,6 +234,20 @@ protected:
         Press(bar.window, thumb.x, thumb.y);
         Move(bar.window, thumb.x, to);
         LetGo(bar.window, thumb.x, to);
+    }
+    // Posts what a press that is held posts with the time; the cursor is where the bar is pressed.
+    static void TickAt(HWND bar, ObLibX::PixelPoint at) {
+        hostFakes.cursor = {at.x, at.y};
+        ClientToScreen(bar, &hostFakes.cursor);
+        SendMessageW(bar, WM_TIMER, 10551, 0);
+        MSG message{};
+        while (PeekMessageW(&message, bar, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE)) {
+            DispatchMessageW(&message);
+        }
+    }
+    // As the system does for Shift+F10 and the menu key on the window that has the focus.
+    static void AskForMenu(HWND window) {
+        SendMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), -1);
     }
     // A right click on a bar, at a point of it, after which the user chooses.
     void ChooseFromMenu(ObLibX::HolderKind kind, UINT command, int x = 5, int y = 5) const {
@@ -231,13 +263,22 @@ protected:
     std::vector<HostMessage> sent_;
     std::function<void(const HostMessage&)> onHost_;
     std::function<void()> onScroll_;
-    std::function<void()> onAnyMessage_; // of a host, once
+    std::function<void()> onAnyMessage_;  // of a host, once
+    std::function<void()> onPaint_;       // of a host, once
+    std::function<void()> onContextMenu_; // of a host, which then takes the message
 
 private:
     static LRESULT CALLBACK HostProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         auto* const test = reinterpret_cast<HostTest*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         if (test != nullptr && test->onAnyMessage_) {
             std::exchange(test->onAnyMessage_, nullptr)();
+        }
+        if (test != nullptr && message == WM_PAINT && test->onPaint_) {
+            std::exchange(test->onPaint_, nullptr)();
+        }
+        if (test != nullptr && message == WM_CONTEXTMENU && test->onContextMenu_) {
+            test->onContextMenu_();
+            return 0;
         }
         constexpr UINT kRecorded[] = {WM_VSCROLL,    WM_HSCROLL, ObLibX::kShowBarsMessage,
                                       WM_MOUSEHOVER, WM_TIMER,   WM_MOUSEWHEEL};

@@ -94,6 +94,67 @@ TEST_F(AutoHide, ShowsTheBarsWhenTheMouseWasMovedAndRests) {
     EXPECT_TRUE(sent_.empty()) << "the host didn't ask for the mouse";
 }
 
+// As Windows does: the call itself shows the window, and hides it.
+TEST_F(AutoHide, ShowsAndHidesTheBarsBySlidesThatWork) {
+    hostFakes.doesSlide = true;
+    SendMessageW(host_, WM_KEYDOWN, VK_NEXT, 0);
+    EXPECT_EQ(All(), Shown());
+    EXPECT_EQ(Slid(true), hostFakes.animations);
+    hostFakes.animations.clear();
+    Leave();
+    Tick();
+    EXPECT_EQ(None(), Shown());
+    EXPECT_EQ(Slid(false), hostFakes.animations);
+}
+
+// Each slide takes 200 ms inside the call.
+TEST_F(AutoHide, PaintsWhatTheHostHasScrolledBeforeTheBarsSlide) {
+    bool isPainted = false;
+    const auto look = [&] { isPainted = !GetUpdateRect(host_, nullptr, FALSE); };
+    const auto change = [&] {
+        isPainted = false;
+        InvalidateRect(host_, nullptr, TRUE);
+        hostFakes.onAnimation = look;
+    };
+    change();
+    SendMessageW(host_, WM_KEYDOWN, VK_NEXT, 0);
+    EXPECT_TRUE(isPainted) << "bars that come";
+    Leave();
+    change();
+    Tick();
+    EXPECT_TRUE(isPainted) << "bars that go";
+}
+
+TEST_F(AutoHide, SurvivesAHostThatGoesInThatPaint) {
+    InvalidateRect(host_, nullptr, TRUE);
+    onPaint_ = [this] { DestroyWindow(host_); };
+    SendMessageW(host_, WM_KEYDOWN, VK_NEXT, 0);
+    EXPECT_EQ(nullptr, bars_.Host());
+    EXPECT_TRUE(hostFakes.animations.empty());
+    EXPECT_EQ(0, CountHolders());
+}
+
+TEST_F(AutoHide, SurvivesAHostThatGoesInASlide) {
+    for (const bool isShowing : {true, false}) {
+        hostFakes.doesSlide = true;
+        if (!isShowing) {
+            ShowThem();
+            Leave();
+        }
+        hostFakes.onAnimation = [this] { DestroyWindow(host_); };
+        if (isShowing) {
+            SendMessageW(host_, WM_KEYDOWN, VK_NEXT, 0);
+        } else {
+            Tick();
+        }
+        EXPECT_EQ(nullptr, bars_.Host());
+        EXPECT_EQ(0, CountHolders());
+        host_ = MakeHost(0, 0);
+        bars_.Attach(host_);
+        hostFakes.animations.clear();
+    }
+}
+
 TEST_F(AutoHide, TakesNoMoveInsideTheHoverRectangleForOne) {
     Move(host_, 100, 80);
     SendMessageW(host_, WM_MOUSEHOVER, 0, 0);
@@ -221,6 +282,24 @@ TEST_F(AutoHide, KeepsTheBarsWhileTheMouseIsOnTheCorner) {
     EXPECT_EQ(None(), Shown());
 }
 
+// A list view's header is one.
+TEST_F(AutoHide, KeepsTheBarsWhileTheMouseIsOnAChildOfTheHost) {
+    const HWND header = CreateWindowExW(0, L"Button", L"", WS_CHILD | WS_VISIBLE, 0, 0, 80, 20,
+                                        host_, nullptr, GetModuleHandleW(nullptr), nullptr);
+    ShowThem();
+    Leave();
+    RECT place{};
+    GetWindowRect(header, &place);
+    hostFakes.cursor = {place.left + 3, place.top + 3};
+    ASSERT_EQ(header, WindowFromPoint(hostFakes.cursor));
+    Tick();
+    EXPECT_EQ(All(), Shown());
+    EXPECT_EQ(1u, hostFakes.timers.size()) << "it asks again";
+    hostFakes.cursor = {-1000, -1000};
+    Tick();
+    EXPECT_EQ(None(), Shown());
+}
+
 TEST_F(AutoHide, KeepsTheBarsWhileTheirMenuIsOpen) {
     ShowThem();
     Leave();
@@ -301,6 +380,27 @@ TEST_F(AutoHide, PaintsAThinThumbWhereTheBarsWouldBe) {
     EXPECT_EQ(0xF0F0F0u, WindowPixel(299, 100));
 }
 
+// A host that sets its own bar has the system paint a piece of it, also where nothing is new.
+TEST_F(AutoHide, PaintsTheStripsAgainAfterWhateverMayHavePaintedTheOwnBars) {
+    const auto paintOwnBar = [this] {
+        const HDC dc = GetWindowDC(host_);
+        FillArea(dc, {300 - Scale(4), 0, 300, 200}, 0xFF00FF);
+        ReleaseDC(host_, dc);
+    };
+    RedrawWindow(host_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
+    for (const UINT message : {UINT{WM_CHAR}, UINT{WM_SETTEXT}}) {
+        onAnyMessage_ = paintOwnBar;
+        SendMessageW(host_, message, 0, 0);
+        EXPECT_EQ(0xF0F0F0u, WindowPixel(299, 2)) << message;
+        EXPECT_EQ(GetPaletteColor(10), WindowPixel(299, 100)) << message;
+    }
+    COLORREF whileItSlides = 0;
+    hostFakes.onAnimation = [&] { whileItSlides = WindowPixel(299, 2); };
+    onAnyMessage_ = paintOwnBar;
+    SendMessageW(host_, WM_VSCROLL, SB_LINEDOWN, 0);
+    EXPECT_EQ(0xF0F0F0u, whileItSlides);
+}
+
 TEST_F(AutoHide, PaintsTheStripsInTheSchemesColours) {
     isBarContrast = true;
     RedrawWindow(host_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
@@ -309,10 +409,18 @@ TEST_F(AutoHide, PaintsTheStripsInTheSchemesColours) {
 }
 
 TEST_F(AutoHide, PaintsNoThumbWhereNothingScrolls) {
-    SetHost(host_, SB_VERT, 10, 100, 0);
-    ShowScrollBar(host_, SB_VERT, TRUE);
-    RedrawWindow(host_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
-    for (const int y : {2, 100, 180}) EXPECT_EQ(0xF0F0F0u, WindowPixel(299, y)) << y;
+    const struct {
+        int maximum;
+        UINT page;
+    } rows[] = {{10, 100}, {99, 100}, {0, 0}, {0, 1}};
+    for (const auto& row : rows) {
+        SetHost(host_, SB_VERT, row.maximum, row.page, 0);
+        ShowScrollBar(host_, SB_VERT, TRUE);
+        RedrawWindow(host_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
+        for (const int y : {2, 100, 180}) {
+            EXPECT_EQ(0xF0F0F0u, WindowPixel(299, y)) << row.maximum << ", " << y;
+        }
+    }
 }
 
 TEST_F(AutoHide, TakesTheStripsFromAWindowWithABorder) {

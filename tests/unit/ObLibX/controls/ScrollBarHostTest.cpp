@@ -1,11 +1,10 @@
-// The host of flat scroll bars: holders and their places, state that is copied, scrolling that is
-// passed on, and windows that go first.
+// The host of flat scroll bars: holders and their places, state that is copied, and windows that go
+// first or can't be made.
 #include "ObLibX/src/controls/ScrollBarHost.h"
-
-#include <oleacc.h>
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 #include "ObLibX/src/controls/HolderMenu.h"
 #include "ObLibX/src/utilities/ObUtil.h"
@@ -20,6 +19,11 @@ class HostHolders : public HostTest {
 protected:
     // In the coordinates of the parent.
     static PixelRect In(HWND window) { return AsPixels(PlaceOf(window)); }
+    // Which window the mouse is over in the middle of a bar, as far as windows are enabled.
+    static HWND WindowFromBar(HWND bar) {
+        const PixelPoint middle = ClientArea(bar).Centre();
+        return ChildWindowFromPointEx(GetParent(bar), {middle.x, middle.y}, CWP_SKIPDISABLED);
+    }
 };
 
 TEST_F(HostHolders, AreThreeWindowsOfTheHostsParentInFrontOfIt) {
@@ -175,11 +179,29 @@ TEST_F(HostHolders, StayInFrontOfAHostThatIsRaised) {
 }
 
 TEST_F(HostHolders, AreDisabledWithTheHost) {
-    EnableWindow(host_, FALSE);
-    EXPECT_FALSE(IsWindowEnabled(VerticalBar().window));
-    Press(VerticalBar().window, 5, 2);
+    for (const bool isEnabled : {false, true, false}) {
+        EnableWindow(host_, isEnabled);
+        for (const HolderKind kind : {HolderKind::Vertical, HolderKind::Horizontal}) {
+            const HWND bar = Bar(kind).window;
+            EXPECT_EQ(isEnabled, IsWindowEnabled(bar) != FALSE);
+            EXPECT_EQ(isEnabled, WindowFromBar(bar) == bar) << "which gets the mouse";
+        }
+    }
+    const PaintedPixels off(VerticalBar().window);
     EnableWindow(host_, TRUE);
-    EXPECT_TRUE(IsWindowEnabled(VerticalBar().window));
+    const PaintedPixels on(VerticalBar().window);
+    const PixelRect& arrow = VerticalBar().Layout().upArrow;
+    const COLORREF ground = on.At(arrow.left, arrow.top);
+    const auto marks = [&](const PaintedPixels& painted) {
+        std::set<COLORREF> colours;
+        for (int y = arrow.top; y < arrow.bottom; ++y) {
+            for (int x = arrow.left; x < arrow.right; ++x) colours.insert(painted.At(x, y));
+        }
+        colours.erase(ground);
+        return colours;
+    };
+    EXPECT_FALSE(marks(on).empty());
+    EXPECT_NE(marks(off), marks(on)) << "and is painted so";
 }
 
 TEST_F(HostHolders, HaveACornerInTheBarsColour) {
@@ -191,7 +213,8 @@ TEST_F(HostHolders, HaveACornerInTheBarsColour) {
         EXPECT_EQ(0xF0F0F0u, GetPixel(dc.Get(), 3, 3));
     }
     isBarContrast = true;
-    RedrawWindow(child, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    bars_.Refresh();
+    UpdateWindow(child); // what Refresh has invalidated
     const ClientDc dc(child);
     EXPECT_EQ(GetSysColor(COLOR_SCROLLBAR), GetPixel(dc.Get(), 3, 3));
 }
@@ -262,210 +285,6 @@ TEST_F(HostState, OfAListFollowsWhatIsAddedOutOfSight) {
     EXPECT_EQ(100, bars.Holder(HolderKind::Vertical).Bar()->Position());
 }
 
-class HostScroll : public HostTest {
-protected:
-    static HostMessage Sent(UINT message, int code, int value = 0) {
-        return {message, MAKEWPARAM(code, value), 0};
-    }
-};
-
-TEST_F(HostScroll, PassesEachPressOnWithoutTheBar) {
-    const ScrollLayout& layout = VerticalBar().Layout();
-    const struct {
-        PixelPoint at;
-        int code;
-    } rows[] = {{layout.upArrow.Centre(), SB_LINEUP},
-                {layout.pageBefore.Centre(), SB_PAGEUP},
-                {layout.pageAfter.Centre(), SB_PAGEDOWN},
-                {layout.downArrow.Centre(), SB_LINEDOWN}};
-    for (const auto& row : rows) {
-        sent_.clear();
-        Press(VerticalBar().window, row.at.x, row.at.y);
-        LetGo(VerticalBar().window, row.at.x, row.at.y);
-        EXPECT_EQ((std::vector<HostMessage>{Sent(WM_VSCROLL, row.code)}), sent_);
-    }
-    sent_.clear();
-    ObFlatScrollbar& across = Bar(HolderKind::Horizontal);
-    const PixelPoint right = across.Layout().downArrow.Centre();
-    Press(across.window, right.x, right.y);
-    LetGo(across.window, right.x, right.y);
-    EXPECT_EQ((std::vector<HostMessage>{Sent(WM_HSCROLL, SB_LINERIGHT)}), sent_);
-    EXPECT_TRUE(scrolled_.empty()) << "the host's parent gets nothing";
-}
-
-TEST_F(HostScroll, PassesTheThumbOnWithItsValue) {
-    LetItScroll();
-    DragTo(true);
-    ASSERT_EQ(2u, sent_.size());
-    EXPECT_EQ(Sent(WM_VSCROLL, SB_THUMBTRACK, 80), sent_[0]);
-    EXPECT_EQ(Sent(WM_VSCROLL, SB_THUMBPOSITION, 80), sent_[1]);
-    EXPECT_EQ(80, VerticalBar().Position());
-}
-
-// What the host doesn't follow is neither sent again nor written into its bar.
-TEST_F(HostScroll, SendsTheThumbOnceToAHostThatDoesNotFollow) {
-    std::vector<int> found;
-    onHost_ = [&](const HostMessage&) { found.push_back(HostPosition(host_, SB_VERT)); };
-    DragTo(true);
-    EXPECT_EQ((std::vector<HostMessage>{Sent(WM_VSCROLL, SB_THUMBTRACK, 80),
-                                        Sent(WM_VSCROLL, SB_THUMBPOSITION, 80)}),
-              sent_);
-    EXPECT_EQ((std::vector<int>{40, 40}), found);
-    EXPECT_EQ(40, HostPosition(host_, SB_VERT));
-    EXPECT_EQ(40, VerticalBar().Position()) << "where the host is";
-}
-
-TEST_F(HostScroll, LeavesTheFocusWithTheHost) {
-    SetFocus(parent_.Get());
-    Press(VerticalBar().window, 5, 2);
-    LetGo(VerticalBar().window, 5, 2);
-    EXPECT_EQ(host_, GetFocus());
-    SetFocus(Vertical());
-    EXPECT_EQ(host_, GetFocus()) << "a holder passes it on";
-}
-
-TEST_F(HostScroll, PassesTheWheelOn) {
-    SendMessageW(VerticalBar().window, WM_MOUSEWHEEL, MAKEWPARAM(0, 120), 0);
-    EXPECT_EQ((std::vector<HostMessage>{{WM_MOUSEWHEEL, MAKEWPARAM(0, 120), 0}}), sent_);
-}
-
-TEST_F(HostScroll, RepeatsAPressAfterTheDelayOnce) {
-    const PixelPoint down = VerticalBar().Layout().downArrow.Centre();
-    Press(VerticalBar().window, down.x, down.y);
-    EXPECT_EQ((std::vector<SentTimer>{{VerticalBar().window, 10551, 200}}), hostFakes.timers);
-    LetGo(VerticalBar().window, down.x, down.y);
-    EXPECT_TRUE(hostFakes.timers.empty());
-}
-
-TEST_F(HostScroll, NamesTheBarAsTheHost) {
-    const HWND label = Child(L"Static", 0, {0, 0, 20, 20});
-    SetWindowTextW(label, L"&Files:");
-    SetWindowPos(label, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-    const Accessible bar = AccessibleOf(VerticalBar().window);
-    EXPECT_EQ(ROLE_SYSTEM_SCROLLBAR, bar.role);
-    EXPECT_EQ(L"Files:", bar.name);
-    EXPECT_EQ(L"40", bar.value);
-}
-
-// Real windows, each with its own way to follow a thumb.
-class HostClients : public HostTest {
-protected:
-    void SetUp() override {
-        HostTest::SetUp();
-        const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES};
-        InitCommonControlsEx(&classes);
-    }
-    HWND Attach(const wchar_t* className, DWORD style) {
-        client_ = Child(className, style, {10, 10, 10 + Scale(150), 10 + Scale(110)});
-        clientBars_.Attach(client_);
-        return client_;
-    }
-    // Drags the thumb of a bar by so many pixels.
-    void Drag(HolderKind kind, int pixels) const {
-        ObFlatScrollbar& bar = *clientBars_.Holder(kind).Bar();
-        const PixelPoint from = bar.Layout().thumb.Centre();
-        const bool isVertical = kind == HolderKind::Vertical;
-        const PixelPoint to =
-            isVertical ? PixelPoint{from.x, from.y + pixels} : PixelPoint{from.x + pixels, from.y};
-        Press(bar.window, from.x, from.y);
-        Move(bar.window, to.x, to.y);
-        LetGo(bar.window, to.x, to.y);
-    }
-    int Position() const { return clientBars_.Holder(HolderKind::Vertical).Bar()->Position(); }
-    void PressArrow(bool isDown) const {
-        ObFlatScrollbar& bar = *clientBars_.Holder(HolderKind::Vertical).Bar();
-        const PixelPoint at = (isDown ? bar.Layout().downArrow : bar.Layout().upArrow).Centre();
-        Press(bar.window, at.x, at.y);
-        LetGo(bar.window, at.x, at.y);
-    }
-
-    ScrollBarHost clientBars_;
-    HWND client_ = nullptr;
-};
-
-TEST_F(HostClients, AnEditFollowsThumbAndArrows) {
-    const HWND edit = Attach(L"Edit", ES_MULTILINE | WS_VSCROLL | ES_AUTOVSCROLL);
-    std::wstring text = L"line";
-    for (int at = 1; at < 300; ++at) text += L"\r\nline";
-    SetWindowTextW(edit, text.c_str());
-    ASSERT_TRUE(clientBars_.Holder(HolderKind::Vertical).IsShown());
-    PressArrow(true);
-    EXPECT_EQ(1, SendMessageW(edit, EM_GETFIRSTVISIBLELINE, 0, 0));
-    EXPECT_EQ(1, Position());
-    Drag(HolderKind::Vertical, 5000);
-    EXPECT_LT(280, SendMessageW(edit, EM_GETFIRSTVISIBLELINE, 0, 0)) << "the end";
-    Drag(HolderKind::Vertical, -5000);
-    EXPECT_EQ(0, SendMessageW(edit, EM_GETFIRSTVISIBLELINE, 0, 0));
-    EXPECT_EQ(0, Position());
-}
-
-TEST_F(HostClients, AnEditOf50000LinesGoesToItsEnd) {
-    const HWND edit = Attach(L"Edit", ES_MULTILINE | WS_VSCROLL | ES_AUTOVSCROLL);
-    SendMessageW(edit, EM_SETLIMITTEXT, 0x7FFFFFFE, 0);
-    std::wstring text;
-    for (int at = 0; at < 50'000; ++at) text += L"x\r\n";
-    SetWindowTextW(edit, text.c_str());
-    Drag(HolderKind::Vertical, 5000);
-    EXPECT_LT(49'900, SendMessageW(edit, EM_GETFIRSTVISIBLELINE, 0, 0));
-    EXPECT_EQ(SendMessageW(edit, EM_GETFIRSTVISIBLELINE, 0, 0), Position());
-}
-
-TEST_F(HostClients, AListBoxOf100000RowsFollowsThumbAndArrows) {
-    const HWND list =
-        Attach(L"ListBox", WS_VSCROLL | LBS_NOINTEGRALHEIGHT | LBS_NODATA | LBS_OWNERDRAWFIXED);
-    SendMessageW(list, LB_SETCOUNT, 100'000, 0);
-    PressArrow(true);
-    EXPECT_EQ(1, SendMessageW(list, LB_GETTOPINDEX, 0, 0));
-    Drag(HolderKind::Vertical, 5000);
-    EXPECT_LT(99'900, SendMessageW(list, LB_GETTOPINDEX, 0, 0));
-    EXPECT_EQ(SendMessageW(list, LB_GETTOPINDEX, 0, 0), Position());
-    Drag(HolderKind::Vertical, -5000);
-    EXPECT_EQ(0, SendMessageW(list, LB_GETTOPINDEX, 0, 0));
-}
-
-TEST_F(HostClients, AListViewFollowsThumbAndArrows) {
-    const HWND list = Attach(WC_LISTVIEWW, LVS_REPORT | LVS_OWNERDATA);
-    LVCOLUMNW column{};
-    column.mask = LVCF_WIDTH;
-    column.cx = 400;
-    SendMessageW(list, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
-    SendMessageW(list, LVM_SETITEMCOUNT, 100'000, 0);
-    ASSERT_TRUE(clientBars_.Holder(HolderKind::Vertical).IsShown());
-    ASSERT_TRUE(clientBars_.Holder(HolderKind::Horizontal).IsShown());
-    PressArrow(true);
-    EXPECT_EQ(1, SendMessageW(list, LVM_GETTOPINDEX, 0, 0));
-    Drag(HolderKind::Vertical, 5000);
-    EXPECT_LT(99'900, SendMessageW(list, LVM_GETTOPINDEX, 0, 0));
-    EXPECT_EQ(SendMessageW(list, LVM_GETTOPINDEX, 0, 0), Position());
-    Drag(HolderKind::Vertical, -5000);
-    EXPECT_EQ(0, SendMessageW(list, LVM_GETTOPINDEX, 0, 0));
-    Drag(HolderKind::Horizontal, 5000);
-    POINT origin{};
-    SendMessageW(list, LVM_GETORIGIN, 0, reinterpret_cast<LPARAM>(&origin));
-    EXPECT_EQ(HostPosition(list, SB_HORZ),
-              clientBars_.Holder(HolderKind::Horizontal).Bar()->Position());
-    EXPECT_LT(100, HostPosition(list, SB_HORZ));
-}
-
-TEST_F(HostClients, AListViewOfIconsFollowsTheThumb) {
-    const HWND list = Attach(WC_LISTVIEWW, LVS_ICON | LVS_AUTOARRANGE);
-    for (int at = 0; at < 200; ++at) {
-        wchar_t text[] = L"item";
-        LVITEMW item{};
-        item.mask = LVIF_TEXT;
-        item.iItem = at;
-        item.pszText = text;
-        SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    }
-    ASSERT_TRUE(clientBars_.Holder(HolderKind::Vertical).IsShown());
-    Drag(HolderKind::Vertical, 5000);
-    const int bottom = HostPosition(list, SB_VERT);
-    EXPECT_LT(500, bottom);
-    EXPECT_EQ(bottom, Position());
-    Drag(HolderKind::Vertical, -5000);
-    EXPECT_EQ(0, HostPosition(list, SB_VERT));
-}
-
 class HostEnds : public HostTest {};
 
 TEST_F(HostEnds, TheHostsWindowTakesItsHoldersAlong) {
@@ -518,7 +337,63 @@ TEST_F(HostEnds, AHolderThatIsDestroyedIsNoMore) {
     EnableWindow(host_, FALSE);
     bars_.SetAutoHide(true);
     SendMessageW(host_, WM_KEYDOWN, VK_NEXT, 0);
-    EXPECT_EQ(nullptr, Vertical());
+    bars_.Refresh();
+    AskForMenu(host_);
+    for (const HolderKind kind :
+         {HolderKind::Vertical, HolderKind::Horizontal, HolderKind::Corner}) {
+        EXPECT_EQ(nullptr, Holder(kind));
+        EXPECT_EQ(nullptr, bars_.Holder(kind).Bar());
+        EXPECT_FALSE(bars_.Holder(kind).IsShown());
+    }
+    EXPECT_EQ(0, CountHolders()) << "nothing makes them again";
+    EXPECT_EQ(host_, bars_.Host()) << "which goes on without them";
+    EXPECT_EQ((PixelRect{0, 0, 200 - Scale(4), 150 - Scale(4)}), ClientArea(host_));
+    EXPECT_EQ(40, HostPosition(host_, SB_VERT));
+    bars_.SetAutoHide(false);
+    bars_.Attach(host_);
+    EXPECT_EQ(All(), Shown()) << "but Attach";
+    EXPECT_FALSE(IsWindowEnabled(VerticalBar().window));
+}
+
+// A system that has no more windows after some.
+int windowsLeft = 0;
+HWND WINAPI CreateSome(DWORD extendedStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x,
+                       int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                       LPVOID data) {
+    static const auto real = reinterpret_cast<decltype(&CreateWindowExW)>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"user32.dll"), "CreateWindowExW")));
+    if (windowsLeft-- <= 0) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return nullptr;
+    }
+    return real(extendedStyle, className, title, style, x, y, width, height, parent, menu, instance,
+                data);
+}
+
+TEST_F(HostEnds, WithoutWindowsForItsHoldersTheHostKeepsItsOwnBars) {
+    const ImportPatch<decltype(&CreateWindowExW)> patch("user32.dll", "CreateWindowExW",
+                                                        &CreateSome);
+    ASSERT_TRUE(patch.Ok());
+    for (int left = 0; left < 6; ++left) { // three holders, and what is in each
+        windowsLeft = 1;
+        const HWND other = MakeHost(0, 0);
+        const PixelRect client = ClientArea(other);
+        ScrollBarHost bars;
+        bars.SetAutoHide(true);
+        windowsLeft = left;
+        bars.Attach(other);
+        EXPECT_EQ(nullptr, bars.Host()) << left;
+        EXPECT_EQ(3, CountHolders()) << left << ": those of the first host";
+        EXPECT_EQ(client, ClientArea(other)) << left;
+        SendMessageW(other, WM_KEYDOWN, VK_NEXT, 0);
+        Erase(other);
+        windowsLeft = 6;
+        bars.Attach(other);
+        EXPECT_EQ(other, bars.Host()) << left << ": a later time";
+        EXPECT_EQ(6, CountHolders()) << left;
+        EXPECT_NE(client, ClientArea(other)) << left;
+        DestroyWindow(other);
+    }
 }
 
 TEST_F(HostEnds, TheHostMayGoWhileItScrolls) {
