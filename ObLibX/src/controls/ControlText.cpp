@@ -1,5 +1,7 @@
 #include "ObLibX/src/controls/ControlText.h"
 
+#include <algorithm>
+
 #include "ObLib/Src/ObFatal.h"
 #include "ObLib/Src/Win32/ObWinGUI.h"
 #include "ObLib/Src/Win32/ScopeExit.h"
@@ -56,6 +58,9 @@ PixelRect DrawControlText(const ObCustomControl& control, HDC dc, const ObLib::O
     const PixelSize size = Measured(dc, text, area, flags);
     const PixelRect placed = PlaceText(area, size, style.horizontal, style.vertical);
     RECT rect = AsRect(placed);
+    // Some systems measure a little less than they draw: the room after the text is the text's.
+    if (style.horizontal == HorizontalPlace::Left)
+        rect.right = std::max(rect.right, LONG{area.right});
     // Of a text that is too long, the beginning is shown.
     if (size.width > area.Width()) flags &= ~static_cast<UINT>(DT_CENTER | DT_RIGHT);
     ::SetTextColor(dc, style.color);
