@@ -57,7 +57,8 @@ namespace obcore {
     TEXT(PreviewNotValid, 1030)                                                                    \
     TEXT(DaysOutOfRange, 1031)                                                                     \
     TEXT(AboutCopyright, 1032)                                                                     \
-    TEXT(NoAccountHint, 2001)
+    TEXT(NoAccountHint, 2001)                                                                      \
+    TEXT(DecidedByAdministrator, 2002)
 
 enum class TextId : UINT {
 #define OB_NAME_TEXT(name, id) name = id,
