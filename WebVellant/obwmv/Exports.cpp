@@ -4,6 +4,7 @@
 
 #include "ObLib/Src/Win32/Guarded.h"
 #include "obwmv/BrowserRequest.h"
+#include "obwmv/Configuration.h"
 #include "obwmv/HostRun.h"
 #include "obwmv/OBHook.h"
 #include "obwmv/ResultQuery.h"
@@ -65,4 +66,8 @@ std::int32_t ShowFileOpenDialogInProcess(HWND owner, std::int32_t id) {
 
 bool WebHelpApp(HWND owner) {
     return Guarded<bool>(false, [&] { return obwmv::ShowWebHelp(owner); });
+}
+
+bool OBConfig(HWND owner) {
+    return Guarded<bool>(false, [&] { return obwmv::Configure(owner); });
 }

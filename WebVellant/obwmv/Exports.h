@@ -37,4 +37,10 @@ std::int32_t ShowFileOpenDialogInProcess(HWND owner, std::int32_t id);
 
 // Any process. Asks for the product's help page; false when the archive service can't be bound.
 bool WebHelpApp(HWND owner);
+
+// Any process, on a thread that may show windows, which is blocked until the user has closed the
+// settings. `owner`, a window of this process or null, is disabled meanwhile. False when the
+// library or a module that it needs can't be loaded; true in all other cases, whatever the user
+// did.
+bool OBConfig(HWND owner);
 }

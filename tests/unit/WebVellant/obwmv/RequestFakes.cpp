@@ -1,5 +1,6 @@
 #include "tests/unit/WebVellant/obwmv/RequestFakes.h"
 
+#include "OBCore/settings/ConfigurationEntry.h"
 #include "obwmv/BrowserRequest.h"
 #include "obwmv/HostEntry.h"
 #include "obwmv/SiteRules.h"
@@ -76,3 +77,12 @@ int HostEntry(HWND owner, std::uint32_t id) {
 }
 
 } // namespace obwmv
+
+namespace obcore {
+
+void ShowConfiguration(HWND parent) {
+    obtest::NoteStep("ShowConfiguration");
+    if (obtest::Fakes().configuration) obtest::Fakes().configuration(parent);
+}
+
+} // namespace obcore

@@ -1,6 +1,6 @@
-// Fakes of what the exports run: the site rules, the two requests and the host's entry. They are
-// linked in the place of the real ones and keep one list of steps with everything else that a test
-// records.
+// Fakes of what the exports run: the site rules, the two requests, the host's entry and the
+// settings. They are linked in the place of the real ones and keep one list of steps with
+// everything else that a test records.
 #pragma once
 
 #include <windows.h>
@@ -26,6 +26,7 @@ struct RequestFakes {
     std::function<BOOL(OPENFILENAMEW*, obcontract::BrowserContext*)> openFileName;
     std::function<HRESULT(IFileDialog*, HWND, obcontract::BrowserContext*)> dialog;
     std::function<int(HWND, std::uint32_t)> host;
+    std::function<void(HWND)> configuration;
 };
 
 // The one set of the process; a test begins with a new one.
