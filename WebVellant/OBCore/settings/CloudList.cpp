@@ -137,6 +137,11 @@ void AddAllProviders(Filling& filling, ProviderManagerHandle manager) {
     }
 }
 
+bool HasColumn(HWND list) {
+    LVCOLUMNW column{.mask = LVCF_WIDTH};
+    return ListView_GetColumn(list, 0, &column) != FALSE;
+}
+
 // The column is as wide as the list, so that a click anywhere in a row counts.
 void FitColumn(HWND list) {
     RECT client{};
@@ -151,8 +156,8 @@ void SetWorkArea(HWND list) {
     ListView_SetWorkAreas(list, 1, &area);
 }
 
-// The list owns them from here on, and destroys them with itself.
-void GiveImages(HWND list, ObLib::UniqueImageList images) {
+// Owned here until the next ones come, or until EndCloudList.
+void SetImages(HWND list, ObLib::UniqueImageList images) {
     const ObLib::UniqueImageList former(ListView_SetImageList(list, images.Release(), LVSIL_SMALL));
 }
 
@@ -173,16 +178,19 @@ void FillUnseen(HWND list, const OBOptions& options) {
     Filling filling{list, images.Get(), sizeIndex,
                     LoadText(TextId::RowOfAccount, kAccountTextCapacity)};
     AddAllProviders(filling, options.ProviderManager);
-    GiveImages(list, std::move(images));
+    SetImages(list, std::move(images));
 }
 
 } // namespace
 
 void PrepareCloudList(HWND list) {
     ListView_SetExtendedListViewStyleEx(list, LVS_EX_LABELTIP, LVS_EX_LABELTIP);
+    if (HasColumn(list)) return;
     LVCOLUMNW column{.mask = LVCF_FMT, .fmt = LVCFMT_LEFT};
     ListView_InsertColumn(list, 0, &column);
 }
+
+void EndCloudList(HWND list) { SetImages(list, ObLib::UniqueImageList()); }
 
 bool FillCloudList(HWND list, const OBOptions& options) {
     FillUnseen(list, options);

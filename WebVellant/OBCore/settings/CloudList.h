@@ -8,8 +8,8 @@
 
 namespace obcore {
 
-// Gives the list view `list` its one column and a tip for a text that doesn't fit. Once, before the
-// first FillCloudList.
+// Gives the list view `list` a column, where its description has none, and a tip for a text that
+// doesn't fit. Once, before the first FillCloudList.
 void PrepareCloudList(HWND list);
 
 // Rebuilds the accounts of the cloud settings, which are kept for the process, and the rows of
@@ -19,6 +19,10 @@ void PrepareCloudList(HWND list);
 // walk over them may be under way. On the dialog's thread; throws std::bad_alloc with fewer rows.
 // True.
 bool FillCloudList(HWND list, const OBOptions& options);
+
+// Takes the pictures back, which not every list view destroys with itself. While the window is
+// there, after the last FillCloudList.
+void EndCloudList(HWND list);
 
 // Whether a row shows the default account, or the provider that is the default without an account.
 // `profile` is the row's; null is never the default.

@@ -25,6 +25,11 @@ constexpr int kMegabyteShift = 20;
 constexpr int kHeadlines[] = {OB_CLOUD_SEND_HEADLINE, OB_CLOUD_ACCOUNTS_HEADLINE,
                               OB_CLOUD_EXPIRY_HEADLINE};
 
+// Fields with what belongs to them, which is disabled with them.
+constexpr int kSizeField[] = {OB_CLOUD_SIZE_LABEL, OB_CLOUD_MINIMUM_SIZE,
+                              OB_CLOUD_MINIMUM_SIZE_SPIN};
+constexpr int kDaysField[] = {OB_CLOUD_DAYS_LABEL, OB_CLOUD_DAYS, OB_CLOUD_DAYS_SPIN};
+
 struct SendChoice {
     int id;
     SendSettingKind setting;
@@ -89,10 +94,10 @@ OBConfigureCloudDialogImp::~OBConfigureCloudDialogImp() = default;
 
 bool OBConfigureCloudDialogImp::OnInitDialog() {
     const bool result = ObXFlatDlg::OnInitDialog();
-    const HWND list = GetItem(OB_CLOUD_ACCOUNTS, true);
-    context_.boldFont = fonts_.MakeBold(list);
-    PrepareCloudList(list);
-    FillCloudList(list, *context_.options);
+    list_ = GetItem(OB_CLOUD_ACCOUNTS, true);
+    context_.boldFont = fonts_.MakeBold(list_);
+    PrepareCloudList(list_);
+    FillCloudList(list_, *context_.options);
     for (const int id : kHeadlines) fonts_.SetBoldFont(window, id);
     icon_.Set(window);
     ShowSendSetting();
@@ -102,13 +107,11 @@ bool OBConfigureCloudDialogImp::OnInitDialog() {
     return result;
 }
 
-// A field that is disabled takes its arrows along.
 void OBConfigureCloudDialogImp::ShowSendSetting() {
     if (context_.options->CloudServicesUnavailable()) {
         SetChecked(window, OB_CLOUD_SEND_NEVER, true);
         for (const SendChoice& choice : kSendChoices) SetEnabled(window, choice.id, false);
-        SetEnabled(window, OB_CLOUD_MINIMUM_SIZE, false);
-        SetEnabled(window, OB_CLOUD_MINIMUM_SIZE_SPIN, false);
+        for (const int id : kSizeField) SetEnabled(window, id, false);
         return;
     }
     SetChecked(window, ChoiceOf(context_.options->SendSetting), true);
@@ -118,9 +121,8 @@ void OBConfigureCloudDialogImp::ShowSendSetting() {
 void OBConfigureCloudDialogImp::ShowExpiry() {
     const OBOptions& options = *context_.options;
     if (!options.ExpireFilesAvailable) {
-        for (const int id : {OB_CLOUD_EXPIRE, OB_CLOUD_DAYS, OB_CLOUD_DAYS_SPIN}) {
-            SetEnabled(window, id, false);
-        }
+        SetEnabled(window, OB_CLOUD_EXPIRE, false);
+        for (const int id : kDaysField) SetEnabled(window, id, false);
         return;
     }
     SetChecked(window, OB_CLOUD_EXPIRE, options.ExpireFiles);
@@ -147,7 +149,10 @@ bool OBConfigureCloudDialogImp::OnOK() {
 void OBConfigureCloudDialogImp::RefuseDays() {
     const HWND own = window;
     ShowMessage(own, LoadText(TextId::DaysOutOfRange).c_str(), MB_ICONERROR);
-    if (IsWindow(own)) SetNumber(own, OB_CLOUD_DAYS, kMostDays);
+    if (!IsWindow(own)) return;
+    SetNumber(own, OB_CLOUD_DAYS, kMostDays);
+    const HWND field = GetDlgItem(own, OB_CLOUD_DAYS);
+    SendMessageW(own, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(field), TRUE);
 }
 
 bool OBConfigureCloudDialogImp::OnNotify(int id, NMHDR* header, LRESULT& result) {
@@ -204,6 +209,7 @@ void OBConfigureCloudDialogImp::CutSize() {
 // The fonts go with this object, when no control can paint with them any more.
 bool OBConfigureCloudDialogImp::OnDestroy() {
     context_.boldFont = nullptr;
+    if (list_) EndCloudList(list_);
     ObXFlatDlg::OnDestroy();
     return false;
 }

@@ -36,6 +36,7 @@ private:
     bool Press(int id);
 
     ConfigureCloudContext& context_;
+    HWND list_ = nullptr; // of accounts; also when `window` is null already
     BoldFonts fonts_;
     ProductIcon icon_;
     bool isBusy_ = false; // an account button is at work

@@ -7,7 +7,6 @@
 #include "OBCore/settings/ObConfigureCloudServiceDialog.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLibX/src/controls/FlatControls.h"
-#include "ObLibX/src/dialog/DialogSettings.h"
 
 namespace obtest {
 namespace {
@@ -118,7 +117,6 @@ void CloudFixture::SetUpTestSuite() {
     ASSERT_TRUE(obcore::LoadProviderManager());
     ASSERT_TRUE(obcore::BindResourceModule());
     ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
-    ObLibX::ProcessDialogSettings().isTried = true; // the tests have no description
     ObLibX::UseFlatControls();
 }
 

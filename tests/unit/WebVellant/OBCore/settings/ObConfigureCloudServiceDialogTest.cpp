@@ -113,6 +113,8 @@ TEST_F(ConfigureCloud, OffersNoLinksWithoutCloudServices) {
         for (const int id : kChoices) EXPECT_FALSE(settings.IsEnabled(id));
         EXPECT_FALSE(settings.IsEnabled(OB_CLOUD_MINIMUM_SIZE));
         EXPECT_FALSE(settings.IsEnabled(OB_CLOUD_MINIMUM_SIZE_SPIN));
+        EXPECT_FALSE(settings.IsEnabled(OB_CLOUD_SIZE_LABEL));
+        EXPECT_TRUE(settings.IsEnabled(OB_CLOUD_DAYS_LABEL));
         EXPECT_EQ(settings.Field(OB_CLOUD_MINIMUM_SIZE), L"17");
         stockRange = RangeOf(settings, OB_CLOUD_MINIMUM_SIZE_SPIN);
         EXPECT_TRUE(settings.IsEnabled(OB_CLOUD_DAYS));
@@ -129,6 +131,8 @@ TEST_F(ConfigureCloud, OffersNoExpiryThatIsntAvailable) {
         EXPECT_FALSE(settings.IsChecked(OB_CLOUD_EXPIRE));
         EXPECT_FALSE(settings.IsEnabled(OB_CLOUD_DAYS));
         EXPECT_FALSE(settings.IsEnabled(OB_CLOUD_DAYS_SPIN));
+        EXPECT_FALSE(settings.IsEnabled(OB_CLOUD_DAYS_LABEL));
+        EXPECT_TRUE(settings.IsEnabled(OB_CLOUD_SIZE_LABEL));
         EXPECT_EQ(settings.Field(OB_CLOUD_DAYS), L"");
         EXPECT_NE(RangeOf(settings, OB_CLOUD_DAYS_SPIN), std::pair(0, 1825));
     });
@@ -294,6 +298,7 @@ TEST_F(ConfigureCloud, RefusesDaysAfterTheOtherSettingsWereTaken) {
             settings.Ok();
             EXPECT_TRUE(settings.IsOpen()) << days;
             EXPECT_EQ(settings.Field(OB_CLOUD_DAYS), L"1825") << days;
+            EXPECT_EQ(settings.Focus(), settings.Item(OB_CLOUD_DAYS)) << days;
         }
         EXPECT_EQ(options_.SendSetting, SendSettingKind::Always);
         EXPECT_EQ(options_.MinimumSize, 33u);
