@@ -129,6 +129,9 @@ void ObFlatEdit::OnHandled(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_WINDOWPOSCHANGED:
         OnPosChanged(*reinterpret_cast<const WINDOWPOS*>(lParam));
         break;
+    case WM_SETREDRAW: // shows a window that was hidden, without another message
+        if (wParam != FALSE && IsShown() != wasShown_) OnShow(IsShown());
+        break;
     case EM_SETREADONLY:
     case WM_ENABLE:
         Refresh();

@@ -66,6 +66,8 @@ protected:
     // Paints an area as the edit itself is painted.
     void FillAsEdit(HDC dc, const RECT& area) const;
     [[nodiscard]] bool IsShown() const; // by its own style, whether the dialog is visible or not
+    // The same, but for a window that isn't to be redrawn, whose style is that of a hidden one.
+    [[nodiscard]] bool WasShown() const { return wasShown_; }
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam,

@@ -97,7 +97,7 @@ void ObFlatPassword::OnKeyDown(WPARAM key, LPARAM flags) {
 
 void ObFlatPassword::OnHandled(UINT message, WPARAM wParam, LPARAM lParam) {
     ObFlatEdit::OnHandled(message, wParam, lParam);
-    if (message == WM_ENABLE) OnShow(IsShown());
+    if (message == WM_ENABLE) OnShow(WasShown());
     if (message == EM_SETPASSWORDCHAR) RepaintEye();
 }
 

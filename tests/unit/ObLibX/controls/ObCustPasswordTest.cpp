@@ -257,6 +257,32 @@ TEST_F(ObFlatPasswordTest, DoesNothingByKeysWhileItIsDisabled) {
     EXPECT_FALSE(Password().reveal);
 }
 
+// As Windows' edit does; Wine's ignores the message.
+LRESULT CALLBACK TurnPaintingOff(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                 DWORD_PTR) {
+    if (message == WM_SETREDRAW) DefWindowProcW(window, message, wParam, lParam);
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+// Whoever fills a dialog turns the painting of its controls off meanwhile.
+TEST_F(ObFlatPasswordTest, HasItsFrameAndEyeAfterItsPaintingWasTurnedOff) {
+    SetWindowSubclass(Item(1003), &TurnPaintingOff, 1, 0);
+    EnableWindow(Item(1003), FALSE);
+    SendMessageW(Item(1003), WM_SETREDRAW, FALSE, 0);
+    EXPECT_FALSE(IsWindowVisible(Item(1003)));
+    EnableWindow(Item(1003), TRUE);
+    SendMessageW(Item(1003), WM_SETREDRAW, TRUE, 0);
+    EXPECT_TRUE(IsWindowVisible(Item(1003)));
+    EXPECT_TRUE(IsWindowVisible(Password().frameWindow));
+    EXPECT_TRUE(IsWindowVisible(Eye()));
+    ShowWindow(Item(1003), SW_HIDE);
+    SendMessageW(Item(1003), WM_SETREDRAW, TRUE, 0);
+    EXPECT_TRUE(IsWindowVisible(Item(1003))) << "which shows it";
+    EXPECT_TRUE(IsWindowVisible(Password().frameWindow));
+    EXPECT_TRUE(IsWindowVisible(Eye()));
+    printf("WM_SETREDRAW: a procedure of the test, as Wine's edit ignores it\n");
+}
+
 TEST_F(ObFlatPasswordTest, HasAnEyeInTheColourOfTextsInHighContrast) {
     isContrast = true;
     const COLORREF inverse = ~GetSysColor(COLOR_WINDOW) & 0xFFFFFF;
