@@ -14,6 +14,7 @@
 #include "ObLibX/src/dialog/ControlMaker.h"
 #include "ObLibX/src/dialog/DialogSettings.h"
 #include "ObLibX/src/dialog/ObXDlg.h"
+#include "tests/support/CrashWatch.h"
 #include "tests/unit/ObLibX/dialog/DialogTestIds.h"
 
 // The program's texts and dialogs are its own; no description, no flat controls.
@@ -32,6 +33,9 @@ protected:
     }
     // The description of the program's resources counts.
     static void UseDescription() { ObLibX::ProcessDialogSettings().isTried = false; }
+
+private:
+    obtest::CrashWatch crashes_;
 };
 
 // The height that the text of a static window needs in its font and width.
