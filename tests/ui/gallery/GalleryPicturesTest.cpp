@@ -15,6 +15,7 @@
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "demo/gallery/Pages.h"
 #include "demo/gallery/ScrolledPanel.h"
+#include "tests/support/ContrastFake.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/PictureSuite.h"
 
@@ -51,16 +52,6 @@ constexpr SchemeColour kScheme[] = {
 std::wstring Contrast() {
     const wchar_t* const chosen = _wgetenv(L"OB_CONTRAST");
     return chosen != nullptr ? chosen : L"";
-}
-
-// The answer to the one question about high contrast, which the system can't be made to give here.
-BOOL WINAPI ParametersWithContrast(UINT action, UINT size, PVOID data, UINT flags) {
-    static const auto real =
-        reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"user32.dll"), "SystemParametersInfoW")));
-    if (action != SPI_GETHIGHCONTRAST) return real(action, size, data, flags);
-    static_cast<HIGHCONTRASTW*>(data)->dwFlags = HCF_HIGHCONTRASTON;
-    return TRUE;
 }
 
 void ChooseScheme() {
@@ -109,16 +100,13 @@ protected:
         ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
         gallery::RegisterScrolledPanel(GetModuleHandleW(nullptr));
         ObLibX::UseFlatControls();
-        if (!Contrast().empty()) ChooseScheme();
-    }
-    // The answer is real without a scheme.
-    static BOOL(WINAPI* Parameters())(UINT, UINT, PVOID, UINT) {
-        return Contrast().empty() ? &SystemParametersInfoW : &ParametersWithContrast;
+        isContrastOn = !Contrast().empty();
+        if (isContrastOn) ChooseScheme();
     }
 
 private:
     ImportPatch<decltype(&SystemParametersInfoW)> patch_{"user32.dll", "SystemParametersInfoW",
-                                                         Parameters()};
+                                                         &ParametersWithContrast};
 };
 
 TEST_F(GalleryPicture, OfEachPageIsPaintedOnTheSchemesGround) {

@@ -19,6 +19,8 @@
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
+#include "tests/support/ContrastFake.h"
+#include "tests/support/CrashWatch.h"
 #include "tests/support/ImportPatch.h"
 
 namespace obtest {
@@ -35,16 +37,7 @@ inline std::ostream& operator<<(std::ostream& out, const Scrolled& scrolled) {
     return out << scrolled.message << " code " << scrolled.code << " value " << scrolled.value;
 }
 
-inline bool isBarContrast = false;
-
-inline BOOL WINAPI ParametersWithBarContrast(UINT action, UINT size, PVOID data, UINT flags) {
-    static const auto real =
-        reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"user32.dll"), "SystemParametersInfoW")));
-    if (action != SPI_GETHIGHCONTRAST) return real(action, size, data, flags);
-    static_cast<HIGHCONTRASTW*>(data)->dwFlags = isBarContrast ? HCF_HIGHCONTRASTON : 0;
-    return TRUE;
-}
+inline bool& isBarContrast = isContrastOn;
 
 // Whether the stock controls beside ours are Wine's, which answer some messages otherwise.
 inline bool AreStockControlsOfWine() {
@@ -227,6 +220,7 @@ protected:
     std::function<void(int code)> onCommand_;         // and that to the code of a WM_COMMAND
 
 private:
+    CrashWatch crashes_;
     static LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam,
                                             LPARAM lParam) {
         if (message == WM_NCCREATE) {
@@ -249,7 +243,7 @@ private:
     }
 
     ImportPatch<decltype(&SystemParametersInfoW)> contrast_{"user32.dll", "SystemParametersInfoW",
-                                                            &ParametersWithBarContrast};
+                                                            &ParametersWithContrast};
 };
 
 } // namespace obtest

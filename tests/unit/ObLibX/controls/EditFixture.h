@@ -7,22 +7,14 @@
 #include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
+#include "tests/support/ContrastFake.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLibX/controls/EditTestIds.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
 
 namespace fieldtest {
 
-inline bool isContrast = false;
-
-inline BOOL WINAPI ParametersWithContrast(UINT action, UINT size, PVOID data, UINT flags) {
-    static const auto real =
-        reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"user32.dll"), "SystemParametersInfoW")));
-    if (action != SPI_GETHIGHCONTRAST) return real(action, size, data, flags);
-    static_cast<HIGHCONTRASTW*>(data)->dwFlags = isContrast ? HCF_HIGHCONTRASTON : 0;
-    return TRUE;
-}
+inline bool& isContrast = obtest::isContrastOn;
 
 inline std::wstring TextOfWindow(HWND window) {
     wchar_t text[200] = {};
@@ -95,5 +87,5 @@ protected:
 
 private:
     obtest::ImportPatch<decltype(&SystemParametersInfoW)> patch_{
-        "user32.dll", "SystemParametersInfoW", &fieldtest::ParametersWithContrast};
+        "user32.dll", "SystemParametersInfoW", &obtest::ParametersWithContrast};
 };

@@ -64,41 +64,34 @@ TEST_F(SliderPlace, HasAPageOfAFifthOfEachRange) {
     EXPECT_EQ(9, slider_.Range().page) << "a page that comes with a range counts";
 }
 
-class SliderKeys : public SliderTest {};
+class SliderKeys : public SliderTest {
+protected:
+    // Of a slider of 0 to 100 at 50, whose parent gets `message` for each key.
+    void ExpectTenths(HWND window, const ObFlatSlider& slider, UINT message) {
+        const struct {
+            WPARAM key;
+            int position;
+            int code;
+        } rows[] = {{VK_PRIOR, 60, 2}, {VK_UP, 70, 0},   {VK_RIGHT, 80, 0},
+                    {VK_NEXT, 70, 3},  {VK_LEFT, 60, 1}, {VK_DOWN, 50, 1}};
+        for (const auto& row : rows) {
+            scrolled_.clear();
+            Key(window, row.key);
+            EXPECT_EQ(row.position, slider.Position()) << row.key;
+            EXPECT_EQ((std::vector{Scrolled{message, row.code, 0, window}}), scrolled_) << row.key;
+        }
+    }
+};
+
+TEST_F(SliderKeys, MoveByATenthAndReportTheirCodes) { ExpectTenths(window_, slider_, WM_HSCROLL); }
 
 TEST_F(SliderKeys, AreTheSameWhenItIsVertical) {
     const HWND window = Child(L"Static", 0, {400, 50, 430, 260});
     ObFlatSlider upright(1002, ScrollOrientation::Vertical);
     upright.Attach(window);
     SendMessageW(window, TBM_SETPOS, TRUE, 50);
-    const struct {
-        WPARAM key;
-        int position;
-        int code;
-    } rows[] = {{VK_PRIOR, 60, 2}, {VK_UP, 70, 0},   {VK_RIGHT, 80, 0},
-                {VK_NEXT, 70, 3},  {VK_LEFT, 60, 1}, {VK_DOWN, 50, 1}};
-    for (const auto& row : rows) {
-        scrolled_.clear();
-        Key(window, row.key);
-        EXPECT_EQ(row.position, upright.Position()) << row.key;
-        EXPECT_EQ((std::vector{Scrolled{WM_VSCROLL, row.code, 0, window}}), scrolled_) << row.key;
-    }
+    ExpectTenths(window, upright, WM_VSCROLL);
     DestroyWindow(window);
-}
-
-TEST_F(SliderKeys, MoveByATenthAndReportTheirCodes) {
-    const struct {
-        WPARAM key;
-        int position;
-        int code;
-    } rows[] = {{VK_PRIOR, 60, 2}, {VK_UP, 70, 0},   {VK_RIGHT, 80, 0},
-                {VK_NEXT, 70, 3},  {VK_LEFT, 60, 1}, {VK_DOWN, 50, 1}};
-    for (const auto& row : rows) {
-        scrolled_.clear();
-        Key(window_, row.key);
-        EXPECT_EQ(row.position, Position()) << row.key;
-        EXPECT_EQ(std::vector{Horizontal(row.code)}, scrolled_) << row.key;
-    }
 }
 
 TEST_F(SliderKeys, EndAtTheRangeAndLeaveOtherKeys) {

@@ -10,6 +10,7 @@ using std::min;
 
 #include "ObLibX/src/dialog/ObCustCtrl.h"
 #include "ObLibX/src/utilities/ObUtil.h"
+#include "tests/support/ContrastFake.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
@@ -19,16 +20,8 @@ namespace {
 using namespace ObLibX;
 using ObLib::UniqueBitmap;
 
-bool isContrast = false;
-
-BOOL WINAPI ParametersWithContrast(UINT action, UINT size, PVOID data, UINT flags) {
-    static const auto real =
-        reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"user32.dll"), "SystemParametersInfoW")));
-    if (action != SPI_GETHIGHCONTRAST) return real(action, size, data, flags);
-    static_cast<HIGHCONTRASTW*>(data)->dwFlags = isContrast ? HCF_HIGHCONTRASTON : 0;
-    return TRUE;
-}
+using obtest::isContrastOn;
+using obtest::ParametersWithContrast;
 
 // A memory device context with a ground of one colour.
 class Canvas {
@@ -55,7 +48,7 @@ protected:
     void SetUp() override {
         DialogTest::SetUp();
         ASSERT_TRUE(patch_.Ok());
-        isContrast = false;
+        isContrastOn = false;
     }
     static COLORREF PixelOf(HBITMAP bitmap, int x) {
         const ObLib::UniqueMemoryDc dc(CreateCompatibleDC(nullptr));
@@ -161,7 +154,7 @@ TEST_F(Images, OfFewerBitsAreCopied) {
 TEST_F(Images, TakeOneColourInHighContrast) {
     const UniqueBitmap bitmap = LoadImage(5001);
     EXPECT_FALSE(RecolorForHighContrast(bitmap.Get(), true)) << "not in high contrast";
-    isContrast = true;
+    isContrastOn = true;
     const COLORREF inverse = ~GetSysColor(COLOR_WINDOW) & 0xFFFFFF;
     EXPECT_EQ(inverse, PixelOf(RecolorForHighContrast(bitmap.Get(), true).Get(), 0));
     EXPECT_EQ(0x808080u, PixelOf(RecolorForHighContrast(bitmap.Get(), false).Get(), 0));
@@ -173,7 +166,7 @@ public:
 };
 
 TEST_F(Images, OfControlsAreRecoloredUnlessTheControlForbidsIt) {
-    isContrast = true;
+    isContrastOn = true;
     RecordingDialog dialog(OB_TEST_PLAIN);
     dialog.Open();
     ImageControl control;

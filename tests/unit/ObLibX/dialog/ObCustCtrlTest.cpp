@@ -7,6 +7,7 @@
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/utilities/ObUtil.h"
+#include "tests/support/ContrastFake.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
@@ -15,16 +16,8 @@ namespace {
 
 using namespace ObLibX;
 
-bool isContrast = false;
-
-BOOL WINAPI ParametersWithContrast(UINT action, UINT size, PVOID data, UINT flags) {
-    static const auto real =
-        reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"user32.dll"), "SystemParametersInfoW")));
-    if (action != SPI_GETHIGHCONTRAST) return real(action, size, data, flags);
-    static_cast<HIGHCONTRASTW*>(data)->dwFlags = isContrast ? HCF_HIGHCONTRASTON : 0;
-    return TRUE;
-}
+using obtest::isContrastOn;
+using obtest::ParametersWithContrast;
 
 // The answer to the one question about high contrast is the test's.
 class ContrastTest : public DialogTest {
@@ -32,10 +25,10 @@ protected:
     void SetUp() override {
         DialogTest::SetUp();
         ASSERT_TRUE(patch_.Ok());
-        isContrast = false;
+        isContrastOn = false;
     }
     void TearDown() override {
-        isContrast = false;
+        isContrastOn = false;
         DialogTest::TearDown();
     }
 
@@ -76,7 +69,7 @@ TEST_F(PaletteTest, HasFifteenColours) {
 }
 
 TEST_F(PaletteTest, HasSomeOfTheSystemInHighContrast) {
-    isContrast = true;
+    isContrastOn = true;
     for (std::uint32_t at = 0; at < std::size(kRows); ++at) {
         const PaletteRow& row = kRows[at];
         const COLORREF expected = row.highContrast < 0 ? row.normal : GetSysColor(row.highContrast);
@@ -193,14 +186,14 @@ TEST_F(ControlTest, FillsByItsState) {
     control_.pressedColor = kNoColor;
     EXPECT_EQ(0x222222u, control_.GetFillColor()) << "no colour for a press: the fill stays";
     EXPECT_EQ(0x111111u, control_.GetRawFillColor());
-    isContrast = true;
+    isContrastOn = true;
     EXPECT_EQ(GetSysColor(COLOR_WINDOW), control_.GetFillColor());
 }
 
 TEST_F(ControlTest, HasTheSystemsTextColourInHighContrast) {
     control_.SetTextColor(0x123456);
     EXPECT_EQ(0x123456u, control_.GetTextColor());
-    isContrast = true;
+    isContrastOn = true;
     EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), control_.GetTextColor());
     EXPECT_EQ(0x123456u, control_.GetRawTextColor());
 }
@@ -210,13 +203,13 @@ TEST_F(ControlTest, FollowsThePaletteUntilAColourIsSet) {
     control_.UsePalette(&ObCustomControl::textColor, 14);
     control_.UsePalette(&ObCustomControl::fillColor, 3);
     control_.SetFillColor(0x123456);
-    isContrast = true;
+    isContrastOn = true;
     control_.TakePaletteColors();
     EXPECT_EQ(GetSysColor(COLOR_GRADIENTACTIVECAPTION), control_.hoverColor);
     EXPECT_EQ(GetSysColor(COLOR_BTNTEXT), control_.textColor);
     EXPECT_EQ(0x123456u, control_.fillColor) << "somebody's own";
     control_.UsePalette(&ObCustomControl::textColor, 0);
-    isContrast = false;
+    isContrastOn = false;
     control_.TakePaletteColors();
     EXPECT_EQ(0xFBF3E5u, control_.hoverColor);
     EXPECT_EQ(0xFFFFFFu, control_.textColor) << "the entry that it was given last";
@@ -238,7 +231,7 @@ TEST_F(ControlTest, LeavesATransparentWindowToTheDialogsBackground) {
     SetWindowLongPtrW(window_, GWL_EXSTYLE, WS_EX_TRANSPARENT);
     EXPECT_EQ(GetStockObject(NULL_BRUSH), control_.OnCtlColor(dc, window_));
     EXPECT_EQ(TRANSPARENT, GetBkMode(dc));
-    isContrast = true;
+    isContrastOn = true;
     EXPECT_EQ(nullptr, control_.OnCtlColor(dc, window_));
     ReleaseDC(window_, dc);
 }

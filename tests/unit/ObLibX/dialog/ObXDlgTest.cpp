@@ -10,6 +10,7 @@
 
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
+#include "tests/support/ContrastFake.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/unit/ObLib/FatalExit.h"
 #include "tests/unit/ObLibX/dialog/DialogFixture.h"
@@ -515,24 +516,17 @@ TEST_F(ObXDlgTest, HasABrushOfItsBackgroundWhileItIsFlat) {
     ReleaseDC(dialog.window, dc);
 }
 
-BOOL WINAPI ParametersInContrast(UINT action, UINT size, PVOID data, UINT flags) {
-    static const auto real =
-        reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"user32.dll"), "SystemParametersInfoW")));
-    if (action != SPI_GETHIGHCONTRAST) return real(action, size, data, flags);
-    static_cast<HIGHCONTRASTW*>(data)->dwFlags = HCF_HIGHCONTRASTON;
-    return TRUE;
-}
-
 TEST_F(ObXDlgTest, HasTheSystemsBackgroundInHighContrast) {
     RecordingDialog dialog(OB_TEST_PLAIN);
     dialog.isFlat = true;
     dialog.Open();
     EXPECT_NE(nullptr, dialog.OnCtlColorDlg());
     const obtest::ImportPatch<decltype(&SystemParametersInfoW)> patch(
-        "user32.dll", "SystemParametersInfoW", &ParametersInContrast);
+        "user32.dll", "SystemParametersInfoW", &obtest::ParametersWithContrast);
     ASSERT_TRUE(patch.Ok());
+    obtest::isContrastOn = true;
     EXPECT_EQ(nullptr, dialog.OnCtlColorDlg());
+    obtest::isContrastOn = false;
 }
 
 TEST_F(ObXDlgTest, IsCentredOnItsOwnerOnlyWhenThatIsWanted) {
