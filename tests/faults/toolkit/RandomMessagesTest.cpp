@@ -8,6 +8,8 @@
 #include <random>
 #include <string>
 
+#include "ObLibX/src/controls/HelperWindow.h"
+#include "ObLibX/src/controls/ObCustPassword.h"
 #include "ObLibX/src/controls/ScrollRepeat.h"
 #include "ObLibX/src/dialog/FlatDressing.h"
 #include "tests/faults/toolkit/ToolkitSuite.h"
@@ -18,7 +20,8 @@ namespace {
 constexpr int kMessages = 10'000;
 // Before it is counted what there is: the system keeps objects from the first use of its controls.
 constexpr int kFirstMessages = 2'000;
-constexpr int kDatePicker = 1029; // in the template
+constexpr int kPassword = 1002; // these two in the template
+constexpr int kDatePicker = 1029;
 constexpr unsigned kSeed = 20261123;
 // Edit, password, text, bar, slider, progress bar, three combo boxes, spin, date picker, six push
 // buttons, check box, radio and switch.
@@ -208,20 +211,6 @@ void SendToSpin(Choices& choices) {
     }
 }
 
-// The messages of the window's class: those of another one may be pointers here.
-void SendOwn(Choices& choices) {
-    const struct {
-        const wchar_t* name;
-        void (*send)(Choices& choices);
-    } rows[] = {{L"Static", &SendToBar},
-                {L"ComboBox", &SendToCombo},
-                {PROGRESS_CLASSW, &SendToProgress},
-                {UPDOWN_CLASSW, &SendToSpin}};
-    for (const auto& row : rows) {
-        if (ObLibX::IsOfClass(choices.Window(), row.name)) row.send(choices);
-    }
-}
-
 // Any timer, or that of a held press and of a marquee.
 void Tick(Choices& choices) {
     const auto other = static_cast<WPARAM>(choices.Between(0, 9));
@@ -299,13 +288,13 @@ constexpr ListRow kListRows[] = {
 };
 
 void ListMessage(Choices& choices) {
-    if (!ObLibX::IsOfClass(choices.Window(), WC_LISTVIEWW)) return;
     kListRows[choices.Between(0, static_cast<int>(std::size(kListRows)) - 1)].send(choices);
 }
 
 struct Row {
     const char* name;
     void (*send)(Choices& choices);
+    const wchar_t* className = nullptr; // of the windows that get it; null: of any class
 };
 
 // Left out: the right mouse button and the context menu, which wait for a user.
@@ -343,11 +332,15 @@ constexpr Row kRows[] = {
     {"redraw", [](Choices& c) { c.Send(WM_SETREDRAW, static_cast<WPARAM>(c.Flag())); }},
     {"dialog code", [](Choices& c) { c.Send(WM_GETDLGCODE); }},
     {"timer", &Tick},
-    {"own", &SendOwn},
     {"object", [](Choices& c) { TakeObjectOf(c.Window()); }},
     {"posted", [](Choices&) { PumpPosted(); }},
-    {"list", &ListMessage},
-    {"list again", &ListMessage},
+    // To a window of another class these may be pointers.
+    {"bar", &SendToBar, L"Static"},
+    {"combo box", &SendToCombo, L"ComboBox"},
+    {"progress bar", &SendToProgress, PROGRESS_CLASSW},
+    {"spin control", &SendToSpin, UPDOWN_CLASSW},
+    {"list", &ListMessage, WC_LISTVIEWW},
+    {"list again", &ListMessage, WC_LISTVIEWW},
 };
 
 // Besides these, for a window whose bars are hosted.
@@ -365,6 +358,55 @@ constexpr Row kHostRows[] = {
      }},
     {"rest", [](Choices& c) { c.Send(WM_MOUSEHOVER, 0, c.Point()); }},
     {"bars' timer", [](Choices& c) { c.Send(WM_TIMER, ObLibX::kHideBarsTimer); }},
+};
+
+// The rows that a window may get.
+class Rows {
+public:
+    template <std::size_t Count>
+    void Add(const Row (&rows)[Count], HWND window) {
+        for (const Row& row : rows) {
+            const bool isFor = row.className == nullptr || ObLibX::IsOfClass(window, row.className);
+            if (isFor) rows_.push_back(&row);
+        }
+    }
+    // Returns the name of what was sent.
+    const char* SendOne(Choices& choices) const {
+        const auto last = static_cast<int>(rows_.size()) - 1;
+        const Row& row = *rows_[static_cast<std::size_t>(choices.Between(0, last))];
+        row.send(choices);
+        return row.name;
+    }
+
+private:
+    std::vector<const Row*> rows_;
+};
+
+enum class Kind { Button, Field, Other };
+
+// Of a control's window.
+Kind KindOf(HWND window) {
+    const struct {
+        const wchar_t* className;
+        Kind kind;
+    } rows[] = {{L"Button", Kind::Button},
+                {L"Edit", Kind::Field},
+                {L"ComboBox", Kind::Field},
+                {UPDOWN_CLASSW, Kind::Field},
+                {DATETIMEPICK_CLASSW, Kind::Field}};
+    for (const auto& row : rows) {
+        if (ObLibX::IsOfClass(window, row.className)) return row.kind;
+    }
+    return Kind::Other;
+}
+
+// A window with the messages that it gets.
+struct Target {
+    Choices choices;
+    Rows rows;
+
+    Target(unsigned seed, HWND window) : choices(seed, window) { rows.Add(kRows, window); }
+    const char* SendOne() { return rows.SendOne(choices); }
 };
 
 class RandomMessages : public ToolkitSuite {
@@ -389,14 +431,14 @@ protected:
         const HWND windows[] = {dialog.hosted,
                                 dialog.bars.Holder(ObLibX::HolderKind::Vertical).Bar()->window,
                                 dialog.bars.Holder(ObLibX::HolderKind::Horizontal).Bar()->window};
-        std::vector<Choices> choices;
-        for (const HWND window : windows) choices.emplace_back(Seed(), window);
+        std::vector<Target> targets;
+        for (const HWND window : windows) {
+            targets.emplace_back(Seed(), window).rows.Add(kHostRows, window);
+        }
         for (int left = messages; left > 0; --left) {
-            Choices& chosen = choices[static_cast<std::size_t>(choices[0].Between(0, 2))];
-            constexpr int kPlain = static_cast<int>(std::size(kRows));
-            const int row = chosen.Between(0, kPlain + static_cast<int>(std::size(kHostRows)) - 1);
-            (row < kPlain ? kRows[row] : kHostRows[row - kPlain]).send(chosen);
-            if (left % 100 == 0) dialog.bars.SetAutoHide(choices[0].Flag());
+            Choices& first = targets[0].choices;
+            targets[static_cast<std::size_t>(first.Between(0, 2))].SendOne();
+            if (left % 100 == 0) dialog.bars.SetAutoHide(first.Flag());
         }
         return std::ranges::all_of(windows, [](HWND window) { return IsWindow(window) != FALSE; });
     }
@@ -414,48 +456,125 @@ protected:
         dialog.Open();
         HideAllBut(id, dialog);
         window = dialog.GetItem(id, true);
-        Choices choices(Seed() + static_cast<unsigned>(id), window);
-        for (int left = messages; left > 0; --left) {
-            kRows[choices.Between(0, static_cast<int>(std::size(kRows)) - 1)].send(choices);
-        }
+        Target target(Seed() + static_cast<unsigned>(id), window);
+        for (int left = messages; left > 0; --left) target.SendOne();
         const ObLibX::ObCustomControl* const control = dialog.GetControl(id);
-        return IsWindow(choices.Window()) && control != nullptr &&
-               control->window == choices.Window();
+        return IsWindow(window) && control != nullptr && control->window == window;
+    }
+
+    // `play` gets a number of messages, and returns whether all is still there.
+    template <class Play>
+    static void ExpectNothingLeft(bool isCounted, Play play) {
+        EXPECT_TRUE(play(kFirstMessages));
+        PumpPosted();
+        const ProcessResources before = ProcessResources::Now();
+        EXPECT_TRUE(play(kMessages));
+        PumpPosted();
+        if (isCounted) ExpectNoMoreThan(before);
+    }
+
+    // Those of one kind, of which there are at least so many.
+    static void PlayEach(Kind kind, std::size_t least) {
+        std::vector<int> ids = OneOfEachClass();
+        ASSERT_LE(kLeastClasses, ids.size());
+        KeepOnly(kind, ids);
+        ASSERT_LE(least, ids.size());
+        for (const int id : ids) {
+            if (!IsAskedFor(id)) continue;
+            SCOPED_TRACE(id);
+            printf("control %d\n", id); // the last one, where the process crashes
+            fflush(stdout);
+            ExpectNothingLeft(id != kDatePicker, [&](int messages) { return Play(id, messages); });
+        }
+        printf("%zu controls, %d messages each\n", ids.size(), kMessages);
+    }
+
+private:
+    static void KeepOnly(Kind kind, std::vector<int>& ids) {
+        EveryControlDialog dialog;
+        dialog.Create(nullptr);
+        std::erase_if(ids, [&](int id) { return KindOf(dialog.GetItem(id, true)) != kind; });
     }
 };
 
+// Several suites, which run side by side.
+using RandomMessagesToButtons = RandomMessages;
+
 TEST_F(RandomMessages, LeaveAHostAndItsBarsWhole) {
-    EXPECT_TRUE(PlayHost(kFirstMessages));
-    PumpPosted();
-    const ProcessResources before = ProcessResources::Now();
-    EXPECT_TRUE(PlayHost(kMessages));
-    PumpPosted();
-    ExpectNoMoreThan(before);
+    ExpectNothingLeft(true, &PlayHost);
     EXPECT_EQ(nullptr, GetCapture());
 }
 
-TEST_F(RandomMessages, LeaveEachControlWhole) {
-    const std::vector<int> ids = OneOfEachClass();
-    ASSERT_LE(kLeastClasses, ids.size());
-    for (const int id : ids) {
-        if (!IsAskedFor(id)) continue;
-        SCOPED_TRACE(id);
-        printf("control %d\n", id); // the last one, where the process crashes
-        fflush(stdout);
-        EXPECT_TRUE(Play(id, kFirstMessages));
-        PumpPosted();
-        const ProcessResources before = ProcessResources::Now();
-        EXPECT_TRUE(Play(id, kMessages));
-        PumpPosted();
-        if (id == kDatePicker) {
-            printf(
-                "Wine's date picker keeps a GDI object, also without the toolkit: not counted\n");
-            continue;
-        }
-        ExpectNoMoreThan(before);
+// Texts, a link, bars, a slider, a progress bar and the list.
+TEST_F(RandomMessages, LeaveEachControlWhole) { PlayEach(Kind::Other, 6); }
+
+TEST_F(RandomMessagesToButtons, LeaveEachWhole) { PlayEach(Kind::Button, 9); }
+
+// ---- Edits, and what has one
+
+class RandomMessagesToFields : public RandomMessages {
+protected:
+    static ObLibX::PixelRect PlaceOf(HWND window) { return ObLibX::RectInParent(window); }
+    static bool IsShown(HWND window) {
+        return (GetWindowLongPtrW(window, GWL_STYLE) & WS_VISIBLE) != 0;
     }
-    printf("%zu controls, %d messages each\n", ids.size(), kMessages);
-}
+    // The frame is around edit and eye, and the eye is in it, right of the edit.
+    static void ExpectPlaces(const ObLibX::ObFlatPassword& edit) {
+        const ObLibX::PixelRect inside = PlaceOf(edit.window);
+        const ObLibX::PixelRect frame = PlaceOf(edit.frameWindow);
+        const ObLibX::PixelRect eye = PlaceOf(edit.eyeButton);
+        const int width = edit.frameWidth;
+        EXPECT_EQ(inside.left - width, frame.left);
+        EXPECT_EQ(inside.right, eye.left);
+        EXPECT_EQ(eye.right + width, frame.right);
+        EXPECT_EQ((std::pair{frame.top + width, frame.bottom - width}),
+                  (std::pair{eye.top, eye.bottom}));
+        EXPECT_LE(frame.top + width, inside.top);
+        EXPECT_GE(frame.bottom - width, inside.bottom);
+    }
+    static void ExpectInPlace(const ObLibX::ObFlatPassword& edit) {
+        ASSERT_TRUE(IsWindow(edit.window) && IsWindow(edit.frameWindow) &&
+                    IsWindow(edit.eyeButton));
+        ExpectPlaces(edit);
+        const bool isEyeSeen = IsShown(edit.frameWindow) && IsWindowEnabled(edit.window);
+        EXPECT_EQ(isEyeSeen, IsShown(edit.eyeButton));
+        // A window that isn't to be redrawn has the style of a hidden one.
+        if (IsShown(edit.window) || !isRedrawOff) {
+            EXPECT_EQ(IsShown(edit.window), IsShown(edit.frameWindow));
+        }
+    }
+    // As Windows' edit does; Wine's ignores WM_SETREDRAW.
+    static LRESULT CALLBACK NoteRedraw(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                       UINT_PTR, DWORD_PTR) {
+        if (message == WM_SETREDRAW) {
+            isRedrawOff = wParam == FALSE;
+            DefWindowProcW(window, message, wParam, lParam);
+        }
+        return DefSubclassProc(window, message, wParam, lParam);
+    }
+    // After each message eye and frame are where they belong. True when all of them were.
+    static bool PlayPassword(int messages) {
+        EveryControlDialog dialog;
+        dialog.Open();
+        HideAllBut(kPassword, dialog);
+        auto& edit = dynamic_cast<ObLibX::ObFlatPassword&>(*dialog.GetControl(kPassword));
+        isRedrawOff = false;
+        SetWindowSubclass(edit.window, &NoteRedraw, 1, 0);
+        Target target(Seed(), edit.window);
+        for (int left = messages; left > 0 && !HasFailure(); --left) {
+            SCOPED_TRACE(target.SendOne());
+            ExpectInPlace(edit);
+        }
+        return !HasFailure();
+    }
+
+private:
+    static inline bool isRedrawOff = false;
+};
+
+TEST_F(RandomMessagesToFields, LeaveEachWhole) { PlayEach(Kind::Field, 7); }
+
+TEST_F(RandomMessagesToFields, LeaveAnEyeAndAFrameWhole) { ExpectNothingLeft(true, &PlayPassword); }
 
 } // namespace
 } // namespace obtest

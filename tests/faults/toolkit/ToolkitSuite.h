@@ -20,6 +20,7 @@
 #include "ObLibX/src/dialog/DialogSettings.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
 #include "tests/faults/toolkit/ToolkitIds.h"
+#include "tests/support/CrashWatch.h"
 #include "tests/support/ProcessResources.h"
 
 namespace obtest {
@@ -75,6 +76,7 @@ inline void TakeObjectOf(HWND window) {
 class ToolkitSuite : public testing::Test {
 protected:
     void SetUp() override {
+        ASSERT_TRUE(CanMakeWindows()) << "the process for the desktop wasn't started";
         ObLib::AppGlobals().SetModule(GetModuleHandleW(nullptr), L"", L"");
         ObLibX::UseFlatControls();
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
@@ -88,6 +90,12 @@ protected:
         ObLibX::SetControlMaker({});
         ObLib::AppGlobals().Clear();
         CoUninitialize();
+    }
+    // The first window of a prefix starts a process, which fails now and then (docs/testing.md).
+    static bool CanMakeWindows() {
+        const ObLib::UniqueWindow window(CreateWindowExW(0, L"static", L"", WS_POPUP, 0, 0, 1, 1,
+                                                         nullptr, nullptr, nullptr, nullptr));
+        return static_cast<bool>(window);
     }
     // Pictures, fonts, the brushes that classes of controls keep for the process, and what COM
     // keeps for the thread.
@@ -123,6 +131,9 @@ protected:
     }
 
     const TimerWatch timers_;
+
+private:
+    CrashWatch crashes_;
 };
 
 } // namespace obtest
