@@ -85,6 +85,15 @@ TEST_F(DlgFontTest, IsSubstituted) {
     EXPECT_EQ(GetFont(9, L"Arial", 400, 0), GetFont(8, L"MS Shell Dlg", 400, 0));
 }
 
+TEST_F(DlgFontTest, IsSubstitutedForTheBaseFontToo) {
+    AddFontSubstitution(L"Segoe UI", 9, L"Arial", 11);
+    EXPECT_EQ(GetFont(11, L"Arial", 400, 0), GetFont(0, ObString(), 400, 0));
+    EXPECT_EQ(GetFont(11, L"Arial", 700, 0), GetFont(9, L"Segoe UI", 700, 0));
+    std::int32_t size = 0;
+    EXPECT_STREQ(L"Segoe UI", GetBaseFont(size).CStr());
+    EXPECT_EQ(9, size);
+}
+
 TEST_F(DlgFontTest, CutsALongFaceAt31Characters) {
     const std::wstring face(40, L'F');
     EXPECT_EQ(31u, std::wstring(Described(GetFont(9, face.c_str(), 400, 0)).lfFaceName).size());
@@ -109,6 +118,67 @@ TEST_F(DlgFontTest, IsThatOfEachDialogAndItsControls) {
     }
     RecordingDialog extended(OB_TEST_EXTENDED);
     EXPECT_EQ(700, FontOf(extended.Open().GetItem(1001, true)).lfWeight);
+}
+
+// ---- a base font that can't be made
+
+constexpr wchar_t kMissingFont[] = L"A face that is missing";
+
+HFONT WINAPI MakeAllButTheMissing(const LOGFONTW* font) {
+    static const auto real =
+        reinterpret_cast<decltype(&CreateFontIndirectW)>(reinterpret_cast<void*>(
+            GetProcAddress(GetModuleHandleW(L"gdi32.dll"), "CreateFontIndirectW")));
+    return std::wstring(font->lfFaceName) == kMissingFont ? nullptr : real(font);
+}
+
+BOOL WINAPI MessageFontOf20Pixels(UINT action, UINT size, PVOID data, UINT flags) {
+    if (action != SPI_GETNONCLIENTMETRICS) return FALSE;
+    LOGFONTW& font = static_cast<NONCLIENTMETRICSW*>(data)->lfMessageFont;
+    font = {};
+    font.lfHeight = -20;
+    wcscpy(font.lfFaceName, L"Tahoma");
+    return size == sizeof(NONCLIENTMETRICSW) && flags == 0;
+}
+
+BOOL WINAPI NoParameters(UINT, UINT, PVOID, UINT) { return FALSE; }
+
+class MissingBaseFont : public DialogTest {
+protected:
+    void SetUp() override {
+        DialogTest::SetUp();
+        ASSERT_TRUE(fonts_.Ok());
+        ProcessDialogSettings().font = {kMissingFont, 9};
+    }
+    // What a template gets, as "face size"; empty: nothing.
+    static std::wstring TemplateFont() {
+        wchar_t face[LF_FACESIZE] = {};
+        std::int32_t size = 0;
+        if (!FindDialogFont(nullptr, face, LF_FACESIZE, size)) return L"";
+        return std::wstring(face) + L" " + std::to_wstring(size);
+    }
+    const obtest::ImportPatch<decltype(&CreateFontIndirectW)> fonts_{
+        "gdi32.dll", "CreateFontIndirectW", &MakeAllButTheMissing};
+};
+
+TEST_F(MissingBaseFont, GivesTemplatesTheSystemsFontForMessages) {
+    const obtest::ImportPatch<decltype(&SystemParametersInfoW)> patch(
+        "user32.dll", "SystemParametersInfoW", &MessageFontOf20Pixels);
+    ASSERT_TRUE(patch.Ok());
+    EXPECT_EQ(nullptr, GetFont(0, ObString(), 400, 0));
+    EXPECT_EQ(L"Tahoma 15", TemplateFont()) << "20 pixels at 96 dpi";
+    RecordingDialog dialog(OB_TEST_PLAIN);
+    const LOGFONTW font = FontOf(dialog.Open().GetItem(1001, true));
+    EXPECT_STREQ(L"Tahoma", font.lfFaceName);
+    EXPECT_EQ(-20, font.lfHeight);
+    ProcessDialogSettings().font = {L"Arial", 10};
+    EXPECT_EQ(L"Arial 10", TemplateFont()) << "one that can be made";
+}
+
+TEST_F(MissingBaseFont, GivesTemplatesSegoeUi9WhereTheSystemHasNone) {
+    const obtest::ImportPatch<decltype(&SystemParametersInfoW)> patch(
+        "user32.dll", "SystemParametersInfoW", &NoParameters);
+    ASSERT_TRUE(patch.Ok());
+    EXPECT_EQ(L"Segoe UI 9", TemplateFont());
 }
 
 // The fonts are those of the process: this suite has one test.
