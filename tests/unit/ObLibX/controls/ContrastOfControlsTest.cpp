@@ -2,8 +2,11 @@
 // it, and the agreed colours that give less than these ask for (docs/accessibility.md).
 #include <cmath>
 
+#include "ObLibX/src/controls/ControlText.h"
+#include "ObLibX/src/controls/ListPainting.h"
 #include "ObLibX/src/controls/ObCustSwitch.h"
 #include "ObLibX/src/controls/ObCustToggle.h"
+#include "ObLibX/src/controls/ObHyperlink.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "tests/unit/ObLibX/controls/ButtonFixture.h"
 
@@ -77,8 +80,32 @@ TEST(Contrast, OfAgreedColoursOnTheirGroundsIsAsDocumented) {
         EXPECT_NEAR(row.contrast, Contrast(row.color, row.ground), 0.0051)
             << std::hex << row.color << " on " << row.ground;
     }
-    EXPECT_EQ(kHotFill, GetPaletteColor(4));
-    EXPECT_EQ(kSelectedFill, GetPaletteColor(6));
+}
+
+// The colours above are those that are in use.
+TEST(Contrast, IsMeasuredOfWhatIsPainted) {
+    const RowState hot{false, true, false, false};
+    const RowState selected{true, false, false, true};
+    const RowState selectedAway{true, false, false, false};
+    const struct {
+        COLORREF agreed;
+        COLORREF painted;
+    } rows[] = {{kHotFill, AsColor(ColorsOfRow(hot, false).fill)},
+                {0xE6C37A, AsColor(ColorsOfRow(hot, false).frame)},
+                {kSelectedFill, AsColor(ColorsOfRow(selected, false).fill)},
+                {0xE6A869, AsColor(ColorsOfRow(selected, false).frame)},
+                {kSelectedAwayFill, AsColor(ColorsOfRow(selectedAway, false).fill)},
+                {0x797979, AsColor(ColorOfTitleText(false))},
+                {0x797979, GetPaletteColor(8)},
+                {0xA9A9A9, AsColor(ColorOfCell({}, false, false, false))},
+                {0xA8A8A8, GetPaletteColor(kPaletteGray)},
+                {0xCCCCCC, GetPaletteColor(10)},
+                {0xDFDFDF, GetPaletteColor(kPaletteFrame)},
+                {0xC0C0C0, ObFlatBtn(kPlain).frameColor},
+                {0x808080, kDisabledTextColor},
+                {kAccentColor, GetPaletteColor(kPaletteAccent)},
+                {0xCC6600, kLinkColor}};
+    for (const auto& row : rows) EXPECT_EQ(row.agreed, row.painted);
 }
 
 class TextOfButton : public FlatButton {

@@ -220,7 +220,8 @@ TEST_F(ListPainting, MayBePaintedInTheMiddleOfACell) {
 TEST_F(ListPainting, LeavesARowToAParentThatPaintsItItself) {
     Heard().onDraw = [&](NMLVCUSTOMDRAW& draw) -> LRESULT {
         if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
-        if (draw.nmcd.dwItemSpec != 1) return CDRF_DODEFAULT;
+        const bool isRow = draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT;
+        if (!isRow || draw.nmcd.dwItemSpec != 1) return CDRF_DODEFAULT;
         FillArea(draw.nmcd.hdc, RowArea(1), kRed);
         return CDRF_SKIPDEFAULT;
     };

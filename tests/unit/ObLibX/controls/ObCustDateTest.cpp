@@ -126,7 +126,10 @@ TEST_F(DatePicker, ForgetsItsWindowAndTakesTheNextOne) {
 }
 
 TEST_F(DatePicker, LeavesAStockWindowWhenTheObjectGoesFirst) {
+    const auto procedure = [](HWND picker) { return GetWindowLongPtrW(picker, GWLP_WNDPROC); };
+    EXPECT_NE(procedure(stock_), procedure(window_));
     picker_.reset();
+    EXPECT_EQ(procedure(stock_), procedure(window_));
     Key(window_, VK_UP);
     SetDay(window_, kLater);
     SetDay(stock_, kLater);

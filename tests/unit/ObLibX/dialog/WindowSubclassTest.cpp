@@ -175,6 +175,15 @@ TEST_F(SubclassProcedures, KeepTheirPlaceAroundAMessageInsideAnother) {
     EXPECT_EQ(L"third second third second first own first own", CallsOf());
 }
 
+// As a header that paints itself does, with another message besides its own.
+TEST_F(SubclassProcedures, MayPassTwoMessagesOn) {
+    second_.before = [](HWND window, UINT message) {
+        if (message == WM_USER) CallNextSubclass(window, WM_USER + 1, 0, 0);
+    };
+    for (Link* const link : {&first_, &second_, &third_}) Add(*link);
+    EXPECT_EQ(L"third second first own first own", CallsOf());
+}
+
 TEST_F(SubclassProcedures, MayDestroyTheWindow) {
     second_.before = [](HWND window, UINT message) {
         if (message == WM_USER) DestroyWindow(window);
