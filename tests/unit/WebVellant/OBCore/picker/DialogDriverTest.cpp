@@ -19,10 +19,9 @@ namespace {
 
 using obcontract::ExchangeBlock;
 using obcontract::ExchangeStatus;
+using obcontract::kCancelled;
 using namespace obcore;
 using namespace obtest;
-
-constexpr HRESULT kCancelled = static_cast<HRESULT>(0x800704c7);
 
 int unwantedCalls = 0;
 
@@ -147,7 +146,7 @@ TEST_F(DialogRun, GivesTheFailureOfADialogThatCannotBeMadeAndDoesNothingElse) {
 }
 
 TEST_F(DialogRun, GivesTheResultOfACancelledDialogAndLeavesTheStatus) {
-    for (const HRESULT result : {kCancelled, E_FAIL}) {
+    for (const HRESULT result : {HRESULT{kCancelled}, E_FAIL}) {
         shell.script.showResult = result;
         EXPECT_EQ(Run(), result);
         EXPECT_FALSE(WasCalled(L"dialog.GetResults"));
