@@ -1,6 +1,8 @@
 // The about box.
 #include "OBCore/settings/AboutDialog.h"
 
+#include <algorithm>
+
 #include "OBCore/modules/DialogIds.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/settings/AboutDialogIds.h"
@@ -26,6 +28,43 @@ HANDLE WINAPI LoadRecorded(HINSTANCE module, LPCWSTR name, UINT type, int width,
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "LoadImageW")));
     if (type == IMAGE_ICON) iconsAsked.push_back(LOWORD(reinterpret_cast<ULONG_PTR>(name)));
     return real(module, name, type, width, height, flags);
+}
+
+using Languages = std::vector<WORD>;
+
+BOOL CALLBACK CollectLanguage(HMODULE, LPCWSTR, LPCWSTR, WORD language, LONG_PTR languages) {
+    reinterpret_cast<Languages*>(languages)->push_back(language);
+    return TRUE;
+}
+
+Languages LanguagesOfTheBox() {
+    Languages languages;
+    EnumResourceLanguagesW(GetModuleHandleW(nullptr), RT_DIALOG, MAKEINTRESOURCEW(OB_ABOUT),
+                           &CollectLanguage, reinterpret_cast<LONG_PTR>(&languages));
+    return languages;
+}
+
+INT_PTR CALLBACK NoProcedure(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+
+// The text of the box in one language, with its places.
+std::wstring TemplateIn(WORD language) {
+    const HMODULE module = GetModuleHandleW(nullptr);
+    const HRSRC found = FindResourceExW(module, RT_DIALOG, MAKEINTRESOURCEW(OB_ABOUT), language);
+    const auto* const form =
+        static_cast<const DLGTEMPLATE*>(LockResource(LoadResource(module, found)));
+    const ObLib::UniqueWindow box(
+        CreateDialogIndirectParamW(module, form, nullptr, &NoProcedure, 0));
+    return obtest::ItemText(box.Get(), OB_ABOUT_VERSION);
+}
+
+// The numbers of the places of a message, in order.
+std::wstring PlacesIn(const std::wstring& text) {
+    std::wstring places;
+    for (std::size_t at = text.find(L'%'); at != std::wstring::npos; at = text.find(L'%', at + 2)) {
+        places += text.substr(at + 1, 1);
+    }
+    std::ranges::sort(places);
+    return places;
 }
 
 class AboutDialog : public obtest::SettingsFixture {
@@ -57,6 +96,14 @@ TEST_F(AboutDialog, ShowsTheTemplateItselfWhereItIsNoMessage) {
     EXPECT_EQ(L"", obcore::AboutText(L""));
     const std::wstring tooLong(3000, L'x');
     EXPECT_EQ(tooLong, obcore::AboutText(tooLong));
+}
+
+TEST_F(AboutDialog, HasTheThreePlacesInEveryLanguage) {
+    const Languages languages = LanguagesOfTheBox();
+    EXPECT_NE(languages.end(), std::ranges::find(languages, WORD{0x0409}));
+    for (const WORD language : languages) {
+        EXPECT_EQ(L"123", PlacesIn(TemplateIn(language))) << language;
+    }
 }
 
 TEST_F(AboutDialog, ShowsItsTextFilled) {

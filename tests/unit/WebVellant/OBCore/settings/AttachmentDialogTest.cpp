@@ -133,6 +133,18 @@ TEST_F(AttachmentDialog, StopsTabAtTheCheckedRadiosOnly) {
     }
 }
 
+TEST_F(AttachmentDialog, HasTwoGroupsOfRadios) {
+    Show([](const OpenDialog& dialog) {
+        const Ids all = {kZip, kEncrypted, kPlain, OB_ATTACHMENT_ZIP, OB_ATTACHMENT_ZIPX};
+        dialog.Press(kPlain);
+        EXPECT_EQ((Ids{kPlain, OB_ATTACHMENT_ZIP}), dialog.Checked(all));
+        dialog.Press(OB_ATTACHMENT_ZIPX);
+        EXPECT_EQ((Ids{kPlain, OB_ATTACHMENT_ZIPX}), dialog.Checked(all));
+        dialog.Press(kEncrypted);
+        EXPECT_EQ((Ids{kEncrypted, OB_ATTACHMENT_ZIPX}), dialog.Checked(all));
+    });
+}
+
 TEST_F(AttachmentDialog, ShowsEachBoxAsItsOptionIs) {
     const struct {
         int id;

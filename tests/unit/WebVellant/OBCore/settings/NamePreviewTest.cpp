@@ -79,6 +79,13 @@ TEST_F(NamePreview, FollowsTheNameAndKeepsItsBlanks) {
     });
 }
 
+TEST_F(NamePreview, ShowsAnAmpersandAsItIs) {
+    Show([](const OpenDialog& dialog) {
+        const LONG_PTR style = GetWindowLongPtrW(dialog.Item(OB_ATTACHMENT_PREVIEW), GWL_STYLE);
+        EXPECT_NE(0, style & SS_NOPREFIX);
+    });
+}
+
 TEST_F(NamePreview, FollowsTheExtensionTrimmed) {
     options_.DefaultZipName = L"n";
     Show([](const OpenDialog& dialog) {
