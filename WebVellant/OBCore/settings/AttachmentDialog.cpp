@@ -25,6 +25,9 @@ constexpr int kHeadlines[] = {OB_ATTACHMENT_HEADLINE_5, OB_ATTACHMENT_HEADLINE_1
 
 constexpr int kSendRadios[] = {OB_ATTACHMENT_SEND_ZIP, OB_ATTACHMENT_SEND_ENCRYPTED,
                                OB_ATTACHMENT_SEND_PLAIN};
+// What is disabled as the dialog opens was taken away by policy.
+constexpr int kByPolicy[] = {OB_ATTACHMENT_SEND_ZIP, OB_ATTACHMENT_SEND_ENCRYPTED,
+                             OB_ATTACHMENT_SEND_PLAIN, OB_ATTACHMENT_ENCRYPTION};
 constexpr int kEndingRadios[] = {OB_ATTACHMENT_ZIP, OB_ATTACHMENT_ZIPX};
 
 struct OptionBox {
@@ -217,6 +220,7 @@ bool OBAttachmentDialogImp::OnInitDialog() {
     for (const int id : kHeadlines) headlines_.SetBoldFont(window, id);
     icon_.Set(window);
     InitAttachmentDialog(window, *options_);
+    hints_.Show(window, kByPolicy);
     return true;
 }
 

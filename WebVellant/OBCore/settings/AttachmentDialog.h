@@ -5,6 +5,7 @@
 #include "OBCore/modules/ProductIcon.h"
 #include "OBCore/options/OBOptions.h"
 #include "OBCore/settings/BoldFonts.h"
+#include "OBCore/settings/PolicyHints.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
 
 namespace obcore {
@@ -25,6 +26,7 @@ private:
     OBOptions* options_;
     BoldFonts headlines_;
     ProductIcon icon_;
+    PolicyHints hints_;
 };
 
 } // namespace obcore

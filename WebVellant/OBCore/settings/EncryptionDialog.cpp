@@ -27,6 +27,9 @@ constexpr Method kMethods[] = {
     {OB_ENCRYPTION_METHOD_8, kEncryptionMethodAes256},
 };
 
+// A disabled one was taken away by policy.
+constexpr int kRadios[] = {OB_ENCRYPTION_METHOD_4, OB_ENCRYPTION_METHOD_8};
+
 bool IsAllowed(const Method& method, const OBOptions& options) {
     return (options.AllowedEncryptMethods & method.bit) != 0;
 }
@@ -76,6 +79,7 @@ bool OBEncryptionDialogImp::OnInitDialog() {
     ObXFlatDlg::OnInitDialog();
     headline_.SetBoldFont(window, OB_ENCRYPTION_HEADLINE);
     ShowMethods(window, *options_);
+    hints_.Show(window, kRadios);
     return true;
 }
 

@@ -3,6 +3,7 @@
 
 #include "OBCore/options/OBOptions.h"
 #include "OBCore/settings/BoldFonts.h"
+#include "OBCore/settings/PolicyHints.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
 
 namespace obcore {
@@ -23,6 +24,7 @@ public:
 private:
     OBOptions* options_;
     BoldFonts headline_;
+    PolicyHints hints_;
 };
 
 } // namespace obcore

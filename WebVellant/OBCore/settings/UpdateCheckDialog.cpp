@@ -6,6 +6,7 @@
 #include "OBCore/settings/BoldFonts.h"
 #include "OBCore/settings/DialogItems.h"
 #include "OBCore/settings/PlainDialog.h"
+#include "OBCore/settings/PolicyHints.h"
 #include "OBCore/settings/UpdateCheckDialogIds.h"
 
 namespace obcore {
@@ -59,12 +60,14 @@ private:
     OBOptions& options_;
     BoldFonts headline_;
     ProductIcon icon_;
+    PolicyHints hints_;
 };
 
 void UpdateCheckDialog::OnOpen(HWND window) {
     headline_.SetBoldFont(window, OB_UPDATE_CHECK_HEADLINE);
     icon_.Set(window);
     ShowOptions(window, options_);
+    if (options_.NoUpdateChecking) hints_.Show(window, kOfAutomaticChecks);
 }
 
 void UpdateCheckDialog::OnCommand(HWND window, int id) {

@@ -111,8 +111,9 @@ TEST_F(AttachmentDialog, ShowsTheChoiceThatPolicyLeaves) {
         row.set(options_);
         Show([&row](const OpenDialog& dialog) {
             EXPECT_EQ(row.checked, dialog.Checked({kZip, kEncrypted, kPlain})) << row.name;
-            EXPECT_EQ(row.disabled, dialog.Disabled({kZip, kEncrypted, kMethod, kPlain}))
-                << row.name;
+            const Ids all = {kZip, kEncrypted, kMethod, kPlain};
+            EXPECT_EQ(row.disabled, dialog.Disabled(all)) << row.name;
+            EXPECT_EQ(row.disabled, dialog.Hinted(all)) << row.name;
         });
     }
 }

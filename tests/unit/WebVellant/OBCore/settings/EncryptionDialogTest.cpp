@@ -88,6 +88,7 @@ TEST_F(EncryptionDialog, DisablesWhatIsNotAllowed) {
         options_.AllowedEncryptMethods = row.mask;
         Show([&row](const OpenDialog& dialog) {
             EXPECT_EQ(row.disabled, dialog.Disabled({kFour, kEight})) << row.mask;
+            EXPECT_EQ(row.disabled, dialog.Hinted({kFour, kEight})) << row.mask;
         });
     }
 }

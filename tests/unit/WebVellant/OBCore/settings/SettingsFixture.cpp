@@ -1,5 +1,7 @@
 #include "tests/unit/WebVellant/OBCore/settings/SettingsFixture.h"
 
+#include <commctrl.h>
+
 #include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
@@ -18,6 +20,31 @@ std::vector<int> Which(const std::vector<int>& ids, Predicate is) {
         if (is(id)) chosen.push_back(id);
     }
     return chosen;
+}
+
+// A dialog and a control's id of it, as the windows of the process are searched for their tip.
+struct WantedTip {
+    HWND dialog;
+    int id;
+    bool isThere;
+};
+
+BOOL CALLBACK LookForTip(HWND window, LPARAM wanted) {
+    auto& tip = *reinterpret_cast<WantedTip*>(wanted);
+    TTTOOLINFOW tool{};
+    tool.cbSize = TTTOOLINFOW_V2_SIZE;
+    tool.hwnd = tip.dialog;
+    tool.uId = static_cast<UINT_PTR>(tip.id);
+    tip.isThere = ClassOf(window) == TOOLTIPS_CLASSW &&
+                  SendMessageW(window, TTM_GETTOOLINFOW, 0, reinterpret_cast<LPARAM>(&tool));
+    return !tip.isThere;
+}
+
+bool HasTip(HWND dialog, int id) {
+    WantedTip tip{dialog, id, false};
+    EnumThreadWindows(GetWindowThreadProcessId(dialog, nullptr), &LookForTip,
+                      reinterpret_cast<LPARAM>(&tip));
+    return tip.isThere;
 }
 
 } // namespace
@@ -48,6 +75,10 @@ std::vector<int> OpenDialog::Checked(const std::vector<int>& ids) const {
 
 std::vector<int> OpenDialog::Disabled(const std::vector<int>& ids) const {
     return Which(ids, [this](int id) { return !IsEnabled(id); });
+}
+
+std::vector<int> OpenDialog::Hinted(const std::vector<int>& ids) const {
+    return Which(ids, [this](int id) { return HasTip(window, id); });
 }
 
 void OpenDialog::Select(int id, int row) const {

@@ -44,6 +44,8 @@ struct OpenDialog {
     // Those of `ids` that are checked, and those that are disabled.
     std::vector<int> Checked(const std::vector<int>& ids) const;
     std::vector<int> Disabled(const std::vector<int>& ids) const;
+    // Those that have a tip for a control that policy took away.
+    std::vector<int> Hinted(const std::vector<int>& ids) const;
 
     void Press(int id) const { SendMessageW(Item(id), BM_CLICK, 0, 0); }
     // Replaces a field's text as a paste does.

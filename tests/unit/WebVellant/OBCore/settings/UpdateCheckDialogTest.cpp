@@ -54,6 +54,8 @@ TEST_F(UpdateCheckDialog, ShowsTheOptions) {
         Show([&row](const OpenDialog& dialog) {
             EXPECT_EQ(row.checked, dialog.Checked({kAutomatic, kNever}));
             EXPECT_EQ(row.disabled, dialog.Disabled(kAll));
+            // The interval of checks that the user switched off is nobody else's decision.
+            EXPECT_EQ(row.isForbidden ? row.disabled : Ids{}, dialog.Hinted(kAll));
             for (const int id : {kAutomatic, kNever}) {
                 EXPECT_EQ(dialog.IsChecked(id), obtest::IsTabStop(dialog.Item(id)));
             }
