@@ -291,6 +291,33 @@ TEST_F(GroupModeInViews, LeavesTheSpaceBarToTheControl) {
     EXPECT_EQ(1, heard(LV_VIEW_LIST));
 }
 
+// What the list's own procedure gets of it.
+int charactersPassed = 0;
+LRESULT CALLBACK CountCharacters(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                 DWORD_PTR object) {
+    if (message == WM_CHAR) ++charactersPassed;
+    if (message == WM_NCDESTROY) {
+        RemoveSubclass(window, &CountCharacters, reinterpret_cast<void*>(object));
+    }
+    return CallNextSubclass(window, message, wParam, lParam);
+}
+
+TEST_F(GroupModeInViews, LeavesTheCharacterOfTheSpaceBarToTheControl) {
+    const HWND window = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | LVS_REPORT, 0, 0, 90, 90,
+                                        dialog_->window, nullptr, nullptr, nullptr);
+    AddSubclass(window, &CountCharacters, this);
+    ObFlatListView list(1, {}, nullptr);
+    list.Attach(window);
+    SendMessageW(window, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+    charactersPassed = 0;
+    SendMessageW(window, WM_CHAR, L' ', 1);
+    EXPECT_EQ(0, charactersPassed) << "it has flipped a box";
+    SendMessageW(window, LVM_SETVIEW, LV_VIEW_LIST, 0);
+    SendMessageW(window, WM_CHAR, L' ', 1);
+    EXPECT_EQ(1, charactersPassed);
+    DestroyWindow(window);
+}
+
 // ---- Without memory
 
 TEST_F(GroupMode, StaysAsItIsWithoutMemory) {

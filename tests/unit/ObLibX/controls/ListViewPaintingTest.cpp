@@ -163,16 +163,21 @@ TEST_F(FocusBox, StaysInItsPlaceWhenTheListScrolls) {
     InsertMany(100);
     SetFocus(Window());
     UpdateWindow(Window());
-    Send(1001, WM_VSCROLL, SB_LINEDOWN);
-    Send(1001, WM_VSCROLL, SB_LINEDOWN);
+    const PixelRect area = ClientArea(Window());
+    const int row = RowArea(0).Height();
+    // As the system does with rows that stay in view.
+    const RECT rows{0, TitleArea(0).bottom, area.right, area.bottom};
+    ScrollWindowEx(Window(), 0, -row, &rows, &rows, nullptr, nullptr, SW_INVALIDATE);
     UpdateWindow(Window());
     std::vector<COLORREF> scrolled;
-    const PixelRect area = ClientArea(Window());
-    for (int y = TitleArea(0).bottom; y < area.bottom; ++y) {
-        scrolled.push_back(fieldtest::PixelOf(Window(), area.right / 2, y));
+    const int middle = area.right / 2;
+    const PixelRect columns{middle, TitleArea(0).bottom, middle + 4, area.bottom};
+    for (int y = columns.top; y < columns.bottom; ++y) {
+        for (int x = columns.left; x < columns.right; ++x) {
+            scrolled.push_back(fieldtest::PixelOf(Window(), x, y));
+        }
     }
-    const PixelRect column{area.right / 2, TitleArea(0).bottom, area.right / 2 + 1, area.bottom};
-    EXPECT_EQ(ShownPixels(Window()).Of(column), scrolled);
+    EXPECT_EQ(ShownPixels(Window()).Of(columns), scrolled);
 }
 
 // ---- What the parent hears and does first
