@@ -1,7 +1,10 @@
 // Dialogs whose object is deleted in a notification of one of their controls: nothing of the dialog
 // or its controls is used afterwards.
+#include <commctrl.h>
+
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "ObLibX/src/controls/ObCustPassword.h"
 #include "tests/faults/toolkit/SpoiledMemory.h"
@@ -16,6 +19,13 @@ public:
     bool OnCommandId(int, int, HWND) override {
         if (const auto call = onCommand) call();
         return false;
+    }
+    bool OnNotify(int id, NMHDR* header, LRESULT& result) override {
+        if (id == 1030 && header->code == static_cast<UINT>(LVN_ITEMCHANGED)) {
+            if (const auto call = onCommand) call();
+            return false;
+        }
+        return EveryControlDialog::OnNotify(id, header, result);
     }
     std::function<void()> onCommand;
 };
@@ -84,6 +94,24 @@ TEST_F(DeletedMeanwhile, InANotification) {
         }
         EXPECT_LT(0, deleted) << id;
     }
+}
+
+// A list view by Space, which flips a row's check box.
+TEST_F(DeletedMeanwhile, WhenACheckBoxOfAListIsFlipped) {
+    const SpoiledMemory spoiled;
+    NotifiedDialog& dialog = OpenOneThatIsDeletedAt(0);
+    const auto call = std::exchange(dialog.onCommand, nullptr);
+    const HWND list = dialog.GetItem(1030, true);
+    SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+    LVITEMW item{};
+    SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    item.state = item.stateMask = LVIS_FOCUSED;
+    SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&item));
+    SetFocus(list);
+    dialog.onCommand = call;
+    SendMessageW(list, WM_KEYDOWN, VK_SPACE, 1);
+    EXPECT_EQ(nullptr, dialog_);
+    EXPECT_FALSE(IsWindow(list));
 }
 
 TEST_F(DeletedMeanwhile, WhenAnEyeIsPressed) {

@@ -43,13 +43,25 @@ protected:
         EXPECT_EQ(nullptr, PasswordOf(dialog).eyeButton);
         EXPECT_NE(nullptr, PasswordOf(dialog).window);
     }
+    static void DestroyAListAndAHeader() {
+        EveryControlDialog dialog;
+        dialog.Open();
+        const HWND list = dialog.GetItem(1030, true);
+        DestroyInPaint(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)));
+        EXPECT_EQ(list, dialog.GetControl(1030)->window);
+        EveryControlDialog other;
+        other.Open();
+        SendMessageW(other.GetItem(1030, true), LVM_ENABLEGROUPVIEW, FALSE, 0);
+        DestroyInPaint(other.GetItem(1030, true));
+        EXPECT_EQ(nullptr, other.GetControl(1030)->window);
+    }
     static ObLibX::ObFlatPassword& PasswordOf(const EveryControlDialog& dialog) {
         return dynamic_cast<ObLibX::ObFlatPassword&>(*dialog.GetControl(1002));
     }
 };
 
 // Those that paint themselves, as buttons, bars and combo boxes do; edits, labels, the date picker,
-// the list view and a simple combo box are painted by the system.
+// the rows of a list view and a simple combo box are painted by the system.
 constexpr int kPainted[] = {1006, 1007, 1008, 1009, 1010, 1011, 1012, 1013, 1014, 1015, 1016,
                             1017, 1018, 1019, 1020, 1021, 1023, 1025, 1026, 1028, 1031};
 
@@ -74,6 +86,16 @@ TEST_F(DestroyedMeanwhile, InAPaintOfAFrameOrAnEye) {
     DestroyFramesAndAnEye();
     const ProcessResources before = ProcessResources::Now();
     DestroyFramesAndAnEye();
+    ExpectNoMoreThan(before);
+}
+
+// The header of a list view paints itself, and so does a list without group mode, off the screen.
+TEST_F(DestroyedMeanwhile, InAPaintOfAListOrItsHeader) {
+    const ImportPatch<decltype(&BeginPaint)> patch("user32.dll", "BeginPaint", &BeginAndDestroy);
+    ASSERT_TRUE(patch.Ok());
+    DestroyAListAndAHeader();
+    const ProcessResources before = ProcessResources::Now();
+    DestroyAListAndAHeader();
     ExpectNoMoreThan(before);
 }
 
@@ -144,18 +166,35 @@ TEST_F(DestroyedMeanwhile, InAStepOfAFade) {
     for (const int id : kFading) EXPECT_TRUE(destroyed.contains(id)) << id;
 }
 
+// Of a change of a row, which our procedures have caused; the system's own list doesn't survive to
+// go in each of its own.
+bool IsListNotification(const NMHDR& header) {
+    return header.idFrom == 1030 && header.code == static_cast<UINT>(LVN_ITEMCHANGED);
+}
+
 // At the first notification, also those of bars and sliders, which no handler of the dialog gets.
 LRESULT CALLBACK DestroyAtNotification(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam,
                                        UINT_PTR, DWORD_PTR) {
+    const bool isOfTheList =
+        message == WM_NOTIFY && IsListNotification(*reinterpret_cast<NMHDR*>(lParam));
     const bool isNotification =
-        message == WM_COMMAND || message == WM_HSCROLL || message == WM_VSCROLL;
+        message == WM_COMMAND || message == WM_HSCROLL || message == WM_VSCROLL || isOfTheList;
     if (!isNotification) return DefSubclassProc(dialog, message, wParam, lParam);
     DestroyWindow(dialog);
     return 0;
 }
 
-// An edit, a scroll bar, a slider and a push button.
-constexpr int kNotifying[] = {1001, 1006, 1008, 1010};
+// An edit, a scroll bar, a slider, a push button and a list view.
+constexpr int kNotifying[] = {1001, 1006, 1008, 1010, 1030};
+
+// A focused row in a list with check boxes, which Space flips.
+void GiveARow(HWND list) {
+    SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+    LVITEMW item{};
+    SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    item.state = item.stateMask = LVIS_FOCUSED;
+    SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&item));
+}
 
 // A dialog that goes at the first notification.
 TEST_F(DestroyedMeanwhile, InANotification) {
@@ -165,10 +204,12 @@ TEST_F(DestroyedMeanwhile, InANotification) {
         dialog.Open();
         const HWND item = dialog.GetItem(id, true);
         const HWND window = dialog.window;
+        if (id == 1030) GiveARow(item);
         SetWindowSubclass(window, &DestroyAtNotification, 1, 0);
         SendMessageW(item, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
         if (IsWindow(item)) SendMessageW(item, WM_LBUTTONUP, 0, MAKELPARAM(3, 3));
         if (IsWindow(item)) SendMessageW(item, WM_CHAR, L'x', 0);
+        if (IsWindow(item)) SendMessageW(item, WM_KEYDOWN, VK_SPACE, 1);
         PumpPosted();
         if (IsWindow(window)) continue; // notifies of none of these
         destroyed.insert(id);
