@@ -36,7 +36,7 @@ TEST(LibraryFile, ExportsItsEntryPointsByNameAndNothingElse) {
                 UnorderedElementsAre("GetOpenFileNameInBrowser", "FileOpenDialog_ShowInBrowser",
                                      "FileOpenDialog_GetResultInBrowser",
                                      "FileOpenDialog_GetResultsInBrowser",
-                                     "ShowFileOpenDialogInProcess", "WebHelpApp"));
+                                     "ShowFileOpenDialogInProcess", "WebHelpApp", "OBConfig"));
 }
 
 TEST(LibraryFile, CarriesItsManifestItsVersionAndTheTexts) {
