@@ -58,7 +58,9 @@ constexpr CommandRow kCommands[] = {
 
 OBOptionsDialogImp::OBOptionsDialogImp(std::int32_t dialogTemplate, HWND parent, OBOptions& edited)
     : ObXFlatDlg(dialogTemplate, parent, 0, true), options_(&edited),
-      about_(OB_OPTIONS_ABOUT, this) {}
+      about_(OB_OPTIONS_ABOUT, this) {
+    backgroundColor = GroundColor(); // blue buttons take their rings off with it
+}
 
 OBOptionsDialogImp::~OBOptionsDialogImp() = default;
 

@@ -70,6 +70,11 @@ std::size_t PictureIndex(int dpi) {
         std::ranges::count_if(kPictureScales, [&](int from) { return dpi >= from; }));
 }
 
+COLORREF StripColor() {
+    return ObLibX::IsHighContrast() ? GetSysColor(COLOR_WINDOW)
+                                    : ObLibX::GetPaletteColor(ObLibX::kPaletteWhite);
+}
+
 LONG GroundBottom(HWND window) {
     RECT client{};
     GetClientRect(window, &client);
@@ -120,14 +125,17 @@ bool IsText(HWND control) {
     return CompareStringOrdinal(name, -1, L"Static", -1, TRUE) == CSTR_EQUAL;
 }
 
-bool IsBox(int id) {
-    return std::ranges::find(kTransformBoxes, id, &TransformBoxRow::box) != kTransformBoxes.end();
+bool IsOfTransform(int id) {
+    return std::ranges::any_of(kTransformBoxes, [&](const TransformBoxRow& row) {
+        return row.box == id || row.settings == id;
+    });
 }
 
 // Controls take the parent's background for white.
 void SetGround(const ObLibX::ObXDlg& dialog) {
     for (const auto& [id, control] : dialog.Controls()) {
-        if ((IsText(control->window) || IsBox(id)) && IsOnGround(dialog.window, control->window)) {
+        if ((IsText(control->window) || IsOfTransform(id)) &&
+            IsOnGround(dialog.window, control->window)) {
             control->UsePalette(&ObLibX::ObCustomControl::fillColor, ObLibX::kPaletteButtonFill);
         }
     }
@@ -169,10 +177,12 @@ bool IsOnGround(HWND window, HWND control) {
 void PaintOptions(HWND window) {
     const ObLibX::PaintDc paint(window);
     if (!paint.Get()) return;
-    RECT ground{};
-    GetClientRect(window, &ground);
-    ground.bottom = GroundBottom(window);
-    ObLibX::FillArea(paint.Get(), ObLibX::AsPixels(ground), GroundColor());
+    const ObLibX::PixelRect client = ObLibX::ClientArea(window);
+    ObLibX::PixelRect ground = client;
+    ObLibX::PixelRect strip = client;
+    ground.bottom = strip.top = GroundBottom(window);
+    ObLibX::FillArea(paint.Get(), ground, GroundColor());
+    ObLibX::FillArea(paint.Get(), strip, StripColor());
     DrawLines(window, paint.Get());
 }
 

@@ -53,6 +53,7 @@ protected:
 
 TEST_F(SettingsProgram, ShowsTheSettingsOfTheRealModules) {
     ASSERT_NO_FATAL_FAILURE(Start());
+    SetCursorPos(0, 0); // where it was, a tip could be
     LookAt(window_, L"settings-options", 500, 380);
     for (const int id : {OB_OPTIONS_OK, static_cast<int>(IDCANCEL), OB_OPTIONS_ATTACHMENT,
                          OB_OPTIONS_CLOUD, OB_OPTIONS_UPDATE}) {

@@ -21,6 +21,8 @@ const Ids kExplanations{1060, 1061, 1062, 1063};
 const Ids kWhiteTexts{1000, 1001, 1012, 1013, 1014, 1040, 1041, 1042, 1043, 1044, 1045, 1046};
 const Ids kBoxes{1016, 1017, 1018, 1050, 1051, 1052, 1054, 1055};
 
+const Ids kSettings{1012, 1013, 1014, 1040, 1041, 1044, 1045};
+
 int screenDpi = 96;
 decltype(&GetDeviceCaps) realCaps = nullptr;
 
@@ -109,7 +111,8 @@ TEST_F(OptionsPainting, FillsTheGroundAndLeavesTheStripOfTheButtons) {
 
 TEST_F(OptionsPainting, DrawsALine20PixelsBelowThreeControls) {
     Show([&](const OpenDialog& dialog) {
-        obtest::WaitUntil([&] { return Painted(dialog.window).At(0, 0) == kGround; });
+        const LONG first = PlaceIn(dialog.window, dialog.Item(1000)).bottom + 20;
+        obtest::WaitUntil([&] { return Painted(dialog.window).At(40, first) == kLine; });
         const Painted painted(dialog.window);
         for (const int id : kLineAfter) {
             const LONG y = PlaceIn(dialog.window, dialog.Item(id)).bottom + 20;
@@ -130,6 +133,11 @@ TEST_F(OptionsPainting, GivesHeadlinesAndExplanationsTheirFonts) {
             EXPECT_EQ(12, control->fontSize) << id;
             EXPECT_EQ(700, control->fontWeight) << id;
             EXPECT_EQ(0x1B1B1Bu, control->textColor) << id;
+            LOGFONTW font{};
+            GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control->window, WM_GETFONT, 0, 0)),
+                       sizeof font, &font);
+            EXPECT_EQ(700, font.lfWeight) << id;
+            EXPECT_EQ(-16, font.lfHeight) << id;
         }
         for (const int id : kExplanations) {
             const auto* const control = dialog.GetControl(id);
@@ -157,12 +165,13 @@ TEST_F(OptionsPainting, GivesTextsAndBoxesTheColourOfTheGroundTheyAreOn) {
         for (const auto& [id, control] : dialog.Controls()) {
             const bool isBox = std::ranges::find(kBoxes, id) != kBoxes.end();
             const bool isText = obtest::ClassOf(control->window) == L"Static";
-            if (!isBox && !isText) continue;
+            const bool isButton = std::ranges::find(kSettings, id) != kSettings.end();
+            if (!isBox && !isText && !isButton) continue;
             const bool isOnGround = obcore::IsOnGround(dialog.window, control->window);
             EXPECT_EQ(isOnGround, control->fillColor == kGround) << id;
             onGround += isOnGround;
         }
-        EXPECT_GE(onGround, 16);
+        EXPECT_GE(onGround, 23);
         EXPECT_EQ(kGround, ObLibX::GetPaletteColor(2));
     });
 }
