@@ -5,6 +5,7 @@
 #include "ObLib/Src/Win32/Guarded.h"
 #include "ObLib/Src/Win32/UniqueHandle.h"
 #include "ObLibX/src/controls/ControlText.h"
+#include "ObLibX/src/controls/HelperWindow.h"
 #include "ObLibX/src/controls/ListPainting.h"
 #include "ObLibX/src/controls/ObCustList.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
@@ -16,6 +17,16 @@ namespace ObLibX {
 namespace {
 
 using UniqueRegion = ObLib::UniqueResource<ObLib::GdiObjectPolicy<HRGN>>;
+
+// The header, and the edit of a label that is changed, which may have painted themselves already.
+void ExcludeChildren(HDC dc, HWND list) {
+    for (HWND child = GetWindow(list, GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        if (IsWindowVisible(child) == FALSE) continue;
+        const PixelRect place = RectInParent(child);
+        ExcludeClipRect(dc, place.left, place.top, place.right, place.bottom);
+    }
+}
 
 } // namespace
 
@@ -97,6 +108,7 @@ void ObFlatListView::PaintOffscreen() {
     if (!picture) return;
     SelectClipRgn(picture.Dc(), invalid.Get());
     CallNextSubclass(list, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(picture.Dc()), PRF_CLIENT);
+    ExcludeChildren(dc.Get(), list);
     picture.Show();
 }
 

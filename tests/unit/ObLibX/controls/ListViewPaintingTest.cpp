@@ -447,6 +447,12 @@ TEST_F(ListScrolling, ShowsTheSameAsAWholePaintingWithoutGroupMode) {
     EXPECT_LT(0, std::ranges::count_if(stepped, [](COLORREF color) { return color != kWhite; }));
 }
 
+TEST_F(ListScrolling, LeavesTheTitlesAloneWithoutGroupMode) {
+    Send(1001, LVM_ENABLEGROUPVIEW, FALSE);
+    const ShownPixels shown(Window());
+    EXPECT_LT(0, shown.Count(TitleArea(0), 0x797979));
+}
+
 TEST_F(ListScrolling, IsNeverErasedBetweenSteps) {
     const HWND window = Window();
     const ClientDc dc(window);
