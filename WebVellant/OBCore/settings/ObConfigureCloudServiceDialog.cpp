@@ -25,10 +25,12 @@ constexpr int kMegabyteShift = 20;
 constexpr int kHeadlines[] = {OB_CLOUD_SEND_HEADLINE, OB_CLOUD_ACCOUNTS_HEADLINE,
                               OB_CLOUD_EXPIRY_HEADLINE};
 
-// Fields with what belongs to them, which is disabled with them.
-constexpr int kSizeField[] = {OB_CLOUD_SIZE_LABEL, OB_CLOUD_MINIMUM_SIZE,
-                              OB_CLOUD_MINIMUM_SIZE_SPIN};
-constexpr int kDaysField[] = {OB_CLOUD_DAYS_LABEL, OB_CLOUD_DAYS, OB_CLOUD_DAYS_SPIN};
+// What is taken away together: a field with its label and its arrows too.
+constexpr int kSendGroup[] = {OB_CLOUD_SEND_NEVER,   OB_CLOUD_SEND_ALWAYS,
+                              OB_CLOUD_SEND_LARGE,   OB_CLOUD_SIZE_LABEL,
+                              OB_CLOUD_MINIMUM_SIZE, OB_CLOUD_MINIMUM_SIZE_SPIN};
+constexpr int kExpiryGroup[] = {OB_CLOUD_EXPIRE, OB_CLOUD_DAYS_LABEL, OB_CLOUD_DAYS,
+                                OB_CLOUD_DAYS_SPIN};
 
 struct SendChoice {
     int id;
@@ -107,11 +109,13 @@ bool OBConfigureCloudDialogImp::OnInitDialog() {
     return result;
 }
 
+// Without a storage provider nobody has decided anything.
 void OBConfigureCloudDialogImp::ShowSendSetting() {
+    const bool isDecided = context_.options->DisableCloudServices;
     if (context_.options->CloudServicesUnavailable()) {
         SetChecked(window, OB_CLOUD_SEND_NEVER, true);
-        for (const SendChoice& choice : kSendChoices) SetEnabled(window, choice.id, false);
-        for (const int id : kSizeField) SetEnabled(window, id, false);
+        for (const int id : kSendGroup) SetEnabled(window, id, false);
+        if (isDecided) hints_.Show(window, kSendGroup);
         return;
     }
     SetChecked(window, ChoiceOf(context_.options->SendSetting), true);
@@ -121,8 +125,8 @@ void OBConfigureCloudDialogImp::ShowSendSetting() {
 void OBConfigureCloudDialogImp::ShowExpiry() {
     const OBOptions& options = *context_.options;
     if (!options.ExpireFilesAvailable) {
-        SetEnabled(window, OB_CLOUD_EXPIRE, false);
-        for (const int id : kDaysField) SetEnabled(window, id, false);
+        for (const int id : kExpiryGroup) SetEnabled(window, id, false);
+        hints_.Show(window, kExpiryGroup);
         return;
     }
     SetChecked(window, OB_CLOUD_EXPIRE, options.ExpireFiles);

@@ -7,6 +7,7 @@
 #include "OBCore/modules/ProductIcon.h"
 #include "OBCore/settings/BoldFonts.h"
 #include "OBCore/settings/CloudCommands.h"
+#include "OBCore/settings/PolicyHints.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
 
 namespace obcore {
@@ -39,6 +40,7 @@ private:
     HWND list_ = nullptr; // of accounts; also when `window` is null already
     BoldFonts fonts_;
     ProductIcon icon_;
+    PolicyHints hints_;
     bool isBusy_ = false; // an account button is at work
 };
 

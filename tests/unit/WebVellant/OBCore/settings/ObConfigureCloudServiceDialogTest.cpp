@@ -5,6 +5,7 @@
 
 #include <optional>
 
+#include "OBCore/modules/ResourceModule.h"
 #include "OBCore/modules/ServiceLibrary.h"
 #include "tests/support/ProductRegistry.h"
 #include "tests/unit/WebVellant/OBCore/settings/CloudFixture.h"
@@ -135,6 +136,58 @@ TEST_F(ConfigureCloud, OffersNoExpiryThatIsntAvailable) {
         EXPECT_TRUE(settings.IsEnabled(OB_CLOUD_SIZE_LABEL));
         EXPECT_EQ(settings.Field(OB_CLOUD_DAYS), L"");
         EXPECT_NE(RangeOf(settings, OB_CLOUD_DAYS_SPIN), std::pair(0, 1825));
+    });
+}
+
+// The tip at the middle of a control of the dialog; empty where no window of tips has one.
+std::wstring TipOn(const CloudSettings& settings, int id) {
+    RECT place{};
+    GetWindowRect(settings.Item(id), &place);
+    POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+    ScreenToClient(settings.dialog, &middle);
+    std::wstring found;
+    const auto look = [&](HWND tips) {
+        wchar_t text[200] = L"";
+        TTHITTESTINFOW test{};
+        test.hwnd = settings.dialog;
+        test.pt = middle;
+        test.ti.cbSize = TTTOOLINFOW_V2_SIZE;
+        if (!SendMessageW(tips, TTM_HITTESTW, 0, reinterpret_cast<LPARAM>(&test))) return;
+        TTTOOLINFOW tool{};
+        tool.cbSize = TTTOOLINFOW_V2_SIZE;
+        tool.hwnd = settings.dialog;
+        tool.uId = test.ti.uId;
+        tool.lpszText = text;
+        SendMessageW(tips, TTM_GETTEXTW, std::size(text), reinterpret_cast<LPARAM>(&tool));
+        found = text;
+    };
+    for (HWND tips = nullptr;
+         (tips = FindWindowExW(nullptr, tips, TOOLTIPS_CLASSW, nullptr)) != nullptr;) {
+        if (GetWindow(tips, GW_OWNER) == settings.dialog) look(tips);
+    }
+    return found;
+}
+
+TEST_F(ConfigureCloud, GivesATipWhereTheAdministratorHasDecided) {
+    const std::wstring decided = obcore::LoadText(obcore::TextId::DecidedByAdministrator);
+    ASSERT_FALSE(decided.empty());
+    Use([](const CloudSettings& settings) {
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_SEND_ALWAYS), L"");
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_EXPIRE), L"");
+    });
+    options_.DisableCloudServices = true;
+    Use([&](const CloudSettings& settings) {
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_SEND_ALWAYS), decided);
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_MINIMUM_SIZE), decided);
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_EXPIRE), L"");
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_LOGIN), L"") << "disabled by nobody's decision";
+    });
+    options_.DisableCloudServices = false;
+    options_.ExpireFilesAvailable = false;
+    Use([&](const CloudSettings& settings) {
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_SEND_ALWAYS), L"");
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_EXPIRE), decided);
+        EXPECT_EQ(TipOn(settings, OB_CLOUD_DAYS), decided);
     });
 }
 
