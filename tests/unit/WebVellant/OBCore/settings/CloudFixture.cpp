@@ -13,6 +13,9 @@ namespace {
 
 constexpr DWORD kGrace = 5000; // milliseconds that an ended dialog has to close
 
+// The hive as the manager takes it.
+constexpr auto kCurrentUser = static_cast<std::int64_t>(static_cast<std::int32_t>(0x80000001));
+
 constexpr int kAccountButtons[] = {OB_CLOUD_LOGIN, OB_CLOUD_LOGOUT, OB_CLOUD_SET_DEFAULT,
                                    OB_CLOUD_ADD_ACCOUNT, OB_CLOUD_MANAGE};
 
@@ -135,7 +138,7 @@ CloudFixture::~CloudFixture() {
 
 void CloudFixture::SetUp() {
     FakeModules::Reset();
-    obcore::ProviderManager().Init(manager_, 0, L"");
+    obcore::ProviderManager().Init(manager_, kCurrentUser, obcontract::kProviderManagerKey);
     AskOnceForCloudServices(options_);
     FakeModules::Reset();
 }
