@@ -2,6 +2,7 @@
 #include <commctrl.h>
 
 #include <set>
+#include <utility>
 
 #include "ObLibX/src/controls/ObCustPassword.h"
 #include "tests/faults/toolkit/ToolkitSuite.h"
@@ -55,6 +56,13 @@ protected:
         DestroyInPaint(other.GetItem(1030, true));
         EXPECT_EQ(nullptr, other.GetControl(1030)->window);
     }
+    // The list goes on with the bars that are left.
+    static void ScrollHosted(const EveryControlDialog& dialog) {
+        SendMessageW(dialog.hosted, WM_VSCROLL, SB_PAGEDOWN, 0);
+        SendMessageW(dialog.hosted, WM_SETTEXT, 0, 0);
+        RedrawWindow(dialog.hosted, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+        EXPECT_LT(0, SendMessageW(dialog.hosted, LB_GETTOPINDEX, 0, 0));
+    }
     static ObLibX::ObFlatPassword& PasswordOf(const EveryControlDialog& dialog) {
         return dynamic_cast<ObLibX::ObFlatPassword&>(*dialog.GetControl(1002));
     }
@@ -76,6 +84,46 @@ TEST_F(DestroyedMeanwhile, InAPaint) {
         DestroyInPaint(dialog.GetItem(id, true));
         EXPECT_EQ(nullptr, dialog.GetControl(id)->window) << id;
     }
+    ExpectNoMoreThan(before);
+}
+
+// The bars that a host has got, whose windows are painted by the bars themselves.
+TEST_F(DestroyedMeanwhile, InAPaintOfAHostedBar) {
+    const ImportPatch<decltype(&BeginPaint)> patch("user32.dll", "BeginPaint", &BeginAndDestroy);
+    ASSERT_TRUE(patch.Ok());
+    for (const ObLibX::HolderKind kind :
+         {ObLibX::HolderKind::Vertical, ObLibX::HolderKind::Horizontal}) {
+        EveryControlDialog dialog;
+        dialog.Open();
+        const ObLibX::ScrollBarHolder& holder = dialog.bars.Holder(kind);
+        ASSERT_NE(nullptr, holder.Bar());
+        DestroyInPaint(holder.Bar()->window);
+        EXPECT_EQ(nullptr, holder.Bar());
+        ScrollHosted(dialog);
+    }
+}
+
+LRESULT CALLBACK DestroyAtPaint(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                DWORD_PTR) {
+    if (message != WM_PAINT) return DefSubclassProc(window, message, wParam, lParam);
+    DestroyWindow(window);
+    return 0;
+}
+
+// The dialog's paint, which comes at once.
+TEST_F(DestroyedMeanwhile, InThePaintThatShowsALinksFocus) {
+    const auto run = [] {
+        EveryControlDialog dialog;
+        dialog.Open();
+        const HWND link = dialog.GetItem(OB_LINK, true);
+        SetWindowSubclass(dialog.window, &DestroyAtPaint, 1, 0);
+        SetFocus(link);
+        EXPECT_FALSE(IsWindow(link)) << "painted later";
+        EXPECT_FALSE(dialog.Link().attached);
+    };
+    run();
+    const ProcessResources before = ProcessResources::Now();
+    run();
     ExpectNoMoreThan(before);
 }
 
@@ -172,6 +220,13 @@ bool IsListNotification(const NMHDR& header) {
     return header.idFrom == 1030 && header.code == static_cast<UINT>(LVN_ITEMCHANGED);
 }
 
+LRESULT CALLBACK DestroyDialogAtScroll(HWND host, UINT message, WPARAM wParam, LPARAM lParam,
+                                       UINT_PTR, DWORD_PTR) {
+    if (message != WM_VSCROLL) return DefSubclassProc(host, message, wParam, lParam);
+    DestroyWindow(GetParent(host));
+    return 0;
+}
+
 // At the first notification, also those of bars and sliders, which no handler of the dialog gets.
 LRESULT CALLBACK DestroyAtNotification(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam,
                                        UINT_PTR, DWORD_PTR) {
@@ -216,6 +271,62 @@ TEST_F(DestroyedMeanwhile, InANotification) {
         EXPECT_EQ(nullptr, dialog.GetControl(id)->window) << id;
     }
     for (const int id : kNotifying) EXPECT_TRUE(destroyed.contains(id)) << id;
+}
+
+// The link's click, and what a list notifies of while its hosted bar is pressed.
+TEST_F(DestroyedMeanwhile, InANotificationOfALinkAndOfAHostWhoseBarIsPressed) {
+    const auto linkOf = [](EveryControlDialog& dialog) { return dialog.GetItem(OB_LINK, true); };
+    const auto barOf = [](EveryControlDialog& dialog) {
+        return dialog.bars.Holder(ObLibX::HolderKind::Vertical).Bar()->window;
+    };
+    for (const bool isLink : {true, false}) {
+        EveryControlDialog dialog;
+        dialog.Open();
+        const HWND pressed = isLink ? linkOf(dialog) : barOf(dialog);
+        const HWND window = dialog.window;
+        if (isLink) {
+            SetWindowSubclass(window, &DestroyAtNotification, 1, 0);
+        } else { // what the bar sends, the host gets
+            SetWindowSubclass(dialog.hosted, &DestroyDialogAtScroll, 1, 0);
+        }
+        SendMessageW(pressed, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
+        PumpPosted();
+        EXPECT_FALSE(IsWindow(window));
+        EXPECT_FALSE(IsWindow(pressed));
+        EXPECT_FALSE(dialog.Link().attached);
+        EXPECT_EQ(nullptr, dialog.bars.Host());
+        EXPECT_EQ(nullptr, GetCapture());
+    }
+}
+
+// The bars come by a key, one after the other.
+HWND destroyedInSlide = nullptr;
+BOOL WINAPI SlideAndDestroy(HWND window, DWORD, DWORD flags) {
+    if (destroyedInSlide != nullptr) DestroyWindow(std::exchange(destroyedInSlide, nullptr));
+    return ShowWindow(window, (flags & AW_HIDE) != 0 ? SW_HIDE : SW_SHOWNA);
+}
+
+TEST_F(DestroyedMeanwhile, InASlideOfHostedBars) {
+    const ImportPatch<decltype(&AnimateWindow)> patch("user32.dll", "AnimateWindow",
+                                                      &SlideAndDestroy);
+    ASSERT_TRUE(patch.Ok());
+    enum class Goes { Dialog, Host, Holder };
+    for (const Goes goes : {Goes::Dialog, Goes::Host, Goes::Holder}) {
+        EveryControlDialog dialog;
+        dialog.Open();
+        dialog.bars.SetAutoHide(true);
+        const ObLibX::ScrollBarHolder& holder = dialog.bars.Holder(ObLibX::HolderKind::Vertical);
+        destroyedInSlide = goes == Goes::Dialog ? dialog.window
+                           : goes == Goes::Host ? dialog.hosted
+                                                : holder.Window();
+        SendMessageW(dialog.hosted, WM_KEYDOWN, VK_NEXT, 0);
+        EXPECT_EQ(nullptr, destroyedInSlide) << "nothing slid";
+        EXPECT_EQ(nullptr, holder.Window());
+        EXPECT_EQ(goes == Goes::Holder, dialog.bars.Host() != nullptr);
+        EXPECT_EQ(goes == Goes::Holder,
+                  dialog.bars.Holder(ObLibX::HolderKind::Horizontal).IsShown());
+        PumpPosted();
+    }
 }
 
 } // namespace

@@ -50,6 +50,7 @@ public:
         bars.Attach(hosted);
         return false;
     }
+    const ObLibX::ObHyperlinkCtrl& Link() const { return link_; }
     HWND hosted = nullptr;
     ObLibX::ScrollBarHost bars;
 
