@@ -1,5 +1,6 @@
 // Measures flat dialogs beside the system's own from the same templates: opening, memory, GDI
-// objects, the paint of each class; and the reading of a description.
+// objects, the paint of each class, hosted bars, a thumb that is dragged; and the reading of a
+// description.
 //
 //   toolkit_bench [ROUNDS]
 #include <windows.h>
@@ -18,6 +19,7 @@
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
+#include "benchmarks/toolkit/BarBench.h"
 #include "benchmarks/toolkit/DescriptionBench.h"
 #include "benchmarks/toolkit/ListBench.h"
 #include "tests/support/ProcessResources.h"
@@ -281,6 +283,10 @@ int wmain(int count, wchar_t** arguments) {
     MeasureUse();
     MeasureOpening(rounds);
     MeasurePaints(rounds);
+    PrintPair("paint hosted", bench::MeasureHostPaint(rounds));
+    const bench::Pair drag = bench::MeasureDrag(rounds);
+    if (drag.ours.empty()) return bench::Fail("a bar reports not all positions of a drag");
+    PrintPair("drag", drag);
     MeasureListMemory();
     MeasureLists(rounds);
     const bench::Pair description = bench::MeasureDescription(rounds * 10);
