@@ -58,6 +58,18 @@ TEST_F(Texts, SwitchAndEyeOfThePasswordReadAsAgreed) {
     EXPECT_EQ(L"Show or hide the password", TextOf(ObLibX::kTextEyeName));
 }
 
+TEST_F(Texts, MenusOfHostedBarsReadAsAgreedInTheOrderOfTheirIds) {
+    UINT id = 62119;
+    for (const wchar_t* const text :
+         {L"Scroll Here", L"Top", L"Bottom", L"Left Edge", L"Right Edge", L"Page Up", L"Page Down",
+          L"Page Left", L"Page Right", L"Scroll Up", L"Scroll Down", L"Scroll Left",
+          L"Scroll Right", L"Show Scrollbars", L"Hide Scrollbars"}) {
+        EXPECT_EQ(text, TextOf(id)) << id;
+        ++id;
+    }
+    EXPECT_EQ(62134u, id);
+}
+
 TEST_F(Texts, EveryLabelOfThePickerHasOneAccessKeyOfItsOwn) {
     std::wstring keys;
     for (const UINT id : {101u, 102u, 103u, 180u, 181u, 182u, 183u, 184u, 185u, 186u, 187u, 188u}) {
