@@ -144,7 +144,7 @@ TEST_F(Dialogs, GiveEachSettingsButtonItsNameAsTooltipToo) {
 }
 
 TEST_F(Dialogs, AreDescribedWithControlsThatTheyHave) {
-    for (const int id : {OB_OPTIONS, OB_OPTIONS_LARGE, OB_CONFIGURE_CLOUD}) {
+    for (const int id : {OB_OPTIONS, OB_OPTIONS_LARGE}) {
         const StockDialog dialog(id);
         const auto controls = DescriptionOf(id);
         EXPECT_FALSE(controls.empty()) << id;
@@ -152,16 +152,6 @@ TEST_F(Dialogs, AreDescribedWithControlsThatTheyHave) {
             EXPECT_NE(nullptr, GetDlgItem(dialog.Window(), control.id)) << id << " " << control.id;
         }
     }
-}
-
-TEST_F(Dialogs, GiveTheListOfAccountsOneColumnWithATitle) {
-    const auto controls = DescriptionOf(OB_CONFIGURE_CLOUD);
-    ASSERT_EQ(1u, controls.size());
-    ASSERT_EQ(1u, controls[0].columns.size());
-    wchar_t title[64] = {};
-    LoadStringW(GetModuleHandleW(nullptr), static_cast<UINT>(controls[0].columns[0].titleId), title,
-                64);
-    EXPECT_STRNE(L"", title);
 }
 
 TEST_F(Dialogs, OfTheAboutBoxTakesItsThreeArguments) {
