@@ -27,8 +27,8 @@ struct ListLook {
     bool hasChecks = false;
     std::array<HBITMAP, 4> checkImages{}; // on, off, on disabled, off disabled
     SIZE checkSize{};
-    bool hasFocus = false; // the list has the keyboard's focus
-    bool showsFocus = false;
+    bool hasFocus = false;    // the list has the keyboard's focus
+    bool showsFocus = false;  // and its row is seen to have it
     bool boxesItself = false; // it shows the focus and has no row for it
     int hotRow = -1;          // -1 for none
     ObXDlg* colors = nullptr; // asked for the colours of cells; null: nobody is

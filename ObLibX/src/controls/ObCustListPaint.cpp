@@ -94,8 +94,8 @@ LRESULT ObFlatListView::OnPaint(UINT message, WPARAM wParam, LPARAM lParam) {
 
 // Other views are erased and painted by the system as ever.
 bool ObFlatListView::IsBuffered() const {
-    const LRESULT style = SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0);
-    return groupMode_.IsInUse() || (style & LVS_EX_DOUBLEBUFFER) != 0 || !IsDetails();
+    if (groupMode_.IsInUse() || !IsDetails()) return true;
+    return (SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0) & LVS_EX_DOUBLEBUFFER) != 0;
 }
 
 // Without group mode the control paints onto the screen, where each row would be the ground first.
@@ -122,24 +122,26 @@ void ObFlatListView::FollowFocusBox() {
 }
 
 ListLook ObFlatListView::Look() const {
-    const bool isOurs = groupMode_.IsInUse();
-    const LRESULT style = SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0);
     ListLook look;
     look.list = window;
     look.header = header_;
     look.id = id;
     look.font = font;
-    look.images =
-        isOurs
-            ? groupMode_.Images()
-            : reinterpret_cast<HIMAGELIST>(SendMessageW(window, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
-    look.hasChecks = isOurs ? groupMode_.HasChecks() : (style & LVS_EX_CHECKBOXES) != 0;
+    if (groupMode_.IsInUse()) {
+        look.images = groupMode_.Images();
+        look.hasChecks = groupMode_.HasChecks();
+    } else {
+        look.images =
+            reinterpret_cast<HIMAGELIST>(SendMessageW(window, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
+        look.hasChecks =
+            (SendMessageW(window, LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0) & LVS_EX_CHECKBOXES) != 0;
+    }
     for (std::size_t at = 0; at < checkImages.size(); ++at) {
         look.checkImages[at] = checkImages[at].Get();
     }
     look.checkSize = checkSize;
     look.hasFocus = isFocused;
-    look.showsFocus = (HiddenCues(*this) & UISF_HIDEFOCUS) == 0;
+    look.showsFocus = isFocused && (HiddenCues(*this) & UISF_HIDEFOCUS) == 0;
     look.boxesItself = isBoxed_;
     look.hotRow = hotRow_;
     look.colors = colorSource;
