@@ -78,11 +78,13 @@ TEST_F(DestroyedMeanwhile, InAPaint) {
     const ImportPatch<decltype(&BeginPaint)> patch("user32.dll", "BeginPaint", &BeginAndDestroy);
     ASSERT_TRUE(patch.Ok());
     const ProcessResources before = ProcessResources::Now();
-    for (const int id : kPainted) {
+    {
         EveryControlDialog dialog;
         dialog.Open();
-        DestroyInPaint(dialog.GetItem(id, true));
-        EXPECT_EQ(nullptr, dialog.GetControl(id)->window) << id;
+        for (const int id : kPainted) {
+            DestroyInPaint(dialog.GetItem(id, true));
+            EXPECT_EQ(nullptr, dialog.GetControl(id)->window) << id;
+        }
     }
     ExpectNoMoreThan(before);
 }
@@ -176,9 +178,10 @@ constexpr int kFading[] = {1010, 1025, 1026, 1028};
 
 TEST_F(DestroyedMeanwhile, WhileItFades) {
     std::set<int> faded;
-    for (const int id : DressedIds()) {
-        EveryControlDialog dialog;
-        dialog.Open();
+    const std::vector<int> ids = DressedIds();
+    EveryControlDialog dialog;
+    dialog.Open();
+    for (const int id : ids) {
         MoveOver(dialog.GetItem(id, true));
         if (timers_.Running() > 0) faded.insert(id);
         DestroyWindow(dialog.GetItem(id, true));
@@ -195,9 +198,9 @@ TEST_F(DestroyedMeanwhile, InAStepOfAFade) {
     const ImportPatch<decltype(&InvalidateRect)> invalidate("user32.dll", "InvalidateRect",
                                                             &InvalidateAndDestroy);
     ASSERT_TRUE(patch.Ok() && invalidate.Ok());
+    EveryControlDialog dialog;
+    dialog.Open();
     for (const int id : ids) {
-        EveryControlDialog dialog;
-        dialog.Open();
         const HWND window = dialog.GetItem(id, true);
         MoveOver(window);
         if (timers_.Running() == 0) continue; // doesn't fade

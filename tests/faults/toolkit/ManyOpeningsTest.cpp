@@ -5,8 +5,8 @@
 namespace obtest {
 namespace {
 
-constexpr ULONGLONG kLimit = 20000; // milliseconds
-constexpr ULONGLONG kLimitOfOneObject = 5000;
+constexpr ULONGLONG kLimit = 10000; // milliseconds
+constexpr ULONGLONG kLimitOfOneObject = 3000;
 
 class ManyOpenings : public ToolkitSuite {};
 
