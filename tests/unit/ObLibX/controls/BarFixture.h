@@ -22,6 +22,7 @@
 #include "tests/support/ContrastFake.h"
 #include "tests/support/CrashWatch.h"
 #include "tests/support/ImportPatch.h"
+#include "tests/unit/ObLibX/controls/PixelQuestions.h"
 
 namespace obtest {
 
@@ -39,13 +40,20 @@ inline std::ostream& operator<<(std::ostream& out, const Scrolled& scrolled) {
 
 inline bool& isBarContrast = isContrastOn;
 
+// The windows for which the mouse's leaving was asked, by those that patch TrackMouseEvent so.
+inline std::vector<HWND> leavesAsked;
+inline BOOL WINAPI NoteTracking(TRACKMOUSEEVENT* event) {
+    leavesAsked.push_back(event->hwndTrack);
+    return TRUE;
+}
+
 // Whether the stock controls beside ours are Wine's, which answer some messages otherwise.
 inline bool AreStockControlsOfWine() {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
 
 // A client area as it is painted, to be asked for single pixels.
-class PaintedPixels {
+class PaintedPixels : public PixelQuestions<PaintedPixels> {
 public:
     explicit PaintedPixels(HWND window) : area_(ObLibX::ClientArea(window)) {
         const ObLibX::ClientDc screen(window);
@@ -61,20 +69,6 @@ public:
 
     [[nodiscard]] COLORREF At(int x, int y) const { return GetPixel(dc_.Get(), x, y); }
     [[nodiscard]] const ObLibX::PixelRect& Area() const { return area_; }
-    // How many pixels of a rectangle have a colour.
-    [[nodiscard]] int Count(const ObLibX::PixelRect& rect, COLORREF color) const {
-        int count = 0;
-        for (int y = rect.top; y < rect.bottom; ++y) {
-            for (int x = rect.left; x < rect.right; ++x) count += At(x, y) == color ? 1 : 0;
-        }
-        return count;
-    }
-    // Whether the outermost pixels of a rectangle all have a colour.
-    [[nodiscard]] bool IsFramed(const ObLibX::PixelRect& rect, COLORREF color) const {
-        const ObLibX::PixelRect inner{rect.left + 1, rect.top + 1, rect.right - 1, rect.bottom - 1};
-        const int ring = rect.Width() * rect.Height() - inner.Width() * inner.Height();
-        return Count(rect, color) - Count(inner, color) == ring;
-    }
 
 private:
     ObLibX::PixelRect area_;

@@ -23,12 +23,6 @@ int WINAPI SixteenBits(HDC dc, int index) {
     return index == BITSPIXEL ? 16 : real(dc, index);
 }
 
-std::vector<HWND> leavesAsked;
-BOOL WINAPI NoteTracking(TRACKMOUSEEVENT* event) {
-    leavesAsked.push_back(event->hwndTrack);
-    return TRUE;
-}
-
 class ComboPainting : public ComboTest {
 protected:
     void SetUp() override {

@@ -207,6 +207,19 @@ protected:
         LetGo(bar.window, at.x, at.y);
     }
 
+    // Of 100,000: by an arrow, by the thumb to the end and back. `top`: asks for the first one
+    // shown.
+    void ExpectRowsFollow(UINT top) const {
+        const auto first = [&] { return SendMessageW(client_, top, 0, 0); };
+        PressArrow(true);
+        EXPECT_EQ(1, first());
+        Drag(HolderKind::Vertical, 5000);
+        EXPECT_LT(99'900, first());
+        EXPECT_EQ(first(), Position());
+        Drag(HolderKind::Vertical, -5000);
+        EXPECT_EQ(0, first());
+    }
+
     ScrollBarHost clientBars_;
     HWND client_ = nullptr;
 };
@@ -288,13 +301,7 @@ TEST_F(HostClients, AListBoxOf100000RowsFollowsThumbAndArrows) {
     const HWND list =
         Attach(L"ListBox", WS_VSCROLL | LBS_NOINTEGRALHEIGHT | LBS_NODATA | LBS_OWNERDRAWFIXED);
     SendMessageW(list, LB_SETCOUNT, 100'000, 0);
-    PressArrow(true);
-    EXPECT_EQ(1, SendMessageW(list, LB_GETTOPINDEX, 0, 0));
-    Drag(HolderKind::Vertical, 5000);
-    EXPECT_LT(99'900, SendMessageW(list, LB_GETTOPINDEX, 0, 0));
-    EXPECT_EQ(SendMessageW(list, LB_GETTOPINDEX, 0, 0), Position());
-    Drag(HolderKind::Vertical, -5000);
-    EXPECT_EQ(0, SendMessageW(list, LB_GETTOPINDEX, 0, 0));
+    ExpectRowsFollow(LB_GETTOPINDEX);
 }
 
 TEST_F(HostClients, AListViewFollowsThumbAndArrows) {
@@ -306,13 +313,7 @@ TEST_F(HostClients, AListViewFollowsThumbAndArrows) {
     SendMessageW(list, LVM_SETITEMCOUNT, 100'000, 0);
     ASSERT_TRUE(clientBars_.Holder(HolderKind::Vertical).IsShown());
     ASSERT_TRUE(clientBars_.Holder(HolderKind::Horizontal).IsShown());
-    PressArrow(true);
-    EXPECT_EQ(1, SendMessageW(list, LVM_GETTOPINDEX, 0, 0));
-    Drag(HolderKind::Vertical, 5000);
-    EXPECT_LT(99'900, SendMessageW(list, LVM_GETTOPINDEX, 0, 0));
-    EXPECT_EQ(SendMessageW(list, LVM_GETTOPINDEX, 0, 0), Position());
-    Drag(HolderKind::Vertical, -5000);
-    EXPECT_EQ(0, SendMessageW(list, LVM_GETTOPINDEX, 0, 0));
+    ExpectRowsFollow(LVM_GETTOPINDEX);
     Drag(HolderKind::Horizontal, 5000);
     RECT row{};
     row.left = LVIR_BOUNDS;

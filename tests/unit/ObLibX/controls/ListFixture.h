@@ -16,6 +16,7 @@
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLibX/controls/EditFixture.h"
 #include "tests/unit/ObLibX/controls/ListTestIds.h"
+#include "tests/unit/ObLibX/controls/PixelQuestions.h"
 
 namespace listtest {
 
@@ -69,7 +70,7 @@ private:
 };
 
 // What a window's client area shows, to be asked for single pixels.
-class ShownPixels {
+class ShownPixels : public obtest::PixelQuestions<ShownPixels> {
 public:
     explicit ShownPixels(HWND window) : area_(ObLibX::ClientArea(window)) {
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
@@ -97,23 +98,6 @@ public:
         return RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
     }
     [[nodiscard]] const ObLibX::PixelRect& Area() const { return area_; }
-    [[nodiscard]] int Count(const ObLibX::PixelRect& rect, COLORREF color) const {
-        int count = 0;
-        for (int y = rect.top; y < rect.bottom; ++y) {
-            for (int x = rect.left; x < rect.right; ++x) count += At(x, y) == color ? 1 : 0;
-        }
-        return count;
-    }
-    [[nodiscard]] bool IsAll(const ObLibX::PixelRect& rect, COLORREF color) const {
-        return Count(rect, color) == rect.Width() * rect.Height();
-    }
-    // Whether the outermost pixels of a rectangle all have a colour.
-    [[nodiscard]] bool IsFramed(const ObLibX::PixelRect& rect, COLORREF color) const {
-        return IsAll({rect.left, rect.top, rect.right, rect.top + 1}, color) &&
-               IsAll({rect.left, rect.bottom - 1, rect.right, rect.bottom}, color) &&
-               IsAll({rect.left, rect.top, rect.left + 1, rect.bottom}, color) &&
-               IsAll({rect.right - 1, rect.top, rect.right, rect.bottom}, color);
-    }
     // The pixels, row by row.
     [[nodiscard]] std::vector<COLORREF> Of(const ObLibX::PixelRect& rect) const {
         std::vector<COLORREF> pixels;

@@ -17,12 +17,6 @@ namespace {
 using namespace ObLibX;
 using namespace obtest;
 
-std::vector<HWND> leavesAsked;
-BOOL WINAPI NoteTracking(TRACKMOUSEEVENT* event) {
-    leavesAsked.push_back(event->hwndTrack);
-    return TRUE;
-}
-
 class ReopenedBars : public BarTest {
 protected:
     void SetUp() override {
