@@ -16,54 +16,16 @@
 #include "demo/gallery/Pages.h"
 #include "demo/gallery/ScrolledPanel.h"
 #include "tests/support/ContrastFake.h"
+#include "tests/support/ContrastScheme.h"
 #include "tests/support/ImportPatch.h"
 #include "tests/support/PictureSuite.h"
 
 namespace obtest {
 namespace {
 
-struct SchemeColour {
-    int element;
-    COLORREF dark;
-    COLORREF light;
-};
-
-// The colours of two of the system's high contrast schemes.
-constexpr SchemeColour kScheme[] = {
-    {COLOR_WINDOW, RGB(0, 0, 0), RGB(255, 255, 255)},
-    {COLOR_WINDOWTEXT, RGB(255, 255, 255), RGB(0, 0, 0)},
-    {COLOR_WINDOWFRAME, RGB(255, 255, 255), RGB(0, 0, 0)},
-    {COLOR_SCROLLBAR, RGB(0, 0, 0), RGB(255, 255, 255)},
-    {COLOR_BTNFACE, RGB(0, 0, 0), RGB(255, 255, 255)},
-    {COLOR_BTNTEXT, RGB(255, 255, 255), RGB(0, 0, 0)},
-    {COLOR_BTNHIGHLIGHT, RGB(192, 192, 192), RGB(192, 192, 192)},
-    {COLOR_BTNSHADOW, RGB(128, 128, 128), RGB(128, 128, 128)},
-    {COLOR_3DLIGHT, RGB(255, 255, 255), RGB(0, 0, 0)},
-    {COLOR_3DDKSHADOW, RGB(255, 255, 255), RGB(0, 0, 0)},
-    {COLOR_HIGHLIGHT, RGB(26, 235, 255), RGB(55, 0, 110)},
-    {COLOR_HIGHLIGHTTEXT, RGB(0, 0, 0), RGB(255, 255, 255)},
-    {COLOR_HOTLIGHT, RGB(255, 255, 0), RGB(0, 0, 159)},
-    {COLOR_GRAYTEXT, RGB(63, 242, 63), RGB(96, 0, 0)},
-    {COLOR_ACTIVECAPTION, RGB(128, 0, 128), RGB(224, 224, 224)},
-    {COLOR_GRADIENTACTIVECAPTION, RGB(128, 0, 128), RGB(224, 224, 224)},
-    {COLOR_CAPTIONTEXT, RGB(255, 255, 255), RGB(0, 0, 0)},
-};
-
 std::wstring Contrast() {
     const wchar_t* const chosen = _wgetenv(L"OB_CONTRAST");
     return chosen != nullptr ? chosen : L"";
-}
-
-void ChooseScheme() {
-    std::vector<int> elements;
-    std::vector<COLORREF> colours;
-    for (const SchemeColour& row : kScheme) {
-        elements.push_back(row.element);
-        colours.push_back(Contrast() == L"dark" ? row.dark : row.light);
-    }
-    SetSysColors(static_cast<int>(elements.size()), elements.data(), colours.data());
-    printf("high contrast: a fake of the question, and the colours of a %ls scheme\n",
-           Contrast().c_str());
 }
 
 void Pump() {
@@ -101,7 +63,7 @@ protected:
         gallery::RegisterScrolledPanel(GetModuleHandleW(nullptr));
         ObLibX::UseFlatControls();
         isContrastOn = !Contrast().empty();
-        if (isContrastOn) ChooseScheme();
+        if (isContrastOn) UseScheme(Contrast() == L"dark");
     }
 
 private:
