@@ -22,7 +22,8 @@ using ControlMap = std::map<std::int32_t, std::unique_ptr<ObCustomControl>>; // 
 // Modal dialogs are objects on the stack, which are asked for their values after DoModal. Opened
 // inside an activation context with version 6 of the common controls. One thread, which runs all
 // dialogs of the process. Mistakes of the program end the process. What a handler throws ends in
-// the dialog procedure, and the message counts as not handled.
+// the dialog procedure, and the message counts as not handled; a modal dialog whose OnInitDialog
+// throws ends as a cancel.
 class ObXDlg : public ScrollTarget {
 public:
     // `parent`: the owner, unless it is hidden. `helpId` is stored for the product's help.

@@ -176,6 +176,13 @@ INT_PTR Dispatch(ObXDlg& dialog, UINT message, const Message& arguments) {
                : dialog.OnOtherMessage(message, arguments.wParam, arguments.lParam);
 }
 
+// A modal dialog that could be filled in part only ends as a cancel: its OK would take what isn't
+// filled for what the user wants.
+INT_PTR AfterException(const ObXDlg& dialog, HWND window, UINT message) noexcept {
+    if (message == WM_INITDIALOG && !dialog.isModeless) EndDialog(window, IDCANCEL);
+    return FALSE;
+}
+
 } // namespace
 
 ObXDlg* ObXDlg::FromWindow(HWND window) {
@@ -191,9 +198,11 @@ INT_PTR CALLBACK ObXDlg::Procedure(HWND window, UINT message, WPARAM wParam, LPA
     }
     auto* const dialog = reinterpret_cast<ObXDlg*>(GetWindowLongPtrW(window, DWLP_USER));
     if (dialog == nullptr) return FALSE;
-    return ObLib::Guarded(INT_PTR{FALSE}, [&] {
-        return Dispatch(*dialog, message, {wParam, lParam});
-    });
+    return ObLib::GuardedElse(
+        [&] {
+            return Dispatch(*dialog, message, {wParam, lParam});
+        },
+        [&] { return AfterException(*dialog, window, message); });
 }
 
 } // namespace ObLibX

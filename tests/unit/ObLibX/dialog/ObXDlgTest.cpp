@@ -421,6 +421,20 @@ TEST_F(ObXDlgTest, IsNoLongerOpeningAfterAnException) {
     EXPECT_FALSE(dialog.inInitDialog);
 }
 
+class HalfFilledDialog : public ObXDlg {
+public:
+    HalfFilledDialog() : ObXDlg(OB_TEST_PLAIN, nullptr, 0, false) {}
+    bool OnInitDialog() override {
+        // Comes only if the dialog stays open.
+        PostMessageW(window, WM_COMMAND, IDOK, 0);
+        throw std::bad_alloc();
+    }
+};
+
+TEST_F(ObXDlgTest, EndsAsACancelWhenItCannotBeFilled) {
+    EXPECT_EQ(IDCANCEL, HalfFilledDialog().DoModal());
+}
+
 TEST_F(ObXDlgTest, EndsAnObjectOfItsOwn) {
     const HPEN pen = CreatePen(PS_SOLID, 1, RGB(1, 2, 3));
     {
