@@ -91,7 +91,9 @@ void ShowSendChoice(HWND window, const OBOptions& options) {
     for (const SendRow& row : kSendRows) {
         if (!row.applies(options)) continue;
         CheckOneOf(window, kSendRadios, row.checked);
-        for (const int id : row.disabled) Disable(window, id);
+        for (const int id : row.disabled) {
+            if (id != 0) Disable(window, id);
+        }
         return;
     }
 }

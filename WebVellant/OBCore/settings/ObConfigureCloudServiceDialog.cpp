@@ -32,6 +32,8 @@ constexpr int kSendGroup[] = {OB_CLOUD_SEND_NEVER,   OB_CLOUD_SEND_ALWAYS,
 constexpr int kExpiryGroup[] = {OB_CLOUD_EXPIRE, OB_CLOUD_DAYS_LABEL, OB_CLOUD_DAYS,
                                 OB_CLOUD_DAYS_SPIN};
 
+constexpr int kSendRadios[] = {OB_CLOUD_SEND_NEVER, OB_CLOUD_SEND_ALWAYS, OB_CLOUD_SEND_LARGE};
+
 struct SendChoice {
     int id;
     SendSettingKind setting;
@@ -113,12 +115,12 @@ bool OBConfigureCloudDialogImp::OnInitDialog() {
 void OBConfigureCloudDialogImp::ShowSendSetting() {
     const bool isDecided = context_.options->DisableCloudServices;
     if (context_.options->CloudServicesUnavailable()) {
-        SetChecked(window, OB_CLOUD_SEND_NEVER, true);
+        CheckOneOf(window, kSendRadios, OB_CLOUD_SEND_NEVER);
         for (const int id : kSendGroup) SetEnabled(window, id, false);
         if (isDecided) hints_.Show(window, kSendGroup);
         return;
     }
-    SetChecked(window, ChoiceOf(context_.options->SendSetting), true);
+    CheckOneOf(window, kSendRadios, ChoiceOf(context_.options->SendSetting));
     SetRange(window, OB_CLOUD_MINIMUM_SIZE_SPIN, kLargestSize);
 }
 

@@ -23,6 +23,8 @@ using obtest::MessageBoxWatcher;
 
 constexpr int kChoices[] = {OB_CLOUD_SEND_ALWAYS, OB_CLOUD_SEND_LARGE, OB_CLOUD_SEND_NEVER};
 
+bool IsTabStop(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_TABSTOP) != 0; }
+
 LOGFONTW FontOf(HWND window) {
     LOGFONTW font{};
     GetObjectW(reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0)), sizeof font,
@@ -81,6 +83,9 @@ TEST_F(ConfigureCloud, ChecksTheSettingOfTheRecord) {
         Use([&row](const CloudSettings& settings) {
             EXPECT_EQ(CheckedOf(settings), std::vector<int>{row.id}) << row.setting;
             for (const int id : kChoices) EXPECT_TRUE(settings.IsEnabled(id));
+            for (const int id : kChoices) {
+                EXPECT_EQ(id == row.id, IsTabStop(settings.Item(id))) << row.setting;
+            }
             EXPECT_TRUE(settings.IsEnabled(OB_CLOUD_MINIMUM_SIZE));
         });
     }
