@@ -5,6 +5,7 @@
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/settings/TransformRows.h"
 #include "ObLib/Src/Win32/ModulePath.h"
+#include "ObLibX/src/utilities/ObUtil.h"
 
 namespace obtest {
 namespace {
@@ -159,7 +160,8 @@ INT_PTR OptionsFixture::Show(const std::function<void(const OpenDialog&)>& use) 
     return Operate(
         OB_OPTIONS_CONVERT_FROM_PDF,
         [this]() -> INT_PTR {
-            obcore::OBOptionsDialogImp dialog(OB_OPTIONS, nullptr, options_);
+            const int layout = ObLibX::GetDpi() < 144 ? OB_OPTIONS : OB_OPTIONS_LARGE;
+            obcore::OBOptionsDialogImp dialog(layout, nullptr, options_);
             return dialog.DoModal();
         },
         use);
