@@ -254,6 +254,12 @@ void GiveARow(HWND list) {
     SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&item));
 }
 
+constexpr int kListView = 1030;
+
+bool IsWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 // A dialog that goes at the first notification.
 TEST_F(DestroyedMeanwhile, InANotification) {
     std::set<int> destroyed;
@@ -262,9 +268,10 @@ TEST_F(DestroyedMeanwhile, InANotification) {
         dialog.Open();
         const HWND item = dialog.GetItem(id, true);
         const HWND window = dialog.window;
-        if (id == 1030) GiveARow(item);
+        if (id == kListView) GiveARow(item);
         SetWindowSubclass(window, &DestroyAtNotification, 1, 0);
-        SendMessageW(item, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
+        const bool isPressed = id != kListView || !IsWine();
+        if (isPressed) SendMessageW(item, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
         if (IsWindow(item)) SendMessageW(item, WM_LBUTTONUP, 0, MAKELPARAM(3, 3));
         if (IsWindow(item)) SendMessageW(item, WM_CHAR, L'x', 0);
         if (IsWindow(item)) SendMessageW(item, WM_KEYDOWN, VK_SPACE, 1);
@@ -274,6 +281,7 @@ TEST_F(DestroyedMeanwhile, InANotification) {
         EXPECT_EQ(nullptr, dialog.GetControl(id)->window) << id;
     }
     for (const int id : kNotifying) EXPECT_TRUE(destroyed.contains(id)) << id;
+    printf("not at a press on the list view: Wine's goes on with memory that is freed\n");
 }
 
 // The link's click, and what a list notifies of while its hosted bar is pressed.
