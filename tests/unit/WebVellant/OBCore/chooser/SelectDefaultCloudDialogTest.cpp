@@ -274,7 +274,7 @@ TEST_F(SelectDefaultCloudDialog, ShowsWhereLinksAreSwitchedOffToAUserWithoutAnAc
         EXPECT_TRUE(isShown(chooser));
         const std::wstring hint = TextOf(chooser.Item(OB_CHOOSER_HINT));
         EXPECT_EQ(hint, obcore::LoadText(obcore::TextId::NoAccountHint));
-        EXPECT_NE(hint.find(L"SendSetting"), std::wstring::npos);
+        EXPECT_NE(hint.find(L"cloud settings"), std::wstring::npos);
         RECT place{};
         GetWindowRect(chooser.Item(OB_CHOOSER_HINT), &place);
         EXPECT_LT(listBottom(chooser), place.top);

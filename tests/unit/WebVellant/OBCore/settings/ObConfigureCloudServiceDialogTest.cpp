@@ -370,7 +370,7 @@ TEST_F(ConfigureCloud, RefusesDaysAfterTheOtherSettingsWereTaken) {
     const auto seen = boxes.Seen();
     ASSERT_EQ(seen.size(), 3u);
     EXPECT_EQ(seen[0].caption, L"Ombrix Vellant");
-    EXPECT_EQ(seen[0].text, L"Links can expire after 1,825 days at most.");
+    EXPECT_EQ(seen[0].text, L"Files can be kept for 1,825 days at most.");
     EXPECT_TRUE(seen[0].hasIcon);
 }
 
