@@ -12,6 +12,7 @@
 #include "OBCore/settings/OptionsDialogIds.h"
 #include "OBCore/settings/TransformRows.h"
 #include "OBCore/settings/UpdateCheckDialog.h"
+#include "ObLibX/src/dialog/WindowCentring.h"
 
 namespace obcore {
 namespace {
@@ -30,7 +31,10 @@ void ApplyBrowsers(HWND window, const InstalledBrowsers& browsers) {
     EnableIf(window, OB_OPTIONS_CHROME, browsers.chrome);
     EnableIf(window, OB_OPTIONS_EDGE, browsers.edge);
     EnableIf(window, OB_OPTIONS_FIREFOX, browsers.firefox);
-    if (browsers.firefox && !browsers.firefoxTakesExtension) CollapseRows(window, kFirefoxRow);
+    if (browsers.firefox && !browsers.firefoxTakesExtension) {
+        CollapseRows(window, kFirefoxRow);
+        ObLibX::CenterWindow(window, nullptr, nullptr, true); // it was centred with the row
+    }
 }
 
 struct CommandRow {
