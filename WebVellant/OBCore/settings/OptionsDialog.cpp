@@ -75,8 +75,8 @@ bool OBOptionsDialogImp::OnInitDialog() {
     pictures_.Show(window);
     const HWND link = GetItem(OB_OPTIONS_ABOUT, true);
     if (IsOnGround(window, link)) about_.SetBackgroundColor(GroundColor());
-    about_.Attach(window);
     if (options_->DisableWebVellant) hints_.Show(window, kBrowserGroup);
+    about_.Attach(window); // the last one, so that its procedures are the outermost ones
     return true;
 }
 
