@@ -67,6 +67,20 @@ TEST_F(Browsers, AreNotThereForAPathThatLeadsToNoProgram) {
     EXPECT_TRUE(IsBrowserInstalled(kEdge, k64));
 }
 
+TEST_F(Browsers, AreNotThereForAKeyWithoutADefaultValue) {
+    const std::wstring program = MakeProgram(folder_, L"program.exe");
+    for (const wchar_t* const name : {L"msedge.exe", L"firefox.exe"}) {
+        obtest::SetValue(
+            HKEY_LOCAL_MACHINE,
+            std::wstring(L"Software\\Microsoft\\Windows\\CurrentVersion\\App Paths\\") + name,
+            L"Path", program);
+    }
+    EXPECT_FALSE(IsBrowserInstalled(kEdge, k64));
+    EXPECT_FALSE(GetFirefoxInfo(k64).found);
+    AddBrowser(kEdge, program, 64);
+    EXPECT_TRUE(IsBrowserInstalled(kEdge, k64));
+}
+
 void SetAppPath(DWORD type, const void* data, std::size_t bytes) {
     obtest::SetRawValue(HKEY_LOCAL_MACHINE,
                         L"Software\\Microsoft\\Windows\\CurrentVersion\\App Paths\\msedge.exe", L"",
@@ -135,6 +149,7 @@ TEST_F(Browsers, HaveZerosForFirefoxWithoutAVersionAndWithoutFirefox) {
 }
 
 WORD architecture = PROCESSOR_ARCHITECTURE_AMD64;
+WORD otherArchitecture = PROCESSOR_ARCHITECTURE_INTEL; // what the older call says
 bool hasNativeInfo = true;
 decltype(&GetProcAddress) realFind = nullptr;
 
@@ -145,7 +160,7 @@ void WINAPI ReportArchitecture(SYSTEM_INFO* info) {
 
 void WINAPI ReportOtherArchitecture(SYSTEM_INFO* info) {
     *info = {};
-    info->wProcessorArchitecture = PROCESSOR_ARCHITECTURE_INTEL;
+    info->wProcessorArchitecture = otherArchitecture;
 }
 
 FARPROC WINAPI FindEntry(HMODULE module, const char* name) {
@@ -163,6 +178,7 @@ protected:
           type_("kernel32.dll", "GetBinaryTypeW", &TypeByName) {
         realFind = find_.Real();
         architecture = PROCESSOR_ARCHITECTURE_AMD64;
+        otherArchitecture = PROCESSOR_ARCHITECTURE_INTEL;
         hasNativeInfo = true;
     }
     void SetUp() override {
@@ -208,12 +224,15 @@ TEST_F(BrowsersOfASystem, CountFor64BitsOnlyWhereTheSystemHasThem) {
     }
     const struct {
         WORD architecture;
+        WORD otherArchitecture;
         bool hasNativeInfo;
         bool isFound;
-    } cases[] = {
-        {9, true, true}, {6, true, true}, {0, true, false}, {12, true, false}, {9, false, false}};
+    } cases[] = {{9, 0, true, true},   {6, 0, true, true},  {0, 0, true, false},
+                 {12, 0, true, false}, {0, 9, true, false}, {9, 0, false, false},
+                 {0, 9, false, true},  {0, 6, false, true}};
     for (const auto& one : cases) {
         architecture = one.architecture;
+        otherArchitecture = one.otherArchitecture;
         hasNativeInfo = one.hasNativeInfo;
         const InstalledBrowsers found = FindBrowsers();
         EXPECT_EQ(one.isFound, found.chrome) << one.architecture;

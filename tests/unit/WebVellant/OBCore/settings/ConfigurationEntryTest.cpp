@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <stdexcept>
+
 #include "OBCore/modules/ProviderLibrary.h"
 #include "OBCore/modules/ResourceModule.h"
 #include "ObLib/Src/Win32/ObXAppGlobals.h"
@@ -80,6 +82,14 @@ protected:
                     ElementsAre(L"CreateObExtensionsManager()", InitCall(), L"Deinit(manager)",
                                 L"DeleteObExtensionsManager(manager)"));
     }
+    static std::wstring QuestionOf(HWND parent) {
+        return L"TryToShowWarningOrErrorMessage(" +
+               std::to_wstring(reinterpret_cast<INT_PTR>(parent)) + L", 0, 1)";
+    }
+    static ObLib::UniqueWindow MakeParent() {
+        return ObLib::UniqueWindow(CreateWindowExW(0, L"Static", L"", WS_OVERLAPPEDWINDOW, 0, 0,
+                                                   200, 200, nullptr, nullptr, nullptr, nullptr));
+    }
     static std::wstring InitCall() {
         return L"Init(manager, " +
                std::to_wstring(reinterpret_cast<std::int64_t>(HKEY_CURRENT_USER)) +
@@ -118,11 +128,12 @@ TEST_F(ConfigurationEntry, SavesTheTransformsAfterOkAndNothingElse) {
     });
     EXPECT_EQ(L"1", obtest::ReadUserValue(L"AutoWatermark"));
     EXPECT_EQ(L"0", obtest::ReadUserValue(L"AutoConvertPDF"));
-    EXPECT_EQ(9u, obtest::ValueNames(HKEY_CURRENT_USER, obtest::kUserKey).size());
+    constexpr std::size_t kSaved = 8; // one for each transform
+    EXPECT_EQ(kSaved + 1, obtest::ValueNames(HKEY_CURRENT_USER, obtest::kUserKey).size())
+        << "what was there before is the only other one";
     EXPECT_EQ(Lines(), obtest::ValueNames(HKEY_CURRENT_USER, obtest::kQuilletKey));
     EXPECT_EQ(std::vector<std::string>(), EndLines());
     ExpectWholeLife();
-    EXPECT_TRUE(Loaded().LastUpdateCheck.empty());
 }
 
 TEST_F(ConfigurationEntry, SavesNothingAfterACancelAndTracesTheLastError) {
@@ -142,10 +153,8 @@ TEST_F(ConfigurationEntry, SavesNothingAfterACancelAndTracesTheLastError) {
 
 TEST_F(ConfigurationEntry, GivesTheThreadTheLanguageOfTheOptionsAndItsOwnBack) {
     obtest::SetValue(HKEY_LOCAL_MACHINE, obtest::kLangsKey, L"InstalledUILangID", L"1031");
-    const LANGID wanted = Loaded().UILanguage;
-    wchar_t text[5] = L"";
-    std::swprintf(text, 5, L"%04x", wanted);
-    const std::wstring chosen = wanted == 0 ? L"" : text;
+    ASSERT_EQ(1031, Loaded().UILanguage);
+    const std::wstring chosen = L"0407";
     for (const int end : {kOk, IDCANCEL}) {
         languages.clear();
         Configure([&](const OpenDialog& dialog) {
@@ -162,15 +171,47 @@ TEST_F(ConfigurationEntry, ClearsTheThreadsLanguageForOptionsWithoutOne) {
     EXPECT_EQ((Lines{L"", L"040a"}), languages);
 }
 
+decltype(&RegSetValueExW) realSave = nullptr;
+Lines languagesOfSaves;
+Lines endsBeforeSaves; // what the manager had been told of its end by then
+
+LSTATUS WINAPI RecordSave(HKEY key, const wchar_t* name, DWORD reserved, DWORD type,
+                          const BYTE* data, DWORD bytes) {
+    languagesOfSaves.push_back(threadLanguage);
+    for (const std::wstring& call : FakeModules::CallsOf({L"Deinit"})) {
+        endsBeforeSaves.push_back(call);
+    }
+    return realSave(key, name, reserved, type, data, bytes);
+}
+
 TEST_F(ConfigurationEntry, PutsTheLanguageBackBeforeItSavesAndSavesBeforeTheManagerEnds) {
-    // What the save finds is that the transforms are supported no more.
-    Configure([&](const OpenDialog& dialog) {
-        dialog.Press(kWatermarkBox);
+    const obtest::ImportPatch<decltype(&RegSetValueExW)> save("advapi32.dll", "RegSetValueExW",
+                                                              &RecordSave);
+    ASSERT_TRUE(save.Ok());
+    realSave = save.Real();
+    languagesOfSaves.clear();
+    endsBeforeSaves.clear();
+    Configure([](const OpenDialog& dialog) {
+        EXPECT_EQ(L"", threadLanguage);
         dialog.Press(kOk);
     });
-    EXPECT_EQ(L"040a", threadLanguage);
-    EXPECT_EQ(L"1", obtest::ReadUserValue(L"AutoWatermark"));
-    EXPECT_EQ(L"DeleteObExtensionsManager(manager)", FakeModules::Calls().back());
+    EXPECT_EQ(Lines(8, L"040a"), languagesOfSaves);
+    EXPECT_EQ(Lines(), endsBeforeSaves);
+    ExpectWholeLife();
+}
+
+HRSRC WINAPI FailToFind(HMODULE, const wchar_t*, const wchar_t*) {
+    throw std::runtime_error("no memory");
+}
+
+TEST_F(ConfigurationEntry, PutsTheLanguageBackAndEndsTheManagerAfterAnException) {
+    const obtest::ImportPatch<decltype(&FindResourceW)> find("kernel32.dll", "FindResourceW",
+                                                             &FailToFind);
+    ASSERT_TRUE(find.Ok());
+    EXPECT_THROW(obcore::ShowConfiguration(nullptr), std::runtime_error);
+    EXPECT_EQ((Lines{L"", L"040a"}), languages);
+    ExpectWholeLife();
+    EXPECT_EQ(Lines(), obtest::ValueNames(HKEY_CURRENT_USER, obtest::kUserKey));
 }
 
 TEST_F(ConfigurationEntry, HasTheToolkitFindItsResourcesInTheTexts) {
@@ -199,17 +240,44 @@ TEST_F(ConfigurationEntry, AsksAboutEncryptionOnlyWhereItIsOnAndPossible) {
         obtest::SetMachinePolicy(L"NoEncryption", one.noEncryption);
         FakeModules::ForgetCalls();
         Configure(&Cancel);
-        const Lines asked =
-            one.isAsked ? Lines{L"TryToShowWarningOrErrorMessage(0, 0, 1)"} : Lines();
+        const Lines asked = one.isAsked ? Lines{QuestionOf(nullptr)} : Lines();
         EXPECT_EQ(asked, EncryptionQuestions()) << one.autoEncrypt << one.methods;
     }
 }
 
-TEST_F(ConfigurationEntry, LeavesTheSavedEncryptionAloneAfterARefusal) {
+TEST_F(ConfigurationEntry, AsksAboutEncryptionOverItsParent) {
     obtest::SetUserValue(L"AutoEncrypt", L"1");
-    for (const wchar_t* const answer : {L"2", L"65538"}) {
+    Answer(L"AllowedEncryptMethods", L"12");
+    const ObLib::UniqueWindow parent = MakeParent();
+    Configure(&Cancel, parent.Get());
+    EXPECT_EQ(Lines{QuestionOf(parent.Get())}, EncryptionQuestions());
+}
+
+// Whether the page of attachments, which is opened for it, has encryption on.
+bool IsEncryptionOn(const OpenDialog& dialog) {
+    PostMessageW(dialog.window, WM_COMMAND, OB_OPTIONS_ATTACHMENT, 0);
+    const auto isPage = [&](HWND window) {
+        return GetWindow(window, GW_OWNER) == dialog.window && GetDlgItem(window, 1009) != nullptr;
+    };
+    const OpenDialog page{obtest::WaitForTopWindow(isPage, GetCurrentProcessId())};
+    EXPECT_NE(nullptr, page.window);
+    EXPECT_EQ(1u, page.Checked({1008, 1009, 1010}).size());
+    const bool isOn = page.IsChecked(1009);
+    page.Cancel();
+    EXPECT_TRUE(obtest::WaitUntilClosed(page.window));
+    return isOn;
+}
+
+TEST_F(ConfigurationEntry, SwitchesEncryptionOffForTheRunAfterARefusalAndSavesItNot) {
+    obtest::SetUserValue(L"AutoEncrypt", L"1");
+    Answer(L"AllowedEncryptMethods", L"12");
+    for (const auto& [answer, isOn] :
+         {std::pair(L"1", true), {L"2", false}, {L"65538", false}, {L"131073", true}}) {
         Answer(L"TryToShowWarningOrErrorMessage", answer);
-        Configure([](const OpenDialog& dialog) { dialog.Press(kOk); });
+        Configure([&](const OpenDialog& dialog) {
+            EXPECT_EQ(isOn, IsEncryptionOn(dialog)) << testing::PrintToString(answer);
+            dialog.Press(kOk);
+        });
         EXPECT_EQ(L"1", obtest::ReadUserValue(L"AutoEncrypt"));
     }
 }
@@ -262,8 +330,7 @@ TEST_F(ConfigurationEntry, EndsTheProcessWithoutItsTemplate) {
 }
 
 TEST_F(ConfigurationEntry, BelongsToAParentThatIsShown) {
-    const ObLib::UniqueWindow parent(CreateWindowExW(0, L"Static", L"", WS_OVERLAPPEDWINDOW, 0, 0,
-                                                     200, 200, nullptr, nullptr, nullptr, nullptr));
+    const ObLib::UniqueWindow parent = MakeParent();
     Configure(
         [](const OpenDialog& dialog) {
             EXPECT_EQ(nullptr, GetWindow(dialog.window, GW_OWNER));
@@ -279,6 +346,30 @@ TEST_F(ConfigurationEntry, BelongsToAParentThatIsShown) {
         },
         parent.Get());
     EXPECT_TRUE(IsWindowEnabled(parent.Get()));
+}
+
+INT_PTR endsWith = 0;
+
+INT_PTR WINAPI EndAtOnce(HINSTANCE, const wchar_t*, HWND, DLGPROC, LPARAM) { return endsWith; }
+INT_PTR WINAPI EndTemplateAtOnce(HINSTANCE, const DLGTEMPLATE*, HWND, DLGPROC, LPARAM) {
+    return endsWith;
+}
+
+TEST_F(ConfigurationEntry, SavesNothingForAnyOtherEndThanOk) {
+    const obtest::ImportPatch<decltype(&DialogBoxParamW)> box("user32.dll", "DialogBoxParamW",
+                                                              &EndAtOnce);
+    const obtest::ImportPatch<decltype(&DialogBoxIndirectParamW)> indirect(
+        "user32.dll", "DialogBoxIndirectParamW", &EndTemplateAtOnce);
+    ASSERT_TRUE(box.Ok() && indirect.Ok());
+    for (const INT_PTR end : {0, 3, 8}) { // 0 is that of a window whose owner goes
+        endsWith = end;
+        obtest::ForgetTrace();
+        FakeModules::ForgetCalls();
+        obcore::ShowConfiguration(nullptr);
+        EXPECT_EQ(Lines(), obtest::ValueNames(HKEY_CURRENT_USER, obtest::kUserKey)) << end;
+        EXPECT_EQ(1u, EndLines().size()) << end;
+        ExpectWholeLife();
+    }
 }
 
 TEST_F(ConfigurationEntry, OpensAlsoOverAParentThatHasGone) {

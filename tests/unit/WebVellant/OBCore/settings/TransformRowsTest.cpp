@@ -156,20 +156,43 @@ TEST_F(TransformRows, CallsNobodyWhenABoxIsCleared) {
     }
 }
 
-TEST_F(TransformRows, OpensTheSettingsOfARowAndIgnoresWhatTheyReturn) {
+TEST_F(TransformRows, OpensTheSettingsOfARowAndLeavesItsTick) {
     for (const WantedRow& row : kWanted) {
         if (row.settings == 0) continue;
-        FakeModules::ForgetCalls();
-        std::wstring window;
-        Show([&](const OpenDialog& dialog) {
-            window = NumberOf(dialog.window);
-            dialog.Press(row.settings);
-            EXPECT_EQ(Ids(), dialog.Checked(kBoxes));
-        });
-        EXPECT_EQ((Lines{L"ShowProviderOptions(manager, " + std::to_wstring(row.id) +
-                         L", 4, null, " + window + L")"}),
-                  SettingsCalls());
+        for (const bool isOn : {false, true}) {
+            options_.*row.option = isOn;
+            FakeModules::ForgetCalls();
+            std::wstring window;
+            Show([&](const OpenDialog& dialog) {
+                window = NumberOf(dialog.window);
+                dialog.Press(row.settings);
+                EXPECT_EQ(isOn ? Ids{row.box} : Ids(), dialog.Checked(kBoxes)) << row.id;
+            });
+            EXPECT_EQ(isOn, options_.*row.option) << row.id;
+            EXPECT_EQ((Lines{L"ShowProviderOptions(manager, " + std::to_wstring(row.id) +
+                             L", 4, null, " + window + L")"}),
+                      SettingsCalls());
+        }
+        options_.*row.option = false;
     }
+}
+
+// All are disabled then, but a program may still send what a press would.
+TEST_F(TransformRows, TakesATickBackAndOpensNothingWithoutAManager) {
+    const auto manager = options_.ProviderManager;
+    options_.ProviderManager = nullptr;
+    Show([&](const OpenDialog& dialog) {
+        for (const WantedRow& row : kWanted) {
+            SendMessageW(dialog.Item(row.box), BM_SETCHECK, BST_CHECKED, 0);
+            ASSERT_EQ(Ids{row.box}, dialog.Checked(kBoxes));
+            dialog.Notify(row.box, BN_CLICKED);
+            EXPECT_EQ(Ids(), dialog.Checked(kBoxes)) << row.id;
+            EXPECT_FALSE(options_.*row.option) << row.id;
+            if (row.settings != 0) dialog.Notify(row.settings, BN_CLICKED);
+        }
+    });
+    EXPECT_EQ(Lines(), FakeModules::Calls());
+    options_.ProviderManager = manager;
 }
 
 TEST_F(TransformRows, CountsNoOtherIdAsItsOwn) {
