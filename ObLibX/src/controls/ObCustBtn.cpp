@@ -2,6 +2,7 @@
 
 #include "ObLibX/src/controls/ControlText.h"
 #include "ObLibX/src/controls/OffscreenPaint.h"
+#include "ObLibX/src/dialog/Images.h"
 #include "ObLibX/src/dialog/Palette.h"
 #include "ObLibX/src/dialog/WindowSubclass.h"
 #include "ObLibX/src/utilities/ObUtil.h"
@@ -309,6 +310,13 @@ void ObFlatSettingsBtn::OnMouseMove(int x, int y) {
 void ObFlatSettingsBtn::OnMouseLeave() {
     hasFrame = 0;
     ObFlatBtn::OnMouseLeave();
+}
+
+// High contrast has a colour of its own for it.
+void ObFlatSettingsBtn::DrawImage(HDC dc, HBITMAP bitmap, int x, int y) {
+    ObLib::UniqueBitmap dimmed;
+    if (!IsEnabled() && !IsHighContrast()) dimmed = TintedCopy(bitmap, kDisabledTextColor);
+    ObFlatBtn::DrawImage(dc, dimmed ? dimmed.Get() : bitmap, x, y);
 }
 
 ObFlatBrowserBtn::ObFlatBrowserBtn(std::int32_t buttonId)

@@ -116,7 +116,8 @@ public:
     explicit ObFlatBlueBtn(std::int32_t id);
 };
 
-// A picture that has a frame only while the mouse is on it.
+// A picture that has a frame only while the mouse is on it, and the colour of disabled text while
+// it is disabled.
 class ObFlatSettingsBtn : public ObFlatBtn {
 public:
     explicit ObFlatSettingsBtn(std::int32_t id);
@@ -124,6 +125,7 @@ public:
     void Refresh() override;
     void OnMouseMove(int x, int y) override;
     void OnMouseLeave() override;
+    void DrawImage(HDC dc, HBITMAP bitmap, int x, int y) override;
 };
 
 class ObFlatBrowserBtn : public ObFlatBtn {

@@ -137,6 +137,14 @@ UniqueBitmap RecolorForHighContrast(HBITMAP bitmap, bool isEnabled) {
     return std::move(copy.bitmap);
 }
 
+UniqueBitmap TintedCopy(HBITMAP bitmap, COLORREF color) {
+    const BITMAP described = Described(bitmap);
+    if (described.bmBitsPixel != kAlphaBits) return {};
+    PixelCopy copy = CopyOf(bitmap, described);
+    Tint(copy.pixels, color);
+    return std::move(copy.bitmap);
+}
+
 void DrawImageAt(HDC dc, HBITMAP bitmap, int x, int y) {
     const BITMAP described = Described(bitmap);
     ObAssert(described.bmBitsPixel <= kAlphaBits);

@@ -34,6 +34,10 @@ SIZE ImageSize(HBITMAP bitmap);
 // needed: without high contrast, and for pictures of fewer bits.
 ObLib::UniqueBitmap RecolorForHighContrast(HBITMAP bitmap, bool isEnabled);
 
+// A copy of a picture of 32 bits in one colour with the picture's alpha; empty for pictures of
+// fewer bits, and when there is no memory for it.
+ObLib::UniqueBitmap TintedCopy(HBITMAP bitmap, COLORREF color);
+
 // Draws a picture; one of 32 bits with its alpha, which isn't premultiplied. Changes a copy of the
 // pixels, not the picture. More than 32 bits end the process.
 void DrawImageAt(HDC dc, HBITMAP bitmap, int x, int y);

@@ -36,4 +36,9 @@ void Recolor(std::span<Pixel> pixels, std::uint32_t color) {
     for (Pixel& pixel : pixels) pixel = SteppedAlpha(Channel(pixel, 24)) << 24 | channels;
 }
 
+void Tint(std::span<Pixel> pixels, std::uint32_t color) {
+    const std::uint32_t channels = Swapped(color);
+    for (Pixel& pixel : pixels) pixel = Channel(pixel, 24) << 24 | channels;
+}
+
 } // namespace ObLibX

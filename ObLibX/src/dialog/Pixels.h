@@ -16,4 +16,7 @@ void Premultiply(std::span<Pixel> pixels);
 // pale edges don't blur: below 21 none, to 192 192, to 224 224, above as it is.
 void Recolor(std::span<Pixel> pixels, std::uint32_t color);
 
+// One colour (0x00BBGGRR) for every pixel; each keeps its alpha.
+void Tint(std::span<Pixel> pixels, std::uint32_t color);
+
 } // namespace ObLibX

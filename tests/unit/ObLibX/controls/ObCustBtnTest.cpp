@@ -1,6 +1,8 @@
 // Flat push buttons: their classes, states, colours, texts and pictures.
 #include "ObLibX/src/controls/ObCustBtn.h"
 
+#include <algorithm>
+
 #include "ObLibX/src/dialog/DlgFont.h"
 #include "ObLibX/src/utilities/ObUtil.h"
 #include "tests/unit/ObLib/FatalExit.h"
@@ -410,6 +412,27 @@ TEST_F(FlatButton, OfSettingsHasAFrameOnlyUnderTheMouse) {
     Button(kSettings).images = ImageSet();
     Button(kSettings).Refresh();
     EXPECT_EQ(62088, Button(kSettings).images.ids[0]);
+}
+
+// The darkest of the picture's pixels: all its edges are paler.
+COLORREF DarkestOf(const std::vector<COLORREF>& pixels) {
+    return *std::ranges::min_element(pixels, {}, [](COLORREF color) {
+        return GetRValue(color) + GetGValue(color) + GetBValue(color);
+    });
+}
+
+TEST_F(FlatButton, OfSettingsDimsItsPictureWhileDisabled) {
+    const auto before = PixelsOf(kSettings);
+    EXPECT_GT(0x60, GetRValue(DarkestOf(before)));
+    EnableWindow(Item(kSettings), FALSE);
+    const auto dimmed = PixelsOf(kSettings);
+    EXPECT_EQ(0x808080u, DarkestOf(dimmed));
+    ASSERT_EQ(before.size(), dimmed.size());
+    for (std::size_t at = 0; at < before.size(); ++at) {
+        EXPECT_EQ(before[at] == kWhite, dimmed[at] == kWhite) << at << ": the shape stays";
+    }
+    EnableWindow(Item(kSettings), TRUE);
+    EXPECT_EQ(before, PixelsOf(kSettings));
 }
 
 TEST_F(FlatButton, OfABrowserShowsItsPictureInTheMiddle) {

@@ -32,4 +32,12 @@ TEST(PixelsTest, GetOneColourAndAnAlphaInFewStepsForHighContrast) {
     }
 }
 
+TEST(PixelsTest, GetOneColourAndKeepTheirAlphaForATint) {
+    std::vector<Pixel> pixels{0xFF123456, 0x00123456, 0x14000000, 0xC1FFFFFF};
+    Tint(pixels, 0x00BBCC01);
+    const std::vector<Pixel> expected{0xFF01CCBB, 0x0001CCBB, 0x1401CCBB, 0xC101CCBB};
+    EXPECT_EQ(expected, pixels);
+    Tint({}, 0);
+}
+
 } // namespace
