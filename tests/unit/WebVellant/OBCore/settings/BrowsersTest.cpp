@@ -149,7 +149,7 @@ TEST_F(Browsers, HaveZerosForFirefoxWithoutAVersionAndWithoutFirefox) {
 }
 
 WORD architecture = PROCESSOR_ARCHITECTURE_AMD64;
-WORD otherArchitecture = PROCESSOR_ARCHITECTURE_INTEL; // what the older call says
+WORD otherArchitecture = PROCESSOR_ARCHITECTURE_INTEL; // from the older call
 bool hasNativeInfo = true;
 decltype(&GetProcAddress) realFind = nullptr;
 
