@@ -21,12 +21,13 @@ namespace obcore {
 namespace {
 
 constexpr char kSource[] = "OBCore\\ObConfigureCloudServiceDialog";
-constexpr int kSelectionLine = 1;
-constexpr int kDefaultLine = 2;
-constexpr int kManageLine = 3;
-constexpr int kLoginLine = 4;
-constexpr int kLogoutLine = 5;
-constexpr int kAddLine = 6;
+// A number for each check of this file, in the order of its functions.
+constexpr int kLoginLine = 1;
+constexpr int kLogoutLine = 2;
+constexpr int kDefaultLine = 3;
+constexpr int kAddLine = 4;
+constexpr int kManageLine = 5;
+constexpr int kSelectionLine = 6;
 
 constexpr int kNoRow = -1;
 constexpr int kAccountButtons[] = {OB_CLOUD_LOGIN, OB_CLOUD_LOGOUT, OB_CLOUD_SET_DEFAULT,
@@ -154,7 +155,8 @@ void Manage(const Action& action) {
     if (action.row == kNoRow) return;
     if (HasProfile(action, kManageLine)) {
         CloudProvider* const provider = InstanceOf(action.context, action.profile);
-        if (HasInstance(provider, kManageLine)) {
+        // A missing one is reported once, by the selection that follows.
+        if (provider) {
             OnProvider::ManageAccount::Call(provider, action.window, action.profile->accountKey);
         }
     }

@@ -56,6 +56,13 @@ const SendCase kSendCases[] = {
      [](OBOptions& o) { o.AdminSendItem = AdminSendItemKind::ForcedOff; },
      {kPlain},
      {kZip, kEncrypted, kMethod}},
+    {"forced off, and encrypted",
+     [](OBOptions& o) {
+         o.AdminSendItem = AdminSendItemKind::ForcedOff;
+         o.AutoEncrypt = true;
+     },
+     {kPlain},
+     {kZip, kEncrypted, kMethod}},
     {"zipping may not be switched on, and is off",
      [](OBOptions& o) {
          o.DisableMsgEditZipOption = true;
@@ -218,6 +225,9 @@ TEST_F(AttachmentDialog, HasTheIconOfTheProduct) {
 }
 
 TEST_F(AttachmentDialog, SavesEveryControlAndTrimsTheTexts) {
+    Answer(L"AllowedEncryptMethods", L"12"); // or loading takes encryption back
+    options_.AutoEncrypt = true;
+    obtest::SetUserValue(L"AutoEncrypt", L"1");
     EXPECT_EQ(1, Show([](const OpenDialog& dialog) {
                   for (const int id : {1002, 1006, 1007, 1023, 1004}) dialog.Press(id);
                   dialog.Press(kPlain);
@@ -264,6 +274,15 @@ TEST_F(AttachmentDialog, SavesWhatItShowedWhenNothingIsChanged) {
     }
 }
 
+TEST_F(AttachmentDialog, SavesCompulsoryEncryption) {
+    options_.AlwaysEncrypt = true;
+    EXPECT_EQ(1, Show([](const OpenDialog& dialog) { dialog.Ok(); }));
+    EXPECT_FALSE(options_.SendItem);
+    EXPECT_TRUE(options_.AutoEncrypt);
+    EXPECT_EQ(L"0", obtest::ReadUserValue(L"SendItem"));
+    EXPECT_EQ(L"1", obtest::ReadUserValue(L"AutoEncrypt"));
+}
+
 TEST_F(AttachmentDialog, SavesEachAppendix) {
     for (int row = 0; row < 5; ++row) {
         EXPECT_EQ(1, Show([row](const OpenDialog& dialog) {
@@ -295,6 +314,42 @@ TEST_F(AttachmentDialog, ChecksTheTrimmedTextsInOrder) {
     EXPECT_EQ((Lines{L"ValidateFilespecW(\"\", 2)", L"ValidateFilespecW(\"piz\", 2)",
                      L"ValidateFilespecW(\"piz\", 4)"}),
               FakeModules::Calls());
+}
+
+TEST_F(AttachmentDialog, SavesEmptyTextsThatTheServiceAccepts) {
+    options_.AltExt = L"piz";
+    EXPECT_EQ(1, Show([](const OpenDialog& dialog) {
+                  dialog.Press(OB_ATTACHMENT_USE_EXTENSION);
+                  dialog.Type(OB_ATTACHMENT_ZIP_NAME, L"  ..  ");
+                  dialog.Type(OB_ATTACHMENT_EXTENSION, L" . ");
+                  FakeModules::ForgetCalls();
+                  dialog.Ok();
+              }));
+    Lines calls = FakeModules::CallsOf({L"ValidateFilespecW"});
+    ASSERT_LE(3u, calls.size());
+    calls.resize(3); // the record is checked once more as it is saved
+    EXPECT_EQ((Lines{L"ValidateFilespecW(\"\", 2)", L"ValidateFilespecW(\"\", 2)",
+                     L"ValidateFilespecW(\"\", 4)"}),
+              calls);
+    EXPECT_EQ(L"", obtest::ReadUserValue(L"DefaultZipName"));
+    EXPECT_EQ(L"", obtest::ReadUserValue(L"AltExt"));
+    EXPECT_EQ(L"1", obtest::ReadUserValue(L"UseAltExt"));
+}
+
+TEST_F(AttachmentDialog, RefusesAnEmptyExtensionThatIsUsed) {
+    options_.UseAltExt = true;
+    options_.DefaultZipName = L"n";
+    const obtest::MessageBoxWatcher boxes;
+    EXPECT_EQ(2, Show([](const OpenDialog& dialog) {
+                  Answer(L"ValidateFilespecW(\"\", 2)", L"1");
+                  FakeModules::ForgetCalls();
+                  dialog.Ok();
+                  EXPECT_TRUE(obtest::IsOpen(dialog.window));
+                  EXPECT_EQ((Lines{L"ValidateFilespecW(\"n\", 2)", L"ValidateFilespecW(\"\", 2)"}),
+                            FakeModules::CallsOf({L"ValidateFilespecW"}));
+              }));
+    ASSERT_EQ(1u, boxes.Seen().size());
+    EXPECT_EQ(obcore::LoadText(TextId::ExtensionNotValid), boxes.Seen()[0].text);
 }
 
 // Shows the dialog, types, presses OK, which is refused, and cancels.

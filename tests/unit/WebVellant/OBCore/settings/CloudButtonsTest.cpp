@@ -228,12 +228,25 @@ TEST_F(CloudButtons, KeepTheKeyThatALoginHasFilledIn) {
 
 TEST_F(CloudButtons, CompleteNoOtherDefault) {
     TwoProviders();
+    Answer(L"IsAuthorized2", L"0");
     Answer(L"Login2", L"1");
     for (const auto* const chosen : {L"7|Ann|ann", L"8||", L"0||"}) {
         Answer(L"GetDefaultStorageProvider", chosen);
-        EXPECT_TRUE(CallsAfter(OB_CLOUD_LOGIN, 1, {L"SetDefaultStorageProvider"}).empty())
-            << chosen;
+        const Lines calls = CallsAfter(OB_CLOUD_LOGIN, 1);
+        ASSERT_EQ(calls.size(), 1u) << chosen;
+        EXPECT_TRUE(calls[0].starts_with(L"Login2(manager, provider7, ")) << chosen;
     }
+}
+
+TEST_F(CloudButtons, LeaveAProfileWithoutAKeyAloneWhenItsProviderHasNoInstance) {
+    OneProvider(L"Ann|ann", false);
+    Answer(L"GetProviderInstance.7", L"0");
+    const OwnLogin login([](wchar_t*, wchar_t*, HWND) { return true; });
+    obcontract::ProviderProfile profile{};
+    profile.providerId = 7;
+    EXPECT_TRUE(obcore::LoginProfile(owner_.Get(), context_, profile));
+    EXPECT_STREQ(profile.accountKey, L"");
+    EXPECT_TRUE(CallsOf({L"GetAccountProfiles"}).empty());
 }
 
 TEST_F(CloudButtons, CompleteNothingAfterALoginThatFails) {
@@ -348,6 +361,22 @@ TEST_F(CloudButtons, MakeADefaultWhateverCameOfTheLogin) {
     EXPECT_EQ(last_, 0);
 }
 
+TEST_F(CloudButtons, MakeADefaultAfterTheAssertionOfAMissingInstance) {
+    OneProvider(L"Ann|ann", false);
+    const MessageBoxWatcher boxes;
+    Use([](const CloudSettings& settings) {
+        settings.Select(0);
+        Answer(L"GetProviderInstance.7", L"0");
+        FakeModules::ForgetCalls();
+        settings.Press(OB_CLOUD_SET_DEFAULT);
+        EXPECT_EQ(
+            CallsOf(kActions),
+            (Lines{L"Login2(manager, null, \"ann\", \"Ann\", " + WindowText(settings.dialog) + L")",
+                   L"SetDefaultStorageProvider(manager, profile(7, \"Ann\", \"ann\"))"}));
+    });
+    ExpectAssertions(boxes, {L"cloud_svc_ptr != NULL"}); // the default's row has gone from the list
+}
+
 // Add an account.
 
 TEST_F(CloudButtons, AddAnAccountWithAnEmptyProfile) {
@@ -393,6 +422,19 @@ TEST_F(CloudButtons, ManageTheSelectedAccount) {
     EXPECT_EQ(last_, 1);
 }
 
+TEST_F(CloudButtons, ManageNoAccountWithoutAnInstance) {
+    OneProvider(L"Ann|ann;Bob|bob");
+    const MessageBoxWatcher boxes;
+    Use([](const CloudSettings& settings) {
+        settings.Select(1);
+        Answer(L"GetProviderInstance.7", L"0");
+        settings.Press(OB_CLOUD_MANAGE);
+        EXPECT_TRUE(CallsOf(kActions).empty());
+        EXPECT_EQ(settings.Selected(), 1);
+    });
+    ExpectAssertions(boxes, {L"cloud_svc_ptr != NULL"}); // of the row that is selected anew
+}
+
 // What no user can press.
 
 TEST_F(CloudButtons, AssertAProfileBeforeTheyActOnARow) {
@@ -428,6 +470,20 @@ TEST_F(CloudButtons, ActOnNothingWithoutASelectedRow) {
     });
     ExpectAssertions(boxes, {L"profile != NULL", L"cloud_svc_ptr != NULL"});
     EXPECT_TRUE(CallsOf(kActions).empty());
+}
+
+TEST_F(CloudButtons, AreTheOnlyControlsThatAct) {
+    OneProvider(L"Ann|ann", false);
+    Use([](const CloudSettings& settings) {
+        settings.Select(0);
+        FakeModules::ForgetCalls();
+        for (const int id : {1200, 1203, 1204, 1205, 1206, 1207, 1211, 1212, 1213, 1214, 1216, 1217,
+                             1218, 1219, 1221}) {
+            settings.Command(id);
+        }
+        EXPECT_TRUE(CallsOf(kActions).empty());
+        EXPECT_TRUE(CallsOf({L"EnumProvidersReset"}).empty());
+    });
 }
 
 TEST_F(CloudButtons, IgnoreOtherNotificationsThanAPress) {

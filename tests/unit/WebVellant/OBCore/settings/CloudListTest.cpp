@@ -155,6 +155,17 @@ TEST_F(CloudList, LeavesProvider21InItsPlaceAlsoAsTheDefault) {
     EXPECT_TRUE(CallsOf({L"GetProviderInstance"}).empty());
 }
 
+TEST_F(CloudList, BeginsWithTheDefaultAlsoWhereItIsNoPlaceToStore) {
+    Answer(L"Providers", L"5,30,34,45");
+    Answer(L"provider5.GetShortDescription", L"Five");
+    for (const std::wstring id : {L"30", L"34", L"45"}) {
+        Answer(L"provider" + id + L".GetAccountProfiles", L"Ann|ann;Bob|bob");
+        Answer(L"GetDefaultStorageProvider", id + L"|Bob|bob");
+        const Lines rows = Fill();
+        EXPECT_EQ(rows, (Lines{L"Bob" + kAccount, L"Ann" + kAccount, L"Five"})) << id;
+    }
+}
+
 TEST_F(CloudList, WalksAtOnceWhenTheDefaultsProviderHasNoInstance) {
     Answer(L"Providers", L"5,7");
     Answer(L"provider5.GetShortDescription", L"Five");

@@ -116,10 +116,16 @@ TEST_F(NamePreview, FollowsTheKindOfZip) {
 TEST_F(NamePreview, FollowsTheAppendix) {
     options_.DefaultZipName = L"n";
     Show([](const OpenDialog& dialog) {
-        dialog.Select(OB_ATTACHMENT_APPEND, 1);
-        EXPECT_EQ(std::size(L"nyy-MM-dd.zip") - 1, Preview(dialog).size());
-        dialog.Select(OB_ATTACHMENT_APPEND, 0);
-        EXPECT_EQ(L"n.zip", Preview(dialog));
+        for (const int row : {1, 2, 3, 4, 0}) {
+            const auto kind = static_cast<NameAppendKind>(row);
+            const std::wstring before = L"n" + obcore::MakeNameToken(kind) + L".zip";
+            dialog.Select(OB_ATTACHMENT_APPEND, row);
+            const std::wstring shown = Preview(dialog);
+            const std::wstring after = L"n" + obcore::MakeNameToken(kind) + L".zip";
+            EXPECT_LE(before, shown) << row;
+            EXPECT_LE(shown, after) << row;
+            EXPECT_EQ(before.size(), shown.size()) << row;
+        }
     });
 }
 
@@ -139,8 +145,12 @@ TEST_F(NamePreview, ReportsAnExtensionThatCantBeUsed) {
     Show([](const OpenDialog& dialog) {
         dialog.Press(OB_ATTACHMENT_USE_EXTENSION);
         for (const wchar_t* bad : {L"p?z", L"p z"}) {
+            FakeModules::ForgetCalls();
             dialog.Type(OB_ATTACHMENT_EXTENSION, bad);
             EXPECT_EQ(NotValid(), Preview(dialog)) << bad;
+            // The second rules are asked for only where the first accept.
+            const std::size_t tests = std::wstring(bad) == L"p?z" ? 2 : 3;
+            EXPECT_EQ(tests, FakeModules::CallsOf({L"ValidateFilespecW"}).size()) << bad;
             dialog.Type(OB_ATTACHMENT_EXTENSION, L"piz");
             EXPECT_NE(NotValid(), Preview(dialog)) << bad;
         }

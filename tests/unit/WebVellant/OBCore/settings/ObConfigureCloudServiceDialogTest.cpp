@@ -336,10 +336,12 @@ TEST_F(ConfigureCloud, StoresNeverWithoutCloudServices) {
 TEST_F(ConfigureCloud, StoresNoExpiryThatIsntAvailable) {
     options_.ExpireFilesAvailable = false;
     options_.ExpireFiles = true;
+    options_.S4DelExpireDays = 91;
     obtest::SetUserValue(L"ExpireFiles", L"1");
     obtest::SetUserValue(L"S4DelExpireDays", L"90");
     Accept([](const CloudSettings&) {});
-    EXPECT_FALSE(options_.ExpireFiles); // of the box in the template
+    EXPECT_FALSE(options_.ExpireFiles);       // of the box in the template
+    EXPECT_EQ(options_.S4DelExpireDays, 91u); // whose field has no number
     EXPECT_EQ(obtest::ReadUserValue(L"ExpireFiles"), L"1");
     EXPECT_EQ(obtest::ReadUserValue(L"S4DelExpireDays"), L"90");
     EXPECT_EQ(obtest::ReadValue(HKEY_CURRENT_USER, kQuilletKey, L"SendSetting"), L"2");
