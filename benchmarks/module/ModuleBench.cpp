@@ -14,8 +14,9 @@
 #include <string>
 #include <vector>
 
-#include "ObLib/Src/Win32/UniqueHandle.h"
+#include "benchmarks/support/Child.h"
 #include "benchmarks/support/Library.h"
+#include "benchmarks/support/Memory.h"
 #include "benchmarks/support/QuickPage.h"
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
@@ -34,26 +35,6 @@ struct Sample {
     double privateBytes = 0;
 };
 
-bool IsWritable(DWORD protection) {
-    constexpr DWORD kWritable =
-        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    return (protection & kWritable) != 0;
-}
-
-// What the process has committed for itself: private memory, and the writable parts of images,
-// of which each process gets its own copy. The system's own counter stays 0 under Wine.
-double PrivateBytes() {
-    std::size_t total = 0;
-    MEMORY_BASIC_INFORMATION region{};
-    const std::uint8_t* place = nullptr;
-    while (VirtualQuery(place, &region, sizeof(region)) != 0) {
-        const bool own = region.Type == MEM_PRIVATE || IsWritable(region.Protect);
-        if (region.State == MEM_COMMIT && own) total += region.RegionSize;
-        place = static_cast<const std::uint8_t*>(region.BaseAddress) + region.RegionSize;
-    }
-    return static_cast<double>(total);
-}
-
 void AskOnce() {
     const bench::Library library(bench::kLibraryPath);
     if (!library) return;
@@ -67,55 +48,18 @@ int RunChild(const wchar_t* path, bool ask) {
     for (const wchar_t* name : kBrowsersOwn) {
         if (!LoadLibraryW(name)) return bench::Fail("a system library doesn't load");
     }
-    const double before = PrivateBytes();
+    const double before = bench::PrivateBytes();
     const bench::Stopwatch watch;
     const HMODULE module = LoadLibraryW(path);
     const double nanoseconds = watch.Nanoseconds();
     if (!module) return bench::Fail("the module doesn't load");
     if (ask) AskOnce();
-    std::printf("%.0f %.0f\n", nanoseconds, PrivateBytes() - before);
+    std::printf("%.0f %.0f\n", nanoseconds, bench::PrivateBytes() - before);
     return 0;
 }
 
-// What the child wrote until its end.
-std::string ReadAll(HANDLE pipe) {
-    std::string text;
-    char piece[256];
-    DWORD count = 0;
-    while (ReadFile(pipe, piece, sizeof(piece), &count, nullptr) && count != 0) {
-        text.append(piece, count);
-    }
-    return text;
-}
-
-// Starts this program again with its output in `pipe`.
-bool StartChild(const std::wstring& arguments, HANDLE pipe) {
-    wchar_t self[MAX_PATH];
-    GetModuleFileNameW(nullptr, self, MAX_PATH);
-    std::wstring line = L"\"" + std::wstring(self) + L"\" --child " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = pipe;
-    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-        return false;
-    }
-    const ObLib::UniqueKernelHandle thread(process.hThread);
-    const ObLib::UniqueKernelHandle child(process.hProcess);
-    return true;
-}
-
 bool Take(const std::wstring& arguments, Sample& sample) {
-    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
-    ObLib::UniqueKernelHandle reading;
-    ObLib::UniqueKernelHandle writing;
-    if (!CreatePipe(reading.Put(), writing.Put(), &inherited, 0)) return false;
-    if (!StartChild(arguments, writing.Get())) return false;
-    writing.Reset();
-    const std::string text = ReadAll(reading.Get());
+    const std::string text = bench::OutputOfChild(arguments);
     return std::sscanf(text.c_str(), "%lf %lf", &sample.nanoseconds, &sample.privateBytes) == 2;
 }
 

@@ -7,7 +7,6 @@
 
 #include <commctrl.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -17,6 +16,7 @@
 #include "ObLibX/src/controls/FlatControls.h"
 #include "ObLibX/src/controls/ObHyperlink.h"
 #include "ObLibX/src/dialog/ObXFlatDlg.h"
+#include "benchmarks/support/Memory.h"
 #include "benchmarks/support/Series.h"
 #include "benchmarks/support/Stopwatch.h"
 #include "benchmarks/toolkit/BarBench.h"
@@ -114,26 +114,6 @@ double TimeOpening() {
     return watch.Milliseconds();
 }
 
-double BusyBytes(HANDLE heap) {
-    double bytes = 0;
-    PROCESS_HEAP_ENTRY entry{};
-    HeapLock(heap);
-    while (HeapWalk(heap, &entry)) {
-        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
-    }
-    HeapUnlock(heap);
-    return bytes;
-}
-
-// KB in use in all heaps of the process, as what it has committed grows in large steps only.
-double Used() {
-    HANDLE heaps[64] = {};
-    const DWORD count = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
-    double bytes = 0;
-    for (DWORD at = 0; at < count; ++at) bytes += BusyBytes(heaps[at]);
-    return bytes / 1024;
-}
-
 struct Use {
     double memory;  // KB a dialog
     double objects; // a dialog
@@ -141,11 +121,11 @@ struct Use {
 
 template <class Dialog>
 Use UseOfOne() {
-    const double memory = Used();
+    const double memory = bench::HeapKilobytes();
     const DWORD objects = obtest::CountGdiObjects();
     std::vector<std::unique_ptr<Dialog>> dialogs;
     for (int at = 0; at < kDialogs; ++at) dialogs.push_back(Opened<Dialog>(kSixty));
-    return {(Used() - memory) / kDialogs,
+    return {(bench::HeapKilobytes() - memory) / kDialogs,
             static_cast<double>(obtest::CountGdiObjects() - objects) / kDialogs};
 }
 
@@ -230,10 +210,10 @@ std::unique_ptr<Dialog> OpenedList() {
 
 template <class Dialog>
 double MemoryOfList() {
-    const double memory = Used();
+    const double memory = bench::HeapKilobytes();
     std::vector<std::unique_ptr<Dialog>> dialogs;
     for (int at = 0; at < kDialogs; ++at) dialogs.push_back(OpenedList<Dialog>());
-    return (Used() - memory) / kDialogs;
+    return (bench::HeapKilobytes() - memory) / kDialogs;
 }
 
 void MeasureListMemory() {
