@@ -15,9 +15,10 @@ namespace {
 
 constexpr int kPaints = 20; // in one sample
 constexpr int kRows = 60;
-constexpr int kPositions = 1000; // one a pixel
-constexpr int kDrags = 3;        // at most: one of the system's takes ten seconds under Wine
-constexpr int kRange = 4000;     // more than the thumb has pixels, so that each of them is another
+constexpr int kPositions = 1000;     // one a pixel, of a bar as long
+constexpr int kStockPositions = 100; // the system's own takes ten milliseconds for each under Wine
+constexpr int kDrags = 3;
+constexpr int kRange = 4000; // more than the thumb has pixels, so that each of them is another
 
 int tracked = 0; // values that a bar has reported in one drag
 
@@ -80,29 +81,30 @@ struct ListWindow {
 // ---- The drag
 
 // The messages wait when the drag begins, as the system's own bar takes them in a loop of its own.
-void PostDrag(HWND bar) {
+void PostDrag(HWND bar, int positions) {
     const int start = GetSystemMetrics(SM_CXHSCROLL) + 5; // on the thumb
     PostMessageW(bar, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(start, 5));
-    for (int pixel = 1; pixel <= kPositions; ++pixel) {
+    for (int pixel = 1; pixel <= positions; ++pixel) {
         PostMessageW(bar, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(start + pixel, 5));
     }
-    PostMessageW(bar, WM_LBUTTONUP, 0, MAKELPARAM(start + kPositions, 5));
+    PostMessageW(bar, WM_LBUTTONUP, 0, MAKELPARAM(start + positions, 5));
 }
 
-// Nothing when the bar hasn't reported each position; the system's reports one more.
-std::optional<double> TimeDrag(HWND bar) {
+// Microseconds a position. Nothing when the bar hasn't reported each of them; the system's reports
+// one more.
+std::optional<double> TimeDrag(HWND bar, int positions) {
     const SCROLLINFO info{sizeof info, SIF_ALL, 0, kRange, 0, 0, 0};
     SetScrollInfo(bar, SB_CTL, &info, TRUE);
     tracked = 0;
-    PostDrag(bar);
+    PostDrag(bar, positions);
     const Stopwatch watch;
     MSG message;
-    for (int left = 5 * kPositions; left > 0 && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);
+    for (int left = 5 * positions; left > 0 && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);
          --left) {
         DispatchMessageW(&message);
     }
-    const double time = watch.Milliseconds();
-    return tracked >= kPositions ? std::optional(time) : std::nullopt;
+    const double time = watch.Nanoseconds() / 1000 / positions;
+    return tracked >= positions ? std::optional(time) : std::nullopt;
 }
 
 } // namespace
@@ -131,8 +133,8 @@ Pair MeasureDrag(int rounds) {
     const HWND stock = MakeChild(other.Get(), L"ScrollBar", SBS_HORZ, length, height);
     Pair times;
     for (int round = std::min(rounds, kDrags); round > 0; --round) {
-        const auto one = TimeDrag(ours);
-        const auto another = TimeDrag(stock);
+        const auto one = TimeDrag(ours, kPositions);
+        const auto another = TimeDrag(stock, kStockPositions);
         if (!one || !another) return {};
         times.ours.push_back(*one);
         times.theirs.push_back(*another);

@@ -9,8 +9,9 @@ namespace bench {
 // and with the list box's own.
 Pair MeasureHostPaint(int rounds);
 
-// Turn by turn, milliseconds: the thumb of a flat bar and of a stock one dragged over 1,000
-// positions, each of which the parent takes. Empty when one of the two doesn't report each.
+// Turn by turn, microseconds a position: the thumb of a flat bar dragged over 1,000 positions, and
+// that of a stock one over 100, each of which the parent takes. Empty when one of the two doesn't
+// report each.
 Pair MeasureDrag(int rounds);
 
 } // namespace bench
