@@ -433,7 +433,7 @@ TEST_F(TransformStages, LetTheFinalStageDropFiles) {
 
 TEST_F(TransformStages, ShowALongNameOnASecondLine) {
     Stages(L"0,0,1,0");
-    const std::wstring middle(38, L'w');
+    const std::wstring middle(40, L'w');
     const std::wstring endless(300, L'w');
     files_ = {L"C:\\t\\" + middle, L"C:\\t\\" + endless};
     EXPECT_TRUE(Run());
